@@ -1,0 +1,37 @@
+# Compiler settings that every target shares.
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "" FORCE)
+endif()
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_CXX_FLAGS_RELEASE "-O2")  # assertions are governed by QXMT_ASSERT, not by NDEBUG
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+
+find_program(QXMT_CCACHE ccache)
+if(QXMT_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER
+      "${CMAKE_COMMAND};-E;env;CCACHE_BASEDIR=${CMAKE_SOURCE_DIR};CCACHE_NOHASHDIR=1;${QXMT_CCACHE}")
+endif()
+find_program(QXMT_MOLD mold)
+if(QXMT_MOLD AND CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
+  add_link_options(-fuse-ld=mold)
+endif()
+
+# A file's own warnings are errors; third-party headers come in as system headers.
+add_library(qxmt_warnings INTERFACE)
+target_compile_options(qxmt_warnings INTERFACE -Wall -Wextra -Wshadow -Wpedantic -Werror)
+
+if(QXMT_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer -g1)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+if(QXMT_PARANOID)
+  add_compile_definitions(QXMT_PARANOID=1)
+endif()
+if(QXMT_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link,address,undefined)
+  add_link_options(-fsanitize=address,undefined)
+endif()

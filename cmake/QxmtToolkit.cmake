@@ -1,0 +1,43 @@
+# The plug-in module: toolkit folders as plain C++17 against <maya/...>, the standard library and OpenGL.
+file(GLOB_RECURSE toolkit_sources CONFIGURE_DEPENDS
+     plugin/*.cpp shared/*.cpp commands/*.cpp modeling/*.cpp quaddraw/*.cpp uv/*.cpp)
+if(NOT toolkit_sources)
+  return()
+endif()
+find_package(OpenGL REQUIRED)
+
+function(qxmt_toolkit_settings target)
+  set_target_properties(${target} PROPERTIES CXX_STANDARD 17 CXX_STANDARD_REQUIRED ON PREFIX "")
+  target_include_directories(${target} PRIVATE "${PROJECT_SOURCE_DIR}")
+  target_link_libraries(${target} PRIVATE qxmt_warnings)
+endfunction()
+
+if(QXMT_HOST STREQUAL "maya")
+  if(NOT EXISTS "${MAYA_LOCATION}/include/maya/MFnPlugin.h")
+    message(FATAL_ERROR "QXMT_HOST=maya needs MAYA_LOCATION: '${MAYA_LOCATION}/include/maya/MFnPlugin.h' was not found")
+  endif()
+  add_library(qxModelingToolkit MODULE ${toolkit_sources})
+  qxmt_toolkit_settings(qxModelingToolkit)
+  target_include_directories(qxModelingToolkit SYSTEM PRIVATE "${MAYA_LOCATION}/include")
+  if(NOT WIN32)
+    target_compile_definitions(qxModelingToolkit PRIVATE LINUX _BOOL REQUIRE_IOSTREAM)
+  endif()
+  foreach(library IN ITEMS OpenMaya OpenMayaUI OpenMayaRender Foundation)
+    find_library(SDK_${library} ${library} PATHS "${MAYA_LOCATION}/lib" NO_DEFAULT_PATH)
+    if(SDK_${library})
+      target_link_libraries(qxModelingToolkit PRIVATE "${SDK_${library}}")
+    endif()
+  endforeach()
+  target_link_libraries(qxModelingToolkit PRIVATE OpenGL::GL)
+  return()
+endif()
+
+add_library(qxModelingToolkit MODULE ${toolkit_sources})
+qxmt_toolkit_settings(qxModelingToolkit)
+target_include_directories(qxModelingToolkit PRIVATE "${PROJECT_SOURCE_DIR}/host/include")
+target_link_libraries(qxModelingToolkit PRIVATE OpenGL::GL qxhost)
+
+# The toolkit's isolation, checked by the compiler: nothing but the API headers, the toolkit folders, OpenGL and std.
+add_library(toolkit_isolation OBJECT EXCLUDE_FROM_ALL ${toolkit_sources})
+qxmt_toolkit_settings(toolkit_isolation)
+target_include_directories(toolkit_isolation PRIVATE "${PROJECT_SOURCE_DIR}/host/include")

@@ -1,0 +1,62 @@
+#include "host/base/messages.h"
+
+#include <array>
+#include <cstdio>
+#include <utility>
+
+namespace host {
+namespace {
+
+MessageSink& currentSink() {
+  static MessageSink sink;
+  return sink;
+}
+
+void writeToStreams(MessageKind kind, std::string_view text) {
+  const auto length = static_cast<int>(text.size());
+  switch (kind) {
+    case MessageKind::Print:
+      std::fwrite(text.data(), 1, text.size(), stdout);
+      return;
+    case MessageKind::Info: std::fprintf(stderr, "// %.*s //\n", length, text.data()); break;
+    case MessageKind::Warning: std::fprintf(stderr, "// Warning: %.*s //\n", length, text.data()); break;
+    case MessageKind::Error: std::fprintf(stderr, "// Error: %.*s //\n", length, text.data()); break;
+    case MessageKind::Result: std::fprintf(stderr, "// Result: %.*s //\n", length, text.data()); break;
+  }
+  std::fflush(stderr);
+}
+
+}  // namespace
+
+void postMessage(MessageKind kind, std::string_view text) {
+  if (kind != MessageKind::Print) std::fflush(stdout);
+  if (currentSink())
+    currentSink()(kind, text);
+  else
+    writeToStreams(kind, text);
+}
+
+MessageSink setMessageSink(MessageSink sink) { return std::exchange(currentSink(), std::move(sink)); }
+
+struct MessageCapture::State {
+  std::array<std::string, 5> texts;
+};
+
+MessageCapture::MessageCapture() : state_(new State) {
+  previous_ = setMessageSink([state = state_](MessageKind kind, std::string_view text) {
+    std::string& target = state->texts[static_cast<std::size_t>(kind)];
+    target.append(text);
+    if (kind != MessageKind::Print) target.push_back('\n');
+  });
+}
+
+MessageCapture::~MessageCapture() {
+  setMessageSink(std::move(previous_));
+  delete state_;
+}
+
+std::string MessageCapture::text(MessageKind kind) const {
+  return state_->texts[static_cast<std::size_t>(kind)];
+}
+
+}  // namespace host
