@@ -1,0 +1,195 @@
+#pragma once
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "host/base/ids.h"
+#include "host/base/result.h"
+#include "host/math/vec.h"
+#include "host/mesh/cow.h"
+
+namespace host::mesh {
+
+using math::Vec2f;
+using math::Vec3;
+using math::Vec3f;
+
+class Adjacency;
+
+/// The two end vertices of an edge, in stored direction.
+struct EdgeVertices {
+  VertexId a = kNone, b = kNone;
+  friend bool operator==(const EdgeVertices&, const EdgeVertices&) = default;
+};
+
+/// Face loops and edges. Face f owns corners [faceOffsets[f], faceOffsets[f+1]); corner c starts at vertex
+/// cornerVertices[c] and walks edge cornerEdges[c] to the next corner's vertex.
+struct Topology {
+  std::vector<CornerId> faceOffsets{0};
+  std::vector<VertexId> cornerVertices;
+  std::vector<EdgeId> cornerEdges;
+  std::vector<EdgeVertices> edges;
+  friend bool operator==(const Topology&, const Topology&) = default;
+};
+
+/// One UV set: points, and a UV id a face corner; -1 where a face has no UVs in this set.
+struct UvSet {
+  std::string name;
+  std::vector<Vec2f> points;
+  std::vector<UvId> cornerIds;  ///< one a corner of the mesh; empty means no face has UVs
+  friend bool operator==(const UvSet&, const UvSet&) = default;
+};
+
+/// Linear RGBA.
+struct Color4f {
+  float r = 0, g = 0, b = 0, a = 1;
+  friend bool operator==(const Color4f&, const Color4f&) = default;
+};
+
+/// One colour set: colours, and a colour id a face corner; -1 where unset.
+struct ColorSet {
+  std::string name;
+  int representation = 4;  ///< channels in use: 1 alpha, 3 RGB, 4 RGBA
+  bool clamped = false;
+  std::vector<Color4f> colors;
+  std::vector<Index> cornerIds;
+  friend bool operator==(const ColorSet&, const ColorSet&) = default;
+};
+
+/// Locked (user-set) normals, one a corner; `locked` says which corners count. Both empty: none locked.
+struct LockedNormals {
+  std::vector<Vec3f> normals;
+  std::vector<std::uint8_t> locked;
+  friend bool operator==(const LockedNormals&, const LockedNormals&) = default;
+};
+
+/// Crease weights; an empty array means all zero. 0 = smooth, 10 and more = fully sharp when subdivided.
+struct Creases {
+  std::vector<float> edges;
+  std::vector<float> vertices;
+  friend bool operator==(const Creases&, const Creases&) = default;
+};
+
+/// A polygon mesh as a value: copying is O(1), each array group is shared until written.
+///
+/// Positions are object space, cm. Faces are vertex loops of any length >= 3. An edge has two different vertices
+/// and any number of faces, so borders and non-manifold edges are legal. Caches (adjacency, normals) hang on the
+/// array group they derive from and are shared by all copies of it.
+class Mesh {
+ public:
+  // Sizes.
+  [[nodiscard]] Index vertexCount() const { return static_cast<Index>(points_->size()); }
+  [[nodiscard]] Index edgeCount() const { return static_cast<Index>(topology().edges.size()); }
+  [[nodiscard]] Index faceCount() const { return static_cast<Index>(topology().faceOffsets.size()) - 1; }
+  [[nodiscard]] Index cornerCount() const { return static_cast<Index>(topology().cornerVertices.size()); }
+
+  // Points.
+  [[nodiscard]] std::span<const Vec3f> points() const { return points_.read(); }
+  [[nodiscard]] Vec3 point(VertexId v) const { return Vec3(points_.read()[static_cast<std::size_t>(v)]); }
+  /// Unshares the points for writing in place; their number must not change here.
+  [[nodiscard]] std::span<Vec3f> editPoints();
+  /// Replaces all points. The topology must fit the new number.
+  void setPoints(std::vector<Vec3f> points);
+
+  // Topology.
+  [[nodiscard]] const Topology& topology() const { return topology_->value; }
+  /// Replaces faces and edges, dropping the caches of the old ones. Per-corner and per-edge groups must be replaced
+  /// by the caller to fit.
+  void setTopology(Topology topology);
+  [[nodiscard]] std::span<const VertexId> faceVertices(FaceId f) const;
+  [[nodiscard]] std::span<const EdgeId> faceEdges(FaceId f) const;
+  [[nodiscard]] CornerId firstCorner(FaceId f) const { return topology().faceOffsets[static_cast<std::size_t>(f)]; }
+  [[nodiscard]] Index faceSize(FaceId f) const { return firstCorner(f + 1) - firstCorner(f); }
+  [[nodiscard]] EdgeVertices edge(EdgeId e) const { return topology().edges[static_cast<std::size_t>(e)]; }
+  /// Vertex -> edges, vertex -> faces, edge -> faces; built on first use, shared by all copies of the topology.
+  [[nodiscard]] const Adjacency& adjacency() const;
+
+  // Edge smoothness: one byte an edge, 1 smooth, 0 hard; an empty array means all smooth.
+  [[nodiscard]] bool isEdgeSmooth(EdgeId e) const {
+    return edgeSmooth_->empty() || edgeSmooth_.read()[static_cast<std::size_t>(e)] != 0;
+  }
+  [[nodiscard]] std::span<const std::uint8_t> edgeSmooth() const { return edgeSmooth_.read(); }
+  void setEdgeSmooth(std::vector<std::uint8_t> flags);
+  void setEdgeSmooth(EdgeId e, bool smooth);
+
+  // Creases.
+  [[nodiscard]] const Creases& creases() const { return creases_.read(); }
+  [[nodiscard]] Creases& editCreases() { return creases_.write(); }
+  [[nodiscard]] float edgeCrease(EdgeId e) const;
+  [[nodiscard]] float vertexCrease(VertexId v) const;
+
+  // UV sets. Every mesh has at least a set "map1", perhaps without points.
+  [[nodiscard]] int uvSetCount() const { return static_cast<int>(uvSets_.size()); }
+  [[nodiscard]] const UvSet& uvSet(int index) const { return uvSets_[static_cast<std::size_t>(index)].read(); }
+  [[nodiscard]] UvSet& editUvSet(int index) { return uvSets_[static_cast<std::size_t>(index)].write(); }
+  [[nodiscard]] int findUvSet(std::string_view name) const;  ///< -1 when there is none
+  int addUvSet(UvSet set);
+  void removeUvSet(int index);
+  [[nodiscard]] int currentUvSet() const { return currentUvSet_; }
+  void setCurrentUvSet(int index) { currentUvSet_ = index; }
+
+  // Colour sets; none by default.
+  [[nodiscard]] int colorSetCount() const { return static_cast<int>(colorSets_.size()); }
+  [[nodiscard]] const ColorSet& colorSet(int index) const { return colorSets_[static_cast<std::size_t>(index)].read(); }
+  [[nodiscard]] ColorSet& editColorSet(int index) { return colorSets_[static_cast<std::size_t>(index)].write(); }
+  [[nodiscard]] int findColorSet(std::string_view name) const;
+  int addColorSet(ColorSet set);
+  void removeColorSet(int index);
+  [[nodiscard]] int currentColorSet() const { return currentColorSet_; }  ///< -1 without any
+  void setCurrentColorSet(int index) { currentColorSet_ = index; }
+
+  // Normals.
+  [[nodiscard]] const LockedNormals& lockedNormals() const { return lockedNormals_.read(); }
+  [[nodiscard]] LockedNormals& editLockedNormals();
+  /// Unit normal a corner: locked ones as set, others the angle-weighted mean over the corner's smooth fan.
+  /// Built on first use and cached until points, topology, smoothness or locks are written.
+  [[nodiscard]] std::span<const Vec3f> cornerNormals() const;
+
+  // Invisible faces (holes in the sense of hidden faces): sorted ids.
+  [[nodiscard]] std::span<const FaceId> invisibleFaces() const { return invisibleFaces_.read(); }
+  void setInvisibleFaces(std::vector<FaceId> faces);
+
+  /// Equal in every stored array, names and orders included.
+  friend bool operator==(const Mesh& a, const Mesh& b);
+  /// Bytes of arrays that this mesh holds and `other` does not share; caches not counted.
+  [[nodiscard]] std::size_t bytesNotSharedWith(const Mesh& other) const;
+
+  /// Opaque cache slot for an accelerator that derives from points and topology (see spatial); dropped with them.
+  [[nodiscard]] std::shared_ptr<void>& acceleratorSlot() const;
+
+  Mesh();
+
+ private:
+  struct TopologyBlock;   // Topology + lazily built adjacency
+  struct DerivedCaches;   // corner normals and accelerator, dropped by edits of what they derive from
+  void dropDerived();
+
+  Cow<std::vector<Vec3f>> points_;
+  struct TopologyHandle {
+    std::shared_ptr<TopologyBlock> block;
+    const TopologyBlock* operator->() const { return block.get(); }
+  } topology_;
+  Cow<std::vector<std::uint8_t>> edgeSmooth_;
+  Cow<Creases> creases_;
+  std::vector<Cow<UvSet>> uvSets_;
+  std::vector<Cow<ColorSet>> colorSets_;
+  Cow<LockedNormals> lockedNormals_;
+  Cow<std::vector<FaceId>> invisibleFaces_;
+  int currentUvSet_ = 0;
+  int currentColorSet_ = -1;
+  mutable std::shared_ptr<DerivedCaches> derived_;
+};
+
+/// Face loops in, mesh out: makes the edges in order of first use (each face's corners in order, corner k giving
+/// edge k -> k+1) and checks every index.
+/// @param counts corners a face; @param vertices the corners' vertices, face after face
+/// @return an error naming the first bad face: fewer than 3 corners, index out of range, a vertex repeated in
+///         neighbouring corners, or counts and vertices that do not add up.
+[[nodiscard]] Result<Mesh> buildMesh(std::vector<Vec3f> points, std::span<const Index> counts,
+                                     std::span<const VertexId> vertices);
+
+}  // namespace host::mesh
