@@ -1,0 +1,134 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "host/dg/attribute.h"
+#include "host/dg/plug.h"
+
+namespace host::dg {
+
+class DataBlock;
+class Graph;
+class Node;
+struct Slot;
+
+/// What computing a plug came to. Unhandled: the type does not compute this plug; its stored value stands.
+enum class Computed { Done, Unhandled };
+
+/// The description that nodes of one kind share: attributes, dependencies and behaviour. Built once, then registered
+/// in a TypeRegistry; nodes refer to it as long as they live.
+class NodeType {
+ public:
+  std::string name;
+  std::uint32_t id = 0;
+  const NodeType* base = nullptr;  ///< its attributes come first and its compute is asked last
+  std::string classification;
+  bool isAbstract = false;
+  std::string pluginName;  ///< empty for built-in types
+
+  /// Computes `plug` (an output, possibly an element or a child) and whatever else is cheap, into the block.
+  std::function<Result<Computed>(Node&, const Plug& plug, DataBlock& block)> compute;
+  /// Attributes with internalStorage. Return false to fall back to the stored value.
+  std::function<bool(const Node&, const Plug&, Value&)> getInternal;
+  std::function<Result<bool>(Node&, const Plug&, const Value&)> setInternal;
+  /// Adds plugs to dirty beyond the static `affects` when `plug` is dirtied.
+  std::function<void(Node&, const Plug& plug, std::vector<Plug>& alsoDirty)> dependentsDirty;
+  std::function<void(Node&)> postConstructor;  ///< after the node joined the graph
+  std::function<void(Node&, const Plug& own, const Plug& other, bool ownIsSource, bool made)> connectionChanged;
+  /// Veto of a connection, with a reason.
+  std::function<Result<void>(Node&, const Plug& own, const Plug& other, bool ownIsSource)> mayConnect;
+
+  /// Adds a top-level attribute (with its children) and fixes its indices. Order is kept: it is the listing order.
+  const Attribute* add(AttributePtr attribute);
+  /// Says that changing `from` dirties `to`; both may be top-level or nested.
+  void affects(const Attribute* from, const Attribute* to);
+
+  /// Top-level attributes, inherited ones first.
+  [[nodiscard]] const std::vector<AttributePtr>& attributes() const { return attributes_; }
+  /// By long or short name, nested ones included; null when there is none. Constant time.
+  [[nodiscard]] const Attribute* find(std::string_view attributeName) const;
+  [[nodiscard]] bool isA(std::string_view typeName) const;
+  /// Copies the base type's attribute list and relations in; call before adding own attributes.
+  void inherit(const NodeType* baseType);
+
+ private:
+  void indexNames(const AttributePtr& attribute);
+  std::vector<AttributePtr> attributes_;
+  struct StringHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
+  };
+  std::unordered_map<std::string, const Attribute*, StringHash, std::equal_to<>> byName_;
+};
+
+/// What another layer hangs on a node (DAG links, a plug-in's node object). Owned by the node.
+class NodeExtension {
+ public:
+  virtual ~NodeExtension() = default;
+};
+
+/// A node of the graph: a type, a name, values and connections. Created, changed and deleted through Graph only.
+/// A deleted node stays alive while somebody (undo, an API handle) holds it; `isAlive` tells.
+class Node : public std::enable_shared_from_this<Node> {
+ public:
+  ~Node();
+  Node(const Node&) = delete;
+  Node& operator=(const Node&) = delete;
+
+  [[nodiscard]] const NodeType& type() const { return *type_; }
+  [[nodiscard]] const std::string& name() const { return name_; }
+  [[nodiscard]] const std::string& uuid() const { return uuid_; }
+  [[nodiscard]] Graph& graph() const { return *graph_; }
+  [[nodiscard]] bool isAlive() const { return isAlive_; }
+  [[nodiscard]] std::uint64_t serial() const { return serial_; }  ///< order of creation
+  [[nodiscard]] bool isLocked() const { return isLocked_; }
+  [[nodiscard]] bool isDefault() const { return isDefault_; }  ///< of a new scene: not deletable, not saved as created
+  void markDefault() { isDefault_ = true; }
+
+  /// Static then dynamic attributes by long or short name; null when there is none.
+  [[nodiscard]] const Attribute* findAttribute(std::string_view name) const;
+  [[nodiscard]] const std::vector<AttributePtr>& dynamicAttributes() const { return dynamicAttributes_; }
+  /// The plug of an attribute by name; null plug when there is none.
+  [[nodiscard]] Plug plug(std::string_view attributeName);
+  [[nodiscard]] Plug plug(const Attribute* attribute) { return Plug(this, attribute); }
+
+  /// Owned by other layers: scene keeps DAG links here, api keeps the plug-in's node object.
+  std::unique_ptr<NodeExtension> dagExtension;
+  std::shared_ptr<void> userObject;
+
+ private:
+  friend class Graph;
+  friend class DataBlock;
+  Node(Graph& graph, const NodeType& type, std::string name, std::uint64_t serial);
+
+  Graph* graph_;
+  const NodeType* type_;
+  std::string name_, uuid_;
+  std::uint64_t serial_;
+  bool isAlive_ = false, isLocked_ = false, isDefault_ = false;
+  std::vector<AttributePtr> dynamicAttributes_;
+  std::vector<std::unique_ptr<Slot>> slots_;  ///< one a top-level attribute, static then dynamic, made on demand
+};
+using NodePtr = std::shared_ptr<Node>;
+
+/// Node types by name and by id.
+class TypeRegistry {
+ public:
+  /// Fails when the name or a non-zero id is taken.
+  Result<const NodeType*> add(std::unique_ptr<NodeType> type);
+  /// Takes a type out of the registry; nodes that live on keep it alive.
+  Result<void> remove(std::string_view name);
+  [[nodiscard]] const NodeType* find(std::string_view name) const;
+  [[nodiscard]] const NodeType* find(std::uint32_t id) const;
+  [[nodiscard]] std::vector<const NodeType*> all() const;  ///< in order of registration
+
+ private:
+  std::vector<std::shared_ptr<NodeType>> types_;
+  std::vector<std::shared_ptr<NodeType>> removed_;
+};
+
+}  // namespace host::dg
