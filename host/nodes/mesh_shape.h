@@ -1,0 +1,49 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "host/base/result.h"
+#include "host/mesh/mesh.h"
+#include "host/scene/document.h"
+#include "host/scene/mesh_data.h"
+
+namespace host::nodes {
+
+/// How a mesh shape node is read and written by commands and the API. The shape's `inMesh` holds the stored mesh when
+/// nothing drives it; `outMesh` is that mesh plus the tweaks in `pnts`.
+
+/// The evaluated mesh (tweaks included), shared, not copied. Fails when the history fails.
+[[nodiscard]] Result<mesh::Mesh> evaluatedMesh(dg::Node& shape);
+/// What arrives at or is stored in `inMesh`, before tweaks.
+[[nodiscard]] Result<mesh::Mesh> untweakedMesh(dg::Node& shape);
+[[nodiscard]] bool hasHistory(dg::Node& shape);  ///< something drives inMesh
+
+/// Replaces the stored mesh and clears the tweaks. Fails when the shape has history.
+Result<void> setStoredMesh(dg::Node& shape, mesh::Mesh mesh);
+
+/// Moves points so that the evaluated mesh has exactly `points` (object space, one a vertex): written into the stored
+/// mesh when there is no history, as tweaks in `pnts` when there is. Points that do not change keep their bits. Recorded.
+Result<void> setEvaluatedPoints(dg::Node& shape, std::span<const math::Vec3f> points);
+
+/// Replaces everything but positions and topology (UVs, smoothness, creases, colours, normals) of the evaluated mesh.
+/// Without history it is stored; with history the shape keeps the edit as an override of its output that lasts until
+/// the topology that arrives has other counts.
+Result<void> setEvaluatedMesh(dg::Node& shape, mesh::Mesh mesh);
+
+/// Inserts a history node with mesh plugs `input` and `output` just before the shape. A shape without history first gets
+/// an intermediate original ("...Orig") under its transform that holds the stored mesh. Tweaks move into a polyTweak
+/// node in front of the inserted one, so that what arrives at `input` is the mesh as it was seen.
+Result<void> insertHistoryNode(scene::Document& document, dg::Node& shape, const dg::Plug& input,
+                               const dg::Plug& output);
+/// Bakes the evaluated mesh into the shape and deletes the history nodes that only fed it (and the intermediate original).
+Result<void> deleteHistory(scene::Document& document, dg::Node& shape);
+
+/// The mesh shape nodes a name argument stands for: shapes as they are, transforms by their shapes; others give none.
+[[nodiscard]] std::vector<scene::DagPath> meshPaths(const scene::DagPath& path);
+
+/// Registers every built-in node type and installs the new-scene hook's default nodes.
+void registerBuiltinTypes(dg::TypeRegistry& types);
+void installNewScene(scene::Document& document);
+
+}  // namespace host::nodes

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "host/dg/change.h"
+
+namespace host::scene {
+
+/// A run of edits in the order in which they happened.
+class ChangeSet {
+ public:
+  void append(std::unique_ptr<dg::Change> change) { changes_.push_back(std::move(change)); }
+  void undo();  ///< last first
+  void redo();  ///< first first
+  [[nodiscard]] bool isEmpty() const { return changes_.empty(); }
+  [[nodiscard]] std::size_t size() const { return changes_.size(); }
+  [[nodiscard]] std::size_t bytes() const;
+
+ private:
+  std::vector<std::unique_ptr<dg::Change>> changes_;
+};
+
+/// Collects the records of edits while somebody has a recording open; nested recordings suspend the outer one.
+class Journal final : public dg::ChangeRecorder {
+ public:
+  [[nodiscard]] bool isRecording() const override { return !open_.empty() && open_.back() != nullptr; }
+  void record(std::unique_ptr<dg::Change> change) override;
+
+  /// While it lives, edits go to `target`; with a null target nothing is recorded.
+  class Scope {
+   public:
+    Scope(Journal& journal, ChangeSet* target) : journal_(journal) { journal_.open_.push_back(target); }
+    ~Scope() { journal_.open_.pop_back(); }
+    Scope(const Scope&) = delete;
+    Scope& operator=(const Scope&) = delete;
+
+   private:
+    Journal& journal_;
+  };
+
+ private:
+  std::vector<ChangeSet*> open_;
+};
+
+}  // namespace host::scene

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/dg/plug.h"
+#include "host/scene/component.h"
+#include "host/scene/dag.h"
+
+namespace host::scene {
+
+/// One entry of a selection list: a DAG path with all component sets selected on it, or a non-DAG node, or a plug.
+/// The list keeps one item a DAG path; several component types on one path are one item.
+struct SelectionItem {
+  dg::NodePtr node;                   ///< kept alive; a DAG item's leaf
+  DagPath path;                       ///< world path for non-DAG items
+  std::vector<Component> components;  ///< at most one a type; empty: the object as a whole
+  dg::Plug plug;                      ///< null unless a plug is selected
+
+  [[nodiscard]] bool isDag() const { return !path.isWorld(); }
+  [[nodiscard]] bool isObject() const { return components.empty() && plug.isNull(); }
+  [[nodiscard]] const Component* component(ComponentType type) const;
+  friend bool operator==(const SelectionItem&, const SelectionItem&) = default;
+};
+
+enum class SelectionMerge { Add, Remove, Toggle };
+
+/// An ordered list of items without repeats.
+class SelectionList {
+ public:
+  [[nodiscard]] const std::vector<SelectionItem>& items() const { return items_; }
+  [[nodiscard]] bool isEmpty() const { return items_.empty(); }
+  [[nodiscard]] std::size_t length() const { return items_.size(); }
+  void clear() { items_.clear(); }
+
+  void add(const DagPath& path);
+  void add(const DagPath& path, const Component& component);
+  void add(const dg::NodePtr& node);
+  void add(const dg::Plug& plug);
+  /// A shape path and its transform count as the same object for components; an object and its components are
+  /// separate entries only by kind. Toggle works component by component.
+  void merge(const SelectionItem& item, SelectionMerge how = SelectionMerge::Add);
+  void merge(const SelectionList& other, SelectionMerge how = SelectionMerge::Add);
+  void removeAt(std::size_t index);
+  void replaceAt(std::size_t index, SelectionItem item);
+  /// Drops items whose node died or whose path broke.
+  void removeDead();
+
+  /// Names as `ls -sl` gives them: components in runs, partial paths through the transform ("pCube1.vtx[0:3]").
+  [[nodiscard]] std::vector<std::string> names(bool fullPaths = false) const;
+
+  friend bool operator==(const SelectionList&, const SelectionList&) = default;
+
+ private:
+  std::vector<SelectionItem> items_;
+};
+
+/// How a component's name appears: on the transform, "pCube1.vtx[2]", the shape's when it has siblings.
+[[nodiscard]] std::string itemBaseName(const SelectionItem& item, bool fullPaths = false);
+/// Number of components of a type that the mesh at `path` has now; evaluates the mesh.
+[[nodiscard]] Index componentCount(const DagPath& path, ComponentType type);
+
+}  // namespace host::scene
