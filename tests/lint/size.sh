@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# A source file past 600 lines has a seam that was not cut.
+# usage: size.sh ROOT
+set -euo pipefail
+cd "$1"
+limit=600
+bad=$(find host plugin shared commands modeling quaddraw uv scripts tests bench \
+        \( -name '*.h' -o -name '*.cpp' -o -name '*.mel' \) -print0 2>/dev/null |
+      xargs -0 awk -v limit=$limit '
+        FNR == 1 && NR > 1 && lines > limit { print lines, name }
+        { lines = FNR; name = FILENAME }
+        END { if (lines > limit) print lines, name }')
+if [ -n "$bad" ]; then
+  echo "files past $limit lines:"
+  echo "$bad"
+  exit 1
+fi
+echo "no source file is past $limit lines"
