@@ -1,40 +1,23 @@
 #pragma once
 
-#include <array>
 #include <memory>
-#include <optional>
+#include <mutex>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/base/ids.h"
 #include "host/base/result.h"
 #include "host/math/vec.h"
 #include "host/mesh/cow.h"
+#include "host/mesh/topology.h"
 
 namespace host::mesh {
 
 using math::Vec2f;
 using math::Vec3;
 using math::Vec3f;
-
-class Adjacency;
-
-/// The two end vertices of an edge, in stored direction.
-struct EdgeVertices {
-  VertexId a = kNone, b = kNone;
-  friend bool operator==(const EdgeVertices&, const EdgeVertices&) = default;
-};
-
-/// Face loops and edges. Face f owns corners [faceOffsets[f], faceOffsets[f+1]); corner c starts at vertex
-/// cornerVertices[c] and walks edge cornerEdges[c] to the next corner's vertex.
-struct Topology {
-  std::vector<CornerId> faceOffsets{0};
-  std::vector<VertexId> cornerVertices;
-  std::vector<EdgeId> cornerEdges;
-  std::vector<EdgeVertices> edges;
-  friend bool operator==(const Topology&, const Topology&) = default;
-};
 
 /// One UV set: points, and a UV id a face corner; -1 where a face has no UVs in this set.
 struct UvSet {
@@ -56,7 +39,7 @@ struct ColorSet {
   int representation = 4;  ///< channels in use: 1 alpha, 3 RGB, 4 RGBA
   bool clamped = false;
   std::vector<Color4f> colors;
-  std::vector<Index> cornerIds;
+  std::vector<Index> cornerIds;  ///< one a corner of the mesh; empty means all unset
   friend bool operator==(const ColorSet&, const ColorSet&) = default;
 };
 
@@ -74,39 +57,78 @@ struct Creases {
   friend bool operator==(const Creases&, const Creases&) = default;
 };
 
+/// What a spatial structure derived from points and topology is kept in; lock `mutex` to read or fill `value`.
+struct AcceleratorSlot {
+  std::mutex mutex;
+  std::shared_ptr<void> value;
+};
+
 /// A polygon mesh as a value: copying is O(1), each array group is shared until written.
 ///
 /// Positions are object space, cm. Faces are vertex loops of any length >= 3. An edge has two different vertices
 /// and any number of faces, so borders and non-manifold edges are legal. Caches (adjacency, normals) hang on the
-/// array group they derive from and are shared by all copies of it.
+/// array group they derive from and are shared by all copies of it; several threads may read one mesh at once.
+/// A moved-from mesh can only be destroyed or assigned to.
 class Mesh {
  public:
+  /// The mesh without points, with one empty UV set "map1".
+  Mesh();
+
   // Sizes.
   [[nodiscard]] Index vertexCount() const { return static_cast<Index>(points_->size()); }
   [[nodiscard]] Index edgeCount() const { return static_cast<Index>(topology().edges.size()); }
-  [[nodiscard]] Index faceCount() const { return static_cast<Index>(topology().faceOffsets.size()) - 1; }
-  [[nodiscard]] Index cornerCount() const { return static_cast<Index>(topology().cornerVertices.size()); }
+  [[nodiscard]] Index faceCount() const {
+    return static_cast<Index>(topology().faceOffsets.size()) - 1;
+  }
+  [[nodiscard]] Index cornerCount() const {
+    return static_cast<Index>(topology().cornerVertices.size());
+  }
 
   // Points.
   [[nodiscard]] std::span<const Vec3f> points() const { return points_.read(); }
-  [[nodiscard]] Vec3 point(VertexId v) const { return Vec3(points_.read()[static_cast<std::size_t>(v)]); }
-  /// Unshares the points for writing in place; their number must not change here.
+  [[nodiscard]] Vec3 point(VertexId v) const {
+    return Vec3(points_.read()[static_cast<std::size_t>(v)]);
+  }
+  /// Unshares the points for writing in place; ask again after the mesh was read or copied in between.
   [[nodiscard]] std::span<Vec3f> editPoints();
   /// Replaces all points. The topology must fit the new number.
   void setPoints(std::vector<Vec3f> points);
+  [[nodiscard]] bool sharesPointsWith(const Mesh& other) const {
+    return points_.sharesWith(other.points_);
+  }
 
   // Topology.
-  [[nodiscard]] const Topology& topology() const { return topology_->value; }
+  [[nodiscard]] const Topology& topology() const { return topology_->topology; }
   /// Replaces faces and edges, dropping the caches of the old ones. Per-corner and per-edge groups must be replaced
   /// by the caller to fit.
   void setTopology(Topology topology);
-  [[nodiscard]] std::span<const VertexId> faceVertices(FaceId f) const;
-  [[nodiscard]] std::span<const EdgeId> faceEdges(FaceId f) const;
-  [[nodiscard]] CornerId firstCorner(FaceId f) const { return topology().faceOffsets[static_cast<std::size_t>(f)]; }
+  [[nodiscard]] bool sharesTopologyWith(const Mesh& other) const {
+    return topology_ == other.topology_;
+  }
+  [[nodiscard]] std::span<const VertexId> faceVertices(FaceId f) const {
+    return {topology().cornerVertices.data() + firstCorner(f), static_cast<std::size_t>(faceSize(f))};
+  }
+  [[nodiscard]] std::span<const EdgeId> faceEdges(FaceId f) const {
+    return {topology().cornerEdges.data() + firstCorner(f), static_cast<std::size_t>(faceSize(f))};
+  }
+  [[nodiscard]] CornerId firstCorner(FaceId f) const {
+    return topology().faceOffsets[static_cast<std::size_t>(f)];
+  }
   [[nodiscard]] Index faceSize(FaceId f) const { return firstCorner(f + 1) - firstCorner(f); }
-  [[nodiscard]] EdgeVertices edge(EdgeId e) const { return topology().edges[static_cast<std::size_t>(e)]; }
+  [[nodiscard]] VertexId cornerVertex(CornerId c) const {
+    return topology().cornerVertices[static_cast<std::size_t>(c)];
+  }
+  [[nodiscard]] EdgeId cornerEdge(CornerId c) const {
+    return topology().cornerEdges[static_cast<std::size_t>(c)];
+  }
+  [[nodiscard]] EdgeVertices edge(EdgeId e) const {
+    return topology().edges[static_cast<std::size_t>(e)];
+  }
   /// Vertex -> edges, vertex -> faces, edge -> faces; built on first use, shared by all copies of the topology.
-  [[nodiscard]] const Adjacency& adjacency() const;
+  /// Valid until this mesh's topology or point count changes; needs host/mesh/adjacency.h.
+  [[nodiscard]] const Adjacency& adjacency() const {
+    return topology_->adjacency(vertexCount());
+  }
 
   // Edge smoothness: one byte an edge, 1 smooth, 0 hard; an empty array means all smooth.
   [[nodiscard]] bool isEdgeSmooth(EdgeId e) const {
@@ -119,25 +141,47 @@ class Mesh {
   // Creases.
   [[nodiscard]] const Creases& creases() const { return creases_.read(); }
   [[nodiscard]] Creases& editCreases() { return creases_.write(); }
-  [[nodiscard]] float edgeCrease(EdgeId e) const;
-  [[nodiscard]] float vertexCrease(VertexId v) const;
+  [[nodiscard]] float edgeCrease(EdgeId e) const {
+    return creases_->edges.empty() ? 0.0f : creases_->edges[static_cast<std::size_t>(e)];
+  }
+  [[nodiscard]] float vertexCrease(VertexId v) const {
+    return creases_->vertices.empty() ? 0.0f : creases_->vertices[static_cast<std::size_t>(v)];
+  }
 
   // UV sets. Every mesh has at least a set "map1", perhaps without points.
   [[nodiscard]] int uvSetCount() const { return static_cast<int>(uvSets_.size()); }
-  [[nodiscard]] const UvSet& uvSet(int index) const { return uvSets_[static_cast<std::size_t>(index)].read(); }
-  [[nodiscard]] UvSet& editUvSet(int index) { return uvSets_[static_cast<std::size_t>(index)].write(); }
+  [[nodiscard]] const UvSet& uvSet(int index) const {
+    return uvSets_[static_cast<std::size_t>(index)].read();
+  }
+  [[nodiscard]] UvSet& editUvSet(int index) {
+    return uvSets_[static_cast<std::size_t>(index)].write();
+  }
   [[nodiscard]] int findUvSet(std::string_view name) const;  ///< -1 when there is none
-  int addUvSet(UvSet set);
+  int addUvSet(UvSet set);                                   ///< appends; the index it got
+  /// Removes a set; later ones move down. Removing the current one makes the first one current.
   void removeUvSet(int index);
   [[nodiscard]] int currentUvSet() const { return currentUvSet_; }
   void setCurrentUvSet(int index) { currentUvSet_ = index; }
+  [[nodiscard]] bool sharesUvSetWith(int index, const Mesh& other, int otherIndex) const {
+    return uvSets_[static_cast<std::size_t>(index)].sharesWith(
+        other.uvSets_[static_cast<std::size_t>(otherIndex)]);
+  }
+  /// The UV id at a corner, -1 where there is none.
+  [[nodiscard]] UvId cornerUv(int set, CornerId c) const {
+    const std::vector<UvId>& ids = uvSet(set).cornerIds;
+    return ids.empty() ? kNone : ids[static_cast<std::size_t>(c)];
+  }
 
   // Colour sets; none by default.
   [[nodiscard]] int colorSetCount() const { return static_cast<int>(colorSets_.size()); }
-  [[nodiscard]] const ColorSet& colorSet(int index) const { return colorSets_[static_cast<std::size_t>(index)].read(); }
-  [[nodiscard]] ColorSet& editColorSet(int index) { return colorSets_[static_cast<std::size_t>(index)].write(); }
-  [[nodiscard]] int findColorSet(std::string_view name) const;
-  int addColorSet(ColorSet set);
+  [[nodiscard]] const ColorSet& colorSet(int index) const {
+    return colorSets_[static_cast<std::size_t>(index)].read();
+  }
+  [[nodiscard]] ColorSet& editColorSet(int index) {
+    return colorSets_[static_cast<std::size_t>(index)].write();
+  }
+  [[nodiscard]] int findColorSet(std::string_view name) const;  ///< -1 when there is none
+  int addColorSet(ColorSet set);  ///< appends; the index it got; the first one becomes current
   void removeColorSet(int index);
   [[nodiscard]] int currentColorSet() const { return currentColorSet_; }  ///< -1 without any
   void setCurrentColorSet(int index) { currentColorSet_ = index; }
@@ -145,6 +189,10 @@ class Mesh {
   // Normals.
   [[nodiscard]] const LockedNormals& lockedNormals() const { return lockedNormals_.read(); }
   [[nodiscard]] LockedNormals& editLockedNormals();
+  [[nodiscard]] bool isNormalLocked(CornerId c) const {
+    return !lockedNormals_->locked.empty() &&
+           lockedNormals_->locked[static_cast<std::size_t>(c)] != 0;
+  }
   /// Unit normal a corner: locked ones as set, others the angle-weighted mean over the corner's smooth fan.
   /// Built on first use and cached until points, topology, smoothness or locks are written.
   [[nodiscard]] std::span<const Vec3f> cornerNormals() const;
@@ -158,21 +206,16 @@ class Mesh {
   /// Bytes of arrays that this mesh holds and `other` does not share; caches not counted.
   [[nodiscard]] std::size_t bytesNotSharedWith(const Mesh& other) const;
 
-  /// Opaque cache slot for an accelerator that derives from points and topology (see spatial); dropped with them.
-  [[nodiscard]] std::shared_ptr<void>& acceleratorSlot() const;
-
-  Mesh();
+  /// Where an accelerator that derives from points and topology is kept (see spatial); dropped with them.
+  [[nodiscard]] AcceleratorSlot& acceleratorSlot() const { return *accelerator_; }
 
  private:
-  struct TopologyBlock;   // Topology + lazily built adjacency
-  struct DerivedCaches;   // corner normals and accelerator, dropped by edits of what they derive from
-  void dropDerived();
+  struct NormalsCache;
+  void dropNormals();
+  void dropDerivedFromGeometry();
 
   Cow<std::vector<Vec3f>> points_;
-  struct TopologyHandle {
-    std::shared_ptr<TopologyBlock> block;
-    const TopologyBlock* operator->() const { return block.get(); }
-  } topology_;
+  std::shared_ptr<const TopologyBlock> topology_;  // one hop to the arrays; replaced, never edited
   Cow<std::vector<std::uint8_t>> edgeSmooth_;
   Cow<Creases> creases_;
   std::vector<Cow<UvSet>> uvSets_;
@@ -181,11 +224,12 @@ class Mesh {
   Cow<std::vector<FaceId>> invisibleFaces_;
   int currentUvSet_ = 0;
   int currentColorSet_ = -1;
-  mutable std::shared_ptr<DerivedCaches> derived_;
+  std::shared_ptr<NormalsCache> normals_;
+  std::shared_ptr<AcceleratorSlot> accelerator_;
 };
 
 /// Face loops in, mesh out: makes the edges in order of first use (each face's corners in order, corner k giving
-/// edge k -> k+1) and checks every index.
+/// edge k -> k+1) and checks every index. Linear, whatever the valences.
 /// @param counts corners a face; @param vertices the corners' vertices, face after face
 /// @return an error naming the first bad face: fewer than 3 corners, index out of range, a vertex repeated in
 ///         neighbouring corners, or counts and vertices that do not add up.

@@ -1,0 +1,192 @@
+#include "host/mesh/normals.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/base/parallel.h"
+#include "host/mesh/adjacency.h"
+
+namespace host::mesh {
+
+namespace {
+
+constexpr std::size_t kGrain = 20'000;
+std::size_t at(Index i) { return static_cast<std::size_t>(i); }
+
+double angleBetween(const Vec3& a, const Vec3& b) {
+  return std::atan2(length(cross(a, b)), dot(a, b));
+}
+
+/// Unit, or zero for what is no direction: rounding noise, overflow, NaN.
+Vec3 unitOrZero(const Vec3& a) {
+  const double l = length(a);
+  return l > 0 && std::isfinite(l) ? a / l : Vec3{};
+}
+
+/// Walks the fans around vertices and writes their corners' normals. One per thread: it keeps scratch space.
+class FanNormals {
+ public:
+  FanNormals(const Mesh& mesh, std::span<const Vec3f> faceNormals, std::vector<Vec3f>& out)
+      : mesh_(mesh), adjacency_(mesh.adjacency()), faceNormals_(faceNormals), out_(out) {}
+
+  void atVertex(VertexId v) {
+    const std::span<const CornerId> corners = adjacency_.vertexCorners(v);
+    done_.assign(corners.size(), 0);
+    weighted_.clear();
+    Vec3 all;
+    for (CornerId c : corners) {
+      weighted_.push_back(Vec3(faceNormals_[at(adjacency_.cornerFace(c))]) * angle(c));
+      all += weighted_.back();
+    }
+    for (std::size_t i = 0; i < corners.size(); ++i) {
+      if (done_[i]) continue;
+      const Vec3 sum = gatherFan(corners, i);
+      Vec3 normal = unitOrZero(sum);
+      if (normal == Vec3{}) normal = unitOrZero(all);
+      if (normal == Vec3{}) normal = {0, 1, 0};
+      for (std::size_t k : fan_) out_[at(corners[k])] = normal.toFloat();
+    }
+  }
+
+ private:
+  double angle(CornerId c) const { return cornerAngle(mesh_, adjacency_, c); }
+
+  Vec3 gatherFan(std::span<const CornerId> corners, std::size_t start) {
+    fan_.clear();
+    Vec3 sum;
+    const auto take = [&](CornerId c) {
+      const auto k = static_cast<std::size_t>(std::ranges::lower_bound(corners, c) - corners.begin());
+      if (done_[k]) return false;
+      done_[k] = 1;
+      fan_.push_back(k);
+      sum += weighted_[k];
+      return true;
+    };
+    take(corners[start]);
+    CornerId c = corners[start];
+    while ((c = acrossOutgoing(c)) != kNone && take(c)) {
+    }
+    c = corners[start];
+    while ((c = acrossIncoming(c)) != kNone && take(c)) {
+    }
+    return sum;
+  }
+
+  /// The corner at the same vertex over the edge that leaves it, -1 where the fan ends.
+  CornerId acrossOutgoing(CornerId c) const {
+    const CornerId t = smoothTwin(c);
+    return t == kNone ? kNone : adjacency_.nextCorner(t);
+  }
+  CornerId acrossIncoming(CornerId c) const { return smoothTwin(adjacency_.previousCorner(c)); }
+
+  CornerId smoothTwin(CornerId c) const {
+    if (!mesh_.isEdgeSmooth(mesh_.cornerEdge(c))) return kNone;
+    const CornerId t = adjacency_.twin(c);
+    return t == kNone || mesh_.cornerVertex(t) == mesh_.cornerVertex(c) ? kNone : t;
+  }
+
+  const Mesh& mesh_;
+  const Adjacency& adjacency_;
+  std::span<const Vec3f> faceNormals_;
+  std::vector<Vec3f>& out_;
+  std::vector<std::uint8_t> done_;
+  std::vector<Vec3> weighted_;
+  std::vector<std::size_t> fan_;
+};
+
+}  // namespace
+
+Vec3 faceAreaVector(const Mesh& mesh, FaceId face) {
+  const auto loop = mesh.faceVertices(face);
+  const std::span<const Vec3f> points = mesh.points();
+  const Vec3 origin(points[at(loop[0])]);
+  Vec3 sum;
+  Vec3 previous = Vec3(points[at(loop[1])]) - origin;
+  for (std::size_t i = 2; i < loop.size(); ++i) {
+    const Vec3 current = Vec3(points[at(loop[i])]) - origin;
+    sum += cross(previous, current);
+    previous = current;
+  }
+  return sum;
+}
+
+Vec3 faceNormal(const Mesh& mesh, FaceId face) { return unitOrZero(faceAreaVector(mesh, face)); }
+
+double faceArea(const Mesh& mesh, FaceId face) {
+  return 0.5 * length(faceAreaVector(mesh, face));
+}
+
+Vec3 faceCenter(const Mesh& mesh, FaceId face) {
+  const auto loop = mesh.faceVertices(face);
+  Vec3 sum;
+  for (VertexId v : loop) sum += mesh.point(v);
+  return sum / static_cast<double>(loop.size());
+}
+
+Vec3 faceCentroid(const Mesh& mesh, FaceId face) {
+  const auto loop = mesh.faceVertices(face);
+  const Vec3 normal = faceNormal(mesh, face);
+  const Vec3 origin = mesh.point(loop[0]);
+  Vec3 moment;
+  double area = 0;
+  Vec3 previous = mesh.point(loop[1]) - origin;
+  for (std::size_t i = 2; i < loop.size(); ++i) {
+    const Vec3 current = mesh.point(loop[i]) - origin;
+    const double a = dot(cross(previous, current), normal);
+    moment += (previous + current) * a;
+    area += a;
+    previous = current;
+  }
+  return area > 0 ? origin + moment / (3 * area) : faceCenter(mesh, face);
+}
+
+std::vector<Vec3f> computeFaceNormals(const Mesh& mesh) {
+  std::vector<Vec3f> normals(at(mesh.faceCount()));
+  parallelFor(normals.size(), kGrain, [&](std::size_t begin, std::size_t end) {
+    for (std::size_t f = begin; f < end; ++f)
+      normals[f] = faceNormal(mesh, static_cast<FaceId>(f)).toFloat();
+  });
+  return normals;
+}
+
+double cornerAngle(const Mesh& mesh, const Adjacency& adjacency, CornerId corner) {
+  const Vec3 here = mesh.point(mesh.cornerVertex(corner));
+  return angleBetween(mesh.point(mesh.cornerVertex(adjacency.nextCorner(corner))) - here,
+                      mesh.point(mesh.cornerVertex(adjacency.previousCorner(corner))) - here);
+}
+
+std::vector<Vec3f> computeCornerNormals(const Mesh& mesh) {
+  const std::vector<Vec3f> faceNormals = computeFaceNormals(mesh);
+  std::vector<Vec3f> normals(at(mesh.cornerCount()));
+  (void)mesh.adjacency();  // built here, so that the threads don't wait for each other
+  parallelFor(at(mesh.vertexCount()), kGrain, [&](std::size_t begin, std::size_t end) {
+    FanNormals fans(mesh, faceNormals, normals);
+    for (std::size_t v = begin; v < end; ++v) fans.atVertex(static_cast<VertexId>(v));
+  });
+  return normals;
+}
+
+Vec3 vertexNormal(const Mesh& mesh, VertexId vertex) {
+  const Adjacency& adjacency = mesh.adjacency();
+  Vec3 sum;
+  for (CornerId c : adjacency.vertexCorners(vertex))
+    sum += faceNormal(mesh, adjacency.cornerFace(c)) * cornerAngle(mesh, adjacency, c);
+  return unitOrZero(sum);
+}
+
+std::vector<Vec3f> computeVertexNormals(const Mesh& mesh) {
+  const std::vector<Vec3f> faceNormals = computeFaceNormals(mesh);
+  const Adjacency& adjacency = mesh.adjacency();
+  std::vector<Vec3f> normals(at(mesh.vertexCount()));
+  parallelFor(normals.size(), kGrain, [&](std::size_t begin, std::size_t end) {
+    for (std::size_t v = begin; v < end; ++v) {
+      Vec3 sum;
+      for (CornerId c : adjacency.vertexCorners(static_cast<VertexId>(v)))
+        sum += Vec3(faceNormals[at(adjacency.cornerFace(c))]) * cornerAngle(mesh, adjacency, c);
+      normals[v] = unitOrZero(sum).toFloat();
+    }
+  });
+  return normals;
+}
+
+}  // namespace host::mesh
