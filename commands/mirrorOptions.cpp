@@ -1,0 +1,79 @@
+#include "commands/mirrorOptions.h"
+
+#include <maya/MDagPath.h>
+#include <maya/MGlobal.h>
+#include <maya/MIntArray.h>
+#include <maya/MMatrix.h>
+#include <maya/MPoint.h>
+#include <maya/MPointArray.h>
+#include <maya/MString.h>
+
+namespace {
+
+bool windowIsOpen() {
+  int exists = 0;
+  MGlobal::executeCommand("window -ex qx_modeling_ui", exists);
+  return exists == 1;
+}
+
+int spaceOfSelectedButton(int current) {
+  MString selected;
+  MGlobal::executeCommand("radioCollection -q -sl mirrorSpace_QXMT_RB", selected);
+  if (selected == "objectSpace_QXMT_RB") return 0;
+  if (selected == "worldSpace_QXMT_RB") return 1;
+  return current;
+}
+
+int axisOfSelectedButton() {
+  MString selected;
+  MGlobal::executeCommand("radioCollection -q -sl mirror_QXMT_RB", selected);
+  if (selected == "mirrorX_QXMT_RB") return 0;
+  if (selected == "mirrorY_QXMT_RB") return 1;
+  if (selected == "mirrorZ_QXMT_RB") return 2;
+  return mirrorOptions::kNoMirrorOption;
+}
+
+bool isPositive(const MPoint& worldPoint, const MMatrix* worldToObject, int axis) {
+  if (!worldToObject) return worldPoint[static_cast<unsigned int>(axis)] >= 0.0;
+  return (worldPoint * *worldToObject)[static_cast<unsigned int>(axis)] >= 0.0;
+}
+
+}  // namespace
+
+int mirrorOptions::spaceFromWindow(int current) {
+  return windowIsOpen() ? spaceOfSelectedButton(current) : 1;
+}
+
+mirrorOptions mirrorOptions::fromWindow() {
+  mirrorOptions options;
+  if (!windowIsOpen()) return options;
+  int mirror = 0;
+  MGlobal::executeCommand("checkBox -q -v mirror_QXMT_CB", mirror);
+  if (mirror != 0) options.axis = axisOfSelectedButton();
+  options.inObjectSpace = spaceOfSelectedButton(options.inObjectSpace);
+  return options;
+}
+
+bool isOnPositiveSide(const MPoint& worldPoint, const MDagPath& mesh, const mirrorOptions& options) {
+  if (options.inObjectSpace != 0) return isPositive(worldPoint, nullptr, options.axis);
+  const MMatrix worldToObject = mesh.inclusiveMatrixInverse();
+  return isPositive(worldPoint, &worldToObject, options.axis);
+}
+
+bool splitByMirror(MIntArray& vertexIds, const MPointArray& worldPoints, const MDagPath& mesh,
+                   const mirrorOptions& options) {
+  if (!options.isOn()) return false;
+  MMatrix worldToObject;
+  if (options.inObjectSpace == 0) worldToObject = mesh.inclusiveMatrixInverse();
+  const MMatrix* toObject = options.inObjectSpace == 0 ? &worldToObject : nullptr;
+
+  MIntArray negative, positive;
+  for (unsigned int i = 0; i < vertexIds.length(); ++i) {
+    const MPoint& point = worldPoints[static_cast<unsigned int>(vertexIds[i])];
+    (isPositive(point, toObject, options.axis) ? positive : negative).append(vertexIds[i]);
+  }
+  if (negative.length() != positive.length()) return false;
+  for (unsigned int i = 0; i < positive.length(); ++i) negative.append(positive[i]);
+  vertexIds = negative;
+  return true;
+}

@@ -1,0 +1,58 @@
+#include "commands/worldPoints.h"
+
+#include <maya/MDagPath.h>
+#include <maya/MFnMesh.h>
+#include <maya/MGlobal.h>
+#include <maya/MIntArray.h>
+#include <maya/MPoint.h>
+#include <maya/MPointArray.h>
+#include <maya/MString.h>
+
+#include <cmath>
+
+MStatus readWorldPoints(const MDagPath& mesh, MPointArray& points) {
+  if (!mesh.isValid()) return MS::kFailure;
+  MStatus status;
+  const MFnMesh meshFn(mesh, &status);
+  if (status != MS::kSuccess) return status;
+  return meshFn.getPoints(points, MSpace::kWorld);
+}
+
+MStatus writeWorldPoints(const MDagPath& mesh, const MIntArray& vertexIds, const MPointArray& positions) {
+  MPointArray points;
+  const MStatus status = readWorldPoints(mesh, points);
+  if (status != MS::kSuccess) return status;
+  if (!idsAreInRange(vertexIds, points.length())) return MS::kFailure;
+  for (unsigned int i = 0; i < vertexIds.length(); ++i)
+    points[static_cast<unsigned int>(vertexIds[i])] = positions[i];
+  MFnMesh meshFn(mesh);
+  return meshFn.setPoints(points, MSpace::kWorld);
+}
+
+MPointArray pointsAt(const MPointArray& points, const MIntArray& vertexIds) {
+  MPointArray picked;
+  picked.setLength(vertexIds.length());
+  for (unsigned int i = 0; i < vertexIds.length(); ++i)
+    picked[i] = points[static_cast<unsigned int>(vertexIds[i])];
+  return picked;
+}
+
+bool idsAreInRange(const MIntArray& vertexIds, unsigned int vertexCount) {
+  for (unsigned int i = 0; i < vertexIds.length(); ++i)
+    if (vertexIds[i] < 0 || static_cast<unsigned int>(vertexIds[i]) >= vertexCount) return false;
+  return true;
+}
+
+bool positionsAreFinite(const char* command, const MIntArray& vertexIds, const MPointArray& positions) {
+  for (unsigned int i = 0; i < positions.length(); ++i) {
+    const MPoint& point = positions[i];
+    if (std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z)) continue;
+    MString text(command);
+    text += ": vertex ";
+    text += vertexIds[i];
+    text += " has a position that is not a number";
+    MGlobal::displayError(text);
+    return false;
+  }
+  return true;
+}

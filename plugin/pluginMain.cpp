@@ -1,0 +1,50 @@
+#include "plugin/pluginMain.h"
+
+#include <maya/M3dView.h>
+#include <maya/MFnPlugin.h>
+#include <maya/MGlobal.h>
+#include <maya/MObject.h>
+#include <maya/MStatus.h>
+
+#include <cstdint>
+
+#include "plugin/licence.h"
+#include "plugin/registration.h"
+#include "plugin/tabletInput.h"
+#include "shared/toolSettings.h"
+
+MString pluginLoadPath;
+
+namespace {
+
+constexpr const char* kVendor = "qxmt developers";
+constexpr const char* kVersion = "2008";
+constexpr const char* kApiVersion = "Any";
+
+void hookTabletInput() {
+  MStatus status;
+  const auto window = M3dView::applicationShell(&status);
+  if (status != MS::kSuccess) MGlobal::displayInfo("cannot get hwnd ");
+  tabletInput::instance().attach((std::uintptr_t)window, 0);  // a pointer or a number, by platform
+}
+
+}  // namespace
+
+PLUGIN_EXPORT MStatus initializePlugin(MObject object) {
+  toolSettings::reset();
+  pluginLoadPath.clear();
+  MGlobal::executeCommand("source qx_modeling_tool_ui", false, false);
+  const MStatus licence = takeLicence();
+  if (licence != MS::kSuccess) return MS::kFailure;
+  hookTabletInput();
+
+  MFnPlugin plugin(object, kVendor, kVersion, kApiVersion);
+  pluginLoadPath = plugin.loadPath();
+  return registerAll(plugin);
+}
+
+PLUGIN_EXPORT MStatus uninitializePlugin(MObject object) {
+  releaseLicence();
+  MFnPlugin plugin(object);
+  return deregisterAll(plugin);
+}

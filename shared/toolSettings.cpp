@@ -1,0 +1,8 @@
+#include "shared/toolSettings.h"
+
+toolSettings& toolSettings::current() {
+  static toolSettings settings;
+  return settings;
+}
+
+void toolSettings::reset() { current() = toolSettings(); }
