@@ -1,0 +1,109 @@
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/base/result.h"
+#include "host/cmd/plugin_command.h"
+#include "host/scene/journal.h"
+
+namespace host::cmd {
+
+/// One thing that `undo` takes back: the edits of a command, of a command line or of a chunk, in order.
+struct UndoItem {
+  std::string name;
+  std::vector<scene::ChangeSet> sets;
+
+  void undo();
+  void redo();
+  [[nodiscard]] bool changesNothing() const;
+  [[nodiscard]] std::size_t bytes() const;
+};
+
+/// What was done, in one straight line of history.
+///
+/// Commands add steps to the innermost open group: the line that runs, or a chunk. A group that closes becomes one item
+/// of the group around it, or of the queue. `undo` takes back the latest item there is, inside an open group as well
+/// as in the queue, so that history stays straight whatever scripts do; a new step forgets what could be redone.
+class UndoQueue {
+ public:
+  explicit UndoQueue(scene::Journal& journal) : journal_(journal) {}
+
+  // Groups.
+  void beginLine(std::string_view text);
+  /// Closes the line; an open chunk that it started stays open.
+  void endLine();
+  void openChunk(std::string_view name);
+  /// Closes the innermost chunk with all in it. False when none is open.
+  bool closeChunk();
+  [[nodiscard]] bool isChunkOpen() const;
+
+  // Steps.
+  /// Whether edits are to be recorded now: on, not suspended, not replaying.
+  [[nodiscard]] bool isRecording() const { return isOn_ && suspended_ == 0 && !isReplaying_; }
+  /// Adds a finished step. Outside any group it is an item of its own.
+  void add(UndoItem step);
+  void suspend() { ++suspended_; }
+  void resume() { --suspended_; }
+  /// Whether a command is collecting a step now; undo and redo are refused then.
+  void setBusy(bool busy) { isBusy_ = busy; }
+
+  /// Takes back or does again the latest item. Fails when there is none, or while a command that has changed
+  /// something is running.
+  Result<void> undo();
+  Result<void> redo();
+  [[nodiscard]] bool isReplaying() const { return isReplaying_; }
+  [[nodiscard]] bool canUndo() const;
+  [[nodiscard]] bool canRedo() const { return !undone_.empty(); }
+  [[nodiscard]] std::string undoName() const;  ///< empty when there is nothing
+  [[nodiscard]] std::string redoName() const;
+  /// The queue as `undoInfo -printQueue` shows it, oldest first, a line an item.
+  [[nodiscard]] std::string describe() const;
+
+  // Settings.
+  [[nodiscard]] bool isOn() const { return isOn_; }
+  /// Turning it off without `keepQueue` also forgets all.
+  void setOn(bool on, bool keepQueue);
+  [[nodiscard]] bool isInfinite() const { return isInfinite_; }
+  void setInfinite(bool infinite);
+  [[nodiscard]] int length() const { return length_; }
+  void setLength(int length);
+
+  /// Forgets all items and steps, done and undone. Open groups stay open and empty.
+  void flush();
+  /// Counts flushes, so that a step begun before one is not added after it.
+  [[nodiscard]] std::size_t flushCount() const { return flushCount_; }
+  [[nodiscard]] std::size_t itemCount() const { return done_.size(); }
+  /// Memory that the records alone keep alive, an estimate.
+  [[nodiscard]] std::size_t bytes() const;
+
+ private:
+  struct Group {
+    bool isChunk = false;
+    std::string name;
+    std::vector<UndoItem> items;
+  };
+  static UndoItem fold(Group group);
+  void push(UndoItem item, std::size_t groupCount);
+  void trim();
+  [[nodiscard]] const UndoItem* latest() const;
+
+  scene::Journal& journal_;
+  std::deque<UndoItem> done_;
+  std::vector<UndoItem> undone_;  ///< the last is the next to redo
+  std::vector<Group> groups_;     ///< innermost last
+  int suspended_ = 0;
+  bool isOn_ = true, isInfinite_ = true, isReplaying_ = false, isBusy_ = false;
+  int length_ = 50;
+  std::size_t flushCount_ = 0;
+};
+
+/// A plug-in command among recorded edits: undone by its undoIt, redone by its redoIt. Faults and exceptions are
+/// reported as messages.
+[[nodiscard]] std::unique_ptr<dg::Change> makePluginChange(std::string name, std::unique_ptr<PluginCommand> command);
+
+}  // namespace host::cmd
