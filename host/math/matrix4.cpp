@@ -21,7 +21,9 @@ struct Minors {
   }
 };
 
-Vec3 axisRow(const Matrix4& a, int row) { return {a[row][0], a[row][1], a[row][2]}; }
+Vec3 axisRow(const Matrix4& a, int row) {
+  return {a[row][0], a[row][1], a[row][2]};
+}
 
 /// Largest absolute entry of the linear part: the scale against which a determinant counts as zero.
 double largestEntry(const Matrix4& a) {
@@ -52,8 +54,7 @@ Matrix4 operator*(const Matrix4& a, const Matrix4& b) {
   Matrix4 r;
   for (int i = 0; i < 4; ++i)
     for (int j = 0; j < 4; ++j)
-      r[i][j] =
-          a[i][0] * b[0][j] + a[i][1] * b[1][j] + a[i][2] * b[2][j] + a[i][3] * b[3][j];
+      r[i][j] = a[i][0] * b[0][j] + a[i][1] * b[1][j] + a[i][2] * b[2][j] + a[i][3] * b[3][j];
   return r;
 }
 
@@ -64,7 +65,9 @@ Matrix4 transpose(const Matrix4& a) {
   return r;
 }
 
-double determinant(const Matrix4& a) { return Minors(a).determinant(); }
+double determinant(const Matrix4& a) {
+  return Minors(a).determinant();
+}
 
 std::optional<Matrix4> inverse(const Matrix4& a) {
   const Minors k(a);
@@ -109,8 +112,8 @@ Vec3 transformVector(const Vec3& v, const Matrix4& a) {
 }
 
 Vec3 transformNormal(const Vec3& n, const Matrix4& a) {
-  // The cofactor matrix is det * inverse transpose: defined for singular matrices too. The sign of the
-  // determinant keeps the inverse transpose's direction under mirroring.
+  // The cofactor matrix is det * inverse transpose: defined for singular matrices too. The sign of
+  // the determinant keeps the inverse transpose's direction under mirroring.
   const Vec3 x = axisRow(a, 0), y = axisRow(a, 1), z = axisRow(a, 2);
   const Vec3 yz = cross(y, z), zx = cross(z, x), xy = cross(x, y);
   const Vec3 r = yz * n.x + zx * n.y + xy * n.z;
@@ -118,7 +121,9 @@ Vec3 transformNormal(const Vec3& n, const Matrix4& a) {
   return det != 0 ? r * (1.0 / det) : r;
 }
 
-bool isIdentity(const Matrix4& a) { return a == Matrix4{}; }
+bool isIdentity(const Matrix4& a) {
+  return a == Matrix4{};
+}
 
 bool isAffine(const Matrix4& a) {
   return a[0][3] == 0 && a[1][3] == 0 && a[2][3] == 0 && a[3][3] == 1;

@@ -7,7 +7,8 @@
 
 namespace host::math {
 
-/// A 4x4 matrix in row-vector convention: a point is a row, p' = p * M; the translation stands in row 3.
+/// A 4x4 matrix in row-vector convention: a point is a row, p' = p * M; the translation stands in
+/// row 3.
 struct Matrix4 {
   double m[4][4] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}};
 
@@ -30,11 +31,13 @@ struct Matrix4 {
 [[nodiscard]] Vec3 transformPoint(const Vec3& p, const Matrix4& a);
 /// Transforms a direction (w = 0).
 [[nodiscard]] Vec3 transformVector(const Vec3& v, const Matrix4& a);
-/// Transforms a surface normal by the inverse transpose; not normalised. A singular matrix uses its cofactors.
+/// Transforms a surface normal by the inverse transpose; not normalised. A singular matrix uses its
+/// cofactors.
 [[nodiscard]] Vec3 transformNormal(const Vec3& n, const Matrix4& a);
 
 [[nodiscard]] bool isIdentity(const Matrix4& a);
-/// Whether row 3 is the only thing that sets it apart from a linear map, i.e. column 3 is (0,0,0,1).
+/// Whether row 3 is the only thing that sets it apart from a linear map, i.e. column 3 is
+/// (0,0,0,1).
 [[nodiscard]] bool isAffine(const Matrix4& a);
 
 }  // namespace host::math

@@ -29,9 +29,24 @@ struct Vec3 {
   [[nodiscard]] double operator[](int axis) const { return axis == 0 ? x : axis == 1 ? y : z; }
   [[nodiscard]] double& operator[](int axis) { return axis == 0 ? x : axis == 1 ? y : z; }
 
-  Vec3& operator+=(const Vec3& o) { x += o.x; y += o.y; z += o.z; return *this; }
-  Vec3& operator-=(const Vec3& o) { x -= o.x; y -= o.y; z -= o.z; return *this; }
-  Vec3& operator*=(double s) { x *= s; y *= s; z *= s; return *this; }
+  Vec3& operator+=(const Vec3& o) {
+    x += o.x;
+    y += o.y;
+    z += o.z;
+    return *this;
+  }
+  Vec3& operator-=(const Vec3& o) {
+    x -= o.x;
+    y -= o.y;
+    z -= o.z;
+    return *this;
+  }
+  Vec3& operator*=(double s) {
+    x *= s;
+    y *= s;
+    z *= s;
+    return *this;
+  }
   friend Vec3 operator+(Vec3 a, const Vec3& b) { return a += b; }
   friend Vec3 operator-(Vec3 a, const Vec3& b) { return a -= b; }
   friend Vec3 operator-(const Vec3& a) { return {-a.x, -a.y, -a.z}; }
@@ -41,13 +56,21 @@ struct Vec3 {
   friend bool operator==(const Vec3&, const Vec3&) = default;
 };
 
-[[nodiscard]] inline double dot(const Vec3& a, const Vec3& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+[[nodiscard]] inline double dot(const Vec3& a, const Vec3& b) {
+  return a.x * b.x + a.y * b.y + a.z * b.z;
+}
 [[nodiscard]] inline Vec3 cross(const Vec3& a, const Vec3& b) {
   return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
-[[nodiscard]] inline double lengthSquared(const Vec3& a) { return dot(a, a); }
-[[nodiscard]] inline double length(const Vec3& a) { return std::sqrt(dot(a, a)); }
-[[nodiscard]] inline double distance(const Vec3& a, const Vec3& b) { return length(a - b); }
+[[nodiscard]] inline double lengthSquared(const Vec3& a) {
+  return dot(a, a);
+}
+[[nodiscard]] inline double length(const Vec3& a) {
+  return std::sqrt(dot(a, a));
+}
+[[nodiscard]] inline double distance(const Vec3& a, const Vec3& b) {
+  return length(a - b);
+}
 
 /// Scales to unit length; the zero vector stays zero.
 [[nodiscard]] inline Vec3 normalized(const Vec3& a) {
