@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "host/dg/attribute.h"
@@ -20,7 +21,9 @@ struct Slot;
 enum class Computed { Done, Unhandled };
 
 /// The description that nodes of one kind share: attributes, dependencies and behaviour. Built once, then registered
-/// in a TypeRegistry; nodes refer to it as long as they live.
+/// in a TypeRegistry; nodes refer to it as long as they live. Along the chain of base types, `compute`, `getInternal`
+/// and `setInternal` are asked from the most derived type on until one handles the call; `postConstructor` (base
+/// first), `dependentsDirty`, `connectionChanged` and `mayConnect` of all are called.
 class NodeType {
  public:
   std::string name;
@@ -28,6 +31,7 @@ class NodeType {
   const NodeType* base = nullptr;  ///< its attributes come first and its compute is asked last
   std::string classification;
   bool isAbstract = false;
+  bool existsWithoutOutputs = true;  ///< false: a node goes when the last node that it feeds is deleted
   std::string pluginName;  ///< empty for built-in types
 
   /// Computes `plug` (an output, possibly an element or a child) and whatever else is cheap, into the block.
@@ -37,27 +41,44 @@ class NodeType {
   std::function<Result<bool>(Node&, const Plug&, const Value&)> setInternal;
   /// Adds plugs to dirty beyond the static `affects` when `plug` is dirtied.
   std::function<void(Node&, const Plug& plug, std::vector<Plug>& alsoDirty)> dependentsDirty;
-  std::function<void(Node&)> postConstructor;  ///< after the node joined the graph
+  std::function<void(Node&)> postConstructor;  ///< after the node joined the graph; not on redo
   std::function<void(Node&, const Plug& own, const Plug& other, bool ownIsSource, bool made)> connectionChanged;
   /// Veto of a connection, with a reason.
   std::function<Result<void>(Node&, const Plug& own, const Plug& other, bool ownIsSource)> mayConnect;
 
   /// Adds a top-level attribute (with its children) and fixes its indices. Order is kept: it is the listing order.
   const Attribute* add(AttributePtr attribute);
-  /// Says that changing `from` dirties `to`; both may be top-level or nested.
+  /// Says that changing `from` dirties `to`; both may be top-level or nested. Holds for this type and those that
+  /// inherit from it afterwards, so a derived type may relate inherited attributes.
   void affects(const Attribute* from, const Attribute* to);
+  /// What `affects` was told of one attribute, in that order.
+  [[nodiscard]] const std::vector<const Attribute*>& affected(const Attribute* from) const;
+  /// All that changing an attribute dirties, through its relatives up and down and transitively. Cached.
+  [[nodiscard]] const std::vector<const Attribute*>& reach(const Attribute* from) const;
+  /// Whether something affects the attribute, or a relative up or down.
+  [[nodiscard]] bool isComputed(const Attribute* attribute) const {
+    return attribute->flatIndex >= 0 && relations_[static_cast<std::size_t>(attribute->flatIndex)].isComputed;
+  }
 
   /// Top-level attributes, inherited ones first.
   [[nodiscard]] const std::vector<AttributePtr>& attributes() const { return attributes_; }
   /// By long or short name, nested ones included; null when there is none. Constant time.
   [[nodiscard]] const Attribute* find(std::string_view attributeName) const;
   [[nodiscard]] bool isA(std::string_view typeName) const;
-  /// Copies the base type's attribute list and relations in; call before adding own attributes.
+  /// Takes the base type's attributes (the same objects) and relations over; call before adding own attributes.
   void inherit(const NodeType* baseType);
 
  private:
-  void indexNames(const AttributePtr& attribute);
+  struct Relations {
+    std::vector<const Attribute*> affected;
+    mutable std::vector<const Attribute*> reach;
+    mutable bool isReachKnown = false;
+    bool isComputed = false;
+  };
+  void adopt(Attribute& attribute, int topIndex);
+  void markComputed(const Attribute& attribute);
   std::vector<AttributePtr> attributes_;
+  std::vector<Relations> relations_;  ///< by Attribute::flatIndex
   struct StringHash {
     using is_transparent = void;
     std::size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
@@ -103,6 +124,7 @@ class Node : public std::enable_shared_from_this<Node> {
  private:
   friend class Graph;
   friend class DataBlock;
+  friend struct NodeAccess;
   Node(Graph& graph, const NodeType& type, std::string name, std::uint64_t serial);
 
   Graph* graph_;
@@ -111,6 +133,8 @@ class Node : public std::enable_shared_from_this<Node> {
   std::uint64_t serial_;
   bool isAlive_ = false, isLocked_ = false, isDefault_ = false;
   std::vector<AttributePtr> dynamicAttributes_;
+  std::vector<AttributePtr> removedAttributes_;  ///< kept: records and handles may still point at them
+  std::vector<std::pair<std::string, Plug>> aliases_;
   std::vector<std::unique_ptr<Slot>> slots_;  ///< one a top-level attribute, static then dynamic, made on demand
 };
 using NodePtr = std::shared_ptr<Node>;

@@ -16,12 +16,13 @@ using dg::Node;
 struct DagLinks final : dg::NodeExtension {
   std::vector<Node*> parents;
   std::vector<Node*> children;  ///< in sibling order, shapes and transforms mixed as they came
+  bool isTransform = false, isShape = false;  ///< what the node's type derives from
 };
 
 [[nodiscard]] bool isDagNode(const Node& node);
 [[nodiscard]] bool isTransform(const Node& node);  ///< transform and types derived from it
 [[nodiscard]] bool isShape(const Node& node);
-[[nodiscard]] const DagLinks& dagLinks(const Node& node);
+[[nodiscard]] const DagLinks& dagLinks(const Node& node);  ///< empty for nodes that are not in the hierarchy
 
 /// One way from the world down to a DAG node: the nodes from the top to the leaf. Empty is the world itself.
 class DagPath {
@@ -33,7 +34,7 @@ class DagPath {
   [[nodiscard]] Node* node() const { return nodes_.empty() ? nullptr : nodes_.back(); }
   [[nodiscard]] const std::vector<Node*>& nodes() const { return nodes_; }
   [[nodiscard]] std::size_t length() const { return nodes_.size(); }
-  /// Whether every node is alive and each is still a child of the one before.
+  /// Whether every node is alive and each is still a child of the one before. Needs only the leaf to be kept alive.
   [[nodiscard]] bool isValid() const;
 
   [[nodiscard]] DagPath parent() const;
@@ -47,7 +48,8 @@ class DagPath {
   [[nodiscard]] bool isAncestorOf(const DagPath& other) const;
   [[nodiscard]] std::size_t instanceNumber() const;
 
-  /// Product of the local matrices from the leaf to the top (a shape adds none).
+  /// Product of the local matrices from the leaf to the top (a shape adds none); a transform whose inheritsTransform
+  /// is off ends the product.
   [[nodiscard]] math::Matrix4 inclusiveMatrix() const;
   [[nodiscard]] math::Matrix4 exclusiveMatrix() const;
 

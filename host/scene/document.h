@@ -46,8 +46,9 @@ class Document {
 
   // Nodes.
   /// Creates a node of a registered type. DAG types: a transform goes under `parent` (world if null), a shape under
-  /// `parent` or, without one, under a new transform named after it. `name` may end in '#' (next free number); empty
-  /// means the type's name with a number. Illegal characters become '_'; a taken name gets the next free number.
+  /// `parent` or, without one, under a new transform named after it ("fooShape1" makes "foo1"; a shape without a name
+  /// names both by its type). `name` may end in '#' (next free number); empty means the type's name with a number.
+  /// Illegal characters become '_'; a taken name gets the next free number.
   /// @return the node (for a shape without parent: the shape; its transform is the parent), or an error naming the type
   Result<dg::NodePtr> createNode(std::string_view typeName, std::string_view name = {}, Node* parent = nullptr);
   /// Deletes nodes and, for DAG nodes, all below them that has no other parent; also history nodes that only fed what
@@ -56,6 +57,8 @@ class Document {
   /// Gives a free name made from `name` ('#' and illegal characters as in createNode) and returns it. Renaming a
   /// transform takes its shape along when the shape was named after it.
   Result<std::string> rename(Node& node, std::string_view name);
+  /// The name that `wanted` comes to. Unique among the children of `parent` and against nodes outside the hierarchy;
+  /// without a parent, in the whole scene. `except` may keep its name; its own parents then count.
   [[nodiscard]] std::string freeName(std::string_view wanted, const Node* parent = nullptr,
                                      const Node* except = nullptr) const;
 
@@ -69,17 +72,21 @@ class Document {
   Result<void> reorder(Node& child, Node* parent, int position);
   [[nodiscard]] const std::vector<Node*>& worldChildren() const;
 
-  // Names. Patterns take '*' and '?', paths '|', components and attributes after '.'; `^1s` and `uuid`s are not names.
+  // Names. Patterns take '*' and '?' (which do not cross a ':'), paths '|', components and attributes after '.';
+  // `^1s` and `uuid`s are not names. A leading ':' is the root namespace.
+  /// Nodes of exactly this name, in creation order. Constant time.
+  [[nodiscard]] const std::vector<Node*>& nodesNamed(std::string_view name) const;
   /// Every node whose name or path matches, in creation order.
   [[nodiscard]] std::vector<Node*> findNodes(std::string_view pattern) const;
   /// The one node of that name or path: an error when there is none or more than one ("More than one object matches
   /// name: x", "No object matches name: x").
   Result<Node*> node(std::string_view name) const;
   Result<DagPath> dagPath(std::string_view name) const;
-  /// A plug from "node.attr[3].child".
+  /// A plug from "node.attr[3].child". An attribute that a transform does not have is looked for on its shape.
   Result<dg::Plug> plug(std::string_view path) const;
-  /// Everything a script's object argument may be: nodes, paths, components, plugs, wildcards. Component indices are
-  /// checked against the mesh. A transform's component names its shape's.
+  /// Everything a script's object argument may be: nodes, paths, components, plugs, wildcards. A name that several
+  /// nodes have gives them all. Component ranges are cut to what the mesh has; nothing left is an error. A transform's
+  /// component names its shape's. An instanced node without a path gives its first one.
   Result<SelectionList> resolve(std::string_view pattern) const;
   Result<SelectionList> resolveAll(const std::vector<std::string>& patterns) const;
 

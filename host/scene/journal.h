@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "host/dg/change.h"
@@ -11,6 +12,14 @@ namespace host::scene {
 class ChangeSet {
  public:
   void append(std::unique_ptr<dg::Change> change) { changes_.push_back(std::move(change)); }
+  /// Moves the other's records to the end of this one.
+  void append(ChangeSet other) {
+    if (changes_.empty()) {
+      changes_ = std::move(other.changes_);
+      return;
+    }
+    for (auto& change : other.changes_) changes_.push_back(std::move(change));
+  }
   void undo();  ///< last first
   void redo();  ///< first first
   [[nodiscard]] bool isEmpty() const { return changes_.empty(); }

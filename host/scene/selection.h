@@ -1,7 +1,8 @@
 #pragma once
 
-#include <optional>
+#include <functional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "host/dg/plug.h"
@@ -21,20 +22,23 @@ struct SelectionItem {
   [[nodiscard]] bool isDag() const { return !path.isWorld(); }
   [[nodiscard]] bool isObject() const { return components.empty() && plug.isNull(); }
   [[nodiscard]] const Component* component(ComponentType type) const;
+  /// Whether both name the same thing apart from which of its components.
+  [[nodiscard]] bool isSameTarget(const SelectionItem& other) const;
   friend bool operator==(const SelectionItem&, const SelectionItem&) = default;
 };
 
 enum class SelectionMerge { Add, Remove, Toggle };
 
-/// An ordered list of items without repeats.
+/// An ordered list of items without repeats. Finding an item takes constant time however long the list is.
 class SelectionList {
  public:
   [[nodiscard]] const std::vector<SelectionItem>& items() const { return items_; }
   [[nodiscard]] bool isEmpty() const { return items_.empty(); }
   [[nodiscard]] std::size_t length() const { return items_.size(); }
-  void clear() { items_.clear(); }
+  void clear();
 
   void add(const DagPath& path);
+  /// A transform's path stands for its shape: the item gets the shape's path.
   void add(const DagPath& path, const Component& component);
   void add(const dg::NodePtr& node);
   void add(const dg::Plug& plug);
@@ -46,14 +50,25 @@ class SelectionList {
   void replaceAt(std::size_t index, SelectionItem item);
   /// Drops items whose node died or whose path broke.
   void removeDead();
+  /// The items for which `keep` holds, in order.
+  [[nodiscard]] SelectionList filtered(const std::function<bool(const SelectionItem&)>& keep) const;
 
   /// Names as `ls -sl` gives them: components in runs, partial paths through the transform ("pCube1.vtx[0:3]").
   [[nodiscard]] std::vector<std::string> names(bool fullPaths = false) const;
+  [[nodiscard]] std::size_t bytes() const;  ///< memory of the list, an estimate
 
-  friend bool operator==(const SelectionList&, const SelectionList&) = default;
+  friend bool operator==(const SelectionList& a, const SelectionList& b) { return a.items_ == b.items_; }
 
  private:
+  [[nodiscard]] std::size_t find(const SelectionItem& item) const;
+  void append(SelectionItem item);
+  /// Leaves an emptied item in place for `dropEmptied`, so that removing many costs one pass.
+  void mergeOne(const SelectionItem& item, SelectionMerge how);
+  void dropEmptied();
+
   std::vector<SelectionItem> items_;
+  /// Positions by leaf node, built for long lists when first needed; empty: not built.
+  mutable std::unordered_multimap<const dg::Node*, std::size_t> index_;
 };
 
 /// How a component's name appears: on the transform, "pCube1.vtx[2]", the shape's when it has siblings.

@@ -1,0 +1,193 @@
+#include "host/scene/dag.h"
+
+#include <algorithm>
+
+#include "host/scene/document_impl.h"
+
+namespace host::scene {
+
+bool isDagNode(const Node& node) { return node.dagExtension != nullptr; }
+bool isTransform(const Node& node) { return dagLinks(node).isTransform; }
+bool isShape(const Node& node) { return dagLinks(node).isShape; }
+
+const DagLinks& dagLinks(const Node& node) {
+  static const DagLinks none;
+  return node.dagExtension ? static_cast<const DagLinks&>(*node.dagExtension) : none;
+}
+
+namespace {
+
+bool contains(const std::vector<Node*>& nodes, const Node* node) {
+  return std::find(nodes.begin(), nodes.end(), node) != nodes.end();
+}
+
+bool isIntermediate(Node& shape) {
+  const dg::Plug plug = shape.plug("intermediateObject");
+  if (!plug) return false;
+  const auto value = shape.graph().get(plug);
+  const auto* flag = value ? std::get_if<std::int64_t>(&*value) : nullptr;
+  return flag && *flag != 0;
+}
+
+bool inheritsTransform(Node& node) {
+  const dg::Plug plug = node.plug("inheritsTransform");
+  if (!plug) return true;
+  const auto value = node.graph().get(plug);
+  const auto* flag = value ? std::get_if<std::int64_t>(&*value) : nullptr;
+  return !flag || *flag != 0;
+}
+
+/// Product of the local matrices of nodes[0, count), leaf first.
+math::Matrix4 product(const std::vector<Node*>& nodes, std::size_t count) {
+  math::Matrix4 matrix;
+  for (std::size_t i = count; i-- > 0;) {
+    if (!isTransform(*nodes[i])) continue;
+    matrix = i + 1 == count ? localMatrix(*nodes[i]) : matrix * localMatrix(*nodes[i]);
+    if (!inheritsTransform(*nodes[i])) break;
+  }
+  return matrix;
+}
+
+/// How many nodes at the end of both paths are the same in name.
+std::size_t commonTail(const DagPath& a, const DagPath& b) {
+  const std::vector<Node*>&x = a.nodes(), &y = b.nodes();
+  std::size_t same = 0;
+  while (same < x.size() && same < y.size() && x[x.size() - same - 1]->name() == y[y.size() - same - 1]->name())
+    ++same;
+  return same;
+}
+
+std::string joinTail(const std::vector<Node*>& nodes, std::size_t count) {
+  std::string name;
+  for (std::size_t i = nodes.size() - count; i < nodes.size(); ++i) {
+    if (!name.empty()) name += '|';
+    name += nodes[i]->name();
+  }
+  return name;
+}
+
+void appendPaths(Node& node, std::vector<Node*>& below, std::vector<DagPath>& paths) {
+  below.push_back(&node);
+  for (Node* parent : dagLinks(node).parents) {
+    if (parent)
+      appendPaths(*parent, below, paths);
+    else
+      paths.emplace_back(std::vector<Node*>(below.rbegin(), below.rend()));
+  }
+  below.pop_back();
+}
+
+}  // namespace
+
+bool DagPath::isValid() const {
+  // From the leaf up, comparing pointers only: a node that a live child still names as its parent is alive, others
+  // may be gone from memory.
+  if (nodes_.empty()) return true;
+  if (!nodes_.back()->isAlive()) return false;
+  for (std::size_t i = nodes_.size(); i-- > 0;)
+    if (!contains(dagLinks(*nodes_[i]).parents, i > 0 ? nodes_[i - 1] : nullptr)) return false;
+  return true;
+}
+
+DagPath DagPath::parent() const {
+  if (nodes_.empty()) return {};
+  return DagPath(std::vector<Node*>(nodes_.begin(), nodes_.end() - 1));
+}
+
+DagPath DagPath::child(Node* childNode) const {
+  std::vector<Node*> nodes;
+  nodes.reserve(nodes_.size() + 1);
+  nodes = nodes_;
+  nodes.push_back(childNode);
+  return DagPath(std::move(nodes));
+}
+
+DagPath DagPath::transform() const {
+  std::size_t length = nodes_.size();
+  while (length > 0 && !isTransform(*nodes_[length - 1])) --length;
+  return DagPath(std::vector<Node*>(nodes_.begin(), nodes_.begin() + static_cast<std::ptrdiff_t>(length)));
+}
+
+std::vector<DagPath> DagPath::shapes(bool withIntermediate) const {
+  if (nodes_.empty()) return {};
+  if (isShape(*node())) return {*this};
+  std::vector<DagPath> found;
+  for (Node* below : dagLinks(*node()).children)
+    if (isShape(*below) && (withIntermediate || !isIntermediate(*below))) found.push_back(child(below));
+  return found;
+}
+
+DagPath DagPath::toShape() const {
+  if (nodes_.empty() || isShape(*node())) return *this;
+  for (Node* below : dagLinks(*node()).children)
+    if (isShape(*below) && !isIntermediate(*below)) return child(below);
+  return {};
+}
+
+bool DagPath::isAncestorOf(const DagPath& other) const {
+  return nodes_.size() < other.nodes_.size() &&
+         std::equal(nodes_.begin(), nodes_.end(), other.nodes_.begin());
+}
+
+std::size_t DagPath::instanceNumber() const {
+  if (nodes_.empty()) return 0;
+  const std::vector<DagPath> all = allPaths(*node());
+  if (all.size() <= 1) return 0;
+  const auto self = std::find(all.begin(), all.end(), *this);
+  return self == all.end() ? 0 : static_cast<std::size_t>(self - all.begin());
+}
+
+math::Matrix4 DagPath::inclusiveMatrix() const { return product(nodes_, nodes_.size()); }
+
+math::Matrix4 DagPath::exclusiveMatrix() const {
+  return nodes_.empty() ? math::Matrix4{} : product(nodes_, nodes_.size() - 1);
+}
+
+std::string DagPath::fullName() const {
+  std::string name;
+  for (const Node* each : nodes_) name += '|' + each->name();
+  return name;
+}
+
+std::string DagPath::partialName() const {
+  if (nodes_.empty()) return {};
+  const Node& leaf = *node();
+  Document* document = documentOf(leaf.graph());
+  if (!document) return fullName();
+  std::size_t needed = 1;
+  for (Node* other : document->nodesNamed(leaf.name())) {
+    for (const DagPath& path : allPaths(*other))
+      if (path != *this) needed = std::max(needed, commonTail(*this, path) + 1);
+  }
+  return needed > nodes_.size() ? fullName() : joinTail(nodes_, needed);
+}
+
+std::vector<DagPath> allPaths(const Node& node) {
+  std::vector<DagPath> paths;
+  std::vector<Node*> below;
+  if (isDagNode(node)) appendPaths(const_cast<Node&>(node), below, paths);
+  return paths;
+}
+
+DagPath firstPath(const Node& node) {
+  std::vector<Node*> nodes;
+  const Node* at = &node;
+  while (at && isDagNode(*at)) {
+    nodes.push_back(const_cast<Node*>(at));
+    const std::vector<Node*>& parents = dagLinks(*at).parents;
+    if (parents.empty()) return {};  // not in the scene
+    at = parents.front();
+  }
+  std::reverse(nodes.begin(), nodes.end());
+  return DagPath(std::move(nodes));
+}
+
+math::Matrix4 localMatrix(Node& transform) {
+  const dg::Plug plug = transform.plug("matrix");
+  if (!plug) return {};
+  const auto value = transform.graph().get(plug);
+  const auto* matrix = value ? dg::dataAs<dg::MatrixData>(*value) : nullptr;
+  return matrix ? matrix->value : math::Matrix4{};
+}
+
+}  // namespace host::scene
