@@ -6,21 +6,28 @@
 namespace host::mesh {
 
 namespace {
-constexpr std::size_t kParallelCorners = 200'000;  // below, starting a thread costs more than it saves
+constexpr std::size_t kParallelCorners =
+    200'000;  // below, starting a thread costs more than it saves
 
-std::size_t at(Index i) { return static_cast<std::size_t>(i); }
+std::size_t at(Index i) {
+  return static_cast<std::size_t>(i);
+}
 }  // namespace
 
-// Lists are filled in three passes: counts land two places up, are summed, and filling advances the place
-// between, so that afterwards offsets[i] is the start of list i without a copy.
-void Adjacency::Lists::startCounting(std::size_t lists) { offsets.assign(lists + 2, 0); }
+// Lists are filled in three passes: counts land two places up, are summed, and filling advances the
+// place between, so that afterwards offsets[i] is the start of list i without a copy.
+void Adjacency::Lists::startCounting(std::size_t lists) {
+  offsets.assign(lists + 2, 0);
+}
 
 void Adjacency::Lists::finishCounting() {
   for (std::size_t i = 1; i < offsets.size(); ++i) offsets[i] += offsets[i - 1];
   items.resize(at(offsets.back()));
 }
 
-void Adjacency::Lists::finishFilling() { offsets.pop_back(); }
+void Adjacency::Lists::finishFilling() {
+  offsets.pop_back();
+}
 
 Adjacency::Lists Adjacency::Lists::withoutRepeats(const Lists& corners,
                                                   const std::vector<FaceId>& cornerFaces) {
@@ -95,8 +102,8 @@ bool Adjacency::isBorderVertex(VertexId v) const {
 bool Adjacency::isManifoldEdge(EdgeId e) const {
   const auto walks = edgeCorners(e);
   if (walks.size() < 2) return true;
-  return walks.size() == 2 && topology_->cornerVertices[at(walks[0])] !=
-                                  topology_->cornerVertices[at(walks[1])];
+  return walks.size() == 2 &&
+         topology_->cornerVertices[at(walks[0])] != topology_->cornerVertices[at(walks[1])];
 }
 
 bool Adjacency::isManifoldVertex(VertexId v) const {
@@ -141,7 +148,8 @@ std::size_t Adjacency::bytes() const {
   return indices * sizeof(Index);
 }
 
-// --- TopologyBlock -----------------------------------------------------------------------------------------
+// --- TopologyBlock
+// -----------------------------------------------------------------------------------------
 
 struct TopologyBlock::Entry {
   Adjacency adjacency;

@@ -10,7 +10,8 @@ namespace host::mesh {
 
 /// Compressed incidence lists of one topology. All lists are ascending in id. Linear to build.
 ///
-/// It refers to the topology it was built from, which must outlive it; Mesh::adjacency() sees to that.
+/// It refers to the topology it was built from, which must outlive it; Mesh::adjacency() sees to
+/// that.
 class Adjacency {
  public:
   Adjacency(const Topology& topology, Index vertexCount);
@@ -50,9 +51,11 @@ class Adjacency {
   [[nodiscard]] bool isBorderVertex(VertexId v) const;
   /// Whether e has at most two faces, walking it in opposite directions when two.
   [[nodiscard]] bool isManifoldEdge(EdgeId e) const;
-  /// Whether the faces at v make one fan (open or closed) across manifold edges. An isolated vertex is manifold.
+  /// Whether the faces at v make one fan (open or closed) across manifold edges. An isolated vertex
+  /// is manifold.
   [[nodiscard]] bool isManifoldVertex(VertexId v) const;
-  /// The edge between two vertices, the lowest if several; -1 when there is none. Linear in the smaller valence.
+  /// The edge between two vertices, the lowest if several; -1 when there is none. Linear in the
+  /// smaller valence.
   [[nodiscard]] EdgeId findEdge(VertexId a, VertexId b) const;
   /// The corner of face f at vertex v, the first if several; -1 when there is none.
   [[nodiscard]] CornerId findCorner(FaceId f, VertexId v) const;

@@ -27,7 +27,9 @@ class Cow {
 
   /// True when both share one allocation: equal without comparing.
   [[nodiscard]] bool sharesWith(const Cow& other) const { return data_ == other.data_; }
-  friend bool operator==(const Cow& a, const Cow& b) { return a.sharesWith(b) || a.read() == b.read(); }
+  friend bool operator==(const Cow& a, const Cow& b) {
+    return a.sharesWith(b) || a.read() == b.read();
+  }
 
  private:
   static const T& emptyValue() {

@@ -8,8 +8,9 @@
 
 namespace host::mesh {
 
-/// Finds or makes the edge between two vertices while a topology is built. Constant time a call whatever the valence:
-/// edges hang in a short chain on their lower vertex, those past the chain's limit in a hash table.
+/// Finds or makes the edge between two vertices while a topology is built. Constant time a call
+/// whatever the valence: edges hang in a short chain on their lower vertex, those past the chain's
+/// limit in a hash table.
 class EdgeTable {
  public:
   /// Starts with the edges already in `edges`, to which new ones are appended.

@@ -12,14 +12,20 @@ namespace host::mesh {
 
 namespace {
 
-std::size_t at(Index i) { return static_cast<std::size_t>(i); }
+std::size_t at(Index i) {
+  return static_cast<std::size_t>(i);
+}
 
 template <class T>
 std::size_t bytesOf(const std::vector<T>& v) {
   return v.size() * sizeof(T);
 }
-std::size_t bytesOf(const Creases& c) { return bytesOf(c.edges) + bytesOf(c.vertices); }
-std::size_t bytesOf(const LockedNormals& n) { return bytesOf(n.normals) + bytesOf(n.locked); }
+std::size_t bytesOf(const Creases& c) {
+  return bytesOf(c.edges) + bytesOf(c.vertices);
+}
+std::size_t bytesOf(const LockedNormals& n) {
+  return bytesOf(n.normals) + bytesOf(n.locked);
+}
 std::size_t bytesOf(const UvSet& s) {
   return s.name.size() + bytesOf(s.points) + bytesOf(s.cornerIds);
 }
@@ -60,7 +66,8 @@ Result<void> checkFaceLoops(Index vertexCount, std::span<const Index> counts,
                             std::span<const VertexId> vertices) {
   std::size_t begin = 0;
   for (std::size_t f = 0; f < counts.size(); ++f) {
-    if (counts[f] < 3) return fail("Face {} has {} corners; a face needs at least 3.", f, counts[f]);
+    if (counts[f] < 3)
+      return fail("Face {} has {} corners; a face needs at least 3.", f, counts[f]);
     if (at(counts[f]) > vertices.size() - begin)
       return fail("Face {} asks for {} vertices, but only {} are left in the list.", f, counts[f],
                   vertices.size() - begin);
@@ -118,7 +125,8 @@ void Mesh::setPoints(std::vector<Vec3f> points) {
 }
 
 void Mesh::setTopology(Topology topology) {
-  HOST_ASSERT(!topology.faceOffsets.empty() && topology.cornerVertices.size() == topology.cornerEdges.size(),
+  HOST_ASSERT(!topology.faceOffsets.empty() &&
+                  topology.cornerVertices.size() == topology.cornerEdges.size(),
               "give one edge a corner, and faceOffsets one entry more than there are faces");
   dropDerivedFromGeometry();
   topology_ = std::make_shared<const TopologyBlock>(std::move(topology));
@@ -137,7 +145,9 @@ void Mesh::setEdgeSmooth(EdgeId e, bool smooth) {
   flags[at(e)] = smooth;
 }
 
-int Mesh::findUvSet(std::string_view name) const { return findNamed(uvSets_, name); }
+int Mesh::findUvSet(std::string_view name) const {
+  return findNamed(uvSets_, name);
+}
 
 int Mesh::addUvSet(UvSet set) {
   uvSets_.emplace_back(std::move(set));
@@ -150,7 +160,9 @@ void Mesh::removeUvSet(int index) {
   currentUvSet_ = indexAfterRemoval(currentUvSet_, index, 0);
 }
 
-int Mesh::findColorSet(std::string_view name) const { return findNamed(colorSets_, name); }
+int Mesh::findColorSet(std::string_view name) const {
+  return findNamed(colorSets_, name);
+}
 
 int Mesh::addColorSet(ColorSet set) {
   colorSets_.emplace_back(std::move(set));
@@ -183,12 +195,13 @@ std::span<const Vec3f> Mesh::cornerNormals() const {
   return cache.normals;
 }
 
-void Mesh::setInvisibleFaces(std::vector<FaceId> faces) { invisibleFaces_ = Cow(std::move(faces)); }
+void Mesh::setInvisibleFaces(std::vector<FaceId> faces) {
+  invisibleFaces_ = Cow(std::move(faces));
+}
 
 bool operator==(const Mesh& a, const Mesh& b) {
   return a.currentUvSet_ == b.currentUvSet_ && a.currentColorSet_ == b.currentColorSet_ &&
-         a.points_ == b.points_ &&
-         (a.sharesTopologyWith(b) || a.topology() == b.topology()) &&
+         a.points_ == b.points_ && (a.sharesTopologyWith(b) || a.topology() == b.topology()) &&
          a.edgeSmooth_ == b.edgeSmooth_ && a.creases_ == b.creases_ && a.uvSets_ == b.uvSets_ &&
          a.colorSets_ == b.colorSets_ && a.lockedNormals_ == b.lockedNormals_ &&
          a.invisibleFaces_ == b.invisibleFaces_;

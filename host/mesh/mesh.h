@@ -43,21 +43,24 @@ struct ColorSet {
   friend bool operator==(const ColorSet&, const ColorSet&) = default;
 };
 
-/// Locked (user-set) normals, one a corner; `locked` says which corners count. Both empty: none locked.
+/// Locked (user-set) normals, one a corner; `locked` says which corners count. Both empty: none
+/// locked.
 struct LockedNormals {
   std::vector<Vec3f> normals;
   std::vector<std::uint8_t> locked;
   friend bool operator==(const LockedNormals&, const LockedNormals&) = default;
 };
 
-/// Crease weights; an empty array means all zero. 0 = smooth, 10 and more = fully sharp when subdivided.
+/// Crease weights; an empty array means all zero. 0 = smooth, 10 and more = fully sharp when
+/// subdivided.
 struct Creases {
   std::vector<float> edges;
   std::vector<float> vertices;
   friend bool operator==(const Creases&, const Creases&) = default;
 };
 
-/// What a spatial structure derived from points and topology is kept in; lock `mutex` to read or fill `value`.
+/// What a spatial structure derived from points and topology is kept in; lock `mutex` to read or
+/// fill `value`.
 struct AcceleratorSlot {
   std::mutex mutex;
   std::shared_ptr<void> value;
@@ -65,10 +68,11 @@ struct AcceleratorSlot {
 
 /// A polygon mesh as a value: copying is O(1), each array group is shared until written.
 ///
-/// Positions are object space, cm. Faces are vertex loops of any length >= 3. An edge has two different vertices
-/// and any number of faces, so borders and non-manifold edges are legal. Caches (adjacency, normals) hang on the
-/// array group they derive from and are shared by all copies of it; several threads may read one mesh at once.
-/// A moved-from mesh can only be destroyed or assigned to.
+/// Positions are object space, cm. Faces are vertex loops of any length >= 3. An edge has two
+/// different vertices and any number of faces, so borders and non-manifold edges are legal. Caches
+/// (adjacency, normals) hang on the array group they derive from and are shared by all copies of
+/// it; several threads may read one mesh at once. A moved-from mesh can only be destroyed or
+/// assigned to.
 class Mesh {
  public:
   /// The mesh without points, with one empty UV set "map1".
@@ -89,7 +93,8 @@ class Mesh {
   [[nodiscard]] Vec3 point(VertexId v) const {
     return Vec3(points_.read()[static_cast<std::size_t>(v)]);
   }
-  /// Unshares the points for writing in place; ask again after the mesh was read or copied in between.
+  /// Unshares the points for writing in place; ask again after the mesh was read or copied in
+  /// between.
   [[nodiscard]] std::span<Vec3f> editPoints();
   /// Replaces all points. The topology must fit the new number.
   void setPoints(std::vector<Vec3f> points);
@@ -99,14 +104,15 @@ class Mesh {
 
   // Topology.
   [[nodiscard]] const Topology& topology() const { return topology_->topology; }
-  /// Replaces faces and edges, dropping the caches of the old ones. Per-corner and per-edge groups must be replaced
-  /// by the caller to fit.
+  /// Replaces faces and edges, dropping the caches of the old ones. Per-corner and per-edge groups
+  /// must be replaced by the caller to fit.
   void setTopology(Topology topology);
   [[nodiscard]] bool sharesTopologyWith(const Mesh& other) const {
     return topology_ == other.topology_;
   }
   [[nodiscard]] std::span<const VertexId> faceVertices(FaceId f) const {
-    return {topology().cornerVertices.data() + firstCorner(f), static_cast<std::size_t>(faceSize(f))};
+    return {topology().cornerVertices.data() + firstCorner(f),
+            static_cast<std::size_t>(faceSize(f))};
   }
   [[nodiscard]] std::span<const EdgeId> faceEdges(FaceId f) const {
     return {topology().cornerEdges.data() + firstCorner(f), static_cast<std::size_t>(faceSize(f))};
@@ -124,11 +130,10 @@ class Mesh {
   [[nodiscard]] EdgeVertices edge(EdgeId e) const {
     return topology().edges[static_cast<std::size_t>(e)];
   }
-  /// Vertex -> edges, vertex -> faces, edge -> faces; built on first use, shared by all copies of the topology.
-  /// Valid until this mesh's topology or point count changes; needs host/mesh/adjacency.h.
-  [[nodiscard]] const Adjacency& adjacency() const {
-    return topology_->adjacency(vertexCount());
-  }
+  /// Vertex -> edges, vertex -> faces, edge -> faces; built on first use, shared by all copies of
+  /// the topology. Valid until this mesh's topology or point count changes; needs
+  /// host/mesh/adjacency.h.
+  [[nodiscard]] const Adjacency& adjacency() const { return topology_->adjacency(vertexCount()); }
 
   // Edge smoothness: one byte an edge, 1 smooth, 0 hard; an empty array means all smooth.
   [[nodiscard]] bool isEdgeSmooth(EdgeId e) const {
@@ -193,8 +198,9 @@ class Mesh {
     return !lockedNormals_->locked.empty() &&
            lockedNormals_->locked[static_cast<std::size_t>(c)] != 0;
   }
-  /// Unit normal a corner: locked ones as set, others the angle-weighted mean over the corner's smooth fan.
-  /// Built on first use and cached until points, topology, smoothness or locks are written.
+  /// Unit normal a corner: locked ones as set, others the angle-weighted mean over the corner's
+  /// smooth fan. Built on first use and cached until points, topology, smoothness or locks are
+  /// written.
   [[nodiscard]] std::span<const Vec3f> cornerNormals() const;
 
   // Invisible faces (holes in the sense of hidden faces): sorted ids.
@@ -206,7 +212,8 @@ class Mesh {
   /// Bytes of arrays that this mesh holds and `other` does not share; caches not counted.
   [[nodiscard]] std::size_t bytesNotSharedWith(const Mesh& other) const;
 
-  /// Where an accelerator that derives from points and topology is kept (see spatial); dropped with them.
+  /// Where an accelerator that derives from points and topology is kept (see spatial); dropped with
+  /// them.
   [[nodiscard]] AcceleratorSlot& acceleratorSlot() const { return *accelerator_; }
 
  private:
@@ -228,10 +235,11 @@ class Mesh {
   std::shared_ptr<AcceleratorSlot> accelerator_;
 };
 
-/// Face loops in, mesh out: makes the edges in order of first use (each face's corners in order, corner k giving
-/// edge k -> k+1) and checks every index. Linear, whatever the valences.
+/// Face loops in, mesh out: makes the edges in order of first use (each face's corners in order,
+/// corner k giving edge k -> k+1) and checks every index. Linear, whatever the valences.
 /// @param counts corners a face; @param vertices the corners' vertices, face after face
-/// @return an error naming the first bad face: fewer than 3 corners, index out of range, a vertex repeated in
+/// @return an error naming the first bad face: fewer than 3 corners, index out of range, a vertex
+/// repeated in
 ///         neighbouring corners, or counts and vertices that do not add up.
 [[nodiscard]] Result<Mesh> buildMesh(std::vector<Vec3f> points, std::span<const Index> counts,
                                      std::span<const VertexId> vertices);

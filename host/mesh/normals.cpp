@@ -11,7 +11,9 @@ namespace host::mesh {
 namespace {
 
 constexpr std::size_t kGrain = 20'000;
-std::size_t at(Index i) { return static_cast<std::size_t>(i); }
+std::size_t at(Index i) {
+  return static_cast<std::size_t>(i);
+}
 
 double angleBetween(const Vec3& a, const Vec3& b) {
   return std::atan2(length(cross(a, b)), dot(a, b));
@@ -23,7 +25,8 @@ Vec3 unitOrZero(const Vec3& a) {
   return l > 0 && std::isfinite(l) ? a / l : Vec3{};
 }
 
-/// Walks the fans around vertices and writes their corners' normals. One per thread: it keeps scratch space.
+/// Walks the fans around vertices and writes their corners' normals. One per thread: it keeps
+/// scratch space.
 class FanNormals {
  public:
   FanNormals(const Mesh& mesh, std::span<const Vec3f> faceNormals, std::vector<Vec3f>& out)
@@ -55,7 +58,8 @@ class FanNormals {
     fan_.clear();
     Vec3 sum;
     const auto take = [&](CornerId c) {
-      const auto k = static_cast<std::size_t>(std::ranges::lower_bound(corners, c) - corners.begin());
+      const auto k =
+          static_cast<std::size_t>(std::ranges::lower_bound(corners, c) - corners.begin());
       if (done_[k]) return false;
       done_[k] = 1;
       fan_.push_back(k);
@@ -110,7 +114,9 @@ Vec3 faceAreaVector(const Mesh& mesh, FaceId face) {
   return sum;
 }
 
-Vec3 faceNormal(const Mesh& mesh, FaceId face) { return unitOrZero(faceAreaVector(mesh, face)); }
+Vec3 faceNormal(const Mesh& mesh, FaceId face) {
+  return unitOrZero(faceAreaVector(mesh, face));
+}
 
 double faceArea(const Mesh& mesh, FaceId face) {
   return 0.5 * length(faceAreaVector(mesh, face));

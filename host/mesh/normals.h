@@ -7,8 +7,9 @@
 
 namespace host::mesh {
 
-/// Sums the loop's cross products (Newell's method): along the face normal, twice the area long. Exact for planar
-/// faces, the best compromise for warped ones; computed from the first vertex, so far-away faces keep their digits.
+/// Sums the loop's cross products (Newell's method): along the face normal, twice the area long.
+/// Exact for planar faces, the best compromise for warped ones; computed from the first vertex, so
+/// far-away faces keep their digits.
 [[nodiscard]] Vec3 faceAreaVector(const Mesh& mesh, FaceId face);
 /// The unit face normal; zero for a face without area.
 [[nodiscard]] Vec3 faceNormal(const Mesh& mesh, FaceId face);
@@ -22,13 +23,15 @@ namespace host::mesh {
 /// Unit normals of all faces; zero for faces without area. Parallel.
 [[nodiscard]] std::vector<Vec3f> computeFaceNormals(const Mesh& mesh);
 
-/// Unit normals of all corners without regard to locks: the mean of the face normals over the corner's fan, weighted
-/// by corner angle (Thuermer and Wuethrich 1998). A fan ends at hard, border and non-manifold edges and where
-/// neighbours wind against each other. Faces without area add nothing and get their fan's normal; a fan of only such
-/// faces gets the mean over the whole vertex, and (0,1,0) when that is nothing too. Linear, parallel.
+/// Unit normals of all corners without regard to locks: the mean of the face normals over the
+/// corner's fan, weighted by corner angle (Thuermer and Wuethrich 1998). A fan ends at hard, border
+/// and non-manifold edges and where neighbours wind against each other. Faces without area add
+/// nothing and get their fan's normal; a fan of only such faces gets the mean over the whole
+/// vertex, and (0,1,0) when that is nothing too. Linear, parallel.
 [[nodiscard]] std::vector<Vec3f> computeCornerNormals(const Mesh& mesh);
 
-/// One unit normal a vertex: the mean over all corners there, weighted by corner angle; zero without faces. Parallel.
+/// One unit normal a vertex: the mean over all corners there, weighted by corner angle; zero
+/// without faces. Parallel.
 [[nodiscard]] std::vector<Vec3f> computeVertexNormals(const Mesh& mesh);
 /// The same for one vertex. Linear in the faces there.
 [[nodiscard]] Vec3 vertexNormal(const Mesh& mesh, VertexId vertex);

@@ -21,8 +21,8 @@ struct EdgeVertices {
   friend bool operator==(const EdgeVertices&, const EdgeVertices&) = default;
 };
 
-/// Face loops and edges. Face f owns corners [faceOffsets[f], faceOffsets[f+1]); corner c starts at vertex
-/// cornerVertices[c] and walks edge cornerEdges[c] to the next corner's vertex.
+/// Face loops and edges. Face f owns corners [faceOffsets[f], faceOffsets[f+1]); corner c starts at
+/// vertex cornerVertices[c] and walks edge cornerEdges[c] to the next corner's vertex.
 struct Topology {
   std::vector<CornerId> faceOffsets{0};
   std::vector<VertexId> cornerVertices;
@@ -31,7 +31,8 @@ struct Topology {
   friend bool operator==(const Topology&, const Topology&) = default;
 };
 
-/// A topology that never changes, with the adjacency built from it on first use. Safe to read from any thread.
+/// A topology that never changes, with the adjacency built from it on first use. Safe to read from
+/// any thread.
 class TopologyBlock {
  public:
   TopologyBlock();
@@ -40,7 +41,8 @@ class TopologyBlock {
   TopologyBlock(const TopologyBlock&) = delete;
   TopologyBlock& operator=(const TopologyBlock&) = delete;
 
-  /// The adjacency for meshes of `vertexCount` points; isolated vertices make that more than the faces tell.
+  /// The adjacency for meshes of `vertexCount` points; isolated vertices make that more than the
+  /// faces tell.
   [[nodiscard]] const Adjacency& adjacency(Index vertexCount) const;
 
   /// The shared block without faces.
@@ -50,7 +52,8 @@ class TopologyBlock {
 
  private:
   struct Entry;
-  mutable std::atomic<const Entry*> newest_{nullptr};  // a list; more than one only if point counts differ
+  mutable std::atomic<const Entry*> newest_{
+      nullptr};  // a list; more than one only if point counts differ
   mutable std::mutex building_;
 };
 
