@@ -1,7 +1,11 @@
 #pragma once
 
 #include <functional>
+#include <memory>
+#include <span>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "host/cmd/registry.h"
 #include "host/cmd/undo_queue.h"
@@ -31,6 +35,11 @@ class Dispatcher final : public mel::CommandHost {
 
   /// Runs document edits as a command of that name would: one step, reverted when it fails.
   Result<void> recordStep(std::string_view name, const std::function<Result<void>()>& edits);
+
+  /// Takes back or does again the latest item of the queue. Refused while a command that runs has changed something:
+  /// what it did would be newer than what is taken back.
+  Result<void> undo();
+  Result<void> redo();
 
   /// Whether a command is running now.
   [[nodiscard]] bool isRunning() const { return depth_ > 0; }

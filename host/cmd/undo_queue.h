@@ -47,13 +47,17 @@ class UndoQueue {
   [[nodiscard]] bool isRecording() const { return isOn_ && suspended_ == 0 && !isReplaying_; }
   /// Adds a finished step. Outside any group it is an item of its own.
   void add(UndoItem step);
-  void suspend() { ++suspended_; }
+  void suspend() {
+    ++suspended_;
+    ++unrecordedCount_;
+  }
   void resume() { --suspended_; }
-  /// Whether a command is collecting a step now; undo and redo are refused then.
-  void setBusy(bool busy) { isBusy_ = busy; }
+  /// Says that something ran whose edits nobody can take back.
+  void noteUnrecorded() { ++unrecordedCount_; }
+  [[nodiscard]] std::size_t unrecordedCount() const { return unrecordedCount_; }
 
-  /// Takes back or does again the latest item. Fails when there is none, or while a command that has changed
-  /// something is running.
+  /// Takes back or does again the latest item. Fails when there is none or one is being undone. Commands go through
+  /// Dispatcher::undo, which also refuses while a step is being collected.
   Result<void> undo();
   Result<void> redo();
   [[nodiscard]] bool isReplaying() const { return isReplaying_; }
@@ -97,9 +101,9 @@ class UndoQueue {
   std::vector<UndoItem> undone_;  ///< the last is the next to redo
   std::vector<Group> groups_;     ///< innermost last
   int suspended_ = 0;
-  bool isOn_ = true, isInfinite_ = true, isReplaying_ = false, isBusy_ = false;
+  bool isOn_ = true, isInfinite_ = true, isReplaying_ = false;
   int length_ = 50;
-  std::size_t flushCount_ = 0;
+  std::size_t flushCount_ = 0, unrecordedCount_ = 0;
 };
 
 /// A plug-in command among recorded edits: undone by its undoIt, redone by its redoIt. Faults and exceptions are

@@ -1,0 +1,192 @@
+#include "host/cmd/dispatcher.h"
+
+#include <exception>
+#include <optional>
+
+#include "host/cmd/session.h"
+
+namespace host::cmd {
+
+namespace {
+
+// Scripts and plug-ins that call each other end in an error long before the stack ends.
+constexpr int kDeepestNesting = 200;
+
+template <class Body>
+Result<void> fenced(const std::string& name, const Body& body) {
+  try {
+    return body();
+  } catch (const std::bad_alloc&) {
+    return fail("{}: not enough memory.", name);
+  } catch (const std::exception& exception) {
+    return fail("{}: {}", name, exception.what());
+  } catch (...) {
+    return fail("{}: an exception of unknown type.", name);
+  }
+}
+
+}  // namespace
+
+/// Collects the edits of one command into the step of the outermost command that runs.
+class Dispatcher::StepScope {
+ public:
+  StepScope(Dispatcher& dispatcher, std::string_view name)
+      : dispatcher_(dispatcher), flushes_(dispatcher.undo_.flushCount()) {
+    if (dispatcher.step_ || !dispatcher.undo_.isRecording()) return;
+    own_.emplace();
+    own_->name = name;
+    own_->sets.emplace_back();
+    dispatcher.step_ = &own_->sets.front();
+  }
+  ~StepScope() {
+    if (own_) dispatcher_.step_ = nullptr;
+  }
+  StepScope(const StepScope&) = delete;
+  StepScope& operator=(const StepScope&) = delete;
+
+  /// Where this command's edits go: null when nothing is recorded now.
+  [[nodiscard]] scene::ChangeSet* target() const {
+    return dispatcher_.undo_.isRecording() ? dispatcher_.step_ : nullptr;
+  }
+  [[nodiscard]] bool isOutermost() const { return own_.has_value(); }
+
+  /// Puts the step on the queue; an empty one only when `evenEmpty`.
+  void commit(bool evenEmpty) {
+    if (!own_ || flushes_ != dispatcher_.undo_.flushCount()) return;
+    dispatcher_.step_ = nullptr;
+    if (evenEmpty || !own_->changesNothing()) dispatcher_.undo_.add(std::move(*own_));
+    own_.reset();
+  }
+
+ private:
+  Dispatcher& dispatcher_;
+  std::size_t flushes_;
+  std::optional<UndoItem> own_;
+};
+
+Dispatcher::Dispatcher(Session& session, CommandRegistry& registry, UndoQueue& undo)
+    : session_(session), registry_(registry), undo_(undo) {
+  registry_.changed = [this] { commandsChanged(); };
+}
+
+const mel::CommandHandle* Dispatcher::findCommand(std::string_view name) { return registry_.find(name).get(); }
+
+std::string Dispatcher::describe(const mel::CommandHandle& command) {
+  return static_cast<const Command&>(command).builtin() ? "Command" : "Plug-in Command";
+}
+
+void Dispatcher::defer(std::string script, bool lowestPriority) { session_.defer(std::move(script), lowestPriority); }
+
+void Dispatcher::completeCommand(std::string_view prefix, std::vector<std::string>& names) {
+  for (std::string& name : registry_.names())
+    if (name.compare(0, prefix.size(), prefix) == 0) names.push_back(std::move(name));
+}
+
+Result<void> Dispatcher::invoke(const mel::CommandHandle& handle, std::span<const mel::Value> arguments,
+                                mel::Value& result) {
+  const Command& command = static_cast<const Command&>(handle);
+  if (depth_ >= kDeepestNesting) return fail("Commands are nested too deeply at '{}'.", command.name());
+  struct Depth {
+    explicit Depth(int& depthIn) : depth(depthIn) { ++depth; }
+    ~Depth() { --depth; }
+    int& depth;
+  } depth(depth_);
+  if (const CommandSpec* spec = command.builtin()) return invokeBuiltin(*spec, arguments, result);
+  // A plug-in may take its command out while it runs.
+  const std::shared_ptr<const Command> alive = registry_.find(command.name());
+  return invokePlugin(*alive->plugin(), arguments, result);
+}
+
+Result<void> Dispatcher::invokeBuiltin(const CommandSpec& spec, std::span<const mel::Value> arguments,
+                                       mel::Value& result) {
+  auto parsed = parseArguments(spec.syntax, arguments, session_.document().units());
+  if (!parsed) return failWith(std::move(parsed.error()));
+  Context context{session_, session_.document()};
+  const auto run = [&]() -> Result<void> {
+    return fenced(spec.name, [&]() -> Result<void> {
+      auto value = spec.function(context, *parsed);
+      if (!value) return failWith(std::move(value.error()));
+      result = std::move(*value);
+      return {};
+    });
+  };
+  if (!spec.isUndoable || parsed->isQuery()) return run();
+
+  StepScope step(*this, spec.name);
+  scene::ChangeSet* const outer = step.target();
+  scene::ChangeSet own;
+  Result<void> done;
+  {
+    const scene::Journal::Scope recording(session_.document().journal(), outer ? &own : nullptr);
+    scene::ChangeSet* const stepBefore = step_;
+    if (outer) step_ = &own;  // what runs inside lands between this command's own edits, in order
+    done = run();
+    step_ = stepBefore;
+    if (!done) {
+      const scene::Journal::Scope unrecorded(session_.document().journal(), nullptr);
+      own.undo();
+    }
+  }
+  if (!done) return done;
+  if (outer) outer->append(std::move(own));
+  step.commit(true);
+  return done;
+}
+
+Result<void> Dispatcher::invokePlugin(const PluginCommandSpec& spec, std::span<const mel::Value> arguments,
+                                      mel::Value& result) {
+  StepScope step(*this, spec.name);
+  scene::ChangeSet* const target = step.target();
+  std::unique_ptr<PluginCommand> command;
+  bool isUndoable = false;
+  const Result<void> done = fenced(spec.name, [&]() -> Result<void> {
+    const scene::Journal::Scope unrecorded(session_.document().journal(), nullptr);
+    command = spec.create();
+    if (!command) return fail("{}: the plug-in made no command object.", spec.name);
+    HOST_TRY(command->doIt(arguments));
+    result = command->result();
+    isUndoable = command->isUndoable();
+    return {};
+  });
+  if (done && isUndoable && target) target->append(makePluginChange(spec.name, std::move(command)));
+  if (!isUndoable) undo_.noteUnrecorded();
+  // What nested commands recorded stays undoable when the command itself fails or isn't.
+  step.commit(false);
+  return done;
+}
+
+void Dispatcher::addFinished(std::string name, std::unique_ptr<PluginCommand> command) {
+  StepScope step(*this, name);
+  if (scene::ChangeSet* target = step.target()) target->append(makePluginChange(std::move(name), std::move(command)));
+  step.commit(false);
+}
+
+Result<void> Dispatcher::recordStep(std::string_view name, const std::function<Result<void>()>& edits) {
+  StepScope step(*this, name);
+  scene::ChangeSet own;
+  scene::ChangeSet* const target = step.target();
+  Result<void> done;
+  {
+    const scene::Journal::Scope recording(session_.document().journal(), target ? &own : nullptr);
+    done = fenced(std::string(name), edits);
+    if (!done) {
+      const scene::Journal::Scope unrecorded(session_.document().journal(), nullptr);
+      own.undo();
+    }
+  }
+  if (done && target) target->append(std::move(own));
+  step.commit(false);
+  return done;
+}
+
+Result<void> Dispatcher::undo() {
+  if (step_ && !step_->isEmpty()) return fail("Can't undo while a command is at work.");
+  return undo_.undo();
+}
+
+Result<void> Dispatcher::redo() {
+  if (step_ && !step_->isEmpty()) return fail("Can't redo while a command is at work.");
+  return undo_.redo();
+}
+
+}  // namespace host::cmd

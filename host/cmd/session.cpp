@@ -1,0 +1,187 @@
+#include "host/cmd/session.h"
+
+#include <exception>
+
+#include "host/base/assert.h"
+#include "host/base/messages.h"
+
+namespace host::cmd {
+
+namespace {
+Session* theSession = nullptr;
+}
+
+Session& currentSession() {
+  HOST_ASSERT(theSession, "make a Session before commands or API calls are used");
+  return *theSession;
+}
+
+bool hasSession() { return theSession != nullptr; }
+
+Session::Session(const std::function<void(dg::TypeRegistry&)>& registerTypes,
+                 std::function<void(scene::Document&)> populate) {
+  HOST_ASSERT(!theSession, "one session at a time: end the other one first");
+  registerTypes(types_);
+  document_ = std::make_unique<scene::Document>(types_);
+  document_->populateNewScene = std::move(populate);
+  scene::setCurrentDocument(document_.get());
+  undo_ = std::make_unique<UndoQueue>(document_->journal());
+  dispatcher_ = std::make_unique<Dispatcher>(*this, registry_, *undo_);
+  interpreter_ = std::make_unique<mel::Interpreter>(*dispatcher_);
+  scriptJobs_ = std::make_unique<ScriptJobs>(*document_);
+  theSession = this;
+  document_->reset();
+  document_->setModified(false);
+}
+
+Session::~Session() {
+  // Plug-ins and services may call back while they go.
+  pluginLoader.reset();
+  undo_->flush();
+  services_.clear();
+  scriptJobs_.reset();
+  interpreter_.reset();
+  dispatcher_.reset();
+  undo_.reset();
+  registry_.changed = {};
+  scene::setCurrentDocument(nullptr);
+  document_.reset();
+  theSession = nullptr;
+}
+
+namespace {
+
+/// Holds the queue's line open, or recording off, for as long as a text runs.
+class LineScope {
+ public:
+  LineScope(UndoQueue& queue, std::string_view text, bool isOutermost, bool records)
+      : queue_(queue), isLine_(isOutermost && records), isSuspended_(!records) {
+    if (isLine_) queue_.beginLine(text);
+    if (isSuspended_) queue_.suspend();
+  }
+  ~LineScope() {
+    if (isSuspended_) queue_.resume();
+    if (isLine_) queue_.endLine();
+  }
+  LineScope(const LineScope&) = delete;
+  LineScope& operator=(const LineScope&) = delete;
+
+ private:
+  UndoQueue& queue_;
+  bool isLine_, isSuspended_;
+};
+
+class DepthScope {
+ public:
+  explicit DepthScope(int& depth) : depth_(depth) { ++depth_; }
+  ~DepthScope() { --depth_; }
+  DepthScope(const DepthScope&) = delete;
+  DepthScope& operator=(const DepthScope&) = delete;
+
+ private:
+  int& depth_;
+};
+
+#ifdef QXMT_PARANOID
+/// Undoes and redoes what a line did, and ends the program when the document isn't the same again.
+void checkUndoOfLine(Session& session, std::size_t itemsBefore, std::size_t unrecordedBefore,
+                     std::uint64_t hashBefore) {
+  UndoQueue& queue = session.undo();
+  if (queue.itemCount() != itemsBefore + 1 || queue.unrecordedCount() != unrecordedBefore || queue.isChunkOpen()) return;
+  const std::uint64_t hashAfter = session.document().hash();
+  HOST_ASSERT(queue.undo().has_value(), "an item that was just added can be undone");
+  HOST_ASSERT(session.document().hash() == hashBefore, "record every edit that this command line makes");
+  HOST_ASSERT(queue.redo().has_value(), "an item that was just undone can be redone");
+  HOST_ASSERT(session.document().hash() == hashAfter, "make redo of every edit exact");
+}
+#endif
+
+}  // namespace
+
+Result<mel::Value> Session::runGuarded(const std::function<Result<mel::Value>()>& run, std::string_view text,
+                                       const ExecuteOptions& options) {
+  const bool isOutermost = lineDepth_ == 0 && !dispatcher_->isRunning() && !undo_->isReplaying();
+#ifdef QXMT_PARANOID
+  const bool checks = isOutermost && options.undo && undo_->isOn() && !undo_->isChunkOpen();
+  const std::size_t itemsBefore = undo_->itemCount(), unrecordedBefore = undo_->unrecordedCount();
+  const std::uint64_t hashBefore = checks ? document_->hash() : 0;
+#endif
+  Result<mel::Value> result;
+  {
+    const DepthScope depth(lineDepth_);
+    const LineScope line(*undo_, text, isOutermost, options.undo);
+    try {
+      result = run();
+    } catch (const std::exception& exception) {
+      result = fail("{}", exception.what());
+    } catch (...) {
+      result = fail("An exception of unknown type ended the script.");
+    }
+  }
+#ifdef QXMT_PARANOID
+  if (checks) checkUndoOfLine(*this, itemsBefore, unrecordedBefore, hashBefore);
+#endif
+  if (!result) {
+    if (options.postErrors) postMessage(MessageKind::Error, result.error().message);
+  } else if (options.display && !result->isNone()) {
+    postMessage(MessageKind::Result, result->resultText());
+  }
+  return result;
+}
+
+Result<mel::Value> Session::executeLine(std::string_view text, const ExecuteOptions& options) {
+  return runGuarded([&] { return interpreter_->execute(text, options.source); }, text, options);
+}
+
+Result<mel::Value> Session::executeFile(const std::string& path, const ExecuteOptions& options) {
+  return runGuarded([&] { return interpreter_->sourceFile(path); }, fmt::format("source \"{}\"", path), options);
+}
+
+void Session::defer(std::string script, bool lowestPriority) {
+  (lowestPriority ? deferredLow_ : deferred_).push_back(std::move(script));
+}
+
+void Session::deferTask(std::function<void()> task) { tasks_.push_back(std::move(task)); }
+
+bool Session::hasIdleWork() const {
+  return !deferred_.empty() || !deferredLow_.empty() || !tasks_.empty() || scriptJobs_->hasPending();
+}
+
+bool Session::processIdle(int maxRounds) {
+  bool ranSomething = false;
+  for (int round = 0; round < maxRounds && (round == 0 || hasIdleWork()); ++round) {
+    std::deque<std::function<void()>> tasks;
+    tasks.swap(tasks_);
+    for (const auto& task : tasks) {
+      try {
+        task();
+      } catch (const std::exception& exception) {
+        postMessage(MessageKind::Error, exception.what());
+      }
+    }
+    std::vector<std::string> scripts = scriptJobs_->takePending();
+    std::deque<std::string> queue;
+    queue.swap(deferred_.empty() ? deferredLow_ : deferred_);
+    for (std::string& script : queue) scripts.push_back(std::move(script));
+    ranSomething = ranSomething || !scripts.empty() || !tasks.empty();
+    for (const std::string& script : scripts) executeLine(script);
+  }
+  return ranSomething;
+}
+
+void Session::step() {
+  if (pumpEvents) pumpEvents();
+  processIdle();
+}
+
+void Session::newScene() {
+  scriptJobs_->triggerEvent("deleteAll");
+  undo_->flush();
+  const scene::Journal::Scope unrecorded(document_->journal(), nullptr);
+  document_->reset();
+  document_->setFileName({});
+  document_->setModified(false);
+  scriptJobs_->triggerEvent("NewSceneOpened");
+}
+
+}  // namespace host::cmd

@@ -1,0 +1,225 @@
+#include "host/cmd/undo_queue.h"
+
+#include <algorithm>
+#include <exception>
+
+#include "host/base/messages.h"
+
+namespace host::cmd {
+
+void UndoItem::undo() {
+  for (auto set = sets.rbegin(); set != sets.rend(); ++set) set->undo();
+}
+
+void UndoItem::redo() {
+  for (scene::ChangeSet& set : sets) set.redo();
+}
+
+bool UndoItem::changesNothing() const {
+  return std::all_of(sets.begin(), sets.end(), [](const scene::ChangeSet& set) { return set.isEmpty(); });
+}
+
+std::size_t UndoItem::bytes() const {
+  std::size_t total = sizeof(*this) + name.size();
+  for (const scene::ChangeSet& set : sets) total += set.bytes();
+  return total;
+}
+
+namespace {
+
+constexpr std::size_t kLongestName = 200;
+
+class PluginChange final : public dg::Change {
+ public:
+  PluginChange(std::string name, std::unique_ptr<PluginCommand> command)
+      : name_(std::move(name)), command_(std::move(command)) {}
+  void undo() override { run("undo", &PluginCommand::undoIt); }
+  void redo() override { run("redo", &PluginCommand::redoIt); }
+
+ private:
+  void run(const char* what, Result<void> (PluginCommand::*method)()) {
+    try {
+      if (auto done = (command_.get()->*method)(); !done)
+        postMessage(MessageKind::Error, fmt::format("{} of {} failed: {}", what, name_, done.error().message));
+    } catch (const std::exception& exception) {
+      postMessage(MessageKind::Error, fmt::format("{} of {} threw: {}", what, name_, exception.what()));
+    } catch (...) {
+      postMessage(MessageKind::Error, fmt::format("{} of {} threw an exception.", what, name_));
+    }
+  }
+
+  std::string name_;
+  std::unique_ptr<PluginCommand> command_;
+};
+
+}  // namespace
+
+std::unique_ptr<dg::Change> makePluginChange(std::string name, std::unique_ptr<PluginCommand> command) {
+  return std::make_unique<PluginChange>(std::move(name), std::move(command));
+}
+
+void UndoQueue::beginLine(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(" \t\r\n");
+  if (first != std::string_view::npos) text.remove_prefix(first);
+  const std::size_t last = text.find_last_not_of(" \t\r\n;");
+  groups_.push_back({false, std::string(text.substr(0, std::min(last == text.npos ? 0 : last + 1, kLongestName))), {}});
+}
+
+UndoItem UndoQueue::fold(Group group) {
+  UndoItem item;
+  item.name = !group.name.empty() || group.items.empty() ? std::move(group.name) : group.items.front().name;
+  for (UndoItem& step : group.items)
+    for (scene::ChangeSet& set : step.sets) item.sets.push_back(std::move(set));
+  return item;
+}
+
+void UndoQueue::push(UndoItem item, std::size_t groupCount) {
+  if (groupCount > 0) {
+    groups_[groupCount - 1].items.push_back(std::move(item));
+    return;
+  }
+  done_.push_back(std::move(item));
+  trim();
+}
+
+void UndoQueue::endLine() {
+  std::size_t at = groups_.size();
+  while (at > 0 && groups_[at - 1].isChunk) --at;
+  if (at == 0) return;
+  Group line = std::move(groups_[at - 1]);
+  groups_.erase(groups_.begin() + static_cast<std::ptrdiff_t>(at - 1));
+  if (!line.items.empty()) push(fold(std::move(line)), at - 1);
+}
+
+void UndoQueue::openChunk(std::string_view name) { groups_.push_back({true, std::string(name), {}}); }
+
+bool UndoQueue::isChunkOpen() const {
+  return std::any_of(groups_.begin(), groups_.end(), [](const Group& group) { return group.isChunk; });
+}
+
+bool UndoQueue::closeChunk() {
+  std::size_t at = groups_.size();
+  while (at > 0 && !groups_[at - 1].isChunk) --at;
+  if (at == 0) return false;
+  // Lines that run inside the chunk stay open; what they did so far belongs to the chunk.
+  for (std::size_t inner = at; inner < groups_.size(); ++inner) {
+    std::vector<UndoItem> items = std::move(groups_[inner].items);
+    groups_[inner].items.clear();
+    for (UndoItem& item : items) groups_[at - 1].items.push_back(std::move(item));
+  }
+  Group chunk = std::move(groups_[at - 1]);
+  groups_.erase(groups_.begin() + static_cast<std::ptrdiff_t>(at - 1));
+  if (!chunk.items.empty()) push(fold(std::move(chunk)), at - 1);
+  return true;
+}
+
+void UndoQueue::add(UndoItem step) {
+  undone_.clear();
+  push(std::move(step), groups_.size());
+}
+
+const UndoItem* UndoQueue::latest() const {
+  for (auto group = groups_.rbegin(); group != groups_.rend(); ++group)
+    if (!group->items.empty()) return &group->items.back();
+  return done_.empty() ? nullptr : &done_.back();
+}
+
+bool UndoQueue::canUndo() const { return latest() != nullptr; }
+std::string UndoQueue::undoName() const { return latest() ? latest()->name : std::string{}; }
+std::string UndoQueue::redoName() const { return undone_.empty() ? std::string{} : undone_.back().name; }
+
+Result<void> UndoQueue::undo() {
+  if (isReplaying_) return fail("Can't undo while a command is at work.");
+  if (!latest()) return fail("There are no more commands to undo.");
+  UndoItem item;
+  auto group = std::find_if(groups_.rbegin(), groups_.rend(), [](const Group& g) { return !g.items.empty(); });
+  if (group != groups_.rend()) {
+    item = std::move(group->items.back());
+    group->items.pop_back();
+  } else {
+    item = std::move(done_.back());
+    done_.pop_back();
+  }
+  isReplaying_ = true;
+  const std::size_t flushes = flushCount_;
+  {
+    const scene::Journal::Scope unrecorded(journal_, nullptr);
+    item.undo();
+  }
+  isReplaying_ = false;
+  if (flushes == flushCount_) undone_.push_back(std::move(item));
+  return {};
+}
+
+Result<void> UndoQueue::redo() {
+  if (isReplaying_) return fail("Can't redo while a command is at work.");
+  if (undone_.empty()) return fail("There are no more commands to redo.");
+  UndoItem item = std::move(undone_.back());
+  undone_.pop_back();
+  isReplaying_ = true;
+  const std::size_t flushes = flushCount_;
+  {
+    const scene::Journal::Scope unrecorded(journal_, nullptr);
+    item.redo();
+  }
+  isReplaying_ = false;
+  if (flushes == flushCount_) push(std::move(item), groups_.size());
+  return {};
+}
+
+std::string UndoQueue::describe() const {
+  std::string text;
+  int number = 0;
+  const auto add = [&](const UndoItem& item) { text += fmt::format("{}:  {}\n", ++number, item.name); };
+  for (const UndoItem& item : done_) add(item);
+  for (const Group& group : groups_)
+    for (const UndoItem& item : group.items) add(item);
+  return text;
+}
+
+void UndoQueue::setOn(bool on, bool keepQueue) {
+  if (!on && !keepQueue) flush();
+  if (!on) ++unrecordedCount_;
+  isOn_ = on;
+}
+
+void UndoQueue::setInfinite(bool infinite) {
+  isInfinite_ = infinite;
+  trim();
+}
+
+void UndoQueue::setLength(int length) {
+  length_ = std::max(0, length);
+  isInfinite_ = false;
+  trim();
+}
+
+void UndoQueue::trim() {
+  if (isInfinite_) return;
+  while (done_.size() > static_cast<std::size_t>(length_)) done_.pop_front();
+}
+
+void UndoQueue::flush() {
+  ++flushCount_;
+  ++unrecordedCount_;
+  // Records may hold the last reference to plug-in objects whose destructors run scripts: empty the members first.
+  auto done = std::move(done_);
+  auto undone = std::move(undone_);
+  done_.clear();
+  undone_.clear();
+  for (Group& group : groups_) {
+    auto items = std::move(group.items);
+    group.items.clear();
+  }
+}
+
+std::size_t UndoQueue::bytes() const {
+  std::size_t total = 0;
+  for (const UndoItem& item : done_) total += item.bytes();
+  for (const UndoItem& item : undone_) total += item.bytes();
+  for (const Group& group : groups_)
+    for (const UndoItem& item : group.items) total += item.bytes();
+  return total;
+}
+
+}  // namespace host::cmd
