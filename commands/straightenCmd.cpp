@@ -42,9 +42,8 @@ MStatus straightenCmd::parseArguments(const MArgList& arguments) {
   keepAxes = kKeepNone;
   mirrorAxis = 6;
   average = false;
-  MStatus status;
-  const MArgDatabase database(syntax(), arguments, &status);
-  if (status != MS::kSuccess) return status;
+  MStatus parsed, status;
+  const MArgDatabase database(syntax(), arguments, &parsed);
 
   if (database.isFlagSet(kAxisFlag)) {
     MString text;
@@ -73,6 +72,7 @@ MStatus straightenCmd::parseArguments(const MArgList& arguments) {
       return status;
     }
   }
+  if (parsed != MS::kSuccess) return parsed;  // words that are no flag of this command
   mirrorInObjectSpace = mirrorOptions::spaceFromWindow(mirrorInObjectSpace);
   return MS::kSuccess;
 }

@@ -1,0 +1,109 @@
+#include <maya/MSyntax.h>
+
+#include "host/api/command/args.h"
+
+namespace host::api {
+namespace {
+
+std::string bareName(const char* name) {
+  const std::string_view text = name ? name : "";
+  return std::string(!text.empty() && text.front() == '-' ? text.substr(1) : text);
+}
+
+}  // namespace
+
+const SyntaxRep::Flag* SyntaxRep::find(std::string_view name) const {
+  if (!name.empty() && name.front() == '-') name.remove_prefix(1);
+  for (const Flag& flag : flags)
+    if (flag.shortName == name || flag.longName == name) return &flag;
+  return nullptr;
+}
+
+const SyntaxRep& syntaxOf(const MSyntax& syntax) {
+  static const SyntaxRep empty;
+  const auto* rep = Access::rep<SyntaxRep>(syntax);
+  return rep ? *rep : empty;
+}
+
+}  // namespace host::api
+
+using host::api::Access;
+using host::api::SyntaxRep;
+using host::api::syntaxOf;
+
+MStatus MSyntax::addFlag(const char* shortName, const char* longName, MArgType argType1, MArgType argType2,
+                         MArgType argType3, MArgType argType4, MArgType argType5, MArgType argType6) {
+  SyntaxRep::Flag flag;
+  flag.shortName = host::api::bareName(shortName);
+  flag.longName = host::api::bareName(longName);
+  if (flag.shortName.empty() && flag.longName.empty()) return MStatus::kInvalidParameter;
+  SyntaxRep& rep = Access::writable<SyntaxRep>(*this);
+  for (const std::string& name : {flag.shortName, flag.longName})
+    if (!name.empty() && rep.find(name)) return MStatus::kInvalidParameter;
+  for (const MArgType type : {argType1, argType2, argType3, argType4, argType5, argType6}) {
+    if (type == kNoArg) break;
+    flag.arguments.push_back(type);
+  }
+  rep.flags.push_back(std::move(flag));
+  return MStatus::kSuccess;
+}
+
+MStatus MSyntax::addFlag(const MString& shortName, const MString& longName, MArgType argType1, MArgType argType2,
+                         MArgType argType3, MArgType argType4, MArgType argType5, MArgType argType6) {
+  return addFlag(shortName.asChar(), longName.asChar(), argType1, argType2, argType3, argType4, argType5, argType6);
+}
+
+MStatus MSyntax::makeFlagMultiUse(const char* flagName) {
+  auto* flag = const_cast<SyntaxRep::Flag*>(Access::writable<SyntaxRep>(*this).find(flagName ? flagName : ""));
+  if (!flag) return MStatus::kInvalidParameter;
+  flag->isMultiUse = true;
+  return MStatus::kSuccess;
+}
+MStatus MSyntax::makeFlagMultiUse(const MString& flagName) { return makeFlagMultiUse(flagName.asChar()); }
+
+MStatus MSyntax::makeFlagQueryWithFullArgs(const char* flagName, bool argsAreOptional) {
+  auto* flag = const_cast<SyntaxRep::Flag*>(Access::writable<SyntaxRep>(*this).find(flagName ? flagName : ""));
+  if (!flag) return MStatus::kInvalidParameter;
+  flag->takesArgumentsInQuery = true;
+  flag->queryArgumentsAreOptional = argsAreOptional;
+  return MStatus::kSuccess;
+}
+MStatus MSyntax::makeFlagQueryWithFullArgs(const MString& flagName, bool argsAreOptional) {
+  return makeFlagQueryWithFullArgs(flagName.asChar(), argsAreOptional);
+}
+
+MStatus MSyntax::addArg(MArgType argType) {
+  if (argType <= kNoArg || argType >= kLastArgType) return MStatus::kInvalidParameter;
+  Access::writable<SyntaxRep>(*this).arguments.push_back(argType);
+  return MStatus::kSuccess;
+}
+
+void MSyntax::useSelectionAsDefault(bool useSelection) {
+  Access::writable<SyntaxRep>(*this).usesSelection = useSelection;
+}
+
+MStatus MSyntax::setObjectType(MObjectFormat objectFormat, unsigned int minimumObjects) {
+  return setObjectType(objectFormat, minimumObjects, ~0u);
+}
+MStatus MSyntax::setObjectType(MObjectFormat objectFormat, unsigned int minimumObjects, unsigned int maximumObjects) {
+  if (objectFormat <= kInvalidObjectFormat || objectFormat >= kLastObjectFormat) return MStatus::kInvalidParameter;
+  SyntaxRep& rep = Access::writable<SyntaxRep>(*this);
+  rep.objectFormat = objectFormat;
+  rep.minimumObjects = minimumObjects;
+  rep.maximumObjects = maximumObjects;
+  return MStatus::kSuccess;
+}
+void MSyntax::setMinObjects(unsigned int minimumObjects) {
+  Access::writable<SyntaxRep>(*this).minimumObjects = minimumObjects;
+}
+void MSyntax::setMaxObjects(unsigned int maximumObjects) {
+  Access::writable<SyntaxRep>(*this).maximumObjects = maximumObjects;
+}
+unsigned int MSyntax::minObjects() const { return syntaxOf(*this).minimumObjects; }
+unsigned int MSyntax::maxObjects() const { return syntaxOf(*this).maximumObjects; }
+bool MSyntax::canUseSelectionAsDefault() const { return syntaxOf(*this).usesSelection; }
+MSyntax::MObjectFormat MSyntax::objectFormat() const { return syntaxOf(*this).objectFormat; }
+void MSyntax::enableQuery(bool supportsQuery) { Access::writable<SyntaxRep>(*this).canQuery = supportsQuery; }
+void MSyntax::enableEdit(bool supportsEdit) { Access::writable<SyntaxRep>(*this).canEdit = supportsEdit; }
+bool MSyntax::isQueryEnabled() const { return syntaxOf(*this).canQuery; }
+bool MSyntax::isEditEnabled() const { return syntaxOf(*this).canEdit; }
