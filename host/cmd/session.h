@@ -24,7 +24,7 @@ struct ExecuteOptions {
   bool display = false;    ///< post the result as a message
   bool undo = true;        ///< record; off: nothing that runs inside is undoable
   bool postErrors = true;  ///< post the error as a message besides returning it
-  mel::SourceName source;  ///< for error messages
+  mel::SourceName source = {};  ///< for error messages
 };
 
 /// The running host without its window: one document, the language, the commands, undo and what waits for idle time.

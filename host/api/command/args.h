@@ -60,4 +60,7 @@ struct ParsedRep final : SharedRep {
 /// Sorts `words`. Never fails: see ParsedRep::error.
 [[nodiscard]] ParsedRep* parseWords(const SyntaxRep& syntax, const std::vector<mel::Value>& words);
 
+/// The text that `help` prints for a plug-in's command.
+[[nodiscard]] std::string synopsisOf(const std::string& command, const MSyntax& syntax);
+
 }  // namespace host::api

@@ -25,6 +25,25 @@ const SyntaxRep& syntaxOf(const MSyntax& syntax) {
   return rep ? *rep : empty;
 }
 
+std::string synopsisOf(const std::string& command, const MSyntax& syntax) {
+  static const char* const kWords[] = {"", "", "on|off", "Int", "Float", "String", "UnsignedInt",
+                                       "Length", "Angle", "Time", "Name"};
+  const SyntaxRep& rep = syntaxOf(syntax);
+  std::string text = "Synopsis: " + command + (rep.flags.empty() ? "" : " [flags]");
+  for (const MSyntax::MArgType type : rep.arguments) text += std::string(" ") + kWords[type];
+  if (rep.objectFormat != MSyntax::kNone) text += rep.objectFormat == MSyntax::kStringObjects ? " [String...]" : " [Name...]";
+  text += '\n';
+  if (!rep.flags.empty()) text += "Flags:\n";
+  if (rep.canEdit) text += "   -e -edit\n";
+  if (rep.canQuery) text += "   -q -query\n";
+  for (const SyntaxRep::Flag& flag : rep.flags) {
+    text += "  -" + flag.shortName + " -" + flag.longName;
+    for (const MSyntax::MArgType type : flag.arguments) text += std::string(" ") + kWords[type];
+    text += flag.isMultiUse ? " (multi-use)\n" : "\n";
+  }
+  return text;
+}
+
 }  // namespace host::api
 
 using host::api::Access;

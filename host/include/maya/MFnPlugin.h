@@ -46,8 +46,6 @@ class MFnPlugin : public MFnBase {
   MStatus setVersion(const MString& version);
   static MObject findPlugin(const MString& pluginName);
   static bool isNodeRegistered(const MString& typeName);
-  void setRegisteringCallableScript();
-  static bool registeringCallableScript();
 
   MStatus registerCommand(const MString& commandName, MCreatorFunction creator,
                           MCreateSyntaxFunction createSyntax = nullptr);
