@@ -145,6 +145,18 @@ void Mesh::setEdgeSmooth(EdgeId e, bool smooth) {
   flags[at(e)] = smooth;
 }
 
+void Mesh::setCreases(Creases creases) {
+  creases_ = Cow(std::move(creases));
+}
+
+void Mesh::setUvSet(int index, UvSet set) {
+  uvSets_[at(index)] = Cow(std::move(set));
+}
+
+void Mesh::setColorSet(int index, ColorSet set) {
+  colorSets_[at(index)] = Cow(std::move(set));
+}
+
 int Mesh::findUvSet(std::string_view name) const {
   return findNamed(uvSets_, name);
 }
@@ -178,6 +190,11 @@ void Mesh::removeColorSet(int index) {
 LockedNormals& Mesh::editLockedNormals() {
   dropNormals();
   return lockedNormals_.write();
+}
+
+void Mesh::setLockedNormals(LockedNormals normals) {
+  dropNormals();
+  lockedNormals_ = Cow(std::move(normals));
 }
 
 std::span<const Vec3f> Mesh::cornerNormals() const {

@@ -146,6 +146,7 @@ class Mesh {
   // Creases.
   [[nodiscard]] const Creases& creases() const { return creases_.read(); }
   [[nodiscard]] Creases& editCreases() { return creases_.write(); }
+  void setCreases(Creases creases);
   [[nodiscard]] float edgeCrease(EdgeId e) const {
     return creases_->edges.empty() ? 0.0f : creases_->edges[static_cast<std::size_t>(e)];
   }
@@ -161,6 +162,7 @@ class Mesh {
   [[nodiscard]] UvSet& editUvSet(int index) {
     return uvSets_[static_cast<std::size_t>(index)].write();
   }
+  void setUvSet(int index, UvSet set);
   [[nodiscard]] int findUvSet(std::string_view name) const;  ///< -1 when there is none
   int addUvSet(UvSet set);                                   ///< appends; the index it got
   /// Removes a set; later ones move down. Removing the current one makes the first one current.
@@ -185,6 +187,7 @@ class Mesh {
   [[nodiscard]] ColorSet& editColorSet(int index) {
     return colorSets_[static_cast<std::size_t>(index)].write();
   }
+  void setColorSet(int index, ColorSet set);
   [[nodiscard]] int findColorSet(std::string_view name) const;  ///< -1 when there is none
   int addColorSet(ColorSet set);  ///< appends; the index it got; the first one becomes current
   void removeColorSet(int index);
@@ -194,6 +197,7 @@ class Mesh {
   // Normals.
   [[nodiscard]] const LockedNormals& lockedNormals() const { return lockedNormals_.read(); }
   [[nodiscard]] LockedNormals& editLockedNormals();
+  void setLockedNormals(LockedNormals normals);
   [[nodiscard]] bool isNormalLocked(CornerId c) const {
     return !lockedNormals_->locked.empty() &&
            lockedNormals_->locked[static_cast<std::size_t>(c)] != 0;
