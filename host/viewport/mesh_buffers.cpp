@@ -1,0 +1,180 @@
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+#include "host/base/parallel.h"
+#include "host/viewport/face_triangles.h"
+#include "host/viewport/mesh_draw.h"
+
+namespace host::viewport {
+
+namespace {
+
+using mesh::Mesh;
+
+VertexDataPtr makePoints(const Mesh& mesh) {
+  auto data = std::make_shared<VertexData>();
+  data->positions.assign(mesh.points().begin(), mesh.points().end());
+  return data;
+}
+
+IndexDataPtr makeEdges(const Mesh& mesh) {
+  auto indices = std::make_shared<IndexData>();
+  indices->reserve(2 * mesh.topology().edges.size());
+  for (const mesh::EdgeVertices& edge : mesh.topology().edges) {
+    indices->push_back(static_cast<std::uint32_t>(edge.a));
+    indices->push_back(static_cast<std::uint32_t>(edge.b));
+  }
+  return indices;
+}
+
+/// Merges the corners of a vertex that look alike, so that smooth meshes are shaded once a vertex.
+class CornerWelder {
+ public:
+  CornerWelder(const Mesh& mesh, SurfaceContent content)
+      : mesh_(mesh),
+        normals_(mesh.cornerNormals()),
+        first_(static_cast<std::size_t>(mesh.vertexCount()), kNone),
+        data_(std::make_shared<VertexData>()) {
+    if (content.uvs && mesh.uvSetCount() > 0) uvs_ = &mesh.uvSet(mesh.currentUvSet());
+    if (uvs_ && uvs_->cornerIds.empty()) uvs_ = nullptr;
+    if (content.colors && mesh.currentColorSet() >= 0) colors_ = &mesh.colorSet(mesh.currentColorSet());
+    if (colors_ && colors_->cornerIds.empty()) colors_ = nullptr;
+  }
+
+  /// The vertex array index of every corner.
+  std::vector<std::uint32_t> run() {
+    const auto& corners = mesh_.topology().cornerVertices;
+    std::vector<std::uint32_t> indices(corners.size());
+    data_->positions.reserve(first_.size());
+    data_->normals.reserve(first_.size());
+    for (std::size_t c = 0; c < corners.size(); ++c)
+      indices[c] = static_cast<std::uint32_t>(indexOf(c, static_cast<std::size_t>(corners[c])));
+    return indices;
+  }
+
+  [[nodiscard]] VertexDataPtr data() const { return data_; }
+
+ private:
+  struct Variant {
+    Index next, uv, color;
+  };
+
+  Index indexOf(std::size_t corner, std::size_t vertex) {
+    const Vec3f& normal = normals_[corner];
+    const Index uv = uvs_ ? uvs_->cornerIds[corner] : kNone;
+    const Index color = colors_ ? colors_->cornerIds[corner] : kNone;
+    for (Index i = first_[vertex]; i != kNone; i = variants_[static_cast<std::size_t>(i)].next) {
+      const auto k = static_cast<std::size_t>(i);
+      if (variants_[k].uv == uv && variants_[k].color == color && data_->normals[k] == normal) return i;
+    }
+    const auto added = static_cast<Index>(variants_.size());
+    variants_.push_back({first_[vertex], uv, color});
+    first_[vertex] = added;
+    data_->positions.push_back(mesh_.points()[vertex]);
+    data_->normals.push_back(normal);
+    if (uvs_) data_->uvs.push_back(uv == kNone ? Vec2f{} : uvs_->points[static_cast<std::size_t>(uv)]);
+    if (colors_) data_->colors.push_back(packed(color));
+    return added;
+  }
+
+  [[nodiscard]] std::uint32_t packed(Index color) const {
+    if (color == kNone) return packColor({1, 1, 1, 1});
+    const mesh::Color4f& c = colors_->colors[static_cast<std::size_t>(color)];
+    return packColor({c.r, c.g, c.b, c.a});
+  }
+
+  const Mesh& mesh_;
+  std::span<const Vec3f> normals_;
+  const mesh::UvSet* uvs_ = nullptr;
+  const mesh::ColorSet* colors_ = nullptr;
+  std::vector<Index> first_;
+  std::vector<Variant> variants_;
+  std::shared_ptr<VertexData> data_;
+};
+
+void makeSurface(const Mesh& mesh, SurfaceContent content, MeshBuffers& buffers) {
+  CornerWelder welder(mesh, content);
+  const std::vector<std::uint32_t> cornerIndices = welder.run();
+  auto triangles = std::make_shared<IndexData>(triangulateFaces(mesh));
+  for (std::uint32_t& corner : *triangles) corner = cornerIndices[corner];
+  for (const FaceId face : mesh.invisibleFaces()) {
+    // A hidden face keeps its place, collapsed to nothing.
+    const auto begin = triangles->begin() + static_cast<std::ptrdiff_t>(3 * firstTriangle(mesh, face));
+    std::fill(begin, begin + 3 * (mesh.faceSize(face) - 2), *begin);
+  }
+  buffers.surface = welder.data();
+  buffers.triangles = std::move(triangles);
+}
+
+}  // namespace
+
+MeshBuffers buildMeshBuffers(const Mesh& mesh, SurfaceContent content) {
+  MeshBuffers buffers;
+  buffers.points = makePoints(mesh);
+  buffers.edges = makeEdges(mesh);
+  makeSurface(mesh, content, buffers);
+  return buffers;
+}
+
+struct MeshDrawCache::Entry {
+  Mesh mesh;
+  SurfaceContent content;
+  MeshBuffers buffers;
+  std::uint64_t lastUsed = 0;
+};
+
+MeshDrawCache::MeshDrawCache() = default;
+MeshDrawCache::~MeshDrawCache() = default;
+
+namespace {
+
+bool sameArray(const auto& a, const auto& b) { return a.data() == b.data() && a.size() == b.size(); }
+
+bool sameSurface(const Mesh& a, const Mesh& b, SurfaceContent content) {
+  if (!sameArray(a.edgeSmooth(), b.edgeSmooth()) ||
+      !sameArray(a.lockedNormals().normals, b.lockedNormals().normals) ||
+      !sameArray(a.lockedNormals().locked, b.lockedNormals().locked) ||
+      !sameArray(a.invisibleFaces(), b.invisibleFaces()))
+    return false;
+  const auto sameUvs = [&] {
+    return a.currentUvSet() == b.currentUvSet() && a.uvSetCount() == b.uvSetCount() &&
+           (a.uvSetCount() == 0 ||
+            (sameArray(a.uvSet(a.currentUvSet()).points, b.uvSet(b.currentUvSet()).points) &&
+             sameArray(a.uvSet(a.currentUvSet()).cornerIds, b.uvSet(b.currentUvSet()).cornerIds)));
+  };
+  const auto sameColors = [&] {
+    return a.currentColorSet() == b.currentColorSet() &&
+           (a.currentColorSet() < 0 || sameArray(a.colorSet(a.currentColorSet()).colors,
+                                                 b.colorSet(b.currentColorSet()).colors));
+  };
+  return (!content.uvs || sameUvs()) && (!content.colors || sameColors());
+}
+
+}  // namespace
+
+const MeshBuffers& MeshDrawCache::buffers(std::uint64_t id, const Mesh& mesh, SurfaceContent content) {
+  std::unique_ptr<Entry>& slot = entries_[id];
+  const bool isNew = !slot;
+  if (isNew) slot = std::make_unique<Entry>();
+  Entry& entry = *slot;
+  entry.lastUsed = round_;
+  const bool samePoints = !isNew && sameArray(mesh.points(), entry.mesh.points());
+  const bool sameFaces =
+      !isNew && sameArray(mesh.topology().cornerVertices, entry.mesh.topology().cornerVertices) &&
+      sameArray(mesh.topology().edges, entry.mesh.topology().edges);
+  if (!samePoints) entry.buffers.points = makePoints(mesh);
+  if (!sameFaces) entry.buffers.edges = makeEdges(mesh);
+  if (!samePoints || !sameFaces || content != entry.content || !sameSurface(mesh, entry.mesh, content))
+    makeSurface(mesh, content, entry.buffers);
+  entry.mesh = mesh;
+  entry.content = content;
+  return entry.buffers;
+}
+
+void MeshDrawCache::dropUnused() {
+  std::erase_if(entries_, [&](const auto& entry) { return entry.second->lastUsed != round_; });
+  ++round_;
+}
+
+}  // namespace host::viewport
