@@ -32,7 +32,7 @@ struct EnumField {
 
 /// The description of an attribute: static (owned by a node type, shared by its nodes) or dynamic (by one node).
 /// Immutable once it belongs to a type or a node, but for the flags that `Node` keeps per node.
-class Attribute {
+class Attribute : public std::enable_shared_from_this<Attribute> {
  public:
   std::string longName, shortName;
   std::string niceName;  ///< empty: made from the long name
@@ -55,13 +55,13 @@ class Attribute {
 
   std::vector<std::shared_ptr<Attribute>> children;
   Attribute* parent = nullptr;     ///< the compound it belongs to
-  std::vector<const Attribute*> affects;  ///< direct: attributes of the same node to dirty when this one changes
 
   // Set when the attribute joins a type or node.
   int topIndex = -1;       ///< index of its top-level ancestor in the owner's list
   int childIndex = -1;     ///< index in the parent's children
+  int flatIndex = -1;      ///< position among all attributes of its type, nested ones included; -1 for dynamic ones
   bool isDynamic = false;
-  bool isComputed = false;  ///< something affects it, or one of its relatives up or down
+  bool isComputed = false;  ///< in some type, something affects it or a relative up or down; see NodeType::isComputed
 
   [[nodiscard]] bool isCompound() const { return type == AttributeType::Compound; }
   [[nodiscard]] bool isNumeric() const { return type <= AttributeType::Time || type == AttributeType::Enum; }
@@ -74,7 +74,12 @@ class Attribute {
   /// Brings a value to what this leaf can hold: kind, float rounding, integer width, enum; clamps nothing.
   /// Fails naming the attribute when the kinds do not fit.
   [[nodiscard]] Result<Value> convert(const Value& value) const;
+  /// The value of a leaf that was never set: the default, or zero, "", the identity, no payload by type.
   [[nodiscard]] Value initialValue() const;
+  /// The word for its type in declarations: "double", "long", "doubleAngle", "matrix", "mesh", "double3", ...
+  [[nodiscard]] std::string_view typeWord() const;
+  /// A copy of it and all below, belonging to nothing.
+  [[nodiscard]] std::shared_ptr<Attribute> clone() const;
 };
 using AttributePtr = std::shared_ptr<Attribute>;
 

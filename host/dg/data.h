@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <variant>
 #include <vector>
 
@@ -21,6 +23,8 @@ class Data {
   /// The name used by `setAttr -type` and typed attributes: "mesh", "matrix", "doubleArray", ...
   [[nodiscard]] virtual std::string_view typeName() const = 0;
   [[nodiscard]] virtual bool equals(const Data& other) const = 0;
+  /// A digest of the content, bit for bit: what undo is checked with. Zero tells payloads apart by type only.
+  [[nodiscard]] virtual std::uint64_t hash() const { return 0; }
 };
 using DataPtr = std::shared_ptr<const Data>;
 
@@ -29,7 +33,10 @@ using DataPtr = std::shared_ptr<const Data>;
 /// monostate: a typed attribute without data.
 using Value = std::variant<std::monostate, std::int64_t, double, std::string, DataPtr>;
 
+/// Same kind and same content; not-a-number equals itself, payloads compare by `equals`.
 [[nodiscard]] bool equal(const Value& a, const Value& b);
+[[nodiscard]] std::uint64_t hashBytes(const void* bytes, std::size_t count, std::uint64_t seed = 0);
+[[nodiscard]] std::uint64_t hash(const Value& value);
 
 /// A payload that is a plain value with a name.
 template <class T, class Tag>
@@ -40,6 +47,17 @@ class ValueData final : public Data {
   [[nodiscard]] bool equals(const Data& other) const override {
     const auto* same = dynamic_cast<const ValueData*>(&other);
     return same && same->value == value;
+  }
+  [[nodiscard]] std::uint64_t hash() const override {
+    if constexpr (std::is_trivially_copyable_v<T>) {
+      return hashBytes(&value, sizeof(T));
+    } else if constexpr (std::is_trivially_copyable_v<typename T::value_type>) {
+      return hashBytes(value.data(), value.size() * sizeof(typename T::value_type));
+    } else {
+      std::uint64_t result = value.size();
+      for (const auto& item : value) result = hashBytes(item.data(), item.size(), result);
+      return result;
+    }
   }
   const T value;
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "host/dg/graph.h"
 
 namespace host::dg {
@@ -15,6 +17,7 @@ class DataBlock {
 
   /// Evaluates and reads an input leaf.
   [[nodiscard]] Result<Value> input(const Plug& plug) { return graph_.get(plug); }
+  // The short forms give the last value when the input fails, and make the whole computation fail with its error.
   [[nodiscard]] double real(const Attribute* attribute);
   [[nodiscard]] std::int64_t integer(const Attribute* attribute);
   [[nodiscard]] bool boolean(const Attribute* attribute) { return integer(attribute) != 0; }
@@ -24,9 +27,8 @@ class DataBlock {
   /// A payload input; null when it is absent or of another kind.
   template <class T>
   [[nodiscard]] std::shared_ptr<const T> data(const Plug& plug) {
-    auto value = graph_.get(plug);
-    if (!value) return nullptr;
-    const auto* pointer = std::get_if<DataPtr>(&*value);
+    const Value value = read(plug);
+    const auto* pointer = std::get_if<DataPtr>(&value);
     return pointer ? std::dynamic_pointer_cast<const T>(*pointer) : nullptr;
   }
   template <class T>
@@ -39,9 +41,15 @@ class DataBlock {
   void output(const Attribute* attribute, Value value) { output(Plug(&node_, attribute), std::move(value)); }
   void setClean(const Plug& plug);
 
+  /// The first error that one of the short forms met.
+  [[nodiscard]] const std::optional<Error>& inputFailure() const { return inputFailure_; }
+
  private:
+  [[nodiscard]] Value read(const Plug& plug);
+
   Graph& graph_;
   Node& node_;
+  std::optional<Error> inputFailure_;
 };
 
 }  // namespace host::dg

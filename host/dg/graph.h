@@ -26,6 +26,7 @@ class GraphObserver {
   virtual void nodeAboutToBeRemoved(Node&) {}
   virtual void nodeRemoved(Node&) {}
   virtual void nodeRenamed(Node&, const std::string& /*oldName*/) {}
+  /// For connections `plug` is the destination and `other` the source; otherwise `other` is null.
   virtual void attributeEvent(AttributeEvent, const Plug& /*plug*/, const Plug& /*other*/) {}
   virtual void plugDirty(const Plug&) {}
 };
@@ -34,6 +35,8 @@ class GraphObserver {
 /// recorded, propagate dirtiness and reach the observers. Main thread only.
 class Graph {
  public:
+  struct Impl;  ///< defined within this folder only
+
   Graph();
   ~Graph();
   Graph(const Graph&) = delete;
@@ -52,6 +55,8 @@ class Graph {
   Result<void> renameNode(Node& node, std::string name);
   Result<void> setNodeLocked(Node& node, bool locked);
   void setUuid(Node& node, std::string uuid);
+  /// Makes the uuids of nodes created from here on reproducible.
+  void seedUuids(std::uint64_t seed);
   [[nodiscard]] const std::vector<NodePtr>& nodes() const { return nodes_; }
   /// Forgets everything, unrecorded.
   void clear();
@@ -120,13 +125,16 @@ class Graph {
   // For compute functions and node implementations: writes outputs without recording and without dirtying.
   void storeOutput(const Plug& plug, Value value);
 
-  /// Whether two plugs of any shape have equal stored values.
+  /// Takes an element out of an output array, likewise; one that is connected stays.
+  void dropOutputElement(const Plug& element);
+
+  /// A digest of all that a document keeps of a node: name, uuid, lock, dynamic attributes, values that are neither
+  /// computed nor driven, element indices, connections, flags and aliases. Equal before an edit and after its undo.
   [[nodiscard]] std::uint64_t storedHash(const Node& node) const;
 
  private:
   friend class DataBlock;
   friend class Node;
-  struct Impl;
   std::unique_ptr<Impl> impl_;
   std::vector<NodePtr> nodes_;
   ChangeRecorder* recorder_ = nullptr;

@@ -30,12 +30,13 @@ class Plug {
   [[nodiscard]] bool isArray() const { return attribute_->isArray && index(levels_ - 1) == kNone; }
   [[nodiscard]] bool isElement() const { return attribute_->isArray && !isArray(); }
   [[nodiscard]] bool isCompound() const { return attribute_->isCompound() && !isArray(); }
-  /// Whether the indices of all levels but perhaps the last are given.
+  /// Whether all indices are given, but for an array's own.
   [[nodiscard]] bool isComplete() const;
 
   [[nodiscard]] int levels() const { return levels_; }
   [[nodiscard]] Index index(int level) const { return indices_[static_cast<std::size_t>(level)]; }
-  [[nodiscard]] Index logicalIndex() const { return index(levels_ - 1); }
+  /// The last index given or missing; kNone where there is no array on the way.
+  [[nodiscard]] Index logicalIndex() const { return levels_ > 0 ? index(levels_ - 1) : kNone; }
 
   [[nodiscard]] Plug element(Index logicalIndex) const;  ///< of an array plug
   [[nodiscard]] Plug array() const;                      ///< of an element plug
@@ -47,6 +48,8 @@ class Plug {
 
   /// "attr[2].child", without the node's name.
   [[nodiscard]] std::string attributePath(bool shortNames = false) const;
+  /// "node.attr[2].child".
+  [[nodiscard]] std::string name() const;
 
   friend bool operator==(const Plug&, const Plug&) = default;
 
@@ -55,6 +58,10 @@ class Plug {
   const Attribute* attribute_ = nullptr;
   std::array<Index, kMaxLevels> indices_{kNone, kNone, kNone, kNone, kNone};
   int levels_ = 0;
+};
+
+struct PlugHash {
+  [[nodiscard]] std::size_t operator()(const Plug& plug) const;
 };
 
 }  // namespace host::dg

@@ -1,0 +1,298 @@
+#include <algorithm>
+
+#include "host/dg/graph_impl.h"
+
+namespace host::dg {
+namespace {
+
+class ElementChange final : public Change {
+ public:
+  ElementChange(Graph::Impl& impl, const Plug& element, int createdLevel)
+      : impl_(impl), node_(element.node()->shared_from_this()), element_(element), createdLevel_(createdLevel) {}
+  ElementChange(Graph::Impl& impl, const Plug& element, DetachedElement detached)
+      : impl_(impl), node_(element.node()->shared_from_this()), element_(element),
+        detached_(std::move(detached)) {}
+  void undo() override {
+    if (createdLevel_ >= 0)
+      impl_.dropElements(element_, createdLevel_);
+    else
+      impl_.attach(element_, std::move(detached_));
+  }
+  void redo() override {
+    if (createdLevel_ >= 0)
+      impl_.makeElements(element_, false);
+    else
+      detached_ = impl_.detach(element_);
+  }
+  [[nodiscard]] std::size_t bytes() const override {
+    std::size_t total = sizeof *this + detached_.packed.capacity() * sizeof(double);
+    if (detached_.slot) visitSlots(*detached_.slot, [&](const Slot&) { total += sizeof(Slot); });
+    return total;
+  }
+
+ private:
+  Graph::Impl& impl_;
+  NodePtr node_;
+  Plug element_;
+  int createdLevel_ = -1;
+  DetachedElement detached_;
+};
+
+/// Holds the arrays that are not there now; undo and redo exchange them.
+class PackedChange final : public Change {
+ public:
+  PackedChange(Graph::Impl& impl, const Plug& array, PackedArray other, int createdLevel)
+      : impl_(impl), node_(array.node()->shared_from_this()), array_(array), other_(std::move(other)),
+        createdLevel_(createdLevel) {}
+  void undo() override {
+    impl_.swapPacked(array_, other_);
+    impl_.dropElements(array_, createdLevel_);
+  }
+  void redo() override {
+    impl_.makeElements(array_, false);
+    impl_.swapPacked(array_, other_);
+  }
+  [[nodiscard]] std::size_t bytes() const override {
+    return sizeof *this + other_.indices.capacity() * sizeof(Index) + other_.values.capacity() * sizeof(double);
+  }
+
+ private:
+  Graph::Impl& impl_;
+  NodePtr node_;
+  Plug array_;
+  PackedArray other_;
+  int createdLevel_;
+};
+
+Result<void> checkArray(const Plug& array) {
+  if (array.isNull()) return fail("There is no such attribute");
+  if (!array.node()->isAlive()) return fail("Node '{}' is deleted", array.node()->name());
+  if (!array.isArray()) return fail("'{}' is not an array", array.name());
+  if (!array.isComplete()) return fail("'{}' needs the index of an element", array.name());
+  return {};
+}
+
+Result<void> checkElement(const Plug& element) {
+  if (element.isNull()) return fail("There is no such attribute");
+  if (!element.isElement()) return fail("'{}' is not an element of an array", element.name());
+  if (element.logicalIndex() < 0) return fail("{} is not an index of '{}'", element.logicalIndex(), element.array().name());
+  return checkArray(element.array());
+}
+
+const Attribute& leafOf(const Attribute& array, int column) {
+  return array.isCompound() ? *array.children[static_cast<std::size_t>(column)] : array;
+}
+
+/// The same layout for an array that is stored an element at a time.
+PackedArray gathered(const Plug& array, int stride) {
+  PackedArray result;
+  result.stride = stride;
+  const Slot* slot = locate(array).slot;
+  if (!slot) return result;
+  result.indices = existingIndices(*slot);
+  result.values.reserve(result.indices.size() * static_cast<std::size_t>(stride));
+  for (const Index index : result.indices) {
+    for (int column = 0; column < stride; ++column) {
+      const Plug leaf = array.attribute()->isCompound() ? array.element(index).child(column) : array.element(index);
+      const Value value = readLeaf(leaf, locate(leaf));
+      const auto* real = std::get_if<double>(&value);
+      const auto* integer = std::get_if<std::int64_t>(&value);
+      result.values.push_back(real ? *real : integer ? static_cast<double>(*integer) : 0.0);
+    }
+  }
+  return result;
+}
+
+Result<void> checkPacked(const Plug& array, const std::vector<Index>& indices, const std::vector<double>& values) {
+  const int stride = packedStride(*array.attribute());
+  if (stride == 0) return fail("'{}' is not an array of numbers, pairs or triples", array.name());
+  if (values.size() != indices.size() * static_cast<std::size_t>(stride))
+    return fail("'{}' takes {} numbers an element: {} elements came with {} numbers", array.name(), stride,
+                indices.size(), values.size());
+  if (!indices.empty() && indices.front() < 0)
+    return fail("{} is not an index of '{}'", indices.front(), array.name());
+  if (std::ranges::adjacent_find(indices, std::greater_equal<>()) != indices.end())
+    return fail("The indices given for '{}' do not ascend", array.name());
+  return {};
+}
+
+/// Rounds in place to what the elements can hold.
+void roundPacked(const Attribute& array, std::vector<double>& values, int stride) {
+  const auto isDouble = [&](int column) {
+    const AttributeType type = leafOf(array, column).type;
+    return type > AttributeType::Float && type <= AttributeType::Time;
+  };
+  for (int column = 0; column < stride; ++column) {
+    if (isDouble(column)) continue;
+    const Attribute& leaf = leafOf(array, column);
+    const auto step = static_cast<std::size_t>(stride);
+    for (std::size_t i = static_cast<std::size_t>(column); i < values.size(); i += step)
+      values[i] = packNumber(leaf, values[i]);
+  }
+}
+
+}  // namespace
+
+int Graph::Impl::makeElements(const Plug& plug, bool wired) {
+  if (!wired && plug.levels() == 0) return -1;
+  const int createdLevel = makeSlot(plug, wired).createdLevel;
+  if (createdLevel >= 0) {
+    const Plug element = elementAtLevel(plug, createdLevel);
+    spread(element.array());
+    attributeEvent(AttributeEvent::ArrayElementAdded, element);
+  }
+  return createdLevel;
+}
+
+void Graph::Impl::dropElements(const Plug& plug, int createdLevel) {
+  if (createdLevel >= 0) (void)detach(elementAtLevel(plug, createdLevel));
+}
+
+DetachedElement Graph::Impl::detach(const Plug& element) {
+  Slot* array = locate(element.array()).slot;
+  if (!array) return {};
+  DetachedElement detached = detachElement(*array, element.logicalIndex());
+  spread(element.array());
+  attributeEvent(AttributeEvent::ArrayElementRemoved, element);
+  return detached;
+}
+
+void Graph::Impl::attach(const Plug& element, DetachedElement detached) {
+  attachElement(*makeSlot(element.array(), true).slot, element.logicalIndex(), std::move(detached));
+  spread(element.array());
+  attributeEvent(AttributeEvent::ArrayElementAdded, element);
+}
+
+void Graph::Impl::swapPacked(const Plug& array, PackedArray& packed) {
+  Slot& slot = *makeSlot(array, true).slot;
+  if (slot.packed) {
+    std::swap(*slot.packed, packed);
+  } else {
+    PackedArray before = gathered(array, packed.stride);
+    ValueTree tree;
+    tree.packed = std::make_unique<PackedArray>(std::move(packed));
+    restoreValues(array, tree);
+    packed = std::move(before);
+  }
+  spread(array);
+  attributeEvent(AttributeEvent::Set, array);
+}
+
+std::vector<Index> Graph::elementIndices(const Plug& array) {
+  if (!checkArray(array)) return {};
+  const Place place = locate(array);
+  const Impl::Driver driver = Impl::driverOf(place.deepest);
+  if (driver.slot) (void)impl_->refresh(array);
+  const Slot* slot = locate(array).slot;
+  return slot ? existingIndices(*slot) : std::vector<Index>();
+}
+
+Index Graph::elementCount(const Plug& array) {
+  if (!checkArray(array)) return 0;
+  if (Impl::driverOf(locate(array).deepest).slot) (void)impl_->refresh(array);
+  const Slot* slot = locate(array).slot;
+  if (!slot) return 0;
+  return static_cast<Index>(slot->packed ? slot->packed->indices.size() : slot->below.size());
+}
+
+Index Graph::nextFreeIndex(const Plug& array) {
+  Index candidate = 0;
+  const Slot* slot = checkArray(array) ? locate(array).slot : nullptr;
+  if (!slot) return candidate;
+  for (const auto& element : slot->below) {
+    if (element->incoming + element->outgoing == 0) continue;
+    if (element->index != candidate) break;
+    ++candidate;
+  }
+  return candidate;
+}
+
+bool Graph::elementExists(const Plug& element) const {
+  return checkElement(element) && !locate(element).isMissing;
+}
+
+Result<void> Graph::addElement(const Plug& element) {
+  HOST_TRY(checkElement(element));
+  if (isLockedHereOrAbove(element)) return fail("'{}' is locked", element.name());
+  const int createdLevel = impl_->makeElements(element, false);
+  if (createdLevel >= 0) impl_->record<ElementChange>(element, createdLevel);
+  return {};
+}
+
+Result<void> Graph::removeElement(const Plug& element, bool breakConnections) {
+  HOST_TRY(checkElement(element));
+  const Place place = locate(element);
+  if (place.isMissing) return fail("'{}' does not exist", element.name());
+  if (isLockedHereOrAbove(element)) return fail("'{}' is locked", element.name());
+  if (place.slot && place.slot->incoming + place.slot->outgoing > 0) {
+    if (!breakConnections) return fail("'{}' is connected and cannot be removed", element.name());
+    for (const auto& [from, to] : Impl::connectionsBelow(*place.slot, false, true)) {
+      if (source(to) != from) continue;
+      impl_->breakConnection(from, to, true);
+      impl_->afterDisconnect(to);
+    }
+    if (const Slot* slot = locate(element).slot)
+      for (const auto& [from, to] : Impl::connectionsBelow(*slot, true, false))
+        impl_->breakConnection(from, to, false);
+  }
+  impl_->dropAliasesBelow(element);
+  if (locate(element).isMissing) return {};  // taken along by one of the disconnections
+  DetachedElement detached = impl_->detach(element);
+  impl_->record<ElementChange>(element, std::move(detached));
+  return {};
+}
+
+Result<void> Graph::setPacked(const Plug& array, std::vector<Index> indices, std::vector<double> values) {
+  HOST_TRY(checkArray(array));
+  HOST_TRY(settable(array));
+  HOST_TRY(checkPacked(array, indices, values));
+  PackedArray packed;
+  packed.stride = packedStride(*array.attribute());
+  packed.indices = std::move(indices);
+  packed.values = std::move(values);
+  roundPacked(*array.attribute(), packed.values, packed.stride);
+  std::vector<Plug> doomed;  // elements with flags of their own that the new indices leave out
+  if (const Slot* slot = locate(array).slot) {
+    for (const auto& element : slot->below) {
+      const Plug plug = plugOf(*element);
+      if (isLockedHereOrAbove(plug)) return fail("'{}' is locked", plug.name());
+      if (packed.position(element->index) >= 0) continue;
+      if (element->outgoing > 0) return fail("'{}' is connected and cannot be removed", plug.name());
+      doomed.push_back(plug);
+    }
+  }
+  for (const Plug& element : doomed) HOST_TRY(removeElement(element, false));
+  const int createdLevel = impl_->makeElements(array, false);
+  impl_->swapPacked(array, packed);
+  impl_->record<PackedChange>(array, std::move(packed), createdLevel);
+  return {};
+}
+
+bool Graph::getPacked(const Plug& array, std::vector<Index>& indices, std::vector<double>& values) {
+  if (!checkArray(array)) return false;
+  const int stride = packedStride(*array.attribute());
+  if (stride == 0) return false;
+  (void)impl_->refresh(array);
+  const Slot* slot = locate(array).slot;
+  indices.clear();
+  values.clear();
+  if (!slot) return true;
+  if (slot->packed) {
+    indices = slot->packed->indices;
+    values = slot->packed->values;
+    return true;
+  }
+  PackedArray all = gathered(array, stride);
+  indices = std::move(all.indices);
+  values = std::move(all.values);
+  return true;
+}
+
+void Graph::dropOutputElement(const Plug& element) {
+  if (!checkElement(element)) return;
+  const Place place = locate(element);
+  if (place.isMissing || (place.slot && place.slot->incoming + place.slot->outgoing > 0)) return;
+  detachElement(*locate(element.array()).slot, element.logicalIndex());
+}
+
+}  // namespace host::dg

@@ -1,0 +1,207 @@
+#include <algorithm>
+
+#include "host/dg/graph_impl.h"
+
+namespace host::dg {
+namespace {
+
+class NodeLifeChange final : public Change {
+ public:
+  NodeLifeChange(Graph::Impl& impl, NodePtr node, bool isCreation)
+      : impl_(impl), node_(std::move(node)), isCreation_(isCreation) {}
+  void undo() override { isCreation_ ? impl_.takeOut(node_) : impl_.putIn(node_); }
+  void redo() override { isCreation_ ? impl_.putIn(node_) : impl_.takeOut(node_); }
+  [[nodiscard]] std::size_t bytes() const override {
+    if (isCreation_ && node_->isAlive()) return sizeof *this;
+    std::size_t total = sizeof *this + sizeof(Node) + node_->name().capacity() + node_->uuid().capacity();
+    for (const auto& slot : NodeAccess::slots(*node_)) {
+      total += sizeof slot;
+      if (!slot) continue;
+      visitSlots(*slot, [&total](const Slot& each) {
+        total += sizeof(Slot) + each.below.capacity() * sizeof(void*);
+        if (each.packed) total += each.packed->indices.capacity() * sizeof(Index);
+        if (each.packed) total += each.packed->values.capacity() * sizeof(double);
+      });
+    }
+    return total;
+  }
+
+ private:
+  Graph::Impl& impl_;
+  NodePtr node_;
+  bool isCreation_;
+};
+
+class RenameChange final : public Change {
+ public:
+  RenameChange(Graph::Impl& impl, NodePtr node, std::string other)
+      : impl_(impl), node_(std::move(node)), other_(std::move(other)) {}
+  void undo() override { exchange(); }
+  void redo() override { exchange(); }
+  [[nodiscard]] std::size_t bytes() const override { return sizeof *this + other_.capacity(); }
+
+ private:
+  void exchange() {
+    std::string now = node_->name();
+    impl_.rename(*node_, other_);
+    other_ = std::move(now);
+  }
+  Graph::Impl& impl_;
+  NodePtr node_;
+  std::string other_;
+};
+
+class UuidChange final : public Change {
+ public:
+  UuidChange(Graph::Impl&, NodePtr node, std::string other) : node_(std::move(node)), other_(std::move(other)) {}
+  void undo() override { Graph::Impl::swapUuid(*node_, other_); }
+  void redo() override { Graph::Impl::swapUuid(*node_, other_); }
+  [[nodiscard]] std::size_t bytes() const override { return sizeof *this + other_.capacity(); }
+
+ private:
+  NodePtr node_;
+  std::string other_;
+};
+
+class NodeLockChange final : public Change {
+ public:
+  NodeLockChange(Graph::Impl&, NodePtr node, bool locked) : node_(std::move(node)), locked_(locked) {}
+  void undo() override { Graph::Impl::setLocked(*node_, !locked_); }
+  void redo() override { Graph::Impl::setLocked(*node_, locked_); }
+
+ private:
+  NodePtr node_;
+  bool locked_;
+};
+
+auto positionOf(const std::vector<NodePtr>& nodes, std::uint64_t serial) {
+  return std::lower_bound(nodes.begin(), nodes.end(), serial,
+                          [](const NodePtr& node, std::uint64_t wanted) { return node->serial() < wanted; });
+}
+
+template <class Call>
+void callFromBaseOn(const NodeType* type, const Call& call) {
+  if (!type) return;
+  callFromBaseOn(type->base, call);
+  call(*type);
+}
+
+}  // namespace
+
+Graph::Impl::Impl(Graph& graphIn) : graph(graphIn), random(std::random_device{}()) {}
+
+std::string Graph::Impl::makeUuid() {
+  const std::uint64_t high = (random() & ~0xF000ull) | 0x4000ull;                            // version 4
+  const std::uint64_t low = (random() & 0x3FFFFFFFFFFFFFFFull) | 0x8000000000000000ull;  // its variant
+  return fmt::format("{:08X}-{:04X}-{:04X}-{:04X}-{:012X}", high >> 32, (high >> 16) & 0xFFFF, high & 0xFFFF,
+                     low >> 48, low & 0xFFFFFFFFFFFFull);
+}
+
+void Graph::Impl::putIn(const NodePtr& node) {
+  if (node->isAlive_) return;
+  graph.nodes_.insert(positionOf(graph.nodes_, node->serial()), node);
+  node->isAlive_ = true;
+  notify([&](GraphObserver& observer) { observer.nodeAdded(*node); });
+}
+
+void Graph::Impl::takeOut(const NodePtr& node) {
+  if (!node->isAlive_) return;
+  // Connections made without a record would be left hanging.
+  for (const auto& [source, destination] : graph.incoming(*node)) unwire(source, destination);
+  for (const auto& [source, destination] : graph.outgoing(*node)) unwire(source, destination);
+  graph.nodes_.erase(positionOf(graph.nodes_, node->serial()));
+  node->isAlive_ = false;
+  notify([&](GraphObserver& observer) { observer.nodeRemoved(*node); });
+}
+
+void Graph::Impl::rename(Node& node, const std::string& name) {
+  const std::string oldName = std::exchange(node.name_, name);
+  notify([&](GraphObserver& observer) { observer.nodeRenamed(node, oldName); });
+}
+
+Graph::Graph() : impl_(std::make_unique<Impl>(*this)) {}
+
+Graph::~Graph() {
+  for (const NodePtr& node : nodes_) {
+    node->isAlive_ = false;
+    node->slots_.clear();
+  }
+}
+
+void Graph::addObserver(GraphObserver* observer) { impl_->observers.push_back(observer); }
+
+void Graph::removeObserver(GraphObserver* observer) {
+  if (impl_->notifying > 0)
+    std::ranges::replace(impl_->observers, observer, nullptr);
+  else
+    std::erase(impl_->observers, observer);
+}
+
+NodePtr Graph::createNode(const NodeType& type, std::string name) {
+  NodePtr node(new Node(*this, type, std::move(name), impl_->nextSerial++));
+  node->uuid_ = impl_->makeUuid();
+  impl_->record<NodeLifeChange>(node, true);
+  impl_->putIn(node);
+  callFromBaseOn(&type, [&](const NodeType& each) {
+    if (each.postConstructor) each.postConstructor(*node);
+  });
+  return node;
+}
+
+Result<void> Graph::deleteNode(Node& node) {
+  if (!node.isAlive()) return fail("Node '{}' is deleted already", node.name());
+  if (node.isLocked()) return fail("Node '{}' is locked and cannot be deleted", node.name());
+  if (node.isDefault()) return fail("Node '{}' belongs to every scene and cannot be deleted", node.name());
+  const NodePtr keep = node.shared_from_this();
+  impl_->notify([&](GraphObserver& observer) { observer.nodeAboutToBeRemoved(node); });
+  for (const auto& [from, to] : outgoing(node)) {
+    if (source(to) != from) continue;  // gone with an element that an earlier one took along
+    impl_->breakConnection(from, to, to.node() != &node);
+    if (to.node() != &node) impl_->afterDisconnect(to);
+  }
+  for (const auto& [from, to] : incoming(node)) impl_->breakConnection(from, to, false);
+  impl_->record<NodeLifeChange>(keep, false);
+  impl_->takeOut(keep);
+  return {};
+}
+
+Result<void> Graph::renameNode(Node& node, std::string name) {
+  if (node.isLocked()) return fail("Node '{}' is locked and cannot be renamed", node.name());
+  if (name.empty()) return fail("Node '{}' cannot be given an empty name", node.name());
+  if (name == node.name()) return {};
+  impl_->record<RenameChange>(node.shared_from_this(), node.name());
+  impl_->rename(node, name);
+  return {};
+}
+
+Result<void> Graph::setNodeLocked(Node& node, bool locked) {
+  if (!node.isAlive()) return fail("Node '{}' is deleted", node.name());
+  if (node.isLocked() == locked) return {};
+  impl_->record<NodeLockChange>(node.shared_from_this(), locked);
+  Impl::setLocked(node, locked);
+  return {};
+}
+
+void Graph::setUuid(Node& node, std::string uuid) {
+  if (uuid == node.uuid()) return;
+  impl_->record<UuidChange>(node.shared_from_this(), node.uuid());
+  Impl::swapUuid(node, uuid);
+}
+
+void Graph::seedUuids(std::uint64_t seed) { impl_->random.seed(seed); }
+
+void Graph::clear() {
+  std::vector<NodePtr> gone = nodes_;
+  for (const NodePtr& node : gone)
+    impl_->notify([&](GraphObserver& observer) { observer.nodeAboutToBeRemoved(*node); });
+  nodes_.clear();
+  // Storage goes with the connections in it: nothing is left that points from one node to another.
+  for (const NodePtr& node : gone) {
+    node->isAlive_ = false;
+    node->slots_.clear();
+    node->aliases_.clear();
+  }
+  for (const NodePtr& node : gone) impl_->notify([&](GraphObserver& observer) { observer.nodeRemoved(*node); });
+}
+
+}  // namespace host::dg
