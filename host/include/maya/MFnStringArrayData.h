@@ -1,0 +1,23 @@
+#pragma once
+
+#include <maya/MFnData.h>
+#include <maya/MStringArray.h>
+#include <maya/MTypes.h>
+
+/// Works on data that holds texts.
+class MFnStringArrayData : public MFnData {
+ public:
+  MFnStringArrayData() = default;
+  MFnStringArrayData(const MObject& object, MStatus* status = nullptr) { attach(object, status); }
+  MFn::Type type() const override { return MFn::kStringArrayData; }
+
+  MObject create(MStatus* status = nullptr);
+  MObject create(const MStringArray& in, MStatus* status = nullptr);
+  unsigned int length(MStatus* status = nullptr) const;
+  const MString& operator[](unsigned int index) const;
+  MStatus set(const MString& element, unsigned int index);
+  MStatus set(const MStringArray& newArray);
+  MStatus copyTo(MStringArray& array) const;
+  /// Returns a copy of the values.
+  MStringArray array(MStatus* status = nullptr);
+};

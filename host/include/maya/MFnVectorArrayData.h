@@ -1,0 +1,23 @@
+#pragma once
+
+#include <maya/MFnData.h>
+#include <maya/MTypes.h>
+#include <maya/MVectorArray.h>
+
+/// Works on data that holds vectors.
+class MFnVectorArrayData : public MFnData {
+ public:
+  MFnVectorArrayData() = default;
+  MFnVectorArrayData(const MObject& object, MStatus* status = nullptr) { attach(object, status); }
+  MFn::Type type() const override { return MFn::kVectorArrayData; }
+
+  MObject create(MStatus* status = nullptr);
+  MObject create(const MVectorArray& in, MStatus* status = nullptr);
+  unsigned int length(MStatus* status = nullptr) const;
+  const MVector& operator[](unsigned int index) const;
+  MStatus set(const MVector& element, unsigned int index);
+  MStatus set(const MVectorArray& newArray);
+  MStatus copyTo(MVectorArray& array) const;
+  /// Returns a copy of the values.
+  MVectorArray array(MStatus* status = nullptr);
+};
