@@ -36,13 +36,17 @@ class MArgList {
   MAngle asAngle(unsigned int index, MStatus* status = nullptr) const;
   MTime asTime(unsigned int index, MStatus* status = nullptr) const;
   /// These read several words and move `index` to the last one read.
-  MPoint asPoint(unsigned int& index, unsigned int numElements = 3, MStatus* status = nullptr) const;
-  MVector asVector(unsigned int& index, unsigned int numElements = 3, MStatus* status = nullptr) const;
+  MPoint asPoint(unsigned int& index, unsigned int numElements = 3,
+                 MStatus* status = nullptr) const;
+  MVector asVector(unsigned int& index, unsigned int numElements = 3,
+                   MStatus* status = nullptr) const;
   MIntArray asIntArray(unsigned int& index, MStatus* status = nullptr) const;
   MDoubleArray asDoubleArray(unsigned int& index, MStatus* status = nullptr) const;
   MStringArray asStringArray(unsigned int& index, MStatus* status = nullptr) const;
-  MPointArray asPointArray(unsigned int& index, unsigned int numElements = 3, MStatus* status = nullptr) const;
-  MVectorArray asVectorArray(unsigned int& index, unsigned int numElements = 3, MStatus* status = nullptr) const;
+  MPointArray asPointArray(unsigned int& index, unsigned int numElements = 3,
+                           MStatus* status = nullptr) const;
+  MVectorArray asVectorArray(unsigned int& index, unsigned int numElements = 3,
+                             MStatus* status = nullptr) const;
 
   MStatus get(unsigned int index, bool& value) const;
   MStatus get(unsigned int index, int& value) const;

@@ -16,12 +16,16 @@ class MArgParser {
   virtual ~MArgParser();
 
   bool isFlagSet(const char* flag, MStatus* status = nullptr) const;
-  bool isFlagSet(const MString& flag, MStatus* status = nullptr) const { return isFlagSet(flag.asChar(), status); }
+  bool isFlagSet(const MString& flag, MStatus* status = nullptr) const {
+    return isFlagSet(flag.asChar(), status);
+  }
   bool isEdit(MStatus* status = nullptr) const;
   bool isQuery(MStatus* status = nullptr) const;
   unsigned int numberOfFlagsUsed() const;
   unsigned int numberOfFlagUses(const char* flag) const;
-  unsigned int numberOfFlagUses(const MString& flag) const { return numberOfFlagUses(flag.asChar()); }
+  unsigned int numberOfFlagUses(const MString& flag) const {
+    return numberOfFlagUses(flag.asChar());
+  }
 
   MStatus getFlagArgument(const char* flag, unsigned int index, bool& result) const;
   MStatus getFlagArgument(const char* flag, unsigned int index, int& result) const;
@@ -39,13 +43,16 @@ class MArgParser {
   int flagArgumentInt(const char* flag, unsigned int index, MStatus* status = nullptr) const;
   double flagArgumentDouble(const char* flag, unsigned int index, MStatus* status = nullptr) const;
   MString flagArgumentString(const char* flag, unsigned int index, MStatus* status = nullptr) const;
-  MDistance flagArgumentMDistance(const char* flag, unsigned int index, MStatus* status = nullptr) const;
+  MDistance flagArgumentMDistance(const char* flag, unsigned int index,
+                                  MStatus* status = nullptr) const;
   MAngle flagArgumentMAngle(const char* flag, unsigned int index, MStatus* status = nullptr) const;
   MTime flagArgumentMTime(const char* flag, unsigned int index, MStatus* status = nullptr) const;
 
   /// Finds where in the words the arguments of one use of a multi-use flag begin.
-  MStatus getFlagArgumentPosition(const char* flag, unsigned int flagIndex, unsigned int& argListIndex) const;
-  MStatus getFlagArgumentPosition(const MString& flag, unsigned int flagIndex, unsigned int& argListIndex) const {
+  MStatus getFlagArgumentPosition(const char* flag, unsigned int flagIndex,
+                                  unsigned int& argListIndex) const;
+  MStatus getFlagArgumentPosition(const MString& flag, unsigned int flagIndex,
+                                  unsigned int& argListIndex) const {
     return getFlagArgumentPosition(flag.asChar(), flagIndex, argListIndex);
   }
   /// Returns the arguments of one use of a multi-use flag.

@@ -13,7 +13,8 @@ class MDataBlock;
 class MArrayDataBuilder {
  public:
   MArrayDataBuilder(const MObject& attribute, unsigned int numElements, MStatus* status = nullptr);
-  MArrayDataBuilder(MDataBlock* block, const MObject& attribute, unsigned int numElements, MStatus* status = nullptr);
+  MArrayDataBuilder(MDataBlock* block, const MObject& attribute, unsigned int numElements,
+                    MStatus* status = nullptr);
 
   MDataHandle addElement(unsigned int index, MStatus* status = nullptr);
   MDataHandle addLast(MStatus* status = nullptr);

@@ -13,9 +13,11 @@ class MColor {
 
   MColor() = default;
   MColor(const float c[3]) : r(c[0]), g(c[1]), b(c[2]) {}
-  MColor(float rr, float gg = 0.0F, float bb = 0.0F, float aa = 1.0F) : r(rr), g(gg), b(bb), a(aa) {}
+  MColor(float rr, float gg = 0.0F, float bb = 0.0F, float aa = 1.0F)
+      : r(rr), g(gg), b(bb), a(aa) {}
   MColor(MColorType model, float c0, float c1, float c2, float alpha = MCOLOR_DEFAULT_ALPHA);
-  MColor(MColorType model, unsigned char c0, unsigned char c1, unsigned char c2, unsigned char alpha = 255);
+  MColor(MColorType model, unsigned char c0, unsigned char c1, unsigned char c2,
+         unsigned char alpha = 255);
 
   bool set(MColorType model, float c0, float c1, float c2);
   bool set(MColorType model, float c0, float c1, float c2, float alpha);

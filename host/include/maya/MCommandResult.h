@@ -15,8 +15,21 @@ class MVectorArray;
 /// What a command returned, with its type.
 class MCommandResult {
  public:
-  enum Type { kInvalid, kInt, kInt64, kIntArray, kInt64Array, kDouble, kDoubleArray, kString, kStringArray, kVector,
-              kVectorArray, kMatrix, kMatrixArray };
+  enum Type {
+    kInvalid,
+    kInt,
+    kInt64,
+    kIntArray,
+    kInt64Array,
+    kDouble,
+    kDoubleArray,
+    kString,
+    kStringArray,
+    kVector,
+    kVectorArray,
+    kMatrix,
+    kMatrixArray
+  };
 
   MCommandResult(MStatus* status = nullptr);
 

@@ -8,7 +8,8 @@ class MComputation {
  public:
   MComputation() = default;
 
-  void beginComputation(bool showProgressBar = false, bool isInterruptable = true, bool useWaitCursor = true);
+  void beginComputation(bool showProgressBar = false, bool isInterruptable = true,
+                        bool useWaitCursor = true);
   void endComputation();
   bool isInterruptRequested();
   void setProgress(int progress);

@@ -36,9 +36,11 @@ class MDGModifier {
                      const MObject& destAttr);
   MStatus disconnect(const MPlug& source, const MPlug& dest);
   MStatus addAttribute(const MObject& node, const MObject& attribute);
-  MStatus addAttribute(const MObject& node, const MObject& attribute, MFnDependencyNode::MAttrClass type);
+  MStatus addAttribute(const MObject& node, const MObject& attribute,
+                       MFnDependencyNode::MAttrClass type);
   MStatus removeAttribute(const MObject& node, const MObject& attribute);
-  MStatus removeAttribute(const MObject& node, const MObject& attribute, MFnDependencyNode::MAttrClass type);
+  MStatus removeAttribute(const MObject& node, const MObject& attribute,
+                          MFnDependencyNode::MAttrClass type);
   MStatus removeMultiInstance(const MPlug& plug, bool breakConnections);
 
   MStatus newPlugValue(const MPlug& plug, const MObject& value);

@@ -31,8 +31,10 @@ class MDagMessage : public MMessage {
                                              MStatus* status = nullptr);
   static MCallbackId addInstanceAddedCallback(MParentChildFunction func, void* clientData = nullptr,
                                               MStatus* status = nullptr);
-  static MCallbackId addInstanceRemovedCallback(MParentChildFunction func, void* clientData = nullptr,
+  static MCallbackId addInstanceRemovedCallback(MParentChildFunction func,
+                                                void* clientData = nullptr,
                                                 MStatus* status = nullptr);
-  static MCallbackId addAllDagChangesCallback(MMessageParentChildFunction func, void* clientData = nullptr,
+  static MCallbackId addAllDagChangesCallback(MMessageParentChildFunction func,
+                                              void* clientData = nullptr,
                                               MStatus* status = nullptr);
 };

@@ -23,8 +23,8 @@ class MDagPath {
   MObject node(MStatus* status = nullptr) const;
   MObject transform(MStatus* status = nullptr) const;
 
-  /// Goes down to a shape below this transform: the one numbered `shapeNum`, or the only one. A path that ends at
-  /// a shape already is left as it is.
+  /// Goes down to a shape below this transform: the one numbered `shapeNum`, or the only one. A
+  /// path that ends at a shape already is left as it is.
   MStatus extendToShape();
   MStatus extendToShapeDirectlyBelow(unsigned int shapeNum);
   MStatus numberOfShapesDirectlyBelow(unsigned int& numShapes) const;

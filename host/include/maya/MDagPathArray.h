@@ -8,7 +8,8 @@
 class MDagPathArray : public host::api::Array<MDagPathArray, MDagPath> {
  public:
   MDagPathArray() = default;
-  explicit MDagPathArray(unsigned int initialSize, const MDagPath& initialValue = MDagPath()) : Array(initialSize, initialValue) {}
+  explicit MDagPathArray(unsigned int initialSize, const MDagPath& initialValue = MDagPath())
+      : Array(initialSize, initialValue) {}
   MDagPathArray(const MDagPath source[], unsigned int count) : Array(source, count) {}
 
   MStatus get(MDagPath dest[]) const {

@@ -7,7 +7,18 @@
 /// A length with its unit.
 class MDistance {
  public:
-  enum Unit { kInvalid, kInches, kFeet, kYards, kMiles, kMillimeters, kCentimeters, kKilometers, kMeters, kLast };
+  enum Unit {
+    kInvalid,
+    kInches,
+    kFeet,
+    kYards,
+    kMiles,
+    kMillimeters,
+    kCentimeters,
+    kKilometers,
+    kMeters,
+    kLast
+  };
 
   MDistance() = default;
   MDistance(double value, Unit unit = kCentimeters) : value_(value), unit_(unit) {}

@@ -7,7 +7,8 @@
 class MDoubleArray : public host::api::Array<MDoubleArray, double> {
  public:
   MDoubleArray() = default;
-  explicit MDoubleArray(unsigned int initialSize, double initialValue = 0.0) : Array(initialSize, initialValue) {}
+  explicit MDoubleArray(unsigned int initialSize, double initialValue = 0.0)
+      : Array(initialSize, initialValue) {}
   MDoubleArray(const double source[], unsigned int count) : Array(source, count) {}
   MDoubleArray(const float source[], unsigned int count) {
     setLength(count);

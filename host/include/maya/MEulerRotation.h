@@ -18,7 +18,8 @@ class MEulerRotation {
 
   MEulerRotation() = default;
   MEulerRotation(const MVector& v, RotationOrder o = kXYZ) : x(v.x), y(v.y), z(v.z), order(o) {}
-  MEulerRotation(double xx, double yy, double zz, RotationOrder o = kXYZ) : x(xx), y(yy), z(zz), order(o) {}
+  MEulerRotation(double xx, double yy, double zz, RotationOrder o = kXYZ)
+      : x(xx), y(yy), z(zz), order(o) {}
   MEulerRotation(const double angles[3], RotationOrder o = kXYZ)
       : x(angles[0]), y(angles[1]), z(angles[2]), order(o) {}
   MEulerRotation& operator=(const MMatrix& matrix);
@@ -70,15 +71,21 @@ class MEulerRotation {
   /// Returns the other set of angles that gives the same rotation.
   MEulerRotation alternateSolution() const;
   MEulerRotation& setToAlternateSolution() { return *this = alternateSolution(); }
-  MEulerRotation& setToAlternateSolution(const MEulerRotation& e) { return *this = e.alternateSolution(); }
+  MEulerRotation& setToAlternateSolution(const MEulerRotation& e) {
+    return *this = e.alternateSolution();
+  }
   /// Returns the angles of the same rotation that lie nearest to those of `target`.
   MEulerRotation closestSolution(const MEulerRotation& target) const;
-  MEulerRotation& setToClosestSolution(const MEulerRotation& target) { return *this = closestSolution(target); }
+  MEulerRotation& setToClosestSolution(const MEulerRotation& target) {
+    return *this = closestSolution(target);
+  }
   MEulerRotation& setToClosestSolution(const MEulerRotation& source, const MEulerRotation& target) {
     return *this = source.closestSolution(target);
   }
   MEulerRotation closestCut(const MEulerRotation& target) const;
-  MEulerRotation& setToClosestCut(const MEulerRotation& target) { return *this = closestCut(target); }
+  MEulerRotation& setToClosestCut(const MEulerRotation& target) {
+    return *this = closestCut(target);
+  }
   static MEulerRotation decompose(const MMatrix& matrix, RotationOrder order);
 
   static const MEulerRotation identity;

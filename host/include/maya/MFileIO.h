@@ -19,7 +19,8 @@ class MFileIO {
                             bool preserveReferences = false, const char* nameSpace = nullptr);
   static MStatus exportSelected(const MString& fileName, const char* type = nullptr,
                                 bool preserveReferences = false);
-  static MStatus exportAll(const MString& fileName, const char* type = nullptr, bool preserveReferences = false);
+  static MStatus exportAll(const MString& fileName, const char* type = nullptr,
+                           bool preserveReferences = false);
   static bool isReadingFile();
   static bool isWritingFile();
   static bool isOpeningFile();

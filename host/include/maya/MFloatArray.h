@@ -7,7 +7,8 @@
 class MFloatArray : public host::api::Array<MFloatArray, float> {
  public:
   MFloatArray() = default;
-  explicit MFloatArray(unsigned int initialSize, float initialValue = 0.0F) : Array(initialSize, initialValue) {}
+  explicit MFloatArray(unsigned int initialSize, float initialValue = 0.0F)
+      : Array(initialSize, initialValue) {}
   MFloatArray(const float source[], unsigned int count) : Array(source, count) {}
   MFloatArray(const double source[], unsigned int count) {
     setLength(count);

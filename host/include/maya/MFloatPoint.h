@@ -34,8 +34,12 @@ class MFloatPoint {
   float operator[](unsigned int i) const { return (*this)(i); }
 
   MFloatVector operator-(const MFloatPoint& r) const;
-  MFloatPoint operator+(const MFloatVector& v) const { return {x + w * v.x, y + w * v.y, z + w * v.z, w}; }
-  MFloatPoint operator-(const MFloatVector& v) const { return {x - w * v.x, y - w * v.y, z - w * v.z, w}; }
+  MFloatPoint operator+(const MFloatVector& v) const {
+    return {x + w * v.x, y + w * v.y, z + w * v.z, w};
+  }
+  MFloatPoint operator-(const MFloatVector& v) const {
+    return {x - w * v.x, y - w * v.y, z - w * v.z, w};
+  }
   MFloatPoint& operator+=(const MFloatVector& v) { return *this = *this + v; }
   MFloatPoint& operator-=(const MFloatVector& v) { return *this = *this - v; }
   MFloatPoint operator*(float s) const { return {x * s, y * s, z * s, w}; }
@@ -43,7 +47,9 @@ class MFloatPoint {
   MFloatPoint operator*(const MFloatMatrix& m) const;
   MFloatPoint& operator*=(float s) { return *this = *this * s; }
   MFloatPoint& operator*=(const MFloatMatrix& m) { return *this = *this * m; }
-  bool operator==(const MFloatPoint& r) const { return x == r.x && y == r.y && z == r.z && w == r.w; }
+  bool operator==(const MFloatPoint& r) const {
+    return x == r.x && y == r.y && z == r.z && w == r.w;
+  }
   bool operator!=(const MFloatPoint& r) const { return !(*this == r); }
   friend MFloatPoint operator*(float s, const MFloatPoint& p) { return p * s; }
   friend MFloatPoint operator*(const MFloatMatrix& m, const MFloatPoint& p);

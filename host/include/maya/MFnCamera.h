@@ -25,12 +25,13 @@ class MFnCamera : public MFnDagNode {
   MVector viewDirection(MSpace::Space space = MSpace::kObject, MStatus* status = nullptr) const;
   MVector upDirection(MSpace::Space space = MSpace::kObject, MStatus* status = nullptr) const;
   MVector rightDirection(MSpace::Space space = MSpace::kObject, MStatus* status = nullptr) const;
-  MPoint centerOfInterestPoint(MSpace::Space space = MSpace::kObject, MStatus* status = nullptr) const;
+  MPoint centerOfInterestPoint(MSpace::Space space = MSpace::kObject,
+                               MStatus* status = nullptr) const;
   double centerOfInterest(MStatus* status = nullptr) const;
   MStatus setCenterOfInterest(double dist);
   MStatus setCenterOfInterestPoint(const MPoint& point, MSpace::Space space = MSpace::kObject);
-  MStatus set(const MPoint& wsEyeLocation, const MVector& wsViewDirection, const MVector& wsUpDirection,
-              double horizFieldOfView, double aspectRatio);
+  MStatus set(const MPoint& wsEyeLocation, const MVector& wsViewDirection,
+              const MVector& wsUpDirection, double horizFieldOfView, double aspectRatio);
 
   bool isOrtho(MStatus* status = nullptr) const;
   MStatus setIsOrtho(bool orthoState);
@@ -63,8 +64,9 @@ class MFnCamera : public MFnDagNode {
   double farClippingPlane(MStatus* status = nullptr) const;
   MStatus setNearClippingPlane(double dist);
   MStatus setFarClippingPlane(double dist);
-  MStatus getViewingFrustum(double windowAspect, double& left, double& right, double& bottom, double& top,
-                            bool applyOverscan = false, bool applySqueeze = false, bool applyPanZoom = false) const;
+  MStatus getViewingFrustum(double windowAspect, double& left, double& right, double& bottom,
+                            double& top, bool applyOverscan = false, bool applySqueeze = false,
+                            bool applyPanZoom = false) const;
   MFloatMatrix projectionMatrix(MStatus* status = nullptr) const;
   double tumblePivotDistance(MStatus* status = nullptr) const;
   MPoint tumblePivot(MStatus* status = nullptr) const;

@@ -21,11 +21,11 @@ class MFnDagNode : public MFnDependencyNode {
 
   using MFnDependencyNode::create;
   MObject create(const MTypeId& typeId, MObject& parent, MStatus* status = nullptr);
-  MObject create(const MTypeId& typeId, const MString& name, const MObject& parent = MObject::kNullObj,
-                 MStatus* status = nullptr);
+  MObject create(const MTypeId& typeId, const MString& name,
+                 const MObject& parent = MObject::kNullObj, MStatus* status = nullptr);
   MObject create(const MString& type, MObject& parent, MStatus* status = nullptr);
-  MObject create(const MString& type, const MString& name, const MObject& parent = MObject::kNullObj,
-                 MStatus* status = nullptr);
+  MObject create(const MString& type, const MString& name,
+                 const MObject& parent = MObject::kNullObj, MStatus* status = nullptr);
 
   unsigned int parentCount(MStatus* status = nullptr) const;
   MObject parent(unsigned int i, MStatus* status = nullptr) const;
@@ -46,7 +46,8 @@ class MFnDagNode : public MFnDependencyNode {
   bool isInstanced(bool indirect = true, MStatus* status = nullptr) const;
   bool isInstancedAttribute(const MObject& attribute, MStatus* status = nullptr) const;
   unsigned int instanceCount(bool total, MStatus* status = nullptr) const;
-  MObject duplicate(bool instance = false, bool instanceLeaf = false, MStatus* status = nullptr) const;
+  MObject duplicate(bool instance = false, bool instanceLeaf = false,
+                    MStatus* status = nullptr) const;
 
   MStatus getPath(MDagPath& path);
   MStatus getAllPaths(MDagPathArray& paths);

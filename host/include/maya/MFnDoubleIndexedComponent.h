@@ -8,7 +8,9 @@
 class MFnDoubleIndexedComponent : public MFnComponent {
  public:
   MFnDoubleIndexedComponent() = default;
-  MFnDoubleIndexedComponent(const MObject& object, MStatus* status = nullptr) { attach(object, status); }
+  MFnDoubleIndexedComponent(const MObject& object, MStatus* status = nullptr) {
+    attach(object, status);
+  }
   MFn::Type type() const override { return MFn::kDoubleIndexedComponent; }
 
   MObject create(MFn::Type componentType, MStatus* status = nullptr);

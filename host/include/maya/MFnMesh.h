@@ -33,8 +33,8 @@ class MDGModifier;
 
 /// Works on polygon meshes: on a mesh node, an instance of one (through a path), or mesh data.
 ///
-/// Components are numbered from 0. Calls that change a node with construction history change its tweaks. Spaces other
-/// than object space need a path.
+/// Components are numbered from 0. Calls that change a node with construction history change its
+/// tweaks. Spaces other than object space need a path.
 class MFnMesh : public MFnDagNode {
  public:
   enum BoolOperation { kUnion = 1, kDifference, kIntersection };
@@ -47,53 +47,59 @@ class MFnMesh : public MFnDagNode {
   MFnMesh(const MDagPath& path, MStatus* status = nullptr) { attach(path, status); }
   MFn::Type type() const override { return MFn::kMesh; }
 
-  // Making meshes. Without a parent a transform is made and returned; a data parent (from MFnMeshData) receives the mesh.
+  // Making meshes. Without a parent a transform is made and returned; a data parent (from
+  // MFnMeshData) receives the mesh.
   using MFnDagNode::create;
-  MObject create(int numVertices, int numPolygons, const MPointArray& vertexArray, const MIntArray& polygonCounts,
-                 const MIntArray& polygonConnects, MObject parentOrOwner = MObject::kNullObj,
-                 MStatus* status = nullptr);
+  MObject create(int numVertices, int numPolygons, const MPointArray& vertexArray,
+                 const MIntArray& polygonCounts, const MIntArray& polygonConnects,
+                 MObject parentOrOwner = MObject::kNullObj, MStatus* status = nullptr);
   MObject create(int numVertices, int numPolygons, const MFloatPointArray& vertexArray,
                  const MIntArray& polygonCounts, const MIntArray& polygonConnects,
                  MObject parentOrOwner = MObject::kNullObj, MStatus* status = nullptr);
-  MObject create(int numVertices, int numPolygons, const MPointArray& vertexArray, const MIntArray& polygonCounts,
-                 const MIntArray& polygonConnects, const MFloatArray& uArray, const MFloatArray& vArray,
+  MObject create(int numVertices, int numPolygons, const MPointArray& vertexArray,
+                 const MIntArray& polygonCounts, const MIntArray& polygonConnects,
+                 const MFloatArray& uArray, const MFloatArray& vArray,
                  MObject parentOrOwner = MObject::kNullObj, MStatus* status = nullptr);
   MObject create(int numVertices, int numPolygons, const MFloatPointArray& vertexArray,
-                 const MIntArray& polygonCounts, const MIntArray& polygonConnects, const MFloatArray& uArray,
-                 const MFloatArray& vArray, MObject parentOrOwner = MObject::kNullObj, MStatus* status = nullptr);
+                 const MIntArray& polygonCounts, const MIntArray& polygonConnects,
+                 const MFloatArray& uArray, const MFloatArray& vArray,
+                 MObject parentOrOwner = MObject::kNullObj, MStatus* status = nullptr);
   MStatus createInPlace(int numVertices, int numPolygons, const MPointArray& vertexArray,
                         const MIntArray& polygonCounts, const MIntArray& polygonConnects);
   MStatus createInPlace(int numVertices, int numPolygons, const MFloatPointArray& vertexArray,
                         const MIntArray& polygonCounts, const MIntArray& polygonConnects);
-  MObject copy(const MObject& source, MObject parentOrOwner = MObject::kNullObj, MStatus* status = nullptr);
+  MObject copy(const MObject& source, MObject parentOrOwner = MObject::kNullObj,
+               MStatus* status = nullptr);
   MStatus copyInPlace(const MObject& source);
   /// Adds a face; `mergeVertices` reuses vertices that lie within `pointTolerance`.
   MObject addPolygon(const MPointArray& vertexArray, bool mergeVertices = true,
-                     double pointTolerance = MFnMesh_kPointTol, MObject parentOrOwner = MObject::kNullObj,
-                     MStatus* status = nullptr);
+                     double pointTolerance = MFnMesh_kPointTol,
+                     MObject parentOrOwner = MObject::kNullObj, MStatus* status = nullptr);
   MObject addPolygon(const MPointArray& vertexArray, int& faceIndex, bool mergeVertices = true,
-                     double pointTolerance = MFnMesh_kPointTol, MObject parentOrOwner = MObject::kNullObj,
-                     MStatus* status = nullptr);
+                     double pointTolerance = MFnMesh_kPointTol,
+                     MObject parentOrOwner = MObject::kNullObj, MStatus* status = nullptr);
   MStatus addHoles(int faceIndex, const MPointArray& vertexArray, const MIntArray& loopCounts,
                    bool mergeVertices = true, double pointTolerance = MFnMesh_kPointTol);
   MStatus deleteFace(int index, MDGModifier* modifier = nullptr);
   MStatus deleteEdge(int index, MDGModifier* modifier = nullptr);
   MStatus deleteVertex(int index, MDGModifier* modifier = nullptr);
-  MStatus split(const MIntArray& placements, const MIntArray& edgeList, const MFloatArray& edgeFactors,
-                const MFloatPointArray& internalPoints);
+  MStatus split(const MIntArray& placements, const MIntArray& edgeList,
+                const MFloatArray& edgeFactors, const MFloatPointArray& internalPoints);
   MStatus subdivideFaces(const MIntArray& faceList, int divisions = 1);
   MStatus subdivideEdges(const MIntArray& edgeList, int divisions = 1);
-  MStatus extrudeFaces(const MIntArray& faceList, int extrusionCount = 1, const MFloatVector* translation = nullptr,
-                       bool extrudeTogether = true, float thickness = 0.0F, float offset = 0.0F);
-  MStatus extrudeEdges(const MIntArray& edgeList, int extrusionCount = 1, const MFloatVector* translation = nullptr,
-                       bool extrudeTogether = true, float thickness = 0.0F, float offset = 0.0F);
+  MStatus extrudeFaces(const MIntArray& faceList, int extrusionCount = 1,
+                       const MFloatVector* translation = nullptr, bool extrudeTogether = true,
+                       float thickness = 0.0F, float offset = 0.0F);
+  MStatus extrudeEdges(const MIntArray& edgeList, int extrusionCount = 1,
+                       const MFloatVector* translation = nullptr, bool extrudeTogether = true,
+                       float thickness = 0.0F, float offset = 0.0F);
   MStatus duplicateFaces(const MIntArray& faceList, const MFloatVector* translation = nullptr);
   MStatus extractFaces(const MIntArray& faceList, const MFloatVector* translation = nullptr);
   MStatus collapseFaces(const MIntArray& faceList);
   MStatus collapseEdges(const MIntArray& edgeList);
   MStatus booleanOp(BoolOperation op, MFnMesh& mesh1, MFnMesh& mesh2);
-  MObject generateSmoothMesh(MObject parentOrOwner = MObject::kNullObj, MMeshSmoothOptions* options = nullptr,
-                             MStatus* status = nullptr);
+  MObject generateSmoothMesh(MObject parentOrOwner = MObject::kNullObj,
+                             MMeshSmoothOptions* options = nullptr, MStatus* status = nullptr);
   MStatus getSmoothMeshDisplayOptions(MMeshSmoothOptions& options) const;
   MStatus setSmoothMeshDisplayOptions(const MMeshSmoothOptions& options);
 
@@ -144,21 +150,24 @@ class MFnMesh : public MFnDagNode {
   const float* getRawNormals(MStatus* status) const;
   MStatus getNormalIds(MIntArray& normalIdCounts, MIntArray& normals) const;
   MStatus getFaceNormalIds(int faceIndex, MIntArray& normals) const;
-  MStatus getPolygonNormal(int polygonId, MVector& normal, MSpace::Space space = MSpace::kObject) const;
+  MStatus getPolygonNormal(int polygonId, MVector& normal,
+                           MSpace::Space space = MSpace::kObject) const;
   MStatus getVertexNormal(int vertexId, bool angleWeighted, MVector& normal,
                           MSpace::Space space = MSpace::kObject) const;
-  MStatus getVertexNormal(int vertexId, MVector& normal, MSpace::Space space = MSpace::kObject) const;
+  MStatus getVertexNormal(int vertexId, MVector& normal,
+                          MSpace::Space space = MSpace::kObject) const;
   MStatus getVertexNormals(bool angleWeighted, MFloatVectorArray& normals,
                            MSpace::Space space = MSpace::kObject) const;
   MStatus getFaceVertexNormal(int faceIndex, int vertexIndex, MVector& normal,
                               MSpace::Space space = MSpace::kObject) const;
   MStatus getFaceVertexNormals(int faceIndex, MFloatVectorArray& normals,
                                MSpace::Space space = MSpace::kObject) const;
-  MStatus setVertexNormal(const MVector& normal, int vertexId, MSpace::Space space = MSpace::kObject,
-                          MDGModifier* modifier = nullptr);
-  MStatus setVertexNormals(MVectorArray& normals, MIntArray& vertexList, MSpace::Space space = MSpace::kObject,
-                           MDGModifier* modifier = nullptr);
-  MStatus setFaceVertexNormal(const MVector& normal, int faceId, int vertexId, MSpace::Space space = MSpace::kObject,
+  MStatus setVertexNormal(const MVector& normal, int vertexId,
+                          MSpace::Space space = MSpace::kObject, MDGModifier* modifier = nullptr);
+  MStatus setVertexNormals(MVectorArray& normals, MIntArray& vertexList,
+                           MSpace::Space space = MSpace::kObject, MDGModifier* modifier = nullptr);
+  MStatus setFaceVertexNormal(const MVector& normal, int faceId, int vertexId,
+                              MSpace::Space space = MSpace::kObject,
                               MDGModifier* modifier = nullptr);
   MStatus setFaceVertexNormals(MVectorArray& normals, MIntArray& faceList, MIntArray& vertexList,
                                MSpace::Space space = MSpace::kObject);
@@ -172,11 +181,14 @@ class MFnMesh : public MFnDagNode {
   MStatus getBinormals(MFloatVectorArray& binormals, MSpace::Space space = MSpace::kObject,
                        const MString* uvSet = nullptr) const;
   MStatus getFaceVertexTangent(int faceIndex, int vertexIndex, MVector& tangent,
-                               MSpace::Space space = MSpace::kObject, const MString* uvSet = nullptr) const;
+                               MSpace::Space space = MSpace::kObject,
+                               const MString* uvSet = nullptr) const;
   MStatus getFaceVertexBinormal(int faceIndex, int vertexIndex, MVector& binormal,
-                                MSpace::Space space = MSpace::kObject, const MString* uvSet = nullptr) const;
+                                MSpace::Space space = MSpace::kObject,
+                                const MString* uvSet = nullptr) const;
   int getTangentId(int faceIndex, int vertexIndex, MStatus* status = nullptr) const;
-  bool isRightHandedTangent(int tangentId, const MString* uvSetName = nullptr, MStatus* status = nullptr) const;
+  bool isRightHandedTangent(int tangentId, const MString* uvSetName = nullptr,
+                            MStatus* status = nullptr) const;
 
   // UVs. A null or missing set name is the current set.
   int numUVSets(MStatus* status = nullptr) const;
@@ -186,12 +198,13 @@ class MFnMesh : public MFnDagNode {
   MStatus getCurrentUVSetName(MString& setName, int instance = -1) const;
   MStatus setCurrentUVSetName(const MString& setName, MDGModifier* modifier = nullptr,
                               MSelectionList* currentSelection = nullptr);
-  MString createUVSetWithName(const MString& uvSetName, MDGModifier* modifier = nullptr, MStatus* status = nullptr,
-                              const MUintArray* instances = nullptr);
-  MStatus createUVSet(MString& uvSetName, MDGModifier* modifier = nullptr, const MUintArray* instances = nullptr);
+  MString createUVSetWithName(const MString& uvSetName, MDGModifier* modifier = nullptr,
+                              MStatus* status = nullptr, const MUintArray* instances = nullptr);
+  MStatus createUVSet(MString& uvSetName, MDGModifier* modifier = nullptr,
+                      const MUintArray* instances = nullptr);
   MStatus createUVSetDataMesh(MString& uvSetName);
-  MString copyUVSetWithName(const MString& fromName, const MString& toName, MDGModifier* modifier = nullptr,
-                            MStatus* status = nullptr);
+  MString copyUVSetWithName(const MString& fromName, const MString& toName,
+                            MDGModifier* modifier = nullptr, MStatus* status = nullptr);
   MStatus copyUVSet(const MString& fromName, MString& toName, MDGModifier* modifier = nullptr);
   MStatus renameUVSet(const MString& origName, MString& newName, MDGModifier* modifier = nullptr);
   MStatus deleteUVSet(const MString& setName, MDGModifier* modifier = nullptr,
@@ -199,25 +212,33 @@ class MFnMesh : public MFnDagNode {
   int numUVs(MStatus* status = nullptr) const;
   int numUVs(const MString& uvSet, MStatus* status = nullptr) const;
   MStatus getUVs(MFloatArray& uArray, MFloatArray& vArray, const MString* uvSet = nullptr) const;
-  MStatus setUVs(const MFloatArray& uArray, const MFloatArray& vArray, const MString* uvSet = nullptr);
+  MStatus setUVs(const MFloatArray& uArray, const MFloatArray& vArray,
+                 const MString* uvSet = nullptr);
   MStatus getUV(int uvId, float& u, float& v, const MString* uvSet = nullptr) const;
   MStatus setUV(int uvId, float u, float v, const MString* uvSet = nullptr);
-  MStatus getPolygonUV(int polygonId, int vertexIndex, float& u, float& v, const MString* uvSet = nullptr) const;
-  MStatus getPolygonUVid(int polygonId, int vertexIndex, int& uvId, const MString* uvSet = nullptr) const;
+  MStatus getPolygonUV(int polygonId, int vertexIndex, float& u, float& v,
+                       const MString* uvSet = nullptr) const;
+  MStatus getPolygonUVid(int polygonId, int vertexIndex, int& uvId,
+                         const MString* uvSet = nullptr) const;
   MStatus assignUV(int polygonId, int vertexIndex, int uvId, const MString* uvSet = nullptr);
-  /// Assigns UV ids to face corners: a count a face (0 leaves the face without UVs) and the ids one after the other.
-  MStatus assignUVs(const MIntArray& uvCounts, const MIntArray& uvIds, const MString* uvSet = nullptr);
-  MStatus getAssignedUVs(MIntArray& uvCounts, MIntArray& uvIds, const MString* uvSet = nullptr) const;
+  /// Assigns UV ids to face corners: a count a face (0 leaves the face without UVs) and the ids one
+  /// after the other.
+  MStatus assignUVs(const MIntArray& uvCounts, const MIntArray& uvIds,
+                    const MString* uvSet = nullptr);
+  MStatus getAssignedUVs(MIntArray& uvCounts, MIntArray& uvIds,
+                         const MString* uvSet = nullptr) const;
   MStatus clearUVs(const MString* uvSet = nullptr);
-  MStatus getUvShellsIds(MIntArray& uvShellIds, unsigned int& nbUvShells, const MString* uvSet = nullptr) const;
+  MStatus getUvShellsIds(MIntArray& uvShellIds, unsigned int& nbUvShells,
+                         const MString* uvSet = nullptr) const;
   MStatus getPointAtUV(int polygonId, MPoint& toThisPoint, const float2& uvPoint,
                        MSpace::Space space = MSpace::kObject, const MString* uvSet = nullptr,
                        float tolerance = 0.0F) const;
   MStatus getPointsAtUV(MIntArray& polygonIds, MPointArray& points, const float2& uvPoint,
                         MSpace::Space space = MSpace::kObject, const MString* uvSet = nullptr,
                         float tolerance = 1e-5F) const;
-  MStatus getUVAtPoint(const MPoint& toThisPoint, float2& uvPoint, MSpace::Space space = MSpace::kObject,
-                       const MString* uvSet = nullptr, int* closestPolygon = nullptr) const;
+  MStatus getUVAtPoint(const MPoint& toThisPoint, float2& uvPoint,
+                       MSpace::Space space = MSpace::kObject, const MString* uvSet = nullptr,
+                       int* closestPolygon = nullptr) const;
   MStatus getAxisAtPoint(MPoint& point, MVector& normal, MVector& uDir, MVector& vDir,
                          MSpace::Space space = MSpace::kObject, const MString* uvSet = nullptr,
                          int* closestPolygon = nullptr) const;
@@ -232,15 +253,16 @@ class MFnMesh : public MFnDagNode {
                                  MSelectionList* currentSelection = nullptr);
   MString createColorSetWithName(const MString& colorSetName, MDGModifier* modifier = nullptr,
                                  MStatus* status = nullptr);
-  MString createColorSetWithName(const MString& colorSetName, MDGModifier* modifier, const MUintArray* instances,
-                                 MStatus* status = nullptr);
+  MString createColorSetWithName(const MString& colorSetName, MDGModifier* modifier,
+                                 const MUintArray* instances, MStatus* status = nullptr);
   MStatus createColorSet(MString& colorSetName, MDGModifier* modifier = nullptr,
                          const MUintArray* instances = nullptr);
   MStatus createColorSet(MString& colorSetName, MDGModifier* modifier, bool clamped,
                          MColorRepresentation rep = kRGBA, const MUintArray* instances = nullptr);
   MStatus deleteColorSet(const MString& setName, MDGModifier* modifier = nullptr,
                          MSelectionList* currentSelection = nullptr);
-  MColorRepresentation getColorRepresentation(const MString& colorSet, MStatus* status = nullptr) const;
+  MColorRepresentation getColorRepresentation(const MString& colorSet,
+                                              MStatus* status = nullptr) const;
   bool isColorClamped(const MString& colorSet, MStatus* status = nullptr) const;
   int numColors(MStatus* status = nullptr) const;
   int numColors(const MString& colorSet, MStatus* status = nullptr) const;
@@ -250,10 +272,12 @@ class MFnMesh : public MFnDagNode {
   MStatus getColor(int colorId, MColor& color, const MString* colorSet = nullptr,
                    const MColor* defaultUnsetColor = nullptr) const;
   MStatus setColor(int colorId, const MColor& color, const MString* colorSet = nullptr);
-  MStatus assignColor(int polygonId, int vertexIndex, int colorId, const MString* colorSet = nullptr);
+  MStatus assignColor(int polygonId, int vertexIndex, int colorId,
+                      const MString* colorSet = nullptr);
   MStatus assignColors(const MIntArray& colorIds, const MString* colorSet = nullptr);
   MStatus clearColors(const MString* colorSet = nullptr);
-  MStatus getColorIndex(int faceIndex, int localVertexIndex, int& colorIndex, const MString* colorSet = nullptr) const;
+  MStatus getColorIndex(int faceIndex, int localVertexIndex, int& colorIndex,
+                        const MString* colorSet = nullptr) const;
   MStatus getFaceVertexColorIndex(int faceIndex, int localVertexIndex, int& colorIndex,
                                   const MString* colorSet = nullptr) const;
   MStatus getVertexColors(MColorArray& colors, const MString* colorSet = nullptr,
@@ -261,16 +285,19 @@ class MFnMesh : public MFnDagNode {
   MStatus getFaceVertexColors(MColorArray& colors, const MString* colorSet = nullptr,
                               const MColor* defaultUnsetColor = nullptr) const;
   MStatus setVertexColor(const MColor& color, int vertexId, MDGModifier* modifier = nullptr);
-  MStatus setVertexColors(const MColorArray& colors, const MIntArray& vertexList, MDGModifier* modifier = nullptr);
-  MStatus setVertexColors(const MColorArray& colors, const MIntArray& vertexList, MDGModifier* modifier,
-                          MColorRepresentation rep);
+  MStatus setVertexColors(const MColorArray& colors, const MIntArray& vertexList,
+                          MDGModifier* modifier = nullptr);
+  MStatus setVertexColors(const MColorArray& colors, const MIntArray& vertexList,
+                          MDGModifier* modifier, MColorRepresentation rep);
   MStatus setFaceColor(const MColor& color, int faceId);
   MStatus setFaceColors(const MColorArray& colors, const MIntArray& faceList);
-  MStatus setFaceVertexColor(const MColor& color, int faceId, int vertexId, MDGModifier* modifier = nullptr);
-  MStatus setFaceVertexColors(const MColorArray& colors, const MIntArray& faceList, const MIntArray& vertexList,
-                              MDGModifier* modifier = nullptr);
-  MStatus setFaceVertexColors(const MColorArray& colors, const MIntArray& faceList, const MIntArray& vertexList,
-                              MDGModifier* modifier, MColorRepresentation rep);
+  MStatus setFaceVertexColor(const MColor& color, int faceId, int vertexId,
+                             MDGModifier* modifier = nullptr);
+  MStatus setFaceVertexColors(const MColorArray& colors, const MIntArray& faceList,
+                              const MIntArray& vertexList, MDGModifier* modifier = nullptr);
+  MStatus setFaceVertexColors(const MColorArray& colors, const MIntArray& faceList,
+                              const MIntArray& vertexList, MDGModifier* modifier,
+                              MColorRepresentation rep);
   MStatus removeVertexColors(const MIntArray& vertexList, MDGModifier* modifier = nullptr);
   MStatus removeFaceColors(const MIntArray& faceList);
   MStatus removeFaceVertexColors(const MIntArray& faceList, const MIntArray& vertexList,
@@ -284,33 +311,41 @@ class MFnMesh : public MFnDagNode {
   MStatus getCreaseVertices(MUintArray& vertexIds, MDoubleArray& creaseData) const;
   MStatus setCreaseVertices(const MUintArray& vertexIds, const MDoubleArray& creaseData);
 
-  // Queries. A face list narrows the search to those faces; with a triangle list beside it, to one triangle of each.
+  // Queries. A face list narrows the search to those faces; with a triangle list beside it, to one
+  // triangle of each.
   /// Lists the points at which a ray enters or leaves the mesh.
   bool intersect(const MPoint& raySource, const MVector& rayDirection, MPointArray& points,
                  double tolerance = MFnMesh_kPointTol, MSpace::Space space = MSpace::kObject,
                  MIntArray* polygonIds = nullptr, MStatus* status = nullptr) const;
-  bool closestIntersection(const MFloatPoint& raySource, const MFloatVector& rayDirection, const MIntArray* faceIds,
-                           const MIntArray* triIds, bool idsSorted, MSpace::Space space, float maxParam,
-                           bool testBothDirections, MMeshIsectAccelParams* accelParams, MFloatPoint& hitPoint,
-                           float* hitRayParam, int* hitFace, int* hitTriangle, float* hitBary1, float* hitBary2,
-                           float tolerance = 1e-6F, MStatus* status = nullptr) const;
-  bool anyIntersection(const MFloatPoint& raySource, const MFloatVector& rayDirection, const MIntArray* faceIds,
-                       const MIntArray* triIds, bool idsSorted, MSpace::Space space, float maxParam,
-                       bool testBothDirections, MMeshIsectAccelParams* accelParams, MFloatPoint& hitPoint,
-                       float* hitRayParam, int* hitFace, int* hitTriangle, float* hitBary1, float* hitBary2,
-                       float tolerance = 1e-6F, MStatus* status = nullptr) const;
-  bool allIntersections(const MFloatPoint& raySource, const MFloatVector& rayDirection, const MIntArray* faceIds,
-                        const MIntArray* triIds, bool idsSorted, MSpace::Space space, float maxParam,
-                        bool testBothDirections, MMeshIsectAccelParams* accelParams, bool sortHits,
+  bool closestIntersection(const MFloatPoint& raySource, const MFloatVector& rayDirection,
+                           const MIntArray* faceIds, const MIntArray* triIds, bool idsSorted,
+                           MSpace::Space space, float maxParam, bool testBothDirections,
+                           MMeshIsectAccelParams* accelParams, MFloatPoint& hitPoint,
+                           float* hitRayParam, int* hitFace, int* hitTriangle, float* hitBary1,
+                           float* hitBary2, float tolerance = 1e-6F,
+                           MStatus* status = nullptr) const;
+  bool anyIntersection(const MFloatPoint& raySource, const MFloatVector& rayDirection,
+                       const MIntArray* faceIds, const MIntArray* triIds, bool idsSorted,
+                       MSpace::Space space, float maxParam, bool testBothDirections,
+                       MMeshIsectAccelParams* accelParams, MFloatPoint& hitPoint,
+                       float* hitRayParam, int* hitFace, int* hitTriangle, float* hitBary1,
+                       float* hitBary2, float tolerance = 1e-6F, MStatus* status = nullptr) const;
+  bool allIntersections(const MFloatPoint& raySource, const MFloatVector& rayDirection,
+                        const MIntArray* faceIds, const MIntArray* triIds, bool idsSorted,
+                        MSpace::Space space, float maxParam, bool testBothDirections,
+                        MMeshIsectAccelParams* accelParams, bool sortHits,
                         MFloatPointArray& hitPoints, MFloatArray* hitRayParams, MIntArray* hitFaces,
                         MIntArray* hitTriangles, MFloatArray* hitBary1s, MFloatArray* hitBary2s,
                         float tolerance = 1e-6F, MStatus* status = nullptr) const;
-  MStatus getClosestPoint(const MPoint& toThisPoint, MPoint& theClosestPoint, MSpace::Space space = MSpace::kObject,
-                          int* closestPolygon = nullptr, MMeshIsectAccelParams* accelParams = nullptr) const;
-  MStatus getClosestNormal(const MPoint& toThisPoint, MVector& theNormal, MSpace::Space space = MSpace::kObject,
-                           int* closestPolygon = nullptr, MMeshIsectAccelParams* accelParams = nullptr) const;
-  MStatus getClosestPointAndNormal(const MPoint& toThisPoint, MPoint& theClosestPoint, MVector& theNormal,
-                                   MSpace::Space space = MSpace::kObject, int* closestPolygon = nullptr,
+  MStatus getClosestPoint(const MPoint& toThisPoint, MPoint& theClosestPoint,
+                          MSpace::Space space = MSpace::kObject, int* closestPolygon = nullptr,
+                          MMeshIsectAccelParams* accelParams = nullptr) const;
+  MStatus getClosestNormal(const MPoint& toThisPoint, MVector& theNormal,
+                           MSpace::Space space = MSpace::kObject, int* closestPolygon = nullptr,
+                           MMeshIsectAccelParams* accelParams = nullptr) const;
+  MStatus getClosestPointAndNormal(const MPoint& toThisPoint, MPoint& theClosestPoint,
+                                   MVector& theNormal, MSpace::Space space = MSpace::kObject,
+                                   int* closestPolygon = nullptr,
                                    MMeshIsectAccelParams* accelParams = nullptr) const;
   static MMeshIsectAccelParams uniformGridParams(int xDivisions, int yDivisions, int zDivisions);
   static MMeshIsectAccelParams autoUniformGridParams();
@@ -320,9 +355,10 @@ class MFnMesh : public MFnDagNode {
   MString cachedIntersectionAcceleratorInfo(MStatus* status = nullptr) const;
 
   // Shading.
-  MStatus getConnectedSetsAndMembers(unsigned int instanceNumber, MObjectArray& sets, MObjectArray& comps,
-                                     bool renderableSetsOnly) const;
-  MStatus getConnectedShaders(unsigned int instanceNumber, MObjectArray& shaders, MIntArray& indices) const;
+  MStatus getConnectedSetsAndMembers(unsigned int instanceNumber, MObjectArray& sets,
+                                     MObjectArray& comps, bool renderableSetsOnly) const;
+  MStatus getConnectedShaders(unsigned int instanceNumber, MObjectArray& shaders,
+                              MIntArray& indices) const;
 
   // Blind data.
   bool isBlindDataTypeUsed(int blindDataId, MStatus* status = nullptr) const;

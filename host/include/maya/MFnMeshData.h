@@ -10,6 +10,7 @@ class MFnMeshData : public MFnGeometryData {
   MFnMeshData(const MObject& object, MStatus* status = nullptr) { attach(object, status); }
   MFn::Type type() const override { return MFn::kMeshData; }
 
-  /// Makes data without a mesh; `MFnMesh::create` and `copy` fill it when it is given as their parent.
+  /// Makes data without a mesh; `MFnMesh::create` and `copy` fill it when it is given as their
+  /// parent.
   MObject create(MStatus* status = nullptr);
 };

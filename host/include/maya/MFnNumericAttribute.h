@@ -14,10 +14,11 @@ class MFnNumericAttribute : public MFnAttribute {
   MObject create(const MString& fullName, const MString& briefName, MFnNumericData::Type unitType,
                  double defaultValue = 0, MStatus* status = nullptr);
   MObject create(const MString& fullName, const MString& briefName, const MObject& child1,
-                 const MObject& child2 = MObject::kNullObj, const MObject& child3 = MObject::kNullObj,
+                 const MObject& child2 = MObject::kNullObj,
+                 const MObject& child3 = MObject::kNullObj, MStatus* status = nullptr);
+  MObject create(const MString& fullName, const MString& briefName, const MObject& child1,
+                 const MObject& child2, const MObject& child3, const MObject& child4,
                  MStatus* status = nullptr);
-  MObject create(const MString& fullName, const MString& briefName, const MObject& child1, const MObject& child2,
-                 const MObject& child3, const MObject& child4, MStatus* status = nullptr);
   /// Makes a colour: three floats with children R, G and B.
   MObject createColor(const MString& fullName, const MString& briefName, MStatus* status = nullptr);
   /// Makes a point: three floats with children X, Y and Z.

@@ -58,13 +58,15 @@ class MFnPlugin : public MFnBase {
   MStatus registerShape(const MString& typeName, const MTypeId& typeId, MCreatorFunction creator,
                         MInitializeFunction initialize, MCreatorFunction uiCreator,
                         const MString* classification = nullptr);
-  MStatus registerTransform(const MString& typeName, const MTypeId& typeId, MCreatorFunction creator,
-                            MInitializeFunction initialize, MCreatorFunction matrixCreator, const MTypeId& matrixId,
+  MStatus registerTransform(const MString& typeName, const MTypeId& typeId,
+                            MCreatorFunction creator, MInitializeFunction initialize,
+                            MCreatorFunction matrixCreator, const MTypeId& matrixId,
                             const MString* classification = nullptr);
 
   MStatus registerContextCommand(const MString& commandName, MCreatorFunction creator);
-  MStatus registerContextCommand(const MString& commandName, MCreatorFunction creator, const MString& toolCommandName,
-                                 MCreatorFunction toolCreator, MCreateSyntaxFunction toolSyntax = nullptr);
+  MStatus registerContextCommand(const MString& commandName, MCreatorFunction creator,
+                                 const MString& toolCommandName, MCreatorFunction toolCreator,
+                                 MCreateSyntaxFunction toolSyntax = nullptr);
   MStatus deregisterContextCommand(const MString& commandName);
   MStatus deregisterContextCommand(const MString& commandName, const MString& toolCommandName);
 
@@ -72,12 +74,14 @@ class MFnPlugin : public MFnBase {
                        MPxData::Type type = MPxData::kData);
   MStatus deregisterData(const MTypeId& typeId);
 
-  /// Names the procedures that build and remove the plug-in's interface, in the window and in batch mode.
-  MStatus registerUI(const MString& creationProc, const MString& deletionProc, const MString& creationBatchProc = "",
-                     const MString& deletionBatchProc = "");
-  MStringArray addMenuItem(const MString& menuItemName, const MString& parentName, const MString& commandName,
-                           const MString& commandParams, bool needOptionBox = false,
-                           const MString* optBoxFunction = nullptr, MStatus* status = nullptr);
+  /// Names the procedures that build and remove the plug-in's interface, in the window and in batch
+  /// mode.
+  MStatus registerUI(const MString& creationProc, const MString& deletionProc,
+                     const MString& creationBatchProc = "", const MString& deletionBatchProc = "");
+  MStringArray addMenuItem(const MString& menuItemName, const MString& parentName,
+                           const MString& commandName, const MString& commandParams,
+                           bool needOptionBox = false, const MString* optBoxFunction = nullptr,
+                           MStatus* status = nullptr);
   MStatus removeMenuItem(MStringArray& menuItemNames);
   MStatus setUnloadCallback(MCreatorFunction callback);
 };

@@ -10,16 +10,24 @@ class MObjectArray;
 /// Works on sets.
 class MFnSet : public MFnDependencyNode {
  public:
-  enum Restriction { kNone, kVerticesOnly, kEdgesOnly, kFacetsOnly, kEditPointsOnly, kRenderableOnly };
+  enum Restriction {
+    kNone,
+    kVerticesOnly,
+    kEdgesOnly,
+    kFacetsOnly,
+    kEditPointsOnly,
+    kRenderableOnly
+  };
 
   MFnSet() = default;
   MFnSet(const MObject& object, MStatus* status = nullptr) { attach(object, status); }
   MFn::Type type() const override { return MFn::kSet; }
 
   using MFnDependencyNode::create;
-  MObject create(const MSelectionList& members, Restriction restriction = kNone, MStatus* status = nullptr);
-  MObject create(const MSelectionList& members, MDGModifier* modifier, Restriction restriction = kNone,
+  MObject create(const MSelectionList& members, Restriction restriction = kNone,
                  MStatus* status = nullptr);
+  MObject create(const MSelectionList& members, MDGModifier* modifier,
+                 Restriction restriction = kNone, MStatus* status = nullptr);
   Restriction restriction(MStatus* status = nullptr) const;
   bool hasRestrictions(MStatus* status = nullptr) const;
   MStatus addMember(const MObject& object);

@@ -8,7 +8,9 @@
 class MFnSingleIndexedComponent : public MFnComponent {
  public:
   MFnSingleIndexedComponent() = default;
-  MFnSingleIndexedComponent(const MObject& object, MStatus* status = nullptr) { attach(object, status); }
+  MFnSingleIndexedComponent(const MObject& object, MStatus* status = nullptr) {
+    attach(object, status);
+  }
   MFn::Type type() const override { return MFn::kSingleIndexedComponent; }
 
   MObject create(MFn::Type componentType, MStatus* status = nullptr);

@@ -13,10 +13,30 @@
 class MFnTransform : public MFnDagNode {
  public:
   enum LimitType {
-    kScaleMinX, kScaleMaxX, kScaleMinY, kScaleMaxY, kScaleMinZ, kScaleMaxZ,
-    kShearMinXY, kShearMaxXY, kShearMinXZ, kShearMaxXZ, kShearMinYZ, kShearMaxYZ,
-    kRotateMinX, kRotateMaxX, kRotateMinY, kRotateMaxY, kRotateMinZ, kRotateMaxZ,
-    kTranslateMinX, kTranslateMaxX, kTranslateMinY, kTranslateMaxY, kTranslateMinZ, kTranslateMaxZ
+    kScaleMinX,
+    kScaleMaxX,
+    kScaleMinY,
+    kScaleMaxY,
+    kScaleMinZ,
+    kScaleMaxZ,
+    kShearMinXY,
+    kShearMaxXY,
+    kShearMinXZ,
+    kShearMaxXZ,
+    kShearMinYZ,
+    kShearMaxYZ,
+    kRotateMinX,
+    kRotateMaxX,
+    kRotateMinY,
+    kRotateMaxY,
+    kRotateMinZ,
+    kRotateMaxZ,
+    kTranslateMinX,
+    kTranslateMaxX,
+    kTranslateMinY,
+    kTranslateMaxY,
+    kTranslateMinZ,
+    kTranslateMaxZ
   };
 
   MFnTransform() = default;
@@ -34,7 +54,9 @@ class MFnTransform : public MFnDagNode {
   MStatus resetFromRestPosition();
 
   MVector getTranslation(MSpace::Space space, MStatus* status = nullptr) const;
-  MVector translation(MSpace::Space space, MStatus* status = nullptr) const { return getTranslation(space, status); }
+  MVector translation(MSpace::Space space, MStatus* status = nullptr) const {
+    return getTranslation(space, status);
+  }
   MStatus setTranslation(const MVector& vector, MSpace::Space space);
   MStatus translateBy(const MVector& vector, MSpace::Space space);
 
@@ -42,18 +64,22 @@ class MFnTransform : public MFnDagNode {
   MStatus getRotation(MQuaternion& quaternion) const;
   MStatus getRotation(MQuaternion& quaternion, MSpace::Space space) const;
   MStatus getRotation(double rotation[3], MTransformationMatrix::RotationOrder& order) const;
-  MStatus getRotation(double rotation[3], MTransformationMatrix::RotationOrder& order, MSpace::Space space) const;
+  MStatus getRotation(double rotation[3], MTransformationMatrix::RotationOrder& order,
+                      MSpace::Space space) const;
   MStatus setRotation(const MEulerRotation& rotation);
   MStatus setRotation(const MQuaternion& quaternion);
   MStatus setRotation(const MQuaternion& quaternion, MSpace::Space space);
   MStatus setRotation(const double rotation[3], MTransformationMatrix::RotationOrder order);
-  MStatus setRotation(const double rotation[3], MTransformationMatrix::RotationOrder order, MSpace::Space space);
+  MStatus setRotation(const double rotation[3], MTransformationMatrix::RotationOrder order,
+                      MSpace::Space space);
   MStatus rotateBy(const MEulerRotation& rotation);
   MStatus rotateBy(const MEulerRotation& rotation, MSpace::Space space);
   MStatus rotateBy(const MQuaternion& quaternion, MSpace::Space space);
-  MStatus rotateBy(const double rotation[3], MTransformationMatrix::RotationOrder order, MSpace::Space space);
+  MStatus rotateBy(const double rotation[3], MTransformationMatrix::RotationOrder order,
+                   MSpace::Space space);
   MStatus getRotationQuaternion(double& x, double& y, double& z, double& w) const;
-  MStatus getRotationQuaternion(double& x, double& y, double& z, double& w, MSpace::Space space) const;
+  MStatus getRotationQuaternion(double& x, double& y, double& z, double& w,
+                                MSpace::Space space) const;
   MStatus setRotationQuaternion(double x, double y, double z, double w);
   MStatus setRotationQuaternion(double x, double y, double z, double w, MSpace::Space space);
   MStatus rotateByQuaternion(double x, double y, double z, double w, MSpace::Space space);

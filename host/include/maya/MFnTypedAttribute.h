@@ -14,10 +14,12 @@ class MFnTypedAttribute : public MFnAttribute {
 
   MObject create(const MString& fullName, const MString& briefName, const MTypeId& id,
                  const MObject& defaultData = MObject::kNullObj, MStatus* status = nullptr);
-  MObject create(const MString& fullName, const MString& briefName, const MTypeId& id, MStatus* status);
+  MObject create(const MString& fullName, const MString& briefName, const MTypeId& id,
+                 MStatus* status);
   MObject create(const MString& fullName, const MString& briefName, MFnData::Type type,
                  const MObject& defaultData = MObject::kNullObj, MStatus* status = nullptr);
-  MObject create(const MString& fullName, const MString& briefName, MFnData::Type type, MStatus* status);
+  MObject create(const MString& fullName, const MString& briefName, MFnData::Type type,
+                 MStatus* status);
   MFnData::Type attrType(MStatus* status = nullptr) const;
   MStatus getDefault(MObject& defaultData) const;
   MStatus setDefault(const MObject& defaultData);

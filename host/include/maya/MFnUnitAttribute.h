@@ -15,8 +15,8 @@ class MFnUnitAttribute : public MFnAttribute {
   MFnUnitAttribute(const MObject& object, MStatus* status = nullptr) { attach(object, status); }
   MFn::Type type() const override { return MFn::kUnitAttribute; }
 
-  MObject create(const MString& fullName, const MString& briefName, Type unitType, double defaultValue = 0.0,
-                 MStatus* status = nullptr);
+  MObject create(const MString& fullName, const MString& briefName, Type unitType,
+                 double defaultValue = 0.0, MStatus* status = nullptr);
   MObject create(const MString& fullName, const MString& briefName, const MDistance& defaultValue,
                  MStatus* status = nullptr);
   MObject create(const MString& fullName, const MString& briefName, const MAngle& defaultValue,

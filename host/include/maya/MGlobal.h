@@ -30,13 +30,25 @@ class MGlobal {
   };
   enum SelectionMethod { kSurfaceSelectMethod, kWireframeSelectMethod };
   enum DisplayStatus {
-    kActive, kLive, kDormant, kInvisible, kHilite, kTemplate, kActiveTemplate, kActiveComponent, kLead,
-    kIntermediateObject, kActiveAffected, kNoStatus
+    kActive,
+    kLive,
+    kDormant,
+    kInvisible,
+    kHilite,
+    kTemplate,
+    kActiveTemplate,
+    kActiveComponent,
+    kLead,
+    kIntermediateObject,
+    kActiveAffected,
+    kNoStatus
   };
   enum MMayaState { kInteractive, kBatch, kLibraryApp, kBaseUIMode };
 
-  static MStatus getActiveSelectionList(MSelectionList& dest, bool orderedSelectionIfAvailable = false);
-  static MStatus setActiveSelectionList(const MSelectionList& src, ListAdjustment listAdjustment = kReplaceList);
+  static MStatus getActiveSelectionList(MSelectionList& dest,
+                                        bool orderedSelectionIfAvailable = false);
+  static MStatus setActiveSelectionList(const MSelectionList& src,
+                                        ListAdjustment listAdjustment = kReplaceList);
   static MStatus clearSelectionList();
   static MStatus getHiliteList(MSelectionList& dest);
   static MStatus setHiliteList(const MSelectionList& src);
@@ -51,15 +63,17 @@ class MGlobal {
                         ListAdjustment listAdjustment = kAddToList);
   static MStatus select(const MObject& object, ListAdjustment listAdjustment = kAddToList);
   static MStatus selectByName(const MString& name, ListAdjustment listAdjustment = kAddToList);
-  static MStatus selectCommand(const MSelectionList& src, ListAdjustment listAdjustment = kAddToList);
+  static MStatus selectCommand(const MSelectionList& src,
+                               ListAdjustment listAdjustment = kAddToList);
   static MStatus unselect(const MDagPath& object, const MObject& component = MObject::kNullObj);
   static MStatus unselect(const MObject& object);
   static MStatus unselectByName(const MString& name);
   /// Picks what is under a screen position or inside a screen rectangle of the active view.
-  static MStatus selectFromScreen(const short& x_pos, const short& y_pos, ListAdjustment listAdjustment = kAddToList,
-                                  SelectionMethod selectMethod = kWireframeSelectMethod);
-  static MStatus selectFromScreen(const short& start_x, const short& start_y, const short& end_x, const short& end_y,
+  static MStatus selectFromScreen(const short& x_pos, const short& y_pos,
                                   ListAdjustment listAdjustment = kAddToList,
+                                  SelectionMethod selectMethod = kWireframeSelectMethod);
+  static MStatus selectFromScreen(const short& start_x, const short& start_y, const short& end_x,
+                                  const short& end_y, ListAdjustment listAdjustment = kAddToList,
                                   SelectionMethod selectMethod = kWireframeSelectMethod);
 
   static SelectionMode selectionMode(MStatus* status = nullptr);
@@ -101,38 +115,41 @@ class MGlobal {
   static MString currentToolContext();
   static MStatus initOpenGLPipeline();
 
-  /// Runs a MEL command line: `displayEnabled` echoes it and its result, `undoEnabled` puts it on the undo queue.
-  static MStatus executeCommand(const MString& command, bool displayEnabled = false, bool undoEnabled = false);
-  static MStatus executeCommand(const MString& command, MCommandResult& result, bool displayEnabled = false,
+  /// Runs a MEL command line: `displayEnabled` echoes it and its result, `undoEnabled` puts it on
+  /// the undo queue.
+  static MStatus executeCommand(const MString& command, bool displayEnabled = false,
                                 bool undoEnabled = false);
+  static MStatus executeCommand(const MString& command, MCommandResult& result,
+                                bool displayEnabled = false, bool undoEnabled = false);
   static MStatus executeCommand(const MString& command, int& result, bool displayEnabled = false,
                                 bool undoEnabled = false);
-  static MStatus executeCommand(const MString& command, MIntArray& result, bool displayEnabled = false,
-                                bool undoEnabled = false);
+  static MStatus executeCommand(const MString& command, MIntArray& result,
+                                bool displayEnabled = false, bool undoEnabled = false);
   static MStatus executeCommand(const MString& command, double& result, bool displayEnabled = false,
                                 bool undoEnabled = false);
-  static MStatus executeCommand(const MString& command, MDoubleArray& result, bool displayEnabled = false,
-                                bool undoEnabled = false);
-  static MStatus executeCommand(const MString& command, MString& result, bool displayEnabled = false,
-                                bool undoEnabled = false);
-  static MStatus executeCommand(const MString& command, MStringArray& result, bool displayEnabled = false,
-                                bool undoEnabled = false);
-  static MStatus executeCommand(const MString& command, MVector& result, bool displayEnabled = false,
-                                bool undoEnabled = false);
-  static MStatus executeCommand(const MString& command, MVectorArray& result, bool displayEnabled = false,
-                                bool undoEnabled = false);
+  static MStatus executeCommand(const MString& command, MDoubleArray& result,
+                                bool displayEnabled = false, bool undoEnabled = false);
+  static MStatus executeCommand(const MString& command, MString& result,
+                                bool displayEnabled = false, bool undoEnabled = false);
+  static MStatus executeCommand(const MString& command, MStringArray& result,
+                                bool displayEnabled = false, bool undoEnabled = false);
+  static MStatus executeCommand(const MString& command, MVector& result,
+                                bool displayEnabled = false, bool undoEnabled = false);
+  static MStatus executeCommand(const MString& command, MVectorArray& result,
+                                bool displayEnabled = false, bool undoEnabled = false);
   static MString executeCommandStringResult(const MString& command, bool displayEnabled = false,
                                             bool undoEnabled = false, MStatus* status = nullptr);
   static MStatus executeCommandOnIdle(const MString& command, bool displayEnabled = false);
   static MStatus sourceFile(const MString& fileName);
   /// There is no Python in this host: these fail and say so.
-  static MStatus executePythonCommand(const MString& command, bool displayEnabled = false, bool undoEnabled = false);
-  static MStatus executePythonCommand(const MString& command, int& result, bool displayEnabled = false,
+  static MStatus executePythonCommand(const MString& command, bool displayEnabled = false,
                                       bool undoEnabled = false);
-  static MStatus executePythonCommand(const MString& command, double& result, bool displayEnabled = false,
-                                      bool undoEnabled = false);
-  static MStatus executePythonCommand(const MString& command, MString& result, bool displayEnabled = false,
-                                      bool undoEnabled = false);
+  static MStatus executePythonCommand(const MString& command, int& result,
+                                      bool displayEnabled = false, bool undoEnabled = false);
+  static MStatus executePythonCommand(const MString& command, double& result,
+                                      bool displayEnabled = false, bool undoEnabled = false);
+  static MStatus executePythonCommand(const MString& command, MString& result,
+                                      bool displayEnabled = false, bool undoEnabled = false);
   static MStatus executePythonCommandOnIdle(const MString& command, bool displayEnabled = false);
 
   static void displayInfo(const MString& text);
@@ -161,6 +178,7 @@ class MGlobal {
   static bool setOptionVarValue(const MString& name, const MString& value);
   static bool initOptionVar(const MString& name, int value, const MString& category = MString());
   static bool initOptionVar(const MString& name, double value, const MString& category = MString());
-  static bool initOptionVar(const MString& name, const MString& value, const MString& category = MString());
+  static bool initOptionVar(const MString& name, const MString& value,
+                            const MString& category = MString());
   static bool removeOptionVar(const MString& name);
 };

@@ -7,7 +7,8 @@
 class MIntArray : public host::api::Array<MIntArray, int> {
  public:
   MIntArray() = default;
-  explicit MIntArray(unsigned int initialSize, int initialValue = 0) : Array(initialSize, initialValue) {}
+  explicit MIntArray(unsigned int initialSize, int initialValue = 0)
+      : Array(initialSize, initialValue) {}
   MIntArray(const int source[], unsigned int count) : Array(source, count) {}
 
   MStatus get(int dest[]) const {

@@ -16,14 +16,18 @@ class MItDag {
  public:
   enum TraversalType { kInvalidType, kDepthFirst, kBreadthFirst };
 
-  MItDag(TraversalType type = kDepthFirst, MFn::Type filter = MFn::kInvalid, MStatus* status = nullptr);
-  MItDag(const MIteratorType& infoObject, TraversalType type = kDepthFirst, MStatus* status = nullptr);
+  MItDag(TraversalType type = kDepthFirst, MFn::Type filter = MFn::kInvalid,
+         MStatus* status = nullptr);
+  MItDag(const MIteratorType& infoObject, TraversalType type = kDepthFirst,
+         MStatus* status = nullptr);
   MItDag(const MItDag&) = delete;
   MItDag& operator=(const MItDag&) = delete;
 
   MStatus reset();
-  MStatus reset(const MObject& object, TraversalType type = kDepthFirst, MFn::Type filter = MFn::kInvalid);
-  MStatus reset(const MDagPath& path, TraversalType type = kDepthFirst, MFn::Type filter = MFn::kInvalid);
+  MStatus reset(const MObject& object, TraversalType type = kDepthFirst,
+                MFn::Type filter = MFn::kInvalid);
+  MStatus reset(const MDagPath& path, TraversalType type = kDepthFirst,
+                MFn::Type filter = MFn::kInvalid);
   MStatus next();
   bool isDone(MStatus* status = nullptr) const;
   MStatus prune();

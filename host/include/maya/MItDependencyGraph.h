@@ -18,20 +18,25 @@ class MItDependencyGraph {
   enum Traversal { kDepthFirst, kBreadthFirst };
   enum Level { kNodeLevel, kPlugLevel };
 
-  MItDependencyGraph(MObject& rootNode, MFn::Type filter = MFn::kInvalid, Direction direction = kDownstream,
-                     Traversal traversal = kDepthFirst, Level level = kNodeLevel, MStatus* status = nullptr);
-  MItDependencyGraph(MPlug& rootPlug, MFn::Type filter = MFn::kInvalid, Direction direction = kDownstream,
-                     Traversal traversal = kDepthFirst, Level level = kNodeLevel, MStatus* status = nullptr);
-  MItDependencyGraph(MObject& rootNode, const MIteratorType& filter, Direction direction = kDownstream,
-                     Traversal traversal = kDepthFirst, Level level = kNodeLevel, MStatus* status = nullptr);
+  MItDependencyGraph(MObject& rootNode, MFn::Type filter = MFn::kInvalid,
+                     Direction direction = kDownstream, Traversal traversal = kDepthFirst,
+                     Level level = kNodeLevel, MStatus* status = nullptr);
+  MItDependencyGraph(MPlug& rootPlug, MFn::Type filter = MFn::kInvalid,
+                     Direction direction = kDownstream, Traversal traversal = kDepthFirst,
+                     Level level = kNodeLevel, MStatus* status = nullptr);
+  MItDependencyGraph(MObject& rootNode, const MIteratorType& filter,
+                     Direction direction = kDownstream, Traversal traversal = kDepthFirst,
+                     Level level = kNodeLevel, MStatus* status = nullptr);
   MItDependencyGraph(const MItDependencyGraph&) = delete;
   MItDependencyGraph& operator=(const MItDependencyGraph&) = delete;
 
   MStatus reset();
-  MStatus resetTo(MObject& rootNode, MFn::Type filter = MFn::kInvalid, Direction direction = kDownstream,
-                  Traversal traversal = kDepthFirst, Level level = kNodeLevel);
-  MStatus resetTo(MPlug& rootPlug, MFn::Type filter = MFn::kInvalid, Direction direction = kDownstream,
-                  Traversal traversal = kDepthFirst, Level level = kNodeLevel);
+  MStatus resetTo(MObject& rootNode, MFn::Type filter = MFn::kInvalid,
+                  Direction direction = kDownstream, Traversal traversal = kDepthFirst,
+                  Level level = kNodeLevel);
+  MStatus resetTo(MPlug& rootPlug, MFn::Type filter = MFn::kInvalid,
+                  Direction direction = kDownstream, Traversal traversal = kDepthFirst,
+                  Level level = kNodeLevel);
   MStatus next();
   bool isDone(MStatus* status = nullptr) const;
   MStatus prune();

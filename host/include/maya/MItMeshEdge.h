@@ -13,7 +13,8 @@
 class MItMeshEdge {
  public:
   MItMeshEdge(const MObject& polyObject, MStatus* status = nullptr);
-  MItMeshEdge(const MDagPath& polyObject, const MObject& component = MObject::kNullObj, MStatus* status = nullptr);
+  MItMeshEdge(const MDagPath& polyObject, const MObject& component = MObject::kNullObj,
+              MStatus* status = nullptr);
   MItMeshEdge(const MItMeshEdge&) = delete;
   MItMeshEdge& operator=(const MItMeshEdge&) = delete;
 

@@ -20,7 +20,8 @@
 class MItMeshPolygon {
  public:
   MItMeshPolygon(const MObject& polyObject, MStatus* status = nullptr);
-  MItMeshPolygon(const MDagPath& polyObject, const MObject& component = MObject::kNullObj, MStatus* status = nullptr);
+  MItMeshPolygon(const MDagPath& polyObject, const MObject& component = MObject::kNullObj,
+                 MStatus* status = nullptr);
   MItMeshPolygon(const MItMeshPolygon&) = delete;
   MItMeshPolygon& operator=(const MItMeshPolygon&) = delete;
 
@@ -42,11 +43,13 @@ class MItMeshPolygon {
   MStatus getVertices(MIntArray& vertices) const;
   MStatus getEdges(MIntArray& edges) const;
   MPoint point(int index, MSpace::Space space = MSpace::kObject, MStatus* status = nullptr) const;
-  void getPoints(MPointArray& pointArray, MSpace::Space space = MSpace::kObject, MStatus* status = nullptr) const;
+  void getPoints(MPointArray& pointArray, MSpace::Space space = MSpace::kObject,
+                 MStatus* status = nullptr) const;
   MStatus setPoint(const MPoint& point, unsigned int index, MSpace::Space space = MSpace::kObject);
   MStatus setPoints(const MPointArray& pointArray, MSpace::Space space = MSpace::kObject);
   MStatus getNormal(MVector& normal, MSpace::Space space = MSpace::kObject) const;
-  MStatus getNormal(unsigned int localVertexIndex, MVector& normal, MSpace::Space space = MSpace::kObject) const;
+  MStatus getNormal(unsigned int localVertexIndex, MVector& normal,
+                    MSpace::Space space = MSpace::kObject) const;
   MStatus getNormals(MVectorArray& vectorArray, MSpace::Space space = MSpace::kObject) const;
   unsigned int normalIndex(int localVertexIndex, MStatus* status = nullptr) const;
   unsigned int tangentIndex(int localVertexIndex, MStatus* status = nullptr) const;
@@ -72,7 +75,8 @@ class MItMeshPolygon {
   MStatus numTriangles(int& count) const;
   MStatus getTriangle(int localTriIndex, MPointArray& points, MIntArray& vertexList,
                       MSpace::Space space = MSpace::kObject) const;
-  MStatus getTriangles(MPointArray& points, MIntArray& vertexList, MSpace::Space space = MSpace::kObject) const;
+  MStatus getTriangles(MPointArray& points, MIntArray& vertexList,
+                       MSpace::Space space = MSpace::kObject) const;
 
   bool hasUVs(MStatus* status = nullptr) const;
   bool hasUVs(const MString& uvSet, MStatus* status = nullptr) const;
@@ -81,7 +85,8 @@ class MItMeshPolygon {
   MStatus getUVs(MFloatArray& uArray, MFloatArray& vArray, const MString* uvSet = nullptr) const;
   MStatus setUVs(MFloatArray& uArray, MFloatArray& vArray, const MString* uvSet = nullptr);
   MStatus getUVIndex(int vertexId, int& uvIndex, const MString* uvSet = nullptr) const;
-  MStatus getUVIndex(int vertexId, int& uvIndex, float& u, float& v, const MString* uvSet = nullptr) const;
+  MStatus getUVIndex(int vertexId, int& uvIndex, float& u, float& v,
+                     const MString* uvSet = nullptr) const;
   MStatus getPointAtUV(MPoint& point, float2& uvPoint, MSpace::Space space = MSpace::kObject,
                        const MString* uvSet = nullptr, float tolerance = 0.0F) const;
   MStatus getUVAtPoint(MPoint& point, float2& uvPoint, MSpace::Space space = MSpace::kObject,

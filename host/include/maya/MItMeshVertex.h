@@ -20,7 +20,8 @@
 class MItMeshVertex {
  public:
   MItMeshVertex(const MObject& polyObject, MStatus* status = nullptr);
-  MItMeshVertex(const MDagPath& polyObject, const MObject& component = MObject::kNullObj, MStatus* status = nullptr);
+  MItMeshVertex(const MDagPath& polyObject, const MObject& component = MObject::kNullObj,
+                MStatus* status = nullptr);
   MItMeshVertex(const MItMeshVertex&) = delete;
   MItMeshVertex& operator=(const MItMeshVertex&) = delete;
 
@@ -56,8 +57,10 @@ class MItMeshVertex {
 
   MStatus getUV(float2& uvPoint, const MString* uvSet = nullptr) const;
   MStatus setUV(float2& uvPoint, const MString* uvSet = nullptr);
-  MStatus getUVs(MFloatArray& uArray, MFloatArray& vArray, MIntArray& faceIds, const MString* uvSet = nullptr) const;
-  MStatus setUVs(MFloatArray& uArray, MFloatArray& vArray, MIntArray& faceIds, const MString* uvSet = nullptr);
+  MStatus getUVs(MFloatArray& uArray, MFloatArray& vArray, MIntArray& faceIds,
+                 const MString* uvSet = nullptr) const;
+  MStatus setUVs(MFloatArray& uArray, MFloatArray& vArray, MIntArray& faceIds,
+                 const MString* uvSet = nullptr);
   MStatus getUVIndices(MIntArray& uvIndices, const MString* uvSet = nullptr) const;
   MStatus numUVs(int& uvCount, const MString* uvSet = nullptr) const;
 

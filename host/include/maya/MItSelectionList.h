@@ -12,12 +12,20 @@
 
 /// Visits the items of a selection list that a filter accepts.
 ///
-/// With a component filter every item's components of that type are visited, one stop a path and type.
+/// With a component filter every item's components of that type are visited, one stop a path and
+/// type.
 class MItSelectionList {
  public:
-  enum selItemType { kUnknownItem = -1, kDagSelectionItem = 0, kAnimSelectionItem, kDNselectionItem, kPlugSelectionItem };
+  enum selItemType {
+    kUnknownItem = -1,
+    kDagSelectionItem = 0,
+    kAnimSelectionItem,
+    kDNselectionItem,
+    kPlugSelectionItem
+  };
 
-  MItSelectionList(const MSelectionList& list, MFn::Type filter = MFn::kInvalid, MStatus* status = nullptr);
+  MItSelectionList(const MSelectionList& list, MFn::Type filter = MFn::kInvalid,
+                   MStatus* status = nullptr);
   MItSelectionList(const MItSelectionList&) = delete;
   MItSelectionList& operator=(const MItSelectionList&) = delete;
 

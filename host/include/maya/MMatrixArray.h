@@ -8,7 +8,8 @@
 class MMatrixArray : public host::api::Array<MMatrixArray, MMatrix> {
  public:
   MMatrixArray() = default;
-  explicit MMatrixArray(unsigned int initialSize, const MMatrix& initialValue = MMatrix()) : Array(initialSize, initialValue) {}
+  explicit MMatrixArray(unsigned int initialSize, const MMatrix& initialValue = MMatrix())
+      : Array(initialSize, initialValue) {}
   MMatrixArray(const MMatrix source[], unsigned int count) : Array(source, count) {}
 
   MStatus get(double dest[][4][4]) const {

@@ -17,7 +17,8 @@ class MMeshIntersector {
   MMeshIntersector(const MMeshIntersector&) = delete;
   MMeshIntersector& operator=(const MMeshIntersector&) = delete;
 
-  /// Takes the mesh as it is now; points are given and returned in the space that `matrix` takes it to.
+  /// Takes the mesh as it is now; points are given and returned in the space that `matrix` takes it
+  /// to.
   MStatus create(const MObject& meshObject, const MMatrix& matrix = MMatrix::identity);
   bool isCreated() const;
   MStatus getClosestPoint(const MPoint& point, MPointOnMesh& meshPoint,

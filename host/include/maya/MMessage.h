@@ -34,12 +34,13 @@ class MMessage {
   typedef void (*MElapsedTimeFunction)(float elapsedTime, float lastTime, void* clientData);
   typedef void (*MCheckFunction)(bool* retCode, void* clientData);
   typedef void (*MCheckFileFunction)(bool* retCode, MFileObject& file, void* clientData);
-  typedef void (*MComponentFunction)(class MUintArray componentIds[], unsigned int count, void* clientData);
+  typedef void (*MComponentFunction)(class MUintArray componentIds[], unsigned int count,
+                                     void* clientData);
   typedef void (*MNodeFunction)(MObject& node, void* clientData);
   typedef void (*MStringFunction)(const MString& str, void* clientData);
   typedef void (*MTwoStringFunction)(const MString& str1, const MString& str2, void* clientData);
-  typedef void (*MThreeStringFunction)(const MString& str1, const MString& str2, const MString& str3,
-                                       void* clientData);
+  typedef void (*MThreeStringFunction)(const MString& str1, const MString& str2,
+                                       const MString& str3, void* clientData);
   typedef void (*MStringArrayFunction)(const MStringArray& strs, void* clientData);
   typedef void (*MStateFunction)(bool state, void* clientData);
   typedef void (*MTimeFunction)(MTime& time, void* clientData);

@@ -14,8 +14,10 @@ class MModelMessage : public MMessage {
                                                 MStatus* status = nullptr);
   static MCallbackId addAfterDuplicateCallback(MBasicFunction func, void* clientData = nullptr,
                                                MStatus* status = nullptr);
-  static MCallbackId addNodeAddedToModelCallback(MObject& node, MNodeFunction func, void* clientData = nullptr,
+  static MCallbackId addNodeAddedToModelCallback(MObject& node, MNodeFunction func,
+                                                 void* clientData = nullptr,
                                                  MStatus* status = nullptr);
-  static MCallbackId addNodeRemovedFromModelCallback(MObject& node, MNodeFunction func, void* clientData = nullptr,
+  static MCallbackId addNodeRemovedFromModelCallback(MObject& node, MNodeFunction func,
+                                                     void* clientData = nullptr,
                                                      MStatus* status = nullptr);
 };

@@ -24,25 +24,32 @@ class MNodeMessage : public MMessage {
     kOtherPlugSet = 0x4000,
     kLast = 0x8000
   };
-  typedef void (*MAttr2PlugFunction)(AttributeMessage message, MPlug& plug, MPlug& otherPlug, void* clientData);
+  typedef void (*MAttr2PlugFunction)(AttributeMessage message, MPlug& plug, MPlug& otherPlug,
+                                     void* clientData);
 
-  static MCallbackId addAttributeChangedCallback(MObject& node, MAttr2PlugFunction func, void* clientData = nullptr,
+  static MCallbackId addAttributeChangedCallback(MObject& node, MAttr2PlugFunction func,
+                                                 void* clientData = nullptr,
                                                  MStatus* status = nullptr);
   static MCallbackId addAttributeAddedOrRemovedCallback(MObject& node, MAttr2PlugFunction func,
-                                                        void* clientData = nullptr, MStatus* status = nullptr);
-  static MCallbackId addNodeDirtyCallback(MObject& node, MNodeFunction func, void* clientData = nullptr,
-                                          MStatus* status = nullptr);
-  static MCallbackId addNodeDirtyPlugCallback(MObject& node, MNodePlugFunction func, void* clientData = nullptr,
+                                                        void* clientData = nullptr,
+                                                        MStatus* status = nullptr);
+  static MCallbackId addNodeDirtyCallback(MObject& node, MNodeFunction func,
+                                          void* clientData = nullptr, MStatus* status = nullptr);
+  static MCallbackId addNodeDirtyPlugCallback(MObject& node, MNodePlugFunction func,
+                                              void* clientData = nullptr,
                                               MStatus* status = nullptr);
   /// A null node registers for all nodes.
-  static MCallbackId addNameChangedCallback(MObject& node, MNodeStringFunction func, void* clientData = nullptr,
-                                            MStatus* status = nullptr);
+  static MCallbackId addNameChangedCallback(MObject& node, MNodeStringFunction func,
+                                            void* clientData = nullptr, MStatus* status = nullptr);
   /// Fires before the node goes by a delete command, not by an undo.
   static MCallbackId addNodeAboutToDeleteCallback(MObject& node, MNodeModifierFunction func,
-                                                  void* clientData = nullptr, MStatus* status = nullptr);
-  static MCallbackId addNodePreRemovalCallback(MObject& node, MNodeFunction func, void* clientData = nullptr,
+                                                  void* clientData = nullptr,
+                                                  MStatus* status = nullptr);
+  static MCallbackId addNodePreRemovalCallback(MObject& node, MNodeFunction func,
+                                               void* clientData = nullptr,
                                                MStatus* status = nullptr);
   /// Fires when the node is really gone: when it has left the undo queue too.
-  static MCallbackId addNodeDestroyedCallback(MObject& node, MBasicFunction func, void* clientData = nullptr,
+  static MCallbackId addNodeDestroyedCallback(MObject& node, MBasicFunction func,
+                                              void* clientData = nullptr,
                                               MStatus* status = nullptr);
 };

@@ -5,7 +5,8 @@
 #include <maya/MTypes.h>
 #include <maya/detail/Handle.h>
 
-/// Refers to something that the host owns: a node, an attribute, a component list, a data value, a plug-in.
+/// Refers to something that the host owns: a node, an attribute, a component list, a data value, a
+/// plug-in.
 ///
 /// Copies refer to the same thing. Function sets (`MFn...`) read and change what it refers to.
 class MObject {

@@ -8,7 +8,8 @@
 class MObjectArray : public host::api::Array<MObjectArray, MObject> {
  public:
   MObjectArray() = default;
-  explicit MObjectArray(unsigned int initialSize, const MObject& initialValue = MObject()) : Array(initialSize, initialValue) {}
+  explicit MObjectArray(unsigned int initialSize, const MObject& initialValue = MObject())
+      : Array(initialSize, initialValue) {}
   MObjectArray(const MObject source[], unsigned int count) : Array(source, count) {}
 
   MStatus get(MObject dest[]) const {

@@ -21,7 +21,9 @@ class MObjectHandle {
   /// True while the object is part of the document.
   bool isValid() const;
   unsigned int hashCode() const;
-  static unsigned int objectHashCode(const MObject& object) { return MObjectHandle(object).hashCode(); }
+  static unsigned int objectHashCode(const MObject& object) {
+    return MObjectHandle(object).hashCode();
+  }
 
   bool operator==(const MObjectHandle& other) const { return object_ == other.object_; }
   bool operator==(const MObject& other) const { return object_ == other; }

@@ -25,10 +25,12 @@ class MPlug {
   MPlug(const MObject& node, const MObject& attribute);
 
   MString name(MStatus* status = nullptr) const;
-  /// Returns the name of the plug without its node, or with it; short or long names, with or without indices.
+  /// Returns the name of the plug without its node, or with it; short or long names, with or
+  /// without indices.
   MString partialName(bool includeNodeName = false, bool includeNonMandatoryIndices = false,
-                      bool includeInstancedIndices = false, bool useAlias = false, bool useFullAttributePath = false,
-                      bool useLongNames = false, MStatus* status = nullptr) const;
+                      bool includeInstancedIndices = false, bool useAlias = false,
+                      bool useFullAttributePath = false, bool useLongNames = false,
+                      MStatus* status = nullptr) const;
   MString info(MStatus* status = nullptr) const;
   MObject node(MStatus* status = nullptr) const;
   MObject attribute(MStatus* status = nullptr) const;
@@ -41,8 +43,10 @@ class MPlug {
   bool isChild(MStatus* status = nullptr) const;
   bool isIgnoredWhenRendering(MStatus* status = nullptr) const;
   unsigned int logicalIndex(MStatus* status = nullptr) const;
-  MStatus selectAncestorLogicalIndex(unsigned int index, const MObject& attribute = MObject::kNullObj);
-  unsigned int getExistingArrayAttributeIndices(MIntArray& indices, MStatus* status = nullptr) const;
+  MStatus selectAncestorLogicalIndex(unsigned int index,
+                                     const MObject& attribute = MObject::kNullObj);
+  unsigned int getExistingArrayAttributeIndices(MIntArray& indices,
+                                                MStatus* status = nullptr) const;
   unsigned int numElements(MStatus* status = nullptr) const;
   unsigned int evaluateNumElements(MStatus* status = nullptr) const;
   unsigned int evaluateNumElements(MDGContext& context, MStatus* status = nullptr) const;
@@ -53,7 +57,9 @@ class MPlug {
   MPlug elementByLogicalIndex(unsigned int index, MStatus* status = nullptr) const;
   MPlug elementByPhysicalIndex(unsigned int index, MStatus* status = nullptr) const;
   MPlug connectionByPhysicalIndex(unsigned int index, MStatus* status = nullptr) const;
-  MPlug operator[](unsigned int physicalIndex) const { return elementByPhysicalIndex(physicalIndex); }
+  MPlug operator[](unsigned int physicalIndex) const {
+    return elementByPhysicalIndex(physicalIndex);
+  }
   MPlug parent(MStatus* status = nullptr) const;
   MPlug array(MStatus* status = nullptr) const;
   MPlug child(const MObject& attribute, MStatus* status = nullptr) const;
@@ -61,7 +67,8 @@ class MPlug {
 
   bool isConnected(MStatus* status = nullptr) const;
   /// Lists the plugs at the other ends: sources with `asDestination`, destinations with `asSource`.
-  bool connectedTo(MPlugArray& plugs, bool asDestination, bool asSource, MStatus* status = nullptr) const;
+  bool connectedTo(MPlugArray& plugs, bool asDestination, bool asSource,
+                   MStatus* status = nullptr) const;
   bool isSource(MStatus* status = nullptr) const;
   bool isDestination(MStatus* status = nullptr) const;
   MPlug source(MStatus* status = nullptr) const;
@@ -84,7 +91,8 @@ class MPlug {
   bool isDefaultValue(bool forceEval, MStatus* status = nullptr) const;
   FreeToChangeState isFreeToChange(bool checkParents = true, bool checkChildren = true,
                                    MStatus* status = nullptr) const;
-  MStatus getSetAttrCmds(MStringArray& commands, MValueSelector selector = kAll, bool useLongNames = false) const;
+  MStatus getSetAttrCmds(MStringArray& commands, MValueSelector selector = kAll,
+                         bool useLongNames = false) const;
 
   MStatus getValue(MObject& value) const;
   MStatus getValue(double& value) const;

@@ -8,7 +8,8 @@
 class MPlugArray : public host::api::Array<MPlugArray, MPlug> {
  public:
   MPlugArray() = default;
-  explicit MPlugArray(unsigned int initialSize, const MPlug& initialValue = MPlug()) : Array(initialSize, initialValue) {}
+  explicit MPlugArray(unsigned int initialSize, const MPlug& initialValue = MPlug())
+      : Array(initialSize, initialValue) {}
   MPlugArray(const MPlug source[], unsigned int count) : Array(source, count) {}
 
   MStatus get(MPlug dest[]) const {

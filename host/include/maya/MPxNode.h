@@ -46,7 +46,13 @@ class MPxNode {
     kBlendShape,
     kLast
   };
-  enum SchedulingType { kParallel, kSerial, kGloballySerial, kUntrusted, kDefaultScheduling = kSerial };
+  enum SchedulingType {
+    kParallel,
+    kSerial,
+    kGloballySerial,
+    kUntrusted,
+    kDefaultScheduling = kSerial
+  };
 
   MPxNode();
   virtual ~MPxNode();
@@ -59,12 +65,16 @@ class MPxNode {
   virtual MStatus compute(const MPlug& plug, MDataBlock& block);
   virtual bool getInternalValue(const MPlug& plug, MDataHandle& handle);
   virtual bool setInternalValue(const MPlug& plug, const MDataHandle& handle);
-  virtual bool getInternalValueInContext(const MPlug& plug, MDataHandle& handle, MDGContext& context);
-  virtual bool setInternalValueInContext(const MPlug& plug, const MDataHandle& handle, MDGContext& context);
+  virtual bool getInternalValueInContext(const MPlug& plug, MDataHandle& handle,
+                                         MDGContext& context);
+  virtual bool setInternalValueInContext(const MPlug& plug, const MDataHandle& handle,
+                                         MDGContext& context);
   virtual int internalArrayCount(const MPlug& plug, const MDGContext& context) const;
   virtual void copyInternalData(MPxNode* node);
-  virtual MStatus legalConnection(const MPlug& plug, const MPlug& otherPlug, bool asSrc, bool& isLegal) const;
-  virtual MStatus legalDisconnection(const MPlug& plug, const MPlug& otherPlug, bool asSrc, bool& isLegal) const;
+  virtual MStatus legalConnection(const MPlug& plug, const MPlug& otherPlug, bool asSrc,
+                                  bool& isLegal) const;
+  virtual MStatus legalDisconnection(const MPlug& plug, const MPlug& otherPlug, bool asSrc,
+                                     bool& isLegal) const;
   virtual MStatus connectionMade(const MPlug& plug, const MPlug& otherPlug, bool asSrc);
   virtual MStatus connectionBroken(const MPlug& plug, const MPlug& otherPlug, bool asSrc);
   virtual MStatus dependsOn(const MPlug& plug, const MPlug& otherPlug, bool& depends) const;
@@ -80,8 +90,10 @@ class MPxNode {
   virtual bool isPassiveOutput(const MPlug& plug) const;
   virtual MPlug passThroughToOne(const MPlug& plug) const;
   virtual bool passThroughToMany(const MPlug& plug, MPlugArray& plugArray) const;
-  virtual void getCacheSetup(const MEvaluationNode& evaluationNode, class MNodeCacheDisablingInfo& disablingInfo,
-                             class MNodeCacheSetupInfo& cacheSetupInfo, MObjectArray& monitoredAttributes) const;
+  virtual void getCacheSetup(const MEvaluationNode& evaluationNode,
+                             class MNodeCacheDisablingInfo& disablingInfo,
+                             class MNodeCacheSetupInfo& cacheSetupInfo,
+                             MObjectArray& monitoredAttributes) const;
 
   MObject thisMObject() const;
   MTypeId typeId() const;

@@ -42,7 +42,9 @@ class MQuaternion {
   MQuaternion operator*(double s) const { return {x * s, y * s, z * s, w * s}; }
   MQuaternion& scaleIt(double s) { return *this = *this * s; }
   friend MQuaternion operator*(double s, const MQuaternion& q) { return q * s; }
-  bool operator==(const MQuaternion& r) const { return x == r.x && y == r.y && z == r.z && w == r.w; }
+  bool operator==(const MQuaternion& r) const {
+    return x == r.x && y == r.y && z == r.z && w == r.w;
+  }
   bool operator!=(const MQuaternion& r) const { return !(*this == r); }
   bool isEquivalent(const MQuaternion& other, double tolerance = kQuaternionEpsilon) const;
 
@@ -67,6 +69,7 @@ class MQuaternion {
 /// Interpolates on the shorter arc; `spin` adds full turns.
 MQuaternion slerp(const MQuaternion& p, const MQuaternion& q, double t);
 MQuaternion slerp(const MQuaternion& p, const MQuaternion& q, double t, short spin);
-MQuaternion squad(const MQuaternion& p, const MQuaternion& a, const MQuaternion& b, const MQuaternion& q, double t);
+MQuaternion squad(const MQuaternion& p, const MQuaternion& a, const MQuaternion& b,
+                  const MQuaternion& q, double t);
 
 std::ostream& operator<<(std::ostream& os, const MQuaternion& q);

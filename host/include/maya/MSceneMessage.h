@@ -58,8 +58,8 @@ class MSceneMessage : public MMessage {
   static MCallbackId addCallback(Message message, MBasicFunction func, void* clientData = nullptr,
                                  MStatus* status = nullptr);
   /// For the messages whose names end in "Check": the callback may refuse the operation.
-  static MCallbackId addCheckCallback(Message message, MCheckFunction func, void* clientData = nullptr,
-                                      MStatus* status = nullptr);
-  static MCallbackId addStringArrayCallback(Message message, MStringArrayFunction func, void* clientData = nullptr,
-                                            MStatus* status = nullptr);
+  static MCallbackId addCheckCallback(Message message, MCheckFunction func,
+                                      void* clientData = nullptr, MStatus* status = nullptr);
+  static MCallbackId addStringArrayCallback(Message message, MStringArrayFunction func,
+                                            void* clientData = nullptr, MStatus* status = nullptr);
 };

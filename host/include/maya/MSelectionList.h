@@ -23,27 +23,33 @@ class MSelectionList {
   MStatus clear();
 
   MStatus getDependNode(unsigned int index, MObject& node) const;
-  /// Returns the path of an item and, of a component item, its components; those are null for a whole object.
-  MStatus getDagPath(unsigned int index, MDagPath& path, MObject& component = MObject::kNullObj) const;
+  /// Returns the path of an item and, of a component item, its components; those are null for a
+  /// whole object.
+  MStatus getDagPath(unsigned int index, MDagPath& path,
+                     MObject& component = MObject::kNullObj) const;
   MStatus getPlug(unsigned int index, MPlug& plug) const;
   MStatus getSelectionStrings(MStringArray& names) const;
   MStatus getSelectionStrings(unsigned int index, MStringArray& names) const;
 
   MStatus add(const MObject& object, bool mergeWithExisting = false);
   MStatus add(const MPlug& plug, bool mergeWithExisting = false);
-  MStatus add(const MDagPath& path, const MObject& component = MObject::kNullObj, bool mergeWithExisting = false);
+  MStatus add(const MDagPath& path, const MObject& component = MObject::kNullObj,
+              bool mergeWithExisting = false);
   /// Adds everything that the name matches: nodes, paths, plugs, component ranges, wildcards.
   MStatus add(const MString& matchString, bool searchChildNamespacesToo = false);
   MStatus add(const char* matchString) { return add(MString(matchString)); }
   MStatus remove(unsigned int index);
   MStatus replace(unsigned int index, const MObject& item);
   MStatus replace(unsigned int index, const MPlug& plug);
-  MStatus replace(unsigned int index, const MDagPath& path, const MObject& component = MObject::kNullObj);
+  MStatus replace(unsigned int index, const MDagPath& path,
+                  const MObject& component = MObject::kNullObj);
 
   bool hasItem(const MObject& object, MStatus* status = nullptr) const;
   bool hasItem(const MPlug& plug, MStatus* status = nullptr) const;
-  bool hasItem(const MDagPath& path, const MObject& component = MObject::kNullObj, MStatus* status = nullptr) const;
-  bool hasItemPartly(const MDagPath& path, const MObject& component, MStatus* status = nullptr) const;
+  bool hasItem(const MDagPath& path, const MObject& component = MObject::kNullObj,
+               MStatus* status = nullptr) const;
+  bool hasItemPartly(const MDagPath& path, const MObject& component,
+                     MStatus* status = nullptr) const;
   MStatus toggle(const MDagPath& path, const MObject& component = MObject::kNullObj);
 
   MStatus merge(const MSelectionList& other, MergeStrategy strategy = kMergeNormal);

@@ -57,26 +57,24 @@ typedef MStatus MS;
 std::ostream& operator<<(std::ostream& os, const MStatus& status);
 
 /// Reports a failed call with its file and line, and goes on.
-#define CHECK_MSTATUS(_status)                                              \
-  {                                                                         \
-    MStatus _maya_status = (_status);                                       \
-    if (MStatus::kSuccess != _maya_status) {                                \
-      std::cerr << "\nAPI error detected in " << __FILE__ << " at line "    \
-                << __LINE__ << std::endl;                                   \
-      _maya_status.perror("");                                              \
-    }                                                                       \
+#define CHECK_MSTATUS(_status)                                                                     \
+  {                                                                                                \
+    MStatus _maya_status = (_status);                                                              \
+    if (MStatus::kSuccess != _maya_status) {                                                       \
+      std::cerr << "\nAPI error detected in " << __FILE__ << " at line " << __LINE__ << std::endl; \
+      _maya_status.perror("");                                                                     \
+    }                                                                                              \
   }
 
 /// Reports a failed call and returns `_retVal` from the caller.
-#define CHECK_MSTATUS_AND_RETURN(_status, _retVal)                          \
-  {                                                                         \
-    MStatus _maya_status = (_status);                                       \
-    if (MStatus::kSuccess != _maya_status) {                                \
-      std::cerr << "\nAPI error detected in " << __FILE__ << " at line "    \
-                << __LINE__ << std::endl;                                   \
-      _maya_status.perror("");                                              \
-      return (_retVal);                                                     \
-    }                                                                       \
+#define CHECK_MSTATUS_AND_RETURN(_status, _retVal)                                                 \
+  {                                                                                                \
+    MStatus _maya_status = (_status);                                                              \
+    if (MStatus::kSuccess != _maya_status) {                                                       \
+      std::cerr << "\nAPI error detected in " << __FILE__ << " at line " << __LINE__ << std::endl; \
+      _maya_status.perror("");                                                                     \
+      return (_retVal);                                                                            \
+    }                                                                                              \
   }
 
 /// Reports a failed call and returns its status from the caller.

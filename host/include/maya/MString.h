@@ -66,7 +66,8 @@ class MString {
   unsigned int length() const { return static_cast<unsigned int>(text_.size()); }
   unsigned int numChars() const;
 
-  /// Returns the first or last position of a character, -1 if it does not occur. The W forms count characters.
+  /// Returns the first or last position of a character, -1 if it does not occur. The W forms count
+  /// characters.
   int index(char character) const;
   int rindex(char character) const;
   int indexW(char character) const;
@@ -88,7 +89,8 @@ class MString {
   MString toUpperCase() const;
   MString toLowerCase() const;
 
-  /// Tells whether the whole text is a number of that type; `asX` reads the leading number, 0 without one.
+  /// Tells whether the whole text is a number of that type; `asX` reads the leading number, 0
+  /// without one.
   bool isShort() const;
   bool isInt() const;
   bool isUnsigned() const;
@@ -101,11 +103,12 @@ class MString {
   double asDouble() const;
 
   /// Replaces "^1s" to "^9s" and "^10s" in `format` by the arguments; "^^" is a single "^".
-  MStatus format(const MString& format, const MString& arg1 = MString(), const MString& arg2 = MString(),
-                 const MString& arg3 = MString(), const MString& arg4 = MString(),
-                 const MString& arg5 = MString(), const MString& arg6 = MString(),
-                 const MString& arg7 = MString(), const MString& arg8 = MString(),
-                 const MString& arg9 = MString(), const MString& arg10 = MString());
+  MStatus format(const MString& format, const MString& arg1 = MString(),
+                 const MString& arg2 = MString(), const MString& arg3 = MString(),
+                 const MString& arg4 = MString(), const MString& arg5 = MString(),
+                 const MString& arg6 = MString(), const MString& arg7 = MString(),
+                 const MString& arg8 = MString(), const MString& arg9 = MString(),
+                 const MString& arg10 = MString());
   static MString numberAsString(int value);
 
   MString expandEnvironmentVariablesAndTilde() const;

@@ -8,7 +8,8 @@
 class MStringArray : public host::api::Array<MStringArray, MString> {
  public:
   MStringArray() = default;
-  explicit MStringArray(unsigned int initialSize, const MString& initialValue = MString()) : Array(initialSize, initialValue) {}
+  explicit MStringArray(unsigned int initialSize, const MString& initialValue = MString())
+      : Array(initialSize, initialValue) {}
   MStringArray(const MString source[], unsigned int count) : Array(source, count) {}
   MStringArray(const char* const source[], unsigned int count) {
     setLength(count);

@@ -22,18 +22,26 @@ class MSyntax {
     kSelectionItem,
     kLastArgType
   };
-  enum MObjectFormat { kInvalidObjectFormat, kNone, kStringObjects, kSelectionList, kLastObjectFormat };
+  enum MObjectFormat {
+    kInvalidObjectFormat,
+    kNone,
+    kStringObjects,
+    kSelectionList,
+    kLastObjectFormat
+  };
   enum { kInvalidSyntax = 0, kMaxArgs = 6 };
 
   MSyntax() = default;
 
   /// Adds a flag with up to six arguments. Names may be given with or without their "-".
-  MStatus addFlag(const char* shortName, const char* longName, MArgType argType1 = kNoArg, MArgType argType2 = kNoArg,
-                  MArgType argType3 = kNoArg, MArgType argType4 = kNoArg, MArgType argType5 = kNoArg,
+  MStatus addFlag(const char* shortName, const char* longName, MArgType argType1 = kNoArg,
+                  MArgType argType2 = kNoArg, MArgType argType3 = kNoArg,
+                  MArgType argType4 = kNoArg, MArgType argType5 = kNoArg,
                   MArgType argType6 = kNoArg);
   MStatus addFlag(const MString& shortName, const MString& longName, MArgType argType1 = kNoArg,
-                  MArgType argType2 = kNoArg, MArgType argType3 = kNoArg, MArgType argType4 = kNoArg,
-                  MArgType argType5 = kNoArg, MArgType argType6 = kNoArg);
+                  MArgType argType2 = kNoArg, MArgType argType3 = kNoArg,
+                  MArgType argType4 = kNoArg, MArgType argType5 = kNoArg,
+                  MArgType argType6 = kNoArg);
   /// Lets the flag be given more than once.
   MStatus makeFlagMultiUse(const char* flagName);
   MStatus makeFlagMultiUse(const MString& flagName);
@@ -44,7 +52,8 @@ class MSyntax {
   MStatus addArg(MArgType argType);
   void useSelectionAsDefault(bool useSelection = true);
   MStatus setObjectType(MObjectFormat objectFormat, unsigned int minimumObjects = 0);
-  MStatus setObjectType(MObjectFormat objectFormat, unsigned int minimumObjects, unsigned int maximumObjects);
+  MStatus setObjectType(MObjectFormat objectFormat, unsigned int minimumObjects,
+                        unsigned int maximumObjects);
   void setMinObjects(unsigned int minimumObjects);
   void setMaxObjects(unsigned int maximumObjects);
   unsigned int minObjects() const;

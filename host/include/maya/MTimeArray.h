@@ -8,7 +8,8 @@
 class MTimeArray : public host::api::Array<MTimeArray, MTime> {
  public:
   MTimeArray() = default;
-  explicit MTimeArray(unsigned int initialSize, const MTime& initialValue = MTime()) : Array(initialSize, initialValue) {}
+  explicit MTimeArray(unsigned int initialSize, const MTime& initialValue = MTime())
+      : Array(initialSize, initialValue) {}
   MTimeArray(const MTime source[], unsigned int count) : Array(source, count) {}
 
   MStatus get(MTime dest[]) const {

@@ -7,6 +7,6 @@
 class MTimerMessage : public MMessage {
  public:
   /// The period is in seconds.
-  static MCallbackId addTimerCallback(float period, MElapsedTimeFunction func, void* clientData = nullptr,
-                                      MStatus* status = nullptr);
+  static MCallbackId addTimerCallback(float period, MElapsedTimeFunction func,
+                                      void* clientData = nullptr, MStatus* status = nullptr);
 };

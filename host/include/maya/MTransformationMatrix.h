@@ -16,8 +16,9 @@ class MVector;
 
 /// A transform kept as its parts: scale, shear, rotation, translation, pivots and their offsets.
 ///
-/// The matrix is Sp^-1 * S * Sh * Sp * St * Rp^-1 * Ro * R * Rp * Rt * T for row points: scale pivot, scale, shear, scale
-/// pivot translation, rotate pivot, rotation orientation, rotation, rotate pivot translation, translation.
+/// The matrix is Sp^-1 * S * Sh * Sp * St * Rp^-1 * Ro * R * Rp * Rt * T for row points: scale
+/// pivot, scale, shear, scale pivot translation, rotate pivot, rotation orientation, rotation,
+/// rotate pivot translation, translation.
 class MTransformationMatrix {
  public:
   enum RotationOrder { kInvalid, kXYZ, kYZX, kZXY, kXZY, kYXZ, kZYX, kLast };
@@ -46,7 +47,8 @@ class MTransformationMatrix {
   MStatus setRotation(const double rotation[3], RotationOrder order, MSpace::Space space);
   MStatus addRotation(const double rotation[3], RotationOrder order, MSpace::Space space);
   MStatus getRotationQuaternion(double& x, double& y, double& z, double& w) const;
-  MStatus getRotationQuaternion(double& x, double& y, double& z, double& w, MSpace::Space space) const;
+  MStatus getRotationQuaternion(double& x, double& y, double& z, double& w,
+                                MSpace::Space space) const;
   MStatus setRotationQuaternion(double x, double y, double z, double w);
   MStatus setRotationQuaternion(double x, double y, double z, double w, MSpace::Space space);
   MStatus addRotationQuaternion(double x, double y, double z, double w, MSpace::Space space);
@@ -81,7 +83,8 @@ class MTransformationMatrix {
 
   bool operator==(const MTransformationMatrix& other) const;
   bool operator!=(const MTransformationMatrix& other) const { return !(*this == other); }
-  bool isEquivalent(const MTransformationMatrix& other, double tolerance = MTransformationMatrix_kTol) const;
+  bool isEquivalent(const MTransformationMatrix& other,
+                    double tolerance = MTransformationMatrix_kTol) const;
 
   static const MTransformationMatrix identity;
 

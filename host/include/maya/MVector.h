@@ -53,7 +53,8 @@ class MVector {
   friend MVector operator*(double s, const MVector& v) { return v * s; }
   friend MVector operator*(const MMatrix& m, const MVector& v);
 
-  /// Returns the vector rotated by a quaternion, by angles about the axes, about one axis, or by a rotation.
+  /// Returns the vector rotated by a quaternion, by angles about the axes, about one axis, or by a
+  /// rotation.
   MVector rotateBy(double qx, double qy, double qz, double qw) const;
   MVector rotateBy(const double rotXYZ[3], MTransformationMatrix::RotationOrder order) const;
   MVector rotateBy(Axis axis, double angle) const;

@@ -12,8 +12,8 @@ namespace host::api {
 
 /// What all API arrays share: contiguous elements, geometric growth, unsigned lengths.
 ///
-/// `Self` is the array class that derives from it. Indices are not checked by `operator[]`; the calls that return
-/// a status refuse an index out of range and change nothing.
+/// `Self` is the array class that derives from it. Indices are not checked by `operator[]`; the
+/// calls that return a status refuse an index out of range and change nothing.
 template <class Self, class T>
 class Array {
  public:

@@ -5,7 +5,8 @@
 
 namespace host::api {
 
-/// Lets the host's own code reach inside the API classes; every class that wraps host state befriends it.
+/// Lets the host's own code reach inside the API classes; every class that wraps host state
+/// befriends it.
 struct Access;
 
 /// The host's side of an API object, counted by the handles that point to it.
