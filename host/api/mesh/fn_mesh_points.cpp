@@ -1,0 +1,154 @@
+#include <maya/MFloatPointArray.h>
+#include <maya/MFnMesh.h>
+#include <maya/MPointArray.h>
+
+#include <algorithm>
+
+#include "host/api/mesh/fn_mesh.h"
+
+namespace host::api {
+namespace {
+
+/// Fills an API array with the mesh's points in a space: one pass over contiguous memory.
+template <class Array, class Make>
+MStatus fillPoints(const MFnMesh& set, MSpace::Space space, Array& array, Make make) {
+  MStatus status;
+  const auto data = readMesh(set, &status);
+  if (!data) return status;
+  std::optional<math::Matrix4> toSpace;
+  status = targetOf(set).spaceMatrix(space, toSpace);
+  if (!status) return status;
+  const auto points = data->mesh.points();
+  array.setLength(static_cast<unsigned int>(points.size()));
+  auto* out = array.begin();
+  if (!toSpace) {
+    for (std::size_t i = 0; i < points.size(); ++i) out[i] = make(points[i].x, points[i].y, points[i].z);
+    return MStatus::kSuccess;
+  }
+  const auto& m = toSpace->m;
+  if (!math::isAffine(*toSpace)) {
+    for (std::size_t i = 0; i < points.size(); ++i) {
+      const math::Vec3 p = math::transformPoint(math::Vec3(points[i]), *toSpace);
+      out[i] = make(p.x, p.y, p.z);
+    }
+    return MStatus::kSuccess;
+  }
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const double x = points[i].x, y = points[i].y, z = points[i].z;
+    out[i] = make(x * m[0][0] + y * m[1][0] + z * m[2][0] + m[3][0], x * m[0][1] + y * m[1][1] + z * m[2][1] + m[3][1],
+                  x * m[0][2] + y * m[1][2] + z * m[2][2] + m[3][2]);
+  }
+  return MStatus::kSuccess;
+}
+
+/// Stores points given in a space. A point that reads back as what was given keeps its stored bits, so that writing
+/// what was read changes nothing, whatever the transform rounds.
+template <class Array>
+MStatus storePoints(const MFnMesh& set, MSpace::Space space, const Array& given) {
+  MStatus status;
+  const auto data = readMesh(set, &status);
+  if (!data) return status;
+  const MeshTarget target = targetOf(set);
+  std::optional<math::Matrix4> toSpace;
+  status = target.spaceMatrix(space, toSpace);
+  if (!status) return status;
+  const auto before = data->mesh.points();
+  if (given.length() != before.size()) return MStatus::kInvalidParameter;
+  std::vector<math::Vec3f> after(before.size());
+  const auto* in = given.begin();
+  if (!toSpace) {
+    for (std::size_t i = 0; i < after.size(); ++i)
+      after[i] = {static_cast<float>(in[i].x), static_cast<float>(in[i].y), static_cast<float>(in[i].z)};
+    return target.writePoints(after);
+  }
+  const auto inverse = math::inverse(*toSpace);
+  if (!inverse) {
+    rememberError(Error{"the transform has no inverse (a zero scale), so world positions can't be stored"});
+    return MStatus::kFailure;
+  }
+  for (std::size_t i = 0; i < after.size(); ++i) {
+    const math::Vec3 wanted(in[i].x, in[i].y, in[i].z);
+    const bool isUnchanged = math::transformPoint(math::Vec3(before[i]), *toSpace) == wanted;
+    after[i] = isUnchanged ? before[i] : math::transformPoint(wanted, *inverse).toFloat();
+  }
+  return target.writePoints(after);
+}
+
+}  // namespace
+
+MeshTarget targetOf(const MFnMesh& set) { return MeshTarget(set.object(), set.dagPath()); }
+
+scene::MeshDataPtr readMesh(const MFnMesh& set, MStatus* status) {
+  const MeshTarget target(set.object());
+  auto data = target.isNull() ? nullptr : target.read();
+  setStatus(status, data ? MStatus::kSuccess : MStatus::kFailure);
+  return data;
+}
+
+CornerId cornerAt(const mesh::Mesh& mesh, FaceId face, VertexId vertex) {
+  const auto vertices = mesh.faceVertices(face);
+  const auto found = std::find(vertices.begin(), vertices.end(), vertex);
+  return found == vertices.end() ? kNone : mesh.firstCorner(face) + static_cast<Index>(found - vertices.begin());
+}
+
+}  // namespace host::api
+
+using namespace host;
+using api::readMesh;
+using api::setStatus;
+using api::targetOf;
+
+MStatus MFnMesh::getPoints(MPointArray& vertexArray, MSpace::Space space) const {
+  return api::fillPoints(*this, space, vertexArray, [](double x, double y, double z) { return MPoint(x, y, z); });
+}
+MStatus MFnMesh::getPoints(MFloatPointArray& vertexArray, MSpace::Space space) const {
+  return api::fillPoints(*this, space, vertexArray, [](auto x, auto y, auto z) {
+    return MFloatPoint(static_cast<float>(x), static_cast<float>(y), static_cast<float>(z));
+  });
+}
+MStatus MFnMesh::setPoints(const MPointArray& vertexArray, MSpace::Space space) {
+  return api::storePoints(*this, space, vertexArray);
+}
+MStatus MFnMesh::setPoints(const MFloatPointArray& vertexArray, MSpace::Space space) {
+  return api::storePoints(*this, space, vertexArray);
+}
+
+MStatus MFnMesh::getPoint(int vertexId, MPoint& pos, MSpace::Space space) const {
+  MStatus status;
+  const auto data = readMesh(*this, &status);
+  if (!data) return status;
+  if (!api::isVertex(data->mesh, vertexId)) return MStatus::kInvalidParameter;
+  std::optional<math::Matrix4> toSpace;
+  status = targetOf(*this).spaceMatrix(space, toSpace);
+  if (!status) return status;
+  pos = api::pointIn(data->mesh.points()[static_cast<std::size_t>(vertexId)], toSpace);
+  return MStatus::kSuccess;
+}
+
+MStatus MFnMesh::setPoint(int vertexId, const MPoint& pos, MSpace::Space space) {
+  MStatus status;
+  const auto data = readMesh(*this, &status);
+  if (!data) return status;
+  if (!api::isVertex(data->mesh, vertexId)) return MStatus::kInvalidParameter;
+  const api::MeshTarget target = targetOf(*this);
+  std::optional<math::Matrix4> toSpace;
+  status = target.spaceMatrix(space, toSpace);
+  if (!status) return status;
+  const auto stored = api::pointFrom(pos, toSpace);
+  if (!stored) return MStatus::kFailure;
+  const auto before = data->mesh.points();
+  std::vector<math::Vec3f> after(before.begin(), before.end());
+  after[static_cast<std::size_t>(vertexId)] = *stored;
+  return target.writePoints(after);
+}
+
+const float* MFnMesh::getRawPoints(MStatus* status) const {
+  const auto data = readMesh(*this, status);
+  static_assert(sizeof(math::Vec3f) == 3 * sizeof(float));
+  return data ? &data->mesh.points().data()->x : nullptr;
+}
+
+const float* MFnMesh::getRawDoublePoints(MStatus* status) const {
+  // Points are stored in single precision here, as the documented call's return type says.
+  return getRawPoints(status);
+}

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <maya/MFnMesh.h>
+#include <maya/MObject.h>
+#include <maya/MPoint.h>
+#include <maya/MSpace.h>
+
+#include <optional>
+#include <string>
+
+#include "host/api/core/access.h"
+#include "host/mesh/mesh.h"
+#include "host/scene/mesh_data.h"
+
+namespace host::api {
+
+/// The mesh that a function set or iterator works on: a shape node (with the path that gives it a world space) or a
+/// value that belongs to no node.
+class MeshTarget {
+ public:
+  MeshTarget() = default;
+  explicit MeshTarget(const MObject& object);
+  explicit MeshTarget(const MDagPath& path);
+  MeshTarget(const MObject& object, const MDagPath& path);
+
+  [[nodiscard]] bool isNull() const { return !shape_ && !value_; }
+  [[nodiscard]] dg::Node* shape() const { return shape_; }
+  [[nodiscard]] const scene::DagPath& path() const { return path_; }
+
+  /// The mesh as it is now; null, with the reason remembered, when it can't be evaluated.
+  [[nodiscard]] scene::MeshDataPtr read() const;
+  /// Moves points only (object space, one a vertex).
+  [[nodiscard]] MStatus writePoints(std::span<const math::Vec3f> points) const;
+  /// Replaces corner data, flags and creases; the topology must be the same.
+  [[nodiscard]] MStatus writeAttributes(mesh::Mesh mesh) const;
+  /// Replaces all, topology included. Fails on a shape with history.
+  [[nodiscard]] MStatus writeMesh(mesh::Mesh mesh) const;
+
+  /// Object to `space`, when they differ. Fails for world space without a path.
+  [[nodiscard]] MStatus spaceMatrix(MSpace::Space space, std::optional<math::Matrix4>& toSpace) const;
+
+ private:
+  dg::NodePtr keepAlive_;
+  dg::Node* shape_ = nullptr;
+  scene::DagPath path_;
+  Handle holder_;  ///< keeps `value_`
+  DataRep* value_ = nullptr;
+};
+
+[[nodiscard]] inline MPoint toMPoint(const math::Vec3f& p) { return MPoint(p.x, p.y, p.z); }
+[[nodiscard]] inline MPoint toMPoint(const math::Vec3& p) { return MPoint(p.x, p.y, p.z); }
+[[nodiscard]] inline MVector toMVector(const math::Vec3& v) { return MVector(v.x, v.y, v.z); }
+[[nodiscard]] inline math::Vec3 toVec3(const MPoint& p) { return {p.x, p.y, p.z}; }
+[[nodiscard]] inline math::Vec3 toVec3(const MVector& v) { return {v.x, v.y, v.z}; }
+
+/// A point that the mesh stores, in a space.
+[[nodiscard]] MPoint pointIn(const math::Vec3f& stored, const std::optional<math::Matrix4>& toSpace);
+/// A point given in a space, as the mesh stores it; nothing when the space can't be inverted.
+[[nodiscard]] std::optional<math::Vec3f> pointFrom(const MPoint& point, const std::optional<math::Matrix4>& toSpace);
+/// A normal in a space, of unit length.
+[[nodiscard]] MVector normalIn(const math::Vec3& normal, const std::optional<math::Matrix4>& toSpace);
+
+/// The UV or colour set a call names: by name, or the current one; -1 when there is none of that name.
+[[nodiscard]] int uvSetIndex(const mesh::Mesh& mesh, const MString* name);
+[[nodiscard]] int colorSetIndex(const mesh::Mesh& mesh, const MString* name);
+
+}  // namespace host::api

@@ -1,0 +1,102 @@
+#include "host/api/mesh/mesh_walk.h"
+
+#include <algorithm>
+
+namespace host::api {
+namespace {
+
+std::size_t totalOf(const mesh::Mesh& mesh, scene::ComponentType type) {
+  switch (type) {
+    case scene::ComponentType::Vertex: return static_cast<std::size_t>(mesh.vertexCount());
+    case scene::ComponentType::Edge: return static_cast<std::size_t>(mesh.edgeCount());
+    case scene::ComponentType::Face: return static_cast<std::size_t>(mesh.faceCount());
+    default: return static_cast<std::size_t>(mesh.cornerCount());
+  }
+}
+
+bool fits(const MObject& component, scene::ComponentType type) {
+  if (component.isNull()) return true;
+  const scene::Component* set = componentOf(component);
+  return set && set->type() == type;
+}
+
+Handle makeWalk(MeshTarget target, const MObject& component, scene::ComponentType type, MStatus* status) {
+  if (target.isNull() || !fits(component, type)) {
+    setStatus(status, MStatus::kInvalidParameter);
+    return Handle();
+  }
+  auto* walk = new MeshWalk(std::move(target), component, type);
+  Handle handle(walk);
+  setStatus(status, walk->isUsable() ? MStatus::kSuccess : MStatus::kFailure);
+  return walk->isUsable() ? handle : Handle();
+}
+
+}  // namespace
+
+MeshWalk::MeshWalk(MeshTarget target, const MObject& component, scene::ComponentType type)
+    : target_(std::move(target)), data_(target_.read()) {
+  if (!data_) return;
+  total_ = totalOf(data_->mesh, type);
+  const scene::Component* set = component.isNull() ? nullptr : componentOf(component);
+  if (!set || set->isComplete()) return;
+  isComplete_ = false;
+  // Components that have gone since they were named are passed over.
+  for (const Index id : set->indices())
+    if (id >= 0 && static_cast<std::size_t>(id) < total_) ids_.push_back(id);
+}
+
+MeshWalk::~MeshWalk() { (void)flush(); }
+
+bool MeshWalk::jumpTo(Index id) {
+  if (id < 0 || static_cast<std::size_t>(id) >= total_) return false;
+  if (isComplete_) {
+    place_ = static_cast<std::size_t>(id);
+    return true;
+  }
+  const auto at = std::lower_bound(ids_.begin(), ids_.end(), id);
+  place_ = static_cast<std::size_t>(at - ids_.begin());
+  if (at == ids_.end() || *at != id) ids_.insert(at, id);
+  return true;
+}
+
+void MeshWalk::setPoint(VertexId v, const math::Vec3f& point) {
+  if (edited_.empty()) {
+    const auto points = data_->mesh.points();
+    edited_.assign(points.begin(), points.end());
+  }
+  edited_[static_cast<std::size_t>(v)] = point;
+}
+
+MStatus MeshWalk::writeAttributes(mesh::Mesh mesh) {
+  MStatus status = flush();
+  if (!status) return status;
+  status = target_.writeAttributes(std::move(mesh));
+  if (status) data_ = target_.read();
+  return status;
+}
+
+MStatus MeshWalk::flush() {
+  if (edited_.empty()) return MStatus::kSuccess;
+  const std::vector<math::Vec3f> points = std::move(edited_);
+  edited_.clear();
+  const MStatus status = target_.writePoints(points);
+  if (status) data_ = target_.read();
+  return status;
+}
+
+const MeshWalk* standing(const Handle& handle, MStatus* status) {
+  const MeshWalk* walk = walkOf(handle);
+  const bool isThere = walk && !walk->isDone();
+  setStatus(status, isThere ? MStatus::kSuccess : MStatus::kFailure);
+  return isThere ? walk : nullptr;
+}
+
+Handle makeWalk(const MObject& object, scene::ComponentType type, MStatus* status) {
+  return makeWalk(MeshTarget(object), MObject(), type, status);
+}
+
+Handle makeWalk(const MDagPath& path, const MObject& component, scene::ComponentType type, MStatus* status) {
+  return makeWalk(MeshTarget(path), component, type, status);
+}
+
+}  // namespace host::api
