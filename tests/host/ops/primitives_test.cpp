@@ -281,13 +281,15 @@ TEST_CASE("primitives: all subdivisions give closed, outward-facing meshes with 
       shapes.emplace_back("torus", makeTorus(torus));
     }
   }
-  for (const auto& [name, shape] : shapes) {
+  for (const auto& entry : shapes) {
+    const Result<Mesh>& shape = entry.second;
+    const std::string name = entry.first;
     CAPTURE(name);
     REQUIRE(shape.has_value());
     checkClosedAndOriented(*shape);
     CHECK(volume(*shape) > 0);
     CHECK(shape->vertexCount() - shape->edgeCount() + shape->faceCount() ==
-          (std::string_view(name) == "torus" ? 0 : 2));
+          (name == "torus" ? 0 : 2));
     if (!shape->uvSet(0).cornerIds.empty()) uvArea(*shape);
   }
 }

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace host::io {
+
+/// 8-bit RGBA pixels, not premultiplied, row after row from the top.
+struct Image {
+  int width = 0, height = 0;
+  std::vector<std::uint8_t> rgba;  ///< 4 * width * height
+  friend bool operator==(const Image&, const Image&) = default;
+};
+
+/// The longest side of a picture that is read or written, pixels.
+inline constexpr int kLargestImageSide = 32768;
+
+}  // namespace host::io

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "host/base/result.h"
+#include "host/io/image.h"
+
+namespace host::io {
+
+/// Reads any PNG as RGBA with 8 bits a channel.
+/// @return an error naming the file when it cannot be opened, is damaged or larger than
+/// kLargestImageSide.
+[[nodiscard]] Result<Image> readPng(const std::string& path);
+
+/// Decodes a PNG in memory; `name` stands for the file in messages.
+[[nodiscard]] Result<Image> decodePng(std::string_view bytes, const std::string& name);
+
+}  // namespace host::io
