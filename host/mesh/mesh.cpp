@@ -216,6 +216,13 @@ void Mesh::setInvisibleFaces(std::vector<FaceId> faces) {
   invisibleFaces_ = Cow(std::move(faces));
 }
 
+Mesh Mesh::withoutCaches() const {
+  Mesh copy = *this;
+  copy.normals_ = std::make_shared<NormalsCache>();
+  copy.accelerator_ = std::make_shared<AcceleratorSlot>();
+  return copy;
+}
+
 bool operator==(const Mesh& a, const Mesh& b) {
   return a.currentUvSet_ == b.currentUvSet_ && a.currentColorSet_ == b.currentColorSet_ &&
          a.points_ == b.points_ && (a.sharesTopologyWith(b) || a.topology() == b.topology()) &&

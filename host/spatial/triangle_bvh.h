@@ -1,0 +1,58 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <span>
+#include <vector>
+
+#include "host/base/ids.h"
+#include "host/math/box.h"
+#include "host/math/vec.h"
+
+namespace host::spatial {
+
+/// A bounding volume hierarchy over triangles for distance and overlap questions; built by binned
+/// surface area heuristic (Wald 2007). Boxes are floats, which hold the float points exactly;
+/// distances are computed in double.
+class TriangleBvh {
+ public:
+  /// @param triangles three vertex ids each; those with points that are not finite are left out
+  TriangleBvh(std::span<const math::Vec3f> points,
+              std::span<const std::array<VertexId, 3>> triangles);
+
+  struct Nearest {
+    Index triangle = kNone;
+    double u = 0, v = 0;
+    math::Vec3 point;
+    double squared = 0;
+  };
+  /// The triangle nearest to `p` within the squared distance, the lowest of equally near ones;
+  /// kNone when there is none.
+  [[nodiscard]] Nearest nearest(const math::Vec3& p, double maxSquared) const;
+  /// Appends the triangles that reach into a box, in no particular order.
+  void inBox(const math::Box& box, std::vector<Index>& out) const;
+
+  [[nodiscard]] std::size_t bytes() const {
+    return nodes_.size() * sizeof(Node) + items_.size() * sizeof(Item);
+  }
+
+ private:
+  struct Node {
+    float min[3];
+    Index first;  // leaf: first item; else: first of two neighbouring children
+    float max[3];
+    Index count;  // 0: not a leaf
+  };
+  struct Item {
+    math::Vec3f a, b, c;
+    Index triangle;
+  };
+  struct Reference;
+  class Builder;
+  [[nodiscard]] static double squaredDistance(const Node& node, const math::Vec3& p);
+
+  std::vector<Node> nodes_;
+  std::vector<Item> items_;
+};
+
+}  // namespace host::spatial
