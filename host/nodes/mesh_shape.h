@@ -1,6 +1,6 @@
 #pragma once
 
-#include <optional>
+#include <span>
 #include <vector>
 
 #include "host/base/result.h"
@@ -24,7 +24,15 @@ Result<void> setStoredMesh(dg::Node& shape, mesh::Mesh mesh);
 
 /// Moves points so that the evaluated mesh has exactly `points` (object space, one a vertex): written into the stored
 /// mesh when there is no history, as tweaks in `pnts` when there is. Points that do not change keep their bits. Recorded.
+Result<void> setEvaluatedPoints(dg::Node& shape, std::vector<math::Vec3f> points);
 Result<void> setEvaluatedPoints(dg::Node& shape, std::span<const math::Vec3f> points);
+
+enum class Space { Object, World };
+/// The evaluated points in a space, one a vertex; world space goes through the path's inclusive matrix.
+[[nodiscard]] Result<std::vector<math::Vec3>> pointsIn(const scene::DagPath& shape, Space space);
+/// Writes points given in a space, one a vertex. They are stored as object-space floats; points that are where
+/// `pointsIn` said keep their bits. Fails when the numbers differ or a zero scale leaves no way back to object space.
+Result<void> setPointsIn(const scene::DagPath& shape, Space space, std::span<const math::Vec3> points);
 
 /// Replaces everything but positions and topology (UVs, smoothness, creases, colours, normals) of the evaluated mesh.
 /// Without history it is stored; with history the shape keeps the edit as an override of its output that lasts until
@@ -33,7 +41,8 @@ Result<void> setEvaluatedMesh(dg::Node& shape, mesh::Mesh mesh);
 
 /// Inserts a history node with mesh plugs `input` and `output` just before the shape. A shape without history first gets
 /// an intermediate original ("...Orig") under its transform that holds the stored mesh. Tweaks move into a polyTweak
-/// node in front of the inserted one, so that what arrives at `input` is the mesh as it was seen.
+/// node in front of the inserted one (an override of the output: into an intermediate shape), so that what arrives at
+/// `input` is the mesh as it was seen.
 Result<void> insertHistoryNode(scene::Document& document, dg::Node& shape, const dg::Plug& input,
                                const dg::Plug& output);
 /// Bakes the evaluated mesh into the shape and deletes the history nodes that only fed it (and the intermediate original).

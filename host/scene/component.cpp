@@ -214,4 +214,20 @@ Result<Component> parseComponent(std::string_view word) {
   return Component(parsed->type, std::move(indices));
 }
 
+bool ComponentListData::equals(const dg::Data& other) const {
+  const auto* same = dynamic_cast<const ComponentListData*>(&other);
+  return same && same->value == value;
+}
+
+std::uint64_t ComponentListData::hash() const {
+  std::uint64_t result = value.size();
+  for (const Component& each : value) {
+    const std::uint8_t head[] = {static_cast<std::uint8_t>(each.type()), each.isComplete()};
+    result = dg::hashBytes(head, sizeof head, result);
+    result = dg::hashBytes(each.indices().data(), each.indices().size_bytes(), result);
+    result = dg::hashBytes(each.pairs().data(), each.pairs().size_bytes(), result);
+  }
+  return result;
+}
+
 }  // namespace host::scene

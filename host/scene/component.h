@@ -65,10 +65,14 @@ class Component {
 /// the range is not checked. @return an error that names the word.
 [[nodiscard]] Result<Component> parseComponent(std::string_view word);
 
-struct ComponentListTag {
-  static constexpr std::string_view kName = "componentList";
-};
 /// The payload of component-list attributes: what a history node works on.
-using ComponentListData = dg::ValueData<std::vector<Component>, ComponentListTag>;
+class ComponentListData final : public dg::Data {
+ public:
+  explicit ComponentListData(std::vector<Component> valueIn) : value(std::move(valueIn)) {}
+  [[nodiscard]] std::string_view typeName() const override { return "componentList"; }
+  [[nodiscard]] bool equals(const dg::Data& other) const override;
+  [[nodiscard]] std::uint64_t hash() const override;
+  const std::vector<Component> value;
+};
 
 }  // namespace host::scene

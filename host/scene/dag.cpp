@@ -37,14 +37,15 @@ bool inheritsTransform(Node& node) {
   return !flag || *flag != 0;
 }
 
-/// Product of the local matrices of nodes[0, count), leaf first.
+/// Product of the local matrices of nodes[0, count). From the top down, as the worldMatrix attributes are computed, so
+/// that both agree in every bit.
 math::Matrix4 product(const std::vector<Node*>& nodes, std::size_t count) {
+  std::size_t first = count;
+  while (first > 0 && (!isTransform(*nodes[first - 1]) || inheritsTransform(*nodes[first - 1]))) --first;
+  if (first > 0) --first;
   math::Matrix4 matrix;
-  for (std::size_t i = count; i-- > 0;) {
-    if (!isTransform(*nodes[i])) continue;
-    matrix = i + 1 == count ? localMatrix(*nodes[i]) : matrix * localMatrix(*nodes[i]);
-    if (!inheritsTransform(*nodes[i])) break;
-  }
+  for (std::size_t i = first; i < count; ++i)
+    if (isTransform(*nodes[i])) matrix = i == first ? localMatrix(*nodes[i]) : localMatrix(*nodes[i]) * matrix;
   return matrix;
 }
 

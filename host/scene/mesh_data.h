@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/dg/data.h"
+#include "host/mesh/hash.h"
 #include "host/mesh/mesh.h"
 
 namespace host::scene {
@@ -14,6 +15,7 @@ class MeshData final : public dg::Data {
     const auto* same = dynamic_cast<const MeshData*>(&other);
     return same && same->mesh == mesh;
   }
+  [[nodiscard]] std::uint64_t hash() const override { return mesh::hashMesh(mesh); }
   const mesh::Mesh mesh;
 };
 using MeshDataPtr = std::shared_ptr<const MeshData>;

@@ -1,0 +1,39 @@
+#include "host/nodes/camera_node.h"
+#include "host/nodes/dag_node.h"
+#include "host/nodes/history/history_node.h"
+#include "host/nodes/history/modifiers.h"
+#include "host/nodes/history/primitives.h"
+#include "host/nodes/locator_node.h"
+#include "host/nodes/mesh_node.h"
+#include "host/nodes/mesh_shape.h"
+#include "host/nodes/scene_nodes.h"
+#include "host/nodes/set_nodes.h"
+#include "host/nodes/shading_nodes.h"
+#include "host/nodes/transform.h"
+
+namespace host::nodes {
+
+void registerBuiltinTypes(dg::TypeRegistry& types) {
+  registerDagBaseTypes(types);
+  registerTransform(types);
+  registerMesh(types);
+  registerCamera(types);
+  registerLocator(types);
+  registerSetNodes(types);
+  registerShadingNodes(types);
+  registerSceneNodes(types);
+  registerHistoryBaseTypes(types);
+  registerPolyCube(types);
+  registerPolyPlane(types);
+  registerPolySphere(types);
+  registerPolyCylinder(types);
+  registerPolyCone(types);
+  registerPolyTorus(types);
+  registerPolyPyramid(types);
+  registerPolyTweak(types);
+  registerPolyTweakUv(types);
+  registerTransformGeometry(types);
+  registerGroupNodes(types);
+}
+
+}  // namespace host::nodes

@@ -1,0 +1,228 @@
+#include "host/nodes/dag_node.h"
+
+#include <utility>
+
+#include "host/scene/mesh_data.h"
+
+namespace host::nodes {
+
+namespace {
+
+using math::Matrix4;
+using scene::DagPath;
+
+dg::Value matrixValue(const Matrix4& matrix) { return dg::DataPtr(std::make_shared<dg::MatrixData>(matrix)); }
+
+/// Zero scales leave no inverse; what depends on one then sees the identity.
+Matrix4 inverseOrIdentity(const Matrix4& matrix) { return math::inverse(matrix).value_or(Matrix4{}); }
+
+Result<Matrix4> pullMatrix(dg::Graph& graph, const Plug& plug) {
+  auto value = graph.get(plug);
+  if (!value) return failWith(value.error());
+  const auto* data = dg::dataAs<dg::MatrixData>(*value);
+  return data ? data->value : Matrix4{};
+}
+
+AttributePtr boxCorner(const std::string& longName, const std::string& shortName) {
+  return triple(longName, shortName, AttributeType::Distance);
+}
+
+AttributePtr drawOverrides() {
+  return compound(
+      "drawOverride", "do",
+      {choice("overrideDisplayType", "ovdt", {"Normal", "Template", "Reference"}),
+       choice("overrideLevelOfDetail", "ovlod", {"Full", "Bounding Box"}), boolean("overrideShading", "ovs", true),
+       boolean("overrideTexturing", "ovt", true), boolean("overridePlayback", "ovp", true),
+       boolean("overrideEnabled", "ove"), boolean("overrideVisibility", "ovv", true), boolean("hideOnPlayback", "hpb"),
+       boolean("overrideRGBColors", "ovrgbf"),
+       limited(dg::makeAttribute("overrideColor", "ovc", AttributeType::Byte), 0, 31),
+       color("overrideColorRGB", "ovrgb"), single("overrideColorA", "ova", 1)});
+}
+
+AttributePtr instanceGroups() {
+  return array(compound(
+      "instObjGroups", "iog",
+      {array(compound("objectGroups", "og",
+                      {dg::makeTyped("objectGrpCompList", "gcl", "componentList"),
+                       integer("objectGroupId", "gid", -1), shortInteger("objectGrpColor", "gco", -1)}))}));
+}
+
+/// Attributes of a node that holds matrices, as one bundle for the functions below.
+struct DagAttributes {
+  const Attribute *matrix, *inverseMatrix, *world, *worldInverse, *parent, *parentInverse;
+  const Attribute *boxMin, *boxMax, *boxSize, *center;
+};
+
+Result<Computed> computeInstanceMatrix(const DagAttributes& attributes, Node& node, const Plug& plug, Index instance,
+                                       DataBlock& block) {
+  const Attribute* wanted = plug.attribute();
+  const auto element = [&](const Attribute* attribute) { return Plug(&node, attribute).element(instance); };
+  const auto store = [&](const Matrix4& value) { block.output(element(wanted), matrixValue(value)); };
+  const auto pull = [&](const Attribute* attribute) { return pullMatrix(block.graph(), element(attribute)); };
+  if (wanted == attributes.worldInverse || wanted == attributes.parentInverse) {
+    const auto forward = pull(wanted == attributes.worldInverse ? attributes.world : attributes.parent);
+    if (!forward) return failWith(forward.error());
+    store(inverseOrIdentity(*forward));
+    return Computed::Done;
+  }
+  const std::vector<DagPath> paths = scene::allPaths(node);
+  const auto number = static_cast<std::size_t>(instance);
+  const DagPath above = number < paths.size() ? paths[number].parent() : DagPath();
+  if (wanted == attributes.parent) {
+    if (above.isWorld()) {
+      store({});
+      return Computed::Done;
+    }
+    // Pulled through the parent's plug, so that a later change up there finds its way down here.
+    const Plug parentWorld(above.node(), attributes.world);
+    const auto matrix = pullMatrix(block.graph(), parentWorld.element(static_cast<Index>(above.instanceNumber())));
+    if (!matrix) return failWith(matrix.error());
+    store(*matrix);
+    return Computed::Done;
+  }
+  const auto parent = pull(attributes.parent);
+  if (!parent) return failWith(parent.error());
+  if (!scene::isTransform(node)) {
+    store(*parent);
+    return Computed::Done;
+  }
+  const Matrix4 local = block.matrix(attributes.matrix);
+  const Attribute* inherits = node.type().find("inheritsTransform");
+  const bool standsAlone = above.isWorld() || (inherits && !block.boolean(inherits));
+  store(standsAlone ? local : local * *parent);
+  return Computed::Done;
+}
+
+Result<Computed> computeDag(const DagAttributes& attributes, Node& node, const Plug& plug, DataBlock& block) {
+  const Attribute* wanted = plug.attribute();
+  if (wanted == attributes.inverseMatrix) {
+    block.output(wanted, matrixValue(inverseOrIdentity(block.matrix(attributes.matrix))));
+    return Computed::Done;
+  }
+  if (wanted == attributes.matrix) {
+    block.output(wanted, matrixValue({}));
+    return Computed::Done;
+  }
+  if (wanted != attributes.world && wanted != attributes.worldInverse && wanted != attributes.parent &&
+      wanted != attributes.parentInverse)
+    return Computed::Unhandled;
+  if (plug.isElement()) return computeInstanceMatrix(attributes, node, plug, plug.logicalIndex(), block);
+  const auto instances = static_cast<Index>(scene::allPaths(node).size());
+  for (Index i = 0; i < instances; ++i) {
+    auto done = computeInstanceMatrix(attributes, node, plug, i, block);
+    if (!done) return done;
+  }
+  return Computed::Done;
+}
+
+bool readBox(const DagAttributes& attributes, const Node& node, const Plug& plug, dg::Value& value) {
+  const Attribute* triple = plug.attribute()->parent;
+  if (!triple || (triple != attributes.boxMin && triple != attributes.boxMax && triple != attributes.boxSize &&
+                  triple != attributes.center))
+    return false;
+  const math::Box box = boundingBoxOf(const_cast<Node&>(node));
+  const math::Vec3 chosen = box.isEmpty()                  ? math::Vec3{}
+                            : triple == attributes.boxMin  ? box.min
+                            : triple == attributes.boxMax  ? box.max
+                            : triple == attributes.boxSize ? box.size()
+                                                           : box.center();
+  value = chosen[plug.attribute()->childIndex];
+  return true;
+}
+
+void registerDagNode(dg::TypeRegistry& types) {
+  TypeBuilder builder(types, "dagNode", "entity");
+  builder.setAbstract();
+  DagAttributes a{};
+  const Attribute* box = builder.add(internal(output(
+      compound("boundingBox", "bb",
+               {boxCorner("boundingBoxMin", "bbmn"), boxCorner("boundingBoxMax", "bbmx"),
+                boxCorner("boundingBoxSize", "bbsi")}))));
+  a.boxMin = box->children[0].get();
+  a.boxMax = box->children[1].get();
+  a.boxSize = box->children[2].get();
+  AttributePtr center = boxCorner("center", "c");
+  for (int axis = 0; axis < 3; ++axis) {
+    center->children[static_cast<std::size_t>(axis)]->longName = std::string("boundingBoxCenter") + "XYZ"[axis];
+    center->children[static_cast<std::size_t>(axis)]->shortName = std::string("bc") + "xyz"[axis];
+  }
+  a.center = builder.add(internal(output(std::move(center))));
+  a.matrix = builder.add(output(matrix("matrix", "m")));
+  a.inverseMatrix = builder.add(output(matrix("inverseMatrix", "im")));
+  const auto addInstanced = [&](const char* longName, const char* shortName) {
+    AttributePtr attribute = array(output(matrix(longName, shortName)));
+    attribute->worldSpace = true;
+    return builder.add(std::move(attribute));
+  };
+  a.world = addInstanced("worldMatrix", "wm");
+  a.worldInverse = addInstanced("worldInverseMatrix", "wim");
+  a.parent = addInstanced("parentMatrix", "pm");
+  a.parentInverse = addInstanced("parentInverseMatrix", "pim");
+  builder.add(keyable(boolean("visibility", "v", true)));
+  builder.add(boolean("intermediateObject", "io"));
+  builder.add(boolean("template", "tmp"));
+  builder.add(instanceGroups());
+  builder.add(color("objectColorRGB", "obcc"));
+  builder.add(color("wireColorRGB", "wfcc"));
+  builder.add(choice("useObjectColor", "uoc", {"Off", "Index Color", "RGB Color"}));
+  builder.add(limited(shortInteger("objectColor", "oc"), 0, 7));
+  builder.add(drawOverrides());
+  builder.add(boolean("lodVisibility", "lodv", true));
+  builder.add(boolean("selectionChildHighlighting", "sch", true));
+  builder.add(compound("renderInfo", "ri",
+                       {shortInteger("identification", "rlid"), boolean("layerRenderable", "rndr", true),
+                        shortInteger("layerOverrideColor", "lovc")}));
+  builder.add(boolean("ghosting", "gh"));
+  builder.add(boolean("hiddenInOutliner", "hio"));
+  builder.add(color("outlinerColor", "oclr"));
+  builder.add(boolean("useOutlinerColor", "uocol"));
+
+  builder.affects({a.matrix}, {a.inverseMatrix, a.world, a.worldInverse});
+  builder.affects({a.parent}, {a.parentInverse, a.world, a.worldInverse});
+  builder.type().compute = [a](Node& node, const Plug& plug, DataBlock& block) {
+    return computeDag(a, node, plug, block);
+  };
+  builder.type().getInternal = [a](const Node& node, const Plug& plug, dg::Value& value) {
+    return readBox(a, node, plug, value);
+  };
+  builder.type().dependentsDirty = [a](Node& node, const Plug& plug, std::vector<Plug>& alsoDirty) {
+    if (plug.attribute() != a.world) return;
+    for (Node* child : scene::dagLinks(node).children) alsoDirty.push_back(Plug(child, a.parent));
+  };
+  builder.finish();
+}
+
+}  // namespace
+
+math::Box boundingBoxOf(Node& dagNode) {
+  math::Box box;
+  if (scene::isShape(dagNode)) {
+    const Plug outMesh = dagNode.plug("outMesh");
+    if (!outMesh) return box;
+    const auto value = dagNode.graph().get(outMesh);
+    const auto* data = value ? dg::dataAs<scene::MeshData>(*value) : nullptr;
+    if (data)
+      for (const math::Vec3f& point : data->mesh.points()) box.add(math::Vec3(point));
+    return box;
+  }
+  for (Node* child : scene::dagLinks(dagNode).children) {
+    if (const Plug hidden = child->plug("intermediateObject"))
+      if (const auto value = dagNode.graph().get(hidden); value && dg::equal(*value, std::int64_t{1})) continue;
+    const math::Box below = boundingBoxOf(*child);
+    if (!below.isEmpty()) box.add(below);
+  }
+  return box.isEmpty() ? box : box.transformed(scene::localMatrix(dagNode));
+}
+
+void registerDagBaseTypes(dg::TypeRegistry& types) {
+  TypeBuilder(types, "containerBase").setAbstract().finish();
+  TypeBuilder(types, "entity", "containerBase").setAbstract().finish();
+  registerDagNode(types);
+  TypeBuilder(types, "shape", "dagNode").setAbstract().finish();
+  TypeBuilder(types, "geometryShape", "shape").setAbstract().finish();
+  TypeBuilder(types, "deformableShape", "geometryShape").setAbstract().finish();
+  TypeBuilder(types, "controlPoint", "deformableShape").setAbstract().finish();
+  TypeBuilder(types, "surfaceShape", "controlPoint").setAbstract().finish();
+}
+
+}  // namespace host::nodes

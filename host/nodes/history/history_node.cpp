@@ -1,0 +1,163 @@
+#include "host/nodes/history/history_node.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "host/base/assert.h"
+#include "host/scene/mesh_data.h"
+
+namespace host::nodes {
+
+namespace {
+
+using scene::Component;
+using scene::ComponentType;
+using scene::MeshData;
+
+Index countOf(const mesh::Mesh& mesh, ComponentType type) {
+  switch (type) {
+    case ComponentType::Vertex: return mesh.vertexCount();
+    case ComponentType::Edge: return mesh.edgeCount();
+    case ComponentType::Face: return mesh.faceCount();
+    case ComponentType::Uv: return static_cast<Index>(mesh.uvSet(mesh.currentUvSet()).points.size());
+    case ComponentType::VertexFace: return mesh.cornerCount();
+  }
+  return 0;
+}
+
+Result<Computed> run(const HistoryOperation& operation, DataBlock& block, const Attribute* output, mesh::Mesh mesh) {
+  HistoryContext context(block, std::move(mesh));
+  if (auto done = operation(context); !done)
+    return fail("{}: {}", block.node().name(), done.error().message);
+  block.output(output, dg::DataPtr(std::make_shared<MeshData>(std::move(context.mesh))));
+  return Computed::Done;
+}
+
+}  // namespace
+
+const Attribute* HistoryContext::find(std::string_view attribute) const {
+  const Attribute* found = node().type().find(attribute);
+  HOST_ASSERT(found, "declare the parameter before it is read");
+  return found;
+}
+
+void HistoryContext::packed(std::string_view attribute, std::vector<Index>& indices,
+                            std::vector<double>& values) const {
+  block.graph().getPacked(Plug(&node(), find(attribute)), indices, values);
+}
+
+std::vector<Component> HistoryContext::inputComponents() const {
+  const auto list = block.data<scene::ComponentListData>(find("inputComponents"));
+  return list ? list->value : std::vector<Component>();
+}
+
+bool HistoryContext::names(ComponentType type) const {
+  const std::vector<Component> list = inputComponents();
+  return std::any_of(list.begin(), list.end(), [&](const Component& each) { return each.type() == type; });
+}
+
+std::vector<Index> HistoryContext::components(ComponentType type) const {
+  const Index count = countOf(mesh, type);
+  Component all(type);
+  for (const Component& each : inputComponents())
+    if (each.type() == type) all.unite(each);
+  std::vector<Index> indices = all.expanded(count);
+  // Ascending: what an earlier edit took away is at the end.
+  indices.erase(std::lower_bound(indices.begin(), indices.end(), count), indices.end());
+  return indices;
+}
+
+std::vector<Component::VertexFace> HistoryContext::vertexFaces() const {
+  std::vector<Component::VertexFace> kept;
+  for (const Component& each : inputComponents()) {
+    if (each.type() != ComponentType::VertexFace) continue;
+    for (const Component::VertexFace& pair : each.pairs()) {
+      if (pair.face >= mesh.faceCount()) continue;
+      const auto corners = mesh.faceVertices(pair.face);
+      if (std::find(corners.begin(), corners.end(), pair.vertex) != corners.end()) kept.push_back(pair);
+    }
+    if (!each.isComplete()) continue;
+    for (FaceId f = 0; f < mesh.faceCount(); ++f)
+      for (const VertexId v : mesh.faceVertices(f)) kept.push_back({v, f});
+  }
+  return kept;
+}
+
+HistoryNodeBuilder::HistoryNodeBuilder(dg::TypeRegistry& types, std::string_view name, std::uint32_t id,
+                                       std::string_view base)
+    : builder_(types, name, base, id) {}
+
+HistoryNodeBuilder& HistoryNodeBuilder::parameter(AttributePtr attribute) {
+  builder_.affects({builder_.add(std::move(attribute))}, {builder_["output"]});
+  return *this;
+}
+
+void HistoryNodeBuilder::operation(HistoryOperation operation) {
+  const Attribute* input = builder_["inputPolymesh"];
+  const Attribute* output = builder_["output"];
+  const Attribute* state = builder_["nodeState"];
+  builder_.type().compute = [input, output, state, operation = std::move(operation)](
+                                Node& node, const Plug& plug, DataBlock& block) -> Result<Computed> {
+    if (plug.attribute() != output) return Computed::Unhandled;
+    auto arriving = block.input(Plug(&node, input));
+    if (!arriving) return failWith(arriving.error());
+    const auto* data = dg::dataAs<MeshData>(*arriving);
+    if (!data || block.integer(state) == 1) {
+      block.output(output, *arriving);
+      return Computed::Done;
+    }
+    return run(operation, block, output, data->mesh);
+  };
+  builder_.finish();
+}
+
+PrimitiveNodeBuilder::PrimitiveNodeBuilder(dg::TypeRegistry& types, std::string_view name, std::uint32_t id)
+    : builder_(types, name, "polyPrimitive", id) {}
+
+PrimitiveNodeBuilder& PrimitiveNodeBuilder::parameter(AttributePtr attribute) {
+  builder_.affects({builder_.add(std::move(attribute))}, {builder_["output"]});
+  return *this;
+}
+
+void PrimitiveNodeBuilder::operation(HistoryOperation operation) {
+  const Attribute* output = builder_["output"];
+  builder_.type().compute = [output, operation = std::move(operation)](Node&, const Plug& plug,
+                                                                       DataBlock& block) -> Result<Computed> {
+    if (plug.attribute() != output) return Computed::Unhandled;
+    return run(operation, block, output, mesh::Mesh());
+  };
+  builder_.finish();
+}
+
+void registerHistoryBaseTypes(dg::TypeRegistry& types) {
+  TypeBuilder base(types, "polyBase");
+  base.setAbstract().livesByItsOutputs();
+  const Attribute* out = base.add(output(dg::makeTyped("output", "out", "mesh")));
+  base.finish();
+
+  TypeBuilder modifier(types, "polyModifier", "polyBase");
+  modifier.setAbstract();
+  const Attribute* input = modifier.add(notStored(dg::makeTyped("inputPolymesh", "ip", "mesh")));
+  const Attribute* components = modifier.add(dg::makeTyped("inputComponents", "ics", "componentList"));
+  modifier.add(boolean("useOldPolyArchitecture", "uopa"));
+  modifier.add(hidden(notStored(dg::makeTyped("inMeshCache", "imc", "mesh"))));
+  modifier.affects({input, components, modifier["nodeState"]}, {out});
+  modifier.finish();
+
+  TypeBuilder world(types, "polyModifierWorld", "polyModifier");
+  world.setAbstract();
+  const Attribute* inputMatrix = world.add(matrix("inputMatrix", "ix"));
+  const Attribute* worldSpace = world.add(boolean("worldSpace", "ws"));
+  const Attribute* manipMatrix = world.add(hidden(matrix("manipMatrix", "mp")));
+  world.affects({inputMatrix, worldSpace, manipMatrix}, {out});
+  world.finish();
+
+  TypeBuilder(types, "polyCreator", "polyBase").setAbstract().finish();
+  TypeBuilder primitive(types, "polyPrimitive", "polyCreator");
+  primitive.setAbstract();
+  const Attribute* axis = primitive.add(triple("axis", "ax", AttributeType::Double, {0, 1, 0}));
+  primitive.affects({axis}, {out});
+  primitive.finish();
+}
+
+}  // namespace host::nodes

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "host/dg/node.h"
+
+namespace host::nodes {
+
+/// Each registers one type of history node.
+void registerPolyTweak(dg::TypeRegistry& types);          ///< adds `tweak` offsets to points
+void registerPolyTweakUv(dg::TypeRegistry& types);        ///< adds `uvTweak` offsets to UVs of a set
+void registerPolySoftEdge(dg::TypeRegistry& types);       ///< hard or smooth edges by angle
+void registerTransformGeometry(dg::TypeRegistry& types);  ///< moves the whole mesh by a matrix
+void registerGroupNodes(dg::TypeRegistry& types);         ///< groupId and groupParts
+
+}  // namespace host::nodes

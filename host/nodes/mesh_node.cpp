@@ -1,0 +1,187 @@
+#include "host/nodes/mesh_node.h"
+
+#include <memory>
+#include <utility>
+
+#include "host/nodes/dag_node.h"
+#include "host/nodes/mesh_access.h"
+#include "host/scene/mesh_data.h"
+
+namespace host::nodes {
+
+namespace {
+
+using mesh::Mesh;
+using scene::MeshData;
+
+struct MeshAttributes {
+  const Attribute *inMesh, *outMesh, *worldMesh, *tweaks, *override, *worldMatrix;
+};
+
+/// Points plus the offsets that are not zero; `mesh` is left sharing its points when there are none.
+void applyTweaks(dg::Graph& graph, const Plug& tweaks, Mesh& mesh) {
+  std::vector<Index> indices;
+  std::vector<double> offsets;
+  if (!graph.getPacked(tweaks, indices, offsets)) return;
+  std::span<math::Vec3f> points;
+  for (std::size_t i = 0; i < indices.size(); ++i) {
+    const double* offset = &offsets[i * 3];
+    // An offset of zero must not even turn a -0 into a 0.
+    if (indices[i] >= mesh.vertexCount() || (offset[0] == 0 && offset[1] == 0 && offset[2] == 0)) continue;
+    if (points.empty()) points = mesh.editPoints();
+    math::Vec3f& point = points[static_cast<std::size_t>(indices[i])];
+    if (offset[0] != 0) point.x = static_cast<float>(point.x + offset[0]);
+    if (offset[1] != 0) point.y = static_cast<float>(point.y + offset[1]);
+    if (offset[2] != 0) point.z = static_cast<float>(point.z + offset[2]);
+  }
+}
+
+bool hasSameCounts(const Mesh& a, const Mesh& b) {
+  return a.vertexCount() == b.vertexCount() && a.edgeCount() == b.edgeCount() && a.faceCount() == b.faceCount() &&
+         a.cornerCount() == b.cornerCount();
+}
+
+/// The corner data of `override` on the points and faces of `arriving`.
+Mesh withCornerData(const Mesh& arriving, const Mesh& override) {
+  Mesh mesh = override;
+  if (!mesh.sharesTopologyWith(arriving) && mesh.topology() != arriving.topology())
+    mesh.setTopology(arriving.topology());
+  if (!mesh.sharesPointsWith(arriving))
+    mesh.setPoints(std::vector<math::Vec3f>(arriving.points().begin(), arriving.points().end()));
+  return mesh;
+}
+
+Result<Computed> computeOutMesh(const MeshAttributes& a, Node& node, DataBlock& block) {
+  auto arriving = block.input(Plug(&node, a.inMesh));
+  if (!arriving) return failWith(arriving.error());
+  const auto* data = dg::dataAs<MeshData>(*arriving);
+  if (!data) {
+    block.output(a.outMesh, {});
+    return Computed::Done;
+  }
+  Mesh mesh = data->mesh;
+  const auto override = block.data<MeshData>(a.override);
+  if (override && hasSameCounts(mesh, override->mesh)) mesh = withCornerData(mesh, override->mesh);
+  applyTweaks(block.graph(), Plug(&node, a.tweaks), mesh);
+  const bool isAsItCame = !override && mesh.sharesPointsWith(data->mesh);
+  block.output(a.outMesh, isAsItCame ? *arriving : dg::Value(dg::DataPtr(std::make_shared<MeshData>(std::move(mesh)))));
+  return Computed::Done;
+}
+
+Mesh transformed(Mesh mesh, const math::Matrix4& matrix) {
+  for (math::Vec3f& point : mesh.editPoints()) point = math::transformPoint(math::Vec3(point), matrix).toFloat();
+  if (!mesh.lockedNormals().normals.empty())
+    for (math::Vec3f& normal : mesh.editLockedNormals().normals)
+      normal = math::normalized(math::transformNormal(math::Vec3(normal), matrix)).toFloat();
+  return mesh;
+}
+
+Result<Computed> computeWorldMesh(const MeshAttributes& a, Node& node, Index instance, DataBlock& block) {
+  auto object = block.input(Plug(&node, a.outMesh));
+  if (!object) return failWith(object.error());
+  const auto matrix = block.input(Plug(&node, a.worldMatrix).element(instance));
+  if (!matrix) return failWith(matrix.error());
+  const auto* data = dg::dataAs<MeshData>(*object);
+  const auto* world = dg::dataAs<dg::MatrixData>(*matrix);
+  const Plug out = Plug(&node, a.worldMesh).element(instance);
+  if (!data || !world || math::isIdentity(world->value))
+    block.output(out, *object);
+  else
+    block.output(out, dg::DataPtr(std::make_shared<MeshData>(transformed(data->mesh, world->value))));
+  return Computed::Done;
+}
+
+void addDisplayAttributes(TypeBuilder& builder) {
+  builder.add(boolean("visibleInReflections", "vir"));
+  builder.add(boolean("visibleInRefractions", "vif"));
+  builder.add(boolean("castsShadows", "csh", true));
+  builder.add(boolean("receiveShadows", "rcsh", true));
+  builder.add(boolean("motionBlur", "mb", true));
+  builder.add(boolean("primaryVisibility", "vis", true));
+  builder.add(boolean("smoothShading", "smo", true));
+  builder.add(boolean("doubleSided", "ds", true));
+  builder.add(boolean("opposite", "op"));
+  builder.add(boolean("displayColors", "dcol"));
+  builder.add(text("displayColorChannel", "dcc"));
+  builder.add(boolean("displayVertices", "dv"));
+  builder.add(boolean("displayBorders", "db"));
+  builder.add(choice("displayEdges", "de", {"standard", "soft/hard", "hard", "hardColored"}));
+  builder.add(boolean("displayFacesWithGroupId", "dfgi"));
+  builder.add(boolean("displayCenter", "dc"));
+  builder.add(boolean("displayTriangles", "dt"));
+  builder.add(boolean("displayUVs", "duv"));
+  builder.add(boolean("displayItemNumbers", "din"));
+  builder.add(boolean("displayNonPlanar", "dnp"));
+  builder.add(boolean("displayNormal", "dn"));
+  builder.add(boolean("displayMapBorders", "dmb"));
+  builder.add(single("normalSize", "ns", 0.4));
+  builder.add(single("vertexSize", "vs", 3));
+  builder.add(single("borderWidth", "bw", 3));
+  builder.add(choice("backfaceCulling", "bck", {"off", "wire", "hard", "full"}));
+  builder.add(choice("vertexBackfaceCulling", "vbc", {"off", "on"}));
+}
+
+void addSmoothAttributes(TypeBuilder& builder) {
+  builder.add(limited(shortInteger("displaySmoothMesh", "dsm"), 0, 2));
+  builder.add(limited(shortInteger("smoothLevel", "lev", 2), 0, 4));
+  builder.add(boolean("useSmoothPreviewForRender", "uspr", true));
+  builder.add(limited(shortInteger("renderSmoothLevel", "rlev", 2), 0, 4));
+  builder.add(limited(single("continuity", "co", 1), 0, 1));
+  builder.add(boolean("smoothUVs", "suv", true));
+  builder.add(boolean("keepBorder", "kb", true));
+  builder.add(boolean("keepMapBorders", "kmb", true));
+  builder.add(boolean("keepHardEdge", "khe"));
+  builder.add(boolean("propagateEdgeHardness", "peh"));
+  builder.add(boolean("smoothOffset", "soo"));
+  builder.add(boolean("displaySubdComps", "dsc"));
+  builder.add(choice("quadSplit", "qsp", {"automatic", "left", "right", "best shape", "best shape, parallel"}));
+  builder.add(choice("useMaxEdgeLength", "umel", {"off", "on"}));
+}
+
+}  // namespace
+
+void registerMesh(dg::TypeRegistry& types) {
+  TypeBuilder builder(types, "mesh", "surfaceShape", typeCode("DMSH"));
+  MeshAttributes a{};
+  a.inMesh = builder.add(notStored(dg::makeTyped("inMesh", "i", "mesh")));
+  a.outMesh = builder.add(output(dg::makeTyped("outMesh", "o", "mesh")));
+  AttributePtr worldMesh = array(output(dg::makeTyped("worldMesh", "w", "mesh")));
+  worldMesh->worldSpace = true;
+  a.worldMesh = builder.add(std::move(worldMesh));
+  builder.add(hidden(notStored(dg::makeTyped("cachedInMesh", "cim", "mesh"))));
+  a.override = builder.add(hidden(dg::makeTyped(kMeshOverrideAttribute, "cdov", "mesh")));
+  // Children in double precision: an offset then takes a float point to any other float point exactly.
+  a.tweaks = builder.add(
+      array(numbers("pnts", "pt", "float3", {real("pntx", "px"), real("pnty", "py"), real("pntz", "pz")})));
+  auto access = std::make_shared<MeshAccess>();
+  access->addTo(builder, a.inMesh);
+  builder.add(numbers("uvPivot", "pv", "double2", {real("uvPivotX", "pvx"), real("uvPivotY", "pvy")}));
+  builder.add(dg::makeTyped("tweakLocation", "twl", "Int32Array"));
+  addDisplayAttributes(builder);
+  addSmoothAttributes(builder);
+  a.worldMatrix = builder["worldMatrix"];
+
+  builder.affects({a.inMesh, a.tweaks, a.override}, {a.outMesh});
+  for (const Attribute* part : access->written()) builder.affects({part}, {a.outMesh});
+  builder.affects({a.outMesh, a.worldMatrix, builder["parentMatrix"]}, {a.worldMesh});
+  builder.type().compute = [a](Node& node, const Plug& plug, DataBlock& block) -> Result<Computed> {
+    if (plug.attribute() == a.outMesh) return computeOutMesh(a, node, block);
+    if (plug.attribute() != a.worldMesh) return Computed::Unhandled;
+    if (plug.isElement()) return computeWorldMesh(a, node, plug.logicalIndex(), block);
+    const auto instances = static_cast<Index>(scene::allPaths(node).size());
+    for (Index i = 0; i < instances; ++i) {
+      auto done = computeWorldMesh(a, node, i, block);
+      if (!done) return done;
+    }
+    return Computed::Done;
+  };
+  builder.type().getInternal = [access](const Node& node, const Plug& plug, dg::Value& value) {
+    return access->read(node, plug, value);
+  };
+  builder.type().setInternal = [access](Node& node, const Plug& plug, const dg::Value& value) {
+    return access->write(node, plug, value);
+  };
+  builder.finish();
+}
+
+}  // namespace host::nodes

@@ -1,0 +1,112 @@
+#include "host/nodes/shading_nodes.h"
+
+#include "host/nodes/type_builder.h"
+
+namespace host::nodes {
+
+namespace {
+
+/// Shading nodes hand on their plain colour: what a viewer shows of them.
+void passColor(TypeBuilder& builder, const Attribute* from, const Attribute* to) {
+  builder.affects({from}, {to});
+  builder.type().compute = [from, to](Node& node, const Plug& plug, DataBlock& block) -> Result<Computed> {
+    if (plug.attribute() != to && plug.attribute()->parent != to) return Computed::Unhandled;
+    const math::Vec3 value = block.vec3(from);
+    for (int channel = 0; channel < 3; ++channel) block.output(Plug(&node, to).child(channel), value[channel]);
+    return Computed::Done;
+  };
+}
+
+void registerLambert(dg::TypeRegistry& types) {
+  TypeBuilder lambert(types, "lambert", {}, typeCode("RLAM"));
+  lambert.type().classification = "shader/surface";
+  const Attribute* base = lambert.add(keyable(color("color", "c", {0.5, 0.5, 0.5})));
+  lambert.add(keyable(color("transparency", "it")));
+  lambert.add(keyable(color("ambientColor", "ambc")));
+  lambert.add(keyable(color("incandescence", "ic")));
+  lambert.add(keyable(limited(single("diffuse", "dc", 0.8), 0, 1)));
+  lambert.add(keyable(softLimited(single("translucence", "tc"), 0, 1)));
+  lambert.add(keyable(single("translucenceDepth", "trsd", 0.5)));
+  lambert.add(numbers("normalCamera", "n", "float3",
+                      {single("normalCameraX", "nx"), single("normalCameraY", "ny"), single("normalCameraZ", "nz")}));
+  lambert.add(keyable(limited(single("glowIntensity", "gi"), 0, 1)));
+  lambert.add(boolean("hideSource", "hs"));
+  const Attribute* out = lambert.add(output(color("outColor", "oc")));
+  lambert.add(output(color("outTransparency", "ot")));
+  lambert.add(output(color("outGlowColor", "ogc")));
+  passColor(lambert, base, out);
+  lambert.finish();
+
+  TypeBuilder reflective(types, "reflect", "lambert");
+  reflective.setAbstract();
+  reflective.add(keyable(color("specularColor", "sc", {0.5, 0.5, 0.5})));
+  reflective.add(keyable(limited(single("reflectivity", "rfl", 0.5), 0, 1)));
+  reflective.add(keyable(color("reflectedColor", "rc")));
+  reflective.finish();
+  TypeBuilder blinn(types, "blinn", "reflect", typeCode("RBLN"));
+  blinn.add(keyable(limited(single("eccentricity", "ec", 0.3), 0, 1)));
+  blinn.add(keyable(atLeast(single("specularRollOff", "sro", 0.7), 0)));
+  blinn.finish();
+  TypeBuilder phong(types, "phong", "reflect", typeCode("RPHO"));
+  phong.add(keyable(atLeast(single("cosinePower", "cp", 20), 2)));
+  phong.finish();
+}
+
+void registerTextures(dg::TypeRegistry& types) {
+  TypeBuilder file(types, "file", {}, typeCode("RTFT"));
+  file.type().classification = "texture/2d";
+  AttributePtr name = text("fileTextureName", "ftn");
+  name->usedAsFilename = true;
+  file.add(std::move(name));
+  file.add(boolean("useFrameExtension", "ufe"));
+  file.add(numbers("uvCoord", "uv", "float2", {single("uCoord", "u"), single("vCoord", "v")}));
+  const Attribute* gain = file.add(keyable(color("colorGain", "cg", {1, 1, 1})));
+  file.add(keyable(color("defaultColor", "dc", {0.5, 0.5, 0.5})));
+  const Attribute* out = file.add(output(color("outColor", "oc")));
+  file.add(output(single("outAlpha", "oa")));
+  passColor(file, gain, out);
+  file.finish();
+
+  TypeBuilder place(types, "place2dTexture", {}, typeCode("RPL2"));
+  place.add(keyable(numbers("coverage", "c", "float2", {single("coverageU", "cu", 1), single("coverageV", "cv", 1)})));
+  place.add(keyable(numbers("repeatUV", "re", "float2", {single("repeatU", "reu", 1), single("repeatV", "rev", 1)})));
+  place.add(keyable(numbers("offset", "of", "float2", {single("offsetU", "ofu"), single("offsetV", "ofv")})));
+  place.add(keyable(angle("rotateUV", "rf")));
+  place.add(output(numbers("outUV", "o", "float2", {single("outU", "ou"), single("outV", "ov")})));
+  place.finish();
+}
+
+}  // namespace
+
+void registerShadingNodes(dg::TypeRegistry& types) {
+  registerLambert(types);
+  registerTextures(types);
+
+  TypeBuilder surface(types, "surfaceShader", {}, typeCode("RSSH"));
+  surface.type().classification = "shader/surface";
+  surface.add(keyable(color("outColor", "oc")));
+  surface.add(keyable(color("outTransparency", "ot")));
+  surface.finish();
+
+  TypeBuilder cloud(types, "particleCloud", {}, typeCode("PCLD"));
+  cloud.type().classification = "shader/volume";
+  const Attribute* base = cloud.add(keyable(color("color", "c", {0.5, 0.5, 0.5})));
+  const Attribute* out = cloud.add(output(color("outColor", "oc")));
+  passColor(cloud, base, out);
+  cloud.finish();
+
+  TypeBuilder linker(types, "lightLinker", {}, typeCode("RLLK"));
+  linker.add(unordered(compound("link", "lnk", {message("light", "llnk"), message("object", "olnk")})));
+  linker.add(unordered(compound("ignore", "ign", {message("lightIgnored", "lign"), message("objectIgnored", "oign")})));
+  linker.add(
+      unordered(compound("shadowLink", "slnk", {message("shadowLight", "sllk"), message("shadowObject", "solk")})));
+  linker.finish();
+
+  TypeBuilder info(types, "materialInfo", {}, typeCode("DMTI"));
+  info.add(message("shadingGroup", "sg"));
+  info.add(message("material", "m"));
+  info.add(unordered(message("texture", "t")));
+  info.finish();
+}
+
+}  // namespace host::nodes
