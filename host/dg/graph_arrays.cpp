@@ -144,6 +144,17 @@ int Graph::Impl::makeElements(const Plug& plug, bool wired) {
   return createdLevel;
 }
 
+Result<void> Graph::Impl::checkCreatable(const Plug& plug) {
+  if (plug.levels() == 0) return {};
+  const Driver driver = driverOf(locate(plug).deepest);
+  if (!driver.unit) return {};
+  const std::string source = driver.slot->wiring->source.name();
+  HOST_TRY(refreshArray(plugOf(*driver.unit)));
+  if (locate(plug).isMissing)
+    return fail("'{}' does not exist: the elements of the array come from '{}'", plug.name(), source);
+  return {};
+}
+
 void Graph::Impl::dropElements(const Plug& plug, int createdLevel) {
   if (createdLevel >= 0) (void)detach(elementAtLevel(plug, createdLevel));
 }
@@ -167,6 +178,7 @@ void Graph::Impl::swapPacked(const Plug& array, PackedArray& packed) {
   Slot& slot = *makeSlot(array, true).slot;
   if (slot.packed) {
     std::swap(*slot.packed, packed);
+    matchSlotsToPacked(slot);
   } else {
     PackedArray before = gathered(array, packed.stride);
     ValueTree tree;
@@ -214,6 +226,7 @@ bool Graph::elementExists(const Plug& element) const {
 Result<void> Graph::addElement(const Plug& element) {
   HOST_TRY(checkElement(element));
   if (isLockedHereOrAbove(element)) return fail("'{}' is locked", element.name());
+  HOST_TRY(impl_->checkCreatable(element));
   const int createdLevel = impl_->makeElements(element, false);
   if (createdLevel >= 0) impl_->record<ElementChange>(element, createdLevel);
   return {};
@@ -223,6 +236,8 @@ Result<void> Graph::removeElement(const Plug& element, bool breakConnections) {
   HOST_TRY(checkElement(element));
   const Place place = locate(element);
   if (place.isMissing) return fail("'{}' does not exist", element.name());
+  if (isDriven(element.array()))
+    return fail("'{}' cannot be removed: the elements of the array come over a connection", element.name());
   if (isLockedHereOrAbove(element)) return fail("'{}' is locked", element.name());
   if (place.slot && place.slot->incoming + place.slot->outgoing > 0) {
     if (!breakConnections) return fail("'{}' is connected and cannot be removed", element.name());

@@ -226,6 +226,7 @@ Result<void> Graph::setFlag(const Plug& plug, PlugFlag which, bool on) {
   if (!plug.node()->isAlive()) return fail("Node '{}' is deleted", plug.node()->name());
   if (!plug.isComplete()) return fail("'{}' needs the index of an element", plug.name());
   if (flag(plug, which) == on) return {};
+  HOST_TRY(impl_->checkCreatable(plug));
   const int createdLevel = impl_->makeElements(plug, true);
   Wiring& wiring = makeSlot(plug, true).slot->wires();
   const std::uint8_t mask = wiring.flagMask, bits = wiring.flagBits;

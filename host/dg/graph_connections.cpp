@@ -244,6 +244,7 @@ Result<void> Graph::connect(const Plug& from, const Plug& to, bool force) {
   HOST_TRY(checkEnds(from, to));
   if (source(to) == from) return fail("'{}' is connected to '{}' already", from.name(), to.name());
   if (isLockedHereOrAbove(to)) return fail("'{}' is locked", to.name());
+  HOST_TRY(impl_->checkCreatable(from));
   HOST_TRY(askTypes(from, to, true));
   HOST_TRY(askTypes(to, from, false));
   // A plug, the compounds above it and their children cannot be driven from several sides.

@@ -63,6 +63,8 @@ struct Graph::Impl {
   // --- elements (graph_arrays.cpp)
   /// Makes the elements on the way to a plug and tells of them; the first level that was missing, or -1.
   int makeElements(const Plug& plug, bool wired);
+  /// Refuses when an element on the way to a plug is missing from an array that is driven as a whole.
+  Result<void> checkCreatable(const Plug& plug);
   /// Takes back what makeElements made.
   void dropElements(const Plug& plug, int createdLevel);
   DetachedElement detach(const Plug& element);

@@ -252,6 +252,20 @@ std::vector<Index> existingIndices(const Slot& array) {
   return result;
 }
 
+bool isWired(const Slot& slot) {
+  if (slot.incoming > 0 || slot.outgoing > 0 || (slot.wiring && slot.wiring->flagMask != 0)) return true;
+  return std::ranges::any_of(slot.below, [](const auto& below) { return below && isWired(*below); });
+}
+
+void matchSlotsToPacked(Slot& array) {
+  std::erase_if(array.below, [&](const auto& element) {
+    if (array.packed->position(element->index) >= 0) return false;
+    if (!isWired(*element)) return true;
+    array.packed->insert(element->index, *array.attribute);
+    return false;
+  });
+}
+
 DetachedElement detachElement(Slot& array, Index index) {
   DetachedElement result;
   if (array.packed) {

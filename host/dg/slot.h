@@ -101,6 +101,12 @@ void writeLeaf(const Plug& plug, Value value);
 [[nodiscard]] Value unpack(const Attribute& leaf, double number);
 [[nodiscard]] double packNumber(const Attribute& leaf, double number);
 
+/// Whether a slot, or one below it, holds a connection or a flag.
+[[nodiscard]] bool isWired(const Slot& slot);
+/// After the packed values of an array were replaced: drops the slots of elements that are gone. A wired element
+/// stays, with its defaults.
+void matchSlotsToPacked(Slot& array);
+
 /// What a deleted element leaves behind, so that it can come back.
 struct DetachedElement {
   std::unique_ptr<Slot> slot;
@@ -113,14 +119,17 @@ void attachElement(Slot& array, Index index, DetachedElement element);
 
 /// The stored values of a plug and of all below it.
 struct ValueTree {
+  Index index = kNone;  ///< of a child or an element
   Value value;
-  std::vector<std::pair<Index, ValueTree>> below;  ///< by child or logical index
+  std::vector<ValueTree> below;  ///< ascending indices
   std::unique_ptr<PackedArray> packed;
+
+  ValueTree& add(Index belowIndex);
   [[nodiscard]] std::size_t bytes() const;
 };
 [[nodiscard]] ValueTree captureValues(const Plug& plug);
-/// Puts captured values back, converting them to the types found there. Elements that the tree lacks are removed unless
-/// they are wired.
+/// Puts captured values back, converting them to the types found there. Elements that the tree lacks are removed; wired
+/// ones stay, with their defaults.
 void restoreValues(const Plug& plug, const ValueTree& tree);
 
 /// Visits the slot and all below it; `visit(slot)`.

@@ -3,69 +3,91 @@
 #include "host/dg/slot.h"
 
 namespace host::dg {
+
+ValueTree& ValueTree::add(Index belowIndex) {
+  ValueTree& tree = below.emplace_back();
+  tree.index = belowIndex;
+  return tree;
+}
+
 std::size_t ValueTree::bytes() const {
   std::size_t total = sizeof(ValueTree);
   if (const auto* text = std::get_if<std::string>(&value)) total += text->capacity();
   if (packed) total += packed->indices.capacity() * sizeof(Index) + packed->values.capacity() * sizeof(double);
-  for (const auto& [index, tree] : below) total += sizeof(Index) + tree.bytes();
+  for (const ValueTree& tree : below) total += tree.bytes();
   return total;
 }
 
-ValueTree captureValues(const Plug& plug) {
+namespace {
+
+void captureInto(ValueTree& tree, const Plug& plug) {
   const Place place = locate(plug);
   const Attribute& attribute = *plug.attribute();
-  ValueTree tree;
   if (plug.isArray()) {
-    if (!place.slot) return tree;
+    if (!place.slot) return;
     if (place.slot->packed) {
       tree.packed = std::make_unique<PackedArray>(*place.slot->packed);
-      return tree;
+      return;
     }
     for (const auto& element : place.slot->below)
-      tree.below.emplace_back(element->index, captureValues(plug.element(element->index)));
-    return tree;
+      captureInto(tree.add(element->index), plug.element(element->index));
+    return;
   }
   if (attribute.isCompound()) {
     for (std::size_t i = 0; i < attribute.children.size(); ++i)
-      tree.below.emplace_back(static_cast<Index>(i), captureValues(plug.child(static_cast<int>(i))));
-    return tree;
+      captureInto(tree.add(static_cast<Index>(i)), plug.child(static_cast<int>(i)));
+    return;
   }
   tree.value = readLeaf(plug, place);
+}
+
+}  // namespace
+
+ValueTree captureValues(const Plug& plug) {
+  ValueTree tree;
+  captureInto(tree, plug);
   return tree;
 }
 
 namespace {
 
 bool hasIndex(const ValueTree& tree, Index index) {
-  const auto at = std::lower_bound(tree.below.begin(), tree.below.end(), index,
-                                   [](const auto& entry, Index wanted) { return entry.first < wanted; });
-  return at != tree.below.end() && at->first == index;
+  const auto at =
+      std::lower_bound(tree.below.begin(), tree.below.end(), index,
+                       [](const ValueTree& entry, Index wanted) { return entry.index < wanted; });
+  return at != tree.below.end() && at->index == index;
+}
+
+/// Of an attribute as an element, or of a leaf.
+ValueTree defaultValues(const Attribute& attribute) {
+  ValueTree tree;
+  if (!attribute.isCompound()) tree.value = attribute.initialValue();
+  for (const AttributePtr& child : attribute.children) {
+    ValueTree& below = tree.add(child->childIndex);
+    if (!child->isArray) below = defaultValues(*child);
+    below.index = child->childIndex;
+  }
+  return tree;
 }
 
 void restoreArray(const Plug& array, const ValueTree& tree) {
   Slot& slot = *makeSlot(array, false).slot;
   if (tree.packed && slot.packed && tree.packed->stride == slot.packed->stride) {
-    // Wired elements stay, whatever the tree says.
-    PackedArray next = *tree.packed;
-    for (const auto& wired : slot.below) {
-      if (next.position(wired->index) >= 0) continue;
-      const std::ptrdiff_t from = slot.packed->position(wired->index);
-      const std::ptrdiff_t to = next.insert(wired->index, *slot.attribute);
-      std::copy_n(slot.packed->at(from), next.stride, next.at(to));
-    }
-    *slot.packed = std::move(next);
+    *slot.packed = *tree.packed;
+    matchSlotsToPacked(slot);
     return;
   }
   for (const Index index : existingIndices(slot)) {
+    if (tree.packed ? tree.packed->position(index) >= 0 : hasIndex(tree, index)) continue;
     const Slot* element = findElement(slot, index);
-    if (element && (element->incoming > 0 || element->outgoing > 0 || element->wiring)) continue;
-    const bool isKept = tree.packed ? tree.packed->position(index) >= 0
-                                    : hasIndex(tree, index);
-    if (!isKept) detachElement(slot, index);
+    if (element && isWired(*element))
+      restoreValues(array.element(index), defaultValues(*slot.attribute));
+    else
+      detachElement(slot, index);
   }
-  for (const auto& [index, below] : tree.below) {
-    makeSlot(array.element(index), false);
-    restoreValues(array.element(index), below);
+  for (const ValueTree& below : tree.below) {
+    makeSlot(array.element(below.index), false);
+    restoreValues(array.element(below.index), below);
   }
   if (!tree.packed) return;
   for (std::size_t i = 0; i < tree.packed->indices.size(); ++i) {
@@ -73,11 +95,8 @@ void restoreArray(const Plug& array, const ValueTree& tree) {
     const double* numbers = tree.packed->values.data() + i * static_cast<std::size_t>(tree.packed->stride);
     ValueTree row;
     if (!element.isCompound()) row.value = *numbers;
-    if (element.isCompound()) row.below.resize(static_cast<std::size_t>(tree.packed->stride));
-    for (std::size_t column = 0; column < row.below.size(); ++column) {
-      row.below[column].first = static_cast<Index>(column);
-      row.below[column].second.value = numbers[column];
-    }
+    for (Index column = 0; element.isCompound() && column < tree.packed->stride; ++column)
+      row.add(column).value = numbers[column];
     makeSlot(element, false);
     restoreValues(element, row);
   }
@@ -92,8 +111,8 @@ void restoreValues(const Plug& plug, const ValueTree& tree) {
   }
   if (plug.isCompound()) {
     const auto count = static_cast<Index>(plug.attribute()->children.size());
-    for (const auto& [index, below] : tree.below)
-      if (index < count) restoreValues(plug.child(index), below);
+    for (const ValueTree& below : tree.below)
+      if (below.index < count) restoreValues(plug.child(below.index), below);
     return;
   }
   if (plug.attribute()->type == AttributeType::Message) return;
