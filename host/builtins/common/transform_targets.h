@@ -1,0 +1,56 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "host/builtins/common/command.h"
+#include "host/builtins/common/mesh_components.h"
+#include "host/nodes/mesh_shape.h"
+
+namespace host::builtins {
+
+/// What move, rotate, scale and xform work on: objects by their transform, components by their vertices.
+struct TransformTargets {
+  std::vector<scene::DagPath> objects;
+  std::vector<MeshItem> meshes;  ///< components only
+
+  [[nodiscard]] bool isEmpty() const { return objects.empty() && meshes.empty(); }
+  /// The centre of the box around all vertices of the components, in world space.
+  [[nodiscard]] math::Vec3 vertexCenter() const;
+};
+
+/// Splits a list; shapes count as their transform. Fails for what has no place in space, naming it.
+[[nodiscard]] Result<TransformTargets> transformTargets(const scene::SelectionList& list);
+
+/// The leading numbers of a command's arguments, and the words after them.
+struct NumbersAndNames {
+  std::vector<double> numbers;
+  std::vector<std::string> names;
+};
+[[nodiscard]] NumbersAndNames splitNumbers(const ParsedArgs& args, std::size_t most);
+
+/// Replaces each vertex of the items by `edit(point)`, given and taken in `space`; points that come back unchanged keep
+/// their bits. Stored as object-space floats, or as tweaks when there is history.
+template <class Edit>
+Result<void> editVertices(const std::vector<MeshItem>& items, nodes::Space space, const Edit& edit) {
+  for (const MeshItem& item : items) {
+    const math::Matrix4 matrix = space == nodes::Space::World ? item.path.inclusiveMatrix() : math::Matrix4{};
+    const auto inverse = math::inverse(matrix);
+    if (!inverse) return fail("'{}' has a scale of zero: its points can't be set in world space.", item.path.partialName());
+    // Read again: an earlier item may be another instance of the same shape.
+    auto mesh = nodes::evaluatedMesh(*item.path.node());
+    if (!mesh) return failWith(std::move(mesh.error()));
+    std::vector<math::Vec3f> points(mesh->points().begin(), mesh->points().end());
+    for (const VertexId v : item.vertices()) {
+      math::Vec3f& point = points[static_cast<std::size_t>(v)];
+      const math::Vec3 before = math::transformPoint(math::Vec3(point), matrix);
+      const math::Vec3 after = edit(before);
+      if (!(after == before)) point = math::transformPoint(after, *inverse).toFloat();
+    }
+    HOST_TRY(nodes::setEvaluatedPoints(*item.path.node(), std::move(points)));
+  }
+  return {};
+}
+
+}  // namespace host::builtins

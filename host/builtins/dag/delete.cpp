@@ -1,0 +1,76 @@
+#include "host/builtins/common/command.h"
+#include "host/nodes/mesh_shape.h"
+
+namespace host::builtins {
+
+namespace {
+
+Result<void> deleteHistoryOf(scene::Document& document, const scene::SelectionList& list) {
+  for (const scene::SelectionItem& item : list.items()) {
+    if (!item.isDag()) continue;
+    for (const scene::DagPath& path : nodes::meshPaths(item.path))
+      if (nodes::hasHistory(*path.node())) HOST_TRY(nodes::deleteHistory(document, *path.node()));
+  }
+  return {};
+}
+
+scene::SelectionList everyMesh(scene::Document& document) {
+  scene::SelectionList list;
+  for (const dg::NodePtr& node : document.graph().nodes())
+    if (node->type().isA("mesh")) list.add(node);
+  return list;
+}
+
+CommandResult deleteObjects(Context& context, const ParsedArgs& args) {
+  scene::Document& document = context.document;
+  auto list = args.resolveObjects(document);
+  if (!list) return failWith(std::move(list.error()));
+  if (args.has("constructionHistory")) {
+    HOST_TRY(deleteHistoryOf(document, args.has("all") ? everyMesh(document) : *list));
+    return mel::Value();
+  }
+  if (args.has("all")) {
+    *list = {};
+    for (scene::Node* node : document.worldChildren())
+      if (!node->isDefault()) list->add(scene::firstPath(*node));
+  }
+  if (list->isEmpty()) return mel::Value();
+  std::vector<scene::Node*> nodes;
+  for (const scene::SelectionItem& item : list->items()) {
+    if (item.plug) {
+      // A plug stands for the connection that drives it.
+      if (const dg::Plug source = document.graph().source(item.plug))
+        HOST_TRY(document.graph().disconnect(source, item.plug));
+      continue;
+    }
+    if (!item.isObject())
+      return fail("delete: '{}' is a component: delete faces, edges and vertices with the poly commands.",
+                  scene::itemBaseName(item) + "." + item.components.front().words().front());
+    const bool isInstance = item.isDag() && scene::allPaths(*item.node).size() > 1 &&
+                            scene::dagLinks(*item.node).parents.size() > 1;
+    if (isInstance)
+      HOST_TRY(document.removeInstance(item.path));
+    else
+      nodes.push_back(item.node.get());
+  }
+  HOST_TRY(document.deleteNodes(std::move(nodes)));
+  return mel::Value();
+}
+
+}  // namespace
+
+void registerDelete(CommandRegistry& registry) {
+  define(registry, "delete",
+         Syntax()
+             .flag("ch", "constructionHistory")
+             .flag("all", "all")
+             .flag("hi", "hierarchy", {ArgType::String})
+             .flag("s", "shape")
+             .flag("c", "channels")
+             .flag("e", "expressions")
+             .flag("cn", "constraints")
+             .objects(0, -1, true),
+         deleteObjects);
+}
+
+}  // namespace host::builtins

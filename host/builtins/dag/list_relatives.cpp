@@ -1,0 +1,89 @@
+#include <algorithm>
+
+#include "host/builtins/common/command.h"
+
+namespace host::builtins {
+
+namespace {
+
+using scene::DagPath;
+
+class RelativeLister {
+ public:
+  RelativeLister(Context& context, const ParsedArgs& args) : document_(context.document), args_(args) {
+    types_ = args.texts("type");
+  }
+
+  void visit(const DagPath& path) {
+    if (args_.has("parent")) {
+      add(path.parent());
+    } else if (args_.has("allParents")) {
+      for (const DagPath& each : scene::allPaths(*path.node())) add(each.parent());
+    } else if (args_.has("allDescendents")) {
+      addBelow(path);
+    } else {
+      for (scene::Node* child : scene::dagLinks(*path.node()).children) add(path.child(child));
+    }
+  }
+
+  [[nodiscard]] std::vector<std::string> takeNames() { return std::move(names_); }
+
+ private:
+  void addBelow(const DagPath& path) {
+    for (scene::Node* child : scene::dagLinks(*path.node()).children) {
+      addBelow(path.child(child));
+      add(path.child(child));
+    }
+  }
+
+  void add(const DagPath& path) {
+    if (path.isWorld()) return;
+    scene::Node& node = *path.node();
+    if (args_.has("shapes") && !scene::isShape(node)) return;
+    if (!types_.empty() &&
+        std::none_of(types_.begin(), types_.end(), [&](const std::string& type) { return node.type().isA(type); }))
+      return;
+    if (args_.has("noIntermediate")) {
+      const dg::Plug plug = node.plug("intermediateObject");
+      const auto value = document_.graph().get(plug);
+      if (value && dg::equal(*value, std::int64_t{1})) return;
+    }
+    std::string name = args_.has("fullPath") ? path.fullName() : args_.has("path") ? path.partialName() : node.name();
+    if (args_.has("allParents") && std::find(names_.begin(), names_.end(), name) != names_.end()) return;
+    names_.push_back(std::move(name));
+  }
+
+  scene::Document& document_;
+  const ParsedArgs& args_;
+  std::vector<std::string> types_, names_;
+};
+
+CommandResult listRelatives(Context& context, const ParsedArgs& args) {
+  auto list = args.resolveObjects(context.document);
+  if (!list) return failWith(std::move(list.error()));
+  RelativeLister lister(context, args);
+  for (const scene::SelectionItem& item : list->items())
+    if (item.isDag()) lister.visit(item.path);
+  return toValue(lister.takeNames());
+}
+
+}  // namespace
+
+void registerListRelatives(CommandRegistry& registry) {
+  defineQuery(registry, "listRelatives",
+              Syntax()
+                  .flag("p", "parent")
+                  .flag("ap", "allParents")
+                  .flag("c", "children")
+                  .flag("ad", "allDescendents")
+                  .flag("s", "shapes")
+                  .flag("typ", "type", {ArgType::String})
+                  .multiUse()
+                  .flag("f", "fullPath")
+                  .flag("pa", "path")
+                  .flag("ni", "noIntermediate")
+                  .objects(0, -1, true),
+              listRelatives);
+}
+
+}  // namespace host::builtins

@@ -1,0 +1,154 @@
+#include <algorithm>
+
+#include "host/builtins/common/command.h"
+#include "host/nodes/sets.h"
+
+namespace host::builtins {
+
+namespace {
+
+using scene::SelectionItem;
+using scene::SelectionList;
+using scene::SelectionMerge;
+
+void addHierarchy(SelectionList& list, const scene::DagPath& path) {
+  list.add(path);
+  for (scene::Node* child : scene::dagLinks(*path.node()).children)
+    if (scene::isTransform(*child)) addHierarchy(list, path.child(child));
+}
+
+bool isVisible(scene::Document& document, const scene::DagPath& path) {
+  for (scene::Node* node : path.nodes()) {
+    const dg::Plug plug = node->plug("visibility");
+    if (!plug) continue;
+    auto value = document.graph().get(plug);
+    const auto* on = value ? std::get_if<std::int64_t>(&*value) : nullptr;
+    if (on && *on == 0) return false;
+  }
+  return true;
+}
+
+/// What -all means: the top-level transforms, without the cameras of a new scene.
+SelectionList everything(scene::Document& document, bool dagObjects, bool dependencyNodes) {
+  SelectionList list;
+  if (dependencyNodes) {
+    for (const dg::NodePtr& node : document.graph().nodes()) list.add(node);
+    return list;
+  }
+  for (scene::Node* node : document.worldChildren())
+    if (!node->isDefault()) list.add(scene::firstPath(*node));
+  if (dagObjects) return list;
+  for (const dg::NodePtr& node : document.graph().nodes())
+    if (!node->isDefault() && node->type().isA("objectSet")) list.add(node);
+  return list;
+}
+
+/// Sets stand for their members.
+SelectionList expandSets(const SelectionList& list) {
+  SelectionList expanded;
+  for (const SelectionItem& item : list.items()) {
+    if (item.isObject() && nodes::isSet(*item.node))
+      expanded.merge(nodes::setMembers(*item.node));
+    else
+      expanded.merge(item);
+  }
+  return expanded;
+}
+
+Result<SelectionList> wanted(Context& context, const ParsedArgs& args) {
+  scene::Document& document = context.document;
+  const bool all = args.has("all"), dagObjects = args.has("allDagObjects"), everyNode = args.has("allDependencyNodes");
+  if (all || dagObjects || everyNode) return everything(document, dagObjects, everyNode);
+  if (!args.hasObjects() && (args.has("hierarchy") || args.has("visible"))) return document.selection();
+  auto list = args.resolveObjects(document);
+  if (!list) return list;
+  const auto hasSet = [](const SelectionItem& item) { return item.isObject() && nodes::isSet(*item.node); };
+  if (args.has("noExpand") || std::none_of(list->items().begin(), list->items().end(), hasSet)) return list;
+  return expandSets(*list);
+}
+
+CommandResult select(Context& context, const ParsedArgs& args) {
+  scene::Document& document = context.document;
+  if (args.has("clear") && !args.hasObjects()) {
+    document.setSelection({});
+    return mel::Value();
+  }
+  auto list = wanted(context, args);
+  if (!list) return failWith(std::move(list.error()));
+  if (args.has("hierarchy")) {
+    SelectionList deep;
+    for (const SelectionItem& item : list->items()) {
+      if (item.isDag() && item.isObject())
+        addHierarchy(deep, item.path);
+      else
+        deep.merge(item);
+    }
+    *list = std::move(deep);
+  }
+  if (args.has("visible")) {
+    SelectionList shown;
+    for (const SelectionItem& item : list->items())
+      if (!item.isDag() || isVisible(document, item.path)) shown.merge(item);
+    *list = std::move(shown);
+  }
+  if (args.has("add") || args.has("toggle") || args.has("deselect")) {
+    SelectionList merged = document.selection();
+    merged.merge(*list, args.has("add")        ? SelectionMerge::Add
+                        : args.has("toggle")   ? SelectionMerge::Toggle
+                                               : SelectionMerge::Remove);
+    document.setSelection(std::move(merged));
+  } else if (args.has("addFirst")) {
+    SelectionList merged = std::move(*list);
+    merged.merge(document.selection());
+    document.setSelection(std::move(merged));
+  } else {
+    document.setSelection(std::move(*list));
+  }
+  return mel::Value();
+}
+
+CommandResult hilite(Context& context, const ParsedArgs& args) {
+  scene::Document& document = context.document;
+  auto list = args.resolveObjects(document);
+  if (!list) return failWith(std::move(list.error()));
+  SelectionList objects;
+  for (const SelectionItem& item : list->items())
+    if (item.isDag()) objects.add(scene::isShape(*item.node) ? item.path.transform() : item.path);
+  if (args.has("unHilite") || args.has("toggle")) {
+    SelectionList merged = document.hilite();
+    merged.merge(objects, args.has("toggle") ? SelectionMerge::Toggle : SelectionMerge::Remove);
+    document.setHilite(std::move(merged));
+  } else if (args.has("replace")) {
+    document.setHilite(std::move(objects));
+  } else {
+    SelectionList merged = document.hilite();
+    merged.merge(objects);
+    document.setHilite(std::move(merged));
+  }
+  return mel::Value();
+}
+
+}  // namespace
+
+void registerSelect(CommandRegistry& registry) {
+  define(registry, "select",
+         Syntax()
+             .flag("add", "add")
+             .flag("af", "addFirst")
+             .flag("d", "deselect")
+             .flag("tgl", "toggle")
+             .flag("r", "replace")
+             .flag("cl", "clear")
+             .flag("all", "all")
+             .flag("ado", "allDagObjects")
+             .flag("adn", "allDependencyNodes")
+             .flag("hi", "hierarchy")
+             .flag("ne", "noExpand")
+             .flag("vis", "visible")
+             .objects(),
+         select);
+  define(registry, "hilite",
+         Syntax().flag("r", "replace").flag("tgl", "toggle").flag("u", "unHilite").objects(0, -1, true), hilite);
+}
+
+}  // namespace host::builtins
