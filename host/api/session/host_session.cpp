@@ -1,0 +1,14 @@
+#include "host/api/session/host_session.h"
+
+#include "host/api/plugin/loader.h"
+#include "host/builtins/register.h"
+
+namespace host::api {
+
+std::unique_ptr<cmd::Session> makeHostSession() {
+  auto session = builtins::makeSession();
+  installPluginLoader(*session);
+  return session;
+}
+
+}  // namespace host::api

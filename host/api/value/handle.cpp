@@ -1,0 +1,10 @@
+#include <maya/MUserData.h>
+#include <maya/detail/Handle.h>
+
+namespace host::api {
+
+SharedRep::~SharedRep() = default;
+
+}  // namespace host::api
+
+MUserData::~MUserData() = default;

@@ -1,0 +1,119 @@
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+
+#include "host/api/session/host_session.h"
+#include "host/app/options.h"
+#include "host/app/paths.h"
+#include "host/app/prompt.h"
+#include "host/app/tour.h"
+#include "host/base/messages.h"
+
+namespace host::app {
+namespace {
+
+cmd::Session* interruptible = nullptr;
+
+void onInterrupt(int) {
+  if (interruptible) interruptible->interrupt();
+}
+
+/// A MEL string literal.
+std::string quoted(const std::string& text) {
+  std::string literal = "\"";
+  for (const char c : text) {
+    if (c == '"' || c == '\\') literal += '\\';
+    literal += c;
+  }
+  return literal + "\"";
+}
+
+bool isReadable(const std::string& file) {
+  if (access(file.c_str(), R_OK) == 0 && !std::filesystem::is_directory(file)) return true;
+  std::fprintf(stderr, "qxmt: %s can't be read\n", file.c_str());
+  return false;
+}
+
+int loadPlugIns(cmd::Session& session, const Options& options, const ProgramPaths& paths) {
+  std::vector<std::string> files;
+  if (!options.noModule) files.push_back(paths.module().string());
+  files.insert(files.end(), options.plugIns.begin(), options.plugIns.end());
+  for (const std::string& file : files) {
+    const auto loaded = session.pluginLoader->load(file);
+    if (loaded) continue;
+    postMessage(MessageKind::Error, loaded.error().message);
+    return std::filesystem::exists(file) ? kScriptFailed : kFileFailed;
+  }
+  return kDone;
+}
+
+int openFile(cmd::Session& session, const std::string& file) {
+  if (!isReadable(file)) return kFileFailed;
+  const bool isScene = std::filesystem::path(file).extension() == ".ma";
+  const std::string command = (isScene ? "file -f -open " : "file -import ") + quoted(file);
+  return session.executeLine(command) ? kDone : kFileFailed;
+}
+
+int runScript(cmd::Session& session, const Options& options) {
+  if (!isReadable(options.script)) return kFileFailed;
+  (void)session.interpreter().setGlobal("$argv", mel::Value(mel::StringArray(options.arguments)));
+  const auto done = session.executeFile(options.script);
+  while (!session.isQuitting && session.processIdle()) {
+  }
+  if (session.isQuitting) return session.exitStatus;
+  return done ? kDone : kScriptFailed;
+}
+
+int run(const Options& options) {
+  const ProgramPaths paths = programPaths();
+  const bool isPrompt = options.interactive || (options.script.empty() && options.commands.empty() && isatty(0));
+  auto session = api::makeHostSession();
+  session->isBatch = !isPrompt;
+  interruptible = session.get();
+  std::signal(SIGINT, onInterrupt);
+  session->interpreter().setScriptPath({paths.scripts().string()});
+
+  int status = loadPlugIns(*session, options, paths);
+  if (status == kDone && !options.openFile.empty()) status = openFile(*session, options.openFile);
+  for (const std::string& command : options.commands) {
+    if (status != kDone || session->isQuitting) break;
+    if (!session->executeLine(command, {.display = true})) status = kScriptFailed;
+    while (!session->isQuitting && session->processIdle()) {
+    }
+    if (session->isQuitting) status = session->exitStatus;
+  }
+  if (status == kDone && !session->isQuitting) {
+    if (options.script == "tour")
+      status = runTour(*session, options.arguments.empty() ? "out/tour" : options.arguments.front());
+    else if (!options.script.empty())
+      status = runScript(*session, options);
+    else if (!isPrompt && options.commands.empty() && !isatty(0))
+      status = runStandardInput(*session);
+    if (isPrompt && !session->isQuitting) status = runPrompt(*session);
+  }
+  interruptible = nullptr;
+  return status;
+}
+
+}  // namespace
+}  // namespace host::app
+
+int main(int argc, char** argv) {
+  using namespace host::app;
+  Options options;
+  const int ended = parseOptions(argc, argv, options);
+  if (ended >= 0) return ended;
+  if (options.window) {
+    std::fprintf(stderr, "qxmt: this build has no window; run a script, -c or -i\n");
+    return kBadUsage;
+  }
+  try {
+    return run(options);
+  } catch (const std::exception& exception) {
+    std::fprintf(stderr, "qxmt: %s\n", exception.what());
+    return kScriptFailed;
+  }
+}
