@@ -48,7 +48,7 @@ class TopologyBlock {
   /// The shared block without faces.
   [[nodiscard]] static const std::shared_ptr<const TopologyBlock>& empty();
 
-  const Topology topology;
+  const Topology topology{};  // braces for clang, which wants a const member initialised
 
  private:
   struct Entry;
