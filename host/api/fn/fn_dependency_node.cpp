@@ -153,8 +153,9 @@ bool MFnDependencyNode::hasAttribute(const MString& name, MStatus* status) const
 MStatus MFnDependencyNode::getAffectedAttributes(const MObject& attribute, MObjectArray& affected) const {
   affected.clear();
   const dg::Attribute* description = api::attributeOf(attribute);
-  if (!description) return MStatus::kInvalidParameter;
-  for (const dg::Attribute* target : description->affects) affected.append(wrap(target));
+  const dg::Node* node = api::nodeOf(object_);
+  if (!description || !node) return MStatus::kInvalidParameter;
+  for (const dg::Attribute* target : node->type().affected(description)) affected.append(wrap(target));
   return MStatus::kSuccess;
 }
 MStatus MFnDependencyNode::getAffectedByAttributes(const MObject& attribute, MObjectArray& affecting) const {
@@ -162,9 +163,10 @@ MStatus MFnDependencyNode::getAffectedByAttributes(const MObject& attribute, MOb
   const dg::Attribute* description = api::attributeOf(attribute);
   const dg::Node* node = api::nodeOf(object_);
   if (!description || !node) return MStatus::kInvalidParameter;
-  for (const dg::Attribute* source : api::allAttributes(*node))
-    if (std::find(source->affects.begin(), source->affects.end(), description) != source->affects.end())
-      affecting.append(wrap(source));
+  for (const dg::Attribute* source : api::allAttributes(*node)) {
+    const auto& targets = node->type().affected(source);
+    if (std::find(targets.begin(), targets.end(), description) != targets.end()) affecting.append(wrap(source));
+  }
   return MStatus::kSuccess;
 }
 
