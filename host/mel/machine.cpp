@@ -1,0 +1,157 @@
+#include "host/mel/machine.h"
+
+#include <fmt/format.h>
+
+#include <cstring>
+#include <new>
+
+#include "host/mel/builtins.h"
+#include "host/mel/engine.h"
+
+namespace host::mel {
+
+Machine::Machine(Engine& engine)
+    : engine_(engine),
+      stack_(static_cast<Value*>(::operator new(kStackValues * sizeof(Value)))),
+      stackTop_(stack_) {}
+
+Machine::~Machine() { ::operator delete(stack_); }
+
+bool Machine::pushFrame(const Function& function, std::uint16_t resultRegister) {
+  const std::size_t count = function.registers.size();
+  const auto free = kStackValues - static_cast<std::size_t>(stackTop_ - stack_);
+  if (frames_.size() >= kMaxFrames || count > free) return fail("Stack overflow: procedure calls are nested too deeply.");
+  // A frame's initial registers hold numbers and None only, so their bytes are the values.
+  std::memcpy(static_cast<void*>(stackTop_), static_cast<const void*>(function.registers.data()), count * sizeof(Value));
+  frames_.push_back({&function, function.code.data(), stackTop_, resultRegister});
+  stackTop_ += count;
+  return true;
+}
+
+void Machine::popFrame() {
+  Value* const first = frames_.back().registers;
+  for (Value* value = first; value != stackTop_; ++value) value->~Value();
+  stackTop_ = first;
+  frames_.pop_back();
+}
+
+void Machine::unwind(std::size_t frameCount) {
+  while (frames_.size() > frameCount) popFrame();
+  while (!handlers_.empty() && handlers_.back().frame >= frameCount) handlers_.pop_back();
+}
+
+bool Machine::bindArguments(const Function& function, std::span<Value> arguments) {
+  Value* registers = frames_.back().registers;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const Type type = function.parameters[i];
+    if (arguments[i].type() == type) {  // arrays go by reference
+      registers[i] = std::move(arguments[i]);
+      continue;
+    }
+    Result<Value> converted = arguments[i].convertedTo(type);
+    if (!converted) return fail(std::move(converted).error().message);
+    registers[i] = std::move(*converted);
+  }
+  return true;
+}
+
+Machine::CallResult Machine::callSymbol(Symbol& symbol, std::span<Value> arguments, std::uint16_t resultRegister,
+                                        Value& result) {
+  if (!symbol.procedure) {
+    if (const CommandHandle* command = engine_.commandOf(symbol)) {
+      const bool isDone = fail(engine_.host().invoke(*command, arguments, result));
+      for (Value& argument : arguments) argument = Value();
+      return isDone ? CallResult::Returned : CallResult::Failed;
+    }
+    const Result<bool> isLoaded = engine_.loadProcedure(symbol);
+    if (!isLoaded || !*isLoaded) {
+      fail(isLoaded ? fmt::format("Cannot find procedure \"{}\".", symbol.name) : isLoaded.error().message);
+      return CallResult::Failed;
+    }
+  }
+  const Function& function = *symbol.procedure;
+  if (function.parameters.size() != arguments.size()) {
+    fail(fmt::format("Wrong number of arguments on call to {}.", symbol.name));
+    return CallResult::Failed;
+  }
+  if (!pushFrame(function, resultRegister)) return CallResult::Failed;
+  if (bindArguments(function, arguments)) return CallResult::Entered;
+  popFrame();
+  return CallResult::Failed;
+}
+
+bool Machine::callBuiltin(const Builtin& builtin, std::span<Value> arguments, Value& result) {
+  const bool isDone = fail(builtin.function(engine_, arguments, result));
+  for (Value& argument : arguments) argument = Value();
+  if (!isDone || builtin.result == Type::None || result.type() == builtin.result) return isDone;
+  Result<Value> converted = result.convertedTo(builtin.result);
+  if (!converted) return fail(std::move(converted).error().message);
+  result = std::move(*converted);
+  return true;
+}
+
+std::string Machine::placeOf(const Frame& frame) const {
+  const Function& function = *frame.function;
+  const auto next = static_cast<std::size_t>(frame.pc - function.code.data());
+  const std::uint32_t line = function.lines[next > 0 ? next - 1 : 0];
+  if (function.file.empty()) return fmt::format("line {}: ", line);
+  return fmt::format("file: {} line {}: ", function.file, line);
+}
+
+const std::string& Machine::currentFile() const {
+  static const std::string kNone;
+  return frames_.empty() ? kNone : frames_.back().function->file;
+}
+
+std::string Machine::currentPlace() const { return frames_.empty() ? std::string() : placeOf(frames_.back()); }
+
+std::string Machine::backtrace() const {
+  std::string text;
+  for (auto frame = frames_.rbegin(); frame != frames_.rend(); ++frame) {
+    if (frame->function->name.empty()) continue;
+    const std::string place = placeOf(*frame);
+    text += fmt::format("{}{}\n", place, frame->function->name);
+  }
+  return text;
+}
+
+/// Gives the pending error its place and goes to the nearest `catch` of this run; false if there is none.
+bool Machine::handleError(std::size_t baseFrame) {
+  if (error_ != placedError_) {
+    error_ = currentPlace() + error_;
+    placedError_ = error_;
+  }
+  if (isFatal_ || handlers_.empty() || handlers_.back().frame < baseFrame) return false;
+  const Handler handler = handlers_.back();
+  handlers_.pop_back();
+  while (frames_.size() > handler.frame + 1) popFrame();
+  Frame& frame = frames_.back();
+  frame.pc = handler.target;
+  frame.registers[handler.resultRegister] = Value(1);
+  if (!handler.isQuiet) engine_.host().message(MessageKind::Error, error_);
+  return true;
+}
+
+Result<void> Machine::run(const Function& function, std::span<const Value> arguments, Value& result) {
+  if (nesting_ >= kMaxNesting) return host::fail("Stack overflow: scripts evaluate each other too deeply.");
+  if (nesting_ == 0) {
+    isInterrupted_.store(false, std::memory_order_relaxed);
+    isFatal_ = false;
+    placedError_.clear();
+  }
+  ++nesting_;
+  const std::size_t baseFrame = frames_.size();
+  bool isDone = false;
+  try {
+    std::vector<Value> copies(arguments.begin(), arguments.end());
+    isDone = pushFrame(function, kNoRegister) && bindArguments(function, copies) && evaluate(baseFrame, result);
+  } catch (const std::bad_alloc&) {
+    fail("Out of memory.");
+  }
+  unwind(baseFrame);
+  --nesting_;
+  if (isDone) return {};
+  return tl::unexpected<Error>(Error{error_});
+}
+
+}  // namespace host::mel

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "host/base/result.h"
+#include "host/mel/bytecode.h"
+
+namespace host::mel {
+
+class Engine;
+
+/// Evaluates compiled code. Procedure calls live on a stack of its own, so the depth of a script never reaches the native
+/// stack; only text that runs from within a command or `eval` nests natively, which is bounded too.
+class Machine {
+ public:
+  explicit Machine(Engine& engine);
+  ~Machine();
+  Machine(const Machine&) = delete;
+  Machine& operator=(const Machine&) = delete;
+
+  /// Runs a function with arguments already counted. An error's message begins with its place.
+  Result<void> run(const Function& function, std::span<const Value> arguments, Value& result);
+
+  void interrupt() noexcept { isInterrupted_.store(true, std::memory_order_relaxed); }
+  [[nodiscard]] bool isRunning() const noexcept { return nesting_ > 0; }
+  /// The file of the innermost running code; empty if that was entered.
+  [[nodiscard]] const std::string& currentFile() const;
+  /// `file: f line n: ` or `line n: ` of the innermost running instruction; empty when nothing runs.
+  [[nodiscard]] std::string currentPlace() const;
+  /// The running procedures, innermost first, one a line.
+  [[nodiscard]] std::string backtrace() const;
+  /// Says that this message names its place already.
+  void markPlaced(std::string message) { placedError_ = std::move(message); }
+  [[nodiscard]] int nesting() const { return nesting_; }
+
+ private:
+  struct Frame {
+    const Function* function;
+    const Instruction* pc;  ///< of the call that left the frame
+    Value* registers;
+    std::uint16_t resultRegister;  ///< of the caller
+  };
+  struct Handler {
+    std::size_t frame;
+    const Instruction* target;
+    std::uint16_t resultRegister;
+    bool isQuiet;
+  };
+  bool evaluate(std::size_t baseFrame, Value& result);
+  bool handleError(std::size_t baseFrame);
+  bool pushFrame(const Function& function, std::uint16_t resultRegister);
+  void popFrame();
+  void unwind(std::size_t frameCount);
+  bool bindArguments(const Function& function, std::span<Value> arguments);
+  enum class CallResult { Entered, Returned, Failed };
+  CallResult callSymbol(Symbol& symbol, std::span<Value> arguments, std::uint16_t resultRegister, Value& result);
+  bool callBuiltin(const Builtin& builtin, std::span<Value> arguments, Value& result);
+  bool fail(std::string message);
+  bool fail(Result<void> result);
+  [[nodiscard]] std::string placeOf(const Frame& frame) const;
+
+  // operations on values of any type; false after fail()
+  bool assignDynamic(Value& target, Value& source, bool mayMove);
+  bool assignMatrix(Value& target, Value& source);
+  bool convert(Value& target, Value& source, Type type, bool mayMove);
+  bool storeGlobal(GlobalVariable& variable, Value& source);
+  bool appendText(Value& target, const Value& suffix);
+  bool makeVector(Value& target, const Value* parts);
+  bool makeMatrix(Value& target, const Value* cells, int rows, int columns);
+  bool makeArray(Value& target, std::span<const Value> elements, Type type);
+  bool extendArray(Value& target, std::span<const Value> elements);
+  bool declareArray(Value& target, std::int32_t size, Type type);
+  bool declareMatrix(Value& target, std::int32_t rows, std::int32_t columns);
+  bool nextElement(Value& target, const Value& list, std::int32_t& position, bool& isDone);
+
+  static constexpr std::size_t kStackValues = std::size_t{1} << 20;
+  static constexpr std::size_t kMaxFrames = 20000;
+  static constexpr int kMaxNesting = 150;
+
+  Engine& engine_;
+  Value* stack_;
+  Value* stackTop_;
+  std::vector<Frame> frames_;
+  std::vector<Handler> handlers_;
+  std::string error_;
+  std::string placedError_;
+  int nesting_ = 0;
+  bool isFatal_ = false;  ///< the pending error passes every catch
+  std::atomic<bool> isInterrupted_ = false;
+};
+
+}  // namespace host::mel

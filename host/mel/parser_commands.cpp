@@ -1,0 +1,113 @@
+#include <string>
+
+#include "host/mel/parser.h"
+
+namespace host::mel {
+
+/// True before the token that ends a command line: `;`, the end of the text, or the closing backquote.
+bool Parser::isCommandEnd() {
+  const char c = lexer_.peek();
+  return c == '\0' ? lexer_.isAtEnd() : c == ';' || c == '}' || c == ')' || (c == '`' && isInBackquotes_);
+}
+
+/// The words after a command's name, or `name(arguments)` if nothing follows the closing parenthesis.
+/// On entry the name is the current token and nothing beyond it has been read; on return the token after the call is current.
+Node* Parser::command(const Token& name, bool isBackquoted) {
+  Node* node = make(NodeKind::Call, name);
+  node->text = name.text;
+  node->flag = true;
+  std::vector<Node*> arguments;
+  const bool wasInBackquotes = std::exchange(isInBackquotes_, isBackquoted);
+  if (lexer_.peek() == '(') {
+    const Position begin = lexer_.position();
+    advance();
+    advance();
+    const bool isCast = typeKeyword() && lexer_.peek() == ')';
+    lexer_.rewind(begin);
+    if (!isCast) {
+      advance();
+      if (!argumentList(arguments)) return nullptr;
+      lexer_.rewind(token_.begin);
+      if (arguments.size() != 1 && !isCommandEnd()) return fault("\";\"");
+    }
+  }
+  while (!isCommandEnd()) {
+    Node* argument = commandArgument();
+    if (!argument) return nullptr;
+    arguments.push_back(argument);
+  }
+  isInBackquotes_ = wasInBackquotes;
+  advance();
+  setChildren(node, arguments);
+  return node;
+}
+
+Node* Parser::commandArgument() {
+  const char c = lexer_.peek();
+  const bool isNegated = c == '-' && (lexer_.at(1) == '$' || lexer_.at(1) == '(');
+  if (c == '$' || c == '(' || c == '{' || c == '`' || (c == '<' && lexer_.at(1) == '<') || isNegated)
+    return operandArgument();
+  token_ = lexer_.nextWord();
+  switch (token_.kind) {
+    case TokenKind::Int:
+    case TokenKind::Float: {
+      Node* node = make(token_.kind == TokenKind::Int ? NodeKind::IntLiteral : NodeKind::FloatLiteral, token_);
+      node->integer = token_.integer;
+      node->number = token_.number;
+      return node;
+    }
+    case TokenKind::String:
+    case TokenKind::Word: break;
+    default: return fault("an argument or \";\"");
+  }
+  const std::string_view text = token_.text;
+  if (token_.kind == TokenKind::Word) {
+    const bool isTrue = text == "true" || text == "yes" || text == "on";
+    if (isTrue || text == "false" || text == "no" || text == "off") {
+      Node* node = make(NodeKind::IntLiteral, token_);
+      node->integer = isTrue;
+      return node;
+    }
+  }
+  Node* node = make(NodeKind::StringLiteral, token_);
+  node->text = text;
+  return node;
+}
+
+/// An argument that is an expression by its first character. It ends with its last bracket: what follows is the next
+/// argument, so the token read beyond it is given back.
+Node* Parser::operandArgument() {
+  const Depth depth(*this);
+  if (!depth) return tooDeep();
+  advance();
+  const Token at = token_;
+  if (at.is("-")) {
+    advance();
+    Node* operand = token_.is("(") ? parenthesised() : suffixes(primary());
+    if (!operand) return nullptr;
+    lexer_.rewind(token_.begin);
+    Node* node = make(NodeKind::Negate, at);
+    setChildren(node, {operand});
+    return node;
+  }
+  Node* node = primary();
+  if (!node) return nullptr;
+  if (at.kind == TokenKind::Variable) {
+    while (node && token_.is("[")) node = subscript(node);
+    // `$v.x` is a component, `$v .x` a further argument.
+    const bool isComponent = token_.is(".") && lexer_.isGlued(token_.begin) && lexer_.at(0) >= 'x' &&
+                             lexer_.at(0) <= 'z';
+    if (node && isComponent) {
+      Node* component = make(NodeKind::Component, token_);
+      component->integer = lexer_.at(0) - 'x';
+      advance();
+      advance();
+      setChildren(component, {node});
+      node = component;
+    }
+  }
+  if (node) lexer_.rewind(token_.begin);
+  return node;
+}
+
+}  // namespace host::mel
