@@ -1,16 +1,10 @@
-#include <maya/MCommonSystemUtils.h>
-#include <maya/MCursor.h>
 #include <maya/MDGContext.h>
-#include <maya/MEvent.h>
-#include <maya/MFileObject.h>
 #include <maya/MIteratorType.h>
 #include <maya/MMeshSmoothOptions.h>
 #include <maya/MTimer.h>
 #include <maya/MTypeId.h>
 
 #include <chrono>
-#include <cstdlib>
-#include <filesystem>
 
 // Values that only hold what they were given.
 
@@ -87,72 +81,6 @@ MStatus MIteratorType::setObjectType(objFilterType type) {
   return assign(objectType_, type);
 }
 
-namespace {
-enum CursorId { kDefaultCursor, kCrossHair, kDoubleCrossHair, kEdit, kPencil, kHand, kFirstCustom };
-}  // namespace
-
-const MCursor MCursor::defaultCursor(kDefaultCursor);
-const MCursor MCursor::crossHairCursor(kCrossHair);
-const MCursor MCursor::doubleCrossHairCursor(kDoubleCrossHair);
-const MCursor MCursor::editCursor(kEdit);
-const MCursor MCursor::pencilCursor(kPencil);
-const MCursor MCursor::handCursor(kHand);
-
-MCursor::MCursor(short, short, short, short, unsigned char*, unsigned char*) {
-  // Windows show their system's pointers only: a bitmap gets an identity of its own and shows as
-  // the default.
-  static int next = kFirstCustom;
-  id_ = next++;
-}
-
-MEvent::MouseButtonType MEvent::mouseButton(MStatus* status) const {
-  setStatus(status);
-  return static_cast<MouseButtonType>(button_);
-}
-MStatus MEvent::getPosition(short& x_pos, short& y_pos) const {
-  x_pos = x_;
-  y_pos = y_;
-  return MStatus::kSuccess;
-}
-MStatus MEvent::setPosition(short& x_pos, short& y_pos) {
-  x_ = x_pos;
-  y_ = y_pos;
-  return MStatus::kSuccess;
-}
-MStatus MEvent::getWindowPosition(short& x_pos, short& y_pos) const {
-  return getPosition(x_pos, y_pos);
-}
-MEvent::ModifierType MEvent::modifiers(MStatus* status) const {
-  setStatus(status);
-  return static_cast<ModifierType>(modifiers_);
-}
-MStatus MEvent::setModifiers(const ModifierType& modifierType) {
-  return assign(modifiers_, static_cast<int>(modifierType));
-}
-bool MEvent::isModifierNone(MStatus* status) const {
-  setStatus(status);
-  return (modifiers_ & (shiftKey | controlKey)) == 0;
-}
-bool MEvent::isModifierShift(MStatus* status) const {
-  setStatus(status);
-  return (modifiers_ & shiftKey) != 0;
-}
-bool MEvent::isModifierControl(MStatus* status) const {
-  setStatus(status);
-  return (modifiers_ & controlKey) != 0;
-}
-bool MEvent::isModifierLeftMouseButton(MStatus* status) const {
-  setStatus(status);
-  return button_ == kLeftMouse;
-}
-bool MEvent::isModifierMiddleMouseButton(MStatus* status) const {
-  setStatus(status);
-  return button_ == kMiddleMouse;
-}
-bool MEvent::isModifierKeyRelease(MStatus* status) const {
-  return report(isRelease_, status);
-}
-
 int MMeshSmoothOptions::divisions(MStatus* status) const {
   return report(divisions_, status);
 }
@@ -194,55 +122,4 @@ MMeshSmoothOptions::BoundaryRule MMeshSmoothOptions::boundaryRule(MStatus* statu
 }
 MStatus MMeshSmoothOptions::setBoundaryRule(BoundaryRule rule) {
   return assign(boundaryRule_, rule);
-}
-
-MStatus MFileObject::setRawFullName(const MString& name) {
-  return assign(fullName_, name);
-}
-MStatus MFileObject::setRawName(const MString& name) {
-  const MString path = rawPath();
-  return assign(fullName_, path.length() ? path + "/" + name : name);
-}
-MStatus MFileObject::setRawPath(const MString& path) {
-  return assign(fullName_, path + "/" + rawName());
-}
-MString MFileObject::rawName() const {
-  return fullName_.substring(fullName_.rindex('/') + 1, static_cast<int>(fullName_.length()) - 1);
-}
-MString MFileObject::rawPath() const {
-  return fullName_.substring(0, fullName_.rindex('/') - 1);
-}
-MString MFileObject::rawFullName() const {
-  return fullName_;
-}
-MString MFileObject::resolvedName() const {
-  return rawName();
-}
-MString MFileObject::resolvedPath() const {
-  const MString full = resolvedFullName();
-  return full.substring(0, full.rindex('/') - 1);
-}
-MString MFileObject::resolvedFullName() const {
-  return isSet() ? fullName_.expandFilePath() : MString();
-}
-bool MFileObject::isSet() const {
-  return fullName_.length() > 0;
-}
-bool MFileObject::exists() const {
-  std::error_code error;
-  return isSet() && std::filesystem::exists(resolvedFullName().asChar(), error);
-}
-
-MString MCommonSystemUtils::getEnv(const MString& variable, MStatus* status) {
-  setStatus(status);
-  return MString(std::getenv(variable.asChar()));
-}
-MStatus MCommonSystemUtils::putEnv(const MString& variable, const MString& value) {
-  return ::setenv(variable.asChar(), value.asChar(), 1) == 0 ? MStatus::kSuccess
-                                                             : MStatus::kInvalidParameter;
-}
-MStatus MCommonSystemUtils::makeDirectory(const MString& path) {
-  std::error_code error;
-  std::filesystem::create_directories(path.asChar(), error);
-  return error ? MStatus::kFailure : MStatus::kSuccess;
 }

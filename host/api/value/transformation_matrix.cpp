@@ -91,10 +91,8 @@ MMatrix MTransformationMatrix::asMatrixInverse() const {
 }
 MMatrix MTransformationMatrix::asScaleMatrix() const {
   auto parts = TransformParts::of(*this);
-  parts = {.scale = parts.scale,
-           .shear = parts.shear,
-           .scalePivot = parts.scalePivot,
-           .scalePivotTranslate = parts.scalePivotTranslate};
+  parts.translate = parts.rotate = parts.rotateAxis = parts.rotatePivot =
+      parts.rotatePivotTranslate = {};
   return matrixOf(math::toMatrix(parts));
 }
 MMatrix MTransformationMatrix::asRotateMatrix() const {

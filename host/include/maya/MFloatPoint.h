@@ -54,10 +54,11 @@ class MFloatPoint {
   friend MFloatPoint operator*(float s, const MFloatPoint& p) { return p * s; }
   friend MFloatPoint operator*(const MFloatMatrix& m, const MFloatPoint& p);
 
-  /// Divides by w, so that w is one.
+  /// Divides x, y and z by w and makes w one.
   MFloatPoint& cartesianize();
-  /// Scales (x, y, z, 1) by w, or back.
+  /// Divides x, y and z by w, which stays as the weight.
   MFloatPoint& rationalize();
+  /// Multiplies x, y and z by w: the reverse of `rationalize`.
   MFloatPoint& homogenize();
   float distanceTo(const MFloatPoint& other) const;
   bool isEquivalent(const MFloatPoint& other, float tolerance = MFloatPoint_kTol) const;

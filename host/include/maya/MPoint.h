@@ -51,11 +51,11 @@ class MPoint {
   friend MPoint operator*(double s, const MPoint& p) { return p * s; }
   friend MPoint operator*(const MMatrix& m, const MPoint& p);
 
-  /// Divides by w, so that w is one.
+  /// Divides x, y and z by w and makes w one.
   MPoint& cartesianize();
-  /// Multiplies x, y and z by w: the rational form of a Cartesian point that carries a weight.
+  /// Divides x, y and z by w, which stays as the weight.
   MPoint& rationalize();
-  /// Divides x, y and z by w and keeps w as the weight.
+  /// Multiplies x, y and z by w: the reverse of `rationalize`.
   MPoint& homogenize();
   double distanceTo(const MPoint& other) const;
   bool isEquivalent(const MPoint& other, double tolerance = MPoint_kTol) const;

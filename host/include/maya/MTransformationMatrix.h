@@ -5,7 +5,10 @@
 #include <maya/MSpace.h>
 #include <maya/MStatus.h>
 #include <maya/MTypes.h>
-#include <maya/detail/Handle.h>
+
+namespace host::api {
+struct TransformParts;
+}
 
 class MEulerRotation;
 class MPoint;
@@ -89,10 +92,10 @@ class MTransformationMatrix {
   static const MTransformationMatrix identity;
 
  private:
-  friend struct host::api::Access;
+  friend struct host::api::TransformParts;
   double scale_[3] = {1, 1, 1};
   double shear_[3] = {0, 0, 0};  // xy, xz, yz
-  double orientation_[4] = {0, 0, 0, 1};
+  double rotateAxis_[3] = {0, 0, 0};  // the rotation orientation, as angles applied x, y, z
   double rotation_[3] = {0, 0, 0};  // angles about x, y and z, radians
   RotationOrder order_ = kXYZ;
   double translation_[3] = {0, 0, 0};
