@@ -189,7 +189,7 @@ std::ptrdiff_t Graph::Impl::unwire(const Plug& source, const Plug& destination) 
   const bool isStillDriven = to.incoming > 0;
   visitSlots(to, [&](Slot& slot) {
     const bool keepsOwn = isStillDriven && (slot.incoming > 0 || driverOf(&slot).slot);
-    slot.isDirty = (slot.isLeaf() || slot.isArray) && (keepsOwn || type.isComputed(slot.attribute));
+    slot.isDirty = (slot.isLeaf() || slot.isArray) && (keepsOwn || startsDirty(type, *slot.attribute));
   });
   spread(destination);
   tellTypes(source, destination, true, false);

@@ -51,7 +51,8 @@ bool Graph::Impl::needsRefresh(const Plug& plug, const Place& place) {
   const Driver driver = driverOf(place.deepest);
   if (driver.unit) return driver.unit->isDirty;
   if (place.slot || place.packedIn) return false;
-  return driver.slot || plug.node()->type().isComputed(plug.attribute());
+  return driver.slot || (startsDirty(plug.node()->type(), *plug.attribute()) &&
+                         (!place.isMissing || !plug.attribute()->isDynamic));
 }
 
 template <class Work>

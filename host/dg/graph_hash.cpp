@@ -15,7 +15,7 @@ class NodeHash {
 
   void add(const Slot& slot, bool isDriven) {
     isDriven = isDriven || slot.isDriven();
-    const bool isCache = isDriven || node_.type().isComputed(slot.attribute);
+    const bool isCache = isDriven || slot.isOutput || node_.type().isComputed(slot.attribute);
     addWiring(slot);
     if (slot.isArray && !isCache) addElements(slot);
     if (slot.isLeaf() && !isCache && !isInPackedArray(slot)) addLeaf(slot);

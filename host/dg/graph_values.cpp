@@ -75,8 +75,10 @@ Result<void> Graph::Impl::apply(const Plug& plug, const Value& value, bool isCle
   const Result<bool> handled = setInternally(plug, value);
   if (!handled) return failWith(handled.error());
   if (!*handled) writeLeaf(plug, value);
-  if (Slot* slot = locate(plug).slot)
+  if (Slot* slot = locate(plug).slot) {
     slot->isDirty = !isClean && plug.node()->type().isComputed(plug.attribute());
+    slot->isOutput = false;
+  }
   spread(plug);
   attributeEvent(AttributeEvent::Set, plug);
   return {};
@@ -160,7 +162,10 @@ void Graph::storeOutput(const Plug& plug, Value value) {
   makeSlot(plug, false);
   const Result<bool> handled = Impl::setInternally(plug, *converted);
   if (!handled || !*handled) writeLeaf(plug, *std::move(converted));
-  if (Slot* slot = locate(plug).slot) slot->isDirty = false;
+  if (Slot* slot = locate(plug).slot) {
+    slot->isDirty = false;
+    slot->isOutput = true;
+  }
 }
 
 }  // namespace host::dg

@@ -133,13 +133,19 @@ void PackedArray::erase(std::ptrdiff_t position) {
 
 Slot::Slot(Node& nodeIn, const Attribute& attributeIn, Slot* parentIn, Index indexIn, bool isArrayIn)
     : node(&nodeIn), attribute(&attributeIn), parent(parentIn), index(indexIn), isArray(isArrayIn) {
-  const bool isComputed = node->type().isComputed(attribute);
-  if (isArray && !isComputed && packedStride(*attribute) > 0) {
+  if (isArray && !node->type().isComputed(attribute) && packedStride(*attribute) > 0) {
     packed = std::make_unique<PackedArray>();
     packed->stride = packedStride(*attribute);
   }
   if (isLeaf()) value = attribute->initialValue();
-  if (isLeaf() || isArray) isDirty = isComputed || isDrivenFromAbove(parent);
+  if (isLeaf() || isArray) isDirty = startsDirty(node->type(), *attribute) || isDrivenFromAbove(parent);
+}
+
+bool startsDirty(const NodeType& type, const Attribute& attribute) {
+  if (!attribute.isDynamic) return type.isComputed(&attribute);
+  for (const NodeType* each = &type; each; each = each->base)
+    if (each->dependentsDirty) return true;
+  return false;
 }
 
 Wiring& Slot::wires() {

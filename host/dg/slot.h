@@ -52,6 +52,7 @@ struct Slot {
   /// as a whole. Compounds and other arrays are as dirty as what is below.
   bool isDirty = false;
   bool isEvaluating = false;
+  bool isOutput = false;  ///< the value was written by a computation, not by an edit
   std::int32_t incoming = 0, outgoing = 0;  ///< connections of the plug and of all below
   Value value;
   std::vector<std::unique_ptr<Slot>> below;  ///< a compound's children, null or all; an array's elements, ascending
@@ -64,6 +65,10 @@ struct NodeAccess {
   static std::vector<std::unique_ptr<Slot>>& slots(Node& node) { return node.slots_; }
   static const std::vector<std::unique_ptr<Slot>>& slots(const Node& node) { return node.slots_; }
 };
+
+/// Whether a value that nobody looked at has to be computed: outputs, and dynamic attributes where the type may compute
+/// them, which only its `dependentsDirty` knows.
+[[nodiscard]] bool startsDirty(const NodeType& type, const Attribute& attribute);
 
 /// Where a plug's value is.
 struct Place {

@@ -49,13 +49,14 @@ class Editor {
   }
   Plug element() {
     const NodePtr owner = node();
-    const Attribute* const arrays[] = {world_.types.in, world_.types.points, world_.types.wires};
-    return owner->plug(arrays[pick(3)]).element(pick(5));
+    const Attribute* const arrays[] = {world_.types.in, world_.types.points, world_.types.wires, world_.types.lists,
+                                       world_.types.fleeting};
+    return owner->plug(arrays[pick(5)]).element(pick(5));
   }
   Plug leaf() {
     const NodePtr owner = node();
     const SyntheticTypes& types = world_.types;
-    switch (pick(8)) {
+    switch (pick(12)) {
       case 0: return owner->plug(types.x);
       case 1: return owner->plug(types.y);
       case 2: return owner->plug(types.in).element(pick(5));
@@ -63,14 +64,19 @@ class Editor {
       case 4: return owner->plug(types.inV).child(pick(3));
       case 5: return owner->plug(types.wires).element(pick(4)).child(types.from);
       case 6: return owner->plug(types.label);
+      case 7: return owner->plug(types.lists).element(pick(3)).child(types.weights).element(pick(3));
+      case 8: return owner->plug(types.lists).element(pick(3)).child(types.tag);
+      case 9: return owner->plug(types.resetting);
+      case 10: return owner->plug(types.fleeting).element(pick(4));
       default: return dynamicLeaf(*owner);
     }
   }
   Plug source() {
     const NodePtr owner = node();
     const SyntheticTypes& types = world_.types;
-    switch (pick(7)) {
+    switch (pick(8)) {
       case 0: return owner->plug(types.out);
+      case 6: return owner->plug(types.lists).element(pick(3));
       case 1: return owner->plug(types.outV);
       case 2: return owner->plug(types.outV).child(pick(3));
       case 3: return owner->plug(types.wires).element(pick(4)).child(types.to);
@@ -81,8 +87,9 @@ class Editor {
   }
   Plug destination() {
     const NodePtr owner = node();
-    switch (pick(5)) {
+    switch (pick(6)) {
       case 0: return owner->plug(world_.types.inV);
+      case 3: return owner->plug(world_.types.lists).element(pick(3));
       case 1: return owner->plug(world_.types.points).element(pick(5));
       case 2: return pick(4) == 0 ? owner->plug(world_.types.in) : owner->plug(world_.types.in).element(pick(5));
       default: return leaf();
@@ -116,8 +123,10 @@ class Editor {
   void changeAttributes() {
     const NodePtr owner = node();
     if (pick(2) == 0) {
-      const std::string name = "extra" + std::to_string(pick(3));
-      (void)world_.graph.addAttribute(*owner, makeAttribute(name, name + "s", AttributeType::Float));
+      const std::string name = pick(3) == 0 ? "derived" : "extra" + std::to_string(pick(3));
+      const AttributePtr extra = makeAttribute(name, name + "s", AttributeType::Double);
+      extra->writable = name != "derived";
+      (void)world_.graph.addAttribute(*owner, extra);
     } else if (!owner->dynamicAttributes().empty()) {
       (void)world_.graph.removeAttribute(*owner, dynamicLeaf(*owner).attribute());
     }
@@ -133,6 +142,13 @@ bool agreesWithRecomputation(World& world) {
     std::vector<double> values;
     for (const NodePtr& node : world.graph.nodes()) {
       values.push_back(world.number(node->plug(world.types.out)));
+      if (const Plug derived = node->plug("derived")) values.push_back(world.number(derived));
+      const Plug lists = node->plug(world.types.lists);
+      for (const Index index : world.graph.elementIndices(lists)) {
+        const Plug weights = lists.element(index).child(world.types.weights);
+        for (const Index inner : world.graph.elementIndices(weights))
+          values.push_back(world.number(weights.element(inner)));
+      }
       for (const Attribute* vector : {world.types.outV, world.types.inV})
         for (int axis = 0; axis < 3; ++axis) values.push_back(world.number(node->plug(vector).child(axis)));
       for (const Index index : world.graph.elementIndices(node->plug(world.types.wires)))

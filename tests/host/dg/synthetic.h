@@ -21,13 +21,15 @@ inline double asReal(const Value& value) {
 }
 
 /// "mixer": out = 3 x + y + sum(in[]) + sum over points of 2 px + pz + 1; the vector outV from inV and x; `wires[i].to`
-/// is `wires[i].from` twice over.
+/// is `wires[i].from` twice over. `lists[i].weights[j]` adds to out, nested; `fleeting[]` loses elements that are
+/// disconnected, `resetting` goes back to 5. A dynamic attribute "derived" is 10 x, known to the hook only.
 struct SyntheticTypes {
   NodeType mixer;
   int computations = 0;
   bool isBroken = false;  ///< computing fails
 
-  const Attribute *x, *y, *in, *points, *inV, *wires, *from, *to, *out, *outV, *label, *payload, *message;
+  const Attribute *x, *y, *in, *points, *inV, *wires, *from, *to, *out, *outV, *label, *payload, *message, *lists,
+      *weights, *tag, *fleeting, *resetting;
 
   SyntheticTypes() {
     mixer.name = "mixer";
@@ -50,6 +52,21 @@ struct SyntheticTypes {
     from = source.get();
     to = target.get();
     wires = mixer.add(wireArray);
+    AttributePtr weight = makeAttribute("weights", "ws", AttributeType::Double, 1.0);
+    weight->isArray = true;
+    AttributePtr tagText = makeAttribute("tag", "tg", AttributeType::String);
+    AttributePtr listArray = makeCompound("lists", "ls", {weight, tagText});
+    listArray->isArray = true;
+    weights = weight.get();
+    tag = tagText.get();
+    lists = mixer.add(listArray);
+    AttributePtr fleetingArray = makeAttribute("fleeting", "fl", AttributeType::Double);
+    fleetingArray->isArray = true;
+    fleetingArray->disconnectBehavior = DisconnectBehavior::Delete;
+    fleeting = mixer.add(fleetingArray);
+    AttributePtr resettingLeaf = makeAttribute("resetting", "rs", AttributeType::Double, 5.0);
+    resettingLeaf->disconnectBehavior = DisconnectBehavior::Reset;
+    resetting = mixer.add(resettingLeaf);
     label = mixer.add(makeAttribute("label", "l", AttributeType::String, std::string("none")));
     payload = mixer.add(makeTyped("payload", "pl", "doubleArray"));
     AttributePtr result = makeAttribute("out", "o", AttributeType::Double);
@@ -58,10 +75,14 @@ struct SyntheticTypes {
     AttributePtr vector = makeTriple("outV", "ov", AttributeType::Double, "double3");
     for (const AttributePtr& child : vector->children) child->writable = false;
     outV = mixer.add(vector);
-    for (const Attribute* input : {x, y, in, points}) mixer.affects(input, out);
+    for (const Attribute* input : {x, y, in, points, weights, fleeting, resetting}) mixer.affects(input, out);
     mixer.affects(inV, outV);
     mixer.affects(x, outV);
     mixer.affects(from, to);
+    mixer.dependentsDirty = [this](Node& node, const Plug& plug, std::vector<Plug>& also) {
+      if (plug.attribute() != x) return;
+      if (const Plug derived = node.plug("derived")) also.push_back(derived);
+    };
     mixer.compute = [this](Node& node, const Plug& plug, DataBlock& block) { return compute(node, plug, block); };
   }
 
@@ -83,6 +104,10 @@ struct SyntheticTypes {
       block.output(plug, 2.0 * asReal(*value));
       return Computed::Done;
     }
+    if (plug.attribute()->longName == "derived") {
+      block.output(plug, 10.0 * block.real(x));
+      return Computed::Done;
+    }
     return Computed::Unhandled;
   }
 
@@ -94,7 +119,14 @@ struct SyntheticTypes {
     for (const double value : values) sum += value;
     block.graph().getPacked(Plug(&block.node(), points), indices, values);
     for (std::size_t i = 0; i < indices.size(); ++i) sum += 2.0 * values[3 * i] + values[3 * i + 2];
-    return sum;
+    block.graph().getPacked(Plug(&block.node(), fleeting), indices, values);
+    for (const double value : values) sum += value;
+    const Plug all(&block.node(), lists);
+    for (const Index index : block.graph().elementIndices(all)) {
+      block.graph().getPacked(all.element(index).child(weights), indices, values);
+      for (const double value : values) sum += 7.0 * value;
+    }
+    return sum + block.real(resetting) - 5.0;
   }
 };
 
