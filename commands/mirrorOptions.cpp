@@ -3,8 +3,6 @@
 #include <maya/MDagPath.h>
 #include <maya/MGlobal.h>
 #include <maya/MIntArray.h>
-#include <maya/MMatrix.h>
-#include <maya/MPoint.h>
 #include <maya/MPointArray.h>
 #include <maya/MString.h>
 
@@ -33,11 +31,6 @@ int axisOfSelectedButton() {
   return mirrorOptions::kNoMirrorOption;
 }
 
-bool isPositive(const MPoint& worldPoint, const MMatrix* worldToObject, int axis) {
-  if (!worldToObject) return worldPoint[static_cast<unsigned int>(axis)] >= 0.0;
-  return (worldPoint * *worldToObject)[static_cast<unsigned int>(axis)] >= 0.0;
-}
-
 }  // namespace
 
 int mirrorOptions::spaceFromWindow(int current) {
@@ -54,23 +47,31 @@ mirrorOptions mirrorOptions::fromWindow() {
   return options;
 }
 
-bool isOnPositiveSide(const MPoint& worldPoint, const MDagPath& mesh, const mirrorOptions& options) {
-  if (options.inObjectSpace != 0) return isPositive(worldPoint, nullptr, options.axis);
-  const MMatrix worldToObject = mesh.inclusiveMatrixInverse();
-  return isPositive(worldPoint, &worldToObject, options.axis);
+mirrorPlane::mirrorPlane(const MDagPath& mesh, const mirrorOptions& options)
+    : axis(static_cast<unsigned int>(options.axis)), inObjectSpace(options.inObjectSpace == 0) {
+  if (!inObjectSpace) return;
+  toObject = mesh.inclusiveMatrixInverse();
+  toWorld = mesh.inclusiveMatrix();
+}
+
+bool mirrorPlane::isPositive(const MPoint& worldPoint) const {
+  return inObjectSpace ? (worldPoint * toObject)[axis] >= 0.0 : worldPoint[axis] >= 0.0;
+}
+
+MPoint mirrorPlane::reflect(const MPoint& worldPoint) const {
+  MPoint point = inObjectSpace ? worldPoint * toObject : worldPoint;
+  point[axis] = -point[axis];
+  return inObjectSpace ? point * toWorld : point;
 }
 
 bool splitByMirror(MIntArray& vertexIds, const MPointArray& worldPoints, const MDagPath& mesh,
                    const mirrorOptions& options) {
   if (!options.isOn()) return false;
-  MMatrix worldToObject;
-  if (options.inObjectSpace == 0) worldToObject = mesh.inclusiveMatrixInverse();
-  const MMatrix* toObject = options.inObjectSpace == 0 ? &worldToObject : nullptr;
-
+  const mirrorPlane plane(mesh, options);
   MIntArray negative, positive;
   for (unsigned int i = 0; i < vertexIds.length(); ++i) {
     const MPoint& point = worldPoints[static_cast<unsigned int>(vertexIds[i])];
-    (isPositive(point, toObject, options.axis) ? positive : negative).append(vertexIds[i]);
+    (plane.isPositive(point) ? positive : negative).append(vertexIds[i]);
   }
   if (negative.length() != positive.length()) return false;
   for (unsigned int i = 0; i < positive.length(); ++i) negative.append(positive[i]);

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <maya/MMatrix.h>
+#include <maya/MPoint.h>
+
 class MDagPath;
 class MIntArray;
-class MPoint;
 class MPointArray;
 
 /// How the reshaping commands treat the two sides of a symmetric selection.
@@ -22,8 +24,20 @@ struct mirrorOptions {
   static mirrorOptions fromWindow();
 };
 
-/// Which side of the mirror plane a world-space point lies on; the plane itself counts as positive.
-bool isOnPositiveSide(const MPoint& worldPoint, const MDagPath& mesh, const mirrorOptions& options);
+/// The mirror plane of a mesh, for points in world space: an axis of the world or of the mesh's own space is 0 on it. A mesh
+/// whose transform can't be inverted is judged by its untransformed space.
+class mirrorPlane {
+ public:
+  mirrorPlane(const MDagPath& mesh, const mirrorOptions& options);
+  /// Which side a point lies on; the plane itself counts as positive.
+  bool isPositive(const MPoint& worldPoint) const;
+  MPoint reflect(const MPoint& worldPoint) const;
+
+ private:
+  unsigned int axis;
+  bool inObjectSpace;
+  MMatrix toObject, toWorld;
+};
 
 /// Splits `vertexIds` (any order) by the side of the mirror plane. When both sides have the same number of vertices the
 /// ids become the negative side followed by the positive side, each in the order it had, and the answer is true; else

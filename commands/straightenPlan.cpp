@@ -4,27 +4,9 @@
 #include <maya/MPointArray.h>
 #include <maya/MVector.h>
 
+#include "commands/planeFit.h"
+
 namespace {
-
-MPoint meanOf(const MPointArray& positions, unsigned int start, unsigned int count) {
-  MVector sum;
-  for (unsigned int i = start; i < start + count; ++i) sum += MVector(positions[i]);
-  return MPoint(sum / static_cast<double>(count));
-}
-
-/// The run's point farthest from `from`; the origin when no point is any distance away.
-MPoint farthestFrom(const MPoint& from, const MPointArray& positions, unsigned int start, unsigned int count) {
-  MPoint best;
-  double bestDistance = 0.0;
-  for (unsigned int i = start; i < start + count; ++i) {
-    const double distance = from.distanceTo(positions[i]);
-    if (distance > bestDistance) {
-      bestDistance = distance;
-      best = positions[i];
-    }
-  }
-  return best;
-}
 
 void restoreKept(MPoint& point, const MPoint& before, int keepAxes) {
   if (keepAxes == kKeepX || keepAxes == kKeepXY || keepAxes == kKeepXZ) point.x = before.x;
@@ -36,7 +18,7 @@ void restoreKept(MPoint& point, const MPoint& before, int keepAxes) {
 
 void straightenRun(MPointArray& positions, unsigned int start, unsigned int count, int keepAxes) {
   if (count == 0) return;
-  const MPoint endA = farthestFrom(meanOf(positions, start, count), positions, start, count);
+  const MPoint endA = farthestFrom(meanPoint(positions, start, count), positions, start, count);
   const MPoint endB = farthestFrom(endA, positions, start, count);
   const MVector direction = endA - endB;
   const double lengthSquared = direction * direction;

@@ -18,6 +18,12 @@ MStatus readWorldPoints(const MDagPath& mesh, MPointArray& points) {
   return meshFn.getPoints(points, MSpace::kWorld);
 }
 
+MStatus writeAllWorldPoints(const MDagPath& mesh, const MPointArray& points) {
+  if (!mesh.isValid()) return MS::kFailure;
+  MFnMesh meshFn(mesh);
+  return meshFn.setPoints(points, MSpace::kWorld);
+}
+
 MStatus writeWorldPoints(const MDagPath& mesh, const MIntArray& vertexIds, const MPointArray& positions) {
   MPointArray points;
   const MStatus status = readWorldPoints(mesh, points);
@@ -25,8 +31,7 @@ MStatus writeWorldPoints(const MDagPath& mesh, const MIntArray& vertexIds, const
   if (!idsAreInRange(vertexIds, points.length())) return MS::kFailure;
   for (unsigned int i = 0; i < vertexIds.length(); ++i)
     points[static_cast<unsigned int>(vertexIds[i])] = positions[i];
-  MFnMesh meshFn(mesh);
-  return meshFn.setPoints(points, MSpace::kWorld);
+  return writeAllWorldPoints(mesh, points);
 }
 
 MPointArray pointsAt(const MPointArray& points, const MIntArray& vertexIds) {

@@ -9,6 +9,9 @@ class MPointArray;
 /// Reads all points of a mesh in world space.
 MStatus readWorldPoints(const MDagPath& mesh, MPointArray& points);
 
+/// Writes all points of a mesh in world space.
+MStatus writeAllWorldPoints(const MDagPath& mesh, const MPointArray& points);
+
 /// Puts `positions[i]` at vertex `vertexIds[i]`, in world space; all other points stay where they are.
 /// @return failure, with nothing changed, when the path is no longer valid or the mesh has lost one of the vertices.
 MStatus writeWorldPoints(const MDagPath& mesh, const MIntArray& vertexIds, const MPointArray& positions);

@@ -1,5 +1,9 @@
 #include "plugin/registrationTable.h"
 
+#include "commands/circleVertsCmd.h"
+#include "commands/makePlanarCmd.h"
+#include "commands/mergeVertsCmd.h"
+#include "commands/snapVertsToAxisCmd.h"
 #include "commands/straightenCmd.h"
 
 namespace {
@@ -63,10 +67,10 @@ constexpr const char* kUvLocatorDb = "drawdb/geometry/uvLocator";
 const registrationRow kLoadRows[] = {
     command("qxSelectCmd", "registerCommand"),
     command("qxESmoothCmd", "registerCommand"),
-    command("qxMakePlanarCmd", "registerCommand"),
-    command("qxCircleVertsCmd", "registerCommand"),
+    command<makePlanarCmd>("qxMakePlanarCmd", "registerCommand"),
+    command<circleVertsCmd>("qxCircleVertsCmd", "registerCommand"),
     command<straightenCmd>("qxStraightenCmd", "registerCommand"),
-    command("qxMergeVerts", "merge verts command failed to register"),
+    command<mergeVertsCmd>("qxMergeVerts", "merge verts command failed to register"),
     context("modelingContext", "modelingContextCmd", "modeling context failed to register"),
     command("qxSetCommands", "set commands command failed to register"),
     node(kLocator, "drawLocator", 0x112F8D, "error registering draw locator", kDrawLocatorDb),
@@ -77,7 +81,7 @@ const registrationRow kLoadRows[] = {
     node(kLocator, "quadDrawLocator", 0x112F91, "quadDrawLocator failed to register", kQuadDrawLocatorDb),
     drawOverride(kQuadDrawLocatorDb, "quadDrawLocatorNodePlugin"),
     context("quadDrawContext", "quadDrawContextCmd", "quadDraw context failed to register"),
-    command("qxSnapVertsToAxis", "snap verts to axis command failed to register"),
+    command<snapVertsToAxisCmd>("qxSnapVertsToAxis", "snap verts to axis command failed to register"),
     command("qxTransferTopology", "topology transfer command failed to register"),
     context("uvSelectContext", "uvSelectContextCmd", "uv select context failed to register"),
     node(kLocator, "uvSelectionLocator", 0x112F94, "error uvSelectionLocator draw locator", kUvLocatorDb),
