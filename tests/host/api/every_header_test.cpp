@@ -154,3 +154,142 @@
 #include <maya/MVectorArray.h>
 #include <maya/MViewport2Renderer.h>
 #include <maya/MWeight.h>
+
+#include <type_traits>
+
+// Overrides as plug-ins write them: a signature that differs from the documented one would not
+// compile.
+namespace {
+
+class Command : public MPxCommand {
+ public:
+  MStatus doIt(const MArgList&) override { return redoIt(); }
+  MStatus undoIt() override { return MS::kSuccess; }
+  MStatus redoIt() override { return MS::kSuccess; }
+  bool isUndoable() const override { return true; }
+  bool hasSyntax() const override { return true; }
+};
+
+class ToolCommand : public MPxToolCommand {
+ public:
+  MStatus doIt(const MArgList&) override { return MS::kSuccess; }
+  MStatus cancel() override { return MS::kSuccess; }
+  MStatus finalize() override {
+    MArgList command;
+    command.addArg(commandString());
+    return MPxToolCommand::doFinalize(command);
+  }
+};
+
+class Node : public MPxNode {
+ public:
+  void postConstructor() override {}
+  MStatus compute(const MPlug&, MDataBlock&) override { return MS::kUnknownParameter; }
+  MStatus setDependentsDirty(const MPlug&, MPlugArray&) override { return MS::kSuccess; }
+  MStatus shouldSave(const MPlug&, bool&) override { return MS::kUnknownParameter; }
+  SchedulingType schedulingType() const override { return kParallel; }
+  MStatus postEvaluation(const MDGContext&, const MEvaluationNode&, PostEvaluationType) override {
+    return MS::kSuccess;
+  }
+  bool getInternalValue(const MPlug&, MDataHandle&) override { return false; }
+  bool setInternalValue(const MPlug&, const MDataHandle&) override { return false; }
+  MStatus connectionMade(const MPlug&, const MPlug&, bool) override {
+    return MS::kUnknownParameter;
+  }
+  MStatus connectionBroken(const MPlug&, const MPlug&, bool) override {
+    return MS::kUnknownParameter;
+  }
+};
+
+class Locator : public MPxLocatorNode {
+ public:
+  MStatus compute(const MPlug&, MDataBlock&) override { return MS::kUnknownParameter; }
+  void draw(M3dView&, const MDagPath&, M3dView::DisplayStyle, M3dView::DisplayStatus) override {}
+  bool isBounded() const override { return true; }
+  MBoundingBox boundingBox() const override { return {}; }
+  bool isTransparent() const override { return true; }
+  bool drawLast() const override { return true; }
+};
+
+class Data : public MPxData {
+ public:
+  MStatus readASCII(const MArgList&, unsigned&) override { return MS::kSuccess; }
+  MStatus readBinary(istream&, unsigned) override { return MS::kSuccess; }
+  MStatus writeASCII(ostream&) override { return MS::kSuccess; }
+  MStatus writeBinary(ostream&) override { return MS::kSuccess; }
+  void copy(const MPxData&) override {}
+  MTypeId typeId() const override { return MTypeId(0x80001); }
+  MString name() const override { return "data"; }
+};
+
+class Context : public MPxSelectionContext {
+ public:
+  void toolOnSetup(MEvent&) override {}
+  void toolOffCleanup() override {}
+  MStatus doPress(MEvent& event) override { return MPxSelectionContext::doPress(event); }
+  MStatus doDrag(MEvent& event) override { return MPxSelectionContext::doDrag(event); }
+  MStatus doRelease(MEvent&) override {
+    auto* command = static_cast<ToolCommand*>(newToolCommand());
+    return command->finalize();
+  }
+  MStatus doHold(MEvent&) override { return MS::kSuccess; }
+  MStatus doEnterRegion(MEvent&) override { return MS::kSuccess; }
+  MStatus doPtrMoved(MEvent&, MHWRender::MUIDrawManager&,
+                     const MHWRender::MFrameContext&) override {
+    return MS::kSuccess;
+  }
+  MStatus helpStateHasChanged(MEvent&) override { return MS::kSuccess; }
+  void completeAction() override {}
+  void deleteAction() override {}
+  void abortAction() override {}
+  void getClassName(MString& name) const override { name.set("context"); }
+};
+
+class ContextCommand : public MPxContextCommand {
+ public:
+  MStatus doEditFlags() override { return MS::kSuccess; }
+  MStatus doQueryFlags() override { return MS::kSuccess; }
+  MPxContext* makeObj() override { return new Context; }
+  MStatus appendSyntax() override { return syntax().addFlag("-r", "-radius", MSyntax::kDouble); }
+};
+
+class TweakUVs : public MPxPolyTweakUVCommand {
+ public:
+  MStatus parseSyntax(MArgDatabase&) override { return MS::kSuccess; }
+  MStatus getTweakedUVs(const MObject&, MIntArray&, MFloatArray&, MFloatArray&) override {
+    return MS::kSuccess;
+  }
+};
+
+class DrawOverride : public MHWRender::MPxDrawOverride {
+ public:
+  explicit DrawOverride(const MObject& object) : MPxDrawOverride(object, drawCallback) {}
+  static void drawCallback(const MHWRender::MDrawContext&, const MUserData*) {}
+  MHWRender::DrawAPI supportedDrawAPIs() const override {
+    return static_cast<MHWRender::DrawAPI>(MHWRender::kOpenGL | MHWRender::kDirectX11);
+  }
+  bool isBounded(const MDagPath&, const MDagPath&) const override { return true; }
+  MBoundingBox boundingBox(const MDagPath&, const MDagPath&) const override { return {}; }
+  bool disableInternalBoundingBoxDraw() const override { return false; }
+  bool hasUIDrawables() const override { return true; }
+  MUserData* prepareForDraw(const MDagPath&, const MDagPath&, const MHWRender::MFrameContext&,
+                            MUserData* oldData) override {
+    return oldData;
+  }
+  void addUIDrawables(const MDagPath&, MHWRender::MUIDrawManager& manager,
+                      const MHWRender::MFrameContext&, const MUserData*) override {
+    manager.beginDrawable();
+    manager.endDrawable();
+  }
+};
+
+template <class... Types>
+constexpr bool canAllBeMade = (!std::is_abstract_v<Types> && ...);
+
+static_assert(canAllBeMade<Command, ToolCommand, Node, Locator, Data, Context, ContextCommand,
+                           TweakUVs, DrawOverride>);
+static_assert(MAYA_API_VERSION == 201400);
+static_assert(sizeof(MPoint) == 4 * sizeof(double) && sizeof(MFloatVector) == 3 * sizeof(float),
+              "arrays hand their elements to plain number arrays");
+
+}  // namespace
