@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/base/parallel.h"
+#include "host/mesh/triangulate.h"
 #include "host/spatial/ray_scene.h"
 #include "host/spatial/triangle_bvh.h"
 
@@ -12,30 +14,38 @@ using mesh::Mesh;
 
 namespace {
 
+constexpr std::size_t kGrain = 20'000;
 std::size_t at(Index i) {
   return static_cast<std::size_t>(i);
 }
 
-/// Triangles of vertices, as the structures below want them.
-std::vector<std::array<VertexId, 3>> vertexTriangles(const Mesh& mesh,
-                                                     const mesh::Triangulation& corners) {
-  std::vector<std::array<VertexId, 3>> triangles;
-  triangles.reserve(corners.triangles.size());
-  for (const auto& t : corners.triangles)
-    triangles.push_back(
-        {mesh.cornerVertex(t[0]), mesh.cornerVertex(t[1]), mesh.cornerVertex(t[2])});
-  return triangles;
+void fill(Triangle& t, const Mesh& mesh, FaceId face, Index inFace,
+          const std::array<CornerId, 3>& corners) {
+  const auto point = [&](CornerId c) { return mesh.points()[at(mesh.cornerVertex(c))]; };
+  t.a = point(corners[0]);
+  t.b = point(corners[1]);
+  t.c = point(corners[2]);
+  t.face = face;
+  t.corners = corners;
+  t.inFace = inFace;
+  t.isFinite = isFinite(Vec3(t.a)) && isFinite(Vec3(t.b)) && isFinite(Vec3(t.c));
 }
 
 }  // namespace
 
-Accelerator::Accelerator(const Mesh& mesh)
-    : mesh_(mesh.withoutCaches()), triangles_(mesh::triangulate(mesh)) {
-  triangleFaces_.reserve(triangles_.triangles.size());
-  for (FaceId f = 0; f < mesh.faceCount(); ++f)
-    triangleFaces_.insert(triangleFaces_.end(), at(mesh.faceSize(f) - 2), f);
-  for (VertexId v : mesh.topology().cornerVertices)
-    if (const Vec3 p = mesh.point(v); isFinite(p)) box_.add(p);
+Accelerator::Accelerator(const Mesh& mesh) : mesh_(mesh.withoutCaches()) {
+  const mesh::Triangulation triangulation = mesh::triangulate(mesh);
+  triangles_.resize(triangulation.triangles.size());
+  parallelFor(at(mesh.faceCount()), kGrain, [&](std::size_t begin, std::size_t end) {
+    for (auto f = static_cast<FaceId>(begin); f < static_cast<FaceId>(end); ++f) {
+      const Index first = mesh::Triangulation::firstTriangle(mesh, f);
+      for (Index i = 0; i < mesh.faceSize(f) - 2; ++i)
+        fill(triangles_[at(first + i)], mesh, f, i, triangulation.triangles[at(first + i)]);
+    }
+  });
+  for (const Triangle& t : triangles_)
+    for (const math::Vec3f* p : {&t.a, &t.b, &t.c})
+      if (isFinite(Vec3(*p))) box_.add(Vec3(*p));
 }
 
 Accelerator::~Accelerator() = default;
@@ -48,16 +58,13 @@ std::shared_ptr<const Accelerator> Accelerator::of(const Mesh& mesh) {
 }
 
 const RayScene& Accelerator::rays() const {
-  std::call_once(raysOnce_, [this] {
-    rays_ = std::make_unique<RayScene>(mesh_.points(), vertexTriangles(mesh_, triangles_), box_);
-  });
+  std::call_once(raysOnce_,
+                 [this] { rays_ = std::make_unique<RayScene>(mesh_, triangles_, box_); });
   return *rays_;
 }
 
 const TriangleBvh& Accelerator::bvh() const {
-  std::call_once(bvhOnce_, [this] {
-    bvh_ = std::make_unique<TriangleBvh>(mesh_.points(), vertexTriangles(mesh_, triangles_));
-  });
+  std::call_once(bvhOnce_, [this] { bvh_ = std::make_unique<TriangleBvh>(triangles_); });
   return *bvh_;
 }
 
@@ -67,22 +74,16 @@ const PointIndex& Accelerator::vertices() const {
 }
 
 std::size_t Accelerator::bytes() const {
-  return triangles_.triangles.size() * sizeof(triangles_.triangles[0]) +
-         triangleFaces_.size() * sizeof(FaceId) + (rays_ ? rays_->bytes() : 0) +
+  return triangles_.size() * sizeof(Triangle) + (rays_ ? rays_->bytes() : 0) +
          (bvh_ ? bvh_->bytes() : 0) + (points_ ? points_->bytes() : 0);
 }
 
-Accelerator::Corners Accelerator::cornersOf(Index triangle) const {
-  const auto& t = triangles_.triangles[at(triangle)];
-  return {mesh_.point(mesh_.cornerVertex(t[0])), mesh_.point(mesh_.cornerVertex(t[1])),
-          mesh_.point(mesh_.cornerVertex(t[2]))};
-}
-
 void Accelerator::describe(Index triangle, double u, double v, SurfacePoint& out) const {
-  const auto [a, b, c] = cornersOf(triangle);
-  out.face = triangleFaces_[at(triangle)];
-  out.triangle = triangle - mesh::Triangulation::firstTriangle(mesh_, out.face);
-  out.corners = triangles_.triangles[at(triangle)];
+  const Triangle& t = triangles_[at(triangle)];
+  const Vec3 a(t.a), b(t.b), c(t.c);
+  out.face = t.face;
+  out.triangle = t.inFace;
+  out.corners = t.corners;
   out.u = u;
   out.v = v;
   out.point = a + (b - a) * u + (c - a) * v;
@@ -90,7 +91,8 @@ void Accelerator::describe(Index triangle, double u, double v, SurfacePoint& out
 }
 
 std::optional<RayHit> Accelerator::exactHit(const Ray& ray, Index triangle) const {
-  const auto [a, b, c] = cornersOf(triangle);
+  const Triangle& corners = triangles_[at(triangle)];
+  const Vec3 a(corners.a), b(corners.b), c(corners.c);
   auto found = math::intersectTriangle(ray, a, b, c);
   if (!found) {
     // A hit by a hair's breadth in single precision: take the point of the triangle next to the
@@ -198,7 +200,7 @@ std::optional<ClosestPoint> Accelerator::closestPoint(const Vec3& p, double maxD
 std::vector<FaceId> Accelerator::facesInBox(const Box& box) const {
   std::vector<Index> faces;
   bvh().inBox(box, faces);
-  for (Index& f : faces) f = triangleFaces_[at(f)];
+  for (Index& f : faces) f = triangles_[at(f)].face;
   std::ranges::sort(faces);
   faces.erase(std::ranges::unique(faces).begin(), faces.end());
   return faces;

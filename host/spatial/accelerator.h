@@ -11,8 +11,8 @@
 #include "host/math/box.h"
 #include "host/math/ray.h"
 #include "host/mesh/mesh.h"
-#include "host/mesh/triangulate.h"
 #include "host/spatial/point_index.h"
+#include "host/spatial/triangle.h"
 
 namespace host::spatial {
 
@@ -88,9 +88,7 @@ class Accelerator {
 
   /// The box around all points that faces use and that are finite.
   [[nodiscard]] const Box& box() const { return box_; }
-  [[nodiscard]] Index triangleCount() const {
-    return static_cast<Index>(triangles_.triangles.size());
-  }
+  [[nodiscard]] Index triangleCount() const { return static_cast<Index>(triangles_.size()); }
   /// Bytes of the structures built so far.
   [[nodiscard]] std::size_t bytes() const;
   /// Builds the ray structure and the closest-point structure now rather than at the first
@@ -99,10 +97,6 @@ class Accelerator {
   void buildForPoints() const { (void)bvh(); }
 
  private:
-  struct Corners {
-    Vec3 a, b, c;
-  };
-  [[nodiscard]] Corners cornersOf(Index triangle) const;
   void describe(Index triangle, double u, double v, SurfacePoint& out) const;
   [[nodiscard]] std::optional<RayHit> exactHit(const Ray& ray, Index triangle) const;
   [[nodiscard]] bool accepts(const RayHit& hit, const RayOptions& options) const;
@@ -110,9 +104,8 @@ class Accelerator {
   [[nodiscard]] const RayScene& rays() const;
   [[nodiscard]] const TriangleBvh& bvh() const;
 
-  mesh::Mesh mesh_;
-  mesh::Triangulation triangles_;
-  std::vector<FaceId> triangleFaces_;
+  std::vector<Triangle> triangles_;
+  mesh::Mesh mesh_;  // for its points
   Box box_;
   mutable std::once_flag raysOnce_, bvhOnce_, pointsOnce_;
   mutable std::unique_ptr<const RayScene> rays_;

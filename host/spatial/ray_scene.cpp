@@ -14,10 +14,6 @@ using math::Vec3f;
 
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Bytes that the library holds; each scene's share is what its build added.
 std::atomic<std::ptrdiff_t> libraryBytes{0};
 
@@ -53,8 +49,7 @@ struct RayScene::Query {
   }
 };
 
-RayScene::RayScene(std::span<const Vec3f> points,
-                   std::span<const std::array<VertexId, 3>> triangles, const Box& box)
+RayScene::RayScene(const mesh::Mesh& mesh, std::span<const Triangle> triangles, const Box& box)
     : box_(box), center_(box.center()) {
   const std::ptrdiff_t bytesBefore = libraryBytes;
   const double half = 0.5 * box.diagonal();
@@ -70,9 +65,10 @@ RayScene::RayScene(std::span<const Vec3f> points,
   }
 
   RTCGeometry geometry = rtcNewGeometry(device(), RTC_GEOMETRY_TYPE_TRIANGLE);
-  auto* vertices = static_cast<float*>(rtcSetNewGeometryBuffer(
-      geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3, 3 * sizeof(float), points.size()));
-  for (const Vec3f& p : points) {
+  auto* vertices = static_cast<float*>(rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0,
+                                                               RTC_FORMAT_FLOAT3, 3 * sizeof(float),
+                                                               mesh.points().size()));
+  for (const Vec3f& p : mesh.points()) {
     const Vec3f local = ((Vec3(p) - center_) * scale_).toFloat();
     // Points that are not finite are used by no triangle below; the library wants numbers all the
     // same.
@@ -84,11 +80,10 @@ RayScene::RayScene(std::span<const Vec3f> points,
   auto* indices = static_cast<unsigned*>(
       rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3,
                               3 * sizeof(unsigned), triangles.size()));
-  for (const auto& triangle : triangles) {
-    const bool isUsable =
-        std::ranges::all_of(triangle, [&](VertexId v) { return isFinite(Vec3(points[at(v)])); });
-    for (VertexId v : triangle) *indices++ = static_cast<unsigned>(isUsable ? v : triangle[0]);
-  }
+  for (const Triangle& triangle : triangles)
+    for (CornerId c : triangle.corners)
+      *indices++ =
+          static_cast<unsigned>(mesh.cornerVertex(triangle.isFinite ? c : triangle.corners[0]));
   rtcCommitGeometry(geometry);
   rtcAttachGeometry(scene_, geometry);
   rtcReleaseGeometry(geometry);

@@ -2,15 +2,15 @@
 
 #include <embree3/rtcore.h>
 
-#include <array>
 #include <functional>
 #include <optional>
 #include <span>
-#include <vector>
 
 #include "host/base/ids.h"
 #include "host/math/box.h"
 #include "host/math/ray.h"
+#include "host/mesh/mesh.h"
+#include "host/spatial/triangle.h"
 
 namespace host::spatial {
 
@@ -19,8 +19,7 @@ namespace host::spatial {
 /// nothing.
 class RayScene {
  public:
-  RayScene(std::span<const math::Vec3f> points, std::span<const std::array<VertexId, 3>> triangles,
-           const math::Box& box);
+  RayScene(const mesh::Mesh& mesh, std::span<const Triangle> triangles, const math::Box& box);
   ~RayScene();
   RayScene(const RayScene&) = delete;
   RayScene& operator=(const RayScene&) = delete;

@@ -1,6 +1,8 @@
 #include "host/spatial/triangle_bvh.h"
 
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <cmath>
 #include <thread>
 
@@ -175,27 +177,21 @@ class TriangleBvh::Builder {
   unsigned cores_ = std::max(1u, std::thread::hardware_concurrency());
 };
 
-TriangleBvh::TriangleBvh(std::span<const Vec3f> points,
-                         std::span<const std::array<VertexId, 3>> triangles) {
+TriangleBvh::TriangleBvh(std::span<const Triangle> triangles) : triangles_(triangles) {
   std::vector<Reference> references;
   references.reserve(triangles.size());
   for (std::size_t t = 0; t < triangles.size(); ++t) {
+    if (!triangles[t].isFinite) continue;
     Reference r{{}, static_cast<Index>(t)};
-    bool isUsable = true;
-    for (VertexId v : triangles[t]) {
-      const Vec3f& p = points[at(v)];
-      isUsable = isUsable && isFinite(Vec3(p));
-      const float xyz[3] = {p.x, p.y, p.z};
+    for (const Vec3f* p : {&triangles[t].a, &triangles[t].b, &triangles[t].c}) {
+      const float xyz[3] = {p->x, p->y, p->z};
       r.box.add(xyz);
     }
-    if (isUsable) references.push_back(r);
+    references.push_back(r);
   }
   Builder(nodes_, references).run();
   items_.reserve(references.size());
-  for (const Reference& r : references) {
-    const auto& t = triangles[at(r.triangle)];
-    items_.push_back({points[at(t[0])], points[at(t[1])], points[at(t[2])], r.triangle});
-  }
+  for (const Reference& r : references) items_.push_back(r.triangle);
 }
 
 double TriangleBvh::squaredDistance(const Node& node, const Vec3& p) {
@@ -228,15 +224,16 @@ TriangleBvh::Nearest TriangleBvh::nearest(const Vec3& p, double maxSquared) cons
         continue;
       }
       for (Index i = node.first; i < node.first + node.count; ++i) {
-        const Item& item = items_[at(i)];
+        const Index triangle = items_[at(i)];
+        const Triangle& item = triangles_[at(triangle)];
         const Vec3 a(item.a), b(item.b), c(item.c);
         const auto [u, v] = math::closestOnTriangle(a, b, c, p);
         const Vec3 point = a * (1 - u - v) + b * u + c * v;
         const double squared = lengthSquared(point - p);
         const bool isNearer = squared < best.squared;
         const bool isTie =
-            squared == best.squared && (best.triangle == kNone || item.triangle < best.triangle);
-        if (isNearer || isTie) best = {item.triangle, u, v, point, squared};
+            squared == best.squared && (best.triangle == kNone || triangle < best.triangle);
+        if (isNearer || isTie) best = {triangle, u, v, point, squared};
       }
     }
     if (top == 0) return best;
@@ -259,8 +256,8 @@ void TriangleBvh::inBox(const Box& box, std::vector<Index>& out) const {
       continue;
     }
     for (Index i = node.first; i < node.first + node.count; ++i) {
-      const Item& item = items_[at(i)];
-      if (overlaps(box, Vec3(item.a), Vec3(item.b), Vec3(item.c))) out.push_back(item.triangle);
+      const Triangle& item = triangles_[at(items_[at(i)])];
+      if (overlaps(box, Vec3(item.a), Vec3(item.b), Vec3(item.c))) out.push_back(items_[at(i)]);
     }
   }
 }

@@ -1,13 +1,12 @@
 #pragma once
 
-#include <array>
-#include <atomic>
 #include <span>
 #include <vector>
 
 #include "host/base/ids.h"
 #include "host/math/box.h"
 #include "host/math/vec.h"
+#include "host/spatial/triangle.h"
 
 namespace host::spatial {
 
@@ -16,9 +15,8 @@ namespace host::spatial {
 /// distances are computed in double.
 class TriangleBvh {
  public:
-  /// @param triangles three vertex ids each; those with points that are not finite are left out
-  TriangleBvh(std::span<const math::Vec3f> points,
-              std::span<const std::array<VertexId, 3>> triangles);
+  /// @param triangles kept by reference; those with points that are not finite are left out
+  explicit TriangleBvh(std::span<const Triangle> triangles);
 
   struct Nearest {
     Index triangle = kNone;
@@ -33,7 +31,7 @@ class TriangleBvh {
   void inBox(const math::Box& box, std::vector<Index>& out) const;
 
   [[nodiscard]] std::size_t bytes() const {
-    return nodes_.size() * sizeof(Node) + items_.size() * sizeof(Item);
+    return nodes_.size() * sizeof(Node) + items_.size() * sizeof(Index);
   }
 
  private:
@@ -43,16 +41,13 @@ class TriangleBvh {
     float max[3];
     Index count;  // 0: not a leaf
   };
-  struct Item {
-    math::Vec3f a, b, c;
-    Index triangle;
-  };
   struct Reference;
   class Builder;
   [[nodiscard]] static double squaredDistance(const Node& node, const math::Vec3& p);
 
   std::vector<Node> nodes_;
-  std::vector<Item> items_;
+  std::vector<Index> items_;  // triangles, leaf by leaf
+  std::span<const Triangle> triangles_;
 };
 
 }  // namespace host::spatial

@@ -8,7 +8,7 @@
 #include <random>
 #include <set>
 
-#include "host/mesh/normals.h"
+#include "host/mesh/triangulate.h"
 #include "host/spatial/overlap.h"
 #include "tests/zoo/mesh_zoo.h"
 
