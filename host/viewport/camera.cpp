@@ -16,13 +16,15 @@ struct Frame {
   Vec3 right, up, back;
 };
 
-/// Orthonormal axes from a matrix that may be scaled, sheared or mirrored; the line of sight is kept exactly.
+/// Orthonormal axes from a matrix that may be scaled, sheared or mirrored; the line of sight is
+/// kept exactly.
 Frame orthonormalFrame(const Matrix4& m) {
   Vec3 back = math::normalized({m[2][0], m[2][1], m[2][2]});
   if (math::lengthSquared(back) == 0) back = {0, 0, 1};
   Vec3 right = math::normalized(math::cross({m[1][0], m[1][1], m[1][2]}, back));
   if (math::lengthSquared(right) == 0)
-    right = math::normalized(math::cross(std::abs(back.y) < 0.9 ? Vec3{0, 1, 0} : Vec3{0, 0, -1}, back));
+    right = math::normalized(
+        math::cross(std::abs(back.y) < 0.9 ? Vec3{0, 1, 0} : Vec3{0, 0, -1}, back));
   return {right, math::cross(back, right), back};
 }
 
@@ -37,21 +39,35 @@ Matrix4 frameMatrix(const Frame& frame, const Vec3& eye) {
 /// Whether the gate's width, rather than its height, is what fills the port.
 bool fitsWidth(FilmFit fit, double aspect, double filmAspect) {
   switch (fit) {
-    case FilmFit::Horizontal: return true;
-    case FilmFit::Vertical: return false;
-    case FilmFit::Fill: return aspect >= filmAspect;
-    case FilmFit::Overscan: return aspect < filmAspect;
+    case FilmFit::Horizontal:
+      return true;
+    case FilmFit::Vertical:
+      return false;
+    case FilmFit::Fill:
+      return aspect >= filmAspect;
+    case FilmFit::Overscan:
+      return aspect < filmAspect;
   }
   return true;
 }
 
 }  // namespace
 
-Vec3 Camera::eye() const { return {world[3][0], world[3][1], world[3][2]}; }
-Vec3 Camera::right() const { return orthonormalFrame(world).right; }
-Vec3 Camera::up() const { return orthonormalFrame(world).up; }
-Vec3 Camera::viewDirection() const { return -orthonormalFrame(world).back; }
-Vec3 Camera::centerOfInterestPoint() const { return eye() + viewDirection() * centerOfInterest; }
+Vec3 Camera::eye() const {
+  return {world[3][0], world[3][1], world[3][2]};
+}
+Vec3 Camera::right() const {
+  return orthonormalFrame(world).right;
+}
+Vec3 Camera::up() const {
+  return orthonormalFrame(world).up;
+}
+Vec3 Camera::viewDirection() const {
+  return -orthonormalFrame(world).back;
+}
+Vec3 Camera::centerOfInterestPoint() const {
+  return eye() + viewDirection() * centerOfInterest;
+}
 
 ViewExtents viewExtents(const Camera& camera, double aspect) {
   HOST_ASSERT(aspect > 0, "give the aspect of a port of at least one pixel");
@@ -130,8 +146,9 @@ Camera defaultAxisCamera(AxisView view) {
 
 namespace {
 
-/// Bounds of lines through the points along the four edges of the frustum: a view with eye (x, y) in the plane through
-/// the origin sees everything if its frustum, moved there, contains all of them.
+/// Bounds of lines through the points along the four edges of the frustum: a view with eye (x, y)
+/// in the plane through the origin sees everything if its frustum, moved there, contains all of
+/// them.
 struct Slopes {
   double low = std::numeric_limits<double>::infinity();
   double high = -std::numeric_limits<double>::infinity();
@@ -154,7 +171,8 @@ bool frame(Camera& camera, double aspect, std::span<const Vec3> points, double f
   Slopes x, y, z, coneX, coneY;
   for (const Vec3& point : points) {
     if (!math::isFinite(point)) continue;
-    const Vec3 p{math::dot(point, axes.right), math::dot(point, axes.up), math::dot(point, axes.back)};
+    const Vec3 p{math::dot(point, axes.right), math::dot(point, axes.up),
+                 math::dot(point, axes.back)};
     x.add(p.x, p.x);
     y.add(p.y, p.y);
     z.add(p.z, p.z);
@@ -175,7 +193,8 @@ bool frame(Camera& camera, double aspect, std::span<const Vec3> points, double f
     const double current = math::dot(camera.eye(), axes.back);
     eye = {(x.low + x.high) / 2, (y.low + y.high) / 2, std::max(current, z.high + room)};
   } else {
-    // The eye height at which the extreme lines of each pair meet, the higher of the two directions.
+    // The eye height at which the extreme lines of each pair meet, the higher of the two
+    // directions.
     const double heightX = (coneX.high - coneX.low) / (2 * tanX);
     const double heightY = (coneY.high - coneY.low) / (2 * tanY);
     const double height = std::max({heightX, heightY, z.high + size * 1e-3});

@@ -27,9 +27,10 @@ void tumble(Camera& camera, const Vec3& pivot, double azimuthDegrees, double ele
   const double azimuth = azimuthDegrees * kRadiansPerDegree;
   const Vec3 oldBack = -camera.viewDirection();
   const double oldElevation = std::asin(std::clamp(oldBack.y, -1.0, 1.0));
-  const double elevation = std::clamp(oldElevation + elevationDegrees * kRadiansPerDegree,
-                                      std::min(-maxElevation, oldElevation),
-                                      std::max(maxElevation, oldElevation)) - oldElevation;
+  const double elevation =
+      std::clamp(oldElevation + elevationDegrees * kRadiansPerDegree,
+                 std::min(-maxElevation, oldElevation), std::max(maxElevation, oldElevation)) -
+      oldElevation;
   const Vec3 right = rotate(camera.right(), vertical, azimuth);
   const auto turn = [&](const Vec3& v) {
     return rotate(rotate(v, vertical, azimuth), right, -elevation);

@@ -4,18 +4,22 @@
 
 namespace host::viewport {
 
-/// Turns the camera about `pivot`: `azimuthDegrees` about the world's vertical, then `elevationDegrees` about the camera's right axis.
-/// The distance to the pivot stays; the elevation stops short of the poles, where the horizon would flip.
+/// Turns the camera about `pivot`: `azimuthDegrees` about the world's vertical, then
+/// `elevationDegrees` about the camera's right axis. The distance to the pivot stays; the elevation
+/// stops short of the poles, where the horizon would flip.
 void tumble(Camera& camera, const Vec3& pivot, double azimuthDegrees, double elevationDegrees);
 
-/// Slides the camera so that what lies at the depth of the centre of interest follows the cursor by (dx, dy) pixels.
+/// Slides the camera so that what lies at the depth of the centre of interest follows the cursor by
+/// (dx, dy) pixels.
 void track(Camera& camera, PortSize port, double dx, double dy);
 
-/// Moves towards the centre of interest (perspective) or narrows the view (orthographic) by a factor: 2 shows things twice
-/// as large. The centre of interest stays in place and is never reached.
+/// Moves towards the centre of interest (perspective) or narrows the view (orthographic) by a
+/// factor: 2 shows things twice as large. The centre of interest stays in place and is never
+/// reached.
 void dolly(Camera& camera, double factor);
 
-/// Gestures of a drag by (dx, dy) pixels, at the speed a modeller is used to: half a turn across the port, a factor of about 4.
+/// Gestures of a drag by (dx, dy) pixels, at the speed a modeller is used to: half a turn across
+/// the port, a factor of about 4.
 void tumbleByDrag(Camera& camera, PortSize port, const Vec3& pivot, double dx, double dy);
 void dollyByDrag(Camera& camera, PortSize port, double dx, double dy);
 

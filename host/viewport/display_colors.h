@@ -4,18 +4,19 @@
 
 namespace host::viewport {
 
-/// The colours of the built-in display, chosen to stay apart on the mid-grey surface, in light and in shade.
+/// The colours of the built-in display, chosen to stay apart on the mid-grey surface, in light and
+/// in shade.
 struct DisplayColors {
   Rgba backgroundTop{0.36f, 0.40f, 0.45f, 1};
   Rgba backgroundBottom{0.16f, 0.175f, 0.20f, 1};
   Rgba surface{0.62f, 0.64f, 0.67f, 1};
   float xrayAlpha = 0.32f;
 
-  Rgba wire{0.09f, 0.11f, 0.17f, 0.62f};          ///< on a surface
-  Rgba wireOnly{0.72f, 0.77f, 0.84f, 0.9f};       ///< without one
+  Rgba wire{0.09f, 0.11f, 0.17f, 0.62f};     ///< on a surface
+  Rgba wireOnly{0.72f, 0.77f, 0.84f, 0.9f};  ///< without one
   Rgba wireSelected{0.99f, 0.98f, 0.95f, 0.9f};
   Rgba wireLead{0.36f, 0.94f, 0.66f, 0.95f};
-  Rgba wireHilited{0.13f, 0.24f, 0.42f, 0.72f};   ///< on a surface
+  Rgba wireHilited{0.13f, 0.24f, 0.42f, 0.72f};  ///< on a surface
   Rgba wireHilitedOnly{0.55f, 0.80f, 0.98f, 0.95f};
   Rgba wireTemplate{0.55f, 0.57f, 0.60f, 0.5f};
   Rgba hardEdge{0.05f, 0.06f, 0.10f, 0.95f};
@@ -28,7 +29,7 @@ struct DisplayColors {
   Rgba faceSelected{1.0f, 0.55f, 0.10f, 0.52f};
   Rgba hover{0.93f, 0.22f, 0.26f, 1};
   Rgba faceHover{0.93f, 0.22f, 0.26f, 0.40f};
-  float ghostAlpha = 0.28f;                       ///< of selected components that are hidden
+  float ghostAlpha = 0.28f;  ///< of selected components that are hidden
 
   Rgba grid{0.62f, 0.66f, 0.72f, 0.16f};
   Rgba gridStrong{0.62f, 0.66f, 0.72f, 0.34f};

@@ -40,7 +40,9 @@ std::size_t verticesOf(Primitive primitive) {
   return primitive == Primitive::Points ? 1 : primitive == Primitive::Lines ? 2 : 3;
 }
 
-bool finite(const Vec3f& p) { return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z); }
+bool finite(const Vec3f& p) {
+  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
 
 bool finite(const Matrix4& matrix) {
   for (const auto& row : matrix.m)
@@ -88,14 +90,16 @@ class ItemCheck {
     if (used % verticesOf(item_.primitive) != 0)
       report(fmt::format("has {} vertices, which don't make up whole primitives", used));
     if (!item_.indices) return;
-    const auto bad = std::ranges::find_if(*item_.indices, [&](std::uint32_t i) { return i >= count; });
+    const auto bad =
+        std::ranges::find_if(*item_.indices, [&](std::uint32_t i) { return i >= count; });
     if (bad != item_.indices->end())
       report(fmt::format("has index {} but only {} vertices", *bad, count));
   }
 
   void style() {
     const auto unit = [](float value) { return value >= 0 && value <= 1; };
-    if (!(item_.width > 0) || !std::isfinite(item_.width)) report("has a width that is not positive");
+    if (!(item_.width > 0) || !std::isfinite(item_.width))
+      report("has a width that is not positive");
     if (!std::isfinite(item_.pull)) report("has a pull that is not finite");
     for (const Rgba& c : {item_.color, item_.outline})
       if (!unit(c.r) || !unit(c.g) || !unit(c.b) || !unit(c.a)) report("has a colour outside 0..1");
@@ -104,8 +108,8 @@ class ItemCheck {
   }
 
   void texture(const Texture& picture) {
-    const bool sized = picture.width > 0 && picture.height > 0 && picture.width <= kMaxTextureSide &&
-                       picture.height <= kMaxTextureSide;
+    const bool sized = picture.width > 0 && picture.height > 0 &&
+                       picture.width <= kMaxTextureSide && picture.height <= kMaxTextureSide;
     if (!sized || picture.rgba.size() != std::size_t{4} * static_cast<std::size_t>(picture.width) *
                                              static_cast<std::size_t>(picture.height))
       report("has a texture whose size and pixels don't agree");

@@ -26,11 +26,12 @@ struct Rgba {
 /// Four bytes in memory order r g b a, as vertex colours are kept.
 [[nodiscard]] std::uint32_t packColor(const Rgba& color);
 
-/// Vertex arrays, immutable once in a list, so that a backend may keep its own copy for as long as they live. All arrays are
-/// as long as `positions` or empty.
+/// Vertex arrays, immutable once in a list, so that a backend may keep its own copy for as long as
+/// they live. All arrays are as long as `positions` or empty.
 struct VertexData {
   std::vector<Vec3f> positions;
-  std::vector<Vec3f> normals;         ///< unit; needed by lit triangles
+  std::vector<Vec3f>
+      normals;  ///< unit; needed by lit triangles; let points and lines know their side
   std::vector<std::uint32_t> colors;  ///< packColor
   std::vector<Vec2f> uvs;             ///< needed by textures
 };
@@ -49,7 +50,8 @@ using TexturePtr = std::shared_ptr<const Texture>;
 
 enum class Primitive : std::uint8_t { Points, Lines, Triangles };
 
-/// World items go through item matrix and camera. Screen items are in pixels, (0, 0) lower left, z ignored, never hidden.
+/// World items go through item matrix and camera. Screen items are in pixels, (0, 0) lower left, z
+/// ignored, never hidden.
 enum class Space : std::uint8_t { World, Screen };
 
 enum class DepthTest : std::uint8_t {
@@ -58,7 +60,8 @@ enum class DepthTest : std::uint8_t {
   Behind,  ///< drawn only where something lies in front
 };
 
-/// Order of drawing within a list; items of one pass keep the order in which they were added, after their priority.
+/// Order of drawing within a list; items of one pass keep the order in which they were added, after
+/// their priority.
 enum class Pass : std::uint8_t { Opaque, Translucent, Wire, Dots, Overlay };
 
 enum class Stipple : std::uint8_t {
@@ -80,14 +83,17 @@ struct DrawItem {
   int priority = 0;
   DepthTest depthTest = DepthTest::Nearer;
   bool depthWrite = true;
-  bool lit = false;          ///< triangles
+  bool lit = false;  ///< triangles
   bool cullBackFaces = false;
-  bool fadeShortLines = false;  ///< lines: thin out those of a few pixels, which would merge into a dark mass
+  bool fadeShortLines =
+      false;  ///< lines: thin out those of a few pixels, which would merge into a dark mass
   Stipple stipple = Stipple::None;
   Rgba color{1, 1, 1, 1};    ///< multiplied with the vertex colours
   Rgba outline{0, 0, 0, 0};  ///< points: rim, drawn inside the size
   float width = 1;           ///< pixels: line width or point diameter
-  float pull = 0;            ///< pixels by which it is moved towards the viewer before the depth test
+  float pull = 0;  ///< pixels by which it is moved towards the viewer before the depth test; points
+                   ///< and lines with normals only where they face the viewer, so that nothing
+                   ///< peeks out from behind
 };
 
 enum class TextAlign : std::uint8_t { Left, Center, Right };
@@ -107,14 +113,15 @@ struct DrawList {
   std::vector<DrawItem> items;
   std::vector<TextItem> texts;
 
-  /// Adds an item of vertices that are used only once and returns it for styling. Positions are in the space that the
-  /// item is given.
+  /// Adds an item of vertices that are used only once and returns it for styling. Positions are in
+  /// the space that the item is given.
   DrawItem& add(Primitive primitive, Pass pass, std::vector<Vec3f> positions);
   void append(const DrawList& other);
 };
 
-/// Everything wrong with a list, a sentence each: arrays of different lengths, indices out of range or not a multiple of the
-/// primitive, coordinates that are not finite, widths that are not positive, lit triangles without normals. Linear.
+/// Everything wrong with a list, a sentence each: arrays of different lengths, indices out of range
+/// or not a multiple of the primitive, coordinates that are not finite, widths that are not
+/// positive, lit triangles without normals. Linear.
 [[nodiscard]] std::vector<std::string> check(const DrawList& list);
 
 /// Item indices in drawing order.

@@ -1,9 +1,9 @@
 #include <algorithm>
-#include <bit>
-#include <cstring>
+#include <array>
+#include <span>
 
-#include "host/base/parallel.h"
-#include "host/viewport/face_triangles.h"
+#include "host/mesh/normals.h"
+#include "host/mesh/triangulate.h"
 #include "host/viewport/mesh_draw.h"
 
 namespace host::viewport {
@@ -12,9 +12,28 @@ namespace {
 
 using mesh::Mesh;
 
+/// A vertex's normal says which side it is seen from; one at a sharp corner is seen from both, and
+/// gets none.
+void clearSharpNormals(const Mesh& mesh, std::vector<Vec3f>& normals) {
+  constexpr double kSharp = 0.8;
+  const std::vector<Vec3f> faceNormals = mesh::computeFaceNormals(mesh);
+  std::vector<std::uint8_t> isSharp(normals.size());
+  for (FaceId face = 0; face < mesh.faceCount(); ++face) {
+    const Vec3 normal(faceNormals[static_cast<std::size_t>(face)]);
+    for (const VertexId v : mesh.faceVertices(face)) {
+      const auto k = static_cast<std::size_t>(v);
+      if (math::dot(normal, Vec3(normals[k])) < kSharp) isSharp[k] = 1;
+    }
+  }
+  for (std::size_t v = 0; v < normals.size(); ++v)
+    if (isSharp[v]) normals[v] = {};
+}
+
 VertexDataPtr makePoints(const Mesh& mesh) {
   auto data = std::make_shared<VertexData>();
   data->positions.assign(mesh.points().begin(), mesh.points().end());
+  data->normals = mesh::computeVertexNormals(mesh);
+  clearSharpNormals(mesh, data->normals);
   return data;
 }
 
@@ -38,7 +57,8 @@ class CornerWelder {
         data_(std::make_shared<VertexData>()) {
     if (content.uvs && mesh.uvSetCount() > 0) uvs_ = &mesh.uvSet(mesh.currentUvSet());
     if (uvs_ && uvs_->cornerIds.empty()) uvs_ = nullptr;
-    if (content.colors && mesh.currentColorSet() >= 0) colors_ = &mesh.colorSet(mesh.currentColorSet());
+    if (content.colors && mesh.currentColorSet() >= 0)
+      colors_ = &mesh.colorSet(mesh.currentColorSet());
     if (colors_ && colors_->cornerIds.empty()) colors_ = nullptr;
   }
 
@@ -66,14 +86,16 @@ class CornerWelder {
     const Index color = colors_ ? colors_->cornerIds[corner] : kNone;
     for (Index i = first_[vertex]; i != kNone; i = variants_[static_cast<std::size_t>(i)].next) {
       const auto k = static_cast<std::size_t>(i);
-      if (variants_[k].uv == uv && variants_[k].color == color && data_->normals[k] == normal) return i;
+      if (variants_[k].uv == uv && variants_[k].color == color && data_->normals[k] == normal)
+        return i;
     }
     const auto added = static_cast<Index>(variants_.size());
     variants_.push_back({first_[vertex], uv, color});
     first_[vertex] = added;
     data_->positions.push_back(mesh_.points()[vertex]);
     data_->normals.push_back(normal);
-    if (uvs_) data_->uvs.push_back(uv == kNone ? Vec2f{} : uvs_->points[static_cast<std::size_t>(uv)]);
+    if (uvs_)
+      data_->uvs.push_back(uv == kNone ? Vec2f{} : uvs_->points[static_cast<std::size_t>(uv)]);
     if (colors_) data_->colors.push_back(packed(color));
     return added;
   }
@@ -96,11 +118,15 @@ class CornerWelder {
 void makeSurface(const Mesh& mesh, SurfaceContent content, MeshBuffers& buffers) {
   CornerWelder welder(mesh, content);
   const std::vector<std::uint32_t> cornerIndices = welder.run();
-  auto triangles = std::make_shared<IndexData>(triangulateFaces(mesh));
-  for (std::uint32_t& corner : *triangles) corner = cornerIndices[corner];
+  const mesh::Triangulation cut = mesh::triangulate(mesh);
+  auto triangles = std::make_shared<IndexData>();
+  triangles->reserve(3 * cut.triangles.size());
+  for (const std::array<CornerId, 3>& triangle : cut.triangles)
+    for (const CornerId corner : triangle)
+      triangles->push_back(cornerIndices[static_cast<std::size_t>(corner)]);
   for (const FaceId face : mesh.invisibleFaces()) {
     // A hidden face keeps its place, collapsed to nothing.
-    const auto begin = triangles->begin() + static_cast<std::ptrdiff_t>(3 * firstTriangle(mesh, face));
+    const auto begin = triangles->begin() + 3 * mesh::Triangulation::firstTriangle(mesh, face);
     std::fill(begin, begin + 3 * (mesh.faceSize(face) - 2), *begin);
   }
   buffers.surface = welder.data();
@@ -129,7 +155,9 @@ MeshDrawCache::~MeshDrawCache() = default;
 
 namespace {
 
-bool sameArray(const auto& a, const auto& b) { return a.data() == b.data() && a.size() == b.size(); }
+bool sameArray(const auto& a, const auto& b) {
+  return a.data() == b.data() && a.size() == b.size();
+}
 
 bool sameSurface(const Mesh& a, const Mesh& b, SurfaceContent content) {
   if (!sameArray(a.edgeSmooth(), b.edgeSmooth()) ||
@@ -153,7 +181,8 @@ bool sameSurface(const Mesh& a, const Mesh& b, SurfaceContent content) {
 
 }  // namespace
 
-const MeshBuffers& MeshDrawCache::buffers(std::uint64_t id, const Mesh& mesh, SurfaceContent content) {
+const MeshBuffers& MeshDrawCache::buffers(std::uint64_t id, const Mesh& mesh,
+                                          SurfaceContent content) {
   std::unique_ptr<Entry>& slot = entries_[id];
   const bool isNew = !slot;
   if (isNew) slot = std::make_unique<Entry>();
@@ -163,9 +192,10 @@ const MeshBuffers& MeshDrawCache::buffers(std::uint64_t id, const Mesh& mesh, Su
   const bool sameFaces =
       !isNew && sameArray(mesh.topology().cornerVertices, entry.mesh.topology().cornerVertices) &&
       sameArray(mesh.topology().edges, entry.mesh.topology().edges);
-  if (!samePoints) entry.buffers.points = makePoints(mesh);
+  if (!samePoints || !sameFaces) entry.buffers.points = makePoints(mesh);
   if (!sameFaces) entry.buffers.edges = makeEdges(mesh);
-  if (!samePoints || !sameFaces || content != entry.content || !sameSurface(mesh, entry.mesh, content))
+  if (!samePoints || !sameFaces || content != entry.content ||
+      !sameSurface(mesh, entry.mesh, content))
     makeSurface(mesh, content, entry.buffers);
   entry.mesh = mesh;
   entry.content = content;

@@ -1,8 +1,11 @@
 #include "host/viewport/mesh_draw.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "host/mesh/adjacency.h"
+#include "host/mesh/triangulate.h"
 #include "host/viewport/display_colors.h"
-#include "host/viewport/face_triangles.h"
 
 namespace host::viewport {
 
@@ -13,7 +16,8 @@ const DisplayColors& displayColors() {
 
 namespace {
 
-// The pulls rank what lies on a surface: the surface itself, tinted faces, wire, chosen edges, dots.
+// The pulls rank what lies on a surface: the surface itself, tinted faces, wire, chosen edges,
+// dots.
 constexpr float kFacePull = 0.75f;
 constexpr float kWirePull = 1.5f;
 constexpr float kEdgePull = 2.5f;
@@ -22,8 +26,10 @@ constexpr float kDotPull = 4.0f;
 /// Builds the items of one mesh instance.
 class MeshPainter {
  public:
-  MeshPainter(const RenderMesh& object, const ViewOptions& options, const MeshBuffers& buffers, DrawList& list)
+  MeshPainter(const RenderMesh& object, const ViewProjection& view, const ViewOptions& options,
+              const MeshBuffers& buffers, DrawList& list)
       : object_(object),
+        view_(view),
         options_(options),
         buffers_(buffers),
         list_(list),
@@ -31,6 +37,7 @@ class MeshPainter {
                                                      : object.style.value_or(options.style)) {}
 
   void run() {
+    edgePixels_ = typicalEdgePixels();
     if (style_ != DisplayStyle::Wireframe) surface();
     if (style_ != DisplayStyle::Shaded || object_.state != ObjectState::Dormant) wire();
     if (object_.showHardEdges) hardEdges();
@@ -52,15 +59,17 @@ class MeshPainter {
     return item;
   }
 
+  /// All of it shows at once, and so everything is fainter.
+  [[nodiscard]] bool isSeeThrough() const { return object_.xray || options_.xray; }
+
   void surface() {
     if (buffers_.triangles->empty()) return;
-    const bool seeThrough = object_.xray || options_.xray;
-    DrawItem& item = add(Primitive::Triangles, seeThrough ? Pass::Translucent : Pass::Opaque,
+    DrawItem& item = add(Primitive::Triangles, isSeeThrough() ? Pass::Translucent : Pass::Opaque,
                          buffers_.surface, buffers_.triangles);
     item.lit = true;
     item.cullBackFaces = options_.backFaceCulling;
     item.color = object_.surfaceColor.value_or(colors_.surface);
-    if (seeThrough) item.color.a *= colors_.xrayAlpha;
+    if (isSeeThrough()) item.color.a *= colors_.xrayAlpha;
     const bool hasUvs = buffers_.surface->uvs.size() == buffers_.surface->positions.size();
     if (object_.texture && hasUvs) item.texture = object_.texture;
   }
@@ -68,19 +77,60 @@ class MeshPainter {
   [[nodiscard]] Rgba wireColor() const {
     const bool onSurface = style_ != DisplayStyle::Wireframe;
     switch (object_.state) {
-      case ObjectState::Selected: return colors_.wireSelected;
-      case ObjectState::Lead: return colors_.wireLead;
-      case ObjectState::Hilited: return onSurface ? colors_.wireHilited : colors_.wireHilitedOnly;
-      case ObjectState::Template: return colors_.wireTemplate;
-      case ObjectState::Dormant: break;
+      case ObjectState::Selected:
+        return colors_.wireSelected;
+      case ObjectState::Lead:
+        return colors_.wireLead;
+      case ObjectState::Hilited:
+        return onSurface ? colors_.wireHilited : colors_.wireHilitedOnly;
+      case ObjectState::Template:
+        return colors_.wireTemplate;
+      case ObjectState::Dormant:
+        break;
     }
     return onSurface ? colors_.wire : colors_.wireOnly;
   }
 
+  /// How long the longer edges are on the screen, in pixels: the upper quartile of a sample.
+  [[nodiscard]] double typicalEdgePixels() const {
+    constexpr std::size_t kSamples = 512;
+    const std::size_t count = object_.mesh.topology().edges.size();
+    const std::size_t step = std::max<std::size_t>(1, count / kSamples);
+    std::vector<double> lengths;
+    for (std::size_t e = 0; e < count; e += step) {
+      const mesh::EdgeVertices edge = object_.mesh.topology().edges[e];
+      const ViewPosition a = place(edge.a);
+      const ViewPosition b = place(edge.b);
+      if (a.inFront && b.inFront) lengths.push_back(std::hypot(a.x - b.x, a.y - b.y));
+    }
+    if (lengths.empty()) return 0;
+    const auto quartile = lengths.begin() + static_cast<std::ptrdiff_t>(lengths.size() * 3 / 4);
+    std::ranges::nth_element(lengths, quartile);
+    return *quartile;
+  }
+
+  [[nodiscard]] ViewPosition place(VertexId v) const {
+    return view_.worldToView(math::transformPoint(object_.mesh.point(v), object_.world));
+  }
+
+  /// The share of its strength that the wire keeps at this density; an object's selection stays
+  /// visible.
+  [[nodiscard]] float wireStrength() const {
+    const double t = std::clamp((edgePixels_ - 2.0) / 12.0, 0.0, 1.0);
+    const bool isChosen =
+        object_.state == ObjectState::Selected || object_.state == ObjectState::Lead;
+    const bool isAlone = style_ == DisplayStyle::Wireframe;
+    const double least = isAlone ? 0.3 : isChosen ? 0.25 : 0.0;
+    return static_cast<float>(std::max(least, t * t * (3 - 2 * t)));
+  }
+
   void wire() {
     if (buffers_.edges->empty()) return;
+    const float strength = wireStrength();
+    if (strength < 0.03f) return;
     DrawItem& item = add(Primitive::Lines, Pass::Wire, buffers_.points, buffers_.edges);
     item.color = wireColor();
+    item.color.a *= strength * (isSeeThrough() ? 0.4f : 1.0f);
     item.width = object_.state == ObjectState::Dormant ? 1.0f : 1.25f;
     item.fadeShortLines = true;
     item.pull = kWirePull;
@@ -121,9 +171,11 @@ class MeshPainter {
   }
 
   void vertices() {
-    if (buffers_.points->positions.empty()) return;
+    const double strength = std::clamp((edgePixels_ - 2.5) / 4.0, 0.0, 1.0);
+    if (buffers_.points->positions.empty() || strength < 0.05) return;
     DrawItem& item = add(Primitive::Points, Pass::Dots, buffers_.points, nullptr);
     item.color = colors_.vertex;
+    item.color.a *= static_cast<float>(strength);
     item.width = 4;
     item.pull = kDotPull;
   }
@@ -131,28 +183,39 @@ class MeshPainter {
   [[nodiscard]] IndexDataPtr faceTriangles(const std::vector<FaceId>& faces) const {
     auto indices = std::make_shared<IndexData>();
     for (const FaceId face : faces) {
-      const auto begin = buffers_.triangles->begin() +
-                         static_cast<std::ptrdiff_t>(3 * firstTriangle(object_.mesh, face));
+      const auto begin =
+          buffers_.triangles->begin() + 3 * mesh::Triangulation::firstTriangle(object_.mesh, face);
       indices->insert(indices->end(), begin, begin + 3 * (object_.mesh.faceSize(face) - 2));
     }
     return indices;
   }
 
-  [[nodiscard]] IndexDataPtr faceOutlines(const std::vector<FaceId>& faces) const {
+  /// The edges on the rim of the faces: those that one of them uses, not two.
+  [[nodiscard]] IndexDataPtr rim(const std::vector<FaceId>& faces) const {
+    std::vector<EdgeId> used;
+    for (const FaceId face : faces) {
+      const std::span<const EdgeId> edges = object_.mesh.faceEdges(face);
+      used.insert(used.end(), edges.begin(), edges.end());
+    }
+    std::ranges::sort(used);
     auto indices = std::make_shared<IndexData>();
-    for (const FaceId face : faces)
-      for (const EdgeId edge : object_.mesh.faceEdges(face)) appendEdge(edge, *indices);
+    for (std::size_t i = 0, next = 0; i < used.size(); i = next) {
+      while (next < used.size() && used[next] == used[i]) ++next;
+      if (next - i == 1) appendEdge(used[i], *indices);
+    }
     return indices;
   }
 
   void faces(const std::vector<FaceId>& chosen, const Rgba& fill, const Rgba& outline) {
     if (chosen.empty()) return;
-    DrawItem& item = add(Primitive::Triangles, Pass::Translucent, buffers_.surface, faceTriangles(chosen));
+    DrawItem& item =
+        add(Primitive::Triangles, Pass::Translucent, buffers_.surface, faceTriangles(chosen));
     item.color = fill;
     item.pull = kFacePull;
     item.priority = 1;
     item.cullBackFaces = options_.backFaceCulling;
-    lines(faceOutlines(chosen), outline.withAlpha(0.8f), 1.4f, kWirePull + 0.5f);
+    IndexDataPtr outlines = rim(chosen);
+    if (!outlines->empty()) lines(std::move(outlines), outline, 1.8f);
   }
 
   void edges(const std::vector<EdgeId>& chosen, const Rgba& color, float width) {
@@ -165,50 +228,55 @@ class MeshPainter {
     ghost.depthTest = DepthTest::Behind;
   }
 
+  /// Dots of up to `size` pixels, smaller where vertices are closer than that. All rims come before
+  /// all fills, so that dots which overlap make one bright patch with a dark rim.
   void dots(const std::vector<VertexId>& chosen, const Rgba& color, float size) {
     if (chosen.empty()) return;
-    auto indices = std::make_shared<IndexData>(chosen.begin(), chosen.end());
-    DrawItem& item = add(Primitive::Points, Pass::Dots, buffers_.points, indices);
-    item.color = color;
-    item.outline = colors_.vertexRim;
-    item.width = size;
-    item.pull = kDotPull + 1;
-    item.priority = 1;
-    if (!options_.showHiddenSelection) return;
-    DrawItem ghost = item;
-    ghost.color.a = colors_.ghostAlpha;
-    ghost.outline.a *= colors_.ghostAlpha;
-    ghost.width = size * 0.8f;
-    ghost.depthTest = DepthTest::Behind;
-    ghost.priority = 0;
-    list_.items.push_back(std::move(ghost));
+    const auto indices = std::make_shared<IndexData>(chosen.begin(), chosen.end());
+    const float fitted = std::clamp(static_cast<float>(edgePixels_) * 1.1f, 0.5f * size, size);
+    const auto disc = [&](const Rgba& fill, float width, int priority, DepthTest test) {
+      DrawItem& item = add(Primitive::Points, Pass::Dots, buffers_.points, indices);
+      item.color = fill;
+      item.width = width;
+      item.pull = kDotPull + 1;
+      item.priority = priority;
+      item.depthTest = test;
+    };
+    if (options_.showHiddenSelection)
+      disc(color.withAlpha(colors_.ghostAlpha), fitted * 0.8f, 1, DepthTest::Behind);
+    disc(colors_.vertexRim, fitted, 2, DepthTest::Nearer);
+    disc(color, fitted - 2.4f, 3, DepthTest::Nearer);
   }
 
   void selection() {
     faces(object_.selected.faces, colors_.faceSelected, colors_.edgeSelected);
     edges(object_.selected.edges, colors_.edgeSelected, 2.6f);
-    dots(object_.selected.vertices, colors_.vertexSelected, 9);
+    dots(object_.selected.vertices, colors_.vertexSelected, 10);
   }
 
   void hover() {
     faces(object_.hovered.faces, colors_.faceHover, colors_.hover);
     edges(object_.hovered.edges, colors_.hover, 3);
-    dots(object_.hovered.vertices, colors_.hover, 10);
+    dots(object_.hovered.vertices, colors_.hover, 11);
   }
 
   const RenderMesh& object_;
+  const ViewProjection& view_;
   const ViewOptions& options_;
   const MeshBuffers& buffers_;
   DrawList& list_;
   const DisplayStyle style_;
   const DisplayColors& colors_ = displayColors();
+  double edgePixels_ = 0;
 };
 
 }  // namespace
 
-void drawMesh(const RenderMesh& object, const ViewOptions& options, MeshDrawCache& cache, DrawList& list) {
-  const SurfaceContent content{.uvs = object.texture != nullptr, .colors = options.showVertexColors};
-  MeshPainter(object, options, cache.buffers(object.id, object.mesh, content), list).run();
+void drawMesh(const RenderMesh& object, const ViewProjection& view, const ViewOptions& options,
+              MeshDrawCache& cache, DrawList& list) {
+  const SurfaceContent content{.uvs = object.texture != nullptr,
+                               .colors = options.showVertexColors};
+  MeshPainter(object, view, options, cache.buffers(object.id, object.mesh, content), list).run();
 }
 
 }  // namespace host::viewport

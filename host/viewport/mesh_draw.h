@@ -9,10 +9,11 @@ namespace host::viewport {
 
 /// A mesh as vertex and index arrays.
 struct MeshBuffers {
-  VertexDataPtr surface;   ///< one vertex a distinct (vertex, normal, UV, colour); object space
-  IndexDataPtr triangles;  ///< into `surface`; face f's start at 3 * firstTriangle(f)
-  VertexDataPtr points;    ///< one a mesh vertex
-  IndexDataPtr edges;      ///< into `points`, two an edge, in edge order
+  VertexDataPtr surface;  ///< one vertex a distinct (vertex, normal, UV, colour); object space
+  IndexDataPtr
+      triangles;  ///< into `surface`; face f's start at 3 * mesh::Triangulation::firstTriangle
+  VertexDataPtr points;  ///< one a mesh vertex, with mean normals; zero where faces meet sharply
+  IndexDataPtr edges;    ///< into `points`, two an edge, in edge order
 };
 
 /// Builds a mesh's buffers afresh. Linear.
@@ -22,8 +23,8 @@ struct SurfaceContent {
 };
 [[nodiscard]] MeshBuffers buildMeshBuffers(const mesh::Mesh& mesh, SurfaceContent content = {});
 
-/// Keeps the buffers of meshes that did not change. It holds on to a copy of each mesh (which shares its arrays), so an
-/// unchanged array is recognised by its address.
+/// Keeps the buffers of meshes that did not change. It holds on to a copy of each mesh (which
+/// shares its arrays), so an unchanged array is recognised by its address.
 class MeshDrawCache {
  public:
   MeshDrawCache();
@@ -40,7 +41,10 @@ class MeshDrawCache {
   std::uint64_t round_ = 0;
 };
 
-/// Appends the items of one mesh: surface, wire, vertices, selected and hovered components, by style and state.
-void drawMesh(const RenderMesh& object, const ViewOptions& options, MeshDrawCache& cache, DrawList& list);
+/// Appends the items of one mesh: surface, wire, vertices, selected and hovered components, by
+/// style and state. Wire that would be too dense to tell lines apart at this size fades, and is
+/// left out when nothing of it remains.
+void drawMesh(const RenderMesh& object, const ViewProjection& view, const ViewOptions& options,
+              MeshDrawCache& cache, DrawList& list);
 
 }  // namespace host::viewport

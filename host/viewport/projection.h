@@ -16,12 +16,13 @@ struct ViewPoint {
   double x = 0, y = 0;
 };
 
-/// A projected point. Behind the eye x and y are mirrored through the centre and `inFront` is false.
+/// A projected point. Behind the eye x and y are mirrored through the centre and `inFront` is
+/// false.
 struct ViewPosition {
-  double x = 0, y = 0;    ///< pixels, (0, 0) lower left
-  double depth = 0;       ///< cm in front of the eye along the line of sight
-  bool inFront = false;   ///< in front of the eye (perspective); always true when orthographic
-  bool isClipped = false; ///< outside the port or beyond a clip plane
+  double x = 0, y = 0;     ///< pixels, (0, 0) lower left
+  double depth = 0;        ///< cm in front of the eye along the line of sight
+  bool inFront = false;    ///< in front of the eye (perspective); always true when orthographic
+  bool isClipped = false;  ///< outside the port or beyond a clip plane
 };
 
 /// What lies under one pixel position, from the near to the far clip plane, in world space.
@@ -30,7 +31,8 @@ struct ViewRay {
   [[nodiscard]] Vec3 direction() const { return math::normalized(farPoint - nearPoint); }
 };
 
-/// The map between the world and the pixels of a port, for one camera. A value: valid as long as the camera does not move.
+/// The map between the world and the pixels of a port, for one camera. A value: valid as long as
+/// the camera does not move.
 class ViewProjection {
  public:
   ViewProjection(const Camera& camera, PortSize port);

@@ -27,7 +27,8 @@ std::vector<Vec3> selectionPoints(const SceneView& scene) {
       add(object.mesh.edge(e).a);
       add(object.mesh.edge(e).b);
     }
-    for (const FaceId f : object.selected.faces) std::ranges::for_each(object.mesh.faceVertices(f), add);
+    for (const FaceId f : object.selected.faces)
+      std::ranges::for_each(object.mesh.faceVertices(f), add);
     const bool isWhole = object.state == ObjectState::Selected || object.state == ObjectState::Lead;
     if (object.selected.isEmpty() && isWhole)
       for (VertexId v = 0; v < object.mesh.vertexCount(); ++v) add(v);
@@ -100,7 +101,8 @@ void drawGizmo(const SceneView& scene, DrawList& list) {
 DrawList buildDrawList(const SceneView& scene, MeshDrawCache& cache) {
   DrawList list;
   if (scene.options.grid.visible) drawGrid(scene.options.grid, list);
-  for (const RenderMesh& object : scene.meshes) drawMesh(object, scene.options, cache, list);
+  const ViewProjection view(scene.camera, scene.port);
+  for (const RenderMesh& object : scene.meshes) drawMesh(object, view, scene.options, cache, list);
   list.append(scene.extra);
   if (scene.options.axisGizmo) drawGizmo(scene, list);
   cache.dropUnused();

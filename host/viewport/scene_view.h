@@ -52,18 +52,18 @@ struct RenderMesh {
 /// The ground grid, in the plane y = height.
 struct GridOptions {
   bool visible = false;
-  double halfSize = 12;   ///< cm
-  double spacing = 5;     ///< cm between strong lines
-  int subdivisions = 5;   ///< faint cells between two strong lines
+  double halfSize = 12;  ///< cm
+  double spacing = 5;    ///< cm between strong lines
+  int subdivisions = 5;  ///< faint cells between two strong lines
   double height = 0;
 };
 
 /// What a view shows and how, besides its meshes.
 struct ViewOptions {
   DisplayStyle style = DisplayStyle::WireOnShaded;
-  bool xray = false;             ///< see-through surfaces
+  bool xray = false;  ///< see-through surfaces
   bool backFaceCulling = false;
-  bool axisGizmo = true;         ///< small axes in the lower left corner
+  bool axisGizmo = true;             ///< small axes in the lower left corner
   bool showHiddenSelection = false;  ///< selected components behind a surface as faint ghosts
   bool showVertexColors = false;
   GridOptions grid;
@@ -85,8 +85,8 @@ struct SceneView {
 
 class MeshDrawCache;
 
-/// Turns the scene into draw items: grid, meshes, extra items, gizmo. Linear in what changed since the cache saw it
-/// last, plus the selected components.
+/// Turns the scene into draw items: grid, meshes, extra items, gizmo. Linear in what changed since
+/// the cache saw it last, plus the selected components.
 [[nodiscard]] DrawList buildDrawList(const SceneView& scene, MeshDrawCache& cache);
 
 }  // namespace host::viewport

@@ -8,9 +8,9 @@ namespace host::viewport {
 
 namespace {
 
-// A glyph is a row of strokes, separated by blanks; a stroke is a row of digit pairs, x then y, on a grid in which
-// the baseline is at 2, the x height at 6 and capitals reach 8; descenders go down to 0. A glyph is as wide as its
-// rightmost point.
+// A glyph is a row of strokes, separated by blanks; a stroke is a row of digit pairs, x then y, on
+// a grid in which the baseline is at 2, the x height at 6 and capitals reach 8; descenders go down
+// to 0. A glyph is as wide as its rightmost point.
 constexpr double kBaseline = 2;
 constexpr double kCapHeight = 6;
 constexpr double kGap = 1.7;
@@ -141,7 +141,8 @@ double textWidth(std::string_view text, double height) {
   return std::max(0.0, width - kGap) * height / kCapHeight;
 }
 
-void appendText(std::vector<Vec3f>& segments, std::string_view text, double x, double y, double height) {
+void appendText(std::vector<Vec3f>& segments, std::string_view text, double x, double y,
+                double height) {
   const double unit = height / kCapHeight;
   double pen = x;
   for (const char c : text) {
@@ -164,9 +165,12 @@ void appendText(std::vector<Vec3f>& segments, std::string_view text, double x, d
 
 std::vector<Vec3f> textStrokes(const TextItem& item, double x, double y) {
   const double width = textWidth(item.text, item.height);
-  const double share = item.align == TextAlign::Left ? 0.0 : item.align == TextAlign::Center ? 0.5 : 1.0;
+  const double share = item.align == TextAlign::Left     ? 0.0
+                       : item.align == TextAlign::Center ? 0.5
+                                                         : 1.0;
   std::vector<Vec3f> segments;
-  appendText(segments, item.text, std::floor(x - width * share) + 0.5, std::floor(y) + 0.5, item.height);
+  appendText(segments, item.text, std::floor(x - width * share) + 0.5, std::floor(y) + 0.5,
+             item.height);
   return segments;
 }
 

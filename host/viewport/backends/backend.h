@@ -29,8 +29,8 @@ struct FrameSettings {
   bool ambientOcclusion = true;  ///< soft contact shadows in creases, where the backend can
 };
 
-/// What draws a frame. One frame: beginFrame, any number of draw calls and direct sections, endFrame; then the picture can be
-/// read or shown until the next frame begins.
+/// What draws a frame. One frame: beginFrame, any number of draw calls and direct sections,
+/// endFrame; then the picture can be read or shown until the next frame begins.
 class Backend {
  public:
   virtual ~Backend() = default;
@@ -41,14 +41,16 @@ class Backend {
   /// The longest side of a frame and of a texture, in pixels.
   [[nodiscard]] virtual int maxSide() const = 0;
 
-  /// Clears the frame. Fails, with nothing begun, for a port beyond maxSide() or when memory runs out.
+  /// Clears the frame. Fails, with nothing begun, for a port beyond maxSide() or when memory runs
+  /// out.
   [[nodiscard]] virtual Result<void> beginFrame(const FrameSettings& settings) = 0;
   virtual void draw(const DrawList& list) = 0;
   virtual void endFrame() = 0;
 
-  /// Opens a section in which the caller draws with OpenGL 1.x itself: its context is current, the camera and
-  /// `world` are loaded into the fixed-function matrices, depth test on, lighting off. Also between frames, where it
-  /// adds to the last picture. Sections don't nest; each is closed with endDirect, whatever this returns.
+  /// Opens a section in which the caller draws with OpenGL 1.x itself: its context is current, the
+  /// camera and `world` are loaded into the fixed-function matrices, depth test on, lighting off.
+  /// Also between frames, where it adds to the last picture. Sections don't nest; each is closed
+  /// with endDirect, whatever this returns.
   /// @return false when there is nothing to draw with
   virtual bool beginDirect(const Matrix4& world) = 0;
   virtual void endDirect() = 0;
@@ -61,6 +63,7 @@ class Backend {
 };
 
 /// Draws one whole frame and reads it back.
-[[nodiscard]] Result<Image> renderImage(Backend& backend, const FrameSettings& settings, const DrawList& list);
+[[nodiscard]] Result<Image> renderImage(Backend& backend, const FrameSettings& settings,
+                                        const DrawList& list);
 
 }  // namespace host::viewport

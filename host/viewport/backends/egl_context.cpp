@@ -25,12 +25,17 @@ EGLDisplay openDisplay() {
 Result<std::unique_ptr<EglContext>> EglContext::create() {
   const EGLDisplay display = openDisplay();
   if (display == EGL_NO_DISPLAY || !eglInitialize(display, nullptr, nullptr))
-    return fail("No OpenGL driver for drawing without a display was found (EGL error 0x{:x}).", eglGetError());
+    return fail("No OpenGL driver for drawing without a display was found (EGL error 0x{:x}).",
+                eglGetError());
   if (!eglBindAPI(EGL_OPENGL_API))
     return fail("The EGL driver has no desktop OpenGL (error 0x{:x}).", eglGetError());
-  const EGLint wanted[] = {EGL_CONTEXT_MAJOR_VERSION, 3, EGL_CONTEXT_MINOR_VERSION, 2,
+  const EGLint wanted[] = {EGL_CONTEXT_MAJOR_VERSION,
+                           3,
+                           EGL_CONTEXT_MINOR_VERSION,
+                           2,
                            EGL_CONTEXT_OPENGL_PROFILE_MASK,
-                           EGL_CONTEXT_OPENGL_COMPATIBILITY_PROFILE_BIT, EGL_NONE};
+                           EGL_CONTEXT_OPENGL_COMPATIBILITY_PROFILE_BIT,
+                           EGL_NONE};
   const EGLContext context = eglCreateContext(display, EGL_NO_CONFIG_KHR, EGL_NO_CONTEXT, wanted);
   if (context == EGL_NO_CONTEXT)
     return fail("The OpenGL driver has no compatibility profile of version 3.2 (EGL error 0x{:x}).",

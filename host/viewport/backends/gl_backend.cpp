@@ -37,8 +37,9 @@ Matrix4 pixelProjection(PortSize port) {
   return m;
 }
 
-/// The camera with its clip planes drawn in around what there is to see: 24 bits of depth then tell a wire from the
-/// surface it lies on, whatever the planes of the camera are. What is drawn directly gets room on both sides.
+/// The camera with its clip planes drawn in around what there is to see: 24 bits of depth then tell
+/// a wire from the surface it lies on, whatever the planes of the camera are. What is drawn
+/// directly gets room on both sides.
 Camera withTightClipping(const Camera& camera, const DrawList& list, GlBuffers& buffers) {
   const Matrix4 view = viewMatrix(camera);
   double nearest = camera.farClip;
@@ -53,7 +54,8 @@ Camera withTightClipping(const Camera& camera, const DrawList& list, GlBuffers& 
   Camera result = camera;
   if (nearest > farthest) return result;
   result.nearClip = std::max(camera.nearClip, nearest * 0.2);
-  result.farClip = std::clamp(farthest * 2 + nearest, result.nearClip * 2, std::max(camera.farClip, result.nearClip * 2));
+  result.farClip = std::clamp(farthest * 2 + nearest, result.nearClip * 2,
+                              std::max(camera.farClip, result.nearClip * 2));
   return result;
 }
 
@@ -81,8 +83,8 @@ class GlBackendImpl final : public GlBackend {
     HOST_ASSERT(!isInFrame_ && !isDirect_, "call endFrame (endDirect) before the next frame");
     const PortSize port = settings.port;
     if (port.width < 1 || port.height < 1 || port.width > maxSide_ || port.height > maxSide_)
-      return fail("A picture of {} by {} pixels can't be drawn; a side may have 1 to {} pixels.", port.width,
-                  port.height, maxSide_);
+      return fail("A picture of {} by {} pixels can't be drawn; a side may have 1 to {} pixels.",
+                  port.width, port.height, maxSide_);
     activate();
     clearErrors();
     HOST_TRY(parts_->target.resize(port));
@@ -165,7 +167,8 @@ class GlBackendImpl final : public GlBackend {
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glReadPixels(0, 0, port.width, port.height, GL_RGBA, GL_UNSIGNED_BYTE, image.rgba.data());
     parts_->target.bind();
-    for (std::size_t top = 0, bottom = static_cast<std::size_t>(port.height) - 1; top < bottom; ++top, --bottom)
+    for (std::size_t top = 0, bottom = static_cast<std::size_t>(port.height) - 1; top < bottom;
+         ++top, --bottom)
       std::swap_ranges(image.rgba.begin() + static_cast<std::ptrdiff_t>(top * row),
                        image.rgba.begin() + static_cast<std::ptrdiff_t>((top + 1) * row),
                        image.rgba.begin() + static_cast<std::ptrdiff_t>(bottom * row));
@@ -180,8 +183,8 @@ class GlBackendImpl final : public GlBackend {
     const PortSize port = settings_.port;
     glBindFramebuffer(GL_READ_FRAMEBUFFER, parts_->target.resolvedFramebuffer());
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer);
-    glBlitFramebuffer(0, 0, port.width, port.height, 0, 0, port.width, port.height, GL_COLOR_BUFFER_BIT,
-                      GL_NEAREST);
+    glBlitFramebuffer(0, 0, port.width, port.height, 0, 0, port.width, port.height,
+                      GL_COLOR_BUFFER_BIT, GL_NEAREST);
     glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
   }
 
@@ -246,8 +249,8 @@ class GlBackendImpl final : public GlBackend {
   }
 
   void addOcclusion() {
-    parts_->occlusion.apply(parts_->target, projectionMatrix(camera_, settings_.port.aspect()), pixelSize(),
-                            camera_.orthographic);
+    parts_->occlusion.apply(parts_->target, projectionMatrix(camera_, settings_.port.aspect()),
+                            pixelSize(), camera_.orthographic);
     prepareState();
   }
 
@@ -281,23 +284,30 @@ class GlBackendImpl final : public GlBackend {
     program.set("checkerboard", item.stipple == Stipple::Checkerboard ? 1 : 0);
     program.set("picture", 0);
     if (item.texture) parts_->buffers.bindTexture(item.texture);
-    // Surfaces step back by their slope, so that the lines on them are not cut where they turn away.
+    // Surfaces step back by their slope, so that the lines on them are not cut where they turn
+    // away.
     glEnable(GL_POLYGON_OFFSET_FILL);
-    glPolygonOffset(1.0f, 1.0f);
+    glPolygonOffset(0.6f, 1.0f);
     glFrontFace(math::determinant(item.world) < 0 ? GL_CW : GL_CCW);
     item.cullBackFaces ? glEnable(GL_CULL_FACE) : glDisable(GL_CULL_FACE);
   }
 
-  void setStroke(const DrawItem& item, const GlProgram& program) const {
-    program.set("portSize", static_cast<float>(settings_.port.width), static_cast<float>(settings_.port.height));
+  void setStroke(const DrawItem& item, const GlProgram& program, const Matrix4& modelView) const {
+    program.setNormalMatrix("normalMatrix", modelView);
+    program.set("sided", item.vertices->normals.empty() ? 0 : 1);
+    program.set("portSize", static_cast<float>(settings_.port.width),
+                static_cast<float>(settings_.port.height));
     program.set("width", item.width);
     program.set("outline", item.outline);
     program.set("fadeShort", item.fadeShortLines ? 1 : 0);
-    program.set("dash", item.stipple == Stipple::Dotted ? 1 : item.stipple == Stipple::Dashed ? 2 : 0);
+    program.set("dash", item.stipple == Stipple::Dotted   ? 1
+                        : item.stipple == Stipple::Dashed ? 2
+                                                          : 0);
   }
 
   void drawItem(const DrawItem& item) {
-    const auto count = static_cast<GLsizei>(item.indices ? item.indices->size() : item.vertices->positions.size());
+    const auto count =
+        static_cast<GLsizei>(item.indices ? item.indices->size() : item.vertices->positions.size());
     if (count == 0) return;
     const bool isOnScreen = item.space == Space::Screen;
     const GlProgram& program = parts_->programs.of(item.primitive);
@@ -314,7 +324,7 @@ class GlBackendImpl final : public GlBackend {
     if (item.primitive == Primitive::Triangles)
       setSurface(item, program, modelView);
     else
-      setStroke(item, program);
+      setStroke(item, program, modelView);
     parts_->buffers.bindVertices(item.vertices);
     const GLenum mode = item.primitive == Primitive::Points  ? GL_POINTS
                         : item.primitive == Primitive::Lines ? GL_LINES
@@ -357,8 +367,9 @@ Result<std::unique_ptr<GlBackend>> GlBackend::createOnCurrentContext() {
   if (major * 10 + minor >= 32) glGetIntegerv(GL_CONTEXT_PROFILE_MASK, &profile);
   const bool isCore = (profile & GL_CONTEXT_CORE_PROFILE_BIT) != 0;
   if (major * 10 + minor < 32 || isCore)
-    return fail("The window's OpenGL is {}.{}{}; version 3.2 with the compatibility profile is needed.", major, minor,
-                isCore ? " core" : "");
+    return fail(
+        "The window's OpenGL is {}.{}{}; version 3.2 with the compatibility profile is needed.",
+        major, minor, isCore ? " core" : "");
   return std::make_unique<GlBackendImpl>(nullptr);
 }
 

@@ -11,7 +11,9 @@ std::size_t bytes(const std::vector<T>& array) {
   return array.size() * sizeof(T);
 }
 
-GLsizeiptr signedSize(std::size_t size) { return static_cast<GLsizeiptr>(size); }
+GLsizeiptr signedSize(std::size_t size) {
+  return static_cast<GLsizeiptr>(size);
+}
 
 /// The arrays one after another in one buffer.
 GLuint upload(const VertexData& data) {
@@ -23,7 +25,8 @@ GLuint upload(const VertexData& data) {
   glBufferData(GL_ARRAY_BUFFER, signedSize(total), nullptr, GL_STATIC_DRAW);
   std::size_t at = 0;
   const auto put = [&](const auto& array) {
-    if (!array.empty()) glBufferSubData(GL_ARRAY_BUFFER, signedSize(at), signedSize(bytes(array)), array.data());
+    if (!array.empty())
+      glBufferSubData(GL_ARRAY_BUFFER, signedSize(at), signedSize(bytes(array)), array.data());
     at += bytes(array);
   };
   put(data.positions);
@@ -46,19 +49,26 @@ GLuint upload(const Texture& texture) {
   glGenTextures(1, &id);
   glBindTexture(GL_TEXTURE_2D, id);
   glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-  glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, texture.width, texture.height, 0, GL_RGBA, GL_UNSIGNED_BYTE,
-               texture.rgba.data());
+  glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, texture.width, texture.height, 0, GL_RGBA,
+               GL_UNSIGNED_BYTE, texture.rgba.data());
   glGenerateMipmap(GL_TEXTURE_2D);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
   return id;
 }
 
-void destroy(const VertexData*, GLuint id) { glDeleteBuffers(1, &id); }
-void destroy(const IndexData*, GLuint id) { glDeleteBuffers(1, &id); }
-void destroy(const Texture*, GLuint id) { glDeleteTextures(1, &id); }
+void destroy(const VertexData*, GLuint id) {
+  glDeleteBuffers(1, &id);
+}
+void destroy(const IndexData*, GLuint id) {
+  glDeleteBuffers(1, &id);
+}
+void destroy(const Texture*, GLuint id) {
+  glDeleteTextures(1, &id);
+}
 
-/// The copy of `original`, made now if there is none; an entry of a dead original at the same address doesn't count.
+/// The copy of `original`, made now if there is none; an entry of a dead original at the same
+/// address doesn't count.
 template <class Copies, class Original>
 GLuint copyOf(Copies& copies, const Original& original) {
   auto& copy = copies[original.get()];
@@ -78,7 +88,8 @@ void dropDead(Copies& copies, bool all) {
   });
 }
 
-void point(GlAttribute slot, GLint components, GLenum type, bool isPresent, std::size_t& at, std::size_t size) {
+void point(GlAttribute slot, GLint components, GLenum type, bool isPresent, std::size_t& at,
+           std::size_t size) {
   if (!isPresent) {
     glDisableVertexAttribArray(slot);
     glVertexAttrib4f(slot, 1, 1, 1, 1);

@@ -9,7 +9,8 @@
 
 namespace host::viewport {
 
-/// The driver's copies of vertex arrays, indices and textures, kept for as long as the originals live.
+/// The driver's copies of vertex arrays, indices and textures, kept for as long as the originals
+/// live.
 class GlBuffers {
  public:
   ~GlBuffers();

@@ -22,7 +22,8 @@ void GlOcclusion::resize(PortSize port) {
   if (port == size_) return;
   size_ = port;
   glBindTexture(GL_TEXTURE_2D, texture_);
-  glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, port.width, port.height, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
+  glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, port.width, port.height, 0, GL_RGBA, GL_UNSIGNED_BYTE,
+               nullptr);
   for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
     glTexParameteri(GL_TEXTURE_2D, filter, GL_NEAREST);
   for (const GLenum wrap : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T})

@@ -14,7 +14,8 @@ class GlOcclusion {
   GlOcclusion& operator=(const GlOcclusion&) = delete;
 
   /// @param pixelSize world length of a pixel at depth 1 (perspective) or everywhere (orthographic)
-  void apply(const GlTarget& target, const Matrix4& projection, double pixelSize, bool isOrthographic);
+  void apply(const GlTarget& target, const Matrix4& projection, double pixelSize,
+             bool isOrthographic);
 
  private:
   void resize(PortSize port);

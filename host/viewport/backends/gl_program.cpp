@@ -27,7 +27,8 @@ GLuint compile(GLenum kind, const std::string& source) {
 
 }  // namespace
 
-GlProgram::GlProgram(const std::string& vertex, const std::string& geometry, const std::string& fragment)
+GlProgram::GlProgram(const std::string& vertex, const std::string& geometry,
+                     const std::string& fragment)
     : id_(glCreateProgram()) {
   GLuint shaders[3] = {compile(GL_VERTEX_SHADER, vertex), compile(GL_FRAGMENT_SHADER, fragment), 0};
   if (!geometry.empty()) shaders[2] = compile(GL_GEOMETRY_SHADER, geometry);

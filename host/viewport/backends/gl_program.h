@@ -11,7 +11,8 @@ namespace host::viewport {
 /// Attribute slots that all programs share.
 enum GlAttribute : GLuint { kPositionSlot = 0, kNormalSlot = 1, kColorSlot = 2, kUvSlot = 3 };
 
-/// A linked shader program. Compiling our own sources can't fail but for a driver too old; that is an assertion with its log.
+/// A linked shader program. Compiling our own sources can't fail but for a driver too old; that is
+/// an assertion with its log.
 class GlProgram {
  public:
   GlProgram() = default;

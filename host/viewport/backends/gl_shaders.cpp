@@ -6,16 +6,17 @@ namespace {
 
 constexpr const char* kVersion = "#version 150 compatibility\n";
 
-// Moves a view-space position towards the viewer by `pull` pixels' worth of world, along its own line of sight, so
-// that its place on the screen stays. pixelSize: world length a pixel covers at depth 1 (perspective) or everywhere.
+// Moves a view-space position towards the viewer by `pull` pixels' worth of world, along its own
+// line of sight, so that its place on the screen stays. pixelSize: world length a pixel covers at
+// depth 1 (perspective) or everywhere.
 constexpr const char* kTransform = R"(
 uniform mat4 modelView, projection;
 uniform float pull, pixelSize;
 uniform int orthographic;
-vec4 pulled(vec3 position) {
+vec4 pulled(vec3 position, float share) {
   vec4 p = modelView * vec4(position, 1.0);
-  if (orthographic != 0) p.z += pull * pixelSize;
-  else p.xyz *= 1.0 - pull * pixelSize;
+  if (orthographic != 0) p.z += share * pull * pixelSize;
+  else p.xyz *= 1.0 - share * pull * pixelSize;
   return p;
 }
 )";
@@ -33,7 +34,7 @@ out vec3 viewPosition, viewNormal;
 out vec4 surfaceColor;
 out vec2 surfaceUv;
 void main() {
-  vec4 p = pulled(position);
+  vec4 p = pulled(position, 1.0);
   viewPosition = p.xyz;
   viewNormal = normalMatrix * normal;
   surfaceColor = color * tint;
@@ -43,8 +44,9 @@ void main() {
 )";
 }
 
-// A studio: a warm key light high on the left, a cool fill from the right, sky and floor light by the world's vertical, a
-// faint rim, and a broad soft highlight. Light is added up linearly and compressed gently towards white.
+// A studio: a warm key light high on the left, a cool fill from the right, sky and floor light by
+// the world's vertical, a faint rim, and a broad soft highlight. Light is added up linearly and
+// compressed gently towards white.
 std::string surfaceFragment() {
   return std::string(kVersion) + R"(
 in vec3 viewPosition, viewNormal;
@@ -90,18 +92,29 @@ void main() {
 
 std::string strokeVertex() {
   return std::string(kVersion) + kTransform + R"(
-in vec3 position;
+in vec3 position, normal;
 in vec4 color;
 uniform vec4 tint;
+uniform mat3 normalMatrix;
+uniform int sided;   // whether there are normals
 out vec4 strokeColor;
 void main() {
   strokeColor = color * tint;
-  gl_Position = projection * pulled(position);
+  float share = 1.0;
+  if (sided != 0) {
+    vec3 at = (modelView * vec4(position, 1.0)).xyz;
+    vec3 v = orthographic != 0 ? vec3(0.0, 0.0, 1.0) : -normalize(at);
+    vec3 n = normalMatrix * normal;
+    share = smoothstep(-0.25, 0.05, dot(n, v) * inversesqrt(max(dot(n, n), 1e-12)));
+    if (dot(n, n) == 0.0) share = 1.0;
+  }
+  gl_Position = projection * pulled(position, share);
 }
 )";
 }
 
-// A line becomes a rectangle one pixel wider than asked on every side; the fragment stage cuts it to size smoothly.
+// A line becomes a rectangle one pixel wider than asked on every side; the fragment stage cuts it
+// to size smoothly.
 std::string lineGeometry() {
   return std::string(kVersion) + R"(
 layout(lines) in;
@@ -127,7 +140,9 @@ void main() {
   if (nearB <= 0.0) b = mix(b, a, nearB / (nearB - nearA) + 1e-5);
   vec2 along = (b.xy / b.w - a.xy / a.w) * 0.5 * portSize;
   lineLength = length(along);
-  float visibility = fadeShort != 0 ? 0.10 + 0.90 * smoothstep(2.0, 11.0, lineLength) : 1.0;
+  vec4 low = min(a / a.w, b / b.w), high = max(a / a.w, b / b.w);
+  if (low.x > 1.05 || low.y > 1.05 || high.x < -1.05 || high.y < -1.05) return;
+  float visibility = fadeShort != 0 ? 0.10 + 0.90 * smoothstep(1.0, 9.0, lineLength) : 1.0;
   if (fadeShort != 0 && lineLength < 0.15) return;
   vec2 direction = lineLength > 1e-4 ? along / lineLength : vec2(1.0, 0.0);
   float reach = width * 0.5 + 1.0;
@@ -145,7 +160,8 @@ void main() {
 )";
 }
 
-// Thin lines end squarely at their ends, so that translucent ones don't darken where they meet; wide ones are round.
+// Thin lines end squarely at their ends, so that translucent ones don't darken where they meet;
+// wide ones are round.
 std::string lineFragment() {
   return std::string(kVersion) + R"(
 uniform float width;
@@ -225,7 +241,8 @@ void main() {
 )";
 }
 
-// A vertical gradient, a little darker towards the corners, with noise of half a level against banding.
+// A vertical gradient, a little darker towards the corners, with noise of half a level against
+// banding.
 std::string backgroundFragment() {
   return std::string(kVersion) + R"(
 in vec2 across;
@@ -241,8 +258,9 @@ void main() {
 )";
 }
 
-// Ambient occlusion from the depth of the opaque surfaces (after Bavoil and Sainz 2009, without marching): how much of a
-// disc around the pixel rises above its tangent plane, out to a radius that is a fixed share of the picture.
+// Ambient occlusion from the depth of the opaque surfaces (after Bavoil and Sainz 2009, without
+// marching): how much of a disc around the pixel rises above its tangent plane, out to a radius
+// that is a fixed share of the picture.
 std::string occlusionFragment() {
   return std::string(kVersion) + R"(
 in vec2 across;
@@ -266,7 +284,8 @@ void main() {
   vec3 dy = abs(below.z) < abs(above.z) ? below : above;
   vec3 n = normalize(cross(dx, dy));
   float radius = radiusPixels * pixelSize * (orthographic != 0 ? 1.0 : -p.z);
-  float turn = 6.2831853 * fract(52.9829189 * fract(dot(gl_FragCoord.xy, vec2(0.06711056, 0.00583715))));
+  float noise = fract(52.9829189 * fract(dot(gl_FragCoord.xy, vec2(0.06711056, 0.00583715))));
+  float turn = 6.2831853 * noise;
   float sum = 0.0;
   const int kSamples = 14;
   for (int i = 0; i < kSamples; ++i) {

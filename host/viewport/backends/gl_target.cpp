@@ -54,7 +54,8 @@ Result<void> GlTarget::resize(PortSize port) {
   const bool isReadable = glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
   if (!isDrawable || !isReadable || glGetError() != GL_NO_ERROR) {
     destroy();
-    return fail("The OpenGL driver has no memory for a picture of {} by {} pixels.", port.width, port.height);
+    return fail("The OpenGL driver has no memory for a picture of {} by {} pixels.", port.width,
+                port.height);
   }
   size_ = port;
   bind();
@@ -64,7 +65,8 @@ Result<void> GlTarget::resize(PortSize port) {
 void GlTarget::resolve(GLbitfield what) const {
   glBindFramebuffer(GL_READ_FRAMEBUFFER, multisampled_);
   glBindFramebuffer(GL_DRAW_FRAMEBUFFER, plain_);
-  glBlitFramebuffer(0, 0, size_.width, size_.height, 0, 0, size_.width, size_.height, what, GL_NEAREST);
+  glBlitFramebuffer(0, 0, size_.width, size_.height, 0, 0, size_.width, size_.height, what,
+                    GL_NEAREST);
   bind();
 }
 

@@ -5,8 +5,8 @@
 
 namespace host::viewport {
 
-/// What a frame is drawn into: a multisampled colour and depth buffer, and single-sampled copies for reading and for
-/// effects that need to look at the picture so far.
+/// What a frame is drawn into: a multisampled colour and depth buffer, and single-sampled copies
+/// for reading and for effects that need to look at the picture so far.
 class GlTarget {
  public:
   GlTarget() = default;

@@ -7,8 +7,8 @@
 
 namespace host::viewport {
 
-/// Draws nothing, but checks that it is used as a backend must be: calls in order and paired, lists sound. For machines
-/// without a GPU library, and for tests.
+/// Draws nothing, but checks that it is used as a backend must be: calls in order and paired, lists
+/// sound. For machines without a GPU library, and for tests.
 class NullBackend final : public Backend {
  public:
   [[nodiscard]] std::string_view name() const override { return "null"; }
