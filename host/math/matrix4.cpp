@@ -1,6 +1,6 @@
 #include "host/math/matrix4.h"
 
-#include <algorithm>
+#include <cmath>
 
 namespace host::math {
 
@@ -25,13 +25,14 @@ Vec3 axisRow(const Matrix4& a, int row) {
   return {a[row][0], a[row][1], a[row][2]};
 }
 
-/// Largest absolute entry of the linear part: the scale against which a determinant counts as zero.
-double largestEntry(const Matrix4& a) {
-  double largest = 0;
+/// The product of the rows' lengths: what the determinant would be if they were perpendicular.
+/// Against it, and not against 1, a determinant counts as zero: a uniform scale of 1e-6 is a legal
+/// transform.
+double rowProduct(const Matrix4& a) {
+  double product = 1;
   for (int i = 0; i < 4; ++i)
-    for (int j = 0; j < 4; ++j)
-      if (i < 3 || j == 3) largest = std::max(largest, std::abs(a[i][j]));
-  return largest;
+    product *= std::hypot(std::hypot(a[i][0], a[i][1]), std::hypot(a[i][2], a[i][3]));
+  return product;
 }
 
 }  // namespace
@@ -72,9 +73,7 @@ double determinant(const Matrix4& a) {
 std::optional<Matrix4> inverse(const Matrix4& a) {
   const Minors k(a);
   const double det = k.determinant();
-  const double scale = largestEntry(a);
-  // A uniform scale of 1e-4 is a legal transform, so zero is judged against the matrix's own size.
-  if (!std::isfinite(det) || std::abs(det) <= 1e-30 * scale * scale * scale || det == 0) return {};
+  if (!std::isfinite(det) || !(std::abs(det) > 1e-16 * rowProduct(a))) return {};
   const double f = 1.0 / det;
   const double *s = k.s, *c = k.c;
   Matrix4 r;
