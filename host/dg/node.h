@@ -51,6 +51,9 @@ class NodeType {
   /// Says that changing `from` dirties `to`; both may be top-level or nested. Holds for this type and those that
   /// inherit from it afterwards, so a derived type may relate inherited attributes.
   void affects(const Attribute* from, const Attribute* to);
+  /// Says that `compute` makes an attribute that depends on none of the node's own, but on what `dependentsDirty` or
+  /// Graph::dirty tell of.
+  void markOutput(const Attribute* output);
   /// What `affects` was told of one attribute, in that order.
   [[nodiscard]] const std::vector<const Attribute*>& affected(const Attribute* from) const;
   /// All that changing an attribute dirties, through its relatives up and down and transitively. Cached.

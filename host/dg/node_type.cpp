@@ -55,6 +55,11 @@ void NodeType::affects(const Attribute* from, const Attribute* to) {
   for (Relations& relations : relations_) relations.isReachKnown = false;
 }
 
+void NodeType::markOutput(const Attribute* output) {
+  HOST_ASSERT(output->flatIndex >= 0, "add the attribute to the type first");
+  visitRelatives(*output, [this](const Attribute& relative) { markComputed(relative); });
+}
+
 void NodeType::markComputed(const Attribute& attribute) {
   relations_[static_cast<std::size_t>(attribute.flatIndex)].isComputed = true;
   const Attribute& top = attribute.top();

@@ -177,6 +177,8 @@ void registerDagNode(dg::TypeRegistry& types) {
   builder.add(color("outlinerColor", "oclr"));
   builder.add(boolean("useOutlinerColor", "uocol"));
 
+  builder.type().markOutput(a.matrix);
+  builder.type().markOutput(a.parent);  // follows the hierarchy, which is not an attribute
   builder.affects({a.matrix}, {a.inverseMatrix, a.world, a.worldInverse});
   builder.affects({a.parent}, {a.parentInverse, a.world, a.worldInverse});
   builder.type().compute = [a](Node& node, const Plug& plug, DataBlock& block) {
