@@ -13,12 +13,14 @@ class ElementChange final : public Change {
       : impl_(impl), node_(element.node()->shared_from_this()), element_(element),
         detached_(std::move(detached)) {}
   void undo() override {
+    if (!isUsable(element_)) return;
     if (createdLevel_ >= 0)
       impl_.dropElements(element_, createdLevel_);
     else
       impl_.attach(element_, std::move(detached_));
   }
   void redo() override {
+    if (!isUsable(element_)) return;
     if (createdLevel_ >= 0)
       impl_.makeElements(element_, false);
     else
@@ -45,10 +47,12 @@ class PackedChange final : public Change {
       : impl_(impl), node_(array.node()->shared_from_this()), array_(array), other_(std::move(other)),
         createdLevel_(createdLevel) {}
   void undo() override {
+    if (!isUsable(array_)) return;
     impl_.swapPacked(array_, other_);
     impl_.dropElements(array_, createdLevel_);
   }
   void redo() override {
+    if (!isUsable(array_)) return;
     impl_.makeElements(array_, false);
     impl_.swapPacked(array_, other_);
   }
@@ -65,18 +69,17 @@ class PackedChange final : public Change {
 };
 
 Result<void> checkArray(const Plug& array) {
-  if (array.isNull()) return fail("There is no such attribute");
-  if (!array.node()->isAlive()) return fail("Node '{}' is deleted", array.node()->name());
+  HOST_TRY(checkPlug(array));
   if (!array.isArray()) return fail("'{}' is not an array", array.name());
-  if (!array.isComplete()) return fail("'{}' needs the index of an element", array.name());
   return {};
 }
 
 Result<void> checkElement(const Plug& element) {
-  if (element.isNull()) return fail("There is no such attribute");
+  HOST_TRY(checkPlug(element));
   if (!element.isElement()) return fail("'{}' is not an element of an array", element.name());
-  if (element.logicalIndex() < 0) return fail("{} is not an index of '{}'", element.logicalIndex(), element.array().name());
-  return checkArray(element.array());
+  if (element.logicalIndex() < 0)
+    return fail("{} is not an index of '{}'", element.logicalIndex(), element.array().name());
+  return {};
 }
 
 const Attribute& leafOf(const Attribute& array, int column) {
@@ -156,7 +159,7 @@ Result<void> Graph::Impl::checkCreatable(const Plug& plug) {
 }
 
 void Graph::Impl::dropElements(const Plug& plug, int createdLevel) {
-  if (createdLevel >= 0) (void)detach(elementAtLevel(plug, createdLevel));
+  if (createdLevel >= 0 && isUsable(plug)) (void)detach(elementAtLevel(plug, createdLevel));
 }
 
 DetachedElement Graph::Impl::detach(const Plug& element) {

@@ -20,8 +20,15 @@ class AttributeLifeChange final : public Change {
   }
 
  private:
-  void take() { slot_ = impl_.takeAttribute(*node_, position_); }
-  void put() { impl_.putAttribute(*node_, attribute_, position_, std::move(slot_)); }
+  void take() {
+    const auto& dynamic = node_->dynamicAttributes();
+    if (position_ < dynamic.size() && dynamic[position_] == attribute_)
+      slot_ = impl_.takeAttribute(*node_, position_);
+  }
+  void put() {
+    if (attribute_->topIndex >= 0) return;
+    impl_.putAttribute(*node_, attribute_, std::min(position_, node_->dynamicAttributes().size()), std::move(slot_));
+  }
   Graph::Impl& impl_;
   NodePtr node_;
   AttributePtr attribute_;
@@ -50,6 +57,7 @@ class FlagChange final : public Change {
 
  private:
   void exchange() {
+    if (!isUsable(plug_)) return;
     impl_.makeElements(plug_, true);
     Wiring& wiring = makeSlot(plug_, true).slot->wires();
     std::swap(wiring.flagMask, mask_);
@@ -162,6 +170,7 @@ std::unique_ptr<Slot> Graph::Impl::takeAttribute(Node& node, std::size_t positio
   }
   node.dynamicAttributes_.erase(at);
   node.removedAttributes_.push_back(attribute);
+  giveTopIndex(*attribute, -1);
   renumber(node);
   attributeEvent(AttributeEvent::Removed, Plug(&node, attribute.get()));
   return slot;
@@ -173,7 +182,7 @@ Result<const Attribute*> Graph::addAttribute(Node& node, AttributePtr attribute)
   if (attribute->parent) return fail("'{}' is part of '{}': add that", attribute->longName, attribute->parent->longName);
   HOST_TRY(checkNames(node, *attribute));
   if (attribute->arrayLevels() > Plug::kMaxLevels) return fail("'{}' nests too many arrays", attribute->longName);
-  if (attribute->topIndex >= 0) attribute = attribute->clone();  // it belongs to another node
+  if (attribute->topIndex >= 0 || attribute->flatIndex >= 0) attribute = attribute->clone();  // it belongs to another node
   const std::size_t position = node.dynamicAttributes().size();
   impl_->putAttribute(node, attribute, position, nullptr);
   impl_->record<AttributeLifeChange>(node.shared_from_this(), attribute, position, nullptr, true);
@@ -207,14 +216,14 @@ Result<void> Graph::removeAttribute(Node& node, const Attribute* attribute) {
 
 bool Graph::flag(const Plug& plug, PlugFlag which) const {
   if (plug.isNull()) return false;
-  const Slot* slot = plug.isComplete() ? locate(plug).slot : nullptr;
+  const Slot* slot = checkPlug(plug) ? locate(plug).slot : nullptr;
   if (slot && slot->wiring && (slot->wiring->flagMask & bitOf(which)) != 0)
     return (slot->wiring->flagBits & bitOf(which)) != 0;
   return attributeFlag(*plug.attribute(), which);
 }
 
 bool Graph::isLockedHereOrAbove(const Plug& plug) const {
-  if (plug.isNull()) return false;
+  if (!isUsable(plug)) return false;
   const std::uint8_t bit = bitOf(PlugFlag::Locked);
   for (const Slot* slot = locate(plug).deepest; slot; slot = slot->parent)
     if (slot->wiring && (slot->wiring->flagMask & slot->wiring->flagBits & bit) != 0) return true;
@@ -222,9 +231,7 @@ bool Graph::isLockedHereOrAbove(const Plug& plug) const {
 }
 
 Result<void> Graph::setFlag(const Plug& plug, PlugFlag which, bool on) {
-  if (plug.isNull()) return fail("There is no such attribute");
-  if (!plug.node()->isAlive()) return fail("Node '{}' is deleted", plug.node()->name());
-  if (!plug.isComplete()) return fail("'{}' needs the index of an element", plug.name());
+  HOST_TRY(checkPlug(plug));
   if (flag(plug, which) == on) return {};
   HOST_TRY(impl_->checkCreatable(plug));
   const int createdLevel = impl_->makeElements(plug, true);
@@ -238,9 +245,8 @@ Result<void> Graph::setFlag(const Plug& plug, PlugFlag which, bool on) {
 }
 
 Result<void> Graph::setAlias(const Plug& plug, std::string alias) {
-  if (plug.isNull()) return fail("There is no such attribute");
+  HOST_TRY(checkPlug(plug));
   Node& node = *plug.node();
-  if (!node.isAlive()) return fail("Node '{}' is deleted", node.name());
   auto& entries = Impl::aliases(node);
   const auto at = std::ranges::find_if(entries, [&](const auto& entry) { return entry.second == plug; });
   const std::string before = at == entries.end() ? std::string() : at->first;

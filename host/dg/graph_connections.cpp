@@ -25,7 +25,7 @@ class WireChange final : public Change {
  private:
   // Edits without a record in between may have taken a node or the connection: then there is nothing to do.
   void make() {
-    if (!sourceNode_->isAlive() || !destinationNode_->isAlive()) return;
+    if (!isUsable(source_) || !isUsable(destination_)) return;
     if (impl_.graph.source(destination_)) return;
     impl_.makeElements(source_, true);
     impl_.makeElements(destination_, true);
@@ -60,6 +60,7 @@ class ResetChange final : public Change {
 
  private:
   void put(const ValueTree& tree) {
+    if (!isUsable(plug_)) return;
     impl_.restoreFree(plug_, tree);
     impl_.spread(plug_);
   }
@@ -98,9 +99,7 @@ bool kindsFit(const Attribute& from, const Attribute& to) {
 
 Result<void> checkEnds(const Plug& source, const Plug& destination) {
   for (const Plug* end : {&source, &destination}) {
-    if (end->isNull()) return fail("There is no such attribute");
-    if (!end->node()->isAlive()) return fail("Node '{}' is deleted", end->node()->name());
-    if (!end->isComplete()) return fail("'{}' needs the index of an element", end->name());
+    HOST_TRY(checkPlug(*end));
     if (!end->attribute()->connectable) return fail("'{}' cannot be connected", end->name());
     if (end->isElement() && end->logicalIndex() < 0)
       return fail("{} is not an index of '{}'", end->logicalIndex(), end->array().name());
@@ -277,19 +276,19 @@ Result<void> Graph::disconnect(const Plug& from, const Plug& to) {
 }
 
 Plug Graph::source(const Plug& destination) const {
-  if (destination.isNull() || !destination.isComplete()) return {};
+  if (!checkPlug(destination)) return {};
   const Slot* slot = locate(destination).slot;
   return slot && slot->wiring ? slot->wiring->source : Plug();
 }
 
 std::vector<Plug> Graph::destinations(const Plug& source) const {
-  if (source.isNull() || !source.isComplete()) return {};
+  if (!checkPlug(source)) return {};
   const Slot* slot = locate(source).slot;
   return slot && slot->wiring ? slot->wiring->destinations : std::vector<Plug>();
 }
 
 bool Graph::isDriven(const Plug& plug) const {
-  if (plug.isNull()) return false;
+  if (!isUsable(plug)) return false;
   for (const Slot* slot = locate(plug).deepest; slot; slot = slot->parent)
     if (slot->isDriven()) return true;
   return false;

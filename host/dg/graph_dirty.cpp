@@ -63,7 +63,7 @@ void Graph::Impl::askHooks(const Plug& plug, std::vector<DirtyStep>& work) {
   for (const NodeType* type = &plug.node()->type(); type; type = type->base)
     if (type->dependentsDirty) type->dependentsDirty(*plug.node(), plug, also);
   for (const Plug& each : also) {
-    if (each.isNull() || !each.isComplete() || !each.node()->isAlive()) continue;
+    if (!checkPlug(each)) continue;
     Place place = locate(each);
     if (place.isMissing) continue;
     if (!place.slot || place.slot->below.empty()) {
@@ -117,7 +117,7 @@ void Graph::Impl::spread(const Plug& plug) {
 }
 
 void Graph::Impl::markClean(const Plug& plug) {
-  if (plug.isNull() || !plug.isComplete()) return;
+  if (!checkPlug(plug)) return;
   if (plug.isArray()) {
     if (Slot* slot = makeSlot(plug, true).slot) visitSlots(*slot, [](Slot& each) { each.isDirty = false; });
     return;
@@ -130,13 +130,13 @@ void Graph::Impl::markClean(const Plug& plug) {
 }
 
 void Graph::dirty(const Plug& plug) {
-  if (plug.isNull() || !plug.isComplete() || !plug.node()->isAlive()) return;
+  if (!checkPlug(plug)) return;
   if (Slot* slot = locate(plug).slot) (void)markBelow(*slot);
   impl_->spread(plug);
 }
 
 bool Graph::isDirty(const Plug& plug) const {
-  if (plug.isNull() || !plug.isComplete()) return false;
+  if (!checkPlug(plug)) return false;
   const Place place = locate(plug);
   if (!plug.isArray() && plug.isCompound()) {
     for (const AttributePtr& child : plug.attribute()->children)

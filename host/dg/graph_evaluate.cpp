@@ -50,9 +50,10 @@ bool Graph::Impl::needsRefresh(const Plug& plug, const Place& place) {
   if (place.slot && place.slot->isDirty) return true;
   const Driver driver = driverOf(place.deepest);
   if (driver.unit) return driver.unit->isDirty;
-  if (place.slot || place.packedIn) return false;
-  return driver.slot || (startsDirty(plug.node()->type(), *plug.attribute()) &&
-                         (!place.isMissing || !plug.attribute()->isDynamic));
+  if (place.slot) return false;
+  if (driver.slot) return true;  // a child that was never fetched
+  if (place.packedIn || (place.isMissing && plug.attribute()->isDynamic)) return false;
+  return startsDirty(plug.node()->type(), *plug.attribute());
 }
 
 template <class Work>
@@ -87,9 +88,7 @@ Result<void> Graph::Impl::evaluating(const Plug& plug, Slot& slot, const Work& w
 }
 
 Result<void> Graph::Impl::refresh(const Plug& plug) {
-  if (plug.isNull()) return fail("There is no such attribute");
-  if (!plug.node()->isAlive()) return fail("Node '{}' is deleted", plug.node()->name());
-  if (!plug.isComplete()) return fail("'{}' needs the index of an element", plug.name());
+  HOST_TRY(checkPlug(plug));
   if (plug.isArray()) return refreshArray(plug);
   return plug.isCompound() ? refreshCompound(plug) : refreshLeaf(plug);
 }

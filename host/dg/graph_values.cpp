@@ -15,7 +15,7 @@ class SetChange final : public Change {
     impl_.dropElements(plug_, createdLevel_);
   }
   void redo() override {
-    impl_.makeElements(plug_, false);
+    if (isUsable(plug_)) impl_.makeElements(plug_, false);
     exchange(true);
   }
   [[nodiscard]] std::size_t bytes() const override {
@@ -25,6 +25,7 @@ class SetChange final : public Change {
 
  private:
   void exchange(bool isClean) {
+    if (!isUsable(plug_)) return;
     Value now = Graph::Impl::current(plug_);
     (void)impl_.apply(plug_, other_, isClean);
     other_ = std::move(now);
@@ -44,9 +45,7 @@ bool isFlagged(const Slot& slot, Graph::PlugFlag which) {
 }  // namespace
 
 Result<void> Graph::Impl::checkLeaf(const Plug& plug) {
-  if (plug.isNull()) return fail("There is no such attribute");
-  if (!plug.node()->isAlive()) return fail("Node '{}' is deleted", plug.node()->name());
-  if (!plug.isComplete()) return fail("'{}' needs the index of an element", plug.name());
+  HOST_TRY(checkPlug(plug));
   if (plug.isArray()) return fail("'{}' is an array: name one of its elements", plug.name());
   if (plug.isCompound()) return fail("'{}' is a compound: name one of its children", plug.name());
   return {};
@@ -100,9 +99,7 @@ Value Graph::stored(const Plug& plug) const {
 }
 
 Result<void> Graph::settable(const Plug& plug) const {
-  if (plug.isNull()) return fail("There is no such attribute");
-  if (!plug.node()->isAlive()) return fail("Node '{}' is deleted", plug.node()->name());
-  if (!plug.isComplete()) return fail("'{}' needs the index of an element", plug.name());
+  HOST_TRY(checkPlug(plug));
   if (!plug.attribute()->writable) return fail("'{}' is not writable", plug.name());
   const Place place = locate(plug);
   for (const Slot* slot = place.deepest; slot; slot = slot->parent) {

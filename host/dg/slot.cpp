@@ -148,6 +148,18 @@ bool startsDirty(const NodeType& type, const Attribute& attribute) {
   return false;
 }
 
+bool isUsable(const Plug& plug) {
+  return !plug.isNull() && plug.node()->isAlive() && plug.attribute()->topIndex >= 0;
+}
+
+Result<void> checkPlug(const Plug& plug) {
+  if (plug.isNull()) return fail("There is no such attribute");
+  if (!plug.node()->isAlive()) return fail("Node '{}' is deleted", plug.node()->name());
+  if (!isUsable(plug)) return fail("'{}' was removed", plug.name());
+  if (!plug.isComplete()) return fail("'{}' needs the index of an element", plug.name());
+  return {};
+}
+
 Wiring& Slot::wires() {
   if (!wiring) wiring = std::make_unique<Wiring>();
   return *wiring;

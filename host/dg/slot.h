@@ -70,6 +70,11 @@ struct NodeAccess {
 /// them, which only its `dependentsDirty` knows.
 [[nodiscard]] bool startsDirty(const NodeType& type, const Attribute& attribute);
 
+/// Whether node and attribute are there; they may not be when an edit without a record came between a record's two.
+[[nodiscard]] bool isUsable(const Plug& plug);
+/// The same, and that all indices are given; an error says what is wrong.
+[[nodiscard]] Result<void> checkPlug(const Plug& plug);
+
 /// Where a plug's value is.
 struct Place {
   Slot* slot = nullptr;           ///< the plug's own, if it was made

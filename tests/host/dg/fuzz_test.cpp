@@ -153,6 +153,8 @@ bool agreesWithRecomputation(World& world) {
         for (int axis = 0; axis < 3; ++axis) values.push_back(world.number(node->plug(vector).child(axis)));
       for (const Index index : world.graph.elementIndices(node->plug(world.types.wires)))
         values.push_back(world.number(node->plug(world.types.wires).element(index).child(world.types.to)));
+      for (const Index index : world.graph.elementIndices(node->plug(world.types.points)))
+        values.push_back(world.number(node->plug(world.types.points).element(index).child(1)));
       for (const Index index : world.graph.elementIndices(node->plug(world.types.in)))
         values.push_back(world.number(node->plug(world.types.in).element(index)));
     }

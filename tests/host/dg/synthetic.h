@@ -74,6 +74,7 @@ struct SyntheticTypes {
     out = mixer.add(result);
     AttributePtr vector = makeTriple("outV", "ov", AttributeType::Double, "double3");
     for (const AttributePtr& child : vector->children) child->writable = false;
+    vector->writable = false;
     outV = mixer.add(vector);
     for (const Attribute* input : {x, y, in, points, weights, fleeting, resetting}) mixer.affects(input, out);
     mixer.affects(inV, outV);
