@@ -28,6 +28,9 @@ class MeshRebuilder::EdgeFinder {
     const VertexId a = keptSource(rebuilder_.cornerVertices_[corner]);
     const VertexId b = keptSource(rebuilder_.cornerVertices_[next]);
     if (a == kNone || b == kNone) return kNone;
+    if (isMergeTarget(rebuilder_.cornerVertices_[corner]) ||
+        isMergeTarget(rebuilder_.cornerVertices_[next]))
+      return kNone;
     for (const std::size_t c : {corner, next}) {
       const CornerId s = rebuilder_.corners_.single(c);
       if (s == kNone) continue;
@@ -63,7 +66,13 @@ class MeshRebuilder::EdgeFinder {
     const VertexId s = rebuilder_.vertexSources_[at(vertex)];
     return s != kNone && rebuilder_.keptAs_[at(s)] == vertex ? s : kNone;
   }
+  [[nodiscard]] bool isMergeTarget(VertexId vertex) const {
+    return at(vertex) < rebuilder_.isMergeTarget_.size() &&
+           rebuilder_.isMergeTarget_[at(vertex)] != 0;
+  }
   [[nodiscard]] EdgeVertices kept(EdgeId e) const {
+    const auto replaced = rebuilder_.replacedEdges_.find(e);
+    if (replaced != rebuilder_.replacedEdges_.end()) return replaced->second;
     const EdgeVertices ends = source_.edges[at(e)];
     return {rebuilder_.keptAs_[at(ends.a)], rebuilder_.keptAs_[at(ends.b)]};
   }
@@ -74,14 +83,20 @@ class MeshRebuilder::EdgeFinder {
   }
   void makeTable() {
     if (table_) return;
+    const bool mayRepeat = !rebuilder_.isMergeTarget_.empty() || !rebuilder_.replacedEdges_.empty();
     edges_.reserve(source_.edges.size());
+    if (mayRepeat) table_.emplace(edges_, rebuilder_.vertexCount());
     for (std::size_t e = 0; e < source_.edges.size(); ++e) {
       const EdgeVertices ends = kept(static_cast<EdgeId>(e));
-      if (ends.a == kNone || ends.b == kNone) continue;
-      edges_.push_back(ends);
+      if (ends.a == kNone || ends.b == kNone || ends.a == ends.b) continue;
+      if (mayRepeat && table_->find(ends.a, ends.b) != kNone) continue;
+      if (mayRepeat)
+        table_->add(ends.a, ends.b);
+      else
+        edges_.push_back(ends);
       tableSources_.push_back(static_cast<EdgeId>(e));
     }
-    table_.emplace(edges_, rebuilder_.vertexCount());
+    if (!mayRepeat) table_.emplace(edges_, rebuilder_.vertexCount());
   }
 
   const MeshRebuilder& rebuilder_;
@@ -118,6 +133,16 @@ VertexId MeshRebuilder::keepVertex(VertexId source) {
   vertexSources_.back() = source;
   if (keptAs_[at(source)] == kNone) keptAs_[at(source)] = v;
   return v;
+}
+
+void MeshRebuilder::mergeVertex(VertexId source, VertexId into) {
+  isMergeTarget_.resize(points_.size(), 0);
+  isMergeTarget_[at(into)] = 1;
+  keptAs_[at(source)] = into;
+}
+
+void MeshRebuilder::replaceEdge(EdgeId source, VertexId a, VertexId b) {
+  replacedEdges_[source] = {a, b};
 }
 
 VertexId MeshRebuilder::addVertex(const Vec3f& point, VertexId creaseSource) {
@@ -174,7 +199,8 @@ std::vector<VertexId> MeshRebuilder::dropVertices() {
   std::size_t kept = 0;
   for (std::size_t v = 0; v < points_.size(); ++v) {
     const VertexId s = vertexSources_[v];
-    if (!stays[v] && (s == kNone || hadFace[at(s)])) continue;
+    const bool isMerged = s != kNone && keptAs_[at(s)] != static_cast<VertexId>(v);
+    if (!stays[v] && (s == kNone || hadFace[at(s)] || isMerged)) continue;
     map[v] = static_cast<VertexId>(kept);
     points_[kept] = points_[v];
     vertexSources_[kept] = s;
@@ -187,6 +213,12 @@ std::vector<VertexId> MeshRebuilder::dropVertices() {
   for (VertexId& v : cornerVertices_) v = map[at(v)];
   for (VertexId& v : keptAs_)
     if (v != kNone) v = map[at(v)];
+  for (auto& [source, ends] : replacedEdges_) ends = {map[at(ends.a)], map[at(ends.b)]};
+  if (!isMergeTarget_.empty()) {
+    isMergeTarget_.resize(map.size(), 0);
+    for (std::size_t v = 0; v < map.size(); ++v)
+      if (map[v] != kNone) isMergeTarget_[at(map[v])] = isMergeTarget_[v];
+  }
   std::erase_if(inherited_, [&map](Inherited& hint) {
     hint.a = map[at(hint.a)];
     hint.b = map[at(hint.b)];

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <span>
+#include <unordered_map>
 #include <vector>
 
 #include "host/mesh/corner_carry.h"
@@ -38,6 +39,13 @@ class MeshRebuilder {
   void keepAllVertices();
   /// Keeps one source vertex, its crease included. Kept twice, the edges go with the first one.
   VertexId keepVertex(VertexId source);
+  /// Lets a new vertex stand for one more source vertex: edges of both survive at it, and of edges
+  /// that come to join the same vertices the lowest one does. A vertex kept already loses its own
+  /// place.
+  void mergeVertex(VertexId source, VertexId into);
+  /// Lets a source edge survive as the edge between two other new vertices, in that direction.
+  void replaceEdge(EdgeId source, VertexId a, VertexId b);
+
   /// Adds a vertex; `creaseSource` lends it its crease.
   VertexId addVertex(const Vec3f& point, VertexId creaseSource = kNone);
   void setPoint(VertexId vertex, const Vec3f& point) {
@@ -93,6 +101,8 @@ class MeshRebuilder {
   std::vector<VertexId> cornerVertices_;
   CornerSources corners_;
   std::vector<Inherited> inherited_;
+  std::vector<std::uint8_t> isMergeTarget_;  // a vertex; empty without merges
+  std::unordered_map<EdgeId, EdgeVertices> replacedEdges_;
 };
 
 /// Keeps the faces for which `keep` is nonzero, in order, and the vertices they use (isolated
