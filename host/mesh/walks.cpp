@@ -18,22 +18,24 @@ std::size_t at(Index i) {
 template <class Side, class Step>
 EdgeWalk walkBothWays(EdgeId start, Side first, Side second, Index limit, Step&& step) {
   EdgeWalk walk;
-  const auto go = [&](Side side) {
+  const auto go = [&](Side side, EdgeId end) {
     EdgeId e = start;
     while (static_cast<Index>(walk.edges.size()) < limit && step(e, side)) {
       if (e == start) return true;
+      if (e == end) break;
       walk.edges.push_back(e);
     }
     return false;
   };
-  walk.isClosed = go(first);
+  walk.isClosed = go(first, kNone);
   if (walk.isClosed) {
     walk.edges.insert(walk.edges.begin(), start);
     return walk;
   }
   std::ranges::reverse(walk.edges);
   walk.edges.push_back(start);
-  go(second);
+  // Both ways may end at one and the same non-manifold edge.
+  go(second, walk.edges.front());
   return walk;
 }
 

@@ -93,7 +93,7 @@ Vec3 newell(const Mesh& mesh, FaceId f) {
   return n;
 }
 
-enum class FaceShape { Convex, Concave, Flat };
+enum class FaceShape { Convex, Warped, Concave, Flat };
 FaceShape shapeOf(const Mesh& mesh, FaceId f) {
   const Vec3 n = newell(mesh, f);
   if (length(n) < 1e-12) return FaceShape::Flat;
@@ -103,6 +103,10 @@ FaceShape shapeOf(const Mesh& mesh, FaceId f) {
     const Vec3 a = mesh.point(loop[i]), b = mesh.point(loop[(i + 1) % k]);
     if (dot(cross(b - a, mesh.point(loop[(i + 2) % k]) - b), n) <= 0) return FaceShape::Concave;
   }
+  const double size = std::sqrt(length(n));
+  for (VertexId v : loop)
+    if (std::abs(dot(mesh.point(v) - mesh.point(loop[0]), normalized(n))) > 1e-5 * size)
+      return FaceShape::Warped;
   return FaceShape::Convex;
 }
 
