@@ -55,6 +55,7 @@ enum class Op : std::uint16_t {
   JumpLessFloat,
   JumpLessEqualFloat,
   JumpEqualFloat,
+  StepJumpLess,  ///< a += int16(c); taken if a < b, all integers: the end of a counting loop
   JumpInt,   ///< a != 0
   JumpTest,  ///< truth of any value a
   // values of any type; BinaryFirst + BinaryOp: a = b op c
@@ -140,6 +141,18 @@ struct ProcedureDefinition {
   bool isHoisted;  ///< defined before the code runs, so that calls may precede it
 };
 
+/// A stretch of code at global scope that keeps numeric global variables in registers. Nothing in it can reach those variables
+/// otherwise; an error in it writes them back.
+struct CachedGlobals {
+  struct Entry {
+    std::uint16_t reg;
+    GlobalVariable* variable;
+  };
+  std::size_t begin = 0;
+  std::size_t end = 0;
+  std::vector<Entry> entries;
+};
+
 /// Compiled code of a procedure or of a whole source text.
 struct Function {
   std::string name;  ///< empty for a source text
@@ -154,6 +167,7 @@ struct Function {
   std::vector<Symbol*> symbols;
   std::vector<const Builtin*> builtins;
   std::vector<ProcedureDefinition> procedures;
+  std::vector<CachedGlobals> cachedGlobals;
 };
 
 }  // namespace host::mel

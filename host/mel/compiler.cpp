@@ -213,12 +213,12 @@ std::uint32_t Compiler::globalIndex(GlobalVariable* variable) {
 std::optional<Compiler::Variable> Compiler::findVariable(std::string_view name) {
   for (auto scope = body_->scopes.rbegin(); scope != body_->scopes.rend(); ++scope) {
     const auto found = scope->find(name);
-    if (found != scope->end()) return found->second;
+    if (found != scope->end()) return found->second.global ? cachedVariable(found->second.global) : found->second;
   }
   if (body_->isProcedure) return std::nullopt;
   GlobalVariable* global = engine_.findGlobal(name);
   if (!global) return std::nullopt;
-  return Variable{global, 0, global->type};
+  return cachedVariable(global);
 }
 
 /// Declares in the innermost scope; outside of procedures and braces that is a global variable.
@@ -255,9 +255,9 @@ Compiler::Variable Compiler::declareVariable(const Node& node, Type type, bool i
     global->value = converted ? std::move(*converted) : Value::defaultOf(type);
     global->type = type;
   }
-  const Variable variable{global, 0, type};
-  scope.insert_or_assign(node.text, variable);
-  return variable;
+  scope.insert_or_assign(node.text, Variable{global, 0, type});
+  if (isNew && body_->cached) cacheGlobal(global, false);
+  return cachedVariable(global);
 }
 
 Compiler::Operand Compiler::fault(const Node& at, std::string text) {

@@ -49,6 +49,8 @@ class Compiler {
   };
   using Scope = std::unordered_map<std::string_view, Variable>;
 
+  static constexpr std::size_t kNoStep = static_cast<std::size_t>(-1);
+
   /// What is known of the function being compiled.
   struct Body {
     std::shared_ptr<Function> function;
@@ -63,6 +65,8 @@ class Compiler {
     bool isProcedure = false;
     bool isSkippable = false;  ///< a declaration here may be jumped over while its variable stays visible
     std::vector<Variable> skippable;
+    std::optional<CachedGlobals> cached;
+    std::size_t stepAt = kNoStep;  ///< the increment that ends a loop's body, if it is the last instruction
   };
 
   // compiler.cpp: procedures, registers, code, scopes
@@ -103,6 +107,7 @@ class Compiler {
   void declaration(const Node& node);
   void declareOne(const Node& declaration, const Node& node);
   void declareSized(const Variable& variable, const Node& node);
+  void loopStatement(const Node& node);
   void ifStatement(const Node& node);
   void whileStatement(const Node& node);
   void doStatement(const Node& node);
@@ -111,6 +116,14 @@ class Compiler {
   void switchStatement(const Node& node);
   void jumpStatement(const Node& node);
   void returnStatement(const Node& node);
+
+  // compiler_globals.cpp
+  bool beginCachedGlobals(const Node& loop);
+  void endCachedGlobals();
+  void writeBackGlobals();
+  Variable cachedVariable(GlobalVariable* global);
+  void cacheGlobal(GlobalVariable* global, bool isLoaded);
+  bool collectGlobals(const Node& node, std::vector<GlobalVariable*>& globals) const;
 
   // compiler_expressions.cpp
   Operand expression(const Node& node, const Operand* wanted = nullptr);

@@ -315,6 +315,17 @@ Compiler::Operand Compiler::cast(const Node& node, Type type, const Operand* wan
 }
 
 void Compiler::emitJumpIf(Op op, const Operand& a, std::uint16_t b, bool sense, std::vector<std::size_t>& places) {
+  std::vector<Instruction>& code = body_->function->code;
+  const bool followsStep = body_->stepAt + 1 == code.size() && body_->stepAt != kNoStep;
+  body_->stepAt = kNoStep;
+  if (followsStep && op == Op::JumpLessInt && sense) {
+    Instruction& step = code.back();
+    if (step.op == Op::AddImmediate && step.a == a.reg && step.b == a.reg) {
+      step = {Op::StepJumpLess, a.reg, b, step.c};
+      places.push_back(emitTarget());
+      return;
+    }
+  }
   emit(op, a.reg, b, sense);
   places.push_back(emitTarget());
 }

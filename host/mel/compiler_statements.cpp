@@ -19,10 +19,10 @@ void Compiler::statement(const Node& node) {
     case NodeKind::Expression: return discard(*node.children[0]);
     case NodeKind::Declare: return declaration(node);
     case NodeKind::If: return ifStatement(node);
-    case NodeKind::While: return whileStatement(node);
-    case NodeKind::DoWhile: return doStatement(node);
-    case NodeKind::For: return forStatement(node);
-    case NodeKind::ForIn: return forInStatement(node);
+    case NodeKind::While:
+    case NodeKind::DoWhile:
+    case NodeKind::For:
+    case NodeKind::ForIn: return loopStatement(node);
     case NodeKind::Switch: return switchStatement(node);
     case NodeKind::Break:
     case NodeKind::Continue: return jumpStatement(node);
@@ -132,6 +132,17 @@ void Compiler::ifStatement(const Node& node) {
   patch(ends, here());
 }
 
+void Compiler::loopStatement(const Node& node) {
+  const bool isCaching = beginCachedGlobals(node);
+  switch (node.kind) {
+    case NodeKind::While: whileStatement(node); break;
+    case NodeKind::DoWhile: doStatement(node); break;
+    case NodeKind::For: forStatement(node); break;
+    default: forInStatement(node);
+  }
+  if (isCaching) endCachedGlobals();
+}
+
 /// Loops test at their end: one jump a turn.
 void Compiler::whileStatement(const Node& node) {
   const std::size_t entry = emitWide(Op::Jump, 0, 0);
@@ -162,18 +173,21 @@ void Compiler::doStatement(const Node& node) {
   patch(loop.breaks, here());
 }
 
+/// The condition is compiled twice, before the loop and behind the step, so that step and test can be one instruction.
 void Compiler::forStatement(const Node& node) {
   statement(*node.children[0]);
   const Node* condition = node.children[1];
-  const std::size_t entry = emitWide(Op::Jump, 0, 0);
+  std::vector<std::size_t> exits;
+  if (condition) jumpIf(*condition, false, exits);
   const std::size_t top = here();
   body_->loops.emplace_back();
   branch(*node.children[3]);
   const Loop loop = std::move(body_->loops.back());
   body_->loops.pop_back();
   patch(loop.continues, here());
+  const std::size_t stepBegin = here();
   if (!hasFault_) branch(*node.children[2]);
-  patch(entry, here());
+  if (here() > stepBegin) body_->stepAt = here() - 1;
   line_ = node.line;
   std::vector<std::size_t> repeats;
   if (condition && !hasFault_) {
@@ -181,7 +195,9 @@ void Compiler::forStatement(const Node& node) {
   } else {
     repeats.push_back(emitWide(Op::Jump, 0, 0));
   }
+  body_->stepAt = kNoStep;
   patch(repeats, top);
+  patch(exits, here());
   patch(loop.breaks, here());
 }
 
@@ -280,6 +296,7 @@ void Compiler::returnStatement(const Node& node) {
     if (function.returnType != Type::None)
       fault(node, fmt::format("Procedure \"{}\" must return a value of type {}.", function.name,
                               typeName(function.returnType)));
+    writeBackGlobals();
     emit(Op::ReturnNone);
     return;
   }
@@ -288,6 +305,7 @@ void Compiler::returnStatement(const Node& node) {
     return;
   }
   const Operand value = expressionAs(*node.children[0], function.returnType);
+  writeBackGlobals();
   if (value.type == function.returnType || function.returnType == Type::None) {
     emit(Op::Return, value.reg);
   } else {

@@ -115,8 +115,18 @@ std::string Machine::backtrace() const {
   return text;
 }
 
+/// After an error in a stretch that keeps globals in registers.
+void Machine::writeBackGlobals(const Frame& frame) const {
+  const auto at = static_cast<std::size_t>(frame.pc - frame.function->code.data());
+  for (const CachedGlobals& stretch : frame.function->cachedGlobals) {
+    if (at <= stretch.begin || at > stretch.end) continue;
+    for (const CachedGlobals::Entry& entry : stretch.entries) entry.variable->value = frame.registers[entry.reg];
+  }
+}
+
 /// Gives the pending error its place and goes to the nearest `catch` of this run; false if there is none.
 bool Machine::handleError(std::size_t baseFrame) {
+  writeBackGlobals(frames_.back());
   if (error_ != placedError_) {
     error_ = currentPlace() + error_;
     placedError_ = error_;

@@ -52,6 +52,7 @@ class Machine {
     bool isQuiet;
   };
   bool evaluate(std::size_t baseFrame, Value& result);
+  void writeBackGlobals(const Frame& frame) const;
   bool handleError(std::size_t baseFrame);
   bool pushFrame(const Function& function, std::uint16_t resultRegister);
   void popFrame();

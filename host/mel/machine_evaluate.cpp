@@ -111,6 +111,17 @@ bool Machine::evaluate(std::size_t baseFrame, Value& result) {
       case Op::JumpLessFloat: JUMP_IF(REAL(in.a) < REAL(in.b));
       case Op::JumpLessEqualFloat: JUMP_IF(REAL(in.a) <= REAL(in.b));
       case Op::JumpEqualFloat: JUMP_IF(REAL(in.a) == REAL(in.b));
+      case Op::StepJumpLess: {
+        const auto next = static_cast<std::int32_t>(bits(INT(in.a)) + bits(static_cast<std::int16_t>(in.c)));
+        INT(in.a) = next;
+        if (next >= INT(in.b)) {
+          ++pc;
+          break;
+        }
+        pc = code + pc->wide();
+        if (isInterrupted_.load(std::memory_order_relaxed)) goto interrupted;
+        break;
+      }
       case Op::JumpInt: JUMP_IF(INT(in.a) != 0);
       case Op::JumpTest: {
         const Result<bool> truth = registers[in.a].toBool();
@@ -123,8 +134,18 @@ bool Machine::evaluate(std::size_t baseFrame, Value& result) {
 
       case Op::Negate: CHECK(fail(applyNegate(registers[in.b], registers[in.a])));
       case Op::Append: CHECK(appendText(registers[in.a], registers[in.b]));
-      case Op::Convert: CHECK(convert(registers[in.a], registers[in.b], static_cast<Type>(in.c), false));
-      case Op::ConvertMove: CHECK(convert(registers[in.a], registers[in.b], static_cast<Type>(in.c), true));
+      case Op::Convert:
+        if (registers[in.b].type_ == static_cast<Type>(in.c) && registers[in.b].type_ <= Type::Float) {
+          registers[in.a] = registers[in.b];
+          break;
+        }
+        CHECK(convert(registers[in.a], registers[in.b], static_cast<Type>(in.c), false));
+      case Op::ConvertMove:
+        if (registers[in.b].type_ == static_cast<Type>(in.c) && registers[in.b].type_ <= Type::Float) {
+          registers[in.a] = registers[in.b];
+          break;
+        }
+        CHECK(convert(registers[in.a], registers[in.b], static_cast<Type>(in.c), true));
       case Op::AssignDynamic: CHECK(assignDynamic(registers[in.a], registers[in.b], in.c != 0));
       case Op::Default: registers[in.a] = Value::defaultOf(static_cast<Type>(in.c)); break;
       case Op::DeclareArray: CHECK(declareArray(registers[in.a], INT(in.b), static_cast<Type>(in.c)));
@@ -232,6 +253,8 @@ bool Machine::evaluate(std::size_t baseFrame, Value& result) {
       case Op::ReturnNone: {
         if (in.op == Op::ReturnNone) {
           returned = Value::defaultOf(function->returnType);
+        } else if (registers[in.a].type_ <= Type::Float) {
+          returned = registers[in.a];
         } else if (!convert(returned, registers[in.a], Type::None, true)) {
           goto failed;
         }
@@ -263,8 +286,13 @@ bool Machine::evaluate(std::size_t baseFrame, Value& result) {
         break;
       }
       default: {
-        const int op = static_cast<int>(in.op) - static_cast<int>(Op::BinaryFirst);
-        CHECK(fail(applyBinary(static_cast<BinaryOp>(op), registers[in.b], registers[in.c], registers[in.a])));
+        const auto op = static_cast<BinaryOp>(static_cast<int>(in.op) - static_cast<int>(Op::BinaryFirst));
+        const bool areInts = registers[in.b].type_ == Type::Int && registers[in.c].type_ == Type::Int;
+        if (areInts && op == BinaryOp::Add) {
+          registers[in.a] = Value(static_cast<std::int32_t>(bits(INT(in.b)) + bits(INT(in.c))));
+          break;
+        }
+        CHECK(fail(applyBinary(op, registers[in.b], registers[in.c], registers[in.a])));
       }
     }
     continue;

@@ -77,7 +77,10 @@ class Parser {
   Node* operandArgument();
   [[nodiscard]] bool isCommandEnd();
 
-  void advance() { token_ = lexer_.next(); }
+  void advance() {
+    previous_ = token_.begin;
+    token_ = lexer_.next();
+  }
   bool accept(std::string_view symbol);
   bool expect(std::string_view symbol);
   Node* fault(std::string_view expected);
@@ -105,6 +108,7 @@ class Parser {
   Lexer lexer_;
   Arena& arena_;
   Token token_;
+  Position previous_;  ///< where the token before the current one begins
   Diagnostic diagnostic_;
   int depth_ = 0;
   bool isInBackquotes_ = false;

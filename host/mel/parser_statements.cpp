@@ -45,7 +45,9 @@ std::string Parser::describe(const Token& token) const {
 }
 
 Node* Parser::fault(std::string_view expected) {
-  return faultAt(token_.begin,
+  // The text may end far below the line that lacks something.
+  const bool isAtEnd = token_.kind == TokenKind::End;
+  return faultAt(isAtEnd ? previous_ : token_.begin,
                  fmt::format("Syntax error: expected {} but found {}.", expected, describe(token_)));
 }
 

@@ -148,6 +148,7 @@ Result<void> timerFunction(Engine&, std::span<Value> arguments, Value& result) {
   constexpr std::string_view kValued[] = {"st", "startTime"};
   const Result<FlaggedArguments> given = splitFlags(arguments, kValued, {});
   if (!given) return failWith(given.error());
+  if (!given->plain.empty()) return invalidCall("timerX");
   const Value* start = given->find("startTime", "st");
   const Result<double> since = start ? start->toFloat() : 0.0;
   if (!since) return failWith(since.error());
