@@ -30,7 +30,8 @@ inline std::vector<Index> randomIds(std::mt19937& random, Index count, double ch
   return ids;
 }
 
-/// Calls `body(mesh, random, chance)` for every zoo mesh that has faces, with several densities of selections.
+/// Calls `body(mesh, random, chance)` for every zoo mesh that has faces, with several densities of
+/// selections.
 template <class Body>
 void overZoo(Body body, Has required = Has::Faces, Has excluded = Has::Anything) {
   std::mt19937 random(5);
@@ -43,7 +44,8 @@ void overZoo(Body body, Has required = Has::Faces, Has excluded = Has::Anything)
   }
 }
 
-/// The face loops as point positions, each starting at its smallest point: equal for meshes equal up to ids.
+/// The face loops as point positions, each starting at its smallest point: equal for meshes equal
+/// up to ids.
 inline std::multiset<std::vector<std::array<float, 3>>> geometryOf(const Mesh& mesh) {
   std::multiset<std::vector<std::array<float, 3>>> loops;
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {

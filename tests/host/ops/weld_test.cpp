@@ -1,9 +1,10 @@
+#include "host/ops/topology/weld.h"
+
 #include <set>
 
 #include "host/ops/topology/collapse.h"
 #include "host/ops/topology/delete_faces.h"
 #include "host/ops/topology/merge_vertices.h"
-#include "host/ops/topology/weld.h"
 #include "tests/host/ops/ops_testing.h"
 
 using namespace host;
@@ -65,7 +66,8 @@ TEST_CASE("mergeVertices: any selection and distance leaves a sound mesh") {
 }
 
 TEST_CASE("mergeVertices: welding what was split gives the mesh back") {
-  for (const zoo::ZooMesh& entry : zoo::meshZoo(Has::Faces | Has::Manifold | Has::Closed, Has::ZeroArea)) {
+  for (const zoo::ZooMesh& entry :
+       zoo::meshZoo(Has::Faces | Has::Manifold | Has::Closed, Has::ZeroArea)) {
     INFO(entry.name);
     std::set<std::array<float, 3>> places;
     for (const auto& p : entry.mesh.points()) places.insert({p.x, p.y, p.z});
@@ -77,7 +79,9 @@ TEST_CASE("mergeVertices: welding what was split gives the mesh back") {
   }
 }
 
-TEST_CASE("mergeVertices: the nearest earlier vertex takes in, the mean is the place, chains do not collapse") {
+TEST_CASE(
+    "mergeVertices: the nearest earlier vertex takes in, the mean is the place, chains do not "
+    "collapse") {
   // Four points a unit apart, so close to the limit that only neighbours are in reach.
   Mesh row = zoo::gridMesh(3, 1);
   const auto merged = mergeVertices(row, std::vector<VertexId>{0, 1, 2, 3}, {1.0, true, {}});
@@ -85,7 +89,8 @@ TEST_CASE("mergeVertices: the nearest earlier vertex takes in, the mean is the p
   CHECK(merged->merged == 2);
   CHECK(merged->maps.vertices[0] == merged->maps.vertices[1]);
   CHECK(merged->maps.vertices[2] == merged->maps.vertices[3]);
-  CHECK(row.point(merged->maps.vertices[0]).x == doctest::Approx(0.5 + zoo::gridMesh(3, 1).point(0).x));
+  CHECK(row.point(merged->maps.vertices[0]).x ==
+        doctest::Approx(0.5 + zoo::gridMesh(3, 1).point(0).x));
 
   Mesh two = zoo::gridMesh(2, 2);
   const std::vector<VertexId> corners{0, 8};
@@ -93,7 +98,9 @@ TEST_CASE("mergeVertices: the nearest earlier vertex takes in, the mean is the p
   CHECK(mergeVertices(two, corners, {0.01, true, {}})->merged == 1);
   // Distances are measured in the space given.
   Mesh scaled = zoo::gridMesh(2, 2);
-  CHECK(mergeVertices(scaled, zoo::allVertices(scaled), {0.2, false, math::Matrix4::scaling({0.1, 1, 1})})->merged == 6);
+  CHECK(mergeVertices(scaled, zoo::allVertices(scaled),
+                      {0.2, false, math::Matrix4::scaling({0.1, 1, 1})})
+            ->merged == 6);
 }
 
 TEST_CASE("mergeVertices: bad input changes nothing") {
@@ -114,7 +121,8 @@ TEST_CASE("collapse: any selection of edges or faces leaves a sound mesh, each p
     requireSound(edited);
     for (const EdgeId e : edges) {
       const auto [a, b] = mesh.edge(e);
-      CHECK(result->maps.vertices[static_cast<std::size_t>(a)] == result->maps.vertices[static_cast<std::size_t>(b)]);
+      CHECK(result->maps.vertices[static_cast<std::size_t>(a)] ==
+            result->maps.vertices[static_cast<std::size_t>(b)]);
     }
     Mesh other = mesh;
     REQUIRE(collapseFaces(other, randomIds(random, mesh.faceCount(), chance)));
@@ -141,7 +149,9 @@ TEST_CASE("collapse: a grid edge collapses to its middle in space and UVs") {
   CHECK(zoo::counts(face).vertices == 13);
 }
 
-TEST_CASE("deleteFaces: what is left keeps its order, its data and the vertices that were isolated before") {
+TEST_CASE(
+    "deleteFaces: what is left keeps its order, its data and the vertices that were isolated "
+    "before") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
     Mesh edited = mesh;
     const auto faces = randomIds(random, mesh.faceCount(), chance);
