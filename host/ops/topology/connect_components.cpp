@@ -1,0 +1,111 @@
+#include "host/ops/topology/connect_components.h"
+
+#include <array>
+
+#include "host/mesh/adjacency.h"
+#include "host/ops/topology/edge_cutter.h"
+
+namespace host::ops {
+namespace {
+
+using Chord = std::array<VertexId, 2>;
+
+class Connector {
+ public:
+  Connector(const Mesh& mesh, std::span<const VertexId> vertices)
+      : mesh_(mesh), isListed_(flagsOf(vertices, mesh.vertexCount())), cutter_(mesh) {}
+
+  VertexId cut(EdgeId e) { return cutter_.cutEvenly(e, 2); }
+
+  void connectFace(FaceId f) {
+    const std::vector<CutCorner> loop = cutter_.loop(f);
+    std::vector<std::size_t> points;
+    for (std::size_t i = 0; i < loop.size(); ++i)
+      if (loop[i].vertex >= mesh_.vertexCount() ||
+          isListed_[static_cast<std::size_t>(loop[i].vertex)] != 0)
+        points.push_back(i);
+    if (points.size() < 2)
+      cutter_.setFace(f, loop);
+    else if (points.size() == 2)
+      cutOnce(f, loop, points[0], points[1]);
+    else
+      cutAround(f, loop, points);
+  }
+
+  EdgeCutter::Outcome finish() { return cutter_.finish(); }
+  [[nodiscard]] const std::vector<Chord>& chords() const { return chords_; }
+
+ private:
+  // Whether an edge may be drawn between two places of a loop.
+  [[nodiscard]] bool canJoin(const std::vector<CutCorner>& loop, std::size_t i,
+                             std::size_t j) const {
+    const VertexId a = loop[i].vertex, b = loop[j].vertex;
+    const std::size_t apart = (j + loop.size() - i) % loop.size();
+    if (a == b || apart < 2 || apart > loop.size() - 2) return false;
+    const bool areOld = a < mesh_.vertexCount() && b < mesh_.vertexCount();
+    return !areOld || mesh_.adjacency().findEdge(a, b) == kNone;
+  }
+
+  // The loop's corners from one place to another, both included.
+  static std::vector<CutCorner> part(const std::vector<CutCorner>& loop, std::size_t from,
+                                     std::size_t to) {
+    std::vector<CutCorner> corners;
+    for (std::size_t i = from;; i = (i + 1) % loop.size()) {
+      corners.push_back(loop[i]);
+      if (i == to) return corners;
+    }
+  }
+
+  void cutOnce(FaceId f, const std::vector<CutCorner>& loop, std::size_t i, std::size_t j) {
+    if (!canJoin(loop, i, j)) return cutter_.setFace(f, loop);
+    // The piece with the loop's first corner keeps the face's id.
+    std::vector<CutCorner> first(loop.begin(), loop.begin() + static_cast<std::ptrdiff_t>(i) + 1);
+    first.insert(first.end(), loop.begin() + static_cast<std::ptrdiff_t>(j), loop.end());
+    cutter_.setFace(f, first);
+    cutter_.addPiece(f, part(loop, i, j));
+    chords_.push_back({loop[i].vertex, loop[j].vertex});
+  }
+
+  // Cuts off what lies between neighbouring points; the middle keeps the face's id.
+  void cutAround(FaceId f, const std::vector<CutCorner>& loop,
+                 const std::vector<std::size_t>& points) {
+    std::vector<CutCorner> middle;
+    for (std::size_t k = 0; k < points.size(); ++k) {
+      const std::size_t i = points[k], j = points[(k + 1) % points.size()];
+      if (canJoin(loop, i, j)) {
+        middle.push_back(loop[i]);
+        cutter_.addPiece(f, part(loop, i, j));
+        chords_.push_back({loop[i].vertex, loop[j].vertex});
+      } else {
+        const std::vector<CutCorner> kept = part(loop, i, j);
+        middle.insert(middle.end(), kept.begin(), kept.end() - 1);
+      }
+    }
+    cutter_.setFace(f, middle);
+  }
+
+  const Mesh& mesh_;
+  std::vector<std::uint8_t> isListed_;
+  EdgeCutter cutter_;
+  std::vector<Chord> chords_;
+};
+
+}  // namespace
+
+Result<ConnectResult> connectComponents(Mesh& mesh, std::span<const VertexId> vertices,
+                                        std::span<const EdgeId> edges) {
+  HOST_TRY(checkIds("vertex", vertices, mesh.vertexCount()));
+  HOST_TRY(checkIds("edge", edges, mesh.edgeCount()));
+  ConnectResult result;
+  Connector connector(mesh, vertices);
+  for (const EdgeId e : sortedIds(edges)) result.vertices.push_back(connector.cut(e));
+  for (FaceId f = 0; f < mesh.faceCount(); ++f) connector.connectFace(f);
+  EdgeCutter::Outcome outcome = connector.finish();
+  for (const Chord& chord : connector.chords())
+    result.edges.push_back(outcome.mesh.adjacency().findEdge(chord[0], chord[1]));
+  result.edges = sortedIds(result.edges);
+  mesh = std::move(outcome.mesh);
+  return result;
+}
+
+}  // namespace host::ops

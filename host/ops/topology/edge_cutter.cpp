@@ -1,0 +1,119 @@
+#include "host/ops/topology/edge_cutter.h"
+
+#include <array>
+
+#include "host/base/assert.h"
+
+namespace host::ops {
+namespace {
+
+std::size_t at(Index i) {
+  return static_cast<std::size_t>(i);
+}
+
+}  // namespace
+
+EdgeCutter::EdgeCutter(const Mesh& mesh)
+    : mesh_(mesh),
+      rebuilder_(mesh_),
+      firstCut_(at(mesh.edgeCount()), kNone),
+      cutCount_(at(mesh.edgeCount()), 0) {
+  rebuilder_.keepAllVertices();
+  rebuilder_.reserve(mesh.vertexCount(), mesh.faceCount(), mesh.cornerCount());
+}
+
+VertexId EdgeCutter::cutEvenly(EdgeId edge, int pieces) {
+  std::vector<double> parameters;
+  for (int i = 1; i < pieces; ++i) parameters.push_back(static_cast<double>(i) / pieces);
+  return cutAt(edge, parameters);
+}
+
+VertexId EdgeCutter::cutAt(EdgeId edge, std::span<const double> parameters) {
+  HOST_ASSERT(!isCut(edge), "give all cuts of an edge at once");
+  if (parameters.empty()) return kNone;
+  const mesh::EdgeVertices ends = mesh_.edge(edge);
+  const math::Vec3 a = mesh_.point(ends.a), b = mesh_.point(ends.b);
+  firstCut_[at(edge)] = static_cast<Index>(cuts_.size());
+  cutCount_[at(edge)] = static_cast<Index>(parameters.size());
+  VertexId before = ends.a;
+  for (const double t : parameters) {
+    const VertexId v = rebuilder_.addVertex((a + (b - a) * t).toFloat());
+    if (before == ends.a)
+      rebuilder_.replaceEdge(edge, before, v);
+    else
+      rebuilder_.inheritEdge(before, v, edge);
+    cuts_.push_back({t, v});
+    before = v;
+  }
+  rebuilder_.inheritEdge(before, ends.b, edge);
+  return cuts_[at(firstCut_[at(edge)])].vertex;
+}
+
+VertexId EdgeCutter::cutVertex(EdgeId edge) const {
+  return cuts_[at(firstCut_[at(edge)])].vertex;
+}
+
+std::vector<CutCorner> EdgeCutter::loop(FaceId face) const {
+  std::vector<CutCorner> corners;
+  const CornerId first = mesh_.firstCorner(face), end = mesh_.firstCorner(face + 1);
+  for (CornerId c = first; c < end; ++c) {
+    const VertexId v = mesh_.cornerVertex(c);
+    const EdgeId e = mesh_.cornerEdge(c);
+    const CornerId next = c + 1 < end ? c + 1 : first;
+    corners.push_back({v, c, kNone, 0});
+    const bool isForward = mesh_.edge(e).a == v;
+    for (Index i = 0; i < cutCount_[at(e)]; ++i) {
+      const Cut& cut = cuts_[at(firstCut_[at(e)] + (isForward ? i : cutCount_[at(e)] - 1 - i))];
+      corners.push_back({cut.vertex, c, next, isForward ? cut.t : 1 - cut.t});
+    }
+  }
+  return corners;
+}
+
+void EdgeCutter::addCorner(FaceId face, const CutCorner& corner) {
+  if (corner.source == kNone) {  // a centre
+    std::vector<mesh::CornerWeight> mean;
+    const double weight = 1.0 / mesh_.faceSize(face);
+    for (CornerId c = mesh_.firstCorner(face); c < mesh_.firstCorner(face + 1); ++c)
+      mean.push_back({c, weight});
+    rebuilder_.addCorner(corner.vertex, mean);
+  } else if (corner.next == kNone) {
+    rebuilder_.addCorner(corner.vertex, corner.source);
+  } else {
+    const std::array<mesh::CornerWeight, 2> blend{
+        {{corner.source, 1 - corner.t}, {corner.next, corner.t}}};
+    rebuilder_.addCorner(corner.vertex, blend);
+  }
+}
+
+void EdgeCutter::setFace(FaceId face, std::span<const CutCorner> loop) {
+  rebuilder_.beginFace(face);
+  for (const CutCorner& corner : loop) addCorner(face, corner);
+  rebuilder_.endFace();
+}
+
+void EdgeCutter::addPiece(FaceId face, std::vector<CutCorner> loop) {
+  pieces_.push_back({face, std::move(loop)});
+}
+
+CutCorner EdgeCutter::addCentre(FaceId, const math::Vec3f& point) {
+  return {rebuilder_.addVertex(point), kNone, kNone, 0};
+}
+
+EdgeCutter::Outcome EdgeCutter::finish() {
+  Outcome outcome;
+  FaceId next = mesh_.faceCount();
+  for (const Piece& piece : pieces_) {
+    setFace(piece.face, piece.loop);
+    outcome.pieces.push_back(next++);
+  }
+  mesh::Rebuilt rebuilt = rebuilder_.finish();
+  outcome.mesh = std::move(rebuilt.mesh);
+  outcome.maps.vertices.assign(rebuilt.vertexMap.begin(),
+                               rebuilt.vertexMap.begin() + mesh_.vertexCount());
+  outcome.maps.edges = std::move(rebuilt.edgeMap);
+  for (FaceId f = 0; f < mesh_.faceCount(); ++f) outcome.maps.faces.push_back(f);
+  return outcome;
+}
+
+}  // namespace host::ops

@@ -1,0 +1,34 @@
+#include "host/ops/topology/subdivide_edges.h"
+
+#include "host/mesh/adjacency.h"
+#include "host/ops/topology/edge_cutter.h"
+
+namespace host::ops {
+
+Result<SubdivideEdgesResult> subdivideEdges(Mesh& mesh, std::span<const EdgeId> edges,
+                                            int divisions) {
+  constexpr double kMostVertices = 1e8;
+  HOST_TRY(checkIds("edge", edges, mesh.edgeCount()));
+  if (divisions < 1) return fail("The number of divisions must be at least 1, not {}", divisions);
+  const std::vector<EdgeId> ids = sortedIds(edges);
+  if (static_cast<double>(divisions) * static_cast<double>(ids.size()) > kMostVertices)
+    return fail("{} divisions of {} edges are too many", divisions, ids.size());
+
+  EdgeCutter cutter(mesh);
+  SubdivideEdgesResult result;
+  for (const EdgeId e : ids) {
+    const VertexId first = cutter.cutEvenly(e, divisions + 1);
+    for (int i = 0; i < divisions; ++i) result.vertices.push_back(first + i);
+  }
+  for (FaceId f = 0; f < mesh.faceCount(); ++f) cutter.setFace(f, cutter.loop(f));
+  EdgeCutter::Outcome outcome = cutter.finish();
+  for (const VertexId v : result.vertices) {
+    const auto around = outcome.mesh.adjacency().vertexEdges(v);
+    result.edges.insert(result.edges.end(), around.begin(), around.end());
+  }
+  result.edges = sortedIds(result.edges);
+  mesh = std::move(outcome.mesh);
+  return result;
+}
+
+}  // namespace host::ops
