@@ -19,6 +19,14 @@ const SyntaxRep::Flag* SyntaxRep::find(std::string_view name) const {
   return nullptr;
 }
 
+/// The representation for writing. It is not detached from copies: a context command adds its flags to a copy of its
+/// syntax and means the original.
+static SyntaxRep& shared(MSyntax& syntax) {
+  Handle& handle = Access::handle(syntax);
+  if (!handle) handle = Handle(new SyntaxRep());
+  return *static_cast<SyntaxRep*>(handle.get());
+}
+
 const SyntaxRep& syntaxOf(const MSyntax& syntax) {
   static const SyntaxRep empty;
   const auto* rep = Access::rep<SyntaxRep>(syntax);
@@ -46,7 +54,6 @@ std::string synopsisOf(const std::string& command, const MSyntax& syntax) {
 
 }  // namespace host::api
 
-using host::api::Access;
 using host::api::SyntaxRep;
 using host::api::syntaxOf;
 
@@ -56,7 +63,7 @@ MStatus MSyntax::addFlag(const char* shortName, const char* longName, MArgType a
   flag.shortName = host::api::bareName(shortName);
   flag.longName = host::api::bareName(longName);
   if (flag.shortName.empty() && flag.longName.empty()) return MStatus::kInvalidParameter;
-  SyntaxRep& rep = Access::writable<SyntaxRep>(*this);
+  SyntaxRep& rep = host::api::shared(*this);
   for (const std::string& name : {flag.shortName, flag.longName})
     if (!name.empty() && rep.find(name)) return MStatus::kInvalidParameter;
   for (const MArgType type : {argType1, argType2, argType3, argType4, argType5, argType6}) {
@@ -73,7 +80,7 @@ MStatus MSyntax::addFlag(const MString& shortName, const MString& longName, MArg
 }
 
 MStatus MSyntax::makeFlagMultiUse(const char* flagName) {
-  auto* flag = const_cast<SyntaxRep::Flag*>(Access::writable<SyntaxRep>(*this).find(flagName ? flagName : ""));
+  auto* flag = const_cast<SyntaxRep::Flag*>(host::api::shared(*this).find(flagName ? flagName : ""));
   if (!flag) return MStatus::kInvalidParameter;
   flag->isMultiUse = true;
   return MStatus::kSuccess;
@@ -81,7 +88,7 @@ MStatus MSyntax::makeFlagMultiUse(const char* flagName) {
 MStatus MSyntax::makeFlagMultiUse(const MString& flagName) { return makeFlagMultiUse(flagName.asChar()); }
 
 MStatus MSyntax::makeFlagQueryWithFullArgs(const char* flagName, bool argsAreOptional) {
-  auto* flag = const_cast<SyntaxRep::Flag*>(Access::writable<SyntaxRep>(*this).find(flagName ? flagName : ""));
+  auto* flag = const_cast<SyntaxRep::Flag*>(host::api::shared(*this).find(flagName ? flagName : ""));
   if (!flag) return MStatus::kInvalidParameter;
   flag->takesArgumentsInQuery = true;
   flag->queryArgumentsAreOptional = argsAreOptional;
@@ -93,12 +100,12 @@ MStatus MSyntax::makeFlagQueryWithFullArgs(const MString& flagName, bool argsAre
 
 MStatus MSyntax::addArg(MArgType argType) {
   if (argType <= kNoArg || argType >= kLastArgType) return MStatus::kInvalidParameter;
-  Access::writable<SyntaxRep>(*this).arguments.push_back(argType);
+  host::api::shared(*this).arguments.push_back(argType);
   return MStatus::kSuccess;
 }
 
 void MSyntax::useSelectionAsDefault(bool useSelection) {
-  Access::writable<SyntaxRep>(*this).usesSelection = useSelection;
+  host::api::shared(*this).usesSelection = useSelection;
 }
 
 MStatus MSyntax::setObjectType(MObjectFormat objectFormat, unsigned int minimumObjects) {
@@ -106,23 +113,23 @@ MStatus MSyntax::setObjectType(MObjectFormat objectFormat, unsigned int minimumO
 }
 MStatus MSyntax::setObjectType(MObjectFormat objectFormat, unsigned int minimumObjects, unsigned int maximumObjects) {
   if (objectFormat <= kInvalidObjectFormat || objectFormat >= kLastObjectFormat) return MStatus::kInvalidParameter;
-  SyntaxRep& rep = Access::writable<SyntaxRep>(*this);
+  SyntaxRep& rep = host::api::shared(*this);
   rep.objectFormat = objectFormat;
   rep.minimumObjects = minimumObjects;
   rep.maximumObjects = maximumObjects;
   return MStatus::kSuccess;
 }
 void MSyntax::setMinObjects(unsigned int minimumObjects) {
-  Access::writable<SyntaxRep>(*this).minimumObjects = minimumObjects;
+  host::api::shared(*this).minimumObjects = minimumObjects;
 }
 void MSyntax::setMaxObjects(unsigned int maximumObjects) {
-  Access::writable<SyntaxRep>(*this).maximumObjects = maximumObjects;
+  host::api::shared(*this).maximumObjects = maximumObjects;
 }
 unsigned int MSyntax::minObjects() const { return syntaxOf(*this).minimumObjects; }
 unsigned int MSyntax::maxObjects() const { return syntaxOf(*this).maximumObjects; }
 bool MSyntax::canUseSelectionAsDefault() const { return syntaxOf(*this).usesSelection; }
 MSyntax::MObjectFormat MSyntax::objectFormat() const { return syntaxOf(*this).objectFormat; }
-void MSyntax::enableQuery(bool supportsQuery) { Access::writable<SyntaxRep>(*this).canQuery = supportsQuery; }
-void MSyntax::enableEdit(bool supportsEdit) { Access::writable<SyntaxRep>(*this).canEdit = supportsEdit; }
+void MSyntax::enableQuery(bool supportsQuery) { host::api::shared(*this).canQuery = supportsQuery; }
+void MSyntax::enableEdit(bool supportsEdit) { host::api::shared(*this).canEdit = supportsEdit; }
 bool MSyntax::isQueryEnabled() const { return syntaxOf(*this).canQuery; }
 bool MSyntax::isEditEnabled() const { return syntaxOf(*this).canEdit; }

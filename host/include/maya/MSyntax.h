@@ -6,6 +6,8 @@
 #include <maya/detail/Handle.h>
 
 /// Describes what a command accepts: its flags, their arguments, its own arguments and its objects.
+///
+/// Copies share one description: what is added to one is added to all.
 class MSyntax {
  public:
   enum MArgType {
