@@ -110,6 +110,9 @@ struct Access {
   [[nodiscard]] static Rep* rep(const T& object) { return static_cast<Rep*>(object.handle_.get()); }
   template <class T>
   [[nodiscard]] static T make(SharedRep* rep) { return T(Handle(rep)); }
+  /// An array's memory, `length` elements long and uninitialised, for filling in one pass.
+  template <class Array>
+  [[nodiscard]] static auto* overwrite(Array& array, unsigned int length) { return array.overwrite(length); }
   /// The representation for writing: detached from other holders, made on first use.
   template <class Rep, class T>
   [[nodiscard]] static Rep& writable(T& object) {

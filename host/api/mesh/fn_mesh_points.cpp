@@ -19,8 +19,7 @@ MStatus fillPoints(const MFnMesh& set, MSpace::Space space, Array& array, Make m
   status = targetOf(set).spaceMatrix(space, toSpace);
   if (!status) return status;
   const auto points = data->mesh.points();
-  array.setLength(static_cast<unsigned int>(points.size()));
-  auto* out = array.begin();
+  auto* out = Access::overwrite(array, static_cast<unsigned int>(points.size()));
   if (!toSpace) {
     for (std::size_t i = 0; i < points.size(); ++i) out[i] = make(points[i].x, points[i].y, points[i].z);
     return MStatus::kSuccess;

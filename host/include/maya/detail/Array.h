@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <type_traits>
 #include <utility>
 
 namespace host::api {
@@ -117,6 +118,14 @@ class Array {
  private:
   friend struct Access;
 
+  /// Makes room for `length` elements that the caller writes at once; what was there is gone.
+  T* overwrite(unsigned int length) {
+    static_assert(std::is_trivially_copyable_v<T>, "elements are not constructed");
+    length_ = 0;
+    reserveExactly(length);
+    length_ = length;
+    return data_;
+  }
   void swap(Array& other) noexcept {
     std::swap(data_, other.data_);
     std::swap(length_, other.length_);
