@@ -72,7 +72,7 @@ class Parser {
   bool argumentList(std::vector<Node*>& arguments);
 
   // parser_commands.cpp
-  Node* command(const Token& name, bool isBackquoted);
+  Node* command(bool isBackquoted);
   Node* commandArgument();
   Node* operandArgument();
   [[nodiscard]] bool isCommandEnd();

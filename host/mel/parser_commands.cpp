@@ -1,8 +1,21 @@
+#include <algorithm>
+#include <iterator>
 #include <string>
 
 #include "host/mel/parser.h"
 
 namespace host::mel {
+
+namespace {
+
+/// What can follow `name(arguments)` at the start of a statement only if the call is part of an expression; - and * may
+/// begin a further word of a command line.
+bool continuesExpression(const Token& token) {
+  constexpr std::string_view kSymbols[] = {"+", "/", "%", "^", "==", "!=", "<", ">", "<=", ">=", "&&", "||", "?", "["};
+  return token.kind == TokenKind::Symbol && std::ranges::find(kSymbols, token.text) != std::end(kSymbols);
+}
+
+}  // namespace
 
 /// True before the token that ends a command line: `;`, the end of the text, or the closing backquote.
 bool Parser::isCommandEnd() {
@@ -12,7 +25,8 @@ bool Parser::isCommandEnd() {
 
 /// The words after a command's name, or `name(arguments)` if nothing follows the closing parenthesis.
 /// On entry the name is the current token and nothing beyond it has been read; on return the token after the call is current.
-Node* Parser::command(const Token& name, bool isBackquoted) {
+Node* Parser::command(bool isBackquoted) {
+  const Token name = token_;
   Node* node = make(NodeKind::Call, name);
   node->text = name.text;
   node->flag = true;
@@ -28,6 +42,12 @@ Node* Parser::command(const Token& name, bool isBackquoted) {
       advance();
       if (!argumentList(arguments)) return nullptr;
       lexer_.rewind(token_.begin);
+      if (!isBackquoted && continuesExpression(token_)) {
+        isInBackquotes_ = wasInBackquotes;
+        lexer_.rewind(name.begin);
+        advance();
+        return expression();
+      }
       if (arguments.size() != 1 && !isCommandEnd()) return fault("\";\"");
     }
   }

@@ -346,7 +346,7 @@ Node* Parser::backquoted() {
   advance();
   if (token_.kind != TokenKind::Identifier) return fault("a command after `");
   isInBackquotes_ = true;
-  Node* call = command(token_, true);
+  Node* call = command(true);
   isInBackquotes_ = false;
   if (!call || !expect("`")) return nullptr;
   return call;

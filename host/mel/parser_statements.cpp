@@ -154,7 +154,7 @@ Node* Parser::expressionStatement() {
 
 Node* Parser::commandStatement() {
   Node* node = make(NodeKind::Expression, token_);
-  Node* call = command(token_, false);
+  Node* call = command(false);
   if (!call || !expect(";")) return nullptr;
   setChildren(node, {call});
   return node;
