@@ -16,11 +16,13 @@ const Attribute& packedLeaf(const Attribute& array, int column) {
 }
 
 auto lowerElement(const Slot& array, Index index) {
-  return std::lower_bound(array.below.begin(), array.below.end(), index,
-                          [](const auto& element, Index wanted) { return element->index < wanted; });
+  return std::lower_bound(
+      array.below.begin(), array.below.end(), index,
+      [](const auto& element, Index wanted) { return element->index < wanted; });
 }
 
-/// Whether a compound above is driven, with no array in between: then the slot is fetched on its own.
+/// Whether a compound above is driven, with no array in between: then the slot is fetched on its
+/// own.
 bool isDrivenFromAbove(const Slot* parent) {
   for (const Slot* above = parent; above && !above->isArray; above = above->parent)
     if (above->isDriven()) return true;
@@ -38,7 +40,8 @@ void stepDown(const Plug& plug, const Attribute* attribute, int& level, Place& p
     const auto& slots = NodeAccess::slots(*plug.node());
     const auto top = static_cast<std::size_t>(attribute->topIndex);
     place.slot = top < slots.size() ? slots[top].get() : nullptr;
-    HOST_ASSERT(!place.slot || place.slot->attribute == attribute, "the plug's attribute is not of its node");
+    HOST_ASSERT(!place.slot || place.slot->attribute == attribute,
+                "the plug's attribute is not of its node");
   }
   if (place.slot) place.deepest = place.slot;
   if (!attribute->isArray) return;
@@ -76,14 +79,17 @@ Slot* makeDown(const Plug& plug, const Attribute* attribute, int& level, bool wi
     if (!above) return nullptr;
     if (above->below.empty()) above->below.resize(above->attribute->children.size());
     auto& child = above->below[static_cast<std::size_t>(attribute->childIndex)];
-    if (!child) child = std::make_unique<Slot>(*plug.node(), *attribute, above, kNone, attribute->isArray);
+    if (!child)
+      child = std::make_unique<Slot>(*plug.node(), *attribute, above, kNone, attribute->isArray);
     slot = child.get();
   } else {
     auto& slots = NodeAccess::slots(*plug.node());
     const auto top = static_cast<std::size_t>(attribute->topIndex);
-    if (top >= slots.size()) slots.resize(std::max(top + 1, plug.node()->type().attributes().size()));
+    if (top >= slots.size())
+      slots.resize(std::max(top + 1, plug.node()->type().attributes().size()));
     if (!slots[top])
-      slots[top] = std::make_unique<Slot>(*plug.node(), *attribute, nullptr, kNone, attribute->isArray);
+      slots[top] =
+          std::make_unique<Slot>(*plug.node(), *attribute, nullptr, kNone, attribute->isArray);
     slot = slots[top].get();
   }
   made.slot = slot;
@@ -131,14 +137,16 @@ void PackedArray::erase(std::ptrdiff_t position) {
   values.erase(values.begin() + position * stride, values.begin() + (position + 1) * stride);
 }
 
-Slot::Slot(Node& nodeIn, const Attribute& attributeIn, Slot* parentIn, Index indexIn, bool isArrayIn)
+Slot::Slot(Node& nodeIn, const Attribute& attributeIn, Slot* parentIn, Index indexIn,
+           bool isArrayIn)
     : node(&nodeIn), attribute(&attributeIn), parent(parentIn), index(indexIn), isArray(isArrayIn) {
   if (isArray && !node->type().isComputed(attribute) && packedStride(*attribute) > 0) {
     packed = std::make_unique<PackedArray>();
     packed->stride = packedStride(*attribute);
   }
   if (isLeaf()) value = attribute->initialValue();
-  if (isLeaf() || isArray) isDirty = startsDirty(node->type(), *attribute) || isDrivenFromAbove(parent);
+  if (isLeaf() || isArray)
+    isDirty = startsDirty(node->type(), *attribute) || isDrivenFromAbove(parent);
 }
 
 bool startsDirty(const NodeType& type, const Attribute& attribute) {
@@ -203,7 +211,9 @@ bool isAtOrBelow(const Plug& plug, const Plug& above) {
 
 Plug correspondingPlug(const Plug& base, const Attribute* from, const Attribute* to) {
   if (from == to) return base;
-  return correspondingPlug(base, from, to->parent).child(to->childIndex);
+  const Plug above = correspondingPlug(base, from, to->parent);
+  // A generic end takes a compound whole: its parts have no counterparts there.
+  return above.attribute()->isCompound() ? above.child(to->childIndex) : above;
 }
 
 Value readLeaf(const Plug& plug, const Place& place) {
@@ -257,7 +267,8 @@ double packNumber(const Attribute& leaf, double number) {
 
 Slot* findElement(const Slot& array, Index index) {
   const auto direct = static_cast<std::size_t>(index);
-  if (direct < array.below.size() && array.below[direct]->index == index) return array.below[direct].get();
+  if (direct < array.below.size() && array.below[direct]->index == index)
+    return array.below[direct].get();
   const auto at = lowerElement(array, index);
   return at != array.below.end() && (*at)->index == index ? at->get() : nullptr;
 }
@@ -271,8 +282,10 @@ std::vector<Index> existingIndices(const Slot& array) {
 }
 
 bool isWired(const Slot& slot) {
-  if (slot.incoming > 0 || slot.outgoing > 0 || (slot.wiring && slot.wiring->flagMask != 0)) return true;
-  return std::ranges::any_of(slot.below, [](const auto& below) { return below && isWired(*below); });
+  if (slot.incoming > 0 || slot.outgoing > 0 || (slot.wiring && slot.wiring->flagMask != 0))
+    return true;
+  return std::ranges::any_of(slot.below,
+                             [](const auto& below) { return below && isWired(*below); });
 }
 
 void matchSlotsToPacked(Slot& array) {

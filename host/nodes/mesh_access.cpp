@@ -18,6 +18,19 @@ const Mesh* storedMesh(const Node& node, const Attribute* inMesh, dg::Value& kee
 
 bool isBelow(Index index, std::size_t count) { return index >= 0 && static_cast<std::size_t>(index) < count; }
 
+/// Suspends the records of a graph: for what changes along with an edit that is recorded.
+class Unrecorded {
+ public:
+  explicit Unrecorded(dg::Graph& graph) : graph_(graph), recorder_(graph.recorder()) { graph_.setRecorder(nullptr); }
+  ~Unrecorded() { graph_.setRecorder(recorder_); }
+  Unrecorded(const Unrecorded&) = delete;
+  Unrecorded& operator=(const Unrecorded&) = delete;
+
+ private:
+  dg::Graph& graph_;
+  dg::ChangeRecorder* recorder_;
+};
+
 double component(const math::Vec3f& v, int axis) { return axis == 0 ? v.x : axis == 1 ? v.y : v.z; }
 
 }  // namespace
@@ -136,8 +149,8 @@ Result<bool> MeshAccess::write(Node& node, const Plug& plug, const dg::Value& va
     auto written = isVertex ? writeVertex(changed, plug, std::get<double>(value)) : writeUv(changed, plug, value);
     if (!written) return written;
   }
-  // The graph records the part that was set; the mesh behind it changes along without a record of its own.
-  node.graph().storeOutput(stored, dg::DataPtr(std::make_shared<scene::MeshData>(std::move(changed))));
+  const Unrecorded unrecorded(node.graph());
+  HOST_TRY(node.graph().set(stored, dg::DataPtr(std::make_shared<scene::MeshData>(std::move(changed)))));
   return true;
 }
 

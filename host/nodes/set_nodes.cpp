@@ -25,7 +25,7 @@ AttributePtr messages(const std::string& longName, const std::string& shortName)
 void registerSetNodes(dg::TypeRegistry& types) {
   TypeBuilder set(types, "objectSet", "entity", typeCode("OBST"));
   set.add(unordered(anything("dagSetMembers", "dsm")));
-  set.add(unordered(anything("dnSetMembers", "dnsm")));
+  set.add(messages("dnSetMembers", "dnsm"));
   set.add(shortInteger("memberWireframeColor", "mwc", -1));
   set.add(text("annotation", "an"));
   set.add(boolean("isLayer", "il"));
