@@ -133,7 +133,7 @@ class Incidence {
 
 void sortUnique(std::vector<Index>& ids) {
   if (!std::ranges::is_sorted(ids)) std::ranges::sort(ids);
-  ids.erase(std::ranges::unique(ids).begin(), ids.end());
+  ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
 }
 
 Index componentCount(const Mesh& mesh, ComponentKind kind, int uvSet) {

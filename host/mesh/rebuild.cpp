@@ -213,6 +213,10 @@ std::vector<VertexId> MeshRebuilder::dropVertices() {
   for (VertexId& v : cornerVertices_) v = map[at(v)];
   for (VertexId& v : keptAs_)
     if (v != kNone) v = map[at(v)];
+  std::erase_if(declared_, [&map](EdgeVertices& edge) {
+    edge = {map[at(edge.a)], map[at(edge.b)]};
+    return edge.a == kNone || edge.b == kNone;
+  });
   for (auto& [source, ends] : replacedEdges_) ends = {map[at(ends.a)], map[at(ends.b)]};
   if (!isMergeTarget_.empty()) {
     isMergeTarget_.resize(map.size(), 0);
@@ -231,6 +235,7 @@ void MeshRebuilder::buildEdges(Topology& topology, Rebuilt& result) {
   EdgeFinder finder(*this);
   std::vector<EdgeId>& cornerEdges = topology.cornerEdges;
   cornerEdges.resize(cornerVertices_.size());
+  for (const EdgeVertices& edge : declared_) finder.findOrAdd(edge.a, edge.b);
   for (std::size_t f = 0; f + 1 < topology.faceOffsets.size(); ++f) {
     const std::size_t begin = at(topology.faceOffsets[f]), end = at(topology.faceOffsets[f + 1]);
     for (std::size_t c = begin; c < end; ++c) {

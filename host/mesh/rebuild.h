@@ -77,6 +77,9 @@ class MeshRebuilder {
   /// edge.
   void inheritEdge(VertexId a, VertexId b, EdgeId source) { inherited_.push_back({a, b, source}); }
 
+  /// Numbers a new edge before all that faces bring up later; without a face it is left out.
+  void declareEdge(VertexId a, VertexId b) { declared_.push_back({a, b}); }
+
   /// Builds the mesh; the rebuilder is used up.
   [[nodiscard]] Rebuilt finish(const RebuildOptions& options = {});
 
@@ -101,6 +104,7 @@ class MeshRebuilder {
   std::vector<VertexId> cornerVertices_;
   CornerSources corners_;
   std::vector<Inherited> inherited_;
+  std::vector<EdgeVertices> declared_;
   std::vector<std::uint8_t> isMergeTarget_;  // a vertex; empty without merges
   std::unordered_map<EdgeId, EdgeVertices> replacedEdges_;
 };

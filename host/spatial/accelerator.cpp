@@ -202,7 +202,7 @@ std::vector<FaceId> Accelerator::facesInBox(const Box& box) const {
   bvh().inBox(box, faces);
   for (Index& f : faces) f = triangles_[at(f)].face;
   std::ranges::sort(faces);
-  faces.erase(std::ranges::unique(faces).begin(), faces.end());
+  faces.erase(std::unique(faces.begin(), faces.end()), faces.end());
   return faces;
 }
 

@@ -137,7 +137,7 @@ TEST_CASE(
           if (a != kNone && a != b) pairs.push_back({before.cornerEdge(c), a, b});
         }
       std::ranges::sort(pairs);
-      pairs.erase(std::ranges::unique(pairs).begin(), pairs.end());
+      pairs.erase(std::unique(pairs.begin(), pairs.end()), pairs.end());
       CHECK(mesh.uvSet(s).points.size() == before.uvSet(s).points.size() + pairs.size());
     }
   }
