@@ -9,8 +9,9 @@ namespace host::dg {
 namespace {
 
 constexpr std::array<std::string_view, 18> kTypeWords = {
-    "bool",         "char", "byte", "short",  "long",   "int64",   "float", "double",  "doubleLinear",
-    "doubleAngle",  "time", "enum", "string", "matrix", "message", "typed", "generic", "compound"};
+    "bool",   "char",   "byte",         "short",       "long",    "int64",
+    "float",  "double", "doubleLinear", "doubleAngle", "time",    "enum",
+    "string", "matrix", "message",      "typed",       "generic", "compound"};
 
 bool isReal(AttributeType type) {
   return type >= AttributeType::Float && type <= AttributeType::Time;
@@ -26,18 +27,25 @@ std::int64_t truncated(double real) {
 
 std::int64_t narrowed(AttributeType type, std::int64_t value) {
   switch (type) {
-    case AttributeType::Bool: return value != 0 ? 1 : 0;
-    case AttributeType::Char: return static_cast<std::int8_t>(value);
-    case AttributeType::Byte: return static_cast<std::uint8_t>(value);
-    case AttributeType::Short: return static_cast<std::int16_t>(value);
+    case AttributeType::Bool:
+      return value != 0 ? 1 : 0;
+    case AttributeType::Char:
+      return static_cast<std::int8_t>(value);
+    case AttributeType::Byte:
+      return static_cast<std::uint8_t>(value);
+    case AttributeType::Short:
+      return static_cast<std::int16_t>(value);
     case AttributeType::Long:
-    case AttributeType::Enum: return static_cast<std::int32_t>(value);
-    default: return value;
+    case AttributeType::Enum:
+      return static_cast<std::int32_t>(value);
+    default:
+      return value;
   }
 }
 
 std::string_view kindOf(const Value& value) {
-  constexpr std::array<std::string_view, 4> kKinds = {"nothing", "an integer", "a number", "a string"};
+  constexpr std::array<std::string_view, 4> kKinds = {"nothing", "an integer", "a number",
+                                                      "a string"};
   if (value.index() < kKinds.size()) return kKinds[value.index()];
   const DataPtr& data = std::get<DataPtr>(value);
   return data ? data->typeName() : "nothing";
@@ -105,7 +113,8 @@ Result<Value> Attribute::convert(const Value& value) const {
   if (isNumeric() && (integer || real)) {
     if (!isReal(type)) return Value(narrowed(type, integer ? *integer : truncated(*real)));
     const double number = real ? *real : static_cast<double>(*integer);
-    return Value(type == AttributeType::Float ? static_cast<double>(static_cast<float>(number)) : number);
+    return Value(type == AttributeType::Float ? static_cast<double>(static_cast<float>(number))
+                                              : number);
   }
   switch (type) {
     case AttributeType::String:
@@ -119,19 +128,23 @@ Result<Value> Attribute::convert(const Value& value) const {
     case AttributeType::Typed:
       if (isEmpty(value)) return Value();
       if (dataType == "string" && std::holds_alternative<std::string>(value)) return value;
-      if (hasPayload(value) && (dataType.empty() || std::get<DataPtr>(value)->typeName() == dataType)) return value;
+      if (hasPayload(value) &&
+          (dataType.empty() || std::get<DataPtr>(value)->typeName() == dataType))
+        return value;
       break;
     case AttributeType::Generic: {
       if (isEmpty(value)) return Value();
       if (acceptedTypes.empty() || integer || real) return value;
-      const std::string_view word = hasPayload(value) ? std::get<DataPtr>(value)->typeName() : "string";
+      const std::string_view word =
+          hasPayload(value) ? std::get<DataPtr>(value)->typeName() : "string";
       if (std::ranges::find(acceptedTypes, word) != acceptedTypes.end()) return value;
       break;
     }
     case AttributeType::Message:
       if (isEmpty(value)) return Value();
       break;
-    default: break;
+    default:
+      break;
   }
   return fail("Attribute '{}' of type {} cannot hold {}", longName, typeWord(), kindOf(value));
 }
@@ -147,7 +160,8 @@ Value Attribute::initialValue() const {
   return {};
 }
 
-AttributePtr makeAttribute(std::string longName, std::string shortName, AttributeType type, Value defaultValue) {
+AttributePtr makeAttribute(std::string longName, std::string shortName, AttributeType type,
+                           Value defaultValue) {
   auto attribute = std::make_shared<Attribute>();
   attribute->longName = std::move(longName);
   attribute->shortName = std::move(shortName);
@@ -157,7 +171,8 @@ AttributePtr makeAttribute(std::string longName, std::string shortName, Attribut
 }
 
 AttributePtr makeTyped(std::string longName, std::string shortName, std::string dataType) {
-  AttributePtr attribute = makeAttribute(std::move(longName), std::move(shortName), AttributeType::Typed);
+  AttributePtr attribute =
+      makeAttribute(std::move(longName), std::move(shortName), AttributeType::Typed);
   attribute->dataType = std::move(dataType);
   return attribute;
 }
@@ -170,8 +185,10 @@ AttributePtr makeEnum(std::string longName, std::string shortName, std::vector<E
   return attribute;
 }
 
-AttributePtr makeCompound(std::string longName, std::string shortName, std::vector<AttributePtr> children) {
-  AttributePtr attribute = makeAttribute(std::move(longName), std::move(shortName), AttributeType::Compound);
+AttributePtr makeCompound(std::string longName, std::string shortName,
+                          std::vector<AttributePtr> children) {
+  AttributePtr attribute =
+      makeAttribute(std::move(longName), std::move(shortName), AttributeType::Compound);
   attribute->children = std::move(children);
   for (std::size_t i = 0; i < attribute->children.size(); ++i) {
     attribute->children[i]->parent = attribute.get();
@@ -189,7 +206,8 @@ AttributePtr makeTriple(std::string longName, std::string shortName, AttributeTy
     if (!isReal(childType)) child->defaultValue = truncated(defaultValue[axis]);
     children.push_back(std::move(child));
   }
-  AttributePtr attribute = makeCompound(std::move(longName), std::move(shortName), std::move(children));
+  AttributePtr attribute =
+      makeCompound(std::move(longName), std::move(shortName), std::move(children));
   attribute->compoundType = std::move(compoundType);
   return attribute;
 }

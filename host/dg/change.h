@@ -16,8 +16,8 @@ class Change {
   [[nodiscard]] virtual std::size_t bytes() const { return sizeof(*this); }
 };
 
-/// Takes the records of edits while they happen. Edits made with no recorder, or while it is not recording, are not
-/// undoable.
+/// Takes the records of edits while they happen. Edits made with no recorder, or while it is not
+/// recording, are not undoable.
 class ChangeRecorder {
  public:
   virtual ~ChangeRecorder() = default;

@@ -41,9 +41,11 @@ std::uint64_t hashBytes(const void* bytes, std::size_t count, std::uint64_t seed
 
 std::uint64_t hash(const Value& value) {
   const std::uint64_t kind = value.index();
-  if (const auto* integer = std::get_if<std::int64_t>(&value)) return hashBytes(integer, sizeof *integer, kind);
+  if (const auto* integer = std::get_if<std::int64_t>(&value))
+    return hashBytes(integer, sizeof *integer, kind);
   if (const auto* real = std::get_if<double>(&value)) return hashBytes(real, sizeof *real, kind);
-  if (const auto* text = std::get_if<std::string>(&value)) return hashBytes(text->data(), text->size(), kind);
+  if (const auto* text = std::get_if<std::string>(&value))
+    return hashBytes(text->data(), text->size(), kind);
   const auto* data = std::get_if<DataPtr>(&value);
   if (!data || !*data) return kind;
   const std::string_view name = (*data)->typeName();

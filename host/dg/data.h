@@ -14,23 +14,24 @@
 
 namespace host::dg {
 
-/// An immutable payload that travels through the graph by reference: a mesh, an array, a matrix, plug-in data.
-/// The graph knows nothing of what is inside. Change it by making a new one (payloads that are values with shared
-/// arrays, like meshes, make that cheap).
+/// An immutable payload that travels through the graph by reference: a mesh, an array, a matrix,
+/// plug-in data. The graph knows nothing of what is inside. Change it by making a new one (payloads
+/// that are values with shared arrays, like meshes, make that cheap).
 class Data {
  public:
   virtual ~Data() = default;
   /// The name used by `setAttr -type` and typed attributes: "mesh", "matrix", "doubleArray", ...
   [[nodiscard]] virtual std::string_view typeName() const = 0;
   [[nodiscard]] virtual bool equals(const Data& other) const = 0;
-  /// A digest of the content, bit for bit: what undo is checked with. Zero tells payloads apart by type only.
+  /// A digest of the content, bit for bit: what undo is checked with. Zero tells payloads apart by
+  /// type only.
   [[nodiscard]] virtual std::uint64_t hash() const { return 0; }
 };
 using DataPtr = std::shared_ptr<const Data>;
 
-/// The value of a leaf plug. Booleans, enums and all integer widths are int64; all reals are double (a float
-/// attribute's value is rounded to float when it is set); distances are cm, angles radians, times seconds.
-/// monostate: a typed attribute without data.
+/// The value of a leaf plug. Booleans, enums and all integer widths are int64; all reals are double
+/// (a float attribute's value is rounded to float when it is set); distances are cm, angles
+/// radians, times seconds. monostate: a typed attribute without data.
 using Value = std::variant<std::monostate, std::int64_t, double, std::string, DataPtr>;
 
 /// Same kind and same content; not-a-number equals itself, payloads compare by `equals`.
@@ -62,8 +63,8 @@ class ValueData final : public Data {
   const T value;
 };
 
-#define HOST_DG_DATA_TAG(Tag, text) \
-  struct Tag {                      \
+#define HOST_DG_DATA_TAG(Tag, text)                 \
+  struct Tag {                                      \
     static constexpr std::string_view kName = text; \
   }
 HOST_DG_DATA_TAG(MatrixTag, "matrix");

@@ -6,8 +6,8 @@
 
 namespace host::dg {
 
-/// What a compute function works with: reads pull inputs through the graph, writes go to outputs. Valid during the
-/// call only.
+/// What a compute function works with: reads pull inputs through the graph, writes go to outputs.
+/// Valid during the call only.
 class DataBlock {
  public:
   DataBlock(Graph& graph, Node& node) : graph_(graph), node_(node) {}
@@ -17,7 +17,8 @@ class DataBlock {
 
   /// Evaluates and reads an input leaf.
   [[nodiscard]] Result<Value> input(const Plug& plug) { return graph_.get(plug); }
-  // The short forms give the last value when the input fails, and make the whole computation fail with its error.
+  // The short forms give the last value when the input fails, and make the whole computation fail
+  // with its error.
   [[nodiscard]] double real(const Attribute* attribute);
   [[nodiscard]] std::int64_t integer(const Attribute* attribute);
   [[nodiscard]] bool boolean(const Attribute* attribute) { return integer(attribute) != 0; }
@@ -38,7 +39,9 @@ class DataBlock {
 
   /// Writes an output leaf and marks it clean.
   void output(const Plug& plug, Value value) { graph_.storeOutput(plug, std::move(value)); }
-  void output(const Attribute* attribute, Value value) { output(Plug(&node_, attribute), std::move(value)); }
+  void output(const Attribute* attribute, Value value) {
+    output(Plug(&node_, attribute), std::move(value));
+  }
   void setClean(const Plug& plug);
 
   /// The first error that one of the short forms met.

@@ -13,12 +13,22 @@ namespace host::dg {
 
 /// What observers hear of an attribute's life; combined as flags.
 enum class AttributeEvent : std::uint32_t {
-  Set = 1, ConnectionMade = 2, ConnectionBroken = 4, Locked = 8, Unlocked = 16, Added = 32, Removed = 64,
-  ArrayElementAdded = 128, ArrayElementRemoved = 256, KeyableChanged = 512, Evaluated = 1024, Renamed = 2048,
+  Set = 1,
+  ConnectionMade = 2,
+  ConnectionBroken = 4,
+  Locked = 8,
+  Unlocked = 16,
+  Added = 32,
+  Removed = 64,
+  ArrayElementAdded = 128,
+  ArrayElementRemoved = 256,
+  KeyableChanged = 512,
+  Evaluated = 1024,
+  Renamed = 2048,
 };
 
-/// Hears of every edit after it happened (undo and redo included). Must not edit the graph from within, except
-/// through the deferred queue of its own layer.
+/// Hears of every edit after it happened (undo and redo included). Must not edit the graph from
+/// within, except through the deferred queue of its own layer.
 class GraphObserver {
  public:
   virtual ~GraphObserver() = default;
@@ -31,8 +41,8 @@ class GraphObserver {
   virtual void plugDirty(const Plug&) {}
 };
 
-/// The dependency graph: nodes, values, connections, lazy evaluation. All edits go through here, so that they are
-/// recorded, propagate dirtiness and reach the observers. Main thread only.
+/// The dependency graph: nodes, values, connections, lazy evaluation. All edits go through here, so
+/// that they are recorded, propagate dirtiness and reach the observers. Main thread only.
 class Graph {
  public:
   struct Impl;  ///< defined within this folder only
@@ -65,35 +75,40 @@ class Graph {
   [[nodiscard]] Result<Value> get(const Plug& plug);
   /// Reads a leaf without evaluating: what is stored now.
   [[nodiscard]] Value stored(const Plug& plug) const;
-  /// Writes a leaf that is writable, unlocked, unconnected; converts; dirties what it affects; records.
+  /// Writes a leaf that is writable, unlocked, unconnected; converts; dirties what it affects;
+  /// records.
   Result<void> set(const Plug& plug, const Value& value);
   /// Whether `set` would be refused, and why: "locked", "connected", not writable.
   [[nodiscard]] Result<void> settable(const Plug& plug) const;
   [[nodiscard]] Result<math::Vec3> getVec3(const Plug& compound);
   Result<void> setVec3(const Plug& compound, const math::Vec3& value);
 
-  // Arrays. Elements are sparse and sorted by logical index. Arrays of numbers and of numeric triples are packed:
-  // contiguous, no allocation an element, until an element is connected.
+  // Arrays. Elements are sparse and sorted by logical index. Arrays of numbers and of numeric
+  // triples are packed: contiguous, no allocation an element, until an element is connected.
   [[nodiscard]] std::vector<Index> elementIndices(const Plug& array);  ///< existing logical indices
   [[nodiscard]] Index elementCount(const Plug& array);
-  [[nodiscard]] Index nextFreeIndex(const Plug& array);  ///< lowest index with no connection at or below the element
+  [[nodiscard]] Index nextFreeIndex(
+      const Plug& array);  ///< lowest index with no connection at or below the element
   [[nodiscard]] bool elementExists(const Plug& element) const;
   /// Makes an element with default values, if it is not there.
   Result<void> addElement(const Plug& element);
   /// Removes an element; with connections only when `breakConnections`.
   Result<void> removeElement(const Plug& element, bool breakConnections);
-  /// Packed numeric array (children = 1) or array of numeric triples/pairs (children = 2, 3), whole and at once:
-  /// ascending logical indices, `children` doubles each. Replaces all elements; one record.
+  /// Packed numeric array (children = 1) or array of numeric triples/pairs (children = 2, 3), whole
+  /// and at once: ascending logical indices, `children` doubles each. Replaces all elements; one
+  /// record.
   Result<void> setPacked(const Plug& array, std::vector<Index> indices, std::vector<double> values);
   /// The same, read; evaluates connected elements first. False when the array is not of that kind.
   bool getPacked(const Plug& array, std::vector<Index>& indices, std::vector<double>& values);
 
   // Connections. A destination has one source.
-  /// Fails, naming both plugs, when the kinds differ, the source is not readable, the destination is not writable,
-  /// locked or connected (unless `force`, which disconnects first), or the two are the same.
+  /// Fails, naming both plugs, when the kinds differ, the source is not readable, the destination
+  /// is not writable, locked or connected (unless `force`, which disconnects first), or the two are
+  /// the same.
   Result<void> connect(const Plug& source, const Plug& destination, bool force = false);
   Result<void> disconnect(const Plug& source, const Plug& destination);
-  [[nodiscard]] Plug source(const Plug& destination) const;  ///< exact plug; null when not connected
+  [[nodiscard]] Plug source(
+      const Plug& destination) const;  ///< exact plug; null when not connected
   [[nodiscard]] std::vector<Plug> destinations(const Plug& source) const;
   /// Whether the plug itself, or one above it, is the destination of a connection.
   [[nodiscard]] bool isDriven(const Plug& plug) const;
@@ -108,7 +123,8 @@ class Graph {
   Result<const Attribute*> addAttribute(Node& node, AttributePtr attribute);
   Result<void> removeAttribute(Node& node, const Attribute* attribute);
   enum class PlugFlag : std::uint8_t { Locked, Keyable, ChannelBox, Caching };
-  [[nodiscard]] bool flag(const Plug& plug, PlugFlag which) const;  ///< the node's own, else the attribute's
+  [[nodiscard]] bool flag(const Plug& plug,
+                          PlugFlag which) const;  ///< the node's own, else the attribute's
   [[nodiscard]] bool isLockedHereOrAbove(const Plug& plug) const;
   Result<void> setFlag(const Plug& plug, PlugFlag which, bool on);
   Result<void> setAlias(const Plug& plug, std::string alias);
@@ -122,14 +138,16 @@ class Graph {
   /// Brings a plug of any shape (leaf, compound, array) up to date.
   Result<void> evaluate(const Plug& plug);
 
-  // For compute functions and node implementations: writes outputs without recording and without dirtying.
+  // For compute functions and node implementations: writes outputs without recording and without
+  // dirtying.
   void storeOutput(const Plug& plug, Value value);
 
   /// Takes an element out of an output array, likewise; one that is connected stays.
   void dropOutputElement(const Plug& element);
 
-  /// A digest of all that a document keeps of a node: name, uuid, lock, dynamic attributes, values that are neither
-  /// computed nor driven, element indices, connections, flags and aliases. Equal before an edit and after its undo.
+  /// A digest of all that a document keeps of a node: name, uuid, lock, dynamic attributes, values
+  /// that are neither computed nor driven, element indices, connections, flags and aliases. Equal
+  /// before an edit and after its undo.
   [[nodiscard]] std::uint64_t storedHash(const Node& node) const;
 
  private:
@@ -140,8 +158,8 @@ class Graph {
   ChangeRecorder* recorder_ = nullptr;
 };
 
-/// Resolves "attr", "attr[3].child", "a.b.c" or an alias on a node. Short and long names mix. A leading parent may be
-/// left out as in `pnts` for a nested name that is unique on the node.
+/// Resolves "attr", "attr[3].child", "a.b.c" or an alias on a node. Short and long names mix. A
+/// leading parent may be left out as in `pnts` for a nested name that is unique on the node.
 /// @return an error naming the node and the part that was not found.
 [[nodiscard]] Result<Plug> parsePlug(Node& node, std::string_view path);
 

@@ -8,9 +8,14 @@ namespace {
 class ElementChange final : public Change {
  public:
   ElementChange(Graph::Impl& impl, const Plug& element, int createdLevel)
-      : impl_(impl), node_(element.node()->shared_from_this()), element_(element), createdLevel_(createdLevel) {}
+      : impl_(impl),
+        node_(element.node()->shared_from_this()),
+        element_(element),
+        createdLevel_(createdLevel) {}
   ElementChange(Graph::Impl& impl, const Plug& element, DetachedElement detached)
-      : impl_(impl), node_(element.node()->shared_from_this()), element_(element),
+      : impl_(impl),
+        node_(element.node()->shared_from_this()),
+        element_(element),
         detached_(std::move(detached)) {}
   void undo() override {
     if (!isUsable(element_)) return;
@@ -44,7 +49,10 @@ class ElementChange final : public Change {
 class PackedChange final : public Change {
  public:
   PackedChange(Graph::Impl& impl, const Plug& array, PackedArray other, int createdLevel)
-      : impl_(impl), node_(array.node()->shared_from_this()), array_(array), other_(std::move(other)),
+      : impl_(impl),
+        node_(array.node()->shared_from_this()),
+        array_(array),
+        other_(std::move(other)),
         createdLevel_(createdLevel) {}
   void undo() override {
     if (!isUsable(array_)) return;
@@ -57,7 +65,8 @@ class PackedChange final : public Change {
     impl_.swapPacked(array_, other_);
   }
   [[nodiscard]] std::size_t bytes() const override {
-    return sizeof *this + other_.indices.capacity() * sizeof(Index) + other_.values.capacity() * sizeof(double);
+    return sizeof *this + other_.indices.capacity() * sizeof(Index) +
+           other_.values.capacity() * sizeof(double);
   }
 
  private:
@@ -96,7 +105,8 @@ PackedArray gathered(const Plug& array, int stride) {
   result.values.reserve(result.indices.size() * static_cast<std::size_t>(stride));
   for (const Index index : result.indices) {
     for (int column = 0; column < stride; ++column) {
-      const Plug leaf = array.attribute()->isCompound() ? array.element(index).child(column) : array.element(index);
+      const Plug leaf = array.attribute()->isCompound() ? array.element(index).child(column)
+                                                        : array.element(index);
       const Value value = readLeaf(leaf, locate(leaf));
       const auto* real = std::get_if<double>(&value);
       const auto* integer = std::get_if<std::int64_t>(&value);
@@ -106,12 +116,13 @@ PackedArray gathered(const Plug& array, int stride) {
   return result;
 }
 
-Result<void> checkPacked(const Plug& array, const std::vector<Index>& indices, const std::vector<double>& values) {
+Result<void> checkPacked(const Plug& array, const std::vector<Index>& indices,
+                         const std::vector<double>& values) {
   const int stride = packedStride(*array.attribute());
   if (stride == 0) return fail("'{}' is not an array of numbers, pairs or triples", array.name());
   if (values.size() != indices.size() * static_cast<std::size_t>(stride))
-    return fail("'{}' takes {} numbers an element: {} elements came with {} numbers", array.name(), stride,
-                indices.size(), values.size());
+    return fail("'{}' takes {} numbers an element: {} elements came with {} numbers", array.name(),
+                stride, indices.size(), values.size());
   if (!indices.empty() && indices.front() < 0)
     return fail("{} is not an index of '{}'", indices.front(), array.name());
   if (std::ranges::adjacent_find(indices, std::greater_equal<>()) != indices.end())
@@ -154,7 +165,8 @@ Result<void> Graph::Impl::checkCreatable(const Plug& plug) {
   const std::string source = driver.slot->wiring->source.name();
   HOST_TRY(refreshArray(plugOf(*driver.unit)));
   if (locate(plug).isMissing)
-    return fail("'{}' does not exist: the elements of the array come from '{}'", plug.name(), source);
+    return fail("'{}' does not exist: the elements of the array come from '{}'", plug.name(),
+                source);
   return {};
 }
 
@@ -165,6 +177,7 @@ void Graph::Impl::dropElements(const Plug& plug, int createdLevel) {
 DetachedElement Graph::Impl::detach(const Plug& element) {
   Slot* array = locate(element.array()).slot;
   if (!array) return {};
+  if (const Slot* own = locate(element).slot) unwireBelow(*own);
   DetachedElement detached = detachElement(*array, element.logicalIndex());
   spread(element.array());
   attributeEvent(AttributeEvent::ArrayElementRemoved, element);
@@ -240,7 +253,8 @@ Result<void> Graph::removeElement(const Plug& element, bool breakConnections) {
   const Place place = locate(element);
   if (place.isMissing) return fail("'{}' does not exist", element.name());
   if (isDriven(element.array()))
-    return fail("'{}' cannot be removed: the elements of the array come over a connection", element.name());
+    return fail("'{}' cannot be removed: the elements of the array come over a connection",
+                element.name());
   if (isLockedHereOrAbove(element)) return fail("'{}' is locked", element.name());
   if (place.slot && place.slot->incoming + place.slot->outgoing > 0) {
     if (!breakConnections) return fail("'{}' is connected and cannot be removed", element.name());
@@ -260,7 +274,8 @@ Result<void> Graph::removeElement(const Plug& element, bool breakConnections) {
   return {};
 }
 
-Result<void> Graph::setPacked(const Plug& array, std::vector<Index> indices, std::vector<double> values) {
+Result<void> Graph::setPacked(const Plug& array, std::vector<Index> indices,
+                              std::vector<double> values) {
   HOST_TRY(checkArray(array));
   HOST_TRY(settable(array));
   HOST_TRY(checkPacked(array, indices, values));
@@ -275,7 +290,8 @@ Result<void> Graph::setPacked(const Plug& array, std::vector<Index> indices, std
       const Plug plug = plugOf(*element);
       if (isLockedHereOrAbove(plug)) return fail("'{}' is locked", plug.name());
       if (packed.position(element->index) >= 0) continue;
-      if (element->outgoing > 0) return fail("'{}' is connected and cannot be removed", plug.name());
+      if (element->outgoing > 0)
+        return fail("'{}' is connected and cannot be removed", plug.name());
       doomed.push_back(plug);
     }
   }

@@ -9,8 +9,12 @@ class AttributeLifeChange final : public Change {
  public:
   AttributeLifeChange(Graph::Impl& impl, NodePtr node, AttributePtr attribute, std::size_t position,
                       std::unique_ptr<Slot> slot, bool isAddition)
-      : impl_(impl), node_(std::move(node)), attribute_(std::move(attribute)), position_(position),
-        slot_(std::move(slot)), isAddition_(isAddition) {}
+      : impl_(impl),
+        node_(std::move(node)),
+        attribute_(std::move(attribute)),
+        position_(position),
+        slot_(std::move(slot)),
+        isAddition_(isAddition) {}
   void undo() override { isAddition_ ? take() : put(); }
   void redo() override { isAddition_ ? put() : take(); }
   [[nodiscard]] std::size_t bytes() const override {
@@ -27,7 +31,8 @@ class AttributeLifeChange final : public Change {
   }
   void put() {
     if (attribute_->topIndex >= 0) return;
-    impl_.putAttribute(*node_, attribute_, std::min(position_, node_->dynamicAttributes().size()), std::move(slot_));
+    impl_.putAttribute(*node_, attribute_, std::min(position_, node_->dynamicAttributes().size()),
+                       std::move(slot_));
   }
   Graph::Impl& impl_;
   NodePtr node_;
@@ -40,14 +45,20 @@ class AttributeLifeChange final : public Change {
 void announceFlag(Graph::Impl& impl, const Plug& plug, Graph::PlugFlag which) {
   if (which == Graph::PlugFlag::Keyable) impl.attributeEvent(AttributeEvent::KeyableChanged, plug);
   if (which == Graph::PlugFlag::Locked)
-    impl.attributeEvent(impl.graph.flag(plug, which) ? AttributeEvent::Locked : AttributeEvent::Unlocked, plug);
+    impl.attributeEvent(
+        impl.graph.flag(plug, which) ? AttributeEvent::Locked : AttributeEvent::Unlocked, plug);
 }
 
 class FlagChange final : public Change {
  public:
-  FlagChange(Graph::Impl& impl, const Plug& plug, Graph::PlugFlag which, std::uint8_t mask, std::uint8_t bits,
-             int createdLevel)
-      : impl_(impl), node_(plug.node()->shared_from_this()), plug_(plug), which_(which), mask_(mask), bits_(bits),
+  FlagChange(Graph::Impl& impl, const Plug& plug, Graph::PlugFlag which, std::uint8_t mask,
+             std::uint8_t bits, int createdLevel)
+      : impl_(impl),
+        node_(plug.node()->shared_from_this()),
+        plug_(plug),
+        which_(which),
+        mask_(mask),
+        bits_(bits),
         createdLevel_(createdLevel) {}
   void undo() override {
     exchange();
@@ -75,9 +86,14 @@ class FlagChange final : public Change {
 /// One entry of a node's alias list that came, went or was renamed: empty means no entry.
 class AliasChange final : public Change {
  public:
-  AliasChange(Graph::Impl& impl, const Plug& plug, std::size_t position, std::string before, std::string after)
-      : impl_(impl), node_(plug.node()->shared_from_this()), plug_(plug), position_(position),
-        before_(std::move(before)), after_(std::move(after)) {}
+  AliasChange(Graph::Impl& impl, const Plug& plug, std::size_t position, std::string before,
+              std::string after)
+      : impl_(impl),
+        node_(plug.node()->shared_from_this()),
+        plug_(plug),
+        position_(position),
+        before_(std::move(before)),
+        after_(std::move(after)) {}
   void undo() override { put(after_, before_); }
   void redo() override { put(before_, after_); }
   [[nodiscard]] std::size_t bytes() const override {
@@ -86,7 +102,8 @@ class AliasChange final : public Change {
 
   void put(const std::string& from, const std::string& to) {
     auto& entries = Graph::Impl::aliases(*node_);
-    const auto at = entries.begin() + static_cast<std::ptrdiff_t>(std::min(position_, entries.size()));
+    const auto at =
+        entries.begin() + static_cast<std::ptrdiff_t>(std::min(position_, entries.size()));
     if (from.empty())
       entries.insert(at, {to, plug_});
     else if (to.empty())
@@ -112,13 +129,16 @@ void giveTopIndex(Attribute& attribute, int topIndex) {
 
 void renumber(const Node& node) {
   int topIndex = static_cast<int>(node.type().attributes().size());
-  for (const AttributePtr& attribute : node.dynamicAttributes()) giveTopIndex(*attribute, topIndex++);
+  for (const AttributePtr& attribute : node.dynamicAttributes())
+    giveTopIndex(*attribute, topIndex++);
 }
 
 Result<void> checkNames(const Node& node, const Attribute& attribute) {
   for (const std::string* name : {&attribute.longName, &attribute.shortName}) {
-    if (name->empty()) return fail("An attribute of node '{}' cannot have an empty name", node.name());
-    if (node.findAttribute(*name)) return fail("Node '{}' has an attribute '{}' already", node.name(), *name);
+    if (name->empty())
+      return fail("An attribute of node '{}' cannot have an empty name", node.name());
+    if (node.findAttribute(*name))
+      return fail("Node '{}' has an attribute '{}' already", node.name(), *name);
   }
   for (const AttributePtr& child : attribute.children) HOST_TRY(checkNames(node, *child));
   return {};
@@ -130,10 +150,14 @@ std::uint8_t bitOf(Graph::PlugFlag which) {
 
 bool attributeFlag(const Attribute& attribute, Graph::PlugFlag which) {
   switch (which) {
-    case Graph::PlugFlag::Locked: return false;
-    case Graph::PlugFlag::Keyable: return attribute.keyable;
-    case Graph::PlugFlag::ChannelBox: return attribute.channelBox;
-    case Graph::PlugFlag::Caching: return attribute.cached;
+    case Graph::PlugFlag::Locked:
+      return false;
+    case Graph::PlugFlag::Keyable:
+      return attribute.keyable;
+    case Graph::PlugFlag::ChannelBox:
+      return attribute.channelBox;
+    case Graph::PlugFlag::Caching:
+      return attribute.cached;
   }
   return false;
 }
@@ -142,7 +166,8 @@ bool attributeFlag(const Attribute& attribute, Graph::PlugFlag which) {
 
 void Graph::Impl::putAttribute(Node& node, const AttributePtr& attribute, std::size_t position,
                                std::unique_ptr<Slot> slot) {
-  node.dynamicAttributes_.insert(node.dynamicAttributes_.begin() + static_cast<std::ptrdiff_t>(position), attribute);
+  node.dynamicAttributes_.insert(
+      node.dynamicAttributes_.begin() + static_cast<std::ptrdiff_t>(position), attribute);
   std::erase(node.removedAttributes_, attribute);
   renumber(node);
   const auto top = static_cast<std::size_t>(attribute->topIndex);
@@ -161,10 +186,7 @@ std::unique_ptr<Slot> Graph::Impl::takeAttribute(Node& node, std::size_t positio
   const auto top = static_cast<std::size_t>(attribute->topIndex);
   std::unique_ptr<Slot> slot;
   if (top < node.slots_.size()) {
-    // Connections made without a record would be left hanging.
-    if (node.slots_[top])
-      for (const auto& [source, destination] : connectionsBelow(*node.slots_[top], true, true))
-        unwire(source, destination);
+    if (node.slots_[top]) unwireBelow(*node.slots_[top]);
     slot = std::move(node.slots_[top]);
     node.slots_.erase(node.slots_.begin() + static_cast<std::ptrdiff_t>(top));
   }
@@ -179,10 +201,13 @@ std::unique_ptr<Slot> Graph::Impl::takeAttribute(Node& node, std::size_t positio
 Result<const Attribute*> Graph::addAttribute(Node& node, AttributePtr attribute) {
   if (!node.isAlive()) return fail("Node '{}' is deleted", node.name());
   if (node.isLocked()) return fail("Node '{}' is locked: no attribute can be added", node.name());
-  if (attribute->parent) return fail("'{}' is part of '{}': add that", attribute->longName, attribute->parent->longName);
+  if (attribute->parent)
+    return fail("'{}' is part of '{}': add that", attribute->longName, attribute->parent->longName);
   HOST_TRY(checkNames(node, *attribute));
-  if (attribute->arrayLevels() > Plug::kMaxLevels) return fail("'{}' nests too many arrays", attribute->longName);
-  if (attribute->topIndex >= 0 || attribute->flatIndex >= 0) attribute = attribute->clone();  // it belongs to another node
+  if (attribute->arrayLevels() > Plug::kMaxLevels)
+    return fail("'{}' nests too many arrays", attribute->longName);
+  if (attribute->topIndex >= 0 || attribute->flatIndex >= 0)
+    attribute = attribute->clone();  // it belongs to another node
   const std::size_t position = node.dynamicAttributes().size();
   impl_->putAttribute(node, attribute, position, nullptr);
   impl_->record<AttributeLifeChange>(node.shared_from_this(), attribute, position, nullptr, true);
@@ -193,9 +218,11 @@ Result<void> Graph::removeAttribute(Node& node, const Attribute* attribute) {
   if (!node.isAlive()) return fail("Node '{}' is deleted", node.name());
   if (node.isLocked()) return fail("Node '{}' is locked: no attribute can be removed", node.name());
   const auto& dynamic = node.dynamicAttributes();
-  const auto at = std::ranges::find_if(dynamic, [&](const AttributePtr& each) { return each.get() == attribute; });
+  const auto at = std::ranges::find_if(
+      dynamic, [&](const AttributePtr& each) { return each.get() == attribute; });
   if (at == dynamic.end())
-    return fail("'{}' on node '{}' was not added by a user and cannot be removed", attribute->longName, node.name());
+    return fail("'{}' on node '{}' was not added by a user and cannot be removed",
+                attribute->longName, node.name());
   const Plug plug(&node, attribute);
   if (isLockedHereOrAbove(plug)) return fail("'{}' is locked", plug.name());
   const AttributePtr keep = *at;
@@ -210,7 +237,8 @@ Result<void> Graph::removeAttribute(Node& node, const Attribute* attribute) {
   }
   impl_->dropAliasesBelow(plug);
   std::unique_ptr<Slot> slot = impl_->takeAttribute(node, position);
-  impl_->record<AttributeLifeChange>(node.shared_from_this(), keep, position, std::move(slot), false);
+  impl_->record<AttributeLifeChange>(node.shared_from_this(), keep, position, std::move(slot),
+                                     false);
   return {};
 }
 
@@ -248,15 +276,18 @@ Result<void> Graph::setAlias(const Plug& plug, std::string alias) {
   HOST_TRY(checkPlug(plug));
   Node& node = *plug.node();
   auto& entries = Impl::aliases(node);
-  const auto at = std::ranges::find_if(entries, [&](const auto& entry) { return entry.second == plug; });
+  const auto at =
+      std::ranges::find_if(entries, [&](const auto& entry) { return entry.second == plug; });
   const std::string before = at == entries.end() ? std::string() : at->first;
   if (alias == before) return {};
   if (!alias.empty()) {
-    if (node.findAttribute(alias)) return fail("Node '{}' has an attribute '{}' already", node.name(), alias);
-    if (findAlias(node, alias)) return fail("Node '{}' has an alias '{}' already", node.name(), alias);
+    if (node.findAttribute(alias))
+      return fail("Node '{}' has an attribute '{}' already", node.name(), alias);
+    if (findAlias(node, alias))
+      return fail("Node '{}' has an alias '{}' already", node.name(), alias);
   }
-  auto change = std::make_unique<AliasChange>(*impl_, plug, static_cast<std::size_t>(at - entries.begin()), before,
-                                              std::move(alias));
+  auto change = std::make_unique<AliasChange>(
+      *impl_, plug, static_cast<std::size_t>(at - entries.begin()), before, std::move(alias));
   change->redo();
   if (isRecording()) recorder_->record(std::move(change));
   return {};

@@ -12,18 +12,27 @@ class WireChange final : public Change {
   struct Created {
     int source, destination;
   };
-  WireChange(Graph::Impl& impl, const Plug& source, const Plug& destination, ValueTree free, bool isMaking,
-             std::ptrdiff_t position, Created created = {-1, -1})
-      : impl_(impl), sourceNode_(source.node()->shared_from_this()),
-        destinationNode_(destination.node()->shared_from_this()), source_(source), destination_(destination),
-        free_(std::move(free)), isMaking_(isMaking), position_(position), created_(created) {}
+  WireChange(Graph::Impl& impl, const Plug& source, const Plug& destination, ValueTree free,
+             bool isMaking, std::ptrdiff_t position, Created created = {-1, -1})
+      : impl_(impl),
+        sourceNode_(source.node()->shared_from_this()),
+        destinationNode_(destination.node()->shared_from_this()),
+        source_(source),
+        destination_(destination),
+        free_(std::move(free)),
+        isMaking_(isMaking),
+        position_(position),
+        created_(created) {}
 
   void undo() override { isMaking_ ? unmake() : make(); }
   void redo() override { isMaking_ ? make() : unmake(); }
-  [[nodiscard]] std::size_t bytes() const override { return sizeof *this - sizeof free_ + free_.bytes(); }
+  [[nodiscard]] std::size_t bytes() const override {
+    return sizeof *this - sizeof free_ + free_.bytes();
+  }
 
  private:
-  // Edits without a record in between may have taken a node or the connection: then there is nothing to do.
+  // Edits without a record in between may have taken a node or the connection: then there is
+  // nothing to do.
   void make() {
     if (!isUsable(source_) || !isUsable(destination_)) return;
     if (impl_.graph.source(destination_)) return;
@@ -52,11 +61,16 @@ class WireChange final : public Change {
 class ResetChange final : public Change {
  public:
   ResetChange(Graph::Impl& impl, const Plug& plug, ValueTree before, ValueTree after)
-      : impl_(impl), node_(plug.node()->shared_from_this()), plug_(plug), before_(std::move(before)),
+      : impl_(impl),
+        node_(plug.node()->shared_from_this()),
+        plug_(plug),
+        before_(std::move(before)),
         after_(std::move(after)) {}
   void undo() override { put(before_); }
   void redo() override { put(after_); }
-  [[nodiscard]] std::size_t bytes() const override { return sizeof *this + before_.bytes() + after_.bytes(); }
+  [[nodiscard]] std::size_t bytes() const override {
+    return sizeof *this + before_.bytes() + after_.bytes();
+  }
 
  private:
   void put(const ValueTree& tree) {
@@ -76,20 +90,24 @@ bool carriesWord(const Attribute& generic, const Attribute& other) {
 }
 
 bool isPayload(const Attribute& attribute, std::string_view word) {
-  if (attribute.type == AttributeType::Typed) return attribute.dataType.empty() || attribute.dataType == word;
+  if (attribute.type == AttributeType::Typed)
+    return attribute.dataType.empty() || attribute.dataType == word;
   return (attribute.type == AttributeType::Matrix || attribute.type == AttributeType::String) &&
          attribute.typeWord() == word;
 }
 
 /// Whether values of one attribute fit the other, arrays left aside.
 bool kindsFit(const Attribute& from, const Attribute& to) {
-  if (from.type == AttributeType::Message || to.type == AttributeType::Message) return from.type == to.type;
+  if (from.type == AttributeType::Message || to.type == AttributeType::Message)
+    return from.type == to.type;
   if (to.type == AttributeType::Generic) return carriesWord(to, from);
   if (from.type == AttributeType::Generic) return carriesWord(from, to);
   if (from.isCompound() || to.isCompound()) {
-    if (!from.isCompound() || !to.isCompound() || from.children.size() != to.children.size()) return false;
+    if (!from.isCompound() || !to.isCompound() || from.children.size() != to.children.size())
+      return false;
     for (std::size_t i = 0; i < from.children.size(); ++i)
-      if (from.children[i]->isArray != to.children[i]->isArray || !kindsFit(*from.children[i], *to.children[i]))
+      if (from.children[i]->isArray != to.children[i]->isArray ||
+          !kindsFit(*from.children[i], *to.children[i]))
         return false;
     return true;
   }
@@ -105,16 +123,20 @@ Result<void> checkEnds(const Plug& source, const Plug& destination) {
       return fail("{} is not an index of '{}'", end->logicalIndex(), end->array().name());
   }
   if (isAtOrBelow(source, destination) || isAtOrBelow(destination, source))
-    return fail("'{}' and '{}' are parts of each other and cannot be connected", source.name(), destination.name());
-  if (!source.attribute()->readable) return fail("'{}' is not readable and cannot be a source", source.name());
-  if (!destination.attribute()->writable)
-    return fail("'{}' is not writable and cannot be connected from '{}'", destination.name(), source.name());
-  if (source.isArray() != destination.isArray())
-    return fail("'{}' and '{}' cannot be connected: one is an array, the other is not", source.name(),
+    return fail("'{}' and '{}' are parts of each other and cannot be connected", source.name(),
                 destination.name());
+  if (!source.attribute()->readable)
+    return fail("'{}' is not readable and cannot be a source", source.name());
+  if (!destination.attribute()->writable)
+    return fail("'{}' is not writable and cannot be connected from '{}'", destination.name(),
+                source.name());
+  if (source.isArray() != destination.isArray())
+    return fail("'{}' and '{}' cannot be connected: one is an array, the other is not",
+                source.name(), destination.name());
   if (!kindsFit(*source.attribute(), *destination.attribute()))
     return fail("'{}' of type {} cannot be connected to '{}' of type {}", source.name(),
-                source.attribute()->typeWord(), destination.name(), destination.attribute()->typeWord());
+                source.attribute()->typeWord(), destination.name(),
+                destination.attribute()->typeWord());
   return {};
 }
 
@@ -126,15 +148,18 @@ Result<void> askTypes(const Plug& own, const Plug& other, bool ownIsSource) {
 
 void tellTypes(const Plug& own, const Plug& other, bool ownIsSource, bool made) {
   for (const NodeType* type = &own.node()->type(); type; type = type->base)
-    if (type->connectionChanged) type->connectionChanged(*own.node(), own, other, ownIsSource, made);
+    if (type->connectionChanged)
+      type->connectionChanged(*own.node(), own, other, ownIsSource, made);
 }
 
-void collect(const Slot& slot, bool incoming, bool outgoing, std::vector<Graph::Connection>& result) {
+void collect(const Slot& slot, bool incoming, bool outgoing,
+             std::vector<Graph::Connection>& result) {
   if ((!incoming || slot.incoming == 0) && (!outgoing || slot.outgoing == 0)) return;
   if (slot.wiring) {
     if (incoming && slot.isDriven()) result.push_back({slot.wiring->source, plugOf(slot)});
     if (outgoing)
-      for (const Plug& destination : slot.wiring->destinations) result.push_back({plugOf(slot), destination});
+      for (const Plug& destination : slot.wiring->destinations)
+        result.push_back({plugOf(slot), destination});
   }
   for (const auto& below : slot.below)
     if (below) collect(*below, incoming, outgoing, result);
@@ -148,7 +173,8 @@ std::vector<Graph::Connection> collectNode(const Node& node, bool incoming) {
 }
 
 void dropEmptyWiring(Slot& slot) {
-  if (slot.wiring && !slot.wiring->source && slot.wiring->destinations.empty() && slot.wiring->flagMask == 0)
+  if (slot.wiring && !slot.wiring->source && slot.wiring->destinations.empty() &&
+      slot.wiring->flagMask == 0)
     slot.wiring.reset();
 }
 
@@ -161,7 +187,8 @@ void Graph::Impl::wire(const Plug& source, const Plug& destination, std::ptrdiff
   to.wires().source = source;
   std::vector<Plug>& destinations = from.wires().destinations;
   const auto count = static_cast<std::ptrdiff_t>(destinations.size());
-  destinations.insert(destinations.begin() + (position < 0 ? count : std::min(position, count)), destination);
+  destinations.insert(destinations.begin() + (position < 0 ? count : std::min(position, count)),
+                      destination);
   for (Slot* slot = &from; slot; slot = slot->parent) ++slot->outgoing;
   for (Slot* slot = &to; slot; slot = slot->parent) ++slot->incoming;
   visitSlots(to, [](Slot& slot) { slot.isDirty = slot.isLeaf() || slot.isArray; });
@@ -175,10 +202,10 @@ std::ptrdiff_t Graph::Impl::unwire(const Plug& source, const Plug& destination) 
   Slot& from = *makeSlot(source, true).slot;
   Slot& to = *makeSlot(destination, true).slot;
   std::vector<Plug>& destinations = from.wires().destinations;
-  const auto at = std::find(destinations.begin(), destinations.end(), destination);
-  HOST_ASSERT(at != destinations.end() && to.isDriven(), "unwire only what is connected");
-  const std::ptrdiff_t position = at - destinations.begin();
-  destinations.erase(at);
+  const auto after = std::find(destinations.rbegin(), destinations.rend(), destination).base();
+  HOST_ASSERT(after != destinations.begin() && to.isDriven(), "unwire only what is connected");
+  const std::ptrdiff_t position = after - destinations.begin() - 1;
+  destinations.erase(after - 1);
   to.wires().source = Plug();
   for (Slot* slot = &from; slot; slot = slot->parent) --slot->outgoing;
   for (Slot* slot = &to; slot; slot = slot->parent) --slot->incoming;
@@ -188,7 +215,8 @@ std::ptrdiff_t Graph::Impl::unwire(const Plug& source, const Plug& destination) 
   const bool isStillDriven = to.incoming > 0;
   visitSlots(to, [&](Slot& slot) {
     const bool keepsOwn = isStillDriven && (slot.incoming > 0 || driverOf(&slot).slot);
-    slot.isDirty = (slot.isLeaf() || slot.isArray) && (keepsOwn || startsDirty(type, *slot.attribute));
+    slot.isDirty =
+        (slot.isLeaf() || slot.isArray) && (keepsOwn || startsDirty(type, *slot.attribute));
   });
   spread(destination);
   tellTypes(source, destination, true, false);
@@ -204,6 +232,11 @@ void Graph::Impl::breakConnection(const Plug& source, const Plug& destination, b
   ValueTree free = isRecording ? captureValues(destination) : ValueTree();
   const std::ptrdiff_t position = unwire(source, destination);
   if (isRecording) record<WireChange>(source, destination, std::move(free), false, position);
+}
+
+void Graph::Impl::unwireBelow(const Slot& slot) {
+  for (const auto& [source, destination] : connectionsBelow(slot, true, true))
+    if (graph.source(destination) == source) unwire(source, destination);
 }
 
 void Graph::Impl::restoreFree(const Plug& plug, const ValueTree& tree) {
@@ -229,11 +262,13 @@ void Graph::Impl::afterDisconnect(const Plug& destination) {
       record<ResetChange>(destination, std::move(before), std::move(after));
       break;
     }
-    case DisconnectBehavior::Nothing: break;
+    case DisconnectBehavior::Nothing:
+      break;
   }
 }
 
-std::vector<Graph::Connection> Graph::Impl::connectionsBelow(const Slot& slot, bool incoming, bool outgoing) {
+std::vector<Graph::Connection> Graph::Impl::connectionsBelow(const Slot& slot, bool incoming,
+                                                             bool outgoing) {
   std::vector<Connection> result;
   collect(slot, incoming, outgoing, result);
   return result;
@@ -249,12 +284,13 @@ Result<void> Graph::connect(const Plug& from, const Plug& to, bool force) {
   // A plug, the compounds above it and their children cannot be driven from several sides.
   std::vector<Connection> inTheWay;
   const Place place = locate(to);
-  for (const Slot* slot = place.slot ? place.slot->parent : place.deepest; slot; slot = slot->parent)
+  for (const Slot* slot = place.slot ? place.slot->parent : place.deepest; slot;
+       slot = slot->parent)
     if (slot->isDriven()) inTheWay.push_back({slot->wiring->source, plugOf(*slot)});
   if (place.slot) collect(*place.slot, true, false, inTheWay);
   if (!inTheWay.empty() && !force)
-    return fail("'{}' has an incoming connection from '{}' already", inTheWay.front().destination.name(),
-                inTheWay.front().source.name());
+    return fail("'{}' has an incoming connection from '{}' already",
+                inTheWay.front().destination.name(), inTheWay.front().source.name());
   for (const Connection& old : inTheWay) impl_->breakConnection(old.source, old.destination, false);
 
   const int createdSource = impl_->makeElements(from, true);
@@ -262,7 +298,7 @@ Result<void> Graph::connect(const Plug& from, const Plug& to, bool force) {
   ValueTree free = isRecording() ? captureValues(to) : ValueTree();
   impl_->wire(from, to, -1);
   impl_->record<WireChange>(from, to, std::move(free), true, std::ptrdiff_t{-1},
-                             WireChange::Created{createdSource, createdDestination});
+                            WireChange::Created{createdSource, createdDestination});
   return {};
 }
 
@@ -294,7 +330,11 @@ bool Graph::isDriven(const Plug& plug) const {
   return false;
 }
 
-std::vector<Graph::Connection> Graph::incoming(const Node& node) const { return collectNode(node, true); }
-std::vector<Graph::Connection> Graph::outgoing(const Node& node) const { return collectNode(node, false); }
+std::vector<Graph::Connection> Graph::incoming(const Node& node) const {
+  return collectNode(node, true);
+}
+std::vector<Graph::Connection> Graph::outgoing(const Node& node) const {
+  return collectNode(node, false);
+}
 
 }  // namespace host::dg

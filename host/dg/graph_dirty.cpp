@@ -14,14 +14,16 @@ bool markBelow(Slot& slot) {
 
 /// Visits all slots that an attribute has on a node, over all elements of the arrays above it.
 template <class Visit>
-void visitInstances(Slot& slot, const Attribute* const* way, std::size_t steps, const Visit& visit) {
+void visitInstances(Slot& slot, const Attribute* const* way, std::size_t steps,
+                    const Visit& visit) {
   if (steps == 1) {
     visit(slot);
   } else if (slot.isArray) {
     for (const auto& element : slot.below) visitInstances(*element, way, steps, visit);
   } else {
     const auto child = static_cast<std::size_t>(way[1]->childIndex);
-    if (child < slot.below.size() && slot.below[child]) visitInstances(*slot.below[child], way + 1, steps - 1, visit);
+    if (child < slot.below.size() && slot.below[child])
+      visitInstances(*slot.below[child], way + 1, steps - 1, visit);
   }
 }
 
@@ -42,7 +44,8 @@ void visitInstances(Node& node, const Attribute& attribute, const Visit& visit) 
 /// Makes the slots of all leaves of a plug that exists, so that they can carry a mark.
 void makeLeaves(const Plug& plug) {
   if (plug.isCompound())
-    for (const AttributePtr& child : plug.attribute()->children) makeLeaves(plug.child(child.get()));
+    for (const AttributePtr& child : plug.attribute()->children)
+      makeLeaves(plug.child(child.get()));
   else
     makeSlot(plug, true);
 }
@@ -54,7 +57,7 @@ void Graph::Impl::mark(Slot& slot, bool isReachDone, std::vector<DirtyStep>& wor
   for (Slot* above = slot.parent; above; above = above->parent)
     if (above->isArray && above->node->type().isComputed(above->attribute)) above->isDirty = true;
   const Plug plug = plugOf(slot);
-  notify([&](GraphObserver& observer) { observer.plugDirty(plug); });
+  if (!observers.empty()) marked.push_back(plug);
   work.push_back({plug, isReachDone});
 }
 
@@ -81,7 +84,8 @@ void Graph::Impl::spreadStep(const DirtyStep& step, std::vector<DirtyStep>& work
   const auto markDestination = [&](const Plug& destination) {
     if (Slot* slot = locate(destination).slot) mark(*slot, false, work);
   };
-  // A connection above carries the change to the part that corresponds; an array on the way is carried whole.
+  // A connection above carries the change to the part that corresponds; an array on the way is
+  // carried whole.
   const Attribute* part = plug.attribute();
   for (Slot* slot = place.deepest; slot; slot = slot->parent) {
     if (slot->isArray) part = slot->attribute;
@@ -105,7 +109,6 @@ void Graph::Impl::spreadStep(const DirtyStep& step, std::vector<DirtyStep>& work
 }
 
 void Graph::Impl::spread(const Plug& plug) {
-  notify([&](GraphObserver& observer) { observer.plugDirty(plug); });
   std::vector<DirtyStep> work = std::move(spareWork);
   work.assign(1, {plug, false});
   while (!work.empty()) {
@@ -114,12 +117,19 @@ void Graph::Impl::spread(const Plug& plug) {
     spreadStep(step, work);
   }
   spareWork = std::move(work);
+  if (observers.empty()) return;
+  const std::vector<Plug> all = std::exchange(marked, {});
+  notify([&](GraphObserver& observer) {
+    observer.plugDirty(plug);
+    for (const Plug& each : all) observer.plugDirty(each);
+  });
 }
 
 void Graph::Impl::markClean(const Plug& plug) {
   if (!checkPlug(plug)) return;
   if (plug.isArray()) {
-    if (Slot* slot = makeSlot(plug, true).slot) visitSlots(*slot, [](Slot& each) { each.isDirty = false; });
+    if (Slot* slot = makeSlot(plug, true).slot)
+      visitSlots(*slot, [](Slot& each) { each.isDirty = false; });
     return;
   }
   const Place place = locate(plug);
@@ -144,12 +154,15 @@ bool Graph::isDirty(const Plug& plug) const {
     return false;
   }
   if (!plug.isArray()) return Impl::needsRefresh(plug, place);
-  if (!place.slot) return plug.node()->type().isComputed(plug.attribute()) || Impl::driverOf(place.deepest).slot;
+  if (!place.slot)
+    return plug.node()->type().isComputed(plug.attribute()) || Impl::driverOf(place.deepest).slot;
   bool isAnyDirty = false;
   visitSlots(*place.slot, [&](const Slot& slot) { isAnyDirty = isAnyDirty || slot.isDirty; });
   return isAnyDirty;
 }
 
-void DataBlock::setClean(const Plug& plug) { graph_.impl_->markClean(plug); }
+void DataBlock::setClean(const Plug& plug) {
+  graph_.impl_->markClean(plug);
+}
 
 }  // namespace host::dg

@@ -6,9 +6,11 @@
 namespace host::dg {
 namespace {
 
-/// Evaluations nested deeper than this bring everything upstream up to date first, without recursion.
+/// Evaluations nested deeper than this bring everything upstream up to date first, without
+/// recursion.
 constexpr int kDirectDepth = 64;
-/// The end for chains whose dependencies cannot be seen in advance (those that only `dependentsDirty` knows).
+/// The end for chains whose dependencies cannot be seen in advance (those that only
+/// `dependentsDirty` knows).
 constexpr int kMaxDepth = 1000;
 
 bool isReached(const NodeType& type, const Attribute& from, const Attribute& target) {
@@ -66,7 +68,8 @@ Result<void> Graph::Impl::evaluating(const Plug& plug, Slot& slot, const Work& w
     return {};
   }
   if (const auto known = failed.find(&slot); known != failed.end()) return failWith(known->second);
-  if (depth >= kMaxDepth) return fail("'{}' depends on a chain that is too long to evaluate", plug.name());
+  if (depth >= kMaxDepth)
+    return fail("'{}' depends on a chain that is too long to evaluate", plug.name());
   struct Scope {
     Impl& impl;
     const Plug& plug;
@@ -82,7 +85,11 @@ Result<void> Graph::Impl::evaluating(const Plug& plug, Slot& slot, const Work& w
   const Scope scope{*this, plug};
   if (depth > kDirectDepth) refreshUpstream(plug);
   Result<void> result = work();
-  if (!result) failed.insert_or_assign(&slot, result.error());
+  if (!result) {
+    failed.insert_or_assign(&slot, result.error());
+    // In a cycle somebody took the last value and counts as clean, though this plug is not.
+    if (isCycleReported) spread(plug);
+  }
   if (result) attributeEvent(AttributeEvent::Evaluated, plug);
   return result;
 }
@@ -103,7 +110,8 @@ Result<void> Graph::Impl::refreshLeaf(const Plug& plug) {
     return {};
   }
   Slot& slot = place.slot ? *place.slot : *makeSlot(plug, true).slot;
-  return evaluating(plug, slot, [&] { return driver.slot ? fetchLeaf(plug, *driver.slot) : compute(plug); });
+  return evaluating(plug, slot,
+                    [&] { return driver.slot ? fetchLeaf(plug, *driver.slot) : compute(plug); });
 }
 
 Result<void> Graph::Impl::fetchLeaf(const Plug& plug, const Slot& driver) {
@@ -112,8 +120,9 @@ Result<void> Graph::Impl::fetchLeaf(const Plug& plug, const Slot& driver) {
     const auto value = graph.get(from);
     if (!value) return failWith(value.error());
     auto converted = plug.attribute()->convert(*value);
-    if (!converted) return fail("'{}' cannot take the value of '{}': {}", plug.name(), from.name(),
-                                converted.error().message);
+    if (!converted)
+      return fail("'{}' cannot take the value of '{}': {}", plug.name(), from.name(),
+                  converted.error().message);
     const Result<bool> handled = setInternally(plug, *converted);
     if (!handled) return failWith(handled.error());
     if (!*handled) writeLeaf(plug, *std::move(converted));
@@ -134,7 +143,8 @@ Result<void> Graph::Impl::refreshCompound(const Plug& plug) {
       }));
     }
   }
-  for (const AttributePtr& child : plug.attribute()->children) HOST_TRY(refresh(plug.child(child.get())));
+  for (const AttributePtr& child : plug.attribute()->children)
+    HOST_TRY(refresh(plug.child(child.get())));
   return {};
 }
 
@@ -146,7 +156,8 @@ Result<void> Graph::Impl::refreshArray(const Plug& plug) {
     if (place.isMissing || (!isComputed && !driver.slot)) return {};
     place.slot = makeSlot(plug, true).slot;
   }
-  if (driver.unit && driver.unit != place.slot && driver.unit->isArray) return refreshArray(plugOf(*driver.unit));
+  if (driver.unit && driver.unit != place.slot && driver.unit->isArray)
+    return refreshArray(plugOf(*driver.unit));
   if (place.slot->isDirty) {
     HOST_TRY(evaluating(plug, *place.slot, [&]() -> Result<void> {
       if (driver.slot) return fetchArray(*place.slot, *driver.slot);
@@ -187,7 +198,8 @@ Result<Computed> Graph::Impl::computeExactly(const Plug& plug) {
 }
 
 Result<void> Graph::Impl::compute(const Plug& plug) {
-  // Types may know an output by its own plug only, or by that of the compound or array it is part of.
+  // Types may know an output by its own plug only, or by that of the compound or array it is part
+  // of.
   for (Plug part = plug; part; part = part.isElement() ? part.array() : part.parent()) {
     const Result<Computed> computed = computeExactly(part);
     if (!computed) return failWith(computed.error());
@@ -217,7 +229,8 @@ void Graph::Impl::collectDirtyInputs(const Plug& plug, std::vector<Plug>& inputs
     if (slot) collectDriven(*slot, driven);
   const bool isKnown = type.isComputed(plug.attribute());
   for (std::size_t i = 0; i < driven.size(); ++i)
-    if (i < own || !isKnown || isReached(type, *driven[i]->attribute, *plug.attribute())) add(plugOf(*driven[i]));
+    if (i < own || !isKnown || isReached(type, *driven[i]->attribute, *plug.attribute()))
+      add(plugOf(*driven[i]));
 }
 
 void Graph::Impl::refreshUpstream(const Plug& plug) {
@@ -249,6 +262,8 @@ void Graph::Impl::refreshUpstream(const Plug& plug) {
   }
 }
 
-Result<void> Graph::evaluate(const Plug& plug) { return impl_->refresh(plug); }
+Result<void> Graph::evaluate(const Plug& plug) {
+  return impl_->refresh(plug);
+}
 
 }  // namespace host::dg

@@ -3,12 +3,16 @@
 namespace host::dg {
 namespace {
 
-std::uint64_t hashText(std::string_view text, std::uint64_t seed) { return hashBytes(text.data(), text.size(), seed); }
+std::uint64_t hashText(std::string_view text, std::uint64_t seed) {
+  return hashBytes(text.data(), text.size(), seed);
+}
 
-std::uint64_t hashPlug(const Plug& plug, std::uint64_t seed) { return hashText(plug.name(), seed); }
+std::uint64_t hashPlug(const Plug& plug, std::uint64_t seed) {
+  return hashText(plug.name(), seed);
+}
 
-/// Gathers one node's digest, slot by slot. Slots that hold nothing but defaults add nothing, so that it does not
-/// matter which ones were made.
+/// Gathers one node's digest, slot by slot. Slots that hold nothing but defaults add nothing, so
+/// that it does not matter which ones were made.
 class NodeHash {
  public:
   explicit NodeHash(const Node& node) : node_(node) {}
@@ -37,9 +41,11 @@ class NodeHash {
     const Wiring& wiring = *slot.wiring;
     const Plug plug = plugOf(slot);
     if (wiring.source) mix(hashPlug(plug, hashPlug(wiring.source, 1)));
-    for (const Plug& destination : wiring.destinations) mix(hashPlug(plug, hashPlug(destination, 2)));
+    for (const Plug& destination : wiring.destinations)
+      mix(hashPlug(plug, hashPlug(destination, 2)));
     if (wiring.flagMask != 0)
-      mix(hashPlug(plug, static_cast<std::uint64_t>(wiring.flagMask) << 8 | (wiring.flagMask & wiring.flagBits)));
+      mix(hashPlug(plug, static_cast<std::uint64_t>(wiring.flagMask) << 8 |
+                             (wiring.flagMask & wiring.flagBits)));
   }
 
   void addElements(const Slot& slot) {
@@ -63,7 +69,8 @@ class NodeHash {
     if (!element || element->incoming == 0) return false;
     if (element->isDriven()) return true;
     const std::size_t column = position % stride;
-    return column < element->below.size() && element->below[column] && element->below[column]->isDriven();
+    return column < element->below.size() && element->below[column] &&
+           element->below[column]->isDriven();
   }
 
   void addLeaf(const Slot& slot) {
@@ -80,10 +87,12 @@ class NodeHash {
 
 std::uint64_t Graph::storedHash(const Node& node) const {
   NodeHash digest(node);
-  digest.mix(hashText(node.name(), hashText(node.type().name, hashText(node.uuid(), node.isLocked() ? 1 : 0))));
+  digest.mix(hashText(node.name(),
+                      hashText(node.type().name, hashText(node.uuid(), node.isLocked() ? 1 : 0))));
   for (const AttributePtr& attribute : node.dynamicAttributes())
     digest.mix(hashText(attribute->longName, hashText(attribute->typeWord(), 0)));
-  for (const auto& [alias, plug] : Impl::aliases(node)) digest.mix(hashPlug(plug, hashText(alias, 5)));
+  for (const auto& [alias, plug] : Impl::aliases(node))
+    digest.mix(hashPlug(plug, hashText(alias, 5)));
   for (const auto& slot : NodeAccess::slots(node))
     if (slot) digest.add(*slot, false);
   return digest.result();

@@ -8,8 +8,8 @@
 #include "host/dg/graph.h"
 #include "host/dg/slot.h"
 
-// The graph's inner primitives, private to this folder: edits that are neither checked nor recorded, from which the
-// checked ones and the records are made.
+// The graph's inner primitives, private to this folder: edits that are neither checked nor
+// recorded, from which the checked ones and the records are made.
 
 namespace host::dg {
 
@@ -40,7 +40,8 @@ struct Graph::Impl {
   }
   template <class Record, class... Args>
   void record(Args&&... args) {
-    if (graph.isRecording()) graph.recorder_->record(std::make_unique<Record>(*this, std::forward<Args>(args)...));
+    if (graph.isRecording())
+      graph.recorder_->record(std::make_unique<Record>(*this, std::forward<Args>(args)...));
   }
 
   // --- nodes (graph_nodes.cpp)
@@ -61,9 +62,11 @@ struct Graph::Impl {
   Result<void> apply(const Plug& plug, const Value& value, bool isClean);
 
   // --- elements (graph_arrays.cpp)
-  /// Makes the elements on the way to a plug and tells of them; the first level that was missing, or -1.
+  /// Makes the elements on the way to a plug and tells of them; the first level that was missing,
+  /// or -1.
   int makeElements(const Plug& plug, bool wired);
-  /// Refuses when an element on the way to a plug is missing from an array that is driven as a whole.
+  /// Refuses when an element on the way to a plug is missing from an array that is driven as a
+  /// whole.
   Result<void> checkCreatable(const Plug& plug);
   /// Takes back what makeElements made.
   void dropElements(const Plug& plug, int createdLevel);
@@ -76,27 +79,35 @@ struct Graph::Impl {
   std::ptrdiff_t unwire(const Plug& source, const Plug& destination);
   void breakConnection(const Plug& source, const Plug& destination, bool keepValue);
   void afterDisconnect(const Plug& destination);
+  /// Breaks what connects a slot and all below, with no record.
+  void unwireBelow(const Slot& slot);
   void restoreFree(const Plug& plug, const ValueTree& tree);
-  [[nodiscard]] static std::vector<Graph::Connection> connectionsBelow(const Slot& slot, bool incoming, bool outgoing);
+  [[nodiscard]] static std::vector<Graph::Connection> connectionsBelow(const Slot& slot,
+                                                                       bool incoming,
+                                                                       bool outgoing);
 
   // --- dynamic attributes, flags, aliases (graph_attributes.cpp)
-  void putAttribute(Node& node, const AttributePtr& attribute, std::size_t position, std::unique_ptr<Slot> slot);
+  void putAttribute(Node& node, const AttributePtr& attribute, std::size_t position,
+                    std::unique_ptr<Slot> slot);
   std::unique_ptr<Slot> takeAttribute(Node& node, std::size_t position);
   static auto& aliases(Node& node) { return node.aliases_; }
   static const auto& aliases(const Node& node) { return node.aliases_; }
   void dropAliasesBelow(const Plug& plug);
 
   // --- dirtiness (graph_dirty.cpp)
-  /// Marks all that depends on a plug, not the plug itself.
+  /// Marks all that depends on a plug, not the plug itself. Observers hear of it afterwards, so
+  /// that they may read.
   void spread(const Plug& plug);
   void spreadStep(const DirtyStep& step, std::vector<DirtyStep>& work);
   void askHooks(const Plug& plug, std::vector<DirtyStep>& work);
   void mark(Slot& slot, bool isReachDone, std::vector<DirtyStep>& work);
   void markClean(const Plug& plug);
-  std::vector<DirtyStep> spareWork;
+  std::vector<DirtyStep> spareWork;  ///< memory kept from one call to the next
+  std::vector<Plug> marked;          ///< plugs to tell observers of
 
   // --- evaluation (graph_evaluate.cpp)
-  /// Who drives a plug: the connected slot at or above it, and the array on the way that is then fetched as one.
+  /// Who drives a plug: the connected slot at or above it, and the array on the way that is then
+  /// fetched as one.
   struct Driver {
     Slot* slot = nullptr;
     Slot* unit = nullptr;
@@ -113,12 +124,14 @@ struct Graph::Impl {
   Result<Computed> computeExactly(const Plug& plug);
   void refreshUpstream(const Plug& plug);
   void collectDirtyInputs(const Plug& plug, std::vector<Plug>& inputs);
-  /// Runs `work` with the slot marked as being evaluated: cycles end here, errors are remembered for the pass.
+  /// Runs `work` with the slot marked as being evaluated: cycles end here, errors are remembered
+  /// for the pass.
   template <class Work>
   Result<void> evaluating(const Plug& plug, Slot& slot, const Work& work);
   int depth = 0;
   bool isCycleReported = false;
-  std::unordered_map<const Slot*, Error> failed;  ///< in this pass, so that a failing input is computed once
+  std::unordered_map<const Slot*, Error>
+      failed;  ///< in this pass, so that a failing input is computed once
 };
 
 }  // namespace host::dg

@@ -13,7 +13,8 @@ class NodeLifeChange final : public Change {
   void redo() override { isCreation_ ? impl_.putIn(node_) : impl_.takeOut(node_); }
   [[nodiscard]] std::size_t bytes() const override {
     if (isCreation_ && node_->isAlive()) return sizeof *this;
-    std::size_t total = sizeof *this + sizeof(Node) + node_->name().capacity() + node_->uuid().capacity();
+    std::size_t total =
+        sizeof *this + sizeof(Node) + node_->name().capacity() + node_->uuid().capacity();
     for (const auto& slot : NodeAccess::slots(*node_)) {
       total += sizeof slot;
       if (!slot) continue;
@@ -53,7 +54,8 @@ class RenameChange final : public Change {
 
 class UuidChange final : public Change {
  public:
-  UuidChange(Graph::Impl&, NodePtr node, std::string other) : node_(std::move(node)), other_(std::move(other)) {}
+  UuidChange(Graph::Impl&, NodePtr node, std::string other)
+      : node_(std::move(node)), other_(std::move(other)) {}
   void undo() override { Graph::Impl::swapUuid(*node_, other_); }
   void redo() override { Graph::Impl::swapUuid(*node_, other_); }
   [[nodiscard]] std::size_t bytes() const override { return sizeof *this + other_.capacity(); }
@@ -65,7 +67,8 @@ class UuidChange final : public Change {
 
 class NodeLockChange final : public Change {
  public:
-  NodeLockChange(Graph::Impl&, NodePtr node, bool locked) : node_(std::move(node)), locked_(locked) {}
+  NodeLockChange(Graph::Impl&, NodePtr node, bool locked)
+      : node_(std::move(node)), locked_(locked) {}
   void undo() override { Graph::Impl::setLocked(*node_, !locked_); }
   void redo() override { Graph::Impl::setLocked(*node_, locked_); }
 
@@ -75,8 +78,9 @@ class NodeLockChange final : public Change {
 };
 
 auto positionOf(const std::vector<NodePtr>& nodes, std::uint64_t serial) {
-  return std::lower_bound(nodes.begin(), nodes.end(), serial,
-                          [](const NodePtr& node, std::uint64_t wanted) { return node->serial() < wanted; });
+  return std::lower_bound(
+      nodes.begin(), nodes.end(), serial,
+      [](const NodePtr& node, std::uint64_t wanted) { return node->serial() < wanted; });
 }
 
 template <class Call>
@@ -91,10 +95,11 @@ void callFromBaseOn(const NodeType* type, const Call& call) {
 Graph::Impl::Impl(Graph& graphIn) : graph(graphIn), random(std::random_device{}()) {}
 
 std::string Graph::Impl::makeUuid() {
-  const std::uint64_t high = (random() & ~0xF000ull) | 0x4000ull;                            // version 4
-  const std::uint64_t low = (random() & 0x3FFFFFFFFFFFFFFFull) | 0x8000000000000000ull;  // its variant
-  return fmt::format("{:08X}-{:04X}-{:04X}-{:04X}-{:012X}", high >> 32, (high >> 16) & 0xFFFF, high & 0xFFFF,
-                     low >> 48, low & 0xFFFFFFFFFFFFull);
+  const std::uint64_t high = (random() & ~0xF000ull) | 0x4000ull;  // version 4
+  const std::uint64_t low =
+      (random() & 0x3FFFFFFFFFFFFFFFull) | 0x8000000000000000ull;  // its variant
+  return fmt::format("{:08X}-{:04X}-{:04X}-{:04X}-{:012X}", high >> 32, (high >> 16) & 0xFFFF,
+                     high & 0xFFFF, low >> 48, low & 0xFFFFFFFFFFFFull);
 }
 
 void Graph::Impl::putIn(const NodePtr& node) {
@@ -106,9 +111,8 @@ void Graph::Impl::putIn(const NodePtr& node) {
 
 void Graph::Impl::takeOut(const NodePtr& node) {
   if (!node->isAlive_) return;
-  // Connections made without a record would be left hanging.
-  for (const auto& [source, destination] : graph.incoming(*node)) unwire(source, destination);
-  for (const auto& [source, destination] : graph.outgoing(*node)) unwire(source, destination);
+  for (const auto& slot : node->slots_)
+    if (slot) unwireBelow(*slot);
   graph.nodes_.erase(positionOf(graph.nodes_, node->serial()));
   node->isAlive_ = false;
   notify([&](GraphObserver& observer) { observer.nodeRemoved(*node); });
@@ -128,7 +132,9 @@ Graph::~Graph() {
   }
 }
 
-void Graph::addObserver(GraphObserver* observer) { impl_->observers.push_back(observer); }
+void Graph::addObserver(GraphObserver* observer) {
+  impl_->observers.push_back(observer);
+}
 
 void Graph::removeObserver(GraphObserver* observer) {
   if (impl_->notifying > 0)
@@ -151,10 +157,13 @@ NodePtr Graph::createNode(const NodeType& type, std::string name) {
 Result<void> Graph::deleteNode(Node& node) {
   if (!node.isAlive()) return fail("Node '{}' is deleted already", node.name());
   if (node.isLocked()) return fail("Node '{}' is locked and cannot be deleted", node.name());
-  if (node.isDefault()) return fail("Node '{}' belongs to every scene and cannot be deleted", node.name());
+  if (node.isDefault())
+    return fail("Node '{}' belongs to every scene and cannot be deleted", node.name());
   const NodePtr keep = node.shared_from_this();
   impl_->notify([&](GraphObserver& observer) { observer.nodeAboutToBeRemoved(node); });
-  for (const auto& [from, to] : outgoing(node)) {
+  std::vector<Connection> leaving = outgoing(node);
+  std::ranges::reverse(leaving);  // the last destination of a source is the cheapest to take out
+  for (const auto& [from, to] : leaving) {
     if (source(to) != from) continue;  // gone with an element that an earlier one took along
     impl_->breakConnection(from, to, to.node() != &node);
     if (to.node() != &node) impl_->afterDisconnect(to);
@@ -188,7 +197,9 @@ void Graph::setUuid(Node& node, std::string uuid) {
   Impl::swapUuid(node, uuid);
 }
 
-void Graph::seedUuids(std::uint64_t seed) { impl_->random.seed(seed); }
+void Graph::seedUuids(std::uint64_t seed) {
+  impl_->random.seed(seed);
+}
 
 void Graph::clear() {
   std::vector<NodePtr> gone = nodes_;
@@ -201,7 +212,8 @@ void Graph::clear() {
     node->slots_.clear();
     node->aliases_.clear();
   }
-  for (const NodePtr& node : gone) impl_->notify([&](GraphObserver& observer) { observer.nodeRemoved(*node); });
+  for (const NodePtr& node : gone)
+    impl_->notify([&](GraphObserver& observer) { observer.nodeRemoved(*node); });
 }
 
 }  // namespace host::dg

@@ -8,7 +8,10 @@ namespace {
 class SetChange final : public Change {
  public:
   SetChange(Graph::Impl& impl, const Plug& plug, Value other, int createdLevel)
-      : impl_(impl), node_(plug.node()->shared_from_this()), plug_(plug), other_(std::move(other)),
+      : impl_(impl),
+        node_(plug.node()->shared_from_this()),
+        plug_(plug),
+        other_(std::move(other)),
         createdLevel_(createdLevel) {}
   void undo() override {
     exchange(false);
@@ -105,9 +108,11 @@ Result<void> Graph::settable(const Plug& plug) const {
   for (const Slot* slot = place.deepest; slot; slot = slot->parent) {
     if (isFlagged(*slot, PlugFlag::Locked)) return fail("'{}' is locked", plug.name());
     if (slot->isDriven())
-      return fail("'{}' is connected: its value comes from '{}'", plug.name(), slot->wiring->source.name());
+      return fail("'{}' is connected: its value comes from '{}'", plug.name(),
+                  slot->wiring->source.name());
   }
-  if (place.slot && place.slot->incoming > 0) return fail("'{}' has connected children", plug.name());
+  if (place.slot && place.slot->incoming > 0)
+    return fail("'{}' has connected children", plug.name());
   return {};
 }
 
@@ -135,7 +140,8 @@ Result<math::Vec3> Graph::getVec3(const Plug& compound) {
     const auto value = get(compound.child(axis));
     if (!value) return failWith(value.error());
     if (const auto* real = std::get_if<double>(&*value)) result[axis] = *real;
-    if (const auto* integer = std::get_if<std::int64_t>(&*value)) result[axis] = static_cast<double>(*integer);
+    if (const auto* integer = std::get_if<std::int64_t>(&*value))
+      result[axis] = static_cast<double>(*integer);
   }
   return result;
 }
@@ -153,7 +159,8 @@ void Graph::storeOutput(const Plug& plug, Value value) {
   if (auto usable = Impl::checkLeaf(plug); !usable) return;
   auto converted = plug.attribute()->convert(value);
   if (!converted) {
-    postMessage(MessageKind::Warning, fmt::format("'{}': {}", plug.name(), converted.error().message));
+    postMessage(MessageKind::Warning,
+                fmt::format("'{}': {}", plug.name(), converted.error().message));
     return;
   }
   makeSlot(plug, false);

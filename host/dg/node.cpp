@@ -18,6 +18,8 @@ const Attribute* Node::findAttribute(std::string_view name) const {
   return nullptr;
 }
 
-Plug Node::plug(std::string_view attributeName) { return Plug(this, findAttribute(attributeName)); }
+Plug Node::plug(std::string_view attributeName) {
+  return Plug(this, findAttribute(attributeName));
+}
 
 }  // namespace host::dg

@@ -17,13 +17,15 @@ class Graph;
 class Node;
 struct Slot;
 
-/// What computing a plug came to. Unhandled: the type does not compute this plug; its stored value stands.
+/// What computing a plug came to. Unhandled: the type does not compute this plug; its stored value
+/// stands.
 enum class Computed { Done, Unhandled };
 
-/// The description that nodes of one kind share: attributes, dependencies and behaviour. Built once, then registered
-/// in a TypeRegistry; nodes refer to it as long as they live. Along the chain of base types, `compute`, `getInternal`
-/// and `setInternal` are asked from the most derived type on until one handles the call; `postConstructor` (base
-/// first), `dependentsDirty`, `connectionChanged` and `mayConnect` of all are called.
+/// The description that nodes of one kind share: attributes, dependencies and behaviour. Built
+/// once, then registered in a TypeRegistry; nodes refer to it as long as they live. Along the chain
+/// of base types, `compute`, `getInternal` and `setInternal` are asked from the most derived type
+/// on until one handles the call; `postConstructor` (base first), `dependentsDirty`,
+/// `connectionChanged` and `mayConnect` of all are called.
 class NodeType {
  public:
   std::string name;
@@ -31,10 +33,12 @@ class NodeType {
   const NodeType* base = nullptr;  ///< its attributes come first and its compute is asked last
   std::string classification;
   bool isAbstract = false;
-  bool existsWithoutOutputs = true;  ///< false: a node goes when the last node that it feeds is deleted
+  bool existsWithoutOutputs =
+      true;                ///< false: a node goes when the last node that it feeds is deleted
   std::string pluginName;  ///< empty for built-in types
 
-  /// Computes `plug` (an output, possibly an element or a child) and whatever else is cheap, into the block.
+  /// Computes `plug` (an output, possibly an element or a child) and whatever else is cheap, into
+  /// the block.
   std::function<Result<Computed>(Node&, const Plug& plug, DataBlock& block)> compute;
   /// Attributes with internalStorage. Return false to fall back to the stored value.
   std::function<bool(const Node&, const Plug&, Value&)> getInternal;
@@ -42,25 +46,30 @@ class NodeType {
   /// Adds plugs to dirty beyond the static `affects` when `plug` is dirtied.
   std::function<void(Node&, const Plug& plug, std::vector<Plug>& alsoDirty)> dependentsDirty;
   std::function<void(Node&)> postConstructor;  ///< after the node joined the graph; not on redo
-  std::function<void(Node&, const Plug& own, const Plug& other, bool ownIsSource, bool made)> connectionChanged;
+  std::function<void(Node&, const Plug& own, const Plug& other, bool ownIsSource, bool made)>
+      connectionChanged;
   /// Veto of a connection, with a reason.
-  std::function<Result<void>(Node&, const Plug& own, const Plug& other, bool ownIsSource)> mayConnect;
+  std::function<Result<void>(Node&, const Plug& own, const Plug& other, bool ownIsSource)>
+      mayConnect;
 
-  /// Adds a top-level attribute (with its children) and fixes its indices. Order is kept: it is the listing order.
+  /// Adds a top-level attribute (with its children) and fixes its indices. Order is kept: it is the
+  /// listing order.
   const Attribute* add(AttributePtr attribute);
-  /// Says that changing `from` dirties `to`; both may be top-level or nested. Holds for this type and those that
-  /// inherit from it afterwards, so a derived type may relate inherited attributes.
+  /// Says that changing `from` dirties `to`; both may be top-level or nested. Holds for this type
+  /// and those that inherit from it afterwards, so a derived type may relate inherited attributes.
   void affects(const Attribute* from, const Attribute* to);
-  /// Says that `compute` makes an attribute that depends on none of the node's own, but on what `dependentsDirty` or
-  /// Graph::dirty tell of.
+  /// Says that `compute` makes an attribute that depends on none of the node's own, but on what
+  /// `dependentsDirty` or Graph::dirty tell of.
   void markOutput(const Attribute* output);
   /// What `affects` was told of one attribute, in that order.
   [[nodiscard]] const std::vector<const Attribute*>& affected(const Attribute* from) const;
-  /// All that changing an attribute dirties, through its relatives up and down and transitively. Cached.
+  /// All that changing an attribute dirties, through its relatives up and down and transitively.
+  /// Cached.
   [[nodiscard]] const std::vector<const Attribute*>& reach(const Attribute* from) const;
   /// Whether something affects the attribute, or a relative up or down.
   [[nodiscard]] bool isComputed(const Attribute* attribute) const {
-    return attribute->flatIndex >= 0 && relations_[static_cast<std::size_t>(attribute->flatIndex)].isComputed;
+    return attribute->flatIndex >= 0 &&
+           relations_[static_cast<std::size_t>(attribute->flatIndex)].isComputed;
   }
 
   /// Top-level attributes, inherited ones first.
@@ -68,7 +77,8 @@ class NodeType {
   /// By long or short name, nested ones included; null when there is none. Constant time.
   [[nodiscard]] const Attribute* find(std::string_view attributeName) const;
   [[nodiscard]] bool isA(std::string_view typeName) const;
-  /// Takes the base type's attributes (the same objects) and relations over; call before adding own attributes.
+  /// Takes the base type's attributes (the same objects) and relations over; call before adding own
+  /// attributes.
   void inherit(const NodeType* baseType);
 
  private:
@@ -95,8 +105,9 @@ class NodeExtension {
   virtual ~NodeExtension() = default;
 };
 
-/// A node of the graph: a type, a name, values and connections. Created, changed and deleted through Graph only.
-/// A deleted node stays alive while somebody (undo, an API handle) holds it; `isAlive` tells.
+/// A node of the graph: a type, a name, values and connections. Created, changed and deleted
+/// through Graph only. A deleted node stays alive while somebody (undo, an API handle) holds it;
+/// `isAlive` tells.
 class Node : public std::enable_shared_from_this<Node> {
  public:
   ~Node();
@@ -110,12 +121,16 @@ class Node : public std::enable_shared_from_this<Node> {
   [[nodiscard]] bool isAlive() const { return isAlive_; }
   [[nodiscard]] std::uint64_t serial() const { return serial_; }  ///< order of creation
   [[nodiscard]] bool isLocked() const { return isLocked_; }
-  [[nodiscard]] bool isDefault() const { return isDefault_; }  ///< of a new scene: not deletable, not saved as created
+  [[nodiscard]] bool isDefault() const {
+    return isDefault_;
+  }  ///< of a new scene: not deletable, not saved as created
   void markDefault() { isDefault_ = true; }
 
   /// Static then dynamic attributes by long or short name; null when there is none.
   [[nodiscard]] const Attribute* findAttribute(std::string_view name) const;
-  [[nodiscard]] const std::vector<AttributePtr>& dynamicAttributes() const { return dynamicAttributes_; }
+  [[nodiscard]] const std::vector<AttributePtr>& dynamicAttributes() const {
+    return dynamicAttributes_;
+  }
   /// The plug of an attribute by name; null plug when there is none.
   [[nodiscard]] Plug plug(std::string_view attributeName);
   [[nodiscard]] Plug plug(const Attribute* attribute) { return Plug(this, attribute); }
@@ -136,9 +151,11 @@ class Node : public std::enable_shared_from_this<Node> {
   std::uint64_t serial_;
   bool isAlive_ = false, isLocked_ = false, isDefault_ = false;
   std::vector<AttributePtr> dynamicAttributes_;
-  std::vector<AttributePtr> removedAttributes_;  ///< kept: records and handles may still point at them
+  std::vector<AttributePtr>
+      removedAttributes_;  ///< kept: records and handles may still point at them
   std::vector<std::pair<std::string, Plug>> aliases_;
-  std::vector<std::unique_ptr<Slot>> slots_;  ///< one a top-level attribute, static then dynamic, made on demand
+  std::vector<std::unique_ptr<Slot>>
+      slots_;  ///< one a top-level attribute, static then dynamic, made on demand
 };
 using NodePtr = std::shared_ptr<Node>;
 

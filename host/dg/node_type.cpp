@@ -48,7 +48,8 @@ const Attribute* NodeType::add(AttributePtr attribute) {
 
 void NodeType::affects(const Attribute* from, const Attribute* to) {
   HOST_ASSERT(from->flatIndex >= 0 && to->flatIndex >= 0, "add both attributes to the type first");
-  std::vector<const Attribute*>& targets = relations_[static_cast<std::size_t>(from->flatIndex)].affected;
+  std::vector<const Attribute*>& targets =
+      relations_[static_cast<std::size_t>(from->flatIndex)].affected;
   if (std::ranges::find(targets, to) != targets.end()) return;
   targets.push_back(to);
   visitRelatives(*to, [this](const Attribute& relative) { markComputed(relative); });
@@ -64,12 +65,14 @@ void NodeType::markComputed(const Attribute& attribute) {
   relations_[static_cast<std::size_t>(attribute.flatIndex)].isComputed = true;
   const Attribute& top = attribute.top();
   if (&top == &attribute) attributes_[static_cast<std::size_t>(top.topIndex)]->isComputed = true;
-  if (attribute.parent) attribute.parent->children[static_cast<std::size_t>(attribute.childIndex)]->isComputed = true;
+  if (attribute.parent)
+    attribute.parent->children[static_cast<std::size_t>(attribute.childIndex)]->isComputed = true;
 }
 
 const std::vector<const Attribute*>& NodeType::affected(const Attribute* from) const {
   static const std::vector<const Attribute*> kNothing;
-  return from->flatIndex < 0 ? kNothing : relations_[static_cast<std::size_t>(from->flatIndex)].affected;
+  return from->flatIndex < 0 ? kNothing
+                             : relations_[static_cast<std::size_t>(from->flatIndex)].affected;
 }
 
 const std::vector<const Attribute*>& NodeType::reach(const Attribute* from) const {
@@ -77,13 +80,15 @@ const std::vector<const Attribute*>& NodeType::reach(const Attribute* from) cons
   const Relations& relations = relations_[static_cast<std::size_t>(from->flatIndex)];
   if (relations.isReachKnown) return relations.reach;
 
-  std::unordered_set<const Attribute*> changed;  // expanded already; never a target if it is a relative of `from`
+  std::unordered_set<const Attribute*>
+      changed;  // expanded already; never a target if it is a relative of `from`
   std::unordered_set<const Attribute*> own;
   std::vector<const Attribute*> queue;
   const auto enqueue = [&](const Attribute& relative) {
     if (changed.insert(&relative).second) queue.push_back(&relative);
   };
-  visitRelatives(*from, [&](const Attribute& relative) { own.insert(&relative), enqueue(relative); });
+  visitRelatives(*from,
+                 [&](const Attribute& relative) { own.insert(&relative), enqueue(relative); });
   std::unordered_set<const Attribute*> targets;
   relations.reach.clear();
   for (std::size_t i = 0; i < queue.size(); ++i) {
@@ -120,13 +125,15 @@ Result<const NodeType*> TypeRegistry::add(std::unique_ptr<NodeType> type) {
   if (find(type->name)) return fail("A node type named '{}' is registered already", type->name);
   if (type->id != 0)
     if (const NodeType* other = find(type->id))
-      return fail("The id {:#x} of node type '{}' is taken by '{}'", type->id, type->name, other->name);
+      return fail("The id {:#x} of node type '{}' is taken by '{}'", type->id, type->name,
+                  other->name);
   types_.push_back(std::move(type));
   return types_.back().get();
 }
 
 Result<void> TypeRegistry::remove(std::string_view name) {
-  const auto found = std::ranges::find_if(types_, [&](const auto& type) { return type->name == name; });
+  const auto found =
+      std::ranges::find_if(types_, [&](const auto& type) { return type->name == name; });
   if (found == types_.end()) return fail("No node type is named '{}'", name);
   removed_.push_back(*found);
   types_.erase(found);
@@ -134,7 +141,8 @@ Result<void> TypeRegistry::remove(std::string_view name) {
 }
 
 const NodeType* TypeRegistry::find(std::string_view name) const {
-  const auto found = std::ranges::find_if(types_, [&](const auto& type) { return type->name == name; });
+  const auto found =
+      std::ranges::find_if(types_, [&](const auto& type) { return type->name == name; });
   return found == types_.end() ? nullptr : found->get();
 }
 

@@ -6,7 +6,9 @@
 namespace host::dg {
 
 Plug::Plug(Node* node, const Attribute* attribute)
-    : node_(attribute ? node : nullptr), attribute_(attribute), levels_(attribute ? attribute->arrayLevels() : 0) {
+    : node_(attribute ? node : nullptr),
+      attribute_(attribute),
+      levels_(attribute ? attribute->arrayLevels() : 0) {
   HOST_ASSERT(levels_ <= kMaxLevels, "nest fewer arrays, or raise Plug::kMaxLevels");
 }
 
@@ -64,7 +66,9 @@ std::string Plug::attributePath(bool shortNames) const {
   return path;
 }
 
-std::string Plug::name() const { return isNull() ? std::string() : node_->name() + '.' + attributePath(); }
+std::string Plug::name() const {
+  return isNull() ? std::string() : node_->name() + '.' + attributePath();
+}
 
 std::size_t PlugHash::operator()(const Plug& plug) const {
   std::uint64_t result = reinterpret_cast<std::uintptr_t>(plug.node());

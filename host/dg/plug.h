@@ -11,8 +11,9 @@ namespace host::dg {
 
 class Node;
 
-/// Address of a value: node, attribute, and a logical index for each array level on the way. The last index may be
-/// missing (kNone): then the plug is the array itself. A plain value; it does not keep the node alive.
+/// Address of a value: node, attribute, and a logical index for each array level on the way. The
+/// last index may be missing (kNone): then the plug is the array itself. A plain value; it does not
+/// keep the node alive.
 class Plug {
  public:
   static constexpr int kMaxLevels = 5;

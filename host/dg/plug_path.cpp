@@ -16,13 +16,16 @@ std::string_view takeName(std::string_view& rest) {
 Result<Plug> takeIndices(Plug plug, std::string_view& rest) {
   while (!rest.empty() && rest.front() == '[') {
     const std::size_t close = rest.find(']');
-    const std::string_view digits = rest.substr(1, close == std::string_view::npos ? close : close - 1);
+    const std::string_view digits =
+        rest.substr(1, close == std::string_view::npos ? close : close - 1);
     Index index = kNone;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), index);
-    if (close == std::string_view::npos || error != std::errc{} || end != digits.data() + digits.size() || index < 0)
+    if (close == std::string_view::npos || error != std::errc{} ||
+        end != digits.data() + digits.size() || index < 0)
       return fail("'[{}' is not the index of an element of '{}'", digits, plug.name());
     if (!plug.attribute()->isArray || plug.isElement())
-      return fail("Attribute '{}' on node '{}' is not an array", plug.attributePath(), plug.node()->name());
+      return fail("Attribute '{}' on node '{}' is not an array", plug.attributePath(),
+                  plug.node()->name());
     plug = plug.element(index);
     rest.remove_prefix(close + 1);
   }
@@ -56,12 +59,14 @@ Result<Plug> parsePlug(Node& node, std::string_view path) {
     if (!indexed) return indexed;
     plug = *indexed;
     if (rest.empty()) return plug;
-    if (rest.front() != '.') return fail("'{}' in '{}.{}' is not part of an attribute name", rest, node.name(), path);
+    if (rest.front() != '.')
+      return fail("'{}' in '{}.{}' is not part of an attribute name", rest, node.name(), path);
     rest.remove_prefix(1);
     const std::string_view name = takeName(rest);
     const Attribute* below = findBelow(*plug.attribute(), name);
     if (!below)
-      return fail("Attribute '{}' on node '{}' has no child '{}'", plug.attributePath(), node.name(), name);
+      return fail("Attribute '{}' on node '{}' has no child '{}'", plug.attributePath(),
+                  node.name(), name);
     plug = descend(plug, below);
   }
 }

@@ -13,7 +13,9 @@ ValueTree& ValueTree::add(Index belowIndex) {
 std::size_t ValueTree::bytes() const {
   std::size_t total = sizeof(ValueTree);
   if (const auto* text = std::get_if<std::string>(&value)) total += text->capacity();
-  if (packed) total += packed->indices.capacity() * sizeof(Index) + packed->values.capacity() * sizeof(double);
+  if (packed)
+    total +=
+        packed->indices.capacity() * sizeof(Index) + packed->values.capacity() * sizeof(double);
   for (const ValueTree& tree : below) total += tree.bytes();
   return total;
 }
@@ -92,7 +94,8 @@ void restoreArray(const Plug& array, const ValueTree& tree) {
   if (!tree.packed) return;
   for (std::size_t i = 0; i < tree.packed->indices.size(); ++i) {
     const Plug element = array.element(tree.packed->indices[i]);
-    const double* numbers = tree.packed->values.data() + i * static_cast<std::size_t>(tree.packed->stride);
+    const double* numbers =
+        tree.packed->values.data() + i * static_cast<std::size_t>(tree.packed->stride);
     ValueTree row;
     if (!element.isCompound()) row.value = *numbers;
     for (Index column = 0; element.isCompound() && column < tree.packed->stride; ++column)
@@ -116,7 +119,8 @@ void restoreValues(const Plug& plug, const ValueTree& tree) {
     return;
   }
   if (plug.attribute()->type == AttributeType::Message) return;
-  if (auto converted = plug.attribute()->convert(tree.value)) writeLeaf(plug, *std::move(converted));
+  if (auto converted = plug.attribute()->convert(tree.value))
+    writeLeaf(plug, *std::move(converted));
 }
 
 }  // namespace host::dg

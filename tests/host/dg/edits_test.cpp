@@ -64,35 +64,44 @@ TEST_CASE("disconnecting keeps the value that the connection carried, looked at 
   CHECK(world.number(b->plug("resetting")) == 5.0);
 }
 
-TEST_CASE("edits that cannot be made are refused with the plug and the reason, and change nothing") {
+TEST_CASE(
+    "edits that cannot be made are refused with the plug and the reason, and change nothing") {
   World world;
   const NodePtr a = world.add("a"), b = world.add("b");
   REQUIRE(world.graph.connect(a->plug("out"), b->plug("x")));
   REQUIRE(world.graph.setFlag(b->plug("inV"), Graph::PlugFlag::Locked, true));
   const std::uint64_t before = world.hash();
   const std::size_t mark = world.history.done;
-  const auto message = [](const auto& result) { return result ? std::string("accepted") : result.error().message; };
+  const auto message = [](const auto& result) {
+    return result ? std::string("accepted") : result.error().message;
+  };
   Graph& graph = world.graph;
   CHECK(message(graph.set(b->plug("inVX"), 1.0)) == "'b.inV.inVX' is locked");
-  CHECK(message(graph.set(b->plug("x"), 1.0)) == "'b.x' is connected: its value comes from 'a.out'");
+  CHECK(message(graph.set(b->plug("x"), 1.0)) ==
+        "'b.x' is connected: its value comes from 'a.out'");
   CHECK(message(graph.set(a->plug("out"), 1.0)) == "'a.out' is not writable");
   CHECK(message(graph.set(a->plug("x"), std::string("three"))) ==
         "'a.x': Attribute 'x' of type double cannot hold a string");
-  CHECK(message(graph.set(a->plug("inV"), 1.0)) == "'a.inV' is a compound: name one of its children");
-  CHECK(message(graph.set(a->plug("points"), 1.0)) == "'a.points' is an array: name one of its elements");
+  CHECK(message(graph.set(a->plug("inV"), 1.0)) ==
+        "'a.inV' is a compound: name one of its children");
+  CHECK(message(graph.set(a->plug("points"), 1.0)) ==
+        "'a.points' is an array: name one of its elements");
   CHECK(message(graph.set(Plug(), 1.0)) == "There is no such attribute");
   CHECK(message(graph.connect(b->plug("out"), b->plug("label"))) ==
         "'b.out' of type double cannot be connected to 'b.label' of type string");
   CHECK(message(graph.connect(b->plug("y"), b->plug("x"))) ==
         "'b.x' has an incoming connection from 'a.out' already");
-  CHECK(message(graph.connect(a->plug("out"), b->plug("x"))) == "'a.out' is connected to 'b.x' already");
+  CHECK(message(graph.connect(a->plug("out"), b->plug("x"))) ==
+        "'a.out' is connected to 'b.x' already");
   CHECK(message(graph.connect(a->plug("outV"), b->plug("inV"))) == "'b.inV' is locked");
-  CHECK(message(graph.connect(a->plug("in"), a->plug("in").element(1))).find("parts of each other") !=
-        std::string::npos);
+  CHECK(
+      message(graph.connect(a->plug("in"), a->plug("in").element(1))).find("parts of each other") !=
+      std::string::npos);
   CHECK(message(graph.connect(a->plug("outV"), b->plug("outV"))) != "accepted");
   CHECK(message(graph.disconnect(a->plug("x"), b->plug("x"))) == "'a.x' is not connected to 'b.x'");
   CHECK(message(graph.removeElement(a->plug("in").element(9), true)) == "'a.in[9]' does not exist");
-  CHECK(message(graph.setPacked(a->plug("in"), {2, 1}, {0, 0})) == "The indices given for 'a.in' do not ascend");
+  CHECK(message(graph.setPacked(a->plug("in"), {2, 1}, {0, 0})) ==
+        "The indices given for 'a.in' do not ascend");
   CHECK(message(graph.addAttribute(*a, makeAttribute("x", "xx", AttributeType::Bool))) ==
         "Node 'a' has an attribute 'x' already");
   CHECK(message(graph.removeAttribute(*a, a->findAttribute("x"))) != "accepted");
@@ -130,7 +139,9 @@ TEST_CASE("values convert between numeric kinds the way their types say") {
   CHECK(world.number(other->plug("wideZ")) == static_cast<double>(0.1f));
 }
 
-TEST_CASE("paths resolve long, short and mixed names, elements and aliases, and errors name what is missing") {
+TEST_CASE(
+    "paths resolve long, short and mixed names, elements and aliases, and errors name what is "
+    "missing") {
   World world;
   const NodePtr node = world.add("bar");
   REQUIRE(world.graph.setAlias(node->plug("in").element(3), "smile"));
@@ -148,7 +159,8 @@ TEST_CASE("paths resolve long, short and mixed names, elements and aliases, and 
   CHECK(message("inV.foo") == "Attribute 'inV' on node 'bar' has no child 'foo'");
   CHECK(message("x[1]") == "Attribute 'x' on node 'bar' is not an array");
   CHECK(message("in[1][2]") == "Attribute 'in[1]' on node 'bar' is not an array");
-  for (const char* path : {"", ".", "in[", "in[]", "in[a]", "in[-1]", "in[1]x", "in[99999999999]", "inV.", "[0]", "in.[0]"})
+  for (const char* path : {"", ".", "in[", "in[]", "in[a]", "in[-1]", "in[1]x", "in[99999999999]",
+                           "inV.", "[0]", "in.[0]"})
     CHECK_MESSAGE(message(path) != "found", path);
 }
 
@@ -198,10 +210,45 @@ TEST_CASE("records survive edits that were made without one") {
   world.history.isOn = false;
   REQUIRE(world.graph.connect(b->plug("y"), a->plug("extra")));
   REQUIRE(world.graph.connect(b->plug("y"), b->plug("x"), true));
-  REQUIRE(world.graph.removeAttribute(*a, a->findAttribute("extra")));
-  REQUIRE(world.graph.deleteNode(*a));
+  REQUIRE(world.graph.connect(b->plug("out"), a->plug("in").element(3)));
+  REQUIRE(world.graph.connect(a->plug("in").element(3),
+                              a->plug("lists").element(0).child(world.types.weights).element(0)));
+  SUBCASE("with everything still there") {}
+  SUBCASE("with an attribute gone") {
+    REQUIRE(world.graph.removeAttribute(*a, a->findAttribute("extra")));
+  }
+  SUBCASE("with a node gone") {
+    REQUIRE(world.graph.deleteNode(*a));
+  }
   world.history.undoTo(0);
   CHECK(world.graph.nodes().empty());
   while (world.history.redo()) continue;
   CHECK(world.graph.nodes().size() == 2);
+}
+
+TEST_CASE("an observer may read values while it hears what became dirty") {
+  struct Reader : GraphObserver {
+    World* world = nullptr;
+    int heard = 0;
+    void plugDirty(const Plug& plug) override {
+      ++heard;
+      for (const NodePtr& node : world->graph.nodes()) {
+        (void)world->graph.get(node->plug("out"));
+        (void)world->graph.evaluate(node->plug("wires"));
+        (void)world->graph.get(node->plug("wires").element(heard % 50).child(world->types.to));
+      }
+      CHECK(plug.node()->isAlive());
+    }
+  };
+  World world;
+  const NodePtr a = world.add("a"), b = world.add("b");
+  Reader reader;
+  reader.world = &world;
+  world.graph.addObserver(&reader);
+  REQUIRE(world.graph.connect(a->plug("wires").element(0).child(1),
+                              b->plug("wires").element(1).child(0)));
+  for (int i = 0; i < 20; ++i)
+    REQUIRE(world.graph.set(a->plug("wires").element(i).child(0), 1.0 * i));
+  CHECK(reader.heard > 20);
+  world.graph.removeObserver(&reader);
 }

@@ -21,7 +21,9 @@ TEST_CASE("a chain is computed once when read, and again only after what it depe
   CHECK(world.number(b->plug("out")) == 3.0 * (3.0 * 2.0 + 5.0 + 1.0) + 1.0);
 }
 
-TEST_CASE("a computation that names the compound serves readers of its children, and of a connected compound") {
+TEST_CASE(
+    "a computation that names the compound serves readers of its children, and of a connected "
+    "compound") {
   World world;
   const NodePtr a = world.add("a"), b = world.add("b");
   REQUIRE(world.graph.set(a->plug("x"), 10.0));
@@ -79,7 +81,8 @@ TEST_CASE("an input that fails makes what is computed from it fail, computed onc
   REQUIRE(world.graph.connect(a->plug("any"), b->plug("y")));
   const auto read = world.graph.get(b->plug("out"));
   REQUIRE_FALSE(read);
-  CHECK(read.error().message.find("'b.y' cannot take the value of 'a.anything'") != std::string::npos);
+  CHECK(read.error().message.find("'b.y' cannot take the value of 'a.anything'") !=
+        std::string::npos);
 }
 
 TEST_CASE("cycles end in a warning and the last value") {
@@ -97,14 +100,17 @@ TEST_CASE("cycles end in a warning and the last value") {
   CHECK_FALSE(world.graph.connect(a->plug("x"), a->plug("x")));
 }
 
-TEST_CASE("chains of ten thousand nodes evaluate, fail and turn in circles without deep recursion") {
+TEST_CASE(
+    "chains of ten thousand nodes evaluate, fail and turn in circles without deep recursion") {
   constexpr int kCount = 10000;
   World world;
   world.history.isOn = false;
   std::vector<NodePtr> chain;
   for (int i = 0; i < kCount; ++i) {
     chain.push_back(world.add("n" + std::to_string(i)));
-    if (i > 0) REQUIRE(world.graph.connect(chain[chain.size() - 2]->plug("outVX"), chain.back()->plug("inVX")));
+    if (i > 0)
+      REQUIRE(
+          world.graph.connect(chain[chain.size() - 2]->plug("outVX"), chain.back()->plug("inVX")));
   }
   REQUIRE(world.graph.set(chain[0]->plug("inVX"), 2.5));
   CHECK(world.number(chain.back()->plug("outVX")) == 2.5);
@@ -145,7 +151,8 @@ TEST_CASE("what only the hook knows is dirtied, computed and passed on") {
   CHECK(world.number(b->plug("x")) == 20.0);
 }
 
-TEST_CASE("attributes of a base type keep their identity, and a derived type may relate them anew") {
+TEST_CASE(
+    "attributes of a base type keep their identity, and a derived type may relate them anew") {
   SyntheticTypes types;
   NodeType derived;
   derived.name = "derivedMixer";
@@ -158,7 +165,8 @@ TEST_CASE("attributes of a base type keep their identity, and a derived type may
     return Computed::Done;
   };
   Graph graph;
-  const NodePtr plain = graph.createNode(types.mixer, "plain"), rich = graph.createNode(derived, "rich");
+  const NodePtr plain = graph.createNode(types.mixer, "plain"),
+                rich = graph.createNode(derived, "rich");
   CHECK(asReal(*graph.get(rich->plug(extra))) == 4.0);
   REQUIRE(graph.set(rich->plug("label"), std::string("longer")));
   REQUIRE(graph.set(plain->plug("label"), std::string("longer")));

@@ -19,87 +19,154 @@ class Editor {
   void edit() {
     if (world_.graph.nodes().size() < 3) create();
     switch (pick(20)) {
-      case 0: create(); break;
-      case 1: if (world_.graph.nodes().size() > 4) (void)world_.graph.deleteNode(*node()); break;
-      case 2: (void)world_.graph.renameNode(*node(), "n" + std::to_string(pick(1000))); break;
-      case 3: (void)world_.graph.setNodeLocked(*node(), pick(8) == 0); break;
-      case 4: case 5: case 6: (void)world_.graph.set(leaf(), value()); break;
-      case 7: setPacked(); break;
-      case 8: (void)world_.graph.addElement(element()); break;
-      case 9: (void)world_.graph.removeElement(element(), pick(2) == 0); break;
-      case 10: case 11: case 12: case 13: (void)world_.graph.connect(source(), destination(), pick(3) == 0); break;
-      case 14: case 15: disconnect(); break;
-      case 16: changeAttributes(); break;
-      case 17: (void)world_.graph.setFlag(leaf(), static_cast<Graph::PlugFlag>(pick(4)), pick(4) == 0); break;
-      case 18: (void)world_.graph.setAlias(leaf(), pick(3) == 0 ? "" : "alias" + std::to_string(pick(5))); break;
-      default: (void)world_.graph.evaluate(source()); break;
+      case 0:
+        create();
+        break;
+      case 1:
+        if (world_.graph.nodes().size() > 4) (void)world_.graph.deleteNode(*node());
+        break;
+      case 2:
+        (void)world_.graph.renameNode(*node(), "n" + std::to_string(pick(1000)));
+        break;
+      case 3:
+        (void)world_.graph.setNodeLocked(*node(), pick(8) == 0);
+        break;
+      case 4:
+      case 5:
+      case 6:
+        (void)world_.graph.set(leaf(), value());
+        break;
+      case 7:
+        setPacked();
+        break;
+      case 8:
+        (void)world_.graph.addElement(element());
+        break;
+      case 9:
+        (void)world_.graph.removeElement(element(), pick(2) == 0);
+        break;
+      case 10:
+      case 11:
+      case 12:
+      case 13:
+        (void)world_.graph.connect(source(), destination(), pick(3) == 0);
+        break;
+      case 14:
+      case 15:
+        disconnect();
+        break;
+      case 16:
+        changeAttributes();
+        break;
+      case 17:
+        (void)world_.graph.setFlag(leaf(), static_cast<Graph::PlugFlag>(pick(4)), pick(4) == 0);
+        break;
+      case 18:
+        (void)world_.graph.setAlias(leaf(), pick(3) == 0 ? "" : "alias" + std::to_string(pick(5)));
+        break;
+      default:
+        (void)world_.graph.evaluate(source());
+        break;
     }
   }
 
   int pick(int below) { return std::uniform_int_distribution<int>(0, below - 1)(random_); }
 
  private:
-  NodePtr node() { return world_.graph.nodes()[static_cast<std::size_t>(pick(static_cast<int>(world_.graph.nodes().size())))]; }
+  NodePtr node() {
+    return world_.graph
+        .nodes()[static_cast<std::size_t>(pick(static_cast<int>(world_.graph.nodes().size())))];
+  }
   void create() { (void)world_.add("n" + std::to_string(pick(1000))); }
 
   Plug dynamicLeaf(Node& owner) {
     const auto& dynamic = owner.dynamicAttributes();
     if (dynamic.empty()) return owner.plug(world_.types.x);
-    return owner.plug(dynamic[static_cast<std::size_t>(pick(static_cast<int>(dynamic.size())))].get());
+    return owner.plug(
+        dynamic[static_cast<std::size_t>(pick(static_cast<int>(dynamic.size())))].get());
   }
   Plug element() {
     const NodePtr owner = node();
-    const Attribute* const arrays[] = {world_.types.in, world_.types.points, world_.types.wires, world_.types.lists,
-                                       world_.types.fleeting};
+    const Attribute* const arrays[] = {world_.types.in, world_.types.points, world_.types.wires,
+                                       world_.types.lists, world_.types.fleeting};
     return owner->plug(arrays[pick(5)]).element(pick(5));
   }
   Plug leaf() {
     const NodePtr owner = node();
     const SyntheticTypes& types = world_.types;
     switch (pick(12)) {
-      case 0: return owner->plug(types.x);
-      case 1: return owner->plug(types.y);
-      case 2: return owner->plug(types.in).element(pick(5));
-      case 3: return owner->plug(types.points).element(pick(5)).child(pick(3));
-      case 4: return owner->plug(types.inV).child(pick(3));
-      case 5: return owner->plug(types.wires).element(pick(4)).child(types.from);
-      case 6: return owner->plug(types.label);
-      case 7: return owner->plug(types.lists).element(pick(3)).child(types.weights).element(pick(3));
-      case 8: return owner->plug(types.lists).element(pick(3)).child(types.tag);
-      case 9: return owner->plug(types.resetting);
-      case 10: return owner->plug(types.fleeting).element(pick(4));
-      default: return dynamicLeaf(*owner);
+      case 0:
+        return owner->plug(types.x);
+      case 1:
+        return owner->plug(types.y);
+      case 2:
+        return owner->plug(types.in).element(pick(5));
+      case 3:
+        return owner->plug(types.points).element(pick(5)).child(pick(3));
+      case 4:
+        return owner->plug(types.inV).child(pick(3));
+      case 5:
+        return owner->plug(types.wires).element(pick(4)).child(types.from);
+      case 6:
+        return owner->plug(types.label);
+      case 7:
+        return owner->plug(types.lists).element(pick(3)).child(types.weights).element(pick(3));
+      case 8:
+        return owner->plug(types.lists).element(pick(3)).child(types.tag);
+      case 9:
+        return owner->plug(types.resetting);
+      case 10:
+        return owner->plug(types.fleeting).element(pick(4));
+      default:
+        return dynamicLeaf(*owner);
     }
   }
   Plug source() {
     const NodePtr owner = node();
     const SyntheticTypes& types = world_.types;
     switch (pick(8)) {
-      case 0: return owner->plug(types.out);
-      case 6: return owner->plug(types.lists).element(pick(3));
-      case 1: return owner->plug(types.outV);
-      case 2: return owner->plug(types.outV).child(pick(3));
-      case 3: return owner->plug(types.wires).element(pick(4)).child(types.to);
-      case 4: return owner->plug(types.in);
-      case 5: return owner->plug(types.points).element(pick(5));
-      default: return leaf();
+      case 0:
+        return owner->plug(types.out);
+      case 6:
+        return owner->plug(types.lists).element(pick(3));
+      case 1:
+        return owner->plug(types.outV);
+      case 2:
+        return owner->plug(types.outV).child(pick(3));
+      case 3:
+        return owner->plug(types.wires).element(pick(4)).child(types.to);
+      case 4:
+        return owner->plug(types.in);
+      case 5:
+        return owner->plug(types.points).element(pick(5));
+      default:
+        return leaf();
     }
   }
   Plug destination() {
     const NodePtr owner = node();
     switch (pick(6)) {
-      case 0: return owner->plug(world_.types.inV);
-      case 3: return owner->plug(world_.types.lists).element(pick(3));
-      case 1: return owner->plug(world_.types.points).element(pick(5));
-      case 2: return pick(4) == 0 ? owner->plug(world_.types.in) : owner->plug(world_.types.in).element(pick(5));
-      default: return leaf();
+      case 0:
+        return owner->plug(world_.types.inV);
+      case 3:
+        return owner->plug(world_.types.lists).element(pick(3));
+      case 1:
+        return owner->plug(world_.types.points).element(pick(5));
+      case 2:
+        return pick(4) == 0 ? owner->plug(world_.types.in)
+                            : owner->plug(world_.types.in).element(pick(5));
+      default:
+        return leaf();
     }
   }
   Value value() {
     switch (pick(4)) {
-      case 0: return std::int64_t{pick(100)};
-      case 1: return std::string("text") + std::to_string(pick(9));
-      default: return pick(1000) / 8.0;
+      case 0:
+        return std::int64_t{pick(100)};
+      case 1:
+        return std::string("text") + std::to_string(pick(9));
+      default:
+        return pick(1000) / 8.0;
     }
   }
   void setPacked() {
@@ -111,13 +178,15 @@ class Editor {
       indices.push_back(i);
       for (int column = 0; column < (isPoints ? 3 : 1); ++column) values.push_back(pick(64) / 4.0);
     }
-    (void)world_.graph.setPacked(node()->plug(isPoints ? world_.types.points : world_.types.in), indices, values);
+    (void)world_.graph.setPacked(node()->plug(isPoints ? world_.types.points : world_.types.in),
+                                 indices, values);
   }
   void disconnect() {
     const NodePtr owner = node();
     const auto connections = world_.graph.incoming(*owner);
     if (connections.empty()) return;
-    const auto& chosen = connections[static_cast<std::size_t>(pick(static_cast<int>(connections.size())))];
+    const auto& chosen =
+        connections[static_cast<std::size_t>(pick(static_cast<int>(connections.size())))];
     (void)world_.graph.disconnect(chosen.source, chosen.destination);
   }
   void changeAttributes() {
@@ -136,7 +205,8 @@ class Editor {
   std::mt19937 random_;
 };
 
-/// What every output should hold, by a graph that starts with everything dirty: all marked by hand, then read.
+/// What every output should hold, by a graph that starts with everything dirty: all marked by hand,
+/// then read.
 bool agreesWithRecomputation(World& world) {
   const auto readAll = [&] {
     std::vector<double> values;
@@ -150,9 +220,11 @@ bool agreesWithRecomputation(World& world) {
           values.push_back(world.number(weights.element(inner)));
       }
       for (const Attribute* vector : {world.types.outV, world.types.inV})
-        for (int axis = 0; axis < 3; ++axis) values.push_back(world.number(node->plug(vector).child(axis)));
+        for (int axis = 0; axis < 3; ++axis)
+          values.push_back(world.number(node->plug(vector).child(axis)));
       for (const Index index : world.graph.elementIndices(node->plug(world.types.wires)))
-        values.push_back(world.number(node->plug(world.types.wires).element(index).child(world.types.to)));
+        values.push_back(
+            world.number(node->plug(world.types.wires).element(index).child(world.types.to)));
       for (const Index index : world.graph.elementIndices(node->plug(world.types.points)))
         values.push_back(world.number(node->plug(world.types.points).element(index).child(1)));
       for (const Index index : world.graph.elementIndices(node->plug(world.types.in)))
@@ -162,8 +234,10 @@ bool agreesWithRecomputation(World& world) {
   };
   const std::vector<double> lazy = readAll();
   for (const NodePtr& node : world.graph.nodes()) {
-    for (const Graph::Connection& each : world.graph.incoming(*node)) world.graph.dirty(each.destination);
-    for (const Attribute* output : {world.types.out, world.types.outV}) world.graph.dirty(node->plug(output));
+    for (const Graph::Connection& each : world.graph.incoming(*node))
+      world.graph.dirty(each.destination);
+    for (const Attribute* output : {world.types.out, world.types.outV})
+      world.graph.dirty(node->plug(output));
     const Plug wires = node->plug(world.types.wires);
     for (const Index index : world.graph.elementIndices(wires))
       world.graph.dirty(wires.element(index).child(world.types.to));
@@ -239,9 +313,14 @@ TEST_CASE("after any sequence of edits, undo and redo, lazy values equal recompu
       CAPTURE(step);
       const std::size_t before = world.history.done;
       editor.edit();
-      // In a cycle the last value stands, which depends on who asked first: keep to what has one answer.
+      // In a cycle the last value stands, which depends on who asked first: keep to what has one
+      // answer.
       if (hasCycle(world)) world.history.undoTo(before);
-      if (step % 7 == 0 && editor.pick(2) == 0) world.history.undoTo(world.history.done - static_cast<std::size_t>(editor.pick(static_cast<int>(std::min<std::size_t>(world.history.done, 4)) + 1)));
+      if (step % 7 == 0 && editor.pick(2) == 0)
+        world.history.undoTo(
+            world.history.done -
+            static_cast<std::size_t>(
+                editor.pick(static_cast<int>(std::min<std::size_t>(world.history.done, 4)) + 1)));
       if (step % 3 != 0) continue;
       REQUIRE(agreesWithRecomputation(world));
       ++compared;

@@ -16,7 +16,8 @@ std::vector<Index> countTo(Index count) {
 
 }  // namespace
 
-TEST_CASE("a million packed triples are set, read and undone, and undo holds no more than the arrays") {
+TEST_CASE(
+    "a million packed triples are set, read and undone, and undo holds no more than the arrays") {
   constexpr Index kCount = 1'000'000;
   World world;
   const NodePtr node = world.add("n");

@@ -7,7 +7,8 @@
 #include "host/dg/data_block.h"
 #include "host/dg/graph.h"
 
-// Small node types to try the graph with, a recorder that undoes and redoes, and the node's contents as a number.
+// Small node types to try the graph with, a recorder that undoes and redoes, and the node's
+// contents as a number.
 
 namespace dgtest {
 
@@ -20,16 +21,17 @@ inline double asReal(const Value& value) {
   return integer ? static_cast<double>(*integer) : 0.0;
 }
 
-/// "mixer": out = 3 x + y + sum(in[]) + sum over points of 2 px + pz + 1; the vector outV from inV and x; `wires[i].to`
-/// is `wires[i].from` twice over. `lists[i].weights[j]` adds to out, nested; `fleeting[]` loses elements that are
-/// disconnected, `resetting` goes back to 5. A dynamic attribute "derived" is 10 x, known to the hook only.
+/// "mixer": out = 3 x + y + sum(in[]) + sum over points of 2 px + pz + 1; the vector outV from inV
+/// and x; `wires[i].to` is `wires[i].from` twice over. `lists[i].weights[j]` adds to out, nested;
+/// `fleeting[]` loses elements that are disconnected, `resetting` goes back to 5. A dynamic
+/// attribute "derived" is 10 x, known to the hook only.
 struct SyntheticTypes {
   NodeType mixer;
   int computations = 0;
   bool isBroken = false;  ///< computing fails
 
-  const Attribute *x, *y, *in, *points, *inV, *wires, *from, *to, *out, *outV, *label, *payload, *message, *lists,
-      *weights, *tag, *fleeting, *resetting;
+  const Attribute *x, *y, *in, *points, *inV, *wires, *from, *to, *out, *outV, *label, *payload,
+      *message, *lists, *weights, *tag, *fleeting, *resetting;
 
   SyntheticTypes() {
     mixer.name = "mixer";
@@ -76,7 +78,8 @@ struct SyntheticTypes {
     for (const AttributePtr& child : vector->children) child->writable = false;
     vector->writable = false;
     outV = mixer.add(vector);
-    for (const Attribute* input : {x, y, in, points, weights, fleeting, resetting}) mixer.affects(input, out);
+    for (const Attribute* input : {x, y, in, points, weights, fleeting, resetting})
+      mixer.affects(input, out);
     mixer.affects(inV, outV);
     mixer.affects(x, outV);
     mixer.affects(from, to);
@@ -84,7 +87,9 @@ struct SyntheticTypes {
       if (plug.attribute() != x) return;
       if (const Plug derived = node.plug("derived")) also.push_back(derived);
     };
-    mixer.compute = [this](Node& node, const Plug& plug, DataBlock& block) { return compute(node, plug, block); };
+    mixer.compute = [this](Node& node, const Plug& plug, DataBlock& block) {
+      return compute(node, plug, block);
+    };
   }
 
   Result<Computed> compute(Node& node, const Plug& plug, DataBlock& block) {
