@@ -19,11 +19,11 @@ Session& currentSession() {
 bool hasSession() { return theSession != nullptr; }
 
 Session::Session(const std::function<void(dg::TypeRegistry&)>& registerTypes,
-                 std::function<void(scene::Document&)> populate) {
+                 const std::function<void(scene::Document&)>& prepare) {
   HOST_ASSERT(!theSession, "one session at a time: end the other one first");
   registerTypes(types_);
   document_ = std::make_unique<scene::Document>(types_);
-  document_->populateNewScene = std::move(populate);
+  if (prepare) prepare(*document_);
   scene::setCurrentDocument(document_.get());
   undo_ = std::make_unique<UndoQueue>(document_->journal());
   dispatcher_ = std::make_unique<Dispatcher>(*this, registry_, *undo_);

@@ -31,9 +31,10 @@ struct ExecuteOptions {
 /// One at a time; main thread only, but for `interrupt`.
 class Session {
  public:
-  /// `registerTypes` fills the type registry before the document is made; `populate` makes a new scene's nodes.
+  /// `registerTypes` fills the type registry before the document is made; `prepare` gets the document before its first
+  /// reset, to install what makes a new scene's nodes.
   Session(const std::function<void(dg::TypeRegistry&)>& registerTypes,
-          std::function<void(scene::Document&)> populate);
+          const std::function<void(scene::Document&)>& prepare);
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;

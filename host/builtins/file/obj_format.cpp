@@ -1,0 +1,135 @@
+#include <unordered_set>
+
+#include "host/base/messages.h"
+#include "host/builtins/common/mesh_components.h"
+#include "host/builtins/file/file_formats.h"
+#include "host/builtins/poly/history_command.h"
+#include "host/io/obj_reader.h"
+#include "host/io/obj_writer.h"
+#include "host/nodes/mesh_shape.h"
+#include "host/nodes/sets.h"
+
+namespace host::builtins {
+
+namespace {
+
+/// Names such as "Body.001" or "left arm" keep what a node's name can hold; the document replaces the rest.
+std::string objectName(const io::ObjObject& object) {
+  if (!object.name.empty() && object.name != "default") return object.name;
+  if (object.groups.size() == 1 && object.groups.front().name != "default") return object.groups.front().name;
+  return "polySurface#";
+}
+
+Result<dg::Node*> addObject(scene::Document& document, io::ObjObject object) {
+  auto transform = document.createNode("transform", objectName(object));
+  if (!transform) return failWith(std::move(transform.error()));
+  auto shape = document.createNode("mesh", shapeNameFor((*transform)->name()), transform->get());
+  if (!shape) return failWith(std::move(shape.error()));
+  HOST_TRY(nodes::setStoredMesh(**shape, std::move(object.mesh)));
+  HOST_TRY(nodes::assignInitialShading(document, **shape));
+  return transform->get();
+}
+
+Result<std::vector<dg::Node*>> read(Context& context, const std::string& path, const std::string&) {
+  auto scene = io::readObj(path);
+  if (!scene) return failWith(std::move(scene.error()));
+  for (const auto& [warning, count] : scene->warnings)
+    postMessage(MessageKind::Warning, count > 1 ? fmt::format("{}: {} ({} times)", path, warning, count)
+                                                : fmt::format("{}: {}", path, warning));
+  std::vector<dg::Node*> made;
+  for (io::ObjObject& object : scene->objects) {
+    auto node = addObject(context.document, std::move(object));
+    if (!node) return failWith(std::move(node.error()));
+    made.push_back(*node);
+  }
+  return made;
+}
+
+/// OBJ files hold world-space points; an object at rest keeps its bits.
+mesh::Mesh inWorldSpace(mesh::Mesh mesh, const math::Matrix4& matrix) {
+  if (math::isIdentity(matrix)) return mesh;
+  for (math::Vec3f& point : mesh.editPoints()) point = math::transformPoint(math::Vec3(point), matrix).toFloat();
+  if (mesh.lockedNormals().normals.empty()) return mesh;
+  for (math::Vec3f& normal : mesh.editLockedNormals().normals)
+    normal = math::normalized(math::transformNormal(math::Vec3(normal), matrix)).toFloat();
+  return mesh;
+}
+
+/// Every mesh below the items; components stand for their object.
+std::vector<scene::DagPath> meshesBelow(const scene::SelectionList& list) {
+  std::vector<scene::DagPath> paths;
+  std::unordered_set<std::string> seen;
+  const auto visit = [&](const auto& self, const scene::DagPath& path) -> void {
+    for (const scene::DagPath& shape : nodes::meshPaths(path))
+      if (seen.insert(shape.fullName()).second) paths.push_back(shape);
+    if (!scene::isTransform(*path.node())) return;
+    for (scene::Node* child : scene::dagLinks(*path.node()).children)
+      if (scene::isTransform(*child)) self(self, path.child(child));
+  };
+  for (const scene::SelectionItem& item : list.items())
+    if (item.isDag()) visit(visit, item.path);
+  return paths;
+}
+
+bool isOn(const std::string& options, std::string_view name) {
+  return options.find(std::string(name) + "=0") == std::string::npos;
+}
+
+Result<void> write(Context& context, const std::string& path, const std::string& options, bool onlySelected) {
+  scene::SelectionList list = context.document.selection();
+  if (!onlySelected) {
+    list.clear();
+    for (scene::Node* node : context.document.worldChildren()) list.add(scene::firstPath(*node));
+  }
+  io::ObjScene scene;
+  for (const scene::DagPath& shape : meshesBelow(list)) {
+    auto mesh = nodes::evaluatedMesh(*shape.node());
+    if (!mesh) return failWith(std::move(mesh.error()));
+    io::ObjObject object;
+    object.name = shape.transform().node()->name();
+    object.mesh = inWorldSpace(std::move(*mesh), shape.inclusiveMatrix());
+    object.statesSmoothing = true;
+    scene.objects.push_back(std::move(object));
+  }
+  if (scene.objects.empty()) return fail("There are no polygon objects to write to '{}'.", path);
+  io::ObjWriteOptions how;
+  if (!isOn(options, "normals")) how.normals = io::ObjWriteOptions::Normals::Never;
+  how.groups = isOn(options, "groups");
+  how.materials = isOn(options, "materials");
+  how.smoothing = isOn(options, "smoothing");
+  return io::writeObj(path, scene, how);
+}
+
+}  // namespace
+
+FileFormat objFormat() {
+  FileFormat format;
+  format.name = "OBJ";
+  format.otherNames = {"OBJexport", "obj"};
+  format.extensions = {".obj"};
+  format.read = read;
+  format.write = write;
+  return format;
+}
+
+const FileFormat* FileFormats::byName(std::string_view name) const {
+  for (const FileFormat& format : all) {
+    if (format.name == name) return &format;
+    for (const std::string& other : format.otherNames)
+      if (other == name) return &format;
+  }
+  return nullptr;
+}
+
+const FileFormat* FileFormats::byPath(std::string_view path) const {
+  const std::size_t dot = path.rfind('.');
+  if (dot == std::string_view::npos) return nullptr;
+  std::string extension(path.substr(dot));
+  for (char& c : extension) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+  for (const FileFormat& format : all)
+    for (const std::string& known : format.extensions)
+      if (known == extension) return &format;
+  return nullptr;
+}
+
+}  // namespace host::builtins

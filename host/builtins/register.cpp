@@ -1,0 +1,74 @@
+#include "host/builtins/register.h"
+
+#include "host/nodes/mesh_shape.h"
+
+namespace host::builtins {
+
+// One a source file, in the folders' order.
+void registerAddAttr(cmd::CommandRegistry&);
+void registerAttrState(cmd::CommandRegistry&);
+void registerAttributeQuery(cmd::CommandRegistry&);
+void registerConnectAttr(cmd::CommandRegistry&);
+void registerGetAttr(cmd::CommandRegistry&);
+void registerListAttr(cmd::CommandRegistry&);
+void registerListConnections(cmd::CommandRegistry&);
+void registerSetAttr(cmd::CommandRegistry&);
+
+void registerCreateNode(cmd::CommandRegistry&);
+void registerDelete(cmd::CommandRegistry&);
+void registerDuplicate(cmd::CommandRegistry&);
+void registerListHistory(cmd::CommandRegistry&);
+void registerListRelatives(cmd::CommandRegistry&);
+void registerMove(cmd::CommandRegistry&);
+void registerNodeQueries(cmd::CommandRegistry&);
+void registerParent(cmd::CommandRegistry&);
+void registerRotateScale(cmd::CommandRegistry&);
+void registerSets(cmd::CommandRegistry&);
+void registerXform(cmd::CommandRegistry&);
+
+void registerFile(cmd::CommandRegistry&);
+
+void registerCreatePrimitive(cmd::CommandRegistry&);
+void registerPolyCrease(cmd::CommandRegistry&);
+void registerPolyEvaluate(cmd::CommandRegistry&);
+void registerPolyInfo(cmd::CommandRegistry&);
+void registerPolySoftEdge(cmd::CommandRegistry&);
+
+void registerFilterExpand(cmd::CommandRegistry&);
+void registerLs(cmd::CommandRegistry&);
+void registerPolyListComponentConversion(cmd::CommandRegistry&);
+void registerSelect(cmd::CommandRegistry&);
+void registerSelectMode(cmd::CommandRegistry&);
+
+void registerAbout(cmd::CommandRegistry&);
+void registerOptionVar(cmd::CommandRegistry&);
+void registerPlugins(cmd::CommandRegistry&);
+void registerProgram(cmd::CommandRegistry&);
+void registerScriptJob(cmd::CommandRegistry&);
+void registerUndo(cmd::CommandRegistry&);
+void registerUnitsAndTime(cmd::CommandRegistry&);
+
+void registerBuiltinCommands(cmd::CommandRegistry& registry) {
+  static constexpr void (*kRegistrations[])(cmd::CommandRegistry&) = {
+      registerAddAttr,         registerAttrState,     registerAttributeQuery, registerConnectAttr,
+      registerGetAttr,         registerListAttr,      registerListConnections, registerSetAttr,
+      registerCreateNode,      registerDelete,        registerDuplicate,      registerListHistory,
+      registerListRelatives,   registerMove,          registerNodeQueries,    registerParent,
+      registerRotateScale,     registerSets,          registerXform,          registerFile,
+      registerCreatePrimitive, registerPolyCrease,    registerPolyEvaluate,   registerPolyInfo,
+      registerPolySoftEdge,    registerFilterExpand,  registerLs,             registerPolyListComponentConversion,
+      registerSelect,          registerSelectMode,    registerAbout,          registerOptionVar,
+      registerPlugins,         registerProgram,       registerScriptJob,      registerUndo,
+      registerUnitsAndTime,
+  };
+  for (const auto registration : kRegistrations) registration(registry);
+}
+
+std::unique_ptr<cmd::Session> makeSession() {
+  auto session = std::make_unique<cmd::Session>(
+      [](dg::TypeRegistry& types) { nodes::registerBuiltinTypes(types); }, nodes::installNewScene);
+  registerBuiltinCommands(session->commands());
+  return session;
+}
+
+}  // namespace host::builtins

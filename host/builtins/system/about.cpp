@@ -1,0 +1,90 @@
+#include <chrono>
+#include <cstdlib>
+#include <ctime>
+
+#include "host/builtins/common/command.h"
+
+namespace host::builtins {
+
+namespace {
+
+constexpr int kApiVersion = 20260000;
+constexpr std::string_view kVersion = "2026";
+
+std::string formatNow(const char* format) {
+  const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+  std::tm parts{};
+  localtime_r(&now, &parts);
+  char text[64];
+  return std::string(text, std::strftime(text, sizeof text, format, &parts));
+}
+
+CommandResult about(Context& context, const ParsedArgs& args) {
+  if (args.flagUses().empty()) return mel::Value(kVersion);
+  const std::string& what = args.flagUses().front().spec->longName;
+  if (what == "version" || what == "installedVersion" || what == "product") return mel::Value(kVersion);
+  if (what == "apiVersion" || what == "api") return mel::Value(kApiVersion);
+  if (what == "batch") return mel::Value(context.session.isBatch);
+  if (what == "linux" || what == "linux64" || what == "is64") return mel::Value(true);
+  if (what == "operatingSystem") return mel::Value("linux64");
+  if (what == "currentTime") return mel::Value(formatNow("%H:%M:%S"));
+  if (what == "currentDate") return mel::Value(formatNow("%Y/%m/%d"));
+  if (what == "application") return mel::Value("qxmt");
+  if (what == "cutIdentifier") return mel::Value(std::string(kVersion) + "0000");
+  if (what == "uiLanguage") return mel::Value("en_US");
+  if (what == "preferences" || what == "environmentFile") {
+    const char* home = std::getenv("HOME");
+    return mel::Value(std::string(home ? home : ""));
+  }
+  return mel::Value(false);
+}
+
+CommandResult help(Context& context, const ParsedArgs& args) {
+  if (args.has("list")) {
+    std::vector<std::string> names = context.session.commands().names();
+    const std::string pattern = args.firstObject();
+    if (!pattern.empty() && pattern != "*") {
+      const std::string prefix = pattern.substr(0, pattern.find('*'));
+      std::erase_if(names, [&](const std::string& name) { return name.compare(0, prefix.size(), prefix) != 0; });
+    }
+    return toValue(std::move(names));
+  }
+  const std::string name = args.firstObject();
+  if (name.empty()) return mel::Value(cmd::Command(cmd::CommandSpec{"help", Syntax().strings(), {}, false}).synopsis());
+  const auto command = context.session.commands().find(name);
+  if (!command) return fail("help: there is no command '{}'.", name);
+  return mel::Value(command->synopsis());
+}
+
+}  // namespace
+
+void registerAbout(CommandRegistry& registry) {
+  defineQuery(registry, "about",
+              Syntax()
+                  .flag("v", "version")
+                  .flag("iv", "installedVersion")
+                  .flag("p", "product")
+                  .flag("api", "apiVersion")
+                  .flag("b", "batch")
+                  .flag("a", "application")
+                  .flag("c", "cutIdentifier")
+                  .flag("os", "operatingSystem")
+                  .flag("lnx", "linux")
+                  .flag("l64", "linux64")
+                  .flag("nt", "nt")
+                  .flag("win", "windows")
+                  .flag("mac", "macOS")
+                  .flag("x64", "is64")
+                  .flag("ct", "currentTime")
+                  .flag("cd", "currentDate")
+                  .flag("pd", "preferences")
+                  .flag("env", "environmentFile")
+                  .flag("uil", "uiLanguage")
+                  .flag("ev", "evalVersion"),
+              about);
+  defineQuery(registry, "help",
+              Syntax().flag("l", "list").flag("doc", "documentation").flag("lng", "language", {ArgType::String}).strings(0, 1),
+              help);
+}
+
+}  // namespace host::builtins
