@@ -1,0 +1,47 @@
+#pragma once
+
+#include <numbers>
+#include <optional>
+
+#include "host/math/frame.h"
+#include "host/math/matrix4.h"
+
+namespace host::ops {
+
+/// Translation, rotation (radians, about x, then y, then z) and scale.
+struct ExtrudeTransform {
+  math::Vec3 translate, rotate, scale{1, 1, 1};
+};
+
+/// How extruded components are placed. All lengths are in the space below.
+struct ExtrudePlacement {
+  int divisions = 1;       ///< segments from the old place to the new one
+  double offset = 0;       ///< towards the inside of the extruded region, cm
+  double thickness = 0;    ///< along the vertex normals of the region, cm
+  double taper = 1;        ///< scale about the region's centre, reached at the last division
+  double twist = 0;        ///< about the region's normal, reached at the last division, radians
+  ExtrudeTransform local;  ///< in the region's frame: z along its mean normal, origin at its centre
+  ExtrudeTransform world;  ///< in the space below, about the pivot
+  std::optional<math::Vec3>
+      pivot;            ///< of the world transform; by default the centre of all that is extruded
+  math::Matrix4 space;  ///< from object space to the space that all of this is measured in
+  double smoothingAngle = std::numbers::pi / 6;  ///< edges of the sides are hard beyond it, radians
+};
+
+/// The place of a point of a region: offset by `inset` and `push` (both for the last division),
+/// then moved by the local and the world transform, all of them by the fraction t of the way.
+class ExtrudeMover {
+ public:
+  ExtrudeMover(const ExtrudePlacement& placement, const math::Frame& region,
+               const math::Vec3& pivot)
+      : placement_(placement), region_(region), pivot_(pivot) {}
+  [[nodiscard]] math::Vec3 place(const math::Vec3& p, const math::Vec3& inset,
+                                 const math::Vec3& push, double t) const;
+
+ private:
+  const ExtrudePlacement& placement_;
+  math::Frame region_;
+  math::Vec3 pivot_;
+};
+
+}  // namespace host::ops

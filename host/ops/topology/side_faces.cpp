@@ -1,0 +1,45 @@
+#include "host/ops/topology/side_faces.h"
+
+#include "host/base/assert.h"
+#include "host/ops/topology/soft_edges.h"
+
+namespace host::ops {
+namespace {
+
+std::size_t at(Index i) {
+  return static_cast<std::size_t>(i);
+}
+
+}  // namespace
+
+void finishSideFaces(Mesh& mesh, std::span<const FaceId> sides, double smoothingAngle) {
+  for (int s = 0; s < mesh.uvSetCount(); ++s) {
+    if (mesh.uvSet(s).cornerIds.empty()) continue;
+    mesh::UvSet& set = mesh.editUvSet(s);
+    for (const FaceId f : sides) {
+      for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f) + 2; ++c) {
+        UvId& id = set.cornerIds[at(c)];
+        if (id < 0) continue;
+        const math::Vec2f uv = set.points[at(id)];
+        id = static_cast<UvId>(set.points.size());
+        set.points.push_back(uv);
+      }
+    }
+  }
+  if (!mesh.lockedNormals().locked.empty()) {
+    mesh::LockedNormals normals = mesh.lockedNormals();
+    for (const FaceId f : sides)
+      for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c) {
+        normals.locked[at(c)] = 0;
+        normals.normals[at(c)] = {};
+      }
+    mesh.setLockedNormals(std::move(normals));
+  }
+  std::vector<EdgeId> edges;
+  for (const FaceId f : sides)
+    edges.insert(edges.end(), mesh.faceEdges(f).begin(), mesh.faceEdges(f).end());
+  const auto done = softenEdges(mesh, sortedIds(edges), smoothingAngle);
+  HOST_ASSERT(done.has_value(), "check the smoothing angle before building sides");
+}
+
+}  // namespace host::ops
