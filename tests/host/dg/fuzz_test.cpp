@@ -136,7 +136,7 @@ class Editor {
       case 3:
         return owner->plug(types.wires).element(pick(4)).child(types.to);
       case 4:
-        return owner->plug(types.in);
+        return owner->plug(pick(2) == 0 ? types.in : types.points);
       case 5:
         return owner->plug(types.points).element(pick(5));
       default:
@@ -153,7 +153,7 @@ class Editor {
       case 1:
         return owner->plug(world_.types.points).element(pick(5));
       case 2:
-        return pick(4) == 0 ? owner->plug(world_.types.in)
+        return pick(3) == 0 ? owner->plug(pick(2) == 0 ? world_.types.in : world_.types.points)
                             : owner->plug(world_.types.in).element(pick(5));
       default:
         return leaf();
@@ -211,6 +211,7 @@ bool agreesWithRecomputation(World& world) {
   const auto readAll = [&] {
     std::vector<double> values;
     for (const NodePtr& node : world.graph.nodes()) {
+      values.push_back(world.number(node->plug(world.types.triple)));
       values.push_back(world.number(node->plug(world.types.out)));
       if (const Plug derived = node->plug("derived")) values.push_back(world.number(derived));
       const Plug lists = node->plug(world.types.lists);
@@ -236,7 +237,7 @@ bool agreesWithRecomputation(World& world) {
   for (const NodePtr& node : world.graph.nodes()) {
     for (const Graph::Connection& each : world.graph.incoming(*node))
       world.graph.dirty(each.destination);
-    for (const Attribute* output : {world.types.out, world.types.outV})
+    for (const Attribute* output : {world.types.out, world.types.outV, world.types.triple})
       world.graph.dirty(node->plug(output));
     const Plug wires = node->plug(world.types.wires);
     for (const Index index : world.graph.elementIndices(wires))

@@ -31,7 +31,7 @@ struct SyntheticTypes {
   bool isBroken = false;  ///< computing fails
 
   const Attribute *x, *y, *in, *points, *inV, *wires, *from, *to, *out, *outV, *label, *payload,
-      *message, *lists, *weights, *tag, *fleeting, *resetting;
+      *message, *lists, *weights, *tag, *fleeting, *resetting, *triple;
 
   SyntheticTypes() {
     mixer.name = "mixer";
@@ -78,6 +78,10 @@ struct SyntheticTypes {
     for (const AttributePtr& child : vector->children) child->writable = false;
     vector->writable = false;
     outV = mixer.add(vector);
+    AttributePtr tripleLeaf = makeAttribute("triple", "tr", AttributeType::Double);
+    tripleLeaf->writable = false;
+    triple = mixer.add(tripleLeaf);
+    mixer.affects(out, triple);  // so x affects it too, though nobody says so
     for (const Attribute* input : {x, y, in, points, weights, fleeting, resetting})
       mixer.affects(input, out);
     mixer.affects(inV, outV);
@@ -102,6 +106,10 @@ struct SyntheticTypes {
     if (plug.attribute() == outV) {
       const math::Vec3 v = block.vec3(inV);
       for (int axis = 0; axis < 3; ++axis) block.output(plug.child(axis), v[axis] + block.real(x));
+      return Computed::Done;
+    }
+    if (plug.attribute() == triple) {
+      block.output(plug, 3.0 * block.real(x));
       return Computed::Done;
     }
     if (plug.attribute() == to) {
