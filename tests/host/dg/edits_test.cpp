@@ -207,7 +207,9 @@ TEST_CASE("records survive edits that were made without one") {
   REQUIRE(world.graph.set(a->plug("in").element(3), 1.0));
   REQUIRE(world.graph.addAttribute(*a, makeAttribute("extra", "ex", AttributeType::Double)));
   REQUIRE(world.graph.set(a->plug("extra"), 1.0));
+  REQUIRE(world.graph.setPacked(a->plug("points"), {1}, {0, 0, 0}));
   world.history.isOn = false;
+  REQUIRE(world.graph.connect(b->plug("outV"), a->plug("points").element(1)));
   REQUIRE(world.graph.connect(b->plug("y"), a->plug("extra")));
   REQUIRE(world.graph.connect(b->plug("y"), b->plug("x"), true));
   REQUIRE(world.graph.connect(b->plug("out"), a->plug("in").element(3)));

@@ -94,3 +94,14 @@ TEST_CASE("an array connected as a whole follows its source's elements and value
   CHECK(world.hash() == before);
   CHECK(world.number(b->plug("out")) == 81.0);
 }
+
+TEST_CASE("an array of triples connected as a whole follows a change of one number") {
+  World world;
+  const NodePtr a = world.add("a"), b = world.add("b");
+  REQUIRE(world.graph.setPacked(a->plug("points"), {0, 4}, {1, 0, 0, 2, 0, 0}));
+  REQUIRE(world.graph.connect(a->plug("points"), b->plug("points")));
+  CHECK(world.number(b->plug("out")) == 7.0);
+  REQUIRE(world.graph.set(a->plug("points").element(4).child(0), 3.0));
+  CHECK(world.number(b->plug("out")) == 9.0);
+  CHECK(world.number(b->plug("points").element(4).child(0)) == 3.0);
+}
