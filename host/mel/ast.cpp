@@ -5,7 +5,7 @@
 namespace host::mel {
 
 const char* operatorText(BinaryOp op) {
-  constexpr const char* kTexts[] = {"=", "+", "-",  "*", "/",  "%",  "^",
+  constexpr const char* kTexts[] = {"=", "+",  "-", "*",  "/",  "%", "^",
                                     "<", "<=", ">", ">=", "==", "!="};
   return kTexts[static_cast<std::size_t>(op)];
 }

@@ -17,39 +17,40 @@ enum class NodeKind : std::uint8_t {
   IntLiteral,
   FloatLiteral,
   StringLiteral,
-  VectorLiteral,   ///< 1 to 3 children
-  MatrixLiteral,   ///< all cells; `integer` is the number of rows
+  VectorLiteral,  ///< 1 to 3 children
+  MatrixLiteral,  ///< all cells; `integer` is the number of rows
   ArrayLiteral,
   Variable,
-  Index,           ///< base, one or two subscripts
-  Component,       ///< base; `integer` is 0..2
+  Index,      ///< base, one or two subscripts
+  Component,  ///< base; `integer` is 0..2
   Negate,
   Not,
-  Binary,          ///< `op`
+  Binary,  ///< `op`
   And,
   Or,
   Ternary,
-  Assign,          ///< target, value; `op` is None for plain `=`
-  Step,            ///< ++ and --: target; `integer` is +1 or -1, `flag` says prefix
-  Call,            ///< `text` is the name; flag: written as a statement of its own or in backquotes
-  Cast,            ///< `type`
+  Assign,  ///< target, value; `op` is None for plain `=`
+  Step,    ///< ++ and --: target; `integer` is +1 or -1, `flag` says prefix
+  Call,    ///< `text` is the name; flag: written as a statement of its own or in backquotes
+  Cast,    ///< `type`
   // statements
   Block,
   Expression,
-  Declare,         ///< children are Declarators; `flag` says global, `type` is the element type
-  Declarator,      ///< `text`; `flag` says array; children: initialiser or null, then dimensions
-  If,              ///< condition, branch, condition, branch ..., [else]
+  Declare,     ///< children are Declarators; `flag` says global, `type` is the element type
+  Declarator,  ///< `text`; `flag` says array; children: initialiser or null, then dimensions
+  If,          ///< condition, branch, condition, branch ..., [else]
   While,
   DoWhile,
-  For,             ///< init block, condition or null, step block, body
-  ForIn,           ///< Declarator or Variable, list, body
-  Switch,          ///< subject, then Case/Default labels and statements in order
+  For,     ///< init block, condition or null, step block, body
+  ForIn,   ///< Declarator or Variable, list, body
+  Switch,  ///< subject, then Case/Default labels and statements in order
   Case,
   Default,
   Break,
   Continue,
   Return,
-  Procedure,       ///< `text`, `type`, `flag` says global; children: parameter Declarators, then the body
+  Procedure,  ///< `text`, `type`, `flag` says global; children: parameter Declarators, then the
+              ///< body
   Empty,
 };
 
@@ -70,7 +71,9 @@ enum class BinaryOp : std::uint8_t {
 };
 
 [[nodiscard]] const char* operatorText(BinaryOp op);
-[[nodiscard]] constexpr bool isComparison(BinaryOp op) { return op >= BinaryOp::Less; }
+[[nodiscard]] constexpr bool isComparison(BinaryOp op) {
+  return op >= BinaryOp::Less;
+}
 
 struct Node {
   NodeKind kind = NodeKind::Empty;

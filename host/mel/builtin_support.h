@@ -25,8 +25,8 @@ template <class T>
   }
 }
 
-/// Converts the first arguments and passes them to `body`, which returns nothing or a Result<void>. Missing ones are
-/// default values. The first that doesn't convert is the error.
+/// Converts the first arguments and passes them to `body`, which returns nothing or a Result<void>.
+/// Missing ones are default values. The first that doesn't convert is the error.
 template <class... T, class Body>
 Result<void> unpack(std::span<const Value> arguments, Body&& body) {
   std::tuple<T...> converted;
@@ -55,17 +55,22 @@ Result<void> unpack(std::span<const Value> arguments, Body&& body) {
 
 /// The error for arguments of the wrong type or number.
 [[nodiscard]] inline tl::unexpected<Error> invalidCall(std::string_view name) {
-  return fail("Invalid call to \"{}\".  Check number and types of arguments expected by the procedure.", name);
+  return fail(
+      "Invalid call to \"{}\".  Check number and types of arguments expected by the procedure.",
+      name);
 }
 
-/// Separates `-flag`, `-flag value` and plain arguments of the few functions of the language that have flags.
+/// Separates `-flag`, `-flag value` and plain arguments of the few functions of the language that
+/// have flags.
 struct FlaggedArguments {
   std::vector<std::pair<std::string, Value>> flags;  ///< without the dash
   std::vector<Value> plain;
   [[nodiscard]] const Value* find(std::string_view longName, std::string_view shortName) const;
 };
-/// `valued` names the flags that take a value, by long and short names. An unknown flag is an error naming it.
-Result<FlaggedArguments> splitFlags(std::span<const Value> arguments, std::span<const std::string_view> valued,
+/// `valued` names the flags that take a value, by long and short names. An unknown flag is an error
+/// naming it.
+Result<FlaggedArguments> splitFlags(std::span<const Value> arguments,
+                                    std::span<const std::string_view> valued,
                                     std::span<const std::string_view> bare);
 
 }  // namespace host::mel

@@ -15,8 +15,9 @@ const Table& table() {
   static const Table kTable = [] {
     Table joined;
     for (const std::span<const Builtin> group :
-         {stringFunctions(), patternFunctions(), arrayFunctions(), typedArrayFunctions(), mathFunctions(),
-          vectorFunctions(), randomFunctions(), fileFunctions(), pathFunctions(), systemFunctions()})
+         {stringFunctions(), patternFunctions(), arrayFunctions(), typedArrayFunctions(),
+          mathFunctions(), vectorFunctions(), randomFunctions(), fileFunctions(), pathFunctions(),
+          systemFunctions()})
       for (const Builtin& builtin : group) joined.emplace(builtin.name, &builtin);
     return joined;
   }();
@@ -42,12 +43,14 @@ const Value* FlaggedArguments::find(std::string_view longName, std::string_view 
   return nullptr;
 }
 
-Result<FlaggedArguments> splitFlags(std::span<const Value> arguments, std::span<const std::string_view> valued,
+Result<FlaggedArguments> splitFlags(std::span<const Value> arguments,
+                                    std::span<const std::string_view> valued,
                                     std::span<const std::string_view> bare) {
   FlaggedArguments result;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     const Value& argument = arguments[i];
-    const bool isFlag = argument.isString() && argument.string().size() > 1 && argument.string()[0] == '-' &&
+    const bool isFlag = argument.isString() && argument.string().size() > 1 &&
+                        argument.string()[0] == '-' &&
                         std::isalpha(static_cast<unsigned char>(argument.string()[1]));
     if (!isFlag) {
       result.plain.push_back(argument);
@@ -58,7 +61,8 @@ Result<FlaggedArguments> splitFlags(std::span<const Value> arguments, std::span<
       result.flags.emplace_back(name, Value(1));
     } else if (std::ranges::find(valued, name) == valued.end()) {
       // Text that merely begins with a dash, as in `error "-1 is too small"`.
-      if (name.find(' ') == std::string::npos && arguments.size() > 1) return fail("Invalid flag '-{}'.", name);
+      if (name.find(' ') == std::string::npos && arguments.size() > 1)
+        return fail("Invalid flag '-{}'.", name);
       result.plain.push_back(argument);
     } else if (i + 1 >= arguments.size()) {
       return fail("Flag '-{}' must be passed a value.", name);

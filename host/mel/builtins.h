@@ -13,7 +13,8 @@ class Engine;
 
 using BuiltinFunction = Result<void> (*)(Engine& engine, std::span<Value> arguments, Value& result);
 
-/// A function of the language itself. Its arguments have been counted but not converted; arrays are the caller's own.
+/// A function of the language itself. Its arguments have been counted but not converted; arrays are
+/// the caller's own.
 struct Builtin {
   std::string_view name;
   BuiltinFunction function;

@@ -14,8 +14,9 @@ namespace host::mel {
 struct Builtin;
 struct Function;
 
-/// Register machine: every variable and intermediate of a procedure has a register of its own. Registers of class Int and
-/// Float always hold that type, so arithmetic on them neither tests nor writes type tags.
+/// Register machine: every variable and intermediate of a procedure has a register of its own.
+/// Registers of class Int and Float always hold that type, so arithmetic on them neither tests nor
+/// writes type tags.
 enum class Op : std::uint16_t {
   // a = b ...
   Move,
@@ -56,8 +57,8 @@ enum class Op : std::uint16_t {
   JumpLessEqualFloat,
   JumpEqualFloat,
   StepJumpLess,  ///< a += int16(c); taken if a < b, all integers: the end of a counting loop
-  JumpInt,   ///< a != 0
-  JumpTest,  ///< truth of any value a
+  JumpInt,       ///< a != 0
+  JumpTest,      ///< truth of any value a
   // values of any type; BinaryFirst + BinaryOp: a = b op c
   BinaryFirst,
   BinaryLast = BinaryFirst + 12,
@@ -94,7 +95,8 @@ enum class Op : std::uint16_t {
   SetGlobalFloat,
   AppendGlobal,
   InitGlobal,  ///< goes on at the next Target if the variable was initialised before
-  // calls: a = result (kNoRegister to drop it), arguments are the c registers from b; next.bc is the index
+  // calls: a = result (kNoRegister to drop it), arguments are the c registers from b; next.bc is
+  // the index
   CallSymbol,
   CallBuiltin,
   Return,
@@ -102,7 +104,7 @@ enum class Op : std::uint16_t {
   TryBegin,  ///< a receives 1 after an error, c says quiet; next is the Target to go on at
   TryEnd,
   DefineProcedure,  ///< bc is the index into procedures
-  NextElement,      ///< a = list b at position c, which advances; past the end goes to the next Target
+  NextElement,  ///< a = list b at position c, which advances; past the end goes to the next Target
 };
 
 inline constexpr std::uint16_t kNoRegister = 0xffff;
@@ -141,8 +143,8 @@ struct ProcedureDefinition {
   bool isHoisted;  ///< defined before the code runs, so that calls may precede it
 };
 
-/// A stretch of code at global scope that keeps numeric global variables in registers. Nothing in it can reach those variables
-/// otherwise; an error in it writes them back.
+/// A stretch of code at global scope that keeps numeric global variables in registers. Nothing in
+/// it can reach those variables otherwise; an error in it writes them back.
 struct CachedGlobals {
   struct Entry {
     std::uint16_t reg;

@@ -79,8 +79,9 @@ void Compiler::procedure(const Node& node) {
   const bool isTopLevel = isGlobalScope();
   const auto local = localProcedures_.find(node.text);
   const bool isLocal = !node.flag && local != localProcedures_.end();
-  Symbol& symbol = isLocal ? *local->second
-                           : node.flag ? engine_.symbol(node.text) : engine_.makeLocalSymbol(node.text);
+  Symbol& symbol = isLocal     ? *local->second
+                   : node.flag ? engine_.symbol(node.text)
+                               : engine_.makeLocalSymbol(node.text);
   if (!node.flag && !isLocal) localProcedures_.emplace(node.text, &symbol);
   bool isFirst = true;
   for (const ProcedureDefinition& earlier : body_->function->procedures)
@@ -135,7 +136,8 @@ Compiler::Operand Compiler::temporary(Type type) {
 
 /// The wanted register if its type fits, else a temporary.
 Compiler::Operand Compiler::destination(const Operand* wanted, Type type) {
-  const bool isDirect = type == Type::Int || type == Type::Float || type == Type::String || type == Type::Vector;
+  const bool isDirect =
+      type == Type::Int || type == Type::Float || type == Type::String || type == Type::Vector;
   if (wanted && isDirect && wanted->type == type) return *wanted;
   return temporary(type);
 }
@@ -165,7 +167,8 @@ void Compiler::releaseBlock(std::uint16_t base, std::size_t count) {
   if (count > 0) body_->freeBlocks[count].push_back(base);
 }
 
-/// Constants have registers of their own, filled on entry; only beyond a bound are they loaded where they are used.
+/// Constants have registers of their own, filled on entry; only beyond a bound are they loaded
+/// where they are used.
 Compiler::Operand Compiler::intConstant(std::int32_t value) {
   const auto known = body_->intRegisters.find(value);
   if (known != body_->intRegisters.end()) return {known->second, Type::Int, false};
@@ -187,7 +190,8 @@ Compiler::Operand Compiler::floatConstant(double value) {
   if (body_->floatRegisters.size() >= kMaxPinnedConstants) {
     const Operand loaded = temporary(Type::Float);
     body_->function->constants.push_back(Value(value));
-    emitWide(Op::LoadConstant, loaded.reg, static_cast<std::uint32_t>(body_->function->constants.size() - 1));
+    emitWide(Op::LoadConstant, loaded.reg,
+             static_cast<std::uint32_t>(body_->function->constants.size() - 1));
     return loaded;
   }
   const std::uint16_t reg = newRegister(Type::Float);
@@ -205,7 +209,8 @@ std::uint32_t Compiler::textConstant(std::string_view text) {
 
 std::uint32_t Compiler::globalIndex(GlobalVariable* variable) {
   std::vector<GlobalVariable*>& globals = body_->function->globals;
-  const auto [entry, isNew] = body_->references.emplace(variable, static_cast<std::uint32_t>(globals.size()));
+  const auto [entry, isNew] =
+      body_->references.emplace(variable, static_cast<std::uint32_t>(globals.size()));
   if (isNew) globals.push_back(variable);
   return entry->second;
 }
@@ -213,7 +218,8 @@ std::uint32_t Compiler::globalIndex(GlobalVariable* variable) {
 std::optional<Compiler::Variable> Compiler::findVariable(std::string_view name) {
   for (auto scope = body_->scopes.rbegin(); scope != body_->scopes.rend(); ++scope) {
     const auto found = scope->find(name);
-    if (found != scope->end()) return found->second.global ? cachedVariable(found->second.global) : found->second;
+    if (found != scope->end())
+      return found->second.global ? cachedVariable(found->second.global) : found->second;
   }
   if (body_->isProcedure) return std::nullopt;
   GlobalVariable* global = engine_.findGlobal(name);
@@ -222,14 +228,16 @@ std::optional<Compiler::Variable> Compiler::findVariable(std::string_view name) 
 }
 
 /// Declares in the innermost scope; outside of procedures and braces that is a global variable.
-Compiler::Variable Compiler::declareVariable(const Node& node, Type type, bool isGlobal, bool& isNew) {
+Compiler::Variable Compiler::declareVariable(const Node& node, Type type, bool isGlobal,
+                                             bool& isNew) {
   isNew = false;
   Scope& scope = body_->scopes.back();
   const auto known = scope.find(node.text);
   const bool isRedeclared = known != scope.end();
   if (isRedeclared && !isGlobal) {
     if (known->second.type != type)
-      fault(node, fmt::format("Invalid redeclaration of variable \"${}\" as a different type.", node.text));
+      fault(node, fmt::format("Invalid redeclaration of variable \"${}\" as a different type.",
+                              node.text));
     return known->second;
   }
   if (!isGlobal && !isGlobalScope()) {
@@ -242,7 +250,8 @@ Compiler::Variable Compiler::declareVariable(const Node& node, Type type, bool i
   GlobalVariable* global = engine_.findGlobal(node.text);
   const bool isLocalAlready = isRedeclared && !known->second.global;
   if ((global && global->type != type && global->type != Type::None) || isLocalAlready) {
-    fault(node, fmt::format("Invalid redeclaration of variable \"${}\" as a different type.", node.text));
+    fault(node,
+          fmt::format("Invalid redeclaration of variable \"${}\" as a different type.", node.text));
     return {global, 0, type};
   }
   if (!global) {

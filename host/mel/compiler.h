@@ -20,13 +20,15 @@ class Engine;
 
 /// Turns the tree of one source text into code.
 ///
-/// Types are static where the text fixes them (declarations, literals, the language's functions) and numbers then run on
-/// typed registers; results of commands and procedures have no static type and are converted where they are used.
+/// Types are static where the text fixes them (declarations, literals, the language's functions)
+/// and numbers then run on typed registers; results of commands and procedures have no static type
+/// and are converted where they are used.
 class Compiler {
  public:
   Compiler(Engine& engine, const std::string& file);
 
-  /// The code of the whole text, or null with `diagnostic()` set; then no global variable was created.
+  /// The code of the whole text, or null with `diagnostic()` set; then no global variable was
+  /// created.
   [[nodiscard]] std::shared_ptr<const Function> compile(const Node& root);
   [[nodiscard]] const Diagnostic& diagnostic() const { return diagnostic_; }
 
@@ -63,10 +65,12 @@ class Compiler {
     std::unordered_map<std::string_view, std::uint32_t> texts;
     std::unordered_map<const void*, std::uint32_t> references;
     bool isProcedure = false;
-    bool isSkippable = false;  ///< a declaration here may be jumped over while its variable stays visible
+    bool isSkippable =
+        false;  ///< a declaration here may be jumped over while its variable stays visible
     std::vector<Variable> skippable;
     std::optional<CachedGlobals> cached;
-    std::size_t stepAt = kNoStep;  ///< the increment that ends a loop's body, if it is the last instruction
+    std::size_t stepAt =
+        kNoStep;  ///< the increment that ends a loop's body, if it is the last instruction
   };
 
   // compiler.cpp: procedures, registers, code, scopes
@@ -94,7 +98,9 @@ class Compiler {
   void closeScope() { body_->scopes.pop_back(); }
   std::optional<Variable> findVariable(std::string_view name);
   Variable declareVariable(const Node& node, Type type, bool isGlobal, bool& isNew);
-  [[nodiscard]] bool isGlobalScope() const { return !body_->isProcedure && body_->scopes.size() == 1; }
+  [[nodiscard]] bool isGlobalScope() const {
+    return !body_->isProcedure && body_->scopes.size() == 1;
+  }
   Operand fault(const Node& at, std::string text);
   Operand undeclared(const Node& at);
 
@@ -136,7 +142,8 @@ class Compiler {
   Operand binaryChain(const Node& node, const Operand* wanted);
   Operand combine(BinaryOp op, Operand left, const Node& right, const Operand* wanted);
   Operand apply(BinaryOp op, Operand left, Operand right, const Operand* wanted);
-  Operand applyNumbers(BinaryOp op, const Operand& left, const Operand& right, const Operand* wanted);
+  Operand applyNumbers(BinaryOp op, const Operand& left, const Operand& right,
+                       const Operand* wanted);
   Operand negate(const Node& node, const Operand* wanted);
   Operand truth(const Node& node);
   Operand ternary(const Node& node);
@@ -149,7 +156,8 @@ class Compiler {
   /// Jumps when the truth of `node` equals `sense`; the places to patch are appended.
   void jumpIf(const Node& node, bool sense, std::vector<std::size_t>& places);
   void jumpIfComparison(const Node& node, bool sense, std::vector<std::size_t>& places);
-  void emitJumpIf(Op op, const Operand& a, std::uint16_t b, bool sense, std::vector<std::size_t>& places);
+  void emitJumpIf(Op op, const Operand& a, std::uint16_t b, bool sense,
+                  std::vector<std::size_t>& places);
 
   // compiler_assignments.cpp
   Operand assignment(const Node& node, bool isDiscarded);

@@ -9,12 +9,15 @@ namespace host::mel {
 Compiler::Operand Compiler::copied(const Operand& value) {
   if (value.isTemporary || hasFault_) return value;
   const Operand copy = temporary(value.type);
-  const Op op = value.type == Type::Int ? Op::MoveInt : value.type == Type::Float ? Op::MoveFloat : Op::Move;
+  const Op op = value.type == Type::Int     ? Op::MoveInt
+                : value.type == Type::Float ? Op::MoveFloat
+                                            : Op::Move;
   emit(op, copy.reg, value.reg);
   return copy;
 }
 
-/// Brings a value to a register of the target's type. Arrays are copied unless the value is a temporary.
+/// Brings a value to a register of the target's type. Arrays are copied unless the value is a
+/// temporary.
 void Compiler::moveTo(const Operand& target, const Operand& value) {
   if (target.reg == value.reg || hasFault_) return;
   if (target.type == value.type && isNumber(value.type)) {
@@ -124,7 +127,9 @@ std::optional<Compiler::Element> Compiler::element(const Node& node) {
     result.column = asInt(expression(*node.children[2]));
   }
   if (hasFault_) return std::nullopt;
-  result.type = result.isCell ? Type::Float : isArray(result.base.type) ? elementType(result.base.type) : Type::None;
+  result.type = result.isCell               ? Type::Float
+                : isArray(result.base.type) ? elementType(result.base.type)
+                                            : Type::None;
   return result;
 }
 
@@ -168,7 +173,8 @@ Compiler::Operand Compiler::assignElement(const Node& node, bool isDiscarded) {
   const bool isDeclared = findVariable(target.children[0]->text).has_value();
   if (!isDeclared) {
     const Node& source = *node.children[1];
-    const Operand probe = node.op == BinaryOp::None && target.children.size() == 2 ? expression(source) : Operand{};
+    const Operand probe =
+        node.op == BinaryOp::None && target.children.size() == 2 ? expression(source) : Operand{};
     const Type type = arrayType(probe.type);
     if (type == Type::None) return undeclared(*target.children[0]);
     bool isNew = false;
@@ -189,8 +195,9 @@ Compiler::Operand Compiler::assignElement(const Node& node, bool isDiscarded) {
     place->row = copied(place->row);
     if (place->isCell) place->column = copied(place->column);
   }
-  Operand value = node.op == BinaryOp::None ? expressionAs(*node.children[1], place->type)
-                                            : combine(node.op, loadElement(*place, nullptr), *node.children[1], nullptr);
+  Operand value = node.op == BinaryOp::None
+                      ? expressionAs(*node.children[1], place->type)
+                      : combine(node.op, loadElement(*place, nullptr), *node.children[1], nullptr);
   if (hasFault_) return {};
   line_ = node.line;
   if (isNumber(place->type) && isNumber(value.type) && place->type != value.type)
@@ -225,11 +232,13 @@ Compiler::Operand Compiler::step(const Node& node, bool isDiscarded) {
   return {};
 }
 
-Compiler::Operand Compiler::stepVariable(const Node& node, const Variable& variable, bool isDiscarded) {
-  const bool canStep = isNumber(variable.type) || variable.type == Type::None || variable.type == Type::Vector;
+Compiler::Operand Compiler::stepVariable(const Node& node, const Variable& variable,
+                                         bool isDiscarded) {
+  const bool canStep =
+      isNumber(variable.type) || variable.type == Type::None || variable.type == Type::Vector;
   if (!canStep)
-    return fault(node, fmt::format("Illegal operation \"{}\" on data of type {}.", node.integer > 0 ? "++" : "--",
-                                   typeName(variable.type)));
+    return fault(node, fmt::format("Illegal operation \"{}\" on data of type {}.",
+                                   node.integer > 0 ? "++" : "--", typeName(variable.type)));
   Operand current = readVariable(variable);
   const bool wantsBefore = !isDiscarded && !node.flag;
   const Operand before = wantsBefore ? copied(current) : current;
@@ -239,7 +248,8 @@ Compiler::Operand Compiler::stepVariable(const Node& node, const Variable& varia
   Operand after;
   if (variable.type == Type::Int) {
     after = destination(wanted, Type::Int);
-    emit(Op::AddImmediate, after.reg, readable.reg, static_cast<std::uint16_t>(static_cast<std::int16_t>(node.integer)));
+    emit(Op::AddImmediate, after.reg, readable.reg,
+         static_cast<std::uint16_t>(static_cast<std::int16_t>(node.integer)));
   } else {
     after = apply(BinaryOp::Add, readable, intConstant(node.integer), wanted);
   }

@@ -18,7 +18,8 @@ std::optional<Type> castType(std::string_view name) {
 
 }  // namespace
 
-/// The text's own local procedures come first, then what the name means globally when the call runs.
+/// The text's own local procedures come first, then what the name means globally when the call
+/// runs.
 Symbol& Compiler::resolve(std::string_view name) {
   const auto local = localProcedures_.find(name);
   return local != localProcedures_.end() ? *local->second : engine_.symbol(name);
@@ -45,8 +46,10 @@ void Compiler::emitCall(const Node& node, const Builtin* builtin, std::uint16_t 
   const std::size_t count = node.children.size();
   if (builtin) {
     const int given = static_cast<int>(count);
-    if (given < builtin->minArguments || (builtin->maxArguments >= 0 && given > builtin->maxArguments)) {
-      fault(node, fmt::format("Invalid call to \"{}\".  Check number and types of arguments expected by the procedure.",
+    if (given < builtin->minArguments ||
+        (builtin->maxArguments >= 0 && given > builtin->maxArguments)) {
+      fault(node, fmt::format("Invalid call to \"{}\".  Check number and types of arguments "
+                              "expected by the procedure.",
                               node.text));
       return;
     }
@@ -94,14 +97,16 @@ Compiler::Operand Compiler::call(const Node& node, const Operand* wanted, bool i
     const Operand converted = temporary(Type::Float);
     moveTo(converted, argument);
     release(argument);
-    emit(Op::FloatFunction, converted.reg, converted.reg, static_cast<std::uint16_t>(floatFunction));
+    emit(Op::FloatFunction, converted.reg, converted.reg,
+         static_cast<std::uint16_t>(floatFunction));
     return converted;
   }
   if (isDiscarded) {
     emitCall(node, builtin, kNoRegister);
     return {};
   }
-  // A function's fixed result type allows typed registers; a procedure or command may be redefined with another one.
+  // A function's fixed result type allows typed registers; a procedure or command may be redefined
+  // with another one.
   const Type type = builtin ? builtin->result : Type::None;
   const Operand result = destination(wanted, type);
   emitCall(node, builtin, result.reg);
@@ -119,7 +124,8 @@ Compiler::Operand Compiler::sizeCall(const Node& node, const Operand* wanted) {
 /// `catch(expression)`: 1 if it failed, else 0.
 Compiler::Operand Compiler::catchCall(const Node& node) {
   if (node.children.size() != 1)
-    return fault(node, fmt::format("Invalid call to \"{}\".  Check number and types of arguments expected by the procedure.",
+    return fault(node, fmt::format("Invalid call to \"{}\".  Check number and types of arguments "
+                                   "expected by the procedure.",
                                    node.text));
   const Operand failed = temporary(Type::Int);
   emit(Op::TryBegin, failed.reg, 0, node.text == "catchQuiet");

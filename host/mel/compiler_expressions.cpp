@@ -23,33 +23,49 @@ Compiler::Operand Compiler::expression(const Node& node, const Operand* wanted) 
   if (hasFault_) return {};
   line_ = node.line;
   switch (node.kind) {
-    case NodeKind::IntLiteral: return intConstant(node.integer);
-    case NodeKind::FloatLiteral: return floatConstant(node.number);
+    case NodeKind::IntLiteral:
+      return intConstant(node.integer);
+    case NodeKind::FloatLiteral:
+      return floatConstant(node.number);
     case NodeKind::StringLiteral: {
       const Operand text = destination(wanted, Type::String);
       emitWide(Op::LoadConstant, text.reg, textConstant(node.text));
       return text;
     }
-    case NodeKind::VectorLiteral: return vectorLiteral(node, wanted);
-    case NodeKind::MatrixLiteral: return matrixLiteral(node);
-    case NodeKind::ArrayLiteral: return arrayLiteral(node, Type::None);
+    case NodeKind::VectorLiteral:
+      return vectorLiteral(node, wanted);
+    case NodeKind::MatrixLiteral:
+      return matrixLiteral(node);
+    case NodeKind::ArrayLiteral:
+      return arrayLiteral(node, Type::None);
     case NodeKind::Variable: {
       const std::optional<Variable> variable = findVariable(node.text);
       return variable ? readVariable(*variable) : undeclared(node);
     }
-    case NodeKind::Index: return index(node, wanted);
-    case NodeKind::Component: return component(node, wanted);
-    case NodeKind::Negate: return negate(node, wanted);
+    case NodeKind::Index:
+      return index(node, wanted);
+    case NodeKind::Component:
+      return component(node, wanted);
+    case NodeKind::Negate:
+      return negate(node, wanted);
     case NodeKind::Not:
     case NodeKind::And:
-    case NodeKind::Or: return truth(node);
-    case NodeKind::Binary: return binaryChain(node, wanted);
-    case NodeKind::Ternary: return ternary(node);
-    case NodeKind::Assign: return assignment(node, false);
-    case NodeKind::Step: return step(node, false);
-    case NodeKind::Call: return call(node, wanted, false);
-    case NodeKind::Cast: return cast(*node.children[0], node.type, wanted);
-    default: return fault(node, "Syntax error: expected an expression.");
+    case NodeKind::Or:
+      return truth(node);
+    case NodeKind::Binary:
+      return binaryChain(node, wanted);
+    case NodeKind::Ternary:
+      return ternary(node);
+    case NodeKind::Assign:
+      return assignment(node, false);
+    case NodeKind::Step:
+      return step(node, false);
+    case NodeKind::Call:
+      return call(node, wanted, false);
+    case NodeKind::Cast:
+      return cast(*node.children[0], node.type, wanted);
+    default:
+      return fault(node, "Syntax error: expected an expression.");
   }
 }
 
@@ -63,7 +79,8 @@ void Compiler::discard(const Node& node) {
   release(expression(node));
 }
 
-/// The expression for a place of known type: literals take that type, the rest is converted by who stores it.
+/// The expression for a place of known type: literals take that type, the rest is converted by who
+/// stores it.
 Compiler::Operand Compiler::expressionAs(const Node& node, Type type, const Operand* wanted) {
   if (node.kind == NodeKind::IntLiteral && type == Type::Float) return floatConstant(node.integer);
   if (node.kind == NodeKind::ArrayLiteral && isArray(type)) {
@@ -124,18 +141,21 @@ Compiler::Operand Compiler::binaryChain(const Node& node, const Operand* wanted)
   return left;
 }
 
-Compiler::Operand Compiler::combine(BinaryOp op, Operand left, const Node& right, const Operand* wanted) {
+Compiler::Operand Compiler::combine(BinaryOp op, Operand left, const Node& right,
+                                    const Operand* wanted) {
   if (hasFault_) return {};
   if (right.assigns && !left.isTemporary) left = copied(left);
   const bool isSum = op == BinaryOp::Add || op == BinaryOp::Subtract;
   if (isSum && left.type == Type::Int && fitsImmediate(right)) {
     const Operand sum = destination(wanted, Type::Int);
     const int addend = op == BinaryOp::Add ? right.integer : -right.integer;
-    emit(Op::AddImmediate, sum.reg, left.reg, static_cast<std::uint16_t>(static_cast<std::int16_t>(addend)));
+    emit(Op::AddImmediate, sum.reg, left.reg,
+         static_cast<std::uint16_t>(static_cast<std::int16_t>(addend)));
     release(left);
     return sum;
   }
-  return apply(op, left, expressionAs(right, left.type == Type::Float ? Type::Float : Type::None), wanted);
+  return apply(op, left, expressionAs(right, left.type == Type::Float ? Type::Float : Type::None),
+               wanted);
 }
 
 Compiler::Operand Compiler::apply(BinaryOp op, Operand left, Operand right, const Operand* wanted) {
@@ -168,17 +188,28 @@ Compiler::Operand Compiler::applyNumbers(BinaryOp op, const Operand& left, const
     return result;
   };
   switch (op) {
-    case BinaryOp::Add: return put(Op::AddInt, Op::AddFloat, left, right);
-    case BinaryOp::Subtract: return put(Op::SubtractInt, Op::SubtractFloat, left, right);
-    case BinaryOp::Multiply: return put(Op::MultiplyInt, Op::MultiplyFloat, left, right);
-    case BinaryOp::Divide: return put(Op::DivideInt, Op::DivideFloat, left, right);
-    case BinaryOp::Modulo: return put(Op::ModuloInt, Op::ModuloFloat, left, right);
-    case BinaryOp::Less: return put(Op::LessInt, Op::LessFloat, left, right);
-    case BinaryOp::LessEqual: return put(Op::LessEqualInt, Op::LessEqualFloat, left, right);
-    case BinaryOp::Greater: return put(Op::LessInt, Op::LessFloat, right, left);
-    case BinaryOp::GreaterEqual: return put(Op::LessEqualInt, Op::LessEqualFloat, right, left);
-    case BinaryOp::Equal: return put(Op::EqualInt, Op::EqualFloat, left, right);
-    default: return put(Op::NotEqualInt, Op::NotEqualFloat, left, right);
+    case BinaryOp::Add:
+      return put(Op::AddInt, Op::AddFloat, left, right);
+    case BinaryOp::Subtract:
+      return put(Op::SubtractInt, Op::SubtractFloat, left, right);
+    case BinaryOp::Multiply:
+      return put(Op::MultiplyInt, Op::MultiplyFloat, left, right);
+    case BinaryOp::Divide:
+      return put(Op::DivideInt, Op::DivideFloat, left, right);
+    case BinaryOp::Modulo:
+      return put(Op::ModuloInt, Op::ModuloFloat, left, right);
+    case BinaryOp::Less:
+      return put(Op::LessInt, Op::LessFloat, left, right);
+    case BinaryOp::LessEqual:
+      return put(Op::LessEqualInt, Op::LessEqualFloat, left, right);
+    case BinaryOp::Greater:
+      return put(Op::LessInt, Op::LessFloat, right, left);
+    case BinaryOp::GreaterEqual:
+      return put(Op::LessEqualInt, Op::LessEqualFloat, right, left);
+    case BinaryOp::Equal:
+      return put(Op::EqualInt, Op::EqualFloat, left, right);
+    default:
+      return put(Op::NotEqualInt, Op::NotEqualFloat, left, right);
   }
 }
 
@@ -193,7 +224,8 @@ Compiler::Operand Compiler::negate(const Node& node, const Operand* wanted) {
   return result;
 }
 
-/// `!a`, `a && b`, `a || b` as the numbers 0 and 1. Never straight into a variable, which the condition may read.
+/// `!a`, `a && b`, `a || b` as the numbers 0 and 1. Never straight into a variable, which the
+/// condition may read.
 Compiler::Operand Compiler::truth(const Node& node) {
   const Operand result = temporary(Type::Int);
   emitWide(Op::LoadInt, result.reg, 0);
@@ -208,7 +240,8 @@ Compiler::Operand Compiler::ternary(const Node& node) {
   std::vector<std::size_t> skips;
   jumpIf(*node.children[0], false, skips);
   const Operand first = expression(*node.children[1]);
-  // The common type is known after the second branch, so the first value waits in a register of its own kind.
+  // The common type is known after the second branch, so the first value waits in a register of its
+  // own kind.
   const Operand kept = temporary(Type::None);
   emit(Op::Move, kept.reg, first.reg);
   release(first);
@@ -220,7 +253,9 @@ Compiler::Operand Compiler::ternary(const Node& node) {
   patch(end, here());
   if (first.type != second.type || !isNumber(first.type)) {
     const bool areNumbers = isNumber(first.type) && isNumber(second.type);
-    const Type common = areNumbers ? Type::Float : first.type == second.type ? first.type : Type::None;
+    const Type common = areNumbers                  ? Type::Float
+                        : first.type == second.type ? first.type
+                                                    : Type::None;
     if (common != Type::Float) return {kept.reg, common, kept.isTemporary};
     return asFloat(kept);
   }
@@ -268,7 +303,8 @@ Compiler::Operand Compiler::arrayLiteral(const Node& node, Type hint) {
     const std::uint16_t block = allocateBlock(length);
     for (std::size_t i = 0; i < length && !hasFault_; ++i)
       expressionInto(*node.children[from + i], static_cast<std::uint16_t>(block + i));
-    emit(isFirst ? Op::MakeArray : Op::ExtendArray, result.reg, block, static_cast<std::uint16_t>(length));
+    emit(isFirst ? Op::MakeArray : Op::ExtendArray, result.reg, block,
+         static_cast<std::uint16_t>(length));
     if (isFirst) emit(Op::Target, static_cast<std::uint16_t>(hint));
     releaseBlock(block, length);
     isFirst = false;
@@ -276,8 +312,9 @@ Compiler::Operand Compiler::arrayLiteral(const Node& node, Type hint) {
   if (hint != Type::None) return result;
   Type widest = count == 0 ? Type::Int : Type::None;
   for (const Node* child : node.children) {
-    const bool isKnown = child->kind == NodeKind::StringLiteral || child->kind == NodeKind::IntLiteral ||
-                         child->kind == NodeKind::FloatLiteral || child->kind == NodeKind::VectorLiteral;
+    const bool isKnown =
+        child->kind == NodeKind::StringLiteral || child->kind == NodeKind::IntLiteral ||
+        child->kind == NodeKind::FloatLiteral || child->kind == NodeKind::VectorLiteral;
     const Type type = child->kind == NodeKind::StringLiteral   ? Type::String
                       : child->kind == NodeKind::FloatLiteral  ? Type::Float
                       : child->kind == NodeKind::VectorLiteral ? Type::Vector
@@ -314,7 +351,8 @@ Compiler::Operand Compiler::cast(const Node& node, Type type, const Operand* wan
   return result;
 }
 
-void Compiler::emitJumpIf(Op op, const Operand& a, std::uint16_t b, bool sense, std::vector<std::size_t>& places) {
+void Compiler::emitJumpIf(Op op, const Operand& a, std::uint16_t b, bool sense,
+                          std::vector<std::size_t>& places) {
   std::vector<Instruction>& code = body_->function->code;
   const bool followsStep = body_->stepAt + 1 == code.size() && body_->stepAt != kNoStep;
   body_->stepAt = kNoStep;

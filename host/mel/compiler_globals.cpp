@@ -9,16 +9,20 @@ namespace host::mel {
 namespace {
 
 /// Functions of the language that can run other script text.
-bool runsScripts(std::string_view name) { return name == "eval" || name == "evalEcho" || name == "source"; }
+bool runsScripts(std::string_view name) {
+  return name == "eval" || name == "evalEcho" || name == "source";
+}
 
 }  // namespace
 
-/// Collects the numeric globals named in a statement; false if code elsewhere could see or change them meanwhile.
+/// Collects the numeric globals named in a statement; false if code elsewhere could see or change
+/// them meanwhile.
 bool Compiler::collectGlobals(const Node& node, std::vector<GlobalVariable*>& globals) const {
   if (node.kind == NodeKind::Procedure) return false;
   if (node.kind == NodeKind::Call) {
     const bool isCatch = node.text == "catch" || node.text == "catchQuiet";
-    const bool isCast = node.text == "int" || node.text == "float" || node.text == "string" || node.text == "vector";
+    const bool isCast = node.text == "int" || node.text == "float" || node.text == "string" ||
+                        node.text == "vector";
     if (!isCatch && !isCast && (runsScripts(node.text) || !builtinFor(node.text))) return false;
   }
   if (node.kind == NodeKind::Variable || node.kind == NodeKind::Declarator) {
@@ -26,10 +30,12 @@ bool Compiler::collectGlobals(const Node& node, std::vector<GlobalVariable*>& gl
     if (global && isNumber(global->type) && std::ranges::find(globals, global) == globals.end())
       globals.push_back(global);
   }
-  return std::ranges::all_of(node.children, [&](const Node* child) { return !child || collectGlobals(*child, globals); });
+  return std::ranges::all_of(
+      node.children, [&](const Node* child) { return !child || collectGlobals(*child, globals); });
 }
 
-/// Starts to keep numeric globals in registers for the length of a loop, where that can't be noticed.
+/// Starts to keep numeric globals in registers for the length of a loop, where that can't be
+/// noticed.
 bool Compiler::beginCachedGlobals(const Node& loop) {
   if (body_->isProcedure || body_->cached) return false;
   std::vector<GlobalVariable*> globals;

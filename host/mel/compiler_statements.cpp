@@ -15,20 +15,30 @@ void Compiler::statements(std::span<Node* const> nodes) {
 void Compiler::statement(const Node& node) {
   line_ = node.line;
   switch (node.kind) {
-    case NodeKind::Block: return blockStatement(node);
-    case NodeKind::Expression: return discard(*node.children[0]);
-    case NodeKind::Declare: return declaration(node);
-    case NodeKind::If: return ifStatement(node);
+    case NodeKind::Block:
+      return blockStatement(node);
+    case NodeKind::Expression:
+      return discard(*node.children[0]);
+    case NodeKind::Declare:
+      return declaration(node);
+    case NodeKind::If:
+      return ifStatement(node);
     case NodeKind::While:
     case NodeKind::DoWhile:
     case NodeKind::For:
-    case NodeKind::ForIn: return loopStatement(node);
-    case NodeKind::Switch: return switchStatement(node);
+    case NodeKind::ForIn:
+      return loopStatement(node);
+    case NodeKind::Switch:
+      return switchStatement(node);
     case NodeKind::Break:
-    case NodeKind::Continue: return jumpStatement(node);
-    case NodeKind::Return: return returnStatement(node);
-    case NodeKind::Procedure: return procedure(node);
-    default: return;
+    case NodeKind::Continue:
+      return jumpStatement(node);
+    case NodeKind::Return:
+      return returnStatement(node);
+    case NodeKind::Procedure:
+      return procedure(node);
+    default:
+      return;
   }
 }
 
@@ -37,7 +47,8 @@ Compiler::Operand Compiler::resultStatement(const Node& node) {
   line_ = node.line;
   if (node.kind == NodeKind::Expression) return expression(*node.children[0]);
   statement(node);
-  const bool hasValue = node.kind == NodeKind::Declare && !hasFault_ && node.children.back()->children[0];
+  const bool hasValue =
+      node.kind == NodeKind::Declare && !hasFault_ && node.children.back()->children[0];
   if (!hasValue) return {kNoRegister, Type::None, false};
   return readVariable(*findVariable(node.children.back()->text));
 }
@@ -71,7 +82,8 @@ void Compiler::declareOne(const Node& declaration, const Node& node) {
   const Node* initialiser = node.children[0];
   const bool isConditional = initialiser && declaration.flag && body_->isProcedure;
   Operand value;
-  // The initialiser may use an outer variable of the same name, so it is compiled first unless code must guard it.
+  // The initialiser may use an outer variable of the same name, so it is compiled first unless code
+  // must guard it.
   if (initialiser && !isConditional) value = expressionAs(*initialiser, type);
   bool isNew = false;
   const Variable variable = declareVariable(node, type, declaration.flag, isNew);
@@ -82,7 +94,8 @@ void Compiler::declareOne(const Node& declaration, const Node& node) {
     emit(Op::Default, variable.reg, 0, static_cast<std::uint16_t>(type));
   if (!initialiser) return;
   if (!declaration.flag || !body_->isProcedure) {
-    if (variable.global) {  // so that a procedure's initialiser of the same variable stays without effect
+    if (variable.global) {  // so that a procedure's initialiser of the same variable stays without
+                            // effect
       emitWide(Op::InitGlobal, 0, globalIndex(variable.global));
       patch(emitTarget(), here());
     }
@@ -100,7 +113,8 @@ void Compiler::declareOne(const Node& declaration, const Node& node) {
 
 /// `int $a[5]`, `matrix $m[4][4]`.
 void Compiler::declareSized(const Variable& variable, const Node& node) {
-  const Operand target = variable.global ? temporary(Type::Matrix) : Operand{variable.reg, variable.type, false};
+  const Operand target =
+      variable.global ? temporary(Type::Matrix) : Operand{variable.reg, variable.type, false};
   const Operand first = asInt(expression(*node.children[1]));
   if (variable.type == Type::Matrix) {
     const bool hasBoth = node.children.size() > 2 && node.children[2];
@@ -135,10 +149,17 @@ void Compiler::ifStatement(const Node& node) {
 void Compiler::loopStatement(const Node& node) {
   const bool isCaching = beginCachedGlobals(node);
   switch (node.kind) {
-    case NodeKind::While: whileStatement(node); break;
-    case NodeKind::DoWhile: doStatement(node); break;
-    case NodeKind::For: forStatement(node); break;
-    default: forInStatement(node);
+    case NodeKind::While:
+      whileStatement(node);
+      break;
+    case NodeKind::DoWhile:
+      doStatement(node);
+      break;
+    case NodeKind::For:
+      forStatement(node);
+      break;
+    default:
+      forInStatement(node);
   }
   if (isCaching) endCachedGlobals();
 }
@@ -173,7 +194,8 @@ void Compiler::doStatement(const Node& node) {
   patch(loop.breaks, here());
 }
 
-/// The condition is compiled twice, before the loop and behind the step, so that step and test can be one instruction.
+/// The condition is compiled twice, before the loop and behind the step, so that step and test can
+/// be one instruction.
 void Compiler::forStatement(const Node& node) {
   statement(*node.children[0]);
   const Node* condition = node.children[1];
@@ -207,7 +229,8 @@ void Compiler::forInStatement(const Node& node) {
   if (hasFault_) return;
   // The loop walks a list of its own: what the body does to the variable doesn't disturb it.
   const Operand list = temporary(Type::None);
-  emit(source.isTemporary ? Op::ConvertMove : Op::Convert, list.reg, source.reg, static_cast<std::uint16_t>(Type::None));
+  emit(source.isTemporary ? Op::ConvertMove : Op::Convert, list.reg, source.reg,
+       static_cast<std::uint16_t>(Type::None));
   release(source);
   const Operand position = temporary(Type::Int);
   emitWide(Op::LoadInt, position.reg, 0);
@@ -219,7 +242,8 @@ void Compiler::forInStatement(const Node& node) {
     bool isNew = false;
     const Type type = target.kind == NodeKind::Declarator ? target.type : found;
     variable = declareVariable(target, type, false, isNew);
-    if (isNew && !variable->global) emit(Op::Default, variable->reg, 0, static_cast<std::uint16_t>(type));
+    if (isNew && !variable->global)
+      emit(Op::Default, variable->reg, 0, static_cast<std::uint16_t>(type));
   }
   if (hasFault_) return;
   const std::size_t entry = emitWide(Op::Jump, 0, 0);
@@ -250,7 +274,8 @@ void Compiler::switchStatement(const Node& node) {
   for (std::size_t i = 0; i < items.size() && !hasFault_; ++i) {
     if (items[i]->kind != NodeKind::Case) continue;
     line_ = items[i]->line;
-    const Operand equal = combine(BinaryOp::Equal, {subject.reg, subject.type, false}, *items[i]->children[0], nullptr);
+    const Operand equal = combine(BinaryOp::Equal, {subject.reg, subject.type, false},
+                                  *items[i]->children[0], nullptr);
     std::vector<std::size_t> hits;
     emitJumpIf(Op::JumpInt, equal, 0, true, hits);
     release(equal);
@@ -301,7 +326,8 @@ void Compiler::returnStatement(const Node& node) {
     return;
   }
   if (body_->isProcedure && function.returnType == Type::None) {
-    fault(node, fmt::format("Procedure \"{}\" has no return type, so it cannot return a value.", function.name));
+    fault(node, fmt::format("Procedure \"{}\" has no return type, so it cannot return a value.",
+                            function.name));
     return;
   }
   const Operand value = expressionAs(*node.children[0], function.returnType);

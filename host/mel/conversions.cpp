@@ -45,7 +45,9 @@ bool isTrueWord(std::string_view text) {
   return lower == "on" || lower == "yes" || lower == "true";
 }
 
-double length(const Vec3& v) { return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); }
+double length(const Vec3& v) {
+  return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
+}
 
 template <class To, class From, class Convert>
 Value mapped(const std::vector<From>& from, Convert convert) {
@@ -97,7 +99,8 @@ std::string matrixText(const Matrix& matrix, int digits, const char* rowEnd) {
   for (int row = 0; row < matrix.rows; ++row) {
     for (int column = 0; column < matrix.columns; ++column) {
       if (column > 0) text += ' ';
-      text += formatFloat(matrix.cells[static_cast<std::size_t>(row * matrix.columns + column)], digits);
+      text += formatFloat(matrix.cells[static_cast<std::size_t>(row * matrix.columns + column)],
+                          digits);
     }
     text += rowEnd;
   }
@@ -127,8 +130,8 @@ double leadingFloat(std::string_view text) noexcept {
   if (text.starts_with('+')) text.remove_prefix(1);
   const std::string_view digits = text.starts_with('-') ? text.substr(1) : text;
   if (digits.starts_with("0x") || digits.starts_with("0X")) return leadingInt(text);
-  const bool isNumeric = !digits.empty() && (std::isdigit(static_cast<unsigned char>(digits[0])) ||
-                                             digits[0] == '.');
+  const bool isNumeric =
+      !digits.empty() && (std::isdigit(static_cast<unsigned char>(digits[0])) || digits[0] == '.');
   if (!isNumeric) return 0.0;
   double value = 0.0;
   const auto parsed = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -160,27 +163,38 @@ std::int32_t leadingInt(std::string_view text) noexcept {
 
 Result<std::int32_t> Value::toInt() const {
   switch (type_) {
-    case Type::None: return 0;
-    case Type::Int: return intValue();
-    case Type::Float: return truncateToInt(floatValue());
+    case Type::None:
+      return 0;
+    case Type::Int:
+      return intValue();
+    case Type::Float:
+      return truncateToInt(floatValue());
     case Type::String: {
       const std::string& text = string();
       const bool isWhole = text.find_first_of(".eE") == std::string::npos || text.starts_with("0x");
       return isWhole ? leadingInt(text) : truncateToInt(leadingFloat(text));
     }
-    case Type::Vector: return truncateToInt(length(vector()));
-    default: return cannotConvert(type_, Type::Int);
+    case Type::Vector:
+      return truncateToInt(length(vector()));
+    default:
+      return cannotConvert(type_, Type::Int);
   }
 }
 
 Result<double> Value::toFloat() const {
   switch (type_) {
-    case Type::None: return 0.0;
-    case Type::Int: return double(intValue());
-    case Type::Float: return floatValue();
-    case Type::String: return leadingFloat(string());
-    case Type::Vector: return length(vector());
-    default: return cannotConvert(type_, Type::Float);
+    case Type::None:
+      return 0.0;
+    case Type::Int:
+      return double(intValue());
+    case Type::Float:
+      return floatValue();
+    case Type::String:
+      return leadingFloat(string());
+    case Type::Vector:
+      return length(vector());
+    default:
+      return cannotConvert(type_, Type::Float);
   }
 }
 
@@ -194,14 +208,17 @@ Result<bool> Value::toBool() const {
 
 Result<Vec3> Value::toVector() const {
   switch (type_) {
-    case Type::None: return Vec3{};
+    case Type::None:
+      return Vec3{};
     case Type::Int:
     case Type::Float: {
       const double number = *toFloat();
       return Vec3{number, number, number};
     }
-    case Type::String: return parseVector(string());
-    case Type::Vector: return vector();
+    case Type::String:
+      return parseVector(string());
+    case Type::Vector:
+      return vector();
     case Type::FloatArray:
       if (size() == 3) return Vec3{floatArray()[0], floatArray()[1], floatArray()[2]};
       break;
@@ -209,38 +226,50 @@ Result<Vec3> Value::toVector() const {
       if (size() == 3)
         return Vec3{double(intArray()[0]), double(intArray()[1]), double(intArray()[2])};
       break;
-    default: break;
+    default:
+      break;
   }
   return cannotConvert(type_, Type::Vector);
 }
 
 Result<std::string> Value::toText() const {
   switch (type_) {
-    case Type::None: return std::string();
-    case Type::Int: return std::to_string(intValue());
-    case Type::Float: return formatFloat(floatValue());
-    case Type::String: return string();
-    case Type::Vector: return vectorText(vector(), " ", 10);
-    default: return cannotConvert(type_, Type::String);
+    case Type::None:
+      return std::string();
+    case Type::Int:
+      return std::to_string(intValue());
+    case Type::Float:
+      return formatFloat(floatValue());
+    case Type::String:
+      return string();
+    case Type::Vector:
+      return vectorText(vector(), " ", 10);
+    default:
+      return cannotConvert(type_, Type::String);
   }
 }
 
 StringArray Value::toTexts() const {
   StringArray texts;
   switch (type_) {
-    case Type::None: break;
+    case Type::None:
+      break;
     case Type::IntArray:
       for (int element : intArray()) texts.push_back(std::to_string(element));
       break;
     case Type::FloatArray:
       for (double element : floatArray()) texts.push_back(formatFloat(element));
       break;
-    case Type::StringArray: return stringArray();
+    case Type::StringArray:
+      return stringArray();
     case Type::VectorArray:
       for (const Vec3& element : vectorArray()) texts.push_back(vectorText(element, " ", 10));
       break;
-    case Type::Matrix: texts.push_back(matrixText(matrix(), 10, "\n")); break;
-    default: texts.push_back(*toText());
+    case Type::Matrix:
+      texts.push_back(matrixText(matrix(), 10, "\n"));
+      break;
+    default:
+      texts.push_back(*toText());
   }
   return texts;
 }
@@ -253,16 +282,23 @@ Result<Value> Value::convertedTo(Type type) const {
     return Value(std::move(*result));
   };
   switch (type) {
-    case Type::None: return Value();
-    case Type::Int: return wrap(toInt());
-    case Type::Float: return wrap(toFloat());
-    case Type::String: return wrap(toText());
-    case Type::Vector: return wrap(toVector());
-    case Type::Matrix: return cannotConvert(type_, type);
+    case Type::None:
+      return Value();
+    case Type::Int:
+      return wrap(toInt());
+    case Type::Float:
+      return wrap(toFloat());
+    case Type::String:
+      return wrap(toText());
+    case Type::Vector:
+      return wrap(toVector());
+    case Type::Matrix:
+      return cannotConvert(type_, type);
     case Type::FloatArray:
       if (type_ == Type::Vector) return Value(FloatArray{vector().x, vector().y, vector().z});
       return convertArray(*this, type);
-    default: return convertArray(*this, type);
+    default:
+      return convertArray(*this, type);
   }
 }
 

@@ -43,7 +43,8 @@ bool isRegularFile(const std::filesystem::path& path) {
 
 Engine::Engine(CommandHost& host) : host_(host), machine_(*this) {}
 
-Result<std::shared_ptr<const Function>> Engine::compile(std::string_view source, const std::string& file) {
+Result<std::shared_ptr<const Function>> Engine::compile(std::string_view source,
+                                                        const std::string& file) {
   Arena arena;
   Parser parser(source, arena);
   const Node* root = parser.parse();
@@ -110,13 +111,18 @@ Result<Value> Engine::call(std::string_view name, std::span<const Value> argumen
   const auto passed = static_cast<std::uint16_t>(count);
   if (builtin) {
     const int given = static_cast<int>(count);
-    if (given < builtin->minArguments || (builtin->maxArguments >= 0 && given > builtin->maxArguments))
-      return fail("Invalid call to \"{}\".  Check number and types of arguments expected by the procedure.", name);
+    if (given < builtin->minArguments ||
+        (builtin->maxArguments >= 0 && given > builtin->maxArguments))
+      return fail(
+          "Invalid call to \"{}\".  Check number and types of arguments expected by the procedure.",
+          name);
     function.builtins.push_back(builtin);
   } else {
     function.symbols.push_back(&target);
   }
-  function.code = {{builtin ? Op::CallBuiltin : Op::CallSymbol, result, 0, passed}, {Op::Target}, {Op::Return, result}};
+  function.code = {{builtin ? Op::CallBuiltin : Op::CallSymbol, result, 0, passed},
+                   {Op::Target},
+                   {Op::Return, result}};
   function.lines.assign(function.code.size(), 1);
   Value value;
   const Result<void> done = machine_.run(function, arguments, value);
@@ -256,7 +262,8 @@ std::vector<std::string> Engine::complete(std::string_view prefix) const {
 
 bool Engine::exists(std::string_view name) {
   Symbol& target = symbol(name);
-  return target.procedure || findBuiltin(name) || commandOf(target) || !findScript(std::string(name) + ".mel").empty();
+  return target.procedure || findBuiltin(name) || commandOf(target) ||
+         !findScript(std::string(name) + ".mel").empty();
 }
 
 std::string Engine::whatIs(std::string_view name) {

@@ -24,12 +24,15 @@ namespace host::mel {
 
 struct TextHash {
   using is_transparent = void;
-  std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
+  std::size_t operator()(std::string_view text) const {
+    return std::hash<std::string_view>()(text);
+  }
 };
 template <class T>
 using TextMap = std::unordered_map<std::string, T, TextHash, std::equal_to<>>;
 
-/// The state behind an Interpreter: names, compiled texts, and what the language's own functions keep.
+/// The state behind an Interpreter: names, compiled texts, and what the language's own functions
+/// keep.
 class Engine {
  public:
   explicit Engine(CommandHost& host);
@@ -42,7 +45,8 @@ class Engine {
 
   [[nodiscard]] Symbol& symbol(std::string_view name);
   [[nodiscard]] const Symbol* findSymbol(std::string_view name) const;
-  /// A name of one source text alone. Lives as long as the engine, since procedures of that text refer to it.
+  /// A name of one source text alone. Lives as long as the engine, since procedures of that text
+  /// refer to it.
   [[nodiscard]] Symbol& makeLocalSymbol(std::string_view name);
   /// Gives a name a new meaning; the old one stays alive while something runs.
   void define(Symbol& symbol, std::shared_ptr<const Function> function);

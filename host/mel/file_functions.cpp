@@ -17,32 +17,39 @@ Result<std::FILE*> fileOf(Engine& engine, const Value& number, std::string_view 
 
 Result<void> fopenFunction(Engine& engine, std::span<Value> arguments, Value& result) {
   const bool hasMode = arguments.size() == 2;
-  return unpack<std::string, std::string>(arguments, [&](const std::string& path, const std::string& mode) -> Result<void> {
-    constexpr std::string_view kStarts = "rwa";
-    if (hasMode && (mode.empty() || kStarts.find(mode[0]) == kStarts.npos || mode.find_first_not_of("rwabt+") != mode.npos))
-      return fail("fopen: \"{}\" is not a file mode; use r, w or a, with + to read and write.", mode);
-    result = Value(engine.files().open(path, hasMode ? mode : "r"));
-    return {};
-  });
+  return unpack<std::string, std::string>(
+      arguments, [&](const std::string& path, const std::string& mode) -> Result<void> {
+        constexpr std::string_view kStarts = "rwa";
+        if (hasMode && (mode.empty() || kStarts.find(mode[0]) == kStarts.npos ||
+                        mode.find_first_not_of("rwabt+") != mode.npos))
+          return fail("fopen: \"{}\" is not a file mode; use r, w or a, with + to read and write.",
+                      mode);
+        result = Value(engine.files().open(path, hasMode ? mode : "r"));
+        return {};
+      });
 }
 
 Result<void> fcloseFunction(Engine& engine, std::span<Value> arguments, Value& result) {
-  return unpack<std::int32_t>(arguments, [&](std::int32_t id) { result = Value(engine.files().close(id) < 0 ? -1 : 0); });
+  return unpack<std::int32_t>(
+      arguments, [&](std::int32_t id) { result = Value(engine.files().close(id) < 0 ? -1 : 0); });
 }
 
 Result<void> popenFunction(Engine& engine, std::span<Value> arguments, Value& result) {
-  return unpack<std::string, std::string>(arguments, [&](const std::string& command, const std::string& mode) -> Result<void> {
-    if (mode != "r" && mode != "w") return fail("popen: \"{}\" is not a pipe mode; use r or w.", mode);
-    result = Value(engine.files().openPipe(command, mode));
-    return {};
-  });
+  return unpack<std::string, std::string>(
+      arguments, [&](const std::string& command, const std::string& mode) -> Result<void> {
+        if (mode != "r" && mode != "w")
+          return fail("popen: \"{}\" is not a pipe mode; use r or w.", mode);
+        result = Value(engine.files().openPipe(command, mode));
+        return {};
+      });
 }
 
 Result<void> fprintFunction(Engine& engine, std::span<Value> arguments, Value& result) {
   const Result<std::FILE*> file = fileOf(engine, arguments[0], "fprint");
   if (!file) return failWith(file.error());
   const std::string text = arguments[1].printText();
-  if (std::fwrite(text.data(), 1, text.size(), *file) != text.size()) return fail("fprint: the file could not be written.");
+  if (std::fwrite(text.data(), 1, text.size(), *file) != text.size())
+    return fail("fprint: the file could not be written.");
   result = Value(static_cast<std::int32_t>(text.size()));
   return {};
 }
@@ -64,7 +71,8 @@ Result<void> fgetlineFunction(Engine& engine, std::span<Value> arguments, Value&
 Result<void> fgetwordFunction(Engine& engine, std::span<Value> arguments, Value& result) {
   const Result<std::FILE*> file = fileOf(engine, arguments[0], "fgetword");
   if (!file) return failWith(file.error());
-  const Result<std::string> given = arguments.size() > 1 ? arguments[1].toText() : std::string(" \t\r\n");
+  const Result<std::string> given =
+      arguments.size() > 1 ? arguments[1].toText() : std::string(" \t\r\n");
   if (!given) return failWith(given.error());
   std::string word;
   for (int c = std::fgetc(*file); c != EOF; c = std::fgetc(*file)) {
@@ -112,7 +120,8 @@ Result<void> freadFunction(Engine& engine, std::span<Value> arguments, Value& re
       result = Value(std::move(text));
       return {};
     }
-    default: return invalidCall("fread");
+    default:
+      return invalidCall("fread");
   }
 }
 
@@ -121,15 +130,27 @@ Result<void> fwriteFunction(Engine& engine, std::span<Value> arguments, Value& r
   if (!file) return failWith(file.error());
   const Value& datum = arguments[1];
   std::string bytes;
-  const auto put = [&](const auto& number) { bytes.append(reinterpret_cast<const char*>(&number), sizeof number); };
+  const auto put = [&](const auto& number) {
+    bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
+  };
   switch (datum.type()) {
-    case Type::Int: put(datum.intValue()); break;
-    case Type::Float: put(datum.floatValue()); break;
-    case Type::Vector: put(datum.vector()); break;
-    case Type::String: bytes.assign(datum.string().c_str(), datum.string().size() + 1); break;
-    default: return invalidCall("fwrite");
+    case Type::Int:
+      put(datum.intValue());
+      break;
+    case Type::Float:
+      put(datum.floatValue());
+      break;
+    case Type::Vector:
+      put(datum.vector());
+      break;
+    case Type::String:
+      bytes.assign(datum.string().c_str(), datum.string().size() + 1);
+      break;
+    default:
+      return invalidCall("fwrite");
   }
-  if (std::fwrite(bytes.data(), 1, bytes.size(), *file) != bytes.size()) return fail("fwrite: the file could not be written.");
+  if (std::fwrite(bytes.data(), 1, bytes.size(), *file) != bytes.size())
+    return fail("fwrite: the file could not be written.");
   result = Value(static_cast<std::int32_t>(bytes.size()));
   return {};
 }
@@ -159,16 +180,24 @@ Result<void> frewindFunction(Engine& engine, std::span<Value> arguments, Value&)
 }
 
 constexpr Builtin kFile[] = {
-    {"fopen", fopenFunction, 1, 2, Type::Int},      {"fclose", fcloseFunction, 1, 1, Type::Int},
-    {"popen", popenFunction, 2, 2, Type::Int},      {"pclose", fcloseFunction, 1, 1, Type::Int},
-    {"fprint", fprintFunction, 2, 2, Type::Int},    {"fgetline", fgetlineFunction, 1, 1, Type::String},
-    {"fgetword", fgetwordFunction, 1, 2, Type::String}, {"fread", freadFunction, 2, 2, Type::None},
-    {"fwrite", fwriteFunction, 2, 2, Type::Int},    {"feof", feofFunction, 1, 1, Type::Int},
-    {"fflush", fflushFunction, 1, 1, Type::Int},    {"frewind", frewindFunction, 1, 1, Type::None},
+    {"fopen", fopenFunction, 1, 2, Type::Int},
+    {"fclose", fcloseFunction, 1, 1, Type::Int},
+    {"popen", popenFunction, 2, 2, Type::Int},
+    {"pclose", fcloseFunction, 1, 1, Type::Int},
+    {"fprint", fprintFunction, 2, 2, Type::Int},
+    {"fgetline", fgetlineFunction, 1, 1, Type::String},
+    {"fgetword", fgetwordFunction, 1, 2, Type::String},
+    {"fread", freadFunction, 2, 2, Type::None},
+    {"fwrite", fwriteFunction, 2, 2, Type::Int},
+    {"feof", feofFunction, 1, 1, Type::Int},
+    {"fflush", fflushFunction, 1, 1, Type::Int},
+    {"frewind", frewindFunction, 1, 1, Type::None},
 };
 
 }  // namespace
 
-std::span<const Builtin> fileFunctions() { return kFile; }
+std::span<const Builtin> fileFunctions() {
+  return kFile;
+}
 
 }  // namespace host::mel

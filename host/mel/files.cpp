@@ -4,7 +4,9 @@ namespace host::mel {
 
 namespace {
 
-int closeEntry(std::FILE* file, bool isPipe) { return isPipe ? ::pclose(file) : std::fclose(file); }
+int closeEntry(std::FILE* file, bool isPipe) {
+  return isPipe ? ::pclose(file) : std::fclose(file);
+}
 
 }  // namespace
 

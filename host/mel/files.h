@@ -6,7 +6,8 @@
 
 namespace host::mel {
 
-/// The files that scripts have open, by the integer that fopen gave. What is still open is closed with the engine.
+/// The files that scripts have open, by the integer that fopen gave. What is still open is closed
+/// with the engine.
 class FileTable {
  public:
   FileTable() = default;

@@ -11,7 +11,9 @@ Result<Value> Interpreter::execute(std::string_view source, const SourceName& na
   return engine_->execute(source, name.file);
 }
 
-Result<Value> Interpreter::sourceFile(const std::string& path) { return engine_->sourceFile(path); }
+Result<Value> Interpreter::sourceFile(const std::string& path) {
+  return engine_->sourceFile(path);
+}
 
 bool Interpreter::hasProcedure(std::string_view name) const {
   const Symbol* symbol = engine_->findSymbol(name);
@@ -22,12 +24,22 @@ Result<Value> Interpreter::callProcedure(std::string_view name, std::span<const 
   return engine_->call(name, arguments);
 }
 
-void Interpreter::interrupt() noexcept { engine_->machine().interrupt(); }
-bool Interpreter::isRunning() const noexcept { return engine_->machine().isRunning(); }
+void Interpreter::interrupt() noexcept {
+  engine_->machine().interrupt();
+}
+bool Interpreter::isRunning() const noexcept {
+  return engine_->machine().isRunning();
+}
 
-const std::vector<std::string>& Interpreter::scriptPath() const { return engine_->scriptPath(); }
-void Interpreter::setScriptPath(std::vector<std::string> folders) { engine_->scriptPath() = std::move(folders); }
-std::string Interpreter::findScript(std::string_view name) const { return engine_->findScript(name); }
+const std::vector<std::string>& Interpreter::scriptPath() const {
+  return engine_->scriptPath();
+}
+void Interpreter::setScriptPath(std::vector<std::string> folders) {
+  engine_->scriptPath() = std::move(folders);
+}
+std::string Interpreter::findScript(std::string_view name) const {
+  return engine_->findScript(name);
+}
 
 std::optional<Value> Interpreter::global(std::string_view name) const {
   const GlobalVariable* variable = engine_->findGlobal(name);
@@ -38,7 +50,11 @@ Result<void> Interpreter::setGlobal(std::string_view name, const Value& value) {
   return engine_->setGlobal(name, value);
 }
 
-std::vector<std::string> Interpreter::complete(std::string_view prefix) const { return engine_->complete(prefix); }
-std::string Interpreter::whatIs(std::string_view name) const { return engine_->whatIs(name); }
+std::vector<std::string> Interpreter::complete(std::string_view prefix) const {
+  return engine_->complete(prefix);
+}
+std::string Interpreter::whatIs(std::string_view name) const {
+  return engine_->whatIs(name);
+}
 
 }  // namespace host::mel

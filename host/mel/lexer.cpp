@@ -6,18 +6,26 @@ namespace host::mel {
 
 namespace {
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
 bool isHexDigit(char c) {
   return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
-bool isNameStart(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
-bool isNameChar(char c) { return isNameStart(c) || isDigit(c); }
+bool isNameStart(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+}
+bool isNameChar(char c) {
+  return isNameStart(c) || isDigit(c);
+}
 bool isWordChar(char c) {
   return isNameChar(c) || c == '.' || c == ':' || c == '|' || c == '*' || c == '?' || c == '#' ||
          c == '@';
 }
 /// Inside the brackets of a bare component word: `[0:5]`, `[*]`, `[1, 2]`.
-bool isComponentChar(char c) { return isWordChar(c) || c == ' ' || c == ',' || c == '-'; }
+bool isComponentChar(char c) {
+  return isWordChar(c) || c == ' ' || c == ',' || c == '-';
+}
 
 }  // namespace
 

@@ -13,11 +13,11 @@ enum class TokenKind : std::uint8_t {
   Int,
   Float,
   String,
-  Variable,    ///< text without the `$`
+  Variable,  ///< text without the `$`
   Identifier,
-  Word,        ///< a bare word of a command line; flags begin with `-`
-  Symbol,      ///< operator or bracket, in `text`
-  Bad,         ///< `text` says what is wrong
+  Word,    ///< a bare word of a command line; flags begin with `-`
+  Symbol,  ///< operator or bracket, in `text`
+  Bad,     ///< `text` says what is wrong
 };
 
 /// Where a token begins; the lexer can go back to it to read the text anew in the other mode.
@@ -41,7 +41,8 @@ struct Token {
   }
 };
 
-/// Reads tokens on demand, since the language has two lexical modes: expressions, and command lines made of bare words.
+/// Reads tokens on demand, since the language has two lexical modes: expressions, and command lines
+/// made of bare words.
 class Lexer {
  public:
   Lexer(std::string_view source, Arena& arena);

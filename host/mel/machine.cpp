@@ -15,14 +15,18 @@ Machine::Machine(Engine& engine)
       stack_(static_cast<Value*>(::operator new(kStackValues * sizeof(Value)))),
       stackTop_(stack_) {}
 
-Machine::~Machine() { ::operator delete(stack_); }
+Machine::~Machine() {
+  ::operator delete(stack_);
+}
 
 bool Machine::pushFrame(const Function& function, std::uint16_t resultRegister) {
   const std::size_t count = function.registers.size();
   const auto free = kStackValues - static_cast<std::size_t>(stackTop_ - stack_);
-  if (frames_.size() >= kMaxFrames || count > free) return fail("Stack overflow: procedure calls are nested too deeply.");
+  if (frames_.size() >= kMaxFrames || count > free)
+    return fail("Stack overflow: procedure calls are nested too deeply.");
   // A frame's initial registers hold numbers and None only, so their bytes are the values.
-  std::memcpy(static_cast<void*>(stackTop_), static_cast<const void*>(function.registers.data()), count * sizeof(Value));
+  if (count > 0)
+    std::memcpy(static_cast<void*>(stackTop_), function.registers.data(), count * sizeof(Value));
   frames_.push_back({&function, function.code.data(), stackTop_, resultRegister});
   stackTop_ += count;
   return true;
@@ -55,8 +59,8 @@ bool Machine::bindArguments(const Function& function, std::span<Value> arguments
   return true;
 }
 
-Machine::CallResult Machine::callSymbol(Symbol& symbol, std::span<Value> arguments, std::uint16_t resultRegister,
-                                        Value& result) {
+Machine::CallResult Machine::callSymbol(Symbol& symbol, std::span<Value> arguments,
+                                        std::uint16_t resultRegister, Value& result) {
   if (!symbol.procedure) {
     if (const CommandHandle* command = engine_.commandOf(symbol)) {
       const bool isDone = fail(engine_.host().invoke(*command, arguments, result));
@@ -65,7 +69,8 @@ Machine::CallResult Machine::callSymbol(Symbol& symbol, std::span<Value> argumen
     }
     const Result<bool> isLoaded = engine_.loadProcedure(symbol);
     if (!isLoaded || !*isLoaded) {
-      fail(isLoaded ? fmt::format("Cannot find procedure \"{}\".", symbol.name) : isLoaded.error().message);
+      fail(isLoaded ? fmt::format("Cannot find procedure \"{}\".", symbol.name)
+                    : isLoaded.error().message);
       return CallResult::Failed;
     }
   }
@@ -103,7 +108,9 @@ const std::string& Machine::currentFile() const {
   return frames_.empty() ? kNone : frames_.back().function->file;
 }
 
-std::string Machine::currentPlace() const { return frames_.empty() ? std::string() : placeOf(frames_.back()); }
+std::string Machine::currentPlace() const {
+  return frames_.empty() ? std::string() : placeOf(frames_.back());
+}
 
 std::string Machine::backtrace() const {
   std::string text;
@@ -120,11 +127,13 @@ void Machine::writeBackGlobals(const Frame& frame) const {
   const auto at = static_cast<std::size_t>(frame.pc - frame.function->code.data());
   for (const CachedGlobals& stretch : frame.function->cachedGlobals) {
     if (at <= stretch.begin || at > stretch.end) continue;
-    for (const CachedGlobals::Entry& entry : stretch.entries) entry.variable->value = frame.registers[entry.reg];
+    for (const CachedGlobals::Entry& entry : stretch.entries)
+      entry.variable->value = frame.registers[entry.reg];
   }
 }
 
-/// Gives the pending error its place and goes to the nearest `catch` of this run; false if there is none.
+/// Gives the pending error its place and goes to the nearest `catch` of this run; false if there is
+/// none.
 bool Machine::handleError(std::size_t baseFrame) {
   writeBackGlobals(frames_.back());
   if (error_ != placedError_) {
@@ -142,8 +151,10 @@ bool Machine::handleError(std::size_t baseFrame) {
   return true;
 }
 
-Result<void> Machine::run(const Function& function, std::span<const Value> arguments, Value& result) {
-  if (nesting_ >= kMaxNesting) return host::fail("Stack overflow: scripts evaluate each other too deeply.");
+Result<void> Machine::run(const Function& function, std::span<const Value> arguments,
+                          Value& result) {
+  if (nesting_ >= kMaxNesting)
+    return host::fail("Stack overflow: scripts evaluate each other too deeply.");
   if (nesting_ == 0) {
     isInterrupted_.store(false, std::memory_order_relaxed);
     isFatal_ = false;
@@ -154,7 +165,8 @@ Result<void> Machine::run(const Function& function, std::span<const Value> argum
   bool isDone = false;
   try {
     std::vector<Value> copies(arguments.begin(), arguments.end());
-    isDone = pushFrame(function, kNoRegister) && bindArguments(function, copies) && evaluate(baseFrame, result);
+    isDone = pushFrame(function, kNoRegister) && bindArguments(function, copies) &&
+             evaluate(baseFrame, result);
   } catch (const std::bad_alloc&) {
     fail("Out of memory.");
   }

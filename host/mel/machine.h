@@ -14,8 +14,9 @@ namespace host::mel {
 
 class Engine;
 
-/// Evaluates compiled code. Procedure calls live on a stack of its own, so the depth of a script never reaches the native
-/// stack; only text that runs from within a command or `eval` nests natively, which is bounded too.
+/// Evaluates compiled code. Procedure calls live on a stack of its own, so the depth of a script
+/// never reaches the native stack; only text that runs from within a command or `eval` nests
+/// natively, which is bounded too.
 class Machine {
  public:
   explicit Machine(Engine& engine);
@@ -30,7 +31,8 @@ class Machine {
   [[nodiscard]] bool isRunning() const noexcept { return nesting_ > 0; }
   /// The file of the innermost running code; empty if that was entered.
   [[nodiscard]] const std::string& currentFile() const;
-  /// `file: f line n: ` or `line n: ` of the innermost running instruction; empty when nothing runs.
+  /// `file: f line n: ` or `line n: ` of the innermost running instruction; empty when nothing
+  /// runs.
   [[nodiscard]] std::string currentPlace() const;
   /// The running procedures, innermost first, one a line.
   [[nodiscard]] std::string backtrace() const;
@@ -59,7 +61,8 @@ class Machine {
   void unwind(std::size_t frameCount);
   bool bindArguments(const Function& function, std::span<Value> arguments);
   enum class CallResult { Entered, Returned, Failed };
-  CallResult callSymbol(Symbol& symbol, std::span<Value> arguments, std::uint16_t resultRegister, Value& result);
+  CallResult callSymbol(Symbol& symbol, std::span<Value> arguments, std::uint16_t resultRegister,
+                        Value& result);
   bool callBuiltin(const Builtin& builtin, std::span<Value> arguments, Value& result);
   bool fail(std::string message);
   bool fail(Result<void> result);

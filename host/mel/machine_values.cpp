@@ -44,13 +44,15 @@ bool Machine::assignDynamic(Value& target, Value& source, bool mayMove) {
 
 bool Machine::assignMatrix(Value& target, Value& source) {
   if (source.type() != Type::Matrix)
-    return fail(fmt::format("Cannot convert data of type {} to type matrix.", typeName(source.type())));
+    return fail(
+        fmt::format("Cannot convert data of type {} to type matrix.", typeName(source.type())));
   if (target.type() == Type::Matrix && !target.matrix().cells.empty()) {
     const Matrix& to = target.matrix();
     const Matrix& from = source.matrix();
     if (to.rows != from.rows || to.columns != from.columns)
-      return fail(fmt::format("Cannot assign data of type matrix[{}][{}] to a variable of type matrix[{}][{}].",
-                              from.rows, from.columns, to.rows, to.columns));
+      return fail(fmt::format(
+          "Cannot assign data of type matrix[{}][{}] to a variable of type matrix[{}][{}].",
+          from.rows, from.columns, to.rows, to.columns));
   }
   target = source.clone();
   return true;
@@ -66,7 +68,8 @@ bool Machine::appendText(Value& target, const Value& suffix) {
   std::string converted;
   if (!suffix.isString()) {
     if (isArray(suffix.type()) || suffix.type() == Type::Matrix)
-      return fail(fmt::format("Illegal operation \"+\" on data of type {}.", typeName(suffix.type())));
+      return fail(
+          fmt::format("Illegal operation \"+\" on data of type {}.", typeName(suffix.type())));
     converted = *suffix.toText();
   }
   const std::size_t length = suffix.isString() ? suffix.string().size() : converted.size();
@@ -104,7 +107,8 @@ bool Machine::makeMatrix(Value& target, const Value* cells, int rows, int column
   return true;
 }
 
-/// Without a given type the elements decide: any string makes strings, any vector vectors, any float floats.
+/// Without a given type the elements decide: any string makes strings, any vector vectors, any
+/// float floats.
 bool Machine::makeArray(Value& target, std::span<const Value> elements, Type type) {
   if (type == Type::None) {
     Type widest = Type::Int;
@@ -124,7 +128,8 @@ bool Machine::makeArray(Value& target, std::span<const Value> elements, Type typ
 
 bool Machine::extendArray(Value& target, std::span<const Value> elements) {
   for (const Value& element : elements)
-    if (!fail(writeElement(target, static_cast<std::int64_t>(target.size()), element))) return false;
+    if (!fail(writeElement(target, static_cast<std::int64_t>(target.size()), element)))
+      return false;
   return true;
 }
 
@@ -133,10 +138,17 @@ bool Machine::declareArray(Value& target, std::int32_t size, Type type) {
     return fail(fmt::format("Array size {} is out of range.", size));
   const auto count = static_cast<std::size_t>(size);
   switch (type) {
-    case Type::IntArray: target = Value(IntArray(count)); break;
-    case Type::FloatArray: target = Value(FloatArray(count)); break;
-    case Type::StringArray: target = Value(StringArray(count)); break;
-    default: target = Value(VectorArray(count));
+    case Type::IntArray:
+      target = Value(IntArray(count));
+      break;
+    case Type::FloatArray:
+      target = Value(FloatArray(count));
+      break;
+    case Type::StringArray:
+      target = Value(StringArray(count));
+      break;
+    default:
+      target = Value(VectorArray(count));
   }
   return true;
 }
@@ -152,7 +164,8 @@ bool Machine::declareMatrix(Value& target, std::int32_t rows, std::int32_t colum
 
 bool Machine::nextElement(Value& target, const Value& list, std::int32_t& position, bool& isDone) {
   if (!list.isNone() && !isArray(list.type()))
-    return fail(fmt::format("A for-in loop needs an array but was given data of type {}.", typeName(list.type())));
+    return fail(fmt::format("A for-in loop needs an array but was given data of type {}.",
+                            typeName(list.type())));
   isDone = list.isNone() || static_cast<std::size_t>(position) >= list.size();
   return isDone || fail(readElement(list, position++, target));
 }

@@ -42,7 +42,8 @@ constexpr FloatFunction kFloatFunctions[] = {
 
 template <int I>
 Result<void> floatFunction(Engine&, std::span<Value> arguments, Value& result) {
-  return unpack<double>(arguments, [&](double x) { result = Value(kFloatFunctions[I].function(x)); });
+  return unpack<double>(arguments,
+                        [&](double x) { result = Value(kFloatFunctions[I].function(x)); });
 }
 
 bool areInts(std::span<const Value> values) {
@@ -52,7 +53,8 @@ bool areInts(std::span<const Value> values) {
 Result<void> absFunction(Engine&, std::span<Value> arguments, Value& result) {
   if (arguments[0].isInt()) {
     const std::int32_t number = arguments[0].intValue();
-    result = Value(static_cast<std::int32_t>(number < 0 ? 0u - static_cast<std::uint32_t>(number) : static_cast<std::uint32_t>(number)));
+    result = Value(static_cast<std::int32_t>(number < 0 ? 0u - static_cast<std::uint32_t>(number)
+                                                        : static_cast<std::uint32_t>(number)));
     return {};
   }
   if (arguments[0].type() == Type::Vector) {
@@ -70,8 +72,12 @@ Result<void> extreme(std::span<Value> arguments, Value& result, bool wantsLess) 
     result = isInt ? Value(truncateToInt(chosen)) : Value(chosen);
   });
 }
-Result<void> minFunction(Engine&, std::span<Value> arguments, Value& result) { return extreme(arguments, result, true); }
-Result<void> maxFunction(Engine&, std::span<Value> arguments, Value& result) { return extreme(arguments, result, false); }
+Result<void> minFunction(Engine&, std::span<Value> arguments, Value& result) {
+  return extreme(arguments, result, true);
+}
+Result<void> maxFunction(Engine&, std::span<Value> arguments, Value& result) {
+  return extreme(arguments, result, false);
+}
 
 Result<void> clampFunction(Engine&, std::span<Value> arguments, Value& result) {
   const bool isInt = areInts(arguments);
@@ -90,7 +96,8 @@ Result<void> signFunction(Engine&, std::span<Value> arguments, Value& result) {
 }
 
 Result<void> powFunction(Engine&, std::span<Value> arguments, Value& result) {
-  return unpack<double, double>(arguments, [&](double x, double y) { result = Value(std::pow(x, y)); });
+  return unpack<double, double>(arguments,
+                                [&](double x, double y) { result = Value(std::pow(x, y)); });
 }
 Result<void> fmodFunction(Engine&, std::span<Value> arguments, Value& result) {
   return unpack<double, double>(arguments, [&](double x, double y) -> Result<void> {
@@ -100,13 +107,16 @@ Result<void> fmodFunction(Engine&, std::span<Value> arguments, Value& result) {
   });
 }
 Result<void> atan2Function(Engine&, std::span<Value> arguments, Value& result) {
-  return unpack<double, double>(arguments, [&](double y, double x) { result = Value(std::atan2(y, x)); });
+  return unpack<double, double>(arguments,
+                                [&](double y, double x) { result = Value(std::atan2(y, x)); });
 }
 Result<void> atan2dFunction(Engine&, std::span<Value> arguments, Value& result) {
-  return unpack<double, double>(arguments, [&](double y, double x) { result = Value(std::atan2(y, x) / kDegree); });
+  return unpack<double, double>(
+      arguments, [&](double y, double x) { result = Value(std::atan2(y, x) / kDegree); });
 }
 Result<void> hypotFunction(Engine&, std::span<Value> arguments, Value& result) {
-  return unpack<double, double>(arguments, [&](double x, double y) { result = Value(std::hypot(x, y)); });
+  return unpack<double, double>(arguments,
+                                [&](double x, double y) { result = Value(std::hypot(x, y)); });
 }
 
 double ramp(double low, double high, double x) {
@@ -178,8 +188,12 @@ int findFloatFunction(std::string_view name) {
   return -1;
 }
 
-double callFloatFunction(int index, double argument) { return kFloatFunctions[index].function(argument); }
+double callFloatFunction(int index, double argument) {
+  return kFloatFunctions[index].function(argument);
+}
 
-std::span<const Builtin> mathFunctions() { return kMath; }
+std::span<const Builtin> mathFunctions() {
+  return kMath;
+}
 
 }  // namespace host::mel

@@ -20,12 +20,18 @@ std::int32_t wrapped(std::int64_t value) {
 template <class T>
 bool compare(BinaryOp op, const T& left, const T& right) {
   switch (op) {
-    case BinaryOp::Less: return left < right;
-    case BinaryOp::LessEqual: return left <= right;
-    case BinaryOp::Greater: return left > right;
-    case BinaryOp::GreaterEqual: return left >= right;
-    case BinaryOp::Equal: return left == right;
-    default: return !(left == right);
+    case BinaryOp::Less:
+      return left < right;
+    case BinaryOp::LessEqual:
+      return left <= right;
+    case BinaryOp::Greater:
+      return left > right;
+    case BinaryOp::GreaterEqual:
+      return left >= right;
+    case BinaryOp::Equal:
+      return left == right;
+    default:
+      return !(left == right);
   }
 }
 
@@ -35,9 +41,15 @@ Result<void> applyInts(BinaryOp op, std::int64_t a, std::int64_t b, Value& resul
     return {};
   }
   switch (op) {
-    case BinaryOp::Add: result = Value(wrapped(a + b)); return {};
-    case BinaryOp::Subtract: result = Value(wrapped(a - b)); return {};
-    case BinaryOp::Multiply: result = Value(wrapped(a * b)); return {};
+    case BinaryOp::Add:
+      result = Value(wrapped(a + b));
+      return {};
+    case BinaryOp::Subtract:
+      result = Value(wrapped(a - b));
+      return {};
+    case BinaryOp::Multiply:
+      result = Value(wrapped(a * b));
+      return {};
     case BinaryOp::Divide:
       if (b == 0) return fail("Division by zero error.");
       result = Value(wrapped(a / b));
@@ -46,22 +58,27 @@ Result<void> applyInts(BinaryOp op, std::int64_t a, std::int64_t b, Value& resul
       if (b == 0) return fail("Division by zero error.");
       result = Value(wrapped(a % b));
       return {};
-    default: return fail("Illegal operation \"{}\" on data of type int.", operatorText(op));
+    default:
+      return fail("Illegal operation \"{}\" on data of type int.", operatorText(op));
   }
 }
 
 Result<double> applyFloat(BinaryOp op, double a, double b) {
   switch (op) {
-    case BinaryOp::Add: return a + b;
-    case BinaryOp::Subtract: return a - b;
-    case BinaryOp::Multiply: return a * b;
+    case BinaryOp::Add:
+      return a + b;
+    case BinaryOp::Subtract:
+      return a - b;
+    case BinaryOp::Multiply:
+      return a * b;
     case BinaryOp::Divide:
       if (b == 0.0) return fail("Division by zero error.");
       return a / b;
     case BinaryOp::Modulo:
       if (b == 0.0) return fail("Division by zero error.");
       return std::fmod(a, b);
-    default: return fail("Illegal operation \"{}\" on data of type float.", operatorText(op));
+    default:
+      return fail("Illegal operation \"{}\" on data of type float.", operatorText(op));
   }
 }
 
@@ -89,9 +106,12 @@ Result<void> applyStrings(BinaryOp op, const Value& left, const Value& right, Va
   return {};
 }
 
-double squaredLength(const Vec3& v) { return v.x * v.x + v.y * v.y + v.z * v.z; }
+double squaredLength(const Vec3& v) {
+  return v.x * v.x + v.y * v.y + v.z * v.z;
+}
 
-/// A number next to a vector stands for a vector of three such components; `*` of two vectors is the dot product.
+/// A number next to a vector stands for a vector of three such components; `*` of two vectors is
+/// the dot product.
 Result<void> applyVectors(BinaryOp op, const Value& left, const Value& right, Value& result) {
   const Result<Vec3> first = left.toVector();
   const Result<Vec3> second = right.toVector();
@@ -119,13 +139,16 @@ Result<void> applyVectors(BinaryOp op, const Value& left, const Value& right, Va
 
 Result<void> multiplyMatrices(const Matrix& a, const Matrix& b, Value& result) {
   if (a.columns != b.rows)
-    return fail("A matrix of {} columns cannot be multiplied by one of {} rows.", a.columns, b.rows);
-  Matrix product{a.rows, b.columns, std::vector<double>(std::size_t(a.rows) * std::size_t(b.columns))};
+    return fail("A matrix of {} columns cannot be multiplied by one of {} rows.", a.columns,
+                b.rows);
+  Matrix product{a.rows, b.columns,
+                 std::vector<double>(std::size_t(a.rows) * std::size_t(b.columns))};
   for (int row = 0; row < a.rows; ++row)
     for (int column = 0; column < b.columns; ++column)
       for (int k = 0; k < a.columns; ++k)
         product.cells[std::size_t(row * b.columns + column)] +=
-            a.cells[std::size_t(row * a.columns + k)] * b.cells[std::size_t(k * b.columns + column)];
+            a.cells[std::size_t(row * a.columns + k)] *
+            b.cells[std::size_t(k * b.columns + column)];
   result = Value(std::move(product));
   return {};
 }
@@ -142,14 +165,16 @@ Result<void> applyMatrices(BinaryOp op, const Value& left, const Value& right, V
     Matrix sum = left.matrix();
     const Matrix& other = right.matrix();
     if (sum.rows != other.rows || sum.columns != other.columns)
-      return fail("Matrices of {}x{} and {}x{} cannot be added.", sum.rows, sum.columns, other.rows, other.columns);
+      return fail("Matrices of {}x{} and {}x{} cannot be added.", sum.rows, sum.columns, other.rows,
+                  other.columns);
     const double sign = op == BinaryOp::Add ? 1.0 : -1.0;
     for (std::size_t i = 0; i < sum.cells.size(); ++i) sum.cells[i] += sign * other.cells[i];
     result = Value(std::move(sum));
     return {};
   }
   const Value& factor = left.type() == Type::Matrix ? right : left;
-  if (areBoth || op != BinaryOp::Multiply || !isNumber(factor.type())) return illegal(op, left, right);
+  if (areBoth || op != BinaryOp::Multiply || !isNumber(factor.type()))
+    return illegal(op, left, right);
   Matrix scaled = left.type() == Type::Matrix ? left.matrix() : right.matrix();
   for (double& cell : scaled.cells) cell *= *factor.toFloat();
   result = Value(std::move(scaled));
@@ -180,7 +205,8 @@ Result<void> writeGrowing(std::vector<T>& array, std::int64_t index, V&& element
 Result<void> applyBinary(BinaryOp op, const Value& left, const Value& right, Value& result) {
   const Type a = left.type();
   const Type b = right.type();
-  if (a == Type::Int && b == Type::Int) return applyInts(op, left.intValue(), right.intValue(), result);
+  if (a == Type::Int && b == Type::Int)
+    return applyInts(op, left.intValue(), right.intValue(), result);
   if (isNumber(a) && isNumber(b)) return applyFloats(op, *left.toFloat(), *right.toFloat(), result);
   if (isArray(a) || isArray(b)) {
     if (a == b && (op == BinaryOp::Equal || op == BinaryOp::NotEqual)) {
@@ -192,12 +218,14 @@ Result<void> applyBinary(BinaryOp op, const Value& left, const Value& right, Val
   if (a == Type::Matrix || b == Type::Matrix) return applyMatrices(op, left, right, result);
   if (a == Type::String || b == Type::String) return applyStrings(op, left, right, result);
   if (a == Type::Vector || b == Type::Vector) return applyVectors(op, left, right, result);
-  return fail("Illegal operation \"{}\" on a command or procedure that returned no value.", operatorText(op));
+  return fail("Illegal operation \"{}\" on a command or procedure that returned no value.",
+              operatorText(op));
 }
 
 Type binaryType(BinaryOp op, Type left, Type right) {
   if (isComparison(op)) return Type::Int;
-  if (left == Type::None || right == Type::None || isArray(left) || isArray(right)) return Type::None;
+  if (left == Type::None || right == Type::None || isArray(left) || isArray(right))
+    return Type::None;
   if (left == Type::Int && right == Type::Int) return Type::Int;
   if (isNumber(left) && isNumber(right)) return Type::Float;
   if (left == Type::Matrix || right == Type::Matrix) return Type::Matrix;
@@ -208,15 +236,21 @@ Type binaryType(BinaryOp op, Type left, Type right) {
 
 Result<void> applyNegate(const Value& operand, Value& result) {
   switch (operand.type()) {
-    case Type::Int: result = Value(wrapped(-std::int64_t{operand.intValue()})); return {};
-    case Type::Float: result = Value(-operand.floatValue()); return {};
+    case Type::Int:
+      result = Value(wrapped(-std::int64_t{operand.intValue()}));
+      return {};
+    case Type::Float:
+      result = Value(-operand.floatValue());
+      return {};
     case Type::Vector: {
       const Vec3 v = operand.vector();
       result = Value(Vec3{-v.x, -v.y, -v.z});
       return {};
     }
-    case Type::Matrix: return applyMatrices(BinaryOp::Multiply, operand, Value(-1), result);
-    default: return fail("Illegal operation \"-\" on data of type {}.", typeName(operand.type()));
+    case Type::Matrix:
+      return applyMatrices(BinaryOp::Multiply, operand, Value(-1), result);
+    default:
+      return fail("Illegal operation \"-\" on data of type {}.", typeName(operand.type()));
   }
 }
 
@@ -225,23 +259,33 @@ Result<void> readElement(const Value& array, std::int64_t index, Value& result) 
   const auto place = static_cast<std::size_t>(index);
   const bool isInside = place < array.size();
   switch (array.type()) {
-    case Type::IntArray: result = Value(isInside ? array.intArray()[place] : 0); return {};
-    case Type::FloatArray: result = Value(isInside ? array.floatArray()[place] : 0.0); return {};
+    case Type::IntArray:
+      result = Value(isInside ? array.intArray()[place] : 0);
+      return {};
+    case Type::FloatArray:
+      result = Value(isInside ? array.floatArray()[place] : 0.0);
+      return {};
     case Type::StringArray:
       result = isInside ? Value(array.stringArray()[place]) : Value(std::string());
       return {};
-    case Type::VectorArray: result = Value(isInside ? Vec3(array.vectorArray()[place]) : Vec3{}); return {};
-    default: return fail("Data of type {} is not an array and has no element [{}].", typeName(array.type()), index);
+    case Type::VectorArray:
+      result = Value(isInside ? Vec3(array.vectorArray()[place]) : Vec3{});
+      return {};
+    default:
+      return fail("Data of type {} is not an array and has no element [{}].",
+                  typeName(array.type()), index);
   }
 }
 
 namespace {
 
 Result<std::size_t> cellPlace(const Value& matrix, std::int64_t row, std::int64_t column) {
-  if (matrix.type() != Type::Matrix) return fail("Data of type {} is not a matrix.", typeName(matrix.type()));
+  if (matrix.type() != Type::Matrix)
+    return fail("Data of type {} is not a matrix.", typeName(matrix.type()));
   const Matrix& m = matrix.matrix();
   if (row < 0 || row >= m.rows || column < 0 || column >= m.columns)
-    return fail("Matrix index [{}][{}] is out of the range of [{}][{}].", row, column, m.rows, m.columns);
+    return fail("Matrix index [{}][{}] is out of the range of [{}][{}].", row, column, m.rows,
+                m.columns);
   return static_cast<std::size_t>(row * m.columns + column);
 }
 
@@ -265,7 +309,8 @@ Result<void> writeCell(Value& matrix, std::int64_t row, std::int64_t column, con
 
 Result<void> writeElement(Value& array, std::int64_t index, const Value& element) {
   if (!isArray(array.type()))
-    return fail("Data of type {} is not an array and has no element [{}].", typeName(array.type()), index);
+    return fail("Data of type {} is not an array and has no element [{}].", typeName(array.type()),
+                index);
   if (index < 0 || static_cast<std::uint64_t>(index) >= kMaxArrayElements) return outOfRange(index);
   switch (array.type()) {
     case Type::IntArray: {
@@ -279,7 +324,8 @@ Result<void> writeElement(Value& array, std::int64_t index, const Value& element
       return writeGrowing(array.mutableFloatArray(), index, *number);
     }
     case Type::StringArray: {
-      if (element.isString()) return writeGrowing(array.mutableStringArray(), index, element.string());
+      if (element.isString())
+        return writeGrowing(array.mutableStringArray(), index, element.string());
       Result<std::string> text = element.toText();
       if (!text) return failWith(text.error());
       return writeGrowing(array.mutableStringArray(), index, std::move(*text));

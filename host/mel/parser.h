@@ -19,14 +19,14 @@ struct Diagnostic {
   std::string text;
 };
 
-/// Recursive descent over one source text. The first fault ends the parse; nesting is bounded, so that no source can
-/// exhaust the stack.
+/// Recursive descent over one source text. The first fault ends the parse; nesting is bounded, so
+/// that no source can exhaust the stack.
 class Parser {
  public:
   Parser(std::string_view source, Arena& arena);
 
-  /// Parses the whole text into a Block whose nodes live in the arena, or returns null and sets `diagnostic()`.
-  /// Linear in the text.
+  /// Parses the whole text into a Block whose nodes live in the arena, or returns null and sets
+  /// `diagnostic()`. Linear in the text.
   [[nodiscard]] Node* parse();
   [[nodiscard]] const Diagnostic& diagnostic() const { return diagnostic_; }
 

@@ -8,23 +8,28 @@ namespace host::mel {
 
 namespace {
 
-/// What can follow `name(arguments)` at the start of a statement only if the call is part of an expression; - and * may
-/// begin a further word of a command line.
+/// What can follow `name(arguments)` at the start of a statement only if the call is part of an
+/// expression; - and * may begin a further word of a command line.
 bool continuesExpression(const Token& token) {
-  constexpr std::string_view kSymbols[] = {"+", "/", "%", "^", "==", "!=", "<", ">", "<=", ">=", "&&", "||", "?", "["};
-  return token.kind == TokenKind::Symbol && std::ranges::find(kSymbols, token.text) != std::end(kSymbols);
+  constexpr std::string_view kSymbols[] = {"+", "/",  "%",  "^",  "==", "!=", "<",
+                                           ">", "<=", ">=", "&&", "||", "?",  "["};
+  return token.kind == TokenKind::Symbol &&
+         std::ranges::find(kSymbols, token.text) != std::end(kSymbols);
 }
 
 }  // namespace
 
-/// True before the token that ends a command line: `;`, the end of the text, or the closing backquote.
+/// True before the token that ends a command line: `;`, the end of the text, or the closing
+/// backquote.
 bool Parser::isCommandEnd() {
   const char c = lexer_.peek();
-  return c == '\0' ? lexer_.isAtEnd() : c == ';' || c == '}' || c == ')' || (c == '`' && isInBackquotes_);
+  return c == '\0' ? lexer_.isAtEnd()
+                   : c == ';' || c == '}' || c == ')' || (c == '`' && isInBackquotes_);
 }
 
-/// The words after a command's name, or `name(arguments)` if nothing follows the closing parenthesis.
-/// On entry the name is the current token and nothing beyond it has been read; on return the token after the call is current.
+/// The words after a command's name, or `name(arguments)` if nothing follows the closing
+/// parenthesis. On entry the name is the current token and nothing beyond it has been read; on
+/// return the token after the call is current.
 Node* Parser::command(bool isBackquoted) {
   const Token name = token_;
   Node* node = make(NodeKind::Call, name);
@@ -65,20 +70,24 @@ Node* Parser::command(bool isBackquoted) {
 Node* Parser::commandArgument() {
   const char c = lexer_.peek();
   const bool isNegated = c == '-' && (lexer_.at(1) == '$' || lexer_.at(1) == '(');
-  if (c == '$' || c == '(' || c == '{' || c == '`' || (c == '<' && lexer_.at(1) == '<') || isNegated)
+  if (c == '$' || c == '(' || c == '{' || c == '`' || (c == '<' && lexer_.at(1) == '<') ||
+      isNegated)
     return operandArgument();
   token_ = lexer_.nextWord();
   switch (token_.kind) {
     case TokenKind::Int:
     case TokenKind::Float: {
-      Node* node = make(token_.kind == TokenKind::Int ? NodeKind::IntLiteral : NodeKind::FloatLiteral, token_);
+      Node* node = make(
+          token_.kind == TokenKind::Int ? NodeKind::IntLiteral : NodeKind::FloatLiteral, token_);
       node->integer = token_.integer;
       node->number = token_.number;
       return node;
     }
     case TokenKind::String:
-    case TokenKind::Word: break;
-    default: return fault("an argument or \";\"");
+    case TokenKind::Word:
+      break;
+    default:
+      return fault("an argument or \";\"");
   }
   const std::string_view text = token_.text;
   if (token_.kind == TokenKind::Word) {
@@ -94,8 +103,8 @@ Node* Parser::commandArgument() {
   return node;
 }
 
-/// An argument that is an expression by its first character. It ends with its last bracket: what follows is the next
-/// argument, so the token read beyond it is given back.
+/// An argument that is an expression by its first character. It ends with its last bracket: what
+/// follows is the next argument, so the token read beyond it is given back.
 Node* Parser::operandArgument() {
   const Depth depth(*this);
   if (!depth) return tooDeep();
@@ -115,8 +124,8 @@ Node* Parser::operandArgument() {
   if (at.kind == TokenKind::Variable) {
     while (node && token_.is("[")) node = subscript(node);
     // `$v.x` is a component, `$v .x` a further argument.
-    const bool isComponent = token_.is(".") && lexer_.isGlued(token_.begin) && lexer_.at(0) >= 'x' &&
-                             lexer_.at(0) <= 'z';
+    const bool isComponent = token_.is(".") && lexer_.isGlued(token_.begin) &&
+                             lexer_.at(0) >= 'x' && lexer_.at(0) <= 'z';
     if (node && isComponent) {
       Node* component = make(NodeKind::Component, token_);
       component->integer = lexer_.at(0) - 'x';

@@ -73,7 +73,8 @@ Node* Parser::assignment() {
   if (!op) return target;
   const Token at = token_;
   if (target->kind == NodeKind::Component)
-    return faultAt(at.begin, "Syntax error: a vector's component cannot be assigned; assign a whole vector.");
+    return faultAt(at.begin,
+                   "Syntax error: a vector's component cannot be assigned; assign a whole vector.");
   if (!isAssignable(target))
     return faultAt(at.begin, "Syntax error: expected a variable on the left of \"" +
                                  std::string(at.text) + "\".");
@@ -133,7 +134,9 @@ Node* Parser::unary() {
     return operand;
   }
   if (at.text.size() == 2) {
-    if (!isAssignable(operand)) return faultAt(at.begin, "Syntax error: expected a variable after \"" + std::string(at.text) + "\".");
+    if (!isAssignable(operand))
+      return faultAt(at.begin,
+                     "Syntax error: expected a variable after \"" + std::string(at.text) + "\".");
     Node* node = make(NodeKind::Step, at);
     node->integer = at.is("++") ? 1 : -1;
     node->flag = true;
@@ -159,7 +162,8 @@ Node* Parser::suffixes(Node* base) {
       const char name = lexer_.at(0);
       Node* node = make(NodeKind::Component, token_);
       advance();
-      if (token_.kind != TokenKind::Identifier || token_.text.size() != 1 || name < 'x' || name > 'z')
+      if (token_.kind != TokenKind::Identifier || token_.text.size() != 1 || name < 'x' ||
+          name > 'z')
         return fault("x, y or z");
       advance();
       node->integer = name - 'x';
@@ -196,7 +200,8 @@ Node* Parser::subscript(Node* base) {
 }
 
 Node* Parser::number() {
-  Node* node = make(token_.kind == TokenKind::Int ? NodeKind::IntLiteral : NodeKind::FloatLiteral, token_);
+  Node* node =
+      make(token_.kind == TokenKind::Int ? NodeKind::IntLiteral : NodeKind::FloatLiteral, token_);
   node->integer = token_.integer;
   node->number = token_.number;
   advance();
@@ -206,7 +211,8 @@ Node* Parser::number() {
 Node* Parser::primary() {
   switch (token_.kind) {
     case TokenKind::Int:
-    case TokenKind::Float: return number();
+    case TokenKind::Float:
+      return number();
     case TokenKind::String: {
       Node* node = make(NodeKind::StringLiteral, token_);
       node->text = token_.text;
@@ -219,8 +225,10 @@ Node* Parser::primary() {
       advance();
       return node;
     }
-    case TokenKind::Identifier: return identifierExpression();
-    default: break;
+    case TokenKind::Identifier:
+      return identifierExpression();
+    default:
+      break;
   }
   if (token_.is("(")) return parenthesised();
   if (token_.is("<<")) return vectorLiteral();

@@ -47,8 +47,9 @@ std::string Parser::describe(const Token& token) const {
 Node* Parser::fault(std::string_view expected) {
   // The text may end far below the line that lacks something.
   const bool isAtEnd = token_.kind == TokenKind::End;
-  return faultAt(isAtEnd ? previous_ : token_.begin,
-                 fmt::format("Syntax error: expected {} but found {}.", expected, describe(token_)));
+  return faultAt(
+      isAtEnd ? previous_ : token_.begin,
+      fmt::format("Syntax error: expected {} but found {}.", expected, describe(token_)));
 }
 
 Node* Parser::faultAt(const Position& where, std::string text) {
@@ -58,7 +59,8 @@ Node* Parser::faultAt(const Position& where, std::string text) {
 }
 
 Node* Parser::tooDeep() {
-  return faultAt(token_.begin, fmt::format("Syntax error: nested deeper than {} levels.", kMaxDepth));
+  return faultAt(token_.begin,
+                 fmt::format("Syntax error: nested deeper than {} levels.", kMaxDepth));
 }
 
 Node* Parser::make(NodeKind kind, const Token& at) {
@@ -133,7 +135,8 @@ Node* Parser::block() {
   advance();
   std::vector<Node*> statements;
   while (!token_.is("}")) {
-    if (token_.kind == TokenKind::End) return fault(fmt::format("\"}}\" for the \"{{\" of line {}", node->line));
+    if (token_.kind == TokenKind::End)
+      return fault(fmt::format("\"}}\" for the \"{{\" of line {}", node->line));
     Node* child = nestedStatement();
     if (!child) return nullptr;
     if (child->kind != NodeKind::Empty) statements.push_back(child);
@@ -373,12 +376,15 @@ Node* Parser::switchStatement() {
   if (!subject || !expect(")") || !expect("{")) return nullptr;
   std::vector<Node*> children{subject};
   while (!token_.is("}")) {
-    if (token_.kind == TokenKind::End) return fault(fmt::format("\"}}\" for the switch of line {}", node->line));
-    const bool isLabel = token_.kind == TokenKind::Identifier && (token_.text == "case" || token_.text == "default");
+    if (token_.kind == TokenKind::End)
+      return fault(fmt::format("\"}}\" for the switch of line {}", node->line));
+    const bool isLabel =
+        token_.kind == TokenKind::Identifier && (token_.text == "case" || token_.text == "default");
     Node* child = isLabel ? caseLabel() : nestedStatement();
     if (!child) return nullptr;
     if (children.size() == 1 && !isLabel && child->kind != NodeKind::Empty)
-      return faultAt({0, child->line, 0}, "Syntax error: expected \"case\" or \"default\" first in a switch.");
+      return faultAt({0, child->line, 0},
+                     "Syntax error: expected \"case\" or \"default\" first in a switch.");
     if (child->kind != NodeKind::Empty) children.push_back(child);
   }
   advance();

@@ -14,23 +14,41 @@ namespace fs = std::filesystem;
 
 /// filetest(-f path), the tests of the shell: r w x e f d h/L s.
 Result<void> filetestFunction(Engine&, std::span<Value> arguments, Value& result) {
-  return unpack<std::string, std::string>(arguments, [&](const std::string& flag, const std::string& path) -> Result<void> {
-    if (flag.size() != 2 || flag[0] != '-') return fail("Invalid flag '{}'.", flag);
-    std::error_code ignored;
-    const fs::file_status status = fs::status(path, ignored);
-    switch (flag[1]) {
-      case 'r': result = Value(::access(path.c_str(), R_OK) == 0); return {};
-      case 'w': result = Value(::access(path.c_str(), W_OK) == 0); return {};
-      case 'x': result = Value(::access(path.c_str(), X_OK) == 0); return {};
-      case 'e': result = Value(fs::exists(status)); return {};
-      case 'f': result = Value(fs::is_regular_file(status)); return {};
-      case 'd': result = Value(fs::is_directory(status)); return {};
-      case 'h':
-      case 'L': result = Value(fs::is_symlink(fs::symlink_status(path, ignored))); return {};
-      case 's': result = Value(fs::is_regular_file(status) && fs::file_size(path, ignored) > 0); return {};
-      default: return fail("Invalid flag '{}'.", flag);
-    }
-  });
+  return unpack<std::string, std::string>(
+      arguments, [&](const std::string& flag, const std::string& path) -> Result<void> {
+        if (flag.size() != 2 || flag[0] != '-') return fail("Invalid flag '{}'.", flag);
+        std::error_code ignored;
+        const fs::file_status status = fs::status(path, ignored);
+        switch (flag[1]) {
+          case 'r':
+            result = Value(::access(path.c_str(), R_OK) == 0);
+            return {};
+          case 'w':
+            result = Value(::access(path.c_str(), W_OK) == 0);
+            return {};
+          case 'x':
+            result = Value(::access(path.c_str(), X_OK) == 0);
+            return {};
+          case 'e':
+            result = Value(fs::exists(status));
+            return {};
+          case 'f':
+            result = Value(fs::is_regular_file(status));
+            return {};
+          case 'd':
+            result = Value(fs::is_directory(status));
+            return {};
+          case 'h':
+          case 'L':
+            result = Value(fs::is_symlink(fs::symlink_status(path, ignored)));
+            return {};
+          case 's':
+            result = Value(fs::is_regular_file(status) && fs::file_size(path, ignored) > 0);
+            return {};
+          default:
+            return fail("Invalid flag '{}'.", flag);
+        }
+      });
 }
 
 /// sysFile: one action on one path; 1 if it succeeded.
@@ -75,7 +93,8 @@ Result<void> getFileListFunction(Engine&, std::span<Value> arguments, Value& res
   if (!folder || !pattern) return invalidCall("getFileList");
   StringArray names;
   std::error_code error;
-  for (fs::directory_iterator entry(*folder, error), end; !error && entry != end; entry.increment(error)) {
+  for (fs::directory_iterator entry(*folder, error), end; !error && entry != end;
+       entry.increment(error)) {
     std::string name = entry->path().filename().string();
     if (globMatches(name, *pattern)) names.push_back(std::move(name));
   }
@@ -91,11 +110,13 @@ std::string_view fileNameOf(std::string_view path) {
 
 /// basename(path, suffix): without folder, and without the suffix if it ends so.
 Result<void> basenameFunction(Engine&, std::span<Value> arguments, Value& result) {
-  return unpack<std::string, std::string>(arguments, [&](const std::string& path, const std::string& suffix) {
-    std::string_view name = fileNameOf(path);
-    if (!suffix.empty() && name.ends_with(suffix)) name.remove_suffix(suffix.size());
-    result = Value(name);
-  });
+  return unpack<std::string, std::string>(arguments,
+                                          [&](const std::string& path, const std::string& suffix) {
+                                            std::string_view name = fileNameOf(path);
+                                            if (!suffix.empty() && name.ends_with(suffix))
+                                              name.remove_suffix(suffix.size());
+                                            result = Value(name);
+                                          });
 }
 
 Result<void> basenameExFunction(Engine&, std::span<Value> arguments, Value& result) {
@@ -108,7 +129,8 @@ Result<void> basenameExFunction(Engine&, std::span<Value> arguments, Value& resu
 Result<void> dirnameFunction(Engine&, std::span<Value> arguments, Value& result) {
   return unpack<std::string>(arguments, [&](const std::string& path) {
     const std::size_t slash = path.find_last_of('/');
-    result = Value(slash == std::string::npos ? std::string() : path.substr(0, std::max<std::size_t>(slash, 1)));
+    result = Value(slash == std::string::npos ? std::string()
+                                              : path.substr(0, std::max<std::size_t>(slash, 1)));
   });
 }
 
@@ -158,6 +180,8 @@ constexpr Builtin kPath[] = {
 
 }  // namespace
 
-std::span<const Builtin> pathFunctions() { return kPath; }
+std::span<const Builtin> pathFunctions() {
+  return kPath;
+}
 
 }  // namespace host::mel

@@ -8,19 +8,23 @@ namespace host::mel {
 namespace {
 
 Result<void> matchFunction(Engine&, std::span<Value> arguments, Value& result) {
-  return unpack<std::string, std::string>(arguments, [&](const std::string& pattern, const std::string& text) -> Result<void> {
-    const Result<Regex> regex = Regex::compile(pattern);
-    if (!regex) return failWith(regex.error());
-    const auto found = regex->search(text);
-    result = Value(found ? text.substr(found->first, found->second - found->first) : std::string());
-    return {};
-  });
+  return unpack<std::string, std::string>(
+      arguments, [&](const std::string& pattern, const std::string& text) -> Result<void> {
+        const Result<Regex> regex = Regex::compile(pattern);
+        if (!regex) return failWith(regex.error());
+        const auto found = regex->search(text);
+        result =
+            Value(found ? text.substr(found->first, found->second - found->first) : std::string());
+        return {};
+      });
 }
 
 /// Replaces the first match only.
 Result<void> substituteFunction(Engine&, std::span<Value> arguments, Value& result) {
   return unpack<std::string, std::string, std::string>(
-      arguments, [&](const std::string& pattern, std::string& text, const std::string& replacement) -> Result<void> {
+      arguments,
+      [&](const std::string& pattern, std::string& text,
+          const std::string& replacement) -> Result<void> {
         const Result<Regex> regex = Regex::compile(pattern);
         if (!regex) return failWith(regex.error());
         if (const auto found = regex->search(text))
@@ -31,9 +35,10 @@ Result<void> substituteFunction(Engine&, std::span<Value> arguments, Value& resu
 }
 
 Result<void> gmatchFunction(Engine&, std::span<Value> arguments, Value& result) {
-  return unpack<std::string, std::string>(arguments, [&](const std::string& text, const std::string& pattern) {
-    result = Value(globMatches(text, pattern));
-  });
+  return unpack<std::string, std::string>(arguments,
+                                          [&](const std::string& text, const std::string& pattern) {
+                                            result = Value(globMatches(text, pattern));
+                                          });
 }
 
 StringArray tokens(std::string_view text, std::string_view delimiters) {
@@ -49,33 +54,39 @@ StringArray tokens(std::string_view text, std::string_view delimiters) {
 
 constexpr std::string_view kBlanks = " \t\r\n\v\f";
 
-/// tokenize(text, array) and tokenize(text, delimiters, array): fills the array, gives the number of tokens.
+/// tokenize(text, array) and tokenize(text, delimiters, array): fills the array, gives the number
+/// of tokens.
 Result<void> tokenizeFunction(Engine&, std::span<Value> arguments, Value& result) {
   Value& target = arguments.back();
   if (target.type() != Type::StringArray) return invalidCall("tokenize");
   const bool hasDelimiters = arguments.size() == 3;
-  return unpack<std::string, std::string>(arguments.first(arguments.size() - 1),
-                                          [&](const std::string& text, const std::string& delimiters) {
-                                            StringArray parts = tokens(text, hasDelimiters ? delimiters : kBlanks);
-                                            result = Value(static_cast<std::int32_t>(parts.size()));
-                                            target.mutableStringArray() = std::move(parts);
-                                          });
+  return unpack<std::string, std::string>(
+      arguments.first(arguments.size() - 1),
+      [&](const std::string& text, const std::string& delimiters) {
+        StringArray parts = tokens(text, hasDelimiters ? delimiters : kBlanks);
+        result = Value(static_cast<std::int32_t>(parts.size()));
+        target.mutableStringArray() = std::move(parts);
+      });
 }
 
 Result<void> numTokensFunction(Engine&, std::span<Value> arguments, Value& result) {
   const bool hasDelimiters = arguments.size() == 2;
-  return unpack<std::string, std::string>(arguments, [&](const std::string& text, const std::string& delimiters) {
-    result = Value(static_cast<std::int32_t>(tokens(text, hasDelimiters ? delimiters : kBlanks).size()));
+  return unpack<std::string, std::string>(arguments, [&](const std::string& text,
+                                                         const std::string& delimiters) {
+    result =
+        Value(static_cast<std::int32_t>(tokens(text, hasDelimiters ? delimiters : kBlanks).size()));
   });
 }
 
 Result<void> splitFunction(Engine&, std::span<Value> arguments, Value& result) {
-  return unpack<std::string, std::string>(arguments, [&](const std::string& text, const std::string& delimiters) {
-    result = Value(tokens(text, delimiters));
-  });
+  return unpack<std::string, std::string>(
+      arguments, [&](const std::string& text, const std::string& delimiters) {
+        result = Value(tokens(text, delimiters));
+      });
 }
 
-/// format(-stringArg a -stringArg b "^1s and ^2s"): `^^` is a caret, a number without argument stays as it is.
+/// format(-stringArg a -stringArg b "^1s and ^2s"): `^^` is a caret, a number without argument
+/// stays as it is.
 Result<void> formatFunction(Engine&, std::span<Value> arguments, Value& result) {
   constexpr std::string_view kValued[] = {"s", "stringArg"};
   const Result<FlaggedArguments> given = splitFlags(arguments, kValued, {});
@@ -90,8 +101,11 @@ Result<void> formatFunction(Engine&, std::span<Value> arguments, Value& result) 
       }
       std::size_t end = i + 1;
       while (end < pattern.size() && std::isdigit(static_cast<unsigned char>(pattern[end]))) ++end;
-      const bool isPlace = pattern[i] == '^' && end > i + 1 && end < pattern.size() && pattern[end] == 's';
-      const auto number = isPlace ? static_cast<std::size_t>(leadingInt(std::string_view(pattern).substr(i + 1))) : 0;
+      const bool isPlace =
+          pattern[i] == '^' && end > i + 1 && end < pattern.size() && pattern[end] == 's';
+      const auto number =
+          isPlace ? static_cast<std::size_t>(leadingInt(std::string_view(pattern).substr(i + 1)))
+                  : 0;
       if (number < 1 || number > given->flags.size()) {
         text += pattern[i];
         continue;
@@ -119,6 +133,8 @@ constexpr Builtin kPattern[] = {
 
 }  // namespace
 
-std::span<const Builtin> patternFunctions() { return kPattern; }
+std::span<const Builtin> patternFunctions() {
+  return kPattern;
+}
 
 }  // namespace host::mel

@@ -4,7 +4,8 @@
 
 namespace host::mel {
 
-/// The stream behind rand, gauss and sphrand: the same seed gives the same numbers on every machine.
+/// The stream behind rand, gauss and sphrand: the same seed gives the same numbers on every
+/// machine.
 class RandomSource {
  public:
   void seed(std::int32_t value);

@@ -31,7 +31,8 @@ double RandomSource::normal() {
 
 namespace {
 
-/// Gradient noise over a permuted lattice (K. Perlin, "Improving noise", 2002), with our own permutation.
+/// Gradient noise over a permuted lattice (K. Perlin, "Improving noise", 2002), with our own
+/// permutation.
 class LatticeNoise {
  public:
   LatticeNoise() {
@@ -39,7 +40,8 @@ class LatticeNoise {
     RandomSource random;
     random.seed(1);
     for (int i = 255; i > 0; --i)
-      std::swap(table_[static_cast<std::size_t>(i)], table_[static_cast<std::size_t>(random.uniform() * (i + 1))]);
+      std::swap(table_[static_cast<std::size_t>(i)],
+                table_[static_cast<std::size_t>(random.uniform() * (i + 1))]);
   }
 
   /// In [-1, 1]; 0 at whole coordinates.
@@ -60,7 +62,8 @@ class LatticeNoise {
  private:
   static int cell(double x) {
     const double floor = std::floor(x);
-    return std::isfinite(floor) ? static_cast<int>(floor - 256.0 * std::floor(floor / 256.0)) & 255 : 0;
+    return std::isfinite(floor) ? static_cast<int>(floor - 256.0 * std::floor(floor / 256.0)) & 255
+                                : 0;
   }
   static double fade(double t) { return t * t * t * (t * (t * 6.0 - 15.0) + 10.0); }
   [[nodiscard]] int hash(int x, int y, int z) const {
@@ -84,7 +87,9 @@ const LatticeNoise& lattice() {
 Vec3 pointOf(std::span<const Value> arguments, Result<void>& outcome) {
   Vec3 point;
   if (arguments.size() == 1 && arguments[0].type() == Type::Vector) return arguments[0].vector();
-  outcome = unpack<double, double, double>(arguments, [&](double x, double y, double z) { point = {x, y, z}; });
+  outcome = unpack<double, double, double>(arguments, [&](double x, double y, double z) {
+    point = {x, y, z};
+  });
   return point;
 }
 
@@ -143,7 +148,8 @@ Result<void> gaussFunction(Engine& engine, std::span<Value> arguments, Value& re
       const double x = random.normal(), y = random.normal(), z = random.normal();
       result = Value(Vec3{d.x * x, d.y * y, d.z * z});
     });
-  return unpack<double>(arguments, [&](double deviation) { result = Value(deviation * random.normal()); });
+  return unpack<double>(arguments,
+                        [&](double deviation) { result = Value(deviation * random.normal()); });
 }
 
 /// A point inside a sphere of that radius or an ellipsoid of those half axes.
@@ -158,13 +164,15 @@ Result<void> sphrandFunction(Engine& engine, std::span<Value> arguments, Value& 
 }
 
 constexpr Builtin kRandom[] = {
-    {"noise", noiseFunction, 1, 3, Type::Float},     {"dnoise", dnoiseFunction, 1, 3, Type::Vector},
-    {"rand", randFunction, 1, 2, Type::None},        {"seed", seedFunction, 1, 1, Type::Int},
-    {"gauss", gaussFunction, 1, 2, Type::None},      {"sphrand", sphrandFunction, 1, 1, Type::Vector},
+    {"noise", noiseFunction, 1, 3, Type::Float}, {"dnoise", dnoiseFunction, 1, 3, Type::Vector},
+    {"rand", randFunction, 1, 2, Type::None},    {"seed", seedFunction, 1, 1, Type::Int},
+    {"gauss", gaussFunction, 1, 2, Type::None},  {"sphrand", sphrandFunction, 1, 1, Type::Vector},
 };
 
 }  // namespace
 
-std::span<const Builtin> randomFunctions() { return kRandom; }
+std::span<const Builtin> randomFunctions() {
+  return kRandom;
+}
 
 }  // namespace host::mel

@@ -6,14 +6,19 @@ namespace host::mel {
 
 namespace {
 
-std::size_t byteOf(char c) { return static_cast<unsigned char>(c); }
+std::size_t byteOf(char c) {
+  return static_cast<unsigned char>(c);
+}
 
 /// Reads `...]` from just after the bracket; null if it isn't closed.
-std::optional<std::bitset<256>> readSet(std::string_view pattern, std::size_t& at, bool allowsBang) {
+std::optional<std::bitset<256>> readSet(std::string_view pattern, std::size_t& at,
+                                        bool allowsBang) {
   std::bitset<256> set;
-  const bool isNegated = at < pattern.size() && (pattern[at] == '^' || (allowsBang && pattern[at] == '!'));
+  const bool isNegated =
+      at < pattern.size() && (pattern[at] == '^' || (allowsBang && pattern[at] == '!'));
   if (isNegated) ++at;
-  for (bool isFirst = true; at < pattern.size() && (pattern[at] != ']' || isFirst); isFirst = false) {
+  for (bool isFirst = true; at < pattern.size() && (pattern[at] != ']' || isFirst);
+       isFirst = false) {
     if (pattern[at] == '\\' && at + 1 < pattern.size()) ++at;
     const std::size_t low = byteOf(pattern[at]);
     std::size_t high = low;
@@ -47,7 +52,8 @@ class Regex::Builder {
       }
       std::size_t item = regex_.steps_.size();
       if (c == ')') {
-        if (groups.empty()) return fail("The regular expression \"{}\" has a ) without its (.", pattern_);
+        if (groups.empty())
+          return fail("The regular expression \"{}\" has a ) without its (.", pattern_);
         item = groups.back();
         groups.pop_back();
         ++at_;
@@ -56,7 +62,8 @@ class Regex::Builder {
       }
       repeat(item);
     }
-    if (!groups.empty()) return fail("The regular expression \"{}\" has a ( without its ).", pattern_);
+    if (!groups.empty())
+      return fail("The regular expression \"{}\" has a ( without its ).", pattern_);
     regex_.steps_.push_back({Kind::Accept});
     return {};
   }
@@ -104,7 +111,8 @@ class Regex::Builder {
         if (steps[i].kind == Kind::Split) ++steps[i].second;
       }
       const auto out = static_cast<std::uint32_t>(steps.size() + 2);
-      steps.insert(steps.begin() + static_cast<std::ptrdiff_t>(item), Step{Kind::Split, first + 1, out});
+      steps.insert(steps.begin() + static_cast<std::ptrdiff_t>(item),
+                   Step{Kind::Split, first + 1, out});
       steps.push_back({Kind::Jump, first});
     }
   }
@@ -116,14 +124,15 @@ class Regex::Builder {
 
 Result<Regex> Regex::compile(std::string_view pattern) {
   constexpr std::size_t kLongest = 10000;
-  if (pattern.size() > kLongest) return fail("The regular expression is longer than {} characters.", kLongest);
+  if (pattern.size() > kLongest)
+    return fail("The regular expression is longer than {} characters.", kLongest);
   Regex regex;
   HOST_TRY(Builder(regex, pattern).build());
   return regex;
 }
 
-/// Adds the threads reachable without reading a character, most preferred first. `marks` holds for each step the
-/// position + 1 at which it was last added.
+/// Adds the threads reachable without reading a character, most preferred first. `marks` holds for
+/// each step the position + 1 at which it was last added.
 void Regex::follow(std::uint32_t step, std::size_t begin, std::size_t position, std::size_t length,
                    std::vector<Thread>& threads, std::vector<std::size_t>& marks) const {
   std::vector<std::uint32_t> pending{step};
@@ -138,14 +147,17 @@ void Regex::follow(std::uint32_t step, std::size_t begin, std::size_t position, 
         pending.push_back(s.second);
         pending.push_back(s.first);
         break;
-      case Kind::Jump: pending.push_back(s.first); break;
+      case Kind::Jump:
+        pending.push_back(s.first);
+        break;
       case Kind::Begin:
         if (position == 0) pending.push_back(current + 1);
         break;
       case Kind::End:
         if (position == length) pending.push_back(current + 1);
         break;
-      default: threads.push_back({current, begin});
+      default:
+        threads.push_back({current, begin});
     }
   }
 }

@@ -11,15 +11,17 @@
 
 namespace host::mel {
 
-/// The regular expressions of `match` and `substitute`: . * + ^ $ [set] [^set] (group) and \ before a literal.
+/// The regular expressions of `match` and `substitute`: . * + ^ $ [set] [^set] (group) and \ before
+/// a literal.
 ///
-/// Searching takes time proportional to the text times the pattern whatever the pattern (Thompson 1968; Pike's
-/// thread lists for the leftmost match), and no stack.
+/// Searching takes time proportional to the text times the pattern whatever the pattern (Thompson
+/// 1968; Pike's thread lists for the leftmost match), and no stack.
 class Regex {
  public:
   static Result<Regex> compile(std::string_view pattern);
   /// Begin and end of the leftmost match; repetitions take as much as they can.
-  [[nodiscard]] std::optional<std::pair<std::size_t, std::size_t>> search(std::string_view text) const;
+  [[nodiscard]] std::optional<std::pair<std::size_t, std::size_t>> search(
+      std::string_view text) const;
 
  private:
   enum class Kind : std::uint8_t { Set, Begin, End, Split, Jump, Accept };
@@ -33,8 +35,8 @@ class Regex {
     std::size_t begin;
   };
   class Builder;
-  void follow(std::uint32_t step, std::size_t begin, std::size_t position, std::size_t length, std::vector<Thread>& threads,
-              std::vector<std::size_t>& marks) const;
+  void follow(std::uint32_t step, std::size_t begin, std::size_t position, std::size_t length,
+              std::vector<Thread>& threads, std::vector<std::size_t>& marks) const;
 
   std::vector<Step> steps_;
   std::vector<std::bitset<256>> sets_;

@@ -8,15 +8,22 @@ namespace host::mel {
 
 namespace {
 
-char lower(char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }
-char upper(char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); }
-bool isNameCharacter(char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_'; }
+char lower(char c) {
+  return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+}
+char upper(char c) {
+  return static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+}
+bool isNameCharacter(char c) {
+  return std::isalnum(static_cast<unsigned char>(c)) || c == '_';
+}
 
 Result<void> strcmpFunction(Engine&, std::span<Value> arguments, Value& result) {
-  return unpack<std::string, std::string>(arguments, [&](const std::string& a, const std::string& b) {
-    const int order = a.compare(b);
-    result = Value(order < 0 ? -1 : order > 0 ? 1 : 0);
-  });
+  return unpack<std::string, std::string>(arguments,
+                                          [&](const std::string& a, const std::string& b) {
+                                            const int order = a.compare(b);
+                                            result = Value(order < 0 ? -1 : order > 0 ? 1 : 0);
+                                          });
 }
 
 Result<void> tolowerFunction(Engine&, std::span<Value> arguments, Value& result) {
@@ -38,7 +45,8 @@ Result<void> capitalizeFunction(Engine&, std::span<Value> arguments, Value& resu
   });
 }
 
-/// Characters first to last, counted from 1, both included; what lies outside of the text is left out.
+/// Characters first to last, counted from 1, both included; what lies outside of the text is left
+/// out.
 Result<void> substringFunction(Engine&, std::span<Value> arguments, Value& result) {
   return unpack<std::string, std::int32_t, std::int32_t>(
       arguments, [&](const std::string& text, std::int32_t first, std::int32_t last) {
@@ -46,41 +54,50 @@ Result<void> substringFunction(Engine&, std::span<Value> arguments, Value& resul
         const std::int64_t begin = std::max<std::int64_t>(first, 1);
         const std::int64_t end = std::min<std::int64_t>(last, size);
         result = Value(begin > end ? std::string()
-                                   : text.substr(static_cast<std::size_t>(begin - 1), static_cast<std::size_t>(end - begin + 1)));
+                                   : text.substr(static_cast<std::size_t>(begin - 1),
+                                                 static_cast<std::size_t>(end - begin + 1)));
       });
 }
 
 Result<void> startStringFunction(Engine&, std::span<Value> arguments, Value& result) {
-  return unpack<std::string, std::int32_t>(arguments, [&](const std::string& text, std::int32_t count) {
-    result = Value(text.substr(0, static_cast<std::size_t>(std::max(count, 0))));
-  });
+  return unpack<std::string, std::int32_t>(
+      arguments, [&](const std::string& text, std::int32_t count) {
+        result = Value(text.substr(0, static_cast<std::size_t>(std::max(count, 0))));
+      });
 }
 Result<void> endStringFunction(Engine&, std::span<Value> arguments, Value& result) {
-  return unpack<std::string, std::int32_t>(arguments, [&](const std::string& text, std::int32_t count) {
-    const auto wanted = std::min(text.size(), static_cast<std::size_t>(std::max(count, 0)));
-    result = Value(text.substr(text.size() - wanted));
-  });
+  return unpack<std::string, std::int32_t>(
+      arguments, [&](const std::string& text, std::int32_t count) {
+        const auto wanted = std::min(text.size(), static_cast<std::size_t>(std::max(count, 0)));
+        result = Value(text.substr(text.size() - wanted));
+      });
 }
 Result<void> startsWithFunction(Engine&, std::span<Value> arguments, Value& result) {
-  return unpack<std::string, std::string>(
-      arguments, [&](const std::string& text, const std::string& start) { result = Value(text.starts_with(start)); });
+  return unpack<std::string, std::string>(arguments,
+                                          [&](const std::string& text, const std::string& start) {
+                                            result = Value(text.starts_with(start));
+                                          });
 }
 Result<void> endsWithFunction(Engine&, std::span<Value> arguments, Value& result) {
-  return unpack<std::string, std::string>(
-      arguments, [&](const std::string& text, const std::string& end) { result = Value(text.ends_with(end)); });
+  return unpack<std::string, std::string>(arguments,
+                                          [&](const std::string& text, const std::string& end) {
+                                            result = Value(text.ends_with(end));
+                                          });
 }
 
 Result<void> stripFunction(Engine&, std::span<Value> arguments, Value& result) {
   return unpack<std::string>(arguments, [&](const std::string& text) {
     const std::size_t begin = text.find_first_not_of(" \t\r\n");
     const std::size_t end = text.find_last_not_of(" \t\r\n");
-    result = Value(begin == std::string::npos ? std::string() : text.substr(begin, end - begin + 1));
+    result =
+        Value(begin == std::string::npos ? std::string() : text.substr(begin, end - begin + 1));
   });
 }
 
 Result<void> substituteAllFunction(Engine&, std::span<Value> arguments, Value& result) {
   return unpack<std::string, std::string, std::string>(
-      arguments, [&](const std::string& text, const std::string& from, const std::string& to) -> Result<void> {
+      arguments,
+      [&](const std::string& text, const std::string& from, const std::string& to) -> Result<void> {
         std::string replaced;
         std::size_t at = 0;
         while (!from.empty()) {
@@ -97,12 +114,14 @@ Result<void> substituteAllFunction(Engine&, std::span<Value> arguments, Value& r
 
 Result<void> addPrefixFunction(Engine&, std::span<Value> arguments, Value& result) {
   return unpack<std::string, std::string>(
-      arguments, [&](const std::string& prefix, const std::string& text) { result = Value(prefix + text); });
+      arguments,
+      [&](const std::string& prefix, const std::string& text) { result = Value(prefix + text); });
 }
 Result<void> removePrefixFunction(Engine&, std::span<Value> arguments, Value& result) {
-  return unpack<std::string, std::string>(arguments, [&](const std::string& text, const std::string& prefix) {
-    result = Value(text.starts_with(prefix) ? text.substr(prefix.size()) : text);
-  });
+  return unpack<std::string, std::string>(
+      arguments, [&](const std::string& text, const std::string& prefix) {
+        result = Value(text.starts_with(prefix) ? text.substr(prefix.size()) : text);
+      });
 }
 
 /// The text as it would stand between quotes in a script.
@@ -129,7 +148,8 @@ Result<void> validNameFunction(Engine&, std::span<Value> arguments, Value& resul
 }
 Result<void> makeValidNameFunction(Engine&, std::span<Value> arguments, Value& result) {
   return unpack<std::string>(arguments, [&](std::string& text) {
-    std::ranges::replace_if(text, [](char c) { return !isNameCharacter(c); }, '_');
+    std::ranges::replace_if(
+        text, [](char c) { return !isNameCharacter(c); }, '_');
     if (!text.empty() && std::isdigit(static_cast<unsigned char>(text[0]))) text[0] = '_';
     result = Value(std::move(text));
   });
@@ -140,7 +160,9 @@ Result<void> interToUiFunction(Engine&, std::span<Value> arguments, Value& resul
   return unpack<std::string>(arguments, [&](const std::string& text) {
     std::string label;
     for (std::size_t i = 0; i < text.size(); ++i) {
-      const auto isUpper = [&](std::size_t at) { return std::isupper(static_cast<unsigned char>(text[at])) != 0; };
+      const auto isUpper = [&](std::size_t at) {
+        return std::isupper(static_cast<unsigned char>(text[at])) != 0;
+      };
       if (i > 0 && isUpper(i) && !isUpper(i - 1)) label += ' ';
       label += i == 0 ? upper(text[i]) : text[i];
     }
@@ -170,6 +192,8 @@ constexpr Builtin kString[] = {
 
 }  // namespace
 
-std::span<const Builtin> stringFunctions() { return kString; }
+std::span<const Builtin> stringFunctions() {
+  return kString;
+}
 
 }  // namespace host::mel

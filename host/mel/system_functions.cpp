@@ -13,7 +13,8 @@ Result<void> printFunction(Engine& engine, std::span<Value> arguments, Value&) {
 }
 
 /// `-n/-noContext` of warning and `-sl/-showLineNumber` of both change how the place is shown.
-Result<std::string> messageText(Engine& engine, std::span<Value> arguments, std::string_view name, bool wantsPlace) {
+Result<std::string> messageText(Engine& engine, std::span<Value> arguments, std::string_view name,
+                                bool wantsPlace) {
   constexpr std::string_view kValued[] = {"sl", "showLineNumber"};
   constexpr std::string_view kBare[] = {"n", "noContext"};
   const Result<FlaggedArguments> given = splitFlags(arguments, kValued, kBare);
@@ -21,7 +22,8 @@ Result<std::string> messageText(Engine& engine, std::span<Value> arguments, std:
   if (given->plain.size() != 1) return invalidCall(name);
   const Result<std::string> text = given->plain[0].toText();
   if (!text) return failWith(text.error());
-  if (const Value* shows = given->find("showLineNumber", "sl")) wantsPlace = shows->toBool().value_or(false);
+  if (const Value* shows = given->find("showLineNumber", "sl"))
+    wantsPlace = shows->toBool().value_or(false);
   return wantsPlace ? engine.machine().currentPlace() + *text : *text;
 }
 
@@ -43,7 +45,8 @@ Result<void> traceFunction(Engine& engine, std::span<Value> arguments, Value&) {
   const Result<FlaggedArguments> given = splitFlags(arguments, {}, kBare);
   if (!given) return failWith(given.error());
   if (given->plain.size() != 1) return invalidCall("trace");
-  const std::string place = given->find("where", "w") ? engine.machine().currentPlace() : std::string();
+  const std::string place =
+      given->find("where", "w") ? engine.machine().currentPlace() : std::string();
   engine.host().message(MessageKind::Print, place + given->plain[0].printText() + "\n");
   return {};
 }
@@ -80,7 +83,8 @@ Result<void> evalEchoFunction(Engine& engine, std::span<Value> arguments, Value&
 }
 
 Result<void> evalDeferredFunction(Engine& engine, std::span<Value> arguments, Value&) {
-  constexpr std::string_view kBare[] = {"lp", "lowestPriority", "en", "evaluateNext", "low", "lowPriority"};
+  constexpr std::string_view kBare[] = {"lp",  "lowestPriority", "en", "evaluateNext",
+                                        "low", "lowPriority"};
   constexpr std::string_view kValued[] = {"list", "ls"};
   const Result<FlaggedArguments> given = splitFlags(arguments, kValued, kBare);
   if (!given) return failWith(given.error());
@@ -101,10 +105,12 @@ Result<void> sourceFunction(Engine& engine, std::span<Value> arguments, Value& r
 }
 
 Result<void> whatIsFunction(Engine& engine, std::span<Value> arguments, Value& result) {
-  return unpack<std::string>(arguments, [&](const std::string& name) { result = Value(engine.whatIs(name)); });
+  return unpack<std::string>(arguments,
+                             [&](const std::string& name) { result = Value(engine.whatIs(name)); });
 }
 Result<void> existsFunction(Engine& engine, std::span<Value> arguments, Value& result) {
-  return unpack<std::string>(arguments, [&](const std::string& name) { result = Value(engine.exists(name)); });
+  return unpack<std::string>(arguments,
+                             [&](const std::string& name) { result = Value(engine.exists(name)); });
 }
 Result<void> envFunction(Engine& engine, std::span<Value>, Value& result) {
   result = Value(engine.globalNames());
@@ -118,11 +124,13 @@ Result<void> getenvFunction(Engine&, std::span<Value> arguments, Value& result) 
   });
 }
 Result<void> putenvFunction(Engine&, std::span<Value> arguments, Value& result) {
-  return unpack<std::string, std::string>(arguments, [&](const std::string& name, const std::string& value) -> Result<void> {
-    if (name.empty() || name.find('=') != std::string::npos) return fail("putenv: \"{}\" is not a variable name.", name);
-    result = Value(::setenv(name.c_str(), value.c_str(), 1));
-    return {};
-  });
+  return unpack<std::string, std::string>(
+      arguments, [&](const std::string& name, const std::string& value) -> Result<void> {
+        if (name.empty() || name.find('=') != std::string::npos)
+          return fail("putenv: \"{}\" is not a variable name.", name);
+        result = Value(::setenv(name.c_str(), value.c_str(), 1));
+        return {};
+      });
 }
 
 /// Runs a shell command and gives what it printed.
@@ -133,7 +141,8 @@ Result<void> systemFunction(Engine&, std::span<Value> arguments, Value& result) 
     if (!pipe) return fail("system: \"{}\" could not be started.", command);
     std::string output;
     char buffer[4096];
-    for (std::size_t count; (count = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) output.append(buffer, count);
+    for (std::size_t count; (count = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+      output.append(buffer, count);
     ::pclose(pipe);
     result = Value(std::move(output));
     return {};
@@ -176,6 +185,8 @@ constexpr Builtin kSystem[] = {
 
 }  // namespace
 
-std::span<const Builtin> systemFunctions() { return kSystem; }
+std::span<const Builtin> systemFunctions() {
+  return kSystem;
+}
 
 }  // namespace host::mel

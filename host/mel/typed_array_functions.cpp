@@ -7,7 +7,8 @@ namespace host::mel {
 
 namespace {
 
-/// What the functions of one family (stringArray..., intArray..., floatArray...) need to know of their element type.
+/// What the functions of one family (stringArray..., intArray..., floatArray...) need to know of
+/// their element type.
 template <class T>
 struct Family;
 
@@ -81,12 +82,14 @@ Result<void> findItem(Engine&, std::span<Value> arguments, Value& result) {
   return unpack<T, std::int32_t>(arguments, [&](const T& item, std::int32_t from) {
     const std::vector<T>& items = Family<T>::of(*array);
     const auto start = std::min(items.size(), static_cast<std::size_t>(std::max(from, 0)));
-    const auto found = std::find(items.begin() + static_cast<std::ptrdiff_t>(start), items.end(), item);
+    const auto found =
+        std::find(items.begin() + static_cast<std::ptrdiff_t>(start), items.end(), item);
     result = Value(found == items.end() ? -1 : static_cast<std::int32_t>(found - items.begin()));
   });
 }
 
-/// InsertAtIndex(index, array, item), in place: 1 if the index is within the array or just past its end.
+/// InsertAtIndex(index, array, item), in place: 1 if the index is within the array or just past its
+/// end.
 template <class T>
 Result<void> insertAt(Engine&, std::span<Value> arguments, Value& result) {
   Result<Value> array = arrayAt<T>(arguments, 1, "InsertAtIndex");
@@ -119,7 +122,8 @@ Result<void> removeAll(Engine&, std::span<Value> arguments, Value& result) {
   Result<Value> unwanted = arrayAt<T>(arguments, 0, "Remove");
   Result<Value> array = arrayAt<T>(arguments, 1, "Remove");
   if (!unwanted || !array) return failWith(array ? unwanted.error() : array.error());
-  const std::unordered_set<T> dropped(Family<T>::of(*unwanted).begin(), Family<T>::of(*unwanted).end());
+  const std::unordered_set<T> dropped(Family<T>::of(*unwanted).begin(),
+                                      Family<T>::of(*unwanted).end());
   std::vector<T> kept = Family<T>::of(*array);
   std::erase_if(kept, [&](const T& item) { return dropped.contains(item); });
   result = Value(std::move(kept));
@@ -132,7 +136,8 @@ Result<void> removeExact(Engine&, std::span<Value> arguments, Value& result) {
   Result<Value> unwanted = arrayAt<T>(arguments, 0, "RemoveExact");
   Result<Value> array = arrayAt<T>(arguments, 1, "RemoveExact");
   if (!unwanted || !array) return failWith(array ? unwanted.error() : array.error());
-  std::unordered_multiset<T> dropped(Family<T>::of(*unwanted).begin(), Family<T>::of(*unwanted).end());
+  std::unordered_multiset<T> dropped(Family<T>::of(*unwanted).begin(),
+                                     Family<T>::of(*unwanted).end());
   std::vector<T> kept;
   for (const T& item : Family<T>::of(*array)) {
     const auto found = dropped.find(item);
@@ -222,6 +227,8 @@ constexpr Builtin kTyped[] = {
 
 }  // namespace
 
-std::span<const Builtin> typedArrayFunctions() { return kTyped; }
+std::span<const Builtin> typedArrayFunctions() {
+  return kTyped;
+}
 
 }  // namespace host::mel

@@ -26,8 +26,12 @@ enum class Type : std::uint8_t {
 
 /// Names a type as error messages do: `int`, `string[]`, `vector`; None is `void`.
 [[nodiscard]] const char* typeName(Type type);
-[[nodiscard]] constexpr bool isArray(Type type) { return type >= Type::IntArray; }
-[[nodiscard]] constexpr bool isNumber(Type type) { return type == Type::Int || type == Type::Float; }
+[[nodiscard]] constexpr bool isArray(Type type) {
+  return type >= Type::IntArray;
+}
+[[nodiscard]] constexpr bool isNumber(Type type) {
+  return type == Type::Int || type == Type::Float;
+}
 /// The type of an array's elements; other types are their own.
 [[nodiscard]] Type elementType(Type type);
 /// The array type with these elements; None when there is none (matrix, arrays).
@@ -53,9 +57,10 @@ using VectorArray = std::vector<Vec3>;
 
 /// One datum of the language: 16 bytes, numbers inline, everything else counted.
 ///
-/// Integers are 32-bit two's complement and wrap; floats are doubles. A copy of a string is a value of its own (shared
-/// until written). A copy of an *array or matrix shares it*, as the language passes them to procedures by
-/// reference: whoever keeps one beyond a call takes `clone()`. Counts are not atomic: values stay on one thread.
+/// Integers are 32-bit two's complement and wrap; floats are doubles. A copy of a string is a value
+/// of its own (shared until written). A copy of an *array or matrix shares it*, as the language
+/// passes them to procedures by reference: whoever keeps one beyond a call takes `clone()`. Counts
+/// are not atomic: values stay on one thread.
 class Value {
  public:
   Value() noexcept : type_(Type::None) { payload_.integer = 0; }
@@ -90,7 +95,8 @@ class Value {
   }
   ~Value() { release(); }
 
-  /// The value a fresh variable of this type has: 0, 0.0, "", <<0, 0, 0>>, an empty array or matrix.
+  /// The value a fresh variable of this type has: 0, 0.0, "", <<0, 0, 0>>, an empty array or
+  /// matrix.
   [[nodiscard]] static Value defaultOf(Type type);
 
   [[nodiscard]] Type type() const noexcept { return type_; }
@@ -110,7 +116,8 @@ class Value {
   [[nodiscard]] const StringArray& stringArray() const noexcept { return boxed<StringArray>(); }
   [[nodiscard]] const VectorArray& vectorArray() const noexcept { return boxed<VectorArray>(); }
 
-  /// Access for writing. Strings are made unique first; arrays and matrices change for all who share them.
+  /// Access for writing. Strings are made unique first; arrays and matrices change for all who
+  /// share them.
   [[nodiscard]] std::string& mutableString();
   [[nodiscard]] Matrix& mutableMatrix() noexcept { return boxed<Matrix>(); }
   [[nodiscard]] IntArray& mutableIntArray() noexcept { return boxed<IntArray>(); }
@@ -125,8 +132,8 @@ class Value {
   /// True when nobody else holds this value's array or string.
   [[nodiscard]] bool isUnique() const noexcept;
 
-  /// Conversions by the language's rules: floats truncate, strings give their leading number or 0 (so a word is 0),
-  /// a vector gives its length. Arrays and matrices don't convert to scalars:
+  /// Conversions by the language's rules: floats truncate, strings give their leading number or 0
+  /// (so a word is 0), a vector gives its length. Arrays and matrices don't convert to scalars:
   /// `Cannot convert data of type string[] to type int.`
   [[nodiscard]] Result<std::int32_t> toInt() const;
   [[nodiscard]] Result<double> toFloat() const;
@@ -140,10 +147,11 @@ class Value {
   /// This value as another type (a clone when the type is the same array type).
   [[nodiscard]] Result<Value> convertedTo(Type type) const;
 
-  /// The text `print` writes: arrays one element a line, matrices one row a line, vectors as `1 2 3`.
+  /// The text `print` writes: arrays one element a line, matrices one row a line, vectors as `1 2
+  /// 3`.
   [[nodiscard]] std::string printText() const;
-  /// The text between `// Result: ` and ` //`: array elements separated by spaces, vectors as `<<1, 2, 3>>`,
-  /// floats with 6 significant digits.
+  /// The text between `// Result: ` and ` //`: array elements separated by spaces, vectors as `<<1,
+  /// 2, 3>>`, floats with 6 significant digits.
   [[nodiscard]] std::string resultText() const;
 
   /// Same type and equal content.
@@ -178,7 +186,8 @@ class Value {
   }
   void destroyBox() noexcept;
 
-  friend class Machine;  // the evaluator writes numbers into registers of known type without the tag
+  friend class Machine;  // the evaluator writes numbers into registers of known type without the
+                         // tag
   Type type_;
   Payload payload_;
 };

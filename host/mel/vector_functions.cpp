@@ -7,11 +7,15 @@ namespace host::mel {
 
 namespace {
 
-double dot(const Vec3& a, const Vec3& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+double dot(const Vec3& a, const Vec3& b) {
+  return a.x * b.x + a.y * b.y + a.z * b.z;
+}
 Vec3 cross(const Vec3& a, const Vec3& b) {
   return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
-double length(const Vec3& v) { return std::sqrt(dot(v, v)); }
+double length(const Vec3& v) {
+  return std::sqrt(dot(v, v));
+}
 Vec3 unit(const Vec3& v) {
   const double size = length(v);
   return size > 0.0 ? Vec3{v.x / size, v.y / size, v.z / size} : Vec3{};
@@ -24,10 +28,12 @@ Result<void> unitFunction(Engine&, std::span<Value> arguments, Value& result) {
   return unpack<Vec3>(arguments, [&](const Vec3& v) { result = Value(unit(v)); });
 }
 Result<void> dotFunction(Engine&, std::span<Value> arguments, Value& result) {
-  return unpack<Vec3, Vec3>(arguments, [&](const Vec3& a, const Vec3& b) { result = Value(dot(a, b)); });
+  return unpack<Vec3, Vec3>(arguments,
+                            [&](const Vec3& a, const Vec3& b) { result = Value(dot(a, b)); });
 }
 Result<void> crossFunction(Engine&, std::span<Value> arguments, Value& result) {
-  return unpack<Vec3, Vec3>(arguments, [&](const Vec3& a, const Vec3& b) { result = Value(cross(a, b)); });
+  return unpack<Vec3, Vec3>(arguments,
+                            [&](const Vec3& a, const Vec3& b) { result = Value(cross(a, b)); });
 }
 /// Radians between two vectors; atan2 stays accurate near 0 and pi where acos does not.
 Result<void> angleFunction(Engine&, std::span<Value> arguments, Value& result) {
@@ -57,12 +63,18 @@ Vec3 hsvToRgb(const Vec3& hsv) {
   const double falling = hsv.z * (1.0 - hsv.y * part);
   const double rising = hsv.z * (1.0 - hsv.y * (1.0 - part));
   switch (sector) {
-    case 0: return {hsv.z, rising, low};
-    case 1: return {falling, hsv.z, low};
-    case 2: return {low, hsv.z, rising};
-    case 3: return {low, falling, hsv.z};
-    case 4: return {rising, low, hsv.z};
-    default: return {hsv.z, low, falling};
+    case 0:
+      return {hsv.z, rising, low};
+    case 1:
+      return {falling, hsv.z, low};
+    case 2:
+      return {low, hsv.z, rising};
+    case 3:
+      return {low, falling, hsv.z};
+    case 4:
+      return {rising, low, hsv.z};
+    default:
+      return {hsv.z, low, falling};
   }
 }
 
@@ -78,7 +90,8 @@ Vec3 rgbToHsv(const Vec3& rgb) {
 }
 
 /// Both take a vector, or three numbers and then give an array.
-Result<void> convertColour(std::span<Value> arguments, Value& result, Vec3 (*convert)(const Vec3&)) {
+Result<void> convertColour(std::span<Value> arguments, Value& result,
+                           Vec3 (*convert)(const Vec3&)) {
   if (arguments.size() == 1)
     return unpack<Vec3>(arguments, [&](const Vec3& v) { result = Value(convert(v)); });
   return unpack<double, double, double>(arguments, [&](double a, double b, double c) {
@@ -102,10 +115,12 @@ Result<void> hermiteFunction(Engine&, std::span<Value> arguments, Value& result)
   const double t3 = t2 * t;
   const double weights[4] = {2 * t3 - 3 * t2 + 1, -2 * t3 + 3 * t2, t3 - 2 * t2 + t, t3 - t2};
   if (arguments[0].type() != Type::Vector)
-    return unpack<double, double, double, double>(arguments, [&](double a, double b, double c, double d) {
-      result = Value(a * weights[0] + b * weights[1] + c * weights[2] + d * weights[3]);
-    });
-  return unpack<Vec3, Vec3, Vec3, Vec3>(arguments, [&](const Vec3& a, const Vec3& b, const Vec3& c, const Vec3& d) {
+    return unpack<double, double, double, double>(
+        arguments, [&](double a, double b, double c, double d) {
+          result = Value(a * weights[0] + b * weights[1] + c * weights[2] + d * weights[3]);
+        });
+  return unpack<Vec3, Vec3, Vec3, Vec3>(arguments, [&](const Vec3& a, const Vec3& b, const Vec3& c,
+                                                       const Vec3& d) {
     const auto mix = [&](double p, double q, double r, double s) {
       return p * weights[0] + q * weights[1] + r * weights[2] + s * weights[3];
     };
@@ -114,15 +129,17 @@ Result<void> hermiteFunction(Engine&, std::span<Value> arguments, Value& result)
 }
 
 constexpr Builtin kVector[] = {
-    {"mag", magFunction, 1, 1, Type::Float},         {"unit", unitFunction, 1, 1, Type::Vector},
-    {"dot", dotFunction, 2, 2, Type::Float},         {"cross", crossFunction, 2, 2, Type::Vector},
-    {"angle", angleFunction, 2, 2, Type::Float},     {"rot", rotFunction, 3, 3, Type::Vector},
-    {"hsv_to_rgb", hsvFunction, 1, 3, Type::None},   {"rgb_to_hsv", rgbFunction, 1, 3, Type::None},
+    {"mag", magFunction, 1, 1, Type::Float},        {"unit", unitFunction, 1, 1, Type::Vector},
+    {"dot", dotFunction, 2, 2, Type::Float},        {"cross", crossFunction, 2, 2, Type::Vector},
+    {"angle", angleFunction, 2, 2, Type::Float},    {"rot", rotFunction, 3, 3, Type::Vector},
+    {"hsv_to_rgb", hsvFunction, 1, 3, Type::None},  {"rgb_to_hsv", rgbFunction, 1, 3, Type::None},
     {"hermite", hermiteFunction, 5, 5, Type::None},
 };
 
 }  // namespace
 
-std::span<const Builtin> vectorFunctions() { return kVector; }
+std::span<const Builtin> vectorFunctions() {
+  return kVector;
+}
 
 }  // namespace host::mel

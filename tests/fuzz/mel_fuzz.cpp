@@ -1,4 +1,5 @@
-// Any bytes as a script: a result or an error, never a crash. Functions that reach the machine are taken out of the text.
+// Any bytes as a script: a result or an error, never a crash. Functions that reach the machine are
+// taken out of the text.
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
@@ -14,8 +15,11 @@ using namespace host;
 
 class SilentHost final : public mel::CommandHost {
  public:
-  const mel::CommandHandle* findCommand(std::string_view name) override { return name == "ls" ? &command_ : nullptr; }
-  Result<void> invoke(const mel::CommandHandle&, std::span<const mel::Value> arguments, mel::Value& result) override {
+  const mel::CommandHandle* findCommand(std::string_view name) override {
+    return name == "ls" ? &command_ : nullptr;
+  }
+  Result<void> invoke(const mel::CommandHandle&, std::span<const mel::Value> arguments,
+                      mel::Value& result) override {
     if (!arguments.empty()) result = arguments[0].clone();
     return {};
   }
@@ -34,7 +38,8 @@ class Watchdog {
   explicit Watchdog(mel::Interpreter& interpreter)
       : thread_([this, &interpreter] {
           std::unique_lock lock(mutex_);
-          while (!done_.wait_for(lock, std::chrono::milliseconds(200), [this] { return isDone_; })) interpreter.interrupt();
+          while (!done_.wait_for(lock, std::chrono::milliseconds(20), [this] { return isDone_; }))
+            interpreter.interrupt();
         }) {}
   ~Watchdog() {
     {
@@ -60,7 +65,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::string source(reinterpret_cast<const char*>(data), size);
   for (const char* word : {"system", "popen", "fopen", "sysFile", "chdir", "putenv", "source"})
     for (std::size_t at = 0; (at = source.find(word, at)) != std::string::npos;) source[at] = '_';
-  // A text can put such a word together when it runs, so evaluation of built text is left to the unit tests.
+  // A text can put such a word together when it runs, so evaluation of built text is left to the
+  // unit tests.
   for (std::size_t at = 0; (at = source.find("eval", at)) != std::string::npos;) source[at] = '_';
   SilentHost host;
   mel::Interpreter interpreter(host);

@@ -2,6 +2,7 @@
 #include <doctest/doctest.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "tests/host/mel/script_host.h"
 
@@ -16,7 +17,8 @@ TEST_CASE("the result of a text is its last statement's value") {
   CHECK(mel.execute("int $three[] = {1, 2, 3};")->resultText() == "1 2 3");
   CHECK(mel.execute("<<1, 2, 3>>")->resultText() == "<<1, 2, 3>>");
   CHECK(mel.execute("list a b")->type() == Type::StringArray);
-  for (const char* silent : {"", ";", "// comment", "if (1) 5;", "int $q;", "nothing", "5; proc p() {}"}) {
+  for (const char* silent :
+       {"", ";", "// comment", "if (1) 5;", "int $q;", "nothing", "5; proc p() {}"}) {
     CAPTURE(silent);
     CHECK(mel.execute(silent)->isNone());
   }
@@ -48,7 +50,8 @@ TEST_CASE("globals are read and written with their declared type") {
 TEST_CASE("procedures, functions and commands are called with values") {
   ScriptHost host;
   Interpreter& mel = host.interpreter;
-  REQUIRE(mel.execute("global proc string twice(string $s, int $list[]) { $list[0] = 5; return $s + $s; }"));
+  REQUIRE(mel.execute(
+      "global proc string twice(string $s, int $list[]) { $list[0] = 5; return $s + $s; }"));
   CHECK(mel.hasProcedure("twice"));
   CHECK_FALSE(mel.hasProcedure("echo"));
   const Value list(IntArray{1});
@@ -58,8 +61,10 @@ TEST_CASE("procedures, functions and commands are called with values") {
   const Value number[] = {Value(16.0)};
   CHECK(*mel.callProcedure("sqrt", number) == Value(4.0));
   CHECK(*mel.callProcedure("echo", number) == Value("float:16"));
-  CHECK(mel.callProcedure("twice", number).error().message.find("Wrong number of arguments") != std::string::npos);
-  CHECK(mel.callProcedure("noSuch", {}).error().message.find("Cannot find procedure \"noSuch\"") != std::string::npos);
+  CHECK(mel.callProcedure("twice", number).error().message.find("Wrong number of arguments") !=
+        std::string::npos);
+  CHECK(mel.callProcedure("noSuch", {}).error().message.find("Cannot find procedure \"noSuch\"") !=
+        std::string::npos);
 }
 
 TEST_CASE("call sites notice commands and procedures that come and go") {
@@ -83,8 +88,9 @@ TEST_CASE("call sites notice commands and procedures that come and go") {
 
 TEST_CASE("a procedure may redefine itself while it runs") {
   ScriptHost host;
-  REQUIRE(host.interpreter.execute("global proc string self() { eval(\"global proc string self() { return \\\"b\\\"; }\");"
-                                   " string $r = \"a\"; return $r + self(); }"));
+  REQUIRE(host.interpreter.execute(
+      "global proc string self() { eval(\"global proc string self() { return \\\"b\\\"; }\");"
+      " string $r = \"a\"; return $r + self(); }"));
   CHECK(*host.interpreter.execute("self()") == Value("ab"));
   CHECK(*host.interpreter.execute("self()") == Value("b"));
 }
@@ -103,13 +109,30 @@ TEST_CASE("an error carries its place once, however deep it arose") {
 
 TEST_CASE("deferred scripts go to the host") {
   ScriptHost host;
-  REQUIRE(host.interpreter.execute("evalDeferred(\"first\"); evalDeferred -lowestPriority \"second\"; evalDeferred -lp (\"th\" + \"ird\");"));
+  REQUIRE(
+      host.interpreter.execute("evalDeferred(\"first\"); evalDeferred -lowestPriority \"second\"; "
+                               "evalDeferred -lp (\"th\" + \"ird\");"));
   CHECK(host.deferred == std::vector<std::string>{"first", "low:second", "low:third"});
+}
+
+TEST_CASE("MAYA_SCRIPT_PATH is searched after the folders that were set") {
+  ScriptHost host;
+  Interpreter& mel = host.interpreter;
+  const std::string library = std::string(QXMT_SOURCE_DIR) + "/tests/scripts/mel/library";
+  CHECK(mel.findScript("setsGlobal").empty());
+  ::setenv("MAYA_SCRIPT_PATH", ("/nowhere:" + library).c_str(), 1);
+  CHECK(mel.findScript("setsGlobal") == library + "/setsGlobal.mel");
+  CHECK(mel.whatIs("helperFromPath") == "Script found in: " + library + "/helperFromPath.mel");
+  CHECK(*mel.execute("helperFromPath \"you\"") == Value("helped you!"));
+  CHECK(mel.sourceFile("setsGlobal.mel").has_value());
+  ::unsetenv("MAYA_SCRIPT_PATH");
+  CHECK_FALSE(mel.sourceFile("setsGlobal").has_value());
 }
 
 TEST_CASE("names complete") {
   ScriptHost host;
-  REQUIRE(host.interpreter.execute("global proc stringMine() {} global int $gStringCount; int $gOther;"));
+  REQUIRE(host.interpreter.execute(
+      "global proc stringMine() {} global int $gStringCount; int $gOther;"));
   const std::vector<std::string> names = host.interpreter.complete("stringA");
   CHECK(std::ranges::is_sorted(names));
   CHECK(std::ranges::find(names, "stringArrayToString") != names.end());

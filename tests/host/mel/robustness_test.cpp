@@ -28,8 +28,8 @@ bool failsWith(ScriptHost& host, const std::string& source, std::string_view tex
 
 std::vector<std::string> corpus() {
   std::vector<std::string> texts;
-  for (const auto& entry :
-       std::filesystem::directory_iterator(std::filesystem::path(QXMT_SOURCE_DIR) / "tests/scripts/mel")) {
+  for (const auto& entry : std::filesystem::directory_iterator(
+           std::filesystem::path(QXMT_SOURCE_DIR) / "tests/scripts/mel")) {
     // The file script starts programs and writes files; edits of it could do that anywhere.
     if (entry.path().extension() != ".mel" || entry.path().stem() == "files") continue;
     std::ifstream stream(entry.path(), std::ios::binary);
@@ -45,8 +45,9 @@ std::vector<std::string> corpus() {
 TEST_CASE("nesting of any kind is bounded in the source") {
   ScriptHost host;
   constexpr std::size_t kDepth = 100000;
-  for (const char* opener : {"(", "-", "!", "{", "$a[", "<<", "sin(", "`size (", "if (1) ", "while (0) ", "1 ? ", "$a = ",
-                             "do ", "(int)", "switch (1) { case 1: ", "for (;;) ", "++", "catch(", "proc f() {"}) {
+  for (const char* opener : {"(", "-", "!", "{", "$a[", "<<", "sin(", "`size (", "if (1) ",
+                             "while (0) ", "1 ? ", "$a = ", "do ", "(int)",
+                             "switch (1) { case 1: ", "for (;;) ", "++", "catch(", "proc f() {"}) {
     CAPTURE(opener);
     const std::string source = "$x = " + repeated(opener, kDepth);
     CHECK_FALSE(host.interpreter.execute(source).has_value());
@@ -58,11 +59,14 @@ TEST_CASE("nesting of any kind is bounded in the source") {
 TEST_CASE("long chains are no nesting") {
   ScriptHost host;
   const std::size_t count = 50000;
-  CHECK(*host.interpreter.execute("int $one = 1; $one" + repeated(" + $one", count)) == Value(int(count + 1)));
+  CHECK(*host.interpreter.execute("int $one = 1; $one" + repeated(" + $one", count)) ==
+        Value(int(count + 1)));
   CHECK(*host.interpreter.execute("1" + repeated(" && 1", count)) == Value(1));
-  const std::string chain = "int $k = 0; if ($k == 1) $k = 5;" + repeated(" else if ($k == 1) $k = 6;", count) + " $k;";
+  const std::string chain =
+      "int $k = 0; if ($k == 1) $k = 5;" + repeated(" else if ($k == 1) $k = 6;", count) + " $k;";
   CHECK(*host.interpreter.execute(chain) == Value(0));
-  CHECK(host.interpreter.execute("size({1" + repeated(", 1", count) + "})")->intValue() == int(count + 1));
+  CHECK(host.interpreter.execute("size({1" + repeated(", 1", count) + "})")->intValue() ==
+        int(count + 1));
   CHECK(failsWith(host, "echo(1" + repeated(", 1", 70000) + ")", "too many"));
 }
 
@@ -73,14 +77,16 @@ TEST_CASE("unbounded recursion and evaluation end in an error that catch holds")
   CHECK(*host.interpreter.execute("catchQuiet(down(0))") == Value(1));
   REQUIRE(host.interpreter.execute("global proc again() { reenter \"again\"; }"));
   CHECK(failsWith(host, "again", "Stack overflow"));
-  REQUIRE(host.interpreter.execute("global proc int deep(int $n) { if ($n == 0) return 0; return 1 + deep($n - 1); }"));
+  REQUIRE(host.interpreter.execute(
+      "global proc int deep(int $n) { if ($n == 0) return 0; return 1 + deep($n - 1); }"));
   CHECK(*host.interpreter.execute("deep(5000)") == Value(5000));
 }
 
 TEST_CASE("an interrupt ends loops, calls and evaluations, and no catch holds it") {
-  for (const char* source : {"while (1);", "for (;;) catchQuiet(size(\"a\"));", "while (1) echo(1);",
-                             "global proc spin() { while (1) { } } catch(spin()); print \"held\";",
-                             "while (1) catch(eval(\"while (1);\"));"}) {
+  for (const char* source :
+       {"while (1);", "for (;;) catchQuiet(size(\"a\"));", "while (1) echo(1);",
+        "global proc spin() { while (1) { } } catch(spin()); print \"held\";",
+        "while (1) catch(eval(\"while (1);\"));"}) {
     CAPTURE(source);
     ScriptHost host;
     std::thread other([&] {
@@ -100,14 +106,18 @@ TEST_CASE("an interrupt ends loops, calls and evaluations, and no catch holds it
 TEST_CASE("a 10 MB string is built, read and compared") {
   ScriptHost host;
   const Result<Value> result = host.interpreter.execute(
-      "string $s = \"0123456789\"; for ($i = 0; $i < 20; $i++) $s += $s; string $t = $s; $t += \"x\";"
+      "string $s = \"0123456789\"; for ($i = 0; $i < 20; $i++) $s += $s; string $t = $s; $t += "
+      "\"x\";"
       "size($s) + ($s == $t) + size(toupper($s)) + size(substituteAllString($s, \"0\", \"\"))");
   REQUIRE(result);
   CHECK(result->intValue() == 10485760 * 2 + 10485760 / 10 * 9);
-  CHECK(host.interpreter.execute("size(\"" + std::string(10 << 20, 'a') + "\")")->intValue() == 10 << 20);
+  CHECK(host.interpreter.execute("size(\"" + std::string(10 << 20, 'a') + "\")")->intValue() ==
+        10 << 20);
   CHECK(failsWith(host, "while (1) $s += $s;", "too long"));
   // Appending piecewise takes time proportional to the text, for local and global variables.
-  CHECK(host.interpreter.execute("string $g; for ($i = 0; $i < 1000000; $i++) { $g += \"0123456789\"; size($g); } size($g)")
+  CHECK(host.interpreter
+            .execute("string $g; for ($i = 0; $i < 1000000; $i++) { $g += \"0123456789\"; "
+                     "size($g); } size($g)")
             ->intValue() == 10000000);
 }
 
@@ -137,7 +147,8 @@ TEST_CASE("every truncation and many edits of the scripts end in a result or an 
     const auto tryIt = [&](std::string edited) {
       // An edit may unbound a loop: those are stopped by a source without loops' keywords.
       for (const char* word : {"while", "for", "do "})
-        for (std::size_t at = 0; (at = edited.find(word, at)) != std::string::npos;) edited.replace(at, 2, "if");
+        for (std::size_t at = 0; (at = edited.find(word, at)) != std::string::npos;)
+          edited.replace(at, 2, "if");
       ScriptHost host;
       (void)host.interpreter.execute(edited, {"edited.mel"});
       ++runs;
@@ -147,8 +158,10 @@ TEST_CASE("every truncation and many edits of the scripts end in a result or an 
       std::string edited = text;
       for (std::size_t i = 0; i < 1 + next(3); ++i) {
         const std::size_t at = next(edited.size());
-        if (next(2)) edited[at] = kBytes[next(kBytes.size())];
-        else edited.erase(at, next(12));
+        if (next(2))
+          edited[at] = kBytes[next(kBytes.size())];
+        else
+          edited.erase(at, next(12));
       }
       tryIt(std::move(edited));
     }

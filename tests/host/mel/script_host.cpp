@@ -35,8 +35,12 @@ Result<void> number(ScriptHost&, std::span<const Value> arguments, Value& result
   return {};
 }
 
-Result<void> breaks(ScriptHost&, std::span<const Value>, Value&) { return fail("No object matches name: nothing"); }
-Result<void> nothing(ScriptHost&, std::span<const Value>, Value&) { return {}; }
+Result<void> breaks(ScriptHost&, std::span<const Value>, Value&) {
+  return fail("No object matches name: nothing");
+}
+Result<void> nothing(ScriptHost&, std::span<const Value>, Value&) {
+  return {};
+}
 
 Result<void> reenter(ScriptHost& host, std::span<const Value> arguments, Value& result) {
   Result<Value> value = host.interpreter.execute(*arguments[0].toText());
@@ -50,8 +54,9 @@ Result<void> interrupt(ScriptHost& host, std::span<const Value>, Value&) {
   return {};
 }
 
-const Command kCommands[] = {{"echo", echo},       {"list", list},       {"number", number}, {"breaks", breaks},
-                             {"nothing", nothing}, {"reenter", reenter}, {"interrupt", interrupt}};
+const Command kCommands[] = {{"echo", echo},          {"list", list},       {"number", number},
+                             {"breaks", breaks},      {"nothing", nothing}, {"reenter", reenter},
+                             {"interrupt", interrupt}};
 const Command kLate{"late", echo};
 
 }  // namespace
@@ -63,7 +68,8 @@ const CommandHandle* ScriptHost::findCommand(std::string_view name) {
   return nullptr;
 }
 
-Result<void> ScriptHost::invoke(const CommandHandle& command, std::span<const Value> arguments, Value& result) {
+Result<void> ScriptHost::invoke(const CommandHandle& command, std::span<const Value> arguments,
+                                Value& result) {
   return static_cast<const Command&>(command).body(*this, arguments, result);
 }
 

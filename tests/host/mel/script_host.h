@@ -17,11 +17,14 @@ class ScriptHost final : public CommandHost {
   };
 
   const CommandHandle* findCommand(std::string_view name) override;
-  Result<void> invoke(const CommandHandle& command, std::span<const Value> arguments, Value& result) override;
+  Result<void> invoke(const CommandHandle& command, std::span<const Value> arguments,
+                      Value& result) override;
   void defer(std::string script, bool lowestPriority) override {
     deferred.push_back((lowestPriority ? "low:" : "") + script);
   }
-  void message(MessageKind kind, std::string_view text) override { events.push_back({kind, std::string(text)}); }
+  void message(MessageKind kind, std::string_view text) override {
+    events.push_back({kind, std::string(text)});
+  }
   void completeCommand(std::string_view prefix, std::vector<std::string>& names) override;
 
   /// All that was printed, joined.

@@ -1,6 +1,7 @@
-// Runs the scripts of tests/scripts/mel. A trailing `//> text` expects that line to be printed, in order; `//! text` an
-// error (caught or not) that contains the text, and from that line; `//? text` a warning. A line `//---` begins a new section: sections
-// run one after the other in the same interpreter, so that each may end with an error.
+// Runs the scripts of tests/scripts/mel. A trailing `//> text` expects that line to be printed, in
+// order; `//! text` an error (caught or not) that contains the text, and from that line; `//? text`
+// a warning. A line `//---` begins a new section: sections run one after the other in the same
+// interpreter, so that each may end with an error.
 #include <doctest/doctest.h>
 
 #include <algorithm>
@@ -31,7 +32,8 @@ std::vector<std::string> linesOf(const std::string& text) {
 std::vector<Expectation> expectations(const std::vector<std::string>& lines) {
   std::vector<Expectation> found;
   for (std::size_t i = 0; i < lines.size(); ++i) {
-    for (std::size_t at = lines[i].find("//"); at != std::string::npos; at = lines[i].find("//", at + 2)) {
+    for (std::size_t at = lines[i].find("//"); at != std::string::npos;
+         at = lines[i].find("//", at + 2)) {
       const char mark = at + 2 < lines[i].size() ? lines[i][at + 2] : '\0';
       if (mark != '>' && mark != '!' && mark != '?') continue;
       std::string text = lines[i].substr(at + 3);
@@ -44,7 +46,8 @@ std::vector<Expectation> expectations(const std::vector<std::string>& lines) {
 }
 
 /// What a section said, in the form of expectations.
-std::vector<Expectation> outcome(const ScriptHost& host, const Result<Value>& result, const std::string& file) {
+std::vector<Expectation> outcome(const ScriptHost& host, const Result<Value>& result,
+                                 const std::string& file) {
   std::vector<Expectation> said;
   for (const std::string& line : linesOf(host.printed())) said.push_back({'>', 0, line});
   const auto addError = [&](const std::string& message) {
@@ -70,13 +73,17 @@ void compare(char mark, const std::string& file, const std::vector<Expectation>&
   for (std::size_t i = 0; i < wanted.size(); ++i) {
     const std::string place = file + ":" + std::to_string(wanted[i].line);
     if (i >= got.size()) {
-      FAIL_CHECK(place << ": expected " << what << " \"" << wanted[i].text << "\" but there was none");
+      FAIL_CHECK(place << ": expected " << what << " \"" << wanted[i].text
+                       << "\" but there was none");
       return;
     }
-    const bool matches = mark == '>' ? got[i].text == wanted[i].text : got[i].text.find(wanted[i].text) != std::string::npos;
-    CHECK_MESSAGE(matches, place << ": expected " << what << " \"" << wanted[i].text << "\" but got \"" << got[i].text << "\"");
+    const bool matches = mark == '>' ? got[i].text == wanted[i].text
+                                     : got[i].text.find(wanted[i].text) != std::string::npos;
+    CHECK_MESSAGE(matches, place << ": expected " << what << " \"" << wanted[i].text
+                                 << "\" but got \"" << got[i].text << "\"");
     const bool isFromThere = got[i].line == 0 || got[i].line == wanted[i].line;
-    CHECK_MESSAGE(isFromThere, place << ": the error names line " << got[i].line << ": " << got[i].text);
+    CHECK_MESSAGE(isFromThere,
+                  place << ": the error names line " << got[i].line << ": " << got[i].text);
     if (!matches) return;
   }
   for (std::size_t i = wanted.size(); i < got.size(); ++i)
