@@ -243,7 +243,9 @@ Compiler::Variable Compiler::declareVariable(const Node& node, Type type, bool i
   if (!isGlobal && !isGlobalScope()) {
     const Variable variable{nullptr, newRegister(type), type};
     scope.emplace(node.text, variable);
-    if (body_->isSkippable) body_->skippable.push_back(variable);
+    // An assignment that declares may stand in an expression that ends early.
+    const bool maySkip = body_->isSkippable || node.kind == NodeKind::Variable;
+    if (maySkip && !isNumber(type)) body_->skippable.push_back(variable);
     isNew = true;
     return variable;
   }

@@ -75,7 +75,7 @@ Compiler::Operand Compiler::assignVariable(const Node& node, bool isDiscarded) {
     variable = findVariable(target.text);
     if (!variable) {
       variable = declareVariable(target, value.type, false, isNew);
-      if (isNew && !variable->global && !isNumber(value.type))
+      if (isNew && !variable->global && value.type == Type::None)
         emit(Op::Default, variable->reg, 0, static_cast<std::uint16_t>(Type::None));
     }
     // An implicit matrix takes the size of its first value.

@@ -13,6 +13,30 @@ constexpr Op genericOp(BinaryOp op) {
   return static_cast<Op>(static_cast<int>(Op::BinaryFirst) + static_cast<int>(op));
 }
 
+/// The array type of a literal as far as its literal elements tell: any string makes strings, else
+/// one unknown element leaves it open (None).
+Type literalType(const Node& literal) {
+  bool isKnown = true;
+  Type widest = Type::Int;
+  for (const Node* child : literal.children) {
+    switch (child->kind) {
+      case NodeKind::StringLiteral:
+        return Type::StringArray;
+      case NodeKind::VectorLiteral:
+        widest = Type::Vector;
+        break;
+      case NodeKind::FloatLiteral:
+        if (widest == Type::Int) widest = Type::Float;
+        break;
+      case NodeKind::IntLiteral:
+        break;
+      default:
+        isKnown = false;
+    }
+  }
+  return isKnown ? arrayType(widest) : Type::None;
+}
+
 bool fitsImmediate(const Node& node) {
   return node.kind == NodeKind::IntLiteral && node.integer >= -32000 && node.integer <= 32000;
 }
@@ -296,7 +320,8 @@ Compiler::Operand Compiler::matrixLiteral(const Node& node) {
 Compiler::Operand Compiler::arrayLiteral(const Node& node, Type hint) {
   constexpr std::size_t kPiece = 64;
   const std::size_t count = node.children.size();
-  const Operand result{temporary(Type::None).reg, hint, true};
+  const Type type = hint == Type::None ? literalType(node) : hint;
+  const Operand result{temporary(Type::None).reg, type, true};
   bool isFirst = true;
   for (std::size_t from = 0; (from < count || isFirst) && !hasFault_; from += kPiece) {
     const std::size_t length = std::min(kPiece, count - from);
@@ -305,25 +330,11 @@ Compiler::Operand Compiler::arrayLiteral(const Node& node, Type hint) {
       expressionInto(*node.children[from + i], static_cast<std::uint16_t>(block + i));
     emit(isFirst ? Op::MakeArray : Op::ExtendArray, result.reg, block,
          static_cast<std::uint16_t>(length));
-    if (isFirst) emit(Op::Target, static_cast<std::uint16_t>(hint));
+    if (isFirst) emit(Op::Target, static_cast<std::uint16_t>(type));
     releaseBlock(block, length);
     isFirst = false;
   }
-  if (hint != Type::None) return result;
-  Type widest = count == 0 ? Type::Int : Type::None;
-  for (const Node* child : node.children) {
-    const bool isKnown =
-        child->kind == NodeKind::StringLiteral || child->kind == NodeKind::IntLiteral ||
-        child->kind == NodeKind::FloatLiteral || child->kind == NodeKind::VectorLiteral;
-    const Type type = child->kind == NodeKind::StringLiteral   ? Type::String
-                      : child->kind == NodeKind::FloatLiteral  ? Type::Float
-                      : child->kind == NodeKind::VectorLiteral ? Type::Vector
-                                                               : Type::Int;
-    if (!isKnown) return result;
-    if (widest == Type::None) widest = type;
-    if (type != widest) return result;
-  }
-  return {result.reg, arrayType(widest), true};
+  return result;
 }
 
 Compiler::Operand Compiler::index(const Node& node, const Operand* wanted) {
