@@ -32,6 +32,8 @@ void registerBuiltinTypes(dg::TypeRegistry& types) {
   registerPolyPyramid(types);
   registerPolyTweak(types);
   registerPolyTweakUv(types);
+  registerPolySoftEdge(types);
+  registerDeleteComponent(types);
   registerTransformGeometry(types);
   registerGroupNodes(types);
 }

@@ -21,7 +21,8 @@ void registerCamera(dg::TypeRegistry& types) {
                      {real("horizontalFilmOffset", "hfo"), real("verticalFilmOffset", "vfo")}));
   camera.add(real("overscan", "ovr", 1));
   camera.add(boolean("panZoomEnabled", "pze"));
-  camera.add(numbers("pan", "pn", "double2", {real("horizontalPan", "hpn"), real("verticalPan", "vpn")}));
+  camera.add(
+      numbers("pan", "pn", "double2", {real("horizontalPan", "hpn"), real("verticalPan", "vpn")}));
   camera.add(real("zoom", "zom", 1));
   camera.add(boolean("displayResolution", "dr"));
   camera.add(boolean("displayFilmGate", "dfg"));

@@ -4,7 +4,8 @@
 
 namespace host::nodes {
 
-/// Registers camera: a shape that looks along its -z. Apertures in inches, focal length in mm, clip planes in cm.
+/// Registers camera: a shape that looks along its -z. Apertures in inches, focal length in mm, clip
+/// planes in cm.
 void registerCamera(dg::TypeRegistry& types);
 
 }  // namespace host::nodes

@@ -11,10 +11,14 @@ namespace {
 using math::Matrix4;
 using scene::DagPath;
 
-dg::Value matrixValue(const Matrix4& matrix) { return dg::DataPtr(std::make_shared<dg::MatrixData>(matrix)); }
+dg::Value matrixValue(const Matrix4& matrix) {
+  return dg::DataPtr(std::make_shared<dg::MatrixData>(matrix));
+}
 
 /// Zero scales leave no inverse; what depends on one then sees the identity.
-Matrix4 inverseOrIdentity(const Matrix4& matrix) { return math::inverse(matrix).value_or(Matrix4{}); }
+Matrix4 inverseOrIdentity(const Matrix4& matrix) {
+  return math::inverse(matrix).value_or(Matrix4{});
+}
 
 Result<Matrix4> pullMatrix(dg::Graph& graph, const Plug& plug) {
   auto value = graph.get(plug);
@@ -31,20 +35,21 @@ AttributePtr drawOverrides() {
   return compound(
       "drawOverride", "do",
       {choice("overrideDisplayType", "ovdt", {"Normal", "Template", "Reference"}),
-       choice("overrideLevelOfDetail", "ovlod", {"Full", "Bounding Box"}), boolean("overrideShading", "ovs", true),
-       boolean("overrideTexturing", "ovt", true), boolean("overridePlayback", "ovp", true),
-       boolean("overrideEnabled", "ove"), boolean("overrideVisibility", "ovv", true), boolean("hideOnPlayback", "hpb"),
+       choice("overrideLevelOfDetail", "ovlod", {"Full", "Bounding Box"}),
+       boolean("overrideShading", "ovs", true), boolean("overrideTexturing", "ovt", true),
+       boolean("overridePlayback", "ovp", true), boolean("overrideEnabled", "ove"),
+       boolean("overrideVisibility", "ovv", true), boolean("hideOnPlayback", "hpb"),
        boolean("overrideRGBColors", "ovrgbf"),
        limited(dg::makeAttribute("overrideColor", "ovc", AttributeType::Byte), 0, 31),
        color("overrideColorRGB", "ovrgb"), single("overrideColorA", "ova", 1)});
 }
 
 AttributePtr instanceGroups() {
-  return array(compound(
-      "instObjGroups", "iog",
-      {array(compound("objectGroups", "og",
-                      {dg::makeTyped("objectGrpCompList", "gcl", "componentList"),
-                       integer("objectGroupId", "gid", -1), shortInteger("objectGrpColor", "gco", -1)}))}));
+  return array(compound("instObjGroups", "iog",
+                        {array(compound("objectGroups", "og",
+                                        {dg::makeTyped("objectGrpCompList", "gcl", "componentList"),
+                                         integer("objectGroupId", "gid", -1),
+                                         shortInteger("objectGrpColor", "gco", -1)}))}));
 }
 
 /// Attributes of a node that holds matrices, as one bundle for the functions below.
@@ -53,14 +58,21 @@ struct DagAttributes {
   const Attribute *boxMin, *boxMax, *boxSize, *center;
 };
 
-Result<Computed> computeInstanceMatrix(const DagAttributes& attributes, Node& node, const Plug& plug, Index instance,
-                                       DataBlock& block) {
+Result<Computed> computeInstanceMatrix(const DagAttributes& attributes, Node& node,
+                                       const Plug& plug, Index instance, DataBlock& block) {
   const Attribute* wanted = plug.attribute();
-  const auto element = [&](const Attribute* attribute) { return Plug(&node, attribute).element(instance); };
-  const auto store = [&](const Matrix4& value) { block.output(element(wanted), matrixValue(value)); };
-  const auto pull = [&](const Attribute* attribute) { return pullMatrix(block.graph(), element(attribute)); };
+  const auto element = [&](const Attribute* attribute) {
+    return Plug(&node, attribute).element(instance);
+  };
+  const auto store = [&](const Matrix4& value) {
+    block.output(element(wanted), matrixValue(value));
+  };
+  const auto pull = [&](const Attribute* attribute) {
+    return pullMatrix(block.graph(), element(attribute));
+  };
   if (wanted == attributes.worldInverse || wanted == attributes.parentInverse) {
-    const auto forward = pull(wanted == attributes.worldInverse ? attributes.world : attributes.parent);
+    const auto forward =
+        pull(wanted == attributes.worldInverse ? attributes.world : attributes.parent);
     if (!forward) return failWith(forward.error());
     store(inverseOrIdentity(*forward));
     return Computed::Done;
@@ -75,7 +87,8 @@ Result<Computed> computeInstanceMatrix(const DagAttributes& attributes, Node& no
     }
     // Pulled through the parent's plug, so that a later change up there finds its way down here.
     const Plug parentWorld(above.node(), attributes.world);
-    const auto matrix = pullMatrix(block.graph(), parentWorld.element(static_cast<Index>(above.instanceNumber())));
+    const auto matrix =
+        pullMatrix(block.graph(), parentWorld.element(static_cast<Index>(above.instanceNumber())));
     if (!matrix) return failWith(matrix.error());
     store(*matrix);
     return Computed::Done;
@@ -93,7 +106,8 @@ Result<Computed> computeInstanceMatrix(const DagAttributes& attributes, Node& no
   return Computed::Done;
 }
 
-Result<Computed> computeDag(const DagAttributes& attributes, Node& node, const Plug& plug, DataBlock& block) {
+Result<Computed> computeDag(const DagAttributes& attributes, Node& node, const Plug& plug,
+                            DataBlock& block) {
   const Attribute* wanted = plug.attribute();
   if (wanted == attributes.inverseMatrix) {
     block.output(wanted, matrixValue(inverseOrIdentity(block.matrix(attributes.matrix))));
@@ -103,10 +117,11 @@ Result<Computed> computeDag(const DagAttributes& attributes, Node& node, const P
     block.output(wanted, matrixValue({}));
     return Computed::Done;
   }
-  if (wanted != attributes.world && wanted != attributes.worldInverse && wanted != attributes.parent &&
-      wanted != attributes.parentInverse)
+  if (wanted != attributes.world && wanted != attributes.worldInverse &&
+      wanted != attributes.parent && wanted != attributes.parentInverse)
     return Computed::Unhandled;
-  if (plug.isElement()) return computeInstanceMatrix(attributes, node, plug, plug.logicalIndex(), block);
+  if (plug.isElement())
+    return computeInstanceMatrix(attributes, node, plug, plug.logicalIndex(), block);
   const auto instances = static_cast<Index>(scene::allPaths(node).size());
   for (Index i = 0; i < instances; ++i) {
     auto done = computeInstanceMatrix(attributes, node, plug, i, block);
@@ -115,10 +130,11 @@ Result<Computed> computeDag(const DagAttributes& attributes, Node& node, const P
   return Computed::Done;
 }
 
-bool readBox(const DagAttributes& attributes, const Node& node, const Plug& plug, dg::Value& value) {
+bool readBox(const DagAttributes& attributes, const Node& node, const Plug& plug,
+             dg::Value& value) {
   const Attribute* triple = plug.attribute()->parent;
-  if (!triple || (triple != attributes.boxMin && triple != attributes.boxMax && triple != attributes.boxSize &&
-                  triple != attributes.center))
+  if (!triple || (triple != attributes.boxMin && triple != attributes.boxMax &&
+                  triple != attributes.boxSize && triple != attributes.center))
     return false;
   const math::Box box = boundingBoxOf(const_cast<Node&>(node));
   const math::Vec3 chosen = box.isEmpty()                  ? math::Vec3{}
@@ -134,16 +150,17 @@ void registerDagNode(dg::TypeRegistry& types) {
   TypeBuilder builder(types, "dagNode", "entity");
   builder.setAbstract();
   DagAttributes a{};
-  const Attribute* box = builder.add(internal(output(
-      compound("boundingBox", "bb",
-               {boxCorner("boundingBoxMin", "bbmn"), boxCorner("boundingBoxMax", "bbmx"),
-                boxCorner("boundingBoxSize", "bbsi")}))));
+  const Attribute* box = builder.add(internal(
+      output(compound("boundingBox", "bb",
+                      {boxCorner("boundingBoxMin", "bbmn"), boxCorner("boundingBoxMax", "bbmx"),
+                       boxCorner("boundingBoxSize", "bbsi")}))));
   a.boxMin = box->children[0].get();
   a.boxMax = box->children[1].get();
   a.boxSize = box->children[2].get();
   AttributePtr center = boxCorner("center", "c");
   for (int axis = 0; axis < 3; ++axis) {
-    center->children[static_cast<std::size_t>(axis)]->longName = std::string("boundingBoxCenter") + "XYZ"[axis];
+    center->children[static_cast<std::size_t>(axis)]->longName =
+        std::string("boundingBoxCenter") + "XYZ"[axis];
     center->children[static_cast<std::size_t>(axis)]->shortName = std::string("bc") + "xyz"[axis];
   }
   a.center = builder.add(internal(output(std::move(center))));
@@ -169,9 +186,10 @@ void registerDagNode(dg::TypeRegistry& types) {
   builder.add(drawOverrides());
   builder.add(boolean("lodVisibility", "lodv", true));
   builder.add(boolean("selectionChildHighlighting", "sch", true));
-  builder.add(compound("renderInfo", "ri",
-                       {shortInteger("identification", "rlid"), boolean("layerRenderable", "rndr", true),
-                        shortInteger("layerOverrideColor", "lovc")}));
+  builder.add(
+      compound("renderInfo", "ri",
+               {shortInteger("identification", "rlid"), boolean("layerRenderable", "rndr", true),
+                shortInteger("layerOverrideColor", "lovc")}));
   builder.add(boolean("ghosting", "gh"));
   builder.add(boolean("hiddenInOutliner", "hio"));
   builder.add(color("outlinerColor", "oclr"));
@@ -209,7 +227,9 @@ math::Box boundingBoxOf(Node& dagNode) {
   }
   for (Node* child : scene::dagLinks(dagNode).children) {
     if (const Plug hidden = child->plug("intermediateObject"))
-      if (const auto value = dagNode.graph().get(hidden); value && dg::equal(*value, std::int64_t{1})) continue;
+      if (const auto value = dagNode.graph().get(hidden);
+          value && dg::equal(*value, std::int64_t{1}))
+        continue;
     const math::Box below = boundingBoxOf(*child);
     if (!below.isEmpty()) box.add(below);
   }

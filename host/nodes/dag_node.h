@@ -6,11 +6,13 @@
 
 namespace host::nodes {
 
-/// Registers containerBase, entity, dagNode, shape, geometryShape, deformableShape, controlPoint, surfaceShape: what
-/// transforms and shapes have in common. World matrices follow the parents', one element an instance.
+/// Registers containerBase, entity, dagNode, shape, geometryShape, deformableShape, controlPoint,
+/// surfaceShape: what transforms and shapes have in common. World matrices follow the parents', one
+/// element an instance.
 void registerDagBaseTypes(dg::TypeRegistry& types);
 
-/// The box around a node in the space of its parent: a shape's own extent, or all below a transform, by its matrix.
+/// The box around a node in the space of its parent: a shape's own extent, or all below a
+/// transform, by its matrix.
 [[nodiscard]] math::Box boundingBoxOf(Node& dagNode);
 
 }  // namespace host::nodes

@@ -9,7 +9,8 @@ namespace host::nodes {
 
 void registerLocator(dg::TypeRegistry& types) {
   TypeBuilder locator(types, "locator", "geometryShape", typeCode("LOCT"));
-  const Attribute* local = locator.add(channelBox(triple("localPosition", "lp", AttributeType::Distance)));
+  const Attribute* local =
+      locator.add(channelBox(triple("localPosition", "lp", AttributeType::Distance)));
   locator.add(channelBox(triple("localScale", "los", AttributeType::Distance, {1, 1, 1})));
   AttributePtr positions = array(output(triple("worldPosition", "wp", AttributeType::Distance)));
   positions->worldSpace = true;
@@ -21,7 +22,8 @@ void registerLocator(dg::TypeRegistry& types) {
     if (plug.attribute() != world && !isPart) return Computed::Unhandled;
     const Plug whole = isPart ? plug.parent() : plug;
     const Index first = whole.isElement() ? whole.logicalIndex() : 0;
-    const Index last = whole.isElement() ? first + 1 : static_cast<Index>(scene::allPaths(node).size());
+    const Index last =
+        whole.isElement() ? first + 1 : static_cast<Index>(scene::allPaths(node).size());
     const math::Vec3 position = block.vec3(local);
     for (Index i = first; i < last; ++i) {
       const auto matrix = block.data<dg::MatrixData>(Plug(&node, matrices).element(i));

@@ -16,12 +16,16 @@ const Mesh* storedMesh(const Node& node, const Attribute* inMesh, dg::Value& kee
   return data ? &data->mesh : nullptr;
 }
 
-bool isBelow(Index index, std::size_t count) { return index >= 0 && static_cast<std::size_t>(index) < count; }
+bool isBelow(Index index, std::size_t count) {
+  return index >= 0 && static_cast<std::size_t>(index) < count;
+}
 
 /// Suspends the records of a graph: for what changes along with an edit that is recorded.
 class Unrecorded {
  public:
-  explicit Unrecorded(dg::Graph& graph) : graph_(graph), recorder_(graph.recorder()) { graph_.setRecorder(nullptr); }
+  explicit Unrecorded(dg::Graph& graph) : graph_(graph), recorder_(graph.recorder()) {
+    graph_.setRecorder(nullptr);
+  }
   ~Unrecorded() { graph_.setRecorder(recorder_); }
   Unrecorded(const Unrecorded&) = delete;
   Unrecorded& operator=(const Unrecorded&) = delete;
@@ -31,20 +35,24 @@ class Unrecorded {
   dg::ChangeRecorder* recorder_;
 };
 
-double component(const math::Vec3f& v, int axis) { return axis == 0 ? v.x : axis == 1 ? v.y : v.z; }
+double component(const math::Vec3f& v, int axis) {
+  return axis == 0 ? v.x : axis == 1 ? v.y : v.z;
+}
 
 }  // namespace
 
 void MeshAccess::addTo(TypeBuilder& builder, const Attribute* inMesh) {
   inMesh_ = inMesh;
-  vertices_ = builder.add(internal(
-      array(numbers("vrts", "vt", "float3", {single("vrtx", "vx"), single("vrty", "vy"), single("vrtz", "vz")}))));
-  edges_ = builder.add(internal(array(
-      numbers("edge", "ed", "long3", {integer("edg1", "e1"), integer("edg2", "e2"), integer("edgh", "eh", 1)}))));
+  vertices_ = builder.add(
+      internal(array(numbers("vrts", "vt", "float3",
+                             {single("vrtx", "vx"), single("vrty", "vy"), single("vrtz", "vz")}))));
+  edges_ = builder.add(internal(
+      array(numbers("edge", "ed", "long3",
+                    {integer("edg1", "e1"), integer("edg2", "e2"), integer("edgh", "eh", 1)}))));
   builder.add(hidden(array(dg::makeTyped("face", "fc", "polyFaces"))));
   normals_ = builder.add(internal(
-      array(numbers("normals", "n", "float3", {single("normalx", "nx"), single("normaly", "ny"),
-                                               single("normalz", "nz")}))));
+      array(numbers("normals", "n", "float3",
+                    {single("normalx", "nx"), single("normaly", "ny"), single("normalz", "nz")}))));
   const Attribute* sets = builder.add(array(compound(
       "uvSet", "uvst",
       {internal(text("uvSetName", "uvsn")),
@@ -58,9 +66,10 @@ void MeshAccess::addTo(TypeBuilder& builder, const Attribute* inMesh) {
       "colorSet", "clst",
       {internal(text("colorName", "clsn")), boolean("clamped", "clam"),
        choice("representation", "rprt", {"Unused", "A", "Unused", "RGB", "RGBA"}, 4),
-       array(numbers("colorSetPoints", "clsp", "float4",
-                     {single("colorSetPointsR", "clpr", -1), single("colorSetPointsG", "clpg", -1),
-                      single("colorSetPointsB", "clpb", -1), single("colorSetPointsA", "clpa", -1)}))})));
+       array(numbers(
+           "colorSetPoints", "clsp", "float4",
+           {single("colorSetPointsR", "clpr", -1), single("colorSetPointsG", "clpg", -1),
+            single("colorSetPointsB", "clpb", -1), single("colorSetPointsA", "clpa", -1)}))})));
   colorSetName_ = colors->children[0].get();
   currentColorSet_ = builder.add(internal(text("currentColorSet", "ccls")));
   written_ = {vertices_, uvSetName_, uvSetPoints_, currentUvSet_};
@@ -81,7 +90,9 @@ bool MeshAccess::read(const Node& node, const Plug& plug, dg::Value& value) cons
   } else if (owner == edges_) {
     if (index < 0 || index >= mesh->edgeCount()) return false;
     const mesh::EdgeVertices edge = mesh->edge(index);
-    value = part == 0 ? std::int64_t{edge.a} : part == 1 ? std::int64_t{edge.b} : std::int64_t{mesh->isEdgeSmooth(index)};
+    value = part == 0   ? std::int64_t{edge.a}
+            : part == 1 ? std::int64_t{edge.b}
+                        : std::int64_t{mesh->isEdgeSmooth(index)};
   } else if (owner == normals_) {
     if (index < 0 || index >= mesh->cornerCount()) return false;
     value = component(mesh->cornerNormals()[static_cast<std::size_t>(index)], part);
@@ -90,7 +101,8 @@ bool MeshAccess::read(const Node& node, const Plug& plug, dg::Value& value) cons
     value = mesh->uvSet(index).name;
   } else if (owner == uvSetPoints_) {
     const Index set = plug.index(0);
-    if (set < 0 || set >= mesh->uvSetCount() || !isBelow(index, mesh->uvSet(set).points.size())) return false;
+    if (set < 0 || set >= mesh->uvSetCount() || !isBelow(index, mesh->uvSet(set).points.size()))
+      return false;
     const math::Vec2f uv = mesh->uvSet(set).points[static_cast<std::size_t>(index)];
     value = double{part == 0 ? uv.u : uv.v};
   } else if (leaf == currentUvSet_) {
@@ -99,7 +111,8 @@ bool MeshAccess::read(const Node& node, const Plug& plug, dg::Value& value) cons
     if (index < 0 || index >= mesh->colorSetCount()) return false;
     value = mesh->colorSet(index).name;
   } else if (leaf == currentColorSet_) {
-    value = mesh->currentColorSet() < 0 ? std::string() : mesh->colorSet(mesh->currentColorSet()).name;
+    value =
+        mesh->currentColorSet() < 0 ? std::string() : mesh->colorSet(mesh->currentColorSet()).name;
   } else {
     return false;
   }
@@ -117,7 +130,8 @@ Result<bool> MeshAccess::writeVertex(Mesh& mesh, const Plug& plug, double value)
 
 Result<bool> MeshAccess::writeUv(Mesh& mesh, const Plug& plug, const dg::Value& value) const {
   const Index set = plug.index(0);
-  if (set < 0 || set >= mesh.uvSetCount()) return fail("'{}': the mesh has {} UV sets", plug.name(), mesh.uvSetCount());
+  if (set < 0 || set >= mesh.uvSetCount())
+    return fail("'{}': the mesh has {} UV sets", plug.name(), mesh.uvSetCount());
   mesh::UvSet& uvs = mesh.editUvSet(set);
   if (plug.attribute() == uvSetName_) {
     uvs.name = std::get<std::string>(value);
@@ -146,11 +160,13 @@ Result<bool> MeshAccess::write(Node& node, const Plug& plug, const dg::Value& va
     if (set < 0) return fail("'{}' has no UV set '{}'", node.name(), std::get<std::string>(value));
     changed.setCurrentUvSet(set);
   } else {
-    auto written = isVertex ? writeVertex(changed, plug, std::get<double>(value)) : writeUv(changed, plug, value);
+    auto written = isVertex ? writeVertex(changed, plug, std::get<double>(value))
+                            : writeUv(changed, plug, value);
     if (!written) return written;
   }
   const Unrecorded unrecorded(node.graph());
-  HOST_TRY(node.graph().set(stored, dg::DataPtr(std::make_shared<scene::MeshData>(std::move(changed)))));
+  HOST_TRY(
+      node.graph().set(stored, dg::DataPtr(std::make_shared<scene::MeshData>(std::move(changed)))));
   return true;
 }
 

@@ -5,8 +5,9 @@
 
 namespace host::nodes {
 
-/// The attributes of a mesh shape that stand for parts of its mesh: points, edges, UV sets. Nothing of them is stored
-/// beside the mesh. Reading gives what is there, writing changes the stored mesh of a shape without history.
+/// The attributes of a mesh shape that stand for parts of its mesh: points, edges, UV sets. Nothing
+/// of them is stored beside the mesh. Reading gives what is there, writing changes the stored mesh
+/// of a shape without history.
 class MeshAccess {
  public:
   /// Adds the attributes; changing one dirties outMesh.

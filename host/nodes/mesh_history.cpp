@@ -16,7 +16,9 @@ using scene::MeshData;
 bool hasOverride(Node& shape) {
   return dg::dataAs<MeshData>(shape.graph().stored(shape.plug(kMeshOverrideAttribute))) != nullptr;
 }
-bool hasTweaks(Node& shape) { return shape.graph().elementCount(shape.plug("pnts")) > 0; }
+bool hasTweaks(Node& shape) {
+  return shape.graph().elementCount(shape.plug("pnts")) > 0;
+}
 
 Result<void> moveTweaks(Node& from, const Plug& to) {
   dg::Graph& graph = from.graph();
@@ -37,7 +39,8 @@ Result<Node*> addIntermediate(Document& document, Node& shape) {
   return created->get();
 }
 
-/// Where the mesh comes from that reaches the shape's inMesh; makes the original shape when nothing drives it.
+/// Where the mesh comes from that reaches the shape's inMesh; makes the original shape when nothing
+/// drives it.
 Result<Plug> sourceOfShape(Document& document, Node& shape) {
   dg::Graph& graph = document.graph();
   const Plug inMesh = shape.plug("inMesh");
@@ -53,7 +56,8 @@ Result<Plug> sourceOfShape(Document& document, Node& shape) {
   return (*original)->plug("outMesh");
 }
 
-/// Puts what the shape does to its input in front of a node to be inserted, and returns where that comes out.
+/// Puts what the shape does to its input in front of a node to be inserted, and returns where that
+/// comes out.
 Result<Plug> carryShapeEdits(Document& document, Node& shape, Plug source) {
   dg::Graph& graph = document.graph();
   if (hasOverride(shape)) {
@@ -115,7 +119,8 @@ class UnusedHistory {
 
 }  // namespace
 
-Result<void> insertHistoryNode(Document& document, Node& shape, const Plug& input, const Plug& output) {
+Result<void> insertHistoryNode(Document& document, Node& shape, const Plug& input,
+                               const Plug& output) {
   if (!shape.plug("inMesh")) return fail("'{}' is not a mesh", shape.name());
   if (scene::dagLinks(shape).parents.empty()) return fail("'{}' is not in the scene", shape.name());
   const auto source = sourceOfShape(document, shape);

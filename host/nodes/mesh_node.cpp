@@ -18,7 +18,8 @@ struct MeshAttributes {
   const Attribute *inMesh, *outMesh, *worldMesh, *tweaks, *override, *worldMatrix;
 };
 
-/// Points plus the offsets that are not zero; `mesh` is left sharing its points when there are none.
+/// Points plus the offsets that are not zero; `mesh` is left sharing its points when there are
+/// none.
 void applyTweaks(dg::Graph& graph, const Plug& tweaks, Mesh& mesh) {
   std::vector<Index> indices;
   std::vector<double> offsets;
@@ -27,7 +28,8 @@ void applyTweaks(dg::Graph& graph, const Plug& tweaks, Mesh& mesh) {
   for (std::size_t i = 0; i < indices.size(); ++i) {
     const double* offset = &offsets[i * 3];
     // An offset of zero must not even turn a -0 into a 0.
-    if (indices[i] >= mesh.vertexCount() || (offset[0] == 0 && offset[1] == 0 && offset[2] == 0)) continue;
+    if (indices[i] >= mesh.vertexCount() || (offset[0] == 0 && offset[1] == 0 && offset[2] == 0))
+      continue;
     if (points.empty()) points = mesh.editPoints();
     math::Vec3f& point = points[static_cast<std::size_t>(indices[i])];
     if (offset[0] != 0) point.x = static_cast<float>(point.x + offset[0]);
@@ -37,8 +39,8 @@ void applyTweaks(dg::Graph& graph, const Plug& tweaks, Mesh& mesh) {
 }
 
 bool hasSameCounts(const Mesh& a, const Mesh& b) {
-  return a.vertexCount() == b.vertexCount() && a.edgeCount() == b.edgeCount() && a.faceCount() == b.faceCount() &&
-         a.cornerCount() == b.cornerCount();
+  return a.vertexCount() == b.vertexCount() && a.edgeCount() == b.edgeCount() &&
+         a.faceCount() == b.faceCount() && a.cornerCount() == b.cornerCount();
 }
 
 /// The corner data of `override` on the points and faces of `arriving`.
@@ -64,19 +66,23 @@ Result<Computed> computeOutMesh(const MeshAttributes& a, Node& node, DataBlock& 
   if (override && hasSameCounts(mesh, override->mesh)) mesh = withCornerData(mesh, override->mesh);
   applyTweaks(block.graph(), Plug(&node, a.tweaks), mesh);
   const bool isAsItCame = !override && mesh.sharesPointsWith(data->mesh);
-  block.output(a.outMesh, isAsItCame ? *arriving : dg::Value(dg::DataPtr(std::make_shared<MeshData>(std::move(mesh)))));
+  block.output(
+      a.outMesh,
+      isAsItCame ? *arriving : dg::Value(dg::DataPtr(std::make_shared<MeshData>(std::move(mesh)))));
   return Computed::Done;
 }
 
 Mesh transformed(Mesh mesh, const math::Matrix4& matrix) {
-  for (math::Vec3f& point : mesh.editPoints()) point = math::transformPoint(math::Vec3(point), matrix).toFloat();
+  for (math::Vec3f& point : mesh.editPoints())
+    point = math::transformPoint(math::Vec3(point), matrix).toFloat();
   if (!mesh.lockedNormals().normals.empty())
     for (math::Vec3f& normal : mesh.editLockedNormals().normals)
       normal = math::normalized(math::transformNormal(math::Vec3(normal), matrix)).toFloat();
   return mesh;
 }
 
-Result<Computed> computeWorldMesh(const MeshAttributes& a, Node& node, Index instance, DataBlock& block) {
+Result<Computed> computeWorldMesh(const MeshAttributes& a, Node& node, Index instance,
+                                  DataBlock& block) {
   auto object = block.input(Plug(&node, a.outMesh));
   if (!object) return failWith(object.error());
   const auto matrix = block.input(Plug(&node, a.worldMatrix).element(instance));
@@ -87,7 +93,8 @@ Result<Computed> computeWorldMesh(const MeshAttributes& a, Node& node, Index ins
   if (!data || !world || math::isIdentity(world->value))
     block.output(out, *object);
   else
-    block.output(out, dg::DataPtr(std::make_shared<MeshData>(transformed(data->mesh, world->value))));
+    block.output(out,
+                 dg::DataPtr(std::make_shared<MeshData>(transformed(data->mesh, world->value))));
   return Computed::Done;
 }
 
@@ -134,7 +141,8 @@ void addSmoothAttributes(TypeBuilder& builder) {
   builder.add(boolean("propagateEdgeHardness", "peh"));
   builder.add(boolean("smoothOffset", "soo"));
   builder.add(boolean("displaySubdComps", "dsc"));
-  builder.add(choice("quadSplit", "qsp", {"automatic", "left", "right", "best shape", "best shape, parallel"}));
+  builder.add(choice("quadSplit", "qsp",
+                     {"automatic", "left", "right", "best shape", "best shape, parallel"}));
   builder.add(choice("useMaxEdgeLength", "umel", {"off", "on"}));
 }
 
@@ -150,12 +158,14 @@ void registerMesh(dg::TypeRegistry& types) {
   a.worldMesh = builder.add(std::move(worldMesh));
   builder.add(hidden(notStored(dg::makeTyped("cachedInMesh", "cim", "mesh"))));
   a.override = builder.add(hidden(dg::makeTyped(kMeshOverrideAttribute, "cdov", "mesh")));
-  // Children in double precision: an offset then takes a float point to any other float point exactly.
-  a.tweaks = builder.add(
-      array(numbers("pnts", "pt", "float3", {real("pntx", "px"), real("pnty", "py"), real("pntz", "pz")})));
+  // Children in double precision: an offset then takes a float point to any other float point
+  // exactly.
+  a.tweaks = builder.add(array(numbers(
+      "pnts", "pt", "float3", {real("pntx", "px"), real("pnty", "py"), real("pntz", "pz")})));
   auto access = std::make_shared<MeshAccess>();
   access->addTo(builder, a.inMesh);
-  builder.add(numbers("uvPivot", "pv", "double2", {real("uvPivotX", "pvx"), real("uvPivotY", "pvy")}));
+  builder.add(
+      numbers("uvPivot", "pv", "double2", {real("uvPivotX", "pvx"), real("uvPivotY", "pvy")}));
   builder.add(dg::makeTyped("tweakLocation", "twl", "Int32Array"));
   addDisplayAttributes(builder);
   addSmoothAttributes(builder);

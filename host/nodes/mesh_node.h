@@ -4,11 +4,13 @@
 
 namespace host::nodes {
 
-/// Registers the mesh shape: outMesh is inMesh with the overridden corner data and the tweaks; worldMesh[i] is that by
-/// the matrix of instance i. Everything not tweaked is shared with what arrives.
+/// Registers the mesh shape: outMesh is inMesh with the overridden corner data and the tweaks;
+/// worldMesh[i] is that by the matrix of instance i. Everything not tweaked is shared with what
+/// arrives.
 void registerMesh(dg::TypeRegistry& types);
 
-/// Long name of the hidden attribute with the corner data that replaces what arrives from the history.
+/// Long name of the hidden attribute with the corner data that replaces what arrives from the
+/// history.
 inline constexpr const char* kMeshOverrideAttribute = "cornerDataOverride";
 
 }  // namespace host::nodes

@@ -26,7 +26,8 @@ Result<Mesh> meshAt(Node& shape, const char* attribute) {
 }
 
 Result<void> store(Node& shape, Mesh mesh) {
-  return shape.graph().set(shape.plug("inMesh"), dg::DataPtr(std::make_shared<MeshData>(std::move(mesh))));
+  return shape.graph().set(shape.plug("inMesh"),
+                           dg::DataPtr(std::make_shared<MeshData>(std::move(mesh))));
 }
 
 Result<void> clearTweaks(Node& shape) {
@@ -41,8 +42,11 @@ Result<void> clearOverride(Node& shape) {
   return shape.graph().set(plug, {});
 }
 
-/// The offset in double precision that takes the float `from` to the float `to`, zero only when they are the same.
-double offsetBetween(float from, float to) { return static_cast<double>(to) - static_cast<double>(from); }
+/// The offset in double precision that takes the float `from` to the float `to`, zero only when
+/// they are the same.
+double offsetBetween(float from, float to) {
+  return static_cast<double>(to) - static_cast<double>(from);
+}
 
 Result<void> setTweaks(Node& shape, std::span<const Vec3f> points) {
   const auto arriving = meshAt(shape, "inMesh");
@@ -53,16 +57,21 @@ Result<void> setTweaks(Node& shape, std::span<const Vec3f> points) {
   for (std::size_t i = 0; i < points.size(); ++i) {
     if (points[i] == base[i]) continue;
     indices.push_back(static_cast<Index>(i));
-    offsets.insert(offsets.end(), {offsetBetween(base[i].x, points[i].x), offsetBetween(base[i].y, points[i].y),
-                                   offsetBetween(base[i].z, points[i].z)});
+    offsets.insert(offsets.end(),
+                   {offsetBetween(base[i].x, points[i].x), offsetBetween(base[i].y, points[i].y),
+                    offsetBetween(base[i].z, points[i].z)});
   }
   return shape.graph().setPacked(shape.plug("pnts"), std::move(indices), std::move(offsets));
 }
 
 }  // namespace
 
-Result<Mesh> evaluatedMesh(Node& shape) { return meshAt(shape, "outMesh"); }
-Result<Mesh> untweakedMesh(Node& shape) { return meshAt(shape, "inMesh"); }
+Result<Mesh> evaluatedMesh(Node& shape) {
+  return meshAt(shape, "outMesh");
+}
+Result<Mesh> untweakedMesh(Node& shape) {
+  return meshAt(shape, "inMesh");
+}
 
 bool hasHistory(Node& shape) {
   const Plug plug = shape.plug("inMesh");
@@ -71,7 +80,8 @@ bool hasHistory(Node& shape) {
 
 Result<void> setStoredMesh(Node& shape, Mesh mesh) {
   if (!shape.plug("inMesh")) return fail("'{}' is not a mesh", shape.name());
-  if (hasHistory(shape)) return fail("'{}' has construction history; delete it first", shape.name());
+  if (hasHistory(shape))
+    return fail("'{}' has construction history; delete it first", shape.name());
   HOST_TRY(clearTweaks(shape));
   HOST_TRY(clearOverride(shape));
   return store(shape, std::move(mesh));
@@ -81,7 +91,8 @@ Result<void> setEvaluatedPoints(Node& shape, std::vector<Vec3f> points) {
   auto now = evaluatedMesh(shape);
   if (!now) return failWith(now.error());
   if (points.size() != now->points().size())
-    return fail("'{}' has {} vertices, but {} points were given", shape.name(), now->vertexCount(), points.size());
+    return fail("'{}' has {} vertices, but {} points were given", shape.name(), now->vertexCount(),
+                points.size());
   if (hasHistory(shape)) return setTweaks(shape, points);
   now->setPoints(std::move(points));
   return setStoredMesh(shape, *std::move(now));
@@ -102,7 +113,8 @@ Result<std::vector<Vec3>> pointsIn(const scene::DagPath& path, Space space) {
     return points;
   }
   const math::Matrix4 matrix = path.inclusiveMatrix();
-  for (const Vec3f& point : mesh->points()) points.push_back(math::transformPoint(Vec3(point), matrix));
+  for (const Vec3f& point : mesh->points())
+    points.push_back(math::transformPoint(Vec3(point), matrix));
   return points;
 }
 
@@ -113,7 +125,8 @@ Result<void> setPointsIn(const scene::DagPath& path, Space space, std::span<cons
   if (!mesh) return failWith(mesh.error());
   const std::span<const Vec3f> old = mesh->points();
   if (points.size() != old.size())
-    return fail("'{}' has {} vertices, but {} points were given", shape.name(), old.size(), points.size());
+    return fail("'{}' has {} vertices, but {} points were given", shape.name(), old.size(),
+                points.size());
   std::vector<Vec3f> stored(old.begin(), old.end());
   if (space == Space::Object) {
     for (std::size_t i = 0; i < points.size(); ++i)
@@ -122,7 +135,9 @@ Result<void> setPointsIn(const scene::DagPath& path, Space space, std::span<cons
   }
   const math::Matrix4 matrix = path.inclusiveMatrix();
   const auto toObject = math::inverse(matrix);
-  if (!toObject) return fail("'{}' is scaled to nothing: world positions have no place on it", path.partialName());
+  if (!toObject)
+    return fail("'{}' is scaled to nothing: world positions have no place on it",
+                path.partialName());
   for (std::size_t i = 0; i < points.size(); ++i)
     if (points[i] != math::transformPoint(Vec3(old[i]), matrix))
       stored[i] = math::transformPoint(points[i], *toObject).toFloat();

@@ -10,8 +10,8 @@
 
 namespace host::nodes {
 
-/// How a mesh shape node is read and written by commands and the API. The shape's `inMesh` holds the stored mesh when
-/// nothing drives it; `outMesh` is that mesh plus the tweaks in `pnts`.
+/// How a mesh shape node is read and written by commands and the API. The shape's `inMesh` holds
+/// the stored mesh when nothing drives it; `outMesh` is that mesh plus the tweaks in `pnts`.
 
 /// The evaluated mesh (tweaks included), shared, not copied. Fails when the history fails.
 [[nodiscard]] Result<mesh::Mesh> evaluatedMesh(dg::Node& shape);
@@ -22,33 +22,40 @@ namespace host::nodes {
 /// Replaces the stored mesh and clears the tweaks. Fails when the shape has history.
 Result<void> setStoredMesh(dg::Node& shape, mesh::Mesh mesh);
 
-/// Moves points so that the evaluated mesh has exactly `points` (object space, one a vertex): written into the stored
-/// mesh when there is no history, as tweaks in `pnts` when there is. Points that do not change keep their bits. Recorded.
+/// Moves points so that the evaluated mesh has exactly `points` (object space, one a vertex):
+/// written into the stored mesh when there is no history, as tweaks in `pnts` when there is. Points
+/// that do not change keep their bits. Recorded.
 Result<void> setEvaluatedPoints(dg::Node& shape, std::vector<math::Vec3f> points);
 Result<void> setEvaluatedPoints(dg::Node& shape, std::span<const math::Vec3f> points);
 
 enum class Space { Object, World };
-/// The evaluated points in a space, one a vertex; world space goes through the path's inclusive matrix.
+/// The evaluated points in a space, one a vertex; world space goes through the path's inclusive
+/// matrix.
 [[nodiscard]] Result<std::vector<math::Vec3>> pointsIn(const scene::DagPath& shape, Space space);
-/// Writes points given in a space, one a vertex. They are stored as object-space floats; points that are where
-/// `pointsIn` said keep their bits. Fails when the numbers differ or a zero scale leaves no way back to object space.
-Result<void> setPointsIn(const scene::DagPath& shape, Space space, std::span<const math::Vec3> points);
+/// Writes points given in a space, one a vertex. They are stored as object-space floats; points
+/// that are where `pointsIn` said keep their bits. Fails when the numbers differ or a zero scale
+/// leaves no way back to object space.
+Result<void> setPointsIn(const scene::DagPath& shape, Space space,
+                         std::span<const math::Vec3> points);
 
-/// Replaces everything but positions and topology (UVs, smoothness, creases, colours, normals) of the evaluated mesh.
-/// Without history it is stored; with history the shape keeps the edit as an override of its output that lasts until
-/// the topology that arrives has other counts.
+/// Replaces everything but positions and topology (UVs, smoothness, creases, colours, normals) of
+/// the evaluated mesh. Without history it is stored; with history the shape keeps the edit as an
+/// override of its output that lasts until the topology that arrives has other counts.
 Result<void> setEvaluatedMesh(dg::Node& shape, mesh::Mesh mesh);
 
-/// Inserts a history node with mesh plugs `input` and `output` just before the shape. A shape without history first gets
-/// an intermediate original ("...Orig") under its transform that holds the stored mesh. Tweaks move into a polyTweak
-/// node in front of the inserted one (an override of the output: into an intermediate shape), so that what arrives at
-/// `input` is the mesh as it was seen.
+/// Inserts a history node with mesh plugs `input` and `output` just before the shape. A shape
+/// without history first gets an intermediate original ("...Orig") under its transform that holds
+/// the stored mesh. Tweaks move into a polyTweak node in front of the inserted one (an override of
+/// the output: into an intermediate shape), so that what arrives at `input` is the mesh as it was
+/// seen.
 Result<void> insertHistoryNode(scene::Document& document, dg::Node& shape, const dg::Plug& input,
                                const dg::Plug& output);
-/// Bakes the evaluated mesh into the shape and deletes the history nodes that only fed it (and the intermediate original).
+/// Bakes the evaluated mesh into the shape and deletes the history nodes that only fed it (and the
+/// intermediate original).
 Result<void> deleteHistory(scene::Document& document, dg::Node& shape);
 
-/// The mesh shape nodes a name argument stands for: shapes as they are, transforms by their shapes; others give none.
+/// The mesh shape nodes a name argument stands for: shapes as they are, transforms by their shapes;
+/// others give none.
 [[nodiscard]] std::vector<scene::DagPath> meshPaths(const scene::DagPath& path);
 
 /// Registers every built-in node type and installs the new-scene hook's default nodes.

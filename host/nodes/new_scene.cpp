@@ -32,7 +32,8 @@ class SceneMaker {
   void connect(Node& source, std::string_view from, Node& destination, std::string_view to) {
     check(document_.graph().connect(plug(source, from), plug(destination, to)));
   }
-  void makeCamera(const std::string& name, const Vec3& translate, const Vec3& degrees, double orthographicWidth);
+  void makeCamera(const std::string& name, const Vec3& translate, const Vec3& degrees,
+                  double orthographicWidth);
 
  private:
   dg::Plug plug(Node& node, std::string_view attribute) {
@@ -40,7 +41,9 @@ class SceneMaker {
     HOST_ASSERT(found, "a default node is given attributes that its type has");
     return *found;
   }
-  static void check(const Result<void>& result) { HOST_ASSERT(result, "the tables of default nodes are wrong"); }
+  static void check(const Result<void>& result) {
+    HOST_ASSERT(result, "the tables of default nodes are wrong");
+  }
 
   Document& document_;
 };
@@ -57,7 +60,8 @@ void SceneMaker::makeCamera(const std::string& name, const Vec3& translate, cons
   set(shape, "depthName", name + "_depth");
   set(shape, "maskName", name + "_mask");
   set(shape, "homeCommand",
-      name == "persp" ? std::string("viewSet -p %camera") : "viewSet -" + name.substr(0, 1) + " %camera");
+      name == "persp" ? std::string("viewSet -p %camera")
+                      : "viewSet -" + name.substr(0, 1) + " %camera");
   if (orthographicWidth > 0) {
     set(shape, "renderable", std::int64_t{0});
     set(shape, "orthographic", std::int64_t{1});
@@ -92,7 +96,8 @@ void makeShading(SceneMaker& scene) {
   Node& linker = scene.make("lightLinker", "lightLinker1");
   Node& lights = scene.make("objectSet", "defaultLightSet");
   scene.make("objectSet", "defaultObjectSet");
-  for (Node* group : {&shadingGroup, &particles}) scene.set(*group, "renderableOnlySet", std::int64_t{1});
+  for (Node* group : {&shadingGroup, &particles})
+    scene.set(*group, "renderableOnlySet", std::int64_t{1});
   scene.connect(lambert, "outColor", shadingGroup, "surfaceShader");
   scene.connect(lambert, "outColor", particles, "surfaceShader");
   scene.connect(cloud, "outColor", particles, "volumeShader");

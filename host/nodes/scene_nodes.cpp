@@ -77,12 +77,13 @@ void registerLayers(dg::TypeRegistry& types) {
   manager.finish();
 
   TypeBuilder layer(types, "displayLayer", {}, typeCode("DSPL"));
-  layer.add(compound("drawInfo", "di",
-                     {choice("displayType", "dt", {"Normal", "Template", "Reference"}),
-                      choice("levelOfDetail", "lod", {"Full", "Bounding Box"}), boolean("shading", "s", true),
-                      boolean("texturing", "t", true), boolean("playback", "p", true), boolean("enabled", "e", true),
-                      boolean("visibility", "v", true), boolean("hideOnPlayback", "hpb"),
-                      dg::makeAttribute("color", "c", AttributeType::Byte)}));
+  layer.add(compound(
+      "drawInfo", "di",
+      {choice("displayType", "dt", {"Normal", "Template", "Reference"}),
+       choice("levelOfDetail", "lod", {"Full", "Bounding Box"}), boolean("shading", "s", true),
+       boolean("texturing", "t", true), boolean("playback", "p", true),
+       boolean("enabled", "e", true), boolean("visibility", "v", true),
+       boolean("hideOnPlayback", "hpb"), dg::makeAttribute("color", "c", AttributeType::Byte)}));
   layer.add(integer("identification", "id"));
   layer.add(integer("displayOrder", "do"));
   layer.finish();
@@ -114,9 +115,10 @@ void registerSceneNodes(dg::TypeRegistry& types) {
   TypeBuilder script(types, "script", {}, typeCode("SCRP"));
   script.add(text("before", "b"));
   script.add(text("after", "a"));
-  script.add(choice("scriptType", "st",
-                    {"Demand", "Open/Close", "GUI Open/Close", "UI Configuration", "Software Render",
-                     "Software Frame Render", "Scene Configuration", "Time Changed"}));
+  script.add(
+      choice("scriptType", "st",
+             {"Demand", "Open/Close", "GUI Open/Close", "UI Configuration", "Software Render",
+              "Software Frame Render", "Scene Configuration", "Time Changed"}));
   script.add(choice("sourceType", "stp", {"MEL", "Python"}));
   script.finish();
 

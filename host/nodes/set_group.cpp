@@ -26,8 +26,9 @@ Plug groupArray(const DagPath& path) {
 }
 
 Result<void> storeComponents(const Plug& group, std::vector<Component> components) {
-  return group.node()->graph().set(childNamed(group, "objectGrpCompList"),
-                                   dg::DataPtr(std::make_shared<ComponentListData>(std::move(components))));
+  return group.node()->graph().set(
+      childNamed(group, "objectGrpCompList"),
+      dg::DataPtr(std::make_shared<ComponentListData>(std::move(components))));
 }
 
 /// Numbers groups through: one above the highest there is.
@@ -41,7 +42,8 @@ std::int64_t nextGroupId(const Document& document) {
   return highest + 1;
 }
 
-Result<void> makeGroup(Document& document, const Plug& group, Node& set, const Component& component) {
+Result<void> makeGroup(Document& document, const Plug& group, Node& set,
+                       const Component& component) {
   dg::Graph& graph = document.graph();
   const auto id = document.createNode("groupId");
   if (!id) return failWith(id.error());
@@ -68,7 +70,8 @@ SetGroup groupAt(const Plug& group) {
   for (const Plug& destination : graph.destinations(group))
     if (destination.attribute()->longName == "dagSetMembers") result.set = destination.node();
   const auto value = graph.get(childNamed(group, "objectGrpCompList"));
-  if (const auto* list = value ? dg::dataAs<ComponentListData>(*value) : nullptr) result.components = list->value;
+  if (const auto* list = value ? dg::dataAs<ComponentListData>(*value) : nullptr)
+    result.components = list->value;
   return result;
 }
 
@@ -83,7 +86,8 @@ std::vector<SetGroup> groupsOf(const DagPath& path, const Node* set) {
   return groups;
 }
 
-Result<void> addToGroup(Document& document, const DagPath& path, Node& set, const Component& component) {
+Result<void> addToGroup(Document& document, const DagPath& path, Node& set,
+                        const Component& component) {
   for (SetGroup& group : groupsOf(path, &set)) {
     for (Component& each : group.components) {
       if (each.type() != component.type()) continue;
@@ -92,7 +96,8 @@ Result<void> addToGroup(Document& document, const DagPath& path, Node& set, cons
     }
   }
   const Plug array = groupArray(path);
-  if (array.isNull()) return fail("'{}' has no components that a set could hold", path.partialName());
+  if (array.isNull())
+    return fail("'{}' has no components that a set could hold", path.partialName());
   return makeGroup(document, array.element(document.graph().nextFreeIndex(array)), set, component);
 }
 
@@ -111,7 +116,9 @@ Result<void> removeGroup(Document& document, const SetGroup& group) {
   dg::Graph& graph = document.graph();
   const Plug id = graph.source(childNamed(group.plug, "objectGroupId"));
   HOST_TRY(graph.removeElement(group.plug, true));
-  if (id.isNull() || !graph.destinations(id).empty() || id.node()->isLocked() || id.node()->isDefault()) return {};
+  if (id.isNull() || !graph.destinations(id).empty() || id.node()->isLocked() ||
+      id.node()->isDefault())
+    return {};
   return document.deleteNodes({id.node()});
 }
 

@@ -20,12 +20,13 @@ struct SetGroup {
 /// The groups of an instance that are in `set`, or in any set when it is null.
 [[nodiscard]] std::vector<SetGroup> groupsOf(const scene::DagPath& path, const dg::Node* set);
 
-/// Puts components into the group that the instance has in the set, or into a new one with a groupId node.
+/// Puts components into the group that the instance has in the set, or into a new one with a
+/// groupId node.
 Result<void> addToGroup(scene::Document& document, const scene::DagPath& path, dg::Node& set,
                         const scene::Component& component);
 /// Takes components out; a group without any goes.
-Result<void> removeFromGroup(scene::Document& document, const scene::DagPath& path, const SetGroup& group,
-                             const scene::Component& component);
+Result<void> removeFromGroup(scene::Document& document, const scene::DagPath& path,
+                             const SetGroup& group, const scene::Component& component);
 /// Removes the group with its connections and its groupId node.
 Result<void> removeGroup(scene::Document& document, const SetGroup& group);
 

@@ -30,7 +30,8 @@ std::unordered_set<const Node*> exclusiveSets(Node& set) {
   dg::Graph& graph = set.graph();
   for (const Plug& slot : graph.destinations(set.plug("partition")))
     for (const dg::Graph::Connection& each : graph.incoming(*slot.node()))
-      if (each.source.node() != &set && isSet(*each.source.node())) others.insert(each.source.node());
+      if (each.source.node() != &set && isSet(*each.source.node()))
+        others.insert(each.source.node());
   return others;
 }
 
@@ -40,7 +41,8 @@ Result<std::vector<SelectionItem>> membersToBe(Node& set, const SelectionList& i
   const bool renderable = isRenderable(set);
   for (const SelectionItem& item : items.items()) {
     if (item.node.get() == &set) return fail("'{}' cannot be a member of itself", set.name());
-    if (!item.plug.isNull()) return fail("'{}' is an attribute; sets hold objects", item.plug.name());
+    if (!item.plug.isNull())
+      return fail("'{}' is an attribute; sets hold objects", item.plug.name());
     if (!item.isDag() && renderable && !isSet(*item.node))
       return fail("'{}' cannot be rendered, which '{}' asks for", item.node->name(), set.name());
     for (const Component& component : item.components)
@@ -87,7 +89,8 @@ Result<void> leaveExclusive(Document& document, const SelectionItem& item,
   for (Node* other : setsOf(document, item)) {
     if (!exclusive.contains(other)) continue;
     if (!force)
-      return fail("'{}' is in '{}', which does not share members", scene::itemBaseName(item), other->name());
+      return fail("'{}' is in '{}', which does not share members", scene::itemBaseName(item),
+                  other->name());
     HOST_TRY(removeItem(document, *other, item));
   }
   return {};
@@ -108,7 +111,8 @@ Result<void> addItem(Document& document, Node& set, const SelectionItem& item) {
 }
 
 /// Membership as a whole becomes membership of all components but some.
-Result<void> shrinkToComponents(Document& document, Node& set, const SelectionItem& item, const Plug& wholeSlot) {
+Result<void> shrinkToComponents(Document& document, Node& set, const SelectionItem& item,
+                                const Plug& wholeSlot) {
   HOST_TRY(document.graph().disconnect(wholePlug(item), wholeSlot));
   for (const Component& taken : item.components) {
     Component rest = Component::all(taken.type());
@@ -138,8 +142,12 @@ Result<void> removeItem(Document& document, Node& set, const SelectionItem& item
 
 }  // namespace
 
-bool isSet(const Node& node) { return node.type().isA("objectSet"); }
-bool isShadingGroup(const Node& node) { return node.type().isA("shadingEngine"); }
+bool isSet(const Node& node) {
+  return node.type().isA("objectSet");
+}
+bool isShadingGroup(const Node& node) {
+  return node.type().isA("shadingEngine");
+}
 
 Result<void> addToSet(Document& document, Node& set, const SelectionList& items, bool force) {
   const auto members = membersToBe(set, items);
@@ -166,7 +174,9 @@ Result<void> removeFromSet(Document& document, Node& set, const SelectionList& i
   return {};
 }
 
-Result<void> clearSet(Document& document, Node& set) { return removeFromSet(document, set, setMembers(set)); }
+Result<void> clearSet(Document& document, Node& set) {
+  return removeFromSet(document, set, setMembers(set));
+}
 
 SelectionList setMembers(Node& set) {
   SelectionList members;
@@ -182,7 +192,8 @@ SelectionList setMembers(Node& set) {
       members.add(paths[instance]);
       continue;
     }
-    for (const Component& component : groupAt(each.source).components) members.add(paths[instance], component);
+    for (const Component& component : groupAt(each.source).components)
+      members.add(paths[instance], component);
   }
   return members;
 }
@@ -203,7 +214,8 @@ bool isSetMember(Node& set, const SelectionItem& item) {
 std::vector<Node*> setsOf(Document& document, const SelectionItem& item) {
   std::vector<Node*> sets;
   const auto add = [&](Node* set) {
-    if (set && isSet(*set) && std::find(sets.begin(), sets.end(), set) == sets.end()) sets.push_back(set);
+    if (set && isSet(*set) && std::find(sets.begin(), sets.end(), set) == sets.end())
+      sets.push_back(set);
   };
   if (const Plug whole = wholePlug(item))
     for (const Plug& destination : document.graph().destinations(whole))

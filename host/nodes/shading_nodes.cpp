@@ -9,10 +9,12 @@ namespace {
 /// Shading nodes hand on their plain colour: what a viewer shows of them.
 void passColor(TypeBuilder& builder, const Attribute* from, const Attribute* to) {
   builder.affects({from}, {to});
-  builder.type().compute = [from, to](Node& node, const Plug& plug, DataBlock& block) -> Result<Computed> {
+  builder.type().compute = [from, to](Node& node, const Plug& plug,
+                                      DataBlock& block) -> Result<Computed> {
     if (plug.attribute() != to && plug.attribute()->parent != to) return Computed::Unhandled;
     const math::Vec3 value = block.vec3(from);
-    for (int channel = 0; channel < 3; ++channel) block.output(Plug(&node, to).child(channel), value[channel]);
+    for (int channel = 0; channel < 3; ++channel)
+      block.output(Plug(&node, to).child(channel), value[channel]);
     return Computed::Done;
   };
 }
@@ -28,7 +30,8 @@ void registerLambert(dg::TypeRegistry& types) {
   lambert.add(keyable(softLimited(single("translucence", "tc"), 0, 1)));
   lambert.add(keyable(single("translucenceDepth", "trsd", 0.5)));
   lambert.add(numbers("normalCamera", "n", "float3",
-                      {single("normalCameraX", "nx"), single("normalCameraY", "ny"), single("normalCameraZ", "nz")}));
+                      {single("normalCameraX", "nx"), single("normalCameraY", "ny"),
+                       single("normalCameraZ", "nz")}));
   lambert.add(keyable(limited(single("glowIntensity", "gi"), 0, 1)));
   lambert.add(boolean("hideSource", "hs"));
   const Attribute* out = lambert.add(output(color("outColor", "oc")));
@@ -68,9 +71,12 @@ void registerTextures(dg::TypeRegistry& types) {
   file.finish();
 
   TypeBuilder place(types, "place2dTexture", {}, typeCode("RPL2"));
-  place.add(keyable(numbers("coverage", "c", "float2", {single("coverageU", "cu", 1), single("coverageV", "cv", 1)})));
-  place.add(keyable(numbers("repeatUV", "re", "float2", {single("repeatU", "reu", 1), single("repeatV", "rev", 1)})));
-  place.add(keyable(numbers("offset", "of", "float2", {single("offsetU", "ofu"), single("offsetV", "ofv")})));
+  place.add(keyable(numbers("coverage", "c", "float2",
+                            {single("coverageU", "cu", 1), single("coverageV", "cv", 1)})));
+  place.add(keyable(numbers("repeatUV", "re", "float2",
+                            {single("repeatU", "reu", 1), single("repeatV", "rev", 1)})));
+  place.add(keyable(
+      numbers("offset", "of", "float2", {single("offsetU", "ofu"), single("offsetV", "ofv")})));
   place.add(keyable(angle("rotateUV", "rf")));
   place.add(output(numbers("outUV", "o", "float2", {single("outU", "ou"), single("outV", "ov")})));
   place.finish();
@@ -96,10 +102,12 @@ void registerShadingNodes(dg::TypeRegistry& types) {
   cloud.finish();
 
   TypeBuilder linker(types, "lightLinker", {}, typeCode("RLLK"));
-  linker.add(unordered(compound("link", "lnk", {message("light", "llnk"), message("object", "olnk")})));
-  linker.add(unordered(compound("ignore", "ign", {message("lightIgnored", "lign"), message("objectIgnored", "oign")})));
   linker.add(
-      unordered(compound("shadowLink", "slnk", {message("shadowLight", "sllk"), message("shadowObject", "solk")})));
+      unordered(compound("link", "lnk", {message("light", "llnk"), message("object", "olnk")})));
+  linker.add(unordered(compound(
+      "ignore", "ign", {message("lightIgnored", "lign"), message("objectIgnored", "oign")})));
+  linker.add(unordered(compound(
+      "shadowLink", "slnk", {message("shadowLight", "sllk"), message("shadowObject", "solk")})));
   linker.finish();
 
   TypeBuilder info(types, "materialInfo", {}, typeCode("DMTI"));

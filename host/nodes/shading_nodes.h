@@ -4,8 +4,8 @@
 
 namespace host::nodes {
 
-/// Registers the materials (lambert, blinn, phong, surfaceShader, particleCloud, file) and what links lights to them. They carry
-/// attributes and connections; nothing here renders.
+/// Registers the materials (lambert, blinn, phong, surfaceShader, particleCloud, file) and what
+/// links lights to them. They carry attributes and connections; nothing here renders.
 void registerShadingNodes(dg::TypeRegistry& types);
 
 }  // namespace host::nodes

@@ -12,7 +12,7 @@ using math::Vec3;
 /// The vector attributes behind a local matrix, with where their values go.
 struct VectorPart {
   std::string_view name;
-  Vec3 TransformComponents::* member;
+  Vec3 TransformComponents::*member;
 };
 constexpr std::array<VectorPart, 9> kVectorParts = {
     {{"translate", &TransformComponents::translate},
@@ -30,8 +30,8 @@ math::RotateOrder orderFrom(std::int64_t value) {
 }
 
 /// A limit pair with its two switches, such as minTransLimit and minTransXLimitEnable.
-void addLimits(TypeBuilder& builder, const std::string& what, const std::string& code, AttributeType type,
-               double minimum, double maximum) {
+void addLimits(TypeBuilder& builder, const std::string& what, const std::string& code,
+               AttributeType type, double minimum, double maximum) {
   const auto add = [&](const std::string& side, const std::string& sideCode, double value) {
     const std::string name = side + what;
     const std::string shortName = sideCode + code;
@@ -59,14 +59,16 @@ void registerTransform(dg::TypeRegistry& types) {
   const Attribute* order =
       builder.add(choice("rotateOrder", "ro", {"xyz", "yzx", "zxy", "xzy", "yxz", "zyx"}));
   parts[2] = builder.add(keyable(triple("scale", "s", AttributeType::Double, {1, 1, 1})));
-  parts[3] = builder.add(numbers("shear", "sh", "double3",
-                                 {real("shearXY", "shxy"), real("shearXZ", "shxz"), real("shearYZ", "shyz")}));
+  parts[3] = builder.add(
+      numbers("shear", "sh", "double3",
+              {real("shearXY", "shxy"), real("shearXZ", "shxz"), real("shearYZ", "shyz")}));
   parts[4] = builder.add(triple("rotatePivot", "rp", AttributeType::Distance));
   parts[5] = builder.add(triple("rotatePivotTranslate", "rpt", AttributeType::Distance));
   parts[6] = builder.add(triple("scalePivot", "sp", AttributeType::Distance));
   parts[7] = builder.add(triple("scalePivotTranslate", "spt", AttributeType::Distance));
   parts[8] = builder.add(triple("rotateAxis", "ra", AttributeType::Angle));
-  const Attribute* beforePivot = builder.add(output(triple("transMinusRotatePivot", "tmrp", AttributeType::Distance)));
+  const Attribute* beforePivot =
+      builder.add(output(triple("transMinusRotatePivot", "tmrp", AttributeType::Distance)));
   addLimits(builder, "Trans", "t", AttributeType::Distance, -1, 1);
   addLimits(builder, "Rot", "r", AttributeType::Angle, -0.78539816339744828, 0.78539816339744828);
   addLimits(builder, "Scale", "s", AttributeType::Double, -1, 1);
@@ -78,12 +80,16 @@ void registerTransform(dg::TypeRegistry& types) {
   builder.add(boolean("displayRotatePivot", "drp"));
   builder.add(boolean("displayLocalAxis", "dla"));
   builder.add(boolean("dynamics", "dyn"));
-  builder.add(choice("showManipDefault", "smd",
-                     {"none", "Translate", "Rotate", "Scale", "Transform", "Global Default", "Smart", "Specified"}, 5));
+  builder.add(choice(
+      "showManipDefault", "smd",
+      {"none", "Translate", "Rotate", "Scale", "Transform", "Global Default", "Smart", "Specified"},
+      5));
   builder.add(triple("selectHandle", "hdl", AttributeType::Distance));
   builder.add(boolean("rotateQuaternion", "rq"));
-  builder.add(choice("rotationInterpolation", "roi",
-                     {"NoInterpolation", "Unknown", "IndependentEuler", "SynchronizedEuler", "QuaternionSlerp"}, 1));
+  builder.add(choice(
+      "rotationInterpolation", "roi",
+      {"NoInterpolation", "Unknown", "IndependentEuler", "SynchronizedEuler", "QuaternionSlerp"},
+      1));
 
   const Attribute* local = builder["matrix"];
   const Attribute* world = builder["worldMatrix"];
@@ -91,16 +97,18 @@ void registerTransform(dg::TypeRegistry& types) {
   builder.affects({order}, {local});
   builder.affects({inherits}, {world, builder["worldInverseMatrix"]});
   builder.affects({parts[0], parts[4]}, {beforePivot});
-  builder.type().compute = [parts, order, local, beforePivot](Node& node, const Plug& plug,
-                                                              DataBlock& block) -> Result<Computed> {
+  builder.type().compute = [parts, order, local, beforePivot](
+                               Node& node, const Plug& plug, DataBlock& block) -> Result<Computed> {
     if (plug.attribute() == beforePivot || plug.attribute()->parent == beforePivot) {
       const Vec3 difference = block.vec3(parts[0]) - block.vec3(parts[4]);
-      for (int axis = 0; axis < 3; ++axis) block.output(Plug(&node, beforePivot).child(axis), difference[axis]);
+      for (int axis = 0; axis < 3; ++axis)
+        block.output(Plug(&node, beforePivot).child(axis), difference[axis]);
       return Computed::Done;
     }
     if (plug.attribute() != local) return Computed::Unhandled;
     TransformComponents components;
-    for (std::size_t i = 0; i < parts.size(); ++i) components.*kVectorParts[i].member = block.vec3(parts[i]);
+    for (std::size_t i = 0; i < parts.size(); ++i)
+      components.*kVectorParts[i].member = block.vec3(parts[i]);
     components.rotateOrder = orderFrom(block.integer(order));
     block.output(local, dg::DataPtr(std::make_shared<dg::MatrixData>(math::toMatrix(components))));
     return Computed::Done;
@@ -134,7 +142,8 @@ Result<void> writeTransform(Node& transform, const math::TransformComponents& co
         writes.emplace_back(plug.child(axis), (components.*part.member)[axis]);
   }
   if (components.rotateOrder != now->rotateOrder)
-    writes.emplace_back(transform.plug("rotateOrder"), static_cast<std::int64_t>(components.rotateOrder));
+    writes.emplace_back(transform.plug("rotateOrder"),
+                        static_cast<std::int64_t>(components.rotateOrder));
   for (const auto& [plug, value] : writes) HOST_TRY(graph.settable(plug));
   for (const auto& [plug, value] : writes) HOST_TRY(graph.set(plug, value));
   return {};

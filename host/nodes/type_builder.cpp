@@ -9,7 +9,8 @@ namespace host::nodes {
 using dg::makeAttribute;
 
 AttributePtr boolean(std::string longName, std::string shortName, bool value) {
-  return makeAttribute(std::move(longName), std::move(shortName), AttributeType::Bool, std::int64_t{value});
+  return makeAttribute(std::move(longName), std::move(shortName), AttributeType::Bool,
+                       std::int64_t{value});
 }
 AttributePtr integer(std::string longName, std::string shortName, std::int64_t value) {
   return makeAttribute(std::move(longName), std::move(shortName), AttributeType::Long, value);
@@ -24,7 +25,8 @@ AttributePtr single(std::string longName, std::string shortName, double value) {
   return makeAttribute(std::move(longName), std::move(shortName), AttributeType::Float, value);
 }
 AttributePtr distance(std::string longName, std::string shortName, double centimeters) {
-  return makeAttribute(std::move(longName), std::move(shortName), AttributeType::Distance, centimeters);
+  return makeAttribute(std::move(longName), std::move(shortName), AttributeType::Distance,
+                       centimeters);
 }
 AttributePtr angle(std::string longName, std::string shortName, double radians) {
   return makeAttribute(std::move(longName), std::move(shortName), AttributeType::Angle, radians);
@@ -39,31 +41,34 @@ AttributePtr matrix(std::string longName, std::string shortName) {
   return makeAttribute(std::move(longName), std::move(shortName), AttributeType::Matrix);
 }
 AttributePtr message(std::string longName, std::string shortName) {
-  AttributePtr attribute = makeAttribute(std::move(longName), std::move(shortName), AttributeType::Message);
+  AttributePtr attribute =
+      makeAttribute(std::move(longName), std::move(shortName), AttributeType::Message);
   attribute->storable = false;
   return attribute;
 }
 
-AttributePtr choice(std::string longName, std::string shortName, std::initializer_list<std::string_view> fields,
-                    std::int64_t value) {
+AttributePtr choice(std::string longName, std::string shortName,
+                    std::initializer_list<std::string_view> fields, std::int64_t value) {
   std::vector<dg::EnumField> list;
   for (const std::string_view field : fields)
     list.push_back({std::string(field), static_cast<std::int64_t>(list.size())});
   return dg::makeEnum(std::move(longName), std::move(shortName), std::move(list), value);
 }
 
-AttributePtr triple(std::string longName, std::string shortName, AttributeType childType, math::Vec3 value) {
-  std::string type = childType == AttributeType::Float ? "float3"
+AttributePtr triple(std::string longName, std::string shortName, AttributeType childType,
+                    math::Vec3 value) {
+  std::string type = childType == AttributeType::Float  ? "float3"
                      : childType == AttributeType::Long ? "long3"
                                                         : "double3";
-  return dg::makeTriple(std::move(longName), std::move(shortName), childType, std::move(type), value);
+  return dg::makeTriple(std::move(longName), std::move(shortName), childType, std::move(type),
+                        value);
 }
 
 AttributePtr color(std::string longName, std::string shortName, math::Vec3 value) {
-  AttributePtr attribute =
-      numbers(longName, shortName, "float3",
-              {single(longName + "R", shortName + "r", value.x), single(longName + "G", shortName + "g", value.y),
-               single(longName + "B", shortName + "b", value.z)});
+  AttributePtr attribute = numbers(longName, shortName, "float3",
+                                   {single(longName + "R", shortName + "r", value.x),
+                                    single(longName + "G", shortName + "g", value.y),
+                                    single(longName + "B", shortName + "b", value.z)});
   attribute->usedAsColor = true;
   return attribute;
 }
@@ -75,7 +80,8 @@ AttributePtr numbers(std::string longName, std::string shortName, std::string co
   return attribute;
 }
 
-AttributePtr compound(std::string longName, std::string shortName, std::initializer_list<AttributePtr> children) {
+AttributePtr compound(std::string longName, std::string shortName,
+                      std::initializer_list<AttributePtr> children) {
   return dg::makeCompound(std::move(longName), std::move(shortName), children);
 }
 
@@ -137,14 +143,16 @@ void addNodeAttributes(dg::NodeType& type) {
   type.add(output(message("message", "msg")));
   type.add(hidden(boolean("caching", "cch")));
   type.add(hidden(boolean("frozen", "fzn")));
-  type.add(hidden(dg::makeAttribute("isHistoricallyInteresting", "ihi", AttributeType::Byte, std::int64_t{2})));
+  type.add(hidden(
+      dg::makeAttribute("isHistoricallyInteresting", "ihi", AttributeType::Byte, std::int64_t{2})));
   type.add(hidden(choice("nodeState", "nds",
-                         {"Normal", "HasNoEffect", "Blocking", "Waiting-Normal", "Waiting-HasNoEffect",
-                          "Waiting-Blocking"})));
+                         {"Normal", "HasNoEffect", "Blocking", "Waiting-Normal",
+                          "Waiting-HasNoEffect", "Waiting-Blocking"})));
   type.add(hidden(dg::makeTyped("binMembership", "bnm", "string")));
 }
 
-TypeBuilder::TypeBuilder(dg::TypeRegistry& types, std::string_view name, std::string_view base, std::uint32_t id)
+TypeBuilder::TypeBuilder(dg::TypeRegistry& types, std::string_view name, std::string_view base,
+                         std::uint32_t id)
     : types_(types), type_(std::make_unique<dg::NodeType>()) {
   if (!base.empty()) {
     const dg::NodeType* baseType = types.find(base);

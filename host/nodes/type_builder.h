@@ -20,26 +20,34 @@ using dg::Plug;
 
 // Attributes in one line each. Names are the long and the short one; distances cm, angles radians.
 [[nodiscard]] AttributePtr boolean(std::string longName, std::string shortName, bool value = false);
-[[nodiscard]] AttributePtr integer(std::string longName, std::string shortName, std::int64_t value = 0);
-[[nodiscard]] AttributePtr shortInteger(std::string longName, std::string shortName, std::int64_t value = 0);
+[[nodiscard]] AttributePtr integer(std::string longName, std::string shortName,
+                                   std::int64_t value = 0);
+[[nodiscard]] AttributePtr shortInteger(std::string longName, std::string shortName,
+                                        std::int64_t value = 0);
 [[nodiscard]] AttributePtr real(std::string longName, std::string shortName, double value = 0);
-[[nodiscard]] AttributePtr single(std::string longName, std::string shortName, double value = 0);  ///< float
-[[nodiscard]] AttributePtr distance(std::string longName, std::string shortName, double centimeters = 0);
+[[nodiscard]] AttributePtr single(std::string longName, std::string shortName,
+                                  double value = 0);  ///< float
+[[nodiscard]] AttributePtr distance(std::string longName, std::string shortName,
+                                    double centimeters = 0);
 [[nodiscard]] AttributePtr angle(std::string longName, std::string shortName, double radians = 0);
-[[nodiscard]] AttributePtr timeValue(std::string longName, std::string shortName, double seconds = 0);
+[[nodiscard]] AttributePtr timeValue(std::string longName, std::string shortName,
+                                     double seconds = 0);
 [[nodiscard]] AttributePtr text(std::string longName, std::string shortName);
 [[nodiscard]] AttributePtr matrix(std::string longName, std::string shortName);
 [[nodiscard]] AttributePtr message(std::string longName, std::string shortName);
 /// Fields in order, counting from 0.
 [[nodiscard]] AttributePtr choice(std::string longName, std::string shortName,
-                                  std::initializer_list<std::string_view> fields, std::int64_t value = 0);
+                                  std::initializer_list<std::string_view> fields,
+                                  std::int64_t value = 0);
 /// A triple whose children are named X Y Z: double3 of the child type.
-[[nodiscard]] AttributePtr triple(std::string longName, std::string shortName, AttributeType childType,
-                                  math::Vec3 value = {});
+[[nodiscard]] AttributePtr triple(std::string longName, std::string shortName,
+                                  AttributeType childType, math::Vec3 value = {});
 /// A float3 whose children are named R G B.
-[[nodiscard]] AttributePtr color(std::string longName, std::string shortName, math::Vec3 value = {});
+[[nodiscard]] AttributePtr color(std::string longName, std::string shortName,
+                                 math::Vec3 value = {});
 /// A compound of numbers of one type with children of any names.
-[[nodiscard]] AttributePtr numbers(std::string longName, std::string shortName, std::string compoundType,
+[[nodiscard]] AttributePtr numbers(std::string longName, std::string shortName,
+                                   std::string compoundType,
                                    std::initializer_list<AttributePtr> children);
 [[nodiscard]] AttributePtr compound(std::string longName, std::string shortName,
                                     std::initializer_list<AttributePtr> children);
@@ -49,7 +57,8 @@ using dg::Plug;
 [[nodiscard]] AttributePtr channelBox(AttributePtr attribute);
 [[nodiscard]] AttributePtr output(AttributePtr attribute);  ///< computed: not writable, not stored
 [[nodiscard]] AttributePtr array(AttributePtr attribute);
-[[nodiscard]] AttributePtr unordered(AttributePtr attribute);  ///< an array whose indices do not matter
+[[nodiscard]] AttributePtr unordered(
+    AttributePtr attribute);  ///< an array whose indices do not matter
 [[nodiscard]] AttributePtr internal(AttributePtr attribute);
 [[nodiscard]] AttributePtr hidden(AttributePtr attribute);
 [[nodiscard]] AttributePtr notStored(AttributePtr attribute);
@@ -57,19 +66,22 @@ using dg::Plug;
 [[nodiscard]] AttributePtr atLeast(AttributePtr attribute, double minimum);
 [[nodiscard]] AttributePtr softLimited(AttributePtr attribute, double minimum, double maximum);
 
-/// What every node has: message, caching, frozen, isHistoricallyInteresting, nodeState, binMembership. For types
-/// without a base type; others inherit it.
+/// What every node has: message, caching, frozen, isHistoricallyInteresting, nodeState,
+/// binMembership. For types without a base type; others inherit it.
 void addNodeAttributes(dg::NodeType& type);
 
-/// Puts a node type together and registers it. Without a base type it gets the attributes that every node has.
+/// Puts a node type together and registers it. Without a base type it gets the attributes that
+/// every node has.
 class TypeBuilder {
  public:
-  TypeBuilder(dg::TypeRegistry& types, std::string_view name, std::string_view base = {}, std::uint32_t id = 0);
+  TypeBuilder(dg::TypeRegistry& types, std::string_view name, std::string_view base = {},
+              std::uint32_t id = 0);
 
   const Attribute* add(AttributePtr attribute) { return type_->add(std::move(attribute)); }
   /// An attribute added before or inherited; asserts that it is there.
   [[nodiscard]] const Attribute* operator[](std::string_view name) const;
-  TypeBuilder& affects(std::initializer_list<const Attribute*> from, std::initializer_list<const Attribute*> to);
+  TypeBuilder& affects(std::initializer_list<const Attribute*> from,
+                       std::initializer_list<const Attribute*> to);
   TypeBuilder& setAbstract();
   TypeBuilder& livesByItsOutputs();  ///< goes with the last node that it feeds
   [[nodiscard]] dg::NodeType& type() { return *type_; }

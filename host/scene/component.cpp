@@ -13,7 +13,8 @@ namespace {
 
 constexpr std::array<std::string_view, 5> kWords = {"vtx", "e", "f", "map", "vtxFace"};
 
-/// The most indices that one written range may stand for; more than any mesh that fits in memory has.
+/// The most indices that one written range may stand for; more than any mesh that fits in memory
+/// has.
 constexpr std::int64_t kMostIndicesInWord = std::int64_t{1} << 26;
 
 template <class T>
@@ -33,20 +34,24 @@ void uniteInto(std::vector<T>& mine, const std::vector<T>& others) {
 template <class T>
 void subtractFrom(std::vector<T>& mine, const std::vector<T>& others) {
   std::vector<T> rest;
-  std::set_difference(mine.begin(), mine.end(), others.begin(), others.end(), std::back_inserter(rest));
+  std::set_difference(mine.begin(), mine.end(), others.begin(), others.end(),
+                      std::back_inserter(rest));
   mine = std::move(rest);
 }
 
 template <class T>
 void intersectInto(std::vector<T>& mine, const std::vector<T>& others) {
   std::vector<T> both;
-  std::set_intersection(mine.begin(), mine.end(), others.begin(), others.end(), std::back_inserter(both));
+  std::set_intersection(mine.begin(), mine.end(), others.begin(), others.end(),
+                        std::back_inserter(both));
   mine = std::move(both);
 }
 
 }  // namespace
 
-std::string_view componentWord(ComponentType type) { return kWords[static_cast<std::size_t>(type)]; }
+std::string_view componentWord(ComponentType type) {
+  return kWords[static_cast<std::size_t>(type)];
+}
 
 bool parseComponentWord(std::string_view word, ComponentType& type) {
   const auto found = std::find(kWords.begin(), kWords.end(), word);
@@ -79,7 +84,8 @@ std::vector<Index> Component::expanded(Index count) const {
 }
 
 std::size_t Component::count(Index meshCount) const {
-  return complete_ ? static_cast<std::size_t>(std::max<Index>(meshCount, 0)) : indices_.size() + pairs_.size();
+  return complete_ ? static_cast<std::size_t>(std::max<Index>(meshCount, 0))
+                   : indices_.size() + pairs_.size();
 }
 
 bool Component::contains(Index index) const {
@@ -152,7 +158,8 @@ bool parseRange(std::string_view text, IndexRange& range) {
     range.last = range.first;
     return true;
   }
-  // Either end of a range may be left open in scripts: "[:5]", "[3:*]" reach to the first and last component.
+  // Either end of a range may be left open in scripts: "[:5]", "[3:*]" reach to the first and last
+  // component.
   const std::string_view low = text.substr(0, colon), high = text.substr(colon + 1);
   if (!low.empty() && !parseIndex(low, range.first)) return false;
   if (high.empty() || high == "*") return low.empty() || range.first == 0;
@@ -161,7 +168,9 @@ bool parseRange(std::string_view text, IndexRange& range) {
   return true;
 }
 
-std::int64_t length(const IndexRange& range) { return std::int64_t{range.last} - range.first + 1; }
+std::int64_t length(const IndexRange& range) {
+  return std::int64_t{range.last} - range.first + 1;
+}
 
 }  // namespace
 
@@ -209,7 +218,8 @@ Result<Component> parseComponent(std::string_view word) {
     if (range.isAll()) return Component::all(parsed->type);
     if (length(range) + static_cast<std::int64_t>(indices.size()) > kMostIndicesInWord)
       return fail("'{}' stands for more components than a mesh can have", word);
-    for (std::int64_t i = range.first; i <= range.last; ++i) indices.push_back(static_cast<Index>(i));
+    for (std::int64_t i = range.first; i <= range.last; ++i)
+      indices.push_back(static_cast<Index>(i));
   }
   return Component(parsed->type, std::move(indices));
 }

@@ -11,14 +11,17 @@
 
 namespace host::scene {
 
-/// Kinds of mesh components, with the names that scripts use: vtx e f map vtxFace (and uvShell-free).
+/// Kinds of mesh components, with the names that scripts use: vtx e f map vtxFace (and
+/// uvShell-free).
 enum class ComponentType : std::uint8_t { Vertex, Edge, Face, Uv, VertexFace };
 
-[[nodiscard]] std::string_view componentWord(ComponentType type);  ///< "vtx", "e", "f", "map", "vtxFace"
+[[nodiscard]] std::string_view componentWord(
+    ComponentType type);  ///< "vtx", "e", "f", "map", "vtxFace"
 [[nodiscard]] bool parseComponentWord(std::string_view word, ComponentType& type);
 
-/// A set of components of one type on one mesh. Indices are ascending and unique; VertexFace pairs are sorted by
-/// vertex, then face. `complete` means all there are, whatever the mesh's size: the indices then stay empty.
+/// A set of components of one type on one mesh. Indices are ascending and unique; VertexFace pairs
+/// are sorted by vertex, then face. `complete` means all there are, whatever the mesh's size: the
+/// indices then stay empty.
 class Component {
  public:
   struct VertexFace {
@@ -61,8 +64,8 @@ class Component {
   std::vector<VertexFace> pairs_;
 };
 
-/// Parses "vtx[0:5]", "e[*]", "f[3]", "map[2]", "vtxFace[1][2]", also with several bracket ranges. `meshCount`-free:
-/// the range is not checked. @return an error that names the word.
+/// Parses "vtx[0:5]", "e[*]", "f[3]", "map[2]", "vtxFace[1][2]", also with several bracket ranges.
+/// `meshCount`-free: the range is not checked. @return an error that names the word.
 [[nodiscard]] Result<Component> parseComponent(std::string_view word);
 
 /// The payload of component-list attributes: what a history node works on.

@@ -13,7 +13,8 @@ struct IndexRange {
   [[nodiscard]] bool isAll() const { return last == kNone; }
 };
 
-/// A component as it was written, before any range is spelled out: "f[0:9]" costs the same as "f[0:999999999]".
+/// A component as it was written, before any range is spelled out: "f[0:9]" costs the same as
+/// "f[0:999999999]".
 struct ComponentWord {
   ComponentType type = ComponentType::Vertex;
   std::vector<IndexRange> ranges;  ///< empty: the bare word, which means all

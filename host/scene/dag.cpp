@@ -6,9 +6,15 @@
 
 namespace host::scene {
 
-bool isDagNode(const Node& node) { return node.dagExtension != nullptr; }
-bool isTransform(const Node& node) { return dagLinks(node).isTransform; }
-bool isShape(const Node& node) { return dagLinks(node).isShape; }
+bool isDagNode(const Node& node) {
+  return node.dagExtension != nullptr;
+}
+bool isTransform(const Node& node) {
+  return dagLinks(node).isTransform;
+}
+bool isShape(const Node& node) {
+  return dagLinks(node).isShape;
+}
 
 const DagLinks& dagLinks(const Node& node) {
   static const DagLinks none;
@@ -37,15 +43,17 @@ bool inheritsTransform(Node& node) {
   return !flag || *flag != 0;
 }
 
-/// Product of the local matrices of nodes[0, count). From the top down, as the worldMatrix attributes are computed, so
-/// that both agree in every bit.
+/// Product of the local matrices of nodes[0, count). From the top down, as the worldMatrix
+/// attributes are computed, so that both agree in every bit.
 math::Matrix4 product(const std::vector<Node*>& nodes, std::size_t count) {
   std::size_t first = count;
-  while (first > 0 && (!isTransform(*nodes[first - 1]) || inheritsTransform(*nodes[first - 1]))) --first;
+  while (first > 0 && (!isTransform(*nodes[first - 1]) || inheritsTransform(*nodes[first - 1])))
+    --first;
   if (first > 0) --first;
   math::Matrix4 matrix;
   for (std::size_t i = first; i < count; ++i)
-    if (isTransform(*nodes[i])) matrix = i == first ? localMatrix(*nodes[i]) : localMatrix(*nodes[i]) * matrix;
+    if (isTransform(*nodes[i]))
+      matrix = i == first ? localMatrix(*nodes[i]) : localMatrix(*nodes[i]) * matrix;
   return matrix;
 }
 
@@ -53,7 +61,8 @@ math::Matrix4 product(const std::vector<Node*>& nodes, std::size_t count) {
 std::size_t commonTail(const DagPath& a, const DagPath& b) {
   const std::vector<Node*>&x = a.nodes(), &y = b.nodes();
   std::size_t same = 0;
-  while (same < x.size() && same < y.size() && x[x.size() - same - 1]->name() == y[y.size() - same - 1]->name())
+  while (same < x.size() && same < y.size() &&
+         x[x.size() - same - 1]->name() == y[y.size() - same - 1]->name())
     ++same;
   return same;
 }
@@ -81,8 +90,8 @@ void appendPaths(Node& node, std::vector<Node*>& below, std::vector<DagPath>& pa
 }  // namespace
 
 bool DagPath::isValid() const {
-  // From the leaf up, comparing pointers only: a node that a live child still names as its parent is alive, others
-  // may be gone from memory.
+  // From the leaf up, comparing pointers only: a node that a live child still names as its parent
+  // is alive, others may be gone from memory.
   if (nodes_.empty()) return true;
   if (!nodes_.back()->isAlive()) return false;
   for (std::size_t i = nodes_.size(); i-- > 0;)
@@ -106,7 +115,8 @@ DagPath DagPath::child(Node* childNode) const {
 DagPath DagPath::transform() const {
   std::size_t length = nodes_.size();
   while (length > 0 && !isTransform(*nodes_[length - 1])) --length;
-  return DagPath(std::vector<Node*>(nodes_.begin(), nodes_.begin() + static_cast<std::ptrdiff_t>(length)));
+  return DagPath(
+      std::vector<Node*>(nodes_.begin(), nodes_.begin() + static_cast<std::ptrdiff_t>(length)));
 }
 
 std::vector<DagPath> DagPath::shapes(bool withIntermediate) const {
@@ -114,7 +124,8 @@ std::vector<DagPath> DagPath::shapes(bool withIntermediate) const {
   if (isShape(*node())) return {*this};
   std::vector<DagPath> found;
   for (Node* below : dagLinks(*node()).children)
-    if (isShape(*below) && (withIntermediate || !isIntermediate(*below))) found.push_back(child(below));
+    if (isShape(*below) && (withIntermediate || !isIntermediate(*below)))
+      found.push_back(child(below));
   return found;
 }
 
@@ -138,7 +149,9 @@ std::size_t DagPath::instanceNumber() const {
   return self == all.end() ? 0 : static_cast<std::size_t>(self - all.begin());
 }
 
-math::Matrix4 DagPath::inclusiveMatrix() const { return product(nodes_, nodes_.size()); }
+math::Matrix4 DagPath::inclusiveMatrix() const {
+  return product(nodes_, nodes_.size());
+}
 
 math::Matrix4 DagPath::exclusiveMatrix() const {
   return nodes_.empty() ? math::Matrix4{} : product(nodes_, nodes_.size() - 1);

@@ -48,7 +48,9 @@ Document& currentDocument() {
   HOST_ASSERT(theDocument, "setCurrentDocument() comes before any command");
   return *theDocument;
 }
-void setCurrentDocument(Document* document) { theDocument = document; }
+void setCurrentDocument(Document* document) {
+  theDocument = document;
+}
 
 Document::Document(dg::TypeRegistry& types) : types_(types), impl_(std::make_unique<Impl>(*this)) {
   graph_.addObserver(impl_.get());
@@ -62,8 +64,12 @@ Document::~Document() {
   graph_.removeObserver(impl_.get());
 }
 
-void Document::addObserver(DocumentObserver* observer) { impl_->observers.push_back(observer); }
-void Document::removeObserver(DocumentObserver* observer) { std::erase(impl_->observers, observer); }
+void Document::addObserver(DocumentObserver* observer) {
+  impl_->observers.push_back(observer);
+}
+void Document::removeObserver(DocumentObserver* observer) {
+  std::erase(impl_->observers, observer);
+}
 
 void Document::setSelection(SelectionList list) {
   if (list == selection_) return;
@@ -114,7 +120,8 @@ void Document::reset() {
   impl_->notify([](DocumentObserver& observer) { observer.cleared(true); });
   selection_.clear();
   hilite_.clear();
-  // The lists go first: the graph then takes its nodes out one by one without a hierarchy to keep right.
+  // The lists go first: the graph then takes its nodes out one by one without a hierarchy to keep
+  // right.
   impl_->worldChildren.clear();
   impl_->names.clear();
   graph_.clear();

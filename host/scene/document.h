@@ -29,8 +29,8 @@ class DocumentObserver {
 
 /// The open scene: graph, hierarchy, names, selection, units, undo records. One lives at a time.
 ///
-/// All edits are recorded in the journal while a recording is open. Node types come from a registry that outlives the
-/// document. Main thread only.
+/// All edits are recorded in the journal while a recording is open. Node types come from a registry
+/// that outlives the document. Main thread only.
 class Document {
  public:
   /// The registry must already hold the built-in types "dagNode", "transform", ...
@@ -45,26 +45,32 @@ class Document {
   void removeObserver(DocumentObserver* observer);
 
   // Nodes.
-  /// Creates a node of a registered type. DAG types: a transform goes under `parent` (world if null), a shape under
-  /// `parent` or, without one, under a new transform named after it ("fooShape1" makes "foo1"; a shape without a name
-  /// names both by its type). `name` may end in '#' (next free number); empty means the type's name with a number.
-  /// Illegal characters become '_'; a taken name gets the next free number.
-  /// @return the node (for a shape without parent: the shape; its transform is the parent), or an error naming the type
-  Result<dg::NodePtr> createNode(std::string_view typeName, std::string_view name = {}, Node* parent = nullptr);
-  /// Deletes nodes and, for DAG nodes, all below them that has no other parent; also history nodes that only fed what
-  /// was deleted. Default and locked nodes are refused with an error naming the first, before anything is deleted.
+  /// Creates a node of a registered type. DAG types: a transform goes under `parent` (world if
+  /// null), a shape under `parent` or, without one, under a new transform named after it
+  /// ("fooShape1" makes "foo1"; a shape without a name names both by its type). `name` may end in
+  /// '#' (next free number); empty means the type's name with a number. Illegal characters become
+  /// '_'; a taken name gets the next free number.
+  /// @return the node (for a shape without parent: the shape; its transform is the parent), or an
+  /// error naming the type
+  Result<dg::NodePtr> createNode(std::string_view typeName, std::string_view name = {},
+                                 Node* parent = nullptr);
+  /// Deletes nodes and, for DAG nodes, all below them that has no other parent; also history nodes
+  /// that only fed what was deleted. Default and locked nodes are refused with an error naming the
+  /// first, before anything is deleted.
   Result<void> deleteNodes(std::vector<Node*> nodes);
-  /// Gives a free name made from `name` ('#' and illegal characters as in createNode) and returns it. Renaming a
-  /// transform takes its shape along when the shape was named after it.
+  /// Gives a free name made from `name` ('#' and illegal characters as in createNode) and returns
+  /// it. Renaming a transform takes its shape along when the shape was named after it.
   Result<std::string> rename(Node& node, std::string_view name);
-  /// The name that `wanted` comes to. Unique among the children of `parent` and against nodes outside the hierarchy;
-  /// without a parent, in the whole scene. `except` may keep its name; its own parents then count.
+  /// The name that `wanted` comes to. Unique among the children of `parent` and against nodes
+  /// outside the hierarchy; without a parent, in the whole scene. `except` may keep its name; its
+  /// own parents then count.
   [[nodiscard]] std::string freeName(std::string_view wanted, const Node* parent = nullptr,
                                      const Node* except = nullptr) const;
 
-  // Hierarchy. Records; keeps `parents`/`children` in order; world matrices of everything below are dirtied.
-  /// Moves `child` (one of its instances: `path`) under `parent` (null: world). Fails on cycles, on a shape under the
-  /// world, and when the child is already there.
+  // Hierarchy. Records; keeps `parents`/`children` in order; world matrices of everything below are
+  // dirtied.
+  /// Moves `child` (one of its instances: `path`) under `parent` (null: world). Fails on cycles, on
+  /// a shape under the world, and when the child is already there.
   Result<void> reparent(const DagPath& path, Node* parent);
   Result<void> addInstance(Node& child, Node* parent);
   /// Removes one instance; the last one can't be removed this way.
@@ -72,21 +78,24 @@ class Document {
   Result<void> reorder(Node& child, Node* parent, int position);
   [[nodiscard]] const std::vector<Node*>& worldChildren() const;
 
-  // Names. Patterns take '*' and '?' (which do not cross a ':'), paths '|', components and attributes after '.';
+  // Names. Patterns take '*' and '?' (which do not cross a ':'), paths '|', components and
+  // attributes after '.';
   // `^1s` and `uuid`s are not names. A leading ':' is the root namespace.
   /// Nodes of exactly this name, in creation order. Constant time.
   [[nodiscard]] const std::vector<Node*>& nodesNamed(std::string_view name) const;
   /// Every node whose name or path matches, in creation order.
   [[nodiscard]] std::vector<Node*> findNodes(std::string_view pattern) const;
-  /// The one node of that name or path: an error when there is none or more than one ("More than one object matches
-  /// name: x", "No object matches name: x").
+  /// The one node of that name or path: an error when there is none or more than one ("More than
+  /// one object matches name: x", "No object matches name: x").
   Result<Node*> node(std::string_view name) const;
   Result<DagPath> dagPath(std::string_view name) const;
-  /// A plug from "node.attr[3].child". An attribute that a transform does not have is looked for on its shape.
+  /// A plug from "node.attr[3].child". An attribute that a transform does not have is looked for on
+  /// its shape.
   Result<dg::Plug> plug(std::string_view path) const;
-  /// Everything a script's object argument may be: nodes, paths, components, plugs, wildcards. A name that several
-  /// nodes have gives them all. Component ranges are cut to what the mesh has; nothing left is an error. A transform's
-  /// component names its shape's. An instanced node without a path gives its first one.
+  /// Everything a script's object argument may be: nodes, paths, components, plugs, wildcards. A
+  /// name that several nodes have gives them all. Component ranges are cut to what the mesh has;
+  /// nothing left is an error. A transform's component names its shape's. An instanced node without
+  /// a path gives its first one.
   Result<SelectionList> resolve(std::string_view pattern) const;
   Result<SelectionList> resolveAll(const std::vector<std::string>& patterns) const;
 
@@ -105,14 +114,16 @@ class Document {
   void setFileName(std::string name) { fileName_ = std::move(name); }
   [[nodiscard]] bool isModified() const { return isModified_; }
   void setModified(bool modified) { isModified_ = modified; }
-  std::vector<std::pair<std::string, std::string>> fileInfo;  ///< keyword and value, kept in order and saved
+  std::vector<std::pair<std::string, std::string>>
+      fileInfo;  ///< keyword and value, kept in order and saved
 
   /// Empties the scene, unrecorded, and makes the nodes of a new one through the hook below.
   void reset();
   /// Creates the default nodes (time1, persp, initialShadingGroup, ...); set by the nodes layer.
   std::function<void(Document&)> populateNewScene;
 
-  /// A hash of everything an edit can change: nodes, values, connections, hierarchy, selection, units. For undo tests.
+  /// A hash of everything an edit can change: nodes, values, connections, hierarchy, selection,
+  /// units. For undo tests.
   [[nodiscard]] std::uint64_t hash() const;
 
  private:

@@ -8,7 +8,8 @@ namespace host::scene {
 namespace {
 
 DagLinks& editLinks(Node& node) {
-  HOST_ASSERT(node.dagExtension, "only nodes whose type derives from dagNode have a place in the hierarchy");
+  HOST_ASSERT(node.dagExtension,
+              "only nodes whose type derives from dagNode have a place in the hierarchy");
   return static_cast<DagLinks&>(*node.dagExtension);
 }
 
@@ -52,7 +53,8 @@ void Document::Impl::applyLink(const DagLink& link, bool adds) {
     parents.erase(parents.begin() + parentAt);
   }
   document.isModified_ = true;
-  // A node's world matrices hang on its parents' values and on which parents it has; only the second is news here.
+  // A node's world matrices hang on its parents' values and on which parents it has; only the
+  // second is news here.
   if (child->isAlive())
     if (const dg::Plug plug = child->plug("parentMatrix")) document.graph_.dirty(plug);
   notify([&](DocumentObserver& observer) { observer.dagChanged(*child, parent, adds); });
@@ -87,18 +89,20 @@ void Document::Impl::editLink(const DagLink& link, bool adds) {
 }
 
 void Document::Impl::link(Node& child, Node* parent) {
-  editLink({child.shared_from_this(), parent ? parent->shared_from_this() : nullptr, childrenOf(parent).size(),
-            editLinks(child).parents.size()},
+  editLink({child.shared_from_this(), parent ? parent->shared_from_this() : nullptr,
+            childrenOf(parent).size(), editLinks(child).parents.size()},
            true);
 }
 
 void Document::Impl::unlink(Node& child, Node* parent) {
-  editLink({child.shared_from_this(), parent ? parent->shared_from_this() : nullptr, childPosition(child, parent),
-            positionOf(editLinks(child).parents, parent)},
+  editLink({child.shared_from_this(), parent ? parent->shared_from_this() : nullptr,
+            childPosition(child, parent), positionOf(editLinks(child).parents, parent)},
            false);
 }
 
-const std::vector<Node*>& Document::worldChildren() const { return impl_->worldChildren; }
+const std::vector<Node*>& Document::worldChildren() const {
+  return impl_->worldChildren;
+}
 
 namespace {
 
@@ -166,7 +170,9 @@ Result<void> Document::reorder(Node& child, Node* parent, int position) {
   if (target == impl_->childPosition(child, parent)) return {};
   const std::size_t instance = positionOf(dagLinks(child).parents, parent);
   impl_->unlink(child, parent);
-  impl_->editLink({child.shared_from_this(), parent ? parent->shared_from_this() : nullptr, target, instance}, true);
+  impl_->editLink(
+      {child.shared_from_this(), parent ? parent->shared_from_this() : nullptr, target, instance},
+      true);
   return {};
 }
 

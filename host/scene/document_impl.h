@@ -17,14 +17,16 @@ struct DagLink {
   std::size_t parentAt = 0;  ///< position among the child's parents: its instance number
 };
 
-/// What the document keeps beside its public values: the name index, the top of the hierarchy, its observers.
+/// What the document keeps beside its public values: the name index, the top of the hierarchy, its
+/// observers.
 struct Document::Impl final : dg::GraphObserver {
   explicit Impl(Document& documentIn) : document(documentIn) {}
 
   void nodeAdded(Node& node) override;
   void nodeRemoved(Node& node) override;
   void nodeRenamed(Node& node, const std::string& oldName) override;
-  void attributeEvent(dg::AttributeEvent event, const dg::Plug& plug, const dg::Plug& other) override;
+  void attributeEvent(dg::AttributeEvent event, const dg::Plug& plug,
+                      const dg::Plug& other) override;
 
   [[nodiscard]] std::vector<Node*>& childrenOf(Node* parent);
   [[nodiscard]] std::size_t childPosition(const Node& child, Node* parent);
@@ -43,8 +45,8 @@ struct Document::Impl final : dg::GraphObserver {
   }
 
   /// What a new or renamed node is called. `parents` matter for DAG nodes only.
-  [[nodiscard]] std::string freeName(std::string_view wanted, bool isDag, std::span<Node* const> parents,
-                                     const Node* except) const;
+  [[nodiscard]] std::string freeName(std::string_view wanted, bool isDag,
+                                     std::span<Node* const> parents, const Node* except) const;
   [[nodiscard]] bool isNameTaken(std::string_view name, bool isDag, std::span<Node* const> parents,
                                  const Node* except) const;
 

@@ -28,13 +28,15 @@ struct NamePattern {
   }
   [[nodiscard]] bool isPlainName() const { return parts.size() == 1 && !isAbsolute; }
   [[nodiscard]] bool hasWildcards() const {
-    return std::any_of(parts.begin(), parts.end(), [](std::string_view part) { return hasWildcard(part); });
+    return std::any_of(parts.begin(), parts.end(),
+                       [](std::string_view part) { return hasWildcard(part); });
   }
   [[nodiscard]] bool matches(const DagPath& path) const {
     const std::vector<Node*>& nodes = path.nodes();
     if (isAbsolute ? nodes.size() != parts.size() : nodes.size() < parts.size()) return false;
     for (std::size_t i = 0; i < parts.size(); ++i)
-      if (!matchesWildcard(parts[parts.size() - 1 - i], nodes[nodes.size() - 1 - i]->name())) return false;
+      if (!matchesWildcard(parts[parts.size() - 1 - i], nodes[nodes.size() - 1 - i]->name()))
+        return false;
     return true;
   }
   /// The first path of a node that fits; the world path when none does.
@@ -46,7 +48,8 @@ struct NamePattern {
   }
 };
 
-std::vector<Node*> findMatching(const NamePattern& pattern, const NameIndex& names, const dg::Graph& graph) {
+std::vector<Node*> findMatching(const NamePattern& pattern, const NameIndex& names,
+                                const dg::Graph& graph) {
   const std::string_view leaf = pattern.parts.back();
   std::vector<Node*> found;
   const auto consider = [&](Node* node) {
@@ -118,8 +121,8 @@ Component clippedComponent(const ComponentWord& word, const DagPath& shape) {
   return Component(word.type, std::move(indices));
 }
 
-Result<void> addResolved(SelectionList& list, Node& node, const DagPath& path, std::string_view rest,
-                         std::string_view whole) {
+Result<void> addResolved(SelectionList& list, Node& node, const DagPath& path,
+                         std::string_view rest, std::string_view whole) {
   if (rest.empty()) {
     if (path.isWorld())
       list.add(node.shared_from_this());
@@ -146,7 +149,9 @@ Result<void> addResolved(SelectionList& list, Node& node, const DagPath& path, s
 
 }  // namespace
 
-const std::vector<Node*>& Document::nodesNamed(std::string_view name) const { return impl_->names.named(name); }
+const std::vector<Node*>& Document::nodesNamed(std::string_view name) const {
+  return impl_->names.named(name);
+}
 
 std::vector<Node*> Document::findNodes(std::string_view pattern) const {
   return findMatching(NamePattern(pattern), impl_->names, graph_);
@@ -162,7 +167,8 @@ Result<Node*> Document::node(std::string_view name) const {
 Result<DagPath> Document::dagPath(std::string_view name) const {
   const auto found = node(name);
   if (!found) return failWith(found.error());
-  if (!isDagNode(**found)) return fail("'{}' is not in the hierarchy of transforms and shapes", name);
+  if (!isDagNode(**found))
+    return fail("'{}' is not in the hierarchy of transforms and shapes", name);
   return NamePattern(name).pathOf(**found);
 }
 

@@ -16,8 +16,8 @@ bool Document::Impl::isNameTaken(std::string_view name, bool isDag, std::span<No
   return false;
 }
 
-std::string Document::Impl::freeName(std::string_view wanted, bool isDag, std::span<Node* const> parents,
-                                     const Node* except) const {
+std::string Document::Impl::freeName(std::string_view wanted, bool isDag,
+                                     std::span<Node* const> parents, const Node* except) const {
   const std::size_t hash = wanted.find('#');
   const bool asksForNumber = hash != std::string_view::npos;
   const std::string base = legalName(wanted.substr(0, hash));
@@ -31,8 +31,10 @@ std::string Document::Impl::freeName(std::string_view wanted, bool isDag, std::s
   return names.firstFree(start, except);
 }
 
-std::string Document::freeName(std::string_view wanted, const Node* parent, const Node* except) const {
-  if (except && isDagNode(*except)) return impl_->freeName(wanted, true, dagLinks(*except).parents, except);
+std::string Document::freeName(std::string_view wanted, const Node* parent,
+                               const Node* except) const {
+  if (except && isDagNode(*except))
+    return impl_->freeName(wanted, true, dagLinks(*except).parents, except);
   Node* const parents[] = {const_cast<Node*>(parent)};
   return impl_->freeName(wanted, parent != nullptr, parents, except);
 }
@@ -49,15 +51,18 @@ std::string_view transformStem(const dg::NodeType& type) {
 
 }  // namespace
 
-Result<dg::NodePtr> Document::createNode(std::string_view typeName, std::string_view name, Node* parent) {
+Result<dg::NodePtr> Document::createNode(std::string_view typeName, std::string_view name,
+                                         Node* parent) {
   const dg::NodeType* type = types_.find(typeName);
   if (!type) return fail("Unknown node type '{}'", typeName);
   if (type->isAbstract) return fail("'{}' is a base type; nodes of it cannot be made", typeName);
   if (!name.empty() && legalName(name.substr(0, name.find('#'))).empty())
     return fail("'{}' has no character that a node name may have", name);
   const bool isDag = type->isA("dagNode");
-  if (parent && !isDag) return fail("A node of type '{}' has no place under '{}'", typeName, parent->name());
-  if (parent && !isTransform(*parent)) return fail("'{}' cannot be a parent: it is not a transform", parent->name());
+  if (parent && !isDag)
+    return fail("A node of type '{}' has no place under '{}'", typeName, parent->name());
+  if (parent && !isTransform(*parent))
+    return fail("'{}' cannot be a parent: it is not a transform", parent->name());
 
   std::string wanted(name);
   if (isDag && !parent && type->isA("shape")) {
@@ -70,7 +75,8 @@ Result<dg::NodePtr> Document::createNode(std::string_view typeName, std::string_
   }
   if (wanted.empty()) {
     const bool isNamedLikeItsTransform = isDag && type->isA("shape") && type->pluginName.empty();
-    wanted = isNamedLikeItsTransform ? std::string(transformStem(*type)) + "Shape#" : type->name + '#';
+    wanted =
+        isNamedLikeItsTransform ? std::string(transformStem(*type)) + "Shape#" : type->name + '#';
   }
   Node* const parents[] = {parent};
   dg::NodePtr node = graph_.createNode(*type, impl_->freeName(wanted, isDag, parents, nullptr));
@@ -80,7 +86,8 @@ Result<dg::NodePtr> Document::createNode(std::string_view typeName, std::string_
 
 namespace {
 
-/// Everything that goes when some nodes are deleted: what hangs below them and the history that fed only them.
+/// Everything that goes when some nodes are deleted: what hangs below them and the history that fed
+/// only them.
 class DeletionSet {
  public:
   explicit DeletionSet(dg::Graph& graph) : graph_(graph) {}
@@ -94,11 +101,13 @@ class DeletionSet {
       Node& node = *order_[i];
       for (Node* child : dagLinks(node).children) {
         const std::vector<Node*>& parents = dagLinks(*child).parents;
-        if (!std::all_of(parents.begin(), parents.end(), [&](Node* parent) { return has(parent); })) continue;
+        if (!std::all_of(parents.begin(), parents.end(), [&](Node* parent) { return has(parent); }))
+          continue;
         HOST_TRY(refuseIfProtected(*child));
         add(*child);
       }
-      for (const dg::Graph::Connection& feed : graph_.incoming(node)) addIfOnlyFeeding(*feed.source.node());
+      for (const dg::Graph::Connection& feed : graph_.incoming(node))
+        addIfOnlyFeeding(*feed.source.node());
     }
     return {};
   }
@@ -108,14 +117,17 @@ class DeletionSet {
  private:
   static Result<void> refuseIfProtected(const Node& node) {
     if (node.isLocked()) return fail("'{}' is locked and cannot be deleted", node.name());
-    if (node.isDefault()) return fail("'{}' belongs to every scene and cannot be deleted", node.name());
+    if (node.isDefault())
+      return fail("'{}' belongs to every scene and cannot be deleted", node.name());
     return {};
   }
   void add(Node& node) {
     if (members_.insert(&node).second) order_.push_back(node.shared_from_this());
   }
   void addIfOnlyFeeding(Node& source) {
-    if (source.type().existsWithoutOutputs || has(&source) || source.isLocked() || source.isDefault()) return;
+    if (source.type().existsWithoutOutputs || has(&source) || source.isLocked() ||
+        source.isDefault())
+      return;
     for (const dg::Graph::Connection& use : graph_.outgoing(source))
       if (!has(use.destination.node())) return;
     add(source);
@@ -143,8 +155,10 @@ Result<void> Document::deleteNodes(std::vector<Node*> nodes) {
   // Children before parents and last before first, so that each is taken from the end of its lists.
   const std::vector<dg::NodePtr>& order = doomed.order();
   for (auto node = order.rbegin(); node != order.rend(); ++node) {
-    while (!dagLinks(**node).children.empty()) impl_->unlink(*dagLinks(**node).children.back(), node->get());
-    while (!dagLinks(**node).parents.empty()) impl_->unlink(**node, dagLinks(**node).parents.back());
+    while (!dagLinks(**node).children.empty())
+      impl_->unlink(*dagLinks(**node).children.back(), node->get());
+    while (!dagLinks(**node).parents.empty())
+      impl_->unlink(**node, dagLinks(**node).parents.back());
     HOST_TRY(graph_.deleteNode(**node));
   }
   return {};

@@ -30,16 +30,21 @@ class ChangeSet {
   std::vector<std::unique_ptr<dg::Change>> changes_;
 };
 
-/// Collects the records of edits while somebody has a recording open; nested recordings suspend the outer one.
+/// Collects the records of edits while somebody has a recording open; nested recordings suspend the
+/// outer one.
 class Journal final : public dg::ChangeRecorder {
  public:
-  [[nodiscard]] bool isRecording() const override { return !open_.empty() && open_.back() != nullptr; }
+  [[nodiscard]] bool isRecording() const override {
+    return !open_.empty() && open_.back() != nullptr;
+  }
   void record(std::unique_ptr<dg::Change> change) override;
 
   /// While it lives, edits go to `target`; with a null target nothing is recorded.
   class Scope {
    public:
-    Scope(Journal& journal, ChangeSet* target) : journal_(journal) { journal_.open_.push_back(target); }
+    Scope(Journal& journal, ChangeSet* target) : journal_(journal) {
+      journal_.open_.push_back(target);
+    }
     ~Scope() { journal_.open_.pop_back(); }
     Scope(const Scope&) = delete;
     Scope& operator=(const Scope&) = delete;

@@ -7,11 +7,15 @@ namespace host::scene {
 
 namespace {
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
 bool isNameChar(char c) {
   return isDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == ':';
 }
-std::string stemKey(const NumberedName& name) { return name.stem + '#' + std::to_string(name.width); }
+std::string stemKey(const NumberedName& name) {
+  return name.stem + '#' + std::to_string(name.width);
+}
 
 }  // namespace
 
@@ -97,7 +101,8 @@ void NameIndex::remove(const dg::Node& node, const std::string& name) {
   const NumberedName parts = splitNumber(name);
   if (!parts.hasNumber) return;
   const auto used = usedBelow_.find(stemKey(parts));
-  if (used != usedBelow_.end()) used->second = std::min(used->second, std::max<std::int64_t>(parts.number, 1));
+  if (used != usedBelow_.end())
+    used->second = std::min(used->second, std::max<std::int64_t>(parts.number, 1));
 }
 
 void NameIndex::clear() {

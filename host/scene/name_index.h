@@ -9,7 +9,8 @@
 
 namespace host::scene {
 
-/// A name with its trailing number taken off: "pCube12" is "pCube", 12; "pCube007" remembers its three digits.
+/// A name with its trailing number taken off: "pCube12" is "pCube", 12; "pCube007" remembers its
+/// three digits.
 struct NumberedName {
   std::string stem;
   std::int64_t number = 0;  ///< 0 when there is none
@@ -19,11 +20,13 @@ struct NumberedName {
 [[nodiscard]] NumberedName splitNumber(std::string_view name);
 [[nodiscard]] std::string joinNumber(const NumberedName& name);
 
-/// Makes a legal node name: characters other than letters, digits, '_' and ':' become '_', a leading digit gets '_' before it.
+/// Makes a legal node name: characters other than letters, digits, '_' and ':' become '_', a
+/// leading digit gets '_' before it.
 [[nodiscard]] std::string legalName(std::string_view wanted);
 /// The name a shape gets from its transform: "pCube1" makes "pCubeShape1".
 [[nodiscard]] std::string shapeNameFor(std::string_view transformName);
-/// The reverse, for a shape that comes without a transform; empty when the name is not of that form.
+/// The reverse, for a shape that comes without a transform; empty when the name is not of that
+/// form.
 [[nodiscard]] std::string transformNameFor(std::string_view shapeName);
 
 /// Whether `text` matches a pattern of '*' and '?', neither of which crosses a ':'.

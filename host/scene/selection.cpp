@@ -13,10 +13,14 @@ constexpr std::size_t kLongList = 16;  ///< below this a scan is as fast as an i
 
 Index countOf(const mesh::Mesh& mesh, ComponentType type) {
   switch (type) {
-    case ComponentType::Vertex: return mesh.vertexCount();
-    case ComponentType::Edge: return mesh.edgeCount();
-    case ComponentType::Face: return mesh.faceCount();
-    case ComponentType::VertexFace: return mesh.cornerCount();
+    case ComponentType::Vertex:
+      return mesh.vertexCount();
+    case ComponentType::Edge:
+      return mesh.edgeCount();
+    case ComponentType::Face:
+      return mesh.faceCount();
+    case ComponentType::VertexFace:
+      return mesh.cornerCount();
     case ComponentType::Uv:
       return static_cast<Index>(mesh.uvSet(mesh.currentUvSet()).points.size());
   }
@@ -123,8 +127,9 @@ void SelectionList::mergeOne(const SelectionItem& given, SelectionMerge how) {
     return;
   }
   for (const Component& other : item.components) {
-    const auto own = std::find_if(mine.components.begin(), mine.components.end(),
-                                  [&](const Component& each) { return each.type() == other.type(); });
+    const auto own =
+        std::find_if(mine.components.begin(), mine.components.end(),
+                     [&](const Component& each) { return each.type() == other.type(); });
     if (own == mine.components.end()) {
       if (how != SelectionMerge::Remove) mine.components.push_back(other);
       continue;
@@ -143,7 +148,8 @@ void SelectionList::mergeOne(const SelectionItem& given, SelectionMerge how) {
 }
 
 void SelectionList::dropEmptied() {
-  if (std::erase_if(items_, [](const SelectionItem& item) { return !item.node; }) > 0) index_.clear();
+  if (std::erase_if(items_, [](const SelectionItem& item) { return !item.node; }) > 0)
+    index_.clear();
 }
 
 void SelectionList::merge(const SelectionItem& item, SelectionMerge how) {
@@ -206,10 +212,13 @@ std::vector<std::string> SelectionList::names(bool fullPaths) const {
 }
 
 std::string itemBaseName(const SelectionItem& item, bool fullPaths) {
-  const auto pathName = [&](const DagPath& path) { return fullPaths ? path.fullName() : path.partialName(); };
+  const auto pathName = [&](const DagPath& path) {
+    return fullPaths ? path.fullName() : path.partialName();
+  };
   if (!item.plug.isNull()) {
     const Node& node = *item.node;
-    const std::string base = isDagNode(node) ? pathName(item.isDag() ? item.path : firstPath(node)) : node.name();
+    const std::string base =
+        isDagNode(node) ? pathName(item.isDag() ? item.path : firstPath(node)) : node.name();
     return base + '.' + item.plug.attributePath();
   }
   if (!item.isDag()) return item.node->name();

@@ -11,8 +11,9 @@
 
 namespace host::scene {
 
-/// One entry of a selection list: a DAG path with all component sets selected on it, or a non-DAG node, or a plug.
-/// The list keeps one item a DAG path; several component types on one path are one item.
+/// One entry of a selection list: a DAG path with all component sets selected on it, or a non-DAG
+/// node, or a plug. The list keeps one item a DAG path; several component types on one path are one
+/// item.
 struct SelectionItem {
   dg::NodePtr node;                   ///< kept alive; a DAG item's leaf
   DagPath path;                       ///< world path for non-DAG items
@@ -29,7 +30,8 @@ struct SelectionItem {
 
 enum class SelectionMerge { Add, Remove, Toggle };
 
-/// An ordered list of items without repeats. Finding an item takes constant time however long the list is.
+/// An ordered list of items without repeats. Finding an item takes constant time however long the
+/// list is.
 class SelectionList {
  public:
   [[nodiscard]] const std::vector<SelectionItem>& items() const { return items_; }
@@ -42,8 +44,8 @@ class SelectionList {
   void add(const DagPath& path, const Component& component);
   void add(const dg::NodePtr& node);
   void add(const dg::Plug& plug);
-  /// A shape path and its transform count as the same object for components; an object and its components are
-  /// separate entries only by kind. Toggle works component by component.
+  /// A shape path and its transform count as the same object for components; an object and its
+  /// components are separate entries only by kind. Toggle works component by component.
   void merge(const SelectionItem& item, SelectionMerge how = SelectionMerge::Add);
   void merge(const SelectionList& other, SelectionMerge how = SelectionMerge::Add);
   void removeAt(std::size_t index);
@@ -53,11 +55,14 @@ class SelectionList {
   /// The items for which `keep` holds, in order.
   [[nodiscard]] SelectionList filtered(const std::function<bool(const SelectionItem&)>& keep) const;
 
-  /// Names as `ls -sl` gives them: components in runs, partial paths through the transform ("pCube1.vtx[0:3]").
+  /// Names as `ls -sl` gives them: components in runs, partial paths through the transform
+  /// ("pCube1.vtx[0:3]").
   [[nodiscard]] std::vector<std::string> names(bool fullPaths = false) const;
   [[nodiscard]] std::size_t bytes() const;  ///< memory of the list, an estimate
 
-  friend bool operator==(const SelectionList& a, const SelectionList& b) { return a.items_ == b.items_; }
+  friend bool operator==(const SelectionList& a, const SelectionList& b) {
+    return a.items_ == b.items_;
+  }
 
  private:
   [[nodiscard]] std::size_t find(const SelectionItem& item) const;
@@ -71,7 +76,8 @@ class SelectionList {
   mutable std::unordered_multimap<const dg::Node*, std::size_t> index_;
 };
 
-/// How a component's name appears: on the transform, "pCube1.vtx[2]", the shape's when it has siblings.
+/// How a component's name appears: on the transform, "pCube1.vtx[2]", the shape's when it has
+/// siblings.
 [[nodiscard]] std::string itemBaseName(const SelectionItem& item, bool fullPaths = false);
 /// Number of components of a type that the mesh at `path` has now; evaluates the mesh.
 [[nodiscard]] Index componentCount(const DagPath& path, ComponentType type);

@@ -46,7 +46,9 @@ constexpr double kDegreesPerRadian = 57.295779513082320876798154814105;
 
 }  // namespace
 
-double centimetersPer(LinearUnit unit) { return kLinear[static_cast<std::size_t>(unit)].centimeters; }
+double centimetersPer(LinearUnit unit) {
+  return kLinear[static_cast<std::size_t>(unit)].centimeters;
+}
 
 // The default unit must not touch a value, not even in the last bit.
 double Units::toCentimeters(double uiLength) const {

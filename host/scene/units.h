@@ -12,7 +12,8 @@ enum class AngularUnit { Degree, Radian };
 struct Units {
   LinearUnit linear = LinearUnit::Centimeter;
   AngularUnit angular = AngularUnit::Degree;
-  std::string time = "film";  ///< game film pal ntsc show palf ntscf sec min hour millisec, or "<n>fps"
+  std::string time =
+      "film";  ///< game film pal ntsc show palf ntscf sec min hour millisec, or "<n>fps"
 
   [[nodiscard]] double toCentimeters(double uiLength) const;
   [[nodiscard]] double fromCentimeters(double centimeters) const;

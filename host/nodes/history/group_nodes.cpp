@@ -18,7 +18,8 @@ void registerGroupNodes(dg::TypeRegistry& types) {
   const Attribute* result = parts.add(output(dg::makeTyped("outputGeometry", "og", "mesh")));
   parts.affects({input}, {result});
   // Who is in which group stands on the shape; on its way there the mesh only passes through.
-  parts.type().compute = [input, result](Node& node, const Plug& plug, DataBlock& block) -> Result<Computed> {
+  parts.type().compute = [input, result](Node& node, const Plug& plug,
+                                         DataBlock& block) -> Result<Computed> {
     if (plug.attribute() != result) return Computed::Unhandled;
     auto arriving = block.input(Plug(&node, input));
     if (!arriving) return failWith(arriving.error());

@@ -16,16 +16,22 @@ using scene::MeshData;
 
 Index countOf(const mesh::Mesh& mesh, ComponentType type) {
   switch (type) {
-    case ComponentType::Vertex: return mesh.vertexCount();
-    case ComponentType::Edge: return mesh.edgeCount();
-    case ComponentType::Face: return mesh.faceCount();
-    case ComponentType::Uv: return static_cast<Index>(mesh.uvSet(mesh.currentUvSet()).points.size());
-    case ComponentType::VertexFace: return mesh.cornerCount();
+    case ComponentType::Vertex:
+      return mesh.vertexCount();
+    case ComponentType::Edge:
+      return mesh.edgeCount();
+    case ComponentType::Face:
+      return mesh.faceCount();
+    case ComponentType::Uv:
+      return static_cast<Index>(mesh.uvSet(mesh.currentUvSet()).points.size());
+    case ComponentType::VertexFace:
+      return mesh.cornerCount();
   }
   return 0;
 }
 
-Result<Computed> run(const HistoryOperation& operation, DataBlock& block, const Attribute* output, mesh::Mesh mesh) {
+Result<Computed> run(const HistoryOperation& operation, DataBlock& block, const Attribute* output,
+                     mesh::Mesh mesh) {
   HistoryContext context(block, std::move(mesh));
   if (auto done = operation(context); !done)
     return fail("{}: {}", block.node().name(), done.error().message);
@@ -53,7 +59,8 @@ std::vector<Component> HistoryContext::inputComponents() const {
 
 bool HistoryContext::names(ComponentType type) const {
   const std::vector<Component> list = inputComponents();
-  return std::any_of(list.begin(), list.end(), [&](const Component& each) { return each.type() == type; });
+  return std::any_of(list.begin(), list.end(),
+                     [&](const Component& each) { return each.type() == type; });
 }
 
 std::vector<Index> HistoryContext::components(ComponentType type) const {
@@ -74,7 +81,8 @@ std::vector<Component::VertexFace> HistoryContext::vertexFaces() const {
     for (const Component::VertexFace& pair : each.pairs()) {
       if (pair.face >= mesh.faceCount()) continue;
       const auto corners = mesh.faceVertices(pair.face);
-      if (std::find(corners.begin(), corners.end(), pair.vertex) != corners.end()) kept.push_back(pair);
+      if (std::find(corners.begin(), corners.end(), pair.vertex) != corners.end())
+        kept.push_back(pair);
     }
     if (!each.isComplete()) continue;
     for (FaceId f = 0; f < mesh.faceCount(); ++f)
@@ -83,8 +91,8 @@ std::vector<Component::VertexFace> HistoryContext::vertexFaces() const {
   return kept;
 }
 
-HistoryNodeBuilder::HistoryNodeBuilder(dg::TypeRegistry& types, std::string_view name, std::uint32_t id,
-                                       std::string_view base)
+HistoryNodeBuilder::HistoryNodeBuilder(dg::TypeRegistry& types, std::string_view name,
+                                       std::uint32_t id, std::string_view base)
     : builder_(types, name, base, id) {}
 
 HistoryNodeBuilder& HistoryNodeBuilder::parameter(AttributePtr attribute) {
@@ -97,7 +105,8 @@ void HistoryNodeBuilder::operation(HistoryOperation operation) {
   const Attribute* output = builder_["output"];
   const Attribute* state = builder_["nodeState"];
   builder_.type().compute = [input, output, state, operation = std::move(operation)](
-                                Node& node, const Plug& plug, DataBlock& block) -> Result<Computed> {
+                                Node& node, const Plug& plug,
+                                DataBlock& block) -> Result<Computed> {
     if (plug.attribute() != output) return Computed::Unhandled;
     auto arriving = block.input(Plug(&node, input));
     if (!arriving) return failWith(arriving.error());
@@ -111,7 +120,8 @@ void HistoryNodeBuilder::operation(HistoryOperation operation) {
   builder_.finish();
 }
 
-PrimitiveNodeBuilder::PrimitiveNodeBuilder(dg::TypeRegistry& types, std::string_view name, std::uint32_t id)
+PrimitiveNodeBuilder::PrimitiveNodeBuilder(dg::TypeRegistry& types, std::string_view name,
+                                           std::uint32_t id)
     : builder_(types, name, "polyPrimitive", id) {}
 
 PrimitiveNodeBuilder& PrimitiveNodeBuilder::parameter(AttributePtr attribute) {
@@ -121,8 +131,8 @@ PrimitiveNodeBuilder& PrimitiveNodeBuilder::parameter(AttributePtr attribute) {
 
 void PrimitiveNodeBuilder::operation(HistoryOperation operation) {
   const Attribute* output = builder_["output"];
-  builder_.type().compute = [output, operation = std::move(operation)](Node&, const Plug& plug,
-                                                                       DataBlock& block) -> Result<Computed> {
+  builder_.type().compute = [output, operation = std::move(operation)](
+                                Node&, const Plug& plug, DataBlock& block) -> Result<Computed> {
     if (plug.attribute() != output) return Computed::Unhandled;
     return run(operation, block, output, mesh::Mesh());
   };
@@ -138,7 +148,8 @@ void registerHistoryBaseTypes(dg::TypeRegistry& types) {
   TypeBuilder modifier(types, "polyModifier", "polyBase");
   modifier.setAbstract();
   const Attribute* input = modifier.add(notStored(dg::makeTyped("inputPolymesh", "ip", "mesh")));
-  const Attribute* components = modifier.add(dg::makeTyped("inputComponents", "ics", "componentList"));
+  const Attribute* components =
+      modifier.add(dg::makeTyped("inputComponents", "ics", "componentList"));
   modifier.add(boolean("useOldPolyArchitecture", "uopa"));
   modifier.add(hidden(notStored(dg::makeTyped("inMeshCache", "imc", "mesh"))));
   modifier.affects({input, components, modifier["nodeState"]}, {out});

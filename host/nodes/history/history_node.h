@@ -9,7 +9,8 @@
 
 namespace host::nodes {
 
-/// What a history node's operation works with: the mesh to change, the components it is to work on, its parameters.
+/// What a history node's operation works with: the mesh to change, the components it is to work on,
+/// its parameters.
 class HistoryContext {
  public:
   HistoryContext(DataBlock& blockIn, mesh::Mesh meshIn) : block(blockIn), mesh(std::move(meshIn)) {}
@@ -18,20 +19,33 @@ class HistoryContext {
   mesh::Mesh mesh;  ///< arrives as the input; what is here when the operation returns is the output
 
   [[nodiscard]] Node& node() const { return block.node(); }
-  [[nodiscard]] double real(std::string_view attribute) const { return block.real(find(attribute)); }
+  [[nodiscard]] double real(std::string_view attribute) const {
+    return block.real(find(attribute));
+  }
   [[nodiscard]] int integer(std::string_view attribute) const {
     return static_cast<int>(block.integer(find(attribute)));
   }
-  [[nodiscard]] bool boolean(std::string_view attribute) const { return block.boolean(find(attribute)); }
-  [[nodiscard]] std::string text(std::string_view attribute) const { return block.text(find(attribute)); }
-  [[nodiscard]] math::Vec3 vec3(std::string_view attribute) const { return block.vec3(find(attribute)); }
-  [[nodiscard]] math::Matrix4 matrix(std::string_view attribute) const { return block.matrix(find(attribute)); }
+  [[nodiscard]] bool boolean(std::string_view attribute) const {
+    return block.boolean(find(attribute));
+  }
+  [[nodiscard]] std::string text(std::string_view attribute) const {
+    return block.text(find(attribute));
+  }
+  [[nodiscard]] math::Vec3 vec3(std::string_view attribute) const {
+    return block.vec3(find(attribute));
+  }
+  [[nodiscard]] math::Matrix4 matrix(std::string_view attribute) const {
+    return block.matrix(find(attribute));
+  }
   /// Packed offsets such as `tweak`: ascending indices and `width` numbers each.
-  void packed(std::string_view attribute, std::vector<Index>& indices, std::vector<double>& values) const;
+  void packed(std::string_view attribute, std::vector<Index>& indices,
+              std::vector<double>& values) const;
 
   /// The input components of a type, ascending; those that the mesh does not have are left out.
   [[nodiscard]] std::vector<Index> components(scene::ComponentType type) const;
-  [[nodiscard]] std::vector<VertexId> vertices() const { return components(scene::ComponentType::Vertex); }
+  [[nodiscard]] std::vector<VertexId> vertices() const {
+    return components(scene::ComponentType::Vertex);
+  }
   [[nodiscard]] std::vector<EdgeId> edges() const { return components(scene::ComponentType::Edge); }
   [[nodiscard]] std::vector<FaceId> faces() const { return components(scene::ComponentType::Face); }
   [[nodiscard]] std::vector<UvId> uvs() const { return components(scene::ComponentType::Uv); }
@@ -48,11 +62,12 @@ using HistoryOperation = std::function<Result<void>(HistoryContext&)>;
 
 /// Declares a type of history node: one operation between `inputPolymesh` and `output`.
 ///
-/// With nodeState 1 the input passes unchanged. A failing operation fails the evaluation, with the node's name before
-/// the reason. Every attribute added here dirties the output.
+/// With nodeState 1 the input passes unchanged. A failing operation fails the evaluation, with the
+/// node's name before the reason. Every attribute added here dirties the output.
 class HistoryNodeBuilder {
  public:
-  /// `base` is polyModifier, polyModifierWorld (with inputMatrix, worldSpace, manipMatrix) or a type derived from them.
+  /// `base` is polyModifier, polyModifierWorld (with inputMatrix, worldSpace, manipMatrix) or a
+  /// type derived from them.
   HistoryNodeBuilder(dg::TypeRegistry& types, std::string_view name, std::uint32_t id = 0,
                      std::string_view base = "polyModifier");
   HistoryNodeBuilder& parameter(AttributePtr attribute);
@@ -62,7 +77,8 @@ class HistoryNodeBuilder {
   TypeBuilder builder_;
 };
 
-/// Declares a type of node that makes a mesh from nothing: `axis`, `createUVs` and what is added here.
+/// Declares a type of node that makes a mesh from nothing: `axis`, `createUVs` and what is added
+/// here.
 class PrimitiveNodeBuilder {
  public:
   PrimitiveNodeBuilder(dg::TypeRegistry& types, std::string_view name, std::uint32_t id = 0);

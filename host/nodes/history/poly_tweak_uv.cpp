@@ -5,7 +5,8 @@ namespace host::nodes {
 
 void registerPolyTweakUv(dg::TypeRegistry& types) {
   HistoryNodeBuilder(types, "polyTweakUV", typeCode("PTUV"))
-      .parameter(array(numbers("uvTweak", "uvtk", "float2", {real("tweakU", "tu"), real("tweakV", "tv")})))
+      .parameter(
+          array(numbers("uvTweak", "uvtk", "float2", {real("tweakU", "tu"), real("tweakV", "tv")})))
       .parameter(text("uvSetName", "uvs"))
       .operation([](HistoryContext& context) -> Result<void> {
         const std::string name = context.text("uvSetName");

@@ -4,7 +4,8 @@
 
 namespace host::nodes {
 
-/// Each registers one type of node that makes a primitive; attributes are those of the command of the same name.
+/// Each registers one type of node that makes a primitive; attributes are those of the command of
+/// the same name.
 void registerPolyCube(dg::TypeRegistry& types);
 void registerPolyPlane(dg::TypeRegistry& types);
 void registerPolySphere(dg::TypeRegistry& types);

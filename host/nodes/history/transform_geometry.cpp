@@ -32,7 +32,8 @@ void registerTransformGeometry(dg::TypeRegistry& types) {
       by = *inverted;
     }
     mesh::Mesh moved = data->mesh;
-    for (math::Vec3f& point : moved.editPoints()) point = math::transformPoint(math::Vec3(point), by).toFloat();
+    for (math::Vec3f& point : moved.editPoints())
+      point = math::transformPoint(math::Vec3(point), by).toFloat();
     if (!moved.lockedNormals().normals.empty() && !block.boolean(freeze))
       for (math::Vec3f& normal : moved.editLockedNormals().normals)
         normal = math::normalized(math::transformNormal(math::Vec3(normal), by)).toFloat();

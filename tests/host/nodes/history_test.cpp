@@ -21,7 +21,8 @@ void registerRaise(dg::TypeRegistry& types) {
       .operation([](HistoryContext& context) -> Result<void> {
         if (context.vertices().size() > 3) return fail("three vertices at most");
         for (const VertexId v : context.vertices())
-          context.mesh.editPoints()[static_cast<std::size_t>(v)].y += static_cast<float>(context.real("amount"));
+          context.mesh.editPoints()[static_cast<std::size_t>(v)].y +=
+              static_cast<float>(context.real("amount"));
         return {};
       });
 }
@@ -35,8 +36,10 @@ struct RaiseScene : Scene {
   RaiseScene() { registerRaise(types); }
   dg::Node& insert(dg::Node& shape, std::vector<Index> vertices) {
     dg::Node& raise = make("raise");
-    REQUIRE(graph().set(raise.plug("inputComponents"), components(ComponentType::Vertex, std::move(vertices))));
-    const auto inserted = insertHistoryNode(*document, shape, raise.plug("inputPolymesh"), raise.plug("output"));
+    REQUIRE(graph().set(raise.plug("inputComponents"),
+                        components(ComponentType::Vertex, std::move(vertices))));
+    const auto inserted =
+        insertHistoryNode(*document, shape, raise.plug("inputPolymesh"), raise.plug("output"));
     if (!inserted) FAIL(inserted.error().message);
     return raise;
   }
@@ -46,8 +49,8 @@ struct RaiseScene : Scene {
 
 TEST_CASE("history: every primitive node makes a sound mesh and follows its attributes") {
   Scene scene;
-  for (const char* type :
-       {"polyCube", "polyPlane", "polySphere", "polyCylinder", "polyCone", "polyTorus", "polyPyramid"}) {
+  for (const char* type : {"polyCube", "polyPlane", "polySphere", "polyCylinder", "polyCone",
+                           "polyTorus", "polyPyramid"}) {
     CAPTURE(type);
     dg::Node& shape = scene.make("mesh");
     dg::Node& maker = scene.make(type);
@@ -67,7 +70,8 @@ TEST_CASE("history: every primitive node makes a sound mesh and follows its attr
   }
 }
 
-TEST_CASE("history: inserting a node keeps what is seen, moves tweaks in front, and undoes to the bit") {
+TEST_CASE(
+    "history: inserting a node keeps what is seen, moves tweaks in front, and undoes to the bit") {
   for (const bool withHistory : {false, true}) {
     CAPTURE(withHistory);
     RaiseScene scene;
@@ -135,7 +139,9 @@ TEST_CASE("history: a node that feeds another mesh as well survives the deletion
   CHECK(scene->nodesNamed("polyCube1").empty());
 }
 
-TEST_CASE("history: node state 1 passes through, components that are gone are skipped, failures say who and why") {
+TEST_CASE(
+    "history: node state 1 passes through, components that are gone are skipped, failures say who "
+    "and why") {
   RaiseScene scene;
   dg::Node& shape = scene.cubeWithHistory();
   const std::vector<Vec3f> plain = scene.points(shape);
@@ -144,7 +150,8 @@ TEST_CASE("history: node state 1 passes through, components that are gone are sk
   scene.set("raise1.nodeState", std::int64_t{1});
   CHECK(scene.points(shape) == plain);
   scene.set("raise1.nodeState", std::int64_t{0});
-  REQUIRE(scene.graph().set(raise.plug("inputComponents"), components(ComponentType::Vertex, {0, 1, 2, 3})));
+  REQUIRE(scene.graph().set(raise.plug("inputComponents"),
+                            components(ComponentType::Vertex, {0, 1, 2, 3})));
   const auto failed = evaluatedMesh(shape);
   REQUIRE_FALSE(failed);
   CHECK(failed.error().message == "raise1: three vertices at most");
@@ -156,7 +163,8 @@ TEST_CASE("history: tweak nodes add offsets to points and UVs, transformGeometry
   Scene scene;
   dg::Node& shape = scene.cubeWithHistory();
   dg::Node& tweak = scene.make("polyTweakUV");
-  REQUIRE(insertHistoryNode(*scene.document, shape, tweak.plug("inputPolymesh"), tweak.plug("output")));
+  REQUIRE(
+      insertHistoryNode(*scene.document, shape, tweak.plug("inputPolymesh"), tweak.plug("output")));
   const math::Vec2f uv = scene.mesh(shape).uvSet(0).points[1];
   scene.set("polyTweakUV1.uvtk[1].tv", 0.5);
   CHECK(scene.mesh(shape).uvSet(0).points[1].v == uv.v + 0.5f);
@@ -166,10 +174,37 @@ TEST_CASE("history: tweak nodes add offsets to points and UVs, transformGeometry
   scene.set("polyTweakUV1.uvSetName", std::string());
 
   dg::Node& mover = scene.make("transformGeometry");
-  REQUIRE(insertHistoryNode(*scene.document, shape, mover.plug("inputGeometry"), mover.plug("outputGeometry")));
+  REQUIRE(insertHistoryNode(*scene.document, shape, mover.plug("inputGeometry"),
+                            mover.plug("outputGeometry")));
   const auto matrix = math::Matrix4::translation({2, 0, 0});
   scene.set("transformGeometry1.transform", dg::DataPtr(std::make_shared<dg::MatrixData>(matrix)));
   CHECK(scene.points(shape)[1].x == 2.5f);
   scene.set("transformGeometry1.invertTransform", std::int64_t{1});
   CHECK(scene.points(shape)[1].x == -1.5f);
+}
+
+TEST_CASE(
+    "history: soft edges and deleted components follow their attributes and skip what is gone") {
+  RaiseScene scene;
+  dg::Node& shape = scene.cubeWithHistory();
+  dg::Node& soft = scene.make("polySoftEdge");
+  REQUIRE(scene.graph().set(soft.plug("inputComponents"),
+                            components(ComponentType::Edge, {0, 1, 900})));
+  REQUIRE(
+      insertHistoryNode(*scene.document, shape, soft.plug("inputPolymesh"), soft.plug("output")));
+  CHECK_FALSE(scene.mesh(shape).isEdgeSmooth(0));
+  scene.set("polySoftEdge1.angle", 3.1415926535897932);
+  CHECK(scene.mesh(shape).isEdgeSmooth(1));
+  CHECK_FALSE(scene.mesh(shape).isEdgeSmooth(2));
+
+  dg::Node& remover = scene.make("deleteComponent");
+  const std::vector<Component> list = {Component(ComponentType::Face, {1, 77}),
+                                       Component(ComponentType::Edge, {0})};
+  scene.set("deleteComponent1.dc", dg::DataPtr(std::make_shared<scene::ComponentListData>(list)));
+  REQUIRE(insertHistoryNode(*scene.document, shape, remover.plug("inputGeometry"),
+                            remover.plug("outputGeometry")));
+  CHECK(scene.mesh(shape).faceCount() == 4);  // the top goes, front and bottom become one
+  CHECK(mesh::check(scene.mesh(shape)).empty());
+  scene.set("deleteComponent1.nodeState", std::int64_t{1});
+  CHECK(scene.mesh(shape).faceCount() == 6);
 }

@@ -20,7 +20,8 @@ std::vector<Vec3f> shaken(std::vector<Vec3f> points, unsigned seed) {
   std::mt19937 random(seed);
   for (Vec3f& point : points) {
     if (random() % 2) continue;
-    point.x = std::ldexp(static_cast<float>(random() % 4096) / 4096, static_cast<int>(random() % 40) - 20);
+    point.x = std::ldexp(static_cast<float>(random() % 4096) / 4096,
+                         static_cast<int>(random() % 40) - 20);
     point.y = -point.y * 1.7f;
     if (random() % 3 == 0) point.z = 6.123234e-17f;
   }
@@ -134,7 +135,8 @@ TEST_CASE("mesh: the world mesh of each instance follows its own parents") {
   CHECK(corner(1) == 109.5f);
 }
 
-TEST_CASE("mesh: world positions go through the inclusive matrix; untouched points keep their bits") {
+TEST_CASE(
+    "mesh: world positions go through the inclusive matrix; untouched points keep their bits") {
   Scene scene;
   scene.cube();
   dg::Node& group = scene.make("transform", "group");

@@ -39,7 +39,9 @@ struct Scene {
     const auto done = graph().set(plug(path), value);
     if (!done) FAIL(done.error().message);
   }
-  void setVec3(std::string_view path, const math::Vec3& value) { REQUIRE(graph().setVec3(plug(path), value)); }
+  void setVec3(std::string_view path, const math::Vec3& value) {
+    REQUIRE(graph().setVec3(plug(path), value));
+  }
   double real(std::string_view path) {
     const auto value = graph().get(plug(path));
     REQUIRE(value);

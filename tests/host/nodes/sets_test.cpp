@@ -10,13 +10,16 @@ using namespace host::nodes::test;
 
 namespace {
 
-scene::SelectionItem item(Scene& scene, std::string_view pattern) { return scene.list(pattern).items().front(); }
+scene::SelectionItem item(Scene& scene, std::string_view pattern) {
+  return scene.list(pattern).items().front();
+}
 
 dg::Node& shadingGroup(Scene& scene, std::string_view name) {
   dg::Node& group = scene.make("shadingEngine", name);
   scene.set(group.name() + ".renderableOnlySet", std::int64_t{1});
   const dg::Plug sets = scene.plug("renderPartition.sets");
-  REQUIRE(scene.graph().connect(group.plug("partition"), sets.element(scene.graph().nextFreeIndex(sets))));
+  REQUIRE(scene.graph().connect(group.plug("partition"),
+                                sets.element(scene.graph().nextFreeIndex(sets))));
   return group;
 }
 
@@ -115,8 +118,8 @@ TEST_CASE("sets: algebra over lists works component by component") {
 TEST_CASE("sets: random membership agrees with a table, and undo takes all of it back") {
   Scene scene;
   scene.cube();
-  std::vector<dg::Node*> groups = {scene->nodesNamed("initialShadingGroup").front(), &shadingGroup(scene, "aSG"),
-                                   &shadingGroup(scene, "bSG")};
+  std::vector<dg::Node*> groups = {scene->nodesNamed("initialShadingGroup").front(),
+                                   &shadingGroup(scene, "aSG"), &shadingGroup(scene, "bSG")};
   std::vector<int> owner(6, -1);
   std::mt19937 random(5);
   std::vector<std::unique_ptr<scene::ChangeSet>> history;

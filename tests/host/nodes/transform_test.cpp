@@ -37,7 +37,8 @@ TEST_CASE("transform: the local matrix is the product of its parts, in all six r
   Scene scene;
   scene.make("transform", "t");
   const Vec3 angles{0.3, -1.1, 2.2}, scale{2, 0.5, -1.5}, shear{0.2, -0.1, 0.4}, move{1, 2, 3};
-  const Vec3 rotatePivot{0.5, 1, -2}, scalePivot{-1, 3, 0.25}, pivotMove{0.1, 0.2, 0.3}, axis{0.7, 0.1, -0.4};
+  const Vec3 rotatePivot{0.5, 1, -2}, scalePivot{-1, 3, 0.25}, pivotMove{0.1, 0.2, 0.3},
+      axis{0.7, 0.1, -0.4};
   scene.setVec3("t.rotatePivot", rotatePivot);
   scene.setVec3("t.scalePivot", scalePivot);
   scene.setVec3("t.rotatePivotTranslate", pivotMove);
@@ -57,11 +58,12 @@ TEST_CASE("transform: the local matrix is the product of its parts, in all six r
     scene.setVec3("t.translate", move);
     const auto turn = [&](int axisIndex) { return axisRotation(axisIndex, angles[axisIndex]); };
     const Matrix4 expected =
-        Matrix4::translation(-scalePivot) * Matrix4::scaling(scale) * shearing * Matrix4::translation(scalePivot) *
-        Matrix4::translation(pivotMove * 2) * Matrix4::translation(-rotatePivot) * axisRotation(0, axis.x) *
-        axisRotation(1, axis.y) * axisRotation(2, axis.z) * turn(orders[order][0]) * turn(orders[order][1]) *
-        turn(orders[order][2]) * Matrix4::translation(rotatePivot) * Matrix4::translation(pivotMove) *
-        Matrix4::translation(move);
+        Matrix4::translation(-scalePivot) * Matrix4::scaling(scale) * shearing *
+        Matrix4::translation(scalePivot) * Matrix4::translation(pivotMove * 2) *
+        Matrix4::translation(-rotatePivot) * axisRotation(0, axis.x) * axisRotation(1, axis.y) *
+        axisRotation(2, axis.z) * turn(orders[order][0]) * turn(orders[order][1]) *
+        turn(orders[order][2]) * Matrix4::translation(rotatePivot) *
+        Matrix4::translation(pivotMove) * Matrix4::translation(move);
     CHECK(isNear(scene.matrix("t.matrix"), expected));
     const Matrix4 kept = scene.matrix("t.matrix");
     REQUIRE(setLocalMatrix(scene.path("t").node()[0], kept));
@@ -69,21 +71,33 @@ TEST_CASE("transform: the local matrix is the product of its parts, in all six r
   }
 }
 
-TEST_CASE("transform: world matrices follow every change above them and agree with the path to the bit") {
+TEST_CASE(
+    "transform: world matrices follow every change above them and agree with the path to the bit") {
   Scene scene;
   std::mt19937 random(11);
   std::vector<dg::Node*> nodes;
   for (int i = 0; i < 12; ++i)
-    nodes.push_back(&scene.make("transform", "t#", i > 0 ? nodes[random() % nodes.size()] : nullptr));
+    nodes.push_back(
+        &scene.make("transform", "t#", i > 0 ? nodes[random() % nodes.size()] : nullptr));
   const auto number = [&] { return static_cast<double>(random() % 1000) / 250 - 2; };
   for (int step = 0; step < 300; ++step) {
     dg::Node& node = *nodes[random() % nodes.size()];
     switch (random() % 5) {
-      case 0: REQUIRE(scene.graph().setVec3(node.plug("translate"), {number(), number(), number()})); break;
-      case 1: REQUIRE(scene.graph().setVec3(node.plug("rotate"), {number(), number(), number()})); break;
-      case 2: REQUIRE(scene.graph().set(node.plug("inheritsTransform"), std::int64_t{random() % 3 != 0})); break;
-      case 3: (void)scene->reparent(scene::firstPath(node), nodes[random() % nodes.size()]); break;
-      case 4: (void)scene->addInstance(node, nodes[random() % nodes.size()]); break;
+      case 0:
+        REQUIRE(scene.graph().setVec3(node.plug("translate"), {number(), number(), number()}));
+        break;
+      case 1:
+        REQUIRE(scene.graph().setVec3(node.plug("rotate"), {number(), number(), number()}));
+        break;
+      case 2:
+        REQUIRE(scene.graph().set(node.plug("inheritsTransform"), std::int64_t{random() % 3 != 0}));
+        break;
+      case 3:
+        (void)scene->reparent(scene::firstPath(node), nodes[random() % nodes.size()]);
+        break;
+      case 4:
+        (void)scene->addInstance(node, nodes[random() % nodes.size()]);
+        break;
     }
     // Reading only some leaves others dirty: a later change must still reach all of them.
     dg::Node& read = *nodes[random() % nodes.size()];
@@ -91,7 +105,8 @@ TEST_CASE("transform: world matrices follow every change above them and agree wi
     for (std::size_t i = 0; i < paths.size() && i < 8; ++i) {
       const auto value = scene.graph().get(read.plug("worldMatrix").element(static_cast<Index>(i)));
       REQUIRE(value);
-      const Matrix4 world = dg::dataAs<dg::MatrixData>(*value)->value, expected = paths[i].inclusiveMatrix();
+      const Matrix4 world = dg::dataAs<dg::MatrixData>(*value)->value,
+                    expected = paths[i].inclusiveMatrix();
       REQUIRE(std::memcmp(&world, &expected, sizeof world) == 0);
     }
     if (paths.size() > 40) break;
@@ -114,7 +129,8 @@ TEST_CASE("transform: a write that meets a locked or connected part changes noth
   CHECK(scene.real("t.translateY") == 2);
 }
 
-TEST_CASE("transform: a box around a transform holds all that shows below it, in its parent's space") {
+TEST_CASE(
+    "transform: a box around a transform holds all that shows below it, in its parent's space") {
   Scene scene;
   scene.cube();
   scene.setVec3("pCube1.translate", {5, 0, 0});
@@ -125,7 +141,8 @@ TEST_CASE("transform: a box around a transform holds all that shows below it, in
   CHECK(scene.real("pCubeShape1.boundingBoxSizeZ") == 1);
 }
 
-TEST_CASE("new scene: the default views look at the origin and nothing of a new scene can be deleted") {
+TEST_CASE(
+    "new scene: the default views look at the origin and nothing of a new scene can be deleted") {
   Scene scene;
   const Matrix4 view = scene.path("perspShape").inclusiveMatrix();
   const double distance = scene.real("perspShape.centerOfInterest");

@@ -1,15 +1,16 @@
+#include "host/scene/component.h"
+
 #include <doctest/doctest.h>
 
 #include <random>
 #include <set>
 
-#include "host/scene/component.h"
-
 using namespace host;
 using namespace host::scene;
 
 TEST_CASE("component: words give back what was parsed, in ascending runs") {
-  for (const char* word : {"vtx[3]", "vtx[0:5]", "e[2:9]", "f[*]", "map[7]", "vtxFace[2][5]", "vtxFace[*][*]"}) {
+  for (const char* word :
+       {"vtx[3]", "vtx[0:5]", "e[2:9]", "f[*]", "map[7]", "vtxFace[2][5]", "vtxFace[*][*]"}) {
     CAPTURE(word);
     const auto parsed = parseComponent(word);
     REQUIRE(parsed);
@@ -24,8 +25,9 @@ TEST_CASE("component: words give back what was parsed, in ascending runs") {
 }
 
 TEST_CASE("component: a malformed word is an error that names it, whatever range it claims") {
-  for (const char* word : {"", "vtx[", "vtx[]x", "vtx[a]", "vtx[-1]", "vtx[1", "vtx[1]]", "foo[1]", "vtxFace[1]",
-                           "vtxFace[1][*]", "f[99999999999]", "vtx[0:2147483647]", "vtxFace[0:99999][0:99999]"}) {
+  for (const char* word :
+       {"", "vtx[", "vtx[]x", "vtx[a]", "vtx[-1]", "vtx[1", "vtx[1]]", "foo[1]", "vtxFace[1]",
+        "vtxFace[1][*]", "f[99999999999]", "vtx[0:2147483647]", "vtxFace[0:99999][0:99999]"}) {
     CAPTURE(word);
     const auto parsed = parseComponent(word);
     REQUIRE_FALSE(parsed);

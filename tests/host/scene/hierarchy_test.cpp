@@ -77,7 +77,8 @@ TEST_CASE("hierarchy: the matrix of a path ends where a transform does not inher
   Node& c = scene.transform("c", &b);
   for (Node* node : {&a, &b, &c}) {
     const auto matrix = math::Matrix4::translation({1, 0, 0});
-    REQUIRE(scene->graph().set(node->plug("matrix"), dg::DataPtr(std::make_shared<dg::MatrixData>(matrix))));
+    REQUIRE(scene->graph().set(node->plug("matrix"),
+                               dg::DataPtr(std::make_shared<dg::MatrixData>(matrix))));
   }
   CHECK(firstPath(c).inclusiveMatrix()[3][0] == 3);
   CHECK(firstPath(c).exclusiveMatrix()[3][0] == 2);

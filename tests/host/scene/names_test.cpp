@@ -108,13 +108,15 @@ TEST_CASE("names: components and plugs resolve through the transform, ranges are
   CHECK(scene.resolved("tri.vtxFace[0:4][1]") == Names{"tri.vtxFace[3][1]", "tri.vtxFace[4][1]"});
   CHECK(scene.resolved("tri.h") == Names{"tri.height"});
   CHECK(scene.resolved("tri.outMesh") == Names{"triShape.outMesh"});
-  for (const char* name : {"tri.vtx[6]", "tri.f[2:9]", "tri.map[0]", "tri.vtx[x]", "tri.noSuch", "tri.vtx[0", "no.vtx[0]"})
+  for (const char* name : {"tri.vtx[6]", "tri.f[2:9]", "tri.map[0]", "tri.vtx[x]", "tri.noSuch",
+                           "tri.vtx[0", "no.vtx[0]"})
     CHECK_FALSE(scene->resolve(name));
   CHECK(scene->plug("tri.height"));
   CHECK_FALSE(scene->plug("tri"));
   // A second shape is reached by its own name only.
   Node& second = scene.make("mesh", "more", &scene.node("tri"));
-  CHECK(scene->graph().set(second.plug("outMesh"), scene->graph().stored(scene.node("triShape").plug("outMesh"))));
+  CHECK(scene->graph().set(second.plug("outMesh"),
+                           scene->graph().stored(scene.node("triShape").plug("outMesh"))));
   CHECK(scene.resolved("more.f[0]") == Names{"more.f[0]"});
   CHECK(scene.resolved("tri.f[0]") == Names{"triShape.f[0]"});
 }

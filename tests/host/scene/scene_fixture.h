@@ -9,8 +9,8 @@
 
 namespace host::scene::test {
 
-/// The least that a scene needs: a hierarchy of transforms with one number each, shapes that hold a mesh, and nodes
-/// outside of it that feed others.
+/// The least that a scene needs: a hierarchy of transforms with one number each, shapes that hold a
+/// mesh, and nodes outside of it that feed others.
 inline void registerTypes(dg::TypeRegistry& types) {
   using dg::AttributeType;
   const auto add = [&](const char* name, const char* base, bool isAbstract,
@@ -24,14 +24,17 @@ inline void registerTypes(dg::TypeRegistry& types) {
     REQUIRE(types.add(std::move(type)));
     return result;
   };
-  add("dagNode", nullptr, true, {dg::makeAttribute("intermediateObject", "io", AttributeType::Bool)});
+  add("dagNode", nullptr, true,
+      {dg::makeAttribute("intermediateObject", "io", AttributeType::Bool)});
   add("transform", "dagNode", false,
-      {dg::makeAttribute("height", "h", AttributeType::Double), dg::makeAttribute("matrix", "m", AttributeType::Matrix),
+      {dg::makeAttribute("height", "h", AttributeType::Double),
+       dg::makeAttribute("matrix", "m", AttributeType::Matrix),
        dg::makeAttribute("inheritsTransform", "it", AttributeType::Bool, std::int64_t{1})});
   add("shape", "dagNode", true, {});
   add("mesh", "shape", false, {dg::makeTyped("outMesh", "o", "mesh")});
   add("value", nullptr, false,
-      {dg::makeAttribute("in", "i", AttributeType::Double), dg::makeAttribute("out", "o", AttributeType::Double)});
+      {dg::makeAttribute("in", "i", AttributeType::Double),
+       dg::makeAttribute("out", "o", AttributeType::Double)});
   add("feeder", "value", false, {}).existsWithoutOutputs = false;
 }
 
@@ -50,7 +53,9 @@ struct Scene {
     REQUIRE(node);
     return **node;
   }
-  Node& transform(std::string_view name, Node* parent = nullptr) { return make("transform", name, parent); }
+  Node& transform(std::string_view name, Node* parent = nullptr) {
+    return make("transform", name, parent);
+  }
   /// A transform with a mesh of `faces` separate triangles under it.
   Node& meshUnder(std::string_view name, int faces) {
     Node& above = transform(name);
@@ -66,7 +71,8 @@ struct Scene {
     }
     auto mesh = mesh::buildMesh(std::move(points), counts, vertices);
     REQUIRE(mesh);
-    REQUIRE(document->graph().set(shape.plug("outMesh"), dg::DataPtr(std::make_shared<MeshData>(*std::move(mesh)))));
+    REQUIRE(document->graph().set(shape.plug("outMesh"),
+                                  dg::DataPtr(std::make_shared<MeshData>(*std::move(mesh)))));
     return shape;
   }
   Node& node(std::string_view name) {

@@ -18,35 +18,49 @@ class Editor {
   void step() {
     Document& document = *scene_.document;
     switch (random_() % 11) {
-      case 0: (void)document.createNode("transform", name(), pickTransform()); break;
-      case 1: (void)document.createNode("mesh", random_() % 2 ? name() : "", pickTransform()); break;
-      case 2: (void)document.createNode(random_() % 2 ? "value" : "feeder", name()); break;
+      case 0:
+        (void)document.createNode("transform", name(), pickTransform());
+        break;
+      case 1:
+        (void)document.createNode("mesh", random_() % 2 ? name() : "", pickTransform());
+        break;
+      case 2:
+        (void)document.createNode(random_() % 2 ? "value" : "feeder", name());
+        break;
       case 3:
         if (Node* node = pick()) (void)document.rename(*node, name());
         break;
       case 4:
         if (Node* node = pick(); node && isDagNode(*node)) {
           const auto paths = allPaths(*node);
-          (void)document.reparent(paths[random_() % paths.size()], random_() % 3 ? pickTransform() : nullptr);
+          (void)document.reparent(paths[random_() % paths.size()],
+                                  random_() % 3 ? pickTransform() : nullptr);
         }
         break;
       case 5:
-        if (Node* node = pick(); node && isDagNode(*node)) (void)document.addInstance(*node, pickTransform());
+        if (Node* node = pick(); node && isDagNode(*node))
+          (void)document.addInstance(*node, pickTransform());
         break;
       case 6:
-        if (Node* node = pick(); node && isDagNode(*node)) (void)document.removeInstance(allPaths(*node).back());
+        if (Node* node = pick(); node && isDagNode(*node))
+          (void)document.removeInstance(allPaths(*node).back());
         break;
       case 7:
         if (Node* node = pick(); node && random_() % 3 == 0) (void)document.deleteNodes({node});
         break;
-      case 8: setOrConnect(); break;
-      case 9: select(); break;
+      case 8:
+        setOrConnect();
+        break;
+      case 9:
+        select();
+        break;
       case 10: {
         Units units;
         units.linear = static_cast<LinearUnit>(random_() % 8);
         document.setUnits(units);
         if (Node* node = pickTransform())
-          (void)document.reorder(*node, dagLinks(*node).parents.front(), static_cast<int>(random_() % 5));
+          (void)document.reorder(*node, dagLinks(*node).parents.front(),
+                                 static_cast<int>(random_() % 5));
         break;
       }
     }
@@ -182,7 +196,9 @@ TEST_CASE("undo: nested recordings suspend the outer one, and none records where
 
 TEST_CASE("reset: an emptied document starts over with the default nodes and forgets the rest") {
   Scene scene;
-  scene->populateNewScene = [](Document& document) { REQUIRE(document.createNode("transform", "persp")); };
+  scene->populateNewScene = [](Document& document) {
+    REQUIRE(document.createNode("transform", "persp"));
+  };
   Node& group = scene.transform("group");
   scene.transform("inner", &group);
   scene->setSelection(*scene->resolve("inner"));

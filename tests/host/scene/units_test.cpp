@@ -1,6 +1,6 @@
-#include <doctest/doctest.h>
-
 #include "host/scene/units.h"
+
+#include <doctest/doctest.h>
 
 using namespace host::scene;
 
@@ -11,7 +11,8 @@ TEST_CASE("units: the default ones leave every bit alone, others convert there a
   units.linear = LinearUnit::Foot;
   CHECK(units.fromCentimeters(1) == doctest::Approx(0.0328084));
   CHECK(units.toCentimeters(1) == doctest::Approx(30.48));
-  for (const double degrees : {45.0, 90.0, -27.938353, 1e-9}) CHECK(units.fromRadians(units.toRadians(degrees)) == doctest::Approx(degrees).epsilon(1e-15));
+  for (const double degrees : {45.0, 90.0, -27.938353, 1e-9})
+    CHECK(units.fromRadians(units.toRadians(degrees)) == doctest::Approx(degrees).epsilon(1e-15));
   LinearUnit linear;
   CHECK(parseLinearUnit("in", linear));
   CHECK(linear == LinearUnit::Inch);

@@ -1,0 +1,84 @@
+#include <memory>
+
+#include "host/nodes/history/modifiers.h"
+#include "host/nodes/type_builder.h"
+#include "host/ops/topology/delete_edges.h"
+#include "host/ops/topology/delete_faces.h"
+#include "host/ops/topology/delete_vertices.h"
+#include "host/scene/component.h"
+#include "host/scene/mesh_data.h"
+
+namespace host::nodes {
+
+namespace {
+
+using scene::Component;
+using scene::ComponentType;
+
+/// The listed components of a type that the arriving mesh has.
+std::vector<Index> listed(const std::vector<Component>& components, ComponentType type,
+                          Index count) {
+  Component all(type);
+  for (const Component& each : components)
+    if (each.type() == type) all.unite(each);
+  std::vector<Index> indices = all.expanded(count);
+  std::erase_if(indices, [&](Index index) { return index >= count; });
+  return indices;
+}
+
+/// The ids after an operation; those that are gone are left out.
+void follow(std::vector<Index>& ids, const std::vector<Index>& map) {
+  for (Index& id : ids) id = map[static_cast<std::size_t>(id)];
+  std::erase(ids, kNone);
+}
+
+Result<void> deleteListed(mesh::Mesh& mesh, const std::vector<Component>& components) {
+  const std::vector<Index> faces = listed(components, ComponentType::Face, mesh.faceCount());
+  std::vector<Index> edges = listed(components, ComponentType::Edge, mesh.edgeCount());
+  std::vector<Index> vertices = listed(components, ComponentType::Vertex, mesh.vertexCount());
+  if (!faces.empty()) {
+    const auto maps = ops::deleteFaces(mesh, faces);
+    if (!maps) return failWith(maps.error());
+    follow(edges, maps->edges);
+    follow(vertices, maps->vertices);
+  }
+  if (!edges.empty()) {
+    const auto deleted = ops::deleteEdges(mesh, edges);
+    if (!deleted) return failWith(deleted.error());
+    follow(vertices, deleted->maps.vertices);
+  }
+  if (vertices.empty()) return {};
+  const auto maps = ops::deleteVertices(mesh, vertices);
+  return maps ? Result<void>() : failWith(maps.error());
+}
+
+}  // namespace
+
+void registerDeleteComponent(dg::TypeRegistry& types) {
+  TypeBuilder builder(types, "deleteComponent", {}, typeCode("DCMP"));
+  builder.livesByItsOutputs();
+  const Attribute* input = builder.add(notStored(dg::makeTyped("inputGeometry", "ig", "mesh")));
+  const Attribute* list = builder.add(dg::makeTyped("deleteComponents", "dc", "componentList"));
+  const Attribute* result = builder.add(output(dg::makeTyped("outputGeometry", "og", "mesh")));
+  const Attribute* state = builder["nodeState"];
+  builder.affects({input, list, state}, {result});
+  builder.type().compute = [=](Node& node, const Plug& plug, DataBlock& block) -> Result<Computed> {
+    if (plug.attribute() != result) return Computed::Unhandled;
+    auto arriving = block.input(Plug(&node, input));
+    if (!arriving) return failWith(arriving.error());
+    const auto* data = dg::dataAs<scene::MeshData>(*arriving);
+    const auto components = block.data<scene::ComponentListData>(list);
+    if (!data || !components || block.integer(state) == 1) {
+      block.output(result, *arriving);
+      return Computed::Done;
+    }
+    mesh::Mesh mesh = data->mesh;
+    if (auto done = deleteListed(mesh, components->value); !done)
+      return fail("{}: {}", node.name(), done.error().message);
+    block.output(result, dg::DataPtr(std::make_shared<scene::MeshData>(std::move(mesh))));
+    return Computed::Done;
+  };
+  builder.finish();
+}
+
+}  // namespace host::nodes
