@@ -48,6 +48,9 @@ void registerScriptJob(cmd::CommandRegistry&);
 void registerUndo(cmd::CommandRegistry&);
 void registerUnitsAndTime(cmd::CommandRegistry&);
 
+void registerPlayblast(cmd::CommandRegistry&);
+void registerViewFit(cmd::CommandRegistry&);
+
 void registerBuiltinCommands(cmd::CommandRegistry& registry) {
   static constexpr void (*kRegistrations[])(cmd::CommandRegistry&) = {
       registerAddAttr,         registerAttrState,     registerAttributeQuery, registerConnectAttr,
@@ -59,7 +62,7 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerPolySoftEdge,    registerFilterExpand,  registerLs,             registerPolyListComponentConversion,
       registerSelect,          registerSelectMode,    registerAbout,          registerOptionVar,
       registerPlugins,         registerProgram,       registerScriptJob,      registerUndo,
-      registerUnitsAndTime,
+      registerUnitsAndTime,    registerPlayblast,     registerViewFit,
   };
   for (const auto registration : kRegistrations) registration(registry);
 }

@@ -1,0 +1,22 @@
+#include "host/app/tour.h"
+
+#include <cstdio>
+#include <filesystem>
+
+#include "host/app/options.h"
+
+namespace host::app {
+
+int runTour(cmd::Session& session, const std::string& folder) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (error) {
+    std::fprintf(stderr, "qxmt: the folder %s can't be made: %s\n", folder.c_str(), error.message().c_str());
+    return kFileFailed;
+  }
+  (void)session.interpreter().setGlobal("$argv", mel::Value(mel::StringArray{folder}));
+  const auto done = session.executeLine("source \"qxmt_tour.mel\"; qxmtTour_QXMT_Proc($argv[0])");
+  return done ? kDone : kScriptFailed;
+}
+
+}  // namespace host::app

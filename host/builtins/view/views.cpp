@@ -1,0 +1,75 @@
+#include "host/builtins/view/views.h"
+
+#include "host/viewport/backends/gl_backend.h"
+#include "host/viewport/scene_gather.h"
+
+namespace host::builtins {
+
+Views::Views() {
+  const auto add = [this](const char* panel, const char* camera) {
+    View view;
+    view.panel = panel;
+    view.cameraName = camera;
+    views_.push_back(std::move(view));
+  };
+  add("modelPanel1", "top");
+  add("modelPanel2", "side");
+  add("modelPanel3", "front");
+  add("modelPanel4", "persp");
+}
+
+View* Views::find(std::string_view panel) {
+  for (View& view : views_)
+    if (view.panel == panel) return &view;
+  return nullptr;
+}
+
+void Views::setActive(std::string_view panel) {
+  for (std::size_t i = 0; i < views_.size(); ++i)
+    if (views_[i].panel == panel) active_ = i;
+}
+
+Result<viewport::Backend*> Views::offscreen() {
+  if (!backend_) {
+    auto made = viewport::GlBackend::createOffscreen();
+    if (!made) return failWith(made.error());
+    backend_ = std::move(*made);
+  }
+  return backend_.get();
+}
+
+Result<scene::DagPath> cameraPath(scene::Document& document, const std::string& name) {
+  auto path = document.dagPath(name);
+  if (!path) return path;
+  const scene::DagPath shape = path->toShape();
+  if (shape.isWorld() || !shape.node()->type().isA("camera")) return fail("{} is no camera", name);
+  return shape;
+}
+
+Result<viewport::SceneView> gatherView(scene::Document& document, const View& view) {
+  const auto path = cameraPath(document, view.cameraName);
+  if (!path) return failWith(path.error());
+  auto camera = viewport::gatherCamera(*path);
+  if (!camera) return failWith(camera.error());
+  viewport::SceneView scene;
+  scene.camera = *camera;
+  scene.port = view.port;
+  scene.options = view.options;
+  scene.meshes = viewport::gatherMeshes(document);
+  return scene;
+}
+
+Result<viewport::Image> renderView(scene::Document& document, Views& views, const View& view,
+                                   viewport::PortSize size) {
+  auto scene = gatherView(document, view);
+  if (!scene) return failWith(scene.error());
+  scene->port = size;
+  const auto backend = views.offscreen();
+  if (!backend) return failWith(backend.error());
+  viewport::FrameSettings frame;
+  frame.camera = scene->camera;
+  frame.port = size;
+  return viewport::renderImage(**backend, frame, viewport::buildDrawList(*scene, views.cache()));
+}
+
+}  // namespace host::builtins
