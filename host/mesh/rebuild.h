@@ -51,6 +51,9 @@ class MeshRebuilder {
   void setPoint(VertexId vertex, const Vec3f& point) {
     points_[static_cast<std::size_t>(vertex)] = point;
   }
+  [[nodiscard]] const Vec3f& point(VertexId vertex) const {
+    return points_[static_cast<std::size_t>(vertex)];
+  }
   [[nodiscard]] Index vertexCount() const { return static_cast<Index>(points_.size()); }
   /// The vertex kept first for a source vertex, -1 when none is.
   [[nodiscard]] VertexId vertexFor(VertexId source) const {

@@ -1,5 +1,8 @@
 #include "host/ops/query/uv_place.h"
 
+#include <algorithm>
+#include <limits>
+
 #include "host/math/ray.h"
 #include "host/mesh/triangulate.h"
 

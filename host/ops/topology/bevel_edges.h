@@ -1,0 +1,46 @@
+#pragma once
+
+#include <numbers>
+#include <span>
+
+#include "host/math/matrix4.h"
+#include "host/ops/topology/edit_maps.h"
+
+namespace host::ops {
+
+struct BevelEdgesOptions {
+  double offset =
+      0.5;  ///< distance of the new edges from the old one, in the space below, cm; or a fraction
+  bool offsetAsFraction =
+      true;          ///< the offset is a fraction of half the shortest edge at the bevelled ones
+  int segments = 1;  ///< faces across each edge
+  double roundness = 1;  ///< of the profile with several segments: 0 flat, 1 an arc
+  math::Matrix4 space;   ///< from object space to the space that the offset is measured in
+  double smoothingAngle = std::numbers::pi / 6;  ///< new edges are hard beyond it, radians
+};
+
+struct BevelEdgesResult {
+  EditMaps maps;               ///< faces keep their ids
+  std::vector<FaceId> strips;  ///< new quads (triangles where an end stays a point), edge by edge
+  std::vector<FaceId> caps;    ///< new faces at vertices, by vertex
+};
+
+/// Replaces edges by strips of faces.
+///
+/// Faces at a bevelled edge draw back from it. At a vertex with one bevelled edge the two new
+/// corners slide along the edges beside it, and the vertex stays if it has more than three edges;
+/// with two bevelled edges the strips meet; with more, or with one at a vertex that stays, a face
+/// closes the gap. No new corner slides past the end of its edge. Border and non-manifold edges,
+/// edges at vertices with several fans of faces and between faces wound against each other are left
+/// alone. Faces keep their ids, strips follow in order of the edges and then caps in order of the
+/// vertices; vertices that were replaced go, new ones follow in order of the old vertices. Edges
+/// that are left keep their ids, smoothness and crease. UVs and colours of faces are those of the
+/// new places; strips join those of both sides or, at a seam, lie on the side of the face that
+/// walks the edge forwards. Linear in the mesh.
+/// @return what became of components, or an error for a bad id or number, a space without inverse,
+/// or when no listed
+///         edge can be bevelled, with `mesh` untouched.
+[[nodiscard]] Result<BevelEdgesResult> bevelEdges(Mesh& mesh, std::span<const EdgeId> edges,
+                                                  const BevelEdgesOptions& options = {});
+
+}  // namespace host::ops

@@ -1,0 +1,168 @@
+#include "host/ops/topology/bevel_edges.h"
+
+#include <cmath>
+
+#include "host/ops/primitives/cube.h"
+#include "host/ops/topology/vertex_fan.h"
+#include "tests/host/ops/ops_testing.h"
+
+using namespace host;
+using namespace host::ops;
+using namespace host::ops::testing;
+
+namespace {
+
+double volume(const Mesh& mesh) {
+  double six = 0;
+  for (FaceId f = 0; f < mesh.faceCount(); ++f) {
+    const auto loop = mesh.faceVertices(f);
+    for (std::size_t k = 2; k < loop.size(); ++k)
+      six +=
+          math::dot(mesh.point(loop[0]), math::cross(mesh.point(loop[k - 1]), mesh.point(loop[k])));
+  }
+  return six / 6;
+}
+
+BevelEdgesOptions wide(double offset, int segments = 1) {
+  BevelEdgesOptions options;
+  options.offset = offset;
+  options.offsetAsFraction = false;
+  options.segments = segments;
+  return options;
+}
+
+}  // namespace
+
+TEST_CASE("bevelEdges: any selection of any mesh is bevelled soundly or refused") {
+  overZoo([](Mesh mesh, std::mt19937& random, double chance) {
+    for (const int segments : {1, 3}) {
+      Mesh edited = mesh;
+      BevelEdgesOptions options;
+      options.segments = segments;
+      const auto result = bevelEdges(edited, randomIds(random, mesh.edgeCount(), chance), options);
+      if (!result) {
+        CHECK(edited == mesh);
+        continue;
+      }
+      requireSound(edited);
+      CHECK(edited.faceCount() ==
+            mesh.faceCount() + static_cast<Index>(result->strips.size() + result->caps.size()));
+    }
+  });
+}
+
+TEST_CASE("bevelEdges: closed stays closed, and the genus stays") {
+  std::mt19937 random(8);
+  for (const zoo::ZooMesh& entry :
+       zoo::meshZoo(Has::Faces | Has::Manifold | Has::Closed, Has::ZeroArea)) {
+    INFO(entry.name);
+    for (const double chance : {0.1, 0.4, 1.0}) {
+      Mesh edited = entry.mesh;
+      BevelEdgesOptions options;
+      options.offset = 0.3;
+      options.segments = 2;
+      if (!bevelEdges(edited, randomIds(random, edited.edgeCount(), chance), options)) continue;
+      CHECK(zoo::counts(edited).euler() == zoo::counts(entry.mesh).euler());
+      for (EdgeId e = 0; e < edited.edgeCount(); ++e) {
+        const auto corners = edited.adjacency().edgeCorners(e);
+        REQUIRE(corners.size() == 2);
+        CHECK(edited.cornerVertex(corners[0]) != edited.cornerVertex(corners[1]));  // wound alike
+      }
+    }
+  }
+}
+
+TEST_CASE("bevelEdges: volumes of bevelled cubes") {
+  const Mesh cube = makeCube().value();
+  Mesh one = cube;
+  REQUIRE(bevelEdges(one, std::vector<EdgeId>{0}, wide(0.2)));
+  CHECK(zoo::counts(one) == zoo::Counts{10, 15, 7, 30});
+  CHECK(volume(one) == doctest::Approx(1 - 0.5 * 0.2 * 0.2));
+
+  Mesh all = cube;
+  const auto result = bevelEdges(all, zoo::allEdges(cube), wide(0.1));
+  REQUIRE(result.has_value());
+  CHECK(zoo::counts(all) == zoo::Counts{24, 48, 26, 96});
+  CHECK(result->strips.size() == 12);
+  CHECK(result->caps.size() == 8);
+  // Each edge loses a prism over the inner length and each corner a cube less the tetrahedron that
+  // is left of it.
+  CHECK(volume(all) == doctest::Approx(1 - 12 * 0.005 * 0.8 - 8 * (0.001 - 0.001 / 6)));
+
+  // Many segments come close to the quarter of a cylinder.
+  Mesh round = cube;
+  REQUIRE(bevelEdges(round, std::vector<EdgeId>{0}, wide(0.2, 64)));
+  CHECK(volume(round) == doctest::Approx(1 - 0.04 * (1 - std::acos(-1.0) / 4)).epsilon(1e-4));
+  CHECK(round.faceCount() == 6 + 64);
+
+  // Two edges that meet share their ends.
+  Mesh two = cube;
+  REQUIRE(bevelEdges(two, std::vector<EdgeId>{0, 5}, wide(0.2, 3)));
+  requireSound(two);
+  CHECK(zoo::counts(two).euler() == 2);
+
+  // The width is measured in the space given; as a fraction it reaches the middle of the shortest
+  // edge.
+  BevelEdgesOptions scaled = wide(0.4);
+  scaled.space = math::Matrix4::scaling({2, 2, 2});
+  Mesh parent = cube;
+  REQUIRE(bevelEdges(parent, std::vector<EdgeId>{0}, scaled));
+  CHECK(volume(parent) == doctest::Approx(volume(one)));
+  BevelEdgesOptions half;
+  half.offset = 0.4;
+  Mesh fraction = cube;
+  REQUIRE(bevelEdges(fraction, std::vector<EdgeId>{0}, half));
+  CHECK(volume(fraction) == doctest::Approx(volume(one)));
+  Mesh huge = cube;  // the corners stop at the ends of their edges
+  REQUIRE(bevelEdges(huge, std::vector<EdgeId>{0}, wide(50)));
+  CHECK(volume(huge) == doctest::Approx(0.5));
+}
+
+TEST_CASE("bevelEdges: an edge inside a grid keeps its ends, UVs follow the new places") {
+  Mesh grid = zoo::gridMesh(4, 4);
+  const EdgeId inner = grid.adjacency().findEdge(11, 12);
+  const Mesh before = grid;
+  const auto result = bevelEdges(grid, std::vector<EdgeId>{inner}, wide(0.25));
+  REQUIRE(result.has_value());
+  requireSound(grid);
+  CHECK(result->caps.size() == 2);
+  CHECK(zoo::surfaceArea(grid) == doctest::Approx(16));
+  CHECK(zoo::counts(grid).euler() == 1);
+  // UVs were x / 4 and a function of z; every corner still has those of its place.
+  const auto uvOf = [](const Mesh& mesh, CornerId c) {
+    return mesh.uvSet(0).points[static_cast<std::size_t>(mesh.cornerUv(0, c))];
+  };
+  for (CornerId c = 0; c < grid.cornerCount(); ++c) {
+    REQUIRE(grid.cornerUv(0, c) >= 0);
+    CHECK(uvOf(grid, c).u ==
+          doctest::Approx(grid.point(grid.cornerVertex(c)).x / 4 - before.point(0).x / 4));
+  }
+}
+
+TEST_CASE("bevelEdges: border edges and bad input are refused") {
+  Mesh grid = zoo::gridMesh(2, 2);
+  const Mesh before = grid;
+  CHECK_FALSE(bevelEdges(grid, std::vector<EdgeId>{grid.adjacency().findEdge(0, 1)}));
+  CHECK_FALSE(bevelEdges(grid, std::vector<EdgeId>{99}));
+  CHECK_FALSE(bevelEdges(grid, zoo::allEdges(grid), wide(-1)));
+  CHECK_FALSE(bevelEdges(grid, zoo::allEdges(grid), wide(0.1, 0)));
+  CHECK(grid == before);
+}
+
+TEST_CASE("vertexFan: walks all faces of manifold vertices and knows the others") {
+  const Mesh grid = zoo::gridMesh(2, 2);
+  const VertexFan inner = vertexFan(grid, 4), border = vertexFan(grid, 1);
+  CHECK(
+      (inner.isClosed && inner.isManifold && inner.corners.size() == 4 && inner.edges.size() == 5));
+  CHECK((!border.isClosed && border.isManifold && border.corners.size() == 2 &&
+         border.edges.size() == 3));
+  for (const zoo::ZooMesh& entry :
+       zoo::meshZoo(Has::Faces | Has::Manifold, Has::IsolatedVertices)) {
+    INFO(entry.name);
+    for (VertexId v = 0; v < entry.mesh.vertexCount(); ++v) {
+      const VertexFan fan = vertexFan(entry.mesh, v);
+      for (std::size_t i = 0; i + 1 < fan.corners.size(); ++i)
+        CHECK(entry.mesh.cornerEdge(fan.corners[i + 1]) == fan.edges[i + 1]);
+    }
+  }
+}
