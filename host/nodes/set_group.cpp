@@ -52,11 +52,17 @@ Result<void> makeGroup(Document& document, const Plug& group, Node& set,
   HOST_TRY(graph.connect((*id)->plug("groupId"), childNamed(group, "objectGroupId")));
   HOST_TRY(graph.connect(set.plug("memberWireframeColor"), childNamed(group, "objectGrpColor")));
   const Plug members = set.plug("dagSetMembers"), groups = set.plug("groupNodes");
-  HOST_TRY(graph.connect(group, members.element(graph.nextFreeIndex(members))));
-  return graph.connect((*id)->plug("message"), groups.element(graph.nextFreeIndex(groups)));
+  HOST_TRY(graph.connect(group, freeElement(members)));
+  return graph.connect((*id)->plug("message"), freeElement(groups));
 }
 
 }  // namespace
+
+Plug freeElement(const Plug& array) {
+  dg::Graph& graph = array.node()->graph();
+  const Plug next = array.element(graph.elementCount(array));
+  return graph.elementExists(next) ? array.element(graph.nextFreeIndex(array)) : next;
+}
 
 Plug instanceGroups(const DagPath& path) {
   const Plug groups = path.node()->plug("instObjGroups");
@@ -98,7 +104,7 @@ Result<void> addToGroup(Document& document, const DagPath& path, Node& set,
   const Plug array = groupArray(path);
   if (array.isNull())
     return fail("'{}' has no components that a set could hold", path.partialName());
-  return makeGroup(document, array.element(document.graph().nextFreeIndex(array)), set, component);
+  return makeGroup(document, freeElement(array), set, component);
 }
 
 Result<void> removeFromGroup(Document& document, const DagPath& path, const SetGroup& group,

@@ -20,6 +20,10 @@ struct SetGroup {
 /// The groups of an instance that are in `set`, or in any set when it is null.
 [[nodiscard]] std::vector<SetGroup> groupsOf(const scene::DagPath& path, const dg::Node* set);
 
+/// An element of an array in which order does not matter that is free to connect. Constant time
+/// while there are no gaps.
+[[nodiscard]] dg::Plug freeElement(const dg::Plug& array);
+
 /// Puts components into the group that the instance has in the set, or into a new one with a
 /// groupId node.
 Result<void> addToGroup(scene::Document& document, const scene::DagPath& path, dg::Node& set,

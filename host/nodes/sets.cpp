@@ -63,9 +63,7 @@ Result<std::vector<SelectionItem>> membersToBe(Node& set, const SelectionList& i
 }
 
 Result<void> joinWhole(const Plug& source, Node& set, std::string_view attribute) {
-  dg::Graph& graph = set.graph();
-  const Plug slots = set.plug(attribute);
-  return graph.connect(source, slots.element(graph.nextFreeIndex(slots)));
+  return set.graph().connect(source, freeElement(set.plug(attribute)));
 }
 
 Plug wholeSlotIn(const Plug& source, const Node& set) {
