@@ -1,0 +1,162 @@
+#include <maya/MFloatVector.h>
+#include <maya/MFnMesh.h>
+#include <maya/MMeshSmoothOptions.h>
+#include <maya/MPlug.h>
+
+#include "host/api/mesh/fn_mesh.h"
+#include "host/nodes/mesh_node.h"
+#include "host/nodes/mesh_shape.h"
+#include "host/ops/smooth/smooth_mesh.h"
+#include "host/ops/topology/collapse.h"
+#include "host/ops/topology/delete_edges.h"
+#include "host/ops/topology/delete_faces.h"
+#include "host/ops/topology/delete_vertices.h"
+#include "host/ops/topology/extrude_faces.h"
+#include "host/ops/topology/subdivide_edges.h"
+#include "host/ops/topology/subdivide_faces.h"
+
+namespace host::api {
+namespace {
+
+/// Stores a mesh in one of a shape's plugs through a modifier, and does it.
+MStatus writeThrough(MDGModifier& modifier, const dg::Plug& plug, mesh::Mesh mesh) {
+  const MStatus status =
+      modifier.newPlugValue(wrap(plug), wrap(dg::DataPtr(std::make_shared<scene::MeshData>(std::move(mesh)))));
+  return status ? modifier.doIt() : status;
+}
+
+/// A shape without history keeps everything in one plug, unless its tweaks are still apart.
+MStatus writeStoredThrough(MDGModifier& modifier, dg::Node& shape, mesh::Mesh mesh) {
+  if (shape.graph().elementCount(shape.plug("pnts")) > 0) {
+    rememberError(Error{"'" + shape.name() + "' has tweaks; a modifier can't replace its mesh"});
+    return MStatus::kFailure;
+  }
+  return writeThrough(modifier, shape.plug("inMesh"), std::move(mesh));
+}
+
+std::span<const Index> idsOf(const MIntArray& ids) { return {ids.begin(), ids.length()}; }
+
+}  // namespace
+
+MStatus writeAttributes(const MFnMesh& set, mesh::Mesh mesh, MDGModifier* modifier) {
+  const MeshTarget target = targetOf(set);
+  dg::Node* shape = target.shape();
+  if (!modifier || !shape) return target.writeAttributes(std::move(mesh));
+  if (nodes::hasHistory(*shape))
+    return writeThrough(*modifier, shape->plug(nodes::kMeshOverrideAttribute), std::move(mesh));
+  return writeStoredThrough(*modifier, *shape, std::move(mesh));
+}
+
+MStatus writeMesh(const MFnMesh& set, mesh::Mesh mesh, MDGModifier* modifier) {
+  const MeshTarget target = targetOf(set);
+  dg::Node* shape = target.shape();
+  if (!modifier || !shape || nodes::hasHistory(*shape)) return target.writeMesh(std::move(mesh));
+  return writeStoredThrough(*modifier, *shape, std::move(mesh));
+}
+
+}  // namespace host::api
+
+using namespace host;
+using api::editMesh;
+using api::idsOf;
+
+MStatus MFnMesh::deleteFace(int index, MDGModifier* modifier) {
+  return editMesh(*this, modifier, [=](mesh::Mesh& mesh) { return ops::deleteFaces(mesh, std::span(&index, 1)); });
+}
+MStatus MFnMesh::deleteEdge(int index, MDGModifier* modifier) {
+  return editMesh(*this, modifier, [=](mesh::Mesh& mesh) { return ops::deleteEdges(mesh, std::span(&index, 1)); });
+}
+MStatus MFnMesh::deleteVertex(int index, MDGModifier* modifier) {
+  return editMesh(*this, modifier, [=](mesh::Mesh& mesh) { return ops::deleteVertices(mesh, std::span(&index, 1)); });
+}
+MStatus MFnMesh::collapseFaces(const MIntArray& faceList) {
+  return editMesh(*this, nullptr, [&](mesh::Mesh& mesh) { return ops::collapseFaces(mesh, idsOf(faceList)); });
+}
+MStatus MFnMesh::collapseEdges(const MIntArray& edgeList) {
+  return editMesh(*this, nullptr, [&](mesh::Mesh& mesh) { return ops::collapseEdges(mesh, idsOf(edgeList)); });
+}
+MStatus MFnMesh::subdivideEdges(const MIntArray& edgeList, int divisions) {
+  return editMesh(*this, nullptr,
+                  [&](mesh::Mesh& mesh) { return ops::subdivideEdges(mesh, idsOf(edgeList), divisions); });
+}
+MStatus MFnMesh::subdivideFaces(const MIntArray& faceList, int divisions) {
+  ops::SubdivideFacesOptions options;
+  options.divisions = divisions;
+  return editMesh(*this, nullptr,
+                  [&](mesh::Mesh& mesh) { return ops::subdivideFaces(mesh, idsOf(faceList), options); });
+}
+
+MStatus MFnMesh::extrudeFaces(const MIntArray& faceList, int extrusionCount, const MFloatVector* translation,
+                              bool extrudeTogether, float thickness, float offset) {
+  ops::ExtrudeFacesOptions options;
+  options.divisions = extrusionCount;
+  options.keepFacesTogether = extrudeTogether;
+  options.thickness = static_cast<double>(thickness);
+  options.offset = static_cast<double>(offset);
+  if (translation) options.world.translate = api::toVec3(MVector(*translation));
+  return editMesh(*this, nullptr,
+                  [&](mesh::Mesh& mesh) { return ops::extrudeFaces(mesh, idsOf(faceList), options); });
+}
+
+MObject MFnMesh::generateSmoothMesh(MObject parentOrOwner, MMeshSmoothOptions* options, MStatus* status) {
+  MMeshSmoothOptions shown;
+  MStatus code = options ? MStatus(MStatus::kSuccess) : getSmoothMeshDisplayOptions(shown);
+  const auto data = code ? api::readMesh(*this, &code) : nullptr;
+  if (!data) {
+    api::setStatus(status, code.statusCode());
+    return MObject();
+  }
+  const MMeshSmoothOptions& chosen = options ? *options : shown;
+  ops::SmoothOptions smooth;
+  smooth.divisions = chosen.divisions();
+  smooth.continuity = static_cast<double>(chosen.smoothness());
+  smooth.smoothUVs = chosen.smoothUVs();
+  smooth.propagateHardness = chosen.propEdgeHardness();
+  smooth.keepBorder = chosen.keepBorderEdge();
+  smooth.keepHardEdges = chosen.keepHardEdge();
+  mesh::Mesh mesh = data->mesh;
+  std::vector<FaceId> faces(static_cast<std::size_t>(mesh.faceCount()));
+  for (std::size_t f = 0; f < faces.size(); ++f) faces[f] = static_cast<FaceId>(f);
+  code = api::toStatus(ops::smoothMesh(mesh, faces, smooth), MStatus::kInvalidParameter);
+  api::setStatus(status, code.statusCode());
+  if (!code) return MObject();
+  const MObject smoothed = api::wrap(dg::DataPtr(std::make_shared<scene::MeshData>(std::move(mesh))));
+  return MFnMesh().copy(smoothed, parentOrOwner, status);
+}
+
+namespace {
+
+/// The attributes of the smooth preview, as they stand on the shape.
+MPlug previewPlug(const MFnMesh& set, const char* name) {
+  dg::Node* shape = api::targetOf(set).shape();
+  return shape ? api::wrap(shape->plug(name)) : MPlug();
+}
+
+}  // namespace
+
+MStatus MFnMesh::getSmoothMeshDisplayOptions(MMeshSmoothOptions& options) const {
+  MStatus status;
+  if (!api::readMesh(*this, &status)) return status;
+  if (!api::targetOf(*this).shape()) {
+    options = MMeshSmoothOptions();
+    return MStatus::kSuccess;
+  }
+  options.setDivisions(previewPlug(*this, "smoothLevel").asInt());
+  options.setSmoothness(previewPlug(*this, "continuity").asFloat());
+  options.setSmoothUVs(previewPlug(*this, "smoothUVs").asBool());
+  options.setPropEdgeHardness(previewPlug(*this, "propagateEdgeHardness").asBool());
+  options.setKeepBorderEdge(previewPlug(*this, "keepBorder").asBool());
+  options.setKeepHardEdge(previewPlug(*this, "keepHardEdge").asBool());
+  return MStatus::kSuccess;
+}
+
+MStatus MFnMesh::setSmoothMeshDisplayOptions(const MMeshSmoothOptions& options) {
+  if (!api::targetOf(*this).shape()) return MStatus::kFailure;
+  MStatus status = previewPlug(*this, "smoothLevel").setInt(options.divisions());
+  if (status) status = previewPlug(*this, "continuity").setFloat(options.smoothness());
+  if (status) status = previewPlug(*this, "smoothUVs").setBool(options.smoothUVs());
+  if (status) status = previewPlug(*this, "propagateEdgeHardness").setBool(options.propEdgeHardness());
+  if (status) status = previewPlug(*this, "keepBorder").setBool(options.keepBorderEdge());
+  if (status) status = previewPlug(*this, "keepHardEdge").setBool(options.keepHardEdge());
+  return status;
+}
