@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "host/base/assert.h"
+#include "host/mesh/adjacency.h"
 #include "host/mesh/edge_table.h"
 
 namespace host::mesh {
@@ -42,10 +43,12 @@ class MeshRebuilder::EdgeFinder {
   }
 
   EdgeId findOrAdd(VertexId a, VertexId b) {
+    if (const EdgeId e = plainSourceEdge(a, b); e != kNone) return e;
     makeTable();
     return toProvisional(table_->findOrAdd(a, b));
   }
   EdgeId find(VertexId a, VertexId b) {
+    if (const EdgeId e = plainSourceEdge(a, b); e != kNone) return e;
     makeTable();
     const EdgeId e = table_->find(a, b);
     return e == kNone ? kNone : toProvisional(e);
@@ -81,27 +84,44 @@ class MeshRebuilder::EdgeFinder {
                ? tableSources_[at(inTable)]
                : inTable + static_cast<EdgeId>(source_.edges.size() - tableSources_.size());
   }
+  /// The source edge between two vertices that each stand for one source vertex alone.
+  [[nodiscard]] EdgeId plainSourceEdge(VertexId a, VertexId b) const {
+    const VertexId from = keptSource(a), to = keptSource(b);
+    if (from == kNone || to == kNone || isMergeTarget(a) || isMergeTarget(b)) return kNone;
+    const EdgeId e = rebuilder_.source_.adjacency().findEdge(from, to);
+    return e != kNone && rebuilder_.replacedEdges_.contains(e) ? kNone : e;
+  }
+  /// The table holds what the source's own adjacency does not tell: edges at merged vertices,
+  /// replaced ones, and new ones. So its cost is that of what changes.
   void makeTable() {
     if (table_) return;
-    const bool mayRepeat = !rebuilder_.isMergeTarget_.empty() || !rebuilder_.replacedEdges_.empty();
-    edges_.reserve(source_.edges.size());
-    if (mayRepeat) table_.emplace(edges_, rebuilder_.vertexCount());
+    table_.emplace(edges_, rebuilder_.vertexCount());
+    if (rebuilder_.isMergeTarget_.empty()) {
+      std::vector<EdgeId> replaced;
+      for (const auto& entry : rebuilder_.replacedEdges_) replaced.push_back(entry.first);
+      std::ranges::sort(replaced);
+      for (const EdgeId e : replaced) addSourceEdge(e);
+      return;
+    }
     for (std::size_t e = 0; e < source_.edges.size(); ++e) {
       const EdgeVertices ends = kept(static_cast<EdgeId>(e));
-      if (ends.a == kNone || ends.b == kNone || ends.a == ends.b) continue;
-      if (mayRepeat && table_->find(ends.a, ends.b) != kNone) continue;
-      if (mayRepeat)
-        table_->add(ends.a, ends.b);
-      else
-        edges_.push_back(ends);
-      tableSources_.push_back(static_cast<EdgeId>(e));
+      if (ends.a == kNone || ends.b == kNone) continue;
+      if (isMergeTarget(ends.a) || isMergeTarget(ends.b) ||
+          rebuilder_.replacedEdges_.contains(static_cast<EdgeId>(e)))
+        addSourceEdge(static_cast<EdgeId>(e));
     }
-    if (!mayRepeat) table_.emplace(edges_, rebuilder_.vertexCount());
+  }
+  void addSourceEdge(EdgeId e) {
+    const EdgeVertices ends = kept(e);
+    if (ends.a == kNone || ends.b == kNone || ends.a == ends.b) return;
+    if (table_->find(ends.a, ends.b) != kNone) return;
+    table_->add(ends.a, ends.b);
+    tableSources_.push_back(e);
   }
 
   const MeshRebuilder& rebuilder_;
   const Topology& source_;
-  std::vector<EdgeVertices> edges_;   // source edges that can survive, then new ones
+  std::vector<EdgeVertices> edges_;   // source edges that moved, then new ones
   std::vector<EdgeId> tableSources_;  // the source edge of each of the former
   std::optional<EdgeTable> table_;
 };

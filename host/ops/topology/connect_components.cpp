@@ -1,5 +1,6 @@
 #include "host/ops/topology/connect_components.h"
 
+#include <algorithm>
 #include <array>
 
 #include "host/mesh/adjacency.h"
@@ -18,6 +19,7 @@ class Connector {
   VertexId cut(EdgeId e) { return cutter_.cutEvenly(e, 2); }
 
   void connectFace(FaceId f) {
+    if (!mayHavePoints(f)) return cutter_.keepFace(f);
     const std::vector<CutCorner> loop = cutter_.loop(f);
     std::vector<std::size_t> points;
     for (std::size_t i = 0; i < loop.size(); ++i)
@@ -36,6 +38,14 @@ class Connector {
   [[nodiscard]] const std::vector<Chord>& chords() const { return chords_; }
 
  private:
+  [[nodiscard]] bool mayHavePoints(FaceId f) const {
+    const auto loop = mesh_.faceVertices(f);
+    const auto isListed = [this](VertexId v) {
+      return isListed_[static_cast<std::size_t>(v)] != 0;
+    };
+    return cutter_.hasCut(f) || std::any_of(loop.begin(), loop.end(), isListed);
+  }
+
   // Whether an edge may be drawn between two places of a loop.
   [[nodiscard]] bool canJoin(const std::vector<CutCorner>& loop, std::size_t i,
                              std::size_t j) const {

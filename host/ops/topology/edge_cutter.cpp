@@ -92,6 +92,19 @@ void EdgeCutter::setFace(FaceId face, std::span<const CutCorner> loop) {
   rebuilder_.endFace();
 }
 
+bool EdgeCutter::hasCut(FaceId face) const {
+  for (const EdgeId e : mesh_.faceEdges(face))
+    if (isCut(e)) return true;
+  return false;
+}
+
+void EdgeCutter::keepFace(FaceId face) {
+  if (hasCut(face))
+    setFace(face, loop(face));
+  else
+    rebuilder_.copyFace(face);
+}
+
 void EdgeCutter::addPiece(FaceId face, std::vector<CutCorner> loop) {
   pieces_.push_back({face, std::move(loop)});
 }

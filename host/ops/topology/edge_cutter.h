@@ -41,6 +41,10 @@ class EdgeCutter {
   [[nodiscard]] std::vector<CutCorner> loop(FaceId face) const;
   /// Gives a face its new loop; faces must come in order, and each once.
   void setFace(FaceId face, std::span<const CutCorner> loop);
+  /// Gives a face its loop with the new vertices of its edges in place.
+  void keepFace(FaceId face);
+  /// Whether any of a face's edges is cut.
+  [[nodiscard]] bool hasCut(FaceId face) const;
   /// Adds a piece of a face behind the old faces.
   void addPiece(FaceId face, std::vector<CutCorner> loop);
   /// Adds a vertex inside a face and a corner there that takes the mean of the face's corners.

@@ -20,7 +20,7 @@ Result<SubdivideEdgesResult> subdivideEdges(Mesh& mesh, std::span<const EdgeId> 
     const VertexId first = cutter.cutEvenly(e, divisions + 1);
     for (int i = 0; i < divisions; ++i) result.vertices.push_back(first + i);
   }
-  for (FaceId f = 0; f < mesh.faceCount(); ++f) cutter.setFace(f, cutter.loop(f));
+  for (FaceId f = 0; f < mesh.faceCount(); ++f) cutter.keepFace(f);
   EdgeCutter::Outcome outcome = cutter.finish();
   for (const VertexId v : result.vertices) {
     const auto around = outcome.mesh.adjacency().vertexEdges(v);

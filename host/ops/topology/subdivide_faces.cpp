@@ -51,7 +51,7 @@ FacesResult divideOnce(Mesh& mesh, std::span<const FaceId> ids, Mode mode,
     if (isListed[static_cast<std::size_t>(f)] != 0)
       fanFace(cutter, f, *centre++, mode);
     else
-      cutter.setFace(f, cutter.loop(f));
+      cutter.keepFace(f);
   }
   EdgeCutter::Outcome outcome = cutter.finish();
   FacesResult result;
