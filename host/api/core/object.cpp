@@ -51,7 +51,14 @@ bool NodeRep::equals(const ObjectRep& other) const {
 }
 
 MFn::Type AttributeRep::apiType() const { return fnTypeOf(*attribute); }
-bool AttributeRep::hasFn(MFn::Type type) const { return type == MFn::kAttribute || type == apiType(); }
+bool AttributeRep::hasFn(MFn::Type type) const {
+  if (type == MFn::kAttribute || type == apiType()) return true;
+  const dg::AttributeType kind = attribute->type;
+  if (type == MFn::kUnitAttribute) return kind >= dg::AttributeType::Distance && kind <= dg::AttributeType::Time;
+  if (type == MFn::kCompoundAttribute) return attribute->isCompound();
+  if (type == MFn::kNumericAttribute) return attribute->isCompound() && !attribute->compoundType.empty();
+  return false;
+}
 bool AttributeRep::equals(const ObjectRep& other) const {
   const auto* same = dynamic_cast<const AttributeRep*>(&other);
   return same && same->attribute == attribute;

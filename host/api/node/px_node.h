@@ -1,0 +1,48 @@
+#pragma once
+
+#include <maya/MFnPlugin.h>
+#include <maya/MPxNode.h>
+
+#include <string>
+#include <unordered_set>
+
+#include "host/api/core/access.h"
+
+namespace host::api {
+
+struct NodeClass;
+
+/// What the host keeps with a plug-in's node object. The node owns the object, so it doesn't keep the node alive.
+struct PxNodeRep final : SharedRep {
+  ~PxNodeRep() override;
+  dg::Node* node = nullptr;
+  NodeClass* nodeClass = nullptr;
+  bool isNotWritten = false, existsWithoutInputs = true;
+};
+
+/// A node type that a plug-in has registered.
+struct NodeClass {
+  std::string name;
+  MCreatorFunction creator = nullptr;
+  MPxNode::Type kind = MPxNode::kDependNode;
+  dg::NodeType* type = nullptr;  ///< owned by the registry
+  std::unordered_set<PxNodeRep*> objects;  ///< of nodes that live, in the scene or in the undo queue
+};
+
+/// The plug-in's object of a node, made on first use; null for built-in types and when the plug-in made none.
+[[nodiscard]] MPxNode* userNodeOf(dg::Node& node);
+
+/// Lets a type's behaviour be that of its nodes' objects.
+void installHooks(dg::NodeType& type);
+
+/// Registers a type whose attributes `initialize` makes.
+Result<void> addNodeClass(NodeClass nodeClass, std::uint32_t id, const std::string& classification,
+                          const std::string& pluginName, MInitializeFunction initialize);
+/// Takes the type out whatever uses it; objects of nodes that are left go now, while their code is still there.
+void dropNodeClass(const std::string& name);
+[[nodiscard]] NodeClass* findNodeClass(const dg::NodeType& type);
+
+/// Gives the static attribute objects of MPxNode and its kin those of this session's types.
+void refreshStaticAttributes(dg::TypeRegistry& types);
+
+}  // namespace host::api

@@ -1,0 +1,134 @@
+#include <maya/MFnPlugin.h>
+
+#include "host/api/data/plugin_data.h"
+#include "host/api/node/px_node.h"
+#include "host/api/plugin/plugin_record.h"
+#include "host/base/messages.h"
+#include "host/cmd/session.h"
+
+using namespace host;
+using api::PluginRecord;
+using api::setStatus;
+using Kind = api::PluginRecord::Registration::Kind;
+
+namespace {
+
+PluginRecord* recordOf(const MObject& object) {
+  const auto* rep = api::objectAs<api::PluginRep>(object);
+  return rep ? rep->record.get() : nullptr;
+}
+
+MStatus refuse(std::string message) {
+  postMessage(MessageKind::Error, message);
+  api::rememberError(Error{std::move(message)});
+  return MStatus::kFailure;
+}
+
+MStatus registerType(PluginRecord* record, api::NodeClass nodeClass, const MTypeId& typeId,
+                     MInitializeFunction initialize, const MString* classification) {
+  if (!record) return MStatus::kInvalidParameter;
+  const std::string name = nodeClass.name;
+  const auto added = api::addNodeClass(std::move(nodeClass), typeId.id(),
+                                       classification ? classification->asChar() : "", record->info.name, initialize);
+  if (!added) return refuse(added.error().message);
+  record->info.nodeTypes.push_back(name);
+  record->add(Kind::Node, name, [record, name] {
+    api::dropNodeClass(name);
+    std::erase(record->info.nodeTypes, name);
+  });
+  return MStatus::kSuccess;
+}
+
+std::string quoted(const MString& text) {
+  std::string result = "\"";
+  for (const char each : api::toStd(text)) {
+    if (each == '"' || each == '\\') result += '\\';
+    result += each;
+  }
+  return result + "\"";
+}
+
+}  // namespace
+
+MStatus MFnPlugin::registerNode(const MString& typeName, const MTypeId& typeId, MCreatorFunction creator,
+                                MInitializeFunction initialize, MPxNode::Type type, const MString* classification) {
+  return registerType(recordOf(object_), {api::toStd(typeName), creator, type, nullptr, {}}, typeId, initialize,
+                      classification);
+}
+
+MStatus MFnPlugin::deregisterNode(const MTypeId& typeId) {
+  PluginRecord* record = recordOf(object_);
+  const dg::NodeType* type = cmd::currentSession().types().find(typeId.id());
+  if (!record || !type || type->pluginName != record->info.name) return MStatus::kInvalidParameter;
+  const std::string name = type->name;
+  for (const dg::NodePtr& node : api::document().graph().nodes())
+    if (node->type().isA(name))
+      return refuse(fmt::format("Node type '{}' can't be removed: '{}' is in the scene.", name, node->name()));
+  return record->remove(Kind::Node, name) ? MStatus::kSuccess : MStatus::kFailure;
+}
+
+MStatus MFnPlugin::registerShape(const MString& typeName, const MTypeId&, MCreatorFunction, MInitializeFunction,
+                                 MCreatorFunction, const MString*) {
+  return refuse(fmt::format("Node type '{}': plug-ins can't add shapes with components of their own here; a locator "
+                            "node draws itself.",
+                            typeName.asChar()));
+}
+
+MStatus MFnPlugin::registerTransform(const MString& typeName, const MTypeId& typeId, MCreatorFunction creator,
+                                     MInitializeFunction initialize, MCreatorFunction matrixCreator, const MTypeId&,
+                                     const MString* classification) {
+  if (matrixCreator)
+    return refuse(fmt::format("Node type '{}': transforms with a matrix class of their own can't be added here; "
+                              "give no matrix creator to have the built-in one.",
+                              typeName.asChar()));
+  return registerType(recordOf(object_), {api::toStd(typeName), creator, MPxNode::kTransformNode, nullptr, {}}, typeId,
+                      initialize, classification);
+}
+
+MStatus MFnPlugin::registerData(const MString& typeName, const MTypeId& typeId, MCreatorFunction creator,
+                                MPxData::Type) {
+  PluginRecord* record = recordOf(object_);
+  if (!record || !creator) return MStatus::kInvalidParameter;
+  const unsigned int id = typeId.id();
+  const auto added = api::addPluginDataType({api::toStd(typeName), id, creator});
+  if (!added) return refuse(added.error().message);
+  record->add(Kind::Data, api::toStd(typeName), [id] {
+    cmd::currentSession().undo().flush();
+    api::removePluginDataType(id);
+  });
+  return MStatus::kSuccess;
+}
+
+MStatus MFnPlugin::deregisterData(const MTypeId& typeId) {
+  PluginRecord* record = recordOf(object_);
+  const api::PluginDataType* type = api::findPluginDataType(typeId.id());
+  if (!record || !type) return MStatus::kInvalidParameter;
+  return record->remove(Kind::Data, std::string(type->name)) ? MStatus::kSuccess : MStatus::kFailure;
+}
+
+MStringArray MFnPlugin::addMenuItem(const MString& menuItemName, const MString& parentName, const MString& commandName,
+                                    const MString& commandParams, bool needOptionBox, const MString* optBoxFunction,
+                                    MStatus* status) {
+  MStringArray names;
+  const std::string command = api::toStd(commandName) + " " + api::toStd(commandParams);
+  const auto add = [&](const std::string& flags, const MString& script) {
+    const std::string line = "menuItem -parent " + quoted(parentName) + flags + " -command " + quoted(script);
+    const auto made = cmd::currentSession().executeLine(line, {.undo = false});
+    if (made && !made->toTexts().empty()) names.append(api::toMString(made->toTexts().front()));
+    return static_cast<bool>(made);
+  };
+  bool isDone = add(" -label " + quoted(menuItemName), api::toMString(command));
+  if (isDone && needOptionBox && optBoxFunction) isDone = add(" -optionBox true", *optBoxFunction);
+  setStatus(status, isDone ? MStatus::kSuccess : MStatus::kFailure);
+  return names;
+}
+
+MStatus MFnPlugin::removeMenuItem(MStringArray& menuItemNames) {
+  MStatus status;
+  for (unsigned int i = 0; i < menuItemNames.length(); ++i) {
+    const std::string line = "deleteUI -menuItem " + quoted(menuItemNames[i]);
+    if (!cmd::currentSession().executeLine(line, {.undo = false})) status = MStatus::kFailure;
+  }
+  menuItemNames.clear();
+  return status;
+}
