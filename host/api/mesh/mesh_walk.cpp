@@ -43,6 +43,14 @@ MeshWalk::MeshWalk(MeshTarget target, const MObject& component, scene::Component
   // Components that have gone since they were named are passed over.
   for (const Index id : set->indices())
     if (id >= 0 && static_cast<std::size_t>(id) < total_) ids_.push_back(id);
+  // Vertex-faces are visited as corners, face by face.
+  for (const scene::Component::VertexFace& pair : set->pairs()) {
+    if (pair.face < 0 || pair.face >= data_->mesh.faceCount()) continue;
+    const auto loop = data_->mesh.faceVertices(pair.face);
+    const auto at = std::find(loop.begin(), loop.end(), pair.vertex);
+    if (at != loop.end()) ids_.push_back(data_->mesh.firstCorner(pair.face) + static_cast<Index>(at - loop.begin()));
+  }
+  if (type == scene::ComponentType::VertexFace) std::sort(ids_.begin(), ids_.end());
 }
 
 MeshWalk::~MeshWalk() { (void)flush(); }

@@ -23,6 +23,7 @@ class MeshWalk final : public SharedRep {
   [[nodiscard]] const mesh::Mesh& mesh() const { return data_->mesh; }
   [[nodiscard]] const mesh::Adjacency& adjacency() const { return data_->mesh.adjacency(); }
   [[nodiscard]] const MeshTarget& target() const { return target_; }
+  [[nodiscard]] const scene::MeshDataPtr& data() const { return data_; }
 
   [[nodiscard]] bool isDone() const { return !data_ || place_ >= count(); }
   [[nodiscard]] std::size_t count() const { return isComplete_ ? total_ : ids_.size(); }

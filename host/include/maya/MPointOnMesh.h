@@ -23,6 +23,7 @@ class MPointOnMesh {
 
  private:
   friend struct host::api::Access;
+  friend class MMeshIntersector;
   MFloatPoint point_;
   MFloatVector normal_;
   float u_ = 0.0F;

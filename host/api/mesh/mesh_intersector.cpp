@@ -1,0 +1,51 @@
+#include <maya/MMeshIntersector.h>
+#include <maya/MPointOnMesh.h>
+
+#include "host/api/mesh/surface.h"
+
+namespace host::api {
+namespace {
+
+class IntersectorRep final : public SharedRep {
+ public:
+  explicit IntersectorRep(Surface surfaceIn) : surface(std::move(surfaceIn)) {
+    // Builds what questions need now, so that they can come from several threads.
+    (void)surface.closestPoint({});
+  }
+  const Surface surface;
+};
+
+std::optional<math::Matrix4> unlessIdentity(const math::Matrix4& matrix) {
+  return math::isIdentity(matrix) ? std::nullopt : std::optional(matrix);
+}
+
+}  // namespace
+
+}  // namespace host::api
+
+using namespace host;
+
+MStatus MMeshIntersector::create(const MObject& meshObject, const MMatrix& matrix) {
+  handle_ = api::Handle();
+  const api::MeshTarget target(meshObject);
+  auto data = target.isNull() ? nullptr : target.read();
+  if (!data) return MStatus::kInvalidParameter;
+  handle_ =
+      api::Handle(new api::IntersectorRep(api::Surface(std::move(data), api::unlessIdentity(api::toMatrix4(matrix)))));
+  return MStatus::kSuccess;
+}
+bool MMeshIntersector::isCreated() const { return static_cast<bool>(handle_); }
+
+MStatus MMeshIntersector::getClosestPoint(const MPoint& point, MPointOnMesh& meshPoint, double maxDistance) const {
+  if (!handle_) return MStatus::kFailure;
+  const api::Surface& surface = static_cast<const api::IntersectorRep*>(handle_.get())->surface;
+  const auto found = surface.closestPoint(api::toVec3(point), maxDistance);
+  if (!found) return MStatus::kFailure;
+  meshPoint.point_ = MFloatPoint(api::toMPoint(found->point));
+  meshPoint.normal_ = MFloatVector(api::toMVector(surface.normalOf(found->face)));
+  meshPoint.u_ = static_cast<float>(1 - found->u - found->v);
+  meshPoint.v_ = static_cast<float>(found->u);
+  meshPoint.face_ = found->face;
+  meshPoint.triangle_ = found->triangle;
+  return MStatus::kSuccess;
+}
