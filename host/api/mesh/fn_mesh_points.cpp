@@ -9,6 +9,14 @@
 namespace host::api {
 namespace {
 
+/// transformPoint for matrices without projection, so that loops over all points stay free of calls.
+math::Vec3 affinePoint(const math::Vec3& p, const math::Matrix4& a) {
+  const auto& m = a.m;
+  return {p.x * m[0][0] + p.y * m[1][0] + p.z * m[2][0] + m[3][0],
+          p.x * m[0][1] + p.y * m[1][1] + p.z * m[2][1] + m[3][1],
+          p.x * m[0][2] + p.y * m[1][2] + p.z * m[2][2] + m[3][2]};
+}
+
 /// Fills an API array with the mesh's points in a space: one pass over contiguous memory.
 template <class Array, class Make>
 MStatus fillPoints(const MFnMesh& set, MSpace::Space space, Array& array, Make make) {
@@ -24,7 +32,6 @@ MStatus fillPoints(const MFnMesh& set, MSpace::Space space, Array& array, Make m
     for (std::size_t i = 0; i < points.size(); ++i) out[i] = make(points[i].x, points[i].y, points[i].z);
     return MStatus::kSuccess;
   }
-  const auto& m = toSpace->m;
   if (!math::isAffine(*toSpace)) {
     for (std::size_t i = 0; i < points.size(); ++i) {
       const math::Vec3 p = math::transformPoint(math::Vec3(points[i]), *toSpace);
@@ -32,10 +39,10 @@ MStatus fillPoints(const MFnMesh& set, MSpace::Space space, Array& array, Make m
     }
     return MStatus::kSuccess;
   }
+  const math::Matrix4 matrix = *toSpace;
   for (std::size_t i = 0; i < points.size(); ++i) {
-    const double x = points[i].x, y = points[i].y, z = points[i].z;
-    out[i] = make(x * m[0][0] + y * m[1][0] + z * m[2][0] + m[3][0], x * m[0][1] + y * m[1][1] + z * m[2][1] + m[3][1],
-                  x * m[0][2] + y * m[1][2] + z * m[2][2] + m[3][2]);
+    const math::Vec3 p = affinePoint(math::Vec3(points[i]), matrix);
+    out[i] = make(p.x, p.y, p.z);
   }
   return MStatus::kSuccess;
 }
@@ -58,19 +65,20 @@ MStatus storePoints(const MFnMesh& set, MSpace::Space space, const Array& given)
   if (!toSpace) {
     for (std::size_t i = 0; i < after.size(); ++i)
       after[i] = {static_cast<float>(in[i].x), static_cast<float>(in[i].y), static_cast<float>(in[i].z)};
-    return target.writePoints(after);
+    return target.writePoints(std::move(after));
   }
-  const auto inverse = math::inverse(*toSpace);
-  if (!inverse) {
+  const auto wayBack = WayToObject::from(*toSpace);
+  if (!wayBack) {
     rememberError(Error{"the transform has no inverse (a zero scale), so world positions can't be stored"});
     return MStatus::kFailure;
   }
+  const bool isAffine = math::isAffine(*toSpace);
   for (std::size_t i = 0; i < after.size(); ++i) {
-    const math::Vec3 wanted(in[i].x, in[i].y, in[i].z);
-    const bool isUnchanged = math::transformPoint(math::Vec3(before[i]), *toSpace) == wanted;
-    after[i] = isUnchanged ? before[i] : math::transformPoint(wanted, *inverse).toFloat();
+    const math::Vec3 wanted(in[i].x, in[i].y, in[i].z), stored(before[i]);
+    const math::Vec3 now = isAffine ? affinePoint(stored, *toSpace) : math::transformPoint(stored, *toSpace);
+    after[i] = now == wanted ? before[i] : (*wayBack)(wanted);
   }
-  return target.writePoints(after);
+  return target.writePoints(std::move(after));
 }
 
 }  // namespace
@@ -138,7 +146,7 @@ MStatus MFnMesh::setPoint(int vertexId, const MPoint& pos, MSpace::Space space) 
   const auto before = data->mesh.points();
   std::vector<math::Vec3f> after(before.begin(), before.end());
   after[static_cast<std::size_t>(vertexId)] = *stored;
-  return target.writePoints(after);
+  return target.writePoints(std::move(after));
 }
 
 const float* MFnMesh::getRawPoints(MStatus* status) const {

@@ -47,12 +47,12 @@ scene::MeshDataPtr MeshTarget::read() const {
   return mesh ? mesh : std::make_shared<const scene::MeshData>(mesh::Mesh());
 }
 
-MStatus MeshTarget::writePoints(std::span<const math::Vec3f> points) const {
-  if (shape_) return toStatus(nodes::setEvaluatedPoints(*shape_, points));
+MStatus MeshTarget::writePoints(std::vector<math::Vec3f> points) const {
+  if (shape_) return toStatus(nodes::setEvaluatedPoints(*shape_, std::move(points)));
   if (!value_) return MStatus::kFailure;
   mesh::Mesh mesh = read()->mesh;
   if (points.size() != mesh.points().size()) return MStatus::kInvalidParameter;
-  mesh.setPoints(std::vector<math::Vec3f>(points.begin(), points.end()));
+  mesh.setPoints(std::move(points));
   value_->data = std::make_shared<const scene::MeshData>(std::move(mesh));
   return MStatus::kSuccess;
 }
@@ -91,15 +91,20 @@ MStatus MeshTarget::spaceMatrix(MSpace::Space space, std::optional<math::Matrix4
   return MStatus::kSuccess;
 }
 
+std::optional<WayToObject> WayToObject::from(const math::Matrix4& toSpace) {
+  const auto inverse = math::inverse(toSpace);
+  return inverse ? std::optional(WayToObject(*inverse)) : std::nullopt;
+}
+
 MPoint pointIn(const math::Vec3f& stored, const std::optional<math::Matrix4>& toSpace) {
   return toSpace ? toMPoint(math::transformPoint(math::Vec3(stored), *toSpace)) : toMPoint(stored);
 }
 
 std::optional<math::Vec3f> pointFrom(const MPoint& point, const std::optional<math::Matrix4>& toSpace) {
   if (!toSpace) return toVec3(point).toFloat();
-  const auto inverse = math::inverse(*toSpace);
-  if (!inverse) return std::nullopt;
-  return math::transformPoint(toVec3(point), *inverse).toFloat();
+  const auto wayBack = WayToObject::from(*toSpace);
+  if (!wayBack) return std::nullopt;
+  return (*wayBack)(toVec3(point));
 }
 
 MVector normalIn(const math::Vec3& normal, const std::optional<math::Matrix4>& toSpace) {

@@ -5,8 +5,11 @@
 #include <maya/MPoint.h>
 #include <maya/MSpace.h>
 
+#include <cmath>
+#include <limits>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/api/core/access.h"
 #include "host/mesh/mesh.h"
@@ -30,7 +33,7 @@ class MeshTarget {
   /// The mesh as it is now; null, with the reason remembered, when it can't be evaluated.
   [[nodiscard]] scene::MeshDataPtr read() const;
   /// Moves points only (object space, one a vertex).
-  [[nodiscard]] MStatus writePoints(std::span<const math::Vec3f> points) const;
+  [[nodiscard]] MStatus writePoints(std::vector<math::Vec3f> points) const;
   /// Replaces corner data, flags and creases; the topology must be the same.
   [[nodiscard]] MStatus writeAttributes(mesh::Mesh mesh) const;
   /// Replaces all, topology included. Fails on a shape with history.
@@ -52,6 +55,31 @@ class MeshTarget {
 [[nodiscard]] inline MVector toMVector(const math::Vec3& v) { return MVector(v.x, v.y, v.z); }
 [[nodiscard]] inline math::Vec3 toVec3(const MPoint& p) { return {p.x, p.y, p.z}; }
 [[nodiscard]] inline math::Vec3 toVec3(const MVector& v) { return {v.x, v.y, v.z}; }
+
+/// The way from a space back to where the mesh stores its points. A coordinate that comes to less than the rounding of
+/// its terms is zero: so what was zero in object space, went to a turned space and comes back, is zero again.
+class WayToObject {
+ public:
+  /// Nothing when the space has no inverse.
+  [[nodiscard]] static std::optional<WayToObject> from(const math::Matrix4& toSpace);
+  [[nodiscard]] math::Vec3f operator()(const math::Vec3& p) const {
+    if (!isAffine_) return math::transformPoint(p, inverse_).toFloat();
+    return {coordinate(p, 0), coordinate(p, 1), coordinate(p, 2)};
+  }
+
+ private:
+  explicit WayToObject(const math::Matrix4& inverse) : inverse_(inverse), isAffine_(math::isAffine(inverse)) {}
+  [[nodiscard]] float coordinate(const math::Vec3& p, int axis) const {
+    const double x = p.x * inverse_.m[0][axis], y = p.y * inverse_.m[1][axis], z = p.z * inverse_.m[2][axis],
+                 t = inverse_.m[3][axis];
+    const double sum = x + y + z + t;
+    constexpr double kRounding = 8 * std::numeric_limits<double>::epsilon();
+    const bool isNothing = std::fabs(sum) <= kRounding * (std::fabs(x) + std::fabs(y) + std::fabs(z) + std::fabs(t));
+    return isNothing ? 0.0F : static_cast<float>(sum);
+  }
+  math::Matrix4 inverse_;
+  bool isAffine_;
+};
 
 /// A point that the mesh stores, in a space.
 [[nodiscard]] MPoint pointIn(const math::Vec3f& stored, const std::optional<math::Matrix4>& toSpace);

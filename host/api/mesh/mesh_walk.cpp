@@ -1,6 +1,7 @@
 #include "host/api/mesh/mesh_walk.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace host::api {
 namespace {
@@ -85,9 +86,7 @@ MStatus MeshWalk::writeAttributes(mesh::Mesh mesh) {
 
 MStatus MeshWalk::flush() {
   if (edited_.empty()) return MStatus::kSuccess;
-  const std::vector<math::Vec3f> points = std::move(edited_);
-  edited_.clear();
-  const MStatus status = target_.writePoints(points);
+  const MStatus status = target_.writePoints(std::exchange(edited_, {}));
   if (status) data_ = target_.read();
   return status;
 }
