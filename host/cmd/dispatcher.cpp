@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <optional>
+#include <utility>
 
 #include "host/cmd/session.h"
 
@@ -46,7 +47,7 @@ class Dispatcher::StepScope {
 
   /// Where this command's edits go: null when nothing is recorded now.
   [[nodiscard]] scene::ChangeSet* target() const {
-    return dispatcher_.undo_.isRecording() ? dispatcher_.step_ : nullptr;
+    return dispatcher_.collectors_ > 0 || dispatcher_.undo_.isRecording() ? dispatcher_.step_ : nullptr;
   }
   [[nodiscard]] bool isOutermost() const { return own_.has_value(); }
 
@@ -176,6 +177,17 @@ Result<void> Dispatcher::recordStep(std::string_view name, const std::function<R
   }
   if (done && target) target->append(std::move(own));
   step.commit(false);
+  return done;
+}
+
+Result<void> Dispatcher::collectInto(scene::ChangeSet& target, const std::function<Result<void>()>& run) {
+  scene::ChangeSet* const before = std::exchange(step_, &target);
+  ++depth_;
+  ++collectors_;
+  const Result<void> done = fenced("command", run);
+  --collectors_;
+  --depth_;
+  step_ = before;
   return done;
 }
 

@@ -36,6 +36,10 @@ class Dispatcher final : public mel::CommandHost {
   /// Runs document edits as a command of that name would: one step, reverted when it fails.
   Result<void> recordStep(std::string_view name, const std::function<Result<void>()>& edits);
 
+  /// Collects the edits of all commands that run inside `run`, instead of giving them to the queue: its caller takes
+  /// them back itself.
+  Result<void> collectInto(scene::ChangeSet& target, const std::function<Result<void>()>& run);
+
   /// Takes back or does again the latest item of the queue. Refused while a command that runs has changed something:
   /// what it did would be newer than what is taken back.
   Result<void> undo();
@@ -55,6 +59,7 @@ class Dispatcher final : public mel::CommandHost {
   UndoQueue& undo_;
   scene::ChangeSet* step_ = nullptr;  ///< of the outermost command; null while none records
   int depth_ = 0;
+  int collectors_ = 0;  ///< runs of collectInto: they record whatever the queue does
 };
 
 }  // namespace host::cmd

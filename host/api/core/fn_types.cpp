@@ -117,7 +117,7 @@ constexpr DataName kDataTypes[] = {
     {"floatArray", MFn::kFloatArrayData}, {"stringArray", MFn::kStringArrayData},
     {"vectorArray", MFn::kVectorArrayData}, {"pointArray", MFn::kPointArrayData},
     {"matrixArray", MFn::kMatrixArrayData}, {"componentList", MFn::kComponentListData},
-    {"string", MFn::kStringData},
+    {"string", MFn::kStringData}, {"UInt64Array", MFn::kUint64ArrayData},
 };
 
 }  // namespace
