@@ -1,5 +1,6 @@
 #include "host/builtins/view/views.h"
 
+#include "host/math/transform.h"
 #include "host/viewport/backends/gl_backend.h"
 #include "host/viewport/scene_gather.h"
 
@@ -59,17 +60,51 @@ Result<viewport::SceneView> gatherView(scene::Document& document, const View& vi
   return scene;
 }
 
-Result<viewport::Image> renderView(scene::Document& document, Views& views, const View& view,
-                                   viewport::PortSize size) {
+Result<viewport::SceneView> gatherView(scene::Document& document, const Views& views, const View& view) {
   auto scene = gatherView(document, view);
+  if (!scene) return scene;
+  for (const Views::Gather& gather : views.gatherers) gather(document, view, *scene);
+  return scene;
+}
+
+Result<void> placeCamera(scene::Document& document, const scene::DagPath& shape, const viewport::Camera& camera) {
+  const scene::DagPath transform = shape.transform();
+  const auto parent = math::inverse(transform.parent().inclusiveMatrix());
+  if (!parent) return fail("the camera {} hangs under a transform with a zero scale", shape.partialName());
+  dg::Graph& graph = document.graph();
+  dg::Node* node = transform.node();
+  const math::Matrix4 local = camera.world * *parent;
+  HOST_TRY(graph.setVec3(node->plug("translate"), math::transformPoint(math::Vec3{0, 0, 0}, local)));
+  HOST_TRY(graph.setVec3(node->plug("rotate"), math::decompose(local).rotate));
+  dg::Node* lens = shape.node();
+  HOST_TRY(graph.set(lens->plug("centerOfInterest"), camera.centerOfInterest));
+  HOST_TRY(graph.set(lens->plug("nearClipPlane"), camera.nearClip));
+  HOST_TRY(graph.set(lens->plug("farClipPlane"), camera.farClip));
+  return graph.set(lens->plug("orthographicWidth"), camera.orthographicWidth);
+}
+
+Result<void> drawView(scene::Document& document, Views& views, const View& view, viewport::PortSize size,
+                      viewport::Backend& backend) {
+  View sized = view;
+  sized.port = size;
+  const auto scene = gatherView(document, views, sized);
   if (!scene) return failWith(scene.error());
-  scene->port = size;
-  const auto backend = views.offscreen();
-  if (!backend) return failWith(backend.error());
   viewport::FrameSettings frame;
   frame.camera = scene->camera;
   frame.port = size;
-  return viewport::renderImage(**backend, frame, viewport::buildDrawList(*scene, views.cache()));
+  HOST_TRY(backend.beginFrame(frame));
+  backend.draw(viewport::buildDrawList(*scene, views.cache()));
+  for (const Views::Direct& direct : views.directs) direct(document, sized, *scene, backend);
+  backend.endFrame();
+  return {};
+}
+
+Result<viewport::Image> renderView(scene::Document& document, Views& views, const View& view,
+                                   viewport::PortSize size) {
+  const auto backend = views.offscreen();
+  if (!backend) return failWith(backend.error());
+  HOST_TRY(drawView(document, views, view, size, **backend));
+  return (*backend)->readPixels();
 }
 
 }  // namespace host::builtins

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -34,6 +35,12 @@ class Views {
   /// The backend that draws off screen; made on first use. Fails where the machine has none.
   Result<viewport::Backend*> offscreen();
 
+  /// What other layers draw into views: items that go with the scene, and direct sections after it.
+  using Gather = std::function<void(scene::Document&, const View&, viewport::SceneView&)>;
+  using Direct = std::function<void(scene::Document&, const View&, const viewport::SceneView&, viewport::Backend&)>;
+  std::vector<Gather> gatherers;
+  std::vector<Direct> directs;
+
  private:
   std::vector<View> views_;
   std::size_t active_ = 3;
@@ -46,6 +53,17 @@ class Views {
 
 /// What a view shows now. The clip planes are those of the camera.
 [[nodiscard]] Result<viewport::SceneView> gatherView(scene::Document& document, const View& view);
+
+/// The same with all that other layers draw.
+[[nodiscard]] Result<viewport::SceneView> gatherView(scene::Document& document, const Views& views, const View& view);
+
+/// Moves a camera's node to where the framed camera stands: transform, centre of interest, clip planes, width.
+[[nodiscard]] Result<void> placeCamera(scene::Document& document, const scene::DagPath& shape,
+                                       const viewport::Camera& camera);
+
+/// Draws a frame of a view into a backend; the backend's last picture is the result.
+[[nodiscard]] Result<void> drawView(scene::Document& document, Views& views, const View& view,
+                                    viewport::PortSize size, viewport::Backend& backend);
 
 /// Draws a view at a size of its own.
 [[nodiscard]] Result<viewport::Image> renderView(scene::Document& document, Views& views, const View& view,

@@ -1,0 +1,147 @@
+#include <maya/MEvent.h>
+#include <maya/MUIDrawManager.h>
+
+#include <exception>
+
+#include "host/api/tool/context_rep.h"
+#include "host/api/view/view_access.h"
+#include "host/base/messages.h"
+#include "host/tools/select_tool.h"
+
+namespace host::api {
+namespace {
+
+/// Calls into a plug-in's context; what it throws becomes a message.
+template <class Function>
+void fenced(const std::string& tool, const Function& call) {
+  try {
+    call();
+  } catch (const std::exception& exception) {
+    postMessage(MessageKind::Error, fmt::format("The tool '{}' threw an exception: {}", tool, exception.what()));
+  } catch (...) {
+    postMessage(MessageKind::Error, fmt::format("The tool '{}' threw an exception", tool));
+  }
+}
+
+/// A draw manager and a frame context for one call, drawing into `list`.
+struct DrawScope {
+  DrawScope(const std::string& panel, viewport::DrawList& list)
+      : rep(new DrawRep()),
+        manager(Access::make<MHWRender::MUIDrawManager>(rep)),
+        frame(Access::make<MHWRender::MFrameContext>(makeFrame(panel))) {
+    rep->list = &list;
+  }
+  ~DrawScope() { rep->list = nullptr; }  // the plug-in may have copied the manager
+  DrawScope(const DrawScope&) = delete;
+  DrawScope& operator=(const DrawScope&) = delete;
+
+  DrawRep* rep;
+  MHWRender::MUIDrawManager manager;
+  MHWRender::MFrameContext frame;
+};
+
+}  // namespace
+
+ContextRep& contextRep(MPxContext& context) { return Access::writable<ContextRep>(context); }
+
+const ContextRep& contextRep(const MPxContext& context) {
+  static const ContextRep empty;
+  const auto* rep = Access::rep<ContextRep>(context);
+  return rep ? *rep : empty;
+}
+
+MEvent toMEvent(const tools::InputEvent& event) { return Access::make<MEvent>(new EventRep(event)); }
+
+ContextAdapter::ContextAdapter(std::unique_ptr<MPxContextCommand> command, std::unique_ptr<MPxContext> context,
+                               std::shared_ptr<const ContextClass> contextClass)
+    : ToolContext(contextClass->commandName),
+      command_(std::move(command)),
+      context_(std::move(context)),
+      contextClass_(std::move(contextClass)) {
+  ContextRep& rep = contextRep(*context_);
+  rep.tool = this;
+  rep.contextClass = contextClass_;
+  title = rep.title;
+  help = rep.help;
+  images = rep.images;
+  cursor = rep.cursor;
+}
+
+ContextAdapter::~ContextAdapter() {
+  contextRep(*context_).tool = nullptr;
+  fenced(contextClass_->commandName, [this] {
+    context_.reset();
+    command_.reset();
+  });
+}
+
+std::string ContextAdapter::className() const {
+  MString name;
+  fenced(contextClass_->commandName, [&] { context_->getClassName(name); });
+  return name.length() ? toStd(name) : contextClass_->commandName;
+}
+
+void ContextAdapter::setup(const tools::InputEvent& event) {
+  contextRep(*context_).panel = event.panel;
+  MEvent given = toMEvent(event);
+  fenced(title, [&] { context_->toolOnSetup(given); });
+}
+
+void ContextAdapter::cleanup() {
+  feedback_ = {};
+  fenced(title, [&] { context_->toolOffCleanup(); });
+}
+
+void ContextAdapter::deliver(Call call, const tools::InputEvent& event) {
+  contextRep(*context_).panel = event.panel;
+  viewport::DrawList drawn;
+  fenced(title, [&] {
+    MEvent given = toMEvent(event);
+    DrawScope scope(event.panel, drawn);
+    switch (call) {
+      case Call::Press: (void)context_->doPress(given, scope.manager, scope.frame); break;
+      case Call::Drag: (void)context_->doDrag(given, scope.manager, scope.frame); break;
+      case Call::Release: (void)context_->doRelease(given, scope.manager, scope.frame); break;
+      case Call::Hold: (void)context_->doHold(given, scope.manager, scope.frame); break;
+      case Call::Moved: (void)context_->doPtrMoved(given, scope.manager, scope.frame); break;
+    }
+  });
+  feedback_ = std::move(drawn);
+  feedbackPanel_ = event.panel;
+}
+
+void ContextAdapter::press(const tools::InputEvent& event) { deliver(Call::Press, event); }
+void ContextAdapter::drag(const tools::InputEvent& event) { deliver(Call::Drag, event); }
+void ContextAdapter::release(const tools::InputEvent& event) { deliver(Call::Release, event); }
+void ContextAdapter::hold(const tools::InputEvent& event) { deliver(Call::Hold, event); }
+void ContextAdapter::moved(const tools::InputEvent& event) { deliver(Call::Moved, event); }
+
+void ContextAdapter::entered(const tools::InputEvent& event) {
+  contextRep(*context_).panel = event.panel;
+  MEvent given = toMEvent(event);
+  fenced(title, [&] { (void)context_->doEnterRegion(given); });
+}
+
+void ContextAdapter::deleteAction() {
+  fenced(title, [&] { context_->deleteAction(); });
+}
+void ContextAdapter::complete() {
+  fenced(title, [&] { context_->completeAction(); });
+}
+void ContextAdapter::abort() {
+  fenced(title, [&] { context_->abortAction(); });
+}
+
+void ContextAdapter::draw(const std::string& panel, viewport::DrawList& list) {
+  const ContextRep& rep = contextRep(*context_);
+  if (feedbackPanel_.empty() || feedbackPanel_ == panel) list.append(feedback_);
+  if (rep.isMarqueeActive && (rep.panel.empty() || rep.panel == panel))
+    tools::drawMarquee({static_cast<double>(rep.startX), static_cast<double>(rep.startY)},
+                       {static_cast<double>(rep.lastX), static_cast<double>(rep.lastY)}, list);
+  fenced(title, [&] {
+    DrawScope scope(panel, list);
+    (void)context_->drawFeedback(scope.manager, scope.frame);
+  });
+}
+
+}  // namespace host::api

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "host/tools/tool_context.h"
+#include "host/viewport/camera.h"
+
+namespace host::tools {
+
+/// Moves the camera of the view that is dragged in. Not undoable, as camera moves aren't.
+class CameraTool final : public ToolContext {
+ public:
+  enum class Gesture : std::uint8_t { Tumble, Track, Dolly };
+  CameraTool(ToolRegistry& registry, Gesture gesture);
+  void press(const InputEvent& event) override;
+  void drag(const InputEvent& event) override;
+
+ private:
+  ToolRegistry& registry_;
+  Gesture gesture_;
+  viewport::ViewPoint last_;
+};
+
+}  // namespace host::tools

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "host/tools/tool_context.h"
+
+namespace host::tools {
+
+/// Selects what is clicked or lies in a rectangle that is dragged: Shift toggles, Control takes away, both add. One
+/// step of undo a gesture.
+class SelectTool : public ToolContext {
+ public:
+  SelectTool(ToolRegistry& registry, std::string className) : ToolContext(std::move(className)), registry_(registry) {}
+  void press(const InputEvent& event) override;
+  void drag(const InputEvent& event) override;
+  void release(const InputEvent& event) override;
+  void abort() override;
+  void draw(const std::string& panel, viewport::DrawList& list) override;
+
+ private:
+  ToolRegistry& registry_;
+  viewport::ViewPoint start_, end_;
+  std::string panel_;
+  bool isPressed_ = false;
+};
+
+/// The outline of a selection rectangle, in pixels.
+void drawMarquee(viewport::ViewPoint from, viewport::ViewPoint to, viewport::DrawList& list);
+
+}  // namespace host::tools

@@ -1,0 +1,20 @@
+#include "host/tools/tool_context.h"
+
+namespace host::tools {
+
+ToolContext::~ToolContext() = default;
+void ToolContext::setup(const InputEvent&) {}
+void ToolContext::cleanup() {}
+void ToolContext::press(const InputEvent&) {}
+void ToolContext::drag(const InputEvent&) {}
+void ToolContext::release(const InputEvent&) {}
+void ToolContext::hold(const InputEvent&) {}
+void ToolContext::moved(const InputEvent&) {}
+void ToolContext::entered(const InputEvent&) {}
+bool ToolContext::key(const InputEvent&) { return false; }
+void ToolContext::deleteAction() {}
+void ToolContext::complete() {}
+void ToolContext::abort() {}
+void ToolContext::draw(const std::string&, viewport::DrawList&) {}
+
+}  // namespace host::tools
