@@ -55,23 +55,26 @@ inline void compare(char mark, const std::string& file, const std::vector<Expect
   const auto isMarked = [&](const Expectation& e) { return e.mark == mark; };
   std::copy_if(expected.begin(), expected.end(), std::back_inserter(wanted), isMarked);
   std::copy_if(said.begin(), said.end(), std::back_inserter(got), isMarked);
-  const char* what = mark == '>' ? "print" : mark == '!' ? "error" : "warning";
+  const std::string what = mark == '>' ? "print" : mark == '!' ? "error" : "warning";
   for (std::size_t i = 0; i < wanted.size(); ++i) {
-    const std::string place = file + ":" + std::to_string(wanted[i].line);
+    const std::string expectation =
+        file + ":" + std::to_string(wanted[i].line) + ": expected " + what + " \"" + wanted[i].text + "\"";
     if (i >= got.size()) {
-      FAIL_CHECK(place << ": expected " << what << " \"" << wanted[i].text << "\" but there was none");
+      FAIL_CHECK(expectation + " but there was none");
       return;
     }
     const bool matches =
         mark == '>' ? got[i].text == wanted[i].text : got[i].text.find(wanted[i].text) != std::string::npos;
-    CHECK_MESSAGE(matches, place << ": expected " << what << " \"" << wanted[i].text << "\" but got \""
-                                 << got[i].text << "\"");
     const bool isFromThere = got[i].line == 0 || got[i].line == wanted[i].line;
-    CHECK_MESSAGE(isFromThere, place << ": the error names line " << got[i].line << ": " << got[i].text);
+    const std::string outcome = expectation + " but got \"" + got[i].text + "\" from line " + std::to_string(got[i].line);
+    CHECK_MESSAGE(matches, outcome);
+    CHECK_MESSAGE(isFromThere, outcome);
     if (!matches) return;
   }
-  for (std::size_t i = wanted.size(); i < got.size(); ++i)
-    FAIL_CHECK(file << ": unexpected " << what << " \"" << got[i].text << "\"");
+  for (std::size_t i = wanted.size(); i < got.size(); ++i) {
+    const std::string surplus = file + ": unexpected " + what + " \"" + got[i].text + "\"";
+    FAIL_CHECK(surplus);
+  }
 }
 
 /// Runs a script section by section. `run(text, file)` runs one and returns what was said; sections keep their line

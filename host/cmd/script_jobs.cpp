@@ -166,6 +166,7 @@ void ScriptJobs::setCondition(const std::string& name, bool state) {
   if (isNew) return;
   mark(JobTrigger::ConditionChange, name);
   mark(state ? JobTrigger::ConditionTrue : JobTrigger::ConditionFalse, name);
+  if (conditionChanged) conditionChanged(name, state);
 }
 
 bool ScriptJobs::condition(const std::string& name) const {
@@ -180,9 +181,10 @@ void ScriptJobs::mark(JobTrigger trigger, std::string_view subject) {
 
 void ScriptJobs::triggerEvent(std::string_view name) {
   mark(JobTrigger::Event, name);
-  if (name != "timeChanged") return;
-  for (auto& [number, job] : jobs_)
-    if (job.trigger == JobTrigger::TimeChange) job.isPending = true;
+  if (name == "timeChanged")
+    for (auto& [number, job] : jobs_)
+      if (job.trigger == JobTrigger::TimeChange) job.isPending = true;
+  if (eventTriggered) eventTriggered(name);
 }
 
 void ScriptJobs::uiDeleted(std::string_view control) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -52,6 +53,9 @@ class ScriptJobs final : public dg::GraphObserver, public scene::DocumentObserve
   [[nodiscard]] bool condition(const std::string& name) const;
 
   void triggerEvent(std::string_view name);
+  /// Told at once of every event, and of every condition that changes; may be empty.
+  std::function<void(std::string_view name)> eventTriggered;
+  std::function<void(std::string_view name, bool state)> conditionChanged;
   void uiDeleted(std::string_view control);
   /// Takes out the scripts that are due, in order of job number; idle jobs are among them.
   [[nodiscard]] std::vector<std::string> takePending();

@@ -171,6 +171,7 @@ bool Session::processIdle(int maxRounds) {
 
 void Session::step() {
   if (pumpEvents) pumpEvents();
+  if (loopTask) loopTask();
   processIdle();
 }
 

@@ -65,6 +65,8 @@ class Session {
   [[nodiscard]] bool hasIdleWork() const;
   /// Called in every turn of the program's loop before idle work (timers, window events); may be empty.
   std::function<void()> pumpEvents;
+  /// The same for the callbacks of plug-ins.
+  std::function<void()> loopTask;
   /// One turn of the loop.
   void step();
 

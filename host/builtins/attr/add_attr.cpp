@@ -193,11 +193,7 @@ CommandResult queryAttr(Context& context, const ParsedArgs& args) {
     if (const auto* integer = std::get_if<std::int64_t>(&value)) return mel::Value(static_cast<double>(*integer));
     return mel::Value(0.0);
   }
-  if (what == "enumName") {
-    std::string text;
-    for (const dg::EnumField& field : attribute.enumFields) text += (text.empty() ? "" : ":") + field.name;
-    return mel::Value(text);
-  }
+  if (what == "enumName") return mel::Value(enumText(attribute));
   return fail("addAttr: '{}' can't be queried.", what);
 }
 

@@ -88,11 +88,7 @@ CommandResult answer(Context& context, const ParsedArgs& args, dg::Node* node, c
   if (what == "numberOfChildren") return mel::Value(mel::IntArray{static_cast<int>(attribute.children.size())});
   if (what == "listParent")
     return toValue(attribute.parent ? std::vector<std::string>{attribute.parent->longName} : std::vector<std::string>{});
-  if (what == "listEnum") {
-    std::string text;
-    for (const dg::EnumField& field : attribute.enumFields) text += (text.empty() ? "" : ":") + field.name;
-    return toValue({text});
-  }
+  if (what == "listEnum") return toValue({enumText(attribute)});
   return fail("attributeQuery: say what to ask for.");
 }
 

@@ -57,7 +57,7 @@ CommandResult readFlags(Context& context, const ParsedArgs& args, const Plug& pl
     return mel::Value(array ? graph.elementCount(array) : Index{1});
   }
   const Plug array = arrayOf(plug);
-  if (!array) return fail("'{}' is not an array.", plug.name());
+  if (!array) return fail("'{}' is not an array.", plugName(plug));
   HOST_TRY(graph.evaluate(array));
   return mel::Value(mel::IntArray(graph.elementIndices(array)));
 }

@@ -83,13 +83,7 @@ class AttributeLister {
   }
 
   [[nodiscard]] std::string name(const dg::Plug& plug) const {
-    const std::string path = plug.attributePath(usesShort_);
-    if (!plug.attribute()->parent || !plug.attribute()->parent->compoundType.empty() || !args_.has("fullPath")) {
-      // Children of numeric triples and of compounds go by their own name, those of arrays by their path.
-      const bool isUnderArray = plug.levels() > (plug.attribute()->isArray ? 1 : 0);
-      if (!isUnderArray) return usesShort_ ? plug.attribute()->shortName : plug.attribute()->longName;
-    }
-    return path;
+    return args_.has("fullPath") ? plug.attributePath(usesShort_) : attributeName(plug, usesShort_);
   }
 
   dg::Graph& graph_;

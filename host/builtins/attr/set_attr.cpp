@@ -72,7 +72,7 @@ Result<void> checkLimits(const Plug& plug, const scene::Units& units, const mel:
   if (!attribute.isNumeric() || (!attribute.minimum && !attribute.maximum)) return {};
   const double stored = value.toFloat().value_or(0) * unitFactor(attribute.type, units);
   if ((attribute.minimum && stored < *attribute.minimum) || (attribute.maximum && stored > *attribute.maximum))
-    return fail("setAttr: Cannot set the attribute '{}' past its minimum or maximum value.", plug.name());
+    return fail("setAttr: Cannot set the attribute '{}' past its minimum or maximum value.", plugName(plug));
   return {};
 }
 
@@ -107,15 +107,15 @@ Result<void> setValues(Context& context, const ParsedArgs& args, const Plug& plu
   scene::Document& document = context.document;
   if (auto settable = document.graph().settable(plug); !settable) {
     if (plug.attribute()->writable)
-      return fail("setAttr: The attribute '{}' is locked or connected and cannot be modified.", plug.name());
+      return fail("setAttr: The attribute '{}' is locked or connected and cannot be modified.", plugName(plug));
     return settable;
   }
   if (args.has("type"))
     return writeTyped(document.graph(), document.units(), plug, args.text("type"), values);
   std::vector<mel::Value> flat = spread(values);
   if (plug.attribute()->type == dg::AttributeType::String)
-    return fail("setAttr: '{}' is not numeric: use -type \"string\".", plug.name());
-  if (plug.isArray()) return fail("setAttr: '{}' is an array: say which elements to set.", plug.name());
+    return fail("setAttr: '{}' is not numeric: use -type \"string\".", plugName(plug));
+  if (plug.isArray()) return fail("setAttr: '{}' is an array: say which elements to set.", plugName(plug));
   if (!plug.isCompound() && flat.size() == 1) {
     if (args.has("clamp"))
       clampToLimits(plug, document.units(), flat.front());
@@ -123,7 +123,7 @@ Result<void> setValues(Context& context, const ParsedArgs& args, const Plug& plu
       HOST_TRY(checkLimits(plug, document.units(), flat.front()));
   }
   if (flat.size() != leafCount(*plug.attribute()))
-    return fail("setAttr: Error reading data for '{}': it takes {} values, not {}.", plug.name(),
+    return fail("setAttr: Error reading data for '{}': it takes {} values, not {}.", plugName(plug),
                 leafCount(*plug.attribute()), flat.size());
   auto count = writeNumbers(document.graph(), document.units(), plug, flat);
   if (!count) return failWith(std::move(count.error()));

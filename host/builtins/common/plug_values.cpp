@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/builtins/common/command.h"
 #include "host/scene/component.h"
 
 namespace host::builtins {
@@ -134,7 +135,7 @@ Result<dg::Value> leafFrom(const Plug& plug, const scene::Units& units, const me
     const std::string& text = value.string();
     const bool looksNumeric = !text.empty() && text.find_first_not_of("0123456789.+-eE") == std::string::npos;
     if (!looksNumeric && !(type == AttributeType::Bool && value.toBool()))
-      return fail("'{}' is a numeric attribute and can't take the string \"{}\".", plug.name(), text);
+      return fail("'{}' is a numeric attribute and can't take the string \"{}\".", plugName(plug), text);
     if (!looksNumeric) return dg::Value(std::int64_t{value.toBool().value_or(false)});
   }
   if (type == AttributeType::Bool || type == AttributeType::Enum || isInteger(type)) {
@@ -144,7 +145,7 @@ Result<dg::Value> leafFrom(const Plug& plug, const scene::Units& units, const me
     return dg::Value(std::int64_t{*integer});
   }
   if (!plug.attribute()->isNumeric() && type != AttributeType::Generic)
-    return fail("'{}' is not a numeric attribute: say which -type the value has.", plug.name());
+    return fail("'{}' is not a numeric attribute: say which -type the value has.", plugName(plug));
   auto real = value.toFloat();
   if (!real) return failWith(std::move(real.error()));
   switch (type) {
@@ -241,6 +242,18 @@ Result<std::vector<std::string>> countedWords(std::span<const mel::Value> values
 
 }  // namespace
 
+std::string enumText(const dg::Attribute& attribute) {
+  std::string text;
+  std::int64_t next = 0;
+  for (const dg::EnumField& field : attribute.enumFields) {
+    if (!text.empty()) text += ":";
+    text += field.name;
+    if (field.value != next) text += "=" + std::to_string(field.value);
+    next = field.value + 1;
+  }
+  return text;
+}
+
 std::size_t leafCount(const dg::Attribute& attribute) {
   if (!attribute.isCompound()) return 1;
   std::size_t count = 0;
@@ -267,7 +280,7 @@ Result<std::string> readEnumField(dg::Graph& graph, const Plug& plug) {
   const auto* number = std::get_if<std::int64_t>(&*value);
   for (const dg::EnumField& field : plug.attribute()->enumFields)
     if (number && field.value == *number) return field.name;
-  return fail("'{}' has no name for its value.", plug.name());
+  return fail("'{}' has no name for its value.", plugName(plug));
 }
 
 Result<void> writeLeaf(dg::Graph& graph, const scene::Units& units, const Plug& plug, const mel::Value& value) {
@@ -279,7 +292,7 @@ Result<void> writeLeaf(dg::Graph& graph, const scene::Units& units, const Plug& 
 Result<std::size_t> writeNumbers(dg::Graph& graph, const scene::Units& units, const Plug& plug,
                                  std::span<const mel::Value> values) {
   if (!plug.isCompound()) {
-    if (values.empty()) return fail("There is no value for '{}'.", plug.name());
+    if (values.empty()) return fail("There is no value for '{}'.", plugName(plug));
     HOST_TRY(writeLeaf(graph, units, plug, values.front()));
     return std::size_t{1};
   }
@@ -328,7 +341,7 @@ Result<void> writeTyped(dg::Graph& graph, const scene::Units& units, const Plug&
     }
     return graph.set(plug, dg::Value(dg::DataPtr(std::make_shared<scene::ComponentListData>(std::move(components)))));
   }
-  return fail("setAttr: unknown -type '{}' for '{}'.", type, plug.name());
+  return fail("setAttr: unknown -type '{}' for '{}'.", type, plugName(plug));
 }
 
 }  // namespace host::builtins

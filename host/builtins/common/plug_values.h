@@ -28,6 +28,9 @@ Result<void> writeLeaf(dg::Graph& graph, const scene::Units& units, const dg::Pl
 Result<void> writeTyped(dg::Graph& graph, const scene::Units& units, const dg::Plug& plug, const std::string& type,
                         std::span<const mel::Value> values);
 
+/// "low:mid=5:high": the fields, with a value where it is not the one after the field before.
+[[nodiscard]] std::string enumText(const dg::Attribute& attribute);
+
 /// How many leaves a plug has: 1, or those of the compound.
 [[nodiscard]] std::size_t leafCount(const dg::Attribute& attribute);
 /// Factor between a stored value and the one scripts see: stored = shown * factor.

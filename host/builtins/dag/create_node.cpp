@@ -31,7 +31,7 @@ CommandResult spaceLocator(Context& context, const ParsedArgs& args) {
   scene::Document& document = context.document;
   auto transform = document.createNode("transform", args.text("name", "locator#"));
   if (!transform) return failWith(std::move(transform.error()));
-  auto shape = document.createNode("locator", (*transform)->name() + "Shape", transform->get());
+  auto shape = document.createNode("locator", shapeNameFor((*transform)->name()), transform->get());
   if (!shape) return failWith(std::move(shape.error()));
   if (args.has("position")) {
     const math::Vec3 position = args.vec3("position");

@@ -87,7 +87,7 @@ class Duplicator {
         const Plug intermediate = child->plug("intermediateObject");
         auto value = document_.graph().get(intermediate);
         if (value && dg::equal(*value, std::int64_t{1})) continue;
-        auto shape = copyOne(*child, copy.name() + "Shape", &copy);
+        auto shape = copyOne(*child, shapeNameFor(copy.name()), &copy);
         if (!shape) return failWith(std::move(shape.error()));
         continue;
       }

@@ -20,20 +20,27 @@ Result<void> reparentObject(scene::Document& document, const scene::DagPath& pat
   return nodes::setLocalMatrix(node, before * *inverse);
 }
 
-math::Box worldBox(const scene::DagPath& path) {
+namespace {
+
+/// `matrix` takes what is directly under the path to the space of the box.
+math::Box boxUnder(const scene::DagPath& path, const math::Matrix4& matrix) {
   math::Box box;
   for (const scene::DagPath& shape : path.shapes()) {
     if (!shape.node()->plug("outMesh")) continue;
     const auto mesh = nodes::evaluatedMesh(*shape.node());
     if (!mesh) continue;
-    const math::Matrix4 matrix = shape.inclusiveMatrix();
     for (const math::Vec3f& point : mesh->points()) box.add(math::transformPoint(math::Vec3(point), matrix));
   }
   if (!scene::isTransform(*path.node())) return box;
   for (scene::Node* child : scene::dagLinks(*path.node()).children)
-    if (scene::isTransform(*child)) box.add(worldBox(path.child(child)));
+    if (scene::isTransform(*child)) box.add(boxUnder(path.child(child), scene::localMatrix(*child) * matrix));
   return box;
 }
+
+}  // namespace
+
+math::Box objectBox(const scene::DagPath& path) { return boxUnder(path, {}); }
+math::Box worldBox(const scene::DagPath& path) { return boxUnder(path, path.inclusiveMatrix()); }
 
 Result<math::Box> worldBox(const scene::SelectionItem& item) {
   if (item.isObject()) return item.isDag() ? worldBox(item.path) : math::Box{};

@@ -11,7 +11,9 @@ namespace host::builtins {
 Result<void> reparentObject(scene::Document& document, const scene::DagPath& path, scene::Node* parent,
                             bool isRelative);
 
-/// The box around what is below a path and at it, in world space; intermediate shapes don't count.
+/// The box around all meshes at and below a path; intermediate shapes don't count. In the space of the object itself, or
+/// of the world.
+[[nodiscard]] math::Box objectBox(const scene::DagPath& path);
 [[nodiscard]] math::Box worldBox(const scene::DagPath& path);
 /// The same around evaluated components, exact.
 [[nodiscard]] Result<math::Box> worldBox(const scene::SelectionItem& item);

@@ -90,13 +90,11 @@ CommandResult group(Context& context, const ParsedArgs& args) {
   scene::Node& node = **created;
   for (const DagPath& path : paths) HOST_TRY(reparentObject(document, path, &node, args.has("relative")));
   const DagPath path = scene::firstPath(node);
-  if (const math::Box box = worldBox(path); !box.isEmpty()) {
+  if (const math::Box box = objectBox(path); !box.isEmpty()) {
     auto components = nodes::readTransform(node);
-    const auto inverse = math::inverse(path.inclusiveMatrix());
-    if (components && inverse) {
-      components->rotatePivot = components->scalePivot = math::transformPoint(box.center(), *inverse);
-      HOST_TRY(nodes::writeTransform(node, *components));
-    }
+    if (!components) return failWith(std::move(components.error()));
+    components->rotatePivot = components->scalePivot = box.center();
+    HOST_TRY(nodes::writeTransform(node, *components));
   }
   scene::SelectionList list;
   list.add(path);

@@ -73,12 +73,13 @@ CommandResult queryComponents(const std::vector<MeshItem>& items, bool isWorld, 
 CommandResult queryBox(const scene::SelectionList& list, bool isWorld, const scene::Units& units) {
   math::Box box;
   for (const scene::SelectionItem& item : list.items()) {
+    if (!isWorld && item.isDag() && item.isObject()) {
+      box.add(objectBox(item.path));
+      continue;
+    }
     auto own = worldBox(item);
     if (!own) return failWith(std::move(own.error()));
-    if (own->isEmpty()) continue;
-    const auto inverse = isWorld || !item.isDag() ? std::optional<Matrix4>(Matrix4{})
-                                                  : math::inverse(item.path.exclusiveMatrix());
-    box.add(inverse ? own->transformed(*inverse) : *own);
+    box.add(*own);
   }
   if (box.isEmpty()) box = math::Box({}, {});
   mel::FloatArray result = numbers(box.min, units.toCentimeters(1.0));
@@ -122,10 +123,7 @@ Result<void> applyPivots(const ObjectTransform& object, const ParsedArgs& args, 
     return args.has("worldSpace") && inverse ? math::transformPoint(p, *inverse) : p;
   };
   if (args.has("zeroTransformPivots")) setPivots(c, {}, true, true);
-  if (args.has("centerPivots") && inverse) {
-    const math::Box box = worldBox(object.path);
-    setPivots(c, math::transformPoint(box.center(), *inverse), true, true);
-  }
+  if (args.has("centerPivots")) setPivots(c, objectBox(object.path).center(), true, true);
   const bool isRelative = args.has("relative");
   if (args.has("pivots")) setPivots(c, local(args.vec3("pivots")), true, true);
   if (args.has("rotatePivot"))

@@ -9,12 +9,6 @@ namespace host::builtins {
 using dg::Node;
 using dg::Plug;
 
-std::string shapeNameFor(const std::string& transformName) {
-  std::size_t digits = transformName.size();
-  while (digits > 0 && transformName[digits - 1] >= '0' && transformName[digits - 1] <= '9') --digits;
-  return transformName.substr(0, digits) + "Shape" + transformName.substr(digits);
-}
-
 Syntax& addHistoryFlags(Syntax& syntax) {
   return syntax.flag("n", "name", {ArgType::String})
       .flag("ch", "constructionHistory", {ArgType::Bool})

@@ -10,9 +10,6 @@
 
 namespace host::builtins {
 
-/// Splits a name at its trailing number and puts "Shape" between: "pCube1" gives "pCubeShape1".
-[[nodiscard]] std::string shapeNameFor(const std::string& transformName);
-
 /// A command that puts one history node in front of each mesh it works on.
 struct HistoryCommand {
   std::string nodeType;                               ///< also the name of the nodes, with a number

@@ -59,8 +59,10 @@ TEST_CASE("every command script does what its comments say, and undo takes all o
   std::filesystem::remove_all(scratch);
   std::filesystem::create_directories(scratch);
   ::setenv("QXMT_COMMAND_TEST_FOLDER", scratch.c_str(), 1);
-  const auto scripts = script_test::scriptsIn(std::filesystem::path(QXMT_SOURCE_DIR) / "tests/scripts/commands");
+  const std::filesystem::path root = std::filesystem::path(QXMT_SOURCE_DIR) / "tests/scripts";
+  auto scripts = script_test::scriptsIn(root / "commands");
   REQUIRE(!scripts.empty());
+  for (const auto& script : script_test::scriptsIn(root / "ui")) scripts.push_back(script);
   for (const std::filesystem::path& script : scripts) {
     INFO(script.string());
     const auto session = builtins::makeSession();
