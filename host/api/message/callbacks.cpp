@@ -1,0 +1,292 @@
+#include "host/api/message/callbacks.h"
+
+#include <dlfcn.h>
+
+#include <maya/MDagMessage.h>
+#include <maya/MNodeMessage.h>
+#include <maya/MSceneMessage.h>
+
+#include <algorithm>
+#include <chrono>
+#include <exception>
+
+#include "host/api/plugin/loader.h"
+#include "host/base/messages.h"
+
+namespace host::api {
+namespace {
+
+constexpr std::size_t kKindCount = static_cast<std::size_t>(CallbackKind::TimeChanged) + 1;
+
+double secondsNow() {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+/// The plug-in whose module holds the function; null for functions of the program.
+PluginRecord* ownerOf(const void* function) {
+  auto* loader = dynamic_cast<Loader*>(cmd::currentSession().pluginLoader.get());
+  Dl_info info{};
+  if (!loader || !function || dladdr(function, &info) == 0 || !info.dli_fname) return registeringPlugin();
+  const auto record = loader->find(info.dli_fname);
+  return record ? record.get() : registeringPlugin();
+}
+
+std::string registrationName(MCallbackId id) { return fmt::format("callback {}", id); }
+
+int attributeMessage(dg::AttributeEvent event) {
+  using E = dg::AttributeEvent;
+  switch (event) {
+    case E::Set: return MNodeMessage::kAttributeSet;
+    case E::ConnectionMade: return MNodeMessage::kConnectionMade;
+    case E::ConnectionBroken: return MNodeMessage::kConnectionBroken;
+    case E::Locked: return MNodeMessage::kAttributeLocked;
+    case E::Unlocked: return MNodeMessage::kAttributeUnlocked;
+    case E::Added: return MNodeMessage::kAttributeAdded;
+    case E::Removed: return MNodeMessage::kAttributeRemoved;
+    case E::ArrayElementAdded: return MNodeMessage::kAttributeArrayAdded;
+    case E::ArrayElementRemoved: return MNodeMessage::kAttributeArrayRemoved;
+    case E::KeyableChanged: return MNodeMessage::kAttributeKeyable;
+    case E::Evaluated: return MNodeMessage::kAttributeEval;
+    case E::Renamed: return MNodeMessage::kAttributeRenamed;
+  }
+  return 0;
+}
+
+}  // namespace
+
+Callbacks& callbacks() { return cmd::currentSession().service<Callbacks>(); }
+
+Callbacks::Callbacks() : clock(secondsNow), document_(cmd::currentSession().document()), counts_(kKindCount, 0) {
+  document_.graph().addObserver(this);
+  document_.addObserver(this);
+  cmd::ScriptJobs& jobs = cmd::currentSession().scriptJobs();
+  jobs.eventTriggered = [this](std::string_view name) {
+    fire(CallbackKind::Event, {.text = std::string(name)});
+    if (name == "timeChanged") fire(CallbackKind::TimeChanged, {});
+    const auto scene = [this](MSceneMessage::Message message) { fire(CallbackKind::Scene, {.message = message}); };
+    if (name == "SceneOpened") scene(MSceneMessage::kAfterOpen);
+    if (name == "SceneImported") scene(MSceneMessage::kAfterImport);
+    if (name == "SceneSaved") scene(MSceneMessage::kAfterSave);
+    if (name == "NewSceneOpened") scene(MSceneMessage::kAfterNew);
+  };
+  jobs.conditionChanged = [this](std::string_view name, bool state) {
+    fire(CallbackKind::Condition, {.text = std::string(name), .flag = state});
+  };
+  cmd::currentSession().loopTask = [this] {
+    runTimers();
+    reportDestroyed();
+    fire(CallbackKind::Event, {.text = "idle"});
+  };
+}
+
+Callbacks::~Callbacks() {
+  cmd::currentSession().scriptJobs().eventTriggered = {};
+  cmd::currentSession().scriptJobs().conditionChanged = {};
+  cmd::currentSession().loopTask = {};
+  document_.graph().removeObserver(this);
+  document_.removeObserver(this);
+}
+
+MCallbackId Callbacks::add(Callback callback, const void* function) {
+  const MCallbackId id = next_++;
+  if (callback.kind == CallbackKind::Timer) {
+    callback.last = clock();
+    callback.due = callback.last + callback.period;
+  }
+  ++counts_[static_cast<std::size_t>(callback.kind)];
+  callbacks_.emplace(id, std::move(callback));
+  if (PluginRecord* owner = ownerOf(function))
+    owner->add(PluginRecord::Registration::Kind::Other, registrationName(id), [id] { (void)callbacks().remove(id); });
+  return id;
+}
+
+bool Callbacks::remove(MCallbackId id) {
+  const auto found = callbacks_.find(id);
+  if (found == callbacks_.end()) return false;
+  --counts_[static_cast<std::size_t>(found->second.kind)];
+  callbacks_.erase(found);
+  if (auto* loader = dynamic_cast<Loader*>(cmd::currentSession().pluginLoader.get()))
+    for (const std::string& name : loader->loaded())
+      if (const auto record = loader->find(name))
+        std::erase_if(record->registrations, [&](const auto& each) { return each.name == registrationName(id); });
+  return true;
+}
+
+std::vector<MCallbackId> Callbacks::ofNode(const dg::Node& node) const {
+  std::vector<MCallbackId> ids;
+  for (const auto& [id, callback] : callbacks_)
+    if (callback.isForOneNode && callback.node.lock().get() == &node) ids.push_back(id);
+  return ids;
+}
+
+bool Callbacks::fits(const Callback& callback, const Happening& happening) {
+  if (callback.isForOneNode && callback.node.lock().get() != happening.node) return false;
+  switch (callback.kind) {
+    case CallbackKind::NodeAdded:
+    case CallbackKind::NodeRemoved:
+      return callback.subject.empty() || callback.subject == "dependNode" || happening.node->type().isA(callback.subject);
+    case CallbackKind::Event:
+    case CallbackKind::UserEvent:
+    case CallbackKind::Condition: return callback.subject == happening.text;
+    case CallbackKind::Scene:
+    case CallbackKind::SceneCheck:
+    case CallbackKind::SceneText: return callback.message == happening.message;
+    case CallbackKind::DagChange: return callback.message < 0 || callback.message == happening.message;
+    default: return true;
+  }
+}
+
+void Callbacks::fire(CallbackKind kind, Happening& happening) {
+  if (!waits(kind)) return;
+  std::vector<MCallbackId> due;
+  for (const auto& [id, callback] : callbacks_)
+    if (callback.kind == kind && fits(callback, happening)) due.push_back(id);
+  for (const MCallbackId id : due) {
+    const auto found = callbacks_.find(id);
+    if (found == callbacks_.end()) continue;  // an earlier one removed it
+    const auto call = found->second.call;
+    const scene::Journal::Scope unrecorded(document_.journal(), nullptr);
+    running_.push_back(id);
+    try {
+      call(happening);
+    } catch (const std::exception& exception) {
+      postMessage(MessageKind::Error, fmt::format("A callback threw an exception: {}", exception.what()));
+    } catch (...) {
+      postMessage(MessageKind::Error, "A callback threw an exception");
+    }
+    running_.pop_back();
+  }
+}
+
+void Callbacks::runTimers() {
+  if (!waits(CallbackKind::Timer)) return;
+  const double now = clock();
+  std::vector<MCallbackId> due;
+  for (const auto& [id, callback] : callbacks_)
+    if (callback.kind == CallbackKind::Timer && callback.due <= now) due.push_back(id);
+  for (const MCallbackId id : due) {
+    const auto found = callbacks_.find(id);
+    if (found == callbacks_.end()) continue;
+    Callback& timer = found->second;
+    Happening tick{.elapsed = now - timer.last, .since = timer.last};
+    timer.last = now;
+    timer.due = now + timer.period;
+    const auto call = timer.call;
+    running_.push_back(id);
+    try {
+      call(tick);
+    } catch (...) {
+      postMessage(MessageKind::Error, "A timer callback threw an exception");
+    }
+    running_.pop_back();
+  }
+}
+
+void Callbacks::reportDestroyed() {
+  if (!waits(CallbackKind::NodeDestroyed)) return;
+  std::vector<MCallbackId> gone;
+  for (const auto& [id, callback] : callbacks_)
+    if (callback.kind == CallbackKind::NodeDestroyed && callback.node.expired()) gone.push_back(id);
+  for (const MCallbackId id : gone) {
+    const auto found = callbacks_.find(id);
+    if (found == callbacks_.end()) continue;
+    const auto call = found->second.call;
+    Happening end;
+    call(end);
+    (void)remove(id);
+  }
+}
+
+void Callbacks::nodeAdded(dg::Node& node) {
+  if (!waits(CallbackKind::NodeAdded) && !waits(CallbackKind::NodeAddedToModel)) return;
+  // A node of the hierarchy is told of once it has its place there, so that a callback can ask for its path.
+  if (node.type().isA("dagNode")) {
+    unlinked_.push_back(&node);
+    return;
+  }
+  fire(CallbackKind::NodeAdded, {.node = &node});
+}
+void Callbacks::nodeAboutToBeRemoved(dg::Node& node) {
+  fire(CallbackKind::NodeAboutToDelete, {.node = &node});
+  fire(CallbackKind::NodePreRemoval, {.node = &node});
+}
+void Callbacks::nodeRemoved(dg::Node& node) {
+  std::erase(unlinked_, &node);
+  fire(CallbackKind::NodeRemoved, {.node = &node});
+  fire(CallbackKind::NodeRemovedFromModel, {.node = &node});
+}
+void Callbacks::nodeRenamed(dg::Node& node, const std::string& oldName) {
+  fire(CallbackKind::NameChanged, {.node = &node, .text = oldName});
+}
+void Callbacks::attributeEvent(dg::AttributeEvent event, const dg::Plug& plug, const dg::Plug& other) {
+  using E = dg::AttributeEvent;
+  const bool isConnection = event == E::ConnectionMade || event == E::ConnectionBroken;
+  const int message = attributeMessage(event);
+  if (isConnection)
+    fire(CallbackKind::Connection, {.plug = plug, .other = other, .flag = event == E::ConnectionMade});
+  if (event == E::Added || event == E::Removed) {
+    fire(CallbackKind::AttributeAddedOrRemoved, {.node = plug.node(), .plug = plug, .message = message});
+    return;
+  }
+  if (!waits(CallbackKind::AttributeChanged)) return;
+  if (!isConnection) {
+    fire(CallbackKind::AttributeChanged, {.node = plug.node(), .plug = plug, .other = other, .message = message});
+    return;
+  }
+  // Both ends hear of a connection; the one that it arrives at is told so.
+  fire(CallbackKind::AttributeChanged, {.node = other.node(), .plug = other, .other = plug, .message = message});
+  fire(CallbackKind::AttributeChanged,
+       {.node = plug.node(), .plug = plug, .other = other, .message = message | MNodeMessage::kIncomingDirection});
+}
+void Callbacks::plugDirty(const dg::Plug& plug) {
+  if (!waits(CallbackKind::NodeDirty) && !waits(CallbackKind::NodeDirtyPlug)) return;
+  fire(CallbackKind::NodeDirty, {.node = plug.node(), .plug = plug});
+  fire(CallbackKind::NodeDirtyPlug, {.node = plug.node(), .plug = plug});
+}
+void Callbacks::selectionChanged() { fire(CallbackKind::SelectionChanged, {}); }
+void Callbacks::dagChanged(dg::Node& child, dg::Node* parent, bool added) {
+  if (added && std::erase(unlinked_, &child) > 0) {
+    fire(CallbackKind::NodeAdded, {.node = &child});
+    fire(CallbackKind::NodeAddedToModel, {.node = &child});
+  }
+  if (!waits(CallbackKind::DagChange)) return;
+  const MDagPath above = parent ? wrap(scene::firstPath(*parent)) : wrap(scene::DagPath());
+  const MDagPath below = scene::dagLinks(child).parents.empty() ? wrap(scene::DagPath({&child}))
+                                                                : wrap(scene::firstPath(child));
+  const bool isInstance = scene::dagLinks(child).parents.size() > (added ? 1u : 0u);
+  const auto tell = [&](int message) {
+    fire(CallbackKind::DagChange, {.node = &child, .message = message, .child = below, .parent = above});
+  };
+  tell(added ? MDagMessage::kParentAdded : MDagMessage::kParentRemoved);
+  tell(added ? MDagMessage::kChildAdded : MDagMessage::kChildRemoved);
+  if (isInstance) tell(added ? MDagMessage::kInstanceAdded : MDagMessage::kInstanceRemoved);
+}
+void Callbacks::cleared(bool before) {
+  if (before) fire(CallbackKind::Scene, {.message = MSceneMessage::kBeforeNew});
+}
+
+}  // namespace host::api
+
+using namespace host;
+
+MStatus MMessage::removeCallback(MCallbackId id) {
+  return api::callbacks().remove(id) ? MStatus::kSuccess : MStatus::kInvalidParameter;
+}
+MStatus MMessage::removeCallbacks(const MCallbackIdArray& ids) {
+  MStatus status;
+  for (unsigned int i = 0; i < ids.length(); ++i)
+    if (!removeCallback(ids[i])) status = MStatus::kInvalidParameter;
+  return status;
+}
+MStatus MMessage::nodeCallbacks(const MObject& node, MCallbackIdArray& ids) {
+  ids.clear();
+  const dg::Node* inner = api::nodeOf(node);
+  if (!inner) return MStatus::kInvalidParameter;
+  for (const MCallbackId id : api::callbacks().ofNode(*inner)) ids.append(id);
+  return MStatus::kSuccess;
+}
+MCallbackId MMessage::currentCallbackId(MStatus* status) {
+  const MCallbackId id = api::callbacks().current();
+  api::setStatus(status, id ? MStatus::kSuccess : MStatus::kFailure);
+  return id;
+}

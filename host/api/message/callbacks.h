@@ -1,0 +1,100 @@
+#pragma once
+
+#include <maya/MMessage.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/api/core/access.h"
+#include "host/cmd/session.h"
+
+namespace host::api {
+
+/// What a callback waits for.
+enum class CallbackKind {
+  AttributeChanged, AttributeAddedOrRemoved, NodeDirty, NodeDirtyPlug, NameChanged, NodeAboutToDelete, NodePreRemoval,
+  NodeDestroyed, NodeAdded, NodeRemoved, Connection, DagChange, SelectionChanged, BeforeDuplicate, AfterDuplicate,
+  NodeAddedToModel, NodeRemovedFromModel, Event, Timer, UserEvent, Scene, SceneCheck, SceneText, Condition,
+  TimeChanged,
+};
+
+/// One thing that happened, for the callbacks that wait for its kind.
+struct Happening {
+  dg::Node* node = nullptr;
+  dg::Plug plug = {}, other = {};
+  int message = 0;       ///< an attribute, DAG or scene message
+  std::string text = {};  ///< old name, event or condition
+  bool flag = false;     ///< made, state
+  double elapsed = 0, since = 0;
+  MDagPath child = {}, parent = {};
+  void* data = nullptr;
+  bool isRefused = false;  ///< set by a check callback
+};
+
+/// The callbacks that plug-ins have registered with one session. Hears of everything as it happens.
+///
+/// What a callback changes in the document isn't recorded: it follows from the edit that it was told of. A callback may
+/// remove itself or others while it runs.
+class Callbacks final : public dg::GraphObserver, public scene::DocumentObserver {
+ public:
+  struct Callback {
+    CallbackKind kind = CallbackKind::Event;
+    std::weak_ptr<dg::Node> node;
+    bool isForOneNode = false;
+    std::string subject;  ///< an event, a condition, a node type
+    int message = 0;
+    std::function<void(Happening&)> call;
+    double period = 0, due = 0, last = 0;  ///< timers, seconds
+  };
+
+  Callbacks();
+  ~Callbacks() override;
+
+  /// `function` tells whose callback it is: the plug-in's module has to take it along when it goes.
+  MCallbackId add(Callback callback, const void* function);
+  bool remove(MCallbackId id);
+  [[nodiscard]] std::vector<MCallbackId> ofNode(const dg::Node& node) const;
+  [[nodiscard]] MCallbackId current() const { return running_.empty() ? 0 : running_.back(); }
+  /// Calls those that wait for this, in the order in which they were added.
+  void fire(CallbackKind kind, Happening& happening);
+  void fire(CallbackKind kind, Happening&& happening) { fire(kind, happening); }
+
+  /// Seconds that timers go by; a test puts its own in.
+  std::function<double()> clock;
+  /// Calls the timers that are due; each once, however late it is. Runs in every turn of the program's loop.
+  void runTimers();
+  /// Tells those that wait for the end of a node that has left the undo queue too.
+  void reportDestroyed();
+  /// User events that plug-ins have defined.
+  std::vector<std::string> userEvents;
+
+  void nodeAdded(dg::Node& node) override;
+  void nodeAboutToBeRemoved(dg::Node& node) override;
+  void nodeRemoved(dg::Node& node) override;
+  void nodeRenamed(dg::Node& node, const std::string& oldName) override;
+  void attributeEvent(dg::AttributeEvent event, const dg::Plug& plug, const dg::Plug& other) override;
+  void plugDirty(const dg::Plug& plug) override;
+  void selectionChanged() override;
+  void dagChanged(dg::Node& child, dg::Node* parent, bool added) override;
+  void cleared(bool before) override;
+
+ private:
+  [[nodiscard]] bool waits(CallbackKind kind) const { return counts_[static_cast<std::size_t>(kind)] > 0; }
+  [[nodiscard]] static bool fits(const Callback& callback, const Happening& happening);
+
+  scene::Document& document_;
+  std::map<MCallbackId, Callback> callbacks_;
+  std::vector<int> counts_;
+  std::vector<MCallbackId> running_;
+  std::vector<const dg::Node*> unlinked_;  ///< DAG nodes that were added and have no place in the hierarchy yet
+  MCallbackId next_ = 1;
+};
+
+/// This session's; made on first use.
+[[nodiscard]] Callbacks& callbacks();
+
+}  // namespace host::api
