@@ -1,0 +1,160 @@
+#include <maya/MAnimControl.h>
+#include <maya/MCommonSystemUtils.h>
+#include <maya/MProgressWindow.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+
+#include "host/api/core/access.h"
+#include "host/cmd/session.h"
+
+namespace host::api {
+namespace {
+
+/// The playback range; the time itself is time1's.
+struct Playback {
+  MTime start{1.0, MTime::kFilm}, end{24.0, MTime::kFilm};
+  MTime first{1.0, MTime::kFilm}, last{48.0, MTime::kFilm};
+};
+Playback& playback() { return cmd::currentSession().service<Playback>(); }
+
+dg::Plug timePlug() {
+  const auto plug = document().plug("time1.outTime");
+  return plug ? *plug : dg::Plug();
+}
+
+/// The one progress display that there is.
+struct Progress {
+  bool isReserved = false, isRunning = false, isInterruptable = false;
+  std::string title, status;
+  int minimum = 0, maximum = 100, value = 0;
+};
+Progress& progressState() { return cmd::currentSession().service<Progress>(); }
+
+/// Only the job that has the display may change it.
+template <class Change>
+MStatus changeProgress(const Change& change) {
+  Progress& progress = progressState();
+  if (!progress.isReserved) return MStatus::kFailure;
+  change(progress);
+  progress.value = std::clamp(progress.value, progress.minimum, std::max(progress.minimum, progress.maximum));
+  return MStatus::kSuccess;
+}
+
+Progress& progressFor(MStatus* status) {
+  setStatus(status, MStatus::kSuccess);
+  return progressState();
+}
+
+}  // namespace
+}  // namespace host::api
+
+using namespace host;
+using api::changeProgress;
+using api::playback;
+using api::progressState;
+using api::setStatus;
+
+MTime MAnimControl::currentTime() {
+  const dg::Plug plug = api::timePlug();
+  return plug ? api::wrap(plug).asMTime() : MTime();
+}
+MStatus MAnimControl::setCurrentTime(const MTime& time) {
+  const dg::Plug plug = api::timePlug();
+  if (!plug) return MStatus::kFailure;
+  const MStatus status = api::wrap(plug).setMTime(time);
+  if (status) cmd::currentSession().scriptJobs().triggerEvent("timeChanged");
+  return status;
+}
+MTime MAnimControl::minTime() { return playback().start; }
+MTime MAnimControl::maxTime() { return playback().end; }
+MStatus MAnimControl::setMinTime(const MTime& time) { return setMinMaxTime(time, std::max(time, maxTime())); }
+MStatus MAnimControl::setMaxTime(const MTime& time) { return setMinMaxTime(std::min(time, minTime()), time); }
+MStatus MAnimControl::setMinMaxTime(const MTime& minTime, const MTime& maxTime) {
+  if (maxTime < minTime) return MStatus::kInvalidParameter;
+  playback().start = minTime;
+  playback().end = maxTime;
+  return MStatus::kSuccess;
+}
+MTime MAnimControl::animationStartTime() { return playback().first; }
+MTime MAnimControl::animationEndTime() { return playback().last; }
+MStatus MAnimControl::setAnimationStartTime(const MTime& time) {
+  playback().first = time;
+  return MStatus::kSuccess;
+}
+MStatus MAnimControl::setAnimationEndTime(const MTime& time) {
+  playback().last = time;
+  return MStatus::kSuccess;
+}
+bool MAnimControl::isPlaying() { return false; }
+
+bool MProgressWindow::reserve() {
+  if (progressState().isReserved) return false;
+  progressState() = {};
+  progressState().isReserved = true;
+  return true;
+}
+MStatus MProgressWindow::startProgress() {
+  return changeProgress([](auto& progress) { progress.isRunning = true; });
+}
+MStatus MProgressWindow::endProgress() {
+  if (!progressState().isReserved) return MStatus::kFailure;
+  progressState() = {};
+  return MStatus::kSuccess;
+}
+MStatus MProgressWindow::setTitle(const MString& title) {
+  return changeProgress([&](auto& progress) { progress.title = title.asChar(); });
+}
+MString MProgressWindow::title(MStatus* status) {
+  return api::toMString(api::progressFor(status).title);
+}
+MStatus MProgressWindow::setProgressStatus(const MString& text) {
+  return changeProgress([&](auto& progress) { progress.status = text.asChar(); });
+}
+MString MProgressWindow::progressStatus(MStatus* status) {
+  return api::toMString(api::progressFor(status).status);
+}
+MStatus MProgressWindow::setProgressRange(int min, int max) {
+  if (max < min) return MStatus::kInvalidParameter;
+  return changeProgress([&](auto& progress) {
+    progress.minimum = min;
+    progress.maximum = max;
+  });
+}
+MStatus MProgressWindow::setProgressMin(int min) { return setProgressRange(min, std::max(min, progressMax())); }
+MStatus MProgressWindow::setProgressMax(int max) { return setProgressRange(std::min(progressMin(), max), max); }
+int MProgressWindow::progressMin(MStatus* status) {
+  return api::progressFor(status).minimum;
+}
+int MProgressWindow::progressMax(MStatus* status) {
+  return api::progressFor(status).maximum;
+}
+MStatus MProgressWindow::setProgress(int value) {
+  return changeProgress([&](auto& progress) { progress.value = value; });
+}
+MStatus MProgressWindow::advanceProgress(int amount) { return setProgress(progress() + amount); }
+int MProgressWindow::progress(MStatus* status) {
+  return api::progressFor(status).value;
+}
+MStatus MProgressWindow::setInterruptable(bool interruptable) {
+  return changeProgress([&](auto& progress) { progress.isInterruptable = interruptable; });
+}
+bool MProgressWindow::isInterruptable(MStatus* status) {
+  return api::progressFor(status).isInterruptable;
+}
+bool MProgressWindow::isCancelled() { return false; }
+
+MString MCommonSystemUtils::getEnv(const MString& variable, MStatus* status) {
+  const char* value = std::getenv(variable.asChar());
+  setStatus(status, value ? MStatus::kSuccess : MStatus::kFailure);
+  return value ? MString(value) : MString();
+}
+MStatus MCommonSystemUtils::putEnv(const MString& variable, const MString& value) {
+  return setenv(variable.asChar(), value.asChar(), 1) == 0 ? MStatus::kSuccess : MStatus::kFailure;
+}
+MStatus MCommonSystemUtils::makeDirectory(const MString& path) {
+  std::error_code error;
+  std::filesystem::create_directories(path.asChar(), error);
+  return error ? MStatus::kFailure : MStatus::kSuccess;
+}
