@@ -3,6 +3,7 @@
 #include "commands/circleVertsCmd.h"
 #include "commands/makePlanarCmd.h"
 #include "commands/mergeVertsCmd.h"
+#include "commands/setCommands.h"
 #include "commands/snapVertsToAxisCmd.h"
 #include "commands/straightenCmd.h"
 
@@ -72,7 +73,7 @@ const registrationRow kLoadRows[] = {
     command<straightenCmd>("qxStraightenCmd", "registerCommand"),
     command<mergeVertsCmd>("qxMergeVerts", "merge verts command failed to register"),
     context("modelingContext", "modelingContextCmd", "modeling context failed to register"),
-    command("qxSetCommands", "set commands command failed to register"),
+    command<setCommands>("qxSetCommands", "set commands command failed to register"),
     node(kLocator, "drawLocator", 0x112F8D, "error registering draw locator", kDrawLocatorDb),
     drawOverride(kDrawLocatorDb, "drawLocatorNodePlugin"),
     node(kLocator, "pinLocator", 0x112F8E, "error registering pin locator", kPinLocatorDb),

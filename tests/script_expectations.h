@@ -60,7 +60,7 @@ inline void compare(char mark, const std::string& file, const std::vector<Expect
     const std::string expectation =
         file + ":" + std::to_string(wanted[i].line) + ": expected " + what + " \"" + wanted[i].text + "\"";
     if (i >= got.size()) {
-      FAIL_CHECK(expectation + " but there was none");
+      FAIL_CHECK((expectation + " but there was none"));
       return;
     }
     const bool matches =

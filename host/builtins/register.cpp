@@ -1,5 +1,6 @@
 #include "host/builtins/register.h"
 
+#include "host/builtins/ui/ui_session.h"
 #include "host/nodes/mesh_shape.h"
 
 namespace host::builtins {
@@ -48,6 +49,18 @@ void registerScriptJob(cmd::CommandRegistry&);
 void registerUndo(cmd::CommandRegistry&);
 void registerUnitsAndTime(cmd::CommandRegistry&);
 
+void registerComponentMenu(cmd::CommandRegistry&);
+void registerControlCommands(cmd::CommandRegistry&);
+void registerControlTree(cmd::CommandRegistry&);
+void registerDialogs(cmd::CommandRegistry&);
+void registerIsolateSelect(cmd::CommandRegistry&);
+void registerPanels(cmd::CommandRegistry&);
+void registerSelectPref(cmd::CommandRegistry&);
+void registerToolCommands(cmd::CommandRegistry&);
+void registerUiGesture(cmd::CommandRegistry&);
+void registerViewMessages(cmd::CommandRegistry&);
+void registerWindowPref(cmd::CommandRegistry&);
+
 void registerPlayblast(cmd::CommandRegistry&);
 void registerViewFit(cmd::CommandRegistry&);
 
@@ -62,7 +75,10 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerPolySoftEdge,    registerFilterExpand,  registerLs,             registerPolyListComponentConversion,
       registerSelect,          registerSelectMode,    registerAbout,          registerOptionVar,
       registerPlugins,         registerProgram,       registerScriptJob,      registerUndo,
-      registerUnitsAndTime,    registerPlayblast,     registerViewFit,
+      registerUnitsAndTime,    registerControlCommands, registerControlTree,   registerDialogs,
+      registerUiGesture,       registerWindowPref,    registerComponentMenu,  registerIsolateSelect,
+      registerPanels,          registerSelectPref,    registerToolCommands,   registerViewMessages,
+      registerPlayblast,     registerViewFit,
   };
   for (const auto registration : kRegistrations) registration(registry);
 }
@@ -71,6 +87,7 @@ std::unique_ptr<cmd::Session> makeSession() {
   auto session = std::make_unique<cmd::Session>(
       [](dg::TypeRegistry& types) { nodes::registerBuiltinTypes(types); }, nodes::installNewScene);
   registerBuiltinCommands(session->commands());
+  prepareUi(*session);
   return session;
 }
 
