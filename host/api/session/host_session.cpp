@@ -1,6 +1,7 @@
 #include "host/api/session/host_session.h"
 
 #include "host/api/plugin/loader.h"
+#include "host/api/view/locator_draw.h"
 #include "host/builtins/register.h"
 
 namespace host::api {
@@ -8,6 +9,7 @@ namespace host::api {
 std::unique_ptr<cmd::Session> makeHostSession() {
   auto session = builtins::makeSession();
   installPluginLoader(*session);
+  installLocatorDrawing(*session);
   return session;
 }
 

@@ -54,6 +54,9 @@ tools::ToolRegistry& toolsOf(cmd::Session& session) {
     view.cursor = event.position;
     view.hasCursor = true;
   };
+  session.service<Views>().gatherers.push_back([owner](scene::Document&, const View& view, viewport::SceneView& scene) {
+    toolsOf(*owner).current()->draw(view.panel, scene.extra);
+  });
   registry.currentChanged = [owner] { owner->scriptJobs().triggerEvent("ToolChanged"); };
   return registry;
 }

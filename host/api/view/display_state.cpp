@@ -1,0 +1,113 @@
+#include "host/api/view/display_state.h"
+
+#include "host/api/core/access.h"
+#include "host/api/view/view_access.h"
+#include "host/api/view/view_rep.h"
+#include "host/viewport/display_colors.h"
+
+namespace host::api {
+namespace {
+
+using MHWRender::DisplayStatus;
+
+/// A number of a node, or `otherwise` where it has no such attribute.
+double number(dg::Node& node, std::string_view attribute, double otherwise) {
+  const dg::Plug plug = node.plug(attribute);
+  if (plug.isNull()) return otherwise;
+  const auto value = node.graph().get(plug);
+  if (!value) return otherwise;
+  if (const auto* real = std::get_if<double>(&*value)) return *real;
+  if (const auto* integer = std::get_if<std::int64_t>(&*value)) return static_cast<double>(*integer);
+  return otherwise;
+}
+
+bool isTemplate(dg::Node& node) {
+  return number(node, "template", 0) != 0 ||
+         (number(node, "overrideEnabled", 0) != 0 && number(node, "overrideDisplayType", 0) == 1);
+}
+
+/// What the selection says of a path: dormant, active, lead or with active components.
+DisplayStatus selectionStatus(const scene::DagPath& path) {
+  const auto& items = document().selection().items();
+  DisplayStatus status = MHWRender::kDormant;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    if (!items[i].isDag()) continue;
+    const bool covers = items[i].path == path || items[i].path.isAncestorOf(path);
+    if (!items[i].isObject()) {
+      if (items[i].path.toShape() == path.toShape() && status == MHWRender::kDormant)
+        status = MHWRender::kActiveComponent;
+    } else if (covers) {
+      status = i + 1 == items.size() ? MHWRender::kLead : MHWRender::kActive;
+    }
+  }
+  return status;
+}
+
+}  // namespace
+
+bool isShown(dg::Node& node) {
+  return number(node, "visibility", 1) != 0 && number(node, "lodVisibility", 1) != 0 &&
+         (number(node, "overrideEnabled", 0) == 0 || number(node, "overrideVisibility", 1) != 0);
+}
+
+DisplayStatus displayStatusOf(const scene::DagPath& path) {
+  bool isFaint = false;
+  for (dg::Node* node : path.nodes()) {
+    if (!isShown(*node)) return MHWRender::kInvisible;
+    if (number(*node, "intermediateObject", 0) != 0) return MHWRender::kIntermediateObject;
+    isFaint = isFaint || isTemplate(*node);
+  }
+  const DisplayStatus selected = selectionStatus(path);
+  if (isFaint)
+    return selected == MHWRender::kActive || selected == MHWRender::kLead ? MHWRender::kActiveTemplate
+                                                                          : MHWRender::kTemplate;
+  for (const scene::SelectionItem& item : document().hilite().items())
+    if (item.isDag() && item.path.toShape() == path.toShape()) return MHWRender::kHilite;
+  return selected;
+}
+
+namespace {
+
+/// The colour that an object's override gives its lines; the nearest to the leaf counts.
+const MColor* overrideColor(const scene::DagPath& path) {
+  static MColor color;
+  for (auto node = path.nodes().rbegin(); node != path.nodes().rend(); ++node) {
+    if (number(**node, "overrideEnabled", 0) == 0) continue;
+    const double index = number(**node, "overrideColor", 0);
+    if (index < 1) return nullptr;
+    color = indexedColor(static_cast<unsigned int>(index) - 1);
+    return &color;
+  }
+  return nullptr;
+}
+
+}  // namespace
+}  // namespace host::api
+
+using namespace host;
+using api::setStatus;
+
+namespace MHWRender {
+
+DisplayStatus MGeometryUtilities::displayStatus(const MDagPath& path, MStatus* status) {
+  const bool isValid = path.isValid();
+  setStatus(status, isValid ? MStatus::kSuccess : MStatus::kInvalidParameter);
+  return isValid ? api::displayStatusOf(api::pathOf(path)) : kNoStatus;
+}
+
+MColor MGeometryUtilities::wireframeColor(const MDagPath& path, MStatus* status) {
+  const viewport::DisplayColors& colors = viewport::displayColors();
+  switch (displayStatus(path, status)) {
+    case kLead: return api::toMColor(colors.wireLead);
+    case kActive: return api::toMColor(colors.wireSelected);
+    case kHilite:
+    case kActiveComponent: return api::toMColor(colors.wireHilitedOnly);
+    case kTemplate: return api::toMColor(colors.wireTemplate);
+    case kActiveTemplate: return api::toMColor(colors.vertexSelected);
+    default: break;
+  }
+  const MColor* own = path.isValid() ? api::overrideColor(api::pathOf(path)) : nullptr;
+  return own ? *own : api::toMColor(colors.wireOnly);
+}
+
+}  // namespace MHWRender

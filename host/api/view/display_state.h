@@ -1,0 +1,14 @@
+#pragma once
+
+#include <maya/MHWGeometryUtilities.h>
+
+#include "host/scene/dag.h"
+
+namespace host::api {
+
+/// Whether a node's own attributes let it show; its ancestors' are not asked.
+[[nodiscard]] bool isShown(dg::Node& node);
+/// How the object at a path stands out now. Linear in the path and the selection.
+[[nodiscard]] MHWRender::DisplayStatus displayStatusOf(const scene::DagPath& path);
+
+}  // namespace host::api

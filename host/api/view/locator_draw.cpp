@@ -1,0 +1,141 @@
+#include "host/api/view/locator_draw.h"
+
+#include <maya/MPxLocatorNode.h>
+
+#include <exception>
+
+#include "host/api/node/px_node.h"
+#include "host/api/view/direct_target.h"
+#include "host/api/view/display_state.h"
+#include "host/api/view/draw_registry.h"
+#include "host/api/view/view_access.h"
+#include "host/api/view/view_rep.h"
+#include "host/base/messages.h"
+#include "host/builtins/ui/isolation.h"
+#include "host/builtins/view/views.h"
+
+namespace host::api {
+namespace {
+
+using MHWRender::MPxDrawOverride;
+
+/// The visible shapes that plug-ins draw.
+class LocatorWalk {
+ public:
+  LocatorWalk(scene::Document& document, const builtins::Isolation& isolation, std::string panel)
+      : isolation_(isolation), panel_(std::move(panel)) {
+    for (dg::Node* node : document.worldChildren()) visit(scene::DagPath({node}));
+  }
+  std::vector<scene::DagPath> found;
+
+ private:
+  void visit(const scene::DagPath& path) {
+    dg::Node& node = *path.node();
+    if (!isShown(node)) return;
+    // Only nodes of registered types have something that draws them.
+    if (!node.type().pluginName.empty() && isolation_.shows(panel_, node) &&
+        (drawRegistry().find(node.type().classification) || findNodeClass(node.type())))
+      found.push_back(path);
+    for (dg::Node* child : scene::dagLinks(node).children) visit(path.child(child));
+  }
+  const builtins::Isolation& isolation_;
+  std::string panel_;
+};
+
+template <class Call>
+void fenced(const scene::DagPath& path, const Call& call) {
+  try {
+    call();
+  } catch (const std::exception& exception) {
+    postMessage(MessageKind::Error,
+                fmt::format("Drawing '{}' threw an exception: {}", path.partialName(), exception.what()));
+  } catch (...) {
+    postMessage(MessageKind::Error, fmt::format("Drawing '{}' threw an exception", path.partialName()));
+  }
+}
+
+FrameRep* frameOf(const viewport::SceneView& scene, const scene::DagPath& camera) {
+  auto* frame = new FrameRep(scene.camera, scene.port);
+  frame->options = scene.options;
+  frame->camera = camera;
+  return frame;
+}
+
+/// Lets an override take what it needs from its node, and draw what is not OpenGL's.
+void prepare(DrawRegistry::Live& live, const scene::DagPath& path, const scene::DagPath& camera,
+             viewport::SceneView& scene) {
+  MPxDrawOverride& drawOverride = *live.drawOverride;
+  const MDagPath object = wrap(path), cameraPath = wrap(camera);
+  const auto frame = Access::make<MHWRender::MFrameContext>(frameOf(scene, camera));
+  std::unique_ptr<MUserData>& kept = live.prepared[path.fullName()];
+  MUserData* data = drawOverride.prepareForDraw(object, cameraPath, frame, kept.get());
+  if (data != kept.get()) kept.reset(data);
+  if (!drawOverride.hasUIDrawables()) return;
+  auto* pen = new DrawRep();
+  auto manager = Access::make<MHWRender::MUIDrawManager>(pen);
+  pen->list = &scene.extra;
+  pen->world = toMatrix4(drawOverride.transform(object, cameraPath));
+  drawOverride.addUIDrawables(object, manager, frame, data);
+  pen->list = nullptr;
+}
+
+void drawByCallback(DrawRegistry::Live& live, const scene::DagPath& path, const scene::DagPath& camera,
+                    const viewport::SceneView& scene, viewport::Backend& backend) {
+  MPxDrawOverride& drawOverride = *live.drawOverride;
+  std::unique_ptr<MUserData>& data = live.prepared[path.fullName()];
+  if (const DrawCallback callback = callbackOf(drawOverride)) {
+    FrameRep* frame = frameOf(scene, camera);
+    frame->world = toMatrix4(drawOverride.transform(wrap(path), wrap(camera)));
+    const auto context = Access::make<MHWRender::MDrawContext>(frame);
+    const DirectTarget::Scope scope(backend, frame->world);
+    if (directTarget().begin()) fenced(path, [&] { callback(context, data.get()); });
+    directTarget().end();
+  }
+  if (data && data->deleteAfterUse()) data.reset();
+}
+
+void drawItself(MPxLocatorNode& locator, const builtins::View& view, const scene::DagPath& path,
+                viewport::Backend& backend) {
+  const DirectTarget::Scope scope(backend, path.inclusiveMatrix());
+  M3dView shown = wrap(view);
+  // The two enumerations name the same states.
+  const auto status = static_cast<M3dView::DisplayStatus>(displayStatusOf(path));
+  const M3dView::DisplayStyle style = shown.displayStyle();
+  fenced(path, [&] { locator.draw(shown, wrap(path), style, status); });
+}
+
+bool showsLocators(cmd::Session& session, const builtins::View& view) {
+  return (session.service<ObjectDisplay>().of(view.panel) & M3dView::kDisplayLocators) != 0;
+}
+
+}  // namespace
+
+void installLocatorDrawing(cmd::Session& session) {
+  auto& views = session.service<builtins::Views>();
+  cmd::Session* const owner = &session;
+  views.gatherers.push_back([owner](scene::Document& document, const builtins::View& view,
+                                    viewport::SceneView& scene) {
+    if (!(owner->service<ObjectDisplay>().of(view.panel) & M3dView::kDisplayMeshes)) scene.meshes.clear();
+    drawRegistry().dropDead();
+    const auto camera = builtins::cameraPath(document, view.cameraName);
+    if (!camera || !showsLocators(*owner, view)) return;
+    for (const scene::DagPath& path : LocatorWalk(document, owner->service<builtins::Isolation>(), view.panel).found)
+      fenced(path, [&] {
+        if (DrawRegistry::Live* live = drawRegistry().liveOf(*path.node())) prepare(*live, path, *camera, scene);
+      });
+  });
+  views.directs.push_back([owner](scene::Document& document, const builtins::View& view,
+                                  const viewport::SceneView& scene, viewport::Backend& backend) {
+    const auto camera = builtins::cameraPath(document, view.cameraName);
+    if (!camera || !showsLocators(*owner, view)) return;
+    for (const scene::DagPath& path :
+         LocatorWalk(document, owner->service<builtins::Isolation>(), view.panel).found) {
+      if (DrawRegistry::Live* live = drawRegistry().liveOf(*path.node()))
+        drawByCallback(*live, path, *camera, scene, backend);
+      else if (auto* locator = dynamic_cast<MPxLocatorNode*>(userNodeOf(*path.node())))
+        drawItself(*locator, view, path, backend);
+    }
+  });
+}
+
+}  // namespace host::api

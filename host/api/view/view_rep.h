@@ -1,0 +1,41 @@
+#pragma once
+
+#include <maya/M3dView.h>
+
+#include <map>
+#include <optional>
+#include <string>
+
+#include "host/api/core/access.h"
+#include "host/builtins/view/views.h"
+#include "host/viewport/projection.h"
+
+namespace host::api {
+
+/// What an M3dView refers to: a view by its panel's name, as views come and go with scripts.
+struct ViewRep final : SharedRep {
+  explicit ViewRep(std::string panelIn) : panel(std::move(panelIn)) {}
+  std::string panel;
+};
+
+/// The kinds of objects that plug-ins have set the views to show, by panel; a service of the session.
+struct ObjectDisplay {
+  std::map<std::string, unsigned int> shown;
+  [[nodiscard]] unsigned int of(const std::string& panel) const {
+    const auto found = shown.find(panel);
+    return found == shown.end() ? static_cast<unsigned int>(M3dView::kDisplayEverything) : found->second;
+  }
+};
+
+[[nodiscard]] M3dView wrap(const builtins::View& view);
+/// The view behind; null when it is gone or was never set.
+[[nodiscard]] builtins::View* viewOf(const M3dView& view, MStatus* status = nullptr);
+/// Its camera in its port; none when the camera is gone.
+[[nodiscard]] std::optional<viewport::ViewProjection> projectionOf(const M3dView& view, MStatus* status = nullptr);
+/// Draws the views anew when the program is idle; calls in between are one.
+void scheduleViewRefresh();
+/// The colour of an entry of the table of interface colours, from 0.
+[[nodiscard]] MColor indexedColor(unsigned int index);
+[[nodiscard]] unsigned int indexedColorCount();
+
+}  // namespace host::api
