@@ -55,7 +55,8 @@ bool hasAll(const MObject& set, const MSelectionList& items, MStatus* status) {
 void flattenInto(dg::Node& set, scene::SelectionList& all, std::vector<const dg::Node*>& entered) {
   if (std::find(entered.begin(), entered.end(), &set) != entered.end()) return;
   entered.push_back(&set);
-  for (const scene::SelectionItem& item : nodes::setMembers(set).items()) {
+  const scene::SelectionList members = nodes::setMembers(set);
+  for (const scene::SelectionItem& item : members.items()) {
     if (item.isObject() && item.node && nodes::isSet(*item.node))
       flattenInto(*item.node, all, entered);
     else
