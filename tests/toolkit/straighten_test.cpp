@@ -122,7 +122,7 @@ TEST_CASE("qxStraightenCmd: single vertices and coinciding ones stay where they 
 
 TEST_CASE("qxStraightenCmd: a mesh with history keeps it and undoes") {
   toolkitSession toolkit;
-  toolkit.run("file -f -new; polyPlane -name shape -sx 4 -sy 4; move -r 0 1 0 shape.vtx[7]; select -r shape.vtx[5:9];");
+  toolkit.run("file -f -new; polyPlane -name shape -sx 4 -sy 4; move -r 0 0.1 0 shape.vtx[7]; select -r shape.vtx[5:9];");
   const std::uint64_t before = toolkit.hash();
   toolkit.run("qxStraightenCmd");
   CHECK(std::fabs(toolkitSession::points("shape")[7].y) < 1e-6);

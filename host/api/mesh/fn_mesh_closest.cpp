@@ -16,11 +16,10 @@ struct Nearest {
 };
 
 MStatus findNearest(const MFnMesh& set, const MPoint& point, MSpace::Space space, Nearest& nearest) {
-  const MeshTarget target = targetOf(set);
-  auto data = target.isNull() ? nullptr : target.read();
-  if (!data) return MStatus::kFailure;
+  MStatus status;
+  auto data = readMesh(set, &status);
   std::optional<math::Matrix4> toSpace;
-  const MStatus status = target.spaceMatrix(space, toSpace);
+  if (status && space != MSpace::kObject) status = targetOf(set).spaceMatrix(space, toSpace);
   if (!status) return status;
   nearest.surface.emplace(std::move(data), toSpace);
   const auto found = nearest.surface->closestPoint(toVec3(point));

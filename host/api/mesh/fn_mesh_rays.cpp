@@ -93,10 +93,10 @@ std::vector<RayHit> allHits(const Surface& surface, const RayQuestion& question)
 
 /// Reads the mesh and its space for one question; nothing, with the status saying why, when there is none.
 std::optional<Surface> surfaceOf(const MFnMesh& set, MSpace::Space space, MStatus& status) {
-  const MeshTarget target = targetOf(set);
-  auto data = target.isNull() ? nullptr : target.read();
+  auto data = readMesh(set, &status);
   std::optional<math::Matrix4> toSpace;
-  status = data ? target.spaceMatrix(space, toSpace) : MStatus(MStatus::kFailure);
+  // Object space needs no path, and looking one up costs as much as a short ray.
+  if (status && space != MSpace::kObject) status = targetOf(set).spaceMatrix(space, toSpace);
   if (!status) return {};
   return Surface(std::move(data), toSpace);
 }

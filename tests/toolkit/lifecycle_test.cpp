@@ -1,0 +1,104 @@
+#include <doctest/doctest.h>
+
+#include <iostream>
+#include <sstream>
+
+#include "host/api/session/host_session.h"
+#include "host/base/messages.h"
+#include "plugin/registrationTable.h"
+
+namespace {
+
+const std::string kModule = QXMT_BINARY_DIR "/lib/qxModelingToolkit.so";
+
+/// What is written to std::cerr while it lives.
+class ErrorStream {
+ public:
+  ErrorStream() : previous_(std::cerr.rdbuf(text_.rdbuf())) {}
+  ~ErrorStream() { std::cerr.rdbuf(previous_); }
+  [[nodiscard]] std::string text() const { return text_.str(); }
+
+ private:
+  std::ostringstream text_;
+  std::streambuf* previous_;
+};
+
+std::unique_ptr<host::cmd::Session> makeSession() {
+  auto session = host::api::makeHostSession();
+  session->interpreter().setScriptPath({QXMT_SOURCE_DIR "/scripts"});
+  return session;
+}
+
+/// The commands that the load table names and this build has, in its order.
+std::vector<std::string> builtCommands() {
+  std::vector<std::string> names;
+  for (unsigned int i = 0; i < kLoadRowCount; ++i)
+    if (kLoadRows[i].kind == rowKind::command && kLoadRows[i].creator) names.emplace_back(kLoadRows[i].name);
+  return names;
+}
+
+/// Takes a command's name, so that the module can't register it.
+void occupy(host::cmd::Session& session, const char* name) {
+  host::cmd::CommandSpec spec;
+  spec.name = name;
+  spec.function = [](host::cmd::Context&, const host::cmd::ParsedArgs&) -> host::Result<host::mel::Value> {
+    return host::mel::Value();
+  };
+  REQUIRE(session.commands().add(std::move(spec)));
+}
+
+}  // namespace
+
+TEST_CASE("the module registers in the table's order, unloads without a trace, and loads again") {
+  auto session = makeSession();
+  const std::vector<std::string> before = session->commands().names();
+  for (int round = 0; round < 2; ++round) {
+    CAPTURE(round);
+    host::MessageCapture messages;
+    const auto loaded = session->pluginLoader->load(kModule);
+    REQUIRE_MESSAGE(loaded, (loaded ? "" : loaded.error().message));
+    const host::cmd::PluginInfo* info = session->pluginLoader->info(*loaded);
+    REQUIRE(info);
+    CHECK(info->commands == builtCommands());
+    CHECK(info->version == "2008");
+    CHECK(messages.text(host::MessageKind::Info) == "cannot get hwnd \n");
+    CHECK(session->pluginLoader->load(kModule));  // loaded already: no fault, nothing registered twice
+    CHECK(info->commands == builtCommands());
+    REQUIRE(session->pluginLoader->unload(*loaded, false));
+    CHECK(session->commands().names() == before);
+    CHECK(messages.text(host::MessageKind::Warning).empty());
+  }
+}
+
+TEST_CASE("a command that can't be registered ends the load with its text and leaves nothing behind") {
+  auto session = makeSession();
+  occupy(*session, "qxMergeVerts");
+  const std::vector<std::string> before = session->commands().names();
+  host::MessageCapture messages;
+  ErrorStream errors;
+  CHECK(!session->pluginLoader->load(kModule));
+  CHECK(errors.text().find("merge verts command failed to register") == 0);
+  CHECK(session->commands().names() == before);
+  CHECK(session->pluginLoader->loaded().empty());
+}
+
+TEST_CASE("every load row has its unload row, and the other way round") {
+  REQUIRE(kLoadRowCount == kUnloadRowCount);
+  for (unsigned int i = 0; i < kLoadRowCount; ++i) {
+    int found = 0;
+    for (unsigned int k = 0; k < kUnloadRowCount; ++k)
+      found += kLoadRows[i].kind == kUnloadRows[k].kind && std::string(kLoadRows[i].name) == kUnloadRows[k].name;
+    CAPTURE(kLoadRows[i].name);
+    CHECK(found == 1);
+  }
+}
+
+TEST_CASE("a file that is no plug-in is refused with a reason") {
+  auto session = makeSession();
+  const auto missing = session->pluginLoader->load("noSuchPlugIn");
+  REQUIRE(!missing);
+  CHECK(missing.error().message.find("noSuchPlugIn") != std::string::npos);
+  const auto library = session->pluginLoader->load(QXMT_BINARY_DIR "/lib/libqxhost.so");
+  CHECK(!library);
+  CHECK(session->pluginLoader->loaded().empty());
+}
