@@ -1,10 +1,7 @@
 #include <maya/MAnimControl.h>
-#include <maya/MCommonSystemUtils.h>
 #include <maya/MProgressWindow.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <filesystem>
 
 #include "host/api/core/access.h"
 #include "host/cmd/session.h"
@@ -144,17 +141,3 @@ bool MProgressWindow::isInterruptable(MStatus* status) {
   return api::progressFor(status).isInterruptable;
 }
 bool MProgressWindow::isCancelled() { return false; }
-
-MString MCommonSystemUtils::getEnv(const MString& variable, MStatus* status) {
-  const char* value = std::getenv(variable.asChar());
-  setStatus(status, value ? MStatus::kSuccess : MStatus::kFailure);
-  return value ? MString(value) : MString();
-}
-MStatus MCommonSystemUtils::putEnv(const MString& variable, const MString& value) {
-  return setenv(variable.asChar(), value.asChar(), 1) == 0 ? MStatus::kSuccess : MStatus::kFailure;
-}
-MStatus MCommonSystemUtils::makeDirectory(const MString& path) {
-  std::error_code error;
-  std::filesystem::create_directories(path.asChar(), error);
-  return error ? MStatus::kFailure : MStatus::kSuccess;
-}
