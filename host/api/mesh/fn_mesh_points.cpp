@@ -10,7 +10,7 @@ namespace host::api {
 namespace {
 
 /// transformPoint for matrices without projection, so that loops over all points stay free of calls.
-math::Vec3 affinePoint(const math::Vec3& p, const math::Matrix4& a) {
+[[gnu::always_inline]] inline math::Vec3 affinePoint(const math::Vec3& p, const math::Matrix4& a) {
   const auto& m = a.m;
   return {p.x * m[0][0] + p.y * m[1][0] + p.z * m[2][0] + m[3][0],
           p.x * m[0][1] + p.y * m[1][1] + p.z * m[2][1] + m[3][1],
