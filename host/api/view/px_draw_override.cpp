@@ -1,8 +1,5 @@
 #include <maya/MGlobal.h>
 #include <maya/MPxDrawOverride.h>
-#include <maya/MUserData.h>
-
-MUserData::~MUserData() = default;
 
 namespace MHWRender {
 

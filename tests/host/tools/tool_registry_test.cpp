@@ -1,0 +1,165 @@
+#include "host/tools/tool_registry.h"
+
+#include <doctest/doctest.h>
+
+#include "host/viewport/camera_moves.h"
+
+namespace host::tools {
+namespace {
+
+/// Writes down what it is told.
+class Recorder final : public ToolContext {
+ public:
+  Recorder(std::string nameIn, std::vector<std::string>& logIn)
+      : ToolContext("recorder"), name_(std::move(nameIn)), log_(logIn) {}
+  void setup(const InputEvent&) override { note("setup"); }
+  void cleanup() override { note("cleanup"); }
+  void press(const InputEvent&) override {
+    note("press");
+    if (onPress) onPress();
+  }
+  void drag(const InputEvent&) override { note("drag"); }
+  void release(const InputEvent&) override { note("release"); }
+  void hold(const InputEvent&) override { note("hold"); }
+  void moved(const InputEvent&) override { note("moved"); }
+  bool key(const InputEvent& event) override { return event.key == "a"; }
+  void deleteAction() override { note("delete"); }
+  void complete() override { note("complete"); }
+  void abort() override { note("abort"); }
+  std::function<void()> onPress;
+
+ private:
+  void note(const char* what) { log_.push_back(name_ + " " + what); }
+  std::string name_;
+  std::vector<std::string>& log_;
+};
+
+InputEvent mouse(InputKind kind, double x, double y, MouseButton button = MouseButton::Left) {
+  InputEvent event;
+  event.kind = kind;
+  event.position = {x, y};
+  event.button = button;
+  return event;
+}
+
+InputEvent keyPress(const char* key) {
+  InputEvent event;
+  event.kind = InputKind::KeyPress;
+  event.key = key;
+  return event;
+}
+
+using Log = std::vector<std::string>;
+
+TEST_CASE("input goes to the current tool, whole gestures to the tool that got the press") {
+  Log log;
+  ToolRegistry registry;
+  auto one = std::make_shared<Recorder>("one", log);
+  REQUIRE(registry.add("one", one));
+  REQUIRE(registry.add("two", std::make_shared<Recorder>("two", log)));
+  CHECK_FALSE(registry.add("one", one));
+  CHECK_FALSE(registry.setCurrent("three"));
+  CHECK(registry.currentName() == "selectSuperContext");
+
+  REQUIRE(registry.setCurrent("one"));
+  CHECK_FALSE(registry.handle(mouse(InputKind::Drag, 1, 1)));  // no press came before
+  registry.handle(mouse(InputKind::Move, 1, 1, MouseButton::None));
+  registry.handle(mouse(InputKind::Press, 1, 1));
+  registry.handle(mouse(InputKind::Drag, 2, 2));
+  registry.handle(mouse(InputKind::Release, 2, 2));
+  REQUIRE(registry.setCurrent("two"));
+  CHECK(log == Log{"one setup", "one moved", "one press", "one drag", "one release", "one cleanup", "two setup"});
+  CHECK(registry.lastEvent().position.x == 2);
+
+  log.clear();
+  CHECK(registry.handle(keyPress("a")));
+  CHECK(registry.handle(keyPress("Return")));
+  CHECK(registry.handle(keyPress("Escape")));
+  CHECK(registry.handle(keyPress("Delete")));
+  CHECK_FALSE(registry.handle(keyPress("F5")));
+  CHECK(log == Log{"two complete", "two abort", "two delete"});
+}
+
+TEST_CASE("a tool may remove itself while it works; the select tool follows") {
+  Log log;
+  ToolRegistry registry;
+  auto tool = std::make_shared<Recorder>("tool", log);
+  tool->onPress = [&] { CHECK(registry.remove("tool")); };
+  REQUIRE(registry.add("tool", tool));
+  tool.reset();
+  REQUIRE(registry.setCurrent("tool"));
+  registry.handle(mouse(InputKind::Press, 1, 1));
+  CHECK(registry.currentName() == "selectSuperContext");
+  CHECK_FALSE(registry.handle(mouse(InputKind::Release, 1, 1)));
+  CHECK(log == Log{"tool setup", "tool press", "tool cleanup"});
+  CHECK_FALSE(registry.remove("selectSuperContext"));
+  CHECK(registry.uniqueName("tool") == "tool1");
+}
+
+TEST_CASE("a button that rests is a hold, by the clock that is stepped") {
+  Log log;
+  ToolRegistry registry;
+  REQUIRE(registry.add("tool", std::make_shared<Recorder>("tool", log)));
+  REQUIRE(registry.setCurrent("tool"));
+  log.clear();
+  registry.timers().step(10);
+  registry.handle(mouse(InputKind::Press, 1, 1));
+  registry.timers().step(10.4);
+  CHECK(log == Log{"tool press"});
+  registry.timers().step(10.6);
+  registry.timers().step(12);
+  CHECK(log == Log{"tool press", "tool hold"});
+  registry.handle(mouse(InputKind::Release, 1, 1));
+  registry.handle(mouse(InputKind::Press, 1, 1));
+  registry.handle(mouse(InputKind::Drag, 2, 1));
+  registry.timers().step(20);
+  CHECK(log.back() == "tool drag");
+}
+
+TEST_CASE("with Alt the camera moves and the tool hears nothing") {
+  Log log;
+  ToolRegistry registry;
+  viewport::SceneView view;
+  view.camera = viewport::defaultPerspectiveCamera();
+  registry.views.scene = [&](const std::string&) { return Result<viewport::SceneView>(view); };
+  registry.views.setCamera = [&](const std::string&, const viewport::Camera& camera) {
+    view.camera = camera;
+    return Result<void>();
+  };
+  REQUIRE(registry.add("tool", std::make_shared<Recorder>("tool", log)));
+  REQUIRE(registry.setCurrent("tool"));
+  log.clear();
+  const viewport::Camera before = view.camera;
+  InputEvent press = mouse(InputKind::Press, 100, 100);
+  press.alt = true;
+  registry.handle(press);
+  registry.handle(mouse(InputKind::Drag, 160, 100));  // Alt may go up first: the gesture stays what it was
+  registry.handle(mouse(InputKind::Release, 160, 100));
+  viewport::Camera expected = before;
+  viewport::tumbleByDrag(expected, view.port, before.centerOfInterestPoint(), 60, 0);
+  CHECK(view.camera == expected);
+  CHECK(log.empty());
+}
+
+TEST_CASE("timers recur, may remove each other, and don't make up for lost time") {
+  Timers timers;
+  Log log;
+  const auto first = timers.add(1, [&](double, double elapsed) { log.push_back("first " + std::to_string(int(elapsed))); });
+  Timers::Id second = 0;
+  timers.add(2, [&](double, double) {
+    log.push_back("remover");
+    timers.remove(second);
+  });
+  second = timers.add(2, [&](double, double) { log.push_back("second"); });
+  timers.step(1);
+  timers.step(1.5);
+  timers.step(6);
+  CHECK(log == Log{"first 1", "first 5", "remover"});
+  CHECK(timers.nextDue() == 7);
+  timers.step(3);  // backwards
+  CHECK(timers.now() == 6);
+  CHECK(timers.contains(first));
+}
+
+}  // namespace
+}  // namespace host::tools
