@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "host/builtins/ui/control_values.h"
+#include "host/builtins/view/tool_views.h"
 
 namespace host::builtins {
 
@@ -43,6 +44,10 @@ bool isWanted(const ui::Control& control, const ParsedArgs& args) {
 CommandResult deleteUi(Context& context, const ParsedArgs& args) {
   ui::Tree& tree = treeOf(context);
   for (const std::string& name : args.objectNames()) {
+    if (args.has("toolContext")) {
+      HOST_TRY(toolsOf(context.session).remove(name));
+      continue;
+    }
     auto control = tree.findIf(name, [&](const ui::Control& each) { return isWanted(each, args); });
     if (!control) return fail("deleteUI: {}", control.error().message);
     HOST_TRY(removeControl(context, **control));
@@ -149,6 +154,7 @@ void registerControlTree(CommandRegistry& registry) {
   Syntax deletes;
   deletes.flag("wnd", "window").flag("lay", "layout").flag("ctl", "control").flag("m", "menu").flag("mi", "menuItem");
   deletes.flag("cl", "collection").flag("rm", "radioMenuItemCollection").flag("pnl", "panel").flag("ed", "editor");
+  deletes.flag("tc", "toolContext");
   defineQuery(registry, "deleteUI", deletes.strings(1), deleteUi);
   defineQuery(registry, "setParent",
               Syntax().flag("m", "menu").flag("top", "topLevel").flag("u", "upLevel")
