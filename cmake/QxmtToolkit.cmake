@@ -32,9 +32,13 @@ if(QXMT_HOST STREQUAL "maya")
   return()
 endif()
 
-add_library(qxModelingToolkit MODULE ${toolkit_sources})
+# The objects by themselves too, so that tests reach the plans and tables inside the module.
+add_library(toolkit_objects OBJECT ${toolkit_sources})
+qxmt_toolkit_settings(toolkit_objects)
+target_include_directories(toolkit_objects PRIVATE "${PROJECT_SOURCE_DIR}/host/include")
+add_library(qxModelingToolkit MODULE $<TARGET_OBJECTS:toolkit_objects>)
 qxmt_toolkit_settings(qxModelingToolkit)
-target_include_directories(qxModelingToolkit PRIVATE "${PROJECT_SOURCE_DIR}/host/include")
+set_target_properties(qxModelingToolkit PROPERTIES LINKER_LANGUAGE CXX)
 target_link_libraries(qxModelingToolkit PRIVATE OpenGL::GL qxhost)
 
 # The toolkit's isolation, checked by the compiler: nothing but the API headers, the toolkit folders, OpenGL and std.
