@@ -5,19 +5,21 @@
 
 #include "host/tools/camera_tool.h"
 #include "host/tools/select_tool.h"
+#include "host/tools/transform_tool.h"
 
 namespace host::tools {
 
 ToolRegistry::ToolRegistry() {
+  using Change = TransformTool::Change;
   const auto builtin = [this](const char* name, std::shared_ptr<ToolContext> context, const char* title) {
     context->title = title;
     builtins_.emplace_back(name);
     contexts_.emplace(name, std::move(context));
   };
   builtin("selectSuperContext", std::make_shared<SelectTool>(*this, "selectManip"), "Select Tool");
-  builtin("moveSuperContext", std::make_shared<SelectTool>(*this, "manipMove"), "Move Tool");
-  builtin("RotateSuperContext", std::make_shared<SelectTool>(*this, "manipRotate"), "Rotate Tool");
-  builtin("scaleSuperContext", std::make_shared<SelectTool>(*this, "manipScale"), "Scale Tool");
+  builtin("moveSuperContext", std::make_shared<TransformTool>(*this, "manipMove", Change::Move), "Move Tool");
+  builtin("RotateSuperContext", std::make_shared<TransformTool>(*this, "manipRotate", Change::Rotate), "Rotate Tool");
+  builtin("scaleSuperContext", std::make_shared<TransformTool>(*this, "manipScale", Change::Scale), "Scale Tool");
   builtin("tumbleContext", std::make_shared<CameraTool>(*this, CameraTool::Gesture::Tumble), "Tumble Tool");
   builtin("trackContext", std::make_shared<CameraTool>(*this, CameraTool::Gesture::Track), "Track Tool");
   builtin("dollyContext", std::make_shared<CameraTool>(*this, CameraTool::Gesture::Dolly), "Dolly Tool");

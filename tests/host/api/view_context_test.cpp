@@ -156,6 +156,33 @@ TEST_CASE_FIXTURE(Fixture, "a gesture runs the tool's command, which undo takes 
   CHECK(run("objExists stroke5").intValue() == 1);
 }
 
+TEST_CASE_FIXTURE(Fixture, "the built-in tools select with a click and move what is selected along with the pointer") {
+  run("polyCube -name box; select -cl; setToolTo moveSuperContext");
+  builtins::View& view = session->service<builtins::Views>().active();
+  const double middle = view.port.width / 2.0;
+  const auto drag = [&](double x, double y, tools::MouseButton button) {
+    tools::InputEvent event;
+    event.button = button;
+    event.kind = tools::InputKind::Press;
+    event.position = {middle, view.port.height / 2.0};
+    builtins::toolsOf(*session).handle(event);
+    event.kind = tools::InputKind::Release;
+    event.position = {x, y};
+    builtins::toolsOf(*session).handle(event);
+  };
+  drag(middle, view.port.height / 2.0, tools::MouseButton::Left);
+  CHECK(run("ls -sl").toTexts() == mel::StringArray{"box"});
+  drag(middle + 80, view.port.height / 2.0 + 30, tools::MouseButton::Middle);
+  const auto scene = builtins::gatherView(session->document(), view);
+  REQUIRE(scene);
+  const auto at = viewport::ViewProjection(scene->camera, scene->port)
+                      .worldToView(math::transformPoint(math::Vec3{0, 0, 0}, scene->meshes[0].world));
+  CHECK(at.x == doctest::Approx(middle + 80).epsilon(0.001));
+  CHECK(at.y == doctest::Approx(view.port.height / 2.0 + 30).epsilon(0.001));
+  run("undo; undo");
+  CHECK(run("ls -sl").toTexts().empty());
+}
+
 TEST_CASE_FIXTURE(Fixture, "what a tool draws under the pointer is in the picture") {
   run("strokeContext; setToolTo strokeContext1");
   mouse(tools::InputKind::Move, 100, tools::MouseButton::None);
