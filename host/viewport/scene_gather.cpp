@@ -72,7 +72,7 @@ class Gatherer {
       : document_(document), options_(options) {}
 
   std::vector<RenderMesh> run() {
-    for (dg::Node* node : document_.worldChildren()) visit(DagPath({node}), false);
+    for (dg::Node* node : document_.worldChildren()) visit(DagPath({node}), false, !options_.only);
     return std::move(meshes_);
   }
 
@@ -98,15 +98,16 @@ class Gatherer {
   }
 
  private:
-  void visit(const DagPath& path, bool isBelowTemplate) {
+  void visit(const DagPath& path, bool isBelowTemplate, bool isBelowListed) {
     dg::Node& node = *path.node();
     if (&node == options_.hide || !isShown(node)) return;
     const bool isTemplateHere = isBelowTemplate || isTemplate(node);
-    if (node.type().isA("mesh")) {
+    const bool isListed = isBelowListed || options_.only->count(&node) > 0;
+    if (isListed && node.type().isA("mesh")) {
       Result<RenderMesh> mesh = make(path, isTemplateHere);
       if (mesh) meshes_.push_back(std::move(*mesh));
     }
-    for (dg::Node* child : scene::dagLinks(node).children) visit(path.child(child), isTemplateHere);
+    for (dg::Node* child : scene::dagLinks(node).children) visit(path.child(child), isTemplateHere, isListed);
   }
 
   [[nodiscard]] ObjectState stateOf(const DagPath& path) const {

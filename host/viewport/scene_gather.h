@@ -1,5 +1,7 @@
 #pragma once
 
+#include <unordered_set>
+
 #include "host/base/result.h"
 #include "host/scene/document.h"
 #include "host/viewport/scene_view.h"
@@ -9,6 +11,8 @@ namespace host::viewport {
 struct GatherOptions {
   bool vertexMode = false;         ///< dots on the vertices of hilited meshes
   const dg::Node* hide = nullptr;  ///< leave out what hangs under this node; none: show all
+  /// Show only these nodes and what hangs under them; none: show all.
+  const std::unordered_set<const dg::Node*>* only = nullptr;
 };
 
 /// Copies what a view needs out of the document: every mesh shape instance that is visible, with

@@ -56,7 +56,11 @@ Result<viewport::SceneView> gatherView(scene::Document& document, const View& vi
   scene.camera = *camera;
   scene.port = view.port;
   scene.options = view.options;
-  scene.meshes = viewport::gatherMeshes(document);
+  std::unordered_set<const dg::Node*> only;
+  for (const std::weak_ptr<dg::Node>& node : view.isolated) only.insert(node.lock().get());
+  viewport::GatherOptions gather;
+  if (view.isIsolated) gather.only = &only;
+  scene.meshes = viewport::gatherMeshes(document, gather);
   return scene;
 }
 

@@ -21,6 +21,8 @@ struct View {
   viewport::ViewOptions options;
   viewport::ViewPoint cursor;
   bool hasCursor = false;    ///< the cursor is over the view
+  bool isIsolated = false;   ///< shows only the nodes below and what hangs under them
+  std::vector<std::weak_ptr<dg::Node>> isolated;
 };
 
 /// The session's views: the four panels of a new layout, and what draws them.
