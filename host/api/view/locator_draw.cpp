@@ -11,7 +11,6 @@
 #include "host/api/view/view_access.h"
 #include "host/api/view/view_rep.h"
 #include "host/base/messages.h"
-#include "host/builtins/ui/isolation.h"
 #include "host/builtins/view/views.h"
 
 namespace host::api {
@@ -22,8 +21,7 @@ using MHWRender::MPxDrawOverride;
 /// The visible shapes that plug-ins draw.
 class LocatorWalk {
  public:
-  LocatorWalk(scene::Document& document, const builtins::Isolation& isolation, std::string panel)
-      : isolation_(isolation), panel_(std::move(panel)) {
+  LocatorWalk(scene::Document& document, const builtins::View& view) : view_(view) {
     for (dg::Node* node : document.worldChildren()) visit(scene::DagPath({node}));
   }
   std::vector<scene::DagPath> found;
@@ -33,13 +31,12 @@ class LocatorWalk {
     dg::Node& node = *path.node();
     if (!isShown(node)) return;
     // Only nodes of registered types have something that draws them.
-    if (!node.type().pluginName.empty() && isolation_.shows(panel_, node) &&
+    if (!node.type().pluginName.empty() && builtins::isolationShows(view_, path) &&
         (drawRegistry().find(node.type().classification) || findNodeClass(node.type())))
       found.push_back(path);
     for (dg::Node* child : scene::dagLinks(node).children) visit(path.child(child));
   }
-  const builtins::Isolation& isolation_;
-  std::string panel_;
+  const builtins::View& view_;
 };
 
 template <class Call>
@@ -119,7 +116,7 @@ void installLocatorDrawing(cmd::Session& session) {
     drawRegistry().dropDead();
     const auto camera = builtins::cameraPath(document, view.cameraName);
     if (!camera || !showsLocators(*owner, view)) return;
-    for (const scene::DagPath& path : LocatorWalk(document, owner->service<builtins::Isolation>(), view.panel).found)
+    for (const scene::DagPath& path : LocatorWalk(document, view).found)
       fenced(path, [&] {
         if (DrawRegistry::Live* live = drawRegistry().liveOf(*path.node())) prepare(*live, path, *camera, scene);
       });
@@ -129,7 +126,7 @@ void installLocatorDrawing(cmd::Session& session) {
     const auto camera = builtins::cameraPath(document, view.cameraName);
     if (!camera || !showsLocators(*owner, view)) return;
     for (const scene::DagPath& path :
-         LocatorWalk(document, owner->service<builtins::Isolation>(), view.panel).found) {
+         LocatorWalk(document, view).found) {
       if (DrawRegistry::Live* live = drawRegistry().liveOf(*path.node()))
         drawByCallback(*live, path, *camera, scene, backend);
       else if (auto* locator = dynamic_cast<MPxLocatorNode*>(userNodeOf(*path.node())))

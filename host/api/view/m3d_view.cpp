@@ -6,7 +6,6 @@
 
 #include "host/api/view/app_window.h"
 #include "host/api/view/view_rep.h"
-#include "host/builtins/ui/isolation.h"
 #include "host/cmd/session.h"
 #include "host/viewport/scene_gather.h"
 
@@ -243,10 +242,10 @@ bool M3dView::viewIsFiltered(MStatus* status) const { return viewSelected(status
 MStatus M3dView::setViewSelected(bool viewSelected) {
   const builtins::View* view = viewOf(*this);
   if (!view) return MStatus::kFailure;
-  cmd::currentSession().service<builtins::Isolation>().of(view->panel).isOn = viewSelected;
+  cmd::currentSession().service<builtins::Views>().find(view->panel)->isIsolated = viewSelected;
   return MStatus::kSuccess;
 }
 bool M3dView::viewSelected(MStatus* status) const {
   const builtins::View* view = viewOf(*this, status);
-  return view && cmd::currentSession().service<builtins::Isolation>().of(view->panel).isOn;
+  return view && view->isIsolated;
 }

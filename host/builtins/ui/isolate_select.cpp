@@ -1,6 +1,5 @@
 #include "host/builtins/common/command.h"
 #include "host/builtins/view/views.h"
-
 namespace host::builtins {
 
 namespace {

@@ -47,6 +47,14 @@ Result<scene::DagPath> cameraPath(scene::Document& document, const std::string& 
   return shape;
 }
 
+bool isolationShows(const View& view, const scene::DagPath& path) {
+  if (!view.isIsolated) return true;
+  for (scene::DagPath at = path; !at.isWorld(); at = at.parent())
+    for (const std::weak_ptr<dg::Node>& node : view.isolated)
+      if (node.lock().get() == at.node()) return true;
+  return false;
+}
+
 Result<viewport::SceneView> gatherView(scene::Document& document, const View& view) {
   const auto path = cameraPath(document, view.cameraName);
   if (!path) return failWith(path.error());

@@ -53,6 +53,9 @@ class Views {
 /// The path of a view's camera shape. Fails, naming it, when the camera is gone.
 [[nodiscard]] Result<scene::DagPath> cameraPath(scene::Document& document, const std::string& name);
 
+/// Whether a view that isolates lets an object show: it, or something above it, is in the view's set.
+[[nodiscard]] bool isolationShows(const View& view, const scene::DagPath& path);
+
 /// What a view shows now. The clip planes are those of the camera.
 [[nodiscard]] Result<viewport::SceneView> gatherView(scene::Document& document, const View& view);
 
