@@ -84,9 +84,12 @@ MStatus circleVertsCmd::doIt(const MArgList& arguments) {
     return MS::kFailure;
   }
   if (isSplit) mirrorSecondHalf(mirror);
-  return redoIt();
+  justRead = &points;
+  status = redoIt();
+  justRead = nullptr;
+  return status;
 }
 
-MStatus circleVertsCmd::redoIt() { return writeWorldPoints(dagPath, vertexIds, circlePositions); }
+MStatus circleVertsCmd::redoIt() { return writeWorldPoints(dagPath, vertexIds, circlePositions, justRead); }
 
 MStatus circleVertsCmd::undoIt() { return writeWorldPoints(dagPath, vertexIds, savedPositions); }

@@ -73,9 +73,12 @@ MStatus makePlanarCmd::doIt(const MArgList& arguments) {
     MGlobal::displayError("qxMakePlanarCmd: the selected faces have no common plane");
     return MS::kFailure;
   }
-  return redoIt();
+  justRead = &points;
+  status = redoIt();
+  justRead = nullptr;
+  return status;
 }
 
-MStatus makePlanarCmd::redoIt() { return writeWorldPoints(dagPath, vertexIds, planarPositions); }
+MStatus makePlanarCmd::redoIt() { return writeWorldPoints(dagPath, vertexIds, planarPositions, justRead); }
 
 MStatus makePlanarCmd::undoIt() { return writeWorldPoints(dagPath, vertexIds, savedPositions); }

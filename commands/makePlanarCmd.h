@@ -27,6 +27,7 @@ class makePlanarCmd : public MPxCommand {
   bool flatten(bool isSplit);
 
   MDagPath dagPath;
+  MPointArray* justRead = nullptr;  ///< all points, while doIt runs: its redoIt need not read them again
   MIntArray vertexIds;
   MPointArray savedPositions;    ///< world space, one a vertex of `vertexIds`
   MPointArray planarPositions;   ///< world space, the result

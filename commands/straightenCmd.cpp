@@ -115,9 +115,12 @@ MStatus straightenCmd::doIt(const MArgList& arguments) {
   } else {
     straightenRun(straightPositions, 0, count, keepAxes);
   }
-  return redoIt();
+  justRead = &points;
+  status = redoIt();
+  justRead = nullptr;
+  return status;
 }
 
-MStatus straightenCmd::redoIt() { return writeWorldPoints(dagPath, vertexIds, straightPositions); }
+MStatus straightenCmd::redoIt() { return writeWorldPoints(dagPath, vertexIds, straightPositions, justRead); }
 
 MStatus straightenCmd::undoIt() { return writeWorldPoints(dagPath, vertexIds, savedPositions); }

@@ -24,10 +24,14 @@ MStatus writeAllWorldPoints(const MDagPath& mesh, const MPointArray& points) {
   return meshFn.setPoints(points, MSpace::kWorld);
 }
 
-MStatus writeWorldPoints(const MDagPath& mesh, const MIntArray& vertexIds, const MPointArray& positions) {
-  MPointArray points;
-  const MStatus status = readWorldPoints(mesh, points);
-  if (status != MS::kSuccess) return status;
+MStatus writeWorldPoints(const MDagPath& mesh, const MIntArray& vertexIds, const MPointArray& positions,
+                         MPointArray* current) {
+  MPointArray read;
+  MPointArray& points = current ? *current : read;
+  if (!current) {
+    const MStatus status = readWorldPoints(mesh, points);
+    if (status != MS::kSuccess) return status;
+  }
   if (!idsAreInRange(vertexIds, points.length())) return MS::kFailure;
   for (unsigned int i = 0; i < vertexIds.length(); ++i)
     points[static_cast<unsigned int>(vertexIds[i])] = positions[i];

@@ -13,8 +13,11 @@ MStatus readWorldPoints(const MDagPath& mesh, MPointArray& points);
 MStatus writeAllWorldPoints(const MDagPath& mesh, const MPointArray& points);
 
 /// Puts `positions[i]` at vertex `vertexIds[i]`, in world space; all other points stay where they are.
+/// @param current all points of the mesh as they are now, when the caller has just read them: they are changed and
+///        written, which saves a large mesh a second read; null: they are read here
 /// @return failure, with nothing changed, when the path is no longer valid or the mesh has lost one of the vertices.
-MStatus writeWorldPoints(const MDagPath& mesh, const MIntArray& vertexIds, const MPointArray& positions);
+MStatus writeWorldPoints(const MDagPath& mesh, const MIntArray& vertexIds, const MPointArray& positions,
+                         MPointArray* current = nullptr);
 
 /// The points at `vertexIds`, in that order. Every id must be in range.
 MPointArray pointsAt(const MPointArray& points, const MIntArray& vertexIds);

@@ -8,8 +8,8 @@ namespace host::builtins {
 
 namespace {
 
-constexpr int kApiVersion = 20260000;
-constexpr std::string_view kVersion = "2026";
+constexpr int kApiVersion = 201400;
+constexpr std::string_view kVersion = "2014";
 
 std::string formatNow(const char* format) {
   const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
