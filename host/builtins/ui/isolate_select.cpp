@@ -1,5 +1,6 @@
 #include "host/builtins/common/command.h"
 #include "host/builtins/view/views.h"
+
 namespace host::builtins {
 
 namespace {
