@@ -51,8 +51,11 @@ awk_program='
   END { exit bad }
 '
 check() {
-  find "$1"/host "$1"/plugin "$1"/shared "$1"/commands "$1"/modeling "$1"/quaddraw "$1"/uv \
-    \( -name '*.h' -o -name '*.cpp' \) -print0 2>/dev/null | sort -z |
+  local folders=() folder
+  for folder in host plugin shared commands modeling quaddraw uv; do
+    if [ -d "$1/$folder" ]; then folders+=("$1/$folder"); fi
+  done
+  find "${folders[@]}" \( -name '*.h' -o -name '*.cpp' \) -print0 | sort -z |
     xargs -0 awk -v root="$1" "$awk_program" "$root/host/layers.txt"
 }
 

@@ -4,8 +4,11 @@
 set -euo pipefail
 cd "$1"
 limit=600
-bad=$(find host plugin shared commands modeling quaddraw uv scripts tests bench \
-        \( -name '*.h' -o -name '*.cpp' -o -name '*.mel' \) -print0 2>/dev/null |
+folders=()
+for folder in host plugin shared commands modeling quaddraw uv scripts tests bench; do
+  if [ -d "$folder" ]; then folders+=("$folder"); fi
+done
+bad=$(find "${folders[@]}" \( -name '*.h' -o -name '*.cpp' -o -name '*.mel' \) -print0 |
       xargs -0 awk -v limit=$limit '
         FNR == 1 && NR > 1 && lines > limit { print lines, name }
         { lines = FNR; name = FILENAME }
