@@ -203,6 +203,17 @@ bool ScriptJobs::hasPending() const {
   return std::any_of(jobs_.begin(), jobs_.end(), [](const auto& entry) { return entry.second.isPending; });
 }
 
+std::vector<int> ScriptJobs::pending() const {
+  std::vector<int> numbers;
+  for (const auto& [number, job] : jobs_)
+    if (job.isPending) numbers.push_back(number);
+  return numbers;
+}
+
+void ScriptJobs::setPending(const std::vector<int>& numbers) {
+  for (auto& [number, job] : jobs_) job.isPending = std::binary_search(numbers.begin(), numbers.end(), number);
+}
+
 std::vector<std::string> ScriptJobs::takePending() {
   std::vector<std::string> scripts;
   std::vector<int> finished;

@@ -60,6 +60,9 @@ class ScriptJobs final : public dg::GraphObserver, public scene::DocumentObserve
   /// Takes out the scripts that are due, in order of job number; idle jobs are among them.
   [[nodiscard]] std::vector<std::string> takePending();
   [[nodiscard]] bool hasPending() const;
+  /// The numbers of the jobs that are due; setting them drops whatever was triggered since they were read.
+  [[nodiscard]] std::vector<int> pending() const;
+  void setPending(const std::vector<int>& numbers);
 
   void nodeAboutToBeRemoved(dg::Node& node) override;
   void nodeRenamed(dg::Node& node, const std::string& oldName) override;

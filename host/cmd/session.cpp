@@ -89,10 +89,12 @@ void checkUndoOfLine(Session& session, std::size_t itemsBefore, std::size_t unre
   UndoQueue& queue = session.undo();
   if (queue.itemCount() != itemsBefore + 1 || queue.unrecordedCount() != unrecordedBefore || queue.isChunkOpen()) return;
   const std::uint64_t hashAfter = session.document().hash();
+  const std::vector<int> pendingJobs = session.scriptJobs().pending();
   HOST_ASSERT(queue.undo().has_value(), "an item that was just added can be undone");
   HOST_ASSERT(session.document().hash() == hashBefore, "record every edit that this command line makes");
   HOST_ASSERT(queue.redo().has_value(), "an item that was just undone can be redone");
   HOST_ASSERT(session.document().hash() == hashAfter, "make redo of every edit exact");
+  session.scriptJobs().setPending(pendingJobs);
 }
 #endif
 

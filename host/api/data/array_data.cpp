@@ -88,7 +88,9 @@ MDataHandle MArrayDataHandle::inputValue(MStatus* status) {
     setStatus(status, api::toStatus(done).statusCode());
     if (!done) return {};
   }
-  return api::wrapHandle(new api::HandleRep(rep->store, element, rep->isWritable, rep->block));
+  MDataHandle handle = api::wrapHandle(new api::HandleRep(rep->store, element, rep->isWritable, rep->block));
+  if (!rep->isWritable) rep->lastInput = api::Access::handle(handle);
+  return handle;
 }
 MDataHandle MArrayDataHandle::outputValue(MStatus* status) {
   api::ArrayRep* rep = atElement(*this, status);

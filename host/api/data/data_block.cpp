@@ -32,7 +32,9 @@ bool bringUpToDate(const dg::Plug& plug, MStatus* status) {
 MDataHandle handleAt(const MDataBlock& block, const dg::Plug& plug, bool isInput, MStatus* status) {
   if (plug.isNull()) return {};
   if (isInput && !bringUpToDate(plug, status)) return {};
-  return wrapHandle(new HandleRep(outputStore(), plug, !isInput, Access::handle(block)));
+  MDataHandle handle = wrapHandle(new HandleRep(outputStore(), plug, !isInput, Access::handle(block)));
+  if (BlockRep* rep = blockOf(block); isInput && rep && rep->keepsInputs) rep->inputs.push_back(Access::handle(handle));
+  return handle;
 }
 
 MArrayDataHandle arrayAt(const MDataBlock& block, const dg::Plug& plug, bool isInput, MStatus* status) {

@@ -297,6 +297,12 @@ MDataHandle looseHandle(const dg::Plug& plug, const dg::Value& value) {
   return wrapHandle(new HandleRep(store, plug, true));
 }
 
+MDataHandle HandleRep::child(const dg::Plug& childPlug) {
+  MDataHandle handle = wrapHandle(new HandleRep(store, childPlug, isWritable, block));
+  if (!isWritable) children_.push_back(Access::handle(handle));
+  return handle;
+}
+
 dg::Value valueOf(const MDataHandle& handle) {
   HandleRep* rep = repOf(handle);
   if (!rep || !isLeaf(rep->plug)) return {};
@@ -319,10 +325,6 @@ T& form(const MDataHandle& handle) {
   if (HandleRep* rep = repOf(handle)) return rep->as<T>();
   nothing = api::Handle(new HandleRep(std::make_shared<api::LooseStore>(), dg::Plug(), false));
   return static_cast<HandleRep*>(nothing.get())->as<T>();
-}
-
-MDataHandle below(const HandleRep& rep, const dg::Plug& plug) {
-  return api::wrapHandle(new HandleRep(rep.store, plug, rep.isWritable, rep.block));
 }
 
 void put(const MDataHandle& handle, dg::Value value) {
@@ -380,7 +382,7 @@ MDataHandle MDataHandle::child(const MObject& attribute) const {
   if (!rep || !wanted || rep->plug.isNull() || !rep->plug.isCompound() || wanted->parent != rep->plug.attribute())
     return {};
   rep->flush();
-  return below(*rep, rep->plug.child(wanted));
+  return rep->child(rep->plug.child(wanted));
 }
 MObject MDataHandle::attribute() const {
   const HandleRep* rep = repOf(*this);

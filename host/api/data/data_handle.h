@@ -18,6 +18,16 @@ struct BlockRep final : SharedRep {
   const dg::NodePtr node;
   MDGContext context;
   bool isOpen = true;  ///< the computation that it was made for still runs
+  /// During a computation: the input handles given out, so that a reference taken from one outlives it. They hold this
+  /// block in turn until close().
+  std::vector<Handle> inputs;
+  bool keepsInputs = false;
+
+  void close() {
+    isOpen = false;
+    keepsInputs = false;
+    inputs.clear();
+  }
 };
 
 /// Numbers as the API hands out references to them, with the layout that its array types have.
@@ -47,6 +57,8 @@ struct HandleRep final : SharedRep {
   /// Up to 16 numbers of a number, pair, triple or matrix; returns how many.
   int readNumbers(double* numbers) const;
   [[nodiscard]] double firstNumber() const;
+  /// A handle to a child, which lives as long as this one when it is read only.
+  [[nodiscard]] MDataHandle child(const dg::Plug& childPlug);
   /// The payload as an object; edits of an object of a writable handle arrive in the store.
   [[nodiscard]] MObject object();
   MStatus setObject(const MObject& data);
@@ -62,6 +74,7 @@ struct HandleRep final : SharedRep {
   void reload();
   HandleBuffer buffer_;
   MObject object_;
+  std::vector<Handle> children_;
 };
 
 [[nodiscard]] MDataHandle wrapHandle(HandleRep* rep);
@@ -82,6 +95,7 @@ struct ArrayRep final : SharedRep {
   Handle block;
   std::vector<Index> indices;
   std::size_t position = 0;
+  Handle lastInput;  ///< the element read last, so that a reference to its value holds until the next
 };
 
 struct BuilderRep final : SharedRep {

@@ -37,6 +37,7 @@ MPxNode* objectOf(Node& node, const dg::NodeType* hooked) {
 
 Result<Computed> compute(MPxNode& object, Node& node, const Plug& plug) {
   auto* block = new BlockRep(node.shared_from_this());
+  block->keepsInputs = true;
   MDataBlock data = Access::make<MDataBlock>(block);
   MStatus status = MStatus::kFailure;
   std::string thrown;
@@ -47,7 +48,7 @@ Result<Computed> compute(MPxNode& object, Node& node, const Plug& plug) {
   } catch (...) {
     thrown = "of unknown type";
   }
-  block->isOpen = false;
+  block->close();
   if (!thrown.empty()) return fail("Computing '{}' threw an exception: {}", plug.name(), thrown);
   if (status == MStatus::kUnknownParameter) return Computed::Unhandled;
   if (status == MStatus::kSuccess) return Computed::Done;
