@@ -84,6 +84,7 @@ MStatus circleVertsCmd::doIt(const MArgList& arguments) {
     return MS::kFailure;
   }
   if (isSplit) mirrorSecondHalf(mirror);
+  if ((status = savedPlaces.take(dagPath, vertexIds)) != MS::kSuccess) return status;
   justRead = &points;
   status = redoIt();
   justRead = nullptr;
@@ -92,4 +93,4 @@ MStatus circleVertsCmd::doIt(const MArgList& arguments) {
 
 MStatus circleVertsCmd::redoIt() { return writeWorldPoints(dagPath, vertexIds, circlePositions, justRead); }
 
-MStatus circleVertsCmd::undoIt() { return writeWorldPoints(dagPath, vertexIds, savedPositions); }
+MStatus circleVertsCmd::undoIt() { return savedPlaces.putBack(dagPath, vertexIds, savedPositions); }

@@ -6,6 +6,8 @@
 #include <maya/MPxCommand.h>
 #include <maya/MSyntax.h>
 
+#include "commands/storedPlaces.h"
+
 class MVector;
 struct mirrorOptions;
 
@@ -31,6 +33,7 @@ class circleVertsCmd : public MPxCommand {
   MPointArray* justRead = nullptr;  ///< all points, while doIt runs: its redoIt need not read them again
   MIntArray vertexIds;
   MPointArray savedPositions;   ///< world space, one a vertex of `vertexIds`
+  storedPlaces savedPlaces;
   MPointArray circlePositions;  ///< world space, the result
   int mirrorAxis;               ///< 0 x, 1 y, 2 z, 3 none
   int mirrorInObjectSpace;      ///< 0 object space, 1 world space

@@ -73,6 +73,7 @@ MStatus makePlanarCmd::doIt(const MArgList& arguments) {
     MGlobal::displayError("qxMakePlanarCmd: the selected faces have no common plane");
     return MS::kFailure;
   }
+  if ((status = savedPlaces.take(dagPath, vertexIds)) != MS::kSuccess) return status;
   justRead = &points;
   status = redoIt();
   justRead = nullptr;
@@ -81,4 +82,4 @@ MStatus makePlanarCmd::doIt(const MArgList& arguments) {
 
 MStatus makePlanarCmd::redoIt() { return writeWorldPoints(dagPath, vertexIds, planarPositions, justRead); }
 
-MStatus makePlanarCmd::undoIt() { return writeWorldPoints(dagPath, vertexIds, savedPositions); }
+MStatus makePlanarCmd::undoIt() { return savedPlaces.putBack(dagPath, vertexIds, savedPositions); }

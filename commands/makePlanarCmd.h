@@ -7,6 +7,8 @@
 #include <maya/MSyntax.h>
 #include <maya/MVectorArray.h>
 
+#include "commands/storedPlaces.h"
+
 struct mirrorOptions;
 
 /// `qxMakePlanarCmd`: flattens the selected faces of one mesh onto a plane through their vertices' mean; with the toolkit's
@@ -30,6 +32,7 @@ class makePlanarCmd : public MPxCommand {
   MPointArray* justRead = nullptr;  ///< all points, while doIt runs: its redoIt need not read them again
   MIntArray vertexIds;
   MPointArray savedPositions;    ///< world space, one a vertex of `vertexIds`
+  storedPlaces savedPlaces;
   MPointArray planarPositions;   ///< world space, the result
   MVectorArray negativeNormals;  ///< world space, of the faces on the negative side, or of all without a mirror
   MVectorArray positiveNormals;

@@ -1,29 +1,14 @@
 #include "commands/mergeVertsCmd.h"
 
 #include <maya/MArgDatabase.h>
-#include <maya/MFn.h>
 #include <maya/MGlobal.h>
-#include <maya/MItMeshVertex.h>
-#include <maya/MItSelectionList.h>
-#include <maya/MObject.h>
 #include <maya/MSelectionList.h>
 
+#include "commands/componentGather.h"
+#include "commands/flagReader.h"
 #include "commands/mirrorOptions.h"
 #include "commands/worldPoints.h"
 #include "shared/toolSettings.h"
-
-namespace {
-
-/// Reads a flag when it is given; a failure is reported with `text`.
-template <class Value>
-MStatus readFlag(const MArgDatabase& database, const char* flag, Value& value, const char* text) {
-  if (!database.isFlagSet(flag)) return MS::kSuccess;
-  const MStatus status = database.getFlagArgument(flag, 0, value);
-  if (status != MS::kSuccess) status.perror(text);
-  return status;
-}
-
-}  // namespace
 
 mergeVertsCmd::mergeVertsCmd() : axis(0), mirror(false), componentId(0), mirrorId(0) {}
 
@@ -49,7 +34,7 @@ MStatus mergeVertsCmd::parseArguments(const MArgList& arguments) {
 }
 
 MStatus mergeVertsCmd::doIt(const MArgList& arguments) {
-  const MStatus status = parseArguments(arguments);
+  MStatus status = parseArguments(arguments);
   if (status != MS::kSuccess) return status;
   MSelectionList selection;
   MGlobal::getActiveSelectionList(selection);
@@ -57,31 +42,33 @@ MStatus mergeVertsCmd::doIt(const MArgList& arguments) {
     displayError("mergeVert command does not work with multiple objects selected.");
     return MS::kFailure;
   }
-  for (MItSelectionList item(selection, MFn::kMeshVertComponent); !item.isDone(); item.next()) {
-    MObject component;
-    if (item.getDagPath(meshPath, component) != MS::kSuccess) continue;
-    for (MItMeshVertex vertex(meshPath, component); !vertex.isDone(); vertex.next()) {
-      vertexIds.append(vertex.index());
-      oldPositions.append(vertex.position(MSpace::kWorld));
-    }
-  }
+  appendSelectedVertices(selection, meshPath, vertexIds);
   if (vertexIds.length() < (mirror ? 3u : 2u)) {
     displayError("mergeVert command failed: Selected Verts cannot be merged");
     return MS::kFailure;
   }
+  MPointArray points;
+  if ((status = readWorldPoints(meshPath, points)) != MS::kSuccess) return status;
+  if (!idsAreInRange(vertexIds, points.length())) return MS::kFailure;
+  oldPositions = pointsAt(points, vertexIds);
   if (!positionsAreFinite("qxMergeVerts", vertexIds, oldPositions)) return MS::kFailure;
-  return redoIt();
+  if ((status = oldPlaces.take(meshPath, vertexIds)) != MS::kSuccess) return status;
+  return gatherAtTarget(points);
 }
 
 MStatus mergeVertsCmd::redoIt() {
   MPointArray points;
   const MStatus status = readWorldPoints(meshPath, points);
-  if (status != MS::kSuccess) return status;
+  return status == MS::kSuccess ? gatherAtTarget(points) : status;
+}
+
+MStatus mergeVertsCmd::gatherAtTarget(MPointArray& points) {
   MIntArray targets(1, componentId);
   if (mirror) targets.append(mirrorId);
   if (!idsAreInRange(vertexIds, points.length()) || !idsAreInRange(targets, points.length()) ||
       (mirror && (axis < 0 || axis > 2)))
     return MS::kInvalidParameter;
+  if (!positionsAreFinite("qxMergeVerts", targets, pointsAt(points, targets))) return MS::kFailure;
 
   const MPoint target = points[static_cast<unsigned int>(componentId)];
   if (!mirror) {
@@ -101,4 +88,4 @@ MStatus mergeVertsCmd::redoIt() {
   return writeAllWorldPoints(meshPath, points);
 }
 
-MStatus mergeVertsCmd::undoIt() { return writeWorldPoints(meshPath, vertexIds, oldPositions); }
+MStatus mergeVertsCmd::undoIt() { return oldPlaces.putBack(meshPath, vertexIds, oldPositions); }

@@ -6,6 +6,8 @@
 #include <maya/MPxCommand.h>
 #include <maya/MSyntax.h>
 
+#include "commands/storedPlaces.h"
+
 /// `qxMergeVerts`: moves the selected vertices of one mesh onto a target vertex; with the mirror option, those on the other
 /// side of the mirror plane onto the target's counterpart. It welds nothing: the vertex count stays.
 class mergeVertsCmd : public MPxCommand {
@@ -21,10 +23,12 @@ class mergeVertsCmd : public MPxCommand {
 
  private:
   MStatus parseArguments(const MArgList& arguments);
+  MStatus gatherAtTarget(MPointArray& points);
 
   MDagPath meshPath;
   MIntArray vertexIds;       ///< in the order of the selection
   MPointArray oldPositions;  ///< world space, one a vertex of `vertexIds`
+  storedPlaces oldPlaces;
   int axis;                  ///< 0 x, 1 y, 2 z
   bool mirror;
   int componentId;           ///< the target vertex

@@ -1,10 +1,6 @@
 #include "commands/snapVertsToAxisCmd.h"
 
 #include <maya/MArgDatabase.h>
-#include <maya/MFn.h>
-#include <maya/MItMeshVertex.h>
-#include <maya/MItSelectionList.h>
-#include <maya/MObject.h>
 #include <maya/MSelectionList.h>
 
 #include "commands/componentGather.h"
@@ -24,18 +20,25 @@ MStatus snapVertsToAxisCmd::doIt(const MArgList& arguments) {
   MSelectionList selection;
   status = singleObjectSelection(selection);
   if (status != MS::kSuccess) return status;
-  for (MItSelectionList item(selection, MFn::kMeshVertComponent); !item.isDone(); item.next()) {
-    MObject component;
-    if (item.getDagPath(dagPath, component) != MS::kSuccess) continue;
-    for (MItMeshVertex vertex(dagPath, component); !vertex.isDone(); vertex.next()) {
-      vertexIds.append(vertex.index());
-      savedPositions.append(vertex.position(MSpace::kWorld));
-    }
-  }
+  appendSelectedVertices(selection, dagPath, vertexIds);
+  if (vertexIds.length() == 0) return redoIt();  // no vertices: fails on the path that was never set
+
+  MPointArray points;
+  status = readWorldPoints(dagPath, points);
+  if (status != MS::kSuccess) return status;
+  if (!idsAreInRange(vertexIds, points.length())) return MS::kFailure;
+  savedPositions = pointsAt(points, vertexIds);
   if (!positionsAreFinite("qxSnapVertsToAxis", vertexIds, savedPositions)) return MS::kFailure;
+  if ((status = savedPlaces.take(dagPath, vertexIds)) != MS::kSuccess) return status;
   const int mirrorAxis = toolSettings::current().mirrorAxis;
   if (mirrorAxis >= 0 && mirrorAxis <= 2) axis = mirrorAxis;
-  return redoIt();
+  clearAxis(points);
+  return writeAllWorldPoints(dagPath, points);
+}
+
+void snapVertsToAxisCmd::clearAxis(MPointArray& points) const {
+  for (unsigned int i = 0; i < vertexIds.length(); ++i)
+    points[static_cast<unsigned int>(vertexIds[i])][static_cast<unsigned int>(axis)] = 0.0;
 }
 
 MStatus snapVertsToAxisCmd::redoIt() {
@@ -43,9 +46,8 @@ MStatus snapVertsToAxisCmd::redoIt() {
   const MStatus status = readWorldPoints(dagPath, points);
   if (status != MS::kSuccess) return status;
   if (!idsAreInRange(vertexIds, points.length())) return MS::kFailure;
-  for (unsigned int i = 0; i < vertexIds.length(); ++i)
-    points[static_cast<unsigned int>(vertexIds[i])][static_cast<unsigned int>(axis)] = 0.0;
+  clearAxis(points);
   return writeAllWorldPoints(dagPath, points);
 }
 
-MStatus snapVertsToAxisCmd::undoIt() { return writeWorldPoints(dagPath, vertexIds, savedPositions); }
+MStatus snapVertsToAxisCmd::undoIt() { return savedPlaces.putBack(dagPath, vertexIds, savedPositions); }

@@ -6,6 +6,8 @@
 #include <maya/MPxCommand.h>
 #include <maya/MSyntax.h>
 
+#include "commands/storedPlaces.h"
+
 /// `qxSnapVertsToAxis`: puts the selected vertices of one mesh on the toolkit's mirror plane: their world coordinate on the
 /// mirror axis becomes 0.
 class snapVertsToAxisCmd : public MPxCommand {
@@ -20,8 +22,11 @@ class snapVertsToAxisCmd : public MPxCommand {
   static MSyntax newSyntax();
 
  private:
+  void clearAxis(MPointArray& points) const;
+
   MDagPath dagPath;
   MIntArray vertexIds;         ///< in the order of the selection
   MPointArray savedPositions;  ///< world space, one a vertex of `vertexIds`
+  storedPlaces savedPlaces;
   int axis;                    ///< 0 x, 1 y, 2 z
 };

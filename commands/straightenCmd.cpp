@@ -115,6 +115,7 @@ MStatus straightenCmd::doIt(const MArgList& arguments) {
   } else {
     straightenRun(straightPositions, 0, count, keepAxes);
   }
+  if ((status = savedPlaces.take(dagPath, vertexIds)) != MS::kSuccess) return status;
   justRead = &points;
   status = redoIt();
   justRead = nullptr;
@@ -123,4 +124,4 @@ MStatus straightenCmd::doIt(const MArgList& arguments) {
 
 MStatus straightenCmd::redoIt() { return writeWorldPoints(dagPath, vertexIds, straightPositions, justRead); }
 
-MStatus straightenCmd::undoIt() { return writeWorldPoints(dagPath, vertexIds, savedPositions); }
+MStatus straightenCmd::undoIt() { return savedPlaces.putBack(dagPath, vertexIds, savedPositions); }

@@ -6,6 +6,8 @@
 #include <maya/MPxCommand.h>
 #include <maya/MSyntax.h>
 
+#include "commands/storedPlaces.h"
+
 /// `qxStraightenCmd`: lines up the selected vertices of one mesh on the line through their two extreme points.
 class straightenCmd : public MPxCommand {
  public:
@@ -26,6 +28,7 @@ class straightenCmd : public MPxCommand {
   MPointArray* justRead = nullptr;  ///< all points, while doIt runs: its redoIt need not read them again
   MIntArray vertexIds;
   MPointArray savedPositions;     ///< world space, one a vertex of `vertexIds`, before the command
+  storedPlaces savedPlaces;
   MPointArray straightPositions;  ///< world space, the result
   int keepAxes;                   ///< a keepAxesCode
   bool average;                   ///< accepted for scripts that pass it; the result does not depend on it

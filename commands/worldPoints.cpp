@@ -52,15 +52,35 @@ bool idsAreInRange(const MIntArray& vertexIds, unsigned int vertexCount) {
   return true;
 }
 
+namespace {
+
+bool isFinite(const MPoint& point) {
+  return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
+}
+
+void reportVertex(const char* command, int vertex) {
+  MString text(command);
+  text += ": vertex ";
+  text += vertex;
+  text += " has a position that is not a number";
+  MGlobal::displayError(text);
+}
+
+}  // namespace
+
 bool positionsAreFinite(const char* command, const MIntArray& vertexIds, const MPointArray& positions) {
   for (unsigned int i = 0; i < positions.length(); ++i) {
-    const MPoint& point = positions[i];
-    if (std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z)) continue;
-    MString text(command);
-    text += ": vertex ";
-    text += vertexIds[i];
-    text += " has a position that is not a number";
-    MGlobal::displayError(text);
+    if (isFinite(positions[i])) continue;
+    reportVertex(command, vertexIds[i]);
+    return false;
+  }
+  return true;
+}
+
+bool positionsAreFinite(const char* command, const MPointArray& points) {
+  for (unsigned int i = 0; i < points.length(); ++i) {
+    if (isFinite(points[i])) continue;
+    reportVertex(command, static_cast<int>(i));
     return false;
   }
   return true;

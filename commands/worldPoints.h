@@ -27,3 +27,5 @@ bool idsAreInRange(const MIntArray& vertexIds, unsigned int vertexCount);
 
 /// Checks that every listed position is a number, else shows an error that names the command and the first bad vertex.
 bool positionsAreFinite(const char* command, const MIntArray& vertexIds, const MPointArray& positions);
+/// The same for all points of a mesh.
+bool positionsAreFinite(const char* command, const MPointArray& points);

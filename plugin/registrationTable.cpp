@@ -3,6 +3,7 @@
 #include "commands/circleVertsCmd.h"
 #include "commands/makePlanarCmd.h"
 #include "commands/mergeVertsCmd.h"
+#include "commands/projectMeshOnMeshCmd.h"
 #include "commands/setCommands.h"
 #include "commands/snapVertsToAxisCmd.h"
 #include "commands/straightenCmd.h"
@@ -103,7 +104,7 @@ const registrationRow kLoadRows[] = {
     command("scaleMoveSewCmd", "registerCommand"),
     command("addUVNodeMessageCmd", "registerCommand"),
     command("uvRatioCmd", "registerCommand"),
-    command("projectMeshOnMeshCmd", "registerCommand"),
+    command<projectMeshOnMeshCmd>("projectMeshOnMeshCmd", "registerCommand"),
 };
 const unsigned int kLoadRowCount = sizeof(kLoadRows) / sizeof(kLoadRows[0]);
 
