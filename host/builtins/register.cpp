@@ -29,17 +29,27 @@ void registerXform(cmd::CommandRegistry&);
 
 void registerFile(cmd::CommandRegistry&);
 
+void registerDeleteComponents(cmd::CommandRegistry&);
+void registerPerformAction(cmd::CommandRegistry&);
+void registerPolyColorPerVertex(cmd::CommandRegistry&);
+void registerPolyColorSet(cmd::CommandRegistry&);
+void registerPolyOptions(cmd::CommandRegistry&);
+void registerPolyUvSet(cmd::CommandRegistry&);
+
 void registerCreatePrimitive(cmd::CommandRegistry&);
 void registerPolyCrease(cmd::CommandRegistry&);
 void registerPolyEvaluate(cmd::CommandRegistry&);
 void registerPolyInfo(cmd::CommandRegistry&);
 void registerPolySoftEdge(cmd::CommandRegistry&);
 
+void registerConvertSelection(cmd::CommandRegistry&);
 void registerFilterExpand(cmd::CommandRegistry&);
 void registerLs(cmd::CommandRegistry&);
 void registerPolyListComponentConversion(cmd::CommandRegistry&);
+void registerPolySelect(cmd::CommandRegistry&);
 void registerSelect(cmd::CommandRegistry&);
 void registerSelectMode(cmd::CommandRegistry&);
+void registerTraverseSelection(cmd::CommandRegistry&);
 
 void registerAbout(cmd::CommandRegistry&);
 void registerOptionVar(cmd::CommandRegistry&);
@@ -78,7 +88,9 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerUnitsAndTime,    registerControlCommands, registerControlTree,   registerDialogs,
       registerUiGesture,       registerWindowPref,    registerComponentMenu,  registerIsolateSelect,
       registerPanels,          registerSelectPref,    registerToolCommands,   registerViewMessages,
-      registerPlayblast,     registerViewFit,
+      registerPlayblast,     registerViewFit,         registerConvertSelection, registerPolySelect,
+      registerTraverseSelection, registerDeleteComponents, registerPerformAction, registerPolyColorPerVertex,
+      registerPolyColorSet,  registerPolyOptions,     registerPolyUvSet,
   };
   for (const auto registration : kRegistrations) registration(registry);
 }

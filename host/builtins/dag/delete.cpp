@@ -1,4 +1,5 @@
 #include "host/builtins/common/command.h"
+#include "host/builtins/mesh/delete_components.h"
 #include "host/nodes/mesh_shape.h"
 
 namespace host::builtins {
@@ -35,6 +36,8 @@ CommandResult deleteObjects(Context& context, const ParsedArgs& args) {
       if (!node->isDefault()) list->add(scene::firstPath(*node));
   }
   if (list->isEmpty()) return mel::Value();
+  auto componentNodes = deleteComponents(document, *list);
+  if (!componentNodes) return failWith(std::move(componentNodes.error()));
   std::vector<scene::Node*> nodes;
   for (const scene::SelectionItem& item : list->items()) {
     if (item.plug) {
@@ -43,9 +46,7 @@ CommandResult deleteObjects(Context& context, const ParsedArgs& args) {
         HOST_TRY(document.graph().disconnect(source, item.plug));
       continue;
     }
-    if (!item.isObject())
-      return fail("delete: '{}' is a component: delete faces, edges and vertices with the poly commands.",
-                  scene::itemBaseName(item) + "." + item.components.front().words().front());
+    if (!item.isObject()) continue;
     const bool isInstance = item.isDag() && scene::allPaths(*item.node).size() > 1 &&
                             scene::dagLinks(*item.node).parents.size() > 1;
     if (isInstance)

@@ -1,7 +1,6 @@
 #include <array>
 
-#include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
+#include "host/builtins/select/component_picks.h"
 
 namespace host::builtins {
 
@@ -36,23 +35,14 @@ std::vector<Index> converted(const MeshItem& item, const ParsedArgs& args, Compo
   const mesh::Conversion how = args.has("border")     ? mesh::Conversion::Border
                                : args.has("internal") ? mesh::Conversion::Contained
                                                       : mesh::Conversion::Connected;
-  if (item.isObject()) return componentIds(item.mesh, Component::all(target));
-  std::vector<Index> ids;
-  for (const Component& component : item.components) {
-    if (!isSource(args, component.type())) continue;
-    const std::vector<Index> own = componentIds(item.mesh, component);
-    const std::vector<Index> more = mesh::convertComponents(item.mesh, meshKind(component.type()), own,
-                                                            meshKind(target), how, item.mesh.currentUvSet());
-    ids.insert(ids.end(), more.begin(), more.end());
-  }
-  mesh::sortUnique(ids);
-  return ids;
+  if (item.isObject()) return convertedIds(item, target);
+  MeshItem sources = item;
+  std::erase_if(sources.components, [&](const Component& component) { return !isSource(args, component.type()); });
+  return sources.isObject() ? std::vector<Index>{} : convertedIds(sources, target, how);
 }
 
 CommandResult convert(Context& context, const ParsedArgs& args) {
-  auto list = args.resolveObjects(context.document);
-  if (!list) return failWith(std::move(list.error()));
-  auto items = meshItems(*list);
+  auto items = namedMeshItems(context, args);
   if (!items) return failWith(std::move(items.error()));
   scene::SelectionList result;
   for (const MeshItem& item : *items) {

@@ -1,0 +1,200 @@
+#include <algorithm>
+#include <array>
+#include <map>
+
+#include "host/builtins/common/command.h"
+#include "host/builtins/common/mesh_components.h"
+#include "host/mesh/adjacency.h"
+#include "host/nodes/mesh_shape.h"
+
+namespace host::builtins {
+
+namespace {
+
+using mesh::Color4f;
+using mesh::Mesh;
+
+/// The channels that the flags give; those that are not given keep their value.
+struct ColorChange {
+  std::array<bool, 4> isGiven{};
+  std::array<float, 4> value{};
+  bool isRelative = false, removes = false;
+
+  explicit ColorChange(const ParsedArgs& args) : isRelative(args.has("relative")), removes(args.has("remove")) {
+    static constexpr std::array kChannels = {"colorR", "colorG", "colorB", "alpha"};
+    for (int i = 0; i < 3; ++i)
+      if (args.has("colorRGB")) give(static_cast<std::size_t>(i), args.real("colorRGB", 0, i));
+    for (std::size_t i = 0; i < kChannels.size(); ++i)
+      if (args.has(kChannels[i])) give(i, args.real(kChannels[i]));
+  }
+
+  [[nodiscard]] bool isAny() const { return removes || std::find(isGiven.begin(), isGiven.end(), true) != isGiven.end(); }
+
+  [[nodiscard]] Color4f on(const Color4f& before) const {
+    std::array<float, 4> channels = {before.r, before.g, before.b, before.a};
+    for (std::size_t i = 0; i < 4; ++i)
+      if (isGiven[i]) channels[i] = isRelative ? channels[i] + value[i] : value[i];
+    return {channels[0], channels[1], channels[2], channels[3]};
+  }
+
+ private:
+  void give(std::size_t channel, double wanted) {
+    isGiven[channel] = true;
+    value[channel] = static_cast<float>(wanted);
+  }
+};
+
+/// The corners that an item's components colour: those at a vertex, of a face, at the ends of an edge.
+std::vector<CornerId> corners(const MeshItem& item) {
+  if (item.isObject()) return item.ids(scene::ComponentType::VertexFace);
+  std::vector<CornerId> all;
+  for (const scene::Component& component : item.components) {
+    std::vector<Index> own = componentIds(item.mesh, component);
+    mesh::ComponentKind kind = meshKind(component.type());
+    if (kind == mesh::ComponentKind::Edge || kind == mesh::ComponentKind::Uv) {
+      own = mesh::convertComponents(item.mesh, kind, own, mesh::ComponentKind::Vertex, mesh::Conversion::Connected,
+                                    item.mesh.currentUvSet());
+      kind = mesh::ComponentKind::Vertex;
+    }
+    const std::vector<CornerId> more = mesh::convertComponents(item.mesh, kind, own, mesh::ComponentKind::VertexFace);
+    all.insert(all.end(), more.begin(), more.end());
+  }
+  mesh::sortUnique(all);
+  return all;
+}
+
+/// Drops colours that no corner has any more; the others keep their order.
+void dropUnused(mesh::ColorSet& set) {
+  std::vector<Index> newIds(set.colors.size(), kNone);
+  for (const Index id : set.cornerIds)
+    if (id != kNone) newIds[static_cast<std::size_t>(id)] = 0;
+  std::vector<Color4f> kept;
+  for (std::size_t i = 0; i < newIds.size(); ++i) {
+    if (newIds[i] == kNone) continue;
+    newIds[i] = static_cast<Index>(kept.size());
+    kept.push_back(set.colors[i]);
+  }
+  set.colors = std::move(kept);
+  for (Index& id : set.cornerIds)
+    if (id != kNone) id = newIds[static_cast<std::size_t>(id)];
+  if (set.colors.empty()) set.cornerIds.clear();
+}
+
+void recolor(mesh::ColorSet& set, Index cornerCount, const std::vector<CornerId>& wanted, const ColorChange& change) {
+  if (set.cornerIds.empty()) set.cornerIds.assign(static_cast<std::size_t>(cornerCount), kNone);
+  // Corners that had one colour share the new one as well.
+  std::map<Index, Index> changed;
+  for (const CornerId corner : wanted) {
+    Index& id = set.cornerIds[static_cast<std::size_t>(corner)];
+    if (change.removes) {
+      id = kNone;
+      continue;
+    }
+    const auto [found, isNew] = changed.try_emplace(id, static_cast<Index>(set.colors.size()));
+    if (isNew) set.colors.push_back(change.on(id == kNone ? Color4f{} : set.colors[static_cast<std::size_t>(id)]));
+    id = found->second;
+  }
+  dropUnused(set);
+}
+
+Result<void> colorOne(const MeshItem& item, const ColorChange& change) {
+  // Read again: an earlier item may be another instance of the same shape.
+  auto mesh = nodes::evaluatedMesh(*item.path.node());
+  if (!mesh) return failWith(std::move(mesh.error()));
+  if (mesh->currentColorSet() < 0) {
+    if (change.removes) return {};
+    mesh->setCurrentColorSet(mesh->addColorSet({"colorSet1", 4, false, {}, {}}));
+  }
+  recolor(mesh->editColorSet(mesh->currentColorSet()), mesh->cornerCount(), corners(item), change);
+  return nodes::setEvaluatedMesh(*item.path.node(), *std::move(mesh));
+}
+
+/// The mean colour of the coloured corners at each component, in order; -1 in all channels where there is none.
+std::vector<Color4f> componentColors(const MeshItem& item) {
+  std::vector<Color4f> colors;
+  const mesh::ColorSet& set = item.mesh.colorSet(item.mesh.currentColorSet());
+  const auto addMean = [&](std::span<const CornerId> around) {
+    Color4f sum{0, 0, 0, 0};
+    float count = 0;
+    for (const CornerId corner : around) {
+      const Index id = set.cornerIds.empty() ? kNone : set.cornerIds[static_cast<std::size_t>(corner)];
+      if (id == kNone) continue;
+      const Color4f& color = set.colors[static_cast<std::size_t>(id)];
+      sum = {sum.r + color.r, sum.g + color.g, sum.b + color.b, sum.a + color.a};
+      ++count;
+    }
+    if (count == 0)
+      colors.push_back({-1, -1, -1, -1});
+    else
+      colors.push_back({sum.r / count, sum.g / count, sum.b / count, sum.a / count});
+  };
+  if (item.components.size() == 1 && item.components.front().type() == scene::ComponentType::VertexFace) {
+    for (const CornerId corner : corners(item)) addMean(std::span(&corner, 1));
+  } else {
+    for (const VertexId v : item.vertices()) addMean(item.mesh.adjacency().vertexCorners(v));
+  }
+  return colors;
+}
+
+CommandResult query(const ParsedArgs& args, const std::vector<MeshItem>& items) {
+  mel::FloatArray values;
+  for (const MeshItem& item : items) {
+    if (item.mesh.currentColorSet() < 0)
+      return fail("polyColorPerVertex: '{}' has no colours.", item.path.partialName());
+    for (const Color4f& color : componentColors(item)) {
+      if (args.has("colorRGB")) values.insert(values.end(), {color.r, color.g, color.b});
+      if (args.has("colorR")) values.push_back(color.r);
+      if (args.has("colorG")) values.push_back(color.g);
+      if (args.has("colorB")) values.push_back(color.b);
+      if (args.has("alpha")) values.push_back(color.a);
+    }
+  }
+  return mel::Value(std::move(values));
+}
+
+CommandResult polyColorPerVertex(Context& context, const ParsedArgs& args) {
+  auto list = args.resolveObjects(context.document);
+  if (!list) return failWith(std::move(list.error()));
+  auto items = meshItems(*list);
+  if (!items) return failWith(std::move(items.error()));
+  if (items->empty()) return fail("polyColorPerVertex: name or select polygon objects or components.");
+  if (args.isQuery() && args.has("colorDisplayOption")) {
+    auto shown = context.document.graph().get(items->front().path.node()->plug("displayColors"));
+    if (!shown) return failWith(std::move(shown.error()));
+    const auto* isOn = std::get_if<std::int64_t>(&*shown);
+    return mel::Value(isOn && *isOn != 0);
+  }
+  if (args.isQuery()) return query(args, *items);
+  const ColorChange change(args);
+  if (!change.isAny() && !args.has("colorDisplayOption"))
+    return fail("polyColorPerVertex: give a colour, as with -rgb 1 0 0, or -remove.");
+  for (const MeshItem& item : *items) {
+    if (change.isAny()) HOST_TRY(colorOne(item, change));
+    if (args.has("colorDisplayOption"))
+      HOST_TRY(context.document.graph().set(item.path.node()->plug("displayColors"),
+                                            std::int64_t{args.boolean("colorDisplayOption")}));
+  }
+  return mel::Value(true);
+}
+
+}  // namespace
+
+void registerPolyColorPerVertex(CommandRegistry& registry) {
+  define(registry, "polyColorPerVertex",
+         Syntax()
+             .flag("rgb", "colorRGB", {ArgType::Double, ArgType::Double, ArgType::Double})
+             .flag("r", "colorR", {ArgType::Double})
+             .flag("g", "colorG", {ArgType::Double})
+             .flag("b", "colorB", {ArgType::Double})
+             .flag("a", "alpha", {ArgType::Double})
+             .flag("rel", "relative")
+             .flag("rem", "remove")
+             .flag("cdo", "colorDisplayOption", {ArgType::Bool})
+             .flag("nun", "notUndoable")
+             .flag("ch", "constructionHistory", {ArgType::Bool})
+             .queryable()
+             .objects(0, -1, true),
+         polyColorPerVertex);
+}
+
+}  // namespace host::builtins
