@@ -17,6 +17,20 @@ struct BevelEdgesOptions {
   double roundness = 1;  ///< of the profile with several segments: 0 flat, 1 an arc
   math::Matrix4 space;   ///< from object space to the space that the offset is measured in
   double smoothingAngle = std::numbers::pi / 6;  ///< new edges are hard beyond it, radians
+  bool autoFit = true;        ///< an offset that would slide past the end of an edge is shortened
+  bool fillNgons = true;      ///< close the gaps at vertices where strips meet by faces
+  bool mergeVertices = true;  ///< weld vertices of the bevel that come to lie on each other
+  double mergeTolerance = 0.0001;           ///< within this distance, in the space above, cm
+  double miteringAngle = std::numbers::pi;  ///< where two bevelled edges of a face meet at less,
+                                            ///< strips meet in a point; beyond it, each ends at
+                                            ///< its own distance. Radians
+  enum class UvAssignment {
+    PlanarPerFace,  ///< new faces get UVs of their own, projected along their normals to scale
+    Preserve        ///< new faces join the UVs of the faces beside them
+  };
+  UvAssignment uvAssignment = UvAssignment::Preserve;
+  bool chamfer = true;  ///< new faces cut the edge off; otherwise the old edge keeps its place as
+                        ///< a ridge between the new edges (an even number of segments)
 };
 
 struct BevelEdgesResult {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <span>
 
 #include "host/ops/topology/edit_maps.h"
@@ -33,5 +34,31 @@ struct ExtrudeFacesResult {
 ///         untouched.
 [[nodiscard]] Result<ExtrudeFacesResult> extrudeFaces(Mesh& mesh, std::span<const FaceId> faces,
                                                       const ExtrudeFacesOptions& options = {});
+
+/// An extrusion whose topology is done and whose points are still to be placed: for changing the
+/// placement many times, as a drag does. Copies are cheap and share everything.
+///
+/// Keep it for one input mesh and one set of faces; hasTopologyOf() tells whether other options
+/// need a new plan.
+class ExtrudePlan {
+ public:
+  /// Builds everything but positions. Costs what extrudeFaces() does.
+  /// @return an error as extrudeFaces() gives it
+  [[nodiscard]] static Result<ExtrudePlan> make(const Mesh& mesh, std::span<const FaceId> faces,
+                                                const ExtrudeFacesOptions& options);
+  /// Whether options differ from those of the plan in placement only: offset, thickness, taper,
+  /// twist, the transforms, pivot and smoothing angle.
+  [[nodiscard]] bool hasTopologyOf(const ExtrudeFacesOptions& options) const;
+  /// The extruded mesh, equal to what extrudeFaces() makes with these options. It shares all arrays
+  /// but points and edge smoothness with the plan. Costs a copy of the points and the new points.
+  /// @return an error for bad numbers, or for options that need another plan
+  [[nodiscard]] Result<Mesh> place(const ExtrudeFacesOptions& options) const;
+  /// What became of components; the same for all placements.
+  [[nodiscard]] const ExtrudeFacesResult& result() const;
+
+ private:
+  struct Data;
+  std::shared_ptr<const Data> data_;
+};
 
 }  // namespace host::ops
