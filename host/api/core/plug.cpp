@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "host/api/core/access.h"
+#include "host/builtins/common/command.h"
 
 namespace host::api {
 
@@ -56,17 +57,16 @@ MPlug::MPlug(const MObject& node, const MObject& attribute) {
 
 MString MPlug::name(MStatus* status) const {
   const dg::Plug plug = usable(*this, status);
-  return plug.isNull() ? MString() : api::toMString(plug.node()->name() + "." + plug.attributePath());
+  return plug.isNull() ? MString() : api::toMString(plug.node()->name() + "." + builtins::attributeName(plug));
 }
 
-MString MPlug::partialName(bool includeNodeName, bool, bool, bool useAlias, bool, bool useLongNames,
-                           MStatus* status) const {
+MString MPlug::partialName(bool includeNodeName, bool, bool, bool useAlias, bool useFullAttributePath,
+                           bool useLongNames, MStatus* status) const {
   const dg::Plug plug = usable(*this, status);
   if (plug.isNull()) return MString();
   std::string text = useAlias ? graphOf(plug).alias(plug) : std::string();
-  if (text.empty()) text = plug.attributePath(!useLongNames);
-  // Without an array level on the way the last name says it all, as scripts write it.
-  if (plug.levels() == 0) text = text.substr(text.rfind('.') + 1);
+  if (text.empty())
+    text = useFullAttributePath ? plug.attributePath(!useLongNames) : builtins::attributeName(plug, !useLongNames);
   return api::toMString(includeNodeName ? plug.node()->name() + "." + text : text);
 }
 
