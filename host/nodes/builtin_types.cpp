@@ -1,6 +1,7 @@
 #include "host/nodes/camera_node.h"
 #include "host/nodes/dag_node.h"
 #include "host/nodes/history/history_node.h"
+#include "host/nodes/history/modelling_nodes.h"
 #include "host/nodes/history/modifiers.h"
 #include "host/nodes/history/primitives.h"
 #include "host/nodes/locator_node.h"
@@ -10,6 +11,7 @@
 #include "host/nodes/set_nodes.h"
 #include "host/nodes/shading_nodes.h"
 #include "host/nodes/transform.h"
+#include "host/nodes/unknown_nodes.h"
 
 namespace host::nodes {
 
@@ -22,6 +24,7 @@ void registerBuiltinTypes(dg::TypeRegistry& types) {
   registerSetNodes(types);
   registerShadingNodes(types);
   registerSceneNodes(types);
+  registerUnknownNodes(types);
   registerHistoryBaseTypes(types);
   registerPolyCube(types);
   registerPolyPlane(types);
@@ -36,6 +39,7 @@ void registerBuiltinTypes(dg::TypeRegistry& types) {
   registerDeleteComponent(types);
   registerTransformGeometry(types);
   registerGroupNodes(types);
+  registerModellingNodes(types);
 }
 
 }  // namespace host::nodes

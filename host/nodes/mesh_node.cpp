@@ -174,6 +174,9 @@ void registerMesh(dg::TypeRegistry& types) {
   builder.add(
       numbers("uvPivot", "pv", "double2", {real("uvPivotX", "pvx"), real("uvPivotY", "pvy")}));
   builder.add(dg::makeTyped("tweakLocation", "twl", "Int32Array"));
+  builder.add(array(compound("componentTags", "gtag",
+                             {text("componentTagName", "gtagnm"),
+                              dg::makeTyped("componentTagContents", "gtagcmp", "componentList")})));
   addDisplayAttributes(builder);
   addSmoothAttributes(builder);
   a.worldMatrix = builder["worldMatrix"];

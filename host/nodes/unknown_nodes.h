@@ -1,0 +1,10 @@
+#pragma once
+
+#include "host/dg/node.h"
+
+namespace host::nodes {
+
+/// Registers what stands for nodes whose types are not there: unknown, unknownDag, unknownTransform.
+void registerUnknownNodes(dg::TypeRegistry& types);
+
+}  // namespace host::nodes
