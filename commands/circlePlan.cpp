@@ -8,7 +8,7 @@
 #include <cmath>
 #include <vector>
 
-#include "commands/planeFit.h"
+#include "shared/planeFit.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <maya/MPointArray.h>
 #include <maya/MVector.h>
 
-#include "commands/planeFit.h"
+#include "shared/planeFit.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "commands/planeFit.h"
+#include "shared/planeFit.h"
 
 #include <maya/MPoint.h>
 #include <maya/MPointArray.h>

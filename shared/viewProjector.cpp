@@ -1,0 +1,39 @@
+#include "shared/viewProjector.h"
+
+#include <maya/M3dView.h>
+
+#include <cmath>
+
+viewProjector::viewProjector(const M3dView& view, MStatus* status) {
+  MStatus read = view.modelViewMatrix(toCamera);
+  if (read == MS::kSuccess) read = view.projectionMatrix(toClip);
+  width = view.portWidth();
+  height = view.portHeight();
+  if (status) *status = read;
+}
+
+viewPlace viewProjector::project(const MPoint& world) const {
+  const MPoint inCamera = world * toCamera;
+  const MPoint clip = inCamera * toClip;
+  viewPlace place;
+  place.depth = -inCamera.z;
+  place.isClipped = !(clip.w > 0.0 && std::fabs(clip.z) <= clip.w);
+  if (place.isClipped) return place;
+  place.x = (clip.x / clip.w + 1.0) * 0.5 * width;
+  place.y = (clip.y / clip.w + 1.0) * 0.5 * height;
+  return place;
+}
+
+viewProjector viewProjector::from(const MMatrix& toWorld) const {
+  viewProjector composed = *this;
+  composed.toCamera = toWorld * toCamera;
+  return composed;
+}
+
+// A projection without perspective leaves w alone.
+bool viewProjector::isOrthographic() const { return toClip[2][3] == 0.0; }
+
+double viewProjector::worldPerPixel(double depth) const {
+  const double tall = toClip[1][1] * height;
+  return (isOrthographic() ? 2.0 : 2.0 * std::fabs(depth)) / tall;
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <maya/MMatrix.h>
+#include <maya/MPoint.h>
+#include <maya/MStatus.h>
+#include <maya/MVector.h>
+
+class M3dView;
+
+/// A point as a view shows it.
+struct viewPlace {
+  double x = 0.0, y = 0.0;  ///< pixels from the lower left corner, fractions kept
+  double depth = 0.0;       ///< cm in front of the camera
+  bool isClipped = true;    ///< nearer than the near or farther than the far clipping plane; x and y mean nothing then
+};
+
+/// The way from the world to a view's pixels, read from the view once: for many points, where asking the view each time
+/// would cost more than the projection. It stays as the camera stood when it was made.
+class viewProjector {
+ public:
+  explicit viewProjector(const M3dView& view, MStatus* status = nullptr);
+
+  viewPlace project(const MPoint& world) const;
+  /// The same for points of a space with the given way to the world.
+  viewProjector from(const MMatrix& toWorld) const;
+  /// World length that a pixel shows at a depth.
+  double worldPerPixel(double depth) const;
+  bool isOrthographic() const;
+
+ private:
+  MMatrix toCamera, toClip;
+  double width = 0.0, height = 0.0;
+};
