@@ -37,6 +37,7 @@ void registerPolyOptions(cmd::CommandRegistry&);
 void registerPolyUvSet(cmd::CommandRegistry&);
 
 void registerCreatePrimitive(cmd::CommandRegistry&);
+void registerModellingCommands(cmd::CommandRegistry&);
 void registerPolyCrease(cmd::CommandRegistry&);
 void registerPolyEvaluate(cmd::CommandRegistry&);
 void registerPolyInfo(cmd::CommandRegistry&);
@@ -90,7 +91,7 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerPanels,          registerSelectPref,    registerToolCommands,   registerViewMessages,
       registerPlayblast,     registerViewFit,         registerConvertSelection, registerPolySelect,
       registerTraverseSelection, registerDeleteComponents, registerPerformAction, registerPolyColorPerVertex,
-      registerPolyColorSet,  registerPolyOptions,     registerPolyUvSet,
+      registerPolyColorSet,  registerPolyOptions,     registerPolyUvSet,      registerModellingCommands,
   };
   for (const auto registration : kRegistrations) registration(registry);
 }

@@ -1,7 +1,10 @@
 #include "host/builtins/poly/history_command.h"
 
+#include <algorithm>
+#include <unordered_map>
 #include <unordered_set>
 
+#include "host/nodes/history/history_node.h"
 #include "host/nodes/mesh_shape.h"
 
 namespace host::builtins {
@@ -45,18 +48,49 @@ Result<void> setCommon(Context& context, const ParsedArgs& args, Node& node) {
   return {};
 }
 
+/// The components that the node gets; none when the item names nothing that is there.
+std::vector<scene::Component> inputOf(const HistoryCommand& command, const MeshItem& item) {
+  if (item.isObject()) return {scene::Component::all(command.works)};
+  std::vector<scene::Component> input;
+  bool takesAsTheyAre = false;
+  for (const scene::Component& component : item.components) {
+    const auto& also = command.alsoTakes;
+    if (std::find(also.begin(), also.end(), component.type()) == also.end()) continue;
+    takesAsTheyAre = true;
+    auto kept = componentFromIds(item.mesh, component.type(), componentIds(item.mesh, component));
+    if (!kept.isEmpty()) input.push_back(std::move(kept));
+  }
+  const bool converts = !takesAsTheyAre || std::any_of(item.components.begin(), item.components.end(),
+                                                       [&](const auto& each) { return each.type() == command.works; });
+  if (!converts) return input;
+  MeshItem own = item;
+  if (takesAsTheyAre) std::erase_if(own.components, [&](const auto& each) { return each.type() != command.works; });
+  auto ids = own.ids(command.works);
+  if (!ids.empty()) input.push_back(componentFromIds(item.mesh, command.works, std::move(ids)));
+  return input;
+}
+
+std::vector<Index> idsOf(const std::vector<scene::Component>& input, const HistoryCommand& command,
+                         const MeshItem& item) {
+  for (const scene::Component& component : input)
+    if (component.type() == command.works) return componentIds(item.mesh, component);
+  return {};
+}
+
 Result<Node*> insertOne(Context& context, const ParsedArgs& args, const HistoryCommand& command, const MeshItem& item) {
   scene::Document& document = context.document;
   dg::Graph& graph = document.graph();
-  const std::vector<Index> ids = item.ids(command.works);
-  auto created = document.createNode(command.nodeType, args.text("name", command.nodeType + "#"));
+  std::vector<scene::Component> components = inputOf(command, item);
+  if (components.empty())
+    return fail("{}: '{}' has none of the named components.", command.command, item.path.transform().partialName());
+  const std::vector<Index> ids = idsOf(components, command, item);
+  auto created = document.createNode(command.nodeType, args.text("name", command.nodeName + "#"));
   if (!created) return failWith(std::move(created.error()));
   Node& node = **created;
-  std::vector<scene::Component> components;
-  components.push_back(item.isObject() ? scene::Component::all(command.works)
-                                       : componentFromIds(item.mesh, command.works, ids));
   if (const Plug plug = node.plug("inputComponents"))
     HOST_TRY(graph.set(plug, dg::DataPtr(std::make_shared<scene::ComponentListData>(std::move(components)))));
+  if (const Plug plug = node.plug("inputMatrix"))
+    HOST_TRY(graph.set(plug, dg::DataPtr(std::make_shared<dg::MatrixData>(item.path.inclusiveMatrix()))));
   HOST_TRY(setCommon(context, args, node));
   HOST_TRY(command.setUp(node, item, ids));
   HOST_TRY(nodes::insertHistoryNode(document, *item.path.node(), node.plug("inputPolymesh"), node.plug("output")));
@@ -70,25 +104,91 @@ Result<Node*> insertOne(Context& context, const ParsedArgs& args, const HistoryC
 
 }  // namespace
 
+Result<std::vector<MeshItem>> distinctMeshItems(const scene::SelectionList& list) {
+  auto items = meshItems(list);
+  if (!items) return items;
+  std::vector<MeshItem> distinct;
+  std::unordered_map<const Node*, std::size_t> known;
+  for (MeshItem& item : *items) {
+    const auto [at, isNew] = known.try_emplace(item.path.node(), distinct.size());
+    if (isNew) {
+      distinct.push_back(std::move(item));
+      continue;
+    }
+    std::vector<scene::Component>& components = distinct[at->second].components;
+    if (item.isObject()) components.clear();
+    if (components.empty()) continue;
+    for (scene::Component& component : item.components) {
+      const auto same = std::find_if(components.begin(), components.end(),
+                                     [&](const auto& each) { return each.type() == component.type(); });
+      if (same == components.end())
+        components.push_back(std::move(component));
+      else
+        same->unite(component);
+    }
+  }
+  return distinct;
+}
+
+void deselectComponents(scene::Document& document, const std::vector<MeshItem>& items) {
+  std::unordered_set<const Node*> shapes;
+  for (const MeshItem& item : items) shapes.insert(item.path.node());
+  document.setSelection(document.selection().filtered([&](const scene::SelectionItem& item) {
+    return item.components.empty() || !shapes.contains(item.path.toShape().node());
+  }));
+}
+
+void selectMade(scene::Document& document, const std::vector<MeshItem>& items,
+                const std::vector<std::vector<scene::Component>>& made) {
+  if (std::all_of(items.begin(), items.end(), [](const MeshItem& item) { return item.isObject(); })) return;
+  scene::SelectionList list, hilite = document.hilite();
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    const scene::DagPath transform = items[i].path.transform();
+    if (items[i].isObject()) {
+      list.add(transform);
+      continue;
+    }
+    for (const scene::Component& component : made[i]) {
+      if (component.isEmpty()) continue;
+      list.add(items[i].path, component);
+      hilite.add(transform);
+    }
+  }
+  document.setHilite(std::move(hilite));
+  document.setSelection(std::move(list));
+}
+
 Result<std::vector<std::string>> runHistoryCommand(Context& context, const ParsedArgs& args,
                                                    const HistoryCommand& command) {
   auto list = args.resolveObjects(context.document);
   if (!list) return failWith(std::move(list.error()));
-  auto items = meshItems(*list);
+  return runHistoryCommand(context, args, command, *list);
+}
+
+Result<std::vector<std::string>> runHistoryCommand(Context& context, const ParsedArgs& args,
+                                                   const HistoryCommand& asked, const scene::SelectionList& list) {
+  HistoryCommand command = asked;
+  if (command.nodeName.empty()) command.nodeName = command.nodeType;
+  if (command.command.empty()) command.command = command.nodeType;
+  auto items = distinctMeshItems(list);
   if (!items) return failWith(std::move(items.error()));
-  if (items->empty()) return fail("{}: name or select polygon objects or components.", command.nodeType);
+  if (items->empty()) return fail("{}: name or select polygon objects or components.", command.command);
   const bool keepsHistory = args.boolean("constructionHistory", true);
   std::vector<std::string> names;
+  std::vector<std::vector<scene::Component>> made;
   for (const MeshItem& item : *items) {
     Node& shape = *item.path.node();
     const bool hadHistory = nodes::hasHistory(shape);
     auto node = insertOne(context, args, command, item);
     if (!node) return failWith(std::move(node.error()));
+    made.push_back(nodes::componentsMade(**node));
     if (keepsHistory || hadHistory)
       names.push_back((*node)->name());
     else
       HOST_TRY(nodes::deleteHistory(context.document, shape));
   }
+  if (command.leaves == Leaves::Made) selectMade(context.document, *items, made);
+  if (command.leaves == Leaves::Nothing) deselectComponents(context.document, *items);
   return names;
 }
 

@@ -4,7 +4,6 @@
 #include <memory>
 
 #include "host/base/assert.h"
-#include "host/scene/mesh_data.h"
 
 namespace host::nodes {
 
@@ -30,13 +29,47 @@ Index countOf(const mesh::Mesh& mesh, ComponentType type) {
   return 0;
 }
 
-Result<Computed> run(const HistoryOperation& operation, DataBlock& block, const Attribute* output,
-                     mesh::Mesh mesh) {
-  HistoryContext context(block, std::move(mesh));
+constexpr const char* kMemo = "operationMemo";
+
+/// What an evaluation leaves for the next one and for the command that made the node. No more than
+/// a cache: it is not saved, not compared and not undone.
+class HistoryMemo final : public dg::Data {
+ public:
+  HistoryMemo(std::vector<Component> madeIn, std::shared_ptr<const void> planIn)
+      : made(std::move(madeIn)), plan(std::move(planIn)) {}
+  [[nodiscard]] std::string_view typeName() const override { return "historyMemo"; }
+  [[nodiscard]] bool equals(const Data& other) const override { return this == &other; }
+  const std::vector<Component> made;
+  const std::shared_ptr<const void> plan;
+};
+
+std::shared_ptr<const HistoryMemo> memoOf(Node& node) {
+  const Plug plug = node.plug(kMemo);
+  if (!plug) return nullptr;
+  const dg::Value value = node.graph().stored(plug);
+  const auto* data = std::get_if<dg::DataPtr>(&value);
+  return data ? std::dynamic_pointer_cast<const HistoryMemo>(*data) : nullptr;
+}
+
+Result<Computed> finish(const HistoryOperation& operation, HistoryContext& context,
+                        const Attribute* output) {
   if (auto done = operation(context); !done)
-    return fail("{}: {}", block.node().name(), done.error().message);
-  block.output(output, dg::DataPtr(std::make_shared<MeshData>(std::move(context.mesh))));
+    return fail("{}: {}", context.node().name(), done.error().message);
+  context.block.output(output, dg::DataPtr(std::make_shared<MeshData>(std::move(context.mesh))));
   return Computed::Done;
+}
+
+Result<Computed> modify(const HistoryOperation& operation, DataBlock& block,
+                        const Attribute* output, scene::MeshDataPtr input) {
+  HistoryContext context(block, input->mesh);
+  context.input = std::move(input);
+  if (const auto memo = memoOf(block.node())) context.plan = memo->plan;
+  auto computed = finish(operation, context, output);
+  if (computed)
+    block.output(block.node().type().find(kMemo),
+                 dg::DataPtr(std::make_shared<HistoryMemo>(std::move(context.made),
+                                                           std::move(context.plan))));
+  return computed;
 }
 
 }  // namespace
@@ -53,7 +86,7 @@ void HistoryContext::packed(std::string_view attribute, std::vector<Index>& indi
 }
 
 std::vector<Component> HistoryContext::inputComponents() const {
-  const auto list = block.data<scene::ComponentListData>(find("inputComponents"));
+  const auto list = componentList();
   return list ? list->value : std::vector<Component>();
 }
 
@@ -91,6 +124,11 @@ std::vector<Component::VertexFace> HistoryContext::vertexFaces() const {
   return kept;
 }
 
+std::vector<Component> componentsMade(Node& node) {
+  const auto memo = memoOf(node);
+  return memo ? memo->made : std::vector<Component>();
+}
+
 HistoryNodeBuilder::HistoryNodeBuilder(dg::TypeRegistry& types, std::string_view name,
                                        std::uint32_t id, std::string_view base)
     : builder_(types, name, base, id) {}
@@ -110,19 +148,20 @@ void HistoryNodeBuilder::operation(HistoryOperation operation) {
     if (plug.attribute() != output) return Computed::Unhandled;
     auto arriving = block.input(Plug(&node, input));
     if (!arriving) return failWith(arriving.error());
-    const auto* data = dg::dataAs<MeshData>(*arriving);
+    const auto* payload = std::get_if<dg::DataPtr>(&*arriving);
+    auto data = payload ? std::dynamic_pointer_cast<const MeshData>(*payload) : nullptr;
     if (!data || block.integer(state) == 1) {
       block.output(output, *arriving);
       return Computed::Done;
     }
-    return run(operation, block, output, data->mesh);
+    return modify(operation, block, output, std::move(data));
   };
   builder_.finish();
 }
 
 PrimitiveNodeBuilder::PrimitiveNodeBuilder(dg::TypeRegistry& types, std::string_view name,
-                                           std::uint32_t id)
-    : builder_(types, name, "polyPrimitive", id) {}
+                                           std::uint32_t id, std::string_view base)
+    : builder_(types, name, base, id) {}
 
 PrimitiveNodeBuilder& PrimitiveNodeBuilder::parameter(AttributePtr attribute) {
   builder_.affects({builder_.add(std::move(attribute))}, {builder_["output"]});
@@ -134,7 +173,8 @@ void PrimitiveNodeBuilder::operation(HistoryOperation operation) {
   builder_.type().compute = [output, operation = std::move(operation)](
                                 Node&, const Plug& plug, DataBlock& block) -> Result<Computed> {
     if (plug.attribute() != output) return Computed::Unhandled;
-    return run(operation, block, output, mesh::Mesh());
+    HistoryContext context(block, mesh::Mesh());
+    return finish(operation, context, output);
   };
   builder_.finish();
 }
@@ -152,6 +192,7 @@ void registerHistoryBaseTypes(dg::TypeRegistry& types) {
       modifier.add(dg::makeTyped("inputComponents", "ics", "componentList"));
   modifier.add(boolean("useOldPolyArchitecture", "uopa"));
   modifier.add(hidden(notStored(dg::makeTyped("inMeshCache", "imc", "mesh"))));
+  modifier.add(hidden(output(dg::makeTyped(kMemo, "opm", "historyMemo"))));
   modifier.affects({input, components, modifier["nodeState"]}, {out});
   modifier.finish();
 

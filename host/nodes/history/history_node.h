@@ -1,11 +1,13 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include "host/mesh/mesh.h"
 #include "host/nodes/type_builder.h"
 #include "host/scene/component.h"
+#include "host/scene/mesh_data.h"
 
 namespace host::nodes {
 
@@ -17,6 +19,15 @@ class HistoryContext {
 
   DataBlock& block;
   mesh::Mesh mesh;  ///< arrives as the input; what is here when the operation returns is the output
+  scene::MeshDataPtr input;              ///< what arrived; null for primitives
+  std::vector<scene::Component> made;    ///< what the operation made, as a command would select it
+  std::shared_ptr<const void> plan;      ///< what the operation kept at the last evaluation; an
+                                         ///< operation that finds it unusable replaces or clears it
+
+  /// Says what the operation made; the ids are in terms of the output.
+  void makes(scene::ComponentType type, std::vector<Index> ids) {
+    made.emplace_back(type, std::move(ids));
+  }
 
   [[nodiscard]] Node& node() const { return block.node(); }
   [[nodiscard]] double real(std::string_view attribute) const {
@@ -37,6 +48,11 @@ class HistoryContext {
   [[nodiscard]] math::Matrix4 matrix(std::string_view attribute) const {
     return block.matrix(find(attribute));
   }
+  /// From object space to the space that lengths are measured in: that of inputMatrix with
+  /// worldSpace on, of types based on polyModifierWorld.
+  [[nodiscard]] math::Matrix4 space() const {
+    return boolean("worldSpace") ? matrix("inputMatrix") : math::Matrix4();
+  }
   /// Packed offsets such as `tweak`: ascending indices and `width` numbers each.
   void packed(std::string_view attribute, std::vector<Index>& indices,
               std::vector<double>& values) const;
@@ -50,6 +66,10 @@ class HistoryContext {
   [[nodiscard]] std::vector<FaceId> faces() const { return components(scene::ComponentType::Face); }
   [[nodiscard]] std::vector<UvId> uvs() const { return components(scene::ComponentType::Uv); }
   [[nodiscard]] std::vector<scene::Component::VertexFace> vertexFaces() const;
+  /// The payload of `inputComponents`: the same one as long as nobody sets it.
+  [[nodiscard]] std::shared_ptr<const scene::ComponentListData> componentList() const {
+    return block.data<scene::ComponentListData>(find("inputComponents"));
+  }
   /// Whether `inputComponents` names anything of the type, there or not.
   [[nodiscard]] bool names(scene::ComponentType type) const;
 
@@ -59,6 +79,9 @@ class HistoryContext {
 };
 
 using HistoryOperation = std::function<Result<void>(HistoryContext&)>;
+
+/// What a history node's last evaluation made, in terms of its output.
+[[nodiscard]] std::vector<scene::Component> componentsMade(Node& node);
 
 /// Declares a type of history node: one operation between `inputPolymesh` and `output`.
 ///
@@ -81,7 +104,9 @@ class HistoryNodeBuilder {
 /// here.
 class PrimitiveNodeBuilder {
  public:
-  PrimitiveNodeBuilder(dg::TypeRegistry& types, std::string_view name, std::uint32_t id = 0);
+  /// `base` is polyPrimitive (with an axis) or polyCreator.
+  PrimitiveNodeBuilder(dg::TypeRegistry& types, std::string_view name, std::uint32_t id = 0,
+                       std::string_view base = "polyPrimitive");
   PrimitiveNodeBuilder& parameter(AttributePtr attribute);
   /// The operation replaces the empty mesh of its context.
   void operation(HistoryOperation operation);  ///< registers the type

@@ -1,0 +1,40 @@
+#include "host/builtins/poly/modelling_command.h"
+
+namespace host::builtins {
+
+// One a source file, in the order of their names.
+void registerPolyAppendVertex(CommandRegistry&);
+void registerPolyBevel(CommandRegistry&);
+void registerPolyCloseBorder(CommandRegistry&);
+void registerPolyCollapseEdge(CommandRegistry&);
+void registerPolyCollapseFacet(CommandRegistry&);
+void registerPolyConnectComponents(CommandRegistry&);
+void registerPolyCreateFacet(CommandRegistry&);
+void registerPolyDelEdge(CommandRegistry&);
+void registerPolyDelFacet(CommandRegistry&);
+void registerPolyDelVertex(CommandRegistry&);
+void registerPolyExtrudeFacet(CommandRegistry&);
+void registerPolyMergeVertex(CommandRegistry&);
+void registerPolyNormal(CommandRegistry&);
+void registerPolyPoke(CommandRegistry&);
+void registerPolySeparate(CommandRegistry&);
+void registerPolySmooth(CommandRegistry&);
+void registerPolySubdivideEdge(CommandRegistry&);
+void registerPolySubdivideFacet(CommandRegistry&);
+void registerPolyTriangulate(CommandRegistry&);
+void registerPolyUnite(CommandRegistry&);
+
+void registerModellingCommands(CommandRegistry& registry) {
+  static constexpr void (*kRegistrations[])(CommandRegistry&) = {
+      registerPolyAppendVertex,      registerPolyBevel,
+      registerPolyCloseBorder,    registerPolyCollapseEdge,      registerPolyCollapseFacet,
+      registerPolyConnectComponents, registerPolyCreateFacet,    registerPolyDelEdge,
+      registerPolyDelFacet,       registerPolyDelVertex,         registerPolyExtrudeFacet,
+      registerPolyMergeVertex,    registerPolyNormal,            registerPolyPoke,
+      registerPolySeparate,       registerPolySmooth,            registerPolySubdivideEdge,
+      registerPolySubdivideFacet, registerPolyTriangulate,       registerPolyUnite,
+  };
+  for (const auto registration : kRegistrations) registration(registry);
+}
+
+}  // namespace host::builtins
