@@ -70,6 +70,14 @@ void appendSelectedFaceVertices(const MSelectionList& selection, MDagPath& mesh,
   });
 }
 
+MIntArray selectedFaceIds(const MSelectionList& selection) {
+  MIntArray faces;
+  forEachComponentSet(selection, MFn::kMeshPolygonComponent, [&](const MDagPath& path, MObject& component) {
+    for (MItMeshPolygon face(path, component); !face.isDone(); face.next()) faces.append(static_cast<int>(face.index()));
+  });
+  return faces;
+}
+
 void makeUniqueAscending(MIntArray& indices) {
   if (indices.length() == 0) return;
   int largest = 0;

@@ -19,5 +19,8 @@ void appendSelectedEdgeEnds(const MSelectionList& selection, MDagPath& mesh, MIn
 /// Appends the vertices of every selected face and sets `mesh`.
 void appendSelectedFaceVertices(const MSelectionList& selection, MDagPath& mesh, MIntArray& vertexIds);
 
+/// The selected faces' indices, in iteration order.
+MIntArray selectedFaceIds(const MSelectionList& selection);
+
 /// Makes indices unique and ascending. Linear in their number and the largest index.
 void makeUniqueAscending(MIntArray& indices);

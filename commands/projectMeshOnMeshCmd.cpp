@@ -30,7 +30,7 @@ class rayFaults {
 
  private:
   static void say(bool& isSaid, const char* text) {
-    if (!isSaid) MGlobal::displayInfo(text);
+    if (!isSaid) MGlobal::displayError(text);
     isSaid = true;
   }
   bool saidParam = false, saidFailure = false;

@@ -4,9 +4,13 @@
 #include "commands/makePlanarCmd.h"
 #include "commands/mergeVertsCmd.h"
 #include "commands/projectMeshOnMeshCmd.h"
+#include "commands/selectCmd.h"
 #include "commands/setCommands.h"
 #include "commands/snapVertsToAxisCmd.h"
 #include "commands/straightenCmd.h"
+#include "commands/turboSmoothCmd.h"
+#include "commands/topologyTransferCmd.h"
+#include "commands/transferVertexNormalsCmd.h"
 
 namespace {
 
@@ -67,8 +71,8 @@ constexpr const char* kUvLocatorDb = "drawdb/geometry/uvLocator";
 // The order and the texts are what scripts and support notes refer to: they stay as they are, odd ones included.
 // clang-format off
 const registrationRow kLoadRows[] = {
-    command("qxSelectCmd", "registerCommand"),
-    command("qxESmoothCmd", "registerCommand"),
+    command<SelectCmd>("qxSelectCmd", "registerCommand"),
+    command<turboSmoothCmd>("qxESmoothCmd", "registerCommand"),
     command<makePlanarCmd>("qxMakePlanarCmd", "registerCommand"),
     command<circleVertsCmd>("qxCircleVertsCmd", "registerCommand"),
     command<straightenCmd>("qxStraightenCmd", "registerCommand"),
@@ -84,12 +88,12 @@ const registrationRow kLoadRows[] = {
     drawOverride(kQuadDrawLocatorDb, "quadDrawLocatorNodePlugin"),
     context("quadDrawContext", "quadDrawContextCmd", "quadDraw context failed to register"),
     command<snapVertsToAxisCmd>("qxSnapVertsToAxis", "snap verts to axis command failed to register"),
-    command("qxTransferTopology", "topology transfer command failed to register"),
+    command<topologyTransferCmd>("qxTransferTopology", "topology transfer command failed to register"),
     context("uvSelectContext", "uvSelectContextCmd", "uv select context failed to register"),
     node(kLocator, "uvSelectionLocator", 0x112F94, "error uvSelectionLocator draw locator", kUvLocatorDb),
     drawOverride(kUvLocatorDb, "uvLocatorNodePlugin"),
     command("qxAutoUnwrap", "auto unwrap command failed to register"),
-    command("qxTransferVertexNormals", "transfer Vertex Normals command failed to register"),
+    command<transferVertexNormalsCmd>("qxTransferVertexNormals", "transfer Vertex Normals command failed to register"),
     command("qxLoadUvObjectForMarking", "load uv object for marking command failed to register"),
     command("uvRatio", "uv ratio command failed to register"),
     command("qxPinVertsCmd", "qxPinVertsCmd command failed to register"),

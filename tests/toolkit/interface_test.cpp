@@ -18,7 +18,7 @@ std::string faultsOf(toolkitSession& toolkit, const std::vector<std::string>& co
   std::string faults;
   for (const std::string& control : controls) {
     if (!toolkit.session->service<host::ui::Tree>().find(control)) continue;  // closed by an earlier one
-    toolkit.run("setAttr shape.translateX 0; select -r shape.vtx[0:3]");
+    toolkit.run("if (`objExists shape`) delete shape; polyCube -n shape; select -r shape.vtx[0:3]");
     const host::MessageCapture said;
     static_cast<void>(toolkit.session->executeLine("uiGesture -press \"" + control + "\""));
     toolkit.session->processIdle();

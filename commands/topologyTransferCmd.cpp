@@ -1,0 +1,250 @@
+#include "commands/topologyTransferCmd.h"
+
+#include <maya/MArgDatabase.h>
+#include <maya/MArgList.h>
+#include <maya/MDistance.h>
+#include <maya/MFloatPoint.h>
+#include <maya/MFloatVector.h>
+#include <maya/MFnMesh.h>
+#include <maya/MGlobal.h>
+#include <maya/MMeshIntersector.h>
+#include <maya/MPointOnMesh.h>
+#include <maya/MSelectionList.h>
+#include <maya/MString.h>
+#include <maya/MVectorArray.h>
+
+#include <algorithm>
+
+#include "commands/componentGather.h"
+#include "commands/flagReader.h"
+#include "commands/landmarkWarp.h"
+#include "commands/meshPair.h"
+#include "commands/orderMatch.h"
+#include "commands/polygonGraph.h"
+#include "commands/symmetricResult.h"
+#include "commands/transferFlags.h"
+#include "commands/vertexNormals.h"
+#include "commands/worldPoints.h"
+
+namespace {
+
+constexpr const char* kName = "qxTransferTopology";
+constexpr const char* kOrderFlag = "-o";
+constexpr const char* kSymmetryFlag = "-sy";
+constexpr const char* kLandmarkFlag = "-lm";
+
+/// A place along the normal this many times as far as the closest one lies on another part of the surface.
+constexpr double kFarther = 4.0;
+constexpr float kRayTolerance = 1e-6F;
+
+constexpr const char* kHelp =
+    "qxTransferTopology: select two meshes; the first takes the shape of the second.\n"
+    "  -sp -space world|object     where the two meshes are compared (world)\n"
+    "  -md -maxDistance DISTANCE   vertices with no place as near as this stay (0: no limit)\n"
+    "  -sy -symmetry x|y|z|none    make the result symmetric across an axis (none)\n"
+    "  -lm -landmark V W           vertex V of the first mesh belongs on vertex W of the second; may be repeated\n"
+    "  -o  -order on|off           the meshes have the same faces in another order: select one face of each that match\n"
+    "  -h  -help                   this text\n"
+    "Vertices selected on both meshes, as many on each, are landmarks too, paired in ascending order.\n"
+    "Returns the number of vertices that found no place.\n";
+
+MStatus refuse(const MString& text) {
+  MGlobal::displayError(MString(kName) + ": " + text);
+  return MS::kFailure;
+}
+
+MIntArray selectedVertices(MDagPath path, const MObject& components) {
+  MIntArray ids;
+  MSelectionList list;
+  if (!components.isNull()) list.add(path, components);
+  appendSelectedVertices(list, path, ids);
+  return ids;
+}
+
+MIntArray selectedFaces(const MDagPath& path, const MObject& components) {
+  MSelectionList list;
+  if (!components.isNull()) list.add(path, components);
+  return selectedFaceIds(list);
+}
+
+double sizeOf(const MPointArray& points) {
+  MPoint low = points[0], high = points[0];
+  for (const MPoint& p : points)
+    for (unsigned int axis = 0; axis < 3; ++axis) {
+      low[axis] = std::min(low[axis], p[axis]);
+      high[axis] = std::max(high[axis], p[axis]);
+    }
+  return low.distanceTo(high);
+}
+
+}  // namespace
+
+topologyTransferCmd::topologyTransferCmd()
+    : space(MSpace::kWorld), byOrder(false), maxDistance(0.0), symmetryAxis(3), unplaced(0) {}
+
+void* topologyTransferCmd::creator() { return new topologyTransferCmd; }
+
+MSyntax topologyTransferCmd::newSyntax() {
+  MSyntax syntax = transferSyntax();
+  syntax.addFlag(kSymmetryFlag, "-symmetry", MSyntax::kString);
+  syntax.addFlag(kLandmarkFlag, "-landmark", MSyntax::kLong, MSyntax::kLong);
+  syntax.makeFlagMultiUse(kLandmarkFlag);
+  syntax.addFlag(kOrderFlag, "-order", MSyntax::kBoolean);
+  return syntax;
+}
+
+MStatus topologyTransferCmd::parseArguments(const MArgList& arguments, bool& isHelp) {
+  MStatus parsed;
+  const MArgDatabase database(syntax(), arguments, &parsed);
+  MStatus status = readTransferFlags(kName, database, space, maxDistance);
+  MString symmetry("none");
+  if (status == MS::kSuccess) status = readFlag(database, kSymmetryFlag, symmetry, "could not parse symmetry axis");
+  if (status == MS::kSuccess) status = readFlag(database, kOrderFlag, byOrder, "could not parse order");
+  if (status != MS::kSuccess) return status;
+  if (parsed != MS::kSuccess) return parsed;
+  isHelp = database.isFlagSet(kHelpFlag);
+  static const char* const kAxes[] = {"x", "y", "z", "none"};
+  for (symmetryAxis = 0; symmetryAxis < 4 && symmetry != kAxes[symmetryAxis];) ++symmetryAxis;
+  if (symmetryAxis == 4) return refuse("the symmetry is x, y, z or none, not " + symmetry);
+  for (unsigned int i = 0; i < database.numberOfFlagUses(kLandmarkFlag); ++i) {
+    MArgList words;
+    if (database.getFlagArgumentList(kLandmarkFlag, i, words) != MS::kSuccess) return MS::kFailure;
+    landmarks.push_back({words.asInt(0), words.asInt(1)});
+  }
+  return MS::kSuccess;
+}
+
+MStatus topologyTransferCmd::pairLandmarks(const meshPair& pair, unsigned int targetCount) {
+  MIntArray own = selectedVertices(pair.first, pair.firstComponents);
+  MIntArray theirs = selectedVertices(pair.second, pair.secondComponents);
+  if (own.length() != theirs.length())
+    return refuse(MString("landmarks are pairs: ") + static_cast<int>(own.length()) + " vertices are selected on " +
+                  pair.first.partialPathName() + " and " + static_cast<int>(theirs.length()) + " on " +
+                  pair.second.partialPathName());
+  makeUniqueAscending(own);
+  makeUniqueAscending(theirs);
+  for (unsigned int i = 0; i < own.length(); ++i) landmarks.push_back({own[i], theirs[i]});
+  if (landmarks.size() > landmarkWarp::kMostLandmarks)
+    return refuse(MString("at most ") + static_cast<int>(landmarkWarp::kMostLandmarks) + " landmarks can be used");
+  for (const auto& [vertex, other] : landmarks)
+    if (!idsAreInRange(MIntArray(1, vertex), pointsBefore.length()) || !idsAreInRange(MIntArray(1, other), targetCount))
+      return refuse(MString("there are no vertices ") + vertex + " and " + other + " to be landmarks");
+  return MS::kSuccess;
+}
+
+MStatus topologyTransferCmd::placeByOrder(const meshPair& pair, const MPointArray& target) {
+  const MIntArray own = selectedFaces(pair.first, pair.firstComponents);
+  const MIntArray theirs = selectedFaces(pair.second, pair.secondComponents);
+  if (own.length() == 0 || own.length() != theirs.length())
+    return refuse("select one face of each mesh that match each other");
+  MIntArray counts, connects, otherCounts, otherConnects;
+  MFnMesh(pair.first).getVertices(counts, connects);
+  MFnMesh(pair.second).getVertices(otherCounts, otherConnects);
+  const polygonGraph graph(counts, connects, pointsBefore.length());
+  const polygonGraph otherGraph(otherCounts, otherConnects, target.length());
+  std::vector<int> partner(pointsBefore.length(), -1);
+  for (unsigned int i = 0; i < own.length(); ++i)
+    if (!matchOrder(graph, pointsBefore, own[i], otherGraph, target, theirs[i], partner))
+      return refuse(MString("the meshes are not the same around face ") + own[i] + " of " + pair.first.partialPathName() +
+                    " and face " + theirs[i] + " of " + pair.second.partialPathName());
+  for (unsigned int v = 0; v < pointsBefore.length(); ++v) {
+    if (partner[v] < 0) continue;
+    const MPoint& place = target[static_cast<unsigned int>(partner[v])];
+    if (maxDistance > 0.0 && place.distanceTo(pointsBefore[v]) > maxDistance) continue;
+    pointsAfter[v] = place;
+    isPlaced[v] = 1;
+  }
+  return MS::kSuccess;
+}
+
+void topologyTransferCmd::putOnSurface(const MDagPath& target, const MPointArray& warped, const MVectorArray& normals,
+                                       double size) {
+  MFnMesh targetFn(target);
+  MMeshIsectAccelParams accelParams = MFnMesh::autoUniformGridParams();
+  MMeshIntersector nearest;
+  nearest.create(target.node(), space == MSpace::kWorld ? target.inclusiveMatrix() : MMatrix::identity);
+  const double limit = maxDistance > 0.0 ? maxDistance : 4.0 * size;
+  const double rounding = 1e-6 * size;
+  for (unsigned int v = 0; v < warped.length(); ++v) {
+    MPointOnMesh closest;
+    const MStatus found = maxDistance > 0.0 ? nearest.getClosestPoint(warped[v], closest, maxDistance)
+                                            : nearest.getClosestPoint(warped[v], closest);
+    if (found != MS::kSuccess) continue;
+    isPlaced[v] = 1;
+    pointsAfter[v] = MPoint(closest.getPoint());
+    const double reach = std::min(limit, kFarther * warped[v].distanceTo(pointsAfter[v]) + rounding);
+    MFloatPoint hit;
+    int face = -1;
+    MVector facing;
+    const bool isHit = targetFn.closestIntersection(
+        MFloatPoint(warped[v]), MFloatVector(normals[v]), nullptr, nullptr, false, space, static_cast<float>(reach), true,
+        &accelParams, hit, nullptr, &face, nullptr, nullptr, nullptr, kRayTolerance);
+    if (isHit && targetFn.getPolygonNormal(face, facing, space) == MS::kSuccess && facing * normals[v] > 0.0)
+      pointsAfter[v] = MPoint(hit);
+  }
+}
+
+MStatus topologyTransferCmd::placeOnSurface(const MDagPath& target, const MPointArray& targetPoints) {
+  MPointArray warped = pointsBefore;
+  if (!landmarks.empty()) {
+    MPointArray from, to;
+    for (const auto& [vertex, other] : landmarks) {
+      from.append(pointsBefore[static_cast<unsigned int>(vertex)]);
+      to.append(targetPoints[static_cast<unsigned int>(other)]);
+    }
+    landmarkWarp warp;
+    if (!warp.fit(from, to)) return refuse("two landmarks lie in one place");
+    for (MPoint& point : warped) point = warp(point);
+  }
+  MIntArray counts, connects;
+  MFnMesh(movedPath).getVertices(counts, connects);
+  MVectorArray normals;
+  vertexNormals(warped, counts, connects, normals);
+  putOnSurface(target, warped, normals, sizeOf(warped) + sizeOf(targetPoints) + warped[0].distanceTo(targetPoints[0]));
+  for (const auto& [vertex, other] : landmarks) {
+    pointsAfter[static_cast<unsigned int>(vertex)] = targetPoints[static_cast<unsigned int>(other)];
+    isPlaced[static_cast<std::size_t>(vertex)] = 1;
+  }
+  return MS::kSuccess;
+}
+
+MStatus topologyTransferCmd::doIt(const MArgList& arguments) {
+  bool isHelp = false;
+  MStatus status = parseArguments(arguments, isHelp);
+  if (status != MS::kSuccess) return status;
+  if (isHelp) return showHelp(kHelp);
+  meshPair pair;
+  status = pair.takeSelection(kName, "qxTransferTopology: select two meshes: the one to reshape, then the one with the shape");
+  if (status != MS::kSuccess) return status;
+  movedPath = pair.first;
+  for (const MDagPath* path : {&pair.first, &pair.second})
+    if ((status = requireFaces(kName, *path)) != MS::kSuccess) return status;
+  MPointArray target;
+  if ((status = MFnMesh(pair.first).getPoints(pointsBefore, space)) != MS::kSuccess) return status;
+  if ((status = MFnMesh(pair.second).getPoints(target, space)) != MS::kSuccess) return status;
+  if (!positionsAreFinite(kName, pointsBefore) || !positionsAreFinite(kName, target)) return MS::kFailure;
+  if (space == MSpace::kWorld && (status = placesBefore.takeAll(movedPath)) != MS::kSuccess) return status;
+  if (!byOrder && (status = pairLandmarks(pair, target.length())) != MS::kSuccess) return status;
+
+  pointsAfter = pointsBefore;
+  isPlaced.assign(pointsBefore.length(), 0);
+  status = byOrder ? placeByOrder(pair, target) : placeOnSurface(pair.second, target);
+  if (status != MS::kSuccess) return status;
+  if (symmetryAxis < 3) makeSymmetric(pointsBefore, static_cast<unsigned int>(symmetryAxis), pointsAfter, isPlaced);
+  unplaced = static_cast<int>(std::count(isPlaced.begin(), isPlaced.end(), 0));
+  status = redoIt();
+  if (status != MS::kSuccess) return status;
+  reportTransfer(kName, "moved", static_cast<int>(isPlaced.size()) - unplaced, unplaced);
+  setResult(unplaced);
+  return MS::kSuccess;
+}
+
+MStatus topologyTransferCmd::redoIt() {
+  if (!movedPath.isValid()) return MS::kFailure;
+  return MFnMesh(movedPath).setPoints(pointsAfter, space);
+}
+
+MStatus topologyTransferCmd::undoIt() {
+  if (space == MSpace::kWorld) return placesBefore.putAllBack(movedPath, pointsBefore);
+  return movedPath.isValid() ? MFnMesh(movedPath).setPoints(pointsBefore, space) : MS::kFailure;
+}
