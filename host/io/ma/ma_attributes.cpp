@@ -37,8 +37,8 @@ void MaAttributes::apply(dg::Node& node, const std::vector<MaLine>& lines) {
   for (const MaLine& line : lines)
     std::visit([&](const auto& each) { apply(node, each); }, line);
   if (auto done = flush(); !done)
-    report_({.offset = std::visit([](const auto& each) { return each.offset; }, lines.back()),
-             .reason = std::move(done).error().message});
+    report_({std::visit([](const auto& each) { return each.offset; }, lines.back()), {}, {},
+             std::move(done).error().message});
   pending_.clear();
 }
 

@@ -1,0 +1,121 @@
+#include <fmt/format.h>
+
+#include <cmath>
+
+#include "host/io/ma/ma_node_writer.h"
+#include "host/io/ma/ma_numbers.h"
+#include "host/scene/component.h"
+
+namespace host::io {
+namespace {
+
+using dg::Attribute;
+using dg::Value;
+
+void appendType(std::string& text, std::string_view type) {
+  text += fmt::format("-type \"{}\"", type);
+}
+
+/// `-type "..." count` and the numbers; false when one of them is not finite.
+template <class Element, class Numbers>
+bool appendCounted(std::string& text, std::string_view type, const std::vector<Element>& elements,
+                   Numbers numbers) {
+  appendType(text, type);
+  text += ' ';
+  appendNumber(text, static_cast<std::int64_t>(elements.size()));
+  bool isGood = true;
+  std::size_t written = 0;
+  for (const Element& element : elements) {
+    if (written++ % 16 == 15) text += "\n\t\t";
+    for (const auto number : numbers(element)) {
+      isGood = isGood && std::isfinite(static_cast<double>(number));
+      text += ' ';
+      appendNumber(text, number);
+    }
+  }
+  text += ' ';
+  return isGood;
+}
+
+void appendComponents(std::string& text, const std::vector<scene::Component>& components) {
+  std::vector<std::string> words;
+  for (const scene::Component& component : components)
+    for (std::string& word : component.words()) words.push_back(std::move(word));
+  appendType(text, "componentList");
+  text += fmt::format(" {}", words.size());
+  for (const std::string& word : words) text += fmt::format(" \"{}\"", word);
+}
+
+enum class Written { Yes, Unknown, NotFinite };
+Written appendPayload(std::string& text, const dg::DataPtr& data) {
+  const Value value(data);
+  bool isGood = true;
+  if (const auto* matrix = dg::dataAs<dg::MatrixData>(value)) {
+    appendType(text, "matrix");
+    for (int i = 0; i < 16; ++i) {
+      const double number = matrix->value[i / 4][i % 4];
+      isGood = isGood && std::isfinite(number);
+      text += ' ';
+      appendNumber(text, number);
+    }
+  } else if (const auto* list = dg::dataAs<scene::ComponentListData>(value)) {
+    appendComponents(text, list->value);
+  } else if (const auto* texts = dg::dataAs<dg::StringArrayData>(value)) {
+    appendType(text, "stringArray");
+    text += fmt::format(" {}", texts->value.size());
+    for (const std::string& each : texts->value) {
+      text += ' ';
+      appendQuoted(text, each);
+    }
+  } else if (const auto* integers = dg::dataAs<dg::IntArrayData>(value)) {
+    appendCounted(text, "Int32Array", integers->value,
+                  [](std::int32_t each) { return std::array{each}; });
+  } else if (const auto* doubles = dg::dataAs<dg::DoubleArrayData>(value)) {
+    isGood = appendCounted(text, "doubleArray", doubles->value,
+                           [](double each) { return std::array{each}; });
+  } else if (const auto* floats = dg::dataAs<dg::FloatArrayData>(value)) {
+    isGood = appendCounted(text, "floatArray", floats->value,
+                           [](float each) { return std::array{each}; });
+  } else if (const auto* vectors = dg::dataAs<dg::VectorArrayData>(value)) {
+    isGood = appendCounted(text, "vectorArray", vectors->value, [](const math::Vec3& each) {
+      return std::array{each.x, each.y, each.z};
+    });
+  } else if (const auto* points = dg::dataAs<dg::PointArrayData>(value)) {
+    isGood = appendCounted(text, "pointArray", points->value, [](const dg::Point4& each) {
+      return std::array{each.x, each.y, each.z, each.w};
+    });
+  } else {
+    return Written::Unknown;
+  }
+  return isGood ? Written::Yes : Written::NotFinite;
+}
+
+}  // namespace
+
+/// False for what has no written form: no payload, or one of a kind that files do not know.
+bool MaNodeWriter::appendValue(std::string& text, const Attribute& leaf, const Value& value) {
+  if (const auto* words = std::get_if<std::string>(&value)) {
+    appendType(text, "string");
+    text += ' ';
+    appendQuoted(text, *words);
+    return true;
+  }
+  if (const auto* integer = std::get_if<std::int64_t>(&value)) {
+    if (leaf.type == dg::AttributeType::Bool)
+      text += *integer != 0 ? "yes" : "no";
+    else
+      appendNumber(text, *integer);
+    return true;
+  }
+  if (const auto* real = std::get_if<double>(&value)) {
+    appendLeafNumber(text, leaf, *real);
+    return true;
+  }
+  const auto* data = std::get_if<dg::DataPtr>(&value);
+  if (!data || !*data) return false;
+  const Written written = appendPayload(text, *data);
+  if (written == Written::NotFinite) fault_ = node_.name() + "." + leaf.longName;
+  return written != Written::Unknown;
+}
+
+}  // namespace host::io
