@@ -134,7 +134,12 @@ Result<void> addNodeClass(NodeClass nodeClass, std::uint32_t id, const std::stri
   type->pluginName = pluginName;
   type->existsWithoutOutputs = making.base->existsWithoutOutputs;
   for (const auto& attribute : making.attributes) (void)type->add(attribute);
-  for (const auto& [from, to] : making.relations) type->affects(from.get(), to.get());
+  const dg::Attribute* nodeState = type->find("nodeState");
+  for (const auto& [from, to] : making.relations) {
+    type->affects(from.get(), to.get());
+    // Whether a node has its effect is part of everything it computes.
+    if (nodeState) type->affects(nodeState, to.get());
+  }
   installHooks(*type);
   nodeClass.type = type.get();
   const auto added = types.add(std::move(type));

@@ -52,6 +52,11 @@ Result<Computed> compute(MPxNode& object, Node& node, const Plug& plug) {
   if (!thrown.empty()) return fail("Computing '{}' threw an exception: {}", plug.name(), thrown);
   if (status == MStatus::kUnknownParameter) return Computed::Unhandled;
   if (status == MStatus::kSuccess) return Computed::Done;
+  // A node that reports a fault but has marked its output clean has left a value to go on with.
+  if (!node.graph().isDirty(plug)) {
+    postMessage(MessageKind::Warning, fmt::format("Computing '{}' failed; the value that it left is used", plug.name()));
+    return Computed::Done;
+  }
   return fail("Computing '{}' failed: {}", plug.name(), status.errorString().asChar());
 }
 
