@@ -186,6 +186,10 @@ FaceId MeshRebuilder::copyFace(FaceId source) {
   return endFace();
 }
 
+void MeshRebuilder::copyFaces(FaceId first, FaceId end) {
+  for (FaceId f = first; f < end; ++f) copyFace(f);
+}
+
 Rebuilt MeshRebuilder::finish(const RebuildOptions& options) {
   Rebuilt result;
   if (options.dropUnusedVertices) {

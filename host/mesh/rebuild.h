@@ -76,6 +76,8 @@ class MeshRebuilder {
   FaceId endFace();
   /// Copies a source face whose vertices are all kept.
   FaceId copyFace(FaceId source);
+  /// Copies the source faces [first, end), whose vertices are all kept.
+  void copyFaces(FaceId first, FaceId end);
   /// Lets the edge between two vertices, should it be new, take smoothness and crease of a source
   /// edge.
   void inheritEdge(VertexId a, VertexId b, EdgeId source) { inherited_.push_back({a, b, source}); }

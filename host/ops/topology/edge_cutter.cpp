@@ -13,6 +13,15 @@ std::size_t at(Index i) {
 
 }  // namespace
 
+std::vector<CutCorner> partOfLoop(const std::vector<CutCorner>& loop, std::size_t from,
+                                  std::size_t to) {
+  std::vector<CutCorner> corners;
+  for (std::size_t i = from;; i = i + 1 < loop.size() ? i + 1 : 0) {
+    corners.push_back(loop[i]);
+    if (i == to) return corners;
+  }
+}
+
 EdgeCutter::EdgeCutter(const Mesh& mesh)
     : mesh_(mesh),
       rebuilder_(mesh_),

@@ -17,6 +17,10 @@ struct CutCorner {
   double t = 0;           ///< how far the corner lies towards `next`
 };
 
+/// The corners of a loop from one place to another on the way round, both included.
+[[nodiscard]] std::vector<CutCorner> partOfLoop(const std::vector<CutCorner>& loop,
+                                                std::size_t from, std::size_t to);
+
 /// Cuts edges by new vertices and faces by chords, with data interpolated along the edges.
 ///
 /// New vertices follow the old ones in the order of cutting. The piece of a cut edge at its first
@@ -43,6 +47,8 @@ class EdgeCutter {
   void setFace(FaceId face, std::span<const CutCorner> loop);
   /// Gives a face its loop with the new vertices of its edges in place.
   void keepFace(FaceId face);
+  /// Gives the faces [first, end), none of whose edges is cut, their loops.
+  void keepFaces(FaceId first, FaceId end) { rebuilder_.copyFaces(first, end); }
   /// Whether any of a face's edges is cut.
   [[nodiscard]] bool hasCut(FaceId face) const;
   /// Adds a piece of a face behind the old faces.

@@ -58,6 +58,8 @@ class ExtrudePlan {
 
  private:
   struct Data;
+  friend Result<ExtrudeFacesResult> extrudeFaces(Mesh&, std::span<const FaceId>,
+                                                 const ExtrudeFacesOptions&);
   std::shared_ptr<const Data> data_;
 };
 

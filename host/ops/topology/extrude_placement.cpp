@@ -11,25 +11,51 @@ double blend(double from, double to, double t) {
   return from + (to - from) * t;
 }
 
-math::Vec3 moved(const math::Vec3& p, const ExtrudeTransform& by, double taper, double twist,
-                 double t) {
-  const double size = blend(1, taper, t);
-  math::Vec3 q(p.x * blend(1, by.scale.x, t) * size, p.y * blend(1, by.scale.y, t) * size,
-               p.z * blend(1, by.scale.z, t));
-  const double c = std::cos(twist * t), s = std::sin(twist * t);
-  q = {q.x * c - q.y * s, q.x * s + q.y * c, q.z};
-  q = math::transformPoint(q, math::eulerToMatrix(by.rotate * t));
-  return q + by.translate * t;
-}
-
 }  // namespace
 
-math::Vec3 ExtrudeMover::place(const math::Vec3& p, const math::Vec3& inset, const math::Vec3& push,
-                               double t) const {
-  const math::Vec3 start = p + inset * t + push * t;
-  const math::Vec3 local =
-      moved(region_.toLocal(start), placement_.local, placement_.taper, placement_.twist, t);
-  return pivot_ + moved(region_.toWorld(local) - pivot_, placement_.world, 1, 0, t);
+Result<math::Matrix4> checkPlacement(const ExtrudePlacement& p) {
+  constexpr int kMostDivisions = 10000;
+  if (p.divisions < 1 || p.divisions > kMostDivisions)
+    return fail("The number of divisions must be 1 to {}, not {}", kMostDivisions, p.divisions);
+  for (const double value : {p.offset, p.thickness, p.taper, p.twist, p.smoothingAngle})
+    if (!std::isfinite(value)) return fail("Extrusion needs finite numbers");
+  for (const ExtrudeTransform* t : {&p.local, &p.world})
+    for (const math::Vec3& v : {t->translate, t->rotate, t->scale})
+      if (!math::isFinite(v)) return fail("Extrusion needs finite numbers");
+  if (p.pivot && !math::isFinite(*p.pivot)) return fail("Extrusion needs a finite pivot");
+  const auto inverse = math::inverse(p.space);
+  if (!inverse) return fail("The object is scaled to nothing; extrusion has no space to work in");
+  return *inverse;
+}
+
+ExtrudeMover::Motion::Motion(const ExtrudeTransform& by, double taper, double twist, double t)
+    : cosine(std::cos(twist * t)),
+      sine(std::sin(twist * t)),
+      rotation(math::eulerToMatrix(by.rotate * t)),
+      translation(by.translate * t) {
+  const double size = blend(1, taper, t);
+  scale = {blend(1, by.scale.x, t) * size, blend(1, by.scale.y, t) * size, blend(1, by.scale.z, t)};
+}
+
+math::Vec3 ExtrudeMover::Motion::moved(const math::Vec3& p) const {
+  const math::Vec3 q(p.x * scale.x, p.y * scale.y, p.z * scale.z);
+  const math::Vec3 turned(q.x * cosine - q.y * sine, q.x * sine + q.y * cosine, q.z);
+  return math::transformPoint(turned, rotation) + translation;
+}
+
+ExtrudeMover::ExtrudeMover(const ExtrudePlacement& placement, const math::Frame& region,
+                           const math::Vec3& pivot, double t)
+    : local_(placement.local, placement.taper, placement.twist, t),
+      world_(placement.world, 1, 0, t),
+      region_(region),
+      pivot_(pivot),
+      t_(t) {}
+
+math::Vec3 ExtrudeMover::place(const math::Vec3& p, const math::Vec3& inset,
+                               const math::Vec3& push) const {
+  const math::Vec3 start = p + inset * t_ + push * t_;
+  const math::Vec3 local = local_.moved(region_.toLocal(start));
+  return pivot_ + world_.moved(region_.toWorld(local) - pivot_);
 }
 
 }  // namespace host::ops

@@ -3,6 +3,7 @@
 #include <numbers>
 #include <optional>
 
+#include "host/base/result.h"
 #include "host/math/frame.h"
 #include "host/math/matrix4.h"
 
@@ -28,20 +29,32 @@ struct ExtrudePlacement {
   double smoothingAngle = std::numbers::pi / 6;  ///< edges of the sides are hard beyond it, radians
 };
 
-/// The place of a point of a region: offset by `inset` and `push` (both for the last division),
-/// then moved by the local and the world transform, all of them by the fraction t of the way.
+/// Refuses numbers that no extrusion can work with. @return the way back from the placement's
+/// space.
+[[nodiscard]] Result<math::Matrix4> checkPlacement(const ExtrudePlacement& placement);
+
+/// Places points of a region: offset by `inset` and `push` (both for the last division), then moved
+/// by the local and the world transform, all of them by the fraction t of the way.
 class ExtrudeMover {
  public:
   ExtrudeMover(const ExtrudePlacement& placement, const math::Frame& region,
-               const math::Vec3& pivot)
-      : placement_(placement), region_(region), pivot_(pivot) {}
+               const math::Vec3& pivot, double t);
   [[nodiscard]] math::Vec3 place(const math::Vec3& p, const math::Vec3& inset,
-                                 const math::Vec3& push, double t) const;
+                                 const math::Vec3& push) const;
 
  private:
-  const ExtrudePlacement& placement_;
+  struct Motion {
+    Motion(const ExtrudeTransform& by, double taper, double twist, double t);
+    [[nodiscard]] math::Vec3 moved(const math::Vec3& p) const;
+    math::Vec3 scale;
+    double cosine, sine;
+    math::Matrix4 rotation;
+    math::Vec3 translation;
+  };
+  Motion local_, world_;
   math::Frame region_;
   math::Vec3 pivot_;
+  double t_;
 };
 
 }  // namespace host::ops

@@ -44,12 +44,4 @@ struct MirrorResult {
 /// without inverse or when the cut leaves no face, with `mesh` untouched.
 [[nodiscard]] Result<MirrorResult> mirrorMesh(Mesh& mesh, const MirrorOptions& options = {});
 
-/// Cuts the faces of a mesh along a plane, in object space, keeping both sides.
-///
-/// Vertices within `tolerance` (cm) of the plane count as on it. Numbering and corner data as in
-/// connectComponents(). Linear in the mesh.
-/// @return the new edges, ascending
-std::vector<EdgeId> cutAlongPlane(Mesh& mesh, const math::Vec3& origin, const math::Vec3& normal,
-                                  double tolerance);
-
 }  // namespace host::ops

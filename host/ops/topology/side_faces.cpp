@@ -1,8 +1,5 @@
 #include "host/ops/topology/side_faces.h"
 
-#include "host/base/assert.h"
-#include "host/ops/topology/soft_edges.h"
-
 namespace host::ops {
 namespace {
 
@@ -12,7 +9,7 @@ std::size_t at(Index i) {
 
 }  // namespace
 
-void finishSideFaces(Mesh& mesh, std::span<const FaceId> sides, double smoothingAngle) {
+std::vector<EdgeSides> detachSideFaces(Mesh& mesh, std::span<const FaceId> sides) {
   for (int s = 0; s < mesh.uvSetCount(); ++s) {
     if (mesh.uvSet(s).cornerIds.empty()) continue;
     mesh::UvSet& set = mesh.editUvSet(s);
@@ -38,8 +35,7 @@ void finishSideFaces(Mesh& mesh, std::span<const FaceId> sides, double smoothing
   std::vector<EdgeId> edges;
   for (const FaceId f : sides)
     edges.insert(edges.end(), mesh.faceEdges(f).begin(), mesh.faceEdges(f).end());
-  const auto done = softenEdges(mesh, sortedIds(edges), smoothingAngle);
-  HOST_ASSERT(done.has_value(), "check the smoothing angle before building sides");
+  return sidesOfEdges(mesh, sortedIds(edges));
 }
 
 }  // namespace host::ops

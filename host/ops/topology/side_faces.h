@@ -3,6 +3,7 @@
 #include <span>
 
 #include "host/ops/topology/edit_maps.h"
+#include "host/ops/topology/soft_edges.h"
 
 namespace host::ops {
 
@@ -11,7 +12,8 @@ namespace host::ops {
 ///
 /// Their normals are not locked. UVs at the old edge become UVs of their own at the same places, so
 /// that the sides can be unfolded without touching their neighbours; the new edge shares UVs with
-/// what it borders. All their edges become hard or smooth by `smoothingAngle`, radians.
-void finishSideFaces(Mesh& mesh, std::span<const FaceId> sides, double smoothingAngle);
+/// what it borders.
+/// @return the sides' edges, ascending, for softenSides()
+[[nodiscard]] std::vector<EdgeSides> detachSideFaces(Mesh& mesh, std::span<const FaceId> sides);
 
 }  // namespace host::ops

@@ -3,7 +3,6 @@
 #include <cmath>
 #include <numbers>
 
-#include "host/mesh/adjacency.h"
 #include "host/mesh/normals.h"
 
 namespace host::ops {
@@ -12,33 +11,64 @@ namespace {
 // Faces that lie at the angle itself count as within it, whatever their floats say.
 constexpr double kAngleSlack = 1e-5;
 
+std::size_t at(Index i) {
+  return static_cast<std::size_t>(i);
+}
+
 bool isWithin(const Mesh& mesh, FaceId f, FaceId g, double angle) {
   const math::Vec3 a = mesh::faceNormal(mesh, f), b = mesh::faceNormal(mesh, g);
   if (math::lengthSquared(a) == 0 || math::lengthSquared(b) == 0) return true;
   return std::atan2(math::length(math::cross(a, b)), math::dot(a, b)) <= angle + kAngleSlack;
 }
 
+bool isSmoothAt(const Mesh& mesh, const EdgeSides& sides, double angle) {
+  if (angle <= 0) return false;
+  if (angle >= std::numbers::pi) return true;
+  if (sides.faceCount > 2) return false;
+  if (sides.faceCount < 2) return mesh.isEdgeSmooth(sides.edge);
+  return isWithin(mesh, sides.first, sides.second, angle);
+}
+
 }  // namespace
+
+std::vector<EdgeSides> sidesOfEdges(const Mesh& mesh, std::span<const EdgeId> edges) {
+  std::vector<EdgeSides> sides;
+  sides.reserve(edges.size());
+  for (const EdgeId e : edges) sides.push_back({e, 0, kNone, kNone});
+  const std::vector<std::uint8_t> isAsked = flagsOf(edges, mesh.edgeCount());
+  const std::vector<EdgeId>& cornerEdges = mesh.topology().cornerEdges;
+  for (FaceId f = 0; f < mesh.faceCount(); ++f)
+    for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c) {
+      const EdgeId e = cornerEdges[at(c)];
+      if (isAsked[at(e)] == 0) continue;
+      EdgeSides& entry = sides[static_cast<std::size_t>(
+          std::lower_bound(edges.begin(), edges.end(), e) - edges.begin())];
+      if (entry.faceCount > 0 && (entry.first == f || entry.second == f)) continue;
+      (entry.faceCount == 0 ? entry.first : entry.second) = f;
+      ++entry.faceCount;
+    }
+  return sides;
+}
+
+void softenSides(Mesh& mesh, std::span<const EdgeSides> sides, double angle) {
+  std::vector<std::uint8_t> isSmooth;
+  isSmooth.reserve(sides.size());
+  bool isChanged = false;
+  for (const EdgeSides& entry : sides) {
+    isSmooth.push_back(isSmoothAt(mesh, entry, angle) ? 1 : 0);
+    isChanged |= (isSmooth.back() != 0) != mesh.isEdgeSmooth(entry.edge);
+  }
+  if (!isChanged) return;
+  std::vector<std::uint8_t> flags(mesh.edgeSmooth().begin(), mesh.edgeSmooth().end());
+  if (flags.empty()) flags.assign(at(mesh.edgeCount()), 1);
+  for (std::size_t i = 0; i < sides.size(); ++i) flags[at(sides[i].edge)] = isSmooth[i];
+  mesh.setEdgeSmooth(std::move(flags));
+}
 
 Result<void> softenEdges(Mesh& mesh, std::span<const EdgeId> edges, double angle) {
   HOST_TRY(checkIds("edge", edges, mesh.edgeCount()));
   if (!std::isfinite(angle)) return fail("The angle must be a finite number");
-  if (edges.empty()) return {};
-  std::vector<std::uint8_t> flags(mesh.edgeSmooth().begin(), mesh.edgeSmooth().end());
-  if (flags.empty()) flags.assign(static_cast<std::size_t>(mesh.edgeCount()), 1);
-  for (const EdgeId e : edges) {
-    std::uint8_t& flag = flags[static_cast<std::size_t>(e)];
-    const auto faces = mesh.adjacency().edgeFaces(e);
-    if (angle <= 0)
-      flag = 0;
-    else if (angle >= std::numbers::pi)
-      flag = 1;
-    else if (faces.size() > 2)
-      flag = 0;
-    else if (faces.size() == 2)
-      flag = isWithin(mesh, faces[0], faces[1], angle) ? 1 : 0;
-  }
-  mesh.setEdgeSmooth(std::move(flags));
+  if (!edges.empty()) softenSides(mesh, sidesOfEdges(mesh, sortedIds(edges)), angle);
   return {};
 }
 

@@ -1,0 +1,146 @@
+#include "host/ops/topology/extrude_region.h"
+
+#include <algorithm>
+
+namespace host::ops {
+namespace {
+
+using math::Vec3;
+
+std::size_t at(Index i) {
+  return static_cast<std::size_t>(i);
+}
+
+// Two rim edges that meet this sharply would send an offset corner to infinity.
+constexpr double kLeastMitre = 0.1;
+
+}  // namespace
+
+ExtrudeRegions::ExtrudeRegions(const Mesh& mesh, std::vector<FaceId> faces, bool keepFacesTogether,
+                               const math::Matrix4& space)
+    : faces_(std::move(faces)) {
+  joinFaces(mesh, keepFacesTogether);
+  collectCopies(mesh, space);
+  std::vector<Vec3> normals;
+  normals.reserve(faces_.size());
+  for (std::size_t i = 0; i < faces_.size(); ++i) {
+    const auto loop = copiesOfFace(i);
+    const Vec3 origin = copies_[at(loop[0])].point;
+    Vec3 area;
+    for (std::size_t k = 1; k + 1 < loop.size(); ++k)
+      area +=
+          math::cross(copies_[at(loop[k])].point - origin, copies_[at(loop[k + 1])].point - origin);
+    normals.push_back(math::normalized(area));
+    regions_[at(regionOf_[i])].normal += area;
+    for (const Index copy : loop) copies_[at(copy)].normal += normals.back();
+  }
+  for (Copy& copy : copies_) copy.normal = math::normalized(copy.normal);
+  collectRim(mesh, keepFacesTogether, normals);
+}
+
+void ExtrudeRegions::joinFaces(const Mesh& mesh, bool keepFacesTogether) {
+  JoinedSets joined(faces_.size());
+  if (keepFacesTogether) {
+    std::vector<Index> faceAtEdge(at(mesh.edgeCount()), kNone);
+    for (std::size_t i = 0; i < faces_.size(); ++i)
+      for (const EdgeId e : mesh.faceEdges(faces_[i])) {
+        if (faceAtEdge[at(e)] != kNone) joined.join(faceAtEdge[at(e)], static_cast<Index>(i));
+        faceAtEdge[at(e)] = static_cast<Index>(i);
+      }
+  }
+  regionOf_.resize(faces_.size());
+  for (std::size_t i = 0; i < faces_.size(); ++i) {
+    const auto lowest = at(joined.lowest(static_cast<Index>(i)));
+    if (lowest == i) {
+      regionOf_[i] = static_cast<Index>(regions_.size());
+      regions_.emplace_back();
+    } else {
+      regionOf_[i] = regionOf_[lowest];
+    }
+  }
+}
+
+void ExtrudeRegions::collectCopies(const Mesh& mesh, const math::Matrix4& space) {
+  const bool isPlain = math::isIdentity(space);
+  std::vector<Index> newest(at(mesh.vertexCount()), kNone), older;
+  firstCorner_.push_back(0);
+  for (std::size_t i = 0; i < faces_.size(); ++i) {
+    Region& region = regions_[at(regionOf_[i])];
+    for (const VertexId v : mesh.faceVertices(faces_[i])) {
+      Index copy = newest[at(v)];
+      while (copy != kNone && copies_[at(copy)].region != regionOf_[i]) copy = older[at(copy)];
+      if (copy == kNone) {
+        copy = static_cast<Index>(copies_.size());
+        const Vec3 p = mesh.point(v);
+        copies_.push_back(
+            {v, regionOf_[i], isPlain ? p : math::transformPoint(p, space), {}, {}, false});
+        older.push_back(newest[at(v)]);
+        newest[at(v)] = copy;
+        region.centre += copies_.back().point;
+        ++region.vertices;
+      }
+      cornerCopies_.push_back(copy);
+    }
+    firstCorner_.push_back(cornerCopies_.size());
+  }
+}
+
+void ExtrudeRegions::collectRim(const Mesh& mesh, bool keepFacesTogether,
+                                std::span<const Vec3> normals) {
+  // How often the faces of a region walk an edge. Together, all that walk it are of one region.
+  std::vector<std::uint8_t> uses(at(mesh.edgeCount()), 0);
+  const auto count = [&](FaceId f) {
+    for (const EdgeId e : mesh.faceEdges(f))
+      uses[at(e)] = static_cast<std::uint8_t>(std::min(uses[at(e)] + 1, 2));
+  };
+  if (keepFacesTogether)
+    for (const FaceId f : faces_) count(f);
+  std::vector<Index> rimEdges(copies_.size(), 0);
+  for (std::size_t i = 0; i < faces_.size(); ++i) {
+    const FaceId f = faces_[i];
+    if (!keepFacesTogether) count(f);
+    const auto loop = copiesOfFace(i);
+    const auto edges = mesh.faceEdges(f);
+    for (std::size_t k = 0; k < loop.size(); ++k) {
+      if (uses[at(edges[k])] != 1) continue;
+      const std::size_t next = k + 1 < loop.size() ? k + 1 : 0;
+      const CornerId first = mesh.firstCorner(f);
+      rim_.push_back({loop[k], loop[next], first + static_cast<CornerId>(k),
+                      first + static_cast<CornerId>(next), f});
+      const Vec3 along = copies_[at(loop[next])].point - copies_[at(loop[k])].point;
+      const Vec3 inwards = math::normalized(math::cross(normals[i], along));
+      for (const Index copy : {loop[k], loop[next]}) {
+        copies_[at(copy)].inset += inwards;
+        ++rimEdges[at(copy)];
+      }
+    }
+    if (!keepFacesTogether)
+      for (const EdgeId e : edges) uses[at(e)] = 0;
+  }
+  for (std::size_t i = 0; i < copies_.size(); ++i) {
+    Copy& copy = copies_[i];
+    copy.isOnRim = rimEdges[i] > 0;
+    const double squared = math::lengthSquared(copy.inset);
+    // The sum of two unit vectors, divided by one plus their cosine, reaches both lines.
+    if (rimEdges[i] == 0 || squared < 1e-12)
+      copy.inset = {};
+    else
+      copy.inset = copy.inset / std::max(squared / rimEdges[i], kLeastMitre);
+  }
+}
+
+std::vector<ExtrudeMover> ExtrudeRegions::moversOf(const ExtrudePlacement& placement,
+                                                   double t) const {
+  Vec3 all;
+  for (const Region& region : regions_) all += region.centre;
+  const Vec3 pivot =
+      placement.pivot.value_or(all / std::max<double>(1, static_cast<double>(copies_.size())));
+  std::vector<ExtrudeMover> movers;
+  movers.reserve(regions_.size());
+  for (const Region& region : regions_)
+    movers.emplace_back(
+        placement, math::frameFromNormal(region.centre / region.vertices, region.normal), pivot, t);
+  return movers;
+}
+
+}  // namespace host::ops
