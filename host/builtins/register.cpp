@@ -20,17 +20,22 @@ void registerDelete(cmd::CommandRegistry&);
 void registerDuplicate(cmd::CommandRegistry&);
 void registerListHistory(cmd::CommandRegistry&);
 void registerListRelatives(cmd::CommandRegistry&);
+void registerListSets(cmd::CommandRegistry&);
+void registerMakeIdentity(cmd::CommandRegistry&);
 void registerMove(cmd::CommandRegistry&);
 void registerNodeQueries(cmd::CommandRegistry&);
 void registerParent(cmd::CommandRegistry&);
 void registerRotateScale(cmd::CommandRegistry&);
 void registerSets(cmd::CommandRegistry&);
+void registerUngroup(cmd::CommandRegistry&);
+void registerVisibility(cmd::CommandRegistry&);
 void registerXform(cmd::CommandRegistry&);
 
 void registerFile(cmd::CommandRegistry&);
 
 void registerDeleteComponents(cmd::CommandRegistry&);
 void registerPerformAction(cmd::CommandRegistry&);
+void registerPointPosition(cmd::CommandRegistry&);
 void registerPolyColorPerVertex(cmd::CommandRegistry&);
 void registerPolyColorSet(cmd::CommandRegistry&);
 void registerPolyOptions(cmd::CommandRegistry&);
@@ -46,6 +51,7 @@ void registerPolySoftEdge(cmd::CommandRegistry&);
 void registerConvertSelection(cmd::CommandRegistry&);
 void registerFilterExpand(cmd::CommandRegistry&);
 void registerLs(cmd::CommandRegistry&);
+void registerPickWalk(cmd::CommandRegistry&);
 void registerPolyListComponentConversion(cmd::CommandRegistry&);
 void registerPolySelect(cmd::CommandRegistry&);
 void registerSelect(cmd::CommandRegistry&);
@@ -56,6 +62,7 @@ void registerAbout(cmd::CommandRegistry&);
 void registerOptionVar(cmd::CommandRegistry&);
 void registerPlugins(cmd::CommandRegistry&);
 void registerProgram(cmd::CommandRegistry&);
+void registerRuntimeCommands(cmd::CommandRegistry&);
 void registerScriptJob(cmd::CommandRegistry&);
 void registerUndo(cmd::CommandRegistry&);
 void registerUnitsAndTime(cmd::CommandRegistry&);
@@ -92,6 +99,8 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerPlayblast,     registerViewFit,         registerConvertSelection, registerPolySelect,
       registerTraverseSelection, registerDeleteComponents, registerPerformAction, registerPolyColorPerVertex,
       registerPolyColorSet,  registerPolyOptions,     registerPolyUvSet,      registerModellingCommands,
+      registerListSets,      registerMakeIdentity,    registerVisibility,     registerPointPosition,
+      registerUngroup,       registerPickWalk,        registerRuntimeCommands,
   };
   for (const auto registration : kRegistrations) registration(registry);
 }

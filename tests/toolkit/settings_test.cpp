@@ -62,10 +62,11 @@ TEST_CASE("what a person changes in a window is in the settings at once") {
       {"ignoreQuadDrawBackface_QXMT_CB", &toolSettings::ignoreQuadDrawBackface},
       {"pinBorderEdges_QXMT_MI", &toolSettings::pinBorderEdges},
       {"fullShellCompressionColors_QXMT_MI", &toolSettings::fullShellCompressionColors}};
-  for (const auto& [control, setting] : boxes) {
+  for (const auto& [name, setting] : boxes) {
+    const std::string control = name;
     CAPTURE(control);
     const bool before = block().*setting;
-    toolkit.run(std::string("uiGesture -press ") + control);
+    toolkit.run("uiGesture -press " + control);
     CHECK(block().*setting == !before);
   }
   const std::vector<std::pair<const char*, int toolSettings::*>> fields = {
@@ -73,9 +74,10 @@ TEST_CASE("what a person changes in a window is in the settings at once") {
       {"smoothIntensity_QXMT_IF", &toolSettings::smoothIntensity},
       {"smoothPush_QXMT_IF", &toolSettings::smoothPush},
       {"smoothUvIntensity_QXMT_IF", &toolSettings::smoothUvIntensity}};
-  for (const auto& [control, setting] : fields) {
+  for (const auto& [name, setting] : fields) {
+    const std::string control = name;
     CAPTURE(control);
-    toolkit.run(std::string("uiGesture -set 37 ") + control);
+    toolkit.run("uiGesture -set 37 " + control);
     CHECK(block().*setting == 37);
   }
   // Ticking the mirror box off disables what hangs on it.

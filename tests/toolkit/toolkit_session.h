@@ -66,6 +66,6 @@ inline const char* const kPoses[] = {
     "setAttr shape.rotate -type double3 30 -50 70; setAttr shape.translate -type double3 3 -2 5;",
     "setAttr shape.scale -type double3 2 0.5 3; setAttr shape.rotate -type double3 10 20 30;",
     "setAttr shape.scale -type double3 -1 2 1; setAttr shape.shearXY 0.4;",
-    "group -name above shape; setAttr above.scale -type double3 1 -3 0.25; setAttr above.rotate -type double3 40 0 15;"
-    "setAttr shape.rotate -type double3 -20 35 0; setAttr shape.rotatePivot -type double3 1 2 3;",
+    ("group -name above shape; setAttr above.scale -type double3 1 -3 0.25; setAttr above.rotate -type double3 40 0 15;"
+    "setAttr shape.rotate -type double3 -20 35 0; setAttr shape.rotatePivot -type double3 1 2 3;"),
 };

@@ -166,7 +166,8 @@ void registerSetAttr(CommandRegistry& registry) {
              .flag("c", "clamp")
              .flag("av", "alteredValue")
              .flag("ch", "capacityHint", {ArgType::Unsigned})
-             .strings(1),
+             .strings(1)
+             .editable(),
          setAttr);
 }
 

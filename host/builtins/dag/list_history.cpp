@@ -13,7 +13,7 @@ using scene::Node;
 class HistoryWalk {
  public:
   HistoryWalk(Context& context, const ParsedArgs& args)
-      : graph_(context.document.graph()), isFuture_(args.has("future")), prunesDag_(args.has("pruneDagObjects")),
+      : graph_(context.document.graph()), isFuture_(args.boolean("future")), prunesDag_(args.boolean("pruneDagObjects")),
         isBreadthFirst_(args.has("breadthFirst")), levels_(args.integer("levels", 0)) {}
 
   void start(Node& node) { isBreadthFirst_ ? walkBroad(node) : walkDeep(node, 0); }
@@ -88,11 +88,11 @@ CommandResult listHistory(Context& context, const ParsedArgs& args) {
 void registerListHistory(CommandRegistry& registry) {
   defineQuery(registry, "listHistory",
               Syntax()
-                  .flag("f", "future")
-                  .flag("pdo", "pruneDagObjects")
+                  .flag("f", "future", {ArgType::Bool})
+                  .flag("pdo", "pruneDagObjects", {ArgType::Bool})
                   .flag("bf", "breadthFirst")
                   .flag("lv", "levels", {ArgType::Unsigned})
-                  .flag("lf", "leaf")
+                  .flag("lf", "leaf", {ArgType::Bool})
                   .flag("il", "interestLevel", {ArgType::Int})
                   .flag("gl", "groupLevels")
                   .flag("ac", "allConnections")
