@@ -52,6 +52,38 @@ int attributeMessage(dg::AttributeEvent event) {
   return 0;
 }
 
+int messageOf(builtins::SceneStage stage) {
+  using S = builtins::SceneStage;
+  switch (stage) {
+    case S::BeforeNew: return MSceneMessage::kBeforeNew;
+    case S::AfterNew: return MSceneMessage::kAfterNew;
+    case S::BeforeOpen: return MSceneMessage::kBeforeOpen;
+    case S::AfterOpen: return MSceneMessage::kAfterOpen;
+    case S::BeforeImport: return MSceneMessage::kBeforeImport;
+    case S::AfterImport: return MSceneMessage::kAfterImport;
+    case S::BeforeRead: return MSceneMessage::kBeforeFileRead;
+    case S::AfterRead: return MSceneMessage::kAfterFileRead;
+    case S::BeforeSave: return MSceneMessage::kBeforeSave;
+    case S::AfterSave: return MSceneMessage::kAfterSave;
+    case S::BeforeExport: return MSceneMessage::kBeforeExport;
+    case S::AfterExport: return MSceneMessage::kAfterExport;
+  }
+  return MSceneMessage::kSceneUpdate;
+}
+
+/// The question that comes before a work; -1 for stages that nobody is asked about.
+int checkOf(builtins::SceneStage stage) {
+  using S = builtins::SceneStage;
+  switch (stage) {
+    case S::BeforeNew: return MSceneMessage::kBeforeNewCheck;
+    case S::BeforeOpen: return MSceneMessage::kBeforeOpenCheck;
+    case S::BeforeImport: return MSceneMessage::kBeforeImportCheck;
+    case S::BeforeSave: return MSceneMessage::kBeforeSaveCheck;
+    case S::BeforeExport: return MSceneMessage::kBeforeExportCheck;
+    default: return -1;
+  }
+}
+
 }  // namespace
 
 Callbacks& callbacks() { return cmd::currentSession().service<Callbacks>(); }
@@ -63,12 +95,18 @@ Callbacks::Callbacks() : clock(secondsNow), document_(cmd::currentSession().docu
   jobs.eventTriggered = [this](std::string_view name) {
     fire(CallbackKind::Event, {.text = std::string(name)});
     if (name == "timeChanged") fire(CallbackKind::TimeChanged, {});
-    const auto scene = [this](MSceneMessage::Message message) { fire(CallbackKind::Scene, {.message = message}); };
-    if (name == "SceneOpened") scene(MSceneMessage::kAfterOpen);
-    if (name == "SceneImported") scene(MSceneMessage::kAfterImport);
-    if (name == "SceneSaved") scene(MSceneMessage::kAfterSave);
-    if (name == "NewSceneOpened") scene(MSceneMessage::kAfterNew);
   };
+  hooks_->reached = [this](builtins::SceneStage stage, const std::string& path) {
+    const int message = messageOf(stage);
+    fire(CallbackKind::Scene, {.message = message, .text = path});
+    fire(CallbackKind::SceneText, {.message = message, .text = path});
+  };
+  hooks_->mayGoOn = [this](builtins::SceneStage stage, const std::string& path) {
+    Happening asked{.message = checkOf(stage), .text = path};
+    fire(CallbackKind::SceneCheck, asked);
+    return !asked.isRefused;
+  };
+  cmd::currentSession().setService(hooks_);
   jobs.conditionChanged = [this](std::string_view name, bool state) {
     fire(CallbackKind::Condition, {.text = std::string(name), .flag = state});
   };
@@ -80,6 +118,8 @@ Callbacks::Callbacks() : clock(secondsNow), document_(cmd::currentSession().docu
 }
 
 Callbacks::~Callbacks() {
+  hooks_->reached = {};
+  hooks_->mayGoOn = {};
   cmd::currentSession().scriptJobs().eventTriggered = {};
   cmd::currentSession().scriptJobs().conditionChanged = {};
   cmd::currentSession().loopTask = {};

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "host/api/core/access.h"
+#include "host/builtins/file/scene_hooks.h"
 #include "host/cmd/session.h"
 
 namespace host::api {
@@ -87,6 +88,7 @@ class Callbacks final : public dg::GraphObserver, public scene::DocumentObserver
   [[nodiscard]] static bool fits(const Callback& callback, const Happening& happening);
 
   scene::Document& document_;
+  std::shared_ptr<builtins::SceneHooks> hooks_ = std::make_shared<builtins::SceneHooks>();
   std::map<MCallbackId, Callback> callbacks_;
   std::vector<int> counts_;
   std::vector<MCallbackId> running_;

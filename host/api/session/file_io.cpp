@@ -3,21 +3,16 @@
 #include <fmt/format.h>
 
 #include "host/api/core/access.h"
+#include "host/builtins/file/scene_hooks.h"
 #include "host/cmd/session.h"
 
 namespace {
 
 using namespace host;
 
-enum class Work { None, Reading, Opening, Writing, NewScene };
-Work work = Work::None;
+using Work = builtins::SceneHooks::Work;
 
-/// Says what is going on for as long as it lives.
-struct WorkScope {
-  explicit WorkScope(Work now) : before(std::exchange(work, now)) {}
-  ~WorkScope() { work = before; }
-  Work before;
-};
+Work work() { return cmd::currentSession().service<builtins::SceneHooks>().work; }
 
 std::string quoted(const MString& text) {
   std::string result = "\"";
@@ -29,8 +24,7 @@ std::string quoted(const MString& text) {
 }
 
 /// Files are read and written by the `file` command, which knows the formats.
-MStatus runFile(Work kind, const std::string& flags, const MString& name, const char* type) {
-  const WorkScope scope(kind);
+MStatus runFile(const std::string& flags, const MString& name, const char* type) {
   const std::string typeFlag = type ? " -type " + quoted(type) : std::string();
   const auto done = cmd::currentSession().executeLine("file " + flags + typeFlag +
                                                       (name.length() > 0 ? " " + quoted(name) : std::string()));
@@ -44,36 +38,36 @@ MString MFileIO::currentFile() {
   return api::toMString(name.empty() ? "untitled" : name);
 }
 MStatus MFileIO::setCurrentFile(const MString& fileName) {
-  return runFile(Work::None, "-rename " + quoted(fileName), "", nullptr);
+  return runFile("-rename " + quoted(fileName), "", nullptr);
 }
 MString MFileIO::fileType() {
   const auto type = cmd::currentSession().executeLine("file -q -type", {.undo = false, .postErrors = false});
   return type && !type->toTexts().empty() ? api::toMString(type->toTexts().front()) : MString();
 }
-MStatus MFileIO::newFile(bool force) { return runFile(Work::NewScene, force ? "-new -force" : "-new", "", nullptr); }
+MStatus MFileIO::newFile(bool force) { return runFile(force ? "-new -force" : "-new", "", nullptr); }
 MStatus MFileIO::open(const MString& fileName, const char* type, bool force) {
-  return runFile(Work::Opening, force ? "-open -force" : "-open", fileName, type);
+  return runFile(force ? "-open -force" : "-open", fileName, type);
 }
-MStatus MFileIO::save(bool force) { return runFile(Work::Writing, force ? "-save -force" : "-save", "", nullptr); }
+MStatus MFileIO::save(bool force) { return runFile(force ? "-save -force" : "-save", "", nullptr); }
 MStatus MFileIO::saveAs(const MString& fileName, const char* type, bool force) {
   const MString before = api::toMString(api::document().fileName());
   MStatus status = setCurrentFile(fileName);
   if (!status) return status;
-  status = runFile(Work::Writing, force ? "-save -force" : "-save", "", type);
+  status = runFile(force ? "-save -force" : "-save", "", type);
   if (!status) api::document().setFileName(api::toStd(before));
   return status;
 }
 MStatus MFileIO::importFile(const MString& fileName, const char* type, bool, const char* nameSpace) {
   const std::string space = nameSpace ? " -namespace " + quoted(nameSpace) : std::string();
-  return runFile(Work::Reading, "-import" + space, fileName, type);
+  return runFile("-import" + space, fileName, type);
 }
 MStatus MFileIO::exportSelected(const MString& fileName, const char* type, bool) {
-  return runFile(Work::Writing, "-exportSelected -force", fileName, type);
+  return runFile("-exportSelected -force", fileName, type);
 }
 MStatus MFileIO::exportAll(const MString& fileName, const char* type, bool) {
-  return runFile(Work::Writing, "-exportAll -force", fileName, type);
+  return runFile("-exportAll -force", fileName, type);
 }
-bool MFileIO::isReadingFile() { return work == Work::Reading || work == Work::Opening; }
-bool MFileIO::isWritingFile() { return work == Work::Writing; }
-bool MFileIO::isOpeningFile() { return work == Work::Opening; }
-bool MFileIO::isNewingFile() { return work == Work::NewScene; }
+bool MFileIO::isReadingFile() { return work() == Work::Importing || work() == Work::Opening; }
+bool MFileIO::isWritingFile() { return work() == Work::Writing; }
+bool MFileIO::isOpeningFile() { return work() == Work::Opening; }
+bool MFileIO::isNewingFile() { return work() == Work::NewScene; }

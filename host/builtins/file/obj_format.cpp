@@ -29,19 +29,22 @@ Result<dg::Node*> addObject(scene::Document& document, io::ObjObject object) {
   return transform->get();
 }
 
-Result<std::vector<dg::Node*>> read(Context& context, const std::string& path, const std::string&) {
-  auto scene = io::readObj(path);
-  if (!scene) return failWith(std::move(scene.error()));
-  for (const auto& [warning, count] : scene->warnings)
+Result<FileFormat::Placing> read(Context&, const std::string& path, const FileReadOptions&) {
+  auto read = io::readObj(path);
+  if (!read) return failWith(std::move(read.error()));
+  for (const auto& [warning, count] : read->warnings)
     postMessage(MessageKind::Warning, count > 1 ? fmt::format("{}: {} ({} times)", path, warning, count)
                                                 : fmt::format("{}: {}", path, warning));
-  std::vector<dg::Node*> made;
-  for (io::ObjObject& object : scene->objects) {
-    auto node = addObject(context.document, std::move(object));
-    if (!node) return failWith(std::move(node.error()));
-    made.push_back(*node);
-  }
-  return made;
+  auto scene = std::make_shared<io::ObjScene>(std::move(*read));
+  return [scene](Context& context) -> Result<std::vector<dg::Node*>> {
+    std::vector<dg::Node*> made;
+    for (io::ObjObject& object : scene->objects) {
+      auto node = addObject(context.document, std::move(object));
+      if (!node) return failWith(std::move(node.error()));
+      made.push_back(*node);
+    }
+    return made;
+  };
 }
 
 /// OBJ files hold world-space points; an object at rest keeps its bits.
@@ -74,9 +77,10 @@ bool isOn(const std::string& options, std::string_view name) {
   return options.find(std::string(name) + "=0") == std::string::npos;
 }
 
-Result<void> write(Context& context, const std::string& path, const std::string& options, bool onlySelected) {
+Result<void> write(Context& context, const std::string& path, const FileWriteOptions& wanted) {
+  const std::string& options = wanted.options;
   scene::SelectionList list = context.document.selection();
-  if (!onlySelected) {
+  if (!wanted.onlySelected) {
     list.clear();
     for (scene::Node* node : context.document.worldChildren()) list.add(scene::firstPath(*node));
   }
@@ -109,26 +113,6 @@ FileFormat objFormat() {
   format.read = read;
   format.write = write;
   return format;
-}
-
-const FileFormat* FileFormats::byName(std::string_view name) const {
-  for (const FileFormat& format : all) {
-    if (format.name == name) return &format;
-    for (const std::string& other : format.otherNames)
-      if (other == name) return &format;
-  }
-  return nullptr;
-}
-
-const FileFormat* FileFormats::byPath(std::string_view path) const {
-  const std::size_t dot = path.rfind('.');
-  if (dot == std::string_view::npos) return nullptr;
-  std::string extension(path.substr(dot));
-  for (char& c : extension) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
-  for (const FileFormat& format : all)
-    for (const std::string& known : format.extensions)
-      if (known == extension) return &format;
-  return nullptr;
 }
 
 }  // namespace host::builtins

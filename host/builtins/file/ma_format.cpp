@@ -1,0 +1,133 @@
+#include <ctime>
+#include <filesystem>
+#include <unordered_set>
+
+#include "host/base/messages.h"
+#include "host/builtins/file/file_formats.h"
+#include "host/io/ma/ma_loader.h"
+#include "host/io/ma/ma_writer.h"
+#include "host/io/mapped_file.h"
+#include "host/nodes/sets.h"
+
+namespace host::builtins {
+
+namespace {
+
+/// The first one whose files may hold all that is written here.
+constexpr const char* kFileVersion = "2016";
+
+Result<FileFormat::Placing> read(Context&, const std::string& path, const FileReadOptions& options) {
+  auto file = io::readMa(path);
+  if (!file) return failWith(std::move(file.error()));
+  auto kept = std::make_shared<io::MaFile>(std::move(*file));
+  io::MaLoadOptions how{.isImport = options.isImport,
+                        .clashPrefix = options.clashPrefix,
+                        .renamesAll = options.renamesAll,
+                        .nameSpace = options.nameSpace};
+  return [kept, how](Context& context) -> Result<std::vector<dg::Node*>> {
+    auto loaded = io::loadMa(context.document, std::move(*kept), context.session.service<io::MaKept>(), how);
+    if (!loaded) return failWith(std::move(loaded.error()));
+    for (const std::string& warning : loaded->warnings) postMessage(MessageKind::Warning, warning);
+    return std::move(loaded->nodes);
+  };
+}
+
+/// What goes along with the selected objects: all below them, what feeds them, and their materials.
+class ExportSet {
+ public:
+  ExportSet(scene::Document& document, const FileWriteOptions& options) : graph_(document.graph()), options_(options) {}
+
+  std::vector<dg::Node*> collect(const scene::SelectionList& selection) {
+    for (const scene::SelectionItem& item : selection.items()) addTree(*item.node);
+    for (std::size_t i = 0; i < nodes_.size(); ++i) follow(*nodes_[i]);
+    return std::move(nodes_);
+  }
+
+ private:
+  void add(dg::Node& node) {
+    if (!node.isDefault() && seen_.insert(&node).second) nodes_.push_back(&node);
+  }
+  void addTree(dg::Node& node) {
+    add(node);
+    for (dg::Node* child : scene::dagLinks(node).children) addTree(*child);
+  }
+  void follow(dg::Node& node) {
+    const bool isSet = nodes::isSet(node);
+    for (const dg::Graph::Connection& feed : graph_.incoming(node)) {
+      dg::Node& source = *feed.source.node();
+      const bool isMember = isSet && scene::isDagNode(source);
+      const bool isGroup = feed.destination.attribute()->top().longName == "instObjGroups" &&
+                           source.type().name != "groupId";
+      const bool isHistory = source.type().isA("polyBase") || !source.type().existsWithoutOutputs;
+      if (isMember || isGroup || (isHistory && !options_.withHistory)) continue;
+      if (scene::isDagNode(source))
+        addTree(source);
+      else
+        add(source);
+    }
+    if (!options_.withShading) return;
+    for (const dg::Graph::Connection& use : graph_.outgoing(node)) {
+      dg::Node& user = *use.destination.node();
+      const bool isMaterial = nodes::isShadingGroup(user) && scene::isDagNode(node);
+      const bool isInfo = user.type().isA("materialInfo") && nodes::isShadingGroup(node);
+      if (isMaterial || isInfo) add(user);
+    }
+  }
+
+  dg::Graph& graph_;
+  const FileWriteOptions& options_;
+  std::unordered_set<const dg::Node*> seen_;
+  std::vector<dg::Node*> nodes_;
+};
+
+/// "Sun, Feb 03, 2019 11:53:52 AM".
+std::string dateLine() {
+  const std::time_t now = std::time(nullptr);
+  std::tm parts{};
+  localtime_r(&now, &parts);
+  char text[64];
+  return std::string(text, std::strftime(text, sizeof text, "%a, %b %d, %Y %I:%M:%S %p", &parts));
+}
+
+/// `requires` statements for the plug-ins that made the types in use.
+std::vector<std::string> requirementsOf(Context& context) {
+  std::vector<std::string> statements;
+  std::unordered_set<std::string> seen;
+  for (const dg::NodePtr& node : context.document.graph().nodes()) {
+    const std::string& plugin = node->type().pluginName;
+    if (!plugin.empty() && seen.insert(node->type().name).second)
+      statements.push_back(fmt::format("requires -nodeType \"{}\" \"{}\" \"1.0\"", node->type().name, plugin));
+  }
+  return statements;
+}
+
+Result<void> write(Context& context, const std::string& path, const FileWriteOptions& options) {
+  std::vector<dg::Node*> nodes;
+  if (options.onlySelected) nodes = ExportSet(context.document, options).collect(context.document.selection());
+  io::MaWriteOptions how{.name = std::filesystem::path(path).filename().generic_string(),
+                         .modified = dateLine(),
+                         .version = kFileVersion,
+                         .requirements = requirementsOf(context)};
+  if (options.onlySelected) how.only = &nodes;
+  how.withHistory = options.withHistory;
+  auto text = io::formatMa(context.document, context.session.service<io::MaKept>(), how);
+  if (!text) return failWith(std::move(text.error()));
+  HOST_TRY(io::writeFileAtomically(path, text->text));
+  for (const std::string& warning : text->warnings) postMessage(MessageKind::Warning, warning);
+  return {};
+}
+
+}  // namespace
+
+FileFormat maFormat() {
+  FileFormat format;
+  format.name = "mayaAscii";
+  format.extensions = {".ma"};
+  format.isNative = true;
+  format.read = read;
+  format.write = write;
+  format.forget = [](Context& context) { context.session.service<io::MaKept>().clear(); };
+  return format;
+}
+
+}  // namespace host::builtins
