@@ -35,6 +35,7 @@ ExtrudeMover::Motion::Motion(const ExtrudeTransform& by, double taper, double tw
       translation(by.translate * t) {
   const double size = blend(1, taper, t);
   scale = {blend(1, by.scale.x, t) * size, blend(1, by.scale.y, t) * size, blend(1, by.scale.z, t)};
+  isPlain = scale == math::Vec3(1, 1, 1) && twist == 0 && by.rotate == math::Vec3();
 }
 
 math::Vec3 ExtrudeMover::Motion::moved(const math::Vec3& p) const {
@@ -53,9 +54,13 @@ ExtrudeMover::ExtrudeMover(const ExtrudePlacement& placement, const math::Frame&
 
 math::Vec3 ExtrudeMover::place(const math::Vec3& p, const math::Vec3& inset,
                                const math::Vec3& push) const {
-  const math::Vec3 start = p + inset * t_ + push * t_;
-  const math::Vec3 local = local_.moved(region_.toLocal(start));
-  return pivot_ + world_.moved(region_.toWorld(local) - pivot_);
+  math::Vec3 q = p + inset * t_ + push * t_;
+  if (local_.isPlain)
+    q += region_.x * local_.translation.x + region_.y * local_.translation.y +
+         region_.z * local_.translation.z;
+  else
+    q = region_.toWorld(local_.moved(region_.toLocal(q)));
+  return world_.isPlain ? q + world_.translation : pivot_ + world_.moved(q - pivot_);
 }
 
 }  // namespace host::ops

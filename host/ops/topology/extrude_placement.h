@@ -50,6 +50,7 @@ class ExtrudeMover {
     double cosine, sine;
     math::Matrix4 rotation;
     math::Vec3 translation;
+    bool isPlain;  ///< only translates, so that points which do not move keep every bit
   };
   Motion local_, world_;
   math::Frame region_;
