@@ -4,14 +4,10 @@
 
 namespace host::builtins {
 
-HistoryFlags extrudeFlags() {
+HistoryFlags placementFlags() {
   constexpr ArgType kLength = ArgType::Distance, kAngle = ArgType::Angle, kReal = ArgType::Double;
   HistoryFlags flags = {
-      {"d", "divisions", {ArgType::Int}}, {"off", "offset", {kLength}},
-      {"tk", "thickness", {kLength}},     {"tp", "taper", {kReal}},
-      {"twt", "twist", {kAngle}},         {"sma", "smoothingAngle", {kAngle}},
-      {"rs", "randomSeed", {ArgType::Int}}, worldSpaceFlag(),
-  };
+      {"off", "offset", {kLength}}, {"rs", "randomSeed", {ArgType::Int}}, worldSpaceFlag()};
   addTriple(flags, "lt", "localTranslate", kLength);
   addTriple(flags, "lr", "localRotate", kAngle);
   addTriple(flags, "ls", "localScale", kReal);
@@ -19,6 +15,17 @@ HistoryFlags extrudeFlags() {
   addTriple(flags, "ro", "rotate", kAngle, "r");
   addTriple(flags, "s", "scale", kReal);
   addTriple(flags, "pvt", "pivot", kLength, "pv");
+  return flags;
+}
+
+HistoryFlags extrudeFlags() {
+  HistoryFlags flags = placementFlags();
+  for (const HistoryFlag& flag : HistoryFlags{{"d", "divisions", {ArgType::Int}},
+                                              {"tk", "thickness", {ArgType::Distance}},
+                                              {"tp", "taper", {ArgType::Double}},
+                                              {"twt", "twist", {ArgType::Angle}},
+                                              {"sma", "smoothingAngle", {ArgType::Angle}}})
+    flags.push_back(flag);
   return flags;
 }
 

@@ -4,7 +4,9 @@
 
 namespace host::builtins {
 
-/// The flags that the extrusions of faces and edges have in common.
+/// The flags of commands that move what they make: offset, the local and the world transform, pivot.
+[[nodiscard]] HistoryFlags placementFlags();
+/// Those and the flags that the extrusions of faces and edges have in common.
 [[nodiscard]] HistoryFlags extrudeFlags();
 
 /// Records the bounding box of what is extruded, and puts the pivot of the world transform in its

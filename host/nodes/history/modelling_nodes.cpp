@@ -5,6 +5,8 @@ namespace host::nodes {
 void registerModellingNodes(dg::TypeRegistry& types) {
   registerPolyAppendVertex(types);
   registerPolyBevel(types);
+  registerPolyBridgeEdge(types);
+  registerPolyChipOff(types);
   registerPolyCloseBorder(types);
   registerPolyCollapse(types);
   registerPolyConnectComponents(types);
@@ -12,12 +14,16 @@ void registerModellingNodes(dg::TypeRegistry& types) {
   registerPolyDelEdge(types);
   registerPolyDelFacet(types);
   registerPolyDelVertex(types);
+  registerPolyExtrudeEdge(types);
   registerPolyExtrudeFace(types);
   registerPolyMergeVert(types);
+  registerPolyMirror(types);
   registerPolyNormal(types);
   registerPolyPoke(types);
+  registerPolyQuad(types);
   registerPolySeparate(types);
   registerPolySmoothFace(types);
+  registerPolySplitRing(types);
   registerPolySubdEdge(types);
   registerPolySubdFace(types);
   registerPolyTriangulate(types);

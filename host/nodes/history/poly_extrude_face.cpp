@@ -4,19 +4,45 @@
 
 namespace host::nodes {
 
+namespace {
+
+/// The topology of the last evaluation. While a drag changes nothing but the placement, only points
+/// are computed.
+struct CachedExtrude {
+  scene::MeshDataPtr input;
+  std::shared_ptr<const scene::ComponentListData> faces;
+  ops::ExtrudePlan plan;
+};
+
+Result<void> extrude(HistoryContext& context) {
+  ops::ExtrudeFacesOptions options;
+  static_cast<ops::ExtrudePlacement&>(options) = extrudePlacement(context);
+  options.keepFacesTogether = context.boolean("keepFacesTogether");
+  const auto list = context.componentList();
+  auto cached = std::static_pointer_cast<const CachedExtrude>(context.plan);
+  if (!cached || cached->input != context.input || cached->faces != list ||
+      !cached->plan.hasTopologyOf(options)) {
+    context.plan.reset();
+    auto plan = ops::ExtrudePlan::make(context.mesh, context.faces(), options);
+    if (!plan) return failWith(plan.error());
+    cached = std::make_shared<const CachedExtrude>(
+        CachedExtrude{context.input, list, *std::move(plan)});
+    context.plan = cached;
+  }
+  auto placed = cached->plan.place(options);
+  if (!placed) return failWith(placed.error());
+  context.mesh = *std::move(placed);
+  context.makes(scene::ComponentType::Face, cached->plan.result().caps);
+  return {};
+}
+
+}  // namespace
+
 void registerPolyExtrudeFace(dg::TypeRegistry& types) {
   HistoryNodeBuilder builder(types, "polyExtrudeFace", typeCode("PEXF"), "polyModifierWorld");
   builder.parameter(boolean("keepFacesTogether", "kft", true));
   addExtrudeAttributes(builder);
-  builder.operation([](HistoryContext& context) -> Result<void> {
-    ops::ExtrudeFacesOptions options;
-    static_cast<ops::ExtrudePlacement&>(options) = extrudePlacement(context);
-    options.keepFacesTogether = context.boolean("keepFacesTogether");
-    auto made = ops::extrudeFaces(context.mesh, context.faces(), options);
-    if (!made) return failWith(made.error());
-    context.makes(scene::ComponentType::Face, std::move(made->caps));
-    return {};
-  });
+  builder.operation(extrude);
 }
 
 }  // namespace host::nodes

@@ -1,20 +1,21 @@
+#include <algorithm>
+
 #include "host/nodes/history/history_node.h"
 #include "host/nodes/history/modelling_nodes.h"
-#include "host/ops/topology/reverse_faces.h"
+#include "host/ops/topology/normals.h"
 
 namespace host::nodes {
 
 void registerPolyNormal(dg::TypeRegistry& types) {
-  enum Mode { kReverse = 0, kConform = 2 };
   HistoryNodeBuilder(types, "polyNormal", typeCode("PNRM"))
-      .parameter(choice("normalMode", "nm",
-                        {"Reverse", "Reverse and cut", "Conform", "Reverse and extract"}))
+      .parameter(choice(
+          "normalMode", "nm",
+          {"Reverse", "Unlock", "Conform", "Reverse and extract", "Reverse and propagate"}))
       .parameter(boolean("userNormalMode", "unm", true))
       .operation([](HistoryContext& context) -> Result<void> {
-        if (context.integer("normalMode") != kConform)
-          return ops::reverseFaces(context.mesh, context.faces());
-        const auto turned = ops::conformFaces(context.mesh, context.faces());
-        return turned ? Result<void>() : failWith(turned.error());
+        const auto mode = static_cast<ops::NormalMode>(std::clamp(context.integer("normalMode"), 0, 4));
+        const auto done = ops::changeNormals(context.mesh, context.faces(), mode);
+        return done ? Result<void>() : failWith(done.error());
       });
 }
 

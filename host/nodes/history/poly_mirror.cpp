@@ -1,0 +1,56 @@
+#include <algorithm>
+#include <numbers>
+
+#include "host/nodes/history/history_node.h"
+#include "host/nodes/history/modelling_nodes.h"
+#include "host/ops/topology/mirror.h"
+
+namespace host::nodes {
+
+namespace {
+
+Result<void> mirror(HistoryContext& context) {
+  using Join = ops::MirrorOptions::Join;
+  using Flip = ops::MirrorOptions::FlipUvs;
+  constexpr Join kJoins[] = {Join::Apart, Join::Weld, Join::Bridge};
+  constexpr Flip kFlips[] = {Flip::None, Flip::U, Flip::V};
+  // Older scenes say both in one number: +X, -X, +Y, -Y, +Z, -Z.
+  const int both = context.integer("direction");
+  const int axis = both >= 0 ? both / 2 : context.integer("axis");
+  const bool isNegative = (both >= 0 ? both % 2 : context.integer("axisDirection")) != 0;
+  math::Vec3 normal;
+  normal[std::clamp(axis, 0, 2)] = isNegative ? -1 : 1;
+  ops::MirrorOptions options;
+  options.origin = context.vec3("pivot");
+  options.normal = normal;
+  options.cut = context.boolean("cutMesh");
+  options.join = kJoins[std::clamp(context.integer("mergeMode"), 0, 2)];
+  options.distance = context.real("mergeThreshold");
+  options.flipUvs = kFlips[std::clamp(context.integer("flipUVs"), 0, 2)];
+  options.smoothingAngle = context.real("smoothingAngle");
+  options.space = context.space();
+  auto made = ops::mirrorMesh(context.mesh, options);
+  if (!made) return failWith(made.error());
+  std::vector<FaceId> faces = std::move(made->copies);
+  faces.insert(faces.end(), made->bridges.begin(), made->bridges.end());
+  context.makes(scene::ComponentType::Face, std::move(faces));
+  return {};
+}
+
+}  // namespace
+
+void registerPolyMirror(dg::TypeRegistry& types) {
+  HistoryNodeBuilder(types, "polyMirror", typeCode("PMIR"), "polyModifierWorld")
+      .parameter(limited(choice("axis", "a", {"X", "Y", "Z"}), 0, 2))
+      .parameter(choice("axisDirection", "ad", {"Positive", "Negative"}))
+      .parameter(limited(integer("direction", "d", -1), -1, 5))
+      .parameter(keyable(triple("pivot", "p", AttributeType::Distance)))
+      .parameter(boolean("cutMesh", "cm"))
+      .parameter(limited(choice("mergeMode", "mm", {"Do not merge", "Merge", "Bridge"}, 1), 0, 2))
+      .parameter(distance("mergeThreshold", "mt", 0.001))
+      .parameter(choice("flipUVs", "fuv", {"Off", "U", "V"}))
+      .parameter(angle("smoothingAngle", "sa", std::numbers::pi / 6))
+      .operation(mirror);
+}
+
+}  // namespace host::nodes
