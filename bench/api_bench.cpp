@@ -221,7 +221,7 @@ host::mesh::Mesh questionMesh(const benchmark::State& state) {
   return bench::bumpyTorus(static_cast<Index>(state.range(0) / 2));
 }
 
-void raysApi(benchmark::State& state) {
+void raysApi(benchmark::State& state, MSpace::Space space) {
   const MFnMesh mesh(torus(static_cast<Index>(state.range(0) / 2)));
   const std::vector<host::math::Ray> rays = randomRays();
   MMeshIsectAccelParams accelerate = MFnMesh::autoUniformGridParams();
@@ -229,8 +229,7 @@ void raysApi(benchmark::State& state) {
     const Vec3f o = ray.origin.toFloat(), d = ray.direction.toFloat();
     MFloatPoint hit;
     return mesh.closestIntersection(MFloatPoint(o.x, o.y, o.z), MFloatVector(d.x, d.y, d.z), nullptr, nullptr, false,
-                                    MSpace::kObject, 1e9F, false, &accelerate, hit, &t, nullptr, nullptr, nullptr,
-                                    nullptr);
+                                    space, 1e9F, false, &accelerate, hit, &t, nullptr, nullptr, nullptr, nullptr);
   };
   float t = 0;
   (void)ask(rays.front(), t);  // builds
@@ -246,7 +245,8 @@ void raysApi(benchmark::State& state) {
   }
   if (differing > 8) state.SkipWithError("the hits differ");
 }
-BENCHMARK(raysApi)->Name("closestIntersection/api")->Apply(sizes);
+BENCHMARK_CAPTURE(raysApi, object, MSpace::kObject)->Name("closestIntersection/api/object")->Apply(sizes);
+BENCHMARK_CAPTURE(raysApi, world, MSpace::kWorld)->Name("closestIntersection/api/world")->Apply(sizes);
 
 void raysLibrary(benchmark::State& state) {
   const Library library(questionMesh(state));

@@ -129,14 +129,14 @@ std::vector<MDagPath> visibleMeshes(const MDagPath& transform) {
 }
 
 /// The copy of `shape` below the copy of its transform: the only one, or the one at the same place among several.
-MDagPath copyOf(const MDagPath& shape, const MDagPath& copiedTransform) {
+MObject copyOf(const MDagPath& shape, const MDagPath& copiedTransform) {
   MDagPath transform = shape;
   transform.pop();
   const std::vector<MDagPath> originals = visibleMeshes(transform), copies = visibleMeshes(copiedTransform);
-  if (copies.size() == 1) return copies[0];
+  if (copies.size() == 1) return copies[0].node();
   for (std::size_t i = 0; i < originals.size() && i < copies.size(); ++i)
-    if (originals[i] == shape) return copies[i];
-  return MDagPath();
+    if (originals[i] == shape) return copies[i].node();
+  return MObject();
 }
 
 /// What is selected and hilited, which copying nodes changes.
@@ -158,12 +158,12 @@ class keptSelection {
 };
 
 /// Moves the copied shape under the transform as its intermediate original.
-MStatus adoptAsOriginal(const MDagPath& shape, const MDagPath& copy) {
+MStatus adoptAsOriginal(const MDagPath& shape, const MObject& copy) {
   MDagPath transform = shape;
   transform.pop();
-  const MFnDagNode copyFn(copy.node());
+  const MFnDagNode copyFn(copy);
   MString name;
-  MStatus status = MGlobal::executeCommand("rename \"" + copy.fullPathName() + "\" \"" + MFnDagNode(shape).name() + "Orig\"",
+  MStatus status = MGlobal::executeCommand("rename \"" + copyFn.fullPathName() + "\" \"" + MFnDagNode(shape).name() + "Orig\"",
                                            name, false, false);
   if (status == MS::kSuccess)
     status = MGlobal::executeCommand(
@@ -173,8 +173,8 @@ MStatus adoptAsOriginal(const MDagPath& shape, const MDagPath& copy) {
   return status;
 }
 
-/// Makes the shape's original: a copy of it without its tweaks, hidden under the same transform.
-MStatus makeOriginal(const MDagPath& shape, const std::vector<vertexTweak>& tweaks, MObject& original) {
+/// Makes the shape's original: a copy of it, hidden under the same transform.
+MStatus makeOriginal(const MDagPath& shape, MObject& original) {
   const keptSelection kept;
   MStringArray names;
   MStatus status =
@@ -184,12 +184,9 @@ MStatus makeOriginal(const MDagPath& shape, const std::vector<vertexTweak>& twea
   MDagPath transform;
   list.add(names[0]);
   if (list.getDagPath(0, transform) != MS::kSuccess) return MS::kFailure;
-  const MDagPath copy = copyOf(shape, transform);
-  status = copy.isValid() ? adoptAsOriginal(shape, copy) : MStatus(MS::kFailure);
-  if (status == MS::kSuccess) {
-    original = copy.node();
-    status = setToZero(std::string(MFnDagNode(original).fullPathName().asChar()) + ".pnts", tweaks);
-  }
+  const MObject copy = copyOf(shape, transform);
+  status = copy.isNull() ? MStatus(MS::kFailure) : adoptAsOriginal(shape, copy);
+  if (status == MS::kSuccess) original = copy;
   MGlobal::executeCommand("delete \"" + transform.fullPathName() + "\"", false, false);
   return status;
 }
@@ -253,18 +250,18 @@ MStatus mathHelper::insertNodeInHistory(const MDagPath& path, const MObject& nod
   const MPlug shapeInput = MFnDagNode(shape).findPlug("inMesh");
   MPlug source = driverOf(shapeInput);
   const bool wasDriven = !source.isNull();
+  // A copy may come with the tweaks apart or worked into its points: while there are none it can't matter.
+  const bool takesTweaks = tweak.isThere || !wasDriven;
+  if (takesTweaks) status = setToZero(pointsName(shape), tweaks);
   MObject original;
-  if (!wasDriven) {
-    status = makeOriginal(shape, tweaks, original);
+  if (status == MS::kSuccess && !wasDriven) {
+    status = makeOriginal(shape, original);
     source = original.isNull() ? MPlug() : MFnDependencyNode(original).findPlug("outMesh");
   }
-  if (status == MS::kSuccess && tweak.isThere) {
-    status = setTo(tweakName(tweakNode), tweaks);
-    if (status == MS::kSuccess) status = setToZero(pointsName(shape), tweaks);
-  }
+  if (status == MS::kSuccess && takesTweaks) status = setTo(tweak.isThere ? tweakName(tweakNode) : pointsName(shape), tweaks);
   if (status == MS::kSuccess) status = connectChain(source, wasDriven, shapeInput, inserted, tweak);
   if (status == MS::kSuccess) return status;
-  if (tweak.isThere) setTo(pointsName(shape), tweaks);
+  if (takesTweaks) setTo(pointsName(shape), tweaks);
   if (!original.isNull()) MGlobal::deleteNode(original);
   return status;
 }

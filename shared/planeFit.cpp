@@ -52,11 +52,12 @@ MPoint meanPoint(const MPointArray& points, unsigned int start, unsigned int cou
 
 MPoint farthestFrom(const MPoint& from, const MPointArray& points, unsigned int start, unsigned int count) {
   MPoint best;
-  double bestDistance = 0.0;
+  double bestSquared = 0.0;
   for (unsigned int i = start; i < start + count; ++i) {
-    const double distance = from.distanceTo(points[i]);
-    if (distance > bestDistance) {
-      bestDistance = distance;
+    const MVector offset = points[i] - from;
+    const double squared = offset * offset;
+    if (squared > bestSquared) {
+      bestSquared = squared;
       best = points[i];
     }
   }

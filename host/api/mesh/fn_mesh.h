@@ -6,8 +6,17 @@
 
 namespace host::api {
 
-/// The target of a function set; null when nothing is attached.
-[[nodiscard]] MeshTarget targetOf(const MFnMesh& set);
+class Surface;
+
+/// The target of a function set; null when nothing is attached. Kept in the set's handle until it is attached elsewhere.
+[[nodiscard]] const MeshTarget& targetOf(const MFnMesh& set);
+
+/// The surface of a function set's mesh in a space, for ray and closest-point questions; null, with the status saying why,
+/// when there is none. Kept in the set's handle, so that many questions cost little more than their answers: it is
+/// made anew when another mesh arrives or the space has moved. Good until the next question to the set.
+[[nodiscard]] const Surface* surfaceOf(const MFnMesh& set, MSpace::Space space, MStatus& status);
+/// Lets go of the accelerators that the set's surface holds.
+void forgetSurface(const MFnMesh& set);
 
 /// The mesh of a function set for one read; the status says why there is none.
 [[nodiscard]] scene::MeshDataPtr readMesh(const MFnMesh& set, MStatus* status = nullptr);

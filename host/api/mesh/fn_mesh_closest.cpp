@@ -11,17 +11,14 @@ namespace {
 
 /// The surface in a space and the place nearest to a point of it.
 struct Nearest {
-  std::optional<Surface> surface;
+  const Surface* surface = nullptr;
   spatial::ClosestPoint place;
 };
 
 MStatus findNearest(const MFnMesh& set, const MPoint& point, MSpace::Space space, Nearest& nearest) {
   MStatus status;
-  auto data = readMesh(set, &status);
-  std::optional<math::Matrix4> toSpace;
-  if (status && space != MSpace::kObject) status = targetOf(set).spaceMatrix(space, toSpace);
+  nearest.surface = surfaceOf(set, space, status);
   if (!status) return status;
-  nearest.surface.emplace(std::move(data), toSpace);
   const auto found = nearest.surface->closestPoint(toVec3(point));
   if (!found) return MStatus::kFailure;  // no faces
   nearest.place = *found;

@@ -1,3 +1,5 @@
+#include <maya/MFloatArray.h>
+#include <maya/MFloatPointArray.h>
 #include <maya/MFloatVector.h>
 #include <maya/MFnMesh.h>
 #include <maya/MMeshSmoothOptions.h>
@@ -7,11 +9,14 @@
 #include "host/nodes/mesh_node.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/ops/smooth/smooth_mesh.h"
+#include "host/ops/topology/chip_off.h"
 #include "host/ops/topology/collapse.h"
 #include "host/ops/topology/delete_edges.h"
 #include "host/ops/topology/delete_faces.h"
 #include "host/ops/topology/delete_vertices.h"
+#include "host/ops/topology/extrude_edges.h"
 #include "host/ops/topology/extrude_faces.h"
+#include "host/ops/topology/split_path.h"
 #include "host/ops/topology/subdivide_edges.h"
 #include "host/ops/topology/subdivide_faces.h"
 
@@ -86,16 +91,77 @@ MStatus MFnMesh::subdivideFaces(const MIntArray& faceList, int divisions) {
                   [&](mesh::Mesh& mesh) { return ops::subdivideFaces(mesh, idsOf(faceList), options); });
 }
 
+namespace {
+
+/// What the calls that extrude or take off components say about where these go.
+ops::ExtrudePlacement placementOf(int count, const MFloatVector* translation, float thickness, float offset) {
+  ops::ExtrudePlacement placement;
+  placement.divisions = count;
+  placement.thickness = static_cast<double>(thickness);
+  placement.offset = static_cast<double>(offset);
+  if (translation) placement.world.translate = api::toVec3(MVector(*translation));
+  return placement;
+}
+
+MStatus chipOff(const MFnMesh& set, const MIntArray& faceList, const MFloatVector* translation, bool duplicate) {
+  ops::ChipOffOptions options{placementOf(1, translation, 0, 0)};
+  options.duplicate = duplicate;
+  return editMesh(set, nullptr, [&](mesh::Mesh& mesh) { return ops::chipOff(mesh, idsOf(faceList), options); });
+}
+
+/// For what the kernel has no form of: the reason reaches the user when the command fails.
+MStatus refuse(const char* reason) {
+  api::rememberError(Error{reason});
+  return MStatus::kFailure;
+}
+
+}  // namespace
+
 MStatus MFnMesh::extrudeFaces(const MIntArray& faceList, int extrusionCount, const MFloatVector* translation,
                               bool extrudeTogether, float thickness, float offset) {
-  ops::ExtrudeFacesOptions options;
-  options.divisions = extrusionCount;
+  ops::ExtrudeFacesOptions options{placementOf(extrusionCount, translation, thickness, offset)};
   options.keepFacesTogether = extrudeTogether;
-  options.thickness = static_cast<double>(thickness);
-  options.offset = static_cast<double>(offset);
-  if (translation) options.world.translate = api::toVec3(MVector(*translation));
   return editMesh(*this, nullptr,
                   [&](mesh::Mesh& mesh) { return ops::extrudeFaces(mesh, idsOf(faceList), options); });
+}
+MStatus MFnMesh::extrudeEdges(const MIntArray& edgeList, int extrusionCount, const MFloatVector* translation,
+                              bool extrudeTogether, float thickness, float offset) {
+  ops::ExtrudeEdgesOptions options{placementOf(extrusionCount, translation, thickness, offset)};
+  options.keepEdgesTogether = extrudeTogether;
+  return editMesh(*this, nullptr,
+                  [&](mesh::Mesh& mesh) { return ops::extrudeEdges(mesh, idsOf(edgeList), options); });
+}
+MStatus MFnMesh::duplicateFaces(const MIntArray& faceList, const MFloatVector* translation) {
+  return chipOff(*this, faceList, translation, true);
+}
+MStatus MFnMesh::extractFaces(const MIntArray& faceList, const MFloatVector* translation) {
+  return chipOff(*this, faceList, translation, false);
+}
+MStatus MFnMesh::split(const MIntArray& placements, const MIntArray& edgeList, const MFloatArray& edgeFactors,
+                       const MFloatPointArray& internalPoints) {
+  std::vector<ops::SplitPoint> path;
+  unsigned int nextEdge = 0, nextPoint = 0;
+  for (const int placement : placements) {
+    ops::SplitPoint point;
+    if (placement == kOnEdge && nextEdge < edgeList.length() && nextEdge < edgeFactors.length()) {
+      point.edge = edgeList[nextEdge];
+      if (point.edge < 0) return MStatus::kInvalidParameter;
+      point.t = static_cast<double>(edgeFactors[nextEdge++]);
+    } else if (placement == kInternalPoint && nextPoint < internalPoints.length()) {
+      const MFloatPoint& inside = internalPoints[nextPoint++];
+      point.point = {inside.x, inside.y, inside.z};
+    } else {
+      return MStatus::kInvalidParameter;
+    }
+    path.push_back(point);
+  }
+  return editMesh(*this, nullptr, [&](mesh::Mesh& mesh) { return ops::splitPath(mesh, path); });
+}
+MStatus MFnMesh::addHoles(int, const MPointArray&, const MIntArray&, bool, double) {
+  return refuse("A face has one loop here: holes inside faces can't be made");
+}
+MStatus MFnMesh::booleanOp(BoolOperation, MFnMesh&, MFnMesh&) {
+  return refuse("Boolean operations of meshes can't be made here");
 }
 
 MObject MFnMesh::generateSmoothMesh(MObject parentOrOwner, MMeshSmoothOptions* options, MStatus* status) {

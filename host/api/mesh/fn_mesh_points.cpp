@@ -83,15 +83,6 @@ MStatus storePoints(const MFnMesh& set, MSpace::Space space, const Array& given)
 
 }  // namespace
 
-MeshTarget targetOf(const MFnMesh& set) { return MeshTarget(set.object(), set.dagPath()); }
-
-scene::MeshDataPtr readMesh(const MFnMesh& set, MStatus* status) {
-  const MeshTarget target(set.object());
-  auto data = target.isNull() ? nullptr : target.read();
-  setStatus(status, data ? MStatus::kSuccess : MStatus::kFailure);
-  return data;
-}
-
 CornerId cornerAt(const mesh::Mesh& mesh, FaceId face, VertexId vertex) {
   const auto vertices = mesh.faceVertices(face);
   const auto found = std::find(vertices.begin(), vertices.end(), vertex);

@@ -91,16 +91,6 @@ std::vector<RayHit> allHits(const Surface& surface, const RayQuestion& question)
   return question.faces ? hitsOnListed(surface, question) : surface.allHits(question.ray, question.options());
 }
 
-/// Reads the mesh and its space for one question; nothing, with the status saying why, when there is none.
-std::optional<Surface> surfaceOf(const MFnMesh& set, MSpace::Space space, MStatus& status) {
-  auto data = readMesh(set, &status);
-  std::optional<math::Matrix4> toSpace;
-  // Object space needs no path, and looking one up costs as much as a short ray.
-  if (status && space != MSpace::kObject) status = targetOf(set).spaceMatrix(space, toSpace);
-  if (!status) return {};
-  return Surface(std::move(data), toSpace);
-}
-
 RayQuestion questionOf(const MFloatPoint& source, const MFloatVector& direction, const MIntArray* faces,
                        const MIntArray* triangles, float maxParam, bool bothDirections) {
   return {{math::Vec3(math::Vec3f{source.x, source.y, source.z}),
@@ -135,7 +125,7 @@ bool MFnMesh::closestIntersection(const MFloatPoint& raySource, const MFloatVect
                                   MFloatPoint& hitPoint, float* hitRayParam, int* hitFace, int* hitTriangle,
                                   float* hitBary1, float* hitBary2, float, MStatus* status) const {
   MStatus code;
-  const auto surface = surfaceOf(*this, space, code);
+  const api::Surface* surface = surfaceOf(*this, space, code);
   setStatus(status, code.statusCode());
   if (!surface) return false;
   const auto hit = api::closestHit(
@@ -173,7 +163,7 @@ bool MFnMesh::allIntersections(const MFloatPoint& raySource, const MFloatVector&
   for (MIntArray* ids : {hitFaces, hitTriangles})
     if (ids) ids->clear();
   MStatus code;
-  const auto surface = surfaceOf(*this, space, code);
+  const api::Surface* surface = surfaceOf(*this, space, code);
   setStatus(status, code.statusCode());
   if (!surface) return false;
   for (const spatial::RayHit& hit :
@@ -193,7 +183,7 @@ bool MFnMesh::intersect(const MPoint& raySource, const MVector& rayDirection, MP
   points.clear();
   if (polygonIds) polygonIds->clear();
   MStatus code;
-  const auto surface = surfaceOf(*this, space, code);
+  const api::Surface* surface = surfaceOf(*this, space, code);
   setStatus(status, code.statusCode());
   if (!surface) return false;
   const math::Ray ray{api::toVec3(raySource), api::toVec3(rayDirection)};
@@ -220,6 +210,7 @@ MStatus MFnMesh::freeCachedIntersectionAccelerator() {
   mesh::AcceleratorSlot& slot = data->mesh.acceleratorSlot();
   const std::lock_guard lock(slot.mutex);
   slot.value.reset();
+  api::forgetSurface(*this);
   return MStatus::kSuccess;
 }
 MStatus MFnMesh::clearGlobalIntersectionAcceleratorInfo() {

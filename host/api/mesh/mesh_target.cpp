@@ -6,9 +6,7 @@ namespace host::api {
 
 MeshTarget::MeshTarget(const MObject& object) {
   if (dg::Node* node = nodeOf(object)) {
-    if (!node->type().isA("mesh")) return;
-    keepAlive_ = node->shared_from_this();
-    shape_ = node;
+    takeShape(node);
     return;
   }
   auto* value = objectAs<DataRep>(object);
@@ -20,10 +18,15 @@ MeshTarget::MeshTarget(const MObject& object) {
 MeshTarget::MeshTarget(const MDagPath& path) {
   const scene::DagPath shapePath = pathOf(path).isWorld() ? scene::DagPath() : pathOf(path).toShape();
   dg::Node* node = shapePath.node();
-  if (!node || !node->type().isA("mesh")) return;
+  if (node) takeShape(node);
+  if (shape_) path_ = shapePath;
+}
+
+void MeshTarget::takeShape(dg::Node* node) {
+  if (!node->type().isA("mesh")) return;
   keepAlive_ = node->shared_from_this();
   shape_ = node;
-  path_ = shapePath;
+  outMesh_ = node->plug("outMesh");
 }
 
 MeshTarget::MeshTarget(const MObject& object, const MDagPath& path) : MeshTarget(object) {
@@ -37,7 +40,7 @@ scene::MeshDataPtr MeshTarget::read() const {
     return data ? data : std::make_shared<const scene::MeshData>(mesh::Mesh());
   }
   if (!shape_ || !shape_->isAlive()) return nullptr;
-  auto value = shape_->graph().get(shape_->plug("outMesh"));
+  auto value = shape_->graph().get(outMesh_);
   if (!value) {
     rememberError(value.error());
     return nullptr;

@@ -43,8 +43,11 @@ class MeshTarget {
   [[nodiscard]] MStatus spaceMatrix(MSpace::Space space, std::optional<math::Matrix4>& toSpace) const;
 
  private:
+  void takeShape(dg::Node* node);
+
   dg::NodePtr keepAlive_;
   dg::Node* shape_ = nullptr;
+  dg::Plug outMesh_;  ///< of the shape
   scene::DagPath path_;
   Handle holder_;  ///< keeps `value_`
   DataRep* value_ = nullptr;

@@ -18,6 +18,9 @@ class Surface {
   Surface(scene::MeshDataPtr data, const std::optional<math::Matrix4>& toSpace);
 
   [[nodiscard]] const mesh::Mesh& mesh() const { return data_->mesh; }
+  [[nodiscard]] bool isOf(const scene::MeshDataPtr& data, const std::optional<math::Matrix4>& toSpace) const {
+    return data_ == data && toSpace_ == toSpace;
+  }
 
   /// The first hit along a ray of the space; `t` counts in lengths of its direction.
   [[nodiscard]] std::optional<spatial::RayHit> closestHit(const math::Ray& ray, const spatial::RayOptions& options) const;

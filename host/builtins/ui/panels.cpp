@@ -1,5 +1,6 @@
 // getPanel, modelPanel and modelEditor: the views by their panels' names.
 #include <algorithm>
+#include <cmath>
 #include <map>
 
 #include "host/builtins/common/command.h"
@@ -49,6 +50,15 @@ Result<View*> viewNamed(Context& context, const ParsedArgs& args, const char* co
   View* view = context.session.service<Views>().find(args.firstObject());
   if (!view) return fail("{}: Object '{}' not found.", command, args.firstObject());
   return view;
+}
+
+/// Where the pointer is over a panel's view, {x, y} in pixels from the lower left; empty when it is elsewhere.
+CommandResult pointerPosition(Context& context, const ParsedArgs& args) {
+  const auto view = viewNamed(context, args, "pointerPosition");
+  if (!view) return failWith(view.error());
+  if (!(*view)->hasCursor) return mel::Value(mel::IntArray{});
+  const auto whole = [](double position) { return static_cast<std::int32_t>(std::floor(position)); };
+  return mel::Value(mel::IntArray{whole((*view)->cursor.x), whole((*view)->cursor.y)});
 }
 
 /// Looks through another camera; the view keeps its own when there is no such camera.
@@ -175,6 +185,7 @@ void registerPanels(CommandRegistry& registry) {
   panels.flag("all", "all").flag("typ", "type", {ArgType::String}).flag("to", "typeOf", {ArgType::String});
   panels.flag("wf", "withFocus").flag("up", "underPointer").flag("vis", "visiblePanels");
   defineQuery(registry, "getPanel", panels, getPanel);
+  defineQuery(registry, "pointerPosition", Syntax().strings(1, 1), pointerPosition);
   Syntax panel;
   panel.flag("ex", "exists").flag("cam", "camera", {ArgType::String}).flag("me", "modelEditor");
   panel.flag("l", "label", {ArgType::String}).flag("p", "parent", {ArgType::String}).flag("mbv", "menuBarVisible", {ArgType::Bool});

@@ -51,8 +51,10 @@ tools::ToolRegistry& toolsOf(cmd::Session& session) {
     if (event.kind == tools::InputKind::Press && !event.panel.empty())
       owner->service<Views>().setActive(event.panel);
     View& view = viewOf(*owner, event.panel);
+    for (View& other : owner->service<Views>().all()) other.hasCursor = false;
     view.cursor = event.position;
-    view.hasCursor = true;
+    const auto isWithin = [](double position, int extent) { return position >= 0 && position < extent; };
+    view.hasCursor = isWithin(event.position.x, view.port.width) && isWithin(event.position.y, view.port.height);
   };
   session.service<Views>().gatherers.push_back([owner](scene::Document&, const View& view, viewport::SceneView& scene) {
     toolsOf(*owner).current()->draw(view.panel, scene.extra);
