@@ -15,6 +15,7 @@
 
 #include "bench/bench_meshes.h"
 #include "host/api/session/host_session.h"
+#include "host/base/memory.h"
 #include "host/base/messages.h"
 #include "host/nodes/mesh_shape.h"
 
@@ -176,6 +177,7 @@ BENCHMARK_CAPTURE(command, merge, "shape.vtx[*]", "qxMergeVerts -id 5")->Name("m
 
 /// The torus is its own mirror image across z = 0, so that half goes on the circle and half mirrors it.
 void circleMirrored(benchmark::State& state) {
+  session().interpreter().setScriptPath({QXMT_BINARY_DIR "/scripts"});
   run("source qx_modeling_tool_ui; modelingWindow_QXMT_Proc; checkBox -e -v 1 mirror_QXMT_CB;"
       "radioCollection -e -sl mirrorY_QXMT_RB mirror_QXMT_RB; radioCollection -e -sl worldSpace_QXMT_RB mirrorSpace_QXMT_RB");
   command(state, "shape.vtx[*]", "qxCircleVertsCmd");
@@ -203,7 +205,8 @@ void transferTopology(benchmark::State& state, const char* flags) {
   session().newScene();
   put(torus(state), "shape");
   put(bench::bumpyTorus(static_cast<Index>(state.range(0) / 2)), "source");
-  run(std::string("undoInfo -state on; select -r shape") + (*flags ? ".f[0] shape.f[0]; duplicate -n other shape; select -r shape.f[0] other.f[0]" : " source"));
+  run("duplicate -n other shape; undoInfo -state on;");
+  run(*flags ? "select -r shape.f[0] other.f[0]" : "select -r shape source");
   const host::MessageCapture quiet;
   for (auto _ : state) {
     run(std::string("qxTransferTopology") + flags);
@@ -299,4 +302,9 @@ BENCHMARK(project)->Name("project/command")->Apply(sizes);
 
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+  host::keepFreedMemory();  // as the program does
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
+  return 0;
+}

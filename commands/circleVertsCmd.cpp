@@ -1,6 +1,7 @@
 #include "commands/circleVertsCmd.h"
 
 #include <maya/MArgDatabase.h>
+#include <maya/MFloatVectorArray.h>
 #include <maya/MFnMesh.h>
 #include <maya/MGlobal.h>
 #include <maya/MSelectionList.h>
@@ -42,6 +43,13 @@ MStatus circleVertsCmd::gather() {
 MVector circleVertsCmd::meanNormal(unsigned int count) const {
   const MFnMesh meshFn(dagPath);
   MVector sum, normal;
+  // One question for all normals costs less than many for one each, once they are a good part of the mesh.
+  if (count > static_cast<unsigned int>(meshFn.numVertices()) / 8) {
+    MFloatVectorArray all;
+    meshFn.getVertexNormals(false, all, MSpace::kWorld);
+    for (unsigned int i = 0; i < count; ++i) sum += MVector(all[static_cast<unsigned int>(vertexIds[i])]);
+    return sum;
+  }
   for (unsigned int i = 0; i < count; ++i)
     if (meshFn.getVertexNormal(vertexIds[i], normal, MSpace::kWorld) == MS::kSuccess) sum += normal;
   return sum;
@@ -85,12 +93,9 @@ MStatus circleVertsCmd::doIt(const MArgList& arguments) {
   }
   if (isSplit) mirrorSecondHalf(mirror);
   if ((status = savedPlaces.take(dagPath, vertexIds)) != MS::kSuccess) return status;
-  justRead = &points;
-  status = redoIt();
-  justRead = nullptr;
-  return status;
+  return writeWorldPoints(dagPath, vertexIds, circlePositions, &points);
 }
 
-MStatus circleVertsCmd::redoIt() { return writeWorldPoints(dagPath, vertexIds, circlePositions, justRead); }
+MStatus circleVertsCmd::redoIt() { return writeWorldPoints(dagPath, vertexIds, circlePositions); }
 
 MStatus circleVertsCmd::undoIt() { return savedPlaces.putBack(dagPath, vertexIds, savedPositions); }

@@ -30,7 +30,6 @@ class circleVertsCmd : public MPxCommand {
   void mirrorSecondHalf(const mirrorOptions& mirror);
 
   MDagPath dagPath;
-  MPointArray* justRead = nullptr;  ///< all points, while doIt runs: its redoIt need not read them again
   MIntArray vertexIds;
   MPointArray savedPositions;   ///< world space, one a vertex of `vertexIds`
   storedPlaces savedPlaces;

@@ -2,16 +2,15 @@
 
 #include <maya/MFn.h>
 #include <maya/MFnMesh.h>
+#include <maya/MFnSingleIndexedComponent.h>
 #include <maya/MGlobal.h>
-#include <maya/MIntArray.h>
 #include <maya/MItMeshEdge.h>
-#include <maya/MItMeshPolygon.h>
-#include <maya/MItMeshVertex.h>
 #include <maya/MItSelectionList.h>
 #include <maya/MObject.h>
 #include <maya/MSelectionList.h>
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -24,6 +23,27 @@ void forEachComponentSet(const MSelectionList& selection, MFn::Type filter, Visi
     MObject component;
     if (item.getDagPath(path, component) == MS::kSuccess && !component.isNull()) visit(path, component);
   }
+}
+
+/// Appends the component indices that the mesh has, in order; those deleted since they were selected are left out.
+void appendElements(const MObject& component, int count, MIntArray& ids) {
+  const MFnSingleIndexedComponent set(component);
+  MIntArray listed;
+  if (set.isComplete()) {
+    listed.setLength(static_cast<unsigned int>(count));
+    for (int i = 0; i < count; ++i) listed[static_cast<unsigned int>(i)] = i;
+  } else {
+    set.getElements(listed);
+    unsigned int kept = 0;
+    for (unsigned int i = 0; i < listed.length(); ++i)
+      if (listed[i] >= 0 && listed[i] < count) listed[kept++] = listed[i];
+    listed.setLength(kept);
+  }
+  if (ids.length() == 0) {
+    std::swap(ids, listed);
+    return;
+  }
+  for (unsigned int i = 0; i < listed.length(); ++i) ids.append(listed[i]);
 }
 
 }  // namespace
@@ -41,8 +61,7 @@ MStatus singleObjectSelection(MSelectionList& selection) {
 void appendSelectedVertices(const MSelectionList& selection, MDagPath& mesh, MIntArray& vertexIds) {
   forEachComponentSet(selection, MFn::kMeshVertComponent, [&](const MDagPath& path, MObject& component) {
     mesh = path;
-    for (MItMeshVertex vertex(path, component); !vertex.isDone(); vertex.next())
-      vertexIds.append(vertex.index());
+    appendElements(component, MFnMesh(path).numVertices(), vertexIds);
   });
 }
 
@@ -62,26 +81,51 @@ void appendSelectedEdgeEnds(const MSelectionList& selection, MDagPath& mesh, MIn
 void appendSelectedFaceVertices(const MSelectionList& selection, MDagPath& mesh, MIntArray& vertexIds) {
   forEachComponentSet(selection, MFn::kMeshPolygonComponent, [&](const MDagPath& path, MObject& component) {
     mesh = path;
-    MIntArray corners;
-    for (MItMeshPolygon face(path, component); !face.isDone(); face.next()) {
-      face.getVertices(corners);
-      for (unsigned int i = 0; i < corners.length(); ++i) vertexIds.append(corners[i]);
+    selectedPolygons faces;
+    faces.take(path, component);
+    if (vertexIds.length() == 0) {
+      std::swap(vertexIds, faces.connects);
+      return;
     }
+    for (unsigned int i = 0; i < faces.connects.length(); ++i) vertexIds.append(faces.connects[i]);
   });
 }
 
 MIntArray selectedFaceIds(const MSelectionList& selection) {
   MIntArray faces;
   forEachComponentSet(selection, MFn::kMeshPolygonComponent, [&](const MDagPath& path, MObject& component) {
-    for (MItMeshPolygon face(path, component); !face.isDone(); face.next()) faces.append(static_cast<int>(face.index()));
+    appendElements(component, MFnMesh(path).numPolygons(), faces);
   });
   return faces;
 }
 
+void selectedPolygons::take(const MDagPath& mesh, const MObject& component) {
+  const MFnMesh meshFn(mesh);
+  MIntArray ids;
+  const int faceCount = meshFn.numPolygons();
+  appendElements(component, faceCount, ids);
+  if (static_cast<int>(ids.length()) == faceCount) {
+    meshFn.getVertices(counts, connects);
+    return;
+  }
+  counts.clear();
+  connects.clear();
+  MIntArray corners;
+  for (unsigned int i = 0; i < ids.length(); ++i) {
+    meshFn.getPolygonVertices(ids[i], corners);
+    counts.append(static_cast<int>(corners.length()));
+    for (unsigned int k = 0; k < corners.length(); ++k) connects.append(corners[k]);
+  }
+}
+
 void makeUniqueAscending(MIntArray& indices) {
-  if (indices.length() == 0) return;
+  bool isDone = true;
   int largest = 0;
-  for (unsigned int i = 0; i < indices.length(); ++i) largest = std::max(largest, indices[i]);
+  for (unsigned int i = 0; i < indices.length(); ++i) {
+    isDone = isDone && (i == 0 || indices[i - 1] < indices[i]);
+    largest = std::max(largest, indices[i]);
+  }
+  if (isDone) return;
   std::vector<char> isListed(static_cast<std::size_t>(largest) + 1, 0);
   for (unsigned int i = 0; i < indices.length(); ++i) isListed[static_cast<std::size_t>(indices[i])] = 1;
   unsigned int count = 0;

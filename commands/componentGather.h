@@ -1,9 +1,9 @@
 #pragma once
 
 #include <maya/MDagPath.h>
+#include <maya/MIntArray.h>
 #include <maya/MStatus.h>
 
-class MIntArray;
 class MObject;
 class MSelectionList;
 
@@ -18,6 +18,14 @@ void appendSelectedVertices(const MSelectionList& selection, MDagPath& mesh, MIn
 void appendSelectedEdgeEnds(const MSelectionList& selection, MDagPath& mesh, MIntArray& vertexIds);
 /// Appends the vertices of every selected face and sets `mesh`.
 void appendSelectedFaceVertices(const MSelectionList& selection, MDagPath& mesh, MIntArray& vertexIds);
+
+/// The corners of a face component's faces, one face after the other.
+struct selectedPolygons {
+  MIntArray counts;    ///< corners a face
+  MIntArray connects;  ///< their vertices
+
+  void take(const MDagPath& mesh, const MObject& component);
+};
 
 /// The selected faces' indices, in iteration order.
 MIntArray selectedFaceIds(const MSelectionList& selection);

@@ -3,13 +3,15 @@
 #include <maya/MArgDatabase.h>
 #include <maya/MFn.h>
 #include <maya/MGlobal.h>
-#include <maya/MItMeshPolygon.h>
 #include <maya/MItSelectionList.h>
 #include <maya/MObject.h>
 #include <maya/MSelectionList.h>
 #include <maya/MVector.h>
 
+#include <utility>
+
 #include "commands/componentGather.h"
+#include "commands/faceFrame.h"
 #include "commands/mirrorOptions.h"
 #include "commands/planarPlan.h"
 #include "commands/worldPoints.h"
@@ -20,26 +22,41 @@ void* makePlanarCmd::creator() { return new makePlanarCmd; }
 
 MSyntax makePlanarCmd::newSyntax() { return MSyntax(); }
 
-MStatus makePlanarCmd::gather(const mirrorOptions& mirror) {
+MStatus makePlanarCmd::gather(const mirrorOptions& mirror, MPointArray& points) {
   MSelectionList selection;
-  const MStatus status = singleObjectSelection(selection);
+  MStatus status = singleObjectSelection(selection);
   if (status != MS::kSuccess) return status;
   for (MItSelectionList item(selection, MFn::kMeshPolygonComponent); !item.isDone(); item.next()) {
     MObject component;
     if (item.getDagPath(dagPath, component) != MS::kSuccess || component.isNull()) continue;
-    const mirrorPlane plane(dagPath, mirror);
-    MVector normal;
-    MIntArray corners;
-    for (MItMeshPolygon face(dagPath, component); !face.isDone(); face.next()) {
-      face.getNormal(normal, MSpace::kWorld);
-      const bool isPositive = mirror.isOn() && plane.isPositive(face.center(MSpace::kWorld));
-      (isPositive ? positiveNormals : negativeNormals).append(normal);
-      face.getVertices(corners);
-      for (unsigned int i = 0; i < corners.length(); ++i) vertexIds.append(corners[i]);
-    }
+    selectedPolygons faces;
+    faces.take(dagPath, component);
+    if (faces.counts.length() == 0) continue;
+    if ((status = readWorldPoints(dagPath, points)) != MS::kSuccess) return status;
+    sortNormals(faces, points, mirror);
+    std::swap(vertexIds, faces.connects);
   }
   makeUniqueAscending(vertexIds);
   return MS::kSuccess;
+}
+
+void makePlanarCmd::sortNormals(const selectedPolygons& faces, const MPointArray& points,
+                                const mirrorOptions& mirror) {
+  const mirrorPlane plane(dagPath, mirror);
+  // Seen in a mirroring transform faces run the other way round than their normals are.
+  const double side = dagPath.inclusiveMatrix().det3x3() < 0.0 ? -1.0 : 1.0;
+  negativeNormals.setLength(faces.counts.length());
+  unsigned int corner = 0, negatives = 0;
+  for (unsigned int f = 0; f < faces.counts.length(); ++f) {
+    const unsigned int count = static_cast<unsigned int>(faces.counts[f]);
+    const faceFrame face = faceFrameOf(points, faces.connects, corner, count);
+    corner += count;
+    if (mirror.isOn() && plane.isPositive(face.centre))
+      positiveNormals.append(face.normal * side);
+    else
+      negativeNormals[negatives++] = face.normal * side;
+  }
+  negativeNormals.setLength(negatives);
 }
 
 bool makePlanarCmd::flatten(bool isSplit) {
@@ -57,13 +74,11 @@ MStatus makePlanarCmd::doIt(const MArgList& arguments) {
   const mirrorOptions mirror = mirrorOptions::fromWindow();
   mirrorAxis = mirror.axis;
   mirrorInObjectSpace = mirror.inObjectSpace;
-  status = gather(mirror);
+  MPointArray points;
+  status = gather(mirror, points);
   if (status != MS::kSuccess) return status;
   if (vertexIds.length() == 0) return redoIt();  // nothing gathered: fails on the path that was never set
 
-  MPointArray points;
-  status = readWorldPoints(dagPath, points);
-  if (status != MS::kSuccess) return status;
   if (!idsAreInRange(vertexIds, points.length())) return MS::kFailure;
   const bool isSplit = splitByMirror(vertexIds, points, dagPath, mirror);
   savedPositions = pointsAt(points, vertexIds);
@@ -74,12 +89,9 @@ MStatus makePlanarCmd::doIt(const MArgList& arguments) {
     return MS::kFailure;
   }
   if ((status = savedPlaces.take(dagPath, vertexIds)) != MS::kSuccess) return status;
-  justRead = &points;
-  status = redoIt();
-  justRead = nullptr;
-  return status;
+  return writeWorldPoints(dagPath, vertexIds, planarPositions, &points);
 }
 
-MStatus makePlanarCmd::redoIt() { return writeWorldPoints(dagPath, vertexIds, planarPositions, justRead); }
+MStatus makePlanarCmd::redoIt() { return writeWorldPoints(dagPath, vertexIds, planarPositions); }
 
 MStatus makePlanarCmd::undoIt() { return savedPlaces.putBack(dagPath, vertexIds, savedPositions); }

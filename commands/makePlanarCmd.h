@@ -10,6 +10,7 @@
 #include "commands/storedPlaces.h"
 
 struct mirrorOptions;
+struct selectedPolygons;
 
 /// `qxMakePlanarCmd`: flattens the selected faces of one mesh onto a plane through their vertices' mean; with the toolkit's
 /// mirror on and a symmetric selection, each side onto its own.
@@ -25,11 +26,11 @@ class makePlanarCmd : public MPxCommand {
   static MSyntax newSyntax();
 
  private:
-  MStatus gather(const mirrorOptions& mirror);
+  MStatus gather(const mirrorOptions& mirror, MPointArray& points);
+  void sortNormals(const selectedPolygons& faces, const MPointArray& points, const mirrorOptions& mirror);
   bool flatten(bool isSplit);
 
   MDagPath dagPath;
-  MPointArray* justRead = nullptr;  ///< all points, while doIt runs: its redoIt need not read them again
   MIntArray vertexIds;
   MPointArray savedPositions;    ///< world space, one a vertex of `vertexIds`
   storedPlaces savedPlaces;

@@ -5,8 +5,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "shared/indexArrays.h"
+
 polygonGraph::polygonGraph(const MIntArray& counts, const MIntArray& vertexOfCorner, unsigned int vertexCount)
-    : vertices(static_cast<int>(vertexCount)), connects(vertexOfCorner.begin(), vertexOfCorner.end()) {
+    : vertices(static_cast<int>(vertexCount)), connects(toVector(vertexOfCorner)) {
   firsts.reserve(counts.length() + 1);
   faces.reserve(connects.size());
   firsts.push_back(0);

@@ -9,12 +9,16 @@
 
 MStatus storedPlaces::takeAll(const MDagPath& mesh) {
   toWorld = mesh.inclusiveMatrix();
+  places.clear();
+  if (toWorld == MMatrix::identity) return MS::kSuccess;
   return MFnMesh(mesh).getPoints(places, MSpace::kObject);
 }
 
 MStatus storedPlaces::take(const MDagPath& mesh, const MIntArray& vertexIds) {
   MFloatPointArray all;
   toWorld = mesh.inclusiveMatrix();
+  places.clear();
+  if (toWorld == MMatrix::identity) return MS::kSuccess;
   const MStatus status = MFnMesh(mesh).getPoints(all, MSpace::kObject);
   if (status != MS::kSuccess) return status;
   places.setLength(vertexIds.length());

@@ -9,7 +9,8 @@ class MIntArray;
 class MPointArray;
 
 /// Remembers vertices as their mesh stores them. Their world positions alone, taken back through a turned or scaled
-/// transform, come back rounded; these come back bit for bit.
+/// transform, come back rounded; these come back bit for bit. Of a mesh that stands untransformed nothing is kept: its world
+/// positions are the stored ones.
 class storedPlaces {
  public:
   /// Takes the places of `vertexIds`, which must be in range.

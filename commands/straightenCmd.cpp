@@ -116,12 +116,9 @@ MStatus straightenCmd::doIt(const MArgList& arguments) {
     straightenRun(straightPositions, 0, count, keepAxes);
   }
   if ((status = savedPlaces.take(dagPath, vertexIds)) != MS::kSuccess) return status;
-  justRead = &points;
-  status = redoIt();
-  justRead = nullptr;
-  return status;
+  return writeWorldPoints(dagPath, vertexIds, straightPositions, &points);
 }
 
-MStatus straightenCmd::redoIt() { return writeWorldPoints(dagPath, vertexIds, straightPositions, justRead); }
+MStatus straightenCmd::redoIt() { return writeWorldPoints(dagPath, vertexIds, straightPositions); }
 
 MStatus straightenCmd::undoIt() { return savedPlaces.putBack(dagPath, vertexIds, savedPositions); }

@@ -25,7 +25,6 @@ class straightenCmd : public MPxCommand {
   MStatus gather();
 
   MDagPath dagPath;
-  MPointArray* justRead = nullptr;  ///< all points, while doIt runs: its redoIt need not read them again
   MIntArray vertexIds;
   MPointArray savedPositions;     ///< world space, one a vertex of `vertexIds`, before the command
   storedPlaces savedPlaces;

@@ -18,9 +18,9 @@ double sizeOf(const MPointArray& points) {
   double largest = 0.0;
   for (unsigned int axis = 0; axis < 3; ++axis) {
     double low = std::numeric_limits<double>::max(), high = -low;
-    for (const MPoint& p : points) {
-      low = std::min(low, p[axis]);
-      high = std::max(high, p[axis]);
+    for (unsigned int i = 0; i < points.length(); ++i) {
+      low = std::min(low, points[i][axis]);
+      high = std::max(high, points[i][axis]);
     }
     largest = std::max(largest, high - low);
   }

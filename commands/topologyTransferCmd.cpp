@@ -69,10 +69,10 @@ MIntArray selectedFaces(const MDagPath& path, const MObject& components) {
 
 double sizeOf(const MPointArray& points) {
   MPoint low = points[0], high = points[0];
-  for (const MPoint& p : points)
+  for (unsigned int i = 1; i < points.length(); ++i)
     for (unsigned int axis = 0; axis < 3; ++axis) {
-      low[axis] = std::min(low[axis], p[axis]);
-      high[axis] = std::max(high[axis], p[axis]);
+      low[axis] = std::min(low[axis], points[i][axis]);
+      high[axis] = std::max(high[axis], points[i][axis]);
     }
   return low.distanceTo(high);
 }
@@ -194,7 +194,7 @@ MStatus topologyTransferCmd::placeOnSurface(const MDagPath& target, const MPoint
     }
     landmarkWarp warp;
     if (!warp.fit(from, to)) return refuse("two landmarks lie in one place");
-    for (MPoint& point : warped) point = warp(point);
+    for (unsigned int v = 0; v < warped.length(); ++v) warped[v] = warp(warped[v]);
   }
   MIntArray counts, connects;
   MFnMesh(movedPath).getVertices(counts, connects);

@@ -24,8 +24,18 @@ MStatus writeAllWorldPoints(const MDagPath& mesh, const MPointArray& points) {
   return meshFn.setPoints(points, MSpace::kWorld);
 }
 
+bool isEveryVertex(const MIntArray& vertexIds, unsigned int vertexCount) {
+  if (vertexIds.length() != vertexCount) return false;
+  for (unsigned int i = 0; i < vertexCount; ++i)
+    if (vertexIds[i] != static_cast<int>(i)) return false;
+  return true;
+}
+
 MStatus writeWorldPoints(const MDagPath& mesh, const MIntArray& vertexIds, const MPointArray& positions,
                          MPointArray* current) {
+  if (!mesh.isValid()) return MS::kFailure;
+  if (isEveryVertex(vertexIds, static_cast<unsigned int>(MFnMesh(mesh).numVertices())))
+    return writeAllWorldPoints(mesh, positions);
   MPointArray read;
   MPointArray& points = current ? *current : read;
   if (!current) {
@@ -39,6 +49,7 @@ MStatus writeWorldPoints(const MDagPath& mesh, const MIntArray& vertexIds, const
 }
 
 MPointArray pointsAt(const MPointArray& points, const MIntArray& vertexIds) {
+  if (isEveryVertex(vertexIds, points.length())) return points;
   MPointArray picked;
   picked.setLength(vertexIds.length());
   for (unsigned int i = 0; i < vertexIds.length(); ++i)
@@ -58,6 +69,13 @@ bool isFinite(const MPoint& point) {
   return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
 }
 
+/// Whether all are numbers, in one pass without a branch a point: anything times zero is zero unless it is no number.
+bool areFinite(const MPointArray& points) {
+  double nothing = 0.0;
+  for (unsigned int i = 0; i < points.length(); ++i) nothing += (points[i].x + points[i].y + points[i].z) * 0.0;
+  return nothing == 0.0;
+}
+
 void reportVertex(const char* command, int vertex) {
   MString text(command);
   text += ": vertex ";
@@ -69,6 +87,7 @@ void reportVertex(const char* command, int vertex) {
 }  // namespace
 
 bool positionsAreFinite(const char* command, const MIntArray& vertexIds, const MPointArray& positions) {
+  if (areFinite(positions)) return true;
   for (unsigned int i = 0; i < positions.length(); ++i) {
     if (isFinite(positions[i])) continue;
     reportVertex(command, vertexIds[i]);
@@ -78,6 +97,7 @@ bool positionsAreFinite(const char* command, const MIntArray& vertexIds, const M
 }
 
 bool positionsAreFinite(const char* command, const MPointArray& points) {
+  if (areFinite(points)) return true;
   for (unsigned int i = 0; i < points.length(); ++i) {
     if (isFinite(points[i])) continue;
     reportVertex(command, static_cast<int>(i));

@@ -22,6 +22,9 @@ MStatus writeWorldPoints(const MDagPath& mesh, const MIntArray& vertexIds, const
 /// The points at `vertexIds`, in that order. Every id must be in range.
 MPointArray pointsAt(const MPointArray& points, const MIntArray& vertexIds);
 
+/// Whether the ids are all vertices of a mesh, in order.
+bool isEveryVertex(const MIntArray& vertexIds, unsigned int vertexCount);
+
 /// Whether all ids are vertices of a mesh with `vertexCount` points.
 bool idsAreInRange(const MIntArray& vertexIds, unsigned int vertexCount);
 

@@ -10,6 +10,7 @@
 #include "host/app/paths.h"
 #include "host/app/prompt.h"
 #include "host/app/tour.h"
+#include "host/base/memory.h"
 #include "host/base/messages.h"
 
 namespace host::app {
@@ -103,6 +104,7 @@ int run(const Options& options) {
 
 int main(int argc, char** argv) {
   using namespace host::app;
+  host::keepFreedMemory();
   Options options;
   const int ended = parseOptions(argc, argv, options);
   if (ended >= 0) return ended;
