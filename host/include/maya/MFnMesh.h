@@ -78,11 +78,15 @@ class MFnMesh : public MFnDagNode {
   MObject addPolygon(const MPointArray& vertexArray, int& faceIndex, bool mergeVertices = true,
                      double pointTolerance = MFnMesh_kPointTol,
                      MObject parentOrOwner = MObject::kNullObj, MStatus* status = nullptr);
+  /// Fails: faces have one loop here.
   MStatus addHoles(int faceIndex, const MPointArray& vertexArray, const MIntArray& loopCounts,
                    bool mergeVertices = true, double pointTolerance = MFnMesh_kPointTol);
   MStatus deleteFace(int index, MDGModifier* modifier = nullptr);
   MStatus deleteEdge(int index, MDGModifier* modifier = nullptr);
   MStatus deleteVertex(int index, MDGModifier* modifier = nullptr);
+  /// Cuts faces along a path of places, each a `SplitPlacement`: on the next edge of `edgeList` at
+  /// its factor from the edge's first vertex, or at the next inside point (object space). The path
+  /// begins and ends on edges.
   MStatus split(const MIntArray& placements, const MIntArray& edgeList,
                 const MFloatArray& edgeFactors, const MFloatPointArray& internalPoints);
   MStatus subdivideFaces(const MIntArray& faceList, int divisions = 1);
@@ -97,6 +101,7 @@ class MFnMesh : public MFnDagNode {
   MStatus extractFaces(const MIntArray& faceList, const MFloatVector* translation = nullptr);
   MStatus collapseFaces(const MIntArray& faceList);
   MStatus collapseEdges(const MIntArray& edgeList);
+  /// Fails: there are no Boolean operations here.
   MStatus booleanOp(BoolOperation op, MFnMesh& mesh1, MFnMesh& mesh2);
   MObject generateSmoothMesh(MObject parentOrOwner = MObject::kNullObj,
                              MMeshSmoothOptions* options = nullptr, MStatus* status = nullptr);

@@ -294,3 +294,38 @@ TEST_CASE("bounding boxes: a shape in its own space, a transform with its matrix
   path.pop();
   CHECK(MFnDagNode(path).boundingBox().max().isEquivalent(MPoint(11, 1.5, 0.5), 1e-6));
 }
+
+TEST_CASE("MFnMesh: split, edge extrusion, copies and extraction of faces edit the shape") {
+  const auto session = host::api::makeHostSession();
+  REQUIRE(session->executeLine("polyPlane -n p -sx 1 -sy 1 -ch 0"));
+  MSelectionList list;
+  list.add("pShape");
+  MDagPath path;
+  list.getDagPath(0, path);
+  MFnMesh fn(path);
+  const int places[] = {MFnMesh::kOnEdge, MFnMesh::kInternalPoint, MFnMesh::kOnEdge}, edges[] = {0, 3};
+  const float factors[] = {0.5F, 0.5F};
+  MFloatPointArray inside;
+  inside.append(MFloatPoint(0.1F, 0, 0));
+  REQUIRE(fn.split(MIntArray(places, 3), MIntArray(edges, 2), MFloatArray(factors, 2), inside));
+  CHECK((fn.numPolygons() == 2 && fn.numVertices() == 7 && fn.numEdges() == 8));
+  CHECK_FALSE(fn.split(MIntArray(places, 3), MIntArray(edges, 1), MFloatArray(factors, 1), inside));
+
+  const MFloatVector up(0, 2, 0);
+  const int border[] = {1};
+  REQUIRE(fn.extrudeEdges(MIntArray(border, 1), 1, &up));
+  CHECK((fn.numPolygons() == 3 && fn.numVertices() == 9));
+  MPoint top;
+  fn.getPoint(8, top);
+  CHECK(top.y == doctest::Approx(2));
+
+  const int faces[] = {0};
+  REQUIRE(fn.duplicateFaces(MIntArray(faces, 1), &up));
+  CHECK(fn.numPolygons() == 4);
+  const int vertices = fn.numVertices();
+  REQUIRE(fn.extractFaces(MIntArray(faces, 1), nullptr));
+  CHECK((fn.numPolygons() == 4 && fn.numVertices() > vertices));
+  const int none[] = {77};
+  CHECK_FALSE(fn.extractFaces(MIntArray(none, 1), nullptr));
+  CHECK_FALSE(fn.booleanOp(MFnMesh::kUnion, fn, fn));
+}
