@@ -177,6 +177,8 @@ AttributePtr makeFrom(const Flags& flags, const scene::Units& units) {
 }  // namespace
 
 void MaAttributes::apply(dg::Node& node, const MaAddAttr& line) {
+  // Its other attributes are not there, so these would stand alone.
+  if (isUnknown(node)) return report_({line.offset, line.raw, {}, {}});
   if (auto done = addAttribute(node, line); !done)
     report_({line.offset, line.raw, {}, std::move(done).error().message});
 }

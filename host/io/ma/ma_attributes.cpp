@@ -33,6 +33,10 @@ bool numericLeaves(const dg::Attribute& attribute, std::vector<const dg::Attribu
 
 }  // namespace
 
+bool MaAttributes::isUnknown(const dg::Node& node) {
+  return node.type().name.starts_with("unknown");
+}
+
 void MaAttributes::apply(dg::Node& node, const std::vector<MaLine>& lines) {
   for (const MaLine& line : lines)
     std::visit([&](const auto& each) { apply(node, each); }, line);
@@ -50,7 +54,7 @@ void MaAttributes::lock() {
 }
 
 void MaAttributes::apply(dg::Node& node, const MaSetAttr& line) {
-  if (line.type == "attributeAlias") {
+  if (line.type == "attributeAlias" && !isUnknown(node)) {
     if (auto done = setAliases(node, line); !done)
       report_({line.offset, line.raw, line.path, std::move(done).error().message});
     return;

@@ -27,6 +27,9 @@ class MaAttributes {
   void lock();
   void lockLater(const dg::Plug& plug) { locks_.push_back(plug); }
 
+  /// Whether a node stands for one of a type that is not there.
+  [[nodiscard]] static bool isUnknown(const dg::Node& node);
+
  private:
   /// Elements of one array that came in several statements.
   struct Run {

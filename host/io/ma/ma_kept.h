@@ -23,6 +23,7 @@ class MaKept {
   struct Connection {
     std::weak_ptr<dg::Node> source, destination;
     std::string sourcePath, destinationPath;  ///< attributes, as written
+    bool toNextAvailable = false;             ///< the destination is any free element
   };
 
   [[nodiscard]] Node& of(dg::Node& node);

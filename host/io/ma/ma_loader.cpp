@@ -9,6 +9,7 @@
 #include <unordered_set>
 
 #include "host/io/ma/ma_attributes.h"
+#include "host/io/ma/ma_mesh_writer.h"
 #include "host/io/ma/ma_plugs.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/set_group.h"
@@ -188,7 +189,7 @@ class Loader {
     current_ = made;
     // What comes into a scene leaves its settings and cameras alone.
     if (isThere && options_.isImport) return {};
-    if (node.mesh && made->plug("inMesh")) HOST_TRY(nodes::setStoredMesh(*made, *node.mesh));
+    if (node.mesh && !isBlank(*node.mesh) && made->plug("inMesh")) HOST_TRY(nodes::setStoredMesh(*made, *node.mesh));
     attributes_.apply(*made, node.lines);
     if (node.isLocked && !made->isDefault()) locked_.push_back(made);
     return {};
@@ -245,21 +246,22 @@ class Loader {
     Plug destination = findEnd(*to, toPath, instanceOf(*to, toName));
     if (source.isNull() || destination.isNull()) {
       ++keptConnections_;
-      return keep(*from, fromPath, *to, toPath);
+      return keep(*from, fromPath, *to, toPath, connection.toNextAvailable);
     }
     if (document_.graph().source(destination) == source) return;
     if (destination.isArray() && (connection.toNextAvailable || !source.isArray()))
       destination = nodes::freeElement(destination);
     if (auto done = document_.graph().connect(source, destination, true); !done) {
       warn(connection.offset, std::move(done).error().message);
-      return keep(*from, fromPath, *to, toPath);
+      return keep(*from, fromPath, *to, toPath, connection.toNextAvailable);
     }
     if (connection.isLocked) attributes_.lockLater(destination);
   }
 
-  void keep(Node& from, std::string_view fromPath, Node& to, std::string_view toPath) {
-    kept_.connections.push_back(
-        {from.weak_from_this(), to.weak_from_this(), std::string(fromPath), std::string(toPath)});
+  void keep(Node& from, std::string_view fromPath, Node& to, std::string_view toPath,
+            bool toNextAvailable) {
+    kept_.connections.push_back({from.weak_from_this(), to.weak_from_this(),
+                                 std::string(fromPath), std::string(toPath), toNextAvailable});
   }
 
   /// A link joins an object and a light in one element; the pair may be there already.
@@ -309,9 +311,8 @@ class Loader {
   void keepLine(MaAttributes::Unused line) {
     if (!line.raw.empty()) kept_.of(*current_).lines.emplace_back(line.raw);
     if (!line.reason.empty()) return warn(line.offset, std::move(line.reason));
-    const std::string& type = current_->type().name;
-    if (!type.starts_with("unknown"))
-      unknownAttributes_[type].emplace(line.path.substr(0, line.path.find_first_of("[.")));
+    if (!MaAttributes::isUnknown(*current_))
+      unknownAttributes_[current_->type().name].emplace(line.path.substr(0, line.path.find_first_of("[.")));
   }
 
   void keepSelected(const MaNode& node) {

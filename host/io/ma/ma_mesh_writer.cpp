@@ -238,12 +238,14 @@ void appendHidden(std::string& out, std::span<const FaceId> faces) {
 
 }  // namespace
 
+bool isBlank(const Mesh& mesh) {
+  return mesh.vertexCount() == 0 && mesh.uvSetCount() == 1 && mesh.uvSet(0).name == "map1" &&
+         mesh.uvSet(0).points.empty() && mesh.colorSetCount() == 0;
+}
+
 Result<void> appendMesh(std::string& out, const Mesh& mesh, double unit) {
   HOST_TRY(checkFinite(mesh));
-  const bool isBare = mesh.vertexCount() == 0 && mesh.uvSetCount() == 1 &&
-                      mesh.uvSet(0).name == "map1" && mesh.uvSet(0).points.empty() &&
-                      mesh.colorSetCount() == 0;
-  if (isBare) return {};
+  if (isBlank(mesh)) return {};
   Mesh written = mesh;
   (void)hardenAlongNormals(written);
   appendUvSets(out, written);

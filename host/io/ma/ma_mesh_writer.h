@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "host/base/result.h"
 #include "host/mesh/mesh.h"
 
 namespace host::io {
@@ -13,5 +14,8 @@ namespace host::io {
 /// are written as hard.
 /// @return an error, with nothing appended, when the mesh has numbers that are not finite.
 Result<void> appendMesh(std::string& out, const mesh::Mesh& mesh, double unit);
+
+/// Whether a mesh is as good as none: no vertices, and only the set that every mesh has.
+[[nodiscard]] bool isBlank(const mesh::Mesh& mesh);
 
 }  // namespace host::io

@@ -62,3 +62,117 @@ TEST_CASE("saved scenes: every zoo mesh comes back bit for bit") {
     checkRoundTrip(opened);
   }
 }
+
+TEST_CASE("saved scenes: history, tweaks, sets, instances and units come back") {
+  for (const char* unit : {"cm", "foot", "m", "inch"}) {
+    CAPTURE(unit);
+    MaScene scene;
+    scene::Units units;
+    REQUIRE(scene::parseLinearUnit(unit, units.linear));
+    units.time = "pal";
+    scene->setUnits(units);
+    scene->fileInfo = {{"product", "a \"quoted\" name\n"}};
+
+    // A sphere with its history, moved, a face extruded away from it by tweaks.
+    dg::Node& ball = scene.make("transform", "ball");
+    scene.make("mesh", "ballShape", &ball);
+    scene.make("polySphere", "polySphere1");
+    scene.set("polySphere1.radius", 1.37);
+    REQUIRE(scene.graph().connect(scene.plug("polySphere1.output"), scene.plug("ballShape.inMesh")));
+    scene.setVec3("ball.translate", {1.0 / 3, -2e-7, 1e6 / 7});
+    scene.setVec3("ball.rotate", {0.1, 1.2345678901234567, -3});
+    auto points = nodes::pointsIn(scene.path("ballShape"), nodes::Space::Object);
+    REQUIRE(points);
+    (*points)[5].y += 0.1;
+    (*points)[200].x -= 1.0 / 7;
+    REQUIRE(nodes::setPointsIn(scene.path("ballShape"), nodes::Space::Object, *points));
+    // One shape in two places, under parents of the same name.
+    dg::Node& left = scene.make("transform", "left");
+    dg::Node& right = scene.make("transform", "right");
+    dg::Node& inner = scene.make("transform", "inner", &left);
+    scene.make("transform", "inner", &right);
+    dg::Node& shape = scene.make("mesh", "innerShape", &inner);
+    REQUIRE(nodes::setStoredMesh(shape, zoo::zooMesh("cube")));
+    REQUIRE(scene->addInstance(shape, &right));
+    // Sets of objects and of components, a material of its own.
+    dg::Node& set = scene.make("objectSet", "picked");
+    REQUIRE(nodes::addToSet(*scene.document, set, scene.list("ballShape.f[3:9]")));
+    REQUIRE(nodes::addToSet(*scene.document, set, scene.list("right")));
+    dg::Node& group = scene.make("shadingEngine", "redSG");
+    scene.set("redSG.renderableOnlySet", std::int64_t{1});
+    REQUIRE(nodes::addToSet(*scene.document, group, scene.list("|left|inner|innerShape")));
+    // Switches, added attributes, names for attributes.
+    auto added = scene.graph().addAttribute(
+        ball, dg::makeTriple("windDirection", "wd", dg::AttributeType::Double, "double3", {0, 1, 0}));
+    REQUIRE(added);
+    auto mood = dg::makeEnum("mood", "mood", {{"calm", 0}, {"wild", 5}});
+    mood->keyable = true;
+    REQUIRE(scene.graph().addAttribute(ball, mood));
+    scene.set("ball.mood", std::int64_t{5});
+    scene.set("ball.windDirectionY", 0.25);
+    auto note = dg::makeAttribute("note", "note", dg::AttributeType::String);
+    REQUIRE(scene.graph().addAttribute(ball, note));
+    scene.set("ball.note", std::string("tab\there \\ \"there\"\r\n"));
+    REQUIRE(scene.graph().setAlias(scene.plug("ball.windDirectionX"), "gust"));
+    REQUIRE(scene.graph().setFlag(scene.plug("ball.translateX"), dg::Graph::PlugFlag::Locked, true));
+    REQUIRE(scene.graph().setFlag(scene.plug("ball.scaleX"), dg::Graph::PlugFlag::Keyable, false));
+    scene.set("persp.visibility", std::int64_t{1});
+    REQUIRE(scene.graph().setNodeLocked(set, true));
+
+    const std::string saved = scene.save();
+    MaScene opened;
+    CHECK(opened.open(saved).warnings.empty());
+    CHECK(opened->units() == units);
+    CHECK(opened->fileInfo == scene->fileInfo);
+    for (const char* name : {"ballShape", "|right|innerShape"})
+      CHECK(mesh::hashMesh(opened.mesh(name)) == mesh::hashMesh(scene.mesh(name)));
+    for (const char* plug : {"ball.translateX", "ball.translateZ", "ball.rotateX", "ball.rotateY",
+                             "ball.rotateZ", "polySphere1.radius", "ball.gust"})
+      CHECK(opened.real(plug) == scene.real(plug));
+    for (const char* name : {"picked", "redSG", "initialShadingGroup"})
+      CHECK(nodes::setMembers(*opened->nodesNamed(name).front()).length() ==
+            nodes::setMembers(*scene->nodesNamed(name).front()).length());
+    CHECK(opened.graph().flag(opened.plug("ball.translateX"), dg::Graph::PlugFlag::Locked));
+    CHECK_FALSE(opened.graph().flag(opened.plug("ball.scaleX"), dg::Graph::PlugFlag::Keyable));
+    CHECK(dg::equal(*opened.graph().get(opened.plug("persp.visibility")), std::int64_t{1}));
+    CHECK(opened->nodesNamed("picked").front()->isLocked());
+    CHECK(dg::equal(*opened.graph().get(opened.plug("ball.note")),
+                    *scene.graph().get(scene.plug("ball.note"))));
+    checkRoundTrip(opened);
+  }
+}
+
+TEST_CASE("saved scenes: edits on top of history are saved as they are seen") {
+  MaScene scene;
+  scene.make("transform", "ball");
+  dg::Node& shape = scene.make("mesh", "ballShape", scene->nodesNamed("ball").front());
+  scene.make("polySphere", "polySphere1");
+  REQUIRE(scene.graph().connect(scene.plug("polySphere1.output"), scene.plug("ballShape.inMesh")));
+  mesh::Mesh edited = scene.mesh("ballShape");
+  edited.editUvSet(0).points[7] = {0.5f, 2.5f};
+  edited.setEdgeSmooth(3, false);
+  REQUIRE(nodes::setEvaluatedMesh(shape, edited));
+
+  const auto text = io::formatMa(*scene.document, scene.kept,
+                                 {.name = "a.ma", .modified = {}, .version = "2016", .requirements = {}});
+  REQUIRE(text);
+  CHECK(text->warnings.size() == 1);
+  MaScene opened;
+  opened.open(text->text);
+  CHECK(opened.mesh("ballShape") == edited);
+  CHECK_FALSE(nodes::hasHistory(*opened.path("ballShape").node()));
+  CHECK(opened->nodesNamed("polySphere1").empty());
+  checkRoundTrip(opened);
+}
+
+TEST_CASE("saved scenes: what no file can hold is refused by name") {
+  MaScene scene;
+  dg::Node& shape = scene.make("mesh", "badShape");
+  mesh::Mesh bad = zoo::zooMesh("cube");
+  bad.editPoints()[2].x = std::numeric_limits<float>::quiet_NaN();
+  REQUIRE(nodes::setStoredMesh(shape, bad));
+  const auto text = io::formatMa(*scene.document, scene.kept,
+                                 {.name = "a.ma", .modified = {}, .version = "2016", .requirements = {}});
+  REQUIRE_FALSE(text);
+  CHECK(text.error().message.find("'badShape'") != std::string::npos);
+}
