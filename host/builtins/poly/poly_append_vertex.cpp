@@ -6,34 +6,50 @@ namespace host::builtins {
 
 namespace {
 
-/// The corners that the -append flags list, as the node keeps them.
+/// The corners that the flags list, as the node keeps them.
 struct Corners {
   std::vector<double> entries;  ///< vertices with the top bit set, new points by their number
   std::vector<double> points;   ///< three numbers a new point, object space
-  std::vector<std::string> objects;  ///< words after the last corner, which are names
+  std::vector<std::string> objects;  ///< words after the last -append, which are names
+
+  void addVertex(double vertex) { entries.push_back(std::numeric_limits<std::int32_t>::min() + vertex); }
+  void addPoint(double x, double y, double z) {
+    entries.push_back(static_cast<double>(points.size() / 3));
+    points.insert(points.end(), {x, y, z});
+  }
 };
 
+/// One -append: a vertex number or the coordinates of a point in the scene's unit; names may follow the last one.
+Result<void> addAppended(const scene::Units& units, std::span<const mel::Value> values, bool isLast, Corners& corners) {
+  std::vector<double> numbers;
+  for (const mel::Value& value : values) {
+    if (value.isString() && isLast)
+      corners.objects.push_back(value.string());
+    else if (const auto number = value.toFloat(); number && !value.isString())
+      numbers.push_back(*number);
+  }
+  if (numbers.size() == 1 && numbers[0] >= 0) {
+    corners.addVertex(numbers[0]);
+    return {};
+  }
+  if (numbers.size() != 3)
+    return fail("polyAppendVertex: -append takes a vertex number or the three coordinates of a point.");
+  corners.addPoint(units.toCentimeters(numbers[0]), units.toCentimeters(numbers[1]), units.toCentimeters(numbers[2]));
+  return {};
+}
+
+/// The corners in the order in which -append, -vertex and -point stand.
 Result<Corners> cornersOf(Context& context, const ParsedArgs& args) {
-  constexpr double kVertexBit = std::numeric_limits<std::int32_t>::min();
-  const scene::Units& units = context.document.units();
   Corners corners;
-  for (int use = 0; use < args.uses("append"); ++use) {
-    std::vector<double> numbers;
-    for (const mel::Value& value : args.values("append", use)) {
-      const bool isName = value.isString() && use + 1 == args.uses("append");
-      if (isName)
-        corners.objects.push_back(value.string());
-      else if (const auto number = value.toFloat(); number && !value.isString())
-        numbers.push_back(*number);
-    }
-    if (numbers.size() == 1 && numbers[0] >= 0) {
-      corners.entries.push_back(kVertexBit + numbers[0]);
-    } else if (numbers.size() == 3) {
-      corners.entries.push_back(static_cast<double>(corners.points.size() / 3));
-      for (const double number : numbers) corners.points.push_back(units.toCentimeters(number));
-    } else {
-      return fail("polyAppendVertex: -append takes a vertex number or the three coordinates of a point.");
-    }
+  int appended = 0;
+  for (const ParsedArgs::FlagUse& use : args.flagUses()) {
+    const auto values = args.values(use);
+    if (use.spec->isNamed("append"))
+      HOST_TRY(addAppended(context.document.units(), values, ++appended == args.uses("append"), corners));
+    else if (use.spec->isNamed("vertex"))
+      corners.addVertex(values[0].intValue());
+    else if (use.spec->isNamed("point"))
+      corners.addPoint(*values[0].toFloat(), *values[1].toFloat(), *values[2].toFloat());
   }
   return corners;
 }
@@ -82,6 +98,8 @@ CommandResult polyAppendVertex(Context& context, const ParsedArgs& args) {
 void registerPolyAppendVertex(CommandRegistry& registry) {
   Syntax syntax;
   syntax.flag("a", "append", {ArgType::Any, ArgType::Any, ArgType::Any}).multiUse().optionalArgs();
+  syntax.flag("v", "vertex", {ArgType::Unsigned}, kCreate).multiUse();
+  syntax.flag("p", "point", {ArgType::Distance, ArgType::Distance, ArgType::Distance}, kCreate).multiUse();
   addFlags(syntax, {{"tx", "texture", {ArgType::Int}}}).editable().queryable().objects(0, 1, true);
   define(registry, "polyAppendVertex", syntax, polyAppendVertex);
 }
