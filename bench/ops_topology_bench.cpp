@@ -13,6 +13,7 @@
 #include "host/ops/topology/delete_edges.h"
 #include "host/ops/topology/extrude_faces.h"
 #include "host/ops/topology/merge_vertices.h"
+#include "host/ops/topology/split_ring.h"
 #include "host/ops/topology/subdivide_faces.h"
 
 namespace {
@@ -111,6 +112,36 @@ void BM_MergeVertices(benchmark::State& state) {
   });
 }
 
+void BM_SplitRing(benchmark::State& state) {
+  run(state, [](Mesh& mesh, const auto& faces) {
+    return !ops::splitRing(mesh, regionEdges(mesh, faces, 0))->edges.empty();
+  });
+}
+
+void BM_MovePoint(benchmark::State& state) {
+  run(state, [](Mesh& mesh, const auto& faces) {
+    const VertexId v = mesh.faceVertices(faces[0])[0];
+    mesh.editPoints()[static_cast<std::size_t>(v)].y += 1;
+    return true;
+  });
+}
+
+// One more placement of an extrusion whose topology is planned, as in a drag.
+void BM_PlaceExtrusion(benchmark::State& state) {
+  const int side = static_cast<int>(state.range(0));
+  const Mesh mesh = grid(side);
+  ops::ExtrudeFacesOptions options;
+  const auto plan = ops::ExtrudePlan::make(mesh, regionFaces(side), options);
+  Mesh placed;
+  for (auto _ : state) {
+    options.local.translate.z += 0.001;
+    placed = plan->place(options).value();
+  }
+  if (!placed.sharesTopologyWith(plan->place(options).value()))
+    state.SkipWithError("the topology was rebuilt");
+  state.SetItemsProcessed(state.iterations() * side * side);
+}
+
 #define REGION_BENCH(function, name)  \
   BENCHMARK(function)                 \
       ->Name(name "/grid")            \
@@ -126,6 +157,9 @@ REGION_BENCH(BM_SubdivideFaces, "subdivideFaces");
 REGION_BENCH(BM_DeleteEdges, "deleteEdges");
 REGION_BENCH(BM_CollapseEdges, "collapseEdges");
 REGION_BENCH(BM_MergeVertices, "mergeVertices");
+REGION_BENCH(BM_SplitRing, "splitRing");
+REGION_BENCH(BM_MovePoint, "movePoint");
+REGION_BENCH(BM_PlaceExtrusion, "placeExtrusion");
 
 }  // namespace
 

@@ -33,14 +33,13 @@ class ChannelCarrier {
       : values_(values), ids_(ids), topology_(topology), corners_(corners) {}
 
   void run(bool wholeFacesOnly, std::vector<Value>& newValues, std::vector<Index>& newIds) {
-    newIds.resize(corners_.size());
-    for (std::size_t f = 0; f + 1 < topology_.faceOffsets.size(); ++f) {
-      const std::size_t begin = at(topology_.faceOffsets[f]),
-                        end = at(topology_.faceOffsets[f + 1]);
-      bool isWhole = true;
-      for (std::size_t c = begin; c < end && isWhole; ++c) isWhole = hasValue(c);
-      for (std::size_t c = begin; c < end; ++c)
-        newIds[c] = isWhole || !wholeFacesOnly ? resolve(c) : kNone;
+    newIds.reserve(corners_.size());
+    for (const CornerSources::Stretch& stretch : corners_.stretches()) {
+      if (stretch.source != kNone)
+        newIds.insert(newIds.end(), ids_.begin() + stretch.source,
+                      ids_.begin() + stretch.source + stretch.count);
+      else
+        resolveFaces(stretch, wholeFacesOnly, newIds);
     }
     compact(newValues, newIds);
   }
@@ -56,6 +55,25 @@ class ChannelCarrier {
     Index older;
   };
 
+  // The stretch's corners are those of whole faces of the new mesh.
+  void resolveFaces(const CornerSources::Stretch& stretch, bool wholeFacesOnly,
+                    std::vector<Index>& newIds) {
+    const auto& offsets = topology_.faceOffsets;
+    const auto first = static_cast<CornerId>(newIds.size());
+    auto end = std::upper_bound(offsets.begin(), offsets.end(), first);
+    for (Index done = 0; done < stretch.count; ++end) {
+      const Index count = *end - (first + done);
+      const std::size_t listed = stretch.listed + at(done);
+      bool isWhole = true;
+      for (std::size_t k = 0; k < at(count) && isWhole; ++k) isWhole = hasValue(listed + k);
+      for (std::size_t k = 0; k < at(count); ++k)
+        newIds.push_back(isWhole || !wholeFacesOnly
+                             ? resolve(listed + k, topology_.cornerVertices[newIds.size()])
+                             : kNone);
+      done += count;
+    }
+  }
+
   [[nodiscard]] bool hasValue(std::size_t corner) const {
     if (const CornerId s = corners_.single(corner); s != kNone) return ids_[at(s)] != kNone;
     return std::ranges::any_of(corners_.blend(corner), [this](const CornerWeight& part) {
@@ -63,13 +81,12 @@ class ChannelCarrier {
     });
   }
 
-  Index resolve(std::size_t corner) {
+  Index resolve(std::size_t corner, VertexId vertex) {
     if (const CornerId s = corners_.single(corner); s != kNone) return ids_[at(s)];
     collectParts(corners_.blend(corner));
     if (parts_.empty()) return kNone;
     if (parts_.size() == 1) return parts_[0].id;
-    const auto [entry, isNew] =
-        newestAtVertex_.try_emplace(topology_.cornerVertices[corner], kNone);
+    const auto [entry, isNew] = newestAtVertex_.try_emplace(vertex, kNone);
     for (Index m = entry->second; m != kNone; m = made_[at(m)].older)
       if (isSame(made_[at(m)].parts)) return made_[at(m)].id;
     Value sum = values_[at(parts_[0].id)];
@@ -114,20 +131,47 @@ class ChannelCarrier {
   /// Drops values that lost their last corner and closes the gaps.
   void compact(std::vector<Value>& newValues, std::vector<Index>& newIds) const {
     std::vector<std::uint8_t> stays(values_.size() + blended_.size(), 1);
-    for (Index id : ids_)
-      if (id != kNone) stays[at(id)] = 0;
-    for (Index id : newIds)
-      if (id != kNone) stays[at(id)] = 1;
-    std::vector<Index> map(stays.size(), kNone);
+    markStaying(stays, newIds);
     newValues.reserve(stays.size());
+    if (std::find(stays.begin(), stays.end(), std::uint8_t{0}) == stays.end()) {
+      newValues.insert(newValues.end(), values_.begin(), values_.end());
+      newValues.insert(newValues.end(), blended_.begin(), blended_.end());
+      return;
+    }
+    std::vector<Index> map(stays.size(), kNone);
     for (std::size_t i = 0; i < stays.size(); ++i) {
       if (!stays[i]) continue;
       map[i] = static_cast<Index>(newValues.size());
       newValues.push_back(i < values_.size() ? values_[i] : blended_[i - values_.size()]);
     }
-    if (newValues.size() == stays.size()) return;
     for (Index& id : newIds)
       if (id != kNone) id = map[at(id)];
+  }
+
+  // Only what hangs on corners that no run copies can lose its last corner.
+  void markStaying(std::vector<std::uint8_t>& stays, const std::vector<Index>& newIds) const {
+    const auto sourceCorners = static_cast<Index>(ids_.size());
+    const auto forEachOldId = [&](auto visit) {
+      corners_.forEachGap(sourceCorners, [&](CornerId first, CornerId end) {
+        for (CornerId c = first; c < end; ++c)
+          if (ids_[at(c)] != kNone) visit(ids_[at(c)]);
+      });
+    };
+    forEachOldId([&](Index id) { stays[at(id)] = 0; });
+    std::size_t corner = 0;
+    for (const CornerSources::Stretch& stretch : corners_.stretches()) {
+      if (stretch.source == kNone)
+        for (std::size_t c = corner; c < corner + at(stretch.count); ++c)
+          if (newIds[c] != kNone) stays[at(newIds[c])] = 1;
+      corner += at(stretch.count);
+    }
+    bool isAnyOpen = false;
+    forEachOldId([&](Index id) { isAnyOpen |= stays[at(id)] == 0; });
+    if (!isAnyOpen) return;
+    for (const CornerSources::Stretch& stretch : corners_.stretches())
+      if (stretch.source != kNone)
+        for (CornerId c = stretch.source; c < stretch.source + stretch.count; ++c)
+          if (ids_[at(c)] != kNone) stays[at(ids_[at(c)])] = 1;
   }
 
   const std::vector<Value>& values_;
@@ -142,16 +186,33 @@ class ChannelCarrier {
 
 }  // namespace
 
+void CornerSources::addSingle(Index source) {
+  if (stretches_.empty() || stretches_.back().source != kNone)
+    stretches_.push_back({kNone, sources_.size(), 0});
+  ++stretches_.back().count;
+  ++size_;
+  sources_.push_back(source);
+}
+
+void CornerSources::addRun(CornerId first, Index count) {
+  if (!stretches_.empty() && stretches_.back().source != kNone &&
+      stretches_.back().source + stretches_.back().count == first)
+    stretches_.back().count += count;
+  else if (count > 0)
+    stretches_.push_back({first, 0, count});
+  size_ += static_cast<std::size_t>(count);
+}
+
 void CornerSources::add(std::span<const CornerWeight> blend) {
   if (blend.size() <= 1) return add(blend.empty() ? kNone : blend[0].corner);
-  sources_.push_back(-2 - (static_cast<Index>(blendOffsets_.size()) - 1));
+  addSingle(-2 - (static_cast<Index>(blendOffsets_.size()) - 1));
   blendParts_.insert(blendParts_.end(), blend.begin(), blend.end());
   blendOffsets_.push_back(static_cast<Index>(blendParts_.size()));
 }
 
-std::span<const CornerWeight> CornerSources::blend(std::size_t corner) const {
-  if (sources_[corner] > -2) return {};
-  const std::size_t i = at(-2 - sources_[corner]);
+std::span<const CornerWeight> CornerSources::blend(std::size_t listed) const {
+  if (sources_[listed] > -2) return {};
+  const std::size_t i = at(-2 - sources_[listed]);
   return {blendParts_.data() + blendOffsets_[i], blendParts_.data() + blendOffsets_[i + 1]};
 }
 
@@ -183,14 +244,15 @@ ColorSet carryColorSet(const ColorSet& source, const Topology& topology,
 LockedNormals carryLockedNormals(const LockedNormals& source, const CornerSources& corners) {
   LockedNormals out;
   if (source.locked.empty()) return out;
-  out.normals.resize(corners.size());
-  out.locked.resize(corners.size(), 0);
-  for (std::size_t c = 0; c < corners.size(); ++c) {
-    if (const CornerId s = corners.single(c); s != kNone) {
-      out.normals[c] = source.normals[at(s)];
-      out.locked[c] = source.locked[at(s)];
-      continue;
-    }
+  out.normals.reserve(corners.size());
+  out.locked.reserve(corners.size());
+  const auto add = [&out](const Vec3f& normal, std::uint8_t locked) {
+    out.normals.push_back(normal);
+    out.locked.push_back(locked);
+  };
+  const auto addListed = [&](std::size_t c) {
+    if (const CornerId s = corners.single(c); s != kNone)
+      return add(source.normals[at(s)], source.locked[at(s)]);
     const auto blend = corners.blend(c);
     Vec3 sum;
     bool isLocked = !blend.empty();
@@ -198,9 +260,15 @@ LockedNormals carryLockedNormals(const LockedNormals& source, const CornerSource
       isLocked = isLocked && source.locked[at(part.corner)];
       sum += Vec3(source.normals[at(part.corner)]) * part.weight;
     }
-    if (!isLocked || lengthSquared(sum) == 0) continue;
-    out.normals[c] = normalized(sum).toFloat();
-    out.locked[c] = 1;
+    if (!isLocked || lengthSquared(sum) == 0) return add({}, 0);
+    add(normalized(sum).toFloat(), 1);
+  };
+  for (const CornerSources::Stretch& stretch : corners.stretches()) {
+    for (Index k = 0; k < stretch.count; ++k)
+      if (stretch.source != kNone)
+        add(source.normals[at(stretch.source + k)], source.locked[at(stretch.source + k)]);
+      else
+        addListed(stretch.listed + at(k));
   }
   return out;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <span>
 #include <vector>
 
@@ -14,24 +15,54 @@ struct CornerWeight {
 };
 
 /// For every corner of a new mesh, where in the old one its data comes from: one corner, a blend of
-/// several, or nothing.
+/// several, or nothing. Runs of corners that are copied in order cost nothing each.
 class CornerSources {
  public:
   void reserve(std::size_t corners) { sources_.reserve(corners); }
   /// Appends a corner that takes one source corner's data as it is; kNone: no data.
-  void add(CornerId source) { sources_.push_back(source < 0 ? kNone : source); }
+  void add(CornerId source) { addSingle(source < 0 ? kNone : source); }
   /// Appends a corner that blends; weights need not add up to one. A single part is taken as it is.
   void add(std::span<const CornerWeight> blend);
+  /// Appends the corners of whole source faces, in order.
+  void addRun(CornerId first, Index count);
 
-  [[nodiscard]] std::size_t size() const { return sources_.size(); }
-  /// The one source corner, or kNone when there is none or a blend.
-  [[nodiscard]] CornerId single(std::size_t corner) const {
-    return sources_[corner] >= 0 ? sources_[corner] : kNone;
+  /// Corners in a row that are copied from `source` on or, where that is kNone, listed one by one
+  /// from `listed` on.
+  struct Stretch {
+    CornerId source = kNone;
+    std::size_t listed = 0;
+    Index count = 0;
+  };
+  [[nodiscard]] std::span<const Stretch> stretches() const { return stretches_; }
+  [[nodiscard]] std::size_t size() const { return size_; }
+
+  /// The one source of a listed corner, or kNone when there is none or a blend.
+  [[nodiscard]] CornerId single(std::size_t listed) const {
+    return sources_[listed] >= 0 ? sources_[listed] : kNone;
   }
-  [[nodiscard]] std::span<const CornerWeight> blend(std::size_t corner) const;
-  [[nodiscard]] bool hasBlends() const { return blendOffsets_.size() > 1; }
+  /// What a listed corner blends.
+  [[nodiscard]] std::span<const CornerWeight> blend(std::size_t listed) const;
+  /// Calls `visit(first, end)` for the ranges of source corners that no run copies.
+  template <class Visit>
+  void forEachGap(Index sourceCorners, Visit visit) const {
+    std::vector<Stretch> runs;
+    for (const Stretch& stretch : stretches_)
+      if (stretch.source != kNone) runs.push_back(stretch);
+    std::sort(runs.begin(), runs.end(),
+              [](const Stretch& a, const Stretch& b) { return a.source < b.source; });
+    CornerId next = 0;
+    for (const Stretch& run : runs) {
+      if (run.source > next) visit(next, run.source);
+      next = std::max(next, run.source + run.count);
+    }
+    if (next < sourceCorners) visit(next, sourceCorners);
+  }
 
  private:
+  void addSingle(Index source);
+
+  std::vector<Stretch> stretches_;
+  std::size_t size_ = 0;
   std::vector<Index> sources_;  // >= 0 a corner, -1 none, -2 - i blend i
   std::vector<Index> blendOffsets_{0};
   std::vector<CornerWeight> blendParts_;

@@ -2,11 +2,9 @@
 
 #include <algorithm>
 #include <numeric>
-#include <optional>
 
 #include "host/base/assert.h"
-#include "host/mesh/adjacency.h"
-#include "host/mesh/edge_table.h"
+#include "host/mesh/rebuild_edges.h"
 
 namespace host::mesh {
 
@@ -14,149 +12,61 @@ namespace {
 std::size_t at(Index i) {
   return static_cast<std::size_t>(i);
 }
+Index mapped(const std::vector<Index>& map, Index id) {
+  return map.empty() ? id : map[at(id)];
+}
+/// Appends values[first, end), taken through a map unless that is empty.
+void appendMapped(std::vector<Index>& out, const std::vector<Index>& values, CornerId first,
+                  CornerId end, const std::vector<Index>& map) {
+  if (map.empty()) {
+    out.insert(out.end(), values.begin() + first, values.begin() + end);
+    return;
+  }
+  for (CornerId c = first; c < end; ++c) out.push_back(map[at(values[at(c)])]);
+}
+/// The new ids of what stays; empty when all of it does.
+std::vector<Index> closedUp(const std::vector<std::uint8_t>& stays, Index& count) {
+  count = static_cast<Index>(std::ranges::count(stays, std::uint8_t{1}));
+  std::vector<Index> map;
+  if (at(count) == stays.size()) return map;
+  map.reserve(stays.size());
+  Index next = 0;
+  for (const std::uint8_t one : stays) map.push_back(one != 0 ? next++ : kNone);
+  return map;
+}
+/// A map that says what an empty one leaves out.
+std::vector<Index> spelledOut(std::vector<Index> map, Index count) {
+  if (!map.empty()) return map;
+  map.resize(at(count));
+  std::iota(map.begin(), map.end(), 0);
+  return map;
+}
 }  // namespace
 
-/// Finds edges under provisional ids: a source edge under its own, new edges behind those of the
-/// source. The table is made only when a corner's own source does not tell its edge.
-class MeshRebuilder::EdgeFinder {
- public:
-  explicit EdgeFinder(const MeshRebuilder& rebuilder)
-      : rebuilder_(rebuilder), source_(rebuilder.source_.topology()) {}
-
-  /// The edge of a corner from its own and the next corner's source corners, -1 when they don't
-  /// tell.
-  [[nodiscard]] EdgeId fromSources(std::size_t corner, std::size_t next) const {
-    const VertexId a = keptSource(rebuilder_.cornerVertices_[corner]);
-    const VertexId b = keptSource(rebuilder_.cornerVertices_[next]);
-    if (a == kNone || b == kNone) return kNone;
-    if (isMergeTarget(rebuilder_.cornerVertices_[corner]) ||
-        isMergeTarget(rebuilder_.cornerVertices_[next]))
-      return kNone;
-    for (const std::size_t c : {corner, next}) {
-      const CornerId s = rebuilder_.corners_.single(c);
-      if (s == kNone) continue;
-      const EdgeId e = source_.cornerEdges[at(s)];
-      const EdgeVertices ends = source_.edges[at(e)];
-      if ((ends.a == a && ends.b == b) || (ends.a == b && ends.b == a)) return e;
-    }
-    return kNone;
-  }
-
-  EdgeId findOrAdd(VertexId a, VertexId b) {
-    if (const EdgeId e = plainSourceEdge(a, b); e != kNone) return e;
-    makeTable();
-    return toProvisional(table_->findOrAdd(a, b));
-  }
-  EdgeId find(VertexId a, VertexId b) {
-    if (const EdgeId e = plainSourceEdge(a, b); e != kNone) return e;
-    makeTable();
-    const EdgeId e = table_->find(a, b);
-    return e == kNone ? kNone : toProvisional(e);
-  }
-  [[nodiscard]] Index provisionalCount() const {
-    return static_cast<Index>(source_.edges.size() + edges_.size() - tableSources_.size());
-  }
-  /// The ends of a provisional edge in new vertex ids.
-  [[nodiscard]] EdgeVertices ends(EdgeId provisional) const {
-    const auto sourceEdges = static_cast<Index>(source_.edges.size());
-    if (provisional >= sourceEdges)
-      return edges_[tableSources_.size() + at(provisional - sourceEdges)];
-    return kept(provisional);
-  }
-
- private:
-  [[nodiscard]] VertexId keptSource(VertexId vertex) const {
-    const VertexId s = rebuilder_.vertexSources_[at(vertex)];
-    return s != kNone && rebuilder_.keptAs_[at(s)] == vertex ? s : kNone;
-  }
-  [[nodiscard]] bool isMergeTarget(VertexId vertex) const {
-    return at(vertex) < rebuilder_.isMergeTarget_.size() &&
-           rebuilder_.isMergeTarget_[at(vertex)] != 0;
-  }
-  [[nodiscard]] EdgeVertices kept(EdgeId e) const {
-    const auto replaced = rebuilder_.replacedEdges_.find(e);
-    if (replaced != rebuilder_.replacedEdges_.end()) return replaced->second;
-    const EdgeVertices ends = source_.edges[at(e)];
-    return {rebuilder_.keptAs_[at(ends.a)], rebuilder_.keptAs_[at(ends.b)]};
-  }
-  [[nodiscard]] EdgeId toProvisional(EdgeId inTable) const {
-    return at(inTable) < tableSources_.size()
-               ? tableSources_[at(inTable)]
-               : inTable + static_cast<EdgeId>(source_.edges.size() - tableSources_.size());
-  }
-  /// The source edge between two vertices that each stand for one source vertex alone.
-  [[nodiscard]] EdgeId plainSourceEdge(VertexId a, VertexId b) const {
-    const VertexId from = keptSource(a), to = keptSource(b);
-    if (from == kNone || to == kNone || isMergeTarget(a) || isMergeTarget(b)) return kNone;
-    const EdgeId e = rebuilder_.source_.adjacency().findEdge(from, to);
-    return e != kNone && rebuilder_.replacedEdges_.contains(e) ? kNone : e;
-  }
-  /// The table holds what the source's own adjacency does not tell: edges at merged vertices,
-  /// replaced ones, and new ones. So its cost is that of what changes.
-  void makeTable() {
-    if (table_) return;
-    table_.emplace(edges_, rebuilder_.vertexCount());
-    if (rebuilder_.isMergeTarget_.empty()) {
-      std::vector<EdgeId> replaced;
-      for (const auto& entry : rebuilder_.replacedEdges_) replaced.push_back(entry.first);
-      std::ranges::sort(replaced);
-      for (const EdgeId e : replaced) addSourceEdge(e);
-      return;
-    }
-    for (std::size_t e = 0; e < source_.edges.size(); ++e) {
-      const EdgeVertices ends = kept(static_cast<EdgeId>(e));
-      if (ends.a == kNone || ends.b == kNone) continue;
-      if (isMergeTarget(ends.a) || isMergeTarget(ends.b) ||
-          rebuilder_.replacedEdges_.contains(static_cast<EdgeId>(e)))
-        addSourceEdge(static_cast<EdgeId>(e));
-    }
-  }
-  void addSourceEdge(EdgeId e) {
-    const EdgeVertices ends = kept(e);
-    if (ends.a == kNone || ends.b == kNone || ends.a == ends.b) return;
-    if (table_->find(ends.a, ends.b) != kNone) return;
-    table_->add(ends.a, ends.b);
-    tableSources_.push_back(e);
-  }
-
-  const MeshRebuilder& rebuilder_;
-  const Topology& source_;
-  std::vector<EdgeVertices> edges_;   // source edges that moved, then new ones
-  std::vector<EdgeId> tableSources_;  // the source edge of each of the former
-  std::optional<EdgeTable> table_;
-};
-
-MeshRebuilder::MeshRebuilder(const Mesh& source)
-    : source_(source), keptAs_(at(source.vertexCount()), kNone) {}
-
-void MeshRebuilder::reserve(Index vertices, Index faces, Index corners) {
-  points_.reserve(at(vertices));
-  vertexSources_.reserve(at(vertices));
-  creaseSources_.reserve(at(vertices));
-  faceSources_.reserve(at(faces));
-  faceOffsets_.reserve(at(faces) + 1);
-  cornerVertices_.reserve(at(corners));
-  corners_.reserve(at(corners));
-}
+MeshRebuilder::MeshRebuilder(const Mesh& source) : source_(source) {}
 
 void MeshRebuilder::keepAllVertices() {
-  HOST_ASSERT(points_.empty(), "call keepAllVertices before adding any vertex");
-  points_.assign(source_.points().begin(), source_.points().end());
-  vertexSources_.resize(points_.size());
-  std::iota(vertexSources_.begin(), vertexSources_.end(), 0);
-  creaseSources_ = vertexSources_;
-  keptAs_ = vertexSources_;
+  HOST_ASSERT(vertexCount() == 0, "call keepAllVertices before adding any vertex");
+  allKept_ = source_.vertexCount();
+}
+
+void MeshRebuilder::listKept() {
+  if (!keptAs_.empty()) return;
+  keptAs_.resize(at(source_.vertexCount()), kNone);
+  if (allKept_ > 0) std::iota(keptAs_.begin(), keptAs_.end(), 0);
 }
 
 VertexId MeshRebuilder::keepVertex(VertexId source) {
+  listKept();
   const VertexId v = addVertex(source_.points()[at(source)], source);
-  vertexSources_.back() = source;
+  addedSources_.back() = source;
   if (keptAs_[at(source)] == kNone) keptAs_[at(source)] = v;
   return v;
 }
 
 void MeshRebuilder::mergeVertex(VertexId source, VertexId into) {
-  isMergeTarget_.resize(points_.size(), 0);
+  listKept();
+  isMergeTarget_.resize(at(vertexCount()), 0);
   isMergeTarget_[at(into)] = 1;
   keptAs_[at(source)] = into;
 }
@@ -166,20 +76,53 @@ void MeshRebuilder::replaceEdge(EdgeId source, VertexId a, VertexId b) {
 }
 
 VertexId MeshRebuilder::addVertex(const Vec3f& point, VertexId creaseSource) {
-  points_.push_back(point);
-  vertexSources_.push_back(kNone);
-  creaseSources_.push_back(creaseSource);
+  addedPoints_.push_back(point);
+  addedSources_.push_back(kNone);
+  addedCreases_.push_back(creaseSource);
   return vertexCount() - 1;
 }
 
+void MeshRebuilder::setPoint(VertexId vertex, const Vec3f& point) {
+  if (vertex < allKept_)
+    movedPoints_[vertex] = point;
+  else
+    addedPoints_[at(vertex - allKept_)] = point;
+}
+
+const Vec3f& MeshRebuilder::point(VertexId vertex) const {
+  if (vertex >= allKept_) return addedPoints_[at(vertex - allKept_)];
+  const auto moved = movedPoints_.find(vertex);
+  return moved != movedPoints_.end() ? moved->second : source_.points()[at(vertex)];
+}
+
+void MeshRebuilder::beginFace(FaceId source) {
+  if (stretches_.empty() || stretches_.back().isRun) stretches_.push_back({kNone, 0, false});
+  listedSources_.push_back(source);
+}
+
 FaceId MeshRebuilder::endFace() {
-  const auto end = static_cast<CornerId>(cornerVertices_.size());
-  HOST_ASSERT(end - faceOffsets_.back() >= 3, "leave out faces of fewer than three corners");
-  faceOffsets_.push_back(end);
-  return static_cast<FaceId>(faceOffsets_.size()) - 2;
+  const std::size_t begin = listedEnds_.empty() ? 0 : listedEnds_.back();
+  HOST_ASSERT(listedVertices_.size() >= begin + 3, "leave out faces of fewer than three corners");
+  listedEnds_.push_back(listedVertices_.size());
+  ++stretches_.back().faces;
+  return faceCount_++;
+}
+
+bool MeshRebuilder::touchesMerge(FaceId source) const {
+  return std::ranges::any_of(source_.faceVertices(source),
+                             [this](VertexId v) { return isMergeTarget(keptAs_[at(v)]); });
 }
 
 FaceId MeshRebuilder::copyFace(FaceId source) {
+  if (isMergeTarget_.empty() || !touchesMerge(source)) {
+    if (!stretches_.empty() && stretches_.back().isRun &&
+        stretches_.back().source + stretches_.back().faces == source)
+      ++stretches_.back().faces;
+    else
+      stretches_.push_back({source, 1, true});
+    corners_.addRun(source_.firstCorner(source), source_.faceSize(source));
+    return faceCount_++;
+  }
   beginFace(source);
   for (CornerId c = source_.firstCorner(source); c < source_.firstCorner(source + 1); ++c)
     addCorner(vertexFor(source_.cornerVertex(c)), c);
@@ -187,143 +130,246 @@ FaceId MeshRebuilder::copyFace(FaceId source) {
 }
 
 void MeshRebuilder::copyFaces(FaceId first, FaceId end) {
-  for (FaceId f = first; f < end; ++f) copyFace(f);
+  if (first >= end) return;
+  if (!isMergeTarget_.empty()) {
+    for (FaceId f = first; f < end; ++f) copyFace(f);
+    return;
+  }
+  copyFace(first);
+  stretches_.back().faces += end - first - 1;
+  corners_.addRun(source_.firstCorner(first + 1),
+                  source_.firstCorner(end) - source_.firstCorner(first + 1));
+  faceCount_ += end - first - 1;
 }
 
 Rebuilt MeshRebuilder::finish(const RebuildOptions& options) {
   Rebuilt result;
-  if (options.dropUnusedVertices) {
-    result.vertexMap = dropVertices();
-  } else {
-    result.vertexMap.resize(points_.size());
-    std::iota(result.vertexMap.begin(), result.vertexMap.end(), 0);
-  }
+  EdgeFinder finder(*this);
+  const std::vector<EdgeId> listedEdges = findListedEdges(finder);
+  Survivors survivors =
+      findSurvivors(listedEdges, finder.provisionalCount(), options.dropUnusedVertices);
   Mesh& mesh = result.mesh;
   mesh = source_;
-  Topology topology;
-  topology.faceOffsets = std::move(faceOffsets_);
-  buildEdges(topology, result);
-  topology.cornerVertices = std::move(cornerVertices_);
+  Topology topology = assembleTopology(survivors, listedEdges, finder);
   for (int s = 0; s < source_.uvSetCount(); ++s)
     mesh.setUvSet(s, carryUvSet(source_.uvSet(s), topology, corners_));
   for (int s = 0; s < source_.colorSetCount(); ++s)
     mesh.setColorSet(s, carryColorSet(source_.colorSet(s), topology, corners_));
   mesh.setLockedNormals(carryLockedNormals(source_.lockedNormals(), corners_));
-  mesh.setPoints(std::move(points_));
+  mesh.setPoints(assemblePoints(survivors));
   mesh.setTopology(std::move(topology));
-  carryVertexAndFaceData(mesh);
+  carryEdgeData(mesh, survivors, finder);
+  carryVertexAndFaceData(mesh, survivors);
+  result.vertexMap = spelledOut(std::move(survivors.vertexMap), vertexCount());
+  result.edgeMap = spelledOut(std::move(survivors.edgeMap), source_.edgeCount());
+  result.edgeMap.resize(at(source_.edgeCount()));
   return result;
 }
 
-std::vector<VertexId> MeshRebuilder::dropVertices() {
-  std::vector<std::uint8_t> stays(points_.size(), 0), hadFace(keptAs_.size(), 0);
-  for (VertexId v : cornerVertices_) stays[at(v)] = 1;
-  for (VertexId v : source_.topology().cornerVertices) hadFace[at(v)] = 1;
-  std::vector<VertexId> map(points_.size(), kNone);
-  std::size_t kept = 0;
-  for (std::size_t v = 0; v < points_.size(); ++v) {
-    const VertexId s = vertexSources_[v];
-    const bool isMerged = s != kNone && keptAs_[at(s)] != static_cast<VertexId>(v);
-    if (!stays[v] && (s == kNone || hadFace[at(s)] || isMerged)) continue;
-    map[v] = static_cast<VertexId>(kept);
-    points_[kept] = points_[v];
-    vertexSources_[kept] = s;
-    creaseSources_[kept] = creaseSources_[v];
-    ++kept;
-  }
-  points_.resize(kept);
-  vertexSources_.resize(kept);
-  creaseSources_.resize(kept);
-  for (VertexId& v : cornerVertices_) v = map[at(v)];
-  for (VertexId& v : keptAs_)
-    if (v != kNone) v = map[at(v)];
-  std::erase_if(declared_, [&map](EdgeVertices& edge) {
-    edge = {map[at(edge.a)], map[at(edge.b)]};
-    return edge.a == kNone || edge.b == kNone;
-  });
-  for (auto& [source, ends] : replacedEdges_) ends = {map[at(ends.a)], map[at(ends.b)]};
-  if (!isMergeTarget_.empty()) {
-    isMergeTarget_.resize(map.size(), 0);
-    for (std::size_t v = 0; v < map.size(); ++v)
-      if (map[v] != kNone) isMergeTarget_[at(map[v])] = isMergeTarget_[v];
-  }
-  std::erase_if(inherited_, [&map](Inherited& hint) {
-    hint.a = map[at(hint.a)];
-    hint.b = map[at(hint.b)];
-    return hint.a == kNone || hint.b == kNone;
-  });
-  return map;
-}
-
-void MeshRebuilder::buildEdges(Topology& topology, Rebuilt& result) {
-  EdgeFinder finder(*this);
-  std::vector<EdgeId>& cornerEdges = topology.cornerEdges;
-  cornerEdges.resize(cornerVertices_.size());
+// Provisional ids of the edges that listed corners walk.
+std::vector<EdgeId> MeshRebuilder::findListedEdges(EdgeFinder& finder) const {
   for (const EdgeVertices& edge : declared_) finder.findOrAdd(edge.a, edge.b);
-  for (std::size_t f = 0; f + 1 < topology.faceOffsets.size(); ++f) {
-    const std::size_t begin = at(topology.faceOffsets[f]), end = at(topology.faceOffsets[f + 1]);
+  std::vector<EdgeId> edges(listedVertices_.size());
+  std::size_t begin = 0;
+  for (const std::size_t end : listedEnds_) {
     for (std::size_t c = begin; c < end; ++c) {
       const std::size_t next = c + 1 == end ? begin : c + 1;
       const EdgeId e = finder.fromSources(c, next);
-      cornerEdges[c] = e != kNone ? e : finder.findOrAdd(cornerVertices_[c], cornerVertices_[next]);
+      edges[c] = e != kNone ? e : finder.findOrAdd(listedVertices_[c], listedVertices_[next]);
+    }
+    begin = end;
+  }
+  return edges;
+}
+
+// Only what hangs on source faces that no run copies can go, and what was added.
+MeshRebuilder::Survivors MeshRebuilder::findSurvivors(const std::vector<EdgeId>& listedEdges,
+                                                      Index edgeCount, bool dropUnused) const {
+  const Topology& topology = source_.topology();
+  std::vector<std::uint8_t> vertexStays(at(vertexCount()), 1), edgeStays(at(edgeCount), 1);
+  std::fill(edgeStays.begin() + source_.edgeCount(), edgeStays.end(), std::uint8_t{0});
+  const auto release = [&](VertexId v) {
+    if (v != kNone) vertexStays[at(v)] = 0;
+  };
+  for (VertexId v = allKept_; v < vertexCount(); ++v)
+    if (const VertexId s = vertexSource(v); s == kNone || vertexFor(s) != v) release(v);
+  if (!isMergeTarget_.empty())
+    for (VertexId v = 0; v < allKept_; ++v)
+      if (keptAs_[at(v)] != v) release(v);
+  for (const VertexId v : released_) release(vertexFor(v));
+  corners_.forEachGap(source_.cornerCount(), [&](CornerId first, CornerId end) {
+    for (CornerId c = first; c < end; ++c) {
+      release(vertexFor(topology.cornerVertices[at(c)]));
+      edgeStays[at(topology.cornerEdges[at(c)])] = 0;
+    }
+  });
+  markUsed(listedEdges, vertexStays, edgeStays);
+  if (!dropUnused) std::ranges::fill(vertexStays, std::uint8_t{1});
+  Survivors survivors;
+  survivors.vertexMap = closedUp(vertexStays, survivors.vertices);
+  survivors.edgeMap = closedUp(edgeStays, survivors.edges);
+  if (!keptAs_.empty() || !survivors.vertexMap.empty()) {
+    survivors.sourceMap.reserve(at(source_.vertexCount()));
+    for (VertexId v = 0; v < source_.vertexCount(); ++v) {
+      const VertexId kept = vertexFor(v);
+      survivors.sourceMap.push_back(kept == kNone ? kNone : mapped(survivors.vertexMap, kept));
     }
   }
-  // Source edges that no face uses any more leave gaps; closing them gives the final ids.
-  const auto sourceEdges = source_.topology().edges.size();
-  std::vector<EdgeId> map(at(finder.provisionalCount()), kNone);
-  for (EdgeId e : cornerEdges) map[at(e)] = 0;
-  std::vector<EdgeId> edgeSources;
-  for (std::size_t p = 0; p < map.size(); ++p) {
-    if (map[p] == kNone) continue;
-    map[p] = static_cast<EdgeId>(topology.edges.size());
-    topology.edges.push_back(finder.ends(static_cast<EdgeId>(p)));
-    edgeSources.push_back(p < sourceEdges ? static_cast<EdgeId>(p) : kNone);
+  return survivors;
+}
+
+void MeshRebuilder::markUsed(const std::vector<EdgeId>& listedEdges,
+                             std::vector<std::uint8_t>& vertexStays,
+                             std::vector<std::uint8_t>& edgeStays) const {
+  const Topology& topology = source_.topology();
+  for (const VertexId v : listedVertices_) vertexStays[at(v)] = 1;
+  for (const EdgeId e : listedEdges) edgeStays[at(e)] = 1;
+  bool isAnyOpen = false;
+  corners_.forEachGap(source_.cornerCount(), [&](CornerId first, CornerId end) {
+    for (CornerId c = first; c < end && !isAnyOpen; ++c) {
+      const VertexId v = vertexFor(topology.cornerVertices[at(c)]);
+      isAnyOpen = edgeStays[at(topology.cornerEdges[at(c)])] == 0 ||
+                  (v != kNone && vertexStays[at(v)] == 0);
+    }
+  });
+  if (!isAnyOpen && released_.empty()) return;
+  for (const CornerSources::Stretch& run : corners_.stretches()) {
+    if (run.source == kNone) continue;
+    for (CornerId c = run.source; c < run.source + run.count; ++c) {
+      vertexStays[at(vertexFor(topology.cornerVertices[at(c)]))] = 1;
+      edgeStays[at(topology.cornerEdges[at(c)])] = 1;
+    }
   }
-  for (EdgeId& e : cornerEdges) e = map[at(e)];
+}
+
+Topology MeshRebuilder::assembleTopology(const Survivors& survivors,
+                                         const std::vector<EdgeId>& listedEdges,
+                                         const EdgeFinder& finder) const {
+  const Topology& old = source_.topology();
+  Topology topology;
+  topology.faceOffsets.reserve(at(faceCount_) + 1);
+  topology.cornerVertices.reserve(corners_.size());
+  topology.cornerEdges.reserve(corners_.size());
+  std::size_t listedFace = 0, corner = 0;
+  for (const Stretch& stretch : stretches_) {
+    const auto base = static_cast<CornerId>(topology.cornerVertices.size());
+    if (stretch.isRun) {
+      const CornerId first = source_.firstCorner(stretch.source),
+                     end = source_.firstCorner(stretch.source + stretch.faces);
+      for (Index f = 1; f <= stretch.faces; ++f)
+        topology.faceOffsets.push_back(old.faceOffsets[at(stretch.source + f)] + (base - first));
+      appendMapped(topology.cornerVertices, old.cornerVertices, first, end, survivors.sourceMap);
+      appendMapped(topology.cornerEdges, old.cornerEdges, first, end, survivors.edgeMap);
+      continue;
+    }
+    const std::size_t begin = corner;
+    for (Index f = 0; f < stretch.faces; ++f) {
+      corner = listedEnds_[listedFace++];
+      topology.faceOffsets.push_back(base + static_cast<CornerId>(corner - begin));
+    }
+    appendMapped(topology.cornerVertices, listedVertices_, static_cast<CornerId>(begin),
+                 static_cast<CornerId>(corner), survivors.vertexMap);
+    appendMapped(topology.cornerEdges, listedEdges, static_cast<CornerId>(begin),
+                 static_cast<CornerId>(corner), survivors.edgeMap);
+  }
+  topology.edges.reserve(at(survivors.edges));
+  if (survivors.sourceMap.empty() && survivors.edgeMap.empty()) {
+    topology.edges.insert(topology.edges.end(), old.edges.begin(), old.edges.end());
+  } else {
+    for (EdgeId e = 0; e < source_.edgeCount(); ++e) {
+      if (mapped(survivors.edgeMap, e) == kNone) continue;
+      const EdgeVertices ends = old.edges[at(e)];
+      topology.edges.push_back(
+          {mapped(survivors.sourceMap, ends.a), mapped(survivors.sourceMap, ends.b)});
+    }
+  }
+  for (const auto& [e, ends] : replacedEdges_)
+    if (const EdgeId now = mapped(survivors.edgeMap, e); now != kNone)
+      topology.edges[at(now)] = {mapped(survivors.vertexMap, ends.a),
+                                 mapped(survivors.vertexMap, ends.b)};
+  const auto added = at(finder.provisionalCount() - source_.edgeCount());
+  for (std::size_t i = 0; i < added; ++i) {
+    const EdgeVertices ends = finder.newEdge(i);
+    if (mapped(survivors.edgeMap, source_.edgeCount() + static_cast<EdgeId>(i)) != kNone)
+      topology.edges.push_back(
+          {mapped(survivors.vertexMap, ends.a), mapped(survivors.vertexMap, ends.b)});
+  }
+  return topology;
+}
+
+std::vector<Vec3f> MeshRebuilder::assemblePoints(const Survivors& survivors) const {
+  std::vector<Vec3f> points;
+  points.reserve(at(survivors.vertices));
+  const auto source = source_.points().first(at(allKept_));
+  if (survivors.vertexMap.empty()) {
+    points.insert(points.end(), source.begin(), source.end());
+    points.insert(points.end(), addedPoints_.begin(), addedPoints_.end());
+  } else {
+    for (std::size_t v = 0; v < survivors.vertexMap.size(); ++v)
+      if (survivors.vertexMap[v] != kNone)
+        points.push_back(v < source.size() ? source[v] : addedPoints_[v - source.size()]);
+  }
+  for (const auto& [v, point] : movedPoints_)
+    if (const VertexId now = mapped(survivors.vertexMap, v); now != kNone) points[at(now)] = point;
+  return points;
+}
+
+void MeshRebuilder::carryEdgeData(Mesh& mesh, const Survivors& survivors,
+                                  EdgeFinder& finder) const {
+  const bool hasSmooth = !source_.edgeSmooth().empty(),
+             hasCreases = !source_.creases().edges.empty();
+  if (!hasSmooth && !hasCreases) return;
+  std::vector<std::uint8_t> smooth;
+  std::vector<float> creases;
+  const auto carry = [&](const auto& from, auto& to, auto fresh) {
+    to.reserve(at(survivors.edges));
+    if (survivors.edgeMap.empty())
+      to.insert(to.end(), from.begin(), from.end());
+    else
+      for (EdgeId e = 0; e < source_.edgeCount(); ++e)
+        if (survivors.edgeMap[at(e)] != kNone) to.push_back(from[at(e)]);
+    to.resize(at(survivors.edges), fresh);
+  };
+  if (hasSmooth) carry(source_.edgeSmooth(), smooth, std::uint8_t{1});
+  if (hasCreases) carry(source_.creases().edges, creases, 0.0F);
   for (const Inherited& hint : inherited_) {
     const EdgeId p = finder.find(hint.a, hint.b);
-    if (p != kNone && at(p) >= sourceEdges) edgeSources[at(map[at(p)])] = hint.source;
+    if (p == kNone || p < source_.edgeCount()) continue;
+    const EdgeId now = mapped(survivors.edgeMap, p);
+    if (now == kNone) continue;
+    if (hasSmooth) smooth[at(now)] = source_.edgeSmooth()[at(hint.source)];
+    if (hasCreases) creases[at(now)] = source_.edgeCrease(hint.source);
   }
-  map.resize(sourceEdges);
-  result.edgeMap = std::move(map);
-  carryEdgeData(result.mesh, edgeSources);
+  if (hasSmooth) mesh.setEdgeSmooth(std::move(smooth));
+  if (hasCreases) mesh.setCreases({std::move(creases), source_.creases().vertices});
 }
 
-void MeshRebuilder::carryEdgeData(Mesh& mesh, const std::vector<EdgeId>& edgeSources) const {
-  if (!source_.edgeSmooth().empty()) {
-    std::vector<std::uint8_t> smooth(edgeSources.size(), 1);
-    for (std::size_t e = 0; e < smooth.size(); ++e)
-      if (edgeSources[e] != kNone) smooth[e] = source_.edgeSmooth()[at(edgeSources[e])];
-    mesh.setEdgeSmooth(std::move(smooth));
-  }
-  if (!source_.creases().edges.empty()) {
-    std::vector<float> creases(edgeSources.size(), 0.0f);
-    for (std::size_t e = 0; e < creases.size(); ++e)
-      if (edgeSources[e] != kNone) creases[e] = source_.edgeCrease(edgeSources[e]);
-    mesh.setCreases({std::move(creases), source_.creases().vertices});
-  }
-}
-
-void MeshRebuilder::carryVertexAndFaceData(Mesh& mesh) const {
+void MeshRebuilder::carryVertexAndFaceData(Mesh& mesh, const Survivors& survivors) const {
   if (!source_.creases().vertices.empty()) {
-    std::vector<float> creases(creaseSources_.size(), 0.0f);
-    for (std::size_t v = 0; v < creases.size(); ++v)
-      if (creaseSources_[v] != kNone) creases[v] = source_.vertexCrease(creaseSources_[v]);
+    std::vector<float> creases(at(survivors.vertices), 0.0F);
+    for (VertexId v = 0; v < vertexCount(); ++v) {
+      const VertexId now = mapped(survivors.vertexMap, v);
+      const VertexId lender = v < allKept_ ? v : addedCreases_[at(v - allKept_)];
+      if (now != kNone && lender != kNone) creases[at(now)] = source_.vertexCrease(lender);
+    }
     mesh.setCreases({mesh.creases().edges, std::move(creases)});
   }
   if (source_.invisibleFaces().empty()) return;
   std::vector<FaceId> invisible;
-  for (std::size_t f = 0; f < faceSources_.size(); ++f)
-    if (faceSources_[f] != kNone &&
-        std::ranges::binary_search(source_.invisibleFaces(), faceSources_[f]))
-      invisible.push_back(static_cast<FaceId>(f));
+  std::size_t listed = 0;
+  FaceId next = 0;
+  for (const Stretch& stretch : stretches_)
+    for (Index i = 0; i < stretch.faces; ++i, ++next) {
+      const FaceId from = stretch.isRun ? stretch.source + i : listedSources_[listed++];
+      if (from != kNone && std::ranges::binary_search(source_.invisibleFaces(), from))
+        invisible.push_back(next);
+    }
   mesh.setInvisibleFaces(std::move(invisible));
 }
 
 Rebuilt keepFaces(const Mesh& mesh, std::span<const std::uint8_t> keep) {
   MeshRebuilder rebuilder(mesh);
   rebuilder.keepAllVertices();
-  rebuilder.reserve(mesh.vertexCount(), mesh.faceCount(), mesh.cornerCount());
   for (FaceId f = 0; f < mesh.faceCount(); ++f)
     if (keep[at(f)]) rebuilder.copyFace(f);
   return rebuilder.finish({.dropUnusedVertices = true});

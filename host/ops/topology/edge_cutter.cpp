@@ -28,7 +28,6 @@ EdgeCutter::EdgeCutter(const Mesh& mesh)
       firstCut_(at(mesh.edgeCount()), kNone),
       cutCount_(at(mesh.edgeCount()), 0) {
   rebuilder_.keepAllVertices();
-  rebuilder_.reserve(mesh.vertexCount(), mesh.faceCount(), mesh.cornerCount());
 }
 
 VertexId EdgeCutter::cutEvenly(EdgeId edge, int pieces) {

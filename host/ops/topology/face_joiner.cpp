@@ -158,7 +158,6 @@ EditMaps FaceJoiner::finish(Mesh& mesh) {
   EditMaps maps;
   maps.faces.assign(at(mesh_.faceCount()), kNone);
   mesh::MeshRebuilder rebuilder(mesh_);
-  rebuilder.reserve(mesh_.vertexCount(), mesh_.faceCount(), mesh_.cornerCount());
   std::vector<CornerId> start(at(mesh_.faceCount()), kNone);
   for (FaceId f = mesh_.faceCount() - 1; f >= 0; --f)
     for (CornerId c = mesh_.firstCorner(f + 1) - 1; c >= mesh_.firstCorner(f); --c)

@@ -55,7 +55,6 @@ Result<void> reverseFaces(Mesh& mesh, std::span<const FaceId> faces) {
   if (faces.empty()) return {};
   const std::vector<std::uint8_t> isListed = flagsOf(faces, mesh.faceCount());
   mesh::MeshRebuilder rebuilder(mesh);
-  rebuilder.reserve(mesh.vertexCount(), mesh.faceCount(), mesh.cornerCount());
   rebuilder.keepAllVertices();
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
     if (isListed[at(f)] == 0) {

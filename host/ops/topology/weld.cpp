@@ -47,7 +47,6 @@ EditMaps weldVertices(Mesh& mesh, std::span<const VertexId> targets) {
   EditMaps maps;
   maps.faces.assign(at(mesh.faceCount()), kNone);
   mesh::MeshRebuilder rebuilder(mesh);
-  rebuilder.reserve(mesh.vertexCount(), mesh.faceCount(), mesh.cornerCount());
   rebuilder.keepAllVertices();
   for (std::size_t v = 0; v < targets.size(); ++v)
     if (targets[v] != static_cast<VertexId>(v))
