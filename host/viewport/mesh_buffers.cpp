@@ -4,6 +4,7 @@
 
 #include "host/mesh/normals.h"
 #include "host/mesh/triangulate.h"
+#include "host/viewport/display_colors.h"
 #include "host/viewport/mesh_draw.h"
 
 namespace host::viewport {
@@ -101,7 +102,7 @@ class CornerWelder {
   }
 
   [[nodiscard]] std::uint32_t packed(Index color) const {
-    if (color == kNone) return packColor({1, 1, 1, 1});
+    if (color == kNone) return packColor(displayColors().surface);
     const mesh::Color4f& c = colors_->colors[static_cast<std::size_t>(color)];
     return packColor({c.r, c.g, c.b, c.a});
   }
@@ -173,8 +174,11 @@ bool sameSurface(const Mesh& a, const Mesh& b, SurfaceContent content) {
   };
   const auto sameColors = [&] {
     return a.currentColorSet() == b.currentColorSet() &&
-           (a.currentColorSet() < 0 || sameArray(a.colorSet(a.currentColorSet()).colors,
-                                                 b.colorSet(b.currentColorSet()).colors));
+           (a.currentColorSet() < 0 ||
+            (sameArray(a.colorSet(a.currentColorSet()).colors,
+                       b.colorSet(b.currentColorSet()).colors) &&
+             sameArray(a.colorSet(a.currentColorSet()).cornerIds,
+                       b.colorSet(b.currentColorSet()).cornerIds)));
   };
   return (!content.uvs || sameUvs()) && (!content.colors || sameColors());
 }

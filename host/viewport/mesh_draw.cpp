@@ -68,7 +68,9 @@ class MeshPainter {
                          buffers_.surface, buffers_.triangles);
     item.lit = true;
     item.cullBackFaces = options_.backFaceCulling;
-    item.color = object_.surfaceColor.value_or(colors_.surface);
+    // Colours replace the grey of the surface; corners without one have it among them.
+    const bool isColored = !buffers_.surface->colors.empty();
+    item.color = isColored ? Rgba{1, 1, 1, 1} : object_.surfaceColor.value_or(colors_.surface);
     if (isSeeThrough()) item.color.a *= colors_.xrayAlpha;
     const bool hasUvs = buffers_.surface->uvs.size() == buffers_.surface->positions.size();
     if (object_.texture && hasUvs) item.texture = object_.texture;
@@ -275,7 +277,7 @@ class MeshPainter {
 void drawMesh(const RenderMesh& object, const ViewProjection& view, const ViewOptions& options,
               MeshDrawCache& cache, DrawList& list) {
   const SurfaceContent content{.uvs = object.texture != nullptr,
-                               .colors = options.showVertexColors};
+                               .colors = options.showVertexColors || object.showColors};
   MeshPainter(object, view, options, cache.buffers(object.id, object.mesh, content), list).run();
 }
 

@@ -89,7 +89,11 @@ class Gatherer {
     mesh.mesh = data->mesh;
     mesh.world = path.inclusiveMatrix();
     mesh.state = isTemplateObject ? ObjectState::Template : stateOf(path);
-    mesh.showVertices = options_.vertexMode && mesh.state == ObjectState::Hilited;
+    mesh.showVertices = (options_.vertexMode && mesh.state == ObjectState::Hilited) ||
+                        isOn(shape, "displayVertices", false);
+    mesh.showHardEdges = isOn(shape, "displayEdges", false);
+    mesh.showBorderEdges = isOn(shape, "displayBorders", false);
+    mesh.showColors = isOn(shape, "displayColors", false);
     for (const SelectionItem& item : document_.selection().items())
       if (item.isDag() && !item.isObject() && item.path.toShape() == path)
         for (const Component& component : item.components)

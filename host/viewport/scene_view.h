@@ -43,6 +43,7 @@ struct RenderMesh {
   bool showVertices = false;  ///< small dots on all vertices, as in vertex mode
   bool showHardEdges = false;
   bool showBorderEdges = false;
+  bool showColors = false;  ///< the current colour set, where a face has colours
   bool xray = false;
   std::optional<DisplayStyle> style;  ///< instead of the view's
   std::optional<Rgba> surfaceColor;

@@ -1,5 +1,6 @@
 #include <doctest/doctest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <map>
@@ -7,6 +8,7 @@
 
 #include "host/math/tolerance.h"
 #include "host/viewport/backends/null_backend.h"
+#include "host/viewport/display_colors.h"
 #include "host/viewport/mesh_draw.h"
 #include "host/viewport/stroke_font.h"
 #include "tests/host/viewport/shapes.h"
@@ -55,6 +57,33 @@ TEST_CASE("mesh buffers: smooth corners share a vertex, hard edges and UV seams 
   }
   CHECK(buildMeshBuffers(seamed).surface->positions.size() == 9);
   CHECK(buildMeshBuffers(seamed, {.uvs = true}).surface->positions.size() == 16);
+}
+
+TEST_CASE("drawMesh: colours replace the grey where a shape shows them, and a new colour is seen the next time") {
+  mesh::Mesh mesh = grid(1);
+  mesh.setCurrentColorSet(mesh.addColorSet({"paint", 4, false, {{1, 0, 0, 1}}, {0, 0, kNone, kNone}}));
+  RenderMesh item = object(mesh, 1);
+  const SceneView view = frontView();
+  ViewOptions options;
+  options.style = DisplayStyle::Shaded;
+  MeshDrawCache cache;
+  const auto surface = [&] {
+    DrawList list;
+    drawMesh(item, ViewProjection(view.camera, view.port), options, cache, list);
+    REQUIRE(!list.items.empty());
+    return list.items.front();
+  };
+  CHECK(surface().vertices->colors.empty());
+  CHECK(surface().color == displayColors().surface);
+  item.showColors = true;
+  const DrawItem shown = surface();
+  CHECK(shown.color == Rgba{1, 1, 1, 1});
+  const std::uint32_t red = packColor({1, 0, 0, 1});
+  CHECK(std::ranges::count(shown.vertices->colors, red) == 2);
+  CHECK(std::ranges::count(shown.vertices->colors, packColor(displayColors().surface)) == 2);
+  item.mesh.editColorSet(0).cornerIds = {0, 0, 0, 0};
+  const DrawItem again = surface();
+  CHECK(std::ranges::count(again.vertices->colors, red) == 4);
 }
 
 TEST_CASE(
