@@ -42,7 +42,7 @@ class Tree {
 
   /// The program's own window, in which menus and docked layouts go.
   [[nodiscard]] Control& mainWindow() { return *mainWindow_; }
-  static constexpr std::string_view kMainWindowName = "mainWindow";
+  static constexpr std::string_view kMainWindowName = "MayaWindow";
 
   /// Makes a control. An empty name gives the type's with a number that was not used before; characters that can't
   /// stand in a name become '_'. Layouts, windows and menus become the current parent of what follows.
