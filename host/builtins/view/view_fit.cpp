@@ -56,8 +56,10 @@ CommandResult viewFit(Context& context, const ParsedArgs& args) {
   if (!shown) return failWith(shown.error());
   const auto points = pointsToFrame(context, *shown, names, args.has("allObjects"));
   if (!points) return failWith(points.error());
+  const double fit = args.real("fitFactor", 0.9);
+  if (!(fit > 0 && fit <= 1)) return fail("viewFit: the fit factor {} does not lie above 0 and up to 1", fit);
   viewport::Camera camera = shown->camera;
-  if (viewport::frame(camera, view.port.aspect(), *points, args.real("fitFactor", 0.9)))
+  if (viewport::frame(camera, view.port.aspect(), *points, fit))
     HOST_TRY(place(context.document, *path, camera));
   return mel::Value();
 }

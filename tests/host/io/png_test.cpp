@@ -26,6 +26,9 @@ TEST_CASE("png: pixels come back as written, whatever the size") {
   for (const int width : {1, 3, 64, 1001}) {
     const Image image = testCard(width, 17);
     CHECK(decodePng(encodePng(image).value(), "card").value() == image);
+    Image opaque = image;
+    for (std::size_t i = 3; i < opaque.rgba.size(); i += 4) opaque.rgba[i] = 255;
+    CHECK(decodePng(encodePng(opaque).value(), "opaque").value() == opaque);
   }
   const std::string path = std::string(QXMT_BINARY_DIR) + "/png_test.png";
   REQUIRE(writePng(path, testCard(20, 10)));
