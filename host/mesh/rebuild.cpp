@@ -115,13 +115,8 @@ bool MeshRebuilder::touchesMerge(FaceId source) const {
 
 FaceId MeshRebuilder::copyFace(FaceId source) {
   if (isMergeTarget_.empty() || !touchesMerge(source)) {
-    if (!stretches_.empty() && stretches_.back().isRun &&
-        stretches_.back().source + stretches_.back().faces == source)
-      ++stretches_.back().faces;
-    else
-      stretches_.push_back({source, 1, true});
-    corners_.addRun(source_.firstCorner(source), source_.faceSize(source));
-    return faceCount_++;
+    copyFaces(source, source + 1);
+    return faceCount_ - 1;
   }
   beginFace(source);
   for (CornerId c = source_.firstCorner(source); c < source_.firstCorner(source + 1); ++c)
@@ -131,15 +126,14 @@ FaceId MeshRebuilder::copyFace(FaceId source) {
 
 void MeshRebuilder::copyFaces(FaceId first, FaceId end) {
   if (first >= end) return;
-  if (!isMergeTarget_.empty()) {
-    for (FaceId f = first; f < end; ++f) copyFace(f);
-    return;
-  }
-  copyFace(first);
-  stretches_.back().faces += end - first - 1;
-  corners_.addRun(source_.firstCorner(first + 1),
-                  source_.firstCorner(end) - source_.firstCorner(first + 1));
-  faceCount_ += end - first - 1;
+  if (!stretches_.empty() && stretches_.back().isRun &&
+      stretches_.back().source + stretches_.back().faces == first)
+    stretches_.back().faces += end - first;
+  else
+    stretches_.push_back({first, end - first, true});
+  corners_.addRun(source_.firstCorner(first),
+                  source_.firstCorner(end) - source_.firstCorner(first));
+  faceCount_ += end - first;
 }
 
 Rebuilt MeshRebuilder::finish(const RebuildOptions& options) {

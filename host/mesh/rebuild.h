@@ -78,7 +78,7 @@ class MeshRebuilder {
   FaceId endFace();
   /// Copies a source face whose vertices are all kept. Merge vertices before.
   FaceId copyFace(FaceId source);
-  /// Copies the source faces [first, end), whose vertices are all kept. Merge vertices before.
+  /// Copies the source faces [first, end), whose vertices are all kept and none of them merged.
   void copyFaces(FaceId first, FaceId end);
   /// Lets the edge between two vertices, should it be new, take smoothness and crease of a source
   /// edge.

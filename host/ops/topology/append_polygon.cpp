@@ -108,7 +108,7 @@ Result<AppendPolygonResult> appendPolygon(Mesh& mesh, std::span<const PolygonCor
     }
   }
   if (walksWithNeighbours(mesh, loop) > 0) std::reverse(loop.begin() + 1, loop.end());
-  for (FaceId f = 0; f < mesh.faceCount(); ++f) rebuilder.copyFace(f);
+  rebuilder.copyFaces(0, mesh.faceCount());
   rebuilder.beginFace();
   for (const VertexId v : loop) rebuilder.addCorner(v);
   result.face = rebuilder.endFace();
@@ -164,7 +164,7 @@ Result<std::vector<FaceId>> closeBorders(Mesh& mesh, std::span<const EdgeId> edg
   if (loops.empty()) return fail("None of the edges lies on a border that can be closed");
   mesh::MeshRebuilder rebuilder(mesh);
   rebuilder.keepAllVertices();
-  for (FaceId f = 0; f < mesh.faceCount(); ++f) rebuilder.copyFace(f);
+  rebuilder.copyFaces(0, mesh.faceCount());
   std::vector<FaceId> faces;
   for (const auto& loop : loops) {
     rebuilder.beginFace();

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cmath>
+#include <numeric>
 #include <unordered_map>
 
 #include "host/base/assert.h"
@@ -26,25 +27,33 @@ class Beveller {
  public:
   Beveller(const Mesh& mesh, std::span<const EdgeId> edges, const BevelEdgesOptions& options,
            const math::Matrix4& inverse)
-      : mesh_(mesh), options_(options), inverse_(inverse), rebuilder_(mesh_) {
-    isBevelled_ = flagsOf(edges, mesh.edgeCount());
+      : mesh_(mesh),
+        options_(options),
+        inverse_(inverse),
+        rebuilder_(mesh_),
+        isBevelled_(flagsOf(edges, mesh.edgeCount())),
+        edges_(sortedIds(edges)) {
     rebuilder_.keepAllVertices();
   }
 
   bool findFans() {
+    const std::vector<EdgeId> listed = std::move(edges_);
+    edges_.clear();
     std::vector<VertexId> ends;
-    for (EdgeId e = 0; e < mesh_.edgeCount(); ++e)
-      if (isBevelled_[at(e)] != 0) {
-        ends.push_back(mesh_.edge(e).a);
-        ends.push_back(mesh_.edge(e).b);
-      }
+    for (const EdgeId e : listed) {
+      ends.push_back(mesh_.edge(e).a);
+      ends.push_back(mesh_.edge(e).b);
+    }
     for (const VertexId v : sortedIds(ends)) fans_.emplace_back(v, vertexFan(mesh_, v));
     for (const auto& [v, fan] : fans_)
       if (!fan.isManifold)
         for (const EdgeId e : mesh_.adjacency().vertexEdges(v)) isBevelled_[at(e)] = 0;
-    for (EdgeId e = 0; e < mesh_.edgeCount(); ++e)
-      if (isBevelled_[at(e)] != 0 && canBevel(e)) edges_.push_back(e);
-    isBevelled_ = flagsOf(edges_, mesh_.edgeCount());
+    for (const EdgeId e : listed) {
+      if (isBevelled_[at(e)] != 0 && canBevel(e))
+        edges_.push_back(e);
+      else
+        isBevelled_[at(e)] = 0;
+    }
     return !edges_.empty();
   }
 
@@ -57,10 +66,11 @@ class Beveller {
     buildStrips(result);
     buildCaps(result);
     mesh::Rebuilt rebuilt = rebuilder_.finish({.dropUnusedVertices = true});
-    result.maps.vertices.assign(rebuilt.vertexMap.begin(),
-                                rebuilt.vertexMap.begin() + mesh_.vertexCount());
+    rebuilt.vertexMap.resize(at(mesh_.vertexCount()));
+    result.maps.vertices = std::move(rebuilt.vertexMap);
     result.maps.edges = std::move(rebuilt.edgeMap);
-    for (FaceId f = 0; f < mesh_.faceCount(); ++f) result.maps.faces.push_back(f);
+    result.maps.faces.resize(at(mesh_.faceCount()));
+    std::iota(result.maps.faces.begin(), result.maps.faces.end(), 0);
     mesh = std::move(rebuilt.mesh);
     std::vector<EdgeId> edges;
     for (FaceId f = mesh_.faceCount(); f < mesh.faceCount(); ++f)
@@ -261,11 +271,11 @@ class Beveller {
   }
 
   void replaceEdges() {
-    for (EdgeId e = 0; e < mesh_.edgeCount(); ++e) {
-      if (isBevelled_[at(e)] != 0) continue;
+    std::vector<EdgeId> moved;
+    for (const auto& entry : edgeEnds_) moved.push_back(static_cast<EdgeId>(entry.first >> 32));
+    for (const EdgeId e : sortedIds(moved)) {
       mesh::EdgeVertices ends = mesh_.edge(e);
       const auto a = edgeEnds_.find(endKey(e, ends.a)), b = edgeEnds_.find(endKey(e, ends.b));
-      if (a == edgeEnds_.end() && b == edgeEnds_.end()) continue;
       if (a != edgeEnds_.end()) ends.a = a->second;
       if (b != edgeEnds_.end()) ends.b = b->second;
       rebuilder_.replaceEdge(e, ends.a, ends.b);
@@ -296,7 +306,13 @@ class Beveller {
   }
 
   void buildFaces() {
-    for (FaceId f = 0; f < mesh_.faceCount(); ++f) {
+    std::vector<FaceId> touched;
+    for (const auto& entry : cornerVertices_)
+      touched.push_back(mesh_.adjacency().cornerFace(entry.first));
+    FaceId next = 0;
+    for (const FaceId f : sortedIds(touched)) {
+      rebuilder_.copyFaces(next, f);
+      next = f + 1;
       rebuilder_.beginFace(f);
       for (CornerId c = mesh_.firstCorner(f); c < mesh_.firstCorner(f + 1); ++c) {
         const auto moved = cornerVertices_.find(c);
@@ -313,6 +329,7 @@ class Beveller {
       }
       rebuilder_.endFace();
     }
+    rebuilder_.copyFaces(next, mesh_.faceCount());
   }
 
   [[nodiscard]] bool isSeam(EdgeId e) const {

@@ -1,15 +1,12 @@
 #include "host/ops/topology/connect_components.h"
 
 #include <algorithm>
-#include <array>
 
 #include "host/mesh/adjacency.h"
 #include "host/ops/topology/edge_cutter.h"
 
 namespace host::ops {
 namespace {
-
-using Chord = std::array<VertexId, 2>;
 
 class Connector {
  public:
@@ -18,8 +15,14 @@ class Connector {
 
   VertexId cut(EdgeId e) { return cutter_.cutEvenly(e, 2); }
 
+  void connectFaces() {
+    cutter_.buildFaces([this](FaceId f) { return mayHavePoints(f); },
+                       [this](FaceId f) { connectFace(f); });
+  }
+  EdgeCutter::Outcome finish() { return cutter_.finish(); }
+
+ private:
   void connectFace(FaceId f) {
-    if (!mayHavePoints(f)) return cutter_.keepFace(f);
     const std::vector<CutCorner> loop = cutter_.loop(f);
     std::vector<std::size_t> points;
     for (std::size_t i = 0; i < loop.size(); ++i)
@@ -34,10 +37,6 @@ class Connector {
       cutAround(f, loop, points);
   }
 
-  EdgeCutter::Outcome finish() { return cutter_.finish(); }
-  [[nodiscard]] const std::vector<Chord>& chords() const { return chords_; }
-
- private:
   [[nodiscard]] bool mayHavePoints(FaceId f) const {
     const auto loop = mesh_.faceVertices(f);
     const auto isListed = [this](VertexId v) {
@@ -56,24 +55,13 @@ class Connector {
     return !areOld || mesh_.adjacency().findEdge(a, b) == kNone;
   }
 
-  // The loop's corners from one place to another, both included.
-  static std::vector<CutCorner> part(const std::vector<CutCorner>& loop, std::size_t from,
-                                     std::size_t to) {
-    std::vector<CutCorner> corners;
-    for (std::size_t i = from;; i = (i + 1) % loop.size()) {
-      corners.push_back(loop[i]);
-      if (i == to) return corners;
-    }
-  }
-
   void cutOnce(FaceId f, const std::vector<CutCorner>& loop, std::size_t i, std::size_t j) {
     if (!canJoin(loop, i, j)) return cutter_.setFace(f, loop);
     // The piece with the loop's first corner keeps the face's id.
     std::vector<CutCorner> first(loop.begin(), loop.begin() + static_cast<std::ptrdiff_t>(i) + 1);
     first.insert(first.end(), loop.begin() + static_cast<std::ptrdiff_t>(j), loop.end());
     cutter_.setFace(f, first);
-    cutter_.addPiece(f, part(loop, i, j));
-    chords_.push_back({loop[i].vertex, loop[j].vertex});
+    cutter_.addPiece(f, partOfLoop(loop, i, j));
   }
 
   // Cuts off what lies between neighbouring points; the middle keeps the face's id.
@@ -84,10 +72,9 @@ class Connector {
       const std::size_t i = points[k], j = points[(k + 1) % points.size()];
       if (canJoin(loop, i, j)) {
         middle.push_back(loop[i]);
-        cutter_.addPiece(f, part(loop, i, j));
-        chords_.push_back({loop[i].vertex, loop[j].vertex});
+        cutter_.addPiece(f, partOfLoop(loop, i, j));
       } else {
-        const std::vector<CutCorner> kept = part(loop, i, j);
+        const std::vector<CutCorner> kept = partOfLoop(loop, i, j);
         middle.insert(middle.end(), kept.begin(), kept.end() - 1);
       }
     }
@@ -97,7 +84,6 @@ class Connector {
   const Mesh& mesh_;
   std::vector<std::uint8_t> isListed_;
   EdgeCutter cutter_;
-  std::vector<Chord> chords_;
 };
 
 }  // namespace
@@ -109,10 +95,10 @@ Result<ConnectResult> connectComponents(Mesh& mesh, std::span<const VertexId> ve
   ConnectResult result;
   Connector connector(mesh, vertices);
   for (const EdgeId e : sortedIds(edges)) result.vertices.push_back(connector.cut(e));
-  for (FaceId f = 0; f < mesh.faceCount(); ++f) connector.connectFace(f);
+  connector.connectFaces();
   EdgeCutter::Outcome outcome = connector.finish();
-  for (const Chord& chord : connector.chords())
-    result.edges.push_back(outcome.mesh.adjacency().findEdge(chord[0], chord[1]));
+  // A piece's last corner walks the edge that cut it off.
+  for (const FaceId f : outcome.pieces) result.edges.push_back(outcome.mesh.faceEdges(f).back());
   result.edges = sortedIds(result.edges);
   mesh = std::move(outcome.mesh);
   return result;

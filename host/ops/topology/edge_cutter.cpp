@@ -1,6 +1,7 @@
 #include "host/ops/topology/edge_cutter.h"
 
 #include <array>
+#include <numeric>
 
 #include "host/base/assert.h"
 
@@ -23,10 +24,7 @@ std::vector<CutCorner> partOfLoop(const std::vector<CutCorner>& loop, std::size_
 }
 
 EdgeCutter::EdgeCutter(const Mesh& mesh)
-    : mesh_(mesh),
-      rebuilder_(mesh_),
-      firstCut_(at(mesh.edgeCount()), kNone),
-      cutCount_(at(mesh.edgeCount()), 0) {
+    : mesh_(mesh), rebuilder_(mesh_), cutEdgeOf_(at(mesh.edgeCount()), kNone) {
   rebuilder_.keepAllVertices();
 }
 
@@ -41,8 +39,9 @@ VertexId EdgeCutter::cutAt(EdgeId edge, std::span<const double> parameters) {
   if (parameters.empty()) return kNone;
   const mesh::EdgeVertices ends = mesh_.edge(edge);
   const math::Vec3 a = mesh_.point(ends.a), b = mesh_.point(ends.b);
-  firstCut_[at(edge)] = static_cast<Index>(cuts_.size());
-  cutCount_[at(edge)] = static_cast<Index>(parameters.size());
+  const std::size_t first = cuts_.size();
+  cutEdgeOf_[at(edge)] = static_cast<Index>(cutEdges_.size());
+  cutEdges_.push_back({first, static_cast<Index>(parameters.size())});
   VertexId before = ends.a;
   for (const double t : parameters) {
     const VertexId v = rebuilder_.addVertex((a + (b - a) * t).toFloat());
@@ -54,11 +53,11 @@ VertexId EdgeCutter::cutAt(EdgeId edge, std::span<const double> parameters) {
     before = v;
   }
   rebuilder_.inheritEdge(before, ends.b, edge);
-  return cuts_[at(firstCut_[at(edge)])].vertex;
+  return cuts_[first].vertex;
 }
 
 VertexId EdgeCutter::cutVertex(EdgeId edge) const {
-  return cuts_[at(firstCut_[at(edge)])].vertex;
+  return cuts_[cutEdges_[at(cutEdgeOf_[at(edge)])].first].vertex;
 }
 
 std::vector<CutCorner> EdgeCutter::loop(FaceId face) const {
@@ -69,9 +68,11 @@ std::vector<CutCorner> EdgeCutter::loop(FaceId face) const {
     const EdgeId e = mesh_.cornerEdge(c);
     const CornerId next = c + 1 < end ? c + 1 : first;
     corners.push_back({v, c, kNone, 0});
+    if (!isCut(e)) continue;
     const bool isForward = mesh_.edge(e).a == v;
-    for (Index i = 0; i < cutCount_[at(e)]; ++i) {
-      const Cut& cut = cuts_[at(firstCut_[at(e)] + (isForward ? i : cutCount_[at(e)] - 1 - i))];
+    const CutEdge& cutEdge = cutEdges_[at(cutEdgeOf_[at(e)])];
+    for (Index i = 0; i < cutEdge.count; ++i) {
+      const Cut& cut = cuts_[cutEdge.first + at(isForward ? i : cutEdge.count - 1 - i)];
       corners.push_back({cut.vertex, c, next, isForward ? cut.t : 1 - cut.t});
     }
   }
@@ -130,10 +131,11 @@ EdgeCutter::Outcome EdgeCutter::finish() {
   }
   mesh::Rebuilt rebuilt = rebuilder_.finish();
   outcome.mesh = std::move(rebuilt.mesh);
-  outcome.maps.vertices.assign(rebuilt.vertexMap.begin(),
-                               rebuilt.vertexMap.begin() + mesh_.vertexCount());
+  rebuilt.vertexMap.resize(at(mesh_.vertexCount()));
+  outcome.maps.vertices = std::move(rebuilt.vertexMap);
   outcome.maps.edges = std::move(rebuilt.edgeMap);
-  for (FaceId f = 0; f < mesh_.faceCount(); ++f) outcome.maps.faces.push_back(f);
+  outcome.maps.faces.resize(at(mesh_.faceCount()));
+  std::iota(outcome.maps.faces.begin(), outcome.maps.faces.end(), 0);
   return outcome;
 }
 

@@ -36,7 +36,7 @@ class EdgeCutter {
   /// Cuts an edge at ascending parameters between 0 and 1, measured from its first vertex.
   VertexId cutAt(EdgeId edge, std::span<const double> parameters);
   [[nodiscard]] bool isCut(EdgeId edge) const {
-    return firstCut_[static_cast<std::size_t>(edge)] != kNone;
+    return cutEdgeOf_[static_cast<std::size_t>(edge)] != kNone;
   }
   /// The new vertex in the middle of an edge that was cut in two.
   [[nodiscard]] VertexId cutVertex(EdgeId edge) const;
@@ -47,8 +47,19 @@ class EdgeCutter {
   void setFace(FaceId face, std::span<const CutCorner> loop);
   /// Gives a face its loop with the new vertices of its edges in place.
   void keepFace(FaceId face);
-  /// Gives the faces [first, end), none of whose edges is cut, their loops.
-  void keepFaces(FaceId first, FaceId end) { rebuilder_.copyFaces(first, end); }
+  /// Gives all faces their loops in order: `build(face)` must do it for those that are touched,
+  /// the others keep theirs. Faces with cut edges have to be touched.
+  template <class IsTouched, class Build>
+  void buildFaces(IsTouched isTouched, Build build) {
+    FaceId next = 0;
+    for (FaceId f = 0; f < mesh_.faceCount(); ++f) {
+      if (!isTouched(f)) continue;
+      rebuilder_.copyFaces(next, f);
+      build(f);
+      next = f + 1;
+    }
+    rebuilder_.copyFaces(next, mesh_.faceCount());
+  }
   /// Whether any of a face's edges is cut.
   [[nodiscard]] bool hasCut(FaceId face) const;
   /// Adds a piece of a face behind the old faces.
@@ -77,8 +88,12 @@ class EdgeCutter {
 
   Mesh mesh_;
   mesh::MeshRebuilder rebuilder_;
-  std::vector<Index> firstCut_;  // an edge: index of its first cut, -1 for none
-  std::vector<Index> cutCount_;  // an edge
+  struct CutEdge {
+    std::size_t first;  // of its cuts
+    Index count;
+  };
+  std::vector<Index> cutEdgeOf_;  // an edge; -1 where it is not cut
+  std::vector<CutEdge> cutEdges_;
   std::vector<Cut> cuts_;
   std::vector<Piece> pieces_;
 };

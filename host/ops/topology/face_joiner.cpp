@@ -15,20 +15,45 @@ std::size_t at(Index i) {
 }  // namespace
 
 FaceJoiner::FaceJoiner(const Mesh& mesh)
-    : mesh_(mesh),
-      next_(at(mesh.cornerCount())),
-      previous_(at(mesh.cornerCount())),
-      faces_(at(mesh.faceCount())),
-      isRemoved_(at(mesh.vertexCount()), 0) {
-  for (FaceId f = 0; f < mesh.faceCount(); ++f) {
-    const CornerId first = mesh.firstCorner(f), end = mesh.firstCorner(f + 1);
-    for (CornerId c = first; c < end; ++c) link(c, c + 1 < end ? c + 1 : first);
+    : mesh_(mesh), places_(at(mesh.faceCount()), kNone), faces_(at(mesh.faceCount())) {}
+
+// Lists the corners of a face with the loop it has in the mesh.
+void FaceJoiner::open(FaceId face) {
+  if (places_[at(face)] != kNone) return;
+  places_[at(face)] = static_cast<Index>(next_.size());
+  opened_.push_back(face);
+  const CornerId first = mesh_.firstCorner(face), end = mesh_.firstCorner(face + 1);
+  for (CornerId c = first; c < end; ++c) {
+    next_.push_back(c + 1 < end ? c + 1 : first);
+    previous_.push_back(c > first ? c - 1 : end - 1);
   }
 }
 
+std::size_t FaceJoiner::placeOf(CornerId c) const {
+  const FaceId f = mesh_.adjacency().cornerFace(c);
+  return at(places_[at(f)] + (c - mesh_.firstCorner(f)));
+}
+
+CornerId FaceJoiner::nextOf(CornerId c) const {
+  return places_[at(mesh_.adjacency().cornerFace(c))] == kNone ? mesh_.adjacency().nextCorner(c)
+                                                               : next_[placeOf(c)];
+}
+
+CornerId FaceJoiner::previousOf(CornerId c) const {
+  return places_[at(mesh_.adjacency().cornerFace(c))] == kNone ? mesh_.adjacency().previousCorner(c)
+                                                               : previous_[placeOf(c)];
+}
+
 void FaceJoiner::link(CornerId corner, CornerId next) {
-  next_[at(corner)] = next;
-  previous_[at(next)] = corner;
+  open(mesh_.adjacency().cornerFace(corner));
+  open(mesh_.adjacency().cornerFace(next));
+  next_[placeOf(corner)] = next;
+  previous_[placeOf(next)] = corner;
+}
+
+void FaceJoiner::remove(CornerId corner) {
+  open(mesh_.adjacency().cornerFace(corner));
+  next_[placeOf(corner)] = kNone;
 }
 
 VertexId FaceJoiner::vertexOf(CornerId corner) const {
@@ -43,22 +68,23 @@ bool FaceJoiner::findWalks(EdgeId edge, Walks& walks) const {
   if (!isAlive(walks.a) || !isAlive(walks.b)) return false;
   const mesh::EdgeVertices ends = mesh_.edge(edge);
   const auto walksEdge = [&](CornerId c) {
-    return ends.has(vertexOf(c)) && vertexOf(next_[at(c)]) == ends.other(vertexOf(c));
+    return ends.has(vertexOf(c)) && vertexOf(nextOf(c)) == ends.other(vertexOf(c));
   };
   return walksEdge(walks.a) && walksEdge(walks.b) && vertexOf(walks.a) != vertexOf(walks.b);
 }
 
 bool FaceJoiner::isSpike(const Walks& walks) const {
-  return next_[at(walks.a)] == walks.b || next_[at(walks.b)] == walks.a;
+  return nextOf(walks.a) == walks.b || nextOf(walks.b) == walks.a;
 }
 
 // Takes both walks of an edge out of the loops and joins what is left end to end.
 void FaceJoiner::removeWalks(const Walks& walks) {
-  const CornerId beforeA = previous_[at(walks.a)], afterA = next_[at(walks.a)];
-  const CornerId beforeB = previous_[at(walks.b)], afterB = next_[at(walks.b)];
+  const CornerId beforeA = previousOf(walks.a), afterA = nextOf(walks.a);
+  const CornerId beforeB = previousOf(walks.b), afterB = nextOf(walks.b);
   if (beforeA != walks.b) link(beforeA, afterB);
   if (beforeB != walks.a) link(beforeB, afterA);
-  next_[at(walks.a)] = next_[at(walks.b)] = kNone;
+  remove(walks.a);
+  remove(walks.b);
 }
 
 bool FaceJoiner::removeEdge(EdgeId edge) {
@@ -67,7 +93,7 @@ bool FaceJoiner::removeEdge(EdgeId edge) {
   const FaceId f = mesh_.adjacency().cornerFace(walks.a), g = mesh_.adjacency().cornerFace(walks.b);
   const bool isJoin = faces_.lowest(f) != faces_.lowest(g);
   if (!isJoin && !isSpike(walks)) return false;
-  const CornerId beforeA = previous_[at(walks.a)], beforeB = previous_[at(walks.b)];
+  const CornerId beforeA = previousOf(walks.a), beforeB = previousOf(walks.b);
   removeWalks(walks);
   if (isJoin) faces_.join(f, g);
   if (isAlive(beforeA)) removeSpikesFrom(beforeA);
@@ -79,11 +105,11 @@ bool FaceJoiner::removeEdge(EdgeId edge) {
 // behind it.
 void FaceJoiner::removeSpikesFrom(CornerId corner) {
   while (isAlive(corner)) {
-    const CornerId next = next_[at(corner)];
+    const CornerId next = nextOf(corner);
     const EdgeId edge = mesh_.cornerEdge(corner);
     Walks walks;
     if (mesh_.cornerEdge(next) != edge || !findWalks(edge, walks)) return;
-    const CornerId before = previous_[at(corner)];
+    const CornerId before = previousOf(corner);
     removeWalks(walks);
     corner = before;
   }
@@ -101,7 +127,7 @@ Index FaceJoiner::loopSize(CornerId corner, Index limit) const {
   CornerId c = corner;
   do {
     ++size;
-    c = next_[at(c)];
+    c = nextOf(c);
   } while (c != corner && size < limit);
   return size;
 }
@@ -109,28 +135,28 @@ Index FaceJoiner::loopSize(CornerId corner, Index limit) const {
 bool FaceJoiner::areNeighbours(VertexId a, VertexId b) const {
   for (const auto& [from, to] : {std::pair(a, b), std::pair(b, a)})
     for (const CornerId c : mesh_.adjacency().vertexCorners(from))
-      if (isAlive(c) && vertexOf(next_[at(c)]) == to) return true;
+      if (isAlive(c) && vertexOf(nextOf(c)) == to) return true;
   return false;
 }
 
 bool FaceJoiner::removeWingedVertex(VertexId vertex) {
   const std::vector<CornerId> corners = cornersLeftAt(vertex);
   if (corners.empty() || corners.size() > 2) return false;
-  const VertexId a = vertexOf(previous_[at(corners[0])]), b = vertexOf(next_[at(corners[0])]);
+  const VertexId a = vertexOf(previousOf(corners[0])), b = vertexOf(nextOf(corners[0]));
   if (a == b || areNeighbours(a, b)) return false;
   for (const CornerId c : corners) {
-    const VertexId before = vertexOf(previous_[at(c)]), after = vertexOf(next_[at(c)]);
+    const VertexId before = vertexOf(previousOf(c)), after = vertexOf(nextOf(c));
     if (!((before == a && after == b) || (before == b && after == a)) || loopSize(c, 4) < 4)
       return false;
   }
   for (const CornerId c : corners) bypass(c);
-  isRemoved_[at(vertex)] = 1;
+  removed_.push_back(vertex);
   return true;
 }
 
 // The edge that closes the gap takes after the sharper of the two that it replaces.
 void FaceJoiner::bypass(CornerId corner) {
-  const CornerId before = previous_[at(corner)], after = next_[at(corner)];
+  const CornerId before = previousOf(corner), after = nextOf(corner);
   const EdgeId e = edgeOf(before), f = edgeOf(corner);
   const auto isSharper = [this](EdgeId x, EdgeId y) {
     if (mesh_.edgeCrease(x) != mesh_.edgeCrease(y))
@@ -139,7 +165,7 @@ void FaceJoiner::bypass(CornerId corner) {
   };
   edgeSource_[before] = isSharper(f, e) ? f : e;
   link(before, after);
-  next_[at(corner)] = kNone;
+  remove(corner);
 }
 
 // The edge that a corner walks, or the one that a closed gap takes after.
@@ -151,45 +177,50 @@ EdgeId FaceJoiner::edgeOf(CornerId corner) const {
 void FaceJoiner::cutVertex(VertexId vertex) {
   for (const CornerId c : cornersLeftAt(vertex))
     if (isAlive(c)) bypass(c);
-  isRemoved_[at(vertex)] = 1;
+  removed_.push_back(vertex);
 }
 
 EditMaps FaceJoiner::finish(Mesh& mesh) {
   EditMaps maps;
   maps.faces.assign(at(mesh_.faceCount()), kNone);
   mesh::MeshRebuilder rebuilder(mesh_);
-  std::vector<CornerId> start(at(mesh_.faceCount()), kNone);
-  for (FaceId f = mesh_.faceCount() - 1; f >= 0; --f)
-    for (CornerId c = mesh_.firstCorner(f + 1) - 1; c >= mesh_.firstCorner(f); --c)
-      if (isAlive(c)) start[at(faces_.lowest(f))] = c;
-  std::vector<VertexId> newIds(at(mesh_.vertexCount()), kNone);
-  for (VertexId v = 0; v < mesh_.vertexCount(); ++v)
-    if (isRemoved_[at(v)] == 0) newIds[at(v)] = rebuilder.keepVertex(v);
+  rebuilder.keepAllVertices();
+  for (const VertexId v : removed_) rebuilder.releaseVertex(v);
+  std::sort(opened_.begin(), opened_.end());
+  std::unordered_map<FaceId, CornerId> start;  // the lowest corner left of the lowest face
+  for (const FaceId f : opened_)
+    for (CornerId c = mesh_.firstCorner(f); c < mesh_.firstCorner(f + 1); ++c)
+      if (isAlive(c)) start.try_emplace(faces_.lowest(f), c);
+  FaceId next = 0, made = 0;
+  const auto copyUpTo = [&](FaceId f) {
+    rebuilder.copyFaces(next, f);
+    for (; next < f; ++next) maps.faces[at(next)] = made++;
+  };
   std::vector<LoopCorner> loop;
-  for (FaceId f = 0; f < mesh_.faceCount(); ++f) {
-    if (start[at(f)] == kNone) continue;
+  for (const FaceId f : opened_) {
+    copyUpTo(f);
+    ++next;
+    const auto first = start.find(f);
+    if (first == start.end()) continue;
     loop.clear();
-    CornerId c = start[at(f)];
+    CornerId c = first->second;
     do {
-      loop.push_back({newIds[at(vertexOf(c))], c});
-      c = next_[at(c)];
-    } while (c != start[at(f)]);
+      loop.push_back({vertexOf(c), c});
+      c = nextOf(c);
+    } while (c != first->second);
     if (hasCuts()) removeSpikes(loop);
     if (loop.size() < 3) continue;
     rebuilder.beginFace(f);
     for (const LoopCorner& corner : loop) rebuilder.addCorner(corner.vertex, corner.source);
     maps.faces[at(f)] = rebuilder.endFace();
+    ++made;
   }
+  copyUpTo(mesh_.faceCount());
   for (const auto& [corner, source] : edgeSource_)
-    if (isAlive(corner))
-      rebuilder.inheritEdge(newIds[at(vertexOf(corner))], newIds[at(vertexOf(next_[at(corner)]))],
-                            source);
-  for (FaceId f = 0; f < mesh_.faceCount(); ++f)
-    maps.faces[at(f)] = maps.faces[at(faces_.lowest(f))];
+    if (isAlive(corner)) rebuilder.inheritEdge(vertexOf(corner), vertexOf(nextOf(corner)), source);
+  for (const FaceId f : opened_) maps.faces[at(f)] = maps.faces[at(faces_.lowest(f))];
   mesh::Rebuilt rebuilt = rebuilder.finish({.dropUnusedVertices = true});
-  maps.vertices.assign(at(mesh_.vertexCount()), kNone);
-  for (std::size_t v = 0; v < newIds.size(); ++v)
-    if (newIds[v] != kNone) maps.vertices[v] = rebuilt.vertexMap[at(newIds[v])];
+  maps.vertices = std::move(rebuilt.vertexMap);
   maps.edges = std::move(rebuilt.edgeMap);
   mesh = std::move(rebuilt.mesh);
   return maps;

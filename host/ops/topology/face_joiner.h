@@ -42,9 +42,12 @@ class FaceJoiner {
   struct Walks {  // the two corners that walk an edge
     CornerId a = kNone, b = kNone;
   };
-  [[nodiscard]] bool isAlive(CornerId c) const {
-    return next_[static_cast<std::size_t>(c)] != kNone;
-  }
+  [[nodiscard]] std::size_t placeOf(CornerId c) const;
+  [[nodiscard]] CornerId nextOf(CornerId c) const;
+  [[nodiscard]] CornerId previousOf(CornerId c) const;
+  [[nodiscard]] bool isAlive(CornerId c) const { return nextOf(c) != kNone; }
+  void remove(CornerId c);
+  void open(FaceId face);
   [[nodiscard]] VertexId vertexOf(CornerId corner) const;
   [[nodiscard]] EdgeId edgeOf(CornerId corner) const;
   [[nodiscard]] bool findWalks(EdgeId edge, Walks& walks) const;
@@ -59,9 +62,11 @@ class FaceJoiner {
   void bypass(CornerId corner);
 
   Mesh mesh_;
+  std::vector<Index> places_;   // a face: where its corners are in the lists below, once edited
+  std::vector<FaceId> opened_;  // faces that are there
   std::vector<CornerId> next_, previous_;  // kNone in next_ where the corner is gone
   JoinedSets faces_;
-  std::vector<std::uint8_t> isRemoved_;  // a vertex that was taken out
+  std::vector<VertexId> removed_;  // vertices that were taken out
   std::unordered_map<CornerId, EdgeId>
       edgeSource_;  // corners that walk an edge of their own, and whom it takes after
 };

@@ -34,14 +34,7 @@ class ZeroCutter {
       places_.resize(at(v) + 1 - at(mesh_.vertexCount()));
       places_.back() = mesh_.point(mesh_.edge(e).a) * (1 - t) + mesh_.point(mesh_.edge(e).b) * t;
     }
-    FaceId next = 0;
-    for (FaceId f = 0; f < mesh_.faceCount(); ++f) {
-      if (!isCrossed(f)) continue;
-      cutter_.keepFaces(next, f);
-      cutFace(f);
-      next = f + 1;
-    }
-    cutter_.keepFaces(next, mesh_.faceCount());
+    cutter_.buildFaces([this](FaceId f) { return isCrossed(f); }, [this](FaceId f) { cutFace(f); });
     return cutter_.finish();
   }
 

@@ -61,7 +61,8 @@ class PathSplitter {
       }
     }
     SplitPathResult outcome{vertices_, {}};
-    for (std::size_t i = 0; i < extra.size(); ++i) outcome.faces.push_back(addFace(extraSources[i], extra[i]));
+    for (std::size_t i = 0; i < extra.size(); ++i)
+      outcome.faces.push_back(addFace(extraSources[i], extra[i]));
     for (const auto& [edge, cuts] : cuts_) inheritPieces(edge, cuts);
     result = rebuilder_.finish().mesh;
     return outcome;
@@ -79,9 +80,11 @@ class PathSplitter {
         continue;
       }
       HOST_TRY(checkIds("edge", std::span(&point.edge, 1), mesh_.edgeCount()));
-      if (!(point.t >= 0 && point.t <= 1)) return fail("{} is no place on edge {}: it runs from 0 to 1", point.t, point.edge);
+      if (!(point.t >= 0 && point.t <= 1))
+        return fail("{} is no place on edge {}: it runs from 0 to 1", point.t, point.edge);
     }
-    if (isInside(0) || isInside(path_.size() - 1)) return fail("A path across faces begins and ends on edges");
+    if (isInside(0) || isInside(path_.size() - 1))
+      return fail("A path across faces begins and ends on edges");
     return {};
   }
 
@@ -97,12 +100,14 @@ class PathSplitter {
         continue;
       }
       std::vector<EdgeCut>& cuts = cuts_[point.edge];
-      const auto at = std::find_if(cuts.begin(), cuts.end(), [&](const EdgeCut& cut) { return cut.t >= point.t; });
+      const auto at = std::find_if(cuts.begin(), cuts.end(),
+                                   [&](const EdgeCut& cut) { return cut.t >= point.t; });
       if (at != cuts.end() && at->t == point.t) {
         vertices_.push_back(at->vertex);
         continue;
       }
-      const Vec3 a(mesh_.points()[static_cast<std::size_t>(ends.a)]), b(mesh_.points()[static_cast<std::size_t>(ends.b)]);
+      const Vec3 a(mesh_.points()[static_cast<std::size_t>(ends.a)]),
+          b(mesh_.points()[static_cast<std::size_t>(ends.b)]);
       const VertexId vertex = rebuilder_.addVertex((a + (b - a) * point.t).toFloat());
       cuts.insert(at, {point.t, vertex});
       vertices_.push_back(vertex);
@@ -143,7 +148,8 @@ class PathSplitter {
 
   [[nodiscard]] bool areNeighbours(FaceId f, const Chord& chord) const {
     const Loop loop = loopOf(f);
-    const std::size_t a = placeOf(loop, vertices_[chord.from]), b = placeOf(loop, vertices_[chord.to]);
+    const std::size_t a = placeOf(loop, vertices_[chord.from]),
+                      b = placeOf(loop, vertices_[chord.to]);
     const std::size_t n = loop.size();
     return a == n || b == n || a == b || (a + 1) % n == b || (b + 1) % n == a;
   }
@@ -161,7 +167,8 @@ class PathSplitter {
   [[nodiscard]] std::array<Vec3, 3> pointsOf(FaceId f, const mesh::LoopTriangle& triangle) const {
     std::array<Vec3, 3> points;
     for (std::size_t k = 0; k < 3; ++k)
-      points[k] = Vec3(mesh_.points()[static_cast<std::size_t>(mesh_.cornerVertex(mesh_.firstCorner(f) + triangle[k]))]);
+      points[k] = Vec3(mesh_.points()[static_cast<std::size_t>(
+          mesh_.cornerVertex(mesh_.firstCorner(f) + triangle[k]))]);
     return points;
   }
   /// The corner of a point inside a face: a blend over the triangle it is nearest to.
@@ -176,7 +183,8 @@ class PathSplitter {
       if (distance >= nearest) continue;
       nearest = distance;
       const CornerId first = mesh_.firstCorner(f);
-      corner.blend = {{first + triangle[0], 1 - u - v}, {first + triangle[1], u}, {first + triangle[2], v}};
+      corner.blend = {
+          {first + triangle[0], 1 - u - v}, {first + triangle[1], u}, {first + triangle[2], v}};
     }
     return corner;
   }
@@ -208,14 +216,16 @@ class PathSplitter {
     return loop;
   }
   [[nodiscard]] static std::size_t placeOf(const Loop& loop, VertexId vertex) {
-    const auto at = std::find_if(loop.begin(), loop.end(), [&](const PathCorner& c) { return c.vertex == vertex; });
+    const auto at = std::find_if(loop.begin(), loop.end(),
+                                 [&](const PathCorner& c) { return c.vertex == vertex; });
     return static_cast<std::size_t>(at - loop.begin());
   }
 
   Result<void> cut(FaceId f, const Chord& chord, std::vector<Loop>& pieces) {
     for (std::size_t p = 0; p < pieces.size(); ++p) {
       const std::size_t n = pieces[p].size();
-      const std::size_t a = placeOf(pieces[p], vertices_[chord.from]), b = placeOf(pieces[p], vertices_[chord.to]);
+      const std::size_t a = placeOf(pieces[p], vertices_[chord.from]),
+                        b = placeOf(pieces[p], vertices_[chord.to]);
       if (a == n || b == n || a == b) continue;
       Loop left, right;  // left of the path: from its end round to its start
       for (std::size_t k = b; k != a; k = (k + 1) % n) left.push_back(pieces[p][k]);
@@ -247,7 +257,8 @@ class PathSplitter {
     const mesh::EdgeVertices ends = mesh_.edge(edge);
     rebuilder_.replaceEdge(edge, ends.a, cuts.front().vertex);
     for (std::size_t i = 0; i < cuts.size(); ++i)
-      rebuilder_.inheritEdge(cuts[i].vertex, i + 1 < cuts.size() ? cuts[i + 1].vertex : ends.b, edge);
+      rebuilder_.inheritEdge(cuts[i].vertex, i + 1 < cuts.size() ? cuts[i + 1].vertex : ends.b,
+                             edge);
   }
 
   const Mesh& mesh_;

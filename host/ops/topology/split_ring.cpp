@@ -35,13 +35,10 @@ class RingSplitter {
       const VertexId first = cutter_.cutAt(edges_[i], parametersOf(i));
       for (int k = 0; k < divisions_; ++k) result.vertices.push_back(first + k);
     }
-    FaceId next = 0;
-    for (const Crossing& crossing : crossings_) {
-      cutter_.keepFaces(next, crossing.face);
-      splitFace(crossing);
-      next = crossing.face + 1;
-    }
-    cutter_.keepFaces(next, mesh.faceCount());
+    auto crossing = crossings_.begin();
+    cutter_.buildFaces(
+        [&](FaceId f) { return crossing != crossings_.end() && crossing->face == f; },
+        [&](FaceId) { splitFace(*crossing++); });
     EdgeCutter::Outcome outcome = cutter_.finish();
     mesh = std::move(outcome.mesh);
     for (const FaceId f : outcome.pieces) result.edges.push_back(mesh.faceEdges(f).back());
@@ -181,7 +178,7 @@ class RingSplitter {
   }
 
   static constexpr std::uint8_t kUnmatched = 2;
-  const Mesh mesh_;
+  Mesh mesh_;
   std::vector<EdgeId> edges_;
   const SplitRingOptions& options_;
   int divisions_;

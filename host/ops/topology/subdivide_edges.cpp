@@ -20,13 +20,13 @@ Result<SubdivideEdgesResult> subdivideEdges(Mesh& mesh, std::span<const EdgeId> 
     const VertexId first = cutter.cutEvenly(e, divisions + 1);
     for (int i = 0; i < divisions; ++i) result.vertices.push_back(first + i);
   }
-  for (FaceId f = 0; f < mesh.faceCount(); ++f) cutter.keepFace(f);
+  cutter.buildFaces([&](FaceId f) { return cutter.hasCut(f); },
+                    [&](FaceId f) { cutter.keepFace(f); });
   EdgeCutter::Outcome outcome = cutter.finish();
-  for (const VertexId v : result.vertices) {
-    const auto around = outcome.mesh.adjacency().vertexEdges(v);
-    result.edges.insert(result.edges.end(), around.begin(), around.end());
+  for (EdgeId e = 0; e < outcome.mesh.edgeCount(); ++e) {
+    const mesh::EdgeVertices ends = outcome.mesh.edge(e);
+    if (std::max(ends.a, ends.b) >= mesh.vertexCount()) result.edges.push_back(e);
   }
-  result.edges = sortedIds(result.edges);
   mesh = std::move(outcome.mesh);
   return result;
 }

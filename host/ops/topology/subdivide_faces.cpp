@@ -47,12 +47,14 @@ FacesResult divideOnce(Mesh& mesh, std::span<const FaceId> ids, Mode mode,
   std::vector<CutCorner> centres;
   for (const FaceId f : ids) centres.push_back(cutter.addCentre(f, centreOf(f).toFloat()));
   auto centre = centres.begin();
-  for (FaceId f = 0; f < mesh.faceCount(); ++f) {
-    if (isListed[static_cast<std::size_t>(f)] != 0)
-      fanFace(cutter, f, *centre++, mode);
-    else
-      cutter.keepFace(f);
-  }
+  const auto isDivided = [&](FaceId f) { return isListed[static_cast<std::size_t>(f)] != 0; };
+  cutter.buildFaces([&](FaceId f) { return isDivided(f) || cutter.hasCut(f); },
+                    [&](FaceId f) {
+                      if (isDivided(f))
+                        fanFace(cutter, f, *centre++, mode);
+                      else
+                        cutter.keepFace(f);
+                    });
   EdgeCutter::Outcome outcome = cutter.finish();
   FacesResult result;
   for (VertexId v = mesh.vertexCount(); v < outcome.mesh.vertexCount(); ++v)

@@ -51,8 +51,22 @@ EditMaps weldVertices(Mesh& mesh, std::span<const VertexId> targets) {
   for (std::size_t v = 0; v < targets.size(); ++v)
     if (targets[v] != static_cast<VertexId>(v))
       rebuilder.mergeVertex(static_cast<VertexId>(v), targets[v]);
+  std::vector<std::uint8_t> isTouched(targets.size(), 0);
+  for (std::size_t v = 0; v < targets.size(); ++v)
+    if (targets[v] != static_cast<VertexId>(v)) isTouched[v] = isTouched[at(targets[v])] = 1;
   std::vector<LoopCorner> loop;
+  FaceId next = 0, made = 0;
+  const auto copyUpTo = [&](FaceId f) {
+    rebuilder.copyFaces(next, f);
+    for (; next < f; ++next) maps.faces[at(next)] = made++;
+  };
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
+    const auto vertices = mesh.faceVertices(f);
+    if (std::none_of(vertices.begin(), vertices.end(),
+                     [&](VertexId v) { return isTouched[at(v)] != 0; }))
+      continue;
+    copyUpTo(f);
+    ++next;
     const CornerId first = mesh.firstCorner(f), end = mesh.firstCorner(f + 1);
     bool isMoved = false;
     loop.clear();
@@ -68,7 +82,9 @@ EditMaps weldVertices(Mesh& mesh, std::span<const VertexId> targets) {
     rebuilder.beginFace(f);
     for (const LoopCorner& corner : loop) rebuilder.addCorner(corner.vertex, corner.source);
     maps.faces[at(f)] = rebuilder.endFace();
+    ++made;
   }
+  copyUpTo(mesh.faceCount());
   mesh::Rebuilt rebuilt = rebuilder.finish({.dropUnusedVertices = true});
   maps.vertices.resize(targets.size());
   for (std::size_t v = 0; v < targets.size(); ++v)
