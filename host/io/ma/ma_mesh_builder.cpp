@@ -400,9 +400,13 @@ class MaMeshBuilder {
     return {};
   }
 
-  /// For each edge the first one that joins the same vertices.
+  /// For each edge that a face uses, the first one of those that join the same vertices; -1 for
+  /// the others.
   std::vector<EdgeId> firstAlike() const {
     const std::vector<mesh::EdgeVertices>& edges = topology_.edges;
+    std::vector<std::uint8_t> isUsed(edges.size(), 0);
+    for (const EdgeId e : topology_.cornerEdges) isUsed[at(e)] = 1;
+    // Edges by their lower vertex, in order.
     std::vector<Index> starts(vertexCount_ + 1, 0), order(edges.size());
     for (const mesh::EdgeVertices& e : edges) ++starts[at(std::min(e.a, e.b)) + 1];
     std::partial_sum(starts.begin(), starts.end(), starts.begin());
@@ -410,8 +414,9 @@ class MaMeshBuilder {
     for (std::size_t e = 0; e < edges.size(); ++e)
       order[at(next[at(std::min(edges[e].a, edges[e].b))]++)] = static_cast<EdgeId>(e);
     std::vector<VertexId> seenFrom(vertexCount_, kNone);
-    std::vector<EdgeId> seenAs(vertexCount_, kNone), alike(edges.size());
+    std::vector<EdgeId> seenAs(vertexCount_, kNone), alike(edges.size(), kNone);
     for (const EdgeId e : order) {
+      if (!isUsed[at(e)]) continue;
       const VertexId low = std::min(edges[at(e)].a, edges[at(e)].b);
       const VertexId high = std::max(edges[at(e)].a, edges[at(e)].b);
       if (seenFrom[at(high)] != low) {
@@ -423,28 +428,30 @@ class MaMeshBuilder {
     return alike;
   }
 
+  /// Drops edges without a face and joins those that repeat others: hard where one of them is, with
+  /// the larger crease.
   void tidyEdges() {
     const std::vector<EdgeId> alike = firstAlike();
-    std::vector<EdgeId> renumbered(alike.size(), kNone);
-    for (const EdgeId e : topology_.cornerEdges) renumbered[at(alike[at(e)])] = 0;
     Index kept = 0;
-    for (EdgeId& id : renumbered)
-      if (id == 0) id = kept++;
+    std::vector<EdgeId> renumbered(alike.size(), kNone);
+    for (std::size_t e = 0; e < alike.size(); ++e)
+      if (alike[e] == static_cast<EdgeId>(e)) renumbered[e] = kept++;
     if (at(kept) == alike.size()) return;
-    warn(rows_.edges_.declaredAt > 0 ? rows_.edges_.declaredAt : rows_.edges_.chunks.front().offset,
+    warn(rows_.edges_.chunks.front().offset,
          fmt::format("{} edges that no face uses, or that repeat others, are left out",
                      alike.size() - at(kept)));
     for (EdgeId& e : topology_.cornerEdges) e = renumbered[at(alike[at(e)])];
-    mesh::Topology compact;
-    std::vector<std::uint8_t> smooth;
-    std::vector<float> creases;
-    for (std::size_t e = 0; e < renumbered.size(); ++e) {
-      if (renumbered[e] == kNone) continue;
-      compact.edges.push_back(topology_.edges[e]);
-      smooth.push_back(smooth_[e]);
-      if (!creases_.edges.empty()) creases.push_back(creases_.edges[e]);
+    std::vector<mesh::EdgeVertices> edges(at(kept));
+    std::vector<std::uint8_t> smooth(at(kept), 1);
+    std::vector<float> creases(creases_.edges.empty() ? 0 : at(kept), 0);
+    for (std::size_t e = 0; e < alike.size(); ++e) {
+      if (alike[e] == kNone) continue;
+      const std::size_t id = at(renumbered[at(alike[e])]);
+      if (alike[e] == static_cast<EdgeId>(e)) edges[id] = topology_.edges[e];
+      if (!smooth_[e]) smooth[id] = 0;
+      if (!creases.empty()) creases[id] = std::max(creases[id], creases_.edges[e]);
     }
-    topology_.edges = std::move(compact.edges);
+    topology_.edges = std::move(edges);
     smooth_ = std::move(smooth);
     if (std::ranges::all_of(creases, [](float weight) { return weight == 0; })) creases.clear();
     creases_.edges = std::move(creases);

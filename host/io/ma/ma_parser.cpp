@@ -23,6 +23,11 @@ bool isOn(std::string_view word) {
   return isOneOf(word, {"on", "yes", "true", "1"});
 }
 
+/// What may follow the plus of a sum of strings; before a number it is a sign.
+bool comesAfterPlus(char c) {
+  return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '"';
+}
+
 bool isNotFinite(std::string_view word) {
   return isOneOf(word, {"nan", "inf", "NaN", "Inf", "NAN", "INF", "infinity"});
 }
@@ -102,12 +107,15 @@ class Parser {
     std::vector<MaToken> tokens;
     bool joins = false;
     while (!fault_) {
-      const Token token = lexer_.nextWord();
-      if (token.is(";")) break;
-      if (token.is("+")) {
+      if (lexer_.peek() == '+' && comesAfterPlus(lexer_.at(1))) {
+        mel::Position after = lexer_.position();
+        ++after.offset;
+        lexer_.rewind(after);
         joins = true;
         continue;
       }
+      const Token token = lexer_.nextWord();
+      if (token.is(";")) break;
       if (token.is("(") || token.is(")") || token.is("{") || token.is("}") || token.is(","))
         continue;
       if (!addToken(tokens, token, joins)) refuse(token, "a value should stand here");

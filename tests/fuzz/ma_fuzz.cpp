@@ -1,0 +1,57 @@
+// Any bytes end in an error or in a scene whose meshes are sound; what loads can be saved, and that
+// loads again to the same text.
+#include <cstdlib>
+#include <string>
+
+#include "host/base/messages.h"
+#include "host/io/ma/ma_loader.h"
+#include "host/io/ma/ma_writer.h"
+#include "host/mesh/check.h"
+#include "host/nodes/mesh_shape.h"
+
+namespace {
+
+using namespace host;
+
+void require(bool condition) {
+  if (!condition) std::abort();
+}
+
+dg::TypeRegistry& types() {
+  static dg::TypeRegistry* const registry = [] {
+    auto* made = new dg::TypeRegistry;  // outlives every document
+    nodes::registerBuiltinTypes(*made);
+    return made;
+  }();
+  return *registry;
+}
+
+/// Loads a text into a new scene and saves it; empty when it is refused.
+std::string passed(std::string text) {
+  auto file = io::parseMa(std::move(text), "fuzz.ma");
+  if (!file) {
+    require(file.error().message.starts_with("fuzz.ma:"));
+    return {};
+  }
+  for (const io::MaNode& node : file->nodes)
+    if (node.mesh) require(mesh::check(*node.mesh).empty());
+  scene::Document document(types());
+  nodes::installNewScene(document);
+  document.reset();
+  io::MaKept kept;
+  if (!io::loadMa(document, *std::move(file), kept)) return {};
+  const auto saved = io::formatMa(
+      document, kept, {.name = "fuzz.ma", .modified = {}, .version = "2016", .requirements = {}});
+  return saved ? saved->text : std::string();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const MessageCapture quiet;
+  const std::string once = passed(std::string(reinterpret_cast<const char*>(data), size));
+  if (once.empty()) return 0;
+  const std::string twice = passed(once);
+  require(!twice.empty() && passed(twice) == twice);
+  return 0;
+}
