@@ -11,6 +11,7 @@
 #include "host/math/box.h"
 #include "host/math/ray.h"
 #include "host/mesh/mesh.h"
+#include "host/spatial/large_allocator.h"
 #include "host/spatial/point_index.h"
 #include "host/spatial/triangle.h"
 
@@ -104,7 +105,7 @@ class Accelerator {
   [[nodiscard]] const RayScene& rays() const;
   [[nodiscard]] const TriangleBvh& bvh() const;
 
-  std::vector<Triangle> triangles_;
+  std::vector<Triangle, LargeAllocator<Triangle>> triangles_;
   mesh::Mesh mesh_;  // for its points
   Box box_;
   mutable std::once_flag raysOnce_, bvhOnce_, pointsOnce_;

@@ -25,7 +25,7 @@ bool countBytes(void*, ssize_t bytes, bool) {
 /// One device for all scenes. It lives to the end of the program: scenes may sit in statics.
 RTCDevice device() {
   static RTCDevice shared = [] {
-    RTCDevice d = rtcNewDevice(nullptr);
+    RTCDevice d = rtcNewDevice("hugepages=1");
     rtcSetDeviceMemoryMonitorFunction(d, countBytes, nullptr);
     return d;
   }();

@@ -7,11 +7,13 @@
 #include "tests/zoo/mesh_zoo.h"
 
 /// Makes a mesh of the zoo the scene's only object: transform "shape", no history.
-inline MDagPath showMesh(toolkitSession& toolkit, const host::mesh::Mesh& mesh) {
+/// `pose` is MEL that is run afterwards; the path is the one after that.
+inline MDagPath showMesh(toolkitSession& toolkit, const host::mesh::Mesh& mesh, const char* pose = "") {
   toolkit.run("file -f -new; polyCube -ch 0 -name shape;");
   const auto shape = toolkit.session->document().node("shapeShape");
   REQUIRE(shape.has_value());
   REQUIRE(host::nodes::setStoredMesh(**shape, mesh).has_value());
+  toolkit.run(pose);
   return toolkitSession::path("shape");
 }
 

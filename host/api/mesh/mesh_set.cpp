@@ -46,13 +46,13 @@ scene::MeshDataPtr readMesh(const MFnMesh& set, MStatus* status) {
 
 const Surface* surfaceOf(const MFnMesh& set, MSpace::Space space, MStatus& status) {
   MeshSetRep& rep = repOf(set);
-  auto data = rep.target.isNull() ? nullptr : rep.target.read();
-  status = data ? MStatus::kSuccess : MStatus::kFailure;
+  dg::DataPtr data;
+  status = rep.target.readData(data) ? MStatus::kSuccess : MStatus::kFailure;
   std::optional<math::Matrix4> toSpace;
   // Object space needs no path, and looking one up costs as much as a short ray.
   if (status && space != MSpace::kObject) status = rep.target.spaceMatrix(space, toSpace);
   if (!status) return nullptr;
-  if (!rep.surface || !rep.surface->isOf(data, toSpace)) rep.surface.emplace(std::move(data), toSpace);
+  if (!rep.surface || !rep.surface->isOf(data.get(), toSpace)) rep.surface.emplace(MeshTarget::asMesh(data), toSpace);
   return &*rep.surface;
 }
 

@@ -34,20 +34,30 @@ MeshTarget::MeshTarget(const MObject& object, const MDagPath& path) : MeshTarget
   if (shape_ && !inner.isWorld() && inner.toShape().node() == shape_) path_ = inner.toShape();
 }
 
-scene::MeshDataPtr MeshTarget::read() const {
+bool MeshTarget::readData(dg::DataPtr& data) const {
   if (value_) {
-    auto data = std::dynamic_pointer_cast<const scene::MeshData>(value_->data);
-    return data ? data : std::make_shared<const scene::MeshData>(mesh::Mesh());
+    data = value_->data;
+    return true;
   }
-  if (!shape_ || !shape_->isAlive()) return nullptr;
+  if (!shape_ || !shape_->isAlive()) return false;
   auto value = shape_->graph().get(outMesh_);
   if (!value) {
     rememberError(value.error());
-    return nullptr;
+    return false;
   }
-  const auto* data = std::get_if<dg::DataPtr>(&*value);
-  auto mesh = data ? std::dynamic_pointer_cast<const scene::MeshData>(*data) : nullptr;
+  auto* arrived = std::get_if<dg::DataPtr>(&*value);
+  data = arrived ? std::move(*arrived) : nullptr;
+  return true;
+}
+
+scene::MeshDataPtr MeshTarget::asMesh(const dg::DataPtr& data) {
+  auto mesh = std::dynamic_pointer_cast<const scene::MeshData>(data);
   return mesh ? mesh : std::make_shared<const scene::MeshData>(mesh::Mesh());
+}
+
+scene::MeshDataPtr MeshTarget::read() const {
+  dg::DataPtr data;
+  return readData(data) ? asMesh(data) : nullptr;
 }
 
 MStatus MeshTarget::writePoints(std::vector<math::Vec3f> points) const {

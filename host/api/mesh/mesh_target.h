@@ -32,6 +32,9 @@ class MeshTarget {
 
   /// The mesh as it is now; null, with the reason remembered, when it can't be evaluated.
   [[nodiscard]] scene::MeshDataPtr read() const;
+  /// The same in two steps, for who may know the data already: what is there, and that as a mesh (an empty one for none).
+  [[nodiscard]] bool readData(dg::DataPtr& data) const;
+  [[nodiscard]] static scene::MeshDataPtr asMesh(const dg::DataPtr& data);
   /// Moves points only (object space, one a vertex).
   [[nodiscard]] MStatus writePoints(std::vector<math::Vec3f> points) const;
   /// Replaces corner data, flags and creases; the topology must be the same.

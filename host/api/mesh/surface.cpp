@@ -137,7 +137,7 @@ std::optional<spatial::RayHit> Surface::closestHit(const Ray& ray, const spatial
   const auto inObject = toObject(ray);
   auto hit = inObject ? own().closestHit(*inObject, options)
                       : stretched().closestHit({ray.origin - translation(), ray.direction}, options);
-  if (hit) hit->point = pointOf(*hit);
+  if (hit) moveToSpace(*hit, inObject.has_value());
   return hit;
 }
 
@@ -145,7 +145,7 @@ std::vector<spatial::RayHit> Surface::allHits(const Ray& ray, const spatial::Ray
   const auto inObject = toObject(ray);
   auto hits = inObject ? own().allHits(*inObject, options)
                        : stretched().allHits({ray.origin - translation(), ray.direction}, options);
-  for (spatial::RayHit& hit : hits) hit.point = pointOf(hit);
+  for (spatial::RayHit& hit : hits) moveToSpace(hit, inObject.has_value());
   return hits;
 }
 
@@ -155,9 +155,16 @@ std::optional<spatial::ClosestPoint> Surface::closestPoint(const Vec3& point, do
                    ? own().closestPoint(math::transformPoint(point, *fromSpace_), maxDistance / evenScale_)
                    : stretched().closestPoint(point - translation(), maxDistance);
   if (!found) return {};
-  found->point = pointOf(*found);
+  moveToSpace(*found, evenScale_ > 0);
   found->distance = math::distance(found->point, point);
   return found;
+}
+
+void Surface::moveToSpace(spatial::SurfacePoint& place, bool isInObject) const {
+  if (!isInObject)
+    place.point = pointOf(place);
+  else if (toSpace_)
+    place.point = math::transformPoint(place.point, *toSpace_);
 }
 
 Vec3 Surface::pointOf(const spatial::SurfacePoint& place) const {

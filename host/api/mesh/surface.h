@@ -18,8 +18,9 @@ class Surface {
   Surface(scene::MeshDataPtr data, const std::optional<math::Matrix4>& toSpace);
 
   [[nodiscard]] const mesh::Mesh& mesh() const { return data_->mesh; }
-  [[nodiscard]] bool isOf(const scene::MeshDataPtr& data, const std::optional<math::Matrix4>& toSpace) const {
-    return data_ == data && toSpace_ == toSpace;
+  /// Whether it is the surface of that very data in that space.
+  [[nodiscard]] bool isOf(const dg::Data* data, const std::optional<math::Matrix4>& toSpace) const {
+    return data_.get() == data && toSpace_ == toSpace;
   }
 
   /// The first hit along a ray of the space; `t` counts in lengths of its direction.
@@ -37,6 +38,8 @@ class Surface {
   [[nodiscard]] math::Vec3 normalOf(FaceId face) const;
 
  private:
+  /// Brings a place that an accelerator has found into the space: from object space, or from a stretched one's.
+  void moveToSpace(spatial::SurfacePoint& place, bool isInObject) const;
   [[nodiscard]] const spatial::Accelerator& own() const;
   [[nodiscard]] const spatial::Accelerator& stretched() const;
   [[nodiscard]] math::Vec3 translation() const {

@@ -207,3 +207,54 @@ TEST_CASE("intersections: face and triangle lists narrow the search, the reach e
   const MIntArray none;
   CHECK_FALSE(hits(&none, nullptr, 100, face));
 }
+
+TEST_CASE("queries: one function set sees every change of its mesh, its place, and what it is attached to") {
+  Scene scene;
+  const MDagPath path = scene.shape(host::zoo::gridMesh(4, 4), "");
+  MFnMesh set(path);
+  const auto heightAt = [&](MSpace::Space space) {
+    MFloatPoint hit;
+    const bool isHit = set.closestIntersection(MFloatPoint(1.5F, 50, 1.5F), MFloatVector(0, -1, 0), nullptr, nullptr, false,
+                                               space, 1e6F, false, nullptr, hit, nullptr, nullptr, nullptr, nullptr, nullptr);
+    MPoint closest;
+    if (!isHit) return -1000.0F;
+    REQUIRE(set.getClosestPoint(MPoint(1.5, 50, 1.5), closest, space));
+    CHECK(closest.y == doctest::Approx(hit.y));
+    return hit.y;
+  };
+  const auto lift = [&](float height) {
+    MFnMesh other(path);
+    MFloatPointArray points;
+    REQUIRE(other.getPoints(points));
+    for (unsigned int i = 0; i < points.length(); ++i) points[i].y = height;
+    REQUIRE(other.setPoints(points));
+  };
+  CHECK(heightAt(MSpace::kObject) == 0);
+  lift(2);  // through another set
+  CHECK(heightAt(MSpace::kObject) == 2);
+  CHECK(heightAt(MSpace::kWorld) == 2);
+  scene.run("setAttr shape.translateY 3");
+  CHECK(heightAt(MSpace::kObject) == 2);
+  CHECK(heightAt(MSpace::kWorld) == 5);
+  scene.run("group -name above shape");
+  CHECK(heightAt(MSpace::kWorld) == -1000);  // the path that the set was given is none any more
+  CHECK(heightAt(MSpace::kObject) == 2);
+  set.setObject(MDagPath(path).node());
+  CHECK(heightAt(MSpace::kObject) == 2);
+  scene.run("undo; undo");
+  set.setObject(path);
+  CHECK(heightAt(MSpace::kWorld) == 2);
+  REQUIRE(set.freeCachedIntersectionAccelerator());
+  CHECK(heightAt(MSpace::kWorld) == 2);
+  scene.run("polyPlane -name plane -w 9 -h 9; move 0 7 0 plane;");
+  MSelectionList list;
+  MDagPath plane;
+  list.add("plane");
+  list.getDagPath(0, plane);
+  set.setObject(plane);
+  CHECK(heightAt(MSpace::kWorld) == 7);
+  scene.run("setAttr polyPlane1.width 0.1");
+  CHECK(heightAt(MSpace::kWorld) == -1000);
+  scene.run("delete plane");
+  CHECK(heightAt(MSpace::kObject) == -1000);
+}
