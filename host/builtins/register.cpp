@@ -27,6 +27,7 @@ void registerNodeQueries(cmd::CommandRegistry&);
 void registerParent(cmd::CommandRegistry&);
 void registerRotateScale(cmd::CommandRegistry&);
 void registerSets(cmd::CommandRegistry&);
+void registerShadingNode(cmd::CommandRegistry&);
 void registerUngroup(cmd::CommandRegistry&);
 void registerVisibility(cmd::CommandRegistry&);
 void registerXform(cmd::CommandRegistry&);
@@ -54,6 +55,7 @@ void registerLs(cmd::CommandRegistry&);
 void registerPickWalk(cmd::CommandRegistry&);
 void registerPolyListComponentConversion(cmd::CommandRegistry&);
 void registerPolySelect(cmd::CommandRegistry&);
+void registerPolySelectConstraint(cmd::CommandRegistry&);
 void registerSelect(cmd::CommandRegistry&);
 void registerSelectMode(cmd::CommandRegistry&);
 void registerTraverseSelection(cmd::CommandRegistry&);
@@ -97,10 +99,11 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerUiGesture,       registerWindowPref,    registerComponentMenu,  registerIsolateSelect,
       registerPanels,          registerSelectPref,    registerToolCommands,   registerViewMessages,
       registerPlayblast,     registerViewFit,         registerConvertSelection, registerPolySelect,
+      registerPolySelectConstraint,
       registerTraverseSelection, registerDeleteComponents, registerPerformAction, registerPolyColorPerVertex,
       registerPolyColorSet,  registerPolyOptions,     registerPolyUvSet,      registerModellingCommands,
       registerListSets,      registerMakeIdentity,    registerVisibility,     registerPointPosition,
-      registerUngroup,       registerPickWalk,        registerRuntimeCommands,
+      registerShadingNode,   registerUngroup,         registerPickWalk,             registerRuntimeCommands,
   };
   for (const auto registration : kRegistrations) registration(registry);
 }
