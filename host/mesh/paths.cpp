@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "host/mesh/adjacency.h"
+#include "host/mesh/normals.h"
 
 namespace host::mesh {
 
@@ -45,12 +46,6 @@ std::unordered_map<Index, Reached> search(Index from, Index to, Visit&& visit) {
   return reached;
 }
 
-Vec3 centre(const Mesh& mesh, FaceId face) {
-  Vec3 sum;
-  for (const VertexId v : mesh.faceVertices(face)) sum += mesh.point(v);
-  return sum / static_cast<double>(mesh.faceSize(face));
-}
-
 }  // namespace
 
 std::vector<EdgeId> shortestEdgePath(const Mesh& mesh, VertexId from, VertexId to) {
@@ -72,10 +67,10 @@ std::vector<EdgeId> shortestEdgePath(const Mesh& mesh, VertexId from, VertexId t
 std::vector<FaceId> shortestFacePath(const Mesh& mesh, FaceId from, FaceId to) {
   const Adjacency& adjacency = mesh.adjacency();
   const auto reached = search(from, to, [&](FaceId f, auto&& link) {
-    const Vec3 here = centre(mesh, f);
+    const Vec3 here = faceCenter(mesh, f);
     for (const EdgeId e : mesh.faceEdges(f))
       for (const FaceId other : adjacency.edgeFaces(e))
-        if (other != f) link(other, e, math::length(centre(mesh, other) - here));
+        if (other != f) link(other, e, math::length(faceCenter(mesh, other) - here));
   });
   std::vector<FaceId> path;
   if (!reached.contains(to)) return path;
