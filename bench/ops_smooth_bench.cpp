@@ -1,5 +1,5 @@
-// Catmull-Clark steps against OpenSubdiv's uniform refinement of the same mesh with the same
-// channels (points and UVs).
+// Catmull-Clark steps, alone and through the command with history and selection, against
+// OpenSubdiv's uniform refinement of the same mesh with the same channels (points and UVs).
 #include <benchmark/benchmark.h>
 #include <opensubdiv/far/primvarRefiner.h>
 #include <opensubdiv/far/topologyDescriptor.h>
@@ -7,8 +7,11 @@
 #include <cmath>
 #include <memory>
 #include <numeric>
+#include <string>
 #include <vector>
 
+#include "host/builtins/register.h"
+#include "host/nodes/mesh_shape.h"
 #include "host/ops/primitives/torus.h"
 #include "host/ops/smooth/smooth_mesh.h"
 
@@ -44,6 +47,25 @@ void BM_Smooth(benchmark::State& state) {
   }
   if (made != mesh.faceCount() * static_cast<Index>(std::pow(4, state.range(1))))
     state.SkipWithError("wrong face count");
+  reportFaces(state);
+}
+
+void BM_Command(benchmark::State& state) {
+  const auto session = builtins::makeSession();
+  const std::string side = std::to_string(state.range(0));
+  const auto run = [&](const std::string& text) { return session->executeLine(text).has_value(); };
+  if (!run("polyTorus -ch 0 -n ring -sa " + side + " -sh " + side + "; flushUndo"))
+    state.SkipWithError("no torus");
+  const std::string text = "polySmooth -dv " + std::to_string(state.range(1)) + " ring";
+  for (auto _ : state) {
+    if (!run(text)) state.SkipWithError("smoothing failed");
+    state.PauseTiming();
+    const auto made = nodes::evaluatedMesh(*session->document().dagPath("ringShape")->node());
+    if (!made || made->faceCount() != state.range(0) * state.range(0) << 2 * state.range(1))
+      state.SkipWithError("wrong face count");
+    if (!run("undo") || !run("flushUndo")) state.SkipWithError("no undo");
+    state.ResumeTiming();
+  }
   reportFaces(state);
 }
 
@@ -110,9 +132,11 @@ void BM_OpenSubdiv(benchmark::State& state) {
       ->Args({361, 1})                \
       ->Args({1000, 1})               \
       ->Args({361, 2})                \
+      ->Args({1000, 2})               \
       ->Unit(benchmark::kMillisecond) \
       ->UseRealTime()
 SMOOTH_BENCH(BM_Smooth, "smoothMesh");
+SMOOTH_BENCH(BM_Command, "polySmooth");
 SMOOTH_BENCH(BM_OpenSubdiv, "openSubdiv");
 
 }  // namespace

@@ -19,6 +19,7 @@ void registerPolyBridgeEdge(CommandRegistry& registry) {
                    {"sv2", "startVert2", {kCount}},
                    {"ev1", "endVert1", {kCount}},
                    {"ev2", "endVert2", {kCount}},
+                   {"d", "direction", {ArgType::Bool}},
                    {"sd", "sourceDirection", {kCount}},
                    {"td", "targetDirection", {kCount}},
                    worldSpaceFlag()});

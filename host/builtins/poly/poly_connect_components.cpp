@@ -9,7 +9,8 @@ void registerPolyConnectComponents(CommandRegistry& registry) {
                    .works = scene::ComponentType::Edge,
                    .alsoTakes = {scene::ComponentType::Vertex},
                    .leaves = Leaves::Made},
-                  {});
+                  {{"ief", "insertWithEdgeFlow", {ArgType::Bool}},
+                   {"aef", "adjustEdgeFlow", {ArgType::Double}}});
 }
 
 }  // namespace host::builtins

@@ -27,6 +27,8 @@ Result<void> setPoints(Context& context, const ParsedArgs& args, dg::Node& node)
 
 CommandResult polyCreateFacet(Context& context, const ParsedArgs& args) {
   if (!args.isCreate()) return editOrQuery(context, args, "polyCreateFace", flags());
+  if (args.integer("subdivision", 1) != 1)
+    return fail("polyCreateFacet: edges can't be subdivided here; use polySubdivideEdge.");
   scene::Document& document = context.document;
   auto node = document.createNode("polyCreateFace");
   if (!node) return failWith(std::move(node.error()));
@@ -51,6 +53,7 @@ void registerPolyCreateFacet(CommandRegistry& registry) {
   constexpr ArgType kLength = ArgType::Distance;
   Syntax syntax;
   syntax.flag("p", "point", {kLength, kLength, kLength}).multiUse();
+  syntax.flag("s", "subdivision", {ArgType::Int});
   addFlags(syntax, flags()).editable().queryable().objects(0, 1, true);
   define(registry, "polyCreateFacet", syntax, polyCreateFacet);
 }

@@ -17,6 +17,8 @@ void registerPolySplitRing(CommandRegistry& registry) {
        {"uem", "useEqualMultiplier", {ArgType::Bool}},
        {"sma", "smoothingAngle", {ArgType::Angle}},
        {"fq", "fixQuads", {ArgType::Bool}},
+       {"ief", "insertWithEdgeFlow", {ArgType::Bool}},
+       {"aef", "adjustEdgeFlow", {ArgType::Double}},
        worldSpaceFlag()},
       [](Context& context, const ParsedArgs& args, dg::Node& node, const MeshItem&,
          const std::vector<EdgeId>& edges) -> Result<void> {

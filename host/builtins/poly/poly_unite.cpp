@@ -65,6 +65,10 @@ CommandResult polyUnite(Context& context, const ParsedArgs& args) {
   std::vector<std::string> names{transform.partialName()};
   if (keepsHistory) names.push_back(nodeName);
   selectObjects(document, {transform});
+  if (args.has("centerPivot")) {
+    auto centred = context.session.interpreter().execute("xform -centerPivots " + names.front());
+    if (!centred) return failWith(std::move(centred.error()));
+  }
   return toValue(std::move(names));
 }
 
@@ -72,6 +76,7 @@ CommandResult polyUnite(Context& context, const ParsedArgs& args) {
 
 void registerPolyUnite(CommandRegistry& registry) {
   Syntax syntax;
+  syntax.flag("cp", "centerPivot");
   addFlags(syntax, flags()).editable().queryable().objects(0, -1, true);
   define(registry, "polyUnite", syntax, polyUnite);
 }

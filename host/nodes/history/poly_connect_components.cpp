@@ -6,6 +6,8 @@ namespace host::nodes {
 
 void registerPolyConnectComponents(dg::TypeRegistry& types) {
   HistoryNodeBuilder(types, "polyConnectComponents", typeCode("PCCP"))
+      .parameter(boolean("insertWithEdgeFlow", "ief"))
+      .parameter(keyable(real("adjustEdgeFlow", "aef", 1)))
       .operation([](HistoryContext& context) -> Result<void> {
         auto made = ops::connectComponents(context.mesh, context.vertices(), context.edges());
         if (!made) return failWith(made.error());

@@ -25,7 +25,9 @@ Result<void> mirror(HistoryContext& context) {
   options.normal = normal;
   options.cut = context.boolean("cutMesh");
   options.join = kJoins[std::clamp(context.integer("mergeMode"), 0, 2)];
-  options.distance = context.real("mergeThreshold");
+  constexpr double kAutomatic = 0.001;
+  const bool isCustom = context.integer("mergeThresholdType") != 0;
+  options.distance = isCustom ? context.real("mergeThreshold") : kAutomatic;
   options.flipUvs = kFlips[std::clamp(context.integer("flipUVs"), 0, 2)];
   options.smoothingAngle = context.real("smoothingAngle");
   options.space = context.space();
@@ -47,7 +49,10 @@ void registerPolyMirror(dg::TypeRegistry& types) {
       .parameter(keyable(triple("pivot", "p", AttributeType::Distance)))
       .parameter(boolean("cutMesh", "cm"))
       .parameter(limited(choice("mergeMode", "mm", {"Do not merge", "Merge", "Bridge"}, 1), 0, 2))
+      .parameter(choice("mergeThresholdType", "mtt", {"Automatic", "Custom"}, 1))
       .parameter(distance("mergeThreshold", "mt", 0.001))
+      .parameter(choice("mirrorAxis", "ma", {"Bounding box", "Object", "World"}))
+      .parameter(distance("mirrorPosition", "mps"))
       .parameter(choice("flipUVs", "fuv", {"Off", "U", "V"}))
       .parameter(angle("smoothingAngle", "sa", std::numbers::pi / 6))
       .operation(mirror);

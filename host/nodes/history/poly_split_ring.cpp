@@ -41,6 +41,8 @@ void registerPolySplitRing(dg::TypeRegistry& types) {
       .parameter(boolean("useEqualMultiplier", "uem", true))
       .parameter(angle("smoothingAngle", "sma", std::numbers::pi / 6))
       .parameter(boolean("fixQuads", "fq"))
+      .parameter(boolean("insertWithEdgeFlow", "ief"))
+      .parameter(keyable(real("adjustEdgeFlow", "aef", 1)))
       .parameter(array(compound(
           "profileCurve", "p",
           {single("profileCurve_Position", "pp"), single("profileCurve_FloatValue", "pfv"),
