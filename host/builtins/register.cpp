@@ -33,6 +33,7 @@ void registerVisibility(cmd::CommandRegistry&);
 void registerXform(cmd::CommandRegistry&);
 
 void registerFile(cmd::CommandRegistry&);
+void registerFileInfo(cmd::CommandRegistry&);
 
 void registerDeleteComponents(cmd::CommandRegistry&);
 void registerPerformAction(cmd::CommandRegistry&);
@@ -91,6 +92,7 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerCreateNode,      registerDelete,        registerDuplicate,      registerListHistory,
       registerListRelatives,   registerMove,          registerNodeQueries,    registerParent,
       registerRotateScale,     registerSets,          registerXform,          registerFile,
+      registerFileInfo,
       registerCreatePrimitive, registerPolyCrease,    registerPolyEvaluate,   registerPolyInfo,
       registerPolySoftEdge,    registerFilterExpand,  registerLs,             registerPolyListComponentConversion,
       registerSelect,          registerSelectMode,    registerAbout,          registerOptionVar,

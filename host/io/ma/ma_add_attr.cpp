@@ -121,6 +121,14 @@ void readRange(const Flags& flags, double perUnit, dg::Attribute& attribute) {
   if (auto converted = attribute.convert(dg::Value(value))) attribute.defaultValue = *converted;
 }
 
+bool isName(std::string_view word) {
+  const auto isLetter = [](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+  };
+  return !word.empty() && isLetter(word.front()) &&
+         std::ranges::all_of(word, [&](char c) { return isLetter(c) || (c >= '0' && c <= '9'); });
+}
+
 constexpr int kDeepest = 32;
 int depthOf(const dg::Attribute& attribute) {
   int depth = 0;
@@ -133,7 +141,8 @@ AttributePtr makeFrom(const Flags& flags, const scene::Units& units) {
   std::string longName(flags.text("ln")), shortName(flags.text("sn"));
   if (longName.empty()) longName = shortName;
   if (shortName.empty()) shortName = longName;
-  if (longName.empty()) return nullptr;
+  if (!isName(longName) || !isName(shortName)) return nullptr;
+  if (flags.has("dt") && !std::ranges::all_of(flags.all("dt"), isName)) return nullptr;
   AttributePtr attribute;
   if (flags.has("dt")) {
     const std::vector<std::string_view>& types = flags.all("dt");

@@ -32,6 +32,19 @@ bool isNotFinite(std::string_view word) {
   return isOneOf(word, {"nan", "inf", "NaN", "Inf", "NAN", "INF", "infinity"});
 }
 
+bool isUuid(std::string_view word) {
+  return !word.empty() &&
+         word.find_first_not_of("0123456789abcdefABCDEF-") == std::string_view::npos;
+}
+
+bool isName(std::string_view word) {
+  const auto isIn = [](char c, std::string_view more) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || more.find(c) != more.npos;
+  };
+  return !word.empty() && isIn(word.front(), "_:") &&
+         std::ranges::all_of(word, [&](char c) { return isIn(c, "_:|0123456789"); });
+}
+
 std::string_view withoutDot(std::string_view path) {
   return path.starts_with('.') ? path.substr(1) : path;
 }
@@ -204,7 +217,8 @@ class Parser {
       else if (!isOneOf(token.text, {"-ss", "-skipSelect"}))
         refuse(token, "a flag of createNode should stand here");
     }
-    if (!fault_ && node.type.empty()) failAt(start_, "createNode names no type");
+    if (!fault_ && !isName(node.type))
+      failAt(start_, fmt::format("'{}' is not the name of a node type", node.type.substr(0, 40)));
     file_.nodes.push_back(std::move(node));
     rows_.emplace_back();
   }
@@ -218,7 +232,7 @@ class Parser {
   void select() {
     const std::vector<MaToken> words = restOfStatement();
     for (const MaToken& word : words) {
-      if (word.text.starts_with('-')) continue;
+      if (!isName(word.text)) continue;
       MaNode node;
       node.offset = start_;
       node.name = word.text;
@@ -232,7 +246,7 @@ class Parser {
     if (fault_) return;
     MaNode* node = current();
     if (!node) return;
-    if (words.size() == 2 && isOneOf(words[0].text, {"-uid", "-uuid"}))
+    if (words.size() == 2 && isOneOf(words[0].text, {"-uid", "-uuid"}) && isUuid(words[1].text))
       node->uuid = words[1].text;
     else
       warn("only 'rename -uid' has a place in a scene: passed over");

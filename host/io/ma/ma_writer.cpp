@@ -295,9 +295,11 @@ class Writer {
       const auto from = kept.source.lock(), to = kept.destination.lock();
       if (!from || !to || !from->isAlive() || !to->isAlive()) continue;
       if (isWritten_.count(from.get()) == 0 || isWritten_.count(to.get()) == 0) continue;
-      out() += fmt::format("connectAttr \"{}.{}\" \"{}.{}\"{};\n", nameOf(*from), kept.sourcePath,
-                           nameOf(*to), kept.destinationPath,
-                           kept.toNextAvailable ? " -na" : "");
+      out() += "connectAttr ";
+      appendQuoted(out(), nameOf(*from) + "." + kept.sourcePath);
+      out() += ' ';
+      appendQuoted(out(), nameOf(*to) + "." + kept.destinationPath);
+      out() += kept.toNextAvailable ? " -na;\n" : ";\n";
     }
   }
 
