@@ -115,7 +115,8 @@ MStatus projectMeshOnMeshCmd::doIt(const MArgList& arguments) {
     return refuse("the wrap direction is x, y, z or objectYRotation, not " + wrapDirection);
   if (!space.isWorld && space.toWorld.isSingular())
     return refuse(movedPath.partialPathName() + " is scaled to nothing, so it has no Y axis to fall along");
-  if ((status = requireFaces("projectMeshOnMeshCmd", pair.second)) != MS::kSuccess) return status;
+  for (const MDagPath* path : {&pair.first, &pair.second})
+    if ((status = requireFaces("projectMeshOnMeshCmd", *path)) != MS::kSuccess) return status;
   if ((status = readWorldPoints(movedPath, pointsBefore)) != MS::kSuccess) return status;
   if (!positionsAreFinite("projectMeshOnMeshCmd", pointsBefore)) return MS::kFailure;
   if ((status = placesBefore.takeAll(movedPath)) != MS::kSuccess) return status;

@@ -99,7 +99,8 @@ MStatus SelectCmd::redoIt() {
   MGlobal::setHiliteList(edgeSelection);
   const MStatus status = MGlobal::setActiveSelectionList(edgeSelection);
   if (status != MS::kSuccess) return status;
-  return MGlobal::executeCommand("doMenuComponentSelection(\"" + lastPathName + "\", \"edge\")", false, false);
+  MGlobal::executeCommand("doMenuComponentSelection(\"" + lastPathName + "\", \"edge\")", false, false);
+  return MS::kSuccess;
 }
 
 MStatus SelectCmd::undoIt() {

@@ -45,9 +45,14 @@ void diagonalise(double a[3][3], double v[3][3]) {
 }  // namespace
 
 MPoint meanPoint(const MPointArray& points, unsigned int start, unsigned int count) {
-  MVector sum;
-  for (unsigned int i = start; i < start + count; ++i) sum += MVector(points[i]);
-  return MPoint(sum / static_cast<double>(count));
+  double x = 0.0, y = 0.0, z = 0.0;
+  for (unsigned int i = start; i < start + count; ++i) {
+    x += points[i].x;
+    y += points[i].y;
+    z += points[i].z;
+  }
+  const double n = static_cast<double>(count);
+  return MPoint(x / n, y / n, z / n);
 }
 
 MPoint farthestFrom(const MPoint& from, const MPointArray& points, unsigned int start, unsigned int count) {
