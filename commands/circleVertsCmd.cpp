@@ -11,6 +11,7 @@
 #include "commands/componentGather.h"
 #include "commands/mirrorOptions.h"
 #include "commands/worldPoints.h"
+#include "shared/mathHelper.h"
 #include "shared/pointIndex.h"
 
 namespace {
@@ -36,7 +37,7 @@ MStatus circleVertsCmd::gather() {
   appendSelectedVertices(selection, dagPath, vertexIds);
   appendSelectedEdgeEnds(selection, dagPath, vertexIds);
   appendSelectedFaceVertices(selection, dagPath, vertexIds);
-  makeUniqueAscending(vertexIds);
+  vertexIds = mathHelper().uniqueSorted(vertexIds);
   return MS::kSuccess;
 }
 
@@ -57,7 +58,7 @@ MVector circleVertsCmd::meanNormal(unsigned int count) const {
 
 void circleVertsCmd::mirrorSecondHalf(const mirrorOptions& mirror) {
   const unsigned int half = vertexIds.length() / 2;
-  const mirrorPlane plane(dagPath, mirror);
+  const mirrorPlane plane = mirror.plane(dagPath);
   const pointIndex firstHalf(savedPositions, 0, half);
   for (unsigned int i = half; i < vertexIds.length(); ++i) {
     const int partner = firstHalf.nearest(plane.reflect(savedPositions[i]), kMatchLimit);

@@ -9,9 +9,7 @@
 #include <maya/MObject.h>
 #include <maya/MSelectionList.h>
 
-#include <algorithm>
 #include <utility>
-#include <vector>
 
 namespace {
 
@@ -116,20 +114,4 @@ void selectedPolygons::take(const MDagPath& mesh, const MObject& component) {
     counts.append(static_cast<int>(corners.length()));
     for (unsigned int k = 0; k < corners.length(); ++k) connects.append(corners[k]);
   }
-}
-
-void makeUniqueAscending(MIntArray& indices) {
-  bool isDone = true;
-  int largest = 0;
-  for (unsigned int i = 0; i < indices.length(); ++i) {
-    isDone = isDone && (i == 0 || indices[i - 1] < indices[i]);
-    largest = std::max(largest, indices[i]);
-  }
-  if (isDone) return;
-  std::vector<char> isListed(static_cast<std::size_t>(largest) + 1, 0);
-  for (unsigned int i = 0; i < indices.length(); ++i) isListed[static_cast<std::size_t>(indices[i])] = 1;
-  unsigned int count = 0;
-  for (std::size_t i = 0; i < isListed.size(); ++i)
-    if (isListed[i]) indices[count++] = static_cast<int>(i);
-  indices.setLength(count);
 }

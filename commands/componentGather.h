@@ -29,6 +29,3 @@ struct selectedPolygons {
 
 /// The selected faces' indices, in iteration order.
 MIntArray selectedFaceIds(const MSelectionList& selection);
-
-/// Makes indices unique and ascending. Linear in their number and the largest index.
-void makeUniqueAscending(MIntArray& indices);

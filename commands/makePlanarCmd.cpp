@@ -15,6 +15,7 @@
 #include "commands/mirrorOptions.h"
 #include "commands/planarPlan.h"
 #include "commands/worldPoints.h"
+#include "shared/mathHelper.h"
 
 makePlanarCmd::makePlanarCmd() : mirrorAxis(mirrorOptions::kNoMirrorOption), mirrorInObjectSpace(1) {}
 
@@ -36,13 +37,13 @@ MStatus makePlanarCmd::gather(const mirrorOptions& mirror, MPointArray& points) 
     sortNormals(faces, points, mirror);
     std::swap(vertexIds, faces.connects);
   }
-  makeUniqueAscending(vertexIds);
+  vertexIds = mathHelper().uniqueSorted(vertexIds);
   return MS::kSuccess;
 }
 
 void makePlanarCmd::sortNormals(const selectedPolygons& faces, const MPointArray& points,
                                 const mirrorOptions& mirror) {
-  const mirrorPlane plane(dagPath, mirror);
+  const mirrorPlane plane = mirror.plane(dagPath);
   // Seen in a mirroring transform faces run the other way round than their normals are.
   const double side = dagPath.inclusiveMatrix().det3x3() < 0.0 ? -1.0 : 1.0;
   negativeNormals.setLength(faces.counts.length());

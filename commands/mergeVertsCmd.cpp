@@ -78,7 +78,7 @@ MStatus mergeVertsCmd::gatherAtTarget(MPointArray& points) {
   mirrorOptions options;
   options.axis = axis;
   options.inObjectSpace = toolSettings::current().mirrorWorldSpace ? 1 : 0;
-  const mirrorPlane plane(meshPath, options);
+  const mirrorPlane plane = options.plane(meshPath);
   const MPoint counterpart = points[static_cast<unsigned int>(mirrorId)];
   const bool targetIsPositive = plane.isPositive(target);
   for (unsigned int i = 0; i < vertexIds.length(); ++i) {

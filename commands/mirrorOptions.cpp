@@ -47,27 +47,10 @@ mirrorOptions mirrorOptions::fromWindow() {
   return options;
 }
 
-mirrorPlane::mirrorPlane(const MDagPath& mesh, const mirrorOptions& options)
-    : axis(static_cast<unsigned int>(options.axis)), inObjectSpace(options.inObjectSpace == 0) {
-  if (!inObjectSpace) return;
-  toObject = mesh.inclusiveMatrixInverse();
-  toWorld = mesh.inclusiveMatrix();
-}
-
-bool mirrorPlane::isPositive(const MPoint& worldPoint) const {
-  return inObjectSpace ? (worldPoint * toObject)[axis] >= 0.0 : worldPoint[axis] >= 0.0;
-}
-
-MPoint mirrorPlane::reflect(const MPoint& worldPoint) const {
-  MPoint point = inObjectSpace ? worldPoint * toObject : worldPoint;
-  point[axis] = -point[axis];
-  return inObjectSpace ? point * toWorld : point;
-}
-
 bool splitByMirror(MIntArray& vertexIds, const MPointArray& worldPoints, const MDagPath& mesh,
                    const mirrorOptions& options) {
   if (!options.isOn()) return false;
-  const mirrorPlane plane(mesh, options);
+  const mirrorPlane plane = options.plane(mesh);
   MIntArray negative, positive;
   for (unsigned int i = 0; i < vertexIds.length(); ++i) {
     const MPoint& point = worldPoints[static_cast<unsigned int>(vertexIds[i])];

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <maya/MMatrix.h>
-#include <maya/MPoint.h>
+#include "shared/mirrorPlane.h"
 
 class MDagPath;
 class MIntArray;
@@ -22,21 +21,9 @@ struct mirrorOptions {
   static int spaceFromWindow(int current);
   /// Reads mirror box, axis and space from the toolkit's window; no mirror, world space while it is closed.
   static mirrorOptions fromWindow();
-};
 
-/// The mirror plane of a mesh, for points in world space: an axis of the world or of the mesh's own space is 0 on it. A mesh
-/// whose transform can't be inverted is judged by its untransformed space.
-class mirrorPlane {
- public:
-  mirrorPlane(const MDagPath& mesh, const mirrorOptions& options);
-  /// Which side a point lies on; the plane itself counts as positive.
-  bool isPositive(const MPoint& worldPoint) const;
-  MPoint reflect(const MPoint& worldPoint) const;
-
- private:
-  unsigned int axis;
-  bool inObjectSpace;
-  MMatrix toObject, toWorld;
+  /// The plane that they mean for a mesh; only while they are on.
+  mirrorPlane plane(const MDagPath& mesh) const { return mirrorPlane(mesh, axis, inObjectSpace != 0); }
 };
 
 /// Splits `vertexIds` (any order) by the side of the mirror plane. When both sides have the same number of vertices the

@@ -9,6 +9,7 @@
 #include "commands/mirrorOptions.h"
 #include "commands/straightenPlan.h"
 #include "commands/worldPoints.h"
+#include "shared/mathHelper.h"
 
 namespace {
 
@@ -83,7 +84,7 @@ MStatus straightenCmd::gather() {
   if (status != MS::kSuccess) return status;
   appendSelectedVertices(selection, dagPath, vertexIds);
   appendSelectedEdgeEnds(selection, dagPath, vertexIds);
-  makeUniqueAscending(vertexIds);
+  vertexIds = mathHelper().uniqueSorted(vertexIds);
   return MS::kSuccess;
 }
 

@@ -25,6 +25,7 @@
 #include "commands/transferFlags.h"
 #include "commands/vertexNormals.h"
 #include "commands/worldPoints.h"
+#include "shared/mathHelper.h"
 
 namespace {
 
@@ -121,8 +122,8 @@ MStatus topologyTransferCmd::pairLandmarks(const meshPair& pair, unsigned int ta
     return refuse(MString("landmarks are pairs: ") + static_cast<int>(own.length()) + " vertices are selected on " +
                   pair.first.partialPathName() + " and " + static_cast<int>(theirs.length()) + " on " +
                   pair.second.partialPathName());
-  makeUniqueAscending(own);
-  makeUniqueAscending(theirs);
+  own = mathHelper().uniqueSorted(own);
+  theirs = mathHelper().uniqueSorted(theirs);
   for (unsigned int i = 0; i < own.length(); ++i) landmarks.push_back({own[i], theirs[i]});
   if (landmarks.size() > landmarkWarp::kMostLandmarks)
     return refuse(MString("at most ") + static_cast<int>(landmarkWarp::kMostLandmarks) + " landmarks can be used");

@@ -15,6 +15,7 @@
 #include "commands/transferFlags.h"
 #include "commands/vertexCorners.h"
 #include "commands/worldPoints.h"
+#include "shared/mathHelper.h"
 
 namespace {
 
@@ -58,7 +59,7 @@ MIntArray chosenVertices(const meshPair& pair, unsigned int vertexCount) {
   appendSelectedVertices(list, path, ids);
   appendSelectedEdgeEnds(list, path, ids);
   appendSelectedFaceVertices(list, path, ids);
-  makeUniqueAscending(ids);
+  ids = mathHelper().uniqueSorted(ids);
   return ids;
 }
 

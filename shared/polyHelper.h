@@ -73,6 +73,9 @@ class polyHelper {
   /// One vertex's counterpart as above, -1 for none or on failure. Mostly linear in the mesh: for many ask for all.
   int symmetricVertex(const MDagPath& mesh, int vertex, int axis, bool inWorldSpace, MStatus* status = nullptr) const;
 
+  /// The same across the plane that the tool settings name.
+  int symmetricVertex(const MDagPath& mesh, int vertex, MStatus* status = nullptr) const;
+
   /// How far a counterpart may lie from the mirrored position: a thousandth of the diagonal of the points' bounding box
   /// in the plane's space, in its units.
   static double mirrorTolerance(const MPointArray& points);

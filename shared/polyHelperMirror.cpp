@@ -8,6 +8,7 @@
 
 #include "shared/pointIndex.h"
 #include "shared/polyHelper.h"
+#include "shared/toolSettings.h"
 
 namespace {
 
@@ -117,4 +118,9 @@ int polyHelper::symmetricVertex(const MDagPath& mesh, int vertex, int axis, bool
   if (there == kNone) return kNone;
   const int back = nearestByScan(points, mirrored(points[static_cast<unsigned int>(there)], axis), limit);
   return back == vertex ? there : pairAll(points, axis)[static_cast<unsigned int>(vertex)];
+}
+
+int polyHelper::symmetricVertex(const MDagPath& mesh, int vertex, MStatus* status) const {
+  const toolSettings& settings = toolSettings::current();
+  return symmetricVertex(mesh, vertex, settings.mirrorAxis, settings.mirrorWorldSpace, status);
 }

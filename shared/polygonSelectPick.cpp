@@ -33,13 +33,14 @@ struct candidate {
 
 class cursorPick {
  public:
-  cursorPick(const M3dView& viewIn, int xIn, int yIn, const MDagPath& mesh, MStatus& status)
+  /// @param reach pixels around the cursor that are looked at; 0 for what lies on the pixel itself
+  cursorPick(const M3dView& viewIn, int xIn, int yIn, const MDagPath& mesh, double reach, MStatus& status)
       : view(viewIn), x(xIn), y(yIn), path(mesh), meshFn(mesh, &status), projector(view) {
     if (status == MS::kSuccess) projector = viewProjector(view, &status);
     const M3dView::DisplayStyle style = view.displayStyle();
     isSolid = (style == M3dView::kFlatShaded || style == M3dView::kGouraudShaded) && !view.xray();
     accelerator = MFnMesh::autoUniformGridParams();
-    if (status == MS::kSuccess) lookAround();
+    if (status == MS::kSuccess) lookAround(reach);
   }
 
   bool vertex(closestComponentRecord& found) const {
@@ -110,11 +111,11 @@ class cursorPick {
   }
 
   /// Collects the faces on the lines of sight through the cursor and on rings around it.
-  void lookAround() {
+  void lookAround(double reach) {
     constexpr double kTurn = 6.283185307179586;
     constexpr struct { double radius; int count; } kRings[] = {{0, 1}, {3, 6}, {6, 12}, {9.5, 20}};
     for (const auto& ring : kRings)
-      for (int i = 0; i < ring.count; ++i) {
+      for (int i = 0; ring.radius <= reach && i < ring.count; ++i) {
         const double angle = kTurn * i / ring.count;
         sightLine line;
         if (sight(x + ring.radius * std::cos(angle), y + ring.radius * std::sin(angle), line)) look(line, ring.radius == 0);
@@ -258,9 +259,9 @@ MStatus polygonSelect::componentUnderCursor(const M3dView& view, int x, int y, c
   if (type < kAnyType || type > kEdgeType) return MS::kInvalidParameter;
   if (!mesh.isValid()) return MS::kFailure;
   MStatus status;
-  const cursorPick pick(view, x, y, mesh, status);
-  if (status != MS::kSuccess) return status;
   const bool wantsAll = type == kAnyType;
+  const cursorPick pick(view, x, y, mesh, type == kFaceType ? 0.0 : kVertexTolerance, status);
+  if (status != MS::kSuccess) return status;
   if ((wantsAll || type == kVertexType) && pick.vertex(found)) found.type = kVertexType;
   else if ((wantsAll || type == kEdgeType) && pick.edge(found)) found.type = kEdgeType;
   else if ((wantsAll || type == kFaceType) && pick.face(found)) found.type = kFaceType;

@@ -7,16 +7,16 @@
 viewProjector::viewProjector(const M3dView& view, MStatus* status) {
   MStatus read = view.modelViewMatrix(toCamera);
   if (read == MS::kSuccess) read = view.projectionMatrix(toClip);
+  whole = toCamera * toClip;
   width = view.portWidth();
   height = view.portHeight();
   if (status) *status = read;
 }
 
 viewPlace viewProjector::project(const MPoint& world) const {
-  const MPoint inCamera = world * toCamera;
-  const MPoint clip = inCamera * toClip;
+  const MPoint clip = world * whole;
   viewPlace place;
-  place.depth = -inCamera.z;
+  place.depth = -(world.x * toCamera[0][2] + world.y * toCamera[1][2] + world.z * toCamera[2][2] + toCamera[3][2]);
   place.isClipped = !(clip.w > 0.0 && std::fabs(clip.z) <= clip.w);
   if (place.isClipped) return place;
   place.x = (clip.x / clip.w + 1.0) * 0.5 * width;
@@ -27,6 +27,7 @@ viewPlace viewProjector::project(const MPoint& world) const {
 viewProjector viewProjector::from(const MMatrix& toWorld) const {
   viewProjector composed = *this;
   composed.toCamera = toWorld * toCamera;
+  composed.whole = composed.toCamera * toClip;
   return composed;
 }
 

@@ -28,6 +28,6 @@ class viewProjector {
   bool isOrthographic() const;
 
  private:
-  MMatrix toCamera, toClip;
+  MMatrix toCamera, toClip, whole;  ///< the last is both in one
   double width = 0.0, height = 0.0;
 };

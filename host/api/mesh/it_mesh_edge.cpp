@@ -127,8 +127,13 @@ MPoint MItMeshEdge::center(MSpace::Space space, MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
   if (!walk) return MPoint();
   MPoint a, b;
-  const MStatus code = ends(*walk, space, a, b);
-  setStatus(status, code.statusCode());
+  if (space == MSpace::kObject) {
+    const mesh::EdgeVertices edge = walk->mesh().edge(walk->current());
+    a = api::toMPoint(walk->point(edge.a));
+    b = api::toMPoint(walk->point(edge.b));
+  } else {
+    setStatus(status, ends(*walk, space, a, b).statusCode());
+  }
   return MPoint((a.x + b.x) * 0.5, (a.y + b.y) * 0.5, (a.z + b.z) * 0.5);
 }
 MStatus MItMeshEdge::getLength(double& length, MSpace::Space space) const {

@@ -211,14 +211,15 @@ TEST_CASE("intersections: face and triangle lists narrow the search, the reach e
 TEST_CASE("queries: one function set sees every change of its mesh, its place, and what it is attached to") {
   Scene scene;
   const MDagPath path = scene.shape(host::zoo::gridMesh(4, 4), "");
+  const MObject node = path.node();
   MFnMesh set(path);
   const auto heightAt = [&](MSpace::Space space) {
     MFloatPoint hit;
-    const bool isHit = set.closestIntersection(MFloatPoint(1.5F, 50, 1.5F), MFloatVector(0, -1, 0), nullptr, nullptr, false,
+    const bool isHit = set.closestIntersection(MFloatPoint(1.5F, 50, -1.5F), MFloatVector(0, -1, 0), nullptr, nullptr, false,
                                                space, 1e6F, false, nullptr, hit, nullptr, nullptr, nullptr, nullptr, nullptr);
     MPoint closest;
     if (!isHit) return -1000.0F;
-    REQUIRE(set.getClosestPoint(MPoint(1.5, 50, 1.5), closest, space));
+    REQUIRE(set.getClosestPoint(MPoint(1.5, 50, -1.5), closest, space));
     CHECK(closest.y == doctest::Approx(hit.y));
     return hit.y;
   };
@@ -239,7 +240,7 @@ TEST_CASE("queries: one function set sees every change of its mesh, its place, a
   scene.run("group -name above shape");
   CHECK(heightAt(MSpace::kWorld) == -1000);  // the path that the set was given is none any more
   CHECK(heightAt(MSpace::kObject) == 2);
-  set.setObject(MDagPath(path).node());
+  set.setObject(node);
   CHECK(heightAt(MSpace::kObject) == 2);
   scene.run("undo; undo");
   set.setObject(path);
