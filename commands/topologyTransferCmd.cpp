@@ -94,7 +94,7 @@ MSyntax topologyTransferCmd::newSyntax() {
   return syntax;
 }
 
-MStatus topologyTransferCmd::parseArguments(const MArgList& arguments, bool& isHelp) {
+MStatus topologyTransferCmd::parseArguments(const MArgList& arguments) {
   MStatus parsed;
   const MArgDatabase database(syntax(), arguments, &parsed);
   MStatus status = readTransferFlags(kName, database, space, maxDistance);
@@ -210,8 +210,7 @@ MStatus topologyTransferCmd::placeOnSurface(const MDagPath& target, const MPoint
 }
 
 MStatus topologyTransferCmd::doIt(const MArgList& arguments) {
-  bool isHelp = false;
-  MStatus status = parseArguments(arguments, isHelp);
+  MStatus status = parseArguments(arguments);
   if (status != MS::kSuccess) return status;
   if (isHelp) return showHelp(kHelp);
   meshPair pair;

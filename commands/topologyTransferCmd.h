@@ -24,13 +24,14 @@ class topologyTransferCmd : public MPxCommand {
   MStatus doIt(const MArgList& arguments) override;
   MStatus redoIt() override;
   MStatus undoIt() override;
-  bool isUndoable() const override { return true; }
+  bool isUndoable() const override { return !isHelp; }
 
   static void* creator();
   static MSyntax newSyntax();
 
  private:
-  MStatus parseArguments(const MArgList& arguments, bool& isHelp);
+  bool isHelp = false;  ///< only the help text was asked for: there is nothing to undo
+  MStatus parseArguments(const MArgList& arguments);
   MStatus pairLandmarks(const meshPair& pair, unsigned int targetCount);
   MStatus placeByOrder(const meshPair& pair, const MPointArray& target);
   MStatus placeOnSurface(const MDagPath& target, const MPointArray& targetPoints);

@@ -143,7 +143,8 @@ MStatus transferVertexNormalsCmd::doIt(const MArgList& arguments) {
   MStatus status = readTransferFlags(kName, database, space, maxDistance);
   if (status != MS::kSuccess) return status;
   if (parsed != MS::kSuccess) return parsed;
-  if (database.isFlagSet(kHelpFlag)) return showHelp(kHelp);
+  isHelp = database.isFlagSet(kHelpFlag);
+  if (isHelp) return showHelp(kHelp);
   meshPair pair;
   status = pair.takeSelection(
       kName, "qxTransferVertexNormals: select two meshes: the one to shade, then the one with the normals");

@@ -21,7 +21,7 @@ class transferVertexNormalsCmd : public MPxCommand {
   MStatus doIt(const MArgList& arguments) override;
   MStatus redoIt() override;
   MStatus undoIt() override;
-  bool isUndoable() const override { return true; }
+  bool isUndoable() const override { return !isHelp; }
 
   static void* creator();
   static MSyntax newSyntax();
@@ -32,6 +32,7 @@ class transferVertexNormalsCmd : public MPxCommand {
   void splitVertex(const vertexCorners& around, const MVectorArray& ofCorners);
   MStatus apply();
 
+  bool isHelp = false;  ///< only the help text was asked for: there is nothing to undo
   MSpace::Space space;
   double maxDistance;  ///< cm; 0: no limit
 
