@@ -22,16 +22,21 @@ void appendMapped(std::vector<Index>& out, const std::vector<Index>& values, Cor
     out.insert(out.end(), values.begin() + first, values.begin() + end);
     return;
   }
-  for (CornerId c = first; c < end; ++c) out.push_back(map[at(values[at(c)])]);
+  const std::size_t base = out.size();
+  out.resize(base + at(end - first));
+  for (std::size_t i = 0; i < at(end - first); ++i) out[base + i] = map[at(values[at(first) + i])];
 }
 /// The new ids of what stays; empty when all of it does.
 std::vector<Index> closedUp(const std::vector<std::uint8_t>& stays, Index& count) {
   count = static_cast<Index>(std::ranges::count(stays, std::uint8_t{1}));
   std::vector<Index> map;
   if (at(count) == stays.size()) return map;
-  map.reserve(stays.size());
+  map.resize(stays.size());
   Index next = 0;
-  for (const std::uint8_t one : stays) map.push_back(one != 0 ? next++ : kNone);
+  for (std::size_t i = 0; i < stays.size(); ++i) {
+    map[i] = stays[i] != 0 ? next : kNone;
+    next += stays[i];
+  }
   return map;
 }
 /// A map that says what an empty one leaves out.
@@ -230,7 +235,8 @@ void MeshRebuilder::markUsed(const std::vector<EdgeId>& listedEdges,
   for (const CornerSources::Stretch& run : corners_.stretches()) {
     if (run.source == kNone) continue;
     for (CornerId c = run.source; c < run.source + run.count; ++c) {
-      vertexStays[at(vertexFor(topology.cornerVertices[at(c)]))] = 1;
+      const VertexId v = topology.cornerVertices[at(c)];
+      vertexStays[at(keptAs_.empty() ? v : keptAs_[at(v)])] = 1;
       edgeStays[at(topology.cornerEdges[at(c)])] = 1;
     }
   }

@@ -3,290 +3,97 @@
 #include <array>
 #include <cmath>
 #include <numeric>
-#include <unordered_map>
 
-#include "host/base/assert.h"
-#include "host/mesh/adjacency.h"
+#include "host/math/frame.h"
+#include "host/mesh/normals.h"
 #include "host/mesh/rebuild.h"
 #include "host/mesh/shells.h"
+#include "host/ops/topology/bevel_corners.h"
 #include "host/ops/topology/soft_edges.h"
-#include "host/ops/topology/vertex_fan.h"
+#include "host/ops/topology/weld.h"
 
 namespace host::ops {
 namespace {
 
 using math::Vec3;
 
-constexpr double kLeastSine = 0.2;  // edges that meet more sharply would send a corner far away
-
 std::size_t at(Index i) {
   return static_cast<std::size_t>(i);
 }
 
+// Vertices nearer than this fraction of the offset came together; a bevel that is small all over
+// is none of the tolerance's business.
+constexpr double kWeldedShare = 0.01;
+
+/// Where a new corner's data comes from: corners of one face, or of the two at an edge.
+struct Blend {
+  std::array<mesh::CornerWeight, 6> parts;
+  std::size_t count = 0;
+
+  void add(CornerId corner, double weight) { parts[count++] = {corner, weight}; }
+  void add(const Blend& other, double weight) {
+    for (std::size_t i = 0; i < other.count; ++i)
+      add(other.parts[i].corner, other.parts[i].weight * weight);
+  }
+  [[nodiscard]] std::span<const mesh::CornerWeight> span() const { return {parts.data(), count}; }
+};
+Blend only(CornerId corner) {
+  Blend blend;
+  blend.add(corner, 1);
+  return blend;
+}
+Blend mixed(const Blend& a, const Blend& b, double t) {
+  Blend blend;
+  blend.add(a, 1 - t);
+  blend.add(b, t);
+  return blend;
+}
+
+struct LoopPlace {
+  VertexId vertex = kNone;
+  Blend blend;
+};
+
+/// Builds the faces of a bevel around the vertices that BevelCorners places.
 class Beveller {
  public:
-  Beveller(const Mesh& mesh, std::span<const EdgeId> edges, const BevelEdgesOptions& options,
-           const math::Matrix4& inverse)
+  Beveller(const Mesh& mesh, BevelCorners& corners, const BevelEdgesOptions& options)
       : mesh_(mesh),
+        adjacency_(mesh.adjacency()),
+        corners_(corners),
         options_(options),
-        inverse_(inverse),
-        rebuilder_(mesh_),
-        isBevelled_(flagsOf(edges, mesh.edgeCount())),
-        edges_(sortedIds(edges)) {
+        rebuilder_(mesh_) {
     rebuilder_.keepAllVertices();
   }
 
-  bool findFans() {
-    const std::vector<EdgeId> listed = std::move(edges_);
-    edges_.clear();
-    std::vector<VertexId> ends;
-    for (const EdgeId e : listed) {
-      ends.push_back(mesh_.edge(e).a);
-      ends.push_back(mesh_.edge(e).b);
-    }
-    for (const VertexId v : sortedIds(ends)) fans_.emplace_back(v, vertexFan(mesh_, v));
-    for (const auto& [v, fan] : fans_)
-      if (!fan.isManifold)
-        for (const EdgeId e : mesh_.adjacency().vertexEdges(v)) isBevelled_[at(e)] = 0;
-    for (const EdgeId e : listed) {
-      if (isBevelled_[at(e)] != 0 && canBevel(e))
-        edges_.push_back(e);
-      else
-        isBevelled_[at(e)] = 0;
-    }
-    return !edges_.empty();
-  }
-
   BevelEdgesResult run(Mesh& mesh) {
-    offset_ = options_.offsetAsFraction ? options_.offset * 0.5 * shortestEdge() : options_.offset;
-    for (auto& [v, fan] : fans_) placeVertex(v, fan);
-    replaceEdges();
+    corners_.place(rebuilder_);
     BevelEdgesResult result;
     buildFaces();
-    buildStrips(result);
-    buildCaps(result);
+    for (const EdgeId e : corners_.edges()) buildStrip(e, result.strips);
+    if (options_.fillNgons) buildCaps(result.caps);
     mesh::Rebuilt rebuilt = rebuilder_.finish({.dropUnusedVertices = true});
+    firstNewVertex_ = 0;
+    for (VertexId v = mesh_.vertexCount(); v-- > 0 && firstNewVertex_ == 0;)
+      firstNewVertex_ = rebuilt.vertexMap[at(v)] + 1;
     rebuilt.vertexMap.resize(at(mesh_.vertexCount()));
     result.maps.vertices = std::move(rebuilt.vertexMap);
     result.maps.edges = std::move(rebuilt.edgeMap);
     result.maps.faces.resize(at(mesh_.faceCount()));
     std::iota(result.maps.faces.begin(), result.maps.faces.end(), 0);
     mesh = std::move(rebuilt.mesh);
-    std::vector<EdgeId> edges;
-    for (FaceId f = mesh_.faceCount(); f < mesh.faceCount(); ++f)
-      edges.insert(edges.end(), mesh.faceEdges(f).begin(), mesh.faceEdges(f).end());
-    const auto done = softenEdges(mesh, sortedIds(edges), options_.smoothingAngle);
-    HOST_ASSERT(done.has_value(), "check the smoothing angle before bevelling");
     return result;
   }
+  /// New vertices come last; the first one's id.
+  [[nodiscard]] VertexId firstNewVertex() const { return firstNewVertex_; }
 
  private:
-  using Blend = std::vector<mesh::CornerWeight>;
-
-  [[nodiscard]] Vec3 pointOf(VertexId v) const {
-    return math::transformPoint(mesh_.point(v), options_.space);
-  }
-  [[nodiscard]] double lengthOf(EdgeId e) const {
-    return math::distance(pointOf(mesh_.edge(e).a), pointOf(mesh_.edge(e).b));
-  }
-  [[nodiscard]] Vec3 along(VertexId v, EdgeId e) const {
-    return math::normalized(pointOf(mesh_.edge(e).other(v)) - pointOf(v));
-  }
-  [[nodiscard]] CornerId nextCorner(CornerId c) const {
-    const FaceId f = mesh_.adjacency().cornerFace(c);
-    return c + 1 < mesh_.firstCorner(f + 1) ? c + 1 : mesh_.firstCorner(f);
-  }
-  [[nodiscard]] CornerId previousCorner(CornerId c) const {
-    const FaceId f = mesh_.adjacency().cornerFace(c);
-    return c > mesh_.firstCorner(f) ? c - 1 : mesh_.firstCorner(f + 1) - 1;
-  }
-
-  [[nodiscard]] bool canBevel(EdgeId e) const {
-    const auto corners = mesh_.adjacency().edgeCorners(e);
-    return corners.size() == 2 && mesh_.cornerVertex(corners[0]) != mesh_.cornerVertex(corners[1]);
-  }
-
-  [[nodiscard]] double shortestEdge() const {
-    double shortest = HUGE_VAL;
-    for (const EdgeId e : edges_)
-      for (const VertexId v : {mesh_.edge(e).a, mesh_.edge(e).b})
-        for (const EdgeId g : mesh_.adjacency().vertexEdges(v))
-          shortest = std::min(shortest, lengthOf(g));
-    return shortest;
-  }
-
-  // How far from v the corner slides along an edge so that it is `offset` away from the bevelled
-  // edge beside it.
-  [[nodiscard]] Vec3 slide(VertexId v, EdgeId edge, EdgeId bevelled) const {
-    const Vec3 u = along(v, edge);
-    const double sine = std::max(math::length(math::cross(u, along(v, bevelled))), kLeastSine);
-    const VertexId other = mesh_.edge(edge).other(v);
-    const bool slidesAtBothEnds = hasBevelAt(other);
-    return u * std::min(offset_ / sine, lengthOf(edge) * (slidesAtBothEnds ? 0.5 : 1.0));
-  }
-  [[nodiscard]] bool hasBevelAt(VertexId v) const {
-    const auto edges = mesh_.adjacency().vertexEdges(v);
-    return std::any_of(edges.begin(), edges.end(),
-                       [&](EdgeId e) { return isBevelled_[at(e)] != 0; });
-  }
-  // The way to the place that is `offset` away from two bevelled edges of one face.
-  [[nodiscard]] Vec3 mitre(VertexId v, EdgeId e, EdgeId f) const {
-    const Vec3 a = along(v, e), b = along(v, f);
-    const double sine = math::length(math::cross(a, b));
-    const double most = 0.5 * std::min(lengthOf(e), lengthOf(f)) * std::numbers::sqrt2;
-    Vec3 way = (a + b) * (offset_ / std::max(sine, kLeastSine));
-    if (const double length = math::length(way); length > most) way *= most / length;
-    return way;
-  }
-
-  // The way of a sector's corner: edges[i] and edges[j] of the fan bound it, those between are left
-  // as they are.
-  [[nodiscard]] Vec3 sectorWay(VertexId v, const VertexFan& fan, std::size_t i,
-                               std::size_t j) const {
-    const bool isBoundedBefore = isBevelled_[at(fan.edges[i])] != 0,
-               isBoundedAfter = isBevelled_[at(fan.edges[j])] != 0;
-    if (isBoundedBefore && isBoundedAfter && j == i + 1)
-      return mitre(v, fan.edges[i], fan.edges[j]);
-    Vec3 sum;
-    int count = 0;
-    if (isBoundedBefore) {
-      sum += slide(v, fan.edges[i + 1], fan.edges[i]);
-      ++count;
-    }
-    if (isBoundedAfter) {
-      sum += slide(v, fan.edges[j - 1], fan.edges[j]);
-      ++count;
-    }
-    return sum / std::max(count, 1);
-  }
-
-  VertexId addVertexAt(const Vec3& p) {
-    return rebuilder_.addVertex(math::transformPoint(p, inverse_).toFloat());
-  }
-
-  void setCorner(CornerId c, VertexId vertex) { cornerVertices_[c] = {vertex}; }
-
-  void placeVertex(VertexId v, VertexFan& fan) {
-    std::vector<std::size_t> bounds;  // positions of bevelled edges in the fan
-    const std::size_t edgeCount = fan.edges.size() - (fan.isClosed ? 1 : 0);
-    for (std::size_t i = 0; i < edgeCount; ++i)
-      if (isBevelled_[at(fan.edges[i])] != 0) bounds.push_back(i);
-    if (bounds.empty()) return;
-    if (fan.isClosed) {
-      const std::size_t turn = bounds.front();
-      turnFan(fan, turn);
-      for (std::size_t& i : bounds) i -= turn;
-      if (bounds.size() == 1) return placeEnd(v, fan);
-      bounds.push_back(fan.edges.size() - 1);
-    } else {
-      // The border ends bound the first and last sector without being bevelled.
-      bounds.insert(bounds.begin(), 0);
-      bounds.push_back(fan.edges.size() - 1);
-    }
-    std::vector<VertexId> sectors;
-    for (std::size_t s = 0; s + 1 < bounds.size(); ++s) {
-      const std::size_t i = bounds[s], j = bounds[s + 1];
-      sectors.push_back(addVertexAt(pointOf(v) + sectorWay(v, fan, i, j)));
-      for (std::size_t k = i; k < j; ++k) setCorner(fan.corners[k], sectors.back());
-      for (std::size_t k = i; k <= j; ++k)
-        if (isBevelled_[at(fan.edges[k])] == 0) edgeEnds_[endKey(fan.edges[k], v)] = sectors.back();
-    }
-    const std::size_t count = sectors.size();
-    std::vector<VertexId> cap;
-    for (std::size_t s = 0; s < count; ++s) {
-      // The profile at the edge between the sector before and this one leads from this one to the
-      // one before.
-      const bool isOpenStart = !fan.isClosed && s == 0;
-      const std::size_t before = (s + count - 1) % count;
-      if (!isOpenStart) {
-        const EdgeId edge = fan.edges[bounds[s]];
-        if (count == 2 && fan.isClosed && s == 1) {
-          std::vector<VertexId> shared = profiles_[endKey(fan.edges[bounds[0]], v)];
-          std::reverse(shared.begin(), shared.end());
-          profiles_[endKey(edge, v)] = shared;
-        } else {
-          profiles_[endKey(edge, v)] = makeProfile(sectors[s], sectors[before], v);
-        }
-        const auto& profile = profiles_[endKey(edge, v)];
-        cap.insert(cap.end(), profile.rbegin() + 1, profile.rend() - 1);
-      }
-      cap.push_back(sectors[s]);
-    }
-    if (count >= 3) caps_.push_back({v, cap});
-  }
-
-  // A vertex in a closed fan with one bevelled edge, the fan's first.
-  void placeEnd(VertexId v, const VertexFan& fan) {
-    const std::size_t m = fan.corners.size();
-    const EdgeId edge = fan.edges.front();
-    if (m == 2) {
-      profiles_[endKey(edge, v)].assign(at(options_.segments) + 1, v);
-      return;
-    }
-    const VertexId first = addVertexAt(pointOf(v) + slide(v, fan.edges[1], edge));
-    const VertexId last = addVertexAt(pointOf(v) + slide(v, fan.edges[m - 1], edge));
-    const auto profile = profiles_[endKey(edge, v)] = makeProfile(first, last, v);
-    setCorner(fan.corners.front(), first);
-    setCorner(fan.corners.back(), last);
-    edgeEnds_[endKey(fan.edges[1], v)] = first;
-    edgeEnds_[endKey(fan.edges[m - 1], v)] = last;
-    if (m == 3) {
-      cornerVertices_[fan.corners[1]].assign(profile.rbegin(), profile.rend());
-      return;
-    }
-    cornerVertices_[fan.corners[1]] = {v, first};
-    cornerVertices_[fan.corners[m - 2]] = {last, v};
-    rebuilder_.inheritEdge(v, first, fan.edges[1]);
-    rebuilder_.inheritEdge(v, last, fan.edges[m - 1]);
-    std::vector<VertexId> cap{v};
-    cap.insert(cap.end(), profile.rbegin(), profile.rend());
-    caps_.push_back({v, cap});
-  }
-
-  // Vertices from one corner to another on an arc that leaves along both faces (a rational
-  // quadratic curve).
-  std::vector<VertexId> makeProfile(VertexId from, VertexId to, VertexId corner) {
-    std::vector<VertexId> profile{from};
-    const Vec3 a = placeOf(from), b = placeOf(to), c = pointOf(corner);
-    const double cosine = math::dot(math::normalized(a - c), math::normalized(b - c));
-    const double weight = std::sqrt(std::max(0.0, 0.5 * (1 - cosine)));
-    for (int i = 1; i < options_.segments; ++i) {
-      const double t = static_cast<double>(i) / options_.segments, s = 1 - t;
-      const double sum = s * s + 2 * s * t * weight + t * t;
-      const Vec3 arc = (a * (s * s) + c * (2 * s * t * weight) + b * (t * t)) / sum;
-      const Vec3 flat = a * s + b * t;
-      profile.push_back(addVertexAt(flat + (arc - flat) * options_.roundness));
-    }
-    profile.push_back(to);
-    return profile;
-  }
-  [[nodiscard]] Vec3 placeOf(VertexId v) const {
-    return v < mesh_.vertexCount()
-               ? pointOf(v)
-               : math::transformPoint(Vec3(rebuilder_.point(v)), options_.space);
-  }
-
-  static std::uint64_t endKey(EdgeId e, VertexId v) {
-    return static_cast<std::uint64_t>(e) << 32 | static_cast<std::uint32_t>(v);
-  }
-
-  void replaceEdges() {
-    std::vector<EdgeId> moved;
-    for (const auto& entry : edgeEnds_) moved.push_back(static_cast<EdgeId>(entry.first >> 32));
-    for (const EdgeId e : sortedIds(moved)) {
-      mesh::EdgeVertices ends = mesh_.edge(e);
-      const auto a = edgeEnds_.find(endKey(e, ends.a)), b = edgeEnds_.find(endKey(e, ends.b));
-      if (a != edgeEnds_.end()) ends.a = a->second;
-      if (b != edgeEnds_.end()) ends.b = b->second;
-      rebuilder_.replaceEdge(e, ends.a, ends.b);
-    }
-  }
-
   // The face's data at a place near one of its corners: the place in terms of the two edges there.
   [[nodiscard]] Blend blendAt(CornerId c, VertexId vertex) const {
-    const Vec3 p = pointOf(mesh_.cornerVertex(c)), d = placeOf(vertex) - p;
-    const Vec3 a = pointOf(mesh_.cornerVertex(nextCorner(c))) - p,
-               b = pointOf(mesh_.cornerVertex(previousCorner(c))) - p;
+    const CornerId next = adjacency_.nextCorner(c), previous = adjacency_.previousCorner(c);
+    const Vec3 p = corners_.placeOf(mesh_.cornerVertex(c)), d = corners_.placeOf(vertex) - p;
+    const Vec3 a = corners_.placeOf(mesh_.cornerVertex(next)) - p,
+               b = corners_.placeOf(mesh_.cornerVertex(previous)) - p;
     const double aa = math::dot(a, a), bb = math::dot(b, b), ab = math::dot(a, b);
     const double da = math::dot(d, a), db = math::dot(d, b), determinant = aa * bb - ab * ab;
     double s = 0, t = 0;
@@ -296,35 +103,27 @@ class Beveller {
     } else if (aa > 0) {
       s = da / aa;
     }
-    return {{c, 1 - s - t}, {nextCorner(c), s}, {previousCorner(c), t}};
-  }
-  static Blend mixed(const Blend& a, const Blend& b, double t) {
     Blend blend;
-    for (const mesh::CornerWeight& part : a) blend.push_back({part.corner, part.weight * (1 - t)});
-    for (const mesh::CornerWeight& part : b) blend.push_back({part.corner, part.weight * t});
+    blend.add(c, 1 - s - t);
+    blend.add(next, s);
+    blend.add(previous, t);
     return blend;
   }
 
   void buildFaces() {
-    std::vector<FaceId> touched;
-    for (const auto& entry : cornerVertices_)
-      touched.push_back(mesh_.adjacency().cornerFace(entry.first));
     FaceId next = 0;
-    for (const FaceId f : sortedIds(touched)) {
+    for (const FaceId f : corners_.touchedFaces()) {
       rebuilder_.copyFaces(next, f);
       next = f + 1;
       rebuilder_.beginFace(f);
       for (CornerId c = mesh_.firstCorner(f); c < mesh_.firstCorner(f + 1); ++c) {
-        const auto moved = cornerVertices_.find(c);
-        if (moved == cornerVertices_.end()) {
-          rebuilder_.addCorner(mesh_.cornerVertex(c), c);
-          continue;
-        }
-        for (const VertexId v : moved->second) {
+        const auto moved = corners_.atCorner(c);
+        if (moved.empty()) rebuilder_.addCorner(mesh_.cornerVertex(c), c);
+        for (const VertexId v : moved) {
           if (v < mesh_.vertexCount())
             rebuilder_.addCorner(v, c);
           else
-            rebuilder_.addCorner(v, blendAt(c, v));
+            rebuilder_.addCorner(v, blendAt(c, v).span());
         }
       }
       rebuilder_.endFace();
@@ -338,100 +137,203 @@ class Beveller {
     return false;
   }
 
-  void addLoop(const std::vector<std::pair<VertexId, Blend>>& loop, std::vector<FaceId>& faces) {
-    std::vector<std::size_t> kept;
+  void addLoop(std::span<const LoopPlace> loop, FaceId source, std::vector<FaceId>& faces) {
+    std::size_t count = 0;
     for (std::size_t i = 0; i < loop.size(); ++i)
-      if (loop[i].first != loop[(i + 1) % loop.size()].first) kept.push_back(i);
-    if (kept.size() < 3) return;
-    rebuilder_.beginFace();
-    for (const std::size_t i : kept) rebuilder_.addCorner(loop[i].first, loop[i].second);
+      count += loop[i].vertex != loop[(i + 1) % loop.size()].vertex ? 1 : 0;
+    if (count < 3) return;
+    rebuilder_.beginFace(source);
+    for (std::size_t i = 0; i < loop.size(); ++i)
+      if (loop[i].vertex != loop[(i + 1) % loop.size()].vertex)
+        rebuilder_.addCorner(loop[i].vertex, loop[i].blend.span());
     faces.push_back(rebuilder_.endFace());
   }
 
-  void buildStrips(BevelEdgesResult& result) {
-    for (const EdgeId e : edges_) {
-      const auto corners = mesh_.adjacency().edgeCorners(e);
-      const bool isFirstForward = mesh_.cornerVertex(corners[0]) == mesh_.edge(e).a;
-      const CornerId out = corners[isFirstForward ? 0 : 1], back = corners[isFirstForward ? 1 : 0];
-      const auto [v, w] = mesh_.edge(e);
-      const auto& atV = profiles_[endKey(e, v)];
-      auto atW = profiles_[endKey(e, w)];
-      std::reverse(atW.begin(),
-                   atW.end());  // at its other end the edge's sides are the other way round
-      const bool isSplit = isSeam(e);
-      // From the side of the face that walks v to w (t = 0) to the other one.
-      const auto sideBlend = [&](CornerId near, CornerId far, VertexId nearVertex,
-                                 VertexId farVertex, double t) {
-        const Blend here = blendAt(near, nearVertex);
-        return mixed(here, isSplit ? Blend{{near, 1.0}} : blendAt(far, farVertex), t);
-      };
-      for (int j = 0; j < options_.segments; ++j) {
-        const double t0 = static_cast<double>(j) / options_.segments,
-                     t1 = static_cast<double>(j + 1) / options_.segments;
-        const auto blendV = [&](double t) {
-          return sideBlend(out, nextCorner(back), atV.front(), atV.back(), t);
-        };
-        const auto blendW = [&](double t) {
-          return sideBlend(nextCorner(out), back, atW.front(), atW.back(), t);
-        };
-        addLoop({{atV[at(j)], blendV(t0)},
-                 {atV[at(j + 1)], blendV(t1)},
-                 {atW[at(j + 1)], blendW(t1)},
-                 {atW[at(j)], blendW(t0)}},
-                result.strips);
+  /// One end of a strip: the corners there of the faces on both sides, and the profile from the
+  /// side of the face that walks the edge forwards.
+  struct End {
+    CornerId near, far;
+    std::span<const VertexId> profile;
+    bool isReversed;
+
+    [[nodiscard]] VertexId vertex(std::size_t i) const {
+      return isReversed ? profile[profile.size() - 1 - i] : profile[i];
+    }
+  };
+
+  // The data at a fraction t of the way across. A ridge parts the two sides.
+  [[nodiscard]] Blend blendAcross(const End& end, double t, bool isFarHalf, bool isSplit) const {
+    const std::size_t last = end.profile.size() - 1;
+    const auto nearBlend = [&] { return blendAt(end.near, end.vertex(0)); };
+    const auto farBlend = [&] { return blendAt(end.far, end.vertex(last)); };
+    if (!options_.chamfer)
+      return isFarHalf ? mixed(only(end.far), farBlend(), 2 * t - 1)
+                       : mixed(nearBlend(), only(end.near), 2 * t);
+    if (t == 0) return nearBlend();
+    return mixed(nearBlend(), isSplit ? only(end.near) : farBlend(), t);
+  }
+
+  void buildStrip(EdgeId e, std::vector<FaceId>& faces) {
+    const auto walks = adjacency_.edgeCorners(e);
+    const bool isFirstForward = mesh_.cornerVertex(walks[0]) == mesh_.edge(e).a;
+    const CornerId out = walks[isFirstForward ? 0 : 1], back = walks[isFirstForward ? 1 : 0];
+    const auto [v, w] = mesh_.edge(e);
+    // At its other end the edge's sides are the other way round.
+    const End atV{out, adjacency_.nextCorner(back), corners_.profile(e, v), false};
+    const End atW{adjacency_.nextCorner(out), back, corners_.profile(e, w), true};
+    const bool isSplit = isSeam(e);
+    const auto n = atV.profile.size() - 1;
+    for (std::size_t j = 0; j < n; ++j) {
+      const double t0 = static_cast<double>(j) / static_cast<double>(n),
+                   t1 = static_cast<double>(j + 1) / static_cast<double>(n);
+      const bool isFarHalf = 2 * j >= n;
+      const std::array<LoopPlace, 4> loop{
+          {{atV.vertex(j), blendAcross(atV, t0, isFarHalf, isSplit)},
+           {atV.vertex(j + 1), blendAcross(atV, t1, isFarHalf, isSplit)},
+           {atW.vertex(j + 1), blendAcross(atW, t1, isFarHalf, isSplit)},
+           {atW.vertex(j), blendAcross(atW, t0, isFarHalf, isSplit)}}};
+      addLoop(loop, kNone, faces);
+    }
+  }
+
+  void buildCaps(std::vector<FaceId>& faces) {
+    for (const BevelCorners::Cap& cap : corners_.caps()) {
+      const CornerId c = adjacency_.vertexCorners(cap.vertex)[0];
+      std::vector<LoopPlace> loop;
+      for (const VertexId v : cap.loop)
+        loop.push_back({v, v < mesh_.vertexCount() ? only(c) : blendAt(c, v)});
+      addLoop(loop, kNone, faces);
+    }
+  }
+
+  Mesh mesh_;
+  const mesh::Adjacency& adjacency_;
+  BevelCorners& corners_;
+  const BevelEdgesOptions& options_;
+  mesh::MeshRebuilder rebuilder_;
+  VertexId firstNewVertex_ = 0;
+};
+
+// Welds new vertices that the bevel drew together along an edge.
+void weldNewVertices(Mesh& mesh, VertexId firstNew, const math::Matrix4& space, double tolerance,
+                     BevelEdgesResult& result) {
+  JoinedSets joined(at(mesh.vertexCount() - firstNew));
+  bool isAny = false;
+  for (EdgeId e = 0; e < mesh.edgeCount(); ++e) {
+    const auto [a, b] = mesh.edge(e);
+    if (a < firstNew || b < firstNew) continue;
+    const Vec3 p = math::transformPoint(mesh.point(a), space),
+               q = math::transformPoint(mesh.point(b), space);
+    if (math::distance(p, q) >= tolerance) continue;
+    joined.join(a - firstNew, b - firstNew);
+    isAny = true;
+  }
+  if (!isAny) return;
+  std::vector<VertexId> targets(at(mesh.vertexCount()));
+  std::iota(targets.begin(), targets.end(), 0);
+  for (VertexId v = firstNew; v < mesh.vertexCount(); ++v)
+    targets[at(v)] = firstNew + joined.lowest(v - firstNew);
+  const EditMaps welded = weldVertices(mesh, targets);
+  const auto follow = [](std::vector<Index>& ids, const std::vector<Index>& map) {
+    for (Index& id : ids)
+      if (id != kNone) id = map[at(id)];
+  };
+  follow(result.maps.vertices, welded.vertices);
+  follow(result.maps.edges, welded.edges);
+  follow(result.maps.faces, welded.faces);
+  for (auto* faces : {&result.strips, &result.caps}) {
+    follow(*faces, welded.faces);
+    std::erase(*faces, kNone);
+  }
+}
+
+// Gives faces UVs of their own, as they look along their normals, about the middle of those they
+// have and at the scale of the mesh.
+void projectUvs(Mesh& mesh, std::span<const FaceId> faces) {
+  for (int s = 0; s < mesh.uvSetCount(); ++s) {
+    if (mesh.uvSet(s).cornerIds.empty()) continue;
+    mesh::UvSet& set = mesh.editUvSet(s);
+    const auto uvAt = [&](CornerId c) { return set.points[at(set.cornerIds[at(c)])]; };
+    double area = 0, uvArea = 0;
+    for (FaceId f = 0; f < mesh.faceCount(); ++f) {
+      const CornerId first = mesh.firstCorner(f), end = mesh.firstCorner(f + 1);
+      if (set.cornerIds[at(first)] < 0) continue;
+      double twice = 0;
+      for (CornerId c = first; c < end; ++c) {
+        const auto a = uvAt(c), b = uvAt(c + 1 < end ? c + 1 : first);
+        twice += static_cast<double>(a.u) * b.v - static_cast<double>(b.u) * a.v;
+      }
+      uvArea += 0.5 * std::abs(twice);
+      area += mesh::faceArea(mesh, f);
+    }
+    const double scale = area > 0 && uvArea > 0 ? std::sqrt(uvArea / area) : 1;
+    for (const FaceId f : faces) {
+      const CornerId first = mesh.firstCorner(f), end = mesh.firstCorner(f + 1);
+      if (set.cornerIds[at(first)] < 0) continue;
+      double u = 0, v = 0;
+      for (CornerId c = first; c < end; ++c) {
+        u += static_cast<double>(uvAt(c).u) / (end - first);
+        v += static_cast<double>(uvAt(c).v) / (end - first);
+      }
+      const math::Frame frame = math::frameFromNormal(
+          mesh::faceCenter(mesh, f), mesh::faceAreaVector(mesh, f),
+          mesh.point(mesh.cornerVertex(first + 1)) - mesh.point(mesh.cornerVertex(first)));
+      for (CornerId c = first; c < end; ++c) {
+        const Vec3 p = frame.toLocal(mesh.point(mesh.cornerVertex(c)));
+        set.cornerIds[at(c)] = static_cast<UvId>(set.points.size());
+        set.points.push_back(
+            {static_cast<float>(u + p.x * scale), static_cast<float>(v + p.y * scale)});
       }
     }
   }
+}
 
-  void buildCaps(BevelEdgesResult& result) {
-    for (const Cap& cap : caps_) {
-      const CornerId c = mesh_.adjacency().vertexCorners(cap.vertex)[0];
-      std::vector<std::pair<VertexId, Blend>> loop;
-      for (const VertexId v : cap.loop)
-        loop.emplace_back(v, v < mesh_.vertexCount() ? Blend{{c, 1.0}} : blendAt(c, v));
-      addLoop(loop, result.caps);
-    }
-  }
+void softenNewEdges(Mesh& mesh, const BevelEdgesResult& result, double angle) {
+  std::vector<EdgeId> edges;
+  for (const auto* faces : {&result.strips, &result.caps})
+    for (const FaceId f : *faces)
+      edges.insert(edges.end(), mesh.faceEdges(f).begin(), mesh.faceEdges(f).end());
+  softenSides(mesh, sidesOfEdges(mesh, sortedIds(edges)), angle);
+}
 
-  struct Cap {
-    VertexId vertex;
-    std::vector<VertexId> loop;
-  };
-
-  Mesh mesh_;
-  const BevelEdgesOptions& options_;
-  math::Matrix4 inverse_;
-  mesh::MeshRebuilder rebuilder_;
-  std::vector<std::uint8_t> isBevelled_;
-  std::vector<EdgeId> edges_;
-  std::vector<std::pair<VertexId, VertexFan>> fans_;
-  double offset_ = 0;
-  std::unordered_map<CornerId, std::vector<VertexId>>
-      cornerVertices_;                                    // what replaces a corner, in loop order
-  std::unordered_map<std::uint64_t, VertexId> edgeEnds_;  // where an edge ends that was moved
-  std::unordered_map<std::uint64_t, std::vector<VertexId>>
-      profiles_;  // across a bevelled edge at its end
-  std::vector<Cap> caps_;
-};
-
-}  // namespace
-
-Result<BevelEdgesResult> bevelEdges(Mesh& mesh, std::span<const EdgeId> edges,
-                                    const BevelEdgesOptions& options) {
+Result<math::Matrix4> checkOptions(const BevelEdgesOptions& options) {
   constexpr int kMostSegments = 1000;
-  HOST_TRY(checkIds("edge", edges, mesh.edgeCount()));
   if (options.segments < 1 || options.segments > kMostSegments)
     return fail("The number of segments must be 1 to {}, not {}", kMostSegments, options.segments);
-  for (const double value : {options.offset, options.roundness, options.smoothingAngle})
+  for (const double value : {options.offset, options.roundness, options.smoothingAngle,
+                             options.mergeTolerance, options.miteringAngle})
     if (!std::isfinite(value)) return fail("Bevel needs finite numbers");
   if (options.offset < 0)
     return fail("The bevel's offset must be 0 or more, not {}", options.offset);
   const auto inverse = math::inverse(options.space);
   if (!inverse) return fail("The object is scaled to nothing; bevel has no space to work in");
-  Beveller beveller(mesh, edges, options, *inverse);
-  if (!beveller.findFans())
+  return *inverse;
+}
+
+}  // namespace
+
+Result<BevelEdgesResult> bevelEdges(Mesh& mesh, std::span<const EdgeId> edges,
+                                    const BevelEdgesOptions& asked) {
+  HOST_TRY(checkIds("edge", edges, mesh.edgeCount()));
+  const auto inverse = checkOptions(asked);
+  if (!inverse) return failWith(inverse.error());
+  BevelEdgesOptions options = asked;
+  if (!options.chamfer) options.segments += options.segments % 2;
+  const Mesh before = mesh;
+  BevelCorners corners(before, sortedIds(edges), options, *inverse);
+  if (corners.edges().empty())
     return fail("None of the edges can be bevelled: they need two faces wound alike");
-  return beveller.run(mesh);
+  Beveller beveller(before, corners, options);
+  BevelEdgesResult result = beveller.run(mesh);
+  if (options.mergeVertices)
+    weldNewVertices(mesh, beveller.firstNewVertex(), options.space,
+                    std::min(options.mergeTolerance, kWeldedShare * corners.offset()), result);
+  if (options.uvAssignment == BevelEdgesOptions::UvAssignment::PlanarPerFace) {
+    projectUvs(mesh, result.strips);
+    projectUvs(mesh, result.caps);
+  }
+  softenNewEdges(mesh, result, options.smoothingAngle);
+  return result;
 }
 
 }  // namespace host::ops

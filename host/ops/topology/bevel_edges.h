@@ -20,17 +20,18 @@ struct BevelEdgesOptions {
   bool autoFit = true;        ///< an offset that would slide past the end of an edge is shortened
   bool fillNgons = true;      ///< close the gaps at vertices where strips meet by faces
   bool mergeVertices = true;  ///< weld vertices of the bevel that come to lie on each other
-  double mergeTolerance = 0.0001;           ///< within this distance, in the space above, cm
-  double miteringAngle = std::numbers::pi;  ///< where two bevelled edges of a face meet at less,
-                                            ///< strips meet in a point; beyond it, each ends at
-                                            ///< its own distance. Radians
+  double mergeTolerance = 0.0001;           ///< nearer than this, in the space above, cm; at most a
+                                            ///< hundredth of the offset
+  double miteringAngle = std::numbers::pi;  ///< two bevelled edges of a face that meet at more end
+                                            ///< at the offset from their vertex, not from each
+                                            ///< other's side; radians
   enum class UvAssignment {
     PlanarPerFace,  ///< new faces get UVs of their own, projected along their normals to scale
     Preserve        ///< new faces join the UVs of the faces beside them
   };
   UvAssignment uvAssignment = UvAssignment::Preserve;
-  bool chamfer = true;  ///< new faces cut the edge off; otherwise the old edge keeps its place as
-                        ///< a ridge between the new edges (an even number of segments)
+  bool chamfer = true;  ///< new faces cut the edge off; otherwise they follow the old ones up to
+                        ///< it, with an even number of segments, and there are no gaps to fill
 };
 
 struct BevelEdgesResult {

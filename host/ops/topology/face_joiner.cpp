@@ -15,7 +15,10 @@ std::size_t at(Index i) {
 }  // namespace
 
 FaceJoiner::FaceJoiner(const Mesh& mesh)
-    : mesh_(mesh), places_(at(mesh.faceCount()), kNone), faces_(at(mesh.faceCount())) {}
+    : mesh_(mesh),
+      adjacency_(mesh_.adjacency()),
+      places_(at(mesh.faceCount()), kNone),
+      faces_(at(mesh.faceCount())) {}
 
 // Lists the corners of a face with the loop it has in the mesh.
 void FaceJoiner::open(FaceId face) {
@@ -30,29 +33,29 @@ void FaceJoiner::open(FaceId face) {
 }
 
 std::size_t FaceJoiner::placeOf(CornerId c) const {
-  const FaceId f = mesh_.adjacency().cornerFace(c);
+  const FaceId f = adjacency_.cornerFace(c);
   return at(places_[at(f)] + (c - mesh_.firstCorner(f)));
 }
 
 CornerId FaceJoiner::nextOf(CornerId c) const {
-  return places_[at(mesh_.adjacency().cornerFace(c))] == kNone ? mesh_.adjacency().nextCorner(c)
-                                                               : next_[placeOf(c)];
+  return places_[at(adjacency_.cornerFace(c))] == kNone ? adjacency_.nextCorner(c)
+                                                        : next_[placeOf(c)];
 }
 
 CornerId FaceJoiner::previousOf(CornerId c) const {
-  return places_[at(mesh_.adjacency().cornerFace(c))] == kNone ? mesh_.adjacency().previousCorner(c)
-                                                               : previous_[placeOf(c)];
+  return places_[at(adjacency_.cornerFace(c))] == kNone ? adjacency_.previousCorner(c)
+                                                        : previous_[placeOf(c)];
 }
 
 void FaceJoiner::link(CornerId corner, CornerId next) {
-  open(mesh_.adjacency().cornerFace(corner));
-  open(mesh_.adjacency().cornerFace(next));
+  open(adjacency_.cornerFace(corner));
+  open(adjacency_.cornerFace(next));
   next_[placeOf(corner)] = next;
   previous_[placeOf(next)] = corner;
 }
 
 void FaceJoiner::remove(CornerId corner) {
-  open(mesh_.adjacency().cornerFace(corner));
+  open(adjacency_.cornerFace(corner));
   next_[placeOf(corner)] = kNone;
 }
 
@@ -62,7 +65,7 @@ VertexId FaceJoiner::vertexOf(CornerId corner) const {
 
 // The two corners that walk an edge in opposite directions, if these are all that is left of it.
 bool FaceJoiner::findWalks(EdgeId edge, Walks& walks) const {
-  const auto corners = mesh_.adjacency().edgeCorners(edge);
+  const auto corners = adjacency_.edgeCorners(edge);
   if (corners.size() != 2) return false;
   walks = {corners[0], corners[1]};
   if (!isAlive(walks.a) || !isAlive(walks.b)) return false;
@@ -90,7 +93,7 @@ void FaceJoiner::removeWalks(const Walks& walks) {
 bool FaceJoiner::removeEdge(EdgeId edge) {
   Walks walks;
   if (!findWalks(edge, walks)) return false;
-  const FaceId f = mesh_.adjacency().cornerFace(walks.a), g = mesh_.adjacency().cornerFace(walks.b);
+  const FaceId f = adjacency_.cornerFace(walks.a), g = adjacency_.cornerFace(walks.b);
   const bool isJoin = faces_.lowest(f) != faces_.lowest(g);
   if (!isJoin && !isSpike(walks)) return false;
   const CornerId beforeA = previousOf(walks.a), beforeB = previousOf(walks.b);
@@ -117,7 +120,7 @@ void FaceJoiner::removeSpikesFrom(CornerId corner) {
 
 std::vector<CornerId> FaceJoiner::cornersLeftAt(VertexId vertex) const {
   std::vector<CornerId> corners;
-  for (const CornerId c : mesh_.adjacency().vertexCorners(vertex))
+  for (const CornerId c : adjacency_.vertexCorners(vertex))
     if (isAlive(c)) corners.push_back(c);
   return corners;
 }
@@ -134,7 +137,7 @@ Index FaceJoiner::loopSize(CornerId corner, Index limit) const {
 
 bool FaceJoiner::areNeighbours(VertexId a, VertexId b) const {
   for (const auto& [from, to] : {std::pair(a, b), std::pair(b, a)})
-    for (const CornerId c : mesh_.adjacency().vertexCorners(from))
+    for (const CornerId c : adjacency_.vertexCorners(from))
       if (isAlive(c) && vertexOf(nextOf(c)) == to) return true;
   return false;
 }

@@ -3,6 +3,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "host/mesh/adjacency.h"
 #include "host/ops/topology/edit_maps.h"
 #include "host/ops/topology/weld.h"
 
@@ -62,6 +63,7 @@ class FaceJoiner {
   void bypass(CornerId corner);
 
   Mesh mesh_;
+  const mesh::Adjacency& adjacency_;
   std::vector<Index> places_;   // a face: where its corners are in the lists below, once edited
   std::vector<FaceId> opened_;  // faces that are there
   std::vector<CornerId> next_, previous_;  // kNone in next_ where the corner is gone

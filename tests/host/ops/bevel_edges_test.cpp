@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "host/mesh/normals.h"
 #include "host/ops/primitives/cube.h"
 #include "host/ops/topology/vertex_fan.h"
 #include "tests/host/ops/ops_testing.h"
@@ -164,5 +165,86 @@ TEST_CASE("vertexFan: walks all faces of manifold vertices and knows the others"
       for (std::size_t i = 0; i + 1 < fan.corners.size(); ++i)
         CHECK(entry.mesh.cornerEdge(fan.corners[i + 1]) == fan.edges[i + 1]);
     }
+  }
+}
+
+TEST_CASE("bevelEdges: every option over the zoo leaves a sound mesh") {
+  overZoo([](Mesh mesh, std::mt19937& random, double chance) {
+    const auto edges = randomIds(random, mesh.edgeCount(), chance);
+    for (unsigned bits = 0; bits < 32; ++bits) {
+      BevelEdgesOptions options;
+      options.offset = 0.2 + 0.2 * (random() % 5);
+      options.segments = 1 + static_cast<int>(random() % 4);
+      options.autoFit = (bits & 1) != 0;
+      options.fillNgons = (bits & 2) != 0;
+      options.mergeVertices = (bits & 4) != 0;
+      options.chamfer = (bits & 8) != 0;
+      options.uvAssignment = (bits & 16) != 0 ? BevelEdgesOptions::UvAssignment::PlanarPerFace
+                                              : BevelEdgesOptions::UvAssignment::Preserve;
+      options.miteringAngle = (bits & 3) != 0 ? 3.15 : 1;
+      Mesh edited = mesh;
+      const auto result = bevelEdges(edited, edges, options);
+      if (!result) {
+        CHECK(edited == mesh);
+        continue;
+      }
+      requireSound(edited);
+      if (!options.fillNgons) CHECK(result->caps.empty());
+      for (const auto* faces : {&result->strips, &result->caps})
+        for (const FaceId f : *faces) REQUIRE((f >= 0 && f < edited.faceCount()));
+    }
+  });
+}
+
+TEST_CASE("bevelEdges: without chamfer the shape stays and the edges get companions") {
+  const Mesh cube = makeCube().value();
+  for (const int segments : {1, 2, 4}) {
+    BevelEdgesOptions options = wide(0.1, segments);
+    options.chamfer = false;
+    for (const auto& edges : {zoo::allEdges(cube), std::vector<EdgeId>{0}}) {
+      Mesh edited = cube;
+      const auto result = bevelEdges(edited, edges, options);
+      REQUIRE(result.has_value());
+      requireSound(edited);
+      CHECK(result->caps.empty());
+      CHECK(result->strips.size() ==
+            edges.size() * static_cast<std::size_t>(segments + segments % 2));
+      CHECK(zoo::surfaceArea(edited) == doctest::Approx(6));
+      CHECK(zoo::counts(edited).euler() == 2);
+    }
+  }
+}
+
+TEST_CASE("bevelEdges: strips that meet in the middle of an edge are welded when asked to") {
+  const Mesh cube = makeCube().value();
+  BevelEdgesOptions options = wide(0.5);
+  Mesh welded = cube, open = cube;
+  REQUIRE(bevelEdges(welded, zoo::allEdges(cube), options));
+  options.mergeVertices = false;
+  REQUIRE(bevelEdges(open, zoo::allEdges(cube), options));
+  // A cube bevelled up to its faces' middles: each face shrinks to a point.
+  CHECK(welded.vertexCount() == 6);
+  CHECK(open.vertexCount() == 24);
+  CHECK(zoo::counts(welded).euler() == 2);
+  CHECK(zoo::surfaceArea(welded) == doctest::Approx(zoo::surfaceArea(open)));
+}
+
+TEST_CASE("bevelEdges: projected UVs have the size of their faces") {
+  Mesh grid = zoo::gridMesh(3, 3);
+  BevelEdgesOptions options = wide(0.1);
+  options.uvAssignment = BevelEdgesOptions::UvAssignment::PlanarPerFace;
+  const auto result =
+      bevelEdges(grid, std::vector<EdgeId>{grid.adjacency().findEdge(5, 6)}, options);
+  REQUIRE(result.has_value());
+  for (const FaceId f : result->strips) {
+    double twice = 0;
+    const auto uv = [&](Index k) {
+      const CornerId c = grid.firstCorner(f) + k % grid.faceSize(f);
+      return grid.uvSet(0).points[static_cast<std::size_t>(grid.cornerUv(0, c))];
+    };
+    for (Index k = 0; k < grid.faceSize(f); ++k)
+      twice +=
+          static_cast<double>(uv(k).u) * uv(k + 1).v - static_cast<double>(uv(k + 1).u) * uv(k).v;
+    CHECK(std::abs(twice) / 2 == doctest::Approx(mesh::faceArea(grid, f) / 9).epsilon(1e-3));
   }
 }
