@@ -51,22 +51,20 @@ Result<void> setCommon(Context& context, const ParsedArgs& args, Node& node) {
 /// The components that the node gets; none when the item names nothing that is there.
 std::vector<scene::Component> inputOf(const HistoryCommand& command, const MeshItem& item) {
   if (item.isObject()) return {scene::Component::all(command.works)};
-  std::vector<scene::Component> input;
-  bool takesAsTheyAre = false;
-  for (const scene::Component& component : item.components) {
+  const auto isTaken = [&](const scene::Component& each) {
     const auto& also = command.alsoTakes;
-    if (std::find(also.begin(), also.end(), component.type()) == also.end()) continue;
-    takesAsTheyAre = true;
-    auto kept = componentFromIds(item.mesh, component.type(), componentIds(item.mesh, component));
-    if (!kept.isEmpty()) input.push_back(std::move(kept));
+    return each.type() == command.works || std::find(also.begin(), also.end(), each.type()) != also.end();
+  };
+  std::vector<scene::Component> input;
+  const auto add = [&](scene::ComponentType type, std::vector<Index> ids) {
+    if (!ids.empty()) input.push_back(componentFromIds(item.mesh, type, std::move(ids)));
+  };
+  if (command.alsoTakes.empty() || std::none_of(item.components.begin(), item.components.end(), isTaken)) {
+    add(command.works, item.ids(command.works));
+    return input;
   }
-  const bool converts = !takesAsTheyAre || std::any_of(item.components.begin(), item.components.end(),
-                                                       [&](const auto& each) { return each.type() == command.works; });
-  if (!converts) return input;
-  MeshItem own = item;
-  if (takesAsTheyAre) std::erase_if(own.components, [&](const auto& each) { return each.type() != command.works; });
-  auto ids = own.ids(command.works);
-  if (!ids.empty()) input.push_back(componentFromIds(item.mesh, command.works, std::move(ids)));
+  for (const scene::Component& component : item.components)
+    if (isTaken(component)) add(component.type(), componentIds(item.mesh, component));
   return input;
 }
 
@@ -150,7 +148,9 @@ void selectMade(scene::Document& document, const std::vector<MeshItem>& items,
     }
     for (const scene::Component& component : made[i]) {
       if (component.isEmpty()) continue;
-      list.add(items[i].path, component);
+      const Index count = component.isComplete() ? scene::componentCount(items[i].path, component.type()) : 0;
+      list.add(items[i].path, component.isComplete() ? scene::Component(component.type(), component.expanded(count))
+                                                     : component);
       hilite.add(transform);
     }
   }

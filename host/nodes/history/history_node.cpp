@@ -80,6 +80,12 @@ const Attribute* HistoryContext::find(std::string_view attribute) const {
   return found;
 }
 
+void HistoryContext::makes(ComponentType type, std::vector<Index> ids) {
+  // All of a large mesh takes no list to remember.
+  const bool isAll = !ids.empty() && static_cast<Index>(ids.size()) == countOf(mesh, type);
+  made.push_back(isAll ? Component::all(type) : Component(type, std::move(ids)));
+}
+
 void HistoryContext::packed(std::string_view attribute, std::vector<Index>& indices,
                             std::vector<double>& values) const {
   block.graph().getPacked(Plug(&node(), find(attribute)), indices, values);

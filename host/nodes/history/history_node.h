@@ -24,10 +24,8 @@ class HistoryContext {
   std::shared_ptr<const void> plan;      ///< what the operation kept at the last evaluation; an
                                          ///< operation that finds it unusable replaces or clears it
 
-  /// Says what the operation made; the ids are in terms of the output.
-  void makes(scene::ComponentType type, std::vector<Index> ids) {
-    made.emplace_back(type, std::move(ids));
-  }
+  /// Says what the operation made, each once; the ids are those of `mesh` as it is now.
+  void makes(scene::ComponentType type, std::vector<Index> ids);
 
   [[nodiscard]] Node& node() const { return block.node(); }
   [[nodiscard]] double real(std::string_view attribute) const {
