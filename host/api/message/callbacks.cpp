@@ -301,10 +301,6 @@ void Callbacks::dagChanged(dg::Node& child, dg::Node* parent, bool added) {
   tell(added ? MDagMessage::kChildAdded : MDagMessage::kChildRemoved);
   if (isInstance) tell(added ? MDagMessage::kInstanceAdded : MDagMessage::kInstanceRemoved);
 }
-void Callbacks::cleared(bool before) {
-  if (before) fire(CallbackKind::Scene, {.message = MSceneMessage::kBeforeNew});
-}
-
 }  // namespace host::api
 
 using namespace host;

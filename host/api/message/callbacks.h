@@ -81,7 +81,6 @@ class Callbacks final : public dg::GraphObserver, public scene::DocumentObserver
   void plugDirty(const dg::Plug& plug) override;
   void selectionChanged() override;
   void dagChanged(dg::Node& child, dg::Node* parent, bool added) override;
-  void cleared(bool before) override;
 
  private:
   [[nodiscard]] bool waits(CallbackKind kind) const { return counts_[static_cast<std::size_t>(kind)] > 0; }
