@@ -69,6 +69,7 @@ class SumNode : public MPxNode {
     level_ = handle.asInt() * 10;
     return true;
   }
+  void copyInternalData(MPxNode* original) override { level_ = static_cast<SumNode*>(original)->level_; }
   MStatus legalConnection(const MPlug& plug, const MPlug&, bool asSrc, bool& isLegal) const override {
     if (asSrc || plug != scale) return MS::kUnknownParameter;
     isLegal = false;

@@ -1,6 +1,7 @@
 #include <map>
 
 #include "host/builtins/common/command.h"
+#include "host/builtins/dag/duplicate_hooks.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/sets.h"
 
@@ -15,7 +16,8 @@ using scene::Node;
 /// Copies nodes with their values, one call's worth; remembers which copy stands for which node.
 class Duplicator {
  public:
-  Duplicator(scene::Document& document, const ParsedArgs& args) : document_(document), args_(args) {}
+  Duplicator(Context& context, const ParsedArgs& args)
+      : document_(context.document), args_(args), hooks_(context.session.service<DuplicateHooks>()) {}
 
   Result<Node*> copyTree(const DagPath& path, Node* parent, const std::string& wanted) {
     Node& original = *path.node();
@@ -40,6 +42,7 @@ class Duplicator {
       HOST_TRY(nodes::setStoredMesh(copy, std::move(*mesh)));
     }
     HOST_TRY(shareShading(original, copy));
+    if (hooks_.copied) hooks_.copied(original, copy);
     return &copy;
   }
 
@@ -116,6 +119,8 @@ class Duplicator {
     const dg::Attribute& attribute = *from.attribute();
     dg::Graph& graph = document_.graph();
     if (!attribute.writable || !attribute.storable || attribute.longName == "instObjGroups") return {};
+    // The copy computes its own.
+    if (!attribute.top().isDynamic && from.node()->type().isComputed(&attribute)) return {};
     if (from.isArray()) {
       if (attribute.internalStorage) return {};
       std::vector<Index> indices;
@@ -151,6 +156,7 @@ class Duplicator {
 
   scene::Document& document_;
   const ParsedArgs& args_;
+  const DuplicateHooks& hooks_;
   std::map<Node*, Node*> copyOf_;
   std::vector<Node*> order_, copies_;
 };
@@ -160,7 +166,9 @@ CommandResult duplicate(Context& context, const ParsedArgs& args) {
   auto list = args.resolveObjects(document);
   if (!list) return failWith(std::move(list.error()));
   if (list->isEmpty()) return fail("duplicate: name or select objects.");
-  Duplicator duplicator(document, args);
+  const DuplicateHooks& hooks = context.session.service<DuplicateHooks>();
+  if (hooks.before) hooks.before();
+  Duplicator duplicator(context, args);
   std::vector<std::string> names;
   scene::SelectionList copies;
   for (const scene::SelectionItem& item : list->items()) {
@@ -184,6 +192,7 @@ CommandResult duplicate(Context& context, const ParsedArgs& args) {
     HOST_TRY(duplicator.connectInputs(args.has("upstreamNodes")));
   }
   document.setSelection(std::move(copies));
+  if (hooks.after) hooks.after();
   return toValue(std::move(names));
 }
 
@@ -197,7 +206,7 @@ CommandResult instance(Context& context, const ParsedArgs& args) {
   for (const scene::SelectionItem& item : list->items()) {
     if (!item.isDag()) return fail("'{}' is not in the hierarchy and can't be instanced.", item.node->name());
     const DagPath path = scene::isShape(*item.node) ? item.path.transform() : item.path;
-    Duplicator duplicator(document, args);
+    Duplicator duplicator(context, args);
     auto copy = duplicator.copyOne(*path.node(), args.text("name", path.node()->name()), path.parent().node());
     if (!copy) return failWith(std::move(copy.error()));
     const std::vector<Node*> children = scene::dagLinks(*path.node()).children;

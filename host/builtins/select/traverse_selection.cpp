@@ -67,9 +67,10 @@ Ids grow(const Region& region) {
   return grown;
 }
 
-/// Those of the region with a neighbour outside it.
+/// Those of the region with a neighbour outside it. Costs what the region touches, not the mesh.
 Ids innerRim(const Region& region) {
-  const Ids beyond = neighbourhood({region.mesh, region.kind, complement(region)});
+  const Region around{region.mesh, region.kind, without(grow(region), region.ids)};
+  const Ids beyond = neighbourhood(around);
   Ids rim = region.ids;
   std::erase_if(rim, [&](Index i) { return !std::binary_search(beyond.begin(), beyond.end(), i); });
   return rim;

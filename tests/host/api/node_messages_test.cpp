@@ -64,6 +64,22 @@ TEST_CASE("messages: nodes with their place, selection, user events and stepped 
   CHECK(heard().size() == 3);
 }
 
+TEST_CASE("messages: before and after copies are made, once a command") {
+  const auto session = api::makeHostSession();
+  const auto note = [](void* what) { heard().push_back(static_cast<const char*>(what)); };
+  char before[] = "before", after[] = "after";
+  MCallbackIdArray ids;
+  ids.append(MModelMessage::addBeforeDuplicateCallback(note, before));
+  ids.append(MModelMessage::addAfterDuplicateCallback(note, after));
+  heard().clear();
+  REQUIRE(session->executeLine("polyCube -n a; duplicate a a; select -cl"));
+  CHECK(heard() == std::vector<std::string>{"before", "after"});
+  heard().clear();
+  CHECK_FALSE(session->executeLine("duplicate"));
+  CHECK(heard().empty());
+  CHECK(MMessage::removeCallbacks(ids));
+}
+
 TEST_CASE("hierarchy modifier: places nodes, moves them, and takes all back") {
   const auto session = api::makeHostSession();
   scene::Document& document = session->document();

@@ -61,6 +61,10 @@ TEST_CASE_FIXTURE(Plugged, "plug-in node: dirtiness beyond the declared, interna
   CHECK(number("getAttr s.level") == 7);
   run("setAttr s.level 3");
   CHECK(number("getAttr s.level") == 30);
+  run("duplicate -n copy s");
+  CHECK(number("getAttr copy.level") == 30);
+  run("setAttr copy.level 1");
+  CHECK(number("getAttr s.level") == 30);
   run("createNode sumNode -n t");
   CHECK(fails("connectAttr s.sum t.sumScale"));
   CHECK(fails("getAttr s.fails"));
