@@ -16,6 +16,15 @@ namespace {
 /// The first one whose files may hold all that is written here.
 constexpr const char* kFileVersion = "2016";
 
+/// Loads the plug-ins that a file asks for, by name alone: a scene does not say where code comes from. Without one its
+/// nodes are unknown ones, which is told of them.
+void loadPlugins(Context& context, const io::MaFile& file) {
+  if (!context.session.pluginLoader) return;
+  for (const std::string_view name : file.plugins)
+    if (!name.empty() && name.find_first_of("/\\.") == std::string_view::npos)
+      (void)context.session.pluginLoader->load(std::string(name));
+}
+
 Result<FileFormat::Placing> read(Context&, const std::string& path, const FileReadOptions& options) {
   auto file = io::readMa(path);
   if (!file) return failWith(std::move(file.error()));
@@ -25,6 +34,7 @@ Result<FileFormat::Placing> read(Context&, const std::string& path, const FileRe
                         .renamesAll = options.renamesAll,
                         .nameSpace = options.nameSpace};
   return [kept, how](Context& context) -> Result<std::vector<dg::Node*>> {
+    loadPlugins(context, *kept);
     auto loaded = io::loadMa(context.document, std::move(*kept), context.session.service<io::MaKept>(), how);
     if (!loaded) return failWith(std::move(loaded.error()));
     for (const std::string& warning : loaded->warnings) postMessage(MessageKind::Warning, warning);
@@ -95,8 +105,10 @@ std::vector<std::string> requirementsOf(Context& context) {
   std::unordered_set<std::string> seen;
   for (const dg::NodePtr& node : context.document.graph().nodes()) {
     const std::string& plugin = node->type().pluginName;
-    if (!plugin.empty() && seen.insert(node->type().name).second)
-      statements.push_back(fmt::format("requires -nodeType \"{}\" \"{}\" \"1.0\"", node->type().name, plugin));
+    if (plugin.empty() || !seen.insert(node->type().name).second) continue;
+    const cmd::PluginInfo* info = context.session.pluginLoader ? context.session.pluginLoader->info(plugin) : nullptr;
+    const std::string version = info && !info->version.empty() ? info->version : "1.0";
+    statements.push_back(fmt::format("requires -nodeType \"{}\" \"{}\" \"{}\"", node->type().name, plugin, version));
   }
   return statements;
 }

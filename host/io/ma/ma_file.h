@@ -87,6 +87,7 @@ struct MaFile {
   std::vector<MaRelationship> relationships;
   std::vector<std::pair<std::string, std::string>> fileInfo;
   std::vector<std::string_view> requirements;  ///< `requires` statements, but for the host's own
+  std::vector<std::string_view> plugins;       ///< the names in them
   std::vector<std::string_view> early, late;   ///< statements that are not known, before and after
                                                ///< the first node
   std::vector<std::string> warnings;

@@ -430,7 +430,10 @@ class Parser {
     if (fault_) return;
     const auto own = std::ranges::find_if(
         words, [](const MaToken& word) { return word.text == "maya" || word.text == "Maya"; });
-    if (own == words.end()) file_.requirements.push_back(rawStatement());
+    if (own != words.end()) return;
+    file_.requirements.push_back(rawStatement());
+    // Flags, then the plug-in's name and its version.
+    if (words.size() >= 2) file_.plugins.push_back(words[words.size() - 2].text);
   }
 
   void fileInfo() {

@@ -3,7 +3,7 @@
 #include <maya/MMessage.h>
 #include <maya/MSceneMessage.h>
 
-#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 
 #include "host/base/messages.h"
@@ -76,4 +76,34 @@ TEST_CASE("scene messages: every station of opening, importing, saving and empty
   CHECK(scene.run("objExists box").toInt().value_or(0) == 1);
   MMessage::removeCallback(check);
   MMessage::removeCallbacks(ids);
+}
+
+TEST_CASE("scene files: opening one loads the plug-ins it asks for; without them its nodes are kept") {
+  const host::MessageCapture quiet;
+  const std::filesystem::path folder = std::filesystem::path(QXMT_BINARY_DIR) / "scene_messages";
+  std::filesystem::create_directories(folder);
+  const std::string file = (folder / "sum.ma").string(), again = (folder / "again.ma").string();
+  ::setenv("MAYA_PLUG_IN_PATH", QXMT_BINARY_DIR "/test_plugins", 1);
+  std::string value;
+  {
+    ApiScene scene;
+    scene.run("loadPlugin node_plugin; createNode sumNode -n total; createNode boxLocator -n flag");
+    scene.run("setAttr flag.visibility 0; setAttr total.inputs[0] 2; setAttr total.inputs[7] 5");
+    value = scene.text("file -rename \"" + file + "\"; file -save; getAttr total.sum");
+  }
+  ::unsetenv("MAYA_PLUG_IN_PATH");
+  {
+    ApiScene scene;
+    scene.run("file -f -open \"" + file + "\"; file -rename \"" + again + "\"; file -save");
+    CHECK(scene.text("nodeType total") == "unknown");
+    CHECK(scene.text("unknownNode -q -rcn flag") == "boxLocator");
+  }
+  ::setenv("MAYA_PLUG_IN_PATH", QXMT_BINARY_DIR "/test_plugins", 1);
+  ApiScene scene;
+  scene.run("file -f -open \"" + again + "\"");
+  CHECK(scene.text("nodeType total") == "sumNode");
+  CHECK(value == "7");
+  CHECK(scene.text("getAttr total.sum") == value);
+  CHECK(scene.text("getAttr flag.visibility") == "0");
+  ::unsetenv("MAYA_PLUG_IN_PATH");
 }
