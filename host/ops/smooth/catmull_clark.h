@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <limits>
 #include <span>
@@ -21,26 +20,24 @@ struct SubdivisionChannel {
   std::span<const Index> cornerEdges;         ///< -1 where an edge is not divided
   std::span<const std::uint8_t> isDivided;    ///< one a face
   std::span<const mesh::EdgeVertices> edges;  ///< in points of the channel
-  std::vector<float> edgeSharpness;   ///< 0 smooth, kInfinitelySharp never smoothed; edges without
-                                      ///< two faces count as such
-  std::vector<float> pointSharpness;  ///< likewise; one a point
-  std::vector<std::uint8_t>
-      isPinned;  ///< points that stay, with the middles of edges between two of them; one a point
-  std::vector<std::uint8_t> isEdgePinned;  ///< edges whose new point is the middle; one an edge
-  double weight = 1;                       ///< 1 smooth, 0 linear, between: a blend of both places
+  std::vector<float> edgeSharpness;    ///< 0 smooth, kInfinitelySharp never smoothed; edges without
+                                       ///< two faces count as such; empty: all 0
+  std::vector<float> pointSharpness;   ///< likewise; one a point, or empty
+  std::vector<std::uint8_t> isPinned;  ///< points that stay; one a point
+  double weight = 1;                   ///< 1 smooth, 0 linear, between: a blend of both places
 };
 
 /// Places the points of one Catmull-Clark step with semi-sharp creases (Catmull and Clark 1978;
 /// DeRose, Kass and Truong 1998, section 3 and 4): the old points, one point an edge, one a face,
-/// in this order. Points of edges and faces that are not divided are zero and mean nothing. Where
-/// points of several fans meet, they stay. Linear.
-template <int N>
-[[nodiscard]] std::vector<std::array<double, N>> catmullClarkPoints(
-    std::span<const std::array<double, N>> points, const SubdivisionChannel& channel);
+/// in this order. Points of edges and faces that are not divided mean nothing. Where points of
+/// several fans meet, they stay. Computes in double precision. Linear.
+template <class Value>
+[[nodiscard]] std::vector<Value> catmullClarkPoints(std::span<const Value> points,
+                                                    const SubdivisionChannel& channel);
 
-extern template std::vector<std::array<double, 2>> catmullClarkPoints<2>(
-    std::span<const std::array<double, 2>>, const SubdivisionChannel&);
-extern template std::vector<std::array<double, 3>> catmullClarkPoints<3>(
-    std::span<const std::array<double, 3>>, const SubdivisionChannel&);
+extern template std::vector<math::Vec2f> catmullClarkPoints<math::Vec2f>(
+    std::span<const math::Vec2f>, const SubdivisionChannel&);
+extern template std::vector<math::Vec3f> catmullClarkPoints<math::Vec3f>(
+    std::span<const math::Vec3f>, const SubdivisionChannel&);
 
 }  // namespace host::ops

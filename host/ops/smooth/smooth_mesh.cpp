@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cmath>
+#include <thread>
 
 #include "host/ops/smooth/catmull_clark.h"
 #include "host/ops/smooth/smooth_topology.h"
@@ -9,7 +10,8 @@
 namespace host::ops {
 namespace {
 
-constexpr float kFullCrease = 10;  // and more: infinitely sharp
+constexpr Index kParallelCorners = 100'000;  // fewer are done before a thread starts
+constexpr float kFullCrease = 10;            // and more: infinitely sharp
 
 std::size_t at(Index i) {
   return static_cast<std::size_t>(i);
@@ -42,19 +44,34 @@ class Smoother {
   }
 
   void step() {
-    const SmoothTopology next = divideTopology(mesh_, isDivided_, rootEdges_);
+    // Points and the rest do not need each other.
+    std::vector<math::Vec3f> points;
+    SmoothTopology next;
     Mesh result = mesh_;
-    result.setPoints(movedPoints(next));
-    for (int s = 0; s < mesh_.uvSetCount(); ++s)
-      result.setUvSet(s, dividedUvs(mesh_.uvSet(s), next));
+    const auto divideTheRest = [&] {
+      next = divideTopology(mesh_, isDivided_, rootEdges_);
+      for (int s = 0; s < mesh_.uvSetCount(); ++s)
+        result.setUvSet(s, dividedUvs(mesh_.uvSet(s), next));
+    };
+    if (mesh_.cornerCount() < kParallelCorners) {
+      points = movedPoints();
+      divideTheRest();
+    } else {
+      std::thread other([&] { points = movedPoints(); });
+      divideTheRest();
+      other.join();
+    }
+    dropUndivided(points, next);
+    result.setPoints(std::move(points));
     if (mesh_.colorSetCount() > 0) divideColors(result, next);
     carryEdgesAndFaces(result, next);
-    result.setTopology(next.topology);
     rootEdges_ = next.rootEdges;
     std::vector<std::uint8_t> isDivided;
+    isDivided.reserve(next.faceParents.size());
     for (const FaceId parent : next.faceParents) isDivided.push_back(isDivided_[at(parent)]);
     isDivided_ = std::move(isDivided);
     isPinned_.resize(at(next.vertexCount), 0);
+    result.setTopology(std::move(next.topology));
     mesh_ = std::move(result);
   }
 
@@ -93,13 +110,16 @@ class Smoother {
 
   // Listed and other faces at each edge.
   struct Uses {
-    int listed = 0, others = 0;
+    std::uint8_t listed = 0, others = 0;  // 3 stands for more, too
+    static void count(std::uint8_t& uses) {
+      uses = static_cast<std::uint8_t>(uses < 3 ? uses + 1 : 3);
+    }
   };
   [[nodiscard]] std::vector<Uses> edgeUses() const {
     std::vector<Uses> uses(at(mesh_.edgeCount()));
     for (FaceId f = 0; f < mesh_.faceCount(); ++f)
       for (const EdgeId e : mesh_.faceEdges(f))
-        ++(isDivided_[at(f)] != 0 ? uses[at(e)].listed : uses[at(e)].others);
+        Uses::count(isDivided_[at(f)] != 0 ? uses[at(e)].listed : uses[at(e)].others);
     return uses;
   }
 
@@ -108,7 +128,13 @@ class Smoother {
     return sharpnessOfCrease(mesh_.edgeCrease(e));
   }
 
-  std::vector<math::Vec3f> movedPoints(const SmoothTopology& next) {
+  [[nodiscard]] bool hasSharpEdges() const {
+    return !mesh_.creases().edges.empty() ||
+           (options_.keepHardEdges && !mesh_.edgeSmooth().empty());
+  }
+
+  // The old points, one an edge and one a face.
+  [[nodiscard]] std::vector<math::Vec3f> movedPoints() const {
     SubdivisionChannel channel;
     const auto& topology = mesh_.topology();
     channel.faceOffsets = topology.faceOffsets;
@@ -118,38 +144,43 @@ class Smoother {
     channel.edges = topology.edges;
     channel.weight = options_.continuity;
     channel.isPinned = isPinned_;
-    channel.isEdgePinned.assign(topology.edges.size(), 0);
     const std::vector<Uses> uses = edgeUses();
     for (EdgeId e = 0; e < mesh_.edgeCount(); ++e) {
-      channel.edgeSharpness.push_back(sharpnessOf(e));
       const Uses& use = uses[at(e)];
       if (use.listed == 0 || use.listed == 2) continue;
       const bool stays = use.others > 0 ? options_.keepSelectionBorder : options_.keepBorder;
       if (stays) channel.isPinned[at(mesh_.edge(e).a)] = channel.isPinned[at(mesh_.edge(e).b)] = 1;
     }
-    for (VertexId v = 0; v < mesh_.vertexCount(); ++v)
-      channel.pointSharpness.push_back(sharpnessOfCrease(mesh_.vertexCrease(v)));
-    std::vector<std::array<double, 3>> points;
-    points.reserve(at(mesh_.vertexCount()));
-    for (const math::Vec3f& p : mesh_.points()) points.push_back({p.x, p.y, p.z});
-    const auto moved = catmullClarkPoints<3>(points, channel);
-    std::vector<math::Vec3f> result;
-    result.reserve(at(next.vertexCount));
-    const auto take = [&](std::size_t i) {
-      result.push_back(math::Vec3(moved[i][0], moved[i][1], moved[i][2]).toFloat());
-    };
-    for (std::size_t v = 0; v < points.size(); ++v) take(v);
-    for (std::size_t e = 0; e < topology.edges.size(); ++e)
-      if (next.edgeVertices[e] != kNone) take(points.size() + e);
+    if (hasSharpEdges()) {
+      channel.edgeSharpness.reserve(topology.edges.size());
+      for (EdgeId e = 0; e < mesh_.edgeCount(); ++e)
+        channel.edgeSharpness.push_back(sharpnessOf(e));
+    }
+    if (!mesh_.creases().vertices.empty())
+      for (const float crease : mesh_.creases().vertices)
+        channel.pointSharpness.push_back(sharpnessOfCrease(crease));
+    return catmullClarkPoints<math::Vec3f>(mesh_.points(), channel);
+  }
+
+  // Closes the gaps of edges and faces that are not divided.
+  void dropUndivided(std::vector<math::Vec3f>& points, const SmoothTopology& next) const {
+    if (points.size() == at(next.vertexCount)) return;
+    const std::size_t edges = at(mesh_.vertexCount()), faces = edges + next.edgeVertices.size();
+    std::size_t kept = edges;
+    for (std::size_t e = 0; e < next.edgeVertices.size(); ++e)
+      if (next.edgeVertices[e] != kNone) points[kept++] = points[edges + e];
     for (std::size_t f = 0; f < next.faceVertices.size(); ++f)
-      if (next.faceVertices[f] != kNone) take(points.size() + topology.edges.size() + f);
-    return result;
+      if (next.faceVertices[f] != kNone) points[kept++] = points[faces + f];
+    points.resize(kept);
   }
 
   [[nodiscard]] UvComplex complexOf(const mesh::UvSet& set, const SmoothTopology& next) const {
     UvComplex complex;
     complex.cornerEdges.assign(at(mesh_.cornerCount()), kNone);
+    complex.edges.reserve(at(mesh_.edgeCount()));
+    complex.edgeParents.reserve(at(mesh_.edgeCount()));
     std::vector<EdgeId> newest(at(mesh_.edgeCount()), kNone), older;
+    older.reserve(at(mesh_.edgeCount()));
     for (FaceId f = 0; f < mesh_.faceCount(); ++f) {
       const CornerId first = mesh_.firstCorner(f), end = mesh_.firstCorner(f + 1);
       if (set.cornerIds[at(first)] < 0) continue;
@@ -181,18 +212,18 @@ class Smoother {
     result.points = set.points;
     if (set.cornerIds.empty()) return result;
     const UvComplex complex = complexOf(set, next);
-    const auto moved = placedUvs(set, complex);
-    const std::size_t oldCount = set.points.size(), edgeCount = complex.edges.size();
-    result.points.clear();
-    for (std::size_t i = 0; i < oldCount + edgeCount; ++i)
-      result.points.push_back({static_cast<float>(moved[i][0]), static_cast<float>(moved[i][1])});
+    result.points = placedUvs(set, complex);
+    const std::size_t oldCount = set.points.size();
+    std::size_t kept = oldCount + complex.edges.size();
+    const std::size_t firstFace = kept;
     std::vector<UvId> faceUvs(at(mesh_.faceCount()), kNone);
     for (FaceId f = 0; f < mesh_.faceCount(); ++f) {
       if (isDivided_[at(f)] == 0 || set.cornerIds[at(mesh_.firstCorner(f))] < 0) continue;
-      faceUvs[at(f)] = static_cast<UvId>(result.points.size());
-      const auto& p = moved[oldCount + edgeCount + at(f)];
-      result.points.push_back({static_cast<float>(p[0]), static_cast<float>(p[1])});
+      faceUvs[at(f)] = static_cast<UvId>(kept);
+      result.points[kept++] = result.points[firstFace + at(f)];
     }
+    result.points.resize(kept);
+    result.cornerIds.reserve(next.topology.cornerVertices.size());
     forEachSmoothCorner(mesh_, isDivided_, next.isEdgeDivided,
                         [&](const SmoothCorner& corner, bool) {
                           UvId id = faceUvs[at(corner.face)];
@@ -207,8 +238,8 @@ class Smoother {
     return result;
   }
 
-  std::vector<std::array<double, 2>> placedUvs(const mesh::UvSet& set,
-                                               const UvComplex& complex) const {
+  [[nodiscard]] std::vector<math::Vec2f> placedUvs(const mesh::UvSet& set,
+                                                   const UvComplex& complex) const {
     SubdivisionChannel channel;
     const bool isSmooth =
         options_.smoothUVs && options_.mapBorders != SmoothOptions::MapBorders::KeepAll;
@@ -219,28 +250,31 @@ class Smoother {
     channel.edges = complex.edges;
     channel.weight = isSmooth ? options_.continuity : 0;
     channel.isPinned.assign(set.points.size(), 0);
-    channel.isEdgePinned.assign(complex.edges.size(), 0);
-    channel.pointSharpness.assign(set.points.size(), 0);
-    for (CornerId c = 0; c < mesh_.cornerCount(); ++c)
-      if (const UvId id = set.cornerIds[at(c)]; id >= 0)
-        channel.pointSharpness[at(id)] =
-            sharpnessOfCrease(mesh_.vertexCrease(mesh_.cornerVertex(c)));
+    if (!mesh_.creases().vertices.empty()) {
+      channel.pointSharpness.assign(set.points.size(), 0);
+      for (CornerId c = 0; c < mesh_.cornerCount(); ++c)
+        if (const UvId id = set.cornerIds[at(c)]; id >= 0)
+          channel.pointSharpness[at(id)] =
+              sharpnessOfCrease(mesh_.vertexCrease(mesh_.cornerVertex(c)));
+    }
+    if (hasSharpEdges()) {
+      channel.edgeSharpness.reserve(complex.edges.size());
+      for (const EdgeId parent : complex.edgeParents)
+        channel.edgeSharpness.push_back(sharpnessOf(parent));
+    }
     std::vector<Uses> uses(complex.edges.size());
     for (FaceId f = 0; f < mesh_.faceCount(); ++f)
       for (CornerId c = mesh_.firstCorner(f); c < mesh_.firstCorner(f + 1); ++c)
         if (const EdgeId e = complex.cornerEdges[at(c)]; e != kNone)
-          ++(isDivided_[at(f)] != 0 ? uses[at(e)].listed : uses[at(e)].others);
+          Uses::count(isDivided_[at(f)] != 0 ? uses[at(e)].listed : uses[at(e)].others);
     for (std::size_t e = 0; e < complex.edges.size(); ++e) {
-      channel.edgeSharpness.push_back(sharpnessOf(complex.edgeParents[e]));
       if (uses[e].listed == 2) continue;
       const bool stays =
           uses[e].others > 0 || options_.mapBorders == SmoothOptions::MapBorders::Keep;
       if (stays)
         channel.isPinned[at(complex.edges[e].a)] = channel.isPinned[at(complex.edges[e].b)] = 1;
     }
-    std::vector<std::array<double, 2>> points;
-    for (const math::Vec2f& uv : set.points) points.push_back({uv.u, uv.v});
-    return catmullClarkPoints<2>(points, channel);
+    return catmullClarkPoints<math::Vec2f>(set.points, channel);
   }
 
   void divideColors(Mesh& result, const SmoothTopology& next) const {
@@ -267,6 +301,7 @@ class Smoother {
   void carryEdgesAndFaces(Mesh& result, const SmoothTopology& next) const {
     if (!mesh_.edgeSmooth().empty()) {
       std::vector<std::uint8_t> flags;
+      flags.reserve(next.edgeParents.size());
       for (const EdgeId parent : next.edgeParents)
         flags.push_back(parent == kNone || mesh_.isEdgeSmooth(parent) ? 1 : 0);
       result.setEdgeSmooth(std::move(flags));

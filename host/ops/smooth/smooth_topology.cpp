@@ -18,6 +18,7 @@ class TopologyDivider {
 
   SmoothTopology run() {
     nameVertices();
+    reserveResult();
     nameRootEdges();
     innerEdges_.assign(at(mesh_.cornerCount()), kNone);
     findRepeatedWalks();
@@ -31,12 +32,32 @@ class TopologyDivider {
     for (FaceId f = 0; f < mesh_.faceCount(); ++f)
       if (isDivided_[at(f)] != 0)
         for (const EdgeId e : mesh_.faceEdges(f)) out_.isEdgeDivided[at(e)] = 1;
+    out_.edgeVertices.reserve(out_.isEdgeDivided.size());
+    out_.faceVertices.reserve(isDivided_.size());
     Index next = mesh_.vertexCount();
     for (const std::uint8_t isCut : out_.isEdgeDivided)
       out_.edgeVertices.push_back(isCut != 0 ? next++ : kNone);
     for (const std::uint8_t isCut : isDivided_)
       out_.faceVertices.push_back(isCut != 0 ? next++ : kNone);
     out_.vertexCount = next;
+  }
+
+  void reserveResult() {
+    std::size_t corners = 0, faces = 0, inner = 0;
+    for (FaceId f = 0; f < mesh_.faceCount(); ++f) {
+      const auto n = at(mesh_.faceSize(f));
+      const bool isCut = isDivided_[at(f)] != 0;
+      corners += isCut ? 4 * n : 2 * n;
+      faces += isCut ? n : 1;
+      inner += isCut ? n : 0;
+    }
+    const std::size_t edges = 2 * at(mesh_.edgeCount()) + inner;
+    out_.topology.faceOffsets.reserve(faces + 1);
+    out_.faceParents.reserve(faces);
+    out_.topology.cornerVertices.reserve(corners);
+    out_.topology.cornerEdges.reserve(corners);
+    out_.topology.edges.reserve(edges);
+    out_.edgeParents.reserve(edges);
   }
 
   EdgeId addEdge(VertexId a, VertexId b, EdgeId parent) {
