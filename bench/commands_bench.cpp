@@ -175,15 +175,47 @@ BENCHMARK_CAPTURE(command, planar, "shape.f[*]", "qxMakePlanarCmd")->Name("plana
 BENCHMARK_CAPTURE(command, circle, "shape.vtx[*]", "qxCircleVertsCmd")->Name("circle/command")->Apply(sizes);
 BENCHMARK_CAPTURE(command, merge, "shape.vtx[*]", "qxMergeVerts -id 5")->Name("merge/command")->Apply(sizes);
 
-/// The torus is its own mirror image across z = 0, so that half goes on the circle and half mirrors it.
-void circleMirrored(benchmark::State& state) {
+/// A wavy grid that is its own mirror image across x = 0, with no vertex on the plane: half of it goes on a circle and the
+/// other half mirrors it.
+void circleOnGrid(benchmark::State& state, bool isMirrored) {
+  const Index side = 2 * static_cast<Index>(std::sqrt(static_cast<double>(state.range(0))) / 2);
+  std::vector<Vec3f> points;
+  std::vector<Index> corners;
+  for (Index i = 0; i < side; ++i)
+    for (Index j = 0; j < side; ++j) {
+      const double x = 20.0 * (j + 0.5) / side - 10, z = 20.0 * i / side - 10;
+      points.push_back(Vec3(x, 0.3 * std::sin(0.5 * x * x + z), z).toFloat());
+    }
+  for (Index i = 0; i + 1 < side; ++i)
+    for (Index j = 0; j + 1 < side; ++j)
+      corners.insert(corners.end(), {i * side + j, i * side + j + 1, (i + 1) * side + j + 1, (i + 1) * side + j});
   session().interpreter().setScriptPath({QXMT_BINARY_DIR "/scripts"});
-  run("source qx_modeling_tool_ui; modelingWindow_QXMT_Proc; checkBox -e -v 1 mirror_QXMT_CB;"
-      "radioCollection -e -sl mirrorY_QXMT_RB mirror_QXMT_RB; radioCollection -e -sl worldSpace_QXMT_RB mirrorSpace_QXMT_RB");
-  command(state, "shape.vtx[*]", "qxCircleVertsCmd");
-  run("deleteUI -window qx_modeling_ui");
+  session().newScene();
+  if (isMirrored)
+    run("source qx_modeling_tool_ui; modelingWindow_QXMT_Proc; checkBox -e -v 1 mirror_QXMT_CB;"
+        "radioCollection -e -sl mirrorX_QXMT_RB mirror_QXMT_RB; radioCollection -e -sl worldSpace_QXMT_RB mirrorSpace_QXMT_RB");
+  const MDagPath path =
+      put(*host::mesh::buildMesh(std::move(points), std::vector<Index>(corners.size() / 4, 4), corners), "shape");
+  run("undoInfo -state on; select -r shape.vtx[*]");
+  run("qxCircleVertsCmd");
+  MPointArray circled;
+  MFnMesh(path).getPoints(circled, MSpace::kWorld);
+  const bool isImage = circled[0].isEquivalent(
+      MPoint(-circled[static_cast<unsigned int>(side - 1)].x, circled[static_cast<unsigned int>(side - 1)].y,
+             circled[static_cast<unsigned int>(side - 1)].z), 1e-4);
+  if (isMirrored && !isImage) state.SkipWithError("not mirrored");
+  run("undo");
+  for (auto _ : state) {
+    run("qxCircleVertsCmd");
+    state.PauseTiming();
+    run("undo");
+    state.ResumeTiming();
+  }
+  if (isMirrored) run("deleteUI -window qx_modeling_ui");
+  state.SetItemsProcessed(state.iterations() * state.range(0));
 }
-BENCHMARK(circleMirrored)->Name("circle/mirrored")->Apply(sizes);
+BENCHMARK_CAPTURE(circleOnGrid, one, false)->Name("circle/grid")->Apply(sizes);
+BENCHMARK_CAPTURE(circleOnGrid, mirrored, true)->Name("circle/gridMirrored")->Apply(sizes);
 
 void transferNormals(benchmark::State& state) {
   session().newScene();

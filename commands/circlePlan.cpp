@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <vector>
 
 #include "shared/planeFit.h"
@@ -14,47 +15,51 @@ namespace {
 
 constexpr double kTwoPi = 6.283185307179586476925;
 
+/// A point of the run and its angle in steps of a full turn's 2^44th part, counted from 1: finer than angles can be told.
 struct placedPoint {
-  double turn;
+  std::uint64_t turn;
   unsigned int entry;
   bool operator<(const placedPoint& other) const {
     return turn != other.turn ? turn < other.turn : entry < other.entry;
   }
 };
+constexpr int kTurnBits = 44;
 
-/// Grows with the angle of a direction from 0 up to 4 for a full turn, at a fraction of an arc tangent's cost; 0 for no
+/// Grows with the angle of a direction over a full turn, at a fraction of an arc tangent's cost; the first step for no
 /// direction.
-double turnOf(double x, double y) {
+std::uint64_t turnOf(double x, double y) {
+  constexpr double kSteps = static_cast<double>(std::uint64_t{1} << (kTurnBits - 2));  // a quarter turn
   const double size = std::fabs(x) + std::fabs(y);
-  if (size == 0.0) return 0.0;
+  if (size == 0.0) return 1;
   const double slope = y / size;
-  return x < 0.0 ? 2.0 - slope : (y < 0.0 ? 4.0 + slope : slope);
+  const double quarters = x < 0.0 ? 2.0 - slope : (y < 0.0 ? 4.0 + slope : slope);
+  return 1 + static_cast<std::uint64_t>(quarters * kSteps);
 }
 
-/// Sorts by turn. Large runs are spread over as many sectors as there are points first, which leaves little to compare.
+/// Sorts by turn, points of one turn by their place. Linear for large runs, however the angles are spread: by a few bits of the
+/// turn at a time, the lowest first.
 void sortByTurn(std::vector<placedPoint>& points) {
   constexpr std::size_t kLarge = 4096;
-  const std::size_t count = points.size();
-  if (count < kLarge) {
+  constexpr int kDigitBits = 12;
+  constexpr std::uint64_t kDigits = std::uint64_t{1} << kDigitBits;
+  if (points.size() < kLarge) {
     std::sort(points.begin(), points.end());
     return;
   }
-  const auto sectorOf = [count](const placedPoint& point) {
-    return std::min(count - 1, static_cast<std::size_t>(std::max(0.0, point.turn) * 0.25 * static_cast<double>(count)));
-  };
-  std::vector<unsigned int> ends(count, 0);
-  for (const placedPoint& point : points) ++ends[sectorOf(point)];
-  unsigned int total = 0;
-  for (unsigned int& end : ends) end = total += end;
-  std::vector<placedPoint> sorted(count);
-  for (std::size_t i = count; i-- > 0;) sorted[--ends[sectorOf(points[i])]] = points[i];  // now where sectors start
-  for (std::size_t sector = 0; sector < count; ++sector) {
-    const std::size_t end = sector + 1 < count ? ends[sector + 1] : count;
-    if (end - ends[sector] > 1)
-      std::sort(sorted.begin() + static_cast<std::ptrdiff_t>(ends[sector]),
-                sorted.begin() + static_cast<std::ptrdiff_t>(end));
+  std::vector<placedPoint> sorted(points.size());
+  std::vector<unsigned int> starts(kDigits);
+  for (int shift = 0; shift <= kTurnBits; shift += kDigitBits) {
+    std::fill(starts.begin(), starts.end(), 0u);
+    for (const placedPoint& point : points) ++starts[(point.turn >> shift) & (kDigits - 1)];
+    unsigned int total = 0;
+    for (unsigned int& start : starts) {
+      const unsigned int count = start;
+      start = total;
+      total += count;
+    }
+    for (const placedPoint& point : points) sorted[starts[(point.turn >> shift) & (kDigits - 1)]++] = point;
+    points.swap(sorted);
   }
-  points.swap(sorted);
 }
 
 /// In-plane axes: `up` points at the farthest point, `across` is a quarter turn from it about the normal.
@@ -118,7 +123,7 @@ circleFault circleRun(MPointArray& positions, unsigned int start, unsigned int c
     const MVector offset = positions[start + i] - centre;
     order[i] = {turnOf(offset * frame.up, offset * frame.across), i};
     if (!hasFirst && positions[start + i] == farthest) {
-      order[i].turn = -1.0;  // the reference itself comes first, whatever its angle rounds to
+      order[i].turn = 0;  // the reference itself comes first, whatever its angle rounds to
       hasFirst = true;
     }
   }
