@@ -51,7 +51,7 @@ scene::SelectionList pickedList(const std::vector<ComponentPick>& picks) {
 
 Result<void> selectPicks(Context& context, const std::vector<ComponentPick>& picks) {
   scene::Document& document = context.document;
-  scene::SelectionList objects = document.hilite();
+  scene::SelectionList objects;
   for (const ComponentPick& pick : picks) objects.add(pick.item->path.transform());
   document.setHilite(std::move(objects));
   document.setSelection(pickedList(picks));

@@ -102,6 +102,10 @@ CommandResult select(Context& context, const ParsedArgs& args) {
     merged.merge(document.selection());
     document.setSelection(std::move(merged));
   } else {
+    // Whole objects end the work on components of others: nothing that runs next may take those for chosen.
+    const bool hasObject = std::any_of(list->items().begin(), list->items().end(),
+                                       [](const SelectionItem& item) { return item.isDag() && item.isObject(); });
+    if (hasObject && !document.hilite().isEmpty()) document.setHilite({});
     document.setSelection(std::move(*list));
   }
   return mel::Value();
