@@ -1,5 +1,6 @@
 #include "host/ops/smooth/smooth_topology.h"
 
+#include <array>
 #include <unordered_map>
 
 namespace host::ops {
@@ -97,42 +98,32 @@ class TopologyDivider {
   }
 
   EdgeId& innerEdge(CornerId corner) {
+    if (firstWalks_.empty()) return innerEdges_[at(corner)];
     const auto first = firstWalks_.find(corner);
     return innerEdges_[at(first == firstWalks_.end() ? corner : first->second)];
   }
 
   [[nodiscard]] VertexId vertexOf(const SmoothCorner& corner) const {
     if (corner.kind == Kind::Corner) return mesh_.cornerVertex(corner.corner);
-    if (corner.kind == Kind::Edge) return out_.edgeVertices[at(mesh_.cornerEdge(corner.corner))];
-    return out_.faceVertices[at(corner.face)];
+    return out_.edgeVertices[at(mesh_.cornerEdge(corner.corner))];
   }
 
-  // The slot that holds the id of the edge between two neighbouring corners of a new face.
-  EdgeId& edgeSlot(const SmoothCorner& from, const SmoothCorner& to, EdgeId& parent) {
-    parent = kNone;
-    if (from.kind == Kind::Face) return innerEdge(to.corner);
-    if (to.kind == Kind::Face) return innerEdge(from.corner);
-    // Along an old edge: the corner that walks it is the one of the edge part, or the first of two
-    // plain corners.
-    const SmoothCorner& walker = from.kind == Kind::Edge ? from : to.kind == Kind::Edge ? to : from;
-    parent = mesh_.cornerEdge(walker.corner);
-    const VertexId end = from.kind == Kind::Corner ? vertexOf(from) : vertexOf(to);
-    return halves_[2 * at(parent) + (mesh_.edge(parent).a == end ? 0 : 1)];
-  }
-
+  // Along an old edge: the corner that walks it is the one of the edge part, or the first of two
+  // plain corners.
   void walk(const SmoothCorner& from, const SmoothCorner& to) {
-    EdgeId parent = kNone;
-    EdgeId& slot = edgeSlot(from, to, parent);
+    const SmoothCorner& walker = from.kind == Kind::Edge ? from : to.kind == Kind::Edge ? to : from;
+    const EdgeId parent = mesh_.cornerEdge(walker.corner);
+    const VertexId end = from.kind == Kind::Corner ? vertexOf(from) : vertexOf(to);
+    EdgeId& slot = halves_[2 * at(parent) + (mesh_.edge(parent).a == end ? 0 : 1)];
     if (slot == kNone) {
       slot = addEdge(vertexOf(from), vertexOf(to), parent);
-      if (parent != kNone && out_.edgeVertices[at(parent)] == kNone)
+      if (out_.edgeVertices[at(parent)] == kNone)
         halves_[2 * at(parent)] = halves_[2 * at(parent) + 1] = slot;
     }
     out_.topology.cornerEdges.push_back(slot);
   }
 
   void closeFace() {
-    if (loop_.empty()) return;
     for (std::size_t i = 0; i < loop_.size(); ++i) {
       out_.topology.cornerVertices.push_back(vertexOf(loop_[i]));
       walk(loop_[i], loop_[i + 1 < loop_.size() ? i + 1 : 0]);
@@ -142,13 +133,52 @@ class TopologyDivider {
     loop_.clear();
   }
 
-  void buildFaces() {
-    forEachSmoothCorner(mesh_, isDivided_, out_.isEdgeDivided,
-                        [&](const SmoothCorner& corner, bool isStart) {
-                          if (isStart) closeFace();
-                          loop_.push_back(corner);
-                        });
+  // A face that stays keeps its loop, with the middles of divided edges.
+  void keepFace(FaceId f) {
+    for (CornerId c = mesh_.firstCorner(f); c < mesh_.firstCorner(f + 1); ++c) {
+      loop_.push_back({Kind::Corner, f, c});
+      if (out_.isEdgeDivided[at(mesh_.cornerEdge(c))] != 0) loop_.push_back({Kind::Edge, f, c});
+    }
     closeFace();
+  }
+
+  EdgeId named(EdgeId& slot, VertexId from, VertexId to, EdgeId parent) {
+    if (slot == kNone) slot = addEdge(from, to, parent);
+    return slot;
+  }
+
+  // The quad at corner k, in the same order as forEachSmoothCorner() names its corners.
+  void addQuad(FaceId f, Index k) {
+    const CornerId first = mesh_.firstCorner(f);
+    const Index n = mesh_.faceSize(f);
+    const CornerId corner = first + k, before = first + (k > 0 ? k : n) - 1;
+    const EdgeId out = mesh_.cornerEdge(corner), in = mesh_.cornerEdge(before);
+    const VertexId v = mesh_.cornerVertex(corner);
+    const std::array<VertexId, 4> vertices{v, out_.edgeVertices[at(out)], out_.faceVertices[at(f)],
+                                           out_.edgeVertices[at(in)]};
+    // An edge from a vertex to itself cannot be, so the end tells which half it is.
+    const std::array<EdgeId*, 4> slots{&halves_[2 * at(out) + (mesh_.edge(out).a == v ? 0 : 1)],
+                                       &innerEdge(corner), &innerEdge(before),
+                                       &halves_[2 * at(in) + (mesh_.edge(in).a == v ? 0 : 1)]};
+    const std::array<EdgeId, 4> parents{out, kNone, kNone, in};
+    const std::size_t turn = n == 4 ? at((4 - k) % 4) : 0;
+    for (std::size_t i = turn; i < turn + 4; ++i) {
+      const std::size_t here = i % 4, next = (i + 1) % 4;
+      out_.topology.cornerVertices.push_back(vertices[here]);
+      out_.topology.cornerEdges.push_back(
+          named(*slots[here], vertices[here], vertices[next], parents[here]));
+    }
+    out_.topology.faceOffsets.push_back(static_cast<CornerId>(out_.topology.cornerVertices.size()));
+    out_.faceParents.push_back(f);
+  }
+
+  void buildFaces() {
+    for (FaceId f = 0; f < mesh_.faceCount(); ++f) {
+      if (isDivided_[at(f)] == 0)
+        keepFace(f);
+      else
+        for (Index k = 0; k < mesh_.faceSize(f); ++k) addQuad(f, k);
+    }
   }
 
   const mesh::Mesh& mesh_;
