@@ -85,7 +85,7 @@ bool carriesMesh(const Plug& plug) {
 /// The nodes upstream of `start` whose meshes go nowhere but into nodes of the answer.
 class UnusedHistory {
  public:
-  UnusedHistory(dg::Graph& graph, const Node& shape) : graph_(graph), shape_(shape) {}
+  explicit UnusedHistory(dg::Graph& graph) : graph_(graph) {}
 
   void collectFrom(Node& start) {
     consider(start);
@@ -98,21 +98,20 @@ class UnusedHistory {
  private:
   void consider(Node& node) {
     if (members_.contains(&node) || node.isLocked() || node.isDefault()) return;
-    if (node.type().existsWithoutOutputs && !isIntermediateSibling(node)) return;
+    if (node.type().existsWithoutOutputs && !isIntermediateMesh(node)) return;
     for (const dg::Graph::Connection& use : graph_.outgoing(node))
       if (carriesMesh(use.source) && !members_.contains(use.destination.node())) return;
     members_.insert(&node);
     found_.push_back(&node);
   }
-  bool isIntermediateSibling(Node& node) const {
-    if (!scene::isShape(node) || scene::dagLinks(node).parents.empty()) return false;
+  /// Originals, and the parts of meshes that were united or separated.
+  bool isIntermediateMesh(Node& node) const {
+    if (!scene::isShape(node) || !node.type().isA("mesh")) return false;
     const auto flag = graph_.get(node.plug("intermediateObject"));
-    return flag && dg::equal(*flag, std::int64_t{1}) &&
-           scene::dagLinks(node).parents.front() == scene::dagLinks(shape_).parents.front();
+    return flag && dg::equal(*flag, std::int64_t{1});
   }
 
   dg::Graph& graph_;
-  const Node& shape_;
   std::unordered_set<const Node*> members_;
   std::vector<Node*> found_;
 };
@@ -141,7 +140,7 @@ Result<void> deleteHistory(Document& document, Node& shape) {
   if (!source) return {};
   HOST_TRY(graph.disconnect(source, inMesh));
   HOST_TRY(setStoredMesh(shape, *std::move(baked)));
-  UnusedHistory unused(graph, shape);
+  UnusedHistory unused(graph);
   unused.collectFrom(*source.node());
   return unused.found().empty() ? Result<void>() : document.deleteNodes(unused.found());
 }

@@ -50,8 +50,8 @@ Result<void> setEvaluatedMesh(dg::Node& shape, mesh::Mesh mesh);
 /// seen.
 Result<void> insertHistoryNode(scene::Document& document, dg::Node& shape, const dg::Plug& input,
                                const dg::Plug& output);
-/// Bakes the evaluated mesh into the shape and deletes the history nodes that only fed it (and the
-/// intermediate original).
+/// Bakes the evaluated mesh into the shape and deletes the history nodes that only fed it, with
+/// the intermediate shapes among them; transforms stay.
 Result<void> deleteHistory(scene::Document& document, dg::Node& shape);
 
 /// The mesh shape nodes a name argument stands for: shapes as they are, transforms by their shapes;
