@@ -63,7 +63,7 @@ MPlug tweaksOfShape(const MDagPath& shape) { return MFnDagNode(shape).findPlug("
 MPlug tweaksOfNode(const MObject& node) { return MFnDependencyNode(node).findPlug("tweak"); }
 
 /// The offsets of an array of triples that are not zero, by vertex.
-std::vector<vertexTweak> readTweaks(const MPlug& array) {
+std::vector<vertexTweak> readTweaks(MPlug array) {
   MIntArray vertices;
   array.getExistingArrayAttributeIndices(vertices);
   std::vector<vertexTweak> tweaks;

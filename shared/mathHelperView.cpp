@@ -19,7 +19,7 @@ short toPixel(int position) {
 }
 
 /// Whether two views show the same picture: their handles can't be compared.
-bool isSameView(const M3dView& a, const M3dView& b) {
+bool isSameView(M3dView a, M3dView b) {
   MDagPath cameraA, cameraB;
   if (a.getCamera(cameraA) != MS::kSuccess || b.getCamera(cameraB) != MS::kSuccess) return false;
   return cameraA == cameraB && a.portWidth() == b.portWidth() && a.portHeight() == b.portHeight();
@@ -48,7 +48,7 @@ MStatus mathHelper::viewToWorldAtDepth(const M3dView& view, int x, int y, const 
   MStatus status = view.viewToWorld(toPixel(x), toPixel(y), nearPoint, farPoint);
   if (status != MS::kSuccess) return status;
   MDagPath camera;
-  status = view.getCamera(camera);
+  status = M3dView(view).getCamera(camera);
   if (status != MS::kSuccess) return status;
   const MVector direction = MFnCamera(camera).viewDirection(MSpace::kWorld, &status);
   if (status != MS::kSuccess) return status;

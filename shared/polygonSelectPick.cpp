@@ -239,7 +239,7 @@ class cursorPick {
     return true;
   }
 
-  const M3dView& view;
+  M3dView view;
   int x, y;
   MDagPath path;
   MFnMesh meshFn;

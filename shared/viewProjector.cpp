@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-viewProjector::viewProjector(const M3dView& view, MStatus* status) {
+viewProjector::viewProjector(M3dView view, MStatus* status) {
   MStatus read = view.modelViewMatrix(toCamera);
   if (read == MS::kSuccess) read = view.projectionMatrix(toClip);
   whole = toCamera * toClip;

@@ -18,7 +18,7 @@ struct viewPlace {
 /// would cost more than the projection. It stays as the camera stood when it was made.
 class viewProjector {
  public:
-  explicit viewProjector(const M3dView& view, MStatus* status = nullptr);
+  explicit viewProjector(M3dView view, MStatus* status = nullptr);
 
   viewPlace project(const MPoint& world) const;
   /// The same for points of a space with the given way to the world.

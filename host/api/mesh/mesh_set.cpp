@@ -4,6 +4,18 @@
 #include "host/api/mesh/surface.h"
 
 namespace host::api {
+
+// The member template that the host's own representations are read through; here it reaches what a set is attached to,
+// without the counting that a copy costs.
+template <>
+const MObject* Access::rep<const MObject, MFnMesh>(const MFnMesh& set) {
+  return &set.object_;
+}
+template <>
+const MDagPath* Access::rep<const MDagPath, MFnMesh>(const MFnMesh& set) {
+  return &set.path_;
+}
+
 namespace {
 
 /// What a mesh function set keeps between calls.
@@ -23,8 +35,8 @@ bool isSame(const MeshSetRep& rep, const MObject& object, const MDagPath& path) 
 /// The set's own; made anew when `create` or `setObject` has put something else into the set.
 MeshSetRep& repOf(const MFnMesh& set) {
   Handle& handle = Access::handle(const_cast<MFnMesh&>(set));
-  const MObject object = set.object();
-  const MDagPath path = set.dagPath();
+  const MObject& object = *Access::rep<const MObject, MFnMesh>(set);
+  const MDagPath& path = *Access::rep<const MDagPath, MFnMesh>(set);
   auto* rep = static_cast<MeshSetRep*>(handle.get());
   if (!rep || !isSame(*rep, object, path)) {
     rep = new MeshSetRep(object, path);
