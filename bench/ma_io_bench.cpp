@@ -48,7 +48,8 @@ mesh::Mesh gridMesh(int side) {
   std::vector<VertexId> corners;
   for (int y = 0; y + 1 < side; ++y)
     for (int x = 0; x + 1 < side; ++x)
-      for (const int v : {y * side + x, y * side + x + 1, (y + 1) * side + x + 1, (y + 1) * side + x})
+      for (const int v :
+           {y * side + x, y * side + x + 1, (y + 1) * side + x + 1, (y + 1) * side + x})
         corners.push_back(v);
   mesh::Mesh mesh = mesh::buildMesh(std::move(points), counts, corners).value();
   mesh.editUvSet(0).points = std::move(uvs);

@@ -20,7 +20,9 @@ CommandResult file(Context& context, const ParsedArgs& args) {
     context.document.setModified(args.boolean("modified"));
     return mel::Value();
   }
-  return fail("file: say what to do: -new, -open, -import, -save, -rename, -exportSelected, -exportAll or -q.");
+  return fail(
+      "file: say what to do: -new, -open, -import, -save, -rename, -exportSelected, -exportAll or "
+      "-q.");
 }
 
 }  // namespace

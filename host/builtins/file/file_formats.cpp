@@ -33,7 +33,8 @@ const FileFormat* FileFormats::byPath(std::string_view path) const {
 }
 
 const FileFormat& FileFormats::native() const {
-  const auto found = std::ranges::find_if(all, [](const FileFormat& format) { return format.isNative; });
+  const auto found =
+      std::ranges::find_if(all, [](const FileFormat& format) { return format.isNative; });
   HOST_ASSERT(found != all.end(), "register a format that holds whole scenes");
   return *found;
 }

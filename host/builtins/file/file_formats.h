@@ -10,11 +10,11 @@
 namespace host::builtins {
 
 struct FileReadOptions {
-  std::string options;     ///< of the format itself: "name=value;..."
-  bool isImport = false;   ///< into a scene that has nodes
-  std::string nameSpace;   ///< of imported nodes; ":" or empty: none
-  std::string clashPrefix; ///< for imported nodes whose names are taken
-  bool renamesAll = false; ///< the prefix for all imported nodes
+  std::string options;      ///< of the format itself: "name=value;..."
+  bool isImport = false;    ///< into a scene that has nodes
+  std::string nameSpace;    ///< of imported nodes; ":" or empty: none
+  std::string clashPrefix;  ///< for imported nodes whose names are taken
+  bool renamesAll = false;  ///< the prefix for all imported nodes
 };
 
 struct FileWriteOptions {
@@ -31,11 +31,13 @@ struct FileFormat {
   std::string name;                     ///< what `file -type` calls it: "mayaAscii", "OBJ"
   std::vector<std::string> otherNames;  ///< further names accepted
   std::vector<std::string> extensions;  ///< with the dot, lower case
-  bool isNative = false;                ///< holds whole scenes: what -save writes and untitled scenes become
+  bool isNative = false;  ///< holds whole scenes: what -save writes and untitled scenes become
   /// Reads and checks a file. The document is not touched before the placing.
-  std::function<Result<Placing>(Context&, const std::string& path, const FileReadOptions& options)> read;
+  std::function<Result<Placing>(Context&, const std::string& path, const FileReadOptions& options)>
+      read;
   /// Writes the scene, or only what is selected.
-  std::function<Result<void>(Context&, const std::string& path, const FileWriteOptions& options)> write;
+  std::function<Result<void>(Context&, const std::string& path, const FileWriteOptions& options)>
+      write;
   /// Forgets what the format remembers of a scene that is emptied; may be empty.
   std::function<void(Context&)> forget;
 };

@@ -41,7 +41,8 @@ CommandResult unknownNode(Context& context, const ParsedArgs& args) {
   auto list = args.resolveObjects(context.document);
   if (!list) return failWith(std::move(list.error()));
   if (list->isEmpty()) return fail("unknownNode: name the node.");
-  const io::MaKept::Node* kept = context.session.service<io::MaKept>().find(*list->items().front().node);
+  const io::MaKept::Node* kept =
+      context.session.service<io::MaKept>().find(*list->items().front().node);
   if (!kept || kept->type.empty())
     return fail("unknownNode: '{}' is not of an unknown type.", list->items().front().node->name());
   return mel::Value(kept->type);
@@ -51,8 +52,8 @@ CommandResult unknownNode(Context& context, const ParsedArgs& args) {
 
 void registerFileInfo(CommandRegistry& registry) {
   define(registry, "fileInfo", Syntax().flag("rm", "remove").queryable().strings(0, 2), fileInfo);
-  define(registry, "unknownNode", Syntax().flag("rcn", "realClassName").queryable().objects(0, 1, true),
-         unknownNode);
+  define(registry, "unknownNode",
+         Syntax().flag("rcn", "realClassName").queryable().objects(0, 1, true), unknownNode);
 }
 
 }  // namespace host::builtins

@@ -4,6 +4,7 @@
 
 #include "host/base/messages.h"
 #include "host/builtins/file/file_formats.h"
+#include "host/builtins/file/scene_hooks.h"
 #include "host/io/ma/ma_loader.h"
 #include "host/io/ma/ma_writer.h"
 #include "host/io/mapped_file.h"
@@ -16,8 +17,8 @@ namespace {
 /// The first one whose files may hold all that is written here.
 constexpr const char* kFileVersion = "2016";
 
-/// Loads the plug-ins that a file asks for, by name alone: a scene does not say where code comes from. Without one its
-/// nodes are unknown ones, which is told of them.
+/// Loads the plug-ins that a file asks for, by name alone: a scene does not say where code comes
+/// from. Without one its nodes are unknown ones, which is told of them.
 void loadPlugins(Context& context, const io::MaFile& file) {
   if (!context.session.pluginLoader) return;
   for (const std::string_view name : file.plugins)
@@ -25,7 +26,8 @@ void loadPlugins(Context& context, const io::MaFile& file) {
       (void)context.session.pluginLoader->load(std::string(name));
 }
 
-Result<FileFormat::Placing> read(Context&, const std::string& path, const FileReadOptions& options) {
+Result<FileFormat::Placing> read(Context&, const std::string& path,
+                                 const FileReadOptions& options) {
   auto file = io::readMa(path);
   if (!file) return failWith(std::move(file.error()));
   auto kept = std::make_shared<io::MaFile>(std::move(*file));
@@ -35,7 +37,8 @@ Result<FileFormat::Placing> read(Context&, const std::string& path, const FileRe
                         .nameSpace = options.nameSpace};
   return [kept, how](Context& context) -> Result<std::vector<dg::Node*>> {
     loadPlugins(context, *kept);
-    auto loaded = io::loadMa(context.document, std::move(*kept), context.session.service<io::MaKept>(), how);
+    auto loaded =
+        io::loadMa(context.document, std::move(*kept), context.session.service<io::MaKept>(), how);
     if (!loaded) return failWith(std::move(loaded.error()));
     for (const std::string& warning : loaded->warnings) postMessage(MessageKind::Warning, warning);
     return std::move(loaded->nodes);
@@ -45,7 +48,8 @@ Result<FileFormat::Placing> read(Context&, const std::string& path, const FileRe
 /// What goes along with the selected objects: all below them, what feeds them, and their materials.
 class ExportSet {
  public:
-  ExportSet(scene::Document& document, const FileWriteOptions& options) : graph_(document.graph()), options_(options) {}
+  ExportSet(scene::Document& document, const FileWriteOptions& options)
+      : graph_(document.graph()), options_(options) {}
 
   std::vector<dg::Node*> collect(const scene::SelectionList& selection) {
     for (const scene::SelectionItem& item : selection.items()) addTree(*item.node);
@@ -106,22 +110,26 @@ std::vector<std::string> requirementsOf(Context& context) {
   for (const dg::NodePtr& node : context.document.graph().nodes()) {
     const std::string& plugin = node->type().pluginName;
     if (plugin.empty() || !seen.insert(node->type().name).second) continue;
-    const cmd::PluginInfo* info = context.session.pluginLoader ? context.session.pluginLoader->info(plugin) : nullptr;
+    const cmd::PluginInfo* info =
+        context.session.pluginLoader ? context.session.pluginLoader->info(plugin) : nullptr;
     const std::string version = info && !info->version.empty() ? info->version : "1.0";
-    statements.push_back(fmt::format("requires -nodeType \"{}\" \"{}\" \"{}\"", node->type().name, plugin, version));
+    statements.push_back(
+        fmt::format("requires -nodeType \"{}\" \"{}\" \"{}\"", node->type().name, plugin, version));
   }
   return statements;
 }
 
 Result<void> write(Context& context, const std::string& path, const FileWriteOptions& options) {
   std::vector<dg::Node*> nodes;
-  if (options.onlySelected) nodes = ExportSet(context.document, options).collect(context.document.selection());
+  if (options.onlySelected)
+    nodes = ExportSet(context.document, options).collect(context.document.selection());
   io::MaWriteOptions how{.name = std::filesystem::path(path).filename().generic_string(),
                          .modified = dateLine(),
                          .version = kFileVersion,
                          .requirements = requirementsOf(context)};
   if (options.onlySelected) how.only = &nodes;
   how.withHistory = options.withHistory;
+  how.leavesOut = context.session.service<SaveHooks>().leavesOut;
   auto text = io::formatMa(context.document, context.session.service<io::MaKept>(), how);
   if (!text) return failWith(std::move(text.error()));
   HOST_TRY(io::writeFileAtomically(path, text->text));

@@ -12,10 +12,12 @@ namespace host::builtins {
 
 namespace {
 
-/// Names such as "Body.001" or "left arm" keep what a node's name can hold; the document replaces the rest.
+/// Names such as "Body.001" or "left arm" keep what a node's name can hold; the document replaces
+/// the rest.
 std::string objectName(const io::ObjObject& object) {
   if (!object.name.empty() && object.name != "default") return object.name;
-  if (object.groups.size() == 1 && object.groups.front().name != "default") return object.groups.front().name;
+  if (object.groups.size() == 1 && object.groups.front().name != "default")
+    return object.groups.front().name;
   return "polySurface#";
 }
 
@@ -33,8 +35,9 @@ Result<FileFormat::Placing> read(Context&, const std::string& path, const FileRe
   auto read = io::readObj(path);
   if (!read) return failWith(std::move(read.error()));
   for (const auto& [warning, count] : read->warnings)
-    postMessage(MessageKind::Warning, count > 1 ? fmt::format("{}: {} ({} times)", path, warning, count)
-                                                : fmt::format("{}: {}", path, warning));
+    postMessage(MessageKind::Warning, count > 1
+                                          ? fmt::format("{}: {} ({} times)", path, warning, count)
+                                          : fmt::format("{}: {}", path, warning));
   auto scene = std::make_shared<io::ObjScene>(std::move(*read));
   return [scene](Context& context) -> Result<std::vector<dg::Node*>> {
     std::vector<dg::Node*> made;
@@ -50,7 +53,8 @@ Result<FileFormat::Placing> read(Context&, const std::string& path, const FileRe
 /// OBJ files hold world-space points; an object at rest keeps its bits.
 mesh::Mesh inWorldSpace(mesh::Mesh mesh, const math::Matrix4& matrix) {
   if (math::isIdentity(matrix)) return mesh;
-  for (math::Vec3f& point : mesh.editPoints()) point = math::transformPoint(math::Vec3(point), matrix).toFloat();
+  for (math::Vec3f& point : mesh.editPoints())
+    point = math::transformPoint(math::Vec3(point), matrix).toFloat();
   if (mesh.lockedNormals().normals.empty()) return mesh;
   for (math::Vec3f& normal : mesh.editLockedNormals().normals)
     normal = math::normalized(math::transformNormal(math::Vec3(normal), matrix)).toFloat();

@@ -17,7 +17,9 @@ namespace fs = std::filesystem;
 class Work {
  public:
   Work(Context& context, SceneHooks::Work work, std::string path)
-      : hooks_(context.session.service<SceneHooks>()), path_(std::move(path)), before_(hooks_.work) {
+      : hooks_(context.session.service<SceneHooks>()),
+        path_(std::move(path)),
+        before_(hooks_.work) {
     hooks_.work = work;
   }
   ~Work() { hooks_.work = before_; }
@@ -25,7 +27,8 @@ class Work {
   Work& operator=(const Work&) = delete;
 
   [[nodiscard]] Result<void> begin(SceneStage stage) {
-    if (hooks_.mayGoOn && !hooks_.mayGoOn(stage, path_)) return fail("file: a plug-in has stopped it.");
+    if (hooks_.mayGoOn && !hooks_.mayGoOn(stage, path_))
+      return fail("file: a plug-in has stopped it.");
     reach(stage);
     return {};
   }
@@ -39,10 +42,13 @@ class Work {
   SceneHooks::Work before_;
 };
 
-Result<const FileFormat*> formatFor(Context& context, const ParsedArgs& args, const std::string& path) {
+Result<const FileFormat*> formatFor(Context& context, const ParsedArgs& args,
+                                    const std::string& path) {
   const FileFormats& formats = formatsOf(context);
-  const FileFormat* format = args.has("type") ? formats.byName(args.text("type")) : formats.byPath(path);
-  if (!format && args.has("type")) return fail("file: unrecognized file type '{}'.", args.text("type"));
+  const FileFormat* format =
+      args.has("type") ? formats.byName(args.text("type")) : formats.byPath(path);
+  if (!format && args.has("type"))
+    return fail("file: unrecognized file type '{}'.", args.text("type"));
   if (!format) return fail("file: unrecognized file: '{}' has no known extension.", path);
   return format;
 }
@@ -53,7 +59,8 @@ Result<void> refuseUnsaved(Context& context, const ParsedArgs& args) {
 }
 
 /// Reading goes by what the file is, also when -type names something else.
-Result<const FileFormat*> formatToRead(Context& context, const ParsedArgs& args, const std::string& path) {
+Result<const FileFormat*> formatToRead(Context& context, const ParsedArgs& args,
+                                       const std::string& path) {
   const FileFormat* format = formatsOf(context).byPath(path);
   if (format && args.has("type") && formatsOf(context).byName(args.text("type"))) return format;
   return formatFor(context, args, path);
@@ -113,10 +120,11 @@ std::string importPrefix(const ParsedArgs& args, const std::string& path) {
   return fs::path(path).stem().generic_string();
 }
 
-Result<std::string> writeTo(Context& context, const ParsedArgs& args, const FileFormat& format, std::string path,
-                            bool onlySelected) {
+Result<std::string> writeTo(Context& context, const ParsedArgs& args, const FileFormat& format,
+                            std::string path, bool onlySelected) {
   if (!format.write) return fail("file: '{}' files can't be written.", format.name);
-  if (!fs::path(path).has_extension() && (!args.has("defaultExtensions") || args.boolean("defaultExtensions")))
+  if (!fs::path(path).has_extension() &&
+      (!args.has("defaultExtensions") || args.boolean("defaultExtensions")))
     path += format.extensions.front();
   std::error_code ignored;
   if (fs::is_directory(path, ignored)) return fail("Cannot write \"{}\": it is a folder", path);
@@ -155,7 +163,8 @@ CommandResult openScene(Context& context, const ParsedArgs& args) {
   if (!format) return failWith(std::move(format.error()));
   Work work(context, SceneHooks::Work::Opening, *path);
   HOST_TRY(work.begin(SceneStage::BeforeOpen));
-  auto placing = (*format)->read(context, *path, {.options = args.text("options"), .nameSpace = {}, .clashPrefix = {}});
+  auto placing = (*format)->read(
+      context, *path, {.options = args.text("options"), .nameSpace = {}, .clashPrefix = {}});
   if (!placing) return failWith(std::move(placing.error()));
   forgetScene(context);
   context.session.newScene();
@@ -183,8 +192,10 @@ CommandResult importFile(Context& context, const ParsedArgs& args) {
   if (!format) return failWith(std::move(format.error()));
   Work work(context, SceneHooks::Work::Importing, *path);
   HOST_TRY(work.begin(SceneStage::BeforeImport));
-  FileReadOptions options{
-      .options = args.text("options"), .isImport = true, .nameSpace = args.text("namespace"), .clashPrefix = {}};
+  FileReadOptions options{.options = args.text("options"),
+                          .isImport = true,
+                          .nameSpace = args.text("namespace"),
+                          .clashPrefix = {}};
   while (options.nameSpace.starts_with(':')) options.nameSpace.erase(0, 1);
   if (!args.has("namespace")) options.clashPrefix = importPrefix(args, *path);
   options.renamesAll = args.has("renameAll") && args.boolean("renameAll");
@@ -227,7 +238,8 @@ CommandResult saveScene(Context& context, const ParsedArgs& args) {
 
 CommandResult exportScene(Context& context, const ParsedArgs& args, bool onlySelected) {
   if (!args.hasObjects()) return fail("file: name the file to export to.");
-  if (onlySelected && context.document.selection().isEmpty()) return fail("file: nothing is selected to export.");
+  if (onlySelected && context.document.selection().isEmpty())
+    return fail("file: nothing is selected to export.");
   const std::string wanted = absolutePath(args.firstObject());
   auto format = formatFor(context, args, wanted);
   if (!format) return failWith(std::move(format.error()));
@@ -252,13 +264,17 @@ CommandResult queryFile(Context& context, const ParsedArgs& args) {
     if (!args.has("shortName")) return mel::Value(current);
     return mel::Value(fs::path(current).filename().generic_string());
   }
-  if (args.has("modified") || args.has("anyModified")) return mel::Value(context.document.isModified());
+  if (args.has("modified") || args.has("anyModified"))
+    return mel::Value(context.document.isModified());
   std::error_code ignored;
   if (args.has("exists")) return mel::Value(fs::exists(named, ignored));
-  if (args.has("writable")) return mel::Value(!fs::exists(named, ignored) || ::access(named.c_str(), W_OK) == 0);
+  if (args.has("writable"))
+    return mel::Value(!fs::exists(named, ignored) || ::access(named.c_str(), W_OK) == 0);
   if (args.has("expandName"))
-    return mel::Value(named.empty() ? (current.empty() ? absolutePath("untitled") : current) : absolutePath(named));
-  if (args.has("shortName")) return mel::Value(fs::path(named.empty() ? current : named).filename().generic_string());
+    return mel::Value(named.empty() ? (current.empty() ? absolutePath("untitled") : current)
+                                    : absolutePath(named));
+  if (args.has("shortName"))
+    return mel::Value(fs::path(named.empty() ? current : named).filename().generic_string());
   if (args.has("location")) return mel::Value(current.empty() ? std::string("unknown") : current);
   if (args.has("list")) return toValue({current.empty() ? absolutePath("untitled") : current});
   if (args.has("type")) {

@@ -3,6 +3,8 @@
 #include <functional>
 #include <string>
 
+#include "host/dg/plug.h"
+
 namespace host::builtins {
 
 /// The stations of reading, writing and emptying scenes.
@@ -29,6 +31,11 @@ struct SceneHooks {
   std::function<void(SceneStage, const std::string& path)> reached;
   /// Asked before anything happens; false stops it.
   std::function<bool(SceneStage, const std::string& path)> mayGoOn;
+};
+
+/// Who has a say in what is written of plug-in nodes; a service of the session.
+struct SaveHooks {
+  std::function<bool(const dg::Plug&)> leavesOut;
 };
 
 }  // namespace host::builtins

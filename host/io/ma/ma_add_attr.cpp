@@ -67,14 +67,18 @@ class Flags {
  public:
   explicit Flags(const MaAddAttr& line) {
     static const std::map<std::string_view, std::string_view> kShort = {
-        {"longName", "ln"},          {"shortName", "sn"},       {"niceName", "nn"},
-        {"attributeType", "at"},     {"dataType", "dt"},        {"defaultValue", "dv"},
-        {"minValue", "min"},         {"maxValue", "max"},       {"softMinValue", "smn"},
-        {"softMaxValue", "smx"},     {"enumName", "en"},        {"numberOfChildren", "nc"},
-        {"parent", "p"},             {"keyable", "k"},          {"hidden", "h"},
-        {"multi", "m"},              {"indexMatters", "im"},    {"readable", "r"},
-        {"writable", "w"},           {"storable", "s"},         {"usedAsColor", "uac"},
-        {"usedAsFilename", "uaf"},   {"cachedInternally", "ci"}};
+        {"longName", "ln"},        {"shortName", "sn"},
+        {"niceName", "nn"},        {"attributeType", "at"},
+        {"dataType", "dt"},        {"defaultValue", "dv"},
+        {"minValue", "min"},       {"maxValue", "max"},
+        {"softMinValue", "smn"},   {"softMaxValue", "smx"},
+        {"enumName", "en"},        {"numberOfChildren", "nc"},
+        {"parent", "p"},           {"keyable", "k"},
+        {"hidden", "h"},           {"multi", "m"},
+        {"indexMatters", "im"},    {"readable", "r"},
+        {"writable", "w"},         {"storable", "s"},
+        {"usedAsColor", "uac"},    {"usedAsFilename", "uaf"},
+        {"cachedInternally", "ci"}};
     for (const auto& [flag, values] : line.flags) {
       const auto known = kShort.find(flag);
       const std::string_view name = known == kShort.end() ? flag : known->second;

@@ -14,9 +14,9 @@ using dg::AttributeType;
 using dg::Plug;
 
 bool isPayloadType(std::string_view type) {
-  static constexpr std::string_view kTypes[] = {
-      "string",      "matrix",     "stringArray", "componentList", "doubleArray",
-      "floatArray", "Int32Array", "vectorArray", "pointArray"};
+  static constexpr std::string_view kTypes[] = {"string",        "matrix",      "stringArray",
+                                                "componentList", "doubleArray", "floatArray",
+                                                "Int32Array",    "vectorArray", "pointArray"};
   return std::ranges::find(kTypes, type) != std::end(kTypes);
 }
 
@@ -38,10 +38,11 @@ bool MaAttributes::isUnknown(const dg::Node& node) {
 }
 
 void MaAttributes::apply(dg::Node& node, const std::vector<MaLine>& lines) {
-  for (const MaLine& line : lines)
-    std::visit([&](const auto& each) { apply(node, each); }, line);
+  for (const MaLine& line : lines) std::visit([&](const auto& each) { apply(node, each); }, line);
   if (auto done = flush(); !done)
-    report_({std::visit([](const auto& each) { return each.offset; }, lines.back()), {}, {},
+    report_({std::visit([](const auto& each) { return each.offset; }, lines.back()),
+             {},
+             {},
              std::move(done).error().message});
   pending_.clear();
 }
@@ -95,8 +96,7 @@ void MaAttributes::setSwitches(const Plug& plug, const MaSetAttr& line) {
     set(line.locked, Flag::Locked);
 }
 
-Result<void> MaAttributes::write(const Plug& plug, Index first, Index last,
-                                 const MaSetAttr& line) {
+Result<void> MaAttributes::write(const Plug& plug, Index first, Index last, const MaSetAttr& line) {
   if (first != kNone) {
     auto isTaken = addToRun(plug, first, last, line);
     if (!isTaken) return failWith(std::move(isTaken).error());
@@ -110,8 +110,9 @@ Result<void> MaAttributes::write(const Plug& plug, Index first, Index last,
     return fail("'{}' has {} values for {} elements", line.path, line.values.size(), elements);
   std::size_t next = 0;
   for (std::size_t i = 0; i < elements; ++i) {
-    const Plug each =
-        first == kNone ? plug : plug.element(static_cast<Index>(static_cast<std::size_t>(first) + i));
+    const Plug each = first == kNone
+                          ? plug
+                          : plug.element(static_cast<Index>(static_cast<std::size_t>(first) + i));
     const bool isPayload = !each.isCompound() && isPayloadType(line.type) && elements == 1;
     if (!isPayload) {
       HOST_TRY(writeNumbers(each, line.values, next));
@@ -189,7 +190,8 @@ Result<dg::Value> MaAttributes::leafValue(const dg::Attribute& leaf, const MaTok
     return dg::Value(std::string(text));
   }
   if (token.kind == MaToken::Kind::Word) {
-    static constexpr std::string_view kOn[] = {"yes", "on", "true"}, kOff[] = {"no", "off", "false"};
+    static constexpr std::string_view kOn[] = {"yes", "on", "true"},
+                                      kOff[] = {"no", "off", "false"};
     if (std::ranges::find(kOn, text) != std::end(kOn)) return dg::Value(std::int64_t{1});
     if (std::ranges::find(kOff, text) != std::end(kOff)) return dg::Value(std::int64_t{0});
     return fail("'{}' is not a value of '{}'", text, leaf.longName);

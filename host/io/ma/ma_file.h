@@ -76,9 +76,9 @@ struct MaRelationship {
 /// What the text of a scene says, checked: every statement whole, every number finite, every mesh
 /// sound. Refers to the text, which it keeps.
 struct MaFile {
-  std::string name;                      ///< for messages
-  std::shared_ptr<const void> storage;   ///< what `text` refers to
-  std::shared_ptr<const void> decoded;   ///< strings that were not in the text as such
+  std::string name;                     ///< for messages
+  std::shared_ptr<const void> storage;  ///< what `text` refers to
+  std::shared_ptr<const void> decoded;  ///< strings that were not in the text as such
   std::string_view text;
   scene::Units units;
   std::vector<MaNode> nodes;

@@ -98,13 +98,12 @@ class Loader {
     if (!options_.nameSpace.empty()) return options_.nameSpace + ":" + name;
     if (options_.clashPrefix.empty()) return name;
     return options_.renamesAll || takenNames_.count(name) != 0 ? options_.clashPrefix + "_" + name
-                                                              : name;
+                                                               : name;
   }
 
   [[nodiscard]] bool isBelow(const Node& node, const FilePath& path, std::size_t names) const {
     const std::vector<Node*>& parents = scene::dagLinks(node).parents;
-    if (names == 0)
-      return !path.isAbsolute || std::ranges::find(parents, nullptr) != parents.end();
+    if (names == 0) return !path.isAbsolute || std::ranges::find(parents, nullptr) != parents.end();
     return std::ranges::any_of(parents, [&](const Node* parent) {
       if (!parent) return false;
       const auto known = fileNames_.find(parent);
@@ -189,7 +188,8 @@ class Loader {
     current_ = made;
     // What comes into a scene leaves its settings and cameras alone.
     if (isThere && options_.isImport) return {};
-    if (node.mesh && !isBlank(*node.mesh) && made->plug("inMesh")) HOST_TRY(nodes::setStoredMesh(*made, *node.mesh));
+    if (node.mesh && !isBlank(*node.mesh) && made->plug("inMesh"))
+      HOST_TRY(nodes::setStoredMesh(*made, *node.mesh));
     attributes_.apply(*made, node.lines);
     if (node.isLocked && !made->isDefault()) locked_.push_back(made);
     return {};
@@ -260,8 +260,8 @@ class Loader {
 
   void keep(Node& from, std::string_view fromPath, Node& to, std::string_view toPath,
             bool toNextAvailable) {
-    kept_.connections.push_back({from.weak_from_this(), to.weak_from_this(),
-                                 std::string(fromPath), std::string(toPath), toNextAvailable});
+    kept_.connections.push_back({from.weak_from_this(), to.weak_from_this(), std::string(fromPath),
+                                 std::string(toPath), toNextAvailable});
   }
 
   /// A link joins an object and a light in one element; the pair may be there already.
@@ -312,7 +312,8 @@ class Loader {
     if (!line.raw.empty()) kept_.of(*current_).lines.emplace_back(line.raw);
     if (!line.reason.empty()) return warn(line.offset, std::move(line.reason));
     if (!MaAttributes::isUnknown(*current_))
-      unknownAttributes_[current_->type().name].emplace(line.path.substr(0, line.path.find_first_of("[.")));
+      unknownAttributes_[current_->type().name].emplace(
+          line.path.substr(0, line.path.find_first_of("[.")));
   }
 
   void keepSelected(const MaNode& node) {
@@ -346,9 +347,9 @@ class Loader {
                         file_.name, type, list));
     }
     if (keptConnections_ > 0)
-      result_.warnings.push_back(fmt::format(
-          "{}: {} connections of attributes that mean nothing here are kept", file_.name,
-          keptConnections_));
+      result_.warnings.push_back(
+          fmt::format("{}: {} connections of attributes that mean nothing here are kept",
+                      file_.name, keptConnections_));
     if (warningCount_ > kMostWarnings)
       result_.warnings.push_back(
           fmt::format("{}: {} more warnings", file_.name, warningCount_ - kMostWarnings));

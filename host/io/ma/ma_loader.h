@@ -11,10 +11,10 @@
 namespace host::io {
 
 struct MaLoadOptions {
-  bool isImport = false;  ///< into a scene that has nodes: keeps its units and its file info
-  std::string clashPrefix;    ///< for names that are taken: "<prefix>_<name>"
-  bool renamesAll = false;    ///< the prefix for all nodes, not only for clashes
-  std::string nameSpace;      ///< puts all nodes into it: "<namespace>:<name>"
+  bool isImport = false;    ///< into a scene that has nodes: keeps its units and its file info
+  std::string clashPrefix;  ///< for names that are taken: "<prefix>_<name>"
+  bool renamesAll = false;  ///< the prefix for all nodes, not only for clashes
+  std::string nameSpace;    ///< puts all nodes into it: "<namespace>:<name>"
 };
 
 struct MaLoaded {

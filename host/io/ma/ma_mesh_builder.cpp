@@ -4,6 +4,7 @@
 #include <numeric>
 
 #include "host/base/parallel.h"
+#include "host/io/ma/ma_face_rows.h"
 #include "host/io/ma/ma_mesh_rows.h"
 #include "host/io/ma/ma_normals.h"
 
@@ -26,145 +27,6 @@ tl::unexpected<MaFault> faultAt(std::size_t offset, std::string reason) {
 }
 
 using Chunk = MaMeshRows::Chunk;
-
-/// The ids of one set, as far as the rows of a chunk name them.
-struct SetIds {
-  Index set = 0;
-  std::vector<Index> ids;  ///< one a corner of the chunk, up to the last row
-};
-
-/// The faces of one chunk.
-struct FaceRows {
-  std::vector<Index> sizes;
-  std::vector<VertexId> vertices;
-  std::vector<EdgeId> edges;
-  std::vector<SetIds> uvs, colors;
-  Index holes = 0;
-};
-
-/// What face rows refer to.
-struct FaceScope {
-  std::string_view text;
-  const std::vector<mesh::EdgeVertices>& edges;
-  std::vector<Index> uvCounts, colorCounts;
-};
-
-/// Reads the face rows of one chunk.
-class FaceParser {
- public:
-  FaceParser(const FaceScope& scope, const Chunk& chunk)
-      : scope_(scope), chunk_(chunk), row_(chunk.body) {}
-
-  MaResult<FaceRows> parse() {
-    const auto expected = static_cast<std::size_t>(chunk_.last) - at(chunk_.first) + 1;
-    while (!row_.isAtEnd()) {
-      const char* start = row_.position();
-      const std::string_view keyword = row_.word();
-      bool isRead = false;
-      if (keyword == "f" || keyword == "h")
-        isRead = readLoop(keyword == "h");
-      else if (keyword == "mu" || keyword == "mc")
-        isRead = readIds(keyword == "mu");
-      else
-        reason_ = fmt::format("'{}' is no row of a face", keyword.substr(0, 20));
-      if (!isRead) return faultAt(offsetOf(start), std::move(reason_));
-      if (rows_.sizes.size() > expected) break;
-    }
-    if (rows_.sizes.size() != expected)
-      return faultAt(chunk_.offset,
-                     fmt::format("{} faces are announced here, but {} follow", expected,
-                                 rows_.sizes.size() > expected ? "more" : "fewer"));
-    return std::move(rows_);
-  }
-
- private:
-  std::size_t offsetOf(const char* p) const {
-    return static_cast<std::size_t>(p - scope_.text.data());
-  }
-  bool refuse(std::string reason) {
-    reason_ = std::move(reason);
-    return false;
-  }
-
-  /// Edge e is walked forwards, -e-1 backwards; corner k is where the k-th walk starts.
-  bool readLoop(bool isHole) {
-    if (isHole && rows_.sizes.empty()) return refuse("a hole comes before its face");
-    Index count = 0;
-    if (!row_.read(count) || count < 3) return refuse("a loop has three edges or more");
-    isInHole_ = isHole;
-    loopSize_ = count;
-    const std::size_t base = rows_.vertices.size();
-    VertexId start = kNone, here = kNone;
-    for (Index k = 0; k < count; ++k) {
-      Index code = 0;
-      if (!row_.read(code)) return refuse(fmt::format("a loop of {} edges is cut short", count));
-      const EdgeId edge = code >= 0 ? code : -(code + 1);
-      if (at(edge) >= scope_.edges.size())
-        return refuse(fmt::format("edge {} does not exist: the mesh has {} edges", edge,
-                                  scope_.edges.size()));
-      const mesh::EdgeVertices ends = scope_.edges[at(edge)];
-      const VertexId from = code >= 0 ? ends.a : ends.b;
-      if (k > 0 && from != here)
-        return refuse(fmt::format("edge {} does not go on where the one before ends", edge));
-      if (k == 0) start = from;
-      here = code >= 0 ? ends.b : ends.a;
-      if (isHole) continue;
-      rows_.vertices.push_back(from);
-      rows_.edges.push_back(edge);
-    }
-    if (here != start) {
-      rows_.vertices.resize(base);
-      rows_.edges.resize(base);
-      return refuse("a loop does not end where it starts");
-    }
-    if (isHole)
-      ++rows_.holes;
-    else
-      rows_.sizes.push_back(count);
-    return true;
-  }
-
-  bool readIds(bool isUv) {
-    if (rows_.sizes.empty()) return refuse("a row of ids comes before its face");
-    Index set = 0, count = 0;
-    if (!row_.read(set) || !row_.read(count)) return refuse("a row of ids names no set");
-    const std::vector<Index>& limits = isUv ? scope_.uvCounts : scope_.colorCounts;
-    if (set < 0 || at(set) >= limits.size())
-      return refuse(fmt::format("{} set {} does not exist", isUv ? "UV" : "colour", set));
-    if (count != loopSize_)
-      return refuse(fmt::format("a loop of {} corners has {} ids", loopSize_, count));
-    std::vector<Index>* ids = nullptr;
-    if (!isInHole_) {
-      ids = &idsOf(isUv ? rows_.uvs : rows_.colors, set);
-      ids->resize(rows_.vertices.size() - at(count), kNone);
-    }
-    const Index lowest = isUv ? 0 : kNone, limit = limits[at(set)];
-    for (Index k = 0; k < count; ++k) {
-      Index id = 0;
-      if (!row_.read(id)) return refuse(fmt::format("a row of {} ids is cut short", count));
-      if (id < lowest || id >= limit)
-        return refuse(
-            fmt::format("{} {} does not exist: the set has {}", isUv ? "UV" : "colour", id, limit));
-      if (ids) ids->push_back(id);
-    }
-    return true;
-  }
-
-  static std::vector<Index>& idsOf(std::vector<SetIds>& sets, Index set) {
-    for (SetIds& each : sets)
-      if (each.set == set) return each.ids;
-    sets.push_back({set, {}});
-    return sets.back().ids;
-  }
-
-  const FaceScope& scope_;
-  const Chunk& chunk_;
-  MaRow row_;
-  FaceRows rows_;
-  Index loopSize_ = 0;
-  bool isInHole_ = false;
-  std::string reason_;
-};
 
 /// The elements of an array all at once, chunk by chunk on all cores; `read` fills elements of its
 /// own from a row and says whether it could.
@@ -237,17 +99,15 @@ class MaMeshBuilder {
   using Done = MaResult<void>;
 
   Done readPoints() {
-    auto points = unit_ == 1 ? readArray<Vec3f>(text_, "vertices", 3, rows_.points_,
-                                                [](MaRow& row, Vec3f& p) {
-                                                  return row.read(p.x) && row.read(p.y) &&
-                                                         row.read(p.z);
-                                                })
-                             : readArray<Vec3f>(text_, "vertices", 3, rows_.points_,
-                                                [&](MaRow& row, Vec3f& p) {
-                                                  return readLength(row, p.x) &&
-                                                         readLength(row, p.y) &&
-                                                         readLength(row, p.z);
-                                                });
+    auto points =
+        unit_ == 1
+            ? readArray<Vec3f>(text_, "vertices", 3, rows_.points_,
+                               [](MaRow& row, Vec3f& p) {
+                                 return row.read(p.x) && row.read(p.y) && row.read(p.z);
+                               })
+            : readArray<Vec3f>(text_, "vertices", 3, rows_.points_, [&](MaRow& row, Vec3f& p) {
+                return readLength(row, p.x) && readLength(row, p.y) && readLength(row, p.z);
+              });
     if (!points) return tl::unexpected(points.error());
     vertexCount_ = points->size();
     mesh_.setPoints(*std::move(points));
@@ -263,9 +123,9 @@ class MaMeshBuilder {
 
   Done readSets() {
     for (const MaMeshRows::UvSetRows& each : rows_.uvSets_) {
-      auto points = readArray<Vec2f>(
-          text_, "UVs", 2, each.points,
-          [](MaRow& row, Vec2f& uv) { return row.read(uv.u) && row.read(uv.v); });
+      auto points = readArray<Vec2f>(text_, "UVs", 2, each.points, [](MaRow& row, Vec2f& uv) {
+        return row.read(uv.u) && row.read(uv.v);
+      });
       if (!points) return tl::unexpected(points.error());
       uvSets_.push_back({std::string(each.name), *std::move(points), {}});
     }
@@ -275,8 +135,8 @@ class MaMeshBuilder {
             return row.read(c.r) && row.read(c.g) && row.read(c.b) && row.read(c.a);
           });
       if (!colors) return tl::unexpected(colors.error());
-      colorSets_.push_back({std::string(each.name), each.representation, each.isClamped,
-                            *std::move(colors), {}});
+      colorSets_.push_back(
+          {std::string(each.name), each.representation, each.isClamped, *std::move(colors), {}});
     }
     return {};
   }
@@ -287,8 +147,8 @@ class MaMeshBuilder {
       Index isSmooth = 1;
     };
     const auto limit = static_cast<Index>(vertexCount_);
-    auto rows = readArray<EdgeRow>(
-        text_, "edges", 3, rows_.edges_, [limit](MaRow& row, EdgeRow& edge) {
+    auto rows =
+        readArray<EdgeRow>(text_, "edges", 3, rows_.edges_, [limit](MaRow& row, EdgeRow& edge) {
           return row.read(edge.ends.a) && row.read(edge.ends.b) && row.read(edge.isSmooth) &&
                  edge.ends.a >= 0 && edge.ends.a < limit && edge.ends.b >= 0 &&
                  edge.ends.b < limit && edge.ends.a != edge.ends.b;
@@ -318,16 +178,17 @@ class MaMeshBuilder {
         return faultAt(chunk.offset, "more faces are announced here than the row can hold");
     }
     if (rows_.faces_.declared >= 0 && static_cast<std::size_t>(rows_.faces_.declared) != count)
-      return faultAt(rows_.faces_.declaredAt, fmt::format("the size says {}, but there are {} faces",
-                                                          rows_.faces_.declared, count));
-    FaceScope scope{text_, topology_.edges, {}, {}};
+      return faultAt(
+          rows_.faces_.declaredAt,
+          fmt::format("the size says {}, but there are {} faces", rows_.faces_.declared, count));
+    MaFaceScope scope{text_, topology_.edges, {}, {}};
     for (const mesh::UvSet& set : uvSets_)
       scope.uvCounts.push_back(static_cast<Index>(set.points.size()));
     for (const mesh::ColorSet& set : colorSets_)
       scope.colorCounts.push_back(static_cast<Index>(set.colors.size()));
-    std::vector<MaResult<FaceRows>> parts(chunks.size());
+    std::vector<MaResult<MaFaceRows>> parts(chunks.size());
     parallelFor(chunks.size(), kChunksABlock / 4, [&](std::size_t begin, std::size_t end) {
-      for (std::size_t i = begin; i < end; ++i) parts[i] = FaceParser(scope, chunks[i]).parse();
+      for (std::size_t i = begin; i < end; ++i) parts[i] = parseFaceRows(scope, chunks[i]);
     });
     for (const auto& part : parts)
       if (!part) return tl::unexpected(part.error());
@@ -335,7 +196,7 @@ class MaMeshBuilder {
     return {};
   }
 
-  void joinFaces(const std::vector<MaResult<FaceRows>>& parts, std::size_t faces) {
+  void joinFaces(const std::vector<MaResult<MaFaceRows>>& parts, std::size_t faces) {
     std::vector<std::size_t> base(parts.size() + 1, 0);
     Index holes = 0;
     for (std::size_t i = 0; i < parts.size(); ++i) {
@@ -347,14 +208,14 @@ class MaMeshBuilder {
     topology_.cornerVertices.resize(corners);
     topology_.cornerEdges.resize(corners);
     for (std::size_t i = 0; i < parts.size(); ++i) {
-      const FaceRows& part = *parts[i];
+      const MaFaceRows& part = *parts[i];
       for (const Index size : part.sizes)
         topology_.faceOffsets.push_back(topology_.faceOffsets.back() + size);
       const auto start = static_cast<std::ptrdiff_t>(base[i]);
       std::ranges::copy(part.vertices, topology_.cornerVertices.begin() + start);
       std::ranges::copy(part.edges, topology_.cornerEdges.begin() + start);
-      const auto place = [&](const std::vector<SetIds>& from, auto& sets) {
-        for (const SetIds& each : from) {
+      const auto place = [&](const std::vector<MaSetIds>& from, auto& sets) {
+        for (const MaSetIds& each : from) {
           std::vector<Index>& ids = sets[at(each.set)].cornerIds;
           if (ids.empty()) ids.assign(corners, kNone);
           std::ranges::copy(each.ids, ids.begin() + start);
@@ -526,9 +387,8 @@ class MaMeshBuilder {
   std::vector<mesh::ColorSet> colorSets_;
 };
 
-MaResult<Mesh> MaMeshRows::build(
-    std::string_view text, double unit,
-    std::vector<std::pair<std::size_t, std::string>>& warnings) const {
+MaResult<Mesh> MaMeshRows::build(std::string_view text, double unit,
+                                 std::vector<std::pair<std::size_t, std::string>>& warnings) const {
   return MaMeshBuilder(*this, text, unit, warnings).build();
 }
 

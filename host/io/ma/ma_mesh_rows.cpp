@@ -89,8 +89,8 @@ MaResult<MaMeshRows::Array*> MaMeshRows::arrayOf(std::size_t offset, std::string
   return &colorSets_[count - 1].colors;
 }
 
-MaResult<void> MaMeshRows::addBulk(std::size_t offset, std::string_view path,
-                                   std::int64_t declared, std::string_view body) {
+MaResult<void> MaMeshRows::addBulk(std::size_t offset, std::string_view path, std::int64_t declared,
+                                   std::string_view body) {
   std::string_view brackets;
   const auto array = arrayOf(offset, path, brackets);
   if (!array) return tl::unexpected(array.error());
@@ -101,7 +101,8 @@ MaResult<void> MaMeshRows::addBulk(std::size_t offset, std::string_view path,
   }
   if (brackets.empty()) {
     if (MaRow(body).isAtEnd()) return {};
-    return faultAt(offset, fmt::format("'{}' has values, but does not say of which elements", path));
+    return faultAt(offset,
+                   fmt::format("'{}' has values, but does not say of which elements", path));
   }
   Chunk chunk{.offset = offset, .body = body};
   if (!parseRange(brackets, chunk.first, chunk.last))
@@ -118,19 +119,19 @@ MaResult<void> MaMeshRows::addWeights(const MaSetAttr& line, std::string_view ki
   Index count = 0;
   if (tokens.size() < 3 || tokens[0].text != "Index_Data" || tokens[1].text != kind ||
       !MaRow(tokens[2].text).read(count) || count < 0)
-    return faultAt(line.offset,
-                   fmt::format("'{}' does not begin with Index_Data {} and a count", line.path, kind));
+    return faultAt(line.offset, fmt::format("'{}' does not begin with Index_Data {} and a count",
+                                            line.path, kind));
   const std::size_t stride = hasValues ? 2 : 1;
   if (tokens.size() - 3 != static_cast<std::size_t>(count) * stride)
-    return faultAt(line.offset, fmt::format("'{}' says {} components, but has {} numbers", line.path,
-                                            count, tokens.size() - 3));
+    return faultAt(line.offset, fmt::format("'{}' says {} components, but has {} numbers",
+                                            line.path, count, tokens.size() - 3));
   for (std::size_t i = 3; i < tokens.size(); i += stride) {
     Weight weight{.offset = line.offset};
     if (!MaRow(tokens[i].text).read(weight.id) ||
         (hasValues && (!MaRow(tokens[i + 1].text).read(weight.value) || weight.value < 0)))
-      return faultAt(line.offset, fmt::format("'{}' is not a component and its value: '{} {}'",
-                                              line.path, tokens[i].text,
-                                              hasValues ? tokens[i + 1].text : ""));
+      return faultAt(line.offset,
+                     fmt::format("'{}' is not a component and its value: '{} {}'", line.path,
+                                 tokens[i].text, hasValues ? tokens[i + 1].text : ""));
     weights.push_back(weight);
   }
   return {};
@@ -166,8 +167,8 @@ MaResult<void> MaMeshRows::addValues(const MaSetAttr& line) {
     if (isOneOf(child, {"clam", "clamped"}))
       set.isClamped = isOneOf(firstText(line), {"yes", "on", "true", "1"});
     Index representation = 0;
-    if (isOneOf(child, {"rprt", "representation"}) &&
-        MaRow(firstText(line)).read(representation) && representation >= 1 && representation <= 4)
+    if (isOneOf(child, {"rprt", "representation"}) && MaRow(firstText(line)).read(representation) &&
+        representation >= 1 && representation <= 4)
       set.representation = representation;
   }
   return {};

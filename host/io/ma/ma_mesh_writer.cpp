@@ -24,18 +24,18 @@ std::size_t at(Index i) {
 
 /// How the statements of one array begin.
 struct ArrayWords {
-  std::string path;             ///< ".vt"
-  std::string type;             ///< of -type
-  bool isTypeOnEach = false;    ///< else on the first statement only
-  std::string sizes;            ///< further size flags
-  bool isRowALine = false;      ///< every row on a line of its own
+  std::string path;           ///< ".vt"
+  std::string type;           ///< of -type
+  bool isTypeOnEach = false;  ///< else on the first statement only
+  std::string sizes;          ///< further size flags
+  bool isRowALine = false;    ///< every row on a line of its own
 };
 
 /// Writes an array in statements of `perChunk` elements; `row(text, i)` appends one element, with a
 /// blank in front or as lines of its own. Statements are made in parallel.
 template <class Row>
-void appendArray(std::string& out, const ArrayWords& words, std::size_t count,
-                 std::size_t perChunk, Row row) {
+void appendArray(std::string& out, const ArrayWords& words, std::size_t count, std::size_t perChunk,
+                 Row row) {
   if (count == 0) return;
   const std::size_t chunks = (count + perChunk - 1) / perChunk;
   const bool isWhole = chunks == 1;
@@ -99,8 +99,8 @@ Result<void> checkFinite(const Mesh& mesh) {
   for (int s = 0; s < mesh.colorSetCount(); ++s)
     isGood = isGood && areFinite(mesh.colorSet(s).colors.data(), mesh.colorSet(s).colors.size());
   const auto& normals = mesh.lockedNormals().normals;
-  isGood = isGood && areFinite(normals.data(), normals.size()) &&
-           isFinite(mesh.creases().edges) && isFinite(mesh.creases().vertices);
+  isGood = isGood && areFinite(normals.data(), normals.size()) && isFinite(mesh.creases().edges) &&
+           isFinite(mesh.creases().vertices);
   if (isGood) return {};
   return fail("points, UVs, normals, colours or creases are not finite numbers");
 }
@@ -150,15 +150,15 @@ void appendPoints(std::string& out, const Mesh& mesh, double unit) {
 }
 
 void appendEdges(std::string& out, const Mesh& mesh) {
-  appendArray(out, {.path = ".ed", .type = {}, .sizes = {}}, at(mesh.edgeCount()), kTriplesAChunk,
-              [&](std::string& text, std::size_t i) {
-                const auto e = static_cast<EdgeId>(i);
-                for (const Index number :
-                     {mesh.edge(e).a, mesh.edge(e).b, Index{mesh.isEdgeSmooth(e)}}) {
-                  text += ' ';
-                  appendNumber(text, number);
-                }
-              });
+  appendArray(
+      out, {.path = ".ed", .type = {}, .sizes = {}}, at(mesh.edgeCount()), kTriplesAChunk,
+      [&](std::string& text, std::size_t i) {
+        const auto e = static_cast<EdgeId>(i);
+        for (const Index number : {mesh.edge(e).a, mesh.edge(e).b, Index{mesh.isEdgeSmooth(e)}}) {
+          text += ' ';
+          appendNumber(text, number);
+        }
+      });
 }
 
 void appendNormals(std::string& out, const Mesh& mesh) {

@@ -67,8 +67,8 @@ void visitUpwards(Plug plug, Visit visit) {
 std::string filePath(const Plug& plug) {
   std::string brief = pathBelow(plug, true);
   const MaPlug found = findPlug(*plug.node(), brief);
-  const Plug same = found.plug.isNull() || found.first == kNone ? found.plug
-                                                                : found.plug.element(found.first);
+  const Plug same =
+      found.plug.isNull() || found.first == kNone ? found.plug : found.plug.element(found.first);
   return same == plug ? brief : pathBelow(plug, false);
 }
 
@@ -93,7 +93,8 @@ Result<void> MaNodeWriter::write(std::string& out) {
   if (!fault_.empty()) return fail("'{}' is not a finite number and cannot be saved", fault_);
   if (!aliases_.empty())
     out_ +=
-        "\taddAttr -ci true -h true -sn \"aal\" -ln \"attributeAliasList\" -dt \"attributeAlias\";\n"
+        "\taddAttr -ci true -h true -sn \"aal\" -ln \"attributeAliasList\" -dt "
+        "\"attributeAlias\";\n"
         "\tsetAttr \".aal\" -type \"attributeAlias\" {" +
         aliases_ + "} ;\n";
   out += out_;
@@ -153,8 +154,8 @@ void MaNodeWriter::addAttribute(std::string& out, const Attribute& attribute,
     out += " -en ";
     appendQuoted(out, fields);
   }
-  const bool isData = attribute.type == AttributeType::String ||
-                      attribute.type == AttributeType::Typed;
+  const bool isData =
+      attribute.type == AttributeType::String || attribute.type == AttributeType::Typed;
   if (attribute.type == AttributeType::Generic)
     for (const std::string& type : attribute.acceptedTypes) out += fmt::format(" -dt \"{}\"", type);
   else

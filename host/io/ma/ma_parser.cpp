@@ -1,36 +1,17 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstring>
-#include <deque>
 
 #include "host/io/ma/ma_file.h"
 #include "host/io/ma/ma_mesh_rows.h"
+#include "host/io/ma/ma_tokens.h"
 #include "host/io/mapped_file.h"
-#include "host/mel/lexer.h"
 
 namespace host::io {
 namespace {
 
 using mel::Token;
 using mel::TokenKind;
-
-bool isOneOf(std::string_view word, std::initializer_list<std::string_view> words) {
-  return std::ranges::find(words, word) != words.end();
-}
-
-bool isOn(std::string_view word) {
-  return isOneOf(word, {"on", "yes", "true", "1"});
-}
-
-/// What may follow the plus of a sum of strings; before a number it is a sign.
-bool comesAfterPlus(char c) {
-  return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '"';
-}
-
-bool isNotFinite(std::string_view word) {
-  return isOneOf(word, {"nan", "inf", "NaN", "Inf", "NAN", "INF", "infinity"});
-}
 
 bool isUuid(std::string_view word) {
   return !word.empty() &&
@@ -49,35 +30,26 @@ std::string_view withoutDot(std::string_view path) {
   return path.starts_with('.') ? path.substr(1) : path;
 }
 
-/// Strings that the arena of the lexer holds, and those that sums of strings made.
-struct Decoded {
-  mel::Arena arena;
-  std::deque<std::string> joined;
-};
-
 /// Cuts the text into statements and files them. Statements with big rows are not read here, only
 /// found: their numbers are read when all of a mesh's rows are known.
 class Parser {
  public:
-  explicit Parser(MaFile& file)
-      : file_(file), decoded_(std::make_shared<Decoded>()), lexer_(file.text, decoded_->arena) {
-    file_.decoded = decoded_;
-  }
+  explicit Parser(MaFile& file) : file_(file), in_(file) {}
 
   MaResult<void> parse() {
     while (true) {
-      const Token token = lexer_.nextWord();
+      const Token token = in_.next();
       if (token.kind == TokenKind::End) break;
       if (token.is(";")) continue;
-      start_ = token.begin.offset;
+      in_.begin(token.begin.offset);
       if (token.kind != TokenKind::Word) {
-        refuse(token, "a statement should begin here");
+        in_.refuse(token, "a statement should begin here");
         break;
       }
       statement(token.text);
-      if (fault_) break;
+      if (in_.hasFault()) break;
     }
-    if (fault_) return tl::unexpected(std::move(*fault_));
+    if (in_.hasFault()) return tl::unexpected(in_.takeFault());
     if (!hasEnd())
       file_.warnings.push_back(file_.message(
           file_.text.size(), "the file does not end with its end line: perhaps it was cut off"));
@@ -85,97 +57,6 @@ class Parser {
   }
 
  private:
-  // Tokens.
-
-  void failAt(std::size_t offset, std::string reason) {
-    if (!fault_) fault_ = MaFault{offset, std::move(reason)};
-  }
-  void refuse(const Token& token, std::string_view expected) {
-    if (token.kind == TokenKind::End)
-      failAt(start_, "the statement that begins here has no end");
-    else if (token.kind == TokenKind::Bad)
-      failAt(token.begin.offset, std::string(token.text));
-    else
-      failAt(token.begin.offset,
-             fmt::format("{}, not '{}'", expected, textOf(token).substr(0, 40)));
-  }
-  [[nodiscard]] std::string_view textOf(const Token& token) const {
-    return file_.text.substr(token.begin.offset, lexer_.position().offset - token.begin.offset);
-  }
-
-  /// One word or string.
-  std::string_view text() {
-    const Token token = lexer_.nextWord();
-    if (token.kind == TokenKind::String) return token.text;
-    if (token.kind == TokenKind::Word || token.kind == TokenKind::Int ||
-        token.kind == TokenKind::Float)
-      return textOf(token);
-    refuse(token, "a name or a value should stand here");
-    return {};
-  }
-  bool flagValue() { return isOn(text()); }
-
-  /// All up to the semicolon. Flags end up as words that begin with '-'.
-  std::vector<MaToken> restOfStatement() {
-    std::vector<MaToken> tokens;
-    bool joins = false;
-    while (!fault_) {
-      if (lexer_.peek() == '+' && comesAfterPlus(lexer_.at(1))) {
-        mel::Position after = lexer_.position();
-        ++after.offset;
-        lexer_.rewind(after);
-        joins = true;
-        continue;
-      }
-      const Token token = lexer_.nextWord();
-      if (token.is(";")) break;
-      if (token.is("(") || token.is(")") || token.is("{") || token.is("}") || token.is(","))
-        continue;
-      if (!addToken(tokens, token, joins)) refuse(token, "a value should stand here");
-      joins = false;
-    }
-    return tokens;
-  }
-
-  bool addToken(std::vector<MaToken>& tokens, const Token& token, bool joins) {
-    if (token.kind == TokenKind::String) {
-      if (joins && !tokens.empty() && tokens.back().kind == MaToken::Kind::String) {
-        // A sum of strings: the longest ones have thousands of terms, all added to one text.
-        if (decoded_->joined.empty() ||
-            decoded_->joined.back().data() != tokens.back().text.data())
-          decoded_->joined.emplace_back(tokens.back().text);
-        decoded_->joined.back() += token.text;
-        tokens.back().text = decoded_->joined.back();
-      } else {
-        tokens.push_back({MaToken::Kind::String, token.text});
-      }
-      return true;
-    }
-    if (token.kind == TokenKind::Int || token.kind == TokenKind::Float) {
-      const std::string_view number = textOf(token);
-      double value = 0;
-      MaRow row(number);
-      if (!row.read(value) || !row.isAtEnd()) return false;
-      tokens.push_back({MaToken::Kind::Number, number});
-      return true;
-    }
-    if (token.kind != TokenKind::Word) return false;
-    if (isNotFinite(token.text) || isNotFinite(token.text.substr(1))) return false;
-    tokens.push_back({MaToken::Kind::Word, token.text});
-    return true;
-  }
-
-  [[nodiscard]] std::string_view rawStatement() const {
-    // The semicolon is the last character read.
-    return file_.text.substr(start_, lexer_.position().offset - 1 - start_);
-  }
-
-  void endStatement() {
-    if (fault_) return;
-    const Token token = lexer_.nextWord();
-    if (!token.is(";")) refuse(token, "the statement should end here");
-  }
-
   // Statements.
 
   void statement(std::string_view command) {
@@ -202,39 +83,41 @@ class Parser {
 
   void createNode() {
     MaNode node;
-    node.offset = start_;
-    while (!fault_) {
-      const Token token = lexer_.nextWord();
+    node.offset = in_.start();
+    while (!in_.hasFault()) {
+      const Token token = in_.next();
       if (token.is(";")) break;
-      if (token.kind == TokenKind::String || (token.kind == TokenKind::Word && token.text[0] != '-'))
+      if (token.kind == TokenKind::String ||
+          (token.kind == TokenKind::Word && token.text[0] != '-'))
         node.type = token.text;
       else if (isOneOf(token.text, {"-n", "-name"}))
-        node.name = text();
+        node.name = in_.text();
       else if (isOneOf(token.text, {"-p", "-parent"}))
-        node.parent = text();
+        node.parent = in_.text();
       else if (isOneOf(token.text, {"-s", "-shared"}))
         node.isShared = true;
       else if (!isOneOf(token.text, {"-ss", "-skipSelect"}))
-        refuse(token, "a flag of createNode should stand here");
+        in_.refuse(token, "a flag of createNode should stand here");
     }
-    if (!fault_ && !isName(node.type))
-      failAt(start_, fmt::format("'{}' is not the name of a node type", node.type.substr(0, 40)));
+    if (!in_.hasFault() && !isName(node.type))
+      in_.failAt(in_.start(),
+                 fmt::format("'{}' is not the name of a node type", node.type.substr(0, 40)));
     file_.nodes.push_back(std::move(node));
     rows_.emplace_back();
   }
 
   MaNode* current() {
     if (!file_.nodes.empty()) return &file_.nodes.back();
-    failAt(start_, "there is no node yet that this could be for");
+    in_.failAt(in_.start(), "there is no node yet that this could be for");
     return nullptr;
   }
 
   void select() {
-    const std::vector<MaToken> words = restOfStatement();
+    const std::vector<MaToken> words = in_.restOfStatement();
     for (const MaToken& word : words) {
       if (!isName(word.text)) continue;
       MaNode node;
-      node.offset = start_;
+      node.offset = in_.start();
       node.name = word.text;
       file_.nodes.push_back(std::move(node));
       rows_.emplace_back();
@@ -242,8 +125,8 @@ class Parser {
   }
 
   void rename() {
-    const std::vector<MaToken> words = restOfStatement();
-    if (fault_) return;
+    const std::vector<MaToken> words = in_.restOfStatement();
+    if (in_.hasFault()) return;
     MaNode* node = current();
     if (!node) return;
     if (words.size() == 2 && isOneOf(words[0].text, {"-uid", "-uuid"}) && isUuid(words[1].text))
@@ -256,38 +139,38 @@ class Parser {
     MaNode* node = current();
     if (!node) return;
     MaSetAttr line;
-    line.offset = start_;
+    line.offset = in_.start();
     std::int64_t declared = -1;
     bool hasPath = false;
     // Flags stand before the name and -type after it.
-    while (!fault_) {
-      const mel::Position before = lexer_.position();
-      const Token token = lexer_.nextWord();
+    while (!in_.hasFault()) {
+      const mel::Position before = in_.lexer().position();
+      const Token token = in_.next();
       const bool isFlag = token.kind == TokenKind::Word && token.text.starts_with('-');
       if (isFlag) {
         setAttrFlag(token, line, declared);
       } else if (!hasPath) {
         if (token.kind != TokenKind::String && token.kind != TokenKind::Word) {
-          refuse(token, "the name of an attribute should stand here");
+          in_.refuse(token, "the name of an attribute should stand here");
           break;
         }
         line.path = withoutDot(token.text);
         hasPath = true;
         if (isBulk(*node, line.path)) return bulkRows(line, declared);
       } else {
-        lexer_.rewind(before);
+        in_.lexer().rewind(before);
         break;
       }
     }
-    if (fault_) return;
-    line.values = restOfStatement();
-    if (fault_) return;
+    if (in_.hasFault()) return;
+    line.values = in_.restOfStatement();
+    if (in_.hasFault()) return;
     for (const MaToken& value : line.values)
       if (value.kind == MaToken::Kind::Word && value.text.starts_with('-'))
-        failAt(start_, fmt::format("'{}' is no flag of setAttr", value.text));
-    line.raw = rawStatement();
+        in_.failAt(in_.start(), fmt::format("'{}' is no flag of setAttr", value.text));
+    line.raw = in_.rawStatement();
     if (node->type == "mesh" && MaMeshRows::kindOf(line.path) == MaMeshRows::Kind::Values) {
-      if (auto done = rows_.back().addValues(line); !done) fault_ = std::move(done).error();
+      if (auto done = rows_.back().addValues(line); !done) in_.fail(std::move(done).error());
       return;
     }
     node->lines.emplace_back(std::move(line));
@@ -296,23 +179,23 @@ class Parser {
   void setAttrFlag(const Token& token, MaSetAttr& line, std::int64_t& declared) {
     const std::string_view flag = token.text;
     if (isOneOf(flag, {"-type", "-typ"})) {
-      line.type = text();
+      line.type = in_.text();
     } else if (isOneOf(flag, {"-s", "-size", "-ch", "-capacityHint"})) {
-      const std::string_view number = text();
+      const std::string_view number = in_.text();
       Index count = 0;
-      if (!fault_ && (!MaRow(number).read(count) || count < 0))
-        failAt(token.begin.offset, fmt::format("'{}' is not a size", number));
+      if (!in_.hasFault() && (!MaRow(number).read(count) || count < 0))
+        in_.failAt(token.begin.offset, fmt::format("'{}' is not a size", number));
       if (isOneOf(flag, {"-s", "-size"})) declared = count;
     } else if (isOneOf(flag, {"-k", "-keyable"})) {
-      line.keyable = flagValue();
+      line.keyable = in_.flagValue();
     } else if (isOneOf(flag, {"-l", "-lock"})) {
-      line.locked = flagValue();
+      line.locked = in_.flagValue();
     } else if (isOneOf(flag, {"-cb", "-channelBox"})) {
-      line.channelBox = flagValue();
+      line.channelBox = in_.flagValue();
     } else if (isOneOf(flag, {"-ca", "-caching"})) {
-      line.caching = flagValue();
+      line.caching = in_.flagValue();
     } else if (!isOneOf(flag, {"-av", "-alteredValue", "-c", "-clamp"})) {
-      failAt(token.begin.offset, fmt::format("'{}' is no flag of setAttr", flag));
+      in_.failAt(token.begin.offset, fmt::format("'{}' is no flag of setAttr", flag));
     }
   }
 
@@ -322,94 +205,95 @@ class Parser {
 
   /// Leaves the numbers alone and goes to the semicolon behind them.
   void bulkRows(MaSetAttr& line, std::int64_t declared) {
-    while (!fault_ && lexer_.peek() == '-' && lexer_.at(1) >= 'a' && lexer_.at(1) <= 'z')
-      setAttrFlag(lexer_.nextWord(), line, declared);
-    if (fault_) return;
+    while (!in_.hasFault() && in_.lexer().peek() == '-' && in_.lexer().at(1) >= 'a' &&
+           in_.lexer().at(1) <= 'z')
+      setAttrFlag(in_.next(), line, declared);
+    if (in_.hasFault()) return;
     const std::string_view text = file_.text;
-    const std::size_t begin = lexer_.position().offset;
+    const std::size_t begin = in_.lexer().position().offset;
     const std::size_t end = text.find(';', begin);
     if (end == std::string_view::npos)
-      return failAt(start_, "the statement that begins here has no end");
-    mel::Position after = lexer_.position();  // its line is not used
+      return in_.failAt(in_.start(), "the statement that begins here has no end");
+    mel::Position after = in_.lexer().position();  // its line is not used
     after.offset = end + 1;
-    lexer_.rewind(after);
+    in_.lexer().rewind(after);
     auto done =
-        rows_.back().addBulk(start_, line.path, declared, text.substr(begin, end - begin));
-    if (!done) fault_ = std::move(done).error();
+        rows_.back().addBulk(in_.start(), line.path, declared, text.substr(begin, end - begin));
+    if (!done) in_.fail(std::move(done).error());
   }
 
   void addAttr() {
     MaNode* node = current();
     if (!node) return;
     MaAddAttr line;
-    line.offset = start_;
-    for (MaToken& token : restOfStatement()) {
+    line.offset = in_.start();
+    for (MaToken& token : in_.restOfStatement()) {
       if (token.kind == MaToken::Kind::Word && token.text.starts_with('-'))
         line.flags.emplace_back(token.text.substr(1), std::vector<MaToken>());
       else if (!line.flags.empty())
         line.flags.back().second.push_back(token);
     }
-    if (fault_) return;
-    line.raw = rawStatement();
+    if (in_.hasFault()) return;
+    line.raw = in_.rawStatement();
     node->lines.emplace_back(std::move(line));
   }
 
   void connectAttr() {
     MaConnection connection;
-    connection.offset = start_;
+    connection.offset = in_.start();
     int ends = 0;
-    while (!fault_) {
-      const Token token = lexer_.nextWord();
+    while (!in_.hasFault()) {
+      const Token token = in_.next();
       if (token.is(";")) break;
       const bool isFlag = token.kind == TokenKind::Word && token.text.starts_with('-');
       if (isFlag && isOneOf(token.text, {"-na", "-nextAvailable"})) {
         connection.toNextAvailable = true;
       } else if (isFlag && isOneOf(token.text, {"-l", "-lock"})) {
-        connection.isLocked = flagValue();
+        connection.isLocked = in_.flagValue();
       } else if (isFlag) {
-        if (isOneOf(token.text, {"-rd", "-referenceDest"})) (void)text();
+        if (isOneOf(token.text, {"-rd", "-referenceDest"})) (void)in_.text();
       } else if (token.kind == TokenKind::String || token.kind == TokenKind::Word) {
         (ends++ == 0 ? connection.source : connection.destination) = token.text;
       } else {
-        refuse(token, "the name of an attribute should stand here");
+        in_.refuse(token, "the name of an attribute should stand here");
       }
     }
-    if (fault_) return;
-    if (ends != 2) return failAt(start_, "connectAttr joins two attributes");
-    connection.raw = rawStatement();
+    if (in_.hasFault()) return;
+    if (ends != 2) return in_.failAt(in_.start(), "connectAttr joins two attributes");
+    connection.raw = in_.rawStatement();
     file_.connections.push_back(connection);
   }
 
   void parent() {
     std::vector<std::string_view> names;
     bool adds = false;
-    for (const MaToken& word : restOfStatement()) {
+    for (const MaToken& word : in_.restOfStatement()) {
       if (word.text.starts_with('-'))
         adds = adds || isOneOf(word.text, {"-add", "-addObject"});
       else
         names.push_back(word.text);
     }
-    if (fault_) return;
+    if (in_.hasFault()) return;
     if (!adds || names.size() < 2) return warn("only 'parent -add' has a place in a scene");
     for (std::size_t i = 0; i + 1 < names.size(); ++i)
-      file_.instances.push_back({start_, names[i], names.back()});
+      file_.instances.push_back({in_.start(), names[i], names.back()});
   }
 
   void relationship() {
     std::vector<std::string_view> words;
-    for (const MaToken& word : restOfStatement())
+    for (const MaToken& word : in_.restOfStatement())
       if (!word.text.starts_with('-')) words.push_back(word.text);
-    if (fault_) return;
+    if (in_.hasFault()) return;
     if (words.size() == 4)
       file_.relationships.push_back(
-          {start_, words[0], words[1], words[2], words[3], rawStatement()});
+          {in_.start(), words[0], words[1], words[2], words[3], in_.rawStatement()});
     else
-      file_.late.push_back(rawStatement());
+      file_.late.push_back(in_.rawStatement());
   }
 
   void lockNode() {
-    std::vector<MaToken> words = restOfStatement();
-    if (fault_ || file_.nodes.empty()) return;
+    std::vector<MaToken> words = in_.restOfStatement();
+    if (in_.hasFault() || file_.nodes.empty()) return;
     bool locks = true, names = false;
     for (std::size_t i = 0; i < words.size(); ++i) {
       if (!words[i].text.starts_with('-')) {
@@ -420,32 +304,32 @@ class Parser {
       }
     }
     if (names)
-      file_.late.push_back(rawStatement());
+      file_.late.push_back(in_.rawStatement());
     else
       file_.nodes.back().isLocked = locks;
   }
 
   void require() {
-    const std::vector<MaToken> words = restOfStatement();
-    if (fault_) return;
+    const std::vector<MaToken> words = in_.restOfStatement();
+    if (in_.hasFault()) return;
     const auto own = std::ranges::find_if(
         words, [](const MaToken& word) { return word.text == "maya" || word.text == "Maya"; });
     if (own != words.end()) return;
-    file_.requirements.push_back(rawStatement());
+    file_.requirements.push_back(in_.rawStatement());
     // Flags, then the plug-in's name and its version.
     if (words.size() >= 2) file_.plugins.push_back(words[words.size() - 2].text);
   }
 
   void fileInfo() {
-    const std::vector<MaToken> words = restOfStatement();
-    if (fault_) return;
-    if (words.size() != 2) return failAt(start_, "fileInfo takes a keyword and a value");
+    const std::vector<MaToken> words = in_.restOfStatement();
+    if (in_.hasFault()) return;
+    if (words.size() != 2) return in_.failAt(in_.start(), "fileInfo takes a keyword and a value");
     file_.fileInfo.emplace_back(words[0].text, words[1].text);
   }
 
   void currentUnit() {
-    const std::vector<MaToken> words = restOfStatement();
-    for (std::size_t i = 0; i + 1 < words.size() && !fault_; i += 2) {
+    const std::vector<MaToken> words = in_.restOfStatement();
+    for (std::size_t i = 0; i + 1 < words.size() && !in_.hasFault(); i += 2) {
       const std::string_view flag = words[i].text, unit = words[i + 1].text;
       bool isKnown = true;
       if (isOneOf(flag, {"-l", "-linear"}))
@@ -454,25 +338,25 @@ class Parser {
         isKnown = scene::parseAngularUnit(unit, file_.units.angular);
       else if (isOneOf(flag, {"-t", "-time"}))
         isKnown = scene::framesPerSecondOf(unit) > 0;
-      if (!isKnown) return failAt(start_, fmt::format("'{}' is not a unit", unit));
+      if (!isKnown) return in_.failAt(in_.start(), fmt::format("'{}' is not a unit", unit));
       if (isOneOf(flag, {"-t", "-time"})) file_.units.time = unit;
     }
   }
 
   void reference() {
-    (void)restOfStatement();
-    if (!fault_) warn("references to other files are not followed");
+    (void)in_.restOfStatement();
+    if (!in_.hasFault()) warn("references to other files are not followed");
   }
 
   void unknown(std::string_view command) {
-    (void)restOfStatement();
-    if (fault_) return;
-    (file_.nodes.empty() ? file_.early : file_.late).push_back(rawStatement());
+    (void)in_.restOfStatement();
+    if (in_.hasFault()) return;
+    (file_.nodes.empty() ? file_.early : file_.late).push_back(in_.rawStatement());
     warn(fmt::format("the statement '{}' is not known: kept as it is", command));
   }
 
   void warn(std::string_view reason) {
-    if (file_.warnings.size() < 100) file_.warnings.push_back(file_.message(start_, reason));
+    if (file_.warnings.size() < 100) file_.warnings.push_back(file_.message(in_.start(), reason));
   }
 
   // The end.
@@ -499,11 +383,8 @@ class Parser {
   }
 
   MaFile& file_;
-  std::shared_ptr<Decoded> decoded_;
-  mel::Lexer lexer_;
-  std::size_t start_ = 0;  ///< of the statement
+  MaTokens in_;
   std::vector<MaMeshRows> rows_;  ///< one a node
-  std::optional<MaFault> fault_;
 };
 
 Result<MaFile> parseInto(MaFile file) {

@@ -118,7 +118,8 @@ Result<dg::Value> readPayload(std::string_view type, const Tokens& tokens,
     return arrayOf<dg::IntArrayData>(tokens, 1, [](const auto& all) {
       std::vector<std::int32_t> integers;
       for (const double each : all)
-        integers.push_back(static_cast<std::int32_t>(std::clamp(each, -2147483648.0, 2147483647.0)));
+        integers.push_back(
+            static_cast<std::int32_t>(std::clamp(each, -2147483648.0, 2147483647.0)));
       return integers;
     });
   if (type == "vectorArray")

@@ -80,8 +80,8 @@ MaPlug findPlug(dg::Node& node, std::string_view path, Index instance) {
     if (!takeStep(rest, step)) return {};
     if (result.plug.isNull()) {
       const dg::Attribute* attribute = node.findAttribute(step.name);
-      result.plug = attribute ? startAt(node, attribute, instance)
-                              : node.graph().findAlias(node, step.name);
+      result.plug =
+          attribute ? startAt(node, attribute, instance) : node.graph().findAlias(node, step.name);
     } else {
       if (result.plug.isArray()) result.plug = elementFor(result.plug, instance);
       const dg::Attribute* child = below(*result.plug.attribute(), step.name);
@@ -105,8 +105,8 @@ MaPlug findPlug(dg::Node& node, std::string_view path, Index instance) {
 dg::Plug findEnd(dg::Node& node, std::string_view path, Index instance) {
   const MaPlug found = findPlug(node, path, instance);
   if (found.plug.isNull()) return {};
-  if (found.first != kNone) return found.first == found.last ? found.plug.element(found.first)
-                                                             : dg::Plug();
+  if (found.first != kNone)
+    return found.first == found.last ? found.plug.element(found.first) : dg::Plug();
   if (found.plug.isArray() && isInstanced(*found.plug.attribute()))
     return found.plug.element(instance);
   return found.plug;

@@ -20,9 +20,8 @@ using dg::Plug;
 
 /// Default nodes that files make anew; the others they select.
 bool isMadeByFiles(const Node& node) {
-  static constexpr std::string_view kTypes[] = {"lightLinker", "displayLayerManager",
-                                                "displayLayer", "renderLayerManager",
-                                                "renderLayer"};
+  static constexpr std::string_view kTypes[] = {
+      "lightLinker", "displayLayerManager", "displayLayer", "renderLayerManager", "renderLayer"};
   return scene::isDagNode(node) || !node.isDefault() ||
          std::ranges::find(kTypes, node.type().name) != std::end(kTypes);
 }
@@ -121,8 +120,8 @@ class Writer {
         Node* source = feed.source.node();
         const bool isHistory =
             !source->type().existsWithoutOutputs || source->type().isA("polyBase") ||
-            (source->type().isA("mesh") && dg::equal(graph_.stored(source->plug("intermediateObject")),
-                                                     std::int64_t{1}));
+            (source->type().isA("mesh") &&
+             dg::equal(graph_.stored(source->plug("intermediateObject")), std::int64_t{1}));
         if (!isHistory || feeders_.count(source) != 0 || baked_.count(source) != 0 ||
             isGroup(feed) || !feedsOnlyBaked(*source))
           continue;
@@ -166,16 +165,17 @@ class Writer {
 
   void writeHeader() {
     out() += fmt::format("//Maya ASCII {} scene\n//Name: {}\n", options_.version, options_.name);
-    if (!options_.modified.empty()) out() += fmt::format("//Last modified: {}\n", options_.modified);
+    if (!options_.modified.empty())
+      out() += fmt::format("//Last modified: {}\n", options_.modified);
     out() += fmt::format("//Codeset: UTF-8\nrequires maya \"{}\";\n", options_.version);
     std::unordered_set<std::string_view> stated;
     for (const auto* all : {&options_.requirements, &kept_.requirements})
       for (const std::string& each : *all)
         if (stated.insert(each).second) out() += each + ";\n";
     const scene::Units& units = document_.units();
-    out() += fmt::format("currentUnit -l {} -a {} -t {};\n",
-                         scene::linearUnitName(units.linear, true),
-                         scene::angularUnitName(units.angular, true), units.time);
+    out() +=
+        fmt::format("currentUnit -l {} -a {} -t {};\n", scene::linearUnitName(units.linear, true),
+                    scene::angularUnitName(units.angular, true), units.time);
     for (const auto& [keyword, value] : document_.fileInfo) {
       out() += "fileInfo ";
       appendQuoted(out(), keyword);
@@ -198,6 +198,9 @@ class Writer {
       writer.leaveOut(nodes::kMeshOverrideAttribute);
       if (baked_.count(&node) != 0) writer.leaveOut("pnts");
     }
+    if (options_.leavesOut && !node.type().pluginName.empty())
+      for (const dg::AttributePtr& attribute : node.type().attributes())
+        if (options_.leavesOut(node.plug(attribute.get()))) writer.leaveOut(attribute->longName);
     HOST_TRY(writer.write(out()));
     if (isMesh) HOST_TRY(writeMesh(node));
     if (const MaKept::Node* kept = kept_.find(node))
@@ -215,7 +218,8 @@ class Writer {
                       node.name()));
     auto mesh = isBaked ? nodes::evaluatedMesh(node) : nodes::untweakedMesh(node);
     if (!mesh) return failWith(std::move(mesh).error());
-    if (auto done = appendMesh(out(), *mesh, scene::centimetersPer(document_.units().linear)); !done)
+    if (auto done = appendMesh(out(), *mesh, scene::centimetersPer(document_.units().linear));
+        !done)
       return fail("'{}' cannot be saved: {}", node.name(), done.error().message);
     return {};
   }
@@ -281,8 +285,8 @@ class Writer {
       if (isWritten_.count(connection.destination.node()) == 0 || isCut(connection) ||
           isLink(connection.destination))
         continue;
-      const bool areLayers = isMadeByFiles(node) && node.isDefault() &&
-                             isMadeByFiles(*connection.destination.node());
+      const bool areLayers =
+          isMadeByFiles(node) && node.isDefault() && isMadeByFiles(*connection.destination.node());
       if (!areLayers && isFresh(connection)) continue;
       const bool isLocked = graph_.flag(connection.destination, dg::Graph::PlugFlag::Locked);
       out() += fmt::format("connectAttr{} \"{}\" \"{}\";\n", isLocked ? " -l on" : "",
@@ -326,9 +330,9 @@ class Writer {
               isWritten_.count(lightSource.node()) == 0 ||
               isWritten_.count(objectSource.node()) == 0)
             continue;
-          out() += fmt::format("relationship \"{}\" \"{}\" \"{}.message\" \"{}.message\";\n", kind,
-                               nameOf(*node), nameOf(*objectSource.node()),
-                               nameOf(*lightSource.node()));
+          out() +=
+              fmt::format("relationship \"{}\" \"{}\" \"{}.message\" \"{}.message\";\n", kind,
+                          nameOf(*node), nameOf(*objectSource.node()), nameOf(*lightSource.node()));
         }
       }
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -10,13 +11,15 @@
 namespace host::io {
 
 struct MaWriteOptions {
-  std::string name;      ///< of the file, for its first and last lines
-  std::string modified;  ///< date and time for the header; empty: no such line
-  std::string version;   ///< of the host, for the header and `requires`
+  std::string name;                       ///< of the file, for its first and last lines
+  std::string modified;                   ///< date and time for the header; empty: no such line
+  std::string version;                    ///< of the host, for the header and `requires`
   std::vector<std::string> requirements;  ///< `requires` statements of plug-ins in use
   /// Writes these nodes alone, with what lies above them in the hierarchy; null: the whole scene.
   const std::vector<dg::Node*>* only = nullptr;
   bool withHistory = true;  ///< false: meshes as they are seen, without what made them
+  /// Asked of the attributes of plug-in nodes: true leaves one out. Empty: all are written.
+  std::function<bool(const dg::Plug&)> leavesOut = {};
 };
 
 struct MaText {

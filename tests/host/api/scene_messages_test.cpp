@@ -26,7 +26,9 @@ void hear(void* data) {
   listener->heard->text += listener->letter;
   if (MFileIO::isOpeningFile()) listener->heard->text += '+';
 }
-void ask(bool* mayGoOn, void* data) { *mayGoOn = static_cast<Heard*>(data)->mayGoOn; }
+void ask(bool* mayGoOn, void* data) {
+  *mayGoOn = static_cast<Heard*>(data)->mayGoOn;
+}
 
 }  // namespace
 
@@ -37,11 +39,11 @@ TEST_CASE("scene messages: every station of opening, importing, saving and empty
   std::vector<Listener> listeners;
   listeners.reserve(12);
   const std::pair<MSceneMessage::Message, char> kMessages[] = {
-      {MSceneMessage::kBeforeNew, 'n'},    {MSceneMessage::kAfterNew, 'N'},
-      {MSceneMessage::kBeforeOpen, 'o'},   {MSceneMessage::kAfterOpen, 'O'},
-      {MSceneMessage::kBeforeImport, 'i'}, {MSceneMessage::kAfterImport, 'I'},
-      {MSceneMessage::kBeforeSave, 's'},   {MSceneMessage::kAfterSave, 'S'},
-      {MSceneMessage::kBeforeExport, 'e'}, {MSceneMessage::kAfterExport, 'E'},
+      {MSceneMessage::kBeforeNew, 'n'},      {MSceneMessage::kAfterNew, 'N'},
+      {MSceneMessage::kBeforeOpen, 'o'},     {MSceneMessage::kAfterOpen, 'O'},
+      {MSceneMessage::kBeforeImport, 'i'},   {MSceneMessage::kAfterImport, 'I'},
+      {MSceneMessage::kBeforeSave, 's'},     {MSceneMessage::kAfterSave, 'S'},
+      {MSceneMessage::kBeforeExport, 'e'},   {MSceneMessage::kAfterExport, 'E'},
       {MSceneMessage::kBeforeFileRead, 'r'}, {MSceneMessage::kAfterFileRead, 'R'}};
   MCallbackIdArray ids;
   for (const auto& [message, letter] : kMessages) {
@@ -69,7 +71,8 @@ TEST_CASE("scene messages: every station of opening, importing, saving and empty
   CHECK(scene.run("objExists part_box").toInt().value_or(0) == 1);
   CHECK_FALSE(MFileIO::isReadingFile());
 
-  const MCallbackId check = MSceneMessage::addCheckCallback(MSceneMessage::kBeforeNewCheck, ask, &heard);
+  const MCallbackId check =
+      MSceneMessage::addCheckCallback(MSceneMessage::kBeforeNewCheck, ask, &heard);
   heard.mayGoOn = false;
   CHECK(MFileIO::newFile(true) != MStatus::kSuccess);
   CHECK(said().empty());
@@ -78,7 +81,8 @@ TEST_CASE("scene messages: every station of opening, importing, saving and empty
   MMessage::removeCallbacks(ids);
 }
 
-TEST_CASE("scene files: opening one loads the plug-ins it asks for; without them its nodes are kept") {
+TEST_CASE(
+    "scene files: opening one loads the plug-ins it asks for; without them its nodes are kept") {
   const host::MessageCapture quiet;
   const std::filesystem::path folder = std::filesystem::path(QXMT_BINARY_DIR) / "scene_messages";
   std::filesystem::create_directories(folder);

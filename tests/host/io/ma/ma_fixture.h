@@ -30,7 +30,9 @@ struct MaScene : nodes::test::Scene {
     return *std::move(loaded);
   }
   std::string save() {
-    const auto text = formatMa(*document, kept, {.name = "scene.ma", .modified = {}, .version = "2024", .requirements = {}});
+    const auto text =
+        formatMa(*document, kept,
+                 {.name = "scene.ma", .modified = {}, .version = "2024", .requirements = {}});
     if (!text) FAIL(text.error().message);
     return text->text;
   }

@@ -46,9 +46,9 @@ applyMetadata -fmt "raw" -scn;
        {"requires \"someShaders\" \"1.2\";\n", "dataStructure -fmt \"raw\" -as \"name=table\";\n",
         "createNode strangeGroup -n \"group7\" -p \"box\";\n",
         "createNode strangeShape -n \"below\" -p \"group7\";\n",
-        "\tsetAttr \".glow\" -type \"float3\" 1 0 0.5 ;\n", "createNode strangeShader -n \"shader1\";\n",
-        "\tsetAttr \".more\" 5;\n", "\tsetAttr \".w[0:2]\"  1 0.5 2;\n",
-        "{\"a\",\"weight[0]\",\"b\",\"weight[1]\"} ;\n",
+        "\tsetAttr \".glow\" -type \"float3\" 1 0 0.5 ;\n",
+        "createNode strangeShader -n \"shader1\";\n", "\tsetAttr \".more\" 5;\n",
+        "\tsetAttr \".w[0:2]\"  1 0.5 2;\n", "{\"a\",\"weight[0]\",\"b\",\"weight[1]\"} ;\n",
         "select -ne :strangeDefaults;\n\tsetAttr \".x\" 4;\n",
         "connectAttr \"shader1.out\" \"boxShape.i\";\n",
         "connectAttr \"boxShape.w\" \"shader1.ip[0].ig\";\n",
@@ -75,7 +75,8 @@ applyMetadata -fmt "raw" -scn;
 
 TEST_CASE("loaded scenes: connections find elements, instances and nodes of the same name") {
   MaScene scene;
-  CHECK(scene.open(R"(createNode transform -n "a";
+  CHECK(scene
+            .open(R"(createNode transform -n "a";
 createNode transform -n "part" -p "a";
 createNode mesh -n "partShape" -p "part";
 createNode transform -n "b";
@@ -90,7 +91,8 @@ connectAttr "|b|part|partShape.iog" "set1.dsm" -na;
 connectAttr "|a|part|partShape.iog" "set1.dsm" -na;
 connectAttr "|b|part.tx" "a.ty" -l on;
 // End
-)").warnings.empty());
+)")
+            .warnings.empty());
   CHECK(scene.mesh("|b|part|partShape").vertexCount() == 8);
   CHECK(scene.graph().source(scene.plug("set1.dagSetMembers[0]")) ==
         scene.plug("partShape.instObjGroups[1]"));
@@ -133,7 +135,8 @@ connectAttr "boxShape.iog" ":initialShadingGroup.dsm" -na;
   CHECK(scene->units().linear == scene::LinearUnit::Centimeter);
   REQUIRE(scene.load(text, {.isImport = true, .clashPrefix = {}, .nameSpace = "props"}));
   CHECK(scene.mesh("props:boxShape").vertexCount() == 8);
-  REQUIRE(scene.load(text, {.isImport = true, .clashPrefix = "p", .renamesAll = true, .nameSpace = {}}));
+  REQUIRE(scene.load(text,
+                     {.isImport = true, .clashPrefix = "p", .renamesAll = true, .nameSpace = {}}));
   CHECK(scene->nodesNamed("p_fresh").size() == 1);
 }
 

@@ -78,9 +78,12 @@ TEST_CASE("scene files: a stored cube is the cube that its rows say") {
   CHECK(std::ranges::equal(mesh.invisibleFaces(), std::vector<FaceId>{2}));
 }
 
-TEST_CASE("scene files: rows may come in chunks, with carriage returns, in any unit, by exponents") {
-  std::string text = replaced(kCube, "setAttr -s 8 \".vt[0:7]\"", "setAttr -s 8 \".vt\";\n\tsetAttr \".vt[0:3]\"");
-  text = replaced(text, "\n\t\t -0.5 0.5 -0.5 0.5 0.5 -0.5 ", ";\n\tsetAttr \".vt[4:7]\" -5e-001 +0.5 -.5 0.5 0.5 -0.5 ");
+TEST_CASE(
+    "scene files: rows may come in chunks, with carriage returns, in any unit, by exponents") {
+  std::string text =
+      replaced(kCube, "setAttr -s 8 \".vt[0:7]\"", "setAttr -s 8 \".vt\";\n\tsetAttr \".vt[0:3]\"");
+  text = replaced(text, "\n\t\t -0.5 0.5 -0.5 0.5 0.5 -0.5 ",
+                  ";\n\tsetAttr \".vt[4:7]\" -5e-001 +0.5 -.5 0.5 0.5 -0.5 ");
   text = replaced(text, "setAttr -s 6 -ch 24 \".fc[0:5]\" -type \"polyFaces\" ",
                   "setAttr -s 6 -ch 24 \".fc\";\n\tsetAttr \".fc[0]\" -type \"polyFaces\" ");
   text = replaced(text, "mu 0 4 0 1 3 2\n", "mu 0 4 0 1 3 2;\n\tsetAttr \".fc[1:5]\"\n");

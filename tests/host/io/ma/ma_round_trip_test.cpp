@@ -1,10 +1,10 @@
 #include <fstream>
 #include <sstream>
 
-#include "tests/host/io/ma/ma_fixture.h"
-#include "tests/zoo/mesh_zoo.h"
 #include "host/mesh/check.h"
 #include "host/mesh/hash.h"
+#include "tests/host/io/ma/ma_fixture.h"
+#include "tests/zoo/mesh_zoo.h"
 
 using namespace host;
 using io::test::MaScene;
@@ -50,8 +50,7 @@ TEST_CASE("saved scenes: every zoo mesh comes back bit for bit") {
         REQUIRE(mesh.cornerUv(s, c) == each.mesh.cornerUv(s, c));
     }
     REQUIRE(mesh.colorSetCount() == each.mesh.colorSetCount());
-    for (int s = 0; s < mesh.colorSetCount(); ++s)
-      CHECK(mesh.colorSet(s) == each.mesh.colorSet(s));
+    for (int s = 0; s < mesh.colorSetCount(); ++s) CHECK(mesh.colorSet(s) == each.mesh.colorSet(s));
     CHECK(std::ranges::equal(mesh.invisibleFaces(), each.mesh.invisibleFaces()));
     for (CornerId c = 0; c < mesh.cornerCount(); ++c) {
       REQUIRE(mesh.isNormalLocked(c) == each.mesh.isNormalLocked(c));
@@ -78,7 +77,8 @@ TEST_CASE("saved scenes: history, tweaks, sets, instances and units come back") 
     scene.make("mesh", "ballShape", &ball);
     scene.make("polySphere", "polySphere1");
     scene.set("polySphere1.radius", 1.37);
-    REQUIRE(scene.graph().connect(scene.plug("polySphere1.output"), scene.plug("ballShape.inMesh")));
+    REQUIRE(
+        scene.graph().connect(scene.plug("polySphere1.output"), scene.plug("ballShape.inMesh")));
     scene.setVec3("ball.translate", {1.0 / 3, -2e-7, 1e6 / 7});
     scene.setVec3("ball.rotate", {0.1, 1.2345678901234567, -3});
     auto points = nodes::pointsIn(scene.path("ballShape"), nodes::Space::Object);
@@ -103,7 +103,8 @@ TEST_CASE("saved scenes: history, tweaks, sets, instances and units come back") 
     REQUIRE(nodes::addToSet(*scene.document, group, scene.list("|left|inner|innerShape")));
     // Switches, added attributes, names for attributes.
     auto added = scene.graph().addAttribute(
-        ball, dg::makeTriple("windDirection", "wd", dg::AttributeType::Double, "double3", {0, 1, 0}));
+        ball,
+        dg::makeTriple("windDirection", "wd", dg::AttributeType::Double, "double3", {0, 1, 0}));
     REQUIRE(added);
     auto mood = dg::makeEnum("mood", "mood", {{"calm", 0}, {"wild", 5}});
     mood->keyable = true;
@@ -114,7 +115,8 @@ TEST_CASE("saved scenes: history, tweaks, sets, instances and units come back") 
     REQUIRE(scene.graph().addAttribute(ball, note));
     scene.set("ball.note", std::string("tab\there \\ \"there\"\r\n"));
     REQUIRE(scene.graph().setAlias(scene.plug("ball.windDirectionX"), "gust"));
-    REQUIRE(scene.graph().setFlag(scene.plug("ball.translateX"), dg::Graph::PlugFlag::Locked, true));
+    REQUIRE(
+        scene.graph().setFlag(scene.plug("ball.translateX"), dg::Graph::PlugFlag::Locked, true));
     REQUIRE(scene.graph().setFlag(scene.plug("ball.scaleX"), dg::Graph::PlugFlag::Keyable, false));
     scene.set("persp.visibility", std::int64_t{1});
     REQUIRE(scene.graph().setNodeLocked(set, true));
@@ -153,8 +155,9 @@ TEST_CASE("saved scenes: edits on top of history are saved as they are seen") {
   edited.setEdgeSmooth(3, false);
   REQUIRE(nodes::setEvaluatedMesh(shape, edited));
 
-  const auto text = io::formatMa(*scene.document, scene.kept,
-                                 {.name = "a.ma", .modified = {}, .version = "2016", .requirements = {}});
+  const auto text =
+      io::formatMa(*scene.document, scene.kept,
+                   {.name = "a.ma", .modified = {}, .version = "2016", .requirements = {}});
   REQUIRE(text);
   CHECK(text->warnings.size() == 1);
   MaScene opened;
@@ -171,8 +174,9 @@ TEST_CASE("saved scenes: what no file can hold is refused by name") {
   mesh::Mesh bad = zoo::zooMesh("cube");
   bad.editPoints()[2].x = std::numeric_limits<float>::quiet_NaN();
   REQUIRE(nodes::setStoredMesh(shape, bad));
-  const auto text = io::formatMa(*scene.document, scene.kept,
-                                 {.name = "a.ma", .modified = {}, .version = "2016", .requirements = {}});
+  const auto text =
+      io::formatMa(*scene.document, scene.kept,
+                   {.name = "a.ma", .modified = {}, .version = "2016", .requirements = {}});
   REQUIRE_FALSE(text);
   CHECK(text.error().message.find("'badShape'") != std::string::npos);
 }
