@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <random>
 
 #include "host/mesh/adjacency.h"
 #include "host/mesh/check.h"
@@ -188,4 +189,44 @@ TEST_CASE("rebuild: detached faces get edges of their own, the survivors keep th
   CHECK(rebuilt.mesh.adjacency().isBorderEdge(rebuilt.mesh.adjacency().findEdge(low, high)));
   // The UVs stay welded: tearing them is a decision of its own.
   CHECK(rebuilt.mesh.uvSet(0).points.size() == 6);
+}
+
+TEST_CASE("rebuild: runs of copied faces give what listing every corner gives") {
+  std::mt19937 random(3);
+  for (const ZooMesh& zoo : meshZoo(Has::Faces)) {
+    CAPTURE(zoo.name);
+    for (int round = 0; round < 6; ++round) {
+      const Mesh& mesh = zoo.mesh;
+      const bool drops = round % 2 == 0, turnsAround = round >= 4;
+      MeshRebuilder runs(mesh), listed(mesh);
+      for (MeshRebuilder* rebuilder : {&runs, &listed}) rebuilder->keepAllVertices();
+      const VertexId extra = runs.addVertex({1, 2, 3}, 0);
+      CHECK(listed.addVertex({1, 2, 3}, 0) == extra);
+      for (FaceId i = 0; i < mesh.faceCount(); ++i) {
+        const FaceId f = turnsAround ? mesh.faceCount() - 1 - i : i;
+        const auto fate = random() % 3;
+        if (fate == 0 && round > 0) continue;
+        // One face in three gets another first vertex, so that its neighbours' data is told apart.
+        const bool isMoved = fate == 1;
+        const auto list = [&](MeshRebuilder& rebuilder) {
+          rebuilder.beginFace(f);
+          for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c)
+            rebuilder.addCorner(isMoved && c == mesh.firstCorner(f) ? extra : mesh.cornerVertex(c),
+                                c);
+          rebuilder.endFace();
+        };
+        list(listed);
+        if (isMoved)
+          list(runs);
+        else
+          runs.copyFace(f);
+      }
+      const Rebuilt a = runs.finish({.dropUnusedVertices = drops}),
+                    b = listed.finish({.dropUnusedVertices = drops});
+      CHECK(check(a.mesh).empty());
+      CHECK(a.mesh == b.mesh);
+      CHECK(a.vertexMap == b.vertexMap);
+      CHECK(a.edgeMap == b.edgeMap);
+    }
+  }
 }
