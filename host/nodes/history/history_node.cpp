@@ -80,6 +80,12 @@ const Attribute* HistoryContext::find(std::string_view attribute) const {
   return found;
 }
 
+Result<int> HistoryContext::choice(std::string_view attribute, int count) const {
+  const int value = integer(attribute);
+  if (value >= 0 && value < count) return value;
+  return fail("{} must be 0 to {}, not {}", attribute, count - 1, value);
+}
+
 void HistoryContext::makes(ComponentType type, std::vector<Index> ids) {
   // All of a large mesh takes no list to remember.
   const bool isAll = !ids.empty() && static_cast<Index>(ids.size()) == countOf(mesh, type);

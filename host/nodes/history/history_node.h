@@ -34,6 +34,8 @@ class HistoryContext {
   [[nodiscard]] int integer(std::string_view attribute) const {
     return static_cast<int>(block.integer(find(attribute)));
   }
+  /// One of `count` choices, from 0 on; other numbers are an error that names the attribute.
+  [[nodiscard]] Result<int> choice(std::string_view attribute, int count) const;
   [[nodiscard]] bool boolean(std::string_view attribute) const {
     return block.boolean(find(attribute));
   }

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <numbers>
 
 #include "host/nodes/history/history_node.h"
@@ -14,21 +13,25 @@ Result<void> mirror(HistoryContext& context) {
   using Flip = ops::MirrorOptions::FlipUvs;
   constexpr Join kJoins[] = {Join::Apart, Join::Weld, Join::Bridge};
   constexpr Flip kFlips[] = {Flip::None, Flip::U, Flip::V};
+  const auto join = context.choice("mergeMode", 3), flip = context.choice("flipUVs", 3);
+  if (!join) return failWith(join.error());
+  if (!flip) return failWith(flip.error());
   // Older scenes say both in one number: +X, -X, +Y, -Y, +Z, -Z.
   const int both = context.integer("direction");
   const int axis = both >= 0 ? both / 2 : context.integer("axis");
   const bool isNegative = (both >= 0 ? both % 2 : context.integer("axisDirection")) != 0;
+  if (axis < 0 || axis > 2) return fail("the mirror axis must be X, Y or Z");
   math::Vec3 normal;
-  normal[std::clamp(axis, 0, 2)] = isNegative ? -1 : 1;
+  normal[axis] = isNegative ? -1 : 1;
   ops::MirrorOptions options;
   options.origin = context.vec3("pivot");
   options.normal = normal;
   options.cut = context.boolean("cutMesh");
-  options.join = kJoins[std::clamp(context.integer("mergeMode"), 0, 2)];
+  options.join = kJoins[*join];
   constexpr double kAutomatic = 0.001;
   const bool isCustom = context.integer("mergeThresholdType") != 0;
   options.distance = isCustom ? context.real("mergeThreshold") : kAutomatic;
-  options.flipUvs = kFlips[std::clamp(context.integer("flipUVs"), 0, 2)];
+  options.flipUvs = kFlips[*flip];
   options.smoothingAngle = context.real("smoothingAngle");
   options.space = context.space();
   auto made = ops::mirrorMesh(context.mesh, options);

@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "host/nodes/history/history_node.h"
 #include "host/nodes/history/modelling_nodes.h"
 #include "host/ops/topology/normals.h"
@@ -13,8 +11,10 @@ void registerPolyNormal(dg::TypeRegistry& types) {
           {"Reverse", "Unlock", "Conform", "Reverse and extract", "Reverse and propagate"}))
       .parameter(boolean("userNormalMode", "unm", true))
       .operation([](HistoryContext& context) -> Result<void> {
-        const auto mode = static_cast<ops::NormalMode>(std::clamp(context.integer("normalMode"), 0, 4));
-        const auto done = ops::changeNormals(context.mesh, context.faces(), mode);
+        const auto mode = context.choice("normalMode", 5);
+        if (!mode) return failWith(mode.error());
+        const auto done = ops::changeNormals(context.mesh, context.faces(),
+                                             static_cast<ops::NormalMode>(*mode));
         return done ? Result<void>() : failWith(done.error());
       });
 }

@@ -21,6 +21,7 @@ Result<void> moveCentres(mesh::Mesh& mesh, const mesh::Mesh& before,
     const math::Frame frame =
         math::frameFromNormal(math::transformPoint(math::Vec3(point), space), normal);
     point = math::transformPoint(frame.toWorld(by), *back).toFloat();
+    if (!math::isFinite(math::Vec3(point))) return fail("the centres would end at infinity");
   }
   return {};
 }

@@ -6,9 +6,12 @@ namespace host::nodes {
 
 namespace {
 
-ops::SmoothOptions smoothOptions(const HistoryContext& context) {
+Result<ops::SmoothOptions> smoothOptions(const HistoryContext& context) {
   constexpr int kLinear = 1;
   using Borders = ops::SmoothOptions::MapBorders;
+  constexpr Borders kBorders[] = {Borders::Smooth, Borders::Keep, Borders::KeepAll};
+  const auto borders = context.choice("keepMapBorders", 3);
+  if (!borders) return failWith(borders.error());
   ops::SmoothOptions options;
   const bool isLinear = context.integer("method") == kLinear;
   options.divisions = context.integer(isLinear ? "subdivisionLevels" : "divisions");
@@ -18,16 +21,7 @@ ops::SmoothOptions smoothOptions(const HistoryContext& context) {
   options.keepHardEdges = context.boolean("keepHardEdge");
   options.propagateHardness = context.boolean("propagateEdgeHardness");
   options.smoothUVs = context.boolean("smoothUVs");
-  switch (context.integer("keepMapBorders")) {
-    case 0:
-      options.mapBorders = Borders::Smooth;
-      break;
-    case 1:
-      options.mapBorders = Borders::Keep;
-      break;
-    default:
-      options.mapBorders = Borders::KeepAll;
-  }
+  options.mapBorders = kBorders[*borders];
   return options;
 }
 
@@ -57,7 +51,9 @@ void registerPolySmoothFace(dg::TypeRegistry& types) {
       .parameter(boolean("osdSmoothTriangles", "ost"))
       .parameter(integer("osdCreaseMethod", "ocr"))
       .operation([](HistoryContext& context) -> Result<void> {
-        auto made = ops::smoothMesh(context.mesh, context.faces(), smoothOptions(context));
+        const auto options = smoothOptions(context);
+        if (!options) return failWith(options.error());
+        auto made = ops::smoothMesh(context.mesh, context.faces(), *options);
         if (!made) return failWith(made.error());
         context.makes(scene::ComponentType::Face, std::move(made->faces));
         return {};

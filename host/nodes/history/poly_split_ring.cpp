@@ -12,9 +12,11 @@ namespace {
 Result<void> split(HistoryContext& context) {
   using Spacing = ops::SplitRingOptions::Spacing;
   constexpr Spacing kSpacings[] = {Spacing::Absolute, Spacing::Relative, Spacing::Even};
+  const auto type = context.choice("splitType", 3);
+  if (!type) return failWith(type.error());
   const std::vector<EdgeId> edges = context.edges();
   ops::SplitRingOptions options;
-  options.spacing = kSpacings[std::clamp(context.integer("splitType"), 0, 2)];
+  options.spacing = kSpacings[*type];
   options.weight = context.real("weight");
   options.divisions = context.integer("divisions");
   options.isReversed = context.integer("direction") == 0;
