@@ -70,6 +70,11 @@ class SumNode : public MPxNode {
     return true;
   }
   void copyInternalData(MPxNode* original) override { level_ = static_cast<SumNode*>(original)->level_; }
+  MStatus shouldSave(const MPlug& plug, bool& isSaved) override {
+    if (plug != untracked) return MS::kUnknownParameter;
+    isSaved = false;
+    return MS::kSuccess;
+  }
   MStatus legalConnection(const MPlug& plug, const MPlug&, bool asSrc, bool& isLegal) const override {
     if (asSrc || plug != scale) return MS::kUnknownParameter;
     isLegal = false;

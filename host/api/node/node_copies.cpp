@@ -1,11 +1,9 @@
 #include "host/api/node/node_copies.h"
 
-#include <exception>
-
 #include "host/api/message/callbacks.h"
 #include "host/api/node/px_node.h"
-#include "host/base/messages.h"
 #include "host/builtins/dag/duplicate_hooks.h"
+#include "host/builtins/file/scene_hooks.h"
 
 namespace host::api {
 namespace {
@@ -19,14 +17,21 @@ void copyInternal(dg::Node& original, dg::Node& copy) {
   MPxNode* from = userNodeOf(original);
   MPxNode* to = userNodeOf(copy);
   if (!from || !to) return;
-  try {
+  const auto call = [&] {
     to->copyInternalData(from);
-  } catch (const std::exception& exception) {
-    postMessage(MessageKind::Error,
-                fmt::format("copyInternalData of '{}' threw an exception: {}", copy.name(), exception.what()));
-  } catch (...) {
-    postMessage(MessageKind::Error, fmt::format("copyInternalData of '{}' threw an exception", copy.name()));
-  }
+    return true;
+  };
+  fenced(copy, "copyInternalData", call, false);
+}
+
+/// Nodes that have no opinion say that the call is unknown to them.
+bool leavesOut(const dg::Plug& plug) {
+  MPxNode* object = userNodeOf(*plug.node());
+  if (!object) return false;
+  bool isSaved = true;
+  const auto ask = [&] { return object->shouldSave(wrap(plug), isSaved); };
+  const MStatus status = fenced(*plug.node(), "shouldSave", ask, MStatus(MStatus::kUnknownParameter));
+  return status == MStatus::kSuccess && !isSaved;
 }
 
 }  // namespace
@@ -36,6 +41,7 @@ void installNodeCopies(cmd::Session& session) {
   hooks.before = [] { tell(CallbackKind::BeforeDuplicate); };
   hooks.after = [] { tell(CallbackKind::AfterDuplicate); };
   hooks.copied = copyInternal;
+  session.service<builtins::SaveHooks>().leavesOut = leavesOut;
 }
 
 }  // namespace host::api

@@ -2,8 +2,6 @@
 #include <maya/MPlugArray.h>
 #include <maya/MPxLocatorNode.h>
 
-#include <exception>
-
 #include "host/api/data/data_handle.h"
 #include "host/api/node/px_node.h"
 #include "host/base/messages.h"
@@ -15,19 +13,6 @@ namespace {
 using dg::Computed;
 using dg::Node;
 using dg::Plug;
-
-/// Calls into a plug-in's object; what it throws becomes a message.
-template <class Call>
-auto fenced(const Node& node, const char* what, const Call& call, decltype(call()) otherwise) -> decltype(call()) {
-  try {
-    return call();
-  } catch (const std::exception& exception) {
-    postMessage(MessageKind::Error, fmt::format("{} of '{}' threw an exception: {}", what, node.name(), exception.what()));
-  } catch (...) {
-    postMessage(MessageKind::Error, fmt::format("{} of '{}' threw an exception", what, node.name()));
-  }
-  return otherwise;
-}
 
 /// A type's hooks are asked along the chain of base types; the object's own virtual functions settle what a derived
 /// class overrides, so only the hook of the node's own type acts.

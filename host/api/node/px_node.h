@@ -3,10 +3,12 @@
 #include <maya/MFnPlugin.h>
 #include <maya/MPxNode.h>
 
+#include <exception>
 #include <string>
 #include <unordered_set>
 
 #include "host/api/core/access.h"
+#include "host/base/messages.h"
 
 namespace host::api {
 
@@ -31,6 +33,19 @@ struct NodeClass {
 
 /// The plug-in's object of a node, made on first use; null for built-in types and when the plug-in made none.
 [[nodiscard]] MPxNode* userNodeOf(dg::Node& node);
+
+/// Calls into a plug-in's object; what it throws becomes a message, and `otherwise` the answer.
+template <class Call>
+auto fenced(const dg::Node& node, const char* what, const Call& call, decltype(call()) otherwise) -> decltype(call()) {
+  try {
+    return call();
+  } catch (const std::exception& exception) {
+    postMessage(MessageKind::Error, fmt::format("{} of '{}' threw an exception: {}", what, node.name(), exception.what()));
+  } catch (...) {
+    postMessage(MessageKind::Error, fmt::format("{} of '{}' threw an exception", what, node.name()));
+  }
+  return otherwise;
+}
 
 /// Lets a type's behaviour be that of its nodes' objects.
 void installHooks(dg::NodeType& type);

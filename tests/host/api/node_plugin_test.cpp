@@ -71,6 +71,15 @@ TEST_CASE_FIXTURE(Plugged, "plug-in node: dirtiness beyond the declared, interna
   CHECK(wasSaid("no such sum"));
 }
 
+TEST_CASE_FIXTURE(Plugged, "plug-in node: scene files leave out what it does not want saved") {
+  const std::string file = "\"" QXMT_BINARY_DIR "/leaves_out.ma\"";
+  run("file -f -new; createNode sumNode -n s; setAttr s.untracked 4; setAttr s.sumScale 5");
+  run("file -rename " + file + "; file -f -save -type \"mayaAscii\"; file -f -open " + file);
+  CHECK(number("getAttr s.sumScale") == 5);
+  CHECK(number("getAttr s.untracked") == 0);
+  run("file -f -new");
+}
+
 TEST_CASE_FIXTURE(Plugged, "modifier: undo and redo are exact, a failing step takes back all") {
   scene::Document& document = session->document();
   run("polyCube");
