@@ -6,19 +6,25 @@ namespace host::builtins {
 
 namespace {
 
-Result<void> deleteHistoryOf(scene::Document& document, const scene::SelectionList& list) {
-  for (const scene::SelectionItem& item : list.items()) {
-    if (!item.isDag()) continue;
-    for (const scene::DagPath& path : nodes::meshPaths(item.path))
-      if (nodes::hasHistory(*path.node())) HOST_TRY(nodes::deleteHistory(document, *path.node()));
-  }
+Result<void> deleteHistoryBelow(scene::Document& document, const scene::DagPath& path) {
+  for (const scene::DagPath& shape : nodes::meshPaths(path))
+    if (nodes::hasHistory(*shape.node())) HOST_TRY(nodes::deleteHistory(document, *shape.node()));
+  // A copy: hidden originals go with the history that they began.
+  const std::vector<scene::Node*> children = scene::dagLinks(*path.node()).children;
+  for (scene::Node* child : children)
+    if (scene::isTransform(*child)) HOST_TRY(deleteHistoryBelow(document, path.child(child)));
   return {};
 }
 
-scene::SelectionList everyMesh(scene::Document& document) {
+Result<void> deleteHistoryOf(scene::Document& document, const scene::SelectionList& list) {
+  for (const scene::SelectionItem& item : list.items())
+    if (item.isDag() && item.node->isAlive()) HOST_TRY(deleteHistoryBelow(document, item.path));
+  return {};
+}
+
+scene::SelectionList everything(const scene::Document& document) {
   scene::SelectionList list;
-  for (const dg::NodePtr& node : document.graph().nodes())
-    if (node->type().isA("mesh")) list.add(node);
+  for (const scene::Node* node : document.worldChildren()) list.add(scene::firstPath(*node));
   return list;
 }
 
@@ -27,7 +33,7 @@ CommandResult deleteObjects(Context& context, const ParsedArgs& args) {
   auto list = args.resolveObjects(document);
   if (!list) return failWith(std::move(list.error()));
   if (args.has("constructionHistory")) {
-    HOST_TRY(deleteHistoryOf(document, args.has("all") ? everyMesh(document) : *list));
+    HOST_TRY(deleteHistoryOf(document, args.has("all") ? everything(document) : *list));
     return mel::Value();
   }
   if (args.has("all")) {

@@ -13,6 +13,8 @@ constexpr RuntimeCommand kCommands[] = {
     {"Undo", "undo"},
     {"Redo", "redo"},
     {"Duplicate", "duplicate -rr"},
+    {"DeleteHistory", "delete -ch"},
+    {"DeleteAllHistory", "delete -all -ch"},
     {"Group", "group"},
     {"SelectAll", "select -ado"},
     {"FreezeTransformations", "makeIdentity -apply 1 -t 1 -r 1 -s 1 -n 0 -pn 1"},
