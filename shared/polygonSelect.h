@@ -40,11 +40,11 @@ class polygonSelect {
   /// A vertex within kVertexTolerance comes before an edge within kEdgeTolerance, and that before the face the pixel lies
   /// on; `type` narrows that to one kind. Among several vertices or edges the nearest in depth wins; depths that differ by
   /// less than the tolerance shows there count as one, and then the nearest to the pixel wins, then the lower index. In
-  /// a shaded view what the mesh itself hides is not picked, unless the view sees through it; other objects hide
-  /// nothing. Components without faces are not found.
+  /// a shaded view what the mesh itself or another mesh hides is not picked, unless the view sees through them.
+  /// Components without faces are not found.
   ///
-  /// Looks along some forty rays around the pixel, for faces alone along one, so it costs the logarithm of the mesh: good
-  /// for every step of a hover. Vertices and edges that lie between the rays, of faces narrower than 3 pixels that stand alone, may be missed.
+  /// Looks along some forty rays around the pixel, for faces alone along one, so it costs the logarithm of the mesh, and in a
+  /// shaded view a box for each mesh of the scene: good for every step of a hover. Vertices and edges that lie between the rays, of faces narrower than 3 pixels that stand alone, may be missed.
   /// @param found the edge's point is its place nearest to the pixel; nothing under the cursor leaves an index of -1
   /// @return failure for a view without a camera and a path that is gone; nothing under the cursor is a success
   MStatus componentUnderCursor(const M3dView& view, int x, int y, const MDagPath& mesh, int type,

@@ -13,16 +13,10 @@
 
 #include "shared/indexArrays.h"
 #include "shared/polygonSelect.h"
+#include "shared/sightBlockers.h"
 #include "shared/viewProjector.h"
 
 namespace {
-
-/// A line of sight, from the near to the far clipping plane.
-struct sightLine {
-  MPoint start;
-  MVector direction;  ///< unit
-  double length = 0.0;
-};
 
 /// A vertex or edge within reach of the cursor.
 struct candidate {
@@ -40,7 +34,11 @@ class cursorPick {
     const M3dView::DisplayStyle style = view.displayStyle();
     isSolid = (style == M3dView::kFlatShaded || style == M3dView::kGouraudShaded) && !view.xray();
     accelerator = MFnMesh::autoUniformGridParams();
-    if (status == MS::kSuccess) lookAround(reach);
+    if (status != MS::kSuccess) return;
+    lookAround(reach);
+    sightLine line;
+    if (isSolid && !faces.empty() && sight(x, y, line))
+      blockers = sightBlockers(path, line, (reach + 1.0) * projector.worldPerPixel(farthest));
   }
 
   bool vertex(closestComponentRecord& found) const {
@@ -71,6 +69,7 @@ class cursorPick {
 
   bool face(closestComponentRecord& found) const {
     if (centreFace < 0) return false;
+    if (!isVisible({centreFace, centreHit, projector.project(centreHit).depth, 0.0})) return false;
     found.index = centreFace;
     found.point = centreHit;
     return true;
@@ -137,6 +136,7 @@ class cursorPick {
     double distance = 0.0;
     if ((isSolid || isCentre) && firstHit(line, line.length, point, face, distance)) {
       faces.push_back(face);
+      farthest = std::max(farthest, projector.project(point).depth);
       if (isCentre) {
         centreFace = face;
         centreHit = point;
@@ -220,7 +220,9 @@ class cursorPick {
     MPoint point;
     int face = -1;
     double blocked = 0.0;
-    return !firstHit(line, distance, point, face, blocked) || blocked >= distance - slack;
+    if (firstHit(line, distance, point, face, blocked) && blocked < distance - slack) return false;
+    line.length = distance - slack;
+    return !blockers.block(line);
   }
 
   bool best(std::vector<candidate>& near, double tolerance, closestComponentRecord& found) const {
@@ -249,6 +251,8 @@ class cursorPick {
   std::vector<int> faces;  ///< ascending, on the lines of sight
   int centreFace = -1;     ///< under the cursor itself
   MPoint centreHit;
+  double farthest = 0.0;   ///< depth of what the lines of sight met
+  sightBlockers blockers;  ///< of a view that shades
 };
 
 }  // namespace

@@ -97,6 +97,24 @@ TEST_CASE("history: a node goes in and out again, and the mesh is what it was, b
     }
 }
 
+TEST_CASE("history: in and out of every mesh in every pose, with a tweak on each vertex") {
+  historySession toolkit;
+  const mathHelper math;
+  for (const host::zoo::ZooMesh& zoo : host::zoo::meshZoo())
+    for (const char* pose : {"", kHardPoses[0], kHardPoses[1]}) {
+      CAPTURE(zoo.name);
+      const MDagPath path = showMesh(toolkit, zoo.mesh, pose);
+      for (int v = 0; v < zoo.mesh.vertexCount(); ++v)
+        toolkit.run("setAttr shapeShape.pnts[" + std::to_string(v) + "] 0.1 " + std::to_string(v * 0.37) + " -1e-6");
+      const std::uint64_t before = meshHash(toolkit, "shapeShape");
+      const MObject node = makeNode("liftNode"), tweak = makeNode("polyTweak");
+      REQUIRE(math.insertNodeInHistory(path, node, tweak));
+      CHECK(meshHash(toolkit, "shapeShape") == before);
+      REQUIRE(math.removeNodeFromHistory(path, node, tweak));
+      CHECK(meshHash(toolkit, "shapeShape") == before);
+    }
+}
+
 TEST_CASE("history: tweaks move in front of the node and only they; nodes stack up and leave from the middle") {
   historySession toolkit;
   const mathHelper math;

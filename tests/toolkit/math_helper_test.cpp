@@ -5,6 +5,7 @@
 
 #include <cmath>
 
+#include "host/builtins/view/tool_views.h"
 #include "host/builtins/view/views.h"
 #include "shared/mathHelper.h"
 #include "tests/toolkit/zoo_scene.h"
@@ -175,6 +176,24 @@ TEST_CASE("nearest edge on screen: as asking the view about every edge says") {
   CHECK(math.nearestEdgeOnScreen(M3dView::active3dView(), 0, 0, empty, &status) == -1);
 }
 
+TEST_CASE("nearest edge on screen: every mesh in every pose has one, or none where none shows") {
+  toolkitSession toolkit;
+  const mathHelper math;
+  activeView(toolkit).cameraName = "persp";
+  const M3dView view = M3dView::active3dView();
+  for (const host::zoo::ZooMesh& zoo : host::zoo::meshZoo())
+    for (const char* pose : {"", kHardPoses[0], kHardPoses[1], kHardPoses[2]}) {
+      CAPTURE(zoo.name);
+      const MDagPath path = showMesh(toolkit, zoo.mesh, pose);
+      MStatus status;
+      const int edge = math.nearestEdgeOnScreen(view, 300, 200, path, &status);
+      CHECK(status);
+      CHECK(edge < zoo.mesh.edgeCount());
+      // One of them is past the far clipping plane unless it is pressed flat.
+      if (zoo.name != "far away") CHECK((edge >= 0) == (zoo.mesh.edgeCount() > 0));
+    }
+}
+
 TEST_CASE("cursor: its pixel in the view that it is over, a failure elsewhere") {
   toolkitSession toolkit;
   const mathHelper math;
@@ -189,5 +208,18 @@ TEST_CASE("cursor: its pixel in the view that it is over, a failure elsewhere") 
   CHECK(y == 45);
   M3dView other;
   REQUIRE(M3dView::getM3dViewFromModelPanel("modelPanel1", other));
+  CHECK_FALSE(math.cursorPosition(other, x, y));
+  // The mouse goes over another view, and then out of it.
+  host::tools::InputEvent event;
+  event.kind = host::tools::InputKind::Move;
+  event.panel = "modelPanel1";
+  event.position = {30, 40};
+  const auto& pointerAt = host::builtins::toolsOf(*toolkit.session).views.pointerAt;
+  pointerAt(event);
+  CHECK_FALSE(math.cursorPosition(M3dView::active3dView(), x, y));
+  REQUIRE(math.cursorPosition(other, x, y));
+  CHECK(x == 30);
+  event.position.x = 100000;
+  pointerAt(event);
   CHECK_FALSE(math.cursorPosition(other, x, y));
 }

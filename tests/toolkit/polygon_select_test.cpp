@@ -145,6 +145,22 @@ TEST_CASE("pick: the front in a shaded view; a wireframe shows the back through,
   }
 }
 
+TEST_CASE("pick: other meshes that show hide what is behind them in a shaded view, and only there") {
+  toolkitSession toolkit;
+  toolkit.run("polyPlane -name shape -ax 0 0 1 -sx 2 -sy 2 -w 2 -h 2; polySphere -name ahead -r 0.3; polySphere -name behind -r 0.3;"
+              "setAttr ahead.translate -type double3 0 0 5; setAttr behind.translate -type double3 0 0 -5;");
+  M3dView view = frontView(toolkit);
+  const MDagPath path = toolkitSession::path("shape");
+  for (const int type : {1, 2, 3}) CHECK(pick(view, 250, 252, path, type).index == -1);
+  CHECK(pick(view, 350, 350, path).type == polygonSelect::kVertexType);
+  CHECK(pick(view, 281, 250, path).type == polygonSelect::kEdgeType);  // just beside the sphere
+  toolkit.run("setAttr ahead.visibility 0");
+  CHECK(pick(view, 250, 252, path).index == 4);
+  toolkit.run("setAttr ahead.visibility 1");
+  view.setDisplayStyle(M3dView::kWireFrame);
+  CHECK(pick(view, 250, 252, path).index == 4);
+}
+
 TEST_CASE("pick: in a dense mesh it finds what a look at every vertex finds, in perspective") {
   toolkitSession toolkit;
   toolkit.run("polySphere -name shape -r 5 -sx 120 -sy 80; setAttr shape.rz 25;");

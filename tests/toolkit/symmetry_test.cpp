@@ -181,3 +181,21 @@ TEST_CASE("selection centre: vertices of what is selected, each once a kind, ove
   CHECK_FALSE(poly.selectionCentre(centre));
   CHECK(centre == MPoint());
 }
+
+TEST_CASE("selection centre: of all vertices of every mesh, in every pose") {
+  toolkitSession toolkit;
+  const polyHelper poly;
+  for (const host::zoo::ZooMesh& zoo : host::zoo::meshZoo())
+    for (const char* pose : {"", kHardPoses[0], kHardPoses[2]}) {
+      CAPTURE(zoo.name);
+      showMesh(toolkit, zoo.mesh, pose);
+      const MPointArray points = toolkitSession::points("shape");
+      MVector sum;
+      for (unsigned int i = 0; i < points.length(); ++i) sum += MVector(points[i]);
+      MSelectionList whole;
+      whole.add("shape");
+      MPoint centre;
+      CHECK(poly.selectionCentre(whole, centre) == (points.length() > 0));
+      if (points.length() > 0) CHECK(centre.isEquivalent(MPoint(sum / points.length()), 1e-9));
+    }
+}
