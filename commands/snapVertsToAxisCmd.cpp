@@ -37,8 +37,9 @@ MStatus snapVertsToAxisCmd::doIt(const MArgList& arguments) {
 }
 
 void snapVertsToAxisCmd::clearAxis(MPointArray& points) const {
+  double MPoint::*const coordinate = axis == 0 ? &MPoint::x : axis == 1 ? &MPoint::y : &MPoint::z;
   for (unsigned int i = 0; i < vertexIds.length(); ++i)
-    points[static_cast<unsigned int>(vertexIds[i])][static_cast<unsigned int>(axis)] = 0.0;
+    points[static_cast<unsigned int>(vertexIds[i])].*coordinate = 0.0;
 }
 
 MStatus snapVertsToAxisCmd::redoIt() {

@@ -5,9 +5,13 @@
 #include <algorithm>
 
 #include "host/api/mesh/fn_mesh.h"
+#include "host/base/parallel.h"
 
 namespace host::api {
 namespace {
+
+/// Points for which a thread of their own is worth starting.
+constexpr std::size_t kGrain = 100'000;
 
 /// transformPoint for matrices without projection, so that loops over all points stay free of calls.
 [[gnu::always_inline]] inline math::Vec3 affinePoint(const math::Vec3& p, const math::Matrix4& a) {
@@ -28,22 +32,20 @@ MStatus fillPoints(const MFnMesh& set, MSpace::Space space, Array& array, Make m
   if (!status) return status;
   const auto points = data->mesh.points();
   auto* out = Access::overwrite(array, static_cast<unsigned int>(points.size()));
-  if (!toSpace) {
-    for (std::size_t i = 0; i < points.size(); ++i) out[i] = make(points[i].x, points[i].y, points[i].z);
-    return MStatus::kSuccess;
-  }
-  if (!math::isAffine(*toSpace)) {
-    for (std::size_t i = 0; i < points.size(); ++i) {
-      const math::Vec3 p = math::transformPoint(math::Vec3(points[i]), *toSpace);
-      out[i] = make(p.x, p.y, p.z);
-    }
-    return MStatus::kSuccess;
-  }
-  const math::Matrix4 matrix = *toSpace;
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    const math::Vec3 p = affinePoint(math::Vec3(points[i]), matrix);
-    out[i] = make(p.x, p.y, p.z);
-  }
+  const auto fill = [&](auto place) {
+    parallelFor(points.size(), kGrain, [&](std::size_t begin, std::size_t end) {
+      for (std::size_t i = begin; i < end; ++i) {
+        const math::Vec3 p = place(points[i]);
+        out[i] = make(p.x, p.y, p.z);
+      }
+    });
+  };
+  if (!toSpace)
+    fill([](const math::Vec3f& p) { return math::Vec3(p); });
+  else if (math::isAffine(*toSpace))
+    fill([matrix = *toSpace](const math::Vec3f& p) { return affinePoint(math::Vec3(p), matrix); });
+  else
+    fill([matrix = *toSpace](const math::Vec3f& p) { return math::transformPoint(math::Vec3(p), matrix); });
   return MStatus::kSuccess;
 }
 
@@ -63,8 +65,10 @@ MStatus storePoints(const MFnMesh& set, MSpace::Space space, const Array& given)
   std::vector<math::Vec3f> after(before.size());
   const auto* in = given.begin();
   if (!toSpace) {
-    for (std::size_t i = 0; i < after.size(); ++i)
-      after[i] = {static_cast<float>(in[i].x), static_cast<float>(in[i].y), static_cast<float>(in[i].z)};
+    parallelFor(after.size(), kGrain, [&](std::size_t begin, std::size_t end) {
+      for (std::size_t i = begin; i < end; ++i)
+        after[i] = {static_cast<float>(in[i].x), static_cast<float>(in[i].y), static_cast<float>(in[i].z)};
+    });
     return target.writePoints(std::move(after));
   }
   const auto wayBack = WayToObject::from(*toSpace);
@@ -73,11 +77,13 @@ MStatus storePoints(const MFnMesh& set, MSpace::Space space, const Array& given)
     return MStatus::kFailure;
   }
   const bool isAffine = math::isAffine(*toSpace);
-  for (std::size_t i = 0; i < after.size(); ++i) {
-    const math::Vec3 wanted(in[i].x, in[i].y, in[i].z), stored(before[i]);
-    const math::Vec3 now = isAffine ? affinePoint(stored, *toSpace) : math::transformPoint(stored, *toSpace);
-    after[i] = now == wanted ? before[i] : (*wayBack)(wanted);
-  }
+  parallelFor(after.size(), kGrain, [&](std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i) {
+      const math::Vec3 wanted(in[i].x, in[i].y, in[i].z), stored(before[i]);
+      const math::Vec3 now = isAffine ? affinePoint(stored, *toSpace) : math::transformPoint(stored, *toSpace);
+      after[i] = now == wanted ? before[i] : (*wayBack)(wanted);
+    }
+  });
   return target.writePoints(std::move(after));
 }
 
