@@ -63,9 +63,18 @@ void appendStored(std::string& out, double stored, double perUnit) {
   // A unit's multiple comes back by the product of two doubles for most numbers, if not for the
   // nearest double then for one beside it.
   const double nearest = stored / perUnit;
+  std::string shortest;
   for (const double candidate :
-       {nearest, std::nextafter(nearest, 0.0), std::nextafter(nearest, 2 * nearest)})
-    if (candidate * perUnit == stored) return append(out, candidate);
+       {nearest, std::nextafter(nearest, 0.0), std::nextafter(nearest, 2 * nearest)}) {
+    if (candidate * perUnit != stored) continue;
+    std::string text;
+    append(text, candidate);
+    if (shortest.empty() || text.size() < shortest.size()) shortest = std::move(text);
+  }
+  if (!shortest.empty()) {
+    out += shortest;
+    return;
+  }
   append(out, static_cast<long double>(stored) / static_cast<long double>(perUnit),
          std::chars_format::scientific, kDigitsOfLongDouble);
 }
