@@ -17,12 +17,18 @@ Result<math::Matrix4> checkPlacement(const ExtrudePlacement& p) {
   constexpr int kMostDivisions = 10000;
   if (p.divisions < 1 || p.divisions > kMostDivisions)
     return fail("The number of divisions must be 1 to {}, not {}", kMostDivisions, p.divisions);
+  // Beyond this the points would overflow the floats they are stored in.
+  constexpr double kLargest = 1e30;
+  const auto isUsable = [](double value) { return std::abs(value) <= kLargest; };
+  const auto areUsable = [&](const math::Vec3& v) {
+    return isUsable(v.x) && isUsable(v.y) && isUsable(v.z);
+  };
   for (const double value : {p.offset, p.thickness, p.taper, p.twist, p.smoothingAngle})
-    if (!std::isfinite(value)) return fail("Extrusion needs finite numbers");
+    if (!isUsable(value)) return fail("{} is no number that an extrusion can use", value);
   for (const ExtrudeTransform* t : {&p.local, &p.world})
     for (const math::Vec3& v : {t->translate, t->rotate, t->scale})
-      if (!math::isFinite(v)) return fail("Extrusion needs finite numbers");
-  if (p.pivot && !math::isFinite(*p.pivot)) return fail("Extrusion needs a finite pivot");
+      if (!areUsable(v)) return fail("({}, {}, {}) is nothing that an extrusion can use", v.x, v.y, v.z);
+  if (p.pivot && !areUsable(*p.pivot)) return fail("The pivot of an extrusion needs usable numbers");
   const auto inverse = math::inverse(p.space);
   if (!inverse) return fail("The object is scaled to nothing; extrusion has no space to work in");
   return *inverse;
@@ -38,10 +44,10 @@ ExtrudeMover::Motion::Motion(const ExtrudeTransform& by, double taper, double tw
   isPlain = scale == math::Vec3(1, 1, 1) && twist == 0 && by.rotate == math::Vec3();
 }
 
-math::Vec3 ExtrudeMover::Motion::moved(const math::Vec3& p) const {
+math::Vec3 ExtrudeMover::Motion::turned(const math::Vec3& p) const {
   const math::Vec3 q(p.x * scale.x, p.y * scale.y, p.z * scale.z);
-  const math::Vec3 turned(q.x * cosine - q.y * sine, q.x * sine + q.y * cosine, q.z);
-  return math::transformPoint(turned, rotation) + translation;
+  const math::Vec3 twisted(q.x * cosine - q.y * sine, q.x * sine + q.y * cosine, q.z);
+  return math::transformPoint(twisted, rotation);
 }
 
 ExtrudeMover::ExtrudeMover(const ExtrudePlacement& placement, const math::Frame& region,
@@ -53,14 +59,14 @@ ExtrudeMover::ExtrudeMover(const ExtrudePlacement& placement, const math::Frame&
       t_(t) {}
 
 math::Vec3 ExtrudeMover::place(const math::Vec3& p, const math::Vec3& inset,
-                               const math::Vec3& push) const {
+                               const math::Vec3& push, const math::Vec3& normal) const {
   math::Vec3 q = p + inset * t_ + push * t_;
-  if (local_.isPlain)
-    q += region_.x * local_.translation.x + region_.y * local_.translation.y +
-         region_.z * local_.translation.z;
-  else
-    q = region_.toWorld(local_.moved(region_.toLocal(q)));
-  return world_.isPlain ? q + world_.translation : pivot_ + world_.moved(q - pivot_);
+  if (!local_.isPlain) q = region_.toWorld(local_.turned(region_.toLocal(q)));
+  // Along z each point follows its own normal: a region that closes in itself grows all round.
+  q += region_.x * local_.translation.x + region_.y * local_.translation.y +
+       normal * local_.translation.z;
+  return world_.isPlain ? q + world_.translation
+                        : pivot_ + world_.turned(q - pivot_) + world_.translation;
 }
 
 }  // namespace host::ops

@@ -18,10 +18,11 @@ struct ExtrudeTransform {
 struct ExtrudePlacement {
   int divisions = 1;       ///< segments from the old place to the new one
   double offset = 0;       ///< towards the inside of the extruded region, cm
-  double thickness = 0;    ///< along the vertex normals of the region, cm
+  double thickness = 0;    ///< moves the planes of the region's faces out, cm
   double taper = 1;        ///< scale about the region's centre, reached at the last division
   double twist = 0;        ///< about the region's normal, reached at the last division, radians
-  ExtrudeTransform local;  ///< in the region's frame: z along its mean normal, origin at its centre
+  ExtrudeTransform local;  ///< in the region's frame: z along its mean normal, origin at its centre;
+                           ///< its translation along z moves the planes of all its faces out
   ExtrudeTransform world;  ///< in the space below, about the pivot
   std::optional<math::Vec3>
       pivot;            ///< of the world transform; by default the centre of all that is extruded
@@ -40,12 +41,17 @@ class ExtrudeMover {
   ExtrudeMover(const ExtrudePlacement& placement, const math::Frame& region,
                const math::Vec3& pivot, double t);
   [[nodiscard]] math::Vec3 place(const math::Vec3& p, const math::Vec3& inset,
-                                 const math::Vec3& push) const;
+                                 const math::Vec3& push) const {
+    return place(p, inset, push, region_.z);
+  }
+  /// The same with the direction in which the local translation along z goes at this point.
+  [[nodiscard]] math::Vec3 place(const math::Vec3& p, const math::Vec3& inset,
+                                 const math::Vec3& push, const math::Vec3& normal) const;
 
  private:
   struct Motion {
     Motion(const ExtrudeTransform& by, double taper, double twist, double t);
-    [[nodiscard]] math::Vec3 moved(const math::Vec3& p) const;
+    [[nodiscard]] math::Vec3 turned(const math::Vec3& p) const;  ///< all but the translation
     math::Vec3 scale;
     double cosine, sine;
     math::Matrix4 rotation;

@@ -32,10 +32,46 @@ ExtrudeRegions::ExtrudeRegions(const Mesh& mesh, std::vector<FaceId> faces, bool
           math::cross(copies_[at(loop[k])].point - origin, copies_[at(loop[k + 1])].point - origin);
     normals.push_back(math::normalized(area));
     regions_[at(regionOf_[i])].normal += area;
-    for (const Index copy : loop) copies_[at(copy)].normal += normals.back();
   }
-  for (Copy& copy : copies_) copy.normal = math::normalized(copy.normal);
+  findOutwards(normals);
   collectRim(mesh, keepFacesTogether, normals);
+}
+
+void ExtrudeRegions::findOutwards(std::span<const Vec3> normals) {
+  // The point m that comes nearest to m . n = 1 for all normals n there: (sum of n n^T) m = sum of n.
+  struct Sums {
+    double xx = 0, xy = 0, xz = 0, yy = 0, yz = 0, zz = 0;
+    int count = 0;
+  };
+  constexpr double kLongest = 4, kFlat = 1e-9;
+  std::vector<Sums> sums(copies_.size());
+  for (std::size_t i = 0; i < faces_.size(); ++i)
+    for (const Index copy : copiesOfFace(i)) {
+      const Vec3& n = normals[i];
+      Sums& s = sums[at(copy)];
+      copies_[at(copy)].outwards += n;
+      s.xx += n.x * n.x, s.xy += n.x * n.y, s.xz += n.x * n.z;
+      s.yy += n.y * n.y, s.yz += n.y * n.z, s.zz += n.z * n.z;
+      ++s.count;
+    }
+  for (std::size_t i = 0; i < copies_.size(); ++i) {
+    Vec3& outwards = copies_[i].outwards;
+    const Sums& s = sums[i];
+    const Vec3 mean = math::normalized(outwards);
+    if (math::length(outwards) >= s.count * (1 - kFlat) || mean == Vec3()) {
+      outwards = mean;
+      continue;
+    }
+    // A little along the mean keeps directions still that no normal says anything about.
+    constexpr double kStill = 1e-9;
+    const Vec3 a(s.xx + kStill, s.xy, s.xz), b(s.xy, s.yy + kStill, s.yz), c(s.xz, s.yz, s.zz + kStill);
+    const double determinant = math::dot(a, math::cross(b, c));
+    const Vec3 right = outwards;
+    Vec3 solved = (math::cross(b, c) * right.x + math::cross(c, a) * right.y + math::cross(a, b) * right.z) / determinant;
+    const double length = math::length(solved);
+    if (!(length <= kLongest)) solved = std::isfinite(length) ? solved * (kLongest / length) : mean;
+    outwards = solved;
+  }
 }
 
 void ExtrudeRegions::joinFaces(const Mesh& mesh, bool keepFacesTogether) {

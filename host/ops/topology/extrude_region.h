@@ -18,7 +18,8 @@ class ExtrudeRegions {
     VertexId source = kNone;
     Index region = 0;
     math::Vec3 point;
-    math::Vec3 normal;  ///< unit, of the region's faces there
+    math::Vec3 outwards;  ///< moves the planes of the region's faces there out by one, as far as
+                          ///< one point can; no longer than 4
     math::Vec3 inset;   ///< moves the rim edges there by one
     bool isOnRim = false;
   };
@@ -51,7 +52,8 @@ class ExtrudeRegions {
       const Copy& copy = copies_[i];
       visit(static_cast<Index>(i),
             movers[static_cast<std::size_t>(copy.region)].place(
-                copy.point, copy.inset * placement.offset, copy.normal * placement.thickness));
+                copy.point, copy.inset * placement.offset, copy.outwards * placement.thickness,
+                copy.outwards));
     }
   }
 
@@ -62,6 +64,7 @@ class ExtrudeRegions {
   };
   void joinFaces(const Mesh& mesh, bool keepFacesTogether);
   void collectCopies(const Mesh& mesh, const math::Matrix4& space);
+  void findOutwards(std::span<const math::Vec3> normals);
   void collectRim(const Mesh& mesh, bool keepFacesTogether, std::span<const math::Vec3> normals);
   [[nodiscard]] std::vector<ExtrudeMover> moversOf(const ExtrudePlacement& placement,
                                                    double t) const;

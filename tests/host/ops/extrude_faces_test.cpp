@@ -145,14 +145,14 @@ TEST_CASE("extrudeFaces: volumes of boxes on a cube") {
   REQUIRE(extrudeFaces(tapered, top, options));
   CHECK(volume(tapered) == doctest::Approx(volume(frustum)));
 
-  // Two faces together move along their mean normal, one by one along their own.
+  // Two faces together stay joined while each moves out by the distance; one by one along their own.
   const std::vector<FaceId> two{1, 4};
   options = raised(1);
   Mesh together = cube, apart = cube;
   REQUIRE(extrudeFaces(together, two, options));
   CHECK(together.faceCount() == 6 + 6);
   CHECK(together.vertexCount() == 8 + 6);
-  CHECK(volume(together) == doctest::Approx(1 + std::sqrt(2.0)));
+  CHECK(volume(together) == doctest::Approx(4));
   options.keepFacesTogether = false;
   REQUIRE(extrudeFaces(apart, two, options));
   CHECK(apart.faceCount() == 6 + 8);
@@ -202,4 +202,23 @@ TEST_CASE("softenEdges: edges are smooth up to the angle, the angle included") {
   Mesh grid = zoo::gridMesh(2, 2);
   REQUIRE(softenEdges(grid, zoo::allEdges(grid), 0));
   CHECK(hardEdges(grid) == 12);
+}
+
+TEST_CASE("extrudeFaces: a region that closes in itself grows all round along local z") {
+  Mesh mesh = makeCube().value();
+  ExtrudeFacesOptions options;
+  options.local.translate.z = 1;
+  std::vector<FaceId> all(static_cast<std::size_t>(mesh.faceCount()));
+  std::iota(all.begin(), all.end(), 0);
+  REQUIRE(extrudeFaces(mesh, all, options));
+  requireSound(mesh);
+  CHECK((mesh.faceCount() == 6 && mesh.vertexCount() == 8));
+  for (const auto& p : mesh.points())
+    for (const float x : {p.x, p.y, p.z})
+      CHECK(std::abs(x) == doctest::Approx(1.5));
+  // Too long for the points' floats.
+  options.local.translate.z = 1e300;
+  const Mesh before = mesh;
+  CHECK_FALSE(extrudeFaces(mesh, all, options));
+  CHECK(mesh == before);
 }
