@@ -25,7 +25,7 @@ class ZeroCutter {
     }
   }
 
-  EdgeCutter::Outcome run() {
+  EdgeCutter::Outcome run(std::vector<EdgeId>& newEdges) {
     for (EdgeId e = 0; e < mesh_.edgeCount(); ++e) {
       const double a = values_[at(mesh_.edge(e).a)], b = values_[at(mesh_.edge(e).b)];
       if (!(a < 0 && b > 0) && !(a > 0 && b < 0)) continue;
@@ -35,7 +35,10 @@ class ZeroCutter {
       places_.back() = mesh_.point(mesh_.edge(e).a) * (1 - t) + mesh_.point(mesh_.edge(e).b) * t;
     }
     cutter_.buildFaces([this](FaceId f) { return isCrossed(f); }, [this](FaceId f) { cutFace(f); });
-    return cutter_.finish();
+    EdgeCutter::Outcome outcome = cutter_.finish();
+    for (std::size_t i = 0; i < outcome.pieces.size(); ++i)
+      if (isClosedByCut_[i]) newEdges.push_back(outcome.mesh.faceEdges(outcome.pieces[i]).back());
+    return outcome;
   }
 
  private:
@@ -80,16 +83,20 @@ class ZeroCutter {
     const std::vector<CutCorner> loop = cutter_.loop(f);
     std::vector<std::size_t> points = crossings(loop);
     if (points.size() > 2) sortAlongCut(loop, points);
-    std::vector<std::vector<std::size_t>> parts{std::vector<std::size_t>(loop.size())};
-    for (std::size_t i = 0; i < loop.size(); ++i) parts[0][i] = i;
-    for (std::size_t i = 0; i + 1 < points.size(); i += 2) cutPart(parts, points[i], points[i + 1]);
+    std::vector<Part> parts(1);
+    for (std::size_t i = 0; i < loop.size(); ++i) parts[0].places.push_back(i);
+    for (std::size_t i = 0; i + 1 < points.size(); i += 2)
+      cutPart(parts, points[i], points[i + 1],
+              loop[points[i]].vertex == loop[points[i + 1]].vertex);
     for (std::size_t p = 0; p < parts.size(); ++p) {
       std::vector<CutCorner> corners;
-      for (const std::size_t i : parts[p]) corners.push_back(loop[i]);
-      if (p == 0)
+      for (const std::size_t i : parts[p].places) corners.push_back(loop[i]);
+      if (p == 0) {
         cutter_.setFace(f, corners);
-      else
+      } else {
         cutter_.addPiece(f, std::move(corners));
+        isClosedByCut_.push_back(parts[p].isClosedByCut);
+      }
     }
   }
 
@@ -105,17 +112,24 @@ class ZeroCutter {
     });
   }
 
-  // Splits the part that holds both places; a part's last corner closes the cut that made it.
-  static void cutPart(std::vector<std::vector<std::size_t>>& parts, std::size_t a, std::size_t b) {
+  /// Some places of a loop, in order.
+  struct Part {
+    std::vector<std::size_t> places;
+    bool isClosedByCut = false;  ///< the way from the last place to the first is a new edge
+  };
+
+  // Splits the part that holds both places. Where a face meets itself in a vertex, its two sides
+  // only let go of each other.
+  static void cutPart(std::vector<Part>& parts, std::size_t a, std::size_t b, bool isOneVertex) {
     for (std::size_t p = 0; p < parts.size(); ++p) {
-      std::vector<std::size_t>& part = parts[p];
+      std::vector<std::size_t>& part = parts[p].places;
       auto i = std::find(part.begin(), part.end(), a), j = std::find(part.begin(), part.end(), b);
       if (i == part.end() || j == part.end()) continue;
       if (j < i) std::swap(i, j);
-      const auto apart = j - i;
-      if (apart < 2 || apart > static_cast<std::ptrdiff_t>(part.size()) - 2) return;
-      std::vector<std::size_t> cutOff(i, j + 1);
-      part.erase(i + 1, j);
+      const auto apart = j - i, rest = static_cast<std::ptrdiff_t>(part.size()) - apart;
+      if (isOneVertex ? apart < 3 || rest < 3 : apart < 2 || rest < 2) return;
+      Part cutOff{std::vector<std::size_t>(isOneVertex ? i + 1 : i, j + 1), !isOneVertex};
+      part.erase(i + 1, isOneVertex ? j + 1 : j);
       parts.push_back(std::move(cutOff));
       return;
     }
@@ -124,16 +138,16 @@ class ZeroCutter {
   Mesh mesh_;
   EdgeCutter cutter_;
   std::vector<double> values_;
-  std::vector<Vec3> places_;  // of new vertices
+  std::vector<Vec3> places_;         // of new vertices
+  std::vector<bool> isClosedByCut_;  // a piece: its last corner walks a new edge
 };
 
 }  // namespace
 
 std::vector<EdgeId> cutAtZero(Mesh& mesh, const std::function<double(VertexId)>& valueAt,
                               double tolerance, EditMaps* maps) {
-  EdgeCutter::Outcome outcome = ZeroCutter(mesh, valueAt, tolerance).run();
   std::vector<EdgeId> edges;
-  for (const FaceId f : outcome.pieces) edges.push_back(outcome.mesh.faceEdges(f).back());
+  EdgeCutter::Outcome outcome = ZeroCutter(mesh, valueAt, tolerance).run(edges);
   mesh = std::move(outcome.mesh);
   if (maps) *maps = std::move(outcome.maps);
   return sortedIds(edges);
