@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "host/builtins/file/file_formats.h"
@@ -115,6 +116,21 @@ Result<std::vector<dg::Node*>> place(Context& context, const FileFormat::Placing
   return nodes;
 }
 
+/// The namespace for imported nodes: with a number when it is there already and is not to be
+/// shared.
+std::string importNamespace(const scene::Document& document, const ParsedArgs& args) {
+  std::string wanted = args.text("namespace");
+  while (wanted.starts_with(':')) wanted.erase(0, 1);
+  const auto isTaken = [&](const std::string& name) {
+    return std::ranges::any_of(document.graph().nodes(), [&](const dg::NodePtr& node) {
+      return node->name().starts_with(name + ":");
+    });
+  };
+  if (wanted.empty() || args.boolean("mergeNamespacesOnClash") || !isTaken(wanted)) return wanted;
+  for (int number = 1;; ++number)
+    if (std::string numbered = wanted + std::to_string(number); !isTaken(numbered)) return numbered;
+}
+
 std::string importPrefix(const ParsedArgs& args, const std::string& path) {
   if (args.has("renamingPrefix")) return args.text("renamingPrefix");
   return fs::path(path).stem().generic_string();
@@ -194,9 +210,8 @@ CommandResult importFile(Context& context, const ParsedArgs& args) {
   HOST_TRY(work.begin(SceneStage::BeforeImport));
   FileReadOptions options{.options = args.text("options"),
                           .isImport = true,
-                          .nameSpace = args.text("namespace"),
+                          .nameSpace = importNamespace(context.document, args),
                           .clashPrefix = {}};
-  while (options.nameSpace.starts_with(':')) options.nameSpace.erase(0, 1);
   if (!args.has("namespace")) options.clashPrefix = importPrefix(args, *path);
   options.renamesAll = args.has("renameAll") && args.boolean("renameAll");
   auto placing = (*format)->read(context, *path, options);

@@ -18,6 +18,7 @@ const std::map<std::string_view, AttributeType>& plainTypes() {
       {"byte", AttributeType::Byte},
       {"short", AttributeType::Short},
       {"long", AttributeType::Long},
+      {"int64", AttributeType::Int64},
       {"float", AttributeType::Float},
       {"double", AttributeType::Double},
       {"doubleLinear", AttributeType::Distance},
