@@ -19,8 +19,9 @@
 #include "host/base/messages.h"
 #include "host/nodes/mesh_shape.h"
 
-// What the toolkit's commands cost from MEL to written mesh, beside plain loops that do the same arithmetic on arrays:
-// single-precision points to doubles, the command's sums, and back. Everything is selected; undo is on.
+// What the toolkit's commands cost from MEL to written mesh, beside plain loops that do the same
+// arithmetic on arrays: single-precision points to doubles, the command's sums, and back.
+// Everything is selected; undo is on.
 namespace {
 
 using host::Index;
@@ -31,7 +32,8 @@ host::cmd::Session& session() {
   static const auto instance = [] {
     auto made = host::api::makeHostSession();
     const host::MessageCapture quiet;
-    if (!made->executeLine("loadPlugin \"" QXMT_BINARY_DIR "/lib/qxModelingToolkit.so\"")) std::abort();
+    if (!made->executeLine("loadPlugin \"" QXMT_BINARY_DIR "/lib/qxModelingToolkit.so\""))
+      std::abort();
     return made;
   }();
   return *instance;
@@ -58,7 +60,9 @@ void sizes(benchmark::internal::Benchmark* bench) {
   bench->Arg(1'000)->Arg(30'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
 }
 
-host::mesh::Mesh torus(const benchmark::State& state) { return bench::bumpyTorus(static_cast<Index>(state.range(0))); }
+host::mesh::Mesh torus(const benchmark::State& state) {
+  return bench::bumpyTorus(static_cast<Index>(state.range(0)));
+}
 
 /// Times a command on a torus with a selection, taken back outside the clock.
 void command(benchmark::State& state, const std::string& select, const std::string& mel) {
@@ -112,7 +116,8 @@ Vec3 faceNormal(const host::mesh::Mesh& mesh, const std::vector<Vec3>& points, I
   const auto v = mesh.faceVertices(face);
   Vec3 normal;
   for (std::size_t i = 0; i < v.size(); ++i) {
-    const Vec3 &a = points[static_cast<std::size_t>(v[i])], &b = points[static_cast<std::size_t>(v[(i + 1) % v.size()])];
+    const Vec3 &a = points[static_cast<std::size_t>(v[i])],
+               &b = points[static_cast<std::size_t>(v[(i + 1) % v.size()])];
     normal += Vec3{(a.y - b.y) * (a.z + b.z), (a.z - b.z) * (a.x + b.x), (a.x - b.x) * (a.y + b.y)};
   }
   return normalized(normal);
@@ -120,7 +125,8 @@ Vec3 faceNormal(const host::mesh::Mesh& mesh, const std::vector<Vec3>& points, I
 
 void straightenPlain(benchmark::State& state) {
   plain(state, [](const host::mesh::Mesh&, std::vector<Vec3>& points) {
-    const Vec3 a = farthestFrom(meanOf(points), points), b = farthestFrom(a, points), direction = a - b;
+    const Vec3 a = farthestFrom(meanOf(points), points), b = farthestFrom(a, points),
+               direction = a - b;
     const double squared = lengthSquared(direction);
     for (Vec3& p : points) p = a + direction * (dot(p - a, direction) / squared);
   });
@@ -153,11 +159,13 @@ void circlePlain(benchmark::State& state) {
     }
     Vec3 sum{0, 1e-3, 0};
     for (const Vec3& n : normals) sum += normalized(n);
-    const Vec3 normal = normalized(sum), centre = meanOf(points), reach = farthestFrom(centre, points) - centre;
+    const Vec3 normal = normalized(sum), centre = meanOf(points),
+               reach = farthestFrom(centre, points) - centre;
     const Vec3 across = normalized(cross(normal, reach)), up = cross(across, normal);
     std::vector<std::pair<double, Index>> order(points.size());
     for (std::size_t i = 0; i < points.size(); ++i)
-      order[i] = {std::atan2(dot(points[i] - centre, across), dot(points[i] - centre, up)), static_cast<Index>(i)};
+      order[i] = {std::atan2(dot(points[i] - centre, across), dot(points[i] - centre, up)),
+                  static_cast<Index>(i)};
     std::sort(order.begin(), order.end());
     const double step = 2 * 3.14159265358979 / static_cast<double>(points.size());
     for (std::size_t k = 0; k < order.size(); ++k) {
@@ -169,14 +177,24 @@ void circlePlain(benchmark::State& state) {
 }
 BENCHMARK(circlePlain)->Name("circle/plain")->Apply(sizes);
 
-BENCHMARK_CAPTURE(command, straighten, "shape.vtx[*]", "qxStraightenCmd")->Name("straighten/command")->Apply(sizes);
-BENCHMARK_CAPTURE(command, snap, "shape.vtx[*]", "qxSnapVertsToAxis")->Name("snap/command")->Apply(sizes);
-BENCHMARK_CAPTURE(command, planar, "shape.f[*]", "qxMakePlanarCmd")->Name("planar/command")->Apply(sizes);
-BENCHMARK_CAPTURE(command, circle, "shape.vtx[*]", "qxCircleVertsCmd")->Name("circle/command")->Apply(sizes);
-BENCHMARK_CAPTURE(command, merge, "shape.vtx[*]", "qxMergeVerts -id 5")->Name("merge/command")->Apply(sizes);
+BENCHMARK_CAPTURE(command, straighten, "shape.vtx[*]", "qxStraightenCmd")
+    ->Name("straighten/command")
+    ->Apply(sizes);
+BENCHMARK_CAPTURE(command, snap, "shape.vtx[*]", "qxSnapVertsToAxis")
+    ->Name("snap/command")
+    ->Apply(sizes);
+BENCHMARK_CAPTURE(command, planar, "shape.f[*]", "qxMakePlanarCmd")
+    ->Name("planar/command")
+    ->Apply(sizes);
+BENCHMARK_CAPTURE(command, circle, "shape.vtx[*]", "qxCircleVertsCmd")
+    ->Name("circle/command")
+    ->Apply(sizes);
+BENCHMARK_CAPTURE(command, merge, "shape.vtx[*]", "qxMergeVerts -id 5")
+    ->Name("merge/command")
+    ->Apply(sizes);
 
-/// A wavy grid that is its own mirror image across x = 0, with no vertex on the plane: half of it goes on a circle and the
-/// other half mirrors it.
+/// A wavy grid that is its own mirror image across x = 0, with no vertex on the plane: half of it
+/// goes on a circle and the other half mirrors it.
 void circleOnGrid(benchmark::State& state, bool isMirrored) {
   const Index side = 2 * static_cast<Index>(std::sqrt(static_cast<double>(state.range(0))) / 2);
   std::vector<Vec3f> points;
@@ -188,21 +206,26 @@ void circleOnGrid(benchmark::State& state, bool isMirrored) {
     }
   for (Index i = 0; i + 1 < side; ++i)
     for (Index j = 0; j + 1 < side; ++j)
-      corners.insert(corners.end(), {i * side + j, i * side + j + 1, (i + 1) * side + j + 1, (i + 1) * side + j});
+      corners.insert(corners.end(),
+                     {i * side + j, i * side + j + 1, (i + 1) * side + j + 1, (i + 1) * side + j});
   session().interpreter().setScriptPath({QXMT_BINARY_DIR "/scripts"});
   session().newScene();
   if (isMirrored)
     run("source qx_modeling_tool_ui; modelingWindow_QXMT_Proc; checkBox -e -v 1 mirror_QXMT_CB;"
-        "radioCollection -e -sl mirrorX_QXMT_RB mirror_QXMT_RB; radioCollection -e -sl worldSpace_QXMT_RB mirrorSpace_QXMT_RB");
-  const MDagPath path =
-      put(*host::mesh::buildMesh(std::move(points), std::vector<Index>(corners.size() / 4, 4), corners), "shape");
+        "radioCollection -e -sl mirrorX_QXMT_RB mirror_QXMT_RB; radioCollection -e -sl "
+        "worldSpace_QXMT_RB mirrorSpace_QXMT_RB");
+  const MDagPath path = put(
+      *host::mesh::buildMesh(std::move(points), std::vector<Index>(corners.size() / 4, 4), corners),
+      "shape");
   run("undoInfo -state on; select -r shape.vtx[*]");
   run("qxCircleVertsCmd");
   MPointArray circled;
   MFnMesh(path).getPoints(circled, MSpace::kWorld);
-  const bool isImage = circled[0].isEquivalent(
-      MPoint(-circled[static_cast<unsigned int>(side - 1)].x, circled[static_cast<unsigned int>(side - 1)].y,
-             circled[static_cast<unsigned int>(side - 1)].z), 1e-4);
+  const bool isImage =
+      circled[0].isEquivalent(MPoint(-circled[static_cast<unsigned int>(side - 1)].x,
+                                     circled[static_cast<unsigned int>(side - 1)].y,
+                                     circled[static_cast<unsigned int>(side - 1)].z),
+                              1e-4);
   if (isMirrored && !isImage) state.SkipWithError("not mirrored");
   run("undo");
   for (auto _ : state) {
@@ -249,20 +272,26 @@ void transferTopology(benchmark::State& state, const char* flags) {
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK_CAPTURE(transferTopology, surface, "")->Name("transferTopology/surface")->Apply(sizes);
-BENCHMARK_CAPTURE(transferTopology, order, " -order true")->Name("transferTopology/order")->Apply(sizes);
+BENCHMARK_CAPTURE(transferTopology, order, " -order true")
+    ->Name("transferTopology/order")
+    ->Apply(sizes);
 
-/// A level grid over the torus, as many vertices as the size says, and the torus' triangles as the target.
+/// A level grid over the torus, as many vertices as the size says, and the torus' triangles as the
+/// target.
 host::mesh::Mesh gridAbove(const benchmark::State& state) {
   const Index side = static_cast<Index>(std::sqrt(static_cast<double>(state.range(0))));
   std::vector<Vec3f> points;
   std::vector<Index> corners;
   for (Index i = 0; i < side; ++i)
     for (Index j = 0; j < side; ++j)
-      points.push_back(Vec3(8.2 * i / side - 4.1, 3 + 0.1 * std::sin(0.3 * i), 8.2 * j / side - 4.1).toFloat());
+      points.push_back(
+          Vec3(8.2 * i / side - 4.1, 3 + 0.1 * std::sin(0.3 * i), 8.2 * j / side - 4.1).toFloat());
   for (Index i = 0; i + 1 < side; ++i)
     for (Index j = 0; j + 1 < side; ++j)
-      corners.insert(corners.end(), {i * side + j, i * side + j + 1, (i + 1) * side + j + 1, (i + 1) * side + j});
-  return *host::mesh::buildMesh(std::move(points), std::vector<Index>(corners.size() / 4, 4), corners);
+      corners.insert(corners.end(),
+                     {i * side + j, i * side + j + 1, (i + 1) * side + j + 1, (i + 1) * side + j});
+  return *host::mesh::buildMesh(std::move(points), std::vector<Index>(corners.size() / 4, 4),
+                                corners);
 }
 
 /// The library called directly, its structure built inside the clock as the command builds its own.
@@ -275,12 +304,13 @@ void projectPlain(benchmark::State& state) {
     rtcSetSceneFlags(scene, RTC_SCENE_FLAG_ROBUST);
     const RTCGeometry geometry = rtcNewGeometry(device, RTC_GEOMETRY_TYPE_TRIANGLE);
     const auto points = target.points();
-    std::copy(points.begin(), points.end(),
-              static_cast<Vec3f*>(rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
-                                                          sizeof(Vec3f), points.size())));
-    auto* triangle = static_cast<std::array<Index, 3>*>(
-        rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, 3 * sizeof(Index),
-                                2 * static_cast<std::size_t>(target.faceCount())));
+    std::copy(
+        points.begin(), points.end(),
+        static_cast<Vec3f*>(rtcSetNewGeometryBuffer(
+            geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3, sizeof(Vec3f), points.size())));
+    auto* triangle = static_cast<std::array<Index, 3>*>(rtcSetNewGeometryBuffer(
+        geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, 3 * sizeof(Index),
+        2 * static_cast<std::size_t>(target.faceCount())));
     for (Index f = 0; f < target.faceCount(); ++f) {
       const auto v = target.faceVertices(f);
       *triangle++ = {v[0], v[1], v[2]};

@@ -15,7 +15,8 @@ namespace {
 
 constexpr double kTwoPi = 6.283185307179586476925;
 
-/// A point of the run and its angle in steps of a full turn's 2^44th part, counted from 1: finer than angles can be told.
+/// A point of the run and its angle in steps of a full turn's 2^44th part, counted from 1: finer
+/// than angles can be told.
 struct placedPoint {
   std::uint64_t turn;
   unsigned int entry;
@@ -25,10 +26,11 @@ struct placedPoint {
 };
 constexpr int kTurnBits = 44;
 
-/// Grows with the angle of a direction over a full turn, at a fraction of an arc tangent's cost; the first step for no
-/// direction.
+/// Grows with the angle of a direction over a full turn, at a fraction of an arc tangent's cost;
+/// the first step for no direction.
 std::uint64_t turnOf(double x, double y) {
-  constexpr double kSteps = static_cast<double>(std::uint64_t{1} << (kTurnBits - 2));  // a quarter turn
+  constexpr double kSteps =
+      static_cast<double>(std::uint64_t{1} << (kTurnBits - 2));  // a quarter turn
   const double size = std::fabs(x) + std::fabs(y);
   if (size == 0.0) return 1;
   const double slope = y / size;
@@ -36,8 +38,8 @@ std::uint64_t turnOf(double x, double y) {
   return 1 + static_cast<std::uint64_t>(quarters * kSteps);
 }
 
-/// Sorts by turn, points of one turn by their place. Linear for large runs, however the angles are spread: by a few bits of the
-/// turn at a time, the lowest first.
+/// Sorts by turn, points of one turn by their place. Linear for large runs, however the angles are
+/// spread: by a few bits of the turn at a time, the lowest first.
 void sortByTurn(std::vector<placedPoint>& points) {
   constexpr std::size_t kLarge = 4096;
   constexpr int kDigitBits = 12;
@@ -57,12 +59,14 @@ void sortByTurn(std::vector<placedPoint>& points) {
       start = total;
       total += count;
     }
-    for (const placedPoint& point : points) sorted[starts[(point.turn >> shift) & (kDigits - 1)]++] = point;
+    for (const placedPoint& point : points)
+      sorted[starts[(point.turn >> shift) & (kDigits - 1)]++] = point;
     points.swap(sorted);
   }
 }
 
-/// In-plane axes: `up` points at the farthest point, `across` is a quarter turn from it about the normal.
+/// In-plane axes: `up` points at the farthest point, `across` is a quarter turn from it about the
+/// normal.
 struct circleFrame {
   MVector across, up;
 };
@@ -81,10 +85,11 @@ bool makeFrame(const MVector& normal, const MVector& reference, circleFrame& fra
   return true;
 }
 
-/// Puts the ordered points at equal steps on the circle. Directions are turned on from one to the next, and taken anew every
-/// few steps before rounding adds up.
-void placeEvenly(const std::vector<placedPoint>& order, const MPoint& centre, const circleFrame& frame, double radius,
-                 MPointArray& positions, unsigned int start) {
+/// Puts the ordered points at equal steps on the circle. Directions are turned on from one to the
+/// next, and taken anew every few steps before rounding adds up.
+void placeEvenly(const std::vector<placedPoint>& order, const MPoint& centre,
+                 const circleFrame& frame, double radius, MPointArray& positions,
+                 unsigned int start) {
   constexpr std::size_t kFresh = 64;
   const double step = kTwoPi / static_cast<double>(order.size());
   const double stepCosine = std::cos(step), stepSine = std::sin(step);
@@ -104,7 +109,8 @@ void placeEvenly(const std::vector<placedPoint>& order, const MPoint& centre, co
 
 }  // namespace
 
-circleFault circleRun(MPointArray& positions, unsigned int start, unsigned int count, const MVector& normal) {
+circleFault circleRun(MPointArray& positions, unsigned int start, unsigned int count,
+                      const MVector& normal) {
   if (count < 3) return circleFault::tooFewPoints;
   MVector fitted;
   if (!bestFitNormal(positions, start, count, fitted)) return circleFault::pointsOnOneLine;

@@ -19,16 +19,22 @@ namespace {
 constexpr double kMatchLimit = 50000.0;
 
 const char* faultText(circleFault fault) {
-  return fault == circleFault::tooFewPoints ? "qxCircleVertsCmd: a circle needs at least three vertices"
-                                            : "qxCircleVertsCmd: the vertices lie on one line";
+  return fault == circleFault::tooFewPoints
+             ? "qxCircleVertsCmd: a circle needs at least three vertices"
+             : "qxCircleVertsCmd: the vertices lie on one line";
 }
 }  // namespace
 
-circleVertsCmd::circleVertsCmd() : mirrorAxis(mirrorOptions::kNoMirrorOption), mirrorInObjectSpace(1) {}
+circleVertsCmd::circleVertsCmd()
+    : mirrorAxis(mirrorOptions::kNoMirrorOption), mirrorInObjectSpace(1) {}
 
-void* circleVertsCmd::creator() { return new circleVertsCmd; }
+void* circleVertsCmd::creator() {
+  return new circleVertsCmd;
+}
 
-MSyntax circleVertsCmd::newSyntax() { return MSyntax(); }
+MSyntax circleVertsCmd::newSyntax() {
+  return MSyntax();
+}
 
 MStatus circleVertsCmd::gather() {
   MSelectionList selection;
@@ -44,11 +50,13 @@ MStatus circleVertsCmd::gather() {
 MVector circleVertsCmd::meanNormal(unsigned int count) const {
   const MFnMesh meshFn(dagPath);
   MVector sum, normal;
-  // One question for all normals costs less than many for one each, once they are a good part of the mesh.
+  // One question for all normals costs less than many for one each, once they are a good part of
+  // the mesh.
   if (count > static_cast<unsigned int>(meshFn.numVertices()) / 8) {
     MFloatVectorArray all;
     meshFn.getVertexNormals(false, all, MSpace::kWorld);
-    for (unsigned int i = 0; i < count; ++i) sum += MVector(all[static_cast<unsigned int>(vertexIds[i])]);
+    for (unsigned int i = 0; i < count; ++i)
+      sum += MVector(all[static_cast<unsigned int>(vertexIds[i])]);
     return sum;
   }
   for (unsigned int i = 0; i < count; ++i)
@@ -62,7 +70,8 @@ void circleVertsCmd::mirrorSecondHalf(const mirrorOptions& mirror) {
   const pointIndex firstHalf(savedPositions, 0, half);
   for (unsigned int i = half; i < vertexIds.length(); ++i) {
     const int partner = firstHalf.nearest(plane.reflect(savedPositions[i]), kMatchLimit);
-    if (partner >= 0) circlePositions[i] = plane.reflect(circlePositions[static_cast<unsigned int>(partner)]);
+    if (partner >= 0)
+      circlePositions[i] = plane.reflect(circlePositions[static_cast<unsigned int>(partner)]);
   }
 }
 
@@ -75,7 +84,8 @@ MStatus circleVertsCmd::doIt(const MArgList& arguments) {
   mirrorInObjectSpace = mirror.inObjectSpace;
   status = gather();
   if (status != MS::kSuccess) return status;
-  if (vertexIds.length() == 0) return redoIt();  // no components: fails on the path that was never set
+  if (vertexIds.length() == 0)
+    return redoIt();  // no components: fails on the path that was never set
 
   MPointArray points;
   status = readWorldPoints(dagPath, points);
@@ -97,6 +107,10 @@ MStatus circleVertsCmd::doIt(const MArgList& arguments) {
   return writeWorldPoints(dagPath, vertexIds, circlePositions, &points);
 }
 
-MStatus circleVertsCmd::redoIt() { return writeWorldPoints(dagPath, vertexIds, circlePositions); }
+MStatus circleVertsCmd::redoIt() {
+  return writeWorldPoints(dagPath, vertexIds, circlePositions);
+}
 
-MStatus circleVertsCmd::undoIt() { return savedPlaces.putBack(dagPath, vertexIds, savedPositions); }
+MStatus circleVertsCmd::undoIt() {
+  return savedPlaces.putBack(dagPath, vertexIds, savedPositions);
+}

@@ -11,8 +11,9 @@
 class MVector;
 struct mirrorOptions;
 
-/// `qxCircleVertsCmd`: spaces the selected vertices of one mesh evenly on a circle; with the toolkit's mirror on and a
-/// symmetric selection, one half on a circle and the other as its mirror image.
+/// `qxCircleVertsCmd`: spaces the selected vertices of one mesh evenly on a circle; with the
+/// toolkit's mirror on and a symmetric selection, one half on a circle and the other as its mirror
+/// image.
 class circleVertsCmd : public MPxCommand {
  public:
   circleVertsCmd();
@@ -31,7 +32,7 @@ class circleVertsCmd : public MPxCommand {
 
   MDagPath dagPath;
   MIntArray vertexIds;
-  MPointArray savedPositions;   ///< world space, one a vertex of `vertexIds`
+  MPointArray savedPositions;  ///< world space, one a vertex of `vertexIds`
   storedPlaces savedPlaces;
   MPointArray circlePositions;  ///< world space, the result
   int mirrorAxis;               ///< 0 x, 1 y, 2 z, 3 none

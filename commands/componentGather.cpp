@@ -19,11 +19,13 @@ void forEachComponentSet(const MSelectionList& selection, MFn::Type filter, Visi
   for (MItSelectionList item(selection, filter); !item.isDone(); item.next()) {
     MDagPath path;
     MObject component;
-    if (item.getDagPath(path, component) == MS::kSuccess && !component.isNull()) visit(path, component);
+    if (item.getDagPath(path, component) == MS::kSuccess && !component.isNull())
+      visit(path, component);
   }
 }
 
-/// Appends the component indices that the mesh has, in order; those deleted since they were selected are left out.
+/// Appends the component indices that the mesh has, in order; those deleted since they were
+/// selected are left out.
 void appendElements(const MObject& component, int count, MIntArray& ids) {
   const MFnSingleIndexedComponent set(component);
   MIntArray listed;
@@ -57,43 +59,49 @@ MStatus singleObjectSelection(MSelectionList& selection) {
 }
 
 void appendSelectedVertices(const MSelectionList& selection, MDagPath& mesh, MIntArray& vertexIds) {
-  forEachComponentSet(selection, MFn::kMeshVertComponent, [&](const MDagPath& path, MObject& component) {
-    mesh = path;
-    appendElements(component, MFnMesh(path).numVertices(), vertexIds);
-  });
+  forEachComponentSet(selection, MFn::kMeshVertComponent,
+                      [&](const MDagPath& path, MObject& component) {
+                        mesh = path;
+                        appendElements(component, MFnMesh(path).numVertices(), vertexIds);
+                      });
 }
 
 void appendSelectedEdgeEnds(const MSelectionList& selection, MDagPath& mesh, MIntArray& vertexIds) {
-  forEachComponentSet(selection, MFn::kMeshEdgeComponent, [&](const MDagPath& path, MObject& component) {
-    mesh = path;
-    const MFnMesh meshFn(path);
-    int2 ends;
-    for (MItMeshEdge edge(path, component); !edge.isDone(); edge.next()) {
-      if (meshFn.getEdgeVertices(edge.index(), ends) != MS::kSuccess) continue;
-      vertexIds.append(ends[0]);
-      vertexIds.append(ends[1]);
-    }
-  });
+  forEachComponentSet(selection, MFn::kMeshEdgeComponent,
+                      [&](const MDagPath& path, MObject& component) {
+                        mesh = path;
+                        const MFnMesh meshFn(path);
+                        int2 ends;
+                        for (MItMeshEdge edge(path, component); !edge.isDone(); edge.next()) {
+                          if (meshFn.getEdgeVertices(edge.index(), ends) != MS::kSuccess) continue;
+                          vertexIds.append(ends[0]);
+                          vertexIds.append(ends[1]);
+                        }
+                      });
 }
 
-void appendSelectedFaceVertices(const MSelectionList& selection, MDagPath& mesh, MIntArray& vertexIds) {
-  forEachComponentSet(selection, MFn::kMeshPolygonComponent, [&](const MDagPath& path, MObject& component) {
-    mesh = path;
-    selectedPolygons faces;
-    faces.take(path, component);
-    if (vertexIds.length() == 0) {
-      std::swap(vertexIds, faces.connects);
-      return;
-    }
-    for (unsigned int i = 0; i < faces.connects.length(); ++i) vertexIds.append(faces.connects[i]);
-  });
+void appendSelectedFaceVertices(const MSelectionList& selection, MDagPath& mesh,
+                                MIntArray& vertexIds) {
+  forEachComponentSet(selection, MFn::kMeshPolygonComponent,
+                      [&](const MDagPath& path, MObject& component) {
+                        mesh = path;
+                        selectedPolygons faces;
+                        faces.take(path, component);
+                        if (vertexIds.length() == 0) {
+                          std::swap(vertexIds, faces.connects);
+                          return;
+                        }
+                        for (unsigned int i = 0; i < faces.connects.length(); ++i)
+                          vertexIds.append(faces.connects[i]);
+                      });
 }
 
 MIntArray selectedFaceIds(const MSelectionList& selection) {
   MIntArray faces;
-  forEachComponentSet(selection, MFn::kMeshPolygonComponent, [&](const MDagPath& path, MObject& component) {
-    appendElements(component, MFnMesh(path).numPolygons(), faces);
-  });
+  forEachComponentSet(selection, MFn::kMeshPolygonComponent,
+                      [&](const MDagPath& path, MObject& component) {
+                        appendElements(component, MFnMesh(path).numPolygons(), faces);
+                      });
   return faces;
 }
 

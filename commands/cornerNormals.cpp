@@ -19,7 +19,8 @@ double alongSegment(const MPoint& a, const MPoint& b, const MPoint& p) {
   return length > 0.0 ? std::min(1.0, std::max(0.0, ((p - a) * d) / length)) : 0.0;
 }
 
-/// The place of a triangle nearest to a point: inside by its barycentric coordinates, else on the nearest side.
+/// The place of a triangle nearest to a point: inside by its barycentric coordinates, else on the
+/// nearest side.
 trianglePlace nearestOnTriangle(const MPoint corners[3], const MPoint& p) {
   const MVector u = corners[1] - corners[0], v = corners[2] - corners[0], w = p - corners[0];
   const double uu = u * u, uv = u * v, vv = v * v, wu = w * u, wv = w * v;

@@ -11,9 +11,10 @@ struct faceFrame {
   MVector normal;  ///< unit length, by Newell's method; zero for a face without area
 };
 
-/// The frame of the face whose vertices are `count` entries of `connects` from `first`; linear in them.
-inline faceFrame faceFrameOf(const MPointArray& points, const MIntArray& connects, unsigned int first,
-                             unsigned int count) {
+/// The frame of the face whose vertices are `count` entries of `connects` from `first`; linear in
+/// them.
+inline faceFrame faceFrameOf(const MPointArray& points, const MIntArray& connects,
+                             unsigned int first, unsigned int count) {
   const auto vertex = [&](unsigned int corner) -> const MPoint& {
     return points[static_cast<unsigned int>(connects[first + corner])];
   };

@@ -10,7 +10,8 @@ struct linearSystem {
   explicit linearSystem(std::size_t n) : size(n), rows(n * n, 0.0), right(n, {0.0, 0.0, 0.0}) {}
   double& at(std::size_t row, std::size_t column) { return rows[row * size + column]; }
 
-  /// Leaves the solution in `right`; false when a pivot is no larger than `singular`. Gaussian elimination by rows.
+  /// Leaves the solution in `right`; false when a pivot is no larger than `singular`. Gaussian
+  /// elimination by rows.
   bool solve(double singular) {
     for (std::size_t k = 0; k < size; ++k) {
       std::size_t pivot = k;
@@ -59,11 +60,13 @@ bool landmarkWarp::solve(const MPointArray& from, const MPointArray& to, unsigne
   for (unsigned int i = 0; i < count; ++i) {
     for (unsigned int j = 0; j < count; ++j) system.at(i, j) = from[i].distanceTo(from[j]) / scale;
     for (unsigned int t = 0; t < affineTerms; ++t)
-      system.at(i, count + t) = system.at(count + t, i) = affineTerm((from[i] - MVector(from[0])) / scale, t);
+      system.at(i, count + t) = system.at(count + t, i) =
+          affineTerm((from[i] - MVector(from[0])) / scale, t);
     const MVector shift = to[i] - from[i];
     system.right[i] = {shift.x, shift.y, shift.z};
   }
-  // Positions carry the rounding of single precision: landmarks in a plane span space by no more than that.
+  // Positions carry the rounding of single precision: landmarks in a plane span space by no more
+  // than that.
   if (!system.solve(affineTerms > 1 ? 1e-5 : 1e-10)) return false;
   weights = system.right;
   terms = affineTerms;
@@ -75,7 +78,8 @@ bool landmarkWarp::fit(const MPointArray& from, const MPointArray& to) {
   weights.clear();
   terms = 0;
   scale = 0.0;
-  for (unsigned int i = 1; i < from.length(); ++i) scale = std::max(scale, from[i].distanceTo(from[0]));
+  for (unsigned int i = 1; i < from.length(); ++i)
+    scale = std::max(scale, from[i].distanceTo(from[0]));
   if (from.length() == 1) scale = 1.0;
   if (!(scale > 0.0)) return false;
   // Landmarks in one plane leave the affine part open: then a shift is all they fix.
@@ -90,8 +94,10 @@ MPoint landmarkWarp::operator()(const MPoint& point) const {
     shift.z += weight[2] * amount;
   };
   if (terms == 0) return point;
-  for (unsigned int i = 0; i < centres.length(); ++i) add(weights[i], point.distanceTo(centres[i]) / scale);
+  for (unsigned int i = 0; i < centres.length(); ++i)
+    add(weights[i], point.distanceTo(centres[i]) / scale);
   const MPoint offset = (point - MVector(centres[0])) / scale;
-  for (unsigned int t = 0; t < terms; ++t) add(weights[centres.length() + t], affineTerm(offset, t));
+  for (unsigned int t = 0; t < terms; ++t)
+    add(weights[centres.length() + t], affineTerm(offset, t));
   return point + shift;
 }

@@ -17,11 +17,16 @@
 #include "commands/worldPoints.h"
 #include "shared/mathHelper.h"
 
-makePlanarCmd::makePlanarCmd() : mirrorAxis(mirrorOptions::kNoMirrorOption), mirrorInObjectSpace(1) {}
+makePlanarCmd::makePlanarCmd()
+    : mirrorAxis(mirrorOptions::kNoMirrorOption), mirrorInObjectSpace(1) {}
 
-void* makePlanarCmd::creator() { return new makePlanarCmd; }
+void* makePlanarCmd::creator() {
+  return new makePlanarCmd;
+}
 
-MSyntax makePlanarCmd::newSyntax() { return MSyntax(); }
+MSyntax makePlanarCmd::newSyntax() {
+  return MSyntax();
+}
 
 MStatus makePlanarCmd::gather(const mirrorOptions& mirror, MPointArray& points) {
   MSelectionList selection;
@@ -78,7 +83,8 @@ MStatus makePlanarCmd::doIt(const MArgList& arguments) {
   MPointArray points;
   status = gather(mirror, points);
   if (status != MS::kSuccess) return status;
-  if (vertexIds.length() == 0) return redoIt();  // nothing gathered: fails on the path that was never set
+  if (vertexIds.length() == 0)
+    return redoIt();  // nothing gathered: fails on the path that was never set
 
   if (!idsAreInRange(vertexIds, points.length())) return MS::kFailure;
   const bool isSplit = splitByMirror(vertexIds, points, dagPath, mirror);
@@ -93,6 +99,10 @@ MStatus makePlanarCmd::doIt(const MArgList& arguments) {
   return writeWorldPoints(dagPath, vertexIds, planarPositions, &points);
 }
 
-MStatus makePlanarCmd::redoIt() { return writeWorldPoints(dagPath, vertexIds, planarPositions); }
+MStatus makePlanarCmd::redoIt() {
+  return writeWorldPoints(dagPath, vertexIds, planarPositions);
+}
 
-MStatus makePlanarCmd::undoIt() { return savedPlaces.putBack(dagPath, vertexIds, savedPositions); }
+MStatus makePlanarCmd::undoIt() {
+  return savedPlaces.putBack(dagPath, vertexIds, savedPositions);
+}

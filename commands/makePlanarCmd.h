@@ -12,8 +12,8 @@
 struct mirrorOptions;
 struct selectedPolygons;
 
-/// `qxMakePlanarCmd`: flattens the selected faces of one mesh onto a plane through their vertices' mean; with the toolkit's
-/// mirror on and a symmetric selection, each side onto its own.
+/// `qxMakePlanarCmd`: flattens the selected faces of one mesh onto a plane through their vertices'
+/// mean; with the toolkit's mirror on and a symmetric selection, each side onto its own.
 class makePlanarCmd : public MPxCommand {
  public:
   makePlanarCmd();
@@ -27,15 +27,17 @@ class makePlanarCmd : public MPxCommand {
 
  private:
   MStatus gather(const mirrorOptions& mirror, MPointArray& points);
-  void sortNormals(const selectedPolygons& faces, const MPointArray& points, const mirrorOptions& mirror);
+  void sortNormals(const selectedPolygons& faces, const MPointArray& points,
+                   const mirrorOptions& mirror);
   bool flatten(bool isSplit);
 
   MDagPath dagPath;
   MIntArray vertexIds;
-  MPointArray savedPositions;    ///< world space, one a vertex of `vertexIds`
+  MPointArray savedPositions;  ///< world space, one a vertex of `vertexIds`
   storedPlaces savedPlaces;
   MPointArray planarPositions;   ///< world space, the result
-  MVectorArray negativeNormals;  ///< world space, of the faces on the negative side, or of all without a mirror
+  MVectorArray negativeNormals;  ///< world space, of the faces on the negative side, or of all
+                                 ///< without a mirror
   MVectorArray positiveNormals;
   int mirrorAxis;           ///< 0 x, 1 y, 2 z, 3 none
   int mirrorInObjectSpace;  ///< 0 object space, 1 world space

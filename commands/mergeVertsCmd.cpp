@@ -12,7 +12,9 @@
 
 mergeVertsCmd::mergeVertsCmd() : axis(0), mirror(false), componentId(0), mirrorId(0) {}
 
-void* mergeVertsCmd::creator() { return new mergeVertsCmd; }
+void* mergeVertsCmd::creator() {
+  return new mergeVertsCmd;
+}
 
 MSyntax mergeVertsCmd::newSyntax() {
   MSyntax syntax;
@@ -27,9 +29,12 @@ MStatus mergeVertsCmd::parseArguments(const MArgList& arguments) {
   MStatus parsed;
   const MArgDatabase database(syntax(), arguments, &parsed);
   MStatus status = readFlag(database, "-mr", mirror, "could not parse message mirrorBool");
-  if (status == MS::kSuccess) status = readFlag(database, "-id", componentId, "could not parse message componentIDFlag");
-  if (status == MS::kSuccess) status = readFlag(database, "-mId", mirrorId, "could not parse message mirrorIDFlag");
-  if (status == MS::kSuccess) status = readFlag(database, "-ax", axis, "could not parse message axisFlag");
+  if (status == MS::kSuccess)
+    status = readFlag(database, "-id", componentId, "could not parse message componentIDFlag");
+  if (status == MS::kSuccess)
+    status = readFlag(database, "-mId", mirrorId, "could not parse message mirrorIDFlag");
+  if (status == MS::kSuccess)
+    status = readFlag(database, "-ax", axis, "could not parse message axisFlag");
   return status == MS::kSuccess ? parsed : status;
 }
 
@@ -72,7 +77,8 @@ MStatus mergeVertsCmd::gatherAtTarget(MPointArray& points) {
 
   const MPoint target = points[static_cast<unsigned int>(componentId)];
   if (!mirror) {
-    for (unsigned int i = 0; i < vertexIds.length(); ++i) points[static_cast<unsigned int>(vertexIds[i])] = target;
+    for (unsigned int i = 0; i < vertexIds.length(); ++i)
+      points[static_cast<unsigned int>(vertexIds[i])] = target;
     return writeAllWorldPoints(meshPath, points);
   }
   mirrorOptions options;
@@ -88,4 +94,6 @@ MStatus mergeVertsCmd::gatherAtTarget(MPointArray& points) {
   return writeAllWorldPoints(meshPath, points);
 }
 
-MStatus mergeVertsCmd::undoIt() { return oldPlaces.putBack(meshPath, vertexIds, oldPositions); }
+MStatus mergeVertsCmd::undoIt() {
+  return oldPlaces.putBack(meshPath, vertexIds, oldPositions);
+}

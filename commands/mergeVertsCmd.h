@@ -8,8 +8,9 @@
 
 #include "commands/storedPlaces.h"
 
-/// `qxMergeVerts`: moves the selected vertices of one mesh onto a target vertex; with the mirror option, those on the other
-/// side of the mirror plane onto the target's counterpart. It welds nothing: the vertex count stays.
+/// `qxMergeVerts`: moves the selected vertices of one mesh onto a target vertex; with the mirror
+/// option, those on the other side of the mirror plane onto the target's counterpart. It welds
+/// nothing: the vertex count stays.
 class mergeVertsCmd : public MPxCommand {
  public:
   mergeVertsCmd();
@@ -29,8 +30,8 @@ class mergeVertsCmd : public MPxCommand {
   MIntArray vertexIds;       ///< in the order of the selection
   MPointArray oldPositions;  ///< world space, one a vertex of `vertexIds`
   storedPlaces oldPlaces;
-  int axis;                  ///< 0 x, 1 y, 2 z
+  int axis;  ///< 0 x, 1 y, 2 z
   bool mirror;
-  int componentId;           ///< the target vertex
-  int mirrorId;              ///< its counterpart
+  int componentId;  ///< the target vertex
+  int mirrorId;     ///< its counterpart
 };

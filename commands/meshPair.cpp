@@ -8,13 +8,15 @@
 
 namespace {
 
-MStatus takeMesh(const MSelectionList& selection, unsigned int index, const char* command, MDagPath& mesh,
-                 MObject& components) {
+MStatus takeMesh(const MSelectionList& selection, unsigned int index, const char* command,
+                 MDagPath& mesh, MObject& components) {
   if (selection.getDagPath(index, mesh, components) == MS::kSuccess) {
     mesh.extendToShape();
     if (mesh.hasFn(MFn::kMesh)) return MS::kSuccess;
   }
-  MGlobal::displayError(MString(command) + ": only polygon meshes can be used, and one of the selected objects is none");
+  MGlobal::displayError(
+      MString(command) +
+      ": only polygon meshes can be used, and one of the selected objects is none");
   return MS::kFailure;
 }
 
@@ -28,7 +30,8 @@ MStatus meshPair::takeSelection(const char* command, const char* countText) {
     return MS::kFailure;
   }
   const MStatus status = takeMesh(selection, 0, command, first, firstComponents);
-  return status == MS::kSuccess ? takeMesh(selection, 1, command, second, secondComponents) : status;
+  return status == MS::kSuccess ? takeMesh(selection, 1, command, second, secondComponents)
+                                : status;
 }
 
 MStatus requireFaces(const char* command, const MDagPath& mesh) {

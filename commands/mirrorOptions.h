@@ -16,18 +16,21 @@ struct mirrorOptions {
   /// Whether `axis` names an axis.
   bool isOn() const { return axis >= 0 && axis <= 2; }
 
-  /// Reads the mirror space from the toolkit's window; world space while the window is closed. An answer that is
-  /// neither space leaves `current`.
+  /// Reads the mirror space from the toolkit's window; world space while the window is closed. An
+  /// answer that is neither space leaves `current`.
   static int spaceFromWindow(int current);
-  /// Reads mirror box, axis and space from the toolkit's window; no mirror, world space while it is closed.
+  /// Reads mirror box, axis and space from the toolkit's window; no mirror, world space while it is
+  /// closed.
   static mirrorOptions fromWindow();
 
   /// The plane that they mean for a mesh; only while they are on.
-  mirrorPlane plane(const MDagPath& mesh) const { return mirrorPlane(mesh, axis, inObjectSpace != 0); }
+  mirrorPlane plane(const MDagPath& mesh) const {
+    return mirrorPlane(mesh, axis, inObjectSpace != 0);
+  }
 };
 
-/// Splits `vertexIds` (any order) by the side of the mirror plane. When both sides have the same number of vertices the
-/// ids become the negative side followed by the positive side, each in the order it had, and the answer is true; else
-/// they stay as they are.
+/// Splits `vertexIds` (any order) by the side of the mirror plane. When both sides have the same
+/// number of vertices the ids become the negative side followed by the positive side, each in the
+/// order it had, and the answer is true; else they stay as they are.
 bool splitByMirror(MIntArray& vertexIds, const MPointArray& worldPoints, const MDagPath& mesh,
                    const mirrorOptions& options);

@@ -6,12 +6,16 @@
 
 namespace {
 
-/// One attempt: both meshes are walked together from a pair of corners until they are done or differ.
+/// One attempt: both meshes are walked together from a pair of corners until they are done or
+/// differ.
 class pairedWalk {
  public:
   pairedWalk(const polygonGraph& first, const polygonGraph& second)
-      : a(first), b(second), partner(static_cast<std::size_t>(a.vertexCount()), -1),
-        back(static_cast<std::size_t>(b.vertexCount()), -1), cornerPartner(static_cast<std::size_t>(a.faceCount()), -1) {}
+      : a(first),
+        b(second),
+        partner(static_cast<std::size_t>(a.vertexCount()), -1),
+        back(static_cast<std::size_t>(b.vertexCount()), -1),
+        cornerPartner(static_cast<std::size_t>(a.faceCount()), -1) {}
 
   bool run(int cornerA, int cornerB) {
     open.push_back({cornerA, cornerB});
@@ -60,11 +64,13 @@ class pairedWalk {
   std::vector<std::pair<int, int>> open;
 };
 
-double squaredDistances(const std::vector<int>& partner, const MPointArray& pointsA, const MPointArray& pointsB) {
+double squaredDistances(const std::vector<int>& partner, const MPointArray& pointsA,
+                        const MPointArray& pointsB) {
   double sum = 0.0;
   for (std::size_t v = 0; v < partner.size(); ++v) {
     if (partner[v] < 0) continue;
-    const MVector d = pointsB[static_cast<unsigned int>(partner[v])] - pointsA[static_cast<unsigned int>(v)];
+    const MVector d =
+        pointsB[static_cast<unsigned int>(partner[v])] - pointsA[static_cast<unsigned int>(v)];
     sum += d * d;
   }
   return sum;

@@ -18,7 +18,8 @@ MVector meanVector(const MVectorArray& vectors) {
   return vectors.length() == 0 ? sum : sum / static_cast<double>(vectors.length());
 }
 
-bool flattenRun(MPointArray& positions, unsigned int start, unsigned int count, const MVector& normal) {
+bool flattenRun(MPointArray& positions, unsigned int start, unsigned int count,
+                const MVector& normal) {
   if (count == 0) return true;
   MVector n = normal;
   if (n.length() > kCancelled)

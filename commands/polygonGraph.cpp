@@ -7,7 +7,8 @@
 
 #include "shared/indexArrays.h"
 
-polygonGraph::polygonGraph(const MIntArray& counts, const MIntArray& vertexOfCorner, unsigned int vertexCount)
+polygonGraph::polygonGraph(const MIntArray& counts, const MIntArray& vertexOfCorner,
+                           unsigned int vertexCount)
     : vertices(static_cast<int>(vertexCount)), connects(toVector(vertexOfCorner)) {
   firsts.reserve(counts.length() + 1);
   faces.reserve(connects.size());
@@ -36,7 +37,9 @@ void polygonGraph::joinEdges() {
   opposites.assign(connects.size(), -1);
   for (std::size_t begin = 0; begin < runs.size();) {
     std::size_t end = begin + 1;
-    while (end < runs.size() && runs[end].low == runs[begin].low && runs[end].high == runs[begin].high) ++end;
+    while (end < runs.size() && runs[end].low == runs[begin].low &&
+           runs[end].high == runs[begin].high)
+      ++end;
     const int a = runs[begin].corner, b = runs[end - 1].corner;
     if (end - begin == 2 && vertexAt(a) != vertexAt(b)) {
       opposites[static_cast<std::size_t>(a)] = b;

@@ -4,7 +4,8 @@
 
 class MIntArray;
 
-/// The faces of a mesh and how they meet, from plain arrays. Corners are numbered through all faces.
+/// The faces of a mesh and how they meet, from plain arrays. Corners are numbered through all
+/// faces.
 class polygonGraph {
  public:
   /// Takes a corner count a face and the vertices of all corners. n log n in corners.
@@ -21,8 +22,8 @@ class polygonGraph {
     const int first = firstCorner(faceOf(corner));
     return first + (corner - first + steps) % size(faceOf(corner));
   }
-  /// The corner from which the neighbouring face runs the edge that starts at `corner`, the other way; -1 where the edge does
-  /// not join exactly two faces of one winding.
+  /// The corner from which the neighbouring face runs the edge that starts at `corner`, the other
+  /// way; -1 where the edge does not join exactly two faces of one winding.
   int across(int corner) const { return opposites[static_cast<std::size_t>(corner)]; }
 
  private:

@@ -18,7 +18,8 @@ constexpr const char* kDirectionFlag = "-wd";
 constexpr double kMaxParam = 1e6;
 constexpr float kTolerance = 1e-6F;
 
-/// What the host answered instead of a hit or a miss, said once a command however many rays it befalls.
+/// What the host answered instead of a hit or a miss, said once a command however many rays it
+/// befalls.
 class rayFaults {
  public:
   void note(const MStatus& status) {
@@ -62,7 +63,9 @@ projectMeshOnMeshCmd::projectMeshOnMeshCmd() : accelParams(MFnMesh::autoUniformG
 
 projectMeshOnMeshCmd::~projectMeshOnMeshCmd() = default;
 
-void* projectMeshOnMeshCmd::creator() { return new projectMeshOnMeshCmd; }
+void* projectMeshOnMeshCmd::creator() {
+  return new projectMeshOnMeshCmd;
+}
 
 MSyntax projectMeshOnMeshCmd::newSyntax() {
   MSyntax syntax;
@@ -71,8 +74,9 @@ MSyntax projectMeshOnMeshCmd::newSyntax() {
 }
 
 void projectMeshOnMeshCmd::drop(const MDagPath& target, const dropSpace& space) {
-  // A mesh that falls along its own axis is met where the target stands: rays along that axis hit the same places as rays
-  // down the world's axis would after taking both into the moved mesh's space, and the target needs no change.
+  // A mesh that falls along its own axis is met where the target stands: rays along that axis hit
+  // the same places as rays down the world's axis would after taking both into the moved mesh's
+  // space, and the target needs no change.
   MVector down = space.down();
   const double stretch = down.length();
   down /= stretch;
@@ -87,9 +91,9 @@ void projectMeshOnMeshCmd::drop(const MDagPath& target, const dropSpace& space) 
     const MPoint& point = pointsBefore[i];
     MFloatPoint hit;
     MStatus status;
-    const bool isHit = targetFn.closestIntersection(MFloatPoint(point), direction, nullptr, nullptr, false,
-                                                    MSpace::kWorld, maxParam, true, &accelParams, hit, nullptr, nullptr,
-                                                    nullptr, nullptr, nullptr, kTolerance, &status);
+    const bool isHit = targetFn.closestIntersection(
+        MFloatPoint(point), direction, nullptr, nullptr, false, MSpace::kWorld, maxParam, true,
+        &accelParams, hit, nullptr, nullptr, nullptr, nullptr, nullptr, kTolerance, &status);
     faults.note(status);
     const MPoint fellOn(hit);
     pointsAfter[i] = space.land(point, isHit && status == MS::kSuccess ? &fellOn : nullptr, base);
@@ -107,14 +111,16 @@ MStatus projectMeshOnMeshCmd::doIt(const MArgList& arguments) {
   if (wrapDirection.length() == 0) return MS::kFailure;
 
   meshPair pair;
-  status = pair.takeSelection("projectMeshOnMeshCmd", "this function only works with 2 objects selected");
+  status = pair.takeSelection("projectMeshOnMeshCmd",
+                              "this function only works with 2 objects selected");
   if (status != MS::kSuccess) return status;
   movedPath = pair.first;
   dropSpace space;
   if (!spaceOf(wrapDirection, movedPath, space))
     return refuse("the wrap direction is x, y, z or objectYRotation, not " + wrapDirection);
   if (!space.isWorld && space.toWorld.isSingular())
-    return refuse(movedPath.partialPathName() + " is scaled to nothing, so it has no Y axis to fall along");
+    return refuse(movedPath.partialPathName() +
+                  " is scaled to nothing, so it has no Y axis to fall along");
   for (const MDagPath* path : {&pair.first, &pair.second})
     if ((status = requireFaces("projectMeshOnMeshCmd", *path)) != MS::kSuccess) return status;
   if ((status = readWorldPoints(movedPath, pointsBefore)) != MS::kSuccess) return status;
@@ -125,6 +131,10 @@ MStatus projectMeshOnMeshCmd::doIt(const MArgList& arguments) {
   return redoIt();
 }
 
-MStatus projectMeshOnMeshCmd::undoIt() { return placesBefore.putAllBack(movedPath, pointsBefore); }
+MStatus projectMeshOnMeshCmd::undoIt() {
+  return placesBefore.putAllBack(movedPath, pointsBefore);
+}
 
-MStatus projectMeshOnMeshCmd::redoIt() { return writeAllWorldPoints(movedPath, pointsAfter); }
+MStatus projectMeshOnMeshCmd::redoIt() {
+  return writeAllWorldPoints(movedPath, pointsAfter);
+}

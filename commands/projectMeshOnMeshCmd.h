@@ -11,8 +11,9 @@
 
 struct dropSpace;
 
-/// `projectMeshOnMeshCmd`: drops the first selected mesh along an axis onto the surface of the second; every vertex keeps its
-/// height above the first mesh's lowest one. Where no surface is below or above, it lands on the plane through the origin.
+/// `projectMeshOnMeshCmd`: drops the first selected mesh along an axis onto the surface of the
+/// second; every vertex keeps its height above the first mesh's lowest one. Where no surface is
+/// below or above, it lands on the plane through the origin.
 class projectMeshOnMeshCmd : public MPxCommand {
  public:
   projectMeshOnMeshCmd();
@@ -28,7 +29,7 @@ class projectMeshOnMeshCmd : public MPxCommand {
  private:
   void drop(const MDagPath& target, const dropSpace& space);
 
-  MString wrapDirection;     ///< x, y, z or objectYRotation
+  MString wrapDirection;  ///< x, y, z or objectYRotation
   MDagPath movedPath;
   MPointArray pointsBefore;  ///< world space, all vertices of the moved mesh
   MPointArray pointsAfter;   ///< world space

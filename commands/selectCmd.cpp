@@ -24,13 +24,17 @@ MStatus refuse(const char* text) {
   return MS::kFailure;
 }
 
-void enterSelectTool() { MGlobal::executeCommand("setToolTo selectSuperContext", false, false); }
+void enterSelectTool() {
+  MGlobal::executeCommand("setToolTo selectSuperContext", false, false);
+}
 
 }  // namespace
 
 SelectCmd::SelectCmd() : borderEdge(false), hardEdge(false) {}
 
-void* SelectCmd::creator() { return new SelectCmd; }
+void* SelectCmd::creator() {
+  return new SelectCmd;
+}
 
 MSyntax SelectCmd::newSyntax() {
   MSyntax syntax;
@@ -42,27 +46,33 @@ MSyntax SelectCmd::newSyntax() {
 MStatus SelectCmd::parseArguments(const MArgList& arguments) {
   MStatus parsed;
   const MArgDatabase database(syntax(), arguments, &parsed);
-  MStatus status = readFlag(database, kBorderFlag, borderEdge, "could not parse border edge message set");
-  if (status == MS::kSuccess) status = readFlag(database, kHardFlag, hardEdge, "could not parse hard edge message set");
+  MStatus status =
+      readFlag(database, kBorderFlag, borderEdge, "could not parse border edge message set");
+  if (status == MS::kSuccess)
+    status = readFlag(database, kHardFlag, hardEdge, "could not parse hard edge message set");
   return status == MS::kSuccess ? parsed : status;
 }
 
 void SelectCmd::addEdges(const MDagPath& mesh, const MObject& edges) {
-  if (!edges.isNull() && MFnSingleIndexedComponent(edges).elementCount() > 0) edgeSelection.add(mesh, edges, true);
+  if (!edges.isNull() && MFnSingleIndexedComponent(edges).elementCount() > 0)
+    edgeSelection.add(mesh, edges, true);
   lastPathName = mesh.fullPathName();
 }
 
 MStatus SelectCmd::addBorderEdges() {
   const polyHelper helper;
-  for (MItSelectionList item(priorSelection, MFn::kMeshPolygonComponent); !item.isDone(); item.next()) {
+  for (MItSelectionList item(priorSelection, MFn::kMeshPolygonComponent); !item.isDone();
+       item.next()) {
     MDagPath mesh;
     MObject component;
     if (item.getDagPath(mesh, component) != MS::kSuccess || component.isNull()) continue;
     MIntArray faces;
-    for (MItMeshPolygon face(mesh, component); !face.isDone(); face.next()) faces.append(static_cast<int>(face.index()));
+    for (MItMeshPolygon face(mesh, component); !face.isDone(); face.next())
+      faces.append(static_cast<int>(face.index()));
     if (faces.length() > 0) addEdges(mesh, helper.borderEdges(mesh, faces));
   }
-  return edgeSelection.isEmpty() ? refuse("qxSelectCmd: select faces that have a border") : MS::kSuccess;
+  return edgeSelection.isEmpty() ? refuse("qxSelectCmd: select faces that have a border")
+                                 : MS::kSuccess;
 }
 
 MStatus SelectCmd::addHardEdges() {
@@ -79,7 +89,8 @@ MStatus SelectCmd::addHardEdges() {
     edges.addElements(hard);
     addEdges(mesh, component);
   }
-  return edgeSelection.isEmpty() ? refuse("qxSelectCmd: the selected objects have no hard edges") : MS::kSuccess;
+  return edgeSelection.isEmpty() ? refuse("qxSelectCmd: the selected objects have no hard edges")
+                                 : MS::kSuccess;
 }
 
 MStatus SelectCmd::doIt(const MArgList& arguments) {
@@ -87,8 +98,10 @@ MStatus SelectCmd::doIt(const MArgList& arguments) {
   if (status != MS::kSuccess) return status;
   MGlobal::getActiveSelectionList(priorSelection);
   if (priorSelection.isEmpty()) return MS::kFailure;
-  if (!borderEdge && !hardEdge) return refuse("qxSelectCmd: ask for border edges (-be) or hard edges (-he)");
-  // With both asked for, the last one decides: faces without a border don't stand in the way of hard edges.
+  if (!borderEdge && !hardEdge)
+    return refuse("qxSelectCmd: ask for border edges (-be) or hard edges (-he)");
+  // With both asked for, the last one decides: faces without a border don't stand in the way of
+  // hard edges.
   if (borderEdge) status = addBorderEdges();
   if (hardEdge) status = addHardEdges();
   return status == MS::kSuccess ? redoIt() : status;
@@ -99,7 +112,8 @@ MStatus SelectCmd::redoIt() {
   MGlobal::setHiliteList(edgeSelection);
   const MStatus status = MGlobal::setActiveSelectionList(edgeSelection);
   if (status != MS::kSuccess) return status;
-  MGlobal::executeCommand("doMenuComponentSelection(\"" + lastPathName + "\", \"edge\")", false, false);
+  MGlobal::executeCommand("doMenuComponentSelection(\"" + lastPathName + "\", \"edge\")", false,
+                          false);
   return MS::kSuccess;
 }
 

@@ -8,8 +8,9 @@
 class MDagPath;
 class MIntArray;
 
-/// `qxSelectCmd`: turns the selection into edges, the border of the selected faces or the hard edges of the selected objects, and
-/// goes to the selection tool and edge mode, so that work goes on with them.
+/// `qxSelectCmd`: turns the selection into edges, the border of the selected faces or the hard
+/// edges of the selected objects, and goes to the selection tool and edge mode, so that work goes
+/// on with them.
 class SelectCmd : public MPxCommand {
  public:
   SelectCmd();

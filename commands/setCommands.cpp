@@ -62,7 +62,9 @@ constexpr messageRow kMessages[] = {
 
 }  // namespace
 
-void* setCommands::creator() { return new setCommands; }
+void* setCommands::creator() {
+  return new setCommands;
+}
 
 MSyntax setCommands::newSyntax() {
   MSyntax syntax;

@@ -9,9 +9,13 @@
 
 snapVertsToAxisCmd::snapVertsToAxisCmd() : axis(0) {}
 
-void* snapVertsToAxisCmd::creator() { return new snapVertsToAxisCmd; }
+void* snapVertsToAxisCmd::creator() {
+  return new snapVertsToAxisCmd;
+}
 
-MSyntax snapVertsToAxisCmd::newSyntax() { return MSyntax(); }
+MSyntax snapVertsToAxisCmd::newSyntax() {
+  return MSyntax();
+}
 
 MStatus snapVertsToAxisCmd::doIt(const MArgList& arguments) {
   MStatus status;
@@ -21,7 +25,8 @@ MStatus snapVertsToAxisCmd::doIt(const MArgList& arguments) {
   status = singleObjectSelection(selection);
   if (status != MS::kSuccess) return status;
   appendSelectedVertices(selection, dagPath, vertexIds);
-  if (vertexIds.length() == 0) return redoIt();  // no vertices: fails on the path that was never set
+  if (vertexIds.length() == 0)
+    return redoIt();  // no vertices: fails on the path that was never set
 
   MPointArray points;
   status = readWorldPoints(dagPath, points);
@@ -51,4 +56,6 @@ MStatus snapVertsToAxisCmd::redoIt() {
   return writeAllWorldPoints(dagPath, points);
 }
 
-MStatus snapVertsToAxisCmd::undoIt() { return savedPlaces.putBack(dagPath, vertexIds, savedPositions); }
+MStatus snapVertsToAxisCmd::undoIt() {
+  return savedPlaces.putBack(dagPath, vertexIds, savedPositions);
+}

@@ -8,8 +8,8 @@
 
 #include "commands/storedPlaces.h"
 
-/// `qxSnapVertsToAxis`: puts the selected vertices of one mesh on the toolkit's mirror plane: their world coordinate on the
-/// mirror axis becomes 0.
+/// `qxSnapVertsToAxis`: puts the selected vertices of one mesh on the toolkit's mirror plane: their
+/// world coordinate on the mirror axis becomes 0.
 class snapVertsToAxisCmd : public MPxCommand {
  public:
   snapVertsToAxisCmd();
@@ -28,5 +28,5 @@ class snapVertsToAxisCmd : public MPxCommand {
   MIntArray vertexIds;         ///< in the order of the selection
   MPointArray savedPositions;  ///< world space, one a vertex of `vertexIds`
   storedPlaces savedPlaces;
-  int axis;                    ///< 0 x, 1 y, 2 z
+  int axis;  ///< 0 x, 1 y, 2 z
 };

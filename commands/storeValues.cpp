@@ -46,28 +46,32 @@ void readModelingWindow(toolSettings& settings) {
   readNumber("intField -q -v smoothPush_QXMT_IF", settings.smoothPush);
   readCheck("checkBox -q -v enable_slide_soft_select_QXMT_CB", settings.slideSoftSelect);
   settings.slideOnItself =
-      settings.slideSoftSelect && readText("textField -q -tx add_static_slide_object_QXMT_TF") == kSlideOnItself;
+      settings.slideSoftSelect &&
+      readText("textField -q -tx add_static_slide_object_QXMT_TF") == kSlideOnItself;
   readChoice("radioCollection -q -sl normal_direction_QXMT_RB",
-             {"normal_direction_vertex_QXMT_RB", "normal_direction_camera_QXMT_RB"}, settings.normalDirection);
+             {"normal_direction_vertex_QXMT_RB", "normal_direction_camera_QXMT_RB"},
+             settings.normalDirection);
   readCheck("checkBox -q -v mirror_QXMT_CB", settings.mirror);
   readCheck("checkBox -q -v lockAxis_QXMT_CB", settings.lockAxis);
   readCheck("checkBox -q -v lockXAxis_QXMT_CB", settings.lockXAxis);
   readCheck("checkBox -q -v lockYAxis_QXMT_CB", settings.lockYAxis);
   readCheck("checkBox -q -v lockZAxis_QXMT_CB", settings.lockZAxis);
-  readChoice("radioCollection -q -sl mirror_QXMT_RB", {"mirrorX_QXMT_RB", "mirrorY_QXMT_RB", "mirrorZ_QXMT_RB"},
-             settings.mirrorAxis);
+  readChoice("radioCollection -q -sl mirror_QXMT_RB",
+             {"mirrorX_QXMT_RB", "mirrorY_QXMT_RB", "mirrorZ_QXMT_RB"}, settings.mirrorAxis);
   readCheck("checkBox -q -v ignoreQuadDrawBackface_QXMT_CB", settings.ignoreQuadDrawBackface);
   settings.dragSelectNormal =
       readText("radioCollection -q -sl dragSelectType_QXMT_RB") == "dragSelectTypeNormal_QXMT_RB";
   int space = settings.mirrorWorldSpace ? 1 : 0;
-  readChoice("radioCollection -q -sl mirrorSpace_QXMT_RB", {"objectSpace_QXMT_RB", "worldSpace_QXMT_RB"}, space);
+  readChoice("radioCollection -q -sl mirrorSpace_QXMT_RB",
+             {"objectSpace_QXMT_RB", "worldSpace_QXMT_RB"}, space);
   settings.mirrorWorldSpace = space == 1;
 }
 
 void readUvWindow(toolSettings& settings) {
   readNumber("intField -q -v smoothUvIntensity_QXMT_IF", settings.smoothUvIntensity);
   readCheck("menuItem -q -cb pinBorderEdges_QXMT_MI", settings.pinBorderEdges);
-  readCheck("menuItem -q -cb fullShellCompressionColors_QXMT_MI", settings.fullShellCompressionColors);
+  readCheck("menuItem -q -cb fullShellCompressionColors_QXMT_MI",
+            settings.fullShellCompressionColors);
 }
 
 }  // namespace

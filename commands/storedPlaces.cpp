@@ -22,7 +22,8 @@ MStatus storedPlaces::take(const MDagPath& mesh, const MIntArray& vertexIds) {
   const MStatus status = MFnMesh(mesh).getPoints(all, MSpace::kObject);
   if (status != MS::kSuccess) return status;
   places.setLength(vertexIds.length());
-  for (unsigned int i = 0; i < vertexIds.length(); ++i) places[i] = all[static_cast<unsigned int>(vertexIds[i])];
+  for (unsigned int i = 0; i < vertexIds.length(); ++i)
+    places[i] = all[static_cast<unsigned int>(vertexIds[i])];
   return MS::kSuccess;
 }
 
@@ -39,7 +40,8 @@ MStatus storedPlaces::putBack(const MDagPath& mesh, const MIntArray& vertexIds,
   const MStatus status = meshFn.getPoints(all, MSpace::kObject);
   if (status != MS::kSuccess) return status;
   if (!idsAreInRange(vertexIds, all.length())) return MS::kFailure;
-  for (unsigned int i = 0; i < vertexIds.length(); ++i) all[static_cast<unsigned int>(vertexIds[i])] = places[i];
+  for (unsigned int i = 0; i < vertexIds.length(); ++i)
+    all[static_cast<unsigned int>(vertexIds[i])] = places[i];
   return meshFn.setPoints(all, MSpace::kObject);
 }
 

@@ -8,9 +8,9 @@ class MDagPath;
 class MIntArray;
 class MPointArray;
 
-/// Remembers vertices as their mesh stores them. Their world positions alone, taken back through a turned or scaled
-/// transform, come back rounded; these come back bit for bit. Of a mesh that stands untransformed nothing is kept: its world
-/// positions are the stored ones.
+/// Remembers vertices as their mesh stores them. Their world positions alone, taken back through a
+/// turned or scaled transform, come back rounded; these come back bit for bit. Of a mesh that
+/// stands untransformed nothing is kept: its world positions are the stored ones.
 class storedPlaces {
  public:
   /// Takes the places of `vertexIds`, which must be in range.
@@ -18,10 +18,12 @@ class storedPlaces {
   /// Takes the places of all vertices.
   MStatus takeAll(const MDagPath& mesh);
 
-  /// Puts the vertices of `take` back where they were in the world; `worldPositions` say where that is once the mesh has
-  /// been transformed since.
-  /// @return failure, with nothing changed, when the path is no longer valid or the mesh has lost one of the vertices
-  MStatus putBack(const MDagPath& mesh, const MIntArray& vertexIds, const MPointArray& worldPositions) const;
+  /// Puts the vertices of `take` back where they were in the world; `worldPositions` say where that
+  /// is once the mesh has been transformed since.
+  /// @return failure, with nothing changed, when the path is no longer valid or the mesh has lost
+  /// one of the vertices
+  MStatus putBack(const MDagPath& mesh, const MIntArray& vertexIds,
+                  const MPointArray& worldPositions) const;
   /// The same for all vertices of `takeAll`.
   MStatus putAllBack(const MDagPath& mesh, const MPointArray& worldPositions) const;
 

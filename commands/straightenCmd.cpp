@@ -29,7 +29,9 @@ int codeOf(const MString& text, const char* const* names, int count, int otherwi
 straightenCmd::straightenCmd()
     : keepAxes(kKeepNone), average(false), mirrorAxis(6), mirrorInObjectSpace(1) {}
 
-void* straightenCmd::creator() { return new straightenCmd; }
+void* straightenCmd::creator() {
+  return new straightenCmd;
+}
 
 MSyntax straightenCmd::newSyntax() {
   MSyntax syntax;
@@ -93,7 +95,8 @@ MStatus straightenCmd::doIt(const MArgList& arguments) {
   if (status != MS::kSuccess) return status;
   status = gather();
   if (status != MS::kSuccess) return status;
-  if (vertexIds.length() == 0) return redoIt();  // no components: fails on the path that was never set
+  if (vertexIds.length() == 0)
+    return redoIt();  // no components: fails on the path that was never set
 
   MPointArray points;
   status = readWorldPoints(dagPath, points);
@@ -120,6 +123,10 @@ MStatus straightenCmd::doIt(const MArgList& arguments) {
   return writeWorldPoints(dagPath, vertexIds, straightPositions, &points);
 }
 
-MStatus straightenCmd::redoIt() { return writeWorldPoints(dagPath, vertexIds, straightPositions); }
+MStatus straightenCmd::redoIt() {
+  return writeWorldPoints(dagPath, vertexIds, straightPositions);
+}
 
-MStatus straightenCmd::undoIt() { return savedPlaces.putBack(dagPath, vertexIds, savedPositions); }
+MStatus straightenCmd::undoIt() {
+  return savedPlaces.putBack(dagPath, vertexIds, savedPositions);
+}

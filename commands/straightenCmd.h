@@ -8,7 +8,8 @@
 
 #include "commands/storedPlaces.h"
 
-/// `qxStraightenCmd`: lines up the selected vertices of one mesh on the line through their two extreme points.
+/// `qxStraightenCmd`: lines up the selected vertices of one mesh on the line through their two
+/// extreme points.
 class straightenCmd : public MPxCommand {
  public:
   straightenCmd();
@@ -26,11 +27,11 @@ class straightenCmd : public MPxCommand {
 
   MDagPath dagPath;
   MIntArray vertexIds;
-  MPointArray savedPositions;     ///< world space, one a vertex of `vertexIds`, before the command
+  MPointArray savedPositions;  ///< world space, one a vertex of `vertexIds`, before the command
   storedPlaces savedPlaces;
   MPointArray straightPositions;  ///< world space, the result
   int keepAxes;                   ///< a keepAxesCode
-  bool average;                   ///< accepted for scripts that pass it; the result does not depend on it
-  int mirrorAxis;                 ///< 0 x, 1 y, 2 z, 6 no split
-  int mirrorInObjectSpace;        ///< 0 object space, 1 world space
+  bool average;             ///< accepted for scripts that pass it; the result does not depend on it
+  int mirrorAxis;           ///< 0 x, 1 y, 2 z, 6 no split
+  int mirrorInObjectSpace;  ///< 0 object space, 1 world space
 };

@@ -27,23 +27,27 @@ double sizeOf(const MPointArray& points) {
   return largest;
 }
 
-/// The vertex on the other side of each, or itself on the plane; -1 for none. Pairs agree both ways.
+/// The vertex on the other side of each, or itself on the plane; -1 for none. Pairs agree both
+/// ways.
 std::vector<int> mirrorPartners(const MPointArray& points, unsigned int axis) {
   const double limit = kTolerance * sizeOf(points);
   const pointIndex index(points, 0, points.length());
   std::vector<int> partner(points.length(), -1);
   for (unsigned int v = 0; v < points.length(); ++v)
-    partner[v] = index.nearest(mirrored(points[v], axis), std::max(limit, std::numeric_limits<double>::min()));
+    partner[v] = index.nearest(mirrored(points[v], axis),
+                               std::max(limit, std::numeric_limits<double>::min()));
   for (unsigned int v = 0; v < points.length(); ++v) {
     const int other = partner[v];
-    if (other >= 0 && partner[static_cast<std::size_t>(other)] != static_cast<int>(v)) partner[v] = -1;
+    if (other >= 0 && partner[static_cast<std::size_t>(other)] != static_cast<int>(v))
+      partner[v] = -1;
   }
   return partner;
 }
 
 }  // namespace
 
-void makeSymmetric(const MPointArray& before, unsigned int axis, MPointArray& places, std::vector<char>& isPlaced) {
+void makeSymmetric(const MPointArray& before, unsigned int axis, MPointArray& places,
+                   std::vector<char>& isPlaced) {
   const std::vector<int> partners = mirrorPartners(before, axis);
   for (unsigned int v = 0; v < before.length(); ++v) {
     const int other = partners[v];

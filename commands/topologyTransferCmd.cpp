@@ -34,7 +34,8 @@ constexpr const char* kOrderFlag = "-o";
 constexpr const char* kSymmetryFlag = "-sy";
 constexpr const char* kLandmarkFlag = "-lm";
 
-/// A place along the normal this many times as far as the closest one lies on another part of the surface.
+/// A place along the normal this many times as far as the closest one lies on another part of the
+/// surface.
 constexpr double kFarther = 4.0;
 constexpr float kRayTolerance = 1e-6F;
 
@@ -43,10 +44,13 @@ constexpr const char* kHelp =
     "  -sp -space world|object     where the two meshes are compared (world)\n"
     "  -md -maxDistance DISTANCE   vertices with no place as near as this stay (0: no limit)\n"
     "  -sy -symmetry x|y|z|none    make the result symmetric across an axis (none)\n"
-    "  -lm -landmark V W           vertex V of the first mesh belongs on vertex W of the second; may be repeated\n"
-    "  -o  -order on|off           the meshes have the same faces in another order: select one face of each that match\n"
+    "  -lm -landmark V W           vertex V of the first mesh belongs on vertex W of the second; "
+    "may be repeated\n"
+    "  -o  -order on|off           the meshes have the same faces in another order: select one "
+    "face of each that match\n"
     "  -h  -help                   this text\n"
-    "Vertices selected on both meshes, as many on each, are landmarks too, paired in ascending order.\n"
+    "Vertices selected on both meshes, as many on each, are landmarks too, paired in ascending "
+    "order.\n"
     "Returns the number of vertices that found no place.\n";
 
 MStatus refuse(const MString& text) {
@@ -83,7 +87,9 @@ double sizeOf(const MPointArray& points) {
 topologyTransferCmd::topologyTransferCmd()
     : space(MSpace::kWorld), byOrder(false), maxDistance(0.0), symmetryAxis(3), unplaced(0) {}
 
-void* topologyTransferCmd::creator() { return new topologyTransferCmd; }
+void* topologyTransferCmd::creator() {
+  return new topologyTransferCmd;
+}
 
 MSyntax topologyTransferCmd::newSyntax() {
   MSyntax syntax = transferSyntax();
@@ -99,8 +105,10 @@ MStatus topologyTransferCmd::parseArguments(const MArgList& arguments) {
   const MArgDatabase database(syntax(), arguments, &parsed);
   MStatus status = readTransferFlags(kName, database, space, maxDistance);
   MString symmetry("none");
-  if (status == MS::kSuccess) status = readFlag(database, kSymmetryFlag, symmetry, "could not parse symmetry axis");
-  if (status == MS::kSuccess) status = readFlag(database, kOrderFlag, byOrder, "could not parse order");
+  if (status == MS::kSuccess)
+    status = readFlag(database, kSymmetryFlag, symmetry, "could not parse symmetry axis");
+  if (status == MS::kSuccess)
+    status = readFlag(database, kOrderFlag, byOrder, "could not parse order");
   if (status != MS::kSuccess) return status;
   if (parsed != MS::kSuccess) return parsed;
   isHelp = database.isFlagSet(kHelpFlag);
@@ -119,17 +127,20 @@ MStatus topologyTransferCmd::pairLandmarks(const meshPair& pair, unsigned int ta
   MIntArray own = selectedVertices(pair.first, pair.firstComponents);
   MIntArray theirs = selectedVertices(pair.second, pair.secondComponents);
   if (own.length() != theirs.length())
-    return refuse(MString("landmarks are pairs: ") + static_cast<int>(own.length()) + " vertices are selected on " +
-                  pair.first.partialPathName() + " and " + static_cast<int>(theirs.length()) + " on " +
-                  pair.second.partialPathName());
+    return refuse(MString("landmarks are pairs: ") + static_cast<int>(own.length()) +
+                  " vertices are selected on " + pair.first.partialPathName() + " and " +
+                  static_cast<int>(theirs.length()) + " on " + pair.second.partialPathName());
   own = mathHelper().uniqueSorted(own);
   theirs = mathHelper().uniqueSorted(theirs);
   for (unsigned int i = 0; i < own.length(); ++i) landmarks.push_back({own[i], theirs[i]});
   if (landmarks.size() > landmarkWarp::kMostLandmarks)
-    return refuse(MString("at most ") + static_cast<int>(landmarkWarp::kMostLandmarks) + " landmarks can be used");
+    return refuse(MString("at most ") + static_cast<int>(landmarkWarp::kMostLandmarks) +
+                  " landmarks can be used");
   for (const auto& [vertex, other] : landmarks)
-    if (!idsAreInRange(MIntArray(1, vertex), pointsBefore.length()) || !idsAreInRange(MIntArray(1, other), targetCount))
-      return refuse(MString("there are no vertices ") + vertex + " and " + other + " to be landmarks");
+    if (!idsAreInRange(MIntArray(1, vertex), pointsBefore.length()) ||
+        !idsAreInRange(MIntArray(1, other), targetCount))
+      return refuse(MString("there are no vertices ") + vertex + " and " + other +
+                    " to be landmarks");
   return MS::kSuccess;
 }
 
@@ -146,8 +157,9 @@ MStatus topologyTransferCmd::placeByOrder(const meshPair& pair, const MPointArra
   std::vector<int> partner(pointsBefore.length(), -1);
   for (unsigned int i = 0; i < own.length(); ++i)
     if (!matchOrder(graph, pointsBefore, own[i], otherGraph, target, theirs[i], partner))
-      return refuse(MString("the meshes are not the same around face ") + own[i] + " of " + pair.first.partialPathName() +
-                    " and face " + theirs[i] + " of " + pair.second.partialPathName());
+      return refuse(MString("the meshes are not the same around face ") + own[i] + " of " +
+                    pair.first.partialPathName() + " and face " + theirs[i] + " of " +
+                    pair.second.partialPathName());
   for (unsigned int v = 0; v < pointsBefore.length(); ++v) {
     if (partner[v] < 0) continue;
     const MPoint& place = target[static_cast<unsigned int>(partner[v])];
@@ -158,34 +170,40 @@ MStatus topologyTransferCmd::placeByOrder(const meshPair& pair, const MPointArra
   return MS::kSuccess;
 }
 
-void topologyTransferCmd::putOnSurface(const MDagPath& target, const MPointArray& warped, const MVectorArray& normals,
-                                       double size) {
+void topologyTransferCmd::putOnSurface(const MDagPath& target, const MPointArray& warped,
+                                       const MVectorArray& normals, double size) {
   MFnMesh targetFn(target);
   MMeshIsectAccelParams accelParams = MFnMesh::autoUniformGridParams();
   MMeshIntersector nearest;
-  nearest.create(target.node(), space == MSpace::kWorld ? target.inclusiveMatrix() : MMatrix::identity);
+  nearest.create(target.node(),
+                 space == MSpace::kWorld ? target.inclusiveMatrix() : MMatrix::identity);
   const double limit = maxDistance > 0.0 ? maxDistance : 4.0 * size;
   const double rounding = 1e-6 * size;
   for (unsigned int v = 0; v < warped.length(); ++v) {
     MPointOnMesh closest;
-    const MStatus found = maxDistance > 0.0 ? nearest.getClosestPoint(warped[v], closest, maxDistance)
-                                            : nearest.getClosestPoint(warped[v], closest);
+    const MStatus found = maxDistance > 0.0
+                              ? nearest.getClosestPoint(warped[v], closest, maxDistance)
+                              : nearest.getClosestPoint(warped[v], closest);
     if (found != MS::kSuccess) continue;
     isPlaced[v] = 1;
     pointsAfter[v] = MPoint(closest.getPoint());
-    const double reach = std::min(limit, kFarther * warped[v].distanceTo(pointsAfter[v]) + rounding);
+    const double reach =
+        std::min(limit, kFarther * warped[v].distanceTo(pointsAfter[v]) + rounding);
     MFloatPoint hit;
     int face = -1;
     MVector facing;
     const bool isHit = targetFn.closestIntersection(
-        MFloatPoint(warped[v]), MFloatVector(normals[v]), nullptr, nullptr, false, space, static_cast<float>(reach), true,
-        &accelParams, hit, nullptr, &face, nullptr, nullptr, nullptr, kRayTolerance);
-    if (isHit && targetFn.getPolygonNormal(face, facing, space) == MS::kSuccess && facing * normals[v] > 0.0)
+        MFloatPoint(warped[v]), MFloatVector(normals[v]), nullptr, nullptr, false, space,
+        static_cast<float>(reach), true, &accelParams, hit, nullptr, &face, nullptr, nullptr,
+        nullptr, kRayTolerance);
+    if (isHit && targetFn.getPolygonNormal(face, facing, space) == MS::kSuccess &&
+        facing * normals[v] > 0.0)
       pointsAfter[v] = MPoint(hit);
   }
 }
 
-MStatus topologyTransferCmd::placeOnSurface(const MDagPath& target, const MPointArray& targetPoints) {
+MStatus topologyTransferCmd::placeOnSurface(const MDagPath& target,
+                                            const MPointArray& targetPoints) {
   MPointArray warped = pointsBefore;
   if (!landmarks.empty()) {
     MPointArray from, to;
@@ -201,7 +219,8 @@ MStatus topologyTransferCmd::placeOnSurface(const MDagPath& target, const MPoint
   MFnMesh(movedPath).getVertices(counts, connects);
   MVectorArray normals;
   vertexNormals(warped, counts, connects, normals);
-  putOnSurface(target, warped, normals, sizeOf(warped) + sizeOf(targetPoints) + warped[0].distanceTo(targetPoints[0]));
+  putOnSurface(target, warped, normals,
+               sizeOf(warped) + sizeOf(targetPoints) + warped[0].distanceTo(targetPoints[0]));
   for (const auto& [vertex, other] : landmarks) {
     pointsAfter[static_cast<unsigned int>(vertex)] = targetPoints[static_cast<unsigned int>(other)];
     isPlaced[static_cast<std::size_t>(vertex)] = 1;
@@ -214,7 +233,9 @@ MStatus topologyTransferCmd::doIt(const MArgList& arguments) {
   if (status != MS::kSuccess) return status;
   if (isHelp) return showHelp(kHelp);
   meshPair pair;
-  status = pair.takeSelection(kName, "qxTransferTopology: select two meshes: the one to reshape, then the one with the shape");
+  status = pair.takeSelection(
+      kName,
+      "qxTransferTopology: select two meshes: the one to reshape, then the one with the shape");
   if (status != MS::kSuccess) return status;
   movedPath = pair.first;
   for (const MDagPath* path : {&pair.first, &pair.second})
@@ -222,15 +243,18 @@ MStatus topologyTransferCmd::doIt(const MArgList& arguments) {
   MPointArray target;
   if ((status = MFnMesh(pair.first).getPoints(pointsBefore, space)) != MS::kSuccess) return status;
   if ((status = MFnMesh(pair.second).getPoints(target, space)) != MS::kSuccess) return status;
-  if (!positionsAreFinite(kName, pointsBefore) || !positionsAreFinite(kName, target)) return MS::kFailure;
-  if (space == MSpace::kWorld && (status = placesBefore.takeAll(movedPath)) != MS::kSuccess) return status;
+  if (!positionsAreFinite(kName, pointsBefore) || !positionsAreFinite(kName, target))
+    return MS::kFailure;
+  if (space == MSpace::kWorld && (status = placesBefore.takeAll(movedPath)) != MS::kSuccess)
+    return status;
   if (!byOrder && (status = pairLandmarks(pair, target.length())) != MS::kSuccess) return status;
 
   pointsAfter = pointsBefore;
   isPlaced.assign(pointsBefore.length(), 0);
   status = byOrder ? placeByOrder(pair, target) : placeOnSurface(pair.second, target);
   if (status != MS::kSuccess) return status;
-  if (symmetryAxis < 3) makeSymmetric(pointsBefore, static_cast<unsigned int>(symmetryAxis), pointsAfter, isPlaced);
+  if (symmetryAxis < 3)
+    makeSymmetric(pointsBefore, static_cast<unsigned int>(symmetryAxis), pointsAfter, isPlaced);
   unplaced = static_cast<int>(std::count(isPlaced.begin(), isPlaced.end(), 0));
   status = redoIt();
   if (status != MS::kSuccess) return status;

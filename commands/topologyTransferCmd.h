@@ -15,9 +15,10 @@
 class MVectorArray;
 struct meshPair;
 
-/// `qxTransferTopology`: the first selected mesh takes the shape of the second. Its vertices move onto the second's surface, along
-/// their normals or to the closest point; or, between meshes of the same faces in another order, each to its counterpart.
-/// Vertices selected on both are landmarks that go onto each other. The result is the number of vertices without a place.
+/// `qxTransferTopology`: the first selected mesh takes the shape of the second. Its vertices move
+/// onto the second's surface, along their normals or to the closest point; or, between meshes of
+/// the same faces in another order, each to its counterpart. Vertices selected on both are
+/// landmarks that go onto each other. The result is the number of vertices without a place.
 class topologyTransferCmd : public MPxCommand {
  public:
   topologyTransferCmd();
@@ -35,13 +36,14 @@ class topologyTransferCmd : public MPxCommand {
   MStatus pairLandmarks(const meshPair& pair, unsigned int targetCount);
   MStatus placeByOrder(const meshPair& pair, const MPointArray& target);
   MStatus placeOnSurface(const MDagPath& target, const MPointArray& targetPoints);
-  void putOnSurface(const MDagPath& target, const MPointArray& warped, const MVectorArray& normals, double size);
+  void putOnSurface(const MDagPath& target, const MPointArray& warped, const MVectorArray& normals,
+                    double size);
 
   // Flags.
   MSpace::Space space;
   bool byOrder;
-  double maxDistance;  ///< cm; 0: no limit
-  int symmetryAxis;    ///< 0 x, 1 y, 2 z, 3 none
+  double maxDistance;                          ///< cm; 0: no limit
+  int symmetryAxis;                            ///< 0 x, 1 y, 2 z, 3 none
   std::vector<std::pair<int, int>> landmarks;  ///< a vertex of the first and one of the second mesh
 
   MDagPath movedPath;

@@ -26,7 +26,8 @@ MStatus readTransferFlags(const char* command, const MArgDatabase& database, MSp
   MString name(space == MSpace::kWorld ? "world" : "object");
   MDistance distance(maxDistance);
   MStatus status = readFlag(database, kSpaceFlag, name, "could not parse space");
-  if (status == MS::kSuccess) status = readFlag(database, kDistanceFlag, distance, "could not parse largest distance");
+  if (status == MS::kSuccess)
+    status = readFlag(database, kDistanceFlag, distance, "could not parse largest distance");
   if (status != MS::kSuccess) return status;
   if (name != "world" && name != "object") {
     MGlobal::displayError(MString(command) + ": the space is world or object, not " + name);

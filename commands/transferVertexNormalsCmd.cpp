@@ -27,20 +27,25 @@ constexpr double kIntoFace = 0.02;
 constexpr double kSameNormal = 0.99996;
 
 constexpr const char* kHelp =
-    "qxTransferVertexNormals: select two meshes; the first is shaded with the normals of the second.\n"
+    "qxTransferVertexNormals: select two meshes; the first is shaded with the normals of the "
+    "second.\n"
     "  -sp -space world|object     where the two meshes are compared (world)\n"
-    "  -md -maxDistance DISTANCE   vertices farther than this from the second mesh keep their normals (0: no limit)\n"
+    "  -md -maxDistance DISTANCE   vertices farther than this from the second mesh keep their "
+    "normals (0: no limit)\n"
     "  -h  -help                   this text\n"
-    "With components of the first mesh selected only their vertices take part. Returns the number of vertices that\n"
+    "With components of the first mesh selected only their vertices take part. Returns the number "
+    "of vertices that\n"
     "found no place.\n";
 
 /// Mean of each face's points.
-MPointArray faceCentres(const MPointArray& points, const MIntArray& counts, const MIntArray& connects) {
+MPointArray faceCentres(const MPointArray& points, const MIntArray& counts,
+                        const MIntArray& connects) {
   MPointArray centres(counts.length());
   unsigned int corner = 0;
   for (unsigned int f = 0; f < counts.length(); ++f) {
     MVector sum;
-    for (int k = 0; k < counts[f]; ++k) sum += MVector(points[static_cast<unsigned int>(connects[corner++])]);
+    for (int k = 0; k < counts[f]; ++k)
+      sum += MVector(points[static_cast<unsigned int>(connects[corner++])]);
     centres[f] = MPoint(sum / static_cast<double>(counts[f]));
   }
   return centres;
@@ -65,18 +70,24 @@ MIntArray chosenVertices(const meshPair& pair, unsigned int vertexCount) {
 
 }  // namespace
 
-transferVertexNormalsCmd::transferVertexNormalsCmd() : space(MSpace::kWorld), maxDistance(0.0), unplaced(0) {}
+transferVertexNormalsCmd::transferVertexNormalsCmd()
+    : space(MSpace::kWorld), maxDistance(0.0), unplaced(0) {}
 
-void* transferVertexNormalsCmd::creator() { return new transferVertexNormalsCmd; }
+void* transferVertexNormalsCmd::creator() {
+  return new transferVertexNormalsCmd;
+}
 
-MSyntax transferVertexNormalsCmd::newSyntax() { return transferSyntax(); }
+MSyntax transferVertexNormalsCmd::newSyntax() {
+  return transferSyntax();
+}
 
 MStatus transferVertexNormalsCmd::readSource(const MDagPath& source, cornerNormals& normals) const {
   const MFnMesh meshFn(source);
   MIntArray cornerCounts;
   MStatus status = meshFn.getPoints(normals.points, space);
   if (status == MS::kSuccess) status = meshFn.getVertices(normals.counts, normals.connects);
-  if (status == MS::kSuccess) status = meshFn.getTriangleOffsets(normals.triangleCounts, normals.triangleCorners);
+  if (status == MS::kSuccess)
+    status = meshFn.getTriangleOffsets(normals.triangleCounts, normals.triangleCorners);
   if (status == MS::kSuccess) status = meshFn.getNormalIds(cornerCounts, normals.normalIds);
   if (status == MS::kSuccess) status = meshFn.getNormals(normals.normals, space);
   if (status == MS::kSuccess) normals.prepare();
@@ -91,12 +102,14 @@ MStatus transferVertexNormalsCmd::gatherNormals(const meshPair& pair) {
   MPointArray points;
   MIntArray counts, connects;
   if ((status = meshFn.getPoints(points, space)) != MS::kSuccess) return status;
-  if (!positionsAreFinite(kName, points) || !positionsAreFinite(kName, source.points)) return MS::kFailure;
+  if (!positionsAreFinite(kName, points) || !positionsAreFinite(kName, source.points))
+    return MS::kFailure;
   if ((status = meshFn.getVertices(counts, connects)) != MS::kSuccess) return status;
   const vertexCorners around(counts, connects, points.length());
   const MPointArray centres = faceCentres(points, counts, connects);
   MMeshIntersector nearest;
-  nearest.create(pair.second.node(), space == MSpace::kWorld ? pair.second.inclusiveMatrix() : MMatrix::identity);
+  nearest.create(pair.second.node(),
+                 space == MSpace::kWorld ? pair.second.inclusiveMatrix() : MMatrix::identity);
 
   const MIntArray chosen = chosenVertices(pair, points.length());
   if (!idsAreInRange(chosen, points.length())) return MS::kFailure;
@@ -123,7 +136,8 @@ MStatus transferVertexNormalsCmd::gatherNormals(const meshPair& pair) {
   return MS::kSuccess;
 }
 
-void transferVertexNormalsCmd::splitVertex(const vertexCorners& around, const MVectorArray& ofCorners) {
+void transferVertexNormalsCmd::splitVertex(const vertexCorners& around,
+                                           const MVectorArray& ofCorners) {
   const unsigned int last = vertexIds.length() - 1;
   MVector sum;
   for (unsigned int k = 0; k < ofCorners.length(); ++k) sum += ofCorners[k];
@@ -146,8 +160,9 @@ MStatus transferVertexNormalsCmd::doIt(const MArgList& arguments) {
   isHelp = database.isFlagSet(kHelpFlag);
   if (isHelp) return showHelp(kHelp);
   meshPair pair;
-  status = pair.takeSelection(
-      kName, "qxTransferVertexNormals: select two meshes: the one to shade, then the one with the normals");
+  status = pair.takeSelection(kName,
+                              "qxTransferVertexNormals: select two meshes: the one to shade, then "
+                              "the one with the normals");
   if (status != MS::kSuccess) return status;
   targetPath = pair.first;
   for (const MDagPath* path : {&pair.first, &pair.second})
@@ -160,8 +175,8 @@ MStatus transferVertexNormalsCmd::doIt(const MArgList& arguments) {
 }
 
 MStatus transferVertexNormalsCmd::apply() {
-  // Going through the modifier, the vertices take their earlier normals with them, all corners and locks; what single
-  // corners get after that is covered by them.
+  // Going through the modifier, the vertices take their earlier normals with them, all corners and
+  // locks; what single corners get after that is covered by them.
   MFnMesh meshFn(targetPath);
   MStatus status = meshFn.setVertexNormals(vertexNormals, vertexIds, space, &modifier);
   if (status == MS::kSuccess && cornerFaces.length() > 0)
@@ -174,7 +189,8 @@ MStatus transferVertexNormalsCmd::redoIt() {
   if (vertexIds.length() == 0) return MS::kSuccess;
   const MStatus status = modifier.doIt();
   if (status != MS::kSuccess || cornerFaces.length() == 0) return status;
-  return MFnMesh(targetPath).setFaceVertexNormals(cornerNormalsAtEdges, cornerFaces, cornerVertices, space);
+  return MFnMesh(targetPath)
+      .setFaceVertexNormals(cornerNormalsAtEdges, cornerFaces, cornerVertices, space);
 }
 
 MStatus transferVertexNormalsCmd::undoIt() {

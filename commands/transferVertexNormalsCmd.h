@@ -12,9 +12,10 @@ struct cornerNormals;
 struct meshPair;
 struct vertexCorners;
 
-/// `qxTransferVertexNormals`: the first selected mesh is shaded with the normals of the second: every corner takes the normal that
-/// the second mesh shows at the closest point, on its own side where that lies on a hard edge. Selected components of the
-/// first mesh limit it to their vertices. The result is the number of vertices without a place.
+/// `qxTransferVertexNormals`: the first selected mesh is shaded with the normals of the second:
+/// every corner takes the normal that the second mesh shows at the closest point, on its own side
+/// where that lies on a hard edge. Selected components of the first mesh limit it to their
+/// vertices. The result is the number of vertices without a place.
 class transferVertexNormalsCmd : public MPxCommand {
  public:
   transferVertexNormalsCmd();
@@ -37,10 +38,11 @@ class transferVertexNormalsCmd : public MPxCommand {
   double maxDistance;  ///< cm; 0: no limit
 
   MDagPath targetPath;
-  MIntArray vertexIds;          ///< vertices with a place, ascending
-  MVectorArray vertexNormals;   ///< in `space`, one a vertex of `vertexIds`: what its corners agree on or come to
+  MIntArray vertexIds;         ///< vertices with a place, ascending
+  MVectorArray vertexNormals;  ///< in `space`, one a vertex of `vertexIds`: what its corners agree
+                               ///< on or come to
   MIntArray cornerFaces, cornerVertices;
   MVectorArray cornerNormalsAtEdges;  ///< in `space`, of the corners that differ from their vertex
   int unplaced;
-  MDGModifier modifier;         ///< holds the normals before
+  MDGModifier modifier;  ///< holds the normals before
 };

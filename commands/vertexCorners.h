@@ -11,7 +11,7 @@ struct vertexCorners {
   /// The place in `corners` of a vertex's first corner.
   unsigned int first(int vertex) const { return firsts[static_cast<std::size_t>(vertex)]; }
 
-  std::vector<unsigned int> firsts;   ///< one a vertex, and the end
+  std::vector<unsigned int> firsts;  ///< one a vertex, and the end
   std::vector<unsigned int> corners;
-  std::vector<int> faces;             ///< one a corner
+  std::vector<int> faces;  ///< one a corner
 };

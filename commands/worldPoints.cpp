@@ -31,8 +31,8 @@ bool isEveryVertex(const MIntArray& vertexIds, unsigned int vertexCount) {
   return true;
 }
 
-MStatus writeWorldPoints(const MDagPath& mesh, const MIntArray& vertexIds, const MPointArray& positions,
-                         MPointArray* current) {
+MStatus writeWorldPoints(const MDagPath& mesh, const MIntArray& vertexIds,
+                         const MPointArray& positions, MPointArray* current) {
   if (!mesh.isValid()) return MS::kFailure;
   if (isEveryVertex(vertexIds, static_cast<unsigned int>(MFnMesh(mesh).numVertices())))
     return writeAllWorldPoints(mesh, positions);
@@ -69,10 +69,12 @@ bool isFinite(const MPoint& point) {
   return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
 }
 
-/// Whether all are numbers, in one pass without a branch a point: anything times zero is zero unless it is no number.
+/// Whether all are numbers, in one pass without a branch a point: anything times zero is zero
+/// unless it is no number.
 bool areFinite(const MPointArray& points) {
   double nothing = 0.0;
-  for (unsigned int i = 0; i < points.length(); ++i) nothing += (points[i].x + points[i].y + points[i].z) * 0.0;
+  for (unsigned int i = 0; i < points.length(); ++i)
+    nothing += (points[i].x + points[i].y + points[i].z) * 0.0;
   return nothing == 0.0;
 }
 
@@ -86,7 +88,8 @@ void reportVertex(const char* command, int vertex) {
 
 }  // namespace
 
-bool positionsAreFinite(const char* command, const MIntArray& vertexIds, const MPointArray& positions) {
+bool positionsAreFinite(const char* command, const MIntArray& vertexIds,
+                        const MPointArray& positions) {
   if (areFinite(positions)) return true;
   for (unsigned int i = 0; i < positions.length(); ++i) {
     if (isFinite(positions[i])) continue;

@@ -4,22 +4,24 @@
 
 #include "tests/toolkit/toolkit_session.h"
 
-// What every command makes of input that it can't work with: the words it says, and the scene as it was.
+// What every command makes of input that it can't work with: the words it says, and the scene as it
+// was.
 
 namespace {
 
 constexpr const char* kOneObject = "Only works on one object at a time!";
-constexpr const char* kMergeObjects = "mergeVert command does not work with multiple objects selected.";
+constexpr const char* kMergeObjects =
+    "mergeVert command does not work with multiple objects selected.";
 constexpr const char* kTwoObjects = "this function only works with 2 objects selected";
 constexpr const char* kMeshes = "select two meshes";
 constexpr const char* kSilent = "";  ///< fails, and the host alone says so
 
 struct badInput {
   const char* command;
-  const char* good;        ///< a selection of "shape" that it works on
-  const char* nothing;     ///< what it says with nothing selected
-  const char* twoMeshes;   ///< ... with components of two meshes
-  const char* faceless;    ///< ... with a mesh without faces
+  const char* good;       ///< a selection of "shape" that it works on
+  const char* nothing;    ///< what it says with nothing selected
+  const char* twoMeshes;  ///< ... with components of two meshes
+  const char* faceless;   ///< ... with a mesh without faces
 };
 
 const badInput kCommands[] = {
@@ -27,7 +29,8 @@ const badInput kCommands[] = {
     {"qxCircleVertsCmd", "shape.vtx[0:2] shape.vtx[5:7]", kSilent, kOneObject, kSilent},
     {"qxMakePlanarCmd", "shape.f[0:3]", kSilent, kOneObject, kSilent},
     {"qxSnapVertsToAxis", "shape.vtx[0:4]", kSilent, kOneObject, kSilent},
-    {"qxMergeVerts -id 1", "shape.vtx[0:4]", kMergeObjects, kMergeObjects, "mergeVert command failed: Selected Verts cannot be merged"},
+    {"qxMergeVerts -id 1", "shape.vtx[0:4]", kMergeObjects, kMergeObjects,
+     "mergeVert command failed: Selected Verts cannot be merged"},
     {"projectMeshOnMeshCmd -wd y", "shape other", kTwoObjects, nullptr, kTwoObjects},
     {"qxTransferTopology", "shape other", kMeshes, nullptr, kMeshes},
     {"qxTransferVertexNormals", "shape other", kMeshes, nullptr, kMeshes},
@@ -36,17 +39,22 @@ const badInput kCommands[] = {
 };
 
 void makeScene(toolkitSession& toolkit) {
-  toolkit.run("file -f -new; polyPlane -name shape -sx 4 -sy 4 -ch 0; polyCube -name other -ch 0; createNode mesh -name empty;"
-              "select -cl;");
+  toolkit.run(
+      "file -f -new; polyPlane -name shape -sx 4 -sy 4 -ch 0; polyCube -name other -ch 0; "
+      "createNode mesh -name empty;"
+      "select -cl;");
   MPointArray points = toolkitSession::points("shape");
   for (unsigned int i = 0; i < points.length(); ++i) points[i].y = 0.1 * ((i * 7) % 5);
   toolkitSession::setPoints("shape", points);
 }
 
 /// Undoing a selection of edges leaves their objects hilited, which the document's hash tells.
-bool leavesHilite(const std::string& command) { return command.find("qxSelectCmd") == 0; }
+bool leavesHilite(const std::string& command) {
+  return command.find("qxSelectCmd") == 0;
+}
 
-void checkRefusal(toolkitSession& toolkit, const badInput& input, const char* why, const char* text) {
+void checkRefusal(toolkitSession& toolkit, const badInput& input, const char* why,
+                  const char* text) {
   CAPTURE(std::string(input.command));
   CAPTURE(std::string(why));
   const std::uint64_t before = toolkit.hash();
@@ -84,7 +92,8 @@ TEST_CASE("bad input: components that were deleted since they were selected coun
   for (const badInput& input : kCommands) {
     CAPTURE(std::string(input.command));
     makeScene(toolkit);
-    // A later mesh of the same name has four vertices only; the selection still lists what the first one had.
+    // A later mesh of the same name has four vertices only; the selection still lists what the
+    // first one had.
     toolkit.run(std::string("select -r ") + input.good);
     MFnMesh shape(toolkitSession::path("shape"));
     MPointArray corners;
@@ -102,20 +111,24 @@ TEST_CASE("bad input: components that were deleted since they were selected coun
 
 TEST_CASE("bad input: positions that are no numbers are named, and nothing moves") {
   toolkitSession toolkit;
-  for (const double bad : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()})
+  for (const double bad :
+       {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()})
     for (const badInput& input : kCommands) {
       if (leavesHilite(input.command)) continue;  // a selection has no positions
       makeScene(toolkit);
       toolkitSession::setPoint("shape", 1, MPoint(0.5, bad, 0));
       toolkit.run(std::string("select -r ") + input.good);
-      checkRefusal(toolkit, input, "a vertex nowhere", "vertex 1 has a position that is not a number");
+      checkRefusal(toolkit, input, "a vertex nowhere",
+                   "vertex 1 has a position that is not a number");
     }
 }
 
 TEST_CASE("a million selected vertices are no trouble for any command, and come back") {
   toolkitSession toolkit;
-  toolkit.run("file -f -new; polyPlane -name shape -sx 1000 -sy 999 -w 100 -h 100 -ch 0; polyPlane -name other -w 300 -h 300 -sx 4 -sy 4 -ch 0;"
-              "move -r 0 0.3 0 shape.vtx[5] shape.vtx[500000];");
+  toolkit.run(
+      "file -f -new; polyPlane -name shape -sx 1000 -sy 999 -w 100 -h 100 -ch 0; polyPlane -name "
+      "other -w 300 -h 300 -sx 4 -sy 4 -ch 0;"
+      "move -r 0 0.3 0 shape.vtx[5] shape.vtx[500000];");
   struct row {
     const char *select, *command;
   };

@@ -30,11 +30,16 @@ std::string selectionOf(toolkitSession& toolkit, const char* names) {
 
 }  // namespace
 
-TEST_CASE("qxSelectCmd: borders of faces, hard edges of whole objects and both together, on every selected object") {
+TEST_CASE(
+    "qxSelectCmd: borders of faces, hard edges of whole objects and both together, on every "
+    "selected object") {
   toolkitSession toolkit;
-  toolkit.run("file -f -new; polyPlane -name grid -sx 4 -sy 4 -ch 0; polyCube -name box -ch 0; polySoftEdge -a 180 -ch 0 grid;");
+  toolkit.run(
+      "file -f -new; polyPlane -name grid -sx 4 -sy 4 -ch 0; polyCube -name box -ch 0; "
+      "polySoftEdge -a 180 -ch 0 grid;");
   // A cube's edges are hard. Around the inner faces 5, 6, 9 and 10 of the grid lie eight edges.
-  const std::string ring = selectionOf(toolkit, "`polyListComponentConversion -te -border grid.f[5:6] grid.f[9:10]`");
+  const std::string ring =
+      selectionOf(toolkit, "`polyListComponentConversion -te -border grid.f[5:6] grid.f[9:10]`");
   const std::string faceEdges = selectionOf(toolkit, "`polyListComponentConversion -te box.f[0]`");
   const std::string all = selectionOf(toolkit, "box.e[0:11]");
   CHECK(ring != all);
@@ -42,7 +47,9 @@ TEST_CASE("qxSelectCmd: borders of faces, hard edges of whole objects and both t
   toolkit.run("select -r grid.f[5:6] grid.f[9:10]; qxSelectCmd -be 1");
   CHECK(selected() == ring);
   CHECK(hilited().find("grid") != std::string::npos);
-  toolkit.run("if (`currentCtx` != \"selectSuperContext\" || !`selectMode -q -component` || !`selectType -q -eg`) error \"mode\"");
+  toolkit.run(
+      "if (`currentCtx` != \"selectSuperContext\" || !`selectMode -q -component` || !`selectType "
+      "-q -eg`) error \"mode\"");
 
   toolkit.run("select -r box.f[0]; qxSelectCmd -borderEdge true");
   CHECK(selected() == faceEdges);
@@ -56,7 +63,9 @@ TEST_CASE("qxSelectCmd: borders of faces, hard edges of whole objects and both t
   CHECK(selected() == ring + " " + all);
 }
 
-TEST_CASE("qxSelectCmd: undo brings the earlier selection back and leaves the hilite on the edges' objects; redo the edges") {
+TEST_CASE(
+    "qxSelectCmd: undo brings the earlier selection back and leaves the hilite on the edges' "
+    "objects; redo the edges") {
   toolkitSession toolkit;
   toolkit.run("file -f -new; polyCube -name box; polyCube -name other; select -r box.f[2];");
   const std::string before = selected();
@@ -74,8 +83,11 @@ TEST_CASE("qxSelectCmd: undo brings the earlier selection back and leaves the hi
 
 TEST_CASE("qxSelectCmd: without edges to find it fails and nothing changes") {
   toolkitSession toolkit;
-  toolkit.run("file -f -new; polySphere -name ball; polySoftEdge -a 180 ball; polyPlane -name grid; setToolTo moveSuperContext;");
-  const auto refuses = [&](const std::string& select, const std::string& command, const char* text) {
+  toolkit.run(
+      "file -f -new; polySphere -name ball; polySoftEdge -a 180 ball; polyPlane -name grid; "
+      "setToolTo moveSuperContext;");
+  const auto refuses = [&](const std::string& select, const std::string& command,
+                           const char* text) {
     CAPTURE(select);
     CAPTURE(command);
     toolkit.run(select);
@@ -89,7 +101,8 @@ TEST_CASE("qxSelectCmd: without edges to find it fails and nothing changes") {
   };
   refuses("select -cl", "qxSelectCmd -he 1", "");
   refuses("select -r ball", "qxSelectCmd", "ask for border edges");
-  refuses("select -r ball.f[*]", "qxSelectCmd -be 1", "faces that have a border");  // all of a closed mesh
+  refuses("select -r ball.f[*]", "qxSelectCmd -be 1",
+          "faces that have a border");  // all of a closed mesh
   refuses("select -r grid.vtx[3]", "qxSelectCmd -be 1", "faces that have a border");
   refuses("select -r ball persp", "qxSelectCmd -he 1", "no hard edges");
 }

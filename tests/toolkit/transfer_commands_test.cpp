@@ -9,7 +9,8 @@
 
 #include "tests/toolkit/toolkit_session.h"
 
-// Taking shape or normals over from another mesh, judged against surfaces that are known everywhere.
+// Taking shape or normals over from another mesh, judged against surfaces that are known
+// everywhere.
 
 namespace {
 
@@ -55,17 +56,22 @@ double largestTurn(const std::vector<MVector>& a, const std::vector<MVector>& b)
 
 }  // namespace
 
-TEST_CASE("qxTransferTopology: every vertex comes to lie on the second mesh, in every pose and on its own side") {
+TEST_CASE(
+    "qxTransferTopology: every vertex comes to lie on the second mesh, in every pose and on its "
+    "own side") {
   toolkitSession toolkit;
   for (const char* pose : kPoses) {
     CAPTURE(pose);
-    toolkit.run("file -f -new; polySphere -name shape -sx 12 -sy 8 -r 1; polyCube -name box -w 40 -h 40 -d 40;");
+    toolkit.run(
+        "file -f -new; polySphere -name shape -sx 12 -sy 8 -r 1; polyCube -name box -w 40 -h 40 -d "
+        "40;");
     toolkit.run(pose);
     const MPointArray before = toolkitSession::points("shape");
     toolkit.run("select -r shape box");
     CHECK(unplaced(toolkit, "qxTransferTopology") == 0);
     for (const MPoint& p : toolkitSession::points("shape"))
-      CHECK(std::max({std::fabs(p.x), std::fabs(p.y), std::fabs(p.z)}) == doctest::Approx(20).epsilon(1e-5));
+      CHECK(std::max({std::fabs(p.x), std::fabs(p.y), std::fabs(p.z)}) ==
+            doctest::Approx(20).epsilon(1e-5));
     toolkit.run("undo");
     CHECK(largestDifference(toolkitSession::points("shape"), before) == 0);
   }
@@ -73,8 +79,9 @@ TEST_CASE("qxTransferTopology: every vertex comes to lie on the second mesh, in 
 
 TEST_CASE("qxTransferTopology: landmarks carry the mesh to where its counterpart is") {
   toolkitSession toolkit;
-  toolkit.run("file -f -new; polySphere -name shape -sx 12 -sy 8 -ch 0; scale 1 1.5 0.7 shape.vtx[*];"
-              "duplicate -name there shape; select -r shape.vtx[5] there.vtx[5]; move 50 3 0 there;");
+  toolkit.run(
+      "file -f -new; polySphere -name shape -sx 12 -sy 8 -ch 0; scale 1 1.5 0.7 shape.vtx[*];"
+      "duplicate -name there shape; select -r shape.vtx[5] there.vtx[5]; move 50 3 0 there;");
   MPointArray there = toolkitSession::points("there");
   CHECK(unplaced(toolkit, "qxTransferTopology") == 0);
   CHECK(largestDifference(toolkitSession::points("shape"), there) < 1e-4);
@@ -83,10 +90,13 @@ TEST_CASE("qxTransferTopology: landmarks carry the mesh to where its counterpart
   CHECK(largestDifference(toolkitSession::points("shape"), there) < 1e-4);
 
   // Turned and stretched, four landmarks that span space say all of it.
-  toolkit.run("undo; setAttr there.rotate -type double3 60 100 20; setAttr there.scale -type double3 2 1 0.5;");
+  toolkit.run(
+      "undo; setAttr there.rotate -type double3 60 100 20; setAttr there.scale -type double3 2 1 "
+      "0.5;");
   there = toolkitSession::points("there");
-  toolkit.run("select -r shape.vtx[0] shape.vtx[30] shape.vtx[50] shape.vtx[85]"
-              " there.vtx[0] there.vtx[30] there.vtx[50] there.vtx[85]");
+  toolkit.run(
+      "select -r shape.vtx[0] shape.vtx[30] shape.vtx[50] shape.vtx[85]"
+      " there.vtx[0] there.vtx[30] there.vtx[50] there.vtx[85]");
   CHECK(unplaced(toolkit, "qxTransferTopology") == 0);
   CHECK(largestDifference(toolkitSession::points("shape"), there) < 1e-3);
   // In object space nothing was turned.
@@ -98,7 +108,8 @@ TEST_CASE("qxTransferTopology: landmarks carry the mesh to where its counterpart
 
 TEST_CASE("qxTransferTopology: the same faces in another order are matched from one face of each") {
   toolkitSession toolkit;
-  toolkit.run("file -f -new; polyTorus -name shape -sx 7 -sy 5; delete shape.f[12]; delete shape.f[20];");
+  toolkit.run(
+      "file -f -new; polyTorus -name shape -sx 7 -sy 5; delete shape.f[12]; delete shape.f[20];");
   const MFnMesh shape(toolkitSession::path("shape"));
   const MPointArray points = toolkitSession::points("shape");
   MIntArray counts, connects;
@@ -112,18 +123,21 @@ TEST_CASE("qxTransferTopology: the same faces in another order are matched from 
   for (const int count : counts) starts.push_back(starts.back() + count);
   MPointArray moved(points.length());
   for (unsigned int v = 0; v < points.length(); ++v)
-    moved[static_cast<unsigned int>(vertexTo[v])] = MPoint(points[v].z * 2, points[v].x + 7, points[v].y * points[v].y);
+    moved[static_cast<unsigned int>(vertexTo[v])] =
+        MPoint(points[v].z * 2, points[v].x + 7, points[v].y * points[v].y);
   MIntArray movedCounts, movedConnects;
   for (const int face : faceOrder) {
     const int count = counts[static_cast<unsigned int>(face)];
     movedCounts.append(count);
     for (int k = 0; k < count; ++k) {  // every loop starts at some other corner
       const int corner = starts[static_cast<std::size_t>(face)] + (k + face) % count;
-      movedConnects.append(vertexTo[static_cast<std::size_t>(connects[static_cast<unsigned int>(corner)])]);
+      movedConnects.append(
+          vertexTo[static_cast<std::size_t>(connects[static_cast<unsigned int>(corner)])]);
     }
   }
   MFnMesh made;
-  made.create(static_cast<int>(moved.length()), static_cast<int>(movedCounts.length()), moved, movedCounts, movedConnects);
+  made.create(static_cast<int>(moved.length()), static_cast<int>(movedCounts.length()), moved,
+              movedCounts, movedConnects);
   toolkit.run("rename polySurface1 other");
   const auto faceIn = std::find(faceOrder.begin(), faceOrder.end(), 4) - faceOrder.begin();
   toolkit.run("select -r shape.f[4] other.f[" + std::to_string(faceIn) + "]");
@@ -135,13 +149,16 @@ TEST_CASE("qxTransferTopology: the same faces in another order are matched from 
   const auto wrong = std::find(faceOrder.begin(), faceOrder.end(), 20) - faceOrder.begin();
   toolkit.run("undo; select -r shape.f[4] other.f[" + std::to_string(wrong) + "]");
   const std::uint64_t before = toolkit.hash();
-  CHECK(toolkit.failure("qxTransferTopology -order true").find("not the same around face 4") != std::string::npos);
+  CHECK(toolkit.failure("qxTransferTopology -order true").find("not the same around face 4") !=
+        std::string::npos);
   CHECK(toolkit.hash() == before);
 }
 
 TEST_CASE("qxTransferTopology: symmetric results, limited reach and their report") {
   toolkitSession toolkit;
-  toolkit.run("file -f -new; polyPlane -name shape -sx 6 -sy 2 -w 6 -h 2; polyPlane -name bumps -sx 30 -sy 10 -w 8 -h 4;");
+  toolkit.run(
+      "file -f -new; polyPlane -name shape -sx 6 -sy 2 -w 6 -h 2; polyPlane -name bumps -sx 30 -sy "
+      "10 -w 8 -h 4;");
   MPointArray bumps = toolkitSession::points("bumps");
   for (MPoint& p : bumps) p.y = 0.3 * std::sin(1.3 * p.x + 0.4 * p.z);
   toolkitSession::setPoints("bumps", bumps);
@@ -167,17 +184,22 @@ TEST_CASE("qxTransferTopology: symmetric results, limited reach and their report
   CHECK(unplaced(toolkit, "qxTransferTopology -md 5") == 15);
 }
 
-TEST_CASE("qxTransferVertexNormals: a copy takes over every corner, hard edges and all, in every pose") {
+TEST_CASE(
+    "qxTransferVertexNormals: a copy takes over every corner, hard edges and all, in every pose") {
   toolkitSession toolkit;
   for (const char* pose : kPoses) {
     CAPTURE(pose);
     // A cylinder has hard rims, smooth sides and n-gon caps.
-    toolkit.run("file -f -new; polyCylinder -name source -sx 12 -sy 3 -sz 1; polySoftEdge -a 40 -ch 0 source;"
-                "duplicate -name shape source; polySoftEdge -a 0 -ch 0 shape;");
+    toolkit.run(
+        "file -f -new; polyCylinder -name source -sx 12 -sy 3 -sz 1; polySoftEdge -a 40 -ch 0 "
+        "source;"
+        "duplicate -name shape source; polySoftEdge -a 0 -ch 0 shape;");
     toolkit.run(pose);
     std::string posed(pose);
-    for (std::size_t at; (at = posed.find("shape")) != std::string::npos;) posed.replace(at, 5, "source");
-    for (std::size_t at; (at = posed.find("above")) != std::string::npos;) posed.replace(at, 5, "over");
+    for (std::size_t at; (at = posed.find("shape")) != std::string::npos;)
+      posed.replace(at, 5, "source");
+    for (std::size_t at; (at = posed.find("above")) != std::string::npos;)
+      posed.replace(at, 5, "over");
     toolkit.run(posed);
     const std::vector<MVector> wanted = shading("source"), before = shading("shape");
     CHECK(largestTurn(wanted, before) > 0.1);
@@ -189,11 +211,16 @@ TEST_CASE("qxTransferVertexNormals: a copy takes over every corner, hard edges a
   }
 }
 
-TEST_CASE("qxTransferVertexNormals: another tessellation shows the interpolated normals; reach and selection limit it") {
+TEST_CASE(
+    "qxTransferVertexNormals: another tessellation shows the interpolated normals; reach and "
+    "selection limit it") {
   toolkitSession toolkit;
-  toolkit.run("file -f -new; polySphere -name source -sx 48 -sy 32 -r 2; polyCube -name shape -w 2 -h 2 -d 2 -sx 3 -sy 3 -sz 3;"
-              "select -r shape source");
-  CHECK(unplaced(toolkit, "qxTransferVertexNormals -md 0.8") == 24);  // the middles of the sides are farther away
+  toolkit.run(
+      "file -f -new; polySphere -name source -sx 48 -sy 32 -r 2; polyCube -name shape -w 2 -h 2 -d "
+      "2 -sx 3 -sy 3 -sz 3;"
+      "select -r shape source");
+  CHECK(unplaced(toolkit, "qxTransferVertexNormals -md 0.8") ==
+        24);  // the middles of the sides are farther away
   toolkit.run("undo");
   CHECK(unplaced(toolkit, "qxTransferVertexNormals") == 0);
   const MPointArray points = toolkitSession::points("shape");
@@ -201,25 +228,32 @@ TEST_CASE("qxTransferVertexNormals: another tessellation shows the interpolated 
   REQUIRE(MFnMesh(toolkitSession::path("shape")).getVertices(counts, connects));
   const std::vector<MVector> shown = shading("shape");
   for (unsigned int c = 0; c < connects.length(); ++c)
-    CHECK((shown[c] - MVector(points[static_cast<unsigned int>(connects[c])]).normal()).length() < 0.02);
+    CHECK((shown[c] - MVector(points[static_cast<unsigned int>(connects[c])]).normal()).length() <
+          0.02);
 
   toolkit.run("undo");
   const std::vector<MVector> before = shading("shape");
   toolkit.run("select -r shape.vtx[0] source");
   CHECK(unplaced(toolkit, "qxTransferVertexNormals") == 0);
   const std::vector<MVector> one = shading("shape");
-  for (unsigned int c = 0; c < connects.length(); ++c) CHECK(((one[c] - before[c]).length() > 0.1) == (connects[c] == 0));
+  for (unsigned int c = 0; c < connects.length(); ++c)
+    CHECK(((one[c] - before[c]).length() > 0.1) == (connects[c] == 0));
 }
 
-TEST_CASE("transfer commands: their flags explain themselves and bad ones are refused with the scene unchanged") {
+TEST_CASE(
+    "transfer commands: their flags explain themselves and bad ones are refused with the scene "
+    "unchanged") {
   toolkitSession toolkit;
-  toolkit.run("file -f -new; polySphere -name shape; polyCube -name box; createNode mesh -name empty; select -r shape box;");
+  toolkit.run(
+      "file -f -new; polySphere -name shape; polyCube -name box; createNode mesh -name empty; "
+      "select -r shape box;");
   for (const char* command : {"qxTransferTopology", "qxTransferVertexNormals"}) {
     CAPTURE(command);
     const auto help = toolkit.session->executeLine(std::string(command) + " -help");
     REQUIRE(help.has_value());
     CHECK(help->printText().find("-maxDistance") != std::string::npos);
-    const auto refuses = [&](const std::string& select, const std::string& flags, const char* text) {
+    const auto refuses = [&](const std::string& select, const std::string& flags,
+                             const char* text) {
       CAPTURE(flags);
       toolkit.run(select);
       const std::uint64_t before = toolkit.hash();
