@@ -174,8 +174,9 @@ void topologyTransferCmd::putOnSurface(const MDagPath& target, const MPointArray
                                        const MVectorArray& normals, double size) {
   MFnMesh targetFn(target);
   MMeshIsectAccelParams accelParams = MFnMesh::autoUniformGridParams();
+  MObject targetNode = target.node();
   MMeshIntersector nearest;
-  nearest.create(target.node(),
+  nearest.create(targetNode,
                  space == MSpace::kWorld ? target.inclusiveMatrix() : MMatrix::identity);
   const double limit = maxDistance > 0.0 ? maxDistance : 4.0 * size;
   const double rounding = 1e-6 * size;
@@ -219,6 +220,9 @@ MStatus topologyTransferCmd::placeOnSurface(const MDagPath& target,
   MFnMesh(movedPath).getVertices(counts, connects);
   MVectorArray normals;
   vertexNormals(warped, counts, connects, normals);
+  // Seen in a mirroring transform faces run the other way round than their normals are.
+  if (space == MSpace::kWorld && movedPath.inclusiveMatrix().det3x3() < 0.0)
+    for (unsigned int v = 0; v < normals.length(); ++v) normals[v] = -normals[v];
   putOnSurface(target, warped, normals,
                sizeOf(warped) + sizeOf(targetPoints) + warped[0].distanceTo(targetPoints[0]));
   for (const auto& [vertex, other] : landmarks) {

@@ -107,8 +107,9 @@ MStatus transferVertexNormalsCmd::gatherNormals(const meshPair& pair) {
   if ((status = meshFn.getVertices(counts, connects)) != MS::kSuccess) return status;
   const vertexCorners around(counts, connects, points.length());
   const MPointArray centres = faceCentres(points, counts, connects);
+  MObject sourceNode = pair.second.node();
   MMeshIntersector nearest;
-  nearest.create(pair.second.node(),
+  nearest.create(sourceNode,
                  space == MSpace::kWorld ? pair.second.inclusiveMatrix() : MMatrix::identity);
 
   const MIntArray chosen = chosenVertices(pair, points.length());

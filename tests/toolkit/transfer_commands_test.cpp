@@ -77,6 +77,23 @@ TEST_CASE(
   }
 }
 
+TEST_CASE("qxTransferTopology: vertices go along their normals, mirrored meshes too") {
+  toolkitSession toolkit;
+  for (const char* scale : {"1 1 1", "-1 1 1"}) {
+    CAPTURE(std::string(scale));
+    toolkit.run(
+        "file -f -new; polySphere -name shape -sx 20 -sy 14 -r 1; polyCube -name box -w 6 -h 6 -d "
+        "6;"
+        "setAttr shape.scale -type double3 " +
+        std::string(scale));
+    const MPointArray before = toolkitSession::points("shape");
+    toolkit.run("select -r shape box; qxTransferTopology");
+    const MPointArray after = toolkitSession::points("shape");
+    for (unsigned int i = 0; i < after.length(); ++i)  // from the middle of a ball that is outwards
+      CHECK((MVector(after[i]).normal() ^ MVector(before[i]).normal()).length() < 0.05);
+  }
+}
+
 TEST_CASE("qxTransferTopology: landmarks carry the mesh to where its counterpart is") {
   toolkitSession toolkit;
   toolkit.run(
