@@ -71,8 +71,15 @@ class Writer {
           only->insert(path.nodes().begin(), path.nodes().end());
     }
     const auto isWanted = [&](const Node* node) { return !only || only->count(node) != 0; };
-    for (const dg::NodePtr& node : graph_.nodes())
-      if (isWanted(node.get()) && isBaked(*node)) baked_.insert(node.get());
+    for (const dg::NodePtr& node : graph_.nodes()) {
+      if (!isWanted(node.get()) || !isBaked(*node)) continue;
+      if (nodes::evaluatedMesh(*node))
+        baked_.insert(node.get());
+      else
+        result_.warnings.push_back(fmt::format(
+            "'{}' cannot be evaluated: what was edited after its history was made is not saved",
+            node->name()));
+    }
     findFeeders();
     const auto add = [&](Node* node) {
       if (!isWanted(node) || feeders_.count(node) != 0) return;

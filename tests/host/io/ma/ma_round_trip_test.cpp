@@ -180,3 +180,30 @@ TEST_CASE("saved scenes: what no file can hold is refused by name") {
   REQUIRE_FALSE(text);
   CHECK(text.error().message.find("'badShape'") != std::string::npos);
 }
+
+TEST_CASE("saved scenes: what made exported meshes can be left out") {
+  MaScene scene;
+  dg::Node& ball = scene.make("transform", "ball");
+  dg::Node& shape = scene.make("mesh", "ballShape", &ball);
+  scene.make("polySphere", "polySphere1");
+  REQUIRE(scene.graph().connect(scene.plug("polySphere1.output"), scene.plug("ballShape.inMesh")));
+  scene.make("transform", "other");
+  const std::vector<dg::Node*> only = {&shape};
+  const auto text = io::formatMa(*scene.document, scene.kept,
+                                 {.name = "a.ma",
+                                  .modified = {},
+                                  .version = "2016",
+                                  .requirements = {},
+                                  .only = &only,
+                                  .withHistory = false});
+  REQUIRE(text);
+  CHECK(text->warnings.empty());
+  MaScene opened;
+  opened.open(text->text);
+  const mesh::Mesh seen = scene.mesh("ballShape"), written = opened.mesh("|ball|ballShape");
+  CHECK(written.topology() == seen.topology());
+  CHECK(std::ranges::equal(written.points(), seen.points()));
+  CHECK(written.uvSet(0) == seen.uvSet(0));
+  CHECK(opened->nodesNamed("other").empty());
+  CHECK(opened->nodesNamed("polySphere1").empty());
+}
