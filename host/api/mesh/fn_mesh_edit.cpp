@@ -5,6 +5,7 @@
 #include <maya/MMeshSmoothOptions.h>
 #include <maya/MPlug.h>
 
+#include "host/api/graph/modifier.h"
 #include "host/api/mesh/fn_mesh.h"
 #include "host/nodes/mesh_node.h"
 #include "host/nodes/mesh_shape.h"
@@ -30,13 +31,14 @@ MStatus writeThrough(MDGModifier& modifier, const dg::Plug& plug, mesh::Mesh mes
   return status ? modifier.doIt() : status;
 }
 
-/// A shape without history keeps everything in one plug, unless its tweaks are still apart.
+/// A shape without history keeps everything in one place; tweaks are part of what was read, so they go.
 MStatus writeStoredThrough(MDGModifier& modifier, dg::Node& shape, mesh::Mesh mesh) {
-  if (shape.graph().elementCount(shape.plug("pnts")) > 0) {
-    rememberError(Error{"'" + shape.name() + "' has tweaks; a modifier can't replace its mesh"});
-    return MStatus::kFailure;
-  }
-  return writeThrough(modifier, shape.plug("inMesh"), std::move(mesh));
+  modifierOf(modifier).add([node = wrap(&shape), mesh = std::move(mesh)]() -> Result<void> {
+    dg::Node* now = nodeOf(node);
+    if (!now || !now->isAlive()) return fail("A mesh to be written is deleted");
+    return nodes::setStoredMesh(*now, mesh);
+  });
+  return modifier.doIt();
 }
 
 std::span<const Index> idsOf(const MIntArray& ids) { return {ids.begin(), ids.length()}; }

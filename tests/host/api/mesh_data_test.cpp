@@ -329,3 +329,23 @@ TEST_CASE("MFnMesh: split, edge extrusion, copies and extraction of faces edit t
   CHECK_FALSE(fn.extractFaces(MIntArray(none, 1), nullptr));
   CHECK_FALSE(fn.booleanOp(MFnMesh::kUnion, fn, fn));
 }
+
+TEST_CASE("MFnMesh: an edit through a modifier takes tweaks along and gives them back") {
+  const auto session = host::api::makeHostSession();
+  REQUIRE(session->executeLine("polyPlane -n p -sx 1 -sy 1 -ch 0; setAttr pShape.pnts[2] 0 3 0;"));
+  MSelectionList list;
+  list.add("pShape");
+  MDagPath path;
+  list.getDagPath(0, path);
+  MFnMesh fn(path);
+  const std::size_t before = session->document().hash();
+  MDGModifier modifier;
+  MVector up(0, 1, 0);
+  REQUIRE(fn.setVertexNormal(up, 1, MSpace::kObject, &modifier));
+  MPoint point;
+  fn.getPoint(2, point);
+  CHECK(point.y == doctest::Approx(3));
+  REQUIRE(modifier.undoIt());
+  CHECK(session->document().hash() == before);
+  CHECK(session->document().graph().elementCount(session->document().nodesNamed("pShape").front()->plug("pnts")) == 1);
+}
