@@ -45,16 +45,16 @@ struct BevelEdgesResult {
 /// Faces at a bevelled edge draw back from it. At a vertex with one bevelled edge the two new
 /// corners slide along the edges beside it, and the vertex stays if it has more than three edges;
 /// with two bevelled edges the strips meet; with more, or with one at a vertex that stays, a face
-/// closes the gap. No new corner slides past the end of its edge. Border and non-manifold edges,
-/// edges at vertices with several fans of faces, between faces wound against each other and with one
-/// face on both sides are left alone. Faces keep their ids, strips follow in order of the edges and then caps in order of the
+/// closes the gap. Border and non-manifold edges, edges at vertices with several fans of faces,
+/// between faces wound against each other and with one face on both sides are left alone.
+///
+/// Faces keep their ids, strips follow in order of the edges and then caps in order of the
 /// vertices; vertices that were replaced go, new ones follow in order of the old vertices. Edges
 /// that are left keep their ids, smoothness and crease. UVs and colours of faces are those of the
 /// new places; strips join those of both sides or, at a seam, lie on the side of the face that
-/// walks the edge forwards. Linear in the mesh.
+/// walks the edge forwards. Costs a copy of the mesh, a pass over it, and what is bevelled.
 /// @return what became of components, or an error for a bad id or number, a space without inverse,
-/// or when no listed
-///         edge can be bevelled, with `mesh` untouched.
+/// or when no listed edge can be bevelled, with `mesh` untouched.
 [[nodiscard]] Result<BevelEdgesResult> bevelEdges(Mesh& mesh, std::span<const EdgeId> edges,
                                                   const BevelEdgesOptions& options = {});
 
