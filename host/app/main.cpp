@@ -1,11 +1,11 @@
 #include <unistd.h>
 
-#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
 
 #include "host/api/session/host_session.h"
+#include "host/app/interrupts.h"
 #include "host/app/options.h"
 #include "host/app/paths.h"
 #include "host/app/prompt.h"
@@ -15,12 +15,6 @@
 
 namespace host::app {
 namespace {
-
-cmd::Session* interruptible = nullptr;
-
-void onInterrupt(int) {
-  if (interruptible) interruptible->interrupt();
-}
 
 /// A MEL string literal.
 std::string quoted(const std::string& text) {
@@ -62,10 +56,9 @@ int runScript(cmd::Session& session, const Options& options) {
   if (!isReadable(options.script)) return kFileFailed;
   (void)session.interpreter().setGlobal("$argv", mel::Value(mel::StringArray(options.arguments)));
   const auto done = session.executeFile(options.script);
-  while (!session.isQuitting && session.processIdle()) {
-  }
+  runIdle(session);
   if (session.isQuitting) return session.exitStatus;
-  return done ? kDone : kScriptFailed;
+  return done && !wasInterrupted() ? kDone : kScriptFailed;
 }
 
 int run(const Options& options) {
@@ -73,8 +66,7 @@ int run(const Options& options) {
   const bool isPrompt = options.interactive || (options.script.empty() && options.commands.empty() && isatty(0));
   auto session = api::makeHostSession();
   session->isBatch = !isPrompt;
-  interruptible = session.get();
-  std::signal(SIGINT, onInterrupt);
+  const InterruptScope interrupts(*session);
   session->interpreter().setScriptPath({paths.scripts().string()});
 
   int status = loadPlugIns(*session, options, paths);
@@ -82,9 +74,9 @@ int run(const Options& options) {
   for (const std::string& command : options.commands) {
     if (status != kDone || session->isQuitting) break;
     if (!session->executeLine(command, {.display = true})) status = kScriptFailed;
-    while (!session->isQuitting && session->processIdle()) {
-    }
+    runIdle(*session);
     if (session->isQuitting) status = session->exitStatus;
+    else if (wasInterrupted()) status = kScriptFailed;
   }
   if (status == kDone && !session->isQuitting) {
     if (options.script == "tour")
@@ -95,7 +87,6 @@ int run(const Options& options) {
       status = runStandardInput(*session);
     if (isPrompt && !session->isQuitting) status = runPrompt(*session);
   }
-  interruptible = nullptr;
   return status;
 }
 

@@ -2,7 +2,6 @@
 
 #include <editline/readline.h>
 
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -11,6 +10,7 @@
 #include <iterator>
 #include <string>
 
+#include "host/app/interrupts.h"
 #include "host/app/options.h"
 
 namespace host::app {
@@ -85,7 +85,13 @@ int runPrompt(cmd::Session& session) {
 
   std::string text;
   while (!session.isQuitting) {
+    forgetInterrupt();
     char* line = readline(text.empty() ? "mel> " : "...> ");
+    if (!line && wasInterrupted()) {
+      text.clear();
+      std::fputc('\n', stdout);
+      continue;
+    }
     if (!line) break;
     text += text.empty() ? line : std::string("\n") + line;
     if (*line) add_history(line);
@@ -103,10 +109,9 @@ int runPrompt(cmd::Session& session) {
 int runStandardInput(cmd::Session& session) {
   const std::string text{std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
   const auto done = session.executeLine(text, {.source = {"standard input"}});
-  while (session.processIdle()) {
-  }
+  runIdle(session);
   if (session.isQuitting) return session.exitStatus;
-  return done ? kDone : kScriptFailed;
+  return done && !wasInterrupted() ? kDone : kScriptFailed;
 }
 
 }  // namespace host::app

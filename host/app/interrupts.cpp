@@ -1,0 +1,36 @@
+#include "host/app/interrupts.h"
+
+#include <csignal>
+
+namespace host::app {
+namespace {
+
+cmd::Session* interruptible = nullptr;
+volatile std::sig_atomic_t interruptCame = 0;
+
+void onInterrupt(int) {
+  interruptCame = 1;
+  if (interruptible) interruptible->interrupt();
+}
+
+}  // namespace
+
+InterruptScope::InterruptScope(cmd::Session& session) {
+  interruptible = &session;
+  std::signal(SIGINT, onInterrupt);
+}
+
+InterruptScope::~InterruptScope() {
+  std::signal(SIGINT, SIG_DFL);
+  interruptible = nullptr;
+}
+
+bool wasInterrupted() { return interruptCame != 0; }
+void forgetInterrupt() { interruptCame = 0; }
+
+void runIdle(cmd::Session& session) {
+  while (!session.isQuitting && !wasInterrupted() && session.processIdle()) {
+  }
+}
+
+}  // namespace host::app
