@@ -1,3 +1,4 @@
+#include <cmath>
 #include <filesystem>
 
 #include "host/builtins/common/command.h"
@@ -10,14 +11,16 @@ namespace {
 namespace fs = std::filesystem;
 
 /// The file a picture goes to: as given when complete, else with frame number and extension.
-std::string pictureFile(const ParsedArgs& args) {
+std::string pictureFile(Context& context, const ParsedArgs& args) {
   if (args.has("completeFilename")) return args.text("completeFilename");
   const std::string base = args.text("filename", "playblast");
-  return base + fmt::format(".{:04}.png", args.integer("frame", 1));
+  const double rate = context.document.units().framesPerSecond();
+  const double frame = args.has("frame") ? args.real("frame") * rate : 1;
+  return base + fmt::format(".{:04}.png", std::lround(frame));
 }
 
 CommandResult playblast(Context& context, const ParsedArgs& args) {
-  const std::string file = pictureFile(args);
+  const std::string file = pictureFile(context, args);
   const std::string format = args.text("format", "image");
   const std::string compression = args.text("compression", "png");
   if (format != "image") return fail("playblast: the format \"{}\" is not available; use \"image\"", format);

@@ -1,0 +1,101 @@
+// Pictures of a view in a file.
+#include <doctest/doctest.h>
+
+#include <filesystem>
+
+#include "host/base/messages.h"
+#include "host/builtins/register.h"
+#include "host/builtins/view/views.h"
+#include "host/io/png_reader.h"
+
+using namespace host;
+
+namespace {
+
+const std::filesystem::path kFolder = std::filesystem::path(QXMT_BINARY_DIR) / "playblast_test_files";
+
+bool canDraw(cmd::Session& session) { return session.service<builtins::Views>().offscreen().has_value(); }
+
+std::string failure(cmd::Session& session, const std::string& mel) {
+  const MessageCapture said;
+  CAPTURE(mel);
+  CHECK_FALSE(session.executeLine(mel).has_value());
+  return said.text(MessageKind::Error);
+}
+
+bool same(const std::uint8_t* a, const std::uint8_t* b) { return std::equal(a, a + 3, b); }
+
+}  // namespace
+
+TEST_CASE("a picture has the size that was asked for, under the name that is returned") {
+  const auto session = builtins::makeSession();
+  if (!canDraw(*session)) return;  // a machine without an OpenGL driver
+  std::filesystem::remove_all(kFolder);
+  std::filesystem::create_directories(kFolder);
+  struct Case {
+    const char* flags;
+    const char* file;
+    int width, height;
+  };
+  const std::string base = (kFolder / "shot").string();
+  for (const Case& each : {Case{"", ".0001.png", 960, 540}, {"-p 50", ".0001.png", 480, 270}, {"-wh 320 200", ".0001.png", 320, 200},
+                           {"-wh 320 200 -p 50 -fr 7", ".0007.png", 160, 100}, {"-wh 101 51 -percent 50", ".0001.png", 50, 25},
+                           {"-wh 1 1 -fr 12345", ".12345.png", 1, 1}, {"-wh 64 2000", ".0001.png", 64, 2000},
+                           {"-wh 30 20 -p 200 -epn modelPanel1 -fmt image -c png -v 0 -os", ".0001.png", 60, 40}}) {
+    CAPTURE(each.flags);
+    const auto file = session->executeLine(std::string("playblast ") + each.flags + " -f \"" + base + "\"");
+    REQUIRE(file);
+    CHECK(file->toText().value() == base + each.file);
+    const auto picture = io::readPng(base + each.file);
+    REQUIRE(picture);
+    CHECK(picture->width == each.width);
+    CHECK(picture->height == each.height);
+  }
+  const std::string whole = (kFolder / "whole name").string();
+  REQUIRE(session->executeLine("playblast -wh 8 8 -completeFilename \"" + whole + "\""));
+  CHECK(io::readPng(whole));
+}
+
+TEST_CASE("the picture shows what the panel shows, upright") {
+  const auto session = builtins::makeSession();
+  if (!canDraw(*session)) return;  // a machine without an OpenGL driver
+  std::filesystem::create_directories(kFolder);
+  const std::string file = (kFolder / "view.png").string();
+  // In the front view a box up and to the right of the middle; nothing in the other quarters.
+  REQUIRE(session->executeLine("polyCube -n box -w 4 -h 2 -d 1; move 6 3 0; select -cl; modelEditor -e -grid 0 modelPanel3"));
+  REQUIRE(session->executeLine("playblast -wh 300 200 -orn 0 -epn modelPanel3 -cf \"" + file + "\""));
+  const auto picture = io::readPng(file);
+  REQUIRE(picture);
+  // 30 cm across 300 pixels; rows count from the top.
+  const auto at = [&](double x, double y) {
+    return picture->rgba.data() + 4 * (static_cast<std::size_t>(100 - 10 * y) * 300 + static_cast<std::size_t>(150 + 10 * x));
+  };
+  const std::uint8_t* const bare = at(-6, 3);
+  CHECK(same(bare, at(-6, -3)) == same(at(6, -3), at(-6, -3)));
+  CHECK_FALSE(same(at(6, 3), bare));
+  CHECK_FALSE(same(at(4.3, 2.3), at(3.5, 2.3)));
+  CHECK_FALSE(same(at(7.7, 3.7), at(7.7, 4.4)));
+  // Drawing is no work on the scene.
+  const std::uint64_t hash = session->document().hash();
+  const std::size_t steps = session->undo().itemCount();
+  REQUIRE(session->executeLine("playblast -wh 30 20 -cf \"" + file + "\""));
+  CHECK(session->document().hash() == hash);
+  CHECK(session->undo().itemCount() == steps);
+}
+
+TEST_CASE("a picture that can't be made says why and leaves no file") {
+  const auto session = builtins::makeSession();
+  const std::string file = (kFolder / "none.png").string();
+  const std::string to = " -cf \"" + file + "\"";
+  std::filesystem::remove(file);
+  CHECK(failure(*session, "playblast -wh 0 10" + to).find("0 x 10") != std::string::npos);
+  CHECK(failure(*session, "playblast -wh 10 -5" + to).find("10 x -5") != std::string::npos);
+  CHECK(failure(*session, "playblast -p 0" + to).find("0 x 0") != std::string::npos);
+  CHECK(failure(*session, "playblast -fmt avi" + to).find("avi") != std::string::npos);
+  CHECK(failure(*session, "playblast -c jpg" + to).find("jpg") != std::string::npos);
+  CHECK(failure(*session, "playblast -epn noPanel" + to).find("noPanel") != std::string::npos);
+  CHECK_FALSE(failure(*session, "playblast -wh 1000000 1000000" + to).empty());
+  CHECK_FALSE(std::filesystem::exists(file));
+  if (canDraw(*session))
+    CHECK(failure(*session, "playblast -wh 8 8 -cf \"" + (kFolder / "no folder/x.png").string() + "\"").find("no folder") != std::string::npos);
+}
