@@ -203,6 +203,9 @@ Result<SelectionList> Document::resolveAll(const std::vector<std::string>& patte
   for (const std::string& pattern : patterns) {
     const auto list = resolve(pattern);
     if (!list) return failWith(list.error());
+    const bool isPattern = splitAtDot(pattern).node.find_first_of("*?") != std::string_view::npos;
+    if (!isPattern && list->items().size() > 1)
+      return fail("More than one object matches name: {}", pattern);
     all.merge(*list);
   }
   return all;

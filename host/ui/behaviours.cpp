@@ -189,7 +189,9 @@ Result<std::vector<std::string>> fieldGesture(Tree& tree, Control& control, cons
   const bool isNumbered = values.size() > 1;
   const int field = isNumbered ? asInt(values) : 1;
   const std::string_view name = numbered(control, "value", field);
-  if (name.empty() || values.empty()) return fail("{} has no field {}.", control.name, field);
+  const std::size_t shown = getFields(tree, control, *control.type->find("value")).size();
+  if (name.empty() || values.empty() || static_cast<std::size_t>(field) > shown)
+    return fail("{} has no field {}.", control.name, field);
   HOST_TRY(tree.set(control, *control.type->find(name), {values.back()}));
   return scriptsOf(control, {"changeCommand"}, getFields(tree, control, *control.type->find("value")));
 }

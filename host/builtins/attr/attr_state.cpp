@@ -4,6 +4,18 @@ namespace host::builtins {
 
 namespace {
 
+/// The aliases at and below a plug, each followed by the attribute it stands for.
+void collectAliases(dg::Graph& graph, const dg::Plug& plug, std::vector<std::string>& pairs) {
+  const std::string alias = graph.alias(plug);
+  if (!alias.empty()) pairs.insert(pairs.end(), {alias, attributeName(plug)});
+  if (plug.isArray()) {
+    for (const Index index : graph.elementIndices(plug)) collectAliases(graph, plug.element(index), pairs);
+    return;
+  }
+  for (std::size_t i = 0; plug.isCompound() && i < plug.attribute()->children.size(); ++i)
+    collectAliases(graph, plug.child(static_cast<int>(i)), pairs);
+}
+
 CommandResult aliasAttr(Context& context, const ParsedArgs& args) {
   dg::Graph& graph = context.document.graph();
   const std::vector<std::string> names = args.objectNames();
@@ -14,18 +26,10 @@ CommandResult aliasAttr(Context& context, const ParsedArgs& args) {
     auto node = context.document.node(names[0]);
     if (!node) return failWith(std::move(node.error()));
     std::vector<std::string> pairs;
-    const auto visit = [&](const dg::AttributePtr& attribute) {
-      const dg::Plug top = (*node)->plug(attribute.get());
-      std::vector<dg::Plug> plugs{top};
-      if (top.isArray())
-        for (const Index index : graph.elementIndices(top)) plugs.push_back(top.element(index));
-      for (const dg::Plug& each : plugs) {
-        const std::string alias = graph.alias(each);
-        if (!alias.empty()) pairs.insert(pairs.end(), {alias, each.attributePath()});
-      }
-    };
-    for (const dg::AttributePtr& attribute : (*node)->type().attributes()) visit(attribute);
-    for (const dg::AttributePtr& attribute : (*node)->dynamicAttributes()) visit(attribute);
+    for (const dg::AttributePtr& attribute : (*node)->type().attributes())
+      collectAliases(graph, (*node)->plug(attribute.get()), pairs);
+    for (const dg::AttributePtr& attribute : (*node)->dynamicAttributes())
+      collectAliases(graph, (*node)->plug(attribute.get()), pairs);
     return toValue(std::move(pairs));
   }
   if (args.has("remove")) {

@@ -35,17 +35,17 @@ std::vector<std::string> names(const std::vector<dg::AttributePtr>& attributes) 
   return result;
 }
 
-mel::Value defaults(const Attribute& attribute, double factor) {
+mel::Value defaults(const Attribute& attribute, const scene::Units& units) {
   mel::FloatArray result;
   if (attribute.isCompound()) {
     for (const dg::AttributePtr& child : attribute.children) {
-      const mel::Value value = defaults(*child, factor);
+      const mel::Value value = defaults(*child, units);
       result.insert(result.end(), value.floatArray().begin(), value.floatArray().end());
     }
     return result;
   }
   const dg::Value value = attribute.initialValue();
-  if (const auto* real = std::get_if<double>(&value)) result.push_back(*real / factor);
+  if (const auto* real = std::get_if<double>(&value)) result.push_back(*real / unitFactor(attribute.type, units));
   if (const auto* integer = std::get_if<std::int64_t>(&value)) result.push_back(static_cast<double>(*integer));
   return result;
 }
@@ -83,7 +83,7 @@ CommandResult answer(Context& context, const ParsedArgs& args, dg::Node* node, c
   if (what == "maximum") return mel::Value(mel::FloatArray{attribute.maximum.value_or(0) / factor});
   if (what == "range") return range(attribute.minimum, attribute.maximum, factor);
   if (what == "softRange") return range(attribute.softMinimum, attribute.softMaximum, factor);
-  if (what == "listDefault") return defaults(attribute, factor);
+  if (what == "listDefault") return defaults(attribute, context.document.units());
   if (what == "listChildren") return toValue(names(attribute.children));
   if (what == "numberOfChildren") return mel::Value(mel::IntArray{static_cast<int>(attribute.children.size())});
   if (what == "listParent")

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "host/builtins/common/command.h"
 
 namespace host::builtins {
@@ -60,10 +62,11 @@ CommandResult isConnected(Context& context, const ParsedArgs& args) {
   return mel::Value(context.document.graph().source(*destination) == *source);
 }
 
-Plug exactDestination(dg::Graph& graph, const Plug& plug) {
-  for (Plug at = plug; at; at = at.isElement() ? at.array() : at.parent())
-    if (graph.source(at)) return at;
-  return {};
+/// The plug itself or the nearest one above it of which `holds` is true; null when there is none.
+template <class Condition>
+Plug nearest(Plug at, const Condition& holds) {
+  while (at && !holds(at)) at = at.isElement() ? at.array() : at.parent();
+  return at;
 }
 
 CommandResult connectionInfo(Context& context, const ParsedArgs& args) {
@@ -71,8 +74,10 @@ CommandResult connectionInfo(Context& context, const ParsedArgs& args) {
   auto plug = context.document.plug(args.firstObject());
   if (!plug) return failWith(std::move(plug.error()));
   const std::vector<Plug> destinations = graph.destinations(*plug);
-  if (args.has("isSource")) return mel::Value(!destinations.empty());
-  if (args.has("isDestination")) return mel::Value(!graph.source(*plug).isNull());
+  const Plug exactSource = nearest(*plug, [&](const Plug& at) { return !graph.destinations(at).empty(); });
+  const Plug exactDestination = nearest(*plug, [&](const Plug& at) { return !graph.source(at).isNull(); });
+  if (args.has("isSource")) return mel::Value(!exactSource.isNull());
+  if (args.has("isDestination")) return mel::Value(!exactDestination.isNull());
   if (args.has("isExactSource")) return mel::Value(!destinations.empty());
   if (args.has("isExactDestination")) return mel::Value(!graph.source(*plug).isNull());
   if (args.has("isLocked")) return mel::Value(graph.isLockedHereOrAbove(*plug));
@@ -85,11 +90,9 @@ CommandResult connectionInfo(Context& context, const ParsedArgs& args) {
     for (const Plug& destination : destinations) names.push_back(plugName(destination));
     return toValue(std::move(names));
   }
-  if (args.has("getExactSource")) return mel::Value(destinations.empty() ? std::string{} : plugName(*plug));
-  if (args.has("getExactDestination")) {
-    const Plug exact = exactDestination(graph, *plug);
-    return mel::Value(exact ? plugName(exact) : std::string{});
-  }
+  for (const auto& [flag, exact] :
+       {std::pair{"getExactSource", exactSource}, std::pair{"getExactDestination", exactDestination}})
+    if (args.has(flag)) return mel::Value(exact ? plugName(exact) : std::string{});
   return fail("connectionInfo: say what to ask for.");
 }
 

@@ -61,7 +61,8 @@ class AttributeLister {
     const Attribute& attribute = *plug.attribute();
     const auto needs = [&](std::string_view flag, bool holds) { return !args_.has(flag) || holds; };
     if (!needs("userDefined", attribute.isDynamic)) return false;
-    if (!needs("keyable", graph_.flag(plug, PlugFlag::Keyable))) return false;
+    // What takes keys are the values: a compound's children, never the compound.
+    if (!needs("keyable", !attribute.isCompound() && graph_.flag(plug, PlugFlag::Keyable))) return false;
     if (!needs("channelBox", graph_.flag(plug, PlugFlag::ChannelBox))) return false;
     if (!needs("locked", graph_.isLockedHereOrAbove(plug))) return false;
     if (!needs("unlocked", !graph_.isLockedHereOrAbove(plug))) return false;

@@ -1,6 +1,7 @@
 #include "host/builtins/common/plug_values.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "host/builtins/common/command.h"
 #include "host/scene/component.h"
@@ -123,6 +124,12 @@ Result<mel::Value> flatNumbers(dg::Graph& graph, const scene::Units& units, cons
   return mel::Value(std::move(reals));
 }
 
+std::optional<bool> switchWord(std::string_view text) {
+  if (text == "on" || text == "yes" || text == "true") return true;
+  if (text == "off" || text == "no" || text == "false") return false;
+  return std::nullopt;
+}
+
 Result<dg::Value> leafFrom(const Plug& plug, const scene::Units& units, const mel::Value& value) {
   const AttributeType type = plug.attribute()->type;
   if (type == AttributeType::String) {
@@ -134,9 +141,10 @@ Result<dg::Value> leafFrom(const Plug& plug, const scene::Units& units, const me
     // Scripts hand numbers over as text; a word that is no number would silently become 0.
     const std::string& text = value.string();
     const bool looksNumeric = !text.empty() && text.find_first_not_of("0123456789.+-eE") == std::string::npos;
-    if (!looksNumeric && !(type == AttributeType::Bool && value.toBool()))
+    const std::optional<bool> isOn = type == AttributeType::Bool ? switchWord(text) : std::nullopt;
+    if (!looksNumeric && !isOn)
       return fail("'{}' is a numeric attribute and can't take the string \"{}\".", plugName(plug), text);
-    if (!looksNumeric) return dg::Value(std::int64_t{value.toBool().value_or(false)});
+    if (!looksNumeric) return dg::Value(std::int64_t{*isOn});
   }
   if (type == AttributeType::Bool || type == AttributeType::Enum || isInteger(type)) {
     if (value.isFloat()) return dg::Value(value.floatValue());

@@ -1,5 +1,8 @@
 #include "host/builtins/common/transform_targets.h"
 
+#include <algorithm>
+#include <optional>
+
 #include "host/math/box.h"
 
 namespace host::builtins {
@@ -29,29 +32,47 @@ Result<TransformTargets> transformTargets(const scene::SelectionList& list) {
   return targets;
 }
 
-NumbersAndNames splitNumbers(const ParsedArgs& args, std::size_t most) {
+namespace {
+
+/// A number with or without a unit; nothing when the text is none.
+std::optional<double> measure(std::string_view text, ArgType type, const scene::Units& units) {
+  const std::size_t end = std::min(text.find_first_not_of("+-.0123456789eE"), text.size());
+  if (end == 0) return std::nullopt;
+  const double number = mel::leadingFloat(text.substr(0, end));
+  const std::string_view unit = text.substr(end);
+  scene::Units own = units;
+  if (type == ArgType::Distance && (unit.empty() || scene::parseLinearUnit(unit, own.linear)))
+    return own.toCentimeters(number);
+  if (type == ArgType::Angle && (unit.empty() || scene::parseAngularUnit(unit, own.angular)))
+    return own.toRadians(number);
+  return type == ArgType::Double && unit.empty() ? std::optional(number) : std::nullopt;
+}
+
+/// The numbers that a value is, if it is any.
+std::vector<double> measures(const mel::Value& value, ArgType type, const scene::Units& units) {
+  std::vector<double> numbers;
+  if (value.isInt() || value.isFloat()) numbers = {value.toFloat().value_or(0)};
+  if (value.type() == mel::Type::Vector) numbers = {value.vector().x, value.vector().y, value.vector().z};
+  if (value.type() == mel::Type::FloatArray) numbers.assign(value.floatArray().begin(), value.floatArray().end());
+  for (double& number : numbers) {
+    if (type == ArgType::Distance) number = units.toCentimeters(number);
+    if (type == ArgType::Angle) number = units.toRadians(number);
+  }
+  if (!value.isString()) return numbers;
+  if (const auto number = measure(value.string(), type, units)) numbers.push_back(*number);
+  return numbers;
+}
+
+}  // namespace
+
+NumbersAndNames splitNumbers(const ParsedArgs& args, std::size_t most, ArgType type, const scene::Units& units) {
   NumbersAndNames split;
   bool isInNumbers = true;
   for (const mel::Value& value : args.arguments()) {
     if (isInNumbers && split.numbers.size() < most) {
-      if (value.isInt() || value.isFloat()) {
-        split.numbers.push_back(value.toFloat().value_or(0));
-        continue;
-      }
-      if (value.type() == mel::Type::Vector) {
-        split.numbers.insert(split.numbers.end(), {value.vector().x, value.vector().y, value.vector().z});
-        continue;
-      }
-      if (value.type() == mel::Type::FloatArray) {
-        split.numbers.insert(split.numbers.end(), value.floatArray().begin(), value.floatArray().end());
-        continue;
-      }
-      const bool isNumberText =
-          value.isString() && value.string().find_first_not_of("+-.0123456789eE") == std::string::npos;
-      if (isNumberText) {
-        split.numbers.push_back(mel::leadingFloat(value.string()));
-        continue;
-      }
+      const std::vector<double> numbers = measures(value, type, units);
+      split.numbers.insert(split.numbers.end(), numbers.begin(), numbers.end());
+      if (!numbers.empty()) continue;
     }
     isInNumbers = false;
     for (std::string& name : value.toTexts()) split.names.push_back(std::move(name));

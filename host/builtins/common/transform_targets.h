@@ -23,12 +23,14 @@ struct TransformTargets {
 /// Splits a list; shapes count as their transform. Fails for what has no place in space, naming it.
 [[nodiscard]] Result<TransformTargets> transformTargets(const scene::SelectionList& list);
 
-/// The leading numbers of a command's arguments, and the words after them.
+/// The leading numbers of a command's arguments in cm, radians or as they are, by `type`, and the words after them. A
+/// number may carry its unit, as in 5mm or 0.5rad; without one it is in the scene's.
 struct NumbersAndNames {
   std::vector<double> numbers;
   std::vector<std::string> names;
 };
-[[nodiscard]] NumbersAndNames splitNumbers(const ParsedArgs& args, std::size_t most);
+[[nodiscard]] NumbersAndNames splitNumbers(const ParsedArgs& args, std::size_t most, ArgType type,
+                                           const scene::Units& units);
 
 /// Replaces each vertex of the items by `edit(point)`, given and taken in `space`; points that come back unchanged keep
 /// their bits. Stored as object-space floats, or as tweaks when there is history.

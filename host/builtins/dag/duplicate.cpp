@@ -71,6 +71,9 @@ class Duplicator {
   [[nodiscard]] const std::vector<Node*>& copies() const { return copies_; }
 
  private:
+  /// Whether what is at the ends of the hierarchy is shared between original and copy.
+  [[nodiscard]] bool sharesLeaves() const { return args_.has("instanceLeaf") || args_.has("leaf"); }
+
   static std::string numberless(std::string name) {
     while (!name.empty() && name.back() >= '0' && name.back() <= '9') name.pop_back();
     return name;
@@ -90,6 +93,10 @@ class Duplicator {
         const Plug intermediate = child->plug("intermediateObject");
         auto value = document_.graph().get(intermediate);
         if (value && dg::equal(*value, std::int64_t{1})) continue;
+        if (sharesLeaves()) {
+          HOST_TRY(document_.addInstance(*child, &copy));
+          continue;
+        }
         auto shape = copyOne(*child, shapeNameFor(copy.name()), &copy);
         if (!shape) return failWith(std::move(shape.error()));
         continue;
@@ -207,10 +214,13 @@ CommandResult instance(Context& context, const ParsedArgs& args) {
     if (!item.isDag()) return fail("'{}' is not in the hierarchy and can't be instanced.", item.node->name());
     const DagPath path = scene::isShape(*item.node) ? item.path.transform() : item.path;
     Duplicator duplicator(context, args);
-    auto copy = duplicator.copyOne(*path.node(), args.text("name", path.node()->name()), path.parent().node());
+    const std::string name = args.text("name", path.node()->name());
+    auto copy = args.has("leaf") ? duplicator.copyTree(path, path.parent().node(), name)
+                                 : duplicator.copyOne(*path.node(), name, path.parent().node());
     if (!copy) return failWith(std::move(copy.error()));
     const std::vector<Node*> children = scene::dagLinks(*path.node()).children;
-    for (Node* child : children) HOST_TRY(document.addInstance(*child, *copy));
+    for (Node* child : children)
+      if (!args.has("leaf")) HOST_TRY(document.addInstance(*child, *copy));
     made.add((*copy)->shared_from_this());
     names.push_back(nodeName(**copy));
   }

@@ -14,9 +14,11 @@ class RelativeLister {
     types_ = args.texts("type");
   }
 
-  void visit(const DagPath& path) {
+  /// What components lie on is the shape: it is their parent.
+  void visit(const scene::SelectionItem& item) {
+    const DagPath& path = item.path;
     if (args_.has("parent")) {
-      add(path.parent());
+      add(item.components.empty() ? path.parent() : path.toShape());
     } else if (args_.has("allParents")) {
       for (const DagPath& each : scene::allPaths(*path.node())) add(each.parent());
     } else if (args_.has("allDescendents")) {
@@ -63,7 +65,7 @@ CommandResult listRelatives(Context& context, const ParsedArgs& args) {
   if (!list) return failWith(std::move(list.error()));
   RelativeLister lister(context, args);
   for (const scene::SelectionItem& item : list->items())
-    if (item.isDag()) lister.visit(item.path);
+    if (item.isDag()) lister.visit(item);
   return toValue(lister.takeNames());
 }
 

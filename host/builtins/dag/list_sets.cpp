@@ -25,7 +25,8 @@ CommandResult listSets(Context& context, const ParsedArgs& args) {
   if (!wanted) return failWith(std::move(wanted.error()));
   if (wanted->isEmpty()) return fail("listSets: name an object with -object, or select one.");
   for (const scene::SelectionItem& item : wanted->items()) {
-    for (const dg::Node* set : nodes::setsOf(document, item)) take(*set);
+    for (dg::Node* set : nodes::setsOf(document, item))
+      if (item.components.empty() || nodes::isSetMember(*set, item)) take(*set);
     if (!args.boolean("extendToShape") || !item.isObject() || !item.isDag()) continue;
     for (const scene::DagPath& shape : item.path.shapes()) {
       scene::SelectionList list;

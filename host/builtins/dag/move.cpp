@@ -20,7 +20,8 @@ struct Move {
   bool byScalePivot = false;
 };
 
-Result<Move> readMove(const ParsedArgs& args, const scene::Units& units, const std::vector<double>& numbers) {
+/// The numbers are in cm.
+Result<Move> readMove(const ParsedArgs& args, const std::vector<double>& numbers) {
   Move move;
   move.isRelative = args.has("relative");
   if (args.has("objectSpace")) move.space = MoveSpace::Object;
@@ -37,7 +38,7 @@ Result<Move> readMove(const ParsedArgs& args, const scene::Units& units, const s
   for (int axis = 0; axis < 3; ++axis) {
     if (!move.axes[static_cast<std::size_t>(axis)]) continue;
     if (next >= numbers.size()) return fail("move: a distance for {} is missing.", "xyz"[axis]);
-    move.amount[axis] = units.toCentimeters(numbers[next++]);
+    move.amount[axis] = numbers[next++];
   }
   if (next < numbers.size()) return fail("move: there are more distances than axes.");
   return move;
@@ -104,10 +105,10 @@ PivotWords pivotOf(const dg::Plug& plug) {
 
 CommandResult move(Context& context, const ParsedArgs& args) {
   scene::Document& document = context.document;
-  const NumbersAndNames words = splitNumbers(args, 3);
+  const NumbersAndNames words = splitNumbers(args, 3, ArgType::Distance, document.units());
   auto list = words.names.empty() ? Result<scene::SelectionList>(document.selection()) : document.resolveAll(words.names);
   if (!list) return failWith(std::move(list.error()));
-  auto amount = readMove(args, document.units(), words.numbers);
+  auto amount = readMove(args, words.numbers);
   if (!amount) return failWith(std::move(amount.error()));
   scene::SelectionList rest;
   for (const scene::SelectionItem& item : list->items()) {

@@ -20,7 +20,7 @@ struct Turn {
 
 /// Reads the numbers for the axes that the flags pick; `base` is the neutral value, `prefix` that of the axis flags.
 Result<Turn> readTurn(const ParsedArgs& args, std::string_view prefix, const std::vector<double>& numbers,
-                      double neutral, double factor) {
+                      double neutral) {
   Turn turn;
   turn.isRelative = args.has("relative");
   turn.isWorld = args.has("worldSpace");
@@ -39,7 +39,7 @@ Result<Turn> readTurn(const ParsedArgs& args, std::string_view prefix, const std
   for (int axis = 0; axis < 3; ++axis) {
     if (!turn.axes[static_cast<std::size_t>(axis)]) continue;
     if (next >= numbers.size()) return fail("{}: a value for {} is missing.", prefix, "xyz"[axis]);
-    turn.amount[axis] = numbers[next++] * factor;
+    turn.amount[axis] = numbers[next++];
   }
   if (next < numbers.size()) return fail("{}: there are more values than axes.", prefix);
   return turn;
@@ -126,10 +126,10 @@ Result<void> turnVertices(const TransformTargets& targets, const Turn& turn, con
 }
 
 CommandResult rotate(Context& context, const ParsedArgs& args) {
-  const NumbersAndNames words = splitNumbers(args, 3);
+  const NumbersAndNames words = splitNumbers(args, 3, ArgType::Angle, context.document.units());
   auto targets = targetsOf(context, words.names, "rotate");
   if (!targets) return failWith(std::move(targets.error()));
-  auto turn = readTurn(args, "rotate", words.numbers, 0.0, context.document.units().toRadians(1.0));
+  auto turn = readTurn(args, "rotate", words.numbers, 0.0);
   if (!turn) return failWith(std::move(turn.error()));
   for (const scene::DagPath& path : targets->objects) HOST_TRY(rotateObject(path, *turn));
   HOST_TRY(turnVertices(*targets, *turn, math::eulerToMatrix(turn->amount), !args.has("objectSpace")));
@@ -137,10 +137,10 @@ CommandResult rotate(Context& context, const ParsedArgs& args) {
 }
 
 CommandResult scale(Context& context, const ParsedArgs& args) {
-  const NumbersAndNames words = splitNumbers(args, 3);
+  const NumbersAndNames words = splitNumbers(args, 3, ArgType::Double, context.document.units());
   auto targets = targetsOf(context, words.names, "scale");
   if (!targets) return failWith(std::move(targets.error()));
-  auto turn = readTurn(args, "scale", words.numbers, 1.0, 1.0);
+  auto turn = readTurn(args, "scale", words.numbers, 1.0);
   if (!turn) return failWith(std::move(turn.error()));
   for (const scene::DagPath& path : targets->objects) HOST_TRY(scaleObject(path, *turn));
   HOST_TRY(turnVertices(*targets, *turn, Matrix4::scaling(turn->amount), !args.has("objectSpace")));

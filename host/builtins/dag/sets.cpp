@@ -36,7 +36,7 @@ CommandResult query(Context& context, const ParsedArgs& args) {
   if (args.has("text")) {
     auto value = context.document.graph().get((*set)->plug("annotation"));
     const auto* text = value ? std::get_if<std::string>(&*value) : nullptr;
-    return mel::Value(text ? *text : std::string("gCharacterSet"));
+    return mel::Value(text ? *text : std::string());
   }
   if (args.has("renderable")) return mel::Value((*set)->type().isA("shadingEngine"));
   if (args.has("nodesOnly")) {
@@ -73,6 +73,14 @@ CommandResult isMember(Context& context, const ParsedArgs& args) {
   return mel::Value(!wanted->isEmpty() && areIn);
 }
 
+/// -text: the note that goes with a set.
+CommandResult annotate(Context& context, const ParsedArgs& args, const std::string& name) {
+  auto set = setNamed(context, name);
+  if (!set) return failWith(std::move(set.error()));
+  HOST_TRY(context.document.graph().set((*set)->plug("annotation"), dg::Value(args.text("text"))));
+  return mel::Value((*set)->name());
+}
+
 CommandResult create(Context& context, const ParsedArgs& args) {
   scene::Document& document = context.document;
   SelectionList members;
@@ -97,11 +105,13 @@ CommandResult create(Context& context, const ParsedArgs& args) {
     }
   }
   HOST_TRY(nodes::addToSet(document, **node, members));
+  if (args.has("text")) return annotate(context, args, (*node)->name());
   return mel::Value((*node)->name());
 }
 
 CommandResult sets(Context& context, const ParsedArgs& args) {
   if (args.isQuery()) return query(context, args);
+  if (args.isEdit() && args.has("text")) return annotate(context, args, args.firstObject());
   if (args.has("isMember")) return isMember(context, args);
   for (const std::string_view flag : {"union", "intersection", "subtract"})
     if (args.has(flag)) return combine(context, args, flag);

@@ -85,8 +85,7 @@ class Evaluation {
   }
 
   [[nodiscard]] int uvSet(const mesh::Mesh& mesh) const {
-    const int found = args_.has("uvSetName") ? mesh.findUvSet(args_.text("uvSetName")) : mesh.currentUvSet();
-    return found < 0 ? mesh.currentUvSet() : found;
+    return args_.has("uvSetName") ? mesh.findUvSet(args_.text("uvSetName")) : mesh.currentUvSet();
   }
 
   [[nodiscard]] std::vector<Index> own(const MeshItem& item, ComponentType type) const {
@@ -225,6 +224,9 @@ CommandResult polyEvaluate(Context& context, const ParsedArgs& args) {
   auto items = meshItems(*list);
   if (!items) return failWith(std::move(items.error()));
   if (items->empty()) return mel::Value("Nothing counted : no polygonal object is selected.");
+  for (const MeshItem& item : *items)
+    if (args.has("uvSetName") && item.mesh.findUvSet(args.text("uvSetName")) < 0)
+      return fail("polyEvaluate: '{}' has no UV set '{}'.", item.path.partialName(), args.text("uvSetName"));
   Evaluation evaluation(std::move(*items), args, context.document.units());
   std::vector<mel::Value> answers;
   for (const cmd::ParsedArgs::FlagUse& use : args.flagUses()) {

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 
 #include "host/builtins/common/command.h"
 #include "host/builtins/common/mesh_components.h"
@@ -54,7 +55,9 @@ std::string lineFor(const Listing& listing, const mesh::Mesh& mesh, Index id) {
     return numbersLine(listing, id, ends) + (mesh.isEdgeSmooth(id) ? "" : " Hard") + "\n";
   }
   const Vec3 normal = faceNormal(mesh, id);
-  return fmt::format("{} {:6}: {:f} {:f} {:f}\n", listing.label, id, normal.x, normal.y, normal.z);
+  // What is written as 0 has no sign, whichever way the face is turned.
+  const auto shown = [](double x) { return std::abs(x) < 0.5e-6 ? 0.0 : x; };
+  return fmt::format("{} {:6}: {:f} {:f} {:f}\n", listing.label, id, shown(normal.x), shown(normal.y), shown(normal.z));
 }
 
 /// Faces that share all their vertices with another one.

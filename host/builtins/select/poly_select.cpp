@@ -24,6 +24,10 @@ EdgeWalk shell(const Mesh& mesh, FaceId face) {
   const std::array seed{face};
   return {mesh::connectedFaces(mesh, seed, mesh::ShellLink::Edges), false};
 }
+/// The whole border from an edge of it, the loop from any other edge.
+EdgeWalk loopOrBorder(const Mesh& mesh, EdgeId e) {
+  return mesh.adjacency().isBorderEdge(e) ? mesh::borderWalk(mesh, e) : mesh::edgeLoop(mesh, e);
+}
 EdgeWalk edgePath(const Mesh& mesh, Index from, Index to) { return {mesh::shortestEdgePath(mesh, from, to), false}; }
 EdgeWalk facePath(const Mesh& mesh, Index from, Index to) { return {mesh::shortestFacePath(mesh, from, to), false}; }
 
@@ -54,7 +58,7 @@ constexpr std::array kFlags = {
     SelectFlag{"el", "edgeLoop", kEdge, kEdge, mesh::edgeLoop},
     SelectFlag{"er", "edgeRing", kEdge, kEdge, mesh::edgeRing},
     SelectFlag{"eb", "edgeBorder", kEdge, kEdge, mesh::borderWalk},
-    SelectFlag{"lb", "edgeLoopOrBorder", kEdge, kEdge, mesh::edgeLoop},
+    SelectFlag{"lb", "edgeLoopOrBorder", kEdge, kEdge, loopOrBorder},
     SelectFlag{"elp", "edgeLoopPath", kEdge, kEdge, mesh::edgeLoop, SelectFlag::Part},
     SelectFlag{"erp", "edgeRingPath", kEdge, kEdge, mesh::edgeRing, SelectFlag::Part},
     SelectFlag{"ebp", "edgeBorderPath", kEdge, kEdge, mesh::borderWalk, SelectFlag::Part},
@@ -130,7 +134,8 @@ CommandResult polySelect(Context& context, const ParsedArgs& args) {
 // The menu's forms: from the edges that are selected.
 
 Walk walkNamed(std::string_view name) {
-  if (name == "edgeLoop" || name == "edgeLoopOrBorder" || name == "loop") return mesh::edgeLoop;
+  if (name == "edgeLoop" || name == "loop") return mesh::edgeLoop;
+  if (name == "edgeLoopOrBorder") return loopOrBorder;
   if (name == "edgeRing" || name == "ring") return mesh::edgeRing;
   if (name == "edgeBorder" || name == "border")
     return [](const Mesh& mesh, EdgeId e) {

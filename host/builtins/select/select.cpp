@@ -43,12 +43,12 @@ SelectionList everything(scene::Document& document, bool dagObjects, bool depend
   return list;
 }
 
-/// Sets stand for their members.
+/// Sets stand for their members, those in sets included.
 SelectionList expandSets(const SelectionList& list) {
   SelectionList expanded;
   for (const SelectionItem& item : list.items()) {
     if (item.isObject() && nodes::isSet(*item.node))
-      expanded.merge(nodes::setMembers(*item.node));
+      expanded.merge(expandSets(nodes::setMembers(*item.node)));
     else
       expanded.merge(item);
   }

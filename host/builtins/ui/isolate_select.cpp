@@ -17,7 +17,7 @@ void add(View& view, dg::Node& node) {
 std::vector<std::string> isolatedNames(const View& view) {
   std::vector<std::string> names;
   for (const auto& each : view.isolated)
-    if (const auto node = each.lock(); node && !node->name().empty()) names.push_back(nodeName(*node));
+    if (const auto node = each.lock(); node && node->isAlive()) names.push_back(nodeName(*node));
   return names;
 }
 
