@@ -161,7 +161,7 @@ MStatus MArgList::get(unsigned int index, MAngle& value) const {
 MStatus MArgList::get(unsigned int index, MTime& value) const {
   double number = 0;
   const MStatus status = api::readReal(*this, index, number);
-  if (status) value = MTime(number / api::document().units().framesPerSecond(), MTime::kSeconds);
+  if (status) value = MTime(number, MTime::uiUnit());
   return status;
 }
 MStatus MArgList::get(unsigned int& index, MPoint& value, unsigned int numElements) const {

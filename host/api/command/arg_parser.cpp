@@ -62,7 +62,7 @@ MStatus read(const mel::Value& word, MAngle& result) {
 }
 MStatus read(const mel::Value& word, MTime& result) {
   const auto value = word.toFloat();
-  if (value) result = MTime(*value / units().framesPerSecond(), MTime::kSeconds);
+  if (value) result = MTime(*value, MTime::uiUnit());
   return toStatus(value, MStatus::kInvalidParameter);
 }
 

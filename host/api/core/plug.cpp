@@ -333,13 +333,16 @@ bool MPlug::isDefaultValue(bool, MStatus* status) const {
 }
 bool MPlug::isDefaultValue(MStatus* status) const { return isDefaultValue(false, status); }
 
-MPlug::FreeToChangeState MPlug::isFreeToChange(bool, bool checkChildren, MStatus* status) const {
+MPlug::FreeToChangeState MPlug::isFreeToChange(bool checkParents, bool checkChildren, MStatus* status) const {
   const dg::Plug plug = usable(*this, status);
   if (plug.isNull()) return kNotFreeToChange;
-  if (graphOf(plug).isDriven(plug) || graphOf(plug).isLockedHereOrAbove(plug)) return kNotFreeToChange;
+  dg::Graph& graph = graphOf(plug);
+  const bool isHeld = checkParents ? graph.isDriven(plug) || graph.isLockedHereOrAbove(plug)
+                                   : graph.source(plug) || graph.flag(plug, dg::Graph::PlugFlag::Locked);
+  if (isHeld) return kNotFreeToChange;
   if (checkChildren && plug.isCompound())
     for (std::size_t i = 0; i < plug.attribute()->children.size(); ++i)
-      if (wrap(plug.child(static_cast<int>(i))).isFreeToChange() != kFreeToChange) return kChildrenNotFreeToChange;
+      if (wrap(plug.child(static_cast<int>(i))).isFreeToChange(false) != kFreeToChange) return kChildrenNotFreeToChange;
   return kFreeToChange;
 }
 

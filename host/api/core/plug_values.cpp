@@ -7,6 +7,7 @@
 
 #include "host/api/core/access.h"
 #include "host/api/data/numeric_data.h"
+#include "host/api/data/time_value.h"
 
 namespace host::api {
 namespace {
@@ -131,7 +132,7 @@ MStatus MPlug::getValue(MAngle& value) const {
 MStatus MPlug::getValue(MTime& value) const {
   double seconds = 0;
   const MStatus status = readReal(*this, seconds);
-  if (status) value = MTime(seconds, MTime::kSeconds);
+  if (status) value = api::timeOf(seconds);
   return status;
 }
 MStatus MPlug::getValue(MObject& value) const {

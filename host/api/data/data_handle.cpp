@@ -12,6 +12,7 @@
 #include "host/api/data/data_types.h"
 #include "host/api/data/numeric_data.h"
 #include "host/api/data/plugin_data.h"
+#include "host/api/data/time_value.h"
 #include "host/dg/data_block.h"
 
 namespace host::api {
@@ -467,7 +468,7 @@ MFloatMatrix& MDataHandle::asFloatMatrix() const { return form<MFloatMatrix>(*th
 MString& MDataHandle::asString() const { return form<MString>(*this); }
 MDistance MDataHandle::asDistance() const { return MDistance(asDouble(), MDistance::kCentimeters); }
 MAngle MDataHandle::asAngle() const { return MAngle(asDouble(), MAngle::kRadians); }
-MTime MDataHandle::asTime() const { return MTime(asDouble(), MTime::kSeconds); }
+MTime MDataHandle::asTime() const { return api::timeOf(asDouble()); }
 MObject MDataHandle::asMesh() const { return objectOfKind(*this, MFn::kMeshData); }
 MObject MDataHandle::asMeshTransformed() const { return asMesh(); }
 MObject MDataHandle::asNurbsCurve() const { return objectOfKind(*this, MFn::kNurbsCurveData); }

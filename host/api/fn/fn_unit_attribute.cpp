@@ -1,5 +1,6 @@
 #include <maya/MFnUnitAttribute.h>
 
+#include "host/api/data/time_value.h"
 #include "host/api/fn/fn_attribute.h"
 
 namespace host::api {
@@ -13,7 +14,7 @@ double internal(const MTime& value) { return value.as(MTime::kSeconds); }
 void assign(double& target, double value) { target = value; }
 void assign(MDistance& target, double value) { target = MDistance(value, MDistance::kCentimeters); }
 void assign(MAngle& target, double value) { target = MAngle(value, MAngle::kRadians); }
-void assign(MTime& target, double value) { target = MTime(value, MTime::kSeconds); }
+void assign(MTime& target, double value) { target = host::api::timeOf(value); }
 
 using Bound = std::optional<double> dg::Attribute::*;
 

@@ -10,6 +10,7 @@
 #include <chrono>
 #include <exception>
 
+#include "host/api/graph/modifier.h"
 #include "host/api/plugin/loader.h"
 #include "host/base/messages.h"
 
@@ -84,6 +85,27 @@ int checkOf(builtins::SceneStage stage) {
   }
 }
 
+/// A run of edits as one record of the journal.
+class RunOfChanges final : public dg::Change {
+ public:
+  explicit RunOfChanges(scene::ChangeSet changes) : changes_(std::move(changes)) {}
+  void undo() override { changes_.undo(); }
+  void redo() override { changes_.redo(); }
+  [[nodiscard]] std::size_t bytes() const override { return changes_.bytes(); }
+
+ private:
+  scene::ChangeSet changes_;
+};
+
+/// Where `child` stands, or came to stand under `parent`.
+scene::DagPath placeOf(dg::Node& child, dg::Node* parent, bool added) {
+  if (scene::dagLinks(child).parents.empty()) return scene::DagPath({&child});
+  if (added && parent)
+    for (const scene::DagPath& path : scene::allPaths(child))
+      if (path.parent().node() == parent) return path;
+  return scene::firstPath(child);
+}
+
 }  // namespace
 
 Callbacks& callbacks() { return cmd::currentSession().service<Callbacks>(); }
@@ -150,6 +172,13 @@ bool Callbacks::remove(MCallbackId id) {
       if (const auto record = loader->find(name))
         std::erase_if(record->registrations, [&](const auto& each) { return each.name == registrationName(id); });
   return true;
+}
+
+void Callbacks::removeAll(CallbackKind kind, const std::string& subject) {
+  std::vector<MCallbackId> ids;
+  for (const auto& [id, callback] : callbacks_)
+    if (callback.kind == kind && callback.subject == subject) ids.push_back(id);
+  for (const MCallbackId id : ids) (void)remove(id);
 }
 
 std::vector<MCallbackId> Callbacks::ofNode(const dg::Node& node) const {
@@ -247,7 +276,15 @@ void Callbacks::nodeAdded(dg::Node& node) {
   fire(CallbackKind::NodeAdded, {.node = &node});
 }
 void Callbacks::nodeAboutToBeRemoved(dg::Node& node) {
-  fire(CallbackKind::NodeAboutToDelete, {.node = &node});
+  if (waits(CallbackKind::NodeAboutToDelete)) {
+    MDGModifier modifier;
+    fire(CallbackKind::NodeAboutToDelete, {.node = &node, .modifier = &modifier});
+    // What the callbacks asked for is part of the deletion, and is taken back and done again with it.
+    ModifierRep& rep = modifierOf(modifier);
+    if (const auto done = rep.run(); !done) postMessage(MessageKind::Error, done.error().message);
+    if (document_.journal().isRecording() && !rep.done.isEmpty())
+      document_.journal().record(std::make_unique<RunOfChanges>(std::move(rep.done)));
+  }
   fire(CallbackKind::NodePreRemoval, {.node = &node});
 }
 void Callbacks::nodeRemoved(dg::Node& node) {
@@ -291,8 +328,7 @@ void Callbacks::dagChanged(dg::Node& child, dg::Node* parent, bool added) {
   }
   if (!waits(CallbackKind::DagChange)) return;
   const MDagPath above = parent ? wrap(scene::firstPath(*parent)) : wrap(scene::DagPath());
-  const MDagPath below = scene::dagLinks(child).parents.empty() ? wrap(scene::DagPath({&child}))
-                                                                : wrap(scene::firstPath(child));
+  const MDagPath below = wrap(placeOf(child, parent, added));
   const bool isInstance = scene::dagLinks(child).parents.size() > (added ? 1u : 0u);
   const auto tell = [&](int message) {
     fire(CallbackKind::DagChange, {.node = &child, .message = message, .child = below, .parent = above});

@@ -33,6 +33,7 @@ struct Happening {
   double elapsed = 0, since = 0;
   MDagPath child = {}, parent = {};
   void* data = nullptr;
+  MDGModifier* modifier = nullptr;  ///< for what is to be done along with a deletion
   bool isRefused = false;  ///< set by a check callback
 };
 
@@ -58,6 +59,8 @@ class Callbacks final : public dg::GraphObserver, public scene::DocumentObserver
   /// `function` tells whose callback it is: the plug-in's module has to take it along when it goes.
   MCallbackId add(Callback callback, const void* function);
   bool remove(MCallbackId id);
+  /// Removes those that wait for this about that subject.
+  void removeAll(CallbackKind kind, const std::string& subject);
   [[nodiscard]] std::vector<MCallbackId> ofNode(const dg::Node& node) const;
   [[nodiscard]] MCallbackId current() const { return running_.empty() ? 0 : running_.back(); }
   /// Calls those that wait for this, in the order in which they were added.

@@ -7,7 +7,6 @@
 #include <maya/MPolyMessage.h>
 #include <maya/MTime.h>
 
-#include "host/api/graph/modifier.h"
 #include "host/api/message/callbacks.h"
 
 using namespace host;
@@ -96,9 +95,7 @@ MCallbackId MNodeMessage::addNodeAboutToDeleteCallback(MObject& node, MNodeModif
                                                        MStatus* status) {
   const auto call = [func, clientData](Happening& what) {
     MObject object = api::wrap(what.node);
-    MDGModifier modifier;
-    func(object, modifier, clientData);
-    if (!api::modifierOf(modifier).steps.empty()) (void)modifier.doIt();
+    func(object, *what.modifier, clientData);
   };
   return addForNode(node, false, CallbackKind::NodeAboutToDelete, call, func, status);
 }

@@ -75,7 +75,10 @@ bool MUserEventMessage::isUserEvent(const MString& eventName) {
   return contains(api::callbacks().userEvents, eventName);
 }
 MStatus MUserEventMessage::deregisterUserEvent(const MString& eventName) {
-  return std::erase(api::callbacks().userEvents, eventName.asChar()) > 0 ? MStatus::kSuccess : MStatus::kFailure;
+  if (std::erase(api::callbacks().userEvents, eventName.asChar()) == 0) return MStatus::kFailure;
+  // An event of the same name that is registered later is another one.
+  api::callbacks().removeAll(CallbackKind::UserEvent, eventName.asChar());
+  return MStatus::kSuccess;
 }
 MCallbackId MUserEventMessage::addUserEventCallback(const MString& eventName, MBasicFunction func, void* clientData,
                                                     MStatus* status) {
