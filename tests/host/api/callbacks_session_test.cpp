@@ -263,7 +263,8 @@ TEST_CASE_FIXTURE(ApiScene, "checks: one refusal stops opening, saving, importin
       {MSceneMessage::kBeforeImportCheck, "file -import \"" QXMT_BINARY_DIR "/checked_scene.ma\""},
       {MSceneMessage::kBeforeExportCheck, "file -f -ea \"" QXMT_BINARY_DIR "/not_exported.ma\""}};
   for (const auto& [message, command] : checks) {
-    CAPTURE(std::string(command));
+    const std::string line = command;
+    CAPTURE(line);
     MCallbackIdArray ids;
     ids.append(MSceneMessage::addCheckCallback(message, refuse));
     ids.append(MSceneMessage::addCheckCallback(message, agree));
