@@ -161,5 +161,110 @@ TEST_CASE("timers recur, may remove each other, and don't make up for lost time"
   CHECK(timers.contains(first));
 }
 
+TEST_CASE("timers that come and go while others are called") {
+  Timers timers;
+  Log log;
+  timers.step(100);
+  Timers::Id self = 0;
+  self = timers.add(1, [&](double, double) {
+    log.push_back("self");
+    timers.remove(self);
+  });
+  timers.addOnce(1, [&](double now, double elapsed) {
+    log.push_back("once " + std::to_string(int(now)) + " " + std::to_string(int(elapsed)));
+    timers.add(0, [&](double, double) { log.push_back("new"); });
+  });
+  CHECK(timers.nextDue() == 101);
+  timers.step(100.9);
+  CHECK(log.empty());
+  timers.step(101);
+  CHECK(log == Log{"self", "once 101 1"});  // what a call adds waits for the next step
+  CHECK_FALSE(timers.contains(self));
+  timers.step(101);
+  timers.step(101.5);
+  CHECK(log == Log{"self", "once 101 1", "new", "new"});
+  timers.remove(12345);
+  const auto negative = timers.add(-1, [&](double, double) { log.push_back("at once"); });
+  timers.step(101.5);
+  CHECK(log.back() == "at once");
+  timers.remove(negative);
+}
+
+TEST_CASE("a hold belongs to the press: what it says comes from there, and what ends the press ends it") {
+  /// Writes down the holds that it hears of.
+  class Holder final : public ToolContext {
+   public:
+    Holder() : ToolContext("holder") {}
+    void hold(const InputEvent& event) override { holds.push_back(event); }
+    std::vector<InputEvent> holds;
+  };
+  ToolRegistry registry;
+  const auto holder = std::make_shared<Holder>();
+  REQUIRE(registry.add("holder", holder));
+  REQUIRE(registry.setCurrent("holder"));
+  InputEvent press = mouse(InputKind::Press, 30, 40, MouseButton::Middle);
+  press.shift = true;
+  press.panel = "side";
+  registry.handle(press);
+  registry.timers().step(ToolRegistry::kHoldDelay);
+  REQUIRE(holder->holds.size() == 1);
+  CHECK(holder->holds[0].kind == InputKind::Hold);
+  CHECK(holder->holds[0].position.x == 30);
+  CHECK(holder->holds[0].button == MouseButton::Middle);
+  CHECK(holder->holds[0].shift);
+  CHECK(holder->holds[0].panel == "side");
+  // A release, another tool and a second press that starts the time anew.
+  registry.handle(mouse(InputKind::Release, 30, 40, MouseButton::Middle));
+  registry.handle(press);
+  registry.handle(mouse(InputKind::Release, 30, 40, MouseButton::Middle));
+  registry.timers().step(10);
+  registry.handle(press);
+  REQUIRE(registry.setCurrent("selectSuperContext"));
+  REQUIRE(registry.setCurrent("holder"));
+  registry.timers().step(20);
+  CHECK(holder->holds.size() == 1);
+  registry.handle(press);
+  registry.timers().step(20.4);
+  registry.handle(press);
+  registry.timers().step(20.8);
+  CHECK(holder->holds.size() == 1);
+  registry.timers().step(20.9);
+  CHECK(holder->holds.size() == 2);
+}
+
+TEST_CASE("contexts by name: built-in ones stay, names are free again, and all hear of a change") {
+  Log log;
+  ToolRegistry registry;
+  int changes = 0;
+  registry.currentChanged = [&] { ++changes; };
+  CHECK(registry.names().size() == 7);
+  for (const std::string& name : registry.names()) {
+    CAPTURE(name);
+    CHECK(registry.isBuiltin(name));
+    CHECK_FALSE(registry.find(name)->title.empty());
+    CHECK_FALSE(registry.remove(name));
+    CHECK(registry.setCurrent(name));
+  }
+  CHECK(changes == 7);
+  CHECK_FALSE(registry.add("", std::make_shared<Recorder>("nameless", log)));
+  CHECK_FALSE(registry.remove("none"));
+  for (int round = 0; round < 2; ++round) {
+    CHECK(registry.uniqueName("tool") == "tool1");
+    REQUIRE(registry.add("tool1", std::make_shared<Recorder>("tool", log)));
+    CHECK(registry.uniqueName("tool") == "tool2");
+    CHECK_FALSE(registry.isBuiltin("tool1"));
+    REQUIRE(registry.remove("tool1"));
+  }
+  // The same tool again is set up anew; a failed choice changes nothing.
+  REQUIRE(registry.add("tool", std::make_shared<Recorder>("tool", log)));
+  REQUIRE(registry.setCurrent("tool"));
+  REQUIRE(registry.setCurrent("tool"));
+  CHECK(log == Log{"tool setup", "tool cleanup", "tool setup"});
+  changes = 0;
+  CHECK_FALSE(registry.setCurrent("none"));
+  CHECK(changes == 0);
+  CHECK(registry.currentName() == "tool");
+}
+
 }  // namespace
 }  // namespace host::tools
