@@ -163,10 +163,18 @@ bool Session::processIdle(int maxRounds) {
     }
     std::vector<std::string> scripts = scriptJobs_->takePending();
     std::deque<std::string> queue;
-    queue.swap(deferred_.empty() ? deferredLow_ : deferred_);
+    queue.swap(deferred_);
     for (std::string& script : queue) scripts.push_back(std::move(script));
     ranSomething = ranSomething || !scripts.empty() || !tasks.empty();
     for (const std::string& script : scripts) executeLine(script);
+    // The lowest priority: as long as nothing else waits, one by one, and each round those that were there.
+    const auto isUrgent = [&] { return !deferred_.empty() || !tasks_.empty() || scriptJobs_->hasPending(); };
+    for (std::size_t left = deferredLow_.size(); left > 0 && !isUrgent(); --left) {
+      const std::string script = std::move(deferredLow_.front());
+      deferredLow_.pop_front();
+      ranSomething = true;
+      executeLine(script);
+    }
   }
   return ranSomething;
 }
