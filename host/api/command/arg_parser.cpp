@@ -2,6 +2,7 @@
 #include <maya/MArgParser.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "host/api/command/args.h"
 #include "host/base/messages.h"
@@ -24,6 +25,16 @@ const ParsedRep::Use* findUse(const ParsedRep& rep, const char* flag, unsigned i
 
 const scene::Units& units() { return document().units(); }
 
+/// The number in a word. Text that does not begin as one holds none, although scripts take it for 0.
+Result<double> numberIn(const mel::Value& word) {
+  if (word.isString()) {
+    char* end = nullptr;
+    (void)std::strtod(word.string().c_str(), &end);
+    if (end == word.string().c_str()) return fail("'{}' is no number", word.string());
+  }
+  return word.toFloat();
+}
+
 MStatus read(const mel::Value& word, bool& result) {
   const auto value = word.toBool();
   if (value) result = *value;
@@ -41,7 +52,7 @@ MStatus read(const mel::Value& word, unsigned int& result) {
   return toStatus(value, MStatus::kInvalidParameter);
 }
 MStatus read(const mel::Value& word, double& result) {
-  const auto value = word.toFloat();
+  const auto value = numberIn(word);
   if (value) result = *value;
   return toStatus(value, MStatus::kInvalidParameter);
 }
@@ -51,17 +62,17 @@ MStatus read(const mel::Value& word, MString& result) {
   return toStatus(value, MStatus::kInvalidParameter);
 }
 MStatus read(const mel::Value& word, MDistance& result) {
-  const auto value = word.toFloat();
+  const auto value = numberIn(word);
   if (value) result = MDistance(units().toCentimeters(*value), MDistance::kCentimeters);
   return toStatus(value, MStatus::kInvalidParameter);
 }
 MStatus read(const mel::Value& word, MAngle& result) {
-  const auto value = word.toFloat();
+  const auto value = numberIn(word);
   if (value) result = MAngle(units().toRadians(*value), MAngle::kRadians);
   return toStatus(value, MStatus::kInvalidParameter);
 }
 MStatus read(const mel::Value& word, MTime& result) {
-  const auto value = word.toFloat();
+  const auto value = numberIn(word);
   if (value) result = MTime(*value, MTime::uiUnit());
   return toStatus(value, MStatus::kInvalidParameter);
 }

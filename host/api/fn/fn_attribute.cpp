@@ -153,6 +153,8 @@ MStatus MFnAttribute::setParent(const MObject& parent) {
   dg::Attribute* above = attributeIn(parent);
   if (!rep || !above || !above->isCompound() || rep->attribute->parent || above->top().topIndex >= 0)
     return MStatus::kInvalidParameter;
+  for (const dg::Attribute* step = above; step; step = step->parent)
+    if (step == rep->attribute.get()) return MStatus::kInvalidParameter;  // it would hold itself
   rep->attribute->parent = above;
   rep->attribute->childIndex = static_cast<int>(above->children.size());
   above->children.push_back(rep->attribute);
