@@ -25,8 +25,12 @@ InterruptScope::~InterruptScope() {
   interruptible = nullptr;
 }
 
-bool wasInterrupted() { return interruptCame != 0; }
-void forgetInterrupt() { interruptCame = 0; }
+bool wasInterrupted() {
+  return interruptCame != 0;
+}
+void forgetInterrupt() {
+  interruptCame = 0;
+}
 
 void runIdle(cmd::Session& session) {
   while (!session.isQuitting && !wasInterrupted() && session.processIdle()) {

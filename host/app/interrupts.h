@@ -17,8 +17,8 @@ class InterruptScope {
 [[nodiscard]] bool wasInterrupted();
 void forgetInterrupt();
 
-/// Runs what waits for idle time until nothing does, the session quits or Ctrl-C comes: scripts that put themselves off
-/// for ever end as well.
+/// Runs what waits for idle time until nothing does, the session quits or Ctrl-C comes: scripts
+/// that put themselves off for ever end as well.
 void runIdle(cmd::Session& session);
 
 }  // namespace host::app

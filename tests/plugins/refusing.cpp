@@ -1,4 +1,5 @@
-// A plug-in whose load ends badly: it registers a command and then gives up, by an exception or by its status.
+// A plug-in whose load ends badly: it registers a command and then gives up, by an exception or by
+// its status.
 #include <maya/MFnPlugin.h>
 #include <maya/MPxCommand.h>
 
@@ -22,4 +23,6 @@ MStatus initializePlugin(MObject object) {
   return MS::kFailure;
 }
 
-MStatus uninitializePlugin(MObject) { return MS::kSuccess; }
+MStatus uninitializePlugin(MObject) {
+  return MS::kSuccess;
+}

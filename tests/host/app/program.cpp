@@ -48,7 +48,8 @@ bool readSome(int from, std::string& text) {
 
 }  // namespace
 
-Outcome run(const std::vector<std::string>& words, const std::string& input, const std::string& interruptAfter) {
+Outcome run(const std::vector<std::string>& words, const std::string& input,
+            const std::string& interruptAfter) {
   const std::filesystem::path inputFile = scratchFolder("input") / "text";
   writeFile(inputFile, input);
   std::array<int, 2> out{}, err{};
@@ -72,7 +73,8 @@ Outcome run(const std::vector<std::string>& words, const std::string& input, con
       break;
     }
     for (pollfd& end : ends)
-      if (end.fd >= 0 && end.revents != 0 && !readSome(end.fd, end.fd == out[0] ? outcome.output : outcome.errors))
+      if (end.fd >= 0 && end.revents != 0 &&
+          !readSome(end.fd, end.fd == out[0] ? outcome.output : outcome.errors))
         end.fd = -1;
     if (mayInterrupt && outcome.says(interruptAfter)) {
       mayInterrupt = false;
@@ -99,13 +101,16 @@ Terminal::~Terminal() {
   close(terminal_);
 }
 
-void Terminal::type(const std::string& text) const { (void)!write(terminal_, text.data(), text.size()); }
+void Terminal::type(const std::string& text) const {
+  (void)!write(terminal_, text.data(), text.size());
+}
 
 std::string Terminal::readTo(const std::string& text) {
   pollfd end{terminal_, POLLIN, 0};
   std::size_t at = std::string::npos;
   while ((at = unread_.find(text)) == std::string::npos)
-    if (poll(&end, 1, kPatience) <= 0 || !readSome(terminal_, unread_)) return std::exchange(unread_, {});
+    if (poll(&end, 1, kPatience) <= 0 || !readSome(terminal_, unread_))
+      return std::exchange(unread_, {});
   const std::string shown = unread_.substr(0, at + text.size());
   unread_.erase(0, at + text.size());
   return shown;
@@ -118,7 +123,8 @@ int Terminal::finish() {
 }
 
 std::filesystem::path scratchFolder(const std::string& name) {
-  const std::filesystem::path folder = std::filesystem::path(QXMT_BINARY_DIR) / "program_test_files" / name;
+  const std::filesystem::path folder =
+      std::filesystem::path(QXMT_BINARY_DIR) / "program_test_files" / name;
   std::filesystem::remove_all(folder);
   std::filesystem::create_directories(folder);
   return folder;

@@ -11,10 +11,13 @@ struct Outcome {
   int status = -1;  ///< the exit status; -1 when a signal ended it
   std::string output, errors;
 
-  [[nodiscard]] bool says(const std::string& text) const { return errors.find(text) != std::string::npos; }
+  [[nodiscard]] bool says(const std::string& text) const {
+    return errors.find(text) != std::string::npos;
+  }
 };
 
-/// Runs it to its end with `input` as its standard input. `interruptAfter`: sends SIGINT once that text was printed.
+/// Runs it to its end with `input` as its standard input. `interruptAfter`: sends SIGINT once that
+/// text was printed.
 Outcome run(const std::vector<std::string>& words, const std::string& input = {},
             const std::string& interruptAfter = {});
 
@@ -27,7 +30,8 @@ class Terminal {
   Terminal& operator=(const Terminal&) = delete;
 
   void type(const std::string& text) const;
-  /// Reads until this shows. @return what was shown until then; without the text when it does not come.
+  /// Reads until this shows. @return what was shown until then; without the text when it does not
+  /// come.
   std::string readTo(const std::string& text);
   /// Reads to the end of the program. @return its exit status
   int finish();

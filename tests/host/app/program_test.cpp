@@ -19,26 +19,35 @@ const std::string kLift = QXMT_BINARY_DIR "/test_plugins/lift_node.so";
 const std::string kRefusing = QXMT_BINARY_DIR "/test_plugins/refusing.so";
 const std::string kTriangle = "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
 
-TEST_CASE("command lines run in order until one fails; what is printed and what is said stay apart") {
-  const Outcome done = run({"--no-module", "-c", "print(\"one\\n\"); int $n = 1;", "--command", "$n += 1", "-c",
-                            "print($n + \"\\n\"); warning \"mind\""});
+TEST_CASE(
+    "command lines run in order until one fails; what is printed and what is said stay apart") {
+  const Outcome done = run({"--no-module", "-c", "print(\"one\\n\"); int $n = 1;", "--command",
+                            "$n += 1", "-c", "print($n + \"\\n\"); warning \"mind\""});
   CHECK(done.status == 0);
   CHECK(done.output == "one\n2\n");
   CHECK(done.errors == "// Result: 1 //\n// Result: 2 //\n// Warning: mind //\n");
 
-  const Outcome failed = run({"--no-module", "-c", "print \"a\\n\"", "-c", "polyNoSuch 1", "-c", "print \"never\\n\""});
+  const Outcome failed = run(
+      {"--no-module", "-c", "print \"a\\n\"", "-c", "polyNoSuch 1", "-c", "print \"never\\n\""});
   CHECK(failed.status == 1);
   CHECK(failed.output == "a\n");
   CHECK(failed.says("// Error: "));
   CHECK(failed.says("polyNoSuch"));
   // What a line puts off runs before the next one.
-  CHECK(run({"--no-module", "-c", "evalDeferred \"print \\\"late \\\"\"", "-c", "print \"next\""}).output == "late next");
+  CHECK(run({"--no-module", "-c", "evalDeferred \"print \\\"late \\\"\"", "-c", "print \"next\""})
+            .output == "late next");
   CHECK(run({"--no-module", "-c", ""}).status == 0);
 }
 
 TEST_CASE("bad usage is 2, with the word that was wrong, and nothing runs") {
-  for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
-           {"--bogus"}, {"-z"}, {"-c"}, {"-o"}, {"--plug-in"}, {"-c", "print \"ran\"", "--bogus"}, {"-w"}}) {
+  for (const std::vector<std::string>& words :
+       std::vector<std::vector<std::string>>{{"--bogus"},
+                                             {"-z"},
+                                             {"-c"},
+                                             {"-o"},
+                                             {"--plug-in"},
+                                             {"-c", "print \"ran\"", "--bogus"},
+                                             {"-w"}}) {
     CAPTURE(words.back());
     const Outcome outcome = run(words);
     CHECK(outcome.status == 2);
@@ -55,7 +64,8 @@ TEST_CASE("help and version answer on standard output") {
   const Outcome help = run({"--help"});
   CHECK(help.status == 0);
   CHECK(help.errors.empty());
-  for (const char* word : {"--command", "--interactive", "--open", "--plug-in", "--no-module", "tour", "Exit status"}) {
+  for (const char* word : {"--command", "--interactive", "--open", "--plug-in", "--no-module",
+                           "tour", "Exit status"}) {
     CAPTURE(word);
     CHECK(help.output.find(word) != std::string::npos);
   }
@@ -63,34 +73,42 @@ TEST_CASE("help and version answer on standard output") {
 
 TEST_CASE("a script gets the words after its name, whatever they look like") {
   const auto folder = scratchFolder("script");
-  const std::string script = writeFile(folder / "show words.mel", "for ($word in $argv) print(\"[\" + $word + \"]\");");
-  CHECK(run({"--no-module", script, "one", "two words", "--help", "-c", "x", ""}).output == "[one][two words][--help][-c][x][]");
+  const std::string script =
+      writeFile(folder / "show words.mel", "for ($word in $argv) print(\"[\" + $word + \"]\");");
+  CHECK(run({"--no-module", script, "one", "two words", "--help", "-c", "x", ""}).output ==
+        "[one][two words][--help][-c][x][]");
   CHECK(run({"--no-module", script}).output.empty());
   // Options before it are the program's, and lines run first.
   CHECK(run({"--no-module", "-c", "print \"first\"", script, "a"}).output == "first[a]");
 
-  const std::string broken = writeFile(folder / "broken.mel", "print \"begun\\n\";\n\nint $x = 1 / 0;\nprint \"never\";\n");
+  const std::string broken = writeFile(
+      folder / "broken.mel", "print \"begun\\n\";\n\nint $x = 1 / 0;\nprint \"never\";\n");
   const Outcome failed = run({"--no-module", broken});
   CHECK(failed.status == 1);
   CHECK(failed.output == "begun\n");
   CHECK(failed.says("broken.mel line 3: "));
-  const Outcome unparsed = run({"--no-module", writeFile(folder / "unparsed.mel", "print \"a\";\nint $x = ;\n")});
+  const Outcome unparsed =
+      run({"--no-module", writeFile(folder / "unparsed.mel", "print \"a\";\nint $x = ;\n")});
   CHECK(unparsed.status == 1);
   CHECK(unparsed.output.empty());
   CHECK(unparsed.says("unparsed.mel line 2"));
   // Deferred work belongs to the script.
-  CHECK(run({"--no-module", writeFile(folder / "defers.mel", "evalDeferred \"print \\\"then\\\"\"; print \"now \";")}).output == "now then");
+  CHECK(run({"--no-module", writeFile(folder / "defers.mel",
+                                      "evalDeferred \"print \\\"then\\\"\"; print \"now \";")})
+            .output == "now then");
 }
 
 TEST_CASE("quit leaves with its status, from a line, a script, deferred work and standard input") {
   const auto folder = scratchFolder("quit");
   CHECK(run({"--no-module", "-c", "quit -ec 7", "-c", "print \"no\""}).status == 7);
   CHECK(run({"--no-module", "-c", "quit", "-c", "error \"no\""}).status == 0);
-  const std::string script = writeFile(folder / "a.mel", "quit -exitCode 5; evalDeferred \"print \\\"no\\\"\";");
+  const std::string script =
+      writeFile(folder / "a.mel", "quit -exitCode 5; evalDeferred \"print \\\"no\\\"\";");
   const Outcome byScript = run({"--no-module", script});
   CHECK(byScript.status == 5);
   CHECK(byScript.output.empty());
-  CHECK(run({"--no-module", writeFile(folder / "b.mel", "evalDeferred \"quit -ec 9\";")}).status == 9);
+  CHECK(run({"--no-module", writeFile(folder / "b.mel", "evalDeferred \"quit -ec 9\";")}).status ==
+        9);
   const Outcome byInput = run({"--no-module"}, "quit -ec 4; evalDeferred \"print \\\"no\\\"\";");
   CHECK(byInput.status == 4);
   CHECK(byInput.output.empty());
@@ -99,7 +117,9 @@ TEST_CASE("quit leaves with its status, from a line, a script, deferred work and
 }
 
 TEST_CASE("standard input is a script when no other is named") {
-  const Outcome done = run({"--no-module"}, "proc int twice(int $x)\n{\n  return $x * 2;\n}\nprint(twice(21) + \"\\n\");\n");
+  const Outcome done =
+      run({"--no-module"},
+          "proc int twice(int $x)\n{\n  return $x * 2;\n}\nprint(twice(21) + \"\\n\");\n");
   CHECK(done.status == 0);
   CHECK(done.output == "42\n");
   const Outcome failed = run({"--no-module"}, "print \"a\\n\";\nnoSuchThing;\n");
@@ -113,9 +133,14 @@ TEST_CASE("a file that can't be read, or holds no scene, is 3") {
   const auto folder = scratchFolder("open");
   const std::string junk = writeFile(folder / "junk.ma", "this is no scene");
   for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
-           {(folder / "none.mel").string()}, {folder.string()}, {"-o", (folder / "none.ma").string()},
-           {"-o", folder.string()}, {"-o", junk}, {"-o", writeFile(folder / "bad.obj", "v 0 0 0\nf 1 2 x\n")},
-           {"-o", writeFile(folder / "odd.txt", "hello")}, {"--plug-in", (folder / "none.so").string()}}) {
+           {(folder / "none.mel").string()},
+           {folder.string()},
+           {"-o", (folder / "none.ma").string()},
+           {"-o", folder.string()},
+           {"-o", junk},
+           {"-o", writeFile(folder / "bad.obj", "v 0 0 0\nf 1 2 x\n")},
+           {"-o", writeFile(folder / "odd.txt", "hello")},
+           {"--plug-in", (folder / "none.so").string()}}) {
     CAPTURE(words.back());
     std::vector<std::string> all{"--no-module", "-c", "print \"ran\""};
     if (words.size() == 1) all.resize(1);
@@ -131,13 +156,17 @@ TEST_CASE("a mesh or a scene is open before the first line runs") {
   const auto folder = scratchFolder("scene");
   const std::string mesh = writeFile(folder / "it's \"one\".obj", kTriangle);
   const std::string scene = (folder / "kept.ma").string();
-  const Outcome saved = run({"--no-module", "-o", mesh, "-c", "print(size(`ls -type mesh`) + \"\\n\")", "-c",
-                             "string $all[] = `ls -type mesh`; string $above[] = `listRelatives -p $all[0]`; rename $above[0] kept; polyCube -n box;"
-                             "file -rename \"" + scene + "\"; file -save -type mayaAscii"});
+  const Outcome saved =
+      run({"--no-module", "-o", mesh, "-c", "print(size(`ls -type mesh`) + \"\\n\")", "-c",
+           "string $all[] = `ls -type mesh`; string $above[] = `listRelatives -p $all[0]`; rename "
+           "$above[0] kept; polyCube -n box;"
+           "file -rename \"" +
+               scene + "\"; file -save -type mayaAscii"});
   CHECK(saved.status == 0);
   CHECK(saved.output.find("1\n") == 0);
   const Outcome opened = run({"--no-module", "-o", scene, "-c",
-                              "int $n = `polyEvaluate -v kept`, $m = `polyEvaluate -v box`; print($n + \" \" + $m + \"\\n\");"
+                              "int $n = `polyEvaluate -v kept`, $m = `polyEvaluate -v box`; "
+                              "print($n + \" \" + $m + \"\\n\");"
                               "print(`file -q -mf` + \"\\n\")"});
   CHECK(opened.status == 0);
   CHECK(opened.output == "3 8\n0\n");
@@ -163,8 +192,12 @@ TEST_CASE("plug-ins: the toolkit unless it is left out, others by name, and bad 
   setenv("QXMT_TEST_THROW", "1", 1);
   const Outcome thrown = run({"--no-module", "--plug-in", kRefusing});
   // A script that holds the failure goes on, and nothing of the plug-in is left.
-  const Outcome held = run({"--no-module", "-c", "print(`catchQuiet(loadPlugin(\"" + kRefusing + "\"))` + `exists leftover`)"});
-  const Outcome heldPlainly = run({"--no-module", "-c", "print(catch(`loadPlugin \"" + kRefusing + "\"`) + `exists leftover`)"});
+  const Outcome held =
+      run({"--no-module", "-c",
+           "print(`catchQuiet(loadPlugin(\"" + kRefusing + "\"))` + `exists leftover`)"});
+  const Outcome heldPlainly =
+      run({"--no-module", "-c",
+           "print(catch(`loadPlugin \"" + kRefusing + "\"`) + `exists leftover`)"});
   unsetenv("QXMT_TEST_THROW");
   CHECK(thrown.status == 1);
   CHECK(thrown.says("no licence for the day"));
@@ -175,11 +208,13 @@ TEST_CASE("plug-ins: the toolkit unless it is left out, others by name, and bad 
 
 TEST_CASE("Ctrl-C ends a run that would not end, with status 1") {
   const auto folder = scratchFolder("loop");
-  const std::string loop = writeFile(folder / "loop.mel", "warning \"go\"; while (1) catchQuiet(1 / 0); print \"no\";");
-  const std::string again = writeFile(folder / "again.mel",
-                                      "global proc again() { evalDeferred \"again\"; } warning \"go\"; again;");
-  for (const std::vector<std::string>& words :
-       std::vector<std::vector<std::string>>{{loop}, {"-c", "warning \"go\"; for (;;) ;", "-c", "print \"no\""}, {again}}) {
+  const std::string loop =
+      writeFile(folder / "loop.mel", "warning \"go\"; while (1) catchQuiet(1 / 0); print \"no\";");
+  const std::string again =
+      writeFile(folder / "again.mel",
+                "global proc again() { evalDeferred \"again\"; } warning \"go\"; again;");
+  for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+           {loop}, {"-c", "warning \"go\"; for (;;) ;", "-c", "print \"no\""}, {again}}) {
     CAPTURE(words.back());
     std::vector<std::string> all{"--no-module"};
     all.insert(all.end(), words.begin(), words.end());
@@ -204,12 +239,15 @@ TEST_CASE("a tour into a place that takes no files is 3 and makes nothing") {
   std::getline(std::ifstream(file), text);
   CHECK(text == "kept");
   if (geteuid() == 0) return;  // permissions bind everybody else
-  std::filesystem::permissions(folder, std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+  std::filesystem::permissions(
+      folder, std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
   CHECK(run({"tour", folder.string()}).status == 3);
   std::filesystem::permissions(folder, std::filesystem::perms::owner_all);
 }
 
-TEST_CASE("the prompt: unfinished lines go on, errors don't end it, Ctrl-C ends what runs or clears the line") {
+TEST_CASE(
+    "the prompt: unfinished lines go on, errors don't end it, Ctrl-C ends what runs or clears the "
+    "line") {
   std::filesystem::remove_all(QXMT_BINARY_DIR "/program_test_home");
   Terminal terminal({"--no-module"});
   const std::string ready = "mel> ";
@@ -218,7 +256,9 @@ TEST_CASE("the prompt: unfinished lines go on, errors don't end it, Ctrl-C ends 
     terminal.type(typed + "\n");
     return terminal.readTo(ready);
   };
-  const auto has = [](const std::string& shown, const std::string& text) { return shown.find(text) != std::string::npos; };
+  const auto has = [](const std::string& shown, const std::string& text) {
+    return shown.find(text) != std::string::npos;
+  };
   CHECK(has(answer("40 + 2"), "// Result: 42 //"));
   CHECK(has(answer("noSuchThing 1"), "// Error: "));
   terminal.type("if (1) { // a brace }\n");

@@ -12,9 +12,12 @@ using namespace host;
 
 namespace {
 
-const std::filesystem::path kFolder = std::filesystem::path(QXMT_BINARY_DIR) / "playblast_test_files";
+const std::filesystem::path kFolder =
+    std::filesystem::path(QXMT_BINARY_DIR) / "playblast_test_files";
 
-bool canDraw(cmd::Session& session) { return session.service<builtins::Views>().offscreen().has_value(); }
+bool canDraw(cmd::Session& session) {
+  return session.service<builtins::Views>().offscreen().has_value();
+}
 
 std::string failure(cmd::Session& session, const std::string& mel) {
   const MessageCapture said;
@@ -23,7 +26,9 @@ std::string failure(cmd::Session& session, const std::string& mel) {
   return said.text(MessageKind::Error);
 }
 
-bool same(const std::uint8_t* a, const std::uint8_t* b) { return std::equal(a, a + 3, b); }
+bool same(const std::uint8_t* a, const std::uint8_t* b) {
+  return std::equal(a, a + 3, b);
+}
 
 }  // namespace
 
@@ -38,12 +43,18 @@ TEST_CASE("a picture has the size that was asked for, under the name that is ret
     int width, height;
   };
   const std::string base = (kFolder / "shot").string();
-  for (const Case& each : {Case{"", ".0001.png", 960, 540}, {"-p 50", ".0001.png", 480, 270}, {"-wh 320 200", ".0001.png", 320, 200},
-                           {"-wh 320 200 -p 50 -fr 7", ".0007.png", 160, 100}, {"-wh 101 51 -percent 50", ".0001.png", 50, 25},
-                           {"-wh 1 1 -fr 12345", ".12345.png", 1, 1}, {"-wh 64 2000", ".0001.png", 64, 2000},
-                           {"-wh 30 20 -p 200 -epn modelPanel1 -fmt image -c png -v 0 -os", ".0001.png", 60, 40}}) {
+  for (const Case& each :
+       {Case{"", ".0001.png", 960, 540},
+        {"-p 50", ".0001.png", 480, 270},
+        {"-wh 320 200", ".0001.png", 320, 200},
+        {"-wh 320 200 -p 50 -fr 7", ".0007.png", 160, 100},
+        {"-wh 101 51 -percent 50", ".0001.png", 50, 25},
+        {"-wh 1 1 -fr 12345", ".12345.png", 1, 1},
+        {"-wh 64 2000", ".0001.png", 64, 2000},
+        {"-wh 30 20 -p 200 -epn modelPanel1 -fmt image -c png -v 0 -os", ".0001.png", 60, 40}}) {
     CAPTURE(each.flags);
-    const auto file = session->executeLine(std::string("playblast ") + each.flags + " -f \"" + base + "\"");
+    const auto file =
+        session->executeLine(std::string("playblast ") + each.flags + " -f \"" + base + "\"");
     REQUIRE(file);
     CHECK(file->toText().value() == base + each.file);
     const auto picture = io::readPng(base + each.file);
@@ -62,13 +73,17 @@ TEST_CASE("the picture shows what the panel shows, upright") {
   std::filesystem::create_directories(kFolder);
   const std::string file = (kFolder / "view.png").string();
   // In the front view a box up and to the right of the middle; nothing in the other quarters.
-  REQUIRE(session->executeLine("polyCube -n box -w 4 -h 2 -d 1; move 6 3 0; select -cl; modelEditor -e -grid 0 modelPanel3"));
-  REQUIRE(session->executeLine("playblast -wh 300 200 -orn 0 -epn modelPanel3 -cf \"" + file + "\""));
+  REQUIRE(
+      session->executeLine("polyCube -n box -w 4 -h 2 -d 1; move 6 3 0; select -cl; modelEditor -e "
+                           "-grid 0 modelPanel3"));
+  REQUIRE(
+      session->executeLine("playblast -wh 300 200 -orn 0 -epn modelPanel3 -cf \"" + file + "\""));
   const auto picture = io::readPng(file);
   REQUIRE(picture);
   // 30 cm across 300 pixels; rows count from the top.
   const auto at = [&](double x, double y) {
-    return picture->rgba.data() + 4 * (static_cast<std::size_t>(100 - 10 * y) * 300 + static_cast<std::size_t>(150 + 10 * x));
+    return picture->rgba.data() + 4 * (static_cast<std::size_t>(100 - 10 * y) * 300 +
+                                       static_cast<std::size_t>(150 + 10 * x));
   };
   const std::uint8_t* const bare = at(-6, 3);
   CHECK(same(bare, at(-6, -3)) == same(at(6, -3), at(-6, -3)));
@@ -97,5 +112,7 @@ TEST_CASE("a picture that can't be made says why and leaves no file") {
   CHECK_FALSE(failure(*session, "playblast -wh 1000000 1000000" + to).empty());
   CHECK_FALSE(std::filesystem::exists(file));
   if (canDraw(*session))
-    CHECK(failure(*session, "playblast -wh 8 8 -cf \"" + (kFolder / "no folder/x.png").string() + "\"").find("no folder") != std::string::npos);
+    CHECK(failure(*session,
+                  "playblast -wh 8 8 -cf \"" + (kFolder / "no folder/x.png").string() + "\"")
+              .find("no folder") != std::string::npos);
 }

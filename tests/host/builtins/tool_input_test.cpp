@@ -21,12 +21,15 @@ using Names = std::vector<std::string>;
 struct Keys {
   bool shift = false, control = false, alt = false;
 };
-constexpr Keys kShift{.shift = true}, kControl{.control = true}, kBoth{.shift = true, .control = true}, kAlt{.alt = true};
+constexpr Keys kShift{.shift = true}, kControl{.control = true},
+    kBoth{.shift = true, .control = true}, kAlt{.alt = true};
 
-/// A plane of 2 x 2 faces, 4 cm wide, seen from above: 30 cm over 960 pixels, 32 pixels a centimetre.
+/// A plane of 2 x 2 faces, 4 cm wide, seen from above: 30 cm over 960 pixels, 32 pixels a
+/// centimetre.
 class Hand {
  public:
-  explicit Hand(std::string panelIn = "modelPanel1") : session(builtins::makeSession()), panel(std::move(panelIn)) {
+  explicit Hand(std::string panelIn = "modelPanel1")
+      : session(builtins::makeSession()), panel(std::move(panelIn)) {
     run("polyPlane -n plane -w 4 -h 4 -sx 2 -sy 2; select -cl");
   }
 
@@ -40,7 +43,8 @@ class Hand {
   [[nodiscard]] Names hilited() const { return run("ls -hl").toTexts(); }
 
   [[nodiscard]] viewport::ViewProjection projection() const {
-    const auto scene = builtins::gatherView(session->document(), *session->service<builtins::Views>().find(panel));
+    const auto scene =
+        builtins::gatherView(session->document(), *session->service<builtins::Views>().find(panel));
     REQUIRE(scene);
     return {scene->camera, scene->port};
   }
@@ -66,10 +70,12 @@ class Hand {
     event.key = name;
     builtins::toolsOf(*session).handle(event);
   }
-  void drag(viewport::ViewPoint from, viewport::ViewPoint to, MouseButton button = MouseButton::Left, Keys keys = {}) const {
+  void drag(viewport::ViewPoint from, viewport::ViewPoint to,
+            MouseButton button = MouseButton::Left, Keys keys = {}) const {
     send(InputKind::Press, from, button, keys);
     for (const double part : {0.3, 0.7, 1.0})
-      send(InputKind::Drag, {from.x + (to.x - from.x) * part, from.y + (to.y - from.y) * part}, button, keys);
+      send(InputKind::Drag, {from.x + (to.x - from.x) * part, from.y + (to.y - from.y) * part},
+           button, keys);
     send(InputKind::Release, to, button, keys);
   }
   void click(viewport::ViewPoint at, Keys keys = {}) const {
@@ -98,7 +104,9 @@ constexpr MouseButton kMiddle = MouseButton::Middle;
 
 }  // namespace
 
-TEST_CASE("clicks on vertices: alone they replace, Shift toggles, Control takes away, both add; each is a step of undo") {
+TEST_CASE(
+    "clicks on vertices: alone they replace, Shift toggles, Control takes away, both add; each is "
+    "a step of undo") {
   const Hand hand;
   hand.run("doMenuComponentSelection(\"plane\", \"vertex\")");
   std::vector<Names> history;
@@ -144,7 +152,8 @@ TEST_CASE("clicks on vertices: alone they replace, Shift toggles, Control takes 
   CHECK(hand.selected().empty());
 }
 
-TEST_CASE("a rectangle takes vertices inside it, edges and faces that reach into it, from any corner") {
+TEST_CASE(
+    "a rectangle takes vertices inside it, edges and faces that reach into it, from any corner") {
   const Hand hand;
   hand.run("doMenuComponentSelection(\"plane\", \"vertex\")");
   const auto left = hand.pixel(-3, 0, -3), right = hand.pixel(-1, 0, 3);
@@ -155,8 +164,10 @@ TEST_CASE("a rectangle takes vertices inside it, edges and faces that reach into
   hand.drag({right.x, left.y}, {left.x, right.y});
   CHECK(hand.selected() == column);
   // Modifiers, as with clicks.
-  hand.drag(hand.pixel(-3, 0, -1), hand.pixel(3, 0, 1), MouseButton::Left, kShift);  // the middle row: 3 goes, 4 and 5 come
-  CHECK(sorted(hand.selected()) == Names{"plane.vtx[0]", "plane.vtx[4]", "plane.vtx[5]", "plane.vtx[6]"});
+  hand.drag(hand.pixel(-3, 0, -1), hand.pixel(3, 0, 1), MouseButton::Left,
+            kShift);  // the middle row: 3 goes, 4 and 5 come
+  CHECK(sorted(hand.selected()) ==
+        Names{"plane.vtx[0]", "plane.vtx[4]", "plane.vtx[5]", "plane.vtx[6]"});
   hand.drag(left, right, MouseButton::Left, kControl);
   CHECK(hand.selected() == Names{"plane.vtx[4]", "plane.vtx[5]"});
   hand.drag(left, right, MouseButton::Left, kBoth);
@@ -165,10 +176,12 @@ TEST_CASE("a rectangle takes vertices inside it, edges and faces that reach into
   CHECK(hand.selected().empty());
 
   hand.run("doMenuComponentSelection(\"plane\", \"edge\")");
-  hand.drag(hand.pixel(-1.5, 0, 1.5), hand.pixel(-0.5, 0, 2.5));  // over the middle of a border edge
+  hand.drag(hand.pixel(-1.5, 0, 1.5),
+            hand.pixel(-0.5, 0, 2.5));  // over the middle of a border edge
   REQUIRE(hand.selected().size() == 1);
   CHECK(hand.run("polyListComponentConversion -tv `ls -sl`").toTexts() == Names{"plane.vtx[0:1]"});
-  hand.drag(hand.pixel(-0.5, 0, -0.5), hand.pixel(0.5, 0, 0.5));  // the four edges that meet in the middle
+  hand.drag(hand.pixel(-0.5, 0, -0.5),
+            hand.pixel(0.5, 0, 0.5));  // the four edges that meet in the middle
   CHECK(hand.selected().size() == 4);
   hand.click(hand.pixel(0, 0, 1), kShift);
   CHECK(hand.selected().size() == 3);
@@ -182,7 +195,9 @@ TEST_CASE("a rectangle takes vertices inside it, edges and faces that reach into
   CHECK(hand.selected() == Names{"plane.f[1]", "plane.f[2]"});
 }
 
-TEST_CASE("in object mode clicks and rectangles take objects; in component mode they bring their components up") {
+TEST_CASE(
+    "in object mode clicks and rectangles take objects; in component mode they bring their "
+    "components up") {
   const Hand hand;
   hand.run("polyCube -n box; move 6 0 0; polyCube -n far; move 12 0 0; select -cl");
   const auto plane = hand.pixel(0.7, 0, 0.7), box = hand.pixel(6, 0.5, 0);
@@ -228,7 +243,9 @@ TEST_CASE("Escape drops a gesture, and a tool that comes in the midst of one sta
   CHECK(hand.session->document().hash() == before);
 }
 
-TEST_CASE("a drag with a transform tool is one step of undo, and moves what is selected as far as the pointer went") {
+TEST_CASE(
+    "a drag with a transform tool is one step of undo, and moves what is selected as far as the "
+    "pointer went") {
   const Hand hand;
   hand.run("select -r plane; setToolTo moveSuperContext");
   const std::uint64_t start = hand.session->document().hash();
@@ -275,7 +292,9 @@ TEST_CASE("a drag with a transform tool is one step of undo, and moves what is s
   CHECK(said.text(MessageKind::Error).empty());
 }
 
-TEST_CASE("camera tools: what is under the pointer stays there, axis views don't turn, undo is for the scene") {
+TEST_CASE(
+    "camera tools: what is under the pointer stays there, axis views don't turn, undo is for the "
+    "scene") {
   const Hand hand;
   hand.run("setAttr plane.tx 1; setToolTo trackContext");
   const auto under = hand.projection().viewToWorldAt({300, 200}, {0, 0, 0});
@@ -307,18 +326,21 @@ TEST_CASE("a perspective camera turns about its centre of interest, with the too
   for (const bool isTool : {true, false}) {
     CAPTURE(isTool);
     const Hand hand("modelPanel4");
-    hand.run(isTool ? "setToolTo tumbleContext" : "doMenuComponentSelection(\"plane\", \"vertex\")");
+    hand.run(isTool ? "setToolTo tumbleContext"
+                    : "doMenuComponentSelection(\"plane\", \"vertex\")");
     const Keys keys = isTool ? Keys{} : kAlt;
     const viewport::Camera before = hand.projection().camera();
     const math::Vec3 centre = before.centerOfInterestPoint(), arm = before.eye() - centre;
-    hand.drag({200, 200}, {680, 200}, MouseButton::Left, keys);  // half the view's width: a quarter turn
+    hand.drag({200, 200}, {680, 200}, MouseButton::Left,
+              keys);  // half the view's width: a quarter turn
     const viewport::Camera turned = hand.projection().camera();
     const math::Vec3 newArm = turned.eye() - centre;
     CHECK(newArm.x == doctest::Approx(-arm.z));
     CHECK(newArm.y == doctest::Approx(arm.y));
     CHECK(newArm.z == doctest::Approx(arm.x));
     CHECK(math::length(turned.centerOfInterestPoint() - centre) < 1e-6);
-    hand.drag({200, 200}, {200, 5000}, MouseButton::Left, keys);  // as far as it goes: not over the pole
+    hand.drag({200, 200}, {200, 5000}, MouseButton::Left,
+              keys);  // as far as it goes: not over the pole
     const viewport::Camera below = hand.projection().camera();
     CHECK(std::abs(below.viewDirection().y) > 0.999);
     CHECK(below.up().y > 0);
@@ -329,8 +351,10 @@ TEST_CASE("a perspective camera turns about its centre of interest, with the too
   const Hand hand("modelPanel4");
   const viewport::Camera before = hand.projection().camera();
   hand.drag({200, 200}, {440, 200}, MouseButton::Right, kAlt);  // twice as near
-  CHECK(hand.projection().camera().centerOfInterest == doctest::Approx(before.centerOfInterest / 2));
-  CHECK(math::length(hand.projection().camera().centerOfInterestPoint() - before.centerOfInterestPoint()) < 1e-6);
+  CHECK(hand.projection().camera().centerOfInterest ==
+        doctest::Approx(before.centerOfInterest / 2));
+  CHECK(math::length(hand.projection().camera().centerOfInterestPoint() -
+                     before.centerOfInterestPoint()) < 1e-6);
   const auto centre = hand.projection().worldToView(before.centerOfInterestPoint());
   hand.drag({200, 200}, {260, 170}, kMiddle, kAlt);
   const auto moved = hand.projection().worldToView(before.centerOfInterestPoint());
@@ -338,7 +362,9 @@ TEST_CASE("a perspective camera turns about its centre of interest, with the too
   CHECK(moved.y - centre.y == doctest::Approx(-30));
 }
 
-TEST_CASE("a press makes its panel the active one; a panel whose camera is gone says so and nothing breaks") {
+TEST_CASE(
+    "a press makes its panel the active one; a panel whose camera is gone says so and nothing "
+    "breaks") {
   const Hand hand("modelPanel3");
   auto& views = hand.session->service<builtins::Views>();
   CHECK(views.active().panel == "modelPanel4");
@@ -347,7 +373,9 @@ TEST_CASE("a press makes its panel the active one; a panel whose camera is gone 
   CHECK(views.active().hasCursor);
   hand.send(InputKind::Move, {5000, 10}, MouseButton::None);
   CHECK_FALSE(views.active().hasCursor);
-  hand.run("createNode transform -n aside; createNode camera -p aside; modelPanel -e -camera aside modelPanel3; delete aside");
+  hand.run(
+      "createNode transform -n aside; createNode camera -p aside; modelPanel -e -camera aside "
+      "modelPanel3; delete aside");
   const MessageCapture said;
   for (const char* tool : {"selectSuperContext", "moveSuperContext", "trackContext"}) {
     CAPTURE(tool);
