@@ -276,6 +276,15 @@ TEST_CASE(
   terminal.type("\x03");
   CHECK(has(terminal.readTo(ready), "Interrupted"));
   CHECK(has(answer("5 * 5"), "// Result: 25 //"));
+  // A name is completed, a comment goes on to its end, and a deferred script runs before the next
+  // line.
+  terminal.type("capitalizeStr\t");
+  CHECK(has(terminal.readTo("capitalizeString "), "capitalizeString "));
+  CHECK(has(answer("(\"abc\")"), "// Result: Abc //"));
+  terminal.type("/* not yet {\n");
+  CHECK(has(terminal.readTo("...> "), "...> "));
+  CHECK(has(answer("*/ 6 * 7"), "// Result: 42 //"));
+  CHECK(has(answer("evalDeferred \"print(\\\"la\\\" + \\\"ter\\\\n\\\")\""), "later"));
   terminal.type("quit -ec 6\n");
   CHECK(terminal.finish() == 6);
 
