@@ -62,6 +62,21 @@ CommandResult readFlags(Context& context, const ParsedArgs& args, const Plug& pl
   return mel::Value(mel::IntArray(graph.elementIndices(array)));
 }
 
+/// The value that the attribute has at another time; the scene's own time stays what it is.
+CommandResult readAt(Context& context, const Plug& plug, double seconds) {
+  scene::Document& document = context.document;
+  dg::Graph& graph = document.graph();
+  if (document.nodesNamed("time1").empty()) return fail("getAttr: the scene has no time node.");
+  const Plug clock = document.nodesNamed("time1").front()->plug("outTime");
+  const auto now = graph.get(clock);
+  if (!now) return failWith(now.error());
+  const scene::Journal::Scope unrecorded(document.journal(), nullptr);
+  HOST_TRY(graph.set(clock, dg::Value(seconds)));
+  auto value = readPlug(graph, document.units(), plug);
+  HOST_TRY(graph.set(clock, *now));
+  return value;
+}
+
 CommandResult getAttr(Context& context, const ParsedArgs& args) {
   const std::string name = args.firstObject();
   if (name.empty()) {
@@ -85,7 +100,8 @@ CommandResult getAttr(Context& context, const ParsedArgs& args) {
     if (!field) return failWith(std::move(field.error()));
     return mel::Value(std::move(*field));
   }
-  auto value = readPlug(graph, context.document.units(), *plug);
+  auto value = args.has("time") ? readAt(context, *plug, args.real("time"))
+                                : readPlug(graph, context.document.units(), *plug);
   if (!value || !value->isNone() || args.has("silent")) return value;
   if (plug->attribute()->type == dg::AttributeType::Message)
     return fail("getAttr: '{}' is a message attribute and carries no value.", name);
