@@ -124,7 +124,8 @@ Result<mel::Value> Session::runGuarded(const std::function<Result<mel::Value>()>
   if (checks) checkUndoOfLine(*this, itemsBefore, unrecordedBefore, hashBefore);
 #endif
   if (!result) {
-    if (options.postErrors) postMessage(MessageKind::Error, result.error().message);
+    // A script that quits is interrupted, which is no error.
+    if (options.postErrors && !isQuitting) postMessage(MessageKind::Error, result.error().message);
   } else if (options.display && !result->isNone()) {
     postMessage(MessageKind::Result, result->resultText());
   }

@@ -112,6 +112,11 @@ TEST_CASE("quit leaves with its status, from a line, a script, deferred work and
   const Outcome byInput = run({"--no-module"}, "quit -ec 4; evalDeferred \"print \\\"no\\\"\";");
   CHECK(byInput.status == 4);
   CHECK(byInput.output.empty());
+  // What stands behind it doesn't run, and that is no error.
+  const Outcome cut = run({"--no-module", "-c", "print \"a\"; quit -ec 5; createNode transform; print \"b\""});
+  CHECK(cut.status == 5);
+  CHECK(cut.output == "a");
+  CHECK(cut.errors.empty());
   // A line that quits leaves no script to run.
   CHECK(run({"--no-module", "-c", "quit -ec 3", script}).status == 3);
 }
