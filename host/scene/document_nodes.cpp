@@ -155,6 +155,7 @@ Result<void> Document::deleteNodes(std::vector<Node*> nodes) {
   // Children before parents and last before first, so that each is taken from the end of its lists.
   const std::vector<dg::NodePtr>& order = doomed.order();
   for (auto node = order.rbegin(); node != order.rend(); ++node) {
+    if (!(*node)->isAlive()) continue;  // gone along with an earlier one, by who watched it go
     while (!dagLinks(**node).children.empty())
       impl_->unlink(*dagLinks(**node).children.back(), node->get());
     while (!dagLinks(**node).parents.empty())

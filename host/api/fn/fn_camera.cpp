@@ -106,7 +106,8 @@ MStatus MFnCamera::setCenterOfInterest(double dist) { return setPositive(object_
 MStatus MFnCamera::setCenterOfInterestPoint(const MPoint& point, MSpace::Space space) {
   const MVector offset = point - eyePoint(space);
   const MVector up = upDirection(space);
-  if (offset.length() <= 0) return MStatus::kInvalidParameter;
+  // What rounding leaves of no distance is no direction to look in.
+  if (offset.length() <= 1e-9 * (1 + MVector(point).length())) return MStatus::kInvalidParameter;
   if (space != MSpace::kWorld) return setCenterOfInterest(offset.length());
   const MStatus turned = set(eyePoint(space), offset, up, horizontalFieldOfView(), aspectRatio());
   return turned ? setCenterOfInterest(offset.length()) : turned;

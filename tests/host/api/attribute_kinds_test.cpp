@@ -38,7 +38,8 @@ struct Attributes : ApiScene {
 
 }  // namespace
 
-TEST_CASE_FIXTURE(Attributes, "numeric: ranges, soft ranges and defaults, one for all or one a part") {
+TEST_CASE_FIXTURE(Attributes,
+                  "numeric: ranges, soft ranges and defaults, one for all or one a part") {
   MFnNumericAttribute fn;
   MObject one = fn.create("weight", "wt", MFnNumericData::kDouble, 0.5);
   CHECK(fn.setMin(0.0));
@@ -184,7 +185,8 @@ TEST_CASE_FIXTURE(Attributes, "matrices and text: defaults, values and what they
   CHECK(add(rough).setMObject(MFnMatrixData().create(shift)));
 
   MFnTypedAttribute typed;
-  const MObject label = typed.create("label", "lb", MFnData::kString, MFnStringData().create("none"));
+  const MObject label =
+      typed.create("label", "lb", MFnData::kString, MFnStringData().create("none"));
   CHECK(typed.attrType() == MFnData::kString);
   const MPlug word = add(label);
   CHECK(word.asString() == "none");

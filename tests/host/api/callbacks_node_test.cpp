@@ -14,7 +14,9 @@ namespace {
 
 std::string heard;
 
-std::string said() { return std::exchange(heard, {}); }
+std::string said() {
+  return std::exchange(heard, {});
+}
 
 std::string leafOf(const MPlug& plug) {
   return plug.isNull() ? "" : plug.partialName(false, true, true, false, false, true).asChar();
@@ -37,7 +39,9 @@ void onAttribute(MNodeMessage::AttributeMessage message, MPlug& plug, MPlug& oth
              leafOf(plug) + (other.isNull() ? "" : "=" + std::string(other.name().asChar())) + " ";
   }
 }
-void onDirtyPlug(MObject&, MPlug& plug, void*) { heard += "dirty:" + leafOf(plug) + " "; }
+void onDirtyPlug(MObject&, MPlug& plug, void*) {
+  heard += "dirty:" + leafOf(plug) + " ";
+}
 void onNode(MObject& node, void* data) {
   heard += std::string(static_cast<const char*>(data)) + ":" +
            MFnDependencyNode(node).name().asChar() + " ";
@@ -45,11 +49,14 @@ void onNode(MObject& node, void* data) {
 void onRename(MObject& node, const MString& old, void*) {
   heard += std::string(old.asChar()) + ">" + MFnDependencyNode(node).name().asChar() + " ";
 }
-void onEnd(void* data) { heard += std::string(static_cast<const char*>(data)) + " "; }
+void onEnd(void* data) {
+  heard += std::string(static_cast<const char*>(data)) + " ";
+}
 
 }  // namespace
 
-TEST_CASE_FIXTURE(ApiScene, "attribute callbacks: values, locks, elements and both ends of connections") {
+TEST_CASE_FIXTURE(ApiScene,
+                  "attribute callbacks: values, locks, elements and both ends of connections") {
   run("createNode transform -n a; createNode transform -n b; createNode polyCube -n c;"
       "addAttr -ln list -at double -m a;");
   MObject a = node("a"), b = node("b");
@@ -118,7 +125,8 @@ TEST_CASE_FIXTURE(ApiScene, "attribute callbacks: a set by undo and redo is told
   CHECK(MMessage::removeCallbacks(both));
 }
 
-TEST_CASE_FIXTURE(ApiScene, "dirty callbacks follow the flow of values once, until the value is asked for") {
+TEST_CASE_FIXTURE(ApiScene,
+                  "dirty callbacks follow the flow of values once, until the value is asked for") {
   run("createNode transform -n a; createNode transform -n b; connectAttr a.tx b.ty;"
       "polyCube -n box; getAttr b.ty; getAttr boxShape.outMesh;");
   MObject b = node("b"), shape = node("boxShape");
@@ -138,7 +146,8 @@ TEST_CASE_FIXTURE(ApiScene, "dirty callbacks follow the flow of values once, unt
   CHECK(MMessage::removeCallbacks(ids));
 }
 
-TEST_CASE_FIXTURE(ApiScene, "names and ends: renames by hand and by undo, deletion, and the real end") {
+TEST_CASE_FIXTURE(ApiScene,
+                  "names and ends: renames by hand and by undo, deletion, and the real end") {
   run("createNode transform -n a; createNode transform -n b;");
   MObject a = node("a"), b = node("b"), all;
   char before[] = "before", gone[] = "gone";
@@ -209,6 +218,40 @@ TEST_CASE_FIXTURE(ApiScene, "a node that goes may take others along; undo gives 
 
 namespace {
 
+void takeKeeper(MObject&, MDGModifier& modifier, void*) {
+  MSelectionList list;
+  MObject keeper;
+  if (!list.add("keeper") || !list.getDependNode(0, keeper)) return;  // gone before this one
+  heard += "take ";
+  modifier.deleteNode(keeper);
+}
+
+}  // namespace
+
+TEST_CASE_FIXTURE(ApiScene, "a node that is to go may be taken earlier by another one's callback") {
+  run("createNode transform -n keeper; createNode transform -n a; connectAttr a.tx keeper.ty;");
+  MObject a = node("a");
+  const MCallbackId id = MNodeMessage::addNodeAboutToDeleteCallback(a, takeKeeper);
+  const std::size_t before = session->document().hash();
+  said();
+  run("delete a");
+  CHECK(said() == "take ");
+  CHECK(text("objExists keeper") == "0");
+  run("undo");
+  CHECK(session->document().hash() == before);
+  for (const char* both : {"delete a keeper", "delete keeper a"}) {
+    CAPTURE(std::string(both));
+    run(both);
+    CHECK(text("objExists keeper") == "0");
+    CHECK(text("objExists a") == "0");
+    run("undo");
+    CHECK(session->document().hash() == before);
+  }
+  CHECK(MMessage::removeCallback(id));
+}
+
+namespace {
+
 MCallbackId first = 0, second = 0;
 
 void removeSelf(MNodeMessage::AttributeMessage, MPlug&, MPlug&, void*) {
@@ -217,17 +260,22 @@ void removeSelf(MNodeMessage::AttributeMessage, MPlug&, MPlug&, void*) {
   CHECK(MMessage::removeCallback(first));
   CHECK(MMessage::removeCallback(second));
 }
-void neverHeard(MNodeMessage::AttributeMessage, MPlug&, MPlug&, void*) { heard += "second "; }
+void neverHeard(MNodeMessage::AttributeMessage, MPlug&, MPlug&, void*) {
+  heard += "second ";
+}
 void follow(MNodeMessage::AttributeMessage message, MPlug& plug, MPlug&, void*) {
   if (!(message & MNodeMessage::kAttributeSet) || leafOf(plug) != "translateX") return;
   heard += "follow ";
   CHECK(MFnDependencyNode(plug.node()).findPlug("ty", true).setDouble(2 * plug.asDouble()));
 }
-void explode(MNodeMessage::AttributeMessage, MPlug&, MPlug&, void*) { throw 7; }
+void explode(MNodeMessage::AttributeMessage, MPlug&, MPlug&, void*) {
+  throw 7;
+}
 
 }  // namespace
 
-TEST_CASE_FIXTURE(ApiScene, "callbacks may remove themselves and others, edit the scene, and fail") {
+TEST_CASE_FIXTURE(ApiScene,
+                  "callbacks may remove themselves and others, edit the scene, and fail") {
   run("createNode transform -n a");
   MObject a = node("a");
   first = MNodeMessage::addAttributeChangedCallback(a, removeSelf);

@@ -25,27 +25,38 @@ namespace {
 
 std::string heard;
 
-std::string said() { return std::exchange(heard, {}); }
+std::string said() {
+  return std::exchange(heard, {});
+}
 
 void onNode(MObject& node, void* data) {
-  heard += std::string(static_cast<const char*>(data)) + MFnDependencyNode(node).name().asChar() + " ";
+  heard +=
+      std::string(static_cast<const char*>(data)) + MFnDependencyNode(node).name().asChar() + " ";
 }
 void onConnection(MPlug& source, MPlug& destination, bool made, void*) {
-  heard += std::string(source.name().asChar()) + (made ? ">" : "|") + destination.name().asChar() + " ";
+  heard +=
+      std::string(source.name().asChar()) + (made ? ">" : "|") + destination.name().asChar() + " ";
 }
 void onHierarchy(MDagMessage::DagMessage message, MDagPath& child, MDagPath& parent, void*) {
-  static const char* const kWords[] = {"parent+", "parent-", "child+",   "child-",
+  static const char* const kWords[] = {"parent+", "parent-",   "child+",   "child-",
                                        "order",   "instance+", "instance-"};
   heard += std::string(kWords[message]) + " " + child.fullPathName().asChar() + " under " +
            parent.fullPathName().asChar() + "; ";
 }
-void onWord(void* data) { heard += std::string(static_cast<const char*>(data)) + " "; }
-void onState(bool state, void*) { heard += state ? "yes " : "no "; }
-void onTime(MTime& time, void*) { heard += "t" + std::to_string(static_cast<int>(time.value())) + " "; }
+void onWord(void* data) {
+  heard += std::string(static_cast<const char*>(data)) + " ";
+}
+void onState(bool state, void*) {
+  heard += state ? "yes " : "no ";
+}
+void onTime(MTime& time, void*) {
+  heard += "t" + std::to_string(static_cast<int>(time.value())) + " ";
+}
 
 }  // namespace
 
-TEST_CASE_FIXTURE(ApiScene, "graph callbacks: nodes of a type come and go, by commands, undo and redo") {
+TEST_CASE_FIXTURE(ApiScene,
+                  "graph callbacks: nodes of a type come and go, by commands, undo and redo") {
   char plus[] = "+", minus[] = "-";
   MCallbackIdArray ids;
   ids.append(MDGMessage::addNodeAddedCallback(onNode, "mesh", plus));
@@ -84,7 +95,8 @@ TEST_CASE_FIXTURE(ApiScene, "connection callbacks: source first, made, broken an
   CHECK(MMessage::removeCallback(id));
 }
 
-TEST_CASE_FIXTURE(ApiScene, "hierarchy callbacks: moving is no instancing, instances name their own place") {
+TEST_CASE_FIXTURE(ApiScene,
+                  "hierarchy callbacks: moving is no instancing, instances name their own place") {
   run("group -em -n g; group -em -n h; group -em -n box;");
   const MCallbackId id = MDagMessage::addAllDagChangesCallback(onHierarchy);
   said();
@@ -105,7 +117,8 @@ TEST_CASE_FIXTURE(ApiScene, "hierarchy callbacks: moving is no instancing, insta
   CHECK(MMessage::removeCallback(id));
 }
 
-TEST_CASE_FIXTURE(ApiScene, "selection callbacks and conditions: told of changes and of nothing else") {
+TEST_CASE_FIXTURE(ApiScene,
+                  "selection callbacks and conditions: told of changes and of nothing else") {
   run("group -em -n a; group -em -n b; select -cl;");
   char word[] = "selection", event[] = "event";
   MCallbackIdArray ids;
@@ -185,11 +198,15 @@ void tickThrice(float elapsed, float, void*) {
   heard += std::to_string(static_cast<int>(elapsed * 10 + 0.5f)) + " ";
   if (++ticks == 3) CHECK(MMessage::removeCallback(timer));
 }
-void onUser(void* data) { heard += data ? static_cast<const char*>(data) : "nothing"; }
+void onUser(void* data) {
+  heard += data ? static_cast<const char*>(data) : "nothing";
+}
 
 }  // namespace
 
-TEST_CASE_FIXTURE(ApiScene, "timers: not before their time, once however late, gone when they remove themselves") {
+TEST_CASE_FIXTURE(
+    ApiScene,
+    "timers: not before their time, once however late, gone when they remove themselves") {
   double now = 10;
   host::api::callbacks().clock = [&now] { return now; };
   ticks = 0;
@@ -217,7 +234,8 @@ TEST_CASE_FIXTURE(ApiScene, "timers: not before their time, once however late, g
   CHECK_FALSE(status);
 }
 
-TEST_CASE_FIXTURE(ApiScene, "user events: own data first, posted data else, none after deregistration") {
+TEST_CASE_FIXTURE(ApiScene,
+                  "user events: own data first, posted data else, none after deregistration") {
   char own[] = "own ", posted[] = "posted ";
   REQUIRE(MUserEventMessage::registerUserEvent("mine"));
   CHECK_FALSE(MUserEventMessage::registerUserEvent("mine"));
@@ -244,8 +262,12 @@ TEST_CASE_FIXTURE(ApiScene, "user events: own data first, posted data else, none
 
 namespace {
 
-void refuse(bool* mayGoOn, void*) { *mayGoOn = false; }
-void agree(bool* mayGoOn, void*) { *mayGoOn = true; }
+void refuse(bool* mayGoOn, void*) {
+  *mayGoOn = false;
+}
+void agree(bool* mayGoOn, void*) {
+  *mayGoOn = true;
+}
 
 }  // namespace
 

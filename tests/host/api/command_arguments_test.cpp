@@ -97,8 +97,8 @@ TEST_CASE_FIXTURE(Arguments, "multi-use flags: every use with its place and its 
   CHECK(syntax.makeFlagMultiUse("-point"));
   syntax.addArg(MSyntax::kString);
   MStatus status;
-  const MArgDatabase parsed(syntax, words({"-p", "1", "2", "curve", "-key", "k", "-point", "3.5", "4"}),
-                            &status);
+  const MArgDatabase parsed(
+      syntax, words({"-p", "1", "2", "curve", "-key", "k", "-point", "3.5", "4"}), &status);
   REQUIRE(status);
   CHECK(parsed.numberOfFlagUses("-p") == 2);
   CHECK(parsed.numberOfFlagUses("-k") == 1);
@@ -126,7 +126,8 @@ TEST_CASE_FIXTURE(Arguments, "objects: named ones, the selection in their place,
   CHECK((syntax.minObjects() == 1 && syntax.maxObjects() == 2));
   MSelectionList list;
   MStatus status;
-  const MArgDatabase named(syntax, words({"box.vtx[3:4]", "-by", "2", "-to", "box.e[0:5]", "g"}), &status);
+  const MArgDatabase named(syntax, words({"box.vtx[3:4]", "-by", "2", "-to", "box.e[0:5]", "g"}),
+                           &status);
   REQUIRE(status);
   CHECK(named.getObjects(list));
   CHECK(textOf(list) == "box.vtx[3:4] g");
@@ -182,7 +183,8 @@ TEST_CASE_FIXTURE(Arguments, "modes: query takes no arguments unless told to, ed
   CHECK(refusal({"-e", "-w"}).find("edit") != std::string::npos);
 }
 
-TEST_CASE_FIXTURE(Arguments, "bad input: named flag, missing and wrong arguments, what is not expected") {
+TEST_CASE_FIXTURE(Arguments,
+                  "bad input: named flag, missing and wrong arguments, what is not expected") {
   syntax.addFlag("-c", "-count", MSyntax::kLong);
   syntax.addFlag("-u", "-units", MSyntax::kUnsigned);
   syntax.addFlag("-b", "-both", MSyntax::kDouble, MSyntax::kString);

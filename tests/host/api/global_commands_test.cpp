@@ -45,8 +45,8 @@ TEST_CASE_FIXTURE(ApiScene, "commands: results in every form, and forms that do 
   CHECK((reals.length() == 2 && reals[1] == 2));
   CHECK(MGlobal::executeCommand("float $a7[] = {0.5, 2}; $a7 = $a7;", reals));
   CHECK(reals[0] == 0.5);
-  CHECK(MGlobal::executeCommand("createNode transform -n here; createNode transform -n there; ls -tr \"*here\"",
-                                words));
+  CHECK(MGlobal::executeCommand(
+      "createNode transform -n here; createNode transform -n there; ls -tr \"*here\"", words));
   CHECK((words.length() == 2 && words[0] == "here"));
   CHECK(MGlobal::executeCommand("vector $v8 = <<1, 2, 3>>; $v8 = $v8;", vector));
   CHECK(vector == MVector(1, 2, 3));
@@ -115,7 +115,8 @@ TEST_CASE_FIXTURE(ApiScene, "commands go on the undo queue only when told to") {
   const host::MessageCapture messages;
   int value = 0;
   CHECK(MGlobal::executeCommand("int $i24 = 12; $i24 = $i24;", value, true));
-  const std::string shown = messages.text(host::MessageKind::Info) + messages.text(host::MessageKind::Result);
+  const std::string shown =
+      messages.text(host::MessageKind::Info) + messages.text(host::MessageKind::Result);
   CHECK(shown.find("int $i24 = 12") != std::string::npos);
   CHECK(MGlobal::executeCommandOnIdle("createNode transform -n later"));
   CHECK(text("objExists later") == "0");

@@ -40,7 +40,8 @@ TEST_CASE_FIXTURE(ApiScene, "progress: one job at a time has the display, and st
   CHECK(MProgressWindow::endProgress());
 }
 
-TEST_CASE_FIXTURE(ApiScene, "computations tell what they do and are not interrupted where nobody can") {
+TEST_CASE_FIXTURE(ApiScene,
+                  "computations tell what they do and are not interrupted where nobody can") {
   const host::MessageCapture messages;
   MComputation work;
   work.beginComputation(true, true);

@@ -26,7 +26,8 @@ struct Sheet : ApiScene {
 
 }  // namespace
 
-TEST_CASE_FIXTURE(Sheet, "UV sets: made, copied, renamed and deleted through modifiers, and given back") {
+TEST_CASE_FIXTURE(Sheet,
+                  "UV sets: made, copied, renamed and deleted through modifiers, and given back") {
   MFnMesh fn(path("sheetShape"));
   const std::size_t start = hash();
   MDGModifier make, copy, change, drop;
@@ -90,7 +91,8 @@ TEST_CASE_FIXTURE(Sheet, "UVs: values and assignment of one set leave the others
   CHECK(pu == 0.5f);
   MFloatArray u2, v2;
   REQUIRE(fn.getUVs(u2, v2, &first));
-  CHECK((std::equal(u1.begin(), u1.end(), u2.begin()) && std::equal(v1.begin(), v1.end(), v2.begin())));
+  CHECK((std::equal(u1.begin(), u1.end(), u2.begin()) &&
+         std::equal(v1.begin(), v1.end(), v2.begin())));
   REQUIRE(fn.clearUVs(&other));
   CHECK(fn.numUVs(other) == 0);
   CHECK(fn.numUVs(first) == 9);

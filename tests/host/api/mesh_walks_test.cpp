@@ -37,7 +37,8 @@ struct Walked : ApiScene {
     }
     MStatus status;
     MObject parent = node("holder");
-    (void)MFnMesh().create(mesh.vertexCount(), mesh.faceCount(), points, counts, connects, parent, &status);
+    (void)MFnMesh().create(mesh.vertexCount(), mesh.faceCount(), points, counts, connects, parent,
+                           &status);
     if (!status) return false;
     place = path("holder");
     return static_cast<bool>(place.extendToShape());
@@ -45,13 +46,16 @@ struct Walked : ApiScene {
   MDagPath place;
 };
 
-std::multiset<int> setOf(const MIntArray& ids) { return {ids.begin(), ids.end()}; }
+std::multiset<int> setOf(const MIntArray& ids) {
+  return {ids.begin(), ids.end()};
+}
 
 constexpr MSpace::Space kSpaces[] = {MSpace::kObject, MSpace::kWorld};
 
 }  // namespace
 
-TEST_CASE_FIXTURE(Walked, "iterators agree with the function set on places and neighbours of every zoo shape") {
+TEST_CASE_FIXTURE(
+    Walked, "iterators agree with the function set on places and neighbours of every zoo shape") {
   int built = 0;
   for (const zoo::ZooMesh& shape : zoo::meshZoo(zoo::Has::Faces, zoo::Has::IsolatedVertices)) {
     CAPTURE(shape.name);
@@ -64,13 +68,15 @@ TEST_CASE_FIXTURE(Walked, "iterators agree with the function set on places and n
       MItMeshVertex vertex(place);
       CHECK(vertex.count() == fn.numVertices());
       for (; !vertex.isDone(); vertex.next())
-        CHECK(vertex.position(space).isEquivalent(points[static_cast<unsigned int>(vertex.index())], 1e-5));
+        CHECK(vertex.position(space).isEquivalent(points[static_cast<unsigned int>(vertex.index())],
+                                                  1e-5));
       double lengths = 0;
       for (MItMeshEdge edge(place); !edge.isDone(); edge.next()) {
         int2 ends;
         REQUIRE(fn.getEdgeVertices(edge.index(), ends));
         CHECK((edge.index(0) == ends[0] && edge.index(1) == ends[1]));
-        const MPoint a = points[static_cast<unsigned int>(ends[0])], b = points[static_cast<unsigned int>(ends[1])];
+        const MPoint a = points[static_cast<unsigned int>(ends[0])],
+                     b = points[static_cast<unsigned int>(ends[1])];
         double length = 0;
         REQUIRE(edge.getLength(length, space));
         CHECK(length == doctest::Approx(a.distanceTo(b)).epsilon(1e-5));
@@ -83,7 +89,8 @@ TEST_CASE_FIXTURE(Walked, "iterators agree with the function set on places and n
         face.getVertices(corners);
         MVector sum;
         for (unsigned int i = 0; i < corners.length(); ++i) {
-          CHECK(face.point(static_cast<int>(i), space).isEquivalent(points[static_cast<unsigned int>(corners[i])], 1e-5));
+          CHECK(face.point(static_cast<int>(i), space)
+                    .isEquivalent(points[static_cast<unsigned int>(corners[i])], 1e-5));
           sum += MVector(points[static_cast<unsigned int>(corners[i])]);
         }
         CHECK((MVector(face.center(space)) - sum / corners.length()).length() < 1e-4);
@@ -138,12 +145,14 @@ TEST_CASE_FIXTURE(Walked, "neighbours: what one walk calls connected, the other 
         opposite.insert(other);
       }
       CHECK(opposite == setOf(vertices));
-      if (edges.length() > 0) CHECK(vertex.onBoundary() == (borderVertices.count(vertex.index()) > 0));
+      if (edges.length() > 0)
+        CHECK(vertex.onBoundary() == (borderVertices.count(vertex.index()) > 0));
     }
   }
 }
 
-TEST_CASE_FIXTURE(Walked, "a walk over a component visits it alone, jumps, and moves points in either space") {
+TEST_CASE_FIXTURE(
+    Walked, "a walk over a component visits it alone, jumps, and moves points in either space") {
   run("polyPlane -n sheet -sx 3 -sy 3 -w 3 -h 3 -ch 0; setAttr sheet.ty 2; setAttr sheet.sx 2;");
   MSelectionList list;
   list.add("sheet.f[2:4]");

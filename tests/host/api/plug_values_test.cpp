@@ -28,7 +28,8 @@ struct Plugs : ApiScene {
 
 }  // namespace
 
-TEST_CASE_FIXTURE(Plugs, "array plugs: sparse elements by index and by place, with their connections") {
+TEST_CASE_FIXTURE(Plugs,
+                  "array plugs: sparse elements by index and by place, with their connections") {
   run("createNode transform -n a; addAttr -ln list -sn li -at double -m a;"
       "setAttr a.list[7] 70; setAttr a.list[2] 20; connectAttr a.tx a.list[4];");
   const MPlug list = plug("a", "list");
@@ -67,7 +68,8 @@ TEST_CASE_FIXTURE(Plugs, "array plugs: sparse elements by index and by place, wi
   CHECK(walking == list[0]);
   CHECK(walking != fresh);
   CHECK(std::string(fresh.partialName().asChar()) == "li[30]");
-  CHECK(std::string(fresh.partialName(true, false, false, false, false, true).asChar()) == "a.list[30]");
+  CHECK(std::string(fresh.partialName(true, false, false, false, false, true).asChar()) ==
+        "a.list[30]");
 
   MDGModifier modifier;
   CHECK(modifier.removeMultiInstance(fresh, false));
@@ -127,7 +129,8 @@ TEST_CASE_FIXTURE(Plugs, "compound plugs: children, parents, values as a whole")
   CHECK(name(moved) == "boxShape.pnts[5].pnty");
 }
 
-TEST_CASE_FIXTURE(Plugs, "values: every type reads and writes, in its units, and text is no number") {
+TEST_CASE_FIXTURE(Plugs,
+                  "values: every type reads and writes, in its units, and text is no number") {
   run("createNode transform -n a; addAttr -ln count -at long a; addAttr -ln word -dt \"string\" a;"
       "addAttr -ln flag -at bool a; addAttr -ln few -at short -min -5 -max 5 a;"
       "addAttr -ln kind -at \"enum\" -en \"red:green:blue=7\" a; addAttr -ln when -at time a;");
@@ -219,7 +222,8 @@ TEST_CASE_FIXTURE(Plugs, "locks and drivers: what may not change, does not, and 
   CHECK(text("getAttr -k a.tz") == "1");
 }
 
-TEST_CASE_FIXTURE(Plugs, "data handles of plugs are copies: they change a plug when set, and not before") {
+TEST_CASE_FIXTURE(Plugs,
+                  "data handles of plugs are copies: they change a plug when set, and not before") {
   run("createNode transform -n a; setAttr a.t 1 2 3; addAttr -ln list -at double -m a;"
       "setAttr a.list[1] 10; setAttr a.list[5] 50;");
   MDataHandle handle = plug("a", "tx").asMDataHandle();
