@@ -84,13 +84,15 @@ class DepthScope {
 
 #ifdef QXMT_PARANOID
 /// Undoes and redoes what a line did, and ends the program when the document isn't the same again.
-void checkUndoOfLine(Session& session, std::size_t itemsBefore, std::size_t unrecordedBefore,
+void checkUndoOfLine(Session& session, std::string_view text, std::size_t itemsBefore, std::size_t unrecordedBefore,
                      std::uint64_t hashBefore) {
   UndoQueue& queue = session.undo();
   if (queue.itemCount() != itemsBefore + 1 || queue.unrecordedCount() != unrecordedBefore || queue.isChunkOpen()) return;
   const std::uint64_t hashAfter = session.document().hash();
   const std::vector<int> pendingJobs = session.scriptJobs().pending();
   HOST_ASSERT(queue.undo().has_value(), "an item that was just added can be undone");
+  if (session.document().hash() != hashBefore)
+    fmt::print(stderr, "Undo left the document another one than before this line:\n{}\n", text);
   HOST_ASSERT(session.document().hash() == hashBefore, "record every edit that this command line makes");
   HOST_ASSERT(queue.redo().has_value(), "an item that was just undone can be redone");
   HOST_ASSERT(session.document().hash() == hashAfter, "make redo of every edit exact");
@@ -121,7 +123,7 @@ Result<mel::Value> Session::runGuarded(const std::function<Result<mel::Value>()>
     }
   }
 #ifdef QXMT_PARANOID
-  if (checks) checkUndoOfLine(*this, itemsBefore, unrecordedBefore, hashBefore);
+  if (checks) checkUndoOfLine(*this, text, itemsBefore, unrecordedBefore, hashBefore);
 #endif
   if (!result) {
     // A script that quits is interrupted, which is no error.

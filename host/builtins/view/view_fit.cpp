@@ -59,8 +59,9 @@ CommandResult viewFit(Context& context, const ParsedArgs& args) {
   const double fit = args.real("fitFactor", 0.9);
   if (!(fit > 0 && fit <= 1)) return fail("viewFit: the fit factor {} does not lie above 0 and up to 1", fit);
   viewport::Camera camera = shown->camera;
-  if (viewport::frame(camera, view.port.aspect(), *points, fit))
-    HOST_TRY(place(context.document, *path, camera));
+  if (!viewport::frame(camera, view.port.aspect(), *points, fit)) return mel::Value();
+  context.session.undo().noteUnrecorded();  // a camera move is no step of undo
+  HOST_TRY(place(context.document, *path, camera));
   return mel::Value();
 }
 
