@@ -1,6 +1,8 @@
 #pragma once
 
 #include <maya/MColor.h>
+#include <maya/MColorArray.h>
+#include <maya/MStatus.h>
 
 #include <vector>
 
@@ -12,6 +14,9 @@ namespace host::api {
 [[nodiscard]] inline mesh::Color4f fromMColor(const MColor& c) { return {c.r, c.g, c.b, c.a}; }
 /// What queries give where nothing is coloured, unless the caller has another wish.
 [[nodiscard]] inline MColor unsetColor(const MColor* wished) { return wished ? *wished : MColor(-1, -1, -1, -1); }
+
+/// The mean of those colours that are set (alpha not below 0); fails when none is.
+MStatus meanColor(const MColorArray& colors, MColor& mean);
 
 /// The colour id at a corner; kNone where there is none or no such set.
 [[nodiscard]] inline Index cornerColor(const mesh::Mesh& mesh, int set, CornerId corner) {

@@ -10,6 +10,20 @@
 
 namespace host::api {
 
+MStatus meanColor(const MColorArray& colors, MColor& mean) {
+  MColor sum(0, 0, 0, 0);
+  int count = 0;
+  for (const MColor& one : colors) {
+    if (one.a < 0) continue;
+    sum = MColor(sum.r + one.r, sum.g + one.g, sum.b + one.b, sum.a + one.a);
+    ++count;
+  }
+  if (count == 0) return MStatus::kFailure;
+  const float scale = 1.0F / static_cast<float>(count);
+  mean = MColor(sum.r * scale, sum.g * scale, sum.b * scale, sum.a * scale);
+  return MStatus::kSuccess;
+}
+
 ColorEdit::ColorEdit(mesh::Mesh& mesh) : mesh_(mesh) {
   if (mesh.currentColorSet() < 0) mesh.setCurrentColorSet(mesh.addColorSet({"colorSet1", 4, false, {}, {}}));
   index_ = mesh.currentColorSet();

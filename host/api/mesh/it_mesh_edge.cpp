@@ -42,32 +42,13 @@ MItMeshEdge::MItMeshEdge(const MObject& polyObject, MStatus* status)
 MItMeshEdge::MItMeshEdge(const MDagPath& polyObject, const MObject& component, MStatus* status)
     : handle_(api::makeWalk(polyObject, component, kType, status)) {}
 
-MStatus MItMeshEdge::reset() {
-  MeshWalk* walk = walkOf(handle_);
-  if (!walk) return MStatus::kFailure;
-  walk->rewind();
-  return walk->flush();
-}
-MStatus MItMeshEdge::reset(const MObject& polyObject) {
-  MStatus status;
-  handle_ = api::makeWalk(polyObject, kType, &status);
-  return status;
-}
+MStatus MItMeshEdge::reset() { return api::restart(handle_); }
+MStatus MItMeshEdge::reset(const MObject& polyObject) { return api::restartOn(handle_, polyObject, kType); }
 MStatus MItMeshEdge::reset(const MDagPath& polyObject, const MObject& component) {
-  MStatus status;
-  handle_ = api::makeWalk(polyObject, component, kType, &status);
-  return status;
+  return api::restartOn(handle_, polyObject, component, kType);
 }
-MStatus MItMeshEdge::next() {
-  if (isDone()) return MStatus::kFailure;
-  walkOf(handle_)->next();
-  return MStatus::kSuccess;
-}
-bool MItMeshEdge::isDone(MStatus* status) const {
-  const MeshWalk* walk = walkOf(handle_);
-  setStatus(status, walk ? MStatus::kSuccess : MStatus::kFailure);
-  return !walk || walk->isDone();
-}
+MStatus MItMeshEdge::next() { return api::advance(handle_); }
+bool MItMeshEdge::isDone(MStatus* status) const { return api::isAtEnd(handle_, status); }
 int MItMeshEdge::count(MStatus* status) const {
   const MeshWalk* walk = walkOf(handle_);
   setStatus(status, walk ? MStatus::kSuccess : MStatus::kFailure);

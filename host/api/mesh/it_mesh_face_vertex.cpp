@@ -53,32 +53,13 @@ MItMeshFaceVertex::MItMeshFaceVertex(const MObject& polyObject, MStatus* status)
 MItMeshFaceVertex::MItMeshFaceVertex(const MDagPath& polyObject, const MObject& component, MStatus* status)
     : handle_(api::makeWalk(polyObject, component, kType, status)) {}
 
-MStatus MItMeshFaceVertex::reset() {
-  MeshWalk* walk = walkOf(handle_);
-  if (!walk) return MStatus::kFailure;
-  walk->rewind();
-  return walk->flush();
-}
-MStatus MItMeshFaceVertex::reset(const MObject& polyObject) {
-  MStatus status;
-  handle_ = api::makeWalk(polyObject, kType, &status);
-  return status;
-}
+MStatus MItMeshFaceVertex::reset() { return api::restart(handle_); }
+MStatus MItMeshFaceVertex::reset(const MObject& polyObject) { return api::restartOn(handle_, polyObject, kType); }
 MStatus MItMeshFaceVertex::reset(const MDagPath& polyObject, const MObject& component) {
-  MStatus status;
-  handle_ = api::makeWalk(polyObject, component, kType, &status);
-  return status;
+  return api::restartOn(handle_, polyObject, component, kType);
 }
-MStatus MItMeshFaceVertex::next() {
-  if (isDone()) return MStatus::kFailure;
-  walkOf(handle_)->next();
-  return MStatus::kSuccess;
-}
-bool MItMeshFaceVertex::isDone(MStatus* status) const {
-  const MeshWalk* walk = walkOf(handle_);
-  setStatus(status, walk ? MStatus::kSuccess : MStatus::kFailure);
-  return !walk || walk->isDone();
-}
+MStatus MItMeshFaceVertex::next() { return api::advance(handle_); }
+bool MItMeshFaceVertex::isDone(MStatus* status) const { return api::isAtEnd(handle_, status); }
 MStatus MItMeshFaceVertex::setIndex(int faceId, int vertexId, int& prevFaceId, int& prevVertexId) {
   MeshWalk* walk = walkOf(handle_);
   if (!walk) return MStatus::kFailure;

@@ -88,32 +88,13 @@ MItMeshPolygon::MItMeshPolygon(const MObject& polyObject, MStatus* status)
 MItMeshPolygon::MItMeshPolygon(const MDagPath& polyObject, const MObject& component, MStatus* status)
     : handle_(api::makeWalk(polyObject, component, kType, status)) {}
 
-MStatus MItMeshPolygon::reset() {
-  MeshWalk* walk = walkOf(handle_);
-  if (!walk) return MStatus::kFailure;
-  walk->rewind();
-  return walk->flush();
-}
-MStatus MItMeshPolygon::reset(const MObject& polyObject) {
-  MStatus status;
-  handle_ = api::makeWalk(polyObject, kType, &status);
-  return status;
-}
+MStatus MItMeshPolygon::reset() { return api::restart(handle_); }
+MStatus MItMeshPolygon::reset(const MObject& polyObject) { return api::restartOn(handle_, polyObject, kType); }
 MStatus MItMeshPolygon::reset(const MDagPath& polyObject, const MObject& component) {
-  MStatus status;
-  handle_ = api::makeWalk(polyObject, component, kType, &status);
-  return status;
+  return api::restartOn(handle_, polyObject, component, kType);
 }
-MStatus MItMeshPolygon::next() {
-  if (isDone()) return MStatus::kFailure;
-  walkOf(handle_)->next();
-  return MStatus::kSuccess;
-}
-bool MItMeshPolygon::isDone(MStatus* status) const {
-  const MeshWalk* walk = walkOf(handle_);
-  setStatus(status, walk ? MStatus::kSuccess : MStatus::kFailure);
-  return !walk || walk->isDone();
-}
+MStatus MItMeshPolygon::next() { return api::advance(handle_); }
+bool MItMeshPolygon::isDone(MStatus* status) const { return api::isAtEnd(handle_, status); }
 int MItMeshPolygon::count(MStatus* status) const {
   const MeshWalk* walk = walkOf(handle_);
   setStatus(status, walk ? MStatus::kSuccess : MStatus::kFailure);

@@ -245,21 +245,10 @@ bool MItMeshPolygon::hasColor(int localVertexIndex, MStatus* status) const {
   return corner != kNone && cornerColor(walk->mesh(), walk->mesh().currentColorSet(), corner) != kNone;
 }
 MStatus MItMeshPolygon::getColor(MColor& color, const MString* colorSet) const {
-  // The mean of the corners that have one.
   MColorArray colors;
   const MStatus status = getColors(colors, colorSet);
   if (!status) return status;
-  MColor sum(0, 0, 0, 0);
-  int count = 0;
-  for (const MColor& one : colors) {
-    if (one.a < 0) continue;
-    sum = MColor(sum.r + one.r, sum.g + one.g, sum.b + one.b, sum.a + one.a);
-    ++count;
-  }
-  if (count == 0) return MStatus::kFailure;
-  const float scale = 1.0F / static_cast<float>(count);
-  color = MColor(sum.r * scale, sum.g * scale, sum.b * scale, sum.a * scale);
-  return MStatus::kSuccess;
+  return api::meanColor(colors, color);
 }
 MStatus MItMeshPolygon::getColor(MColor& color, int vertexIndex) const {
   MColorArray colors;

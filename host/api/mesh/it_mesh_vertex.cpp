@@ -32,32 +32,13 @@ MItMeshVertex::MItMeshVertex(const MObject& polyObject, MStatus* status)
 MItMeshVertex::MItMeshVertex(const MDagPath& polyObject, const MObject& component, MStatus* status)
     : handle_(api::makeWalk(polyObject, component, kType, status)) {}
 
-MStatus MItMeshVertex::reset() {
-  MeshWalk* walk = walkOf(handle_);
-  if (!walk) return MStatus::kFailure;
-  walk->rewind();
-  return walk->flush();
-}
-MStatus MItMeshVertex::reset(const MObject& polyObject) {
-  MStatus status;
-  handle_ = api::makeWalk(polyObject, kType, &status);
-  return status;
-}
+MStatus MItMeshVertex::reset() { return api::restart(handle_); }
+MStatus MItMeshVertex::reset(const MObject& polyObject) { return api::restartOn(handle_, polyObject, kType); }
 MStatus MItMeshVertex::reset(const MDagPath& polyObject, const MObject& component) {
-  MStatus status;
-  handle_ = api::makeWalk(polyObject, component, kType, &status);
-  return status;
+  return api::restartOn(handle_, polyObject, component, kType);
 }
-MStatus MItMeshVertex::next() {
-  if (isDone()) return MStatus::kFailure;
-  walkOf(handle_)->next();
-  return MStatus::kSuccess;
-}
-bool MItMeshVertex::isDone(MStatus* status) const {
-  const MeshWalk* walk = walkOf(handle_);
-  setStatus(status, walk ? MStatus::kSuccess : MStatus::kFailure);
-  return !walk || walk->isDone();
-}
+MStatus MItMeshVertex::next() { return api::advance(handle_); }
+bool MItMeshVertex::isDone(MStatus* status) const { return api::isAtEnd(handle_, status); }
 int MItMeshVertex::count(MStatus* status) const {
   const MeshWalk* walk = walkOf(handle_);
   setStatus(status, walk ? MStatus::kSuccess : MStatus::kFailure);

@@ -164,17 +164,7 @@ MStatus MItMeshVertex::getColor(MColor& color, const MString* colorSet) const {
   MColorArray colors;
   const MStatus status = getColors(colors, colorSet);
   if (!status) return status;
-  MColor sum(0, 0, 0, 0);
-  int count = 0;
-  for (const MColor& one : colors) {
-    if (one.a < 0) continue;
-    sum = MColor(sum.r + one.r, sum.g + one.g, sum.b + one.b, sum.a + one.a);
-    ++count;
-  }
-  if (count == 0) return MStatus::kFailure;
-  const float scale = 1.0F / static_cast<float>(count);
-  color = MColor(sum.r * scale, sum.g * scale, sum.b * scale, sum.a * scale);
-  return MStatus::kSuccess;
+  return api::meanColor(colors, color);
 }
 MStatus MItMeshVertex::getColor(MColor& color, int faceIndex, const MString* colorSet) const {
   MStatus status;

@@ -106,4 +106,23 @@ Handle makeWalk(const MDagPath& path, const MObject& component, scene::Component
   return makeWalk(MeshTarget(path), component, type, status);
 }
 
+MStatus restart(const Handle& handle) {
+  MeshWalk* walk = walkOf(handle);
+  if (!walk) return MStatus::kFailure;
+  walk->rewind();
+  return walk->flush();
+}
+
+MStatus advance(const Handle& handle) {
+  if (isAtEnd(handle, nullptr)) return MStatus::kFailure;
+  walkOf(handle)->next();
+  return MStatus::kSuccess;
+}
+
+bool isAtEnd(const Handle& handle, MStatus* status) {
+  const MeshWalk* walk = walkOf(handle);
+  setStatus(status, walk ? MStatus::kSuccess : MStatus::kFailure);
+  return !walk || walk->isDone();
+}
+
 }  // namespace host::api

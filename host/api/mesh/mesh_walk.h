@@ -63,4 +63,16 @@ class MeshWalk final : public SharedRep {
 [[nodiscard]] Handle makeWalk(const MDagPath& path, const MObject& component, scene::ComponentType type,
                               MStatus* status);
 
+// The members that all mesh iterators have, for their handles.
+MStatus restart(const Handle& handle);  ///< back to the first, edits written
+/// The same with a walk over something else.
+template <class... Target>
+MStatus restartOn(Handle& handle, const Target&... target) {
+  MStatus status;
+  handle = makeWalk(target..., &status);
+  return status;
+}
+MStatus advance(const Handle& handle);
+[[nodiscard]] bool isAtEnd(const Handle& handle, MStatus* status);
+
 }  // namespace host::api
