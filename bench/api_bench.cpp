@@ -19,8 +19,9 @@
 #include "host/math/ray.h"
 #include "host/nodes/mesh_shape.h"
 
-// What a plug-in pays for going through the API: bulk points beside a plain loop, a module command beside one read and
-// write of all points, rays and closest points beside the ray tracing library called directly.
+// What a plug-in pays for going through the API: bulk points beside a plain loop, a module command
+// beside one read and write of all points, rays and closest points beside the ray tracing library
+// called directly.
 namespace {
 
 using host::Index;
@@ -48,7 +49,9 @@ MDagPath torus(Index vertices, bool isPosed = false) {
   MDagPath path;
   MDagPath::getAPathTo(transform, path);
   path.extendToShape();
-  if (isPosed) run("setAttr polySurface1.rotate -type double3 10 20 30; setAttr polySurface1.scale -type double3 1 2 3;");
+  if (isPosed)
+    run("setAttr polySurface1.rotate -type double3 10 20 30; setAttr polySurface1.scale -type "
+        "double3 1 2 3;");
   return path;
 }
 
@@ -61,11 +64,13 @@ void pointsPlain(benchmark::State& state) {
   std::vector<Vec3f> stored(mesh.points().begin(), mesh.points().end());
   std::vector<MPoint> points(stored.size());
   for (auto _ : state) {
-    for (std::size_t i = 0; i < stored.size(); ++i) points[i] = MPoint(stored[i].x, stored[i].y, stored[i].z);
+    for (std::size_t i = 0; i < stored.size(); ++i)
+      points[i] = MPoint(stored[i].x, stored[i].y, stored[i].z);
     benchmark::DoNotOptimize(points.data());
     benchmark::ClobberMemory();
     for (std::size_t i = 0; i < stored.size(); ++i)
-      stored[i] = {static_cast<float>(points[i].x), static_cast<float>(points[i].y), static_cast<float>(points[i].z)};
+      stored[i] = {static_cast<float>(points[i].x), static_cast<float>(points[i].y),
+                   static_cast<float>(points[i].z)};
     benchmark::DoNotOptimize(stored.data());
     benchmark::ClobberMemory();
   }
@@ -78,7 +83,8 @@ void pointsApi(benchmark::State& state, MSpace::Space space) {
   MFnMesh mesh(path);
   MPointArray points;
   for (auto _ : state)
-    if (!mesh.getPoints(points, space) || !mesh.setPoints(points, space)) state.SkipWithError("refused");
+    if (!mesh.getPoints(points, space) || !mesh.setPoints(points, space))
+      state.SkipWithError("refused");
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK_CAPTURE(pointsApi, object, MSpace::kObject)->Name("points/getSet/object")->Apply(sizes);
@@ -88,7 +94,9 @@ BENCHMARK_CAPTURE(pointsApi, world, MSpace::kWorld)->Name("points/getSet/world")
 bool prepareCommand(benchmark::State& state) {
   const host::MessageCapture quiet;
   static const bool isLoaded =
-      session().executeLine("loadPlugin \"" QXMT_BINARY_DIR "/lib/qxModelingToolkit.so\"").has_value();
+      session()
+          .executeLine("loadPlugin \"" QXMT_BINARY_DIR "/lib/qxModelingToolkit.so\"")
+          .has_value();
   if (!isLoaded) state.SkipWithError("the module does not load");
   torus(static_cast<Index>(state.range(0)), true);
   if (isLoaded) run("select -r polySurface1.vtx[0:9999]; undoInfo -state on;");
@@ -136,7 +144,8 @@ std::vector<Vec3> placesNear(const host::mesh::Mesh& mesh) {
   std::uniform_real_distribution<double> offset(-0.05, 0.05);
   std::vector<Vec3> places;
   for (std::size_t i = 0; i < kQuestions; ++i)
-    places.push_back(mesh.point(vertex(random)) + Vec3{offset(random), offset(random), offset(random)});
+    places.push_back(mesh.point(vertex(random)) +
+                     Vec3{offset(random), offset(random), offset(random)});
   return places;
 }
 
@@ -148,18 +157,19 @@ class Library {
     rtcSetSceneFlags(scene_, RTC_SCENE_FLAG_ROBUST);
     RTCGeometry geometry = rtcNewGeometry(device_, RTC_GEOMETRY_TYPE_TRIANGLE);
     const auto points = mesh.points();
-    std::copy(points.begin(), points.end(),
-              static_cast<Vec3f*>(rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
-                                                          sizeof(Vec3f), points.size())));
+    std::copy(
+        points.begin(), points.end(),
+        static_cast<Vec3f*>(rtcSetNewGeometryBuffer(
+            geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3, sizeof(Vec3f), points.size())));
     for (Index f = 0; f < mesh.faceCount(); ++f) {
       const auto v = mesh.faceVertices(f);
       triangles_.push_back({v[0], v[1], v[2]});
       triangles_.push_back({v[0], v[2], v[3]});
     }
     std::copy(triangles_.begin(), triangles_.end(),
-              static_cast<std::array<Index, 3>*>(rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0,
-                                                                         RTC_FORMAT_UINT3, sizeof(triangles_[0]),
-                                                                         triangles_.size())));
+              static_cast<std::array<Index, 3>*>(
+                  rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3,
+                                          sizeof(triangles_[0]), triangles_.size())));
     rtcSetGeometryPointQueryFunction(geometry, visit);
     rtcCommitGeometry(geometry);
     rtcAttachGeometry(scene_, geometry);
@@ -202,7 +212,8 @@ class Library {
     const auto* self = static_cast<const Library*>(arguments->userPtr);
     const auto& t = self->triangles_[arguments->primID];
     const Vec3 p(Vec3f{arguments->query->x, arguments->query->y, arguments->query->z});
-    const Vec3 a = self->mesh_.point(t[0]), b = self->mesh_.point(t[1]), c = self->mesh_.point(t[2]);
+    const Vec3 a = self->mesh_.point(t[0]), b = self->mesh_.point(t[1]),
+               c = self->mesh_.point(t[2]);
     const auto [u, v] = host::math::closestOnTriangle(a, b, c, p);
     const double d = length(a * (1 - u - v) + b * u + c * v - p);
     if (d >= static_cast<double>(arguments->query->radius)) return false;
@@ -228,8 +239,9 @@ void raysApi(benchmark::State& state, MSpace::Space space) {
   const auto ask = [&](const host::math::Ray& ray, float& t) {
     const Vec3f o = ray.origin.toFloat(), d = ray.direction.toFloat();
     MFloatPoint hit;
-    return mesh.closestIntersection(MFloatPoint(o.x, o.y, o.z), MFloatVector(d.x, d.y, d.z), nullptr, nullptr, false,
-                                    space, 1e9F, false, &accelerate, hit, &t, nullptr, nullptr, nullptr, nullptr);
+    return mesh.closestIntersection(MFloatPoint(o.x, o.y, o.z), MFloatVector(d.x, d.y, d.z),
+                                    nullptr, nullptr, false, space, 1e9F, false, &accelerate, hit,
+                                    &t, nullptr, nullptr, nullptr, nullptr);
   };
   float t = 0;
   (void)ask(rays.front(), t);  // builds
@@ -245,8 +257,12 @@ void raysApi(benchmark::State& state, MSpace::Space space) {
   }
   if (differing > 8) state.SkipWithError("the hits differ");
 }
-BENCHMARK_CAPTURE(raysApi, object, MSpace::kObject)->Name("closestIntersection/api/object")->Apply(sizes);
-BENCHMARK_CAPTURE(raysApi, world, MSpace::kWorld)->Name("closestIntersection/api/world")->Apply(sizes);
+BENCHMARK_CAPTURE(raysApi, object, MSpace::kObject)
+    ->Name("closestIntersection/api/object")
+    ->Apply(sizes);
+BENCHMARK_CAPTURE(raysApi, world, MSpace::kWorld)
+    ->Name("closestIntersection/api/world")
+    ->Apply(sizes);
 
 void raysLibrary(benchmark::State& state) {
   const Library library(questionMesh(state));

@@ -12,11 +12,15 @@ cmd::Session& session() {
   return *only;
 }
 
-bool run(const std::string& text) { return session().executeLine(text).has_value(); }
+bool run(const std::string& text) {
+  return session().executeLine(text).has_value();
+}
 
 /// A flat grid of `side` by `side` faces, named "grid", in an otherwise empty scene.
 bool makeGrid(std::int64_t side) {
-  return run("file -f -new") && run("polyPlane -ch 0 -n grid -sx " + std::to_string(side) + " -sy " + std::to_string(side)) &&
+  return run("file -f -new") &&
+         run("polyPlane -ch 0 -n grid -sx " + std::to_string(side) + " -sy " +
+             std::to_string(side)) &&
          run("flushUndo");
 }
 
@@ -58,16 +62,27 @@ void moveRange(benchmark::State& state) {
   for (auto _ : state) session().executeLine(text, {.undo = false});
   state.SetItemsProcessed(state.iterations() * count);
 }
-BENCHMARK(moveRange)->Name("move/half the vertices")->Arg(30)->Arg(300)->Arg(1000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(moveRange)
+    ->Name("move/half the vertices")
+    ->Arg(30)
+    ->Arg(300)
+    ->Arg(1000)
+    ->Unit(benchmark::kMicrosecond);
 
 void convertRange(benchmark::State& state) {
   if (!makeGrid(state.range(0))) state.SkipWithError("no grid");
   const std::int64_t faces = state.range(0) * state.range(0);
-  const std::string text = "polyListComponentConversion -tv grid.f[0:" + std::to_string(faces / 2) + "]";
+  const std::string text =
+      "polyListComponentConversion -tv grid.f[0:" + std::to_string(faces / 2) + "]";
   for (auto _ : state) benchmark::DoNotOptimize(session().executeLine(text));
   state.SetItemsProcessed(state.iterations() * faces);
 }
-BENCHMARK(convertRange)->Name("polyListComponentConversion/faces to vertices")->Arg(30)->Arg(300)->Arg(1000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(convertRange)
+    ->Name("polyListComponentConversion/faces to vertices")
+    ->Arg(30)
+    ->Arg(300)
+    ->Arg(1000)
+    ->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 

@@ -1,5 +1,5 @@
-// What modelling with history costs: dragging an extrusion of 10,000 faces in meshes of up to a million, and the
-// command that makes it.
+// What modelling with history costs: dragging an extrusion of 10,000 faces in meshes of up to a
+// million, and the command that makes it.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -21,7 +21,9 @@ cmd::Session& session() {
   return *only;
 }
 
-bool run(const std::string& text) { return session().executeLine(text).has_value(); }
+bool run(const std::string& text) {
+  return session().executeLine(text).has_value();
+}
 
 /// A flat grid of `side` by `side` faces without history, "grid", in an otherwise empty scene, with
 /// up to 100 by 100 of them in the middle selected.
@@ -78,9 +80,11 @@ void BM_Command(benchmark::State& state, const std::string& text) {
 
 #define SIZES ->Arg(100)->Arg(361)->Arg(1000)->Unit(benchmark::kMillisecond)->UseRealTime()
 BENCHMARK(BM_DragExtrude)->Name("polyExtrudeFace.localTranslateZ/grid") SIZES;
-BENCHMARK_CAPTURE(BM_Command, extrude, "polyExtrudeFacet -ltz 0.1")->Name("polyExtrudeFacet/grid") SIZES;
+BENCHMARK_CAPTURE(BM_Command, extrude, "polyExtrudeFacet -ltz 0.1")
+    ->Name("polyExtrudeFacet/grid") SIZES;
 BENCHMARK_CAPTURE(BM_Command, bevel, "polyBevel -oaf 1 -o 0.2")->Name("polyBevel/grid") SIZES;
-BENCHMARK_CAPTURE(BM_Command, merge, "polyMergeVertex -d 0.0001")->Name("polyMergeVertex/grid") SIZES;
+BENCHMARK_CAPTURE(BM_Command, merge, "polyMergeVertex -d 0.0001")
+    ->Name("polyMergeVertex/grid") SIZES;
 BENCHMARK_CAPTURE(BM_Command, remove, "polyDelFacet")->Name("polyDelFacet/grid") SIZES;
 
 }  // namespace

@@ -17,8 +17,8 @@
 #include "shared/polyHelper.h"
 #include "shared/polygonSelect.h"
 
-// The toolkit's common routines on meshes of 10,000, 100,000 and 1,000,000 faces: what depends on the mesh and what only on
-// the answer.
+// The toolkit's common routines on meshes of 10,000, 100,000 and 1,000,000 faces: what depends on
+// the mesh and what only on the answer.
 namespace {
 
 using host::Index;
@@ -46,7 +46,9 @@ MDagPath show(host::mesh::Mesh mesh) {
   return path;
 }
 
-host::mesh::Mesh torus(const benchmark::State& state) { return bench::bumpyTorus(static_cast<Index>(state.range(0))); }
+host::mesh::Mesh torus(const benchmark::State& state) {
+  return bench::bumpyTorus(static_cast<Index>(state.range(0)));
+}
 
 void sizes(benchmark::internal::Benchmark* bench) {
   bench->Arg(10'000)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMicrosecond);
@@ -72,7 +74,8 @@ void symmetricOne(benchmark::State& state) {
 }
 BENCHMARK(symmetricOne)->Name("symmetricVertex/torus")->Apply(sizes);
 
-void walk(benchmark::State& state, MStatus (polyHelper::*way)(const MDagPath&, int, MIntArray&, bool*) const) {
+void walk(benchmark::State& state,
+          MStatus (polyHelper::*way)(const MDagPath&, int, MIntArray&, bool*) const) {
   const MDagPath path = show(torus(state));
   const polyHelper poly;
   MIntArray edges;
@@ -124,13 +127,17 @@ void pick(benchmark::State& state) {
 }
 BENCHMARK(pick)->Name("componentUnderCursor/torus")->Apply(sizes);
 
-/// Puts a node in and takes it out; the mesh is read after each, as a view would. `tweaks` vertices are moved by hand.
+/// Puts a node in and takes it out; the mesh is read after each, as a view would. `tweaks` vertices
+/// are moved by hand.
 void splice(benchmark::State& state, int tweaks) {
   static const bool isLoaded =
-      session().executeLine("loadPlugin \"" QXMT_BINARY_DIR "/test_plugins/lift_node.so\"").has_value();
+      session()
+          .executeLine("loadPlugin \"" QXMT_BINARY_DIR "/test_plugins/lift_node.so\"")
+          .has_value();
   if (!isLoaded) return state.SkipWithError("the test node is not built");
   const MDagPath path = show(torus(state));
-  for (int i = 0; i < tweaks; ++i) run("setAttr shapeShape.pnts[" + std::to_string(i * 7) + "] 0 0.01 0");
+  for (int i = 0; i < tweaks; ++i)
+    run("setAttr shapeShape.pnts[" + std::to_string(i * 7) + "] 0 0.01 0");
   const mathHelper math;
   const auto readMesh = [&] { return MFnMesh(path).numVertices(); };
   for (auto _ : state) {
@@ -151,12 +158,18 @@ void storeValues(benchmark::State& state) {
   session().newScene();
   session().interpreter().setScriptPath({QXMT_SCRIPTS_DIR});
   static const bool isLoaded =
-      session().executeLine("loadPlugin \"" QXMT_BINARY_DIR "/lib/qxModelingToolkit.so\"").has_value();
+      session()
+          .executeLine("loadPlugin \"" QXMT_BINARY_DIR "/lib/qxModelingToolkit.so\"")
+          .has_value();
   if (!isLoaded) return state.SkipWithError("the module does not load");
   if (state.range(0) != 0) run("modelingWindow_QXMT_Proc");
   for (auto _ : state) run("qxSetCommands -ms \"storeValues\"");
 }
-BENCHMARK(storeValues)->Name("storeValues/windowOpen")->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
+BENCHMARK(storeValues)
+    ->Name("storeValues/windowOpen")
+    ->Arg(0)
+    ->Arg(1)
+    ->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 

@@ -71,7 +71,8 @@ void deletePath(const MDagPath& path) {
   MGlobal::deleteNode(node);
 }
 
-/// Ties a copy to its source, as far as the host lets it, and hides the source behind it. Takes the copy away on failure.
+/// Ties a copy to its source, as far as the host lets it, and hides the source behind it. Takes the
+/// copy away on failure.
 MStatus link(const MDagPath& source, const MDagPath& copy) {
   const MPlug visibility = plugOf(source, "visibility");
   const MPlug message = plugOf(copy, "message");
@@ -113,7 +114,9 @@ void show(const MDagPath& source) {
 
 }  // namespace
 
-void* turboSmoothCmd::creator() { return new turboSmoothCmd; }
+void* turboSmoothCmd::creator() {
+  return new turboSmoothCmd;
+}
 
 MSyntax turboSmoothCmd::newSyntax() {
   MSyntax syntax;
@@ -124,7 +127,8 @@ MSyntax turboSmoothCmd::newSyntax() {
 MStatus turboSmoothCmd::doIt(const MArgList& arguments) {
   MStatus parsed;
   const MArgDatabase database(syntax(), arguments, &parsed);
-  const MStatus status = readFlag(database, kDivisionsFlag, numDiv, "could not parse message numDiv");
+  const MStatus status =
+      readFlag(database, kDivisionsFlag, numDiv, "could not parse message numDiv");
   if (status != MS::kSuccess) return status;
   if (parsed != MS::kSuccess) return parsed;
   MGlobal::getActiveSelectionList(selection);
@@ -187,7 +191,8 @@ MStatus turboSmoothCmd::smoothCopy(const MDagPath& copy) const {
   MUintArray creased;
   MDoubleArray values;
   if (!shownMesh(copy, mesh)) return MS::kFailure;
-  if (MFnMesh(mesh).getCreaseEdges(creased, values) == MS::kSuccess) status = setCreases(mesh, creased, 0.0);
+  if (MFnMesh(mesh).getCreaseEdges(creased, values) == MS::kSuccess)
+    status = setCreases(mesh, creased, 0.0);
   if (status != MS::kSuccess) return status;
   selectOnly(copy);
   status = smoothSelected(1);

@@ -6,11 +6,12 @@
 #include <maya/MSelectionList.h>
 #include <maya/MSyntax.h>
 
-/// `qxESmoothCmd`: makes a smoothed copy of each selected mesh object with its hard edges kept sharp, and hides the object
-/// behind it.
+/// `qxESmoothCmd`: makes a smoothed copy of each selected mesh object with its hard edges kept
+/// sharp, and hides the object behind it.
 ///
-/// The copy is subdivided with its hard edges fully creased, then once more without creases, which rounds the kept edges
-/// just enough to catch the light. Copies have no history. Undo deletes them and shows the objects; redo smooths anew.
+/// The copy is subdivided with its hard edges fully creased, then once more without creases, which
+/// rounds the kept edges just enough to catch the light. Copies have no history. Undo deletes them
+/// and shows the objects; redo smooths anew.
 class turboSmoothCmd : public MPxCommand {
  public:
   MStatus doIt(const MArgList& arguments) override;

@@ -41,12 +41,15 @@ MStatus deregisterRow(MFnPlugin& plugin, const registrationRow& row) {
     case rowKind::locatorNode:
       return plugin.deregisterNode(MTypeId(row.typeId));
     case rowKind::drawOverride:
-      return MHWRender::MDrawRegistry::deregisterDrawOverrideCreator(row.drawClassification, row.name);
+      return MHWRender::MDrawRegistry::deregisterDrawOverrideCreator(row.drawClassification,
+                                                                     row.name);
   }
   return MS::kInvalidParameter;
 }
 
-bool isBuilt(const registrationRow& row) { return row.creator || row.drawOverride; }
+bool isBuilt(const registrationRow& row) {
+  return row.creator || row.drawOverride;
+}
 
 const registrationRow* findRow(const unloadRow& wanted) {
   for (unsigned int i = 0; i < kLoadRowCount; ++i)
@@ -66,7 +69,8 @@ MStatus registerAll(MFnPlugin& plugin) {
     status.perror(row.failureText);
     if (row.kind != rowKind::context) return status;
   }
-  const MStatus status = plugin.registerUI("qx_modeling_tool_ui", "qx_modeling_tool_delete_UI", "", "");
+  const MStatus status =
+      plugin.registerUI("qx_modeling_tool_ui", "qx_modeling_tool_delete_UI", "", "");
   if (status != MS::kSuccess) status.perror("registerUIScripts");
   return status;
 }

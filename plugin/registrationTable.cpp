@@ -8,9 +8,9 @@
 #include "commands/setCommands.h"
 #include "commands/snapVertsToAxisCmd.h"
 #include "commands/straightenCmd.h"
-#include "commands/turboSmoothCmd.h"
 #include "commands/topologyTransferCmd.h"
 #include "commands/transferVertexNormalsCmd.h"
+#include "commands/turboSmoothCmd.h"
 
 namespace {
 
@@ -68,7 +68,8 @@ constexpr const char* kUvLocatorDb = "drawdb/geometry/uvLocator";
 
 }  // namespace
 
-// The order and the texts are what scripts and support notes refer to: they stay as they are, odd ones included.
+// The order and the texts are what scripts and support notes refer to: they stay as they are, odd
+// ones included.
 // clang-format off
 const registrationRow kLoadRows[] = {
     command<SelectCmd>("qxSelectCmd", "registerCommand"),

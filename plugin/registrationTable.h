@@ -7,12 +7,12 @@
 /// What a row of the load and unload tables registers.
 enum class rowKind { command, context, dependNode, locatorNode, drawOverride };
 
-/// One thing that the module registers. A row without a creator stands for a class that is not part of this build: it
-/// keeps its place and its text.
+/// One thing that the module registers. A row without a creator stands for a class that is not part
+/// of this build: it keeps its place and its text.
 struct registrationRow {
   rowKind kind;
-  const char* name;             ///< command, context command, node type, or the draw override's registrant
-  const char* failureText;      ///< given to `perror`
+  const char* name;  ///< command, context command, node type, or the draw override's registrant
+  const char* failureText;  ///< given to `perror`
   void* (*creator)() = nullptr;
   MSyntax (*syntax)() = nullptr;
   const char* toolName = nullptr;  ///< context rows: the tool command

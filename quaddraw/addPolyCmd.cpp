@@ -6,11 +6,17 @@
 
 addPolyCmd::~addPolyCmd() = default;
 
-void* addPolyCmd::creator() { return new addPolyCmd; }
+void* addPolyCmd::creator() {
+  return new addPolyCmd;
+}
 
-MSyntax addPolyCmd::newSyntax() { return MSyntax(); }
+MSyntax addPolyCmd::newSyntax() {
+  return MSyntax();
+}
 
-bool addPolyCmd::isUndoable() const { return true; }
+bool addPolyCmd::isUndoable() const {
+  return true;
+}
 
 MStatus addPolyCmd::doIt(const MArgList&) {
   MSelectionList selection;
@@ -29,7 +35,9 @@ MStatus addPolyCmd::doIt(const MArgList&) {
   return MS::kFailure;
 }
 
-MStatus addPolyCmd::redoIt() { return edit.insert(); }
+MStatus addPolyCmd::redoIt() {
+  return edit.insert();
+}
 
 MStatus addPolyCmd::undoIt() {
   edit.remove();

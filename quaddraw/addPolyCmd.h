@@ -5,8 +5,8 @@
 
 #include "quaddraw/addPolyEdit.h"
 
-/// `qxAddPolyCmd`: the command in front of `qxAddPolyNode`. It checks what is selected and always refuses: polygons are
-/// put in by tools, which fill `edit` and call `redoIt`.
+/// `qxAddPolyCmd`: the command in front of `qxAddPolyNode`. It checks what is selected and always
+/// refuses: polygons are put in by tools, which fill `edit` and call `redoIt`.
 class addPolyCmd : public MPxCommand {
  public:
   addPolyCmd() = default;

@@ -24,11 +24,13 @@ MStatus setPoints(const MFnDependencyNode& node, const char* attribute, const MP
   return status ? plug.setValue(data) : status;
 }
 
-/// Ties where the mesh stands to the node, so that points in world space stay where they were drawn.
+/// Ties where the mesh stands to the node, so that points in world space stay where they were
+/// drawn.
 MStatus connectMatrix(MDagModifier& modifier, MDagPath transform, const MFnDependencyNode& node) {
   transform.pop();
   MStatus status;
-  const MPlug matrices = MFnDependencyNode(transform.node()).findPlug("parentMatrix", false, &status);
+  const MPlug matrices =
+      MFnDependencyNode(transform.node()).findPlug("parentMatrix", false, &status);
   if (!status) return failWith("cannot find the parentMatrix attribute");
   const MPlug matrix = node.findPlug("inWorldMatrix", false, &status);
   if (!status) return failWith("cannot find the inWorldMatrix attribute");

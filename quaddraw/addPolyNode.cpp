@@ -25,7 +25,8 @@ MPointArray pointsOf(const MDataHandle& handle) {
   return data.hasFn(MFn::kPointArrayData) ? MFnPointArrayData(data).array() : MPointArray();
 }
 
-MStatus addPolygon(MObject& meshData, const MPointArray& worldPoints, const MMatrix& toObject, double tolerance) {
+MStatus addPolygon(MObject& meshData, const MPointArray& worldPoints, const MMatrix& toObject,
+                   double tolerance) {
   if (worldPoints.length() < 3) return MS::kSuccess;
   MPointArray points = worldPoints;
   for (unsigned int i = 0; i < points.length(); ++i) points[i] *= toObject;
@@ -46,7 +47,9 @@ MObject addPolyNode::outMesh;
 
 addPolyNode::~addPolyNode() = default;
 
-void* addPolyNode::creator() { return new addPolyNode; }
+void* addPolyNode::creator() {
+  return new addPolyNode;
+}
 
 MStatus addPolyNode::initialize() {
   MFnGenericAttribute generic;

@@ -8,9 +8,10 @@
 
 /// `qxAddPolyNode`: adds a polygon, and its mirrored twin, to the mesh that flows through it.
 ///
-/// Points are in world space; `inWorldMatrix` takes the mesh there. Points near vertices use these: within 0.001 for the
-/// polygon, within 0.1 for the twin, object space. Fewer than three points add nothing. With `nodeState` 1 the mesh passes
-/// unchanged, and so it does, with a failed status, when a polygon can't be added.
+/// Points are in world space; `inWorldMatrix` takes the mesh there. Points near vertices use these:
+/// within 0.001 for the polygon, within 0.1 for the twin, object space. Fewer than three points add
+/// nothing. With `nodeState` 1 the mesh passes unchanged, and so it does, with a failed status,
+/// when a polygon can't be added.
 class addPolyNode : public MPxNode {
  public:
   ~addPolyNode() override;

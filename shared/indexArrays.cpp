@@ -13,11 +13,13 @@ std::vector<int> toVector(const MIntArray& values) {
 }
 
 MIntArray toArray(const std::vector<int>& values) {
-  return values.empty() ? MIntArray() : MIntArray(values.data(), static_cast<unsigned int>(values.size()));
+  return values.empty() ? MIntArray()
+                        : MIntArray(values.data(), static_cast<unsigned int>(values.size()));
 }
 
 void makeSortedUnique(std::vector<int>& values) {
-  if (std::adjacent_find(values.begin(), values.end(), std::greater_equal<>()) == values.end()) return;
+  if (std::adjacent_find(values.begin(), values.end(), std::greater_equal<>()) == values.end())
+    return;
   const auto [low, high] = std::minmax_element(values.begin(), values.end());
   const long long first = *low, range = *high - first + 1;
   if (range / 8 > static_cast<long long>(values.size())) {

@@ -18,8 +18,8 @@ struct linearUnit {
   float perCentimetre, centimetres;
 };
 constexpr linearUnit kUnits[] = {
-    {"in", 0.39370078F, 2.54F},      {"ft", 0.0328084F, 30.48F}, {"yd", 0.010936133F, 91.44F},
-    {"mi", 6.214e-6F, 160934.4F},    {"mm", 10.0F, 0.1F},        {"km", 1e-5F, 100000.0F},
+    {"in", 0.39370078F, 2.54F},   {"ft", 0.0328084F, 30.48F}, {"yd", 0.010936133F, 91.44F},
+    {"mi", 6.214e-6F, 160934.4F}, {"mm", 10.0F, 0.1F},        {"km", 1e-5F, 100000.0F},
     {"m", 0.01F, 100.0F},
 };
 
@@ -41,8 +41,12 @@ bool isOn(const char* query) {
 
 mathHelper::~mathHelper() = default;
 
-float mathHelper::unitsPerCentimetre() const { return currentUnit().perCentimetre; }
-float mathHelper::centimetresPerUnit() const { return currentUnit().centimetres; }
+float mathHelper::unitsPerCentimetre() const {
+  return currentUnit().perCentimetre;
+}
+float mathHelper::centimetresPerUnit() const {
+  return currentUnit().centimetres;
+}
 
 int mathHelper::currentComponentType() const {
   int inComponentMode = 0;
@@ -55,18 +59,21 @@ int mathHelper::currentComponentType() const {
   return vertices ? kVertexType : kNoType;
 }
 
-MPoint mathHelper::closestPointAlong(const MPoint& point, const MVector& direction, const MDagPath& mesh) const {
+MPoint mathHelper::closestPointAlong(const MPoint& point, const MVector& direction,
+                                     const MDagPath& mesh) const {
   constexpr float kFarthest = 1e6F, kTolerance = 1e-6F;
   const MVector back = -direction;
-  const MFloatPoint source(static_cast<float>(point.x), static_cast<float>(point.y), static_cast<float>(point.z));
-  const MFloatVector way(static_cast<float>(back.x), static_cast<float>(back.y), static_cast<float>(back.z));
+  const MFloatPoint source(static_cast<float>(point.x), static_cast<float>(point.y),
+                           static_cast<float>(point.z));
+  const MFloatVector way(static_cast<float>(back.x), static_cast<float>(back.y),
+                         static_cast<float>(back.z));
   MMeshIsectAccelParams accelerator = MFnMesh::autoUniformGridParams();
   MFloatPoint hit;
   MStatus status;
   const MFnMesh meshFn(mesh);
-  const bool isHit =
-      meshFn.closestIntersection(source, way, nullptr, nullptr, false, MSpace::kWorld, kFarthest, true, &accelerator,
-                                 hit, nullptr, nullptr, nullptr, nullptr, nullptr, kTolerance, &status);
+  const bool isHit = meshFn.closestIntersection(
+      source, way, nullptr, nullptr, false, MSpace::kWorld, kFarthest, true, &accelerator, hit,
+      nullptr, nullptr, nullptr, nullptr, nullptr, kTolerance, &status);
   if (status == MS::kInvalidParameter) {
     MGlobal::displayError("intersection test resulted in a param");
     return point;

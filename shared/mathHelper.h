@@ -9,14 +9,15 @@
 
 class M3dView;
 
-/// What tools need all the time besides topology: units, rays, a place in a mesh's history, the view, index arrays. It keeps
-/// nothing; make one where it is used.
+/// What tools need all the time besides topology: units, rays, a place in a mesh's history, the
+/// view, index arrays. It keeps nothing; make one where it is used.
 class mathHelper {
  public:
   mathHelper() = default;
   virtual ~mathHelper();
 
-  /// Current linear units in a centimetre, asked of the host at each call; 1 for units it does not know.
+  /// Current linear units in a centimetre, asked of the host at each call; 1 for units it does not
+  /// know.
   float unitsPerCentimetre() const;
   /// Centimetres in a current linear unit.
   float centimetresPerUnit() const;
@@ -25,23 +26,29 @@ class mathHelper {
   /// The component type that is selected by clicks now; edges win over faces, faces over vertices.
   int currentComponentType() const;
 
-  /// Where the line through `point` along `direction` meets the mesh nearest to `point`, before or behind it; world space.
-  /// `point` itself when it meets nothing, and after a message when the mesh can't be asked.
-  MPoint closestPointAlong(const MPoint& point, const MVector& direction, const MDagPath& mesh) const;
+  /// Where the line through `point` along `direction` meets the mesh nearest to `point`, before or
+  /// behind it; world space. `point` itself when it meets nothing, and after a message when the
+  /// mesh can't be asked.
+  MPoint closestPointAlong(const MPoint& point, const MVector& direction,
+                           const MDagPath& mesh) const;
 
   /// Puts a node with mesh plugs `inMesh` and `outMesh` between a shape and what drives it.
   ///
-  /// A shape that nothing drives first gets an intermediate copy of itself under the path's transform, named after it with
-  /// "Orig" appended, which then drives it. With a tweak node (`polyTweak`) in front of the node the shape's tweaks move
-  /// there; without one they stay on the shape and are added to what comes out of the node. Instances share the history.
-  /// The selection stays as it is. Costs the number of tweaks.
-  /// @return failure with the scene as it was, apart from the intermediate copy; after "error setting tweaks on node" when
+  /// A shape that nothing drives first gets an intermediate copy of itself under the path's
+  /// transform, named after it with "Orig" appended, which then drives it. With a tweak node
+  /// (`polyTweak`) in front of the node the shape's tweaks move there; without one they stay on the
+  /// shape and are added to what comes out of the node. Instances share the history. The selection
+  /// stays as it is. Costs the number of tweaks.
+  /// @return failure with the scene as it was, apart from the intermediate copy; after "error
+  /// setting tweaks on node" when
   ///         the connections can't be made
-  MStatus insertNodeInHistory(const MDagPath& shape, const MObject& node, const MObject& tweakNode = MObject::kNullObj) const;
+  MStatus insertNodeInHistory(const MDagPath& shape, const MObject& node,
+                              const MObject& tweakNode = MObject::kNullObj) const;
 
-  /// Takes a node that `insertNodeInHistory` put in out again and deletes it, and its tweak node. What fed the node feeds what
-  /// the node fed; its tweaks go back to the shape, so that the mesh is, bit for bit, what it was before. An intermediate
-  /// copy stays and drives the shape from now on.
+  /// Takes a node that `insertNodeInHistory` put in out again and deletes it, and its tweak node.
+  /// What fed the node feeds what the node fed; its tweaks go back to the shape, so that the mesh
+  /// is, bit for bit, what it was before. An intermediate copy stays and drives the shape from now
+  /// on.
   /// @return failure with the scene as it was when the node is not in the shape's history
   MStatus removeNodeFromHistory(const MDagPath& shape, const MObject& node,
                                 const MObject& tweakNode = MObject::kNullObj) const;
@@ -51,13 +58,17 @@ class mathHelper {
   /// The elements of `from` that are not in `without`, in the order of `from`, repeats included.
   MIntArray difference(const MIntArray& from, const MIntArray& without) const;
 
-  /// Where the cursor is in a view, pixels from its lower left corner. Fails when it is not over the view.
+  /// Where the cursor is in a view, pixels from its lower left corner. Fails when it is not over
+  /// the view.
   MStatus cursorPosition(const M3dView& view, int& x, int& y) const;
-  /// The world point under a pixel in the plane through `reference` square to the view direction. Fails without a camera.
-  MStatus viewToWorldAtDepth(const M3dView& view, int x, int y, const MPoint& reference, MPoint& world) const;
+  /// The world point under a pixel in the plane through `reference` square to the view direction.
+  /// Fails without a camera.
+  MStatus viewToWorldAtDepth(const M3dView& view, int x, int y, const MPoint& reference,
+                             MPoint& world) const;
   /// The world point under a pixel on the near clipping plane.
   MStatus viewToWorld(const M3dView& view, int x, int y, MPoint& world) const;
-  /// The edge whose centre shows nearest to a pixel, hidden or not, the lowest of equally near ones; centres that are clipped
-  /// don't count. -1 when there is none. Linear in the edges.
-  int nearestEdgeOnScreen(const M3dView& view, int x, int y, const MDagPath& mesh, MStatus* status = nullptr) const;
+  /// The edge whose centre shows nearest to a pixel, hidden or not, the lowest of equally near
+  /// ones; centres that are clipped don't count. -1 when there is none. Linear in the edges.
+  int nearestEdgeOnScreen(const M3dView& view, int x, int y, const MDagPath& mesh,
+                          MStatus* status = nullptr) const;
 };

@@ -41,8 +41,12 @@ struct chainPlugs {
   }
 };
 
-chainPlugs plugsOf(const MObject& node) { return chainPlugs(node, "inMesh", "outMesh"); }
-chainPlugs plugsOfTweak(const MObject& node) { return chainPlugs(node, "inputPolymesh", "output"); }
+chainPlugs plugsOf(const MObject& node) {
+  return chainPlugs(node, "inMesh", "outMesh");
+}
+chainPlugs plugsOfTweak(const MObject& node) {
+  return chainPlugs(node, "inputPolymesh", "output");
+}
 
 /// The plug that drives another; a null plug when none does.
 MPlug driverOf(const MPlug& plug) {
@@ -59,8 +63,12 @@ MStatus meshShape(const MDagPath& path, MDagPath& shape) {
   return shape.hasFn(MFn::kMesh) ? MS::kSuccess : MS::kInvalidParameter;
 }
 
-MPlug tweaksOfShape(const MDagPath& shape) { return MFnDagNode(shape).findPlug("pnts"); }
-MPlug tweaksOfNode(const MObject& node) { return MFnDependencyNode(node).findPlug("tweak"); }
+MPlug tweaksOfShape(const MDagPath& shape) {
+  return MFnDagNode(shape).findPlug("pnts");
+}
+MPlug tweaksOfNode(const MObject& node) {
+  return MFnDependencyNode(node).findPlug("tweak");
+}
 
 /// The offsets of an array of triples that are not zero, by vertex.
 std::vector<vertexTweak> readTweaks(MPlug array) {
@@ -71,7 +79,8 @@ std::vector<vertexTweak> readTweaks(MPlug array) {
     const MPlug element = array.elementByLogicalIndex(static_cast<unsigned int>(vertices[i]));
     vertexTweak tweak{vertices[i], {}};
     for (unsigned int k = 0; k < 3; ++k) tweak.offset[k] = element.child(k).asDouble();
-    if (tweak.offset[0] != 0.0 || tweak.offset[1] != 0.0 || tweak.offset[2] != 0.0) tweaks.push_back(tweak);
+    if (tweak.offset[0] != 0.0 || tweak.offset[1] != 0.0 || tweak.offset[2] != 0.0)
+      tweaks.push_back(tweak);
   }
   std::sort(tweaks.begin(), tweaks.end(),
             [](const vertexTweak& a, const vertexTweak& b) { return a.vertex < b.vertex; });
@@ -86,7 +95,8 @@ void append(std::string& text, double number) {
   text.append(digits, end);
 }
 
-/// Sets `name`[vertex] of all tweaks, some lines at a time: a command for each would cost more than what it does.
+/// Sets `name`[vertex] of all tweaks, some lines at a time: a command for each would cost more than
+/// what it does.
 template <class Value>
 MStatus setEach(const std::string& name, const std::vector<vertexTweak>& tweaks, Value value) {
   constexpr std::size_t kLines = 512;
@@ -112,8 +122,12 @@ MStatus setTo(const std::string& name, const std::vector<vertexTweak>& tweaks) {
   });
 }
 
-std::string pointsName(const MDagPath& shape) { return std::string(shape.fullPathName().asChar()) + ".pnts"; }
-std::string tweakName(const MObject& node) { return std::string(MFnDependencyNode(node).name().asChar()) + ".tweak"; }
+std::string pointsName(const MDagPath& shape) {
+  return std::string(shape.fullPathName().asChar()) + ".pnts";
+}
+std::string tweakName(const MObject& node) {
+  return std::string(MFnDependencyNode(node).name().asChar()) + ".tweak";
+}
 
 /// The shapes of a transform that show as meshes.
 std::vector<MDagPath> visibleMeshes(const MDagPath& transform) {
@@ -128,11 +142,13 @@ std::vector<MDagPath> visibleMeshes(const MDagPath& transform) {
   return meshes;
 }
 
-/// The copy of `shape` below the copy of its transform: the only one, or the one at the same place among several.
+/// The copy of `shape` below the copy of its transform: the only one, or the one at the same place
+/// among several.
 MObject copyOf(const MDagPath& shape, const MDagPath& copiedTransform) {
   MDagPath transform = shape;
   transform.pop();
-  const std::vector<MDagPath> originals = visibleMeshes(transform), copies = visibleMeshes(copiedTransform);
+  const std::vector<MDagPath> originals = visibleMeshes(transform),
+                              copies = visibleMeshes(copiedTransform);
   if (copies.size() == 1) return copies[0].node();
   for (std::size_t i = 0; i < originals.size() && i < copies.size(); ++i)
     if (originals[i] == shape) return copies[i].node();
@@ -163,13 +179,16 @@ MStatus adoptAsOriginal(const MDagPath& shape, const MObject& copy) {
   transform.pop();
   const MFnDagNode copyFn(copy);
   MString name;
-  MStatus status = MGlobal::executeCommand("rename \"" + copyFn.fullPathName() + "\" \"" + MFnDagNode(shape).name() + "Orig\"",
-                                           name, false, false);
+  MStatus status = MGlobal::executeCommand(
+      "rename \"" + copyFn.fullPathName() + "\" \"" + MFnDagNode(shape).name() + "Orig\"", name,
+      false, false);
+  if (status == MS::kSuccess)
+    status = MGlobal::executeCommand("parent -shape -relative \"" + copyFn.fullPathName() +
+                                         "\" \"" + transform.fullPathName() + "\"",
+                                     false, false);
   if (status == MS::kSuccess)
     status = MGlobal::executeCommand(
-        "parent -shape -relative \"" + copyFn.fullPathName() + "\" \"" + transform.fullPathName() + "\"", false, false);
-  if (status == MS::kSuccess)
-    status = MGlobal::executeCommand("setAttr " + copyFn.fullPathName() + ".intermediateObject true", false, false);
+        "setAttr " + copyFn.fullPathName() + ".intermediateObject true", false, false);
   return status;
 }
 
@@ -177,8 +196,8 @@ MStatus adoptAsOriginal(const MDagPath& shape, const MObject& copy) {
 MStatus makeOriginal(const MDagPath& shape, MObject& original) {
   const keptSelection kept;
   MStringArray names;
-  MStatus status =
-      MGlobal::executeCommand("duplicate -returnRootsOnly \"" + shape.fullPathName() + "\"", names, false, false);
+  MStatus status = MGlobal::executeCommand(
+      "duplicate -returnRootsOnly \"" + shape.fullPathName() + "\"", names, false, false);
   if (status != MS::kSuccess || names.length() == 0) return MS::kFailure;
   MSelectionList list;
   MDagPath transform;
@@ -202,13 +221,16 @@ void addOffsets(std::vector<vertexTweak>& tweaks, const MPlug& array) {
   }
 }
 
-/// Connects source -> tweak -> node -> shape where source -> shape was, or takes that back when it can't be done.
-MStatus connectChain(const MPlug& source, bool wasDriving, const MPlug& shapeInput, const chainPlugs& inserted,
-                     const chainPlugs& tweak) {
+/// Connects source -> tweak -> node -> shape where source -> shape was, or takes that back when it
+/// can't be done.
+MStatus connectChain(const MPlug& source, bool wasDriving, const MPlug& shapeInput,
+                     const chainPlugs& inserted, const chainPlugs& tweak) {
   MDGModifier modifier;
   MStatus status = wasDriving ? modifier.disconnect(source, shapeInput) : MStatus(MS::kSuccess);
-  if (status == MS::kSuccess) status = modifier.connect(source, tweak.isThere ? tweak.input : inserted.input);
-  if (status == MS::kSuccess && tweak.isThere) status = modifier.connect(tweak.output, inserted.input);
+  if (status == MS::kSuccess)
+    status = modifier.connect(source, tweak.isThere ? tweak.input : inserted.input);
+  if (status == MS::kSuccess && tweak.isThere)
+    status = modifier.connect(tweak.output, inserted.input);
   if (status == MS::kSuccess) status = modifier.connect(inserted.output, shapeInput);
   if (status == MS::kSuccess) {
     status = modifier.doIt();
@@ -225,7 +247,8 @@ MStatus bypass(const MPlug& source, const chainPlugs& inserted, const chainPlugs
   if (fed.length() == 0) return MS::kFailure;
   MDGModifier modifier;
   MStatus status = modifier.disconnect(source, tweak.isThere ? tweak.input : inserted.input);
-  if (status == MS::kSuccess && tweak.isThere) status = modifier.disconnect(tweak.output, inserted.input);
+  if (status == MS::kSuccess && tweak.isThere)
+    status = modifier.disconnect(tweak.output, inserted.input);
   for (unsigned int i = 0; i < fed.length() && status == MS::kSuccess; ++i) {
     status = modifier.disconnect(inserted.output, fed[i]);
     if (status == MS::kSuccess) status = modifier.connect(source, fed[i]);
@@ -238,7 +261,8 @@ MStatus bypass(const MPlug& source, const chainPlugs& inserted, const chainPlugs
 
 }  // namespace
 
-MStatus mathHelper::insertNodeInHistory(const MDagPath& path, const MObject& node, const MObject& tweakNode) const {
+MStatus mathHelper::insertNodeInHistory(const MDagPath& path, const MObject& node,
+                                        const MObject& tweakNode) const {
   MDagPath shape;
   MStatus status = meshShape(path, shape);
   if (status != MS::kSuccess) return status;
@@ -250,7 +274,8 @@ MStatus mathHelper::insertNodeInHistory(const MDagPath& path, const MObject& nod
   const MPlug shapeInput = MFnDagNode(shape).findPlug("inMesh");
   MPlug source = driverOf(shapeInput);
   const bool wasDriven = !source.isNull();
-  // A copy may come with the tweaks apart or worked into its points: while there are none it can't matter.
+  // A copy may come with the tweaks apart or worked into its points: while there are none it can't
+  // matter.
   const bool takesTweaks = tweak.isThere || !wasDriven;
   if (takesTweaks) status = setToZero(pointsName(shape), tweaks);
   MObject original;
@@ -258,7 +283,8 @@ MStatus mathHelper::insertNodeInHistory(const MDagPath& path, const MObject& nod
     status = makeOriginal(shape, original);
     source = original.isNull() ? MPlug() : MFnDependencyNode(original).findPlug("outMesh");
   }
-  if (status == MS::kSuccess && takesTweaks) status = setTo(tweak.isThere ? tweakName(tweakNode) : pointsName(shape), tweaks);
+  if (status == MS::kSuccess && takesTweaks)
+    status = setTo(tweak.isThere ? tweakName(tweakNode) : pointsName(shape), tweaks);
   if (status == MS::kSuccess) status = connectChain(source, wasDriven, shapeInput, inserted, tweak);
   if (status == MS::kSuccess) return status;
   if (takesTweaks) setTo(pointsName(shape), tweaks);
@@ -266,7 +292,8 @@ MStatus mathHelper::insertNodeInHistory(const MDagPath& path, const MObject& nod
   return status;
 }
 
-MStatus mathHelper::removeNodeFromHistory(const MDagPath& path, const MObject& node, const MObject& tweakNode) const {
+MStatus mathHelper::removeNodeFromHistory(const MDagPath& path, const MObject& node,
+                                          const MObject& tweakNode) const {
   MDagPath shape;
   MStatus status = meshShape(path, shape);
   if (status != MS::kSuccess) return status;

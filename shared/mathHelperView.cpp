@@ -31,11 +31,13 @@ MStatus mathHelper::cursorPosition(const M3dView& view, int& x, int& y) const {
   MString panel;
   MGlobal::executeCommand("getPanel -underPointer", panel);
   M3dView under;
-  if (panel.length() == 0 || M3dView::getM3dViewFromModelPanel(panel, under) != MS::kSuccess) return MS::kFailure;
+  if (panel.length() == 0 || M3dView::getM3dViewFromModelPanel(panel, under) != MS::kSuccess)
+    return MS::kFailure;
   if (!isSameView(view, under)) return MS::kFailure;
   // No call of the API tells the cursor's place outside an event, so a script asks the interface.
   MIntArray position;
-  const MStatus status = MGlobal::executeCommand("cursorInPanel_QXMT_Proc(\"" + panel + "\")", position);
+  const MStatus status =
+      MGlobal::executeCommand("cursorInPanel_QXMT_Proc(\"" + panel + "\")", position);
   if (status != MS::kSuccess || position.length() != 2) return MS::kFailure;
   x = position[0];
   y = position[1];
@@ -64,14 +66,16 @@ MStatus mathHelper::viewToWorld(const M3dView& view, int x, int y, MPoint& world
   return view.viewToWorld(toPixel(x), toPixel(y), world, farPoint);
 }
 
-int mathHelper::nearestEdgeOnScreen(const M3dView& view, int x, int y, const MDagPath& mesh, MStatus* status) const {
+int mathHelper::nearestEdgeOnScreen(const M3dView& view, int x, int y, const MDagPath& mesh,
+                                    MStatus* status) const {
   MStatus usable = mesh.isValid() ? MS::kSuccess : MS::kFailure;
   viewProjector projector(view);
   if (usable == MS::kSuccess) projector = viewProjector(view, &usable).from(mesh.inclusiveMatrix());
   int nearest = -1;
   double best = std::numeric_limits<double>::infinity();
   if (usable == MS::kSuccess) {
-    for (MItMeshEdge edge(mesh, MObject::kNullObj, &usable); usable == MS::kSuccess && !edge.isDone(); edge.next()) {
+    for (MItMeshEdge edge(mesh, MObject::kNullObj, &usable);
+         usable == MS::kSuccess && !edge.isDone(); edge.next()) {
       const viewPlace at = projector.project(edge.center(MSpace::kObject));
       if (at.isClipped) continue;
       const double squared = (at.x - x) * (at.x - x) + (at.y - y) * (at.y - y);

@@ -5,8 +5,8 @@
 
 class MDagPath;
 
-/// The mirror plane of a mesh, for points in world space: an axis of the world or of the mesh's own space is 0 on it. A mesh
-/// whose transform can't be inverted is judged by its untransformed space.
+/// The mirror plane of a mesh, for points in world space: an axis of the world or of the mesh's own
+/// space is 0 on it. A mesh whose transform can't be inverted is judged by its untransformed space.
 class mirrorPlane {
  public:
   /// @param axis 0 x, 1 y, 2 z

@@ -9,7 +9,8 @@
 
 namespace {
 
-/// Eigenvalues (on the diagonal of `a`) and eigenvectors (columns of `v`) of a symmetric 3x3 matrix, by Jacobi rotations.
+/// Eigenvalues (on the diagonal of `a`) and eigenvectors (columns of `v`) of a symmetric 3x3
+/// matrix, by Jacobi rotations.
 void diagonalise(double a[3][3], double v[3][3]) {
   for (int i = 0; i < 3; ++i)
     for (int j = 0; j < 3; ++j) v[i][j] = i == j ? 1.0 : 0.0;
@@ -20,7 +21,8 @@ void diagonalise(double a[3][3], double v[3][3]) {
       for (int q = p + 1; q < 3; ++q) {
         if (a[p][q] == 0.0) continue;
         const double theta = (a[q][q] - a[p][p]) / (2.0 * a[p][q]);
-        const double t = (theta >= 0 ? 1.0 : -1.0) / (std::fabs(theta) + std::sqrt(theta * theta + 1.0));
+        const double t =
+            (theta >= 0 ? 1.0 : -1.0) / (std::fabs(theta) + std::sqrt(theta * theta + 1.0));
         const double c = 1.0 / std::sqrt(t * t + 1.0), s = t * c;
         for (int k = 0; k < 3; ++k) {
           const double akp = a[k][p], akq = a[k][q];
@@ -55,7 +57,8 @@ MPoint meanPoint(const MPointArray& points, unsigned int start, unsigned int cou
   return MPoint(x / n, y / n, z / n);
 }
 
-MPoint farthestFrom(const MPoint& from, const MPointArray& points, unsigned int start, unsigned int count) {
+MPoint farthestFrom(const MPoint& from, const MPointArray& points, unsigned int start,
+                    unsigned int count) {
   MPoint best;
   double bestSquared = 0.0;
   for (unsigned int i = start; i < start + count; ++i) {
@@ -69,7 +72,8 @@ MPoint farthestFrom(const MPoint& from, const MPointArray& points, unsigned int 
   return best;
 }
 
-bool bestFitNormal(const MPointArray& points, unsigned int start, unsigned int count, MVector& normal) {
+bool bestFitNormal(const MPointArray& points, unsigned int start, unsigned int count,
+                   MVector& normal) {
   if (count < 3) return false;
   const MPoint mean = meanPoint(points, start, count);
   double covariance[3][3] = {};

@@ -26,8 +26,9 @@ void pointIndex::build(std::size_t first, std::size_t last, int axis) {
   if (last - first <= kLeafSize) return;
   const std::size_t middle = first + (last - first) / 2;
   const auto at = [this](std::size_t i) { return tree.begin() + static_cast<std::ptrdiff_t>(i); };
-  std::nth_element(at(first), at(middle), at(last),
-                   [axis](const entry& a, const entry& b) { return a.position[axis] < b.position[axis]; });
+  std::nth_element(at(first), at(middle), at(last), [axis](const entry& a, const entry& b) {
+    return a.position[axis] < b.position[axis];
+  });
   build(first, middle, (axis + 1) % 3);
   build(middle + 1, last, (axis + 1) % 3);
 }
@@ -35,7 +36,8 @@ void pointIndex::build(std::size_t first, std::size_t last, int axis) {
 void pointIndex::find(search& state, std::size_t first, std::size_t last, int axis) const {
   const auto visit = [&state](const entry& candidate) {
     const double squared = squaredDistance(candidate.position, state.target);
-    const bool isTie = squared == state.bestSquared && state.best >= 0 && candidate.place < state.best;
+    const bool isTie =
+        squared == state.bestSquared && state.best >= 0 && candidate.place < state.best;
     if (squared < state.bestSquared || isTie) {
       state.bestSquared = squared;
       state.best = candidate.place;

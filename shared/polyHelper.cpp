@@ -46,10 +46,12 @@ struct bearing {
   int place;
 };
 
-std::vector<bearing> bearingsAround(const MPointArray& points, const MPoint& centre, const MVector& normal) {
+std::vector<bearing> bearingsAround(const MPointArray& points, const MPoint& centre,
+                                    const MVector& normal) {
   constexpr double kTurn = 6.283185307179586, kSame = 1e-9;
   double widest = 0.0;
-  for (unsigned int i = 0; i < points.length(); ++i) widest = std::max(widest, points[i].distanceTo(centre));
+  for (unsigned int i = 0; i < points.length(); ++i)
+    widest = std::max(widest, points[i].distanceTo(centre));
   std::vector<bearing> bearings;
   MVector start;
   for (unsigned int i = 0; i < points.length(); ++i) {
@@ -71,23 +73,29 @@ std::vector<bearing> bearingsAround(const MPointArray& points, const MPoint& cen
   return bearings;
 }
 
-/// Places in order along the line through the points, from the end that the first point is nearer to.
+/// Places in order along the line through the points, from the end that the first point is nearer
+/// to.
 MIntArray orderAlongLine(const MPointArray& points, const MPoint& centre) {
   const MPoint end = farthestFrom(centre, points, 0, points.length());
   MVector along = end - centre;
   if ((points[0] - centre) * along > 0.0) along = -along;
   std::vector<int> places(points.length());
   for (std::size_t i = 0; i < places.size(); ++i) places[i] = static_cast<int>(i);
-  const auto position = [&](int place) { return (points[static_cast<unsigned int>(place)] - centre) * along; };
-  std::stable_sort(places.begin(), places.end(), [&](int a, int b) { return position(a) < position(b); });
+  const auto position = [&](int place) {
+    return (points[static_cast<unsigned int>(place)] - centre) * along;
+  };
+  std::stable_sort(places.begin(), places.end(),
+                   [&](int a, int b) { return position(a) < position(b); });
   return toArray(places);
 }
 
-/// The vertices of a component set of any kind, or of the whole mesh for a null one; each once, ascending.
+/// The vertices of a component set of any kind, or of the whole mesh for a null one; each once,
+/// ascending.
 std::vector<int> verticesOf(const MDagPath& mesh, MObject& component) {
   std::vector<int> vertices;
   if (component.isNull() || component.hasFn(MFn::kMeshVertComponent)) {
-    for (MItMeshVertex vertex(mesh, component); !vertex.isDone(); vertex.next()) vertices.push_back(vertex.index());
+    for (MItMeshVertex vertex(mesh, component); !vertex.isDone(); vertex.next())
+      vertices.push_back(vertex.index());
   } else if (component.hasFn(MFn::kMeshEdgeComponent)) {
     for (MItMeshEdge edge(mesh, component); !edge.isDone(); edge.next())
       for (int end = 0; end < 2; ++end) vertices.push_back(edge.index(end));
@@ -106,7 +114,8 @@ std::vector<int> verticesOf(const MDagPath& mesh, MObject& component) {
 
 polyHelper::~polyHelper() = default;
 
-MObject polyHelper::borderEdges(const MDagPath& mesh, const MIntArray& faces, MStatus* status) const {
+MObject polyHelper::borderEdges(const MDagPath& mesh, const MIntArray& faces,
+                                MStatus* status) const {
   setStatus(status, MS::kFailure);
   if (!mesh.isValid()) return MObject();
   MStatus attached;
@@ -137,10 +146,12 @@ MObject polyHelper::borderEdges(const MDagPath& mesh, const MIntArray& faces, MS
   return made == MS::kSuccess ? object : MObject();
 }
 
-MStatus polyHelper::angularOrder(const MPointArray& points, const MVector* towardsViewer, MIntArray& order) const {
+MStatus polyHelper::angularOrder(const MPointArray& points, const MVector* towardsViewer,
+                                 MIntArray& order) const {
   order.clear();
   for (unsigned int i = 0; i < points.length(); ++i)
-    if (!std::isfinite(points[i].x) || !std::isfinite(points[i].y) || !std::isfinite(points[i].z)) return MS::kFailure;
+    if (!std::isfinite(points[i].x) || !std::isfinite(points[i].y) || !std::isfinite(points[i].z))
+      return MS::kFailure;
   if (points.length() == 0) return MS::kSuccess;
   const MPoint centre = meanPoint(points, 0, points.length());
   MVector normal;

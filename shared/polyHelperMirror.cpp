@@ -13,7 +13,8 @@
 namespace {
 
 constexpr int kNone = -1;
-constexpr int kRounds = 8;  ///< so many vertices in one place still find counterparts; a heap of them ends the search
+constexpr int kRounds =
+    8;  ///< so many vertices in one place still find counterparts; a heap of them ends the search
 
 /// The points of a mesh in the space of a mirror plane.
 MStatus readPoints(const MDagPath& mesh, int axis, bool inWorldSpace, MPointArray& points) {
@@ -21,7 +22,9 @@ MStatus readPoints(const MDagPath& mesh, int axis, bool inWorldSpace, MPointArra
   if (!mesh.isValid()) return MS::kFailure;
   MStatus status;
   const MFnMesh meshFn(mesh, &status);
-  return status == MS::kSuccess ? meshFn.getPoints(points, inWorldSpace ? MSpace::kWorld : MSpace::kObject) : status;
+  return status == MS::kSuccess
+             ? meshFn.getPoints(points, inWorldSpace ? MSpace::kWorld : MSpace::kObject)
+             : status;
 }
 
 MPoint mirrored(MPoint point, int axis) {
@@ -30,18 +33,25 @@ MPoint mirrored(MPoint point, int axis) {
   return point;
 }
 
-/// An index finds what is strictly nearer than its limit; a vertex just at the tolerance counts too, also at 0.
-double searchLimit(double tolerance) { return tolerance * (1.0 + 1e-12) + 1e-150; }
+/// An index finds what is strictly nearer than its limit; a vertex just at the tolerance counts
+/// too, also at 0.
+double searchLimit(double tolerance) {
+  return tolerance * (1.0 + 1e-12) + 1e-150;
+}
 
-/// Pairs those of the open vertices that are each other's nearest, and keeps the others open. The nearest pair of all is
-/// always such a pair, so every round settles something until nothing can be.
+/// Pairs those of the open vertices that are each other's nearest, and keeps the others open. The
+/// nearest pair of all is always such a pair, so every round settles something until nothing can
+/// be.
 /// @return whether any was paired
-bool pairMutual(const MPointArray& points, int axis, double limit, std::vector<int>& open, MIntArray& counterparts) {
+bool pairMutual(const MPointArray& points, int axis, double limit, std::vector<int>& open,
+                MIntArray& counterparts) {
   MPointArray places(static_cast<unsigned int>(open.size()));
-  for (unsigned int i = 0; i < places.length(); ++i) places[i] = points[static_cast<unsigned int>(open[i])];
+  for (unsigned int i = 0; i < places.length(); ++i)
+    places[i] = points[static_cast<unsigned int>(open[i])];
   const pointIndex index(places, 0, places.length());
   std::vector<int> nearest(open.size());
-  for (unsigned int i = 0; i < places.length(); ++i) nearest[i] = index.nearest(mirrored(places[i], axis), limit);
+  for (unsigned int i = 0; i < places.length(); ++i)
+    nearest[i] = index.nearest(mirrored(places[i], axis), limit);
   std::vector<int> left;
   for (std::size_t i = 0; i < open.size(); ++i) {
     const int there = nearest[i];
@@ -67,7 +77,8 @@ MIntArray pairAll(const MPointArray& points, int axis) {
   return counterparts;
 }
 
-/// What a pointIndex would say; for a question or two a pass over the points is sooner done than an index.
+/// What a pointIndex would say; for a question or two a pass over the points is sooner done than an
+/// index.
 int nearestByScan(const MPointArray& points, const MPoint& target, double limit) {
   int best = kNone;
   double bestSquared = limit * limit;
@@ -97,7 +108,8 @@ double polyHelper::mirrorTolerance(const MPointArray& points) {
   return 1e-3 * std::hypot(high[0] - low[0], high[1] - low[1], high[2] - low[2]);
 }
 
-MStatus polyHelper::symmetricVertices(const MDagPath& mesh, int axis, bool inWorldSpace, MIntArray& counterparts) const {
+MStatus polyHelper::symmetricVertices(const MDagPath& mesh, int axis, bool inWorldSpace,
+                                      MIntArray& counterparts) const {
   counterparts.clear();
   MPointArray points;
   const MStatus status = readPoints(mesh, axis, inWorldSpace, points);
@@ -106,7 +118,8 @@ MStatus polyHelper::symmetricVertices(const MDagPath& mesh, int axis, bool inWor
   return MS::kSuccess;
 }
 
-int polyHelper::symmetricVertex(const MDagPath& mesh, int vertex, int axis, bool inWorldSpace, MStatus* status) const {
+int polyHelper::symmetricVertex(const MDagPath& mesh, int vertex, int axis, bool inWorldSpace,
+                                MStatus* status) const {
   MPointArray points;
   MStatus read = readPoints(mesh, axis, inWorldSpace, points);
   if (read == MS::kSuccess && (vertex < 0 || static_cast<unsigned int>(vertex) >= points.length()))
@@ -114,9 +127,11 @@ int polyHelper::symmetricVertex(const MDagPath& mesh, int vertex, int axis, bool
   if (status) *status = read;
   if (read != MS::kSuccess) return kNone;
   const double limit = searchLimit(mirrorTolerance(points));
-  const int there = nearestByScan(points, mirrored(points[static_cast<unsigned int>(vertex)], axis), limit);
+  const int there =
+      nearestByScan(points, mirrored(points[static_cast<unsigned int>(vertex)], axis), limit);
   if (there == kNone) return kNone;
-  const int back = nearestByScan(points, mirrored(points[static_cast<unsigned int>(there)], axis), limit);
+  const int back =
+      nearestByScan(points, mirrored(points[static_cast<unsigned int>(there)], axis), limit);
   return back == vertex ? there : pairAll(points, axis)[static_cast<unsigned int>(vertex)];
 }
 

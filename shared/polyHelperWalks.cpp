@@ -13,7 +13,8 @@ namespace {
 
 constexpr int kNone = -1;
 
-/// A way through the edges of a mesh: `edges` in walking order, closed ones without repeating the first.
+/// A way through the edges of a mesh: `edges` in walking order, closed ones without repeating the
+/// first.
 struct edgeRun {
   std::vector<int> edges;
   bool isClosed = false;
@@ -28,7 +29,8 @@ struct place {
 /// The neighbourhoods that walks ask for, through one iterator of each kind.
 class neighbourhood {
  public:
-  neighbourhood(const MDagPath& mesh, MStatus& status) : edge(mesh, MObject::kNullObj, &status), face(mesh), vertex(mesh) {}
+  neighbourhood(const MDagPath& mesh, MStatus& status)
+      : edge(mesh, MObject::kNullObj, &status), face(mesh), vertex(mesh) {}
 
   bool goTo(int id) {
     int before = 0;
@@ -41,9 +43,7 @@ class neighbourhood {
     return faces;
   }
   int endOfEdge(int end) { return edge.index(end); }
-  MIntArray facesOf(int id) {
-    return goTo(id) ? facesOfEdge() : MIntArray();
-  }
+  MIntArray facesOf(int id) { return goTo(id) ? facesOfEdge() : MIntArray(); }
   int otherEnd(int id, int end) {
     if (!goTo(id)) return kNone;
     return endOfEdge(0) == end ? endOfEdge(1) : endOfEdge(0);
@@ -78,7 +78,9 @@ unsigned int placeOf(int id, const MIntArray& ids) {
   while (at < ids.length() && ids[at] != id) ++at;
   return at;
 }
-bool contains(const MIntArray& ids, int id) { return placeOf(id, ids) < ids.length(); }
+bool contains(const MIntArray& ids, int id) {
+  return placeOf(id, ids) < ids.length();
+}
 
 /// Across a quad to the opposite edge, and out by its other face.
 place nextInRing(neighbourhood& near, const place& from) {
@@ -102,7 +104,8 @@ place nextInLoop(neighbourhood& near, const place& from) {
   for (unsigned int i = 0; i < 4; ++i) {
     const MIntArray faces = near.facesOf(spokes[i]);
     if (faces.length() != 2) return {kNone, kNone};
-    if (spokes[i] == from.edge || contains(beside, faces[0]) || contains(beside, faces[1])) continue;
+    if (spokes[i] == from.edge || contains(beside, faces[0]) || contains(beside, faces[1]))
+      continue;
     if (opposite != kNone) return {kNone, kNone};
     opposite = spokes[i];
   }
@@ -121,8 +124,8 @@ place nextOnBorder(neighbourhood& near, const place& from) {
   return {next, next == kNone ? kNone : near.otherEnd(next, from.side)};
 }
 
-/// Walks from an edge over one side until the walk ends or closes, then over the other. No edge is met twice, also on
-/// surfaces that are no manifolds.
+/// Walks from an edge over one side until the walk ends or closes, then over the other. No edge is
+/// met twice, also on surfaces that are no manifolds.
 template <class Step>
 edgeRun walkBothWays(neighbourhood& near, int start, int firstSide, int secondSide, Step step) {
   edgeRun run;
@@ -152,7 +155,8 @@ MStatus walkRing(const MDagPath& mesh, int edge, edgeRun& run) {
   if (!near.goTo(edge)) return MS::kInvalidParameter;
   const MIntArray faces = near.facesOfEdge();
   const bool isManifold = faces.length() == 1 || faces.length() == 2;
-  run = walkBothWays(near, edge, isManifold ? faces[0] : kNone, faces.length() == 2 ? faces[1] : kNone, nextInRing);
+  run = walkBothWays(near, edge, isManifold ? faces[0] : kNone,
+                     faces.length() == 2 ? faces[1] : kNone, nextInRing);
   return MS::kSuccess;
 }
 
@@ -196,7 +200,8 @@ MStatus partOf(const edgeRun& run, int first, int last, MIntArray& edges) {
 
 }  // namespace
 
-MStatus polyHelper::edgeRing(const MDagPath& mesh, int edge, MIntArray& edges, bool* isClosed) const {
+MStatus polyHelper::edgeRing(const MDagPath& mesh, int edge, MIntArray& edges,
+                             bool* isClosed) const {
   edges.clear();
   edgeRun run;
   const MStatus status = walkRing(mesh, edge, run);
@@ -204,7 +209,8 @@ MStatus polyHelper::edgeRing(const MDagPath& mesh, int edge, MIntArray& edges, b
   return status;
 }
 
-MStatus polyHelper::edgeLoop(const MDagPath& mesh, int edge, MIntArray& edges, bool* isClosed) const {
+MStatus polyHelper::edgeLoop(const MDagPath& mesh, int edge, MIntArray& edges,
+                             bool* isClosed) const {
   edges.clear();
   edgeRun run;
   const MStatus status = walkLoop(mesh, edge, run);
@@ -212,14 +218,16 @@ MStatus polyHelper::edgeLoop(const MDagPath& mesh, int edge, MIntArray& edges, b
   return status;
 }
 
-MStatus polyHelper::partialEdgeRing(const MDagPath& mesh, int first, int last, MIntArray& edges) const {
+MStatus polyHelper::partialEdgeRing(const MDagPath& mesh, int first, int last,
+                                    MIntArray& edges) const {
   edges.clear();
   edgeRun run;
   const MStatus status = walkRing(mesh, first, run);
   return status == MS::kSuccess ? partOf(run, first, last, edges) : status;
 }
 
-MStatus polyHelper::partialEdgeLoop(const MDagPath& mesh, int first, int last, MIntArray& edges) const {
+MStatus polyHelper::partialEdgeLoop(const MDagPath& mesh, int first, int last,
+                                    MIntArray& edges) const {
   edges.clear();
   edgeRun run;
   const MStatus status = walkLoop(mesh, first, run);

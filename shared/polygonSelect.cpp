@@ -70,6 +70,7 @@ MStatus polygonSelect::closestComponent(const MDagPath& mesh, const MPoint& worl
   int before = 0;
   polygon.setIndex(face, before);
   polygon.getEdges(ids);
-  for (unsigned int i = 0; i < ids.length(); ++i) nearest.consider(ids[i], midpoint(meshFn, ids[i]), found);
+  for (unsigned int i = 0; i < ids.length(); ++i)
+    nearest.consider(ids[i], midpoint(meshFn, ids[i]), found);
   return status;
 }

@@ -28,7 +28,8 @@ struct candidate {
 class cursorPick {
  public:
   /// @param reach pixels around the cursor that are looked at; 0 for what lies on the pixel itself
-  cursorPick(const M3dView& viewIn, int xIn, int yIn, const MDagPath& mesh, double reach, MStatus& status)
+  cursorPick(const M3dView& viewIn, int xIn, int yIn, const MDagPath& mesh, double reach,
+             MStatus& status)
       : view(viewIn), x(xIn), y(yIn), path(mesh), meshFn(mesh, &status), projector(view) {
     if (status == MS::kSuccess) projector = viewProjector(view, &status);
     const M3dView::DisplayStyle style = view.displayStyle();
@@ -48,7 +49,8 @@ class cursorPick {
       meshFn.getPoint(id, point, MSpace::kWorld);
       const viewPlace at = projector.project(point);
       const double pixels = std::hypot(at.x - x, at.y - y);
-      if (!at.isClipped && pixels <= polygonSelect::kVertexTolerance) near.push_back({id, point, at.depth, pixels});
+      if (!at.isClipped && pixels <= polygonSelect::kVertexTolerance)
+        near.push_back({id, point, at.depth, pixels});
     }
     return best(near, polygonSelect::kVertexTolerance, found);
   }
@@ -79,7 +81,8 @@ class cursorPick {
   bool sight(double px, double py, sightLine& line) const {
     // The view takes whole pixels.
     MPoint farPoint;
-    const auto column = static_cast<short>(std::lround(px)), row = static_cast<short>(std::lround(py));
+    const auto column = static_cast<short>(std::lround(px)),
+               row = static_cast<short>(std::lround(py));
     if (view.viewToWorld(column, row, line.start, farPoint) != MS::kSuccess) return false;
     line.direction = farPoint - line.start;
     line.length = line.direction.length();
@@ -88,12 +91,13 @@ class cursorPick {
   }
 
   /// The first hit of a line of sight, nearer than `reach`.
-  bool firstHit(const sightLine& line, double reach, MPoint& point, int& face, double& distance) const {
+  bool firstHit(const sightLine& line, double reach, MPoint& point, int& face,
+                double& distance) const {
     MFloatPoint hit;
     float parameter = 0.0F;
-    if (!meshFn.closestIntersection(source(line), way(line), nullptr, nullptr, false, MSpace::kWorld,
-                                    static_cast<float>(reach), false, &accelerator, hit, &parameter, &face, nullptr,
-                                    nullptr, nullptr))
+    if (!meshFn.closestIntersection(source(line), way(line), nullptr, nullptr, false,
+                                    MSpace::kWorld, static_cast<float>(reach), false, &accelerator,
+                                    hit, &parameter, &face, nullptr, nullptr, nullptr))
       return false;
     distance = static_cast<double>(parameter);
     point = MPoint(hit.x, hit.y, hit.z);
@@ -112,12 +116,16 @@ class cursorPick {
   /// Collects the faces on the lines of sight through the cursor and on rings around it.
   void lookAround(double reach) {
     constexpr double kTurn = 6.283185307179586;
-    constexpr struct { double radius; int count; } kRings[] = {{0, 1}, {3, 6}, {6, 12}, {9.5, 20}};
+    constexpr struct {
+      double radius;
+      int count;
+    } kRings[] = {{0, 1}, {3, 6}, {6, 12}, {9.5, 20}};
     for (const auto& ring : kRings)
       for (int i = 0; ring.radius <= reach && i < ring.count; ++i) {
         const double angle = kTurn * i / ring.count;
         sightLine line;
-        if (sight(x + ring.radius * std::cos(angle), y + ring.radius * std::sin(angle), line)) look(line, ring.radius == 0);
+        if (sight(x + ring.radius * std::cos(angle), y + ring.radius * std::sin(angle), line))
+          look(line, ring.radius == 0);
       }
     if (centreFace >= 0) {
       // Where faces are smaller than pixels the nearest vertex may be a neighbour's.
@@ -146,8 +154,8 @@ class cursorPick {
     MFloatPointArray points;
     MIntArray hitFaces;
     meshFn.allIntersections(source(line), way(line), nullptr, nullptr, false, MSpace::kWorld,
-                            static_cast<float>(line.length), false, &accelerator, false, points, nullptr, &hitFaces,
-                            nullptr, nullptr, nullptr);
+                            static_cast<float>(line.length), false, &accelerator, false, points,
+                            nullptr, &hitFaces, nullptr, nullptr, nullptr);
     for (unsigned int i = 0; i < hitFaces.length(); ++i) faces.push_back(hitFaces[i]);
   }
 
@@ -176,11 +184,13 @@ class cursorPick {
     return edges;
   }
 
-  /// Moves the end of an edge that is clipped to where the edge begins to show, to a millionth of its length.
+  /// Moves the end of an edge that is clipped to where the edge begins to show, to a millionth of
+  /// its length.
   viewPlace cutToShown(MPoint& outer, const MPoint& shownEnd) const {
     MPoint shown = shownEnd;
     for (int i = 0; i < 20; ++i) {
-      const MPoint middle((outer.x + shown.x) / 2, (outer.y + shown.y) / 2, (outer.z + shown.z) / 2);
+      const MPoint middle((outer.x + shown.x) / 2, (outer.y + shown.y) / 2,
+                          (outer.z + shown.z) / 2);
       (projector.project(middle).isClipped ? outer : shown) = middle;
     }
     outer = shown;
@@ -201,7 +211,8 @@ class cursorPick {
     found.pixels = std::hypot(atA.x + share * dx - x, atA.y + share * dy - y);
     // Equal steps on the screen are no equal steps along an edge that leads away from the camera.
     double along = share;
-    if (!projector.isOrthographic()) along = share * atA.depth / ((1 - share) * atB.depth + share * atA.depth);
+    if (!projector.isOrthographic())
+      along = share * atA.depth / ((1 - share) * atB.depth + share * atA.depth);
     found.point = a + (b - a) * along;
     found.depth = atA.depth + (atB.depth - atA.depth) * along;
     return found;
@@ -226,12 +237,13 @@ class cursorPick {
   }
 
   bool best(std::vector<candidate>& near, double tolerance, closestComponentRecord& found) const {
-    near.erase(std::remove_if(near.begin(), near.end(), [this](const candidate& at) { return !isVisible(at); }),
+    near.erase(std::remove_if(near.begin(), near.end(),
+                              [this](const candidate& at) { return !isVisible(at); }),
                near.end());
     if (near.empty()) return false;
-    const auto front = std::min_element(near.begin(), near.end(), [](const candidate& a, const candidate& b) {
-      return a.depth < b.depth;
-    });
+    const auto front =
+        std::min_element(near.begin(), near.end(),
+                         [](const candidate& a, const candidate& b) { return a.depth < b.depth; });
     const double limit = front->depth + tolerance * projector.worldPerPixel(front->depth);
     const candidate* winner = nullptr;
     for (const candidate& at : near)
@@ -257,8 +269,8 @@ class cursorPick {
 
 }  // namespace
 
-MStatus polygonSelect::componentUnderCursor(const M3dView& view, int x, int y, const MDagPath& mesh, int type,
-                                            closestComponentRecord& found) const {
+MStatus polygonSelect::componentUnderCursor(const M3dView& view, int x, int y, const MDagPath& mesh,
+                                            int type, closestComponentRecord& found) const {
   found = closestComponentRecord();
   if (type < kAnyType || type > kEdgeType) return MS::kInvalidParameter;
   if (!mesh.isValid()) return MS::kFailure;
@@ -266,8 +278,11 @@ MStatus polygonSelect::componentUnderCursor(const M3dView& view, int x, int y, c
   const bool wantsAll = type == kAnyType;
   const cursorPick pick(view, x, y, mesh, type == kFaceType ? 0.0 : kVertexTolerance, status);
   if (status != MS::kSuccess) return status;
-  if ((wantsAll || type == kVertexType) && pick.vertex(found)) found.type = kVertexType;
-  else if ((wantsAll || type == kEdgeType) && pick.edge(found)) found.type = kEdgeType;
-  else if ((wantsAll || type == kFaceType) && pick.face(found)) found.type = kFaceType;
+  if ((wantsAll || type == kVertexType) && pick.vertex(found))
+    found.type = kVertexType;
+  else if ((wantsAll || type == kEdgeType) && pick.edge(found))
+    found.type = kEdgeType;
+  else if ((wantsAll || type == kFaceType) && pick.face(found))
+    found.type = kFaceType;
   return MS::kSuccess;
 }

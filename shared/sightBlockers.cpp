@@ -61,7 +61,7 @@ bool sightBlockers::block(const sightLine& line) const {
   MFloatPoint hit;
   return std::any_of(near.begin(), near.end(), [&](const MDagPath& path) {
     return MFnMesh(path).anyIntersection(source, way, nullptr, nullptr, false, MSpace::kWorld,
-                                         static_cast<float>(line.length), false, &accelerator, hit, nullptr, nullptr,
-                                         nullptr, nullptr, nullptr);
+                                         static_cast<float>(line.length), false, &accelerator, hit,
+                                         nullptr, nullptr, nullptr, nullptr, nullptr);
   });
 }

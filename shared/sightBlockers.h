@@ -13,8 +13,9 @@ struct sightLine {
   double length = 0.0;
 };
 
-/// The other objects that stand in the way of what is looked at: visible meshes, in all their instances, that show near a
-/// line of sight. Which they are is found by their boxes, once; costs a box for each mesh of the scene.
+/// The other objects that stand in the way of what is looked at: visible meshes, in all their
+/// instances, that show near a line of sight. Which they are is found by their boxes, once; costs a
+/// box for each mesh of the scene.
 class sightBlockers {
  public:
   sightBlockers() = default;

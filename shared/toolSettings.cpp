@@ -5,4 +5,6 @@ toolSettings& toolSettings::current() {
   return settings;
 }
 
-void toolSettings::reset() { current() = toolSettings(); }
+void toolSettings::reset() {
+  current() = toolSettings();
+}

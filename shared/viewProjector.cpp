@@ -16,7 +16,8 @@ viewProjector::viewProjector(M3dView view, MStatus* status) {
 viewPlace viewProjector::project(const MPoint& world) const {
   const MPoint clip = world * whole;
   viewPlace place;
-  place.depth = -(world.x * toCamera[0][2] + world.y * toCamera[1][2] + world.z * toCamera[2][2] + toCamera[3][2]);
+  place.depth = -(world.x * toCamera[0][2] + world.y * toCamera[1][2] + world.z * toCamera[2][2] +
+                  toCamera[3][2]);
   place.isClipped = !(clip.w > 0.0 && std::fabs(clip.z) <= clip.w);
   if (place.isClipped) return place;
   place.x = (clip.x / clip.w + 1.0) * 0.5 * width;
@@ -32,7 +33,9 @@ viewProjector viewProjector::from(const MMatrix& toWorld) const {
 }
 
 // A projection without perspective leaves w alone.
-bool viewProjector::isOrthographic() const { return toClip[2][3] == 0.0; }
+bool viewProjector::isOrthographic() const {
+  return toClip[2][3] == 0.0;
+}
 
 double viewProjector::worldPerPixel(double depth) const {
   const double tall = toClip[1][1] * height;

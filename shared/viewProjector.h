@@ -11,11 +11,13 @@ class M3dView;
 struct viewPlace {
   double x = 0.0, y = 0.0;  ///< pixels from the lower left corner, fractions kept
   double depth = 0.0;       ///< cm in front of the camera
-  bool isClipped = true;    ///< nearer than the near or farther than the far clipping plane; x and y mean nothing then
+  bool isClipped = true;  ///< nearer than the near or farther than the far clipping plane; x and y
+                          ///< mean nothing then
 };
 
-/// The way from the world to a view's pixels, read from the view once: for many points, where asking the view each time
-/// would cost more than the projection. It stays as the camera stood when it was made.
+/// The way from the world to a view's pixels, read from the view once: for many points, where
+/// asking the view each time would cost more than the projection. It stays as the camera stood when
+/// it was made.
 class viewProjector {
  public:
   explicit viewProjector(M3dView view, MStatus* status = nullptr);

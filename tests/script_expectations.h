@@ -9,9 +9,10 @@
 #include <string>
 #include <vector>
 
-/// Scripts that say what they do. A trailing `//> text` expects that line to be printed, in order; `//! text` an error
-/// (caught or not) that contains the text, and from that line; `//? text` a warning. A line `//---` begins a new
-/// section: sections run one after the other in the same world, so that each may end with an error.
+/// Scripts that say what they do. A trailing `//> text` expects that line to be printed, in order;
+/// `//! text` an error (caught or not) that contains the text, and from that line; `//? text` a
+/// warning. A line `//---` begins a new section: sections run one after the other in the same
+/// world, so that each may end with an error.
 namespace script_test {
 
 struct Expectation {
@@ -30,7 +31,8 @@ inline std::vector<std::string> linesOf(const std::string& text) {
 inline std::vector<Expectation> expectations(const std::vector<std::string>& lines) {
   std::vector<Expectation> found;
   for (std::size_t i = 0; i < lines.size(); ++i) {
-    for (std::size_t at = lines[i].find("//"); at != std::string::npos; at = lines[i].find("//", at + 2)) {
+    for (std::size_t at = lines[i].find("//"); at != std::string::npos;
+         at = lines[i].find("//", at + 2)) {
       const char mark = at + 2 < lines[i].size() ? lines[i][at + 2] : '\0';
       if (mark != '>' && mark != '!' && mark != '?') continue;
       std::string text = lines[i].substr(at + 3);
@@ -57,16 +59,17 @@ inline void compare(char mark, const std::string& file, const std::vector<Expect
   std::copy_if(said.begin(), said.end(), std::back_inserter(got), isMarked);
   const std::string what = mark == '>' ? "print" : mark == '!' ? "error" : "warning";
   for (std::size_t i = 0; i < wanted.size(); ++i) {
-    const std::string expectation =
-        file + ":" + std::to_string(wanted[i].line) + ": expected " + what + " \"" + wanted[i].text + "\"";
+    const std::string expectation = file + ":" + std::to_string(wanted[i].line) + ": expected " +
+                                    what + " \"" + wanted[i].text + "\"";
     if (i >= got.size()) {
       FAIL_CHECK((expectation + " but there was none"));
       return;
     }
-    const bool matches =
-        mark == '>' ? got[i].text == wanted[i].text : got[i].text.find(wanted[i].text) != std::string::npos;
+    const bool matches = mark == '>' ? got[i].text == wanted[i].text
+                                     : got[i].text.find(wanted[i].text) != std::string::npos;
     const bool isFromThere = got[i].line == 0 || got[i].line == wanted[i].line;
-    const std::string outcome = expectation + " but got \"" + got[i].text + "\" from line " + std::to_string(got[i].line);
+    const std::string outcome =
+        expectation + " but got \"" + got[i].text + "\" from line " + std::to_string(got[i].line);
     CHECK_MESSAGE(matches, outcome);
     CHECK_MESSAGE(isFromThere, outcome);
     if (!matches) return;
@@ -77,8 +80,8 @@ inline void compare(char mark, const std::string& file, const std::vector<Expect
   }
 }
 
-/// Runs a script section by section. `run(text, file)` runs one and returns what was said; sections keep their line
-/// numbers, what precedes is replaced by empty lines.
+/// Runs a script section by section. `run(text, file)` runs one and returns what was said; sections
+/// keep their line numbers, what precedes is replaced by empty lines.
 template <class Run>
 void runSections(const std::filesystem::path& path, const Run& run) {
   std::ifstream stream(path, std::ios::binary);

@@ -63,7 +63,8 @@ int runScript(cmd::Session& session, const Options& options) {
 
 int run(const Options& options) {
   const ProgramPaths paths = programPaths();
-  const bool isPrompt = options.interactive || (options.script.empty() && options.commands.empty() && isatty(0));
+  const bool isPrompt =
+      options.interactive || (options.script.empty() && options.commands.empty() && isatty(0));
   auto session = api::makeHostSession();
   session->isBatch = !isPrompt;
   const InterruptScope interrupts(*session);
@@ -75,12 +76,15 @@ int run(const Options& options) {
     if (status != kDone || session->isQuitting) break;
     if (!session->executeLine(command, {.display = true})) status = kScriptFailed;
     runIdle(*session);
-    if (session->isQuitting) status = session->exitStatus;
-    else if (wasInterrupted()) status = kScriptFailed;
+    if (session->isQuitting)
+      status = session->exitStatus;
+    else if (wasInterrupted())
+      status = kScriptFailed;
   }
   if (status == kDone && !session->isQuitting) {
     if (options.script == "tour")
-      status = runTour(*session, options.arguments.empty() ? "out/tour" : options.arguments.front());
+      status =
+          runTour(*session, options.arguments.empty() ? "out/tour" : options.arguments.front());
     else if (!options.script.empty())
       status = runScript(*session, options);
     else if (!isPrompt && options.commands.empty() && !isatty(0))

@@ -7,16 +7,20 @@ namespace host::app {
 int parseOptions(int argc, char** argv, Options& options) {
   CLI::App app{"Polygon modelling and UV toolkit on its embedded host.", "qxmt"};
   app.footer(
-      "Without a script, on a terminal: a prompt. `qxmt tour [FOLDER]` shows the toolkit on a real mesh.\n"
-      "Exit status: 0 done; 1 a script or command failed; 2 bad usage; 3 a file could not be read or written.");
+      "Without a script, on a terminal: a prompt. `qxmt tour [FOLDER]` shows the toolkit on a real "
+      "mesh.\n"
+      "Exit status: 0 done; 1 a script or command failed; 2 bad usage; 3 a file could not be read "
+      "or written.");
   app.prefix_command();  // the words after the script's name are the script's
-  app.add_option("-c,--command", options.commands, "run a MEL command line and show its result (repeatable)")
+  app.add_option("-c,--command", options.commands,
+                 "run a MEL command line and show its result (repeatable)")
       ->type_name("MEL")
       ->take_all()
       ->allow_extra_args(false);
   app.add_flag("-i,--interactive", options.interactive, "prompt with history and completion");
   app.add_flag("-w,--window", options.window, "open the window");
-  app.add_option("-o,--open", options.openFile, "open a scene or import a mesh first (.ma, .obj)")->type_name("FILE");
+  app.add_option("-o,--open", options.openFile, "open a scene or import a mesh first (.ma, .obj)")
+      ->type_name("FILE");
   app.add_option("--plug-in", options.plugIns, "load a further plug-in (repeatable)")
       ->type_name("FILE")
       ->take_all()
@@ -30,7 +34,8 @@ int parseOptions(int argc, char** argv, Options& options) {
   }
   std::vector<std::string> words = app.remaining();
   if (!words.empty() && words.front().size() > 1 && words.front().front() == '-') {
-    std::fprintf(stderr, "qxmt: unknown option %s\nRun qxmt --help for the options.\n", words.front().c_str());
+    std::fprintf(stderr, "qxmt: unknown option %s\nRun qxmt --help for the options.\n",
+                 words.front().c_str());
     return kBadUsage;
   }
   if (!words.empty()) {

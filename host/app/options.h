@@ -20,8 +20,8 @@ struct Options {
   bool noModule = false;
 };
 
-/// Reads the command line. @return -1 when the program should go on, else its exit status (help, version, bad usage:
-/// their text has been printed).
+/// Reads the command line. @return -1 when the program should go on, else its exit status (help,
+/// version, bad usage: their text has been printed).
 [[nodiscard]] int parseOptions(int argc, char** argv, Options& options);
 
 }  // namespace host::app

@@ -23,7 +23,8 @@ std::string historyFile() {
   const char* home = std::getenv("HOME");
   if (!state && !home) return {};
   const std::filesystem::path folder =
-      state ? std::filesystem::path(state) / "qxmt" : std::filesystem::path(home) / ".local" / "state" / "qxmt";
+      state ? std::filesystem::path(state) / "qxmt"
+            : std::filesystem::path(home) / ".local" / "state" / "qxmt";
   std::error_code ignored;
   std::filesystem::create_directories(folder, ignored);
   return (folder / "history").string();
@@ -49,7 +50,8 @@ char** complete(const char* text, int start, int) {
   return quotes % 2 == 0 ? rl_completion_matches(text, nextCandidate) : nullptr;
 }
 
-/// Whether a text ends inside braces, brackets, quotes or a comment, so that more lines belong to it.
+/// Whether a text ends inside braces, brackets, quotes or a comment, so that more lines belong to
+/// it.
 bool isUnfinished(const std::string& text) {
   int depth = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -107,7 +109,8 @@ int runPrompt(cmd::Session& session) {
 }
 
 int runStandardInput(cmd::Session& session) {
-  const std::string text{std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
+  const std::string text{std::istreambuf_iterator<char>(std::cin),
+                         std::istreambuf_iterator<char>()};
   const auto done = session.executeLine(text, {.source = {"standard input"}});
   runIdle(session);
   if (session.isQuitting) return session.exitStatus;

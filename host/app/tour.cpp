@@ -24,7 +24,8 @@ int runTour(cmd::Session& session, const std::string& folder) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (error) {
-    std::fprintf(stderr, "qxmt: the folder %s can't be made: %s\n", folder.c_str(), error.message().c_str());
+    std::fprintf(stderr, "qxmt: the folder %s can't be made: %s\n", folder.c_str(),
+                 error.message().c_str());
     return kFileFailed;
   }
   if (!canWriteInto(folder)) {

@@ -6,8 +6,8 @@
 
 namespace host::app {
 
-/// Shows the toolkit on a real mesh: runs the tour script, which writes meshes and pictures into `folder` (made if
-/// missing) and says what it does.
+/// Shows the toolkit on a real mesh: runs the tour script, which writes meshes and pictures into
+/// `folder` (made if missing) and says what it does.
 int runTour(cmd::Session& session, const std::string& folder);
 
 }  // namespace host::app

@@ -18,10 +18,18 @@ void writeToStreams(MessageKind kind, std::string_view text) {
     case MessageKind::Print:
       std::fwrite(text.data(), 1, text.size(), stdout);
       return;
-    case MessageKind::Info: std::fprintf(stderr, "// %.*s //\n", length, text.data()); break;
-    case MessageKind::Warning: std::fprintf(stderr, "// Warning: %.*s //\n", length, text.data()); break;
-    case MessageKind::Error: std::fprintf(stderr, "// Error: %.*s //\n", length, text.data()); break;
-    case MessageKind::Result: std::fprintf(stderr, "// Result: %.*s //\n", length, text.data()); break;
+    case MessageKind::Info:
+      std::fprintf(stderr, "// %.*s //\n", length, text.data());
+      break;
+    case MessageKind::Warning:
+      std::fprintf(stderr, "// Warning: %.*s //\n", length, text.data());
+      break;
+    case MessageKind::Error:
+      std::fprintf(stderr, "// Error: %.*s //\n", length, text.data());
+      break;
+    case MessageKind::Result:
+      std::fprintf(stderr, "// Result: %.*s //\n", length, text.data());
+      break;
   }
   std::fflush(stderr);
 }
@@ -36,7 +44,9 @@ void postMessage(MessageKind kind, std::string_view text) {
     writeToStreams(kind, text);
 }
 
-MessageSink setMessageSink(MessageSink sink) { return std::exchange(currentSink(), std::move(sink)); }
+MessageSink setMessageSink(MessageSink sink) {
+  return std::exchange(currentSink(), std::move(sink));
+}
 
 struct MessageCapture::State {
   std::array<std::string, 5> texts;

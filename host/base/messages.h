@@ -8,8 +8,9 @@ namespace host {
 
 enum class MessageKind { Info, Warning, Error, Result, Print };
 
-/// Where messages go. Print (MEL `print`) is standard output, verbatim; the others are standard error in the
-/// forms "// text //", "// Warning: text //", "// Error: text //", "// Result: text //".
+/// Where messages go. Print (MEL `print`) is standard output, verbatim; the others are standard
+/// error in the forms "// text //", "// Warning: text //", "// Error: text //", "// Result: text
+/// //".
 using MessageSink = std::function<void(MessageKind, std::string_view)>;
 
 /// Sends a message to the current sink.

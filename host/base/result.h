@@ -30,8 +30,8 @@ template <class... Args>
 }  // namespace host
 
 /// Returns the error of `expression` to the caller, if it has one.
-#define HOST_TRY(expression)                                                             \
-  do {                                                                                   \
-    if (auto hostTryResult_ = (expression); !hostTryResult_)                             \
-      return ::tl::unexpected<::host::Error>(std::move(hostTryResult_).error());         \
+#define HOST_TRY(expression)                                                     \
+  do {                                                                           \
+    if (auto hostTryResult_ = (expression); !hostTryResult_)                     \
+      return ::tl::unexpected<::host::Error>(std::move(hostTryResult_).error()); \
   } while (false)

@@ -47,7 +47,8 @@ class Dispatcher::StepScope {
 
   /// Where this command's edits go: null when nothing is recorded now.
   [[nodiscard]] scene::ChangeSet* target() const {
-    return dispatcher_.collectors_ > 0 || dispatcher_.undo_.isRecording() ? dispatcher_.step_ : nullptr;
+    return dispatcher_.collectors_ > 0 || dispatcher_.undo_.isRecording() ? dispatcher_.step_
+                                                                          : nullptr;
   }
   [[nodiscard]] bool isOutermost() const { return own_.has_value(); }
 
@@ -70,23 +71,28 @@ Dispatcher::Dispatcher(Session& session, CommandRegistry& registry, UndoQueue& u
   registry_.changed = [this] { commandsChanged(); };
 }
 
-const mel::CommandHandle* Dispatcher::findCommand(std::string_view name) { return registry_.find(name).get(); }
+const mel::CommandHandle* Dispatcher::findCommand(std::string_view name) {
+  return registry_.find(name).get();
+}
 
 std::string Dispatcher::describe(const mel::CommandHandle& command) {
   return static_cast<const Command&>(command).builtin() ? "Command" : "Plug-in Command";
 }
 
-void Dispatcher::defer(std::string script, bool lowestPriority) { session_.defer(std::move(script), lowestPriority); }
+void Dispatcher::defer(std::string script, bool lowestPriority) {
+  session_.defer(std::move(script), lowestPriority);
+}
 
 void Dispatcher::completeCommand(std::string_view prefix, std::vector<std::string>& names) {
   for (std::string& name : registry_.names())
     if (name.compare(0, prefix.size(), prefix) == 0) names.push_back(std::move(name));
 }
 
-Result<void> Dispatcher::invoke(const mel::CommandHandle& handle, std::span<const mel::Value> arguments,
-                                mel::Value& result) {
+Result<void> Dispatcher::invoke(const mel::CommandHandle& handle,
+                                std::span<const mel::Value> arguments, mel::Value& result) {
   const Command& command = static_cast<const Command&>(handle);
-  if (depth_ >= kDeepestNesting) return fail("Commands are nested too deeply at '{}'.", command.name());
+  if (depth_ >= kDeepestNesting)
+    return fail("Commands are nested too deeply at '{}'.", command.name());
   struct Depth {
     explicit Depth(int& depthIn) : depth(depthIn) { ++depth; }
     ~Depth() { --depth; }
@@ -98,8 +104,8 @@ Result<void> Dispatcher::invoke(const mel::CommandHandle& handle, std::span<cons
   return invokePlugin(*alive->plugin(), arguments, result);
 }
 
-Result<void> Dispatcher::invokeBuiltin(const CommandSpec& spec, std::span<const mel::Value> arguments,
-                                       mel::Value& result) {
+Result<void> Dispatcher::invokeBuiltin(const CommandSpec& spec,
+                                       std::span<const mel::Value> arguments, mel::Value& result) {
   auto parsed = parseArguments(spec.syntax, arguments, session_.document().units());
   if (!parsed) return failWith(std::move(parsed.error()));
   Context context{session_, session_.document()};
@@ -134,8 +140,8 @@ Result<void> Dispatcher::invokeBuiltin(const CommandSpec& spec, std::span<const 
   return done;
 }
 
-Result<void> Dispatcher::invokePlugin(const PluginCommandSpec& spec, std::span<const mel::Value> arguments,
-                                      mel::Value& result) {
+Result<void> Dispatcher::invokePlugin(const PluginCommandSpec& spec,
+                                      std::span<const mel::Value> arguments, mel::Value& result) {
   StepScope step(*this, spec.name);
   scene::ChangeSet* const target = step.target();
   std::unique_ptr<PluginCommand> command;
@@ -158,11 +164,13 @@ Result<void> Dispatcher::invokePlugin(const PluginCommandSpec& spec, std::span<c
 
 void Dispatcher::addFinished(std::string name, std::unique_ptr<PluginCommand> command) {
   StepScope step(*this, name);
-  if (scene::ChangeSet* target = step.target()) target->append(makePluginChange(std::move(name), std::move(command)));
+  if (scene::ChangeSet* target = step.target())
+    target->append(makePluginChange(std::move(name), std::move(command)));
   step.commit(false);
 }
 
-Result<void> Dispatcher::recordStep(std::string_view name, const std::function<Result<void>()>& edits) {
+Result<void> Dispatcher::recordStep(std::string_view name,
+                                    const std::function<Result<void>()>& edits) {
   StepScope step(*this, name);
   scene::ChangeSet own;
   scene::ChangeSet* const target = step.target();
@@ -180,7 +188,8 @@ Result<void> Dispatcher::recordStep(std::string_view name, const std::function<R
   return done;
 }
 
-Result<void> Dispatcher::collectInto(scene::ChangeSet& target, const std::function<Result<void>()>& run) {
+Result<void> Dispatcher::collectInto(scene::ChangeSet& target,
+                                     const std::function<Result<void>()>& run) {
   scene::ChangeSet* const before = std::exchange(step_, &target);
   ++depth_;
   ++collectors_;

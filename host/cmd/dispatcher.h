@@ -13,11 +13,12 @@
 
 namespace host::cmd {
 
-/// Runs commands for the language: parses their words, records their edits as steps of undo, fences exceptions.
+/// Runs commands for the language: parses their words, records their edits as steps of undo, fences
+/// exceptions.
 ///
-/// The outermost command that runs collects a step; commands that run inside it (a script that a plug-in command
-/// executes, say) record into the same step. While a plug-in command's own code runs nothing is recorded: its undoIt
-/// takes back what it does.
+/// The outermost command that runs collects a step; commands that run inside it (a script that a
+/// plug-in command executes, say) record into the same step. While a plug-in command's own code
+/// runs nothing is recorded: its undoIt takes back what it does.
 class Dispatcher final : public mel::CommandHost {
  public:
   Dispatcher(Session& session, CommandRegistry& registry, UndoQueue& undo);
@@ -29,19 +30,19 @@ class Dispatcher final : public mel::CommandHost {
   [[nodiscard]] std::string describe(const mel::CommandHandle& command) override;
   void completeCommand(std::string_view prefix, std::vector<std::string>& names) override;
 
-  /// Adds a plug-in command that has already run (a tool's) to the undo queue, as an item of its own or of the group
-  /// that is open.
+  /// Adds a plug-in command that has already run (a tool's) to the undo queue, as an item of its
+  /// own or of the group that is open.
   void addFinished(std::string name, std::unique_ptr<PluginCommand> command);
 
   /// Runs document edits as a command of that name would: one step, reverted when it fails.
   Result<void> recordStep(std::string_view name, const std::function<Result<void>()>& edits);
 
-  /// Collects the edits of all commands that run inside `run`, instead of giving them to the queue: its caller takes
-  /// them back itself.
+  /// Collects the edits of all commands that run inside `run`, instead of giving them to the queue:
+  /// its caller takes them back itself.
   Result<void> collectInto(scene::ChangeSet& target, const std::function<Result<void>()>& run);
 
-  /// Takes back or does again the latest item of the queue. Refused while a command that runs has changed something:
-  /// what it did would be newer than what is taken back.
+  /// Takes back or does again the latest item of the queue. Refused while a command that runs has
+  /// changed something: what it did would be newer than what is taken back.
   Result<void> undo();
   Result<void> redo();
 
@@ -49,7 +50,8 @@ class Dispatcher final : public mel::CommandHost {
   [[nodiscard]] bool isRunning() const { return depth_ > 0; }
 
  private:
-  Result<void> invokeBuiltin(const CommandSpec& spec, std::span<const mel::Value> arguments, mel::Value& result);
+  Result<void> invokeBuiltin(const CommandSpec& spec, std::span<const mel::Value> arguments,
+                             mel::Value& result);
   Result<void> invokePlugin(const PluginCommandSpec& spec, std::span<const mel::Value> arguments,
                             mel::Value& result);
   class StepScope;

@@ -17,23 +17,34 @@ void appendTo(OptionVars::Value& slot, const T& value) {
 }
 
 template <class T>
-void appendNamed(std::map<std::string, OptionVars::Value>& values, const std::string& name, const T& value) {
+void appendNamed(std::map<std::string, OptionVars::Value>& values, const std::string& name,
+                 const T& value) {
   const auto [slot, isNew] = values.try_emplace(name, std::vector<T>{});
   appendTo(slot->second, value);
 }
 
 }  // namespace
 
-void OptionVars::append(const std::string& name, int value) { appendNamed(values_, name, value); }
-void OptionVars::append(const std::string& name, double value) { appendNamed(values_, name, value); }
-void OptionVars::append(const std::string& name, const std::string& value) { appendNamed(values_, name, value); }
+void OptionVars::append(const std::string& name, int value) {
+  appendNamed(values_, name, value);
+}
+void OptionVars::append(const std::string& name, double value) {
+  appendNamed(values_, name, value);
+}
+void OptionVars::append(const std::string& name, const std::string& value) {
+  appendNamed(values_, name, value);
+}
 
 Result<void> OptionVars::removeElement(const std::string& name, int index) {
   const auto found = values_.find(name);
   if (found == values_.end()) return fail("There is no option variable '{}'.", name);
   return std::visit(
       [&](auto& value) -> Result<void> {
-        if constexpr (requires { value.begin(); value.erase(value.begin()); value.push_back(value.front()); } &&
+        if constexpr (requires {
+                        value.begin();
+                        value.erase(value.begin());
+                        value.push_back(value.front());
+                      } &&
                       !std::is_same_v<std::decay_t<decltype(value)>, std::string>) {
           if (index < 0 || static_cast<std::size_t>(index) >= value.size())
             return fail("Option variable '{}' has no element {}.", name, index);

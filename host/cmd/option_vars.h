@@ -13,7 +13,8 @@ namespace host::cmd {
 /// Named preference values that outlive the scene and, when saved, the program.
 class OptionVars {
  public:
-  using Value = std::variant<int, double, std::string, std::vector<int>, std::vector<double>, std::vector<std::string>>;
+  using Value = std::variant<int, double, std::string, std::vector<int>, std::vector<double>,
+                             std::vector<std::string>>;
 
   void set(const std::string& name, Value value) { values_[name] = std::move(value); }
   /// Appends to the array of that name; one value there before, or none, becomes an array.

@@ -52,13 +52,15 @@ std::vector<std::string> ParsedArgs::texts(std::string_view flag, int argument) 
   std::vector<std::string> result;
   for (const FlagUse& use : uses_) {
     if (!use.spec->isNamed(flag) || static_cast<std::size_t>(argument) >= use.valueCount) continue;
-    result.push_back(values_[use.firstValue + static_cast<std::size_t>(argument)].toText().value_or(""));
+    result.push_back(
+        values_[use.firstValue + static_cast<std::size_t>(argument)].toText().value_or(""));
   }
   return result;
 }
 
 math::Vec3 ParsedArgs::vec3(std::string_view flag, const math::Vec3& fallback, int first) const {
-  return {real(flag, fallback.x, first), real(flag, fallback.y, first + 1), real(flag, fallback.z, first + 2)};
+  return {real(flag, fallback.x, first), real(flag, fallback.y, first + 1),
+          real(flag, fallback.z, first + 2)};
 }
 
 std::string_view ParsedArgs::queried() const {
@@ -100,10 +102,12 @@ Result<scene::SelectionList> ParsedArgs::resolveObjects(scene::Document& documen
 bool isFlagWord(const mel::Value& value) {
   if (!value.isString()) return false;
   const std::string& text = value.string();
-  return text.size() >= 2 && text[0] == '-' && (std::isalpha(static_cast<unsigned char>(text[1])) || text[1] == '_');
+  return text.size() >= 2 && text[0] == '-' &&
+         (std::isalpha(static_cast<unsigned char>(text[1])) || text[1] == '_');
 }
 
-/// One pass over the words; arrays are walked element by element only where a flag asks for arguments.
+/// One pass over the words; arrays are walked element by element only where a flag asks for
+/// arguments.
 class ArgParser {
  public:
   ArgParser(const Syntax& syntax, std::span<const mel::Value> words, const scene::Units& units)
@@ -140,9 +144,12 @@ class ArgParser {
     for (const mel::Value& word : words_) {
       if (!isFlagWord(word)) continue;
       const std::string_view name = std::string_view(word.string()).substr(1);
-      const Mode mode = isModeFlag(name, kQuery) ? kQuery : isModeFlag(name, kEdit) ? kEdit : kCreate;
+      const Mode mode = isModeFlag(name, kQuery)  ? kQuery
+                        : isModeFlag(name, kEdit) ? kEdit
+                                                  : kCreate;
       if (mode == kCreate) continue;
-      if (parsed_.mode_ != kCreate && parsed_.mode_ != mode) return fail("The edit and query flags exclude each other.");
+      if (parsed_.mode_ != kCreate && parsed_.mode_ != mode)
+        return fail("The edit and query flags exclude each other.");
       parsed_.mode_ = mode;
     }
     return {};
@@ -158,31 +165,36 @@ class ArgParser {
     }
     if ((spec->modes & parsed_.mode_) == 0) {
       static constexpr std::string_view kModeNames[] = {"", "create", "edit", "", "query"};
-      return fail("Invalid flag '{}': it can't be used in {} mode.", word, kModeNames[parsed_.mode_]);
+      return fail("Invalid flag '{}': it can't be used in {} mode.", word,
+                  kModeNames[parsed_.mode_]);
     }
     if (!spec->isMultiUse && parsed_.findUse(spec->longName, 0)) {
       // The last one counts, as when a script appends to a list of options.
-      std::erase_if(parsed_.uses_, [spec](const ParsedArgs::FlagUse& use) { return use.spec == spec; });
+      std::erase_if(parsed_.uses_,
+                    [spec](const ParsedArgs::FlagUse& use) { return use.spec == spec; });
     }
     ParsedArgs::FlagUse use{spec, parsed_.values_.size(), 0};
-    if (parsed_.mode_ != kQuery || spec->queryArgs != QueryArgs::None) HOST_TRY(takeFlagValues(*spec, word, use));
+    if (parsed_.mode_ != kQuery || spec->queryArgs != QueryArgs::None)
+      HOST_TRY(takeFlagValues(*spec, word, use));
     parsed_.uses_.push_back(use);
     return {};
   }
 
-  Result<void> takeFlagValues(const FlagSpec& spec, std::string_view word, ParsedArgs::FlagUse& use) {
+  Result<void> takeFlagValues(const FlagSpec& spec, std::string_view word,
+                              ParsedArgs::FlagUse& use) {
     const bool mayStop =
         spec.hasOptionalArgs || (parsed_.mode_ == kQuery && spec.queryArgs == QueryArgs::Optional);
     for (const ArgType type : spec.args) {
       if (atEnd() || (element_ == 0 && isEndOfValues(words_[word_], type))) {
         if (mayStop) return {};
-        return fail("Flag '{}' needs {} argument{}.", word, spec.args.size(), spec.args.size() == 1 ? "" : "s");
+        return fail("Flag '{}' needs {} argument{}.", word, spec.args.size(),
+                    spec.args.size() == 1 ? "" : "s");
       }
       const mel::Value given = next();
       auto converted = convert(given, type);
       if (!converted)
-        return fail("Invalid arguments for flag '{}'.  Expected {}, got {}.", word, converted.error().message,
-                    describe(given));
+        return fail("Invalid arguments for flag '{}'.  Expected {}, got {}.", word,
+                    converted.error().message, describe(given));
       parsed_.values_.push_back(std::move(*converted));
       ++use.valueCount;
     }
@@ -190,7 +202,8 @@ class ArgParser {
     return {};
   }
 
-  /// A flag-like text is a value where a text is wanted, unless it is one of the command's own flags.
+  /// A flag-like text is a value where a text is wanted, unless it is one of the command's own
+  /// flags.
   [[nodiscard]] bool isEndOfValues(const mel::Value& value, ArgType type) const {
     if (!isFlagWord(value)) return false;
     if (type != ArgType::String && type != ArgType::Script && type != ArgType::Any) return true;
@@ -199,7 +212,8 @@ class ArgParser {
   }
 
   [[nodiscard]] bool atEnd() {
-    while (word_ < words_.size() && mel::isArray(words_[word_].type()) && words_[word_].size() == 0) ++word_;
+    while (word_ < words_.size() && mel::isArray(words_[word_].type()) && words_[word_].size() == 0)
+      ++word_;
     return word_ >= words_.size();
   }
 
@@ -208,17 +222,28 @@ class ArgParser {
     mel::Value result;
     std::size_t count = word.size();
     switch (word.type()) {
-      case mel::Type::IntArray: result = word.intArray()[element_]; break;
-      case mel::Type::FloatArray: result = word.floatArray()[element_]; break;
-      case mel::Type::StringArray: result = word.stringArray()[element_]; break;
-      case mel::Type::VectorArray: result = word.vectorArray()[element_]; break;
+      case mel::Type::IntArray:
+        result = word.intArray()[element_];
+        break;
+      case mel::Type::FloatArray:
+        result = word.floatArray()[element_];
+        break;
+      case mel::Type::StringArray:
+        result = word.stringArray()[element_];
+        break;
+      case mel::Type::VectorArray:
+        result = word.vectorArray()[element_];
+        break;
       case mel::Type::Vector: {
         const mel::Vec3& v = word.vector();
         result = element_ == 0 ? v.x : element_ == 1 ? v.y : v.z;
         count = 3;
         break;
       }
-      default: result = word; count = 1; break;
+      default:
+        result = word;
+        count = 1;
+        break;
     }
     if (++element_ >= count) {
       element_ = 0;
@@ -230,7 +255,8 @@ class ArgParser {
   /// The error's message is what was expected.
   [[nodiscard]] Result<mel::Value> convert(const mel::Value& value, ArgType type) const {
     switch (type) {
-      case ArgType::Any: return value;
+      case ArgType::Any:
+        return value;
       case ArgType::String:
       case ArgType::Name:
       case ArgType::Script: {
@@ -238,7 +264,8 @@ class ArgParser {
         auto text = value.toText();
         return text ? Result<mel::Value>(mel::Value(std::move(*text))) : fail("string");
       }
-      case ArgType::Bool: return toBoolean(value);
+      case ArgType::Bool:
+        return toBoolean(value);
       case ArgType::Int:
       case ArgType::Unsigned: {
         auto number = toNumber(value, type);
@@ -252,8 +279,11 @@ class ArgParser {
       case ArgType::Angle:
       case ArgType::Time: {
         auto number = toNumber(value, type);
-        if (!number) return fail("{}", type == ArgType::Double ? "double" : type == ArgType::Distance ? "distance"
-                                       : type == ArgType::Angle ? "angle" : "time");
+        if (!number)
+          return fail("{}", type == ArgType::Double     ? "double"
+                            : type == ArgType::Distance ? "distance"
+                            : type == ArgType::Angle    ? "angle"
+                                                        : "time");
         return mel::Value(*number);
       }
     }
@@ -326,7 +356,8 @@ class ArgParser {
     const ObjectsSpec& spec = syntax_.objectsSpec();
     const auto count = static_cast<std::int64_t>(parsed_.wordCount_);
     if (spec.kind == ObjectsSpec::Kind::None) {
-      if (count > 0) return fail("Too many objects or values: '{}' is not expected.", parsed_.firstObject());
+      if (count > 0)
+        return fail("Too many objects or values: '{}' is not expected.", parsed_.firstObject());
       return {};
     }
     if (spec.maximum >= 0 && count > spec.maximum) return fail("Too many objects or values.");

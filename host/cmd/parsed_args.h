@@ -16,8 +16,9 @@ namespace host::cmd {
 
 /// A command's words, checked against its syntax and sorted into flags and arguments.
 ///
-/// Flags are asked for by their short or long name. Values are converted: Bool 0/1, integers Int, reals Float
-/// (distances cm, angles radians, times seconds), the rest String; Any stays as it came.
+/// Flags are asked for by their short or long name. Values are converted: Bool 0/1, integers Int,
+/// reals Float (distances cm, angles radians, times seconds), the rest String; Any stays as it
+/// came.
 class ParsedArgs {
  public:
   [[nodiscard]] Mode mode() const { return mode_; }
@@ -34,11 +35,13 @@ class ParsedArgs {
   [[nodiscard]] bool boolean(std::string_view flag, bool fallback = false) const;
   [[nodiscard]] int integer(std::string_view flag, int fallback = 0, int argument = 0) const;
   [[nodiscard]] double real(std::string_view flag, double fallback = 0, int argument = 0) const;
-  [[nodiscard]] std::string text(std::string_view flag, std::string fallback = {}, int argument = 0) const;
+  [[nodiscard]] std::string text(std::string_view flag, std::string fallback = {},
+                                 int argument = 0) const;
   /// Argument `argument` of every use, in order of appearance.
   [[nodiscard]] std::vector<std::string> texts(std::string_view flag, int argument = 0) const;
   /// Three real arguments from `first` on.
-  [[nodiscard]] math::Vec3 vec3(std::string_view flag, const math::Vec3& fallback = {}, int first = 0) const;
+  [[nodiscard]] math::Vec3 vec3(std::string_view flag, const math::Vec3& fallback = {},
+                                int first = 0) const;
 
   /// All flags given, in order of appearance, but for the mode flags.
   struct FlagUse {
@@ -77,12 +80,16 @@ class ParsedArgs {
   std::size_t wordCount_ = 0;
 };
 
-/// Whether a value is a flag word: a string that starts with '-' and a letter. Negative numbers are not flags.
+/// Whether a value is a flag word: a string that starts with '-' and a letter. Negative numbers are
+/// not flags.
 [[nodiscard]] bool isFlagWord(const mel::Value& value);
 
-/// Sorts the words of one call. Arrays and vectors given to a flag or as objects count as their elements.
-/// @return an error that names the flag and what is wrong with it; the syntax must outlive the result
-[[nodiscard]] Result<ParsedArgs> parseArguments(const Syntax& syntax, std::span<const mel::Value> words,
+/// Sorts the words of one call. Arrays and vectors given to a flag or as objects count as their
+/// elements.
+/// @return an error that names the flag and what is wrong with it; the syntax must outlive the
+/// result
+[[nodiscard]] Result<ParsedArgs> parseArguments(const Syntax& syntax,
+                                                std::span<const mel::Value> words,
                                                 const scene::Units& units);
 
 }  // namespace host::cmd

@@ -10,8 +10,8 @@
 
 namespace host::cmd {
 
-/// One run of a command that a plug-in brought: made for each call, kept by the undo queue while it can be undone.
-/// Exceptions are caught by the caller.
+/// One run of a command that a plug-in brought: made for each call, kept by the undo queue while it
+/// can be undone. Exceptions are caught by the caller.
 class PluginCommand {
  public:
   virtual ~PluginCommand() = default;

@@ -19,7 +19,8 @@ struct PluginInfo {
 class PluginLoader {
  public:
   virtual ~PluginLoader() = default;
-  /// Loads a file, or a name looked up on MAYA_PLUG_IN_PATH; one that is loaded already is no fault.
+  /// Loads a file, or a name looked up on MAYA_PLUG_IN_PATH; one that is loaded already is no
+  /// fault.
   /// @return the plug-in's name
   virtual Result<std::string> load(const std::string& fileOrName) = 0;
   /// Fails when it isn't loaded, or when it is in use and `force` is off.

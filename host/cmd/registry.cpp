@@ -8,7 +8,8 @@ namespace host::cmd {
 std::string Command::synopsis() const {
   if (const CommandSpec* spec = builtin()) return spec->syntax.synopsis(spec->name);
   std::string text = plugin()->synopsis ? plugin()->synopsis() : std::string{};
-  return text.empty() ? fmt::format("\nSynopsis: {} (command of the plug-in {})\n", name(), plugin()->pluginName)
+  return text.empty() ? fmt::format("\nSynopsis: {} (command of the plug-in {})\n", name(),
+                                    plugin()->pluginName)
                       : text;
 }
 
@@ -16,7 +17,9 @@ namespace {
 
 bool isWord(std::string_view name) {
   if (name.empty() || std::isdigit(static_cast<unsigned char>(name[0]))) return false;
-  return std::all_of(name.begin(), name.end(), [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_'; });
+  return std::all_of(name.begin(), name.end(), [](char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) || c == '_';
+  });
 }
 
 }  // namespace
@@ -24,12 +27,15 @@ bool isWord(std::string_view name) {
 Result<void> CommandRegistry::insert(std::shared_ptr<const Command> command) {
   const std::string& name = command->name();
   if (!isWord(name)) return fail("'{}' can't be the name of a command.", name);
-  if (!commands_.emplace(name, command).second) return fail("A command named '{}' exists already.", name);
+  if (!commands_.emplace(name, command).second)
+    return fail("A command named '{}' exists already.", name);
   if (changed) changed();
   return {};
 }
 
-Result<void> CommandRegistry::add(CommandSpec spec) { return insert(std::make_shared<const Command>(std::move(spec))); }
+Result<void> CommandRegistry::add(CommandSpec spec) {
+  return insert(std::make_shared<const Command>(std::move(spec)));
+}
 
 Result<void> CommandRegistry::add(PluginCommandSpec spec) {
   return insert(std::make_shared<const Command>(std::move(spec)));
@@ -38,7 +44,8 @@ Result<void> CommandRegistry::add(PluginCommandSpec spec) {
 Result<void> CommandRegistry::remove(std::string_view name) {
   const auto found = commands_.find(name);
   if (found == commands_.end()) return fail("There is no command named '{}'.", name);
-  if (found->second->builtin()) return fail("'{}' is a built-in command and can't be removed.", name);
+  if (found->second->builtin())
+    return fail("'{}' is a built-in command and can't be removed.", name);
   commands_.erase(found);
   if (changed) changed();
   return {};

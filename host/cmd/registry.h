@@ -28,8 +28,9 @@ struct Context {
 
 using CommandFunction = std::function<Result<mel::Value>(Context&, const ParsedArgs&)>;
 
-/// A built-in command. Its edits are recorded and undone by reverting them; when it fails, what it had done is
-/// reverted. An undoable command that is not querying makes a step of undo even when it changed nothing.
+/// A built-in command. Its edits are recorded and undone by reverting them; when it fails, what it
+/// had done is reverted. An undoable command that is not querying makes a step of undo even when it
+/// changed nothing.
 struct CommandSpec {
   std::string name;
   Syntax syntax;
@@ -43,8 +44,12 @@ class Command final : public mel::CommandHandle {
   explicit Command(CommandSpec spec) : spec_(std::move(spec)) {}
   explicit Command(PluginCommandSpec spec) : spec_(std::move(spec)) {}
   [[nodiscard]] const CommandSpec* builtin() const { return std::get_if<CommandSpec>(&spec_); }
-  [[nodiscard]] const PluginCommandSpec* plugin() const { return std::get_if<PluginCommandSpec>(&spec_); }
-  [[nodiscard]] const std::string& name() const { return builtin() ? builtin()->name : plugin()->name; }
+  [[nodiscard]] const PluginCommandSpec* plugin() const {
+    return std::get_if<PluginCommandSpec>(&spec_);
+  }
+  [[nodiscard]] const std::string& name() const {
+    return builtin() ? builtin()->name : plugin()->name;
+  }
   [[nodiscard]] std::string synopsis() const;
 
  private:
@@ -57,7 +62,8 @@ class CommandRegistry {
   /// Fails when the name is taken or is not a word.
   Result<void> add(CommandSpec spec);
   Result<void> add(PluginCommandSpec spec);
-  /// Takes a plug-in's command out; objects on the undo queue stay usable. Built-in commands can't be removed.
+  /// Takes a plug-in's command out; objects on the undo queue stay usable. Built-in commands can't
+  /// be removed.
   Result<void> remove(std::string_view name);
 
   [[nodiscard]] std::shared_ptr<const Command> find(std::string_view name) const;

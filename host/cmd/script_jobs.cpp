@@ -7,25 +7,63 @@ namespace host::cmd {
 namespace {
 
 constexpr std::string_view kEvents[] = {
-    "dbTraceChanged",     "resourceLimitStateChange", "linearUnitChanged",   "timeUnitChanged",
-    "angularUnitChanged", "Undo",                     "Redo",                "customEvaluatorChanged",
-    "idle",               "idleVeryLow",              "timeChanged",         "playbackRangeChanged",
-    "SelectionChanged",   "SelectModeChanged",        "SelectTypeChanged",   "SelectPriorityChanged",
-    "ToolChanged",        "PostToolChanged",          "PreSelectionChangedTriggered",
-    "NameChanged",        "DagObjectCreated",         "NewSceneOpened",      "PostSceneRead",
-    "SceneOpened",        "SceneSaved",               "SceneImported",       "SceneSegmentChanged",
-    "deleteAll",          "flushingScene",            "quitApplication",     "workspaceChanged",
-    "cameraChange",       "cameraDisplayAttributesChange", "MenuModeChanged", "ColorIndexChanged",
-    "polyUVSetChanged",   "polyColorSetChanged",      "currentSoundNodeChanged", "RecentCommandChanged",
-    "displayLayerChange", "setModified",              "SetModified",         "gridDisplayChanged",
-    "interactionStyleChanged", "hotkeyListChange",    "modelEditorChanged",  "activeViewChanged",
-    "freezeOptionsChanged", "snapModeChanged",        "symmetricModellingOptionsChanged",
+    "dbTraceChanged",
+    "resourceLimitStateChange",
+    "linearUnitChanged",
+    "timeUnitChanged",
+    "angularUnitChanged",
+    "Undo",
+    "Redo",
+    "customEvaluatorChanged",
+    "idle",
+    "idleVeryLow",
+    "timeChanged",
+    "playbackRangeChanged",
+    "SelectionChanged",
+    "SelectModeChanged",
+    "SelectTypeChanged",
+    "SelectPriorityChanged",
+    "ToolChanged",
+    "PostToolChanged",
+    "PreSelectionChangedTriggered",
+    "NameChanged",
+    "DagObjectCreated",
+    "NewSceneOpened",
+    "PostSceneRead",
+    "SceneOpened",
+    "SceneSaved",
+    "SceneImported",
+    "SceneSegmentChanged",
+    "deleteAll",
+    "flushingScene",
+    "quitApplication",
+    "workspaceChanged",
+    "cameraChange",
+    "cameraDisplayAttributesChange",
+    "MenuModeChanged",
+    "ColorIndexChanged",
+    "polyUVSetChanged",
+    "polyColorSetChanged",
+    "currentSoundNodeChanged",
+    "RecentCommandChanged",
+    "displayLayerChange",
+    "setModified",
+    "SetModified",
+    "gridDisplayChanged",
+    "interactionStyleChanged",
+    "hotkeyListChange",
+    "modelEditorChanged",
+    "activeViewChanged",
+    "freezeOptionsChanged",
+    "snapModeChanged",
+    "symmetricModellingOptionsChanged",
 };
 
 constexpr std::string_view kConditions[] = {
-    "SomethingSelected", "UndoAvailable", "RedoAvailable", "busy", "playingBack", "readingFile",
-    "writingFile",   "flushing", "deleteUndoAvailable", "GoButtonEnabled",
-    "ChannelBoxVisible", "MainWindowVisible", "PaneMaximized", "SomethingHilited",
+    "SomethingSelected",   "UndoAvailable",    "RedoAvailable",     "busy",
+    "playingBack",         "readingFile",      "writingFile",       "flushing",
+    "deleteUndoAvailable", "GoButtonEnabled",  "ChannelBoxVisible", "MainWindowVisible",
+    "PaneMaximized",       "SomethingHilited",
 };
 
 bool waitsForPlug(JobTrigger trigger) {
@@ -33,7 +71,8 @@ bool waitsForPlug(JobTrigger trigger) {
          trigger == JobTrigger::AttributeAdded || trigger == JobTrigger::AttributeDeleted;
 }
 
-/// Whether a change of `changed` concerns a job that watches `watched`: the plug itself, one below or one above it.
+/// Whether a change of `changed` concerns a job that watches `watched`: the plug itself, one below
+/// or one above it.
 bool concerns(dg::Plug changed, const dg::Plug& watched) {
   if (changed.node() != watched.node()) return false;
   for (dg::Plug plug = watched; plug; plug = plug.isElement() ? plug.array() : plug.parent())
@@ -53,9 +92,9 @@ std::string quoted(const std::string& text) {
 }
 
 constexpr std::string_view kTriggerFlags[] = {
-    "-event", "-conditionTrue", "-conditionFalse", "-conditionChange", "-attributeChange", "-nodeDeleted",
-    "-nodeNameChanged", "-attributeAdded", "-attributeDeleted", "-connectionChange", "-uiDeleted", "-timeChange",
-    "-idleEvent",
+    "-event",       "-conditionTrue",   "-conditionFalse", "-conditionChange",  "-attributeChange",
+    "-nodeDeleted", "-nodeNameChanged", "-attributeAdded", "-attributeDeleted", "-connectionChange",
+    "-uiDeleted",   "-timeChange",      "-idleEvent",
 };
 
 }  // namespace
@@ -81,7 +120,8 @@ Result<int> ScriptJobs::add(ScriptJob job) {
     case JobTrigger::ConditionTrue:
     case JobTrigger::ConditionFalse:
     case JobTrigger::ConditionChange:
-      if (!conditions_.count(job.subject)) return fail("There is no condition called '{}'.", job.subject);
+      if (!conditions_.count(job.subject))
+        return fail("There is no condition called '{}'.", job.subject);
       break;
     case JobTrigger::AttributeChange:
     case JobTrigger::ConnectionChange:
@@ -109,7 +149,8 @@ Result<int> ScriptJobs::add(ScriptJob job) {
     }
     case JobTrigger::UiDeleted:
     case JobTrigger::TimeChange:
-    case JobTrigger::Idle: break;
+    case JobTrigger::Idle:
+      break;
   }
   job.number = nextNumber_++;
   if (waitsForPlug(job.trigger)) ++watchedPlugs_;
@@ -132,7 +173,9 @@ void ScriptJobs::killAll(bool force) {
   for (const int number : numbers) kill(number, force);
 }
 
-bool ScriptJobs::exists(int number) const { return jobs_.count(number) > 0; }
+bool ScriptJobs::exists(int number) const {
+  return jobs_.count(number) > 0;
+}
 
 std::vector<std::string> ScriptJobs::list() const {
   std::vector<std::string> lines;
@@ -200,7 +243,8 @@ void ScriptJobs::uiDeleted(std::string_view control) {
 }
 
 bool ScriptJobs::hasPending() const {
-  return std::any_of(jobs_.begin(), jobs_.end(), [](const auto& entry) { return entry.second.isPending; });
+  return std::any_of(jobs_.begin(), jobs_.end(),
+                     [](const auto& entry) { return entry.second.isPending; });
 }
 
 std::vector<int> ScriptJobs::pending() const {
@@ -211,7 +255,8 @@ std::vector<int> ScriptJobs::pending() const {
 }
 
 void ScriptJobs::setPending(const std::vector<int>& numbers) {
-  for (auto& [number, job] : jobs_) job.isPending = std::binary_search(numbers.begin(), numbers.end(), number);
+  for (auto& [number, job] : jobs_)
+    job.isPending = std::binary_search(numbers.begin(), numbers.end(), number);
 }
 
 std::vector<std::string> ScriptJobs::takePending() {
@@ -221,7 +266,8 @@ std::vector<std::string> ScriptJobs::takePending() {
     if (!job.isPending && job.trigger != JobTrigger::Idle) continue;
     job.isPending = false;
     scripts.push_back(job.script);
-    const bool isOver = job.trigger == JobTrigger::NodeDeleted || (waitsForPlug(job.trigger) && job.node.expired());
+    const bool isOver =
+        job.trigger == JobTrigger::NodeDeleted || (waitsForPlug(job.trigger) && job.node.expired());
     if (job.runOnce || isOver) finished.push_back(number);
   }
   for (const int number : finished) kill(number, true);
@@ -230,12 +276,14 @@ std::vector<std::string> ScriptJobs::takePending() {
 
 void ScriptJobs::nodeAboutToBeRemoved(dg::Node& node) {
   for (auto& [number, job] : jobs_)
-    if (job.trigger == JobTrigger::NodeDeleted && job.node.lock().get() == &node) job.isPending = true;
+    if (job.trigger == JobTrigger::NodeDeleted && job.node.lock().get() == &node)
+      job.isPending = true;
 }
 
 void ScriptJobs::nodeRenamed(dg::Node& node, const std::string&) {
   for (auto& [number, job] : jobs_)
-    if (job.trigger == JobTrigger::NodeNameChanged && job.node.lock().get() == &node) job.isPending = true;
+    if (job.trigger == JobTrigger::NodeNameChanged && job.node.lock().get() == &node)
+      job.isPending = true;
   triggerEvent("NameChanged");
 }
 
@@ -245,14 +293,22 @@ void ScriptJobs::attributeEvent(dg::AttributeEvent event, const dg::Plug& plug, 
     if (!waitsForPlug(job.trigger) || job.node.lock().get() != plug.node()) continue;
     bool isDue = false;
     switch (job.trigger) {
-      case JobTrigger::AttributeChange: isDue = event == dg::AttributeEvent::Set && concerns(plug, job.plug); break;
+      case JobTrigger::AttributeChange:
+        isDue = event == dg::AttributeEvent::Set && concerns(plug, job.plug);
+        break;
       case JobTrigger::ConnectionChange:
-        isDue = (event == dg::AttributeEvent::ConnectionMade || event == dg::AttributeEvent::ConnectionBroken) &&
+        isDue = (event == dg::AttributeEvent::ConnectionMade ||
+                 event == dg::AttributeEvent::ConnectionBroken) &&
                 concerns(plug, job.plug);
         break;
-      case JobTrigger::AttributeAdded: isDue = event == dg::AttributeEvent::Added; break;
-      case JobTrigger::AttributeDeleted: isDue = event == dg::AttributeEvent::Removed && plug == job.plug; break;
-      default: break;
+      case JobTrigger::AttributeAdded:
+        isDue = event == dg::AttributeEvent::Added;
+        break;
+      case JobTrigger::AttributeDeleted:
+        isDue = event == dg::AttributeEvent::Removed && plug == job.plug;
+        break;
+      default:
+        break;
     }
     if (isDue) job.isPending = true;
   }

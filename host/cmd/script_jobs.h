@@ -13,8 +13,19 @@ namespace host::cmd {
 
 /// What starts a job.
 enum class JobTrigger : std::uint8_t {
-  Event, ConditionTrue, ConditionFalse, ConditionChange, AttributeChange, NodeDeleted, NodeNameChanged,
-  AttributeAdded, AttributeDeleted, ConnectionChange, UiDeleted, TimeChange, Idle,
+  Event,
+  ConditionTrue,
+  ConditionFalse,
+  ConditionChange,
+  AttributeChange,
+  NodeDeleted,
+  NodeNameChanged,
+  AttributeAdded,
+  AttributeDeleted,
+  ConnectionChange,
+  UiDeleted,
+  TimeChange,
+  Idle,
 };
 
 struct ScriptJob {
@@ -24,19 +35,20 @@ struct ScriptJob {
   std::string script;
   bool runOnce = false, isProtected = false, killWithScene = false, compressUndo = false;
   std::string parentControl;
-  dg::Plug plug;              ///< AttributeChange, ConnectionChange
+  dg::Plug plug;  ///< AttributeChange, ConnectionChange
   std::weak_ptr<dg::Node> node;
   bool isPending = false;
 };
 
-/// The script jobs and what they wait for. Observes the document; triggers only mark jobs, which run when the program
-/// is idle, each once however often it was triggered.
+/// The script jobs and what they wait for. Observes the document; triggers only mark jobs, which
+/// run when the program is idle, each once however often it was triggered.
 class ScriptJobs final : public dg::GraphObserver, public scene::DocumentObserver {
  public:
   explicit ScriptJobs(scene::Document& document);
   ~ScriptJobs() override;
 
-  /// Fails for an unknown event or condition, a missing attribute or node. Returns the job's number.
+  /// Fails for an unknown event or condition, a missing attribute or node. Returns the job's
+  /// number.
   Result<int> add(ScriptJob job);
   /// False when there is none; protected ones need `force`.
   bool kill(int number, bool force);
@@ -60,13 +72,15 @@ class ScriptJobs final : public dg::GraphObserver, public scene::DocumentObserve
   /// Takes out the scripts that are due, in order of job number; idle jobs are among them.
   [[nodiscard]] std::vector<std::string> takePending();
   [[nodiscard]] bool hasPending() const;
-  /// The numbers of the jobs that are due; setting them drops whatever was triggered since they were read.
+  /// The numbers of the jobs that are due; setting them drops whatever was triggered since they
+  /// were read.
   [[nodiscard]] std::vector<int> pending() const;
   void setPending(const std::vector<int>& numbers);
 
   void nodeAboutToBeRemoved(dg::Node& node) override;
   void nodeRenamed(dg::Node& node, const std::string& oldName) override;
-  void attributeEvent(dg::AttributeEvent event, const dg::Plug& plug, const dg::Plug& other) override;
+  void attributeEvent(dg::AttributeEvent event, const dg::Plug& plug,
+                      const dg::Plug& other) override;
   void selectionChanged() override;
   void dagChanged(dg::Node& child, dg::Node* parent, bool added) override;
   void unitsChanged() override;
@@ -80,7 +94,8 @@ class ScriptJobs final : public dg::GraphObserver, public scene::DocumentObserve
   std::map<std::string, bool> conditions_;
   std::vector<std::string> events_;
   int nextNumber_ = 1;
-  int watchedPlugs_ = 0;  ///< jobs that wait for a plug or node: edits are only looked at when there are some
+  int watchedPlugs_ =
+      0;  ///< jobs that wait for a plug or node: edits are only looked at when there are some
 };
 
 }  // namespace host::cmd

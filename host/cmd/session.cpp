@@ -16,7 +16,9 @@ Session& currentSession() {
   return *theSession;
 }
 
-bool hasSession() { return theSession != nullptr; }
+bool hasSession() {
+  return theSession != nullptr;
+}
 
 Session::Session(const std::function<void(dg::TypeRegistry&)>& registerTypes,
                  const std::function<void(scene::Document&)>& prepare) {
@@ -84,16 +86,19 @@ class DepthScope {
 
 #ifdef QXMT_PARANOID
 /// Undoes and redoes what a line did, and ends the program when the document isn't the same again.
-void checkUndoOfLine(Session& session, std::string_view text, std::size_t itemsBefore, std::size_t unrecordedBefore,
-                     std::uint64_t hashBefore) {
+void checkUndoOfLine(Session& session, std::string_view text, std::size_t itemsBefore,
+                     std::size_t unrecordedBefore, std::uint64_t hashBefore) {
   UndoQueue& queue = session.undo();
-  if (queue.itemCount() != itemsBefore + 1 || queue.unrecordedCount() != unrecordedBefore || queue.isChunkOpen()) return;
+  if (queue.itemCount() != itemsBefore + 1 || queue.unrecordedCount() != unrecordedBefore ||
+      queue.isChunkOpen())
+    return;
   const std::uint64_t hashAfter = session.document().hash();
   const std::vector<int> pendingJobs = session.scriptJobs().pending();
   HOST_ASSERT(queue.undo().has_value(), "an item that was just added can be undone");
   if (session.document().hash() != hashBefore)
     fmt::print(stderr, "Undo left the document another one than before this line:\n{}\n", text);
-  HOST_ASSERT(session.document().hash() == hashBefore, "record every edit that this command line makes");
+  HOST_ASSERT(session.document().hash() == hashBefore,
+              "record every edit that this command line makes");
   HOST_ASSERT(queue.redo().has_value(), "an item that was just undone can be redone");
   HOST_ASSERT(session.document().hash() == hashAfter, "make redo of every edit exact");
   session.scriptJobs().setPending(pendingJobs);
@@ -102,8 +107,8 @@ void checkUndoOfLine(Session& session, std::string_view text, std::size_t itemsB
 
 }  // namespace
 
-Result<mel::Value> Session::runGuarded(const std::function<Result<mel::Value>()>& run, std::string_view text,
-                                       const ExecuteOptions& options) {
+Result<mel::Value> Session::runGuarded(const std::function<Result<mel::Value>()>& run,
+                                       std::string_view text, const ExecuteOptions& options) {
   const bool isOutermost = lineDepth_ == 0 && !dispatcher_->isRunning() && !undo_->isReplaying();
 #ifdef QXMT_PARANOID
   const bool checks = isOutermost && options.undo && undo_->isOn() && !undo_->isChunkOpen();
@@ -139,17 +144,21 @@ Result<mel::Value> Session::executeLine(std::string_view text, const ExecuteOpti
 }
 
 Result<mel::Value> Session::executeFile(const std::string& path, const ExecuteOptions& options) {
-  return runGuarded([&] { return interpreter_->sourceFile(path); }, fmt::format("source \"{}\"", path), options);
+  return runGuarded([&] { return interpreter_->sourceFile(path); },
+                    fmt::format("source \"{}\"", path), options);
 }
 
 void Session::defer(std::string script, bool lowestPriority) {
   (lowestPriority ? deferredLow_ : deferred_).push_back(std::move(script));
 }
 
-void Session::deferTask(std::function<void()> task) { tasks_.push_back(std::move(task)); }
+void Session::deferTask(std::function<void()> task) {
+  tasks_.push_back(std::move(task));
+}
 
 bool Session::hasIdleWork() const {
-  return !deferred_.empty() || !deferredLow_.empty() || !tasks_.empty() || scriptJobs_->hasPending();
+  return !deferred_.empty() || !deferredLow_.empty() || !tasks_.empty() ||
+         scriptJobs_->hasPending();
 }
 
 bool Session::processIdle(int maxRounds) {
@@ -170,8 +179,11 @@ bool Session::processIdle(int maxRounds) {
     for (std::string& script : queue) scripts.push_back(std::move(script));
     ranSomething = ranSomething || !scripts.empty() || !tasks.empty();
     for (const std::string& script : scripts) executeLine(script);
-    // The lowest priority: as long as nothing else waits, one by one, and each round those that were there.
-    const auto isUrgent = [&] { return !deferred_.empty() || !tasks_.empty() || scriptJobs_->hasPending(); };
+    // The lowest priority: as long as nothing else waits, one by one, and each round those that
+    // were there.
+    const auto isUrgent = [&] {
+      return !deferred_.empty() || !tasks_.empty() || scriptJobs_->hasPending();
+    };
     for (std::size_t left = deferredLow_.size(); left > 0 && !isUrgent(); --left) {
       const std::string script = std::move(deferredLow_.front());
       deferredLow_.pop_front();

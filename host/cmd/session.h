@@ -21,18 +21,18 @@
 namespace host::cmd {
 
 struct ExecuteOptions {
-  bool display = false;    ///< post the result as a message
-  bool undo = true;        ///< record; off: nothing that runs inside is undoable
-  bool postErrors = true;  ///< post the error as a message besides returning it
+  bool display = false;         ///< post the result as a message
+  bool undo = true;             ///< record; off: nothing that runs inside is undoable
+  bool postErrors = true;       ///< post the error as a message besides returning it
   mel::SourceName source = {};  ///< for error messages
 };
 
-/// The running host without its window: one document, the language, the commands, undo and what waits for idle time.
-/// One at a time; main thread only, but for `interrupt`.
+/// The running host without its window: one document, the language, the commands, undo and what
+/// waits for idle time. One at a time; main thread only, but for `interrupt`.
 class Session {
  public:
-  /// `registerTypes` fills the type registry before the document is made; `prepare` gets the document before its first
-  /// reset, to install what makes a new scene's nodes.
+  /// `registerTypes` fills the type registry before the document is made; `prepare` gets the
+  /// document before its first reset, to install what makes a new scene's nodes.
   Session(const std::function<void(dg::TypeRegistry&)>& registerTypes,
           const std::function<void(scene::Document&)>& prepare);
   ~Session();
@@ -48,8 +48,8 @@ class Session {
   [[nodiscard]] ScriptJobs& scriptJobs() { return *scriptJobs_; }
   [[nodiscard]] OptionVars& optionVars() { return optionVars_; }
 
-  /// Runs a text and returns the value of its last statement. Outside any command it is one item of undo, also when it
-  /// fails half-way; inside one it belongs to that command's step.
+  /// Runs a text and returns the value of its last statement. Outside any command it is one item of
+  /// undo, also when it fails half-way; inside one it belongs to that command's step.
   Result<mel::Value> executeLine(std::string_view text, const ExecuteOptions& options = {});
   /// Runs a script file as one line.
   Result<mel::Value> executeFile(const std::string& path, const ExecuteOptions& options = {});
@@ -59,11 +59,12 @@ class Session {
   // Idle time.
   void defer(std::string script, bool lowestPriority = false);
   void deferTask(std::function<void()> task);
-  /// Runs deferred scripts, tasks and due script jobs, those included that they queue; gives up after `maxRounds`.
-  /// Returns whether something ran.
+  /// Runs deferred scripts, tasks and due script jobs, those included that they queue; gives up
+  /// after `maxRounds`. Returns whether something ran.
   bool processIdle(int maxRounds = 100);
   [[nodiscard]] bool hasIdleWork() const;
-  /// Called in every turn of the program's loop before idle work (timers, window events); may be empty.
+  /// Called in every turn of the program's loop before idle work (timers, window events); may be
+  /// empty.
   std::function<void()> pumpEvents;
   /// The same for the callbacks of plug-ins.
   std::function<void()> loopTask;
@@ -80,8 +81,8 @@ class Session {
   int exitStatus = 0;
   bool isBatch = true;
 
-  /// An object of another layer that lives with the session (the control tree, the tools, the views), by its type; made
-  /// on first use.
+  /// An object of another layer that lives with the session (the control tree, the tools, the
+  /// views), by its type; made on first use.
   template <class T>
   [[nodiscard]] T& service() {
     std::shared_ptr<void>& slot = services_[std::type_index(typeid(T))];
@@ -99,8 +100,8 @@ class Session {
   }
 
  private:
-  Result<mel::Value> runGuarded(const std::function<Result<mel::Value>()>& run, std::string_view text,
-                                const ExecuteOptions& options);
+  Result<mel::Value> runGuarded(const std::function<Result<mel::Value>()>& run,
+                                std::string_view text, const ExecuteOptions& options);
 
   dg::TypeRegistry types_;
   std::unique_ptr<scene::Document> document_;

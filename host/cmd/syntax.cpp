@@ -8,22 +8,34 @@ namespace host::cmd {
 
 std::string_view argTypeHelpWord(ArgType type) {
   switch (type) {
-    case ArgType::Bool: return "on|off";
-    case ArgType::Int: return "Int";
-    case ArgType::Unsigned: return "UnsignedInt";
-    case ArgType::Double: return "Float";
-    case ArgType::Distance: return "Length";
-    case ArgType::Angle: return "Angle";
-    case ArgType::Time: return "Time";
-    case ArgType::String: return "String";
-    case ArgType::Name: return "Name";
-    case ArgType::Script: return "Script";
-    case ArgType::Any: return "Value";
+    case ArgType::Bool:
+      return "on|off";
+    case ArgType::Int:
+      return "Int";
+    case ArgType::Unsigned:
+      return "UnsignedInt";
+    case ArgType::Double:
+      return "Float";
+    case ArgType::Distance:
+      return "Length";
+    case ArgType::Angle:
+      return "Angle";
+    case ArgType::Time:
+      return "Time";
+    case ArgType::String:
+      return "String";
+    case ArgType::Name:
+      return "Name";
+    case ArgType::Script:
+      return "Script";
+    case ArgType::Any:
+      return "Value";
   }
   return "";
 }
 
-Syntax& Syntax::flag(std::string shortName, std::string longName, std::vector<ArgType> args, std::uint8_t modes) {
+Syntax& Syntax::flag(std::string shortName, std::string longName, std::vector<ArgType> args,
+                     std::uint8_t modes) {
   HOST_ASSERT(!find(shortName) && !find(longName), "give each flag of a command names of its own");
   FlagSpec spec;
   spec.shortName = std::move(shortName);
@@ -84,7 +96,8 @@ std::string Syntax::synopsis(std::string_view commandName) const {
     for (int i = 0; i < listed; ++i) {
       const bool isLast = i + 1 == listed;
       const bool isRequired = i < objects_.minimum;
-      const std::string_view more = isLast && (objects_.maximum < 0 || objects_.maximum > listed) ? "..." : "";
+      const std::string_view more =
+          isLast && (objects_.maximum < 0 || objects_.maximum > listed) ? "..." : "";
       text += isRequired ? fmt::format(" {}{}", word, more) : fmt::format(" [{}{}]", word, more);
     }
   }
@@ -102,7 +115,8 @@ std::string Syntax::synopsis(std::string_view commandName) const {
   for (const FlagSpec* spec : sorted) {
     std::string args;
     for (const ArgType type : spec->args) args += fmt::format(" {}", argTypeHelpWord(type));
-    std::string line = fmt::format("{:>4} -{:<{}} {}", "-" + spec->shortName, spec->longName, width, args);
+    std::string line =
+        fmt::format("{:>4} -{:<{}} {}", "-" + spec->shortName, spec->longName, width, args);
     if (spec->isMultiUse) line += " (multi-use)";
     if (spec->queryArgs == QueryArgs::Full) line += " (Query Arg Mandatory)";
     if (spec->queryArgs == QueryArgs::Optional) line += " (Query Arg Optional)";

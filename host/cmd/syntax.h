@@ -9,9 +9,21 @@
 
 namespace host::cmd {
 
-/// What a flag's argument may be. Distances, angles and times are given in the units of the scene and arrive in a
-/// ParsedArgs as cm, radians and seconds.
-enum class ArgType : std::uint8_t { Bool, Int, Unsigned, Double, Distance, Angle, Time, String, Name, Script, Any };
+/// What a flag's argument may be. Distances, angles and times are given in the units of the scene
+/// and arrive in a ParsedArgs as cm, radians and seconds.
+enum class ArgType : std::uint8_t {
+  Bool,
+  Int,
+  Unsigned,
+  Double,
+  Distance,
+  Angle,
+  Time,
+  String,
+  Name,
+  Script,
+  Any
+};
 
 /// The word for it in messages and help texts: "on|off", "Int", "Length", ...
 [[nodiscard]] std::string_view argTypeHelpWord(ArgType type);
@@ -30,7 +42,9 @@ struct FlagSpec {
   /// Arguments may be left out, from the last to the first; then `ParsedArgs` has fewer of them.
   bool hasOptionalArgs = false;
 
-  [[nodiscard]] bool isNamed(std::string_view name) const { return name == shortName || name == longName; }
+  [[nodiscard]] bool isNamed(std::string_view name) const {
+    return name == shortName || name == longName;
+  }
 };
 
 /// What stands after the flags.
@@ -48,7 +62,8 @@ struct ObjectsSpec {
 
 /// The flags and arguments of a command, built once by chained calls:
 ///
-///   Syntax().flag("n", "name", {ArgType::String}).flag("ch", "constructionHistory", {ArgType::Bool}, kAnyMode)
+///   Syntax().flag("n", "name", {ArgType::String}).flag("ch", "constructionHistory",
+///   {ArgType::Bool}, kAnyMode)
 ///           .editable().queryable().objects(0, 1)
 class Syntax {
  public:
@@ -68,7 +83,8 @@ class Syntax {
   Syntax& objects(int minimum = 0, int maximum = -1, bool useSelectionAsDefault = false);
 
   [[nodiscard]] const std::vector<FlagSpec>& flags() const { return flags_; }
-  [[nodiscard]] const FlagSpec* find(std::string_view name) const;  ///< exact short or long name, without '-'
+  [[nodiscard]] const FlagSpec* find(
+      std::string_view name) const;  ///< exact short or long name, without '-'
   [[nodiscard]] bool isEditable() const { return isEditable_; }
   [[nodiscard]] bool isQueryable() const { return isQueryable_; }
   [[nodiscard]] const ObjectsSpec& objectsSpec() const { return objects_; }

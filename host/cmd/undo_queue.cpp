@@ -16,7 +16,8 @@ void UndoItem::redo() {
 }
 
 bool UndoItem::changesNothing() const {
-  return std::all_of(sets.begin(), sets.end(), [](const scene::ChangeSet& set) { return set.isEmpty(); });
+  return std::all_of(sets.begin(), sets.end(),
+                     [](const scene::ChangeSet& set) { return set.isEmpty(); });
 }
 
 std::size_t UndoItem::bytes() const {
@@ -40,9 +41,11 @@ class PluginChange final : public dg::Change {
   void run(const char* what, Result<void> (PluginCommand::*method)()) {
     try {
       if (auto done = (command_.get()->*method)(); !done)
-        postMessage(MessageKind::Error, fmt::format("{} of {} failed: {}", what, name_, done.error().message));
+        postMessage(MessageKind::Error,
+                    fmt::format("{} of {} failed: {}", what, name_, done.error().message));
     } catch (const std::exception& exception) {
-      postMessage(MessageKind::Error, fmt::format("{} of {} threw: {}", what, name_, exception.what()));
+      postMessage(MessageKind::Error,
+                  fmt::format("{} of {} threw: {}", what, name_, exception.what()));
     } catch (...) {
       postMessage(MessageKind::Error, fmt::format("{} of {} threw an exception.", what, name_));
     }
@@ -54,7 +57,8 @@ class PluginChange final : public dg::Change {
 
 }  // namespace
 
-std::unique_ptr<dg::Change> makePluginChange(std::string name, std::unique_ptr<PluginCommand> command) {
+std::unique_ptr<dg::Change> makePluginChange(std::string name,
+                                             std::unique_ptr<PluginCommand> command) {
   return std::make_unique<PluginChange>(std::move(name), std::move(command));
 }
 
@@ -62,12 +66,16 @@ void UndoQueue::beginLine(std::string_view text) {
   const std::size_t first = text.find_first_not_of(" \t\r\n");
   if (first != std::string_view::npos) text.remove_prefix(first);
   const std::size_t last = text.find_last_not_of(" \t\r\n;");
-  groups_.push_back({false, std::string(text.substr(0, std::min(last == text.npos ? 0 : last + 1, kLongestName))), {}});
+  groups_.push_back(
+      {false,
+       std::string(text.substr(0, std::min(last == text.npos ? 0 : last + 1, kLongestName))),
+       {}});
 }
 
 UndoItem UndoQueue::fold(Group group) {
   UndoItem item;
-  item.name = !group.name.empty() || group.items.empty() ? std::move(group.name) : group.items.front().name;
+  item.name =
+      !group.name.empty() || group.items.empty() ? std::move(group.name) : group.items.front().name;
   for (UndoItem& step : group.items)
     for (scene::ChangeSet& set : step.sets) item.sets.push_back(std::move(set));
   return item;
@@ -91,10 +99,13 @@ void UndoQueue::endLine() {
   if (!line.items.empty()) push(fold(std::move(line)), at - 1);
 }
 
-void UndoQueue::openChunk(std::string_view name) { groups_.push_back({true, std::string(name), {}}); }
+void UndoQueue::openChunk(std::string_view name) {
+  groups_.push_back({true, std::string(name), {}});
+}
 
 bool UndoQueue::isChunkOpen() const {
-  return std::any_of(groups_.begin(), groups_.end(), [](const Group& group) { return group.isChunk; });
+  return std::any_of(groups_.begin(), groups_.end(),
+                     [](const Group& group) { return group.isChunk; });
 }
 
 bool UndoQueue::closeChunk() {
@@ -124,15 +135,22 @@ const UndoItem* UndoQueue::latest() const {
   return done_.empty() ? nullptr : &done_.back();
 }
 
-bool UndoQueue::canUndo() const { return latest() != nullptr; }
-std::string UndoQueue::undoName() const { return latest() ? latest()->name : std::string{}; }
-std::string UndoQueue::redoName() const { return undone_.empty() ? std::string{} : undone_.back().name; }
+bool UndoQueue::canUndo() const {
+  return latest() != nullptr;
+}
+std::string UndoQueue::undoName() const {
+  return latest() ? latest()->name : std::string{};
+}
+std::string UndoQueue::redoName() const {
+  return undone_.empty() ? std::string{} : undone_.back().name;
+}
 
 Result<void> UndoQueue::undo() {
   if (isReplaying_) return fail("Can't undo while a command is at work.");
   if (!latest()) return fail("There are no more commands to undo.");
   UndoItem item;
-  auto group = std::find_if(groups_.rbegin(), groups_.rend(), [](const Group& g) { return !g.items.empty(); });
+  auto group = std::find_if(groups_.rbegin(), groups_.rend(),
+                            [](const Group& g) { return !g.items.empty(); });
   if (group != groups_.rend()) {
     item = std::move(group->items.back());
     group->items.pop_back();
@@ -170,7 +188,9 @@ Result<void> UndoQueue::redo() {
 std::string UndoQueue::describe() const {
   std::string text;
   int number = 0;
-  const auto add = [&](const UndoItem& item) { text += fmt::format("{}:  {}\n", ++number, item.name); };
+  const auto add = [&](const UndoItem& item) {
+    text += fmt::format("{}:  {}\n", ++number, item.name);
+  };
   for (const UndoItem& item : done_) add(item);
   for (const Group& group : groups_)
     for (const UndoItem& item : group.items) add(item);
@@ -202,7 +222,8 @@ void UndoQueue::trim() {
 void UndoQueue::flush() {
   ++flushCount_;
   ++unrecordedCount_;
-  // Records may hold the last reference to plug-in objects whose destructors run scripts: empty the members first.
+  // Records may hold the last reference to plug-in objects whose destructors run scripts: empty the
+  // members first.
   auto done = std::move(done_);
   auto undone = std::move(undone_);
   done_.clear();

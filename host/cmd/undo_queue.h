@@ -13,7 +13,8 @@
 
 namespace host::cmd {
 
-/// One thing that `undo` takes back: the edits of a command, of a command line or of a chunk, in order.
+/// One thing that `undo` takes back: the edits of a command, of a command line or of a chunk, in
+/// order.
 struct UndoItem {
   std::string name;
   std::vector<scene::ChangeSet> sets;
@@ -26,9 +27,10 @@ struct UndoItem {
 
 /// What was done, in one straight line of history.
 ///
-/// Commands add steps to the innermost open group: the line that runs, or a chunk. A group that closes becomes one item
-/// of the group around it, or of the queue. `undo` takes back the latest item there is, inside an open group as well
-/// as in the queue, so that history stays straight whatever scripts do; a new step forgets what could be redone.
+/// Commands add steps to the innermost open group: the line that runs, or a chunk. A group that
+/// closes becomes one item of the group around it, or of the queue. `undo` takes back the latest
+/// item there is, inside an open group as well as in the queue, so that history stays straight
+/// whatever scripts do; a new step forgets what could be redone.
 class UndoQueue {
  public:
   explicit UndoQueue(scene::Journal& journal) : journal_(journal) {}
@@ -56,8 +58,8 @@ class UndoQueue {
   void noteUnrecorded() { ++unrecordedCount_; }
   [[nodiscard]] std::size_t unrecordedCount() const { return unrecordedCount_; }
 
-  /// Takes back or does again the latest item. Fails when there is none or one is being undone. Commands go through
-  /// Dispatcher::undo, which also refuses while a step is being collected.
+  /// Takes back or does again the latest item. Fails when there is none or one is being undone.
+  /// Commands go through Dispatcher::undo, which also refuses while a step is being collected.
   Result<void> undo();
   Result<void> redo();
   [[nodiscard]] bool isReplaying() const { return isReplaying_; }
@@ -106,8 +108,9 @@ class UndoQueue {
   std::size_t flushCount_ = 0, unrecordedCount_ = 0;
 };
 
-/// A plug-in command among recorded edits: undone by its undoIt, redone by its redoIt. Faults and exceptions are
-/// reported as messages.
-[[nodiscard]] std::unique_ptr<dg::Change> makePluginChange(std::string name, std::unique_ptr<PluginCommand> command);
+/// A plug-in command among recorded edits: undone by its undoIt, redone by its redoIt. Faults and
+/// exceptions are reported as messages.
+[[nodiscard]] std::unique_ptr<dg::Change> makePluginChange(std::string name,
+                                                           std::unique_ptr<PluginCommand> command);
 
 }  // namespace host::cmd

@@ -27,10 +27,11 @@ bool encode(png_structp png, png_infop info, const Image& image, bool hasAlpha, 
   if (setjmp(png_jmpbuf(png)) != 0) return false;
   png_set_write_fn(png, &out, appendBytes, nullptr);
   png_set_IHDR(png, info, static_cast<png_uint_32>(image.width),
-               static_cast<png_uint_32>(image.height), 8, hasAlpha ? PNG_COLOR_TYPE_RGB_ALPHA : PNG_COLOR_TYPE_RGB,
-               PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-  // Level 1 with the SUB filter: a tenth of the default's time for pictures a little larger. Small ones, such as those of
-  // documentation, take no time worth saving.
+               static_cast<png_uint_32>(image.height), 8,
+               hasAlpha ? PNG_COLOR_TYPE_RGB_ALPHA : PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
+               PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+  // Level 1 with the SUB filter: a tenth of the default's time for pictures a little larger. Small
+  // ones, such as those of documentation, take no time worth saving.
   constexpr int kSmall = 250'000;
   png_set_compression_level(png, image.width * image.height <= kSmall ? 9 : 1);
   png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_SUB);

@@ -19,7 +19,8 @@ struct Reached {
   bool isSettled = false;
 };
 
-/// Dijkstra from `from` until `to` is settled. `visit(place, link)` calls link(neighbour, by, length) for each way on.
+/// Dijkstra from `from` until `to` is settled. `visit(place, link)` calls link(neighbour, by,
+/// length) for each way on.
 template <class Visit>
 std::unordered_map<Index, Reached> search(Index from, Index to, Visit&& visit) {
   using Entry = std::pair<double, Index>;

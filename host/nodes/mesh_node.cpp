@@ -122,11 +122,13 @@ void addDisplayAttributes(TypeBuilder& builder) {
   builder.add(boolean("displayNormal", "dn"));
   builder.add(boolean("displayMapBorders", "dmb"));
   builder.add(boolean("displayInvisibleFaces", "difs"));
-  builder.add(choice("materialBlend", "mtb",
-                     {"overwrite", "add", "subtract", "multiply", "divide", "average", "modulate2x"}));
+  builder.add(
+      choice("materialBlend", "mtb",
+             {"overwrite", "add", "subtract", "multiply", "divide", "average", "modulate2x"}));
   builder.add(choice("normalType", "nty", {"facet", "vertex", "vertexFace"}));
   builder.add(choice("vertexNormalMethod", "vnm",
-                     {"unweighted", "angle-weighted", "area-weighted", "angle and area-weighted"}, 3));
+                     {"unweighted", "angle-weighted", "area-weighted", "angle and area-weighted"},
+                     3));
   builder.add(single("uvSize", "us", 4));
   builder.add(single("normalSize", "ns", 0.4));
   builder.add(single("vertexSize", "vs", 3));

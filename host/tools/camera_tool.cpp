@@ -17,7 +17,9 @@ const char* classNameOf(CameraTool::Gesture gesture) {
 CameraTool::CameraTool(ToolRegistry& registry, Gesture gesture)
     : ToolContext(classNameOf(gesture)), registry_(registry), gesture_(gesture) {}
 
-void CameraTool::press(const InputEvent& event) { last_ = event.position; }
+void CameraTool::press(const InputEvent& event) {
+  last_ = event.position;
+}
 
 void CameraTool::drag(const InputEvent& event) {
   const double dx = event.position.x - last_.x, dy = event.position.y - last_.y;

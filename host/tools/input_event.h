@@ -8,7 +8,16 @@
 namespace host::tools {
 
 enum class MouseButton : std::uint8_t { None, Left, Middle, Right };
-enum class InputKind : std::uint8_t { Press, Drag, Release, Hold, Move, Enter, KeyPress, KeyRelease };
+enum class InputKind : std::uint8_t {
+  Press,
+  Drag,
+  Release,
+  Hold,
+  Move,
+  Enter,
+  KeyPress,
+  KeyRelease
+};
 
 /// Something a person did in a view, as data: a recorded gesture reads the same.
 struct InputEvent {

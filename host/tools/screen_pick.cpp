@@ -23,8 +23,10 @@ Result<scene::SelectionList> itemsOf(scene::Document& document, const viewport::
   std::map<std::pair<std::size_t, PickKind>, std::vector<Index>> components;
   std::set<std::size_t> objects;
   for (const PickHit& hit : hits) {
-    if (hit.component == kNone) objects.insert(hit.mesh);
-    else components[{hit.mesh, hit.kind}].push_back(hit.component);
+    if (hit.component == kNone)
+      objects.insert(hit.mesh);
+    else
+      components[{hit.mesh, hit.kind}].push_back(hit.component);
   }
   scene::SelectionList list;
   for (const auto& [key, ids] : components) {
@@ -56,15 +58,18 @@ std::vector<PickHit> objectsInside(viewport::Picker& picker, const viewport::Sce
 }  // namespace
 
 Result<scene::SelectionList> pickFromScreen(scene::Document& document, viewport::Picker& picker,
-                                            const viewport::SceneView& view, viewport::PickRect rect,
+                                            const viewport::SceneView& view,
+                                            viewport::PickRect rect,
                                             const viewport::PickOptions& options) {
   constexpr double kClick = 2;
-  const bool isClick = std::abs(rect.from.x - rect.to.x) < kClick && std::abs(rect.from.y - rect.to.y) < kClick;
+  const bool isClick =
+      std::abs(rect.from.x - rect.to.x) < kClick && std::abs(rect.from.y - rect.to.y) < kClick;
   std::vector<PickHit> hits;
   if (isClick) {
     if (const auto hit = picker.pick(view, rect.to, options)) hits.push_back(*hit);
   } else {
-    if (options.vertices || options.edges || options.faces) hits = picker.pickInside(view, rect, options);
+    if (options.vertices || options.edges || options.faces)
+      hits = picker.pickInside(view, rect, options);
     std::erase_if(hits, [](const PickHit& hit) { return hit.kind == PickKind::Object; });
     if (hits.empty() && options.objects) hits = objectsInside(picker, view, rect);
   }

@@ -8,14 +8,17 @@
 namespace host::tools {
 namespace {
 
-/// Applies a pick as the modifiers say. In component mode a click on an object makes its components ready to be
-/// picked instead of selecting it.
+/// Applies a pick as the modifiers say. In component mode a click on an object makes its components
+/// ready to be picked instead of selecting it.
 void apply(scene::Document& document, const scene::SelectionList& picked, const InputEvent& event,
            bool objectsAreHilited) {
-  scene::SelectionList objects = picked.filtered([](const scene::SelectionItem& item) { return item.isObject(); });
+  scene::SelectionList objects =
+      picked.filtered([](const scene::SelectionItem& item) { return item.isObject(); });
   if (objectsAreHilited && !objects.isEmpty()) {
-    scene::SelectionList hilite = event.shift || event.control ? document.hilite() : scene::SelectionList();
-    hilite.merge(objects, event.control ? scene::SelectionMerge::Remove : scene::SelectionMerge::Add);
+    scene::SelectionList hilite =
+        event.shift || event.control ? document.hilite() : scene::SelectionList();
+    hilite.merge(objects,
+                 event.control ? scene::SelectionMerge::Remove : scene::SelectionMerge::Add);
     document.setHilite(std::move(hilite));
     return;
   }
@@ -35,9 +38,13 @@ void SelectTool::press(const InputEvent& event) {
   panel_ = event.panel;
 }
 
-void SelectTool::drag(const InputEvent& event) { end_ = event.position; }
+void SelectTool::drag(const InputEvent& event) {
+  end_ = event.position;
+}
 
-void SelectTool::abort() { isPressed_ = false; }
+void SelectTool::abort() {
+  isPressed_ = false;
+}
 
 void SelectTool::release(const InputEvent& event) {
   if (!isPressed_) return;
@@ -47,8 +54,8 @@ void SelectTool::release(const InputEvent& event) {
   if (!view) return postMessage(MessageKind::Error, view.error().message);
   cmd::Session& session = cmd::currentSession();
   const viewport::PickOptions options = registry_.views.pickOptions();
-  const auto picked =
-      pickFromScreen(session.document(), registry_.picker(), *view, {start_, event.position}, options);
+  const auto picked = pickFromScreen(session.document(), registry_.picker(), *view,
+                                     {start_, event.position}, options);
   if (!picked) return postMessage(MessageKind::Error, picked.error().message);
   const bool wantsComponents = options.vertices || options.edges || options.faces;
   const auto done = session.dispatcher().recordStep("select", [&]() -> Result<void> {
@@ -65,9 +72,15 @@ void SelectTool::draw(const std::string& panel, viewport::DrawList& list) {
 void drawMarquee(viewport::ViewPoint from, viewport::ViewPoint to, viewport::DrawList& list) {
   const auto x0 = static_cast<float>(from.x), y0 = static_cast<float>(from.y);
   const auto x1 = static_cast<float>(to.x), y1 = static_cast<float>(to.y);
-  viewport::DrawItem& item =
-      list.add(viewport::Primitive::Lines, viewport::Pass::Overlay,
-               {{x0, y0, 0}, {x1, y0, 0}, {x1, y0, 0}, {x1, y1, 0}, {x1, y1, 0}, {x0, y1, 0}, {x0, y1, 0}, {x0, y0, 0}});
+  viewport::DrawItem& item = list.add(viewport::Primitive::Lines, viewport::Pass::Overlay,
+                                      {{x0, y0, 0},
+                                       {x1, y0, 0},
+                                       {x1, y0, 0},
+                                       {x1, y1, 0},
+                                       {x1, y1, 0},
+                                       {x0, y1, 0},
+                                       {x0, y1, 0},
+                                       {x0, y0, 0}});
   item.space = viewport::Space::Screen;
   item.color = {0.95f, 0.95f, 0.95f, 0.9f};
   item.stipple = viewport::Stipple::Dashed;

@@ -4,11 +4,12 @@
 
 namespace host::tools {
 
-/// Selects what is clicked or lies in a rectangle that is dragged: Shift toggles, Control takes away, both add. One
-/// step of undo a gesture.
+/// Selects what is clicked or lies in a rectangle that is dragged: Shift toggles, Control takes
+/// away, both add. One step of undo a gesture.
 class SelectTool : public ToolContext {
  public:
-  SelectTool(ToolRegistry& registry, std::string className) : ToolContext(std::move(className)), registry_(registry) {}
+  SelectTool(ToolRegistry& registry, std::string className)
+      : ToolContext(std::move(className)), registry_(registry) {}
   void press(const InputEvent& event) override;
   void drag(const InputEvent& event) override;
   void release(const InputEvent& event) override;

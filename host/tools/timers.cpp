@@ -25,7 +25,9 @@ const Timers::Timer* Timers::find(Id id) const {
     if (timer.id == id) return &timer;
   return nullptr;
 }
-bool Timers::contains(Id id) const { return find(id) != nullptr; }
+bool Timers::contains(Id id) const {
+  return find(id) != nullptr;
+}
 
 void Timers::step(double now) {
   now_ = std::max(now_, now);

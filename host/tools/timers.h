@@ -6,7 +6,8 @@
 
 namespace host::tools {
 
-/// Calls that recur in time. The program's loop steps them with its clock, a test with one of its own.
+/// Calls that recur in time. The program's loop steps them with its clock, a test with one of its
+/// own.
 class Timers {
  public:
   using Id = std::uint64_t;
@@ -21,8 +22,8 @@ class Timers {
   [[nodiscard]] bool contains(Id id) const;
 
   [[nodiscard]] double now() const { return now_; }
-  /// Moves time on to `now` and makes the calls that are due, each once however late it is; those added meanwhile wait
-  /// for the next step. Time that goes backwards counts as standing still.
+  /// Moves time on to `now` and makes the calls that are due, each once however late it is; those
+  /// added meanwhile wait for the next step. Time that goes backwards counts as standing still.
   void step(double now);
   /// When the next call is due; infinity without any.
   [[nodiscard]] double nextDue() const;

@@ -11,7 +11,9 @@ void ToolContext::release(const InputEvent&) {}
 void ToolContext::hold(const InputEvent&) {}
 void ToolContext::moved(const InputEvent&) {}
 void ToolContext::entered(const InputEvent&) {}
-bool ToolContext::key(const InputEvent&) { return false; }
+bool ToolContext::key(const InputEvent&) {
+  return false;
+}
 void ToolContext::deleteAction() {}
 void ToolContext::complete() {}
 void ToolContext::abort() {}

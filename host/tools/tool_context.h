@@ -14,8 +14,8 @@ class ToolRegistry;
 
 /// A tool as the user holds it: it gets the input of the views while it is the current one.
 ///
-/// Handlers that a tool doesn't care about do nothing. A tool may make another current, or have itself removed, from
-/// inside a handler.
+/// Handlers that a tool doesn't care about do nothing. A tool may make another current, or have
+/// itself removed, from inside a handler.
 class ToolContext {
  public:
   /// `className` is what kind of tool it is, the same for all contexts of that kind.
@@ -31,7 +31,8 @@ class ToolContext {
   virtual void press(const InputEvent& event);
   virtual void drag(const InputEvent& event);
   virtual void release(const InputEvent& event);
-  virtual void hold(const InputEvent& event);   ///< the button has been down for a while without a move
+  virtual void hold(
+      const InputEvent& event);  ///< the button has been down for a while without a move
   virtual void moved(const InputEvent& event);  ///< no button is down
   virtual void entered(const InputEvent& event);
   /// Return, Delete, Backspace and Escape come as the actions below instead.

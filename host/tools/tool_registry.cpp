@@ -11,18 +11,25 @@ namespace host::tools {
 
 ToolRegistry::ToolRegistry() {
   using Change = TransformTool::Change;
-  const auto builtin = [this](const char* name, std::shared_ptr<ToolContext> context, const char* title) {
+  const auto builtin = [this](const char* name, std::shared_ptr<ToolContext> context,
+                              const char* title) {
     context->title = title;
     builtins_.emplace_back(name);
     contexts_.emplace(name, std::move(context));
   };
   builtin("selectSuperContext", std::make_shared<SelectTool>(*this, "selectManip"), "Select Tool");
-  builtin("moveSuperContext", std::make_shared<TransformTool>(*this, "manipMove", Change::Move), "Move Tool");
-  builtin("RotateSuperContext", std::make_shared<TransformTool>(*this, "manipRotate", Change::Rotate), "Rotate Tool");
-  builtin("scaleSuperContext", std::make_shared<TransformTool>(*this, "manipScale", Change::Scale), "Scale Tool");
-  builtin("tumbleContext", std::make_shared<CameraTool>(*this, CameraTool::Gesture::Tumble), "Tumble Tool");
-  builtin("trackContext", std::make_shared<CameraTool>(*this, CameraTool::Gesture::Track), "Track Tool");
-  builtin("dollyContext", std::make_shared<CameraTool>(*this, CameraTool::Gesture::Dolly), "Dolly Tool");
+  builtin("moveSuperContext", std::make_shared<TransformTool>(*this, "manipMove", Change::Move),
+          "Move Tool");
+  builtin("RotateSuperContext",
+          std::make_shared<TransformTool>(*this, "manipRotate", Change::Rotate), "Rotate Tool");
+  builtin("scaleSuperContext", std::make_shared<TransformTool>(*this, "manipScale", Change::Scale),
+          "Scale Tool");
+  builtin("tumbleContext", std::make_shared<CameraTool>(*this, CameraTool::Gesture::Tumble),
+          "Tumble Tool");
+  builtin("trackContext", std::make_shared<CameraTool>(*this, CameraTool::Gesture::Track),
+          "Track Tool");
+  builtin("dollyContext", std::make_shared<CameraTool>(*this, CameraTool::Gesture::Dolly),
+          "Dolly Tool");
   currentName_ = kSelect;
   current_ = find(kSelect);
 }
@@ -87,9 +94,12 @@ std::shared_ptr<ToolContext> ToolRegistry::receiver(const InputEvent& event) con
   if (event.kind != InputKind::Press && gesture_) return gesture_;
   if (event.kind != InputKind::Press || !event.alt) return current_;
   switch (event.button) {
-    case MouseButton::Middle: return find("trackContext");
-    case MouseButton::Right: return find("dollyContext");
-    default: return find("tumbleContext");
+    case MouseButton::Middle:
+      return find("trackContext");
+    case MouseButton::Right:
+      return find("dollyContext");
+    default:
+      return find("tumbleContext");
   }
 }
 
@@ -130,8 +140,12 @@ bool ToolRegistry::handle(const InputEvent& event) {
       if (!gesture_) return false;
       tool->hold(event);
       return true;
-    case InputKind::Enter: tool->entered(event); return true;
-    default: tool->moved(event); return true;
+    case InputKind::Enter:
+      tool->entered(event);
+      return true;
+    default:
+      tool->moved(event);
+      return true;
   }
 }
 
@@ -139,10 +153,14 @@ bool ToolRegistry::handleKey(const InputEvent& event) {
   const std::shared_ptr<ToolContext> tool = current_;
   if (tool->key(event)) return true;
   if (event.kind != InputKind::KeyPress) return false;
-  if (event.key == "Return" || event.key == "Enter") tool->complete();
-  else if (event.key == "Escape") tool->abort();
-  else if (event.key == "Delete" || event.key == "BackSpace") tool->deleteAction();
-  else return false;
+  if (event.key == "Return" || event.key == "Enter")
+    tool->complete();
+  else if (event.key == "Escape")
+    tool->abort();
+  else if (event.key == "Delete" || event.key == "BackSpace")
+    tool->deleteAction();
+  else
+    return false;
   return true;
 }
 

@@ -33,7 +33,8 @@ class ToolRegistry {
  public:
   static constexpr std::string_view kSelect = "selectSuperContext";
 
-  /// Has the built-in contexts: select, move, rotate and scale, and the camera's tumble, track and dolly.
+  /// Has the built-in contexts: select, move, rotate and scale, and the camera's tumble, track and
+  /// dolly.
   ToolRegistry();
   ~ToolRegistry();
 
@@ -50,14 +51,16 @@ class ToolRegistry {
   // The current one.
   [[nodiscard]] const std::string& currentName() const { return currentName_; }
   [[nodiscard]] const std::shared_ptr<ToolContext>& current() const { return current_; }
-  /// Cleans the current context up and sets the other one up. To the same one again: it is set up anew.
+  /// Cleans the current context up and sets the other one up. To the same one again: it is set up
+  /// anew.
   Result<void> setCurrent(const std::string& name);
   /// Called after the current context has changed.
   std::function<void()> currentChanged;
 
   // Input.
-  /// Hands an event to the current context; with Alt down, mouse events move the camera instead: left tumbles, middle
-  /// tracks, right dollies. A gesture stays with the context that got its press.
+  /// Hands an event to the current context; with Alt down, mouse events move the camera instead:
+  /// left tumbles, middle tracks, right dollies. A gesture stays with the context that got its
+  /// press.
   /// @return whether somebody used it
   bool handle(const InputEvent& event);
   /// Where the pointer was last, and with which button and modifiers.

@@ -40,10 +40,12 @@ std::string TransformTool::commandFor(viewport::ViewPoint end) const {
   math::Vec3 middle = view->camera.centerOfInterestPoint();
   if (const std::vector<math::Vec3> points = viewport::selectionPoints(*view); !points.empty()) {
     middle = {};
-    for (const math::Vec3& point : points) middle = middle + point * (1.0 / static_cast<double>(points.size()));
+    for (const math::Vec3& point : points)
+      middle = middle + point * (1.0 / static_cast<double>(points.size()));
   }
   const viewport::ViewProjection projection(view->camera, view->port);
-  const math::Vec3 by = projection.viewToWorldAt(end, middle) - projection.viewToWorldAt(start_, middle);
+  const math::Vec3 by =
+      projection.viewToWorldAt(end, middle) - projection.viewToWorldAt(start_, middle);
   return fmt::format("move -r {} {} {}", by.x, by.y, by.z);
 }
 
@@ -54,7 +56,8 @@ void TransformTool::release(const InputEvent& event) {
   cmd::Session& session = cmd::currentSession();
   const bool isMoved = event.position.x != start_.x || event.position.y != start_.y;
   const std::string command = commandFor(event.position);
-  if (isMoved && !command.empty() && !session.document().selection().isEmpty()) (void)session.executeLine(command);
+  if (isMoved && !command.empty() && !session.document().selection().isEmpty())
+    (void)session.executeLine(command);
 }
 
 }  // namespace host::tools

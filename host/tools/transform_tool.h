@@ -4,8 +4,9 @@
 
 namespace host::tools {
 
-/// Selects with the left button and changes the selection with the middle one, as one command when the drag ends:
-/// moves it in the plane that faces the viewer, turns it about the world's vertical, or scales it evenly.
+/// Selects with the left button and changes the selection with the middle one, as one command when
+/// the drag ends: moves it in the plane that faces the viewer, turns it about the world's vertical,
+/// or scales it evenly.
 class TransformTool final : public SelectTool {
  public:
   enum class Change : std::uint8_t { Move, Rotate, Scale };

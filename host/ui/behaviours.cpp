@@ -5,7 +5,9 @@
 
 namespace host::ui {
 
-Values getFullPath(const Tree&, const Control& control, const Attribute&) { return {Tree::path(control)}; }
+Values getFullPath(const Tree&, const Control& control, const Attribute&) {
+  return {Tree::path(control)};
+}
 
 Values getParentPath(const Tree&, const Control& control, const Attribute&) {
   return {control.parent ? Tree::path(*control.parent) : std::string()};
@@ -13,7 +15,9 @@ Values getParentPath(const Tree&, const Control& control, const Attribute&) {
 
 namespace {
 
-bool isPlaced(const Control& control) { return control.isKind(Kind::Layout) || control.isKind(Kind::Control); }
+bool isPlaced(const Control& control) {
+  return control.isKind(Kind::Layout) || control.isKind(Kind::Control);
+}
 
 }  // namespace
 
@@ -55,7 +59,9 @@ Values getSize(const Tree&, const Control& control, const Attribute&) {
 
 namespace {
 
-bool isFieldNumber(char c) { return c >= '1' && c <= '9'; }
+bool isFieldNumber(char c) {
+  return c >= '1' && c <= '9';
+}
 
 /// The value within the control's range, of the kind that its attribute has.
 Atom ranged(Control& control, const Attribute& attribute, const Values& values, std::size_t index) {
@@ -64,12 +70,15 @@ Atom ranged(Control& control, const Attribute& attribute, const Values& values, 
   double value = asReal(values, index);
   if (hasRange && low > high) std::swap(low, high);
   if (control.type->find("fieldMinValue")) {
-    const bool hasOwn = control.values.count("fieldMinValue") > 0 || control.values.count("fieldMaxValue") > 0;
+    const bool hasOwn =
+        control.values.count("fieldMinValue") > 0 || control.values.count("fieldMaxValue") > 0;
     if (hasOwn) {
       const double fieldLow = std::min(low, asReal(control.value("fieldMinValue")));
       const double fieldHigh = std::max(high, asReal(control.value("fieldMaxValue")));
       value = std::clamp(value, fieldLow, fieldHigh);
-      const auto keep = [&](double limit) { return attribute.kinds[0] == 'i' ? Atom(static_cast<int>(limit)) : Atom(limit); };
+      const auto keep = [&](double limit) {
+        return attribute.kinds[0] == 'i' ? Atom(static_cast<int>(limit)) : Atom(limit);
+      };
       if (value < low) control.setValue("minValue", {keep(value)});
       if (value > high) control.setValue("maxValue", {keep(value)});
       return keep(value);
@@ -89,7 +98,8 @@ std::string_view numbered(const Control& control, std::string_view name, int num
 
 Result<void> setRanged(Tree&, Control& control, const Attribute& attribute, const Values& values) {
   const bool isOneField = isFieldNumber(attribute.longName.back());
-  const std::string_view first = isOneField ? std::string_view{} : numbered(control, attribute.longName, 1);
+  const std::string_view first =
+      isOneField ? std::string_view{} : numbered(control, attribute.longName, 1);
   if (first.empty()) {
     control.setValue(attribute.longName, {ranged(control, attribute, values, 0)});
     return {};
@@ -121,7 +131,8 @@ std::pair<std::string_view, int> arrayOf(std::string_view name) {
 
 }  // namespace
 
-Result<void> setNumbered(Tree&, Control& control, const Attribute& attribute, const Values& values) {
+Result<void> setNumbered(Tree&, Control& control, const Attribute& attribute,
+                         const Values& values) {
   const auto [base, count] = arrayOf(attribute.longName);
   for (int i = 1; i <= count && static_cast<std::size_t>(i) <= values.size(); ++i)
     control.setValue(numbered(control, base, i), {values[static_cast<std::size_t>(i) - 1]});
@@ -135,7 +146,8 @@ Values getNumbered(const Tree&, const Control& control, const Attribute& attribu
   return all;
 }
 
-std::vector<std::string> scriptsOf(const Control& control, const std::vector<std::string_view>& names,
+std::vector<std::string> scriptsOf(const Control& control,
+                                   const std::vector<std::string_view>& names,
                                    const Values& values) {
   std::vector<std::string> scripts;
   for (const std::string_view name : names) {
@@ -144,9 +156,10 @@ std::vector<std::string> scriptsOf(const Control& control, const std::vector<std
     if (script.empty()) continue;
     std::string filled;
     for (std::size_t i = 0; i < script.size(); ++i) {
-      const std::size_t number = script[i] == '#' && i + 1 < script.size() && isFieldNumber(script[i + 1])
-                                     ? static_cast<std::size_t>(script[i + 1] - '0')
-                                     : 0;
+      const std::size_t number =
+          script[i] == '#' && i + 1 < script.size() && isFieldNumber(script[i + 1])
+              ? static_cast<std::size_t>(script[i + 1] - '0')
+              : 0;
       if (number == 0 || number > values.size()) {
         filled += script[i];
         continue;
@@ -193,7 +206,8 @@ Result<std::vector<std::string>> fieldGesture(Tree& tree, Control& control, cons
   if (name.empty() || values.empty() || static_cast<std::size_t>(field) > shown)
     return fail("{} has no field {}.", control.name, field);
   HOST_TRY(tree.set(control, *control.type->find(name), {values.back()}));
-  return scriptsOf(control, {"changeCommand"}, getFields(tree, control, *control.type->find("value")));
+  return scriptsOf(control, {"changeCommand"},
+                   getFields(tree, control, *control.type->find("value")));
 }
 
 }  // namespace host::ui

@@ -23,8 +23,9 @@ Result<void> refuseSet(Tree&, Control&, const Attribute&, const Values&);
 Result<void> setSize(Tree&, Control& control, const Attribute&, const Values& values);
 Values getSize(const Tree&, const Control& control, const Attribute&);
 
-/// `value` or `value1` ... kept between `minValue` and `maxValue`; where there is a field range of its own, the slider's
-/// range grows with the value up to it. Every field of the group is set when more values come.
+/// `value` or `value1` ... kept between `minValue` and `maxValue`; where there is a field range of
+/// its own, the slider's range grows with the value up to it. Every field of the group is set when
+/// more values come.
 Result<void> setRanged(Tree&, Control& control, const Attribute&, const Values& values);
 /// All fields of a group: "value" gives value1, value2, ... as many as the group has.
 Values getFields(const Tree&, const Control& control, const Attribute&);
@@ -37,17 +38,23 @@ Values getNumbered(const Tree&, const Control& control, const Attribute&);
 [[nodiscard]] std::string_view numbered(const Control& control, std::string_view name, int number);
 
 /// The scripts of these attributes that are not empty, `#1` ... replaced by the values.
-[[nodiscard]] std::vector<std::string> scriptsOf(const Control& control, const std::vector<std::string_view>& names,
+[[nodiscard]] std::vector<std::string> scriptsOf(const Control& control,
+                                                 const std::vector<std::string_view>& names,
                                                  const Values& values = {});
 
 /// Makes a button its collection's selected one; null: none.
 void selectInCollection(Control& collection, Control* button);
 
 // Gestures.
-Result<std::vector<std::string>> pressGesture(Tree&, Control& control, const Values& values);   ///< runs `command`
-Result<std::vector<std::string>> valueGesture(Tree&, Control& control, const Values& values);   ///< sets `value`
-Result<std::vector<std::string>> toggleGesture(Tree&, Control& control, const Values& values);  ///< on or off; nothing: toggles
-Result<std::vector<std::string>> textGesture(Tree&, Control& control, const Values& values);    ///< sets `text`
-Result<std::vector<std::string>> fieldGesture(Tree&, Control& control, const Values& values);   ///< one field of a group
+Result<std::vector<std::string>> pressGesture(Tree&, Control& control,
+                                              const Values& values);  ///< runs `command`
+Result<std::vector<std::string>> valueGesture(Tree&, Control& control,
+                                              const Values& values);  ///< sets `value`
+Result<std::vector<std::string>> toggleGesture(
+    Tree&, Control& control, const Values& values);  ///< on or off; nothing: toggles
+Result<std::vector<std::string>> textGesture(Tree&, Control& control,
+                                             const Values& values);  ///< sets `text`
+Result<std::vector<std::string>> fieldGesture(Tree&, Control& control,
+                                              const Values& values);  ///< one field of a group
 
 }  // namespace host::ui

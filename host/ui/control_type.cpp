@@ -78,9 +78,15 @@ constexpr Attribute kColumns[] = {
 
 }  // namespace
 
-AttributeTable commonAttributes() { return kCommon; }
-AttributeTable layoutAttributes() { return kLayout; }
-AttributeTable columnAttributes() { return kColumns; }
+AttributeTable commonAttributes() {
+  return kCommon;
+}
+AttributeTable layoutAttributes() {
+  return kLayout;
+}
+AttributeTable columnAttributes() {
+  return kColumns;
+}
 
 const Attribute* ControlType::find(std::string_view longName) const {
   for (const AttributeTable table : tables)

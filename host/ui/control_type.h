@@ -17,7 +17,13 @@ struct Attribute;
 
 /// When a flag may be given; combined by or.
 enum Modes : std::uint8_t {
-  kCreate = 1, kEdit = 2, kQuery = 4, kCreateEdit = 3, kCreateQuery = 5, kEditQuery = 6, kAll = 7,
+  kCreate = 1,
+  kEdit = 2,
+  kQuery = 4,
+  kCreateEdit = 3,
+  kCreateQuery = 5,
+  kEditQuery = 6,
+  kAll = 7,
 };
 
 /// What else is particular to a flag; combined by or.
@@ -34,11 +40,14 @@ using Getter = Values (*)(const Tree&, const Control&, const Attribute&);
 /// What a person does to a control. Returns the scripts that are to run, in order.
 using Gesture = Result<std::vector<std::string>> (*)(Tree&, Control&, const Values&);
 
-/// A flag of a kind of control. Without a setter its arguments are kept as they are; without a getter they are given back.
+/// A flag of a kind of control. Without a setter its arguments are kept as they are; without a
+/// getter they are given back.
 struct Attribute {
   std::string_view shortName, longName;
-  std::string_view kinds;         ///< a letter an argument: b truth value, i int, f float, s text, c script; none: a switch
-  std::string_view initial = {};  ///< value before it is set: one text, or numbers between blanks; empty: zeros
+  std::string_view kinds;  ///< a letter an argument: b truth value, i int, f float, s text, c
+                           ///< script; none: a switch
+  std::string_view initial =
+      {};  ///< value before it is set: one text, or numbers between blanks; empty: zeros
   std::uint8_t modes = kAll;
   std::uint8_t traits = 0;
   Setter set = nullptr;

@@ -8,24 +8,28 @@ namespace {
 /// A control works when nothing above it is disabled; the error names what is.
 Result<void> checkEnabled(const Control& control) {
   for (const Control* each = &control; each; each = each->parent)
-    if (each->type->find("enable") && !each->isOn("enable")) return fail("'{}' is disabled.", each->name);
+    if (each->type->find("enable") && !each->isOn("enable"))
+      return fail("'{}' is disabled.", each->name);
   return {};
 }
 
 }  // namespace
 
 Result<std::vector<std::string>> Tree::userSets(Control& control, const Values& values) {
-  if (!control.type->gesture) return fail("A {} like '{}' can't be changed by hand.", control.type->name, control.name);
+  if (!control.type->gesture)
+    return fail("A {} like '{}' can't be changed by hand.", control.type->name, control.name);
   HOST_TRY(checkEnabled(control));
   return control.type->gesture(*this, control, values);
 }
 
 Result<std::vector<std::string>> Tree::userDrags(Control& control, const Values& values) {
-  if (!control.type->find("dragCommand")) return fail("A {} like '{}' can't be dragged.", control.type->name, control.name);
+  if (!control.type->find("dragCommand"))
+    return fail("A {} like '{}' can't be dragged.", control.type->name, control.name);
   HOST_TRY(userSets(control, values));
-  return scriptsOf(control, {"dragCommand"}, control.type->find("numberOfFields")
-                                                 ? getFields(*this, control, *control.type->find("value"))
-                                                 : control.value("value"));
+  return scriptsOf(control, {"dragCommand"},
+                   control.type->find("numberOfFields")
+                       ? getFields(*this, control, *control.type->find("value"))
+                       : control.value("value"));
 }
 
 Result<std::vector<std::string>> Tree::userCloses(Control& window) {

@@ -19,14 +19,21 @@ std::string cleanName(std::string_view name) {
 
 bool isParentOf(const ControlType& type, const Control& parent) {
   switch (type.kind) {
-    case Kind::Window: return false;
-    case Kind::Layout: return parent.isKind(Kind::Layout) || parent.isKind(Kind::Window);
+    case Kind::Window:
+      return false;
+    case Kind::Layout:
+      return parent.isKind(Kind::Layout) || parent.isKind(Kind::Window);
     case Kind::Control:
-    case Kind::Collection: return parent.isKind(Kind::Layout) || (type.kind == Kind::Collection && parent.isKind(Kind::Menu));
+    case Kind::Collection:
+      return parent.isKind(Kind::Layout) ||
+             (type.kind == Kind::Collection && parent.isKind(Kind::Menu));
     case Kind::Menu:
-      if (type.name == "popupMenu") return !parent.isKind(Kind::Menu) && !parent.isKind(Kind::MenuItem);
+      if (type.name == "popupMenu")
+        return !parent.isKind(Kind::Menu) && !parent.isKind(Kind::MenuItem);
       return parent.isKind(Kind::Window) || parent.isKind(Kind::Layout);
-    case Kind::MenuItem: return parent.type->holdsMenuItems || (parent.isKind(Kind::MenuItem) && parent.isOn("subMenu"));
+    case Kind::MenuItem:
+      return parent.type->holdsMenuItems ||
+             (parent.isKind(Kind::MenuItem) && parent.isOn("subMenu"));
   }
   return false;
 }
@@ -54,7 +61,8 @@ Values Control::value(std::string_view longName) const {
 }
 
 void Control::setValue(std::string_view longName, Values newValues) {
-  if (const Attribute* attribute = type->find(longName)) values[attribute->longName] = std::move(newValues);
+  if (const Attribute* attribute = type->find(longName))
+    values[attribute->longName] = std::move(newValues);
 }
 
 Tree::Tree() {
@@ -88,20 +96,24 @@ Result<Control*> Tree::parentFor(const ControlType& type, std::string_view paren
     return fail("'{}' can't hold a {}.", parentName, type.name);
   }
   if (type.kind == Kind::MenuItem) {
-    if (!currentMenu_) return fail("No menu found to hold the {}: make a menu first, or give -parent.", type.name);
+    if (!currentMenu_)
+      return fail("No menu found to hold the {}: make a menu first, or give -parent.", type.name);
     return currentMenu_;
   }
-  if (type.kind == Kind::Collection && currentMenu_ && type.name == "radioMenuItemCollection") return currentMenu_;
+  if (type.kind == Kind::Collection && currentMenu_ && type.name == "radioMenuItemCollection")
+    return currentMenu_;
   if (type.name == "menu") {
     for (Control* control = currentParent_; control; control = control->parent)
       if (control->isKind(Kind::Window) || control->type->name == "menuBarLayout") return control;
   }
   if (type.name == "popupMenu" && !currentParent_->children.empty()) {
-    for (auto child = currentParent_->children.rbegin(); child != currentParent_->children.rend(); ++child)
+    for (auto child = currentParent_->children.rbegin(); child != currentParent_->children.rend();
+         ++child)
       if ((*child)->isKind(Kind::Control)) return child->get();
   }
   if (!isParentOf(type, *currentParent_))
-    return fail("Controls must have a layout.  No layout found in window: {}", currentParent_->name);
+    return fail("Controls must have a layout.  No layout found in window: {}",
+                currentParent_->name);
   return currentParent_;
 }
 
@@ -124,19 +136,23 @@ Control& Tree::attach(const ControlType& type, std::string name, Control* parent
   return control;
 }
 
-Result<Control*> Tree::create(const ControlType& type, std::string_view name, std::string_view parentName) {
+Result<Control*> Tree::create(const ControlType& type, std::string_view name,
+                              std::string_view parentName) {
   auto parent = parentFor(type, parentName);
   if (!parent) return parent;
   std::string own = name.empty() ? freshName(type) : cleanName(name);
   for (const auto& sibling : *parent ? (*parent)->children : windows_)
     if (sibling->name == own) return fail("Object's name '{}' is not unique.", own);
-  if (*parent && (*parent)->type->name == "rowLayout" && type.kind != Kind::Menu && type.kind != Kind::Collection) {
-    const auto columns = static_cast<std::size_t>(std::max(1, asInt((*parent)->value("numberOfColumns"))));
+  if (*parent && (*parent)->type->name == "rowLayout" && type.kind != Kind::Menu &&
+      type.kind != Kind::Collection) {
+    const auto columns =
+        static_cast<std::size_t>(std::max(1, asInt((*parent)->value("numberOfColumns"))));
     const auto& row = (*parent)->children;
     const auto used = std::count_if(row.begin(), row.end(), [](const auto& child) {
       return child->isKind(Kind::Control) || child->isKind(Kind::Layout);
     });
-    if (static_cast<std::size_t>(used) >= columns) return fail("Too many children in layout: {}", (*parent)->name);
+    if (static_cast<std::size_t>(used) >= columns)
+      return fail("Too many children in layout: {}", (*parent)->name);
   }
   Control& control = attach(type, std::move(own), *parent);
   if (type.kind == Kind::Window || type.kind == Kind::Layout) setCurrentParent(&control);
@@ -145,7 +161,9 @@ Result<Control*> Tree::create(const ControlType& type, std::string_view name, st
   return &control;
 }
 
-void Tree::setCurrentParent(Control* control) { currentParent_ = control ? control : mainWindow_; }
+void Tree::setCurrentParent(Control* control) {
+  currentParent_ = control ? control : mainWindow_;
+}
 
 Control* Tree::currentCollection(bool ofMenuItems) const {
   if (!currentCollection_) return nullptr;
@@ -161,8 +179,9 @@ Result<void> Tree::set(Control& control, const Attribute& attribute, const Value
   if (attribute.set) return attribute.set(*this, control, attribute, values);
   if (attribute.traits & kKeyed) {
     std::vector<Values>& entries = control.entries[attribute.longName];
-    const auto old = std::find_if(entries.begin(), entries.end(),
-                                  [&](const Values& entry) { return asText(entry) == asText(values); });
+    const auto old = std::find_if(entries.begin(), entries.end(), [&](const Values& entry) {
+      return asText(entry) == asText(values);
+    });
     if (old != entries.end())
       *old = values;
     else
@@ -188,7 +207,8 @@ Values Tree::get(const Control& control, const Attribute& attribute) const {
 void Tree::forget(const Control& removed) {
   visit(removed, [&](const Control& gone) {
     const auto [begin, end] = byName_.equal_range(gone.name);
-    const auto entry = std::find_if(begin, end, [&](const auto& each) { return each.second == &gone; });
+    const auto entry =
+        std::find_if(begin, end, [&](const auto& each) { return each.second == &gone; });
     HOST_ASSERT(entry != end, "keep the name index in step with the tree");
     byName_.erase(entry);
     if (currentParent_ == &gone) setCurrentParent(removed.parent);

@@ -12,30 +12,34 @@
 
 namespace host::ui {
 
-/// A window, layout, control, menu, item or collection. Owned by its parent; the tree's pointers stay valid until the
-/// control is removed.
+/// A window, layout, control, menu, item or collection. Owned by its parent; the tree's pointers
+/// stay valid until the control is removed.
 struct Control {
   const ControlType* type = nullptr;
   std::string name;
   Control* parent = nullptr;
   std::vector<std::unique_ptr<Control>> children;
-  std::map<std::string_view, Values> values;              ///< what was set, by the attribute's long name
+  std::map<std::string_view, Values> values;  ///< what was set, by the attribute's long name
   std::map<std::string_view, std::vector<Values>> entries;  ///< keyed attributes, a use each
-  Control* collection = nullptr;                          ///< of a radio button
-  Control* selected = nullptr;                            ///< of a collection: its button; of a tab layout: its tab
+  Control* collection = nullptr;                            ///< of a radio button
+  Control* selected = nullptr;  ///< of a collection: its button; of a tab layout: its tab
 
   /// What was set, else the initial value; empty for an unknown attribute.
   [[nodiscard]] Values value(std::string_view longName) const;
   [[nodiscard]] bool isOn(std::string_view longName) const { return asInt(value(longName)) != 0; }
-  [[nodiscard]] std::string text(std::string_view longName) const { return asText(value(longName)); }
-  void setValue(std::string_view longName, Values values);  ///< of an attribute of this type, else ignored
+  [[nodiscard]] std::string text(std::string_view longName) const {
+    return asText(value(longName));
+  }
+  void setValue(std::string_view longName,
+                Values values);  ///< of an attribute of this type, else ignored
   [[nodiscard]] bool isKind(Kind kind) const { return type->kind == kind; }
 };
 
 /// The control tree of the program: plain data, whether or not something shows it.
 ///
-/// Names are unique among siblings. A control is found by its path `window|layout|name` or by any end of it that
-/// fits one control only. New controls go to the current parent, new items to the current menu.
+/// Names are unique among siblings. A control is found by its path `window|layout|name` or by any
+/// end of it that fits one control only. New controls go to the current parent, new items to the
+/// current menu.
 class Tree {
  public:
   Tree();
@@ -44,13 +48,16 @@ class Tree {
   [[nodiscard]] Control& mainWindow() { return *mainWindow_; }
   static constexpr std::string_view kMainWindowName = "MayaWindow";
 
-  /// Makes a control. An empty name gives the type's with a number that was not used before; characters that can't
-  /// stand in a name become '_'. Layouts, windows and menus become the current parent of what follows.
-  /// @return an error naming what is wrong: the name is taken, the parent is missing or can't hold it
-  Result<Control*> create(const ControlType& type, std::string_view name, std::string_view parentName = {});
+  /// Makes a control. An empty name gives the type's with a number that was not used before;
+  /// characters that can't stand in a name become '_'. Layouts, windows and menus become the
+  /// current parent of what follows.
+  /// @return an error naming what is wrong: the name is taken, the parent is missing or can't hold
+  /// it
+  Result<Control*> create(const ControlType& type, std::string_view name,
+                          std::string_view parentName = {});
 
-  /// The control of a name among those that `accepts` lets pass. Fails: `Object 'x' not found.`, or that
-  /// the name is not unique.
+  /// The control of a name among those that `accepts` lets pass. Fails: `Object 'x' not found.`, or
+  /// that the name is not unique.
   template <class Accept>
   [[nodiscard]] Result<Control*> findIf(std::string_view name, const Accept& accepts) const {
     Control* found = nullptr;
@@ -81,23 +88,28 @@ class Tree {
   /// What querying the flag gives.
   [[nodiscard]] Values get(const Control& control, const Attribute& attribute) const;
 
-  /// Does what a person does: presses a button (no values), or gives a control another value: a truth value, number, text,
-  /// label or place in a list; groups take the number of the field before it. Fails for a control that is disabled.
-  /// @return the control's scripts that this sets off, in order; `#1` in them is replaced by the value
+  /// Does what a person does: presses a button (no values), or gives a control another value: a
+  /// truth value, number, text, label or place in a list; groups take the number of the field
+  /// before it. Fails for a control that is disabled.
+  /// @return the control's scripts that this sets off, in order; `#1` in them is replaced by the
+  /// value
   Result<std::vector<std::string>> userSets(Control& control, const Values& values);
   /// A drag: sets the value and gives the drag scripts only.
   Result<std::vector<std::string>> userDrags(Control& control, const Values& values);
-  /// Closes a window as its frame's button does: it is removed, or hidden when it is to be retained.
+  /// Closes a window as its frame's button does: it is removed, or hidden when it is to be
+  /// retained.
   Result<std::vector<std::string>> userCloses(Control& window);
 
-  /// Removes a control with all in it; returns the paths of what went, itself first. The main window stays.
+  /// Removes a control with all in it; returns the paths of what went, itself first. The main
+  /// window stays.
   Result<std::vector<std::string>> remove(Control& control);
 
   [[nodiscard]] Control* currentParent() const { return currentParent_; }
   [[nodiscard]] Control* currentMenu() const { return currentMenu_; }
   void setCurrentParent(Control* control);
   void setCurrentMenu(Control* control) { currentMenu_ = control; }
-  /// The collection that new radio buttons join: the latest one made under the current parent or above it.
+  /// The collection that new radio buttons join: the latest one made under the current parent or
+  /// above it.
   [[nodiscard]] Control* currentCollection(bool ofMenuItems) const;
   void setCurrentCollection(Control* collection) { currentCollection_ = collection; }
 
@@ -115,7 +127,8 @@ class Tree {
   }
   /// Whether `path` is the end of the control's path.
   [[nodiscard]] static bool fitsPath(const Control& control, std::string_view path);
-  [[nodiscard]] Result<Control*> parentFor(const ControlType& type, std::string_view parentName) const;
+  [[nodiscard]] Result<Control*> parentFor(const ControlType& type,
+                                           std::string_view parentName) const;
   [[nodiscard]] std::string freshName(const ControlType& type);
   Control& attach(const ControlType& type, std::string name, Control* parent);
   void forget(const Control& removed);

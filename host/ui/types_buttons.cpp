@@ -17,11 +17,8 @@ constexpr Attribute kButton[] = {
 };
 
 constexpr Attribute kCheckBox[] = {
-    {"v", "value", "b"},
-    {"cc", "changeCommand", "c"},
-    {"onc", "onCommand", "c"},
-    {"ofc", "offCommand", "c"},
-    {"ed", "editable", "b", "1"},
+    {"v", "value", "b"},        {"cc", "changeCommand", "c"}, {"onc", "onCommand", "c"},
+    {"ofc", "offCommand", "c"}, {"ed", "editable", "b", "1"},
 };
 
 constexpr Attribute kIcon[] = {
@@ -68,16 +65,13 @@ constexpr Attribute kSymbol[] = {
 };
 
 constexpr Attribute kSymbolToggle[] = {
-    {"v", "value", "b"},
-    {"i", "image", "s"},
-    {"oni", "onImage", "s"},
-    {"ofi", "offImage", "s"},
-    {"cc", "changeCommand", "c"},
-    {"onc", "onCommand", "c"},
+    {"v", "value", "b"},        {"i", "image", "s"},          {"oni", "onImage", "s"},
+    {"ofi", "offImage", "s"},   {"cc", "changeCommand", "c"}, {"onc", "onCommand", "c"},
     {"ofc", "offCommand", "c"},
 };
 
-// checkBoxGrp -------------------------------------------------------------------------------------------------------
+// checkBoxGrp
+// -------------------------------------------------------------------------------------------------------
 
 constexpr Attribute kCheckBoxGrp[] = {
     {"l", "label", "s"},
@@ -124,13 +118,16 @@ Result<std::vector<std::string>> boxGesture(Tree&, Control& group, const Values&
   const int box = values.size() > 1 ? asInt(values) : 1;
   const bool isInGroup = box >= 1 && box <= asInt(group.value("numberOfCheckBoxes"));
   if (!isInGroup) return fail("{} has no check box {}.", group.name, box);
-  if (!group.isOn(numbered(group, "enable", box))) return fail("Check box {} of {} is disabled.", box, group.name);
+  if (!group.isOn(numbered(group, "enable", box)))
+    return fail("Check box {} of {} is disabled.", box, group.name);
   const std::string_view name = numbered(group, "value", box);
   const bool isOn = values.empty() ? !group.isOn(name) : asInt({values.back()}) != 0;
   group.setValue(name, {isOn ? 1 : 0});
   const std::string_view which = isOn ? "onCommand" : "offCommand";
-  return scriptsOf(group, {which, numbered(group, which, box), "changeCommand", numbered(group, "changeCommand", box)},
-                   {isOn ? 1 : 0});
+  return scriptsOf(
+      group,
+      {which, numbered(group, which, box), "changeCommand", numbered(group, "changeCommand", box)},
+      {isOn ? 1 : 0});
 }
 
 }  // namespace

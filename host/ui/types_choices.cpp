@@ -5,7 +5,9 @@ namespace host::ui {
 
 namespace {
 
-bool isButton(const Control& control) { return control.type->find("collection") != nullptr; }
+bool isButton(const Control& control) {
+  return control.type->find("collection") != nullptr;
+}
 
 template <class Visit>
 void forEachButton(const Tree& tree, const Control& collection, const Visit& visit) {
@@ -15,9 +17,11 @@ void forEachButton(const Tree& tree, const Control& collection, const Visit& vis
     });
 }
 
-/// The button of a collection by name. Fails, naming it, when there is none or it is in no or another collection.
+/// The button of a collection by name. Fails, naming it, when there is none or it is in no or
+/// another collection.
 Result<Control*> buttonOf(const Tree& tree, const Control& collection, const std::string& name) {
-  auto own = tree.findIf(name, [&](const Control& control) { return control.collection == &collection; });
+  auto own =
+      tree.findIf(name, [&](const Control& control) { return control.collection == &collection; });
   if (own) return own;
   auto any = tree.findIf(name, [](const Control& control) { return isButton(control); });
   if (!any) return any;
@@ -37,7 +41,8 @@ Values selectedButton(const Tree&, const Control& collection, const Attribute&) 
 
 Values buttonNames(const Tree& tree, const Control& collection, const Attribute&) {
   Values names;
-  forEachButton(tree, collection, [&](const Control& button) { names.emplace_back(Tree::path(button)); });
+  forEachButton(tree, collection,
+                [&](const Control& button) { names.emplace_back(Tree::path(button)); });
   return names;
 }
 
@@ -61,9 +66,11 @@ Values isThisSelected(const Tree&, const Control& button, const Attribute&) {
 
 Result<void> joinCollection(Tree& tree, Control& button, const Attribute&, const Values& values) {
   const std::string name = asText(values);
-  auto collection = tree.findIf(name, [](const Control& control) { return control.isKind(Kind::Collection); });
+  auto collection =
+      tree.findIf(name, [](const Control& control) { return control.isKind(Kind::Collection); });
   if (!collection) return failWith(std::move(collection.error()));
-  if (button.collection && button.collection->selected == &button) button.collection->selected = nullptr;
+  if (button.collection && button.collection->selected == &button)
+    button.collection->selected = nullptr;
   button.collection = *collection;
   return {};
 }
@@ -79,7 +86,9 @@ Result<std::vector<std::string>> chooseButton(Control& button) {
   if (before == &button) return std::vector<std::string>{};
   selectInCollection(*collection, &button);
   std::vector<std::string> scripts;
-  const auto append = [&](std::vector<std::string> more) { scripts.insert(scripts.end(), more.begin(), more.end()); };
+  const auto append = [&](std::vector<std::string> more) {
+    scripts.insert(scripts.end(), more.begin(), more.end());
+  };
   if (before) append(scriptsOf(*before, {"offCommand", "changeCommand"}, {0}));
   append(scriptsOf(button, {"onCommand", "changeCommand"}, {1}));
   append(scriptsOf(*collection, {"changeCommand"}));
@@ -87,11 +96,13 @@ Result<std::vector<std::string>> chooseButton(Control& button) {
 }
 
 Result<std::vector<std::string>> buttonGesture(Tree&, Control& button, const Values& values) {
-  if (!values.empty() && asInt(values) == 0) return fail("'{}': choose another button of its collection.", button.name);
+  if (!values.empty() && asInt(values) == 0)
+    return fail("'{}': choose another button of its collection.", button.name);
   return chooseButton(button);
 }
 
-Result<std::vector<std::string>> collectionGesture(Tree& tree, Control& collection, const Values& values) {
+Result<std::vector<std::string>> collectionGesture(Tree& tree, Control& collection,
+                                                   const Values& values) {
   auto button = buttonOf(tree, collection, asText(values));
   if (!button) return failWith(std::move(button.error()));
   if (!(*button)->isOn("enable")) return fail("'{}' is disabled.", (*button)->name);
@@ -132,7 +143,8 @@ constexpr Attribute kIconRadioButton[] = {
     {"fn", "font", "s", "plainLabelFont"},
 };
 
-// radioButtonGrp ----------------------------------------------------------------------------------------------------
+// radioButtonGrp
+// ----------------------------------------------------------------------------------------------------
 
 Control& sharedWith(Tree& tree, Control& group) {
   const std::string name = group.text("shareCollection");
@@ -155,13 +167,22 @@ Result<std::vector<std::string>> groupGesture(Tree& tree, Control& group, const 
   const int before = asInt(group.value("select")), now = asInt(values);
   if (now < 1) return fail("{}: choose one of its buttons.", group.name);
   const std::string_view enabled = numbered(group, "enable", now);
-  if (!enabled.empty() && !group.isOn(enabled)) return fail("Radio button {} of {} is disabled.", now, group.name);
+  if (!enabled.empty() && !group.isOn(enabled))
+    return fail("Radio button {} of {} is disabled.", now, group.name);
   HOST_TRY(selectInGroup(tree, group, *group.type->find("select"), values));
   if (before == now) return std::vector<std::string>{};
   std::vector<std::string> scripts;
-  const auto append = [&](std::vector<std::string> more) { scripts.insert(scripts.end(), more.begin(), more.end()); };
-  if (before > 0) append(scriptsOf(group, {numbered(group, "offCommand", before), numbered(group, "changeCommand", before)}, {0}));
-  append(scriptsOf(group, {"onCommand", numbered(group, "onCommand", now), numbered(group, "changeCommand", now), "changeCommand"}, {1}));
+  const auto append = [&](std::vector<std::string> more) {
+    scripts.insert(scripts.end(), more.begin(), more.end());
+  };
+  if (before > 0)
+    append(scriptsOf(
+        group, {numbered(group, "offCommand", before), numbered(group, "changeCommand", before)},
+        {0}));
+  append(scriptsOf(group,
+                   {"onCommand", numbered(group, "onCommand", now),
+                    numbered(group, "changeCommand", now), "changeCommand"},
+                   {1}));
   return scripts;
 }
 
@@ -209,9 +230,16 @@ constexpr Attribute kRadioButtonGrp[] = {
 void addChoiceTypes(std::vector<ControlType>& types) {
   types.push_back({"radioCollection", Kind::Collection, {kCollection}, collectionGesture});
   types.push_back({"iconTextRadioCollection", Kind::Collection, {kCollection}, collectionGesture});
-  types.push_back({"radioButton", Kind::Control, {kRadioButton, commonAttributes()}, buttonGesture});
-  types.push_back({"iconTextRadioButton", Kind::Control, {kRadioButton, kIconRadioButton, commonAttributes()}, buttonGesture});
-  types.push_back({"radioButtonGrp", Kind::Control, {kRadioButtonGrp, columnAttributes(), commonAttributes()}, groupGesture});
+  types.push_back(
+      {"radioButton", Kind::Control, {kRadioButton, commonAttributes()}, buttonGesture});
+  types.push_back({"iconTextRadioButton",
+                   Kind::Control,
+                   {kRadioButton, kIconRadioButton, commonAttributes()},
+                   buttonGesture});
+  types.push_back({"radioButtonGrp",
+                   Kind::Control,
+                   {kRadioButtonGrp, columnAttributes(), commonAttributes()},
+                   groupGesture});
 }
 
 }  // namespace host::ui

@@ -37,7 +37,8 @@ Result<void> setProgress(Tree&, Control& bar, const Attribute&, const Values& va
   return {};
 }
 
-Result<void> stepProgress(Tree& tree, Control& bar, const Attribute& attribute, const Values& values) {
+Result<void> stepProgress(Tree& tree, Control& bar, const Attribute& attribute,
+                          const Values& values) {
   return setProgress(tree, bar, attribute, {asInt(bar.value("progress")) + asInt(values)});
 }
 

@@ -57,20 +57,14 @@ constexpr Attribute kIntSliderGrp[] = {
 };
 
 constexpr Attribute kFloatSliderGrp[] = {
-    {"min", "minValue", "f", "0"},
-    {"max", "maxValue", "f", "100"},
-    {"fmn", "fieldMinValue", "f", "0"},
-    {"fmx", "fieldMaxValue", "f", "100"},
-    {"pre", "precision", "i", "2"},
-    {"v", "value", "f", "0", kAll, kLate, setRanged},
+    {"min", "minValue", "f", "0"},      {"max", "maxValue", "f", "100"},
+    {"fmn", "fieldMinValue", "f", "0"}, {"fmx", "fieldMaxValue", "f", "100"},
+    {"pre", "precision", "i", "2"},     {"v", "value", "f", "0", kAll, kLate, setRanged},
 };
 
 constexpr Attribute kColorSliderGrp[] = {
-    {"l", "label", "s"},
-    {"rgb", "rgbValue", "fff"},
-    {"hsv", "hsvValue", "fff"},
-    {"cc", "changeCommand", "c"},
-    {"dc", "dragCommand", "c"},
+    {"l", "label", "s"},          {"rgb", "rgbValue", "fff"}, {"hsv", "hsvValue", "fff"},
+    {"cc", "changeCommand", "c"}, {"dc", "dragCommand", "c"},
 };
 
 Result<std::vector<std::string>> colorGesture(Tree&, Control& group, const Values& values) {
@@ -98,7 +92,8 @@ constexpr Attribute kTextFieldGrp[] = {
 };
 
 /// Nothing given presses the button, a text changes the field.
-Result<std::vector<std::string>> textButtonGesture(Tree& tree, Control& group, const Values& values) {
+Result<std::vector<std::string>> textButtonGesture(Tree& tree, Control& group,
+                                                   const Values& values) {
   if (!values.empty()) return textGesture(tree, group, values);
   if (!group.isOn("enableButton")) return fail("The button of {} is disabled.", group.name);
   return scriptsOf(group, {"buttonCommand"});
@@ -129,7 +124,8 @@ void addFieldGroupTypes(std::vector<ControlType>& types) {
   add("intSliderGrp", {kIntSliderGrp, kSliderGrp}, valueGesture);
   add("floatSliderGrp", {kFloatSliderGrp, kSliderGrp}, valueGesture);
   add("intSliderButtonGrp", {kIntSliderGrp, kSliderGrp, kGroupButton}, valueGesture);
-  add("floatSliderButtonGrp", {kFloatSliderGrp, kSliderGrp, kGroupButton, kSymbolOption}, valueGesture);
+  add("floatSliderButtonGrp", {kFloatSliderGrp, kSliderGrp, kGroupButton, kSymbolOption},
+      valueGesture);
   add("colorSliderGrp", {kColorSliderGrp}, colorGesture);
   add("textFieldGrp", {kTextFieldGrp}, textGesture);
   add("textFieldButtonGrp", {kTextFieldGrp, kGroupButton}, textButtonGesture);

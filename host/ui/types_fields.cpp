@@ -11,12 +11,8 @@ constexpr const char* kRealMin = "-3.4e38";
 constexpr const char* kRealMax = "3.4e38";
 
 constexpr Attribute kChange[] = {
-    {"cc", "changeCommand", "c"},
-    {"dc", "dragCommand", "c"},
-    {"ec", "enterCommand", "c"},
-    {"rfc", "receiveFocusCommand", "c"},
-    {"ed", "editable", "b", "1"},
-    {"s", "step", "f", "1"},
+    {"cc", "changeCommand", "c"},        {"dc", "dragCommand", "c"},   {"ec", "enterCommand", "c"},
+    {"rfc", "receiveFocusCommand", "c"}, {"ed", "editable", "b", "1"}, {"s", "step", "f", "1"},
 };
 
 constexpr Attribute kIntField[] = {
@@ -26,10 +22,8 @@ constexpr Attribute kIntField[] = {
 };
 
 constexpr Attribute kFloatField[] = {
-    {"min", "minValue", "f", kRealMin},
-    {"max", "maxValue", "f", kRealMax},
-    {"pre", "precision", "i", "3"},
-    {"v", "value", "f", "0", kAll, kLate, setRanged},
+    {"min", "minValue", "f", kRealMin},    {"max", "maxValue", "f", kRealMax},
+    {"pre", "precision", "i", "3"},        {"v", "value", "f", "0", kAll, kLate, setRanged},
     {"sz", "showTrailingZeros", "b", "1"},
 };
 
@@ -46,18 +40,16 @@ constexpr Attribute kFloatSlider[] = {
 };
 
 constexpr Attribute kSlider[] = {
-    {"hr", "horizontal", "b", "1"},
-    {"cc", "changeCommand", "c"},
-    {"dc", "dragCommand", "c"},
-    {"s", "step", "f", "1"},
-    {"ss", "sliderStep", "f", "1"},
+    {"hr", "horizontal", "b", "1"}, {"cc", "changeCommand", "c"},   {"dc", "dragCommand", "c"},
+    {"s", "step", "f", "1"},        {"ss", "sliderStep", "f", "1"},
 };
 
 Result<void> insertText(Tree&, Control& field, const Attribute&, const Values& values) {
   std::string text = field.text("text");
   const int place = asInt(field.value("insertionPosition"));
-  const std::size_t at = place <= 0 || static_cast<std::size_t>(place) > text.size() ? text.size()
-                                                                                     : static_cast<std::size_t>(place) - 1;
+  const std::size_t at = place <= 0 || static_cast<std::size_t>(place) > text.size()
+                             ? text.size()
+                             : static_cast<std::size_t>(place) - 1;
   const std::string more = asText(values);
   field.setValue("text", {text.insert(at, more)});
   field.setValue("insertionPosition", {static_cast<int>(at + more.size()) + 1});

@@ -11,7 +11,8 @@ Result<void> checkChild(const Control& layout, const std::string& name) {
 }
 
 /// An edge of a child is held by what it was attached to last.
-Result<void> setAttachment(Tree& tree, Control& layout, const Attribute& attribute, const Values& values) {
+Result<void> setAttachment(Tree& tree, Control& layout, const Attribute& attribute,
+                           const Values& values) {
   auto child = tree.find(asText(values));
   if (!child) return failWith(std::move(child.error()));
   HOST_TRY(checkChild(layout, (*child)->name));
@@ -43,7 +44,8 @@ const Control* tabOf(const Control& layout) {
 Result<void> selectTab(Tree& tree, Control& layout, const Attribute&, const Values& values) {
   auto child = tree.find(asText(values));
   if (!child) return failWith(std::move(child.error()));
-  if ((*child)->parent != &layout) return fail("'{}' is not a tab of {}.", asText(values), layout.name);
+  if ((*child)->parent != &layout)
+    return fail("'{}' is not a tab of {}.", asText(values), layout.name);
   layout.selected = *child;
   return {};
 }
@@ -63,7 +65,8 @@ Result<void> selectTabIndex(Tree& tree, Control& layout, const Attribute&, const
   if (index < 1 || static_cast<std::size_t>(index) > names.size())
     return fail("{} has no tab {}.", layout.name, index);
   for (const auto& child : layout.children)
-    if (child->name == asText(names, static_cast<std::size_t>(index) - 1)) layout.selected = child.get();
+    if (child->name == asText(names, static_cast<std::size_t>(index) - 1))
+      layout.selected = child.get();
   return {};
 }
 
@@ -75,7 +78,8 @@ Values selectedTabIndex(const Tree& tree, const Control& layout, const Attribute
   return {0};
 }
 
-Result<void> setTabLabel(Tree& tree, Control& layout, const Attribute& attribute, const Values& values) {
+Result<void> setTabLabel(Tree& tree, Control& layout, const Attribute& attribute,
+                         const Values& values) {
   auto child = tree.find(asText(values));
   if (!child) return failWith(std::move(child.error()));
   HOST_TRY(checkChild(layout, (*child)->name));
@@ -102,7 +106,8 @@ Values tabLabels(const Tree& tree, const Control& layout, const Attribute&) {
 Result<std::vector<std::string>> tabGesture(Tree& tree, Control& layout, const Values& values) {
   const bool isIndex = !values.empty() && !std::holds_alternative<std::string>(values.front());
   const Control* before = tabOf(layout);
-  HOST_TRY((isIndex ? selectTabIndex : selectTab)(tree, layout, *layout.type->find("selectTab"), values));
+  HOST_TRY((isIndex ? selectTabIndex : selectTab)(tree, layout, *layout.type->find("selectTab"),
+                                                  values));
   const bool changed = before != layout.selected;
   return scriptsOf(layout, {"selectCommand", changed ? "changeCommand" : ""});
 }
@@ -110,7 +115,8 @@ Result<std::vector<std::string>> tabGesture(Tree& tree, Control& layout, const V
 Result<std::vector<std::string>> collapseGesture(Tree&, Control& frame, const Values& values) {
   if (!frame.isOn("collapsable")) return fail("{} can't be collapsed.", frame.name);
   const bool collapse = values.empty() ? !frame.isOn("collapse") : asInt(values) != 0;
-  std::vector<std::string> scripts = scriptsOf(frame, {collapse ? "preCollapseCommand" : "preExpandCommand"});
+  std::vector<std::string> scripts =
+      scriptsOf(frame, {collapse ? "preCollapseCommand" : "preExpandCommand"});
   frame.setValue("collapse", {collapse ? 1 : 0});
   for (std::string& script : scriptsOf(frame, {collapse ? "collapseCommand" : "expandCommand"}))
     scripts.push_back(std::move(script));
@@ -218,11 +224,13 @@ constexpr Attribute kGridLayout[] = {
 Values paneAt(const Control& layout, std::size_t index) {
   const auto set = layout.entries.find("setPane");
   if (set != layout.entries.end())
-    for (auto entry = set->second.rbegin(); entry != set->second.rend(); ++entry)  // what was put there last
+    for (auto entry = set->second.rbegin(); entry != set->second.rend();
+         ++entry)  // what was put there last
       if (asInt(*entry, 1) == static_cast<int>(index)) return {asText(*entry)};
   std::size_t place = 0;
   for (const auto& child : layout.children)
-    if ((child->isKind(Kind::Layout) || child->isKind(Kind::Control)) && ++place == index) return {child->name};
+    if ((child->isKind(Kind::Layout) || child->isKind(Kind::Control)) && ++place == index)
+      return {child->name};
   return {std::string()};
 }
 
@@ -233,7 +241,8 @@ Values getPane(const Tree&, const Control& layout, const Attribute& attribute) {
 Values getPaneCount(const Tree&, const Control& layout, const Attribute&) {
   const std::string configuration = layout.text("configuration");
   if (configuration == "single") return {1};
-  if (configuration.starts_with("horizontal2") || configuration.starts_with("vertical2")) return {2};
+  if (configuration.starts_with("horizontal2") || configuration.starts_with("vertical2"))
+    return {2};
   return {configuration == "quad" || configuration.ends_with("4") ? 4 : 3};
 }
 
@@ -259,19 +268,17 @@ constexpr Attribute kMenuBarLayout[] = {
 };
 
 constexpr Attribute kShelfLayout[] = {
-    {"stl", "style", "s", "iconOnly"},
-    {"sp", "spacing", "i", "1"},
-    {"cwh", "cellWidthHeight", "ii", "34 34"},
-    {"cw", "cellWidth", "i", "34"},
-    {"ch", "cellHeight", "i", "34"},
-    {"pos", "position", "si", "", kAll, kMulti | kKeyed},
+    {"stl", "style", "s", "iconOnly"},         {"sp", "spacing", "i", "1"},
+    {"cwh", "cellWidthHeight", "ii", "34 34"}, {"cw", "cellWidth", "i", "34"},
+    {"ch", "cellHeight", "i", "34"},           {"pos", "position", "si", "", kAll, kMulti | kKeyed},
     {"ald", "alternateLayoutDirection", "b"},
 };
 
 }  // namespace
 
 void addLayoutTypes(std::vector<ControlType>& types) {
-  const auto add = [&](std::string_view name, std::vector<AttributeTable> own, Gesture gesture = nullptr) {
+  const auto add = [&](std::string_view name, std::vector<AttributeTable> own,
+                       Gesture gesture = nullptr) {
     own.push_back(layoutAttributes());
     own.push_back(commonAttributes());
     types.push_back({name, Kind::Layout, std::move(own), gesture});

@@ -31,7 +31,8 @@ Result<void> append(Tree&, Control& list, const Attribute&, const Values& values
 Result<void> appendAt(Tree&, Control& list, const Attribute&, const Values& values) {
   std::vector<std::string> items = texts(list, "allItems");
   const int position = asInt(values);
-  const std::size_t at = position < 1 ? items.size() : std::min(items.size(), static_cast<std::size_t>(position) - 1);
+  const std::size_t at =
+      position < 1 ? items.size() : std::min(items.size(), static_cast<std::size_t>(position) - 1);
   items.insert(items.begin() + static_cast<std::ptrdiff_t>(at), asText(values, 1));
   keep(list, "allItems", items);
   return {};
@@ -90,7 +91,8 @@ Result<void> removeItem(Tree&, Control& list, const Attribute&, const Values& va
   return {};
 }
 
-Result<void> removePosition(Tree& tree, Control& list, const Attribute& attribute, const Values& values) {
+Result<void> removePosition(Tree& tree, Control& list, const Attribute& attribute,
+                            const Values& values) {
   auto item = itemAt(list, asInt(values));
   if (!item) return failWith(std::move(item.error()));
   return removeItem(tree, list, attribute, {*item});
@@ -107,12 +109,14 @@ Values selectedItems(const Tree&, const Control& list, const Attribute&) {
   const std::vector<std::string> selected = texts(list, "selected");
   Values found;
   for (const std::string& item : texts(list, "allItems"))
-    if (std::find(selected.begin(), selected.end(), item) != selected.end()) found.emplace_back(item);
+    if (std::find(selected.begin(), selected.end(), item) != selected.end())
+      found.emplace_back(item);
   return found;
 }
 
 Values selectedPositions(const Tree&, const Control& list, const Attribute&) {
-  const std::vector<std::string> selected = texts(list, "selected"), items = texts(list, "allItems");
+  const std::vector<std::string> selected = texts(list, "selected"),
+                                 items = texts(list, "allItems");
   Values found;
   for (std::size_t i = 0; i < items.size(); ++i)
     if (std::find(selected.begin(), selected.end(), items[i]) != selected.end())
@@ -133,7 +137,8 @@ Values allItemsOrNone(const Tree&, const Control& list, const Attribute&) {
 Result<std::vector<std::string>> listGesture(Tree& tree, Control& list, const Values& values) {
   const bool isPosition = !values.empty() && !std::holds_alternative<std::string>(values.front());
   if (!list.isOn("allowMultiSelection")) keep(list, "selected", {});
-  HOST_TRY((isPosition ? selectPosition : selectItem)(tree, list, *list.type->find("selectItem"), values));
+  HOST_TRY((isPosition ? selectPosition : selectItem)(tree, list, *list.type->find("selectItem"),
+                                                      values));
   return scriptsOf(list, {"selectCommand"});
 }
 
@@ -142,7 +147,8 @@ constexpr Attribute kTextScrollList[] = {
     {"ap", "appendPosition", "is", "", kCreateEdit, kMulti, appendAt},
     {"ams", "allowMultiSelection", "b"},
     {"si", "selectItem", "s", "", kAll, kMulti | kLate | kList, selectItem, selectedItems},
-    {"sii", "selectIndexedItem", "i", "", kAll, kMulti | kLate | kList, selectPosition, selectedPositions},
+    {"sii", "selectIndexedItem", "i", "", kAll, kMulti | kLate | kList, selectPosition,
+     selectedPositions},
     {"da", "deselectAll", "", "", kEdit, 0, deselectAll},
     {"di", "deselectItem", "s", "", kEdit, kMulti, deselectItem},
     {"ri", "removeItem", "s", "", kEdit, kMulti, removeItem},
@@ -164,7 +170,8 @@ constexpr Attribute kTextScrollList[] = {
 }  // namespace
 
 void addListTypes(std::vector<ControlType>& types) {
-  types.push_back({"textScrollList", Kind::Control, {kTextScrollList, commonAttributes()}, listGesture});
+  types.push_back(
+      {"textScrollList", Kind::Control, {kTextScrollList, commonAttributes()}, listGesture});
 }
 
 }  // namespace host::ui

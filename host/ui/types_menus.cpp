@@ -7,7 +7,9 @@ namespace host::ui {
 
 namespace {
 
-bool isItem(const Control& control) { return control.type->name == "menuItem"; }
+bool isItem(const Control& control) {
+  return control.type->name == "menuItem";
+}
 
 std::vector<Control*> itemsOf(const Control& menu) {
   std::vector<Control*> items;
@@ -24,7 +26,8 @@ std::string labelOf(const Control& item) {
 Values itemNames(const Tree&, const Control& menu, const Attribute& attribute) {
   const bool isLong = attribute.longName == "itemListLong";
   Values names;
-  for (const Control* item : itemsOf(menu)) names.emplace_back(isLong ? Tree::path(*item) : item->name);
+  for (const Control* item : itemsOf(menu))
+    names.emplace_back(isLong ? Tree::path(*item) : item->name);
   return names;
 }
 
@@ -59,14 +62,12 @@ constexpr Attribute kMenu[] = {
 };
 
 constexpr Attribute kPopupMenu[] = {
-    {"b", "button", "i", "3"},
-    {"mm", "markingMenu", "b"},
-    {"alt", "altModifier", "b"},
-    {"ctl", "ctrlModifier", "b"},
-    {"sh", "shiftModifier", "b"},
+    {"b", "button", "i", "3"},    {"mm", "markingMenu", "b"},   {"alt", "altModifier", "b"},
+    {"ctl", "ctrlModifier", "b"}, {"sh", "shiftModifier", "b"},
 };
 
-// Items -------------------------------------------------------------------------------------------------------------
+// Items
+// -------------------------------------------------------------------------------------------------------------
 
 Result<void> setCheck(Tree&, Control& item, const Attribute& attribute, const Values& values) {
   if (attribute.longName == "checkBox") item.setValue("isCheckBox", {1});
@@ -74,12 +75,15 @@ Result<void> setCheck(Tree&, Control& item, const Attribute& attribute, const Va
   return {};
 }
 
-Values isChecked(const Tree&, const Control& item, const Attribute&) { return {item.isOn("checked") ? 1 : 0}; }
+Values isChecked(const Tree&, const Control& item, const Attribute&) {
+  return {item.isOn("checked") ? 1 : 0};
+}
 
 Result<void> setRadio(Tree& tree, Control& item, const Attribute&, const Values& values) {
   item.setValue("isRadioButton", {1});
   if (!item.collection) item.collection = tree.currentCollection(true);
-  if (!item.collection) return fail("'{}' is in no collection: make a radioMenuItemCollection first.", item.name);
+  if (!item.collection)
+    return fail("'{}' is in no collection: make a radioMenuItemCollection first.", item.name);
   if (asInt(values) != 0)
     selectInCollection(*item.collection, &item);
   else if (item.collection->selected == &item)
@@ -98,7 +102,8 @@ Result<void> joinCollection(Tree& tree, Control& item, const Attribute&, const V
   return {};
 }
 
-Result<void> setSubMenu(Tree& tree, Control& item, const Attribute& attribute, const Values& values) {
+Result<void> setSubMenu(Tree& tree, Control& item, const Attribute& attribute,
+                        const Values& values) {
   item.setValue(attribute.longName, values);
   if (asInt(values) != 0) tree.setCurrentMenu(&item);
   return {};
@@ -152,7 +157,8 @@ constexpr Attribute kMenuItem[] = {
     {"fpn", "fullPathName", "", "", kQuery, 0, nullptr, getFullPath},
 };
 
-/// Picks the item: a box is ticked or unticked first, a radio item becomes the chosen one; then its command runs.
+/// Picks the item: a box is ticked or unticked first, a radio item becomes the chosen one; then its
+/// command runs.
 Result<std::vector<std::string>> itemGesture(Tree& tree, Control& item, const Values& values) {
   if (item.isOn("divider") || item.isOn("subMenu")) return fail("'{}' runs nothing.", item.name);
   if (item.isOn("isCheckBox")) {
@@ -160,7 +166,8 @@ Result<std::vector<std::string>> itemGesture(Tree& tree, Control& item, const Va
     item.setValue("checked", {isOn ? 1 : 0});
     return scriptsOf(item, {"command"}, {isOn ? 1 : 0});
   }
-  if (item.isOn("isRadioButton")) HOST_TRY(setRadio(tree, item, *item.type->find("radioButton"), {1}));
+  if (item.isOn("isRadioButton"))
+    HOST_TRY(setRadio(tree, item, *item.type->find("radioButton"), {1}));
   return scriptsOf(item, {"command"}, {1});
 }
 
@@ -170,7 +177,8 @@ constexpr Attribute kItemCollection[] = {
     {"fpn", "fullPathName", "", "", kQuery, 0, nullptr, getFullPath},
 };
 
-// Option menus ------------------------------------------------------------------------------------------------------
+// Option menus
+// ------------------------------------------------------------------------------------------------------
 
 int selectedIndex(const Control& menu) {
   const int count = static_cast<int>(itemsOf(menu).size());
@@ -185,7 +193,9 @@ Result<void> selectIndex(Tree&, Control& menu, const Attribute&, const Values& v
   return {};
 }
 
-Values getIndex(const Tree&, const Control& menu, const Attribute&) { return {selectedIndex(menu)}; }
+Values getIndex(const Tree&, const Control& menu, const Attribute&) {
+  return {selectedIndex(menu)};
+}
 
 Result<void> selectLabel(Tree&, Control& menu, const Attribute&, const Values& values) {
   const std::vector<Control*> items = itemsOf(menu);
@@ -199,7 +209,8 @@ Result<void> selectLabel(Tree&, Control& menu, const Attribute&, const Values& v
 
 Values getLabel(const Tree&, const Control& menu, const Attribute&) {
   const int index = selectedIndex(menu);
-  return {index == 0 ? std::string() : labelOf(*itemsOf(menu)[static_cast<std::size_t>(index) - 1])};
+  return {index == 0 ? std::string()
+                     : labelOf(*itemsOf(menu)[static_cast<std::size_t>(index) - 1])};
 }
 
 Result<std::vector<std::string>> optionGesture(Tree& tree, Control& menu, const Values& values) {
@@ -234,9 +245,13 @@ void addMenuTypes(std::vector<ControlType>& types) {
   types.push_back({"popupMenu", Kind::Menu, {kMenu, kPopupMenu}, nullptr, true});
   types.push_back({"menuItem", Kind::MenuItem, {kMenuItem}, itemGesture});
   types.push_back({"radioMenuItemCollection", Kind::Collection, {kItemCollection}});
-  types.push_back({"optionMenu", Kind::Control, {kOptionMenu, commonAttributes()}, optionGesture, true});
-  types.push_back({"optionMenuGrp", Kind::Control, {kOptionMenu, kOptionMenuGrp, columnAttributes(), commonAttributes()},
-                   optionGesture, true});
+  types.push_back(
+      {"optionMenu", Kind::Control, {kOptionMenu, commonAttributes()}, optionGesture, true});
+  types.push_back({"optionMenuGrp",
+                   Kind::Control,
+                   {kOptionMenu, kOptionMenuGrp, columnAttributes(), commonAttributes()},
+                   optionGesture,
+                   true});
 }
 
 }  // namespace host::ui

@@ -65,6 +65,8 @@ constexpr Attribute kWindow[] = {
 
 }  // namespace
 
-void addWindowTypes(std::vector<ControlType>& types) { types.push_back({"window", Kind::Window, {kWindow}}); }
+void addWindowTypes(std::vector<ControlType>& types) {
+  types.push_back({"window", Kind::Window, {kWindow}});
+}
 
 }  // namespace host::ui

@@ -174,11 +174,10 @@ bool sameSurface(const Mesh& a, const Mesh& b, SurfaceContent content) {
   };
   const auto sameColors = [&] {
     return a.currentColorSet() == b.currentColorSet() &&
-           (a.currentColorSet() < 0 ||
-            (sameArray(a.colorSet(a.currentColorSet()).colors,
-                       b.colorSet(b.currentColorSet()).colors) &&
-             sameArray(a.colorSet(a.currentColorSet()).cornerIds,
-                       b.colorSet(b.currentColorSet()).cornerIds)));
+           (a.currentColorSet() < 0 || (sameArray(a.colorSet(a.currentColorSet()).colors,
+                                                  b.colorSet(b.currentColorSet()).colors) &&
+                                        sameArray(a.colorSet(a.currentColorSet()).cornerIds,
+                                                  b.colorSet(b.currentColorSet()).cornerIds)));
   };
   return (!content.uvs || sameUvs()) && (!content.colors || sameColors());
 }

@@ -111,7 +111,8 @@ class Gatherer {
       Result<RenderMesh> mesh = make(path, isTemplateHere);
       if (mesh) meshes_.push_back(std::move(*mesh));
     }
-    for (dg::Node* child : scene::dagLinks(node).children) visit(path.child(child), isTemplateHere, isListed);
+    for (dg::Node* child : scene::dagLinks(node).children)
+      visit(path.child(child), isTemplateHere, isListed);
   }
 
   [[nodiscard]] ObjectState stateOf(const DagPath& path) const {

@@ -1,4 +1,5 @@
-// A node for a mesh's history as a plug-in writes it: inMesh in, outMesh out, every point lifted by `height`.
+// A node for a mesh's history as a plug-in writes it: inMesh in, outMesh out, every point lifted by
+// `height`.
 #include <maya/MDataBlock.h>
 #include <maya/MDataHandle.h>
 #include <maya/MFnMesh.h>
@@ -61,4 +62,6 @@ MStatus initializePlugin(MObject object) {
       .registerNode("liftNode", LiftNode::id, LiftNode::creator, LiftNode::initialize);
 }
 
-MStatus uninitializePlugin(MObject object) { return MFnPlugin(object).deregisterNode(LiftNode::id); }
+MStatus uninitializePlugin(MObject object) {
+  return MFnPlugin(object).deregisterNode(LiftNode::id);
+}

@@ -1,4 +1,5 @@
 // Node types as a plug-in writes them, with nothing but the API's headers.
+#include <maya/MArgList.h>
 #include <maya/MDGMessage.h>
 #include <maya/MDGModifier.h>
 #include <maya/MFnCompoundAttribute.h>
@@ -8,7 +9,6 @@
 #include <maya/MFnTypedAttribute.h>
 #include <maya/MFnUnitAttribute.h>
 #include <maya/MGlobal.h>
-#include <maya/MArgList.h>
 #include <maya/MNodeMessage.h>
 #include <maya/MPxCommand.h>
 #include <maya/MPxLocatorNode.h>
@@ -19,7 +19,8 @@
 
 namespace {
 
-/// sum = scale * (all inputs), doubled = each input twice, offset follows a triple; level lives in the object.
+/// sum = scale * (all inputs), doubled = each input twice, offset follows a triple; level lives in
+/// the object.
 class SumNode : public MPxNode {
  public:
   static void* creator() { return new SumNode; }
@@ -34,7 +35,8 @@ class SumNode : public MPxNode {
     if (plug == sum) {
       MArrayDataHandle array = block.inputArrayValue(inputs);
       double total = 0;
-      for (unsigned int i = 0; i < array.elementCount(); ++i, array.next()) total += array.inputValue().asDouble();
+      for (unsigned int i = 0; i < array.elementCount(); ++i, array.next())
+        total += array.inputValue().asDouble();
       block.outputValue(sum).asDouble() = total * block.inputValue(scale).asDouble();
       block.setClean(plug);
       return MS::kSuccess;
@@ -48,7 +50,8 @@ class SumNode : public MPxNode {
     }
     if (plug == echo) {
       MDataHandle out = block.outputValue(echo);
-      out.setString(MString(wasConstructed_ ? "made " : "lost ") + block.inputValue(untracked).asInt());
+      out.setString(MString(wasConstructed_ ? "made " : "lost ") +
+                    block.inputValue(untracked).asInt());
       out.setClean();
       return MS::kSuccess;
     }
@@ -69,13 +72,16 @@ class SumNode : public MPxNode {
     level_ = handle.asInt() * 10;
     return true;
   }
-  void copyInternalData(MPxNode* original) override { level_ = static_cast<SumNode*>(original)->level_; }
+  void copyInternalData(MPxNode* original) override {
+    level_ = static_cast<SumNode*>(original)->level_;
+  }
   MStatus shouldSave(const MPlug& plug, bool& isSaved) override {
     if (plug != untracked) return MS::kUnknownParameter;
     isSaved = false;
     return MS::kSuccess;
   }
-  MStatus legalConnection(const MPlug& plug, const MPlug&, bool asSrc, bool& isLegal) const override {
+  MStatus legalConnection(const MPlug& plug, const MPlug&, bool asSrc,
+                          bool& isLegal) const override {
     if (asSrc || plug != scale) return MS::kUnknownParameter;
     isLegal = false;
     return MS::kSuccess;
@@ -97,8 +103,8 @@ class SumNode : public MPxNode {
 };
 
 MTypeId SumNode::id(0x00123400);
-MObject SumNode::inputs, SumNode::scale, SumNode::sum, SumNode::doubled, SumNode::vector, SumNode::moved,
-    SumNode::level, SumNode::echo, SumNode::untracked, SumNode::fails;
+MObject SumNode::inputs, SumNode::scale, SumNode::sum, SumNode::doubled, SumNode::vector,
+    SumNode::moved, SumNode::level, SumNode::echo, SumNode::untracked, SumNode::fails;
 
 MStatus SumNode::initialize() {
   MFnNumericAttribute numeric;
@@ -121,7 +127,8 @@ MStatus SumNode::initialize() {
   untracked = numeric.create("untracked", "unt", MFnNumericData::kInt);
   fails = numeric.create("fails", "fls", MFnNumericData::kDouble);
   echo = typed.create("echo", "eco", MFnData::kString);
-  for (const MObject& each : {inputs, scale, sum, doubled, vector, moved, level, untracked, echo, fails})
+  for (const MObject& each :
+       {inputs, scale, sum, doubled, vector, moved, level, untracked, echo, fails})
     CHECK_MSTATUS_AND_RETURN_IT(addAttribute(each));
   attributeAffects(inputs, sum);
   attributeAffects(scale, sum);
@@ -152,7 +159,8 @@ void onAttribute(MNodeMessage::AttributeMessage message, MPlug& plug, MPlug&, vo
   if (attributeSets == 2) MMessage::removeCallback(MMessage::currentCallbackId());
 }
 
-/// watchSum NODE: counts edits of the node; buildSum [fail]: makes a wired pair of nodes through a modifier.
+/// watchSum NODE: counts edits of the node; buildSum [fail]: makes a wired pair of nodes through a
+/// modifier.
 class WatchCommand : public MPxCommand {
  public:
   static void* creator() { return new WatchCommand; }
@@ -177,7 +185,8 @@ class BuildCommand : public MPxCommand {
     MFnDependencyNode source(first), target(second);
     modifier_.renameNode(first, "source");
     modifier_.newPlugValueDouble(source.findPlug("sumScale", true), 3);
-    modifier_.connect(source.findPlug("sum", true), target.findPlug("inputs", true).elementByLogicalIndex(4));
+    modifier_.connect(source.findPlug("sum", true),
+                      target.findPlug("inputs", true).elementByLogicalIndex(4));
     modifier_.commandToExecute("createNode \"transform\" -name \"byCommand\"");
     if (args.length() > 0) modifier_.connect(first, SumNode::sum, second, SumNode::scale);
     return redoIt();
@@ -193,7 +202,8 @@ class BuildCommand : public MPxCommand {
 
 MStatus initializePlugin(MObject object) {
   MFnPlugin plugin(object, "test", "1.0", "Any");
-  CHECK_MSTATUS_AND_RETURN_IT(plugin.registerNode("sumNode", SumNode::id, SumNode::creator, SumNode::initialize));
+  CHECK_MSTATUS_AND_RETURN_IT(
+      plugin.registerNode("sumNode", SumNode::id, SumNode::creator, SumNode::initialize));
   CHECK_MSTATUS_AND_RETURN_IT(plugin.registerNode("boxLocator", BoxLocator::id, BoxLocator::creator,
                                                   BoxLocator::initialize, MPxNode::kLocatorNode));
   CHECK_MSTATUS_AND_RETURN_IT(plugin.registerCommand("watchSum", WatchCommand::creator));

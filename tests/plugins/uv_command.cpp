@@ -21,7 +21,8 @@ class ShiftUVs : public MPxPolyTweakUVCommand {
     if (data.isFlagSet("-s")) data.getFlagArgument("-s", 0, spoils_);
     return data.isFlagSet("-b") ? data.getFlagArgument("-b", 0, by_) : MS::kSuccess;
   }
-  MStatus getTweakedUVs(const MObject& mesh, MIntArray& uvs, MFloatArray& u, MFloatArray& v) override {
+  MStatus getTweakedUVs(const MObject& mesh, MIntArray& uvs, MFloatArray& u,
+                        MFloatArray& v) override {
     const MFnMesh polygons(mesh);
     for (unsigned int i = 0; i < uvs.length(); ++i) {
       float fromU = 0, fromV = 0;

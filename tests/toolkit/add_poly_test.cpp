@@ -17,7 +17,8 @@ class registeredNode {
  public:
   explicit registeredNode(toolkitSession& toolkit) : toolkit_(toolkit) {
     record_->info.name = "addPolygons";
-    REQUIRE(plugin().registerNode("qxAddPolyNode", addPolyNode::id, addPolyNode::creator, addPolyNode::initialize));
+    REQUIRE(plugin().registerNode("qxAddPolyNode", addPolyNode::id, addPolyNode::creator,
+                                  addPolyNode::initialize));
   }
   ~registeredNode() {
     toolkit_.run("file -f -new");
@@ -26,7 +27,8 @@ class registeredNode {
 
  private:
   MFnPlugin plugin() const {
-    return MFnPlugin(host::api::Access::make<MObject>(new host::api::PluginRep(record_)), "tests", "1", "Any");
+    return MFnPlugin(host::api::Access::make<MObject>(new host::api::PluginRep(record_)), "tests",
+                     "1", "Any");
   }
   toolkitSession& toolkit_;
   std::shared_ptr<host::api::PluginRecord> record_ = std::make_shared<host::api::PluginRecord>();
@@ -38,19 +40,23 @@ MPointArray makePoints(std::initializer_list<MPoint> list) {
   return points;
 }
 
-/// A quad beside the unit plane, hinged on its edge at x = 0.5, and its twin on the other side a little off.
+/// A quad beside the unit plane, hinged on its edge at x = 0.5, and its twin on the other side a
+/// little off.
 addPolyEdit beside(const char* name) {
   addPolyEdit edit;
   edit.mesh = toolkitSession::path(name);
   edit.points = makePoints({{0.5, 0, 0.5}, {1.5, 0, 0.5}, {1.5, 0, -0.5}, {0.5, 0, -0.5}});
-  edit.mirrorPoints = makePoints({{-0.55, 0, -0.5}, {-1.5, 0, -0.5}, {-1.5, 0, 0.5}, {-0.5, 0.05, 0.5}});
+  edit.mirrorPoints =
+      makePoints({{-0.55, 0, -0.5}, {-1.5, 0, -0.5}, {-1.5, 0, 0.5}, {-0.5, 0.05, 0.5}});
   edit.isMirrored = true;
   return edit;
 }
 
 struct meshCounts {
   int vertices, faces;
-  bool operator==(const meshCounts& other) const { return vertices == other.vertices && faces == other.faces; }
+  bool operator==(const meshCounts& other) const {
+    return vertices == other.vertices && faces == other.faces;
+  }
 };
 meshCounts countsOf(const char* name) {
   const MFnMesh mesh(toolkitSession::path(name));
@@ -64,11 +70,15 @@ bool isSame(const MPointArray& a, const MPointArray& b) {
   return a.length() == b.length();
 }
 
-std::string nameOf(const MObject& node) { return MFnDependencyNode(node).name().asChar(); }
+std::string nameOf(const MObject& node) {
+  return MFnDependencyNode(node).name().asChar();
+}
 
 }  // namespace
 
-TEST_CASE("qxAddPolyNode: the polygon and its twin share the vertices they come near to, each within its own reach") {
+TEST_CASE(
+    "qxAddPolyNode: the polygon and its twin share the vertices they come near to, each within its "
+    "own reach") {
   toolkitSession toolkit;
   registeredNode type(toolkit);
   for (const char* history : {" -ch 1", " -ch 0"}) {
@@ -95,18 +105,22 @@ TEST_CASE("qxAddPolyNode: the polygon and its twin share the vertices they come 
   }
 }
 
-TEST_CASE("qxAddPolyNode: points are in the space of what is above the object; a matrix without a way back changes nothing") {
+TEST_CASE(
+    "qxAddPolyNode: points are in the space of what is above the object; a matrix without a way "
+    "back changes nothing") {
   toolkitSession toolkit;
   registeredNode type(toolkit);
-  toolkit.run(std::string(kPlane) + "; group -n above shape; setAttr above.translate -type double3 10 2 0;"
-                                    "setAttr above.rotateY 90; setAttr above.scaleX 2");
+  toolkit.run(std::string(kPlane) +
+              "; group -n above shape; setAttr above.translate -type double3 10 2 0;"
+              "setAttr above.rotateY 90; setAttr above.scaleX 2");
   addPolyEdit edit = beside("shape");
   edit.isMirrored = false;
   const MMatrix above = edit.mesh.exclusiveMatrix();
   for (unsigned int i = 0; i < edit.points.length(); ++i) edit.points[i] *= above;
   REQUIRE(edit.insert());
   CHECK(countsOf("shape") == meshCounts{6, 2});
-  CHECK(toolkitSession::points("shape", MSpace::kObject)[4].isEquivalent(MPoint(1.5, 0, 0.5), 1e-5));
+  CHECK(
+      toolkitSession::points("shape", MSpace::kObject)[4].isEquivalent(MPoint(1.5, 0, 0.5), 1e-5));
   {
     const host::MessageCapture quiet;
     toolkit.run("setAttr above.scaleX 0");
@@ -138,16 +152,20 @@ TEST_CASE("qxAddPolyCmd: the polygon goes in, out and in again, with the tweaks 
   addPolyCmd command(edit);
   for (int round = 0; round < 2; ++round) {
     REQUIRE(command.redoIt());
-    toolkit.run("string $tweaks[] = `ls -type polyTweak`; if (size($tweaks) != 1) error \"no tweak node\"");
+    toolkit.run(
+        "string $tweaks[] = `ls -type polyTweak`; if (size($tweaks) != 1) error \"no tweak node\"");
     CHECK(countsOf("shape") == meshCounts{8, 3});
     CHECK(toolkitSession::points("shape")[0].isEquivalent(before[0], 1e-7));
     REQUIRE(command.undoIt());
     CHECK(isSame(toolkitSession::points("shape"), before));
-    toolkit.run("if (size(`ls -type qxAddPolyNode -type polyTweak`) != 0) error \"nodes are left\"");
+    toolkit.run(
+        "if (size(`ls -type qxAddPolyNode -type polyTweak`) != 0) error \"nodes are left\"");
   }
 }
 
-TEST_CASE("qxAddPolyCmd: run from a script it refuses and changes nothing; without its node type nothing is left behind") {
+TEST_CASE(
+    "qxAddPolyCmd: run from a script it refuses and changes nothing; without its node type nothing "
+    "is left behind") {
   toolkitSession toolkit;
   toolkit.run(kPlane);
   toolkit.run("polyCube -n other");

@@ -40,14 +40,24 @@ struct situation {
 };
 const situation kSituations[] = {
     {"no history", "polyCube -ch 0 -name shape"},
-    {"no history, tweaks", "polyCube -ch 0 -name shape; setAttr shapeShape.pnts[3] 0.1 -0.25 1e-7; setAttr shapeShape.pnts[6] 0 0.3 0"},
+    {"no history, tweaks",
+     "polyCube -ch 0 -name shape; setAttr shapeShape.pnts[3] 0.1 -0.25 1e-7; setAttr "
+     "shapeShape.pnts[6] 0 0.3 0"},
     {"history", "polyCube -name shape"},
     {"history, tweaks", "polyCube -name shape; move -r 0.1 0.2 0.3 shape.vtx[2:4]"},
-    {"history, tweaks, edges made hard", "polyCube -name shape; move -r 0.1 0.2 0.3 shape.vtx[2:4]; polySoftEdge -a 0 -ch 0 shape"},
-    {"an instance", "polyCube -ch 0 -name shape; instance -name other shape; setAttr other.tx 3; setAttr shapeShape.pnts[1] 0 1 0"},
-    {"a tilted, mirrored transform", "polyCube -ch 0 -name shape; setAttr shape.sx -2; setAttr shape.rz 33; setAttr shapeShape.pnts[1] 0 1 0"},
-    {"children and a second shape", "polyCube -ch 0 -name shape; polySphere -ch 0 -name second; parent -s -r secondShape shape; polyCube -name child; parent child shape"},
-    {"other units", "polyCube -ch 0 -name shape; setAttr shapeShape.pnts[3] 0.1 -0.25 1e-7; currentUnit -l m"},
+    {"history, tweaks, edges made hard",
+     "polyCube -name shape; move -r 0.1 0.2 0.3 shape.vtx[2:4]; polySoftEdge -a 0 -ch 0 shape"},
+    {"an instance",
+     "polyCube -ch 0 -name shape; instance -name other shape; setAttr other.tx 3; setAttr "
+     "shapeShape.pnts[1] 0 1 0"},
+    {"a tilted, mirrored transform",
+     "polyCube -ch 0 -name shape; setAttr shape.sx -2; setAttr shape.rz 33; setAttr "
+     "shapeShape.pnts[1] 0 1 0"},
+    {"children and a second shape",
+     "polyCube -ch 0 -name shape; polySphere -ch 0 -name second; parent -s -r secondShape shape; "
+     "polyCube -name child; parent child shape"},
+    {"other units",
+     "polyCube -ch 0 -name shape; setAttr shapeShape.pnts[3] 0.1 -0.25 1e-7; currentUnit -l m"},
 };
 
 /// A session that knows `liftNode`, a node with inMesh, outMesh and a height.
@@ -76,9 +86,11 @@ TEST_CASE("history: a node goes in and out again, and the mesh is what it was, b
       const MDagPath path = toolkitSession::path("|shape|shapeShape");
       const std::uint64_t before = meshHash(toolkit, "shapeShape");
       const bool hadHistory = !driverOfShape("shapeShape").empty();
-      const unsigned int transforms = countOf("-type transform"), tweaks = countOf("-type polyTweak");
+      const unsigned int transforms = countOf("-type transform"),
+                         tweaks = countOf("-type polyTweak");
       for (int round = 0; round < 2; ++round) {
-        const MObject node = makeNode("liftNode"), tweak = usesTweak ? makeNode("polyTweak") : MObject();
+        const MObject node = makeNode("liftNode"),
+                      tweak = usesTweak ? makeNode("polyTweak") : MObject();
         REQUIRE(math.insertNodeInHistory(path, node, tweak));
         CHECK(driverOfShape("shapeShape") == "liftNode1.outMesh");
         CHECK(meshHash(toolkit, "shapeShape") == before);
@@ -88,7 +100,8 @@ TEST_CASE("history: a node goes in and out again, and the mesh is what it was, b
         MPointArray low = toolkitSession::points("shapeShape", MSpace::kObject);
         toolkit.run("setAttr liftNode1.height 2");
         const MPointArray high = toolkitSession::points("shapeShape", MSpace::kObject);
-        for (unsigned int i = 0; i < low.length(); ++i) CHECK(high[i].y == doctest::Approx(low[i].y + 2));
+        for (unsigned int i = 0; i < low.length(); ++i)
+          CHECK(high[i].y == doctest::Approx(low[i].y + 2));
         REQUIRE(math.removeNodeFromHistory(path, node, tweak));
         CHECK(countOf("-type liftNode") == 0);
         CHECK(countOf("-type polyTweak") == tweaks);
@@ -105,7 +118,8 @@ TEST_CASE("history: in and out of every mesh in every pose, with a tweak on each
       CAPTURE(zoo.name);
       const MDagPath path = showMesh(toolkit, zoo.mesh, pose);
       for (int v = 0; v < zoo.mesh.vertexCount(); ++v)
-        toolkit.run("setAttr shapeShape.pnts[" + std::to_string(v) + "] 0.1 " + std::to_string(v * 0.37) + " -1e-6");
+        toolkit.run("setAttr shapeShape.pnts[" + std::to_string(v) + "] 0.1 " +
+                    std::to_string(v * 0.37) + " -1e-6");
       const std::uint64_t before = meshHash(toolkit, "shapeShape");
       const MObject node = makeNode("liftNode"), tweak = makeNode("polyTweak");
       REQUIRE(math.insertNodeInHistory(path, node, tweak));
@@ -115,7 +129,9 @@ TEST_CASE("history: in and out of every mesh in every pose, with a tweak on each
     }
 }
 
-TEST_CASE("history: tweaks move in front of the node and only they; nodes stack up and leave from the middle") {
+TEST_CASE(
+    "history: tweaks move in front of the node and only they; nodes stack up and leave from the "
+    "middle") {
   historySession toolkit;
   const mathHelper math;
   toolkit.run("polyCube -name shape; setAttr shapeShape.pnts[5] 0.5 0 -0.125;");
@@ -126,7 +142,11 @@ TEST_CASE("history: tweaks move in front of the node and only they; nodes stack 
   const MPlug moved = MFnDependencyNode(tweak).findPlug("tweak").elementByLogicalIndex(5);
   CHECK(moved.child(0).asDouble() == 0.5);
   CHECK(moved.child(2).asDouble() == -0.125);
-  CHECK(MFnDependencyNode(path.node()).findPlug("pnts").elementByLogicalIndex(5).child(0).asDouble() == 0.0);
+  CHECK(MFnDependencyNode(path.node())
+            .findPlug("pnts")
+            .elementByLogicalIndex(5)
+            .child(0)
+            .asDouble() == 0.0);
   const MObject second = makeNode("liftNode");
   REQUIRE(math.insertNodeInHistory(path, second, makeNode("polyTweak")));
   CHECK(meshHash(toolkit, "shapeShape") == before);
@@ -140,10 +160,14 @@ TEST_CASE("history: tweaks move in front of the node and only they; nodes stack 
 TEST_CASE("history: what can't be put in is refused with the scene as it was") {
   historySession toolkit;
   const mathHelper math;
-  toolkit.run("polyCube -ch 0 -name shape; setAttr shapeShape.pnts[3] 1 2 3; select -r shape.vtx[3];");
+  toolkit.run(
+      "polyCube -ch 0 -name shape; setAttr shapeShape.pnts[3] 1 2 3; select -r shape.vtx[3];");
   const MDagPath path = toolkitSession::path("shape");
-  const MObject node = makeNode("liftNode"), tweak = makeNode("polyTweak"), taken = makeNode("liftNode");
-  toolkit.run("polySphere -ch 0 -name other; connectAttr otherShape.outMesh liftNode2.inMesh; select -r shape.vtx[3];");
+  const MObject node = makeNode("liftNode"), tweak = makeNode("polyTweak"),
+                taken = makeNode("liftNode");
+  toolkit.run(
+      "polySphere -ch 0 -name other; connectAttr otherShape.outMesh liftNode2.inMesh; select -r "
+      "shape.vtx[3];");
   const std::uint64_t before = toolkit.hash();
   CHECK_FALSE(math.insertNodeInHistory(path, makeNode("polyTweak")));
   toolkit.run("delete polyTweak2");
@@ -157,7 +181,8 @@ TEST_CASE("history: what can't be put in is refused with the scene as it was") {
   {
     const host::MessageCapture capture;
     CHECK_FALSE(math.insertNodeInHistory(path, taken, tweak));
-    CHECK(capture.text(host::MessageKind::Error).find("error setting tweaks on node") != std::string::npos);
+    CHECK(capture.text(host::MessageKind::Error).find("error setting tweaks on node") !=
+          std::string::npos);
   }
   CHECK(countOf("\"shapeShapeOrig*\"") == 0);
   CHECK(toolkitSession::points("shape", MSpace::kObject)[3].isEquivalent(MPoint(1.5, 2.5, 3.5)));

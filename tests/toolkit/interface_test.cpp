@@ -12,18 +12,20 @@ std::vector<std::string> listed(toolkitSession& toolkit, const std::string& mel)
   return names->toTexts();
 }
 
-/// Does what `act` says with each of the controls and returns what went wrong in the scripts themselves: words that they
-/// spell wrong, not what a tool has to say about the selection.
+/// Does what `act` says with each of the controls and returns what went wrong in the scripts
+/// themselves: words that they spell wrong, not what a tool has to say about the selection.
 std::string faultsOf(toolkitSession& toolkit, const std::vector<std::string>& controls) {
   std::string faults;
   for (const std::string& control : controls) {
-    if (!toolkit.session->service<host::ui::Tree>().find(control)) continue;  // closed by an earlier one
+    if (!toolkit.session->service<host::ui::Tree>().find(control))
+      continue;  // closed by an earlier one
     toolkit.run("if (`objExists shape`) delete shape; polyCube -n shape; select -r shape.vtx[0:3]");
     const host::MessageCapture said;
     static_cast<void>(toolkit.session->executeLine("uiGesture -press \"" + control + "\""));
     toolkit.session->processIdle();
     const std::string errors = said.text(host::MessageKind::Error);
-    for (const char* fault : {"yntax", "_QXMT_Proc\".", "Invalid flag", "Invalid arguments", "Cannot convert", "Object '"})
+    for (const char* fault : {"yntax", "_QXMT_Proc\".", "Invalid flag", "Invalid arguments",
+                              "Cannot convert", "Object '"})
       if (errors.find(fault) != std::string::npos) faults += control + ": " + errors;
   }
   return faults;
@@ -40,11 +42,15 @@ TEST_CASE("every button and menu item runs a script that works") {
   REQUIRE(items.size() > 10);
   std::string faults;
   for (std::size_t i = 0; i < items.size(); ++i) {
-    const auto isLeaf = toolkit.session->executeLine("!`menuItem -q -d \"" + items[i] + "\"` && !`menuItem -q -sm \"" + items[i] + "\"`");
+    const auto isLeaf = toolkit.session->executeLine(
+        "!`menuItem -q -d \"" + items[i] + "\"` && !`menuItem -q -sm \"" + items[i] + "\"`");
     if (isLeaf && isLeaf->toInt().value_or(0) != 0) faults += faultsOf(toolkit, {items[i]});
   }
-  toolkit.run("modelingWindow_QXMT_Proc; uvWindow_QXMT_Proc; straightenOptions_QXMT_Proc; smoothOptions_QXMT_Proc");
-  const std::vector<std::string> buttons = listed(toolkit, "lsUI -l -type button -type checkBox -type radioButton");
+  toolkit.run(
+      "modelingWindow_QXMT_Proc; uvWindow_QXMT_Proc; straightenOptions_QXMT_Proc; "
+      "smoothOptions_QXMT_Proc");
+  const std::vector<std::string> buttons =
+      listed(toolkit, "lsUI -l -type button -type checkBox -type radioButton");
   CHECK(buttons.size() > 30);
   faults += faultsOf(toolkit, buttons);
   CHECK_MESSAGE(faults.empty(), faults);
@@ -60,29 +66,39 @@ TEST_CASE("the menu lists a command as soon as the module has it") {
     }
     return false;
   };
-  for (const char* label : {"Straighten", "Circle", "Make Planar", "Snap to Mirror Plane", "Merge to Last"}) {
+  for (const char* label :
+       {"Straighten", "Circle", "Make Planar", "Snap to Mirror Plane", "Merge to Last"}) {
     CAPTURE(label);
     CHECK(has(label));
   }
-  const bool hasMarking = toolkit.session->executeLine("exists qxMarkUVInformation")->toInt().value_or(0) != 0;
+  const bool hasMarking =
+      toolkit.session->executeLine("exists qxMarkUVInformation")->toInt().value_or(0) != 0;
   CHECK(has("Mark Seams") == hasMarking);
 }
 
 TEST_CASE("the straighten options are used by button and menu, and kept") {
   toolkitSession toolkit;
-  toolkit.run("polyPlane -sx 2 -sy 1 -w 2 -h 1 -n shape; move -r 0 0.2 0 shape.vtx[1]; straightenOptions_QXMT_Proc;"
-              "uiGesture -set \"y\" straightenKeep_QXMT_OM; select shape.vtx[0:2]; straighten_QXMT_Proc");
+  toolkit.run(
+      "polyPlane -sx 2 -sy 1 -w 2 -h 1 -n shape; move -r 0 0.2 0 shape.vtx[1]; "
+      "straightenOptions_QXMT_Proc;"
+      "uiGesture -set \"y\" straightenKeep_QXMT_OM; select shape.vtx[0:2]; straighten_QXMT_Proc");
   CHECK(toolkitSession::points("shape")[1].y == doctest::Approx(0.2));
   toolkit.run("deleteUI straightenOptions_QXMT; straightenOptions_QXMT_Proc");
-  CHECK(toolkit.session->executeLine("optionMenuGrp -q -v straightenKeep_QXMT_OM")->toText().value() == "y");
-  toolkit.run("uiGesture -set \"all\" straightenKeep_QXMT_OM; uiGesture -press straightenOptions_QXMT_ApplyClose_B");
+  CHECK(toolkit.session->executeLine("optionMenuGrp -q -v straightenKeep_QXMT_OM")
+            ->toText()
+            .value() == "y");
+  toolkit.run(
+      "uiGesture -set \"all\" straightenKeep_QXMT_OM; uiGesture -press "
+      "straightenOptions_QXMT_ApplyClose_B");
   CHECK(std::abs(toolkitSession::points("shape")[1].y) < 1e-6);
   CHECK(toolkit.session->executeLine("window -ex straightenOptions_QXMT")->toInt().value() == 0);
 }
 
 TEST_CASE("the smooth set and the UV group are made once, and the selection stays") {
   toolkitSession toolkit;
-  toolkit.run("polyPlane -n shape; select -r shape; createUvGroup_QXMT_Proc; createUvGroup_QXMT_Proc; createSmoothSet_QXMT_Proc; createSmoothSet_QXMT_Proc");
+  toolkit.run(
+      "polyPlane -n shape; select -r shape; createUvGroup_QXMT_Proc; createUvGroup_QXMT_Proc; "
+      "createSmoothSet_QXMT_Proc; createSmoothSet_QXMT_Proc");
   CHECK(listed(toolkit, "ls -sl") == std::vector<std::string>{"shape"});
   CHECK(listed(toolkit, "ls \"uvGroup_QXMT*\" \"qxTSmoothObjectsSet*\"").size() == 2);
 }

@@ -33,7 +33,8 @@ std::unique_ptr<host::cmd::Session> makeSession() {
 std::vector<std::string> builtCommands() {
   std::vector<std::string> names;
   for (unsigned int i = 0; i < kLoadRowCount; ++i)
-    if (kLoadRows[i].kind == rowKind::command && kLoadRows[i].creator) names.emplace_back(kLoadRows[i].name);
+    if (kLoadRows[i].kind == rowKind::command && kLoadRows[i].creator)
+      names.emplace_back(kLoadRows[i].name);
   return names;
 }
 
@@ -41,7 +42,8 @@ std::vector<std::string> builtCommands() {
 void occupy(host::cmd::Session& session, const char* name) {
   host::cmd::CommandSpec spec;
   spec.name = name;
-  spec.function = [](host::cmd::Context&, const host::cmd::ParsedArgs&) -> host::Result<host::mel::Value> {
+  spec.function = [](host::cmd::Context&,
+                     const host::cmd::ParsedArgs&) -> host::Result<host::mel::Value> {
     return host::mel::Value();
   };
   REQUIRE(session.commands().add(std::move(spec)));
@@ -62,7 +64,8 @@ TEST_CASE("the module registers in the table's order, unloads without a trace, a
     CHECK(info->commands == builtCommands());
     CHECK(info->version == "2008");
     CHECK(messages.text(host::MessageKind::Info) == "cannot get hwnd \n");
-    CHECK(session->pluginLoader->load(kModule));  // loaded already: no fault, nothing registered twice
+    CHECK(session->pluginLoader->load(
+        kModule));  // loaded already: no fault, nothing registered twice
     CHECK(info->commands == builtCommands());
     REQUIRE(session->pluginLoader->unload(*loaded, false));
     CHECK(session->commands().names() == before);
@@ -70,7 +73,8 @@ TEST_CASE("the module registers in the table's order, unloads without a trace, a
   }
 }
 
-TEST_CASE("a command that can't be registered ends the load with its text and leaves nothing behind") {
+TEST_CASE(
+    "a command that can't be registered ends the load with its text and leaves nothing behind") {
   auto session = makeSession();
   occupy(*session, "qxMergeVerts");
   const std::vector<std::string> before = session->commands().names();
@@ -87,7 +91,8 @@ TEST_CASE("every load row has its unload row, and the other way round") {
   for (unsigned int i = 0; i < kLoadRowCount; ++i) {
     int found = 0;
     for (unsigned int k = 0; k < kUnloadRowCount; ++k)
-      found += kLoadRows[i].kind == kUnloadRows[k].kind && std::string(kLoadRows[i].name) == kUnloadRows[k].name;
+      found += kLoadRows[i].kind == kUnloadRows[k].kind &&
+               std::string(kLoadRows[i].name) == kUnloadRows[k].name;
     CAPTURE(kLoadRows[i].name);
     CHECK(found == 1);
   }

@@ -14,7 +14,9 @@
 
 namespace {
 
-std::vector<int> values(const MIntArray& array) { return {array.begin(), array.end()}; }
+std::vector<int> values(const MIntArray& array) {
+  return {array.begin(), array.end()};
+}
 
 host::builtins::View& activeView(toolkitSession& toolkit) {
   return toolkit.session->service<host::builtins::Views>().active();
@@ -40,9 +42,13 @@ int nearestByAsking(const M3dView& view, int x, int y, const MDagPath& mesh, dou
 TEST_CASE("units: the factors both ways, read anew at each call, 1 for what is not listed") {
   toolkitSession toolkit;
   const mathHelper math;
-  const struct { const char* unit; float per, centimetres; } rows[] = {
-      {"in", 0.39370078F, 2.54F}, {"ft", 0.0328084F, 30.48F}, {"yd", 0.010936133F, 91.44F}, {"mm", 10.0F, 0.1F},
-      {"km", 1e-5F, 100000.0F},   {"m", 0.01F, 100.0F},       {"mi", 6.214e-6F, 160934.4F}, {"cm", 1.0F, 1.0F}};
+  const struct {
+    const char* unit;
+    float per, centimetres;
+  } rows[] = {{"in", 0.39370078F, 2.54F},   {"ft", 0.0328084F, 30.48F},
+              {"yd", 0.010936133F, 91.44F}, {"mm", 10.0F, 0.1F},
+              {"km", 1e-5F, 100000.0F},     {"m", 0.01F, 100.0F},
+              {"mi", 6.214e-6F, 160934.4F}, {"cm", 1.0F, 1.0F}};
   for (const auto& row : rows) {
     CAPTURE(std::string(row.unit));
     toolkit.run(std::string("currentUnit -l ") + row.unit);
@@ -51,7 +57,8 @@ TEST_CASE("units: the factors both ways, read anew at each call, 1 for what is n
   }
 }
 
-TEST_CASE("component type: edges before faces before vertices, in component mode and in object mode") {
+TEST_CASE(
+    "component type: edges before faces before vertices, in component mode and in object mode") {
   toolkitSession toolkit;
   const mathHelper math;
   toolkit.run("selectMode -component; selectType -v 1 -eg 1 -fc 1;");
@@ -66,33 +73,42 @@ TEST_CASE("component type: edges before faces before vertices, in component mode
   CHECK(math.currentComponentType() == mathHelper::kFaceType);
 }
 
-TEST_CASE("index arrays: unique and ascending, differences in order, negative and far-apart numbers too") {
+TEST_CASE(
+    "index arrays: unique and ascending, differences in order, negative and far-apart numbers "
+    "too") {
   const mathHelper math;
   const int mixed[] = {7, -3, 7, 2000000000, 0, -2000000000, 0};
   const MIntArray all(mixed, 7);
   CHECK(values(math.uniqueSorted(all)) == std::vector<int>{-2000000000, -3, 0, 7, 2000000000});
   const int taken[] = {0, 9, -3};
-  CHECK(values(math.difference(all, MIntArray(taken, 3))) == std::vector<int>{7, 7, 2000000000, -2000000000});
+  CHECK(values(math.difference(all, MIntArray(taken, 3))) ==
+        std::vector<int>{7, 7, 2000000000, -2000000000});
   CHECK(values(math.difference(all, MIntArray())) == values(all));
   CHECK(math.uniqueSorted(MIntArray()).length() == 0);
   CHECK(math.difference(MIntArray(), all).length() == 0);
 }
 
-TEST_CASE("closestPointAlong: the nearest hit before or behind; a miss stays where it was without a word") {
+TEST_CASE(
+    "closestPointAlong: the nearest hit before or behind; a miss stays where it was without a "
+    "word") {
   toolkitSession toolkit;
   const mathHelper math;
   toolkit.run("polyCube -name shape -w 2 -h 2 -d 2; setAttr shape.ty 10;");
   const MDagPath path = toolkitSession::path("shape");
-  CHECK(math.closestPointAlong(MPoint(0.2, 0, 0.3), MVector(0, -1, 0), path).isEquivalent(MPoint(0.2, 9, 0.3), 1e-5));
-  CHECK(math.closestPointAlong(MPoint(0.2, 0, 0.3), MVector(0, 5, 0), path).isEquivalent(MPoint(0.2, 9, 0.3), 1e-5));
-  CHECK(math.closestPointAlong(MPoint(0.2, 20, 0.3), MVector(0, 1, 0), path).isEquivalent(MPoint(0.2, 11, 0.3), 1e-5));
+  CHECK(math.closestPointAlong(MPoint(0.2, 0, 0.3), MVector(0, -1, 0), path)
+            .isEquivalent(MPoint(0.2, 9, 0.3), 1e-5));
+  CHECK(math.closestPointAlong(MPoint(0.2, 0, 0.3), MVector(0, 5, 0), path)
+            .isEquivalent(MPoint(0.2, 9, 0.3), 1e-5));
+  CHECK(math.closestPointAlong(MPoint(0.2, 20, 0.3), MVector(0, 1, 0), path)
+            .isEquivalent(MPoint(0.2, 11, 0.3), 1e-5));
   const host::MessageCapture capture;
   const MPoint far(5, 1, 2);
   CHECK(math.closestPointAlong(far, MVector(0, 1, 0), path) == far);
   CHECK(math.closestPointAlong(far, MVector(), path) == far);
   CHECK(capture.text(host::MessageKind::Error).empty());
   CHECK(math.closestPointAlong(far, MVector(0, 1, 0), deletedPath(toolkit)) == far);
-  CHECK(capture.text(host::MessageKind::Error).find("intersection test resulted in a failure") != std::string::npos);
+  CHECK(capture.text(host::MessageKind::Error).find("intersection test resulted in a failure") !=
+        std::string::npos);
 }
 
 TEST_CASE("closestPointAlong: no mesh and no pose ends in more than the point itself") {
@@ -108,7 +124,8 @@ TEST_CASE("closestPointAlong: no mesh and no pose ends in more than the point it
     }
 }
 
-TEST_CASE("views: points at a depth project back to their pixel, in perspective and orthographic views") {
+TEST_CASE(
+    "views: points at a depth project back to their pixel, in perspective and orthographic views") {
   toolkitSession toolkit;
   const mathHelper math;
   for (const char* camera : {"persp", "top", "side"}) {
@@ -132,7 +149,8 @@ TEST_CASE("views: points at a depth project back to their pixel, in perspective 
           CHECK(py == y);
           MPoint front, farPoint, expected;
           REQUIRE(math.viewToWorld(view, x, y, front));
-          REQUIRE(view.viewToWorld(static_cast<short>(x), static_cast<short>(y), expected, farPoint));
+          REQUIRE(
+              view.viewToWorld(static_cast<short>(x), static_cast<short>(y), expected, farPoint));
           CHECK(front.isEquivalent(expected));
         }
   }
@@ -146,7 +164,9 @@ TEST_CASE("nearest edge on screen: as asking the view about every edge says") {
   const mathHelper math;
   activeView(toolkit).port = {640, 400};
   for (const char* camera : {"persp", "front"})
-    for (const char* pose : {"", "setAttr shape.rotate -type double3 30 -50 70; setAttr shape.scale -type double3 -1 2 1;"}) {
+    for (const char* pose : {"",
+                             "setAttr shape.rotate -type double3 30 -50 70; setAttr shape.scale "
+                             "-type double3 -1 2 1;"}) {
       toolkit.run("file -f -new; polySphere -name shape -r 8 -sx 12 -sy 9;");
       toolkit.run(pose);
       activeView(toolkit).cameraName = camera;
@@ -170,7 +190,8 @@ TEST_CASE("nearest edge on screen: as asking the view about every edge says") {
         }
     }
   MStatus status;
-  CHECK(math.nearestEdgeOnScreen(M3dView::active3dView(), 0, 0, deletedPath(toolkit), &status) == -1);
+  CHECK(math.nearestEdgeOnScreen(M3dView::active3dView(), 0, 0, deletedPath(toolkit), &status) ==
+        -1);
   CHECK_FALSE(status);
   const MDagPath empty = showMesh(toolkit, host::zoo::zooMesh("empty"));
   CHECK(math.nearestEdgeOnScreen(M3dView::active3dView(), 0, 0, empty, &status) == -1);

@@ -26,7 +26,8 @@ MPointArray randomPoints(unsigned int count, unsigned int seed) {
   std::mt19937 random(seed);
   std::uniform_real_distribution<double> wide(-10, 10);
   MPointArray points;
-  for (unsigned int i = 0; i < count; ++i) points.append(MPoint(wide(random), wide(random), wide(random)));
+  for (unsigned int i = 0; i < count; ++i)
+    points.append(MPoint(wide(random), wide(random), wide(random)));
   return points;
 }
 
@@ -61,7 +62,8 @@ TEST_CASE("straighten plan: points land on the line through the extremes, each s
   }
 }
 
-TEST_CASE("straighten plan: kept coordinates stay, coinciding points and single points do not move") {
+TEST_CASE(
+    "straighten plan: kept coordinates stay, coinciding points and single points do not move") {
   const MPointArray bent = pointsOf({{0, 0, 0}, {1, 0.2, 0}, {2, 0, 0}});
   const auto middle = [&](int keep) {
     MPointArray points = bent;
@@ -76,14 +78,16 @@ TEST_CASE("straighten plan: kept coordinates stay, coinciding points and single 
   CHECK(middle(kKeepYZ) == bent[1]);
   CHECK(middle(kKeepXZ).isEquivalent(MPoint(1, 0, 0)));
 
-  for (const MPointArray& still : {pointsOf({{3, 3, 3}, {3, 3, 3}, {3, 3, 3}}), pointsOf({{3, 1, 2}}), MPointArray()}) {
+  for (const MPointArray& still :
+       {pointsOf({{3, 3, 3}, {3, 3, 3}, {3, 3, 3}}), pointsOf({{3, 1, 2}}), MPointArray()}) {
     MPointArray points = still;
     straightenRun(points, 0, points.length(), kKeepNone);
     CHECK(same(points, still));
   }
 }
 
-TEST_CASE("circle plan: equal steps on the widest circle, in angular order, in the plane of the normal") {
+TEST_CASE(
+    "circle plan: equal steps on the widest circle, in angular order, in the plane of the normal") {
   for (const unsigned int count : {3u, 4u, 8u, 13u, 38u, 5000u}) {
     std::mt19937 random(count);
     std::uniform_real_distribution<double> radius(1, 3), height(-0.5, 0.5);
@@ -99,17 +103,20 @@ TEST_CASE("circle plan: equal steps on the widest circle, in angular order, in t
     double widest = 0;
     for (const MPoint& p : before) widest = std::max(widest, p.distanceTo(centre));
     const double side = 2 * widest * std::sin(3.141592653589793 / count);
-    for (unsigned int i = 0; i < count; ++i) CHECK(after[i].distanceTo(centre) == doctest::Approx(widest));
+    for (unsigned int i = 0; i < count; ++i)
+      CHECK(after[i].distanceTo(centre) == doctest::Approx(widest));
     std::vector<unsigned int> order(count);
     for (unsigned int i = 0; i < count; ++i) order[i] = i;
     const auto angleOf = [&](const MPointArray& points, unsigned int i) {
       return std::atan2(points[i].z - centre.z, points[i].x - centre.x);
     };
-    std::sort(order.begin(), order.end(),
-              [&](unsigned int a, unsigned int b) { return angleOf(before, a) < angleOf(before, b); });
+    std::sort(order.begin(), order.end(), [&](unsigned int a, unsigned int b) {
+      return angleOf(before, a) < angleOf(before, b);
+    });
     // Neighbours by angle before are neighbours after.
     for (unsigned int i = 0; i < count; ++i)
-      CHECK(after[order[i]].distanceTo(after[order[(i + 1) % count]]) == doctest::Approx(side).epsilon(1e-6));
+      CHECK(after[order[i]].distanceTo(after[order[(i + 1) % count]]) ==
+            doctest::Approx(side).epsilon(1e-6));
   }
 }
 
@@ -125,8 +132,11 @@ TEST_CASE("circle plan: a bad normal is replaced, and what has no circle is refu
   CHECK(same(line, kept));
 }
 
-TEST_CASE("planar plan: an orthogonal projection onto the plane through the mean, horizontal planes too") {
-  for (const MVector normal : {MVector(0, 1, 0), MVector(0, -5, 0), MVector(1, 2, 3), MVector(0, 0, 0)}) {
+TEST_CASE(
+    "planar plan: an orthogonal projection onto the plane through the mean, horizontal planes "
+    "too") {
+  for (const MVector normal :
+       {MVector(0, 1, 0), MVector(0, -5, 0), MVector(1, 2, 3), MVector(0, 0, 0)}) {
     const MPointArray before = randomPoints(12, 7);
     MPointArray after = before;
     REQUIRE(flattenRun(after, 2, 8, normal));

@@ -25,11 +25,13 @@ M3dView frontView(toolkitSession& toolkit) {
   view.cameraName = "front";
   view.port = {500, 500};
   view.options.style = host::viewport::DisplayStyle::Shaded;
-  toolkit.run("setAttr front.translate -type double3 0 0 100; setAttr frontShape.orthographicWidth 5;");
+  toolkit.run(
+      "setAttr front.translate -type double3 0 0 100; setAttr frontShape.orthographicWidth 5;");
   return M3dView::active3dView();
 }
 
-closestComponentRecord pick(const M3dView& view, int x, int y, const MDagPath& path, int type = polygonSelect::kAnyType) {
+closestComponentRecord pick(const M3dView& view, int x, int y, const MDagPath& path,
+                            int type = polygonSelect::kAnyType) {
   closestComponentRecord found;
   REQUIRE(polygonSelect().componentUnderCursor(view, x, y, path, type, found));
   return found;
@@ -37,10 +39,12 @@ closestComponentRecord pick(const M3dView& view, int x, int y, const MDagPath& p
 
 }  // namespace
 
-TEST_CASE("closest component: the face's vertex, edge or place that is nearest to the surface point") {
+TEST_CASE(
+    "closest component: the face's vertex, edge or place that is nearest to the surface point") {
   toolkitSession toolkit;
   const polygonSelect select;
-  toolkit.run("polyPlane -name shape -sx 2 -sy 2 -w 2 -h 2; setAttr shape.translate -type double3 5 1 0;");
+  toolkit.run(
+      "polyPlane -name shape -sx 2 -sy 2 -w 2 -h 2; setAttr shape.translate -type double3 5 1 0;");
   const MDagPath path = toolkitSession::path("shape");
   closestComponentRecord found;
   REQUIRE(select.closestComponent(path, MPoint(4.9, 7, 0.3), polygonSelect::kVertexType, found));
@@ -92,12 +96,14 @@ TEST_CASE("closest component and pick: every mesh in every pose gives an answer 
   const MDagPath gone = deletedPath(toolkit);
   CHECK_FALSE(select.closestComponent(gone, MPoint(), polygonSelect::kFaceType, found));
   CHECK_FALSE(select.componentUnderCursor(view, 1, 1, gone, polygonSelect::kAnyType, found));
-  CHECK_FALSE(select.componentUnderCursor(M3dView(), 1, 1, toolkitSession::path("perspShape"), 0, found));
+  CHECK_FALSE(
+      select.componentUnderCursor(M3dView(), 1, 1, toolkitSession::path("perspShape"), 0, found));
 }
 
 TEST_CASE("pick: vertices within 10 pixels before edges within 8 before faces") {
   toolkitSession toolkit;
-  toolkit.run("polyPlane -name shape -ax 0 0 1 -sx 1 -sy 1 -w 2 -h 2;");  // from (150, 150) to (350, 350)
+  toolkit.run(
+      "polyPlane -name shape -ax 0 0 1 -sx 1 -sy 1 -w 2 -h 2;");  // from (150, 150) to (350, 350)
   const M3dView view = frontView(toolkit);
   const MDagPath path = toolkitSession::path("shape");
   closestComponentRecord hit = pick(view, 156, 157, path);
@@ -121,9 +127,13 @@ TEST_CASE("pick: vertices within 10 pixels before edges within 8 before faces") 
   CHECK(pick(view, 250, 250, path, polygonSelect::kVertexType).index == -1);
 }
 
-TEST_CASE("pick: the front in a shaded view; a wireframe shows the back through, nearest in depth first") {
+TEST_CASE(
+    "pick: the front in a shaded view; a wireframe shows the back through, nearest in depth "
+    "first") {
   toolkitSession toolkit;
-  toolkit.run("polyCube -name shape -w 2 -h 2 -d 2 -sx 3 -sy 3 -sz 1; setAttr shape.ry 20; setAttr shape.rx 10;");
+  toolkit.run(
+      "polyCube -name shape -w 2 -h 2 -d 2 -sx 3 -sy 3 -sz 1; setAttr shape.ry 20; setAttr "
+      "shape.rx 10;");
   M3dView view = frontView(toolkit);
   const MDagPath path = toolkitSession::path("shape");
   const viewProjector projector(view);
@@ -141,14 +151,19 @@ TEST_CASE("pick: the front in a shaded view; a wireframe shows the back through,
     if (isHidden && shaded.index >= 0) CHECK(projector.project(shaded.point).depth < at.depth);
     // The middle of the back can't be seen, the corners that stick out to the front can.
     if (points[i].z > 0.8) CHECK_FALSE(isHidden);
-    if (points[i].z < -0.8 && std::fabs(points[i].x) < 0.6 && std::fabs(points[i].y) < 0.6) CHECK(isHidden);
+    if (points[i].z < -0.8 && std::fabs(points[i].x) < 0.6 && std::fabs(points[i].y) < 0.6)
+      CHECK(isHidden);
   }
 }
 
-TEST_CASE("pick: other meshes that show hide what is behind them in a shaded view, and only there") {
+TEST_CASE(
+    "pick: other meshes that show hide what is behind them in a shaded view, and only there") {
   toolkitSession toolkit;
-  toolkit.run("polyPlane -name shape -ax 0 0 1 -sx 2 -sy 2 -w 2 -h 2; polySphere -name ahead -r 0.3; polySphere -name behind -r 0.3;"
-              "setAttr ahead.translate -type double3 0 0 5; setAttr behind.translate -type double3 0 0 -5;");
+  toolkit.run(
+      "polyPlane -name shape -ax 0 0 1 -sx 2 -sy 2 -w 2 -h 2; polySphere -name ahead -r 0.3; "
+      "polySphere -name behind -r 0.3;"
+      "setAttr ahead.translate -type double3 0 0 5; setAttr behind.translate -type double3 0 0 "
+      "-5;");
   M3dView view = frontView(toolkit);
   const MDagPath path = toolkitSession::path("shape");
   for (const int type : {1, 2, 3}) CHECK(pick(view, 250, 252, path, type).index == -1);
@@ -168,7 +183,9 @@ TEST_CASE("pick: in a dense mesh it finds what a look at every vertex finds, in 
   shown.cameraName = "persp";
   shown.port = {800, 600};
   shown.options.style = host::viewport::DisplayStyle::Shaded;
-  toolkit.run("setAttr persp.translate -type double3 12 8 12; setAttr persp.rotate -type double3 -25 45 0;");
+  toolkit.run(
+      "setAttr persp.translate -type double3 12 8 12; setAttr persp.rotate -type double3 -25 45 "
+      "0;");
   const M3dView view = M3dView::active3dView();
   const viewProjector projector(view);
   const MDagPath path = toolkitSession::path("shape");

@@ -7,14 +7,17 @@
 
 namespace {
 
-std::string refusal(toolkitSession& toolkit, const std::string& select, const std::string& command) {
+std::string refusal(toolkitSession& toolkit, const std::string& select,
+                    const std::string& command) {
   toolkit.run(select);
   const std::uint64_t before = toolkit.hash();
   const std::string text = toolkit.failure(command);
   CHECK(toolkit.hash() == before);
   return text;
 }
-bool mentions(const std::string& text, const char* part) { return text.find(part) != std::string::npos; }
+bool mentions(const std::string& text, const char* part) {
+  return text.find(part) != std::string::npos;
+}
 
 /// Undo and redo give back the document before and after a command, bit for bit.
 void checkUndo(toolkitSession& toolkit, std::uint64_t before) {
@@ -30,7 +33,9 @@ void checkUndo(toolkitSession& toolkit, std::uint64_t before) {
 
 }  // namespace
 
-TEST_CASE("qxCircleVertsCmd: the corners and middles of a square hole go on the circle through the far corners") {
+TEST_CASE(
+    "qxCircleVertsCmd: the corners and middles of a square hole go on the circle through the far "
+    "corners") {
   toolkitSession toolkit;
   for (const char* pose : kPoses) {
     CAPTURE(pose);
@@ -38,7 +43,8 @@ TEST_CASE("qxCircleVertsCmd: the corners and middles of a square hole go on the 
     toolkit.run(pose);
     // The loop of eight around the middle of the grid, square in world space.
     const int loop[] = {6, 7, 8, 13, 18, 17, 16, 11};
-    const MPoint places[] = {{-1, 0, 1}, {0, 0, 1}, {1, 0, 1}, {1, 0, 0}, {1, 0, -1}, {0, 0, -1}, {-1, 0, -1}, {-1, 0, 0}};
+    const MPoint places[] = {{-1, 0, 1}, {0, 0, 1},  {1, 0, 1},   {1, 0, 0},
+                             {1, 0, -1}, {0, 0, -1}, {-1, 0, -1}, {-1, 0, 0}};
     MPointArray all = toolkitSession::points("shape");
     for (unsigned int i = 0; i < all.length(); ++i)
       all[i] = MPoint(static_cast<double>(i % 5) - 2, 0, 2 - static_cast<double>(i / 5));
@@ -139,11 +145,13 @@ TEST_CASE("qxSnapVertsToAxis: the world coordinate becomes zero on posed meshes,
                  "Only works on one object at a time!"));
 }
 
-TEST_CASE("qxMergeVerts: vertices gather at the target, with the mirror at the target of their side") {
+TEST_CASE(
+    "qxMergeVerts: vertices gather at the target, with the mirror at the target of their side") {
   toolkitSession toolkit;
   for (const char* pose : kPoses) {
     CAPTURE(pose);
-    toolkit.run("file -f -new; polyPlane -name shape -sx 4 -sy 1;");  // rows 0..4 and 5..9 across x = 0
+    toolkit.run(
+        "file -f -new; polyPlane -name shape -sx 4 -sy 1;");  // rows 0..4 and 5..9 across x = 0
     toolkit.run(pose);
     const MPointArray was = toolkitSession::points("shape");
     toolkit.run("select -r shape.vtx[0:1]");
@@ -151,12 +159,14 @@ TEST_CASE("qxMergeVerts: vertices gather at the target, with the mirror at the t
     toolkit.run("qxMergeVerts -id 6");
     MPointArray now = toolkitSession::points("shape");
     CHECK(now.length() == was.length());
-    for (unsigned int i = 0; i < now.length(); ++i) CHECK(now[i].isEquivalent(was[i < 2 ? 6 : i], 1e-5));
+    for (unsigned int i = 0; i < now.length(); ++i)
+      CHECK(now[i].isEquivalent(was[i < 2 ? 6 : i], 1e-5));
     checkUndo(toolkit, before);
     toolkit.run("undo; select -r shape.vtx[0:4]; qxMergeVerts -mr true -ax 0 -id 9 -mId 5;");
     now = toolkitSession::points("shape");
     for (unsigned int i = 0; i < 5; ++i) {
-      if (i == 2 && *pose != 0) continue;  // on the plane it counts as positive; turned, rounding may tip it
+      if (i == 2 && *pose != 0)
+        continue;  // on the plane it counts as positive; turned, rounding may tip it
       CHECK(now[i].isEquivalent(was[i < 2 ? 5 : 9], 1e-5));
     }
   }
@@ -167,8 +177,9 @@ TEST_CASE("qxMergeVerts: refusals name the reason and change nothing") {
   toolkit.run("file -f -new; polyPlane -name shape -sx 4 -sy 1; polyCube -name other;");
   CHECK(mentions(refusal(toolkit, "select -r shape.vtx[0]", "qxMergeVerts -id 1"),
                  "mergeVert command failed: Selected Verts cannot be merged"));
-  CHECK(mentions(refusal(toolkit, "select -r shape.vtx[0:1]", "qxMergeVerts -id 1 -mr true -mId 2 -ax 0"),
-                 "mergeVert command failed: Selected Verts cannot be merged"));
+  CHECK(mentions(
+      refusal(toolkit, "select -r shape.vtx[0:1]", "qxMergeVerts -id 1 -mr true -mId 2 -ax 0"),
+      "mergeVert command failed: Selected Verts cannot be merged"));
   for (const char* select : {"select -cl", "select -r shape.vtx[0:1] other.vtx[0]"})
     CHECK(mentions(refusal(toolkit, select, "qxMergeVerts -id 1"),
                    "mergeVert command does not work with multiple objects selected."));

@@ -15,7 +15,8 @@ namespace {
 toolSettings& block() {
   void* const module = dlopen(QXMT_BINARY_DIR "/lib/qxModelingToolkit.so", RTLD_NOW | RTLD_NOLOAD);
   REQUIRE(module != nullptr);
-  const auto current = reinterpret_cast<toolSettings& (*)()>(dlsym(module, "_ZN12toolSettings7currentEv"));
+  const auto current =
+      reinterpret_cast<toolSettings& (*)()>(dlsym(module, "_ZN12toolSettings7currentEv"));
   dlclose(module);
   const bool isFound = current != nullptr;
   REQUIRE(isFound);
@@ -25,10 +26,11 @@ toolSettings& block() {
 std::string values(const toolSettings& s) {
   std::string all;
   for (const int value :
-       {int(s.multiComponent), s.intensity, s.smoothIntensity, s.smoothPush, int(s.slideSoftSelect), int(s.slideOnItself),
-        s.normalDirection, int(s.mirror), int(s.lockAxis), int(s.lockXAxis), int(s.lockYAxis), int(s.lockZAxis),
-        s.mirrorAxis, int(s.ignoreQuadDrawBackface), int(s.dragSelectNormal), int(s.mirrorWorldSpace),
-        s.smoothUvIntensity, int(s.pinBorderEdges), int(s.fullShellCompressionColors)})
+       {int(s.multiComponent), s.intensity, s.smoothIntensity, s.smoothPush, int(s.slideSoftSelect),
+        int(s.slideOnItself), s.normalDirection, int(s.mirror), int(s.lockAxis), int(s.lockXAxis),
+        int(s.lockYAxis), int(s.lockZAxis), s.mirrorAxis, int(s.ignoreQuadDrawBackface),
+        int(s.dragSelectNormal), int(s.mirrorWorldSpace), s.smoothUvIntensity,
+        int(s.pinBorderEdges), int(s.fullShellCompressionColors)})
     all += std::to_string(value) + " ";
   return all;
 }
@@ -82,8 +84,11 @@ TEST_CASE("what a person changes in a window is in the settings at once") {
   }
   // Ticking the mirror box off disables what hangs on it.
   CHECK(toolkit.failure("uiGesture -press mirrorZ_QXMT_RB").find("disabled") != std::string::npos);
-  toolkit.run("uiGesture -press mirror_QXMT_CB; uiGesture -press mirrorZ_QXMT_RB; uiGesture -press worldSpace_QXMT_RB;"
-              "uiGesture -press normal_direction_camera_QXMT_RB; uiGesture -press dragSelectTypePaint_QXMT_RB");
+  toolkit.run(
+      "uiGesture -press mirror_QXMT_CB; uiGesture -press mirrorZ_QXMT_RB; uiGesture -press "
+      "worldSpace_QXMT_RB;"
+      "uiGesture -press normal_direction_camera_QXMT_RB; uiGesture -press "
+      "dragSelectTypePaint_QXMT_RB");
   CHECK(block().mirrorAxis == 2);
   CHECK(block().mirrorWorldSpace);
   CHECK(block().normalDirection == 1);
@@ -92,7 +97,9 @@ TEST_CASE("what a person changes in a window is in the settings at once") {
 
 TEST_CASE("a closed window leaves its settings; its options are there when it opens again") {
   toolkitSession toolkit;
-  toolkit.run("modelingWindow_QXMT_Proc; uiGesture -press mirrorY_QXMT_RB; uiGesture -set 5 intensity_QXMT_IF");
+  toolkit.run(
+      "modelingWindow_QXMT_Proc; uiGesture -press mirrorY_QXMT_RB; uiGesture -set 5 "
+      "intensity_QXMT_IF");
   toolkit.run("uiGesture -close qx_modeling_ui");
   const std::string closed = values(block());
   toolkit.run(kStore);
@@ -106,9 +113,15 @@ TEST_CASE("a closed window leaves its settings; its options are there when it op
 
 TEST_CASE("an answer that is none of the buttons keeps what was; a missing control too") {
   toolkitSession toolkit;
-  toolkit.run("modelingWindow_QXMT_Proc; uiGesture -press mirrorY_QXMT_RB; uiGesture -press worldSpace_QXMT_RB");
-  toolkit.run("setParent mirrorOptions_QXMT_CL; radioButton -cl mirror_QXMT_RB -sl odd_RB; radioButton -cl mirrorSpace_QXMT_RB -sl odd2_RB");
-  toolkit.run("radioButton -e -sl odd_RB; radioButton -cl dragSelectType_QXMT_RB -sl odd3_RB; deleteUI lockAxis_QXMT_CB");
+  toolkit.run(
+      "modelingWindow_QXMT_Proc; uiGesture -press mirrorY_QXMT_RB; uiGesture -press "
+      "worldSpace_QXMT_RB");
+  toolkit.run(
+      "setParent mirrorOptions_QXMT_CL; radioButton -cl mirror_QXMT_RB -sl odd_RB; radioButton -cl "
+      "mirrorSpace_QXMT_RB -sl odd2_RB");
+  toolkit.run(
+      "radioButton -e -sl odd_RB; radioButton -cl dragSelectType_QXMT_RB -sl odd3_RB; deleteUI "
+      "lockAxis_QXMT_CB");
   const host::MessageCapture quiet;
   toolkit.run(kStore);
   CHECK(block().mirrorAxis == 1);
@@ -132,10 +145,13 @@ TEST_CASE("the surface slides on itself only while soft slide is on and no objec
   CHECK_FALSE(block().slideOnItself);
 }
 
-TEST_CASE("messages: unknown ones do nothing, those of a missing tool say so, a bad argument fails") {
+TEST_CASE(
+    "messages: unknown ones do nothing, those of a missing tool say so, a bad argument fails") {
   toolkitSession toolkit;
-  toolkit.run("qxSetCommands -ms \"noSuchMessage\"; qxSetCommands -ms \"storevalues\"; qxSetCommands");
-  CHECK(toolkit.failure("qxSetCommands -ms \"customFrame\"").find("customFrame") != std::string::npos);
+  toolkit.run(
+      "qxSetCommands -ms \"noSuchMessage\"; qxSetCommands -ms \"storevalues\"; qxSetCommands");
+  CHECK(toolkit.failure("qxSetCommands -ms \"customFrame\"").find("customFrame") !=
+        std::string::npos);
   CHECK_FALSE(toolkit.failure("qxSetCommands -ms").empty());
   CHECK_FALSE(toolkit.failure("qxSetCommands -bogus 1").empty());
   const host::MessageCapture quiet;
@@ -144,10 +160,14 @@ TEST_CASE("messages: unknown ones do nothing, those of a missing tool say so, a 
 
 TEST_CASE("loading twice and unloading leave no window, menu or tool behind") {
   toolkitSession toolkit;
-  toolkit.run("qx_modeling_tool_ui; qx_modeling_tool_ui; modelingWindow_QXMT_Proc; modelingWindow_QXMT_Proc; uvWindow_QXMT_Proc;"
-              "straightenOptions_QXMT_Proc; smoothOptions_QXMT_Proc");
+  toolkit.run(
+      "qx_modeling_tool_ui; qx_modeling_tool_ui; modelingWindow_QXMT_Proc; "
+      "modelingWindow_QXMT_Proc; uvWindow_QXMT_Proc;"
+      "straightenOptions_QXMT_Proc; smoothOptions_QXMT_Proc");
   toolkit.run("int $jobs = size(`scriptJob -lj`)");
   toolkit.run("unloadPlugin qxModelingToolkit");
-  toolkit.run("if (size(`lsUI -wnd`) != 1 || size(`lsUI -m -mi`) != 0) error(\"left: \" + stringArrayToString(`lsUI -wnd -m`, \" \"));"
-              "if (size(`scriptJob -lj`) != $jobs) error \"a job is left\";");
+  toolkit.run(
+      "if (size(`lsUI -wnd`) != 1 || size(`lsUI -m -mi`) != 0) error(\"left: \" + "
+      "stringArrayToString(`lsUI -wnd -m`, \" \"));"
+      "if (size(`scriptJob -lj`) != $jobs) error \"a job is left\";");
 }

@@ -10,7 +10,8 @@ namespace {
 /// What an expression of MEL gives, as text.
 std::string text(toolkitSession& toolkit, const std::string& expression) {
   CAPTURE(expression);
-  const auto value = toolkit.session->executeLine("global proc string answer() { return (" + expression + "); } answer();");
+  const auto value = toolkit.session->executeLine("global proc string answer() { return (" +
+                                                  expression + "); } answer();");
   REQUIRE(value.has_value());
   return value->toText().value_or("");
 }
@@ -18,22 +19,27 @@ std::string text(toolkitSession& toolkit, const std::string& expression) {
 /// How far the mesh reaches along the diagonal, object space.
 double reach(const char* name) {
   double farthest = 0;
-  for (const MPoint& p : toolkitSession::points(name, MSpace::kObject)) farthest = std::max(farthest, p.x + p.y + p.z);
+  for (const MPoint& p : toolkitSession::points(name, MSpace::kObject))
+    farthest = std::max(farthest, p.x + p.y + p.z);
   return farthest;
 }
-int faces(const char* name) { return MFnMesh(toolkitSession::path(name)).numPolygons(); }
+int faces(const char* name) {
+  return MFnMesh(toolkitSession::path(name)).numPolygons();
+}
 
 /// Runs the command, which reports that hosts refuse to tie a message to a number.
 void smooth(toolkitSession& toolkit, const std::string& command = "qxESmoothCmd") {
   const host::MessageCapture capture;
   CAPTURE(command);
   REQUIRE(toolkit.session->executeLine(command).has_value());
-  CHECK(capture.text(host::MessageKind::Error).find("cannot connect the message to the message") != std::string::npos);
+  CHECK(capture.text(host::MessageKind::Error).find("cannot connect the message to the message") !=
+        std::string::npos);
 }
 
 }  // namespace
 
-TEST_CASE("qxESmoothCmd: a hard cube keeps its shape but for the last step, a soft one goes round") {
+TEST_CASE(
+    "qxESmoothCmd: a hard cube keeps its shape but for the last step, a soft one goes round") {
   toolkitSession toolkit;
   for (const char* pose : kPoses) {
     CAPTURE(pose);
@@ -42,21 +48,27 @@ TEST_CASE("qxESmoothCmd: a hard cube keeps its shape but for the last step, a so
     toolkit.run("select shape");
     smooth(toolkit);
     CHECK(faces("shape1") == 6 * 4 * 4 * 4);
-    // One step without creases on squares of a quarter: a corner of three faces goes in by 2/9 of one along each axis.
+    // One step without creases on squares of a quarter: a corner of three faces goes in by 2/9 of
+    // one along each axis.
     CHECK(reach("shape1") == doctest::Approx(1.5 - 3 * 0.25 * 2 / 9).epsilon(1e-5));
     CHECK(text(toolkit, "size(`listHistory -pdo 1 shape1`)") == "0");
-    CHECK(text(toolkit, "`getAttr shape.intermediateObject` + size(`ls -sl`) + `getAttr shape1.io`") == "1");
-    CHECK(toolkitSession::path("shape1").inclusiveMatrix().isEquivalent(toolkitSession::path("shape").inclusiveMatrix()));
+    CHECK(text(toolkit,
+               "`getAttr shape.intermediateObject` + size(`ls -sl`) + `getAttr shape1.io`") == "1");
+    CHECK(toolkitSession::path("shape1").inclusiveMatrix().isEquivalent(
+        toolkitSession::path("shape").inclusiveMatrix()));
   }
   toolkit.run("file -f -new; polyCube -n shape; polySoftEdge -a 180 -ch 0 shape; select shape");
   smooth(toolkit);
   CHECK(reach("shape1") < 1.0);
 }
 
-TEST_CASE("qxESmoothCmd: creases only where edges are hard, none left behind; -numDiv adds levels") {
+TEST_CASE(
+    "qxESmoothCmd: creases only where edges are hard, none left behind; -numDiv adds levels") {
   toolkitSession toolkit;
   // Only the rim of the top face is hard.
-  toolkit.run("file -f -new; polyCube -n shape; polySoftEdge -a 180 -ch 0 shape; polySoftEdge -a 0 -ch 0 shape.f[1]; select shape");
+  toolkit.run(
+      "file -f -new; polyCube -n shape; polySoftEdge -a 180 -ch 0 shape; polySoftEdge -a 0 -ch 0 "
+      "shape.f[1]; select shape");
   smooth(toolkit, "qxESmoothCmd -nd 0");
   CHECK(faces("shape1") == 6 * 4 * 4);
   MUintArray edges;
@@ -75,9 +87,13 @@ TEST_CASE("qxESmoothCmd: creases only where edges are hard, none left behind; -n
   CHECK(faces("shape2") == 6 * 4 * 4 * 4 * 4);
 }
 
-TEST_CASE("qxESmoothCmd: each selected object once, in order; components, shapes and groups are skipped") {
+TEST_CASE(
+    "qxESmoothCmd: each selected object once, in order; components, shapes and groups are "
+    "skipped") {
   toolkitSession toolkit;
-  toolkit.run("file -f -new; polyCube -n a; polyPlane -sx 1 -sy 1 -n b; polyCube -n c; polyCube -n d; polyCube -n e; group -n g e;");
+  toolkit.run(
+      "file -f -new; polyCube -n a; polyPlane -sx 1 -sy 1 -n b; polyCube -n c; polyCube -n d; "
+      "polyCube -n e; group -n g e;");
   toolkit.run("instance -n twin a; select -r b c.vtx[0] dShape a g twin");
   smooth(toolkit);
   CHECK(text(toolkit, "size(`ls -tr \"a?\" \"b?\" \"c?\" \"d?\" \"g?\" \"twin?\"`)") == "3");
@@ -87,9 +103,13 @@ TEST_CASE("qxESmoothCmd: each selected object once, in order; components, shapes
   CHECK(text(toolkit, "`getAttr a.io` + `getAttr b.io` + `getAttr twin.io`") == "3");
 }
 
-TEST_CASE("qxESmoothCmd: undo shows the objects and takes the copies, whatever had been done to them; redo smooths again") {
+TEST_CASE(
+    "qxESmoothCmd: undo shows the objects and takes the copies, whatever had been done to them; "
+    "redo smooths again") {
   toolkitSession toolkit;
-  toolkit.run("file -f -new; polyCube -n a; polySphere -n b; setAttr b.tx 3; createSmoothSet_QXMT_Proc; select a b");
+  toolkit.run(
+      "file -f -new; polyCube -n a; polySphere -n b; setAttr b.tx 3; createSmoothSet_QXMT_Proc; "
+      "select a b");
   const std::uint64_t before = toolkit.hash();
   smooth(toolkit);
   const MPointArray smooth1 = toolkitSession::points("a1");
@@ -111,10 +131,13 @@ TEST_CASE("qxESmoothCmd: undo shows the objects and takes the copies, whatever h
   CHECK(text(toolkit, "size(`sets -q qxTSmoothObjectsSet`)") == "0");
 }
 
-TEST_CASE("qxESmoothCmd: nothing selected, words that are no numbers and objects that can't be smoothed change nothing") {
+TEST_CASE(
+    "qxESmoothCmd: nothing selected, words that are no numbers and objects that can't be smoothed "
+    "change nothing") {
   toolkitSession toolkit;
   toolkit.run("file -f -new; polyCube -n a; select -cl");
-  for (const char* command : {"qxESmoothCmd", "select a; qxESmoothCmd -nd \"two\"", "select a; qxESmoothCmd -nd -9"}) {
+  for (const char* command :
+       {"qxESmoothCmd", "select a; qxESmoothCmd -nd \"two\"", "select a; qxESmoothCmd -nd -9"}) {
     const std::uint64_t before = toolkit.hash();
     (void)toolkit.failure(command);
     toolkit.run("select -cl");

@@ -4,7 +4,8 @@
 
 namespace {
 
-/// A plane named "shape" of two rows with three vertices each (the first: 0 1 2), posed, its first row bent in world space.
+/// A plane named "shape" of two rows with three vertices each (the first: 0 1 2), posed, its first
+/// row bent in world space.
 void makeBentRow(toolkitSession& toolkit, const char* pose) {
   toolkit.run("file -f -new; polyPlane -name shape -sx 2 -sy 1;");
   toolkit.run(pose);
@@ -26,19 +27,24 @@ MPoint middleAfter(toolkitSession& toolkit, const std::string& command) {
 
 }  // namespace
 
-TEST_CASE("qxStraightenCmd: a bent row straightens in world space whatever the transform, and kept axes stay") {
+TEST_CASE(
+    "qxStraightenCmd: a bent row straightens in world space whatever the transform, and kept axes "
+    "stay") {
   toolkitSession toolkit;
   for (const char* pose : kPoses) {
     CAPTURE(pose);
     makeBentRow(toolkit, pose);
     toolkit.run("select -r shape.vtx[0:2]");
     CHECK(middleAfter(toolkit, "qxStraightenCmd").isEquivalent(MPoint(1, 0, 0), 1e-5));
-    CHECK(middleAfter(toolkit, "qxStraightenCmd -ax all -av true").isEquivalent(MPoint(1, 0, 0), 1e-5));
+    CHECK(middleAfter(toolkit, "qxStraightenCmd -ax all -av true")
+              .isEquivalent(MPoint(1, 0, 0), 1e-5));
     CHECK(middleAfter(toolkit, "qxStraightenCmd -axis y").isEquivalent(MPoint(1, 0.2, 0), 1e-5));
     CHECK(middleAfter(toolkit, "qxStraightenCmd -ax x").isEquivalent(MPoint(1, 0, 0), 1e-5));
-    CHECK(middleAfter(toolkit, "qxStraightenCmd -ax Y").isEquivalent(MPoint(1, 0, 0), 1e-5));  // no axis of that name
+    CHECK(middleAfter(toolkit, "qxStraightenCmd -ax Y")
+              .isEquivalent(MPoint(1, 0, 0), 1e-5));  // no axis of that name
     // The same vertices through their edges, and twice.
-    toolkit.run("select -r shape.vtx[1] `polyListComponentConversion -te -internal shape.vtx[0:2]`");
+    toolkit.run(
+        "select -r shape.vtx[1] `polyListComponentConversion -te -internal shape.vtx[0:2]`");
     CHECK(middleAfter(toolkit, "qxStraightenCmd").isEquivalent(MPoint(1, 0, 0), 1e-5));
   }
 }
@@ -62,7 +68,9 @@ TEST_CASE("qxStraightenCmd: undo gives the document back bit for bit, redo the r
   }
 }
 
-TEST_CASE("qxStraightenCmd: a mirrored selection of equal halves makes two lines, an unequal one a single line") {
+TEST_CASE(
+    "qxStraightenCmd: a mirrored selection of equal halves makes two lines, an unequal one a "
+    "single line") {
   toolkitSession toolkit;
   // A row of seven across x = 0; both halves bent upwards.
   toolkit.run("file -f -new; polyPlane -name shape -sx 6 -sy 1 -w 6 -h 1;");
@@ -75,7 +83,7 @@ TEST_CASE("qxStraightenCmd: a mirrored selection of equal halves makes two lines
   MPointArray split = toolkitSession::points("shape");
   CHECK(split[0].isEquivalent(MPoint(-3, 0, 0.5), 1e-5));
   CHECK(split[2].isEquivalent(MPoint(-1, 2, 0.5), 1e-5));
-  CHECK(std::fabs(split[1].y - (split[1].x + 3)) < 1e-5);   // on the line of its own side
+  CHECK(std::fabs(split[1].y - (split[1].x + 3)) < 1e-5);  // on the line of its own side
   CHECK(std::fabs(split[5].y - (3 - split[5].x)) < 1e-5);
   toolkit.run("undo");
 
@@ -122,7 +130,9 @@ TEST_CASE("qxStraightenCmd: single vertices and coinciding ones stay where they 
 
 TEST_CASE("qxStraightenCmd: a mesh with history keeps it and undoes") {
   toolkitSession toolkit;
-  toolkit.run("file -f -new; polyPlane -name shape -sx 4 -sy 4; move -r 0 0.1 0 shape.vtx[7]; select -r shape.vtx[5:9];");
+  toolkit.run(
+      "file -f -new; polyPlane -name shape -sx 4 -sy 4; move -r 0 0.1 0 shape.vtx[7]; select -r "
+      "shape.vtx[5:9];");
   const std::uint64_t before = toolkit.hash();
   toolkit.run("qxStraightenCmd");
   CHECK(std::fabs(toolkitSession::points("shape")[7].y) < 1e-6);

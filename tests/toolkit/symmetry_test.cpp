@@ -15,7 +15,8 @@ bool isMutual(const MIntArray& counterparts) {
   for (unsigned int i = 0; i < counterparts.length(); ++i) {
     const int there = counterparts[i];
     if (there < -1 || there >= static_cast<int>(counterparts.length())) return false;
-    if (there >= 0 && counterparts[static_cast<unsigned int>(there)] != static_cast<int>(i)) return false;
+    if (there >= 0 && counterparts[static_cast<unsigned int>(there)] != static_cast<int>(i))
+      return false;
   }
   return true;
 }
@@ -23,7 +24,8 @@ bool isMutual(const MIntArray& counterparts) {
 /// Whether the polygon through 2D points in order has two sides that cross.
 bool crossesItself(const std::vector<std::pair<double, double>>& polygon) {
   const auto turn = [](auto a, auto b, auto c) {
-    return (b.first - a.first) * (c.second - a.second) - (b.second - a.second) * (c.first - a.first);
+    return (b.first - a.first) * (c.second - a.second) -
+           (b.second - a.second) * (c.first - a.first);
   };
   const std::size_t n = polygon.size();
   for (std::size_t i = 0; i < n; ++i)
@@ -37,16 +39,20 @@ bool crossesItself(const std::vector<std::pair<double, double>>& polygon) {
 
 }  // namespace
 
-TEST_CASE("symmetric vertices: mutual, at the mirrored place, in object and world space, on every mesh") {
+TEST_CASE(
+    "symmetric vertices: mutual, at the mirrored place, in object and world space, on every mesh") {
   toolkitSession toolkit;
   const polyHelper poly;
   for (const host::zoo::ZooMesh& zoo : host::zoo::meshZoo())
-    for (const char* pose : {"", "setAttr shape.translate -type double3 0.5 0 0; setAttr shape.rz 90;", kHardPoses[0], kHardPoses[2]})
+    for (const char* pose :
+         {"", "setAttr shape.translate -type double3 0.5 0 0; setAttr shape.rz 90;", kHardPoses[0],
+          kHardPoses[2]})
       for (const bool inWorld : {false, true}) {
         CAPTURE(zoo.name);
         CAPTURE(std::string(pose));
         const MDagPath path = showMesh(toolkit, zoo.mesh, pose);
-        const MPointArray points = toolkitSession::points("shape", inWorld ? MSpace::kWorld : MSpace::kObject);
+        const MPointArray points =
+            toolkitSession::points("shape", inWorld ? MSpace::kWorld : MSpace::kObject);
         const double tolerance = polyHelper::mirrorTolerance(points) * 1.000001 + 1e-12;
         for (int axis = 0; axis < 3; ++axis) {
           MIntArray counterparts;
@@ -55,18 +61,22 @@ TEST_CASE("symmetric vertices: mutual, at the mirrored place, in object and worl
           CHECK(isMutual(counterparts));
           for (unsigned int i = 0; i < points.length(); ++i) {
             MStatus status;
-            CHECK(poly.symmetricVertex(path, static_cast<int>(i), axis, inWorld, &status) == counterparts[i]);
+            CHECK(poly.symmetricVertex(path, static_cast<int>(i), axis, inWorld, &status) ==
+                  counterparts[i]);
             CHECK(status);
             if (counterparts[i] < 0) continue;
             MPoint mirrored = points[i];
             mirrored[static_cast<unsigned int>(axis)] *= -1;
-            CHECK(mirrored.distanceTo(points[static_cast<unsigned int>(counterparts[i])]) <= tolerance);
+            CHECK(mirrored.distanceTo(points[static_cast<unsigned int>(counterparts[i])]) <=
+                  tolerance);
           }
         }
       }
 }
 
-TEST_CASE("symmetric vertices: of a symmetric mesh all, seam vertices that coincide too; none where there is none") {
+TEST_CASE(
+    "symmetric vertices: of a symmetric mesh all, seam vertices that coincide too; none where "
+    "there is none") {
   toolkitSession toolkit;
   const polyHelper poly;
   toolkit.run("polySphere -name shape -ax 0 1 0 -sx 20 -sy 12;");
@@ -75,9 +85,19 @@ TEST_CASE("symmetric vertices: of a symmetric mesh all, seam vertices that coinc
   CHECK(std::count(counterparts.begin(), counterparts.end(), -1) == 0);
 
   // Two unmerged sheets: four vertices at each of the places of two.
-  const host::mesh::Mesh sheets =
-      host::zoo::meshOf({{1, 0, 0}, {2, 0, 0}, {2, 1, 0}, {1, 0, 0}, {2, 1, 0}, {1, 1, 0}, {-1, 0, 0}, {-2, 0, 0}, {-2, 1, 0}, {-1, 0, 0}, {-2, 1, 0}, {-1, 1, 0}},
-                        {{0, 1, 2}, {3, 4, 5}, {6, 8, 7}, {9, 11, 10}});
+  const host::mesh::Mesh sheets = host::zoo::meshOf({{1, 0, 0},
+                                                     {2, 0, 0},
+                                                     {2, 1, 0},
+                                                     {1, 0, 0},
+                                                     {2, 1, 0},
+                                                     {1, 1, 0},
+                                                     {-1, 0, 0},
+                                                     {-2, 0, 0},
+                                                     {-2, 1, 0},
+                                                     {-1, 0, 0},
+                                                     {-2, 1, 0},
+                                                     {-1, 1, 0}},
+                                                    {{0, 1, 2}, {3, 4, 5}, {6, 8, 7}, {9, 11, 10}});
   const MDagPath path = showMesh(toolkit, sheets);
   REQUIRE(poly.symmetricVertices(path, 0, false, counterparts));
   CHECK(isMutual(counterparts));
@@ -91,7 +111,9 @@ TEST_CASE("symmetric vertices: of a symmetric mesh all, seam vertices that coinc
   CHECK(poly.symmetricVertex(path, 7, 0, false) == -1);
 }
 
-TEST_CASE("symmetric vertices: bad axes, vertices and paths are refused, a heap in one place does not hang") {
+TEST_CASE(
+    "symmetric vertices: bad axes, vertices and paths are refused, a heap in one place does not "
+    "hang") {
   toolkitSession toolkit;
   const polyHelper poly;
   MIntArray counterparts(4, 9);
@@ -107,13 +129,16 @@ TEST_CASE("symmetric vertices: bad axes, vertices and paths are refused, a heap 
   CHECK_FALSE(poly.symmetricVertices(deletedPath(toolkit), 0, false, counterparts));
 }
 
-TEST_CASE("angular order: no polygon crosses itself, counter-clockwise for the viewer, from the first point") {
+TEST_CASE(
+    "angular order: no polygon crosses itself, counter-clockwise for the viewer, from the first "
+    "point") {
   const polyHelper poly;
   std::mt19937 random(5);
   std::uniform_real_distribution<double> wide(-3, 3), thin(-0.01, 0.01);
   for (int round = 0; round < 200; ++round) {
     MPointArray points;
-    for (int i = 0; i < 4 + round % 3; ++i) points.append(MPoint(wide(random), wide(random), thin(random)));
+    for (int i = 0; i < 4 + round % 3; ++i)
+      points.append(MPoint(wide(random), wide(random), thin(random)));
     for (const double side : {1.0, -1.0}) {
       const MVector viewer(0.1, 0.2, side);
       MIntArray order;
@@ -123,7 +148,8 @@ TEST_CASE("angular order: no polygon crosses itself, counter-clockwise for the v
       std::vector<std::pair<double, double>> polygon;
       double area = 0;
       for (const int place : order)
-        polygon.emplace_back(points[static_cast<unsigned int>(place)].x, points[static_cast<unsigned int>(place)].y);
+        polygon.emplace_back(points[static_cast<unsigned int>(place)].x,
+                             points[static_cast<unsigned int>(place)].y);
       for (std::size_t i = 0; i < polygon.size(); ++i) {
         const auto a = polygon[i], b = polygon[(i + 1) % polygon.size()];
         area += a.first * b.second - a.second * b.first;
@@ -134,7 +160,9 @@ TEST_CASE("angular order: no polygon crosses itself, counter-clockwise for the v
   }
 }
 
-TEST_CASE("angular order: without a viewer the given sense stays; points on a line, in one place, not numbers") {
+TEST_CASE(
+    "angular order: without a viewer the given sense stays; points on a line, in one place, not "
+    "numbers") {
   const polyHelper poly;
   const auto orderOf = [&](std::initializer_list<MPoint> list, const MVector* viewer = nullptr) {
     MPointArray points;
@@ -159,10 +187,14 @@ TEST_CASE("angular order: without a viewer the given sense stays; points on a li
   CHECK(order.length() == 0);
 }
 
-TEST_CASE("selection centre: vertices of what is selected, each once a kind, over several objects, in world space") {
+TEST_CASE(
+    "selection centre: vertices of what is selected, each once a kind, over several objects, in "
+    "world space") {
   toolkitSession toolkit;
   const polyHelper poly;
-  toolkit.run("polyPlane -name shape -sx 2 -sy 2 -w 2 -h 2; setAttr shape.tx 10; polyCube -name other; setAttr other.ty 4;");
+  toolkit.run(
+      "polyPlane -name shape -sx 2 -sy 2 -w 2 -h 2; setAttr shape.tx 10; polyCube -name other; "
+      "setAttr other.ty 4;");
   const auto centreOf = [&](const char* select) {
     toolkit.run(select);
     MPoint centre;
@@ -170,9 +202,11 @@ TEST_CASE("selection centre: vertices of what is selected, each once a kind, ove
     return centre;
   };
   CHECK(centreOf("select -r shape.f[0]").isEquivalent(MPoint(9.5, 0, 0.5)));
-  CHECK(centreOf("select -r shape.f[0:1]").isEquivalent(MPoint(10, 0, 0.5)));  // the shared edge counts once
+  CHECK(centreOf("select -r shape.f[0:1]")
+            .isEquivalent(MPoint(10, 0, 0.5)));  // the shared edge counts once
   CHECK(centreOf("select -r shape.e[*]").isEquivalent(MPoint(10, 0, 0)));
-  CHECK(centreOf("select -r shape.vtx[4] other.f[*]").isEquivalent(MPoint(10.0 / 9, 32.0 / 9, 0), 1e-9));
+  CHECK(centreOf("select -r shape.vtx[4] other.f[*]")
+            .isEquivalent(MPoint(10.0 / 9, 32.0 / 9, 0), 1e-9));
   CHECK(centreOf("select -r other").isEquivalent(MPoint(0, 4, 0)));
   MPoint centre(1, 1, 1);
   toolkit.run("select -cl");

@@ -18,7 +18,8 @@ class toolkitSession {
   toolkitSession() : session(host::api::makeHostSession()) {
     session->interpreter().setScriptPath({QXMT_SOURCE_DIR "/scripts"});
     const host::MessageCapture quiet;
-    const auto loaded = session->executeLine("loadPlugin \"" QXMT_BINARY_DIR "/lib/qxModelingToolkit.so\"");
+    const auto loaded =
+        session->executeLine("loadPlugin \"" QXMT_BINARY_DIR "/lib/qxModelingToolkit.so\"");
     REQUIRE_MESSAGE(loaded.has_value(), (loaded ? std::string() : loaded.error().message));
   }
 
@@ -50,7 +51,8 @@ class toolkitSession {
     REQUIRE(MFnMesh(path(name)).getPoints(all, space));
     return all;
   }
-  static void setPoints(const char* name, const MPointArray& all, MSpace::Space space = MSpace::kWorld) {
+  static void setPoints(const char* name, const MPointArray& all,
+                        MSpace::Space space = MSpace::kWorld) {
     REQUIRE(MFnMesh(path(name)).setPoints(all, space));
   }
   static void setPoint(const char* name, int vertex, const MPoint& point) {
@@ -60,12 +62,14 @@ class toolkitSession {
   std::unique_ptr<host::cmd::Session> session;
 };
 
-/// MEL that poses "shape" (a mesh's transform named so) in every way a pose can trip world-space work.
+/// MEL that poses "shape" (a mesh's transform named so) in every way a pose can trip world-space
+/// work.
 inline const char* const kPoses[] = {
     "",
     "setAttr shape.rotate -type double3 30 -50 70; setAttr shape.translate -type double3 3 -2 5;",
     "setAttr shape.scale -type double3 2 0.5 3; setAttr shape.rotate -type double3 10 20 30;",
     "setAttr shape.scale -type double3 -1 2 1; setAttr shape.shearXY 0.4;",
-    ("group -name above shape; setAttr above.scale -type double3 1 -3 0.25; setAttr above.rotate -type double3 40 0 15;"
-    "setAttr shape.rotate -type double3 -20 35 0; setAttr shape.rotatePivot -type double3 1 2 3;"),
+    ("group -name above shape; setAttr above.scale -type double3 1 -3 0.25; setAttr above.rotate "
+     "-type double3 40 0 15;"
+     "setAttr shape.rotate -type double3 -20 35 0; setAttr shape.rotatePivot -type double3 1 2 3;"),
 };

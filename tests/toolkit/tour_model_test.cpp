@@ -7,8 +7,8 @@
 #include "host/nodes/mesh_shape.h"
 #include "tests/toolkit/toolkit_session.h"
 
-// The tour's model: a chain of selections, bevels, loops, extrusions, colours and the smooth, as a script strings them
-// together.
+// The tour's model: a chain of selections, bevels, loops, extrusions, colours and the smooth, as a
+// script strings them together.
 
 namespace {
 
@@ -25,7 +25,8 @@ void checkSolid(const host::mesh::Mesh& mesh) {
   CHECK(host::mesh::check(mesh).empty());
   CHECK(host::mesh::findShells(mesh).count == 5);
   host::Index open = 0;
-  for (host::EdgeId e = 0; e < mesh.edgeCount(); ++e) open += mesh.adjacency().isManifoldEdge(e) ? 0 : 1;
+  for (host::EdgeId e = 0; e < mesh.edgeCount(); ++e)
+    open += mesh.adjacency().isManifoldEdge(e) ? 0 : 1;
   CHECK(open == 0);
   CHECK(host::mesh::allBorders(mesh).empty());
   CHECK(mesh.vertexCount() - mesh.edgeCount() + mesh.faceCount() == 2 * 5);
@@ -33,7 +34,9 @@ void checkSolid(const host::mesh::Mesh& mesh) {
 
 }  // namespace
 
-TEST_CASE("the tour's camera: five closed parts through every step, smoothed with colours, undone in one go") {
+TEST_CASE(
+    "the tour's camera: five closed parts through every step, smoothed with colours, undone in one "
+    "go") {
   toolkitSession toolkit;
   const host::MessageCapture quiet;
   toolkit.run("source \"qxmt_tour.mel\"; qxmtTourCamera_QXMT_Proc(\"\");");
@@ -48,7 +51,8 @@ TEST_CASE("the tour's camera: five closed parts through every step, smoothed wit
   CHECK(smooth.faceCount() == 4 * model.cornerCount());
   REQUIRE(smooth.currentColorSet() >= 0);
   const auto& colors = smooth.colorSet(smooth.currentColorSet());
-  CHECK(std::find(colors.cornerIds.begin(), colors.cornerIds.end(), host::kNone) == colors.cornerIds.end());
+  CHECK(std::find(colors.cornerIds.begin(), colors.cornerIds.end(), host::kNone) ==
+        colors.cornerIds.end());
   // Hard edges are kept: the camera hardly loses any of its size.
   const auto reach = [](const host::mesh::Mesh& mesh) {
     float x = 0, z = 0;

@@ -1,10 +1,11 @@
+#include "host/mesh/walks.h"
+
 #include <maya/MFnSingleIndexedComponent.h>
 
 #include <algorithm>
 #include <set>
 
 #include "host/mesh/adjacency.h"
-#include "host/mesh/walks.h"
 #include "shared/polyHelper.h"
 #include "tests/toolkit/zoo_scene.h"
 
@@ -15,20 +16,24 @@ namespace {
 using host::EdgeId;
 using host::FaceId;
 
-std::vector<int> values(const MIntArray& array) { return {array.begin(), array.end()}; }
+std::vector<int> values(const MIntArray& array) {
+  return {array.begin(), array.end()};
+}
 
-/// The smaller of the two directions of a run, closed ones turned so that they start at their lowest edge.
+/// The smaller of the two directions of a run, closed ones turned so that they start at their
+/// lowest edge.
 std::vector<int> canonical(std::vector<int> run, bool isClosed) {
   std::vector<int> back(run.rbegin(), run.rend());
   if (isClosed)
-    for (auto* way : {&run, &back}) std::rotate(way->begin(), std::min_element(way->begin(), way->end()), way->end());
+    for (auto* way : {&run, &back})
+      std::rotate(way->begin(), std::min_element(way->begin(), way->end()), way->end());
   return std::min(run, back);
 }
 
 std::vector<int> borderOf(const MDagPath& path, const std::vector<int>& faces) {
   MStatus status;
-  const MObject component =
-      polyHelper().borderEdges(path, MIntArray(faces.data(), static_cast<unsigned int>(faces.size())), &status);
+  const MObject component = polyHelper().borderEdges(
+      path, MIntArray(faces.data(), static_cast<unsigned int>(faces.size())), &status);
   CHECK(status);
   CHECK(component.hasFn(MFn::kMeshEdgeComponent));
   MIntArray edges;
@@ -55,7 +60,8 @@ TEST_CASE("rings and loops: as a walk over the mesh itself finds them, each edge
       for (const bool isRing : {true, false}) {
         MIntArray edges;
         bool isClosed = false;
-        REQUIRE((isRing ? poly.edgeRing(path, e, edges, &isClosed) : poly.edgeLoop(path, e, edges, &isClosed)));
+        REQUIRE((isRing ? poly.edgeRing(path, e, edges, &isClosed)
+                        : poly.edgeLoop(path, e, edges, &isClosed)));
         std::vector<int> run = values(edges);
         CHECK(std::set<int>(run.begin(), run.end()).size() == run.size());
         CHECK(std::count(run.begin(), run.end(), e) == 1);
@@ -93,7 +99,8 @@ TEST_CASE("partial runs: the shorter way round, in the order asked for, the tie 
   for (const bool isRing : {true, false}) {
     MIntArray all;
     bool isClosed = false;
-    REQUIRE((isRing ? poly.edgeRing(path, 0, all, &isClosed) : poly.edgeLoop(path, 0, all, &isClosed)));
+    REQUIRE(
+        (isRing ? poly.edgeRing(path, 0, all, &isClosed) : poly.edgeLoop(path, 0, all, &isClosed)));
     REQUIRE(isClosed);
     const std::vector<int> whole = values(all);
     const std::size_t count = whole.size();
@@ -142,8 +149,9 @@ TEST_CASE("loops: stop at poles, run along borders, and end where three faces me
   CHECK(edges.length() == 4);
 
   // Three quads on one edge: the ring across it does not choose a side.
-  const host::mesh::Mesh fin = host::zoo::meshOf({{0, 0, 0}, {0, 0, 1}, {1, 0, 0}, {1, 0, 1}, {-1, 0, 0}, {-1, 0, 1}, {0, 1, 0}, {0, 1, 1}},
-                                                 {{0, 1, 3, 2}, {0, 4, 5, 1}, {0, 1, 7, 6}});
+  const host::mesh::Mesh fin = host::zoo::meshOf(
+      {{0, 0, 0}, {0, 0, 1}, {1, 0, 0}, {1, 0, 1}, {-1, 0, 0}, {-1, 0, 1}, {0, 1, 0}, {0, 1, 1}},
+      {{0, 1, 3, 2}, {0, 4, 5, 1}, {0, 1, 7, 6}});
   const MDagPath finPath = showMesh(toolkit, fin);
   REQUIRE(poly.edgeRing(finPath, edgeBetween(fin, 2, 3), edges));
   CHECK(values(edges).size() == 2);

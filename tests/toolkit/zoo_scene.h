@@ -8,7 +8,8 @@
 
 /// Makes a mesh of the zoo the scene's only object: transform "shape", no history.
 /// `pose` is MEL that is run afterwards; the path is the one after that.
-inline MDagPath showMesh(toolkitSession& toolkit, const host::mesh::Mesh& mesh, const char* pose = "") {
+inline MDagPath showMesh(toolkitSession& toolkit, const host::mesh::Mesh& mesh,
+                         const char* pose = "") {
   toolkit.run("file -f -new; polyCube -ch 0 -name shape;");
   const auto shape = toolkit.session->document().node("shapeShape");
   REQUIRE(shape.has_value());
@@ -25,7 +26,8 @@ inline MDagPath deletedPath(toolkitSession& toolkit) {
   return path;
 }
 
-/// The poses under which no routine may fail by more than a status: turned inside out, and pressed flat.
+/// The poses under which no routine may fail by more than a status: turned inside out, and pressed
+/// flat.
 inline const char* const kHardPoses[] = {
     "group -name above shape; setAttr above.scale -type double3 -1 2 -0.5;",
     "group -name above shape; setAttr above.scale -type double3 1 0 1;",

@@ -57,7 +57,8 @@ MStatus readReals(const MArgList& list, unsigned int& index, unsigned int count,
   return MStatus::kSuccess;
 }
 
-/// The words from `index` up to the next flag, arrays spread out; `index` moves to the last word taken.
+/// The words from `index` up to the next flag, arrays spread out; `index` moves to the last word
+/// taken.
 template <class Take>
 MStatus readRun(const MArgList& list, unsigned int& index, Take take) {
   unsigned int i = index;
@@ -68,7 +69,8 @@ MStatus readRun(const MArgList& list, unsigned int& index, Take take) {
 }
 
 template <class Array, class Element, class Read>
-MStatus readTuples(const MArgList& list, unsigned int& index, unsigned int count, Array& array, Read make) {
+MStatus readTuples(const MArgList& list, unsigned int& index, unsigned int count, Array& array,
+                   Read make) {
   if (count == 0 || count > 4) return MStatus::kInvalidParameter;
   std::vector<double> numbers;
   const MStatus status = readRun(list, index, [&](const mel::Value& word) {
@@ -138,7 +140,9 @@ MStatus MArgList::get(unsigned int index, int& value) const {
   if (number) value = *number;
   return api::toStatus(number, MStatus::kInvalidParameter);
 }
-MStatus MArgList::get(unsigned int index, double& value) const { return api::readReal(*this, index, value); }
+MStatus MArgList::get(unsigned int index, double& value) const {
+  return api::readReal(*this, index, value);
+}
 MStatus MArgList::get(unsigned int index, MString& value) const {
   const mel::Value* word = wordAt(*this, index);
   if (!word) return MStatus::kInvalidParameter;
@@ -149,7 +153,8 @@ MStatus MArgList::get(unsigned int index, MString& value) const {
 MStatus MArgList::get(unsigned int index, MDistance& value) const {
   double number = 0;
   const MStatus status = api::readReal(*this, index, number);
-  if (status) value = MDistance(api::document().units().toCentimeters(number), MDistance::kCentimeters);
+  if (status)
+    value = MDistance(api::document().units().toCentimeters(number), MDistance::kCentimeters);
   return status;
 }
 MStatus MArgList::get(unsigned int index, MAngle& value) const {
@@ -207,23 +212,26 @@ MStatus MArgList::get(unsigned int& index, MStringArray& value) const {
   return status;
 }
 MStatus MArgList::get(unsigned int& index, MPointArray& value, unsigned int numElements) const {
-  return api::readTuples<MPointArray, MPoint>(*this, index, numElements, value, [numElements](const double* p) {
-    return MPoint(p[0], numElements > 1 ? p[1] : 0, numElements > 2 ? p[2] : 0, numElements > 3 ? p[3] : 1);
-  });
+  return api::readTuples<MPointArray, MPoint>(
+      *this, index, numElements, value, [numElements](const double* p) {
+        return MPoint(p[0], numElements > 1 ? p[1] : 0, numElements > 2 ? p[2] : 0,
+                      numElements > 3 ? p[3] : 1);
+      });
 }
 MStatus MArgList::get(unsigned int& index, MVectorArray& value, unsigned int numElements) const {
   if (numElements > 3) return MStatus::kInvalidParameter;
-  return api::readTuples<MVectorArray, MVector>(*this, index, numElements, value, [numElements](const double* p) {
-    return MVector(p[0], numElements > 1 ? p[1] : 0, numElements > 2 ? p[2] : 0);
-  });
+  return api::readTuples<MVectorArray, MVector>(
+      *this, index, numElements, value, [numElements](const double* p) {
+        return MVector(p[0], numElements > 1 ? p[1] : 0, numElements > 2 ? p[2] : 0);
+      });
 }
 
-#define HOST_ARG_AS(Name, Type)                                     \
+#define HOST_ARG_AS(Name, Type)                                        \
   Type MArgList::as##Name(unsigned int index, MStatus* status) const { \
-    Type value{};                                                   \
-    const MStatus code = get(index, value);                         \
-    setStatus(status, code.statusCode());                           \
-    return value;                                                   \
+    Type value{};                                                      \
+    const MStatus code = get(index, value);                            \
+    setStatus(status, code.statusCode());                              \
+    return value;                                                      \
   }
 HOST_ARG_AS(Bool, bool)
 HOST_ARG_AS(Int, int)
@@ -233,23 +241,23 @@ HOST_ARG_AS(Distance, MDistance)
 HOST_ARG_AS(Angle, MAngle)
 HOST_ARG_AS(Time, MTime)
 #undef HOST_ARG_AS
-#define HOST_ARG_AS_RUN(Name, Type)                                   \
+#define HOST_ARG_AS_RUN(Name, Type)                                     \
   Type MArgList::as##Name(unsigned int& index, MStatus* status) const { \
-    Type value{};                                                     \
-    const MStatus code = get(index, value);                           \
-    setStatus(status, code.statusCode());                             \
-    return value;                                                     \
+    Type value{};                                                       \
+    const MStatus code = get(index, value);                             \
+    setStatus(status, code.statusCode());                               \
+    return value;                                                       \
   }
 HOST_ARG_AS_RUN(IntArray, MIntArray)
 HOST_ARG_AS_RUN(DoubleArray, MDoubleArray)
 HOST_ARG_AS_RUN(StringArray, MStringArray)
 #undef HOST_ARG_AS_RUN
-#define HOST_ARG_AS_TUPLE(Name, Type)                                                           \
+#define HOST_ARG_AS_TUPLE(Name, Type)                                                             \
   Type MArgList::as##Name(unsigned int& index, unsigned int numElements, MStatus* status) const { \
-    Type value{};                                                                               \
-    const MStatus code = get(index, value, numElements);                                        \
-    setStatus(status, code.statusCode());                                                       \
-    return value;                                                                               \
+    Type value{};                                                                                 \
+    const MStatus code = get(index, value, numElements);                                          \
+    setStatus(status, code.statusCode());                                                         \
+    return value;                                                                                 \
   }
 HOST_ARG_AS_TUPLE(Point, MPoint)
 HOST_ARG_AS_TUPLE(Vector, MVector)
@@ -257,9 +265,18 @@ HOST_ARG_AS_TUPLE(PointArray, MPointArray)
 HOST_ARG_AS_TUPLE(VectorArray, MVectorArray)
 #undef HOST_ARG_AS_TUPLE
 
-MStatus MArgList::addArg(bool arg) { append(*this, mel::Value(arg)); return MStatus::kSuccess; }
-MStatus MArgList::addArg(int arg) { append(*this, mel::Value(arg)); return MStatus::kSuccess; }
-MStatus MArgList::addArg(double arg) { append(*this, mel::Value(arg)); return MStatus::kSuccess; }
+MStatus MArgList::addArg(bool arg) {
+  append(*this, mel::Value(arg));
+  return MStatus::kSuccess;
+}
+MStatus MArgList::addArg(int arg) {
+  append(*this, mel::Value(arg));
+  return MStatus::kSuccess;
+}
+MStatus MArgList::addArg(double arg) {
+  append(*this, mel::Value(arg));
+  return MStatus::kSuccess;
+}
 MStatus MArgList::addArg(const MString& arg) {
   append(*this, mel::Value(arg.asChar()));
   return MStatus::kSuccess;
@@ -267,7 +284,9 @@ MStatus MArgList::addArg(const MString& arg) {
 MStatus MArgList::addArg(const MDistance& arg) {
   return addArg(api::document().units().fromCentimeters(arg.asCentimeters()));
 }
-MStatus MArgList::addArg(const MAngle& arg) { return addArg(api::document().units().fromRadians(arg.asRadians())); }
+MStatus MArgList::addArg(const MAngle& arg) {
+  return addArg(api::document().units().fromRadians(arg.asRadians()));
+}
 MStatus MArgList::addArg(const MTime& arg) {
   return addArg(arg.as(MTime::kSeconds) * api::document().units().framesPerSecond());
 }

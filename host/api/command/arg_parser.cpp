@@ -23,9 +23,12 @@ const ParsedRep::Use* findUse(const ParsedRep& rep, const char* flag, unsigned i
   return nullptr;
 }
 
-const scene::Units& units() { return document().units(); }
+const scene::Units& units() {
+  return document().units();
+}
 
-/// The number in a word. Text that does not begin as one holds none, although scripts take it for 0.
+/// The number in a word. Text that does not begin as one holds none, although scripts take it for
+/// 0.
 Result<double> numberIn(const mel::Value& word) {
   if (word.isString()) {
     char* end = nullptr;
@@ -119,7 +122,8 @@ MArgParser::~MArgParser() = default;
 
 bool MArgParser::isFlagSet(const char* flag, MStatus* status) const {
   const auto& rep = parsedOf(handle_);
-  setStatus(status, rep.syntax.find(flag ? flag : "") ? MStatus::kSuccess : MStatus::kInvalidParameter);
+  setStatus(status,
+            rep.syntax.find(flag ? flag : "") ? MStatus::kSuccess : MStatus::kInvalidParameter);
   return api::findUse(rep, flag) != nullptr;
 }
 bool MArgParser::isEdit(MStatus* status) const {
@@ -136,13 +140,14 @@ unsigned int MArgParser::numberOfFlagsUsed() const {
 unsigned int MArgParser::numberOfFlagUses(const char* flag) const {
   const auto& rep = parsedOf(handle_);
   const auto* wanted = rep.syntax.find(flag ? flag : "");
-  return static_cast<unsigned int>(std::count_if(rep.uses.begin(), rep.uses.end(),
-                                                 [wanted](const auto& use) { return wanted && use.flag == wanted; }));
+  return static_cast<unsigned int>(
+      std::count_if(rep.uses.begin(), rep.uses.end(),
+                    [wanted](const auto& use) { return wanted && use.flag == wanted; }));
 }
 
-#define HOST_ARG_READERS(Type)                                                                  \
+#define HOST_ARG_READERS(Type)                                                                    \
   MStatus MArgParser::getFlagArgument(const char* flag, unsigned int index, Type& result) const { \
-    return readFlag(handle_, flag, index, result);                                              \
+    return readFlag(handle_, flag, index, result);                                                \
   }
 HOST_ARG_READERS(bool)
 HOST_ARG_READERS(int)
@@ -154,21 +159,22 @@ HOST_ARG_READERS(MAngle)
 HOST_ARG_READERS(MTime)
 #undef HOST_ARG_READERS
 
-#define HOST_ARG_VALUES(Suffix, Type)                                                              \
-  Type MArgParser::flagArgument##Suffix(const char* flag, unsigned int index, MStatus* status) const { \
-    Type result{};                                                                                 \
-    const MStatus code = getFlagArgument(flag, index, result);                                     \
-    setStatus(status, code.statusCode());                                                          \
-    return result;                                                                                 \
-  }                                                                                                \
-  Type MArgParser::commandArgument##Suffix(unsigned int index, MStatus* status) const {            \
-    Type result{};                                                                                 \
-    const MStatus code = getCommandArgument(index, result);                                        \
-    setStatus(status, code.statusCode());                                                          \
-    return result;                                                                                 \
-  }                                                                                                \
-  MStatus MArgParser::getCommandArgument(unsigned int index, Type& result) const {                 \
-    return readArgument(handle_, index, result);                                                   \
+#define HOST_ARG_VALUES(Suffix, Type)                                                          \
+  Type MArgParser::flagArgument##Suffix(const char* flag, unsigned int index, MStatus* status) \
+      const {                                                                                  \
+    Type result{};                                                                             \
+    const MStatus code = getFlagArgument(flag, index, result);                                 \
+    setStatus(status, code.statusCode());                                                      \
+    return result;                                                                             \
+  }                                                                                            \
+  Type MArgParser::commandArgument##Suffix(unsigned int index, MStatus* status) const {        \
+    Type result{};                                                                             \
+    const MStatus code = getCommandArgument(index, result);                                    \
+    setStatus(status, code.statusCode());                                                      \
+    return result;                                                                             \
+  }                                                                                            \
+  MStatus MArgParser::getCommandArgument(unsigned int index, Type& result) const {             \
+    return readArgument(handle_, index, result);                                               \
   }
 HOST_ARG_VALUES(Bool, bool)
 HOST_ARG_VALUES(Int, int)
@@ -179,19 +185,22 @@ HOST_ARG_VALUES(MAngle, MAngle)
 HOST_ARG_VALUES(MTime, MTime)
 #undef HOST_ARG_VALUES
 
-MStatus MArgParser::getFlagArgumentPosition(const char* flag, unsigned int flagIndex, unsigned int& argListIndex) const {
+MStatus MArgParser::getFlagArgumentPosition(const char* flag, unsigned int flagIndex,
+                                            unsigned int& argListIndex) const {
   const auto* use = api::findUse(parsedOf(handle_), flag, flagIndex);
   if (!use) return MStatus::kInvalidParameter;
   argListIndex = static_cast<unsigned int>(use->firstArgument);
   return MStatus::kSuccess;
 }
 
-MStatus MArgParser::getFlagArgumentList(const char* flag, unsigned int flagIndex, MArgList& args) const {
+MStatus MArgParser::getFlagArgumentList(const char* flag, unsigned int flagIndex,
+                                        MArgList& args) const {
   const auto& rep = parsedOf(handle_);
   const auto* use = api::findUse(rep, flag, flagIndex);
   if (!use) return MStatus::kInvalidParameter;
   const auto first = rep.words.begin() + static_cast<std::ptrdiff_t>(use->firstArgument);
-  args = api::wrap(std::vector<mel::Value>(first, first + static_cast<std::ptrdiff_t>(use->argumentCount)));
+  args = api::wrap(
+      std::vector<mel::Value>(first, first + static_cast<std::ptrdiff_t>(use->argumentCount)));
   return MStatus::kSuccess;
 }
 
@@ -231,7 +240,8 @@ MStatus resolveWord(const mel::Value& word, MSelectionList& result) {
 }
 }  // namespace
 
-MStatus MArgDatabase::getFlagArgument(const char* flag, unsigned int index, MSelectionList& result) const {
+MStatus MArgDatabase::getFlagArgument(const char* flag, unsigned int index,
+                                      MSelectionList& result) const {
   const auto& rep = parsedOf(handle_);
   const auto* use = api::findUse(rep, flag);
   if (!use || index >= use->argumentCount) return MStatus::kInvalidParameter;

@@ -34,13 +34,15 @@ struct SyntaxRep final : SharedRep {
   unsigned int minimumObjects = 0, maximumObjects = ~0u;
   bool usesSelection = false, canQuery = false, canEdit = false;
 
-  [[nodiscard]] const Flag* find(std::string_view name) const;  ///< short or long, with or without '-'
+  [[nodiscard]] const Flag* find(
+      std::string_view name) const;  ///< short or long, with or without '-'
 };
 
 [[nodiscard]] const SyntaxRep& syntaxOf(const MSyntax& syntax);
 
-/// A call's words sorted by a syntax. What could not be sorted is remembered as the first error; the flags that were
-/// recognised stay readable, so that a command can report a bad argument in its own words.
+/// A call's words sorted by a syntax. What could not be sorted is remembered as the first error;
+/// the flags that were recognised stay readable, so that a command can report a bad argument in its
+/// own words.
 struct ParsedRep final : SharedRep {
   struct Use {
     const SyntaxRep::Flag* flag = nullptr;
@@ -53,7 +55,7 @@ struct ParsedRep final : SharedRep {
   std::vector<mel::Value> arguments;
   std::vector<std::string> objects;
   bool isQuery = false, isEdit = false;
-  std::string error;  ///< empty: all words fit
+  std::string error;               ///< empty: all words fit
   scene::SelectionList selection;  ///< the objects resolved, filled by MArgDatabase
 };
 

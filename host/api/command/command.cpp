@@ -33,14 +33,21 @@ struct ResultScope {
   ~ResultScope() { resultStack().pop_back(); }
 };
 
-CommandRep& repOf(MPxCommand& command) { return Access::writable<CommandRep>(command); }
+CommandRep& repOf(MPxCommand& command) {
+  return Access::writable<CommandRep>(command);
+}
 
 }  // namespace
 
-bool isUndoingNow() { return undoDepth() > 0; }
-bool isRedoingNow() { return redoDepth() > 0; }
+bool isUndoingNow() {
+  return undoDepth() > 0;
+}
+bool isRedoingNow() {
+  return redoDepth() > 0;
+}
 
-CommandAdapter::CommandAdapter(std::unique_ptr<MPxCommand> object, std::string name, MSyntax syntax, bool hasSyntax)
+CommandAdapter::CommandAdapter(std::unique_ptr<MPxCommand> object, std::string name, MSyntax syntax,
+                               bool hasSyntax)
     : object_(std::move(object)), name_(std::move(name)) {
   CommandRep& rep = repOf(*object_);
   rep.syntax = std::move(syntax);
@@ -83,18 +90,24 @@ void assignResult(mel::Value value) {
   if (!resultStack().empty()) resultStack().back() = std::move(value);
 }
 
-mel::Value currentResult() { return resultStack().empty() ? mel::Value() : resultStack().back(); }
+mel::Value currentResult() {
+  return resultStack().empty() ? mel::Value() : resultStack().back();
+}
 
-/// Turns the result into an array of the element's type and adds to it; a result of another type starts anew.
+/// Turns the result into an array of the element's type and adds to it; a result of another type
+/// starts anew.
 template <class Array, class Element>
 void appendResult(const Element& element) {
   const mel::Value before = currentResult();
   Array array;
   if (before.type() == mel::Value(Array()).type()) {
     array = [&] {
-      if constexpr (std::is_same_v<Array, mel::IntArray>) return before.intArray();
-      else if constexpr (std::is_same_v<Array, mel::FloatArray>) return before.floatArray();
-      else return before.stringArray();
+      if constexpr (std::is_same_v<Array, mel::IntArray>)
+        return before.intArray();
+      else if constexpr (std::is_same_v<Array, mel::FloatArray>)
+        return before.floatArray();
+      else
+        return before.stringArray();
     }();
   }
   array.push_back(element);
@@ -117,10 +130,18 @@ using api::setStatus;
 
 MPxCommand::MPxCommand() = default;
 MPxCommand::~MPxCommand() = default;
-MStatus MPxCommand::doIt(const MArgList&) { return MStatus::kFailure; }
-MStatus MPxCommand::undoIt() { return MStatus::kFailure; }
-MStatus MPxCommand::redoIt() { return MStatus::kFailure; }
-bool MPxCommand::isUndoable() const { return false; }
+MStatus MPxCommand::doIt(const MArgList&) {
+  return MStatus::kFailure;
+}
+MStatus MPxCommand::undoIt() {
+  return MStatus::kFailure;
+}
+MStatus MPxCommand::redoIt() {
+  return MStatus::kFailure;
+}
+bool MPxCommand::isUndoable() const {
+  return false;
+}
 bool MPxCommand::hasSyntax() const {
   const auto* rep = api::Access::rep<api::CommandRep>(*this);
   return rep && rep->hasSyntax;
@@ -145,31 +166,57 @@ MStatus MPxCommand::setCommandString(const MString& name) {
   api::repOf(*this).name = name.asChar();
   return MStatus::kSuccess;
 }
-MStatus MPxCommand::doUndo() { return undoIt(); }
+MStatus MPxCommand::doUndo() {
+  return undoIt();
+}
 
-void MPxCommand::displayInfo(const MString& info, bool) { MGlobal::displayInfo(info); }
-void MPxCommand::displayWarning(const MString& warning, bool) { MGlobal::displayWarning(warning); }
-void MPxCommand::displayError(const MString& error, bool) { MGlobal::displayError(error); }
+void MPxCommand::displayInfo(const MString& info, bool) {
+  MGlobal::displayInfo(info);
+}
+void MPxCommand::displayWarning(const MString& warning, bool) {
+  MGlobal::displayWarning(warning);
+}
+void MPxCommand::displayError(const MString& error, bool) {
+  MGlobal::displayError(error);
+}
 
-void MPxCommand::clearResult() { assignResult(mel::Value()); }
-void MPxCommand::setResult(bool result) { assignResult(mel::Value(result)); }
-void MPxCommand::setResult(unsigned int result) { assignResult(mel::Value(static_cast<std::int32_t>(result))); }
-void MPxCommand::setResult(int result) { assignResult(mel::Value(result)); }
-void MPxCommand::setResult(double result) { assignResult(mel::Value(result)); }
-void MPxCommand::setResult(const MString& result) { assignResult(mel::Value(result.asChar())); }
+void MPxCommand::clearResult() {
+  assignResult(mel::Value());
+}
+void MPxCommand::setResult(bool result) {
+  assignResult(mel::Value(result));
+}
+void MPxCommand::setResult(unsigned int result) {
+  assignResult(mel::Value(static_cast<std::int32_t>(result)));
+}
+void MPxCommand::setResult(int result) {
+  assignResult(mel::Value(result));
+}
+void MPxCommand::setResult(double result) {
+  assignResult(mel::Value(result));
+}
+void MPxCommand::setResult(const MString& result) {
+  assignResult(mel::Value(result.asChar()));
+}
 void MPxCommand::setResult(const MIntArray& result) {
   assignResult(mel::Value(mel::IntArray(result.begin(), result.end())));
 }
 void MPxCommand::setResult(const MDoubleArray& result) {
   assignResult(mel::Value(mel::FloatArray(result.begin(), result.end())));
 }
-void MPxCommand::setResult(const MStringArray& result) { assignResult(mel::Value(api::textsOf(result))); }
+void MPxCommand::setResult(const MStringArray& result) {
+  assignResult(mel::Value(api::textsOf(result)));
+}
 
 void MPxCommand::appendToResult(unsigned int value) {
   api::appendResult<mel::IntArray>(static_cast<std::int32_t>(value));
 }
-void MPxCommand::appendToResult(int value) { api::appendResult<mel::IntArray>(value); }
-void MPxCommand::appendToResult(double value) { api::appendResult<mel::FloatArray>(value); }
+void MPxCommand::appendToResult(int value) {
+  api::appendResult<mel::IntArray>(value);
+}
+void MPxCommand::appendToResult(double value) {
+  api::appendResult<mel::FloatArray>(value);
+}
 void MPxCommand::appendToResult(const MString& value) {
   api::appendResult<mel::StringArray>(std::string(value.asChar()));
 }
@@ -179,13 +226,19 @@ void MPxCommand::appendToResult(const MStringArray& value) {
 
 MPxCommand::MResultType MPxCommand::currentResultType() {
   switch (mel::elementType(currentResult().type())) {
-    case mel::Type::Int: return kLong;
-    case mel::Type::Float: return kDouble;
-    case mel::Type::String: return kString;
-    default: return kNoArg;
+    case mel::Type::Int:
+      return kLong;
+    case mel::Type::Float:
+      return kDouble;
+    case mel::Type::String:
+      return kString;
+    default:
+      return kNoArg;
   }
 }
-bool MPxCommand::isCurrentResultArray() { return mel::isArray(currentResult().type()); }
+bool MPxCommand::isCurrentResultArray() {
+  return mel::isArray(currentResult().type());
+}
 
 MStatus MPxCommand::getCurrentResult(int& result) {
   const auto value = currentResult().toInt();

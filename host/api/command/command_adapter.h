@@ -22,7 +22,8 @@ struct CommandRep final : SharedRep {
 class CommandAdapter final : public cmd::PluginCommand {
  public:
   /// Takes the object over. `syntax` is the command's, empty when it registered none.
-  CommandAdapter(std::unique_ptr<MPxCommand> object, std::string name, MSyntax syntax, bool hasSyntax);
+  CommandAdapter(std::unique_ptr<MPxCommand> object, std::string name, MSyntax syntax,
+                 bool hasSyntax);
   Result<void> doIt(std::span<const mel::Value> arguments) override;
   Result<void> undoIt() override;
   Result<void> redoIt() override;

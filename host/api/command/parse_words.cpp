@@ -12,7 +12,8 @@ using ArgType = MSyntax::MArgType;
 bool isFlagWord(const mel::Value& word) {
   if (!word.isString()) return false;
   const std::string& text = word.string();
-  return text.size() > 1 && text[0] == '-' && std::isalpha(static_cast<unsigned char>(text[1])) != 0;
+  return text.size() > 1 && text[0] == '-' &&
+         std::isalpha(static_cast<unsigned char>(text[1])) != 0;
 }
 
 bool isNumberText(const std::string& text) {
@@ -23,12 +24,15 @@ bool isNumberText(const std::string& text) {
 
 bool isTruthWord(std::string text) {
   for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return text == "on" || text == "off" || text == "yes" || text == "no" || text == "true" || text == "false";
+  return text == "on" || text == "off" || text == "yes" || text == "no" || text == "true" ||
+         text == "false";
 }
 
 bool fits(const mel::Value& word, ArgType type) {
-  if (type == MSyntax::kString || type == MSyntax::kSelectionItem) return !mel::isArray(word.type());
-  const bool isNumber = word.isInt() || word.isFloat() || (word.isString() && isNumberText(word.string()));
+  if (type == MSyntax::kString || type == MSyntax::kSelectionItem)
+    return !mel::isArray(word.type());
+  const bool isNumber =
+      word.isInt() || word.isFloat() || (word.isString() && isNumberText(word.string()));
   if (type == MSyntax::kBoolean) return isNumber || (word.isString() && isTruthWord(word.string()));
   if (type == MSyntax::kUnsigned) return isNumber && word.toFloat().value_or(-1.0) >= 0.0;
   return isNumber;
@@ -36,14 +40,22 @@ bool fits(const mel::Value& word, ArgType type) {
 
 const char* wordFor(ArgType type) {
   switch (type) {
-    case MSyntax::kBoolean: return "boolean";
-    case MSyntax::kLong: return "int";
-    case MSyntax::kUnsigned: return "unsigned int";
-    case MSyntax::kDouble: return "double";
-    case MSyntax::kDistance: return "distance";
-    case MSyntax::kAngle: return "angle";
-    case MSyntax::kTime: return "time";
-    default: return "string";
+    case MSyntax::kBoolean:
+      return "boolean";
+    case MSyntax::kLong:
+      return "int";
+    case MSyntax::kUnsigned:
+      return "unsigned int";
+    case MSyntax::kDouble:
+      return "double";
+    case MSyntax::kDistance:
+      return "distance";
+    case MSyntax::kAngle:
+      return "angle";
+    case MSyntax::kTime:
+      return "time";
+    default:
+      return "string";
   }
 }
 
@@ -101,19 +113,24 @@ class WordSorter {
 
   void takeArguments(ParsedRep::Use& use) {
     for (const ArgType type : use.flag->arguments) {
-      const bool isThere = next_ < rep_.words.size() &&
-                           !(isFlagWord(rep_.words[next_]) && (rep_.syntax.find(rep_.words[next_].string()) ||
-                                                               isModeFlag(rep_.words[next_].string())));
+      const bool isThere =
+          next_ < rep_.words.size() &&
+          !(isFlagWord(rep_.words[next_]) && (rep_.syntax.find(rep_.words[next_].string()) ||
+                                              isModeFlag(rep_.words[next_].string())));
       if (!isThere) {
         if (!(rep_.isQuery && use.flag->queryArgumentsAreOptional))
-          fault(fmt::format("Flag '-{}' must be passed a {} argument when used in {} mode.", use.flag->longName,
-                            wordFor(type), rep_.isQuery ? "query" : rep_.isEdit ? "edit" : "create"));
+          fault(fmt::format("Flag '-{}' must be passed a {} argument when used in {} mode.",
+                            use.flag->longName, wordFor(type),
+                            rep_.isQuery  ? "query"
+                            : rep_.isEdit ? "edit"
+                                          : "create"));
         return;
       }
       const mel::Value& word = rep_.words[next_++];
       if (!fits(word, type)) {
-        fault(fmt::format("Invalid arguments for flag '-{}'.  Expected {}, got {} {}", use.flag->longName,
-                          wordFor(type), mel::typeName(word.type()), word.resultText()));
+        fault(fmt::format("Invalid arguments for flag '-{}'.  Expected {}, got {} {}",
+                          use.flag->longName, wordFor(type), mel::typeName(word.type()),
+                          word.resultText()));
         return;
       }
       ++use.argumentCount;
@@ -126,8 +143,8 @@ class WordSorter {
     if (rep_.arguments.size() < syntax.arguments.size()) {
       const ArgType type = syntax.arguments[rep_.arguments.size()];
       if (!fits(word, type))
-        fault(fmt::format("Invalid argument {}: expected {}, got {} {}", rep_.arguments.size() + 1, wordFor(type),
-                          mel::typeName(word.type()), word.resultText()));
+        fault(fmt::format("Invalid argument {}: expected {}, got {} {}", rep_.arguments.size() + 1,
+                          wordFor(type), mel::typeName(word.type()), word.resultText()));
       rep_.arguments.push_back(word);
     } else if (syntax.objectFormat == MSyntax::kNone) {
       fault(fmt::format("Unexpected argument: {}", word.resultText()));
@@ -139,11 +156,14 @@ class WordSorter {
   void checkObjectCount() {
     const SyntaxRep& syntax = rep_.syntax;
     if (rep_.arguments.size() < syntax.arguments.size() && !rep_.isQuery && !rep_.isEdit)
-      fault(fmt::format("{} argument(s) expected, {} given.", syntax.arguments.size(), rep_.arguments.size()));
+      fault(fmt::format("{} argument(s) expected, {} given.", syntax.arguments.size(),
+                        rep_.arguments.size()));
     if (rep_.objects.size() > syntax.maximumObjects)
-      fault(fmt::format("At most {} object(s) can be given, {} were.", syntax.maximumObjects, rep_.objects.size()));
+      fault(fmt::format("At most {} object(s) can be given, {} were.", syntax.maximumObjects,
+                        rep_.objects.size()));
     if (rep_.objects.size() < syntax.minimumObjects && !syntax.usesSelection)
-      fault(fmt::format("At least {} object(s) must be given, {} were.", syntax.minimumObjects, rep_.objects.size()));
+      fault(fmt::format("At least {} object(s) must be given, {} were.", syntax.minimumObjects,
+                        rep_.objects.size()));
   }
 
   ParsedRep& rep_;

@@ -24,7 +24,8 @@ Result<UvTweak> tweakOf(const builtins::MeshItem& item, const MIntArray& uvs, co
                         const MFloatArray& v) {
   const std::string name = item.path.node()->name();
   if (u.length() != uvs.length() || v.length() != uvs.length())
-    return fail("{}: {} UVs came with {} and {} places", name, uvs.length(), u.length(), v.length());
+    return fail("{}: {} UVs came with {} and {} places", name, uvs.length(), u.length(),
+                v.length());
   UvTweak tweak{item.path.node()->shared_from_this(), {}, {}, {}};
   if (uvs.length() == 0) return tweak;
   const int set = item.mesh.currentUvSet();
@@ -57,7 +58,8 @@ Result<void> apply(const UvTweak& tweak, const std::string& wantedName, bool kee
   dg::Node& node = **created;
   HOST_TRY(graph.set(node.plug("uvSetName"), dg::Value(tweak.uvSet)));
   HOST_TRY(graph.setPacked(node.plug("uvTweak"), tweak.uvs, tweak.offsets));
-  HOST_TRY(nodes::insertHistoryNode(scene, *tweak.shape, node.plug("inputPolymesh"), node.plug("output")));
+  HOST_TRY(nodes::insertHistoryNode(scene, *tweak.shape, node.plug("inputPolymesh"),
+                                    node.plug("output")));
   HOST_TRY(graph.evaluate(node.plug("output")));
   if (!keepsHistory && !hadHistory) HOST_TRY(nodes::deleteHistory(scene, *tweak.shape));
   return {};
@@ -75,8 +77,12 @@ using namespace host;
 
 MPxPolyTweakUVCommand::MPxPolyTweakUVCommand() = default;
 MPxPolyTweakUVCommand::~MPxPolyTweakUVCommand() = default;
-bool MPxPolyTweakUVCommand::isUndoable() const { return true; }
-MStatus MPxPolyTweakUVCommand::parseSyntax(MArgDatabase&) { return MStatus::kSuccess; }
+bool MPxPolyTweakUVCommand::isUndoable() const {
+  return true;
+}
+MStatus MPxPolyTweakUVCommand::parseSyntax(MArgDatabase&) {
+  return MStatus::kSuccess;
+}
 
 MSyntax MPxPolyTweakUVCommand::newSyntax(MStatus* status) {
   MSyntax syntax;
@@ -123,5 +129,9 @@ MStatus MPxPolyTweakUVCommand::doIt(const MArgList& args) {
   return redoIt();
 }
 
-MStatus MPxPolyTweakUVCommand::redoIt() { return change_.doIt(); }
-MStatus MPxPolyTweakUVCommand::undoIt() { return change_.undoIt(); }
+MStatus MPxPolyTweakUVCommand::redoIt() {
+  return change_.doIt();
+}
+MStatus MPxPolyTweakUVCommand::undoIt() {
+  return change_.undoIt();
+}

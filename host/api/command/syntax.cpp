@@ -19,8 +19,8 @@ const SyntaxRep::Flag* SyntaxRep::find(std::string_view name) const {
   return nullptr;
 }
 
-/// The representation for writing. It is not detached from copies: a context command adds its flags to a copy of its
-/// syntax and means the original.
+/// The representation for writing. It is not detached from copies: a context command adds its flags
+/// to a copy of its syntax and means the original.
 static SyntaxRep& shared(MSyntax& syntax) {
   Handle& handle = Access::handle(syntax);
   if (!handle) handle = Handle(new SyntaxRep());
@@ -34,12 +34,13 @@ const SyntaxRep& syntaxOf(const MSyntax& syntax) {
 }
 
 std::string synopsisOf(const std::string& command, const MSyntax& syntax) {
-  static const char* const kWords[] = {"", "", "on|off", "Int", "Float", "String", "UnsignedInt",
-                                       "Length", "Angle", "Time", "Name"};
+  static const char* const kWords[] = {
+      "", "", "on|off", "Int", "Float", "String", "UnsignedInt", "Length", "Angle", "Time", "Name"};
   const SyntaxRep& rep = syntaxOf(syntax);
   std::string text = "Synopsis: " + command + (rep.flags.empty() ? "" : " [flags]");
   for (const MSyntax::MArgType type : rep.arguments) text += std::string(" ") + kWords[type];
-  if (rep.objectFormat != MSyntax::kNone) text += rep.objectFormat == MSyntax::kStringObjects ? " [String...]" : " [Name...]";
+  if (rep.objectFormat != MSyntax::kNone)
+    text += rep.objectFormat == MSyntax::kStringObjects ? " [String...]" : " [Name...]";
   text += '\n';
   if (!rep.flags.empty()) text += "Flags:\n";
   if (rep.canEdit) text += "   -e -edit\n";
@@ -54,11 +55,12 @@ std::string synopsisOf(const std::string& command, const MSyntax& syntax) {
 
 }  // namespace host::api
 
-using host::api::SyntaxRep;
 using host::api::syntaxOf;
+using host::api::SyntaxRep;
 
-MStatus MSyntax::addFlag(const char* shortName, const char* longName, MArgType argType1, MArgType argType2,
-                         MArgType argType3, MArgType argType4, MArgType argType5, MArgType argType6) {
+MStatus MSyntax::addFlag(const char* shortName, const char* longName, MArgType argType1,
+                         MArgType argType2, MArgType argType3, MArgType argType4, MArgType argType5,
+                         MArgType argType6) {
   SyntaxRep::Flag flag;
   flag.shortName = host::api::bareName(shortName);
   flag.longName = host::api::bareName(longName);
@@ -74,21 +76,27 @@ MStatus MSyntax::addFlag(const char* shortName, const char* longName, MArgType a
   return MStatus::kSuccess;
 }
 
-MStatus MSyntax::addFlag(const MString& shortName, const MString& longName, MArgType argType1, MArgType argType2,
-                         MArgType argType3, MArgType argType4, MArgType argType5, MArgType argType6) {
-  return addFlag(shortName.asChar(), longName.asChar(), argType1, argType2, argType3, argType4, argType5, argType6);
+MStatus MSyntax::addFlag(const MString& shortName, const MString& longName, MArgType argType1,
+                         MArgType argType2, MArgType argType3, MArgType argType4, MArgType argType5,
+                         MArgType argType6) {
+  return addFlag(shortName.asChar(), longName.asChar(), argType1, argType2, argType3, argType4,
+                 argType5, argType6);
 }
 
 MStatus MSyntax::makeFlagMultiUse(const char* flagName) {
-  auto* flag = const_cast<SyntaxRep::Flag*>(host::api::shared(*this).find(flagName ? flagName : ""));
+  auto* flag =
+      const_cast<SyntaxRep::Flag*>(host::api::shared(*this).find(flagName ? flagName : ""));
   if (!flag) return MStatus::kInvalidParameter;
   flag->isMultiUse = true;
   return MStatus::kSuccess;
 }
-MStatus MSyntax::makeFlagMultiUse(const MString& flagName) { return makeFlagMultiUse(flagName.asChar()); }
+MStatus MSyntax::makeFlagMultiUse(const MString& flagName) {
+  return makeFlagMultiUse(flagName.asChar());
+}
 
 MStatus MSyntax::makeFlagQueryWithFullArgs(const char* flagName, bool argsAreOptional) {
-  auto* flag = const_cast<SyntaxRep::Flag*>(host::api::shared(*this).find(flagName ? flagName : ""));
+  auto* flag =
+      const_cast<SyntaxRep::Flag*>(host::api::shared(*this).find(flagName ? flagName : ""));
   if (!flag) return MStatus::kInvalidParameter;
   flag->takesArgumentsInQuery = true;
   flag->queryArgumentsAreOptional = argsAreOptional;
@@ -111,8 +119,10 @@ void MSyntax::useSelectionAsDefault(bool useSelection) {
 MStatus MSyntax::setObjectType(MObjectFormat objectFormat, unsigned int minimumObjects) {
   return setObjectType(objectFormat, minimumObjects, ~0u);
 }
-MStatus MSyntax::setObjectType(MObjectFormat objectFormat, unsigned int minimumObjects, unsigned int maximumObjects) {
-  if (objectFormat <= kInvalidObjectFormat || objectFormat >= kLastObjectFormat) return MStatus::kInvalidParameter;
+MStatus MSyntax::setObjectType(MObjectFormat objectFormat, unsigned int minimumObjects,
+                               unsigned int maximumObjects) {
+  if (objectFormat <= kInvalidObjectFormat || objectFormat >= kLastObjectFormat)
+    return MStatus::kInvalidParameter;
   SyntaxRep& rep = host::api::shared(*this);
   rep.objectFormat = objectFormat;
   rep.minimumObjects = minimumObjects;
@@ -125,11 +135,27 @@ void MSyntax::setMinObjects(unsigned int minimumObjects) {
 void MSyntax::setMaxObjects(unsigned int maximumObjects) {
   host::api::shared(*this).maximumObjects = maximumObjects;
 }
-unsigned int MSyntax::minObjects() const { return syntaxOf(*this).minimumObjects; }
-unsigned int MSyntax::maxObjects() const { return syntaxOf(*this).maximumObjects; }
-bool MSyntax::canUseSelectionAsDefault() const { return syntaxOf(*this).usesSelection; }
-MSyntax::MObjectFormat MSyntax::objectFormat() const { return syntaxOf(*this).objectFormat; }
-void MSyntax::enableQuery(bool supportsQuery) { host::api::shared(*this).canQuery = supportsQuery; }
-void MSyntax::enableEdit(bool supportsEdit) { host::api::shared(*this).canEdit = supportsEdit; }
-bool MSyntax::isQueryEnabled() const { return syntaxOf(*this).canQuery; }
-bool MSyntax::isEditEnabled() const { return syntaxOf(*this).canEdit; }
+unsigned int MSyntax::minObjects() const {
+  return syntaxOf(*this).minimumObjects;
+}
+unsigned int MSyntax::maxObjects() const {
+  return syntaxOf(*this).maximumObjects;
+}
+bool MSyntax::canUseSelectionAsDefault() const {
+  return syntaxOf(*this).usesSelection;
+}
+MSyntax::MObjectFormat MSyntax::objectFormat() const {
+  return syntaxOf(*this).objectFormat;
+}
+void MSyntax::enableQuery(bool supportsQuery) {
+  host::api::shared(*this).canQuery = supportsQuery;
+}
+void MSyntax::enableEdit(bool supportsEdit) {
+  host::api::shared(*this).canEdit = supportsEdit;
+}
+bool MSyntax::isQueryEnabled() const {
+  return syntaxOf(*this).canQuery;
+}
+bool MSyntax::isEditEnabled() const {
+  return syntaxOf(*this).canEdit;
+}

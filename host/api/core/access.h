@@ -49,11 +49,14 @@ class NodeRep final : public ObjectRep {
 /// The attribute of a node type or node, or one under construction by an attribute function set.
 class AttributeRep final : public ObjectRep {
  public:
-  explicit AttributeRep(std::shared_ptr<dg::Attribute> attributeIn) : attribute(std::move(attributeIn)) {}
+  explicit AttributeRep(std::shared_ptr<dg::Attribute> attributeIn)
+      : attribute(std::move(attributeIn)) {}
   [[nodiscard]] MFn::Type apiType() const override;
   [[nodiscard]] bool hasFn(MFn::Type type) const override;
   [[nodiscard]] bool equals(const ObjectRep& other) const override;
-  [[nodiscard]] std::size_t hash() const override { return std::hash<const void*>{}(attribute.get()); }
+  [[nodiscard]] std::size_t hash() const override {
+    return std::hash<const void*>{}(attribute.get());
+  }
   const std::shared_ptr<dg::Attribute> attribute;
 };
 
@@ -69,10 +72,12 @@ class ComponentRep final : public ObjectRep {
   /// What `addElement` collected and nobody has read yet; folded into `component` when read.
   std::vector<Index> pending;
   [[nodiscard]] scene::Component& settled();
-  Index completeCount = 0;  ///< as given to setCompleteData, for element access to a complete component
+  Index completeCount =
+      0;  ///< as given to setCompleteData, for element access to a complete component
 };
 
-/// A value outside any node: mesh data, arrays, matrices, numbers. Function sets that write replace `data`.
+/// A value outside any node: mesh data, arrays, matrices, numbers. Function sets that write replace
+/// `data`.
 class DataRep final : public ObjectRep {
  public:
   explicit DataRep(dg::DataPtr dataIn) : data(std::move(dataIn)) {}
@@ -103,32 +108,50 @@ struct SelectionRep final : SharedRep {
 /// The door to the private side of the API classes.
 struct Access {
   template <class T>
-  [[nodiscard]] static const Handle& handle(const T& object) { return object.handle_; }
+  [[nodiscard]] static const Handle& handle(const T& object) {
+    return object.handle_;
+  }
   template <class T>
-  [[nodiscard]] static Handle& handle(T& object) { return object.handle_; }
+  [[nodiscard]] static Handle& handle(T& object) {
+    return object.handle_;
+  }
   template <class Rep, class T>
-  [[nodiscard]] static Rep* rep(const T& object) { return static_cast<Rep*>(object.handle_.get()); }
+  [[nodiscard]] static Rep* rep(const T& object) {
+    return static_cast<Rep*>(object.handle_.get());
+  }
   template <class T>
-  [[nodiscard]] static T make(SharedRep* rep) { return T(Handle(rep)); }
+  [[nodiscard]] static T make(SharedRep* rep) {
+    return T(Handle(rep));
+  }
   /// An array's memory, `length` elements long and uninitialised, for filling in one pass.
   template <class Array>
-  [[nodiscard]] static auto* overwrite(Array& array, unsigned int length) { return array.overwrite(length); }
+  [[nodiscard]] static auto* overwrite(Array& array, unsigned int length) {
+    return array.overwrite(length);
+  }
   /// The representation for writing: detached from other holders, made on first use.
   template <class Rep, class T>
   [[nodiscard]] static Rep& writable(T& object) {
     Handle& handle = object.handle_;
-    if (!handle) handle = Handle(new Rep());
-    else if (handle.isShared()) handle = Handle(new Rep(*static_cast<Rep*>(handle.get())));
+    if (!handle)
+      handle = Handle(new Rep());
+    else if (handle.isShared())
+      handle = Handle(new Rep(*static_cast<Rep*>(handle.get())));
     return *static_cast<Rep*>(handle.get());
   }
 };
 
 // MObject.
-[[nodiscard]] inline ObjectRep* objectRep(const MObject& object) { return Access::rep<ObjectRep>(object); }
+[[nodiscard]] inline ObjectRep* objectRep(const MObject& object) {
+  return Access::rep<ObjectRep>(object);
+}
 template <class Rep>
-[[nodiscard]] Rep* objectAs(const MObject& object) { return dynamic_cast<Rep*>(objectRep(object)); }
+[[nodiscard]] Rep* objectAs(const MObject& object) {
+  return dynamic_cast<Rep*>(objectRep(object));
+}
 [[nodiscard]] MObject wrap(dg::Node* node);
-[[nodiscard]] inline MObject wrap(const dg::NodePtr& node) { return wrap(node.get()); }
+[[nodiscard]] inline MObject wrap(const dg::NodePtr& node) {
+  return wrap(node.get());
+}
 [[nodiscard]] MObject wrap(const dg::Attribute* attribute);
 [[nodiscard]] MObject wrap(scene::Component component);
 [[nodiscard]] MObject wrap(dg::DataPtr data);
@@ -148,13 +171,18 @@ template <class Rep>
 [[nodiscard]] scene::SelectionList& writableList(MSelectionList& list);
 
 // Strings, matrices, status.
-[[nodiscard]] inline MString toMString(const std::string& text) { return MString(text.c_str(), static_cast<int>(text.size())); }
-[[nodiscard]] inline std::string toStd(const MString& text) { return std::string(text.asChar()); }
+[[nodiscard]] inline MString toMString(const std::string& text) {
+  return MString(text.c_str(), static_cast<int>(text.size()));
+}
+[[nodiscard]] inline std::string toStd(const MString& text) {
+  return std::string(text.asChar());
+}
 [[nodiscard]] MStringArray toMStringArray(const std::vector<std::string>& texts);
 [[nodiscard]] MMatrix toMMatrix(const math::Matrix4& matrix);
 [[nodiscard]] math::Matrix4 toMatrix4(const MMatrix& matrix);
 
-/// The last fault that an API call swallowed into a status; shown when a command fails without a message.
+/// The last fault that an API call swallowed into a status; shown when a command fails without a
+/// message.
 void rememberError(const Error& error);
 [[nodiscard]] std::string takeRememberedError();
 
@@ -163,12 +191,16 @@ inline void setStatus(MStatus* status, MStatus::MStatusCode code) {
 }
 /// The status of a Result; the message is kept for the next `perror`-less report (see lastError).
 template <class T>
-[[nodiscard]] MStatus toStatus(const Result<T>& result, MStatus::MStatusCode code = MStatus::kFailure) {
+[[nodiscard]] MStatus toStatus(const Result<T>& result,
+                               MStatus::MStatusCode code = MStatus::kFailure) {
   if (result) return MStatus::kSuccess;
   rememberError(result.error());
   return code;
 }
-/// Edits made by a plug-in outside a command's recording are not undoable; this is the document they go to.
-[[nodiscard]] inline scene::Document& document() { return scene::currentDocument(); }
+/// Edits made by a plug-in outside a command's recording are not undoable; this is the document
+/// they go to.
+[[nodiscard]] inline scene::Document& document() {
+  return scene::currentDocument();
+}
 
 }  // namespace host::api

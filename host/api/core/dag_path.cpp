@@ -66,7 +66,8 @@ bool MDagPath::hasFn(MFn::Type type, MStatus* status) const {
   if (!path) return false;
   if (api::nodeHasFn(*path->node(), type)) return true;
   // A transform with one shape below stands for that shape.
-  const auto shapes = scene::isTransform(*path->node()) ? path->shapes() : std::vector<scene::DagPath>();
+  const auto shapes =
+      scene::isTransform(*path->node()) ? path->shapes() : std::vector<scene::DagPath>();
   return shapes.size() == 1 && api::nodeHasFn(*shapes[0].node(), type);
 }
 
@@ -120,7 +121,9 @@ MStatus MDagPath::extendToShapeDirectlyBelow(unsigned int shapeNum) {
 MStatus MDagPath::numberOfShapesDirectlyBelow(unsigned int& numShapes) const {
   MStatus status;
   const scene::DagPath* path = usable(*this, &status);
-  numShapes = path && !scene::isShape(*path->node()) ? static_cast<unsigned int>(path->shapes(true).size()) : 0;
+  numShapes = path && !scene::isShape(*path->node())
+                  ? static_cast<unsigned int>(path->shapes(true).size())
+                  : 0;
   return status;
 }
 
@@ -242,6 +245,10 @@ MStatus MDagPath::getAllPathsTo(const MObject& object, MDagPathArray& paths) {
   return MStatus::kSuccess;
 }
 
-bool MDagPath::operator==(const MDagPath& other) const { return pathOf(*this) == pathOf(other); }
+bool MDagPath::operator==(const MDagPath& other) const {
+  return pathOf(*this) == pathOf(other);
+}
 
-std::ostream& operator<<(std::ostream& os, const MDagPath& path) { return os << path.fullPathName().asChar(); }
+std::ostream& operator<<(std::ostream& os, const MDagPath& path) {
+  return os << path.fullPathName().asChar();
+}

@@ -15,7 +15,8 @@ struct TypeName {
   MFn::Type type;
 };
 
-/// Node types whose kind has a name of its own; a derived type that is not listed counts as its base.
+/// Node types whose kind has a name of its own; a derived type that is not listed counts as its
+/// base.
 constexpr TypeName kNodeTypes[] = {
     {"dagNode", MFn::kDagNode},
     {"transform", MFn::kTransform},
@@ -79,7 +80,9 @@ const std::unordered_map<std::string_view, MFn::Type>& typesByNode() {
   return *map;
 }
 
-const dg::NodeType* typeBase(const dg::NodeType* type) { return type->base; }
+const dg::NodeType* typeBase(const dg::NodeType* type) {
+  return type->base;
+}
 
 MFn::Type pluginType(const dg::NodeType& type) {
   if (type.isA("locator")) return MFn::kPluginLocatorNode;
@@ -96,14 +99,19 @@ bool isTripleOf(const dg::Attribute& attribute, std::string_view kind) {
 MFn::Type compoundFnType(const dg::Attribute& attribute) {
   if (attribute.compoundType.empty()) return MFn::kCompoundAttribute;
   const std::size_t count = attribute.children.size();
-  const bool isUnit = !attribute.children.empty() && (attribute.children[0]->type == dg::AttributeType::Distance ||
-                                                      attribute.children[0]->type == dg::AttributeType::Angle);
-  if (isTripleOf(attribute, "float")) return count == 2 ? MFn::kAttribute2Float : MFn::kAttribute3Float;
+  const bool isUnit =
+      !attribute.children.empty() && (attribute.children[0]->type == dg::AttributeType::Distance ||
+                                      attribute.children[0]->type == dg::AttributeType::Angle);
+  if (isTripleOf(attribute, "float"))
+    return count == 2 ? MFn::kAttribute2Float : MFn::kAttribute3Float;
   if (isTripleOf(attribute, "double") && !isUnit)
-    return count == 2 ? MFn::kAttribute2Double : count == 4 ? MFn::kAttribute4Double : MFn::kAttribute3Double;
+    return count == 2   ? MFn::kAttribute2Double
+           : count == 4 ? MFn::kAttribute4Double
+                        : MFn::kAttribute3Double;
   if (isTripleOf(attribute, "double"))
     return count == 2 ? MFn::kAttribute2Double : MFn::kAttribute3Double;
-  if (isTripleOf(attribute, "short")) return count == 2 ? MFn::kAttribute2Short : MFn::kAttribute3Short;
+  if (isTripleOf(attribute, "short"))
+    return count == 2 ? MFn::kAttribute2Short : MFn::kAttribute3Short;
   return count == 2 ? MFn::kAttribute2Long : MFn::kAttribute3Long;
 }
 
@@ -112,12 +120,18 @@ struct DataName {
   MFn::Type type;
 };
 constexpr DataName kDataTypes[] = {
-    {"mesh", MFn::kMeshData},           {"matrix", MFn::kMatrixData},
-    {"Int32Array", MFn::kIntArrayData}, {"doubleArray", MFn::kDoubleArrayData},
-    {"floatArray", MFn::kFloatArrayData}, {"stringArray", MFn::kStringArrayData},
-    {"vectorArray", MFn::kVectorArrayData}, {"pointArray", MFn::kPointArrayData},
-    {"matrixArray", MFn::kMatrixArrayData}, {"componentList", MFn::kComponentListData},
-    {"string", MFn::kStringData}, {"UInt64Array", MFn::kUint64ArrayData},
+    {"mesh", MFn::kMeshData},
+    {"matrix", MFn::kMatrixData},
+    {"Int32Array", MFn::kIntArrayData},
+    {"doubleArray", MFn::kDoubleArrayData},
+    {"floatArray", MFn::kFloatArrayData},
+    {"stringArray", MFn::kStringArrayData},
+    {"vectorArray", MFn::kVectorArrayData},
+    {"pointArray", MFn::kPointArrayData},
+    {"matrixArray", MFn::kMatrixArrayData},
+    {"componentList", MFn::kComponentListData},
+    {"string", MFn::kStringData},
+    {"UInt64Array", MFn::kUint64ArrayData},
 };
 
 }  // namespace
@@ -141,7 +155,8 @@ MFn::Type fnTypeOf(const dg::Node& node) {
 }
 
 bool nodeHasFn(const dg::Node& node, MFn::Type type) {
-  if (type == MFn::kDependencyNode || type == MFn::kNamedObject || type == fnTypeOf(node)) return true;
+  if (type == MFn::kDependencyNode || type == MFn::kNamedObject || type == fnTypeOf(node))
+    return true;
   if (type == MFn::kSurface && node.type().isA("surfaceShape")) return true;
   for (const dg::NodeType* step = &node.type(); step; step = typeBase(step)) {
     const auto found = typesByNode().find(step->name);
@@ -153,39 +168,66 @@ bool nodeHasFn(const dg::Node& node, MFn::Type type) {
 MFn::Type fnTypeOf(const dg::Attribute& attribute) {
   using dg::AttributeType;
   switch (attribute.type) {
-    case AttributeType::Distance: return MFn::kDoubleLinearAttribute;
-    case AttributeType::Angle: return MFn::kDoubleAngleAttribute;
-    case AttributeType::Time: return MFn::kTimeAttribute;
-    case AttributeType::Enum: return MFn::kEnumAttribute;
-    case AttributeType::String: return MFn::kTypedAttribute;
-    case AttributeType::Typed: return MFn::kTypedAttribute;
-    case AttributeType::Matrix: return MFn::kMatrixAttribute;
-    case AttributeType::Message: return MFn::kMessageAttribute;
-    case AttributeType::Generic: return MFn::kGenericAttribute;
-    case AttributeType::Compound: return compoundFnType(attribute);
-    default: return MFn::kNumericAttribute;
+    case AttributeType::Distance:
+      return MFn::kDoubleLinearAttribute;
+    case AttributeType::Angle:
+      return MFn::kDoubleAngleAttribute;
+    case AttributeType::Time:
+      return MFn::kTimeAttribute;
+    case AttributeType::Enum:
+      return MFn::kEnumAttribute;
+    case AttributeType::String:
+      return MFn::kTypedAttribute;
+    case AttributeType::Typed:
+      return MFn::kTypedAttribute;
+    case AttributeType::Matrix:
+      return MFn::kMatrixAttribute;
+    case AttributeType::Message:
+      return MFn::kMessageAttribute;
+    case AttributeType::Generic:
+      return MFn::kGenericAttribute;
+    case AttributeType::Compound:
+      return compoundFnType(attribute);
+    default:
+      return MFn::kNumericAttribute;
   }
 }
 
 MFn::Type fnTypeOf(scene::ComponentType type) {
   switch (type) {
-    case scene::ComponentType::Vertex: return MFn::kMeshVertComponent;
-    case scene::ComponentType::Edge: return MFn::kMeshEdgeComponent;
-    case scene::ComponentType::Face: return MFn::kMeshPolygonComponent;
-    case scene::ComponentType::Uv: return MFn::kMeshMapComponent;
-    case scene::ComponentType::VertexFace: return MFn::kMeshVtxFaceComponent;
+    case scene::ComponentType::Vertex:
+      return MFn::kMeshVertComponent;
+    case scene::ComponentType::Edge:
+      return MFn::kMeshEdgeComponent;
+    case scene::ComponentType::Face:
+      return MFn::kMeshPolygonComponent;
+    case scene::ComponentType::Uv:
+      return MFn::kMeshMapComponent;
+    case scene::ComponentType::VertexFace:
+      return MFn::kMeshVtxFaceComponent;
   }
   return MFn::kInvalid;
 }
 
 bool toComponentType(MFn::Type type, scene::ComponentType& result) {
   switch (type) {
-    case MFn::kMeshVertComponent: result = scene::ComponentType::Vertex; return true;
-    case MFn::kMeshEdgeComponent: result = scene::ComponentType::Edge; return true;
-    case MFn::kMeshPolygonComponent: result = scene::ComponentType::Face; return true;
-    case MFn::kMeshMapComponent: result = scene::ComponentType::Uv; return true;
-    case MFn::kMeshVtxFaceComponent: result = scene::ComponentType::VertexFace; return true;
-    default: return false;
+    case MFn::kMeshVertComponent:
+      result = scene::ComponentType::Vertex;
+      return true;
+    case MFn::kMeshEdgeComponent:
+      result = scene::ComponentType::Edge;
+      return true;
+    case MFn::kMeshPolygonComponent:
+      result = scene::ComponentType::Face;
+      return true;
+    case MFn::kMeshMapComponent:
+      result = scene::ComponentType::Uv;
+      return true;
+    case MFn::kMeshVtxFaceComponent:
+      result = scene::ComponentType::VertexFace;
+      return true;
+    default:
+      return false;
   }
 }
 

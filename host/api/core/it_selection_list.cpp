@@ -14,7 +14,9 @@ struct Stop {
 
 class SelectionWalk final : public SharedRep {
  public:
-  SelectionWalk(scene::SelectionList listIn, MFn::Type filter) : list(std::move(listIn)) { setFilter(filter); }
+  SelectionWalk(scene::SelectionList listIn, MFn::Type filter) : list(std::move(listIn)) {
+    setFilter(filter);
+  }
 
   void setFilter(MFn::Type filter) {
     stops.clear();
@@ -49,11 +51,14 @@ class SelectionWalk final : public SharedRep {
   }
 };
 
-SelectionWalk& walkOf(const Handle& handle) { return *static_cast<SelectionWalk*>(handle.get()); }
+SelectionWalk& walkOf(const Handle& handle) {
+  return *static_cast<SelectionWalk*>(handle.get());
+}
 
 const scene::SelectionItem* itemOf(const Handle& handle) {
   const SelectionWalk& walk = walkOf(handle);
-  return walk.current < walk.stops.size() ? &walk.list.items()[walk.stops[walk.current].item] : nullptr;
+  return walk.current < walk.stops.size() ? &walk.list.items()[walk.stops[walk.current].item]
+                                          : nullptr;
 }
 
 }  // namespace

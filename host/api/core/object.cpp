@@ -8,7 +8,9 @@
 
 MObject MObject::kNullObj;
 
-bool MObject::isNull() const { return !handle_; }
+bool MObject::isNull() const {
+  return !handle_;
+}
 
 MFn::Type MObject::apiType() const {
   const auto* rep = host::api::objectRep(*this);
@@ -20,7 +22,9 @@ bool MObject::hasFn(MFn::Type functionSet) const {
   return rep && (functionSet == MFn::kBase || rep->hasFn(functionSet));
 }
 
-const char* MObject::apiTypeStr() const { return host::api::fnTypeName(apiType()); }
+const char* MObject::apiTypeStr() const {
+  return host::api::fnTypeName(apiType());
+}
 
 bool MObject::operator==(const MObject& other) const {
   if (handle_.get() == other.handle_.get()) return true;
@@ -29,7 +33,9 @@ bool MObject::operator==(const MObject& other) const {
   return a && b && a->equals(*b);
 }
 
-bool MObjectHandle::isAlive() const { return !object_.isNull(); }
+bool MObjectHandle::isAlive() const {
+  return !object_.isNull();
+}
 
 bool MObjectHandle::isValid() const {
   const auto* rep = host::api::objectRep(object_);
@@ -43,20 +49,28 @@ unsigned int MObjectHandle::hashCode() const {
 
 namespace host::api {
 
-MFn::Type NodeRep::apiType() const { return fnTypeOf(*node); }
-bool NodeRep::hasFn(MFn::Type type) const { return nodeHasFn(*node, type); }
+MFn::Type NodeRep::apiType() const {
+  return fnTypeOf(*node);
+}
+bool NodeRep::hasFn(MFn::Type type) const {
+  return nodeHasFn(*node, type);
+}
 bool NodeRep::equals(const ObjectRep& other) const {
   const auto* same = dynamic_cast<const NodeRep*>(&other);
   return same && same->node == node;
 }
 
-MFn::Type AttributeRep::apiType() const { return fnTypeOf(*attribute); }
+MFn::Type AttributeRep::apiType() const {
+  return fnTypeOf(*attribute);
+}
 bool AttributeRep::hasFn(MFn::Type type) const {
   if (type == MFn::kAttribute || type == apiType()) return true;
   const dg::AttributeType kind = attribute->type;
-  if (type == MFn::kUnitAttribute) return kind >= dg::AttributeType::Distance && kind <= dg::AttributeType::Time;
+  if (type == MFn::kUnitAttribute)
+    return kind >= dg::AttributeType::Distance && kind <= dg::AttributeType::Time;
   if (type == MFn::kCompoundAttribute) return attribute->isCompound();
-  if (type == MFn::kNumericAttribute) return attribute->isCompound() && !attribute->compoundType.empty();
+  if (type == MFn::kNumericAttribute)
+    return attribute->isCompound() && !attribute->compoundType.empty();
   return false;
 }
 bool AttributeRep::equals(const ObjectRep& other) const {
@@ -64,7 +78,9 @@ bool AttributeRep::equals(const ObjectRep& other) const {
   return same && same->attribute == attribute;
 }
 
-MFn::Type ComponentRep::apiType() const { return fnTypeOf(component.type()); }
+MFn::Type ComponentRep::apiType() const {
+  return fnTypeOf(component.type());
+}
 bool ComponentRep::hasFn(MFn::Type type) const {
   if (type == MFn::kComponent || type == apiType()) return true;
   const bool isDouble = component.type() == scene::ComponentType::VertexFace;
@@ -84,8 +100,12 @@ scene::Component& ComponentRep::settled() {
   return component;
 }
 
-MFn::Type DataRep::apiType() const { return data ? fnTypeOf(*data) : MFn::kData; }
-bool DataRep::hasFn(MFn::Type type) const { return type == MFn::kData || dataHasFn(data.get(), type); }
+MFn::Type DataRep::apiType() const {
+  return data ? fnTypeOf(*data) : MFn::kData;
+}
+bool DataRep::hasFn(MFn::Type type) const {
+  return type == MFn::kData || dataHasFn(data.get(), type);
+}
 bool DataRep::equals(const ObjectRep& other) const {
   const auto* same = dynamic_cast<const DataRep*>(&other);
   return same && (same->data == data || (data && same->data && data->equals(*same->data)));
@@ -96,12 +116,15 @@ MObject wrap(dg::Node* node) {
 }
 MObject wrap(const dg::Attribute* attribute) {
   if (!attribute) return MObject();
-  return Access::make<MObject>(new AttributeRep(const_cast<dg::Attribute*>(attribute)->shared_from_this()));
+  return Access::make<MObject>(
+      new AttributeRep(const_cast<dg::Attribute*>(attribute)->shared_from_this()));
 }
 MObject wrap(scene::Component component) {
   return Access::make<MObject>(new ComponentRep(std::move(component)));
 }
-MObject wrap(dg::DataPtr data) { return Access::make<MObject>(new DataRep(std::move(data))); }
+MObject wrap(dg::DataPtr data) {
+  return Access::make<MObject>(new DataRep(std::move(data)));
+}
 
 dg::Node* nodeOf(const MObject& object) {
   const auto* rep = objectAs<NodeRep>(object);
@@ -123,17 +146,24 @@ std::string& rememberedError() {
 }
 }  // namespace
 
-void rememberError(const Error& error) { rememberedError() = error.message; }
-std::string takeRememberedError() { return std::exchange(rememberedError(), std::string()); }
+void rememberError(const Error& error) {
+  rememberedError() = error.message;
+}
+std::string takeRememberedError() {
+  return std::exchange(rememberedError(), std::string());
+}
 
 MStringArray toMStringArray(const std::vector<std::string>& texts) {
   MStringArray array;
   array.setLength(static_cast<unsigned int>(texts.size()));
-  for (std::size_t i = 0; i < texts.size(); ++i) array[static_cast<unsigned int>(i)] = toMString(texts[i]);
+  for (std::size_t i = 0; i < texts.size(); ++i)
+    array[static_cast<unsigned int>(i)] = toMString(texts[i]);
   return array;
 }
 
-MMatrix toMMatrix(const math::Matrix4& matrix) { return MMatrix(matrix.m); }
+MMatrix toMMatrix(const math::Matrix4& matrix) {
+  return MMatrix(matrix.m);
+}
 
 math::Matrix4 toMatrix4(const MMatrix& matrix) {
   math::Matrix4 result;

@@ -27,7 +27,9 @@ dg::Plug usable(const MPlug& plug, MStatus* status) {
   return inner;
 }
 
-dg::Graph& graphOf(const dg::Plug& plug) { return plug.node()->graph(); }
+dg::Graph& graphOf(const dg::Plug& plug) {
+  return plug.node()->graph();
+}
 
 MPlug refuse(MStatus* status) {
   setStatus(status, MStatus::kInvalidParameter);
@@ -57,20 +59,24 @@ MPlug::MPlug(const MObject& node, const MObject& attribute) {
 
 MString MPlug::name(MStatus* status) const {
   const dg::Plug plug = usable(*this, status);
-  return plug.isNull() ? MString() : api::toMString(plug.node()->name() + "." + builtins::attributeName(plug));
+  return plug.isNull() ? MString()
+                       : api::toMString(plug.node()->name() + "." + builtins::attributeName(plug));
 }
 
-MString MPlug::partialName(bool includeNodeName, bool, bool, bool useAlias, bool useFullAttributePath,
-                           bool useLongNames, MStatus* status) const {
+MString MPlug::partialName(bool includeNodeName, bool, bool, bool useAlias,
+                           bool useFullAttributePath, bool useLongNames, MStatus* status) const {
   const dg::Plug plug = usable(*this, status);
   if (plug.isNull()) return MString();
   std::string text = useAlias ? graphOf(plug).alias(plug) : std::string();
   if (text.empty())
-    text = useFullAttributePath ? plug.attributePath(!useLongNames) : builtins::attributeName(plug, !useLongNames);
+    text = useFullAttributePath ? plug.attributePath(!useLongNames)
+                                : builtins::attributeName(plug, !useLongNames);
   return api::toMString(includeNodeName ? plug.node()->name() + "." + text : text);
 }
 
-MString MPlug::info(MStatus* status) const { return name(status); }
+MString MPlug::info(MStatus* status) const {
+  return name(status);
+}
 
 MObject MPlug::node(MStatus* status) const {
   const dg::Plug plug = usable(*this, status);
@@ -165,7 +171,9 @@ unsigned int MPlug::evaluateNumElements(MStatus* status) const {
   if (!plug.isNull()) (void)graphOf(plug).evaluate(plug);
   return numElements(status);
 }
-unsigned int MPlug::evaluateNumElements(MDGContext&, MStatus* status) const { return evaluateNumElements(status); }
+unsigned int MPlug::evaluateNumElements(MDGContext&, MStatus* status) const {
+  return evaluateNumElements(status);
+}
 
 unsigned int MPlug::numConnectedElements(MStatus* status) const {
   const dg::Plug plug = usable(*this, status);
@@ -250,7 +258,8 @@ bool MPlug::isConnected(MStatus* status) const {
   const dg::Plug plug = usable(*this, status);
   return !plug.isNull() && api::hasConnection(plug);
 }
-bool MPlug::connectedTo(MPlugArray& plugs, bool asDestination, bool asSource, MStatus* status) const {
+bool MPlug::connectedTo(MPlugArray& plugs, bool asDestination, bool asSource,
+                        MStatus* status) const {
   plugs.clear();
   const dg::Plug plug = usable(*this, status);
   if (plug.isNull()) return false;
@@ -259,7 +268,8 @@ bool MPlug::connectedTo(MPlugArray& plugs, bool asDestination, bool asSource, MS
     if (!source.isNull()) plugs.append(wrap(source));
   }
   if (asSource)
-    for (const dg::Plug& destination : graphOf(plug).destinations(plug)) plugs.append(wrap(destination));
+    for (const dg::Plug& destination : graphOf(plug).destinations(plug))
+      plugs.append(wrap(destination));
   return plugs.length() > 0;
 }
 bool MPlug::isSource(MStatus* status) const {
@@ -274,16 +284,18 @@ MPlug MPlug::source(MStatus* status) const {
   const dg::Plug plug = usable(*this, status);
   return plug.isNull() ? MPlug() : wrap(graphOf(plug).source(plug));
 }
-bool MPlug::destinations(MPlugArray& plugs, MStatus* status) const { return connectedTo(plugs, false, true, status); }
+bool MPlug::destinations(MPlugArray& plugs, MStatus* status) const {
+  return connectedTo(plugs, false, true, status);
+}
 
-#define HOST_PLUG_FLAG(Query, Set, Flag)                                             \
-  bool MPlug::Query(MStatus* status) const {                                         \
-    const dg::Plug plug = usable(*this, status);                                     \
-    return !plug.isNull() && graphOf(plug).flag(plug, dg::Graph::PlugFlag::Flag);    \
-  }                                                                                  \
-  MStatus MPlug::Set(bool on) {                                                      \
-    const dg::Plug plug = plugOf(*this);                                             \
-    if (plug.isNull()) return MStatus::kFailure;                                     \
+#define HOST_PLUG_FLAG(Query, Set, Flag)                                              \
+  bool MPlug::Query(MStatus* status) const {                                          \
+    const dg::Plug plug = usable(*this, status);                                      \
+    return !plug.isNull() && graphOf(plug).flag(plug, dg::Graph::PlugFlag::Flag);     \
+  }                                                                                   \
+  MStatus MPlug::Set(bool on) {                                                       \
+    const dg::Plug plug = plugOf(*this);                                              \
+    if (plug.isNull()) return MStatus::kFailure;                                      \
     return api::toStatus(graphOf(plug).setFlag(plug, dg::Graph::PlugFlag::Flag, on)); \
   }
 HOST_PLUG_FLAG(isKeyable, setKeyable, Keyable)
@@ -331,25 +343,34 @@ bool MPlug::isDefaultValue(bool, MStatus* status) const {
   }
   return dg::equal(graphOf(plug).stored(plug), plug.attribute()->initialValue());
 }
-bool MPlug::isDefaultValue(MStatus* status) const { return isDefaultValue(false, status); }
+bool MPlug::isDefaultValue(MStatus* status) const {
+  return isDefaultValue(false, status);
+}
 
-MPlug::FreeToChangeState MPlug::isFreeToChange(bool checkParents, bool checkChildren, MStatus* status) const {
+MPlug::FreeToChangeState MPlug::isFreeToChange(bool checkParents, bool checkChildren,
+                                               MStatus* status) const {
   const dg::Plug plug = usable(*this, status);
   if (plug.isNull()) return kNotFreeToChange;
   dg::Graph& graph = graphOf(plug);
-  const bool isHeld = checkParents ? graph.isDriven(plug) || graph.isLockedHereOrAbove(plug)
-                                   : graph.source(plug) || graph.flag(plug, dg::Graph::PlugFlag::Locked);
+  const bool isHeld = checkParents
+                          ? graph.isDriven(plug) || graph.isLockedHereOrAbove(plug)
+                          : graph.source(plug) || graph.flag(plug, dg::Graph::PlugFlag::Locked);
   if (isHeld) return kNotFreeToChange;
   if (checkChildren && plug.isCompound())
     for (std::size_t i = 0; i < plug.attribute()->children.size(); ++i)
-      if (wrap(plug.child(static_cast<int>(i))).isFreeToChange(false) != kFreeToChange) return kChildrenNotFreeToChange;
+      if (wrap(plug.child(static_cast<int>(i))).isFreeToChange(false) != kFreeToChange)
+        return kChildrenNotFreeToChange;
   return kFreeToChange;
 }
 
-bool MPlug::operator==(const MPlug& other) const { return plugOf(*this) == plugOf(other); }
+bool MPlug::operator==(const MPlug& other) const {
+  return plugOf(*this) == plugOf(other);
+}
 bool MPlug::operator==(const MObject& attribute) const {
   const dg::Plug plug = plugOf(*this);
   return !plug.isNull() && plug.attribute() == api::attributeOf(attribute);
 }
 
-std::ostream& operator<<(std::ostream& os, const MPlug& plug) { return os << plug.name().asChar(); }
+std::ostream& operator<<(std::ostream& os, const MPlug& plug) {
+  return os << plug.name().asChar();
+}

@@ -25,9 +25,12 @@ MStatus readReal(const MPlug& plug, double& result) {
   dg::Value value;
   const MStatus status = readValue(plug, value);
   if (!status) return status;
-  if (const auto* real = std::get_if<double>(&value)) result = *real;
-  else if (const auto* integer = std::get_if<std::int64_t>(&value)) result = static_cast<double>(*integer);
-  else return MStatus::kInvalidParameter;
+  if (const auto* real = std::get_if<double>(&value))
+    result = *real;
+  else if (const auto* integer = std::get_if<std::int64_t>(&value))
+    result = static_cast<double>(*integer);
+  else
+    return MStatus::kInvalidParameter;
   return MStatus::kSuccess;
 }
 
@@ -35,9 +38,12 @@ MStatus readInteger(const MPlug& plug, std::int64_t& result) {
   dg::Value value;
   const MStatus status = readValue(plug, value);
   if (!status) return status;
-  if (const auto* integer = std::get_if<std::int64_t>(&value)) result = *integer;
-  else if (const auto* real = std::get_if<double>(&value)) result = static_cast<std::int64_t>(*real);
-  else return MStatus::kInvalidParameter;
+  if (const auto* integer = std::get_if<std::int64_t>(&value))
+    result = *integer;
+  else if (const auto* real = std::get_if<double>(&value))
+    result = static_cast<std::int64_t>(*real);
+  else
+    return MStatus::kInvalidParameter;
   return MStatus::kSuccess;
 }
 
@@ -78,7 +84,9 @@ using api::readReal;
 using api::setStatus;
 using api::writeValue;
 
-MStatus MPlug::getValue(double& value) const { return readReal(*this, value); }
+MStatus MPlug::getValue(double& value) const {
+  return readReal(*this, value);
+}
 MStatus MPlug::getValue(float& value) const {
   double real = 0;
   const MStatus status = readReal(*this, real);
@@ -91,12 +99,12 @@ MStatus MPlug::getValue(MInt64& value) const {
   if (status) value = integer;
   return status;
 }
-#define HOST_PLUG_GET_INTEGER(Type)                 \
-  MStatus MPlug::getValue(Type& value) const {      \
-    std::int64_t integer = 0;                       \
+#define HOST_PLUG_GET_INTEGER(Type)                     \
+  MStatus MPlug::getValue(Type& value) const {          \
+    std::int64_t integer = 0;                           \
     const MStatus status = readInteger(*this, integer); \
-    if (status) value = static_cast<Type>(integer); \
-    return status;                                  \
+    if (status) value = static_cast<Type>(integer);     \
+    return status;                                      \
   }
 HOST_PLUG_GET_INTEGER(int)
 HOST_PLUG_GET_INTEGER(short)
@@ -112,9 +120,12 @@ MStatus MPlug::getValue(MString& value) const {
   dg::Value stored;
   const MStatus status = api::readValue(*this, stored);
   if (!status) return status;
-  if (const auto* text = std::get_if<std::string>(&stored)) value = api::toMString(*text);
-  else if (std::holds_alternative<std::monostate>(stored)) value = MString();
-  else return MStatus::kInvalidParameter;
+  if (const auto* text = std::get_if<std::string>(&stored))
+    value = api::toMString(*text);
+  else if (std::holds_alternative<std::monostate>(stored))
+    value = MString();
+  else
+    return MStatus::kInvalidParameter;
   return MStatus::kSuccess;
 }
 MStatus MPlug::getValue(MDistance& value) const {
@@ -138,7 +149,8 @@ MStatus MPlug::getValue(MTime& value) const {
 MStatus MPlug::getValue(MObject& value) const {
   const dg::Plug plug = api::plugOf(*this);
   if (plug.isNull()) return MStatus::kFailure;
-  if (plug.isCompound() && !plug.attribute()->compoundType.empty()) return api::readCompound(plug, value);
+  if (plug.isCompound() && !plug.attribute()->compoundType.empty())
+    return api::readCompound(plug, value);
   dg::Value stored;
   const MStatus status = api::readValue(*this, stored);
   if (!status) return status;
@@ -154,16 +166,18 @@ MStatus MPlug::getValue(MObject& value) const {
   return MStatus::kFailure;
 }
 
-#define HOST_PLUG_AS(Name, Type)               \
+#define HOST_PLUG_AS(Name, Type)                \
   Type MPlug::as##Name(MStatus* status) const { \
-    Type value{};                              \
-    const MStatus code = getValue(value);      \
-    setStatus(status, code.statusCode());      \
-    return value;                              \
+    Type value{};                               \
+    const MStatus code = getValue(value);       \
+    setStatus(status, code.statusCode());       \
+    return value;                               \
   }
-#define HOST_PLUG_AS_IN_CONTEXT(Name, Type) \
-  HOST_PLUG_AS(Name, Type)                  \
-  Type MPlug::as##Name(MDGContext&, MStatus* status) const { return as##Name(status); }
+#define HOST_PLUG_AS_IN_CONTEXT(Name, Type)                  \
+  HOST_PLUG_AS(Name, Type)                                   \
+  Type MPlug::as##Name(MDGContext&, MStatus* status) const { \
+    return as##Name(status);                                 \
+  }
 HOST_PLUG_AS_IN_CONTEXT(MObject, MObject)
 HOST_PLUG_AS_IN_CONTEXT(Double, double)
 HOST_PLUG_AS_IN_CONTEXT(Float, float)
@@ -179,18 +193,42 @@ HOST_PLUG_AS(MTime, MTime)
 #undef HOST_PLUG_AS_IN_CONTEXT
 #undef HOST_PLUG_AS
 
-MStatus MPlug::setValue(double value) const { return writeValue(*this, value); }
-MStatus MPlug::setValue(float value) const { return writeValue(*this, static_cast<double>(value)); }
-MStatus MPlug::setValue(MInt64 value) const { return writeValue(*this, static_cast<std::int64_t>(value)); }
-MStatus MPlug::setValue(int value) const { return writeValue(*this, std::int64_t{value}); }
-MStatus MPlug::setValue(short value) const { return writeValue(*this, std::int64_t{value}); }
-MStatus MPlug::setValue(char value) const { return writeValue(*this, std::int64_t{value}); }
-MStatus MPlug::setValue(bool value) const { return writeValue(*this, std::int64_t{value ? 1 : 0}); }
-MStatus MPlug::setValue(const char* value) const { return writeValue(*this, std::string(value ? value : "")); }
-MStatus MPlug::setValue(const MString& value) const { return setValue(value.asChar()); }
-MStatus MPlug::setValue(const MDistance& value) const { return writeValue(*this, value.asCentimeters()); }
-MStatus MPlug::setValue(const MAngle& value) const { return writeValue(*this, value.asRadians()); }
-MStatus MPlug::setValue(const MTime& value) const { return writeValue(*this, value.as(MTime::kSeconds)); }
+MStatus MPlug::setValue(double value) const {
+  return writeValue(*this, value);
+}
+MStatus MPlug::setValue(float value) const {
+  return writeValue(*this, static_cast<double>(value));
+}
+MStatus MPlug::setValue(MInt64 value) const {
+  return writeValue(*this, static_cast<std::int64_t>(value));
+}
+MStatus MPlug::setValue(int value) const {
+  return writeValue(*this, std::int64_t{value});
+}
+MStatus MPlug::setValue(short value) const {
+  return writeValue(*this, std::int64_t{value});
+}
+MStatus MPlug::setValue(char value) const {
+  return writeValue(*this, std::int64_t{value});
+}
+MStatus MPlug::setValue(bool value) const {
+  return writeValue(*this, std::int64_t{value ? 1 : 0});
+}
+MStatus MPlug::setValue(const char* value) const {
+  return writeValue(*this, std::string(value ? value : ""));
+}
+MStatus MPlug::setValue(const MString& value) const {
+  return setValue(value.asChar());
+}
+MStatus MPlug::setValue(const MDistance& value) const {
+  return writeValue(*this, value.asCentimeters());
+}
+MStatus MPlug::setValue(const MAngle& value) const {
+  return writeValue(*this, value.asRadians());
+}
+MStatus MPlug::setValue(const MTime& value) const {
+  return writeValue(*this, value.as(MTime::kSeconds));
+}
 MStatus MPlug::setValue(const MObject& value) const {
   const auto* rep = api::objectAs<api::DataRep>(value);
   const dg::Plug plug = api::plugOf(*this);
@@ -202,15 +240,39 @@ MStatus MPlug::setValue(const MObject& value) const {
   return writeValue(*this, rep->data);
 }
 
-MStatus MPlug::setMObject(const MObject& value) const { return setValue(value); }
-MStatus MPlug::setDouble(double value) const { return setValue(value); }
-MStatus MPlug::setFloat(float value) const { return setValue(value); }
-MStatus MPlug::setInt64(MInt64 value) const { return setValue(value); }
-MStatus MPlug::setInt(int value) const { return setValue(value); }
-MStatus MPlug::setShort(short value) const { return setValue(value); }
-MStatus MPlug::setChar(char value) const { return setValue(value); }
-MStatus MPlug::setBool(bool value) const { return setValue(value); }
-MStatus MPlug::setString(const MString& value) const { return setValue(value); }
-MStatus MPlug::setMDistance(const MDistance& value) const { return setValue(value); }
-MStatus MPlug::setMAngle(const MAngle& value) const { return setValue(value); }
-MStatus MPlug::setMTime(const MTime& value) const { return setValue(value); }
+MStatus MPlug::setMObject(const MObject& value) const {
+  return setValue(value);
+}
+MStatus MPlug::setDouble(double value) const {
+  return setValue(value);
+}
+MStatus MPlug::setFloat(float value) const {
+  return setValue(value);
+}
+MStatus MPlug::setInt64(MInt64 value) const {
+  return setValue(value);
+}
+MStatus MPlug::setInt(int value) const {
+  return setValue(value);
+}
+MStatus MPlug::setShort(short value) const {
+  return setValue(value);
+}
+MStatus MPlug::setChar(char value) const {
+  return setValue(value);
+}
+MStatus MPlug::setBool(bool value) const {
+  return setValue(value);
+}
+MStatus MPlug::setString(const MString& value) const {
+  return setValue(value);
+}
+MStatus MPlug::setMDistance(const MDistance& value) const {
+  return setValue(value);
+}
+MStatus MPlug::setMAngle(const MAngle& value) const {
+  return setValue(value);
+}
+MStatus MPlug::setMTime(const MTime& value) const {
+  return setValue(value);
+}

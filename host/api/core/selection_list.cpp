@@ -44,9 +44,12 @@ Result<scene::SelectionItem> toItem(const MDagPath& path, const MObject& compone
 
 scene::SelectionMerge mergeOf(MSelectionList::MergeStrategy strategy) {
   switch (strategy) {
-    case MSelectionList::kXORWithList: return scene::SelectionMerge::Toggle;
-    case MSelectionList::kRemoveFromList: return scene::SelectionMerge::Remove;
-    default: return scene::SelectionMerge::Add;
+    case MSelectionList::kXORWithList:
+      return scene::SelectionMerge::Toggle;
+    case MSelectionList::kRemoveFromList:
+      return scene::SelectionMerge::Remove;
+    default:
+      return scene::SelectionMerge::Add;
   }
 }
 
@@ -173,7 +176,8 @@ MStatus MSelectionList::replace(unsigned int index, const MPlug& plug) {
   const MStatus status = single.add(plug);
   return status ? replaceWith(*this, index, single) : status;
 }
-MStatus MSelectionList::replace(unsigned int index, const MDagPath& path, const MObject& component) {
+MStatus MSelectionList::replace(unsigned int index, const MDagPath& path,
+                                const MObject& component) {
   MSelectionList single;
   const MStatus status = single.add(path, component);
   return status ? replaceWith(*this, index, single) : status;
@@ -192,14 +196,15 @@ bool MSelectionList::hasItem(const MPlug& plug, MStatus* status) const {
   setStatus(status, MStatus::kSuccess);
   const dg::Plug inner = api::plugOf(plug);
   const auto& items = listOf(*this).items();
-  return !inner.isNull() &&
-         std::any_of(items.begin(), items.end(), [&](const auto& item) { return item.plug == inner; });
+  return !inner.isNull() && std::any_of(items.begin(), items.end(),
+                                        [&](const auto& item) { return item.plug == inner; });
 }
 
 namespace {
-/// How many of `wanted`'s components the list holds, and how many it has in all; objects count as one.
-void countHeld(const scene::SelectionList& list, const scene::SelectionItem& wanted, std::size_t& held,
-               std::size_t& all) {
+/// How many of `wanted`'s components the list holds, and how many it has in all; objects count as
+/// one.
+void countHeld(const scene::SelectionList& list, const scene::SelectionItem& wanted,
+               std::size_t& held, std::size_t& all) {
   held = all = 0;
   for (const scene::SelectionItem& item : list.items()) {
     if (!(item.path == wanted.path)) continue;
@@ -222,7 +227,8 @@ void countHeld(const scene::SelectionList& list, const scene::SelectionItem& wan
 }
 }  // namespace
 
-bool MSelectionList::hasItem(const MDagPath& path, const MObject& component, MStatus* status) const {
+bool MSelectionList::hasItem(const MDagPath& path, const MObject& component,
+                             MStatus* status) const {
   const auto item = api::toItem(path, component);
   setStatus(status, item ? MStatus::kSuccess : MStatus::kInvalidParameter);
   if (!item) return false;
@@ -231,7 +237,8 @@ bool MSelectionList::hasItem(const MDagPath& path, const MObject& component, MSt
   return all > 0 && held == all;
 }
 
-bool MSelectionList::hasItemPartly(const MDagPath& path, const MObject& component, MStatus* status) const {
+bool MSelectionList::hasItemPartly(const MDagPath& path, const MObject& component,
+                                   MStatus* status) const {
   const auto item = api::toItem(path, component);
   setStatus(status, item ? MStatus::kSuccess : MStatus::kInvalidParameter);
   if (!item) return false;
@@ -250,7 +257,8 @@ MStatus MSelectionList::merge(const MSelectionList& other, MergeStrategy strateg
   return MStatus::kSuccess;
 }
 
-MStatus MSelectionList::merge(const MDagPath& path, const MObject& component, MergeStrategy strategy) {
+MStatus MSelectionList::merge(const MDagPath& path, const MObject& component,
+                              MergeStrategy strategy) {
   const auto item = api::toItem(path, component);
   if (!item) return api::toStatus(item, MStatus::kInvalidParameter);
   writableList(*this).merge(*item, api::mergeOf(strategy));

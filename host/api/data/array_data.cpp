@@ -9,8 +9,12 @@
 namespace host::api {
 namespace {
 
-ArrayRep* arrayOf(const MArrayDataHandle& handle) { return Access::rep<ArrayRep>(handle); }
-BuilderRep* builderOf(const MArrayDataBuilder& builder) { return Access::rep<BuilderRep>(builder); }
+ArrayRep* arrayOf(const MArrayDataHandle& handle) {
+  return Access::rep<ArrayRep>(handle);
+}
+BuilderRep* builderOf(const MArrayDataBuilder& builder) {
+  return Access::rep<BuilderRep>(builder);
+}
 
 ArrayRep* atElement(const MArrayDataHandle& handle, MStatus* status) {
   ArrayRep* rep = arrayOf(handle);
@@ -23,7 +27,6 @@ MArrayDataHandle noArray(MStatus* status) {
   setStatus(status, MStatus::kInvalidParameter);
   return Access::make<MArrayDataHandle>(static_cast<SharedRep*>(nullptr));
 }
-
 
 }  // namespace
 
@@ -47,7 +50,8 @@ MArrayDataHandle::MArrayDataHandle(const MDataHandle& handle, MStatus* status) {
   const api::HandleRep* rep = api::repOf(handle);
   const bool isArray = rep && rep->plug && rep->plug.isArray();
   setStatus(status, isArray ? MStatus::kSuccess : MStatus::kInvalidParameter);
-  if (isArray) handle_ = api::Handle(new api::ArrayRep(rep->store, rep->plug, rep->isWritable, rep->block));
+  if (isArray)
+    handle_ = api::Handle(new api::ArrayRep(rep->store, rep->plug, rep->isWritable, rep->block));
 }
 
 unsigned int MArrayDataHandle::elementCount(MStatus* status) const {
@@ -88,19 +92,25 @@ MDataHandle MArrayDataHandle::inputValue(MStatus* status) {
     setStatus(status, api::toStatus(done).statusCode());
     if (!done) return {};
   }
-  MDataHandle handle = api::wrapHandle(new api::HandleRep(rep->store, element, rep->isWritable, rep->block));
+  MDataHandle handle =
+      api::wrapHandle(new api::HandleRep(rep->store, element, rep->isWritable, rep->block));
   if (!rep->isWritable) rep->lastInput = api::Access::handle(handle);
   return handle;
 }
 MDataHandle MArrayDataHandle::outputValue(MStatus* status) {
   api::ArrayRep* rep = atElement(*this, status);
   if (!rep) return {};
-  return api::wrapHandle(
-      new api::HandleRep(rep->store, rep->plug.element(rep->indices[rep->position]), true, rep->block));
+  return api::wrapHandle(new api::HandleRep(
+      rep->store, rep->plug.element(rep->indices[rep->position]), true, rep->block));
 }
-// An element is never itself an array here: arrays nest through compounds, whose children are reached by handles.
-MArrayDataHandle MArrayDataHandle::inputArrayValue(MStatus* status) { return api::noArray(status); }
-MArrayDataHandle MArrayDataHandle::outputArrayValue(MStatus* status) { return api::noArray(status); }
+// An element is never itself an array here: arrays nest through compounds, whose children are
+// reached by handles.
+MArrayDataHandle MArrayDataHandle::inputArrayValue(MStatus* status) {
+  return api::noArray(status);
+}
+MArrayDataHandle MArrayDataHandle::outputArrayValue(MStatus* status) {
+  return api::noArray(status);
+}
 
 MArrayDataBuilder MArrayDataHandle::builder(MStatus* status) {
   const api::ArrayRep* rep = arrayOf(*this);
@@ -130,7 +140,8 @@ MStatus MArrayDataHandle::setClean() {
   const api::ArrayRep* rep = atElement(*this, nullptr);
   if (!rep) return MStatus::kFailure;
   if (rep->store->isInGraph())
-    dg::DataBlock(rep->node->graph(), *rep->node).setClean(rep->plug.element(rep->indices[rep->position]));
+    dg::DataBlock(rep->node->graph(), *rep->node)
+        .setClean(rep->plug.element(rep->indices[rep->position]));
   return MStatus::kSuccess;
 }
 MStatus MArrayDataHandle::setAllClean() {
@@ -142,7 +153,8 @@ MStatus MArrayDataHandle::setAllClean() {
 
 MArrayDataBuilder::MArrayDataBuilder(const MObject& attribute, unsigned int count, MStatus* status)
     : MArrayDataBuilder(nullptr, attribute, count, status) {}
-MArrayDataBuilder::MArrayDataBuilder(MDataBlock* block, const MObject& attribute, unsigned int, MStatus* status) {
+MArrayDataBuilder::MArrayDataBuilder(MDataBlock* block, const MObject& attribute, unsigned int,
+                                     MStatus* status) {
   const dg::Attribute* description = api::attributeOf(attribute);
   const auto* owner = block ? api::Access::rep<api::BlockRep>(*block) : nullptr;
   const bool isArray = description && description->isArray;
@@ -173,8 +185,12 @@ MDataHandle MArrayDataBuilder::addLast(MStatus* status) {
   const auto indices = rep->store->elements(rep->plug);
   return addElement(indices.empty() ? 0u : static_cast<unsigned int>(indices.back()) + 1, status);
 }
-MArrayDataHandle MArrayDataBuilder::addElementArray(unsigned int, MStatus* status) { return api::noArray(status); }
-MArrayDataHandle MArrayDataBuilder::addLastArray(MStatus* status) { return api::noArray(status); }
+MArrayDataHandle MArrayDataBuilder::addElementArray(unsigned int, MStatus* status) {
+  return api::noArray(status);
+}
+MArrayDataHandle MArrayDataBuilder::addLastArray(MStatus* status) {
+  return api::noArray(status);
+}
 MStatus MArrayDataBuilder::removeElement(unsigned int index) {
   api::BuilderRep* rep = builderOf(*this);
   if (!rep || rep->plug.isNull()) return MStatus::kFailure;
@@ -197,4 +213,6 @@ MStatus MArrayDataBuilder::growArray(unsigned int amount) {
   return MStatus::kSuccess;
 }
 // Elements are made one at a time and take no more room than they need.
-MStatus MArrayDataBuilder::setGrowSize(unsigned int) { return MStatus::kSuccess; }
+MStatus MArrayDataBuilder::setGrowSize(unsigned int) {
+  return MStatus::kSuccess;
+}

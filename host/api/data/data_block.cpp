@@ -8,12 +8,14 @@
 namespace host::api {
 namespace {
 
-BlockRep* blockOf(const MDataBlock& block) { return Access::rep<BlockRep>(block); }
+BlockRep* blockOf(const MDataBlock& block) {
+  return Access::rep<BlockRep>(block);
+}
 
 /// A plug of the block's node that names one value; null, with the status saying so, for others.
 dg::Plug plugIn(const BlockRep* block, const dg::Plug& plug, MStatus* status) {
-  const bool fits = block && plug && plug.node() == block->node.get() && isOwn(*plug.node(), *plug.attribute()) &&
-                    (plug.isComplete() || plug.isArray());
+  const bool fits = block && plug && plug.node() == block->node.get() &&
+                    isOwn(*plug.node(), *plug.attribute()) && (plug.isComplete() || plug.isArray());
   setStatus(status, fits ? MStatus::kSuccess : MStatus::kInvalidParameter);
   return fits ? plug : dg::Plug();
 }
@@ -32,20 +34,26 @@ bool bringUpToDate(const dg::Plug& plug, MStatus* status) {
 MDataHandle handleAt(const MDataBlock& block, const dg::Plug& plug, bool isInput, MStatus* status) {
   if (plug.isNull()) return {};
   if (isInput && !bringUpToDate(plug, status)) return {};
-  MDataHandle handle = wrapHandle(new HandleRep(outputStore(), plug, !isInput, Access::handle(block)));
-  if (BlockRep* rep = blockOf(block); isInput && rep && rep->keepsInputs) rep->inputs.push_back(Access::handle(handle));
+  MDataHandle handle =
+      wrapHandle(new HandleRep(outputStore(), plug, !isInput, Access::handle(block)));
+  if (BlockRep* rep = blockOf(block); isInput && rep && rep->keepsInputs)
+    rep->inputs.push_back(Access::handle(handle));
   return handle;
 }
 
-MArrayDataHandle arrayAt(const MDataBlock& block, const dg::Plug& plug, bool isInput, MStatus* status) {
-  const auto nothing = [&] { return Access::make<MArrayDataHandle>(static_cast<SharedRep*>(nullptr)); };
+MArrayDataHandle arrayAt(const MDataBlock& block, const dg::Plug& plug, bool isInput,
+                         MStatus* status) {
+  const auto nothing = [&] {
+    return Access::make<MArrayDataHandle>(static_cast<SharedRep*>(nullptr));
+  };
   if (plug.isNull()) return nothing();
   if (!plug.isArray()) {
     setStatus(status, MStatus::kInvalidParameter);
     return nothing();
   }
   if (isInput && !bringUpToDate(plug, status)) return nothing();
-  return Access::make<MArrayDataHandle>(new ArrayRep(outputStore(), plug, !isInput, Access::handle(block)));
+  return Access::make<MArrayDataHandle>(
+      new ArrayRep(outputStore(), plug, !isInput, Access::handle(block)));
 }
 
 }  // namespace
@@ -57,11 +65,11 @@ using api::plugIn;
 using api::plugOf;
 using api::setStatus;
 
-#define HOST_BLOCK_VALUE(Name, Type, At, isInput)                              \
-  Type MDataBlock::Name(const MPlug& plug, MStatus* status) {                  \
+#define HOST_BLOCK_VALUE(Name, Type, At, isInput)                                    \
+  Type MDataBlock::Name(const MPlug& plug, MStatus* status) {                        \
     return At(*this, plugIn(blockOf(*this), plugOf(plug), status), isInput, status); \
-  }                                                                            \
-  Type MDataBlock::Name(const MObject& attribute, MStatus* status) {           \
+  }                                                                                  \
+  Type MDataBlock::Name(const MObject& attribute, MStatus* status) {                 \
     return At(*this, plugIn(blockOf(*this), attribute, status), isInput, status);    \
   }
 HOST_BLOCK_VALUE(inputValue, MDataHandle, api::handleAt, true)

@@ -27,7 +27,8 @@ struct IsNumbers<Numbers<T, Count>> : std::true_type {};
 
 template <class T>
 int spread(const T& form, double* out) {
-  if constexpr (std::is_same_v<T, std::monostate> || std::is_same_v<T, MString> || std::is_same_v<T, void*>) {
+  if constexpr (std::is_same_v<T, std::monostate> || std::is_same_v<T, MString> ||
+                std::is_same_v<T, void*>) {
     return 0;
   } else if constexpr (std::is_arithmetic_v<T>) {
     out[0] = static_cast<double>(form);
@@ -76,7 +77,8 @@ void gather(T& form, const double* in, int count) {
       form.n[i] = i < count ? number<Part>(in[i]) : Part{};
   } else {
     using Part = std::remove_reference_t<decltype(form.matrix[0][0])>;
-    for (int i = 0; count == kMost && i < kMost; ++i) (&form.matrix[0][0])[i] = static_cast<Part>(in[i]);
+    for (int i = 0; count == kMost && i < kMost; ++i)
+      (&form.matrix[0][0])[i] = static_cast<Part>(in[i]);
   }
 }
 
@@ -100,7 +102,8 @@ void fill(const HandleRep& rep, T& form) {
   } else if constexpr (std::is_same_v<T, MInt64>) {
     form = integerOf(rep.plug.isCompound() ? dg::Value() : rep.store->read(rep.plug));
   } else if constexpr (std::is_same_v<T, void*>) {
-    form = reinterpret_cast<void*>(static_cast<std::intptr_t>(integerOf(rep.store->read(rep.plug))));
+    form =
+        reinterpret_cast<void*>(static_cast<std::intptr_t>(integerOf(rep.store->read(rep.plug))));
   } else if constexpr (!std::is_same_v<T, std::monostate>) {
     double numbers[kMost] = {};
     const int count = rep.readNumbers(numbers);
@@ -108,7 +111,9 @@ void fill(const HandleRep& rep, T& form) {
   }
 }
 
-bool isLeaf(const dg::Plug& plug) { return plug && !plug.isArray() && !plug.isCompound(); }
+bool isLeaf(const dg::Plug& plug) {
+  return plug && !plug.isArray() && !plug.isCompound();
+}
 
 }  // namespace
 
@@ -146,11 +151,13 @@ void HandleRep::flush() {
 
 void HandleRep::flushNumbers() {
   if (const auto* text = std::get_if<MString>(&buffer_)) {
-    if (isLeaf(plug) && textOf(store->read(plug)) != text->asChar()) (void)store->write(plug, toStd(*text));
+    if (isLeaf(plug) && textOf(store->read(plug)) != text->asChar())
+      (void)store->write(plug, toStd(*text));
     return;
   }
   if (const auto* wide = std::get_if<MInt64>(&buffer_)) {
-    if (isLeaf(plug) && integerOf(store->read(plug)) != *wide) (void)store->write(plug, std::int64_t{*wide});
+    if (isLeaf(plug) && integerOf(store->read(plug)) != *wide)
+      (void)store->write(plug, std::int64_t{*wide});
     return;
   }
   if (const auto* address = std::get_if<void*>(&buffer_)) {
@@ -158,7 +165,8 @@ void HandleRep::flushNumbers() {
     if (isLeaf(plug) && integerOf(store->read(plug)) != value) (void)store->write(plug, value);
     return;
   }
-  // Only what was changed through a reference goes back: a value that was merely looked at stays uncomputed.
+  // Only what was changed through a reference goes back: a value that was merely looked at stays
+  // uncomputed.
   double present[kMost] = {}, numbers[kMost] = {};
   const int count = std::visit([&](const auto& form) { return spread(form, numbers); }, buffer_);
   if (count == 0) return;
@@ -208,7 +216,8 @@ void HandleRep::writeNumbers(const double* numbers, int count) {
     return;
   }
   static constexpr const char* kKinds[] = {"double2", "double3", "double4"};
-  write(makeNumericData(kKinds[std::clamp(count, 2, 4) - 2], std::vector<double>(numbers, numbers + count)));
+  write(makeNumericData(kKinds[std::clamp(count, 2, 4) - 2],
+                        std::vector<double>(numbers, numbers + count)));
 }
 
 int HandleRep::readNumbers(double* numbers) const {
@@ -250,7 +259,8 @@ MObject HandleRep::object() {
     if (plug.attribute()->compoundType.empty()) return MObject();
     double numbers[kMost] = {};
     const int count = readNumbers(numbers);
-    return wrap(makeNumericData(plug.attribute()->compoundType, std::vector<double>(numbers, numbers + count)));
+    return wrap(makeNumericData(plug.attribute()->compoundType,
+                                std::vector<double>(numbers, numbers + count)));
   }
   if (isWritable && !object_.isNull()) return object_;
   const dg::Value value = store->read(plug);
@@ -269,7 +279,8 @@ MStatus HandleRep::setObject(const MObject& data) {
   }
   const auto* rep = objectAs<DataRep>(data);
   if (!rep || !rep->data) return MStatus::kInvalidParameter;
-  if (const auto* numbers = dynamic_cast<const NumericData*>(rep->data.get()); numbers && plug.isCompound()) {
+  if (const auto* numbers = dynamic_cast<const NumericData*>(rep->data.get());
+      numbers && plug.isCompound()) {
     writeNumbers(numbers->values.data(), static_cast<int>(numbers->values.size()));
     return MStatus::kSuccess;
   }
@@ -283,7 +294,9 @@ MStatus HandleRep::setObject(const MObject& data) {
   return MStatus::kSuccess;
 }
 
-MDataHandle wrapHandle(HandleRep* rep) { return Access::make<MDataHandle>(rep); }
+MDataHandle wrapHandle(HandleRep* rep) {
+  return Access::make<MDataHandle>(rep);
+}
 
 MDataHandle copyOfPlug(const dg::Plug& plug) {
   auto store = std::make_shared<LooseStore>();
@@ -335,7 +348,8 @@ void put(const MDataHandle& handle, dg::Value value) {
 template <class... Parts>
 void putNumbers(const MDataHandle& handle, Parts... parts) {
   const double numbers[] = {static_cast<double>(parts)...};
-  if (HandleRep* rep = repOf(handle)) rep->writeNumbers(numbers, static_cast<int>(sizeof...(parts)));
+  if (HandleRep* rep = repOf(handle))
+    rep->writeNumbers(numbers, static_cast<int>(sizeof...(parts)));
 }
 
 MObject objectOfKind(const MDataHandle& handle, MFn::Type kind) {
@@ -352,7 +366,8 @@ MFnData::Type MDataHandle::type() const {
   const MFnData::Type type = api::dataTypeOf(*rep->plug.attribute());
   if (type != MFnData::kAny || rep->plug.isArray() || rep->plug.isCompound()) return type;
   const dg::Value value = rep->store->read(rep->plug);
-  if (const auto* data = std::get_if<dg::DataPtr>(&value); data && *data) return api::dataTypeOf((*data)->typeName());
+  if (const auto* data = std::get_if<dg::DataPtr>(&value); data && *data)
+    return api::dataTypeOf((*data)->typeName());
   if (std::holds_alternative<std::string>(value)) return MFnData::kString;
   return std::holds_alternative<std::monostate>(value) ? MFnData::kAny : MFnData::kNumeric;
 }
@@ -360,14 +375,17 @@ MTypeId MDataHandle::typeId() const {
   MPxData* data = asPluginData();
   return data ? data->typeId() : MTypeId();
 }
-bool MDataHandle::isNumeric() const { return type() == MFnData::kNumeric; }
+bool MDataHandle::isNumeric() const {
+  return type() == MFnData::kNumeric;
+}
 MFnNumericData::Type MDataHandle::numericType() const {
   const HandleRep* rep = repOf(*this);
   return rep && rep->plug ? api::numericTypeOf(*rep->plug.attribute()) : MFnNumericData::kInvalid;
 }
 bool MDataHandle::isGeneric(bool& isNumber, bool& isNull) const {
   const HandleRep* rep = repOf(*this);
-  if (!rep || rep->plug.isNull() || rep->plug.attribute()->type != dg::AttributeType::Generic) return false;
+  if (!rep || rep->plug.isNull() || rep->plug.attribute()->type != dg::AttributeType::Generic)
+    return false;
   const dg::Value value = rep->store->read(rep->plug);
   isNumber = std::holds_alternative<double>(value) || std::holds_alternative<std::int64_t>(value);
   isNull = std::holds_alternative<std::monostate>(value);
@@ -380,7 +398,8 @@ MDataHandle MDataHandle::child(const MPlug& plug) const {
 MDataHandle MDataHandle::child(const MObject& attribute) const {
   HandleRep* rep = repOf(*this);
   const dg::Attribute* wanted = api::attributeOf(attribute);
-  if (!rep || !wanted || rep->plug.isNull() || !rep->plug.isCompound() || wanted->parent != rep->plug.attribute())
+  if (!rep || !wanted || rep->plug.isNull() || !rep->plug.isCompound() ||
+      wanted->parent != rep->plug.attribute())
     return {};
   rep->flush();
   return rep->child(rep->plug.child(wanted));
@@ -399,7 +418,8 @@ void MDataHandle::setClean() {
   HandleRep* rep = repOf(*this);
   if (!rep) return;
   rep->flush();
-  if (rep->node && rep->store->isInGraph()) dg::DataBlock(rep->node->graph(), *rep->node).setClean(rep->plug);
+  if (rep->node && rep->store->isInGraph())
+    dg::DataBlock(rep->node->graph(), *rep->node).setClean(rep->plug);
 }
 MStatus MDataHandle::copy(const MDataHandle& source) {
   HandleRep* from = repOf(source);
@@ -407,19 +427,25 @@ MStatus MDataHandle::copy(const MDataHandle& source) {
   if (!from || from->plug.isNull()) return MStatus::kFailure;
   from->flush();
   if (!rep) {
-    handle_ = from->store->isInGraph() ? api::Access::handle(api::copyOfPlug(from->plug)) : source.handle_;
+    handle_ = from->store->isInGraph() ? api::Access::handle(api::copyOfPlug(from->plug))
+                                       : source.handle_;
     return MStatus::kSuccess;
   }
-  if (from->plug.isCompound() || from->plug.isArray() || rep->plug.isCompound() || rep->plug.isArray())
-    return api::toStatus(api::copyValues(*from->store, from->plug, *rep->store, rep->plug), MStatus::kInvalidParameter);
+  if (from->plug.isCompound() || from->plug.isArray() || rep->plug.isCompound() ||
+      rep->plug.isArray())
+    return api::toStatus(api::copyValues(*from->store, from->plug, *rep->store, rep->plug),
+                         MStatus::kInvalidParameter);
   const dg::Value value = from->store->read(from->plug);
   const auto* data = std::get_if<dg::DataPtr>(&value);
-  // A payload gets an object of its own here, so that edits of it change this handle and not the source.
+  // A payload gets an object of its own here, so that edits of it change this handle and not the
+  // source.
   if (data && *data) return rep->setObject(api::wrap(*data));
   rep->write(value);
   return MStatus::kSuccess;
 }
-MStatus MDataHandle::copyWritable(const MDataHandle& source) { return copy(source); }
+MStatus MDataHandle::copyWritable(const MDataHandle& source) {
+  return copy(source);
+}
 bool MDataHandle::acceptedTypeIds(MUintArray& ids) const {
   ids.clear();
   const HandleRep* rep = repOf(*this);
@@ -437,18 +463,40 @@ MPxData* MDataHandle::asPluginData() const {
   HandleRep* rep = repOf(*this);
   return rep ? api::pluginDataOf(rep->object()) : nullptr;
 }
-bool& MDataHandle::asBool() const { return form<bool>(*this); }
-char& MDataHandle::asChar() const { return form<char>(*this); }
-unsigned char& MDataHandle::asUChar() const { return form<unsigned char>(*this); }
-short& MDataHandle::asShort() const { return form<short>(*this); }
-int& MDataHandle::asLong() const { return form<int>(*this); }
-int& MDataHandle::asInt() const { return form<int>(*this); }
-MInt64& MDataHandle::asInt64() const { return form<MInt64>(*this); }
-void*& MDataHandle::asAddr() const { return form<void*>(*this); }
-float& MDataHandle::asFloat() const { return form<float>(*this); }
-double& MDataHandle::asDouble() const { return form<double>(*this); }
-#define HOST_AS_NUMBERS(Name, Type, Count) \
-  Type##Count& MDataHandle::Name() const { return form<api::Numbers<Type, Count>>(*this).n; }
+bool& MDataHandle::asBool() const {
+  return form<bool>(*this);
+}
+char& MDataHandle::asChar() const {
+  return form<char>(*this);
+}
+unsigned char& MDataHandle::asUChar() const {
+  return form<unsigned char>(*this);
+}
+short& MDataHandle::asShort() const {
+  return form<short>(*this);
+}
+int& MDataHandle::asLong() const {
+  return form<int>(*this);
+}
+int& MDataHandle::asInt() const {
+  return form<int>(*this);
+}
+MInt64& MDataHandle::asInt64() const {
+  return form<MInt64>(*this);
+}
+void*& MDataHandle::asAddr() const {
+  return form<void*>(*this);
+}
+float& MDataHandle::asFloat() const {
+  return form<float>(*this);
+}
+double& MDataHandle::asDouble() const {
+  return form<double>(*this);
+}
+#define HOST_AS_NUMBERS(Name, Type, Count)           \
+  Type##Count& MDataHandle::Name() const {           \
+    return form<api::Numbers<Type, Count>>(*this).n; \
+  }
 HOST_AS_NUMBERS(asShort2, short, 2)
 HOST_AS_NUMBERS(asShort3, short, 3)
 HOST_AS_NUMBERS(asLong2, int, 2)
@@ -461,37 +509,89 @@ HOST_AS_NUMBERS(asDouble2, double, 2)
 HOST_AS_NUMBERS(asDouble3, double, 3)
 HOST_AS_NUMBERS(asDouble4, double, 4)
 #undef HOST_AS_NUMBERS
-MVector& MDataHandle::asVector() const { return form<MVector>(*this); }
-MFloatVector& MDataHandle::asFloatVector() const { return form<MFloatVector>(*this); }
-MMatrix& MDataHandle::asMatrix() const { return form<MMatrix>(*this); }
-MFloatMatrix& MDataHandle::asFloatMatrix() const { return form<MFloatMatrix>(*this); }
-MString& MDataHandle::asString() const { return form<MString>(*this); }
-MDistance MDataHandle::asDistance() const { return MDistance(asDouble(), MDistance::kCentimeters); }
-MAngle MDataHandle::asAngle() const { return MAngle(asDouble(), MAngle::kRadians); }
-MTime MDataHandle::asTime() const { return api::timeOf(asDouble()); }
-MObject MDataHandle::asMesh() const { return objectOfKind(*this, MFn::kMeshData); }
-MObject MDataHandle::asMeshTransformed() const { return asMesh(); }
-MObject MDataHandle::asNurbsCurve() const { return objectOfKind(*this, MFn::kNurbsCurveData); }
-MObject MDataHandle::asNurbsCurveTransformed() const { return asNurbsCurve(); }
-MObject MDataHandle::asNurbsSurface() const { return objectOfKind(*this, MFn::kNurbsSurfaceData); }
-MObject MDataHandle::asSubdSurface() const { return objectOfKind(*this, MFn::kSubdivData); }
-const MMatrix& MDataHandle::geometryTransformMatrix() const { return MMatrix::identity; }
-bool MDataHandle::asGenericBool() const { return asGenericDouble() != 0; }
-int MDataHandle::asGenericInt() const { return static_cast<int>(asGenericDouble()); }
+MVector& MDataHandle::asVector() const {
+  return form<MVector>(*this);
+}
+MFloatVector& MDataHandle::asFloatVector() const {
+  return form<MFloatVector>(*this);
+}
+MMatrix& MDataHandle::asMatrix() const {
+  return form<MMatrix>(*this);
+}
+MFloatMatrix& MDataHandle::asFloatMatrix() const {
+  return form<MFloatMatrix>(*this);
+}
+MString& MDataHandle::asString() const {
+  return form<MString>(*this);
+}
+MDistance MDataHandle::asDistance() const {
+  return MDistance(asDouble(), MDistance::kCentimeters);
+}
+MAngle MDataHandle::asAngle() const {
+  return MAngle(asDouble(), MAngle::kRadians);
+}
+MTime MDataHandle::asTime() const {
+  return api::timeOf(asDouble());
+}
+MObject MDataHandle::asMesh() const {
+  return objectOfKind(*this, MFn::kMeshData);
+}
+MObject MDataHandle::asMeshTransformed() const {
+  return asMesh();
+}
+MObject MDataHandle::asNurbsCurve() const {
+  return objectOfKind(*this, MFn::kNurbsCurveData);
+}
+MObject MDataHandle::asNurbsCurveTransformed() const {
+  return asNurbsCurve();
+}
+MObject MDataHandle::asNurbsSurface() const {
+  return objectOfKind(*this, MFn::kNurbsSurfaceData);
+}
+MObject MDataHandle::asSubdSurface() const {
+  return objectOfKind(*this, MFn::kSubdivData);
+}
+const MMatrix& MDataHandle::geometryTransformMatrix() const {
+  return MMatrix::identity;
+}
+bool MDataHandle::asGenericBool() const {
+  return asGenericDouble() != 0;
+}
+int MDataHandle::asGenericInt() const {
+  return static_cast<int>(asGenericDouble());
+}
 double MDataHandle::asGenericDouble() const {
   const HandleRep* rep = repOf(*this);
   return rep ? rep->firstNumber() : 0.0;
 }
 
-void MDataHandle::set(bool value) { put(*this, std::int64_t{value}); }
-void MDataHandle::set(char value) { put(*this, std::int64_t{value}); }
-void MDataHandle::set(short value) { put(*this, std::int64_t{value}); }
-void MDataHandle::set(int value) { put(*this, std::int64_t{value}); }
-void MDataHandle::set(MInt64 value) { put(*this, std::int64_t{value}); }
-void MDataHandle::set(float value) { put(*this, static_cast<double>(value)); }
-void MDataHandle::set(double value) { put(*this, value); }
-void MDataHandle::set(const MVector& value) { putNumbers(*this, value.x, value.y, value.z); }
-void MDataHandle::set(const MFloatVector& value) { putNumbers(*this, value.x, value.y, value.z); }
+void MDataHandle::set(bool value) {
+  put(*this, std::int64_t{value});
+}
+void MDataHandle::set(char value) {
+  put(*this, std::int64_t{value});
+}
+void MDataHandle::set(short value) {
+  put(*this, std::int64_t{value});
+}
+void MDataHandle::set(int value) {
+  put(*this, std::int64_t{value});
+}
+void MDataHandle::set(MInt64 value) {
+  put(*this, std::int64_t{value});
+}
+void MDataHandle::set(float value) {
+  put(*this, static_cast<double>(value));
+}
+void MDataHandle::set(double value) {
+  put(*this, value);
+}
+void MDataHandle::set(const MVector& value) {
+  putNumbers(*this, value.x, value.y, value.z);
+}
+void MDataHandle::set(const MFloatVector& value) {
+  putNumbers(*this, value.x, value.y, value.z);
+}
 void MDataHandle::set(const MMatrix& value) {
   if (HandleRep* rep = repOf(*this)) rep->writeNumbers(&value.matrix[0][0], 16);
 }
@@ -500,10 +600,18 @@ void MDataHandle::set(const MFloatMatrix& value) {
   std::copy_n(&value.matrix[0][0], 16, numbers);
   if (HandleRep* rep = repOf(*this)) rep->writeNumbers(numbers, 16);
 }
-void MDataHandle::set(const MString& value) { put(*this, api::toStd(value)); }
-void MDataHandle::set(const MDistance& value) { put(*this, value.asCentimeters()); }
-void MDataHandle::set(const MAngle& value) { put(*this, value.asRadians()); }
-void MDataHandle::set(const MTime& value) { put(*this, value.as(MTime::kSeconds)); }
+void MDataHandle::set(const MString& value) {
+  put(*this, api::toStd(value));
+}
+void MDataHandle::set(const MDistance& value) {
+  put(*this, value.asCentimeters());
+}
+void MDataHandle::set(const MAngle& value) {
+  put(*this, value.asRadians());
+}
+void MDataHandle::set(const MTime& value) {
+  put(*this, value.as(MTime::kSeconds));
+}
 MStatus MDataHandle::set(const MObject& data) {
   HandleRep* rep = repOf(*this);
   return rep ? rep->setObject(data) : MStatus(MStatus::kFailure);
@@ -511,41 +619,117 @@ MStatus MDataHandle::set(const MObject& data) {
 void MDataHandle::set(MPxData* data) {
   if (data) (void)set(api::wrapPluginData(data));
 }
-void MDataHandle::set(short x, short y) { putNumbers(*this, x, y); }
-void MDataHandle::set(int x, int y) { putNumbers(*this, x, y); }
-void MDataHandle::set(float x, float y) { putNumbers(*this, x, y); }
-void MDataHandle::set(double x, double y) { putNumbers(*this, x, y); }
-void MDataHandle::set(short x, short y, short z) { putNumbers(*this, x, y, z); }
-void MDataHandle::set(int x, int y, int z) { putNumbers(*this, x, y, z); }
-void MDataHandle::set(float x, float y, float z) { putNumbers(*this, x, y, z); }
-void MDataHandle::set(double x, double y, double z) { putNumbers(*this, x, y, z); }
-void MDataHandle::set(double x, double y, double z, double w) { putNumbers(*this, x, y, z, w); }
-void MDataHandle::set2Short(short x, short y) { set(x, y); }
-void MDataHandle::set2Int(int x, int y) { set(x, y); }
-void MDataHandle::set2Float(float x, float y) { set(x, y); }
-void MDataHandle::set2Double(double x, double y) { set(x, y); }
-void MDataHandle::set3Short(short x, short y, short z) { set(x, y, z); }
-void MDataHandle::set3Int(int x, int y, int z) { set(x, y, z); }
-void MDataHandle::set3Float(float x, float y, float z) { set(x, y, z); }
-void MDataHandle::set3Double(double x, double y, double z) { set(x, y, z); }
-void MDataHandle::set4Double(double x, double y, double z, double w) { set(x, y, z, w); }
-void MDataHandle::setBool(bool value) { set(value); }
-void MDataHandle::setChar(char value) { set(value); }
-void MDataHandle::setShort(short value) { set(value); }
-void MDataHandle::setInt(int value) { set(value); }
-void MDataHandle::setInt64(MInt64 value) { set(value); }
-void MDataHandle::setFloat(float value) { set(value); }
-void MDataHandle::setDouble(double value) { set(value); }
-void MDataHandle::setString(const MString& value) { set(value); }
-void MDataHandle::setMVector(const MVector& value) { set(value); }
-void MDataHandle::setMFloatVector(const MFloatVector& value) { set(value); }
-void MDataHandle::setMMatrix(const MMatrix& value) { set(value); }
-void MDataHandle::setMFloatMatrix(const MFloatMatrix& value) { set(value); }
-void MDataHandle::setMDistance(const MDistance& value) { set(value); }
-void MDataHandle::setMAngle(const MAngle& value) { set(value); }
-void MDataHandle::setMTime(const MTime& value) { set(value); }
-void MDataHandle::setMPxData(MPxData* value) { set(value); }
-MStatus MDataHandle::setMObject(const MObject& data) { return set(data); }
-void MDataHandle::setGenericBool(bool value, bool) { set(value); }
-void MDataHandle::setGenericInt(int value, bool) { set(value); }
-void MDataHandle::setGenericDouble(double value, bool) { set(value); }
+void MDataHandle::set(short x, short y) {
+  putNumbers(*this, x, y);
+}
+void MDataHandle::set(int x, int y) {
+  putNumbers(*this, x, y);
+}
+void MDataHandle::set(float x, float y) {
+  putNumbers(*this, x, y);
+}
+void MDataHandle::set(double x, double y) {
+  putNumbers(*this, x, y);
+}
+void MDataHandle::set(short x, short y, short z) {
+  putNumbers(*this, x, y, z);
+}
+void MDataHandle::set(int x, int y, int z) {
+  putNumbers(*this, x, y, z);
+}
+void MDataHandle::set(float x, float y, float z) {
+  putNumbers(*this, x, y, z);
+}
+void MDataHandle::set(double x, double y, double z) {
+  putNumbers(*this, x, y, z);
+}
+void MDataHandle::set(double x, double y, double z, double w) {
+  putNumbers(*this, x, y, z, w);
+}
+void MDataHandle::set2Short(short x, short y) {
+  set(x, y);
+}
+void MDataHandle::set2Int(int x, int y) {
+  set(x, y);
+}
+void MDataHandle::set2Float(float x, float y) {
+  set(x, y);
+}
+void MDataHandle::set2Double(double x, double y) {
+  set(x, y);
+}
+void MDataHandle::set3Short(short x, short y, short z) {
+  set(x, y, z);
+}
+void MDataHandle::set3Int(int x, int y, int z) {
+  set(x, y, z);
+}
+void MDataHandle::set3Float(float x, float y, float z) {
+  set(x, y, z);
+}
+void MDataHandle::set3Double(double x, double y, double z) {
+  set(x, y, z);
+}
+void MDataHandle::set4Double(double x, double y, double z, double w) {
+  set(x, y, z, w);
+}
+void MDataHandle::setBool(bool value) {
+  set(value);
+}
+void MDataHandle::setChar(char value) {
+  set(value);
+}
+void MDataHandle::setShort(short value) {
+  set(value);
+}
+void MDataHandle::setInt(int value) {
+  set(value);
+}
+void MDataHandle::setInt64(MInt64 value) {
+  set(value);
+}
+void MDataHandle::setFloat(float value) {
+  set(value);
+}
+void MDataHandle::setDouble(double value) {
+  set(value);
+}
+void MDataHandle::setString(const MString& value) {
+  set(value);
+}
+void MDataHandle::setMVector(const MVector& value) {
+  set(value);
+}
+void MDataHandle::setMFloatVector(const MFloatVector& value) {
+  set(value);
+}
+void MDataHandle::setMMatrix(const MMatrix& value) {
+  set(value);
+}
+void MDataHandle::setMFloatMatrix(const MFloatMatrix& value) {
+  set(value);
+}
+void MDataHandle::setMDistance(const MDistance& value) {
+  set(value);
+}
+void MDataHandle::setMAngle(const MAngle& value) {
+  set(value);
+}
+void MDataHandle::setMTime(const MTime& value) {
+  set(value);
+}
+void MDataHandle::setMPxData(MPxData* value) {
+  set(value);
+}
+MStatus MDataHandle::setMObject(const MObject& data) {
+  return set(data);
+}
+void MDataHandle::setGenericBool(bool value, bool) {
+  set(value);
+}
+void MDataHandle::setGenericInt(int value, bool) {
+  set(value);
+}
+void MDataHandle::setGenericDouble(double value, bool) {
+  set(value);
+}

@@ -18,8 +18,8 @@ struct BlockRep final : SharedRep {
   const dg::NodePtr node;
   MDGContext context;
   bool isOpen = true;  ///< the computation that it was made for still runs
-  /// During a computation: the input handles given out, so that a reference taken from one outlives it. They hold this
-  /// block in turn until close().
+  /// During a computation: the input handles given out, so that a reference taken from one outlives
+  /// it. They hold this block in turn until close().
   std::vector<Handle> inputs;
   bool keepsInputs = false;
 
@@ -37,13 +37,13 @@ struct Numbers {
   Array n;
 };
 using HandleBuffer =
-    std::variant<std::monostate, bool, char, unsigned char, short, int, MInt64, void*, float, double, Numbers<short, 2>,
-                 Numbers<short, 3>, Numbers<int, 2>, Numbers<int, 3>, Numbers<float, 2>, Numbers<float, 3>,
-                 Numbers<double, 2>, Numbers<double, 3>, Numbers<double, 4>, MVector, MFloatVector, MMatrix,
-                 MFloatMatrix, MString>;
+    std::variant<std::monostate, bool, char, unsigned char, short, int, MInt64, void*, float,
+                 double, Numbers<short, 2>, Numbers<short, 3>, Numbers<int, 2>, Numbers<int, 3>,
+                 Numbers<float, 2>, Numbers<float, 3>, Numbers<double, 2>, Numbers<double, 3>,
+                 Numbers<double, 4>, MVector, MFloatVector, MMatrix, MFloatMatrix, MString>;
 
-/// What a data handle refers to. A reference given out is to a buffer here, which goes back to the store when another
-/// form is asked for, when the handle is marked clean, and at its end.
+/// What a data handle refers to. A reference given out is to a buffer here, which goes back to the
+/// store when another form is asked for, when the handle is marked clean, and at its end.
 struct HandleRep final : SharedRep {
   HandleRep(StorePtr storeIn, const dg::Plug& plugIn, bool isWritableIn, Handle blockIn = {});
   ~HandleRep() override;
@@ -78,7 +78,9 @@ struct HandleRep final : SharedRep {
 };
 
 [[nodiscard]] MDataHandle wrapHandle(HandleRep* rep);
-[[nodiscard]] inline HandleRep* repOf(const MDataHandle& handle) { return Access::rep<HandleRep>(handle); }
+[[nodiscard]] inline HandleRep* repOf(const MDataHandle& handle) {
+  return Access::rep<HandleRep>(handle);
+}
 /// A handle with values of its own, copied from the node as evaluated.
 [[nodiscard]] MDataHandle copyOfPlug(const dg::Plug& plug);
 /// A handle with values of its own that starts with one leaf value.
@@ -95,14 +97,16 @@ struct ArrayRep final : SharedRep {
   Handle block;
   std::vector<Index> indices;
   std::size_t position = 0;
-  Handle lastInput;  ///< the element read last, so that a reference to its value holds until the next
+  Handle
+      lastInput;  ///< the element read last, so that a reference to its value holds until the next
 };
 
 struct BuilderRep final : SharedRep {
   std::shared_ptr<LooseStore> store = std::make_shared<LooseStore>();
   dg::NodePtr node;
   dg::Plug plug;
-  Handle last;  ///< the handle given out last, which may still hold what was written through a reference
+  Handle last;  ///< the handle given out last, which may still hold what was written through a
+                ///< reference
 };
 
 }  // namespace host::api

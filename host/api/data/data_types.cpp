@@ -8,14 +8,22 @@ struct DataName {
   std::string_view name;
 };
 constexpr DataName kDataNames[] = {
-    {MFnData::kString, "string"},           {MFnData::kMatrix, "matrix"},
-    {MFnData::kStringArray, "stringArray"}, {MFnData::kDoubleArray, "doubleArray"},
-    {MFnData::kFloatArray, "floatArray"},   {MFnData::kIntArray, "Int32Array"},
-    {MFnData::kPointArray, "pointArray"},   {MFnData::kVectorArray, "vectorArray"},
-    {MFnData::kMatrixArray, "matrixArray"}, {MFnData::kComponentList, "componentList"},
-    {MFnData::kMesh, "mesh"},               {MFnData::kUInt64Array, "UInt64Array"},
-    {MFnData::kNurbsCurve, "nurbsCurve"},   {MFnData::kNurbsSurface, "nurbsSurface"},
-    {MFnData::kLattice, "lattice"},         {MFnData::kSubdSurface, "subd"},
+    {MFnData::kString, "string"},
+    {MFnData::kMatrix, "matrix"},
+    {MFnData::kStringArray, "stringArray"},
+    {MFnData::kDoubleArray, "doubleArray"},
+    {MFnData::kFloatArray, "floatArray"},
+    {MFnData::kIntArray, "Int32Array"},
+    {MFnData::kPointArray, "pointArray"},
+    {MFnData::kVectorArray, "vectorArray"},
+    {MFnData::kMatrixArray, "matrixArray"},
+    {MFnData::kComponentList, "componentList"},
+    {MFnData::kMesh, "mesh"},
+    {MFnData::kUInt64Array, "UInt64Array"},
+    {MFnData::kNurbsCurve, "nurbsCurve"},
+    {MFnData::kNurbsSurface, "nurbsSurface"},
+    {MFnData::kLattice, "lattice"},
+    {MFnData::kSubdSurface, "subd"},
 };
 
 struct NumericName {
@@ -61,13 +69,20 @@ MFnData::Type dataTypeOf(std::string_view typeName) {
 
 MFnData::Type dataTypeOf(const dg::Attribute& attribute) {
   switch (attribute.type) {
-    case AttributeType::String: return MFnData::kString;
-    case AttributeType::Matrix: return MFnData::kMatrix;
-    case AttributeType::Typed: return dataTypeOf(std::string_view(attribute.dataType));
-    case AttributeType::Generic: return MFnData::kAny;
-    case AttributeType::Message: return MFnData::kInvalid;
-    case AttributeType::Compound: return attribute.compoundType.empty() ? MFnData::kInvalid : MFnData::kNumeric;
-    default: return MFnData::kNumeric;
+    case AttributeType::String:
+      return MFnData::kString;
+    case AttributeType::Matrix:
+      return MFnData::kMatrix;
+    case AttributeType::Typed:
+      return dataTypeOf(std::string_view(attribute.dataType));
+    case AttributeType::Generic:
+      return MFnData::kAny;
+    case AttributeType::Message:
+      return MFnData::kInvalid;
+    case AttributeType::Compound:
+      return attribute.compoundType.empty() ? MFnData::kInvalid : MFnData::kNumeric;
+    default:
+      return MFnData::kNumeric;
   }
 }
 

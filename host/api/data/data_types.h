@@ -10,8 +10,8 @@
 
 namespace host::api {
 
-/// The name that a payload of an API data type has in the graph; empty for kinds that it does not know by name
-/// (numbers, plug-in data, anything).
+/// The name that a payload of an API data type has in the graph; empty for kinds that it does not
+/// know by name (numbers, plug-in data, anything).
 [[nodiscard]] std::string_view dataTypeName(MFnData::Type type);
 /// The reverse; kPlugin for names of no built-in kind.
 [[nodiscard]] MFnData::Type dataTypeOf(std::string_view typeName);

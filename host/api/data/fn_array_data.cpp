@@ -19,23 +19,55 @@ struct UInt64ArrayTag {
 };
 using UInt64ArrayData = dg::ValueData<std::vector<std::uint64_t>, UInt64ArrayTag>;
 
-int outer(std::int32_t value) { return value; }
-double outer(double value) { return value; }
-float outer(float value) { return value; }
-MUint64 outer(std::uint64_t value) { return value; }
-MString outer(const std::string& text) { return toMString(text); }
-MVector outer(const math::Vec3& v) { return {v.x, v.y, v.z}; }
-MPoint outer(const dg::Point4& p) { return {p.x, p.y, p.z, p.w}; }
-MMatrix outer(const math::Matrix4& matrix) { return toMMatrix(matrix); }
+int outer(std::int32_t value) {
+  return value;
+}
+double outer(double value) {
+  return value;
+}
+float outer(float value) {
+  return value;
+}
+MUint64 outer(std::uint64_t value) {
+  return value;
+}
+MString outer(const std::string& text) {
+  return toMString(text);
+}
+MVector outer(const math::Vec3& v) {
+  return {v.x, v.y, v.z};
+}
+MPoint outer(const dg::Point4& p) {
+  return {p.x, p.y, p.z, p.w};
+}
+MMatrix outer(const math::Matrix4& matrix) {
+  return toMMatrix(matrix);
+}
 
-std::int32_t inner(int value) { return value; }
-double inner(double value) { return value; }
-float inner(float value) { return value; }
-std::uint64_t inner(MUint64 value) { return value; }
-std::string inner(const MString& text) { return toStd(text); }
-math::Vec3 inner(const MVector& v) { return {v.x, v.y, v.z}; }
-dg::Point4 inner(const MPoint& p) { return {p.x, p.y, p.z, p.w}; }
-math::Matrix4 inner(const MMatrix& matrix) { return toMatrix4(matrix); }
+std::int32_t inner(int value) {
+  return value;
+}
+double inner(double value) {
+  return value;
+}
+float inner(float value) {
+  return value;
+}
+std::uint64_t inner(MUint64 value) {
+  return value;
+}
+std::string inner(const MString& text) {
+  return toStd(text);
+}
+math::Vec3 inner(const MVector& v) {
+  return {v.x, v.y, v.z};
+}
+dg::Point4 inner(const MPoint& p) {
+  return {p.x, p.y, p.z, p.w};
+}
+math::Matrix4 inner(const MMatrix& matrix) {
+  return toMatrix4(matrix);
+}
 
 template <class Payload>
 const Payload* payloadOf(const MObject& object, MStatus* status = nullptr) {
@@ -107,39 +139,43 @@ Array& formOf(const MObject& object, Handle& keeper) {
 using namespace host;
 using api::setStatus;
 
-#define HOST_ARRAY_DATA(Class, Payload, Array, Parameter)                                        \
-  MObject Class::create(MStatus* status) { return create(Array(), status); }                     \
-  MObject Class::create(const Array& in, MStatus* status) {                                      \
-    setStatus(status, MStatus::kSuccess);                                                        \
-    return object_ = api::wrap(api::payloadFrom<Payload>(in));                                   \
-  }                                                                                              \
-  unsigned int Class::length(MStatus* status) const {                                            \
-    const Payload* payload = api::payloadOf<Payload>(object_, status);                           \
-    return payload ? static_cast<unsigned int>(payload->value.size()) : 0;                       \
-  }                                                                                              \
-  MStatus Class::set(Parameter element, unsigned int index) {                                    \
-    return api::setElement<Payload>(object_, element, index);                                    \
-  }                                                                                              \
-  MStatus Class::set(const Array& newArray) { return api::setArray<Payload>(object_, newArray); } \
-  MStatus Class::copyTo(Array& array) const {                                                    \
-    MStatus status;                                                                              \
-    array = api::arrayFrom<Payload, Array>(api::payloadOf<Payload>(object_, &status));           \
-    return status;                                                                               \
-  }                                                                                              \
-  Array Class::array(MStatus* status) {                                                          \
-    return api::arrayFrom<Payload, Array>(api::payloadOf<Payload>(object_, status));             \
+#define HOST_ARRAY_DATA(Class, Payload, Array, Parameter)                              \
+  MObject Class::create(MStatus* status) {                                             \
+    return create(Array(), status);                                                    \
+  }                                                                                    \
+  MObject Class::create(const Array& in, MStatus* status) {                            \
+    setStatus(status, MStatus::kSuccess);                                              \
+    return object_ = api::wrap(api::payloadFrom<Payload>(in));                         \
+  }                                                                                    \
+  unsigned int Class::length(MStatus* status) const {                                  \
+    const Payload* payload = api::payloadOf<Payload>(object_, status);                 \
+    return payload ? static_cast<unsigned int>(payload->value.size()) : 0;             \
+  }                                                                                    \
+  MStatus Class::set(Parameter element, unsigned int index) {                          \
+    return api::setElement<Payload>(object_, element, index);                          \
+  }                                                                                    \
+  MStatus Class::set(const Array& newArray) {                                          \
+    return api::setArray<Payload>(object_, newArray);                                  \
+  }                                                                                    \
+  MStatus Class::copyTo(Array& array) const {                                          \
+    MStatus status;                                                                    \
+    array = api::arrayFrom<Payload, Array>(api::payloadOf<Payload>(object_, &status)); \
+    return status;                                                                     \
+  }                                                                                    \
+  Array Class::array(MStatus* status) {                                                \
+    return api::arrayFrom<Payload, Array>(api::payloadOf<Payload>(object_, status));   \
   }
 
-#define HOST_BY_VALUE(Class, Payload, Type)                                       \
-  Type Class::operator[](unsigned int index) const {                              \
-    const Payload* payload = api::payloadOf<Payload>(object_);                    \
+#define HOST_BY_VALUE(Class, Payload, Type)                                           \
+  Type Class::operator[](unsigned int index) const {                                  \
+    const Payload* payload = api::payloadOf<Payload>(object_);                        \
     return payload && index < payload->value.size() ? payload->value[index] : Type{}; \
   }
-#define HOST_BY_REFERENCE(Class, Payload, Array, Type)                                     \
-  const Type& Class::operator[](unsigned int index) const {                                \
-    static const Type nothing;                                                             \
+#define HOST_BY_REFERENCE(Class, Payload, Array, Type)                                           \
+  const Type& Class::operator[](unsigned int index) const {                                      \
+    static const Type nothing;                                                                   \
     const Array& form = api::formOf<Payload, Array>(object_, const_cast<Class*>(this)->handle_); \
-    return index < form.length() ? form[index] : nothing;                                  \
+    return index < form.length() ? form[index] : nothing;                                        \
   }
 
 HOST_ARRAY_DATA(MFnIntArrayData, dg::IntArrayData, MIntArray, int)

@@ -53,7 +53,9 @@ MObject MFnMeshData::create(MStatus* status) {
   return object_ = api::wrap(dg::DataPtr(std::make_shared<scene::MeshData>(mesh::Mesh())));
 }
 
-MObject MFnStringData::create(MStatus* status) { return create(MString(), status); }
+MObject MFnStringData::create(MStatus* status) {
+  return create(MString(), status);
+}
 MObject MFnStringData::create(const MString& text, MStatus* status) {
   setStatus(status, MStatus::kSuccess);
   return object_ = api::wrap(api::makeStringData(api::toStd(text)));
@@ -71,8 +73,12 @@ MStatus MFnStringData::set(const MString& text) {
   return MStatus::kSuccess;
 }
 
-MObject MFnMatrixData::create(MStatus* status) { return object_ = makeMatrix(MMatrix(), status); }
-MObject MFnMatrixData::create(const MMatrix& matrix, MStatus* status) { return object_ = makeMatrix(matrix, status); }
+MObject MFnMatrixData::create(MStatus* status) {
+  return object_ = makeMatrix(MMatrix(), status);
+}
+MObject MFnMatrixData::create(const MMatrix& matrix, MStatus* status) {
+  return object_ = makeMatrix(matrix, status);
+}
 MObject MFnMatrixData::create(const MTransformationMatrix& transform, MStatus* status) {
   return object_ = makeMatrix(transform.asMatrix(), status);
 }
@@ -97,11 +103,14 @@ MStatus MFnMatrixData::set(const MMatrix& matrix) {
   rep->data = std::make_shared<dg::MatrixData>(api::toMatrix4(matrix));
   return MStatus::kSuccess;
 }
-MStatus MFnMatrixData::set(const MTransformationMatrix& transform) { return set(transform.asMatrix()); }
+MStatus MFnMatrixData::set(const MTransformationMatrix& transform) {
+  return set(transform.asMatrix());
+}
 
 MObject MFnComponentListData::create(MStatus* status) {
   setStatus(status, MStatus::kSuccess);
-  return object_ = api::wrap(dg::DataPtr(std::make_shared<scene::ComponentListData>(std::vector<scene::Component>())));
+  return object_ = api::wrap(dg::DataPtr(
+             std::make_shared<scene::ComponentListData>(std::vector<scene::Component>())));
 }
 unsigned int MFnComponentListData::length(MStatus* status) const {
   const auto* data = componentsOf(object_, status);
@@ -116,7 +125,8 @@ MObject MFnComponentListData::get(unsigned int index, MStatus* status) const {
 bool MFnComponentListData::has(const MObject& component, MStatus* status) const {
   const auto* data = componentsOf(object_, status);
   const scene::Component* wanted = api::componentOf(component);
-  return data && wanted && std::find(data->value.begin(), data->value.end(), *wanted) != data->value.end();
+  return data && wanted &&
+         std::find(data->value.begin(), data->value.end(), *wanted) != data->value.end();
 }
 MStatus MFnComponentListData::add(const MObject& component) {
   const auto* data = componentsOf(object_);
@@ -141,4 +151,6 @@ MStatus MFnComponentListData::remove(unsigned int index) {
   all.erase(all.begin() + index);
   return setComponents(object_, std::move(all));
 }
-MStatus MFnComponentListData::clear() { return setComponents(object_, {}); }
+MStatus MFnComponentListData::clear() {
+  return setComponents(object_, {});
+}

@@ -5,7 +5,8 @@
 using namespace host;
 using api::setStatus;
 
-// Geometry data here is always in object space and carries no groups: membership in sets is kept on the shape.
+// Geometry data here is always in object space and carries no groups: membership in sets is kept on
+// the shape.
 
 namespace {
 
@@ -33,7 +34,9 @@ MStatus MFnGeometryData::setMatrix(const MMatrix& matrix) {
   api::rememberError(Error{"Geometry data has no matrix of its own here"});
   return MStatus::kFailure;
 }
-bool MFnGeometryData::isIdentity(MStatus* status) const { return isGeometry(object_, status); }
+bool MFnGeometryData::isIdentity(MStatus* status) const {
+  return isGeometry(object_, status);
+}
 bool MFnGeometryData::isNotIdentity(MStatus* status) const {
   (void)isGeometry(object_, status);
   return false;
@@ -54,13 +57,25 @@ bool MFnGeometryData::hasObjectGroup(unsigned int, MStatus* status) const {
   (void)isGeometry(object_, status);
   return false;
 }
-MStatus MFnGeometryData::addObjectGroup(unsigned int) { return refuseGroups(); }
-MStatus MFnGeometryData::removeObjectGroup(unsigned int) { return refuseGroups(); }
-MStatus MFnGeometryData::changeObjectGroupId(unsigned int, unsigned int) { return refuseGroups(); }
+MStatus MFnGeometryData::addObjectGroup(unsigned int) {
+  return refuseGroups();
+}
+MStatus MFnGeometryData::removeObjectGroup(unsigned int) {
+  return refuseGroups();
+}
+MStatus MFnGeometryData::changeObjectGroupId(unsigned int, unsigned int) {
+  return refuseGroups();
+}
 MObject MFnGeometryData::objectGroupComponent(unsigned int, MStatus* status) const {
   setStatus(status, MStatus::kInvalidParameter);
   return MObject();
 }
-MStatus MFnGeometryData::setObjectGroupComponent(unsigned int, const MObject&) { return refuseGroups(); }
-MStatus MFnGeometryData::addObjectGroupComponent(unsigned int, const MObject&) { return refuseGroups(); }
-MStatus MFnGeometryData::removeObjectGroupComponent(unsigned int, const MObject&) { return refuseGroups(); }
+MStatus MFnGeometryData::setObjectGroupComponent(unsigned int, const MObject&) {
+  return refuseGroups();
+}
+MStatus MFnGeometryData::addObjectGroupComponent(unsigned int, const MObject&) {
+  return refuseGroups();
+}
+MStatus MFnGeometryData::removeObjectGroupComponent(unsigned int, const MObject&) {
+  return refuseGroups();
+}

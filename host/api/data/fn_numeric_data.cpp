@@ -15,7 +15,8 @@ MStatus read(const MObject& object, std::initializer_list<T*> values) {
   const auto* rep = objectAs<DataRep>(object);
   const auto* data = rep ? dynamic_cast<const NumericData*>(rep->data.get()) : nullptr;
   if (!data || data->values.size() != values.size()) return MStatus::kFailure;
-  for (std::size_t i = 0; i < values.size(); ++i) *values.begin()[i] = static_cast<T>(data->values[i]);
+  for (std::size_t i = 0; i < values.size(); ++i)
+    *values.begin()[i] = static_cast<T>(data->values[i]);
   return MStatus::kSuccess;
 }
 
@@ -49,11 +50,19 @@ MFnNumericData::Type MFnNumericData::numericType() {
   const auto* data = rep ? dynamic_cast<const api::NumericData*>(rep->data.get()) : nullptr;
   return data ? api::numericTypeOf(std::string_view(data->kind)) : kInvalid;
 }
-#define HOST_NUMERIC(Type)                                                                                    \
-  MStatus MFnNumericData::getData(Type& x, Type& y) { return api::read<Type>(object_, {&x, &y}); }            \
-  MStatus MFnNumericData::getData(Type& x, Type& y, Type& z) { return api::read<Type>(object_, {&x, &y, &z}); } \
-  MStatus MFnNumericData::setData(Type x, Type y) { return api::write<Type>(object_, {x, y}); }               \
-  MStatus MFnNumericData::setData(Type x, Type y, Type z) { return api::write<Type>(object_, {x, y, z}); }
+#define HOST_NUMERIC(Type)                                     \
+  MStatus MFnNumericData::getData(Type& x, Type& y) {          \
+    return api::read<Type>(object_, {&x, &y});                 \
+  }                                                            \
+  MStatus MFnNumericData::getData(Type& x, Type& y, Type& z) { \
+    return api::read<Type>(object_, {&x, &y, &z});             \
+  }                                                            \
+  MStatus MFnNumericData::setData(Type x, Type y) {            \
+    return api::write<Type>(object_, {x, y});                  \
+  }                                                            \
+  MStatus MFnNumericData::setData(Type x, Type y, Type z) {    \
+    return api::write<Type>(object_, {x, y, z});               \
+  }
 HOST_NUMERIC(short)
 HOST_NUMERIC(int)
 HOST_NUMERIC(float)

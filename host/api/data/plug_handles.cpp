@@ -1,7 +1,6 @@
+#include <fmt/format.h>
 #include <maya/MPlug.h>
 #include <maya/MStringArray.h>
-
-#include <fmt/format.h>
 
 #include "host/api/data/data_handle.h"
 
@@ -23,18 +22,25 @@ std::string escaped(const std::string& text) {
 double inScriptUnits(const dg::Attribute& attribute, double value) {
   const scene::Units& units = document().units();
   switch (attribute.type) {
-    case dg::AttributeType::Distance: return units.fromCentimeters(value);
-    case dg::AttributeType::Angle: return units.fromRadians(value);
-    case dg::AttributeType::Time: return value * units.framesPerSecond();
-    default: return value;
+    case dg::AttributeType::Distance:
+      return units.fromCentimeters(value);
+    case dg::AttributeType::Angle:
+      return units.fromRadians(value);
+    case dg::AttributeType::Time:
+      return value * units.framesPerSecond();
+    default:
+      return value;
   }
 }
 
-/// The words after the plug's name that set a stored value; empty for values that no command line holds.
+/// The words after the plug's name that set a stored value; empty for values that no command line
+/// holds.
 std::string valueWords(const dg::Attribute& attribute, const dg::Value& value) {
   if (const auto* integer = std::get_if<std::int64_t>(&value)) return fmt::format(" {}", *integer);
-  if (const auto* real = std::get_if<double>(&value)) return fmt::format(" {}", inScriptUnits(attribute, *real));
-  if (const auto* text = std::get_if<std::string>(&value)) return " -type \"string\" " + escaped(*text);
+  if (const auto* real = std::get_if<double>(&value))
+    return fmt::format(" {}", inScriptUnits(attribute, *real));
+  if (const auto* text = std::get_if<std::string>(&value))
+    return " -type \"string\" " + escaped(*text);
   if (const auto* matrix = dg::dataAs<dg::MatrixData>(value)) {
     std::string words = " -type \"matrix\"";
     for (const auto& row : matrix->value.m)
@@ -44,7 +50,8 @@ std::string valueWords(const dg::Attribute& attribute, const dg::Value& value) {
   return {};
 }
 
-void collectSetAttr(const dg::Plug& plug, MPlug::MValueSelector selector, bool useLongNames, MStringArray& commands) {
+void collectSetAttr(const dg::Plug& plug, MPlug::MValueSelector selector, bool useLongNames,
+                    MStringArray& commands) {
   dg::Graph& graph = plug.node()->graph();
   if (plug.isArray()) {
     for (const Index index : graph.elementIndices(plug))
@@ -61,7 +68,8 @@ void collectSetAttr(const dg::Plug& plug, MPlug::MValueSelector selector, bool u
   if (selector != MPlug::kAll && dg::equal(value, plug.attribute()->initialValue())) return;
   const std::string words = valueWords(*plug.attribute(), value);
   if (!words.empty())
-    commands.append(toMString(fmt::format("setAttr \".{}\"{};", plug.attributePath(!useLongNames), words)));
+    commands.append(
+        toMString(fmt::format("setAttr \".{}\"{};", plug.attributePath(!useLongNames), words)));
 }
 
 }  // namespace
@@ -76,8 +84,12 @@ MDataHandle MPlug::asMDataHandle(MStatus* status) const {
   setStatus(status, plug.isNull() ? MStatus::kFailure : MStatus::kSuccess);
   return plug.isNull() ? MDataHandle() : api::copyOfPlug(plug);
 }
-MDataHandle MPlug::asMDataHandle(MDGContext&, MStatus* status) const { return asMDataHandle(status); }
-void MPlug::destructHandle(MDataHandle& handle) const { handle = MDataHandle(); }
+MDataHandle MPlug::asMDataHandle(MDGContext&, MStatus* status) const {
+  return asMDataHandle(status);
+}
+void MPlug::destructHandle(MDataHandle& handle) const {
+  handle = MDataHandle();
+}
 MDataHandle MPlug::constructHandle(MDataBlock&) const {
   const dg::Plug plug = plugOf(*this);
   if (plug.isNull()) return {};
@@ -89,11 +101,15 @@ MStatus MPlug::setMDataHandle(const MDataHandle& value) const {
   if (plug.isNull()) return MStatus::kFailure;
   if (!rep || rep->plug.isNull()) return MStatus::kInvalidParameter;
   rep->flush();
-  return api::toStatus(api::copyValues(*rep->store, rep->plug, *api::editStore(), plug), MStatus::kInvalidParameter);
+  return api::toStatus(api::copyValues(*rep->store, rep->plug, *api::editStore(), plug),
+                       MStatus::kInvalidParameter);
 }
-MStatus MPlug::setValue(MDataHandle& value) const { return setMDataHandle(value); }
+MStatus MPlug::setValue(MDataHandle& value) const {
+  return setMDataHandle(value);
+}
 
-MStatus MPlug::getSetAttrCmds(MStringArray& commands, MValueSelector selector, bool useLongNames) const {
+MStatus MPlug::getSetAttrCmds(MStringArray& commands, MValueSelector selector,
+                              bool useLongNames) const {
   commands.clear();
   const dg::Plug plug = plugOf(*this);
   if (plug.isNull()) return MStatus::kFailure;

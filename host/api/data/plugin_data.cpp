@@ -23,8 +23,10 @@ struct DataBackRep final : SharedRep {
 }  // namespace
 
 Result<void> addPluginDataType(PluginDataType type) {
-  if (findPluginDataType(type.name)) return fail("A data type named '{}' is registered already", type.name);
-  if (findPluginDataType(type.id)) return fail("The id {:#x} of data type '{}' is taken", type.id, type.name);
+  if (findPluginDataType(type.name))
+    return fail("A data type named '{}' is registered already", type.name);
+  if (findPluginDataType(type.id))
+    return fail("The id {:#x} of data type '{}' is taken", type.id, type.name);
   types().push_back(std::move(type));
   return {};
 }
@@ -82,10 +84,18 @@ using api::setStatus;
 
 MPxData::MPxData() = default;
 MPxData::~MPxData() = default;
-MStatus MPxData::readASCII(const MArgList&, unsigned int&) { return MStatus::kUnknownParameter; }
-MStatus MPxData::readBinary(std::istream&, unsigned int) { return MStatus::kUnknownParameter; }
-MStatus MPxData::writeASCII(std::ostream&) { return MStatus::kUnknownParameter; }
-MStatus MPxData::writeBinary(std::ostream&) { return MStatus::kUnknownParameter; }
+MStatus MPxData::readASCII(const MArgList&, unsigned int&) {
+  return MStatus::kUnknownParameter;
+}
+MStatus MPxData::readBinary(std::istream&, unsigned int) {
+  return MStatus::kUnknownParameter;
+}
+MStatus MPxData::writeASCII(std::ostream&) {
+  return MStatus::kUnknownParameter;
+}
+MStatus MPxData::writeBinary(std::ostream&) {
+  return MStatus::kUnknownParameter;
+}
 MObject MPxData::thisMObject() const {
   const auto* back = static_cast<const api::DataBackRep*>(handle_.get());
   const auto holder = back ? back->holder.lock() : nullptr;

@@ -24,8 +24,8 @@ void removePluginDataType(unsigned int id);
 [[nodiscard]] const PluginDataType* findPluginDataType(unsigned int id);
 [[nodiscard]] const PluginDataType* findPluginDataType(std::string_view name);
 
-/// A plug-in's data object on its way through the graph. The object is shared and may be changed by its owner, so two
-/// payloads are equal only when they are the same one.
+/// A plug-in's data object on its way through the graph. The object is shared and may be changed by
+/// its owner, so two payloads are equal only when they are the same one.
 class PluginDataHolder final : public dg::Data {
  public:
   explicit PluginDataHolder(MPxData* objectIn);

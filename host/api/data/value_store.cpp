@@ -114,13 +114,15 @@ Result<void> LooseStore::dropElement(const dg::Plug& element) {
   return {};
 }
 
-Result<void> copyValues(const ValueStore& source, const dg::Plug& from, ValueStore& target, const dg::Plug& to) {
+Result<void> copyValues(const ValueStore& source, const dg::Plug& from, ValueStore& target,
+                        const dg::Plug& to) {
   if (from.isArray() != to.isArray() || from.isCompound() != to.isCompound())
     return fail("'{}' and '{}' differ in shape", from.attributePath(), to.attributePath());
   if (from.isArray()) {
     const std::vector<Index> wanted = source.elements(from);
     for (const Index index : target.elements(to))
-      if (!std::binary_search(wanted.begin(), wanted.end(), index)) HOST_TRY(target.dropElement(to.element(index)));
+      if (!std::binary_search(wanted.begin(), wanted.end(), index))
+        HOST_TRY(target.dropElement(to.element(index)));
     for (const Index index : wanted) {
       HOST_TRY(target.makeElement(to.element(index)));
       HOST_TRY(copyValues(source, from.element(index), target, to.element(index)));
@@ -131,9 +133,11 @@ Result<void> copyValues(const ValueStore& source, const dg::Plug& from, ValueSto
     if (from.attribute()->type == dg::AttributeType::Message) return {};
     return target.write(to, source.read(from));
   }
-  const std::size_t count = std::min(from.attribute()->children.size(), to.attribute()->children.size());
+  const std::size_t count =
+      std::min(from.attribute()->children.size(), to.attribute()->children.size());
   for (std::size_t i = 0; i < count; ++i)
-    HOST_TRY(copyValues(source, from.child(static_cast<int>(i)), target, to.child(static_cast<int>(i))));
+    HOST_TRY(
+        copyValues(source, from.child(static_cast<int>(i)), target, to.child(static_cast<int>(i))));
   return {};
 }
 
@@ -141,7 +145,8 @@ bool isOwn(const dg::Node& node, const dg::Attribute& attribute) {
   const dg::Attribute* top = &attribute.top();
   if (top->isDynamic) {
     const auto& own = node.dynamicAttributes();
-    return std::any_of(own.begin(), own.end(), [&](const dg::AttributePtr& each) { return each.get() == top; });
+    return std::any_of(own.begin(), own.end(),
+                       [&](const dg::AttributePtr& each) { return each.get() == top; });
   }
   const auto& own = node.type().attributes();
   const auto index = static_cast<std::size_t>(top->topIndex);

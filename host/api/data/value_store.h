@@ -42,9 +42,10 @@ class LooseStore final : public ValueStore {
   std::unordered_map<dg::Plug, std::vector<Index>, dg::PlugHash> elements_;  ///< ascending
 };
 
-/// Makes what `to` addresses equal to what `from` addresses: leaves, compounds child by child, arrays with their
-/// elements (elements that `from` lacks go).
-Result<void> copyValues(const ValueStore& source, const dg::Plug& from, ValueStore& target, const dg::Plug& to);
+/// Makes what `to` addresses equal to what `from` addresses: leaves, compounds child by child,
+/// arrays with their elements (elements that `from` lacks go).
+Result<void> copyValues(const ValueStore& source, const dg::Plug& from, ValueStore& target,
+                        const dg::Plug& to);
 
 /// Whether the attribute is one of the node's, static or dynamic.
 [[nodiscard]] bool isOwn(const dg::Node& node, const dg::Attribute& attribute);

@@ -1,8 +1,7 @@
 #include "host/api/fn/fn_attribute.h"
 
-#include <maya/MFnAttribute.h>
-
 #include <fmt/format.h>
+#include <maya/MFnAttribute.h>
 
 #include <algorithm>
 #include <map>
@@ -40,7 +39,8 @@ struct Extras {
   bool isIndeterminant = false, affectsWorldSpace = false;
 };
 Extras& extrasOf(const dg::Attribute& attribute) {
-  // Kept for as long as the attribute is: a stale entry must not be found by another one at the same address.
+  // Kept for as long as the attribute is: a stale entry must not be found by another one at the
+  // same address.
   static std::map<std::weak_ptr<const dg::Attribute>, Extras, std::owner_less<>> all;
   std::erase_if(all, [](const auto& entry) { return entry.first.expired(); });
   return all[attribute.weak_from_this()];
@@ -63,7 +63,8 @@ MStatus setShape(const MObject& object, bool dg::Attribute::*member, bool state)
   dg::Attribute* attribute = attributeIn(object);
   if (!attribute) return MStatus::kFailure;
   if (attribute->*member != state && attribute->top().topIndex >= 0) {
-    rememberError(Error{"Attribute '" + attribute->longName + "' is in use: it can't become another kind"});
+    rememberError(
+        Error{"Attribute '" + attribute->longName + "' is in use: it can't become another kind"});
     return MStatus::kFailure;
   }
   attribute->*member = state;
@@ -92,20 +93,28 @@ bool isDataWord(const dg::Attribute& attribute) {
 }
 
 std::string addAttrCommand(const dg::Attribute& attribute, bool useLongNames) {
-  const auto flagName = [&](const char* shortFlag, const char* longFlag) { return useLongNames ? longFlag : shortFlag; };
+  const auto flagName = [&](const char* shortFlag, const char* longFlag) {
+    return useLongNames ? longFlag : shortFlag;
+  };
   std::string command = "addAttr";
   if (attribute.isArray) command += fmt::format(" {} true", flagName("-m", "-multi"));
   command += fmt::format(" {} \"{}\" {} \"{}\"", flagName("-sn", "-shortName"), attribute.shortName,
                          flagName("-ln", "-longName"), attribute.longName);
-  if (attribute.parent) command += fmt::format(" {} \"{}\"", flagName("-p", "-parent"), attribute.parent->longName);
-  command += fmt::format(" {} \"{}\"", isDataWord(attribute) ? flagName("-dt", "-dataType") : flagName("-at", "-attributeType"),
-                         attribute.typeWord());
+  if (attribute.parent)
+    command += fmt::format(" {} \"{}\"", flagName("-p", "-parent"), attribute.parent->longName);
+  command += fmt::format(
+      " {} \"{}\"",
+      isDataWord(attribute) ? flagName("-dt", "-dataType") : flagName("-at", "-attributeType"),
+      attribute.typeWord());
   if (attribute.isCompound())
-    command += fmt::format(" {} {}", flagName("-nc", "-numberOfChildren"), attribute.children.size());
-  const auto number = [&](const char* shortFlag, const char* longFlag, const std::optional<double>& value) {
+    command +=
+        fmt::format(" {} {}", flagName("-nc", "-numberOfChildren"), attribute.children.size());
+  const auto number = [&](const char* shortFlag, const char* longFlag,
+                          const std::optional<double>& value) {
     if (value) command += fmt::format(" {} {}", flagName(shortFlag, longFlag), *value);
   };
-  if (const auto* integer = std::get_if<std::int64_t>(&attribute.defaultValue); integer && *integer != 0)
+  if (const auto* integer = std::get_if<std::int64_t>(&attribute.defaultValue);
+      integer && *integer != 0)
     number("-dv", "-defaultValue", static_cast<double>(*integer));
   if (const auto* real = std::get_if<double>(&attribute.defaultValue); real && *real != 0)
     number("-dv", "-defaultValue", *real);
@@ -126,7 +135,8 @@ std::string addAttrCommand(const dg::Attribute& attribute, bool useLongNames) {
 
 void collectAddAttr(const dg::Attribute& attribute, bool useLongNames, MStringArray& commands) {
   commands.append(toMString(addAttrCommand(attribute, useLongNames)));
-  for (const dg::AttributePtr& child : attribute.children) collectAddAttr(*child, useLongNames, commands);
+  for (const dg::AttributePtr& child : attribute.children)
+    collectAddAttr(*child, useLongNames, commands);
 }
 
 }  // namespace
@@ -151,7 +161,8 @@ MObject MFnAttribute::parent(MStatus* status) const {
 MStatus MFnAttribute::setParent(const MObject& parent) {
   const auto* rep = api::objectAs<api::AttributeRep>(object_);
   dg::Attribute* above = attributeIn(parent);
-  if (!rep || !above || !above->isCompound() || rep->attribute->parent || above->top().topIndex >= 0)
+  if (!rep || !above || !above->isCompound() || rep->attribute->parent ||
+      above->top().topIndex >= 0)
     return MStatus::kInvalidParameter;
   for (const dg::Attribute* step = above; step; step = step->parent)
     if (step == rep->attribute.get()) return MStatus::kInvalidParameter;  // it would hold itself
@@ -184,13 +195,18 @@ MStatus MFnAttribute::getCategories(MStringArray& categories) const {
   categories.clear();
   const dg::Attribute* attribute = attributeIn(object_);
   if (!attribute) return MStatus::kFailure;
-  for (const std::string& each : api::extrasOf(*attribute).categories) categories.append(api::toMString(each));
+  for (const std::string& each : api::extrasOf(*attribute).categories)
+    categories.append(api::toMString(each));
   return MStatus::kSuccess;
 }
 
-#define HOST_ATTRIBUTE_FLAG(Query, Set, member, how)                                                        \
-  bool MFnAttribute::Query(MStatus* status) const { return api::flag(object_, &dg::Attribute::member, status); } \
-  MStatus MFnAttribute::Set(bool state) { return api::how(object_, &dg::Attribute::member, state); }
+#define HOST_ATTRIBUTE_FLAG(Query, Set, member, how)           \
+  bool MFnAttribute::Query(MStatus* status) const {            \
+    return api::flag(object_, &dg::Attribute::member, status); \
+  }                                                            \
+  MStatus MFnAttribute::Set(bool state) {                      \
+    return api::how(object_, &dg::Attribute::member, state);   \
+  }
 HOST_ATTRIBUTE_FLAG(isReadable, setReadable, readable, setFlagOfAll)
 HOST_ATTRIBUTE_FLAG(isWritable, setWritable, writable, setFlagOfAll)
 HOST_ATTRIBUTE_FLAG(isConnectable, setConnectable, connectable, setFlag)
@@ -210,16 +226,16 @@ HOST_ATTRIBUTE_FLAG(internal, setInternal, internalStorage, setFlagOfAll)
 HOST_ATTRIBUTE_FLAG(usesArrayDataBuilder, setUsesArrayDataBuilder, usesArrayDataBuilder, setFlag)
 #undef HOST_ATTRIBUTE_FLAG
 
-#define HOST_ATTRIBUTE_EXTRA(Query, Set, member)                              \
-  bool MFnAttribute::Query(MStatus* status) const {                           \
-    const dg::Attribute* attribute = attributeIn(object_, status);            \
-    return attribute && api::extrasOf(*attribute).member;                     \
-  }                                                                           \
-  MStatus MFnAttribute::Set(bool state) {                                     \
-    const dg::Attribute* attribute = attributeIn(object_);                    \
-    if (!attribute) return MStatus::kFailure;                                 \
-    api::extrasOf(*attribute).member = state;                                 \
-    return MStatus::kSuccess;                                                 \
+#define HOST_ATTRIBUTE_EXTRA(Query, Set, member)                   \
+  bool MFnAttribute::Query(MStatus* status) const {                \
+    const dg::Attribute* attribute = attributeIn(object_, status); \
+    return attribute && api::extrasOf(*attribute).member;          \
+  }                                                                \
+  MStatus MFnAttribute::Set(bool state) {                          \
+    const dg::Attribute* attribute = attributeIn(object_);         \
+    if (!attribute) return MStatus::kFailure;                      \
+    api::extrasOf(*attribute).member = state;                      \
+    return MStatus::kSuccess;                                      \
   }
 HOST_ATTRIBUTE_EXTRA(isIndeterminant, setIndeterminant, isIndeterminant)
 HOST_ATTRIBUTE_EXTRA(isAffectsWorldSpace, setAffectsWorldSpace, affectsWorldSpace)
@@ -236,9 +252,12 @@ MFnAttribute::DisconnectBehavior MFnAttribute::disconnectBehavior(MStatus* statu
   const dg::Attribute* attribute = attributeIn(object_, status);
   if (!attribute) return kNothing;
   switch (attribute->disconnectBehavior) {
-    case dg::DisconnectBehavior::Delete: return kDelete;
-    case dg::DisconnectBehavior::Reset: return kReset;
-    default: return kNothing;
+    case dg::DisconnectBehavior::Delete:
+      return kDelete;
+    case dg::DisconnectBehavior::Reset:
+      return kReset;
+    default:
+      return kNothing;
   }
 }
 MStatus MFnAttribute::setDisconnectBehavior(DisconnectBehavior behavior) {

@@ -8,6 +8,7 @@ namespace host::api {
 [[nodiscard]] dg::Attribute* attributeIn(const MObject& object, MStatus* status = nullptr);
 
 /// A new attribute's object, or none with the status set when its names can't be used.
-[[nodiscard]] MObject makeAttributeObject(std::shared_ptr<dg::Attribute> attribute, MStatus* status);
+[[nodiscard]] MObject makeAttributeObject(std::shared_ptr<dg::Attribute> attribute,
+                                          MStatus* status);
 
 }  // namespace host::api

@@ -40,7 +40,8 @@ MStatus toSpace(const MDagPath& path, MSpace::Space space, math::Matrix4& matrix
   return MStatus::kSuccess;
 }
 
-MVector direction(const MDagPath& path, const MVector& local, MSpace::Space space, MStatus* status) {
+MVector direction(const MDagPath& path, const MVector& local, MSpace::Space space,
+                  MStatus* status) {
   math::Matrix4 matrix;
   setStatus(status, toSpace(path, space, matrix).statusCode());
   return (local * matrixOf(matrix)).normal();
@@ -61,7 +62,9 @@ viewport::Camera lensOf(const MFnCamera& camera) {
 }
 
 double fieldOfView(double apertureInches, double focalMillimeters) {
-  return focalMillimeters > 0 ? 2 * std::atan(apertureInches * kMillimetersPerInch / (2 * focalMillimeters)) : 0.0;
+  return focalMillimeters > 0
+             ? 2 * std::atan(apertureInches * kMillimetersPerInch / (2 * focalMillimeters))
+             : 0.0;
 }
 
 }  // namespace
@@ -73,12 +76,15 @@ using api::setNumber;
 using api::setPositive;
 using api::setStatus;
 
-MObject MFnCamera::create(MStatus* status) { return create(MObject::kNullObj, status); }
+MObject MFnCamera::create(MStatus* status) {
+  return create(MObject::kNullObj, status);
+}
 MObject MFnCamera::create(const MObject& parent, MStatus* status) {
   const MObject made = MFnDagNode::create(MString("camera"), MString(), parent, status);
   dg::Node* node = api::nodeOf(made);
   // Below no parent the new transform comes back; the set works on the camera.
-  if (node && scene::isTransform(*node)) object_ = api::wrap(scene::firstPath(*node).toShape().node());
+  if (node && scene::isTransform(*node))
+    object_ = api::wrap(scene::firstPath(*node).toShape().node());
   return made;
 }
 
@@ -101,8 +107,12 @@ MPoint MFnCamera::centerOfInterestPoint(MSpace::Space space, MStatus* status) co
   setStatus(status, api::toSpace(path_, space, matrix).statusCode());
   return MPoint(0, 0, -centerOfInterest()) * api::matrixOf(matrix);
 }
-double MFnCamera::centerOfInterest(MStatus* status) const { return number(object_, "centerOfInterest", status); }
-MStatus MFnCamera::setCenterOfInterest(double dist) { return setPositive(object_, "centerOfInterest", dist); }
+double MFnCamera::centerOfInterest(MStatus* status) const {
+  return number(object_, "centerOfInterest", status);
+}
+MStatus MFnCamera::setCenterOfInterest(double dist) {
+  return setPositive(object_, "centerOfInterest", dist);
+}
 MStatus MFnCamera::setCenterOfInterestPoint(const MPoint& point, MSpace::Space space) {
   const MVector offset = point - eyePoint(space);
   const MVector up = upDirection(space);
@@ -112,8 +122,8 @@ MStatus MFnCamera::setCenterOfInterestPoint(const MPoint& point, MSpace::Space s
   const MStatus turned = set(eyePoint(space), offset, up, horizontalFieldOfView(), aspectRatio());
   return turned ? setCenterOfInterest(offset.length()) : turned;
 }
-MStatus MFnCamera::set(const MPoint& wsEyeLocation, const MVector& wsViewDirection, const MVector& wsUpDirection,
-                       double horizFieldOfView, double aspect) {
+MStatus MFnCamera::set(const MPoint& wsEyeLocation, const MVector& wsViewDirection,
+                       const MVector& wsUpDirection, double horizFieldOfView, double aspect) {
   const scene::DagPath path = api::pathOf(path_).transform();
   if (path.isWorld()) return MStatus::kInvalidParameter;
   viewport::Camera placed;
@@ -127,16 +137,25 @@ MStatus MFnCamera::set(const MPoint& wsEyeLocation, const MVector& wsViewDirecti
   return shaped ? setHorizontalFieldOfView(horizFieldOfView) : shaped;
 }
 
-bool MFnCamera::isOrtho(MStatus* status) const { return number(object_, "orthographic", status) != 0; }
-MStatus MFnCamera::setIsOrtho(bool orthoState) { return setNumber(object_, "orthographic", orthoState ? 1 : 0); }
+bool MFnCamera::isOrtho(MStatus* status) const {
+  return number(object_, "orthographic", status) != 0;
+}
+MStatus MFnCamera::setIsOrtho(bool orthoState) {
+  return setNumber(object_, "orthographic", orthoState ? 1 : 0);
+}
 MStatus MFnCamera::setIsOrtho(bool orthoState, double useDist) {
   // The picture keeps its width at that distance.
-  const MStatus status = orthoState ? setOrthoWidth(2 * useDist * std::tan(horizontalFieldOfView() / 2))
-                                    : MStatus(MStatus::kSuccess);
+  const MStatus status = orthoState
+                             ? setOrthoWidth(2 * useDist * std::tan(horizontalFieldOfView() / 2))
+                             : MStatus(MStatus::kSuccess);
   return status ? setIsOrtho(orthoState) : status;
 }
-double MFnCamera::orthoWidth(MStatus* status) const { return number(object_, "orthographicWidth", status); }
-MStatus MFnCamera::setOrthoWidth(double width) { return setPositive(object_, "orthographicWidth", width); }
+double MFnCamera::orthoWidth(MStatus* status) const {
+  return number(object_, "orthographicWidth", status);
+}
+MStatus MFnCamera::setOrthoWidth(double width) {
+  return setPositive(object_, "orthographicWidth", width);
+}
 double MFnCamera::horizontalFieldOfView(MStatus* status) const {
   return api::fieldOfView(horizontalFilmAperture(status), focalLength(status));
 }
@@ -145,15 +164,21 @@ double MFnCamera::verticalFieldOfView(MStatus* status) const {
 }
 MStatus MFnCamera::setHorizontalFieldOfView(double fov) {
   if (!(fov > 0 && fov < M_PI)) return MStatus::kInvalidParameter;
-  return setFocalLength(horizontalFilmAperture() * api::kMillimetersPerInch / (2 * std::tan(fov / 2)));
+  return setFocalLength(horizontalFilmAperture() * api::kMillimetersPerInch /
+                        (2 * std::tan(fov / 2)));
 }
 MStatus MFnCamera::setVerticalFieldOfView(double fov) {
   if (!(fov > 0 && fov < M_PI)) return MStatus::kInvalidParameter;
-  return setFocalLength(verticalFilmAperture() * api::kMillimetersPerInch / (2 * std::tan(fov / 2)));
+  return setFocalLength(verticalFilmAperture() * api::kMillimetersPerInch /
+                        (2 * std::tan(fov / 2)));
 }
-#define HOST_LENS(get, set, attribute)                                                              \
-  double MFnCamera::get(MStatus* status) const { return number(object_, attribute, status); }       \
-  MStatus MFnCamera::set(double value) { return setPositive(object_, attribute, value); }
+#define HOST_LENS(get, set, attribute)             \
+  double MFnCamera::get(MStatus* status) const {   \
+    return number(object_, attribute, status);     \
+  }                                                \
+  MStatus MFnCamera::set(double value) {           \
+    return setPositive(object_, attribute, value); \
+  }
 HOST_LENS(focalLength, setFocalLength, "focalLength")
 HOST_LENS(horizontalFilmAperture, setHorizontalFilmAperture, "horizontalFilmAperture")
 HOST_LENS(verticalFilmAperture, setVerticalFilmAperture, "verticalFilmAperture")
@@ -162,14 +187,19 @@ HOST_LENS(cameraScale, setCameraScale, "cameraScale")
 HOST_LENS(nearClippingPlane, setNearClippingPlane, "nearClipPlane")
 HOST_LENS(farClippingPlane, setFarClippingPlane, "farClipPlane")
 #undef HOST_LENS
-double MFnCamera::horizontalFilmOffset(MStatus* status) const { return number(object_, "horizontalFilmOffset", status); }
-double MFnCamera::verticalFilmOffset(MStatus* status) const { return number(object_, "verticalFilmOffset", status); }
+double MFnCamera::horizontalFilmOffset(MStatus* status) const {
+  return number(object_, "horizontalFilmOffset", status);
+}
+double MFnCamera::verticalFilmOffset(MStatus* status) const {
+  return number(object_, "verticalFilmOffset", status);
+}
 MFnCamera::FilmFit MFnCamera::filmFit(MStatus* status) const {
   const auto fit = static_cast<int>(number(object_, "filmFit", status));
   return fit >= 0 && fit < kInvalid ? static_cast<FilmFit>(fit) : kInvalid;
 }
 MStatus MFnCamera::setFilmFit(FilmFit fit) {
-  return fit >= 0 && fit < kInvalid ? setNumber(object_, "filmFit", fit) : MStatus(MStatus::kInvalidParameter);
+  return fit >= 0 && fit < kInvalid ? setNumber(object_, "filmFit", fit)
+                                    : MStatus(MStatus::kInvalidParameter);
 }
 double MFnCamera::aspectRatio(MStatus* status) const {
   const double vertical = verticalFilmAperture(status);
@@ -179,14 +209,18 @@ MStatus MFnCamera::setAspectRatio(double ratio) {
   if (!(ratio > 0) || !std::isfinite(ratio)) return MStatus::kInvalidParameter;
   return setVerticalFilmAperture(horizontalFilmAperture() * lensSqueezeRatio() / ratio);
 }
-double MFnCamera::lensSqueezeRatio(MStatus* status) const { return number(object_, "lensSqueezeRatio", status); }
+double MFnCamera::lensSqueezeRatio(MStatus* status) const {
+  return number(object_, "lensSqueezeRatio", status);
+}
 
-MStatus MFnCamera::getViewingFrustum(double windowAspect, double& left, double& right, double& bottom, double& top,
-                                     bool applyOverscan, bool, bool) const {
+MStatus MFnCamera::getViewingFrustum(double windowAspect, double& left, double& right,
+                                     double& bottom, double& top, bool applyOverscan, bool,
+                                     bool) const {
   if (object_.isNull() || !(windowAspect > 0)) return MStatus::kInvalidParameter;
   const viewport::Camera lens = api::lensOf(*this);
   const viewport::ViewExtents extents = viewport::viewExtents(lens, windowAspect);
-  const double scale = (lens.orthographic ? 1.0 : lens.nearClip) * (applyOverscan ? overscan() : 1.0);
+  const double scale =
+      (lens.orthographic ? 1.0 : lens.nearClip) * (applyOverscan ? overscan() : 1.0);
   right = extents.halfWidth * scale;
   top = extents.halfHeight * scale;
   left = -right;
@@ -199,7 +233,8 @@ MFloatMatrix MFnCamera::projectionMatrix(MStatus* status) const {
   if (object_.isNull()) return result;
   const math::Matrix4 matrix = viewport::projectionMatrix(api::lensOf(*this), aspectRatio());
   for (int row = 0; row < 4; ++row)
-    for (int column = 0; column < 4; ++column) result.matrix[row][column] = static_cast<float>(matrix.m[row][column]);
+    for (int column = 0; column < 4; ++column)
+      result.matrix[row][column] = static_cast<float>(matrix.m[row][column]);
   return result;
 }
 double MFnCamera::tumblePivotDistance(MStatus* status) const {

@@ -25,7 +25,8 @@ std::size_t countOf(ComponentRep& rep) {
 
 MObject makeComponent(MFn::Type wanted, bool isDouble, MStatus* status) {
   scene::ComponentType type = scene::ComponentType::Vertex;
-  const bool isKnown = toComponentType(wanted, type) && (type == scene::ComponentType::VertexFace) == isDouble;
+  const bool isKnown =
+      toComponentType(wanted, type) && (type == scene::ComponentType::VertexFace) == isDouble;
   setStatus(status, isKnown ? MStatus::kSuccess : MStatus::kInvalidParameter);
   return isKnown ? wrap(scene::Component(type)) : MObject();
 }
@@ -75,16 +76,20 @@ MStatus MFnComponent::setComplete(bool complete) {
                          : scene::Component(type, rep->component.expanded(rep->completeCount));
   return MStatus::kSuccess;
 }
-bool MFnComponent::hasWeights() const { return false; }
+bool MFnComponent::hasWeights() const {
+  return false;
+}
 MWeight MFnComponent::weight(int index, MStatus* status) const {
   const bool isThere = index >= 0 && index < elementCount(status);
   setStatus(status, isThere ? MStatus::kSuccess : MStatus::kInvalidParameter);
   return {};
 }
-// Component lists here say which, not how much: only the weight that every component has is accepted.
+// Component lists here say which, not how much: only the weight that every component has is
+// accepted.
 MStatus MFnComponent::setWeight(int index, const MWeight& weight) {
   if (index < 0 || index >= elementCount()) return MStatus::kInvalidParameter;
-  return weight.influence() == 1.0f && weight.seam() == 1.0f ? MStatus::kSuccess : MStatus::kFailure;
+  return weight.influence() == 1.0f && weight.seam() == 1.0f ? MStatus::kSuccess
+                                                             : MStatus::kFailure;
 }
 
 MObject MFnSingleIndexedComponent::create(MFn::Type componentType, MStatus* status) {
@@ -112,14 +117,16 @@ int MFnSingleIndexedComponent::element(int index, MStatus* status) const {
     setStatus(status, MStatus::kInvalidParameter);
     return 0;
   }
-  return rep->component.isComplete() ? index : rep->component.indices()[static_cast<std::size_t>(index)];
+  return rep->component.isComplete() ? index
+                                     : rep->component.indices()[static_cast<std::size_t>(index)];
 }
 MStatus MFnSingleIndexedComponent::getElements(MIntArray& elements) const {
   elements.clear();
   auto* rep = componentIn(object_);
   if (!rep) return MStatus::kFailure;
   const scene::Component& component = rep->settled();
-  const std::vector<Index> all = component.isComplete() ? component.expanded(rep->completeCount) : std::vector<Index>();
+  const std::vector<Index> all =
+      component.isComplete() ? component.expanded(rep->completeCount) : std::vector<Index>();
   const auto indices = component.isComplete() ? std::span<const Index>(all) : component.indices();
   elements = MIntArray(indices.data(), static_cast<unsigned int>(indices.size()));
   return MStatus::kSuccess;
@@ -145,9 +152,11 @@ MObject MFnDoubleIndexedComponent::create(MFn::Type componentType, MStatus* stat
 MStatus MFnDoubleIndexedComponent::addElement(int uIndex, int vIndex) {
   return addElements(MIntArray(1u, uIndex), MIntArray(1u, vIndex));
 }
-MStatus MFnDoubleIndexedComponent::addElements(const MIntArray& uIndices, const MIntArray& vIndices) {
+MStatus MFnDoubleIndexedComponent::addElements(const MIntArray& uIndices,
+                                               const MIntArray& vIndices) {
   auto* rep = componentIn(object_);
-  if (!rep || rep->component.type() != scene::ComponentType::VertexFace || uIndices.length() != vIndices.length())
+  if (!rep || rep->component.type() != scene::ComponentType::VertexFace ||
+      uIndices.length() != vIndices.length())
     return MStatus::kInvalidParameter;
   std::vector<scene::Component::VertexFace> pairs;
   for (unsigned int i = 0; i < uIndices.length(); ++i) {
@@ -161,7 +170,8 @@ MStatus MFnDoubleIndexedComponent::getElement(int index, int& uIndex, int& vInde
   auto* rep = componentIn(object_);
   if (!rep) return MStatus::kFailure;
   const auto pairs = rep->settled().pairs();
-  if (index < 0 || static_cast<std::size_t>(index) >= pairs.size()) return MStatus::kInvalidParameter;
+  if (index < 0 || static_cast<std::size_t>(index) >= pairs.size())
+    return MStatus::kInvalidParameter;
   uIndex = pairs[static_cast<std::size_t>(index)].vertex;
   vIndex = pairs[static_cast<std::size_t>(index)].face;
   return MStatus::kSuccess;
@@ -177,24 +187,38 @@ MStatus MFnDoubleIndexedComponent::getElements(MIntArray& uIndices, MIntArray& v
   }
   return MStatus::kSuccess;
 }
-// A complete list of face corners has no two sizes to speak of: how many there are follows from the mesh.
-MStatus MFnDoubleIndexedComponent::setCompleteData(int, int) { return setComplete(true); }
-MStatus MFnDoubleIndexedComponent::getCompleteData(int&, int&) const { return MStatus::kFailure; }
+// A complete list of face corners has no two sizes to speak of: how many there are follows from the
+// mesh.
+MStatus MFnDoubleIndexedComponent::setCompleteData(int, int) {
+  return setComplete(true);
+}
+MStatus MFnDoubleIndexedComponent::getCompleteData(int&, int&) const {
+  return MStatus::kFailure;
+}
 
 MObject MFnTripleIndexedComponent::create(MFn::Type, MStatus* status) {
   setStatus(status, api::refuseTriple().statusCode());
   return object_ = MObject();
 }
-MStatus MFnTripleIndexedComponent::addElement(int, int, int) { return api::refuseTriple(); }
-MStatus MFnTripleIndexedComponent::addElements(const MIntArray&, const MIntArray&, const MIntArray&) {
+MStatus MFnTripleIndexedComponent::addElement(int, int, int) {
   return api::refuseTriple();
 }
-MStatus MFnTripleIndexedComponent::getElement(int, int&, int&, int&) const { return api::refuseTriple(); }
+MStatus MFnTripleIndexedComponent::addElements(const MIntArray&, const MIntArray&,
+                                               const MIntArray&) {
+  return api::refuseTriple();
+}
+MStatus MFnTripleIndexedComponent::getElement(int, int&, int&, int&) const {
+  return api::refuseTriple();
+}
 MStatus MFnTripleIndexedComponent::getElements(MIntArray& s, MIntArray& t, MIntArray& u) const {
   s.clear();
   t.clear();
   u.clear();
   return api::refuseTriple();
 }
-MStatus MFnTripleIndexedComponent::setCompleteData(int, int, int) { return api::refuseTriple(); }
-MStatus MFnTripleIndexedComponent::getCompleteData(int&, int&, int&) const { return api::refuseTriple(); }
+MStatus MFnTripleIndexedComponent::setCompleteData(int, int, int) {
+  return api::refuseTriple();
+}
+MStatus MFnTripleIndexedComponent::getCompleteData(int&, int&, int&) const {
+  return api::refuseTriple();
+}

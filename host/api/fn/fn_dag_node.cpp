@@ -17,7 +17,8 @@ dg::Node* dagNodeIn(const MObject& object, MStatus* status) {
 }
 
 /// Below a parent; a shape without one gets a transform, which is what is returned then.
-MObject createBelow(const dg::NodeType* type, const MString& name, const MObject& parent, MStatus* status) {
+MObject createBelow(const dg::NodeType* type, const MString& name, const MObject& parent,
+                    MStatus* status) {
   dg::Node* above = parent.isNull() ? nullptr : nodeOf(parent);
   if (!type || !type->isA("dagNode") || (!parent.isNull() && !above)) {
     setStatus(status, MStatus::kInvalidParameter);
@@ -61,12 +62,15 @@ using api::wrap;
 void MFnDagNode::attach(const MDagPath& path, MStatus* status) {
   MDagPath target = path;
   // A set for shapes given a transform works on the shape below it.
-  if (type() != MFn::kDagNode && type() != MFn::kTransform && !target.node().hasFn(type())) target.extendToShape();
+  if (type() != MFn::kDagNode && type() != MFn::kTransform && !target.node().hasFn(type()))
+    target.extendToShape();
   MFnBase::attach(target.node(), status);
   path_ = object_.isNull() ? MDagPath() : target;
 }
 
-MStatus MFnDagNode::setObject(MObject& object) { return setObject(static_cast<const MObject&>(object)); }
+MStatus MFnDagNode::setObject(MObject& object) {
+  return setObject(static_cast<const MObject&>(object));
+}
 MStatus MFnDagNode::setObject(const MObject& object) {
   path_ = MDagPath();
   return MFnBase::setObject(object);
@@ -77,14 +81,18 @@ MStatus MFnDagNode::setObject(const MDagPath& path) {
   return status;
 }
 
-MObject MFnDagNode::create(const MTypeId& typeId, const MString& name, const MObject& parent, MStatus* status) {
-  return object_ = api::createBelow(api::document().types().find(typeId.id()), name, parent, status);
+MObject MFnDagNode::create(const MTypeId& typeId, const MString& name, const MObject& parent,
+                           MStatus* status) {
+  return object_ =
+             api::createBelow(api::document().types().find(typeId.id()), name, parent, status);
 }
 MObject MFnDagNode::create(const MTypeId& typeId, MObject& parent, MStatus* status) {
   return create(typeId, MString(), parent, status);
 }
-MObject MFnDagNode::create(const MString& type, const MString& name, const MObject& parent, MStatus* status) {
-  return object_ = api::createBelow(api::document().types().find(type.asChar()), name, parent, status);
+MObject MFnDagNode::create(const MString& type, const MString& name, const MObject& parent,
+                           MStatus* status) {
+  return object_ =
+             api::createBelow(api::document().types().find(type.asChar()), name, parent, status);
 }
 MObject MFnDagNode::create(const MString& type, MObject& parent, MStatus* status) {
   return create(type, MString(), parent, status);
@@ -122,7 +130,8 @@ MStatus MFnDagNode::removeChild(MObject& child) {
   for (const scene::DagPath& path : scene::allPaths(*below)) {
     if (path.parent().node() != node) continue;
     const bool isLast = scene::dagLinks(*below).parents.size() == 1;
-    return api::toStatus(isLast ? api::document().reparent(path, nullptr) : api::document().removeInstance(path));
+    return api::toStatus(isLast ? api::document().reparent(path, nullptr)
+                                : api::document().removeInstance(path));
   }
   return MStatus::kInvalidParameter;
 }
@@ -181,7 +190,9 @@ bool MFnDagNode::inModel(MStatus* status) const {
   const dg::Node* node = dagNodeIn(object_, status);
   return node && node->isAlive();
 }
-bool MFnDagNode::isInstanceable(MStatus* status) const { return dagNodeIn(object_, status) != nullptr; }
+bool MFnDagNode::isInstanceable(MStatus* status) const {
+  return dagNodeIn(object_, status) != nullptr;
+}
 bool MFnDagNode::isInstanced(bool indirect, MStatus* status) const {
   const dg::Node* node = dagNodeIn(object_, status);
   if (!node) return false;
@@ -195,14 +206,17 @@ bool MFnDagNode::isInstancedAttribute(const MObject& attribute, MStatus* status)
 unsigned int MFnDagNode::instanceCount(bool total, MStatus* status) const {
   const dg::Node* node = dagNodeIn(object_, status);
   if (!node) return 0;
-  return static_cast<unsigned int>(total ? scene::allPaths(*node).size() : scene::dagLinks(*node).parents.size());
+  return static_cast<unsigned int>(total ? scene::allPaths(*node).size()
+                                         : scene::dagLinks(*node).parents.size());
 }
 
 MObject MFnDagNode::duplicate(bool instance, bool, MStatus* status) const {
   dg::Node* node = dagNodeIn(object_, status);
   if (!node) return MObject();
-  const std::string path = (api::pathOf(path_).isWorld() ? scene::firstPath(*node) : api::pathOf(path_)).fullName();
-  const auto made = cmd::currentSession().executeLine((instance ? "instance " : "duplicate ") + path, {.undo = false});
+  const std::string path =
+      (api::pathOf(path_).isWorld() ? scene::firstPath(*node) : api::pathOf(path_)).fullName();
+  const auto made = cmd::currentSession().executeLine(
+      (instance ? "instance " : "duplicate ") + path, {.undo = false});
   setStatus(status, api::toStatus(made).statusCode());
   if (!made || made->toTexts().empty()) return MObject();
   const auto found = api::document().node(made->toTexts().front());
@@ -215,7 +229,9 @@ MStatus MFnDagNode::getPath(MDagPath& path) {
   if (status) return status;
   return MDagPath::getAPathTo(object_, path);
 }
-MStatus MFnDagNode::getAllPaths(MDagPathArray& paths) { return MDagPath::getAllPathsTo(object_, paths); }
+MStatus MFnDagNode::getAllPaths(MDagPathArray& paths) {
+  return MDagPath::getAllPathsTo(object_, paths);
+}
 MDagPath MFnDagNode::dagPath(MStatus* status) const {
   setStatus(status, api::pathOf(path_).isWorld() ? MStatus::kFailure : MStatus::kSuccess);
   return path_;

@@ -52,12 +52,16 @@ MObject MFnDependencyNode::create(const MTypeId& typeId, const MString& name, MS
   object_ = api::createNamed(api::document().types().find(typeId.id()), name, status);
   return object_;
 }
-MObject MFnDependencyNode::create(const MTypeId& typeId, MStatus* status) { return create(typeId, MString(), status); }
+MObject MFnDependencyNode::create(const MTypeId& typeId, MStatus* status) {
+  return create(typeId, MString(), status);
+}
 MObject MFnDependencyNode::create(const MString& type, const MString& name, MStatus* status) {
   object_ = api::createNamed(api::document().types().find(type.asChar()), name, status);
   return object_;
 }
-MObject MFnDependencyNode::create(const MString& type, MStatus* status) { return create(type, MString(), status); }
+MObject MFnDependencyNode::create(const MString& type, MStatus* status) {
+  return create(type, MString(), status);
+}
 
 MTypeId MFnDependencyNode::typeId(MStatus* status) const {
   const dg::Node* node = nodeIn(object_, status);
@@ -78,7 +82,8 @@ MString MFnDependencyNode::absoluteName(MStatus* status) const {
 MString MFnDependencyNode::uniqueName(MStatus* status) const {
   const dg::Node* node = nodeIn(object_, status);
   if (!node) return MString();
-  return api::toMString(scene::isDagNode(*node) ? scene::firstPath(*node).partialName() : node->name());
+  return api::toMString(scene::isDagNode(*node) ? scene::firstPath(*node).partialName()
+                                                : node->name());
 }
 bool MFnDependencyNode::hasUniqueName(MStatus* status) const {
   const dg::Node* node = nodeIn(object_, status);
@@ -91,7 +96,9 @@ MString MFnDependencyNode::setName(const MString& name, MStatus* status) {
   setStatus(status, api::toStatus(renamed).statusCode());
   return api::toMString(node->name());
 }
-MString MFnDependencyNode::setName(const MString& name, bool, MStatus* status) { return setName(name, status); }
+MString MFnDependencyNode::setName(const MString& name, bool, MStatus* status) {
+  return setName(name, status);
+}
 MString MFnDependencyNode::pluginName(MStatus* status) const {
   const dg::Node* node = nodeIn(object_, status);
   return node ? api::toMString(node->type().pluginName) : MString();
@@ -140,7 +147,8 @@ MObject MFnDependencyNode::attribute(const MString& name, MStatus* status) const
   setStatus(status, found ? MStatus::kSuccess : MStatus::kInvalidParameter);
   return wrap(found);
 }
-MFnDependencyNode::MAttrClass MFnDependencyNode::attributeClass(const MObject& attribute, MStatus* status) const {
+MFnDependencyNode::MAttrClass MFnDependencyNode::attributeClass(const MObject& attribute,
+                                                                MStatus* status) const {
   const dg::Attribute* description = api::attributeOf(attribute);
   setStatus(status, description ? MStatus::kSuccess : MStatus::kInvalidParameter);
   if (!description) return kInvalidAttr;
@@ -150,22 +158,26 @@ bool MFnDependencyNode::hasAttribute(const MString& name, MStatus* status) const
   const dg::Node* node = nodeIn(object_, status);
   return node && node->findAttribute(name.asChar()) != nullptr;
 }
-MStatus MFnDependencyNode::getAffectedAttributes(const MObject& attribute, MObjectArray& affected) const {
+MStatus MFnDependencyNode::getAffectedAttributes(const MObject& attribute,
+                                                 MObjectArray& affected) const {
   affected.clear();
   const dg::Attribute* description = api::attributeOf(attribute);
   const dg::Node* node = api::nodeOf(object_);
   if (!description || !node) return MStatus::kInvalidParameter;
-  for (const dg::Attribute* target : node->type().affected(description)) affected.append(wrap(target));
+  for (const dg::Attribute* target : node->type().affected(description))
+    affected.append(wrap(target));
   return MStatus::kSuccess;
 }
-MStatus MFnDependencyNode::getAffectedByAttributes(const MObject& attribute, MObjectArray& affecting) const {
+MStatus MFnDependencyNode::getAffectedByAttributes(const MObject& attribute,
+                                                   MObjectArray& affecting) const {
   affecting.clear();
   const dg::Attribute* description = api::attributeOf(attribute);
   const dg::Node* node = api::nodeOf(object_);
   if (!description || !node) return MStatus::kInvalidParameter;
   for (const dg::Attribute* source : api::allAttributes(*node)) {
     const auto& targets = node->type().affected(source);
-    if (std::find(targets.begin(), targets.end(), description) != targets.end()) affecting.append(wrap(source));
+    if (std::find(targets.begin(), targets.end(), description) != targets.end())
+      affecting.append(wrap(source));
   }
   return MStatus::kSuccess;
 }
@@ -185,12 +197,15 @@ MPlug MFnDependencyNode::findPlug(const MObject& attribute, MStatus* status) con
 MPlug MFnDependencyNode::findPlug(const MString& name, bool, MStatus* status) const {
   dg::Node* node = nodeIn(object_, status);
   if (!node) return MPlug();
-  if (const dg::Attribute* description = node->findAttribute(name.asChar())) return wrap(dg::Plug(node, description));
+  if (const dg::Attribute* description = node->findAttribute(name.asChar()))
+    return wrap(dg::Plug(node, description));
   const auto found = dg::parsePlug(*node, name.asChar());
   setStatus(status, found ? MStatus::kSuccess : MStatus::kInvalidParameter);
   return found ? wrap(*found) : MPlug();
 }
-MPlug MFnDependencyNode::findPlug(const MString& name, MStatus* status) const { return findPlug(name, false, status); }
+MPlug MFnDependencyNode::findPlug(const MString& name, MStatus* status) const {
+  return findPlug(name, false, status);
+}
 
 MStatus MFnDependencyNode::addAttribute(const MObject& attribute, MAttrClass) {
   dg::Node* node = api::nodeOf(object_);
@@ -206,7 +221,8 @@ MStatus MFnDependencyNode::removeAttribute(const MObject& attribute, MAttrClass)
   return api::toStatus(node->graph().removeAttribute(*node, description));
 }
 
-bool MFnDependencyNode::setAlias(const MString& alias, const MString&, const MPlug& plug, bool add, MStatus* status) {
+bool MFnDependencyNode::setAlias(const MString& alias, const MString&, const MPlug& plug, bool add,
+                                 MStatus* status) {
   const dg::Plug inner = api::plugOf(plug);
   if (inner.isNull()) {
     setStatus(status, MStatus::kInvalidParameter);
@@ -237,7 +253,9 @@ bool MFnDependencyNode::isDefaultNode(MStatus* status) const {
   const dg::Node* node = nodeIn(object_, status);
   return node && node->isDefault();
 }
-bool MFnDependencyNode::isShared(MStatus* status) const { return isDefaultNode(status); }
+bool MFnDependencyNode::isShared(MStatus* status) const {
+  return isDefaultNode(status);
+}
 bool MFnDependencyNode::isLocked(MStatus* status) const {
   const dg::Node* node = nodeIn(object_, status);
   return node && node->isLocked();

@@ -25,7 +25,8 @@ void collectAliases(dg::Node& node, const dg::Plug& plug, MStringArray& pairs) {
     pairs.append(api::toMString(plug.attributePath()));
   }
   if (plug.isArray())
-    for (const Index index : node.graph().elementIndices(plug)) collectAliases(node, plug.element(index), pairs);
+    for (const Index index : node.graph().elementIndices(plug))
+      collectAliases(node, plug.element(index), pairs);
   else if (plug.isCompound())
     for (const dg::AttributePtr& child : plug.attribute()->children)
       collectAliases(node, plug.child(child.get()), pairs);

@@ -10,25 +10,29 @@ namespace {
 
 using Bound = std::optional<double> dg::Attribute::*;
 
-std::shared_ptr<dg::Attribute> makeNumbers(const MString& fullName, const MString& briefName, const NumericKind& kind,
-                                           double defaultValue, const char* longSuffixes, const char* shortSuffixes) {
-  const std::string longName = toStd(fullName), shortName = briefName.length() ? toStd(briefName) : longName;
+std::shared_ptr<dg::Attribute> makeNumbers(const MString& fullName, const MString& briefName,
+                                           const NumericKind& kind, double defaultValue,
+                                           const char* longSuffixes, const char* shortSuffixes) {
+  const std::string longName = toStd(fullName),
+                    shortName = briefName.length() ? toStd(briefName) : longName;
   if (kind.count == 1) return dg::makeAttribute(longName, shortName, kind.leaf, defaultValue);
   std::vector<dg::AttributePtr> children;
   for (int i = 0; i < kind.count; ++i)
-    children.push_back(
-        dg::makeAttribute(longName + longSuffixes[i], shortName + shortSuffixes[i], kind.leaf, defaultValue));
+    children.push_back(dg::makeAttribute(longName + longSuffixes[i], shortName + shortSuffixes[i],
+                                         kind.leaf, defaultValue));
   auto attribute = dg::makeCompound(longName, shortName, std::move(children));
   attribute->compoundType = kind.compound;
   return attribute;
 }
 
-/// The word for a compound of children like the first one; empty when they are no pair, triple or quadruple of a kind.
+/// The word for a compound of children like the first one; empty when they are no pair, triple or
+/// quadruple of a kind.
 std::string_view compoundOf(const std::vector<dg::AttributePtr>& children) {
   dg::AttributeType type = children.front()->type;
   for (const dg::AttributePtr& child : children)
     if (child->type != type || child->isArray) return {};
-  if (type == dg::AttributeType::Distance || type == dg::AttributeType::Angle || type == dg::AttributeType::Time)
+  if (type == dg::AttributeType::Distance || type == dg::AttributeType::Angle ||
+      type == dg::AttributeType::Time)
     type = dg::AttributeType::Double;
   for (int each = MFnNumericData::kBoolean; each < MFnNumericData::kLast; ++each) {
     NumericKind kind;
@@ -39,13 +43,14 @@ std::string_view compoundOf(const std::vector<dg::AttributePtr>& children) {
   return {};
 }
 
-MObject makeOfChildren(const MString& fullName, const MString& briefName, std::initializer_list<const MObject*> parts,
-                       MStatus* status) {
+MObject makeOfChildren(const MString& fullName, const MString& briefName,
+                       std::initializer_list<const MObject*> parts, MStatus* status) {
   std::vector<dg::AttributePtr> children;
   for (const MObject* part : parts) {
     if (part->isNull()) continue;
     const auto* rep = objectAs<AttributeRep>(*part);
-    if (!rep || rep->attribute->parent || rep->attribute->topIndex >= 0 || !rep->attribute->isNumeric()) {
+    if (!rep || rep->attribute->parent || rep->attribute->topIndex >= 0 ||
+        !rep->attribute->isNumeric()) {
       setStatus(status, MStatus::kInvalidParameter);
       return MObject();
     }
@@ -75,8 +80,10 @@ std::vector<dg::Attribute*> leaves(const MObject& object) {
 /// One value for all parts, or one a part.
 MStatus setBound(const MObject& object, Bound bound, std::initializer_list<double> values) {
   const auto parts = leaves(object);
-  if (parts.empty() || (values.size() != 1 && values.size() != parts.size())) return MStatus::kInvalidParameter;
-  for (std::size_t i = 0; i < parts.size(); ++i) parts[i]->*bound = values.begin()[values.size() == 1 ? 0 : i];
+  if (parts.empty() || (values.size() != 1 && values.size() != parts.size()))
+    return MStatus::kInvalidParameter;
+  for (std::size_t i = 0; i < parts.size(); ++i)
+    parts[i]->*bound = values.begin()[values.size() == 1 ? 0 : i];
   return MStatus::kSuccess;
 }
 
@@ -99,7 +106,8 @@ bool hasBound(const MObject& object, Bound bound, MStatus* status) {
 template <class T>
 MStatus setDefaults(const MObject& object, std::initializer_list<T> values) {
   const auto parts = leaves(object);
-  if (parts.empty() || (values.size() != 1 && values.size() != parts.size())) return MStatus::kInvalidParameter;
+  if (parts.empty() || (values.size() != 1 && values.size() != parts.size()))
+    return MStatus::kInvalidParameter;
   for (std::size_t i = 0; i < parts.size(); ++i)
     parts[i]->defaultValue = static_cast<double>(values.begin()[values.size() == 1 ? 0 : i]);
   return MStatus::kSuccess;
@@ -112,7 +120,8 @@ MStatus getDefaults(const MObject& object, std::initializer_list<T*> values) {
   for (std::size_t i = 0; i < values.size(); ++i) {
     const dg::Value value = parts[i]->initialValue();
     if (const auto* real = std::get_if<double>(&value)) *values.begin()[i] = static_cast<T>(*real);
-    if (const auto* integer = std::get_if<std::int64_t>(&value)) *values.begin()[i] = static_cast<T>(*integer);
+    if (const auto* integer = std::get_if<std::int64_t>(&value))
+      *values.begin()[i] = static_cast<T>(*integer);
   }
   return MStatus::kSuccess;
 }
@@ -128,8 +137,9 @@ using api::setBound;
 using api::setDefaults;
 using api::setStatus;
 
-MObject MFnNumericAttribute::create(const MString& fullName, const MString& briefName, MFnNumericData::Type unitType,
-                                    double defaultValue, MStatus* status) {
+MObject MFnNumericAttribute::create(const MString& fullName, const MString& briefName,
+                                    MFnNumericData::Type unitType, double defaultValue,
+                                    MStatus* status) {
   api::NumericKind kind;
   if (!api::numericKind(unitType, kind)) {
     setStatus(status, MStatus::kInvalidParameter);
@@ -138,32 +148,40 @@ MObject MFnNumericAttribute::create(const MString& fullName, const MString& brie
   return object_ = api::makeAttributeObject(
              api::makeNumbers(fullName, briefName, kind, defaultValue, "0123", "0123"), status);
 }
-MObject MFnNumericAttribute::create(const MString& fullName, const MString& briefName, const MObject& child1,
-                                    const MObject& child2, const MObject& child3, MStatus* status) {
+MObject MFnNumericAttribute::create(const MString& fullName, const MString& briefName,
+                                    const MObject& child1, const MObject& child2,
+                                    const MObject& child3, MStatus* status) {
   return object_ = api::makeOfChildren(fullName, briefName, {&child1, &child2, &child3}, status);
 }
-MObject MFnNumericAttribute::create(const MString& fullName, const MString& briefName, const MObject& child1,
-                                    const MObject& child2, const MObject& child3, const MObject& child4,
-                                    MStatus* status) {
-  return object_ = api::makeOfChildren(fullName, briefName, {&child1, &child2, &child3, &child4}, status);
+MObject MFnNumericAttribute::create(const MString& fullName, const MString& briefName,
+                                    const MObject& child1, const MObject& child2,
+                                    const MObject& child3, const MObject& child4, MStatus* status) {
+  return object_ =
+             api::makeOfChildren(fullName, briefName, {&child1, &child2, &child3, &child4}, status);
 }
-MObject MFnNumericAttribute::createColor(const MString& fullName, const MString& briefName, MStatus* status) {
-  auto attribute =
-      api::makeNumbers(fullName, briefName, {dg::AttributeType::Float, 3, "float3"}, 0, "RGB", "rgb");
+MObject MFnNumericAttribute::createColor(const MString& fullName, const MString& briefName,
+                                         MStatus* status) {
+  auto attribute = api::makeNumbers(fullName, briefName, {dg::AttributeType::Float, 3, "float3"}, 0,
+                                    "RGB", "rgb");
   attribute->usedAsColor = true;
   return object_ = api::makeAttributeObject(std::move(attribute), status);
 }
-MObject MFnNumericAttribute::createPoint(const MString& fullName, const MString& briefName, MStatus* status) {
+MObject MFnNumericAttribute::createPoint(const MString& fullName, const MString& briefName,
+                                         MStatus* status) {
   return object_ = api::makeAttributeObject(
-             api::makeNumbers(fullName, briefName, {dg::AttributeType::Float, 3, "float3"}, 0, "XYZ", "xyz"), status);
+             api::makeNumbers(fullName, briefName, {dg::AttributeType::Float, 3, "float3"}, 0,
+                              "XYZ", "xyz"),
+             status);
 }
-MObject MFnNumericAttribute::createAddr(const MString& fullName, const MString& briefName, MStatus* status) {
+MObject MFnNumericAttribute::createAddr(const MString& fullName, const MString& briefName,
+                                        MStatus* status) {
   return createAddr(fullName, briefName, nullptr, status);
 }
-MObject MFnNumericAttribute::createAddr(const MString& fullName, const MString& briefName, void* defaultValue,
-                                        MStatus* status) {
+MObject MFnNumericAttribute::createAddr(const MString& fullName, const MString& briefName,
+                                        void* defaultValue, MStatus* status) {
   const auto address = static_cast<std::int64_t>(reinterpret_cast<std::intptr_t>(defaultValue));
-  auto attribute = dg::makeAttribute(api::toStd(fullName), api::toStd(briefName), dg::AttributeType::Int64, address);
+  auto attribute = dg::makeAttribute(api::toStd(fullName), api::toStd(briefName),
+                                     dg::AttributeType::Int64, address);
   attribute->storable = false;  // an address means nothing in a file
   return object_ = api::makeAttributeObject(std::move(attribute), status);
 }
@@ -180,33 +198,39 @@ MFnNumericData::Type MFnNumericAttribute::unitType(MStatus* status) const {
   return attribute ? api::numericTypeOf(*attribute) : MFnNumericData::kInvalid;
 }
 
-bool MFnNumericAttribute::hasMin(MStatus* status) const { return hasBound(object_, &dg::Attribute::minimum, status); }
-bool MFnNumericAttribute::hasMax(MStatus* status) const { return hasBound(object_, &dg::Attribute::maximum, status); }
+bool MFnNumericAttribute::hasMin(MStatus* status) const {
+  return hasBound(object_, &dg::Attribute::minimum, status);
+}
+bool MFnNumericAttribute::hasMax(MStatus* status) const {
+  return hasBound(object_, &dg::Attribute::maximum, status);
+}
 bool MFnNumericAttribute::hasSoftMin(MStatus* status) const {
   return hasBound(object_, &dg::Attribute::softMinimum, status);
 }
 bool MFnNumericAttribute::hasSoftMax(MStatus* status) const {
   return hasBound(object_, &dg::Attribute::softMaximum, status);
 }
-#define HOST_BOUNDS(Side, member)                                                                          \
-  MStatus MFnNumericAttribute::get##Side(double& a) const {                                                \
-    return getBound(object_, &dg::Attribute::member, {&a});                                                \
-  }                                                                                                        \
-  MStatus MFnNumericAttribute::get##Side(double& a, double& b) const {                                     \
-    return getBound(object_, &dg::Attribute::member, {&a, &b});                                            \
-  }                                                                                                        \
-  MStatus MFnNumericAttribute::get##Side(double& a, double& b, double& c) const {                          \
-    return getBound(object_, &dg::Attribute::member, {&a, &b, &c});                                        \
-  }                                                                                                        \
-  MStatus MFnNumericAttribute::set##Side(double a) { return setBound(object_, &dg::Attribute::member, {a}); } \
-  MStatus MFnNumericAttribute::set##Side(double a, double b) {                                             \
-    return setBound(object_, &dg::Attribute::member, {a, b});                                              \
-  }                                                                                                        \
-  MStatus MFnNumericAttribute::set##Side(double a, double b, double c) {                                   \
-    return setBound(object_, &dg::Attribute::member, {a, b, c});                                           \
-  }                                                                                                        \
-  MStatus MFnNumericAttribute::set##Side(double a, double b, double c, double d) {                         \
-    return setBound(object_, &dg::Attribute::member, {a, b, c, d});                                        \
+#define HOST_BOUNDS(Side, member)                                                  \
+  MStatus MFnNumericAttribute::get##Side(double& a) const {                        \
+    return getBound(object_, &dg::Attribute::member, {&a});                        \
+  }                                                                                \
+  MStatus MFnNumericAttribute::get##Side(double& a, double& b) const {             \
+    return getBound(object_, &dg::Attribute::member, {&a, &b});                    \
+  }                                                                                \
+  MStatus MFnNumericAttribute::get##Side(double& a, double& b, double& c) const {  \
+    return getBound(object_, &dg::Attribute::member, {&a, &b, &c});                \
+  }                                                                                \
+  MStatus MFnNumericAttribute::set##Side(double a) {                               \
+    return setBound(object_, &dg::Attribute::member, {a});                         \
+  }                                                                                \
+  MStatus MFnNumericAttribute::set##Side(double a, double b) {                     \
+    return setBound(object_, &dg::Attribute::member, {a, b});                      \
+  }                                                                                \
+  MStatus MFnNumericAttribute::set##Side(double a, double b, double c) {           \
+    return setBound(object_, &dg::Attribute::member, {a, b, c});                   \
+  }                                                                                \
+  MStatus MFnNumericAttribute::set##Side(double a, double b, double c, double d) { \
+    return setBound(object_, &dg::Attribute::member, {a, b, c, d});                \
   }
 HOST_BOUNDS(Min, minimum)
 HOST_BOUNDS(Max, maximum)
@@ -224,9 +248,13 @@ MStatus MFnNumericAttribute::setSoftMax(double value) {
   return setBound(object_, &dg::Attribute::softMaximum, {value});
 }
 
-#define HOST_DEFAULT(Type)                                                                             \
-  MStatus MFnNumericAttribute::getDefault(Type& a) const { return getDefaults<Type>(object_, {&a}); }  \
-  MStatus MFnNumericAttribute::setDefault(Type a) { return setDefaults<Type>(object_, {a}); }
+#define HOST_DEFAULT(Type)                                 \
+  MStatus MFnNumericAttribute::getDefault(Type& a) const { \
+    return getDefaults<Type>(object_, {&a});               \
+  }                                                        \
+  MStatus MFnNumericAttribute::setDefault(Type a) {        \
+    return setDefaults<Type>(object_, {a});                \
+  }
 HOST_DEFAULT(bool)
 HOST_DEFAULT(char)
 HOST_DEFAULT(short)
@@ -234,16 +262,18 @@ HOST_DEFAULT(int)
 HOST_DEFAULT(float)
 HOST_DEFAULT(double)
 #undef HOST_DEFAULT
-#define HOST_DEFAULTS(Type)                                                                               \
-  MStatus MFnNumericAttribute::getDefault(Type& a, Type& b) const {                                       \
-    return getDefaults<Type>(object_, {&a, &b});                                                          \
-  }                                                                                                       \
-  MStatus MFnNumericAttribute::getDefault(Type& a, Type& b, Type& c) const {                              \
-    return getDefaults<Type>(object_, {&a, &b, &c});                                                      \
-  }                                                                                                       \
-  MStatus MFnNumericAttribute::setDefault(Type a, Type b) { return setDefaults<Type>(object_, {a, b}); }  \
-  MStatus MFnNumericAttribute::setDefault(Type a, Type b, Type c) {                                       \
-    return setDefaults<Type>(object_, {a, b, c});                                                         \
+#define HOST_DEFAULTS(Type)                                                  \
+  MStatus MFnNumericAttribute::getDefault(Type& a, Type& b) const {          \
+    return getDefaults<Type>(object_, {&a, &b});                             \
+  }                                                                          \
+  MStatus MFnNumericAttribute::getDefault(Type& a, Type& b, Type& c) const { \
+    return getDefaults<Type>(object_, {&a, &b, &c});                         \
+  }                                                                          \
+  MStatus MFnNumericAttribute::setDefault(Type a, Type b) {                  \
+    return setDefaults<Type>(object_, {a, b});                               \
+  }                                                                          \
+  MStatus MFnNumericAttribute::setDefault(Type a, Type b, Type c) {          \
+    return setDefaults<Type>(object_, {a, b, c});                            \
   }
 HOST_DEFAULTS(int)
 HOST_DEFAULTS(float)

@@ -74,7 +74,8 @@ using api::setStatus;
 
 MObject MFnSet::create(const MSelectionList& members, Restriction restriction, MStatus* status) {
   const bool isRenderable = restriction == kRenderableOnly;
-  auto made = api::document().createNode(isRenderable ? "shadingEngine" : "objectSet", isRenderable ? "" : "set#");
+  auto made = api::document().createNode(isRenderable ? "shadingEngine" : "objectSet",
+                                         isRenderable ? "" : "set#");
   setStatus(status, api::toStatus(made).statusCode());
   if (!made) return object_ = MObject();
   object_ = api::wrap(*made);
@@ -82,10 +83,11 @@ MObject MFnSet::create(const MSelectionList& members, Restriction restriction, M
   setStatus(status, added.statusCode());
   return object_;
 }
-MObject MFnSet::create(const MSelectionList& members, MDGModifier* modifier, Restriction restriction,
-                       MStatus* status) {
+MObject MFnSet::create(const MSelectionList& members, MDGModifier* modifier,
+                       Restriction restriction, MStatus* status) {
   if (!modifier) return create(members, restriction, status);
-  object_ = modifier->createNode(restriction == kRenderableOnly ? "shadingEngine" : "objectSet", status);
+  object_ =
+      modifier->createNode(restriction == kRenderableOnly ? "shadingEngine" : "objectSet", status);
   if (object_.isNull()) return object_;
   const MStatus done = modifier->doIt();
   setStatus(status, done ? addMembers(members).statusCode() : done.statusCode());
@@ -95,19 +97,33 @@ MFnSet::Restriction MFnSet::restriction(MStatus* status) const {
   const dg::Node* node = setIn(object_, status);
   return node && nodes::isShadingGroup(*node) ? kRenderableOnly : kNone;
 }
-bool MFnSet::hasRestrictions(MStatus* status) const { return restriction(status) != kNone; }
-MStatus MFnSet::addMember(const MObject& object) { return api::add(object_, listWith(object)); }
+bool MFnSet::hasRestrictions(MStatus* status) const {
+  return restriction(status) != kNone;
+}
+MStatus MFnSet::addMember(const MObject& object) {
+  return api::add(object_, listWith(object));
+}
 MStatus MFnSet::addMember(const MDagPath& path, const MObject& component) {
   return api::add(object_, listWith(path, component));
 }
-MStatus MFnSet::addMember(const MPlug& plug) { return api::add(object_, listWith(plug)); }
-MStatus MFnSet::addMembers(const MSelectionList& list) { return api::add(object_, list); }
-MStatus MFnSet::removeMember(const MObject& object) { return api::removeItems(object_, listWith(object)); }
+MStatus MFnSet::addMember(const MPlug& plug) {
+  return api::add(object_, listWith(plug));
+}
+MStatus MFnSet::addMembers(const MSelectionList& list) {
+  return api::add(object_, list);
+}
+MStatus MFnSet::removeMember(const MObject& object) {
+  return api::removeItems(object_, listWith(object));
+}
 MStatus MFnSet::removeMember(const MDagPath& path, const MObject& component) {
   return api::removeItems(object_, listWith(path, component));
 }
-MStatus MFnSet::removeMember(const MPlug& plug) { return api::removeItems(object_, listWith(plug)); }
-MStatus MFnSet::removeMembers(const MSelectionList& list) { return api::removeItems(object_, list); }
+MStatus MFnSet::removeMember(const MPlug& plug) {
+  return api::removeItems(object_, listWith(plug));
+}
+MStatus MFnSet::removeMembers(const MSelectionList& list) {
+  return api::removeItems(object_, list);
+}
 MStatus MFnSet::clear() {
   dg::Node* node = setIn(object_);
   return node ? api::toStatus(nodes::clearSet(api::document(), *node)) : MStatus(MStatus::kFailure);

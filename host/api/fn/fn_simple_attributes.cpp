@@ -13,8 +13,10 @@ using api::setStatus;
 
 namespace {
 
-MObject make(const MString& fullName, const MString& briefName, dg::AttributeType type, MStatus* status) {
-  return api::makeAttributeObject(dg::makeAttribute(api::toStd(fullName), api::toStd(briefName), type), status);
+MObject make(const MString& fullName, const MString& briefName, dg::AttributeType type,
+             MStatus* status) {
+  return api::makeAttributeObject(
+      dg::makeAttribute(api::toStd(fullName), api::toStd(briefName), type), status);
 }
 
 const dg::EnumField* fieldNamed(const dg::Attribute& attribute, const MString& name) {
@@ -37,12 +39,13 @@ std::int64_t defaultField(const dg::Attribute& attribute) {
 
 }  // namespace
 
-MObject MFnMessageAttribute::create(const MString& fullName, const MString& briefName, MStatus* status) {
+MObject MFnMessageAttribute::create(const MString& fullName, const MString& briefName,
+                                    MStatus* status) {
   return object_ = make(fullName, briefName, dg::AttributeType::Message, status);
 }
 
-MObject MFnEnumAttribute::create(const MString& fullName, const MString& briefName, short defaultValue,
-                                 MStatus* status) {
+MObject MFnEnumAttribute::create(const MString& fullName, const MString& briefName,
+                                 short defaultValue, MStatus* status) {
   auto attribute = dg::makeEnum(api::toStd(fullName), api::toStd(briefName), {}, defaultValue);
   return object_ = api::makeAttributeObject(std::move(attribute), status);
 }
@@ -69,15 +72,21 @@ short MFnEnumAttribute::fieldIndex(const MString& name, MStatus* status) const {
 MStatus MFnEnumAttribute::getMin(short& minValue) const {
   const dg::Attribute* attribute = attributeIn(object_);
   if (!attribute || attribute->enumFields.empty()) return MStatus::kFailure;
-  const auto less = [](const dg::EnumField& a, const dg::EnumField& b) { return a.value < b.value; };
-  minValue = static_cast<short>(std::min_element(attribute->enumFields.begin(), attribute->enumFields.end(), less)->value);
+  const auto less = [](const dg::EnumField& a, const dg::EnumField& b) {
+    return a.value < b.value;
+  };
+  minValue = static_cast<short>(
+      std::min_element(attribute->enumFields.begin(), attribute->enumFields.end(), less)->value);
   return MStatus::kSuccess;
 }
 MStatus MFnEnumAttribute::getMax(short& maxValue) const {
   const dg::Attribute* attribute = attributeIn(object_);
   if (!attribute || attribute->enumFields.empty()) return MStatus::kFailure;
-  const auto less = [](const dg::EnumField& a, const dg::EnumField& b) { return a.value < b.value; };
-  maxValue = static_cast<short>(std::max_element(attribute->enumFields.begin(), attribute->enumFields.end(), less)->value);
+  const auto less = [](const dg::EnumField& a, const dg::EnumField& b) {
+    return a.value < b.value;
+  };
+  maxValue = static_cast<short>(
+      std::max_element(attribute->enumFields.begin(), attribute->enumFields.end(), less)->value);
   return MStatus::kSuccess;
 }
 MStatus MFnEnumAttribute::getDefault(short& defaultValue) const {
@@ -107,7 +116,8 @@ MStatus MFnEnumAttribute::setDefault(const MString& defaultName) {
   return MStatus::kSuccess;
 }
 
-MObject MFnCompoundAttribute::create(const MString& fullName, const MString& briefName, MStatus* status) {
+MObject MFnCompoundAttribute::create(const MString& fullName, const MString& briefName,
+                                     MStatus* status) {
   return object_ = make(fullName, briefName, dg::AttributeType::Compound, status);
 }
 MStatus MFnCompoundAttribute::addChild(const MObject& child) {
@@ -140,10 +150,13 @@ MObject MFnCompoundAttribute::child(unsigned int index, MStatus* status) const {
   return api::wrap(attribute->children[index].get());
 }
 
-MObject MFnMatrixAttribute::create(const MString& fullName, const MString& briefName, Type, MStatus* status) {
+MObject MFnMatrixAttribute::create(const MString& fullName, const MString& briefName, Type,
+                                   MStatus* status) {
   return object_ = make(fullName, briefName, dg::AttributeType::Matrix, status);
 }
-bool MFnMatrixAttribute::isDoublePrecision(MStatus* status) const { return attributeIn(object_, status) != nullptr; }
+bool MFnMatrixAttribute::isDoublePrecision(MStatus* status) const {
+  return attributeIn(object_, status) != nullptr;
+}
 MStatus MFnMatrixAttribute::getDefault(MMatrix& defaultMatrix) const {
   const dg::Attribute* attribute = attributeIn(object_);
   if (!attribute) return MStatus::kFailure;
@@ -162,7 +175,8 @@ MStatus MFnMatrixAttribute::getDefault(MFloatMatrix& defaultMatrix) const {
 MStatus MFnMatrixAttribute::setDefault(const MMatrix& defaultMatrix) {
   dg::Attribute* attribute = attributeIn(object_);
   if (!attribute) return MStatus::kFailure;
-  attribute->defaultValue = dg::DataPtr(std::make_shared<dg::MatrixData>(api::toMatrix4(defaultMatrix)));
+  attribute->defaultValue =
+      dg::DataPtr(std::make_shared<dg::MatrixData>(api::toMatrix4(defaultMatrix)));
   return MStatus::kSuccess;
 }
 MStatus MFnMatrixAttribute::setDefault(const MFloatMatrix& defaultMatrix) {

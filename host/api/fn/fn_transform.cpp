@@ -13,7 +13,8 @@ namespace {
 
 using Parts = math::TransformComponents;
 
-std::optional<MTransformationMatrix> readTransform(const MObject& object, MStatus* status = nullptr) {
+std::optional<MTransformationMatrix> readTransform(const MObject& object,
+                                                   MStatus* status = nullptr) {
   dg::Node* node = nodeOf(object);
   if (!node || !scene::isTransform(*node)) {
     setStatus(status, MStatus::kFailure);
@@ -56,7 +57,8 @@ math::Quaternion rotationOf(const math::Matrix4& matrix) {
   return math::eulerToQuaternion(parts.rotate, parts.rotateOrder);
 }
 
-/// The matrix that takes a pivot, which its own part of the transform leaves in place, to the parent's space.
+/// The matrix that takes a pivot, which its own part of the transform leaves in place, to the
+/// parent's space.
 math::Matrix4 pivotMatrix(Parts parts, bool isScalePivot) {
   parts.scale = {1, 1, 1};
   parts.shear = {};
@@ -71,20 +73,33 @@ struct Limit {
 
 Limit limitOf(MFnTransform::LimitType type) {
   static constexpr Limit kLimits[] = {
-      {"minScaleXLimit", "minScaleXLimitEnable"}, {"maxScaleXLimit", "maxScaleXLimitEnable"},
-      {"minScaleYLimit", "minScaleYLimitEnable"}, {"maxScaleYLimit", "maxScaleYLimitEnable"},
-      {"minScaleZLimit", "minScaleZLimitEnable"}, {"maxScaleZLimit", "maxScaleZLimitEnable"},
-      {nullptr, nullptr},                         {nullptr, nullptr},
-      {nullptr, nullptr},                         {nullptr, nullptr},
-      {nullptr, nullptr},                         {nullptr, nullptr},
-      {"minRotXLimit", "minRotXLimitEnable"},     {"maxRotXLimit", "maxRotXLimitEnable"},
-      {"minRotYLimit", "minRotYLimitEnable"},     {"maxRotYLimit", "maxRotYLimitEnable"},
-      {"minRotZLimit", "minRotZLimitEnable"},     {"maxRotZLimit", "maxRotZLimitEnable"},
-      {"minTransXLimit", "minTransXLimitEnable"}, {"maxTransXLimit", "maxTransXLimitEnable"},
-      {"minTransYLimit", "minTransYLimitEnable"}, {"maxTransYLimit", "maxTransYLimitEnable"},
-      {"minTransZLimit", "minTransZLimitEnable"}, {"maxTransZLimit", "maxTransZLimitEnable"},
+      {"minScaleXLimit", "minScaleXLimitEnable"},
+      {"maxScaleXLimit", "maxScaleXLimitEnable"},
+      {"minScaleYLimit", "minScaleYLimitEnable"},
+      {"maxScaleYLimit", "maxScaleYLimitEnable"},
+      {"minScaleZLimit", "minScaleZLimitEnable"},
+      {"maxScaleZLimit", "maxScaleZLimitEnable"},
+      {nullptr, nullptr},
+      {nullptr, nullptr},
+      {nullptr, nullptr},
+      {nullptr, nullptr},
+      {nullptr, nullptr},
+      {nullptr, nullptr},
+      {"minRotXLimit", "minRotXLimitEnable"},
+      {"maxRotXLimit", "maxRotXLimitEnable"},
+      {"minRotYLimit", "minRotYLimitEnable"},
+      {"maxRotYLimit", "maxRotYLimitEnable"},
+      {"minRotZLimit", "minRotZLimitEnable"},
+      {"maxRotZLimit", "maxRotZLimitEnable"},
+      {"minTransXLimit", "minTransXLimitEnable"},
+      {"maxTransXLimit", "maxTransXLimitEnable"},
+      {"minTransYLimit", "minTransYLimitEnable"},
+      {"maxTransYLimit", "maxTransYLimitEnable"},
+      {"minTransZLimit", "minTransZLimitEnable"},
+      {"maxTransZLimit", "maxTransZLimitEnable"},
   };
-  return type >= 0 && static_cast<std::size_t>(type) < std::size(kLimits) ? kLimits[type] : Limit{nullptr, nullptr};
+  return type >= 0 && static_cast<std::size_t>(type) < std::size(kLimits) ? kLimits[type]
+                                                                          : Limit{nullptr, nullptr};
 }
 
 dg::Plug limitPlug(const MObject& object, const char* name, MStatus* status) {
@@ -109,12 +124,23 @@ MObject MFnTransform::create(MObject parent, MStatus* status) {
 MTransformationMatrix MFnTransform::transformation(MStatus* status) const {
   return readTransform(object_, status).value_or(MTransformationMatrix());
 }
-MStatus MFnTransform::set(const MTransformationMatrix& transform) { return api::writeTransform(object_, transform); }
-MStatus MFnTransform::resetTransformation(const MMatrix& matrix) { return set(MTransformationMatrix(matrix)); }
-MStatus MFnTransform::resetTransformation(const MTransformationMatrix& transform) { return set(transform); }
-// Rest positions belong to joints and retargeting, which this host doesn't have: there is none to go back to.
-MStatus MFnTransform::resetFromRestPosition() { return MStatus::kFailure; }
-MStatus MFnTransform::clearRestPosition() { return MStatus::kSuccess; }
+MStatus MFnTransform::set(const MTransformationMatrix& transform) {
+  return api::writeTransform(object_, transform);
+}
+MStatus MFnTransform::resetTransformation(const MMatrix& matrix) {
+  return set(MTransformationMatrix(matrix));
+}
+MStatus MFnTransform::resetTransformation(const MTransformationMatrix& transform) {
+  return set(transform);
+}
+// Rest positions belong to joints and retargeting, which this host doesn't have: there is none to
+// go back to.
+MStatus MFnTransform::resetFromRestPosition() {
+  return MStatus::kFailure;
+}
+MStatus MFnTransform::clearRestPosition() {
+  return MStatus::kSuccess;
+}
 
 MVector MFnTransform::getTranslation(MSpace::Space space, MStatus* status) const {
   const auto transform = readTransform(object_, status);
@@ -132,9 +158,12 @@ MStatus MFnTransform::setTranslation(const MVector& vector, MSpace::Space space)
     math::Matrix4 parent;
     const MStatus found = api::parentMatrix(path_, parent);
     if (!found) return found;
-    local = api::vectorOf(math::transformPoint(mathOf(vector), api::mathOf(api::matrixOf(parent).inverse())));
+    local = api::vectorOf(
+        math::transformPoint(mathOf(vector), api::mathOf(api::matrixOf(parent).inverse())));
   }
-  return edit(object_, [&](MTransformationMatrix& t) { return t.setTranslation(local, MSpace::kTransform); });
+  return edit(object_, [&](MTransformationMatrix& t) {
+    return t.setTranslation(local, MSpace::kTransform);
+  });
 }
 MStatus MFnTransform::translateBy(const MVector& vector, MSpace::Space space) {
   if (space == MSpace::kWorld) {
@@ -164,7 +193,8 @@ MStatus MFnTransform::getRotation(MQuaternion& quaternion, MSpace::Space space) 
   if (status) quaternion = quaternion * api::quaternionOf(api::rotationOf(parent));
   return status;
 }
-MStatus MFnTransform::getRotation(double rotation[3], MTransformationMatrix::RotationOrder& order) const {
+MStatus MFnTransform::getRotation(double rotation[3],
+                                  MTransformationMatrix::RotationOrder& order) const {
   MStatus status;
   const auto transform = readTransform(object_, &status);
   return transform ? transform->getRotation(rotation, order) : status;
@@ -183,7 +213,8 @@ MStatus MFnTransform::getRotation(double rotation[3], MTransformationMatrix::Rot
 MStatus MFnTransform::setRotation(const MEulerRotation& rotation) {
   return edit(object_, [&](MTransformationMatrix& t) {
     const double angles[3] = {rotation.x, rotation.y, rotation.z};
-    return t.setRotation(angles, static_cast<MTransformationMatrix::RotationOrder>(rotation.order + 1));
+    return t.setRotation(angles,
+                         static_cast<MTransformationMatrix::RotationOrder>(rotation.order + 1));
   });
 }
 MStatus MFnTransform::setRotation(const MQuaternion& quaternion) {
@@ -196,19 +227,23 @@ MStatus MFnTransform::setRotation(const MQuaternion& quaternion, MSpace::Space s
   if (space != MSpace::kWorld) return setRotation(quaternion);
   math::Matrix4 parent;
   const MStatus status = api::parentMatrix(path_, parent);
-  return status ? setRotation(quaternion * api::quaternionOf(api::rotationOf(parent)).inverse()) : status;
+  return status ? setRotation(quaternion * api::quaternionOf(api::rotationOf(parent)).inverse())
+                : status;
 }
-MStatus MFnTransform::setRotation(const double rotation[3], MTransformationMatrix::RotationOrder order) {
+MStatus MFnTransform::setRotation(const double rotation[3],
+                                  MTransformationMatrix::RotationOrder order) {
   return edit(object_, [&](MTransformationMatrix& t) { return t.setRotation(rotation, order); });
 }
-MStatus MFnTransform::setRotation(const double rotation[3], MTransformationMatrix::RotationOrder order,
-                                  MSpace::Space space) {
+MStatus MFnTransform::setRotation(const double rotation[3],
+                                  MTransformationMatrix::RotationOrder order, MSpace::Space space) {
   if (space != MSpace::kWorld) return setRotation(rotation, order);
   if (!api::isValidOrder(order)) return MStatus::kInvalidParameter;
   const math::Vec3 angles{rotation[0], rotation[1], rotation[2]};
   return setRotation(api::quaternionOf(math::eulerToQuaternion(angles, api::mathOf(order))), space);
 }
-MStatus MFnTransform::rotateBy(const MEulerRotation& rotation) { return rotateBy(rotation, MSpace::kTransform); }
+MStatus MFnTransform::rotateBy(const MEulerRotation& rotation) {
+  return rotateBy(rotation, MSpace::kTransform);
+}
 MStatus MFnTransform::rotateBy(const MEulerRotation& rotation, MSpace::Space space) {
   return rotateBy(rotation.asQuaternion(), space);
 }
@@ -232,7 +267,8 @@ MStatus MFnTransform::rotateBy(const double rotation[3], MTransformationMatrix::
 MStatus MFnTransform::getRotationQuaternion(double& x, double& y, double& z, double& w) const {
   return getRotationQuaternion(x, y, z, w, MSpace::kTransform);
 }
-MStatus MFnTransform::getRotationQuaternion(double& x, double& y, double& z, double& w, MSpace::Space space) const {
+MStatus MFnTransform::getRotationQuaternion(double& x, double& y, double& z, double& w,
+                                            MSpace::Space space) const {
   MQuaternion quaternion;
   const MStatus status = getRotation(quaternion, space);
   x = quaternion.x, y = quaternion.y, z = quaternion.z, w = quaternion.w;
@@ -241,10 +277,12 @@ MStatus MFnTransform::getRotationQuaternion(double& x, double& y, double& z, dou
 MStatus MFnTransform::setRotationQuaternion(double x, double y, double z, double w) {
   return setRotation(MQuaternion(x, y, z, w));
 }
-MStatus MFnTransform::setRotationQuaternion(double x, double y, double z, double w, MSpace::Space space) {
+MStatus MFnTransform::setRotationQuaternion(double x, double y, double z, double w,
+                                            MSpace::Space space) {
   return setRotation(MQuaternion(x, y, z, w), space);
 }
-MStatus MFnTransform::rotateByQuaternion(double x, double y, double z, double w, MSpace::Space space) {
+MStatus MFnTransform::rotateByQuaternion(double x, double y, double z, double w,
+                                         MSpace::Space space) {
   return rotateBy(MQuaternion(x, y, z, w), space);
 }
 MTransformationMatrix::RotationOrder MFnTransform::rotationOrder(MStatus* status) const {
@@ -260,9 +298,11 @@ MQuaternion MFnTransform::rotateOrientation(MSpace::Space, MStatus* status) cons
   const auto transform = readTransform(object_, status);
   return transform ? transform->rotationOrientation() : MQuaternion();
 }
-MStatus MFnTransform::setRotateOrientation(const MQuaternion& quaternion, MSpace::Space, bool balance) {
+MStatus MFnTransform::setRotateOrientation(const MQuaternion& quaternion, MSpace::Space,
+                                           bool balance) {
   return edit(object_, [&](MTransformationMatrix& t) {
-    // The axis is applied first: to leave the whole as it was, the rotation takes up the difference.
+    // The axis is applied first: to leave the whole as it was, the rotation takes up the
+    // difference.
     const MQuaternion whole = t.rotationOrientation() * t.rotation();
     const MStatus status = t.setRotationOrientation(quaternion);
     if (balance) t.rotateTo(quaternion.inverse() * whole);
@@ -270,57 +310,63 @@ MStatus MFnTransform::setRotateOrientation(const MQuaternion& quaternion, MSpace
   });
 }
 
-#define HOST_TRIPLE(What)                                                                                  \
-  MStatus MFnTransform::get##What(double values[3]) const {                                                \
-    MStatus status;                                                                                        \
-    const auto transform = readTransform(object_, &status);                                                \
-    return transform ? transform->get##What(values, MSpace::kTransform) : status;                          \
-  }                                                                                                        \
-  MStatus MFnTransform::set##What(const double values[3]) {                                                \
-    return edit(object_, [&](MTransformationMatrix& t) { return t.set##What(values, MSpace::kTransform); }); \
+#define HOST_TRIPLE(What)                                                         \
+  MStatus MFnTransform::get##What(double values[3]) const {                       \
+    MStatus status;                                                               \
+    const auto transform = readTransform(object_, &status);                       \
+    return transform ? transform->get##What(values, MSpace::kTransform) : status; \
+  }                                                                               \
+  MStatus MFnTransform::set##What(const double values[3]) {                       \
+    return edit(object_, [&](MTransformationMatrix& t) {                          \
+      return t.set##What(values, MSpace::kTransform);                             \
+    });                                                                           \
   }
 HOST_TRIPLE(Scale)
 HOST_TRIPLE(Shear)
 #undef HOST_TRIPLE
 MStatus MFnTransform::scaleBy(const double scale[3]) {
-  return edit(object_, [&](MTransformationMatrix& t) { return t.addScale(scale, MSpace::kTransform); });
+  return edit(object_,
+              [&](MTransformationMatrix& t) { return t.addScale(scale, MSpace::kTransform); });
 }
 MStatus MFnTransform::shearBy(const double shear[3]) {
-  return edit(object_, [&](MTransformationMatrix& t) { return t.addShear(shear, MSpace::kTransform); });
+  return edit(object_,
+              [&](MTransformationMatrix& t) { return t.addShear(shear, MSpace::kTransform); });
 }
 
-#define HOST_PIVOT(get, set, isScalePivot)                                                                     \
-  MPoint MFnTransform::get(MSpace::Space space, MStatus* status) const {                                       \
-    const auto transform = readTransform(object_, status);                                                     \
-    if (!transform) return {};                                                                                 \
-    const MPoint local = transform->get(MSpace::kTransform);                                                   \
-    if (space != MSpace::kWorld) return local;                                                                 \
-    math::Matrix4 parent;                                                                                      \
-    const MStatus found = api::parentMatrix(path_, parent);                                                    \
-    setStatus(status, found.statusCode());                                                                     \
-    if (!found) return local;                                                                                  \
-    const auto above = api::pivotMatrix(api::TransformParts::of(*transform), isScalePivot);                    \
-    return api::pointOf(math::transformPoint(math::transformPoint(mathOf(local), above), parent));             \
-  }                                                                                                            \
-  MStatus MFnTransform::set(const MPoint& point, MSpace::Space space, bool balance) {                          \
-    return edit(object_, [&](MTransformationMatrix& t) {                                                       \
-      MPoint local = point;                                                                                    \
-      if (space == MSpace::kWorld) {                                                                           \
-        math::Matrix4 parent;                                                                                  \
-        const MStatus found = api::parentMatrix(path_, parent);                                                \
-        if (!found) return found;                                                                              \
-        const auto above = api::pivotMatrix(api::TransformParts::of(t), isScalePivot);                         \
-        local = point * api::matrixOf(above * parent).inverse();                                               \
-      }                                                                                                        \
-      return t.set(local, MSpace::kTransform, balance);                                                        \
-    });                                                                                                        \
-  }                                                                                                            \
-  MVector MFnTransform::get##Translation(MSpace::Space, MStatus* status) const {                               \
-    const auto transform = readTransform(object_, status);                                                     \
-    return transform ? transform->get##Translation(MSpace::kTransform) : MVector();                            \
-  }                                                                                                            \
-  MStatus MFnTransform::set##Translation(const MVector& vector, MSpace::Space) {                               \
-    return edit(object_, [&](MTransformationMatrix& t) { return t.set##Translation(vector, MSpace::kTransform); }); \
+#define HOST_PIVOT(get, set, isScalePivot)                                                         \
+  MPoint MFnTransform::get(MSpace::Space space, MStatus* status) const {                           \
+    const auto transform = readTransform(object_, status);                                         \
+    if (!transform) return {};                                                                     \
+    const MPoint local = transform->get(MSpace::kTransform);                                       \
+    if (space != MSpace::kWorld) return local;                                                     \
+    math::Matrix4 parent;                                                                          \
+    const MStatus found = api::parentMatrix(path_, parent);                                        \
+    setStatus(status, found.statusCode());                                                         \
+    if (!found) return local;                                                                      \
+    const auto above = api::pivotMatrix(api::TransformParts::of(*transform), isScalePivot);        \
+    return api::pointOf(math::transformPoint(math::transformPoint(mathOf(local), above), parent)); \
+  }                                                                                                \
+  MStatus MFnTransform::set(const MPoint& point, MSpace::Space space, bool balance) {              \
+    return edit(object_, [&](MTransformationMatrix& t) {                                           \
+      MPoint local = point;                                                                        \
+      if (space == MSpace::kWorld) {                                                               \
+        math::Matrix4 parent;                                                                      \
+        const MStatus found = api::parentMatrix(path_, parent);                                    \
+        if (!found) return found;                                                                  \
+        const auto above = api::pivotMatrix(api::TransformParts::of(t), isScalePivot);             \
+        local = point * api::matrixOf(above * parent).inverse();                                   \
+      }                                                                                            \
+      return t.set(local, MSpace::kTransform, balance);                                            \
+    });                                                                                            \
+  }                                                                                                \
+  MVector MFnTransform::get##Translation(MSpace::Space, MStatus* status) const {                   \
+    const auto transform = readTransform(object_, status);                                         \
+    return transform ? transform->get##Translation(MSpace::kTransform) : MVector();                \
+  }                                                                                                \
+  MStatus MFnTransform::set##Translation(const MVector& vector, MSpace::Space) {                   \
+    return edit(object_, [&](MTransformationMatrix& t) {                                           \
+      return t.set##Translation(vector, MSpace::kTransform);                                       \
+    });                                                                                            \
   }
 HOST_PIVOT(scalePivot, setScalePivot, true)
 HOST_PIVOT(rotatePivot, setRotatePivot, false)

@@ -20,10 +20,11 @@ dg::Value valueFrom(const MObject& object, const dg::Attribute& attribute) {
   return rep->data;
 }
 
-MObject makeTyped(const MString& fullName, const MString& briefName, std::string_view dataType, bool isText,
-                  const MObject& defaultData, MStatus* status) {
-  auto attribute = isText ? dg::makeAttribute(toStd(fullName), toStd(briefName), dg::AttributeType::String)
-                          : dg::makeTyped(toStd(fullName), toStd(briefName), std::string(dataType));
+MObject makeTyped(const MString& fullName, const MString& briefName, std::string_view dataType,
+                  bool isText, const MObject& defaultData, MStatus* status) {
+  auto attribute =
+      isText ? dg::makeAttribute(toStd(fullName), toStd(briefName), dg::AttributeType::String)
+             : dg::makeTyped(toStd(fullName), toStd(briefName), std::string(dataType));
   if (!defaultData.isNull()) attribute->defaultValue = valueFrom(defaultData, *attribute);
   return makeAttributeObject(std::move(attribute), status);
 }
@@ -50,7 +51,8 @@ MStatus accept(const MObject& object, std::string word) {
 MStatus refuse(const MObject& object, const std::string& word) {
   dg::Attribute* attribute = attributeIn(object);
   if (!attribute || word.empty()) return MStatus::kInvalidParameter;
-  return std::erase(attribute->acceptedTypes, word) > 0 ? MStatus::kSuccess : MStatus::kInvalidParameter;
+  return std::erase(attribute->acceptedTypes, word) > 0 ? MStatus::kSuccess
+                                                        : MStatus::kInvalidParameter;
 }
 
 }  // namespace
@@ -60,8 +62,8 @@ using namespace host;
 using api::attributeIn;
 using api::setStatus;
 
-MObject MFnTypedAttribute::create(const MString& fullName, const MString& briefName, const MTypeId& id,
-                                  const MObject& defaultData, MStatus* status) {
+MObject MFnTypedAttribute::create(const MString& fullName, const MString& briefName,
+                                  const MTypeId& id, const MObject& defaultData, MStatus* status) {
   const api::PluginDataType* type = api::findPluginDataType(id.id());
   if (!type) {
     setStatus(status, MStatus::kInvalidParameter);
@@ -69,21 +71,22 @@ MObject MFnTypedAttribute::create(const MString& fullName, const MString& briefN
   }
   return object_ = api::makeTyped(fullName, briefName, type->name, false, defaultData, status);
 }
-MObject MFnTypedAttribute::create(const MString& fullName, const MString& briefName, const MTypeId& id,
-                                  MStatus* status) {
+MObject MFnTypedAttribute::create(const MString& fullName, const MString& briefName,
+                                  const MTypeId& id, MStatus* status) {
   return create(fullName, briefName, id, MObject::kNullObj, status);
 }
-MObject MFnTypedAttribute::create(const MString& fullName, const MString& briefName, MFnData::Type type,
-                                  const MObject& defaultData, MStatus* status) {
+MObject MFnTypedAttribute::create(const MString& fullName, const MString& briefName,
+                                  MFnData::Type type, const MObject& defaultData, MStatus* status) {
   const std::string_view word = api::dataTypeName(type);
   if (word.empty() && type != MFnData::kAny) {
     setStatus(status, MStatus::kInvalidParameter);
     return object_ = MObject();
   }
-  return object_ = api::makeTyped(fullName, briefName, word, type == MFnData::kString, defaultData, status);
+  return object_ = api::makeTyped(fullName, briefName, word, type == MFnData::kString, defaultData,
+                                  status);
 }
-MObject MFnTypedAttribute::create(const MString& fullName, const MString& briefName, MFnData::Type type,
-                                  MStatus* status) {
+MObject MFnTypedAttribute::create(const MString& fullName, const MString& briefName,
+                                  MFnData::Type type, MStatus* status) {
   return create(fullName, briefName, type, MObject::kNullObj, status);
 }
 MFnData::Type MFnTypedAttribute::attrType(MStatus* status) const {
@@ -110,9 +113,12 @@ MStatus MFnTypedAttribute::setDefault(const MObject& defaultData) {
   return MStatus::kSuccess;
 }
 
-MObject MFnGenericAttribute::create(const MString& fullName, const MString& briefName, MStatus* status) {
-  return object_ = api::makeAttributeObject(
-             dg::makeAttribute(api::toStd(fullName), api::toStd(briefName), dg::AttributeType::Generic), status);
+MObject MFnGenericAttribute::create(const MString& fullName, const MString& briefName,
+                                    MStatus* status) {
+  return object_ =
+             api::makeAttributeObject(dg::makeAttribute(api::toStd(fullName), api::toStd(briefName),
+                                                        dg::AttributeType::Generic),
+                                      status);
 }
 MStatus MFnGenericAttribute::addDataAccept(MFnData::Type type) {
   return api::accept(object_, std::string(api::dataTypeName(type)));
@@ -120,11 +126,15 @@ MStatus MFnGenericAttribute::addDataAccept(MFnData::Type type) {
 MStatus MFnGenericAttribute::addNumericDataAccept(MFnNumericData::Type type) {
   return api::accept(object_, api::acceptWord(type));
 }
-MStatus MFnGenericAttribute::addTypeId(const MTypeId& id) { return api::accept(object_, api::acceptWord(id)); }
+MStatus MFnGenericAttribute::addTypeId(const MTypeId& id) {
+  return api::accept(object_, api::acceptWord(id));
+}
 MStatus MFnGenericAttribute::removeDataAccept(MFnData::Type type) {
   return api::refuse(object_, std::string(api::dataTypeName(type)));
 }
 MStatus MFnGenericAttribute::removeNumericDataAccept(MFnNumericData::Type type) {
   return api::refuse(object_, api::acceptWord(type));
 }
-MStatus MFnGenericAttribute::removeTypeId(const MTypeId& id) { return api::refuse(object_, api::acceptWord(id)); }
+MStatus MFnGenericAttribute::removeTypeId(const MTypeId& id) {
+  return api::refuse(object_, api::acceptWord(id));
+}

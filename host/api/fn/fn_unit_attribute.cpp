@@ -7,14 +7,30 @@ namespace host::api {
 namespace {
 
 // Bounds and defaults given as plain numbers are in internal units: cm, radians, seconds.
-double internal(double value) { return value; }
-double internal(const MDistance& value) { return value.asCentimeters(); }
-double internal(const MAngle& value) { return value.asRadians(); }
-double internal(const MTime& value) { return value.as(MTime::kSeconds); }
-void assign(double& target, double value) { target = value; }
-void assign(MDistance& target, double value) { target = MDistance(value, MDistance::kCentimeters); }
-void assign(MAngle& target, double value) { target = MAngle(value, MAngle::kRadians); }
-void assign(MTime& target, double value) { target = host::api::timeOf(value); }
+double internal(double value) {
+  return value;
+}
+double internal(const MDistance& value) {
+  return value.asCentimeters();
+}
+double internal(const MAngle& value) {
+  return value.asRadians();
+}
+double internal(const MTime& value) {
+  return value.as(MTime::kSeconds);
+}
+void assign(double& target, double value) {
+  target = value;
+}
+void assign(MDistance& target, double value) {
+  target = MDistance(value, MDistance::kCentimeters);
+}
+void assign(MAngle& target, double value) {
+  target = MAngle(value, MAngle::kRadians);
+}
+void assign(MTime& target, double value) {
+  target = host::api::timeOf(value);
+}
 
 using Bound = std::optional<double> dg::Attribute::*;
 
@@ -52,9 +68,10 @@ MStatus setDefaultOf(const MObject& object, const T& value) {
   return MStatus::kSuccess;
 }
 
-MObject makeUnit(const MString& fullName, const MString& briefName, dg::AttributeType type, double value,
-                 MStatus* status) {
-  return makeAttributeObject(dg::makeAttribute(toStd(fullName), toStd(briefName), type, value), status);
+MObject makeUnit(const MString& fullName, const MString& briefName, dg::AttributeType type,
+                 double value, MStatus* status) {
+  return makeAttributeObject(dg::makeAttribute(toStd(fullName), toStd(briefName), type, value),
+                             status);
 }
 
 }  // namespace
@@ -63,42 +80,57 @@ MObject makeUnit(const MString& fullName, const MString& briefName, dg::Attribut
 using namespace host;
 using api::setStatus;
 
-MObject MFnUnitAttribute::create(const MString& fullName, const MString& briefName, Type unitType, double defaultValue,
-                                 MStatus* status) {
+MObject MFnUnitAttribute::create(const MString& fullName, const MString& briefName, Type unitType,
+                                 double defaultValue, MStatus* status) {
   switch (unitType) {
-    case kAngle: return create(fullName, briefName, MAngle(defaultValue, MAngle::kRadians), status);
-    case kDistance: return create(fullName, briefName, MDistance(defaultValue, MDistance::kCentimeters), status);
-    case kTime: return create(fullName, briefName, MTime(defaultValue, MTime::kSeconds), status);
-    default: break;
+    case kAngle:
+      return create(fullName, briefName, MAngle(defaultValue, MAngle::kRadians), status);
+    case kDistance:
+      return create(fullName, briefName, MDistance(defaultValue, MDistance::kCentimeters), status);
+    case kTime:
+      return create(fullName, briefName, MTime(defaultValue, MTime::kSeconds), status);
+    default:
+      break;
   }
   setStatus(status, MStatus::kInvalidParameter);
   return object_ = MObject();
 }
-MObject MFnUnitAttribute::create(const MString& fullName, const MString& briefName, const MDistance& defaultValue,
-                                 MStatus* status) {
-  return object_ = api::makeUnit(fullName, briefName, dg::AttributeType::Distance, api::internal(defaultValue), status);
+MObject MFnUnitAttribute::create(const MString& fullName, const MString& briefName,
+                                 const MDistance& defaultValue, MStatus* status) {
+  return object_ = api::makeUnit(fullName, briefName, dg::AttributeType::Distance,
+                                 api::internal(defaultValue), status);
 }
-MObject MFnUnitAttribute::create(const MString& fullName, const MString& briefName, const MAngle& defaultValue,
-                                 MStatus* status) {
-  return object_ = api::makeUnit(fullName, briefName, dg::AttributeType::Angle, api::internal(defaultValue), status);
+MObject MFnUnitAttribute::create(const MString& fullName, const MString& briefName,
+                                 const MAngle& defaultValue, MStatus* status) {
+  return object_ = api::makeUnit(fullName, briefName, dg::AttributeType::Angle,
+                                 api::internal(defaultValue), status);
 }
-MObject MFnUnitAttribute::create(const MString& fullName, const MString& briefName, const MTime& defaultValue,
-                                 MStatus* status) {
-  return object_ = api::makeUnit(fullName, briefName, dg::AttributeType::Time, api::internal(defaultValue), status);
+MObject MFnUnitAttribute::create(const MString& fullName, const MString& briefName,
+                                 const MTime& defaultValue, MStatus* status) {
+  return object_ = api::makeUnit(fullName, briefName, dg::AttributeType::Time,
+                                 api::internal(defaultValue), status);
 }
 MFnUnitAttribute::Type MFnUnitAttribute::unitType(MStatus* status) const {
   const dg::Attribute* attribute = api::attributeIn(object_, status);
   if (!attribute) return kInvalid;
   switch (attribute->type) {
-    case dg::AttributeType::Angle: return kAngle;
-    case dg::AttributeType::Distance: return kDistance;
-    case dg::AttributeType::Time: return kTime;
-    default: return kInvalid;
+    case dg::AttributeType::Angle:
+      return kAngle;
+    case dg::AttributeType::Distance:
+      return kDistance;
+    case dg::AttributeType::Time:
+      return kTime;
+    default:
+      return kInvalid;
   }
 }
 
-bool MFnUnitAttribute::hasMin(MStatus* status) const { return api::hasBound(object_, &dg::Attribute::minimum, status); }
-bool MFnUnitAttribute::hasMax(MStatus* status) const { return api::hasBound(object_, &dg::Attribute::maximum, status); }
+bool MFnUnitAttribute::hasMin(MStatus* status) const {
+  return api::hasBound(object_, &dg::Attribute::minimum, status);
+}
+bool MFnUnitAttribute::hasMax(MStatus* status) const {
+  return api::hasBound(object_, &dg::Attribute::maximum, status);
+}
 bool MFnUnitAttribute::hasSoftMin(MStatus* status) const {
   return api::hasBound(object_, &dg::Attribute::softMinimum, status);
 }
@@ -111,35 +143,55 @@ MStatus MFnUnitAttribute::getSoftMin(double& value) const {
 MStatus MFnUnitAttribute::getSoftMax(double& value) const {
   return api::getBound(object_, &dg::Attribute::softMaximum, value);
 }
-MStatus MFnUnitAttribute::setMin(double value) { return api::setBound(object_, &dg::Attribute::minimum, value); }
-MStatus MFnUnitAttribute::setMax(double value) { return api::setBound(object_, &dg::Attribute::maximum, value); }
-MStatus MFnUnitAttribute::setSoftMin(double value) { return api::setBound(object_, &dg::Attribute::softMinimum, value); }
-MStatus MFnUnitAttribute::setSoftMax(double value) { return api::setBound(object_, &dg::Attribute::softMaximum, value); }
-MStatus MFnUnitAttribute::getMin(double& value) const { return api::getBound(object_, &dg::Attribute::minimum, value); }
-MStatus MFnUnitAttribute::getMax(double& value) const { return api::getBound(object_, &dg::Attribute::maximum, value); }
-MStatus MFnUnitAttribute::getDefault(double& value) const { return api::getDefaultOf(object_, value); }
-MStatus MFnUnitAttribute::setDefault(double value) { return api::setDefaultOf(object_, value); }
-#define HOST_UNIT(Type)                                                                                    \
-  MStatus MFnUnitAttribute::getMin(Type& value) const {                                                    \
-    return api::getBound(object_, &dg::Attribute::minimum, value);                                         \
-  }                                                                                                        \
-  MStatus MFnUnitAttribute::getMax(Type& value) const {                                                    \
-    return api::getBound(object_, &dg::Attribute::maximum, value);                                         \
-  }                                                                                                        \
-  MStatus MFnUnitAttribute::setMin(const Type& value) {                                                    \
-    return api::setBound(object_, &dg::Attribute::minimum, value);                                         \
-  }                                                                                                        \
-  MStatus MFnUnitAttribute::setMax(const Type& value) {                                                    \
-    return api::setBound(object_, &dg::Attribute::maximum, value);                                         \
-  }                                                                                                        \
-  MStatus MFnUnitAttribute::setSoftMin(const Type& value) {                                                \
-    return api::setBound(object_, &dg::Attribute::softMinimum, value);                                     \
-  }                                                                                                        \
-  MStatus MFnUnitAttribute::setSoftMax(const Type& value) {                                                \
-    return api::setBound(object_, &dg::Attribute::softMaximum, value);                                     \
-  }                                                                                                        \
-  MStatus MFnUnitAttribute::getDefault(Type& value) const { return api::getDefaultOf(object_, value); }    \
-  MStatus MFnUnitAttribute::setDefault(const Type& value) { return api::setDefaultOf(object_, value); }
+MStatus MFnUnitAttribute::setMin(double value) {
+  return api::setBound(object_, &dg::Attribute::minimum, value);
+}
+MStatus MFnUnitAttribute::setMax(double value) {
+  return api::setBound(object_, &dg::Attribute::maximum, value);
+}
+MStatus MFnUnitAttribute::setSoftMin(double value) {
+  return api::setBound(object_, &dg::Attribute::softMinimum, value);
+}
+MStatus MFnUnitAttribute::setSoftMax(double value) {
+  return api::setBound(object_, &dg::Attribute::softMaximum, value);
+}
+MStatus MFnUnitAttribute::getMin(double& value) const {
+  return api::getBound(object_, &dg::Attribute::minimum, value);
+}
+MStatus MFnUnitAttribute::getMax(double& value) const {
+  return api::getBound(object_, &dg::Attribute::maximum, value);
+}
+MStatus MFnUnitAttribute::getDefault(double& value) const {
+  return api::getDefaultOf(object_, value);
+}
+MStatus MFnUnitAttribute::setDefault(double value) {
+  return api::setDefaultOf(object_, value);
+}
+#define HOST_UNIT(Type)                                                \
+  MStatus MFnUnitAttribute::getMin(Type& value) const {                \
+    return api::getBound(object_, &dg::Attribute::minimum, value);     \
+  }                                                                    \
+  MStatus MFnUnitAttribute::getMax(Type& value) const {                \
+    return api::getBound(object_, &dg::Attribute::maximum, value);     \
+  }                                                                    \
+  MStatus MFnUnitAttribute::setMin(const Type& value) {                \
+    return api::setBound(object_, &dg::Attribute::minimum, value);     \
+  }                                                                    \
+  MStatus MFnUnitAttribute::setMax(const Type& value) {                \
+    return api::setBound(object_, &dg::Attribute::maximum, value);     \
+  }                                                                    \
+  MStatus MFnUnitAttribute::setSoftMin(const Type& value) {            \
+    return api::setBound(object_, &dg::Attribute::softMinimum, value); \
+  }                                                                    \
+  MStatus MFnUnitAttribute::setSoftMax(const Type& value) {            \
+    return api::setBound(object_, &dg::Attribute::softMaximum, value); \
+  }                                                                    \
+  MStatus MFnUnitAttribute::getDefault(Type& value) const {            \
+    return api::getDefaultOf(object_, value);                          \
+  }                                                                    \
+  MStatus MFnUnitAttribute::setDefault(const Type& value) {            \
+    return api::setDefaultOf(object_, value);                          \
+  }
 HOST_UNIT(MDistance)
 HOST_UNIT(MAngle)
 HOST_UNIT(MTime)

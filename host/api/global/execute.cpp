@@ -18,7 +18,8 @@ struct CommandResultRep final : SharedRep {
 
 Result<mel::Value> run(const MString& command, bool display, bool undo) {
   if (display) postMessage(MessageKind::Info, command.asChar());
-  auto result = cmd::currentSession().executeLine(command.asChar(), {.display = display, .undo = undo});
+  auto result =
+      cmd::currentSession().executeLine(command.asChar(), {.display = display, .undo = undo});
   if (!result) rememberError(result.error());
   return result;
 }
@@ -45,7 +46,8 @@ MStatus convert(const mel::Value& value, MString& result) {
 }
 MStatus convert(const mel::Value& value, MIntArray& result) {
   result.clear();
-  if (value.isInt()) result.append(value.intValue());
+  if (value.isInt())
+    result.append(value.intValue());
   else if (value.type() == mel::Type::IntArray)
     result = MIntArray(value.intArray().data(), static_cast<unsigned int>(value.size()));
   else
@@ -54,7 +56,8 @@ MStatus convert(const mel::Value& value, MIntArray& result) {
 }
 MStatus convert(const mel::Value& value, MDoubleArray& result) {
   result.clear();
-  if (value.isFloat() || value.isInt()) result.append(value.toFloat().value_or(0));
+  if (value.isFloat() || value.isInt())
+    result.append(value.toFloat().value_or(0));
   else if (value.type() == mel::Type::FloatArray)
     result = MDoubleArray(value.floatArray().data(), static_cast<unsigned int>(value.size()));
   else if (value.type() == mel::Type::IntArray)
@@ -78,7 +81,8 @@ MStatus convert(const mel::Value& value, MVector& result) {
 MStatus convert(const mel::Value& value, MVectorArray& result) {
   result.clear();
   if (value.type() != mel::Type::VectorArray) return MStatus::kFailure;
-  for (const mel::Vec3& vector : value.vectorArray()) result.append(MVector(vector.x, vector.y, vector.z));
+  for (const mel::Vec3& vector : value.vectorArray())
+    result.append(MVector(vector.x, vector.y, vector.z));
   return MStatus::kSuccess;
 }
 
@@ -117,9 +121,10 @@ MStatus MGlobal::executeCommand(const MString& command, MCommandResult& result, 
   api::Access::handle(result) = api::Handle(rep);
   return MStatus::kSuccess;
 }
-#define HOST_EXECUTE(Type)                                                                          \
-  MStatus MGlobal::executeCommand(const MString& command, Type& result, bool displayEnabled, bool undoEnabled) { \
-    return runInto(command, result, displayEnabled, undoEnabled);                                   \
+#define HOST_EXECUTE(Type)                                                                   \
+  MStatus MGlobal::executeCommand(const MString& command, Type& result, bool displayEnabled, \
+                                  bool undoEnabled) {                                        \
+    return runInto(command, result, displayEnabled, undoEnabled);                            \
   }
 HOST_EXECUTE(int)
 HOST_EXECUTE(double)
@@ -131,8 +136,8 @@ HOST_EXECUTE(MVector)
 HOST_EXECUTE(MVectorArray)
 #undef HOST_EXECUTE
 
-MString MGlobal::executeCommandStringResult(const MString& command, bool displayEnabled, bool undoEnabled,
-                                            MStatus* status) {
+MString MGlobal::executeCommandStringResult(const MString& command, bool displayEnabled,
+                                            bool undoEnabled, MStatus* status) {
   MString result;
   const MStatus code = runInto(command, result, displayEnabled, undoEnabled);
   setStatus(status, code.statusCode());
@@ -150,27 +155,49 @@ MStatus MGlobal::sourceFile(const MString& fileName) {
   return api::toStatus(done);
 }
 
-MStatus MGlobal::executePythonCommand(const MString&, bool, bool) { return api::refusePython(); }
-MStatus MGlobal::executePythonCommand(const MString&, int&, bool, bool) { return api::refusePython(); }
-MStatus MGlobal::executePythonCommand(const MString&, double&, bool, bool) { return api::refusePython(); }
-MStatus MGlobal::executePythonCommand(const MString&, MString&, bool, bool) { return api::refusePython(); }
-MStatus MGlobal::executePythonCommandOnIdle(const MString&, bool) { return api::refusePython(); }
+MStatus MGlobal::executePythonCommand(const MString&, bool, bool) {
+  return api::refusePython();
+}
+MStatus MGlobal::executePythonCommand(const MString&, int&, bool, bool) {
+  return api::refusePython();
+}
+MStatus MGlobal::executePythonCommand(const MString&, double&, bool, bool) {
+  return api::refusePython();
+}
+MStatus MGlobal::executePythonCommand(const MString&, MString&, bool, bool) {
+  return api::refusePython();
+}
+MStatus MGlobal::executePythonCommandOnIdle(const MString&, bool) {
+  return api::refusePython();
+}
 
-MCommandResult::MCommandResult(MStatus* status) { setStatus(status, MStatus::kSuccess); }
+MCommandResult::MCommandResult(MStatus* status) {
+  setStatus(status, MStatus::kSuccess);
+}
 
 MCommandResult::Type MCommandResult::resultType(MStatus* status) const {
   setStatus(status, MStatus::kSuccess);
   switch (api::valueOf(handle_).type()) {
-    case mel::Type::Int: return kInt;
-    case mel::Type::Float: return kDouble;
-    case mel::Type::String: return kString;
-    case mel::Type::Vector: return kVector;
-    case mel::Type::Matrix: return kMatrix;
-    case mel::Type::IntArray: return kIntArray;
-    case mel::Type::FloatArray: return kDoubleArray;
-    case mel::Type::StringArray: return kStringArray;
-    case mel::Type::VectorArray: return kVectorArray;
-    default: return kInvalid;
+    case mel::Type::Int:
+      return kInt;
+    case mel::Type::Float:
+      return kDouble;
+    case mel::Type::String:
+      return kString;
+    case mel::Type::Vector:
+      return kVector;
+    case mel::Type::Matrix:
+      return kMatrix;
+    case mel::Type::IntArray:
+      return kIntArray;
+    case mel::Type::FloatArray:
+      return kDoubleArray;
+    case mel::Type::StringArray:
+      return kStringArray;
+    case mel::Type::VectorArray:
+      return kVectorArray;
+    default:
+      return kInvalid;
   }
 }
 MString MCommandResult::stringResult(MStatus* status) const {
@@ -179,8 +206,10 @@ MString MCommandResult::stringResult(MStatus* status) const {
   setStatus(status, code.statusCode());
   return text;
 }
-#define HOST_RESULT(Type) \
-  MStatus MCommandResult::getResult(Type& result) const { return api::convert(api::valueOf(handle_), result); }
+#define HOST_RESULT(Type)                                 \
+  MStatus MCommandResult::getResult(Type& result) const { \
+    return api::convert(api::valueOf(handle_), result);   \
+  }
 HOST_RESULT(int)
 HOST_RESULT(MIntArray)
 HOST_RESULT(double)
@@ -195,6 +224,7 @@ MStatus MCommandResult::getResult(MDoubleArray& result, int& numRows, int& numCo
   if (value.type() != mel::Type::Matrix) return MStatus::kFailure;
   numRows = value.matrix().rows;
   numColumns = value.matrix().columns;
-  result = MDoubleArray(value.matrix().cells.data(), static_cast<unsigned int>(value.matrix().cells.size()));
+  result = MDoubleArray(value.matrix().cells.data(),
+                        static_cast<unsigned int>(value.matrix().cells.size()));
   return MStatus::kSuccess;
 }

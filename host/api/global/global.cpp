@@ -1,5 +1,5 @@
-#include <maya/MGlobal.h>
 #include <maya/MFn.h>
+#include <maya/MGlobal.h>
 #include <maya/MVector.h>
 
 #include <cstdio>
@@ -38,7 +38,9 @@ bool& tracksOrder() {
 using namespace host;
 using api::setStatus;
 
-void MGlobal::displayInfo(const MString& text) { postMessage(MessageKind::Info, text.asChar()); }
+void MGlobal::displayInfo(const MString& text) {
+  postMessage(MessageKind::Info, text.asChar());
+}
 void MGlobal::displayWarning(const MString& warning) {
   api::logLine("Warning: " + warning);
   postMessage(MessageKind::Warning, warning.asChar());
@@ -58,7 +60,9 @@ MStatus MGlobal::startErrorLogging(const MString& logFileName) {
   api::errorLog().path = logFileName.asChar();
   return startErrorLogging();
 }
-MStatus MGlobal::stopErrorLogging() { return closeErrorLog(); }
+MStatus MGlobal::stopErrorLogging() {
+  return closeErrorLog();
+}
 MStatus MGlobal::closeErrorLog() {
   auto& log = api::errorLog();
   if (log.file) std::fclose(log.file);
@@ -79,7 +83,9 @@ MStatus MGlobal::setErrorLogPathName(const MString& logFileName) {
   api::errorLog().path = logFileName.asChar();
   return MStatus::kSuccess;
 }
-MStatus MGlobal::resetToDefaultErrorLogPathName() { return setErrorLogPathName(defaultErrorLogPathName()); }
+MStatus MGlobal::resetToDefaultErrorLogPathName() {
+  return setErrorLogPathName(defaultErrorLogPathName());
+}
 MString MGlobal::defaultErrorLogPathName(MStatus* status) {
   setStatus(status, MStatus::kSuccess);
   return "qxmt_errors.log";
@@ -95,8 +101,12 @@ MStatus MGlobal::deleteNode(MObject& object) {
   return api::toStatus(api::document().deleteNodes({node}));
 }
 
-MStatus MGlobal::setYAxisUp(bool) { return MStatus::kSuccess; }
-MStatus MGlobal::setZAxisUp(bool) { return MStatus::kFailure; }
+MStatus MGlobal::setYAxisUp(bool) {
+  return MStatus::kSuccess;
+}
+MStatus MGlobal::setZAxisUp(bool) {
+  return MStatus::kFailure;
+}
 bool MGlobal::isYAxisUp(MStatus* status) {
   setStatus(status, MStatus::kSuccess);
   return true;
@@ -114,12 +124,24 @@ MGlobal::MMayaState MGlobal::mayaState(MStatus* status) {
   setStatus(status, MStatus::kSuccess);
   return cmd::currentSession().isBatch ? kBatch : kInteractive;
 }
-MString MGlobal::mayaVersion() { return "2014"; }
-int MGlobal::apiVersion() { return MAYA_API_VERSION; }
-int MGlobal::customVersion() { return 0; }
-bool MGlobal::isUndoing() { return api::isUndoingNow(); }
-bool MGlobal::isRedoing() { return api::isRedoingNow(); }
-MString MGlobal::currentToolContext() { return executeCommandStringResult("currentCtx"); }
+MString MGlobal::mayaVersion() {
+  return "2014";
+}
+int MGlobal::apiVersion() {
+  return MAYA_API_VERSION;
+}
+int MGlobal::customVersion() {
+  return 0;
+}
+bool MGlobal::isUndoing() {
+  return api::isUndoingNow();
+}
+bool MGlobal::isRedoing() {
+  return api::isRedoingNow();
+}
+MString MGlobal::currentToolContext() {
+  return executeCommandStringResult("currentCtx");
+}
 
 bool MGlobal::trackSelectionOrderEnabled(MStatus* status) {
   setStatus(status, MStatus::kSuccess);
@@ -132,12 +154,15 @@ MStatus MGlobal::setTrackSelectionOrderEnabled(bool enabled) {
 
 namespace {
 
-cmd::OptionVars& optionVars() { return cmd::currentSession().optionVars(); }
+cmd::OptionVars& optionVars() {
+  return cmd::currentSession().optionVars();
+}
 
 /// A variable as the language's value; None when there is none.
 mel::Value findOption(const MString& name) {
   const cmd::OptionVars::Value* value = optionVars().find(name.asChar());
-  return value ? std::visit([](const auto& stored) { return mel::Value(stored); }, *value) : mel::Value();
+  return value ? std::visit([](const auto& stored) { return mel::Value(stored); }, *value)
+               : mel::Value();
 }
 
 void setExists(bool* exists, const mel::Value& value) {
@@ -146,7 +171,9 @@ void setExists(bool* exists, const mel::Value& value) {
 
 }  // namespace
 
-bool MGlobal::optionVarExists(const MString& name) { return optionVars().find(name.asChar()) != nullptr; }
+bool MGlobal::optionVarExists(const MString& name) {
+  return optionVars().find(name.asChar()) != nullptr;
+}
 int MGlobal::optionVarIntValue(const MString& name, bool* exists) {
   const mel::Value value = findOption(name);
   setExists(exists, value);
@@ -201,4 +228,6 @@ bool MGlobal::initOptionVar(const MString& name, double value, const MString&) {
 bool MGlobal::initOptionVar(const MString& name, const MString& value, const MString&) {
   return !optionVarExists(name) && setOptionVarValue(name, value);
 }
-bool MGlobal::removeOptionVar(const MString& name) { return optionVars().remove(name.asChar()); }
+bool MGlobal::removeOptionVar(const MString& name) {
+  return optionVars().remove(name.asChar());
+}

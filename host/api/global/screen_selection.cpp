@@ -21,7 +21,9 @@ struct SelectionSettings {
   MSelectionList preselection;
 };
 
-SelectionSettings& settings() { return cmd::currentSession().service<SelectionSettings>(); }
+SelectionSettings& settings() {
+  return cmd::currentSession().service<SelectionSettings>();
+}
 
 struct MaskWord {
   MSelectionMask::SelectionType type;
@@ -47,10 +49,12 @@ MSelectionMask readMask(const MaskWord (&words)[Count], MStatus* status) {
   setStatus(status, MStatus::kSuccess);
   MSelectionMask mask;
   for (const MaskWord& entry : words) {
-    const auto value =
-        cmd::currentSession().executeLine(std::string("selectType -q -") + entry.word, {.undo = false});
-    if (!value) setStatus(status, toStatus(value).statusCode());
-    else if (value->toInt().value_or(0) != 0) mask.addMask(entry.type);
+    const auto value = cmd::currentSession().executeLine(
+        std::string("selectType -q -") + entry.word, {.undo = false});
+    if (!value)
+      setStatus(status, toStatus(value).statusCode());
+    else if (value->toInt().value_or(0) != 0)
+      mask.addMask(entry.type);
   }
   return mask;
 }
@@ -68,19 +72,23 @@ MStatus selectInRectangle(viewport::PickRect rect, MGlobal::ListAdjustment how) 
   tools::ToolRegistry& registry = builtins::toolsOf(session);
   const auto view = registry.views.scene({});
   if (!view) return toStatus(view);
-  auto picked =
-      tools::pickFromScreen(session.document(), registry.picker(), *view, rect, registry.views.pickOptions());
+  auto picked = tools::pickFromScreen(session.document(), registry.picker(), *view, rect,
+                                      registry.views.pickOptions());
   if (!picked) return toStatus(picked);
   return MGlobal::setActiveSelectionList(wrap(std::move(*picked)), how);
 }
 
-viewport::ViewPoint toViewPoint(short x, short y) { return {static_cast<double>(x), static_cast<double>(y)}; }
+viewport::ViewPoint toViewPoint(short x, short y) {
+  return {static_cast<double>(x), static_cast<double>(y)};
+}
 
-/// Puts a node of the hierarchy under another, or under the world; nothing to do where it is there already.
+/// Puts a node of the hierarchy under another, or under the world; nothing to do where it is there
+/// already.
 MStatus placeUnder(const MObject& object, const MObject& parent) {
   dg::Node* node = nodeOf(object);
   dg::Node* above = nodeOf(parent);
-  if (!node || !scene::isDagNode(*node) || (!parent.isNull() && !above)) return MStatus::kInvalidParameter;
+  if (!node || !scene::isDagNode(*node) || (!parent.isNull() && !above))
+    return MStatus::kInvalidParameter;
   const auto& parents = scene::dagLinks(*node).parents;
   if (parents.size() == 1 && parents.front() == above) return MStatus::kSuccess;
   return toStatus(document().reparent(scene::firstPath(*node), above));
@@ -92,14 +100,16 @@ MStatus placeUnder(const MObject& object, const MObject& parent) {
 using namespace host;
 using api::setStatus;
 
-MStatus MGlobal::selectFromScreen(const short& x_pos, const short& y_pos, ListAdjustment listAdjustment,
-                                  SelectionMethod) {
+MStatus MGlobal::selectFromScreen(const short& x_pos, const short& y_pos,
+                                  ListAdjustment listAdjustment, SelectionMethod) {
   const viewport::ViewPoint at = api::toViewPoint(x_pos, y_pos);
   return api::selectInRectangle({at, at}, listAdjustment);
 }
-MStatus MGlobal::selectFromScreen(const short& start_x, const short& start_y, const short& end_x, const short& end_y,
-                                  ListAdjustment listAdjustment, SelectionMethod) {
-  return api::selectInRectangle({api::toViewPoint(start_x, start_y), api::toViewPoint(end_x, end_y)}, listAdjustment);
+MStatus MGlobal::selectFromScreen(const short& start_x, const short& start_y, const short& end_x,
+                                  const short& end_y, ListAdjustment listAdjustment,
+                                  SelectionMethod) {
+  return api::selectInRectangle(
+      {api::toViewPoint(start_x, start_y), api::toViewPoint(end_x, end_y)}, listAdjustment);
 }
 MGlobal::SelectionMethod MGlobal::selectionMethod(MStatus* status) {
   setStatus(status, MStatus::kSuccess);
@@ -114,7 +124,9 @@ MSelectionMask MGlobal::animSelectionMask(MStatus* status) {
   setStatus(status, MStatus::kSuccess);
   return api::settings().anim;
 }
-MSelectionMask MGlobal::objectSelectionMask(MStatus* status) { return api::readMask(api::kObjectWords, status); }
+MSelectionMask MGlobal::objectSelectionMask(MStatus* status) {
+  return api::readMask(api::kObjectWords, status);
+}
 MSelectionMask MGlobal::componentSelectionMask(MStatus* status) {
   return api::readMask(api::kComponentWords, status);
 }
@@ -126,7 +138,9 @@ MStatus MGlobal::setAnimSelectionMask(const MSelectionMask& mask) {
   api::settings().anim = mask;
   return MStatus::kSuccess;
 }
-MStatus MGlobal::setObjectSelectionMask(const MSelectionMask& mask) { return api::writeMask(api::kObjectWords, mask); }
+MStatus MGlobal::setObjectSelectionMask(const MSelectionMask& mask) {
+  return api::writeMask(api::kObjectWords, mask);
+}
 MStatus MGlobal::setComponentSelectionMask(const MSelectionMask& mask) {
   return api::writeMask(api::kComponentWords, mask);
 }
@@ -146,24 +160,29 @@ MStatus MGlobal::getLiveList(MSelectionList& dest) {
 MStatus MGlobal::getAssociatedSets(MSelectionList& list) {
   const scene::SelectionList given = api::listOf(list);
   for (const scene::SelectionItem& item : given.items())
-    for (dg::Node* set : nodes::setsOf(api::document(), item)) api::writableList(list).add(set->shared_from_this());
+    for (dg::Node* set : nodes::setsOf(api::document(), item))
+      api::writableList(list).add(set->shared_from_this());
   return MStatus::kSuccess;
 }
 MStatus MGlobal::getFunctionSetList(const MObject& object, MStringArray& array) {
   if (object.isNull()) return MStatus::kInvalidParameter;
   array.clear();
   for (int type = MFn::kBase; type < MFn::kLast; ++type)
-    if (object.hasFn(static_cast<MFn::Type>(type))) array.append(api::fnTypeName(static_cast<MFn::Type>(type)));
+    if (object.hasFn(static_cast<MFn::Type>(type)))
+      array.append(api::fnTypeName(static_cast<MFn::Type>(type)));
   return MStatus::kSuccess;
 }
 
-MStatus MGlobal::addToModel(const MObject& object, const MObject& parent) { return api::placeUnder(object, parent); }
-MStatus MGlobal::addToModelAt(const MObject& object, const MVector& position, const MObject& parent) {
+MStatus MGlobal::addToModel(const MObject& object, const MObject& parent) {
+  return api::placeUnder(object, parent);
+}
+MStatus MGlobal::addToModelAt(const MObject& object, const MVector& position,
+                              const MObject& parent) {
   const MStatus status = addToModel(object, parent);
   dg::Node* node = api::nodeOf(object);
   if (!status || !node || !scene::isTransform(*node)) return status;
-  return api::toStatus(
-      api::document().graph().setVec3(node->plug("translate"), math::Vec3{position.x, position.y, position.z}));
+  return api::toStatus(api::document().graph().setVec3(
+      node->plug("translate"), math::Vec3{position.x, position.y, position.z}));
 }
 MStatus MGlobal::removeFromModel(const MObject& object) {
   MObject node = object;
@@ -177,9 +196,12 @@ MStatus MGlobal::setDisplayCVs(const MObject& object, bool useSelected) {
 }
 
 MStatus MGlobal::viewFrame(double frame) {
-  return api::toStatus(cmd::currentSession().executeLine("currentTime " + std::to_string(frame), {.undo = false}));
+  return api::toStatus(
+      cmd::currentSession().executeLine("currentTime " + std::to_string(frame), {.undo = false}));
 }
-MStatus MGlobal::viewFrame(const MTime& time) { return viewFrame(time.as(MTime::uiUnit())); }
+MStatus MGlobal::viewFrame(const MTime& time) {
+  return viewFrame(time.as(MTime::uiUnit()));
+}
 
 MString MGlobal::getAbsolutePathToResources() {
   std::error_code ignored;

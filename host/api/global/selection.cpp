@@ -79,7 +79,8 @@ MStatus MGlobal::getSelectionListByName(const MString& name, MSelectionList& lis
   return MStatus::kSuccess;
 }
 
-MStatus MGlobal::select(const MDagPath& object, const MObject& component, ListAdjustment listAdjustment) {
+MStatus MGlobal::select(const MDagPath& object, const MObject& component,
+                        ListAdjustment listAdjustment) {
   MSelectionList list;
   const MStatus status = list.add(object, component);
   return status ? setActiveSelectionList(list, listAdjustment) : status;
@@ -102,8 +103,12 @@ MStatus MGlobal::selectCommand(const MSelectionList& src, ListAdjustment listAdj
 MStatus MGlobal::unselect(const MDagPath& object, const MObject& component) {
   return select(object, component, kRemoveFromList);
 }
-MStatus MGlobal::unselect(const MObject& object) { return select(object, kRemoveFromList); }
-MStatus MGlobal::unselectByName(const MString& name) { return api::adjustByName(name, kRemoveFromList); }
+MStatus MGlobal::unselect(const MObject& object) {
+  return select(object, kRemoveFromList);
+}
+MStatus MGlobal::unselectByName(const MString& name) {
+  return api::adjustByName(name, kRemoveFromList);
+}
 
 MGlobal::SelectionMode MGlobal::selectionMode(MStatus* status) {
   setStatus(status, MStatus::kSuccess);
@@ -114,6 +119,7 @@ MGlobal::SelectionMode MGlobal::selectionMode(MStatus* status) {
   return kSelectObjectMode;
 }
 MStatus MGlobal::setSelectionMode(SelectionMode mode) {
-  static const char* const kFlags[] = {"-object", "-component", "-root", "-leaf", "-template", "-component"};
+  static const char* const kFlags[] = {"-object", "-component", "-root",
+                                       "-leaf",   "-template",  "-component"};
   return api::runWords(std::string("selectMode ") + kFlags[mode]);
 }

@@ -38,7 +38,8 @@ struct DagWalk final : SharedRep {
     if (order == MItDag::kBreadthFirst) {
       for (dg::Node* child : children) open.push_back(path.child(child));
     } else {
-      for (auto child = children.rbegin(); child != children.rend(); ++child) open.push_front(path.child(*child));
+      for (auto child = children.rbegin(); child != children.rend(); ++child)
+        open.push_front(path.child(*child));
     }
   }
   [[nodiscard]] bool passes(const scene::DagPath& path) const {
@@ -49,7 +50,8 @@ struct DagWalk final : SharedRep {
       if (node.hasFn(type)) return true;
     return false;
   }
-  /// Goes on to the next path that the filter lets through. What fails it is not shown, but what is below it is.
+  /// Goes on to the next path that the filter lets through. What fails it is not shown, but what is
+  /// below it is.
   void settle() {
     while (!open.empty() && !passes(open.front())) {
       const scene::DagPath path = std::move(open.front());
@@ -64,7 +66,8 @@ std::vector<MFn::Type> filterOf(const MIteratorType& info) {
   if (info.filterListEnabled()) {
     MIntArray list;
     (void)info.getFilterList(list);
-    for (unsigned int i = 0; i < list.length(); ++i) types.push_back(static_cast<MFn::Type>(list[i]));
+    for (unsigned int i = 0; i < list.length(); ++i)
+      types.push_back(static_cast<MFn::Type>(list[i]));
   } else if (info.getFilterType() != MFn::kInvalid) {
     types.push_back(info.getFilterType());
   }
@@ -169,12 +172,15 @@ MStatus MItDag::getAllPaths(MDagPathArray& paths) const {
   const MObject item = currentItem(&status);
   return status ? MDagPath::getAllPathsTo(item, paths) : status;
 }
-bool MItDag::isInstanced(bool indirect, MStatus* status) const { return instanceCount(indirect, status) > 1; }
+bool MItDag::isInstanced(bool indirect, MStatus* status) const {
+  return instanceCount(indirect, status) > 1;
+}
 unsigned int MItDag::instanceCount(bool total, MStatus* status) const {
   const DagWalk* walk = atPath(handle_, status);
   const dg::Node* node = walk ? walk->open.front().node() : nullptr;
   if (!node) return 0;
-  return static_cast<unsigned int>(total ? scene::allPaths(*node).size() : scene::dagLinks(*node).parents.size());
+  return static_cast<unsigned int>(total ? scene::allPaths(*node).size()
+                                         : scene::dagLinks(*node).parents.size());
 }
 MStatus MItDag::traverseUnderWorld(bool value) {
   static_cast<DagWalk*>(handle_.get())->entersUnderWorld = value;

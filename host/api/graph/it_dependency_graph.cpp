@@ -54,7 +54,8 @@ struct GraphWalk final : SharedRep {
   [[nodiscard]] bool passes(const dg::NodePtr& node) const {
     if (filter.empty()) return true;
     const MObject object = wrap(node);
-    return std::any_of(filter.begin(), filter.end(), [&](MFn::Type type) { return object.hasFn(type); });
+    return std::any_of(filter.begin(), filter.end(),
+                       [&](MFn::Type type) { return object.hasFn(type); });
   }
   void settle() {
     while (!open.empty() && !passes(open.front().node)) leave(!prunesOnFilter);
@@ -65,7 +66,8 @@ struct GraphWalk final : SharedRep {
     if (goesOn && stop.node->isAlive()) addNext(stop);
   }
   [[nodiscard]] bool isNew(const dg::Plug& plug) {
-    return level == Graph::kNodeLevel ? seenNodes.insert(plug.node()).second : seenPlugs.insert(plug).second;
+    return level == Graph::kNodeLevel ? seenNodes.insert(plug.node()).second
+                                      : seenPlugs.insert(plug).second;
   }
   void addNext(const Stop& stop) {
     std::vector<Stop> next;
@@ -86,7 +88,8 @@ struct GraphWalk final : SharedRep {
     if (traversal == Graph::kBreadthFirst)
       for (Stop& each : next) open.push_back(std::move(each));
     else
-      for (auto each = next.rbegin(); each != next.rend(); ++each) open.push_front(std::move(*each));
+      for (auto each = next.rbegin(); each != next.rend(); ++each)
+        open.push_front(std::move(*each));
   }
   /// Whether a plug of the root's node is the root plug, or a part of it, or has it as a part.
   [[nodiscard]] bool touches(const dg::Plug& plug) const {
@@ -99,7 +102,9 @@ struct GraphWalk final : SharedRep {
   }
 };
 
-GraphWalk& walkOf(const Handle& handle) { return *static_cast<GraphWalk*>(handle.get()); }
+GraphWalk& walkOf(const Handle& handle) {
+  return *static_cast<GraphWalk*>(handle.get());
+}
 
 const Stop* atStop(const Handle& handle, MStatus* status) {
   const GraphWalk& walk = walkOf(handle);
@@ -115,18 +120,19 @@ using api::atStop;
 using api::setStatus;
 using api::walkOf;
 
-MItDependencyGraph::MItDependencyGraph(MObject& rootNode, MFn::Type filter, Direction direction, Traversal traversal,
-                                       Level level, MStatus* status)
+MItDependencyGraph::MItDependencyGraph(MObject& rootNode, MFn::Type filter, Direction direction,
+                                       Traversal traversal, Level level, MStatus* status)
     : handle_(new api::GraphWalk) {
   setStatus(status, resetTo(rootNode, filter, direction, traversal, level).statusCode());
 }
-MItDependencyGraph::MItDependencyGraph(MPlug& rootPlug, MFn::Type filter, Direction direction, Traversal traversal,
-                                       Level level, MStatus* status)
+MItDependencyGraph::MItDependencyGraph(MPlug& rootPlug, MFn::Type filter, Direction direction,
+                                       Traversal traversal, Level level, MStatus* status)
     : handle_(new api::GraphWalk) {
   setStatus(status, resetTo(rootPlug, filter, direction, traversal, level).statusCode());
 }
-MItDependencyGraph::MItDependencyGraph(MObject& rootNode, const MIteratorType& filter, Direction direction,
-                                       Traversal traversal, Level level, MStatus* status)
+MItDependencyGraph::MItDependencyGraph(MObject& rootNode, const MIteratorType& filter,
+                                       Direction direction, Traversal traversal, Level level,
+                                       MStatus* status)
     : handle_(new api::GraphWalk) {
   const MStatus done = resetTo(rootNode, filter.getFilterType(), direction, traversal, level);
   setStatus(status, done.statusCode());
@@ -143,8 +149,8 @@ MStatus MItDependencyGraph::reset() {
   walkOf(handle_).start();
   return MStatus::kSuccess;
 }
-MStatus MItDependencyGraph::resetTo(MObject& rootNode, MFn::Type filter, Direction direction, Traversal traversal,
-                                    Level level) {
+MStatus MItDependencyGraph::resetTo(MObject& rootNode, MFn::Type filter, Direction direction,
+                                    Traversal traversal, Level level) {
   api::GraphWalk& walk = walkOf(handle_);
   dg::Node* node = api::nodeOf(rootNode);
   walk.root = node ? node->shared_from_this() : nullptr;
@@ -157,8 +163,8 @@ MStatus MItDependencyGraph::resetTo(MObject& rootNode, MFn::Type filter, Directi
   walk.start();
   return node ? MStatus::kSuccess : MStatus::kInvalidParameter;
 }
-MStatus MItDependencyGraph::resetTo(MPlug& rootPlug, MFn::Type filter, Direction direction, Traversal traversal,
-                                    Level level) {
+MStatus MItDependencyGraph::resetTo(MPlug& rootPlug, MFn::Type filter, Direction direction,
+                                    Traversal traversal, Level level) {
   MObject node = rootPlug.node();
   const MStatus status = resetTo(node, filter, direction, traversal, level);
   if (!status) return status;
@@ -194,14 +200,17 @@ MStatus MItDependencyGraph::getNodePath(MObjectArray& path) const {
   MStatus status;
   const api::Stop* stop = atStop(handle_, &status);
   if (!stop) return status;
-  for (auto node = stop->way.rbegin(); node != stop->way.rend(); ++node) path.append(api::wrap(*node));
+  for (auto node = stop->way.rbegin(); node != stop->way.rend(); ++node)
+    path.append(api::wrap(*node));
   return status;
 }
 bool MItDependencyGraph::thisNodeHasUnknownType(MStatus* status) const {
   (void)atStop(handle_, status);
   return false;
 }
-bool MItDependencyGraph::atNodeLevel(MStatus* status) const { return currentLevel(status) == kNodeLevel; }
+bool MItDependencyGraph::atNodeLevel(MStatus* status) const {
+  return currentLevel(status) == kNodeLevel;
+}
 MStatus MItDependencyGraph::rootNode(MObject& root) const {
   root = api::wrap(walkOf(handle_).root);
   return root.isNull() ? MStatus::kFailure : MStatus::kSuccess;
@@ -251,5 +260,9 @@ bool MItDependencyGraph::isPruningOnFilter(MStatus* status) const {
   setStatus(status, MStatus::kSuccess);
   return walkOf(handle_).prunesOnFilter;
 }
-void MItDependencyGraph::enablePruningOnFilter() { walkOf(handle_).prunesOnFilter = true; }
-void MItDependencyGraph::disablePruningOnFilter() { walkOf(handle_).prunesOnFilter = false; }
+void MItDependencyGraph::enablePruningOnFilter() {
+  walkOf(handle_).prunesOnFilter = true;
+}
+void MItDependencyGraph::disablePruningOnFilter() {
+  walkOf(handle_).prunesOnFilter = false;
+}

@@ -41,12 +41,15 @@ using api::setStatus;
 MItDependencyNodes::MItDependencyNodes(MFn::Type filter, MStatus* status) : handle_(new NodeWalk) {
   setStatus(status, reset(filter).statusCode());
 }
-MItDependencyNodes::MItDependencyNodes(const MIteratorType& filter, MStatus* status) : MItDependencyNodes() {
+MItDependencyNodes::MItDependencyNodes(const MIteratorType& filter, MStatus* status)
+    : MItDependencyNodes() {
   auto* walk = static_cast<NodeWalk*>(handle_.get());
   MIntArray list;
   if (filter.filterListEnabled()) (void)filter.getFilterList(list);
-  for (unsigned int i = 0; i < list.length(); ++i) walk->filter.push_back(static_cast<MFn::Type>(list[i]));
-  if (!filter.filterListEnabled() && filter.getFilterType() != MFn::kInvalid) walk->filter = {filter.getFilterType()};
+  for (unsigned int i = 0; i < list.length(); ++i)
+    walk->filter.push_back(static_cast<MFn::Type>(list[i]));
+  if (!filter.filterListEnabled() && filter.getFilterType() != MFn::kInvalid)
+    walk->filter = {filter.getFilterType()};
   walk->start();
   setStatus(status, MStatus::kSuccess);
 }

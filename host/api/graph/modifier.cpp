@@ -68,7 +68,8 @@ MStatus remember(Error error) {
   return MStatus::kFailure;
 }
 
-MObject created(ModifierRep& rep, const dg::NodeType* type, dg::Node* parent, bool asDag, MStatus* status) {
+MObject created(ModifierRep& rep, const dg::NodeType* type, dg::Node* parent, bool asDag,
+                MStatus* status) {
   const bool isDag = type && type->isA("dagNode");
   if (!type || isDag != asDag) {
     setStatus(status, MStatus::kInvalidParameter);
@@ -93,7 +94,8 @@ MStatus queueValue(ModifierRep& rep, const MPlug& plug, dg::Value value) {
 }
 
 /// A step on a node, if it is still there when its turn comes.
-MStatus queueNode(ModifierRep& rep, const MObject& node, std::function<Result<void>(dg::Node&)> step) {
+MStatus queueNode(ModifierRep& rep, const MObject& node,
+                  std::function<Result<void>(dg::Node&)> step) {
   if (!nodeOf(node)) return MStatus::kInvalidParameter;
   rep.add([node, step = std::move(step)]() -> Result<void> {
     dg::Node* now = aliveNode(node);
@@ -115,16 +117,20 @@ MDGModifier::MDGModifier() : handle_(new api::ModifierRep) {}
 MDGModifier::~MDGModifier() = default;
 
 MObject MDGModifier::createNode(const MTypeId& typeId, MStatus* status) {
-  return api::created(modifierOf(*this), api::document().types().find(typeId.id()), nullptr, false, status);
+  return api::created(modifierOf(*this), api::document().types().find(typeId.id()), nullptr, false,
+                      status);
 }
 MObject MDGModifier::createNode(const MString& type, MStatus* status) {
-  return api::created(modifierOf(*this), api::document().types().find(type.asChar()), nullptr, false, status);
+  return api::created(modifierOf(*this), api::document().types().find(type.asChar()), nullptr,
+                      false, status);
 }
 MStatus MDGModifier::deleteNode(const MObject& node) {
   return api::queueNode(modifierOf(*this), node,
                         [](dg::Node& each) { return api::document().deleteNodes({&each}); });
 }
-MStatus MDGModifier::deleteNode(const MObject& node, bool) { return deleteNode(node); }
+MStatus MDGModifier::deleteNode(const MObject& node, bool) {
+  return deleteNode(node);
+}
 MStatus MDGModifier::renameNode(const MObject& node, const MString& newName) {
   const std::string name = newName.asChar();
   if (name.empty()) return MStatus::kInvalidParameter;
@@ -135,12 +141,13 @@ MStatus MDGModifier::renameNode(const MObject& node, const MString& newName) {
   });
 }
 MStatus MDGModifier::setNodeLockState(const MObject& node, bool newState) {
-  return api::queueNode(modifierOf(*this), node,
-                        [newState](dg::Node& each) { return each.graph().setNodeLocked(each, newState); });
+  return api::queueNode(modifierOf(*this), node, [newState](dg::Node& each) {
+    return each.graph().setNodeLocked(each, newState);
+  });
 }
 
-MStatus MDGModifier::connect(const MObject& sourceNode, const MObject& sourceAttr, const MObject& destNode,
-                             const MObject& destAttr) {
+MStatus MDGModifier::connect(const MObject& sourceNode, const MObject& sourceAttr,
+                             const MObject& destNode, const MObject& destAttr) {
   return connect(MPlug(sourceNode, sourceAttr), MPlug(destNode, destAttr));
 }
 MStatus MDGModifier::connect(const MPlug& source, const MPlug& dest) {
@@ -152,8 +159,8 @@ MStatus MDGModifier::connect(const MPlug& source, const MPlug& dest) {
   });
   return MStatus::kSuccess;
 }
-MStatus MDGModifier::disconnect(const MObject& sourceNode, const MObject& sourceAttr, const MObject& destNode,
-                                const MObject& destAttr) {
+MStatus MDGModifier::disconnect(const MObject& sourceNode, const MObject& sourceAttr,
+                                const MObject& destNode, const MObject& destAttr) {
   return disconnect(MPlug(sourceNode, sourceAttr), MPlug(destNode, destAttr));
 }
 MStatus MDGModifier::disconnect(const MPlug& source, const MPlug& dest) {
@@ -168,13 +175,15 @@ MStatus MDGModifier::disconnect(const MPlug& source, const MPlug& dest) {
 MStatus MDGModifier::addAttribute(const MObject& node, const MObject& attribute) {
   const auto* rep = api::objectAs<api::AttributeRep>(attribute);
   if (!rep) return MStatus::kInvalidParameter;
-  return api::queueNode(modifierOf(*this), node, [added = rep->attribute](dg::Node& each) -> Result<void> {
-    const auto done = each.graph().addAttribute(each, added);
-    if (!done) return failWith(done.error());
-    return {};
-  });
+  return api::queueNode(modifierOf(*this), node,
+                        [added = rep->attribute](dg::Node& each) -> Result<void> {
+                          const auto done = each.graph().addAttribute(each, added);
+                          if (!done) return failWith(done.error());
+                          return {};
+                        });
 }
-MStatus MDGModifier::addAttribute(const MObject& node, const MObject& attribute, MFnDependencyNode::MAttrClass) {
+MStatus MDGModifier::addAttribute(const MObject& node, const MObject& attribute,
+                                  MFnDependencyNode::MAttrClass) {
   return addAttribute(node, attribute);
 }
 MStatus MDGModifier::removeAttribute(const MObject& node, const MObject& attribute) {
@@ -184,7 +193,8 @@ MStatus MDGModifier::removeAttribute(const MObject& node, const MObject& attribu
     return each.graph().removeAttribute(each, removed.get());
   });
 }
-MStatus MDGModifier::removeAttribute(const MObject& node, const MObject& attribute, MFnDependencyNode::MAttrClass) {
+MStatus MDGModifier::removeAttribute(const MObject& node, const MObject& attribute,
+                                     MFnDependencyNode::MAttrClass) {
   return removeAttribute(node, attribute);
 }
 MStatus MDGModifier::removeMultiInstance(const MPlug& plug, bool breakConnections) {
@@ -199,16 +209,17 @@ MStatus MDGModifier::removeMultiInstance(const MPlug& plug, bool breakConnection
 }
 
 MStatus MDGModifier::newPlugValue(const MPlug& plug, const MObject& value) {
-  if (plugOf(plug).isNull() || !api::objectAs<api::DataRep>(value)) return MStatus::kInvalidParameter;
+  if (plugOf(plug).isNull() || !api::objectAs<api::DataRep>(value))
+    return MStatus::kInvalidParameter;
   modifierOf(*this).add([plug, value]() -> Result<void> {
     if (plug.setMObject(value)) return {};
     return fail("{}", api::takeRememberedError());
   });
   return MStatus::kSuccess;
 }
-#define HOST_NEW_VALUE(Name, Type, converted)                                  \
-  MStatus MDGModifier::newPlugValue##Name(const MPlug& plug, Type value) {     \
-    return api::queueValue(modifierOf(*this), plug, dg::Value(converted));     \
+#define HOST_NEW_VALUE(Name, Type, converted)                              \
+  MStatus MDGModifier::newPlugValue##Name(const MPlug& plug, Type value) { \
+    return api::queueValue(modifierOf(*this), plug, dg::Value(converted)); \
   }
 HOST_NEW_VALUE(Bool, bool, std::int64_t{value})
 HOST_NEW_VALUE(Char, char, std::int64_t{value})
@@ -259,7 +270,8 @@ MObject MDagModifier::createNode(const MString& type, const MObject& parent, MSt
     setStatus(status, MStatus::kInvalidParameter);
     return MObject();
   }
-  return api::created(modifierOf(*this), api::document().types().find(type.asChar()), above, true, status);
+  return api::created(modifierOf(*this), api::document().types().find(type.asChar()), above, true,
+                      status);
 }
 MStatus MDagModifier::reparentNode(const MObject& node, const MObject& newParent) {
   if (!newParent.isNull() && !api::nodeOf(newParent)) return MStatus::kInvalidParameter;

@@ -16,7 +16,8 @@ struct ModifierRep final : SharedRep {
   /// Makes a node now, so that later steps can name it; it is part of the next run.
   Result<dg::NodePtr> create(const std::string& type, dg::Node* parent);
   void add(std::function<Result<void>()> step) { steps.push_back(std::move(step)); }
-  /// Runs what is queued, or does again what was taken back. A step that fails takes back all of this run.
+  /// Runs what is queued, or does again what was taken back. A step that fails takes back all of
+  /// this run.
   Result<void> run();
   void takeBack();
 

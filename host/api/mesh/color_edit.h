@@ -10,10 +10,16 @@
 
 namespace host::api {
 
-[[nodiscard]] inline MColor toMColor(const mesh::Color4f& c) { return MColor(c.r, c.g, c.b, c.a); }
-[[nodiscard]] inline mesh::Color4f fromMColor(const MColor& c) { return {c.r, c.g, c.b, c.a}; }
+[[nodiscard]] inline MColor toMColor(const mesh::Color4f& c) {
+  return MColor(c.r, c.g, c.b, c.a);
+}
+[[nodiscard]] inline mesh::Color4f fromMColor(const MColor& c) {
+  return {c.r, c.g, c.b, c.a};
+}
 /// What queries give where nothing is coloured, unless the caller has another wish.
-[[nodiscard]] inline MColor unsetColor(const MColor* wished) { return wished ? *wished : MColor(-1, -1, -1, -1); }
+[[nodiscard]] inline MColor unsetColor(const MColor* wished) {
+  return wished ? *wished : MColor(-1, -1, -1, -1);
+}
 
 /// The mean of those colours that are set (alpha not below 0); fails when none is.
 MStatus meanColor(const MColorArray& colors, MColor& mean);
@@ -25,15 +31,17 @@ MStatus meanColor(const MColorArray& colors, MColor& mean);
   return ids.empty() ? kNone : ids[static_cast<std::size_t>(corner)];
 }
 
-/// Colours the corners of the current colour set one by one; a mesh without a set gets "colorSet1". Colours that no
-/// corner uses any more are dropped by `finish`, the others keep their order.
+/// Colours the corners of the current colour set one by one; a mesh without a set gets "colorSet1".
+/// Colours that no corner uses any more are dropped by `finish`, the others keep their order.
 class ColorEdit {
  public:
   explicit ColorEdit(mesh::Mesh& mesh);
   /// Adds a colour and returns its id for `assign`.
   [[nodiscard]] Index add(const MColor& color);
   /// Gives a corner a colour, or none.
-  void assign(CornerId corner, Index color) { set_.cornerIds[static_cast<std::size_t>(corner)] = color; }
+  void assign(CornerId corner, Index color) {
+    set_.cornerIds[static_cast<std::size_t>(corner)] = color;
+  }
   void setRepresentation(int channels) { set_.representation = channels; }
   void finish();
 

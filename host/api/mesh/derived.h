@@ -7,13 +7,14 @@
 
 namespace host::api {
 
-/// Keeps what was last computed from a mesh, so that calls that ask about one component after the other don't compute it
-/// anew each time. It keeps no mesh alive; safe to use from several threads.
+/// Keeps what was last computed from a mesh, so that calls that ask about one component after the
+/// other don't compute it anew each time. It keeps no mesh alive; safe to use from several threads.
 template <class T, class Key = int>
 class LatestDerived {
  public:
   template <class Make>
-  [[nodiscard]] std::shared_ptr<const T> of(const scene::MeshDataPtr& data, const Key& key, Make make) {
+  [[nodiscard]] std::shared_ptr<const T> of(const scene::MeshDataPtr& data, const Key& key,
+                                            Make make) {
     const std::lock_guard lock(mutex_);
     if (!value_ || !(key_ == key) || mesh_.lock() != data) {
       value_ = std::make_shared<const T>(make(data->mesh));

@@ -8,12 +8,14 @@ namespace host::api {
 
 class Surface;
 
-/// The target of a function set; null when nothing is attached. Kept in the set's handle until it is attached elsewhere.
+/// The target of a function set; null when nothing is attached. Kept in the set's handle until it
+/// is attached elsewhere.
 [[nodiscard]] const MeshTarget& targetOf(const MFnMesh& set);
 
-/// The surface of a function set's mesh in a space, for ray and closest-point questions; null, with the status saying why,
-/// when there is none. Kept in the set's handle, so that many questions cost little more than their answers: it is
-/// made anew when another mesh arrives or the space has moved. Good until the next question to the set.
+/// The surface of a function set's mesh in a space, for ray and closest-point questions; null, with
+/// the status saying why, when there is none. Kept in the set's handle, so that many questions cost
+/// little more than their answers: it is made anew when another mesh arrives or the space has
+/// moved. Good until the next question to the set.
 [[nodiscard]] const Surface* surfaceOf(const MFnMesh& set, MSpace::Space space, MStatus& status);
 /// Lets go of the accelerators that the set's surface holds.
 void forgetSurface(const MFnMesh& set);
@@ -21,13 +23,16 @@ void forgetSurface(const MFnMesh& set);
 /// The mesh of a function set for one read; the status says why there is none.
 [[nodiscard]] scene::MeshDataPtr readMesh(const MFnMesh& set, MStatus* status = nullptr);
 
-/// Writes a mesh whose corner data, flags or creases were changed. With a modifier a shape's edit is done through it, so
-/// that its `undoIt` takes it back.
-[[nodiscard]] MStatus writeAttributes(const MFnMesh& set, mesh::Mesh mesh, MDGModifier* modifier = nullptr);
+/// Writes a mesh whose corner data, flags or creases were changed. With a modifier a shape's edit
+/// is done through it, so that its `undoIt` takes it back.
+[[nodiscard]] MStatus writeAttributes(const MFnMesh& set, mesh::Mesh mesh,
+                                      MDGModifier* modifier = nullptr);
 /// The same for a mesh with other faces.
-[[nodiscard]] MStatus writeMesh(const MFnMesh& set, mesh::Mesh mesh, MDGModifier* modifier = nullptr);
+[[nodiscard]] MStatus writeMesh(const MFnMesh& set, mesh::Mesh mesh,
+                                MDGModifier* modifier = nullptr);
 
-/// Lets `change(mesh)` edit a copy of the mesh and writes it when the status that comes back is good.
+/// Lets `change(mesh)` edit a copy of the mesh and writes it when the status that comes back is
+/// good.
 template <class Change>
 [[nodiscard]] MStatus editAttributes(const MFnMesh& set, MDGModifier* modifier, Change change) {
   MStatus status;
@@ -49,9 +54,15 @@ template <class Operation>
   return status ? writeMesh(set, std::move(mesh), modifier) : status;
 }
 
-[[nodiscard]] inline bool isVertex(const mesh::Mesh& mesh, int id) { return id >= 0 && id < mesh.vertexCount(); }
-[[nodiscard]] inline bool isEdge(const mesh::Mesh& mesh, int id) { return id >= 0 && id < mesh.edgeCount(); }
-[[nodiscard]] inline bool isFace(const mesh::Mesh& mesh, int id) { return id >= 0 && id < mesh.faceCount(); }
+[[nodiscard]] inline bool isVertex(const mesh::Mesh& mesh, int id) {
+  return id >= 0 && id < mesh.vertexCount();
+}
+[[nodiscard]] inline bool isEdge(const mesh::Mesh& mesh, int id) {
+  return id >= 0 && id < mesh.edgeCount();
+}
+[[nodiscard]] inline bool isFace(const mesh::Mesh& mesh, int id) {
+  return id >= 0 && id < mesh.faceCount();
+}
 
 /// Corner of a face that stands at a vertex; kNone when the face has none there.
 [[nodiscard]] CornerId cornerAt(const mesh::Mesh& mesh, FaceId face, VertexId vertex);

@@ -15,7 +15,8 @@ struct Nearest {
   spatial::ClosestPoint place;
 };
 
-MStatus findNearest(const MFnMesh& set, const MPoint& point, MSpace::Space space, Nearest& nearest) {
+MStatus findNearest(const MFnMesh& set, const MPoint& point, MSpace::Space space,
+                    Nearest& nearest) {
   MStatus status;
   nearest.surface = surfaceOf(set, space, status);
   if (!status) return status;
@@ -30,7 +31,8 @@ ops::FacePlace facePlace(const spatial::SurfacePoint& place) {
 }
 
 /// A place that a UV query found, in a space.
-MPoint placeIn(const mesh::Mesh& mesh, const ops::FacePlace& place, const std::optional<math::Matrix4>& toSpace) {
+MPoint placeIn(const mesh::Mesh& mesh, const ops::FacePlace& place,
+               const std::optional<math::Matrix4>& toSpace) {
   const math::Vec3 p = ops::pointAt(mesh, place);
   return toMPoint(toSpace ? math::transformPoint(p, *toSpace) : p);
 }
@@ -42,8 +44,9 @@ using namespace host;
 using api::findNearest;
 using api::Nearest;
 
-MStatus MFnMesh::getClosestPoint(const MPoint& toThisPoint, MPoint& theClosestPoint, MSpace::Space space,
-                                 int* closestPolygon, MMeshIsectAccelParams*) const {
+MStatus MFnMesh::getClosestPoint(const MPoint& toThisPoint, MPoint& theClosestPoint,
+                                 MSpace::Space space, int* closestPolygon,
+                                 MMeshIsectAccelParams*) const {
   Nearest nearest;
   const MStatus status = findNearest(*this, toThisPoint, space, nearest);
   if (!status) return status;
@@ -51,13 +54,16 @@ MStatus MFnMesh::getClosestPoint(const MPoint& toThisPoint, MPoint& theClosestPo
   if (closestPolygon) *closestPolygon = nearest.place.face;
   return status;
 }
-MStatus MFnMesh::getClosestNormal(const MPoint& toThisPoint, MVector& theNormal, MSpace::Space space,
-                                  int* closestPolygon, MMeshIsectAccelParams* accelParams) const {
+MStatus MFnMesh::getClosestNormal(const MPoint& toThisPoint, MVector& theNormal,
+                                  MSpace::Space space, int* closestPolygon,
+                                  MMeshIsectAccelParams* accelParams) const {
   MPoint point;
-  return getClosestPointAndNormal(toThisPoint, point, theNormal, space, closestPolygon, accelParams);
+  return getClosestPointAndNormal(toThisPoint, point, theNormal, space, closestPolygon,
+                                  accelParams);
 }
-MStatus MFnMesh::getClosestPointAndNormal(const MPoint& toThisPoint, MPoint& theClosestPoint, MVector& theNormal,
-                                          MSpace::Space space, int* closestPolygon, MMeshIsectAccelParams*) const {
+MStatus MFnMesh::getClosestPointAndNormal(const MPoint& toThisPoint, MPoint& theClosestPoint,
+                                          MVector& theNormal, MSpace::Space space,
+                                          int* closestPolygon, MMeshIsectAccelParams*) const {
   Nearest nearest;
   const MStatus status = findNearest(*this, toThisPoint, space, nearest);
   if (!status) return status;
@@ -67,8 +73,8 @@ MStatus MFnMesh::getClosestPointAndNormal(const MPoint& toThisPoint, MPoint& the
   return status;
 }
 
-MStatus MFnMesh::getUVAtPoint(const MPoint& toThisPoint, float2& uvPoint, MSpace::Space space, const MString* uvSet,
-                              int* closestPolygon) const {
+MStatus MFnMesh::getUVAtPoint(const MPoint& toThisPoint, float2& uvPoint, MSpace::Space space,
+                              const MString* uvSet, int* closestPolygon) const {
   Nearest nearest;
   const MStatus status = findNearest(*this, toThisPoint, space, nearest);
   if (!status) return status;
@@ -83,8 +89,9 @@ MStatus MFnMesh::getUVAtPoint(const MPoint& toThisPoint, float2& uvPoint, MSpace
   return MStatus::kSuccess;
 }
 
-MStatus MFnMesh::getAxisAtPoint(MPoint& point, MVector& normal, MVector& uDir, MVector& vDir, MSpace::Space space,
-                                const MString* uvSet, int* closestPolygon) const {
+MStatus MFnMesh::getAxisAtPoint(MPoint& point, MVector& normal, MVector& uDir, MVector& vDir,
+                                MSpace::Space space, const MString* uvSet,
+                                int* closestPolygon) const {
   Nearest nearest;
   MStatus status = findNearest(*this, point, space, nearest);
   if (!status) return status;
@@ -106,8 +113,8 @@ MStatus MFnMesh::getAxisAtPoint(MPoint& point, MVector& normal, MVector& uDir, M
   return status;
 }
 
-MStatus MFnMesh::getPointAtUV(int polygonId, MPoint& toThisPoint, const float2& uvPoint, MSpace::Space space,
-                              const MString* uvSet, float tolerance) const {
+MStatus MFnMesh::getPointAtUV(int polygonId, MPoint& toThisPoint, const float2& uvPoint,
+                              MSpace::Space space, const MString* uvSet, float tolerance) const {
   MStatus status;
   const auto data = api::readMesh(*this, &status);
   if (!data) return status;
@@ -116,14 +123,15 @@ MStatus MFnMesh::getPointAtUV(int polygonId, MPoint& toThisPoint, const float2& 
   std::optional<math::Matrix4> toSpace;
   status = api::targetOf(*this).spaceMatrix(space, toSpace);
   if (!status) return status;
-  const auto place = ops::placeAtUv(data->mesh, set, polygonId, {uvPoint[0], uvPoint[1]}, static_cast<double>(tolerance));
+  const auto place = ops::placeAtUv(data->mesh, set, polygonId, {uvPoint[0], uvPoint[1]},
+                                    static_cast<double>(tolerance));
   if (!place) return MStatus::kFailure;
   toThisPoint = api::placeIn(data->mesh, *place, toSpace);
   return MStatus::kSuccess;
 }
 
-MStatus MFnMesh::getPointsAtUV(MIntArray& polygonIds, MPointArray& points, const float2& uvPoint, MSpace::Space space,
-                               const MString* uvSet, float tolerance) const {
+MStatus MFnMesh::getPointsAtUV(MIntArray& polygonIds, MPointArray& points, const float2& uvPoint,
+                               MSpace::Space space, const MString* uvSet, float tolerance) const {
   MStatus status;
   const auto data = api::readMesh(*this, &status);
   if (!data) return status;
@@ -135,7 +143,8 @@ MStatus MFnMesh::getPointsAtUV(MIntArray& polygonIds, MPointArray& points, const
   polygonIds.clear();
   points.clear();
   for (FaceId f = 0; f < data->mesh.faceCount(); ++f) {
-    const auto place = ops::placeAtUv(data->mesh, set, f, {uvPoint[0], uvPoint[1]}, static_cast<double>(tolerance));
+    const auto place = ops::placeAtUv(data->mesh, set, f, {uvPoint[0], uvPoint[1]},
+                                      static_cast<double>(tolerance));
     if (!place) continue;
     polygonIds.append(f);
     points.append(api::placeIn(data->mesh, *place, toSpace));

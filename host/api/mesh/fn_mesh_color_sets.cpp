@@ -16,8 +16,8 @@ std::string freeSetName(const mesh::Mesh& mesh, const MString& wanted) {
 }
 
 /// Adds a set and gives it back the name it got; empty when it failed.
-MString addColorSet(const MFnMesh& set, const MString& wanted, int representation, bool clamped, MDGModifier* modifier,
-                    MStatus* status) {
+MString addColorSet(const MFnMesh& set, const MString& wanted, int representation, bool clamped,
+                    MDGModifier* modifier, MStatus* status) {
   std::string name;
   const MStatus done = editAttributes(set, modifier, [&](mesh::Mesh& mesh) {
     name = freeSetName(mesh, wanted);
@@ -28,7 +28,8 @@ MString addColorSet(const MFnMesh& set, const MString& wanted, int representatio
   return done ? toMString(name) : MString();
 }
 
-const mesh::ColorSet* namedSet(const scene::MeshDataPtr& data, const MString& name, MStatus* status) {
+const mesh::ColorSet* namedSet(const scene::MeshDataPtr& data, const MString& name,
+                               MStatus* status) {
   const int set = data ? data->mesh.findColorSet(name.asChar()) : -1;
   if (data && set < 0) setStatus(status, MStatus::kInvalidParameter);
   return set < 0 ? nullptr : &data->mesh.colorSet(set);
@@ -52,7 +53,8 @@ MStatus MFnMesh::getColorSetNames(MStringArray& setNames) const {
   const auto data = readMesh(*this, &status);
   if (!data) return status;
   setNames.clear();
-  for (int i = 0; i < data->mesh.colorSetCount(); ++i) setNames.append(toMString(data->mesh.colorSet(i).name));
+  for (int i = 0; i < data->mesh.colorSetCount(); ++i)
+    setNames.append(toMString(data->mesh.colorSet(i).name));
   return MStatus::kSuccess;
 }
 MString MFnMesh::currentColorSetName(int, MStatus* status) const {
@@ -65,7 +67,8 @@ MStatus MFnMesh::getCurrentColorSetName(MString& setName, int instance) const {
   setName = currentColorSetName(instance, &status);
   return status;
 }
-MStatus MFnMesh::setCurrentColorSetName(const MString& setName, MDGModifier* modifier, MSelectionList*) {
+MStatus MFnMesh::setCurrentColorSetName(const MString& setName, MDGModifier* modifier,
+                                        MSelectionList*) {
   return editAttributes(*this, modifier, [&](mesh::Mesh& mesh) -> MStatus {
     const int set = mesh.findColorSet(setName.asChar());
     if (set < 0) return MStatus::kInvalidParameter;
@@ -73,18 +76,20 @@ MStatus MFnMesh::setCurrentColorSetName(const MString& setName, MDGModifier* mod
     return MStatus::kSuccess;
   });
 }
-MString MFnMesh::createColorSetWithName(const MString& colorSetName, MDGModifier* modifier, MStatus* status) {
+MString MFnMesh::createColorSetWithName(const MString& colorSetName, MDGModifier* modifier,
+                                        MStatus* status) {
   return api::addColorSet(*this, colorSetName, kRGBA, false, modifier, status);
 }
-MString MFnMesh::createColorSetWithName(const MString& colorSetName, MDGModifier* modifier, const MUintArray*,
-                                        MStatus* status) {
+MString MFnMesh::createColorSetWithName(const MString& colorSetName, MDGModifier* modifier,
+                                        const MUintArray*, MStatus* status) {
   return createColorSetWithName(colorSetName, modifier, status);
 }
-MStatus MFnMesh::createColorSet(MString& colorSetName, MDGModifier* modifier, const MUintArray* instances) {
+MStatus MFnMesh::createColorSet(MString& colorSetName, MDGModifier* modifier,
+                                const MUintArray* instances) {
   return createColorSet(colorSetName, modifier, false, kRGBA, instances);
 }
-MStatus MFnMesh::createColorSet(MString& colorSetName, MDGModifier* modifier, bool clamped, MColorRepresentation rep,
-                                const MUintArray*) {
+MStatus MFnMesh::createColorSet(MString& colorSetName, MDGModifier* modifier, bool clamped,
+                                MColorRepresentation rep, const MUintArray*) {
   MStatus status;
   const MString made = api::addColorSet(*this, colorSetName, rep, clamped, modifier, &status);
   if (status) colorSetName = made;
@@ -98,7 +103,8 @@ MStatus MFnMesh::deleteColorSet(const MString& setName, MDGModifier* modifier, M
     return MStatus::kSuccess;
   });
 }
-MFnMesh::MColorRepresentation MFnMesh::getColorRepresentation(const MString& colorSet, MStatus* status) const {
+MFnMesh::MColorRepresentation MFnMesh::getColorRepresentation(const MString& colorSet,
+                                                              MStatus* status) const {
   const auto data = readMesh(*this, status);
   const mesh::ColorSet* set = api::namedSet(data, colorSet, status);
   return set ? static_cast<MColorRepresentation>(set->representation) : kRGBA;
@@ -122,5 +128,6 @@ bool MFnMesh::displayColors(MStatus* status) const {
 }
 MStatus MFnMesh::setDisplayColors(bool enable) {
   dg::Node* shape = api::targetOf(*this).shape();
-  return shape ? api::wrap(shape->plug("displayColors")).setBool(enable) : MStatus(MStatus::kFailure);
+  return shape ? api::wrap(shape->plug("displayColors")).setBool(enable)
+               : MStatus(MStatus::kFailure);
 }

@@ -25,7 +25,8 @@ MStatus meanColor(const MColorArray& colors, MColor& mean) {
 }
 
 ColorEdit::ColorEdit(mesh::Mesh& mesh) : mesh_(mesh) {
-  if (mesh.currentColorSet() < 0) mesh.setCurrentColorSet(mesh.addColorSet({"colorSet1", 4, false, {}, {}}));
+  if (mesh.currentColorSet() < 0)
+    mesh.setCurrentColorSet(mesh.addColorSet({"colorSet1", 4, false, {}, {}}));
   index_ = mesh.currentColorSet();
   set_ = mesh.colorSet(index_);
   set_.cornerIds.resize(static_cast<std::size_t>(mesh.cornerCount()), kNone);
@@ -55,7 +56,8 @@ void ColorEdit::finish() {
 namespace {
 
 /// The mesh and the index of the colour set that a query names.
-scene::MeshDataPtr readColorSet(const MFnMesh& set, const MString* name, int& index, MStatus& status) {
+scene::MeshDataPtr readColorSet(const MFnMesh& set, const MString* name, int& index,
+                                MStatus& status) {
   auto data = readMesh(set, &status);
   if (!data) return nullptr;
   index = colorSetIndex(data->mesh, name);
@@ -72,39 +74,45 @@ MStatus editColorSet(const MFnMesh& set, const MString* name, Change change) {
   });
 }
 
-bool isColor(const mesh::ColorSet& set, int id) { return id >= 0 && static_cast<std::size_t>(id) < set.colors.size(); }
+bool isColor(const mesh::ColorSet& set, int id) {
+  return id >= 0 && static_cast<std::size_t>(id) < set.colors.size();
+}
 
 std::span<const CornerId> cornersOfVertex(const mesh::Mesh& mesh, VertexId v) {
   return mesh.adjacency().vertexCorners(v);
 }
 std::vector<CornerId> cornersOfFace(const mesh::Mesh& mesh, FaceId f) {
   std::vector<CornerId> corners(static_cast<std::size_t>(mesh.faceSize(f)));
-  for (std::size_t i = 0; i < corners.size(); ++i) corners[i] = mesh.firstCorner(f) + static_cast<Index>(i);
+  for (std::size_t i = 0; i < corners.size(); ++i)
+    corners[i] = mesh.firstCorner(f) + static_cast<Index>(i);
   return corners;
 }
 
 /// The corners that one entry of a list names; nothing when it names none.
-std::vector<CornerId> cornersNamed(const mesh::Mesh& mesh, const MIntArray* faces, const MIntArray* vertices,
-                                   unsigned int i) {
+std::vector<CornerId> cornersNamed(const mesh::Mesh& mesh, const MIntArray* faces,
+                                   const MIntArray* vertices, unsigned int i) {
   if (faces && vertices) {
-    const CornerId corner = isFace(mesh, (*faces)[i]) ? cornerAt(mesh, (*faces)[i], (*vertices)[i]) : kNone;
+    const CornerId corner =
+        isFace(mesh, (*faces)[i]) ? cornerAt(mesh, (*faces)[i], (*vertices)[i]) : kNone;
     return corner == kNone ? std::vector<CornerId>() : std::vector<CornerId>{corner};
   }
-  if (faces) return isFace(mesh, (*faces)[i]) ? cornersOfFace(mesh, (*faces)[i]) : std::vector<CornerId>();
+  if (faces)
+    return isFace(mesh, (*faces)[i]) ? cornersOfFace(mesh, (*faces)[i]) : std::vector<CornerId>();
   if (!isVertex(mesh, (*vertices)[i])) return {};
   const auto corners = cornersOfVertex(mesh, (*vertices)[i]);
   return {corners.begin(), corners.end()};
 }
 
-bool namesSomething(const mesh::Mesh& mesh, const MIntArray* faces, const MIntArray* vertices, unsigned int i) {
+bool namesSomething(const mesh::Mesh& mesh, const MIntArray* faces, const MIntArray* vertices,
+                    unsigned int i) {
   if (faces && !isFace(mesh, (*faces)[i])) return false;
   if (vertices && !isVertex(mesh, (*vertices)[i])) return false;
   return !faces || !vertices || cornerAt(mesh, (*faces)[i], (*vertices)[i]) != kNone;
 }
 
 /// Colours what the lists name, one colour an entry; without colours, takes them away.
-MStatus paint(const MFnMesh& set, const MColorArray* colors, const MIntArray* faces, const MIntArray* vertices,
-              MDGModifier* modifier, int representation = 0) {
+MStatus paint(const MFnMesh& set, const MColorArray* colors, const MIntArray* faces,
+              const MIntArray* vertices, MDGModifier* modifier, int representation = 0) {
   const unsigned int count = faces ? faces->length() : vertices->length();
   if ((colors && colors->length() != count) || (faces && vertices && vertices->length() != count))
     return MStatus::kInvalidParameter;
@@ -115,7 +123,8 @@ MStatus paint(const MFnMesh& set, const MColorArray* colors, const MIntArray* fa
     for (unsigned int i = 0; i < count; ++i) {
       if (!namesSomething(mesh, faces, vertices, i)) return MStatus::kInvalidParameter;
       const Index color = colors ? edit.add((*colors)[i]) : kNone;
-      for (const CornerId corner : cornersNamed(mesh, faces, vertices, i)) edit.assign(corner, color);
+      for (const CornerId corner : cornersNamed(mesh, faces, vertices, i))
+        edit.assign(corner, color);
     }
     edit.finish();
     return MStatus::kSuccess;
@@ -133,7 +142,9 @@ using api::paint;
 using api::readColorSet;
 using api::toMColor;
 
-int MFnMesh::numColors(MStatus* status) const { return numColors(MString(), status); }
+int MFnMesh::numColors(MStatus* status) const {
+  return numColors(MString(), status);
+}
 int MFnMesh::numColors(const MString& colorSet, MStatus* status) const {
   MStatus code;
   int set = -1;
@@ -159,20 +170,25 @@ MStatus MFnMesh::setColors(const MColorArray& colors, const MString* colorSet) {
     return MStatus::kSuccess;
   });
 }
-MStatus MFnMesh::getColor(int colorId, MColor& color, const MString* colorSet, const MColor* defaultUnsetColor) const {
+MStatus MFnMesh::getColor(int colorId, MColor& color, const MString* colorSet,
+                          const MColor* defaultUnsetColor) const {
   MStatus status;
   int set = -1;
   const auto data = readColorSet(*this, colorSet, set, status);
   if (!data) return status;
-  if (colorId == kNone) color = api::unsetColor(defaultUnsetColor);
-  else if (!isColor(data->mesh.colorSet(set), colorId)) return MStatus::kInvalidParameter;
-  else color = toMColor(data->mesh.colorSet(set).colors[static_cast<std::size_t>(colorId)]);
+  if (colorId == kNone)
+    color = api::unsetColor(defaultUnsetColor);
+  else if (!isColor(data->mesh.colorSet(set), colorId))
+    return MStatus::kInvalidParameter;
+  else
+    color = toMColor(data->mesh.colorSet(set).colors[static_cast<std::size_t>(colorId)]);
   return MStatus::kSuccess;
 }
 MStatus MFnMesh::setColor(int colorId, const MColor& color, const MString* colorSet) {
   return editColorSet(*this, colorSet, [&](mesh::Mesh&, mesh::ColorSet& set) -> MStatus {
     // One past the last adds a colour.
-    if (colorId < 0 || static_cast<std::size_t>(colorId) > set.colors.size()) return MStatus::kInvalidParameter;
+    if (colorId < 0 || static_cast<std::size_t>(colorId) > set.colors.size())
+      return MStatus::kInvalidParameter;
     if (static_cast<std::size_t>(colorId) == set.colors.size()) set.colors.emplace_back();
     set.colors[static_cast<std::size_t>(colorId)] = api::fromMColor(color);
     return MStatus::kSuccess;
@@ -181,7 +197,8 @@ MStatus MFnMesh::setColor(int colorId, const MColor& color, const MString* color
 MStatus MFnMesh::assignColor(int polygonId, int vertexIndex, int colorId, const MString* colorSet) {
   return editColorSet(*this, colorSet, [&](mesh::Mesh& mesh, mesh::ColorSet& set) -> MStatus {
     const CornerId corner = api::localCorner(mesh, polygonId, vertexIndex);
-    if (corner == kNone || (colorId != kNone && !isColor(set, colorId))) return MStatus::kInvalidParameter;
+    if (corner == kNone || (colorId != kNone && !isColor(set, colorId)))
+      return MStatus::kInvalidParameter;
     set.cornerIds.resize(static_cast<std::size_t>(mesh.cornerCount()), kNone);
     set.cornerIds[static_cast<std::size_t>(corner)] = colorId;
     return MStatus::kSuccess;
@@ -189,7 +206,8 @@ MStatus MFnMesh::assignColor(int polygonId, int vertexIndex, int colorId, const 
 }
 MStatus MFnMesh::assignColors(const MIntArray& colorIds, const MString* colorSet) {
   return editColorSet(*this, colorSet, [&](mesh::Mesh& mesh, mesh::ColorSet& set) -> MStatus {
-    if (colorIds.length() != static_cast<unsigned int>(mesh.cornerCount())) return MStatus::kInvalidParameter;
+    if (colorIds.length() != static_cast<unsigned int>(mesh.cornerCount()))
+      return MStatus::kInvalidParameter;
     for (const int id : colorIds)
       if (id != kNone && !isColor(set, id)) return MStatus::kInvalidParameter;
     set.cornerIds.assign(colorIds.begin(), colorIds.end());
@@ -203,7 +221,8 @@ MStatus MFnMesh::clearColors(const MString* colorSet) {
     return MStatus::kSuccess;
   });
 }
-MStatus MFnMesh::getColorIndex(int faceIndex, int localVertexIndex, int& colorIndex, const MString* colorSet) const {
+MStatus MFnMesh::getColorIndex(int faceIndex, int localVertexIndex, int& colorIndex,
+                               const MString* colorSet) const {
   MStatus status;
   int set = -1;
   const auto data = readColorSet(*this, colorSet, set, status);
@@ -225,13 +244,15 @@ MStatus MFnMesh::getFaceVertexColorIndex(int faceIndex, int localVertexIndex, in
   return MStatus::kSuccess;
 }
 
-MStatus MFnMesh::getVertexColors(MColorArray& colors, const MString* colorSet, const MColor* defaultUnsetColor) const {
+MStatus MFnMesh::getVertexColors(MColorArray& colors, const MString* colorSet,
+                                 const MColor* defaultUnsetColor) const {
   MStatus status;
   int set = -1;
   const auto data = readColorSet(*this, colorSet, set, status);
   if (!data) return status;
   const mesh::Mesh& mesh = data->mesh;
-  colors = MColorArray(static_cast<unsigned int>(mesh.vertexCount()), api::unsetColor(defaultUnsetColor));
+  colors = MColorArray(static_cast<unsigned int>(mesh.vertexCount()),
+                       api::unsetColor(defaultUnsetColor));
   for (VertexId v = 0; v < mesh.vertexCount(); ++v) {
     // The mean of what the corners there show.
     MColor sum(0, 0, 0, 0);
@@ -245,7 +266,8 @@ MStatus MFnMesh::getVertexColors(MColorArray& colors, const MString* colorSet, c
     }
     const float scale = count > 0 ? 1.0F / static_cast<float>(count) : 0.0F;
     if (count > 0)
-      colors[static_cast<unsigned int>(v)] = MColor(sum.r * scale, sum.g * scale, sum.b * scale, sum.a * scale);
+      colors[static_cast<unsigned int>(v)] =
+          MColor(sum.r * scale, sum.g * scale, sum.b * scale, sum.a * scale);
   }
   return MStatus::kSuccess;
 }
@@ -256,21 +278,24 @@ MStatus MFnMesh::getFaceVertexColors(MColorArray& colors, const MString* colorSe
   const auto data = readColorSet(*this, colorSet, set, status);
   if (!data) return status;
   const mesh::Mesh& mesh = data->mesh;
-  colors = MColorArray(static_cast<unsigned int>(mesh.cornerCount()), api::unsetColor(defaultUnsetColor));
+  colors = MColorArray(static_cast<unsigned int>(mesh.cornerCount()),
+                       api::unsetColor(defaultUnsetColor));
   for (CornerId corner = 0; corner < mesh.cornerCount(); ++corner)
     if (const Index id = cornerColor(mesh, set, corner); id != kNone)
-      colors[static_cast<unsigned int>(corner)] = toMColor(mesh.colorSet(set).colors[static_cast<std::size_t>(id)]);
+      colors[static_cast<unsigned int>(corner)] =
+          toMColor(mesh.colorSet(set).colors[static_cast<std::size_t>(id)]);
   return MStatus::kSuccess;
 }
 
 MStatus MFnMesh::setVertexColor(const MColor& color, int vertexId, MDGModifier* modifier) {
   return setVertexColors(MColorArray(1, color), MIntArray(1, vertexId), modifier);
 }
-MStatus MFnMesh::setVertexColors(const MColorArray& colors, const MIntArray& vertexList, MDGModifier* modifier) {
+MStatus MFnMesh::setVertexColors(const MColorArray& colors, const MIntArray& vertexList,
+                                 MDGModifier* modifier) {
   return paint(*this, &colors, nullptr, &vertexList, modifier);
 }
-MStatus MFnMesh::setVertexColors(const MColorArray& colors, const MIntArray& vertexList, MDGModifier* modifier,
-                                 MColorRepresentation rep) {
+MStatus MFnMesh::setVertexColors(const MColorArray& colors, const MIntArray& vertexList,
+                                 MDGModifier* modifier, MColorRepresentation rep) {
   return paint(*this, &colors, nullptr, &vertexList, modifier, rep);
 }
 MStatus MFnMesh::setFaceColor(const MColor& color, int faceId) {
@@ -279,15 +304,18 @@ MStatus MFnMesh::setFaceColor(const MColor& color, int faceId) {
 MStatus MFnMesh::setFaceColors(const MColorArray& colors, const MIntArray& faceList) {
   return paint(*this, &colors, &faceList, nullptr, nullptr);
 }
-MStatus MFnMesh::setFaceVertexColor(const MColor& color, int faceId, int vertexId, MDGModifier* modifier) {
-  return setFaceVertexColors(MColorArray(1, color), MIntArray(1, faceId), MIntArray(1, vertexId), modifier);
+MStatus MFnMesh::setFaceVertexColor(const MColor& color, int faceId, int vertexId,
+                                    MDGModifier* modifier) {
+  return setFaceVertexColors(MColorArray(1, color), MIntArray(1, faceId), MIntArray(1, vertexId),
+                             modifier);
 }
-MStatus MFnMesh::setFaceVertexColors(const MColorArray& colors, const MIntArray& faceList, const MIntArray& vertexList,
-                                     MDGModifier* modifier) {
+MStatus MFnMesh::setFaceVertexColors(const MColorArray& colors, const MIntArray& faceList,
+                                     const MIntArray& vertexList, MDGModifier* modifier) {
   return paint(*this, &colors, &faceList, &vertexList, modifier);
 }
-MStatus MFnMesh::setFaceVertexColors(const MColorArray& colors, const MIntArray& faceList, const MIntArray& vertexList,
-                                     MDGModifier* modifier, MColorRepresentation rep) {
+MStatus MFnMesh::setFaceVertexColors(const MColorArray& colors, const MIntArray& faceList,
+                                     const MIntArray& vertexList, MDGModifier* modifier,
+                                     MColorRepresentation rep) {
   return paint(*this, &colors, &faceList, &vertexList, modifier, rep);
 }
 MStatus MFnMesh::removeVertexColors(const MIntArray& vertexList, MDGModifier* modifier) {

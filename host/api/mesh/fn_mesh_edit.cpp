@@ -26,12 +26,13 @@ namespace {
 
 /// Stores a mesh in one of a shape's plugs through a modifier, and does it.
 MStatus writeThrough(MDGModifier& modifier, const dg::Plug& plug, mesh::Mesh mesh) {
-  const MStatus status =
-      modifier.newPlugValue(wrap(plug), wrap(dg::DataPtr(std::make_shared<scene::MeshData>(std::move(mesh)))));
+  const MStatus status = modifier.newPlugValue(
+      wrap(plug), wrap(dg::DataPtr(std::make_shared<scene::MeshData>(std::move(mesh)))));
   return status ? modifier.doIt() : status;
 }
 
-/// A shape without history keeps everything in one place; tweaks are part of what was read, so they go.
+/// A shape without history keeps everything in one place; tweaks are part of what was read, so they
+/// go.
 MStatus writeStoredThrough(MDGModifier& modifier, dg::Node& shape, mesh::Mesh mesh) {
   modifierOf(modifier).add([node = wrap(&shape), mesh = std::move(mesh)]() -> Result<void> {
     dg::Node* now = nodeOf(node);
@@ -41,7 +42,9 @@ MStatus writeStoredThrough(MDGModifier& modifier, dg::Node& shape, mesh::Mesh me
   return modifier.doIt();
 }
 
-std::span<const Index> idsOf(const MIntArray& ids) { return {ids.begin(), ids.length()}; }
+std::span<const Index> idsOf(const MIntArray& ids) {
+  return {ids.begin(), ids.length()};
+}
 
 }  // namespace
 
@@ -68,35 +71,44 @@ using api::editMesh;
 using api::idsOf;
 
 MStatus MFnMesh::deleteFace(int index, MDGModifier* modifier) {
-  return editMesh(*this, modifier, [=](mesh::Mesh& mesh) { return ops::deleteFaces(mesh, std::span(&index, 1)); });
+  return editMesh(*this, modifier,
+                  [=](mesh::Mesh& mesh) { return ops::deleteFaces(mesh, std::span(&index, 1)); });
 }
 MStatus MFnMesh::deleteEdge(int index, MDGModifier* modifier) {
-  return editMesh(*this, modifier, [=](mesh::Mesh& mesh) { return ops::deleteEdges(mesh, std::span(&index, 1)); });
+  return editMesh(*this, modifier,
+                  [=](mesh::Mesh& mesh) { return ops::deleteEdges(mesh, std::span(&index, 1)); });
 }
 MStatus MFnMesh::deleteVertex(int index, MDGModifier* modifier) {
-  return editMesh(*this, modifier, [=](mesh::Mesh& mesh) { return ops::deleteVertices(mesh, std::span(&index, 1)); });
+  return editMesh(*this, modifier, [=](mesh::Mesh& mesh) {
+    return ops::deleteVertices(mesh, std::span(&index, 1));
+  });
 }
 MStatus MFnMesh::collapseFaces(const MIntArray& faceList) {
-  return editMesh(*this, nullptr, [&](mesh::Mesh& mesh) { return ops::collapseFaces(mesh, idsOf(faceList)); });
+  return editMesh(*this, nullptr,
+                  [&](mesh::Mesh& mesh) { return ops::collapseFaces(mesh, idsOf(faceList)); });
 }
 MStatus MFnMesh::collapseEdges(const MIntArray& edgeList) {
-  return editMesh(*this, nullptr, [&](mesh::Mesh& mesh) { return ops::collapseEdges(mesh, idsOf(edgeList)); });
+  return editMesh(*this, nullptr,
+                  [&](mesh::Mesh& mesh) { return ops::collapseEdges(mesh, idsOf(edgeList)); });
 }
 MStatus MFnMesh::subdivideEdges(const MIntArray& edgeList, int divisions) {
-  return editMesh(*this, nullptr,
-                  [&](mesh::Mesh& mesh) { return ops::subdivideEdges(mesh, idsOf(edgeList), divisions); });
+  return editMesh(*this, nullptr, [&](mesh::Mesh& mesh) {
+    return ops::subdivideEdges(mesh, idsOf(edgeList), divisions);
+  });
 }
 MStatus MFnMesh::subdivideFaces(const MIntArray& faceList, int divisions) {
   ops::SubdivideFacesOptions options;
   options.divisions = divisions;
-  return editMesh(*this, nullptr,
-                  [&](mesh::Mesh& mesh) { return ops::subdivideFaces(mesh, idsOf(faceList), options); });
+  return editMesh(*this, nullptr, [&](mesh::Mesh& mesh) {
+    return ops::subdivideFaces(mesh, idsOf(faceList), options);
+  });
 }
 
 namespace {
 
 /// What the calls that extrude or take off components say about where these go.
-ops::ExtrudePlacement placementOf(int count, const MFloatVector* translation, float thickness, float offset) {
+ops::ExtrudePlacement placementOf(int count, const MFloatVector* translation, float thickness,
+                                  float offset) {
   ops::ExtrudePlacement placement;
   placement.divisions = count;
   placement.thickness = static_cast<double>(thickness);
@@ -105,10 +117,12 @@ ops::ExtrudePlacement placementOf(int count, const MFloatVector* translation, fl
   return placement;
 }
 
-MStatus chipOff(const MFnMesh& set, const MIntArray& faceList, const MFloatVector* translation, bool duplicate) {
+MStatus chipOff(const MFnMesh& set, const MIntArray& faceList, const MFloatVector* translation,
+                bool duplicate) {
   ops::ChipOffOptions options{placementOf(1, translation, 0, 0)};
   options.duplicate = duplicate;
-  return editMesh(set, nullptr, [&](mesh::Mesh& mesh) { return ops::chipOff(mesh, idsOf(faceList), options); });
+  return editMesh(set, nullptr,
+                  [&](mesh::Mesh& mesh) { return ops::chipOff(mesh, idsOf(faceList), options); });
 }
 
 /// For what the kernel has no form of: the reason reaches the user when the command fails.
@@ -119,19 +133,23 @@ MStatus refuse(const char* reason) {
 
 }  // namespace
 
-MStatus MFnMesh::extrudeFaces(const MIntArray& faceList, int extrusionCount, const MFloatVector* translation,
-                              bool extrudeTogether, float thickness, float offset) {
+MStatus MFnMesh::extrudeFaces(const MIntArray& faceList, int extrusionCount,
+                              const MFloatVector* translation, bool extrudeTogether,
+                              float thickness, float offset) {
   ops::ExtrudeFacesOptions options{placementOf(extrusionCount, translation, thickness, offset)};
   options.keepFacesTogether = extrudeTogether;
-  return editMesh(*this, nullptr,
-                  [&](mesh::Mesh& mesh) { return ops::extrudeFaces(mesh, idsOf(faceList), options); });
+  return editMesh(*this, nullptr, [&](mesh::Mesh& mesh) {
+    return ops::extrudeFaces(mesh, idsOf(faceList), options);
+  });
 }
-MStatus MFnMesh::extrudeEdges(const MIntArray& edgeList, int extrusionCount, const MFloatVector* translation,
-                              bool extrudeTogether, float thickness, float offset) {
+MStatus MFnMesh::extrudeEdges(const MIntArray& edgeList, int extrusionCount,
+                              const MFloatVector* translation, bool extrudeTogether,
+                              float thickness, float offset) {
   ops::ExtrudeEdgesOptions options{placementOf(extrusionCount, translation, thickness, offset)};
   options.keepEdgesTogether = extrudeTogether;
-  return editMesh(*this, nullptr,
-                  [&](mesh::Mesh& mesh) { return ops::extrudeEdges(mesh, idsOf(edgeList), options); });
+  return editMesh(*this, nullptr, [&](mesh::Mesh& mesh) {
+    return ops::extrudeEdges(mesh, idsOf(edgeList), options);
+  });
 }
 MStatus MFnMesh::duplicateFaces(const MIntArray& faceList, const MFloatVector* translation) {
   return chipOff(*this, faceList, translation, true);
@@ -139,8 +157,8 @@ MStatus MFnMesh::duplicateFaces(const MIntArray& faceList, const MFloatVector* t
 MStatus MFnMesh::extractFaces(const MIntArray& faceList, const MFloatVector* translation) {
   return chipOff(*this, faceList, translation, false);
 }
-MStatus MFnMesh::split(const MIntArray& placements, const MIntArray& edgeList, const MFloatArray& edgeFactors,
-                       const MFloatPointArray& internalPoints) {
+MStatus MFnMesh::split(const MIntArray& placements, const MIntArray& edgeList,
+                       const MFloatArray& edgeFactors, const MFloatPointArray& internalPoints) {
   std::vector<ops::SplitPoint> path;
   unsigned int nextEdge = 0, nextPoint = 0;
   for (const int placement : placements) {
@@ -166,7 +184,8 @@ MStatus MFnMesh::booleanOp(BoolOperation, MFnMesh&, MFnMesh&) {
   return refuse("Boolean operations of meshes can't be made here");
 }
 
-MObject MFnMesh::generateSmoothMesh(MObject parentOrOwner, MMeshSmoothOptions* options, MStatus* status) {
+MObject MFnMesh::generateSmoothMesh(MObject parentOrOwner, MMeshSmoothOptions* options,
+                                    MStatus* status) {
   MMeshSmoothOptions shown;
   MStatus code = options ? MStatus(MStatus::kSuccess) : getSmoothMeshDisplayOptions(shown);
   const auto data = code ? api::readMesh(*this, &code) : nullptr;
@@ -188,7 +207,8 @@ MObject MFnMesh::generateSmoothMesh(MObject parentOrOwner, MMeshSmoothOptions* o
   code = api::toStatus(ops::smoothMesh(mesh, faces, smooth), MStatus::kInvalidParameter);
   api::setStatus(status, code.statusCode());
   if (!code) return MObject();
-  const MObject smoothed = api::wrap(dg::DataPtr(std::make_shared<scene::MeshData>(std::move(mesh))));
+  const MObject smoothed =
+      api::wrap(dg::DataPtr(std::make_shared<scene::MeshData>(std::move(mesh))));
   return MFnMesh().copy(smoothed, parentOrOwner, status);
 }
 
@@ -223,7 +243,8 @@ MStatus MFnMesh::setSmoothMeshDisplayOptions(const MMeshSmoothOptions& options) 
   MStatus status = previewPlug(*this, "smoothLevel").setInt(options.divisions());
   if (status) status = previewPlug(*this, "continuity").setFloat(options.smoothness());
   if (status) status = previewPlug(*this, "smoothUVs").setBool(options.smoothUVs());
-  if (status) status = previewPlug(*this, "propagateEdgeHardness").setBool(options.propEdgeHardness());
+  if (status)
+    status = previewPlug(*this, "propagateEdgeHardness").setBool(options.propEdgeHardness());
   if (status) status = previewPlug(*this, "keepBorder").setBool(options.keepBorderEdge());
   if (status) status = previewPlug(*this, "keepHardEdge").setBool(options.keepHardEdge());
   return status;

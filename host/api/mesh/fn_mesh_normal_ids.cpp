@@ -23,8 +23,9 @@ math::Vec3 normalAt(const mesh::Mesh& mesh, CornerId corner) {
   return math::Vec3(mesh.cornerNormals()[static_cast<std::size_t>(corner)]);
 }
 
-/// A normal given in a space, as the mesh stores it. Normals go into a space by its inverse transpose, so they come back
-/// by the transpose, which is the way that a matrix' inverse takes them.
+/// A normal given in a space, as the mesh stores it. Normals go into a space by its inverse
+/// transpose, so they come back by the transpose, which is the way that a matrix' inverse takes
+/// them.
 math::Vec3f storedNormal(const MVector& normal, const std::optional<math::Matrix4>& fromSpace) {
   const math::Vec3 n = toVec3(normal);
   return math::normalized(fromSpace ? math::transformNormal(n, *fromSpace) : n).toFloat();
@@ -59,7 +60,8 @@ class NormalEdit {
     now_.locked[c] = isLocked ? 1 : 0;
   }
   void finish() {
-    const bool isAny = std::any_of(now_.locked.begin(), now_.locked.end(), [](auto flag) { return flag != 0; });
+    const bool isAny =
+        std::any_of(now_.locked.begin(), now_.locked.end(), [](auto flag) { return flag != 0; });
     mesh_.setLockedNormals(isAny ? std::move(now_) : mesh::LockedNormals());
   }
 
@@ -80,12 +82,14 @@ MStatus lockAtVertices(const MFnMesh& set, const MIntArray& vertices, bool isLoc
   });
 }
 
-MStatus lockAtCorners(const MFnMesh& set, const MIntArray& faces, const MIntArray& vertices, bool isLocked) {
+MStatus lockAtCorners(const MFnMesh& set, const MIntArray& faces, const MIntArray& vertices,
+                      bool isLocked) {
   if (faces.length() != vertices.length()) return MStatus::kInvalidParameter;
   return editAttributes(set, nullptr, [&](mesh::Mesh& mesh) -> MStatus {
     NormalEdit edit(mesh);
     for (unsigned int i = 0; i < faces.length(); ++i) {
-      const CornerId corner = isFace(mesh, faces[i]) ? cornerAt(mesh, faces[i], vertices[i]) : kNone;
+      const CornerId corner =
+          isFace(mesh, faces[i]) ? cornerAt(mesh, faces[i], vertices[i]) : kNone;
       if (corner == kNone) return MStatus::kInvalidParameter;
       edit.lock(corner, isLocked);
     }
@@ -126,7 +130,8 @@ MStatus MFnMesh::setNormals(const MFloatVectorArray& normals, MSpace::Space spac
   const auto data = readMesh(*this, &status);
   if (!data) return status;
   const auto ids = api::normalIdsOf(data);
-  if (normals.length() != static_cast<unsigned int>(ids->count())) return MStatus::kInvalidParameter;
+  if (normals.length() != static_cast<unsigned int>(ids->count()))
+    return MStatus::kInvalidParameter;
   std::optional<math::Matrix4> fromSpace;
   status = api::wayBack(*this, space, fromSpace);
   if (!status) return status;
@@ -134,7 +139,8 @@ MStatus MFnMesh::setNormals(const MFloatVectorArray& normals, MSpace::Space spac
     api::NormalEdit edit(mesh);
     for (std::size_t c = 0; c < ids->ofCorner.size(); ++c)
       edit.set(static_cast<CornerId>(c),
-               api::storedNormal(MVector(normals[static_cast<unsigned int>(ids->ofCorner[c])]), fromSpace));
+               api::storedNormal(MVector(normals[static_cast<unsigned int>(ids->ofCorner[c])]),
+                                 fromSpace));
     edit.finish();
     return MStatus::kSuccess;
   });
@@ -159,7 +165,8 @@ MStatus MFnMesh::getNormalIds(MIntArray& normalIdCounts, MIntArray& normals) con
   const auto data = readMesh(*this, &status);
   if (!data) return status;
   const auto ids = api::normalIdsOf(data);
-  int* count = api::Access::overwrite(normalIdCounts, static_cast<unsigned int>(data->mesh.faceCount()));
+  int* count =
+      api::Access::overwrite(normalIdCounts, static_cast<unsigned int>(data->mesh.faceCount()));
   for (FaceId f = 0; f < data->mesh.faceCount(); ++f) *count++ = data->mesh.faceSize(f);
   normals = MIntArray(ids->ofCorner.data(), static_cast<unsigned int>(ids->ofCorner.size()));
   return MStatus::kSuccess;
@@ -176,7 +183,8 @@ MStatus MFnMesh::getFaceNormalIds(int faceIndex, MIntArray& normals) const {
   return MStatus::kSuccess;
 }
 
-MStatus MFnMesh::setVertexNormal(const MVector& normal, int vertexId, MSpace::Space space, MDGModifier* modifier) {
+MStatus MFnMesh::setVertexNormal(const MVector& normal, int vertexId, MSpace::Space space,
+                                 MDGModifier* modifier) {
   MVectorArray normals(1, normal);
   MIntArray vertices(1, vertexId);
   return setVertexNormals(normals, vertices, space, modifier);
@@ -192,7 +200,8 @@ MStatus MFnMesh::setVertexNormals(MVectorArray& normals, MIntArray& vertexList, 
     for (unsigned int i = 0; i < vertexList.length(); ++i) {
       if (!api::isVertex(mesh, vertexList[i])) return MStatus::kInvalidParameter;
       const math::Vec3f normal = api::storedNormal(normals[i], fromSpace);
-      for (const CornerId corner : mesh.adjacency().vertexCorners(vertexList[i])) edit.set(corner, normal);
+      for (const CornerId corner : mesh.adjacency().vertexCorners(vertexList[i]))
+        edit.set(corner, normal);
     }
     edit.finish();
     return MStatus::kSuccess;
@@ -203,14 +212,16 @@ namespace {
 
 MStatus setCornerNormals(const MFnMesh& set, const MVectorArray& normals, const MIntArray& faces,
                          const MIntArray& vertices, MSpace::Space space, MDGModifier* modifier) {
-  if (normals.length() != faces.length() || normals.length() != vertices.length()) return MStatus::kInvalidParameter;
+  if (normals.length() != faces.length() || normals.length() != vertices.length())
+    return MStatus::kInvalidParameter;
   std::optional<math::Matrix4> fromSpace;
   const MStatus status = api::wayBack(set, space, fromSpace);
   if (!status) return status;
   return editAttributes(set, modifier, [&](mesh::Mesh& mesh) -> MStatus {
     api::NormalEdit edit(mesh);
     for (unsigned int i = 0; i < faces.length(); ++i) {
-      const CornerId corner = api::isFace(mesh, faces[i]) ? api::cornerAt(mesh, faces[i], vertices[i]) : kNone;
+      const CornerId corner =
+          api::isFace(mesh, faces[i]) ? api::cornerAt(mesh, faces[i], vertices[i]) : kNone;
       if (corner == kNone) return MStatus::kInvalidParameter;
       edit.set(corner, api::storedNormal(normals[i], fromSpace));
     }
@@ -221,13 +232,13 @@ MStatus setCornerNormals(const MFnMesh& set, const MVectorArray& normals, const 
 
 }  // namespace
 
-MStatus MFnMesh::setFaceVertexNormal(const MVector& normal, int faceId, int vertexId, MSpace::Space space,
-                                     MDGModifier* modifier) {
-  return setCornerNormals(*this, MVectorArray(1, normal), MIntArray(1, faceId), MIntArray(1, vertexId), space,
-                          modifier);
+MStatus MFnMesh::setFaceVertexNormal(const MVector& normal, int faceId, int vertexId,
+                                     MSpace::Space space, MDGModifier* modifier) {
+  return setCornerNormals(*this, MVectorArray(1, normal), MIntArray(1, faceId),
+                          MIntArray(1, vertexId), space, modifier);
 }
-MStatus MFnMesh::setFaceVertexNormals(MVectorArray& normals, MIntArray& faceList, MIntArray& vertexList,
-                                      MSpace::Space space) {
+MStatus MFnMesh::setFaceVertexNormals(MVectorArray& normals, MIntArray& faceList,
+                                      MIntArray& vertexList, MSpace::Space space) {
   return setCornerNormals(*this, normals, faceList, vertexList, space, nullptr);
 }
 
@@ -241,8 +252,12 @@ bool MFnMesh::isNormalLocked(int normalId, MStatus* status) const {
   }
   return data->mesh.isNormalLocked(ids->corners[static_cast<std::size_t>(normalId)]);
 }
-MStatus MFnMesh::lockVertexNormals(MIntArray& vertexList) { return api::lockAtVertices(*this, vertexList, true); }
-MStatus MFnMesh::unlockVertexNormals(MIntArray& vertexList) { return api::lockAtVertices(*this, vertexList, false); }
+MStatus MFnMesh::lockVertexNormals(MIntArray& vertexList) {
+  return api::lockAtVertices(*this, vertexList, true);
+}
+MStatus MFnMesh::unlockVertexNormals(MIntArray& vertexList) {
+  return api::lockAtVertices(*this, vertexList, false);
+}
 MStatus MFnMesh::lockFaceVertexNormals(MIntArray& faceList, MIntArray& vertexList) {
   return api::lockAtCorners(*this, faceList, vertexList, true);
 }

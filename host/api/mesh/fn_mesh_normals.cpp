@@ -14,8 +14,8 @@ MFloatVector toMFloatVector(const MVector& v) {
 }
 
 /// The mesh and the way into `space` for one normal query.
-scene::MeshDataPtr prepare(const MFnMesh& set, MSpace::Space space, std::optional<math::Matrix4>& toSpace,
-                           MStatus& status) {
+scene::MeshDataPtr prepare(const MFnMesh& set, MSpace::Space space,
+                           std::optional<math::Matrix4>& toSpace, MStatus& status) {
   auto data = readMesh(set, &status);
   if (data) status = targetOf(set).spaceMatrix(space, toSpace);
   return status ? data : nullptr;
@@ -69,7 +69,8 @@ MStatus MFnMesh::getPolygonNormal(int polygonId, MVector& normal, MSpace::Space 
   return MStatus::kSuccess;
 }
 
-MStatus MFnMesh::getVertexNormal(int vertexId, bool angleWeighted, MVector& normal, MSpace::Space space) const {
+MStatus MFnMesh::getVertexNormal(int vertexId, bool angleWeighted, MVector& normal,
+                                 MSpace::Space space) const {
   MStatus status;
   std::optional<math::Matrix4> toSpace;
   const auto data = prepare(*this, space, toSpace, status);
@@ -82,7 +83,8 @@ MStatus MFnMesh::getVertexNormal(int vertexId, MVector& normal, MSpace::Space sp
   return getVertexNormal(vertexId, false, normal, space);
 }
 
-MStatus MFnMesh::getVertexNormals(bool angleWeighted, MFloatVectorArray& normals, MSpace::Space space) const {
+MStatus MFnMesh::getVertexNormals(bool angleWeighted, MFloatVectorArray& normals,
+                                  MSpace::Space space) const {
   MStatus status;
   std::optional<math::Matrix4> toSpace;
   const auto data = prepare(*this, space, toSpace, status);
@@ -95,7 +97,8 @@ MStatus MFnMesh::getVertexNormals(bool angleWeighted, MFloatVectorArray& normals
   return MStatus::kSuccess;
 }
 
-MStatus MFnMesh::getFaceVertexNormal(int faceIndex, int vertexIndex, MVector& normal, MSpace::Space space) const {
+MStatus MFnMesh::getFaceVertexNormal(int faceIndex, int vertexIndex, MVector& normal,
+                                     MSpace::Space space) const {
   MStatus status;
   std::optional<math::Matrix4> toSpace;
   const auto data = prepare(*this, space, toSpace, status);
@@ -107,7 +110,8 @@ MStatus MFnMesh::getFaceVertexNormal(int faceIndex, int vertexIndex, MVector& no
   return MStatus::kSuccess;
 }
 
-MStatus MFnMesh::getFaceVertexNormals(int faceIndex, MFloatVectorArray& normals, MSpace::Space space) const {
+MStatus MFnMesh::getFaceVertexNormals(int faceIndex, MFloatVectorArray& normals,
+                                      MSpace::Space space) const {
   MStatus status;
   std::optional<math::Matrix4> toSpace;
   const auto data = prepare(*this, space, toSpace, status);
@@ -115,7 +119,7 @@ MStatus MFnMesh::getFaceVertexNormals(int faceIndex, MFloatVectorArray& normals,
   if (!api::isFace(data->mesh, faceIndex)) return MStatus::kInvalidParameter;
   normals.clear();
   for (Index i = 0; i < data->mesh.faceSize(faceIndex); ++i)
-    normals.append(api::toMFloatVector(
-        api::normalIn(api::cornerNormal(data->mesh, data->mesh.firstCorner(faceIndex) + i), toSpace)));
+    normals.append(api::toMFloatVector(api::normalIn(
+        api::cornerNormal(data->mesh, data->mesh.firstCorner(faceIndex) + i), toSpace)));
   return MStatus::kSuccess;
 }

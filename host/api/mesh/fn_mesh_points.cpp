@@ -13,7 +13,8 @@ namespace {
 /// Points for which a thread of their own is worth starting.
 constexpr std::size_t kGrain = 100'000;
 
-/// transformPoint for matrices without projection, so that loops over all points stay free of calls.
+/// transformPoint for matrices without projection, so that loops over all points stay free of
+/// calls.
 [[gnu::always_inline]] inline math::Vec3 affinePoint(const math::Vec3& p, const math::Matrix4& a) {
   const auto& m = a.m;
   return {p.x * m[0][0] + p.y * m[1][0] + p.z * m[2][0] + m[3][0],
@@ -45,12 +46,14 @@ MStatus fillPoints(const MFnMesh& set, MSpace::Space space, Array& array, Make m
   else if (math::isAffine(*toSpace))
     fill([matrix = *toSpace](const math::Vec3f& p) { return affinePoint(math::Vec3(p), matrix); });
   else
-    fill([matrix = *toSpace](const math::Vec3f& p) { return math::transformPoint(math::Vec3(p), matrix); });
+    fill([matrix = *toSpace](const math::Vec3f& p) {
+      return math::transformPoint(math::Vec3(p), matrix);
+    });
   return MStatus::kSuccess;
 }
 
-/// Stores points given in a space. A point that reads back as what was given keeps its stored bits, so that writing
-/// what was read changes nothing, whatever the transform rounds.
+/// Stores points given in a space. A point that reads back as what was given keeps its stored bits,
+/// so that writing what was read changes nothing, whatever the transform rounds.
 template <class Array>
 MStatus storePoints(const MFnMesh& set, MSpace::Space space, const Array& given) {
   MStatus status;
@@ -67,20 +70,23 @@ MStatus storePoints(const MFnMesh& set, MSpace::Space space, const Array& given)
   if (!toSpace) {
     parallelFor(after.size(), kGrain, [&](std::size_t begin, std::size_t end) {
       for (std::size_t i = begin; i < end; ++i)
-        after[i] = {static_cast<float>(in[i].x), static_cast<float>(in[i].y), static_cast<float>(in[i].z)};
+        after[i] = {static_cast<float>(in[i].x), static_cast<float>(in[i].y),
+                    static_cast<float>(in[i].z)};
     });
     return target.writePoints(std::move(after));
   }
   const auto wayBack = WayToObject::from(*toSpace);
   if (!wayBack) {
-    rememberError(Error{"the transform has no inverse (a zero scale), so world positions can't be stored"});
+    rememberError(
+        Error{"the transform has no inverse (a zero scale), so world positions can't be stored"});
     return MStatus::kFailure;
   }
   const bool isAffine = math::isAffine(*toSpace);
   parallelFor(after.size(), kGrain, [&](std::size_t begin, std::size_t end) {
     for (std::size_t i = begin; i < end; ++i) {
       const math::Vec3 wanted(in[i].x, in[i].y, in[i].z), stored(before[i]);
-      const math::Vec3 now = isAffine ? affinePoint(stored, *toSpace) : math::transformPoint(stored, *toSpace);
+      const math::Vec3 now =
+          isAffine ? affinePoint(stored, *toSpace) : math::transformPoint(stored, *toSpace);
       after[i] = now == wanted ? before[i] : (*wayBack)(wanted);
     }
   });
@@ -92,7 +98,9 @@ MStatus storePoints(const MFnMesh& set, MSpace::Space space, const Array& given)
 CornerId cornerAt(const mesh::Mesh& mesh, FaceId face, VertexId vertex) {
   const auto vertices = mesh.faceVertices(face);
   const auto found = std::find(vertices.begin(), vertices.end(), vertex);
-  return found == vertices.end() ? kNone : mesh.firstCorner(face) + static_cast<Index>(found - vertices.begin());
+  return found == vertices.end()
+             ? kNone
+             : mesh.firstCorner(face) + static_cast<Index>(found - vertices.begin());
 }
 
 }  // namespace host::api
@@ -103,7 +111,8 @@ using api::setStatus;
 using api::targetOf;
 
 MStatus MFnMesh::getPoints(MPointArray& vertexArray, MSpace::Space space) const {
-  return api::fillPoints(*this, space, vertexArray, [](double x, double y, double z) { return MPoint(x, y, z); });
+  return api::fillPoints(*this, space, vertexArray,
+                         [](double x, double y, double z) { return MPoint(x, y, z); });
 }
 MStatus MFnMesh::getPoints(MFloatPointArray& vertexArray, MSpace::Space space) const {
   return api::fillPoints(*this, space, vertexArray, [](auto x, auto y, auto z) {

@@ -33,12 +33,15 @@ struct RayQuestion {
     options.bothDirections = bothDirections;
     return options;
   }
-  [[nodiscard]] bool accepts(double t) const { return t <= maxParam && t >= (bothDirections ? -maxParam : 0); }
+  [[nodiscard]] bool accepts(double t) const {
+    return t <= maxParam && t >= (bothDirections ? -maxParam : 0);
+  }
 };
 
 /// Adds the hit of one triangle of a face.
-void tryTriangle(const mesh::Mesh& mesh, FaceId face, Index number, const mesh::LoopTriangle& triangle,
-                 const math::Ray& ray, const RayQuestion& question, std::vector<RayHit>& hits) {
+void tryTriangle(const mesh::Mesh& mesh, FaceId face, Index number,
+                 const mesh::LoopTriangle& triangle, const math::Ray& ray,
+                 const RayQuestion& question, std::vector<RayHit>& hits) {
   RayHit hit;
   hit.face = face;
   hit.triangle = number;
@@ -70,29 +73,33 @@ std::vector<RayHit> hitsOnListed(const Surface& surface, const RayQuestion& ques
                                  static_cast<std::size_t>((*question.triangles)[i]) != k))
         continue;
       tryTriangle(mesh, face, static_cast<Index>(k), triangles[k], *ray, question, hits);
-      if (hits.size() > before + 1 && hits.back().t == hits[before].t) hits.pop_back();  // through a diagonal
+      if (hits.size() > before + 1 && hits.back().t == hits[before].t)
+        hits.pop_back();  // through a diagonal
     }
   }
   for (RayHit& hit : hits) hit.point = surface.pointOf(hit);
-  std::stable_sort(hits.begin(), hits.end(), [](const RayHit& a, const RayHit& b) { return a.t < b.t; });
+  std::stable_sort(hits.begin(), hits.end(),
+                   [](const RayHit& a, const RayHit& b) { return a.t < b.t; });
   return hits;
 }
 
 std::optional<RayHit> closestHit(const Surface& surface, const RayQuestion& question) {
   if (!question.faces) return surface.closestHit(question.ray, question.options());
   const auto hits = hitsOnListed(surface, question);
-  const auto nearest = std::min_element(hits.begin(), hits.end(), [](const RayHit& a, const RayHit& b) {
-    return std::fabs(a.t) < std::fabs(b.t);
-  });
+  const auto nearest = std::min_element(
+      hits.begin(), hits.end(),
+      [](const RayHit& a, const RayHit& b) { return std::fabs(a.t) < std::fabs(b.t); });
   return nearest == hits.end() ? std::nullopt : std::optional<RayHit>(*nearest);
 }
 
 std::vector<RayHit> allHits(const Surface& surface, const RayQuestion& question) {
-  return question.faces ? hitsOnListed(surface, question) : surface.allHits(question.ray, question.options());
+  return question.faces ? hitsOnListed(surface, question)
+                        : surface.allHits(question.ray, question.options());
 }
 
-RayQuestion questionOf(const MFloatPoint& source, const MFloatVector& direction, const MIntArray* faces,
-                       const MIntArray* triangles, float maxParam, bool bothDirections) {
+RayQuestion questionOf(const MFloatPoint& source, const MFloatVector& direction,
+                       const MIntArray* faces, const MIntArray* triangles, float maxParam,
+                       bool bothDirections) {
   return {{math::Vec3(math::Vec3f{source.x, source.y, source.z}),
            math::Vec3(math::Vec3f{direction.x, direction.y, direction.z})},
           static_cast<double>(maxParam),
@@ -105,8 +112,12 @@ MFloatPoint toMFloatPoint(const math::Vec3& p) {
   return MFloatPoint(static_cast<float>(p.x), static_cast<float>(p.y), static_cast<float>(p.z));
 }
 /// The weights of a hit triangle's first and second vertex.
-float firstWeight(const RayHit& hit) { return static_cast<float>(1 - hit.u - hit.v); }
-float secondWeight(const RayHit& hit) { return static_cast<float>(hit.u); }
+float firstWeight(const RayHit& hit) {
+  return static_cast<float>(1 - hit.u - hit.v);
+}
+float secondWeight(const RayHit& hit) {
+  return static_cast<float>(hit.u);
+}
 
 }  // namespace
 }  // namespace host::api
@@ -116,14 +127,16 @@ using api::questionOf;
 using api::setStatus;
 using api::surfaceOf;
 
-// Every mesh has its accelerator, built by the first question and kept with its points, so the parameters that ask for one
-// change nothing; nor does the tolerance, as no ray slips through between faces.
+// Every mesh has its accelerator, built by the first question and kept with its points, so the
+// parameters that ask for one change nothing; nor does the tolerance, as no ray slips through
+// between faces.
 
 bool MFnMesh::closestIntersection(const MFloatPoint& raySource, const MFloatVector& rayDirection,
-                                  const MIntArray* faceIds, const MIntArray* triIds, bool, MSpace::Space space,
-                                  float maxParam, bool testBothDirections, MMeshIsectAccelParams*,
-                                  MFloatPoint& hitPoint, float* hitRayParam, int* hitFace, int* hitTriangle,
-                                  float* hitBary1, float* hitBary2, float, MStatus* status) const {
+                                  const MIntArray* faceIds, const MIntArray* triIds, bool,
+                                  MSpace::Space space, float maxParam, bool testBothDirections,
+                                  MMeshIsectAccelParams*, MFloatPoint& hitPoint, float* hitRayParam,
+                                  int* hitFace, int* hitTriangle, float* hitBary1, float* hitBary2,
+                                  float, MStatus* status) const {
   MStatus code;
   const api::Surface* surface = surfaceOf(*this, space, code);
   setStatus(status, code.statusCode());
@@ -140,23 +153,25 @@ bool MFnMesh::closestIntersection(const MFloatPoint& raySource, const MFloatVect
   return true;
 }
 
-bool MFnMesh::anyIntersection(const MFloatPoint& raySource, const MFloatVector& rayDirection, const MIntArray* faceIds,
-                              const MIntArray* triIds, bool idsSorted, MSpace::Space space, float maxParam,
-                              bool testBothDirections, MMeshIsectAccelParams* accelParams, MFloatPoint& hitPoint,
-                              float* hitRayParam, int* hitFace, int* hitTriangle, float* hitBary1, float* hitBary2,
-                              float tolerance, MStatus* status) const {
+bool MFnMesh::anyIntersection(const MFloatPoint& raySource, const MFloatVector& rayDirection,
+                              const MIntArray* faceIds, const MIntArray* triIds, bool idsSorted,
+                              MSpace::Space space, float maxParam, bool testBothDirections,
+                              MMeshIsectAccelParams* accelParams, MFloatPoint& hitPoint,
+                              float* hitRayParam, int* hitFace, int* hitTriangle, float* hitBary1,
+                              float* hitBary2, float tolerance, MStatus* status) const {
   // Any hit will do, and the closest is found as quickly.
-  return closestIntersection(raySource, rayDirection, faceIds, triIds, idsSorted, space, maxParam, testBothDirections,
-                             accelParams, hitPoint, hitRayParam, hitFace, hitTriangle, hitBary1, hitBary2, tolerance,
-                             status);
+  return closestIntersection(raySource, rayDirection, faceIds, triIds, idsSorted, space, maxParam,
+                             testBothDirections, accelParams, hitPoint, hitRayParam, hitFace,
+                             hitTriangle, hitBary1, hitBary2, tolerance, status);
 }
 
 bool MFnMesh::allIntersections(const MFloatPoint& raySource, const MFloatVector& rayDirection,
-                               const MIntArray* faceIds, const MIntArray* triIds, bool, MSpace::Space space,
-                               float maxParam, bool testBothDirections, MMeshIsectAccelParams*, bool,
-                               MFloatPointArray& hitPoints, MFloatArray* hitRayParams, MIntArray* hitFaces,
-                               MIntArray* hitTriangles, MFloatArray* hitBary1s, MFloatArray* hitBary2s, float,
-                               MStatus* status) const {
+                               const MIntArray* faceIds, const MIntArray* triIds, bool,
+                               MSpace::Space space, float maxParam, bool testBothDirections,
+                               MMeshIsectAccelParams*, bool, MFloatPointArray& hitPoints,
+                               MFloatArray* hitRayParams, MIntArray* hitFaces,
+                               MIntArray* hitTriangles, MFloatArray* hitBary1s,
+                               MFloatArray* hitBary2s, float, MStatus* status) const {
   hitPoints.clear();
   for (MFloatArray* floats : {hitRayParams, hitBary1s, hitBary2s})
     if (floats) floats->clear();
@@ -166,8 +181,9 @@ bool MFnMesh::allIntersections(const MFloatPoint& raySource, const MFloatVector&
   const api::Surface* surface = surfaceOf(*this, space, code);
   setStatus(status, code.statusCode());
   if (!surface) return false;
-  for (const spatial::RayHit& hit :
-       api::allHits(*surface, questionOf(raySource, rayDirection, faceIds, triIds, maxParam, testBothDirections))) {
+  for (const spatial::RayHit& hit : api::allHits(
+           *surface,
+           questionOf(raySource, rayDirection, faceIds, triIds, maxParam, testBothDirections))) {
     hitPoints.append(api::toMFloatPoint(hit.point));
     if (hitRayParams) hitRayParams->append(static_cast<float>(hit.t));
     if (hitFaces) hitFaces->append(hit.face);
@@ -178,8 +194,8 @@ bool MFnMesh::allIntersections(const MFloatPoint& raySource, const MFloatVector&
   return hitPoints.length() > 0;
 }
 
-bool MFnMesh::intersect(const MPoint& raySource, const MVector& rayDirection, MPointArray& points, double,
-                        MSpace::Space space, MIntArray* polygonIds, MStatus* status) const {
+bool MFnMesh::intersect(const MPoint& raySource, const MVector& rayDirection, MPointArray& points,
+                        double, MSpace::Space space, MIntArray* polygonIds, MStatus* status) const {
   points.clear();
   if (polygonIds) polygonIds->clear();
   MStatus code;
@@ -194,7 +210,9 @@ bool MFnMesh::intersect(const MPoint& raySource, const MVector& rayDirection, MP
   return points.length() > 0;
 }
 
-MMeshIsectAccelParams MFnMesh::autoUniformGridParams() { return MMeshIsectAccelParams(); }
+MMeshIsectAccelParams MFnMesh::autoUniformGridParams() {
+  return MMeshIsectAccelParams();
+}
 MMeshIsectAccelParams MFnMesh::uniformGridParams(int xDivisions, int yDivisions, int zDivisions) {
   MMeshIsectAccelParams params;
   params.divisions_[0] = xDivisions;
@@ -219,7 +237,8 @@ MStatus MFnMesh::clearGlobalIntersectionAcceleratorInfo() {
 }
 MString MFnMesh::globalIntersectionAcceleratorsInfo() {
   const api::AcceleratorUse use = api::acceleratorUse();
-  return api::toMString(fmt::format("{} intersection accelerators, {} bytes", use.count, use.bytes));
+  return api::toMString(
+      fmt::format("{} intersection accelerators, {} bytes", use.count, use.bytes));
 }
 MString MFnMesh::cachedIntersectionAcceleratorInfo(MStatus* status) const {
   const auto data = api::readMesh(*this, status);

@@ -11,7 +11,8 @@
 namespace host::api {
 namespace {
 
-/// The instance of the attached shape that a number names, else the one the set was attached through.
+/// The instance of the attached shape that a number names, else the one the set was attached
+/// through.
 scene::DagPath instanceOf(const MeshTarget& target, unsigned int number) {
   if (!target.shape()) return {};
   const auto paths = scene::allPaths(*target.shape());
@@ -43,8 +44,8 @@ MBoundingBox toMBoundingBox(const math::Box& box) {
 
 using namespace host;
 
-MStatus MFnMesh::getConnectedSetsAndMembers(unsigned int instanceNumber, MObjectArray& sets, MObjectArray& comps,
-                                            bool renderableSetsOnly) const {
+MStatus MFnMesh::getConnectedSetsAndMembers(unsigned int instanceNumber, MObjectArray& sets,
+                                            MObjectArray& comps, bool renderableSetsOnly) const {
   const scene::DagPath path = api::instanceOf(api::targetOf(*this), instanceNumber);
   if (path.isWorld()) return MStatus::kInvalidParameter;
   sets.clear();
@@ -65,7 +66,8 @@ MStatus MFnMesh::getConnectedSetsAndMembers(unsigned int instanceNumber, MObject
   return MStatus::kSuccess;
 }
 
-MStatus MFnMesh::getConnectedShaders(unsigned int instanceNumber, MObjectArray& shaders, MIntArray& indices) const {
+MStatus MFnMesh::getConnectedShaders(unsigned int instanceNumber, MObjectArray& shaders,
+                                     MIntArray& indices) const {
   MStatus status;
   const auto data = api::readMesh(*this, &status);
   if (!data) return status;

@@ -9,7 +9,8 @@ namespace host::api {
 
 std::shared_ptr<const ops::CornerTangents> tangentsOf(const scene::MeshDataPtr& data, int uvSet) {
   static LatestDerived<ops::CornerTangents> latest;
-  return latest.of(data, uvSet, [uvSet](const mesh::Mesh& mesh) { return ops::computeTangents(mesh, uvSet); });
+  return latest.of(data, uvSet,
+                   [uvSet](const mesh::Mesh& mesh) { return ops::computeTangents(mesh, uvSet); });
 }
 
 namespace {
@@ -25,8 +26,8 @@ struct Frames {
     return toMVector(math::normalized(toSpace ? math::transformVector(t, *toSpace) : t));
   }
   [[nodiscard]] MVector binormal(std::size_t corner) const {
-    const math::Vec3 across =
-        math::cross(math::Vec3(data->mesh.cornerNormals()[corner]), math::Vec3(tangents->tangents[corner]));
+    const math::Vec3 across = math::cross(math::Vec3(data->mesh.cornerNormals()[corner]),
+                                          math::Vec3(tangents->tangents[corner]));
     const math::Vec3 b = tangents->isRightHanded[corner] ? across : -across;
     return toMVector(math::normalized(toSpace ? math::transformVector(b, *toSpace) : b));
   }
@@ -48,8 +49,8 @@ MStatus framesOf(const MFnMesh& set, MSpace::Space space, const MString* uvSet, 
 }
 
 template <class Get>
-MStatus listFrames(const MFnMesh& set, MSpace::Space space, const MString* uvSet, MFloatVectorArray& vectors,
-                   Get get) {
+MStatus listFrames(const MFnMesh& set, MSpace::Space space, const MString* uvSet,
+                   MFloatVectorArray& vectors, Get get) {
   Frames frames;
   const MStatus status = framesOf(set, space, uvSet, frames);
   if (!status) return status;
@@ -60,12 +61,13 @@ MStatus listFrames(const MFnMesh& set, MSpace::Space space, const MString* uvSet
 }
 
 template <class Get>
-MStatus oneFrame(const MFnMesh& set, int face, int vertex, MSpace::Space space, const MString* uvSet, MVector& vector,
-                 Get get) {
+MStatus oneFrame(const MFnMesh& set, int face, int vertex, MSpace::Space space,
+                 const MString* uvSet, MVector& vector, Get get) {
   Frames frames;
   const MStatus status = framesOf(set, space, uvSet, frames);
   if (!status) return status;
-  const CornerId corner = isFace(frames.data->mesh, face) ? cornerAt(frames.data->mesh, face, vertex) : kNone;
+  const CornerId corner =
+      isFace(frames.data->mesh, face) ? cornerAt(frames.data->mesh, face, vertex) : kNone;
   if (corner == kNone) return MStatus::kInvalidParameter;
   vector = (frames.*get)(static_cast<std::size_t>(corner));
   return MStatus::kSuccess;
@@ -77,31 +79,36 @@ MStatus oneFrame(const MFnMesh& set, int face, int vertex, MSpace::Space space, 
 using namespace host;
 using api::Frames;
 
-MStatus MFnMesh::getTangents(MFloatVectorArray& tangents, MSpace::Space space, const MString* uvSet) const {
+MStatus MFnMesh::getTangents(MFloatVectorArray& tangents, MSpace::Space space,
+                             const MString* uvSet) const {
   return api::listFrames(*this, space, uvSet, tangents, &Frames::tangent);
 }
-MStatus MFnMesh::getBinormals(MFloatVectorArray& binormals, MSpace::Space space, const MString* uvSet) const {
+MStatus MFnMesh::getBinormals(MFloatVectorArray& binormals, MSpace::Space space,
+                              const MString* uvSet) const {
   return api::listFrames(*this, space, uvSet, binormals, &Frames::binormal);
 }
-MStatus MFnMesh::getFaceVertexTangent(int faceIndex, int vertexIndex, MVector& tangent, MSpace::Space space,
-                                      const MString* uvSet) const {
+MStatus MFnMesh::getFaceVertexTangent(int faceIndex, int vertexIndex, MVector& tangent,
+                                      MSpace::Space space, const MString* uvSet) const {
   return api::oneFrame(*this, faceIndex, vertexIndex, space, uvSet, tangent, &Frames::tangent);
 }
-MStatus MFnMesh::getFaceVertexBinormal(int faceIndex, int vertexIndex, MVector& binormal, MSpace::Space space,
-                                       const MString* uvSet) const {
+MStatus MFnMesh::getFaceVertexBinormal(int faceIndex, int vertexIndex, MVector& binormal,
+                                       MSpace::Space space, const MString* uvSet) const {
   return api::oneFrame(*this, faceIndex, vertexIndex, space, uvSet, binormal, &Frames::binormal);
 }
 int MFnMesh::getTangentId(int faceIndex, int vertexIndex, MStatus* status) const {
   const auto data = api::readMesh(*this, status);
   if (!data) return -1;
-  const CornerId corner = api::isFace(data->mesh, faceIndex) ? api::cornerAt(data->mesh, faceIndex, vertexIndex) : kNone;
+  const CornerId corner = api::isFace(data->mesh, faceIndex)
+                              ? api::cornerAt(data->mesh, faceIndex, vertexIndex)
+                              : kNone;
   if (corner == kNone) api::setStatus(status, MStatus::kInvalidParameter);
   return corner;
 }
 bool MFnMesh::isRightHandedTangent(int tangentId, const MString* uvSetName, MStatus* status) const {
   Frames frames;
   MStatus code = api::framesOf(*this, MSpace::kObject, uvSetName, frames);
-  if (code && (tangentId < 0 || tangentId >= frames.data->mesh.cornerCount())) code = MStatus::kInvalidParameter;
+  if (code && (tangentId < 0 || tangentId >= frames.data->mesh.cornerCount()))
+    code = MStatus::kInvalidParameter;
   api::setStatus(status, code.statusCode());
   return code && frames.tangents->isRightHanded[static_cast<std::size_t>(tangentId)] != 0;
 }

@@ -59,7 +59,8 @@ MStatus MFnMesh::getVertices(MIntArray& vertexCount, MIntArray& vertexList) cons
   vertexCount.setLength(static_cast<unsigned int>(data->mesh.faceCount()));
   for (unsigned int f = 0; f < vertexCount.length(); ++f)
     vertexCount[f] = topology.faceOffsets[f + 1] - topology.faceOffsets[f];
-  vertexList = MIntArray(topology.cornerVertices.data(), static_cast<unsigned int>(topology.cornerVertices.size()));
+  vertexList = MIntArray(topology.cornerVertices.data(),
+                         static_cast<unsigned int>(topology.cornerVertices.size()));
   return MStatus::kSuccess;
 }
 
@@ -97,7 +98,8 @@ MStatus MFnMesh::setEdgeSmoothings(const MIntArray& edgeIds, const MIntArray& sm
   for (unsigned int i = 0; i < edgeIds.length(); ++i)
     if (!isEdge(data->mesh, edgeIds[i])) return MStatus::kInvalidParameter;
   mesh::Mesh mesh = data->mesh;
-  for (unsigned int i = 0; i < edgeIds.length(); ++i) mesh.setEdgeSmooth(edgeIds[i], smooths[i] != 0);
+  for (unsigned int i = 0; i < edgeIds.length(); ++i)
+    mesh.setEdgeSmooth(edgeIds[i], smooths[i] != 0);
   return targetOf(*this).writeAttributes(std::move(mesh));
 }
 
@@ -115,14 +117,16 @@ bool MFnMesh::onBoundary(int polygonId, MStatus* status) const {
   }
   const mesh::Adjacency& adjacency = data->mesh.adjacency();
   const auto edges = data->mesh.faceEdges(polygonId);
-  return std::any_of(edges.begin(), edges.end(), [&](EdgeId e) { return adjacency.isBorderEdge(e); });
+  return std::any_of(edges.begin(), edges.end(),
+                     [&](EdgeId e) { return adjacency.isBorderEdge(e); });
 }
 
 MUintArray MFnMesh::getInvisibleFaces(MStatus* status) const {
   MUintArray ids;
   const auto data = readMesh(*this, status);
   if (data)
-    for (const FaceId face : data->mesh.invisibleFaces()) ids.append(static_cast<unsigned int>(face));
+    for (const FaceId face : data->mesh.invisibleFaces())
+      ids.append(static_cast<unsigned int>(face));
   return ids;
 }
 
@@ -131,7 +135,8 @@ MStatus MFnMesh::setInvisibleFaces(const MUintArray& faceIds, bool makeVisible) 
   const auto data = readMesh(*this, &status);
   if (!data) return status;
   std::vector<char> isHidden(static_cast<std::size_t>(data->mesh.faceCount()), 0);
-  for (const FaceId face : data->mesh.invisibleFaces()) isHidden[static_cast<std::size_t>(face)] = 1;
+  for (const FaceId face : data->mesh.invisibleFaces())
+    isHidden[static_cast<std::size_t>(face)] = 1;
   for (unsigned int i = 0; i < faceIds.length(); ++i) {
     if (faceIds[i] >= isHidden.size()) return MStatus::kInvalidParameter;
     isHidden[faceIds[i]] = makeVisible ? 0 : 1;

@@ -12,13 +12,16 @@ using api::readMesh;
 
 namespace {
 
-/// Lists the triangles of all faces: how many each face has, and `valueOf(corner)` for each of their corners.
+/// Lists the triangles of all faces: how many each face has, and `valueOf(corner)` for each of
+/// their corners.
 template <class ValueOf>
-MStatus listTriangles(const mesh::Mesh& mesh, MIntArray& counts, MIntArray& values, ValueOf valueOf) {
+MStatus listTriangles(const mesh::Mesh& mesh, MIntArray& counts, MIntArray& values,
+                      ValueOf valueOf) {
   const mesh::Triangulation triangulation = mesh::triangulate(mesh);
   int* count = api::Access::overwrite(counts, static_cast<unsigned int>(mesh.faceCount()));
   for (FaceId f = 0; f < mesh.faceCount(); ++f) *count++ = mesh.faceSize(f) - 2;
-  int* value = api::Access::overwrite(values, static_cast<unsigned int>(3 * triangulation.triangles.size()));
+  int* value =
+      api::Access::overwrite(values, static_cast<unsigned int>(3 * triangulation.triangles.size()));
   for (const auto& triangle : triangulation.triangles)
     for (const CornerId corner : triangle) *value++ = valueOf(corner);
   return MStatus::kSuccess;
@@ -38,19 +41,23 @@ MStatus MFnMesh::getTriangleOffsets(MIntArray& triangleCounts, MIntArray& triang
   MStatus status;
   const auto data = readMesh(*this, &status);
   if (!data) return status;
-  return listTriangles(data->mesh, triangleCounts, triangleIndices, [](CornerId corner) { return corner; });
+  return listTriangles(data->mesh, triangleCounts, triangleIndices,
+                       [](CornerId corner) { return corner; });
 }
 
-MStatus MFnMesh::getPolygonTriangleVertices(int polygonId, int triangleId, int vertexList[3]) const {
+MStatus MFnMesh::getPolygonTriangleVertices(int polygonId, int triangleId,
+                                            int vertexList[3]) const {
   MStatus status;
   const auto data = readMesh(*this, &status);
   if (!data) return status;
   if (!api::isFace(data->mesh, polygonId)) return MStatus::kInvalidParameter;
   const auto triangles = mesh::triangulateFace(data->mesh, polygonId);
-  if (triangleId < 0 || static_cast<std::size_t>(triangleId) >= triangles.size()) return MStatus::kInvalidParameter;
+  if (triangleId < 0 || static_cast<std::size_t>(triangleId) >= triangles.size())
+    return MStatus::kInvalidParameter;
   const auto vertices = data->mesh.faceVertices(polygonId);
   for (std::size_t i = 0; i < 3; ++i)
-    vertexList[i] = vertices[static_cast<std::size_t>(triangles[static_cast<std::size_t>(triangleId)][i])];
+    vertexList[i] =
+        vertices[static_cast<std::size_t>(triangles[static_cast<std::size_t>(triangleId)][i])];
   return MStatus::kSuccess;
 }
 
@@ -73,7 +80,9 @@ MStatus MFnMesh::syncObject() {
   // Every write goes to the node or value at once; there is nothing to catch up with.
   return readMesh(*this) ? MStatus::kSuccess : MStatus::kFailure;
 }
-MStatus MFnMesh::updateSurface() { return syncObject(); }
+MStatus MFnMesh::updateSurface() {
+  return syncObject();
+}
 
 bool MFnMesh::isBlindDataTypeUsed(int, MStatus* status) const {
   (void)readMesh(*this, status);

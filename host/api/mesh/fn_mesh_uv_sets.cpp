@@ -35,7 +35,8 @@ MStatus MFnMesh::getUVSetNames(MStringArray& setNames) const {
   const auto data = readMesh(*this, &status);
   if (!data) return status;
   setNames.clear();
-  for (int i = 0; i < data->mesh.uvSetCount(); ++i) setNames.append(toMString(data->mesh.uvSet(i).name));
+  for (int i = 0; i < data->mesh.uvSetCount(); ++i)
+    setNames.append(toMString(data->mesh.uvSet(i).name));
   return MStatus::kSuccess;
 }
 MStatus MFnMesh::getUVSetFamilyNames(MStringArray& familyNames) const {
@@ -43,14 +44,17 @@ MStatus MFnMesh::getUVSetFamilyNames(MStringArray& familyNames) const {
 }
 MString MFnMesh::currentUVSetName(MStatus* status, int) const {
   const auto data = readMesh(*this, status);
-  return data && data->mesh.uvSetCount() > 0 ? toMString(data->mesh.uvSet(data->mesh.currentUvSet()).name) : MString();
+  return data && data->mesh.uvSetCount() > 0
+             ? toMString(data->mesh.uvSet(data->mesh.currentUvSet()).name)
+             : MString();
 }
 MStatus MFnMesh::getCurrentUVSetName(MString& setName, int instance) const {
   MStatus status;
   setName = currentUVSetName(&status, instance);
   return status;
 }
-MStatus MFnMesh::setCurrentUVSetName(const MString& setName, MDGModifier* modifier, MSelectionList*) {
+MStatus MFnMesh::setCurrentUVSetName(const MString& setName, MDGModifier* modifier,
+                                     MSelectionList*) {
   return editAttributes(*this, modifier, [&](mesh::Mesh& mesh) -> MStatus {
     const int set = mesh.findUvSet(setName.asChar());
     if (set < 0) return MStatus::kInvalidParameter;
@@ -59,8 +63,8 @@ MStatus MFnMesh::setCurrentUVSetName(const MString& setName, MDGModifier* modifi
   });
 }
 
-MString MFnMesh::createUVSetWithName(const MString& uvSetName, MDGModifier* modifier, MStatus* status,
-                                     const MUintArray*) {
+MString MFnMesh::createUVSetWithName(const MString& uvSetName, MDGModifier* modifier,
+                                     MStatus* status, const MUintArray*) {
   std::string name;
   const MStatus done = editAttributes(*this, modifier, [&](mesh::Mesh& mesh) {
     name = api::freeSetName(mesh, uvSetName);
@@ -70,24 +74,29 @@ MString MFnMesh::createUVSetWithName(const MString& uvSetName, MDGModifier* modi
   setStatus(status, done.statusCode());
   return done ? toMString(name) : MString();
 }
-MStatus MFnMesh::createUVSet(MString& uvSetName, MDGModifier* modifier, const MUintArray* instances) {
+MStatus MFnMesh::createUVSet(MString& uvSetName, MDGModifier* modifier,
+                             const MUintArray* instances) {
   MStatus status;
   const MString made = createUVSetWithName(uvSetName, modifier, &status, instances);
   if (status) uvSetName = made;
   return status;
 }
-MStatus MFnMesh::createUVSetDataMesh(MString& uvSetName) { return createUVSet(uvSetName); }
+MStatus MFnMesh::createUVSetDataMesh(MString& uvSetName) {
+  return createUVSet(uvSetName);
+}
 
-MString MFnMesh::copyUVSetWithName(const MString& fromName, const MString& toName, MDGModifier* modifier,
-                                   MStatus* status) {
+MString MFnMesh::copyUVSetWithName(const MString& fromName, const MString& toName,
+                                   MDGModifier* modifier, MStatus* status) {
   std::string name;
   const MStatus done = editAttributes(*this, modifier, [&](mesh::Mesh& mesh) -> MStatus {
     const int from = mesh.findUvSet(fromName.asChar()), to = mesh.findUvSet(toName.asChar());
     if (from < 0 || from == to) return MStatus::kInvalidParameter;
     mesh::UvSet copy = mesh.uvSet(from);
     copy.name = name = to >= 0 ? mesh.uvSet(to).name : api::freeSetName(mesh, toName);
-    if (to >= 0) mesh.setUvSet(to, std::move(copy));
-    else mesh.addUvSet(std::move(copy));
+    if (to >= 0)
+      mesh.setUvSet(to, std::move(copy));
+    else
+      mesh.addUvSet(std::move(copy));
     return MStatus::kSuccess;
   });
   setStatus(status, done.statusCode());
@@ -122,7 +131,8 @@ MStatus MFnMesh::deleteUVSet(const MString& setName, MDGModifier* modifier, MSel
   });
 }
 
-MStatus MFnMesh::getUvShellsIds(MIntArray& uvShellIds, unsigned int& nbUvShells, const MString* uvSet) const {
+MStatus MFnMesh::getUvShellsIds(MIntArray& uvShellIds, unsigned int& nbUvShells,
+                                const MString* uvSet) const {
   MStatus status;
   const auto data = readMesh(*this, &status);
   if (!data) return status;
@@ -141,16 +151,19 @@ MStatus MFnMesh::getUVBorderEdges(unsigned int setId, MIntArray& edgeList) const
   MStatus status;
   const auto data = readMesh(*this, &status);
   if (!data) return status;
-  if (setId >= static_cast<unsigned int>(data->mesh.uvSetCount())) return MStatus::kInvalidParameter;
+  if (setId >= static_cast<unsigned int>(data->mesh.uvSetCount()))
+    return MStatus::kInvalidParameter;
   const std::vector<EdgeId> edges = mesh::uvBorderEdges(data->mesh, static_cast<int>(setId));
   edgeList = MIntArray(edges.data(), static_cast<unsigned int>(edges.size()));
   return MStatus::kSuccess;
 }
 
-MStatus MFnMesh::getAssociatedUVSetTextures(const MString& uvSetName, MObjectArray& textures) const {
+MStatus MFnMesh::getAssociatedUVSetTextures(const MString& uvSetName,
+                                            MObjectArray& textures) const {
   MStatus status;
   const auto data = readMesh(*this, &status);
   if (!data) return status;
   textures.clear();  // no texture chooses its UV set here; all take the current one
-  return data->mesh.findUvSet(uvSetName.asChar()) >= 0 ? MStatus::kSuccess : MStatus::kInvalidParameter;
+  return data->mesh.findUvSet(uvSetName.asChar()) >= 0 ? MStatus::kSuccess
+                                                       : MStatus::kInvalidParameter;
 }

@@ -28,7 +28,9 @@ MStatus editUvSet(const MFnMesh& set, const MString* name, Change change) {
   });
 }
 
-bool isUv(const mesh::UvSet& uvs, int id) { return id >= 0 && static_cast<std::size_t>(id) < uvs.points.size(); }
+bool isUv(const mesh::UvSet& uvs, int id) {
+  return id >= 0 && static_cast<std::size_t>(id) < uvs.points.size();
+}
 
 }  // namespace
 }  // namespace host::api
@@ -38,7 +40,9 @@ using api::editUvSet;
 using api::isUv;
 using api::readUvSet;
 
-int MFnMesh::numUVs(MStatus* status) const { return numUVs(MString(), status); }
+int MFnMesh::numUVs(MStatus* status) const {
+  return numUVs(MString(), status);
+}
 int MFnMesh::numUVs(const MString& uvSet, MStatus* status) const {
   MStatus code;
   int set = -1;
@@ -62,7 +66,8 @@ MStatus MFnMesh::getUVs(MFloatArray& uArray, MFloatArray& vArray, const MString*
   return MStatus::kSuccess;
 }
 
-MStatus MFnMesh::setUVs(const MFloatArray& uArray, const MFloatArray& vArray, const MString* uvSet) {
+MStatus MFnMesh::setUVs(const MFloatArray& uArray, const MFloatArray& vArray,
+                        const MString* uvSet) {
   if (uArray.length() != vArray.length()) return MStatus::kInvalidParameter;
   return editUvSet(*this, uvSet, [&](mesh::Mesh&, mesh::UvSet& uvs) -> MStatus {
     // More UVs than before are added; fewer would leave corners without theirs.
@@ -96,12 +101,14 @@ MStatus MFnMesh::setUV(int uvId, float u, float v, const MString* uvSet) {
   });
 }
 
-MStatus MFnMesh::getPolygonUV(int polygonId, int vertexIndex, float& u, float& v, const MString* uvSet) const {
+MStatus MFnMesh::getPolygonUV(int polygonId, int vertexIndex, float& u, float& v,
+                              const MString* uvSet) const {
   int id = -1;
   const MStatus status = getPolygonUVid(polygonId, vertexIndex, id, uvSet);
   return status ? getUV(id, u, v, uvSet) : status;
 }
-MStatus MFnMesh::getPolygonUVid(int polygonId, int vertexIndex, int& uvId, const MString* uvSet) const {
+MStatus MFnMesh::getPolygonUVid(int polygonId, int vertexIndex, int& uvId,
+                                const MString* uvSet) const {
   MStatus status;
   int set = -1;
   const auto data = readUvSet(*this, uvSet, set, status);
@@ -119,17 +126,21 @@ MStatus MFnMesh::assignUV(int polygonId, int vertexIndex, int uvId, const MStrin
     const CornerId corner = api::localCorner(mesh, polygonId, vertexIndex);
     if (corner == kNone || !isUv(uvs, uvId)) return MStatus::kInvalidParameter;
     uvs.cornerIds.resize(static_cast<std::size_t>(mesh.cornerCount()), kNone);
-    // A face has UVs at all corners or at none, so the first assignment holds for all of its corners.
+    // A face has UVs at all corners or at none, so the first assignment holds for all of its
+    // corners.
     const CornerId first = mesh.firstCorner(polygonId);
     for (CornerId c = first; c < first + mesh.faceSize(polygonId); ++c)
-      if (UvId& id = uvs.cornerIds[static_cast<std::size_t>(c)]; id == kNone || c == corner) id = uvId;
+      if (UvId& id = uvs.cornerIds[static_cast<std::size_t>(c)]; id == kNone || c == corner)
+        id = uvId;
     return MStatus::kSuccess;
   });
 }
 
-MStatus MFnMesh::assignUVs(const MIntArray& uvCounts, const MIntArray& uvIds, const MString* uvSet) {
+MStatus MFnMesh::assignUVs(const MIntArray& uvCounts, const MIntArray& uvIds,
+                           const MString* uvSet) {
   return editUvSet(*this, uvSet, [&](mesh::Mesh& mesh, mesh::UvSet& uvs) -> MStatus {
-    if (uvCounts.length() != static_cast<unsigned int>(mesh.faceCount())) return MStatus::kInvalidParameter;
+    if (uvCounts.length() != static_cast<unsigned int>(mesh.faceCount()))
+      return MStatus::kInvalidParameter;
     for (const int id : uvIds)
       if (!isUv(uvs, id)) return MStatus::kInvalidParameter;
     std::vector<UvId> ids(static_cast<std::size_t>(mesh.cornerCount()), kNone);
@@ -137,7 +148,8 @@ MStatus MFnMesh::assignUVs(const MIntArray& uvCounts, const MIntArray& uvIds, co
     for (FaceId f = 0; f < mesh.faceCount(); ++f) {
       const int count = uvCounts[static_cast<unsigned int>(f)];
       if (count == 0) continue;
-      if (count != mesh.faceSize(f) || uvIds.end() - next < count) return MStatus::kInvalidParameter;
+      if (count != mesh.faceSize(f) || uvIds.end() - next < count)
+        return MStatus::kInvalidParameter;
       std::copy(next, next + count, ids.begin() + mesh.firstCorner(f));
       next += count;
     }

@@ -42,13 +42,21 @@ MItMeshEdge::MItMeshEdge(const MObject& polyObject, MStatus* status)
 MItMeshEdge::MItMeshEdge(const MDagPath& polyObject, const MObject& component, MStatus* status)
     : handle_(api::makeWalk(polyObject, component, kType, status)) {}
 
-MStatus MItMeshEdge::reset() { return api::restart(handle_); }
-MStatus MItMeshEdge::reset(const MObject& polyObject) { return api::restartOn(handle_, polyObject, kType); }
+MStatus MItMeshEdge::reset() {
+  return api::restart(handle_);
+}
+MStatus MItMeshEdge::reset(const MObject& polyObject) {
+  return api::restartOn(handle_, polyObject, kType);
+}
 MStatus MItMeshEdge::reset(const MDagPath& polyObject, const MObject& component) {
   return api::restartOn(handle_, polyObject, component, kType);
 }
-MStatus MItMeshEdge::next() { return api::advance(handle_); }
-bool MItMeshEdge::isDone(MStatus* status) const { return api::isAtEnd(handle_, status); }
+MStatus MItMeshEdge::next() {
+  return api::advance(handle_);
+}
+bool MItMeshEdge::isDone(MStatus* status) const {
+  return api::isAtEnd(handle_, status);
+}
 int MItMeshEdge::count(MStatus* status) const {
   const MeshWalk* walk = walkOf(handle_);
   setStatus(status, walk ? MStatus::kSuccess : MStatus::kFailure);
@@ -80,13 +88,16 @@ MObject MItMeshEdge::currentItem(MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
   return walk ? api::wrap(scene::Component(kType, {walk->current()})) : MObject();
 }
-MObject MItMeshEdge::edge(MStatus* status) const { return currentItem(status); }
+MObject MItMeshEdge::edge(MStatus* status) const {
+  return currentItem(status);
+}
 
 MPoint MItMeshEdge::point(int index, MSpace::Space space, MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
   if (!walk) return MPoint();
   MPoint a, b;
-  const MStatus code = index == 0 || index == 1 ? ends(*walk, space, a, b) : MStatus(MStatus::kInvalidParameter);
+  const MStatus code =
+      index == 0 || index == 1 ? ends(*walk, space, a, b) : MStatus(MStatus::kInvalidParameter);
   setStatus(status, code.statusCode());
   return index == 0 ? a : b;
 }
@@ -138,7 +149,9 @@ MStatus MItMeshEdge::setSmoothing(bool smooth) {
   mesh.setEdgeSmooth(walk->current(), smooth);
   return walk->writeAttributes(std::move(mesh));
 }
-MStatus MItMeshEdge::cleanupSmoothing() { return walkOf(handle_) ? MStatus::kSuccess : MStatus::kFailure; }
+MStatus MItMeshEdge::cleanupSmoothing() {
+  return walkOf(handle_) ? MStatus::kSuccess : MStatus::kFailure;
+}
 
 MStatus MItMeshEdge::numConnectedFaces(int& faceCount) const {
   MStatus status;
@@ -174,8 +187,10 @@ bool MItMeshEdge::connectedToFace(int faceId, MStatus* status) const {
 }
 bool MItMeshEdge::connectedToEdge(int edgeId, MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
-  if (!walk || edgeId < 0 || edgeId >= walk->mesh().edgeCount() || edgeId == walk->current()) return false;
-  const mesh::EdgeVertices mine = walk->mesh().edge(walk->current()), other = walk->mesh().edge(edgeId);
+  if (!walk || edgeId < 0 || edgeId >= walk->mesh().edgeCount() || edgeId == walk->current())
+    return false;
+  const mesh::EdgeVertices mine = walk->mesh().edge(walk->current()),
+                           other = walk->mesh().edge(edgeId);
   return mine.a == other.a || mine.a == other.b || mine.b == other.a || mine.b == other.b;
 }
 bool MItMeshEdge::onBoundary(MStatus* status) const {

@@ -14,7 +14,9 @@ namespace {
 
 constexpr auto kType = scene::ComponentType::VertexFace;
 
-FaceId faceOf(const MeshWalk& walk) { return walk.adjacency().cornerFace(walk.current()); }
+FaceId faceOf(const MeshWalk& walk) {
+  return walk.adjacency().cornerFace(walk.current());
+}
 
 const MeshWalk* atUvSet(const api::Handle& handle, const MString* name, int& set, MStatus& status) {
   const MeshWalk* walk = standing(handle, &status);
@@ -26,8 +28,8 @@ const MeshWalk* atUvSet(const api::Handle& handle, const MString* name, int& set
 }
 
 /// The tangent or binormal at the current corner; zero with a failed status when there is none.
-MVector frameVector(const api::Handle& handle, MSpace::Space space, const MString* uvSet, bool isBinormal,
-                    MStatus* status) {
+MVector frameVector(const api::Handle& handle, MSpace::Space space, const MString* uvSet,
+                    bool isBinormal, MStatus* status) {
   MStatus code;
   int set = -1;
   const MeshWalk* walk = atUvSet(handle, uvSet, set, code);
@@ -50,16 +52,25 @@ MVector frameVector(const api::Handle& handle, MSpace::Space space, const MStrin
 
 MItMeshFaceVertex::MItMeshFaceVertex(const MObject& polyObject, MStatus* status)
     : handle_(api::makeWalk(polyObject, kType, status)) {}
-MItMeshFaceVertex::MItMeshFaceVertex(const MDagPath& polyObject, const MObject& component, MStatus* status)
+MItMeshFaceVertex::MItMeshFaceVertex(const MDagPath& polyObject, const MObject& component,
+                                     MStatus* status)
     : handle_(api::makeWalk(polyObject, component, kType, status)) {}
 
-MStatus MItMeshFaceVertex::reset() { return api::restart(handle_); }
-MStatus MItMeshFaceVertex::reset(const MObject& polyObject) { return api::restartOn(handle_, polyObject, kType); }
+MStatus MItMeshFaceVertex::reset() {
+  return api::restart(handle_);
+}
+MStatus MItMeshFaceVertex::reset(const MObject& polyObject) {
+  return api::restartOn(handle_, polyObject, kType);
+}
 MStatus MItMeshFaceVertex::reset(const MDagPath& polyObject, const MObject& component) {
   return api::restartOn(handle_, polyObject, component, kType);
 }
-MStatus MItMeshFaceVertex::next() { return api::advance(handle_); }
-bool MItMeshFaceVertex::isDone(MStatus* status) const { return api::isAtEnd(handle_, status); }
+MStatus MItMeshFaceVertex::next() {
+  return api::advance(handle_);
+}
+bool MItMeshFaceVertex::isDone(MStatus* status) const {
+  return api::isAtEnd(handle_, status);
+}
 MStatus MItMeshFaceVertex::setIndex(int faceId, int vertexId, int& prevFaceId, int& prevVertexId) {
   MeshWalk* walk = walkOf(handle_);
   if (!walk) return MStatus::kFailure;
@@ -77,8 +88,8 @@ MStatus MItMeshFaceVertex::setIndex(int faceId, int vertexId, int& prevFaceId, i
 MObject MItMeshFaceVertex::currentItem(MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
   if (!walk) return MObject();
-  return api::wrap(scene::Component(
-      std::vector<scene::Component::VertexFace>{{walk->mesh().cornerVertex(walk->current()), faceOf(*walk)}}));
+  return api::wrap(scene::Component(std::vector<scene::Component::VertexFace>{
+      {walk->mesh().cornerVertex(walk->current()), faceOf(*walk)}}));
 }
 int MItMeshFaceVertex::faceId(MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
@@ -99,7 +110,8 @@ MPoint MItMeshFaceVertex::position(MSpace::Space space, MStatus* status) const {
   std::optional<math::Matrix4> toSpace;
   const MStatus code = walk->target().spaceMatrix(space, toSpace);
   setStatus(status, code.statusCode());
-  return code ? api::pointIn(walk->point(walk->mesh().cornerVertex(walk->current())), toSpace) : MPoint();
+  return code ? api::pointIn(walk->point(walk->mesh().cornerVertex(walk->current())), toSpace)
+              : MPoint();
 }
 MStatus MItMeshFaceVertex::getNormal(MVector& normal, MSpace::Space space) const {
   MStatus status;
@@ -108,17 +120,22 @@ MStatus MItMeshFaceVertex::getNormal(MVector& normal, MSpace::Space space) const
   std::optional<math::Matrix4> toSpace;
   status = walk->target().spaceMatrix(space, toSpace);
   if (status)
-    normal = api::normalIn(math::Vec3(walk->mesh().cornerNormals()[static_cast<std::size_t>(walk->current())]), toSpace);
+    normal = api::normalIn(
+        math::Vec3(walk->mesh().cornerNormals()[static_cast<std::size_t>(walk->current())]),
+        toSpace);
   return status;
 }
 int MItMeshFaceVertex::normalId(MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
-  return walk ? api::normalIdsOf(walk->data())->ofCorner[static_cast<std::size_t>(walk->current())] : -1;
+  return walk ? api::normalIdsOf(walk->data())->ofCorner[static_cast<std::size_t>(walk->current())]
+              : -1;
 }
-MVector MItMeshFaceVertex::getTangent(MSpace::Space space, const MString* uvSet, MStatus* status) const {
+MVector MItMeshFaceVertex::getTangent(MSpace::Space space, const MString* uvSet,
+                                      MStatus* status) const {
   return frameVector(handle_, space, uvSet, false, status);
 }
-MVector MItMeshFaceVertex::getBinormal(MSpace::Space space, const MString* uvSet, MStatus* status) const {
+MVector MItMeshFaceVertex::getBinormal(MSpace::Space space, const MString* uvSet,
+                                       MStatus* status) const {
   return frameVector(handle_, space, uvSet, true, status);
 }
 int MItMeshFaceVertex::tangentId(MStatus* status) const {
@@ -126,7 +143,9 @@ int MItMeshFaceVertex::tangentId(MStatus* status) const {
   return walk ? walk->current() : -1;
 }
 
-bool MItMeshFaceVertex::hasUVs(MStatus* status) const { return hasUVs(MString(), status); }
+bool MItMeshFaceVertex::hasUVs(MStatus* status) const {
+  return hasUVs(MString(), status);
+}
 bool MItMeshFaceVertex::hasUVs(const MString& uvSet, MStatus* status) const {
   MStatus code;
   int set = -1;
@@ -142,7 +161,8 @@ MStatus MItMeshFaceVertex::getUVIndex(int& uvIndex, const MString* uvSet) const 
   float u = 0, v = 0;
   return getUVIndex(uvIndex, u, v, uvSet);
 }
-MStatus MItMeshFaceVertex::getUVIndex(int& uvIndex, float& u, float& v, const MString* uvSet) const {
+MStatus MItMeshFaceVertex::getUVIndex(int& uvIndex, float& u, float& v,
+                                      const MString* uvSet) const {
   MStatus status;
   int set = -1;
   const MeshWalk* walk = atUvSet(handle_, uvSet, set, status);
@@ -156,11 +176,14 @@ MStatus MItMeshFaceVertex::getUVIndex(int& uvIndex, float& u, float& v, const MS
   return MStatus::kSuccess;
 }
 
-bool MItMeshFaceVertex::hasColor(MStatus* status) const { return hasColor(MString(), status); }
+bool MItMeshFaceVertex::hasColor(MStatus* status) const {
+  return hasColor(MString(), status);
+}
 bool MItMeshFaceVertex::hasColor(const MString& colorSet, MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
   if (!walk) return false;
-  return api::cornerColor(walk->mesh(), api::colorSetIndex(walk->mesh(), &colorSet), walk->current()) != kNone;
+  return api::cornerColor(walk->mesh(), api::colorSetIndex(walk->mesh(), &colorSet),
+                          walk->current()) != kNone;
 }
 MStatus MItMeshFaceVertex::getColorIndex(int& colorIndex, const MString* colorSet) const {
   MStatus status;
@@ -177,7 +200,8 @@ MStatus MItMeshFaceVertex::getColor(MColor& color, const MString* colorSet) cons
   if (!status) return status;
   if (id == kNone) return MStatus::kFailure;
   const mesh::Mesh& mesh = walkOf(handle_)->mesh();
-  color = api::toMColor(mesh.colorSet(api::colorSetIndex(mesh, colorSet)).colors[static_cast<std::size_t>(id)]);
+  color = api::toMColor(
+      mesh.colorSet(api::colorSetIndex(mesh, colorSet)).colors[static_cast<std::size_t>(id)]);
   return MStatus::kSuccess;
 }
 MStatus MItMeshFaceVertex::geomChanged() {

@@ -16,7 +16,9 @@ using api::walkOf;
 namespace {
 constexpr auto kType = scene::ComponentType::Face;
 
-std::span<const VertexId> loop(const MeshWalk& walk) { return walk.mesh().faceVertices(walk.current()); }
+std::span<const VertexId> loop(const MeshWalk& walk) {
+  return walk.mesh().faceVertices(walk.current());
+}
 
 MIntArray toArray(const std::vector<Index>& ids) {
   return MIntArray(ids.data(), static_cast<unsigned int>(ids.size()));
@@ -85,16 +87,25 @@ math::Vec3 areaVector(const std::vector<math::Vec3>& points) {
 
 MItMeshPolygon::MItMeshPolygon(const MObject& polyObject, MStatus* status)
     : handle_(api::makeWalk(polyObject, kType, status)) {}
-MItMeshPolygon::MItMeshPolygon(const MDagPath& polyObject, const MObject& component, MStatus* status)
+MItMeshPolygon::MItMeshPolygon(const MDagPath& polyObject, const MObject& component,
+                               MStatus* status)
     : handle_(api::makeWalk(polyObject, component, kType, status)) {}
 
-MStatus MItMeshPolygon::reset() { return api::restart(handle_); }
-MStatus MItMeshPolygon::reset(const MObject& polyObject) { return api::restartOn(handle_, polyObject, kType); }
+MStatus MItMeshPolygon::reset() {
+  return api::restart(handle_);
+}
+MStatus MItMeshPolygon::reset(const MObject& polyObject) {
+  return api::restartOn(handle_, polyObject, kType);
+}
 MStatus MItMeshPolygon::reset(const MDagPath& polyObject, const MObject& component) {
   return api::restartOn(handle_, polyObject, component, kType);
 }
-MStatus MItMeshPolygon::next() { return api::advance(handle_); }
-bool MItMeshPolygon::isDone(MStatus* status) const { return api::isAtEnd(handle_, status); }
+MStatus MItMeshPolygon::next() {
+  return api::advance(handle_);
+}
+bool MItMeshPolygon::isDone(MStatus* status) const {
+  return api::isAtEnd(handle_, status);
+}
 int MItMeshPolygon::count(MStatus* status) const {
   const MeshWalk* walk = walkOf(handle_);
   setStatus(status, walk ? MStatus::kSuccess : MStatus::kFailure);
@@ -116,7 +127,9 @@ MObject MItMeshPolygon::currentItem(MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
   return walk ? api::wrap(scene::Component(kType, {walk->current()})) : MObject();
 }
-MObject MItMeshPolygon::polygon(MStatus* status) const { return currentItem(status); }
+MObject MItMeshPolygon::polygon(MStatus* status) const {
+  return currentItem(status);
+}
 
 MPoint MItMeshPolygon::center(MSpace::Space space, MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
@@ -165,7 +178,8 @@ MPoint MItMeshPolygon::point(int index, MSpace::Space space, MStatus* status) co
   setStatus(status, code.statusCode());
   return code ? api::pointIn(walkOf(handle_)->point(vertex), toSpace) : MPoint();
 }
-void MItMeshPolygon::getPoints(MPointArray& pointArray, MSpace::Space space, MStatus* status) const {
+void MItMeshPolygon::getPoints(MPointArray& pointArray, MSpace::Space space,
+                               MStatus* status) const {
   pointArray.clear();
   const MeshWalk* walk = standing(handle_, status);
   if (!walk) return;
@@ -190,7 +204,8 @@ MStatus MItMeshPolygon::setPoint(const MPoint& point, unsigned int index, MSpace
 MStatus MItMeshPolygon::setPoints(const MPointArray& pointArray, MSpace::Space space) {
   MStatus status;
   if (pointArray.length() != polygonVertexCount(&status)) return MStatus::kInvalidParameter;
-  for (unsigned int i = 0; i < pointArray.length() && status; ++i) status = setPoint(pointArray[i], i, space);
+  for (unsigned int i = 0; i < pointArray.length() && status; ++i)
+    status = setPoint(pointArray[i], i, space);
   return status;
 }
 
@@ -203,7 +218,8 @@ MStatus MItMeshPolygon::getNormal(MVector& normal, MSpace::Space space) const {
   if (status) normal = api::normalIn(mesh::faceNormal(walk->mesh(), walk->current()), toSpace);
   return status;
 }
-MStatus MItMeshPolygon::getNormal(unsigned int localVertexIndex, MVector& normal, MSpace::Space space) const {
+MStatus MItMeshPolygon::getNormal(unsigned int localVertexIndex, MVector& normal,
+                                  MSpace::Space space) const {
   MStatus status;
   const MeshWalk* walk = standing(handle_, &status);
   if (!walk) return status;
@@ -211,7 +227,8 @@ MStatus MItMeshPolygon::getNormal(unsigned int localVertexIndex, MVector& normal
   std::optional<math::Matrix4> toSpace;
   status = walk->target().spaceMatrix(space, toSpace);
   if (!status) return status;
-  const auto corner = static_cast<std::size_t>(walk->mesh().firstCorner(walk->current())) + localVertexIndex;
+  const auto corner =
+      static_cast<std::size_t>(walk->mesh().firstCorner(walk->current())) + localVertexIndex;
   normal = api::normalIn(math::Vec3(walk->mesh().cornerNormals()[corner]), toSpace);
   return status;
 }
@@ -280,7 +297,8 @@ bool MItMeshPolygon::onBoundary(MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
   if (!walk) return false;
   const auto edges = walk->mesh().faceEdges(walk->current());
-  return std::any_of(edges.begin(), edges.end(), [walk](EdgeId e) { return walk->adjacency().isBorderEdge(e); });
+  return std::any_of(edges.begin(), edges.end(),
+                     [walk](EdgeId e) { return walk->adjacency().isBorderEdge(e); });
 }
 
 bool MItMeshPolygon::isConvex(MStatus* status) const {
@@ -291,7 +309,8 @@ bool MItMeshPolygon::isConvex(MStatus* status) const {
   const math::Vec3 normal = areaVector(points);
   const std::size_t n = points.size();
   for (std::size_t i = 0; i < n; ++i) {
-    const math::Vec3 turn = math::cross(points[(i + 1) % n] - points[i], points[(i + 2) % n] - points[(i + 1) % n]);
+    const math::Vec3 turn =
+        math::cross(points[(i + 1) % n] - points[i], points[(i + 2) % n] - points[(i + 1) % n]);
     if (math::dot(turn, normal) < 0) return false;
   }
   return true;
@@ -304,7 +323,8 @@ bool MItMeshPolygon::isStarlike(MStatus* status) const {
   (void)corners(*walk, MSpace::kObject, points);
   const math::Vec3 normal = areaVector(points), centre = api::toVec3(center());
   for (std::size_t i = 0; i < points.size(); ++i) {
-    const math::Vec3 turn = math::cross(points[i] - centre, points[(i + 1) % points.size()] - centre);
+    const math::Vec3 turn =
+        math::cross(points[i] - centre, points[(i + 1) % points.size()] - centre);
     if (math::dot(turn, normal) < 0) return false;
   }
   return true;
@@ -328,7 +348,9 @@ bool MItMeshPolygon::isLamina(MStatus* status) const {
   const auto edges = walk->mesh().faceEdges(walk->current());
   for (const FaceId f : facesAcrossEdges(*walk)) {
     const auto other = walk->mesh().faceEdges(f);
-    if (other.size() == edges.size() && std::is_permutation(edges.begin(), edges.end(), other.begin())) return true;
+    if (other.size() == edges.size() &&
+        std::is_permutation(edges.begin(), edges.end(), other.begin()))
+      return true;
   }
   return false;
 }
@@ -378,7 +400,8 @@ MStatus MItMeshPolygon::getTriangle(int localTriIndex, MPointArray& points, MInt
   }
   return MStatus::kSuccess;
 }
-MStatus MItMeshPolygon::getTriangles(MPointArray& points, MIntArray& vertexList, MSpace::Space space) const {
+MStatus MItMeshPolygon::getTriangles(MPointArray& points, MIntArray& vertexList,
+                                     MSpace::Space space) const {
   MStatus status;
   const MeshWalk* walk = standing(handle_, &status);
   if (!walk) return status;
@@ -400,4 +423,6 @@ MStatus MItMeshPolygon::updateSurface() {
   MeshWalk* walk = walkOf(handle_);
   return walk ? walk->flush() : MStatus(MStatus::kFailure);
 }
-MStatus MItMeshPolygon::geomChanged() { return updateSurface(); }
+MStatus MItMeshPolygon::geomChanged() {
+  return updateSurface();
+}

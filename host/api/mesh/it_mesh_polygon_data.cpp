@@ -24,7 +24,9 @@ CornerId cornerOf(const MeshWalk& walk, int local) {
   if (local < 0 || local >= walk.mesh().faceSize(walk.current())) return kNone;
   return walk.mesh().firstCorner(walk.current()) + local;
 }
-Index size(const MeshWalk& walk) { return walk.mesh().faceSize(walk.current()); }
+Index size(const MeshWalk& walk) {
+  return walk.mesh().faceSize(walk.current());
+}
 
 const MeshWalk* atUvSet(const api::Handle& handle, const MString* name, int& set, MStatus& status) {
   const MeshWalk* walk = standing(handle, &status);
@@ -34,7 +36,8 @@ const MeshWalk* atUvSet(const api::Handle& handle, const MString* name, int& set
   status = MStatus::kInvalidParameter;
   return nullptr;
 }
-const MeshWalk* atColorSet(const api::Handle& handle, const MString* name, int& set, MStatus& status) {
+const MeshWalk* atColorSet(const api::Handle& handle, const MString* name, int& set,
+                           MStatus& status) {
   const MeshWalk* walk = standing(handle, &status);
   if (!walk) return nullptr;
   set = api::colorSetIndex(walk->mesh(), name);
@@ -42,7 +45,9 @@ const MeshWalk* atColorSet(const api::Handle& handle, const MString* name, int& 
   status = MStatus::kInvalidParameter;
   return nullptr;
 }
-bool hasUvsIn(const MeshWalk& walk, int set) { return walk.mesh().cornerUv(set, cornerOf(walk, 0)) != kNone; }
+bool hasUvsIn(const MeshWalk& walk, int set) {
+  return walk.mesh().cornerUv(set, cornerOf(walk, 0)) != kNone;
+}
 
 math::Vec3 directionIn(const math::Vec3& v, const std::optional<math::Matrix4>& toSpace) {
   return math::normalized(toSpace ? math::transformVector(v, *toSpace) : v);
@@ -59,7 +64,8 @@ unsigned int MItMeshPolygon::normalIndex(int localVertexIndex, MStatus* status) 
   const MeshWalk* walk = standing(handle_, status);
   const CornerId corner = walk ? cornerOf(*walk, localVertexIndex) : kNone;
   if (corner == kNone) return walk ? refuse(status) : ~0u;
-  return static_cast<unsigned int>(api::normalIdsOf(walk->data())->ofCorner[static_cast<std::size_t>(corner)]);
+  return static_cast<unsigned int>(
+      api::normalIdsOf(walk->data())->ofCorner[static_cast<std::size_t>(corner)]);
 }
 unsigned int MItMeshPolygon::tangentIndex(int localVertexIndex, MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
@@ -68,7 +74,9 @@ unsigned int MItMeshPolygon::tangentIndex(int localVertexIndex, MStatus* status)
   return static_cast<unsigned int>(corner);
 }
 
-bool MItMeshPolygon::hasUVs(MStatus* status) const { return hasUVs(MString(), status); }
+bool MItMeshPolygon::hasUVs(MStatus* status) const {
+  return hasUVs(MString(), status);
+}
 bool MItMeshPolygon::hasUVs(const MString& uvSet, MStatus* status) const {
   MStatus code;
   int set = -1;
@@ -88,11 +96,13 @@ MStatus MItMeshPolygon::getUVIndex(int vertexId, int& uvIndex, const MString* uv
   uvIndex = id;
   return MStatus::kSuccess;
 }
-MStatus MItMeshPolygon::getUVIndex(int vertexId, int& uvIndex, float& u, float& v, const MString* uvSet) const {
+MStatus MItMeshPolygon::getUVIndex(int vertexId, int& uvIndex, float& u, float& v,
+                                   const MString* uvSet) const {
   const MStatus status = getUVIndex(vertexId, uvIndex, uvSet);
   if (!status) return status;
   const mesh::Mesh& mesh = walkOf(handle_)->mesh();
-  const auto& uv = mesh.uvSet(api::uvSetIndex(mesh, uvSet)).points[static_cast<std::size_t>(uvIndex)];
+  const auto& uv =
+      mesh.uvSet(api::uvSetIndex(mesh, uvSet)).points[static_cast<std::size_t>(uvIndex)];
   u = uv.u;
   v = uv.v;
   return MStatus::kSuccess;
@@ -101,7 +111,8 @@ MStatus MItMeshPolygon::getUV(int vertexId, float2& uvPoint, const MString* uvSe
   int id = -1;
   return getUVIndex(vertexId, id, uvPoint[0], uvPoint[1], uvSet);
 }
-MStatus MItMeshPolygon::getUVs(MFloatArray& uArray, MFloatArray& vArray, const MString* uvSet) const {
+MStatus MItMeshPolygon::getUVs(MFloatArray& uArray, MFloatArray& vArray,
+                               const MString* uvSet) const {
   MStatus status;
   int set = -1;
   const MeshWalk* walk = atUvSet(handle_, uvSet, set, status);
@@ -122,7 +133,8 @@ MStatus MItMeshPolygon::setUVs(MFloatArray& uArray, MFloatArray& vArray, const M
   int set = -1;
   const MeshWalk* walk = atUvSet(handle_, uvSet, set, status);
   if (!walk) return status;
-  if (uArray.length() != static_cast<unsigned int>(size(*walk)) || vArray.length() != uArray.length())
+  if (uArray.length() != static_cast<unsigned int>(size(*walk)) ||
+      vArray.length() != uArray.length())
     return MStatus::kInvalidParameter;
   if (!hasUvsIn(*walk, set)) return MStatus::kFailure;
   mesh::Mesh mesh = walk->mesh();
@@ -139,12 +151,13 @@ MStatus MItMeshPolygon::setUV(int vertexId, float2& uvPoint, const MString* uvSe
   const MStatus status = getUVIndex(vertexId, id, uvSet);
   if (!status) return status;
   mesh::Mesh mesh = walkOf(handle_)->mesh();
-  mesh.editUvSet(api::uvSetIndex(mesh, uvSet)).points[static_cast<std::size_t>(id)] = {uvPoint[0], uvPoint[1]};
+  mesh.editUvSet(api::uvSetIndex(mesh, uvSet)).points[static_cast<std::size_t>(id)] = {uvPoint[0],
+                                                                                       uvPoint[1]};
   return walkOf(handle_)->writeAttributes(std::move(mesh));
 }
 
-MStatus MItMeshPolygon::getPointAtUV(MPoint& point, float2& uvPoint, MSpace::Space space, const MString* uvSet,
-                                     float tolerance) const {
+MStatus MItMeshPolygon::getPointAtUV(MPoint& point, float2& uvPoint, MSpace::Space space,
+                                     const MString* uvSet, float tolerance) const {
   MStatus status;
   int set = -1;
   const MeshWalk* walk = atUvSet(handle_, uvSet, set, status);
@@ -159,7 +172,8 @@ MStatus MItMeshPolygon::getPointAtUV(MPoint& point, float2& uvPoint, MSpace::Spa
   point = api::toMPoint(toSpace ? math::transformPoint(p, *toSpace) : p);
   return MStatus::kSuccess;
 }
-MStatus MItMeshPolygon::getUVAtPoint(MPoint& point, float2& uvPoint, MSpace::Space space, const MString* uvSet) const {
+MStatus MItMeshPolygon::getUVAtPoint(MPoint& point, float2& uvPoint, MSpace::Space space,
+                                     const MString* uvSet) const {
   MStatus status;
   int set = -1;
   const MeshWalk* walk = atUvSet(handle_, uvSet, set, status);
@@ -170,8 +184,8 @@ MStatus MItMeshPolygon::getUVAtPoint(MPoint& point, float2& uvPoint, MSpace::Spa
   const auto fromSpace = toSpace ? math::inverse(*toSpace) : std::nullopt;
   if (toSpace && !fromSpace) return MStatus::kFailure;
   const math::Vec3 p = api::toVec3(point);
-  const auto place =
-      ops::closestOnFace(walk->mesh(), walk->current(), fromSpace ? math::transformPoint(p, *fromSpace) : p);
+  const auto place = ops::closestOnFace(walk->mesh(), walk->current(),
+                                        fromSpace ? math::transformPoint(p, *fromSpace) : p);
   const auto uv = ops::uvAt(walk->mesh(), set, place);
   if (!uv) return MStatus::kFailure;
   uvPoint[0] = uv->u;
@@ -179,7 +193,8 @@ MStatus MItMeshPolygon::getUVAtPoint(MPoint& point, float2& uvPoint, MSpace::Spa
   return MStatus::kSuccess;
 }
 MStatus MItMeshPolygon::getAxisAtUV(MVector& normal, MVector& uDir, MVector& vDir, float2& uvPoint,
-                                    MSpace::Space space, const MString* uvSet, float tolerance) const {
+                                    MSpace::Space space, const MString* uvSet,
+                                    float tolerance) const {
   MStatus status;
   int set = -1;
   const MeshWalk* walk = atUvSet(handle_, uvSet, set, status);
@@ -206,14 +221,18 @@ MStatus MItMeshPolygon::getUVArea(double& area, const MString* uvSet) const {
   area = twisted < 0 ? -twisted : twisted;
   return MStatus::kSuccess;
 }
-bool MItMeshPolygon::zeroUVArea(MStatus* status) const { return zeroUVArea(MString(), status); }
+bool MItMeshPolygon::zeroUVArea(MStatus* status) const {
+  return zeroUVArea(MString(), status);
+}
 bool MItMeshPolygon::zeroUVArea(const MString& uvSet, MStatus* status) const {
   double area = 0;
   const MStatus code = getUVArea(area, &uvSet);
   setStatus(status, code.statusCode());
   return code && area <= 0;
 }
-bool MItMeshPolygon::isUVReversed(MStatus* status) const { return isUVReversed(MString(), status); }
+bool MItMeshPolygon::isUVReversed(MStatus* status) const {
+  return isUVReversed(MString(), status);
+}
 bool MItMeshPolygon::isUVReversed(const MString& uvSet, MStatus* status) const {
   MStatus code;
   int set = -1;
@@ -242,7 +261,8 @@ bool MItMeshPolygon::hasColor(int localVertexIndex, MStatus* status) const {
   if (!walk) return false;
   const CornerId corner = cornerOf(*walk, localVertexIndex);
   if (corner == kNone) setStatus(status, MStatus::kInvalidParameter);
-  return corner != kNone && cornerColor(walk->mesh(), walk->mesh().currentColorSet(), corner) != kNone;
+  return corner != kNone &&
+         cornerColor(walk->mesh(), walk->mesh().currentColorSet(), corner) != kNone;
 }
 MStatus MItMeshPolygon::getColor(MColor& color, const MString* colorSet) const {
   MColorArray colors;
@@ -254,7 +274,8 @@ MStatus MItMeshPolygon::getColor(MColor& color, int vertexIndex) const {
   MColorArray colors;
   const MStatus status = getColors(colors);
   if (!status) return status;
-  if (vertexIndex < 0 || static_cast<unsigned int>(vertexIndex) >= colors.length()) return MStatus::kInvalidParameter;
+  if (vertexIndex < 0 || static_cast<unsigned int>(vertexIndex) >= colors.length())
+    return MStatus::kInvalidParameter;
   color = colors[static_cast<unsigned int>(vertexIndex)];
   return MStatus::kSuccess;
 }
@@ -266,8 +287,10 @@ MStatus MItMeshPolygon::getColors(MColorArray& colors, const MString* colorSet) 
   colors.clear();
   for (Index i = 0; i < size(*walk); ++i) {
     const Index id = cornerColor(walk->mesh(), set, cornerOf(*walk, i));
-    colors.append(id == kNone ? api::unsetColor(nullptr)
-                              : api::toMColor(walk->mesh().colorSet(set).colors[static_cast<std::size_t>(id)]));
+    colors.append(
+        id == kNone
+            ? api::unsetColor(nullptr)
+            : api::toMColor(walk->mesh().colorSet(set).colors[static_cast<std::size_t>(id)]));
   }
   return MStatus::kSuccess;
 }
@@ -279,7 +302,8 @@ MStatus MItMeshPolygon::numColors(int& count, const MString* colorSet) const {
   for (const int id : indices) count += id != kNone ? 1 : 0;
   return MStatus::kSuccess;
 }
-MStatus MItMeshPolygon::getColorIndex(int vertexIndex, int& colorIndex, const MString* colorSet) const {
+MStatus MItMeshPolygon::getColorIndex(int vertexIndex, int& colorIndex,
+                                      const MString* colorSet) const {
   MStatus status;
   int set = -1;
   const MeshWalk* walk = atColorSet(handle_, colorSet, set, status);
@@ -295,6 +319,7 @@ MStatus MItMeshPolygon::getColorIndices(MIntArray& colorIndices, const MString* 
   const MeshWalk* walk = atColorSet(handle_, colorSet, set, status);
   if (!walk) return status;
   colorIndices.clear();
-  for (Index i = 0; i < size(*walk); ++i) colorIndices.append(cornerColor(walk->mesh(), set, cornerOf(*walk, i)));
+  for (Index i = 0; i < size(*walk); ++i)
+    colorIndices.append(cornerColor(walk->mesh(), set, cornerOf(*walk, i)));
   return MStatus::kSuccess;
 }

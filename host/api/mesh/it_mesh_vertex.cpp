@@ -32,13 +32,21 @@ MItMeshVertex::MItMeshVertex(const MObject& polyObject, MStatus* status)
 MItMeshVertex::MItMeshVertex(const MDagPath& polyObject, const MObject& component, MStatus* status)
     : handle_(api::makeWalk(polyObject, component, kType, status)) {}
 
-MStatus MItMeshVertex::reset() { return api::restart(handle_); }
-MStatus MItMeshVertex::reset(const MObject& polyObject) { return api::restartOn(handle_, polyObject, kType); }
+MStatus MItMeshVertex::reset() {
+  return api::restart(handle_);
+}
+MStatus MItMeshVertex::reset(const MObject& polyObject) {
+  return api::restartOn(handle_, polyObject, kType);
+}
 MStatus MItMeshVertex::reset(const MDagPath& polyObject, const MObject& component) {
   return api::restartOn(handle_, polyObject, component, kType);
 }
-MStatus MItMeshVertex::next() { return api::advance(handle_); }
-bool MItMeshVertex::isDone(MStatus* status) const { return api::isAtEnd(handle_, status); }
+MStatus MItMeshVertex::next() {
+  return api::advance(handle_);
+}
+bool MItMeshVertex::isDone(MStatus* status) const {
+  return api::isAtEnd(handle_, status);
+}
 int MItMeshVertex::count(MStatus* status) const {
   const MeshWalk* walk = walkOf(handle_);
   setStatus(status, walk ? MStatus::kSuccess : MStatus::kFailure);
@@ -60,7 +68,9 @@ MObject MItMeshVertex::currentItem(MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
   return walk ? api::wrap(scene::Component(kType, {walk->current()})) : MObject();
 }
-MObject MItMeshVertex::vertex(MStatus* status) const { return currentItem(status); }
+MObject MItMeshVertex::vertex(MStatus* status) const {
+  return currentItem(status);
+}
 
 MPoint MItMeshVertex::position(MSpace::Space space, MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
@@ -106,7 +116,8 @@ MStatus MItMeshVertex::getNormal(MVector& vector, int polygonId, MSpace::Space s
   if (!status) return status;
   for (const CornerId corner : walk->adjacency().vertexCorners(walk->current())) {
     if (walk->adjacency().cornerFace(corner) != polygonId) continue;
-    vector = api::normalIn(math::Vec3(walk->mesh().cornerNormals()[static_cast<std::size_t>(corner)]), toSpace);
+    vector = api::normalIn(
+        math::Vec3(walk->mesh().cornerNormals()[static_cast<std::size_t>(corner)]), toSpace);
     return MStatus::kSuccess;
   }
   return MStatus::kInvalidParameter;
@@ -120,8 +131,8 @@ MStatus MItMeshVertex::getNormals(MVectorArray& vectorArray, MSpace::Space space
   if (!status) return status;
   vectorArray.clear();
   for (const CornerId corner : walk->adjacency().vertexCorners(walk->current()))
-    vectorArray.append(
-        api::normalIn(math::Vec3(walk->mesh().cornerNormals()[static_cast<std::size_t>(corner)]), toSpace));
+    vectorArray.append(api::normalIn(
+        math::Vec3(walk->mesh().cornerNormals()[static_cast<std::size_t>(corner)]), toSpace));
   return MStatus::kSuccess;
 }
 
@@ -186,11 +197,14 @@ bool MItMeshVertex::onBoundary(MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
   if (!walk) return false;
   const auto edges = walk->adjacency().vertexEdges(walk->current());
-  return std::any_of(edges.begin(), edges.end(), [walk](EdgeId e) { return walk->adjacency().isBorderEdge(e); });
+  return std::any_of(edges.begin(), edges.end(),
+                     [walk](EdgeId e) { return walk->adjacency().isBorderEdge(e); });
 }
 
 MStatus MItMeshVertex::updateSurface() {
   MeshWalk* walk = walkOf(handle_);
   return walk ? walk->flush() : MStatus(MStatus::kFailure);
 }
-MStatus MItMeshVertex::geomChanged() { return updateSurface(); }
+MStatus MItMeshVertex::geomChanged() {
+  return updateSurface();
+}

@@ -19,7 +19,9 @@ using api::walkOf;
 
 namespace {
 
-std::span<const CornerId> corners(const MeshWalk& walk) { return walk.adjacency().vertexCorners(walk.current()); }
+std::span<const CornerId> corners(const MeshWalk& walk) {
+  return walk.adjacency().vertexCorners(walk.current());
+}
 
 /// The walk where it stands, and the UV set that a query names.
 const MeshWalk* atUvSet(const api::Handle& handle, const MString* name, int& set, MStatus& status) {
@@ -30,7 +32,8 @@ const MeshWalk* atUvSet(const api::Handle& handle, const MString* name, int& set
   status = MStatus::kInvalidParameter;
   return nullptr;
 }
-const MeshWalk* atColorSet(const api::Handle& handle, const MString* name, int& set, MStatus& status) {
+const MeshWalk* atColorSet(const api::Handle& handle, const MString* name, int& set,
+                           MStatus& status) {
   const MeshWalk* walk = standing(handle, &status);
   if (!walk) return nullptr;
   set = api::colorSetIndex(walk->mesh(), name);
@@ -63,7 +66,8 @@ MStatus MItMeshVertex::getNormalIndices(MIntArray& normals) const {
   if (!walk) return status;
   const auto ids = api::normalIdsOf(walk->data());
   normals.clear();
-  for (const CornerId corner : corners(*walk)) normals.append(ids->ofCorner[static_cast<std::size_t>(corner)]);
+  for (const CornerId corner : corners(*walk))
+    normals.append(ids->ofCorner[static_cast<std::size_t>(corner)]);
   return status;
 }
 
@@ -113,18 +117,21 @@ MStatus MItMeshVertex::getUVs(MFloatArray& uArray, MFloatArray& vArray, MIntArra
   }
   return faceIds.length() > 0 ? MStatus::kSuccess : MStatus::kFailure;
 }
-MStatus MItMeshVertex::setUVs(MFloatArray& uArray, MFloatArray& vArray, MIntArray& faceIds, const MString* uvSet) {
+MStatus MItMeshVertex::setUVs(MFloatArray& uArray, MFloatArray& vArray, MIntArray& faceIds,
+                              const MString* uvSet) {
   MStatus status;
   int set = -1;
   const MeshWalk* walk = atUvSet(handle_, uvSet, set, status);
   if (!walk) return status;
-  if (uArray.length() != vArray.length() || uArray.length() != faceIds.length()) return MStatus::kInvalidParameter;
+  if (uArray.length() != vArray.length() || uArray.length() != faceIds.length())
+    return MStatus::kInvalidParameter;
   mesh::Mesh mesh = walk->mesh();
   mesh::UvSet& uvs = mesh.editUvSet(set);
   for (unsigned int i = 0; i < faceIds.length(); ++i) {
     const CornerId corner = cornerInFace(*walk, faceIds[i]);
     if (corner == kNone || mesh.cornerUv(set, corner) == kNone) return MStatus::kInvalidParameter;
-    uvs.points[static_cast<std::size_t>(uvs.cornerIds[static_cast<std::size_t>(corner)])] = {uArray[i], vArray[i]};
+    uvs.points[static_cast<std::size_t>(uvs.cornerIds[static_cast<std::size_t>(corner)])] = {
+        uArray[i], vArray[i]};
   }
   return walkOf(handle_)->writeAttributes(std::move(mesh));
 }
@@ -158,7 +165,8 @@ bool MItMeshVertex::hasColor(int faceIndex, MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
   const CornerId corner = walk ? cornerInFace(*walk, faceIndex) : kNone;
   if (walk && corner == kNone) setStatus(status, MStatus::kInvalidParameter);
-  return corner != kNone && cornerColor(walk->mesh(), walk->mesh().currentColorSet(), corner) != kNone;
+  return corner != kNone &&
+         cornerColor(walk->mesh(), walk->mesh().currentColorSet(), corner) != kNone;
 }
 MStatus MItMeshVertex::getColor(MColor& color, const MString* colorSet) const {
   MColorArray colors;
@@ -186,8 +194,10 @@ MStatus MItMeshVertex::getColors(MColorArray& colors, const MString* colorSet) c
   colors.clear();
   for (const CornerId corner : corners(*walk)) {
     const Index id = cornerColor(walk->mesh(), set, corner);
-    colors.append(id == kNone ? api::unsetColor(nullptr)
-                              : api::toMColor(walk->mesh().colorSet(set).colors[static_cast<std::size_t>(id)]));
+    colors.append(
+        id == kNone
+            ? api::unsetColor(nullptr)
+            : api::toMColor(walk->mesh().colorSet(set).colors[static_cast<std::size_t>(id)]));
   }
   return MStatus::kSuccess;
 }
@@ -197,6 +207,7 @@ MStatus MItMeshVertex::getColorIndices(MIntArray& colorIndices, const MString* c
   const MeshWalk* walk = atColorSet(handle_, colorSet, set, status);
   if (!walk) return status;
   colorIndices.clear();
-  for (const CornerId corner : corners(*walk)) colorIndices.append(cornerColor(walk->mesh(), set, corner));
+  for (const CornerId corner : corners(*walk))
+    colorIndices.append(cornerColor(walk->mesh(), set, corner));
   return MStatus::kSuccess;
 }

@@ -30,13 +30,16 @@ MStatus MMeshIntersector::create(const MObject& meshObject, const MMatrix& matri
   const api::MeshTarget target(meshObject);
   auto data = target.isNull() ? nullptr : target.read();
   if (!data) return MStatus::kInvalidParameter;
-  handle_ =
-      api::Handle(new api::IntersectorRep(api::Surface(std::move(data), api::unlessIdentity(api::toMatrix4(matrix)))));
+  handle_ = api::Handle(new api::IntersectorRep(
+      api::Surface(std::move(data), api::unlessIdentity(api::toMatrix4(matrix)))));
   return MStatus::kSuccess;
 }
-bool MMeshIntersector::isCreated() const { return static_cast<bool>(handle_); }
+bool MMeshIntersector::isCreated() const {
+  return static_cast<bool>(handle_);
+}
 
-MStatus MMeshIntersector::getClosestPoint(const MPoint& point, MPointOnMesh& meshPoint, double maxDistance) const {
+MStatus MMeshIntersector::getClosestPoint(const MPoint& point, MPointOnMesh& meshPoint,
+                                          double maxDistance) const {
   if (!handle_) return MStatus::kFailure;
   const api::Surface& surface = static_cast<const api::IntersectorRep*>(handle_.get())->surface;
   const auto found = surface.closestPoint(api::toVec3(point), maxDistance);

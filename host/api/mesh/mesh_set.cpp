@@ -5,8 +5,8 @@
 
 namespace host::api {
 
-// The member template that the host's own representations are read through; here it reaches what a set is attached to,
-// without the counting that a copy costs.
+// The member template that the host's own representations are read through; here it reaches what a
+// set is attached to, without the counting that a copy costs.
 template <>
 const MObject* Access::rep<const MObject, MFnMesh>(const MFnMesh& set) {
   return &set.object_;
@@ -20,7 +20,8 @@ namespace {
 
 /// What a mesh function set keeps between calls.
 struct MeshSetRep final : SharedRep {
-  MeshSetRep(const MObject& objectIn, const MDagPath& pathIn) : object(objectIn), path(pathIn), target(object, path) {}
+  MeshSetRep(const MObject& objectIn, const MDagPath& pathIn)
+      : object(objectIn), path(pathIn), target(object, path) {}
   MObject object;
   MDagPath path;
   MeshTarget target;
@@ -47,7 +48,9 @@ MeshSetRep& repOf(const MFnMesh& set) {
 
 }  // namespace
 
-const MeshTarget& targetOf(const MFnMesh& set) { return repOf(set).target; }
+const MeshTarget& targetOf(const MFnMesh& set) {
+  return repOf(set).target;
+}
 
 scene::MeshDataPtr readMesh(const MFnMesh& set, MStatus* status) {
   const MeshTarget& target = targetOf(set);
@@ -64,10 +67,13 @@ const Surface* surfaceOf(const MFnMesh& set, MSpace::Space space, MStatus& statu
   // Object space needs no path, and looking one up costs as much as a short ray.
   if (status && space != MSpace::kObject) status = rep.target.spaceMatrix(space, toSpace);
   if (!status) return nullptr;
-  if (!rep.surface || !rep.surface->isOf(data.get(), toSpace)) rep.surface.emplace(MeshTarget::asMesh(data), toSpace);
+  if (!rep.surface || !rep.surface->isOf(data.get(), toSpace))
+    rep.surface.emplace(MeshTarget::asMesh(data), toSpace);
   return &*rep.surface;
 }
 
-void forgetSurface(const MFnMesh& set) { repOf(set).surface.reset(); }
+void forgetSurface(const MFnMesh& set) {
+  repOf(set).surface.reset();
+}
 
 }  // namespace host::api

@@ -16,7 +16,8 @@ MeshTarget::MeshTarget(const MObject& object) {
 }
 
 MeshTarget::MeshTarget(const MDagPath& path) {
-  const scene::DagPath shapePath = pathOf(path).isWorld() ? scene::DagPath() : pathOf(path).toShape();
+  const scene::DagPath shapePath =
+      pathOf(path).isWorld() ? scene::DagPath() : pathOf(path).toShape();
   dg::Node* node = shapePath.node();
   if (node) takeShape(node);
   if (shape_) path_ = shapePath;
@@ -85,11 +86,14 @@ MStatus MeshTarget::writeMesh(mesh::Mesh mesh) const {
 MStatus MeshTarget::spaceMatrix(MSpace::Space space, std::optional<math::Matrix4>& toSpace) const {
   toSpace.reset();
   switch (space) {
-    case MSpace::kObject: return MStatus::kSuccess;
+    case MSpace::kObject:
+      return MStatus::kSuccess;
     case MSpace::kTransform:
     case MSpace::kWorld:
-    case MSpace::kPostTransform: break;
-    default: return MStatus::kInvalidParameter;
+    case MSpace::kPostTransform:
+      break;
+    default:
+      return MStatus::kInvalidParameter;
   }
   if (path_.isWorld()) return MStatus::kInvalidParameter;
   if (!path_.isValid()) return MStatus::kFailure;
@@ -113,7 +117,8 @@ MPoint pointIn(const math::Vec3f& stored, const std::optional<math::Matrix4>& to
   return toSpace ? toMPoint(math::transformPoint(math::Vec3(stored), *toSpace)) : toMPoint(stored);
 }
 
-std::optional<math::Vec3f> pointFrom(const MPoint& point, const std::optional<math::Matrix4>& toSpace) {
+std::optional<math::Vec3f> pointFrom(const MPoint& point,
+                                     const std::optional<math::Matrix4>& toSpace) {
   if (!toSpace) return toVec3(point).toFloat();
   const auto wayBack = WayToObject::from(*toSpace);
   if (!wayBack) return std::nullopt;

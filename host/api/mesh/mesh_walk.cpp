@@ -8,10 +8,14 @@ namespace {
 
 std::size_t totalOf(const mesh::Mesh& mesh, scene::ComponentType type) {
   switch (type) {
-    case scene::ComponentType::Vertex: return static_cast<std::size_t>(mesh.vertexCount());
-    case scene::ComponentType::Edge: return static_cast<std::size_t>(mesh.edgeCount());
-    case scene::ComponentType::Face: return static_cast<std::size_t>(mesh.faceCount());
-    default: return static_cast<std::size_t>(mesh.cornerCount());
+    case scene::ComponentType::Vertex:
+      return static_cast<std::size_t>(mesh.vertexCount());
+    case scene::ComponentType::Edge:
+      return static_cast<std::size_t>(mesh.edgeCount());
+    case scene::ComponentType::Face:
+      return static_cast<std::size_t>(mesh.faceCount());
+    default:
+      return static_cast<std::size_t>(mesh.cornerCount());
   }
 }
 
@@ -21,7 +25,8 @@ bool fits(const MObject& component, scene::ComponentType type) {
   return set && set->type() == type;
 }
 
-Handle makeWalk(MeshTarget target, const MObject& component, scene::ComponentType type, MStatus* status) {
+Handle makeWalk(MeshTarget target, const MObject& component, scene::ComponentType type,
+                MStatus* status) {
   if (target.isNull() || !fits(component, type)) {
     setStatus(status, MStatus::kInvalidParameter);
     return Handle();
@@ -49,12 +54,15 @@ MeshWalk::MeshWalk(MeshTarget target, const MObject& component, scene::Component
     if (pair.face < 0 || pair.face >= data_->mesh.faceCount()) continue;
     const auto loop = data_->mesh.faceVertices(pair.face);
     const auto at = std::find(loop.begin(), loop.end(), pair.vertex);
-    if (at != loop.end()) ids_.push_back(data_->mesh.firstCorner(pair.face) + static_cast<Index>(at - loop.begin()));
+    if (at != loop.end())
+      ids_.push_back(data_->mesh.firstCorner(pair.face) + static_cast<Index>(at - loop.begin()));
   }
   if (type == scene::ComponentType::VertexFace) std::sort(ids_.begin(), ids_.end());
 }
 
-MeshWalk::~MeshWalk() { (void)flush(); }
+MeshWalk::~MeshWalk() {
+  (void)flush();
+}
 
 bool MeshWalk::jumpTo(Index id) {
   if (id < 0 || static_cast<std::size_t>(id) >= total_) return false;
@@ -102,7 +110,8 @@ Handle makeWalk(const MObject& object, scene::ComponentType type, MStatus* statu
   return makeWalk(MeshTarget(object), MObject(), type, status);
 }
 
-Handle makeWalk(const MDagPath& path, const MObject& component, scene::ComponentType type, MStatus* status) {
+Handle makeWalk(const MDagPath& path, const MObject& component, scene::ComponentType type,
+                MStatus* status) {
   return makeWalk(MeshTarget(path), component, type, status);
 }
 

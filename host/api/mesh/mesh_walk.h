@@ -11,9 +11,10 @@
 
 namespace host::api {
 
-/// What the mesh iterators share: a snapshot of the mesh, the ids to visit, a place among them, and point edits that
-/// wait to be written. Edits are written together by `flush` (updateSurface, reset, end of the iterator), because each
-/// write goes over the whole mesh; the iterator itself sees them at once.
+/// What the mesh iterators share: a snapshot of the mesh, the ids to visit, a place among them, and
+/// point edits that wait to be written. Edits are written together by `flush` (updateSurface,
+/// reset, end of the iterator), because each write goes over the whole mesh; the iterator itself
+/// sees them at once.
 class MeshWalk final : public SharedRep {
  public:
   MeshWalk(MeshTarget target, const MObject& component, scene::ComponentType type);
@@ -33,11 +34,13 @@ class MeshWalk final : public SharedRep {
   void next() { ++place_; }
   void rewind() { place_ = 0; }
   [[nodiscard]] Index total() const { return static_cast<Index>(total_); }
-  /// Goes to an id; it need not be one of those visited, `next` then goes on after the nearest one below.
+  /// Goes to an id; it need not be one of those visited, `next` then goes on after the nearest one
+  /// below.
   [[nodiscard]] bool jumpTo(Index id);
 
   [[nodiscard]] math::Vec3f point(VertexId v) const {
-    return edited_.empty() ? data_->mesh.points()[static_cast<std::size_t>(v)] : edited_[static_cast<std::size_t>(v)];
+    return edited_.empty() ? data_->mesh.points()[static_cast<std::size_t>(v)]
+                           : edited_[static_cast<std::size_t>(v)];
   }
   void setPoint(VertexId v, const math::Vec3f& point);
   /// Replaces corner data at once.
@@ -53,15 +56,17 @@ class MeshWalk final : public SharedRep {
   std::vector<math::Vec3f> edited_;
 };
 
-[[nodiscard]] inline MeshWalk* walkOf(const Handle& handle) { return static_cast<MeshWalk*>(handle.get()); }
+[[nodiscard]] inline MeshWalk* walkOf(const Handle& handle) {
+  return static_cast<MeshWalk*>(handle.get());
+}
 /// The walk when it stands on something; else null with the status saying so.
 [[nodiscard]] const MeshWalk* standing(const Handle& handle, MStatus* status);
 
-/// Makes the walk of an iterator over `object` or `path` and `component`; null handle and a failed status when there is no
-/// mesh or the component is of another kind.
+/// Makes the walk of an iterator over `object` or `path` and `component`; null handle and a failed
+/// status when there is no mesh or the component is of another kind.
 [[nodiscard]] Handle makeWalk(const MObject& object, scene::ComponentType type, MStatus* status);
-[[nodiscard]] Handle makeWalk(const MDagPath& path, const MObject& component, scene::ComponentType type,
-                              MStatus* status);
+[[nodiscard]] Handle makeWalk(const MDagPath& path, const MObject& component,
+                              scene::ComponentType type, MStatus* status);
 
 // The members that all mesh iterators have, for their handles.
 MStatus restart(const Handle& handle);  ///< back to the first, edits written

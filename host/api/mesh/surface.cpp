@@ -19,14 +19,16 @@ namespace {
 /// The scale of a matrix that keeps shapes (a mirror image is fine); 0 for others.
 double evenScaleOf(const Matrix4& m) {
   if (!math::isAffine(m)) return 0;
-  const Vec3 rows[3] = {{m.m[0][0], m.m[0][1], m.m[0][2]}, {m.m[1][0], m.m[1][1], m.m[1][2]},
+  const Vec3 rows[3] = {{m.m[0][0], m.m[0][1], m.m[0][2]},
+                        {m.m[1][0], m.m[1][1], m.m[1][2]},
                         {m.m[2][0], m.m[2][1], m.m[2][2]}};
   const double squared = math::dot(rows[0], rows[0]);
   if (!(squared > 0) || !std::isfinite(squared)) return 0;
   constexpr double kRounding = 1e-12;
   for (int i = 0; i < 3; ++i)
     for (int j = i; j < 3; ++j)
-      if (std::fabs(math::dot(rows[i], rows[j]) - (i == j ? squared : 0)) > kRounding * squared) return 0;
+      if (std::fabs(math::dot(rows[i], rows[j]) - (i == j ? squared : 0)) > kRounding * squared)
+        return 0;
   return std::sqrt(squared);
 }
 
@@ -49,8 +51,10 @@ class StretchedCache {
       return entries_.front().accelerator;
     }
     mesh::Mesh transformed = data->mesh;
-    for (math::Vec3f& p : transformed.editPoints()) p = math::transformPoint(Vec3(p), matrix).toFloat();
-    entries_.insert(entries_.begin(), {data, matrix, std::make_shared<const Accelerator>(transformed)});
+    for (math::Vec3f& p : transformed.editPoints())
+      p = math::transformPoint(Vec3(p), matrix).toFloat();
+    entries_.insert(entries_.begin(),
+                    {data, matrix, std::make_shared<const Accelerator>(transformed)});
     constexpr std::size_t kKept = 4;
     if (entries_.size() > kKept) entries_.pop_back();
     return entries_.front().accelerator;
@@ -82,7 +86,8 @@ class UseTable {
     if (latest_.load(std::memory_order_relaxed) == accelerator.get()) return;
     const std::lock_guard lock(mutex_);
     latest_ = accelerator.get();
-    std::erase_if(used_, [&](const auto& known) { return known.expired() || known.lock() == accelerator; });
+    std::erase_if(
+        used_, [&](const auto& known) { return known.expired() || known.lock() == accelerator; });
     used_.push_back(accelerator);
   }
   AcceleratorUse sum() {
@@ -122,26 +127,32 @@ const Accelerator& Surface::own() const {
 }
 
 const Accelerator& Surface::stretched() const {
-  if (!stretched_) useTable().add(stretched_ = stretchedCache().of(data_, withoutTranslation(*toSpace_)));
+  if (!stretched_)
+    useTable().add(stretched_ = stretchedCache().of(data_, withoutTranslation(*toSpace_)));
   return *stretched_;
 }
 
 std::optional<Ray> Surface::toObject(const Ray& ray) const {
   if (!toSpace_) return ray;
   if (!fromSpace_) return {};
-  return Ray{math::transformPoint(ray.origin, *fromSpace_), math::transformVector(ray.direction, *fromSpace_)};
+  return Ray{math::transformPoint(ray.origin, *fromSpace_),
+             math::transformVector(ray.direction, *fromSpace_)};
 }
 
-std::optional<spatial::RayHit> Surface::closestHit(const Ray& ray, const spatial::RayOptions& options) const {
-  // Lines stay lines under any transform with an inverse, and parameters along them stay as they are.
+std::optional<spatial::RayHit> Surface::closestHit(const Ray& ray,
+                                                   const spatial::RayOptions& options) const {
+  // Lines stay lines under any transform with an inverse, and parameters along them stay as they
+  // are.
   const auto inObject = toObject(ray);
-  auto hit = inObject ? own().closestHit(*inObject, options)
-                      : stretched().closestHit({ray.origin - translation(), ray.direction}, options);
+  auto hit = inObject
+                 ? own().closestHit(*inObject, options)
+                 : stretched().closestHit({ray.origin - translation(), ray.direction}, options);
   if (hit) moveToSpace(*hit, inObject.has_value());
   return hit;
 }
 
-std::vector<spatial::RayHit> Surface::allHits(const Ray& ray, const spatial::RayOptions& options) const {
+std::vector<spatial::RayHit> Surface::allHits(const Ray& ray,
+                                              const spatial::RayOptions& options) const {
   const auto inObject = toObject(ray);
   auto hits = inObject ? own().allHits(*inObject, options)
                        : stretched().allHits({ray.origin - translation(), ray.direction}, options);
@@ -149,11 +160,12 @@ std::vector<spatial::RayHit> Surface::allHits(const Ray& ray, const spatial::Ray
   return hits;
 }
 
-std::optional<spatial::ClosestPoint> Surface::closestPoint(const Vec3& point, double maxDistance) const {
+std::optional<spatial::ClosestPoint> Surface::closestPoint(const Vec3& point,
+                                                           double maxDistance) const {
   if (!toSpace_) return own().closestPoint(point, maxDistance);
-  auto found = evenScale_ > 0
-                   ? own().closestPoint(math::transformPoint(point, *fromSpace_), maxDistance / evenScale_)
-                   : stretched().closestPoint(point - translation(), maxDistance);
+  auto found = evenScale_ > 0 ? own().closestPoint(math::transformPoint(point, *fromSpace_),
+                                                   maxDistance / evenScale_)
+                              : stretched().closestPoint(point - translation(), maxDistance);
   if (!found) return {};
   moveToSpace(*found, evenScale_ > 0);
   found->distance = math::distance(found->point, point);
@@ -168,7 +180,9 @@ void Surface::moveToSpace(spatial::SurfacePoint& place, bool isInObject) const {
 }
 
 Vec3 Surface::pointOf(const spatial::SurfacePoint& place) const {
-  const auto corner = [&](std::size_t i) { return mesh().point(mesh().cornerVertex(place.corners[i])); };
+  const auto corner = [&](std::size_t i) {
+    return mesh().point(mesh().cornerVertex(place.corners[i]));
+  };
   const Vec3 a = corner(0);
   const Vec3 p = a + (corner(1) - a) * place.u + (corner(2) - a) * place.v;
   return toSpace_ ? math::transformPoint(p, *toSpace_) : p;
@@ -179,7 +193,11 @@ Vec3 Surface::normalOf(FaceId face) const {
   return math::normalized(toSpace_ ? math::transformNormal(normal, *toSpace_) : normal);
 }
 
-AcceleratorUse acceleratorUse() { return useTable().sum(); }
-void forgetStretchedAccelerators() { stretchedCache().clear(); }
+AcceleratorUse acceleratorUse() {
+  return useTable().sum();
+}
+void forgetStretchedAccelerators() {
+  stretchedCache().clear();
+}
 
 }  // namespace host::api

@@ -10,9 +10,10 @@ namespace host::api {
 
 /// A mesh as rays and points of one space meet it.
 ///
-/// Where a space is object space moved, turned and scaled evenly, nearest is nearest in both, so questions go to the mesh's
-/// own accelerator. Elsewhere the nearest place depends on the space: such a space has an accelerator of its own, over
-/// the mesh transformed by the matrix without its translation, which is kept until another shape or mesh asks for one.
+/// Where a space is object space moved, turned and scaled evenly, nearest is nearest in both, so
+/// questions go to the mesh's own accelerator. Elsewhere the nearest place depends on the space:
+/// such a space has an accelerator of its own, over the mesh transformed by the matrix without its
+/// translation, which is kept until another shape or mesh asks for one.
 class Surface {
  public:
   Surface(scene::MeshDataPtr data, const std::optional<math::Matrix4>& toSpace);
@@ -24,8 +25,10 @@ class Surface {
   }
 
   /// The first hit along a ray of the space; `t` counts in lengths of its direction.
-  [[nodiscard]] std::optional<spatial::RayHit> closestHit(const math::Ray& ray, const spatial::RayOptions& options) const;
-  [[nodiscard]] std::vector<spatial::RayHit> allHits(const math::Ray& ray, const spatial::RayOptions& options) const;
+  [[nodiscard]] std::optional<spatial::RayHit> closestHit(const math::Ray& ray,
+                                                          const spatial::RayOptions& options) const;
+  [[nodiscard]] std::vector<spatial::RayHit> allHits(const math::Ray& ray,
+                                                     const spatial::RayOptions& options) const;
   /// The nearest place to a point of the space; its `point` is in the space.
   [[nodiscard]] std::optional<spatial::ClosestPoint> closestPoint(
       const math::Vec3& point, double maxDistance = std::numeric_limits<double>::infinity()) const;
@@ -38,7 +41,8 @@ class Surface {
   [[nodiscard]] math::Vec3 normalOf(FaceId face) const;
 
  private:
-  /// Brings a place that an accelerator has found into the space: from object space, or from a stretched one's.
+  /// Brings a place that an accelerator has found into the space: from object space, or from a
+  /// stretched one's.
   void moveToSpace(spatial::SurfacePoint& place, bool isInObject) const;
   [[nodiscard]] const spatial::Accelerator& own() const;
   [[nodiscard]] const spatial::Accelerator& stretched() const;

@@ -1,7 +1,6 @@
 #include "host/api/message/callbacks.h"
 
 #include <dlfcn.h>
-
 #include <maya/MDagMessage.h>
 #include <maya/MNodeMessage.h>
 #include <maya/MSceneMessage.h>
@@ -27,28 +26,43 @@ double secondsNow() {
 PluginRecord* ownerOf(const void* function) {
   auto* loader = dynamic_cast<Loader*>(cmd::currentSession().pluginLoader.get());
   Dl_info info{};
-  if (!loader || !function || dladdr(function, &info) == 0 || !info.dli_fname) return registeringPlugin();
+  if (!loader || !function || dladdr(function, &info) == 0 || !info.dli_fname)
+    return registeringPlugin();
   const auto record = loader->find(info.dli_fname);
   return record ? record.get() : registeringPlugin();
 }
 
-std::string registrationName(MCallbackId id) { return fmt::format("callback {}", id); }
+std::string registrationName(MCallbackId id) {
+  return fmt::format("callback {}", id);
+}
 
 int attributeMessage(dg::AttributeEvent event) {
   using E = dg::AttributeEvent;
   switch (event) {
-    case E::Set: return MNodeMessage::kAttributeSet;
-    case E::ConnectionMade: return MNodeMessage::kConnectionMade;
-    case E::ConnectionBroken: return MNodeMessage::kConnectionBroken;
-    case E::Locked: return MNodeMessage::kAttributeLocked;
-    case E::Unlocked: return MNodeMessage::kAttributeUnlocked;
-    case E::Added: return MNodeMessage::kAttributeAdded;
-    case E::Removed: return MNodeMessage::kAttributeRemoved;
-    case E::ArrayElementAdded: return MNodeMessage::kAttributeArrayAdded;
-    case E::ArrayElementRemoved: return MNodeMessage::kAttributeArrayRemoved;
-    case E::KeyableChanged: return MNodeMessage::kAttributeKeyable;
-    case E::Evaluated: return MNodeMessage::kAttributeEval;
-    case E::Renamed: return MNodeMessage::kAttributeRenamed;
+    case E::Set:
+      return MNodeMessage::kAttributeSet;
+    case E::ConnectionMade:
+      return MNodeMessage::kConnectionMade;
+    case E::ConnectionBroken:
+      return MNodeMessage::kConnectionBroken;
+    case E::Locked:
+      return MNodeMessage::kAttributeLocked;
+    case E::Unlocked:
+      return MNodeMessage::kAttributeUnlocked;
+    case E::Added:
+      return MNodeMessage::kAttributeAdded;
+    case E::Removed:
+      return MNodeMessage::kAttributeRemoved;
+    case E::ArrayElementAdded:
+      return MNodeMessage::kAttributeArrayAdded;
+    case E::ArrayElementRemoved:
+      return MNodeMessage::kAttributeArrayRemoved;
+    case E::KeyableChanged:
+      return MNodeMessage::kAttributeKeyable;
+    case E::Evaluated:
+      return MNodeMessage::kAttributeEval;
+    case E::Renamed:
+      return MNodeMessage::kAttributeRenamed;
   }
   return 0;
 }
@@ -56,18 +70,30 @@ int attributeMessage(dg::AttributeEvent event) {
 int messageOf(builtins::SceneStage stage) {
   using S = builtins::SceneStage;
   switch (stage) {
-    case S::BeforeNew: return MSceneMessage::kBeforeNew;
-    case S::AfterNew: return MSceneMessage::kAfterNew;
-    case S::BeforeOpen: return MSceneMessage::kBeforeOpen;
-    case S::AfterOpen: return MSceneMessage::kAfterOpen;
-    case S::BeforeImport: return MSceneMessage::kBeforeImport;
-    case S::AfterImport: return MSceneMessage::kAfterImport;
-    case S::BeforeRead: return MSceneMessage::kBeforeFileRead;
-    case S::AfterRead: return MSceneMessage::kAfterFileRead;
-    case S::BeforeSave: return MSceneMessage::kBeforeSave;
-    case S::AfterSave: return MSceneMessage::kAfterSave;
-    case S::BeforeExport: return MSceneMessage::kBeforeExport;
-    case S::AfterExport: return MSceneMessage::kAfterExport;
+    case S::BeforeNew:
+      return MSceneMessage::kBeforeNew;
+    case S::AfterNew:
+      return MSceneMessage::kAfterNew;
+    case S::BeforeOpen:
+      return MSceneMessage::kBeforeOpen;
+    case S::AfterOpen:
+      return MSceneMessage::kAfterOpen;
+    case S::BeforeImport:
+      return MSceneMessage::kBeforeImport;
+    case S::AfterImport:
+      return MSceneMessage::kAfterImport;
+    case S::BeforeRead:
+      return MSceneMessage::kBeforeFileRead;
+    case S::AfterRead:
+      return MSceneMessage::kAfterFileRead;
+    case S::BeforeSave:
+      return MSceneMessage::kBeforeSave;
+    case S::AfterSave:
+      return MSceneMessage::kAfterSave;
+    case S::BeforeExport:
+      return MSceneMessage::kBeforeExport;
+    case S::AfterExport:
+      return MSceneMessage::kAfterExport;
   }
   return MSceneMessage::kSceneUpdate;
 }
@@ -76,12 +102,18 @@ int messageOf(builtins::SceneStage stage) {
 int checkOf(builtins::SceneStage stage) {
   using S = builtins::SceneStage;
   switch (stage) {
-    case S::BeforeNew: return MSceneMessage::kBeforeNewCheck;
-    case S::BeforeOpen: return MSceneMessage::kBeforeOpenCheck;
-    case S::BeforeImport: return MSceneMessage::kBeforeImportCheck;
-    case S::BeforeSave: return MSceneMessage::kBeforeSaveCheck;
-    case S::BeforeExport: return MSceneMessage::kBeforeExportCheck;
-    default: return -1;
+    case S::BeforeNew:
+      return MSceneMessage::kBeforeNewCheck;
+    case S::BeforeOpen:
+      return MSceneMessage::kBeforeOpenCheck;
+    case S::BeforeImport:
+      return MSceneMessage::kBeforeImportCheck;
+    case S::BeforeSave:
+      return MSceneMessage::kBeforeSaveCheck;
+    case S::BeforeExport:
+      return MSceneMessage::kBeforeExportCheck;
+    default:
+      return -1;
   }
 }
 
@@ -108,9 +140,12 @@ scene::DagPath placeOf(dg::Node& child, dg::Node* parent, bool added) {
 
 }  // namespace
 
-Callbacks& callbacks() { return cmd::currentSession().service<Callbacks>(); }
+Callbacks& callbacks() {
+  return cmd::currentSession().service<Callbacks>();
+}
 
-Callbacks::Callbacks() : clock(secondsNow), document_(cmd::currentSession().document()), counts_(kKindCount, 0) {
+Callbacks::Callbacks()
+    : clock(secondsNow), document_(cmd::currentSession().document()), counts_(kKindCount, 0) {
   document_.graph().addObserver(this);
   document_.addObserver(this);
   cmd::ScriptJobs& jobs = cmd::currentSession().scriptJobs();
@@ -158,7 +193,8 @@ MCallbackId Callbacks::add(Callback callback, const void* function) {
   ++counts_[static_cast<std::size_t>(callback.kind)];
   callbacks_.emplace(id, std::move(callback));
   if (PluginRecord* owner = ownerOf(function))
-    owner->add(PluginRecord::Registration::Kind::Other, registrationName(id), [id] { (void)callbacks().remove(id); });
+    owner->add(PluginRecord::Registration::Kind::Other, registrationName(id),
+               [id] { (void)callbacks().remove(id); });
   return id;
 }
 
@@ -170,7 +206,8 @@ bool Callbacks::remove(MCallbackId id) {
   if (auto* loader = dynamic_cast<Loader*>(cmd::currentSession().pluginLoader.get()))
     for (const std::string& name : loader->loaded())
       if (const auto record = loader->find(name))
-        std::erase_if(record->registrations, [&](const auto& each) { return each.name == registrationName(id); });
+        std::erase_if(record->registrations,
+                      [&](const auto& each) { return each.name == registrationName(id); });
   return true;
 }
 
@@ -193,15 +230,20 @@ bool Callbacks::fits(const Callback& callback, const Happening& happening) {
   switch (callback.kind) {
     case CallbackKind::NodeAdded:
     case CallbackKind::NodeRemoved:
-      return callback.subject.empty() || callback.subject == "dependNode" || happening.node->type().isA(callback.subject);
+      return callback.subject.empty() || callback.subject == "dependNode" ||
+             happening.node->type().isA(callback.subject);
     case CallbackKind::Event:
     case CallbackKind::UserEvent:
-    case CallbackKind::Condition: return callback.subject == happening.text;
+    case CallbackKind::Condition:
+      return callback.subject == happening.text;
     case CallbackKind::Scene:
     case CallbackKind::SceneCheck:
-    case CallbackKind::SceneText: return callback.message == happening.message;
-    case CallbackKind::DagChange: return callback.message < 0 || callback.message == happening.message;
-    default: return true;
+    case CallbackKind::SceneText:
+      return callback.message == happening.message;
+    case CallbackKind::DagChange:
+      return callback.message < 0 || callback.message == happening.message;
+    default:
+      return true;
   }
 }
 
@@ -219,7 +261,8 @@ void Callbacks::fire(CallbackKind kind, Happening& happening) {
     try {
       call(happening);
     } catch (const std::exception& exception) {
-      postMessage(MessageKind::Error, fmt::format("A callback threw an exception: {}", exception.what()));
+      postMessage(MessageKind::Error,
+                  fmt::format("A callback threw an exception: {}", exception.what()));
     } catch (...) {
       postMessage(MessageKind::Error, "A callback threw an exception");
     }
@@ -268,7 +311,8 @@ void Callbacks::reportDestroyed() {
 
 void Callbacks::nodeAdded(dg::Node& node) {
   if (!waits(CallbackKind::NodeAdded) && !waits(CallbackKind::NodeAddedToModel)) return;
-  // A node of the hierarchy is told of once it has its place there, so that a callback can ask for its path.
+  // A node of the hierarchy is told of once it has its place there, so that a callback can ask for
+  // its path.
   if (node.type().isA("dagNode")) {
     unlinked_.push_back(&node);
     return;
@@ -279,7 +323,8 @@ void Callbacks::nodeAboutToBeRemoved(dg::Node& node) {
   if (waits(CallbackKind::NodeAboutToDelete)) {
     MDGModifier modifier;
     fire(CallbackKind::NodeAboutToDelete, {.node = &node, .modifier = &modifier});
-    // What the callbacks asked for is part of the deletion, and is taken back and done again with it.
+    // What the callbacks asked for is part of the deletion, and is taken back and done again with
+    // it.
     ModifierRep& rep = modifierOf(modifier);
     if (const auto done = rep.run(); !done) postMessage(MessageKind::Error, done.error().message);
     if (document_.journal().isRecording() && !rep.done.isEmpty())
@@ -295,32 +340,41 @@ void Callbacks::nodeRemoved(dg::Node& node) {
 void Callbacks::nodeRenamed(dg::Node& node, const std::string& oldName) {
   fire(CallbackKind::NameChanged, {.node = &node, .text = oldName});
 }
-void Callbacks::attributeEvent(dg::AttributeEvent event, const dg::Plug& plug, const dg::Plug& other) {
+void Callbacks::attributeEvent(dg::AttributeEvent event, const dg::Plug& plug,
+                               const dg::Plug& other) {
   using E = dg::AttributeEvent;
   const bool isConnection = event == E::ConnectionMade || event == E::ConnectionBroken;
   const int message = attributeMessage(event);
   if (isConnection)
-    fire(CallbackKind::Connection, {.plug = plug, .other = other, .flag = event == E::ConnectionMade});
+    fire(CallbackKind::Connection,
+         {.plug = plug, .other = other, .flag = event == E::ConnectionMade});
   if (event == E::Added || event == E::Removed) {
-    fire(CallbackKind::AttributeAddedOrRemoved, {.node = plug.node(), .plug = plug, .message = message});
+    fire(CallbackKind::AttributeAddedOrRemoved,
+         {.node = plug.node(), .plug = plug, .message = message});
     return;
   }
   if (!waits(CallbackKind::AttributeChanged)) return;
   if (!isConnection) {
-    fire(CallbackKind::AttributeChanged, {.node = plug.node(), .plug = plug, .other = other, .message = message});
+    fire(CallbackKind::AttributeChanged,
+         {.node = plug.node(), .plug = plug, .other = other, .message = message});
     return;
   }
   // Both ends hear of a connection; the one that it arrives at is told so.
-  fire(CallbackKind::AttributeChanged, {.node = other.node(), .plug = other, .other = plug, .message = message});
   fire(CallbackKind::AttributeChanged,
-       {.node = plug.node(), .plug = plug, .other = other, .message = message | MNodeMessage::kIncomingDirection});
+       {.node = other.node(), .plug = other, .other = plug, .message = message});
+  fire(CallbackKind::AttributeChanged, {.node = plug.node(),
+                                        .plug = plug,
+                                        .other = other,
+                                        .message = message | MNodeMessage::kIncomingDirection});
 }
 void Callbacks::plugDirty(const dg::Plug& plug) {
   if (!waits(CallbackKind::NodeDirty) && !waits(CallbackKind::NodeDirtyPlug)) return;
   fire(CallbackKind::NodeDirty, {.node = plug.node(), .plug = plug});
   fire(CallbackKind::NodeDirtyPlug, {.node = plug.node(), .plug = plug});
 }
-void Callbacks::selectionChanged() { fire(CallbackKind::SelectionChanged, {}); }
+void Callbacks::selectionChanged() {
+  fire(CallbackKind::SelectionChanged, {});
+}
 void Callbacks::dagChanged(dg::Node& child, dg::Node* parent, bool added) {
   if (added && std::erase(unlinked_, &child) > 0) {
     fire(CallbackKind::NodeAdded, {.node = &child});
@@ -331,7 +385,8 @@ void Callbacks::dagChanged(dg::Node& child, dg::Node* parent, bool added) {
   const MDagPath below = wrap(placeOf(child, parent, added));
   const bool isInstance = scene::dagLinks(child).parents.size() > (added ? 1u : 0u);
   const auto tell = [&](int message) {
-    fire(CallbackKind::DagChange, {.node = &child, .message = message, .child = below, .parent = above});
+    fire(CallbackKind::DagChange,
+         {.node = &child, .message = message, .child = below, .parent = above});
   };
   tell(added ? MDagMessage::kParentAdded : MDagMessage::kParentRemoved);
   tell(added ? MDagMessage::kChildAdded : MDagMessage::kChildRemoved);

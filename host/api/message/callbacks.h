@@ -17,9 +17,30 @@ namespace host::api {
 
 /// What a callback waits for.
 enum class CallbackKind {
-  AttributeChanged, AttributeAddedOrRemoved, NodeDirty, NodeDirtyPlug, NameChanged, NodeAboutToDelete, NodePreRemoval,
-  NodeDestroyed, NodeAdded, NodeRemoved, Connection, DagChange, SelectionChanged, BeforeDuplicate, AfterDuplicate,
-  NodeAddedToModel, NodeRemovedFromModel, Event, Timer, UserEvent, Scene, SceneCheck, SceneText, Condition,
+  AttributeChanged,
+  AttributeAddedOrRemoved,
+  NodeDirty,
+  NodeDirtyPlug,
+  NameChanged,
+  NodeAboutToDelete,
+  NodePreRemoval,
+  NodeDestroyed,
+  NodeAdded,
+  NodeRemoved,
+  Connection,
+  DagChange,
+  SelectionChanged,
+  BeforeDuplicate,
+  AfterDuplicate,
+  NodeAddedToModel,
+  NodeRemovedFromModel,
+  Event,
+  Timer,
+  UserEvent,
+  Scene,
+  SceneCheck,
+  SceneText,
+  Condition,
   TimeChanged,
 };
 
@@ -27,20 +48,20 @@ enum class CallbackKind {
 struct Happening {
   dg::Node* node = nullptr;
   dg::Plug plug = {}, other = {};
-  int message = 0;       ///< an attribute, DAG or scene message
+  int message = 0;        ///< an attribute, DAG or scene message
   std::string text = {};  ///< old name, event or condition
-  bool flag = false;     ///< made, state
+  bool flag = false;      ///< made, state
   double elapsed = 0, since = 0;
   MDagPath child = {}, parent = {};
   void* data = nullptr;
   MDGModifier* modifier = nullptr;  ///< for what is to be done along with a deletion
-  bool isRefused = false;  ///< set by a check callback
+  bool isRefused = false;           ///< set by a check callback
 };
 
 /// The callbacks that plug-ins have registered with one session. Hears of everything as it happens.
 ///
-/// What a callback changes in the document isn't recorded: it follows from the edit that it was told of. A callback may
-/// remove itself or others while it runs.
+/// What a callback changes in the document isn't recorded: it follows from the edit that it was
+/// told of. A callback may remove itself or others while it runs.
 class Callbacks final : public dg::GraphObserver, public scene::DocumentObserver {
  public:
   struct Callback {
@@ -69,7 +90,8 @@ class Callbacks final : public dg::GraphObserver, public scene::DocumentObserver
 
   /// Seconds that timers go by; a test puts its own in.
   std::function<double()> clock;
-  /// Calls the timers that are due; each once, however late it is. Runs in every turn of the program's loop.
+  /// Calls the timers that are due; each once, however late it is. Runs in every turn of the
+  /// program's loop.
   void runTimers();
   /// Tells those that wait for the end of a node that has left the undo queue too.
   void reportDestroyed();
@@ -80,13 +102,16 @@ class Callbacks final : public dg::GraphObserver, public scene::DocumentObserver
   void nodeAboutToBeRemoved(dg::Node& node) override;
   void nodeRemoved(dg::Node& node) override;
   void nodeRenamed(dg::Node& node, const std::string& oldName) override;
-  void attributeEvent(dg::AttributeEvent event, const dg::Plug& plug, const dg::Plug& other) override;
+  void attributeEvent(dg::AttributeEvent event, const dg::Plug& plug,
+                      const dg::Plug& other) override;
   void plugDirty(const dg::Plug& plug) override;
   void selectionChanged() override;
   void dagChanged(dg::Node& child, dg::Node* parent, bool added) override;
 
  private:
-  [[nodiscard]] bool waits(CallbackKind kind) const { return counts_[static_cast<std::size_t>(kind)] > 0; }
+  [[nodiscard]] bool waits(CallbackKind kind) const {
+    return counts_[static_cast<std::size_t>(kind)] > 0;
+  }
   [[nodiscard]] static bool fits(const Callback& callback, const Happening& happening);
 
   scene::Document& document_;
@@ -94,7 +119,8 @@ class Callbacks final : public dg::GraphObserver, public scene::DocumentObserver
   std::map<MCallbackId, Callback> callbacks_;
   std::vector<int> counts_;
   std::vector<MCallbackId> running_;
-  std::vector<const dg::Node*> unlinked_;  ///< DAG nodes that were added and have no place in the hierarchy yet
+  std::vector<const dg::Node*>
+      unlinked_;  ///< DAG nodes that were added and have no place in the hierarchy yet
   MCallbackId next_ = 1;
 };
 

@@ -30,8 +30,8 @@ MCallbackId add(Callbacks::Callback callback, Function function, MStatus* status
 
 /// For one node; a null object means all where `mayBeAll`, and is refused otherwise.
 template <class Function>
-MCallbackId addForNode(const MObject& node, bool mayBeAll, CallbackKind kind, std::function<void(Happening&)> call,
-                       Function function, MStatus* status) {
+MCallbackId addForNode(const MObject& node, bool mayBeAll, CallbackKind kind,
+                       std::function<void(Happening&)> call, Function function, MStatus* status) {
   dg::Node* inner = api::nodeOf(node);
   if (!inner && !(mayBeAll && node.isNull())) {
     setStatus(status, MStatus::kInvalidParameter);
@@ -63,19 +63,22 @@ std::function<void(Happening&)> plain(MMessage::MBasicFunction func, void* clien
 
 }  // namespace
 
-MCallbackId MNodeMessage::addAttributeChangedCallback(MObject& node, MAttr2PlugFunction func, void* clientData,
-                                                      MStatus* status) {
-  return addForNode(node, true, CallbackKind::AttributeChanged, withPlugs(func, clientData), func, status);
+MCallbackId MNodeMessage::addAttributeChangedCallback(MObject& node, MAttr2PlugFunction func,
+                                                      void* clientData, MStatus* status) {
+  return addForNode(node, true, CallbackKind::AttributeChanged, withPlugs(func, clientData), func,
+                    status);
 }
-MCallbackId MNodeMessage::addAttributeAddedOrRemovedCallback(MObject& node, MAttr2PlugFunction func, void* clientData,
-                                                             MStatus* status) {
-  return addForNode(node, true, CallbackKind::AttributeAddedOrRemoved, withPlugs(func, clientData), func, status);
+MCallbackId MNodeMessage::addAttributeAddedOrRemovedCallback(MObject& node, MAttr2PlugFunction func,
+                                                             void* clientData, MStatus* status) {
+  return addForNode(node, true, CallbackKind::AttributeAddedOrRemoved, withPlugs(func, clientData),
+                    func, status);
 }
-MCallbackId MNodeMessage::addNodeDirtyCallback(MObject& node, MNodeFunction func, void* clientData, MStatus* status) {
+MCallbackId MNodeMessage::addNodeDirtyCallback(MObject& node, MNodeFunction func, void* clientData,
+                                               MStatus* status) {
   return addForNode(node, false, CallbackKind::NodeDirty, withNode(func, clientData), func, status);
 }
-MCallbackId MNodeMessage::addNodeDirtyPlugCallback(MObject& node, MNodePlugFunction func, void* clientData,
-                                                   MStatus* status) {
+MCallbackId MNodeMessage::addNodeDirtyPlugCallback(MObject& node, MNodePlugFunction func,
+                                                   void* clientData, MStatus* status) {
   const auto call = [func, clientData](Happening& what) {
     MObject object = api::wrap(what.node);
     MPlug plug = api::wrap(what.plug);
@@ -83,35 +86,37 @@ MCallbackId MNodeMessage::addNodeDirtyPlugCallback(MObject& node, MNodePlugFunct
   };
   return addForNode(node, false, CallbackKind::NodeDirtyPlug, call, func, status);
 }
-MCallbackId MNodeMessage::addNameChangedCallback(MObject& node, MNodeStringFunction func, void* clientData,
-                                                 MStatus* status) {
+MCallbackId MNodeMessage::addNameChangedCallback(MObject& node, MNodeStringFunction func,
+                                                 void* clientData, MStatus* status) {
   const auto call = [func, clientData](Happening& what) {
     MObject object = api::wrap(what.node);
     func(object, api::toMString(what.text), clientData);
   };
   return addForNode(node, true, CallbackKind::NameChanged, call, func, status);
 }
-MCallbackId MNodeMessage::addNodeAboutToDeleteCallback(MObject& node, MNodeModifierFunction func, void* clientData,
-                                                       MStatus* status) {
+MCallbackId MNodeMessage::addNodeAboutToDeleteCallback(MObject& node, MNodeModifierFunction func,
+                                                       void* clientData, MStatus* status) {
   const auto call = [func, clientData](Happening& what) {
     MObject object = api::wrap(what.node);
     func(object, *what.modifier, clientData);
   };
   return addForNode(node, false, CallbackKind::NodeAboutToDelete, call, func, status);
 }
-MCallbackId MNodeMessage::addNodePreRemovalCallback(MObject& node, MNodeFunction func, void* clientData,
-                                                    MStatus* status) {
-  return addForNode(node, false, CallbackKind::NodePreRemoval, withNode(func, clientData), func, status);
+MCallbackId MNodeMessage::addNodePreRemovalCallback(MObject& node, MNodeFunction func,
+                                                    void* clientData, MStatus* status) {
+  return addForNode(node, false, CallbackKind::NodePreRemoval, withNode(func, clientData), func,
+                    status);
 }
-MCallbackId MNodeMessage::addNodeDestroyedCallback(MObject& node, MBasicFunction func, void* clientData,
-                                                   MStatus* status) {
-  return addForNode(node, false, CallbackKind::NodeDestroyed, plain(func, clientData), func, status);
+MCallbackId MNodeMessage::addNodeDestroyedCallback(MObject& node, MBasicFunction func,
+                                                   void* clientData, MStatus* status) {
+  return addForNode(node, false, CallbackKind::NodeDestroyed, plain(func, clientData), func,
+                    status);
 }
 
 namespace {
 
-MCallbackId addForType(CallbackKind kind, MMessage::MNodeFunction func, const MString& nodeType, void* clientData,
-                       MStatus* status) {
+MCallbackId addForType(CallbackKind kind, MMessage::MNodeFunction func, const MString& nodeType,
+                       void* clientData, MStatus* status) {
   const std::string name = nodeType.asChar();
   if (!name.empty() && name != "dependNode" && !api::document().types().find(name)) {
     setStatus(status, MStatus::kInvalidParameter);
@@ -136,15 +141,19 @@ MCallbackId addTime(MMessage::MTimeFunction func, void* clientData, MStatus* sta
   return add(std::move(callback), func, status);
 }
 
-MCallbackId addDag(int message, MMessage::MParentChildFunction func, void* clientData, MStatus* status) {
+MCallbackId addDag(int message, MMessage::MParentChildFunction func, void* clientData,
+                   MStatus* status) {
   Callbacks::Callback callback;
   callback.kind = CallbackKind::DagChange;
   callback.message = message;
-  callback.call = [func, clientData](Happening& what) { func(what.child, what.parent, clientData); };
+  callback.call = [func, clientData](Happening& what) {
+    func(what.child, what.parent, clientData);
+  };
   return add(std::move(callback), func, status);
 }
 
-MCallbackId addPlain(CallbackKind kind, MMessage::MBasicFunction func, void* clientData, MStatus* status) {
+MCallbackId addPlain(CallbackKind kind, MMessage::MBasicFunction func, void* clientData,
+                     MStatus* status) {
   Callbacks::Callback callback;
   callback.kind = kind;
   callback.call = plain(func, clientData);
@@ -153,21 +162,24 @@ MCallbackId addPlain(CallbackKind kind, MMessage::MBasicFunction func, void* cli
 
 }  // namespace
 
-MCallbackId MDGMessage::addTimeChangeCallback(MTimeFunction func, void* clientData, MStatus* status) {
+MCallbackId MDGMessage::addTimeChangeCallback(MTimeFunction func, void* clientData,
+                                              MStatus* status) {
   return addTime(func, clientData, status);
 }
-MCallbackId MDGMessage::addForceUpdateCallback(MTimeFunction func, void* clientData, MStatus* status) {
+MCallbackId MDGMessage::addForceUpdateCallback(MTimeFunction func, void* clientData,
+                                               MStatus* status) {
   return addTime(func, clientData, status);
 }
-MCallbackId MDGMessage::addNodeAddedCallback(MNodeFunction func, const MString& nodeType, void* clientData,
-                                             MStatus* status) {
+MCallbackId MDGMessage::addNodeAddedCallback(MNodeFunction func, const MString& nodeType,
+                                             void* clientData, MStatus* status) {
   return addForType(CallbackKind::NodeAdded, func, nodeType, clientData, status);
 }
-MCallbackId MDGMessage::addNodeRemovedCallback(MNodeFunction func, const MString& nodeType, void* clientData,
-                                               MStatus* status) {
+MCallbackId MDGMessage::addNodeRemovedCallback(MNodeFunction func, const MString& nodeType,
+                                               void* clientData, MStatus* status) {
   return addForType(CallbackKind::NodeRemoved, func, nodeType, clientData, status);
 }
-MCallbackId MDGMessage::addConnectionCallback(MPlugFunction func, void* clientData, MStatus* status) {
+MCallbackId MDGMessage::addConnectionCallback(MPlugFunction func, void* clientData,
+                                              MStatus* status) {
   Callbacks::Callback callback;
   callback.kind = CallbackKind::Connection;
   callback.call = [func, clientData](Happening& what) {
@@ -177,31 +189,38 @@ MCallbackId MDGMessage::addConnectionCallback(MPlugFunction func, void* clientDa
   return add(std::move(callback), func, status);
 }
 MCallbackId MDGMessage::addPreConnectionCallback(MPlugFunction, void*, MStatus* status) {
-  api::rememberError(Error{"Connections are told of when they are made; there is no message before"});
+  api::rememberError(
+      Error{"Connections are told of when they are made; there is no message before"});
   setStatus(status, MStatus::kFailure);
   return 0;
 }
 
-MCallbackId MDagMessage::addParentAddedCallback(MParentChildFunction func, void* data, MStatus* status) {
+MCallbackId MDagMessage::addParentAddedCallback(MParentChildFunction func, void* data,
+                                                MStatus* status) {
   return addDag(kParentAdded, func, data, status);
 }
-MCallbackId MDagMessage::addParentRemovedCallback(MParentChildFunction func, void* data, MStatus* status) {
+MCallbackId MDagMessage::addParentRemovedCallback(MParentChildFunction func, void* data,
+                                                  MStatus* status) {
   return addDag(kParentRemoved, func, data, status);
 }
-MCallbackId MDagMessage::addChildAddedCallback(MParentChildFunction func, void* data, MStatus* status) {
+MCallbackId MDagMessage::addChildAddedCallback(MParentChildFunction func, void* data,
+                                               MStatus* status) {
   return addDag(kChildAdded, func, data, status);
 }
-MCallbackId MDagMessage::addChildRemovedCallback(MParentChildFunction func, void* data, MStatus* status) {
+MCallbackId MDagMessage::addChildRemovedCallback(MParentChildFunction func, void* data,
+                                                 MStatus* status) {
   return addDag(kChildRemoved, func, data, status);
 }
-MCallbackId MDagMessage::addInstanceAddedCallback(MParentChildFunction func, void* data, MStatus* status) {
+MCallbackId MDagMessage::addInstanceAddedCallback(MParentChildFunction func, void* data,
+                                                  MStatus* status) {
   return addDag(kInstanceAdded, func, data, status);
 }
-MCallbackId MDagMessage::addInstanceRemovedCallback(MParentChildFunction func, void* data, MStatus* status) {
+MCallbackId MDagMessage::addInstanceRemovedCallback(MParentChildFunction func, void* data,
+                                                    MStatus* status) {
   return addDag(kInstanceRemoved, func, data, status);
 }
-MCallbackId MDagMessage::addAllDagChangesCallback(MMessageParentChildFunction func, void* clientData,
-                                                  MStatus* status) {
+MCallbackId MDagMessage::addAllDagChangesCallback(MMessageParentChildFunction func,
+                                                  void* clientData, MStatus* status) {
   Callbacks::Callback callback;
   callback.kind = CallbackKind::DagChange;
   callback.message = -1;
@@ -211,26 +230,31 @@ MCallbackId MDagMessage::addAllDagChangesCallback(MMessageParentChildFunction fu
   return add(std::move(callback), func, status);
 }
 
-MCallbackId MModelMessage::addCallback(Message, MBasicFunction func, void* clientData, MStatus* status) {
+MCallbackId MModelMessage::addCallback(Message, MBasicFunction func, void* clientData,
+                                       MStatus* status) {
   return addPlain(CallbackKind::SelectionChanged, func, clientData, status);
 }
-MCallbackId MModelMessage::addBeforeDuplicateCallback(MBasicFunction func, void* clientData, MStatus* status) {
+MCallbackId MModelMessage::addBeforeDuplicateCallback(MBasicFunction func, void* clientData,
+                                                      MStatus* status) {
   return addPlain(CallbackKind::BeforeDuplicate, func, clientData, status);
 }
-MCallbackId MModelMessage::addAfterDuplicateCallback(MBasicFunction func, void* clientData, MStatus* status) {
+MCallbackId MModelMessage::addAfterDuplicateCallback(MBasicFunction func, void* clientData,
+                                                     MStatus* status) {
   return addPlain(CallbackKind::AfterDuplicate, func, clientData, status);
 }
-MCallbackId MModelMessage::addNodeAddedToModelCallback(MObject& node, MNodeFunction func, void* clientData,
-                                                       MStatus* status) {
-  return addForNode(node, true, CallbackKind::NodeAddedToModel, withNode(func, clientData), func, status);
+MCallbackId MModelMessage::addNodeAddedToModelCallback(MObject& node, MNodeFunction func,
+                                                       void* clientData, MStatus* status) {
+  return addForNode(node, true, CallbackKind::NodeAddedToModel, withNode(func, clientData), func,
+                    status);
 }
-MCallbackId MModelMessage::addNodeRemovedFromModelCallback(MObject& node, MNodeFunction func, void* clientData,
-                                                           MStatus* status) {
-  return addForNode(node, true, CallbackKind::NodeRemovedFromModel, withNode(func, clientData), func, status);
+MCallbackId MModelMessage::addNodeRemovedFromModelCallback(MObject& node, MNodeFunction func,
+                                                           void* clientData, MStatus* status) {
+  return addForNode(node, true, CallbackKind::NodeRemovedFromModel, withNode(func, clientData),
+                    func, status);
 }
 
-MCallbackId MPolyMessage::addPolyTopologyChangedCallback(MObject& node, MNodeFunction func, void* clientData,
-                                                         MStatus* status) {
+MCallbackId MPolyMessage::addPolyTopologyChangedCallback(MObject& node, MNodeFunction func,
+                                                         void* clientData, MStatus* status) {
   // Whatever dirties the mesh that comes out may have changed its topology.
   const auto call = [func, clientData](Happening& what) {
     if (what.plug.attribute()->longName != "outMesh") return;
@@ -239,8 +263,10 @@ MCallbackId MPolyMessage::addPolyTopologyChangedCallback(MObject& node, MNodeFun
   };
   return addForNode(node, false, CallbackKind::NodeDirtyPlug, call, func, status);
 }
-MCallbackId MPolyMessage::addUVSetChangedCallback(MObject&, MUVSetChangedFunction, void*, MStatus* status) {
-  api::rememberError(Error{"There are no messages for UV sets; wait for changes of the shape's attributes"});
+MCallbackId MPolyMessage::addUVSetChangedCallback(MObject&, MUVSetChangedFunction, void*,
+                                                  MStatus* status) {
+  api::rememberError(
+      Error{"There are no messages for UV sets; wait for changes of the shape's attributes"});
   setStatus(status, MStatus::kFailure);
   return 0;
 }

@@ -17,8 +17,8 @@ using api::setStatus;
 namespace {
 
 template <class Function>
-MCallbackId add(CallbackKind kind, const MString& subject, int message, std::function<void(Happening&)> call,
-                Function function, MStatus* status) {
+MCallbackId add(CallbackKind kind, const MString& subject, int message,
+                std::function<void(Happening&)> call, Function function, MStatus* status) {
   setStatus(status, function ? MStatus::kSuccess : MStatus::kInvalidParameter);
   if (!function) return 0;
   Callbacks::Callback callback;
@@ -38,22 +38,27 @@ MCallbackId refuse(MStatus* status) {
   return 0;
 }
 
-bool isScene(MSceneMessage::Message message) { return message >= 0 && message < MSceneMessage::kLast; }
+bool isScene(MSceneMessage::Message message) {
+  return message >= 0 && message < MSceneMessage::kLast;
+}
 
 }  // namespace
 
-MCallbackId MEventMessage::addEventCallback(const MString& event, MBasicFunction func, void* clientData,
-                                            MStatus* status) {
-  if (event != "idle" && !contains(cmd::currentSession().scriptJobs().eventNames(), event)) return refuse(status);
-  return add(CallbackKind::Event, event, 0, [func, clientData](Happening&) { func(clientData); }, func, status);
+MCallbackId MEventMessage::addEventCallback(const MString& event, MBasicFunction func,
+                                            void* clientData, MStatus* status) {
+  if (event != "idle" && !contains(cmd::currentSession().scriptJobs().eventNames(), event))
+    return refuse(status);
+  return add(
+      CallbackKind::Event, event, 0, [func, clientData](Happening&) { func(clientData); }, func,
+      status);
 }
 MStatus MEventMessage::getEventNames(MStringArray& names) {
   names = api::toMStringArray(cmd::currentSession().scriptJobs().eventNames());
   return MStatus::kSuccess;
 }
 
-MCallbackId MTimerMessage::addTimerCallback(float period, MElapsedTimeFunction func, void* clientData,
-                                            MStatus* status) {
+MCallbackId MTimerMessage::addTimerCallback(float period, MElapsedTimeFunction func,
+                                            void* clientData, MStatus* status) {
   if (!(period >= 0) || !func) return refuse(status);
   setStatus(status, MStatus::kSuccess);
   Callbacks::Callback callback;
@@ -80,10 +85,12 @@ MStatus MUserEventMessage::deregisterUserEvent(const MString& eventName) {
   api::callbacks().removeAll(CallbackKind::UserEvent, eventName.asChar());
   return MStatus::kSuccess;
 }
-MCallbackId MUserEventMessage::addUserEventCallback(const MString& eventName, MBasicFunction func, void* clientData,
-                                                    MStatus* status) {
+MCallbackId MUserEventMessage::addUserEventCallback(const MString& eventName, MBasicFunction func,
+                                                    void* clientData, MStatus* status) {
   if (!isUserEvent(eventName)) return refuse(status);
-  const auto call = [func, clientData](Happening& what) { func(clientData ? clientData : what.data); };
+  const auto call = [func, clientData](Happening& what) {
+    func(clientData ? clientData : what.data);
+  };
   return add(CallbackKind::UserEvent, eventName, 0, call, func, status);
 }
 MStatus MUserEventMessage::postUserEvent(const MString& eventName, void* clientData) {
@@ -92,11 +99,15 @@ MStatus MUserEventMessage::postUserEvent(const MString& eventName, void* clientD
   return MStatus::kSuccess;
 }
 
-MCallbackId MSceneMessage::addCallback(Message message, MBasicFunction func, void* clientData, MStatus* status) {
+MCallbackId MSceneMessage::addCallback(Message message, MBasicFunction func, void* clientData,
+                                       MStatus* status) {
   if (!isScene(message)) return refuse(status);
-  return add(CallbackKind::Scene, "", message, [func, clientData](Happening&) { func(clientData); }, func, status);
+  return add(
+      CallbackKind::Scene, "", message, [func, clientData](Happening&) { func(clientData); }, func,
+      status);
 }
-MCallbackId MSceneMessage::addCheckCallback(Message message, MCheckFunction func, void* clientData, MStatus* status) {
+MCallbackId MSceneMessage::addCheckCallback(Message message, MCheckFunction func, void* clientData,
+                                            MStatus* status) {
   if (!isScene(message)) return refuse(status);
   const auto call = [func, clientData](Happening& what) {
     bool mayGoOn = true;
@@ -105,8 +116,8 @@ MCallbackId MSceneMessage::addCheckCallback(Message message, MCheckFunction func
   };
   return add(CallbackKind::SceneCheck, "", message, call, func, status);
 }
-MCallbackId MSceneMessage::addStringArrayCallback(Message message, MStringArrayFunction func, void* clientData,
-                                                  MStatus* status) {
+MCallbackId MSceneMessage::addStringArrayCallback(Message message, MStringArrayFunction func,
+                                                  void* clientData, MStatus* status) {
   if (!isScene(message)) return refuse(status);
   const auto call = [func, clientData](Happening& what) {
     MStringArray texts;
@@ -116,9 +127,11 @@ MCallbackId MSceneMessage::addStringArrayCallback(Message message, MStringArrayF
   return add(CallbackKind::SceneText, "", message, call, func, status);
 }
 
-MCallbackId MConditionMessage::addConditionCallback(const MString& conditionName, MStateFunction func,
-                                                    void* clientData, MStatus* status) {
-  if (!contains(cmd::currentSession().scriptJobs().conditionNames(), conditionName)) return refuse(status);
+MCallbackId MConditionMessage::addConditionCallback(const MString& conditionName,
+                                                    MStateFunction func, void* clientData,
+                                                    MStatus* status) {
+  if (!contains(cmd::currentSession().scriptJobs().conditionNames(), conditionName))
+    return refuse(status);
   const auto call = [func, clientData](Happening& what) { func(what.flag, clientData); };
   return add(CallbackKind::Condition, conditionName, 0, call, func, status);
 }

@@ -24,7 +24,8 @@ NodeClass* findNodeClass(const std::string& name) {
   return nullptr;
 }
 
-/// A type while its initialize function runs: inheriting has to come first, so everything is put together at the end.
+/// A type while its initialize function runs: inheriting has to come first, so everything is put
+/// together at the end.
 struct TypeInMaking {
   const dg::NodeType* base = nullptr;
   bool hasInherited = false;
@@ -55,15 +56,21 @@ const dg::NodeType* plainBase(dg::TypeRegistry& types) {
 
 const dg::NodeType* baseOf(dg::TypeRegistry& types, MPxNode::Type kind) {
   switch (kind) {
-    case MPxNode::kDependNode: return plainBase(types);
-    case MPxNode::kLocatorNode: return types.find("locator");
-    case MPxNode::kTransformNode: return types.find("transform");
-    case MPxNode::kObjectSet: return types.find("objectSet");
-    default: return nullptr;
+    case MPxNode::kDependNode:
+      return plainBase(types);
+    case MPxNode::kLocatorNode:
+      return types.find("locator");
+    case MPxNode::kTransformNode:
+      return types.find("transform");
+    case MPxNode::kObjectSet:
+      return types.find("objectSet");
+    default:
+      return nullptr;
   }
 }
 
-Result<void> runInitialize(const std::string& name, TypeInMaking& type, MInitializeFunction initialize) {
+Result<void> runInitialize(const std::string& name, TypeInMaking& type,
+                           MInitializeFunction initialize) {
   if (!initialize) return {};
   struct Scope {
     explicit Scope(TypeInMaking* now) : before(std::exchange(inMaking(), now)) {}
@@ -100,7 +107,8 @@ MPxNode* userNodeOf(dg::Node& node) {
   try {
     object.reset(static_cast<MPxNode*>(nodeClass->creator()));
   } catch (...) {
-    postMessage(MessageKind::Error, "Making a node of type '" + nodeClass->name + "' threw an exception");
+    postMessage(MessageKind::Error,
+                "Making a node of type '" + nodeClass->name + "' threw an exception");
   }
   if (!object) return nullptr;
   auto* rep = new PxNodeRep;
@@ -116,13 +124,15 @@ Result<void> addNodeClass(NodeClass nodeClass, std::uint32_t id, const std::stri
                           const std::string& pluginName, MInitializeFunction initialize) {
   dg::TypeRegistry& types = cmd::currentSession().types();
   const std::string name = nodeClass.name;
-  if (name.empty() || !nodeClass.creator) return fail("A node type needs a name and a creator function");
+  if (name.empty() || !nodeClass.creator)
+    return fail("A node type needs a name and a creator function");
   if (types.find(name)) return fail("A node type named '{}' is registered already", name);
   if (const dg::NodeType* other = types.find(id))
     return fail("The id {:#x} of node type '{}' is taken by '{}'", id, name, other->name);
   TypeInMaking making;
   making.base = baseOf(types, nodeClass.kind);
-  if (!making.base) return fail("Node type '{}': nodes of this kind can't be added by plug-ins here", name);
+  if (!making.base)
+    return fail("Node type '{}': nodes of this kind can't be added by plug-ins here", name);
   refreshStaticAttributes(types);
   HOST_TRY(runInitialize(name, making, initialize));
 
@@ -174,7 +184,8 @@ MStatus MPxNode::addAttribute(const MObject& attribute) {
   // A child comes with its compound.
   if (rep->attribute->parent || type->has(*rep->attribute)) return MStatus::kSuccess;
   if (rep->attribute->topIndex >= 0) {
-    api::rememberError(Error{"Attribute '" + rep->attribute->longName + "' belongs to a node type already"});
+    api::rememberError(
+        Error{"Attribute '" + rep->attribute->longName + "' belongs to a node type already"});
     return MStatus::kFailure;
   }
   type->attributes.push_back(rep->attribute);
@@ -192,7 +203,8 @@ MStatus MPxNode::attributeAffects(const MObject& whenChanges, const MObject& isA
 MStatus MPxNode::inheritAttributesFrom(const MString& parentClassName) {
   api::TypeInMaking* type = api::inMaking();
   const dg::NodeType* parent = cmd::currentSession().types().find(parentClassName.asChar());
-  if (!type || !parent || type->hasInherited || !parent->isA(type->base->name)) return MStatus::kInvalidParameter;
+  if (!type || !parent || type->hasInherited || !parent->isA(type->base->name))
+    return MStatus::kInvalidParameter;
   type->base = parent;
   type->hasInherited = true;
   return MStatus::kSuccess;

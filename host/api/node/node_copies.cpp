@@ -30,7 +30,8 @@ bool leavesOut(const dg::Plug& plug) {
   if (!object) return false;
   bool isSaved = true;
   const auto ask = [&] { return object->shouldSave(wrap(plug), isSaved); };
-  const MStatus status = fenced(*plug.node(), "shouldSave", ask, MStatus(MStatus::kUnknownParameter));
+  const MStatus status =
+      fenced(*plug.node(), "shouldSave", ask, MStatus(MStatus::kUnknownParameter));
   return status == MStatus::kSuccess && !isSaved;
 }
 

@@ -4,8 +4,9 @@
 
 namespace host::api {
 
-/// Tells plug-ins of copies: callbacks before and after, and the copy's own object, which takes over what the original's
-/// keeps outside its attributes. Nodes of plug-ins are asked which of their attributes scene files leave out.
+/// Tells plug-ins of copies: callbacks before and after, and the copy's own object, which takes
+/// over what the original's keeps outside its attributes. Nodes of plug-ins are asked which of
+/// their attributes scene files leave out.
 void installNodeCopies(cmd::Session& session);
 
 }  // namespace host::api

@@ -14,8 +14,8 @@ using dg::Computed;
 using dg::Node;
 using dg::Plug;
 
-/// A type's hooks are asked along the chain of base types; the object's own virtual functions settle what a derived
-/// class overrides, so only the hook of the node's own type acts.
+/// A type's hooks are asked along the chain of base types; the object's own virtual functions
+/// settle what a derived class overrides, so only the hook of the node's own type acts.
 MPxNode* objectOf(Node& node, const dg::NodeType* hooked) {
   return &node.type() == hooked ? userNodeOf(node) : nullptr;
 }
@@ -39,15 +39,19 @@ Result<Computed> compute(MPxNode& object, Node& node, const Plug& plug) {
   if (status == MStatus::kSuccess) return Computed::Done;
   // A node that reports a fault but has marked its output clean has left a value to go on with.
   if (!node.graph().isDirty(plug)) {
-    postMessage(MessageKind::Warning, fmt::format("Computing '{}' failed; the value that it left is used", plug.name()));
+    postMessage(MessageKind::Warning,
+                fmt::format("Computing '{}' failed; the value that it left is used", plug.name()));
     return Computed::Done;
   }
   return fail("Computing '{}' failed: {}", plug.name(), status.errorString().asChar());
 }
 
-void addDependents(MPxNode& object, const Node& node, const Plug& plug, std::vector<Plug>& alsoDirty) {
+void addDependents(MPxNode& object, const Node& node, const Plug& plug,
+                   std::vector<Plug>& alsoDirty) {
   MPlugArray plugs;
-  fenced(node, "setDependentsDirty", [&] { return object.setDependentsDirty(wrap(plug), plugs); }, MStatus());
+  fenced(
+      node, "setDependentsDirty", [&] { return object.setDependentsDirty(wrap(plug), plugs); },
+      MStatus());
   for (unsigned int i = 0; i < plugs.length(); ++i)
     if (const Plug each = plugOf(plugs[i])) alsoDirty.push_back(each);
 }
@@ -56,8 +60,10 @@ void addDependents(MPxNode& object, const Node& node, const Plug& plug, std::vec
 bool readBox(const MPxLocatorNode& locator, const Node& node, const Plug& plug, dg::Value& value) {
   const dg::Attribute* triple = plug.attribute()->parent;
   if (!triple || triple->isDynamic) return false;
-  const bool isMin = triple->longName == "boundingBoxMin", isMax = triple->longName == "boundingBoxMax";
-  const bool isSize = triple->longName == "boundingBoxSize", isCenter = triple->longName == "center";
+  const bool isMin = triple->longName == "boundingBoxMin",
+             isMax = triple->longName == "boundingBoxMax";
+  const bool isSize = triple->longName == "boundingBoxSize",
+             isCenter = triple->longName == "center";
   if (!isMin && !isMax && !isSize && !isCenter) return false;
   const auto read = [&] { return locator.isBounded() ? locator.boundingBox() : MBoundingBox(); };
   const MBoundingBox box = fenced(node, "boundingBox", read, MBoundingBox());
@@ -69,12 +75,14 @@ bool readBox(const MPxLocatorNode& locator, const Node& node, const Plug& plug, 
 }
 
 bool readInternal(MPxNode& object, const Node& node, const Plug& plug, dg::Value& value) {
-  if (const auto* locator = dynamic_cast<const MPxLocatorNode*>(&object); locator && readBox(*locator, node, plug, value))
+  if (const auto* locator = dynamic_cast<const MPxLocatorNode*>(&object);
+      locator && readBox(*locator, node, plug, value))
     return true;
   MDataHandle handle = looseHandle(plug, plug.attribute()->initialValue());
   const bool isHandled = fenced(
       node, "getInternalValue",
-      [&] { return object.getInternalValueInContext(wrap(plug), handle, MDGContext::fsNormal); }, false);
+      [&] { return object.getInternalValueInContext(wrap(plug), handle, MDGContext::fsNormal); },
+      false);
   if (isHandled) value = valueOf(handle);
   return isHandled;
 }
@@ -83,20 +91,23 @@ bool writeInternal(MPxNode& object, const Node& node, const Plug& plug, const dg
   const MDataHandle handle = looseHandle(plug, value);
   return fenced(
       node, "setInternalValue",
-      [&] { return object.setInternalValueInContext(wrap(plug), handle, MDGContext::fsNormal); }, false);
+      [&] { return object.setInternalValueInContext(wrap(plug), handle, MDGContext::fsNormal); },
+      false);
 }
 
-Result<void> mayConnect(MPxNode& object, const Node& node, const Plug& own, const Plug& other, bool ownIsSource) {
+Result<void> mayConnect(MPxNode& object, const Node& node, const Plug& own, const Plug& other,
+                        bool ownIsSource) {
   bool isLegal = true;
   const MStatus status = fenced(
-      node, "legalConnection", [&] { return object.legalConnection(wrap(own), wrap(other), ownIsSource, isLegal); },
+      node, "legalConnection",
+      [&] { return object.legalConnection(wrap(own), wrap(other), ownIsSource, isLegal); },
       MStatus(MStatus::kUnknownParameter));
   if (status != MStatus::kSuccess || isLegal) return {};
   return fail("'{}' does not accept a connection with '{}'", own.name(), other.name());
 }
 
-void tellConnection(MPxNode& object, const Node& node, const Plug& own, const Plug& other, bool ownIsSource,
-                    bool made) {
+void tellConnection(MPxNode& object, const Node& node, const Plug& own, const Plug& other,
+                    bool ownIsSource, bool made) {
   const auto call = [&] {
     return made ? object.connectionMade(wrap(own), wrap(other), ownIsSource)
                 : object.connectionBroken(wrap(own), wrap(other), ownIsSource);
@@ -123,12 +134,15 @@ void installHooks(dg::NodeType& type) {
     MPxNode* object = objectOf(node, own);
     return object && writeInternal(*object, node, plug, value);
   };
-  type.mayConnect = [own](Node& node, const Plug& plug, const Plug& other, bool ownIsSource) -> Result<void> {
+  type.mayConnect = [own](Node& node, const Plug& plug, const Plug& other,
+                          bool ownIsSource) -> Result<void> {
     MPxNode* object = objectOf(node, own);
     return object ? mayConnect(*object, node, plug, other, ownIsSource) : Result<void>();
   };
-  type.connectionChanged = [own](Node& node, const Plug& plug, const Plug& other, bool ownIsSource, bool made) {
-    if (MPxNode* object = objectOf(node, own)) tellConnection(*object, node, plug, other, ownIsSource, made);
+  type.connectionChanged = [own](Node& node, const Plug& plug, const Plug& other, bool ownIsSource,
+                                 bool made) {
+    if (MPxNode* object = objectOf(node, own))
+      tellConnection(*object, node, plug, other, ownIsSource, made);
   };
   type.postConstructor = [own](Node& node) {
     MPxNode* object = objectOf(node, own);

@@ -9,7 +9,9 @@
 namespace host::api {
 namespace {
 
-PxNodeRep* nodeRepOf(const MPxNode& node) { return Access::rep<PxNodeRep>(node); }
+PxNodeRep* nodeRepOf(const MPxNode& node) {
+  return Access::rep<PxNodeRep>(node);
+}
 dg::Node* nodeBehind(const MPxNode& node) {
   const PxNodeRep* rep = nodeRepOf(node);
   return rep ? rep->node : nullptr;
@@ -28,11 +30,12 @@ void refresh(const dg::NodeType* type, std::initializer_list<StaticAttribute> at
 }  // namespace
 
 void refreshStaticAttributes(dg::TypeRegistry& types) {
-  refresh(types.find("dependNode"), {{&MPxNode::message, "message"},
-                                     {&MPxNode::isHistoricallyInteresting, "isHistoricallyInteresting"},
-                                     {&MPxNode::caching, "caching"},
-                                     {&MPxNode::state, "nodeState"},
-                                     {&MPxNode::frozen, "frozen"}});
+  refresh(types.find("dependNode"),
+          {{&MPxNode::message, "message"},
+           {&MPxNode::isHistoricallyInteresting, "isHistoricallyInteresting"},
+           {&MPxNode::caching, "caching"},
+           {&MPxNode::state, "nodeState"},
+           {&MPxNode::frozen, "frozen"}});
   using Locator = MPxLocatorNode;
   refresh(types.find("locator"), {{&Locator::nodeBoundingBox, "boundingBox"},
                                   {&Locator::nodeBoundingBoxMin, "boundingBoxMin"},
@@ -80,14 +83,21 @@ using api::nodeBehind;
 using api::nodeRepOf;
 using api::setStatus;
 
-MObject MPxNode::message, MPxNode::isHistoricallyInteresting, MPxNode::caching, MPxNode::state, MPxNode::frozen;
+MObject MPxNode::message, MPxNode::isHistoricallyInteresting, MPxNode::caching, MPxNode::state,
+    MPxNode::frozen;
 
 MPxNode::MPxNode() = default;
 MPxNode::~MPxNode() = default;
 void MPxNode::postConstructor() {}
-MStatus MPxNode::compute(const MPlug&, MDataBlock&) { return MStatus::kUnknownParameter; }
-bool MPxNode::getInternalValue(const MPlug&, MDataHandle&) { return false; }
-bool MPxNode::setInternalValue(const MPlug&, const MDataHandle&) { return false; }
+MStatus MPxNode::compute(const MPlug&, MDataBlock&) {
+  return MStatus::kUnknownParameter;
+}
+bool MPxNode::getInternalValue(const MPlug&, MDataHandle&) {
+  return false;
+}
+bool MPxNode::setInternalValue(const MPlug&, const MDataHandle&) {
+  return false;
+}
 bool MPxNode::getInternalValueInContext(const MPlug& plug, MDataHandle& handle, MDGContext&) {
   return getInternalValue(plug, handle);
 }
@@ -98,28 +108,54 @@ int MPxNode::internalArrayCount(const MPlug& plug, const MDGContext&) const {
   return static_cast<int>(plug.numElements());
 }
 void MPxNode::copyInternalData(MPxNode*) {}
-MStatus MPxNode::legalConnection(const MPlug&, const MPlug&, bool, bool&) const { return MStatus::kUnknownParameter; }
+MStatus MPxNode::legalConnection(const MPlug&, const MPlug&, bool, bool&) const {
+  return MStatus::kUnknownParameter;
+}
 MStatus MPxNode::legalDisconnection(const MPlug&, const MPlug&, bool, bool&) const {
   return MStatus::kUnknownParameter;
 }
-MStatus MPxNode::connectionMade(const MPlug&, const MPlug&, bool) { return MStatus::kUnknownParameter; }
-MStatus MPxNode::connectionBroken(const MPlug&, const MPlug&, bool) { return MStatus::kUnknownParameter; }
-MStatus MPxNode::dependsOn(const MPlug&, const MPlug&, bool&) const { return MStatus::kUnknownParameter; }
-MStatus MPxNode::setDependentsDirty(const MPlug&, MPlugArray&) { return MStatus::kSuccess; }
-MStatus MPxNode::preEvaluation(const MDGContext&, const MEvaluationNode&) { return MStatus::kSuccess; }
+MStatus MPxNode::connectionMade(const MPlug&, const MPlug&, bool) {
+  return MStatus::kUnknownParameter;
+}
+MStatus MPxNode::connectionBroken(const MPlug&, const MPlug&, bool) {
+  return MStatus::kUnknownParameter;
+}
+MStatus MPxNode::dependsOn(const MPlug&, const MPlug&, bool&) const {
+  return MStatus::kUnknownParameter;
+}
+MStatus MPxNode::setDependentsDirty(const MPlug&, MPlugArray&) {
+  return MStatus::kSuccess;
+}
+MStatus MPxNode::preEvaluation(const MDGContext&, const MEvaluationNode&) {
+  return MStatus::kSuccess;
+}
 MStatus MPxNode::postEvaluation(const MDGContext&, const MEvaluationNode&, PostEvaluationType) {
   return MStatus::kSuccess;
 }
-MPxNode::SchedulingType MPxNode::schedulingType() const { return kDefaultScheduling; }
-bool MPxNode::isAbstractClass() const { return false; }
-MStatus MPxNode::shouldSave(const MPlug&, bool&) { return MStatus::kUnknownParameter; }
-bool MPxNode::isPassiveOutput(const MPlug&) const { return false; }
-MPlug MPxNode::passThroughToOne(const MPlug&) const { return MPlug(); }
-bool MPxNode::passThroughToMany(const MPlug&, MPlugArray&) const { return false; }
+MPxNode::SchedulingType MPxNode::schedulingType() const {
+  return kDefaultScheduling;
+}
+bool MPxNode::isAbstractClass() const {
+  return false;
+}
+MStatus MPxNode::shouldSave(const MPlug&, bool&) {
+  return MStatus::kUnknownParameter;
+}
+bool MPxNode::isPassiveOutput(const MPlug&) const {
+  return false;
+}
+MPlug MPxNode::passThroughToOne(const MPlug&) const {
+  return MPlug();
+}
+bool MPxNode::passThroughToMany(const MPlug&, MPlugArray&) const {
+  return false;
+}
 void MPxNode::getCacheSetup(const MEvaluationNode&, MNodeCacheDisablingInfo&, MNodeCacheSetupInfo&,
                             MObjectArray&) const {}
 
-MObject MPxNode::thisMObject() const { return api::wrap(nodeBehind(*this)); }
+MObject MPxNode::thisMObject() const {
+  return api::wrap(nodeBehind(*this));
+}
 MTypeId MPxNode::typeId() const {
   const dg::Node* node = nodeBehind(*this);
   return node ? MTypeId(node->type().id) : MTypeId();
@@ -222,9 +258,15 @@ HOST_STATIC(MPxTransform, visibility)
 
 MPxTransform::MPxTransform() = default;
 MPxTransform::~MPxTransform() = default;
-MStatus MPxTransform::compute(const MPlug&, MDataBlock&) { return MStatus::kUnknownParameter; }
-bool MPxTransform::isBounded() const { return false; }
-MBoundingBox MPxTransform::boundingBox() const { return {}; }
+MStatus MPxTransform::compute(const MPlug&, MDataBlock&) {
+  return MStatus::kUnknownParameter;
+}
+bool MPxTransform::isBounded() const {
+  return false;
+}
+MBoundingBox MPxTransform::boundingBox() const {
+  return {};
+}
 MStatus MPxTransform::mustCallValidateAndSet(const MObject& attribute) {
   return api::attributeOf(attribute) ? MStatus::kSuccess : MStatus::kInvalidParameter;
 }

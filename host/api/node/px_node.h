@@ -14,7 +14,8 @@ namespace host::api {
 
 struct NodeClass;
 
-/// What the host keeps with a plug-in's node object. The node owns the object, so it doesn't keep the node alive.
+/// What the host keeps with a plug-in's node object. The node owns the object, so it doesn't keep
+/// the node alive.
 struct PxNodeRep final : SharedRep {
   ~PxNodeRep() override;
   dg::Node* node = nullptr;
@@ -28,21 +29,26 @@ struct NodeClass {
   MCreatorFunction creator = nullptr;
   MPxNode::Type kind = MPxNode::kDependNode;
   dg::NodeType* type = nullptr;  ///< owned by the registry
-  std::unordered_set<PxNodeRep*> objects;  ///< of nodes that live, in the scene or in the undo queue
+  std::unordered_set<PxNodeRep*>
+      objects;  ///< of nodes that live, in the scene or in the undo queue
 };
 
-/// The plug-in's object of a node, made on first use; null for built-in types and when the plug-in made none.
+/// The plug-in's object of a node, made on first use; null for built-in types and when the plug-in
+/// made none.
 [[nodiscard]] MPxNode* userNodeOf(dg::Node& node);
 
 /// Calls into a plug-in's object; what it throws becomes a message, and `otherwise` the answer.
 template <class Call>
-auto fenced(const dg::Node& node, const char* what, const Call& call, decltype(call()) otherwise) -> decltype(call()) {
+auto fenced(const dg::Node& node, const char* what, const Call& call, decltype(call()) otherwise)
+    -> decltype(call()) {
   try {
     return call();
   } catch (const std::exception& exception) {
-    postMessage(MessageKind::Error, fmt::format("{} of '{}' threw an exception: {}", what, node.name(), exception.what()));
+    postMessage(MessageKind::Error, fmt::format("{} of '{}' threw an exception: {}", what,
+                                                node.name(), exception.what()));
   } catch (...) {
-    postMessage(MessageKind::Error, fmt::format("{} of '{}' threw an exception", what, node.name()));
+    postMessage(MessageKind::Error,
+                fmt::format("{} of '{}' threw an exception", what, node.name()));
   }
   return otherwise;
 }
@@ -53,7 +59,8 @@ void installHooks(dg::NodeType& type);
 /// Registers a type whose attributes `initialize` makes.
 Result<void> addNodeClass(NodeClass nodeClass, std::uint32_t id, const std::string& classification,
                           const std::string& pluginName, MInitializeFunction initialize);
-/// Takes the type out whatever uses it; objects of nodes that are left go now, while their code is still there.
+/// Takes the type out whatever uses it; objects of nodes that are left go now, while their code is
+/// still there.
 void dropNodeClass(const std::string& name);
 [[nodiscard]] NodeClass* findNodeClass(const dg::NodeType& type);
 

@@ -21,15 +21,17 @@ PluginRecord* recordOf(const MObject& object, MStatus* status = nullptr) {
   return rep ? rep->record.get() : nullptr;
 }
 
-void forget(std::vector<std::string>& names, const std::string& name) { std::erase(names, name); }
+void forget(std::vector<std::string>& names, const std::string& name) {
+  std::erase(names, name);
+}
 
 }  // namespace
 
 MFnPlugin::MFnPlugin() = default;
 MFnPlugin::~MFnPlugin() = default;
 
-MFnPlugin::MFnPlugin(const MObject& object, const char* vendor, const char* version, const char* requiredApiVersion,
-                     MStatus* status) {
+MFnPlugin::MFnPlugin(const MObject& object, const char* vendor, const char* version,
+                     const char* requiredApiVersion, MStatus* status) {
   attach(object, status);
   PluginRecord* record = recordOf(object);
   if (!record) return;
@@ -39,7 +41,8 @@ MFnPlugin::MFnPlugin(const MObject& object, const char* vendor, const char* vers
   };
   keep(record->info.vendor, vendor ? vendor : "Unknown");
   keep(record->info.version, version ? version : "Unknown");
-  if (record->info.apiVersion.empty()) record->info.apiVersion = requiredApiVersion ? requiredApiVersion : "Any";
+  if (record->info.apiVersion.empty())
+    record->info.apiVersion = requiredApiVersion ? requiredApiVersion : "Any";
 }
 
 MString MFnPlugin::vendor(MStatus* status) const {
@@ -60,7 +63,8 @@ MString MFnPlugin::name(MStatus* status) const {
 }
 MString MFnPlugin::loadPath(MStatus* status) const {
   const PluginRecord* record = recordOf(object_, status);
-  return record ? api::toMString(std::filesystem::path(record->info.path).parent_path().string()) : MString();
+  return record ? api::toMString(std::filesystem::path(record->info.path).parent_path().string())
+                : MString();
 }
 MStatus MFnPlugin::setName(const MString& name, bool) {
   PluginRecord* record = recordOf(object_);
@@ -114,7 +118,8 @@ MStatus MFnPlugin::registerCommand(const MString& commandName, MCreatorFunction 
 
 MStatus MFnPlugin::deregisterCommand(const MString& commandName) {
   PluginRecord* record = recordOf(object_);
-  return record && record->remove(Kind::Command, commandName.asChar()) ? MStatus::kSuccess : MStatus::kFailure;
+  return record && record->remove(Kind::Command, commandName.asChar()) ? MStatus::kSuccess
+                                                                       : MStatus::kFailure;
 }
 
 MStatus MFnPlugin::registerUI(const MString& creationProc, const MString& deletionProc,

@@ -27,7 +27,8 @@ PluginRecord*& currentPlugin() {
 }
 
 struct RegisteringScope {
-  explicit RegisteringScope(PluginRecord* record) : previous(std::exchange(currentPlugin(), record)) {}
+  explicit RegisteringScope(PluginRecord* record)
+      : previous(std::exchange(currentPlugin(), record)) {}
   ~RegisteringScope() { currentPlugin() = previous; }
   PluginRecord* previous;
 };
@@ -69,32 +70,37 @@ Function symbol(void* library, const char* name) {
 }
 
 /// Runs an entry point; an exception that comes out of it is a failure like any other.
-Result<void> callEntryPoint(EntryPoint entry, const std::shared_ptr<PluginRecord>& record, const char* what) {
+Result<void> callEntryPoint(EntryPoint entry, const std::shared_ptr<PluginRecord>& record,
+                            const char* what) {
   RegisteringScope scope(record.get());
   MStatus status = MStatus::kFailure;
   try {
     status = entry(Access::make<MObject>(new PluginRep(record)));
   } catch (const std::exception& exception) {
-    return fail("{} of plug-in \"{}\" threw an exception: {}", what, record->info.name, exception.what());
+    return fail("{} of plug-in \"{}\" threw an exception: {}", what, record->info.name,
+                exception.what());
   } catch (...) {
     return fail("{} of plug-in \"{}\" threw an exception", what, record->info.name);
   }
   if (status == MStatus::kSuccess) return {};
-  return fail("{} of plug-in \"{}\" failed: {}", what, record->info.name, status.errorString().asChar());
+  return fail("{} of plug-in \"{}\" failed: {}", what, record->info.name,
+              status.errorString().asChar());
 }
 
 }  // namespace
 
-PluginRecord* registeringPlugin() { return currentPlugin(); }
+PluginRecord* registeringPlugin() {
+  return currentPlugin();
+}
 
 void PluginRecord::add(Registration::Kind kind, std::string name, std::function<void()> takeBack) {
   registrations.push_back({kind, std::move(name), std::move(takeBack)});
 }
 
 bool PluginRecord::remove(Registration::Kind kind, std::string_view name) {
-  const auto found = std::find_if(registrations.begin(), registrations.end(), [&](const Registration& entry) {
-    return entry.kind == kind && entry.name == name;
-  });
+  const auto found = std::find_if(
+      registrations.begin(), registrations.end(),
+      [&](const Registration& entry) { return entry.kind == kind && entry.name == name; });
   if (found == registrations.end()) return false;
   const std::function<void()> takeBack = std::move(found->takeBack);
   registrations.erase(found);
@@ -186,14 +192,17 @@ Result<void> Loader::initialize(const std::shared_ptr<PluginRecord>& record) {
 }
 
 void Loader::buildInterface(PluginRecord& record) {
-  const std::string& procedure = session_.isBatch ? record.batchCreationProcedure : record.creationProcedure;
+  const std::string& procedure =
+      session_.isBatch ? record.batchCreationProcedure : record.creationProcedure;
   if (!procedure.empty()) (void)session_.executeLine(procedure, {.undo = false});
 }
 
 void Loader::removeInterface(PluginRecord& record) {
-  // What a script built on demand in batch mode is removed too, so the interface's own procedure runs in both.
-  const std::string& procedure =
-      session_.isBatch && record.deletionProcedure.empty() ? record.batchDeletionProcedure : record.deletionProcedure;
+  // What a script built on demand in batch mode is removed too, so the interface's own procedure
+  // runs in both.
+  const std::string& procedure = session_.isBatch && record.deletionProcedure.empty()
+                                     ? record.batchDeletionProcedure
+                                     : record.deletionProcedure;
   if (!procedure.empty() && session_.interpreter().hasProcedure(procedure))
     (void)session_.executeLine(procedure, {.undo = false});
 }
@@ -202,14 +211,15 @@ Result<void> Loader::unload(const std::string& name, bool force) {
   const auto record = find(name);
   if (!record) return fail("Plug-in, \"{}\", is not loaded.", name);
   const std::string user = usedBy(*record);
-  if (!user.empty() && !force) return fail("Plug-in \"{}\" can't be unloaded: {}.", record->info.name, user);
+  if (!user.empty() && !force)
+    return fail("Plug-in \"{}\" can't be unloaded: {}.", record->info.name, user);
   const auto entry = symbol<EntryPoint>(record->library, kUninitializeSymbol);
   session_.undo().flush();  // command objects of the plug-in must not outlive its code
   HOST_TRY(callEntryPoint(entry, record, "uninitializePlugin"));
   removeInterface(*record);
   for (const auto& left : record->registrations)
-    postMessage(MessageKind::Warning,
-                "Plug-in \"" + record->info.name + "\" left \"" + left.name + "\" registered; it is removed now");
+    postMessage(MessageKind::Warning, "Plug-in \"" + record->info.name + "\" left \"" + left.name +
+                                          "\" registered; it is removed now");
   record->removeAll();
   plugins_.erase(std::find(plugins_.begin(), plugins_.end(), record));
   if (record->unloadCallback) (void)record->unloadCallback();
@@ -217,6 +227,8 @@ Result<void> Loader::unload(const std::string& name, bool force) {
   return {};
 }
 
-void installPluginLoader(cmd::Session& session) { session.pluginLoader = std::make_unique<Loader>(session); }
+void installPluginLoader(cmd::Session& session) {
+  session.pluginLoader = std::make_unique<Loader>(session);
+}
 
 }  // namespace host::api

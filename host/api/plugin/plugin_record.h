@@ -20,7 +20,8 @@ struct PluginRecord {
   std::string creationProcedure, deletionProcedure, batchCreationProcedure, batchDeletionProcedure;
   void* (*unloadCallback)() = nullptr;  ///< called last, when the module has been unloaded
 
-  /// One registration: how it is named and how it is taken back. In the order in which they were made.
+  /// One registration: how it is named and how it is taken back. In the order in which they were
+  /// made.
   struct Registration {
     enum class Kind { Command, Context, Node, DrawOverride, Data, Other };
     Kind kind = Kind::Other;
@@ -49,7 +50,8 @@ class PluginRep final : public ObjectRep {
   const std::shared_ptr<PluginRecord> record;
 };
 
-/// The module whose entry point is running; registrations made without a plug-in object (draw overrides) are its.
+/// The module whose entry point is running; registrations made without a plug-in object (draw
+/// overrides) are its.
 [[nodiscard]] PluginRecord* registeringPlugin();
 
 /// What of a plug-in's registrations is in use by the document: a sentence, empty when nothing is.

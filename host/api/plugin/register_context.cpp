@@ -30,7 +30,8 @@ class ContextCall final : public cmd::PluginCommand {
 
  private:
   Result<void> create(std::unique_ptr<MPxContextCommand> command, const ParsedRep& parsed);
-  Result<void> work(ContextAdapter& adapter, const std::vector<mel::Value>& words, const ParsedRep& parsed);
+  Result<void> work(ContextAdapter& adapter, const std::vector<mel::Value>& words,
+                    const ParsedRep& parsed);
   void editImages(tools::ToolContext& tool, const ParsedRep& parsed);
   bool queryOwn(const tools::ToolContext& tool, const ParsedRep& parsed);
 
@@ -40,8 +41,8 @@ class ContextCall final : public cmd::PluginCommand {
 
 constexpr const char* kImageFlags[] = {"image1", "image2", "image3"};
 
-/// The syntax of a context command: the plug-in's flags, and those that every context command has unless the plug-in
-/// uses the name itself.
+/// The syntax of a context command: the plug-in's flags, and those that every context command has
+/// unless the plug-in uses the name itself.
 MSyntax syntaxFor(MPxContextCommand& command) {
   auto& rep = Access::writable<ContextCommandRep>(command);
   rep.syntax = Access::make<MSyntax>(new SyntaxRep());
@@ -95,17 +96,23 @@ Result<void> ContextCall::doIt(std::span<const mel::Value> arguments) {
     return {};
   }
   if (!parsed->isEdit && !parsed->isQuery) return create(std::move(command), *parsed);
-  if (name.empty()) return fail("{}: name the context to {}", class_->commandName, parsed->isEdit ? "edit" : "query");
+  if (name.empty())
+    return fail("{}: name the context to {}", class_->commandName,
+                parsed->isEdit ? "edit" : "query");
   if (!isOurs) return fail("{}: Object '{}' not found.", class_->commandName, name);
   return work(*found, words, *parsed);
 }
 
-Result<void> ContextCall::create(std::unique_ptr<MPxContextCommand> command, const ParsedRep& parsed) {
+Result<void> ContextCall::create(std::unique_ptr<MPxContextCommand> command,
+                                 const ParsedRep& parsed) {
   tools::ToolRegistry& registry = builtins::toolsOf(cmd::currentSession());
   const ParsedRep::Use* named = useOf(parsed, "name");
-  std::string name = !parsed.objects.empty() ? parsed.objects.front() : named ? textOf(parsed, *named) : "";
+  std::string name = !parsed.objects.empty() ? parsed.objects.front()
+                     : named                 ? textOf(parsed, *named)
+                                             : "";
   if (name.empty()) name = registry.uniqueName(class_->commandName);
-  if (registry.find(name)) return fail("{}: Object's name '{}' is not unique.", class_->commandName, name);
+  if (registry.find(name))
+    return fail("{}: Object's name '{}' is not unique.", class_->commandName, name);
   std::unique_ptr<MPxContext> context(command->makeObj());
   if (!context) return fail("{}: the plug-in made no context", class_->commandName);
   auto adapter = std::make_shared<ContextAdapter>(std::move(command), std::move(context), class_);
@@ -139,10 +146,11 @@ Result<void> ContextCall::work(ContextAdapter& adapter, const std::vector<mel::V
   auto& rep = Access::writable<ContextCommandRep>(adapter.command());
   rep.words = wrap(words);
   rep.result = mel::Value();
-  const MStatus status = parsed.isEdit ? adapter.command().doEditFlags() : adapter.command().doQueryFlags();
+  const MStatus status =
+      parsed.isEdit ? adapter.command().doEditFlags() : adapter.command().doQueryFlags();
   if (status != MStatus::kSuccess)
-    return fail("{}: the flags could not be {}: {}", class_->commandName, parsed.isEdit ? "applied" : "read",
-                status.errorString().asChar());
+    return fail("{}: the flags could not be {}: {}", class_->commandName,
+                parsed.isEdit ? "applied" : "read", status.errorString().asChar());
   result_ = rep.result;
   return {};
 }
@@ -163,9 +171,12 @@ MStatus registerContext(PluginRecord* record, ContextClass contextClass) {
   cmd::PluginCommandSpec spec;
   spec.name = name;
   spec.pluginName = record->info.name;
-  spec.create = [shared]() -> std::unique_ptr<cmd::PluginCommand> { return std::make_unique<ContextCall>(shared); };
+  spec.create = [shared]() -> std::unique_ptr<cmd::PluginCommand> {
+    return std::make_unique<ContextCall>(shared);
+  };
   spec.synopsis = [shared] {
-    const std::unique_ptr<MPxContextCommand> command(static_cast<MPxContextCommand*>(shared->creator()));
+    const std::unique_ptr<MPxContextCommand> command(
+        static_cast<MPxContextCommand*>(shared->creator()));
     return command ? synopsisOf(shared->commandName, syntaxFor(*command)) : std::string();
   };
   auto& commands = cmd::currentSession().commands();
@@ -198,7 +209,8 @@ MStatus MFnPlugin::registerContextCommand(const MString& commandName, MCreatorFu
 }
 
 MStatus MFnPlugin::registerContextCommand(const MString& commandName, MCreatorFunction creator,
-                                          const MString& toolCommandName, MCreatorFunction toolCreator,
+                                          const MString& toolCommandName,
+                                          MCreatorFunction toolCreator,
                                           MCreateSyntaxFunction toolSyntax) {
   if (!toolCreator) return MStatus::kInvalidParameter;
   api::ContextClass contextClass;
@@ -217,10 +229,12 @@ MStatus MFnPlugin::registerContextCommand(const MString& commandName, MCreatorFu
 
 MStatus MFnPlugin::deregisterContextCommand(const MString& commandName) {
   api::PluginRecord* record = api::recordOf(object_);
-  return record && record->remove(Kind::Context, commandName.asChar()) ? MStatus::kSuccess : MStatus::kFailure;
+  return record && record->remove(Kind::Context, commandName.asChar()) ? MStatus::kSuccess
+                                                                       : MStatus::kFailure;
 }
 
-MStatus MFnPlugin::deregisterContextCommand(const MString& commandName, const MString& toolCommandName) {
+MStatus MFnPlugin::deregisterContextCommand(const MString& commandName,
+                                            const MString& toolCommandName) {
   const MStatus context = deregisterContextCommand(commandName);
   const MStatus tool = deregisterCommand(toolCommandName);
   return context != MStatus::kSuccess ? context : tool;

@@ -29,7 +29,8 @@ MStatus registerType(PluginRecord* record, api::NodeClass nodeClass, const MType
   if (!record) return MStatus::kInvalidParameter;
   const std::string name = nodeClass.name;
   const auto added = api::addNodeClass(std::move(nodeClass), typeId.id(),
-                                       classification ? classification->asChar() : "", record->info.name, initialize);
+                                       classification ? classification->asChar() : "",
+                                       record->info.name, initialize);
   if (!added) return refuse(added.error().message);
   record->info.nodeTypes.push_back(name);
   record->add(Kind::Node, name, [record, name] {
@@ -50,10 +51,11 @@ std::string quoted(const MString& text) {
 
 }  // namespace
 
-MStatus MFnPlugin::registerNode(const MString& typeName, const MTypeId& typeId, MCreatorFunction creator,
-                                MInitializeFunction initialize, MPxNode::Type type, const MString* classification) {
-  return registerType(recordOf(object_), {api::toStd(typeName), creator, type, nullptr, {}}, typeId, initialize,
-                      classification);
+MStatus MFnPlugin::registerNode(const MString& typeName, const MTypeId& typeId,
+                                MCreatorFunction creator, MInitializeFunction initialize,
+                                MPxNode::Type type, const MString* classification) {
+  return registerType(recordOf(object_), {api::toStd(typeName), creator, type, nullptr, {}}, typeId,
+                      initialize, classification);
 }
 
 MStatus MFnPlugin::deregisterNode(const MTypeId& typeId) {
@@ -63,30 +65,35 @@ MStatus MFnPlugin::deregisterNode(const MTypeId& typeId) {
   const std::string name = type->name;
   for (const dg::NodePtr& node : api::document().graph().nodes())
     if (node->type().isA(name))
-      return refuse(fmt::format("Node type '{}' can't be removed: '{}' is in the scene.", name, node->name()));
+      return refuse(fmt::format("Node type '{}' can't be removed: '{}' is in the scene.", name,
+                                node->name()));
   return record->remove(Kind::Node, name) ? MStatus::kSuccess : MStatus::kFailure;
 }
 
-MStatus MFnPlugin::registerShape(const MString& typeName, const MTypeId&, MCreatorFunction, MInitializeFunction,
-                                 MCreatorFunction, const MString*) {
-  return refuse(fmt::format("Node type '{}': plug-ins can't add shapes with components of their own here; a locator "
-                            "node draws itself.",
-                            typeName.asChar()));
+MStatus MFnPlugin::registerShape(const MString& typeName, const MTypeId&, MCreatorFunction,
+                                 MInitializeFunction, MCreatorFunction, const MString*) {
+  return refuse(fmt::format(
+      "Node type '{}': plug-ins can't add shapes with components of their own here; a locator "
+      "node draws itself.",
+      typeName.asChar()));
 }
 
-MStatus MFnPlugin::registerTransform(const MString& typeName, const MTypeId& typeId, MCreatorFunction creator,
-                                     MInitializeFunction initialize, MCreatorFunction matrixCreator, const MTypeId&,
+MStatus MFnPlugin::registerTransform(const MString& typeName, const MTypeId& typeId,
+                                     MCreatorFunction creator, MInitializeFunction initialize,
+                                     MCreatorFunction matrixCreator, const MTypeId&,
                                      const MString* classification) {
   if (matrixCreator)
-    return refuse(fmt::format("Node type '{}': transforms with a matrix class of their own can't be added here; "
-                              "give no matrix creator to have the built-in one.",
-                              typeName.asChar()));
-  return registerType(recordOf(object_), {api::toStd(typeName), creator, MPxNode::kTransformNode, nullptr, {}}, typeId,
+    return refuse(fmt::format(
+        "Node type '{}': transforms with a matrix class of their own can't be added here; "
+        "give no matrix creator to have the built-in one.",
+        typeName.asChar()));
+  return registerType(recordOf(object_),
+                      {api::toStd(typeName), creator, MPxNode::kTransformNode, nullptr, {}}, typeId,
                       initialize, classification);
 }
 
-MStatus MFnPlugin::registerData(const MString& typeName, const MTypeId& typeId, MCreatorFunction creator,
-                                MPxData::Type) {
+MStatus MFnPlugin::registerData(const MString& typeName, const MTypeId& typeId,
+                                MCreatorFunction creator, MPxData::Type) {
   PluginRecord* record = recordOf(object_);
   if (!record || !creator) return MStatus::kInvalidParameter;
   const unsigned int id = typeId.id();
@@ -103,16 +110,19 @@ MStatus MFnPlugin::deregisterData(const MTypeId& typeId) {
   PluginRecord* record = recordOf(object_);
   const api::PluginDataType* type = api::findPluginDataType(typeId.id());
   if (!record || !type) return MStatus::kInvalidParameter;
-  return record->remove(Kind::Data, std::string(type->name)) ? MStatus::kSuccess : MStatus::kFailure;
+  return record->remove(Kind::Data, std::string(type->name)) ? MStatus::kSuccess
+                                                             : MStatus::kFailure;
 }
 
-MStringArray MFnPlugin::addMenuItem(const MString& menuItemName, const MString& parentName, const MString& commandName,
-                                    const MString& commandParams, bool needOptionBox, const MString* optBoxFunction,
+MStringArray MFnPlugin::addMenuItem(const MString& menuItemName, const MString& parentName,
+                                    const MString& commandName, const MString& commandParams,
+                                    bool needOptionBox, const MString* optBoxFunction,
                                     MStatus* status) {
   MStringArray names;
   const std::string command = api::toStd(commandName) + " " + api::toStd(commandParams);
   const auto add = [&](const std::string& flags, const MString& script) {
-    const std::string line = "menuItem -parent " + quoted(parentName) + flags + " -command " + quoted(script);
+    const std::string line =
+        "menuItem -parent " + quoted(parentName) + flags + " -command " + quoted(script);
     const auto made = cmd::currentSession().executeLine(line, {.undo = false});
     if (made && !made->toTexts().empty()) names.append(api::toMString(made->toTexts().front()));
     return static_cast<bool>(made);

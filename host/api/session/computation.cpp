@@ -11,7 +11,9 @@ void MComputation::beginComputation(bool, bool, bool) {
   max_ = 100;
 }
 void MComputation::endComputation() {}
-bool MComputation::isInterruptRequested() { return false; }
+bool MComputation::isInterruptRequested() {
+  return false;
+}
 void MComputation::setProgress(int) {}
 void MComputation::setProgressRange(int min, int max) {
   min_ = min;

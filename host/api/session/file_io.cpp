@@ -1,6 +1,5 @@
-#include <maya/MFileIO.h>
-
 #include <fmt/format.h>
+#include <maya/MFileIO.h>
 
 #include "host/api/core/access.h"
 #include "host/builtins/file/scene_hooks.h"
@@ -12,7 +11,9 @@ using namespace host;
 
 using Work = builtins::SceneHooks::Work;
 
-Work work() { return cmd::currentSession().service<builtins::SceneHooks>().work; }
+Work work() {
+  return cmd::currentSession().service<builtins::SceneHooks>().work;
+}
 
 std::string quoted(const MString& text) {
   std::string result = "\"";
@@ -26,8 +27,8 @@ std::string quoted(const MString& text) {
 /// Files are read and written by the `file` command, which knows the formats.
 MStatus runFile(const std::string& flags, const MString& name, const char* type) {
   const std::string typeFlag = type ? " -type " + quoted(type) : std::string();
-  const auto done = cmd::currentSession().executeLine("file " + flags + typeFlag +
-                                                      (name.length() > 0 ? " " + quoted(name) : std::string()));
+  const auto done = cmd::currentSession().executeLine(
+      "file " + flags + typeFlag + (name.length() > 0 ? " " + quoted(name) : std::string()));
   return api::toStatus(done);
 }
 
@@ -41,14 +42,19 @@ MStatus MFileIO::setCurrentFile(const MString& fileName) {
   return runFile("-rename " + quoted(fileName), "", nullptr);
 }
 MString MFileIO::fileType() {
-  const auto type = cmd::currentSession().executeLine("file -q -type", {.undo = false, .postErrors = false});
+  const auto type =
+      cmd::currentSession().executeLine("file -q -type", {.undo = false, .postErrors = false});
   return type && !type->toTexts().empty() ? api::toMString(type->toTexts().front()) : MString();
 }
-MStatus MFileIO::newFile(bool force) { return runFile(force ? "-new -force" : "-new", "", nullptr); }
+MStatus MFileIO::newFile(bool force) {
+  return runFile(force ? "-new -force" : "-new", "", nullptr);
+}
 MStatus MFileIO::open(const MString& fileName, const char* type, bool force) {
   return runFile(force ? "-open -force" : "-open", fileName, type);
 }
-MStatus MFileIO::save(bool force) { return runFile(force ? "-save -force" : "-save", "", nullptr); }
+MStatus MFileIO::save(bool force) {
+  return runFile(force ? "-save -force" : "-save", "", nullptr);
+}
 MStatus MFileIO::saveAs(const MString& fileName, const char* type, bool force) {
   const MString before = api::toMString(api::document().fileName());
   MStatus status = setCurrentFile(fileName);
@@ -57,7 +63,8 @@ MStatus MFileIO::saveAs(const MString& fileName, const char* type, bool force) {
   if (!status) api::document().setFileName(api::toStd(before));
   return status;
 }
-MStatus MFileIO::importFile(const MString& fileName, const char* type, bool, const char* nameSpace) {
+MStatus MFileIO::importFile(const MString& fileName, const char* type, bool,
+                            const char* nameSpace) {
   const std::string space = nameSpace ? " -namespace " + quoted(nameSpace) : std::string();
   return runFile("-import" + space, fileName, type);
 }
@@ -67,7 +74,15 @@ MStatus MFileIO::exportSelected(const MString& fileName, const char* type, bool)
 MStatus MFileIO::exportAll(const MString& fileName, const char* type, bool) {
   return runFile("-exportAll -force", fileName, type);
 }
-bool MFileIO::isReadingFile() { return work() == Work::Importing || work() == Work::Opening; }
-bool MFileIO::isWritingFile() { return work() == Work::Writing; }
-bool MFileIO::isOpeningFile() { return work() == Work::Opening; }
-bool MFileIO::isNewingFile() { return work() == Work::NewScene; }
+bool MFileIO::isReadingFile() {
+  return work() == Work::Importing || work() == Work::Opening;
+}
+bool MFileIO::isWritingFile() {
+  return work() == Work::Writing;
+}
+bool MFileIO::isOpeningFile() {
+  return work() == Work::Opening;
+}
+bool MFileIO::isNewingFile() {
+  return work() == Work::NewScene;
+}

@@ -6,7 +6,8 @@
 
 namespace host::api {
 
-/// A complete host without its window: built-in nodes and commands, a new scene, and the loader for plug-ins.
+/// A complete host without its window: built-in nodes and commands, a new scene, and the loader for
+/// plug-ins.
 [[nodiscard]] std::unique_ptr<cmd::Session> makeHostSession();
 
 }  // namespace host::api

@@ -14,7 +14,9 @@ struct Playback {
   MTime start{1.0, MTime::kFilm}, end{24.0, MTime::kFilm};
   MTime first{1.0, MTime::kFilm}, last{48.0, MTime::kFilm};
 };
-Playback& playback() { return cmd::currentSession().service<Playback>(); }
+Playback& playback() {
+  return cmd::currentSession().service<Playback>();
+}
 
 dg::Plug timePlug() {
   const auto plug = document().plug("time1.outTime");
@@ -27,7 +29,9 @@ struct Progress {
   std::string title, status;
   int minimum = 0, maximum = 100, value = 0;
 };
-Progress& progressState() { return cmd::currentSession().service<Progress>(); }
+Progress& progressState() {
+  return cmd::currentSession().service<Progress>();
+}
 
 /// Only the job that has the display may change it.
 template <class Change>
@@ -35,7 +39,8 @@ MStatus changeProgress(const Change& change) {
   Progress& progress = progressState();
   if (!progress.isReserved) return MStatus::kFailure;
   change(progress);
-  progress.value = std::clamp(progress.value, progress.minimum, std::max(progress.minimum, progress.maximum));
+  progress.value =
+      std::clamp(progress.value, progress.minimum, std::max(progress.minimum, progress.maximum));
   return MStatus::kSuccess;
 }
 
@@ -64,18 +69,30 @@ MStatus MAnimControl::setCurrentTime(const MTime& time) {
   if (status) cmd::currentSession().scriptJobs().triggerEvent("timeChanged");
   return status;
 }
-MTime MAnimControl::minTime() { return playback().start; }
-MTime MAnimControl::maxTime() { return playback().end; }
-MStatus MAnimControl::setMinTime(const MTime& time) { return setMinMaxTime(time, std::max(time, maxTime())); }
-MStatus MAnimControl::setMaxTime(const MTime& time) { return setMinMaxTime(std::min(time, minTime()), time); }
+MTime MAnimControl::minTime() {
+  return playback().start;
+}
+MTime MAnimControl::maxTime() {
+  return playback().end;
+}
+MStatus MAnimControl::setMinTime(const MTime& time) {
+  return setMinMaxTime(time, std::max(time, maxTime()));
+}
+MStatus MAnimControl::setMaxTime(const MTime& time) {
+  return setMinMaxTime(std::min(time, minTime()), time);
+}
 MStatus MAnimControl::setMinMaxTime(const MTime& minTime, const MTime& maxTime) {
   if (maxTime < minTime) return MStatus::kInvalidParameter;
   playback().start = minTime;
   playback().end = maxTime;
   return MStatus::kSuccess;
 }
-MTime MAnimControl::animationStartTime() { return playback().first; }
-MTime MAnimControl::animationEndTime() { return playback().last; }
+MTime MAnimControl::animationStartTime() {
+  return playback().first;
+}
+MTime MAnimControl::animationEndTime() {
+  return playback().last;
+}
 MStatus MAnimControl::setAnimationStartTime(const MTime& time) {
   playback().first = time;
   return MStatus::kSuccess;
@@ -84,7 +101,9 @@ MStatus MAnimControl::setAnimationEndTime(const MTime& time) {
   playback().last = time;
   return MStatus::kSuccess;
 }
-bool MAnimControl::isPlaying() { return false; }
+bool MAnimControl::isPlaying() {
+  return false;
+}
 
 bool MProgressWindow::reserve() {
   if (progressState().isReserved) return false;
@@ -119,8 +138,12 @@ MStatus MProgressWindow::setProgressRange(int min, int max) {
     progress.maximum = max;
   });
 }
-MStatus MProgressWindow::setProgressMin(int min) { return setProgressRange(min, std::max(min, progressMax())); }
-MStatus MProgressWindow::setProgressMax(int max) { return setProgressRange(std::min(progressMin(), max), max); }
+MStatus MProgressWindow::setProgressMin(int min) {
+  return setProgressRange(min, std::max(min, progressMax()));
+}
+MStatus MProgressWindow::setProgressMax(int max) {
+  return setProgressRange(std::min(progressMin(), max), max);
+}
 int MProgressWindow::progressMin(MStatus* status) {
   return api::progressFor(status).minimum;
 }
@@ -130,7 +153,9 @@ int MProgressWindow::progressMax(MStatus* status) {
 MStatus MProgressWindow::setProgress(int value) {
   return changeProgress([&](auto& progress) { progress.value = value; });
 }
-MStatus MProgressWindow::advanceProgress(int amount) { return setProgress(progress() + amount); }
+MStatus MProgressWindow::advanceProgress(int amount) {
+  return setProgress(progress() + amount);
+}
 int MProgressWindow::progress(MStatus* status) {
   return api::progressFor(status).value;
 }
@@ -140,4 +165,6 @@ MStatus MProgressWindow::setInterruptable(bool interruptable) {
 bool MProgressWindow::isInterruptable(MStatus* status) {
   return api::progressFor(status).isInterruptable;
 }
-bool MProgressWindow::isCancelled() { return false; }
+bool MProgressWindow::isCancelled() {
+  return false;
+}

@@ -17,7 +17,8 @@ void fenced(const std::string& tool, const Function& call) {
   try {
     call();
   } catch (const std::exception& exception) {
-    postMessage(MessageKind::Error, fmt::format("The tool '{}' threw an exception: {}", tool, exception.what()));
+    postMessage(MessageKind::Error,
+                fmt::format("The tool '{}' threw an exception: {}", tool, exception.what()));
   } catch (...) {
     postMessage(MessageKind::Error, fmt::format("The tool '{}' threw an exception", tool));
   }
@@ -42,7 +43,9 @@ struct DrawScope {
 
 }  // namespace
 
-ContextRep& contextRep(MPxContext& context) { return Access::writable<ContextRep>(context); }
+ContextRep& contextRep(MPxContext& context) {
+  return Access::writable<ContextRep>(context);
+}
 
 const ContextRep& contextRep(const MPxContext& context) {
   static const ContextRep empty;
@@ -50,9 +53,12 @@ const ContextRep& contextRep(const MPxContext& context) {
   return rep ? *rep : empty;
 }
 
-MEvent toMEvent(const tools::InputEvent& event) { return Access::make<MEvent>(new EventRep(event)); }
+MEvent toMEvent(const tools::InputEvent& event) {
+  return Access::make<MEvent>(new EventRep(event));
+}
 
-ContextAdapter::ContextAdapter(std::unique_ptr<MPxContextCommand> command, std::unique_ptr<MPxContext> context,
+ContextAdapter::ContextAdapter(std::unique_ptr<MPxContextCommand> command,
+                               std::unique_ptr<MPxContext> context,
                                std::shared_ptr<const ContextClass> contextClass)
     : ToolContext(contextClass->commandName),
       command_(std::move(command)),
@@ -99,22 +105,42 @@ void ContextAdapter::deliver(Call call, const tools::InputEvent& event) {
     MEvent given = toMEvent(event);
     DrawScope scope(event.panel, drawn);
     switch (call) {
-      case Call::Press: (void)context_->doPress(given, scope.manager, scope.frame); break;
-      case Call::Drag: (void)context_->doDrag(given, scope.manager, scope.frame); break;
-      case Call::Release: (void)context_->doRelease(given, scope.manager, scope.frame); break;
-      case Call::Hold: (void)context_->doHold(given, scope.manager, scope.frame); break;
-      case Call::Moved: (void)context_->doPtrMoved(given, scope.manager, scope.frame); break;
+      case Call::Press:
+        (void)context_->doPress(given, scope.manager, scope.frame);
+        break;
+      case Call::Drag:
+        (void)context_->doDrag(given, scope.manager, scope.frame);
+        break;
+      case Call::Release:
+        (void)context_->doRelease(given, scope.manager, scope.frame);
+        break;
+      case Call::Hold:
+        (void)context_->doHold(given, scope.manager, scope.frame);
+        break;
+      case Call::Moved:
+        (void)context_->doPtrMoved(given, scope.manager, scope.frame);
+        break;
     }
   });
   feedback_ = std::move(drawn);
   feedbackPanel_ = event.panel;
 }
 
-void ContextAdapter::press(const tools::InputEvent& event) { deliver(Call::Press, event); }
-void ContextAdapter::drag(const tools::InputEvent& event) { deliver(Call::Drag, event); }
-void ContextAdapter::release(const tools::InputEvent& event) { deliver(Call::Release, event); }
-void ContextAdapter::hold(const tools::InputEvent& event) { deliver(Call::Hold, event); }
-void ContextAdapter::moved(const tools::InputEvent& event) { deliver(Call::Moved, event); }
+void ContextAdapter::press(const tools::InputEvent& event) {
+  deliver(Call::Press, event);
+}
+void ContextAdapter::drag(const tools::InputEvent& event) {
+  deliver(Call::Drag, event);
+}
+void ContextAdapter::release(const tools::InputEvent& event) {
+  deliver(Call::Release, event);
+}
+void ContextAdapter::hold(const tools::InputEvent& event) {
+  deliver(Call::Hold, event);
+}
+void ContextAdapter::moved(const tools::InputEvent& event) {
+  deliver(Call::Moved, event);
+}
 
 void ContextAdapter::entered(const tools::InputEvent& event) {
   contextRep(*context_).panel = event.panel;

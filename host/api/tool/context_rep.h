@@ -36,7 +36,8 @@ struct ContextRep final : SharedRep {
   std::string panel;
 };
 
-/// What the host keeps with a plug-in's context command object; there is one for each context that it made.
+/// What the host keeps with a plug-in's context command object; there is one for each context that
+/// it made.
 struct ContextCommandRep final : SharedRep {
   MSyntax syntax;
   MArgList words;

@@ -12,25 +12,40 @@ using api::setStatus;
 MPxContext::MPxContext() = default;
 MPxContext::~MPxContext() = default;
 
-MStatus MPxContext::doPress(MEvent&) { return MStatus::kSuccess; }
-MStatus MPxContext::doRelease(MEvent&) { return MStatus::kSuccess; }
-MStatus MPxContext::doDrag(MEvent&) { return MStatus::kSuccess; }
-MStatus MPxContext::doHold(MEvent&) { return MStatus::kSuccess; }
-MStatus MPxContext::doEnterRegion(MEvent&) { return MStatus::kSuccess; }
+MStatus MPxContext::doPress(MEvent&) {
+  return MStatus::kSuccess;
+}
+MStatus MPxContext::doRelease(MEvent&) {
+  return MStatus::kSuccess;
+}
+MStatus MPxContext::doDrag(MEvent&) {
+  return MStatus::kSuccess;
+}
+MStatus MPxContext::doHold(MEvent&) {
+  return MStatus::kSuccess;
+}
+MStatus MPxContext::doEnterRegion(MEvent&) {
+  return MStatus::kSuccess;
+}
 
-MStatus MPxContext::doPress(MEvent& event, MHWRender::MUIDrawManager&, const MHWRender::MFrameContext&) {
+MStatus MPxContext::doPress(MEvent& event, MHWRender::MUIDrawManager&,
+                            const MHWRender::MFrameContext&) {
   return doPress(event);
 }
-MStatus MPxContext::doRelease(MEvent& event, MHWRender::MUIDrawManager&, const MHWRender::MFrameContext&) {
+MStatus MPxContext::doRelease(MEvent& event, MHWRender::MUIDrawManager&,
+                              const MHWRender::MFrameContext&) {
   return doRelease(event);
 }
-MStatus MPxContext::doDrag(MEvent& event, MHWRender::MUIDrawManager&, const MHWRender::MFrameContext&) {
+MStatus MPxContext::doDrag(MEvent& event, MHWRender::MUIDrawManager&,
+                           const MHWRender::MFrameContext&) {
   return doDrag(event);
 }
-MStatus MPxContext::doHold(MEvent& event, MHWRender::MUIDrawManager&, const MHWRender::MFrameContext&) {
+MStatus MPxContext::doHold(MEvent& event, MHWRender::MUIDrawManager&,
+                           const MHWRender::MFrameContext&) {
   return doHold(event);
 }
-MStatus MPxContext::doPtrMoved(MEvent&, MHWRender::MUIDrawManager&, const MHWRender::MFrameContext&) {
+MStatus MPxContext::doPtrMoved(MEvent&, MHWRender::MUIDrawManager&,
+                               const MHWRender::MFrameContext&) {
   return MStatus::kSuccess;
 }
 MStatus MPxContext::drawFeedback(MHWRender::MUIDrawManager&, const MHWRender::MFrameContext&) {
@@ -39,19 +54,33 @@ MStatus MPxContext::drawFeedback(MHWRender::MUIDrawManager&, const MHWRender::MF
 
 void MPxContext::toolOnSetup(MEvent&) {}
 void MPxContext::toolOffCleanup() {}
-MStatus MPxContext::helpStateHasChanged(MEvent&) { return MStatus::kSuccess; }
+MStatus MPxContext::helpStateHasChanged(MEvent&) {
+  return MStatus::kSuccess;
+}
 void MPxContext::deleteAction() {}
 void MPxContext::completeAction() {}
 void MPxContext::abortAction() {}
-MStatus MPxContext::addManipulator(const MObject&) { return MStatus::kFailure; }
-MStatus MPxContext::deleteManipulators() { return MStatus::kSuccess; }
-bool MPxContext::processNumericalInput(const MDoubleArray&, const MIntArray&, bool) { return false; }
-bool MPxContext::feedbackNumericalInput() const { return false; }
-MSyntax::MArgType MPxContext::argTypeNumericalInput(unsigned int) const { return MSyntax::kInvalidArgType; }
+MStatus MPxContext::addManipulator(const MObject&) {
+  return MStatus::kFailure;
+}
+MStatus MPxContext::deleteManipulators() {
+  return MStatus::kSuccess;
+}
+bool MPxContext::processNumericalInput(const MDoubleArray&, const MIntArray&, bool) {
+  return false;
+}
+bool MPxContext::feedbackNumericalInput() const {
+  return false;
+}
+MSyntax::MArgType MPxContext::argTypeNumericalInput(unsigned int) const {
+  return MSyntax::kInvalidArgType;
+}
 bool MPxContext::ignoreEntry(const MIntArray& flags, unsigned int index) {
   return index < flags.length() && flags[index] != 0;
 }
-void MPxContext::stringClassName(MString& name) const { getClassName(name); }
+void MPxContext::stringClassName(MString& name) const {
+  getClassName(name);
+}
 void MPxContext::getClassName(MString& name) const {
   const auto& contextClass = contextRep(*this).contextClass;
   name = contextClass ? api::toMString(contextClass->commandName) : MString();
@@ -69,12 +98,17 @@ MStatus MPxContext::setHelpString(const MString& text) {
   if (rep.tool) rep.tool->help = rep.help;
   return MStatus::kSuccess;
 }
-MString MPxContext::titleString() const { return api::toMString(contextRep(*this).title); }
-MString MPxContext::helpString() const { return api::toMString(contextRep(*this).help); }
+MString MPxContext::titleString() const {
+  return api::toMString(contextRep(*this).title);
+}
+MString MPxContext::helpString() const {
+  return api::toMString(contextRep(*this).help);
+}
 
 MStatus MPxContext::setCursor(const MCursor& cursor) {
-  const MCursor* const known[] = {&MCursor::defaultCursor, &MCursor::crossHairCursor, &MCursor::doubleCrossHairCursor,
-                                  &MCursor::editCursor,    &MCursor::pencilCursor,    &MCursor::handCursor};
+  const MCursor* const known[] = {&MCursor::defaultCursor,         &MCursor::crossHairCursor,
+                                  &MCursor::doubleCrossHairCursor, &MCursor::editCursor,
+                                  &MCursor::pencilCursor,          &MCursor::handCursor};
   int id = 0;  // a bitmap of the plug-in's own shows as the default pointer
   for (int i = 0; i < 6; ++i)
     if (*known[i] == cursor) id = i;
@@ -112,7 +146,8 @@ MStatus MPxContext::dragMarquee(MEvent& event) {
   if (!rep.isMarqueeActive) return MStatus::kFailure;
   return event.getPosition(rep.lastX, rep.lastY);
 }
-MStatus MPxContext::releaseMarquee(MEvent& event, short& top, short& left, short& bottom, short& right) {
+MStatus MPxContext::releaseMarquee(MEvent& event, short& top, short& left, short& bottom,
+                                   short& right) {
   api::ContextRep& rep = contextRep(*this);
   if (!rep.isMarqueeActive) return MStatus::kFailure;
   rep.isMarqueeActive = false;
@@ -127,7 +162,8 @@ MStatus MPxContext::releaseMarquee(MEvent& event, short& top, short& left, short
 MPxToolCommand* MPxContext::newToolCommand() {
   const auto& contextClass = contextRep(*this).contextClass;
   if (!contextClass || !contextClass->toolCreator) return nullptr;
-  auto* command = static_cast<MPxToolCommand*>(static_cast<MPxCommand*>(contextClass->toolCreator()));
+  auto* command =
+      static_cast<MPxToolCommand*>(static_cast<MPxCommand*>(contextClass->toolCreator()));
   if (!command) return nullptr;
   auto& rep = api::Access::writable<api::CommandRep>(static_cast<MPxCommand&>(*command));
   rep.name = contextClass->toolCommandName;

@@ -22,15 +22,31 @@ MStatus assign(MPxContextCommand& command, mel::Value value) {
 MPxContextCommand::MPxContextCommand() = default;
 MPxContextCommand::~MPxContextCommand() = default;
 
-MStatus MPxContextCommand::doEditFlags() { return MStatus::kSuccess; }
-MStatus MPxContextCommand::doQueryFlags() { return MStatus::kSuccess; }
-MPxContext* MPxContextCommand::makeObj() { return nullptr; }
-MStatus MPxContextCommand::appendSyntax() { return MStatus::kSuccess; }
+MStatus MPxContextCommand::doEditFlags() {
+  return MStatus::kSuccess;
+}
+MStatus MPxContextCommand::doQueryFlags() {
+  return MStatus::kSuccess;
+}
+MPxContext* MPxContextCommand::makeObj() {
+  return nullptr;
+}
+MStatus MPxContextCommand::appendSyntax() {
+  return MStatus::kSuccess;
+}
 
-MStatus MPxContextCommand::setResult(bool result) { return assign(*this, mel::Value(result)); }
-MStatus MPxContextCommand::setResult(int result) { return assign(*this, mel::Value(result)); }
-MStatus MPxContextCommand::setResult(double result) { return assign(*this, mel::Value(result)); }
-MStatus MPxContextCommand::setResult(const MString& result) { return assign(*this, mel::Value(api::toStd(result))); }
+MStatus MPxContextCommand::setResult(bool result) {
+  return assign(*this, mel::Value(result));
+}
+MStatus MPxContextCommand::setResult(int result) {
+  return assign(*this, mel::Value(result));
+}
+MStatus MPxContextCommand::setResult(double result) {
+  return assign(*this, mel::Value(result));
+}
+MStatus MPxContextCommand::setResult(const MString& result) {
+  return assign(*this, mel::Value(api::toStd(result)));
+}
 MStatus MPxContextCommand::setResult(const MIntArray& result) {
   return assign(*this, mel::Value(mel::IntArray(result.begin(), result.end())));
 }

@@ -10,7 +10,8 @@
 using namespace host;
 using api::contextRep;
 
-// While nothing is selected the gesture selects, as the select tool does; afterwards it is the tool's own.
+// While nothing is selected the gesture selects, as the select tool does; afterwards it is the
+// tool's own.
 
 MPxSelectionContext::MPxSelectionContext() = default;
 MPxSelectionContext::~MPxSelectionContext() = default;
@@ -51,9 +52,15 @@ MStatus MPxSelectionContext::doRelease(MEvent& event) {
   return MStatus::kSuccess;
 }
 
-MStatus MPxSelectionContext::doHold(MEvent& event) { return MPxContext::doHold(event); }
-MStatus MPxSelectionContext::doEnterRegion(MEvent& event) { return MPxContext::doEnterRegion(event); }
-MStatus MPxSelectionContext::helpStateHasChanged(MEvent& event) { return MPxContext::helpStateHasChanged(event); }
+MStatus MPxSelectionContext::doHold(MEvent& event) {
+  return MPxContext::doHold(event);
+}
+MStatus MPxSelectionContext::doEnterRegion(MEvent& event) {
+  return MPxContext::doEnterRegion(event);
+}
+MStatus MPxSelectionContext::helpStateHasChanged(MEvent& event) {
+  return MPxContext::helpStateHasChanged(event);
+}
 void MPxSelectionContext::deleteAction() {}
 void MPxSelectionContext::completeAction() {}
 void MPxSelectionContext::abortAction() {
@@ -63,10 +70,16 @@ void MPxSelectionContext::abortAction() {
 void MPxSelectionContext::toolOnSetup(MEvent&) {
   contextRep(*this).isSelecting = api::document().selection().isEmpty();
 }
-void MPxSelectionContext::toolOffCleanup() { MPxSelectionContext::abortAction(); }
+void MPxSelectionContext::toolOffCleanup() {
+  MPxSelectionContext::abortAction();
+}
 
-MPxToolCommand* MPxSelectionContext::newToolCommand() { return MPxContext::newToolCommand(); }
-bool MPxSelectionContext::isSelecting() { return contextRep(*this).isSelecting; }
+MPxToolCommand* MPxSelectionContext::newToolCommand() {
+  return MPxContext::newToolCommand();
+}
+bool MPxSelectionContext::isSelecting() {
+  return contextRep(*this).isSelecting;
+}
 MStatus MPxSelectionContext::startPoint(short& x_pos, short& y_pos) {
   x_pos = contextRep(*this).startX;
   y_pos = contextRep(*this).startY;
@@ -77,8 +90,11 @@ MStatus MPxSelectionContext::lastDragPoint(short& x_pos, short& y_pos) {
   y_pos = contextRep(*this).lastY;
   return MStatus::kSuccess;
 }
-bool MPxSelectionContext::isMarqueeBoxActive() const { return contextRep(*this).isMarqueeActive; }
-// How the base class selects is fixed: what these would turn on is what it does, or a matter of the window.
+bool MPxSelectionContext::isMarqueeBoxActive() const {
+  return contextRep(*this).isMarqueeActive;
+}
+// How the base class selects is fixed: what these would turn on is what it does, or a matter of the
+// window.
 void MPxSelectionContext::setAllowPreSelectHilight() {}
 void MPxSelectionContext::setAllowDoubleClickAction() {}
 void MPxSelectionContext::setAllowPaintSelect() {}

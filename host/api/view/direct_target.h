@@ -5,8 +5,8 @@
 
 namespace host::api {
 
-/// Where plug-ins draw with OpenGL now: into the frame that is being drawn, in the space of the object whose turn it
-/// is; between frames onto the last picture, in world space.
+/// Where plug-ins draw with OpenGL now: into the frame that is being drawn, in the space of the
+/// object whose turn it is; between frames onto the last picture, in world space.
 class DirectTarget {
  public:
   /// For the time of one object's drawing.
@@ -18,7 +18,8 @@ class DirectTarget {
     Scope& operator=(const Scope&) = delete;
   };
 
-  /// Opens the section; calls nest. False when there is nothing to draw with; `end` must follow all the same.
+  /// Opens the section; calls nest. False when there is nothing to draw with; `end` must follow all
+  /// the same.
   bool begin();
   /// Closes it with the outermost call, and draws the texts.
   void end();

@@ -17,7 +17,8 @@ double number(dg::Node& node, std::string_view attribute, double otherwise) {
   const auto value = node.graph().get(plug);
   if (!value) return otherwise;
   if (const auto* real = std::get_if<double>(&*value)) return *real;
-  if (const auto* integer = std::get_if<std::int64_t>(&*value)) return static_cast<double>(*integer);
+  if (const auto* integer = std::get_if<std::int64_t>(&*value))
+    return static_cast<double>(*integer);
   return otherwise;
 }
 
@@ -59,8 +60,9 @@ DisplayStatus displayStatusOf(const scene::DagPath& path) {
   }
   const DisplayStatus selected = selectionStatus(path);
   if (isFaint)
-    return selected == MHWRender::kActive || selected == MHWRender::kLead ? MHWRender::kActiveTemplate
-                                                                          : MHWRender::kTemplate;
+    return selected == MHWRender::kActive || selected == MHWRender::kLead
+               ? MHWRender::kActiveTemplate
+               : MHWRender::kTemplate;
   for (const scene::SelectionItem& item : document().hilite().items())
     if (item.isDag() && item.path.toShape() == path.toShape()) return MHWRender::kHilite;
   return selected;
@@ -98,13 +100,19 @@ DisplayStatus MGeometryUtilities::displayStatus(const MDagPath& path, MStatus* s
 MColor MGeometryUtilities::wireframeColor(const MDagPath& path, MStatus* status) {
   const viewport::DisplayColors& colors = viewport::displayColors();
   switch (displayStatus(path, status)) {
-    case kLead: return api::toMColor(colors.wireLead);
-    case kActive: return api::toMColor(colors.wireSelected);
+    case kLead:
+      return api::toMColor(colors.wireLead);
+    case kActive:
+      return api::toMColor(colors.wireSelected);
     case kHilite:
-    case kActiveComponent: return api::toMColor(colors.wireHilitedOnly);
-    case kTemplate: return api::toMColor(colors.wireTemplate);
-    case kActiveTemplate: return api::toMColor(colors.vertexSelected);
-    default: break;
+    case kActiveComponent:
+      return api::toMColor(colors.wireHilitedOnly);
+    case kTemplate:
+      return api::toMColor(colors.wireTemplate);
+    case kActiveTemplate:
+      return api::toMColor(colors.vertexSelected);
+    default:
+      break;
   }
   const MColor* own = path.isValid() ? api::overrideColor(api::pathOf(path)) : nullptr;
   return own ? *own : api::toMColor(colors.wireOnly);

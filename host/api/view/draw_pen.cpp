@@ -11,12 +11,16 @@ using viewport::Primitive;
 
 viewport::Stipple stippleOf(const DrawRep& pen, Primitive primitive) {
   if (primitive == Primitive::Triangles)
-    return pen.paintStyle == Manager::kStippled ? viewport::Stipple::Checkerboard : viewport::Stipple::None;
+    return pen.paintStyle == Manager::kStippled ? viewport::Stipple::Checkerboard
+                                                : viewport::Stipple::None;
   switch (pen.lineStyle) {
-    case Manager::kSolid: return viewport::Stipple::None;
+    case Manager::kSolid:
+      return viewport::Stipple::None;
     case Manager::kShortDashed:
-    case Manager::kDashed: return viewport::Stipple::Dashed;
-    default: return viewport::Stipple::Dotted;
+    case Manager::kDashed:
+      return viewport::Stipple::Dashed;
+    default:
+      return viewport::Stipple::Dotted;
   }
 }
 
@@ -26,7 +30,9 @@ Pass passOf(const DrawRep& pen, Primitive primitive, bool isScreen) {
   return primitive == Primitive::Lines ? Pass::Wire : Pass::Dots;
 }
 
-bool isUsable(const math::Vec3& p) { return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z); }
+bool isUsable(const math::Vec3& p) {
+  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
 
 }  // namespace
 
@@ -43,7 +49,8 @@ void addShape(DrawRep& pen, Primitive primitive, const ShapePoints& points, bool
   data->positions.reserve(points.size());
   for (const math::Vec3& p : points) {
     if (!isUsable(p)) return;
-    data->positions.push_back({static_cast<float>(p.x), static_cast<float>(p.y), isScreen ? 0.0f : static_cast<float>(p.z)});
+    data->positions.push_back({static_cast<float>(p.x), static_cast<float>(p.y),
+                               isScreen ? 0.0f : static_cast<float>(p.z)});
   }
   data->normals = std::move(normals);
   data->colors = std::move(colors);
@@ -51,18 +58,21 @@ void addShape(DrawRep& pen, Primitive primitive, const ShapePoints& points, bool
   item.primitive = primitive;
   item.lit = primitive == Primitive::Triangles && !isScreen && pen.paintStyle == Manager::kShaded &&
              !data->normals.empty();
-  // Points and lines take normals for the side that they face, which is not what they were given for.
+  // Points and lines take normals for the side that they face, which is not what they were given
+  // for.
   if (primitive != Primitive::Triangles) data->normals.clear();
   item.color = data->colors.empty() ? pen.color : viewport::Rgba{1, 1, 1, 1};
   item.vertices = std::move(data);
   item.world = isScreen ? math::Matrix4() : pen.world;
   item.space = isScreen ? viewport::Space::Screen : viewport::Space::World;
   item.pass = passOf(pen, primitive, isScreen);
-  item.depthTest = isScreen || pen.isXray ? viewport::DepthTest::Always : viewport::DepthTest::Nearer;
+  item.depthTest =
+      isScreen || pen.isXray ? viewport::DepthTest::Always : viewport::DepthTest::Nearer;
   item.depthWrite = item.pass == Pass::Opaque;
   item.priority = pen.priority;
   item.width = primitive == Primitive::Points ? pen.pointSize : pen.lineWidth;
-  item.stipple = primitive == Primitive::Points ? viewport::Stipple::None : stippleOf(pen, primitive);
+  item.stipple =
+      primitive == Primitive::Points ? viewport::Stipple::None : stippleOf(pen, primitive);
   pen.list->items.push_back(std::move(item));
 }
 

@@ -79,9 +79,11 @@ using Kind = api::PluginRecord::Registration::Kind;
 
 namespace MHWRender {
 
-MStatus MDrawRegistry::registerDrawOverrideCreator(const MString& drawClassification, const MString& registrantId,
+MStatus MDrawRegistry::registerDrawOverrideCreator(const MString& drawClassification,
+                                                   const MString& registrantId,
                                                    DrawOverrideCreator creator) {
-  const std::string classification = api::toStd(drawClassification), registrant = api::toStd(registrantId);
+  const std::string classification = api::toStd(drawClassification),
+                    registrant = api::toStd(registrantId);
   if (!creator || classification.empty()) return MStatus::kInvalidParameter;
   if (!api::drawRegistry().add(classification, registrant, creator)) return MStatus::kFailure;
   if (api::PluginRecord* record = api::registeringPlugin())
@@ -90,10 +92,13 @@ MStatus MDrawRegistry::registerDrawOverrideCreator(const MString& drawClassifica
   return MStatus::kSuccess;
 }
 
-MStatus MDrawRegistry::deregisterDrawOverrideCreator(const MString& drawClassification, const MString& registrantId) {
-  const std::string classification = api::toStd(drawClassification), registrant = api::toStd(registrantId);
+MStatus MDrawRegistry::deregisterDrawOverrideCreator(const MString& drawClassification,
+                                                     const MString& registrantId) {
+  const std::string classification = api::toStd(drawClassification),
+                    registrant = api::toStd(registrantId);
   api::PluginRecord* record = api::registeringPlugin();
-  const bool wasRecorded = record && record->remove(Kind::DrawOverride, classification + "|" + registrant);
+  const bool wasRecorded =
+      record && record->remove(Kind::DrawOverride, classification + "|" + registrant);
   const bool isDone = wasRecorded || api::drawRegistry().remove(classification, registrant);
   return isDone ? MStatus::kSuccess : MStatus::kFailure;
 }

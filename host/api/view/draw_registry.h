@@ -34,10 +34,12 @@ class DrawRegistry {
   /// False when the pair is registered already.
   bool add(std::string classification, std::string registrant, Creator creator);
   bool remove(std::string_view classification, std::string_view registrant);
-  /// The override for a node type's classification, which may list several, separated by ':'. An override registered
-  /// for a path such as `drawdb/geometry/a` also draws what lies below it; the longest that fits wins.
+  /// The override for a node type's classification, which may list several, separated by ':'. An
+  /// override registered for a path such as `drawdb/geometry/a` also draws what lies below it; the
+  /// longest that fits wins.
   [[nodiscard]] Entry* find(std::string_view nodeClassification);
-  /// The override of a node, made on first use; null when none is registered for it or its creator made none.
+  /// The override of a node, made on first use; null when none is registered for it or its creator
+  /// made none.
   [[nodiscard]] Live* liveOf(dg::Node& node);
   /// Lets go of the overrides of nodes that are no longer in the scene.
   void dropDead();

@@ -16,18 +16,24 @@ FrameRep* frameOf(const MHWRender::MFrameContext& context, MStatus* status = nul
   return rep;
 }
 
-/// The product that a matrix type names, before it is transposed or inverted: world, view, projection and the
-/// products in that order, four types each.
+/// The product that a matrix type names, before it is transposed or inverted: world, view,
+/// projection and the products in that order, four types each.
 math::Matrix4 baseMatrix(const FrameRep& frame, int product) {
   const math::Matrix4& view = frame.projection.view();
   const math::Matrix4& projection = frame.projection.projection();
   switch (product) {
-    case 0: return frame.world;
-    case 1: return view;
-    case 2: return projection;
-    case 3: return view * projection;
-    case 4: return frame.world * view;
-    default: return frame.world * view * projection;
+    case 0:
+      return frame.world;
+    case 1:
+      return view;
+    case 2:
+      return projection;
+    case 3:
+      return view * projection;
+    case 4:
+      return frame.world * view;
+    default:
+      return frame.world * view * projection;
   }
 }
 
@@ -66,16 +72,28 @@ MDoubleArray MFrameContext::getTuple(TupleType type, MStatus* status) const {
     for (const double value : {v.x, v.y, v.z, w}) tuple.append(value);
   };
   switch (type) {
-    case kViewPosition: add(camera.eye(), 1); break;
-    case kViewDirection: add(camera.viewDirection(), 0); break;
-    case kViewUp: add(camera.up(), 0); break;
-    case kViewRight: add(camera.right(), 0); break;
+    case kViewPosition:
+      add(camera.eye(), 1);
+      break;
+    case kViewDirection:
+      add(camera.viewDirection(), 0);
+      break;
+    case kViewUp:
+      add(camera.up(), 0);
+      break;
+    case kViewRight:
+      add(camera.right(), 0);
+      break;
     case kViewportPixelSize:
       tuple.append(frame->projection.port().width);
       tuple.append(frame->projection.port().height);
       break;
-    case kViewNearClipValue: tuple.append(camera.nearClip); break;
-    case kViewFarClipValue: tuple.append(camera.farClip); break;
+    case kViewNearClipValue:
+      tuple.append(camera.nearClip);
+      break;
+    case kViewFarClipValue:
+      tuple.append(camera.farClip);
+      break;
   }
   return tuple;
 }
@@ -85,7 +103,8 @@ MDagPath MFrameContext::getCurrentCameraPath(MStatus* status) const {
   return frame ? api::wrap(frame->camera) : MDagPath();
 }
 
-MStatus MFrameContext::getViewportDimensions(int& originX, int& originY, int& width, int& height) const {
+MStatus MFrameContext::getViewportDimensions(int& originX, int& originY, int& width,
+                                             int& height) const {
   const FrameRep* frame = frameOf(*this);
   if (!frame) return MStatus::kFailure;
   originX = originY = 0;
@@ -106,7 +125,8 @@ unsigned int MFrameContext::getDisplayStyle() const {
   return style;
 }
 
-bool MFrameContext::worldToViewport(const MPoint& worldPoint, double& x, double& y, MStatus* status) const {
+bool MFrameContext::worldToViewport(const MPoint& worldPoint, double& x, double& y,
+                                    MStatus* status) const {
   const FrameRep* frame = frameOf(*this, status);
   if (!frame) return false;
   const viewport::ViewPosition at =
@@ -116,7 +136,8 @@ bool MFrameContext::worldToViewport(const MPoint& worldPoint, double& x, double&
   return !at.isClipped;
 }
 
-MStatus MFrameContext::viewportToWorld(double x, double y, MPoint& worldPoint, MVector& worldVector) const {
+MStatus MFrameContext::viewportToWorld(double x, double y, MPoint& worldPoint,
+                                       MVector& worldVector) const {
   const FrameRep* frame = frameOf(*this);
   if (!frame) return MStatus::kFailure;
   const viewport::ViewRay ray = frame->projection.viewToWorld({x, y});

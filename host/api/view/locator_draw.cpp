@@ -44,10 +44,11 @@ void fenced(const scene::DagPath& path, const Call& call) {
   try {
     call();
   } catch (const std::exception& exception) {
-    postMessage(MessageKind::Error,
-                fmt::format("Drawing '{}' threw an exception: {}", path.partialName(), exception.what()));
+    postMessage(MessageKind::Error, fmt::format("Drawing '{}' threw an exception: {}",
+                                                path.partialName(), exception.what()));
   } catch (...) {
-    postMessage(MessageKind::Error, fmt::format("Drawing '{}' threw an exception", path.partialName()));
+    postMessage(MessageKind::Error,
+                fmt::format("Drawing '{}' threw an exception", path.partialName()));
   }
 }
 
@@ -76,8 +77,9 @@ void prepare(DrawRegistry::Live& live, const scene::DagPath& path, const scene::
   pen->list = nullptr;
 }
 
-void drawByCallback(DrawRegistry::Live& live, const scene::DagPath& path, const scene::DagPath& camera,
-                    const viewport::SceneView& scene, viewport::Backend& backend) {
+void drawByCallback(DrawRegistry::Live& live, const scene::DagPath& path,
+                    const scene::DagPath& camera, const viewport::SceneView& scene,
+                    viewport::Backend& backend) {
   MPxDrawOverride& drawOverride = *live.drawOverride;
   std::unique_ptr<MUserData>& data = live.prepared[path.fullName()];
   if (const DrawCallback callback = callbackOf(drawOverride)) {
@@ -110,23 +112,24 @@ bool showsLocators(cmd::Session& session, const builtins::View& view) {
 void installLocatorDrawing(cmd::Session& session) {
   auto& views = session.service<builtins::Views>();
   cmd::Session* const owner = &session;
-  views.gatherers.push_back([owner](scene::Document& document, const builtins::View& view,
-                                    viewport::SceneView& scene) {
-    if (!(owner->service<ObjectDisplay>().of(view.panel) & M3dView::kDisplayMeshes)) scene.meshes.clear();
-    drawRegistry().dropDead();
-    const auto camera = builtins::cameraPath(document, view.cameraName);
-    if (!camera || !showsLocators(*owner, view)) return;
-    for (const scene::DagPath& path : LocatorWalk(document, view).found)
-      fenced(path, [&] {
-        if (DrawRegistry::Live* live = drawRegistry().liveOf(*path.node())) prepare(*live, path, *camera, scene);
+  views.gatherers.push_back(
+      [owner](scene::Document& document, const builtins::View& view, viewport::SceneView& scene) {
+        if (!(owner->service<ObjectDisplay>().of(view.panel) & M3dView::kDisplayMeshes))
+          scene.meshes.clear();
+        drawRegistry().dropDead();
+        const auto camera = builtins::cameraPath(document, view.cameraName);
+        if (!camera || !showsLocators(*owner, view)) return;
+        for (const scene::DagPath& path : LocatorWalk(document, view).found)
+          fenced(path, [&] {
+            if (DrawRegistry::Live* live = drawRegistry().liveOf(*path.node()))
+              prepare(*live, path, *camera, scene);
+          });
       });
-  });
   views.directs.push_back([owner](scene::Document& document, const builtins::View& view,
                                   const viewport::SceneView& scene, viewport::Backend& backend) {
     const auto camera = builtins::cameraPath(document, view.cameraName);
     if (!camera || !showsLocators(*owner, view)) return;
-    for (const scene::DagPath& path :
-         LocatorWalk(document, view).found) {
+    for (const scene::DagPath& path : LocatorWalk(document, view).found) {
       if (DrawRegistry::Live* live = drawRegistry().liveOf(*path.node()))
         drawByCallback(*live, path, *camera, scene, backend);
       else if (auto* locator = dynamic_cast<MPxLocatorNode*>(userNodeOf(*path.node())))

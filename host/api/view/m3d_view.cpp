@@ -11,11 +11,14 @@
 
 namespace host::api {
 
-M3dView wrap(const builtins::View& view) { return Access::make<M3dView>(new ViewRep(view.panel)); }
+M3dView wrap(const builtins::View& view) {
+  return Access::make<M3dView>(new ViewRep(view.panel));
+}
 
 builtins::View* viewOf(const M3dView& view, MStatus* status) {
   const auto* rep = Access::rep<ViewRep>(view);
-  builtins::View* found = rep ? cmd::currentSession().service<builtins::Views>().find(rep->panel) : nullptr;
+  builtins::View* found =
+      rep ? cmd::currentSession().service<builtins::Views>().find(rep->panel) : nullptr;
   setStatus(status, found ? MStatus::kSuccess : MStatus::kFailure);
   return found;
 }
@@ -24,7 +27,8 @@ std::optional<viewport::ViewProjection> projectionOf(const M3dView& view, MStatu
   const builtins::View* found = viewOf(view, status);
   if (!found) return std::nullopt;
   const auto path = builtins::cameraPath(document(), found->cameraName);
-  auto camera = path ? viewport::gatherCamera(*path) : Result<viewport::Camera>(failWith(path.error()));
+  auto camera =
+      path ? viewport::gatherCamera(*path) : Result<viewport::Camera>(failWith(path.error()));
   if (!camera) {
     setStatus(status, toStatus(camera).statusCode());
     return std::nullopt;
@@ -41,13 +45,17 @@ struct PendingRefresh {
 
 short toPixel(double value) {
   constexpr double kLimit = std::numeric_limits<short>::max();
-  return static_cast<short>(std::lround(std::clamp(std::isfinite(value) ? value : 0.0, -kLimit, kLimit)));
+  return static_cast<short>(
+      std::lround(std::clamp(std::isfinite(value) ? value : 0.0, -kLimit, kLimit)));
 }
 
-MPoint toPoint(const math::Vec3& v) { return {v.x, v.y, v.z}; }
+MPoint toPoint(const math::Vec3& v) {
+  return {v.x, v.y, v.z};
+}
 
 MStatus findPanel(const MString& name, M3dView& view) {
-  const builtins::View* found = cmd::currentSession().service<builtins::Views>().find(name.asChar());
+  const builtins::View* found =
+      cmd::currentSession().service<builtins::Views>().find(name.asChar());
   if (!found) return MStatus::kFailure;
   view = wrap(*found);
   return MStatus::kSuccess;
@@ -100,8 +108,12 @@ MNativeWindowHdl M3dView::applicationShell(MStatus* status) {
   setStatus(status, exists ? MStatus::kSuccess : MStatus::kFailure);
   return exists ? window->shell : nullptr;
 }
-MNativeWindowHdl M3dView::window(MStatus* status) const { return applicationShell(status); }
-bool M3dView::isVisible(MStatus* status) const { return viewOf(*this, status) != nullptr; }
+MNativeWindowHdl M3dView::window(MStatus* status) const {
+  return applicationShell(status);
+}
+bool M3dView::isVisible(MStatus* status) const {
+  return viewOf(*this, status) != nullptr;
+}
 
 int M3dView::portWidth(MStatus* status) const {
   const builtins::View* view = viewOf(*this, status);
@@ -111,7 +123,8 @@ int M3dView::portHeight(MStatus* status) const {
   const builtins::View* view = viewOf(*this, status);
   return view ? view->port.height : 0;
 }
-MStatus M3dView::viewport(unsigned int& x, unsigned int& y, unsigned int& width, unsigned int& height) const {
+MStatus M3dView::viewport(unsigned int& x, unsigned int& y, unsigned int& width,
+                          unsigned int& height) const {
   const builtins::View* view = viewOf(*this);
   if (!view) return MStatus::kFailure;
   x = y = 0;
@@ -140,47 +153,56 @@ MStatus M3dView::setCamera(const MDagPath& camera) {
   view->cameraName = name;
   return MStatus::kSuccess;
 }
-MStatus M3dView::updateViewingParameters() { return viewOf(*this) ? MStatus::kSuccess : MStatus::kFailure; }
+MStatus M3dView::updateViewingParameters() {
+  return viewOf(*this) ? MStatus::kSuccess : MStatus::kFailure;
+}
 
-MStatus M3dView::viewToWorld(short x_pos, short y_pos, MPoint& nearClipPt, MPoint& farClipPt) const {
+MStatus M3dView::viewToWorld(short x_pos, short y_pos, MPoint& nearClipPt,
+                             MPoint& farClipPt) const {
   MStatus status;
   const auto projection = projectionOf(*this, &status);
   if (!projection) return status;
-  const viewport::ViewRay ray = projection->viewToWorld({static_cast<double>(x_pos), static_cast<double>(y_pos)});
+  const viewport::ViewRay ray =
+      projection->viewToWorld({static_cast<double>(x_pos), static_cast<double>(y_pos)});
   nearClipPt = api::toPoint(ray.nearPoint);
   farClipPt = api::toPoint(ray.farPoint);
   return MStatus::kSuccess;
 }
-MStatus M3dView::viewToWorld(short x_pos, short y_pos, MPoint& worldPt, MVector& worldVector) const {
+MStatus M3dView::viewToWorld(short x_pos, short y_pos, MPoint& worldPt,
+                             MVector& worldVector) const {
   MPoint farPoint;
   const MStatus status = viewToWorld(x_pos, y_pos, worldPt, farPoint);
   if (status) worldVector = (farPoint - worldPt).normal();
   return status;
 }
-MStatus M3dView::viewToObjectSpace(short x_pos, short y_pos, const MMatrix& localMatrixInverse, MPoint& oPt,
-                                   MVector& oVector) const {
+MStatus M3dView::viewToObjectSpace(short x_pos, short y_pos, const MMatrix& localMatrixInverse,
+                                   MPoint& oPt, MVector& oVector) const {
   const MStatus status = viewToWorld(x_pos, y_pos, oPt, oVector);
   if (!status) return status;
   oPt *= localMatrixInverse;
   oVector *= localMatrixInverse;
   return status;
 }
-bool M3dView::worldToView(const MPoint& worldPt, short& x_pos, short& y_pos, MStatus* status) const {
+bool M3dView::worldToView(const MPoint& worldPt, short& x_pos, short& y_pos,
+                          MStatus* status) const {
   const auto projection = projectionOf(*this, status);
   if (!projection) return false;
-  const viewport::ViewPosition at = projection->worldToView(math::Vec3{worldPt.x, worldPt.y, worldPt.z});
+  const viewport::ViewPosition at =
+      projection->worldToView(math::Vec3{worldPt.x, worldPt.y, worldPt.z});
   x_pos = api::toPixel(at.x);
   y_pos = api::toPixel(at.y);
   return !at.isClipped;
 }
 MStatus M3dView::projectionMatrix(MMatrix& projectionMatrix) const {
   MStatus status;
-  if (const auto projection = projectionOf(*this, &status)) projectionMatrix = api::toMMatrix(projection->projection());
+  if (const auto projection = projectionOf(*this, &status))
+    projectionMatrix = api::toMMatrix(projection->projection());
   return status;
 }
 MStatus M3dView::modelViewMatrix(MMatrix& modelViewMatrix) const {
   MStatus status;
-  if (const auto projection = projectionOf(*this, &status)) modelViewMatrix = api::toMMatrix(projection->view());
+  if (const auto projection = projectionOf(*this, &status))
+    modelViewMatrix = api::toMMatrix(projection->view());
   return status;
 }
 
@@ -189,8 +211,12 @@ MStatus M3dView::refresh(bool, bool) {
   if (refreshViews) refreshViews();
   return MStatus::kSuccess;
 }
-MStatus M3dView::refresh(bool all, bool force, bool) { return refresh(all, force); }
-MStatus M3dView::scheduleRefresh() { return scheduleRefreshAllViews(); }
+MStatus M3dView::refresh(bool all, bool force, bool) {
+  return refresh(all, force);
+}
+MStatus M3dView::scheduleRefresh() {
+  return scheduleRefreshAllViews();
+}
 MStatus M3dView::scheduleRefreshAllViews() {
   api::scheduleViewRefresh();
   return MStatus::kSuccess;
@@ -205,7 +231,8 @@ MStatus M3dView::setDisplayStyle(DisplayStyle style, bool) {
   builtins::View* view = viewOf(*this);
   if (!view) return MStatus::kFailure;
   const bool isShaded = style == kFlatShaded || style == kGouraudShaded;
-  view->options.style = isShaded ? viewport::DisplayStyle::Shaded : viewport::DisplayStyle::Wireframe;
+  view->options.style =
+      isShaded ? viewport::DisplayStyle::Shaded : viewport::DisplayStyle::Wireframe;
   return MStatus::kSuccess;
 }
 bool M3dView::isShadeActiveOnly(MStatus* status) const {
@@ -238,7 +265,9 @@ M3dView::RendererName M3dView::getRendererName(MStatus* status) const {
   (void)viewOf(*this, status);
   return kViewport2Renderer;
 }
-bool M3dView::viewIsFiltered(MStatus* status) const { return viewSelected(status); }
+bool M3dView::viewIsFiltered(MStatus* status) const {
+  return viewSelected(status);
+}
 MStatus M3dView::setViewSelected(bool viewSelected) {
   const builtins::View* view = viewOf(*this);
   if (!view) return MStatus::kFailure;

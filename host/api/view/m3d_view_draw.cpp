@@ -46,31 +46,61 @@ viewport::Rgba& drawColor() {
 }
 
 void applyPort(const Port& port) {
-  viewport::setDirectViewport(static_cast<int>(port.x), static_cast<int>(port.y), static_cast<int>(port.width),
-                              static_cast<int>(port.height));
+  viewport::setDirectViewport(static_cast<int>(port.x), static_cast<int>(port.y),
+                              static_cast<int>(port.width), static_cast<int>(port.height));
 }
 
-MStatus naming(bool isAllowed) { return isAllowed ? MStatus::kSuccess : MStatus::kFailure; }
+MStatus naming(bool isAllowed) {
+  return isAllowed ? MStatus::kSuccess : MStatus::kFailure;
+}
 
 constexpr std::array<viewport::Rgba, 31> kColors = {{
-    {0, 0, 0, 1},          {0.25f, 0.25f, 0.25f, 1}, {0.6f, 0.6f, 0.6f, 1},   {0.61f, 0, 0.16f, 1},
-    {0, 0.02f, 0.38f, 1},  {0, 0, 1, 1},             {0, 0.28f, 0.1f, 1},     {0.15f, 0, 0.26f, 1},
-    {0.78f, 0, 0.78f, 1},  {0.54f, 0.28f, 0.2f, 1},  {0.25f, 0.14f, 0.12f, 1}, {0.6f, 0.15f, 0, 1},
-    {1, 0, 0, 1},          {0, 1, 0, 1},             {0, 0.25f, 0.6f, 1},     {1, 1, 1, 1},
-    {1, 1, 0, 1},          {0.39f, 0.86f, 1, 1},     {0.26f, 1, 0.64f, 1},    {1, 0.69f, 0.69f, 1},
-    {0.89f, 0.68f, 0.47f, 1}, {1, 1, 0.39f, 1},      {0, 0.6f, 0.33f, 1},     {0.63f, 0.41f, 0.19f, 1},
-    {0.62f, 0.63f, 0.19f, 1}, {0.41f, 0.63f, 0.19f, 1}, {0.19f, 0.63f, 0.36f, 1}, {0.19f, 0.63f, 0.63f, 1},
-    {0.19f, 0.4f, 0.63f, 1}, {0.43f, 0.19f, 0.63f, 1}, {0.63f, 0.19f, 0.41f, 1},
+    {0, 0, 0, 1},
+    {0.25f, 0.25f, 0.25f, 1},
+    {0.6f, 0.6f, 0.6f, 1},
+    {0.61f, 0, 0.16f, 1},
+    {0, 0.02f, 0.38f, 1},
+    {0, 0, 1, 1},
+    {0, 0.28f, 0.1f, 1},
+    {0.15f, 0, 0.26f, 1},
+    {0.78f, 0, 0.78f, 1},
+    {0.54f, 0.28f, 0.2f, 1},
+    {0.25f, 0.14f, 0.12f, 1},
+    {0.6f, 0.15f, 0, 1},
+    {1, 0, 0, 1},
+    {0, 1, 0, 1},
+    {0, 0.25f, 0.6f, 1},
+    {1, 1, 1, 1},
+    {1, 1, 0, 1},
+    {0.39f, 0.86f, 1, 1},
+    {0.26f, 1, 0.64f, 1},
+    {1, 0.69f, 0.69f, 1},
+    {0.89f, 0.68f, 0.47f, 1},
+    {1, 1, 0.39f, 1},
+    {0, 0.6f, 0.33f, 1},
+    {0.63f, 0.41f, 0.19f, 1},
+    {0.62f, 0.63f, 0.19f, 1},
+    {0.41f, 0.63f, 0.19f, 1},
+    {0.19f, 0.63f, 0.36f, 1},
+    {0.19f, 0.63f, 0.63f, 1},
+    {0.19f, 0.4f, 0.63f, 1},
+    {0.43f, 0.19f, 0.63f, 1},
+    {0.63f, 0.19f, 0.41f, 1},
 }};
 
 }  // namespace
 
-MColor indexedColor(unsigned int index) { return toMColor(kColors[index < kColors.size() ? index : 0]); }
-unsigned int indexedColorCount() { return static_cast<unsigned int>(kColors.size()); }
+MColor indexedColor(unsigned int index) {
+  return toMColor(kColors[index < kColors.size() ? index : 0]);
+}
+unsigned int indexedColorCount() {
+  return static_cast<unsigned int>(kColors.size());
+}
 
 }  // namespace host::api
 
-MStatus M3dView::pushViewport(unsigned int x, unsigned int y, unsigned int width, unsigned int height) {
+MStatus M3dView::pushViewport(unsigned int x, unsigned int y, unsigned int width,
+                              unsigned int height) {
   if (!viewOf(*this) || width == 0 || height == 0) return MStatus::kFailure;
   api::pushedPorts().push_back({x, y, width, height});
   if (directTarget().isOpen()) api::applyPort(api::pushedPorts().back());
@@ -82,7 +112,8 @@ MStatus M3dView::popViewport() {
   api::pushedPorts().pop_back();
   const api::Port whole{0, 0, static_cast<unsigned int>(view->port.width),
                         static_cast<unsigned int>(view->port.height)};
-  if (directTarget().isOpen()) api::applyPort(api::pushedPorts().empty() ? whole : api::pushedPorts().back());
+  if (directTarget().isOpen())
+    api::applyPort(api::pushedPorts().empty() ? whole : api::pushedPorts().back());
   return MStatus::kSuccess;
 }
 
@@ -101,13 +132,15 @@ MStatus M3dView::beginOverlayDrawing() {
   if (status) viewport::beginDirectOverlay();
   return status;
 }
-MStatus M3dView::endOverlayDrawing() { return endGL(); }
-MStatus M3dView::beginXorDrawing(bool wantStippling, bool wantDepthTest, float lineWidth, StippleStyle stippleStyle,
-                                 const MColor& lineColor) {
+MStatus M3dView::endOverlayDrawing() {
+  return endGL();
+}
+MStatus M3dView::beginXorDrawing(bool wantStippling, bool wantDepthTest, float lineWidth,
+                                 StippleStyle stippleStyle, const MColor& lineColor) {
   const MStatus status = beginGL();
   if (status)
-    viewport::beginDirectXor(wantStippling && stippleStyle == kStippleDashed, wantDepthTest, lineWidth,
-                             api::toRgba(lineColor));
+    viewport::beginDirectXor(wantStippling && stippleStyle == kStippleDashed, wantDepthTest,
+                             lineWidth, api::toRgba(lineColor));
   return status;
 }
 MStatus M3dView::endXorDrawing() {
@@ -150,7 +183,9 @@ unsigned int M3dView::numDormantColors(MStatus* status) const {
   setStatus(status, MStatus::kSuccess);
   return api::indexedColorCount();
 }
-unsigned int M3dView::numActiveColors(MStatus* status) const { return numDormantColors(status); }
+unsigned int M3dView::numActiveColors(MStatus* status) const {
+  return numDormantColors(status);
+}
 MColor M3dView::colorAtIndex(unsigned int index, ColorTable table, MStatus* status) const {
   setStatus(status, MStatus::kSuccess);
   if (table & kBackgroundColor) return backgroundColor(status);
@@ -183,7 +218,9 @@ int M3dView::endSelect(MStatus* status) {
   if (hits < 0) setStatus(status, MStatus::kFailure);
   return hits;
 }
-bool M3dView::selectMode() const { return api::isSelecting(); }
+bool M3dView::selectMode() const {
+  return api::isSelecting();
+}
 MStatus M3dView::initNames() {
   if (api::isSelecting()) viewport::initDirectNames();
   return api::naming(api::isSelecting());

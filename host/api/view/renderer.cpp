@@ -22,8 +22,12 @@ MRenderer* MRenderer::theRenderer(bool) {
   return &renderer;
 }
 
-DrawAPI MRenderer::drawAPI() const { return kOpenGL; }
-bool MRenderer::drawAPIIsOpenGL() const { return true; }
+DrawAPI MRenderer::drawAPI() const {
+  return kOpenGL;
+}
+bool MRenderer::drawAPIIsOpenGL() const {
+  return true;
+}
 unsigned int MRenderer::drawAPIVersion() const {
   constexpr unsigned int kMajor = 3, kMinor = 2;  // the least that the views are drawn with
   return kMajor << 16 | kMinor;

@@ -17,7 +17,8 @@ PlaneFrame::PlaneFrame(const math::Vec3& normalIn) : normal(math::normalized(nor
   y = math::cross(normal, x);
 }
 
-ShapePoints arcPoints(const math::Vec3& center, const PlaneFrame& frame, double radius, double start, double sweep) {
+ShapePoints arcPoints(const math::Vec3& center, const PlaneFrame& frame, double radius,
+                      double start, double sweep) {
   const int count = std::max(2, static_cast<int>(std::ceil(kSegments * std::abs(sweep) / kTurn)));
   ShapePoints points;
   for (int i = 0; i <= count; ++i) {
@@ -60,12 +61,14 @@ ShapePoints sphereTriangles(const math::Vec3& center, double radius) {
   const auto at = [&](int ring, int side) {
     const double polar = std::numbers::pi * ring / kRings, around = kTurn * side / kSides;
     return center + math::Vec3{std::sin(polar) * std::cos(around), std::cos(polar),
-                               -std::sin(polar) * std::sin(around)} * radius;
+                               -std::sin(polar) * std::sin(around)} *
+                        radius;
   };
   ShapePoints triangles;
   for (int ring = 0; ring < kRings; ++ring)
     for (int side = 0; side < kSides; ++side) {
-      const math::Vec3 a = at(ring, side), b = at(ring + 1, side), c = at(ring + 1, side + 1), d = at(ring, side + 1);
+      const math::Vec3 a = at(ring, side), b = at(ring + 1, side), c = at(ring + 1, side + 1),
+                       d = at(ring, side + 1);
       triangles.insert(triangles.end(), {a, b, c, a, c, d});
     }
   return triangles;

@@ -15,8 +15,10 @@ struct PlaneFrame {
   math::Vec3 x, y, normal;
 };
 
-/// Points on an arc: from `start` counter-clockwise by `sweep` radians about the frame's normal, ends included.
-[[nodiscard]] ShapePoints arcPoints(const math::Vec3& center, const PlaneFrame& frame, double radius, double start,
+/// Points on an arc: from `start` counter-clockwise by `sweep` radians about the frame's normal,
+/// ends included.
+[[nodiscard]] ShapePoints arcPoints(const math::Vec3& center, const PlaneFrame& frame,
+                                    double radius, double start,
                                     double sweep = 2 * std::numbers::pi);
 /// The angle of a direction in the frame, radians.
 [[nodiscard]] double angleIn(const PlaneFrame& frame, const math::Vec3& direction);

@@ -22,13 +22,17 @@ Indices spread(Manager::Primitive mode, const Indices& run) {
   Indices result;
   const std::size_t count = run.size();
   switch (mode) {
-    case Manager::kPoints: return run;
-    case Manager::kLines: return Indices(run.begin(), run.begin() + static_cast<std::ptrdiff_t>(count / 2 * 2));
-    case Manager::kTriangles: return Indices(run.begin(), run.begin() + static_cast<std::ptrdiff_t>(count / 3 * 3));
+    case Manager::kPoints:
+      return run;
+    case Manager::kLines:
+      return Indices(run.begin(), run.begin() + static_cast<std::ptrdiff_t>(count / 2 * 2));
+    case Manager::kTriangles:
+      return Indices(run.begin(), run.begin() + static_cast<std::ptrdiff_t>(count / 3 * 3));
     case Manager::kLineStrip:
     case Manager::kClosedLine:
       for (std::size_t i = 0; i + 1 < count; ++i) result.insert(result.end(), {run[i], run[i + 1]});
-      if (mode == Manager::kClosedLine && count > 2) result.insert(result.end(), {run.back(), run.front()});
+      if (mode == Manager::kClosedLine && count > 2)
+        result.insert(result.end(), {run.back(), run.front()});
       return result;
     case Manager::kTriStrip:
       for (std::size_t i = 0; i + 2 < count; ++i)
@@ -44,10 +48,12 @@ viewport::Primitive primitiveOf(Manager::Primitive mode) {
   return isTriangles ? viewport::Primitive::Triangles : viewport::Primitive::Lines;
 }
 
-void addMesh(api::DrawRep& pen, Manager::Primitive mode, const MPointArray& position, const MVectorArray* normal,
-             const MColorArray* color, const MUintArray* index, bool isScreen) {
+void addMesh(api::DrawRep& pen, Manager::Primitive mode, const MPointArray& position,
+             const MVectorArray* normal, const MColorArray* color, const MUintArray* index,
+             bool isScreen) {
   Indices run;
-  if (index) run.assign(index->begin(), index->end());
+  if (index)
+    run.assign(index->begin(), index->end());
   else
     for (unsigned int i = 0; i < position.length(); ++i) run.push_back(i);
   for (const unsigned int i : run)
@@ -61,15 +67,17 @@ void addMesh(api::DrawRep& pen, Manager::Primitive mode, const MPointArray& posi
     points.push_back(toVec3(position[i]));
     if (hasNormals) {
       const Vec3 n = math::normalized(toVec3((*normal)[i]));
-      normals.push_back({static_cast<float>(n.x), static_cast<float>(n.y), static_cast<float>(n.z)});
+      normals.push_back(
+          {static_cast<float>(n.x), static_cast<float>(n.y), static_cast<float>(n.z)});
     }
     if (hasColors) colors.push_back(viewport::packColor(api::toRgba((*color)[i])));
   }
   api::addShape(pen, primitiveOf(mode), points, isScreen, std::move(normals), std::move(colors));
 }
 
-void addText(api::DrawRep& pen, const MPoint& position, const MString& text, Manager::TextAlignment alignment,
-             const int* backgroundSize, const MColor* backgroundColor, bool isScreen) {
+void addText(api::DrawRep& pen, const MPoint& position, const MString& text,
+             Manager::TextAlignment alignment, const int* backgroundSize,
+             const MColor* backgroundColor, bool isScreen) {
   if (!pen.list || !pen.isOpen) return;
   viewport::TextItem item;
   item.text = api::toStd(text);
@@ -81,7 +89,8 @@ void addText(api::DrawRep& pen, const MPoint& position, const MString& text, Man
   item.color = pen.color;
   item.height = pen.fontHeight;
   if (isScreen && backgroundColor) {
-    const double width = backgroundSize ? backgroundSize[0] : viewport::textWidth(item.text, item.height) + 4;
+    const double width =
+        backgroundSize ? backgroundSize[0] : viewport::textWidth(item.text, item.height) + 4;
     const double height = backgroundSize ? backgroundSize[1] : item.height * 1.5;
     const double left = item.position.x - (alignment == Manager::kLeft    ? 2
                                            : alignment == Manager::kRight ? width - 2
@@ -112,8 +121,8 @@ void MUIDrawManager::mesh2d(Primitive mode, const MPointArray& position, const M
 void MUIDrawManager::setFontSize(unsigned int size) {
   // A size is that of a whole line; capitals are about seven tenths of it.
   constexpr float kCapitalShare = 0.7f;
-  penOf(*this).fontHeight =
-      static_cast<int>(size) <= 0 ? api::DrawRep().fontHeight : static_cast<float>(size) * kCapitalShare;
+  penOf(*this).fontHeight = static_cast<int>(size) <= 0 ? api::DrawRep().fontHeight
+                                                        : static_cast<float>(size) * kCapitalShare;
 }
 // There is one face, drawn in strokes, in one weight and width.
 void MUIDrawManager::setFontName(const MString&) {}

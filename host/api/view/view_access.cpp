@@ -44,7 +44,8 @@ MEvent Access::make<MEvent>(SharedRep* rep) {
   return event;
 }
 
-// The member template that the host's own representations are read through; here it reaches the callback.
+// The member template that the host's own representations are read through; here it reaches the
+// callback.
 template <>
 const DrawCallback* Access::rep<const DrawCallback, DrawOverride>(const DrawOverride& object) {
   return &object.callback_;

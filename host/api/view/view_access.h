@@ -55,10 +55,15 @@ using DrawCallback = MHWRender::MPxDrawOverride::GeometryDrawOverrideCb;
 /// A draw override's callback; null when it has none.
 [[nodiscard]] DrawCallback callbackOf(const MHWRender::MPxDrawOverride& drawOverride);
 
-[[nodiscard]] inline viewport::Rgba toRgba(const MColor& color) { return {color.r, color.g, color.b, color.a}; }
-[[nodiscard]] inline MColor toMColor(const viewport::Rgba& color) { return {color.r, color.g, color.b, color.a}; }
+[[nodiscard]] inline viewport::Rgba toRgba(const MColor& color) {
+  return {color.r, color.g, color.b, color.a};
+}
+[[nodiscard]] inline MColor toMColor(const viewport::Rgba& color) {
+  return {color.r, color.g, color.b, color.a};
+}
 
-/// The frame of a view of the session: what a frame context is made of. Null when its camera is gone.
+/// The frame of a view of the session: what a frame context is made of. Null when its camera is
+/// gone.
 [[nodiscard]] FrameRep* makeFrame(const std::string& panel);
 
 }  // namespace host::api

@@ -18,12 +18,14 @@ struct ViewRep final : SharedRep {
   std::string panel;
 };
 
-/// The kinds of objects that plug-ins have set the views to show, by panel; a service of the session.
+/// The kinds of objects that plug-ins have set the views to show, by panel; a service of the
+/// session.
 struct ObjectDisplay {
   std::map<std::string, unsigned int> shown;
   [[nodiscard]] unsigned int of(const std::string& panel) const {
     const auto found = shown.find(panel);
-    return found == shown.end() ? static_cast<unsigned int>(M3dView::kDisplayEverything) : found->second;
+    return found == shown.end() ? static_cast<unsigned int>(M3dView::kDisplayEverything)
+                                : found->second;
   }
 };
 
@@ -31,7 +33,8 @@ struct ObjectDisplay {
 /// The view behind; null when it is gone or was never set.
 [[nodiscard]] builtins::View* viewOf(const M3dView& view, MStatus* status = nullptr);
 /// Its camera in its port; none when the camera is gone.
-[[nodiscard]] std::optional<viewport::ViewProjection> projectionOf(const M3dView& view, MStatus* status = nullptr);
+[[nodiscard]] std::optional<viewport::ViewProjection> projectionOf(const M3dView& view,
+                                                                   MStatus* status = nullptr);
 /// Draws the views anew when the program is idle; calls in between are one.
 void scheduleViewRefresh();
 /// The colour of an entry of the table of interface colours, from 0.

@@ -13,14 +13,22 @@ using dg::AttributeType;
 
 const std::map<std::string, AttributeType, std::less<>>& numericTypes() {
   static const std::map<std::string, AttributeType, std::less<>> types = {
-      {"bool", AttributeType::Bool},        {"char", AttributeType::Char},
-      {"byte", AttributeType::Byte},        {"short", AttributeType::Short},
-      {"long", AttributeType::Long},        {"int", AttributeType::Long},
-      {"float", AttributeType::Float},      {"double", AttributeType::Double},
-      {"doubleLinear", AttributeType::Distance}, {"doubleAngle", AttributeType::Angle},
-      {"floatLinear", AttributeType::Distance},  {"floatAngle", AttributeType::Angle},
-      {"time", AttributeType::Time},        {"message", AttributeType::Message},
-      {"matrix", AttributeType::Matrix},    {"fltMatrix", AttributeType::Matrix},
+      {"bool", AttributeType::Bool},
+      {"char", AttributeType::Char},
+      {"byte", AttributeType::Byte},
+      {"short", AttributeType::Short},
+      {"long", AttributeType::Long},
+      {"int", AttributeType::Long},
+      {"float", AttributeType::Float},
+      {"double", AttributeType::Double},
+      {"doubleLinear", AttributeType::Distance},
+      {"doubleAngle", AttributeType::Angle},
+      {"floatLinear", AttributeType::Distance},
+      {"floatAngle", AttributeType::Angle},
+      {"time", AttributeType::Time},
+      {"message", AttributeType::Message},
+      {"matrix", AttributeType::Matrix},
+      {"fltMatrix", AttributeType::Matrix},
   };
   return types;
 }
@@ -35,8 +43,9 @@ struct PendingCompounds {
 };
 
 bool isTuple(std::string_view type) {
-  return type == "double2" || type == "double3" || type == "float2" || type == "float3" || type == "long2" ||
-         type == "long3" || type == "short2" || type == "short3" || type == "double4";
+  return type == "double2" || type == "double3" || type == "float2" || type == "float3" ||
+         type == "long2" || type == "long3" || type == "short2" || type == "short3" ||
+         type == "double4";
 }
 
 /// "red:green=5:blue".
@@ -68,7 +77,8 @@ void applyRange(const ParsedArgs& args, const scene::Units& units, dg::Attribute
   limit("softMaxValue", attribute.softMaximum);
   if (!args.has("defaultValue")) return;
   const double value = args.real("defaultValue") * factor;
-  const bool isReal = attribute.type >= AttributeType::Float && attribute.type <= AttributeType::Time;
+  const bool isReal =
+      attribute.type >= AttributeType::Float && attribute.type <= AttributeType::Time;
   attribute.defaultValue = isReal ? dg::Value(value) : dg::Value(static_cast<std::int64_t>(value));
 }
 
@@ -101,7 +111,8 @@ Result<AttributePtr> describe(const ParsedArgs& args, const scene::Units& units)
     attribute = dg::makeCompound(longName, shortName, {});
   } else if (type == "enum") {
     std::vector<dg::EnumField> fields = parseEnum(args.text("enumName"));
-    attribute = dg::makeEnum(longName, shortName, fields, fields.empty() ? 0 : fields.front().value);
+    attribute =
+        dg::makeEnum(longName, shortName, fields, fields.empty() ? 0 : fields.front().value);
   } else if (dataType == "string") {
     attribute = dg::makeAttribute(longName, shortName, AttributeType::String);
   } else if (dataType == "matrix") {
@@ -119,7 +130,8 @@ Result<AttributePtr> describe(const ParsedArgs& args, const scene::Units& units)
 }
 
 std::size_t expectedChildren(const ParsedArgs& args, const dg::Attribute& attribute) {
-  if (!attribute.compoundType.empty()) return static_cast<std::size_t>(attribute.compoundType.back() - '0');
+  if (!attribute.compoundType.empty())
+    return static_cast<std::size_t>(attribute.compoundType.back() - '0');
   return static_cast<std::size_t>(std::max(1, args.integer("numberOfChildren", 1)));
 }
 
@@ -127,8 +139,9 @@ bool isComplete(const std::map<std::string, PendingCompound>& pending, const std
                 const dg::Attribute& attribute) {
   const auto found = pending.find(prefix + attribute.longName);
   if (found != pending.end() && attribute.children.size() < found->second.childCount) return false;
-  return std::all_of(attribute.children.begin(), attribute.children.end(),
-                     [&](const AttributePtr& child) { return isComplete(pending, prefix, *child); });
+  return std::all_of(
+      attribute.children.begin(), attribute.children.end(),
+      [&](const AttributePtr& child) { return isComplete(pending, prefix, *child); });
 }
 
 Result<void> addTo(Context& context, const ParsedArgs& args, dg::Node& node) {
@@ -136,8 +149,8 @@ Result<void> addTo(Context& context, const ParsedArgs& args, dg::Node& node) {
   if (!described) return failWith(std::move(described.error()));
   AttributePtr attribute = std::move(*described);
   if (node.findAttribute(attribute->longName) || node.findAttribute(attribute->shortName))
-    return fail("Found no valid items to add the attribute to: '{}' has an attribute '{}' already.", node.name(),
-                attribute->longName);
+    return fail("Found no valid items to add the attribute to: '{}' has an attribute '{}' already.",
+                node.name(), attribute->longName);
   auto& pending = context.session.service<PendingCompounds>().byNodeAndName;
   const std::string prefix = node.uuid() + ".";
   AttributePtr root = attribute;
@@ -147,14 +160,16 @@ Result<void> addTo(Context& context, const ParsedArgs& args, dg::Node& node) {
       return entry.first.starts_with(prefix) && entry.second.attribute->isNamed(parentName);
     });
     if (parent == pending.end())
-      return fail("addAttr: '{}' has no compound '{}' that waits for children.", node.name(), parentName);
+      return fail("addAttr: '{}' has no compound '{}' that waits for children.", node.name(),
+                  parentName);
     attribute->parent = parent->second.attribute.get();
     attribute->childIndex = static_cast<int>(attribute->parent->children.size());
     attribute->parent->children.push_back(attribute);
     root = parent->second.attribute;
     while (root->parent) root = pending.at(prefix + root->parent->longName).attribute;
   }
-  if (attribute->isCompound()) pending[prefix + attribute->longName] = {attribute, expectedChildren(args, *attribute)};
+  if (attribute->isCompound())
+    pending[prefix + attribute->longName] = {attribute, expectedChildren(args, *attribute)};
   if (!isComplete(pending, prefix, *root)) return {};
   auto added = context.document.graph().addAttribute(node, root);
   if (!added) return failWith(std::move(added.error()));
@@ -172,7 +187,9 @@ CommandResult queryAttr(Context& context, const ParsedArgs& args) {
   const dg::Attribute& attribute = *plug->attribute();
   const double factor = unitFactor(attribute.type, context.document.units());
   const std::string_view what = args.queried();
-  const auto limit = [&](const std::optional<double>& value) { return mel::Value(value.value_or(0) / factor); };
+  const auto limit = [&](const std::optional<double>& value) {
+    return mel::Value(value.value_or(0) / factor);
+  };
   if (what == "longName") return mel::Value(attribute.longName);
   if (what == "shortName") return mel::Value(attribute.shortName);
   if (what == "niceName") return mel::Value(attribute.niceName);
@@ -190,7 +207,8 @@ CommandResult queryAttr(Context& context, const ParsedArgs& args) {
   if (what == "defaultValue") {
     const dg::Value value = attribute.initialValue();
     if (const auto* real = std::get_if<double>(&value)) return mel::Value(*real / factor);
-    if (const auto* integer = std::get_if<std::int64_t>(&value)) return mel::Value(static_cast<double>(*integer));
+    if (const auto* integer = std::get_if<std::int64_t>(&value))
+      return mel::Value(static_cast<double>(*integer));
     return mel::Value(0.0);
   }
   if (what == "enumName") return mel::Value(enumText(attribute));
@@ -211,7 +229,8 @@ CommandResult deleteAttr(Context& context, const ParsedArgs& args) {
   const auto remove = [&](dg::Node& node, const std::string& name) -> Result<void> {
     const dg::Attribute* attribute = node.findAttribute(name);
     if (!attribute) return fail("No attribute '{}' on node '{}'", name, node.name());
-    if (!attribute->isDynamic) return fail("deleteAttr: '{}.{}' can't be deleted.", node.name(), name);
+    if (!attribute->isDynamic)
+      return fail("deleteAttr: '{}.{}' can't be deleted.", node.name(), name);
     return context.document.graph().removeAttribute(node, attribute);
   };
   const std::string attributeName = args.text("attribute");
@@ -229,7 +248,8 @@ CommandResult deleteAttr(Context& context, const ParsedArgs& args) {
     }
     return mel::Value();
   }
-  for (dg::Node* node : nodesOf(context.document.selection())) HOST_TRY(remove(*node, attributeName));
+  for (dg::Node* node : nodesOf(context.document.selection()))
+    HOST_TRY(remove(*node, attributeName));
   return mel::Value();
 }
 
@@ -268,7 +288,8 @@ void registerAddAttr(CommandRegistry& registry) {
              .queryable()
              .objects(0, -1, true),
          addAttr);
-  define(registry, "deleteAttr", Syntax().flag("at", "attribute", {ArgType::String}).strings(), deleteAttr);
+  define(registry, "deleteAttr", Syntax().flag("at", "attribute", {ArgType::String}).strings(),
+         deleteAttr);
 }
 
 }  // namespace host::builtins

@@ -9,7 +9,8 @@ void collectAliases(dg::Graph& graph, const dg::Plug& plug, std::vector<std::str
   const std::string alias = graph.alias(plug);
   if (!alias.empty()) pairs.insert(pairs.end(), {alias, attributeName(plug)});
   if (plug.isArray()) {
-    for (const Index index : graph.elementIndices(plug)) collectAliases(graph, plug.element(index), pairs);
+    for (const Index index : graph.elementIndices(plug))
+      collectAliases(graph, plug.element(index), pairs);
     return;
   }
   for (std::size_t i = 0; plug.isCompound() && i < plug.attribute()->children.size(); ++i)
@@ -40,7 +41,8 @@ CommandResult aliasAttr(Context& context, const ParsedArgs& args) {
     }
     return mel::Value();
   }
-  if (names.empty() || names.size() % 2 != 0) return fail("aliasAttr: give pairs of a new name and an attribute.");
+  if (names.empty() || names.size() % 2 != 0)
+    return fail("aliasAttr: give pairs of a new name and an attribute.");
   for (std::size_t i = 0; i < names.size(); i += 2) {
     auto plug = context.document.plug(names[i + 1]);
     if (!plug) return failWith(std::move(plug.error()));
@@ -55,7 +57,8 @@ CommandResult lockNode(Context& context, const ParsedArgs& args) {
   const std::vector<dg::Node*> nodes = nodesOf(*objects);
   if (args.isQuery()) {
     mel::IntArray states;
-    for (const dg::Node* node : nodes) states.push_back(args.has("lock") && node->isLocked() ? 1 : 0);
+    for (const dg::Node* node : nodes)
+      states.push_back(args.has("lock") && node->isLocked() ? 1 : 0);
     return mel::Value(std::move(states));
   }
   const bool isLocked = args.boolean("lock", true);
@@ -78,7 +81,8 @@ CommandResult dgDirty(Context& context, const ParsedArgs& args) {
       nodes.push_back(item.node.get());
   }
   for (dg::Node* node : nodes)
-    for (const dg::AttributePtr& attribute : node->type().attributes()) graph.dirty(node->plug(attribute.get()));
+    for (const dg::AttributePtr& attribute : node->type().attributes())
+      graph.dirty(node->plug(attribute.get()));
   return mel::Value();
 }
 
@@ -105,8 +109,10 @@ void registerAttrState(CommandRegistry& registry) {
              .objects(0, -1, true),
          lockNode);
   defineQuery(registry, "dgdirty",
-              Syntax().flag("a", "allPlugs").flag("c", "clean").flag("v", "verbose").objects(), dgDirty);
-  defineQuery(registry, "dgeval", Syntax().flag("v", "verbose").flag("src", "src").strings(1), dgEval);
+              Syntax().flag("a", "allPlugs").flag("c", "clean").flag("v", "verbose").objects(),
+              dgDirty);
+  defineQuery(registry, "dgeval", Syntax().flag("v", "verbose").flag("src", "src").strings(1),
+              dgEval);
 }
 
 }  // namespace host::builtins

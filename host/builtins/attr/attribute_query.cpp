@@ -19,13 +19,16 @@ std::string niceName(const Attribute& attribute) {
       text += static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
       continue;
     }
-    if (std::isupper(static_cast<unsigned char>(c)) && std::islower(static_cast<unsigned char>(text.back()))) text += ' ';
+    if (std::isupper(static_cast<unsigned char>(c)) &&
+        std::islower(static_cast<unsigned char>(text.back())))
+      text += ' ';
     text += c;
   }
   return text;
 }
 
-mel::Value range(const std::optional<double>& low, const std::optional<double>& high, double factor) {
+mel::Value range(const std::optional<double>& low, const std::optional<double>& high,
+                 double factor) {
   return mel::FloatArray{low.value_or(0) / factor, high.value_or(0) / factor};
 }
 
@@ -45,12 +48,15 @@ mel::Value defaults(const Attribute& attribute, const scene::Units& units) {
     return result;
   }
   const dg::Value value = attribute.initialValue();
-  if (const auto* real = std::get_if<double>(&value)) result.push_back(*real / unitFactor(attribute.type, units));
-  if (const auto* integer = std::get_if<std::int64_t>(&value)) result.push_back(static_cast<double>(*integer));
+  if (const auto* real = std::get_if<double>(&value))
+    result.push_back(*real / unitFactor(attribute.type, units));
+  if (const auto* integer = std::get_if<std::int64_t>(&value))
+    result.push_back(static_cast<double>(*integer));
   return result;
 }
 
-CommandResult answer(Context& context, const ParsedArgs& args, dg::Node* node, const Attribute& attribute) {
+CommandResult answer(Context& context, const ParsedArgs& args, dg::Node* node,
+                     const Attribute& attribute) {
   const double factor = unitFactor(attribute.type, context.document.units());
   dg::Graph& graph = context.document.graph();
   const auto flag = [&](dg::Graph::PlugFlag which, bool fallback) {
@@ -62,7 +68,8 @@ CommandResult answer(Context& context, const ParsedArgs& args, dg::Node* node, c
   if (what == "niceName") return mel::Value(niceName(attribute));
   if (what == "attributeType") return mel::Value(attribute.typeWord());
   if (what == "keyable") return mel::Value(flag(dg::Graph::PlugFlag::Keyable, attribute.keyable));
-  if (what == "channelBox") return mel::Value(flag(dg::Graph::PlugFlag::ChannelBox, attribute.channelBox));
+  if (what == "channelBox")
+    return mel::Value(flag(dg::Graph::PlugFlag::ChannelBox, attribute.channelBox));
   if (what == "hidden") return mel::Value(attribute.hidden);
   if (what == "multi") return mel::Value(attribute.isArray);
   if (what == "indexMatters") return mel::Value(attribute.indexMatters);
@@ -85,9 +92,11 @@ CommandResult answer(Context& context, const ParsedArgs& args, dg::Node* node, c
   if (what == "softRange") return range(attribute.softMinimum, attribute.softMaximum, factor);
   if (what == "listDefault") return defaults(attribute, context.document.units());
   if (what == "listChildren") return toValue(names(attribute.children));
-  if (what == "numberOfChildren") return mel::Value(mel::IntArray{static_cast<int>(attribute.children.size())});
+  if (what == "numberOfChildren")
+    return mel::Value(mel::IntArray{static_cast<int>(attribute.children.size())});
   if (what == "listParent")
-    return toValue(attribute.parent ? std::vector<std::string>{attribute.parent->longName} : std::vector<std::string>{});
+    return toValue(attribute.parent ? std::vector<std::string>{attribute.parent->longName}
+                                    : std::vector<std::string>{});
   if (what == "listEnum") return toValue({enumText(attribute)});
   return fail("attributeQuery: say what to ask for.");
 }
@@ -120,17 +129,40 @@ void registerAttributeQuery(CommandRegistry& registry) {
   Syntax syntax;
   syntax.flag("n", "node", {ArgType::String}).flag("typ", "type", {ArgType::String});
   static constexpr std::pair<const char*, const char*> kQuestions[] = {
-      {"ex", "exists"},         {"ln", "longName"},       {"sn", "shortName"},      {"nn", "niceName"},
-      {"at", "attributeType"},  {"k", "keyable"},         {"ch", "channelBox"},     {"h", "hidden"},
-      {"m", "multi"},           {"im", "indexMatters"},   {"r", "readable"},        {"w", "writable"},
-      {"c", "connectable"},     {"s", "storable"},        {"e", "enum"},            {"msg", "message"},
-      {"uac", "usedAsColor"},   {"uaf", "usedAsFilename"}, {"ws", "worldSpace"},    {"mne", "minExists"},
-      {"mxe", "maxExists"},     {"re", "rangeExists"},    {"sre", "softRangeExists"}, {"min", "minimum"},
-      {"max", "maximum"},       {"rng", "range"},         {"sr", "softRange"},     {"ld", "listDefault"},
-      {"lc", "listChildren"},   {"nc", "numberOfChildren"}, {"lp", "listParent"},   {"le", "listEnum"},
+      {"ex", "exists"},
+      {"ln", "longName"},
+      {"sn", "shortName"},
+      {"nn", "niceName"},
+      {"at", "attributeType"},
+      {"k", "keyable"},
+      {"ch", "channelBox"},
+      {"h", "hidden"},
+      {"m", "multi"},
+      {"im", "indexMatters"},
+      {"r", "readable"},
+      {"w", "writable"},
+      {"c", "connectable"},
+      {"s", "storable"},
+      {"e", "enum"},
+      {"msg", "message"},
+      {"uac", "usedAsColor"},
+      {"uaf", "usedAsFilename"},
+      {"ws", "worldSpace"},
+      {"mne", "minExists"},
+      {"mxe", "maxExists"},
+      {"re", "rangeExists"},
+      {"sre", "softRangeExists"},
+      {"min", "minimum"},
+      {"max", "maximum"},
+      {"rng", "range"},
+      {"sr", "softRange"},
+      {"ld", "listDefault"},
+      {"lc", "listChildren"},
+      {"nc", "numberOfChildren"},
+      {"lp", "listParent"},
+      {"le", "listEnum"},
   };
-  for (const auto& [shortName, longName] : kQuestions)
-    syntax.flag(shortName, longName);
+  for (const auto& [shortName, longName] : kQuestions) syntax.flag(shortName, longName);
   defineQuery(registry, "attributeQuery", syntax.strings(1, 1), attributeQuery);
 }
 

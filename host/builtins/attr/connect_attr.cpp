@@ -17,15 +17,19 @@ CommandResult connectAttr(Context& context, const ParsedArgs& args) {
   if (!destination) return failWith(std::move(destination.error()));
   if (destination->isArray()) {
     if (!args.has("nextAvailable") && !source->isArray())
-      return fail("connectAttr: '{}' is an array: name an element or use -nextAvailable.", names[1]);
-    if (args.has("nextAvailable")) *destination = destination->element(graph.nextFreeIndex(*destination));
+      return fail("connectAttr: '{}' is an array: name an element or use -nextAvailable.",
+                  names[1]);
+    if (args.has("nextAvailable"))
+      *destination = destination->element(graph.nextFreeIndex(*destination));
   }
   if (graph.source(*destination) == *source)
     return fail("Failed to connect '{}' to '{}': they are connected already.", names[0], names[1]);
   const bool isForced = args.has("force");
-  if (isForced && args.has("lock")) HOST_TRY(graph.setFlag(*destination, dg::Graph::PlugFlag::Locked, false));
+  if (isForced && args.has("lock"))
+    HOST_TRY(graph.setFlag(*destination, dg::Graph::PlugFlag::Locked, false));
   HOST_TRY(graph.connect(*source, *destination, isForced));
-  if (args.has("lock")) HOST_TRY(graph.setFlag(*destination, dg::Graph::PlugFlag::Locked, args.boolean("lock")));
+  if (args.has("lock"))
+    HOST_TRY(graph.setFlag(*destination, dg::Graph::PlugFlag::Locked, args.boolean("lock")));
   return mel::Value(fmt::format("Connected {} to {}.", plugName(*source), plugName(*destination)));
 }
 
@@ -37,7 +41,8 @@ CommandResult disconnectAttr(Context& context, const ParsedArgs& args) {
   if (names.size() == 1) {
     // One plug: whatever leaves or reaches it.
     if (const Plug source = graph.source(*first)) HOST_TRY(graph.disconnect(source, *first));
-    for (const Plug& destination : graph.destinations(*first)) HOST_TRY(graph.disconnect(*first, destination));
+    for (const Plug& destination : graph.destinations(*first))
+      HOST_TRY(graph.disconnect(*first, destination));
     return mel::Value();
   }
   auto second = context.document.plug(names[1]);
@@ -74,8 +79,10 @@ CommandResult connectionInfo(Context& context, const ParsedArgs& args) {
   auto plug = context.document.plug(args.firstObject());
   if (!plug) return failWith(std::move(plug.error()));
   const std::vector<Plug> destinations = graph.destinations(*plug);
-  const Plug exactSource = nearest(*plug, [&](const Plug& at) { return !graph.destinations(at).empty(); });
-  const Plug exactDestination = nearest(*plug, [&](const Plug& at) { return !graph.source(at).isNull(); });
+  const Plug exactSource =
+      nearest(*plug, [&](const Plug& at) { return !graph.destinations(at).empty(); });
+  const Plug exactDestination =
+      nearest(*plug, [&](const Plug& at) { return !graph.source(at).isNull(); });
   if (args.has("isSource")) return mel::Value(!exactSource.isNull());
   if (args.has("isDestination")) return mel::Value(!exactDestination.isNull());
   if (args.has("isExactSource")) return mel::Value(!destinations.empty());
@@ -90,8 +97,8 @@ CommandResult connectionInfo(Context& context, const ParsedArgs& args) {
     for (const Plug& destination : destinations) names.push_back(plugName(destination));
     return toValue(std::move(names));
   }
-  for (const auto& [flag, exact] :
-       {std::pair{"getExactSource", exactSource}, std::pair{"getExactDestination", exactDestination}})
+  for (const auto& [flag, exact] : {std::pair{"getExactSource", exactSource},
+                                    std::pair{"getExactDestination", exactDestination}})
     if (args.has(flag)) return mel::Value(exact ? plugName(exact) : std::string{});
   return fail("connectionInfo: say what to ask for.");
 }
@@ -107,8 +114,10 @@ void registerConnectAttr(CommandRegistry& registry) {
              .flag("rd", "referenceDest", {ArgType::String})
              .strings(2, 2),
          connectAttr);
-  define(registry, "disconnectAttr", Syntax().flag("na", "nextAvailable").strings(1, 2), disconnectAttr);
-  defineQuery(registry, "isConnected", Syntax().flag("iuc", "ignoreUnitConversion").strings(2, 2), isConnected);
+  define(registry, "disconnectAttr", Syntax().flag("na", "nextAvailable").strings(1, 2),
+         disconnectAttr);
+  defineQuery(registry, "isConnected", Syntax().flag("iuc", "ignoreUnitConversion").strings(2, 2),
+              isConnected);
   defineQuery(registry, "connectionInfo",
               Syntax()
                   .flag("is", "isSource")

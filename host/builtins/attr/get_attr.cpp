@@ -17,7 +17,8 @@ Plug arrayOf(Plug plug) {
 }
 
 /// "attr[*].child" or "attr[0:3]": the values of the elements, one after the other.
-CommandResult readRange(Context& context, const std::string& name, std::size_t open, std::size_t close) {
+CommandResult readRange(Context& context, const std::string& name, std::size_t open,
+                        std::size_t close) {
   const Plug array = context.document.plug(name.substr(0, open)).value_or(Plug());
   if (!array || !array.isArray()) return fail("No object matches name: {}", name);
   const std::string range = name.substr(open + 1, close - open - 1);
@@ -30,7 +31,8 @@ CommandResult readRange(Context& context, const std::string& name, std::size_t o
   mel::StringArray texts;
   for (const Index index : context.document.graph().elementIndices(array)) {
     if (index < first || index > last) continue;
-    auto plug = context.document.plug(fmt::format("{}[{}]{}", name.substr(0, open), index, name.substr(close + 1)));
+    auto plug = context.document.plug(
+        fmt::format("{}[{}]{}", name.substr(0, open), index, name.substr(close + 1)));
     if (!plug) return failWith(std::move(plug.error()));
     auto value = readPlug(context.document.graph(), context.document.units(), *plug);
     if (!value) return value;
@@ -81,11 +83,13 @@ CommandResult getAttr(Context& context, const ParsedArgs& args) {
   const std::string name = args.firstObject();
   if (name.empty()) {
     const std::vector<std::string> selected = context.document.selection().names();
-    return fail("getAttr: name an attribute{}.", selected.empty() ? "" : ", as in " + selected.front() + ".visibility");
+    return fail("getAttr: name an attribute{}.",
+                selected.empty() ? "" : ", as in " + selected.front() + ".visibility");
   }
   auto plug = context.document.plug(name);
   if (!plug) {
-    const std::size_t open = name.rfind('['), close = name.find(']', open == std::string::npos ? 0 : open);
+    const std::size_t open = name.rfind('['),
+                      close = name.find(']', open == std::string::npos ? 0 : open);
     if (open != std::string::npos && close != std::string::npos &&
         name.substr(open, close - open).find_first_of(":*") != std::string::npos)
       return readRange(context, name, open, close);

@@ -25,12 +25,16 @@ bool matches(std::string_view pattern, std::string_view text) {
 class AttributeLister {
  public:
   AttributeLister(Context& context, const ParsedArgs& args)
-      : graph_(context.document.graph()), args_(args), patterns_(args.texts("string")),
+      : graph_(context.document.graph()),
+        args_(args),
+        patterns_(args.texts("string")),
         usesShort_(args.has("shortNames")) {}
 
   void list(dg::Node& node) {
-    for (const dg::AttributePtr& attribute : node.type().attributes()) visit(node.plug(attribute.get()));
-    for (const dg::AttributePtr& attribute : node.dynamicAttributes()) visit(node.plug(attribute.get()));
+    for (const dg::AttributePtr& attribute : node.type().attributes())
+      visit(node.plug(attribute.get()));
+    for (const dg::AttributePtr& attribute : node.dynamicAttributes())
+      visit(node.plug(attribute.get()));
   }
   void listBelow(const dg::Plug& plug) { visit(plug); }
   [[nodiscard]] std::vector<std::string> takeNames() { return std::move(names_); }
@@ -41,7 +45,8 @@ class AttributeLister {
     if (passes(plug)) names_.push_back(name(plug));
     if (!attribute.isCompound()) return;
     if (plug.isArray()) {
-      // The children of an array are listed once, under the array, unless its elements are asked for.
+      // The children of an array are listed once, under the array, unless its elements are asked
+      // for.
       const auto indices = args_.has("multi") ? graph_.elementIndices(plug) : std::vector<Index>{};
       for (const Index index : indices) visitChildren(plug.element(index));
       if (indices.empty()) visitChildren(plug);
@@ -62,7 +67,8 @@ class AttributeLister {
     const auto needs = [&](std::string_view flag, bool holds) { return !args_.has(flag) || holds; };
     if (!needs("userDefined", attribute.isDynamic)) return false;
     // What takes keys are the values: a compound's children, never the compound.
-    if (!needs("keyable", !attribute.isCompound() && graph_.flag(plug, PlugFlag::Keyable))) return false;
+    if (!needs("keyable", !attribute.isCompound() && graph_.flag(plug, PlugFlag::Keyable)))
+      return false;
     if (!needs("channelBox", graph_.flag(plug, PlugFlag::ChannelBox))) return false;
     if (!needs("locked", graph_.isLockedHereOrAbove(plug))) return false;
     if (!needs("unlocked", !graph_.isLockedHereOrAbove(plug))) return false;
@@ -72,7 +78,8 @@ class AttributeLister {
     if (!needs("array", attribute.isArray)) return false;
     if (!needs("scalar", attribute.isNumeric() && !attribute.isArray)) return false;
     if (!needs("connectable", attribute.connectable)) return false;
-    if (!needs("settable", attribute.writable && !graph_.isLockedHereOrAbove(plug) && !graph_.isDriven(plug)))
+    if (!needs("settable",
+               attribute.writable && !graph_.isLockedHereOrAbove(plug) && !graph_.isDriven(plug)))
       return false;
     if (!needs("inUse", graph_.source(plug) || attribute.storable)) return false;
     if (!needs("usedAsFilename", attribute.usedAsFilename)) return false;

@@ -18,7 +18,8 @@ bool isAtOrBelow(Plug plug, const Plug& top) {
 class Lister {
  public:
   Lister(Context& context, const ParsedArgs& args)
-      : document_(context.document), args_(args),
+      : document_(context.document),
+        args_(args),
         asPlugs_(args.boolean("plugs")),
         withOwn_(args.boolean("connections")),
         asShapes_(args.boolean("shapes")),
@@ -54,7 +55,8 @@ class Lister {
 
   void addOutgoing(const dg::Graph::Connection& connection) {
     if (skipsConversion_ && isConversion(*connection.destination.node())) {
-      for (const Plug& after : document_.graph().destinations(connection.destination.node()->plug("output")))
+      for (const Plug& after :
+           document_.graph().destinations(connection.destination.node()->plug("output")))
         add(connection.source, after);
       return;
     }
@@ -65,7 +67,8 @@ class Lister {
     const dg::Node& node = *other.node();
     if (args_.has("type")) {
       const std::string type = args_.text("type");
-      const bool fits = args_.boolean("exactType") ? node.type().name == type : node.type().isA(type);
+      const bool fits =
+          args_.boolean("exactType") ? node.type().name == type : node.type().isA(type);
       if (!fits) return;
     }
     if (withOwn_) names_.push_back(plugName(own));

@@ -25,7 +25,8 @@ std::optional<ElementRange> splitRange(std::string_view name) {
   const char* begin = name.data();
   const auto firstEnd = std::from_chars(begin + open + 1, begin + colon, range.first);
   const auto lastEnd = std::from_chars(begin + colon + 1, begin + close, range.last);
-  if (firstEnd.ptr != begin + colon || lastEnd.ptr != begin + close || range.first < 0 || range.last < range.first)
+  if (firstEnd.ptr != begin + colon || lastEnd.ptr != begin + close || range.first < 0 ||
+      range.last < range.first)
     return std::nullopt;
   range.before = name.substr(0, open);
   range.after = name.substr(close + 1);
@@ -38,7 +39,9 @@ std::vector<mel::Value> spread(std::span<const mel::Value> values) {
   result.reserve(values.size());
   for (const mel::Value& value : values) {
     switch (value.type()) {
-      case mel::Type::IntArray: result.insert(result.end(), value.intArray().begin(), value.intArray().end()); break;
+      case mel::Type::IntArray:
+        result.insert(result.end(), value.intArray().begin(), value.intArray().end());
+        break;
       case mel::Type::FloatArray:
         result.insert(result.end(), value.floatArray().begin(), value.floatArray().end());
         break;
@@ -46,12 +49,14 @@ std::vector<mel::Value> spread(std::span<const mel::Value> values) {
         for (const std::string& text : value.stringArray()) result.emplace_back(text);
         break;
       case mel::Type::Vector:
-        for (const double x : {value.vector().x, value.vector().y, value.vector().z}) result.emplace_back(x);
+        for (const double x : {value.vector().x, value.vector().y, value.vector().z})
+          result.emplace_back(x);
         break;
       case mel::Type::VectorArray:
         for (const mel::Vec3& v : value.vectorArray()) result.insert(result.end(), {v.x, v.y, v.z});
         break;
-      default: result.push_back(value);
+      default:
+        result.push_back(value);
     }
   }
   return result;
@@ -71,23 +76,28 @@ Result<void> checkLimits(const Plug& plug, const scene::Units& units, const mel:
   const dg::Attribute& attribute = *plug.attribute();
   if (!attribute.isNumeric() || (!attribute.minimum && !attribute.maximum)) return {};
   const double stored = value.toFloat().value_or(0) * unitFactor(attribute.type, units);
-  if ((attribute.minimum && stored < *attribute.minimum) || (attribute.maximum && stored > *attribute.maximum))
-    return fail("setAttr: Cannot set the attribute '{}' past its minimum or maximum value.", plugName(plug));
+  if ((attribute.minimum && stored < *attribute.minimum) ||
+      (attribute.maximum && stored > *attribute.maximum))
+    return fail("setAttr: Cannot set the attribute '{}' past its minimum or maximum value.",
+                plugName(plug));
   return {};
 }
 
-Result<void> setRange(Context& context, const ElementRange& range, std::span<const mel::Value> values) {
+Result<void> setRange(Context& context, const ElementRange& range,
+                      std::span<const mel::Value> values) {
   scene::Document& document = context.document;
   std::size_t taken = 0;
   for (Index i = range.first; i <= range.last; ++i) {
-    if (taken >= values.size()) return fail("setAttr: there are values for {} elements only.", i - range.first);
+    if (taken >= values.size())
+      return fail("setAttr: there are values for {} elements only.", i - range.first);
     auto plug = document.plug(fmt::format("{}[{}]{}", range.before, i, range.after));
     if (!plug) return failWith(std::move(plug.error()));
     auto count = writeNumbers(document.graph(), document.units(), *plug, values.subspan(taken));
     if (!count) return failWith(std::move(count.error()));
     taken += *count;
   }
-  if (taken < values.size()) return fail("setAttr: {} values are left over.", values.size() - taken);
+  if (taken < values.size())
+    return fail("setAttr: {} values are left over.", values.size() - taken);
   return {};
 }
 
@@ -95,10 +105,14 @@ Result<void> setFlags(Context& context, const ParsedArgs& args, const Plug& plug
   using PlugFlag = dg::Graph::PlugFlag;
   dg::Graph& graph = context.document.graph();
   // Unlocking goes first and locking last, so that one call can do it together with a value.
-  if (args.has("lock") && !args.boolean("lock")) HOST_TRY(graph.setFlag(plug, PlugFlag::Locked, false));
-  if (args.has("keyable")) HOST_TRY(graph.setFlag(plug, PlugFlag::Keyable, args.boolean("keyable")));
-  if (args.has("channelBox")) HOST_TRY(graph.setFlag(plug, PlugFlag::ChannelBox, args.boolean("channelBox")));
-  if (args.has("caching")) HOST_TRY(graph.setFlag(plug, PlugFlag::Caching, args.boolean("caching")));
+  if (args.has("lock") && !args.boolean("lock"))
+    HOST_TRY(graph.setFlag(plug, PlugFlag::Locked, false));
+  if (args.has("keyable"))
+    HOST_TRY(graph.setFlag(plug, PlugFlag::Keyable, args.boolean("keyable")));
+  if (args.has("channelBox"))
+    HOST_TRY(graph.setFlag(plug, PlugFlag::ChannelBox, args.boolean("channelBox")));
+  if (args.has("caching"))
+    HOST_TRY(graph.setFlag(plug, PlugFlag::Caching, args.boolean("caching")));
   return {};
 }
 
@@ -107,7 +121,8 @@ Result<void> setValues(Context& context, const ParsedArgs& args, const Plug& plu
   scene::Document& document = context.document;
   if (auto settable = document.graph().settable(plug); !settable) {
     if (plug.attribute()->writable)
-      return fail("setAttr: The attribute '{}' is locked or connected and cannot be modified.", plugName(plug));
+      return fail("setAttr: The attribute '{}' is locked or connected and cannot be modified.",
+                  plugName(plug));
     return settable;
   }
   if (args.has("type"))
@@ -115,7 +130,8 @@ Result<void> setValues(Context& context, const ParsedArgs& args, const Plug& plu
   std::vector<mel::Value> flat = spread(values);
   if (plug.attribute()->type == dg::AttributeType::String)
     return fail("setAttr: '{}' is not numeric: use -type \"string\".", plugName(plug));
-  if (plug.isArray()) return fail("setAttr: '{}' is an array: say which elements to set.", plugName(plug));
+  if (plug.isArray())
+    return fail("setAttr: '{}' is an array: say which elements to set.", plugName(plug));
   if (!plug.isCompound() && flat.size() == 1) {
     if (args.has("clamp"))
       clampToLimits(plug, document.units(), flat.front());
@@ -132,7 +148,8 @@ Result<void> setValues(Context& context, const ParsedArgs& args, const Plug& plu
 
 CommandResult setAttr(Context& context, const ParsedArgs& args) {
   const std::vector<mel::Value>& words = args.arguments();
-  const std::string name = words.front().toTexts().empty() ? std::string{} : words.front().toTexts().front();
+  const std::string name =
+      words.front().toTexts().empty() ? std::string{} : words.front().toTexts().front();
   const std::span<const mel::Value> values(words.data() + 1, words.size() - 1);
   auto plug = context.document.plug(name);
   if (!plug) {
@@ -144,8 +161,9 @@ CommandResult setAttr(Context& context, const ParsedArgs& args) {
   HOST_TRY(setFlags(context, args, *plug));
   const bool hasValue = !values.empty() || (args.has("type") && args.text("type") == "string");
   if (hasValue) HOST_TRY(setValues(context, args, *plug, values));
-  const bool hasFlagOnly = args.has("lock") || args.has("keyable") || args.has("channelBox") || args.has("caching") ||
-                           args.has("size") || args.has("alteredValue") || args.has("capacityHint");
+  const bool hasFlagOnly = args.has("lock") || args.has("keyable") || args.has("channelBox") ||
+                           args.has("caching") || args.has("size") || args.has("alteredValue") ||
+                           args.has("capacityHint");
   if (!hasValue && !hasFlagOnly) return fail("setAttr: there is no value for '{}'.", name);
   if (args.boolean("lock"))
     HOST_TRY(context.document.graph().setFlag(*plug, dg::Graph::PlugFlag::Locked, true));

@@ -6,10 +6,10 @@
 
 namespace host::builtins {
 
-void define(CommandRegistry& registry, std::string name, Syntax syntax, cmd::CommandFunction function,
-            bool isUndoable) {
-  const Result<void> added =
-      registry.add(cmd::CommandSpec{std::move(name), std::move(syntax), std::move(function), isUndoable});
+void define(CommandRegistry& registry, std::string name, Syntax syntax,
+            cmd::CommandFunction function, bool isUndoable) {
+  const Result<void> added = registry.add(
+      cmd::CommandSpec{std::move(name), std::move(syntax), std::move(function), isUndoable});
   HOST_ASSERT(added.has_value(), "give every built-in command a name of its own");
 }
 
@@ -32,7 +32,8 @@ std::string plugName(const dg::Plug& plug, bool shortAttribute) {
 
 std::string shapeNameFor(const std::string& transformName) {
   std::size_t digits = transformName.size();
-  while (digits > 0 && transformName[digits - 1] >= '0' && transformName[digits - 1] <= '9') --digits;
+  while (digits > 0 && transformName[digits - 1] >= '0' && transformName[digits - 1] <= '9')
+    --digits;
   return transformName.substr(0, digits) + "Shape" + transformName.substr(digits);
 }
 

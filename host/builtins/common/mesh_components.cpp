@@ -13,11 +13,16 @@ using scene::ComponentType;
 
 mesh::ComponentKind meshKind(ComponentType type) {
   switch (type) {
-    case ComponentType::Vertex: return mesh::ComponentKind::Vertex;
-    case ComponentType::Edge: return mesh::ComponentKind::Edge;
-    case ComponentType::Face: return mesh::ComponentKind::Face;
-    case ComponentType::Uv: return mesh::ComponentKind::Uv;
-    case ComponentType::VertexFace: return mesh::ComponentKind::VertexFace;
+    case ComponentType::Vertex:
+      return mesh::ComponentKind::Vertex;
+    case ComponentType::Edge:
+      return mesh::ComponentKind::Edge;
+    case ComponentType::Face:
+      return mesh::ComponentKind::Face;
+    case ComponentType::Uv:
+      return mesh::ComponentKind::Uv;
+    case ComponentType::VertexFace:
+      return mesh::ComponentKind::VertexFace;
   }
   return mesh::ComponentKind::Vertex;
 }
@@ -49,11 +54,14 @@ Component componentFromIds(const mesh::Mesh& mesh, ComponentType type, std::vect
   if (type != ComponentType::VertexFace) return Component(type, std::move(ids));
   std::vector<Component::VertexFace> pairs;
   pairs.reserve(ids.size());
-  for (const CornerId corner : ids) pairs.push_back({mesh.cornerVertex(corner), mesh.adjacency().cornerFace(corner)});
+  for (const CornerId corner : ids)
+    pairs.push_back({mesh.cornerVertex(corner), mesh.adjacency().cornerFace(corner)});
   return Component(std::move(pairs));
 }
 
-std::vector<VertexId> MeshItem::vertices() const { return ids(ComponentType::Vertex); }
+std::vector<VertexId> MeshItem::vertices() const {
+  return ids(ComponentType::Vertex);
+}
 
 std::vector<Index> MeshItem::ids(ComponentType type) const {
   if (isObject()) return componentIds(mesh, Component::all(type));

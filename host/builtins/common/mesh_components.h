@@ -11,8 +11,10 @@ namespace host::builtins {
 
 [[nodiscard]] mesh::ComponentKind meshKind(scene::ComponentType type);
 
-/// The ids of a component set in the mesh's terms: vertex faces become corners, "all" is spelled out. Sorted.
-[[nodiscard]] std::vector<Index> componentIds(const mesh::Mesh& mesh, const scene::Component& component);
+/// The ids of a component set in the mesh's terms: vertex faces become corners, "all" is spelled
+/// out. Sorted.
+[[nodiscard]] std::vector<Index> componentIds(const mesh::Mesh& mesh,
+                                              const scene::Component& component);
 /// The way back.
 [[nodiscard]] scene::Component componentFromIds(const mesh::Mesh& mesh, scene::ComponentType type,
                                                 std::vector<Index> ids);

@@ -13,28 +13,37 @@ using dg::Plug;
 
 double unitFactor(AttributeType type, const scene::Units& units) {
   switch (type) {
-    case AttributeType::Distance: return units.toCentimeters(1.0);
-    case AttributeType::Angle: return units.toRadians(1.0);
-    case AttributeType::Time: return 1.0 / units.framesPerSecond();
-    default: return 1.0;
+    case AttributeType::Distance:
+      return units.toCentimeters(1.0);
+    case AttributeType::Angle:
+      return units.toRadians(1.0);
+    case AttributeType::Time:
+      return 1.0 / units.framesPerSecond();
+    default:
+      return 1.0;
   }
 }
 
 namespace {
 
 bool isInteger(AttributeType type) {
-  return type == AttributeType::Bool || type == AttributeType::Char || type == AttributeType::Byte ||
-         type == AttributeType::Short || type == AttributeType::Long || type == AttributeType::Int64 ||
-         type == AttributeType::Enum;
+  return type == AttributeType::Bool || type == AttributeType::Char ||
+         type == AttributeType::Byte || type == AttributeType::Short ||
+         type == AttributeType::Long || type == AttributeType::Int64 || type == AttributeType::Enum;
 }
 
-/// A stored real in the scene's units. Dividing by the factor keeps the value that a script set whenever possible.
+/// A stored real in the scene's units. Dividing by the factor keeps the value that a script set
+/// whenever possible.
 double shown(double stored, AttributeType type, const scene::Units& units) {
   switch (type) {
-    case AttributeType::Distance: return units.fromCentimeters(stored);
-    case AttributeType::Angle: return units.fromRadians(stored);
-    case AttributeType::Time: return stored * units.framesPerSecond();
-    default: return stored;
+    case AttributeType::Distance:
+      return units.fromCentimeters(stored);
+    case AttributeType::Angle:
+      return units.fromRadians(stored);
+    case AttributeType::Time:
+      return stored * units.framesPerSecond();
+    default:
+      return stored;
   }
 }
 
@@ -49,10 +58,12 @@ mel::Value matrixValue(const math::Matrix4& matrix) {
 mel::Value payloadValue(const dg::Value& value) {
   if (const auto* matrix = dg::dataAs<dg::MatrixData>(value)) return matrixValue(matrix->value);
   if (const auto* ints = dg::dataAs<dg::IntArrayData>(value)) return mel::IntArray(ints->value);
-  if (const auto* doubles = dg::dataAs<dg::DoubleArrayData>(value)) return mel::FloatArray(doubles->value);
+  if (const auto* doubles = dg::dataAs<dg::DoubleArrayData>(value))
+    return mel::FloatArray(doubles->value);
   if (const auto* floats = dg::dataAs<dg::FloatArrayData>(value))
     return mel::FloatArray(floats->value.begin(), floats->value.end());
-  if (const auto* strings = dg::dataAs<dg::StringArrayData>(value)) return mel::StringArray(strings->value);
+  if (const auto* strings = dg::dataAs<dg::StringArrayData>(value))
+    return mel::StringArray(strings->value);
   if (const auto* vectors = dg::dataAs<dg::VectorArrayData>(value)) {
     mel::VectorArray result;
     for (const math::Vec3& v : vectors->value) result.push_back({v.x, v.y, v.z});
@@ -73,21 +84,24 @@ mel::Value payloadValue(const dg::Value& value) {
 }
 
 mel::Value leafValue(const dg::Value& value, AttributeType type, const scene::Units& units) {
-  if (const auto* integer = std::get_if<std::int64_t>(&value)) return static_cast<std::int32_t>(*integer);
+  if (const auto* integer = std::get_if<std::int64_t>(&value))
+    return static_cast<std::int32_t>(*integer);
   if (const auto* real = std::get_if<double>(&value)) {
     if (isInteger(type)) return mel::truncateToInt(*real);
     return shown(*real, type, units);
   }
   if (const auto* text = std::get_if<std::string>(&value)) return *text;
   if (type == AttributeType::String) return std::string{};
-  if (type == AttributeType::Matrix && std::holds_alternative<std::monostate>(value)) return matrixValue({});
+  if (type == AttributeType::Matrix && std::holds_alternative<std::monostate>(value))
+    return matrixValue({});
   return payloadValue(value);
 }
 
 /// Collects the leaves below a plug, whatever its shape.
 Result<void> collectLeaves(dg::Graph& graph, const Plug& plug, std::vector<Plug>& leaves) {
   if (plug.isArray()) {
-    for (const Index index : graph.elementIndices(plug)) HOST_TRY(collectLeaves(graph, plug.element(index), leaves));
+    for (const Index index : graph.elementIndices(plug))
+      HOST_TRY(collectLeaves(graph, plug.element(index), leaves));
     return {};
   }
   if (plug.isCompound()) {
@@ -99,9 +113,11 @@ Result<void> collectLeaves(dg::Graph& graph, const Plug& plug, std::vector<Plug>
   return {};
 }
 
-Result<mel::Value> flatNumbers(dg::Graph& graph, const scene::Units& units, const std::vector<Plug>& leaves) {
-  const bool isWhole = std::all_of(leaves.begin(), leaves.end(),
-                                   [](const Plug& leaf) { return isInteger(leaf.attribute()->type); });
+Result<mel::Value> flatNumbers(dg::Graph& graph, const scene::Units& units,
+                               const std::vector<Plug>& leaves) {
+  const bool isWhole = std::all_of(leaves.begin(), leaves.end(), [](const Plug& leaf) {
+    return isInteger(leaf.attribute()->type);
+  });
   mel::IntArray integers;
   mel::FloatArray reals;
   mel::StringArray texts;
@@ -140,10 +156,12 @@ Result<dg::Value> leafFrom(const Plug& plug, const scene::Units& units, const me
   if (value.isString() && plug.attribute()->isNumeric()) {
     // Scripts hand numbers over as text; a word that is no number would silently become 0.
     const std::string& text = value.string();
-    const bool looksNumeric = !text.empty() && text.find_first_not_of("0123456789.+-eE") == std::string::npos;
+    const bool looksNumeric =
+        !text.empty() && text.find_first_not_of("0123456789.+-eE") == std::string::npos;
     const std::optional<bool> isOn = type == AttributeType::Bool ? switchWord(text) : std::nullopt;
     if (!looksNumeric && !isOn)
-      return fail("'{}' is a numeric attribute and can't take the string \"{}\".", plugName(plug), text);
+      return fail("'{}' is a numeric attribute and can't take the string \"{}\".", plugName(plug),
+                  text);
     if (!looksNumeric) return dg::Value(std::int64_t{*isOn});
   }
   if (type == AttributeType::Bool || type == AttributeType::Enum || isInteger(type)) {
@@ -157,10 +175,14 @@ Result<dg::Value> leafFrom(const Plug& plug, const scene::Units& units, const me
   auto real = value.toFloat();
   if (!real) return failWith(std::move(real.error()));
   switch (type) {
-    case AttributeType::Distance: return dg::Value(units.toCentimeters(*real));
-    case AttributeType::Angle: return dg::Value(units.toRadians(*real));
-    case AttributeType::Time: return dg::Value(*real / units.framesPerSecond());
-    default: return dg::Value(*real);
+    case AttributeType::Distance:
+      return dg::Value(units.toCentimeters(*real));
+    case AttributeType::Angle:
+      return dg::Value(units.toRadians(*real));
+    case AttributeType::Time:
+      return dg::Value(*real / units.framesPerSecond());
+    default:
+      return dg::Value(*real);
   }
 }
 
@@ -186,7 +208,8 @@ Result<std::vector<double>> numbers(std::span<const mel::Value> values) {
 }
 
 /// Splits "count v v v ..." and checks that the values are there.
-Result<std::vector<double>> counted(std::span<const mel::Value> values, std::size_t width, const std::string& type) {
+Result<std::vector<double>> counted(std::span<const mel::Value> values, std::size_t width,
+                                    const std::string& type) {
   auto all = numbers(values);
   if (!all) return all;
   if (all->empty()) return std::vector<double>{};
@@ -211,7 +234,8 @@ Result<dg::DataPtr> numericPayload(const std::string& type, std::span<const mel:
   auto cells = counted(values, width, type);
   if (!cells) return failWith(std::move(cells.error()));
   if (type == "doubleArray") return std::make_shared<dg::DoubleArrayData>(std::move(*cells));
-  if (type == "floatArray") return std::make_shared<dg::FloatArrayData>(std::vector<float>(cells->begin(), cells->end()));
+  if (type == "floatArray")
+    return std::make_shared<dg::FloatArrayData>(std::vector<float>(cells->begin(), cells->end()));
   if (type == "Int32Array") {
     std::vector<std::int32_t> integers;
     for (const double cell : *cells) integers.push_back(mel::truncateToInt(cell));
@@ -237,7 +261,8 @@ std::vector<std::string> words(std::span<const mel::Value> values) {
 }
 
 /// "count word word ...": the words.
-Result<std::vector<std::string>> countedWords(std::span<const mel::Value> values, const std::string& type) {
+Result<std::vector<std::string>> countedWords(std::span<const mel::Value> values,
+                                              const std::string& type) {
   std::vector<std::string> all = words(values);
   if (all.empty()) return all;
   const std::int32_t count = mel::leadingInt(all.front());
@@ -291,7 +316,8 @@ Result<std::string> readEnumField(dg::Graph& graph, const Plug& plug) {
   return fail("'{}' has no name for its value.", plugName(plug));
 }
 
-Result<void> writeLeaf(dg::Graph& graph, const scene::Units& units, const Plug& plug, const mel::Value& value) {
+Result<void> writeLeaf(dg::Graph& graph, const scene::Units& units, const Plug& plug,
+                       const mel::Value& value) {
   auto converted = leafFrom(plug, units, value);
   if (!converted) return failWith(std::move(converted.error()));
   return graph.set(plug, *converted);
@@ -313,11 +339,11 @@ Result<std::size_t> writeNumbers(dg::Graph& graph, const scene::Units& units, co
   return taken;
 }
 
-Result<void> writeTyped(dg::Graph& graph, const scene::Units& units, const Plug& plug, const std::string& type,
-                        std::span<const mel::Value> values) {
-  static constexpr std::string_view kTuples[] = {"double2", "double3", "double4", "float2", "float3", "float4",
-                                                 "long2",   "long3",   "long4",   "short2", "short3", "short4",
-                                                 "reflectance", "spectrum"};
+Result<void> writeTyped(dg::Graph& graph, const scene::Units& units, const Plug& plug,
+                        const std::string& type, std::span<const mel::Value> values) {
+  static constexpr std::string_view kTuples[] = {
+      "double2", "double3", "double4", "float2", "float3", "float4",      "long2",
+      "long3",   "long4",   "short2",  "short3", "short4", "reflectance", "spectrum"};
   static constexpr std::string_view kPayloads[] = {"matrix",     "doubleArray", "floatArray",
                                                    "Int32Array", "vectorArray", "pointArray"};
   if (type == "string") {
@@ -340,14 +366,17 @@ Result<void> writeTyped(dg::Graph& graph, const scene::Units& units, const Plug&
     auto list = countedWords(values, type);
     if (!list) return failWith(std::move(list.error()));
     if (type == "stringArray")
-      return graph.set(plug, dg::Value(dg::DataPtr(std::make_shared<dg::StringArrayData>(std::move(*list)))));
+      return graph.set(
+          plug, dg::Value(dg::DataPtr(std::make_shared<dg::StringArrayData>(std::move(*list)))));
     std::vector<scene::Component> components;
     for (const std::string& word : *list) {
       auto component = scene::parseComponent(word);
       if (!component) return failWith(std::move(component.error()));
       components.push_back(std::move(*component));
     }
-    return graph.set(plug, dg::Value(dg::DataPtr(std::make_shared<scene::ComponentListData>(std::move(components)))));
+    return graph.set(
+        plug,
+        dg::Value(dg::DataPtr(std::make_shared<scene::ComponentListData>(std::move(components)))));
   }
   return fail("setAttr: unknown -type '{}' for '{}'.", type, plugName(plug));
 }

@@ -11,7 +11,8 @@ math::Vec3 TransformTargets::vertexCenter() const {
   math::Box box;
   for (const MeshItem& item : meshes) {
     const math::Matrix4 matrix = item.path.inclusiveMatrix();
-    for (const VertexId v : item.vertices()) box.add(math::transformPoint(item.mesh.point(v), matrix));
+    for (const VertexId v : item.vertices())
+      box.add(math::transformPoint(item.mesh.point(v), matrix));
   }
   return box.center();
 }
@@ -20,7 +21,8 @@ Result<TransformTargets> transformTargets(const scene::SelectionList& list) {
   TransformTargets targets;
   scene::SelectionList components;
   for (const scene::SelectionItem& item : list.items()) {
-    if (!item.isDag() || item.plug) return fail("'{}' has no place in space.", nodeName(*item.node));
+    if (!item.isDag() || item.plug)
+      return fail("'{}' has no place in space.", nodeName(*item.node));
     if (item.isObject())
       targets.objects.push_back(item.path.transform());
     else
@@ -52,8 +54,10 @@ std::optional<double> measure(std::string_view text, ArgType type, const scene::
 std::vector<double> measures(const mel::Value& value, ArgType type, const scene::Units& units) {
   std::vector<double> numbers;
   if (value.isInt() || value.isFloat()) numbers = {value.toFloat().value_or(0)};
-  if (value.type() == mel::Type::Vector) numbers = {value.vector().x, value.vector().y, value.vector().z};
-  if (value.type() == mel::Type::FloatArray) numbers.assign(value.floatArray().begin(), value.floatArray().end());
+  if (value.type() == mel::Type::Vector)
+    numbers = {value.vector().x, value.vector().y, value.vector().z};
+  if (value.type() == mel::Type::FloatArray)
+    numbers.assign(value.floatArray().begin(), value.floatArray().end());
   for (double& number : numbers) {
     if (type == ArgType::Distance) number = units.toCentimeters(number);
     if (type == ArgType::Angle) number = units.toRadians(number);
@@ -65,7 +69,8 @@ std::vector<double> measures(const mel::Value& value, ArgType type, const scene:
 
 }  // namespace
 
-NumbersAndNames splitNumbers(const ParsedArgs& args, std::size_t most, ArgType type, const scene::Units& units) {
+NumbersAndNames splitNumbers(const ParsedArgs& args, std::size_t most, ArgType type,
+                             const scene::Units& units) {
   NumbersAndNames split;
   bool isInNumbers = true;
   for (const mel::Value& value : args.arguments()) {

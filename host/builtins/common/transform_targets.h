@@ -10,7 +10,8 @@
 
 namespace host::builtins {
 
-/// What move, rotate, scale and xform work on: objects by their transform, components by their vertices.
+/// What move, rotate, scale and xform work on: objects by their transform, components by their
+/// vertices.
 struct TransformTargets {
   std::vector<scene::DagPath> objects;
   std::vector<MeshItem> meshes;  ///< components only
@@ -23,8 +24,9 @@ struct TransformTargets {
 /// Splits a list; shapes count as their transform. Fails for what has no place in space, naming it.
 [[nodiscard]] Result<TransformTargets> transformTargets(const scene::SelectionList& list);
 
-/// The leading numbers of a command's arguments in cm, radians or as they are, by `type`, and the words after them. A
-/// number may carry its unit, as in 5mm or 0.5rad; without one it is in the scene's.
+/// The leading numbers of a command's arguments in cm, radians or as they are, by `type`, and the
+/// words after them. A number may carry its unit, as in 5mm or 0.5rad; without one it is in the
+/// scene's.
 struct NumbersAndNames {
   std::vector<double> numbers;
   std::vector<std::string> names;
@@ -32,14 +34,19 @@ struct NumbersAndNames {
 [[nodiscard]] NumbersAndNames splitNumbers(const ParsedArgs& args, std::size_t most, ArgType type,
                                            const scene::Units& units);
 
-/// Replaces each vertex of the items by `edit(point)`, given and taken in `space`; points that come back unchanged keep
-/// their bits. Stored as object-space floats, or as tweaks when there is history.
+/// Replaces each vertex of the items by `edit(point)`, given and taken in `space`; points that come
+/// back unchanged keep their bits. Stored as object-space floats, or as tweaks when there is
+/// history.
 template <class Edit>
-Result<void> editVertices(const std::vector<MeshItem>& items, nodes::Space space, const Edit& edit) {
+Result<void> editVertices(const std::vector<MeshItem>& items, nodes::Space space,
+                          const Edit& edit) {
   for (const MeshItem& item : items) {
-    const math::Matrix4 matrix = space == nodes::Space::World ? item.path.inclusiveMatrix() : math::Matrix4{};
+    const math::Matrix4 matrix =
+        space == nodes::Space::World ? item.path.inclusiveMatrix() : math::Matrix4{};
     const auto inverse = math::inverse(matrix);
-    if (!inverse) return fail("'{}' has a scale of zero: its points can't be set in world space.", item.path.partialName());
+    if (!inverse)
+      return fail("'{}' has a scale of zero: its points can't be set in world space.",
+                  item.path.partialName());
     // Read again: an earlier item may be another instance of the same shape.
     auto mesh = nodes::evaluatedMesh(*item.path.node());
     if (!mesh) return failWith(std::move(mesh.error()));

@@ -35,7 +35,8 @@ CommandResult spaceLocator(Context& context, const ParsedArgs& args) {
   if (!shape) return failWith(std::move(shape.error()));
   if (args.has("position")) {
     const math::Vec3 position = args.vec3("position");
-    // Absolute positions sit on the shape, relative ones move the transform's contents alike: both leave it at rest.
+    // Absolute positions sit on the shape, relative ones move the transform's contents alike: both
+    // leave it at rest.
     HOST_TRY(document.graph().setVec3((*shape)->plug("localPosition"), position));
   }
   scene::SelectionList list;
@@ -98,7 +99,8 @@ void registerCreateNode(CommandRegistry& registry) {
              .flag("a", "absolute")
              .flag("r", "relative"),
          spaceLocator);
-  define(registry, "rename", Syntax().flag("is", "ignoreShape").flag("uid", "uuid").strings(1, 2), rename);
+  define(registry, "rename", Syntax().flag("is", "ignoreShape").flag("uid", "uuid").strings(1, 2),
+         rename);
 }
 
 }  // namespace host::builtins

@@ -37,7 +37,8 @@ CommandResult deleteObjects(Context& context, const ParsedArgs& args) {
     return mel::Value();
   }
   // These name what drives objects, never the objects; there are no such drivers here to delete.
-  if (args.has("channels") || args.has("expressions") || args.has("constraints")) return mel::Value();
+  if (args.has("channels") || args.has("expressions") || args.has("constraints"))
+    return mel::Value();
   if (args.has("all")) {
     *list = {};
     for (scene::Node* node : document.worldChildren())

@@ -17,7 +17,9 @@ using scene::Node;
 class Duplicator {
  public:
   Duplicator(Context& context, const ParsedArgs& args)
-      : document_(context.document), args_(args), hooks_(context.session.service<DuplicateHooks>()) {}
+      : document_(context.document),
+        args_(args),
+        hooks_(context.session.service<DuplicateHooks>()) {}
 
   Result<Node*> copyTree(const DagPath& path, Node* parent, const std::string& wanted) {
     Node& original = *path.node();
@@ -53,13 +55,16 @@ class Duplicator {
       for (const dg::Graph::Connection& connection : document_.graph().incoming(original)) {
         Node* from = connection.source.node();
         if (connection.destination.attribute()->top().longName == "instObjGroups") continue;
-        if (copiesUpstream && !scene::isDagNode(*from) && !from->isDefault() && !copyOf_.count(from)) {
+        if (copiesUpstream && !scene::isDagNode(*from) && !from->isDefault() &&
+            !copyOf_.count(from)) {
           auto copied = copyOne(*from, numberless(from->name()) + "#", nullptr);
           if (!copied) return failWith(std::move(copied.error()));
           order_.push_back(from);
         }
-        const Plug source = copyOf_.count(from) ? moved(connection.source, *copyOf_[from]) : connection.source;
-        HOST_TRY(document_.graph().connect(source, moved(connection.destination, *copyOf_[&original]), true));
+        const Plug source =
+            copyOf_.count(from) ? moved(connection.source, *copyOf_[from]) : connection.source;
+        HOST_TRY(document_.graph().connect(
+            source, moved(connection.destination, *copyOf_[&original]), true));
       }
     }
     return {};
@@ -101,7 +106,8 @@ class Duplicator {
         if (!shape) return failWith(std::move(shape.error()));
         continue;
       }
-      auto below = copyOne(*child, renames ? numberless(child->name()) + "#" : child->name(), &copy);
+      auto below =
+          copyOne(*child, renames ? numberless(child->name()) + "#" : child->name(), &copy);
       if (!below) return failWith(std::move(below.error()));
       copies_.push_back(*below);
       HOST_TRY(copyChildren(childPath, **below, renames));
@@ -125,7 +131,8 @@ class Duplicator {
   Result<void> copyValue(const Plug& from, const Plug& to) {
     const dg::Attribute& attribute = *from.attribute();
     dg::Graph& graph = document_.graph();
-    if (!attribute.writable || !attribute.storable || attribute.longName == "instObjGroups") return {};
+    if (!attribute.writable || !attribute.storable || attribute.longName == "instObjGroups")
+      return {};
     // The copy computes its own.
     if (!attribute.top().isDynamic && from.node()->type().isComputed(&attribute)) return {};
     if (from.isArray()) {
@@ -133,8 +140,10 @@ class Duplicator {
       std::vector<Index> indices;
       std::vector<double> values;
       if (graph.getPacked(from, indices, values))
-        return indices.empty() ? Result<void>{} : graph.setPacked(to, std::move(indices), std::move(values));
-      for (const Index index : graph.elementIndices(from)) HOST_TRY(copyValue(from.element(index), to.element(index)));
+        return indices.empty() ? Result<void>{}
+                               : graph.setPacked(to, std::move(indices), std::move(values));
+      for (const Index index : graph.elementIndices(from))
+        HOST_TRY(copyValue(from.element(index), to.element(index)));
       return {};
     }
     if (from.isCompound()) {
@@ -211,7 +220,8 @@ CommandResult instance(Context& context, const ParsedArgs& args) {
   std::vector<std::string> names;
   scene::SelectionList made;
   for (const scene::SelectionItem& item : list->items()) {
-    if (!item.isDag()) return fail("'{}' is not in the hierarchy and can't be instanced.", item.node->name());
+    if (!item.isDag())
+      return fail("'{}' is not in the hierarchy and can't be instanced.", item.node->name());
     const DagPath path = scene::isShape(*item.node) ? item.path.transform() : item.path;
     Duplicator duplicator(context, args);
     const std::string name = args.text("name", path.node()->name());

@@ -7,16 +7,18 @@
 
 namespace host::builtins {
 
-Result<void> reparentObject(scene::Document& document, const scene::DagPath& path, scene::Node* parent,
-                            bool isRelative) {
+Result<void> reparentObject(scene::Document& document, const scene::DagPath& path,
+                            scene::Node* parent, bool isRelative) {
   scene::Node& node = *path.node();
   const math::Matrix4 before = path.inclusiveMatrix(), oldParent = path.exclusiveMatrix();
   HOST_TRY(document.reparent(path, parent));
   if (isRelative || !scene::isTransform(node)) return {};
-  const math::Matrix4 newParent = parent ? scene::firstPath(*parent).inclusiveMatrix() : math::Matrix4{};
+  const math::Matrix4 newParent =
+      parent ? scene::firstPath(*parent).inclusiveMatrix() : math::Matrix4{};
   if (newParent == oldParent) return {};
   const auto inverse = math::inverse(newParent);
-  if (!inverse) return fail("'{}' has a scale of zero: nothing can keep its place under it.", parent->name());
+  if (!inverse)
+    return fail("'{}' has a scale of zero: nothing can keep its place under it.", parent->name());
   return nodes::setLocalMatrix(node, before * *inverse);
 }
 
@@ -29,18 +31,24 @@ math::Box boxUnder(const scene::DagPath& path, const math::Matrix4& matrix) {
     if (!shape.node()->plug("outMesh")) continue;
     const auto mesh = nodes::evaluatedMesh(*shape.node());
     if (!mesh) continue;
-    for (const math::Vec3f& point : mesh->points()) box.add(math::transformPoint(math::Vec3(point), matrix));
+    for (const math::Vec3f& point : mesh->points())
+      box.add(math::transformPoint(math::Vec3(point), matrix));
   }
   if (!scene::isTransform(*path.node())) return box;
   for (scene::Node* child : scene::dagLinks(*path.node()).children)
-    if (scene::isTransform(*child)) box.add(boxUnder(path.child(child), scene::localMatrix(*child) * matrix));
+    if (scene::isTransform(*child))
+      box.add(boxUnder(path.child(child), scene::localMatrix(*child) * matrix));
   return box;
 }
 
 }  // namespace
 
-math::Box objectBox(const scene::DagPath& path) { return boxUnder(path, {}); }
-math::Box worldBox(const scene::DagPath& path) { return boxUnder(path, path.inclusiveMatrix()); }
+math::Box objectBox(const scene::DagPath& path) {
+  return boxUnder(path, {});
+}
+math::Box worldBox(const scene::DagPath& path) {
+  return boxUnder(path, path.inclusiveMatrix());
+}
 
 Result<math::Box> worldBox(const scene::SelectionItem& item) {
   if (item.isObject()) return item.isDag() ? worldBox(item.path) : math::Box{};
@@ -51,7 +59,8 @@ Result<math::Box> worldBox(const scene::SelectionItem& item) {
   math::Box box;
   for (const MeshItem& each : *items) {
     const math::Matrix4 matrix = each.path.inclusiveMatrix();
-    for (const VertexId v : each.vertices()) box.add(math::transformPoint(each.mesh.point(v), matrix));
+    for (const VertexId v : each.vertices())
+      box.add(math::transformPoint(each.mesh.point(v), matrix));
   }
   return box;
 }

@@ -9,12 +9,16 @@ namespace {
 
 using scene::Node;
 
-/// Walks connections upstream (or downstream) from a node. Shading and bookkeeping connections are no history.
+/// Walks connections upstream (or downstream) from a node. Shading and bookkeeping connections are
+/// no history.
 class HistoryWalk {
  public:
   HistoryWalk(Context& context, const ParsedArgs& args)
-      : graph_(context.document.graph()), isFuture_(args.boolean("future")), prunesDag_(args.boolean("pruneDagObjects")),
-        isBreadthFirst_(args.has("breadthFirst")), levels_(args.integer("levels", 0)) {}
+      : graph_(context.document.graph()),
+        isFuture_(args.boolean("future")),
+        prunesDag_(args.boolean("pruneDagObjects")),
+        isBreadthFirst_(args.has("breadthFirst")),
+        levels_(args.integer("levels", 0)) {}
 
   void start(Node& node) { isBreadthFirst_ ? walkBroad(node) : walkDeep(node, 0); }
   [[nodiscard]] const std::vector<Node*>& nodes() const { return found_; }
@@ -29,8 +33,10 @@ class HistoryWalk {
 
   [[nodiscard]] std::vector<Node*> neighbours(Node& node) const {
     std::vector<Node*> result;
-    for (const dg::Graph::Connection& connection : isFuture_ ? graph_.outgoing(node) : graph_.incoming(node))
-      if (isHistory(connection)) result.push_back(isFuture_ ? connection.destination.node() : connection.source.node());
+    for (const dg::Graph::Connection& connection :
+         isFuture_ ? graph_.outgoing(node) : graph_.incoming(node))
+      if (isHistory(connection))
+        result.push_back(isFuture_ ? connection.destination.node() : connection.source.node());
     return result;
   }
 
@@ -48,7 +54,8 @@ class HistoryWalk {
       stack.pop_back();
       if (!take(*node) || (levels_ > 0 && level >= levels_)) continue;
       const std::vector<Node*> next = neighbours(*node);
-      for (auto each = next.rbegin(); each != next.rend(); ++each) stack.emplace_back(*each, level + 1);
+      for (auto each = next.rbegin(); each != next.rend(); ++each)
+        stack.emplace_back(*each, level + 1);
     }
   }
 

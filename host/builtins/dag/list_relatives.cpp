@@ -10,7 +10,8 @@ using scene::DagPath;
 
 class RelativeLister {
  public:
-  RelativeLister(Context& context, const ParsedArgs& args) : document_(context.document), args_(args) {
+  RelativeLister(Context& context, const ParsedArgs& args)
+      : document_(context.document), args_(args) {
     types_ = args.texts("type");
   }
 
@@ -42,16 +43,20 @@ class RelativeLister {
     if (path.isWorld()) return;
     scene::Node& node = *path.node();
     if (args_.has("shapes") && !scene::isShape(node)) return;
-    if (!types_.empty() &&
-        std::none_of(types_.begin(), types_.end(), [&](const std::string& type) { return node.type().isA(type); }))
+    if (!types_.empty() && std::none_of(types_.begin(), types_.end(), [&](const std::string& type) {
+          return node.type().isA(type);
+        }))
       return;
     if (args_.has("noIntermediate")) {
       const dg::Plug plug = node.plug("intermediateObject");
       const auto value = document_.graph().get(plug);
       if (value && dg::equal(*value, std::int64_t{1})) return;
     }
-    std::string name = args_.has("fullPath") ? path.fullName() : args_.has("path") ? path.partialName() : node.name();
-    if (args_.has("allParents") && std::find(names_.begin(), names_.end(), name) != names_.end()) return;
+    std::string name = args_.has("fullPath") ? path.fullName()
+                       : args_.has("path")   ? path.partialName()
+                                             : node.name();
+    if (args_.has("allParents") && std::find(names_.begin(), names_.end(), name) != names_.end())
+      return;
     names_.push_back(std::move(name));
   }
 

@@ -16,8 +16,10 @@ struct Parts {
   bool translate = true, rotate = true, scale = true;
 };
 
-/// What stays of a transform when parts of it go down to its children; the pivots stay where they are in space.
-TransformComponents remaining(const Matrix4& local, const TransformComponents& before, const Parts& parts) {
+/// What stays of a transform when parts of it go down to its children; the pivots stay where they
+/// are in space.
+TransformComponents remaining(const Matrix4& local, const TransformComponents& before,
+                              const Parts& parts) {
   TransformComponents after;
   after.rotateOrder = before.rotateOrder;
   const TransformComponents now = math::decompose(local, before);
@@ -39,8 +41,10 @@ Result<void> movePoints(scene::Document& document, dg::Node& shape, const Matrix
   if (nodes::hasHistory(shape)) {
     auto node = document.createNode("transformGeometry", "transformGeometry#");
     if (!node) return failWith(std::move(node.error()));
-    HOST_TRY(document.graph().set((*node)->plug("transform"), dg::DataPtr(std::make_shared<dg::MatrixData>(by))));
-    return nodes::insertHistoryNode(document, shape, (*node)->plug("inputGeometry"), (*node)->plug("outputGeometry"));
+    HOST_TRY(document.graph().set((*node)->plug("transform"),
+                                  dg::DataPtr(std::make_shared<dg::MatrixData>(by))));
+    return nodes::insertHistoryNode(document, shape, (*node)->plug("inputGeometry"),
+                                    (*node)->plug("outputGeometry"));
   }
   auto mesh = nodes::evaluatedMesh(shape);
   if (!mesh) return failWith(std::move(mesh.error()));
@@ -57,7 +61,8 @@ class Freeze {
   Result<void> check(dg::Node& node) const {
     if (scene::isShape(node)) return {};
     if (scene::dagLinks(node).parents.size() > 1 || hasInstancedShape(node))
-      return fail("makeIdentity: '{}' is instanced; its instances can't all be frozen.", node.name());
+      return fail("makeIdentity: '{}' is instanced; its instances can't all be frozen.",
+                  node.name());
     for (const char* name : {"translate", "rotate", "scale"}) {
       if (!isFrozen(name)) continue;
       for (int axis = 0; axis < 3; ++axis)
@@ -77,7 +82,8 @@ class Freeze {
     if (!inverse) return fail("makeIdentity: '{}' has a scale of zero.", node.name());
     HOST_TRY(nodes::writeTransform(node, after));
     const Matrix4 down = local * *inverse;
-    const std::vector<dg::Node*> children(scene::dagLinks(node).children.begin(), scene::dagLinks(node).children.end());
+    const std::vector<dg::Node*> children(scene::dagLinks(node).children.begin(),
+                                          scene::dagLinks(node).children.end());
     for (dg::Node* child : children)
       if (!scene::isShape(*child)) HOST_TRY(apply(*child, down));
     for (const DagPath& shape : scene::firstPath(node).shapes())

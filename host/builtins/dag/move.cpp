@@ -28,11 +28,13 @@ Result<Move> readMove(const ParsedArgs& args, const std::vector<double>& numbers
   if (args.has("localSpace")) move.space = MoveSpace::Local;
   move.byRotatePivot = args.has("rotatePivotRelative");
   move.byScalePivot = args.has("scalePivotRelative");
-  for (const std::string_view flag : {"moveX", "moveY", "moveZ", "moveXY", "moveXZ", "moveYZ", "moveXYZ"}) {
+  for (const std::string_view flag :
+       {"moveX", "moveY", "moveZ", "moveXY", "moveXZ", "moveYZ", "moveXYZ"}) {
     if (!args.has(flag)) continue;
     const std::string_view letters = flag.substr(4);
     for (int axis = 0; axis < 3; ++axis)
-      move.axes[static_cast<std::size_t>(axis)] = letters.find("XYZ"[axis]) != std::string_view::npos;
+      move.axes[static_cast<std::size_t>(axis)] =
+          letters.find("XYZ"[axis]) != std::string_view::npos;
   }
   std::size_t next = 0;
   for (int axis = 0; axis < 3; ++axis) {
@@ -57,13 +59,16 @@ Result<void> moveObject(const scene::DagPath& path, const Move& move) {
   if (!components) return failWith(std::move(components.error()));
   const math::Matrix4 parent = path.exclusiveMatrix();
   const auto inverse = math::inverse(parent);
-  if (!inverse) return fail("'{}' is under a scale of zero and can't be moved in world space.", path.partialName());
+  if (!inverse)
+    return fail("'{}' is under a scale of zero and can't be moved in world space.",
+                path.partialName());
   Vec3& translate = components->translate;
   if (move.space == MoveSpace::World) {
     Vec3 from = math::transformPoint(translate, parent);
     if (move.byRotatePivot || move.byScalePivot) {
-      const Vec3 pivot = move.byScalePivot ? components->scalePivot + components->scalePivotTranslate
-                                           : components->rotatePivot + components->rotatePivotTranslate;
+      const Vec3 pivot = move.byScalePivot
+                             ? components->scalePivot + components->scalePivotTranslate
+                             : components->rotatePivot + components->rotatePivotTranslate;
       from = math::transformPoint(translate + pivot, parent);
     }
     const Vec3 to = moved(move, from);
@@ -79,17 +84,20 @@ Result<void> moveObject(const scene::DagPath& path, const Move& move) {
 }
 
 /// Moving a pivot leaves the object where it is.
-Result<void> movePivot(const scene::DagPath& path, const Move& move, bool rotatePivot, bool scalePivot) {
+Result<void> movePivot(const scene::DagPath& path, const Move& move, bool rotatePivot,
+                       bool scalePivot) {
   auto components = nodes::readTransform(*path.node());
   if (!components) return failWith(std::move(components.error()));
   const math::Matrix4 matrix = path.inclusiveMatrix();
   const auto inverse = math::inverse(matrix);
-  if (!inverse) return fail("'{}' has a scale of zero: its pivots can't be moved.", path.partialName());
+  if (!inverse)
+    return fail("'{}' has a scale of zero: its pivots can't be moved.", path.partialName());
   const auto target = [&](const Vec3& pivot) {
     if (move.space != MoveSpace::World) return moved(move, pivot);
     return math::transformPoint(moved(move, math::transformPoint(pivot, matrix)), *inverse);
   };
-  if (rotatePivot) *components = math::withRotatePivot(*components, target(components->rotatePivot));
+  if (rotatePivot)
+    *components = math::withRotatePivot(*components, target(components->rotatePivot));
   if (scalePivot) *components = math::withScalePivot(*components, target(components->scalePivot));
   return nodes::writeTransform(*path.node(), *components);
 }
@@ -106,7 +114,8 @@ PivotWords pivotOf(const dg::Plug& plug) {
 CommandResult move(Context& context, const ParsedArgs& args) {
   scene::Document& document = context.document;
   const NumbersAndNames words = splitNumbers(args, 3, ArgType::Distance, document.units());
-  auto list = words.names.empty() ? Result<scene::SelectionList>(document.selection()) : document.resolveAll(words.names);
+  auto list = words.names.empty() ? Result<scene::SelectionList>(document.selection())
+                                  : document.resolveAll(words.names);
   if (!list) return failWith(std::move(list.error()));
   auto amount = readMove(args, words.numbers);
   if (!amount) return failWith(std::move(amount.error()));
@@ -117,13 +126,15 @@ CommandResult move(Context& context, const ParsedArgs& args) {
       rest.merge(item);
       continue;
     }
-    HOST_TRY(movePivot(scene::firstPath(*item.plug.node()), *amount, pivots.rotatePivot, pivots.scalePivot));
+    HOST_TRY(movePivot(scene::firstPath(*item.plug.node()), *amount, pivots.rotatePivot,
+                       pivots.scalePivot));
   }
   auto targets = transformTargets(rest);
   if (!targets) return failWith(std::move(targets.error()));
   if (list->isEmpty()) return fail("move: name or select something to move.");
   for (const scene::DagPath& path : targets->objects) HOST_TRY(moveObject(path, *amount));
-  const nodes::Space space = amount->space == MoveSpace::World ? nodes::Space::World : nodes::Space::Object;
+  const nodes::Space space =
+      amount->space == MoveSpace::World ? nodes::Space::World : nodes::Space::Object;
   HOST_TRY(editVertices(targets->meshes, space, [&](const Vec3& p) { return moved(*amount, p); }));
   return mel::Value();
 }

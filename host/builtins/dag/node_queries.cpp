@@ -9,7 +9,8 @@ namespace {
 
 CommandResult objExists(Context& context, const ParsedArgs& args) {
   const std::string name = args.firstObject();
-  if (name.find('.') == std::string::npos) return mel::Value(!context.document.findNodes(name).empty());
+  if (name.find('.') == std::string::npos)
+    return mel::Value(!context.document.findNodes(name).empty());
   return mel::Value(context.document.resolve(name).has_value());
 }
 
@@ -46,11 +47,16 @@ CommandResult nodeType(Context& context, const ParsedArgs& args) {
 
 std::string_view componentTypeName(const scene::Component& component) {
   switch (component.type()) {
-    case scene::ComponentType::Vertex: return "float3";
-    case scene::ComponentType::Edge: return "mesh";
-    case scene::ComponentType::Face: return "mesh";
-    case scene::ComponentType::Uv: return "float2";
-    case scene::ComponentType::VertexFace: return "mesh";
+    case scene::ComponentType::Vertex:
+      return "float3";
+    case scene::ComponentType::Edge:
+      return "mesh";
+    case scene::ComponentType::Face:
+      return "mesh";
+    case scene::ComponentType::Uv:
+      return "float2";
+    case scene::ComponentType::VertexFace:
+      return "mesh";
   }
   return "mesh";
 }
@@ -89,7 +95,8 @@ CommandResult getClassification(Context& context, const ParsedArgs& args) {
   if (!args.has("satisfies")) return toValue(std::move(classes));
   const std::string wanted = args.text("satisfies");
   return mel::Value(std::all_of(classes.begin(), classes.end(), [&](const std::string& text) {
-    return text.compare(0, wanted.size(), wanted) == 0 || text.find(":" + wanted) != std::string::npos;
+    return text.compare(0, wanted.size(), wanted) == 0 ||
+           text.find(":" + wanted) != std::string::npos;
   }));
 }
 
@@ -131,11 +138,12 @@ void registerNodeQueries(CommandRegistry& registry) {
                   .objects(0, 1, true),
               objectType);
   defineQuery(registry, "allNodeTypes", Syntax().flag("ia", "includeAbstract"), allNodeTypes);
-  defineQuery(registry, "getClassification", Syntax().flag("sat", "satisfies", {ArgType::String}).strings(1),
-              getClassification);
-  defineQuery(registry, "exactWorldBoundingBox",
-              Syntax().flag("ii", "ignoreInvisible").flag("ce", "calculateExactly").objects(0, -1, true),
-              exactWorldBoundingBox);
+  defineQuery(registry, "getClassification",
+              Syntax().flag("sat", "satisfies", {ArgType::String}).strings(1), getClassification);
+  defineQuery(
+      registry, "exactWorldBoundingBox",
+      Syntax().flag("ii", "ignoreInvisible").flag("ce", "calculateExactly").objects(0, -1, true),
+      exactWorldBoundingBox);
 }
 
 }  // namespace host::builtins

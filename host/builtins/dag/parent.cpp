@@ -17,7 +17,8 @@ Result<std::vector<DagPath>> pathsOf(Context& context, const ParsedArgs& args) {
   if (list->isEmpty()) list = context.document.selection();
   std::vector<DagPath> paths;
   for (const scene::SelectionItem& item : list->items()) {
-    if (!item.isDag()) return fail("'{}' is not in the hierarchy of transforms and shapes", item.node->name());
+    if (!item.isDag())
+      return fail("'{}' is not in the hierarchy of transforms and shapes", item.node->name());
     paths.push_back(item.isObject() ? item.path : item.path.transform());
   }
   return paths;
@@ -35,24 +36,27 @@ CommandResult parent(Context& context, const ParsedArgs& args) {
   }
   scene::Node* newParent = nullptr;
   if (!toWorld) {
-    if (paths->size() < 2) return fail("parent: the last object named is the new parent, so two are needed.");
+    if (paths->size() < 2)
+      return fail("parent: the last object named is the new parent, so two are needed.");
     newParent = paths->back().node();
     paths->pop_back();
-    if (!scene::isTransform(*newParent)) return fail("'{}' can't have children.", newParent->name());
+    if (!scene::isTransform(*newParent))
+      return fail("'{}' can't have children.", newParent->name());
   }
   std::vector<std::string> names;
   for (const DagPath& path : *paths) {
     scene::Node& node = *path.node();
     if (scene::isShape(node) && !args.has("shape"))
-      return fail("parent: '{}' is a shape: use -shape to move it to another transform.", node.name());
+      return fail("parent: '{}' is a shape: use -shape to move it to another transform.",
+                  node.name());
     if (args.has("addObject")) {
       HOST_TRY(document.addInstance(node, newParent));
     } else {
       const bool isThere = path.parent().node() == newParent;
       if (isThere) {
         postMessage(MessageKind::Warning,
-                    fmt::format("Object, '{}', skipped. It is already a child of the parent, '{}'.", nodeName(node),
-                                newParent ? newParent->name() : "world"));
+                    fmt::format("Object, '{}', skipped. It is already a child of the parent, '{}'.",
+                                nodeName(node), newParent ? newParent->name() : "world"));
         continue;
       }
       HOST_TRY(reparentObject(document, path, newParent, args.has("relative")));
@@ -88,7 +92,8 @@ CommandResult group(Context& context, const ParsedArgs& args) {
   auto created = document.createNode("transform", args.text("name", "group#"), under);
   if (!created) return failWith(std::move(created.error()));
   scene::Node& node = **created;
-  for (const DagPath& path : paths) HOST_TRY(reparentObject(document, path, &node, args.has("relative")));
+  for (const DagPath& path : paths)
+    HOST_TRY(reparentObject(document, path, &node, args.has("relative")));
   const DagPath path = scene::firstPath(node);
   if (const math::Box box = objectBox(path); !box.isEmpty()) {
     auto components = nodes::readTransform(node);
@@ -114,7 +119,8 @@ CommandResult reorder(Context& context, const ParsedArgs& args) {
     int position = static_cast<int>(at - siblings.begin());
     if (args.has("front")) position = 0;
     if (args.has("back")) position = last;
-    if (args.has("relative")) position = ((position + args.integer("relative")) % (last + 1) + last + 1) % (last + 1);
+    if (args.has("relative"))
+      position = ((position + args.integer("relative")) % (last + 1) + last + 1) % (last + 1);
     HOST_TRY(document.reorder(*path.node(), above, position));
   }
   std::vector<std::string> names;
@@ -149,7 +155,11 @@ void registerParent(CommandRegistry& registry) {
              .objects(),
          group);
   define(registry, "reorder",
-         Syntax().flag("f", "front").flag("b", "back").flag("r", "relative", {ArgType::Int}).objects(0, -1, true),
+         Syntax()
+             .flag("f", "front")
+             .flag("b", "back")
+             .flag("r", "relative", {ArgType::Int})
+             .objects(0, -1, true),
          reorder);
 }
 

@@ -18,9 +18,10 @@ struct Turn {
   std::optional<Vec3> pivot;  ///< world space, cm
 };
 
-/// Reads the numbers for the axes that the flags pick; `base` is the neutral value, `prefix` that of the axis flags.
-Result<Turn> readTurn(const ParsedArgs& args, std::string_view prefix, const std::vector<double>& numbers,
-                      double neutral) {
+/// Reads the numbers for the axes that the flags pick; `base` is the neutral value, `prefix` that
+/// of the axis flags.
+Result<Turn> readTurn(const ParsedArgs& args, std::string_view prefix,
+                      const std::vector<double>& numbers, double neutral) {
   Turn turn;
   turn.isRelative = args.has("relative");
   turn.isWorld = args.has("worldSpace");
@@ -32,7 +33,8 @@ Result<Turn> readTurn(const ParsedArgs& args, std::string_view prefix, const std
     const std::string_view letters = name.substr(prefix.size());
     if (letters.find_first_not_of("XYZ") != std::string_view::npos) continue;
     for (int axis = 0; axis < 3; ++axis)
-      turn.axes[static_cast<std::size_t>(axis)] = letters.find("XYZ"[axis]) != std::string_view::npos;
+      turn.axes[static_cast<std::size_t>(axis)] =
+          letters.find("XYZ"[axis]) != std::string_view::npos;
   }
   std::size_t next = 0;
   turn.amount = {neutral, neutral, neutral};
@@ -77,8 +79,11 @@ Result<void> rotateObject(const scene::DagPath& path, const Turn& turn) {
     const Matrix4 own = math::eulerToMatrix(rotate, components->rotateOrder);
     const Matrix4 above = rotationOf(path.exclusiveMatrix());
     const Matrix4 under = math::transpose(above);
-    const Matrix4 result = !turn.isRelative ? delta * under : turn.isWorld ? own * above * delta * under : delta * own;
-    rotate = math::closestEuler(math::matrixToEuler(result, components->rotateOrder), components->rotateOrder, rotate);
+    const Matrix4 result = !turn.isRelative ? delta * under
+                           : turn.isWorld   ? own * above * delta * under
+                                            : delta * own;
+    rotate = math::closestEuler(math::matrixToEuler(result, components->rotateOrder),
+                                components->rotateOrder, rotate);
   }
   return nodes::writeTransform(*path.node(), *components);
 }
@@ -102,7 +107,8 @@ Result<void> scaleObject(const scene::DagPath& path, const Turn& turn) {
   return nodes::writeTransform(*path.node(), *components);
 }
 
-Result<TransformTargets> targetsOf(Context& context, const std::vector<std::string>& names, std::string_view command) {
+Result<TransformTargets> targetsOf(Context& context, const std::vector<std::string>& names,
+                                   std::string_view command) {
   auto list = names.empty() ? Result<scene::SelectionList>(context.document.selection())
                             : context.document.resolveAll(names);
   if (!list) return failWith(std::move(list.error()));
@@ -111,7 +117,8 @@ Result<TransformTargets> targetsOf(Context& context, const std::vector<std::stri
 }
 
 /// Turns the components about the pivot along the axes of the world or of each object.
-Result<void> turnVertices(const TransformTargets& targets, const Turn& turn, const Matrix4& change, bool isWorld) {
+Result<void> turnVertices(const TransformTargets& targets, const Turn& turn, const Matrix4& change,
+                          bool isWorld) {
   const Vec3 pivot = turn.pivot.value_or(targets.meshes.empty() ? Vec3{} : targets.vertexCenter());
   for (const MeshItem& item : targets.meshes) {
     Matrix4 world = change;
@@ -120,7 +127,8 @@ Result<void> turnVertices(const TransformTargets& targets, const Turn& turn, con
       world = math::transpose(axes) * change * axes;
     }
     const Matrix4 matrix = about(pivot, world);
-    HOST_TRY(editVertices({item}, nodes::Space::World, [&](const Vec3& p) { return math::transformPoint(p, matrix); }));
+    HOST_TRY(editVertices({item}, nodes::Space::World,
+                          [&](const Vec3& p) { return math::transformPoint(p, matrix); }));
   }
   return {};
 }
@@ -132,7 +140,8 @@ CommandResult rotate(Context& context, const ParsedArgs& args) {
   auto turn = readTurn(args, "rotate", words.numbers, 0.0);
   if (!turn) return failWith(std::move(turn.error()));
   for (const scene::DagPath& path : targets->objects) HOST_TRY(rotateObject(path, *turn));
-  HOST_TRY(turnVertices(*targets, *turn, math::eulerToMatrix(turn->amount), !args.has("objectSpace")));
+  HOST_TRY(
+      turnVertices(*targets, *turn, math::eulerToMatrix(turn->amount), !args.has("objectSpace")));
   return mel::Value();
 }
 
@@ -169,7 +178,8 @@ Syntax turnSyntax(const std::string& prefix) {
 }  // namespace
 
 void registerRotateScale(CommandRegistry& registry) {
-  define(registry, "rotate", turnSyntax("rotate").flag("eu", "euler").flag("fo", "forceOrderXYZ"), rotate);
+  define(registry, "rotate", turnSyntax("rotate").flag("eu", "euler").flag("fo", "forceOrderXYZ"),
+         rotate);
   define(registry, "scale", turnSyntax("scale").flag("ls", "localSpace"), scale);
 }
 

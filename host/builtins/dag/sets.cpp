@@ -1,7 +1,8 @@
+#include "host/nodes/sets.h"
+
 #include <algorithm>
 
 #include "host/builtins/common/command.h"
-#include "host/nodes/sets.h"
 
 namespace host::builtins {
 
@@ -59,7 +60,8 @@ CommandResult combine(Context& context, const ParsedArgs& args, std::string_view
   if (flag == "union")
     result = nodes::unionOf(result, others);
   else
-    result = flag == "subtract" ? nodes::differenceOf(result, others) : nodes::intersectionOf(result, others);
+    result = flag == "subtract" ? nodes::differenceOf(result, others)
+                                : nodes::intersectionOf(result, others);
   return toValue(result.names());
 }
 
@@ -68,8 +70,9 @@ CommandResult isMember(Context& context, const ParsedArgs& args) {
   if (!set) return failWith(std::move(set.error()));
   auto wanted = args.resolveObjects(context.document);
   if (!wanted) return failWith(std::move(wanted.error()));
-  const bool areIn = std::all_of(wanted->items().begin(), wanted->items().end(),
-                                 [&](const scene::SelectionItem& item) { return nodes::isSetMember(**set, item); });
+  const bool areIn = std::all_of(
+      wanted->items().begin(), wanted->items().end(),
+      [&](const scene::SelectionItem& item) { return nodes::isSetMember(**set, item); });
   return mel::Value(!wanted->isEmpty() && areIn);
 }
 
@@ -85,7 +88,8 @@ CommandResult create(Context& context, const ParsedArgs& args) {
   scene::Document& document = context.document;
   SelectionList members;
   if (!args.has("empty")) {
-    auto given = args.hasObjects() ? args.resolveObjects(document) : Result<SelectionList>(document.selection());
+    auto given = args.hasObjects() ? args.resolveObjects(document)
+                                   : Result<SelectionList>(document.selection());
     if (!given) return failWith(std::move(given.error()));
     members = std::move(*given);
   }
@@ -95,7 +99,8 @@ CommandResult create(Context& context, const ParsedArgs& args) {
     members = nodes::setMembers(**source);
   }
   const bool isShading = args.boolean("renderable");
-  auto node = document.createNode(isShading ? "shadingEngine" : "objectSet", args.text("name", "set#"));
+  auto node =
+      document.createNode(isShading ? "shadingEngine" : "objectSet", args.text("name", "set#"));
   if (!node) return failWith(std::move(node.error()));
   if (isShading) {
     if (!document.nodesNamed("renderPartition").empty()) {
@@ -123,11 +128,12 @@ CommandResult sets(Context& context, const ParsedArgs& args) {
       HOST_TRY(nodes::clearSet(context.document, **set));
       return mel::Value((*set)->name());
     }
-    auto members =
-        args.hasObjects() ? args.resolveObjects(context.document) : Result<SelectionList>(context.document.selection());
+    auto members = args.hasObjects() ? args.resolveObjects(context.document)
+                                     : Result<SelectionList>(context.document.selection());
     if (!members) return failWith(std::move(members.error()));
-    HOST_TRY(flag == "remove" ? nodes::removeFromSet(context.document, **set, *members)
-                              : nodes::addToSet(context.document, **set, *members, flag != "addElement"));
+    HOST_TRY(flag == "remove"
+                 ? nodes::removeFromSet(context.document, **set, *members)
+                 : nodes::addToSet(context.document, **set, *members, flag != "addElement"));
     return mel::Value((*set)->name());
   }
   return create(context, args);

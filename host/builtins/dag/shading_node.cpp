@@ -9,9 +9,12 @@ struct Kind {
   const char *flag, *list, *attribute;
 };
 constexpr Kind kKinds[] = {
-    {"asShader", "defaultShaderList1", "shaders"},       {"asTexture", "defaultTextureList1", "textures"},
-    {"asUtility", "defaultRenderUtilityList1", "utilities"}, {"asPostProcess", "postProcessList1", "postProcesses"},
-    {"asLight", "lightList1", "lights"},                  {"asRendering", "defaultRenderingList1", "rendering"},
+    {"asShader", "defaultShaderList1", "shaders"},
+    {"asTexture", "defaultTextureList1", "textures"},
+    {"asUtility", "defaultRenderUtilityList1", "utilities"},
+    {"asPostProcess", "postProcessList1", "postProcesses"},
+    {"asLight", "lightList1", "lights"},
+    {"asRendering", "defaultRenderingList1", "rendering"},
 };
 
 CommandResult shadingNode(Context& context, const ParsedArgs& args) {
@@ -21,7 +24,8 @@ CommandResult shadingNode(Context& context, const ParsedArgs& args) {
   const Kind* kind = nullptr;
   for (const Kind& each : kKinds)
     if (args.has(each.flag)) kind = &each;
-  if (!kind) return fail("shadingNode: say what '{}' is for: -asShader, -asTexture, -asUtility, ...", type);
+  if (!kind)
+    return fail("shadingNode: say what '{}' is for: -asShader, -asTexture, -asUtility, ...", type);
   if (args.has("shared") && args.has("name") && !document.nodesNamed(args.text("name")).empty())
     return mel::Value(args.text("name"));
   scene::Node* parent = nullptr;
@@ -51,7 +55,10 @@ CommandResult shadingNode(Context& context, const ParsedArgs& args) {
 
 void registerShadingNode(CommandRegistry& registry) {
   Syntax syntax;
-  syntax.flag("as", "asShader").flag("at", "asTexture").flag("au", "asUtility").flag("app", "asPostProcess");
+  syntax.flag("as", "asShader")
+      .flag("at", "asTexture")
+      .flag("au", "asUtility")
+      .flag("app", "asPostProcess");
   syntax.flag("al", "asLight").flag("ar", "asRendering");
   syntax.flag("n", "name", {ArgType::String})
       .flag("p", "parent", {ArgType::String})

@@ -14,7 +14,8 @@ CommandResult ungroup(Context& context, const ParsedArgs& args) {
   std::vector<scene::DagPath> groups;
   for (const scene::SelectionItem& item : list->items()) {
     const scene::DagPath path = item.isDag() ? item.path.transform() : scene::DagPath();
-    if (path.isWorld() || !path.shapes(true).empty() || scene::dagLinks(*path.node()).children.empty())
+    if (path.isWorld() || !path.shapes(true).empty() ||
+        scene::dagLinks(*path.node()).children.empty())
       return fail("ungroup: '{}' is no group.", item.node->name());
     groups.push_back(path);
   }
@@ -35,8 +36,10 @@ CommandResult ungroup(Context& context, const ParsedArgs& args) {
 }  // namespace
 
 void registerUngroup(CommandRegistry& registry) {
-  define(registry, "ungroup",
-         Syntax().flag("w", "world").flag("r", "relative").flag("a", "absolute").objects(0, -1, true), ungroup);
+  define(
+      registry, "ungroup",
+      Syntax().flag("w", "world").flag("r", "relative").flag("a", "absolute").objects(0, -1, true),
+      ungroup);
 }
 
 }  // namespace host::builtins

@@ -44,12 +44,14 @@ CommandResult setVisibility(Context& context, const ParsedArgs& args, bool isVis
       if (!isVisible || !args.has("above")) continue;
       for (dg::Node* above : item.path.nodes()) nodes.push_back(above);
     }
-    if (nodes.empty()) return fail("Name or select the objects to {}.", isVisible ? "show" : "hide");
+    if (nodes.empty())
+      return fail("Name or select the objects to {}.", isVisible ? "show" : "hide");
   }
   for (dg::Node* node : nodes) {
     HOST_TRY(show(document, *node, isVisible));
     if (!args.has("below")) continue;
-    std::vector<dg::Node*> queue(scene::dagLinks(*node).children.begin(), scene::dagLinks(*node).children.end());
+    std::vector<dg::Node*> queue(scene::dagLinks(*node).children.begin(),
+                                 scene::dagLinks(*node).children.end());
     for (std::size_t i = 0; i < queue.size(); ++i) {
       HOST_TRY(show(document, *queue[i], isVisible));
       const auto& children = scene::dagLinks(*queue[i]).children;
@@ -62,11 +64,18 @@ CommandResult setVisibility(Context& context, const ParsedArgs& args, bool isVis
 }  // namespace
 
 void registerVisibility(CommandRegistry& registry) {
-  define(registry, "hide", Syntax().flag("all", "all").flag("rh", "returnHidden").objects(0, -1, true),
-         [](Context& context, const ParsedArgs& args) { return setVisibility(context, args, false); });
-  define(registry, "showHidden",
-         Syntax().flag("all", "all").flag("a", "above").flag("b", "below").flag("lh", "lastHidden").objects(0, -1, true),
-         [](Context& context, const ParsedArgs& args) { return setVisibility(context, args, true); });
+  define(
+      registry, "hide", Syntax().flag("all", "all").flag("rh", "returnHidden").objects(0, -1, true),
+      [](Context& context, const ParsedArgs& args) { return setVisibility(context, args, false); });
+  define(
+      registry, "showHidden",
+      Syntax()
+          .flag("all", "all")
+          .flag("a", "above")
+          .flag("b", "below")
+          .flag("lh", "lastHidden")
+          .objects(0, -1, true),
+      [](Context& context, const ParsedArgs& args) { return setVisibility(context, args, true); });
 }
 
 }  // namespace host::builtins

@@ -16,7 +16,9 @@ using math::Vec3;
 
 constexpr std::array<std::string_view, 6> kOrders = {"xyz", "yzx", "zxy", "xzy", "yxz", "zyx"};
 
-mel::FloatArray numbers(const Vec3& v, double factor = 1.0) { return {v.x / factor, v.y / factor, v.z / factor}; }
+mel::FloatArray numbers(const Vec3& v, double factor = 1.0) {
+  return {v.x / factor, v.y / factor, v.z / factor};
+}
 
 Matrix4 readMatrix(const ParsedArgs& args) {
   Matrix4 matrix;
@@ -45,11 +47,14 @@ class ObjectTransform {
   [[nodiscard]] Matrix4 world() const { return path.inclusiveMatrix(); }
   [[nodiscard]] Result<Matrix4> parentInverse() const {
     const auto inverse = math::inverse(parent());
-    if (!inverse) return fail("'{}' is under a scale of zero: world space can't be undone there.", path.partialName());
+    if (!inverse)
+      return fail("'{}' is under a scale of zero: world space can't be undone there.",
+                  path.partialName());
     return *inverse;
   }
   [[nodiscard]] Vec3 worldRotation() const {
-    return math::matrixToEuler(math::eulerToMatrix(math::decompose(world()).rotate), components.rotateOrder);
+    return math::matrixToEuler(math::eulerToMatrix(math::decompose(world()).rotate),
+                               components.rotateOrder);
   }
 
  private:
@@ -57,13 +62,15 @@ class ObjectTransform {
       : components(componentsIn), path(std::move(pathIn)) {}
 };
 
-CommandResult queryComponents(const std::vector<MeshItem>& items, bool isWorld, const scene::Units& units) {
+CommandResult queryComponents(const std::vector<MeshItem>& items, bool isWorld,
+                              const scene::Units& units) {
   mel::FloatArray result;
   const double factor = units.toCentimeters(1.0);
   for (const MeshItem& item : items) {
     const Matrix4 matrix = isWorld ? item.path.inclusiveMatrix() : Matrix4{};
     for (const VertexId v : item.vertices()) {
-      const Vec3 p = isWorld ? math::transformPoint(item.mesh.point(v), matrix) : item.mesh.point(v);
+      const Vec3 p =
+          isWorld ? math::transformPoint(item.mesh.point(v), matrix) : item.mesh.point(v);
       result.insert(result.end(), {p.x / factor, p.y / factor, p.z / factor});
     }
   }
@@ -87,16 +94,23 @@ CommandResult queryBox(const scene::SelectionList& list, bool isWorld, const sce
   return mel::Value(std::move(result));
 }
 
-CommandResult queryObject(const ObjectTransform& object, const ParsedArgs& args, const scene::Units& units) {
+CommandResult queryObject(const ObjectTransform& object, const ParsedArgs& args,
+                          const scene::Units& units) {
   const bool isWorld = args.has("worldSpace");
   const TransformComponents& c = object.components;
   const double length = units.toCentimeters(1.0), angle = units.toRadians(1.0);
-  const auto place = [&](const Vec3& p) { return isWorld ? math::transformPoint(p, object.world()) : p; };
+  const auto place = [&](const Vec3& p) {
+    return isWorld ? math::transformPoint(p, object.world()) : p;
+  };
   if (args.has("translation"))
-    return mel::Value(numbers(isWorld ? math::transformPoint(c.translate, object.parent()) : c.translate, length));
-  if (args.has("rotation")) return mel::Value(numbers(isWorld ? object.worldRotation() : c.rotate, angle));
-  if (args.has("scale")) return mel::Value(numbers(isWorld ? math::decompose(object.world()).scale : c.scale));
-  if (args.has("shear")) return mel::Value(numbers(isWorld ? math::decompose(object.world()).shear : c.shear));
+    return mel::Value(numbers(
+        isWorld ? math::transformPoint(c.translate, object.parent()) : c.translate, length));
+  if (args.has("rotation"))
+    return mel::Value(numbers(isWorld ? object.worldRotation() : c.rotate, angle));
+  if (args.has("scale"))
+    return mel::Value(numbers(isWorld ? math::decompose(object.world()).scale : c.scale));
+  if (args.has("shear"))
+    return mel::Value(numbers(isWorld ? math::decompose(object.world()).shear : c.shear));
   if (args.has("matrix")) return mel::Value(cells(isWorld ? object.world() : math::toMatrix(c)));
   if (args.has("rotatePivot")) return mel::Value(numbers(place(c.rotatePivot), length));
   if (args.has("scalePivot")) return mel::Value(numbers(place(c.scalePivot), length));
@@ -117,7 +131,8 @@ void setPivots(TransformComponents& c, const Vec3& at, bool rotatePivot, bool sc
   if (scalePivot) c = math::withScalePivot(c, at);
 }
 
-Result<void> applyPivots(const ObjectTransform& object, const ParsedArgs& args, TransformComponents& c) {
+Result<void> applyPivots(const ObjectTransform& object, const ParsedArgs& args,
+                         TransformComponents& c) {
   const auto inverse = math::inverse(object.world());
   const auto local = [&](const Vec3& p) {
     return args.has("worldSpace") && inverse ? math::transformPoint(p, *inverse) : p;
@@ -127,19 +142,25 @@ Result<void> applyPivots(const ObjectTransform& object, const ParsedArgs& args, 
   const bool isRelative = args.has("relative");
   if (args.has("pivots")) setPivots(c, local(args.vec3("pivots")), true, true);
   if (args.has("rotatePivot"))
-    setPivots(c, isRelative ? c.rotatePivot + args.vec3("rotatePivot") : local(args.vec3("rotatePivot")), true, false);
+    setPivots(
+        c, isRelative ? c.rotatePivot + args.vec3("rotatePivot") : local(args.vec3("rotatePivot")),
+        true, false);
   if (args.has("scalePivot"))
-    setPivots(c, isRelative ? c.scalePivot + args.vec3("scalePivot") : local(args.vec3("scalePivot")), false, true);
+    setPivots(c,
+              isRelative ? c.scalePivot + args.vec3("scalePivot") : local(args.vec3("scalePivot")),
+              false, true);
   return {};
 }
 
-Result<void> applyRotation(const ObjectTransform& object, const ParsedArgs& args, TransformComponents& c) {
+Result<void> applyRotation(const ObjectTransform& object, const ParsedArgs& args,
+                           TransformComponents& c) {
   if (args.has("rotateOrder")) {
     const std::string name = args.text("rotateOrder");
     const auto found = std::find(kOrders.begin(), kOrders.end(), name);
     if (found == kOrders.end()) return fail("xform: there is no rotate order '{}'.", name);
     const auto order = static_cast<math::RotateOrder>(found - kOrders.begin());
-    if (args.boolean("preserve", true)) c.rotate = math::reorderEuler(c.rotate, c.rotateOrder, order);
+    if (args.boolean("preserve", true))
+      c.rotate = math::reorderEuler(c.rotate, c.rotateOrder, order);
     c.rotateOrder = order;
   }
   if (args.has("rotateAxis")) c.rotateAxis = args.vec3("rotateAxis");
@@ -147,7 +168,8 @@ Result<void> applyRotation(const ObjectTransform& object, const ParsedArgs& args
   const Vec3 given = args.vec3("rotation");
   if (!args.has("worldSpace")) {
     if (args.has("relative") && !args.has("euler")) {
-      const Matrix4 both = math::eulerToMatrix(given, c.rotateOrder) * math::eulerToMatrix(c.rotate, c.rotateOrder);
+      const Matrix4 both =
+          math::eulerToMatrix(given, c.rotateOrder) * math::eulerToMatrix(c.rotate, c.rotateOrder);
       c.rotate = math::matrixToEuler(both, c.rotateOrder);
     } else {
       c.rotate = args.has("relative") ? c.rotate + given : given;
@@ -158,11 +180,13 @@ Result<void> applyRotation(const ObjectTransform& object, const ParsedArgs& args
   const Matrix4 now = math::eulerToMatrix(c.rotate, c.rotateOrder) * above;
   const Matrix4 turn = math::eulerToMatrix(given, c.rotateOrder);
   const Matrix4 wanted = (args.has("relative") ? now * turn : turn) * math::transpose(above);
-  c.rotate = math::closestEuler(math::matrixToEuler(wanted, c.rotateOrder), c.rotateOrder, c.rotate);
+  c.rotate =
+      math::closestEuler(math::matrixToEuler(wanted, c.rotateOrder), c.rotateOrder, c.rotate);
   return {};
 }
 
-Result<void> applyTranslation(const ObjectTransform& object, const ParsedArgs& args, TransformComponents& c) {
+Result<void> applyTranslation(const ObjectTransform& object, const ParsedArgs& args,
+                              TransformComponents& c) {
   if (!args.has("translation")) return {};
   const Vec3 given = args.vec3("translation");
   if (!args.has("worldSpace")) {
@@ -195,7 +219,8 @@ Result<void> applyToObject(const scene::DagPath& path, const ParsedArgs& args) {
     const bool isRelative = args.has("relative");
     for (int i = 0; i < 3; ++i) c.scale[i] = isRelative ? c.scale[i] * given[i] : given[i];
   }
-  if (args.has("shear")) c.shear = args.has("relative") ? c.shear + args.vec3("shear") : args.vec3("shear");
+  if (args.has("shear"))
+    c.shear = args.has("relative") ? c.shear + args.vec3("shear") : args.vec3("shear");
   HOST_TRY(applyRotation(*object, args, c));
   HOST_TRY(applyTranslation(*object, args, c));
   if (args.has("rotateTranslation")) c.rotatePivotTranslate = args.vec3("rotateTranslation");
@@ -208,14 +233,16 @@ Result<void> applyToComponents(const TransformTargets& targets, const ParsedArgs
   const nodes::Space space = isWorld ? nodes::Space::World : nodes::Space::Object;
   if (args.has("translation")) {
     const Vec3 given = args.vec3("translation");
-    HOST_TRY(editVertices(targets.meshes, space, [&](const Vec3& p) { return isRelative ? p + given : given; }));
+    HOST_TRY(editVertices(targets.meshes, space,
+                          [&](const Vec3& p) { return isRelative ? p + given : given; }));
   }
   Matrix4 change;
   if (args.has("scale")) change = change * Matrix4::scaling(args.vec3("scale"));
   if (args.has("rotation")) change = change * math::eulerToMatrix(args.vec3("rotation"));
   if (args.has("matrix")) change = change * readMatrix(args);
   if (math::isIdentity(change)) return {};
-  return editVertices(targets.meshes, space, [&](const Vec3& p) { return math::transformPoint(p, change); });
+  return editVertices(targets.meshes, space,
+                      [&](const Vec3& p) { return math::transformPoint(p, change); });
 }
 
 CommandResult xform(Context& context, const ParsedArgs& args) {
@@ -244,7 +271,8 @@ CommandResult xform(Context& context, const ParsedArgs& args) {
 }  // namespace
 
 void registerXform(CommandRegistry& registry) {
-  const std::vector<ArgType> lengths(3, ArgType::Distance), angles(3, ArgType::Angle), factors(3, ArgType::Double);
+  const std::vector<ArgType> lengths(3, ArgType::Distance), angles(3, ArgType::Angle),
+      factors(3, ArgType::Double);
   define(registry, "xform",
          Syntax()
              .flag("a", "absolute")

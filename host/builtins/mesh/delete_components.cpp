@@ -17,8 +17,8 @@ struct ShapeComponents {
 };
 
 void unite(std::vector<Component>& into, const Component& more) {
-  const auto same =
-      std::find_if(into.begin(), into.end(), [&](const Component& each) { return each.type() == more.type(); });
+  const auto same = std::find_if(into.begin(), into.end(),
+                                 [&](const Component& each) { return each.type() == more.type(); });
   if (same == into.end())
     into.push_back(more);
   else
@@ -30,13 +30,15 @@ Result<std::vector<ShapeComponents>> byShape(const scene::SelectionList& list) {
   for (const scene::SelectionItem& item : list.items()) {
     if (!item.isDag() || item.components.empty()) continue;
     for (const scene::DagPath& path : nodes::meshPaths(item.path)) {
-      auto known = std::find_if(shapes.begin(), shapes.end(),
-                                [&](const ShapeComponents& each) { return each.shape == path.node(); });
+      auto known = std::find_if(shapes.begin(), shapes.end(), [&](const ShapeComponents& each) {
+        return each.shape == path.node();
+      });
       if (known == shapes.end()) known = shapes.insert(known, {path.node(), {}});
       for (const Component& component : item.components) {
-        if (component.type() == scene::ComponentType::Uv || component.type() == scene::ComponentType::VertexFace)
-          return fail("'{}.{}' can't be deleted: only vertices, edges and faces can.", scene::itemBaseName(item),
-                      component.words().front());
+        if (component.type() == scene::ComponentType::Uv ||
+            component.type() == scene::ComponentType::VertexFace)
+          return fail("'{}.{}' can't be deleted: only vertices, edges and faces can.",
+                      scene::itemBaseName(item), component.words().front());
         unite(known->components, component);
       }
     }
@@ -46,7 +48,8 @@ Result<std::vector<ShapeComponents>> byShape(const scene::SelectionList& list) {
 
 }  // namespace
 
-Result<std::vector<std::string>> deleteComponents(scene::Document& document, const scene::SelectionList& list) {
+Result<std::vector<std::string>> deleteComponents(scene::Document& document,
+                                                  const scene::SelectionList& list) {
   auto shapes = byShape(list);
   if (!shapes) return failWith(std::move(shapes.error()));
   std::vector<std::string> names;
@@ -78,6 +81,8 @@ CommandResult deleteSelected(Context& context, const ParsedArgs&) {
 
 }  // namespace
 
-void registerDeleteComponents(CommandRegistry& registry) { define(registry, "Delete", Syntax(), deleteSelected); }
+void registerDeleteComponents(CommandRegistry& registry) {
+  define(registry, "Delete", Syntax(), deleteSelected);
+}
 
 }  // namespace host::builtins

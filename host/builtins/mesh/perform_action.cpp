@@ -12,11 +12,13 @@ struct Letter {
   const char* name;
   ComponentType type;
 };
-constexpr Letter kLetters[] = {
-    {"v", ComponentType::Vertex}, {"e", ComponentType::Edge}, {"f", ComponentType::Face}, {"uv", ComponentType::Uv}};
+constexpr Letter kLetters[] = {{"v", ComponentType::Vertex},
+                               {"e", ComponentType::Edge},
+                               {"f", ComponentType::Face},
+                               {"uv", ComponentType::Uv}};
 
-/// polyPerformAction <command with flags> <v|e|f|uv|o> <number>: components of other types are converted. The number,
-/// which says whether menus ask for a new selection, has no effect.
+/// polyPerformAction <command with flags> <v|e|f|uv|o> <number>: components of other types are
+/// converted. The number, which says whether menus ask for a new selection, has no effect.
 CommandResult polyPerformAction(Context& context, const ParsedArgs& args) {
   const std::vector<std::string> words = args.objectNames();
   auto items = meshItems(context.document.selection());
@@ -28,7 +30,9 @@ CommandResult polyPerformAction(Context& context, const ParsedArgs& args) {
     const Letter* letter = nullptr;
     for (const Letter& each : kLetters)
       if (words[1] == each.name) letter = &each;
-    if (!letter) return fail("polyPerformAction: '{}' is no kind of component: use v, e, f, uv or o.", words[1]);
+    if (!letter)
+      return fail("polyPerformAction: '{}' is no kind of component: use v, e, f, uv or o.",
+                  words[1]);
     scene::SelectionList list;
     for (const MeshItem& item : *items)
       if (std::vector<Index> ids = item.ids(letter->type); !ids.empty())

@@ -18,9 +18,14 @@ CommandResult pointPosition(Context& context, const ParsedArgs& args) {
   const scene::SelectionItem& item = list->items().front();
   if (!items->empty() && !items->front().isObject()) {
     const std::vector<VertexId> vertices = items->front().vertices();
-    if (vertices.size() != 1) return fail("pointPosition: '{}' is {} points; name one.", list->names().front(), vertices.size());
-    const math::Vec3 point(items->front().mesh.points()[static_cast<std::size_t>(vertices.front())]);
-    return toValue((isLocal ? point : math::transformPoint(point, items->front().path.inclusiveMatrix())) / unit);
+    if (vertices.size() != 1)
+      return fail("pointPosition: '{}' is {} points; name one.", list->names().front(),
+                  vertices.size());
+    const math::Vec3 point(
+        items->front().mesh.points()[static_cast<std::size_t>(vertices.front())]);
+    return toValue(
+        (isLocal ? point : math::transformPoint(point, items->front().path.inclusiveMatrix())) /
+        unit);
   }
   if (!item.isDag()) return fail("'{}' has no place in space.", item.node->name());
   const scene::DagPath path = item.path.transform();
@@ -33,7 +38,8 @@ CommandResult pointPosition(Context& context, const ParsedArgs& args) {
 }  // namespace
 
 void registerPointPosition(CommandRegistry& registry) {
-  defineQuery(registry, "pointPosition", Syntax().flag("l", "local").flag("w", "world").objects(0, -1, true), pointPosition);
+  defineQuery(registry, "pointPosition",
+              Syntax().flag("l", "local").flag("w", "world").objects(0, -1, true), pointPosition);
 }
 
 }  // namespace host::builtins

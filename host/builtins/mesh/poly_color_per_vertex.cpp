@@ -20,7 +20,8 @@ struct ColorChange {
   std::array<float, 4> value{};
   bool isRelative = false, removes = false;
 
-  explicit ColorChange(const ParsedArgs& args) : isRelative(args.has("relative")), removes(args.has("remove")) {
+  explicit ColorChange(const ParsedArgs& args)
+      : isRelative(args.has("relative")), removes(args.has("remove")) {
     static constexpr std::array kChannels = {"colorR", "colorG", "colorB", "alpha"};
     for (int i = 0; i < 3; ++i)
       if (args.has("colorRGB")) give(static_cast<std::size_t>(i), args.real("colorRGB", 0, i));
@@ -28,7 +29,9 @@ struct ColorChange {
       if (args.has(kChannels[i])) give(i, args.real(kChannels[i]));
   }
 
-  [[nodiscard]] bool isAny() const { return removes || std::find(isGiven.begin(), isGiven.end(), true) != isGiven.end(); }
+  [[nodiscard]] bool isAny() const {
+    return removes || std::find(isGiven.begin(), isGiven.end(), true) != isGiven.end();
+  }
 
   [[nodiscard]] Color4f on(const Color4f& before) const {
     std::array<float, 4> channels = {before.r, before.g, before.b, before.a};
@@ -44,7 +47,8 @@ struct ColorChange {
   }
 };
 
-/// The corners that an item's components colour: those at a vertex, of a face, at the ends of an edge.
+/// The corners that an item's components colour: those at a vertex, of a face, at the ends of an
+/// edge.
 std::vector<CornerId> corners(const MeshItem& item) {
   if (item.isObject()) return item.ids(scene::ComponentType::VertexFace);
   std::vector<CornerId> all;
@@ -52,11 +56,12 @@ std::vector<CornerId> corners(const MeshItem& item) {
     std::vector<Index> own = componentIds(item.mesh, component);
     mesh::ComponentKind kind = meshKind(component.type());
     if (kind == mesh::ComponentKind::Edge || kind == mesh::ComponentKind::Uv) {
-      own = mesh::convertComponents(item.mesh, kind, own, mesh::ComponentKind::Vertex, mesh::Conversion::Connected,
-                                    item.mesh.currentUvSet());
+      own = mesh::convertComponents(item.mesh, kind, own, mesh::ComponentKind::Vertex,
+                                    mesh::Conversion::Connected, item.mesh.currentUvSet());
       kind = mesh::ComponentKind::Vertex;
     }
-    const std::vector<CornerId> more = mesh::convertComponents(item.mesh, kind, own, mesh::ComponentKind::VertexFace);
+    const std::vector<CornerId> more =
+        mesh::convertComponents(item.mesh, kind, own, mesh::ComponentKind::VertexFace);
     all.insert(all.end(), more.begin(), more.end());
   }
   mesh::sortUnique(all);
@@ -80,7 +85,8 @@ void dropUnused(mesh::ColorSet& set) {
   if (set.colors.empty()) set.cornerIds.clear();
 }
 
-void recolor(mesh::ColorSet& set, Index cornerCount, const std::vector<CornerId>& wanted, const ColorChange& change) {
+void recolor(mesh::ColorSet& set, Index cornerCount, const std::vector<CornerId>& wanted,
+             const ColorChange& change) {
   if (set.cornerIds.empty()) set.cornerIds.assign(static_cast<std::size_t>(cornerCount), kNone);
   // Corners that had one colour share the new one as well.
   std::map<Index, Index> changed;
@@ -91,7 +97,9 @@ void recolor(mesh::ColorSet& set, Index cornerCount, const std::vector<CornerId>
       continue;
     }
     const auto [found, isNew] = changed.try_emplace(id, static_cast<Index>(set.colors.size()));
-    if (isNew) set.colors.push_back(change.on(id == kNone ? Color4f{} : set.colors[static_cast<std::size_t>(id)]));
+    if (isNew)
+      set.colors.push_back(
+          change.on(id == kNone ? Color4f{} : set.colors[static_cast<std::size_t>(id)]));
     id = found->second;
   }
   dropUnused(set);
@@ -109,7 +117,8 @@ Result<void> colorOne(const MeshItem& item, const ColorChange& change) {
   return nodes::setEvaluatedMesh(*item.path.node(), *std::move(mesh));
 }
 
-/// The mean colour of the coloured corners at each component, in order; -1 in all channels where there is none.
+/// The mean colour of the coloured corners at each component, in order; -1 in all channels where
+/// there is none.
 std::vector<Color4f> componentColors(const MeshItem& item) {
   std::vector<Color4f> colors;
   const mesh::ColorSet& set = item.mesh.colorSet(item.mesh.currentColorSet());
@@ -117,7 +126,8 @@ std::vector<Color4f> componentColors(const MeshItem& item) {
     Color4f sum{0, 0, 0, 0};
     float count = 0;
     for (const CornerId corner : around) {
-      const Index id = set.cornerIds.empty() ? kNone : set.cornerIds[static_cast<std::size_t>(corner)];
+      const Index id =
+          set.cornerIds.empty() ? kNone : set.cornerIds[static_cast<std::size_t>(corner)];
       if (id == kNone) continue;
       const Color4f& color = set.colors[static_cast<std::size_t>(id)];
       sum = {sum.r + color.r, sum.g + color.g, sum.b + color.b, sum.a + color.a};
@@ -128,7 +138,8 @@ std::vector<Color4f> componentColors(const MeshItem& item) {
     else
       colors.push_back({sum.r / count, sum.g / count, sum.b / count, sum.a / count});
   };
-  if (item.components.size() == 1 && item.components.front().type() == scene::ComponentType::VertexFace) {
+  if (item.components.size() == 1 &&
+      item.components.front().type() == scene::ComponentType::VertexFace) {
     for (const CornerId corner : corners(item)) addMean(std::span(&corner, 1));
   } else {
     for (const VertexId v : item.vertices()) addMean(item.mesh.adjacency().vertexCorners(v));
@@ -157,7 +168,8 @@ CommandResult polyColorPerVertex(Context& context, const ParsedArgs& args) {
   if (!list) return failWith(std::move(list.error()));
   auto items = meshItems(*list);
   if (!items) return failWith(std::move(items.error()));
-  if (items->empty()) return fail("polyColorPerVertex: name or select polygon objects or components.");
+  if (items->empty())
+    return fail("polyColorPerVertex: name or select polygon objects or components.");
   if (args.isQuery() && args.has("colorDisplayOption")) {
     auto shown = context.document.graph().get(items->front().path.node()->plug("displayColors"));
     if (!shown) return failWith(std::move(shown.error()));

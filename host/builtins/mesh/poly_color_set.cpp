@@ -12,20 +12,25 @@ struct Representation {
   const char* name;
   int channels;
 };
-constexpr std::array kRepresentations = {Representation{"A", 1}, Representation{"RGB", 3}, Representation{"RGBA", 4}};
+constexpr std::array kRepresentations = {Representation{"A", 1}, Representation{"RGB", 3},
+                                         Representation{"RGBA", 4}};
 
 class ColorSets final : public NamedSets {
  public:
   ColorSets(int channels, bool isClamped) : channels_(channels), isClamped_(isClamped) {}
   int count(const Mesh& mesh) const override { return mesh.colorSetCount(); }
   std::string name(const Mesh& mesh, int set) const override { return mesh.colorSet(set).name; }
-  int find(const Mesh& mesh, std::string_view name) const override { return mesh.findColorSet(name); }
+  int find(const Mesh& mesh, std::string_view name) const override {
+    return mesh.findColorSet(name);
+  }
   int current(const Mesh& mesh) const override { return mesh.currentColorSet(); }
   void setCurrent(Mesh& mesh, int set) const override { mesh.setCurrentColorSet(set); }
   int add(Mesh& mesh, std::string name) const override {
     return mesh.addColorSet({std::move(name), channels_, isClamped_, {}, {}});
   }
-  void rename(Mesh& mesh, int set, std::string name) const override { mesh.editColorSet(set).name = std::move(name); }
+  void rename(Mesh& mesh, int set, std::string name) const override {
+    mesh.editColorSet(set).name = std::move(name);
+  }
   void copy(Mesh& mesh, int from, int to) const override {
     mesh::ColorSet copied = mesh.colorSet(from);
     copied.name = mesh.colorSet(to).name;
@@ -41,8 +46,8 @@ class ColorSets final : public NamedSets {
   bool isClamped_;
 };
 
-constexpr SetWords kWords = {"polyColorSet",  "colour set",   "colorSet",       "newColorSet",
-                             "colorSet",      "allColorSets", "currentColorSet"};
+constexpr SetWords kWords = {"polyColorSet", "colour set",   "colorSet",       "newColorSet",
+                             "colorSet",     "allColorSets", "currentColorSet"};
 
 /// -query -representation or -clamped: of the current set of the first mesh.
 CommandResult queryFormat(Context& context, const ParsedArgs& args) {
@@ -50,7 +55,8 @@ CommandResult queryFormat(Context& context, const ParsedArgs& args) {
   if (!list) return failWith(std::move(list.error()));
   auto items = meshItems(*list);
   if (!items) return failWith(std::move(items.error()));
-  if (items->empty() || items->front().mesh.currentColorSet() < 0) return fail("polyColorSet: there is no colour set.");
+  if (items->empty() || items->front().mesh.currentColorSet() < 0)
+    return fail("polyColorSet: there is no colour set.");
   const Mesh& mesh = items->front().mesh;
   const mesh::ColorSet& set = mesh.colorSet(mesh.currentColorSet());
   if (args.has("clamped")) return mel::Value(set.clamped);
@@ -60,11 +66,13 @@ CommandResult queryFormat(Context& context, const ParsedArgs& args) {
 }
 
 CommandResult polyColorSet(Context& context, const ParsedArgs& args) {
-  if (args.isQuery() && (args.has("representation") || args.has("clamped"))) return queryFormat(context, args);
+  if (args.isQuery() && (args.has("representation") || args.has("clamped")))
+    return queryFormat(context, args);
   const std::string wanted = args.text("representation", "RGBA");
   for (const Representation& each : kRepresentations)
     if (wanted == each.name)
-      return runSetCommand(context, args, ColorSets(each.channels, args.boolean("clamped")), kWords);
+      return runSetCommand(context, args, ColorSets(each.channels, args.boolean("clamped")),
+                           kWords);
   return fail("polyColorSet: -representation is A, RGB or RGBA.");
 }
 

@@ -8,7 +8,8 @@ namespace host::builtins {
 
 namespace {
 
-/// A flag that sets one attribute from its argument, or, without an argument, to a value of its own.
+/// A flag that sets one attribute from its argument, or, without an argument, to a value of its
+/// own.
 struct Option {
   const char *shortName, *longName, *attribute;
   enum { OnOff, Number, Text, Whole, Fixed } kind = OnOff;
@@ -68,7 +69,8 @@ std::string fieldName(const dg::Plug& plug, std::int64_t number) {
   return {};
 }
 
-Result<void> setOption(dg::Graph& graph, const dg::Plug& plug, const Option& option, const ParsedArgs& args) {
+Result<void> setOption(dg::Graph& graph, const dg::Plug& plug, const Option& option,
+                       const ParsedArgs& args) {
   switch (option.kind) {
     case Option::OnOff: {
       const bool flips = args.has("relative");
@@ -87,8 +89,10 @@ Result<void> setOption(dg::Graph& graph, const dg::Plug& plug, const Option& opt
       const auto number = fieldNumber(plug, text);
       return number ? graph.set(plug, *number) : failWith(number.error());
     }
-    case Option::Whole: return graph.set(plug, std::int64_t{args.integer(option.longName)});
-    case Option::Fixed: return graph.set(plug, std::int64_t{option.fixed});
+    case Option::Whole:
+      return graph.set(plug, std::int64_t{args.integer(option.longName)});
+    case Option::Fixed:
+      return graph.set(plug, std::int64_t{option.fixed});
   }
   return {};
 }
@@ -96,15 +100,18 @@ Result<void> setOption(dg::Graph& graph, const dg::Plug& plug, const Option& opt
 Result<void> setOptions(Context& context, const ParsedArgs& args, dg::Node& shape) {
   dg::Graph& graph = context.document.graph();
   for (const Option& option : kOptions)
-    if (args.has(option.longName)) HOST_TRY(setOption(graph, shape.plug(option.attribute), option, args));
+    if (args.has(option.longName))
+      HOST_TRY(setOption(graph, shape.plug(option.attribute), option, args));
   if (!args.has(kItemNumbers)) return {};
   std::int64_t bits = 0;
-  for (int i = 0; i < 4; ++i) bits |= args.integer(kItemNumbers, 0, i) != 0 ? std::int64_t{1} << i : 0;
+  for (int i = 0; i < 4; ++i)
+    bits |= args.integer(kItemNumbers, 0, i) != 0 ? std::int64_t{1} << i : 0;
   return graph.set(shape.plug(kItemNumbers), bits);
 }
 
 /// The value of an option as its flag takes it, of every shape.
-Result<mel::Value> optionValues(dg::Graph& graph, const Option& option, const std::vector<dg::Node*>& shapes) {
+Result<mel::Value> optionValues(dg::Graph& graph, const Option& option,
+                                const std::vector<dg::Node*>& shapes) {
   mel::IntArray whole;
   mel::FloatArray numbers;
   mel::StringArray texts;
@@ -116,11 +123,21 @@ Result<mel::Value> optionValues(dg::Graph& graph, const Option& option, const st
     const auto* real = std::get_if<double>(&*value);
     const auto* text = std::get_if<std::string>(&*value);
     switch (option.kind) {
-      case Option::OnOff: whole.push_back(number != 0); break;
-      case Option::Fixed: whole.push_back(number == option.fixed); break;
-      case Option::Whole: whole.push_back(static_cast<std::int32_t>(number)); break;
-      case Option::Number: numbers.push_back(real ? *real : 0); break;
-      case Option::Text: texts.push_back(text ? *text : fieldName(plug, number)); break;
+      case Option::OnOff:
+        whole.push_back(number != 0);
+        break;
+      case Option::Fixed:
+        whole.push_back(number == option.fixed);
+        break;
+      case Option::Whole:
+        whole.push_back(static_cast<std::int32_t>(number));
+        break;
+      case Option::Number:
+        numbers.push_back(real ? *real : 0);
+        break;
+      case Option::Text:
+        texts.push_back(text ? *text : fieldName(plug, number));
+        break;
     }
   }
   if (option.kind == Option::Number) return mel::Value(std::move(numbers));
@@ -128,7 +145,8 @@ Result<mel::Value> optionValues(dg::Graph& graph, const Option& option, const st
 }
 
 /// What the first flag asks for, a value a shape.
-CommandResult query(Context& context, const ParsedArgs& args, const std::vector<dg::Node*>& shapes) {
+CommandResult query(Context& context, const ParsedArgs& args,
+                    const std::vector<dg::Node*>& shapes) {
   dg::Graph& graph = context.document.graph();
   for (const Option& option : kOptions)
     if (args.has(option.longName)) return optionValues(graph, option, shapes);
@@ -136,7 +154,8 @@ CommandResult query(Context& context, const ParsedArgs& args, const std::vector<
   mel::IntArray shown;
   for (dg::Node* shape : shapes)
     for (int i = 0; i < 4; ++i)
-      shown.push_back(static_cast<std::int32_t>(wholeNumber(graph, shape->plug(kItemNumbers)) >> i & 1));
+      shown.push_back(
+          static_cast<std::int32_t>(wholeNumber(graph, shape->plug(kItemNumbers)) >> i & 1));
   return mel::Value(std::move(shown));
 }
 
@@ -150,7 +169,8 @@ CommandResult polyOptions(Context& context, const ParsedArgs& args) {
     if (!list) return failWith(std::move(list.error()));
     for (const scene::SelectionItem& item : list->items())
       if (item.isDag())
-        for (const scene::DagPath& path : nodes::meshPaths(item.path)) shapes.push_back(path.node());
+        for (const scene::DagPath& path : nodes::meshPaths(item.path))
+          shapes.push_back(path.node());
     if (shapes.empty()) return fail("polyOptions: name or select polygon objects.");
   }
   if (args.isQuery()) return query(context, args, shapes);
@@ -160,10 +180,14 @@ CommandResult polyOptions(Context& context, const ParsedArgs& args) {
 
 ArgType argTypeOf(const Option& option) {
   switch (option.kind) {
-    case Option::Number: return ArgType::Double;
-    case Option::Text: return ArgType::String;
-    case Option::Whole: return ArgType::Int;
-    default: return ArgType::Bool;
+    case Option::Number:
+      return ArgType::Double;
+    case Option::Text:
+      return ArgType::String;
+    case Option::Whole:
+      return ArgType::Int;
+    default:
+      return ArgType::Bool;
   }
 }
 
@@ -173,7 +197,8 @@ void registerPolyOptions(CommandRegistry& registry) {
   Syntax syntax;
   for (const Option& option : kOptions)
     syntax.flag(option.shortName, option.longName,
-                option.kind == Option::Fixed ? std::vector<ArgType>{} : std::vector<ArgType>{argTypeOf(option)});
+                option.kind == Option::Fixed ? std::vector<ArgType>{}
+                                             : std::vector<ArgType>{argTypeOf(option)});
   syntax.flag("din", kItemNumbers, std::vector<ArgType>(4, ArgType::Bool))
       .flag("ao", "activeObjects")
       .flag("gl", "global")

@@ -15,24 +15,32 @@ class UvSets final : public NamedSets {
   int find(const Mesh& mesh, std::string_view name) const override { return mesh.findUvSet(name); }
   int current(const Mesh& mesh) const override { return mesh.currentUvSet(); }
   void setCurrent(Mesh& mesh, int set) const override { mesh.setCurrentUvSet(set); }
-  int add(Mesh& mesh, std::string name) const override { return mesh.addUvSet({std::move(name), {}, {}}); }
-  void rename(Mesh& mesh, int set, std::string name) const override { mesh.editUvSet(set).name = std::move(name); }
+  int add(Mesh& mesh, std::string name) const override {
+    return mesh.addUvSet({std::move(name), {}, {}});
+  }
+  void rename(Mesh& mesh, int set, std::string name) const override {
+    mesh.editUvSet(set).name = std::move(name);
+  }
   void copy(Mesh& mesh, int from, int to) const override {
     mesh::UvSet copied = mesh.uvSet(from);
     copied.name = mesh.uvSet(to).name;
     mesh.setUvSet(to, std::move(copied));
   }
   Result<void> remove(Mesh& mesh, int set) const override {
-    if (set == 0) return fail("polyUVSet: '{}' is the mesh's first UV set: it can't be deleted.", mesh.uvSet(0).name);
+    if (set == 0)
+      return fail("polyUVSet: '{}' is the mesh's first UV set: it can't be deleted.",
+                  mesh.uvSet(0).name);
     mesh.removeUvSet(set);
     return {};
   }
 };
 
-constexpr SetWords kWords = {"polyUVSet", "UV set", "uvSet", "newUVSet", "uvSet", "allUVSets", "currentUVSet"};
+constexpr SetWords kWords = {"polyUVSet", "UV set",    "uvSet",       "newUVSet",
+                             "uvSet",     "allUVSets", "currentUVSet"};
 
 CommandResult polyUvSet(Context& context, const ParsedArgs& args) {
-  if (!args.isQuery() || !args.has("allUVSetsIndices")) return runSetCommand(context, args, UvSets(), kWords);
+  if (!args.isQuery() || !args.has("allUVSetsIndices"))
+    return runSetCommand(context, args, UvSets(), kWords);
   auto list = args.resolveObjects(context.document);
   if (!list) return failWith(std::move(list.error()));
   auto items = meshItems(*list);

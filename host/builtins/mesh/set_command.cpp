@@ -21,7 +21,8 @@ class SetEdit {
     if (args_.has("delete")) return withSet(mesh, [&](int set) { return sets_.remove(mesh, set); });
     if (args_.has("rename")) return withSet(mesh, [&](int set) { return rename(mesh, set); });
     if (args_.has("copy")) return withSet(mesh, [&](int set) { return copy(mesh, set); });
-    if (!args_.has(words_.currentSet)) return fail("{}: say what to do, as with -create.", words_.command);
+    if (!args_.has(words_.currentSet))
+      return fail("{}: say what to do, as with -create.", words_.command);
     return withSet(mesh, [&](int set) -> Result<void> {
       sets_.setCurrent(mesh, set);
       names.push_back(sets_.name(mesh, set));
@@ -44,13 +45,15 @@ class SetEdit {
   /// `wanted`, or with the first number that makes it a name of its own.
   std::string freeName(const Mesh& mesh, const std::string& wanted) const {
     std::string name = wanted;
-    for (int number = 1; sets_.find(mesh, name) >= 0; ++number) name = wanted + std::to_string(number);
+    for (int number = 1; sets_.find(mesh, name) >= 0; ++number)
+      name = wanted + std::to_string(number);
     return name;
   }
 
   Result<void> create(Mesh& mesh) {
     const std::string wanted = args_.text(words_.set);
-    const std::string name = wanted.empty() ? freeName(mesh, std::string(words_.base)) : freeName(mesh, wanted);
+    const std::string name =
+        wanted.empty() ? freeName(mesh, std::string(words_.base)) : freeName(mesh, wanted);
     sets_.setCurrent(mesh, sets_.add(mesh, name));
     names.push_back(name);
     return {};
@@ -70,7 +73,9 @@ class SetEdit {
     const std::string wanted = args_.text(words_.newSet);
     int to = wanted.empty() ? -1 : sets_.find(mesh, wanted);
     if (to == set) return fail("{}: '{}' is the set to copy from.", words_.command, wanted);
-    if (to < 0) to = sets_.add(mesh, wanted.empty() ? freeName(mesh, sets_.name(mesh, set) + "Copy") : wanted);
+    if (to < 0)
+      to =
+          sets_.add(mesh, wanted.empty() ? freeName(mesh, sets_.name(mesh, set) + "Copy") : wanted);
     sets_.copy(mesh, set, to);
     sets_.setCurrent(mesh, to);
     names.push_back(sets_.name(mesh, to));
@@ -82,7 +87,8 @@ class SetEdit {
   const SetWords& words_;
 };
 
-CommandResult query(const ParsedArgs& args, const Mesh& mesh, const NamedSets& sets, const SetWords& words) {
+CommandResult query(const ParsedArgs& args, const Mesh& mesh, const NamedSets& sets,
+                    const SetWords& words) {
   std::vector<std::string> names;
   if (args.has(words.allSets)) {
     for (int set = 0; set < sets.count(mesh); ++set) names.push_back(sets.name(mesh, set));
@@ -96,7 +102,8 @@ CommandResult query(const ParsedArgs& args, const Mesh& mesh, const NamedSets& s
 
 }  // namespace
 
-CommandResult runSetCommand(Context& context, const ParsedArgs& args, const NamedSets& sets, const SetWords& words) {
+CommandResult runSetCommand(Context& context, const ParsedArgs& args, const NamedSets& sets,
+                            const SetWords& words) {
   auto list = args.resolveObjects(context.document);
   if (!list) return failWith(std::move(list.error()));
   auto items = meshItems(*list);

@@ -15,8 +15,9 @@ class NamedSets {
   virtual ~NamedSets() = default;
   [[nodiscard]] virtual int count(const mesh::Mesh& mesh) const = 0;
   [[nodiscard]] virtual std::string name(const mesh::Mesh& mesh, int set) const = 0;
-  [[nodiscard]] virtual int find(const mesh::Mesh& mesh, std::string_view name) const = 0;  ///< -1: none
-  [[nodiscard]] virtual int current(const mesh::Mesh& mesh) const = 0;                      ///< -1: none
+  [[nodiscard]] virtual int find(const mesh::Mesh& mesh,
+                                 std::string_view name) const = 0;      ///< -1: none
+  [[nodiscard]] virtual int current(const mesh::Mesh& mesh) const = 0;  ///< -1: none
   virtual void setCurrent(mesh::Mesh& mesh, int set) const = 0;
   virtual int add(mesh::Mesh& mesh, std::string name) const = 0;
   virtual void rename(mesh::Mesh& mesh, int set, std::string name) const = 0;
@@ -28,16 +29,17 @@ class NamedSets {
 
 /// The words by which a command of named sets goes.
 struct SetWords {
-  std::string_view command, kind;           ///< "polyUVSet", "UV set": for messages
-  std::string_view set, newSet, base;       ///< flags, and the name that a new set gets
-  std::string_view allSets, currentSet;     ///< flags
+  std::string_view command, kind;        ///< "polyUVSet", "UV set": for messages
+  std::string_view set, newSet, base;    ///< flags, and the name that a new set gets
+  std::string_view allSets, currentSet;  ///< flags
 };
 
-/// Runs -create, -delete, -rename, -copy, the choice of the current set, and queries, over the named or selected meshes.
-/// A set is the one that the set flag names, else the current one.
-/// @return the names of the sets made, renamed or copied to; what was asked for of the first mesh when querying
-[[nodiscard]] CommandResult runSetCommand(Context& context, const ParsedArgs& args, const NamedSets& sets,
-                                          const SetWords& words);
+/// Runs -create, -delete, -rename, -copy, the choice of the current set, and queries, over the
+/// named or selected meshes. A set is the one that the set flag names, else the current one.
+/// @return the names of the sets made, renamed or copied to; what was asked for of the first mesh
+/// when querying
+[[nodiscard]] CommandResult runSetCommand(Context& context, const ParsedArgs& args,
+                                          const NamedSets& sets, const SetWords& words);
 
 /// Adds -create -delete -rename -copy and the flags of `words` by their short names.
 struct SetFlagNames {

@@ -21,7 +21,7 @@ struct PrimitiveFlag {
 struct Primitive {
   const char* command;     ///< also the type of its node
   const char* objectName;  ///< "pCube": the transform's name without its number
-  int createUVs;           ///< what the command sets when nobody says; differs from the node's default
+  int createUVs;  ///< what the command sets when nobody says; differs from the node's default
   std::vector<PrimitiveFlag> flags;
 };
 
@@ -112,7 +112,8 @@ const char* attributeOf(const Primitive& primitive, std::string_view flag) {
   return nullptr;
 }
 
-Result<void> setParameters(Context& context, const Primitive& primitive, const ParsedArgs& args, Node& node) {
+Result<void> setParameters(Context& context, const Primitive& primitive, const ParsedArgs& args,
+                           Node& node) {
   for (const cmd::ParsedArgs::FlagUse& use : args.flagUses())
     if (const char* attribute = attributeOf(primitive, use.spec->longName))
       HOST_TRY(setFromFlag(context, node, attribute, args.values(use)));
@@ -131,13 +132,15 @@ Result<void> bake(scene::Document& document, Node& node, Node& shape) {
 
 CommandResult create(Context& context, const Primitive& primitive, const ParsedArgs& args) {
   scene::Document& document = context.document;
-  auto transform = document.createNode("transform", args.text("name", std::string(primitive.objectName) + "#"));
+  auto transform =
+      document.createNode("transform", args.text("name", std::string(primitive.objectName) + "#"));
   if (!transform) return failWith(std::move(transform.error()));
   auto shape = document.createNode("mesh", shapeNameFor((*transform)->name()), transform->get());
   if (!shape) return failWith(std::move(shape.error()));
   auto node = document.createNode(primitive.command, std::string(primitive.command) + "#");
   if (!node) return failWith(std::move(node.error()));
-  HOST_TRY(document.graph().set((*node)->plug("createUVs"), dg::Value(std::int64_t{primitive.createUVs})));
+  HOST_TRY(document.graph().set((*node)->plug("createUVs"),
+                                dg::Value(std::int64_t{primitive.createUVs})));
   HOST_TRY(setParameters(context, primitive, args, **node));
   HOST_TRY(document.graph().evaluate((*node)->plug("output")));
   std::vector<std::string> names{nodeName(**transform)};
@@ -178,16 +181,19 @@ CommandResult edit(Context& context, const Primitive& primitive, const ParsedArg
 void registerCreatePrimitive(CommandRegistry& registry) {
   for (const Primitive& primitive : primitives()) {
     Syntax syntax;
-    for (const PrimitiveFlag& flag : primitive.flags) syntax.flag(flag.shortName, flag.longName, {flag.type});
+    for (const PrimitiveFlag& flag : primitive.flags)
+      syntax.flag(flag.shortName, flag.longName, {flag.type});
     syntax.flag("ax", "axis", {ArgType::Double, ArgType::Double, ArgType::Double})
         .flag("cuv", "createUVs", {ArgType::Int})
         .flag("tx", "texture", {ArgType::Int})
         .flag("o", "object", {ArgType::Bool});
     addHistoryFlags(syntax).editable().queryable().objects(0, 1);
-    define(registry, primitive.command, syntax, [&primitive](Context& context, const ParsedArgs& args) {
-      if (args.isQuery()) return query(context, primitive, args);
-      return args.isEdit() ? edit(context, primitive, args) : create(context, primitive, args);
-    });
+    define(registry, primitive.command, syntax,
+           [&primitive](Context& context, const ParsedArgs& args) {
+             if (args.isQuery()) return query(context, primitive, args);
+             return args.isEdit() ? edit(context, primitive, args)
+                                  : create(context, primitive, args);
+           });
   }
 }
 

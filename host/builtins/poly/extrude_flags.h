@@ -4,7 +4,8 @@
 
 namespace host::builtins {
 
-/// The flags of commands that move what they make: offset, the local and the world transform, pivot.
+/// The flags of commands that move what they make: offset, the local and the world transform,
+/// pivot.
 [[nodiscard]] HistoryFlags placementFlags();
 /// Those and the flags that the extrusions of faces and edges have in common.
 [[nodiscard]] HistoryFlags extrudeFlags();

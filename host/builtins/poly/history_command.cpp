@@ -42,9 +42,10 @@ Result<void> setCommon(Context& context, const ParsedArgs& args, Node& node) {
   if (args.has("caching"))
     for (const dg::AttributePtr& attribute : node.type().attributes())
       if (attribute->isComputed)
-        HOST_TRY(context.document.graph().setFlag(node.plug(attribute.get()), dg::Graph::PlugFlag::Caching,
-                                                  args.boolean("caching")));
-  if (args.has("nodeState")) HOST_TRY(setFromFlag(context, node, "nodeState", args.values("nodeState")));
+        HOST_TRY(context.document.graph().setFlag(
+            node.plug(attribute.get()), dg::Graph::PlugFlag::Caching, args.boolean("caching")));
+  if (args.has("nodeState"))
+    HOST_TRY(setFromFlag(context, node, "nodeState", args.values("nodeState")));
   return {};
 }
 
@@ -53,13 +54,15 @@ std::vector<scene::Component> inputOf(const HistoryCommand& command, const MeshI
   if (item.isObject()) return {scene::Component::all(command.works)};
   const auto isTaken = [&](const scene::Component& each) {
     const auto& also = command.alsoTakes;
-    return each.type() == command.works || std::find(also.begin(), also.end(), each.type()) != also.end();
+    return each.type() == command.works ||
+           std::find(also.begin(), also.end(), each.type()) != also.end();
   };
   std::vector<scene::Component> input;
   const auto add = [&](scene::ComponentType type, std::vector<Index> ids) {
     if (!ids.empty()) input.push_back(componentFromIds(item.mesh, type, std::move(ids)));
   };
-  if (command.alsoTakes.empty() || std::none_of(item.components.begin(), item.components.end(), isTaken)) {
+  if (command.alsoTakes.empty() ||
+      std::none_of(item.components.begin(), item.components.end(), isTaken)) {
     add(command.works, item.ids(command.works));
     return input;
   }
@@ -75,23 +78,28 @@ std::vector<Index> idsOf(const std::vector<scene::Component>& input, const Histo
   return {};
 }
 
-Result<Node*> insertOne(Context& context, const ParsedArgs& args, const HistoryCommand& command, const MeshItem& item) {
+Result<Node*> insertOne(Context& context, const ParsedArgs& args, const HistoryCommand& command,
+                        const MeshItem& item) {
   scene::Document& document = context.document;
   dg::Graph& graph = document.graph();
   std::vector<scene::Component> components = inputOf(command, item);
   if (components.empty())
-    return fail("{}: '{}' has none of the named components.", command.command, item.path.transform().partialName());
+    return fail("{}: '{}' has none of the named components.", command.command,
+                item.path.transform().partialName());
   const std::vector<Index> ids = idsOf(components, command, item);
   auto created = document.createNode(command.nodeType, args.text("name", command.nodeName + "#"));
   if (!created) return failWith(std::move(created.error()));
   Node& node = **created;
   if (const Plug plug = node.plug("inputComponents"))
-    HOST_TRY(graph.set(plug, dg::DataPtr(std::make_shared<scene::ComponentListData>(std::move(components)))));
+    HOST_TRY(graph.set(
+        plug, dg::DataPtr(std::make_shared<scene::ComponentListData>(std::move(components)))));
   if (const Plug plug = node.plug("inputMatrix"))
-    HOST_TRY(graph.set(plug, dg::DataPtr(std::make_shared<dg::MatrixData>(item.path.inclusiveMatrix()))));
+    HOST_TRY(graph.set(plug,
+                       dg::DataPtr(std::make_shared<dg::MatrixData>(item.path.inclusiveMatrix()))));
   HOST_TRY(setCommon(context, args, node));
   HOST_TRY(command.setUp(node, item, ids));
-  HOST_TRY(nodes::insertHistoryNode(document, *item.path.node(), node.plug("inputPolymesh"), node.plug("output")));
+  HOST_TRY(nodes::insertHistoryNode(document, *item.path.node(), node.plug("inputPolymesh"),
+                                    node.plug("output")));
   if (const Plug manipulation = node.plug("manipMatrix")) {
     const auto instance = static_cast<Index>(item.path.instanceNumber());
     HOST_TRY(graph.connect(item.path.node()->plug("worldMatrix").element(instance), manipulation));
@@ -117,8 +125,9 @@ Result<std::vector<MeshItem>> distinctMeshItems(const scene::SelectionList& list
     if (item.isObject()) components.clear();
     if (components.empty()) continue;
     for (scene::Component& component : item.components) {
-      const auto same = std::find_if(components.begin(), components.end(),
-                                     [&](const auto& each) { return each.type() == component.type(); });
+      const auto same = std::find_if(components.begin(), components.end(), [&](const auto& each) {
+        return each.type() == component.type();
+      });
       if (same == components.end())
         components.push_back(std::move(component));
       else
@@ -138,7 +147,8 @@ void deselectComponents(scene::Document& document, const std::vector<MeshItem>& 
 
 void selectMade(scene::Document& document, const std::vector<MeshItem>& items,
                 const std::vector<std::vector<scene::Component>>& made) {
-  if (std::all_of(items.begin(), items.end(), [](const MeshItem& item) { return item.isObject(); })) return;
+  if (std::all_of(items.begin(), items.end(), [](const MeshItem& item) { return item.isObject(); }))
+    return;
   scene::SelectionList list, hilite = document.hilite();
   for (std::size_t i = 0; i < items.size(); ++i) {
     const scene::DagPath transform = items[i].path.transform();
@@ -148,9 +158,11 @@ void selectMade(scene::Document& document, const std::vector<MeshItem>& items,
     }
     for (const scene::Component& component : made[i]) {
       if (component.isEmpty()) continue;
-      const Index count = component.isComplete() ? scene::componentCount(items[i].path, component.type()) : 0;
-      list.add(items[i].path, component.isComplete() ? scene::Component(component.type(), component.expanded(count))
-                                                     : component);
+      const Index count =
+          component.isComplete() ? scene::componentCount(items[i].path, component.type()) : 0;
+      list.add(items[i].path, component.isComplete()
+                                  ? scene::Component(component.type(), component.expanded(count))
+                                  : component);
       hilite.add(transform);
     }
   }
@@ -166,13 +178,15 @@ Result<std::vector<std::string>> runHistoryCommand(Context& context, const Parse
 }
 
 Result<std::vector<std::string>> runHistoryCommand(Context& context, const ParsedArgs& args,
-                                                   const HistoryCommand& asked, const scene::SelectionList& list) {
+                                                   const HistoryCommand& asked,
+                                                   const scene::SelectionList& list) {
   HistoryCommand command = asked;
   if (command.nodeName.empty()) command.nodeName = command.nodeType;
   if (command.command.empty()) command.command = command.nodeType;
   auto items = distinctMeshItems(list);
   if (!items) return failWith(std::move(items.error()));
-  if (items->empty()) return fail("{}: name or select polygon objects or components.", command.command);
+  if (items->empty())
+    return fail("{}: name or select polygon objects or components.", command.command);
   const bool keepsHistory = args.boolean("constructionHistory", true);
   std::vector<std::string> names;
   std::vector<std::vector<scene::Component>> made;
@@ -204,7 +218,8 @@ Result<Node*> findHistoryNode(Context& context, const ParsedArgs& args, std::str
       if (queue[i]->type().isA(nodeType)) return queue[i];
       for (const dg::Graph::Connection& connection : context.document.graph().incoming(*queue[i])) {
         Node* from = connection.source.node();
-        if (connection.destination.attribute()->top().longName != "instObjGroups" && seen.insert(from).second)
+        if (connection.destination.attribute()->top().longName != "instObjGroups" &&
+            seen.insert(from).second)
           queue.push_back(from);
       }
     }

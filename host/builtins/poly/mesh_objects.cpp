@@ -9,8 +9,7 @@ Result<dg::Node*> addMeshObject(scene::Document& document, const std::string& na
                                 const dg::Plug& source, dg::Node* parent) {
   auto transform = document.createNode("transform", name, parent);
   if (!transform) return failWith(std::move(transform.error()));
-  auto shape =
-      document.createNode("mesh", shapeNameFor((*transform)->name()), transform->get());
+  auto shape = document.createNode("mesh", shapeNameFor((*transform)->name()), transform->get());
   if (!shape) return failWith(std::move(shape.error()));
   HOST_TRY(document.graph().connect(source, (*shape)->plug("inMesh")));
   HOST_TRY(nodes::assignInitialShading(document, **shape));

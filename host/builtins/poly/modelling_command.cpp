@@ -29,7 +29,9 @@ void addTriple(HistoryFlags& flags, const std::string& shortName, const std::str
     flags.push_back({childShortName + small, longName + large, {type}});
 }
 
-HistoryFlag worldSpaceFlag() { return {"ws", "worldSpace", {ArgType::Bool}}; }
+HistoryFlag worldSpaceFlag() {
+  return {"ws", "worldSpace", {ArgType::Bool}};
+}
 
 Result<void> applyFlags(Context& context, const HistoryFlags& flags, const ParsedArgs& args,
                         dg::Node& node) {
@@ -62,8 +64,9 @@ CommandResult editOrQuery(Context& context, const ParsedArgs& args, const std::s
   if (asked == "name") return mel::Value(node.name());
   if (asked == "constructionHistory") return mel::Value(true);
   const HistoryFlag* flag = findFlag(flags, asked);
-  const std::string attribute =
-      flag ? attributeOf(*flag) : asked == "nodeState" || asked == "caching" ? std::string(asked) : "";
+  const std::string attribute = flag                                         ? attributeOf(*flag)
+                                : asked == "nodeState" || asked == "caching" ? std::string(asked)
+                                                                             : "";
   if (attribute.empty()) return fail("Say which flag to query of '{}'.", node.name());
   return readPlug(graph, context.document.units(), node.plug(attribute));
 }

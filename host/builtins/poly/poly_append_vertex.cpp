@@ -8,19 +8,23 @@ namespace {
 
 /// The corners that the flags list, as the node keeps them.
 struct Corners {
-  std::vector<double> entries;  ///< vertices with the top bit set, new points by their number
-  std::vector<double> points;   ///< three numbers a new point, object space
+  std::vector<double> entries;       ///< vertices with the top bit set, new points by their number
+  std::vector<double> points;        ///< three numbers a new point, object space
   std::vector<std::string> objects;  ///< words after the last -append, which are names
 
-  void addVertex(double vertex) { entries.push_back(std::numeric_limits<std::int32_t>::min() + vertex); }
+  void addVertex(double vertex) {
+    entries.push_back(std::numeric_limits<std::int32_t>::min() + vertex);
+  }
   void addPoint(double x, double y, double z) {
     entries.push_back(static_cast<double>(points.size() / 3));
     points.insert(points.end(), {x, y, z});
   }
 };
 
-/// One -append: a vertex number or the coordinates of a point in the scene's unit; names may follow the last one.
-Result<void> addAppended(const scene::Units& units, std::span<const mel::Value> values, bool isLast, Corners& corners) {
+/// One -append: a vertex number or the coordinates of a point in the scene's unit; names may follow
+/// the last one.
+Result<void> addAppended(const scene::Units& units, std::span<const mel::Value> values, bool isLast,
+                         Corners& corners) {
   std::vector<double> numbers;
   for (const mel::Value& value : values) {
     if (value.isString() && isLast)
@@ -33,8 +37,10 @@ Result<void> addAppended(const scene::Units& units, std::span<const mel::Value> 
     return {};
   }
   if (numbers.size() != 3)
-    return fail("polyAppendVertex: -append takes a vertex number or the three coordinates of a point.");
-  corners.addPoint(units.toCentimeters(numbers[0]), units.toCentimeters(numbers[1]), units.toCentimeters(numbers[2]));
+    return fail(
+        "polyAppendVertex: -append takes a vertex number or the three coordinates of a point.");
+  corners.addPoint(units.toCentimeters(numbers[0]), units.toCentimeters(numbers[1]),
+                   units.toCentimeters(numbers[2]));
   return {};
 }
 
@@ -45,7 +51,8 @@ Result<Corners> cornersOf(Context& context, const ParsedArgs& args) {
   for (const ParsedArgs::FlagUse& use : args.flagUses()) {
     const auto values = args.values(use);
     if (use.spec->isNamed("append"))
-      HOST_TRY(addAppended(context.document.units(), values, ++appended == args.uses("append"), corners));
+      HOST_TRY(addAppended(context.document.units(), values, ++appended == args.uses("append"),
+                           corners));
     else if (use.spec->isNamed("vertex"))
       corners.addVertex(values[0].intValue());
     else if (use.spec->isNamed("point"))
@@ -84,8 +91,8 @@ CommandResult polyAppendVertex(Context& context, const ParsedArgs& args) {
   command.setUp = [&](dg::Node& node, const MeshItem&, const std::vector<Index>&) -> Result<void> {
     dg::Graph& graph = context.document.graph();
     HOST_TRY(graph.setPacked(node.plug("desc"), upTo(corners->entries.size()), corners->entries));
-    HOST_TRY(graph.setPacked(node.plug("vertices"), upTo(corners->points.size() / 3),
-                             corners->points));
+    HOST_TRY(
+        graph.setPacked(node.plug("vertices"), upTo(corners->points.size() / 3), corners->points));
     return applyFlags(context, flags, args, node);
   };
   auto names = runHistoryCommand(context, args, command, *list);
@@ -99,7 +106,8 @@ void registerPolyAppendVertex(CommandRegistry& registry) {
   Syntax syntax;
   syntax.flag("a", "append", {ArgType::Any, ArgType::Any, ArgType::Any}).multiUse().optionalArgs();
   syntax.flag("v", "vertex", {ArgType::Unsigned}, kCreate).multiUse();
-  syntax.flag("p", "point", {ArgType::Distance, ArgType::Distance, ArgType::Distance}, kCreate).multiUse();
+  syntax.flag("p", "point", {ArgType::Distance, ArgType::Distance, ArgType::Distance}, kCreate)
+      .multiUse();
   addFlags(syntax, {{"tx", "texture", {ArgType::Int}}}).editable().queryable().objects(0, 1, true);
   define(registry, "polyAppendVertex", syntax, polyAppendVertex);
 }

@@ -6,8 +6,7 @@ namespace {
 
 bool namesFaces(const scene::SelectionList& list) {
   for (const scene::SelectionItem& item : list.items())
-    if (item.component(scene::ComponentType::Face) &&
-        !item.component(scene::ComponentType::Edge))
+    if (item.component(scene::ComponentType::Face) && !item.component(scene::ComponentType::Edge))
       return true;
   return false;
 }

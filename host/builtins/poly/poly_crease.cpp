@@ -12,7 +12,8 @@ using scene::ComponentType;
 
 enum Operation { kAddOrSet = 0, kRemove = 1, kRemoveAll = 2 };
 
-/// Components of a type that the item names itself; an object stands for all its edges and no vertices.
+/// Components of a type that the item names itself; an object stands for all its edges and no
+/// vertices.
 std::vector<Index> named(const MeshItem& item, ComponentType type) {
   if (item.isObject()) return type == ComponentType::Edge ? item.ids(type) : std::vector<Index>{};
   std::vector<Index> ids;
@@ -20,21 +21,24 @@ std::vector<Index> named(const MeshItem& item, ComponentType type) {
     const bool isFace = component.type() == ComponentType::Face && type == ComponentType::Edge;
     if (component.type() == type) ids = componentIds(item.mesh, component);
     if (!isFace) continue;
-    const std::vector<Index> edges = mesh::convertComponents(
-        item.mesh, mesh::ComponentKind::Face, componentIds(item.mesh, component), mesh::ComponentKind::Edge);
+    const std::vector<Index> edges =
+        mesh::convertComponents(item.mesh, mesh::ComponentKind::Face,
+                                componentIds(item.mesh, component), mesh::ComponentKind::Edge);
     ids.insert(ids.end(), edges.begin(), edges.end());
   }
   mesh::sortUnique(ids);
   return ids;
 }
 
-void write(std::vector<float>& weights, Index count, const std::vector<Index>& ids, double value, bool isRelative) {
+void write(std::vector<float>& weights, Index count, const std::vector<Index>& ids, double value,
+           bool isRelative) {
   if (weights.empty()) weights.assign(static_cast<std::size_t>(count), 0.0f);
   for (const Index id : ids) {
     float& weight = weights[static_cast<std::size_t>(id)];
     weight = static_cast<float>(std::max(0.0, isRelative ? weight + value : value));
   }
-  if (std::all_of(weights.begin(), weights.end(), [](float weight) { return weight == 0; })) weights.clear();
+  if (std::all_of(weights.begin(), weights.end(), [](float weight) { return weight == 0; }))
+    weights.clear();
 }
 
 CommandResult queryCrease(const std::vector<MeshItem>& items, bool ofVertices) {
@@ -58,9 +62,11 @@ Result<void> creaseOne(const MeshItem& item, const ParsedArgs& args) {
     return nodes::setEvaluatedMesh(*item.path.node(), std::move(mesh));
   }
   const bool removes = operation == kRemove;
-  const std::vector<Index> edges = named(item, ComponentType::Edge), vertices = named(item, ComponentType::Vertex);
+  const std::vector<Index> edges = named(item, ComponentType::Edge),
+                           vertices = named(item, ComponentType::Vertex);
   if (args.has("value") || args.has("relativeValue") || removes)
-    write(creases.edges, mesh.edgeCount(), edges, removes ? 0 : args.real("value", args.real("relativeValue")),
+    write(creases.edges, mesh.edgeCount(), edges,
+          removes ? 0 : args.real("value", args.real("relativeValue")),
           !removes && args.has("relativeValue"));
   if (args.has("vertexValue") || args.has("relativeVertexValue") || removes)
     write(creases.vertices, mesh.vertexCount(), vertices,
@@ -76,8 +82,8 @@ CommandResult polyCrease(Context& context, const ParsedArgs& args) {
   if (!items) return failWith(std::move(items.error()));
   if (items->empty()) return fail("polyCrease: name or select edges or vertices.");
   if (args.isQuery()) return queryCrease(*items, args.has("vertexValue"));
-  if (args.uses("value") + args.uses("vertexValue") + args.uses("relativeValue") + args.uses("relativeVertexValue") +
-          args.uses("operation") ==
+  if (args.uses("value") + args.uses("vertexValue") + args.uses("relativeValue") +
+          args.uses("relativeVertexValue") + args.uses("operation") ==
       0)
     return fail("polyCrease: give a -value, a -vertexValue or an -operation.");
   for (const MeshItem& item : *items) HOST_TRY(creaseOne(item, args));

@@ -17,10 +17,13 @@ using scene::ComponentType;
 /// Twice the area vector of a face; `matrix` brings its points where they are measured.
 double faceArea(const mesh::Mesh& mesh, FaceId face, const math::Matrix4* matrix) {
   Vec3 sum;
-  const auto at = [&](VertexId v) { return matrix ? math::transformPoint(mesh.point(v), *matrix) : mesh.point(v); };
+  const auto at = [&](VertexId v) {
+    return matrix ? math::transformPoint(mesh.point(v), *matrix) : mesh.point(v);
+  };
   const auto loop = mesh.faceVertices(face);
   const Vec3 origin = at(loop[0]);
-  for (std::size_t i = 1; i + 1 < loop.size(); ++i) sum += math::cross(at(loop[i]) - origin, at(loop[i + 1]) - origin);
+  for (std::size_t i = 1; i + 1 < loop.size(); ++i)
+    sum += math::cross(at(loop[i]) - origin, at(loop[i + 1]) - origin);
   return 0.5 * math::length(sum);
 }
 
@@ -32,7 +35,8 @@ double uvFaceArea(const mesh::Mesh& mesh, FaceId face, int set) {
   for (Index i = 0; i < size; ++i) {
     const UvId a = mesh.cornerUv(set, first + i), b = mesh.cornerUv(set, first + (i + 1) % size);
     if (a == kNone || b == kNone) return 0;
-    const math::Vec2f p = points[static_cast<std::size_t>(a)], q = points[static_cast<std::size_t>(b)];
+    const math::Vec2f p = points[static_cast<std::size_t>(a)],
+                      q = points[static_cast<std::size_t>(b)];
     sum += double{p.u} * q.v - double{q.u} * p.v;
   }
   return std::abs(sum) * 0.5;
@@ -48,13 +52,17 @@ class Evaluation {
     if (what == "vertex") return count([](const MeshItem& i) { return i.mesh.vertexCount(); });
     if (what == "edge") return count([](const MeshItem& i) { return i.mesh.edgeCount(); });
     if (what == "face") return count([](const MeshItem& i) { return i.mesh.faceCount(); });
-    if (what == "triangle") return count([](const MeshItem& i) { return i.mesh.cornerCount() - 2 * i.mesh.faceCount(); });
-    if (what == "shell") return count([](const MeshItem& i) { return mesh::findShells(i.mesh).count; });
-    if (what == "uvcoord") return count([this](const MeshItem& i) {
-      return static_cast<Index>(i.mesh.uvSet(uvSet(i.mesh)).points.size());
-    });
+    if (what == "triangle")
+      return count([](const MeshItem& i) { return i.mesh.cornerCount() - 2 * i.mesh.faceCount(); });
+    if (what == "shell")
+      return count([](const MeshItem& i) { return mesh::findShells(i.mesh).count; });
+    if (what == "uvcoord")
+      return count([this](const MeshItem& i) {
+        return static_cast<Index>(i.mesh.uvSet(uvSet(i.mesh)).points.size());
+      });
     if (what == "uvShell")
-      return count([this](const MeshItem& i) { return mesh::findUvShells(i.mesh, uvSet(i.mesh)).count; });
+      return count(
+          [this](const MeshItem& i) { return mesh::findUvShells(i.mesh, uvSet(i.mesh)).count; });
     if (what == "vertexComponent") return selected(ComponentType::Vertex);
     if (what == "edgeComponent") return selected(ComponentType::Edge);
     if (what == "faceComponent") return selected(ComponentType::Face);
@@ -75,12 +83,16 @@ class Evaluation {
     const double unit = units_.toCentimeters(1.0);
     if (what == "area") return mel::Value(area(false) / (unit * unit));
     if (what == "worldArea") return mel::Value(area(true) / (unit * unit));
-    if (what == "faceArea" || what == "worldFaceArea") return faceAreas(what == "worldFaceArea", unit * unit);
+    if (what == "faceArea" || what == "worldFaceArea")
+      return faceAreas(what == "worldFaceArea", unit * unit);
     if (what == "uvArea" || what == "uvFaceArea") return uvAreas(what == "uvFaceArea");
-    if (what == "boundingBox" || what == "boundingBoxComponent") return box(what == "boundingBoxComponent");
-    if (what == "boundingBox2d" || what == "boundingBoxComponent2d") return uvBox(what == "boundingBoxComponent2d");
+    if (what == "boundingBox" || what == "boundingBoxComponent")
+      return box(what == "boundingBoxComponent");
+    if (what == "boundingBox2d" || what == "boundingBoxComponent2d")
+      return uvBox(what == "boundingBoxComponent2d");
     if (what == "uvShellIds") return uvShellIds();
-    if (what == "uvsInShell" || what == "activeUVShells") return activeUvShells(what == "uvsInShell");
+    if (what == "uvsInShell" || what == "activeUVShells")
+      return activeUvShells(what == "uvsInShell");
     return fail("polyEvaluate: '-{}' can't be answered.", what);
   }
 
@@ -110,7 +122,8 @@ class Evaluation {
     double sum = 0;
     for (const MeshItem& item : items_) {
       const math::Matrix4 matrix = item.path.inclusiveMatrix();
-      for (FaceId f = 0; f < item.mesh.faceCount(); ++f) sum += faceArea(item.mesh, f, isWorld ? &matrix : nullptr);
+      for (FaceId f = 0; f < item.mesh.faceCount(); ++f)
+        sum += faceArea(item.mesh, f, isWorld ? &matrix : nullptr);
     }
     return sum;
   }
@@ -129,8 +142,9 @@ class Evaluation {
     mel::FloatArray areas;
     double sum = 0;
     for (const MeshItem& item : items_) {
-      const std::vector<FaceId> faces = perFace ? item.ids(ComponentType::Face)
-                                                : componentIds(item.mesh, scene::Component::all(ComponentType::Face));
+      const std::vector<FaceId> faces =
+          perFace ? item.ids(ComponentType::Face)
+                  : componentIds(item.mesh, scene::Component::all(ComponentType::Face));
       for (const FaceId f : faces) {
         const double one = uvFaceArea(item.mesh, f, uvSet(item.mesh));
         sum += one;
@@ -147,13 +161,16 @@ class Evaluation {
       const math::Matrix4 matrix = item.path.inclusiveMatrix();
       if (ofComponents && item.isObject()) continue;
       const std::vector<VertexId> vertices =
-          ofComponents ? item.vertices() : componentIds(item.mesh, scene::Component::all(ComponentType::Vertex));
-      for (const VertexId v : vertices) bounds.add(math::transformPoint(item.mesh.point(v), matrix));
+          ofComponents ? item.vertices()
+                       : componentIds(item.mesh, scene::Component::all(ComponentType::Vertex));
+      for (const VertexId v : vertices)
+        bounds.add(math::transformPoint(item.mesh.point(v), matrix));
     }
     if (bounds.isEmpty()) return mel::Value(mel::FloatArray(6, 0.0));
     mel::FloatArray pairs;
     for (int axis = 0; axis < 3; ++axis)
-      for (const double x : {bounds.min[axis], bounds.max[axis]}) pairs.push_back(units_.fromCentimeters(x));
+      for (const double x : {bounds.min[axis], bounds.max[axis]})
+        pairs.push_back(units_.fromCentimeters(x));
     return mel::Value(std::move(pairs));
   }
 
@@ -162,7 +179,8 @@ class Evaluation {
     for (const MeshItem& item : items_) {
       const auto& points = item.mesh.uvSet(uvSet(item.mesh)).points;
       const std::vector<UvId> ids =
-          ofComponents ? item.ids(ComponentType::Uv) : componentIds(item.mesh, scene::Component::all(ComponentType::Uv));
+          ofComponents ? item.ids(ComponentType::Uv)
+                       : componentIds(item.mesh, scene::Component::all(ComponentType::Uv));
       for (const UvId id : ids) {
         const math::Vec2f uv = points[static_cast<std::size_t>(id)];
         bounds.add(Vec3(uv.u, uv.v, 0));
@@ -176,7 +194,8 @@ class Evaluation {
     mel::IntArray ids;
     for (const MeshItem& item : items_) {
       const mesh::UvShells shells = mesh::findUvShells(item.mesh, uvSet(item.mesh));
-      for (const UvId uv : item.ids(ComponentType::Uv)) ids.push_back(shells.ofUv[static_cast<std::size_t>(uv)]);
+      for (const UvId uv : item.ids(ComponentType::Uv))
+        ids.push_back(shells.ofUv[static_cast<std::size_t>(uv)]);
     }
     return mel::Value(std::move(ids));
   }
@@ -195,7 +214,8 @@ class Evaluation {
         continue;
       }
       std::set<Index> touched;
-      for (const UvId uv : item.ids(ComponentType::Uv)) touched.insert(shells.ofUv[static_cast<std::size_t>(uv)]);
+      for (const UvId uv : item.ids(ComponentType::Uv))
+        touched.insert(shells.ofUv[static_cast<std::size_t>(uv)]);
       touched.erase(kNone);
       active.insert(active.end(), touched.begin(), touched.end());
     }
@@ -226,7 +246,8 @@ CommandResult polyEvaluate(Context& context, const ParsedArgs& args) {
   if (items->empty()) return mel::Value("Nothing counted : no polygonal object is selected.");
   for (const MeshItem& item : *items)
     if (args.has("uvSetName") && item.mesh.findUvSet(args.text("uvSetName")) < 0)
-      return fail("polyEvaluate: '{}' has no UV set '{}'.", item.path.partialName(), args.text("uvSetName"));
+      return fail("polyEvaluate: '{}' has no UV set '{}'.", item.path.partialName(),
+                  args.text("uvSetName"));
   Evaluation evaluation(std::move(*items), args, context.document.units());
   std::vector<mel::Value> answers;
   for (const cmd::ParsedArgs::FlagUse& use : args.flagUses()) {
@@ -238,7 +259,8 @@ CommandResult polyEvaluate(Context& context, const ParsedArgs& args) {
   }
   if (answers.empty()) return mel::Value(summary(evaluation));
   if (answers.size() == 1) return std::move(answers.front());
-  const bool areWhole = std::all_of(answers.begin(), answers.end(), [](const mel::Value& v) { return v.isInt(); });
+  const bool areWhole =
+      std::all_of(answers.begin(), answers.end(), [](const mel::Value& v) { return v.isInt(); });
   mel::IntArray whole;
   mel::FloatArray reals;
   for (const mel::Value& answer : answers) {

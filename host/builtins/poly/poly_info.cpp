@@ -18,9 +18,12 @@ struct Listing {
 };
 /// What is told about each component, a line each.
 constexpr Listing kListings[] = {
-    {"ve", "vertexToEdge", "VERTEX", ComponentType::Vertex}, {"vf", "vertexToFace", "VERTEX", ComponentType::Vertex},
-    {"ev", "edgeToVertex", "EDGE", ComponentType::Edge},     {"ef", "edgeToFace", "EDGE", ComponentType::Edge},
-    {"fv", "faceToVertex", "FACE", ComponentType::Face},     {"fe", "faceToEdge", "FACE", ComponentType::Face},
+    {"ve", "vertexToEdge", "VERTEX", ComponentType::Vertex},
+    {"vf", "vertexToFace", "VERTEX", ComponentType::Vertex},
+    {"ev", "edgeToVertex", "EDGE", ComponentType::Edge},
+    {"ef", "edgeToFace", "EDGE", ComponentType::Edge},
+    {"fv", "faceToVertex", "FACE", ComponentType::Face},
+    {"fe", "faceToEdge", "FACE", ComponentType::Face},
     {"fn", "faceNormals", "FACE_NORMAL", ComponentType::Face},
 };
 
@@ -38,9 +41,6 @@ Vec3 faceNormal(const mesh::Mesh& mesh, FaceId face) {
   return math::normalized(normal);
 }
 
-
-
-
 std::string lineFor(const Listing& listing, const mesh::Mesh& mesh, Index id) {
   const std::string_view what = listing.longName;
   const mesh::Adjacency& adjacency = mesh.adjacency();
@@ -57,7 +57,8 @@ std::string lineFor(const Listing& listing, const mesh::Mesh& mesh, Index id) {
   const Vec3 normal = faceNormal(mesh, id);
   // What is written as 0 has no sign, whichever way the face is turned.
   const auto shown = [](double x) { return std::abs(x) < 0.5e-6 ? 0.0 : x; };
-  return fmt::format("{} {:6}: {:f} {:f} {:f}\n", listing.label, id, shown(normal.x), shown(normal.y), shown(normal.z));
+  return fmt::format("{} {:6}: {:f} {:f} {:f}\n", listing.label, id, shown(normal.x),
+                     shown(normal.y), shown(normal.z));
 }
 
 /// Faces that share all their vertices with another one.
@@ -72,7 +73,8 @@ std::vector<FaceId> laminaFaces(const mesh::Mesh& mesh) {
   std::sort(keys.begin(), keys.end());
   std::vector<FaceId> faces;
   for (std::size_t i = 1; i < keys.size(); ++i)
-    if (keys[i].first == keys[i - 1].first) faces.insert(faces.end(), {keys[i - 1].second, keys[i].second});
+    if (keys[i].first == keys[i - 1].first)
+      faces.insert(faces.end(), {keys[i - 1].second, keys[i].second});
   mesh::sortUnique(faces);
   return faces;
 }
@@ -95,14 +97,15 @@ std::vector<Index> faulty(const mesh::Mesh& mesh, std::string_view what) {
   if (what == "laminaFaces") return laminaFaces(mesh);
   if (what == "nonManifoldEdges" || what == "invalidEdges") {
     for (EdgeId e = 0; e < mesh.edgeCount(); ++e) {
-      const bool isBad = what == "invalidEdges" ? adjacency.edgeFaces(e).empty() : !adjacency.isManifoldEdge(e);
+      const bool isBad =
+          what == "invalidEdges" ? adjacency.edgeFaces(e).empty() : !adjacency.isManifoldEdge(e);
       if (isBad) ids.push_back(e);
     }
     return ids;
   }
   for (VertexId v = 0; v < mesh.vertexCount(); ++v) {
-    const bool isBad =
-        what == "invalidVertices" ? adjacency.vertexEdges(v).empty() : !adjacency.isManifoldVertex(v);
+    const bool isBad = what == "invalidVertices" ? adjacency.vertexEdges(v).empty()
+                                                 : !adjacency.isManifoldVertex(v);
     if (isBad) ids.push_back(v);
   }
   return ids;

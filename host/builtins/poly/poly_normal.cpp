@@ -3,12 +3,13 @@
 namespace host::builtins {
 
 void registerPolyNormal(CommandRegistry& registry) {
-  defineModelling(registry,
-                  {.command = "polyNormal",
-                   .nodeType = "polyNormal",
-                   .works = scene::ComponentType::Face,
-                   .leaves = Leaves::Selection},
-                  {{"nm", "normalMode", {ArgType::Int}}, {"unm", "userNormalMode", {ArgType::Bool}}});
+  defineModelling(
+      registry,
+      {.command = "polyNormal",
+       .nodeType = "polyNormal",
+       .works = scene::ComponentType::Face,
+       .leaves = Leaves::Selection},
+      {{"nm", "normalMode", {ArgType::Int}}, {"unm", "userNormalMode", {ArgType::Bool}}});
 }
 
 }  // namespace host::builtins

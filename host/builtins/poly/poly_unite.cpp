@@ -17,7 +17,8 @@ Result<void> connectParts(scene::Document& document, dg::Node& node,
   dg::Graph& graph = document.graph();
   for (std::size_t i = 0; i < items.size(); ++i) {
     dg::Node& shape = *items[i].path.node();
-    const auto at = static_cast<Index>(i), instance = static_cast<Index>(items[i].path.instanceNumber());
+    const auto at = static_cast<Index>(i),
+               instance = static_cast<Index>(items[i].path.instanceNumber());
     HOST_TRY(graph.connect(shape.plug("outMesh"), node.plug("inputPoly").element(at)));
     HOST_TRY(graph.connect(shape.plug("worldMatrix").element(instance),
                            node.plug("inputMat").element(at)));

@@ -12,11 +12,16 @@ namespace {
 /// The flag of selectType that stands for a component type.
 const char* maskFlag(ComponentType type) {
   switch (type) {
-    case ComponentType::Vertex: return "-vertex 1";
-    case ComponentType::Edge: return "-edge 1";
-    case ComponentType::Face: return "-facet 1";
-    case ComponentType::Uv: return "-polymeshUV 1";
-    case ComponentType::VertexFace: return "-polymeshVtxFace 1";
+    case ComponentType::Vertex:
+      return "-vertex 1";
+    case ComponentType::Edge:
+      return "-edge 1";
+    case ComponentType::Face:
+      return "-facet 1";
+    case ComponentType::Uv:
+      return "-polymeshUV 1";
+    case ComponentType::VertexFace:
+      return "-polymeshVtxFace 1";
   }
   return "";
 }
@@ -28,8 +33,8 @@ std::vector<Index> convertedIds(const MeshItem& item, ComponentType type, mesh::
   std::vector<Index> all;
   for (const Component& component : item.components) {
     const std::vector<Index> own = componentIds(item.mesh, component);
-    const std::vector<Index> more = mesh::convertComponents(item.mesh, meshKind(component.type()), own, meshKind(type),
-                                                            how, item.mesh.currentUvSet());
+    const std::vector<Index> more = mesh::convertComponents(
+        item.mesh, meshKind(component.type()), own, meshKind(type), how, item.mesh.currentUvSet());
     all.insert(all.end(), more.begin(), more.end());
   }
   mesh::sortUnique(all);
@@ -45,7 +50,8 @@ Result<std::vector<MeshItem>> namedMeshItems(Context& context, const ParsedArgs&
 scene::SelectionList pickedList(const std::vector<ComponentPick>& picks) {
   scene::SelectionList list;
   for (const ComponentPick& pick : picks)
-    if (!pick.ids.empty()) list.add(pick.item->path, componentFromIds(pick.item->mesh, pick.type, pick.ids));
+    if (!pick.ids.empty())
+      list.add(pick.item->path, componentFromIds(pick.item->mesh, pick.type, pick.ids));
   return list;
 }
 
@@ -58,8 +64,9 @@ Result<void> selectPicks(Context& context, const std::vector<ComponentPick>& pic
   if (picks.empty()) return {};
   const std::string mask = maskFlag(picks.front().type);
   auto done = context.session.interpreter().execute(
-      "selectMode -component; selectType -allComponents 0; selectType -ocm -allComponents 0; selectType " + mask +
-      "; selectType -ocm " + mask);
+      "selectMode -component; selectType -allComponents 0; selectType -ocm -allComponents 0; "
+      "selectType " +
+      mask + "; selectType -ocm " + mask);
   if (!done) return failWith(std::move(done.error()));
   return {};
 }

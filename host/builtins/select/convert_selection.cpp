@@ -28,17 +28,17 @@ Ids contained(const MeshItem& item) {
 
 /// The faces that the selection covers: selected ones, and those with all their vertices selected.
 Ids coveredFaces(const MeshItem& item) {
-  return mesh::convertComponents(item.mesh, ComponentKind::Vertex, item.vertices(), ComponentKind::Face,
-                                 Conversion::Contained);
+  return mesh::convertComponents(item.mesh, ComponentKind::Vertex, item.vertices(),
+                                 ComponentKind::Face, Conversion::Contained);
 }
 
-/// The rim of the covered faces, the mesh's own border included. Components that cover no face have the edges that leave
-/// them as their rim.
+/// The rim of the covered faces, the mesh's own border included. Components that cover no face have
+/// the edges that leave them as their rim.
 Ids perimeterEdges(const MeshItem& item) {
   const Ids faces = coveredFaces(item);
   if (!faces.empty()) return mesh::boundaryEdges(item.mesh, faces);
-  return mesh::convertComponents(item.mesh, ComponentKind::Vertex, item.vertices(), ComponentKind::Edge,
-                                 Conversion::Border);
+  return mesh::convertComponents(item.mesh, ComponentKind::Vertex, item.vertices(),
+                                 ComponentKind::Edge, Conversion::Border);
 }
 
 Ids perimeterVertices(const MeshItem& item) {
@@ -52,16 +52,18 @@ Ids perimeterVertices(const MeshItem& item) {
 /// Covered faces with a vertex on the rim.
 Ids perimeterFaces(const MeshItem& item) {
   const Ids covered = coveredFaces(item);
-  Ids faces = mesh::convertComponents(item.mesh, ComponentKind::Edge, perimeterEdges(item), ComponentKind::Face);
+  Ids faces = mesh::convertComponents(item.mesh, ComponentKind::Edge, perimeterEdges(item),
+                                      ComponentKind::Face);
   if (!covered.empty())
-    std::erase_if(faces, [&](FaceId f) { return !std::binary_search(covered.begin(), covered.end(), f); });
+    std::erase_if(faces,
+                  [&](FaceId f) { return !std::binary_search(covered.begin(), covered.end(), f); });
   return faces;
 }
 
 Ids perimeterUvs(const MeshItem& item) {
   const int set = item.mesh.currentUvSet();
-  Ids uvs = mesh::convertComponents(item.mesh, ComponentKind::Vertex, perimeterVertices(item), ComponentKind::Uv,
-                                    Conversion::Connected, set);
+  Ids uvs = mesh::convertComponents(item.mesh, ComponentKind::Vertex, perimeterVertices(item),
+                                    ComponentKind::Uv, Conversion::Connected, set);
   const Ids own = convertedIds(item, ComponentType::Uv);
   std::erase_if(uvs, [&](UvId uv) { return !std::binary_search(own.begin(), own.end(), uv); });
   return uvs;
@@ -72,7 +74,8 @@ Ids shellFaces(const MeshItem& item) {
 }
 
 Ids shellBorder(const MeshItem& item) {
-  Ids edges = mesh::convertComponents(item.mesh, ComponentKind::Face, shellFaces(item), ComponentKind::Edge);
+  Ids edges = mesh::convertComponents(item.mesh, ComponentKind::Face, shellFaces(item),
+                                      ComponentKind::Edge);
   std::erase_if(edges, [&](EdgeId e) { return !item.mesh.adjacency().isBorderEdge(e); });
   return edges;
 }
@@ -94,10 +97,11 @@ Ids uvShell(const MeshItem& item) {
 Ids uvShellBorder(const MeshItem& item) {
   const int set = item.mesh.currentUvSet();
   const Ids border = mesh::uvBorderEdges(item.mesh, set);
-  const Ids onBorder = mesh::convertComponents(item.mesh, ComponentKind::Edge, border, ComponentKind::Uv,
-                                               Conversion::Connected, set);
+  const Ids onBorder = mesh::convertComponents(item.mesh, ComponentKind::Edge, border,
+                                               ComponentKind::Uv, Conversion::Connected, set);
   Ids uvs = uvShell(item);
-  std::erase_if(uvs, [&](UvId uv) { return !std::binary_search(onBorder.begin(), onBorder.end(), uv); });
+  std::erase_if(uvs,
+                [&](UvId uv) { return !std::binary_search(onBorder.begin(), onBorder.end(), uv); });
   return uvs;
 }
 
@@ -108,8 +112,8 @@ Ids uvEdgeLoop(const MeshItem& item) {
     edges.insert(edges.end(), loop.edges.begin(), loop.edges.end());
   }
   mesh::sortUnique(edges);
-  return mesh::convertComponents(item.mesh, ComponentKind::Edge, edges, ComponentKind::Uv, Conversion::Connected,
-                                 item.mesh.currentUvSet());
+  return mesh::convertComponents(item.mesh, ComponentKind::Edge, edges, ComponentKind::Uv,
+                                 Conversion::Connected, item.mesh.currentUvSet());
 }
 
 struct ConversionCommand {
@@ -119,15 +123,22 @@ struct ConversionCommand {
   int number = 0;  ///< for PolySelectConvert
 };
 constexpr std::array kConversions = {
-    ConversionCommand{"ConvertSelectionToFaces", ComponentType::Face, connected<ComponentType::Face>, 1},
-    ConversionCommand{"ConvertSelectionToEdges", ComponentType::Edge, connected<ComponentType::Edge>, 2},
-    ConversionCommand{"ConvertSelectionToVertices", ComponentType::Vertex, connected<ComponentType::Vertex>, 3},
+    ConversionCommand{"ConvertSelectionToFaces", ComponentType::Face,
+                      connected<ComponentType::Face>, 1},
+    ConversionCommand{"ConvertSelectionToEdges", ComponentType::Edge,
+                      connected<ComponentType::Edge>, 2},
+    ConversionCommand{"ConvertSelectionToVertices", ComponentType::Vertex,
+                      connected<ComponentType::Vertex>, 3},
     ConversionCommand{"ConvertSelectionToUVs", ComponentType::Uv, connected<ComponentType::Uv>, 4},
-    ConversionCommand{"ConvertSelectionToVertexFaces", ComponentType::VertexFace, connected<ComponentType::VertexFace>, 5},
-    ConversionCommand{"ConvertSelectionToContainedFaces", ComponentType::Face, contained<ComponentType::Face>, 10},
-    ConversionCommand{"ConvertSelectionToContainedEdges", ComponentType::Edge, contained<ComponentType::Edge>, 20},
+    ConversionCommand{"ConvertSelectionToVertexFaces", ComponentType::VertexFace,
+                      connected<ComponentType::VertexFace>, 5},
+    ConversionCommand{"ConvertSelectionToContainedFaces", ComponentType::Face,
+                      contained<ComponentType::Face>, 10},
+    ConversionCommand{"ConvertSelectionToContainedEdges", ComponentType::Edge,
+                      contained<ComponentType::Edge>, 20},
     ConversionCommand{"ConvertSelectionToEdgePerimeter", ComponentType::Edge, perimeterEdges},
-    ConversionCommand{"ConvertSelectionToVertexPerimeter", ComponentType::Vertex, perimeterVertices},
+    ConversionCommand{"ConvertSelectionToVertexPerimeter", ComponentType::Vertex,
+                      perimeterVertices},
     ConversionCommand{"ConvertSelectionToFacePerimeter", ComponentType::Face, perimeterFaces},
     ConversionCommand{"ConvertSelectionToUVPerimeter", ComponentType::Uv, perimeterUvs},
     ConversionCommand{"ConvertSelectionToShell", ComponentType::Face, shellFaces},
@@ -142,7 +153,8 @@ CommandResult convertSelection(Context& context, const ConversionCommand& conver
   if (!items) return failWith(std::move(items.error()));
   if (items->empty()) return mel::Value();  // nothing polygonal: menus leave the selection alone
   std::vector<ComponentPick> picks;
-  for (const MeshItem& item : *items) picks.push_back({&item, conversion.type, conversion.convert(item)});
+  for (const MeshItem& item : *items)
+    picks.push_back({&item, conversion.type, conversion.convert(item)});
   HOST_TRY(selectPicks(context, picks));
   return mel::Value();
 }
@@ -150,9 +162,12 @@ CommandResult convertSelection(Context& context, const ConversionCommand& conver
 CommandResult polySelectConvert(Context& context, const ParsedArgs& args) {
   const auto number = args.arguments().front().toInt();
   for (const ConversionCommand& conversion : kConversions)
-    if (number && *number != 0 && *number == conversion.number) return convertSelection(context, conversion);
-  return fail("PolySelectConvert: use 1 faces, 2 edges, 3 vertices, 4 UVs, 5 vertex faces, 10 contained faces or 20 "
-              "contained edges.");
+    if (number && *number != 0 && *number == conversion.number)
+      return convertSelection(context, conversion);
+  return fail(
+      "PolySelectConvert: use 1 faces, 2 edges, 3 vertices, 4 UVs, 5 vertex faces, 10 contained "
+      "faces or 20 "
+      "contained edges.");
 }
 
 }  // namespace

@@ -15,30 +15,49 @@ constexpr int kPolyMesh = 12;
 
 bool componentOfMask(int mask, ComponentType& type) {
   switch (mask) {
-    case 31: type = ComponentType::Vertex; return true;
-    case 32: type = ComponentType::Edge; return true;
-    case 34: type = ComponentType::Face; return true;
-    case 35: type = ComponentType::Uv; return true;
-    case 70: type = ComponentType::VertexFace; return true;
-    default: return false;
+    case 31:
+      type = ComponentType::Vertex;
+      return true;
+    case 32:
+      type = ComponentType::Edge;
+      return true;
+    case 34:
+      type = ComponentType::Face;
+      return true;
+    case 35:
+      type = ComponentType::Uv;
+      return true;
+    case 70:
+      type = ComponentType::VertexFace;
+      return true;
+    default:
+      return false;
   }
 }
 
 std::string_view nodeTypeOfMask(int mask) {
   switch (mask) {
-    case 0: return "handle";
-    case 9: return "nurbsCurve";
-    case 10: return "nurbsSurface";
-    case 22: return "locator";
-    case 23: return "dagNode";
-    case 24: return "transform";
-    default: return {};
+    case 0:
+      return "handle";
+    case 9:
+      return "nurbsCurve";
+    case 10:
+      return "nurbsSurface";
+    case 22:
+      return "locator";
+    case 23:
+      return "dagNode";
+    case 24:
+      return "transform";
+    default:
+      return {};
   }
 }
 
 class Expander {
  public:
-  Expander(const ParsedArgs& args) : isExpanding_(args.boolean("expand", true)), fullPath_(args.boolean("fullPath")) {
+  Expander(const ParsedArgs& args)
+      : isExpanding_(args.boolean("expand", true)), fullPath_(args.boolean("fullPath")) {
     for (int use = 0; use < args.uses("selectionMask"); ++use)
       masks_.push_back(args.values("selectionMask", use).front().toInt().value_or(0));
   }
@@ -47,7 +66,8 @@ class Expander {
     for (const int mask : masks_) {
       ComponentType type{};
       if (componentOfMask(mask, type)) {
-        if (const scene::Component* component = item.component(type)) addComponent(item, *component);
+        if (const scene::Component* component = item.component(type))
+          addComponent(item, *component);
       } else if (item.isDag() && item.isObject()) {
         addObject(item, mask);
       }
@@ -80,8 +100,10 @@ class Expander {
       return;
     }
     const std::string prefix = base + std::string(scene::componentWord(component.type())) + "[";
-    const Index count = component.isComplete() ? scene::componentCount(item.path, component.type()) : 0;
-    for (const Index index : component.expanded(count)) names_.push_back(prefix + std::to_string(index) + "]");
+    const Index count =
+        component.isComplete() ? scene::componentCount(item.path, component.type()) : 0;
+    for (const Index index : component.expanded(count))
+      names_.push_back(prefix + std::to_string(index) + "]");
   }
 
   std::vector<int> masks_;

@@ -84,8 +84,9 @@ class Lister {
   [[nodiscard]] bool filters() const { return !args_.flagUses().empty(); }
 
   static void sortByName(std::vector<scene::Node*>& nodes) {
-    std::stable_sort(nodes.begin(), nodes.end(),
-                     [](const scene::Node* a, const scene::Node* b) { return a->name() < b->name(); });
+    std::stable_sort(nodes.begin(), nodes.end(), [](const scene::Node* a, const scene::Node* b) {
+      return a->name() < b->name();
+    });
   }
 
   void visitNode(scene::Node& node) {
@@ -99,7 +100,8 @@ class Lister {
 
   void visitPath(const DagPath& path) {
     if (path.isWorld()) return;
-    if (passes(*path.node(), path)) add(isLong_ ? path.fullName() : path.partialName(), *path.node());
+    if (passes(*path.node(), path))
+      add(isLong_ ? path.fullName() : path.partialName(), *path.node());
     if (!args_.has("dagObjects")) return;
     for (scene::Node* child : scene::dagLinks(*path.node()).children) visitPath(path.child(child));
   }
@@ -136,28 +138,39 @@ class Lister {
       return;
     }
     const std::string prefix = base + std::string(scene::componentWord(component.type())) + "[";
-    const Index count = component.isComplete() ? scene::componentCount(item.path, component.type()) : 0;
-    for (const Index index : component.expanded(count)) add(prefix + std::to_string(index) + "]", *item.node);
+    const Index count =
+        component.isComplete() ? scene::componentCount(item.path, component.type()) : 0;
+    for (const Index index : component.expanded(count))
+      add(prefix + std::to_string(index) + "]", *item.node);
   }
 
   [[nodiscard]] bool filtersTypes() const {
-    static constexpr std::string_view kFlags[] = {"type",   "exactType",  "shapes",    "transforms", "geometry",
-                                                  "cameras", "lights",     "sets",      "materials",  "textures"};
-    return std::any_of(std::begin(kFlags), std::end(kFlags), [&](std::string_view flag) { return args_.has(flag); });
+    static constexpr std::string_view kFlags[] = {"type",      "exactType", "shapes", "transforms",
+                                                  "geometry",  "cameras",   "lights", "sets",
+                                                  "materials", "textures"};
+    return std::any_of(std::begin(kFlags), std::end(kFlags),
+                       [&](std::string_view flag) { return args_.has(flag); });
   }
 
   [[nodiscard]] bool hasType(const dg::Node& node) const {
     const dg::NodeType& type = node.type();
     const auto isAny = [&](const std::vector<std::string>& names) {
-      return std::any_of(names.begin(), names.end(), [&](const std::string& name) { return type.isA(name); });
+      return std::any_of(names.begin(), names.end(),
+                         [&](const std::string& name) { return type.isA(name); });
     };
     if (isAny(excluded_)) return false;
     if (!filtersTypes()) return true;
-    if (isAny(types_) || std::find(exact_.begin(), exact_.end(), type.name) != exact_.end()) return true;
-    const auto isClassified = [&](std::string_view word) { return type.classification.find(word) != std::string::npos; };
-    return (args_.has("shapes") && scene::isShape(node)) || (args_.has("transforms") && scene::isTransform(node)) ||
-           (args_.has("geometry") && type.isA("geometryShape")) || (args_.has("cameras") && type.isA("camera")) ||
-           (args_.has("lights") && type.isA("light")) || (args_.has("sets") && type.isA("objectSet")) ||
+    if (isAny(types_) || std::find(exact_.begin(), exact_.end(), type.name) != exact_.end())
+      return true;
+    const auto isClassified = [&](std::string_view word) {
+      return type.classification.find(word) != std::string::npos;
+    };
+    return (args_.has("shapes") && scene::isShape(node)) ||
+           (args_.has("transforms") && scene::isTransform(node)) ||
+           (args_.has("geometry") && type.isA("geometryShape")) ||
+           (args_.has("cameras") && type.isA("camera")) ||
+           (args_.has("lights") && type.isA("light")) ||
+           (args_.has("sets") && type.isA("objectSet")) ||
            (args_.has("materials") && isClassified("shader/surface")) ||
            (args_.has("textures") && isClassified("texture"));
   }
@@ -182,7 +195,8 @@ class Lister {
     if (args_.has("defaultNodes") && !node.isDefault()) return false;
     if (args_.has("undeletable") && !node.isDefault()) return false;
     if (args_.has("lockedNodes") && !node.isLocked()) return false;
-    if (args_.has("leaf") && (path.isWorld() || !scene::dagLinks(node).children.empty())) return false;
+    if (args_.has("leaf") && (path.isWorld() || !scene::dagLinks(node).children.empty()))
+      return false;
     if (args_.has("intermediateObjects") && !isOn(node, "intermediateObject")) return false;
     if (args_.has("noIntermediate") && isOn(node, "intermediateObject")) return false;
     if (args_.has("visible") && (path.isWorld() || !isVisible(path))) return false;
@@ -205,7 +219,8 @@ class Lister {
       return std::min(names_.size(), static_cast<std::size_t>(std::max(0, args_.integer(flag))));
     };
     if (args_.has("head")) names_.resize(limit("head"));
-    if (args_.has("tail")) names_.erase(names_.begin(), names_.end() - static_cast<std::ptrdiff_t>(limit("tail")));
+    if (args_.has("tail"))
+      names_.erase(names_.begin(), names_.end() - static_cast<std::ptrdiff_t>(limit("tail")));
   }
 
   scene::Document& document_;

@@ -12,11 +12,13 @@ using scene::DagPath;
 /// The sibling `step` places on, going round.
 DagPath sibling(scene::Document& document, const DagPath& path, int step) {
   const DagPath above = path.parent();
-  const auto& siblings = above.isWorld() ? document.worldChildren() : scene::dagLinks(*above.node()).children;
+  const auto& siblings =
+      above.isWorld() ? document.worldChildren() : scene::dagLinks(*above.node()).children;
   const auto at = std::find(siblings.begin(), siblings.end(), path.node());
   if (at == siblings.end()) return path;
   const auto count = static_cast<std::ptrdiff_t>(siblings.size());
-  return above.child(siblings[static_cast<std::size_t>((at - siblings.begin() + step + count) % count)]);
+  return above.child(
+      siblings[static_cast<std::size_t>((at - siblings.begin() + step + count) % count)]);
 }
 
 CommandResult pickWalk(Context& context, const ParsedArgs& args) {
@@ -46,7 +48,11 @@ CommandResult pickWalk(Context& context, const ParsedArgs& args) {
 }  // namespace
 
 void registerPickWalk(CommandRegistry& registry) {
-  define(registry, "pickWalk", Syntax().flag("d", "direction", {ArgType::String}).flag("typ", "type", {ArgType::String}).objects(0, -1, true),
+  define(registry, "pickWalk",
+         Syntax()
+             .flag("d", "direction", {ArgType::String})
+             .flag("typ", "type", {ArgType::String})
+             .objects(0, -1, true),
          pickWalk);
 }
 

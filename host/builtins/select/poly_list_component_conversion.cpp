@@ -37,7 +37,8 @@ std::vector<Index> converted(const MeshItem& item, const ParsedArgs& args, Compo
                                                       : mesh::Conversion::Connected;
   if (item.isObject()) return convertedIds(item, target);
   MeshItem sources = item;
-  std::erase_if(sources.components, [&](const Component& component) { return !isSource(args, component.type()); });
+  std::erase_if(sources.components,
+                [&](const Component& component) { return !isSource(args, component.type()); });
   return sources.isObject() ? std::vector<Index>{} : convertedIds(sources, target, how);
 }
 
@@ -48,7 +49,8 @@ CommandResult convert(Context& context, const ParsedArgs& args) {
   for (const MeshItem& item : *items) {
     for (const TypeFlag& flag : kTypes) {
       if (!args.has(flag.toLong)) continue;
-      result.add(item.path, componentFromIds(item.mesh, flag.type, converted(item, args, flag.type)));
+      result.add(item.path,
+                 componentFromIds(item.mesh, flag.type, converted(item, args, flag.type)));
     }
   }
   return toValue(result.names());
@@ -58,7 +60,8 @@ CommandResult convert(Context& context, const ParsedArgs& args) {
 
 void registerPolyListComponentConversion(CommandRegistry& registry) {
   Syntax syntax;
-  for (const TypeFlag& flag : kTypes) syntax.flag(flag.fromShort, flag.fromLong).flag(flag.toShort, flag.toLong);
+  for (const TypeFlag& flag : kTypes)
+    syntax.flag(flag.fromShort, flag.fromLong).flag(flag.toShort, flag.toLong);
   defineQuery(registry, "polyListComponentConversion",
               syntax.flag("in", "internal").flag("bo", "border").objects(0, -1, true), convert);
 }

@@ -28,8 +28,12 @@ EdgeWalk shell(const Mesh& mesh, FaceId face) {
 EdgeWalk loopOrBorder(const Mesh& mesh, EdgeId e) {
   return mesh.adjacency().isBorderEdge(e) ? mesh::borderWalk(mesh, e) : mesh::edgeLoop(mesh, e);
 }
-EdgeWalk edgePath(const Mesh& mesh, Index from, Index to) { return {mesh::shortestEdgePath(mesh, from, to), false}; }
-EdgeWalk facePath(const Mesh& mesh, Index from, Index to) { return {mesh::shortestFacePath(mesh, from, to), false}; }
+EdgeWalk edgePath(const Mesh& mesh, Index from, Index to) {
+  return {mesh::shortestEdgePath(mesh, from, to), false};
+}
+EdgeWalk facePath(const Mesh& mesh, Index from, Index to) {
+  return {mesh::shortestFacePath(mesh, from, to), false};
+}
 
 /// The components of a walk at the distance of two of its edges from each other, both included.
 EdgeWalk pattern(const EdgeWalk& walk, EdgeId from, EdgeId to) {
@@ -39,11 +43,13 @@ EdgeWalk pattern(const EdgeWalk& walk, EdgeId from, EdgeId to) {
   if (i == count || j == count) return {};
   const std::ptrdiff_t step = i == j ? 1 : std::max(i, j) - std::min(i, j);
   EdgeWalk picked;
-  for (std::ptrdiff_t k = i % step; k < count; k += step) picked.edges.push_back(walk.edges[static_cast<std::size_t>(k)]);
+  for (std::ptrdiff_t k = i % step; k < count; k += step)
+    picked.edges.push_back(walk.edges[static_cast<std::size_t>(k)]);
   return picked;
 }
 
-/// A flag with one number walks from it; one with two takes a part of the walk, its pattern, or the way between them.
+/// A flag with one number walks from it; one with two takes a part of the walk, its pattern, or the
+/// way between them.
 struct SelectFlag {
   const char *shortName, *longName;
   ComponentType takes, gives;
@@ -53,7 +59,8 @@ struct SelectFlag {
 
   [[nodiscard]] std::size_t numberCount() const { return how == Whole ? 1 : 2; }
 };
-constexpr ComponentType kVertex = ComponentType::Vertex, kEdge = ComponentType::Edge, kFace = ComponentType::Face;
+constexpr ComponentType kVertex = ComponentType::Vertex, kEdge = ComponentType::Edge,
+                        kFace = ComponentType::Face;
 constexpr std::array kFlags = {
     SelectFlag{"el", "edgeLoop", kEdge, kEdge, mesh::edgeLoop},
     SelectFlag{"er", "edgeRing", kEdge, kEdge, mesh::edgeRing},
@@ -70,23 +77,28 @@ constexpr std::array kFlags = {
     SelectFlag{"sfp", "shortestFacePath", kFace, kFace, nullptr, SelectFlag::Between, facePath},
 };
 
-Result<EdgeWalk> walked(const SelectFlag& flag, const Mesh& mesh, std::span<const mel::Value> values) {
+Result<EdgeWalk> walked(const SelectFlag& flag, const Mesh& mesh,
+                        std::span<const mel::Value> values) {
   Ids numbers;
   for (const mel::Value& value : values) numbers.push_back(value.toInt().value_or(kNone));
   const Index count = mesh::componentCount(mesh, meshKind(flag.takes));
   for (const Index number : numbers)
     if (number < 0 || number >= count)
-      return fail("polySelect -{}: there is no {}[{}]: the mesh has {}.", flag.longName, scene::componentWord(flag.takes),
-                  number, count);
-  if (numbers.size() < flag.numberCount()) return fail("polySelect: -{} takes two numbers.", flag.longName);
+      return fail("polySelect -{}: there is no {}[{}]: the mesh has {}.", flag.longName,
+                  scene::componentWord(flag.takes), number, count);
+  if (numbers.size() < flag.numberCount())
+    return fail("polySelect: -{} takes two numbers.", flag.longName);
   if (flag.how == SelectFlag::Between) return flag.between(mesh, numbers[0], numbers[1]);
   EdgeWalk walk = flag.walk(mesh, numbers[0]);
-  if (walk.edges.empty()) return fail("polySelect -{}: e[{}] is no border edge.", flag.longName, numbers[0]);
+  if (walk.edges.empty())
+    return fail("polySelect -{}: e[{}] is no border edge.", flag.longName, numbers[0]);
   if (flag.how == SelectFlag::Whole) return walk;
-  EdgeWalk some = flag.how == SelectFlag::Pattern ? pattern(walk, numbers[0], numbers[1])
-                                                 : EdgeWalk{mesh::partOfWalk(walk, numbers[0], numbers[1]), false};
+  EdgeWalk some = flag.how == SelectFlag::Pattern
+                      ? pattern(walk, numbers[0], numbers[1])
+                      : EdgeWalk{mesh::partOfWalk(walk, numbers[0], numbers[1]), false};
   if (some.edges.empty())
-    return fail("polySelect -{}: e[{}] and e[{}] do not lie on one.", flag.longName, numbers[0], numbers[1]);
+    return fail("polySelect -{}: e[{}] and e[{}] do not lie on one.", flag.longName, numbers[0],
+                numbers[1]);
   return some;
 }
 
@@ -98,7 +110,8 @@ void merge(Context& context, const ParsedArgs& args, const scene::SelectionList&
   context.document.setSelection(std::move(merged));
 }
 
-Result<void> applySelection(Context& context, const ParsedArgs& args, const std::vector<ComponentPick>& picks) {
+Result<void> applySelection(Context& context, const ParsedArgs& args,
+                            const std::vector<ComponentPick>& picks) {
   if (args.has("add") || args.has("toggle") || args.has("deselect")) {
     merge(context, args, pickedList(picks));
     return {};
@@ -120,7 +133,8 @@ CommandResult polySelect(Context& context, const ParsedArgs& args) {
       auto walk = walked(flag, item.mesh, args.values(flag.longName, use));
       if (!walk) return failWith(std::move(walk.error()));
       Ids ids;
-      for (std::size_t i = 0; i < walk->edges.size(); i += static_cast<std::size_t>(every)) ids.push_back(walk->edges[i]);
+      for (std::size_t i = 0; i < walk->edges.size(); i += static_cast<std::size_t>(every))
+        ids.push_back(walk->edges[i]);
       numbers.insert(numbers.end(), ids.begin(), ids.end());
       picks.push_back({&item, flag.gives, std::move(ids)});
     }
@@ -160,8 +174,8 @@ CommandResult extendEdges(Context& context, const scene::SelectionList& from, Wa
     std::sort(edges.begin(), edges.end());
     picks.push_back({&item, kEdge, std::move(edges)});
   }
-  const bool isAnyFound =
-      std::any_of(picks.begin(), picks.end(), [](const ComponentPick& pick) { return !pick.ids.empty(); });
+  const bool isAnyFound = std::any_of(picks.begin(), picks.end(),
+                                      [](const ComponentPick& pick) { return !pick.ids.empty(); });
   if (!isAnyFound) return fail("Select one or more edges to start from.");
   HOST_TRY(selectPicks(context, picks));
   return toValue(pickedList(picks).names());
@@ -172,7 +186,8 @@ CommandResult extendEdges(Context& context, const scene::SelectionList& from, Wa
 void registerPolySelect(CommandRegistry& registry) {
   Syntax syntax;
   for (const SelectFlag& flag : kFlags)
-    syntax.flag(flag.shortName, flag.longName, std::vector<ArgType>(flag.numberCount(), ArgType::Int))
+    syntax
+        .flag(flag.shortName, flag.longName, std::vector<ArgType>(flag.numberCount(), ArgType::Int))
         .multiUse()
         .queryArgs();
   syntax.flag("en", "everyN", {ArgType::Int}).queryArgs();
@@ -192,17 +207,20 @@ void registerPolySelect(CommandRegistry& registry) {
            if (!list) return failWith(std::move(list.error()));
            return extendEdges(context, *list, walkNamed(kind));
          });
-  define(registry, "polySelectEdges", Syntax().strings(1, 1),
-         [](Context& context, const ParsedArgs& args) -> CommandResult {
-           const Walk walk = walkNamed(args.firstObject());
-           if (!walk) return fail("polySelectEdges: use edgeLoop, edgeRing, edgeLoopOrBorder or edgeBorder.");
-           return extendEdges(context, context.document.selection(), walk);
-         });
+  define(
+      registry, "polySelectEdges", Syntax().strings(1, 1),
+      [](Context& context, const ParsedArgs& args) -> CommandResult {
+        const Walk walk = walkNamed(args.firstObject());
+        if (!walk)
+          return fail("polySelectEdges: use edgeLoop, edgeRing, edgeLoopOrBorder or edgeBorder.");
+        return extendEdges(context, context.document.selection(), walk);
+      });
   struct MenuName {
     const char *name, *kind;
   };
-  for (const MenuName menu : {MenuName{"SelectEdgeLoopSp", "loop"}, MenuName{"SelectEdgeRingSp", "ring"},
-                              MenuName{"SelectEdgeLoop", "loop"}, MenuName{"SelectEdgeRing", "ring"}})
+  for (const MenuName menu :
+       {MenuName{"SelectEdgeLoopSp", "loop"}, MenuName{"SelectEdgeRingSp", "ring"},
+        MenuName{"SelectEdgeLoop", "loop"}, MenuName{"SelectEdgeRing", "ring"}})
     define(registry, menu.name, Syntax(), [menu](Context& context, const ParsedArgs&) {
       return extendEdges(context, context.document.selection(), walkNamed(menu.kind));
     });

@@ -29,12 +29,12 @@ struct Setting {
 constexpr std::array kSettings = {
     Setting{"m", "mode", ArgType::Int},
     Setting{"t", "type", ArgType::Int},
-    Setting{"sz", "size", ArgType::Int},            // 1 triangles, 2 quads, 3 more
-    Setting{"w", "where", ArgType::Int},            // 1 on the border, 2 inside
-    Setting{"sm", "smoothness", ArgType::Int},      // 1 hard, 2 smooth
-    Setting{"c", "convexity", ArgType::Int},        // 1 concave, 2 convex
-    Setting{"p", "planarity", ArgType::Int},        // 1 bent, 2 flat
-    Setting{"tx", "textured", ArgType::Int},        // 1 with UVs, 2 without
+    Setting{"sz", "size", ArgType::Int},        // 1 triangles, 2 quads, 3 more
+    Setting{"w", "where", ArgType::Int},        // 1 on the border, 2 inside
+    Setting{"sm", "smoothness", ArgType::Int},  // 1 hard, 2 smooth
+    Setting{"c", "convexity", ArgType::Int},    // 1 concave, 2 convex
+    Setting{"p", "planarity", ArgType::Int},    // 1 bent, 2 flat
+    Setting{"tx", "textured", ArgType::Int},    // 1 with UVs, 2 without
     Setting{"or", "order", ArgType::Bool},
     Setting{"orb", "orderbound", ArgType::Int, 2},  // edges at a vertex
     Setting{"l", "length", ArgType::Bool},
@@ -59,18 +59,28 @@ struct SelectConstraints {
 
 bool typeOf(int mask, ComponentType& type) {
   switch (mask) {
-    case 0x0001: type = ComponentType::Vertex; return true;
-    case 0x8000: type = ComponentType::Edge; return true;
-    case 0x0008: type = ComponentType::Face; return true;
-    case 0x0010: type = ComponentType::Uv; return true;
-    default: return false;
+    case 0x0001:
+      type = ComponentType::Vertex;
+      return true;
+    case 0x8000:
+      type = ComponentType::Edge;
+      return true;
+    case 0x0008:
+      type = ComponentType::Face;
+      return true;
+    case 0x0010:
+      type = ComponentType::Uv;
+      return true;
+    default:
+      return false;
   }
 }
 
 bool isOnBorder(const Mesh& mesh, ComponentType type, Index id) {
   const mesh::Adjacency& adjacency = mesh.adjacency();
   const auto hasBorder = [&](std::span<const EdgeId> edges) {
-    return std::any_of(edges.begin(), edges.end(), [&](EdgeId e) { return adjacency.isBorderEdge(e); });
+    return std::any_of(edges.begin(), edges.end(),
+                       [&](EdgeId e) { return adjacency.isBorderEdge(e); });
   };
   if (type == ComponentType::Vertex) return adjacency.isBorderVertex(id);
   if (type == ComponentType::Edge) return adjacency.isBorderEdge(id);
@@ -103,27 +113,35 @@ bool faceFits(const SelectConstraints& wanted, const Mesh& mesh, FaceId face) {
   const Index size = mesh.faceSize(face);
   const int sizeClass = size == 3 ? 1 : size == 4 ? 2 : 3;
   if (const int want = wanted.choice("size"); want != 0 && want != sizeClass) return false;
-  if (const int want = wanted.choice("convexity"); want != 0 && (want == 2) != isConvex(mesh, face)) return false;
-  if (const int want = wanted.choice("planarity"); want != 0 && (want == 2) != isFlat(mesh, face)) return false;
+  if (const int want = wanted.choice("convexity"); want != 0 && (want == 2) != isConvex(mesh, face))
+    return false;
+  if (const int want = wanted.choice("planarity"); want != 0 && (want == 2) != isFlat(mesh, face))
+    return false;
   const bool isMapped = mesh.cornerUv(mesh.currentUvSet(), mesh.firstCorner(face)) != kNone;
-  if (const int want = wanted.choice("textured"); want != 0 && (want == 1) != isMapped) return false;
+  if (const int want = wanted.choice("textured"); want != 0 && (want == 1) != isMapped)
+    return false;
   return wanted.choice("geometricarea") == 0 ||
          wanted.isWithin("geometricareabound", mesh::faceArea(mesh, face));
 }
 
 bool edgeFits(const SelectConstraints& wanted, const Mesh& mesh, EdgeId edge) {
-  if (const int want = wanted.choice("smoothness"); want != 0 && (want == 2) != mesh.isEdgeSmooth(edge)) return false;
+  if (const int want = wanted.choice("smoothness");
+      want != 0 && (want == 2) != mesh.isEdgeSmooth(edge))
+    return false;
   const mesh::EdgeVertices ends = mesh.edge(edge);
   return wanted.choice("length") == 0 ||
          wanted.isWithin("lengthbound", math::length(mesh.point(ends.b) - mesh.point(ends.a)));
 }
 
 bool fits(const SelectConstraints& wanted, const Mesh& mesh, ComponentType type, Index id) {
-  if (const int want = wanted.choice("where"); want != 0 && (want == 1) != isOnBorder(mesh, type, id)) return false;
+  if (const int want = wanted.choice("where");
+      want != 0 && (want == 1) != isOnBorder(mesh, type, id))
+    return false;
   if (type == ComponentType::Face) return faceFits(wanted, mesh, id);
   if (type == ComponentType::Edge) return edgeFits(wanted, mesh, id);
   if (type != ComponentType::Vertex || wanted.choice("order") == 0) return true;
-  return wanted.isWithin("orderbound", static_cast<double>(mesh.adjacency().vertexEdges(id).size()));
+  return wanted.isWithin("orderbound",
+                         static_cast<double>(mesh.adjacency().vertexEdges(id).size()));
 }
 
 /// The flags that act at once, by the menu commands that do the same.
@@ -131,7 +149,8 @@ struct Action {
   const char *shortName, *longName;
   const char* command;
 };
-constexpr std::array kPropagations = {"", "GrowPolygonSelectionRegion", "ShrinkPolygonSelectionRegion",
+constexpr std::array kPropagations = {"", "GrowPolygonSelectionRegion",
+                                      "ShrinkPolygonSelectionRegion",
                                       "SelectPolygonSelectionBoundary", "SelectEdgeLoopSp"};
 constexpr std::array kActions = {Action{"sh", "shell", "polySelectBorderShell 0"},
                                  Action{"bo", "border", "polySelectBorderShell 1"},
@@ -148,17 +167,21 @@ Result<void> act(Context& context, const ParsedArgs& args) {
   const int propagation = args.integer("propagate");
   if (propagation < 0 || propagation >= static_cast<int>(kPropagations.size()))
     return fail("polySelectConstraint: -propagate is 1 more, 2 less, 3 border or 4 edge loops.");
-  if (propagation > 0) HOST_TRY(runMel(context, kPropagations[static_cast<std::size_t>(propagation)]));
+  if (propagation > 0)
+    HOST_TRY(runMel(context, kPropagations[static_cast<std::size_t>(propagation)]));
   for (const Action& action : kActions)
     if (args.boolean(action.longName)) HOST_TRY(runMel(context, action.command));
   return {};
 }
 
-/// What is selected, or all on the meshes that are selected (without any, on those that are hilited), as far as it fits.
-Result<std::vector<std::string>> filter(Context& context, const SelectConstraints& wanted, bool selects) {
+/// What is selected, or all on the meshes that are selected (without any, on those that are
+/// hilited), as far as it fits.
+Result<std::vector<std::string>> filter(Context& context, const SelectConstraints& wanted,
+                                        bool selects) {
   ComponentType type{};
   if (!typeOf(wanted.choice("type"), type))
-    return fail("polySelectConstraint: -type is 0x1 vertices, 0x8000 edges, 0x8 faces or 0x10 UVs.");
+    return fail(
+        "polySelectConstraint: -type is 0x1 vertices, 0x8000 edges, 0x8 faces or 0x10 UVs.");
   const bool isAll = wanted.choice("mode") == kAllAndNext;
   auto items = meshItems(context.document.selection());
   if (items && items->empty() && isAll) items = meshItems(context.document.hilite());
@@ -166,8 +189,9 @@ Result<std::vector<std::string>> filter(Context& context, const SelectConstraint
   std::vector<ComponentPick> picks;
   for (MeshItem& item : *items) {
     if (isAll) item.components.clear();
-    const bool isDone = std::any_of(picks.begin(), picks.end(),
-                                    [&](const ComponentPick& pick) { return pick.item->path == item.path; });
+    const bool isDone = std::any_of(picks.begin(), picks.end(), [&](const ComponentPick& pick) {
+      return pick.item->path == item.path;
+    });
     if (isAll && isDone) continue;
     Ids ids = convertedIds(item, type);
     std::erase_if(ids, [&](Index id) { return !fits(wanted, item.mesh, type, id); });
@@ -216,9 +240,13 @@ void registerPolySelectConstraint(CommandRegistry& registry) {
   for (const Setting& setting : kSettings)
     syntax.flag(setting.shortName, setting.longName,
                 std::vector<ArgType>(static_cast<std::size_t>(setting.count), setting.type));
-  for (const Action& action : kActions) syntax.flag(action.shortName, action.longName, {ArgType::Bool});
+  for (const Action& action : kActions)
+    syntax.flag(action.shortName, action.longName, {ArgType::Bool});
   define(registry, "polySelectConstraint",
-         syntax.flag("pp", "propagate", {ArgType::Int}).flag("dis", "disable").flag("rs", "returnSelection").queryable(),
+         syntax.flag("pp", "propagate", {ArgType::Int})
+             .flag("dis", "disable")
+             .flag("rs", "returnSelection")
+             .queryable(),
          polySelectConstraint);
 }
 

@@ -57,13 +57,18 @@ SelectionList expandSets(const SelectionList& list) {
 
 Result<SelectionList> wanted(Context& context, const ParsedArgs& args) {
   scene::Document& document = context.document;
-  const bool all = args.has("all"), dagObjects = args.has("allDagObjects"), everyNode = args.has("allDependencyNodes");
+  const bool all = args.has("all"), dagObjects = args.has("allDagObjects"),
+             everyNode = args.has("allDependencyNodes");
   if (all || dagObjects || everyNode) return everything(document, dagObjects, everyNode);
-  if (!args.hasObjects() && (args.has("hierarchy") || args.has("visible"))) return document.selection();
+  if (!args.hasObjects() && (args.has("hierarchy") || args.has("visible")))
+    return document.selection();
   auto list = args.resolveObjects(document);
   if (!list) return list;
-  const auto hasSet = [](const SelectionItem& item) { return item.isObject() && nodes::isSet(*item.node); };
-  if (args.has("noExpand") || std::none_of(list->items().begin(), list->items().end(), hasSet)) return list;
+  const auto hasSet = [](const SelectionItem& item) {
+    return item.isObject() && nodes::isSet(*item.node);
+  };
+  if (args.has("noExpand") || std::none_of(list->items().begin(), list->items().end(), hasSet))
+    return list;
   return expandSets(*list);
 }
 
@@ -93,18 +98,20 @@ CommandResult select(Context& context, const ParsedArgs& args) {
   }
   if (args.has("add") || args.has("toggle") || args.has("deselect")) {
     SelectionList merged = document.selection();
-    merged.merge(*list, args.has("add")        ? SelectionMerge::Add
-                        : args.has("toggle")   ? SelectionMerge::Toggle
-                                               : SelectionMerge::Remove);
+    merged.merge(*list, args.has("add")      ? SelectionMerge::Add
+                        : args.has("toggle") ? SelectionMerge::Toggle
+                                             : SelectionMerge::Remove);
     document.setSelection(std::move(merged));
   } else if (args.has("addFirst")) {
     SelectionList merged = std::move(*list);
     merged.merge(document.selection());
     document.setSelection(std::move(merged));
   } else {
-    // Whole objects end the work on components of others: nothing that runs next may take those for chosen.
-    const bool hasObject = std::any_of(list->items().begin(), list->items().end(),
-                                       [](const SelectionItem& item) { return item.isDag() && item.isObject(); });
+    // Whole objects end the work on components of others: nothing that runs next may take those for
+    // chosen.
+    const bool hasObject =
+        std::any_of(list->items().begin(), list->items().end(),
+                    [](const SelectionItem& item) { return item.isDag() && item.isObject(); });
     if (hasObject && !document.hilite().isEmpty()) document.setHilite({});
     document.setSelection(std::move(*list));
   }
@@ -152,7 +159,12 @@ void registerSelect(CommandRegistry& registry) {
              .objects(),
          select);
   define(registry, "hilite",
-         Syntax().flag("r", "replace").flag("tgl", "toggle").flag("u", "unHilite").objects(0, -1, true), hilite);
+         Syntax()
+             .flag("r", "replace")
+             .flag("tgl", "toggle")
+             .flag("u", "unHilite")
+             .objects(0, -1, true),
+         hilite);
 }
 
 }  // namespace host::builtins

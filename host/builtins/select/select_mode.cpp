@@ -66,7 +66,8 @@ CommandResult selectMode(Context& context, const ParsedArgs& args) {
 }
 
 CommandResult querySelectType(const SelectionModes& modes, const ParsedArgs& args) {
-  const auto& types = args.has("objectComponent") ? modes.objectComponentTypes : modes.componentTypes;
+  const auto& types =
+      args.has("objectComponent") ? modes.objectComponentTypes : modes.componentTypes;
   for (const TypeFlag& flag : kComponentTypes)
     if (args.has(flag.longName)) return mel::Value(types.count(canonical(flag.longName)) > 0);
   for (const TypeFlag& flag : kObjectTypes)
@@ -124,8 +125,10 @@ void registerSelectMode(CommandRegistry& registry) {
   syntax.flag("ocm", "objectComponent")
       .flag("alc", "allComponents", {ArgType::Bool})
       .flag("alo", "allObjects", {ArgType::Bool});
-  for (const TypeFlag& flag : kComponentTypes) syntax.flag(flag.shortName, flag.longName, {ArgType::Bool});
-  for (const TypeFlag& flag : kObjectTypes) syntax.flag(flag.shortName, flag.longName, {ArgType::Bool});
+  for (const TypeFlag& flag : kComponentTypes)
+    syntax.flag(flag.shortName, flag.longName, {ArgType::Bool});
+  for (const TypeFlag& flag : kObjectTypes)
+    syntax.flag(flag.shortName, flag.longName, {ArgType::Bool});
   defineQuery(registry, "selectType", syntax.queryable(), selectType);
 }
 

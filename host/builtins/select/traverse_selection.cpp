@@ -25,19 +25,24 @@ struct Region {
   [[nodiscard]] Ids to(ComponentKind target, Conversion how = Conversion::Connected) const {
     return mesh::convertComponents(mesh, kind, ids, target, how, mesh.currentUvSet());
   }
-  [[nodiscard]] Ids from(ComponentKind source, const Ids& others, Conversion how = Conversion::Connected) const {
+  [[nodiscard]] Ids from(ComponentKind source, const Ids& others,
+                         Conversion how = Conversion::Connected) const {
     return mesh::convertComponents(mesh, source, others, kind, how, mesh.currentUvSet());
   }
 };
 
-/// What neighbours share: faces and UVs spread over vertices and faces as seen on the surface, the others over edges.
+/// What neighbours share: faces and UVs spread over vertices and faces as seen on the surface, the
+/// others over edges.
 Ids neighbourhood(const Region& region) {
   switch (region.kind) {
-    case ComponentKind::Vertex: return region.from(ComponentKind::Edge, region.to(ComponentKind::Edge));
+    case ComponentKind::Vertex:
+      return region.from(ComponentKind::Edge, region.to(ComponentKind::Edge));
     case ComponentKind::Edge:
     case ComponentKind::Face:
-    case ComponentKind::VertexFace: return region.from(ComponentKind::Vertex, region.to(ComponentKind::Vertex));
-    case ComponentKind::Uv: return region.from(ComponentKind::Face, region.to(ComponentKind::Face));
+    case ComponentKind::VertexFace:
+      return region.from(ComponentKind::Vertex, region.to(ComponentKind::Vertex));
+    case ComponentKind::Uv:
+      return region.from(ComponentKind::Face, region.to(ComponentKind::Face));
   }
   return region.ids;
 }
@@ -56,7 +61,8 @@ Ids complement(const Region& region) {
 }
 
 Ids without(Ids ids, const Ids& removed) {
-  std::erase_if(ids, [&](Index i) { return std::binary_search(removed.begin(), removed.end(), i); });
+  std::erase_if(ids,
+                [&](Index i) { return std::binary_search(removed.begin(), removed.end(), i); });
   return ids;
 }
 
@@ -75,13 +81,17 @@ Ids innerRim(const Region& region) {
   std::erase_if(rim, [&](Index i) { return !std::binary_search(beyond.begin(), beyond.end(), i); });
   return rim;
 }
-Ids shrink(const Region& region) { return without(region.ids, innerRim(region)); }
-
-Ids shells(const Region& region) {
-  return region.from(ComponentKind::Face, mesh::connectedFaces(region.mesh, region.to(ComponentKind::Face)));
+Ids shrink(const Region& region) {
+  return without(region.ids, innerRim(region));
 }
 
-/// Border edges of the mesh on the shells that the region touches, as components of the region's kind.
+Ids shells(const Region& region) {
+  return region.from(ComponentKind::Face,
+                     mesh::connectedFaces(region.mesh, region.to(ComponentKind::Face)));
+}
+
+/// Border edges of the mesh on the shells that the region touches, as components of the region's
+/// kind.
 Ids shellBorder(const Region& region) {
   const Region faces{region.mesh, ComponentKind::Face,
                      mesh::connectedFaces(region.mesh, region.to(ComponentKind::Face))};
@@ -98,7 +108,8 @@ CommandResult traverse(Context& context, Step step) {
   std::vector<ComponentPick> picks;
   for (const MeshItem& item : *items) {
     for (const scene::Component& component : item.components) {
-      const Region region{item.mesh, meshKind(component.type()), componentIds(item.mesh, component)};
+      const Region region{item.mesh, meshKind(component.type()),
+                          componentIds(item.mesh, component)};
       picks.push_back({&item, component.type(), step(region)});
     }
   }
@@ -109,10 +120,14 @@ CommandResult traverse(Context& context, Step step) {
 
 CommandResult traverseByNumber(Context& context, const ParsedArgs& args) {
   switch (args.arguments().front().toInt().value_or(0)) {
-    case 1: return traverse(context, grow);
-    case 2: return traverse(context, shrink);
-    case 3: return traverse(context, innerRim);
-    default: return fail("PolySelectTraverse: use 1 to grow, 2 to shrink or 3 for the boundary.");
+    case 1:
+      return traverse(context, grow);
+    case 2:
+      return traverse(context, shrink);
+    case 3:
+      return traverse(context, innerRim);
+    default:
+      return fail("PolySelectTraverse: use 1 to grow, 2 to shrink or 3 for the boundary.");
   }
 }
 
@@ -120,15 +135,17 @@ CommandResult traverseByNumber(Context& context, const ParsedArgs& args) {
 CommandResult invertSelection(Context& context, const ParsedArgs&) {
   scene::Document& document = context.document;
   const scene::SelectionList& selected = document.selection();
-  const bool hasComponents = std::any_of(selected.items().begin(), selected.items().end(),
-                                         [](const scene::SelectionItem& item) { return !item.components.empty(); });
+  const bool hasComponents =
+      std::any_of(selected.items().begin(), selected.items().end(),
+                  [](const scene::SelectionItem& item) { return !item.components.empty(); });
   if (hasComponents) return traverse(context, complement);
   scene::SelectionList others;
   for (scene::Node* node : document.worldChildren()) {
     if (node->isDefault()) continue;
     const scene::DagPath path = scene::firstPath(*node);
-    const bool isSelected = std::any_of(selected.items().begin(), selected.items().end(),
-                                        [&](const scene::SelectionItem& item) { return item.path == path; });
+    const bool isSelected =
+        std::any_of(selected.items().begin(), selected.items().end(),
+                    [&](const scene::SelectionItem& item) { return item.path == path; });
     if (!isSelected) others.add(path);
   }
   document.setSelection(std::move(others));
@@ -149,12 +166,15 @@ constexpr std::array kCommands = {
 
 void registerTraverseSelection(CommandRegistry& registry) {
   for (const TraverseCommand& command : kCommands)
-    define(registry, command.name, Syntax(),
-           [&command](Context& context, const ParsedArgs&) { return traverse(context, command.step); });
+    define(registry, command.name, Syntax(), [&command](Context& context, const ParsedArgs&) {
+      return traverse(context, command.step);
+    });
   define(registry, "PolySelectTraverse", Syntax().strings(1, 1), traverseByNumber);
-  define(registry, "polySelectBorderShell", Syntax().strings(1, 1), [](Context& context, const ParsedArgs& args) {
-    return traverse(context, args.arguments().front().toBool().value_or(false) ? shellBorder : shells);
-  });
+  define(registry, "polySelectBorderShell", Syntax().strings(1, 1),
+         [](Context& context, const ParsedArgs& args) {
+           return traverse(
+               context, args.arguments().front().toBool().value_or(false) ? shellBorder : shells);
+         });
   define(registry, "InvertSelection", Syntax(), invertSelection);
 }
 

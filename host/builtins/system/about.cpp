@@ -22,7 +22,8 @@ std::string formatNow(const char* format) {
 CommandResult about(Context& context, const ParsedArgs& args) {
   if (args.flagUses().empty()) return mel::Value(kVersion);
   const std::string& what = args.flagUses().front().spec->longName;
-  if (what == "version" || what == "installedVersion" || what == "product") return mel::Value(kVersion);
+  if (what == "version" || what == "installedVersion" || what == "product")
+    return mel::Value(kVersion);
   if (what == "apiVersion" || what == "api") return mel::Value(kApiVersion);
   if (what == "batch") return mel::Value(context.session.isBatch);
   if (what == "linux" || what == "linux64" || what == "is64") return mel::Value(true);
@@ -45,12 +46,16 @@ CommandResult help(Context& context, const ParsedArgs& args) {
     const std::string pattern = args.firstObject();
     if (!pattern.empty() && pattern != "*") {
       const std::string prefix = pattern.substr(0, pattern.find('*'));
-      std::erase_if(names, [&](const std::string& name) { return name.compare(0, prefix.size(), prefix) != 0; });
+      std::erase_if(names, [&](const std::string& name) {
+        return name.compare(0, prefix.size(), prefix) != 0;
+      });
     }
     return toValue(std::move(names));
   }
   const std::string name = args.firstObject();
-  if (name.empty()) return mel::Value(cmd::Command(cmd::CommandSpec{"help", Syntax().strings(), {}, false}).synopsis());
+  if (name.empty())
+    return mel::Value(
+        cmd::Command(cmd::CommandSpec{"help", Syntax().strings(), {}, false}).synopsis());
   const auto command = context.session.commands().find(name);
   if (!command) return fail("help: there is no command '{}'.", name);
   return mel::Value(command->synopsis());
@@ -83,7 +88,11 @@ void registerAbout(CommandRegistry& registry) {
                   .flag("ev", "evalVersion"),
               about);
   defineQuery(registry, "help",
-              Syntax().flag("l", "list").flag("doc", "documentation").flag("lng", "language", {ArgType::String}).strings(0, 1),
+              Syntax()
+                  .flag("l", "list")
+                  .flag("doc", "documentation")
+                  .flag("lng", "language", {ArgType::String})
+                  .strings(0, 1),
               help);
 }
 

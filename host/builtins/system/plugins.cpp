@@ -19,7 +19,8 @@ CommandResult loadPlugin(Context& context, const ParsedArgs& args) {
       if (args.has("quiet")) continue;
       return failWith(std::move(name.error()));
     }
-    if (args.has("addCallback")) context.session.defer(args.text("addCallback") + " \"" + *name + "\"");
+    if (args.has("addCallback"))
+      context.session.defer(args.text("addCallback") + " \"" + *name + "\"");
     names.push_back(std::move(*name));
   }
   return toValue(std::move(names));
@@ -54,12 +55,14 @@ CommandResult queryPlugin(const cmd::PluginInfo& info, const ParsedArgs& args) {
 
 CommandResult pluginInfo(Context& context, const ParsedArgs& args) {
   cmd::PluginLoader* loader = context.session.pluginLoader.get();
-  if (args.isQuery() && args.has("listPlugins")) return toValue(loader ? loader->loaded() : std::vector<std::string>{});
+  if (args.isQuery() && args.has("listPlugins"))
+    return toValue(loader ? loader->loaded() : std::vector<std::string>{});
   const std::string name = args.firstObject();
   const cmd::PluginInfo* info = loader ? loader->info(name) : nullptr;
   if (args.isQuery()) {
     if (info) return queryPlugin(*info, args);
-    if (args.has("loaded") || args.has("registered") || args.has("autoload")) return mel::Value(false);
+    if (args.has("loaded") || args.has("registered") || args.has("autoload"))
+      return mel::Value(false);
     return fail("pluginInfo: the plug-in '{}' is not loaded.", name);
   }
   if (!info) return fail("pluginInfo: the plug-in '{}' is not loaded.", name);

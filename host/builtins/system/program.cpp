@@ -26,7 +26,8 @@ CommandResult queryWorkspace(Workspace& workspace, const ParsedArgs& args) {
   if (args.has("rootDirectory") || args.has("fullName")) return mel::Value(root);
   if (args.has("directory")) return mel::Value(root);
   if (args.has("active") || args.has("list"))
-    return toValue({workspace.root.filename().empty() ? root : workspace.root.filename().generic_string()});
+    return toValue(
+        {workspace.root.filename().empty() ? root : workspace.root.filename().generic_string()});
   if (args.has("fileRule")) {
     std::vector<std::string> pairs;
     for (const auto& [rule, folder] : workspace.rules) pairs.insert(pairs.end(), {rule, folder});
@@ -39,7 +40,8 @@ CommandResult workspace(Context& context, const ParsedArgs& args) {
   Workspace& space = workspaceOf(context);
   if (args.isQuery()) return queryWorkspace(space, args);
   std::error_code problem;
-  if (args.has("expandName")) return mel::Value((space.root / args.text("expandName")).lexically_normal().generic_string());
+  if (args.has("expandName"))
+    return mel::Value((space.root / args.text("expandName")).lexically_normal().generic_string());
   if (args.has("fileRuleEntry")) {
     for (const auto& [rule, folder] : space.rules)
       if (rule == args.text("fileRuleEntry")) return mel::Value(folder);
@@ -48,7 +50,8 @@ CommandResult workspace(Context& context, const ParsedArgs& args) {
   if (args.has("projectPath")) return mel::Value(space.root.generic_string());
   if (args.has("create")) {
     std::filesystem::create_directories(space.root / args.text("create"), problem);
-    if (problem) return fail("workspace: '{}' can't be made: {}", args.text("create"), problem.message());
+    if (problem)
+      return fail("workspace: '{}' can't be made: {}", args.text("create"), problem.message());
     return mel::Value();
   }
   if (args.has("fileRule")) {
@@ -60,7 +63,8 @@ CommandResult workspace(Context& context, const ParsedArgs& args) {
   const std::string folder = args.has("directory") ? args.text("directory") : args.firstObject();
   if (folder.empty()) return mel::Value();
   const std::filesystem::path path = space.root / folder;
-  if (!std::filesystem::is_directory(path, problem)) return fail("workspace: there is no folder '{}'.", folder);
+  if (!std::filesystem::is_directory(path, problem))
+    return fail("workspace: there is no folder '{}'.", folder);
   space.root = path.lexically_normal();
   return mel::Value();
 }
@@ -93,7 +97,8 @@ CommandResult internalVar(Context&, const ParsedArgs& args) {
   if (!home) home = std::getenv("HOME");
   const std::string root = std::string(home ? home : ".") + "/";
   std::error_code ignored;
-  if (args.has("userTmpDir")) return mel::Value(std::filesystem::temp_directory_path(ignored).generic_string() + "/");
+  if (args.has("userTmpDir"))
+    return mel::Value(std::filesystem::temp_directory_path(ignored).generic_string() + "/");
   if (args.has("userScriptDir")) return mel::Value(root + "scripts/");
   if (args.has("userPrefDir")) return mel::Value(root + "prefs/");
   if (args.has("userBitmapsDir")) return mel::Value(root + "prefs/icons/");
@@ -125,10 +130,13 @@ void registerProgram(CommandRegistry& registry) {
                   .queryable()
                   .strings(0, 1),
               workspace);
-  defineQuery(registry, "refresh", Syntax().flag("f", "force").flag("cv", "currentView").flag("su", "suspend", {ArgType::Bool}),
-              refresh);
+  defineQuery(
+      registry, "refresh",
+      Syntax().flag("f", "force").flag("cv", "currentView").flag("su", "suspend", {ArgType::Bool}),
+      refresh);
   defineQuery(registry, "quit",
-              Syntax().flag("f", "force").flag("a", "abort").flag("ec", "exitCode", {ArgType::Int}), quit);
+              Syntax().flag("f", "force").flag("a", "abort").flag("ec", "exitCode", {ArgType::Int}),
+              quit);
   defineQuery(registry, "commandEcho",
               Syntax()
                   .flag("st", "state", {ArgType::Bool})

@@ -1,4 +1,5 @@
-// Commands without flags that menus, shelves and hot keys run; each stands for a line of MEL on the selection.
+// Commands without flags that menus, shelves and hot keys run; each stands for a line of MEL on the
+// selection.
 #include "host/builtins/common/command.h"
 
 namespace host::builtins {
@@ -36,7 +37,8 @@ constexpr RuntimeCommand kCommands[] = {
 
 void registerRuntimeCommands(CommandRegistry& registry) {
   for (const RuntimeCommand& command : kCommands) {
-    const bool isUndoItself = std::string_view(command.line) == "undo" || std::string_view(command.line) == "redo";
+    const bool isUndoItself =
+        std::string_view(command.line) == "undo" || std::string_view(command.line) == "redo";
     define(
         registry, command.name, Syntax(),
         [line = std::string(command.line)](Context& context, const ParsedArgs&) -> CommandResult {

@@ -38,12 +38,14 @@ CommandResult addJob(cmd::ScriptJobs& jobs, const ParsedArgs& args) {
     job.isProtected = args.has("protected");
     job.killWithScene = args.has("killWithScene");
     job.parentControl = args.text("parent");
-    if (args.has("replacePrevious") && !job.parentControl.empty()) jobs.uiDeleted(job.parentControl);
+    if (args.has("replacePrevious") && !job.parentControl.empty())
+      jobs.uiDeleted(job.parentControl);
     auto number = jobs.add(std::move(job));
     if (!number) return failWith(std::move(number.error()));
     return mel::Value(*number);
   }
-  return fail("scriptJob: say what the script waits for, as in -event \"SelectionChanged\" \"...\".");
+  return fail(
+      "scriptJob: say what the script waits for, as in -event \"SelectionChanged\" \"...\".");
 }
 
 CommandResult scriptJob(Context& context, const ParsedArgs& args) {

@@ -57,7 +57,8 @@ void registerUnitsAndTime(CommandRegistry& registry) {
              .queryable(),
          currentUnit);
   define(registry, "currentTime",
-         Syntax().flag("u", "update", {ArgType::Bool}).editable().queryable().strings(0, 1), currentTime);
+         Syntax().flag("u", "update", {ArgType::Bool}).editable().queryable().strings(0, 1),
+         currentTime);
 }
 
 }  // namespace host::builtins

@@ -5,14 +5,17 @@ namespace host::builtins {
 
 namespace {
 
-bool isRadioButton(const ui::ControlType& type) { return type.name == "radioButton" || type.name == "iconTextRadioButton"; }
+bool isRadioButton(const ui::ControlType& type) {
+  return type.name == "radioButton" || type.name == "iconTextRadioButton";
+}
 
 /// A radio button joins the collection that was made last, unless it was told another one.
 Result<void> joinDefaultCollection(ui::Tree& tree, ui::Control& control, const ParsedArgs& args) {
   if (!isRadioButton(*control.type) || args.has("collection")) return {};
   control.collection = tree.currentCollection(false);
   if (!control.collection)
-    return fail("'{}' is in no collection: make a radioCollection before it, or give -collection.", control.name);
+    return fail("'{}' is in no collection: make a radioCollection before it, or give -collection.",
+                control.name);
   return {};
 }
 
@@ -28,7 +31,8 @@ void moveAfter(ui::Control& item, const std::string& sibling) {
 
 CommandResult create(Context& context, const ui::ControlType& type, const ParsedArgs& args) {
   ui::Tree& tree = context.session.service<ui::Tree>();
-  if (type.kind == ui::Kind::Window && args.has("exists")) return mel::Value(tree.find(args.firstObject(), type).has_value());
+  if (type.kind == ui::Kind::Window && args.has("exists"))
+    return mel::Value(tree.find(args.firstObject(), type).has_value());
   ui::Control* const parentBefore = tree.currentParent();
   ui::Control* const menuBefore = tree.currentMenu();
   const std::string parent = type.kind == ui::Kind::Window ? std::string() : args.text("parent");
@@ -43,16 +47,19 @@ CommandResult create(Context& context, const ui::ControlType& type, const Parsed
     tree.setCurrentMenu(menuBefore);
     return failWith(std::move(done.error()));
   }
-  if (args.has("insertAfter") && type.find("insertAfter")) moveAfter(control, args.text("insertAfter"));
+  if (args.has("insertAfter") && type.find("insertAfter"))
+    moveAfter(control, args.text("insertAfter"));
   return mel::Value(ui::Tree::path(control));
 }
 
 CommandResult run(Context& context, const ui::ControlType& type, const ParsedArgs& args) {
   ui::Tree& tree = context.session.service<ui::Tree>();
-  if (args.has("exists") && !args.isEdit()) return mel::Value(tree.find(args.firstObject(), type).has_value());
+  if (args.has("exists") && !args.isEdit())
+    return mel::Value(tree.find(args.firstObject(), type).has_value());
   if (args.isCreate()) return create(context, type, args);
   const std::string name = args.hasObjects() ? args.firstObject() : std::string();
-  if (name.empty()) return fail("{}: say which one to {}.", type.name, args.isEdit() ? "edit" : "query");
+  if (name.empty())
+    return fail("{}: say which one to {}.", type.name, args.isEdit() ? "edit" : "query");
   auto control = tree.find(name, type);
   if (!control) return fail("{}: {}", type.name, control.error().message);
   if (args.isEdit()) {
@@ -69,8 +76,9 @@ CommandResult run(Context& context, const ui::ControlType& type, const ParsedArg
 
 void registerControlCommands(CommandRegistry& registry) {
   for (const ui::ControlType& type : ui::controlTypes())
-    defineQuery(registry, std::string(type.name), controlSyntax(type),
-                [&type](Context& context, const ParsedArgs& args) { return run(context, type, args); });
+    defineQuery(
+        registry, std::string(type.name), controlSyntax(type),
+        [&type](Context& context, const ParsedArgs& args) { return run(context, type, args); });
 }
 
 }  // namespace host::builtins

@@ -8,7 +8,9 @@ namespace host::builtins {
 
 namespace {
 
-ui::Tree& treeOf(Context& context) { return context.session.service<ui::Tree>(); }
+ui::Tree& treeOf(Context& context) {
+  return context.session.service<ui::Tree>();
+}
 
 CommandResult showWindow(Context& context, const ParsedArgs& args) {
   ui::Tree& tree = treeOf(context);
@@ -28,8 +30,12 @@ bool isWanted(const ui::Control& control, const ParsedArgs& args) {
   static constexpr struct {
     const char* flag;
     ui::Kind kind;
-  } kKinds[] = {{"window", ui::Kind::Window},   {"layout", ui::Kind::Layout},     {"control", ui::Kind::Control},
-                {"menu", ui::Kind::Menu},       {"menuItem", ui::Kind::MenuItem}, {"collection", ui::Kind::Collection},
+  } kKinds[] = {{"window", ui::Kind::Window},
+                {"layout", ui::Kind::Layout},
+                {"control", ui::Kind::Control},
+                {"menu", ui::Kind::Menu},
+                {"menuItem", ui::Kind::MenuItem},
+                {"collection", ui::Kind::Collection},
                 {"radioMenuItemCollection", ui::Kind::Collection}};
   bool isRestricted = false;
   for (const auto& entry : kKinds) {
@@ -57,7 +63,8 @@ CommandResult deleteUi(Context& context, const ParsedArgs& args) {
 
 CommandResult setMenuParent(ui::Tree& tree, const ParsedArgs& args) {
   const std::string name = args.firstObject();
-  if (args.isQuery()) return mel::Value(tree.currentMenu() ? ui::Tree::path(*tree.currentMenu()) : std::string());
+  if (args.isQuery())
+    return mel::Value(tree.currentMenu() ? ui::Tree::path(*tree.currentMenu()) : std::string());
   if (args.has("upLevel") || name == "..") {
     ui::Control* up = tree.currentMenu() ? tree.currentMenu()->parent : nullptr;
     const bool isMenu = up && (up->type->holdsMenuItems || up->isKind(ui::Kind::MenuItem));
@@ -127,7 +134,8 @@ CommandResult anyControl(Context& context, const ParsedArgs& args, const char* c
   if (!args.isQuery()) return fail("{}: use -edit or -query.", command);
   if (args.queried() == "type") return mel::Value(std::string((*control)->type->name));
   const ui::Attribute* attribute = (*control)->type->find(args.queried());
-  if (!attribute) return fail("{}: '{}' has no flag '-{}'.", command, (*control)->name, args.queried());
+  if (!attribute)
+    return fail("{}: '{}' has no flag '-{}'.", command, (*control)->name, args.queried());
   return toScriptValue(*attribute, tree.get(**control, *attribute));
 }
 
@@ -152,14 +160,26 @@ CommandResult objectTypeUi(Context& context, const ParsedArgs& args) {
 void registerControlTree(CommandRegistry& registry) {
   defineQuery(registry, "showWindow", Syntax().strings(0, 1), showWindow);
   Syntax deletes;
-  deletes.flag("wnd", "window").flag("lay", "layout").flag("ctl", "control").flag("m", "menu").flag("mi", "menuItem");
-  deletes.flag("cl", "collection").flag("rm", "radioMenuItemCollection").flag("pnl", "panel").flag("ed", "editor");
+  deletes.flag("wnd", "window")
+      .flag("lay", "layout")
+      .flag("ctl", "control")
+      .flag("m", "menu")
+      .flag("mi", "menuItem");
+  deletes.flag("cl", "collection")
+      .flag("rm", "radioMenuItemCollection")
+      .flag("pnl", "panel")
+      .flag("ed", "editor");
   deletes.flag("tc", "toolContext");
   defineQuery(registry, "deleteUI", deletes.strings(1), deleteUi);
   defineQuery(registry, "setParent",
-              Syntax().flag("m", "menu").flag("top", "topLevel").flag("u", "upLevel")
-                  .flag("dt", "defineTemplate", {ArgType::String}).flag("ut", "useTemplate", {ArgType::String})
-                  .queryable().strings(0, 1),
+              Syntax()
+                  .flag("m", "menu")
+                  .flag("top", "topLevel")
+                  .flag("u", "upLevel")
+                  .flag("dt", "defineTemplate", {ArgType::String})
+                  .flag("ut", "useTemplate", {ArgType::String})
+                  .queryable()
+                  .strings(0, 1),
               setParent);
   Syntax lists;
   lists.flag("wnd", "windows").flag("m", "menus").flag("mi", "menuItems").flag("ctl", "controls");

@@ -18,7 +18,8 @@ namespace {
 
 mel::Value arrayOf(const ui::Attribute& attribute, const ui::Values& values) {
   const auto allAre = [&](char kind) {
-    return !attribute.kinds.empty() && attribute.kinds.find_first_not_of(kind) == std::string_view::npos;
+    return !attribute.kinds.empty() &&
+           attribute.kinds.find_first_not_of(kind) == std::string_view::npos;
   };
   const auto areInts = [&] {
     for (const ui::Atom& atom : values)
@@ -42,22 +43,29 @@ mel::Value arrayOf(const ui::Attribute& attribute, const ui::Values& values) {
 
 ArgType argType(char kind) {
   switch (kind) {
-    case 'b': return ArgType::Bool;
-    case 'i': return ArgType::Int;
-    case 'f': return ArgType::Double;
-    case 'c': return ArgType::Script;
-    default: return ArgType::String;
+    case 'b':
+      return ArgType::Bool;
+    case 'i':
+      return ArgType::Int;
+    case 'f':
+      return ArgType::Double;
+    case 'c':
+      return ArgType::Script;
+    default:
+      return ArgType::String;
   }
 }
 
 }  // namespace
 
 mel::Value toScriptValue(const ui::Attribute& attribute, const ui::Values& values) {
-  const bool isArray = attribute.kinds.size() > 1 || (attribute.traits & (ui::kList | ui::kKeyed)) != 0;
+  const bool isArray =
+      attribute.kinds.size() > 1 || (attribute.traits & (ui::kList | ui::kKeyed)) != 0;
   if (isArray) return arrayOf(attribute, values);
   if (values.empty()) return mel::Value();
   if (const int* integer = std::get_if<int>(&values.front()))
-    return attribute.kinds == "f" ? mel::Value(static_cast<double>(*integer)) : mel::Value(*integer);
+    return attribute.kinds == "f" ? mel::Value(static_cast<double>(*integer))
+                                  : mel::Value(*integer);
   if (const double* real = std::get_if<double>(&values.front())) return mel::Value(*real);
   return mel::Value(std::get<std::string>(values.front()));
 }
@@ -66,15 +74,19 @@ Syntax controlSyntax(const ui::ControlType& type) {
   Syntax syntax;
   for (const ui::AttributeTable table : type.tables) {
     for (const ui::Attribute& attribute : table) {
-      if (syntax.find(attribute.longName)) continue;  // a kind's own flag stands before the common one
+      if (syntax.find(attribute.longName))
+        continue;  // a kind's own flag stands before the common one
       std::vector<ArgType> args;
       for (const char kind : attribute.kinds) args.push_back(argType(kind));
-      syntax.flag(std::string(attribute.shortName), std::string(attribute.longName), std::move(args), attribute.modes);
+      syntax.flag(std::string(attribute.shortName), std::string(attribute.longName),
+                  std::move(args), attribute.modes);
       if (attribute.traits & (ui::kMulti | ui::kKeyed)) syntax.multiUse();
       if (attribute.traits & ui::kOptionalArgs) syntax.optionalArgs();
     }
   }
-  syntax.flag("ex", "exists").flag("dt", "defineTemplate", {ArgType::String}).flag("ut", "useTemplate", {ArgType::String});
+  syntax.flag("ex", "exists")
+      .flag("dt", "defineTemplate", {ArgType::String})
+      .flag("ut", "useTemplate", {ArgType::String});
   return syntax.editable().queryable().strings(0, 1);
 }
 

@@ -9,7 +9,8 @@ namespace host::builtins {
 
 [[nodiscard]] ui::Atom toAtom(const mel::Value& value);
 [[nodiscard]] ui::Values toUiValues(std::span<const mel::Value> values);
-/// What querying a flag gives a script: an array where the flag has several arguments or lists things.
+/// What querying a flag gives a script: an array where the flag has several arguments or lists
+/// things.
 [[nodiscard]] mel::Value toScriptValue(const ui::Attribute& attribute, const ui::Values& values);
 
 /// The flags of a kind of control, and those that every control command has.

@@ -1,5 +1,5 @@
-// confirmDialog, promptDialog, layoutDialog and progressWindow. Without a person a question is posted as a message and answered
-// as by closing its window.
+// confirmDialog, promptDialog, layoutDialog and progressWindow. Without a person a question is
+// posted as a message and answered as by closing its window.
 #include "host/builtins/ui/dialogs.h"
 
 #include <algorithm>
@@ -15,8 +15,10 @@ Syntax dialogSyntax() {
   Syntax syntax;
   syntax.flag("t", "title", {ArgType::String}).flag("m", "message", {ArgType::String});
   syntax.flag("b", "button", {ArgType::String}).multiUse();
-  syntax.flag("db", "defaultButton", {ArgType::String}).flag("cb", "cancelButton", {ArgType::String});
-  syntax.flag("ds", "dismissString", {ArgType::String}).flag("ma", "messageAlign", {ArgType::String});
+  syntax.flag("db", "defaultButton", {ArgType::String})
+      .flag("cb", "cancelButton", {ArgType::String});
+  syntax.flag("ds", "dismissString", {ArgType::String})
+      .flag("ma", "messageAlign", {ArgType::String});
   syntax.flag("p", "parent", {ArgType::String});
   syntax.flag("bgc", "backgroundColor", {ArgType::Double, ArgType::Double, ArgType::Double});
   return syntax;
@@ -38,7 +40,8 @@ Result<Dialogs::Answer> answer(Context& context, const ParsedArgs& args, const c
   const std::vector<std::string> buttons = args.texts("button");
   const bool isButton = buttons.empty() || given.button == args.text("dismissString") ||
                         std::find(buttons.begin(), buttons.end(), given.button) != buttons.end();
-  if (!isButton) return fail("{}: the dialog '{}' has no button '{}'.", command, title, given.button);
+  if (!isButton)
+    return fail("{}: the dialog '{}' has no button '{}'.", command, title, given.button);
   return given;
 }
 
@@ -117,29 +120,43 @@ CommandResult progressWindow(Context& context, const ParsedArgs& args) {
   progress.high = args.integer("maxValue", progress.high);
   progress.isInterruptable = args.boolean("isInterruptable", progress.isInterruptable);
   const int value = args.integer("progress", progress.value) + args.integer("step", 0);
-  progress.value = std::clamp(value, std::min(progress.low, progress.high), std::max(progress.low, progress.high));
+  progress.value = std::clamp(value, std::min(progress.low, progress.high),
+                              std::max(progress.low, progress.high));
   return mel::Value(true);
 }
 
 }  // namespace
 
 void registerDialogs(CommandRegistry& registry) {
-  defineQuery(registry, "confirmDialog", dialogSyntax().flag("icn", "icon", {ArgType::String}).flag("ann", "annotation", {ArgType::String}).multiUse(),
+  defineQuery(registry, "confirmDialog",
+              dialogSyntax()
+                  .flag("icn", "icon", {ArgType::String})
+                  .flag("ann", "annotation", {ArgType::String})
+                  .multiUse(),
               confirmDialog);
   defineQuery(registry, "promptDialog",
-              dialogSyntax().flag("tx", "text", {ArgType::String}).flag("st", "style", {ArgType::String})
-                  .flag("sf", "scrollableField", {ArgType::Bool}).queryable(),
+              dialogSyntax()
+                  .flag("tx", "text", {ArgType::String})
+                  .flag("st", "style", {ArgType::String})
+                  .flag("sf", "scrollableField", {ArgType::Bool})
+                  .queryable(),
               promptDialog);
-  defineQuery(registry, "layoutDialog",
-              Syntax().flag("t", "title", {ArgType::String}).flag("ui", "uiScript", {ArgType::Script})
-                  .flag("dis", "dismiss", {ArgType::String}).flag("p", "parent", {ArgType::String})
-                  .flag("bgc", "backgroundColor", {ArgType::Double, ArgType::Double, ArgType::Double}),
-              layoutDialog);
+  defineQuery(
+      registry, "layoutDialog",
+      Syntax()
+          .flag("t", "title", {ArgType::String})
+          .flag("ui", "uiScript", {ArgType::Script})
+          .flag("dis", "dismiss", {ArgType::String})
+          .flag("p", "parent", {ArgType::String})
+          .flag("bgc", "backgroundColor", {ArgType::Double, ArgType::Double, ArgType::Double}),
+      layoutDialog);
   Syntax progress;
   progress.flag("t", "title", {ArgType::String}).flag("st", "status", {ArgType::String});
   progress.flag("pr", "progress", {ArgType::Int}).flag("s", "step", {ArgType::Int});
   progress.flag("min", "minValue", {ArgType::Int}).flag("max", "maxValue", {ArgType::Int});
-  progress.flag("ii", "isInterruptable", {ArgType::Bool}).flag("ic", "isCancelled").flag("ep", "endProgress");
+  progress.flag("ii", "isInterruptable", {ArgType::Bool})
+      .flag("ic", "isCancelled")
+      .flag("ep", "endProgress");
   defineQuery(registry, "progressWindow", progress.editable().queryable(), progressWindow);
 }
 

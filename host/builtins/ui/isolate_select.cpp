@@ -6,7 +6,8 @@ namespace host::builtins {
 namespace {
 
 void remove(View& view, const dg::Node& node) {
-  std::erase_if(view.isolated, [&](const auto& each) { return each.expired() || each.lock().get() == &node; });
+  std::erase_if(view.isolated,
+                [&](const auto& each) { return each.expired() || each.lock().get() == &node; });
 }
 
 void add(View& view, dg::Node& node) {
@@ -61,7 +62,10 @@ void registerIsolateSelect(CommandRegistry& registry) {
   Syntax syntax;
   syntax.flag("s", "state", {ArgType::Bool}).flag("ado", "addDagObject", {ArgType::String});
   syntax.flag("rdo", "removeDagObject", {ArgType::String}).flag("vo", "viewObjects");
-  syntax.flag("ls", "loadSelected").flag("as", "addSelected").flag("rs", "removeSelected").flag("u", "update");
+  syntax.flag("ls", "loadSelected")
+      .flag("as", "addSelected")
+      .flag("rs", "removeSelected")
+      .flag("u", "update");
   defineQuery(registry, "isolateSelect", syntax.queryable().strings(1, 1), isolateSelect);
 }
 

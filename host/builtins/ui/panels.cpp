@@ -24,7 +24,8 @@ std::vector<std::string> visiblePanels(Context& context) {
   if (!panes) return names;
   const ui::ControlType& type = *(*panes)->type;
   const int count = ui::asInt(tree.get(**panes, *type.find("numberOfVisiblePanes")));
-  for (int i = 1; i <= count; ++i) names.push_back(ui::asText(tree.get(**panes, *type.find("pane" + std::to_string(i)))));
+  for (int i = 1; i <= count; ++i)
+    names.push_back(ui::asText(tree.get(**panes, *type.find("pane" + std::to_string(i)))));
   return names;
 }
 
@@ -37,13 +38,17 @@ CommandResult getPanel(Context& context, const ParsedArgs& args) {
     return mel::Value("");
   }
   if (args.has("typeOf")) {
-    if (!views.find(args.text("typeOf"))) return fail("getPanel: Object '{}' not found.", args.text("typeOf"));
+    if (!views.find(args.text("typeOf")))
+      return fail("getPanel: Object '{}' not found.", args.text("typeOf"));
     return mel::Value("modelPanel");
   }
-  if (args.has("type")) return toValue(args.text("type") == "modelPanel" ? panelNames(context) : std::vector<std::string>{});
+  if (args.has("type"))
+    return toValue(args.text("type") == "modelPanel" ? panelNames(context)
+                                                     : std::vector<std::string>{});
   if (args.has("visiblePanels")) return toValue(visiblePanels(context));
   if (args.has("all")) return toValue(panelNames(context));
-  return fail("getPanel: say which panels: -all, -type, -withFocus, -underPointer or -visiblePanels.");
+  return fail(
+      "getPanel: say which panels: -all, -type, -withFocus, -underPointer or -visiblePanels.");
 }
 
 Result<View*> viewNamed(Context& context, const ParsedArgs& args, const char* command) {
@@ -52,12 +57,15 @@ Result<View*> viewNamed(Context& context, const ParsedArgs& args, const char* co
   return view;
 }
 
-/// Where the pointer is over a panel's view, {x, y} in pixels from the lower left; empty when it is elsewhere.
+/// Where the pointer is over a panel's view, {x, y} in pixels from the lower left; empty when it is
+/// elsewhere.
 CommandResult pointerPosition(Context& context, const ParsedArgs& args) {
   const auto view = viewNamed(context, args, "pointerPosition");
   if (!view) return failWith(view.error());
   if (!(*view)->hasCursor) return mel::Value(mel::IntArray{});
-  const auto whole = [](double position) { return static_cast<std::int32_t>(std::floor(position)); };
+  const auto whole = [](double position) {
+    return static_cast<std::int32_t>(std::floor(position));
+  };
   return mel::Value(mel::IntArray{whole((*view)->cursor.x), whole((*view)->cursor.y)});
 }
 
@@ -75,7 +83,8 @@ CommandResult modelPanel(Context& context, const ParsedArgs& args) {
   if (args.isCreate()) {
     View view;
     for (std::size_t number = 5; view.panel.empty() || views.find(view.panel); ++number)
-      view.panel = args.hasObjects() && number == 5 ? args.firstObject() : "modelPanel" + std::to_string(number);
+      view.panel = args.hasObjects() && number == 5 ? args.firstObject()
+                                                    : "modelPanel" + std::to_string(number);
     view.cameraName = "persp";
     if (args.has("camera")) HOST_TRY(setCamera(context, view, args.text("camera")));
     views.all().push_back(view);
@@ -93,7 +102,8 @@ CommandResult modelPanel(Context& context, const ParsedArgs& args) {
   return fail("modelPanel: query -camera, -modelEditor or -label.");
 }
 
-// modelEditor -------------------------------------------------------------------------------------------------------
+// modelEditor
+// -------------------------------------------------------------------------------------------------------
 
 /// What a view is told to show and can't show otherwise than it does: kept for who asks.
 struct EditorFlags {
@@ -105,13 +115,31 @@ struct EditorFlag {
   bool initial;
 };
 constexpr EditorFlag kEditorFlags[] = {
-    {"pm", "polymeshes", true},     {"nc", "nurbsCurves", true},   {"ns", "nurbsSurfaces", true}, {"ca", "cameras", true},
-    {"lt", "lights", true},         {"lc", "locators", true},      {"j", "joints", true},         {"df", "deformers", true},
-    {"m", "manipulators", true},    {"ha", "handles", true},       {"hu", "hulls", true},         {"pl", "planes", true},
-    {"pv", "pivots", true},         {"tx", "textures", true},      {"str", "strokes", true},      {"hud", "headsUpDisplay", true},
-    {"sel", "selectionHiliteDisplay", true}, {"dtx", "displayTextures", false}, {"udm", "useDefaultMaterial", false},
-    {"tsl", "twoSidedLighting", true}, {"sdw", "shadows", false},  {"swf", "smoothWireframe", false}, {"jx", "jointXray", false},
-    {"dim", "dimensions", true},    {"fog", "fogging", false},
+    {"pm", "polymeshes", true},
+    {"nc", "nurbsCurves", true},
+    {"ns", "nurbsSurfaces", true},
+    {"ca", "cameras", true},
+    {"lt", "lights", true},
+    {"lc", "locators", true},
+    {"j", "joints", true},
+    {"df", "deformers", true},
+    {"m", "manipulators", true},
+    {"ha", "handles", true},
+    {"hu", "hulls", true},
+    {"pl", "planes", true},
+    {"pv", "pivots", true},
+    {"tx", "textures", true},
+    {"str", "strokes", true},
+    {"hud", "headsUpDisplay", true},
+    {"sel", "selectionHiliteDisplay", true},
+    {"dtx", "displayTextures", false},
+    {"udm", "useDefaultMaterial", false},
+    {"tsl", "twoSidedLighting", true},
+    {"sdw", "shadows", false},
+    {"swf", "smoothWireframe", false},
+    {"jx", "jointXray", false},
+    {"dim", "dimensions", true},
+    {"fog", "fogging", false},
 };
 
 constexpr struct {
@@ -132,11 +160,13 @@ Result<void> editView(Context& context, View& view, const ParsedArgs& args) {
     const std::string name = args.text("displayAppearance");
     const auto* found = std::find_if(std::begin(kAppearances), std::end(kAppearances),
                                      [&](const auto& each) { return name == each.name; });
-    if (found == std::end(kAppearances)) return fail("modelEditor: '{}' is no way to display.", name);
+    if (found == std::end(kAppearances))
+      return fail("modelEditor: '{}' is no way to display.", name);
     style = found->style;
   }
   hasWires = args.boolean("wireframeOnShaded", hasWires);
-  if (style != DisplayStyle::Wireframe) style = hasWires ? DisplayStyle::WireOnShaded : DisplayStyle::Shaded;
+  if (style != DisplayStyle::Wireframe)
+    style = hasWires ? DisplayStyle::WireOnShaded : DisplayStyle::Shaded;
   view.options.xray = args.boolean("xray", view.options.xray);
   view.options.grid.visible = args.boolean("grid", view.options.grid.visible);
   view.options.backFaceCulling = args.boolean("backfaceCulling", view.options.backFaceCulling);
@@ -154,11 +184,13 @@ CommandResult queryView(Context& context, View& view, const ParsedArgs& args) {
   if (args.has("camera")) return mel::Value(view.cameraName);
   if (args.has("displayAppearance"))
     return mel::Value(view.options.style == DisplayStyle::Wireframe ? "wireframe" : "smoothShaded");
-  if (args.has("wireframeOnShaded")) return mel::Value(view.options.style == DisplayStyle::WireOnShaded);
+  if (args.has("wireframeOnShaded"))
+    return mel::Value(view.options.style == DisplayStyle::WireOnShaded);
   if (args.has("xray")) return mel::Value(view.options.xray);
   if (args.has("grid")) return mel::Value(view.options.grid.visible);
   if (args.has("backfaceCulling")) return mel::Value(view.options.backFaceCulling);
-  if (args.has("activeView")) return mel::Value(context.session.service<Views>().active().panel == view.panel);
+  if (args.has("activeView"))
+    return mel::Value(context.session.service<Views>().active().panel == view.panel);
   const auto& flags = context.session.service<EditorFlags>().values[view.panel];
   for (const EditorFlag& flag : kEditorFlags) {
     if (!args.has(flag.longName)) continue;
@@ -169,7 +201,8 @@ CommandResult queryView(Context& context, View& view, const ParsedArgs& args) {
 }
 
 CommandResult modelEditor(Context& context, const ParsedArgs& args) {
-  if (args.has("exists")) return mel::Value(context.session.service<Views>().find(args.firstObject()) != nullptr);
+  if (args.has("exists"))
+    return mel::Value(context.session.service<Views>().find(args.firstObject()) != nullptr);
   if (args.isCreate()) return fail("modelEditor: a view comes with its panel: use modelPanel.");
   const auto view = viewNamed(context, args, "modelEditor");
   if (!view) return failWith(view.error());
@@ -182,20 +215,29 @@ CommandResult modelEditor(Context& context, const ParsedArgs& args) {
 
 void registerPanels(CommandRegistry& registry) {
   Syntax panels;
-  panels.flag("all", "all").flag("typ", "type", {ArgType::String}).flag("to", "typeOf", {ArgType::String});
+  panels.flag("all", "all")
+      .flag("typ", "type", {ArgType::String})
+      .flag("to", "typeOf", {ArgType::String});
   panels.flag("wf", "withFocus").flag("up", "underPointer").flag("vis", "visiblePanels");
   defineQuery(registry, "getPanel", panels, getPanel);
   defineQuery(registry, "pointerPosition", Syntax().strings(1, 1), pointerPosition);
   Syntax panel;
   panel.flag("ex", "exists").flag("cam", "camera", {ArgType::String}).flag("me", "modelEditor");
-  panel.flag("l", "label", {ArgType::String}).flag("p", "parent", {ArgType::String}).flag("mbv", "menuBarVisible", {ArgType::Bool});
+  panel.flag("l", "label", {ArgType::String})
+      .flag("p", "parent", {ArgType::String})
+      .flag("mbv", "menuBarVisible", {ArgType::Bool});
   defineQuery(registry, "modelPanel", panel.editable().queryable().strings(0, 1), modelPanel);
   Syntax editor;
-  editor.flag("ex", "exists").flag("cam", "camera", {ArgType::String}).flag("da", "displayAppearance", {ArgType::String});
-  editor.flag("wos", "wireframeOnShaded", {ArgType::Bool}).flag("xr", "xray", {ArgType::Bool}).flag("gr", "grid", {ArgType::Bool});
+  editor.flag("ex", "exists")
+      .flag("cam", "camera", {ArgType::String})
+      .flag("da", "displayAppearance", {ArgType::String});
+  editor.flag("wos", "wireframeOnShaded", {ArgType::Bool})
+      .flag("xr", "xray", {ArgType::Bool})
+      .flag("gr", "grid", {ArgType::Bool});
   editor.flag("bfc", "backfaceCulling", {ArgType::Bool}).flag("av", "activeView", {ArgType::Bool});
   editor.flag("alo", "allObjects", {ArgType::Bool});
-  for (const EditorFlag& flag : kEditorFlags) editor.flag(flag.shortName, flag.longName, {ArgType::Bool});
+  for (const EditorFlag& flag : kEditorFlags)
+    editor.flag(flag.shortName, flag.longName, {ArgType::Bool});
   defineQuery(registry, "modelEditor", editor.editable().queryable().strings(0, 1), modelEditor);
 }
 

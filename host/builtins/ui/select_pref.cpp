@@ -12,15 +12,24 @@ struct PrefFlag {
   double initial;
 };
 constexpr PrefFlag kPrefs[] = {
-    {"tso", "trackSelectionOrder", ArgType::Bool, 0}, {"ahs", "allowHiliteSelection", ArgType::Bool, 1},
-    {"aff", "affectsActive", ArgType::Bool, 1},       {"xns", "xformNoSelect", ArgType::Bool, 0},
-    {"psh", "preSelectHilite", ArgType::Bool, 1},     {"psb", "preSelectBackfacing", ArgType::Bool, 1},
-    {"pss", "preSelectHiliteSize", ArgType::Double, 50}, {"psc", "preSelectClosest", ArgType::Bool, 1},
-    {"cbs", "clickBoxSize", ArgType::Int, 4},         {"mcs", "manipClickBoxSize", ArgType::Int, 5},
-    {"cld", "clickDrag", ArgType::Bool, 0},           {"sln", "straightLineDistance", ArgType::Bool, 1},
-    {"ps", "paintSelect", ArgType::Bool, 0},          {"pre", "paintSelectRefine", ArgType::Bool, 0},
-    {"ud", "useDepth", ArgType::Bool, 0},             {"pms", "popupMenuSelection", ArgType::Bool, 0},
-    {"sch", "selectionChildHighlightMode", ArgType::Int, 0}, {"dsn", "disableComponentPS", ArgType::Bool, 0},
+    {"tso", "trackSelectionOrder", ArgType::Bool, 0},
+    {"ahs", "allowHiliteSelection", ArgType::Bool, 1},
+    {"aff", "affectsActive", ArgType::Bool, 1},
+    {"xns", "xformNoSelect", ArgType::Bool, 0},
+    {"psh", "preSelectHilite", ArgType::Bool, 1},
+    {"psb", "preSelectBackfacing", ArgType::Bool, 1},
+    {"pss", "preSelectHiliteSize", ArgType::Double, 50},
+    {"psc", "preSelectClosest", ArgType::Bool, 1},
+    {"cbs", "clickBoxSize", ArgType::Int, 4},
+    {"mcs", "manipClickBoxSize", ArgType::Int, 5},
+    {"cld", "clickDrag", ArgType::Bool, 0},
+    {"sln", "straightLineDistance", ArgType::Bool, 1},
+    {"ps", "paintSelect", ArgType::Bool, 0},
+    {"pre", "paintSelectRefine", ArgType::Bool, 0},
+    {"ud", "useDepth", ArgType::Bool, 0},
+    {"pms", "popupMenuSelection", ArgType::Bool, 0},
+    {"sch", "selectionChildHighlightMode", ArgType::Int, 0},
+    {"dsn", "disableComponentPS", ArgType::Bool, 0},
     {"ial", "ignoreSelectionPriority", ArgType::Bool, 0},
 };
 

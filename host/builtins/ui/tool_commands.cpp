@@ -8,7 +8,8 @@ namespace host::builtins {
 
 namespace {
 
-/// A name itself, or the tool that the program's own scripts keep under it in a global variable ($gSelect).
+/// A name itself, or the tool that the program's own scripts keep under it in a global variable
+/// ($gSelect).
 std::string toolName(Context& context, const std::string& name) {
   if (toolsOf(context.session).find(name)) return name;
   const auto variable = context.session.interpreter().global(name);
@@ -40,7 +41,8 @@ CommandResult contextInfo(Context& context, const ParsedArgs& args) {
   return fail("contextInfo: say what to tell of '{}': -class, -title, -exists or -image1.", name);
 }
 
-// tumbleCtx ---------------------------------------------------------------------------------------------------------
+// tumbleCtx
+// ---------------------------------------------------------------------------------------------------------
 
 struct TumbleFlag {
   const char *shortName, *longName;
@@ -48,10 +50,10 @@ struct TumbleFlag {
   double initial;
 };
 constexpr TumbleFlag kTumbleFlags[] = {
-    {"lt", "localTumble", ArgType::Int, 0},        {"ts", "tumbleScale", ArgType::Double, 1},
-    {"ol", "orthoLock", ArgType::Bool, 1},         {"os", "orthoStep", ArgType::Double, 5},
+    {"lt", "localTumble", ArgType::Int, 0},          {"ts", "tumbleScale", ArgType::Double, 1},
+    {"ol", "orthoLock", ArgType::Bool, 1},           {"os", "orthoStep", ArgType::Double, 5},
     {"aoc", "autoOrthoConstrain", ArgType::Bool, 0}, {"asp", "autoSetPivot", ArgType::Bool, 0},
-    {"ot", "objectTumble", ArgType::Bool, 0},      {"ac", "alternateContext", ArgType::Bool, 0},
+    {"ot", "objectTumble", ArgType::Bool, 0},        {"ac", "alternateContext", ArgType::Bool, 0},
 };
 
 /// The settings of the tumble tools, by context; a value that is not there has its initial one.
@@ -86,12 +88,20 @@ void registerToolCommands(CommandRegistry& registry) {
   defineQuery(registry, "setToolTo", Syntax().strings(1, 1), setToolTo);
   defineQuery(registry, "currentCtx", Syntax().queryable(), currentCtx);
   defineQuery(registry, "contextInfo",
-              Syntax().flag("c", "class").flag("t", "title").flag("ex", "exists").flag("i1", "image1").flag("i2", "image2")
-                  .flag("i3", "image3").strings(1, 1),
+              Syntax()
+                  .flag("c", "class")
+                  .flag("t", "title")
+                  .flag("ex", "exists")
+                  .flag("i1", "image1")
+                  .flag("i2", "image2")
+                  .flag("i3", "image3")
+                  .strings(1, 1),
               contextInfo);
   Syntax tumble;
-  for (const TumbleFlag& flag : kTumbleFlags) tumble.flag(flag.shortName, flag.longName, {flag.type});
-  defineQuery(registry, "tumbleCtx", tumble.flag("ex", "exists").editable().queryable().strings(1, 1), tumbleCtx);
+  for (const TumbleFlag& flag : kTumbleFlags)
+    tumble.flag(flag.shortName, flag.longName, {flag.type});
+  defineQuery(registry, "tumbleCtx",
+              tumble.flag("ex", "exists").editable().queryable().strings(1, 1), tumbleCtx);
 }
 
 }  // namespace host::builtins

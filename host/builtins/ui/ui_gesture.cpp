@@ -1,4 +1,5 @@
-// What a person does to the windows, as a command: for tests, recordings and scripts that show something.
+// What a person does to the windows, as a command: for tests, recordings and scripts that show
+// something.
 #include "host/builtins/ui/control_values.h"
 #include "host/builtins/ui/dialogs.h"
 
@@ -8,7 +9,8 @@ namespace {
 
 CommandResult uiGesture(Context& context, const ParsedArgs& args) {
   if (args.has("answer")) {
-    context.session.service<Dialogs>().answers.push_back({args.text("answer"), args.text("answer", {}, 1)});
+    context.session.service<Dialogs>().answers.push_back(
+        {args.text("answer"), args.text("answer", {}, 1)});
     if (!args.hasObjects()) return mel::Value();
   }
   ui::Tree& tree = context.session.service<ui::Tree>();
@@ -16,7 +18,8 @@ CommandResult uiGesture(Context& context, const ParsedArgs& args) {
   if (!control) return fail("uiGesture: {}", control.error().message);
   ui::Values values;
   for (const char* flag : {"set", "drag"})
-    for (int use = 0; use < args.uses(flag); ++use) values.push_back(toAtom(args.values(flag, use).front()));
+    for (int use = 0; use < args.uses(flag); ++use)
+      values.push_back(toAtom(args.values(flag, use).front()));
   std::string windowPath;
   if (args.has("close")) {
     const ui::Control* before = *control;
@@ -35,7 +38,11 @@ CommandResult uiGesture(Context& context, const ParsedArgs& args) {
 
 void registerUiGesture(CommandRegistry& registry) {
   Syntax syntax;
-  syntax.flag("p", "press").flag("s", "set", {ArgType::Any}).multiUse().flag("d", "drag", {ArgType::Any}).multiUse();
+  syntax.flag("p", "press")
+      .flag("s", "set", {ArgType::Any})
+      .multiUse()
+      .flag("d", "drag", {ArgType::Any})
+      .multiUse();
   syntax.flag("c", "close").flag("a", "answer", {ArgType::String, ArgType::String}).optionalArgs();
   defineQuery(registry, "uiGesture", syntax.strings(0, 1), uiGesture);
 }

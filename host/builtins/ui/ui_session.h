@@ -4,7 +4,8 @@
 
 namespace host::builtins {
 
-/// Lays out the main window: its menu bar, the panes with the views, and the variables by which scripts know them.
+/// Lays out the main window: its menu bar, the panes with the views, and the variables by which
+/// scripts know them.
 void prepareUi(cmd::Session& session);
 
 }  // namespace host::builtins

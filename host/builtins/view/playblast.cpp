@@ -23,8 +23,10 @@ CommandResult playblast(Context& context, const ParsedArgs& args) {
   const std::string file = pictureFile(context, args);
   const std::string format = args.text("format", "image");
   const std::string compression = args.text("compression", "png");
-  if (format != "image") return fail("playblast: the format \"{}\" is not available; use \"image\"", format);
-  if (compression != "png") return fail("playblast: the compression \"{}\" is not available; use \"png\"", compression);
+  if (format != "image")
+    return fail("playblast: the format \"{}\" is not available; use \"image\"", format);
+  if (compression != "png")
+    return fail("playblast: the compression \"{}\" is not available; use \"png\"", compression);
 
   Views& views = context.session.service<Views>();
   View view = views.active();
@@ -34,10 +36,12 @@ CommandResult playblast(Context& context, const ParsedArgs& args) {
     view = *named;
   }
   viewport::PortSize size = view.port;
-  if (args.has("widthHeight")) size = {args.integer("widthHeight"), args.integer("widthHeight", 0, 1)};
+  if (args.has("widthHeight"))
+    size = {args.integer("widthHeight"), args.integer("widthHeight", 0, 1)};
   const double percent = args.integer("percent", 100) / 100.0;
   size = {static_cast<int>(size.width * percent), static_cast<int>(size.height * percent)};
-  if (size.width < 1 || size.height < 1) return fail("playblast: a picture of {} x {} pixels", size.width, size.height);
+  if (size.width < 1 || size.height < 1)
+    return fail("playblast: a picture of {} x {} pixels", size.width, size.height);
   view.options.axisGizmo = args.boolean("showOrnaments", true);
 
   auto image = renderView(context.document, views, view, size);

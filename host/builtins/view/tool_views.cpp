@@ -16,8 +16,8 @@ bool isOn(cmd::Session& session, const char* query) {
   return value && value->toInt().value_or(0) != 0;
 }
 
-/// What a click may pick: in component mode the kinds that are on, else objects, and the kinds that are on for
-/// objects whose components are shown.
+/// What a click may pick: in component mode the kinds that are on, else objects, and the kinds that
+/// are on for objects whose components are shown.
 viewport::PickOptions pickOptions(cmd::Session& session) {
   const bool isComponentMode = isOn(session, "selectMode -q -component");
   viewport::PickOptions options;
@@ -39,7 +39,8 @@ tools::ToolRegistry& toolsOf(cmd::Session& session) {
   registry.views.scene = [owner](const std::string& panel) {
     return gatherView(owner->document(), viewOf(*owner, panel));
   };
-  registry.views.setCamera = [owner](const std::string& panel, const viewport::Camera& camera) -> Result<void> {
+  registry.views.setCamera = [owner](const std::string& panel,
+                                     const viewport::Camera& camera) -> Result<void> {
     const auto path = cameraPath(owner->document(), viewOf(*owner, panel).cameraName);
     if (!path) return failWith(path.error());
     // Camera moves are not undone with the work on the scene.
@@ -53,12 +54,16 @@ tools::ToolRegistry& toolsOf(cmd::Session& session) {
     View& view = viewOf(*owner, event.panel);
     for (View& other : owner->service<Views>().all()) other.hasCursor = false;
     view.cursor = event.position;
-    const auto isWithin = [](double position, int extent) { return position >= 0 && position < extent; };
-    view.hasCursor = isWithin(event.position.x, view.port.width) && isWithin(event.position.y, view.port.height);
+    const auto isWithin = [](double position, int extent) {
+      return position >= 0 && position < extent;
+    };
+    view.hasCursor =
+        isWithin(event.position.x, view.port.width) && isWithin(event.position.y, view.port.height);
   };
-  session.service<Views>().gatherers.push_back([owner](scene::Document&, const View& view, viewport::SceneView& scene) {
-    toolsOf(*owner).current()->draw(view.panel, scene.extra);
-  });
+  session.service<Views>().gatherers.push_back(
+      [owner](scene::Document&, const View& view, viewport::SceneView& scene) {
+        toolsOf(*owner).current()->draw(view.panel, scene.extra);
+      });
   registry.currentChanged = [owner] { owner->scriptJobs().triggerEvent("ToolChanged"); };
   return registry;
 }

@@ -28,12 +28,14 @@ Result<std::vector<math::Vec3>> pointsToFrame(Context& context, const viewport::
 }
 
 /// Moves the camera node to where the framed camera stands.
-Result<void> place(scene::Document& document, const scene::DagPath& shape, const viewport::Camera& camera) {
+Result<void> place(scene::Document& document, const scene::DagPath& shape,
+                   const viewport::Camera& camera) {
   dg::Node* transform = shape.transform().node();
   dg::Graph& graph = document.graph();
   const math::Vec3 eye = camera.eye();
   const auto parent = math::inverse(shape.transform().parent().inclusiveMatrix());
-  if (!parent) return fail("the camera {} hangs under a transform with a zero scale", shape.partialName());
+  if (!parent)
+    return fail("the camera {} hangs under a transform with a zero scale", shape.partialName());
   HOST_TRY(graph.setVec3(transform->plug("translate"), math::transformPoint(eye, *parent)));
   dg::Node* node = shape.node();
   HOST_TRY(graph.set(node->plug("centerOfInterest"), camera.centerOfInterest));
@@ -57,7 +59,8 @@ CommandResult viewFit(Context& context, const ParsedArgs& args) {
   const auto points = pointsToFrame(context, *shown, names, args.has("allObjects"));
   if (!points) return failWith(points.error());
   const double fit = args.real("fitFactor", 0.9);
-  if (!(fit > 0 && fit <= 1)) return fail("viewFit: the fit factor {} does not lie above 0 and up to 1", fit);
+  if (!(fit > 0 && fit <= 1))
+    return fail("viewFit: the fit factor {} does not lie above 0 and up to 1", fit);
   viewport::Camera camera = shown->camera;
   if (!viewport::frame(camera, view.port.aspect(), *points, fit)) return mel::Value();
   context.session.undo().noteUnrecorded();  // a camera move is no step of undo

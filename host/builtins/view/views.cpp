@@ -72,21 +72,25 @@ Result<viewport::SceneView> gatherView(scene::Document& document, const View& vi
   return scene;
 }
 
-Result<viewport::SceneView> gatherView(scene::Document& document, const Views& views, const View& view) {
+Result<viewport::SceneView> gatherView(scene::Document& document, const Views& views,
+                                       const View& view) {
   auto scene = gatherView(document, view);
   if (!scene) return scene;
   for (const Views::Gather& gather : views.gatherers) gather(document, view, *scene);
   return scene;
 }
 
-Result<void> placeCamera(scene::Document& document, const scene::DagPath& shape, const viewport::Camera& camera) {
+Result<void> placeCamera(scene::Document& document, const scene::DagPath& shape,
+                         const viewport::Camera& camera) {
   const scene::DagPath transform = shape.transform();
   const auto parent = math::inverse(transform.parent().inclusiveMatrix());
-  if (!parent) return fail("the camera {} hangs under a transform with a zero scale", shape.partialName());
+  if (!parent)
+    return fail("the camera {} hangs under a transform with a zero scale", shape.partialName());
   dg::Graph& graph = document.graph();
   dg::Node* node = transform.node();
   const math::Matrix4 local = camera.world * *parent;
-  HOST_TRY(graph.setVec3(node->plug("translate"), math::transformPoint(math::Vec3{0, 0, 0}, local)));
+  HOST_TRY(
+      graph.setVec3(node->plug("translate"), math::transformPoint(math::Vec3{0, 0, 0}, local)));
   HOST_TRY(graph.setVec3(node->plug("rotate"), math::decompose(local).rotate));
   dg::Node* lens = shape.node();
   HOST_TRY(graph.set(lens->plug("centerOfInterest"), camera.centerOfInterest));
@@ -95,8 +99,8 @@ Result<void> placeCamera(scene::Document& document, const scene::DagPath& shape,
   return graph.set(lens->plug("orthographicWidth"), camera.orthographicWidth);
 }
 
-Result<void> drawView(scene::Document& document, Views& views, const View& view, viewport::PortSize size,
-                      viewport::Backend& backend) {
+Result<void> drawView(scene::Document& document, Views& views, const View& view,
+                      viewport::PortSize size, viewport::Backend& backend) {
   View sized = view;
   sized.port = size;
   const auto scene = gatherView(document, views, sized);

@@ -15,13 +15,13 @@ namespace host::builtins {
 
 /// One view of the scene: what a model panel shows, whether or not a window shows the panel.
 struct View {
-  std::string panel;         ///< "modelPanel4"
-  std::string cameraName;    ///< the camera's transform
+  std::string panel;       ///< "modelPanel4"
+  std::string cameraName;  ///< the camera's transform
   viewport::PortSize port{960, 540};
   viewport::ViewOptions options;
   viewport::ViewPoint cursor;
-  bool hasCursor = false;    ///< the cursor is over the view
-  bool isIsolated = false;   ///< shows only the nodes below and what hangs under them
+  bool hasCursor = false;   ///< the cursor is over the view
+  bool isIsolated = false;  ///< shows only the nodes below and what hangs under them
   std::vector<std::weak_ptr<dg::Node>> isolated;
 };
 
@@ -39,7 +39,8 @@ class Views {
 
   /// What other layers draw into views: items that go with the scene, and direct sections after it.
   using Gather = std::function<void(scene::Document&, const View&, viewport::SceneView&)>;
-  using Direct = std::function<void(scene::Document&, const View&, const viewport::SceneView&, viewport::Backend&)>;
+  using Direct = std::function<void(scene::Document&, const View&, const viewport::SceneView&,
+                                    viewport::Backend&)>;
   std::vector<Gather> gatherers;
   std::vector<Direct> directs;
 
@@ -53,16 +54,19 @@ class Views {
 /// The path of a view's camera shape. Fails, naming it, when the camera is gone.
 [[nodiscard]] Result<scene::DagPath> cameraPath(scene::Document& document, const std::string& name);
 
-/// Whether a view that isolates lets an object show: it, or something above it, is in the view's set.
+/// Whether a view that isolates lets an object show: it, or something above it, is in the view's
+/// set.
 [[nodiscard]] bool isolationShows(const View& view, const scene::DagPath& path);
 
 /// What a view shows now. The clip planes are those of the camera.
 [[nodiscard]] Result<viewport::SceneView> gatherView(scene::Document& document, const View& view);
 
 /// The same with all that other layers draw.
-[[nodiscard]] Result<viewport::SceneView> gatherView(scene::Document& document, const Views& views, const View& view);
+[[nodiscard]] Result<viewport::SceneView> gatherView(scene::Document& document, const Views& views,
+                                                     const View& view);
 
-/// Moves a camera's node to where the framed camera stands: transform, centre of interest, clip planes, width.
+/// Moves a camera's node to where the framed camera stands: transform, centre of interest, clip
+/// planes, width.
 [[nodiscard]] Result<void> placeCamera(scene::Document& document, const scene::DagPath& shape,
                                        const viewport::Camera& camera);
 
@@ -71,7 +75,7 @@ class Views {
                                     viewport::PortSize size, viewport::Backend& backend);
 
 /// Draws a view at a size of its own.
-[[nodiscard]] Result<viewport::Image> renderView(scene::Document& document, Views& views, const View& view,
-                                                 viewport::PortSize size);
+[[nodiscard]] Result<viewport::Image> renderView(scene::Document& document, Views& views,
+                                                 const View& view, viewport::PortSize size);
 
 }  // namespace host::builtins

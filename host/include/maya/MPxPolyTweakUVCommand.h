@@ -8,8 +8,8 @@
 #include <maya/MPxCommand.h>
 #include <maya/MTypes.h>
 
-/// Base of the commands that move UVs of the named or selected meshes. The host puts a polyTweakUV node
-/// with the change into each mesh's history and undoes it.
+/// Base of the commands that move UVs of the named or selected meshes. The host puts a polyTweakUV
+/// node with the change into each mesh's history and undoes it.
 class MPxPolyTweakUVCommand : public MPxCommand {
  public:
   MPxPolyTweakUVCommand();

@@ -94,9 +94,9 @@ class MTransformationMatrix {
  private:
   friend struct host::api::TransformParts;
   double scale_[3] = {1, 1, 1};
-  double shear_[3] = {0, 0, 0};  // xy, xz, yz
+  double shear_[3] = {0, 0, 0};       // xy, xz, yz
   double rotateAxis_[3] = {0, 0, 0};  // the rotation orientation, as angles applied x, y, z
-  double rotation_[3] = {0, 0, 0};  // angles about x, y and z, radians
+  double rotation_[3] = {0, 0, 0};    // angles about x, y and z, radians
   RotationOrder order_ = kXYZ;
   double translation_[3] = {0, 0, 0};
   double scalePivot_[3] = {0, 0, 0};

@@ -28,10 +28,10 @@ void addExtrudeAttributes(HistoryNodeBuilder& builder) {
       .parameter(keyable(real("taper", "tp", 1)))
       .parameter(keyable(distance("thickness", "tk")))
       .parameter(angle("smoothingAngle", "sma", kThirtyDegrees))
-      .parameter(array(compound(
-          "taperCurve", "c",
-          {single("taperCurve_Position", "cp"), single("taperCurve_FloatValue", "cfv"),
-           choice("taperCurve_Interp", "ci", {"None", "Linear", "Smooth", "Spline"})})));
+      .parameter(array(
+          compound("taperCurve", "c",
+                   {single("taperCurve_Position", "cp"), single("taperCurve_FloatValue", "cfv"),
+                    choice("taperCurve_Interp", "ci", {"None", "Linear", "Smooth", "Spline"})})));
 }
 
 ops::ExtrudePlacement placementOf(const HistoryContext& context) {

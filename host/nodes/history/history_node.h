@@ -19,10 +19,10 @@ class HistoryContext {
 
   DataBlock& block;
   mesh::Mesh mesh;  ///< arrives as the input; what is here when the operation returns is the output
-  scene::MeshDataPtr input;              ///< what arrived; null for primitives
-  std::vector<scene::Component> made;    ///< what the operation made, as a command would select it
-  std::shared_ptr<const void> plan;      ///< what the operation kept at the last evaluation; an
-                                         ///< operation that finds it unusable replaces or clears it
+  scene::MeshDataPtr input;            ///< what arrived; null for primitives
+  std::vector<scene::Component> made;  ///< what the operation made, as a command would select it
+  std::shared_ptr<const void> plan;    ///< what the operation kept at the last evaluation; an
+                                       ///< operation that finds it unusable replaces or clears it
 
   /// Says what the operation made, each once; the ids are those of `mesh` as it is now.
   void makes(scene::ComponentType type, std::vector<Index> ids);

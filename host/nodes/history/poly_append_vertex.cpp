@@ -38,9 +38,9 @@ Result<std::vector<ops::PolygonCorner>> loopOf(const HistoryContext& context) {
 
 void registerPolyAppendVertex(dg::TypeRegistry& types) {
   HistoryNodeBuilder(types, "polyAppendVertex", typeCode("PAPV"))
-      .parameter(array(
-          numbers("vertices", "v", "float3",
-                  {single("verticesX", "vx"), single("verticesY", "vy"), single("verticesZ", "vz")})))
+      .parameter(array(numbers(
+          "vertices", "v", "float3",
+          {single("verticesX", "vx"), single("verticesY", "vy"), single("verticesZ", "vz")})))
       .parameter(array(integer("desc", "d")))
       .parameter(choice("texture", "tx", {"None", "Normalize", "Unitize"}))
       .operation([](HistoryContext& context) -> Result<void> {

@@ -14,8 +14,7 @@ Result<void> bevel(HistoryContext& context) {
   ops::BevelEdgesOptions options;
   options.offsetAsFraction = context.boolean("offsetAsFraction");
   // Dragged the other way a bevel stays closed.
-  options.offset =
-      std::max(0.0, context.real(options.offsetAsFraction ? "fraction" : "offset"));
+  options.offset = std::max(0.0, context.real(options.offsetAsFraction ? "fraction" : "offset"));
   options.segments = context.integer("segments");
   options.roundness = std::clamp(context.real("depth"), 0.0, 1.0);
   options.smoothingAngle = context.real("smoothingAngle");
@@ -25,8 +24,7 @@ Result<void> bevel(HistoryContext& context) {
   options.mergeTolerance = context.real("mergeVertexTolerance");
   options.miteringAngle = context.real("miteringAngle");
   options.chamfer = context.boolean("chamfer");
-  options.uvAssignment =
-      context.integer("uvAssignment") == 0 ? Uvs::PlanarPerFace : Uvs::Preserve;
+  options.uvAssignment = context.integer("uvAssignment") == 0 ? Uvs::PlanarPerFace : Uvs::Preserve;
   options.space = context.space();
   const auto edges = context.edges();
   if (edges.empty()) return {};

@@ -31,10 +31,10 @@ void registerPolyBridgeEdge(dg::TypeRegistry& types) {
       .parameter(integer("sourceDirection", "sd"))
       .parameter(integer("targetDirection", "td"))
       .parameter(boolean("direction", "d"))
-      .parameter(array(compound(
-          "taperCurve", "c",
-          {single("taperCurve_Position", "cp"), single("taperCurve_FloatValue", "cfv"),
-           choice("taperCurve_Interp", "ci", {"None", "Linear", "Smooth", "Spline"})})))
+      .parameter(array(
+          compound("taperCurve", "c",
+                   {single("taperCurve_Position", "cp"), single("taperCurve_FloatValue", "cfv"),
+                    choice("taperCurve_Interp", "ci", {"None", "Linear", "Smooth", "Spline"})})))
       .operation([](HistoryContext& context) -> Result<void> {
         const auto edges = context.edges();
         if (edges.empty()) return {};

@@ -8,9 +8,9 @@ namespace host::nodes {
 
 void registerPolyCreateFace(dg::TypeRegistry& types) {
   PrimitiveNodeBuilder(types, "polyCreateFace", typeCode("PCRF"), "polyCreator")
-      .parameter(array(
-          numbers("vertices", "v", "float3",
-                  {single("verticesX", "vx"), single("verticesY", "vy"), single("verticesZ", "vz")})))
+      .parameter(array(numbers(
+          "vertices", "v", "float3",
+          {single("verticesX", "vx"), single("verticesY", "vy"), single("verticesZ", "vz")})))
       .parameter(array(integer("loop", "l")))
       .parameter(choice("texture", "tx", {"None", "Normalize", "Unitize"}))
       .operation([](HistoryContext& context) -> Result<void> {

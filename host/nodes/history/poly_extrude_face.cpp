@@ -25,8 +25,8 @@ Result<void> extrude(HistoryContext& context) {
     context.plan.reset();
     auto plan = ops::ExtrudePlan::make(context.mesh, context.faces(), options);
     if (!plan) return failWith(plan.error());
-    cached = std::make_shared<const CachedExtrude>(
-        CachedExtrude{context.input, list, *std::move(plan)});
+    cached =
+        std::make_shared<const CachedExtrude>(CachedExtrude{context.input, list, *std::move(plan)});
     context.plan = cached;
   }
   auto placed = cached->plan.place(options);

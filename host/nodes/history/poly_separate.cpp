@@ -25,7 +25,8 @@ void registerPolySeparate(dg::TypeRegistry& types) {
     const Plug all(&node, results);
     const auto promised = static_cast<std::size_t>(std::max<std::int64_t>(1, block.integer(count)));
     // Pieces that an edit upstream took away arrive as empty meshes.
-    parts.resize(std::max({promised, parts.size(), static_cast<std::size_t>(plug.logicalIndex() + 1)}));
+    parts.resize(
+        std::max({promised, parts.size(), static_cast<std::size_t>(plug.logicalIndex() + 1)}));
     for (std::size_t i = 0; i < parts.size(); ++i)
       block.output(all.element(static_cast<Index>(i)),
                    dg::DataPtr(std::make_shared<scene::MeshData>(std::move(parts[i]))));

@@ -45,10 +45,10 @@ void registerPolySplitRing(dg::TypeRegistry& types) {
       .parameter(boolean("fixQuads", "fq"))
       .parameter(boolean("insertWithEdgeFlow", "ief"))
       .parameter(keyable(real("adjustEdgeFlow", "aef", 1)))
-      .parameter(array(compound(
-          "profileCurve", "p",
-          {single("profileCurve_Position", "pp"), single("profileCurve_FloatValue", "pfv"),
-           choice("profileCurve_Interp", "pi", {"None", "Linear", "Smooth", "Spline"})})))
+      .parameter(array(
+          compound("profileCurve", "p",
+                   {single("profileCurve_Position", "pp"), single("profileCurve_FloatValue", "pfv"),
+                    choice("profileCurve_Interp", "pi", {"None", "Linear", "Smooth", "Spline"})})))
       .operation(split);
 }
 

@@ -10,7 +10,8 @@ namespace host::nodes {
 
 namespace {
 
-/// The meshes at `inputPoly` with their matrices, in order of the indices; empty slots are left out.
+/// The meshes at `inputPoly` with their matrices, in order of the indices; empty slots are left
+/// out.
 Result<std::vector<ops::UnitePart>> partsOf(DataBlock& block, const Attribute* meshes,
                                             const Attribute* matrices) {
   std::vector<ops::UnitePart> parts;
@@ -32,8 +33,8 @@ void registerPolyUnite(dg::TypeRegistry& types) {
   TypeBuilder builder(types, "polyUnite", "polyBase", typeCode("PUNI"));
   const Attribute* meshes = builder.add(array(notStored(dg::makeTyped("inputPoly", "ip", "mesh"))));
   const Attribute* matrices = builder.add(array(matrix("inputMat", "im")));
-  const Attribute* mergeSets = builder.add(choice("mergeUVSets", "muv",
-                                                  {"Do not merge", "By name", "By UV links"}, 1));
+  const Attribute* mergeSets =
+      builder.add(choice("mergeUVSets", "muv", {"Do not merge", "By name", "By UV links"}, 1));
   const Attribute* result = builder["output"];
   builder.affects({meshes, matrices, mergeSets}, {result});
   builder.type().compute = [=](Node& node, const Plug& plug, DataBlock& block) -> Result<Computed> {

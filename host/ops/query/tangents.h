@@ -10,7 +10,7 @@ namespace host::ops {
 /// The tangent frames of a UV set, one a corner. The binormal is normal x tangent, turned over
 /// where the UVs are mirrored.
 struct CornerTangents {
-  std::vector<mesh::Vec3f> tangents;         ///< unit, along growing u; zero in faces without UVs
+  std::vector<mesh::Vec3f> tangents;        ///< unit, along growing u; zero in faces without UVs
   std::vector<std::uint8_t> isRightHanded;  ///< 1 where the binormal is normal x tangent
 };
 

@@ -34,8 +34,7 @@ Vec3 cornerPoint(const Mesh& mesh, CornerId corner) {
 
 /// The place of a face nearest to `target`, corners being where `place` puts them.
 template <class Place>
-FacePlace nearest(const Mesh& mesh, FaceId face, const Vec3& target, Place place,
-                  double& squared) {
+FacePlace nearest(const Mesh& mesh, FaceId face, const Vec3& target, Place place, double& squared) {
   FacePlace best;
   squared = std::numeric_limits<double>::infinity();
   const CornerId first = mesh.firstCorner(face);

@@ -78,8 +78,7 @@ VertexId BevelCorners::addVertexAt(const Vec3& p) {
 
 bool BevelCorners::canBevel(EdgeId e) const {
   const auto corners = adjacency_.edgeCorners(e);
-  return corners.size() == 2 &&
-         mesh_.cornerVertex(corners[0]) != mesh_.cornerVertex(corners[1]) &&
+  return corners.size() == 2 && mesh_.cornerVertex(corners[0]) != mesh_.cornerVertex(corners[1]) &&
          adjacency_.cornerFace(corners[0]) != adjacency_.cornerFace(corners[1]);
 }
 

@@ -27,8 +27,10 @@ Result<math::Matrix4> checkPlacement(const ExtrudePlacement& p) {
     if (!isUsable(value)) return fail("{} is no number that an extrusion can use", value);
   for (const ExtrudeTransform* t : {&p.local, &p.world})
     for (const math::Vec3& v : {t->translate, t->rotate, t->scale})
-      if (!areUsable(v)) return fail("({}, {}, {}) is nothing that an extrusion can use", v.x, v.y, v.z);
-  if (p.pivot && !areUsable(*p.pivot)) return fail("The pivot of an extrusion needs usable numbers");
+      if (!areUsable(v))
+        return fail("({}, {}, {}) is nothing that an extrusion can use", v.x, v.y, v.z);
+  if (p.pivot && !areUsable(*p.pivot))
+    return fail("The pivot of an extrusion needs usable numbers");
   const auto inverse = math::inverse(p.space);
   if (!inverse) return fail("The object is scaled to nothing; extrusion has no space to work in");
   return *inverse;
@@ -58,8 +60,8 @@ ExtrudeMover::ExtrudeMover(const ExtrudePlacement& placement, const math::Frame&
       pivot_(pivot),
       t_(t) {}
 
-math::Vec3 ExtrudeMover::place(const math::Vec3& p, const math::Vec3& inset,
-                               const math::Vec3& push, const math::Vec3& normal) const {
+math::Vec3 ExtrudeMover::place(const math::Vec3& p, const math::Vec3& inset, const math::Vec3& push,
+                               const math::Vec3& normal) const {
   math::Vec3 q = p + inset * t_ + push * t_;
   if (!local_.isPlain) q = region_.toWorld(local_.turned(region_.toLocal(q)));
   // Along z each point follows its own normal: a region that closes in itself grows all round.

@@ -16,13 +16,14 @@ struct ExtrudeTransform {
 
 /// How extruded components are placed. All lengths are in the space below.
 struct ExtrudePlacement {
-  int divisions = 1;       ///< segments from the old place to the new one
-  double offset = 0;       ///< towards the inside of the extruded region, cm
-  double thickness = 0;    ///< moves the planes of the region's faces out, cm
-  double taper = 1;        ///< scale about the region's centre, reached at the last division
-  double twist = 0;        ///< about the region's normal, reached at the last division, radians
-  ExtrudeTransform local;  ///< in the region's frame: z along its mean normal, origin at its centre;
-                           ///< its translation along z moves the planes of all its faces out
+  int divisions = 1;     ///< segments from the old place to the new one
+  double offset = 0;     ///< towards the inside of the extruded region, cm
+  double thickness = 0;  ///< moves the planes of the region's faces out, cm
+  double taper = 1;      ///< scale about the region's centre, reached at the last division
+  double twist = 0;      ///< about the region's normal, reached at the last division, radians
+  ExtrudeTransform
+      local;  ///< in the region's frame: z along its mean normal, origin at its centre;
+              ///< its translation along z moves the planes of all its faces out
   ExtrudeTransform world;  ///< in the space below, about the pivot
   std::optional<math::Vec3>
       pivot;            ///< of the world transform; by default the centre of all that is extruded

@@ -38,7 +38,8 @@ ExtrudeRegions::ExtrudeRegions(const Mesh& mesh, std::vector<FaceId> faces, bool
 }
 
 void ExtrudeRegions::findOutwards(std::span<const Vec3> normals) {
-  // The point m that comes nearest to m . n = 1 for all normals n there: (sum of n n^T) m = sum of n.
+  // The point m that comes nearest to m . n = 1 for all normals n there: (sum of n n^T) m = sum of
+  // n.
   struct Sums {
     double xx = 0, xy = 0, xz = 0, yy = 0, yz = 0, zz = 0;
     int count = 0;
@@ -64,10 +65,13 @@ void ExtrudeRegions::findOutwards(std::span<const Vec3> normals) {
     }
     // A little along the mean keeps directions still that no normal says anything about.
     constexpr double kStill = 1e-9;
-    const Vec3 a(s.xx + kStill, s.xy, s.xz), b(s.xy, s.yy + kStill, s.yz), c(s.xz, s.yz, s.zz + kStill);
+    const Vec3 a(s.xx + kStill, s.xy, s.xz), b(s.xy, s.yy + kStill, s.yz),
+        c(s.xz, s.yz, s.zz + kStill);
     const double determinant = math::dot(a, math::cross(b, c));
     const Vec3 right = outwards;
-    Vec3 solved = (math::cross(b, c) * right.x + math::cross(c, a) * right.y + math::cross(a, b) * right.z) / determinant;
+    Vec3 solved =
+        (math::cross(b, c) * right.x + math::cross(c, a) * right.y + math::cross(a, b) * right.z) /
+        determinant;
     const double length = math::length(solved);
     if (!(length <= kLongest)) solved = std::isfinite(length) ? solved * (kLongest / length) : mean;
     outwards = solved;

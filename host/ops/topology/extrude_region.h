@@ -20,7 +20,7 @@ class ExtrudeRegions {
     math::Vec3 point;
     math::Vec3 outwards;  ///< moves the planes of the region's faces there out by one, as far as
                           ///< one point can; no longer than 4
-    math::Vec3 inset;   ///< moves the rim edges there by one
+    math::Vec3 inset;     ///< moves the rim edges there by one
     bool isOnRim = false;
   };
   /// A piece of a region's border, along the face there.
@@ -50,10 +50,9 @@ class ExtrudeRegions {
     const std::vector<ExtrudeMover> movers = moversOf(placement, t);
     for (std::size_t i = 0; i < copies_.size(); ++i) {
       const Copy& copy = copies_[i];
-      visit(static_cast<Index>(i),
-            movers[static_cast<std::size_t>(copy.region)].place(
-                copy.point, copy.inset * placement.offset, copy.outwards * placement.thickness,
-                copy.outwards));
+      visit(static_cast<Index>(i), movers[static_cast<std::size_t>(copy.region)].place(
+                                       copy.point, copy.inset * placement.offset,
+                                       copy.outwards * placement.thickness, copy.outwards));
     }
   }
 

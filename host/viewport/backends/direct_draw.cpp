@@ -4,11 +4,17 @@
 
 namespace host::viewport {
 
-void setDirectColor(const Rgba& color) { glColor4f(color.r, color.g, color.b, color.a); }
+void setDirectColor(const Rgba& color) {
+  glColor4f(color.r, color.g, color.b, color.a);
+}
 
-void setDirectViewport(int x, int y, int width, int height) { glViewport(x, y, width, height); }
+void setDirectViewport(int x, int y, int width, int height) {
+  glViewport(x, y, width, height);
+}
 
-void beginDirectOverlay() { glDisable(GL_DEPTH_TEST); }
+void beginDirectOverlay() {
+  glDisable(GL_DEPTH_TEST);
+}
 
 void beginDirectXor(bool stippled, bool depthTested, float lineWidth, const Rgba& color) {
   constexpr GLushort kDashes = 0x0F0F;
@@ -24,7 +30,9 @@ void beginDirectXor(bool stippled, bool depthTested, float lineWidth, const Rgba
   setDirectColor(color);
 }
 
-void endDirectXor() { glPopAttrib(); }
+void endDirectXor() {
+  glPopAttrib();
+}
 
 void beginDirectSelect(std::span<std::uint32_t> buffer) {
   glSelectBuffer(static_cast<GLsizei>(buffer.size()), buffer.data());
@@ -32,10 +40,20 @@ void beginDirectSelect(std::span<std::uint32_t> buffer) {
   glInitNames();
 }
 
-int endDirectSelect() { return glRenderMode(GL_RENDER); }
-void initDirectNames() { glInitNames(); }
-void loadDirectName(std::uint32_t name) { glLoadName(name); }
-void pushDirectName(std::uint32_t name) { glPushName(name); }
-void popDirectName() { glPopName(); }
+int endDirectSelect() {
+  return glRenderMode(GL_RENDER);
+}
+void initDirectNames() {
+  glInitNames();
+}
+void loadDirectName(std::uint32_t name) {
+  glLoadName(name);
+}
+void pushDirectName(std::uint32_t name) {
+  glPushName(name);
+}
+void popDirectName() {
+  glPopName();
+}
 
 }  // namespace host::viewport

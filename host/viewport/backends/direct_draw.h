@@ -8,8 +8,8 @@
 
 namespace host::viewport {
 
-// State of the fixed-function pipeline, for who draws in a direct section without knowing OpenGL itself. Outside a
-// section, or without a driver, these do nothing.
+// State of the fixed-function pipeline, for who draws in a direct section without knowing OpenGL
+// itself. Outside a section, or without a driver, these do nothing.
 
 void setDirectColor(const Rgba& color);
 /// Lower left corner and size in pixels.
@@ -20,7 +20,8 @@ void beginDirectOverlay();
 void beginDirectXor(bool stippled, bool depthTested, float lineWidth, const Rgba& color);
 void endDirectXor();
 
-/// Lets what is drawn report hits into `buffer` instead of painting, as the pipeline's selection mode does.
+/// Lets what is drawn report hits into `buffer` instead of painting, as the pipeline's selection
+/// mode does.
 void beginDirectSelect(std::span<std::uint32_t> buffer);
 /// Ends that. @return the number of hit records, -1 when the buffer was too small
 [[nodiscard]] int endDirectSelect();

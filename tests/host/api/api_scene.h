@@ -43,7 +43,8 @@ struct ApiScene {
     MStringArray names;
     list.getSelectionStrings(names);
     std::string text;
-    for (unsigned int i = 0; i < names.length(); ++i) text += (i ? " " : "") + std::string(names[i].asChar());
+    for (unsigned int i = 0; i < names.length(); ++i)
+      text += (i ? " " : "") + std::string(names[i].asChar());
     return text;
   }
 

@@ -23,7 +23,9 @@
 
 namespace {
 
-bool isNear(const MVector& a, const MVector& b) { return (a - b).length() < 1e-9; }
+bool isNear(const MVector& a, const MVector& b) {
+  return (a - b).length() < 1e-9;
+}
 
 std::string namesOf(MItDag& iterator) {
   std::string names;
@@ -34,8 +36,10 @@ std::string namesOf(MItDag& iterator) {
 
 }  // namespace
 
-TEST_CASE_FIXTURE(ApiScene, "dependency nodes: names, plugs, attributes added and removed, connections") {
-  run("createNode transform -n a; createNode transform -n b; connectAttr a.tx b.ty; connectAttr a.tx b.tz;");
+TEST_CASE_FIXTURE(ApiScene,
+                  "dependency nodes: names, plugs, attributes added and removed, connections") {
+  run("createNode transform -n a; createNode transform -n b; connectAttr a.tx b.ty; connectAttr "
+      "a.tx b.tz;");
   MFnDependencyNode fn(node("a"));
   CHECK(std::string(fn.typeName().asChar()) == "transform");
   CHECK(std::string(fn.setName("b").asChar()) == "b1");  // the name is taken
@@ -50,7 +54,8 @@ TEST_CASE_FIXTURE(ApiScene, "dependency nodes: names, plugs, attributes added an
   CHECK(fn.findPlug("tx", true).connectedTo(ends, false, true));
   CHECK(ends.length() == 2);
   CHECK_FALSE(fn.findPlug("tx", true).isDestination());
-  CHECK(std::string(MFnDependencyNode(node("b")).findPlug("tz", true).source().name().asChar()) == "a.translateX");
+  CHECK(std::string(MFnDependencyNode(node("b")).findPlug("tz", true).source().name().asChar()) ==
+        "a.translateX");
 
   MFnNumericAttribute number;
   const MObject attribute = number.create("weightOfIt", "woi", MFnNumericData::kDouble, 0.25);
@@ -65,8 +70,10 @@ TEST_CASE_FIXTURE(ApiScene, "dependency nodes: names, plugs, attributes added an
   CHECK_FALSE(fn.hasAttribute("weightOfIt"));
 }
 
-TEST_CASE_FIXTURE(ApiScene, "transforms: spaces, orders, pivots and limits agree with the attributes") {
-  run("createNode transform -n upper; setAttr upper.t 10 0 0; setAttr upper.ry 90; setAttr upper.s 2 2 2;"
+TEST_CASE_FIXTURE(ApiScene,
+                  "transforms: spaces, orders, pivots and limits agree with the attributes") {
+  run("createNode transform -n upper; setAttr upper.t 10 0 0; setAttr upper.ry 90; setAttr upper.s "
+      "2 2 2;"
       "createNode transform -n lower -p upper; setAttr lower.t 1 2 3;");
   MFnTransform fn(path("lower"));
   CHECK(isNear(fn.getTranslation(MSpace::kTransform), MVector(1, 2, 3)));
@@ -106,7 +113,8 @@ TEST_CASE_FIXTURE(ApiScene, "transforms: spaces, orders, pivots and limits agree
   const MMatrix placed = fn.transformation().asMatrix();
   fn.setRotatePivot(MPoint(0, 5, 0), MSpace::kTransform, true);
   CHECK(fn.transformation().asMatrix().isEquivalent(placed, 1e-9));
-  CHECK(path("lower").inclusiveMatrix().isEquivalent(placed * path("upper").inclusiveMatrix(), 1e-9));
+  CHECK(
+      path("lower").inclusiveMatrix().isEquivalent(placed * path("upper").inclusiveMatrix(), 1e-9));
   fn.setRotatePivot(MPoint(0, 0, 9), MSpace::kTransform, false);
   CHECK_FALSE(fn.transformation().asMatrix().isEquivalent(placed, 1e-3));
 
@@ -171,12 +179,14 @@ TEST_CASE_FIXTURE(ApiScene, "iterators over the DAG and the graph") {
   run("polySoftEdge -a 30 box");
   MObject shape = node("boxShape");
   std::string up;
-  for (MItDependencyGraph it(shape, MFn::kInvalid, MItDependencyGraph::kUpstream); !it.isDone(); it.next())
+  for (MItDependencyGraph it(shape, MFn::kInvalid, MItDependencyGraph::kUpstream); !it.isDone();
+       it.next())
     up += std::string(MFnDependencyNode(it.currentItem()).typeName().asChar()) + " ";
   CHECK(up.find("mesh polySoftEdge polyCube") == 0);
   MObject cube = node("polyCube1");
   int found = 0;
-  for (MItDependencyGraph it(cube, MFn::kMesh); !it.isDone(); it.next()) found += it.currentItem() == shape;
+  for (MItDependencyGraph it(cube, MFn::kMesh); !it.isDone(); it.next())
+    found += it.currentItem() == shape;
   CHECK(found == 1);
 
   std::set<std::string> transforms;
@@ -187,7 +197,8 @@ TEST_CASE_FIXTURE(ApiScene, "iterators over the DAG and the graph") {
   CHECK(transforms.count("boxShape") == 0);
 }
 
-TEST_CASE_FIXTURE(ApiScene, "modifiers: all of a run or nothing, taken back and done again; handles follow") {
+TEST_CASE_FIXTURE(ApiScene,
+                  "modifiers: all of a run or nothing, taken back and done again; handles follow") {
   run("polyCube -n box -ch 0");
   const std::size_t before = session->document().hash();
   MDagModifier modifier;

@@ -62,7 +62,8 @@ TEST_CASE("components: sorted, each element once; complete ones name none") {
   CHECK_FALSE(MFnSingleIndexedComponent(list).create(MFn::kMesh).hasFn(MFn::kMesh));
 }
 
-TEST_CASE_FIXTURE(ApiScene, "selection lists: merging, removing, toggling and intersecting components") {
+TEST_CASE_FIXTURE(ApiScene,
+                  "selection lists: merging, removing, toggling and intersecting components") {
   run("polyCube -n box -ch 0; polyCube -n can -ch 0;");
   const MDagPath box = path("boxShape"), can = path("canShape");
   MSelectionList list;
@@ -172,7 +173,8 @@ TEST_CASE_FIXTURE(ApiScene, "typed attributes take data objects and give them ba
   MFnTypedAttribute typed;
   MFnPointArrayData points;
   MPointArray values(2, MPoint(1, 2, 3));
-  REQUIRE(fn.addAttribute(typed.create("places", "pls", MFnData::kPointArray, points.create(values))));
+  REQUIRE(
+      fn.addAttribute(typed.create("places", "pls", MFnData::kPointArray, points.create(values))));
   MObject data;
   MPlug plug = fn.findPlug("places", true);
   REQUIRE(plug.getValue(data));

@@ -21,7 +21,8 @@
 #include "host/mesh/check.h"
 #include "host/nodes/mesh_shape.h"
 
-// What hangs on a mesh, through the API: creating, UVs, normals, colours, and edits that can be taken back.
+// What hangs on a mesh, through the API: creating, UVs, normals, colours, and edits that can be
+// taken back.
 namespace {
 
 struct Scene {
@@ -61,7 +62,8 @@ MObject createStrip(MFnMesh& set, MObject parent = MObject::kNullObj, MStatus* s
 
 }  // namespace
 
-TEST_CASE("create: under a new transform, under a given one, and what does not fit together is refused") {
+TEST_CASE(
+    "create: under a new transform, under a given one, and what does not fit together is refused") {
   Scene scene;
   MFnMesh set;
   const MObject transform = createStrip(set);
@@ -76,9 +78,14 @@ TEST_CASE("create: under a new transform, under a given one, and what does not f
   MStatus status;
   MPointArray points(3);
   const int outside[] = {0, 1, 3};
-  CHECK(MFnMesh().create(3, 1, points, MIntArray(1, 3), MIntArray(outside, 3), MObject::kNullObj, &status).isNull());
+  CHECK(
+      MFnMesh()
+          .create(3, 1, points, MIntArray(1, 3), MIntArray(outside, 3), MObject::kNullObj, &status)
+          .isNull());
   CHECK(status != MStatus::kSuccess);
-  CHECK(MFnMesh().create(9, 1, points, MIntArray(1, 3), MIntArray(3, 0), MObject::kNullObj, &status).isNull());
+  CHECK(MFnMesh()
+            .create(9, 1, points, MIntArray(1, 3), MIntArray(3, 0), MObject::kNullObj, &status)
+            .isNull());
 
   MFnMesh copy;
   CHECK(copy.copy(transform).hasFn(MFn::kTransform));
@@ -93,7 +100,8 @@ TEST_CASE("addPolygon: reuses vertices within reach and only then") {
   MFnMesh set;
   createStrip(set);
   MPointArray corners;
-  for (const MPoint& p : {MPoint(2, 0, 0), MPoint(3, 0, 0), MPoint(3, 1, 0), MPoint(2, 1.0005, 0)}) corners.append(p);
+  for (const MPoint& p : {MPoint(2, 0, 0), MPoint(3, 0, 0), MPoint(3, 1, 0), MPoint(2, 1.0005, 0)})
+    corners.append(p);
   int face = -1;
   MStatus status;
   (void)set.addPolygon(corners, face, true, 1e-2, MObject::kNullObj, &status);
@@ -110,7 +118,8 @@ TEST_CASE("addPolygon: reuses vertices within reach and only then") {
   (void)scene.mesh("polySurfaceShape1");
 }
 
-TEST_CASE("UVs: what is assigned comes back, sets are apart, and halves of a face never lack theirs") {
+TEST_CASE(
+    "UVs: what is assigned comes back, sets are apart, and halves of a face never lack theirs") {
   Scene scene;
   MFnMesh set;
   createStrip(set);
@@ -129,7 +138,8 @@ TEST_CASE("UVs: what is assigned comes back, sets are apart, and halves of a fac
   CHECK(set.getPolygonUVid(1, 0, id) != MStatus::kSuccess);
   REQUIRE(set.assignUV(1, 2, 5));
   (void)scene.mesh("polySurfaceShape1");  // sound with one corner assigned
-  for (int local = 0; local < 4; ++local) REQUIRE(set.assignUV(1, local, local < 2 ? local + 1 : 7 - local));
+  for (int local = 0; local < 4; ++local)
+    REQUIRE(set.assignUV(1, local, local < 2 ? local + 1 : 7 - local));
   MIntArray shells;
   unsigned int shellCount = 0;
   REQUIRE(set.getUvShellsIds(shells, shellCount));
@@ -152,7 +162,9 @@ TEST_CASE("UVs: what is assigned comes back, sets are apart, and halves of a fac
 
 TEST_CASE("UV places: a point found by its UVs has them") {
   Scene scene;
-  scene.run("polySphere -name ball -sx 12 -sy 8; setAttr ball.scale -type double3 1 3 0.5; setAttr ball.rotateX 30;");
+  scene.run(
+      "polySphere -name ball -sx 12 -sy 8; setAttr ball.scale -type double3 1 3 0.5; setAttr "
+      "ball.rotateX 30;");
   const MFnMesh set(Scene::path("ball"));
   for (MItMeshPolygon face(Scene::path("ball")); !face.isDone(); face.next()) {
     MFloatArray us, vs;
@@ -176,7 +188,9 @@ TEST_CASE("UV places: a point found by its UVs has them") {
   }
 }
 
-TEST_CASE("normals: shared over smooth edges, apart over hard ones, ids agreeing with what corners show") {
+TEST_CASE(
+    "normals: shared over smooth edges, apart over hard ones, ids agreeing with what corners "
+    "show") {
   Scene scene;
   scene.run("polyCube -name box; polySphere -name ball -sx 8 -sy 6;");
   CHECK(MFnMesh(Scene::path("box")).numNormals() == 24);
@@ -189,14 +203,19 @@ TEST_CASE("normals: shared over smooth edges, apart over hard ones, ids agreeing
     for (MItMeshFaceVertex corner(Scene::path(name)); !corner.isDone(); corner.next()) {
       MVector shown;
       REQUIRE(set.getFaceVertexNormal(corner.faceId(), corner.vertId(), shown));
-      CHECK(shown.isEquivalent(MVector(normals[static_cast<unsigned int>(corner.normalId())]), 1e-6));
+      CHECK(
+          shown.isEquivalent(MVector(normals[static_cast<unsigned int>(corner.normalId())]), 1e-6));
     }
   }
 }
 
-TEST_CASE("normals: set in world space on a stretched mesh they read back, and unlocking restores the old ones") {
+TEST_CASE(
+    "normals: set in world space on a stretched mesh they read back, and unlocking restores the "
+    "old ones") {
   Scene scene;
-  scene.run("polyCube -name box; delete -ch box; setAttr box.scale -type double3 1 -2 4; setAttr box.rotateY 25;");
+  scene.run(
+      "polyCube -name box; delete -ch box; setAttr box.scale -type double3 1 -2 4; setAttr "
+      "box.rotateY 25;");
   MFnMesh set(Scene::path("box"));
   MVector before, after;
   REQUIRE(set.getFaceVertexNormal(0, 0, before, MSpace::kWorld));
@@ -214,7 +233,8 @@ TEST_CASE("normals: set in world space on a stretched mesh they read back, and u
   (void)scene.mesh("boxShape");
 }
 
-TEST_CASE("tangents: square on the normals, along growing u, right-handed unless the UVs are mirrored") {
+TEST_CASE(
+    "tangents: square on the normals, along growing u, right-handed unless the UVs are mirrored") {
   Scene scene;
   scene.run("polyPlane -name sheet -sx 2 -sy 2; delete -ch sheet;");
   MFnMesh set(Scene::path("sheet"));
@@ -257,7 +277,8 @@ TEST_CASE("colours: painted, averaged, unpainted; those without use go") {
 
 TEST_CASE("modifiers: an edit made through one is taken back by it") {
   Scene scene;
-  scene.run("polyPlane -name sheet -sx 2 -sy 2; polyPlane -name bare -sx 2 -sy 2; delete -ch bare;");
+  scene.run(
+      "polyPlane -name sheet -sx 2 -sy 2; polyPlane -name bare -sx 2 -sy 2; delete -ch bare;");
   for (const char* name : {"sheet", "bare"}) {
     CAPTURE(name);
     MFnMesh set(Scene::path(name));
@@ -273,8 +294,10 @@ TEST_CASE("modifiers: an edit made through one is taken back by it") {
 
 TEST_CASE("sets: a shape in parts of several shading groups lists them with their faces") {
   Scene scene;
-  scene.run("polyPlane -name sheet -sx 2 -sy 1; sets -renderable true -noSurfaceShader true -empty -name red;"
-            "sets -e -forceElement red sheet.f[1];");
+  scene.run(
+      "polyPlane -name sheet -sx 2 -sy 1; sets -renderable true -noSurfaceShader true -empty -name "
+      "red;"
+      "sets -e -forceElement red sheet.f[1];");
   const MFnMesh set(Scene::path("sheet"));
   MObjectArray shaders, sets, comps;
   MIntArray indices;
@@ -303,7 +326,8 @@ TEST_CASE("MFnMesh: split, edge extrusion, copies and extraction of faces edit t
   MDagPath path;
   list.getDagPath(0, path);
   MFnMesh fn(path);
-  const int places[] = {MFnMesh::kOnEdge, MFnMesh::kInternalPoint, MFnMesh::kOnEdge}, edges[] = {0, 3};
+  const int places[] = {MFnMesh::kOnEdge, MFnMesh::kInternalPoint, MFnMesh::kOnEdge},
+            edges[] = {0, 3};
   const float factors[] = {0.5F, 0.5F};
   MFloatPointArray inside;
   inside.append(MFloatPoint(0.1F, 0, 0));
@@ -347,5 +371,6 @@ TEST_CASE("MFnMesh: an edit through a modifier takes tweaks along and gives them
   CHECK(point.y == doctest::Approx(3));
   REQUIRE(modifier.undoIt());
   CHECK(session->document().hash() == before);
-  CHECK(session->document().graph().elementCount(session->document().nodesNamed("pShape").front()->plug("pnts")) == 1);
+  CHECK(session->document().graph().elementCount(
+            session->document().nodesNamed("pShape").front()->plug("pnts")) == 1);
 }

@@ -17,7 +17,8 @@
 #include "host/math/ray.h"
 #include "tests/zoo/mesh_zoo.h"
 
-// Rays, closest points and triangles, against scans over all triangles in the space that was asked about.
+// Rays, closest points and triangles, against scans over all triangles in the space that was asked
+// about.
 namespace {
 
 struct Scene {
@@ -38,7 +39,8 @@ struct Scene {
     const MObject transform =
         MFnMesh().create(mesh.vertexCount(), mesh.faceCount(), points,
                          MIntArray(counts.data(), static_cast<unsigned int>(counts.size())),
-                         MIntArray(corners.data(), static_cast<unsigned int>(corners.size())), MObject::kNullObj, &status);
+                         MIntArray(corners.data(), static_cast<unsigned int>(corners.size())),
+                         MObject::kNullObj, &status);
     REQUIRE(status);
     MDagPath path;
     REQUIRE(MDagPath::getAPathTo(transform, path));
@@ -50,9 +52,11 @@ struct Scene {
 };
 
 constexpr const char* kPoses[] = {
-    "", "setAttr shape.translate -type double3 5 -3 2; setAttr shape.rotate -type double3 20 30 40;",
+    "",
+    "setAttr shape.translate -type double3 5 -3 2; setAttr shape.rotate -type double3 20 30 40;",
     "setAttr shape.scale -type double3 3 0.2 1; setAttr shape.rotate -type double3 20 30 40;",
-    "setAttr shape.scale -type double3 -1 2 0.5; setAttr shape.shearXZ 0.7; setAttr shape.translateX 1000;",
+    "setAttr shape.scale -type double3 -1 2 0.5; setAttr shape.shearXZ 0.7; setAttr "
+    "shape.translateX 1000;",
     "setAttr shape.scale -type double3 1 0 1;"};
 
 /// All triangles of a mesh in world space, face by face.
@@ -86,11 +90,14 @@ struct Triangles {
   }
 };
 
-host::math::Vec3 vec(const MPoint& p) { return {p.x, p.y, p.z}; }
+host::math::Vec3 vec(const MPoint& p) {
+  return {p.x, p.y, p.z};
+}
 
 }  // namespace
 
-TEST_CASE("closest point: right in world space, stretched, mirrored, sheared and flattened spaces too") {
+TEST_CASE(
+    "closest point: right in world space, stretched, mirrored, sheared and flattened spaces too") {
   Scene scene;
   std::mt19937 random(5);
   std::uniform_real_distribution<double> wide(-4, 4);
@@ -122,7 +129,9 @@ TEST_CASE("closest point: right in world space, stretched, mirrored, sheared and
 
 TEST_CASE("closest normal: across the surface in world space") {
   Scene scene;
-  const MFnMesh mesh(scene.shape(host::zoo::gridMesh(3, 3), "setAttr shape.scale -type double3 1 1 -2; setAttr shape.rotateZ 30;"));
+  const MFnMesh mesh(
+      scene.shape(host::zoo::gridMesh(3, 3),
+                  "setAttr shape.scale -type double3 1 1 -2; setAttr shape.rotateZ 30;"));
   MPoint point;
   MVector normal;
   REQUIRE(mesh.getClosestPointAndNormal(MPoint(1, 3, -1), point, normal, MSpace::kWorld));
@@ -142,7 +151,8 @@ TEST_CASE("intersections: all hits of a scan, parameters counting in lengths of 
     REQUIRE(mesh.getPoints(points, MSpace::kWorld));
     for (int i = 0; i < 60; ++i) {
       const MPoint& target = points[static_cast<unsigned int>(i)];
-      const MFloatPoint from(static_cast<float>(target.x) + wide(random), static_cast<float>(target.y) + wide(random),
+      const MFloatPoint from(static_cast<float>(target.x) + wide(random),
+                             static_cast<float>(target.y) + wide(random),
                              static_cast<float>(target.z) + wide(random));
       const MFloatVector along(0.5F * (static_cast<float>(target.x) - from.x) + 0.01F,
                                0.5F * (static_cast<float>(target.y) - from.y),
@@ -151,7 +161,8 @@ TEST_CASE("intersections: all hits of a scan, parameters counting in lengths of 
       std::vector<double> expected;
       double nearest = 1e300;
       for (const auto& t : triangles.corners)
-        if (const auto hit = host::math::intersectTriangle(ray, t[0], t[1], t[2]); hit && std::fabs(hit->t) <= 50) {
+        if (const auto hit = host::math::intersectTriangle(ray, t[0], t[1], t[2]);
+            hit && std::fabs(hit->t) <= 50) {
           expected.push_back(hit->t);
           if (std::fabs(hit->t) < std::fabs(nearest)) nearest = hit->t;
         }
@@ -159,12 +170,13 @@ TEST_CASE("intersections: all hits of a scan, parameters counting in lengths of 
       MFloatPointArray hits;
       MFloatArray params, bary1, bary2;
       MIntArray faces, numbers;
-      mesh.allIntersections(from, along, nullptr, nullptr, false, MSpace::kWorld, 50, true, nullptr, true, hits,
-                            &params, &faces, &numbers, &bary1, &bary2);
+      mesh.allIntersections(from, along, nullptr, nullptr, false, MSpace::kWorld, 50, true, nullptr,
+                            true, hits, &params, &faces, &numbers, &bary1, &bary2);
       CHECK(hits.length() == doctest::Approx(static_cast<double>(expected.size())).epsilon(0.001));
       for (unsigned int k = 0; k < std::min<std::size_t>(hits.length(), expected.size()); ++k) {
         CHECK(static_cast<double>(params[k]) == doctest::Approx(expected[k]).epsilon(1e-3));
-        // The weights belong to the first two corners of the triangle that the mesh lists under that number.
+        // The weights belong to the first two corners of the triangle that the mesh lists under
+        // that number.
         std::size_t row = 0;
         while (triangles.faces[row] != faces[k] || triangles.numbers[row] != numbers[k]) ++row;
         const auto& t = triangles.corners[row];
@@ -174,10 +186,13 @@ TEST_CASE("intersections: all hits of a scan, parameters counting in lengths of 
       }
       MFloatPoint hit;
       float param = 0;
-      const bool isHit = mesh.closestIntersection(from, along, nullptr, nullptr, false, MSpace::kWorld, 50, true,
-                                                  nullptr, hit, &param, nullptr, nullptr, nullptr, nullptr);
+      const bool isHit =
+          mesh.closestIntersection(from, along, nullptr, nullptr, false, MSpace::kWorld, 50, true,
+                                   nullptr, hit, &param, nullptr, nullptr, nullptr, nullptr);
       CHECK(isHit == !expected.empty());
-      if (isHit) CHECK(std::fabs(static_cast<double>(param)) == doctest::Approx(std::fabs(nearest)).epsilon(1e-3));
+      if (isHit)
+        CHECK(std::fabs(static_cast<double>(param)) ==
+              doctest::Approx(std::fabs(nearest)).epsilon(1e-3));
     }
   }
 }
@@ -187,13 +202,14 @@ TEST_CASE("intersections: face and triangle lists narrow the search, the reach e
   const MFnMesh mesh(scene.shape(host::zoo::zooMesh("cube"), ""));
   MPointArray points;
   MIntArray faces;
-  REQUIRE(mesh.intersect(MPoint(0.1, 0.2, 9), MVector(0, 0, -1), points, 1e-3, MSpace::kObject, &faces));
+  REQUIRE(mesh.intersect(MPoint(0.1, 0.2, 9), MVector(0, 0, -1), points, 1e-3, MSpace::kObject,
+                         &faces));
   REQUIRE(points.length() == 2);
   const auto hits = [&](const MIntArray* list, const MIntArray* triangles, float reach, int& face) {
     MFloatPoint hit;
-    return mesh.closestIntersection(MFloatPoint(0.1F, 0.2F, 9), MFloatVector(0, 0, -1), list, triangles, false,
-                                    MSpace::kObject, reach, false, nullptr, hit, nullptr, &face, nullptr, nullptr,
-                                    nullptr);
+    return mesh.closestIntersection(MFloatPoint(0.1F, 0.2F, 9), MFloatVector(0, 0, -1), list,
+                                    triangles, false, MSpace::kObject, reach, false, nullptr, hit,
+                                    nullptr, &face, nullptr, nullptr, nullptr);
   };
   int face = -1;
   CHECK(hits(nullptr, nullptr, 100, face));
@@ -208,15 +224,18 @@ TEST_CASE("intersections: face and triangle lists narrow the search, the reach e
   CHECK_FALSE(hits(&none, nullptr, 100, face));
 }
 
-TEST_CASE("queries: one function set sees every change of its mesh, its place, and what it is attached to") {
+TEST_CASE(
+    "queries: one function set sees every change of its mesh, its place, and what it is attached "
+    "to") {
   Scene scene;
   const MDagPath path = scene.shape(host::zoo::gridMesh(4, 4), "");
   const MObject node = path.node();
   MFnMesh set(path);
   const auto heightAt = [&](MSpace::Space space) {
     MFloatPoint hit;
-    const bool isHit = set.closestIntersection(MFloatPoint(1.5F, 50, -1.5F), MFloatVector(0, -1, 0), nullptr, nullptr, false,
-                                               space, 1e6F, false, nullptr, hit, nullptr, nullptr, nullptr, nullptr, nullptr);
+    const bool isHit = set.closestIntersection(MFloatPoint(1.5F, 50, -1.5F), MFloatVector(0, -1, 0),
+                                               nullptr, nullptr, false, space, 1e6F, false, nullptr,
+                                               hit, nullptr, nullptr, nullptr, nullptr, nullptr);
     MPoint closest;
     if (!isHit) return -1000.0F;
     REQUIRE(set.getClosestPoint(MPoint(1.5, 50, -1.5), closest, space));

@@ -1,5 +1,4 @@
 #include <doctest/doctest.h>
-
 #include <maya/MDGMessage.h>
 #include <maya/MDagModifier.h>
 #include <maya/MFnDagNode.h>
@@ -23,10 +22,18 @@ std::vector<std::string>& heard() {
   static std::vector<std::string> all;
   return all;
 }
-void onAdded(MObject& node, void*) { heard().push_back(MFnDagNode(node).fullPathName().asChar()); }
-void onSelection(void*) { heard().push_back("selection"); }
-void onUser(void* data) { heard().push_back(*static_cast<std::string*>(data)); }
-void onTimer(float elapsed, float, void*) { heard().push_back(std::to_string(static_cast<int>(elapsed * 10))); }
+void onAdded(MObject& node, void*) {
+  heard().push_back(MFnDagNode(node).fullPathName().asChar());
+}
+void onSelection(void*) {
+  heard().push_back("selection");
+}
+void onUser(void* data) {
+  heard().push_back(*static_cast<std::string*>(data));
+}
+void onTimer(float elapsed, float, void*) {
+  heard().push_back(std::to_string(static_cast<int>(elapsed * 10)));
+}
 
 }  // namespace
 
@@ -36,10 +43,13 @@ TEST_CASE("messages: nodes with their place, selection, user events and stepped 
   MCallbackIdArray ids;
   ids.append(MDGMessage::addNodeAddedCallback(onAdded, "transform"));
   ids.append(MModelMessage::addCallback(MModelMessage::kActiveListModified, onSelection));
-  REQUIRE(session->executeLine("createNode transform -n outer; select -cl; createNode transform -n low -p outer; select -cl"));
+  REQUIRE(
+      session->executeLine("createNode transform -n outer; select -cl; createNode transform -n low "
+                           "-p outer; select -cl"));
   REQUIRE(heard().size() >= 2);
   CHECK(heard().front() == "|outer");
-  CHECK(std::find(heard().begin(), heard().end(), "|outer|low") > std::find(heard().begin(), heard().end(), "selection"));
+  CHECK(std::find(heard().begin(), heard().end(), "|outer|low") >
+        std::find(heard().begin(), heard().end(), "selection"));
 
   heard().clear();
   std::string text = "posted";

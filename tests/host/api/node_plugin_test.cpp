@@ -31,8 +31,9 @@ struct Plugged {
   double number(const std::string& text) { return run(text).toFloat().value_or(-1e9); }
   bool fails(const std::string& text) { return !session->executeLine(text); }
   [[nodiscard]] bool wasSaid(const std::string& part) const {
-    return std::any_of(messages.begin(), messages.end(),
-                       [&](const std::string& text) { return text.find(part) != std::string::npos; });
+    return std::any_of(messages.begin(), messages.end(), [&](const std::string& text) {
+      return text.find(part) != std::string::npos;
+    });
   }
 };
 
@@ -53,7 +54,8 @@ TEST_CASE_FIXTURE(Plugged, "plug-in node: outputs follow inputs, elements and tr
   CHECK(number("getAttr t.sum") == 20);
 }
 
-TEST_CASE_FIXTURE(Plugged, "plug-in node: dirtiness beyond the declared, internal values, vetoes, exceptions") {
+TEST_CASE_FIXTURE(
+    Plugged, "plug-in node: dirtiness beyond the declared, internal values, vetoes, exceptions") {
   run("createNode sumNode -n s");
   CHECK(run("getAttr s.echo").toText() == "made 0");
   run("setAttr s.untracked 4");

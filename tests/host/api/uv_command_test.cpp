@@ -14,7 +14,8 @@ struct Uvs {
   std::unique_ptr<cmd::Session> session = api::makeHostSession();
   std::string messages;
   Uvs() {
-    setMessageSink([this](MessageKind, std::string_view text) { messages += std::string(text) + "\n"; });
+    setMessageSink(
+        [this](MessageKind, std::string_view text) { messages += std::string(text) + "\n"; });
     REQUIRE(session->pluginLoader->load(QXMT_BINARY_DIR "/test_plugins/uv_command.so"));
     run("polyPlane -n a -sx 1 -sy 1; polyPlane -n b -sx 1 -sy 1;");
   }
@@ -38,7 +39,8 @@ struct Uvs {
 
 }  // namespace
 
-TEST_CASE_FIXTURE(Uvs, "UV command: moves the selected UVs through a node, undo and redo are whole") {
+TEST_CASE_FIXTURE(Uvs,
+                  "UV command: moves the selected UVs through a node, undo and redo are whole") {
   run("select -r a.map[1] b");
   const std::size_t before = session->document().hash();
   run("shiftUVs -by 2 -n mine");
@@ -54,7 +56,8 @@ TEST_CASE_FIXTURE(Uvs, "UV command: moves the selected UVs through a node, undo 
   CHECK(box("a") == std::vector<double>{0, 1, 0, 1});
 }
 
-TEST_CASE_FIXTURE(Uvs, "UV command: named objects, no history, and a bad answer leaves every mesh as it was") {
+TEST_CASE_FIXTURE(
+    Uvs, "UV command: named objects, no history, and a bad answer leaves every mesh as it was") {
   run("delete -ch a; shiftUVs -by 1 -ch 0 a.map[0:3]");
   CHECK(box("a") == std::vector<double>{1, 2, 0, 1});
   CHECK(run("size(`listHistory a`)").toText() == "1");

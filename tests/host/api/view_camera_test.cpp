@@ -58,7 +58,8 @@ TEST_CASE("pixels and world points map back and forth, in perspective and straig
   MPoint nearPoint, farPoint;
   REQUIRE(view.viewToWorld(400, 250, nearPoint, farPoint));
   const MPoint eye = MFnCamera(camera).eyePoint(MSpace::kWorld);
-  CHECK((nearPoint - eye).length() == doctest::Approx(MFnCamera(camera).nearClippingPlane()).epsilon(0.01));
+  CHECK((nearPoint - eye).length() ==
+        doctest::Approx(MFnCamera(camera).nearClippingPlane()).epsilon(0.01));
   const MPoint behind = eye + (eye - nearPoint) * 100;
   short x = 0, y = 0;
   CHECK_FALSE(view.worldToView(behind, x, y));
@@ -87,14 +88,16 @@ TEST_CASE("views are named by their panels; one that is gone answers with failur
 TEST_CASE("a click picks the object in front, a rectangle the vertices inside") {
   const auto session = makeHostSession();
   session->service<builtins::Views>().active().port = {800, 500};
-  REQUIRE(session->executeLine("polyCube -name box; polyCube -name far; move -r -50 -50 -50 far; select -cl"));
+  REQUIRE(session->executeLine(
+      "polyCube -name box; polyCube -name far; move -r -50 -50 -50 far; select -cl"));
   REQUIRE(MGlobal::selectFromScreen(400, 250, MGlobal::kReplaceList));
   REQUIRE(selectionNames().length() == 1);
   CHECK(selectionNames()[0] == "box");
   REQUIRE(MGlobal::selectFromScreen(5, 5, MGlobal::kReplaceList));
   CHECK(selectionNames().length() == 0);
 
-  REQUIRE(session->executeLine("hilite box; selectMode -component; selectType -alc false; selectType -vertex true"));
+  REQUIRE(session->executeLine(
+      "hilite box; selectMode -component; selectType -alc false; selectType -vertex true"));
   CHECK(MGlobal::componentSelectionMask().intersects(MSelectionMask::kSelectMeshVerts));
   CHECK_FALSE(MGlobal::componentSelectionMask().intersects(MSelectionMask::kSelectMeshFaces));
   short x = 0, y = 0;
@@ -106,7 +109,8 @@ TEST_CASE("a click picks the object in front, a rectangle the vertices inside") 
   MSelectionList list;
   MGlobal::getActiveSelectionList(list);
   REQUIRE(list.length() == 1);
-  CHECK(session->executeLine("size(`filterExpand -sm 31`)")->toInt().value() == 7);  // one corner is hidden
+  CHECK(session->executeLine("size(`filterExpand -sm 31`)")->toInt().value() ==
+        7);  // one corner is hidden
 }
 
 }  // namespace

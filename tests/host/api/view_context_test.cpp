@@ -54,7 +54,8 @@ class StrokeContext final : public MPxSelectionContext {
   void toolOnSetup(MEvent&) override { setHelpString("Drag"); }
   MStatus doPress(MEvent& event) override {
     short y = 0;
-    if (event.isModifierControl() && event.mouseButton() == MEvent::kMiddleMouse) throw std::runtime_error("no");
+    if (event.isModifierControl() && event.mouseButton() == MEvent::kMiddleMouse)
+      throw std::runtime_error("no");
     return event.getPosition(start, y);
   }
   MStatus doRelease(MEvent& event) override {
@@ -65,7 +66,8 @@ class StrokeContext final : public MPxSelectionContext {
     command->redoIt();
     return command->finalize();
   }
-  MStatus doPtrMoved(MEvent& event, MHWRender::MUIDrawManager& drawMgr, const MHWRender::MFrameContext&) override {
+  MStatus doPtrMoved(MEvent& event, MHWRender::MUIDrawManager& drawMgr,
+                     const MHWRender::MFrameContext&) override {
     short x = 0, y = 0;
     event.getPosition(x, y);
     drawMgr.beginDrawable();
@@ -91,7 +93,9 @@ class StrokeContextCommand final : public MPxContextCommand {
     if (given.isFlagSet("-w")) given.getFlagArgument("-w", 0, context->width);
     return MS::kSuccess;
   }
-  MStatus doQueryFlags() override { return parser().isFlagSet("-w") ? setResult(context->width) : MStatus(MS::kFailure); }
+  MStatus doQueryFlags() override {
+    return parser().isFlagSet("-w") ? setResult(context->width) : MStatus(MS::kFailure);
+  }
   StrokeContext* context = nullptr;
 };
 
@@ -100,8 +104,8 @@ struct Fixture {
     record->info.name = "strokes";
     const MObject object = Access::make<MObject>(new PluginRep(record));
     MFnPlugin plugin(object);
-    REQUIRE(plugin.registerContextCommand("strokeContext", StrokeContextCommand::creator, "strokeCmd",
-                                          StrokeCommand::creator));
+    REQUIRE(plugin.registerContextCommand("strokeContext", StrokeContextCommand::creator,
+                                          "strokeCmd", StrokeCommand::creator));
   }
   ~Fixture() {
     session->undo().flush();
@@ -113,7 +117,8 @@ struct Fixture {
     REQUIRE_MESSAGE(value.has_value(), line);
     return *value;
   }
-  void mouse(tools::InputKind kind, double x, tools::MouseButton button = tools::MouseButton::Left) {
+  void mouse(tools::InputKind kind, double x,
+             tools::MouseButton button = tools::MouseButton::Left) {
     tools::InputEvent event;
     event.kind = kind;
     event.position = {x, 50};
@@ -156,7 +161,9 @@ TEST_CASE_FIXTURE(Fixture, "a gesture runs the tool's command, which undo takes 
   CHECK(run("objExists stroke5").intValue() == 1);
 }
 
-TEST_CASE_FIXTURE(Fixture, "the built-in tools select with a click and move what is selected along with the pointer") {
+TEST_CASE_FIXTURE(
+    Fixture,
+    "the built-in tools select with a click and move what is selected along with the pointer") {
   run("polyCube -name box; select -cl; setToolTo moveSuperContext");
   builtins::View& view = session->service<builtins::Views>().active();
   const double middle = view.port.width / 2.0;
@@ -175,8 +182,9 @@ TEST_CASE_FIXTURE(Fixture, "the built-in tools select with a click and move what
   drag(middle + 80, view.port.height / 2.0 + 30, tools::MouseButton::Middle);
   const auto scene = builtins::gatherView(session->document(), view);
   REQUIRE(scene);
-  const auto at = viewport::ViewProjection(scene->camera, scene->port)
-                      .worldToView(math::transformPoint(math::Vec3{0, 0, 0}, scene->meshes[0].world));
+  const auto at =
+      viewport::ViewProjection(scene->camera, scene->port)
+          .worldToView(math::transformPoint(math::Vec3{0, 0, 0}, scene->meshes[0].world));
   CHECK(at.x == doctest::Approx(middle + 80).epsilon(0.001));
   CHECK(at.y == doctest::Approx(view.port.height / 2.0 + 30).epsilon(0.001));
   run("undo; undo");
@@ -211,7 +219,8 @@ TEST_CASE_FIXTURE(Fixture, "what a tool throws is reported; unloading leaves no 
     CHECK(messages.text(MessageKind::Error).find("Stroke Tool") != std::string::npos);
   }
   MFnPlugin plugin(Access::make<MObject>(new PluginRep(record)));
-  CHECK(plugin.registerContextCommand("strokeContext", StrokeContextCommand::creator) == MS::kFailure);
+  CHECK(plugin.registerContextCommand("strokeContext", StrokeContextCommand::creator) ==
+        MS::kFailure);
   CHECK(plugin.deregisterContextCommand("strokeContext", "strokeCmd"));
   CHECK_FALSE(plugin.deregisterContextCommand("strokeContext"));
   CHECK(run("currentCtx").string() == "selectSuperContext");

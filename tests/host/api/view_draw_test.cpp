@@ -29,7 +29,8 @@ class OldMarker final : public MPxLocatorNode {
  public:
   static void* creator() { return new OldMarker; }
   static MStatus initialize() { return MS::kSuccess; }
-  void draw(M3dView& view, const MDagPath&, M3dView::DisplayStyle, M3dView::DisplayStatus status) override {
+  void draw(M3dView& view, const MDagPath&, M3dView::DisplayStyle,
+            M3dView::DisplayStatus status) override {
     ++draws;
     lastStatus = status;
     if (!view.beginGL()) return;
@@ -64,8 +65,8 @@ class MarkerOverride final : public MHWRender::MPxDrawOverride {
     data->color = MHWRender::MGeometryUtilities::wireframeColor(path);
     return data;
   }
-  void addUIDrawables(const MDagPath&, MHWRender::MUIDrawManager& drawer, const MHWRender::MFrameContext& frame,
-                      const MUserData* data) override {
+  void addUIDrawables(const MDagPath&, MHWRender::MUIDrawManager& drawer,
+                      const MHWRender::MFrameContext& frame, const MUserData* data) override {
     double x = 0, y = 0;
     drawer.beginDrawable();
     drawer.setColor(static_cast<const Prepared*>(data)->color);
@@ -83,17 +84,21 @@ struct Fixture {
     const MString drawn("drawdb/geometry/testMarker"), old("drawdb/geometry/oldMarker");
     REQUIRE(plugin.registerNode("testMarker", MTypeId(0x70001), Marker::creator, Marker::initialize,
                                 MPxNode::kLocatorNode, &drawn));
-    REQUIRE(plugin.registerNode("oldMarker", MTypeId(0x70002), OldMarker::creator, OldMarker::initialize,
-                                MPxNode::kLocatorNode, &old));
-    REQUIRE(MHWRender::MDrawRegistry::registerDrawOverrideCreator(drawn, "markers", MarkerOverride::creator));
+    REQUIRE(plugin.registerNode("oldMarker", MTypeId(0x70002), OldMarker::creator,
+                                OldMarker::initialize, MPxNode::kLocatorNode, &old));
+    REQUIRE(MHWRender::MDrawRegistry::registerDrawOverrideCreator(drawn, "markers",
+                                                                  MarkerOverride::creator));
   }
   ~Fixture() {
-    MHWRender::MDrawRegistry::deregisterDrawOverrideCreator("drawdb/geometry/testMarker", "markers");
+    MHWRender::MDrawRegistry::deregisterDrawOverrideCreator("drawdb/geometry/testMarker",
+                                                            "markers");
     CHECK(preparedAlive == 0);
     session->newScene();
     record->removeAll();
   }
-  void run(const std::string& line) { REQUIRE_MESSAGE(session->executeLine(line).has_value(), line); }
+  void run(const std::string& line) {
+    REQUIRE_MESSAGE(session->executeLine(line).has_value(), line);
+  }
   viewport::SceneView gather() {
     auto& views = session->service<builtins::Views>();
     auto scene = builtins::gatherView(session->document(), views, views.active());
@@ -113,7 +118,8 @@ MDagPath pathNamed(const char* name) {
 }
 
 TEST_CASE_FIXTURE(Fixture, "a draw override's items stand in the view where its node stands") {
-  run("createNode transform -n where; move 2 0 0 where; createNode testMarker -p where -n mark; select -cl");
+  run("createNode transform -n where; move 2 0 0 where; createNode testMarker -p where -n mark; "
+      "select -cl");
   viewport::SceneView scene = gather();
   REQUIRE(scene.extra.items.size() == 1);
   CHECK(scene.extra.texts.size() == 1);
@@ -137,8 +143,10 @@ TEST_CASE_FIXTURE(Fixture, "a draw override's items stand in the view where its 
   CHECK(preparedAlive == 0);
 }
 
-TEST_CASE_FIXTURE(Fixture, "pictures show plug-ins' locators, by override and by their own drawing") {
-  run("createNode transform -n a; move 2 0 0 a; createNode testMarker -p a; createNode oldMarker; select -cl");
+TEST_CASE_FIXTURE(Fixture,
+                  "pictures show plug-ins' locators, by override and by their own drawing") {
+  run("createNode transform -n a; move 2 0 0 a; createNode testMarker -p a; createNode oldMarker; "
+      "select -cl");
   auto& views = session->service<builtins::Views>();
   views.setActive("modelPanel3");  // from the front
   callbacks = OldMarker::draws = 0;
@@ -160,12 +168,15 @@ TEST_CASE_FIXTURE(Fixture, "pictures show plug-ins' locators, by override and by
   CHECK(greens > 20);
 }
 
-TEST_CASE_FIXTURE(Fixture, "draw overrides are registered once and found by the longest classification") {
+TEST_CASE_FIXTURE(Fixture,
+                  "draw overrides are registered once and found by the longest classification") {
   using MHWRender::MDrawRegistry;
-  CHECK(MDrawRegistry::registerDrawOverrideCreator("drawdb/geometry/testMarker", "markers", MarkerOverride::creator) ==
+  CHECK(MDrawRegistry::registerDrawOverrideCreator("drawdb/geometry/testMarker", "markers",
+                                                   MarkerOverride::creator) == MS::kFailure);
+  CHECK(MDrawRegistry::deregisterDrawOverrideCreator("drawdb/geometry/none", "markers") ==
         MS::kFailure);
-  CHECK(MDrawRegistry::deregisterDrawOverrideCreator("drawdb/geometry/none", "markers") == MS::kFailure);
-  REQUIRE(MDrawRegistry::registerDrawOverrideCreator("drawdb/geometry/testMarker/sub", "more", MarkerOverride::creator));
+  REQUIRE(MDrawRegistry::registerDrawOverrideCreator("drawdb/geometry/testMarker/sub", "more",
+                                                     MarkerOverride::creator));
   const auto registrantOf = [](const char* classification) {
     const auto* entry = drawRegistry().find(classification);
     return entry ? entry->registrant : std::string();

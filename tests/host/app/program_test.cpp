@@ -113,7 +113,8 @@ TEST_CASE("quit leaves with its status, from a line, a script, deferred work and
   CHECK(byInput.status == 4);
   CHECK(byInput.output.empty());
   // What stands behind it doesn't run, and that is no error.
-  const Outcome cut = run({"--no-module", "-c", "print \"a\"; quit -ec 5; createNode transform; print \"b\""});
+  const Outcome cut =
+      run({"--no-module", "-c", "print \"a\"; quit -ec 5; createNode transform; print \"b\""});
   CHECK(cut.status == 5);
   CHECK(cut.output == "a");
   CHECK(cut.errors.empty());

@@ -9,10 +9,12 @@ using namespace host;
 namespace {
 
 std::vector<std::string> shown(cmd::Session& session, const char* panel) {
-  const auto scene = builtins::gatherView(session.document(), *session.service<builtins::Views>().find(panel));
+  const auto scene =
+      builtins::gatherView(session.document(), *session.service<builtins::Views>().find(panel));
   REQUIRE(scene);
   std::vector<std::string> names;
-  for (const viewport::RenderMesh& mesh : scene->meshes) names.push_back(mesh.name.substr(1, mesh.name.find('|', 1) - 1));
+  for (const viewport::RenderMesh& mesh : scene->meshes)
+    names.push_back(mesh.name.substr(1, mesh.name.find('|', 1) - 1));
   return names;
 }
 
@@ -22,7 +24,8 @@ TEST_CASE("a panel that isolates shows its objects and what hangs under them; ot
   using Names = std::vector<std::string>;
   const auto session = builtins::makeSession();
   const auto run = [&](const char* mel) { REQUIRE(session->executeLine(mel)); };
-  run("polyCube -n one; polyCube -n two; polyCube -n three; group -n above three; select one; isolateSelect -s 1 modelPanel4");
+  run("polyCube -n one; polyCube -n two; polyCube -n three; group -n above three; select one; "
+      "isolateSelect -s 1 modelPanel4");
   CHECK(shown(*session, "modelPanel4") == Names{"one"});
   CHECK(shown(*session, "modelPanel1").size() == 3);
   run("isolateSelect -ado \"above\" modelPanel4");

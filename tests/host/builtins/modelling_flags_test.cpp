@@ -1,4 +1,5 @@
-// Every flag of the modelling commands reads its node's attribute and writes it back as it was, in units of one's own.
+// Every flag of the modelling commands reads its node's attribute and writes it back as it was, in
+// units of one's own.
 #include <doctest/doctest.h>
 
 #include <cmath>

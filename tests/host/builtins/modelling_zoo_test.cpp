@@ -1,5 +1,6 @@
-// Every modelling command over the zoo with random components: the mesh stays sound, what is selected exists, undo and
-// redo are exact, a disabled node passes through, deleted history bakes, and a refusal changes nothing.
+// Every modelling command over the zoo with random components: the mesh stays sound, what is
+// selected exists, undo and redo are exact, a disabled node passes through, deleted history bakes,
+// and a refusal changes nothing.
 #include <doctest/doctest.h>
 
 #include <random>
@@ -18,8 +19,9 @@ using namespace host;
 namespace {
 
 struct Trial {
-  const char* text;       ///< the command; it works on the selection
-  const char* component;  ///< what is selected: some "f", "e", "vtx" or "e vtx", or all "border" edges
+  const char* text;  ///< the command; it works on the selection
+  const char*
+      component;  ///< what is selected: some "f", "e", "vtx" or "e vtx", or all "border" edges
 };
 
 const Trial kTrials[] = {
@@ -135,7 +137,8 @@ void requireSound(const mesh::Mesh& mesh) {
 
 /// The mesh without the last node, and with its result baked.
 void checkNodeAndBake(ZooScene& scene, std::uint64_t before, std::uint64_t after) {
-  const std::string last = "string $h[] = `listHistory -pdo 1 zoo`; setAttr ($h[0] + \".nodeState\") ";
+  const std::string last =
+      "string $h[] = `listHistory -pdo 1 zoo`; setAttr ($h[0] + \".nodeState\") ";
   REQUIRE(scene.run(last + "1"));
   CHECK(scene.meshHash() == before);
   REQUIRE(scene.run(last + "0"));

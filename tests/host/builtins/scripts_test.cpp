@@ -1,5 +1,6 @@
-// Runs the scripts of tests/scripts/commands, each in a session of its own; every section is one command line. After the
-// last one everything is undone and redone: the document must come back to the bit, both ways.
+// Runs the scripts of tests/scripts/commands, each in a session of its own; every section is one
+// command line. After the last one everything is undone and redone: the document must come back to
+// the bit, both ways.
 #include <doctest/doctest.h>
 
 #include <cstdlib>
@@ -18,7 +19,8 @@ std::vector<script_test::Expectation> runSection(cmd::Session& session, const st
   std::string printed;
   const MessageSink before = setMessageSink([&](MessageKind kind, std::string_view message) {
     if (kind == MessageKind::Print) printed += message;
-    if (kind == MessageKind::Error) said.push_back(script_test::errorSaid(std::string(message), file));
+    if (kind == MessageKind::Error)
+      said.push_back(script_test::errorSaid(std::string(message), file));
     if (kind == MessageKind::Warning) said.push_back({'?', 0, std::string(message)});
   });
   cmd::ExecuteOptions options;
@@ -55,7 +57,8 @@ void checkUndoOfAll(cmd::Session& session) {
 }  // namespace
 
 TEST_CASE("every command script does what its comments say, and undo takes all of it back") {
-  const std::filesystem::path scratch = std::filesystem::path(QXMT_BINARY_DIR) / "command_test_files";
+  const std::filesystem::path scratch =
+      std::filesystem::path(QXMT_BINARY_DIR) / "command_test_files";
   std::filesystem::remove_all(scratch);
   std::filesystem::create_directories(scratch);
   ::setenv("QXMT_COMMAND_TEST_FOLDER", scratch.c_str(), 1);

@@ -8,19 +8,20 @@ using namespace host::cmd;
 namespace {
 
 const Syntax& exampleSyntax() {
-  static const Syntax syntax = Syntax()
-                                   .flag("n", "name", {ArgType::String})
-                                   .flag("w", "width", {ArgType::Distance})
-                                   .flag("p", "point", {ArgType::Double, ArgType::Double, ArgType::Double})
-                                   .multiUse()
-                                   .flag("a", "angle", {ArgType::Angle})
-                                   .flag("ch", "constructionHistory", {ArgType::Bool}, kCreate | kEdit)
-                                   .flag("ex", "exists", {ArgType::String})
-                                   .queryArgs()
-                                   .flag("t", "toggle")
-                                   .editable()
-                                   .queryable()
-                                   .objects(0, 3);
+  static const Syntax syntax =
+      Syntax()
+          .flag("n", "name", {ArgType::String})
+          .flag("w", "width", {ArgType::Distance})
+          .flag("p", "point", {ArgType::Double, ArgType::Double, ArgType::Double})
+          .multiUse()
+          .flag("a", "angle", {ArgType::Angle})
+          .flag("ch", "constructionHistory", {ArgType::Bool}, kCreate | kEdit)
+          .flag("ex", "exists", {ArgType::String})
+          .queryArgs()
+          .flag("t", "toggle")
+          .editable()
+          .queryable()
+          .objects(0, 3);
   return syntax;
 }
 
@@ -62,7 +63,8 @@ TEST_CASE("repeated flags keep their uses in order; of others the last one count
 }
 
 TEST_CASE("arrays and vectors spread over a flag's arguments and over the objects") {
-  const auto args = parse({"-p", mel::Vec3{1, 2, 3}, "-p", mel::FloatArray{4, 5, 6}, mel::StringArray{"x", "y"}});
+  const auto args =
+      parse({"-p", mel::Vec3{1, 2, 3}, "-p", mel::FloatArray{4, 5, 6}, mel::StringArray{"x", "y"}});
   REQUIRE(args);
   CHECK(args->values("point", 1)[2].floatValue() == 6);
   CHECK(args->objectNames() == std::vector<std::string>{"x", "y"});
@@ -97,8 +99,10 @@ TEST_CASE("query mode takes no flag arguments but where the syntax says so") {
 TEST_CASE("errors name the flag and what is wrong with it") {
   CHECK(errorOf({"-bogus", 1}) == "Invalid flag '-bogus'.");
   CHECK(errorOf({"-wid", 1}) == "Invalid flag '-wid'.");
-  CHECK(errorOf({"-w", "abc"}) == "Invalid arguments for flag '-w'.  Expected distance, got string \"abc\".");
-  CHECK(errorOf({"-ch", "maybe"}) == "Invalid arguments for flag '-ch'.  Expected boolean, got string \"maybe\".");
+  CHECK(errorOf({"-w", "abc"}) ==
+        "Invalid arguments for flag '-w'.  Expected distance, got string \"abc\".");
+  CHECK(errorOf({"-ch", "maybe"}) ==
+        "Invalid arguments for flag '-ch'.  Expected boolean, got string \"maybe\".");
   CHECK(errorOf({"-n"}) == "Flag '-n' needs 1 argument.");
   CHECK(errorOf({"-p", 1, 2, "-t"}) == "Flag '-p' needs 3 arguments.");
   CHECK(errorOf({"-n", "-w", 2}) == "Flag '-n' needs 1 argument.");

@@ -1,9 +1,10 @@
+#include "host/cmd/undo_queue.h"
+
 #include <doctest/doctest.h>
 
 #include <random>
 
 #include "host/base/messages.h"
-#include "host/cmd/undo_queue.h"
 
 using namespace host;
 using namespace host::cmd;
@@ -122,11 +123,19 @@ TEST_CASE("history stays straight under any sequence of lines, chunks, undo, red
   int openLines = 0;
   for (int i = 0; i < 20000; ++i) {
     switch (random() % 12) {
-      case 0: world.queue.openChunk("chunk"); break;
-      case 1: static_cast<void>(world.queue.closeChunk()); break;
+      case 0:
+        world.queue.openChunk("chunk");
+        break;
+      case 1:
+        static_cast<void>(world.queue.closeChunk());
+        break;
       case 2:
-      case 3: static_cast<void>(world.queue.undo()); break;
-      case 4: static_cast<void>(world.queue.redo()); break;
+      case 3:
+        static_cast<void>(world.queue.undo());
+        break;
+      case 4:
+        static_cast<void>(world.queue.redo());
+        break;
       case 5:
         world.queue.beginLine("line");
         ++openLines;
@@ -141,7 +150,9 @@ TEST_CASE("history stays straight under any sequence of lines, chunks, undo, red
       case 8:
         if (random() % 100 == 0) world.queue.flush();
         break;
-      default: world.type(static_cast<char>('a' + random() % 26)); break;
+      default:
+        world.type(static_cast<char>('a' + random() % 26));
+        break;
     }
   }
   const std::string before = world.text;

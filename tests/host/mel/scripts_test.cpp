@@ -1,4 +1,5 @@
-// Runs the scripts of tests/scripts/mel: see tests/script_expectations.h for what their comments expect.
+// Runs the scripts of tests/scripts/mel: see tests/script_expectations.h for what their comments
+// expect.
 #include <doctest/doctest.h>
 
 #include <cstdlib>
@@ -19,7 +20,9 @@ std::vector<Expectation> outcome(const ScriptHost& host, const Result<Value>& re
                                  const std::string& file) {
   std::vector<Expectation> said;
   for (const std::string& line : linesOf(host.printed())) said.push_back({'>', 0, line});
-  const auto addError = [&](const std::string& message) { said.push_back(script_test::errorSaid(message, file)); };
+  const auto addError = [&](const std::string& message) {
+    said.push_back(script_test::errorSaid(message, file));
+  };
   for (const ScriptHost::Event& event : host.events) {
     if (event.kind == MessageKind::Error) addError(event.text);
     if (event.kind == MessageKind::Warning) said.push_back({'?', 0, event.text});

@@ -74,7 +74,8 @@ TEST_CASE("shortestFacePath: goes from face to neighbour, and nowhere between se
       for (std::size_t i = 1; i < path.size(); ++i) {
         bool isShared = false;
         for (const EdgeId e : mesh.faceEdges(path[i]))
-          for (const FaceId f : mesh.adjacency().edgeFaces(e)) isShared = isShared || f == path[i - 1];
+          for (const FaceId f : mesh.adjacency().edgeFaces(e))
+            isShared = isShared || f == path[i - 1];
         CHECK(isShared);
       }
     }

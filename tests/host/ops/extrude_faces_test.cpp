@@ -145,7 +145,8 @@ TEST_CASE("extrudeFaces: volumes of boxes on a cube") {
   REQUIRE(extrudeFaces(tapered, top, options));
   CHECK(volume(tapered) == doctest::Approx(volume(frustum)));
 
-  // Two faces together stay joined while each moves out by the distance; one by one along their own.
+  // Two faces together stay joined while each moves out by the distance; one by one along their
+  // own.
   const std::vector<FaceId> two{1, 4};
   options = raised(1);
   Mesh together = cube, apart = cube;
@@ -214,8 +215,7 @@ TEST_CASE("extrudeFaces: a region that closes in itself grows all round along lo
   requireSound(mesh);
   CHECK((mesh.faceCount() == 6 && mesh.vertexCount() == 8));
   for (const auto& p : mesh.points())
-    for (const float x : {p.x, p.y, p.z})
-      CHECK(std::abs(x) == doctest::Approx(1.5));
+    for (const float x : {p.x, p.y, p.z}) CHECK(std::abs(x) == doctest::Approx(1.5));
   // Too long for the points' floats.
   options.local.translate.z = 1e300;
   const Mesh before = mesh;

@@ -9,8 +9,12 @@ using namespace host::ops::testing;
 
 namespace {
 
-SplitPoint onEdge(EdgeId edge, double t) { return {edge, t, {}}; }
-SplitPoint inside(float x, float y, float z) { return {kNone, 0, {x, y, z}}; }
+SplitPoint onEdge(EdgeId edge, double t) {
+  return {edge, t, {}};
+}
+SplitPoint inside(float x, float y, float z) {
+  return {kNone, 0, {x, y, z}};
+}
 
 Mesh unitPlane(int sx, int sy) {
   PlaneOptions options;
@@ -33,7 +37,8 @@ TEST_CASE("splitPath: across faces, through inside points, from corner to corner
   const auto& set = mesh.uvSet(0);
   for (CornerId c = 0; c < mesh.cornerCount(); ++c) {
     const auto p = mesh.points()[static_cast<std::size_t>(mesh.cornerVertex(c))];
-    const auto uv = set.points[static_cast<std::size_t>(set.cornerIds[static_cast<std::size_t>(c)])];
+    const auto uv =
+        set.points[static_cast<std::size_t>(set.cornerIds[static_cast<std::size_t>(c)])];
     CHECK(uv.u == doctest::Approx(p.x + 0.5F).epsilon(1e-5));
     CHECK(uv.v == doctest::Approx(0.5F - p.z).epsilon(1e-5));
   }
@@ -48,7 +53,8 @@ TEST_CASE("splitPath: across faces, through inside points, from corner to corner
   std::vector<SplitPoint> path;
   for (EdgeId e = 0; e < grid.edgeCount(); ++e) {
     const auto ends = grid.edge(e);
-    const auto a = grid.points()[static_cast<std::size_t>(ends.a)], b = grid.points()[static_cast<std::size_t>(ends.b)];
+    const auto a = grid.points()[static_cast<std::size_t>(ends.a)],
+               b = grid.points()[static_cast<std::size_t>(ends.b)];
     if (a.z == b.z && std::min(a.x, b.x) == -0.5F) path.push_back(onEdge(e, 0.5));
   }
   REQUIRE(path.size() == 5);
@@ -56,8 +62,9 @@ TEST_CASE("splitPath: across faces, through inside points, from corner to corner
   requireSound(grid);
   CHECK(grid.faceCount() == 20);
   Mesh twice = unitPlane(1, 1);
-  REQUIRE(splitPath(twice, std::vector{onEdge(0, 0.25), onEdge(3, 0.25), onEdge(3, 0.75), onEdge(0, 0.75)}).has_value() ==
-          false);  // along an edge there is nothing to cut
+  REQUIRE(splitPath(twice,
+                    std::vector{onEdge(0, 0.25), onEdge(3, 0.25), onEdge(3, 0.75), onEdge(0, 0.75)})
+              .has_value() == false);  // along an edge there is nothing to cut
   REQUIRE(splitPath(twice, std::vector{onEdge(0, 0.25), onEdge(3, 0.25)}));
   CHECK(twice.faceCount() == 2);
 }
@@ -87,7 +94,8 @@ TEST_CASE("splitPath: random edges of one face over the zoo leave sound meshes")
         const auto face = static_cast<FaceId>(random() % static_cast<unsigned>(mesh.faceCount()));
         const auto edges = mesh.faceEdges(face);
         const std::size_t k = random() % edges.size();
-        const std::vector<SplitPoint> path{onEdge(edges[k], 0.3), onEdge(edges[(k + 1) % edges.size()], 0.6)};
+        const std::vector<SplitPoint> path{onEdge(edges[k], 0.3),
+                                           onEdge(edges[(k + 1) % edges.size()], 0.6)};
         Mesh edited = mesh;
         if (!splitPath(edited, path)) {
           CHECK(edited == mesh);

@@ -68,7 +68,8 @@ TEST_CASE("input goes to the current tool, whole gestures to the tool that got t
   registry.handle(mouse(InputKind::Drag, 2, 2));
   registry.handle(mouse(InputKind::Release, 2, 2));
   REQUIRE(registry.setCurrent("two"));
-  CHECK(log == Log{"one setup", "one moved", "one press", "one drag", "one release", "one cleanup", "two setup"});
+  CHECK(log == Log{"one setup", "one moved", "one press", "one drag", "one release", "one cleanup",
+                   "two setup"});
   CHECK(registry.lastEvent().position.x == 2);
 
   log.clear();
@@ -133,7 +134,8 @@ TEST_CASE("with Alt the camera moves and the tool hears nothing") {
   InputEvent press = mouse(InputKind::Press, 100, 100);
   press.alt = true;
   registry.handle(press);
-  registry.handle(mouse(InputKind::Drag, 160, 100));  // Alt may go up first: the gesture stays what it was
+  registry.handle(
+      mouse(InputKind::Drag, 160, 100));  // Alt may go up first: the gesture stays what it was
   registry.handle(mouse(InputKind::Release, 160, 100));
   viewport::Camera expected = before;
   viewport::tumbleByDrag(expected, view.port, before.centerOfInterestPoint(), 60, 0);
@@ -144,7 +146,8 @@ TEST_CASE("with Alt the camera moves and the tool hears nothing") {
 TEST_CASE("timers recur, may remove each other, and don't make up for lost time") {
   Timers timers;
   Log log;
-  const auto first = timers.add(1, [&](double, double elapsed) { log.push_back("first " + std::to_string(int(elapsed))); });
+  const auto first = timers.add(
+      1, [&](double, double elapsed) { log.push_back("first " + std::to_string(int(elapsed))); });
   Timers::Id second = 0;
   timers.add(2, [&](double, double) {
     log.push_back("remover");
@@ -190,7 +193,8 @@ TEST_CASE("timers that come and go while others are called") {
   timers.remove(negative);
 }
 
-TEST_CASE("a hold belongs to the press: what it says comes from there, and what ends the press ends it") {
+TEST_CASE(
+    "a hold belongs to the press: what it says comes from there, and what ends the press ends it") {
   /// Writes down the holds that it hears of.
   class Holder final : public ToolContext {
    public:

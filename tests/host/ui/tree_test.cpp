@@ -1,8 +1,8 @@
+#include "host/ui/tree.h"
+
 #include <doctest/doctest.h>
 
 #include <set>
-
-#include "host/ui/tree.h"
 
 using namespace host;
 using namespace host::ui;
@@ -35,7 +35,8 @@ TEST_CASE("the flags of every kind of control are told apart by their long and s
     for (const AttributeTable table : type.tables)
       for (const Attribute& attribute : table) {
         CAPTURE(attribute.longName);
-        if (!longNames.insert(attribute.longName).second) continue;  // the kind's own goes before the common one
+        if (!longNames.insert(attribute.longName).second)
+          continue;  // the kind's own goes before the common one
         CHECK(shortNames.insert(attribute.shortName).second);
         CHECK(attribute.kinds.find_first_not_of("bifsc") == std::string_view::npos);
       }
@@ -48,7 +49,8 @@ TEST_CASE("every control and layout can be made, found by name and path, queried
     Tree tree;
     make(tree, "window", "w");
     make(tree, "columnLayout", "c");
-    if (type.kind == Kind::MenuItem || type.name == "radioMenuItemCollection") make(tree, "menu", "m");
+    if (type.kind == Kind::MenuItem || type.name == "radioMenuItemCollection")
+      make(tree, "menu", "m");
     if (type.name == "popupMenu") make(tree, "button", "b");
     Control& control = make(tree, type.name.data(), "it");
     CHECK(tree.find("it").value() == &control);
@@ -70,7 +72,8 @@ TEST_CASE("a path may leave out its beginning, not its middle") {
   make(tree, "columnLayout", "c");
   make(tree, "rowLayout", "r");
   Control& field = make(tree, "intField", "f");
-  for (const char* name : {"f", "r|f", "c|r|f", "w|c|r|f", "|w|c|r|f"}) CHECK(tree.find(name).value() == &field);
+  for (const char* name : {"f", "r|f", "c|r|f", "w|c|r|f", "|w|c|r|f"})
+    CHECK(tree.find(name).value() == &field);
   for (const char* name : {"c|f", "w|f", "x|f", "f|", "|f", "", "|"}) CHECK_FALSE(tree.find(name));
 }
 

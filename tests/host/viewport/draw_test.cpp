@@ -59,9 +59,12 @@ TEST_CASE("mesh buffers: smooth corners share a vertex, hard edges and UV seams 
   CHECK(buildMeshBuffers(seamed, {.uvs = true}).surface->positions.size() == 16);
 }
 
-TEST_CASE("drawMesh: colours replace the grey where a shape shows them, and a new colour is seen the next time") {
+TEST_CASE(
+    "drawMesh: colours replace the grey where a shape shows them, and a new colour is seen the "
+    "next time") {
   mesh::Mesh mesh = grid(1);
-  mesh.setCurrentColorSet(mesh.addColorSet({"paint", 4, false, {{1, 0, 0, 1}}, {0, 0, kNone, kNone}}));
+  mesh.setCurrentColorSet(
+      mesh.addColorSet({"paint", 4, false, {{1, 0, 0, 1}}, {0, 0, kNone, kNone}}));
   RenderMesh item = object(mesh, 1);
   const SceneView view = frontView();
   ViewOptions options;
