@@ -13,7 +13,10 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 find_program(QXMT_CCACHE ccache)
 if(QXMT_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_CXX_COMPILER_LAUNCHER
-      "${CMAKE_COMMAND};-E;env;CCACHE_BASEDIR=${CMAKE_SOURCE_DIR};CCACHE_NOHASHDIR=1;${QXMT_CCACHE}")
+      "${CMAKE_COMMAND};-E;env;CCACHE_BASEDIR=${CMAKE_SOURCE_DIR};CCACHE_NOHASHDIR=1;CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime;${QXMT_CCACHE}")
+endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  add_compile_options($<$<BOOL:${QXMT_PRECOMPILE}>:-fpch-preprocess>)  # the compiler cache needs it
 endif()
 find_program(QXMT_MOLD mold)
 if(QXMT_MOLD AND CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
