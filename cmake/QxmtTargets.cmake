@@ -66,7 +66,7 @@ function(qxmt_precompile target)
     if(header MATCHES "^<")
       list(APPEND headers "${header}")
     else()
-      list(APPEND headers "${PROJECT_SOURCE_DIR}/${header}")
+      list(APPEND headers "<${header}>")  # no absolute path: checkouts share one compiler cache
     endif()
   endforeach()
   target_precompile_headers(${target} PRIVATE ${headers})
