@@ -13,9 +13,9 @@
 #include "host/base/messages.h"
 #include "host/builtins/view/views.h"
 #include "host/nodes/mesh_shape.h"
-#include "shared/mathHelper.h"
-#include "shared/polyHelper.h"
-#include "shared/polygonSelect.h"
+#include "shared/mesh/mathHelper.h"
+#include "shared/mesh/polyHelper.h"
+#include "shared/selection/polygonSelect.h"
 
 // The toolkit's common routines on meshes of 10,000, 100,000 and 1,000,000 faces: what depends on
 // the mesh and what only on the answer.

@@ -1,6 +1,6 @@
 # The plug-in module: toolkit folders as plain C++17 against <maya/...>, the standard library and OpenGL.
 file(GLOB_RECURSE toolkit_sources CONFIGURE_DEPENDS
-     plugin/*.cpp shared/*.cpp commands/*.cpp modeling/*.cpp quaddraw/*.cpp uv/*.cpp)
+     plugin/*.cpp shared/*.cpp commands/*.cpp modeling/*.cpp quaddraw/*.cpp uv/*.cpp brushes/*.cpp)
 if(NOT toolkit_sources)
   return()
 endif()

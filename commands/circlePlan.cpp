@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "shared/planeFit.h"
+#include "shared/numeric/planeFit.h"
 
 namespace {
 

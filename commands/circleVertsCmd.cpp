@@ -8,11 +8,11 @@
 #include <maya/MVector.h>
 
 #include "commands/circlePlan.h"
-#include "commands/componentGather.h"
-#include "commands/mirrorOptions.h"
-#include "commands/worldPoints.h"
-#include "shared/mathHelper.h"
-#include "shared/pointIndex.h"
+#include "shared/mesh/mathHelper.h"
+#include "shared/mesh/worldPoints.h"
+#include "shared/numeric/pointIndex.h"
+#include "shared/selection/componentGather.h"
+#include "shared/settings/mirrorOptions.h"
 
 namespace {
 /// A mirrored point farther than this from every point of the other half has no partner.
@@ -81,7 +81,7 @@ MStatus circleVertsCmd::doIt(const MArgList& arguments) {
   if (status != MS::kSuccess) return status;
   const mirrorOptions mirror = mirrorOptions::fromWindow();
   mirrorAxis = mirror.axis;
-  mirrorInObjectSpace = mirror.inObjectSpace;
+  mirrorInObjectSpace = mirror.inWorldSpace ? 1 : 0;
   status = gather();
   if (status != MS::kSuccess) return status;
   if (vertexIds.length() == 0)

@@ -6,7 +6,7 @@
 #include <maya/MPxCommand.h>
 #include <maya/MSyntax.h>
 
-#include "commands/storedPlaces.h"
+#include "shared/mesh/storedPlaces.h"
 
 class MVector;
 struct mirrorOptions;

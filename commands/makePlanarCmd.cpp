@@ -10,12 +10,12 @@
 
 #include <utility>
 
-#include "commands/componentGather.h"
-#include "commands/faceFrame.h"
-#include "commands/mirrorOptions.h"
 #include "commands/planarPlan.h"
-#include "commands/worldPoints.h"
-#include "shared/mathHelper.h"
+#include "shared/mesh/faceFrame.h"
+#include "shared/mesh/mathHelper.h"
+#include "shared/mesh/worldPoints.h"
+#include "shared/selection/componentGather.h"
+#include "shared/settings/mirrorOptions.h"
 
 makePlanarCmd::makePlanarCmd()
     : mirrorAxis(mirrorOptions::kNoMirrorOption), mirrorInObjectSpace(1) {}
@@ -79,7 +79,7 @@ MStatus makePlanarCmd::doIt(const MArgList& arguments) {
   if (status != MS::kSuccess) return status;
   const mirrorOptions mirror = mirrorOptions::fromWindow();
   mirrorAxis = mirror.axis;
-  mirrorInObjectSpace = mirror.inObjectSpace;
+  mirrorInObjectSpace = mirror.inWorldSpace ? 1 : 0;
   MPointArray points;
   status = gather(mirror, points);
   if (status != MS::kSuccess) return status;

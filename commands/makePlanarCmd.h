@@ -7,7 +7,7 @@
 #include <maya/MSyntax.h>
 #include <maya/MVectorArray.h>
 
-#include "commands/storedPlaces.h"
+#include "shared/mesh/storedPlaces.h"
 
 struct mirrorOptions;
 struct selectedPolygons;

@@ -4,11 +4,11 @@
 #include <maya/MGlobal.h>
 #include <maya/MSelectionList.h>
 
-#include "commands/componentGather.h"
-#include "commands/flagReader.h"
-#include "commands/mirrorOptions.h"
-#include "commands/worldPoints.h"
-#include "shared/toolSettings.h"
+#include "shared/mesh/worldPoints.h"
+#include "shared/selection/componentGather.h"
+#include "shared/settings/flagReader.h"
+#include "shared/settings/mirrorOptions.h"
+#include "shared/settings/toolSettings.h"
 
 mergeVertsCmd::mergeVertsCmd() : axis(0), mirror(false), componentId(0), mirrorId(0) {}
 
@@ -83,7 +83,7 @@ MStatus mergeVertsCmd::gatherAtTarget(MPointArray& points) {
   }
   mirrorOptions options;
   options.axis = axis;
-  options.inObjectSpace = toolSettings::current().mirrorWorldSpace ? 1 : 0;
+  options.inWorldSpace = toolSettings::current().mirrorWorldSpace;
   const mirrorPlane plane = options.plane(meshPath);
   const MPoint counterpart = points[static_cast<unsigned int>(mirrorId)];
   const bool targetIsPositive = plane.isPositive(target);

@@ -6,7 +6,7 @@
 #include <maya/MPxCommand.h>
 #include <maya/MSyntax.h>
 
-#include "commands/storedPlaces.h"
+#include "shared/mesh/storedPlaces.h"
 
 /// `qxMergeVerts`: moves the selected vertices of one mesh onto a target vertex; with the mirror
 /// option, those on the other side of the mirror plane onto the target's counterpart. It welds

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "commands/polygonGraph.h"
+#include "shared/mesh/polygonGraph.h"
 
 namespace {
 

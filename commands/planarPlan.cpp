@@ -5,7 +5,7 @@
 #include <maya/MVector.h>
 #include <maya/MVectorArray.h>
 
-#include "shared/planeFit.h"
+#include "shared/numeric/planeFit.h"
 
 namespace {
 /// A mean of unit normals shorter than this has cancelled out: its direction is rounding.

@@ -8,9 +8,9 @@
 #include <maya/MGlobal.h>
 
 #include "commands/dropSpace.h"
-#include "commands/flagReader.h"
-#include "commands/meshPair.h"
-#include "commands/worldPoints.h"
+#include "shared/mesh/worldPoints.h"
+#include "shared/selection/meshPair.h"
+#include "shared/settings/flagReader.h"
 
 namespace {
 

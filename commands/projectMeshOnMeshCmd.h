@@ -7,7 +7,7 @@
 #include <maya/MString.h>
 #include <maya/MSyntax.h>
 
-#include "commands/storedPlaces.h"
+#include "shared/mesh/storedPlaces.h"
 
 struct dropSpace;
 

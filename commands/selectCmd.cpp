@@ -11,8 +11,9 @@
 #include <maya/MItSelectionList.h>
 #include <maya/MObject.h>
 
-#include "commands/flagReader.h"
-#include "shared/polyHelper.h"
+#include "shared/mesh/polyHelper.h"
+#include "shared/mesh/shownMesh.h"
+#include "shared/settings/flagReader.h"
 
 namespace {
 
@@ -79,8 +80,7 @@ MStatus SelectCmd::addHardEdges() {
   for (MItSelectionList item(priorSelection); !item.isDone(); item.next()) {
     MDagPath mesh;
     if (item.getDagPath(mesh) != MS::kSuccess) continue;
-    mesh.extendToShape();
-    if (!mesh.hasFn(MFn::kMesh)) continue;
+    if (extendToShownMesh(mesh) != MS::kSuccess) continue;
     MIntArray hard;
     for (MItMeshEdge edge(mesh); !edge.isDone(); edge.next())
       if (!edge.isSmooth()) hard.append(edge.index());

@@ -4,9 +4,9 @@
 #include <maya/MGlobal.h>
 #include <maya/MString.h>
 
-#include "commands/storeValues.h"
-#include "shared/toolMessages.h"
-#include "shared/toolSettings.h"
+#include "shared/settings/storeValues.h"
+#include "shared/settings/toolMessages.h"
+#include "shared/settings/toolSettings.h"
 
 namespace {
 

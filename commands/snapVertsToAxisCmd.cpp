@@ -3,9 +3,9 @@
 #include <maya/MArgDatabase.h>
 #include <maya/MSelectionList.h>
 
-#include "commands/componentGather.h"
-#include "commands/worldPoints.h"
-#include "shared/toolSettings.h"
+#include "shared/mesh/worldPoints.h"
+#include "shared/selection/componentGather.h"
+#include "shared/settings/toolSettings.h"
 
 snapVertsToAxisCmd::snapVertsToAxisCmd() : axis(0) {}
 

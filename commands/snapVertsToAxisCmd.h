@@ -6,7 +6,7 @@
 #include <maya/MPxCommand.h>
 #include <maya/MSyntax.h>
 
-#include "commands/storedPlaces.h"
+#include "shared/mesh/storedPlaces.h"
 
 /// `qxSnapVertsToAxis`: puts the selected vertices of one mesh on the toolkit's mirror plane: their
 /// world coordinate on the mirror axis becomes 0.

@@ -5,11 +5,11 @@
 #include <maya/MSelectionList.h>
 #include <maya/MString.h>
 
-#include "commands/componentGather.h"
-#include "commands/mirrorOptions.h"
 #include "commands/straightenPlan.h"
-#include "commands/worldPoints.h"
-#include "shared/mathHelper.h"
+#include "shared/mesh/mathHelper.h"
+#include "shared/mesh/worldPoints.h"
+#include "shared/selection/componentGather.h"
+#include "shared/settings/mirrorOptions.h"
 
 namespace {
 
@@ -76,7 +76,7 @@ MStatus straightenCmd::parseArguments(const MArgList& arguments) {
     }
   }
   if (parsed != MS::kSuccess) return parsed;  // words that are no flag of this command
-  mirrorInObjectSpace = mirrorOptions::spaceFromWindow(mirrorInObjectSpace);
+  mirrorInObjectSpace = mirrorOptions::worldSpaceFromWindow(mirrorInObjectSpace != 0) ? 1 : 0;
   return MS::kSuccess;
 }
 
@@ -105,7 +105,7 @@ MStatus straightenCmd::doIt(const MArgList& arguments) {
 
   mirrorOptions mirror;
   mirror.axis = mirrorAxis;
-  mirror.inObjectSpace = mirrorInObjectSpace;
+  mirror.inWorldSpace = mirrorInObjectSpace != 0;
   const bool isSplit = splitByMirror(vertexIds, points, dagPath, mirror);
   savedPositions = pointsAt(points, vertexIds);
   if (!positionsAreFinite("qxStraightenCmd", vertexIds, savedPositions)) return MS::kFailure;

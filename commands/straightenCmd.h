@@ -6,7 +6,7 @@
 #include <maya/MPxCommand.h>
 #include <maya/MSyntax.h>
 
-#include "commands/storedPlaces.h"
+#include "shared/mesh/storedPlaces.h"
 
 /// `qxStraightenCmd`: lines up the selected vertices of one mesh on the line through their two
 /// extreme points.

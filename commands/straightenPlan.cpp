@@ -4,7 +4,7 @@
 #include <maya/MPointArray.h>
 #include <maya/MVector.h>
 
-#include "shared/planeFit.h"
+#include "shared/numeric/planeFit.h"
 
 namespace {
 

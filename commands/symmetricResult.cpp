@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "shared/pointIndex.h"
+#include "shared/numeric/pointIndex.h"
 
 namespace {
 

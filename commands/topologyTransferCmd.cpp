@@ -15,17 +15,17 @@
 
 #include <algorithm>
 
-#include "commands/componentGather.h"
-#include "commands/flagReader.h"
-#include "commands/landmarkWarp.h"
-#include "commands/meshPair.h"
 #include "commands/orderMatch.h"
-#include "commands/polygonGraph.h"
 #include "commands/symmetricResult.h"
 #include "commands/transferFlags.h"
-#include "commands/vertexNormals.h"
-#include "commands/worldPoints.h"
-#include "shared/mathHelper.h"
+#include "shared/mesh/mathHelper.h"
+#include "shared/mesh/polygonGraph.h"
+#include "shared/mesh/vertexNormals.h"
+#include "shared/mesh/worldPoints.h"
+#include "shared/numeric/landmarkWarp.h"
+#include "shared/selection/componentGather.h"
+#include "shared/selection/meshPair.h"
+#include "shared/settings/flagReader.h"
 
 namespace {
 

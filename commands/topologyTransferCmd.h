@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "commands/storedPlaces.h"
+#include "shared/mesh/storedPlaces.h"
 
 class MVectorArray;
 struct meshPair;

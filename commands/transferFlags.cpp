@@ -6,7 +6,7 @@
 #include <maya/MPxCommand.h>
 #include <maya/MString.h>
 
-#include "commands/flagReader.h"
+#include "shared/settings/flagReader.h"
 
 namespace {
 constexpr const char* kSpaceFlag = "-sp";

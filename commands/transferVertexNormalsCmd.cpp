@@ -9,13 +9,13 @@
 #include <maya/MSelectionList.h>
 #include <maya/MString.h>
 
-#include "commands/componentGather.h"
-#include "commands/cornerNormals.h"
-#include "commands/meshPair.h"
 #include "commands/transferFlags.h"
-#include "commands/vertexCorners.h"
-#include "commands/worldPoints.h"
-#include "shared/mathHelper.h"
+#include "shared/mesh/cornerNormals.h"
+#include "shared/mesh/mathHelper.h"
+#include "shared/mesh/vertexCorners.h"
+#include "shared/mesh/worldPoints.h"
+#include "shared/selection/componentGather.h"
+#include "shared/selection/meshPair.h"
 
 namespace {
 

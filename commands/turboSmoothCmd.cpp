@@ -14,7 +14,8 @@
 #include <maya/MString.h>
 #include <maya/MUintArray.h>
 
-#include "commands/flagReader.h"
+#include "shared/mesh/shownMesh.h"
+#include "shared/settings/flagReader.h"
 
 namespace {
 
@@ -29,16 +30,9 @@ void selectOnly(const MDagPath& path) {
   MGlobal::setActiveSelectionList(one);
 }
 
-/// The mesh that a transform shows; shapes that only feed its history don't count.
 bool shownMesh(const MDagPath& transform, MDagPath& mesh) {
-  unsigned int count = 0;
-  transform.numberOfShapesDirectlyBelow(count);
-  for (unsigned int i = 0; i < count; ++i) {
-    mesh = transform;
-    if (!mesh.extendToShapeDirectlyBelow(i) || !mesh.hasFn(MFn::kMesh)) continue;
-    if (!MFnDagNode(mesh).isIntermediateObject()) return true;
-  }
-  return false;
+  mesh = transform;
+  return extendToShownMesh(mesh) == MS::kSuccess;
 }
 
 MPlug plugOf(const MDagPath& path, const char* attribute) {

@@ -11,7 +11,8 @@
 #include "plugin/licence.h"
 #include "plugin/registration.h"
 #include "plugin/tabletInput.h"
-#include "shared/toolSettings.h"
+#include "shared/settings/toolSettings.h"
+#include "shared/tool/toolRun.h"
 
 MString pluginLoadPath;
 
@@ -44,6 +45,7 @@ PLUGIN_EXPORT MStatus initializePlugin(MObject object) {
 }
 
 PLUGIN_EXPORT MStatus uninitializePlugin(MObject object) {
+  leaveActiveTools();  // a tool in the user's hand would lose its code
   releaseLicence();
   MFnPlugin plugin(object);
   return deregisterAll(plugin);

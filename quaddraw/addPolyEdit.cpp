@@ -7,7 +7,7 @@
 #include <maya/MPlug.h>
 
 #include "quaddraw/addPolyNode.h"
-#include "shared/mathHelper.h"
+#include "shared/mesh/mathHelper.h"
 
 namespace {
 

@@ -46,13 +46,14 @@ awk_program='
     if (p[1] == "host") { offence("the toolkit includes nothing of host/: " quoted); return }
     if (p[1] == side || side == "plugin") return
     if (side == "shared") offence("shared/ includes no other toolkit folder: " quoted)
+    else if (side == "brushes" && p[1] == "modeling") return
     else if (p[1] != "shared") offence(side "/ may include shared/ only: " quoted)
   }
   END { exit bad }
 '
 check() {
   local folders=() folder
-  for folder in host plugin shared commands modeling quaddraw uv; do
+  for folder in host plugin shared commands modeling quaddraw uv brushes; do
     if [ -d "$1/$folder" ]; then folders+=("$1/$folder"); fi
   done
   find "${folders[@]}" \( -name '*.h' -o -name '*.cpp' \) -print0 | sort -z |
@@ -62,13 +63,15 @@ check() {
 # The lint proves itself on a planted offence before it judges the tree.
 planted=$(mktemp -d)
 trap 'rm -rf "$planted"' EXIT
-mkdir -p "$planted/host/mel" "$planted/shared"
+mkdir -p "$planted/host/mel" "$planted/shared" "$planted/uv" "$planted/brushes"
 echo '#include "host/scene/document.h"' >"$planted/host/mel/bad.h"
 echo '#include "commands/straightenCmd.h"' >"$planted/shared/bad.h"
+echo '#include "modeling/modelingContext.h"' >"$planted/uv/bad.h"
+echo '#include "modeling/modelingContext.h"' >"$planted/brushes/good.h"
 if check "$planted" >"$planted/out"; then
   echo "the layer lint does not see a planted offence"
   exit 1
 fi
-[ "$(wc -l <"$planted/out")" -eq 2 ] || { echo "planted offences:"; cat "$planted/out"; exit 1; }
+[ "$(wc -l <"$planted/out")" -eq 3 ] || { echo "planted offences:"; cat "$planted/out"; exit 1; }
 
 check "$root" && echo "includes keep to the layers"

@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$1"
 limit=600
 folders=()
-for folder in host plugin shared commands modeling quaddraw uv scripts tests bench; do
+for folder in host plugin shared commands modeling quaddraw uv brushes scripts tests bench; do
   if [ -d "$folder" ]; then folders+=("$folder"); fi
 done
 bad=$(find "${folders[@]}" \( -name '*.h' -o -name '*.cpp' -o -name '*.mel' \) -print0 |

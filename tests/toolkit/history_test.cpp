@@ -4,7 +4,7 @@
 #include <maya/MStringArray.h>
 
 #include "host/mesh/hash.h"
-#include "shared/mathHelper.h"
+#include "shared/mesh/mathHelper.h"
 #include "tests/toolkit/zoo_scene.h"
 
 // A node put into a mesh's history and taken out again.

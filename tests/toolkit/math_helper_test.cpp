@@ -7,7 +7,7 @@
 
 #include "host/builtins/view/tool_views.h"
 #include "host/builtins/view/views.h"
-#include "shared/mathHelper.h"
+#include "shared/mesh/mathHelper.h"
 #include "tests/toolkit/zoo_scene.h"
 
 // Units, rays, views and index arrays, as tools ask for them.

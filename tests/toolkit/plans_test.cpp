@@ -12,7 +12,7 @@
 #include "commands/circlePlan.h"
 #include "commands/planarPlan.h"
 #include "commands/straightenPlan.h"
-#include "shared/pointIndex.h"
+#include "shared/numeric/pointIndex.h"
 
 namespace {
 

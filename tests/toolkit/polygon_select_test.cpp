@@ -7,8 +7,8 @@
 
 #include "host/builtins/view/views.h"
 #include "host/mesh/adjacency.h"
-#include "shared/polygonSelect.h"
-#include "shared/viewProjector.h"
+#include "shared/selection/polygonSelect.h"
+#include "shared/view/viewProjector.h"
 #include "tests/toolkit/zoo_scene.h"
 
 // The component closest to a place, and the one under the cursor.

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "shared/toolSettings.h"
+#include "shared/settings/toolSettings.h"
 #include "tests/toolkit/toolkit_session.h"
 
 namespace {

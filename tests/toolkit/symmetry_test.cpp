@@ -4,7 +4,7 @@
 #include <cmath>
 #include <random>
 
-#include "shared/polyHelper.h"
+#include "shared/mesh/polyHelper.h"
 #include "tests/toolkit/zoo_scene.h"
 
 // Counterparts across a mirror plane, order around a centre, the centre of what is selected.

@@ -6,7 +6,7 @@
 #include <set>
 
 #include "host/mesh/adjacency.h"
-#include "shared/polyHelper.h"
+#include "shared/mesh/polyHelper.h"
 #include "tests/toolkit/zoo_scene.h"
 
 // Rings, loops, their parts and borders of face sets, on every mesh of the zoo.

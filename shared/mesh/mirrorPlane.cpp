@@ -1,0 +1,20 @@
+#include "shared/mesh/mirrorPlane.h"
+
+#include <maya/MDagPath.h>
+
+mirrorPlane::mirrorPlane(const MDagPath& mesh, int axisIn, bool inWorldSpace)
+    : axis(static_cast<unsigned int>(axisIn)), inObjectSpace(!inWorldSpace) {
+  if (!inObjectSpace) return;
+  toObject = mesh.inclusiveMatrixInverse();
+  toWorld = mesh.inclusiveMatrix();
+}
+
+bool mirrorPlane::isPositive(const MPoint& worldPoint) const {
+  return inObjectSpace ? (worldPoint * toObject)[axis] >= 0.0 : worldPoint[axis] >= 0.0;
+}
+
+MPoint mirrorPlane::reflect(const MPoint& worldPoint) const {
+  MPoint point = inObjectSpace ? worldPoint * toObject : worldPoint;
+  point[axis] = -point[axis];
+  return inObjectSpace ? point * toWorld : point;
+}
