@@ -15,13 +15,7 @@
 /// A host with the toolkit loaded, and what tests of its commands ask for all the time.
 class toolkitSession {
  public:
-  toolkitSession() : session(host::api::makeHostSession()) {
-    session->interpreter().setScriptPath({QXMT_SOURCE_DIR "/scripts"});
-    const host::MessageCapture quiet;
-    const auto loaded =
-        session->executeLine("loadPlugin \"" QXMT_BINARY_DIR "/lib/qxModelingToolkit.so\"");
-    REQUIRE_MESSAGE(loaded.has_value(), (loaded ? std::string() : loaded.error().message));
-  }
+  toolkitSession();
 
   /// Runs MEL that must succeed.
   void run(const std::string& mel) {
