@@ -14,6 +14,7 @@
 namespace {
 
 constexpr double kTwoPi = 6.283185307179586476925;
+constexpr double kOnLine = 1e-6;
 
 /// A point of the run and its angle in steps of a full turn's 2^44th part, counted from 1: finer
 /// than angles can be told.
@@ -78,7 +79,7 @@ bool makeFrame(const MVector& normal, const MVector& reference, circleFrame& fra
   if (!(length > 0.0)) return false;
   n /= length;
   frame.across = n ^ reference;
-  if (frame.across.length() <= 1e-9 * reference.length()) return false;
+  if (!(frame.across.length() > 1e-9 * reference.length())) return false;
   frame.across.normalize();
   frame.up = frame.across ^ n;
   frame.up.normalize();
@@ -112,22 +113,23 @@ void placeEvenly(const std::vector<placedPoint>& order, const MPoint& centre,
 circleFault circleRun(MPointArray& positions, unsigned int start, unsigned int count,
                       const MVector& normal) {
   if (count < 3) return circleFault::tooFewPoints;
-  MVector fitted;
-  if (!bestFitNormal(positions, start, count, fitted)) return circleFault::pointsOnOneLine;
-
   const MPoint centre = meanPoint(positions, start, count);
   const MPoint farthest = farthestFrom(centre, positions, start, count);
   const MVector reference = farthest - centre;
   const double radius = reference.length();
   circleFrame frame;
-  if (!makeFrame(normal, reference, frame) && !makeFrame(fitted, reference, frame))
-    return circleFault::pointsOnOneLine;
+  MVector fitted;
+  if (!makeFrame(normal, reference, frame) &&
+      !(bestFitNormal(positions, start, count, fitted) && makeFrame(fitted, reference, frame)))
+    return circleFault::noPlane;
 
   std::vector<placedPoint> order(count);
   bool hasFirst = false;
   for (unsigned int i = 0; i < count; ++i) {
     const MVector offset = positions[start + i] - centre;
-    order[i] = {turnOf(offset * frame.up, offset * frame.across), i};
+    // Points on the line through the farthest one lie on it only as far as single precision tells.
+    const double along = offset * frame.up, across = offset * frame.across;
+    order[i] = {turnOf(along, std::fabs(across) > kOnLine * radius ? across : 0.0), i};
     if (!hasFirst && positions[start + i] == farthest) {
       order[i].turn = 0;  // the reference itself comes first, whatever its angle rounds to
       hasFirst = true;

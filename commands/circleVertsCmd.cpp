@@ -3,16 +3,14 @@
 #include <maya/MArgDatabase.h>
 #include <maya/MFloatVectorArray.h>
 #include <maya/MFnMesh.h>
-#include <maya/MGlobal.h>
 #include <maya/MSelectionList.h>
 #include <maya/MVector.h>
 
 #include "commands/circlePlan.h"
 #include "shared/mesh/mathHelper.h"
-#include "shared/mesh/worldPoints.h"
+#include "shared/mesh/mirrorPlane.h"
 #include "shared/numeric/pointIndex.h"
 #include "shared/selection/componentGather.h"
-#include "shared/settings/mirrorOptions.h"
 
 namespace {
 /// A mirrored point farther than this from every point of the other half has no partner.
@@ -20,13 +18,15 @@ constexpr double kMatchLimit = 50000.0;
 
 const char* faultText(circleFault fault) {
   return fault == circleFault::tooFewPoints
-             ? "qxCircleVertsCmd: a circle needs at least three vertices"
-             : "qxCircleVertsCmd: the vertices lie on one line";
+             ? "a circle needs at least three vertices"
+             : "the vertices lie in one place, or on a line along their normal";
 }
 }  // namespace
 
 circleVertsCmd::circleVertsCmd()
-    : mirrorAxis(mirrorOptions::kNoMirrorOption), mirrorInObjectSpace(1) {}
+    : reshapeCmd("qxCircleVertsCmd"),
+      mirrorAxis(mirrorOptions::kNoMirrorOption),
+      mirrorInObjectSpace(1) {}
 
 void* circleVertsCmd::creator() {
   return new circleVertsCmd;
@@ -64,14 +64,13 @@ MVector circleVertsCmd::meanNormal(unsigned int count) const {
   return sum;
 }
 
-void circleVertsCmd::mirrorSecondHalf(const mirrorOptions& mirror) {
-  const unsigned int half = vertexIds.length() / 2;
-  const mirrorPlane plane = mirror.plane(dagPath);
+void circleVertsCmd::mirrorSecondHalf(MPointArray& positions) const {
+  const unsigned int half = firstRun();
+  const mirrorPlane plane(dagPath, mirrorAxis, mirrorInObjectSpace != 0);
   const pointIndex firstHalf(savedPositions, 0, half);
   for (unsigned int i = half; i < vertexIds.length(); ++i) {
     const int partner = firstHalf.nearest(plane.reflect(savedPositions[i]), kMatchLimit);
-    if (partner >= 0)
-      circlePositions[i] = plane.reflect(circlePositions[static_cast<unsigned int>(partner)]);
+    if (partner >= 0) positions[i] = plane.reflect(positions[static_cast<unsigned int>(partner)]);
   }
 }
 
@@ -83,34 +82,17 @@ MStatus circleVertsCmd::doIt(const MArgList& arguments) {
   mirrorAxis = mirror.axis;
   mirrorInObjectSpace = mirror.inWorldSpace ? 1 : 0;
   status = gather();
-  if (status != MS::kSuccess) return status;
-  if (vertexIds.length() == 0)
-    return redoIt();  // no components: fails on the path that was never set
+  return status == MS::kSuccess ? reshape(mirror, circlePositions) : status;
+}
 
-  MPointArray points;
-  status = readWorldPoints(dagPath, points);
-  if (status != MS::kSuccess) return status;
-  if (!idsAreInRange(vertexIds, points.length())) return MS::kFailure;
-  const bool isSplit = splitByMirror(vertexIds, points, dagPath, mirror);
-  savedPositions = pointsAt(points, vertexIds);
-  if (!positionsAreFinite("qxCircleVertsCmd", vertexIds, savedPositions)) return MS::kFailure;
-  circlePositions = savedPositions;
-
-  const unsigned int count = isSplit ? vertexIds.length() / 2 : vertexIds.length();
-  const circleFault fault = circleRun(circlePositions, 0, count, meanNormal(count));
-  if (fault != circleFault::none) {
-    MGlobal::displayError(faultText(fault));
-    return MS::kFailure;
-  }
-  if (isSplit) mirrorSecondHalf(mirror);
-  if ((status = savedPlaces.take(dagPath, vertexIds)) != MS::kSuccess) return status;
-  return writeWorldPoints(dagPath, vertexIds, circlePositions, &points);
+MStatus circleVertsCmd::plan(const MPointArray&, MPointArray& positions) {
+  const unsigned int count = firstRun();
+  const circleFault fault = circleRun(positions, 0, count, meanNormal(count));
+  if (fault != circleFault::none) return refuse(faultText(fault));
+  if (isSplit) mirrorSecondHalf(positions);
+  return MS::kSuccess;
 }
 
 MStatus circleVertsCmd::redoIt() {
-  return writeWorldPoints(dagPath, vertexIds, circlePositions);
-}
-
-MStatus circleVertsCmd::undoIt() {
-  return savedPlaces.putBack(dagPath, vertexIds, savedPositions);
+  return write(circlePositions);
 }

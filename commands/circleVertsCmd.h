@@ -1,39 +1,29 @@
 #pragma once
 
-#include <maya/MDagPath.h>
-#include <maya/MIntArray.h>
-#include <maya/MPointArray.h>
-#include <maya/MPxCommand.h>
 #include <maya/MSyntax.h>
 
-#include "shared/mesh/storedPlaces.h"
+#include "commands/reshapeCmd.h"
 
 class MVector;
-struct mirrorOptions;
 
 /// `qxCircleVertsCmd`: spaces the selected vertices of one mesh evenly on a circle; with the
 /// toolkit's mirror on and a symmetric selection, one half on a circle and the other as its mirror
 /// image.
-class circleVertsCmd : public MPxCommand {
+class circleVertsCmd : public reshapeCmd {
  public:
   circleVertsCmd();
   MStatus doIt(const MArgList& arguments) override;
   MStatus redoIt() override;
-  MStatus undoIt() override;
-  bool isUndoable() const override { return true; }
 
   static void* creator();
   static MSyntax newSyntax();
 
  private:
   MStatus gather();
+  MStatus plan(const MPointArray& points, MPointArray& positions) override;
   MVector meanNormal(unsigned int count) const;
-  void mirrorSecondHalf(const mirrorOptions& mirror);
+  void mirrorSecondHalf(MPointArray& positions) const;
 
-  MDagPath dagPath;
-  MIntArray vertexIds;
-  MPointArray savedPositions;  ///< world space, one a vertex of `vertexIds`
-  storedPlaces savedPlaces;
   MPointArray circlePositions;  ///< world space, the result
   int mirrorAxis;               ///< 0 x, 1 y, 2 z, 3 none
   int mirrorInObjectSpace;      ///< 0 object space, 1 world space

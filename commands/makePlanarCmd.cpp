@@ -2,23 +2,20 @@
 
 #include <maya/MArgDatabase.h>
 #include <maya/MFn.h>
-#include <maya/MGlobal.h>
 #include <maya/MItSelectionList.h>
 #include <maya/MObject.h>
 #include <maya/MSelectionList.h>
 #include <maya/MVector.h>
 
-#include <utility>
-
 #include "commands/planarPlan.h"
 #include "shared/mesh/faceFrame.h"
 #include "shared/mesh/mathHelper.h"
-#include "shared/mesh/worldPoints.h"
-#include "shared/selection/componentGather.h"
-#include "shared/settings/mirrorOptions.h"
+#include "shared/mesh/mirrorSides.h"
 
 makePlanarCmd::makePlanarCmd()
-    : mirrorAxis(mirrorOptions::kNoMirrorOption), mirrorInObjectSpace(1) {}
+    : reshapeCmd("qxMakePlanarCmd"),
+      mirrorAxis(mirrorOptions::kNoMirrorOption),
+      mirrorInObjectSpace(1) {}
 
 void* makePlanarCmd::creator() {
   return new makePlanarCmd;
@@ -28,49 +25,49 @@ MSyntax makePlanarCmd::newSyntax() {
   return MSyntax();
 }
 
-MStatus makePlanarCmd::gather(const mirrorOptions& mirror, MPointArray& points) {
+MStatus makePlanarCmd::gather() {
   MSelectionList selection;
-  MStatus status = singleObjectSelection(selection);
+  const MStatus status = singleObjectSelection(selection);
   if (status != MS::kSuccess) return status;
   for (MItSelectionList item(selection, MFn::kMeshPolygonComponent); !item.isDone(); item.next()) {
     MObject component;
-    if (item.getDagPath(dagPath, component) != MS::kSuccess || component.isNull()) continue;
-    selectedPolygons faces;
-    faces.take(dagPath, component);
-    if (faces.counts.length() == 0) continue;
-    if ((status = readWorldPoints(dagPath, points)) != MS::kSuccess) return status;
-    sortNormals(faces, points, mirror);
-    std::swap(vertexIds, faces.connects);
+    if (item.getDagPath(dagPath, component) == MS::kSuccess && !component.isNull())
+      faces.take(dagPath, component);
   }
-  vertexIds = mathHelper().uniqueSorted(vertexIds);
+  vertexIds = mathHelper().uniqueSorted(faces.connects);
   return MS::kSuccess;
 }
 
-void makePlanarCmd::sortNormals(const selectedPolygons& faces, const MPointArray& points,
-                                const mirrorOptions& mirror) {
-  const mirrorPlane plane = mirror.plane(dagPath);
+void makePlanarCmd::sortNormals(const MPointArray& points) {
+  mirrorOptions mirror;
+  mirror.axis = mirrorAxis;
+  mirror.inWorldSpace = mirrorInObjectSpace != 0;
+  const mirrorSides sides(dagPath, mirror, points);
   // Seen in a mirroring transform faces run the other way round than their normals are.
-  const double side = dagPath.inclusiveMatrix().det3x3() < 0.0 ? -1.0 : 1.0;
-  negativeNormals.setLength(faces.counts.length());
-  unsigned int corner = 0, negatives = 0;
+  const double turned = dagPath.inclusiveMatrix().det3x3() < 0.0 ? -1.0 : 1.0;
+  unsigned int corner = 0;
   for (unsigned int f = 0; f < faces.counts.length(); ++f) {
     const unsigned int count = static_cast<unsigned int>(faces.counts[f]);
-    const faceFrame face = faceFrameOf(points, faces.connects, corner, count);
+    const bool isPositive = mirror.isOn() && sides.isMeanPositive(faces.connects, corner, count);
+    (isPositive ? positiveNormals : negativeNormals)
+        .append(faceFrameOf(points, faces.connects, corner, count).normal * turned);
     corner += count;
-    if (mirror.isOn() && plane.isPositive(face.centre))
-      positiveNormals.append(face.normal * side);
-    else
-      negativeNormals[negatives++] = face.normal * side;
   }
-  negativeNormals.setLength(negatives);
 }
 
-bool makePlanarCmd::flatten(bool isSplit) {
-  const unsigned int count = vertexIds.length();
-  if (!isSplit) return flattenRun(planarPositions, 0, count, meanVector(negativeNormals));
-  const unsigned int half = count / 2;
-  return flattenRun(planarPositions, 0, half, meanVector(negativeNormals)) &&
-         flattenRun(planarPositions, count - half, half, meanVector(positiveNormals));
+MStatus makePlanarCmd::plan(const MPointArray& points, MPointArray& positions) {
+  sortNormals(points);
+  faces = selectedPolygons();
+  // A side without faces of its own is flattened as all are.
+  const MVector all = sumOf(negativeNormals) + sumOf(positiveNormals);
+  const auto normalOf = [&](const MVectorArray& normals) {
+    return normals.length() > 0 ? meanVector(normals) : all;
+  };
+  const unsigned int run = firstRun(), count = positions.length();
+  if (flattenRun(positions, 0, run, normalOf(negativeNormals)) &&
+      (!isSplit || flattenRun(positions, count - run, run, normalOf(positiveNormals))))
+    return MS::kSuccess;
+  return refuse("the selected faces have no common plane");
 }
 
 MStatus makePlanarCmd::doIt(const MArgList& arguments) {
@@ -80,29 +77,10 @@ MStatus makePlanarCmd::doIt(const MArgList& arguments) {
   const mirrorOptions mirror = mirrorOptions::fromWindow();
   mirrorAxis = mirror.axis;
   mirrorInObjectSpace = mirror.inWorldSpace ? 1 : 0;
-  MPointArray points;
-  status = gather(mirror, points);
-  if (status != MS::kSuccess) return status;
-  if (vertexIds.length() == 0)
-    return redoIt();  // nothing gathered: fails on the path that was never set
-
-  if (!idsAreInRange(vertexIds, points.length())) return MS::kFailure;
-  const bool isSplit = splitByMirror(vertexIds, points, dagPath, mirror);
-  savedPositions = pointsAt(points, vertexIds);
-  if (!positionsAreFinite("qxMakePlanarCmd", vertexIds, savedPositions)) return MS::kFailure;
-  planarPositions = savedPositions;
-  if (!flatten(isSplit)) {
-    MGlobal::displayError("qxMakePlanarCmd: the selected faces have no common plane");
-    return MS::kFailure;
-  }
-  if ((status = savedPlaces.take(dagPath, vertexIds)) != MS::kSuccess) return status;
-  return writeWorldPoints(dagPath, vertexIds, planarPositions, &points);
+  status = gather();
+  return status == MS::kSuccess ? reshape(mirror, planarPositions) : status;
 }
 
 MStatus makePlanarCmd::redoIt() {
-  return writeWorldPoints(dagPath, vertexIds, planarPositions);
-}
-
-MStatus makePlanarCmd::undoIt() {
-  return savedPlaces.putBack(dagPath, vertexIds, savedPositions);
+  return write(planarPositions);
 }

@@ -1,40 +1,28 @@
 #pragma once
 
-#include <maya/MDagPath.h>
-#include <maya/MIntArray.h>
-#include <maya/MPointArray.h>
-#include <maya/MPxCommand.h>
 #include <maya/MSyntax.h>
 #include <maya/MVectorArray.h>
 
-#include "shared/mesh/storedPlaces.h"
-
-struct mirrorOptions;
-struct selectedPolygons;
+#include "commands/reshapeCmd.h"
+#include "shared/selection/componentGather.h"
 
 /// `qxMakePlanarCmd`: flattens the selected faces of one mesh onto a plane through their vertices'
 /// mean; with the toolkit's mirror on and a symmetric selection, each side onto its own.
-class makePlanarCmd : public MPxCommand {
+class makePlanarCmd : public reshapeCmd {
  public:
   makePlanarCmd();
   MStatus doIt(const MArgList& arguments) override;
   MStatus redoIt() override;
-  MStatus undoIt() override;
-  bool isUndoable() const override { return true; }
 
   static void* creator();
   static MSyntax newSyntax();
 
  private:
-  MStatus gather(const mirrorOptions& mirror, MPointArray& points);
-  void sortNormals(const selectedPolygons& faces, const MPointArray& points,
-                   const mirrorOptions& mirror);
-  bool flatten(bool isSplit);
+  MStatus gather();
+  MStatus plan(const MPointArray& points, MPointArray& positions) override;
+  void sortNormals(const MPointArray& points);
 
-  MDagPath dagPath;
-  MIntArray vertexIds;
-  MPointArray savedPositions;  ///< world space, one a vertex of `vertexIds`
-  storedPlaces savedPlaces;
+  selectedPolygons faces;        ///< until they are flattened
   MPointArray planarPositions;   ///< world space, the result
   MVectorArray negativeNormals;  ///< world space, of the faces on the negative side, or of all
                                  ///< without a mirror

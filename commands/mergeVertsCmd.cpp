@@ -1,16 +1,23 @@
 #include "commands/mergeVertsCmd.h"
 
 #include <maya/MArgDatabase.h>
+#include <maya/MArgList.h>
 #include <maya/MGlobal.h>
 #include <maya/MSelectionList.h>
 
+#include "shared/mesh/mirrorSides.h"
 #include "shared/mesh/worldPoints.h"
 #include "shared/selection/componentGather.h"
 #include "shared/settings/flagReader.h"
-#include "shared/settings/mirrorOptions.h"
 #include "shared/settings/toolSettings.h"
 
-mergeVertsCmd::mergeVertsCmd() : axis(0), mirror(false), componentId(0), mirrorId(0) {}
+mergeVertsCmd::mergeVertsCmd()
+    : reshapeCmd("qxMergeVerts"),
+      axis(0),
+      mirror(false),
+      mirrorWorldSpace(false),
+      componentId(0),
+      mirrorId(0) {}
 
 void* mergeVertsCmd::creator() {
   return new mergeVertsCmd;
@@ -39,61 +46,47 @@ MStatus mergeVertsCmd::parseArguments(const MArgList& arguments) {
 }
 
 MStatus mergeVertsCmd::doIt(const MArgList& arguments) {
-  MStatus status = parseArguments(arguments);
+  const MStatus status = parseArguments(arguments);
   if (status != MS::kSuccess) return status;
+  mirrorWorldSpace = toolSettings::current().mirrorWorldSpace;
   MSelectionList selection;
   MGlobal::getActiveSelectionList(selection);
   if (selection.length() != 1) {
     displayError("mergeVert command does not work with multiple objects selected.");
     return MS::kFailure;
   }
-  appendSelectedVertices(selection, meshPath, vertexIds);
+  appendSelectedVertices(selection, dagPath, vertexIds);
   if (vertexIds.length() < (mirror ? 3u : 2u)) {
     displayError("mergeVert command failed: Selected Verts cannot be merged");
     return MS::kFailure;
   }
-  MPointArray points;
-  if ((status = readWorldPoints(meshPath, points)) != MS::kSuccess) return status;
-  if (!idsAreInRange(vertexIds, points.length())) return MS::kFailure;
-  oldPositions = pointsAt(points, vertexIds);
-  if (!positionsAreFinite("qxMergeVerts", vertexIds, oldPositions)) return MS::kFailure;
-  if ((status = oldPlaces.take(meshPath, vertexIds)) != MS::kSuccess) return status;
-  return gatherAtTarget(points);
+  MPointArray positions;
+  return reshape(mirrorOptions(), positions);
 }
 
-MStatus mergeVertsCmd::redoIt() {
-  MPointArray points;
-  const MStatus status = readWorldPoints(meshPath, points);
-  return status == MS::kSuccess ? gatherAtTarget(points) : status;
-}
-
-MStatus mergeVertsCmd::gatherAtTarget(MPointArray& points) {
+MStatus mergeVertsCmd::plan(const MPointArray& points, MPointArray& positions) {
   MIntArray targets(1, componentId);
   if (mirror) targets.append(mirrorId);
-  if (!idsAreInRange(vertexIds, points.length()) || !idsAreInRange(targets, points.length()) ||
-      (mirror && (axis < 0 || axis > 2)))
+  if (!idsAreInRange(targets, points.length()) || (mirror && (axis < 0 || axis > 2)))
     return MS::kInvalidParameter;
-  if (!positionsAreFinite("qxMergeVerts", targets, pointsAt(points, targets))) return MS::kFailure;
+  if (!positionsAreFinite(name, targets, pointsAt(points, targets))) return MS::kFailure;
 
-  const MPoint target = points[static_cast<unsigned int>(componentId)];
+  const MPoint& target = points[static_cast<unsigned int>(componentId)];
   if (!mirror) {
-    for (unsigned int i = 0; i < vertexIds.length(); ++i)
-      points[static_cast<unsigned int>(vertexIds[i])] = target;
-    return writeAllWorldPoints(meshPath, points);
+    for (unsigned int i = 0; i < positions.length(); ++i) positions[i] = target;
+    return MS::kSuccess;
   }
   mirrorOptions options;
   options.axis = axis;
-  options.inWorldSpace = toolSettings::current().mirrorWorldSpace;
-  const mirrorPlane plane = options.plane(meshPath);
-  const MPoint counterpart = points[static_cast<unsigned int>(mirrorId)];
-  const bool targetIsPositive = plane.isPositive(target);
-  for (unsigned int i = 0; i < vertexIds.length(); ++i) {
-    MPoint& point = points[static_cast<unsigned int>(vertexIds[i])];
-    point = plane.isPositive(point) == targetIsPositive ? target : counterpart;
-  }
-  return writeAllWorldPoints(meshPath, points);
+  options.inWorldSpace = mirrorWorldSpace;
+  const mirrorSides sides(dagPath, options, points);
+  const bool targetIsPositive = sides.isPositive(componentId);
+  const MPoint& counterpart = points[static_cast<unsigned int>(mirrorId)];
+  for (unsigned int i = 0; i < positions.length(); ++i)
+    positions[i] = sides.isPositive(vertexIds[i]) == targetIsPositive ? target : counterpart;
+  return MS::kSuccess;
 }
 
-MStatus mergeVertsCmd::undoIt() {
-  return oldPlaces.putBack(meshPath, vertexIds, oldPositions);
+MStatus mergeVertsCmd::redoIt() {
+  return reshapeAgain();
 }

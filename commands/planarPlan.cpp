@@ -12,10 +12,14 @@ namespace {
 constexpr double kCancelled = 1e-9;
 }  // namespace
 
-MVector meanVector(const MVectorArray& vectors) {
+MVector sumOf(const MVectorArray& vectors) {
   MVector sum;
   for (unsigned int i = 0; i < vectors.length(); ++i) sum += vectors[i];
-  return vectors.length() == 0 ? sum : sum / static_cast<double>(vectors.length());
+  return sum;
+}
+
+MVector meanVector(const MVectorArray& vectors) {
+  return vectors.length() == 0 ? MVector() : sumOf(vectors) / static_cast<double>(vectors.length());
 }
 
 bool flattenRun(MPointArray& positions, unsigned int start, unsigned int count,

@@ -11,5 +11,7 @@ class MVectorArray;
 bool flattenRun(MPointArray& positions, unsigned int start, unsigned int count,
                 const MVector& normal);
 
-/// Mean of vectors; zero for none.
+/// Sum of vectors; zero for none.
+MVector sumOf(const MVectorArray& vectors);
+/// Their mean; zero for none.
 MVector meanVector(const MVectorArray& vectors);

@@ -114,7 +114,8 @@ MStatus SelectCmd::redoIt() {
   if (status != MS::kSuccess) return status;
   MGlobal::executeCommand("doMenuComponentSelection(\"" + lastPathName + "\", \"edge\")", false,
                           false);
-  return MS::kSuccess;
+  // The menu's procedure hilites the one object that it is given.
+  return MGlobal::setHiliteList(edgeSelection);
 }
 
 MStatus SelectCmd::undoIt() {

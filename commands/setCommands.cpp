@@ -4,6 +4,8 @@
 #include <maya/MGlobal.h>
 #include <maya/MString.h>
 
+#include "commands/viewMessages.h"
+#include "shared/selection/pickOrder.h"
 #include "shared/settings/storeValues.h"
 #include "shared/settings/toolMessages.h"
 #include "shared/settings/toolSettings.h"
@@ -14,6 +16,18 @@ constexpr const char* kMessageFlag = "-ms";
 
 MStatus readControls(const MString&) {
   storeValues(toolSettings::current());
+  return MS::kSuccess;
+}
+
+/// Gives the vertex that was picked last as the command's result.
+MStatus tellLastPicked(const MString&) {
+  MPxCommand::setResult(pickOrder::lastVertex());
+  return MS::kSuccess;
+}
+
+/// Back to the values of a new installation, whether windows that show them are open or not.
+MStatus resetControls(const MString&) {
+  toolSettings::reset();
   return MS::kSuccess;
 }
 
@@ -45,7 +59,7 @@ struct messageRow {
 
 constexpr messageRow kMessages[] = {
     {"storeValues", readControls},
-    {"setSlideDag", runToolMessage},
+    {"setSlideDag", setSlideDag},
     {"setPinValues", runToolMessage},
     {"unPinValues", runToolMessage},
     {"buildUVObject", runToolMessage},
@@ -53,11 +67,13 @@ constexpr messageRow kMessages[] = {
     {"removeAncorPoint", mark},
     {"markEdges", mark},
     {"unMarkEdges", mark},
-    {"customFrame", runToolMessage},
+    {"customFrame", customFrame},
     {"checkLicense", tellLicence},
     {"activationCode", tellLicence},
     {"trialsLeft", tellLicence},
     {"checkForUpdates", checkForUpdates},
+    {"resetValues", resetControls},
+    {"lastPickedVertex", tellLastPicked},
 };
 
 }  // namespace

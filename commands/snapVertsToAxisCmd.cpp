@@ -3,11 +3,10 @@
 #include <maya/MArgDatabase.h>
 #include <maya/MSelectionList.h>
 
-#include "shared/mesh/worldPoints.h"
 #include "shared/selection/componentGather.h"
 #include "shared/settings/toolSettings.h"
 
-snapVertsToAxisCmd::snapVertsToAxisCmd() : axis(0) {}
+snapVertsToAxisCmd::snapVertsToAxisCmd() : reshapeCmd("qxSnapVertsToAxis"), axis(0) {}
 
 void* snapVertsToAxisCmd::creator() {
   return new snapVertsToAxisCmd;
@@ -25,37 +24,18 @@ MStatus snapVertsToAxisCmd::doIt(const MArgList& arguments) {
   status = singleObjectSelection(selection);
   if (status != MS::kSuccess) return status;
   appendSelectedVertices(selection, dagPath, vertexIds);
-  if (vertexIds.length() == 0)
-    return redoIt();  // no vertices: fails on the path that was never set
-
-  MPointArray points;
-  status = readWorldPoints(dagPath, points);
-  if (status != MS::kSuccess) return status;
-  if (!idsAreInRange(vertexIds, points.length())) return MS::kFailure;
-  savedPositions = pointsAt(points, vertexIds);
-  if (!positionsAreFinite("qxSnapVertsToAxis", vertexIds, savedPositions)) return MS::kFailure;
-  if ((status = savedPlaces.take(dagPath, vertexIds)) != MS::kSuccess) return status;
   const int mirrorAxis = toolSettings::current().mirrorAxis;
   if (mirrorAxis >= 0 && mirrorAxis <= 2) axis = mirrorAxis;
-  clearAxis(points);
-  return writeAllWorldPoints(dagPath, points);
+  MPointArray positions;
+  return reshape(mirrorOptions(), positions);
 }
 
-void snapVertsToAxisCmd::clearAxis(MPointArray& points) const {
+MStatus snapVertsToAxisCmd::plan(const MPointArray&, MPointArray& positions) {
   double MPoint::*const coordinate = axis == 0 ? &MPoint::x : axis == 1 ? &MPoint::y : &MPoint::z;
-  for (unsigned int i = 0; i < vertexIds.length(); ++i)
-    points[static_cast<unsigned int>(vertexIds[i])].*coordinate = 0.0;
+  for (unsigned int i = 0; i < positions.length(); ++i) positions[i].*coordinate = 0.0;
+  return MS::kSuccess;
 }
 
 MStatus snapVertsToAxisCmd::redoIt() {
-  MPointArray points;
-  const MStatus status = readWorldPoints(dagPath, points);
-  if (status != MS::kSuccess) return status;
-  if (!idsAreInRange(vertexIds, points.length())) return MS::kFailure;
-  clearAxis(points);
-  return writeAllWorldPoints(dagPath, points);
-}
-
-MStatus snapVertsToAxisCmd::undoIt() {
-  return savedPlaces.putBack(dagPath, vertexIds, savedPositions);
+  return reshapeAgain();
 }

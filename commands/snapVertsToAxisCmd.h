@@ -1,32 +1,23 @@
 #pragma once
 
-#include <maya/MDagPath.h>
-#include <maya/MIntArray.h>
-#include <maya/MPointArray.h>
-#include <maya/MPxCommand.h>
 #include <maya/MSyntax.h>
 
-#include "shared/mesh/storedPlaces.h"
+#include "commands/reshapeCmd.h"
 
 /// `qxSnapVertsToAxis`: puts the selected vertices of one mesh on the toolkit's mirror plane: their
 /// world coordinate on the mirror axis becomes 0.
-class snapVertsToAxisCmd : public MPxCommand {
+class snapVertsToAxisCmd : public reshapeCmd {
  public:
   snapVertsToAxisCmd();
   MStatus doIt(const MArgList& arguments) override;
+  /// Clears the coordinate again; the other two stay as they are then.
   MStatus redoIt() override;
-  MStatus undoIt() override;
-  bool isUndoable() const override { return true; }
 
   static void* creator();
   static MSyntax newSyntax();
 
  private:
-  void clearAxis(MPointArray& points) const;
+  MStatus plan(const MPointArray& points, MPointArray& positions) override;
 
-  MDagPath dagPath;
-  MIntArray vertexIds;         ///< in the order of the selection
-  MPointArray savedPositions;  ///< world space, one a vertex of `vertexIds`
-  storedPlaces savedPlaces;
   int axis;  ///< 0 x, 1 y, 2 z
 };

@@ -7,18 +7,19 @@
 
 #include "commands/straightenPlan.h"
 #include "shared/mesh/mathHelper.h"
-#include "shared/mesh/worldPoints.h"
 #include "shared/selection/componentGather.h"
-#include "shared/settings/mirrorOptions.h"
+#include "shared/settings/flagReader.h"
 
 namespace {
 
 constexpr const char* kAxisFlag = "-ax";
 constexpr const char* kAxisMirrorFlag = "-axm";
 constexpr const char* kAverageFlag = "-av";
+constexpr int kNoSplit = 6;
 
 /// The place of `text` among `names`, or `otherwise`.
-int codeOf(const MString& text, const char* const* names, int count, int otherwise) {
+template <int count>
+int codeOf(const MString& text, const char* const (&names)[count], int otherwise) {
   for (int i = 0; i < count; ++i)
     if (text == names[i]) return i;
   return otherwise;
@@ -27,7 +28,11 @@ int codeOf(const MString& text, const char* const* names, int count, int otherwi
 }  // namespace
 
 straightenCmd::straightenCmd()
-    : keepAxes(kKeepNone), average(false), mirrorAxis(6), mirrorInObjectSpace(1) {}
+    : reshapeCmd("qxStraightenCmd"),
+      keepAxes(kKeepNone),
+      average(false),
+      mirrorAxis(kNoSplit),
+      mirrorInObjectSpace(1) {}
 
 void* straightenCmd::creator() {
   return new straightenCmd;
@@ -42,40 +47,21 @@ MSyntax straightenCmd::newSyntax() {
 }
 
 MStatus straightenCmd::parseArguments(const MArgList& arguments) {
-  keepAxes = kKeepNone;
-  mirrorAxis = 6;
-  average = false;
-  MStatus parsed, status;
+  MStatus parsed;
   const MArgDatabase database(syntax(), arguments, &parsed);
-
-  if (database.isFlagSet(kAxisFlag)) {
-    MString text;
-    status = database.getFlagArgument(kAxisFlag, 0, text);
-    if (status != MS::kSuccess) {
-      status.perror("could not parse straighten axis command message set");
-      return status;
-    }
-    static const char* const kNames[] = {"x", "y", "z", "xy", "xz", "yz", "all"};
-    keepAxes = codeOf(text, kNames, 7, keepAxes);
-  }
-  if (database.isFlagSet(kAxisMirrorFlag)) {
-    MString text;
-    status = database.getFlagArgument(kAxisMirrorFlag, 0, text);
-    if (status != MS::kSuccess) {
-      status.perror("could not parse straighten mirror axis command message set");
-      return status;
-    }
-    static const char* const kNames[] = {"x", "y", "z"};
-    mirrorAxis = codeOf(text, kNames, 3, mirrorAxis);
-  }
-  if (database.isFlagSet(kAverageFlag)) {
-    status = database.getFlagArgument(kAverageFlag, 0, average);
-    if (status != MS::kSuccess) {
-      status.perror("could not parse straighten average message set");
-      return status;
-    }
-  }
+  MString keep, split;
+  MStatus status =
+      readFlag(database, kAxisFlag, keep, "could not parse straighten axis command message set");
+  if (status == MS::kSuccess)
+    status = readFlag(database, kAxisMirrorFlag, split,
+                      "could not parse straighten mirror axis command message set");
+  if (status == MS::kSuccess)
+    status =
+        readFlag(database, kAverageFlag, average, "could not parse straighten average message set");
+  if (status != MS::kSuccess) return status;
   if (parsed != MS::kSuccess) return parsed;  // words that are no flag of this command
+  keepAxes = codeOf(keep, {"x", "y", "z", "xy", "xz", "yz", "all"}, kKeepNone);
+  mirrorAxis = codeOf(split, {"x", "y", "z"}, kNoSplit);
   mirrorInObjectSpace = mirrorOptions::worldSpaceFromWindow(mirrorInObjectSpace != 0) ? 1 : 0;
   return MS::kSuccess;
 }
@@ -92,41 +78,21 @@ MStatus straightenCmd::gather() {
 
 MStatus straightenCmd::doIt(const MArgList& arguments) {
   MStatus status = parseArguments(arguments);
+  if (status == MS::kSuccess) status = gather();
   if (status != MS::kSuccess) return status;
-  status = gather();
-  if (status != MS::kSuccess) return status;
-  if (vertexIds.length() == 0)
-    return redoIt();  // no components: fails on the path that was never set
-
-  MPointArray points;
-  status = readWorldPoints(dagPath, points);
-  if (status != MS::kSuccess) return status;
-  if (!idsAreInRange(vertexIds, points.length())) return MS::kFailure;
-
   mirrorOptions mirror;
   mirror.axis = mirrorAxis;
   mirror.inWorldSpace = mirrorInObjectSpace != 0;
-  const bool isSplit = splitByMirror(vertexIds, points, dagPath, mirror);
-  savedPositions = pointsAt(points, vertexIds);
-  if (!positionsAreFinite("qxStraightenCmd", vertexIds, savedPositions)) return MS::kFailure;
-  straightPositions = savedPositions;
+  return reshape(mirror, straightPositions);
+}
 
-  const unsigned int count = vertexIds.length();
-  if (isSplit) {
-    const unsigned int half = count / 2;
-    straightenRun(straightPositions, 0, half, keepAxes);
-    straightenRun(straightPositions, count - half, half, keepAxes);
-  } else {
-    straightenRun(straightPositions, 0, count, keepAxes);
-  }
-  if ((status = savedPlaces.take(dagPath, vertexIds)) != MS::kSuccess) return status;
-  return writeWorldPoints(dagPath, vertexIds, straightPositions, &points);
+MStatus straightenCmd::plan(const MPointArray&, MPointArray& positions) {
+  const unsigned int half = firstRun(), count = positions.length();
+  straightenRun(positions, 0, half, keepAxes);
+  if (isSplit) straightenRun(positions, count - half, half, keepAxes);
+  return MS::kSuccess;
 }
 
 MStatus straightenCmd::redoIt() {
-  return writeWorldPoints(dagPath, vertexIds, straightPositions);
-}
-
-MStatus straightenCmd::undoIt() {
-  return savedPlaces.putBack(dagPath, vertexIds, savedPositions);
+  return write(straightPositions);
 }

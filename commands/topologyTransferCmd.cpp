@@ -176,8 +176,8 @@ void topologyTransferCmd::putOnSurface(const MDagPath& target, const MPointArray
   MMeshIsectAccelParams accelParams = MFnMesh::autoUniformGridParams();
   MObject targetNode = target.node();
   MMeshIntersector nearest;
-  nearest.create(targetNode,
-                 space == MSpace::kWorld ? target.inclusiveMatrix() : MMatrix::identity);
+  const MMatrix toSpace = space == MSpace::kWorld ? target.inclusiveMatrix() : MMatrix::identity;
+  nearest.create(targetNode, toSpace);
   const double limit = maxDistance > 0.0 ? maxDistance : 4.0 * size;
   const double rounding = 1e-6 * size;
   for (unsigned int v = 0; v < warped.length(); ++v) {
@@ -187,7 +187,7 @@ void topologyTransferCmd::putOnSurface(const MDagPath& target, const MPointArray
                               : nearest.getClosestPoint(warped[v], closest);
     if (found != MS::kSuccess) continue;
     isPlaced[v] = 1;
-    pointsAfter[v] = MPoint(closest.getPoint());
+    pointsAfter[v] = MPoint(closest.getPoint()) * toSpace;
     const double reach =
         std::min(limit, kFarther * warped[v].distanceTo(pointsAfter[v]) + rounding);
     MFloatPoint hit;
@@ -249,8 +249,7 @@ MStatus topologyTransferCmd::doIt(const MArgList& arguments) {
   if ((status = MFnMesh(pair.second).getPoints(target, space)) != MS::kSuccess) return status;
   if (!positionsAreFinite(kName, pointsBefore) || !positionsAreFinite(kName, target))
     return MS::kFailure;
-  if (space == MSpace::kWorld && (status = placesBefore.takeAll(movedPath)) != MS::kSuccess)
-    return status;
+  if ((status = placesBefore.takeAll(movedPath)) != MS::kSuccess) return status;
   if (!byOrder && (status = pairLandmarks(pair, target.length())) != MS::kSuccess) return status;
 
   pointsAfter = pointsBefore;
@@ -273,6 +272,5 @@ MStatus topologyTransferCmd::redoIt() {
 }
 
 MStatus topologyTransferCmd::undoIt() {
-  if (space == MSpace::kWorld) return placesBefore.putAllBack(movedPath, pointsBefore);
-  return movedPath.isValid() ? MFnMesh(movedPath).setPoints(pointsBefore, space) : MS::kFailure;
+  return placesBefore.putAllBack(movedPath, pointsBefore, space);
 }

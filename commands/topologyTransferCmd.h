@@ -48,7 +48,7 @@ class topologyTransferCmd : public MPxCommand {
 
   MDagPath movedPath;
   MPointArray pointsBefore, pointsAfter;  ///< in `space`, all vertices of the first mesh
-  storedPlaces placesBefore;              ///< when `space` is the world
-  std::vector<char> isPlaced;             ///< one a vertex
+  storedPlaces placesBefore;
+  std::vector<char> isPlaced;  ///< one a vertex
   int unplaced;
 };

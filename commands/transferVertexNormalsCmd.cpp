@@ -109,8 +109,9 @@ MStatus transferVertexNormalsCmd::gatherNormals(const meshPair& pair) {
   const MPointArray centres = faceCentres(points, counts, connects);
   MObject sourceNode = pair.second.node();
   MMeshIntersector nearest;
-  nearest.create(sourceNode,
-                 space == MSpace::kWorld ? pair.second.inclusiveMatrix() : MMatrix::identity);
+  const MMatrix toSpace =
+      space == MSpace::kWorld ? pair.second.inclusiveMatrix() : MMatrix::identity;
+  nearest.create(sourceNode, toSpace);
 
   const MIntArray chosen = chosenVertices(pair, points.length());
   if (!idsAreInRange(chosen, points.length())) return MS::kFailure;
@@ -125,7 +126,7 @@ MStatus transferVertexNormalsCmd::gatherNormals(const meshPair& pair) {
     }
     vertexIds.append(chosen[i]);
     vertexNormals.append(source.at(place.faceIndex(), point));
-    if (!source.isAtHardEdge(place.faceIndex(), MPoint(place.getPoint()))) continue;
+    if (!source.isAtHardEdge(place.faceIndex(), MPoint(place.getPoint()) * toSpace)) continue;
     MVectorArray ofCorners;
     for (unsigned int k = around.first(chosen[i]); k < around.first(chosen[i] + 1); ++k) {
       const MPoint& centre = centres[static_cast<unsigned int>(around.faces[around.corners[k]])];

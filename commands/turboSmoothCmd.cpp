@@ -65,14 +65,12 @@ void deletePath(const MDagPath& path) {
   MGlobal::deleteNode(node);
 }
 
-/// Ties a copy to its source, as far as the host lets it, and hides the source behind it. Takes the
-/// copy away on failure.
+/// Ties a copy to its source, as far as the host lets it, and hides the source behind it.
 MStatus link(const MDagPath& source, const MDagPath& copy) {
   const MPlug visibility = plugOf(source, "visibility");
   const MPlug message = plugOf(copy, "message");
   if (visibility.isNull() || message.isNull()) {
     MGlobal::displayWarning("cant find the message attribute!");
-    deletePath(copy);
     return MS::kFailure;
   }
   // A message is no value, so hosts refuse this; scripts that look for the error find it.
@@ -82,12 +80,16 @@ MStatus link(const MDagPath& source, const MDagPath& copy) {
   if (intermediate.isNull()) {
     if (!isQueued) MGlobal::displayError("cannot connect the message to the message");
     MGlobal::displayError("cannot find intermediateObject plug");
-    deletePath(copy);
     return MS::kFailure;
   }
   if (modifier.doIt() != MS::kSuccess || !isQueued)
     MGlobal::displayError("cannot connect the message to the message");
-  return intermediate.setValue(true);
+  const MStatus hidden = intermediate.setValue(true);
+  if (!hidden)
+    MGlobal::displayError(MString("qxESmoothCmd: ") + source.partialPathName() +
+                          " can't be hidden behind its copy: its intermediateObject is locked or "
+                          "driven");
+  return hidden;
 }
 
 void show(const MDagPath& source) {
@@ -103,7 +105,10 @@ void show(const MDagPath& source) {
     return;
   }
   visibility.setValue(true);
-  MGlobal::executeCommand(MString("sets -rm \"qxTSmoothObjectsSet\" ") + source.fullPathName());
+  int hasSet = 0;
+  MGlobal::executeCommand("objExists qxTSmoothObjectsSet", hasSet);
+  if (hasSet != 0)
+    MGlobal::executeCommand(MString("sets -rm \"qxTSmoothObjectsSet\" ") + source.fullPathName());
 }
 
 }  // namespace
@@ -125,17 +130,21 @@ MStatus turboSmoothCmd::doIt(const MArgList& arguments) {
       readFlag(database, kDivisionsFlag, numDiv, "could not parse message numDiv");
   if (status != MS::kSuccess) return status;
   if (parsed != MS::kSuccess) return parsed;
-  MGlobal::getActiveSelectionList(selection);
-  MSelectionList hilited;
+  MSelectionList active, hilited;
+  MGlobal::getActiveSelectionList(active);
   MGlobal::getHiliteList(hilited);
+  selection = active;
   selection.merge(hilited);
   if (selection.isEmpty()) return MS::kFailure;
-  return redoIt();
+  const MStatus smoothed = smoothAll();
+  if (smoothed != MS::kSuccess) {
+    MGlobal::setActiveSelectionList(active);
+    MGlobal::setHiliteList(hilited);
+  }
+  return smoothed;
 }
 
-MStatus turboSmoothCmd::redoIt() {
-  sourcePaths.clear();
-  smoothPaths.clear();
+MStatus turboSmoothCmd::smoothAll() {
   MGlobal::executeCommand("setToolTo selectSuperContext");
   for (MItSelectionList item(selection); !item.isDone(); item.next()) {
     MDagPath source, mesh;
@@ -157,17 +166,17 @@ MStatus turboSmoothCmd::smoothObject(const MDagPath& source) {
   MDagPath copy;
   status = copies.getDagPath(0, copy);
   if (status != MS::kSuccess) return status;
+  const bool wasHidden = plugOf(source, "intermediateObject").asBool();
   status = link(source, copy);
-  if (status != MS::kSuccess) return status;
-  sourcePaths.append(source);
-  smoothPaths.append(copy);
-  status = smoothCopy(copy);
-  if (status != MS::kSuccess) {
+  if (status == MS::kSuccess) status = smoothCopy(copy);
+  if (status == MS::kSuccess) {
+    sourcePaths.append(source);
+    smoothPaths.append(copy);
+  } else {
     // An object must not vanish behind a copy that could not be smoothed.
-    sourcePaths.remove(sourcePaths.length() - 1);
-    smoothPaths.remove(smoothPaths.length() - 1);
     deletePath(copy);
-    plugOf(source, "intermediateObject").setValue(false);
+    MPlug intermediate = plugOf(source, "intermediateObject");
+    if (intermediate.asBool() != wasHidden) intermediate.setValue(wasHidden);
   }
   MGlobal::setActiveSelectionList(MSelectionList());
   return status;
@@ -195,9 +204,23 @@ MStatus turboSmoothCmd::smoothCopy(const MDagPath& copy) const {
 
 MStatus turboSmoothCmd::undoIt() {
   MGlobal::executeCommand("setToolTo selectSuperContext");
+  removal = std::make_unique<MDagModifier>();
   for (unsigned int i = 0; i < smoothPaths.length(); ++i)
-    if (smoothPaths[i].isValid()) deletePath(smoothPaths[i]);
+    if (smoothPaths[i].isValid()) removal->deleteNode(smoothPaths[i].node());
+  const MStatus status = removal->doIt();
   for (unsigned int i = 0; i < sourcePaths.length(); ++i)
     if (sourcePaths[i].isValid()) show(sourcePaths[i]);
-  return MGlobal::setActiveSelectionList(selection);
+  MGlobal::setActiveSelectionList(selection);
+  return status;
+}
+
+MStatus turboSmoothCmd::redoIt() {
+  if (!removal) return MS::kFailure;
+  MGlobal::executeCommand("setToolTo selectSuperContext");
+  const MStatus status = removal->undoIt();
+  removal.reset();
+  for (unsigned int i = 0; i < sourcePaths.length(); ++i)
+    if (sourcePaths[i].isValid()) plugOf(sourcePaths[i], "intermediateObject").setValue(true);
+  MGlobal::setActiveSelectionList(MSelectionList());
+  return status;
 }

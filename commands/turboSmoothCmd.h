@@ -1,17 +1,22 @@
 #pragma once
 
+#include <maya/MDagModifier.h>
 #include <maya/MDagPath.h>
 #include <maya/MDagPathArray.h>
 #include <maya/MPxCommand.h>
 #include <maya/MSelectionList.h>
 #include <maya/MSyntax.h>
 
+#include <memory>
+
 /// `qxESmoothCmd`: makes a smoothed copy of each selected mesh object with its hard edges kept
 /// sharp, and hides the object behind it.
 ///
 /// The copy is subdivided with its hard edges fully creased, then once more without creases, which
 /// rounds the kept edges just enough to catch the light. Copies have no history. Undo deletes them
-/// and shows the objects; redo smooths anew.
+/// and shows the objects; redo brings back the same copies, with whatever later steps have made of
+/// them. An object that can't be smoothed ends the command and stays as it was; those before it
+/// are smoothed.
 class turboSmoothCmd : public MPxCommand {
  public:
   MStatus doIt(const MArgList& arguments) override;
@@ -23,6 +28,7 @@ class turboSmoothCmd : public MPxCommand {
   static MSyntax newSyntax();
 
  private:
+  MStatus smoothAll();
   MStatus smoothObject(const MDagPath& source);
   MStatus smoothCopy(const MDagPath& copy) const;
 
@@ -30,4 +36,5 @@ class turboSmoothCmd : public MPxCommand {
   MDagPathArray smoothPaths;  ///< their copies
   MSelectionList selection;   ///< what was selected, then what was hilited
   int numDiv = 1;             ///< divisions before the last, uncreased one add one to this
+  std::unique_ptr<MDagModifier> removal;  ///< brings back the copies that undo took away
 };

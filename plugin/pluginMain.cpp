@@ -11,6 +11,7 @@
 #include "plugin/licence.h"
 #include "plugin/registration.h"
 #include "plugin/tabletInput.h"
+#include "shared/selection/pickOrder.h"
 #include "shared/settings/toolSettings.h"
 #include "shared/tool/toolRun.h"
 
@@ -41,10 +42,12 @@ PLUGIN_EXPORT MStatus initializePlugin(MObject object) {
 
   MFnPlugin plugin(object, kVendor, kVersion, kApiVersion);
   pluginLoadPath = plugin.loadPath();
+  pickOrder::begin();
   return registerAll(plugin);
 }
 
 PLUGIN_EXPORT MStatus uninitializePlugin(MObject object) {
+  pickOrder::end();
   leaveActiveTools();  // a tool in the user's hand would lose its code
   releaseLicence();
   MFnPlugin plugin(object);

@@ -24,47 +24,64 @@ MStatus setPoints(const MFnDependencyNode& node, const char* attribute, const MP
   return status ? plug.setValue(data) : status;
 }
 
-/// Ties where the mesh stands to the node, so that points in world space stay where they were
+/// Ties where the shape stands to the node, so that points in world space stay where they were
 /// drawn.
-MStatus connectMatrix(MDagModifier& modifier, MDagPath transform, const MFnDependencyNode& node) {
-  transform.pop();
+MStatus connectMatrix(MDagModifier& modifier, const MDagPath& shape,
+                      const MFnDependencyNode& node) {
   MStatus status;
-  const MPlug matrices =
-      MFnDependencyNode(transform.node()).findPlug("parentMatrix", false, &status);
+  const MPlug matrices = MFnDependencyNode(shape.node()).findPlug("parentMatrix", false, &status);
   if (!status) return failWith("cannot find the parentMatrix attribute");
   const MPlug matrix = node.findPlug("inWorldMatrix", false, &status);
   if (!status) return failWith("cannot find the inWorldMatrix attribute");
-  status = modifier.connect(matrices.elementByLogicalIndex(0), matrix);
+  status = modifier.connect(matrices.elementByLogicalIndex(shape.instanceNumber()), matrix);
   if (status) status = modifier.doIt();
   return status ? status : failWith("cannot connect the xformMeshPlug to the inWorldMatrixPlug");
 }
 
 }  // namespace
 
-MStatus addPolyEdit::insert() {
+MStatus addPolyEdit::fill() const {
+  const MFnDependencyNode fn(node);
+  const MStatus status = setPoints(fn, "pts", points);
+  return status ? setPoints(fn, "mpts", isMirrored ? mirrorPoints : MPointArray()) : status;
+}
+
+MStatus addPolyEdit::make() {
   MStatus status;
   MDagModifier modifier;
   node = modifier.MDGModifier::createNode(addPolyNode::id, &status);
   if (!status) return failWith("error creating add poly node");
-  tweakNode = MObject::kNullObj;
   if (hasTweakNode) tweakNode = modifier.MDGModifier::createNode("polyTweak", &status);
   if (!status) return failWith("error creating tweak node");
   status = modifier.doIt();
-  if (status) {
-    const MFnDependencyNode fn(node);
-    status = setPoints(fn, "pts", points);
-    if (status && isMirrored) status = setPoints(fn, "mpts", mirrorPoints);
-    if (status) status = connectMatrix(modifier, mesh, fn);
+  if (status) status = fill();
+  if (status) status = connectMatrix(modifier, mesh, MFnDependencyNode(node));
+  if (status) status = mathHelper().insertNodeInHistory(mesh, node, tweakNode, &original);
+  if (!status) modifier.undoIt();
+  return status;
+}
+
+MStatus addPolyEdit::insert() {
+  if (!removal) {
+    const MStatus status = make();
+    if (!status) node = tweakNode = original = MObject::kNullObj;
+    return status;
   }
-  if (status) status = mathHelper().insertNodeInHistory(mesh, node, tweakNode);
-  if (status) return status;
-  modifier.undoIt();
-  node = tweakNode = MObject::kNullObj;
+  removal->undoIt();
+  MStatus status = fill();
+  if (status) status = mathHelper().insertNodeInHistory(mesh, node, tweakNode, &original);
+  if (status)
+    removal.reset();
+  else
+    removal->doIt();
   return status;
 }
 
 MStatus addPolyEdit::remove() {
-  const MStatus status = mathHelper().removeNodeFromHistory(mesh, node, tweakNode);
-  if (status) node = tweakNode = MObject::kNullObj;
+  if (node.isNull() || removal) return MS::kFailure;
+  removal = std::make_shared<MDGModifier>();
+  const MStatus status =
+      mathHelper().removeNodeFromHistory(mesh, node, tweakNode, original, removal.get());
+  if (!status) removal.reset();
   return status;
 }

@@ -12,7 +12,12 @@ MessageSink& currentSink() {
   return sink;
 }
 
-void writeToStreams(MessageKind kind, std::string_view text) {
+}  // namespace
+
+/// Writes to the standard streams, as messages without a sink do.
+void writeMessageToStreams(MessageKind kind, std::string_view text);
+
+void writeMessageToStreams(MessageKind kind, std::string_view text) {
   const auto length = static_cast<int>(text.size());
   switch (kind) {
     case MessageKind::Print:
@@ -34,14 +39,12 @@ void writeToStreams(MessageKind kind, std::string_view text) {
   std::fflush(stderr);
 }
 
-}  // namespace
-
 void postMessage(MessageKind kind, std::string_view text) {
   if (kind != MessageKind::Print) std::fflush(stdout);
   if (currentSink())
     currentSink()(kind, text);
   else
-    writeToStreams(kind, text);
+    writeMessageToStreams(kind, text);
 }
 
 MessageSink setMessageSink(MessageSink sink) {

@@ -13,13 +13,6 @@ using dg::Plug;
 using scene::Document;
 using scene::MeshData;
 
-bool hasOverride(Node& shape) {
-  return dg::dataAs<MeshData>(shape.graph().stored(shape.plug(kMeshOverrideAttribute))) != nullptr;
-}
-bool hasTweaks(Node& shape) {
-  return shape.graph().elementCount(shape.plug("pnts")) > 0;
-}
-
 Result<void> moveTweaks(Node& from, const Plug& to) {
   dg::Graph& graph = from.graph();
   std::vector<Index> indices;

@@ -167,10 +167,11 @@ void registerMesh(dg::TypeRegistry& types) {
   a.worldMesh = builder.add(std::move(worldMesh));
   builder.add(hidden(notStored(dg::makeTyped("cachedInMesh", "cim", "mesh"))));
   a.override = builder.add(hidden(dg::makeTyped(kMeshOverrideAttribute, "cdov", "mesh")));
-  // Children in double precision: an offset then takes a float point to any other float point
-  // exactly.
-  a.tweaks = builder.add(array(numbers(
-      "pnts", "pt", "float3", {real("pntx", "px"), real("pnty", "py"), real("pntz", "pz")})));
+  // Lengths, with children in double precision: an offset then takes a float point to any other
+  // float point exactly.
+  a.tweaks = builder.add(
+      array(numbers("pnts", "pt", "float3",
+                    {distance("pntx", "px"), distance("pnty", "py"), distance("pntz", "pz")})));
   auto access = std::make_shared<MeshAccess>();
   access->addTo(builder, a.inMesh);
   builder.add(

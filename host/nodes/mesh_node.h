@@ -13,4 +13,7 @@ void registerMesh(dg::TypeRegistry& types);
 /// history.
 inline constexpr const char* kMeshOverrideAttribute = "cornerDataOverride";
 
+[[nodiscard]] bool hasTweaks(Node& shape);    ///< elements in `pnts`
+[[nodiscard]] bool hasOverride(Node& shape);  ///< corner data of its own
+
 }  // namespace host::nodes

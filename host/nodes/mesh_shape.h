@@ -22,9 +22,9 @@ namespace host::nodes {
 /// Replaces the stored mesh and clears the tweaks. Fails when the shape has history.
 Result<void> setStoredMesh(dg::Node& shape, mesh::Mesh mesh);
 
-/// Moves points so that the evaluated mesh has exactly `points` (object space, one a vertex):
-/// written into the stored mesh when there is no history, as tweaks in `pnts` when there is. Points
-/// that do not change keep their bits. Recorded.
+/// Moves points so that the evaluated mesh has exactly `points` (object space, one a vertex): as
+/// tweaks in `pnts` when there is history and for vertices that have one, else written into the
+/// stored mesh. What is not moved keeps its bits, tweaks included. Recorded.
 Result<void> setEvaluatedPoints(dg::Node& shape, std::vector<math::Vec3f> points);
 Result<void> setEvaluatedPoints(dg::Node& shape, std::span<const math::Vec3f> points);
 
@@ -39,8 +39,9 @@ Result<void> setPointsIn(const scene::DagPath& shape, Space space,
                          std::span<const math::Vec3> points);
 
 /// Replaces everything but positions and topology (UVs, smoothness, creases, colours, normals) of
-/// the evaluated mesh. Without history it is stored; with history the shape keeps the edit as an
-/// override of its output that lasts until the topology that arrives has other counts.
+/// the evaluated mesh. Without history it is stored, below the tweaks; with history the shape keeps
+/// the edit as an override of its output that lasts until the topology that arrives has other
+/// counts.
 Result<void> setEvaluatedMesh(dg::Node& shape, mesh::Mesh mesh);
 
 /// Inserts a history node with mesh plugs `input` and `output` just before the shape. A shape

@@ -8,6 +8,7 @@
 #include <maya/MVector.h>
 
 class M3dView;
+class MDGModifier;
 
 /// What tools need all the time besides topology: units, rays, a place in a mesh's history, the
 /// view, index arrays. It keeps nothing; make one where it is used.
@@ -39,19 +40,27 @@ class mathHelper {
   /// (`polyTweak`) in front of the node the shape's tweaks move there; without one they stay on the
   /// shape and are added to what comes out of the node. Instances share the history. The selection
   /// stays as it is. Costs the number of tweaks.
-  /// @return failure with the scene as it was, apart from the intermediate copy; after "error
-  /// setting tweaks on node" when
-  ///         the connections can't be made
+  /// @param original gets the copy that was made, null when none was needed. One that it holds
+  ///     already, from an earlier time, serves instead of a new one.
+  /// @return failure with the scene as it was; after "error setting tweaks on node" when the
+  ///     connections can't be made
   MStatus insertNodeInHistory(const MDagPath& shape, const MObject& node,
-                              const MObject& tweakNode = MObject::kNullObj) const;
+                              const MObject& tweakNode = MObject::kNullObj,
+                              MObject* original = nullptr) const;
 
   /// Takes a node that `insertNodeInHistory` put in out again and deletes it, and its tweak node.
   /// What fed the node feeds what the node fed; its tweaks go back to the shape, so that the mesh
-  /// is, bit for bit, what it was before. An intermediate copy stays and drives the shape from now
-  /// on.
-  /// @return failure with the scene as it was when the node is not in the shape's history
+  /// is, bit for bit, what it was before.
+  /// @param original the copy that was made when it was put in: it goes too, and the shape has its
+  ///     mesh to itself again, unless something else has come between. Null: an original stays and
+  ///     drives the shape from now on.
+  /// @param deleter deletes the nodes, so that its `undoIt` brings the same ones back; null: they
+  ///     go for good
+  /// @return failure with the scene as it was when the node is not in this shape's history
   MStatus removeNodeFromHistory(const MDagPath& shape, const MObject& node,
-                                const MObject& tweakNode = MObject::kNullObj) const;
+                                const MObject& tweakNode = MObject::kNullObj,
+                                const MObject& original = MObject::kNullObj,
+                                MDGModifier* deleter = nullptr) const;
 
   /// The elements of an array, each once, ascending.
   MIntArray uniqueSorted(const MIntArray& values) const;
@@ -67,8 +76,9 @@ class mathHelper {
                              MPoint& world) const;
   /// The world point under a pixel on the near clipping plane.
   MStatus viewToWorld(const M3dView& view, int x, int y, MPoint& world) const;
-  /// The edge whose centre shows nearest to a pixel, hidden or not, the lowest of equally near
-  /// ones; centres that are clipped don't count. -1 when there is none. Linear in the edges.
+  /// The edge whose centre shows at the pixel nearest to a given one, hidden or not, the lowest of
+  /// equally near ones; centres that are clipped don't count. -1 when there is none. Linear in the
+  /// edges.
   int nearestEdgeOnScreen(const M3dView& view, int x, int y, const MDagPath& mesh,
                           MStatus* status = nullptr) const;
 };

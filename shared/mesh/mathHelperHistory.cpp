@@ -3,27 +3,21 @@
 #include <maya/MFnDagNode.h>
 #include <maya/MFnDependencyNode.h>
 #include <maya/MGlobal.h>
+#include <maya/MItDependencyGraph.h>
 #include <maya/MPlug.h>
 #include <maya/MPlugArray.h>
 #include <maya/MSelectionList.h>
 #include <maya/MString.h>
 #include <maya/MStringArray.h>
 
-#include <algorithm>
-#include <charconv>
-#include <string>
+#include <initializer_list>
 #include <vector>
 
 #include "shared/mesh/mathHelper.h"
 #include "shared/mesh/shownMesh.h"
+#include "shared/mesh/vertexTweaks.h"
 
 namespace {
-
-/// The offset of one vertex.
-struct vertexTweak {
-  int vertex;
-  double offset[3];
-};
 
 /// A node's plugs in a chain of meshes.
 struct chainPlugs {
@@ -62,70 +56,16 @@ MStatus meshShape(const MDagPath& path, MDagPath& shape) {
   return extendToShownMesh(shape);
 }
 
-MPlug tweaksOfShape(const MDagPath& shape) {
-  return MFnDagNode(shape).findPlug("pnts");
-}
-MPlug tweaksOfNode(const MObject& node) {
-  return MFnDependencyNode(node).findPlug("tweak");
-}
-
-/// The offsets of an array of triples that are not zero, by vertex.
-std::vector<vertexTweak> readTweaks(MPlug array) {
-  MIntArray vertices;
-  array.getExistingArrayAttributeIndices(vertices);
-  std::vector<vertexTweak> tweaks;
-  for (unsigned int i = 0; i < vertices.length(); ++i) {
-    const MPlug element = array.elementByLogicalIndex(static_cast<unsigned int>(vertices[i]));
-    vertexTweak tweak{vertices[i], {}};
-    for (unsigned int k = 0; k < 3; ++k) tweak.offset[k] = element.child(k).asDouble();
-    if (tweak.offset[0] != 0.0 || tweak.offset[1] != 0.0 || tweak.offset[2] != 0.0)
-      tweaks.push_back(tweak);
-  }
-  std::sort(tweaks.begin(), tweaks.end(),
-            [](const vertexTweak& a, const vertexTweak& b) { return a.vertex < b.vertex; });
-  return tweaks;
-}
-
-/// Text that reads back as the same number.
-void append(std::string& text, double number) {
-  char digits[32];
-  const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-  text.push_back(' ');
-  text.append(digits, end);
-}
-
-/// Sets `name`[vertex] of all tweaks, some lines at a time: a command for each would cost more than
-/// what it does.
-template <class Value>
-MStatus setEach(const std::string& name, const std::vector<vertexTweak>& tweaks, Value value) {
-  constexpr std::size_t kLines = 512;
-  for (std::size_t first = 0; first < tweaks.size(); first += kLines) {
-    std::string lines;
-    for (std::size_t i = first; i < tweaks.size() && i < first + kLines; ++i) {
-      lines += "setAttr " + name + "[" + std::to_string(tweaks[i].vertex) + "]";
-      value(lines, tweaks[i]);
-      lines += ";\n";
-    }
-    const MStatus status = MGlobal::executeCommand(lines.c_str(), false, false);
-    if (status != MS::kSuccess) return status;
-  }
-  return MS::kSuccess;
-}
-
-MStatus setToZero(const std::string& name, const std::vector<vertexTweak>& tweaks) {
-  return setEach(name, tweaks, [](std::string& line, const vertexTweak&) { line += " 0 0 0"; });
-}
-MStatus setTo(const std::string& name, const std::vector<vertexTweak>& tweaks) {
-  return setEach(name, tweaks, [](std::string& line, const vertexTweak& tweak) {
-    for (const double number : tweak.offset) append(line, number);
-  });
-}
-
-std::string pointsName(const MDagPath& shape) {
-  return std::string(shape.fullPathName().asChar()) + ".pnts";
-}
-std::string tweakName(const MObject& node) {
-  return std::string(MFnDependencyNode(node).name().asChar()) + ".tweak";
+/// Whether a shape's mesh comes from a node, over however many others.
+bool isInHistory(const MObject& node, const MPlug& shapeInput) {
+  MPlug root = shapeInput;
+  MStatus status;
+  for (MItDependencyGraph upstream(root, MFn::kInvalid, MItDependencyGraph::kUpstream,
+                                   MItDependencyGraph::kDepthFirst, MItDependencyGraph::kNodeLevel,
+                                   &status);
+       status && !upstream.isDone(); upstream.next())
+    if (upstream.currentItem() == node) return true;
+  return false;
 }
 
 /// The shapes of a transform that show as meshes.
@@ -210,8 +150,8 @@ MStatus makeOriginal(const MDagPath& shape, MObject& original) {
 }
 
 /// Adds what the shape itself has come to hold since.
-void addOffsets(std::vector<vertexTweak>& tweaks, const MPlug& array) {
-  const std::vector<vertexTweak> present = readTweaks(array);
+void addOffsets(std::vector<vertexTweak>& tweaks, const tweakPlugs& plugs) {
+  const std::vector<vertexTweak> present = plugs.read();
   std::size_t at = 0;
   for (vertexTweak& tweak : tweaks) {
     while (at < present.size() && present[at].vertex < tweak.vertex) ++at;
@@ -222,96 +162,125 @@ void addOffsets(std::vector<vertexTweak>& tweaks, const MPlug& array) {
 
 /// Connects source -> tweak -> node -> shape where source -> shape was, or takes that back when it
 /// can't be done.
-MStatus connectChain(const MPlug& source, bool wasDriving, const MPlug& shapeInput,
+MStatus connectChain(MDGModifier& modifier, const MPlug& source, const MPlug& shapeInput,
                      const chainPlugs& inserted, const chainPlugs& tweak) {
-  MDGModifier modifier;
-  MStatus status = wasDriving ? modifier.disconnect(source, shapeInput) : MStatus(MS::kSuccess);
-  if (status == MS::kSuccess)
-    status = modifier.connect(source, tweak.isThere ? tweak.input : inserted.input);
-  if (status == MS::kSuccess && tweak.isThere)
-    status = modifier.connect(tweak.output, inserted.input);
-  if (status == MS::kSuccess) status = modifier.connect(inserted.output, shapeInput);
-  if (status == MS::kSuccess) {
+  MStatus status = MS::kSuccess;
+  if (driverOf(shapeInput) == source) status = modifier.disconnect(source, shapeInput);
+  if (status) status = modifier.connect(source, tweak.isThere ? tweak.input : inserted.input);
+  if (status && tweak.isThere) status = modifier.connect(tweak.output, inserted.input);
+  if (status) status = modifier.connect(inserted.output, shapeInput);
+  if (status) {
     status = modifier.doIt();
-    if (status != MS::kSuccess) modifier.undoIt();
+    if (!status) modifier.undoIt();
   }
-  if (status != MS::kSuccess) MGlobal::displayError("error setting tweaks on node");
+  if (!status) MGlobal::displayError("error setting tweaks on node");
   return status;
 }
 
-/// Connects the node's source to all that the node drives, and the node to nothing.
-MStatus bypass(const MPlug& source, const chainPlugs& inserted, const chainPlugs& tweak) {
+/// Connects the node's source to all that the node drives, and the node to nothing. What is driven
+/// gets nothing for `unplug`, which takes a mesh of its own.
+MStatus bypass(const MPlug& source, const chainPlugs& inserted, const chainPlugs& tweak,
+               const MPlug& unplug) {
   MPlugArray fed;
   inserted.output.connectedTo(fed, false, true);
   if (fed.length() == 0) return MS::kFailure;
   MDGModifier modifier;
   MStatus status = modifier.disconnect(source, tweak.isThere ? tweak.input : inserted.input);
-  if (status == MS::kSuccess && tweak.isThere)
-    status = modifier.disconnect(tweak.output, inserted.input);
-  for (unsigned int i = 0; i < fed.length() && status == MS::kSuccess; ++i) {
+  if (status && tweak.isThere) status = modifier.disconnect(tweak.output, inserted.input);
+  for (unsigned int i = 0; i < fed.length() && status; ++i) {
     status = modifier.disconnect(inserted.output, fed[i]);
-    if (status == MS::kSuccess) status = modifier.connect(source, fed[i]);
+    if (status && fed[i] != unplug) status = modifier.connect(source, fed[i]);
   }
-  if (status != MS::kSuccess) return status;
+  if (!status) return status;
   status = modifier.doIt();
-  if (status != MS::kSuccess) modifier.undoIt();
+  if (!status) modifier.undoIt();
   return status;
+}
+
+/// Deletes nodes by a modifier, which can bring them back, or for good.
+MStatus deleteNodes(std::initializer_list<MObject> nodes, MDGModifier* deleter) {
+  MStatus status;
+  for (const MObject& node : nodes) {
+    if (node.isNull()) continue;
+    MObject gone = node;
+    const MStatus deleted = deleter ? deleter->deleteNode(gone) : MGlobal::deleteNode(gone);
+    if (status) status = deleted;
+  }
+  return status && deleter ? deleter->doIt() : status;
 }
 
 }  // namespace
 
 MStatus mathHelper::insertNodeInHistory(const MDagPath& path, const MObject& node,
-                                        const MObject& tweakNode) const {
+                                        const MObject& tweakNode, MObject* original) const {
   MDagPath shape;
   MStatus status = meshShape(path, shape);
-  if (status != MS::kSuccess) return status;
+  if (!status) return status;
   const chainPlugs inserted = plugsOf(node);
   const chainPlugs tweak = tweakNode.isNull() ? chainPlugs() : plugsOfTweak(tweakNode);
   if (!inserted.isThere || (!tweakNode.isNull() && !tweak.isThere)) return MS::kInvalidParameter;
 
-  const std::vector<vertexTweak> tweaks = readTweaks(tweaksOfShape(shape));
-  const MPlug shapeInput = MFnDagNode(shape).findPlug("inMesh");
+  const tweakPlugs own = tweakPlugs::ofShape(shape);
+  const std::vector<vertexTweak> tweaks = own.read();
+  const MPlug shapeInput = MFnDagNode(shape).findPlug("inMesh", false);
   MPlug source = driverOf(shapeInput);
-  const bool wasDriven = !source.isNull();
   // A copy may come with the tweaks apart or worked into its points: while there are none it can't
   // matter.
-  const bool takesTweaks = tweak.isThere || !wasDriven;
-  if (takesTweaks) status = setToZero(pointsName(shape), tweaks);
-  MObject original;
-  if (status == MS::kSuccess && !wasDriven) {
-    status = makeOriginal(shape, original);
-    source = original.isNull() ? MPlug() : MFnDependencyNode(original).findPlug("outMesh");
+  const bool needsOriginal = source.isNull(), takesTweaks = tweak.isThere || needsOriginal;
+  MObject made, before = original ? *original : MObject();
+  if (takesTweaks) status = own.setToZero(tweaks);
+  if (status && needsOriginal) {
+    if (before.isNull()) status = makeOriginal(shape, made);
+    const MObject& drives = before.isNull() ? made : before;
+    if (status) source = MFnDependencyNode(drives).findPlug("outMesh", false);
   }
-  if (status == MS::kSuccess && takesTweaks)
-    status = setTo(tweak.isThere ? tweakName(tweakNode) : pointsName(shape), tweaks);
-  if (status == MS::kSuccess) status = connectChain(source, wasDriven, shapeInput, inserted, tweak);
-  if (status == MS::kSuccess) return status;
-  if (takesTweaks) setTo(pointsName(shape), tweaks);
-  if (!original.isNull()) MGlobal::deleteNode(original);
+  MDGModifier modifier;
+  if (status) status = connectChain(modifier, source, shapeInput, inserted, tweak);
+  if (status && takesTweaks) {
+    const tweakPlugs target = tweak.isThere ? tweakPlugs::ofNode(tweakNode) : own;
+    status = target.set(tweaks);
+    if (!status) {
+      if (tweak.isThere) target.remove(tweaks);
+      modifier.undoIt();
+    }
+  }
+  if (status) {
+    if (original && before.isNull()) *original = made;
+    return status;
+  }
+  if (takesTweaks) own.set(tweaks);
+  deleteNodes({made}, nullptr);
   return status;
 }
 
 MStatus mathHelper::removeNodeFromHistory(const MDagPath& path, const MObject& node,
-                                          const MObject& tweakNode) const {
+                                          const MObject& tweakNode, const MObject& original,
+                                          MDGModifier* deleter) const {
   MDagPath shape;
   MStatus status = meshShape(path, shape);
-  if (status != MS::kSuccess) return status;
+  if (!status) return status;
   const chainPlugs inserted = plugsOf(node);
   const chainPlugs tweak = tweakNode.isNull() ? chainPlugs() : plugsOfTweak(tweakNode);
   if (!inserted.isThere || (!tweakNode.isNull() && !tweak.isThere)) return MS::kInvalidParameter;
   if (tweak.isThere && driverOf(inserted.input) != tweak.output) return MS::kFailure;
   const MPlug source = driverOf(tweak.isThere ? tweak.input : inserted.input);
-  if (source.isNull()) return MS::kFailure;
+  MPlug shapeInput = MFnDagNode(shape).findPlug("inMesh", false);
+  if (source.isNull() || !isInHistory(node, shapeInput)) return MS::kFailure;
 
+  // The original goes too when it only stood in for the shape's own mesh.
+  const bool takesOriginal =
+      !original.isNull() && source.node() == original && driverOf(shapeInput) == inserted.output;
+  const MObject ownMesh = takesOriginal ? source.asMObject() : MObject();
   std::vector<vertexTweak> tweaks;
-  if (tweak.isThere) tweaks = readTweaks(tweaksOfNode(tweakNode));
-  status = bypass(source, inserted, tweak);
-  if (status != MS::kSuccess) return status;
-  addOffsets(tweaks, tweaksOfShape(shape));
-  status = setTo(pointsName(shape), tweaks);
-  MObject gone = node;
-  const MStatus deleted = MGlobal::deleteNode(gone);
-  MObject goneTweak = tweakNode;
-  if (tweak.isThere) MGlobal::deleteNode(goneTweak);
-  return status == MS::kSuccess ? deleted : status;
+  if (tweak.isThere) tweaks = tweakPlugs::ofNode(tweakNode).read();
+  status = bypass(source, inserted, tweak, takesOriginal ? shapeInput : MPlug());
+  if (!status) return status;
+  if (takesOriginal) status = shapeInput.setMObject(ownMesh);
+  const tweakPlugs own = tweakPlugs::ofShape(shape);
+  addOffsets(tweaks, own);
+  const MStatus set = own.set(tweaks);
+  const MStatus deleted =
+      deleteNodes({node, tweakNode, takesOriginal ? original : MObject()}, deleter);
+  if (!status) return status;
+  return set ? deleted : set;
 }

@@ -9,10 +9,6 @@ mirrorPlane::mirrorPlane(const MDagPath& mesh, int axisIn, bool inWorldSpace)
   toWorld = mesh.inclusiveMatrix();
 }
 
-bool mirrorPlane::isPositive(const MPoint& worldPoint) const {
-  return inObjectSpace ? (worldPoint * toObject)[axis] >= 0.0 : worldPoint[axis] >= 0.0;
-}
-
 MPoint mirrorPlane::reflect(const MPoint& worldPoint) const {
   MPoint point = inObjectSpace ? worldPoint * toObject : worldPoint;
   point[axis] = -point[axis];

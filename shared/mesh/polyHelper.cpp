@@ -1,6 +1,7 @@
 #include "shared/mesh/polyHelper.h"
 
 #include <maya/MFn.h>
+#include <maya/MFnDoubleIndexedComponent.h>
 #include <maya/MFnMesh.h>
 #include <maya/MFnSingleIndexedComponent.h>
 #include <maya/MGlobal.h>
@@ -14,6 +15,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
+#include <string>
 #include <vector>
 
 #include "shared/mesh/shownMesh.h"
@@ -90,8 +93,33 @@ MIntArray orderAlongLine(const MPointArray& points, const MPoint& centre) {
   return toArray(places);
 }
 
-/// The vertices of a component set of any kind, or of the whole mesh for a null one; each once,
-/// ascending.
+/// The vertices that have any of some UVs.
+std::vector<int> verticesOfUvs(const MDagPath& mesh, const MObject& component) {
+  MIntArray listed, counts, ids, around, corners;
+  MFnSingleIndexedComponent(component).getElements(listed);
+  std::vector<int> uvs = toVector(listed), vertices;
+  makeSortedUnique(uvs);
+  const MFnMesh meshFn(mesh);
+  meshFn.getAssignedUVs(counts, ids);
+  meshFn.getVertices(around, corners);
+  unsigned int corner = 0, uv = 0;
+  for (unsigned int f = 0; f < counts.length() && f < around.length(); ++f) {
+    // A face has UVs at all its corners or at none.
+    for (int k = 0; k < counts[f]; ++k)
+      if (std::binary_search(uvs.begin(), uvs.end(), ids[uv++]))
+        vertices.push_back(corners[corner + static_cast<unsigned int>(k)]);
+    corner += static_cast<unsigned int>(around[f]);
+  }
+  return vertices;
+}
+
+std::vector<int> verticesOfVertexFaces(const MObject& component) {
+  MIntArray vertices, faces;
+  MFnDoubleIndexedComponent(component).getElements(vertices, faces);
+  return toVector(vertices);
+}
+
+/// The vertices of a component set of any kind, or of the whole mesh for a null one.
 std::vector<int> verticesOf(const MDagPath& mesh, MObject& component) {
   std::vector<int> vertices;
   if (component.isNull() || component.hasFn(MFn::kMeshVertComponent)) {
@@ -106,10 +134,19 @@ std::vector<int> verticesOf(const MDagPath& mesh, MObject& component) {
       face.getVertices(corners);
       for (unsigned int i = 0; i < corners.length(); ++i) vertices.push_back(corners[i]);
     }
+  } else if (component.hasFn(MFn::kMeshMapComponent)) {
+    vertices = verticesOfUvs(mesh, component);
+  } else if (component.hasFn(MFn::kMeshVtxFaceComponent)) {
+    vertices = verticesOfVertexFaces(component);
   }
-  makeSortedUnique(vertices);
   return vertices;
 }
+
+/// What is selected of one mesh.
+struct selectedVertices {
+  MDagPath mesh;
+  std::vector<int> ids;
+};
 
 }  // namespace
 
@@ -178,15 +215,26 @@ MStatus polyHelper::angularOrder(const MPointArray& points, const MVector* towar
 
 MStatus polyHelper::selectionCentre(const MSelectionList& selection, MPoint& centre) const {
   centre = MPoint();
+  std::map<std::string, selectedVertices> meshes;  // components of a mesh may come in several sets
+  for (const MFn::Type kind :
+       {MFn::kMesh, MFn::kMeshVertComponent, MFn::kMeshEdgeComponent, MFn::kMeshPolygonComponent,
+        MFn::kMeshMapComponent, MFn::kMeshVtxFaceComponent})
+    for (MItSelectionList item(selection, kind); !item.isDone(); item.next()) {
+      MDagPath mesh;
+      MObject component;
+      if (item.getDagPath(mesh, component) != MS::kSuccess) continue;
+      if (extendToShownMesh(mesh) != MS::kSuccess) continue;
+      selectedVertices& of = meshes[mesh.fullPathName().asChar()];
+      of.mesh = mesh;
+      const std::vector<int> ids = verticesOf(mesh, component);
+      of.ids.insert(of.ids.end(), ids.begin(), ids.end());
+    }
   MVector sum;
   unsigned int count = 0;
-  for (MItSelectionList item(selection, MFn::kMesh); !item.isDone(); item.next()) {
-    MDagPath mesh;
-    MObject component;
-    if (item.getDagPath(mesh, component) != MS::kSuccess || !mesh.isValid()) continue;
-    if (extendToShownMesh(mesh) != MS::kSuccess) continue;
-    MItMeshVertex vertex(mesh);
-    for (const int id : verticesOf(mesh, component)) {
+  for (auto& [name, of] : meshes) {
+    makeSortedUnique(of.ids);
+    MItMeshVertex vertex(of.mesh);
+    for (const int id : of.ids) {
       int before = 0;
       if (vertex.setIndex(id, before) != MS::kSuccess) continue;
       sum += MVector(vertex.position(MSpace::kWorld));

@@ -94,8 +94,8 @@ class polyHelper {
   /// points' bounding box in the plane's space, in its units.
   static double mirrorTolerance(const MPointArray& points);
 
-  /// The mean world position of all vertices of the selected components; a vertex counts once for
-  /// each selected component set it is part of. Whole objects count with all their vertices.
+  /// The mean world position of all vertices of the selected components, of any kind, each vertex
+  /// of a mesh once. Whole objects count with all their vertices.
   /// @return failure, with the origin, when no vertex is selected
   MStatus selectionCentre(const MSelectionList& selection, MPoint& centre) const;
   /// The same for the active selection.

@@ -60,14 +60,12 @@ MPoint meanPoint(const MPointArray& points, unsigned int start, unsigned int cou
 MPoint farthestFrom(const MPoint& from, const MPointArray& points, unsigned int start,
                     unsigned int count) {
   MPoint best;
-  double bestSquared = 0.0;
+  double farthest = 0.0;
   for (unsigned int i = start; i < start + count; ++i) {
-    const MVector offset = points[i] - from;
-    const double squared = offset * offset;
-    if (squared > bestSquared) {
-      bestSquared = squared;
-      best = points[i];
-    }
+    const double distance = points[i].distanceTo(from);
+    if (!(distance > farthest)) continue;
+    farthest = distance;
+    best = points[i];
   }
   return best;
 }

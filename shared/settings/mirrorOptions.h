@@ -1,11 +1,5 @@
 #pragma once
 
-#include "shared/mesh/mirrorPlane.h"
-
-class MDagPath;
-class MIntArray;
-class MPointArray;
-
 /// How the reshaping commands treat the two sides of a symmetric selection.
 struct mirrorOptions {
   static constexpr int kNoMirrorOption = 3;  ///< `axis` when the window's mirror box is off
@@ -22,13 +16,4 @@ struct mirrorOptions {
   /// Reads mirror box, axis and space from the toolkit's window; no mirror, world space while it is
   /// closed.
   static mirrorOptions fromWindow();
-
-  /// The plane that they mean for a mesh; only while they are on.
-  mirrorPlane plane(const MDagPath& mesh) const { return mirrorPlane(mesh, axis, inWorldSpace); }
 };
-
-/// Splits `vertexIds` (any order) by the side of the mirror plane. When both sides have the same
-/// number of vertices the ids become the negative side followed by the positive side, each in the
-/// order it had, and the answer is true; else they stay as they are.
-bool splitByMirror(MIntArray& vertexIds, const MPointArray& worldPoints, const MDagPath& mesh,
-                   const mirrorOptions& options);

@@ -9,7 +9,6 @@
 #include <limits>
 
 #include "shared/mesh/mathHelper.h"
-#include "shared/view/viewProjector.h"
 
 namespace {
 
@@ -18,11 +17,11 @@ short toPixel(int position) {
   return static_cast<short>(std::clamp(position, -kLimit, kLimit));
 }
 
-/// Whether two views show the same picture: their handles can't be compared.
-bool isSameView(M3dView a, M3dView b) {
-  MDagPath cameraA, cameraB;
-  if (a.getCamera(cameraA) != MS::kSuccess || b.getCamera(cameraB) != MS::kSuccess) return false;
-  return cameraA == cameraB && a.portWidth() == b.portWidth() && a.portHeight() == b.portHeight();
+/// Whether two views are one and the same: what stands behind them can't be compared, but each has
+/// a window of its own.
+bool isSameView(const M3dView& a, const M3dView& b) {
+  const auto window = a.window();
+  return window && window == b.window();
 }
 
 }  // namespace
@@ -68,17 +67,16 @@ MStatus mathHelper::viewToWorld(const M3dView& view, int x, int y, MPoint& world
 
 int mathHelper::nearestEdgeOnScreen(const M3dView& view, int x, int y, const MDagPath& mesh,
                                     MStatus* status) const {
-  MStatus usable = mesh.isValid() ? MS::kSuccess : MS::kFailure;
-  viewProjector projector(view);
-  if (usable == MS::kSuccess) projector = viewProjector(view, &usable).from(mesh.inclusiveMatrix());
+  MDagPath camera;
+  MStatus usable = mesh.isValid() ? M3dView(view).getCamera(camera) : MStatus(MS::kFailure);
   int nearest = -1;
   double best = std::numeric_limits<double>::infinity();
   if (usable == MS::kSuccess) {
     for (MItMeshEdge edge(mesh, MObject::kNullObj, &usable);
          usable == MS::kSuccess && !edge.isDone(); edge.next()) {
-      const viewPlace at = projector.project(edge.center(MSpace::kObject));
-      if (at.isClipped) continue;
-      const double squared = (at.x - x) * (at.x - x) + (at.y - y) * (at.y - y);
+      short atX = 0, atY = 0;
+      if (!view.worldToView(edge.center(MSpace::kWorld), atX, atY)) continue;
+      const double dx = atX - x, dy = atY - y, squared = dx * dx + dy * dy;
       if (!(squared < best)) continue;
       best = squared;
       nearest = edge.index();

@@ -106,16 +106,18 @@ TEST_CASE(
 }
 
 TEST_CASE(
-    "qxAddPolyNode: points are in the space of what is above the object; a matrix without a way "
-    "back changes nothing") {
+    "qxAddPolyNode: a polygon lands where it was drawn in the world, whatever transforms stand "
+    "above "
+    "the mesh; a matrix without a way back changes nothing") {
   toolkitSession toolkit;
   registeredNode type(toolkit);
   toolkit.run(std::string(kPlane) +
               "; group -n above shape; setAttr above.translate -type double3 10 2 0;"
-              "setAttr above.rotateY 90; setAttr above.scaleX 2");
+              "setAttr above.rotateY 90; setAttr above.scaleX 2; setAttr shape.rotateX 30; setAttr "
+              "shape.translateZ 4;");
   addPolyEdit edit = beside("shape");
   edit.isMirrored = false;
-  const MMatrix above = edit.mesh.exclusiveMatrix();
+  const MMatrix above = edit.mesh.inclusiveMatrix();
   for (unsigned int i = 0; i < edit.points.length(); ++i) edit.points[i] *= above;
   REQUIRE(edit.insert());
   CHECK(countsOf("shape") == meshCounts{6, 2});
@@ -186,4 +188,47 @@ TEST_CASE(
                            "invalid Mesh shape path: ", "there was an error adding the polygon.",
                            "error creating add poly node"})
     CHECK(text.find(part) != std::string::npos);
+}
+
+TEST_CASE(
+    "qxAddPolyCmd: a mesh without history has none after undo, and redo brings the same nodes") {
+  toolkitSession toolkit;
+  registeredNode type(toolkit);
+  for (const char* tweaked : {"", "; setAttr shapeShape.pnts[1] 0.1 0.2 0.3"}) {
+    CAPTURE(tweaked);
+    toolkit.run(std::string(kPlane) + " -ch 0" + tweaked);
+    const std::uint64_t before = toolkit.hash();
+    addPolyEdit edit = beside("shape");
+    edit.hasTweakNode = true;
+    addPolyCmd command(edit);
+    REQUIRE(command.redoIt());
+    toolkit.run(
+        "string $made[] = `ls -type qxAddPolyNode`; string $madeName = $made[0]; addAttr -ln mark "
+        "$madeName");
+    const std::uint64_t after = toolkit.hash();
+    for (int round = 0; round < 2; ++round) {
+      REQUIRE(command.undoIt());
+      CHECK(toolkit.hash() == before);
+      REQUIRE(command.redoIt());
+      CHECK(toolkit.hash() == after);
+    }
+    REQUIRE(command.undoIt());
+  }
+}
+
+TEST_CASE("qxAddPolyCmd: an edit of the node after it is undone and redone with it") {
+  toolkitSession toolkit;
+  registeredNode type(toolkit);
+  toolkit.run(std::string(kPlane) + " -ch 0");
+  addPolyEdit edit = beside("shape");
+  addPolyCmd command(edit);
+  REQUIRE(command.redoIt());
+  toolkit.run("string $there[] = `ls -type qxAddPolyNode`; setAttr ($there[0] + \".nodeState\") 1");
+  CHECK(countsOf("shape") == meshCounts{4, 1});
+  toolkit.run("undo");
+  CHECK(countsOf("shape") == meshCounts{8, 3});
+  REQUIRE(command.undoIt());
+  REQUIRE(command.redoIt());
+  toolkit.run("redo");
+  CHECK(countsOf("shape") == meshCounts{4, 1});
 }

@@ -127,7 +127,8 @@ TEST_CASE("circle plan: a bad normal is replaced, and what has no circle is refu
 
   MPointArray line = pointsOf({{0, 0, 0}, {1, 1, 1}, {2, 2, 2}, {5, 5, 5}});
   const MPointArray kept = line;
-  CHECK(circleRun(line, 0, 4, MVector(0, 1, 0)) == circleFault::pointsOnOneLine);
+  for (const MVector& normal : {MVector(), MVector(1, 1, 1), MVector(-2, -2, -2)})
+    CHECK(circleRun(line, 0, 4, normal) == circleFault::noPlane);
   CHECK(circleRun(line, 0, 2, MVector(0, 1, 0)) == circleFault::tooFewPoints);
   CHECK(same(line, kept));
 }

@@ -150,8 +150,7 @@ TEST_CASE(
   toolkitSession toolkit;
   toolkit.run(
       "qxSetCommands -ms \"noSuchMessage\"; qxSetCommands -ms \"storevalues\"; qxSetCommands");
-  CHECK(toolkit.failure("qxSetCommands -ms \"customFrame\"").find("customFrame") !=
-        std::string::npos);
+  toolkit.run("qxSetCommands -ms \"customFrame\"");  // the cursor is over no view
   CHECK_FALSE(toolkit.failure("qxSetCommands -ms").empty());
   CHECK_FALSE(toolkit.failure("qxSetCommands -bogus 1").empty());
   const host::MessageCapture quiet;

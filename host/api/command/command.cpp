@@ -1,7 +1,9 @@
+#include <fmt/format.h>
 #include <maya/MGlobal.h>
 #include <maya/MPxCommand.h>
 
 #include "host/api/command/command_adapter.h"
+#include "host/base/held_error.h"
 #include "host/cmd/session.h"
 
 namespace host::api {
@@ -55,32 +57,45 @@ CommandAdapter::CommandAdapter(std::unique_ptr<MPxCommand> object, std::string n
   rep.name = name_;
 }
 
-Result<void> CommandAdapter::outcome(const MStatus& status, const char* what) {
+/// What may have stood in the way of a command that failed without a word.
+std::string likelyReason(const MStatus& status) {
+  if (status.statusCode() != MStatus::kFailure) return status.errorString().asChar();
+  std::vector<std::string> names = document().selection().names();
+  if (names.empty()) return "nothing is selected for it to work on";
+  constexpr std::size_t kMost = 3;
+  const bool isLong = names.size() > kMost;
+  if (isLong) names.resize(kMost);
+  return fmt::format("it may not work on what is selected ({}{})", fmt::join(names, " "),
+                     isLong ? " ..." : "");
+}
+
+template <class Operation>
+Result<void> CommandAdapter::run(const char* what, const Operation& operation) {
+  (void)takeRememberedError();
+  HeldError said;
+  const MStatus status = operation();
   if (status == MStatus::kSuccess) return {};
+  if (auto text = said.take()) return failWith(Error{*std::move(text)});
   const std::string reason = takeRememberedError();
-  if (!reason.empty()) return fail("{} {}: {}", name_, what, reason);
-  return fail("{} {}: {}", name_, what, status.errorString().asChar());
+  return fail("{} {}: {}", name_, what, reason.empty() ? likelyReason(status) : reason);
 }
 
 Result<void> CommandAdapter::doIt(std::span<const mel::Value> arguments) {
   ResultScope scope;
-  (void)takeRememberedError();
   const MArgList list = wrap(std::vector<mel::Value>(arguments.begin(), arguments.end()));
-  const MStatus status = object_->doIt(list);
+  auto done = run("failed", [&] { return object_->doIt(list); });
   result_ = resultStack().back();
-  return outcome(status, "failed");
+  return done;
 }
 
 Result<void> CommandAdapter::undoIt() {
   DepthScope depth(undoDepth());
-  (void)takeRememberedError();
-  return outcome(object_->undoIt(), "could not be undone");
+  return run("could not be undone", [&] { return object_->undoIt(); });
 }
 
 Result<void> CommandAdapter::redoIt() {
   DepthScope depth(redoDepth());
-  (void)takeRememberedError();
-  return outcome(object_->redoIt(), "could not be redone");
+  return run("could not be redone", [&] { return object_->redoIt(); });
 }
 
 namespace {

@@ -31,7 +31,9 @@ class CommandAdapter final : public cmd::PluginCommand {
   [[nodiscard]] mel::Value result() const override { return result_; }
 
  private:
-  Result<void> outcome(const MStatus& status, const char* what);
+  /// Runs one of the object's operations; of its failure one thing is told: what it last said.
+  template <class Operation>
+  Result<void> run(const char* what, const Operation& operation);
   std::unique_ptr<MPxCommand> object_;
   std::string name_;
   mel::Value result_;

@@ -8,11 +8,13 @@ namespace {
 
 class IntersectorRep final : public SharedRep {
  public:
-  explicit IntersectorRep(Surface surfaceIn) : surface(std::move(surfaceIn)) {
+  IntersectorRep(const scene::MeshDataPtr& data, const std::optional<math::Matrix4>& toSpace)
+      : surface(data, toSpace), own(data, std::nullopt) {
     // Builds what questions need now, so that they can come from several threads.
     (void)surface.closestPoint({});
   }
-  const Surface surface;
+  const Surface surface;  ///< in the space that is asked in
+  const Surface own;      ///< in object space, that of the answers
 };
 
 std::optional<math::Matrix4> unlessIdentity(const math::Matrix4& matrix) {
@@ -28,10 +30,9 @@ using namespace host;
 MStatus MMeshIntersector::create(const MObject& meshObject, const MMatrix& matrix) {
   handle_ = api::Handle();
   const api::MeshTarget target(meshObject);
-  auto data = target.isNull() ? nullptr : target.read();
+  const auto data = target.isNull() ? nullptr : target.read();
   if (!data) return MStatus::kInvalidParameter;
-  handle_ = api::Handle(new api::IntersectorRep(
-      api::Surface(std::move(data), api::unlessIdentity(api::toMatrix4(matrix)))));
+  handle_ = api::Handle(new api::IntersectorRep(data, api::unlessIdentity(api::toMatrix4(matrix))));
   return MStatus::kSuccess;
 }
 bool MMeshIntersector::isCreated() const {
@@ -41,11 +42,11 @@ bool MMeshIntersector::isCreated() const {
 MStatus MMeshIntersector::getClosestPoint(const MPoint& point, MPointOnMesh& meshPoint,
                                           double maxDistance) const {
   if (!handle_) return MStatus::kFailure;
-  const api::Surface& surface = static_cast<const api::IntersectorRep*>(handle_.get())->surface;
-  const auto found = surface.closestPoint(api::toVec3(point), maxDistance);
+  const auto& rep = *static_cast<const api::IntersectorRep*>(handle_.get());
+  const auto found = rep.surface.closestPoint(api::toVec3(point), maxDistance);
   if (!found) return MStatus::kFailure;
-  meshPoint.point_ = MFloatPoint(api::toMPoint(found->point));
-  meshPoint.normal_ = MFloatVector(api::toMVector(surface.normalOf(found->face)));
+  meshPoint.point_ = MFloatPoint(api::toMPoint(rep.own.pointOf(*found)));
+  meshPoint.normal_ = MFloatVector(api::toMVector(rep.own.normalOf(found->face)));
   meshPoint.u_ = static_cast<float>(1 - found->u - found->v);
   meshPoint.v_ = static_cast<float>(found->u);
   meshPoint.face_ = found->face;

@@ -191,10 +191,11 @@ MCallbackId Callbacks::add(Callback callback, const void* function) {
     callback.due = callback.last + callback.period;
   }
   ++counts_[static_cast<std::size_t>(callback.kind)];
+  callback.owner = ownerOf(function);
+  if (callback.owner)
+    callback.owner->add(PluginRecord::Registration::Kind::Other, registrationName(id),
+                        [id] { (void)callbacks().remove(id); });
   callbacks_.emplace(id, std::move(callback));
-  if (PluginRecord* owner = ownerOf(function))
-    owner->add(PluginRecord::Registration::Kind::Other, registrationName(id),
-               [id] { (void)callbacks().remove(id); });
   return id;
 }
 
@@ -202,12 +203,11 @@ bool Callbacks::remove(MCallbackId id) {
   const auto found = callbacks_.find(id);
   if (found == callbacks_.end()) return false;
   --counts_[static_cast<std::size_t>(found->second.kind)];
+  PluginRecord* owner = found->second.owner;
   callbacks_.erase(found);
-  if (auto* loader = dynamic_cast<Loader*>(cmd::currentSession().pluginLoader.get()))
-    for (const std::string& name : loader->loaded())
-      if (const auto record = loader->find(name))
-        std::erase_if(record->registrations,
-                      [&](const auto& each) { return each.name == registrationName(id); });
+  if (owner)
+    std::erase_if(owner->registrations,
+                  [&](const auto& each) { return each.name == registrationName(id); });
   return true;
 }
 

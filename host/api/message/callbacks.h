@@ -72,6 +72,7 @@ class Callbacks final : public dg::GraphObserver, public scene::DocumentObserver
     int message = 0;
     std::function<void(Happening&)> call;
     double period = 0, due = 0, last = 0;  ///< timers, seconds
+    struct PluginRecord* owner = nullptr;  ///< set by `add`
   };
 
   Callbacks();

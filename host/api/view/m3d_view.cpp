@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 
 #include "host/api/view/app_window.h"
 #include "host/api/view/view_rep.h"
@@ -10,6 +11,11 @@
 #include "host/viewport/scene_gather.h"
 
 namespace host::api {
+
+MNativeWindowHdl windowHandleOf(const builtins::View* view) {
+  static std::map<std::string, char> panels;  // whose elements stay where they are
+  return view ? &panels[view->panel] : nullptr;
+}
 
 M3dView wrap(const builtins::View& view) {
   return Access::make<M3dView>(new ViewRep(view.panel));
@@ -109,7 +115,8 @@ MNativeWindowHdl M3dView::applicationShell(MStatus* status) {
   return exists ? window->shell : nullptr;
 }
 MNativeWindowHdl M3dView::window(MStatus* status) const {
-  return applicationShell(status);
+  // Panels have no windows of the window system's own; what tells them apart is as good a handle.
+  return api::windowHandleOf(viewOf(*this, status));
 }
 bool M3dView::isVisible(MStatus* status) const {
   return viewOf(*this, status) != nullptr;

@@ -32,6 +32,8 @@ struct ObjectDisplay {
 [[nodiscard]] M3dView wrap(const builtins::View& view);
 /// The view behind; null when it is gone or was never set.
 [[nodiscard]] builtins::View* viewOf(const M3dView& view, MStatus* status = nullptr);
+/// A handle that a view has to itself, the same as long as its panel has its name; null for none.
+[[nodiscard]] MNativeWindowHdl windowHandleOf(const builtins::View* view);
 /// Its camera in its port; none when the camera is gone.
 [[nodiscard]] std::optional<viewport::ViewProjection> projectionOf(const M3dView& view,
                                                                    MStatus* status = nullptr);

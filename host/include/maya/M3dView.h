@@ -67,6 +67,7 @@ class M3dView {
   static MStatus getM3dViewFromModelEditor(const MString& modelEditorName, M3dView& view);
   /// Returns the handle of the application's main window; null without one.
   static MNativeWindowHdl applicationShell(MStatus* status = nullptr);
+  /// Returns the handle of the view's own window: views with different ones are different views.
   MNativeWindowHdl window(MStatus* status = nullptr) const;
   bool isVisible(MStatus* status = nullptr) const;
 

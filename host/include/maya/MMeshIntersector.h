@@ -17,8 +17,8 @@ class MMeshIntersector {
   MMeshIntersector(const MMeshIntersector&) = delete;
   MMeshIntersector& operator=(const MMeshIntersector&) = delete;
 
-  /// Takes the mesh as it is now; points are given and returned in the space that `matrix` takes it
-  /// to.
+  /// Takes the mesh as it is now. Points are asked, and distances measured, in the space that
+  /// `matrix` takes it to, its world as a rule; answers are in the mesh's own object space.
   MStatus create(const MObject& meshObject, const MMatrix& matrix = MMatrix::identity);
   bool isCreated() const;
   MStatus getClosestPoint(const MPoint& point, MPointOnMesh& meshPoint,

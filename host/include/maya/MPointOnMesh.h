@@ -5,7 +5,7 @@
 #include <maya/MTypes.h>
 #include <maya/detail/Handle.h>
 
-/// A point on a mesh that a query found.
+/// A point on a mesh that a query found, in the mesh's object space.
 class MPointOnMesh {
  public:
   MPointOnMesh() = default;

@@ -5,8 +5,9 @@ namespace host::nodes {
 
 void registerPolyTweak(dg::TypeRegistry& types) {
   HistoryNodeBuilder(types, "polyTweak", typeCode("PTWK"))
-      .parameter(array(numbers("tweak", "tk", "float3",
-                               {real("tweakX", "tx"), real("tweakY", "ty"), real("tweakZ", "tz")})))
+      .parameter(array(
+          numbers("tweak", "tk", "float3",
+                  {distance("tweakX", "tx"), distance("tweakY", "ty"), distance("tweakZ", "tz")})))
       .operation([](HistoryContext& context) -> Result<void> {
         std::vector<Index> indices;
         std::vector<double> offsets;

@@ -121,7 +121,12 @@ TEST_CASE(
       CHECK(triangles.distance(vec(found)) < 1e-4);  // on the surface
       MPointOnMesh place;
       REQUIRE(intersector.getClosestPoint(p, place));
-      CHECK(p.distanceTo(MPoint(place.getPoint())) == doctest::Approx(expected).epsilon(1e-4));
+      // Asked in the world, it answers in object space.
+      const MPoint there = MPoint(place.getPoint()) * path.inclusiveMatrix();
+      CHECK(p.distanceTo(there) == doctest::Approx(expected).epsilon(1e-4));
+      MVector facing;
+      REQUIRE(mesh.getPolygonNormal(place.faceIndex(), facing, MSpace::kObject));
+      CHECK(facing.isEquivalent(MVector(place.getNormal()), 1e-5));
       CHECK_FALSE(intersector.getClosestPoint(p, place, 0.5 * expected));
     }
   }
