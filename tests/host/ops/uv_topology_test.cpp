@@ -1,5 +1,7 @@
 #include "host/ops/uv/uv_topology.h"
 
+#include <algorithm>
+
 #include "tests/host/ops/ops_testing.h"
 
 using namespace host;

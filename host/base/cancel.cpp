@@ -1,0 +1,98 @@
+#include "host/base/cancel.h"
+
+#include <atomic>
+#include <chrono>
+#include <mutex>
+#include <string>
+
+namespace host {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr auto kQuiet = std::chrono::milliseconds(500);  ///< what ends sooner is not shown
+constexpr auto kPause = std::chrono::milliseconds(100);  ///< between two pictures of progress
+
+std::atomic<bool> isRequested = false;
+static_assert(std::atomic<bool>::is_always_lock_free, "signal handlers set it");
+
+/// What is shown now.
+struct Shown {
+  std::mutex mutex;
+  ProgressSink sink;
+  std::string what;
+  bool wasDrawn = false;
+  std::atomic<int> depth = 0;
+  std::atomic<std::size_t> steps = 0, done = 0;
+  std::atomic<Clock::rep> nextDraw = 0;
+};
+
+Shown& shown() {
+  static Shown state;
+  return state;
+}
+
+void draw(Shown& state) {
+  const std::size_t steps = state.steps, done = state.done;
+  const double part =
+      steps > 0 ? std::min(1.0, static_cast<double>(done) / static_cast<double>(steps)) : -1;
+  state.wasDrawn = true;
+  state.sink(state.what, part, false);
+}
+
+}  // namespace
+
+void requestCancel() noexcept {
+  isRequested.store(true, std::memory_order_relaxed);
+}
+bool isCancelled() noexcept {
+  return isRequested.load(std::memory_order_relaxed);
+}
+void clearCancel() noexcept {
+  isRequested.store(false, std::memory_order_relaxed);
+}
+
+tl::unexpected<Error> cancelled() {
+  return fail("Interrupted.");
+}
+
+LongWork::LongWork(std::string_view what, std::size_t steps) {
+  Shown& state = shown();
+  isShown_ = state.depth++ == 0;
+  if (!isShown_) return;
+  const std::scoped_lock lock(state.mutex);
+  state.what = what;
+  state.steps = steps;
+  state.done = 0;
+  state.wasDrawn = false;
+  state.nextDraw = (Clock::now() + kQuiet).time_since_epoch().count();
+}
+
+LongWork::~LongWork() {
+  Shown& state = shown();
+  --state.depth;
+  if (!isShown_) return;
+  const std::scoped_lock lock(state.mutex);
+  if (state.wasDrawn && state.sink) state.sink(state.what, 1, true);
+}
+
+void LongWork::advance(std::size_t steps) noexcept {
+  if (!isShown_) return;
+  Shown& state = shown();
+  state.done += steps;
+  const Clock::time_point now = Clock::now();
+  Clock::rep due = state.nextDraw;
+  if (now.time_since_epoch().count() < due) return;
+  if (!state.nextDraw.compare_exchange_strong(due, (now + kPause).time_since_epoch().count()))
+    return;
+  const std::unique_lock lock(state.mutex, std::try_to_lock);
+  if (lock && state.sink) draw(state);
+}
+
+void setProgressSink(ProgressSink sink) {
+  Shown& state = shown();
+  const std::scoped_lock lock(state.mutex);
+  state.sink = std::move(sink);
+}
+
+}  // namespace host

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "host/ops/uv/unfold_plane.h"
+
+namespace host::ops::flat {
+
+/// The border of a chart as rings of vertices: next and previous of each, -1 inside.
+struct Border {
+  std::vector<Index> next, previous;
+  [[nodiscard]] bool has(Index v) const { return next[static_cast<std::size_t>(v)] != kNone; }
+};
+
+/// Keeps the border of a flat piece from crossing itself, one vertex at a time.
+///
+/// A piece whose triangles all face up covers no place twice exactly if its border does not cross
+/// itself, so watching border edges is enough. The edges lie in a grid of buckets; a check costs
+/// what is near.
+class BorderGuard {
+ public:
+  /// @param x positions that this guard reads again at each call; they must outlive it
+  BorderGuard(const Border& border, std::span<const Point> x);
+  /// Whether the border edges of v would touch no other border edge if v were at `place`.
+  [[nodiscard]] bool allows(Index v, Point place) const;
+  /// A little past the end of a move: where that is free too, some air stays between edges, enough
+  /// for positions to be rounded to floats.
+  [[nodiscard]] Point beyond(Point from, Point to) const {
+    const Point way = to - from;
+    return to + air_ / std::max(length(way), 1e-300) * way;
+  }
+  /// Tells that v has moved.
+  void moved(Index v);
+  /// Whether no two border edges touch. Linear for edges of like length.
+  [[nodiscard]] bool isSimple() const { return firstTouch() == kNone; }
+  /// A border vertex whose edge to the next one touches another edge; -1 when there is none.
+  [[nodiscard]] Index firstTouch() const;
+  /// The vertices at both ends of all border edges that touch others.
+  [[nodiscard]] std::vector<Index> touching() const;
+
+ private:
+  struct Cells {
+    std::int64_t x0, y0, x1, y1;
+  };
+  [[nodiscard]] Cells cellsOf(Point a, Point b) const;
+  [[nodiscard]] std::size_t bucketOf(std::int64_t x, std::int64_t y) const;
+  void enter(Index edge);
+  [[nodiscard]] bool edgeTouches(Point a, Point b, Index from, Index to, Index except) const;
+
+  const Border& border_;
+  std::span<const Point> x_;
+  double perCell_ = 1, air_ = 0;
+  std::vector<std::vector<Index>> buckets_;  // an edge is named by the vertex it starts at
+  std::vector<Cells> entered_;
+};
+
+}  // namespace host::ops::flat
