@@ -31,7 +31,8 @@ void CameraTool::drag(const InputEvent& event) {
   // An axis view has no other side to look from.
   if (gesture_ == Gesture::Tumble && camera.orthographic) return;
   if (gesture_ == Gesture::Tumble)
-    viewport::tumbleByDrag(camera, view->port, camera.centerOfInterestPoint(), dx, dy);
+    viewport::tumbleByDrag(camera, view->port,
+                           viewport::tumbleCentre(camera, registry_.tumblesAboutInterest), dx, dy);
   else if (gesture_ == Gesture::Track)
     viewport::track(camera, view->port, dx, dy);
   else

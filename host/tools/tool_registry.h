@@ -71,6 +71,8 @@ class ToolRegistry {
   static constexpr double kHoldDelay = 0.5;
 
   ViewAccess views;
+  /// Cameras turn about their centre of interest, not about their tumble pivot.
+  bool tumblesAboutInterest = false;
   viewport::Picker& picker() { return picker_; }
 
  private:

@@ -30,6 +30,7 @@ struct Camera {
   double farClip = 10000.0;
   double orthographicWidth = 30.0;        ///< cm across the port
   double centerOfInterest = 44.82186966;  ///< cm in front of the eye: what tumbling turns about
+  Vec3 tumblePivot;                       ///< world; the origin while nobody has set it
 
   [[nodiscard]] Vec3 eye() const;
   [[nodiscard]] Vec3 right() const;  ///< unit, as are the next two; together right-handed

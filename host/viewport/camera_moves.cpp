@@ -43,6 +43,17 @@ void tumble(Camera& camera, const Vec3& pivot, double azimuthDegrees, double ele
   camera.centerOfInterest = interest;
 }
 
+Vec3 tumbleCentre(const Camera& camera, bool aboutInterest) {
+  const Vec3& pivot = camera.tumblePivot;
+  if (pivot == Vec3{0, 0, 0}) return camera.centerOfInterestPoint();
+  if (!aboutInterest) return pivot;
+  constexpr double kSameDepth = 1e-6;
+  const double depth = math::dot(pivot - camera.eye(), camera.viewDirection());
+  const bool isSetTogether =
+      std::abs(depth - camera.centerOfInterest) <= kSameDepth * camera.centerOfInterest;
+  return isSetTogether ? pivot : camera.centerOfInterestPoint();
+}
+
 void track(Camera& camera, PortSize port, double dx, double dy) {
   const ViewProjection view(camera, port);
   const double unit = view.worldPerPixel(camera.centerOfInterest);

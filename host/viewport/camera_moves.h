@@ -9,6 +9,13 @@ namespace host::viewport {
 /// stops short of the poles, where the horizon would flip.
 void tumble(Camera& camera, const Vec3& pivot, double azimuthDegrees, double elevationDegrees);
 
+/// What a camera turns about: its tumble pivot, or its centre of interest while no pivot was set.
+///
+/// With `aboutInterest` it is the centre of interest in any case. A pivot at the depth of the
+/// centre of interest was set together with it and says where at that depth it lies; without one it
+/// lies in the middle of the view.
+[[nodiscard]] Vec3 tumbleCentre(const Camera& camera, bool aboutInterest);
+
 /// Slides the camera so that what lies at the depth of the centre of interest follows the cursor by
 /// (dx, dy) pixels.
 void track(Camera& camera, PortSize port, double dx, double dy);

@@ -87,6 +87,7 @@ struct DrawItem {
   bool cullBackFaces = false;
   bool fadeShortLines =
       false;  ///< lines: thin out those of a few pixels, which would merge into a dark mass
+  bool squarePoints = false;  ///< points: squares instead of discs
   Stipple stipple = Stipple::None;
   Rgba color{1, 1, 1, 1};    ///< multiplied with the vertex colours
   Rgba outline{0, 0, 0, 0};  ///< points: rim, drawn inside the size

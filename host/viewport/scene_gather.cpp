@@ -169,6 +169,8 @@ Result<Camera> gatherCamera(const DagPath& path) {
   camera.orthographicWidth =
       std::max(number(node, "orthographicWidth", camera.orthographicWidth), 1e-9);
   camera.centerOfInterest = number(node, "centerOfInterest", camera.centerOfInterest);
+  camera.tumblePivot = {number(node, "tumblePivotX", 0), number(node, "tumblePivotY", 0),
+                        number(node, "tumblePivotZ", 0)};
   return camera;
 }
 

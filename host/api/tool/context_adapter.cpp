@@ -2,6 +2,7 @@
 #include <maya/MUIDrawManager.h>
 
 #include <exception>
+#include <utility>
 
 #include "host/api/tool/context_rep.h"
 #include "host/api/view/view_access.h"
@@ -127,16 +128,18 @@ void ContextAdapter::deliver(Call call, const tools::InputEvent& event) {
 }
 
 void ContextAdapter::press(const tools::InputEvent& event) {
+  isGestureOn_ = true;
   deliver(Call::Press, event);
 }
 void ContextAdapter::drag(const tools::InputEvent& event) {
-  deliver(Call::Drag, event);
+  if (isGestureOn_) deliver(Call::Drag, event);
 }
 void ContextAdapter::release(const tools::InputEvent& event) {
+  if (!std::exchange(isGestureOn_, false)) return;
   deliver(Call::Release, event);
 }
 void ContextAdapter::hold(const tools::InputEvent& event) {
-  deliver(Call::Hold, event);
+  if (isGestureOn_) deliver(Call::Hold, event);
 }
 void ContextAdapter::moved(const tools::InputEvent& event) {
   deliver(Call::Moved, event);
@@ -156,6 +159,13 @@ void ContextAdapter::complete() {
 }
 void ContextAdapter::abort() {
   fenced(title, [&] { context_->abortAction(); });
+  // A gesture that is given up in its midst has no release. Contexts that have no abort of their
+  // own end it as they end everything: they are left and taken in hand anew.
+  if (!std::exchange(isGestureOn_, false)) return;
+  cleanup();
+  tools::InputEvent here;
+  here.panel = contextRep(*context_).panel;
+  setup(here);
 }
 
 void ContextAdapter::draw(const std::string& panel, viewport::DrawList& list) {

@@ -78,6 +78,7 @@ class ContextAdapter final : public tools::ToolContext {
   std::shared_ptr<const ContextClass> contextClass_;
   viewport::DrawList feedback_;  ///< what the last event drew, shown until the next
   std::string feedbackPanel_;
+  bool isGestureOn_ = false;  ///< between a press and its release, unless it was given up
 };
 
 /// The representation behind a context, made on first use; it is never shared.

@@ -26,7 +26,9 @@ viewport::Stipple stippleOf(const DrawRep& pen, Primitive primitive) {
 
 Pass passOf(const DrawRep& pen, Primitive primitive, bool isScreen) {
   if (isScreen || pen.isXray) return Pass::Overlay;
-  if (primitive == Primitive::Triangles) return pen.color.a < 1 ? Pass::Translucent : Pass::Opaque;
+  // What is to show over the surfaces that it lies on casts no shade on them.
+  if (primitive == Primitive::Triangles)
+    return pen.color.a < 1 || pen.priority > 0 ? Pass::Translucent : Pass::Opaque;
   return primitive == Primitive::Lines ? Pass::Wire : Pass::Dots;
 }
 
@@ -70,6 +72,10 @@ void addShape(DrawRep& pen, Primitive primitive, const ShapePoints& points, bool
       isScreen || pen.isXray ? viewport::DepthTest::Always : viewport::DepthTest::Nearer;
   item.depthWrite = item.pass == Pass::Opaque;
   item.priority = pen.priority;
+  // Of things at one depth the one of higher priority shows, also over the mesh that it lies on.
+  constexpr float kPriorityPull = 4;
+  item.pull = !isScreen && pen.priority > 0 ? kPriorityPull : 0;
+  item.squarePoints = true;  // as the fixed pipeline draws them
   item.width = primitive == Primitive::Points ? pen.pointSize : pen.lineWidth;
   item.stipple =
       primitive == Primitive::Points ? viewport::Stipple::None : stippleOf(pen, primitive);

@@ -103,6 +103,7 @@ void drawItself(MPxLocatorNode& locator, const builtins::View& view, const scene
   fenced(path, [&] { locator.draw(shown, wrap(path), style, status); });
 }
 
+/// What the viewport's menu and plug-ins say about locators.
 bool showsLocators(cmd::Session& session, const builtins::View& view) {
   return (session.service<ObjectDisplay>().of(view.panel) & M3dView::kDisplayLocators) != 0;
 }
@@ -118,7 +119,7 @@ void installLocatorDrawing(cmd::Session& session) {
           scene.meshes.clear();
         drawRegistry().dropDead();
         const auto camera = builtins::cameraPath(document, view.cameraName);
-        if (!camera || !showsLocators(*owner, view)) return;
+        if (!camera || !showsLocators(*owner, view) || !view.usesDrawOverrides()) return;
         for (const scene::DagPath& path : LocatorWalk(document, view).found)
           fenced(path, [&] {
             if (DrawRegistry::Live* live = drawRegistry().liveOf(*path.node()))
@@ -130,7 +131,9 @@ void installLocatorDrawing(cmd::Session& session) {
     const auto camera = builtins::cameraPath(document, view.cameraName);
     if (!camera || !showsLocators(*owner, view)) return;
     for (const scene::DagPath& path : LocatorWalk(document, view).found) {
-      if (DrawRegistry::Live* live = drawRegistry().liveOf(*path.node()))
+      DrawRegistry::Live* live =
+          view.usesDrawOverrides() ? drawRegistry().liveOf(*path.node()) : nullptr;
+      if (live)
         drawByCallback(*live, path, *camera, scene, backend);
       else if (auto* locator = dynamic_cast<MPxLocatorNode*>(userNodeOf(*path.node())))
         drawItself(*locator, view, path, backend);

@@ -269,8 +269,10 @@ MStatus M3dView::setObjectDisplay(unsigned int displayed) {
   return MStatus::kSuccess;
 }
 M3dView::RendererName M3dView::getRendererName(MStatus* status) const {
-  (void)viewOf(*this, status);
-  return kViewport2Renderer;
+  const builtins::View* view = viewOf(*this, status);
+  if (!view || view->usesDrawOverrides()) return kViewport2Renderer;
+  return view->rendererName == "base_OpenGL_Renderer" ? kDefaultQualityRenderer
+                                                      : kHighQualityRenderer;
 }
 bool M3dView::viewIsFiltered(MStatus* status) const {
   return viewSelected(status);

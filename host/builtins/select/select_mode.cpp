@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <set>
 
@@ -68,6 +69,10 @@ CommandResult selectMode(Context& context, const ParsedArgs& args) {
 CommandResult querySelectType(const SelectionModes& modes, const ParsedArgs& args) {
   const auto& types =
       args.has("objectComponent") ? modes.objectComponentTypes : modes.componentTypes;
+  if (args.has("allComponents"))
+    return mel::Value(std::all_of(
+        kComponentTypes.begin(), kComponentTypes.end(),
+        [&](const TypeFlag& flag) { return types.count(canonical(flag.longName)) > 0; }));
   for (const TypeFlag& flag : kComponentTypes)
     if (args.has(flag.longName)) return mel::Value(types.count(canonical(flag.longName)) > 0);
   for (const TypeFlag& flag : kObjectTypes)

@@ -151,6 +151,9 @@ constexpr struct {
                     {"boundingBox", viewport::DisplayStyle::Wireframe},
                     {"points", viewport::DisplayStyle::Wireframe}};
 
+constexpr const char* kRenderers[] = {"vp2Renderer", "base_OpenGL_Renderer",
+                                      "hwRender_OpenGL_Renderer"};
+
 Result<void> editView(Context& context, View& view, const ParsedArgs& args) {
   using viewport::DisplayStyle;
   if (args.has("camera")) HOST_TRY(setCamera(context, view, args.text("camera")));
@@ -163,6 +166,13 @@ Result<void> editView(Context& context, View& view, const ParsedArgs& args) {
     if (found == std::end(kAppearances))
       return fail("modelEditor: '{}' is no way to display.", name);
     style = found->style;
+  }
+  if (args.has("rendererName")) {
+    const std::string name = args.text("rendererName");
+    if (std::find(std::begin(kRenderers), std::end(kRenderers), name) == std::end(kRenderers))
+      return fail("modelEditor: '{}' is no renderer; use {}, {} or {}.", name, kRenderers[0],
+                  kRenderers[1], kRenderers[2]);
+    view.rendererName = name;
   }
   hasWires = args.boolean("wireframeOnShaded", hasWires);
   if (style != DisplayStyle::Wireframe)
@@ -182,6 +192,7 @@ Result<void> editView(Context& context, View& view, const ParsedArgs& args) {
 CommandResult queryView(Context& context, View& view, const ParsedArgs& args) {
   using viewport::DisplayStyle;
   if (args.has("camera")) return mel::Value(view.cameraName);
+  if (args.has("rendererName")) return mel::Value(view.rendererName);
   if (args.has("displayAppearance"))
     return mel::Value(view.options.style == DisplayStyle::Wireframe ? "wireframe" : "smoothShaded");
   if (args.has("wireframeOnShaded"))
@@ -235,7 +246,7 @@ void registerPanels(CommandRegistry& registry) {
       .flag("xr", "xray", {ArgType::Bool})
       .flag("gr", "grid", {ArgType::Bool});
   editor.flag("bfc", "backfaceCulling", {ArgType::Bool}).flag("av", "activeView", {ArgType::Bool});
-  editor.flag("alo", "allObjects", {ArgType::Bool});
+  editor.flag("alo", "allObjects", {ArgType::Bool}).flag("rnm", "rendererName", {ArgType::String});
   for (const EditorFlag& flag : kEditorFlags)
     editor.flag(flag.shortName, flag.longName, {ArgType::Bool});
   defineQuery(registry, "modelEditor", editor.editable().queryable().strings(0, 1), modelEditor);

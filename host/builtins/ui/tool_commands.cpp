@@ -72,6 +72,8 @@ CommandResult tumbleCtx(Context& context, const ParsedArgs& args) {
     if (!args.has(flag.longName)) continue;
     if (args.isEdit()) {
       found->second[flag.longName] = args.real(flag.longName);
+      if (flag.longName == std::string_view("localTumble"))
+        toolsOf(context.session).tumblesAboutInterest = args.real(flag.longName) != 0;
       continue;
     }
     const auto value = found->second.find(flag.longName);

@@ -19,10 +19,14 @@ struct View {
   std::string cameraName;  ///< the camera's transform
   viewport::PortSize port{960, 540};
   viewport::ViewOptions options;
+  /// "vp2Renderer" draws plug-ins' shapes by their draw overrides, the other two let them draw
+  /// themselves.
+  std::string rendererName = "vp2Renderer";
   viewport::ViewPoint cursor;
   bool hasCursor = false;   ///< the cursor is over the view
   bool isIsolated = false;  ///< shows only the nodes below and what hangs under them
   std::vector<std::weak_ptr<dg::Node>> isolated;
+  [[nodiscard]] bool usesDrawOverrides() const { return rendererName == "vp2Renderer"; }
 };
 
 /// The session's views: the four panels of a new layout, and what draws them.

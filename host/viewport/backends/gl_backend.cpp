@@ -299,6 +299,7 @@ class GlBackendImpl final : public GlBackend {
                 static_cast<float>(settings_.port.height));
     program.set("width", item.width);
     program.set("outline", item.outline);
+    program.set("square", item.squarePoints ? 1 : 0);
     program.set("fadeShort", item.fadeShortLines ? 1 : 0);
     program.set("dash", item.stipple == Stipple::Dotted   ? 1
                         : item.stipple == Stipple::Dashed ? 2

@@ -216,12 +216,13 @@ std::string pointFragment() {
   return std::string(kVersion) + R"(
 uniform float width;
 uniform vec4 outline;
+uniform int square;
 in vec4 pointColor;
 noperspective in vec2 place;
 out vec4 result;
 void main() {
   float radius = width * 0.5;
-  float distance = length(place);
+  float distance = square != 0 ? max(abs(place.x), abs(place.y)) : length(place);
   float coverage = clamp(radius + 0.5 - distance, 0.0, 1.0);
   if (coverage <= 0.004) discard;
   float rim = outline.a > 0.0 ? clamp(distance - (radius - 1.5) + 0.5, 0.0, 1.0) : 0.0;
