@@ -11,6 +11,11 @@
 #include "commands/topologyTransferCmd.h"
 #include "commands/transferVertexNormalsCmd.h"
 #include "commands/turboSmoothCmd.h"
+#include "modeling/drawLocator.h"
+#include "modeling/locatorOverrides.h"
+#include "modeling/modelingContextCmd.h"
+#include "modeling/modelingContextToolCmd.h"
+#include "modeling/pinLocator.h"
 
 namespace {
 
@@ -78,12 +83,12 @@ const registrationRow kLoadRows[] = {
     command<circleVertsCmd>("qxCircleVertsCmd", "registerCommand"),
     command<straightenCmd>("qxStraightenCmd", "registerCommand"),
     command<mergeVertsCmd>("qxMergeVerts", "merge verts command failed to register"),
-    context("modelingContext", "modelingContextCmd", "modeling context failed to register"),
+    context("modelingContext", "modelingContextCmd", "modeling context failed to register", modelingContextCmd::creator, modelingContextToolCmd::creator),
     command<setCommands>("qxSetCommands", "set commands command failed to register"),
-    node(kLocator, "drawLocator", 0x112F8D, "error registering draw locator", kDrawLocatorDb),
-    drawOverride(kDrawLocatorDb, "drawLocatorNodePlugin"),
-    node(kLocator, "pinLocator", 0x112F8E, "error registering pin locator", kPinLocatorDb),
-    drawOverride(kPinLocatorDb, "pinLocatorNodePlugin"),
+    node(kLocator, "drawLocator", 0x112F8D, "error registering draw locator", kDrawLocatorDb, drawLocator::creator, drawLocator::initialize),
+    drawOverride(kDrawLocatorDb, "drawLocatorNodePlugin", DrawLocatorDrawOverride::creator),
+    node(kLocator, "pinLocator", 0x112F8E, "error registering pin locator", kPinLocatorDb, pinLocator::creator, pinLocator::initialize),
+    drawOverride(kPinLocatorDb, "pinLocatorNodePlugin", pinLocatorDrawOverride::creator),
     node(kNode, "uvEditNode", 0x112F8F, "uvEditNode failed to register"),
     node(kLocator, "quadDrawLocator", 0x112F91, "quadDrawLocator failed to register", kQuadDrawLocatorDb),
     drawOverride(kQuadDrawLocatorDb, "quadDrawLocatorNodePlugin"),
