@@ -176,12 +176,13 @@ void modelingContext::dragLeft(const M3dView& view) {
 }
 
 void modelingContext::dragPoints(const M3dView& view) {
+  if (gesture.cannotMove) return;
   if (moving == kNoPoints) {
     const bool isBegun =
         gesture.shift ? push.begin(view, gesture.hovered, gesture.settings, edit)
                       : slide.begin(view, gesture.hovered, gesture.settings, slideSurface(), edit);
     if (!isBegun) {
-      gesture.hitAtPress = false;
+      gesture.cannotMove = true;
       return;
     }
     moving = gesture.shift ? kPushing : kSliding;

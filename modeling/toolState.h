@@ -49,6 +49,7 @@ struct gestureState {
   bool pickedInThisGesture = false;  ///< the press itself picked: no action at the release
   bool releaseNoPoints = false;
   bool isDragged = false;
+  bool cannotMove = false;  ///< a push or slide was refused
   bool changedPoints = false;
   portPlace press, current;
   pickedComponent hovered;  ///< under the cursor at the press

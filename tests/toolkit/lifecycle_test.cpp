@@ -29,12 +29,17 @@ std::unique_ptr<host::cmd::Session> makeSession() {
   return session;
 }
 
-/// The commands that the load table names and this build has, in its order.
+/// The commands that the load table names and this build has, in its order; a context brings its
+/// tool's command along.
 std::vector<std::string> builtCommands() {
   std::vector<std::string> names;
-  for (unsigned int i = 0; i < kLoadRowCount; ++i)
-    if (kLoadRows[i].kind == rowKind::command && kLoadRows[i].creator)
-      names.emplace_back(kLoadRows[i].name);
+  for (unsigned int i = 0; i < kLoadRowCount; ++i) {
+    const registrationRow& row = kLoadRows[i];
+    const bool isContext = row.kind == rowKind::context;
+    if ((row.kind != rowKind::command && !isContext) || !row.creator) continue;
+    names.emplace_back(row.name);
+    if (isContext) names.emplace_back(row.toolName);
+  }
   return names;
 }
 

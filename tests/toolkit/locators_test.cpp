@@ -23,6 +23,9 @@ struct locatorScene : toolkitSession {
     views().setActive("modelPanel1");
     run("modelEditor -e -grid 0 modelPanel1");
   }
+  ~locatorScene() { (void)session->executeLine("file -f -new"); }
+  locatorScene(const locatorScene&) = delete;
+  locatorScene& operator=(const locatorScene&) = delete;
   host::builtins::Views& views() { return session->service<host::builtins::Views>(); }
 
   static MPlug plug(const char* name) {

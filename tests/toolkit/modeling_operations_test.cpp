@@ -440,7 +440,7 @@ TEST_CASE("modelling tool: whatever interrupts a gesture leaves nothing behind")
           break;
         }
         case interruption::unload:
-          hand.run("setToolTo selectSuperContext; flushUndo; unloadPlugin -f qxModelingToolkit");
+          hand.run("flushUndo; unloadPlugin -f qxModelingToolkit");
           break;
       }
       hand.dragTo({from.x + 60, from.y + 60}, button, keys);

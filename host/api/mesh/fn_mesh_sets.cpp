@@ -3,8 +3,10 @@
 #include <maya/MFnMesh.h>
 #include <maya/MIntArray.h>
 #include <maya/MObjectArray.h>
+#include <maya/MPxLocatorNode.h>
 
 #include "host/api/mesh/fn_mesh.h"
+#include "host/api/node/px_node.h"
 #include "host/nodes/dag_node.h"
 #include "host/nodes/sets.h"
 
@@ -102,5 +104,9 @@ MBoundingBox MFnMesh::boundingBox(MStatus* status) const {
 MBoundingBox MFnDagNode::boundingBox(MStatus* status) const {
   dg::Node* node = api::nodeOf(object_);
   api::setStatus(status, node ? MStatus::kSuccess : MStatus::kFailure);
-  return node ? api::toMBoundingBox(nodes::boundingBoxOf(*node)) : MBoundingBox();
+  if (!node) return {};
+  // A locator of a plug-in's own says itself how far it reaches.
+  if (auto* locator = dynamic_cast<MPxLocatorNode*>(api::userNodeOf(*node)))
+    return locator->isBounded() ? locator->boundingBox() : MBoundingBox();
+  return api::toMBoundingBox(nodes::boundingBoxOf(*node));
 }
