@@ -8,8 +8,8 @@
 
 #include "modeling/modelingContext.h"
 #include "modeling/modelingContextToolCmd.h"
-#include "modeling/slideSurface.h"
 #include "shared/mesh/mathHelper.h"
+#include "shared/settings/slideObject.h"
 #include "shared/view/viewProjector.h"
 
 // What the buttons of the modelling tool do.
@@ -178,9 +178,9 @@ void modelingContext::dragLeft(const M3dView& view) {
 void modelingContext::dragPoints(const M3dView& view) {
   if (gesture.cannotMove) return;
   if (moving == kNoPoints) {
-    const bool isBegun =
-        gesture.shift ? push.begin(view, gesture.hovered, gesture.settings, edit)
-                      : slide.begin(view, gesture.hovered, gesture.settings, slideSurface(), edit);
+    const bool isBegun = gesture.shift ? push.begin(view, gesture.hovered, gesture.settings, edit)
+                                       : slide.begin(view, gesture.hovered, gesture.settings,
+                                                     slideObject::current(), edit);
     if (!isBegun) {
       gesture.cannotMove = true;
       return;

@@ -122,7 +122,7 @@ bool pointEdit::record(modelingContextToolCmd& command) const {
 }
 
 void pointEdit::cancel() {
-  if (changed && isOurs()) write(before);
+  if (changed && isOurs()) placesBefore.putAllBack(path, worldBefore);
   close();
 }
 

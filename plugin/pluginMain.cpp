@@ -8,7 +8,6 @@
 
 #include <cstdint>
 
-#include "modeling/slideSurface.h"
 #include "plugin/licence.h"
 #include "plugin/registration.h"
 #include "plugin/tabletInput.h"
@@ -44,14 +43,12 @@ PLUGIN_EXPORT MStatus initializePlugin(MObject object) {
   MFnPlugin plugin(object, kVendor, kVersion, kApiVersion);
   pluginLoadPath = plugin.loadPath();
   pickOrder::begin();
-  answerModelingMessages();
   return registerAll(plugin);
 }
 
 PLUGIN_EXPORT MStatus uninitializePlugin(MObject object) {
   pickOrder::end();
   leaveActiveTools();  // a tool in the user's hand would lose its code
-  forgetModelingMessages();
   releaseLicence();
   MFnPlugin plugin(object);
   return deregisterAll(plugin);
