@@ -2,6 +2,8 @@
 
 #include <csignal>
 
+#include "host/base/cancel.h"
+
 namespace host::app {
 namespace {
 
@@ -10,6 +12,7 @@ volatile std::sig_atomic_t interruptCame = 0;
 
 void onInterrupt(int) {
   interruptCame = 1;
+  requestCancel();
   if (interruptible) interruptible->interrupt();
 }
 
@@ -30,6 +33,7 @@ bool wasInterrupted() {
 }
 void forgetInterrupt() {
   interruptCame = 0;
+  clearCancel();
 }
 
 void runIdle(cmd::Session& session) {

@@ -8,8 +8,10 @@
 #include "host/app/interrupts.h"
 #include "host/app/options.h"
 #include "host/app/paths.h"
+#include "host/app/progress.h"
 #include "host/app/prompt.h"
 #include "host/app/tour.h"
+#include "host/app/unwrap.h"
 #include "host/base/memory.h"
 #include "host/base/messages.h"
 
@@ -108,6 +110,8 @@ int main(int argc, char** argv) {
     return kBadUsage;
   }
   try {
+    if (options.script == "unwrap") return runUnwrap(options.arguments);
+    showProgressOnTerminal();
     return run(options);
   } catch (const std::exception& exception) {
     std::fprintf(stderr, "qxmt: %s\n", exception.what());

@@ -48,7 +48,8 @@ Mesh polygons(int count) {
 }
 
 LayoutPart wholeOf(Mesh& mesh) {
-  LayoutPart part{.mesh = &mesh};
+  LayoutPart part;
+  part.mesh = &mesh;
   part.shells.resize(at(mesh::findUvShells(mesh, 0).count));
   std::iota(part.shells.begin(), part.shells.end(), 0);
   return part;

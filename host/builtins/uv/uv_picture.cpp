@@ -1,0 +1,227 @@
+#include "host/builtins/uv/uv_picture.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/mesh/shells.h"
+#include "host/mesh/triangulate.h"
+#include "host/ops/uv/report.h"
+
+namespace host::builtins {
+namespace {
+
+using Color = std::array<std::uint8_t, 3>;
+
+struct Spot {
+  double x, y;
+};
+
+std::size_t at(Index i) {
+  return static_cast<std::size_t>(i);
+}
+
+std::uint8_t byteOf(double part) {
+  return static_cast<std::uint8_t>(std::lround(255 * std::clamp(part, 0.0, 1.0)));
+}
+
+/// Colours far from each other for neighbouring numbers: hues by the golden ratio.
+Color shellColor(Index shell) {
+  const double hue = 6 * std::fmod(0.08 + 0.61803398875 * shell, 1.0);
+  const double x = 1 - std::abs(std::fmod(hue, 2.0) - 1);
+  const std::array<std::array<double, 3>, 6> sextants{
+      {{1, x, 0}, {x, 1, 0}, {0, 1, x}, {0, x, 1}, {x, 0, 1}, {1, 0, x}}};
+  const auto& rgb = sextants[static_cast<std::size_t>(hue) % 6];
+  const double light = shell % 3 == 0 ? 0.86 : shell % 3 == 1 ? 0.72 : 0.95;
+  return {byteOf(light * (0.42 + 0.58 * rgb[0])), byteOf(light * (0.42 + 0.58 * rgb[1])),
+          byteOf(light * (0.42 + 0.58 * rgb[2]))};
+}
+
+/// Blends a colour over a pixel that may be transparent.
+void blend(std::uint8_t* pixel, const Color& color, double cover) {
+  const double under = pixel[3] / 255.0, alpha = cover + under * (1 - cover);
+  if (!(alpha > 0)) return;
+  for (std::size_t k = 0; k < 3; ++k)
+    pixel[k] = static_cast<std::uint8_t>(
+        std::lround((cover * color[k] + (1 - cover) * under * pixel[k]) / alpha));
+  pixel[3] = byteOf(alpha);
+}
+
+class Canvas {
+ public:
+  Canvas(io::Image& image, const UvPictureOptions& options) : image_(image), options_(options) {}
+
+  [[nodiscard]] Spot spot(const mesh::Vec2f& uv) const {
+    return {(uv.u - options_.uMin) / (options_.uMax - options_.uMin) * image_.width,
+            (options_.vMax - uv.v) / (options_.vMax - options_.vMin) * image_.height};
+  }
+
+  /// Counts, for each pixel, how many of its samples triangles of a colour cover; done() blends.
+  void triangle(std::array<Spot, 3> t, const Color& color) {
+    const int samples = options_.isAntialiased ? 4 : 1;
+    const double top = std::min({t[0].y, t[1].y, t[2].y}),
+                 bottom = std::max({t[0].y, t[1].y, t[2].y});
+    if (!(bottom >= 0) || !(top <= image_.height)) return;
+    const auto first = static_cast<int>(std::floor(std::max(0.0, top) * samples));
+    const auto last =
+        static_cast<int>(std::floor(std::min<double>(image_.height, bottom) * samples));
+    for (int row = first; row <= last && row < samples * image_.height; ++row) {
+      const double y = (row + 0.5) / samples;
+      double left = 1e300, right = -1e300;
+      for (std::size_t k = 0; k < 3; ++k) {
+        const Spot a = t[k], b = t[(k + 1) % 3];
+        if ((a.y <= y) == (b.y <= y)) continue;
+        const double x = a.x + (y - a.y) / (b.y - a.y) * (b.x - a.x);
+        left = std::min(left, x);
+        right = std::max(right, x);
+      }
+      if (left > right) continue;
+      span(row / samples, std::max(0.0, left), std::min<double>(image_.width, right), color,
+           samples);
+    }
+  }
+
+  /// Blends what triangles covered into the picture.
+  void done() {
+    for (std::size_t i = 0; i < covers_.size(); ++i) {
+      const Cover& cover = covers_[i];
+      if (!(cover.part > 0)) continue;
+      const Color color{byteOf(cover.sum[0] / cover.part), byteOf(cover.sum[1] / cover.part),
+                        byteOf(cover.sum[2] / cover.part)};
+      blend(image_.rgba.data() + 4 * i, color, std::min(1.0, static_cast<double>(cover.part)));
+    }
+    covers_.clear();
+  }
+
+  void line(Spot a, Spot b, const Color& color, double width) {
+    const double half = 0.5 * width;
+    const double left = std::min(a.x, b.x) - half - 1, right = std::max(a.x, b.x) + half + 1;
+    const double top = std::min(a.y, b.y) - half - 1, bottom = std::max(a.y, b.y) + half + 1;
+    if (!(right >= 0) || !(bottom >= 0) || !(left < image_.width) || !(top < image_.height)) return;
+    const double dx = b.x - a.x, dy = b.y - a.y, square = dx * dx + dy * dy;
+    const auto firstRow = static_cast<int>(std::max(0.0, std::floor(top)));
+    const auto lastRow = static_cast<int>(std::min<double>(image_.height - 1, bottom));
+    for (int y = firstRow; y <= lastRow; ++y) {
+      // Only the stretch of the row that the line comes near.
+      double from = left, to = right;
+      if (std::abs(dy) > 1e-9) {
+        const double reach = (half + 1.5) * std::sqrt(square) / std::abs(dy);
+        const double at = a.x + (y + 0.5 - a.y) / dy * dx;
+        from = std::max(from, at - reach);
+        to = std::min(to, at + reach);
+      }
+      const auto lastColumn = static_cast<int>(std::min<double>(image_.width - 1, to));
+      for (int x = static_cast<int>(std::max(0.0, from)); x <= lastColumn; ++x) {
+        const double px = x + 0.5 - a.x, py = y + 0.5 - a.y;
+        const double part = square > 0 ? std::clamp((px * dx + py * dy) / square, 0.0, 1.0) : 0;
+        const double distance = std::hypot(px - part * dx, py - part * dy);
+        double cover = std::clamp(half + 0.5 - distance, 0.0, 1.0);
+        if (!options_.isAntialiased) cover = cover >= 0.5 ? 1 : 0;
+        if (cover > 0) blend(pixel(x, y), color, cover);
+      }
+    }
+  }
+
+ private:
+  struct Cover {
+    std::array<float, 3> sum{};
+    float part = 0;
+  };
+
+  [[nodiscard]] std::size_t indexOf(int x, int y) const {
+    return static_cast<std::size_t>(y) * static_cast<std::size_t>(image_.width) +
+           static_cast<std::size_t>(x);
+  }
+  [[nodiscard]] std::uint8_t* pixel(int x, int y) { return image_.rgba.data() + 4 * indexOf(x, y); }
+
+  void span(int row, double left, double right, const Color& color, int samples) {
+    if (covers_.empty()) covers_.resize(image_.rgba.size() / 4);
+    for (int x = static_cast<int>(left); x < image_.width && x < right; ++x) {
+      double part = std::min<double>(x + 1, right) - std::max<double>(x, left);
+      if (!options_.isAntialiased) part = left <= x + 0.5 && x + 0.5 < right ? 1 : 0;
+      if (!(part > 0)) continue;
+      Cover& cover = covers_[indexOf(x, row)];
+      const auto weight = static_cast<float>(part / samples);
+      for (std::size_t k = 0; k < 3; ++k)
+        cover.sum[k] += weight * static_cast<float>(color[k]) / 255;
+      cover.part += weight;
+    }
+  }
+
+  io::Image& image_;
+  const UvPictureOptions& options_;
+  std::vector<Cover> covers_;
+};
+
+void fill(Canvas& canvas, const mesh::Mesh& mesh, int uvSet, UvPictureOptions::Fill how) {
+  const mesh::UvSet& set = mesh.uvSet(uvSet);
+  const mesh::UvShells shells = mesh::findUvShells(mesh, uvSet);
+  std::vector<float> stretch;
+  if (how == UvPictureOptions::Fill::Stretch) stretch = ops::faceStretch(mesh, uvSet);
+  const mesh::Triangulation triangulation = mesh::triangulate(mesh);
+  for (FaceId f = 0; f < mesh.faceCount(); ++f) {
+    if (shells.ofFace[at(f)] == kNone) continue;
+    const Color color =
+        stretch.empty() ? shellColor(shells.ofFace[at(f)]) : stretchColor(stretch[at(f)]);
+    const Index first = mesh::Triangulation::firstTriangle(mesh, f);
+    for (Index t = first; t < first + mesh.faceSize(f) - 2; ++t) {
+      const auto& corners = triangulation.triangles[at(t)];
+      const auto spot = [&](std::size_t k) {
+        return canvas.spot(set.points[at(set.cornerIds[at(corners[k])])]);
+      };
+      canvas.triangle({spot(0), spot(1), spot(2)}, color);
+    }
+  }
+  canvas.done();
+}
+
+void drawLines(Canvas& canvas, const mesh::Mesh& mesh, int uvSet, const Color& color,
+               double width) {
+  const mesh::UvSet& set = mesh.uvSet(uvSet);
+  for (FaceId f = 0; f < mesh.faceCount(); ++f) {
+    const CornerId first = mesh.firstCorner(f), end = mesh.firstCorner(f + 1);
+    if (set.cornerIds[at(first)] == kNone) continue;
+    for (CornerId c = first; c < end; ++c) {
+      const CornerId next = c + 1 == end ? first : c + 1;
+      const UvId a = set.cornerIds[at(c)], b = set.cornerIds[at(next)];
+      // Two faces share most edges; one of them draws it. Borders run one way only.
+      canvas.line(canvas.spot(set.points[at(std::min(a, b))]),
+                  canvas.spot(set.points[at(std::max(a, b))]), color, width);
+    }
+  }
+}
+
+}  // namespace
+
+std::array<std::uint8_t, 3> stretchColor(double stretch) {
+  const double amount = std::clamp(std::abs(stretch), 0.0, 1.0);
+  const double rest = 1 - amount;
+  if (stretch < 0)
+    return {byteOf(0.93 * rest + 0.10 * amount), byteOf(0.93 * rest + 0.30 * amount),
+            byteOf(0.93 * rest + 0.95 * amount)};
+  return {byteOf(0.93 * rest + 0.95 * amount), byteOf(0.93 * rest + 0.15 * amount),
+          byteOf(0.93 * rest + 0.10 * amount)};
+}
+
+void drawUvsOver(io::Image& image, const mesh::Mesh& mesh, int uvSet,
+                 const UvPictureOptions& options) {
+  if (mesh.uvSet(uvSet).cornerIds.empty()) return;
+  Canvas canvas(image, options);
+  if (options.fill != UvPictureOptions::Fill::None) fill(canvas, mesh, uvSet, options.fill);
+  if (!options.drawsLines) return;
+  // Lines over a fill are thin, so that dense meshes keep their colours.
+  drawLines(canvas, mesh, uvSet, options.line,
+            options.fill == UvPictureOptions::Fill::None ? 1.0 : 0.6);
+}
+
+io::Image drawUvs(const mesh::Mesh& mesh, int uvSet, const UvPictureOptions& options) {
+  io::Image image{options.width, options.height, {}};
+  const std::size_t pixels =
+      static_cast<std::size_t>(options.width) * static_cast<std::size_t>(options.height);
+  image.rgba.assign(4 * pixels, options.hasBackground ? 246 : 0);
+  for (std::size_t i = 3; options.hasBackground && i < image.rgba.size(); i += 4)
+    image.rgba[i] = 255;
+  drawUvsOver(image, mesh, uvSet, options);
+  return image;
+}
+
+}  // namespace host::builtins
