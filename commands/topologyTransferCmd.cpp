@@ -16,6 +16,7 @@
 #include <algorithm>
 
 #include "commands/orderMatch.h"
+#include "commands/regularPlan.h"
 #include "commands/symmetricResult.h"
 #include "commands/transferFlags.h"
 #include "shared/mesh/mathHelper.h"
@@ -52,6 +53,52 @@ constexpr const char* kHelp =
     "Vertices selected on both meshes, as many on each, are landmarks too, paired in ascending "
     "order.\n"
     "Returns the number of vertices that found no place.\n";
+
+/// The second mesh as the vertices of the first are put on it.
+class targetSurface final : public placingSurface {
+ public:
+  targetSurface(const MDagPath& target, MSpace::Space spaceIn)
+      : meshFn(target),
+        space(spaceIn),
+        toSpace(space == MSpace::kWorld ? target.inclusiveMatrix() : MMatrix::identity),
+        accelParams(MFnMesh::autoUniformGridParams()) {
+    MObject node = target.node();
+    index.create(node, toSpace);
+  }
+
+  bool nearestWithin(const MPoint& point, double distance, MPoint& place, int& face) const {
+    MPointOnMesh found;
+    const MStatus status = distance > 0.0 ? index.getClosestPoint(point, found, distance)
+                                          : index.getClosestPoint(point, found);
+    if (status != MS::kSuccess) return false;
+    place = MPoint(found.getPoint()) * toSpace;
+    face = found.faceIndex();
+    return true;
+  }
+  bool nearest(const MPoint& point, MPoint& place, MVector& facing) const override {
+    int face = -1;
+    return nearestWithin(point, 0.0, place, face) &&
+           meshFn.getPolygonNormal(face, facing, space) == MS::kSuccess;
+  }
+  bool along(const MPoint& point, const MVector& direction, double reach, MPoint& place,
+             MVector& facing) const override {
+    MFloatPoint hit;
+    int face = -1;
+    if (!meshFn.closestIntersection(MFloatPoint(point), MFloatVector(direction), nullptr, nullptr,
+                                    false, space, static_cast<float>(reach), true, &accelParams,
+                                    hit, nullptr, &face, nullptr, nullptr, nullptr, kRayTolerance))
+      return false;
+    place = MPoint(hit);
+    return meshFn.getPolygonNormal(face, facing, space) == MS::kSuccess;
+  }
+
+ private:
+  MFnMesh meshFn;
+  MSpace::Space space;
+  MMatrix toSpace;
+  MMeshIntersector index;
+  mutable MMeshIsectAccelParams accelParams;
+};
 
 MStatus refuse(const MString& text) {
   MGlobal::displayError(MString(kName) + ": " + text);
@@ -170,36 +217,21 @@ MStatus topologyTransferCmd::placeByOrder(const meshPair& pair, const MPointArra
   return MS::kSuccess;
 }
 
-void topologyTransferCmd::putOnSurface(const MDagPath& target, const MPointArray& warped,
+void topologyTransferCmd::putOnSurface(const placingSurface& surface, const MPointArray& warped,
                                        const MVectorArray& normals, double size) {
-  MFnMesh targetFn(target);
-  MMeshIsectAccelParams accelParams = MFnMesh::autoUniformGridParams();
-  MObject targetNode = target.node();
-  MMeshIntersector nearest;
-  const MMatrix toSpace = space == MSpace::kWorld ? target.inclusiveMatrix() : MMatrix::identity;
-  nearest.create(targetNode, toSpace);
   const double limit = maxDistance > 0.0 ? maxDistance : 4.0 * size;
   const double rounding = 1e-6 * size;
   for (unsigned int v = 0; v < warped.length(); ++v) {
-    MPointOnMesh closest;
-    const MStatus found = maxDistance > 0.0
-                              ? nearest.getClosestPoint(warped[v], closest, maxDistance)
-                              : nearest.getClosestPoint(warped[v], closest);
-    if (found != MS::kSuccess) continue;
-    isPlaced[v] = 1;
-    pointsAfter[v] = MPoint(closest.getPoint()) * toSpace;
-    const double reach =
-        std::min(limit, kFarther * warped[v].distanceTo(pointsAfter[v]) + rounding);
-    MFloatPoint hit;
-    int face = -1;
+    MPoint place;
     MVector facing;
-    const bool isHit = targetFn.closestIntersection(
-        MFloatPoint(warped[v]), MFloatVector(normals[v]), nullptr, nullptr, false, space,
-        static_cast<float>(reach), true, &accelParams, hit, nullptr, &face, nullptr, nullptr,
-        nullptr, kRayTolerance);
-    if (isHit && targetFn.getPolygonNormal(face, facing, space) == MS::kSuccess &&
-        facing * normals[v] > 0.0)
-      pointsAfter[v] = MPoint(hit);
+    if (!surface.nearest(warped[v], place, facing)) continue;
+    const double distance = warped[v].distanceTo(place);
+    if (maxDistance > 0.0 && distance > maxDistance) continue;
+    isPlaced[v] = 1;
+    pointsAfter[v] = place;
+    const double reach = std::min(limit, kFarther * distance + rounding);
+    if (surface.along(warped[v], normals[v], reach, place, facing) && facing * normals[v] > 0.0)
+      pointsAfter[v] = place;
   }
 }
 
@@ -221,14 +253,19 @@ MStatus topologyTransferCmd::placeOnSurface(const MDagPath& target,
   MVectorArray normals;
   vertexNormals(warped, counts, connects, normals);
   // Seen in a mirroring transform faces run the other way round than their normals are.
-  if (space == MSpace::kWorld && movedPath.inclusiveMatrix().det3x3() < 0.0)
+  const bool isMirrored = space == MSpace::kWorld && movedPath.inclusiveMatrix().det3x3() < 0.0;
+  if (isMirrored)
     for (unsigned int v = 0; v < normals.length(); ++v) normals[v] = -normals[v];
-  putOnSurface(target, warped, normals,
+  const targetSurface surface(target, space);
+  putOnSurface(surface, warped, normals,
                sizeOf(warped) + sizeOf(targetPoints) + warped[0].distanceTo(targetPoints[0]));
+  std::vector<char> isHeld(warped.length(), 0);
+  for (std::size_t v = 0; v < isHeld.size(); ++v) isHeld[v] = isPlaced[v] == 0;
   for (const auto& [vertex, other] : landmarks) {
     pointsAfter[static_cast<unsigned int>(vertex)] = targetPoints[static_cast<unsigned int>(other)];
-    isPlaced[static_cast<std::size_t>(vertex)] = 1;
+    isPlaced[static_cast<std::size_t>(vertex)] = isHeld[static_cast<std::size_t>(vertex)] = 1;
   }
+  regularPlan(warped, counts, connects, isHeld, isMirrored ? -1.0 : 1.0).run(surface, pointsAfter);
   return MS::kSuccess;
 }
 
@@ -256,13 +293,26 @@ MStatus topologyTransferCmd::doIt(const MArgList& arguments) {
   isPlaced.assign(pointsBefore.length(), 0);
   status = byOrder ? placeByOrder(pair, target) : placeOnSurface(pair.second, target);
   if (status != MS::kSuccess) return status;
-  if (symmetryAxis < 3)
-    makeSymmetric(pointsBefore, static_cast<unsigned int>(symmetryAxis), pointsAfter, isPlaced);
+  if (symmetryAxis < 3 && (status = balance(target)) != MS::kSuccess) return status;
   unplaced = static_cast<int>(std::count(isPlaced.begin(), isPlaced.end(), 0));
   status = redoIt();
   if (status != MS::kSuccess) return status;
   reportTransfer(kName, "moved", static_cast<int>(isPlaced.size()) - unplaced, unplaced);
   setResult(unplaced);
+  return MS::kSuccess;
+}
+
+MStatus topologyTransferCmd::balance(const MPointArray& target) {
+  const auto axis = static_cast<unsigned int>(symmetryAxis);
+  const meshSymmetry symmetry = symmetryOf(pointsBefore, axis);
+  if (2 * symmetry.paired < pointsBefore.length())
+    return refuse(movedPath.partialPathName() + " is not symmetric across " +
+                  MString("xyz").substringW(symmetryAxis, symmetryAxis) + ": only " +
+                  static_cast<int>(symmetry.paired) + " of its " +
+                  static_cast<int>(pointsBefore.length()) + " vertices have a counterpart");
+  // A mesh that is symmetric across a plane of its own takes the shape's.
+  const double at = symmetry.at == 0.0 ? 0.0 : symmetryOf(target, axis).at;
+  makeSymmetric(symmetry, axis, at, pointsAfter, isPlaced);
   return MS::kSuccess;
 }
 

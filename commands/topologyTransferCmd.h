@@ -14,6 +14,7 @@
 
 class MVectorArray;
 struct meshPair;
+class placingSurface;
 
 /// `qxTransferTopology`: the first selected mesh takes the shape of the second. Its vertices move
 /// onto the second's surface, along their normals or to the closest point; or, between meshes of
@@ -36,8 +37,9 @@ class topologyTransferCmd : public MPxCommand {
   MStatus pairLandmarks(const meshPair& pair, unsigned int targetCount);
   MStatus placeByOrder(const meshPair& pair, const MPointArray& target);
   MStatus placeOnSurface(const MDagPath& target, const MPointArray& targetPoints);
-  void putOnSurface(const MDagPath& target, const MPointArray& warped, const MVectorArray& normals,
-                    double size);
+  MStatus balance(const MPointArray& target);
+  void putOnSurface(const placingSurface& surface, const MPointArray& warped,
+                    const MVectorArray& normals, double size);
 
   // Flags.
   MSpace::Space space;

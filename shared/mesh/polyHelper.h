@@ -82,6 +82,9 @@ class polyHelper {
   MStatus symmetricVertices(const MDagPath& mesh, int axis, bool inWorldSpace,
                             MIntArray& counterparts) const;
 
+  /// The same for points that are in the plane's space.
+  static MIntArray symmetricPoints(const MPointArray& points, int axis);
+
   /// One vertex's counterpart as above, -1 for none or on failure. Mostly linear in the mesh: for
   /// many ask for all.
   int symmetricVertex(const MDagPath& mesh, int vertex, int axis, bool inWorldSpace,

@@ -94,6 +94,10 @@ int nearestByScan(const MPointArray& points, const MPoint& target, double limit)
 
 }  // namespace
 
+MIntArray polyHelper::symmetricPoints(const MPointArray& points, int axis) {
+  return pairAll(points, axis);
+}
+
 double polyHelper::mirrorTolerance(const MPointArray& points) {
   double low[3] = {HUGE_VAL, HUGE_VAL, HUGE_VAL}, high[3] = {-HUGE_VAL, -HUGE_VAL, -HUGE_VAL};
   for (unsigned int i = 0; i < points.length(); ++i) {

@@ -296,3 +296,27 @@ TEST_CASE(
   refuses("select -r shape box", " -lm 3 1 -lm 3 2", "two landmarks lie in one place");
   refuses("select -r shape box", " -o true", "select one face of each mesh");
 }
+
+TEST_CASE(
+    "qxTransferTopology: symmetry across a plane of the mesh's own, and meshes that have none") {
+  toolkitSession toolkit;
+  toolkit.run(
+      "file -f -new; polyPlane -name shape -sx 6 -sy 2 -w 6 -h 2; polyPlane -name bumps -sx 30 -sy "
+      "10 -w 8 -h 4; move -r 20 0 0 shape bumps");
+  MPointArray bumps = toolkitSession::points("bumps");
+  for (MPoint& p : bumps) p.y = 0.3 * std::sin(1.3 * p.x + 0.4 * p.z);
+  toolkitSession::setPoints("bumps", bumps);
+  toolkit.run("select -r shape bumps");
+  CHECK(unplaced(toolkit, "qxTransferTopology -sy x") == 0);
+  const MPointArray after = toolkitSession::points("shape");
+  for (unsigned int row = 0; row < 3; ++row)
+    for (unsigned int i = 0; i < 7; ++i) {
+      const MPoint &here = after[7 * row + i], &there = after[7 * row + 6 - i];
+      CHECK(here.isEquivalent(MPoint(40 - there.x, there.y, there.z), 1e-4));
+    }
+  toolkit.run(
+      "undo; move -r 0.3 0.1 0.2 shape.vtx[0:8]; move -r 0 0.4 -0.3 shape.vtx[0:4]; select -r "
+      "shape bumps");
+  CHECK(toolkit.failure("qxTransferTopology -sy z").find("is not symmetric across z") !=
+        std::string::npos);
+}
