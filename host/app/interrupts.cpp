@@ -2,6 +2,8 @@
 
 #include <csignal>
 
+#include "host/cmd/loop.h"
+
 namespace host::app {
 namespace {
 
@@ -33,7 +35,7 @@ void forgetInterrupt() {
 }
 
 void runIdle(cmd::Session& session) {
-  while (!session.isQuitting && !wasInterrupted() && session.processIdle()) {
+  while (!session.isQuitting && !wasInterrupted() && session.loop().runIdle()) {
   }
 }
 

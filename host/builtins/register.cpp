@@ -84,6 +84,7 @@ void registerWindowPref(cmd::CommandRegistry&);
 
 void registerPlayblast(cmd::CommandRegistry&);
 void registerViewFit(cmd::CommandRegistry&);
+void registerViewGesture(cmd::CommandRegistry&);
 
 void registerBuiltinCommands(cmd::CommandRegistry& registry) {
   static constexpr void (*kRegistrations[])(cmd::CommandRegistry&) = {
@@ -138,6 +139,7 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerViewMessages,
       registerPlayblast,
       registerViewFit,
+      registerViewGesture,
       registerConvertSelection,
       registerPolySelect,
       registerPolySelectConstraint,

@@ -7,6 +7,7 @@
 
 #include "host/api/view/app_window.h"
 #include "host/api/view/view_rep.h"
+#include "host/cmd/loop.h"
 #include "host/cmd/session.h"
 #include "host/viewport/scene_gather.h"
 
@@ -44,11 +45,6 @@ std::optional<viewport::ViewProjection> projectionOf(const M3dView& view, MStatu
 
 namespace {
 
-/// Whether a refresh is waiting; a service of the session.
-struct PendingRefresh {
-  bool isWaiting = false;
-};
-
 short toPixel(double value) {
   constexpr double kLimit = std::numeric_limits<short>::max();
   return static_cast<short>(
@@ -70,14 +66,7 @@ MStatus findPanel(const MString& name, M3dView& view) {
 }  // namespace
 
 void scheduleViewRefresh() {
-  cmd::Session& session = cmd::currentSession();
-  PendingRefresh& pending = session.service<PendingRefresh>();
-  if (!session.refreshViews || pending.isWaiting) return;
-  pending.isWaiting = true;
-  session.deferTask([&session] {
-    session.service<PendingRefresh>().isWaiting = false;
-    if (session.refreshViews) session.refreshViews();
-  });
+  cmd::currentSession().loop().requestRedraw();
 }
 
 }  // namespace host::api
@@ -214,8 +203,7 @@ MStatus M3dView::modelViewMatrix(MMatrix& modelViewMatrix) const {
 }
 
 MStatus M3dView::refresh(bool, bool) {
-  const auto& refreshViews = cmd::currentSession().refreshViews;
-  if (refreshViews) refreshViews();
+  cmd::currentSession().loop().redraw();
   return MStatus::kSuccess;
 }
 MStatus M3dView::refresh(bool all, bool force, bool) {

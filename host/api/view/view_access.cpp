@@ -1,5 +1,9 @@
 #include "host/api/view/view_access.h"
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
 #include "host/builtins/view/views.h"
 #include "host/cmd/session.h"
 #include "host/viewport/scene_gather.h"
@@ -34,8 +38,12 @@ MEvent Access::make<MEvent>(SharedRep* rep) {
   const Handle kept(rep);
   const tools::InputEvent& from = static_cast<EventRep*>(rep)->event;
   MEvent event;
-  event.x_ = static_cast<short>(from.position.x);
-  event.y_ = static_cast<short>(from.position.y);
+  const auto pixel = [](double position) {  // the pixel that the place lies in
+    constexpr double kLast = std::numeric_limits<short>::max();
+    return static_cast<short>(std::floor(std::clamp(position, -kLast, kLast)));
+  };
+  event.x_ = pixel(from.position.x);
+  event.y_ = pixel(from.position.y);
   event.button_ = from.button == tools::MouseButton::Left     ? MEvent::kLeftMouse
                   : from.button == tools::MouseButton::Middle ? MEvent::kMiddleMouse
                                                               : 0;

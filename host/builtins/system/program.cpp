@@ -2,6 +2,7 @@
 #include <filesystem>
 
 #include "host/builtins/common/command.h"
+#include "host/cmd/loop.h"
 
 namespace host::builtins {
 
@@ -70,7 +71,7 @@ CommandResult workspace(Context& context, const ParsedArgs& args) {
 }
 
 CommandResult refresh(Context& context, const ParsedArgs&) {
-  if (context.session.refreshViews) context.session.refreshViews();
+  context.session.loop().redraw();
   return mel::Value();
 }
 

@@ -1,6 +1,7 @@
 #include "host/builtins/view/tool_views.h"
 
 #include "host/builtins/view/views.h"
+#include "host/cmd/loop.h"
 
 namespace host::builtins {
 namespace {
@@ -10,6 +11,11 @@ View& viewOf(cmd::Session& session, const std::string& panel) {
   View* view = panel.empty() ? nullptr : views.find(panel);
   return view ? *view : views.active();
 }
+
+/// Tells script jobs of the tools; lives with the session.
+struct ToolEvents {
+  Connection changed;
+};
 
 bool isOn(cmd::Session& session, const char* query) {
   const auto value = session.executeLine(query, {.undo = false, .postErrors = false});
@@ -33,8 +39,10 @@ viewport::PickOptions pickOptions(cmd::Session& session) {
 }  // namespace
 
 tools::ToolRegistry& toolsOf(cmd::Session& session) {
-  auto& registry = session.service<tools::ToolRegistry>();
-  if (registry.views.scene) return registry;
+  if (auto* made = session.findService<tools::ToolRegistry>()) return *made;
+  const auto made = std::make_shared<tools::ToolRegistry>(session.loop().timers());
+  session.setService(made);
+  tools::ToolRegistry& registry = *made;
   cmd::Session* const owner = &session;
   registry.views.scene = [owner](const std::string& panel) {
     return gatherView(owner->document(), viewOf(*owner, panel));
@@ -49,6 +57,7 @@ tools::ToolRegistry& toolsOf(cmd::Session& session) {
   };
   registry.views.pickOptions = [owner] { return pickOptions(*owner); };
   registry.views.pointerAt = [owner](const tools::InputEvent& event) {
+    owner->loop().requestRedraw();
     if (event.kind == tools::InputKind::Press && !event.panel.empty())
       owner->service<Views>().setActive(event.panel);
     View& view = viewOf(*owner, event.panel);
@@ -64,7 +73,8 @@ tools::ToolRegistry& toolsOf(cmd::Session& session) {
       [owner](scene::Document&, const View& view, viewport::SceneView& scene) {
         toolsOf(*owner).current()->draw(view.panel, scene.extra);
       });
-  registry.currentChanged = [owner] { owner->scriptJobs().triggerEvent("ToolChanged"); };
+  session.service<ToolEvents>().changed =
+      registry.currentChanged.connect([owner] { owner->scriptJobs().triggerEvent("ToolChanged"); });
   return registry;
 }
 

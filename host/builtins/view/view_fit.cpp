@@ -39,6 +39,7 @@ Result<void> place(scene::Document& document, const scene::DagPath& shape,
   HOST_TRY(graph.setVec3(transform->plug("translate"), math::transformPoint(eye, *parent)));
   dg::Node* node = shape.node();
   HOST_TRY(graph.set(node->plug("centerOfInterest"), camera.centerOfInterest));
+  HOST_TRY(graph.setVec3(node->plug("tumblePivot"), camera.tumblePivot));
   HOST_TRY(graph.set(node->plug("nearClipPlane"), camera.nearClip));
   HOST_TRY(graph.set(node->plug("farClipPlane"), camera.farClip));
   return graph.set(node->plug("orthographicWidth"), camera.orthographicWidth);

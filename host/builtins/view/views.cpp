@@ -94,6 +94,7 @@ Result<void> placeCamera(scene::Document& document, const scene::DagPath& shape,
   HOST_TRY(graph.setVec3(node->plug("rotate"), math::decompose(local).rotate));
   dg::Node* lens = shape.node();
   HOST_TRY(graph.set(lens->plug("centerOfInterest"), camera.centerOfInterest));
+  HOST_TRY(graph.setVec3(lens->plug("tumblePivot"), camera.tumblePivot));
   HOST_TRY(graph.set(lens->plug("nearClipPlane"), camera.nearClip));
   HOST_TRY(graph.set(lens->plug("farClipPlane"), camera.farClip));
   return graph.set(lens->plug("orthographicWidth"), camera.orthographicWidth);
