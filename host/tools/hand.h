@@ -12,11 +12,11 @@ namespace host::tools {
 /// How a hand does what it does next; what is left out stays as it was while a button is down, and
 /// is as with a plain left click otherwise.
 struct HandOptions {
-  std::string panel;  ///< must be given before the first event
-  std::optional<MouseButton> button;
-  std::optional<bool> shift, control, alt;
-  std::optional<double> pressure;      ///< 0..1
-  std::optional<double> tiltX, tiltY;  ///< degrees
+  std::string panel = {};  ///< must be given before the first event
+  std::optional<MouseButton> button = {};
+  std::optional<bool> shift = {}, control = {}, alt = {};
+  std::optional<double> pressure = {};           ///< 0..1
+  std::optional<double> tiltX = {}, tiltY = {};  ///< degrees
 };
 
 /// A hand that a script moves: makes the events that a person's mouse would make, in an order in

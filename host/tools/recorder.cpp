@@ -16,7 +16,7 @@ Recorder::Recorder(cmd::Session& session, ToolRegistry& tools, Recording begun)
     recording_.steps.back().event = event;
   }));
   connections_.push_back(tools.currentChanged.connect([this] {
-    if (isCause()) add(RecordedStep::Kind::Tool, tools_.currentName());
+    if (isCause()) add(RecordedStep::Kind::Tool, toolWords(tools_));
   }));
   connections_.push_back(session.loop().worked.connect([this] { add(RecordedStep::Kind::Turn); }));
   connections_.push_back(session.lineBegins.connect([this](std::string_view) {
@@ -53,6 +53,26 @@ void Recorder::endLine(std::string_view text) {
   add(RecordedStep::Kind::Line, std::string(text));
 }
 
+std::string toolWords(const ToolRegistry& tools) {
+  const std::string maker = tools.current()->maker();
+  return maker.empty() ? tools.currentName() : tools.currentName() + " " + maker;
+}
+
+Result<void> runLine(cmd::Session& session, const std::string& line) {
+  const auto done = session.executeLine(line, {.undo = false, .postErrors = false});
+  return done ? Result<void>() : failWith(done.error());
+}
+
+Result<void> chooseTool(cmd::Session& session, ToolRegistry& tools, const std::string& words) {
+  const std::size_t end = words.find(' ');
+  const std::string name = words.substr(0, end);
+  const std::string maker = end == std::string::npos ? std::string() : words.substr(end + 1);
+  if (!tools.find(name) && !maker.empty()) HOST_TRY(runLine(session, maker + " " + name));
+  HOST_TRY(tools.setCurrent(name));
+  session.scriptJobs().triggerEvent("PostToolChanged");
+  return {};
+}
+
 void playSteps(cmd::Session& session, ToolRegistry& tools, const Recording& recording, double start,
                std::size_t first, std::size_t end) {
   cmd::Loop& loop = session.loop();
@@ -63,7 +83,7 @@ void playSteps(cmd::Session& session, ToolRegistry& tools, const Recording& reco
       session.runByHand([&] { loop.turnAt(start + step.time); });
       continue;
     }
-    // Timers that are due now were not called in the recording at this moment: it is another scene.
+    // Time goes on. Where the recording had a timer that was called, it has a turn.
     if (start + step.time > loop.now())
       session.runByHand([&] { loop.timers().step(start + step.time); });
     session.runByHand([&] {
@@ -71,7 +91,7 @@ void playSteps(cmd::Session& session, ToolRegistry& tools, const Recording& reco
         (void)tools.handle(step.event);
       } else if (step.kind == RecordedStep::Kind::Line) {
         (void)session.executeLine(step.text);
-      } else if (const auto done = tools.setCurrent(step.text); !done) {
+      } else if (const auto done = chooseTool(session, tools, step.text); !done) {
         postMessage(MessageKind::Error, done.error().message);
       }
     });

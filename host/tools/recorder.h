@@ -36,6 +36,13 @@ class Recorder {
   std::vector<Connection> connections_;
 };
 
+/// The current tool as a recording names it.
+[[nodiscard]] std::string toolWords(const ToolRegistry& tools);
+/// Makes a tool current, and first the tool itself where it isn't there.
+Result<void> chooseTool(cmd::Session& session, ToolRegistry& tools, const std::string& words);
+/// Runs a line of a recording without undo.
+Result<void> runLine(cmd::Session& session, const std::string& line);
+
 /// Does what a recording says from its step `first` up to, not including, `end`.
 ///
 /// Views, cameras and settings are as the caller has set them; `start` is the loop's time at which

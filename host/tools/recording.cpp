@@ -72,6 +72,14 @@ std::string formatEvent(const InputEvent& event) {
   return line;
 }
 
+/// Names have neither blanks nor commas.
+std::string isolation(const RecordedView& view) {
+  if (!view.isIsolated) return {};
+  std::string names;
+  for (const std::string& name : view.isolated) names += (names.empty() ? "" : ",") + name;
+  return " isolated " + (names.empty() ? "-" : names);
+}
+
 std::string formatStep(const RecordedStep& step) {
   const std::string time = number(step.time) + ' ';
   switch (step.kind) {
@@ -177,7 +185,8 @@ Result<RecordedStep> parseStep(std::string_view line) {
     step.kind = RecordedStep::Kind::Turn;
   } else if (what == "tool") {
     step.kind = RecordedStep::Kind::Tool;
-    HOST_TRY(take(step.text, words.text("the tool")));
+    step.text = words.rest();
+    if (step.text.empty()) return fail("the tool is missing");
   } else if (what == "line") {
     step.kind = RecordedStep::Kind::Line;
     step.text = unescaped(words.rest());
@@ -185,6 +194,15 @@ Result<RecordedStep> parseStep(std::string_view line) {
     return fail("'{}' is nothing that happens", what);
   }
   return step;
+}
+
+void readIsolation(std::string_view names, RecordedView& view) {
+  view.isIsolated = true;
+  while (!names.empty() && names != "-") {
+    const std::size_t end = std::min(names.find(','), names.size());
+    view.isolated.emplace_back(names.substr(0, end));
+    names.remove_prefix(std::min(end + 1, names.size()));
+  }
 }
 
 Result<RecordedView> parseView(Words& words) {
@@ -203,6 +221,8 @@ Result<RecordedView> parseView(Words& words) {
       view.xray = true;
     else if (word == "culling")
       view.culling = true;
+    else if (word == "isolated")
+      readIsolation(words.next(), view);
     else if (word == "shaded" || word == "wireframe" || word == "wireOnShaded")
       view.style = word;
     else
@@ -248,7 +268,8 @@ Result<void> parseLine(std::string_view line, Recording& recording) {
   } else if (what == "active") {
     recording.activePanel = words.rest();
   } else if (what == "set") {
-    recording.settings.push_back(unescaped(words.rest()));
+    auto& settings = recording.tool.empty() ? recording.settings : recording.toolSettings;
+    settings.push_back(unescaped(words.rest()));
   } else if (what == "tool") {
     recording.tool = words.rest();
   } else {
@@ -266,7 +287,7 @@ std::string formatRecording(const Recording& recording) {
   for (const RecordedView& view : recording.views)
     line("view " + view.panel + ' ' + std::to_string(view.port.width) + ' ' +
          std::to_string(view.port.height) + ' ' + view.camera + ' ' + view.style +
-         (view.xray ? " xray" : "") + (view.culling ? " culling" : ""));
+         (view.xray ? " xray" : "") + (view.culling ? " culling" : "") + isolation(view));
   if (!recording.activePanel.empty()) line("active " + recording.activePanel);
   if (!recording.cameras.empty()) line("# cm, radians and, for the lens, millimetres and inches");
   for (const RecordedCamera& camera : recording.cameras) {
@@ -279,6 +300,7 @@ std::string formatRecording(const Recording& recording) {
   }
   for (const std::string& setting : recording.settings) line("set " + escaped(setting));
   if (!recording.tool.empty()) line("tool " + recording.tool);
+  for (const std::string& setting : recording.toolSettings) line("set " + escaped(setting));
   if (!recording.steps.empty()) line("# seconds, what happened, view, place in pixels");
   for (const RecordedStep& step : recording.steps) line(formatStep(step));
   return text;

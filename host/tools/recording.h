@@ -16,6 +16,8 @@ struct RecordedView {
   viewport::PortSize port;
   std::string style = "shaded";  ///< shaded, wireframe or wireOnShaded
   bool xray = false, culling = false;
+  bool isIsolated = false;            ///< shows only:
+  std::vector<std::string> isolated;  ///< these and what hangs under them
   friend bool operator==(const RecordedView&, const RecordedView&) = default;
 };
 
@@ -31,7 +33,7 @@ struct RecordedStep {
   enum class Kind : std::uint8_t {
     Event,  ///< of mouse, pen or keyboard
     Turn,   ///< a turn of the loop in which timers or idle work ran
-    Tool,   ///< another tool was chosen: `text`
+    Tool,   ///< another tool was chosen: `text` as in Recording::tool
     Line,   ///< a command line was run: `text`
   };
   Kind kind = Kind::Event;
@@ -47,7 +49,8 @@ struct Recording {
   std::vector<RecordedCamera> cameras;
   std::string activePanel;
   std::vector<std::string> settings;  ///< command lines, before the tool is chosen
-  std::string tool;
+  std::string tool;                   ///< its name and, of a plug-in's, the command that makes it
+  std::vector<std::string> toolSettings;  ///< command lines, after it is chosen
   std::vector<RecordedStep> steps;
 };
 

@@ -1,20 +1,12 @@
 #include <algorithm>
 #include <array>
-#include <set>
 
 #include "host/builtins/common/command.h"
+#include "host/builtins/select/selection_modes.h"
 
 namespace host::builtins {
 
 namespace {
-
-/// What a click in a view may pick: whole objects or components, and which kinds of each.
-struct SelectionModes {
-  bool isComponentMode = false;
-  std::set<std::string, std::less<>> componentTypes{"vertex"};  ///< long flag names that are on
-  std::set<std::string, std::less<>> objectComponentTypes{"vertex"};
-  std::set<std::string, std::less<>> objectTypesOff;
-};
 
 struct TypeFlag {
   const char *shortName, *longName;
@@ -112,7 +104,22 @@ CommandResult selectType(Context& context, const ParsedArgs& args) {
   return mel::Value();
 }
 
+std::string typesLine(const std::string& start, const std::set<std::string, std::less<>>& types) {
+  std::string line = start + " -allComponents 0";
+  for (const std::string& type : types) line += " -" + type + " 1";
+  return line;
+}
+
 }  // namespace
+
+std::vector<std::string> selectionSettings(cmd::Session& session) {
+  const SelectionModes& modes = session.service<SelectionModes>();
+  std::string objects = "selectType -allObjects 1";
+  for (const std::string& type : modes.objectTypesOff) objects += " -" + type + " 0";
+  return {modes.isComponentMode ? "selectMode -component" : "selectMode -object",
+          typesLine("selectType", modes.componentTypes),
+          typesLine("selectType -objectComponent", modes.objectComponentTypes), objects};
+}
 
 void registerSelectMode(CommandRegistry& registry) {
   defineQuery(registry, "selectMode",

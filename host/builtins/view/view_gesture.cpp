@@ -1,9 +1,11 @@
 // viewGesture: what a person does in a view, as a command, for tests, recordings and scripts that
 // show something. tabletState: how the pen is held.
 #include <cmath>
+#include <optional>
 
 #include "host/builtins/common/command.h"
 #include "host/builtins/common/mesh_components.h"
+#include "host/builtins/view/gesture_recording.h"
 #include "host/builtins/view/tool_views.h"
 #include "host/builtins/view/views.h"
 #include "host/cmd/loop.h"
@@ -194,10 +196,29 @@ class GestureCall {
   std::string panel_;
 };
 
+/// What recordings have to do with a call; nothing when it is a gesture.
+std::optional<CommandResult> handleRecording(Context& context, const ParsedArgs& args) {
+  const int uses = args.uses("record") + args.uses("stopRecording") + args.uses("play");
+  if (uses == 0) return std::nullopt;
+  if (uses != static_cast<int>(args.flagUses().size()))
+    return CommandResult(fail("viewGesture: -record, -stopRecording and -play stand alone."));
+  Result<void> done;
+  if (args.has("record")) done = startRecording(context.session, args.text("record"));
+  if (args.has("play")) done = playRecordingFile(context.session, args.text("play"));
+  if (args.has("stopRecording")) {
+    const auto file = stopRecording(context.session);
+    if (file) return CommandResult(mel::Value(*file));
+    done = failWith(file.error());
+  }
+  if (!done) return CommandResult(fail("viewGesture: {}", done.error().message));
+  return CommandResult(mel::Value());
+}
+
 CommandResult viewGesture(Context& context, const ParsedArgs& args) {
   ScriptHand& state = handOf(context.session);
   if (state.isSending)
     return fail("viewGesture: a tool is at work with an event; make the next when it is done.");
+  if (const auto done = handleRecording(context, args)) return *done;
   Views& views = context.session.service<Views>();
   const std::string panel = args.hasObjects()      ? args.firstObject()
                             : state.hand->isDown() ? state.hand->panel()
@@ -244,7 +265,10 @@ void registerViewGesture(CommandRegistry& registry) {
       .multiUse()
       .flag("pr", "pressure", {ArgType::Double})
       .flag("ti", "tilt", {ArgType::Double, ArgType::Double})
-      .flag("w", "wait", {ArgType::Double});
+      .flag("w", "wait", {ArgType::Double})
+      .flag("rec", "record", {ArgType::String})
+      .flag("sr", "stopRecording")
+      .flag("pl", "play", {ArgType::String});
   defineQuery(registry, "viewGesture", gesture.strings(0, 1), viewGesture);
   defineQuery(registry, "tabletState",
               Syntax().flag("p", "pressure").flag("ti", "tilt").queryable(), tabletState);

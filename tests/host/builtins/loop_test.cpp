@@ -73,9 +73,10 @@ TEST_CASE("a turn runs timers, listeners, idle work and one redraw, in that orde
 
 TEST_CASE("what waits runs as if no script did: its lines are undone one by one") {
   const auto session = builtins::makeSession();
-  REQUIRE(session->executeLine("evalDeferred \"polyCube -n a; polyCube -n b\"; "
-                               "viewGesture -wait 0.1; undo; "
-                               "print(`objExists a` + `objExists b`); polyCube -n c"));
+  REQUIRE(
+      session->executeLine("evalDeferred \"polyCube -n a; polyCube -n b\"; "
+                           "viewGesture -wait 0.1; undo; "
+                           "print(`objExists a` + `objExists b`); polyCube -n c"));
   CHECK_FALSE(session->document().dagPath("a"));
   CHECK(session->document().dagPath("c"));
   // What waits can't wait itself, and quitting ends a wait.
