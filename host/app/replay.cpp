@@ -12,7 +12,7 @@
 
 #include "host/app/interrupts.h"
 #include "host/base/messages.h"
-#include "host/builtins/view/gesture_recording.h"
+#include "host/workspace/workspace.h"
 
 namespace host::app {
 namespace {
@@ -59,8 +59,8 @@ std::unique_ptr<cmd::Session> replayed(const tools::Recording& recording,
   auto session = makeSession(options.scene.empty() ? recording.scene : options.scene, status);
   if (!session) return nullptr;
   const InterruptScope interrupts(*session);
-  const auto done =
-      builtins::playRecording(*session, recording, tools::stepsUntil(recording, options.until));
+  const auto done = workspace::workspaceOf(*session).recordings.play(
+      recording, tools::stepsUntil(recording, options.until));
   if (!done) {
     postMessage(MessageKind::Error, done.error().message);
     status = kScriptFailed;

@@ -1,7 +1,9 @@
 #include "host/builtins/register.h"
 
+#include "host/builtins/file/formats.h"
 #include "host/builtins/ui/ui_session.h"
 #include "host/nodes/mesh_shape.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
@@ -166,6 +168,8 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
 std::unique_ptr<cmd::Session> makeSession() {
   auto session = std::make_unique<cmd::Session>(
       [](dg::TypeRegistry& types) { nodes::registerBuiltinTypes(types); }, nodes::installNewScene);
+  session->workspace = std::make_unique<workspace::Workspace>(*session);
+  workspace::workspaceOf(*session).fileFormats.all = {maFormat(), objFormat()};
   registerBuiltinCommands(session->commands());
   prepareUi(*session);
   return session;

@@ -40,10 +40,9 @@ Session::Session(const std::function<void(dg::TypeRegistry&)>& registerTypes,
 }
 
 Session::~Session() {
-  // Plug-ins and services may call back while they go.
+  // Plug-ins and the parts of other layers may call back while they go.
   pluginLoader.reset();
   undo_->flush();
-  services_.clear();
   plugInState.reset();
   workspace.reset();
   loop_.reset();

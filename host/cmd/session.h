@@ -4,8 +4,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <typeindex>
-#include <unordered_map>
 
 #include "host/base/result.h"
 #include "host/cmd/dispatcher.h"
@@ -88,24 +86,6 @@ class Session {
   /// document does, the plug-ins' first.
   std::unique_ptr<SessionPart> workspace, plugInState;
 
-  /// An object of another layer that lives with the session (the control tree, the tools, the
-  /// views), by its type; made on first use.
-  template <class T>
-  [[nodiscard]] T& service() {
-    std::shared_ptr<void>& slot = services_[std::type_index(typeid(T))];
-    if (!slot) slot = std::make_shared<T>();
-    return *static_cast<T*>(slot.get());
-  }
-  template <class T>
-  void setService(std::shared_ptr<T> object) {
-    services_[std::type_index(typeid(T))] = std::move(object);
-  }
-  template <class T>
-  [[nodiscard]] T* findService() {
-    const auto found = services_.find(std::type_index(typeid(T)));
-    return found == services_.end() ? nullptr : static_cast<T*>(found->second.get());
-  }
-
  private:
   Result<mel::Value> runGuarded(const std::function<Result<mel::Value>()>& run,
                                 std::string_view text, const ExecuteOptions& options);
@@ -119,7 +99,6 @@ class Session {
   std::unique_ptr<ScriptJobs> scriptJobs_;
   std::unique_ptr<Loop> loop_;
   OptionVars optionVars_;
-  std::unordered_map<std::type_index, std::shared_ptr<void>> services_;
   int lineDepth_ = 0;
 };
 

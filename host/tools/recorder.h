@@ -18,6 +18,8 @@ class Recorder {
  public:
   /// `begun` is how things stand now: views, cameras, tool and settings.
   Recorder(cmd::Session& session, ToolRegistry& tools, Recording begun);
+  Recorder(const Recorder&) = delete;
+  Recorder& operator=(const Recorder&) = delete;
 
   /// What has been recorded so far.
   [[nodiscard]] const Recording& recording() const { return recording_; }

@@ -34,7 +34,9 @@ ToolRegistry::ToolRegistry(Timers& timers) : timers_(timers) {
   current_ = find(kSelect);
 }
 
-ToolRegistry::~ToolRegistry() = default;
+ToolRegistry::~ToolRegistry() {
+  timers_.remove(holdTimer_);
+}
 
 bool ToolRegistry::isBuiltin(std::string_view name) const {
   return std::find(builtins_.begin(), builtins_.end(), name) != builtins_.end();

@@ -18,7 +18,7 @@ std::vector<std::string> listed(toolkitSession& toolkit, const std::string& mel)
 std::string faultsOf(toolkitSession& toolkit, const std::vector<std::string>& controls) {
   std::string faults;
   for (const std::string& control : controls) {
-    if (!toolkit.session->service<host::ui::Tree>().find(control))
+    if (!host::workspace::workspaceOf(*toolkit.session).controls.find(control))
       continue;  // closed by an earlier one
     toolkit.run("if (`objExists shape`) delete shape; polyCube -n shape; select -r shape.vtx[0:3]");
     const host::MessageCapture said;

@@ -10,7 +10,9 @@
 
 #include "host/api/graph/modifier.h"
 #include "host/api/plugin/loader.h"
+#include "host/api/session/api_state.h"
 #include "host/base/messages.h"
+#include "host/workspace/workspace.h"
 
 namespace host::api {
 namespace {
@@ -62,8 +64,8 @@ int attributeMessage(dg::AttributeEvent event) {
   return 0;
 }
 
-int messageOf(builtins::SceneStage stage) {
-  using S = builtins::SceneStage;
+int messageOf(workspace::SceneStage stage) {
+  using S = workspace::SceneStage;
   switch (stage) {
     case S::BeforeNew:
       return MSceneMessage::kBeforeNew;
@@ -94,8 +96,8 @@ int messageOf(builtins::SceneStage stage) {
 }
 
 /// The question that comes before a work; -1 for stages that nobody is asked about.
-int checkOf(builtins::SceneStage stage) {
-  using S = builtins::SceneStage;
+int checkOf(workspace::SceneStage stage) {
+  using S = workspace::SceneStage;
   switch (stage) {
     case S::BeforeNew:
       return MSceneMessage::kBeforeNewCheck;
@@ -136,7 +138,9 @@ scene::DagPath placeOf(dg::Node& child, dg::Node* parent, bool added) {
 }  // namespace
 
 Callbacks& callbacks() {
-  return cmd::currentSession().service<Callbacks>();
+  auto& made = apiState().callbacks;
+  if (!made) made = std::make_unique<Callbacks>();
+  return *made;
 }
 
 Callbacks::Callbacks() : document_(cmd::currentSession().document()), counts_(kKindCount, 0) {
@@ -147,17 +151,19 @@ Callbacks::Callbacks() : document_(cmd::currentSession().document()), counts_(kK
     fire(CallbackKind::Event, {.text = std::string(name)});
     if (name == "timeChanged") fire(CallbackKind::TimeChanged, {});
   }));
-  hooks_->reached = [this](builtins::SceneStage stage, const std::string& path) {
-    const int message = messageOf(stage);
-    fire(CallbackKind::Scene, {.message = message, .text = path});
-    fire(CallbackKind::SceneText, {.message = message, .text = path});
-  };
-  hooks_->mayGoOn = [this](builtins::SceneStage stage, const std::string& path) {
-    Happening asked{.message = checkOf(stage), .text = path};
-    fire(CallbackKind::SceneCheck, asked);
-    return !asked.isRefused;
-  };
-  cmd::currentSession().setService(hooks_);
+  workspace::SceneHooks& hooks = workspace::workspaceOf(cmd::currentSession()).sceneHooks;
+  connections_.push_back(
+      hooks.reached.connect([this](workspace::SceneStage stage, const std::string& path) {
+        const int message = messageOf(stage);
+        fire(CallbackKind::Scene, {.message = message, .text = path});
+        fire(CallbackKind::SceneText, {.message = message, .text = path});
+      }));
+  connections_.push_back(hooks.asked.connect(
+      [this](workspace::SceneStage stage, const std::string& path, bool& isRefused) {
+        Happening asked{.message = checkOf(stage), .text = path};
+        fire(CallbackKind::SceneCheck, asked);
+        isRefused = isRefused || asked.isRefused;
+      }));
   connections_.push_back(jobs.conditionChanged.connect([this](std::string_view name, bool state) {
     fire(CallbackKind::Condition, {.text = std::string(name), .flag = state});
   }));
@@ -168,8 +174,6 @@ Callbacks::Callbacks() : document_(cmd::currentSession().document()), counts_(kK
 }
 
 Callbacks::~Callbacks() {
-  hooks_->reached = {};
-  hooks_->mayGoOn = {};
   connections_.clear();
   for (const auto& [id, callback] : callbacks_)
     cmd::currentSession().loop().timers().remove(callback.timer);

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "host/api/core/access.h"
-#include "host/builtins/file/scene_hooks.h"
 #include "host/cmd/loop.h"
 #include "host/cmd/session.h"
 
@@ -116,7 +115,6 @@ class Callbacks final : public dg::GraphObserver, public scene::DocumentObserver
 
   scene::Document& document_;
   std::vector<Connection> connections_;
-  std::shared_ptr<builtins::SceneHooks> hooks_ = std::make_shared<builtins::SceneHooks>();
   std::map<MCallbackId, Callback> callbacks_;
   std::vector<int> counts_;
   std::vector<MCallbackId> running_;

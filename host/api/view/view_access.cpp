@@ -4,9 +4,9 @@
 #include <cmath>
 #include <limits>
 
-#include "host/builtins/view/views.h"
 #include "host/cmd/session.h"
 #include "host/viewport/scene_gather.h"
+#include "host/workspace/workspace.h"
 
 namespace host::api {
 
@@ -65,10 +65,10 @@ DrawCallback callbackOf(const DrawOverride& drawOverride) {
 
 FrameRep* makeFrame(const std::string& panel) {
   cmd::Session& session = cmd::currentSession();
-  auto& views = session.service<builtins::Views>();
-  builtins::View* found = panel.empty() ? nullptr : views.find(panel);
-  const builtins::View& view = found ? *found : views.active();
-  const auto path = builtins::cameraPath(session.document(), view.cameraName);
+  auto& views = workspace::workspaceOf(session).views;
+  workspace::View* found = panel.empty() ? nullptr : views.find(panel);
+  const workspace::View& view = found ? *found : views.active();
+  const auto path = workspace::cameraPath(session.document(), view.cameraName);
   if (!path) return nullptr;
   const auto camera = viewport::gatherCamera(*path);
   if (!camera) return nullptr;

@@ -2,11 +2,14 @@
 #include <array>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/select/selection_modes.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
 namespace {
+
+using workspace::SelectionModes;
+using workspace::workspaceOf;
 
 struct TypeFlag {
   const char *shortName, *longName;
@@ -46,7 +49,7 @@ std::string canonical(std::string_view name) {
 }
 
 CommandResult selectMode(Context& context, const ParsedArgs& args) {
-  SelectionModes& modes = context.session.service<SelectionModes>();
+  SelectionModes& modes = workspaceOf(context.session).selectionModes;
   if (args.isQuery()) {
     if (args.has("component")) return mel::Value(modes.isComponentMode);
     if (args.has("object")) return mel::Value(!modes.isComponentMode);
@@ -73,7 +76,7 @@ CommandResult querySelectType(const SelectionModes& modes, const ParsedArgs& arg
 }
 
 CommandResult selectType(Context& context, const ParsedArgs& args) {
-  SelectionModes& modes = context.session.service<SelectionModes>();
+  SelectionModes& modes = workspaceOf(context.session).selectionModes;
   if (args.isQuery()) return querySelectType(modes, args);
   auto& types = args.has("objectComponent") ? modes.objectComponentTypes : modes.componentTypes;
   if (args.has("allComponents")) {
@@ -104,22 +107,7 @@ CommandResult selectType(Context& context, const ParsedArgs& args) {
   return mel::Value();
 }
 
-std::string typesLine(const std::string& start, const std::set<std::string, std::less<>>& types) {
-  std::string line = start + " -allComponents 0";
-  for (const std::string& type : types) line += " -" + type + " 1";
-  return line;
-}
-
 }  // namespace
-
-std::vector<std::string> selectionSettings(cmd::Session& session) {
-  const SelectionModes& modes = session.service<SelectionModes>();
-  std::string objects = "selectType -allObjects 1";
-  for (const std::string& type : modes.objectTypesOff) objects += " -" + type + " 0";
-  return {modes.isComponentMode ? "selectMode -component" : "selectMode -object",
-          typesLine("selectType", modes.componentTypes),
-          typesLine("selectType -objectComponent", modes.objectComponentTypes), objects};
-}
 
 void registerSelectMode(CommandRegistry& registry) {
   defineQuery(registry, "selectMode",

@@ -2,36 +2,39 @@
 #include <cmath>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/view/tool_views.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
+
+using workspace::workspaceOf;
 
 namespace {
 
 /// A name itself, or the tool that the program's own scripts keep under it in a global variable
 /// ($gSelect).
 std::string toolName(Context& context, const std::string& name) {
-  if (toolsOf(context.session).find(name)) return name;
+  if (workspaceOf(context.session).toolbox.find(name)) return name;
   const auto variable = context.session.interpreter().global(name);
   return variable && variable->isString() ? variable->string() : name;
 }
 
 CommandResult setToolTo(Context& context, const ParsedArgs& args) {
   const std::string name = toolName(context, args.firstObject());
-  if (!toolsOf(context.session).find(name)) return fail("setToolTo: Tool '{}' not found.", name);
-  auto changed = toolsOf(context.session).setCurrent(name);
+  if (!workspaceOf(context.session).toolbox.find(name))
+    return fail("setToolTo: Tool '{}' not found.", name);
+  auto changed = workspaceOf(context.session).toolbox.setCurrent(name);
   if (!changed) return failWith(std::move(changed.error()));
   context.session.scriptJobs().triggerEvent("PostToolChanged");
   return mel::Value();
 }
 
 CommandResult currentCtx(Context& context, const ParsedArgs&) {
-  return mel::Value(toolsOf(context.session).currentName());
+  return mel::Value(workspaceOf(context.session).toolbox.currentName());
 }
 
 CommandResult contextInfo(Context& context, const ParsedArgs& args) {
   const std::string name = args.firstObject();
-  const auto tool = toolsOf(context.session).find(name);
+  const auto tool = workspaceOf(context.session).toolbox.find(name);
   if (args.has("exists")) return mel::Value(tool != nullptr);
   if (!tool) return fail("contextInfo: Tool '{}' not found.", name);
   if (args.has("class")) return mel::Value(tool->className());
@@ -67,7 +70,7 @@ Result<void> editTumble(tools::TumbleSettings& settings, const ParsedArgs& args)
 }
 
 CommandResult tumbleCtx(Context& context, const ParsedArgs& args) {
-  tools::TumbleSettings& settings = toolsOf(context.session).tumble;
+  tools::TumbleSettings& settings = workspaceOf(context.session).toolbox.tumble;
   const std::string name = args.firstObject();
   const bool isKnown = name == "tumbleContext";
   if (args.has("exists")) return mel::Value(isKnown);

@@ -5,16 +5,19 @@
 
 #include "host/builtins/common/command.h"
 #include "host/builtins/common/mesh_components.h"
-#include "host/builtins/view/gesture_recording.h"
-#include "host/builtins/view/tool_views.h"
-#include "host/builtins/view/views.h"
 #include "host/cmd/loop.h"
 #include "host/math/box.h"
 #include "host/tools/hand.h"
 #include "host/viewport/scene_gather.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 namespace {
+
+using workspace::ScriptHand;
+using workspace::View;
+using workspace::Views;
+using workspace::workspaceOf;
 
 using viewport::ViewPoint;
 
@@ -22,13 +25,6 @@ using viewport::ViewPoint;
 constexpr double kFarthestPixel = 32767;
 constexpr int kLargestPort = 16384;
 constexpr double kLongestWait = 600;  ///< seconds
-
-/// The hand that the session's scripts move. It has to come out of an event before it makes the
-/// next.
-struct ScriptHand {
-  std::unique_ptr<tools::Hand> hand;
-  bool isSending = false, isWaiting = false;
-};
 
 class FlagScope {
  public:
@@ -42,11 +38,11 @@ class FlagScope {
 };
 
 ScriptHand& handOf(cmd::Session& session) {
-  ScriptHand& state = session.service<ScriptHand>();
+  ScriptHand& state = workspaceOf(session).hand;
   if (!state.hand)
     state.hand = std::make_unique<tools::Hand>([&session, &state](const tools::InputEvent& event) {
       const FlagScope sending(state.isSending);
-      session.runByHand([&] { (void)toolsOf(session).handle(event); });
+      session.runByHand([&] { (void)workspaceOf(session).toolbox.handle(event); });
     });
   return state;
 }
@@ -121,7 +117,7 @@ class GestureCall {
 
  private:
   /// Looked up anew each time: a tool may add views.
-  [[nodiscard]] View& view() const { return *context_.session.service<Views>().find(panel_); }
+  [[nodiscard]] View& view() const { return *workspaceOf(context_.session).views.find(panel_); }
 
   static bool isPlace(const std::string& flag) {
     return flag == "press" || flag == "drag" || flag == "release" || flag == "hover";
@@ -175,7 +171,7 @@ class GestureCall {
     const View& view = this->view();
     const auto center = centerOf(context_.document, name);
     if (!center) return fail("viewGesture: {}", center.error().message);
-    const auto path = cameraPath(context_.document, view.cameraName);
+    const auto path = workspace::cameraPath(context_.document, view.cameraName);
     if (!path) return failWith(path.error());
     const auto camera = viewport::gatherCamera(*path);
     if (!camera) return failWith(camera.error());
@@ -203,10 +199,10 @@ std::optional<CommandResult> handleRecording(Context& context, const ParsedArgs&
   if (uses != static_cast<int>(args.flagUses().size()))
     return CommandResult(fail("viewGesture: -record, -stopRecording and -play stand alone."));
   Result<void> done;
-  if (args.has("record")) done = startRecording(context.session, args.text("record"));
-  if (args.has("play")) done = playRecordingFile(context.session, args.text("play"));
+  if (args.has("record")) done = workspaceOf(context.session).recordings.start(args.text("record"));
+  if (args.has("play")) done = workspaceOf(context.session).recordings.playFile(args.text("play"));
   if (args.has("stopRecording")) {
-    const auto file = stopRecording(context.session);
+    const auto file = workspaceOf(context.session).recordings.stop();
     if (file) return CommandResult(mel::Value(*file));
     done = failWith(file.error());
   }
@@ -219,7 +215,7 @@ CommandResult viewGesture(Context& context, const ParsedArgs& args) {
   if (state.isSending)
     return fail("viewGesture: a tool is at work with an event; make the next when it is done.");
   if (const auto done = handleRecording(context, args)) return *done;
-  Views& views = context.session.service<Views>();
+  Views& views = workspaceOf(context.session).views;
   const std::string panel = args.hasObjects()      ? args.firstObject()
                             : state.hand->isDown() ? state.hand->panel()
                                                    : views.active().panel;
@@ -236,7 +232,7 @@ CommandResult viewGesture(Context& context, const ParsedArgs& args) {
 }
 
 CommandResult tabletState(Context& context, const ParsedArgs& args) {
-  const tools::InputEvent& event = toolsOf(context.session).lastEvent();
+  const tools::InputEvent& event = workspaceOf(context.session).toolbox.lastEvent();
   if (args.has("pressure")) return mel::Value(event.pressure);
   if (args.has("tilt")) return mel::Value(mel::FloatArray{event.tiltX, event.tiltY});
   return fail("tabletState: say what to query: -pressure or -tilt.");

@@ -1,6 +1,4 @@
 // Recordings: what is done again on the same scene gives the same document.
-#include "host/builtins/view/gesture_recording.h"
-
 #include <doctest/doctest.h>
 
 #include <filesystem>
@@ -9,8 +7,8 @@
 
 #include "host/base/messages.h"
 #include "host/builtins/register.h"
-#include "host/builtins/view/tool_views.h"
 #include "host/cmd/loop.h"
+#include "host/workspace/workspace.h"
 
 using namespace host;
 
@@ -81,7 +79,7 @@ TEST_CASE("replay: bit for bit on the same scene, as far as one likes, and again
   REQUIRE(recording);
   {
     const auto session = plainScene();
-    REQUIRE(builtins::playRecording(*session, *recording, recording->steps.size()));
+    REQUIRE(workspace::workspaceOf(*session).recordings.play(*recording, recording->steps.size()));
     CHECK(session->document().hash() == after);
     while (session->undo().canUndo()) REQUIRE(session->undo().undo());
   }
@@ -93,9 +91,10 @@ TEST_CASE("replay: bit for bit on the same scene, as far as one likes, and again
   }
   {
     const auto session = plainScene();
-    REQUIRE(builtins::playRecording(*session, *recording, tools::stepsUntil(*recording, 4)));
+    REQUIRE(workspace::workspaceOf(*session).recordings.play(*recording,
+                                                             tools::stepsUntil(*recording, 4)));
     CHECK(session->executeLine("size(`ls -sl -fl`)")->toInt().value() > 0);
-    CHECK(builtins::toolsOf(*session).currentName() == "selectSuperContext");
+    CHECK(workspace::workspaceOf(*session).toolbox.currentName() == "selectSuperContext");
   }
 }
 
@@ -140,10 +139,12 @@ TEST_CASE("recordings that can't begin, end or be played say why") {
   CHECK(errorOf("viewGesture -stopRecording").find("the recording goes on") != std::string::npos);
 
   const auto other = plainScene();
-  tools::Recording recording = builtins::recordingOfNow(*other);
+  tools::Recording recording = workspace::workspaceOf(*other).recordings.ofNow();
   recording.cameras[0].name = "nobody";
   const std::uint64_t before = other->document().hash();
-  CHECK(builtins::playRecording(*other, recording, 0).error().message.find("'nobody'") !=
-        std::string::npos);
+  CHECK(workspace::workspaceOf(*other)
+            .recordings.play(recording, 0)
+            .error()
+            .message.find("'nobody'") != std::string::npos);
   CHECK(other->document().hash() == before);
 }

@@ -5,7 +5,7 @@
 
 #include "host/base/messages.h"
 #include "host/builtins/register.h"
-#include "host/builtins/view/tool_views.h"
+#include "host/workspace/workspace.h"
 
 using namespace host;
 
@@ -98,7 +98,7 @@ TEST_CASE("a button that rests is a hold, in a script's time") {
   };
   const auto session = builtins::makeSession();
   const auto holder = std::make_shared<Holder>();
-  REQUIRE(builtins::toolsOf(*session).add("holder", holder));
+  REQUIRE(workspace::workspaceOf(*session).toolbox.add("holder", holder));
   REQUIRE(session->executeLine("setToolTo holder; viewGesture -press 10 20 -wait 0.4"));
   CHECK(holder->holds.empty());
   REQUIRE(session->executeLine("viewGesture -wait 0.2"));

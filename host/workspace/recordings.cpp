@@ -1,4 +1,4 @@
-#include "host/builtins/view/gesture_recording.h"
+#include "host/workspace/recordings.h"
 
 #include <algorithm>
 #include <array>
@@ -6,13 +6,10 @@
 #include <iterator>
 
 #include "host/base/messages.h"
-#include "host/builtins/common/command.h"
-#include "host/builtins/select/selection_modes.h"
-#include "host/builtins/view/tool_views.h"
-#include "host/builtins/view/views.h"
 #include "host/cmd/loop.h"
+#include "host/workspace/workspace.h"
 
-namespace host::builtins {
+namespace host::workspace {
 namespace {
 
 using tools::RecordedCamera;
@@ -32,11 +29,6 @@ constexpr std::array<std::pair<DisplayStyle, const char*>, 3> kStyles{
     {{DisplayStyle::Wireframe, "wireframe"},
      {DisplayStyle::Shaded, "shaded"},
      {DisplayStyle::WireOnShaded, "wireOnShaded"}}};
-
-struct RecordingState {
-  std::unique_ptr<tools::Recorder> recorder;
-  std::string file;
-};
 
 double numberOf(const dg::Value& value) {
   if (const auto* real = std::get_if<double>(&value)) return *real;
@@ -85,15 +77,14 @@ RecordedView viewOfNow(const View& view) {
   recorded.xray = view.options.xray;
   recorded.culling = view.options.backFaceCulling;
   recorded.isIsolated = view.isIsolated;
-  for (const auto& each : view.isolated)
-    if (const auto node = each.lock(); node && node->isAlive())
-      recorded.isolated.push_back(nodeName(*node));
+  for (const dg::Node* node : isolatedNodes(view))
+    recorded.isolated.push_back(scene::isDagNode(*node) ? scene::firstPath(*node).partialName()
+                                                        : node->name());
   return recorded;
 }
 
 /// What a recording names and the scene doesn't have.
-Result<void> checkFits(cmd::Session& session, const Recording& recording) {
-  Views& views = session.service<Views>();
+Result<void> checkFits(cmd::Session& session, Views& views, const Recording& recording) {
   for (const RecordedView& view : recording.views)
     if (!views.find(view.panel))
       return fail("The recording goes through the view '{}', which isn't there.", view.panel);
@@ -121,8 +112,7 @@ Result<void> placeRecorded(scene::Document& document, const RecordedCamera& came
   return {};
 }
 
-void applyView(cmd::Session& session, const RecordedView& recorded) {
-  View& view = *session.service<Views>().find(recorded.panel);
+void applyView(cmd::Session& session, View& view, const RecordedView& recorded) {
   view.cameraName = recorded.camera;
   view.port = recorded.port;
   for (const auto& [style, word] : kStyles)
@@ -138,73 +128,68 @@ void applyView(cmd::Session& session, const RecordedView& recorded) {
 
 }  // namespace
 
-Recording recordingOfNow(cmd::Session& session) {
+Recording Recordings::ofNow() {
   Recording recording;
-  recording.scene = session.document().fileName();
-  Views& views = session.service<Views>();
-  for (const View& view : views.all()) {
+  recording.scene = session_.document().fileName();
+  for (const View& view : workspace_.views.all()) {
     recording.views.push_back(viewOfNow(view));
     const bool isKnown =
         std::any_of(recording.cameras.begin(), recording.cameras.end(),
                     [&](const RecordedCamera& camera) { return camera.name == view.cameraName; });
-    if (!isKnown && cameraPath(session.document(), view.cameraName))
-      recording.cameras.push_back(cameraOfNow(session.document(), view.cameraName));
+    if (!isKnown && cameraPath(session_.document(), view.cameraName))
+      recording.cameras.push_back(cameraOfNow(session_.document(), view.cameraName));
   }
-  recording.activePanel = views.active().panel;
-  tools::ToolRegistry& tools = toolsOf(session);
-  recording.settings = selectionSettings(session);
-  recording.settings.push_back(settingsOfTumble(tools.tumble));
-  recording.tool = tools::toolWords(tools);
-  for (std::string& line : tools.current()->settings(tools.currentName()))
-    recording.toolSettings.push_back(std::move(line));
+  recording.activePanel = workspace_.views.active().panel;
+  tools::ToolRegistry& toolbox = workspace_.toolbox;
+  recording.settings = settingLines(workspace_.selectionModes);
+  recording.settings.push_back(settingsOfTumble(toolbox.tumble));
+  recording.tool = tools::toolWords(toolbox);
+  recording.toolSettings = toolbox.current()->settings(toolbox.currentName());
   return recording;
 }
 
-Result<void> startRecording(cmd::Session& session, const std::string& file) {
-  RecordingState& state = session.service<RecordingState>();
-  if (state.recorder) return fail("'{}' is being recorded; stop it first.", state.file);
+Result<void> Recordings::start(const std::string& file) {
+  if (recorder_) return fail("'{}' is being recorded; stop it first.", file_);
   if (file.empty()) return fail("Name the file that the recording goes to.");
-  state.file = file;
-  state.recorder =
-      std::make_unique<tools::Recorder>(session, toolsOf(session), recordingOfNow(session));
+  file_ = file;
+  recorder_ = std::make_unique<tools::Recorder>(session_, workspace_.toolbox, ofNow());
   return {};
 }
 
-Result<std::string> stopRecording(cmd::Session& session) {
-  RecordingState& state = session.service<RecordingState>();
-  if (!state.recorder) return fail("Nothing is being recorded.");
-  const std::string text = tools::formatRecording(state.recorder->recording());
-  std::ofstream file(state.file, std::ios::binary);
+Result<std::string> Recordings::stop() {
+  if (!recorder_) return fail("Nothing is being recorded.");
+  const std::string text = tools::formatRecording(recorder_->recording());
+  std::ofstream file(file_, std::ios::binary);
   file << text;
   file.close();
-  if (!file) return fail("'{}' can't be written; the recording goes on.", state.file);
-  state.recorder.reset();
-  return state.file;
+  if (!file) return fail("'{}' can't be written; the recording goes on.", file_);
+  recorder_.reset();
+  return file_;
 }
 
-Result<void> playRecording(cmd::Session& session, const Recording& recording, std::size_t steps) {
-  HOST_TRY(checkFits(session, recording));
+Result<void> Recordings::play(const Recording& recording, std::size_t steps) {
+  HOST_TRY(checkFits(session_, workspace_.views, recording));
   for (const RecordedCamera& camera : recording.cameras)
-    HOST_TRY(placeRecorded(session.document(), camera));
-  for (const RecordedView& view : recording.views) applyView(session, view);
-  if (!recording.activePanel.empty()) session.service<Views>().setActive(recording.activePanel);
-  tools::ToolRegistry& tools = toolsOf(session);
-  for (const std::string& line : recording.settings) HOST_TRY(tools::runLine(session, line));
-  if (!recording.tool.empty()) HOST_TRY(tools::chooseTool(session, tools, recording.tool));
-  for (const std::string& line : recording.toolSettings) HOST_TRY(tools::runLine(session, line));
-  tools::playSteps(session, tools, recording, session.loop().now(), 0, steps);
+    HOST_TRY(placeRecorded(session_.document(), camera));
+  for (const RecordedView& view : recording.views)
+    applyView(session_, *workspace_.views.find(view.panel), view);
+  if (!recording.activePanel.empty()) workspace_.views.setActive(recording.activePanel);
+  tools::ToolRegistry& toolbox = workspace_.toolbox;
+  for (const std::string& line : recording.settings) HOST_TRY(tools::runLine(session_, line));
+  if (!recording.tool.empty()) HOST_TRY(tools::chooseTool(session_, toolbox, recording.tool));
+  for (const std::string& line : recording.toolSettings) HOST_TRY(tools::runLine(session_, line));
+  tools::playSteps(session_, toolbox, recording, session_.loop().now(), 0, steps);
   return {};
 }
 
-Result<void> playRecordingFile(cmd::Session& session, const std::string& file) {
-  if (session.service<RecordingState>().recorder)
-    return fail("A recording is under way; stop it before you play one.");
+Result<void> Recordings::playFile(const std::string& file) {
+  if (recorder_) return fail("A recording is under way; stop it before you play one.");
   std::ifstream stream(file, std::ios::binary);
   if (!stream) return fail("'{}' can't be read.", file);
   const std::string text{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
   const auto recording = tools::parseRecording(text);
   if (!recording) return fail("'{}': {}", file, recording.error().message);
-  return playRecording(session, *recording, recording->steps.size());
+  return play(*recording, recording->steps.size());
 }
 
-}  // namespace host::builtins
+}  // namespace host::workspace
