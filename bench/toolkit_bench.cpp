@@ -11,8 +11,8 @@
 #include "bench/bench_meshes.h"
 #include "host/api/session/host_session.h"
 #include "host/base/messages.h"
-#include "host/builtins/view/views.h"
 #include "host/nodes/mesh_shape.h"
+#include "host/workspace/workspace.h"
 #include "shared/mesh/mathHelper.h"
 #include "shared/mesh/polyHelper.h"
 #include "shared/selection/polygonSelect.h"
@@ -90,7 +90,7 @@ BENCHMARK_CAPTURE(walk, ring, &polyHelper::edgeRing)->Name("edgeRing/torus")->Ap
 
 /// The view of a person who works on the torus.
 M3dView lookAtTorus() {
-  host::builtins::View& view = session().service<host::builtins::Views>().active();
+  host::workspace::View& view = host::workspace::workspaceOf(session()).views.active();
   view.cameraName = "persp";
   view.port = {1280, 720};
   view.options.style = host::viewport::DisplayStyle::Shaded;

@@ -3,6 +3,7 @@
 #include <csignal>
 
 #include "host/base/cancel.h"
+#include "host/cmd/loop.h"
 
 namespace host::app {
 namespace {
@@ -37,7 +38,7 @@ void forgetInterrupt() {
 }
 
 void runIdle(cmd::Session& session) {
-  while (!session.isQuitting && !wasInterrupted() && session.processIdle()) {
+  while (!session.isQuitting && !wasInterrupted() && session.loop().runIdle()) {
   }
 }
 

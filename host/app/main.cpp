@@ -10,23 +10,15 @@
 #include "host/app/paths.h"
 #include "host/app/progress.h"
 #include "host/app/prompt.h"
+#include "host/app/replay.h"
 #include "host/app/tour.h"
 #include "host/app/unwrap.h"
 #include "host/base/memory.h"
 #include "host/base/messages.h"
+#include "host/mel/literal.h"
 
 namespace host::app {
 namespace {
-
-/// A MEL string literal.
-std::string quoted(const std::string& text) {
-  std::string literal = "\"";
-  for (const char c : text) {
-    if (c == '"' || c == '\\') literal += '\\';
-    literal += c;
-  }
-  return literal + "\"";
-}
 
 bool isReadable(const std::string& file) {
   if (access(file.c_str(), R_OK) == 0 && !std::filesystem::is_directory(file)) return true;
@@ -50,7 +42,7 @@ int loadPlugIns(cmd::Session& session, const Options& options, const ProgramPath
 int openFile(cmd::Session& session, const std::string& file) {
   if (!isReadable(file)) return kFileFailed;
   const bool isScene = std::filesystem::path(file).extension() == ".ma";
-  const std::string command = (isScene ? "file -f -open " : "file -import ") + quoted(file);
+  const std::string command = (isScene ? "file -f -open " : "file -import ") + mel::quoted(file);
   return session.executeLine(command) ? kDone : kFileFailed;
 }
 
@@ -63,8 +55,22 @@ int runScript(cmd::Session& session, const Options& options) {
   return done && !wasInterrupted() ? kDone : kScriptFailed;
 }
 
+/// A session without a prompt, with the plug-ins loaded and a scene open; null when that fails.
+std::unique_ptr<cmd::Session> batchSession(const Options& options, const ProgramPaths& paths,
+                                           const std::string& scene, int& status) {
+  auto session = api::makeHostSession();
+  session->interpreter().setScriptPath({paths.scripts().string()});
+  status = loadPlugIns(*session, options, paths);
+  if (status == kDone && !scene.empty()) status = openFile(*session, scene);
+  return status == kDone ? std::move(session) : nullptr;
+}
+
 int run(const Options& options) {
   const ProgramPaths paths = programPaths();
+  if (options.script == "replay")
+    return runReplay(options, [&](const std::string& scene, int& status) {
+      return batchSession(options, paths, scene, status);
+    });
   const bool isPrompt =
       options.interactive || (options.script.empty() && options.commands.empty() && isatty(0));
   auto session = api::makeHostSession();

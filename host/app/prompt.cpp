@@ -2,6 +2,7 @@
 
 #include <editline/readline.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -12,6 +13,7 @@
 
 #include "host/app/interrupts.h"
 #include "host/app/options.h"
+#include "host/cmd/loop.h"
 
 namespace host::app {
 namespace {
@@ -85,6 +87,10 @@ int runPrompt(cmd::Session& session) {
   const std::string history = historyFile();
   if (!history.empty()) read_history(history.c_str());
 
+  session.loop().setClock([] {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+  });
   std::string text;
   while (!session.isQuitting) {
     forgetInterrupt();
@@ -101,7 +107,7 @@ int runPrompt(cmd::Session& session) {
     if (isUnfinished(text)) continue;
     (void)session.executeLine(text, {.display = true});
     text.clear();
-    session.step();
+    session.loop().step();
   }
   if (!history.empty()) write_history(history.c_str());
   promptSession = nullptr;

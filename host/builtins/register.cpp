@@ -1,7 +1,9 @@
 #include "host/builtins/register.h"
 
+#include "host/builtins/file/formats.h"
 #include "host/builtins/ui/ui_session.h"
 #include "host/nodes/mesh_shape.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
@@ -84,6 +86,7 @@ void registerWindowPref(cmd::CommandRegistry&);
 
 void registerPlayblast(cmd::CommandRegistry&);
 void registerViewFit(cmd::CommandRegistry&);
+void registerViewGesture(cmd::CommandRegistry&);
 
 void registerBuiltinCommands(cmd::CommandRegistry& registry) {
   static constexpr void (*kRegistrations[])(cmd::CommandRegistry&) = {
@@ -138,6 +141,7 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerViewMessages,
       registerPlayblast,
       registerViewFit,
+      registerViewGesture,
       registerConvertSelection,
       registerPolySelect,
       registerPolySelectConstraint,
@@ -164,6 +168,8 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
 std::unique_ptr<cmd::Session> makeSession() {
   auto session = std::make_unique<cmd::Session>(
       [](dg::TypeRegistry& types) { nodes::registerBuiltinTypes(types); }, nodes::installNewScene);
+  session->workspace = std::make_unique<workspace::Workspace>(*session);
+  workspace::workspaceOf(*session).fileFormats.all = {maFormat(), objFormat()};
   registerBuiltinCommands(session->commands());
   prepareUi(*session);
   return session;

@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "host/cmd/loop.h"
 #include "host/cmd/session.h"
 
 namespace host::cmd {
@@ -80,7 +81,7 @@ std::string Dispatcher::describe(const mel::CommandHandle& command) {
 }
 
 void Dispatcher::defer(std::string script, bool lowestPriority) {
-  session_.defer(std::move(script), lowestPriority);
+  session_.loop().defer(std::move(script), lowestPriority);
 }
 
 void Dispatcher::completeCommand(std::string_view prefix, std::vector<std::string>& names) {
@@ -198,6 +199,17 @@ Result<void> Dispatcher::collectInto(scene::ChangeSet& target,
   --depth_;
   step_ = before;
   return done;
+}
+
+void Dispatcher::runOutside(const std::function<void()>& run) {
+  struct Depth {
+    explicit Depth(int& valueIn) : value(valueIn), kept(std::exchange(valueIn, 0)) {}
+    ~Depth() { value = kept; }
+    int &value, kept;
+  };
+  if (step_) return run();
+  const Depth outside(depth_);
+  run();
 }
 
 Result<void> Dispatcher::undo() {

@@ -37,6 +37,10 @@ class Dispatcher final : public mel::CommandHost {
   /// Runs document edits as a command of that name would: one step, reverted when it fails.
   Result<void> recordStep(std::string_view name, const std::function<Result<void>()>& edits);
 
+  /// Runs what doesn't belong to the commands that run now: commands inside are outermost ones,
+  /// unless edits are being collected, which then go the same way.
+  void runOutside(const std::function<void()>& run);
+
   /// Collects the edits of all commands that run inside `run`, instead of giving them to the queue:
   /// its caller takes them back itself.
   Result<void> collectInto(scene::ChangeSet& target, const std::function<Result<void>()>& run);

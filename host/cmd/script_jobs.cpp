@@ -209,7 +209,7 @@ void ScriptJobs::setCondition(const std::string& name, bool state) {
   if (isNew) return;
   mark(JobTrigger::ConditionChange, name);
   mark(state ? JobTrigger::ConditionTrue : JobTrigger::ConditionFalse, name);
-  if (conditionChanged) conditionChanged(name, state);
+  conditionChanged(name, state);
 }
 
 bool ScriptJobs::condition(const std::string& name) const {
@@ -227,7 +227,7 @@ void ScriptJobs::triggerEvent(std::string_view name) {
   if (name == "timeChanged")
     for (auto& [number, job] : jobs_)
       if (job.trigger == JobTrigger::TimeChange) job.isPending = true;
-  if (eventTriggered) eventTriggered(name);
+  eventTriggered(name);
 }
 
 void ScriptJobs::uiDeleted(std::string_view control) {

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "host/base/result.h"
+#include "host/base/signal.h"
 #include "host/scene/document.h"
 
 namespace host::cmd {
@@ -65,9 +65,9 @@ class ScriptJobs final : public dg::GraphObserver, public scene::DocumentObserve
   [[nodiscard]] bool condition(const std::string& name) const;
 
   void triggerEvent(std::string_view name);
-  /// Told at once of every event, and of every condition that changes; may be empty.
-  std::function<void(std::string_view name)> eventTriggered;
-  std::function<void(std::string_view name, bool state)> conditionChanged;
+  // At once: every event, and every condition that changes.
+  Signal<std::string_view> eventTriggered;          ///< its name
+  Signal<std::string_view, bool> conditionChanged;  ///< its name and state
   void uiDeleted(std::string_view control);
   /// Takes out the scripts that are due, in order of job number; idle jobs are among them.
   [[nodiscard]] std::vector<std::string> takePending();

@@ -1,9 +1,11 @@
 #include "host/cmd/session.h"
 
 #include <exception>
+#include <utility>
 
 #include "host/base/assert.h"
 #include "host/base/messages.h"
+#include "host/cmd/loop.h"
 
 namespace host::cmd {
 
@@ -31,16 +33,19 @@ Session::Session(const std::function<void(dg::TypeRegistry&)>& registerTypes,
   dispatcher_ = std::make_unique<Dispatcher>(*this, registry_, *undo_);
   interpreter_ = std::make_unique<mel::Interpreter>(*dispatcher_);
   scriptJobs_ = std::make_unique<ScriptJobs>(*document_);
+  loop_ = std::make_unique<Loop>(*this);
   theSession = this;
   document_->reset();
   document_->setModified(false);
 }
 
 Session::~Session() {
-  // Plug-ins and services may call back while they go.
+  // Plug-ins and the parts of other layers may call back while they go.
   pluginLoader.reset();
   undo_->flush();
-  services_.clear();
+  plugInState.reset();
+  workspace.reset();
+  loop_.reset();
   scriptJobs_.reset();
   interpreter_.reset();
   dispatcher_.reset();
@@ -116,6 +121,7 @@ Result<mel::Value> Session::runGuarded(const std::function<Result<mel::Value>()>
   const std::uint64_t hashBefore = checks ? document_->hash() : 0;
 #endif
   Result<mel::Value> result;
+  if (isOutermost && options.undo) lineBegins(text);
   {
     const DepthScope depth(lineDepth_);
     const LineScope line(*undo_, text, isOutermost, options.undo);
@@ -130,6 +136,7 @@ Result<mel::Value> Session::runGuarded(const std::function<Result<mel::Value>()>
 #ifdef QXMT_PARANOID
   if (checks) checkUndoOfLine(*this, text, itemsBefore, unrecordedBefore, hashBefore);
 #endif
+  if (isOutermost && options.undo) lineRun(text);
   if (!result) {
     // A script that quits is interrupted, which is no error.
     if (options.postErrors && !isQuitting) postMessage(MessageKind::Error, result.error().message);
@@ -148,56 +155,13 @@ Result<mel::Value> Session::executeFile(const std::string& path, const ExecuteOp
                     fmt::format("source \"{}\"", path), options);
 }
 
-void Session::defer(std::string script, bool lowestPriority) {
-  (lowestPriority ? deferredLow_ : deferred_).push_back(std::move(script));
-}
-
-void Session::deferTask(std::function<void()> task) {
-  tasks_.push_back(std::move(task));
-}
-
-bool Session::hasIdleWork() const {
-  return !deferred_.empty() || !deferredLow_.empty() || !tasks_.empty() ||
-         scriptJobs_->hasPending();
-}
-
-bool Session::processIdle(int maxRounds) {
-  bool ranSomething = false;
-  for (int round = 0; round < maxRounds && (round == 0 || hasIdleWork()); ++round) {
-    std::deque<std::function<void()>> tasks;
-    tasks.swap(tasks_);
-    for (const auto& task : tasks) {
-      try {
-        task();
-      } catch (const std::exception& exception) {
-        postMessage(MessageKind::Error, exception.what());
-      }
-    }
-    std::vector<std::string> scripts = scriptJobs_->takePending();
-    std::deque<std::string> queue;
-    queue.swap(deferred_);
-    for (std::string& script : queue) scripts.push_back(std::move(script));
-    ranSomething = ranSomething || !scripts.empty() || !tasks.empty();
-    for (const std::string& script : scripts) executeLine(script);
-    // The lowest priority: as long as nothing else waits, one by one, and each round those that
-    // were there.
-    const auto isUrgent = [&] {
-      return !deferred_.empty() || !tasks_.empty() || scriptJobs_->hasPending();
-    };
-    for (std::size_t left = deferredLow_.size(); left > 0 && !isUrgent(); --left) {
-      const std::string script = std::move(deferredLow_.front());
-      deferredLow_.pop_front();
-      ranSomething = true;
-      executeLine(script);
-    }
-  }
-  return ranSomething;
-}
-
-void Session::step() {
-  if (pumpEvents) pumpEvents();
-  if (loopTask) loopTask();
-  processIdle();
+void Session::runByHand(const std::function<void()>& run) {
+  struct Outermost {
+    explicit Outermost(int& depthIn) : depth(depthIn), kept(std::exchange(depthIn, 0)) {}
+    ~Outermost() { depth = kept; }
+    int &depth, kept;
+  } outermost(lineDepth_);
+  dispatcher_->runOutside(run);
 }
 
 void Session::newScene() {

@@ -1,12 +1,9 @@
 #pragma once
 
-#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <typeindex>
-#include <unordered_map>
 
 #include "host/base/result.h"
 #include "host/cmd/dispatcher.h"
@@ -25,6 +22,17 @@ struct ExecuteOptions {
   bool undo = true;             ///< record; off: nothing that runs inside is undoable
   bool postErrors = true;       ///< post the error as a message besides returning it
   mel::SourceName source = {};  ///< for error messages
+};
+
+class Loop;
+
+/// What a layer above keeps for as long as a session lives.
+class SessionPart {
+ public:
+  SessionPart() = default;
+  virtual ~SessionPart() = default;
+  SessionPart(const SessionPart&) = delete;
+  SessionPart& operator=(const SessionPart&) = delete;
 };
 
 /// The running host without its window: one document, the language, the commands, undo and what
@@ -47,57 +55,36 @@ class Session {
   [[nodiscard]] mel::Interpreter& interpreter() { return *interpreter_; }
   [[nodiscard]] ScriptJobs& scriptJobs() { return *scriptJobs_; }
   [[nodiscard]] OptionVars& optionVars() { return optionVars_; }
+  [[nodiscard]] Loop& loop() { return *loop_; }
 
   /// Runs a text and returns the value of its last statement. Outside any command it is one item of
   /// undo, also when it fails half-way; inside one it belongs to that command's step.
   Result<mel::Value> executeLine(std::string_view text, const ExecuteOptions& options = {});
   /// Runs a script file as one line.
   Result<mel::Value> executeFile(const std::string& path, const ExecuteOptions& options = {});
+  // Before and after a line that nothing else runs: its text. Lines that leave no undo aren't told
+  // of.
+  Signal<std::string_view> lineBegins, lineRun;
   /// Ends the script that runs; may be called from a signal handler.
   void interrupt() noexcept { interpreter_->interrupt(); }
 
-  // Idle time.
-  void defer(std::string script, bool lowestPriority = false);
-  void deferTask(std::function<void()> task);
-  /// Runs deferred scripts, tasks and due script jobs, those included that they queue; gives up
-  /// after `maxRounds`. Returns whether something ran.
-  bool processIdle(int maxRounds = 100);
-  [[nodiscard]] bool hasIdleWork() const;
-  /// Called in every turn of the program's loop before idle work (timers, window events); may be
-  /// empty.
-  std::function<void()> pumpEvents;
-  /// The same for the callbacks of plug-ins.
-  std::function<void()> loopTask;
-  /// One turn of the loop.
-  void step();
+  /// Runs what a person does while a script is at work (a gesture that the script makes): command
+  /// lines and steps inside are items of undo of their own, as they are when no script runs, within
+  /// the item of the script.
+  void runByHand(const std::function<void()>& run);
 
   /// The scene empty, as new: document reset, undo forgotten, events triggered.
   void newScene();
 
   std::unique_ptr<PluginLoader> pluginLoader;  ///< null: this program loads no plug-ins
-  std::function<void()> refreshViews;          ///< redraws; empty without views
   /// Set by `quit`: the loop ends with that exit status.
   bool isQuitting = false;
   int exitStatus = 0;
   bool isBatch = true;
 
-  /// An object of another layer that lives with the session (the control tree, the tools, the
-  /// views), by its type; made on first use.
-  template <class T>
-  [[nodiscard]] T& service() {
-    std::shared_ptr<void>& slot = services_[std::type_index(typeid(T))];
-    if (!slot) slot = std::make_shared<T>();
-    return *static_cast<T*>(slot.get());
-  }
-  template <class T>
-  void setService(std::shared_ptr<T> object) {
-    services_[std::type_index(typeid(T))] = std::move(object);
-  }
-  template <class T>
-  [[nodiscard]] T* findService() {
-    const auto found = services_.find(std::type_index(typeid(T)));
-    return found == services_.end() ? nullptr : static_cast<T*>(found->second.get());
-  }
+  /// What layers above keep for this session; set by whoever makes it. The parts go before the
+  /// document does, the plug-ins' first.
+  std::unique_ptr<SessionPart> workspace, plugInState;
 
  private:
   Result<mel::Value> runGuarded(const std::function<Result<mel::Value>()>& run,
@@ -110,10 +97,8 @@ class Session {
   std::unique_ptr<Dispatcher> dispatcher_;
   std::unique_ptr<mel::Interpreter> interpreter_;
   std::unique_ptr<ScriptJobs> scriptJobs_;
+  std::unique_ptr<Loop> loop_;
   OptionVars optionVars_;
-  std::unordered_map<std::type_index, std::shared_ptr<void>> services_;
-  std::deque<std::string> deferred_, deferredLow_;
-  std::deque<std::function<void()>> tasks_;
   int lineDepth_ = 0;
 };
 

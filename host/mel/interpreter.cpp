@@ -27,6 +27,9 @@ Result<Value> Interpreter::callProcedure(std::string_view name, std::span<const 
 void Interpreter::interrupt() noexcept {
   engine_->machine().interrupt();
 }
+bool Interpreter::isInterrupted() const noexcept {
+  return engine_->machine().isInterrupted();
+}
 bool Interpreter::isRunning() const noexcept {
   return engine_->machine().isRunning();
 }

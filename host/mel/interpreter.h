@@ -52,6 +52,8 @@ class Interpreter {
   /// Ends whatever runs at its next loop turn or call; `catch` doesn't hold it. Without effect on
   /// later runs.
   void interrupt() noexcept;
+  /// Whether something runs that has been told to end.
+  [[nodiscard]] bool isInterrupted() const noexcept;
   [[nodiscard]] bool isRunning() const noexcept;
 
   /// Folders searched for `name.mel`, before those of MAYA_SCRIPT_PATH.

@@ -28,6 +28,9 @@ class Machine {
   Result<void> run(const Function& function, std::span<const Value> arguments, Value& result);
 
   void interrupt() noexcept { isInterrupted_.store(true, std::memory_order_relaxed); }
+  [[nodiscard]] bool isInterrupted() const noexcept {
+    return isRunning() && isInterrupted_.load(std::memory_order_relaxed);
+  }
   [[nodiscard]] bool isRunning() const noexcept { return nesting_ > 0; }
   /// The file of the innermost running code; empty if that was entered.
   [[nodiscard]] const std::string& currentFile() const;

@@ -1,5 +1,7 @@
 #include "host/tools/camera_tool.h"
 
+#include <cmath>
+
 #include "host/base/messages.h"
 #include "host/tools/tool_registry.h"
 #include "host/viewport/camera_moves.h"
@@ -19,6 +21,30 @@ CameraTool::CameraTool(ToolRegistry& registry, Gesture gesture)
 
 void CameraTool::press(const InputEvent& event) {
   last_ = event.position;
+  restX_ = restY_ = 0;
+}
+
+void CameraTool::turn(viewport::Camera& camera, viewport::PortSize port, double dx, double dy) {
+  const TumbleSettings& settings = registry_.tumble;
+  // An axis view has no other side to look from.
+  if (camera.orthographic && settings.locksAxes) return;
+  dx *= settings.scale;
+  dy *= settings.scale;
+  if (camera.orthographic && settings.isStepped && settings.stepDegrees > 0) {
+    const double step = settings.stepDegrees / viewport::tumbleDegreesPerPixel(port);
+    restX_ += dx;
+    restY_ += dy;
+    dx = std::trunc(restX_ / step) * step;
+    dy = std::trunc(restY_ / step) * step;
+    restX_ -= dx;
+    restY_ -= dy;
+  }
+  math::Vec3 pivot =
+      viewport::tumbleCentre(camera, settings.pivot == TumblePivot::CenterOfInterest);
+  if (settings.pivot == TumblePivot::Eye)
+    pivot = camera.eye() + camera.right() * camera.tumblePivot.x +
+            camera.up() * camera.tumblePivot.y - camera.viewDirection() * camera.tumblePivot.z;
+  viewport::tumbleByDrag(camera, port, pivot, dx, dy);
 }
 
 void CameraTool::drag(const InputEvent& event) {
@@ -28,15 +54,13 @@ void CameraTool::drag(const InputEvent& event) {
   const auto view = registry_.views.scene(event.panel);
   if (!view) return postMessage(MessageKind::Error, view.error().message);
   viewport::Camera camera = view->camera;
-  // An axis view has no other side to look from.
-  if (gesture_ == Gesture::Tumble && camera.orthographic) return;
   if (gesture_ == Gesture::Tumble)
-    viewport::tumbleByDrag(camera, view->port,
-                           viewport::tumbleCentre(camera, registry_.tumblesAboutInterest), dx, dy);
+    turn(camera, view->port, dx, dy);
   else if (gesture_ == Gesture::Track)
     viewport::track(camera, view->port, dx, dy);
   else
     viewport::dollyByDrag(camera, view->port, dx, dy);
+  if (camera == view->camera) return;
   if (const auto done = registry_.views.setCamera(event.panel, camera); !done)
     postMessage(MessageKind::Error, done.error().message);
 }

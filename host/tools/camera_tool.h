@@ -14,9 +14,13 @@ class CameraTool final : public ToolContext {
   void drag(const InputEvent& event) override;
 
  private:
+  /// Turns the camera by a drag of (dx, dy) pixels, as the registry's settings say.
+  void turn(viewport::Camera& camera, viewport::PortSize port, double dx, double dy);
+
   ToolRegistry& registry_;
   Gesture gesture_;
   viewport::ViewPoint last_;
+  double restX_ = 0, restY_ = 0;  ///< pixels dragged that haven't made a whole step yet
 };
 
 }  // namespace host::tools

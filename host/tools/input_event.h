@@ -25,8 +25,10 @@ struct InputEvent {
   viewport::ViewPoint position;  ///< pixels, (0, 0) lower left
   MouseButton button = MouseButton::None;
   bool shift = false, control = false, alt = false;
-  std::string key;    ///< of key events: "a", "Return", "Delete", "Escape", ...
-  std::string panel;  ///< the view; empty: the active one
+  std::string key;              ///< of key events: "a", "Return", "Delete", "Escape", ...
+  std::string panel;            ///< the view; empty: the active one
+  double pressure = 1;          ///< of a pen, 0..1; a mouse presses fully
+  double tiltX = 0, tiltY = 0;  ///< degrees that a pen leans from upright: right, away
 
   [[nodiscard]] bool isMouse() const { return kind <= InputKind::Enter; }
 };

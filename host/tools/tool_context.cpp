@@ -19,4 +19,8 @@ void ToolContext::complete() {}
 void ToolContext::abort() {}
 void ToolContext::draw(const std::string&, viewport::DrawList&) {}
 
+std::vector<std::string> ToolContext::settings(const std::string&) {
+  return {};
+}
+
 }  // namespace host::tools

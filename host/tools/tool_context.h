@@ -3,6 +3,7 @@
 #include <array>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "host/base/result.h"
 #include "host/tools/input_event.h"
@@ -43,6 +44,12 @@ class ToolContext {
   virtual void abort();
   /// Adds what the tool shows in a view.
   virtual void draw(const std::string& panel, viewport::DrawList& list);
+
+  // For recordings.
+  /// The command that makes such a tool, given its name; empty for those that are always there.
+  [[nodiscard]] virtual std::string maker() const { return {}; }
+  /// The command lines that set a tool of that name as this one is set.
+  [[nodiscard]] virtual std::vector<std::string> settings(const std::string& name);
 
   // What the interface shows of it.
   std::string title, help;

@@ -9,7 +9,7 @@
 
 namespace host::tools {
 
-ToolRegistry::ToolRegistry() {
+ToolRegistry::ToolRegistry(Timers& timers) : timers_(timers) {
   using Change = TransformTool::Change;
   const auto builtin = [this](const char* name, std::shared_ptr<ToolContext> context,
                               const char* title) {
@@ -34,7 +34,9 @@ ToolRegistry::ToolRegistry() {
   current_ = find(kSelect);
 }
 
-ToolRegistry::~ToolRegistry() = default;
+ToolRegistry::~ToolRegistry() {
+  timers_.remove(holdTimer_);
+}
 
 bool ToolRegistry::isBuiltin(std::string_view name) const {
   return std::find(builtins_.begin(), builtins_.end(), name) != builtins_.end();
@@ -86,7 +88,7 @@ Result<void> ToolRegistry::setCurrent(const std::string& name) {
   if (previous) previous->cleanup();
   // The tool that goes may have chosen another one.
   if (current_ == next) next->setup(last_);
-  if (currentChanged) currentChanged();
+  currentChanged();
   return {};
 }
 
@@ -113,7 +115,17 @@ void ToolRegistry::startHold(const InputEvent& event) {
 }
 
 bool ToolRegistry::handle(const InputEvent& event) {
-  if (!event.isMouse()) return handleKey(event);
+  struct Handling {
+    explicit Handling(int& depthIn) : depth(depthIn) { ++depth; }
+    ~Handling() { --depth; }
+    int& depth;
+  };
+  if (event.kind != InputKind::Hold) received(event);
+  const Handling handling(handling_);
+  return event.isMouse() ? handleMouse(event) : handleKey(event);
+}
+
+bool ToolRegistry::handleMouse(const InputEvent& event) {
   last_ = event;
   if (views.pointerAt) views.pointerAt(event);
   // Held here: the handler may remove the tool.

@@ -8,13 +8,30 @@
 #include <vector>
 
 #include "host/base/result.h"
-#include "host/tools/timers.h"
+#include "host/base/signal.h"
+#include "host/base/timers.h"
 #include "host/tools/tool_context.h"
 #include "host/viewport/camera.h"
 #include "host/viewport/picking.h"
 #include "host/viewport/scene_view.h"
 
 namespace host::tools {
+
+/// What a tumble turns about.
+enum class TumblePivot : std::uint8_t {
+  Point,             ///< the camera's tumble pivot
+  CenterOfInterest,  ///< what the camera looks at
+  Eye,               ///< the camera's own place, off it by the tumble pivot
+};
+
+/// How the camera turns when it is dragged.
+struct TumbleSettings {
+  TumblePivot pivot = TumblePivot::Point;
+  double scale = 1;        ///< times the usual speed
+  bool locksAxes = true;   ///< orthographic views don't turn
+  bool isStepped = false;  ///< orthographic views turn by whole steps
+  double stepDegrees = 5;
+};
 
 /// How tools see the views, which belong to a layer above.
 struct ViewAccess {
@@ -34,8 +51,8 @@ class ToolRegistry {
   static constexpr std::string_view kSelect = "selectSuperContext";
 
   /// Has the built-in contexts: select, move, rotate and scale, and the camera's tumble, track and
-  /// dolly.
-  ToolRegistry();
+  /// dolly. A button that rests is timed by `timers`, which must outlive the registry.
+  explicit ToolRegistry(Timers& timers);
   ~ToolRegistry();
 
   // Contexts.
@@ -54,8 +71,8 @@ class ToolRegistry {
   /// Cleans the current context up and sets the other one up. To the same one again: it is set up
   /// anew.
   Result<void> setCurrent(const std::string& name);
-  /// Called after the current context has changed.
-  std::function<void()> currentChanged;
+  /// After the current context has changed.
+  Signal<> currentChanged;
 
   // Input.
   /// Hands an event to the current context; with Alt down, mouse events move the camera instead:
@@ -63,19 +80,22 @@ class ToolRegistry {
   /// press.
   /// @return whether somebody used it
   bool handle(const InputEvent& event);
+  /// Before an event is handed on; holds, which the time makes, aren't told of.
+  Signal<const InputEvent&> received;
+  /// Whether a tool is at work with an event.
+  [[nodiscard]] bool isHandling() const { return handling_ > 0; }
   /// Where the pointer was last, and with which button and modifiers.
   [[nodiscard]] const InputEvent& lastEvent() const { return last_; }
 
-  [[nodiscard]] Timers& timers() { return timers_; }
   /// Seconds that a button must rest until a tool hears of it.
   static constexpr double kHoldDelay = 0.5;
 
   ViewAccess views;
-  /// Cameras turn about their centre of interest, not about their tumble pivot.
-  bool tumblesAboutInterest = false;
   viewport::Picker& picker() { return picker_; }
+  TumbleSettings tumble;
 
  private:
+  bool handleMouse(const InputEvent& event);
   bool handleKey(const InputEvent& event);
   void startHold(const InputEvent& event);
   [[nodiscard]] std::shared_ptr<ToolContext> receiver(const InputEvent& event) const;
@@ -85,8 +105,9 @@ class ToolRegistry {
   std::shared_ptr<ToolContext> current_, gesture_;
   std::string currentName_;
   InputEvent last_;
-  Timers timers_;
+  Timers& timers_;
   Timers::Id holdTimer_ = 0;
+  int handling_ = 0;
   viewport::Picker picker_;
 };
 

@@ -173,7 +173,10 @@ std::vector<std::string> scriptsOf(const Control& control,
 }
 
 void selectInCollection(Control& collection, Control* button) {
+  Control* const before = collection.selected;
   collection.selected = button;
+  for (Control* each : {&collection, before, button})
+    if (each && each->tree) each->tree->touch(*each);
 }
 
 Result<std::vector<std::string>> pressGesture(Tree&, Control& control, const Values&) {

@@ -42,6 +42,9 @@ Values getNumbered(const Tree&, const Control& control, const Attribute&);
                                                  const std::vector<std::string_view>& names,
                                                  const Values& values = {});
 
+/// The child that a pane layout shows in a pane, from 1; empty when it shows none.
+[[nodiscard]] Values paneAt(const Control& layout, std::size_t index);
+
 /// Makes a button its collection's selected one; null: none.
 void selectInCollection(Control& collection, Control* button);
 

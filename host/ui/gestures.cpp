@@ -19,7 +19,9 @@ Result<std::vector<std::string>> Tree::userSets(Control& control, const Values& 
   if (!control.type->gesture)
     return fail("A {} like '{}' can't be changed by hand.", control.type->name, control.name);
   HOST_TRY(checkEnabled(control));
-  return control.type->gesture(*this, control, values);
+  auto scripts = control.type->gesture(*this, control, values);
+  if (scripts) touch(control);
+  return scripts;
 }
 
 Result<std::vector<std::string>> Tree::userDrags(Control& control, const Values& values) {

@@ -61,8 +61,10 @@ Values Control::value(std::string_view longName) const {
 }
 
 void Control::setValue(std::string_view longName, Values newValues) {
-  if (const Attribute* attribute = type->find(longName))
-    values[attribute->longName] = std::move(newValues);
+  const Attribute* attribute = type->find(longName);
+  if (!attribute) return;
+  values[attribute->longName] = std::move(newValues);
+  if (tree) tree->touch(*this);
 }
 
 Tree::Tree() {
@@ -72,17 +74,96 @@ Tree::Tree() {
   currentParent_ = mainWindow_;
 }
 
-std::string Tree::path(const Control& control) {
-  return control.parent ? path(*control.parent) + "|" + control.name : control.name;
+Tree::~Tree() {
+  destroy(std::move(windows_));
 }
 
-bool Tree::fitsPath(const Control& control, std::string_view path) {
-  const std::string_view name = lastName(path);
-  if (name != control.name) return false;
-  if (name.size() == path.size()) return true;
-  const std::string_view rest = path.substr(0, path.size() - name.size() - 1);
-  if (rest.empty()) return !control.parent;  // a leading bar begins at the window
-  return control.parent && fitsPath(*control.parent, rest);
+void Tree::destroy(std::vector<std::unique_ptr<Control>> controls) {
+  while (!controls.empty()) {
+    const std::unique_ptr<Control> last = std::move(controls.back());
+    controls.pop_back();
+    for (auto& child : last->children) controls.push_back(std::move(child));
+    last->children.clear();
+  }
+}
+
+void Tree::touch(Control& control, ControlChange change) {
+  control.revision = ++revision_;
+  changed(control, change);
+}
+
+std::string Tree::path(const Control& control) {
+  std::vector<const Control*> chain;
+  std::size_t length = 0;
+  for (const Control* each = &control; each; each = each->parent) {
+    chain.push_back(each);
+    length += each->name.size() + 1;
+  }
+  std::string path;
+  path.reserve(length);
+  for (auto each = chain.rbegin(); each != chain.rend(); ++each) {
+    if (!path.empty()) path += '|';
+    path += (*each)->name;
+  }
+  return path;
+}
+
+namespace {
+
+/// Takes the first name off a path.
+std::string_view takeFirst(std::string_view& path) {
+  const std::size_t end = std::min(path.find('|'), path.size());
+  const std::string_view first = path.substr(0, end);
+  path.remove_prefix(std::min(end + 1, path.size()));
+  return first;
+}
+
+/// Whether `path` is the end of the control's path.
+bool fitsPath(const Control& control, std::string_view path) {
+  const Control* each = &control;
+  for (; !path.empty(); each = each->parent) {
+    if (!each) return false;
+    const std::size_t bar = path.rfind('|');
+    const std::string_view name = bar == path.npos ? path : path.substr(bar + 1);
+    if (name != each->name) return false;
+    if (bar == 0) return !each->parent;  // a leading bar begins at the window
+    path = bar == path.npos ? std::string_view() : path.substr(0, bar);
+  }
+  return true;
+}
+
+}  // namespace
+
+Control* Tree::atPath(std::string_view path) const {
+  if (path.starts_with('|')) path.remove_prefix(1);
+  if (path.empty()) return nullptr;
+  Control* at = nullptr;
+  do {
+    at = childAt(at, takeFirst(path));
+  } while (at && !path.empty());
+  return at;
+}
+
+void Tree::forEachThatFits(std::string_view path, const std::function<bool(Control&)>& use) const {
+  const auto named = [&](std::string_view name) -> const std::vector<Control*>& {
+    static const std::vector<Control*> none;
+    const auto found = byName_.find(name);
+    return found == byName_.end() ? none : found->second;
+  };
+  std::string_view rest = path;
+  const std::string_view first = takeFirst(rest);
+  const std::vector<Control*>& tops = named(first);
+  const std::vector<Control*>& ends = named(path.substr(path.rfind('|') + 1));
+  // From the end of the path up, or down from its first name: from where there are fewer.
+  if (rest.empty() || first.empty() || ends.size() <= tops.size()) {
+    for (Control* control : ends)
+      if (fitsPath(*control, path) && !use(*control)) return;
+    return;
+  }
+  for (Control* at : tops) {
+    for (std::string_view names = rest; at && !names.empty();) at = childAt(at, takeFirst(names));
+    if (at && !use(*at)) return;
+  }
 }
 
 Result<Control*> Tree::parentFor(const ControlType& type, std::string_view parentName) const {
@@ -122,7 +203,7 @@ std::string Tree::freshName(const ControlType& type) {
   std::string name;
   do {
     name = std::string(type.name) + std::to_string(++number);
-  } while (byName_.count(name) > 0);
+  } while (byName_.contains(name));
   return name;
 }
 
@@ -132,7 +213,11 @@ Control& Tree::attach(const ControlType& type, std::string name, Control* parent
   control.type = &type;
   control.name = std::move(name);
   control.parent = parent;
-  byName_.emplace(control.name, &control);
+  control.tree = this;
+  std::vector<Control*>& namesakes = byName_[control.name];
+  control.nameSlot = namesakes.size();
+  namesakes.push_back(&control);
+  byPlace_.emplace(Place{parent, control.name}, &control);
   return control;
 }
 
@@ -141,8 +226,7 @@ Result<Control*> Tree::create(const ControlType& type, std::string_view name,
   auto parent = parentFor(type, parentName);
   if (!parent) return parent;
   std::string own = name.empty() ? freshName(type) : cleanName(name);
-  for (const auto& sibling : *parent ? (*parent)->children : windows_)
-    if (sibling->name == own) return fail("Object's name '{}' is not unique.", own);
+  if (childAt(*parent, own)) return fail("Object's name '{}' is not unique.", own);
   if (*parent && (*parent)->type->name == "rowLayout" && type.kind != Kind::Menu &&
       type.kind != Kind::Collection) {
     const auto columns =
@@ -158,6 +242,8 @@ Result<Control*> Tree::create(const ControlType& type, std::string_view name,
   if (type.kind == Kind::Window || type.kind == Kind::Layout) setCurrentParent(&control);
   if (type.holdsMenuItems) currentMenu_ = &control;
   if (type.kind == Kind::Collection) currentCollection_ = &control;
+  if (control.parent) touch(*control.parent, ControlChange::ChildrenChanged);
+  touch(control, ControlChange::Added);
   return &control;
 }
 
@@ -176,8 +262,9 @@ Control* Tree::currentCollection(bool ofMenuItems) const {
 }
 
 Result<void> Tree::set(Control& control, const Attribute& attribute, const Values& values) {
-  if (attribute.set) return attribute.set(*this, control, attribute, values);
-  if (attribute.traits & kKeyed) {
+  if (attribute.set) {
+    HOST_TRY(attribute.set(*this, control, attribute, values));
+  } else if (attribute.traits & kKeyed) {
     std::vector<Values>& entries = control.entries[attribute.longName];
     const auto old = std::find_if(entries.begin(), entries.end(), [&](const Values& entry) {
       return asText(entry) == asText(values);
@@ -186,9 +273,10 @@ Result<void> Tree::set(Control& control, const Attribute& attribute, const Value
       *old = values;
     else
       entries.push_back(values);
-    return {};
+  } else {
+    control.values[attribute.longName] = values.empty() ? Values{1} : values;
   }
-  control.values[attribute.longName] = values.empty() ? Values{1} : values;
+  touch(control);
   return {};
 }
 
@@ -205,24 +293,44 @@ Values Tree::get(const Control& control, const Attribute& attribute) const {
 }
 
 void Tree::forget(const Control& removed) {
+  bool hasCollection = false;
   visit(removed, [&](const Control& gone) {
-    const auto [begin, end] = byName_.equal_range(gone.name);
-    const auto entry =
-        std::find_if(begin, end, [&](const auto& each) { return each.second == &gone; });
-    HOST_ASSERT(entry != end, "keep the name index in step with the tree");
-    byName_.erase(entry);
+    const auto namesakes = byName_.find(gone.name);
+    HOST_ASSERT(namesakes != byName_.end() && namesakes->second[gone.nameSlot] == &gone,
+                "keep the name index in step with the tree");
+    // The index's key is the name of one of them: it mustn't be of one that goes.
+    std::vector<Control*> others = std::move(namesakes->second);
+    byName_.erase(namesakes);
+    others.back()->nameSlot = gone.nameSlot;
+    others[gone.nameSlot] = others.back();
+    others.pop_back();
+    if (!others.empty()) {
+      const std::string_view key = others.front()->name;
+      byName_.emplace(key, std::move(others));
+    }
+    byPlace_.erase({gone.parent, gone.name});
     if (currentParent_ == &gone) setCurrentParent(removed.parent);
     if (currentMenu_ == &gone) currentMenu_ = nullptr;
     if (currentCollection_ == &gone) currentCollection_ = nullptr;
+    for (Control* holder : {gone.collection, gone.parent})
+      if (holder && holder->selected == &gone) {
+        holder->selected = nullptr;
+        touch(*holder);
+      }
+    hasCollection = hasCollection || gone.isKind(Kind::Collection) ||
+                    gone.type->find("shareCollection") != nullptr;
   });
+  if (!hasCollection) return;
+  // Buttons anywhere may have been of a collection that goes.
   const auto isGone = [&](const Control* control) {
     for (; control; control = control->parent)
       if (control == &removed) return true;
     return false;
   };
-  for (const auto& [name, control] : byName_) {
-    if (isGone(control->collection)) control->collection = nullptr;
-    if (isGone(control->selected)) control->selected = nullptr;
+  for (const auto& [place, control] : byPlace_) {
+    if (!control->collection || !isGone(control->collection)) continue;
+    control->collection = nullptr;
+    touch(*control);
   }
 }
 
@@ -230,9 +338,18 @@ Result<std::vector<std::string>> Tree::remove(Control& control) {
   if (&control == mainWindow_) return fail("The main window can't be deleted.");
   std::vector<std::string> gone;
   visit(control, [&](const Control& each) { gone.push_back(path(each)); });
+  changed(control, ControlChange::Removing);
   forget(control);
-  auto& siblings = control.parent ? control.parent->children : windows_;
-  std::erase_if(siblings, [&](const auto& each) { return each.get() == &control; });
+  Control* const parent = control.parent;
+  auto& siblings = parent ? parent->children : windows_;
+  const auto own = std::find_if(siblings.begin(), siblings.end(),
+                                [&](const auto& each) { return each.get() == &control; });
+  std::vector<std::unique_ptr<Control>> last;
+  last.push_back(std::move(*own));
+  siblings.erase(own);
+  destroy(std::move(last));
+  ++revision_;
+  if (parent) touch(*parent, ControlChange::ChildrenChanged);
   return gone;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -8,6 +10,7 @@
 #include <vector>
 
 #include "host/base/result.h"
+#include "host/base/signal.h"
 #include "host/ui/control_type.h"
 
 namespace host::ui {
@@ -23,6 +26,9 @@ struct Control {
   std::map<std::string_view, std::vector<Values>> entries;  ///< keyed attributes, a use each
   Control* collection = nullptr;                            ///< of a radio button
   Control* selected = nullptr;  ///< of a collection: its button; of a tab layout: its tab
+  Tree* tree = nullptr;
+  std::uint64_t revision = 0;  ///< the tree's when this last changed, its children apart
+  std::size_t nameSlot = 0;    ///< the tree's own
 
   /// What was set, else the initial value; empty for an unknown attribute.
   [[nodiscard]] Values value(std::string_view longName) const;
@@ -35,6 +41,14 @@ struct Control {
   [[nodiscard]] bool isKind(Kind kind) const { return type->kind == kind; }
 };
 
+/// What happened to a control.
+enum class ControlChange : std::uint8_t {
+  Added,
+  Changed,          ///< a value, or what a group of buttons has selected
+  ChildrenChanged,  ///< one came or went, or they stand in another order
+  Removing,         ///< it goes now with all in it, which isn't told of
+};
+
 /// The control tree of the program: plain data, whether or not something shows it.
 ///
 /// Names are unique among siblings. A control is found by its path `window|layout|name` or by any
@@ -43,6 +57,16 @@ struct Control {
 class Tree {
  public:
   Tree();
+  ~Tree();
+  Tree(const Tree&) = delete;
+  Tree& operator=(const Tree&) = delete;
+
+  /// Counts changes: what was read at one revision still holds at the same one.
+  [[nodiscard]] std::uint64_t revision() const { return revision_; }
+  /// Tells of every change, once it is made; of removals just before.
+  Signal<const Control&, ControlChange> changed;
+  /// Notes a change that was made to a control directly.
+  void touch(Control& control, ControlChange change = ControlChange::Changed);
 
   /// The program's own window, in which menus and docked layouts go.
   [[nodiscard]] Control& mainWindow() { return *mainWindow_; }
@@ -60,15 +84,16 @@ class Tree {
   /// that the name is not unique.
   template <class Accept>
   [[nodiscard]] Result<Control*> findIf(std::string_view name, const Accept& accepts) const {
+    if (Control* exact = atPath(name); exact && accepts(*exact)) return exact;
     Control* found = nullptr;
-    const auto [begin, end] = byName_.equal_range(std::string(lastName(name)));
-    for (auto entry = begin; entry != end; ++entry) {
-      Control* control = entry->second;
-      if (!accepts(*control) || !fitsPath(*control, name)) continue;
-      if (!control->parent || path(*control) == name) return control;
-      if (found) return fail("Object's name '{}' is not unique.", name);
-      found = control;
-    }
+    bool isUnique = true;
+    forEachThatFits(name, [&](Control& control) {
+      if (!accepts(control)) return true;
+      isUnique = found == nullptr;
+      found = &control;
+      return isUnique;
+    });
+    if (!isUnique) return fail("Object's name '{}' is not unique.", name);
     if (!found) return fail("Object '{}' not found.", name);
     return found;
   }
@@ -77,6 +102,11 @@ class Tree {
   }
   [[nodiscard]] Result<Control*> find(std::string_view name, const ControlType& type) const {
     return findIf(name, [&](const Control& control) { return control.type == &type; });
+  }
+
+  /// A control's child by its name; null without one.
+  [[nodiscard]] Control* childOf(const Control& parent, std::string_view name) const {
+    return childAt(&parent, name);
   }
 
   /// "window1|columnLayout1|button3".
@@ -113,28 +143,52 @@ class Tree {
   [[nodiscard]] Control* currentCollection(bool ofMenuItems) const;
   void setCurrentCollection(Control* collection) { currentCollection_ = collection; }
 
-  /// Visits a control and all below it, parents first.
+  /// Visits a control and all below it, parents first; nesting costs no stack.
   template <class Visit>
   static void visit(const Control& control, const Visit& visitor) {
-    visitor(control);
-    for (const auto& child : control.children) visit(*child, visitor);
+    std::vector<const Control*> pending{&control};
+    while (!pending.empty()) {
+      const Control& next = *pending.back();
+      pending.pop_back();
+      visitor(next);
+      for (auto child = next.children.rbegin(); child != next.children.rend(); ++child)
+        pending.push_back(child->get());
+    }
   }
 
  private:
-  [[nodiscard]] static std::string_view lastName(std::string_view path) {
-    const std::size_t bar = path.rfind('|');
-    return bar == std::string_view::npos ? path : path.substr(bar + 1);
+  /// A control's name under its parent; no parent: a window.
+  struct Place {
+    const Control* parent;
+    std::string_view name;  ///< of the control, as long as that lives
+    friend bool operator==(const Place&, const Place&) = default;
+  };
+  struct PlaceHash {
+    std::size_t operator()(const Place& place) const {
+      return std::hash<const void*>{}(place.parent) * 31 +
+             std::hash<std::string_view>{}(place.name);
+    }
+  };
+  /// The control of that full path, with or without a leading bar; null without one.
+  [[nodiscard]] Control* atPath(std::string_view path) const;
+  [[nodiscard]] Control* childAt(const Control* parent, std::string_view name) const {
+    const auto found = byPlace_.find({parent, name});
+    return found == byPlace_.end() ? nullptr : found->second;
   }
-  /// Whether `path` is the end of the control's path.
-  [[nodiscard]] static bool fitsPath(const Control& control, std::string_view path);
+  /// Calls `use` for the controls whose path ends in `path`, until it returns false.
+  void forEachThatFits(std::string_view path, const std::function<bool(Control&)>& use) const;
   [[nodiscard]] Result<Control*> parentFor(const ControlType& type,
                                            std::string_view parentName) const;
   [[nodiscard]] std::string freshName(const ControlType& type);
   Control& attach(const ControlType& type, std::string name, Control* parent);
   void forget(const Control& removed);
+  /// Destroys controls without a call of a destructor for each level of nesting.
+  static void destroy(std::vector<std::unique_ptr<Control>> controls);
 
+  std::uint64_t revision_ = 0;
   std::vector<std::unique_ptr<Control>> windows_;
-  std::unordered_multimap<std::string, Control*> byName_;
+  std::unordered_map<std::string_view, std::vector<Control*>> byName_;
+  std::unordered_map<Place, Control*, PlaceHash> byPlace_;
   std::unordered_map<std::string_view, int> numbers_;  ///< last number given to a name of each type
   Control* mainWindow_ = nullptr;
   Control* currentParent_ = nullptr;

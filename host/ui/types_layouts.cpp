@@ -4,25 +4,26 @@ namespace host::ui {
 
 namespace {
 
-Result<void> checkChild(const Control& layout, const std::string& name) {
-  for (const auto& child : layout.children)
-    if (child->name == name || Tree::path(*child) == name) return {};
-  return fail("Object '{}' not found.", name);
+/// A layout's child by its name, which other windows may use too, or by its path.
+Result<Control*> childOf(const Tree& tree, const Control& layout, const std::string& name) {
+  if (Control* child = tree.childOf(layout, name)) return child;
+  auto found = tree.find(name);
+  if (!found) return found;
+  if ((*found)->parent != &layout) return fail("Object '{}' not found.", name);
+  return found;
 }
 
 /// An edge of a child is held by what it was attached to last.
 Result<void> setAttachment(Tree& tree, Control& layout, const Attribute& attribute,
                            const Values& values) {
-  auto child = tree.find(asText(values));
+  auto child = childOf(tree, layout, asText(values));
   if (!child) return failWith(std::move(child.error()));
-  HOST_TRY(checkChild(layout, (*child)->name));
   const std::string edge = asText(values, 1);
   if (edge != "top" && edge != "left" && edge != "bottom" && edge != "right")
     return fail("'{}' is no edge: use top, left, bottom or right.", edge);
   if (attribute.longName == "attachControl" || attribute.longName == "attachOppositeControl") {
-    auto other = tree.find(asText(values, 3));
-    if (!other) return failWith(std::move(other.error()));
-    HOST_TRY(checkChild(layout, (*other)->name));
+    if (auto other = childOf(tree, layout, asText(values, 3)); !other)
+      return failWith(std::move(other.error()));
   }
   for (auto& [name, entries] : layout.entries)
     std::erase_if(entries, [&](const Values& entry) {
@@ -42,10 +43,8 @@ const Control* tabOf(const Control& layout) {
 }
 
 Result<void> selectTab(Tree& tree, Control& layout, const Attribute&, const Values& values) {
-  auto child = tree.find(asText(values));
-  if (!child) return failWith(std::move(child.error()));
-  if ((*child)->parent != &layout)
-    return fail("'{}' is not a tab of {}.", asText(values), layout.name);
+  auto child = childOf(tree, layout, asText(values));
+  if (!child) return fail("'{}' is not a tab of {}.", asText(values), layout.name);
   layout.selected = *child;
   return {};
 }
@@ -80,9 +79,8 @@ Values selectedTabIndex(const Tree& tree, const Control& layout, const Attribute
 
 Result<void> setTabLabel(Tree& tree, Control& layout, const Attribute& attribute,
                          const Values& values) {
-  auto child = tree.find(asText(values));
+  auto child = childOf(tree, layout, asText(values));
   if (!child) return failWith(std::move(child.error()));
-  HOST_TRY(checkChild(layout, (*child)->name));
   std::vector<Values>& labels = layout.entries[attribute.longName];
   std::erase_if(labels, [&](const Values& entry) { return asText(entry) == (*child)->name; });
   labels.push_back({(*child)->name, asText(values, 1)});
@@ -221,19 +219,6 @@ constexpr Attribute kGridLayout[] = {
     {"pos", "position", "si", "", kAll, kMulti | kKeyed},
 };
 
-Values paneAt(const Control& layout, std::size_t index) {
-  const auto set = layout.entries.find("setPane");
-  if (set != layout.entries.end())
-    for (auto entry = set->second.rbegin(); entry != set->second.rend();
-         ++entry)  // what was put there last
-      if (asInt(*entry, 1) == static_cast<int>(index)) return {asText(*entry)};
-  std::size_t place = 0;
-  for (const auto& child : layout.children)
-    if ((child->isKind(Kind::Layout) || child->isKind(Kind::Control)) && ++place == index)
-      return {child->name};
-  return {std::string()};
-}
-
 Values getPane(const Tree&, const Control& layout, const Attribute& attribute) {
   return paneAt(layout, static_cast<std::size_t>(attribute.longName.back() - '0'));
 }
@@ -275,6 +260,19 @@ constexpr Attribute kShelfLayout[] = {
 };
 
 }  // namespace
+
+Values paneAt(const Control& layout, std::size_t index) {
+  const auto set = layout.entries.find("setPane");
+  if (set != layout.entries.end())
+    for (auto entry = set->second.rbegin(); entry != set->second.rend();
+         ++entry)  // what was put there last
+      if (asInt(*entry, 1) == static_cast<int>(index)) return {asText(*entry)};
+  std::size_t place = 0;
+  for (const auto& child : layout.children)
+    if ((child->isKind(Kind::Layout) || child->isKind(Kind::Control)) && ++place == index)
+      return {child->name};
+  return {std::string()};
+}
 
 void addLayoutTypes(std::vector<ControlType>& types) {
   const auto add = [&](std::string_view name, std::vector<AttributeTable> own,

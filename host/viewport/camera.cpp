@@ -204,6 +204,7 @@ bool frame(Camera& camera, double aspect, std::span<const Vec3> points, double f
   camera.farClip = std::max(camera.farClip, (eye.z - z.low) * 2);
   camera.centerOfInterest = eye.z - middle;
   camera.world = frameMatrix(axes, axes.right * eye.x + axes.up * eye.y + axes.back * eye.z);
+  camera.tumblePivot = camera.centerOfInterestPoint();
   return true;
 }
 

@@ -68,9 +68,9 @@ enum class AxisView { Top, Front, Side };
 /// Moves the camera along its line of sight and sideways (perspective), or sideways with a new
 /// width (orthographic), so that all points are in view and their picture is centred.
 ///
-/// The direction of view stays. Their centre becomes the centre of interest; the clip planes are
-/// widened when the points need it, never narrowed. Points that are not finite are ignored; with
-/// none left the camera stays.
+/// The direction of view stays. Their centre becomes the centre of interest and the tumble pivot;
+/// the clip planes are widened when the points need it, never narrowed. Points that are not finite
+/// are ignored; with none left the camera stays.
 /// @param fill the share of the port that the points may cover in either direction, 0..1
 /// @return whether the camera was moved
 bool frame(Camera& camera, double aspect, std::span<const Vec3> points, double fill = 0.9);

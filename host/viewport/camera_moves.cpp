@@ -59,6 +59,8 @@ void track(Camera& camera, PortSize port, double dx, double dy) {
   const double unit = view.worldPerPixel(camera.centerOfInterest);
   const Vec3 shift = (camera.right() * dx + camera.up() * dy) * unit;
   for (int axis = 0; axis < 3; ++axis) camera.world[3][axis] -= shift[axis];
+  const bool isSet = !(camera.tumblePivot == Vec3{0, 0, 0});
+  if (isSet) camera.tumblePivot = camera.tumblePivot - shift;
 }
 
 void dolly(Camera& camera, double factor) {
@@ -73,9 +75,13 @@ void dolly(Camera& camera, double factor) {
   camera.centerOfInterest = distance;
 }
 
+double tumbleDegreesPerPixel(PortSize port) {
+  return 180.0 / std::max(port.width, port.height);
+}
+
 void tumbleByDrag(Camera& camera, PortSize port, const Vec3& pivot, double dx, double dy) {
-  const double degreesPerPixel = 180.0 / std::max(port.width, port.height);
-  tumble(camera, pivot, -dx * degreesPerPixel, -dy * degreesPerPixel);
+  const double degrees = tumbleDegreesPerPixel(port);
+  tumble(camera, pivot, -dx * degrees, -dy * degrees);
 }
 
 void dollyByDrag(Camera& camera, PortSize port, double dx, double dy) {

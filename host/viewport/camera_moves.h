@@ -17,13 +17,17 @@ void tumble(Camera& camera, const Vec3& pivot, double azimuthDegrees, double ele
 [[nodiscard]] Vec3 tumbleCentre(const Camera& camera, bool aboutInterest);
 
 /// Slides the camera so that what lies at the depth of the centre of interest follows the cursor by
-/// (dx, dy) pixels.
+/// (dx, dy) pixels. A tumble pivot that is set goes along, so that the middle of the view stays what a later
+/// tumble turns about (whether the real host carries it along isn't documented).
 void track(Camera& camera, PortSize port, double dx, double dy);
 
 /// Moves towards the centre of interest (perspective) or narrows the view (orthographic) by a
 /// factor: 2 shows things twice as large. The centre of interest stays in place and is never
 /// reached.
 void dolly(Camera& camera, double factor);
+
+/// How far a drag of one pixel turns a camera.
+[[nodiscard]] double tumbleDegreesPerPixel(PortSize port);
 
 /// Gestures of a drag by (dx, dy) pixels, at the speed a modeller is used to: half a turn across
 /// the port, a factor of about 4.

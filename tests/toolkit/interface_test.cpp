@@ -1,6 +1,7 @@
 // The toolkit's windows and menu as a person finds them.
 #include <doctest/doctest.h>
 
+#include "host/cmd/loop.h"
 #include "host/ui/tree.h"
 #include "tests/toolkit/toolkit_session.h"
 
@@ -17,12 +18,12 @@ std::vector<std::string> listed(toolkitSession& toolkit, const std::string& mel)
 std::string faultsOf(toolkitSession& toolkit, const std::vector<std::string>& controls) {
   std::string faults;
   for (const std::string& control : controls) {
-    if (!toolkit.session->service<host::ui::Tree>().find(control))
+    if (!host::workspace::workspaceOf(*toolkit.session).controls.find(control))
       continue;  // closed by an earlier one
     toolkit.run("if (`objExists shape`) delete shape; polyCube -n shape; select -r shape.vtx[0:3]");
     const host::MessageCapture said;
     static_cast<void>(toolkit.session->executeLine("uiGesture -press \"" + control + "\""));
-    toolkit.session->processIdle();
+    toolkit.session->loop().runIdle();
     const std::string errors = said.text(host::MessageKind::Error);
     for (const char* fault : {"yntax", "_QXMT_Proc\".", "Invalid flag", "Invalid arguments",
                               "Cannot convert", "Object '"})

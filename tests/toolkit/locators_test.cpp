@@ -9,7 +9,7 @@
 #include <cstdlib>
 
 #include "host/api/view/draw_registry.h"
-#include "host/builtins/view/views.h"
+#include "host/workspace/workspace.h"
 #include "modeling/locatorOverrides.h"
 #include "modeling/locatorPicture.h"
 #include "tests/toolkit/toolkit_session.h"
@@ -26,7 +26,7 @@ struct locatorScene : toolkitSession {
   ~locatorScene() { (void)session->executeLine("file -f -new"); }
   locatorScene(const locatorScene&) = delete;
   locatorScene& operator=(const locatorScene&) = delete;
-  host::builtins::Views& views() { return session->service<host::builtins::Views>(); }
+  host::workspace::Views& views() { return host::workspace::workspaceOf(*session).views; }
 
   static MPlug plug(const char* name) {
     MSelectionList list;
@@ -50,7 +50,7 @@ struct locatorScene : toolkitSession {
         (isLegacy ? "base_OpenGL_Renderer" : "vp2Renderer") + " modelPanel1");
     auto& view = *views().find("modelPanel1");
     view.options.axisGizmo = false;
-    auto image = host::builtins::renderView(session->document(), views(), view, {300, 200});
+    auto image = host::workspace::renderView(session->document(), views(), view, {300, 200});
     return image ? *image : host::viewport::Image{};
   }
 };

@@ -5,8 +5,7 @@
 
 #include <cmath>
 
-#include "host/builtins/view/tool_views.h"
-#include "host/builtins/view/views.h"
+#include "host/workspace/workspace.h"
 #include "shared/mesh/mathHelper.h"
 #include "tests/toolkit/zoo_scene.h"
 
@@ -18,8 +17,8 @@ std::vector<int> values(const MIntArray& array) {
   return {array.begin(), array.end()};
 }
 
-host::builtins::View& activeView(toolkitSession& toolkit) {
-  return toolkit.session->service<host::builtins::Views>().active();
+host::workspace::View& activeView(toolkitSession& toolkit) {
+  return host::workspace::workspaceOf(*toolkit.session).views.active();
 }
 
 /// The edge whose centre shows nearest to a pixel, by asking the view about every edge.
@@ -130,7 +129,7 @@ TEST_CASE(
   const mathHelper math;
   for (const char* camera : {"persp", "top", "side"}) {
     CAPTURE(std::string(camera));
-    host::builtins::View& shown = activeView(toolkit);
+    host::workspace::View& shown = activeView(toolkit);
     shown.cameraName = camera;
     shown.port = {640, 400};
     const M3dView view = M3dView::active3dView();
@@ -219,7 +218,7 @@ TEST_CASE("cursor: its pixel in the view that it is over, a failure elsewhere") 
   toolkitSession toolkit;
   const mathHelper math;
   toolkit.run("source \"qx_modeling_tool_ui.mel\"");
-  host::builtins::View& shown = activeView(toolkit);
+  host::workspace::View& shown = activeView(toolkit);
   int x = -1, y = -1;
   CHECK_FALSE(math.cursorPosition(M3dView::active3dView(), x, y));
   shown.cursor = {123.7, 45.2};
@@ -235,7 +234,7 @@ TEST_CASE("cursor: its pixel in the view that it is over, a failure elsewhere") 
   event.kind = host::tools::InputKind::Move;
   event.panel = "modelPanel1";
   event.position = {30, 40};
-  const auto& pointerAt = host::builtins::toolsOf(*toolkit.session).views.pointerAt;
+  const auto& pointerAt = host::workspace::workspaceOf(*toolkit.session).toolbox.views.pointerAt;
   pointerAt(event);
   CHECK_FALSE(math.cursorPosition(M3dView::active3dView(), x, y));
   REQUIRE(math.cursorPosition(other, x, y));

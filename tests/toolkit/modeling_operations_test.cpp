@@ -430,13 +430,13 @@ TEST_CASE("modelling tool: whatever interrupts a gesture leaves nothing behind")
           hand.run("modelPanel -e -camera persp modelPanel1");
           break;
         case interruption::panel:
-          hand.session->service<host::builtins::Views>().setActive("modelPanel3");
+          host::workspace::workspaceOf(*hand.session).views.setActive("modelPanel3");
           break;
         case interruption::escape: {
           host::tools::InputEvent event;
           event.kind = host::tools::InputKind::KeyPress;
           event.key = "Escape";
-          host::builtins::toolsOf(*hand.session).handle(event);
+          host::workspace::workspaceOf(*hand.session).toolbox.handle(event);
           break;
         }
         case interruption::unload:

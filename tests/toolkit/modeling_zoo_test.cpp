@@ -89,7 +89,7 @@ TEST_CASE("modelling tool: every gesture on every mesh leaves it sound and is un
             const auto done = hand.session->executeLine("select -r " + name, {.postErrors = false});
             if (!done) continue;
           }
-          const auto port = hand.session->service<host::builtins::Views>().active().port;
+          const auto port = host::workspace::workspaceOf(*hand.session).views.active().port;
           const toolHand::place from{std::round(port.width * 0.5 + at * 9 - 45),
                                      std::round(port.height * 0.5 + at * 5 - 25)};
           perform(hand, kind, from, 30 - at * 3, 24);
@@ -117,7 +117,7 @@ TEST_CASE("modelling tool: nothing to work on, a port of one pixel, instances, o
         toolHand hand(panel);
         hand.run(scene);
         hand.run("selectMode -component; modelingContext tool; setToolTo tool");
-        if (isTiny) hand.session->service<host::builtins::Views>().active().port = {1, 1};
+        if (isTiny) host::workspace::workspaceOf(*hand.session).views.active().port = {1, 1};
         for (const gestureKind& kind : kGestures)
           perform(hand, kind, isTiny ? toolHand::place{0, 0} : hand.pixel(0.4, 0.5, 0.3), 40, 20);
         CHECK_FALSE(hand.session->undo().isChunkOpen());
@@ -155,7 +155,7 @@ TEST_CASE(
       } else if (what == 1 && hand.session->undo().canRedo()) {
         REQUIRE(hand.session->undo().redo());
       } else {
-        const auto port = hand.session->service<host::builtins::Views>().active().port;
+        const auto port = host::workspace::workspaceOf(*hand.session).views.active().port;
         const toolHand::place from{
             static_cast<double>(port.width / 4 + below(port.width / 2)),
             static_cast<double>(port.height / 8 + below(port.height * 3 / 4))};

@@ -5,8 +5,8 @@
 
 #include <cmath>
 
-#include "host/builtins/view/views.h"
 #include "host/mesh/adjacency.h"
+#include "host/workspace/workspace.h"
 #include "shared/selection/polygonSelect.h"
 #include "shared/view/viewProjector.h"
 #include "tests/toolkit/zoo_scene.h"
@@ -15,13 +15,13 @@
 
 namespace {
 
-host::builtins::View& activeView(toolkitSession& toolkit) {
-  return toolkit.session->service<host::builtins::Views>().active();
+host::workspace::View& activeView(toolkitSession& toolkit) {
+  return host::workspace::workspaceOf(*toolkit.session).views.active();
 }
 
 /// A square view along -z: 100 pixels a unit, the world's origin at (250, 250).
 M3dView frontView(toolkitSession& toolkit) {
-  host::builtins::View& view = activeView(toolkit);
+  host::workspace::View& view = activeView(toolkit);
   view.cameraName = "front";
   view.port = {500, 500};
   view.options.style = host::viewport::DisplayStyle::Shaded;
@@ -179,7 +179,7 @@ TEST_CASE(
 TEST_CASE("pick: in a dense mesh it finds what a look at every vertex finds, in perspective") {
   toolkitSession toolkit;
   toolkit.run("polySphere -name shape -r 5 -sx 120 -sy 80; setAttr shape.rz 25;");
-  host::builtins::View& shown = activeView(toolkit);
+  host::workspace::View& shown = activeView(toolkit);
   shown.cameraName = "persp";
   shown.port = {800, 600};
   shown.options.style = host::viewport::DisplayStyle::Shaded;
@@ -213,7 +213,7 @@ TEST_CASE("pick: in a dense mesh it finds what a look at every vertex finds, in 
 TEST_CASE("view projector: as the view projects, and what a pixel spans") {
   toolkitSession toolkit;
   for (const char* camera : {"persp", "front"}) {
-    host::builtins::View& shown = activeView(toolkit);
+    host::workspace::View& shown = activeView(toolkit);
     shown.cameraName = camera;
     shown.port = {640, 360};
     const M3dView view = M3dView::active3dView();

@@ -8,7 +8,7 @@
 
 #include "host/api/plugin/plugin_record.h"
 #include "host/api/session/host_session.h"
-#include "host/builtins/view/tool_views.h"
+#include "host/workspace/workspace.h"
 #include "shared/tool/toolContext.h"
 #include "tests/toolkit/toolkit_session.h"
 
@@ -82,7 +82,7 @@ class stage {
     event.kind = kind;
     event.position = {10, 50};
     event.button = button;
-    host::builtins::toolsOf(*session).handle(event);
+    host::workspace::workspaceOf(*session).toolbox.handle(event);
   }
   std::unique_ptr<host::cmd::Session> session = host::api::makeHostSession();
   std::shared_ptr<host::api::PluginRecord> record = std::make_shared<host::api::PluginRecord>();
@@ -152,7 +152,7 @@ TEST_CASE_FIXTURE(stage, "another scene cancels the stroke and the tool goes on 
 TEST_CASE_FIXTURE(stage, "a tool that is deleted in the user's hand leaves nothing behind") {
   run("setToolTo plain");
   mouse(kPress);
-  REQUIRE(host::builtins::toolsOf(*session).remove("plain"));
+  REQUIRE(host::workspace::workspaceOf(*session).toolbox.remove("plain"));
   CHECK(story == "(PC)~");
   CHECK(activeToolCount() == 0);
   run("delete s; file -f -new");

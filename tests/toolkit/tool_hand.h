@@ -6,9 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "host/api/message/callbacks.h"
-#include "host/builtins/view/tool_views.h"
-#include "host/builtins/view/views.h"
+#include "host/cmd/loop.h"
+#include "host/workspace/workspace.h"
 #include "tests/toolkit/toolkit_session.h"
 
 /// The modifiers of a gesture.
@@ -28,8 +27,7 @@ class toolHand : public toolkitSession {
   static constexpr auto kMiddle = host::tools::MouseButton::Middle;
 
   explicit toolHand(std::string panelIn = "modelPanel1") : panel(std::move(panelIn)) {
-    session->service<host::builtins::Views>().setActive(panel);
-    host::api::callbacks().clock = [this] { return seconds; };
+    host::workspace::workspaceOf(*session).views.setActive(panel);
   }
 
   ~toolHand() { (void)session->executeLine("setToolTo selectSuperContext"); }
@@ -70,8 +68,8 @@ class toolHand : public toolkitSession {
   }
 
   [[nodiscard]] place pixel(double x, double y, double z) const {
-    auto& views = session->service<host::builtins::Views>();
-    const auto scene = host::builtins::gatherView(session->document(), *views.find(panel));
+    auto& views = host::workspace::workspaceOf(*session).views;
+    const auto scene = host::workspace::gatherView(session->document(), *views.find(panel));
     REQUIRE(scene);
     const auto at =
         host::viewport::ViewProjection(scene->camera, scene->port).worldToView({x, y, z});
@@ -103,7 +101,7 @@ class toolHand : public toolkitSession {
     event.control = keys.control;
     event.alt = keys.alt;
     event.panel = panel;
-    host::builtins::toolsOf(*session).handle(event);
+    host::workspace::workspaceOf(*session).toolbox.handle(event);
   }
   void press(place position, host::tools::MouseButton button, heldKeys keys = {}) {
     send(host::tools::InputKind::Press, position, button, keys);
@@ -133,12 +131,7 @@ class toolHand : public toolkitSession {
     send(host::tools::InputKind::Move, position, host::tools::MouseButton::None);
     wait(0.02);
   }
-  void wait(double time) {
-    for (double end = seconds + time; seconds < end;) {
-      seconds += 0.01;
-      host::api::callbacks().runTimers();
-    }
-  }
+  void wait(double time) { session->loop().wait(time); }
 
   /// A point array of the tool's locator: "cparr", "parr" or "rparr".
   [[nodiscard]] static MPointArray shown(const char* attribute) {
@@ -153,5 +146,4 @@ class toolHand : public toolkitSession {
   [[nodiscard]] std::size_t undoItems() const { return session->undo().itemCount(); }
 
   std::string panel;
-  double seconds = 0;
 };

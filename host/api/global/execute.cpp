@@ -7,6 +7,7 @@
 
 #include "host/api/core/access.h"
 #include "host/base/messages.h"
+#include "host/cmd/loop.h"
 #include "host/cmd/session.h"
 
 namespace host::api {
@@ -145,7 +146,7 @@ MString MGlobal::executeCommandStringResult(const MString& command, bool display
 }
 
 MStatus MGlobal::executeCommandOnIdle(const MString& command, bool) {
-  cmd::currentSession().defer(command.asChar());
+  cmd::currentSession().loop().defer(command.asChar());
   return MStatus::kSuccess;
 }
 

@@ -6,23 +6,17 @@
 
 #include "host/api/core/access.h"
 #include "host/api/core/fn_types.h"
-#include "host/builtins/view/tool_views.h"
-#include "host/builtins/view/views.h"
+#include "host/api/session/api_state.h"
 #include "host/cmd/session.h"
 #include "host/nodes/sets.h"
 #include "host/tools/screen_pick.h"
+#include "host/workspace/workspace.h"
 
 namespace host::api {
 namespace {
 
-/// Masks and lists that nothing else in the host reads; a service of the session.
-struct SelectionSettings {
-  MSelectionMask misc, anim;
-  MSelectionList preselection;
-};
-
-SelectionSettings& settings() {
-  return cmd::currentSession().service<SelectionSettings>();
+ApiState::SelectionSettings& settings() {
+  return apiState().selection;
 }
 
 struct MaskWord {
@@ -69,7 +63,7 @@ MStatus writeMask(const MaskWord (&words)[Count], const MSelectionMask& mask) {
 
 MStatus selectInRectangle(viewport::PickRect rect, MGlobal::ListAdjustment how) {
   cmd::Session& session = cmd::currentSession();
-  tools::ToolRegistry& registry = builtins::toolsOf(session);
+  tools::ToolRegistry& registry = workspace::workspaceOf(session).toolbox;
   const auto view = registry.views.scene({});
   if (!view) return toStatus(view);
   auto picked = tools::pickFromScreen(session.document(), registry.picker(), *view, rect,
@@ -209,5 +203,5 @@ MString MGlobal::getAbsolutePathToResources() {
   return api::toMString(program.parent_path().parent_path().string());
 }
 MStatus MGlobal::initOpenGLPipeline() {
-  return api::toStatus(cmd::currentSession().service<builtins::Views>().offscreen());
+  return api::toStatus(workspace::workspaceOf(cmd::currentSession()).views.offscreen());
 }

@@ -6,21 +6,18 @@
 #include <maya/MSceneMessage.h>
 
 #include <algorithm>
-#include <chrono>
 #include <exception>
 
 #include "host/api/graph/modifier.h"
 #include "host/api/plugin/loader.h"
+#include "host/api/session/api_state.h"
 #include "host/base/messages.h"
+#include "host/workspace/workspace.h"
 
 namespace host::api {
 namespace {
 
 constexpr std::size_t kKindCount = static_cast<std::size_t>(CallbackKind::TimeChanged) + 1;
-
-double secondsNow() {
-  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
 
 /// The plug-in whose module holds the function; null for functions of the program.
 PluginRecord* ownerOf(const void* function) {
@@ -67,8 +64,8 @@ int attributeMessage(dg::AttributeEvent event) {
   return 0;
 }
 
-int messageOf(builtins::SceneStage stage) {
-  using S = builtins::SceneStage;
+int messageOf(workspace::SceneStage stage) {
+  using S = workspace::SceneStage;
   switch (stage) {
     case S::BeforeNew:
       return MSceneMessage::kBeforeNew;
@@ -99,8 +96,8 @@ int messageOf(builtins::SceneStage stage) {
 }
 
 /// The question that comes before a work; -1 for stages that nobody is asked about.
-int checkOf(builtins::SceneStage stage) {
-  using S = builtins::SceneStage;
+int checkOf(workspace::SceneStage stage) {
+  using S = workspace::SceneStage;
   switch (stage) {
     case S::BeforeNew:
       return MSceneMessage::kBeforeNewCheck;
@@ -141,55 +138,54 @@ scene::DagPath placeOf(dg::Node& child, dg::Node* parent, bool added) {
 }  // namespace
 
 Callbacks& callbacks() {
-  return cmd::currentSession().service<Callbacks>();
+  auto& made = apiState().callbacks;
+  if (!made) made = std::make_unique<Callbacks>();
+  return *made;
 }
 
-Callbacks::Callbacks()
-    : clock(secondsNow), document_(cmd::currentSession().document()), counts_(kKindCount, 0) {
+Callbacks::Callbacks() : document_(cmd::currentSession().document()), counts_(kKindCount, 0) {
   document_.graph().addObserver(this);
   document_.addObserver(this);
   cmd::ScriptJobs& jobs = cmd::currentSession().scriptJobs();
-  jobs.eventTriggered = [this](std::string_view name) {
+  connections_.push_back(jobs.eventTriggered.connect([this](std::string_view name) {
     fire(CallbackKind::Event, {.text = std::string(name)});
     if (name == "timeChanged") fire(CallbackKind::TimeChanged, {});
-  };
-  hooks_->reached = [this](builtins::SceneStage stage, const std::string& path) {
-    const int message = messageOf(stage);
-    fire(CallbackKind::Scene, {.message = message, .text = path});
-    fire(CallbackKind::SceneText, {.message = message, .text = path});
-  };
-  hooks_->mayGoOn = [this](builtins::SceneStage stage, const std::string& path) {
-    Happening asked{.message = checkOf(stage), .text = path};
-    fire(CallbackKind::SceneCheck, asked);
-    return !asked.isRefused;
-  };
-  cmd::currentSession().setService(hooks_);
-  jobs.conditionChanged = [this](std::string_view name, bool state) {
+  }));
+  workspace::SceneHooks& hooks = workspace::workspaceOf(cmd::currentSession()).sceneHooks;
+  connections_.push_back(
+      hooks.reached.connect([this](workspace::SceneStage stage, const std::string& path) {
+        const int message = messageOf(stage);
+        fire(CallbackKind::Scene, {.message = message, .text = path});
+        fire(CallbackKind::SceneText, {.message = message, .text = path});
+      }));
+  connections_.push_back(hooks.asked.connect(
+      [this](workspace::SceneStage stage, const std::string& path, bool& isRefused) {
+        Happening asked{.message = checkOf(stage), .text = path};
+        fire(CallbackKind::SceneCheck, asked);
+        isRefused = isRefused || asked.isRefused;
+      }));
+  connections_.push_back(jobs.conditionChanged.connect([this](std::string_view name, bool state) {
     fire(CallbackKind::Condition, {.text = std::string(name), .flag = state});
-  };
-  cmd::currentSession().loopTask = [this] {
-    runTimers();
+  }));
+  connections_.push_back(cmd::currentSession().loop().turned.connect([this] {
     reportDestroyed();
     fire(CallbackKind::Event, {.text = "idle"});
-  };
+  }));
 }
 
 Callbacks::~Callbacks() {
-  hooks_->reached = {};
-  hooks_->mayGoOn = {};
-  cmd::currentSession().scriptJobs().eventTriggered = {};
-  cmd::currentSession().scriptJobs().conditionChanged = {};
-  cmd::currentSession().loopTask = {};
+  connections_.clear();
+  for (const auto& [id, callback] : callbacks_)
+    cmd::currentSession().loop().timers().remove(callback.timer);
   document_.graph().removeObserver(this);
   document_.removeObserver(this);
 }
 
 MCallbackId Callbacks::add(Callback callback, const void* function) {
   const MCallbackId id = next_++;
-  if (callback.kind == CallbackKind::Timer) {
-    callback.last = clock();
-    callback.due = callback.last + callback.period;
-  }
+  if (callback.kind == CallbackKind::Timer)
+    callback.timer = cmd::currentSession().loop().timers().add(
+        callback.period, [this, id](double now, double elapsed) { runTimer(id, now, elapsed); });
   ++counts_[static_cast<std::size_t>(callback.kind)];
   callback.owner = ownerOf(function);
   if (callback.owner)
@@ -204,6 +200,7 @@ bool Callbacks::remove(MCallbackId id) {
   if (found == callbacks_.end()) return false;
   --counts_[static_cast<std::size_t>(found->second.kind)];
   PluginRecord* owner = found->second.owner;
+  if (found->second.timer) cmd::currentSession().loop().timers().remove(found->second.timer);
   callbacks_.erase(found);
   if (owner)
     std::erase_if(owner->registrations,
@@ -270,28 +267,19 @@ void Callbacks::fire(CallbackKind kind, Happening& happening) {
   }
 }
 
-void Callbacks::runTimers() {
-  if (!waits(CallbackKind::Timer)) return;
-  const double now = clock();
-  std::vector<MCallbackId> due;
-  for (const auto& [id, callback] : callbacks_)
-    if (callback.kind == CallbackKind::Timer && callback.due <= now) due.push_back(id);
-  for (const MCallbackId id : due) {
-    const auto found = callbacks_.find(id);
-    if (found == callbacks_.end()) continue;
-    Callback& timer = found->second;
-    Happening tick{.elapsed = now - timer.last, .since = timer.last};
-    timer.last = now;
-    timer.due = now + timer.period;
-    const auto call = timer.call;
-    running_.push_back(id);
-    try {
-      call(tick);
-    } catch (...) {
-      postMessage(MessageKind::Error, "A timer callback threw an exception");
-    }
-    running_.pop_back();
+void Callbacks::runTimer(MCallbackId id, double now, double elapsed) {
+  const auto call = callbacks_.at(id).call;  // it may take itself off
+  Happening tick{.elapsed = elapsed, .since = now - elapsed};
+  running_.push_back(id);
+  try {
+    call(tick);
+  } catch (const std::exception& exception) {
+    postMessage(MessageKind::Error,
+                fmt::format("A timer callback threw an exception: {}", exception.what()));
+  } catch (...) {
+    postMessage(MessageKind::Error, "A timer callback threw an exception");
   }
+  running_.pop_back();
 }
 
 void Callbacks::reportDestroyed() {

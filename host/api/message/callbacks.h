@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "host/api/core/access.h"
-#include "host/builtins/file/scene_hooks.h"
+#include "host/cmd/loop.h"
 #include "host/cmd/session.h"
 
 namespace host::api {
@@ -71,7 +71,8 @@ class Callbacks final : public dg::GraphObserver, public scene::DocumentObserver
     std::string subject;  ///< an event, a condition, a node type
     int message = 0;
     std::function<void(Happening&)> call;
-    double period = 0, due = 0, last = 0;  ///< timers, seconds
+    double period = 0;                     ///< timers, seconds
+    Timers::Id timer = 0;                  ///< the loop's
     struct PluginRecord* owner = nullptr;  ///< set by `add`
   };
 
@@ -89,11 +90,6 @@ class Callbacks final : public dg::GraphObserver, public scene::DocumentObserver
   void fire(CallbackKind kind, Happening& happening);
   void fire(CallbackKind kind, Happening&& happening) { fire(kind, happening); }
 
-  /// Seconds that timers go by; a test puts its own in.
-  std::function<double()> clock;
-  /// Calls the timers that are due; each once, however late it is. Runs in every turn of the
-  /// program's loop.
-  void runTimers();
   /// Tells those that wait for the end of a node that has left the undo queue too.
   void reportDestroyed();
   /// User events that plug-ins have defined.
@@ -115,8 +111,10 @@ class Callbacks final : public dg::GraphObserver, public scene::DocumentObserver
   }
   [[nodiscard]] static bool fits(const Callback& callback, const Happening& happening);
 
+  void runTimer(MCallbackId id, double now, double elapsed);
+
   scene::Document& document_;
-  std::shared_ptr<builtins::SceneHooks> hooks_ = std::make_shared<builtins::SceneHooks>();
+  std::vector<Connection> connections_;
   std::map<MCallbackId, Callback> callbacks_;
   std::vector<int> counts_;
   std::vector<MCallbackId> running_;

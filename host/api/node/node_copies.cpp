@@ -2,15 +2,15 @@
 
 #include "host/api/message/callbacks.h"
 #include "host/api/node/px_node.h"
-#include "host/builtins/dag/duplicate_hooks.h"
-#include "host/builtins/file/scene_hooks.h"
+#include "host/api/session/api_state.h"
+#include "host/workspace/workspace.h"
 
 namespace host::api {
 namespace {
 
 void tell(CallbackKind kind) {
   // Without callbacks there is nobody to tell.
-  if (auto* all = cmd::currentSession().findService<Callbacks>()) all->fire(kind, {});
+  if (Callbacks* all = apiState().callbacks.get()) all->fire(kind, {});
 }
 
 void copyInternal(dg::Node& original, dg::Node& copy) {
@@ -25,24 +25,26 @@ void copyInternal(dg::Node& original, dg::Node& copy) {
 }
 
 /// Nodes that have no opinion say that the call is unknown to them.
-bool leavesOut(const dg::Plug& plug) {
+void leaveOut(const dg::Plug& plug, bool& isLeftOut) {
   MPxNode* object = userNodeOf(*plug.node());
-  if (!object) return false;
+  if (!object) return;
   bool isSaved = true;
   const auto ask = [&] { return object->shouldSave(wrap(plug), isSaved); };
   const MStatus status =
       fenced(*plug.node(), "shouldSave", ask, MStatus(MStatus::kUnknownParameter));
-  return status == MStatus::kSuccess && !isSaved;
+  if (status == MStatus::kSuccess && !isSaved) isLeftOut = true;
 }
 
 }  // namespace
 
 void installNodeCopies(cmd::Session& session) {
-  auto& hooks = session.service<builtins::DuplicateHooks>();
-  hooks.before = [] { tell(CallbackKind::BeforeDuplicate); };
-  hooks.after = [] { tell(CallbackKind::AfterDuplicate); };
-  hooks.copied = copyInternal;
-  session.service<builtins::SaveHooks>().leavesOut = leavesOut;
+  workspace::Workspace& workspace = workspace::workspaceOf(session);
+  workspace::DuplicateHooks& hooks = workspace.duplicateHooks;
+  auto& connections = apiState().connections;
+  connections.push_back(hooks.before.connect([] { tell(CallbackKind::BeforeDuplicate); }));
+  connections.push_back(hooks.after.connect([] { tell(CallbackKind::AfterDuplicate); }));
+  connections.push_back(hooks.copied.connect(copyInternal));
+  connections.push_back(workspace.sceneHooks.saving.connect(leaveOut));
 }
 
 }  // namespace host::api

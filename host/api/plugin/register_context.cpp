@@ -8,8 +8,8 @@
 #include "host/api/plugin/plugin_record.h"
 #include "host/api/tool/context_rep.h"
 #include "host/base/messages.h"
-#include "host/builtins/view/tool_views.h"
 #include "host/cmd/session.h"
+#include "host/workspace/workspace.h"
 
 namespace host::api {
 namespace {
@@ -89,7 +89,7 @@ Result<void> ContextCall::doIt(std::span<const mel::Value> arguments) {
 
   const std::string name = parsed->objects.empty() ? std::string() : parsed->objects.front();
   const auto found = std::dynamic_pointer_cast<ContextAdapter>(
-      builtins::toolsOf(cmd::currentSession()).find(name));
+      workspace::workspaceOf(cmd::currentSession()).toolbox.find(name));
   const bool isOurs = found && found->contextClass().commandName == class_->commandName;
   if (useOf(*parsed, "exists")) {
     result_ = mel::Value(isOurs);
@@ -105,7 +105,7 @@ Result<void> ContextCall::doIt(std::span<const mel::Value> arguments) {
 
 Result<void> ContextCall::create(std::unique_ptr<MPxContextCommand> command,
                                  const ParsedRep& parsed) {
-  tools::ToolRegistry& registry = builtins::toolsOf(cmd::currentSession());
+  tools::ToolRegistry& registry = workspace::workspaceOf(cmd::currentSession()).toolbox;
   const ParsedRep::Use* named = useOf(parsed, "name");
   std::string name = !parsed.objects.empty() ? parsed.objects.front()
                      : named                 ? textOf(parsed, *named)
@@ -157,7 +157,7 @@ Result<void> ContextCall::work(ContextAdapter& adapter, const std::vector<mel::V
 
 /// Contexts of a class must not outlive the module that their code is in.
 void dropContexts(const std::string& commandName) {
-  tools::ToolRegistry& registry = builtins::toolsOf(cmd::currentSession());
+  tools::ToolRegistry& registry = workspace::workspaceOf(cmd::currentSession()).toolbox;
   for (const std::string& name : registry.names()) {
     const auto adapter = std::dynamic_pointer_cast<ContextAdapter>(registry.find(name));
     if (adapter && adapter->contextClass().commandName == commandName) (void)registry.remove(name);

@@ -2,17 +2,17 @@
 #include <maya/MFileIO.h>
 
 #include "host/api/core/access.h"
-#include "host/builtins/file/scene_hooks.h"
 #include "host/cmd/session.h"
+#include "host/workspace/workspace.h"
 
 namespace {
 
 using namespace host;
 
-using Work = builtins::SceneHooks::Work;
+using Work = workspace::SceneHooks::Work;
 
 Work work() {
-  return cmd::currentSession().service<builtins::SceneHooks>().work;
+  return workspace::workspaceOf(cmd::currentSession()).sceneHooks.work;
 }
 
 std::string quoted(const MString& text) {

@@ -4,18 +4,14 @@
 #include <algorithm>
 
 #include "host/api/core/access.h"
+#include "host/api/session/api_state.h"
 #include "host/cmd/session.h"
 
 namespace host::api {
 namespace {
 
-/// The playback range; the time itself is time1's.
-struct Playback {
-  MTime start{1.0, MTime::kFilm}, end{24.0, MTime::kFilm};
-  MTime first{1.0, MTime::kFilm}, last{48.0, MTime::kFilm};
-};
-Playback& playback() {
-  return cmd::currentSession().service<Playback>();
+ApiState::Playback& playback() {
+  return apiState().playback;
 }
 
 dg::Plug timePlug() {
@@ -23,14 +19,9 @@ dg::Plug timePlug() {
   return plug ? *plug : dg::Plug();
 }
 
-/// The one progress display that there is.
-struct Progress {
-  bool isReserved = false, isRunning = false, isInterruptable = false;
-  std::string title, status;
-  int minimum = 0, maximum = 100, value = 0;
-};
+using Progress = ApiState::Progress;
 Progress& progressState() {
-  return cmd::currentSession().service<Progress>();
+  return apiState().progress;
 }
 
 /// Only the job that has the display may change it.

@@ -4,9 +4,11 @@
 #include <exception>
 #include <utility>
 
+#include "host/api/command/args.h"
 #include "host/api/tool/context_rep.h"
 #include "host/api/view/view_access.h"
 #include "host/base/messages.h"
+#include "host/mel/literal.h"
 #include "host/tools/select_tool.h"
 
 namespace host::api {
@@ -166,6 +168,27 @@ void ContextAdapter::abort() {
   tools::InputEvent here;
   here.panel = contextRep(*context_).panel;
   setup(here);
+}
+
+std::vector<std::string> ContextAdapter::settings(const std::string& name) {
+  std::vector<std::string> lines;
+  const MessageCapture quiet;  // a flag that can't be queried is none of the settings
+  auto& rep = Access::writable<ContextCommandRep>(*command_);
+  const std::vector<SyntaxRep::Flag> flags = syntaxOf(rep.syntax).flags;
+  for (const SyntaxRep::Flag& flag : flags) {
+    const bool isHosts = flag.longName == "exists" || flag.longName == "name" ||
+                         flag.longName.starts_with("image") || flag.longName == "query" ||
+                         flag.longName == "edit";
+    if (isHosts || flag.arguments.empty()) continue;
+    rep.words = wrap({mel::Value("-q"), mel::Value("-" + flag.longName), mel::Value(name)});
+    rep.result = mel::Value();
+    MStatus status = MStatus::kFailure;
+    fenced(title, [&] { status = command_->doQueryFlags(); });
+    if (status != MStatus::kSuccess || rep.result.isNone()) continue;
+    lines.push_back(fmt::format("{} -e -{} {} {}", contextClass_->commandName, flag.longName,
+                                mel::flagWords(rep.result), name));
+  }
+  return lines;
 }
 
 void ContextAdapter::draw(const std::string& panel, viewport::DrawList& list) {

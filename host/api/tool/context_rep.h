@@ -65,6 +65,10 @@ class ContextAdapter final : public tools::ToolContext {
   void abort() override;
   void draw(const std::string& panel, viewport::DrawList& list) override;
 
+  [[nodiscard]] std::string maker() const override { return contextClass_->commandName; }
+  /// What querying each of the plug-in's own flags gives.
+  [[nodiscard]] std::vector<std::string> settings(const std::string& name) override;
+
   [[nodiscard]] MPxContextCommand& command() { return *command_; }
   [[nodiscard]] MPxContext& context() { return *context_; }
   [[nodiscard]] const ContextClass& contextClass() const { return *contextClass_; }

@@ -3,9 +3,9 @@
 
 #include "host/api/tool/context_rep.h"
 #include "host/base/messages.h"
-#include "host/builtins/view/tool_views.h"
 #include "host/cmd/session.h"
 #include "host/tools/select_tool.h"
+#include "host/workspace/workspace.h"
 
 using namespace host;
 using api::contextRep;
@@ -38,7 +38,7 @@ MStatus MPxSelectionContext::doRelease(MEvent& event) {
   (void)event.getPosition(rep.lastX, rep.lastY);
   rep.isMarqueeActive = false;
   if (!rep.isSelecting) return MStatus::kSuccess;
-  tools::SelectTool select(builtins::toolsOf(cmd::currentSession()), "selectManip");
+  tools::SelectTool select(workspace::workspaceOf(cmd::currentSession()).toolbox, "selectManip");
   tools::InputEvent from;
   from.kind = tools::InputKind::Press;
   from.button = tools::MouseButton::Left;

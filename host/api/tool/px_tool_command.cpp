@@ -1,6 +1,7 @@
 #include <maya/MPxToolCommand.h>
 
 #include "host/api/command/command_adapter.h"
+#include "host/cmd/loop.h"
 #include "host/cmd/session.h"
 
 using namespace host;
@@ -35,7 +36,7 @@ MStatus MPxToolCommand::doFinalize(MArgList& command) {
     return MStatus::kSuccess;
   }
   // Nobody will undo it, but its own function is still running: it goes when the program is idle.
-  session.deferTask(
+  session.loop().deferTask(
       [kept = std::shared_ptr<api::CommandAdapter>(std::move(adapter))] { (void)kept; });
   return MStatus::kSuccess;
 }

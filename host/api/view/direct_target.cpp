@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "host/builtins/view/views.h"
 #include "host/cmd/session.h"
+#include "host/workspace/workspace.h"
 
 namespace host::api {
 
@@ -26,7 +26,7 @@ DirectTarget::Scope::~Scope() {
 
 viewport::Backend* DirectTarget::target() {
   if (frame_) return frame_;
-  const auto backend = cmd::currentSession().service<builtins::Views>().offscreen();
+  const auto backend = workspace::workspaceOf(cmd::currentSession()).views.offscreen();
   return backend ? *backend : nullptr;
 }
 

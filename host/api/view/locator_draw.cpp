@@ -11,7 +11,7 @@
 #include "host/api/view/view_access.h"
 #include "host/api/view/view_rep.h"
 #include "host/base/messages.h"
-#include "host/builtins/view/views.h"
+#include "host/workspace/workspace.h"
 
 namespace host::api {
 namespace {
@@ -21,7 +21,7 @@ using MHWRender::MPxDrawOverride;
 /// The visible shapes that plug-ins draw.
 class LocatorWalk {
  public:
-  LocatorWalk(scene::Document& document, const builtins::View& view) : view_(view) {
+  LocatorWalk(scene::Document& document, const workspace::View& view) : view_(view) {
     for (dg::Node* node : document.worldChildren()) visit(scene::DagPath({node}));
   }
   std::vector<scene::DagPath> found;
@@ -31,12 +31,12 @@ class LocatorWalk {
     dg::Node& node = *path.node();
     if (!isShown(node)) return;
     // Only nodes of registered types have something that draws them.
-    if (!node.type().pluginName.empty() && builtins::isolationShows(view_, path) &&
+    if (!node.type().pluginName.empty() && workspace::isolationShows(view_, path) &&
         (drawRegistry().find(node.type().classification) || findNodeClass(node.type())))
       found.push_back(path);
     for (dg::Node* child : scene::dagLinks(node).children) visit(path.child(child));
   }
-  const builtins::View& view_;
+  const workspace::View& view_;
 };
 
 template <class Call>
@@ -93,7 +93,7 @@ void drawByCallback(DrawRegistry::Live& live, const scene::DagPath& path,
   if (data && data->deleteAfterUse()) data.reset();
 }
 
-void drawItself(MPxLocatorNode& locator, const builtins::View& view, const scene::DagPath& path,
+void drawItself(MPxLocatorNode& locator, const workspace::View& view, const scene::DagPath& path,
                 viewport::Backend& backend) {
   const DirectTarget::Scope scope(backend, path.inclusiveMatrix());
   M3dView shown = wrap(view);
@@ -104,32 +104,30 @@ void drawItself(MPxLocatorNode& locator, const builtins::View& view, const scene
 }
 
 /// What the viewport's menu and plug-ins say about locators.
-bool showsLocators(cmd::Session& session, const builtins::View& view) {
-  return (session.service<ObjectDisplay>().of(view.panel) & M3dView::kDisplayLocators) != 0;
+bool showsLocators(const workspace::View& view) {
+  return (view.objectKinds & M3dView::kDisplayLocators) != 0;
 }
 
 }  // namespace
 
 void installLocatorDrawing(cmd::Session& session) {
-  auto& views = session.service<builtins::Views>();
-  cmd::Session* const owner = &session;
+  auto& views = workspace::workspaceOf(session).views;
   views.gatherers.push_back(
-      [owner](scene::Document& document, const builtins::View& view, viewport::SceneView& scene) {
-        if (!(owner->service<ObjectDisplay>().of(view.panel) & M3dView::kDisplayMeshes))
-          scene.meshes.clear();
+      [](scene::Document& document, const workspace::View& view, viewport::SceneView& scene) {
+        if (!(view.objectKinds & M3dView::kDisplayMeshes)) scene.meshes.clear();
         drawRegistry().dropDead();
-        const auto camera = builtins::cameraPath(document, view.cameraName);
-        if (!camera || !showsLocators(*owner, view) || !view.usesDrawOverrides()) return;
+        const auto camera = workspace::cameraPath(document, view.cameraName);
+        if (!camera || !showsLocators(view) || !view.usesDrawOverrides()) return;
         for (const scene::DagPath& path : LocatorWalk(document, view).found)
           fenced(path, [&] {
             if (DrawRegistry::Live* live = drawRegistry().liveOf(*path.node()))
               prepare(*live, path, *camera, scene);
           });
       });
-  views.directs.push_back([owner](scene::Document& document, const builtins::View& view,
-                                  const viewport::SceneView& scene, viewport::Backend& backend) {
-    const auto camera = builtins::cameraPath(document, view.cameraName);
-    if (!camera || !showsLocators(*owner, view)) return;
+  views.directs.push_back([](scene::Document& document, const workspace::View& view,
+                             const viewport::SceneView& scene, viewport::Backend& backend) {
+    const auto camera = workspace::cameraPath(document, view.cameraName);
+    if (!camera || !showsLocators(view)) return;
     for (const scene::DagPath& path : LocatorWalk(document, view).found) {
       DrawRegistry::Live* live =
           view.usesDrawOverrides() ? drawRegistry().liveOf(*path.node()) : nullptr;

@@ -5,34 +5,34 @@
 #include <limits>
 #include <map>
 
-#include "host/api/view/app_window.h"
 #include "host/api/view/view_rep.h"
+#include "host/cmd/loop.h"
 #include "host/cmd/session.h"
 #include "host/viewport/scene_gather.h"
 
 namespace host::api {
 
-MNativeWindowHdl windowHandleOf(const builtins::View* view) {
+MNativeWindowHdl windowHandleOf(const workspace::View* view) {
   static std::map<std::string, char> panels;  // whose elements stay where they are
   return view ? &panels[view->panel] : nullptr;
 }
 
-M3dView wrap(const builtins::View& view) {
+M3dView wrap(const workspace::View& view) {
   return Access::make<M3dView>(new ViewRep(view.panel));
 }
 
-builtins::View* viewOf(const M3dView& view, MStatus* status) {
+workspace::View* viewOf(const M3dView& view, MStatus* status) {
   const auto* rep = Access::rep<ViewRep>(view);
-  builtins::View* found =
-      rep ? cmd::currentSession().service<builtins::Views>().find(rep->panel) : nullptr;
+  workspace::View* found =
+      rep ? workspace::workspaceOf(cmd::currentSession()).views.find(rep->panel) : nullptr;
   setStatus(status, found ? MStatus::kSuccess : MStatus::kFailure);
   return found;
 }
 
 std::optional<viewport::ViewProjection> projectionOf(const M3dView& view, MStatus* status) {
-  const builtins::View* found = viewOf(view, status);
+  const workspace::View* found = viewOf(view, status);
   if (!found) return std::nullopt;
-  const auto path = builtins::cameraPath(document(), found->cameraName);
+  const auto path = workspace::cameraPath(document(), found->cameraName);
   auto camera =
       path ? viewport::gatherCamera(*path) : Result<viewport::Camera>(failWith(path.error()));
   if (!camera) {
@@ -43,11 +43,6 @@ std::optional<viewport::ViewProjection> projectionOf(const M3dView& view, MStatu
 }
 
 namespace {
-
-/// Whether a refresh is waiting; a service of the session.
-struct PendingRefresh {
-  bool isWaiting = false;
-};
 
 short toPixel(double value) {
   constexpr double kLimit = std::numeric_limits<short>::max();
@@ -60,8 +55,8 @@ MPoint toPoint(const math::Vec3& v) {
 }
 
 MStatus findPanel(const MString& name, M3dView& view) {
-  const builtins::View* found =
-      cmd::currentSession().service<builtins::Views>().find(name.asChar());
+  const workspace::View* found =
+      workspace::workspaceOf(cmd::currentSession()).views.find(name.asChar());
   if (!found) return MStatus::kFailure;
   view = wrap(*found);
   return MStatus::kSuccess;
@@ -70,14 +65,7 @@ MStatus findPanel(const MString& name, M3dView& view) {
 }  // namespace
 
 void scheduleViewRefresh() {
-  cmd::Session& session = cmd::currentSession();
-  PendingRefresh& pending = session.service<PendingRefresh>();
-  if (!session.refreshViews || pending.isWaiting) return;
-  pending.isWaiting = true;
-  session.deferTask([&session] {
-    session.service<PendingRefresh>().isWaiting = false;
-    if (session.refreshViews) session.refreshViews();
-  });
+  cmd::currentSession().loop().requestRedraw();
 }
 
 }  // namespace host::api
@@ -89,13 +77,14 @@ using api::viewOf;
 
 M3dView M3dView::active3dView(MStatus* status) {
   setStatus(status, MStatus::kSuccess);
-  return api::wrap(cmd::currentSession().service<builtins::Views>().active());
+  return api::wrap(workspace::workspaceOf(cmd::currentSession()).views.active());
 }
 unsigned int M3dView::numberOf3dViews() {
-  return static_cast<unsigned int>(cmd::currentSession().service<builtins::Views>().all().size());
+  return static_cast<unsigned int>(
+      workspace::workspaceOf(cmd::currentSession()).views.all().size());
 }
 MStatus M3dView::get3dView(unsigned int index, M3dView& view) {
-  const auto& all = cmd::currentSession().service<builtins::Views>().all();
+  const auto& all = workspace::workspaceOf(cmd::currentSession()).views.all();
   if (index >= all.size()) return MStatus::kFailure;
   view = api::wrap(all[index]);
   return MStatus::kSuccess;
@@ -109,10 +98,10 @@ MStatus M3dView::getM3dViewFromModelEditor(const MString& modelEditorName, M3dVi
 }
 
 MNativeWindowHdl M3dView::applicationShell(MStatus* status) {
-  const auto* window = cmd::currentSession().findService<api::ApplicationWindow>();
-  const bool exists = window && window->shell;
+  void* const window = workspace::workspaceOf(cmd::currentSession()).applicationWindow;
+  const bool exists = window != nullptr;
   setStatus(status, exists ? MStatus::kSuccess : MStatus::kFailure);
-  return exists ? window->shell : nullptr;
+  return window;
 }
 MNativeWindowHdl M3dView::window(MStatus* status) const {
   // Panels have no windows of the window system's own; what tells them apart is as good a handle.
@@ -123,16 +112,16 @@ bool M3dView::isVisible(MStatus* status) const {
 }
 
 int M3dView::portWidth(MStatus* status) const {
-  const builtins::View* view = viewOf(*this, status);
+  const workspace::View* view = viewOf(*this, status);
   return view ? view->port.width : 0;
 }
 int M3dView::portHeight(MStatus* status) const {
-  const builtins::View* view = viewOf(*this, status);
+  const workspace::View* view = viewOf(*this, status);
   return view ? view->port.height : 0;
 }
 MStatus M3dView::viewport(unsigned int& x, unsigned int& y, unsigned int& width,
                           unsigned int& height) const {
-  const builtins::View* view = viewOf(*this);
+  const workspace::View* view = viewOf(*this);
   if (!view) return MStatus::kFailure;
   x = y = 0;
   width = static_cast<unsigned int>(view->port.width);
@@ -145,17 +134,17 @@ MStatus M3dView::getScreenPosition(int& x, int& y) const {
 }
 
 MStatus M3dView::getCamera(MDagPath& camera) const {
-  const builtins::View* view = viewOf(*this);
+  const workspace::View* view = viewOf(*this);
   if (!view) return MStatus::kFailure;
-  const auto path = builtins::cameraPath(api::document(), view->cameraName);
+  const auto path = workspace::cameraPath(api::document(), view->cameraName);
   if (path) camera = api::wrap(*path);
   return api::toStatus(path);
 }
 MStatus M3dView::setCamera(const MDagPath& camera) {
-  builtins::View* view = viewOf(*this);
+  workspace::View* view = viewOf(*this);
   if (!view) return MStatus::kFailure;
   const std::string name = api::pathOf(camera).transform().partialName();
-  const auto path = builtins::cameraPath(api::document(), name);
+  const auto path = workspace::cameraPath(api::document(), name);
   if (!path) return api::toStatus(path, MStatus::kInvalidParameter);
   view->cameraName = name;
   return MStatus::kSuccess;
@@ -214,8 +203,7 @@ MStatus M3dView::modelViewMatrix(MMatrix& modelViewMatrix) const {
 }
 
 MStatus M3dView::refresh(bool, bool) {
-  const auto& refreshViews = cmd::currentSession().refreshViews;
-  if (refreshViews) refreshViews();
+  cmd::currentSession().loop().redraw();
   return MStatus::kSuccess;
 }
 MStatus M3dView::refresh(bool all, bool force, bool) {
@@ -230,12 +218,12 @@ MStatus M3dView::scheduleRefreshAllViews() {
 }
 
 M3dView::DisplayStyle M3dView::displayStyle(MStatus* status) const {
-  const builtins::View* view = viewOf(*this, status);
+  const workspace::View* view = viewOf(*this, status);
   const bool isWire = view && view->options.style == viewport::DisplayStyle::Wireframe;
   return isWire ? kWireFrame : kGouraudShaded;
 }
 MStatus M3dView::setDisplayStyle(DisplayStyle style, bool) {
-  builtins::View* view = viewOf(*this);
+  workspace::View* view = viewOf(*this);
   if (!view) return MStatus::kFailure;
   const bool isShaded = style == kFlatShaded || style == kGouraudShaded;
   view->options.style =
@@ -247,11 +235,11 @@ bool M3dView::isShadeActiveOnly(MStatus* status) const {
   return false;
 }
 bool M3dView::wireframeOnlyInShadedMode(MStatus* status) const {
-  const builtins::View* view = viewOf(*this, status);
+  const workspace::View* view = viewOf(*this, status);
   return view && view->options.style == viewport::DisplayStyle::WireOnShaded;
 }
 bool M3dView::xray(MStatus* status) const {
-  const builtins::View* view = viewOf(*this, status);
+  const workspace::View* view = viewOf(*this, status);
   return view && view->options.xray;
 }
 bool M3dView::xrayJoints(MStatus* status) const {
@@ -259,17 +247,17 @@ bool M3dView::xrayJoints(MStatus* status) const {
   return false;
 }
 unsigned int M3dView::objectDisplay(MStatus* status) const {
-  const builtins::View* view = viewOf(*this, status);
-  return view ? cmd::currentSession().service<api::ObjectDisplay>().of(view->panel) : 0;
+  const workspace::View* view = viewOf(*this, status);
+  return view ? view->objectKinds : 0;
 }
 MStatus M3dView::setObjectDisplay(unsigned int displayed) {
-  const builtins::View* view = viewOf(*this);
+  workspace::View* view = viewOf(*this);
   if (!view) return MStatus::kFailure;
-  cmd::currentSession().service<api::ObjectDisplay>().shown[view->panel] = displayed;
+  view->objectKinds = displayed;
   return MStatus::kSuccess;
 }
 M3dView::RendererName M3dView::getRendererName(MStatus* status) const {
-  const builtins::View* view = viewOf(*this, status);
+  const workspace::View* view = viewOf(*this, status);
   if (!view || view->usesDrawOverrides()) return kViewport2Renderer;
   return view->rendererName == "base_OpenGL_Renderer" ? kDefaultQualityRenderer
                                                       : kHighQualityRenderer;
@@ -278,12 +266,12 @@ bool M3dView::viewIsFiltered(MStatus* status) const {
   return viewSelected(status);
 }
 MStatus M3dView::setViewSelected(bool viewSelected) {
-  const builtins::View* view = viewOf(*this);
+  const workspace::View* view = viewOf(*this);
   if (!view) return MStatus::kFailure;
-  cmd::currentSession().service<builtins::Views>().find(view->panel)->isIsolated = viewSelected;
+  workspace::workspaceOf(cmd::currentSession()).views.find(view->panel)->isIsolated = viewSelected;
   return MStatus::kSuccess;
 }
 bool M3dView::viewSelected(MStatus* status) const {
-  const builtins::View* view = viewOf(*this, status);
+  const workspace::View* view = viewOf(*this, status);
   return view && view->isIsolated;
 }

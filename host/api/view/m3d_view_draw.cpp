@@ -107,7 +107,7 @@ MStatus M3dView::pushViewport(unsigned int x, unsigned int y, unsigned int width
   return MStatus::kSuccess;
 }
 MStatus M3dView::popViewport() {
-  const builtins::View* view = viewOf(*this);
+  const workspace::View* view = viewOf(*this);
   if (!view || api::pushedPorts().empty()) return MStatus::kFailure;
   api::pushedPorts().pop_back();
   const api::Port whole{0, 0, static_cast<unsigned int>(view->port.width),

@@ -1,8 +1,12 @@
 #include "host/api/view/view_access.h"
 
-#include "host/builtins/view/views.h"
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
 #include "host/cmd/session.h"
 #include "host/viewport/scene_gather.h"
+#include "host/workspace/workspace.h"
 
 namespace host::api {
 
@@ -34,8 +38,12 @@ MEvent Access::make<MEvent>(SharedRep* rep) {
   const Handle kept(rep);
   const tools::InputEvent& from = static_cast<EventRep*>(rep)->event;
   MEvent event;
-  event.x_ = static_cast<short>(from.position.x);
-  event.y_ = static_cast<short>(from.position.y);
+  const auto pixel = [](double position) {  // the pixel that the place lies in
+    constexpr double kLast = std::numeric_limits<short>::max();
+    return static_cast<short>(std::floor(std::clamp(position, -kLast, kLast)));
+  };
+  event.x_ = pixel(from.position.x);
+  event.y_ = pixel(from.position.y);
   event.button_ = from.button == tools::MouseButton::Left     ? MEvent::kLeftMouse
                   : from.button == tools::MouseButton::Middle ? MEvent::kMiddleMouse
                                                               : 0;
@@ -57,10 +65,10 @@ DrawCallback callbackOf(const DrawOverride& drawOverride) {
 
 FrameRep* makeFrame(const std::string& panel) {
   cmd::Session& session = cmd::currentSession();
-  auto& views = session.service<builtins::Views>();
-  builtins::View* found = panel.empty() ? nullptr : views.find(panel);
-  const builtins::View& view = found ? *found : views.active();
-  const auto path = builtins::cameraPath(session.document(), view.cameraName);
+  auto& views = workspace::workspaceOf(session).views;
+  workspace::View* found = panel.empty() ? nullptr : views.find(panel);
+  const workspace::View& view = found ? *found : views.active();
+  const auto path = workspace::cameraPath(session.document(), view.cameraName);
   if (!path) return nullptr;
   const auto camera = viewport::gatherCamera(*path);
   if (!camera) return nullptr;

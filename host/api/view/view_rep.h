@@ -2,13 +2,12 @@
 
 #include <maya/M3dView.h>
 
-#include <map>
 #include <optional>
 #include <string>
 
 #include "host/api/core/access.h"
-#include "host/builtins/view/views.h"
 #include "host/viewport/projection.h"
+#include "host/workspace/workspace.h"
 
 namespace host::api {
 
@@ -18,22 +17,11 @@ struct ViewRep final : SharedRep {
   std::string panel;
 };
 
-/// The kinds of objects that plug-ins have set the views to show, by panel; a service of the
-/// session.
-struct ObjectDisplay {
-  std::map<std::string, unsigned int> shown;
-  [[nodiscard]] unsigned int of(const std::string& panel) const {
-    const auto found = shown.find(panel);
-    return found == shown.end() ? static_cast<unsigned int>(M3dView::kDisplayEverything)
-                                : found->second;
-  }
-};
-
-[[nodiscard]] M3dView wrap(const builtins::View& view);
+[[nodiscard]] M3dView wrap(const workspace::View& view);
 /// The view behind; null when it is gone or was never set.
-[[nodiscard]] builtins::View* viewOf(const M3dView& view, MStatus* status = nullptr);
+[[nodiscard]] workspace::View* viewOf(const M3dView& view, MStatus* status = nullptr);
 /// A handle that a view has to itself, the same as long as its panel has its name; null for none.
-[[nodiscard]] MNativeWindowHdl windowHandleOf(const builtins::View* view);
+[[nodiscard]] MNativeWindowHdl windowHandleOf(const workspace::View* view);
 /// Its camera in its port; none when the camera is gone.
 [[nodiscard]] std::optional<viewport::ViewProjection> projectionOf(const M3dView& view,
                                                                    MStatus* status = nullptr);

@@ -3,6 +3,7 @@
 
 #include "host/builtins/common/command.h"
 #include "host/builtins/common/plug_values.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
@@ -33,14 +34,7 @@ const std::map<std::string, AttributeType, std::less<>>& numericTypes() {
   return types;
 }
 
-/// The compounds still being declared on a node: their children come in the calls that follow.
-struct PendingCompound {
-  AttributePtr attribute;
-  std::size_t childCount = 0;
-};
-struct PendingCompounds {
-  std::map<std::string, PendingCompound> byNodeAndName;
-};
+using workspace::PendingCompound;
 
 bool isTuple(std::string_view type) {
   return type == "double2" || type == "double3" || type == "float2" || type == "float3" ||
@@ -151,7 +145,7 @@ Result<void> addTo(Context& context, const ParsedArgs& args, dg::Node& node) {
   if (node.findAttribute(attribute->longName) || node.findAttribute(attribute->shortName))
     return fail("Found no valid items to add the attribute to: '{}' has an attribute '{}' already.",
                 node.name(), attribute->longName);
-  auto& pending = context.session.service<PendingCompounds>().byNodeAndName;
+  auto& pending = workspace::workspaceOf(context.session).pendingCompounds;
   const std::string prefix = node.uuid() + ".";
   AttributePtr root = attribute;
   if (args.has("parent")) {

@@ -1,9 +1,9 @@
 #include <map>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/dag/duplicate_hooks.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/sets.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
@@ -19,7 +19,7 @@ class Duplicator {
   Duplicator(Context& context, const ParsedArgs& args)
       : document_(context.document),
         args_(args),
-        hooks_(context.session.service<DuplicateHooks>()) {}
+        hooks_(workspace::workspaceOf(context.session).duplicateHooks) {}
 
   Result<Node*> copyTree(const DagPath& path, Node* parent, const std::string& wanted) {
     Node& original = *path.node();
@@ -44,7 +44,7 @@ class Duplicator {
       HOST_TRY(nodes::setStoredMesh(copy, std::move(*mesh)));
     }
     HOST_TRY(shareShading(original, copy));
-    if (hooks_.copied) hooks_.copied(original, copy);
+    hooks_.copied(original, copy);
     return &copy;
   }
 
@@ -172,7 +172,7 @@ class Duplicator {
 
   scene::Document& document_;
   const ParsedArgs& args_;
-  const DuplicateHooks& hooks_;
+  const workspace::DuplicateHooks& hooks_;
   std::map<Node*, Node*> copyOf_;
   std::vector<Node*> order_, copies_;
 };
@@ -182,8 +182,8 @@ CommandResult duplicate(Context& context, const ParsedArgs& args) {
   auto list = args.resolveObjects(document);
   if (!list) return failWith(std::move(list.error()));
   if (list->isEmpty()) return fail("duplicate: name or select objects.");
-  const DuplicateHooks& hooks = context.session.service<DuplicateHooks>();
-  if (hooks.before) hooks.before();
+  const workspace::DuplicateHooks& hooks = workspace::workspaceOf(context.session).duplicateHooks;
+  hooks.before();
   Duplicator duplicator(context, args);
   std::vector<std::string> names;
   scene::SelectionList copies;
@@ -208,7 +208,7 @@ CommandResult duplicate(Context& context, const ParsedArgs& args) {
     HOST_TRY(duplicator.connectInputs(args.has("upstreamNodes")));
   }
   document.setSelection(std::move(copies));
-  if (hooks.after) hooks.after();
+  hooks.after();
   return toValue(std::move(names));
 }
 

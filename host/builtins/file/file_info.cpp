@@ -2,6 +2,7 @@
 
 #include "host/builtins/common/command.h"
 #include "host/io/ma/ma_kept.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
@@ -42,7 +43,7 @@ CommandResult unknownNode(Context& context, const ParsedArgs& args) {
   if (!list) return failWith(std::move(list.error()));
   if (list->isEmpty()) return fail("unknownNode: name the node.");
   const io::MaKept::Node* kept =
-      context.session.service<io::MaKept>().find(*list->items().front().node);
+      workspace::workspaceOf(context.session).maKept.find(*list->items().front().node);
   if (!kept || kept->type.empty())
     return fail("unknownNode: '{}' is not of an unknown type.", list->items().front().node->name());
   return mel::Value(kept->type);

@@ -3,12 +3,12 @@
 #include <unordered_set>
 
 #include "host/base/messages.h"
-#include "host/builtins/file/file_formats.h"
-#include "host/builtins/file/scene_hooks.h"
+#include "host/builtins/file/formats.h"
 #include "host/io/ma/ma_loader.h"
 #include "host/io/ma/ma_writer.h"
 #include "host/io/mapped_file.h"
 #include "host/nodes/sets.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
@@ -37,8 +37,8 @@ Result<FileFormat::Placing> read(Context&, const std::string& path,
                         .nameSpace = options.nameSpace};
   return [kept, how](Context& context) -> Result<std::vector<dg::Node*>> {
     loadPlugins(context, *kept);
-    auto loaded =
-        io::loadMa(context.document, std::move(*kept), context.session.service<io::MaKept>(), how);
+    auto loaded = io::loadMa(context.document, std::move(*kept),
+                             workspace::workspaceOf(context.session).maKept, how);
     if (!loaded) return failWith(std::move(loaded.error()));
     for (const std::string& warning : loaded->warnings) postMessage(MessageKind::Warning, warning);
     return std::move(loaded->nodes);
@@ -129,8 +129,14 @@ Result<void> write(Context& context, const std::string& path, const FileWriteOpt
                          .requirements = requirementsOf(context)};
   if (options.onlySelected) how.only = &nodes;
   how.withHistory = options.withHistory;
-  how.leavesOut = context.session.service<SaveHooks>().leavesOut;
-  auto text = io::formatMa(context.document, context.session.service<io::MaKept>(), how);
+  const auto& saving = workspace::workspaceOf(context.session).sceneHooks.saving;
+  if (saving.hasListeners())
+    how.leavesOut = [&saving](const dg::Plug& plug) {
+      bool isLeftOut = false;
+      saving(plug, isLeftOut);
+      return isLeftOut;
+    };
+  auto text = io::formatMa(context.document, workspace::workspaceOf(context.session).maKept, how);
   if (!text) return failWith(std::move(text.error()));
   HOST_TRY(io::writeFileAtomically(path, text->text));
   for (const std::string& warning : text->warnings) postMessage(MessageKind::Warning, warning);
@@ -146,7 +152,7 @@ FileFormat maFormat() {
   format.isNative = true;
   format.read = read;
   format.write = write;
-  format.forget = [](Context& context) { context.session.service<io::MaKept>().clear(); };
+  format.forget = [](Context& context) { workspace::workspaceOf(context.session).maKept.clear(); };
   return format;
 }
 

@@ -2,7 +2,7 @@
 
 #include "host/base/messages.h"
 #include "host/builtins/common/mesh_components.h"
-#include "host/builtins/file/file_formats.h"
+#include "host/builtins/file/formats.h"
 #include "host/io/obj_reader.h"
 #include "host/io/obj_writer.h"
 #include "host/nodes/mesh_shape.h"

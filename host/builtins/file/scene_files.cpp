@@ -5,20 +5,21 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "host/builtins/file/file_formats.h"
-#include "host/builtins/file/scene_hooks.h"
+#include "host/builtins/file/formats.h"
 
 namespace host::builtins {
 
 namespace {
 
+using workspace::SceneHooks;
+using workspace::SceneStage;
 namespace fs = std::filesystem;
 
 /// Tells the hooks of a work's stations for as long as it lives.
 class Work {
  public:
   Work(Context& context, SceneHooks::Work work, std::string path)
-      : hooks_(context.session.service<SceneHooks>()),
+      : hooks_(workspace::workspaceOf(context.session).sceneHooks),
         path_(std::move(path)),
         before_(hooks_.work) {
     hooks_.work = work;
@@ -28,14 +29,13 @@ class Work {
   Work& operator=(const Work&) = delete;
 
   [[nodiscard]] Result<void> begin(SceneStage stage) {
-    if (hooks_.mayGoOn && !hooks_.mayGoOn(stage, path_))
-      return fail("file: a plug-in has stopped it.");
+    bool isRefused = false;
+    hooks_.asked(stage, path_, isRefused);
+    if (isRefused) return fail("file: a plug-in has stopped it.");
     reach(stage);
     return {};
   }
-  void reach(SceneStage stage) {
-    if (hooks_.reached) hooks_.reached(stage, path_);
-  }
+  void reach(SceneStage stage) { hooks_.reached(stage, path_); }
 
  private:
   SceneHooks& hooks_;

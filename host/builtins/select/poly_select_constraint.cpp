@@ -6,6 +6,7 @@
 #include "host/builtins/select/component_picks.h"
 #include "host/mesh/adjacency.h"
 #include "host/mesh/normals.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
@@ -213,7 +214,10 @@ CommandResult query(const SelectConstraints& state, const ParsedArgs& args) {
 }
 
 CommandResult polySelectConstraint(Context& context, const ParsedArgs& args) {
-  auto& state = context.session.service<SelectConstraints>();
+  auto& kept = workspace::workspaceOf(context.session).selectConstraints;
+  SelectConstraints state;
+  kept.resize(kSettings.size());
+  std::copy(kept.begin(), kept.end(), state.values.begin());
   if (args.isQuery()) return query(state, args);
   SelectConstraints wanted = state;
   for (std::size_t i = 0; i < kSettings.size(); ++i)
@@ -228,7 +232,8 @@ CommandResult polySelectConstraint(Context& context, const ParsedArgs& args) {
     if (!found) return failWith(std::move(found.error()));
     names = std::move(*found);
   }
-  state = args.has("disable") ? SelectConstraints() : wanted;
+  if (args.has("disable")) wanted = SelectConstraints();
+  kept.assign(wanted.values.begin(), wanted.values.end());
   if (args.has("returnSelection")) return toValue(std::move(names));
   return mel::Value();
 }

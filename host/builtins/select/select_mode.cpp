@@ -1,20 +1,15 @@
 #include <algorithm>
 #include <array>
-#include <set>
 
 #include "host/builtins/common/command.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
 namespace {
 
-/// What a click in a view may pick: whole objects or components, and which kinds of each.
-struct SelectionModes {
-  bool isComponentMode = false;
-  std::set<std::string, std::less<>> componentTypes{"vertex"};  ///< long flag names that are on
-  std::set<std::string, std::less<>> objectComponentTypes{"vertex"};
-  std::set<std::string, std::less<>> objectTypesOff;
-};
+using workspace::SelectionModes;
+using workspace::workspaceOf;
 
 struct TypeFlag {
   const char *shortName, *longName;
@@ -54,7 +49,7 @@ std::string canonical(std::string_view name) {
 }
 
 CommandResult selectMode(Context& context, const ParsedArgs& args) {
-  SelectionModes& modes = context.session.service<SelectionModes>();
+  SelectionModes& modes = workspaceOf(context.session).selectionModes;
   if (args.isQuery()) {
     if (args.has("component")) return mel::Value(modes.isComponentMode);
     if (args.has("object")) return mel::Value(!modes.isComponentMode);
@@ -81,7 +76,7 @@ CommandResult querySelectType(const SelectionModes& modes, const ParsedArgs& arg
 }
 
 CommandResult selectType(Context& context, const ParsedArgs& args) {
-  SelectionModes& modes = context.session.service<SelectionModes>();
+  SelectionModes& modes = workspaceOf(context.session).selectionModes;
   if (args.isQuery()) return querySelectType(modes, args);
   auto& types = args.has("objectComponent") ? modes.objectComponentTypes : modes.componentTypes;
   if (args.has("allComponents")) {

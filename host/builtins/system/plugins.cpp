@@ -1,4 +1,5 @@
 #include "host/builtins/common/command.h"
+#include "host/cmd/loop.h"
 
 namespace host::builtins {
 
@@ -20,7 +21,7 @@ CommandResult loadPlugin(Context& context, const ParsedArgs& args) {
       return failWith(std::move(name.error()));
     }
     if (args.has("addCallback"))
-      context.session.defer(args.text("addCallback") + " \"" + *name + "\"");
+      context.session.loop().defer(args.text("addCallback") + " \"" + *name + "\"");
     names.push_back(std::move(*name));
   }
   return toValue(std::move(names));

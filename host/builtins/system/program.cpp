@@ -2,42 +2,41 @@
 #include <filesystem>
 
 #include "host/builtins/common/command.h"
+#include "host/cmd/loop.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
 namespace {
 
-/// Where relative file names start.
-struct Workspace {
-  std::filesystem::path root;
-  std::vector<std::pair<std::string, std::string>> rules;
-};
+using workspace::Project;
+using workspace::workspaceOf;
 
-Workspace& workspaceOf(Context& context) {
-  Workspace& workspace = context.session.service<Workspace>();
+Project& projectOf(Context& context) {
+  Project& project = workspaceOf(context.session).project;
   std::error_code ignored;
-  if (workspace.root.empty()) workspace.root = std::filesystem::current_path(ignored);
-  return workspace;
+  if (project.root.empty()) project.root = std::filesystem::current_path(ignored);
+  return project;
 }
 
-CommandResult queryWorkspace(Workspace& workspace, const ParsedArgs& args) {
-  std::string root = workspace.root.generic_string();
+CommandResult queryWorkspace(Project& project, const ParsedArgs& args) {
+  std::string root = project.root.generic_string();
   if (!root.ends_with('/')) root += '/';
   if (args.has("rootDirectory") || args.has("fullName")) return mel::Value(root);
   if (args.has("directory")) return mel::Value(root);
   if (args.has("active") || args.has("list"))
     return toValue(
-        {workspace.root.filename().empty() ? root : workspace.root.filename().generic_string()});
+        {project.root.filename().empty() ? root : project.root.filename().generic_string()});
   if (args.has("fileRule")) {
     std::vector<std::string> pairs;
-    for (const auto& [rule, folder] : workspace.rules) pairs.insert(pairs.end(), {rule, folder});
+    for (const auto& [rule, folder] : project.rules) pairs.insert(pairs.end(), {rule, folder});
     return toValue(std::move(pairs));
   }
   return mel::Value(root);
 }
 
-CommandResult workspace(Context& context, const ParsedArgs& args) {
-  Workspace& space = workspaceOf(context);
+CommandResult projectCommand(Context& context, const ParsedArgs& args) {
+  Project& space = projectOf(context);
   if (args.isQuery()) return queryWorkspace(space, args);
   std::error_code problem;
   if (args.has("expandName"))
@@ -70,7 +69,7 @@ CommandResult workspace(Context& context, const ParsedArgs& args) {
 }
 
 CommandResult refresh(Context& context, const ParsedArgs&) {
-  if (context.session.refreshViews) context.session.refreshViews();
+  context.session.loop().redraw();
   return mel::Value();
 }
 
@@ -82,13 +81,10 @@ CommandResult quit(Context& context, const ParsedArgs& args) {
   return mel::Value();
 }
 
-struct EchoState {
-  bool isOn = false;
-};
 CommandResult commandEcho(Context& context, const ParsedArgs& args) {
-  EchoState& echo = context.session.service<EchoState>();
-  if (args.isQuery()) return mel::Value(args.has("state") && echo.isOn);
-  if (args.has("state")) echo.isOn = args.boolean("state");
+  bool& isOn = workspaceOf(context.session).echoesCommands;
+  if (args.isQuery()) return mel::Value(args.has("state") && isOn);
+  if (args.has("state")) isOn = args.boolean("state");
   return mel::Value();
 }
 
@@ -129,7 +125,7 @@ void registerProgram(CommandRegistry& registry) {
                   .editable()
                   .queryable()
                   .strings(0, 1),
-              workspace);
+              projectCommand);
   defineQuery(
       registry, "refresh",
       Syntax().flag("f", "force").flag("cv", "currentView").flag("su", "suspend", {ArgType::Bool}),

@@ -1,7 +1,10 @@
 // One command for each kind of control, made from the kind's table.
 #include "host/builtins/ui/control_values.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
+
+using workspace::workspaceOf;
 
 namespace {
 
@@ -13,6 +16,7 @@ bool isRadioButton(const ui::ControlType& type) {
 Result<void> joinDefaultCollection(ui::Tree& tree, ui::Control& control, const ParsedArgs& args) {
   if (!isRadioButton(*control.type) || args.has("collection")) return {};
   control.collection = tree.currentCollection(false);
+  tree.touch(control);
   if (!control.collection)
     return fail("'{}' is in no collection: make a radioCollection before it, or give -collection.",
                 control.name);
@@ -20,17 +24,19 @@ Result<void> joinDefaultCollection(ui::Tree& tree, ui::Control& control, const P
 }
 
 void moveAfter(ui::Control& item, const std::string& sibling) {
-  auto& items = item.parent->children;
+  ui::Control* const parent = item.parent;
+  auto& items = parent->children;
   std::unique_ptr<ui::Control> own = std::move(items.back());
   items.pop_back();
   auto place = items.begin();
   for (auto it = items.begin(); !sibling.empty() && it != items.end(); ++it)
     if ((*it)->name == sibling || ui::Tree::path(**it) == sibling) place = it + 1;
   items.insert(place, std::move(own));
+  item.tree->touch(*parent, ui::ControlChange::ChildrenChanged);
 }
 
 CommandResult create(Context& context, const ui::ControlType& type, const ParsedArgs& args) {
-  ui::Tree& tree = context.session.service<ui::Tree>();
+  ui::Tree& tree = workspaceOf(context.session).controls;
   if (type.kind == ui::Kind::Window && args.has("exists"))
     return mel::Value(tree.find(args.firstObject(), type).has_value());
   ui::Control* const parentBefore = tree.currentParent();
@@ -53,7 +59,7 @@ CommandResult create(Context& context, const ui::ControlType& type, const Parsed
 }
 
 CommandResult run(Context& context, const ui::ControlType& type, const ParsedArgs& args) {
-  ui::Tree& tree = context.session.service<ui::Tree>();
+  ui::Tree& tree = workspaceOf(context.session).controls;
   if (args.has("exists") && !args.isEdit())
     return mel::Value(tree.find(args.firstObject(), type).has_value());
   if (args.isCreate()) return create(context, type, args);

@@ -2,14 +2,16 @@
 #include <algorithm>
 
 #include "host/builtins/ui/control_values.h"
-#include "host/builtins/view/tool_views.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
+
+using workspace::workspaceOf;
 
 namespace {
 
 ui::Tree& treeOf(Context& context) {
-  return context.session.service<ui::Tree>();
+  return workspaceOf(context.session).controls;
 }
 
 CommandResult showWindow(Context& context, const ParsedArgs& args) {
@@ -51,7 +53,7 @@ CommandResult deleteUi(Context& context, const ParsedArgs& args) {
   ui::Tree& tree = treeOf(context);
   for (const std::string& name : args.objectNames()) {
     if (args.has("toolContext")) {
-      HOST_TRY(toolsOf(context.session).remove(name));
+      HOST_TRY(workspaceOf(context.session).toolbox.remove(name));
       continue;
     }
     auto control = tree.findIf(name, [&](const ui::Control& each) { return isWanted(each, args); });

@@ -1,6 +1,10 @@
 #include "host/builtins/ui/control_values.h"
 
+#include "host/workspace/workspace.h"
+
 namespace host::builtins {
+
+using workspace::workspaceOf;
 
 ui::Atom toAtom(const mel::Value& value) {
   if (value.isInt()) return value.intValue();
@@ -115,7 +119,7 @@ void announceRemoved(Context& context, const std::vector<std::string>& paths) {
 }
 
 Result<void> removeControl(Context& context, ui::Control& control) {
-  auto gone = context.session.service<ui::Tree>().remove(control);
+  auto gone = workspaceOf(context.session).controls.remove(control);
   if (!gone) return failWith(std::move(gone.error()));
   announceRemoved(context, *gone);
   return {};

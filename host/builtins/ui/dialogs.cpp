@@ -1,15 +1,17 @@
 // confirmDialog, promptDialog, layoutDialog and progressWindow. Without a person a question is
 // posted as a message and answered as by closing its window.
-#include "host/builtins/ui/dialogs.h"
-
 #include <algorithm>
 
 #include "host/base/messages.h"
 #include "host/builtins/ui/control_values.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
 namespace {
+
+using workspace::Dialogs;
+using workspace::workspaceOf;
 
 Syntax dialogSyntax() {
   Syntax syntax;
@@ -33,7 +35,7 @@ std::string withoutPerson(const ParsedArgs& args) {
 Result<Dialogs::Answer> answer(Context& context, const ParsedArgs& args, const char* command) {
   const std::string title = args.text("title"), message = args.text("message");
   postMessage(MessageKind::Info, title.empty() ? message : title + ": " + message);
-  Dialogs& dialogs = context.session.service<Dialogs>();
+  Dialogs& dialogs = workspaceOf(context.session).dialogs;
   if (dialogs.answers.empty()) return Dialogs::Answer{withoutPerson(args), {}};
   Dialogs::Answer given = dialogs.answers.front();
   dialogs.answers.pop_front();
@@ -52,7 +54,7 @@ CommandResult confirmDialog(Context& context, const ParsedArgs& args) {
 }
 
 CommandResult promptDialog(Context& context, const ParsedArgs& args) {
-  Dialogs& dialogs = context.session.service<Dialogs>();
+  Dialogs& dialogs = workspaceOf(context.session).dialogs;
   if (args.isQuery()) return mel::Value(dialogs.promptText);
   const bool isAnswered = !dialogs.answers.empty();
   auto given = answer(context, args, "promptDialog");
@@ -62,13 +64,13 @@ CommandResult promptDialog(Context& context, const ParsedArgs& args) {
 }
 
 CommandResult layoutDialog(Context& context, const ParsedArgs& args) {
-  Dialogs& dialogs = context.session.service<Dialogs>();
+  Dialogs& dialogs = workspaceOf(context.session).dialogs;
   if (args.has("dismiss")) {
     dialogs.dismissedWith = args.text("dismiss");
     dialogs.isDismissed = true;
     return mel::Value();
   }
-  ui::Tree& tree = context.session.service<ui::Tree>();
+  ui::Tree& tree = workspaceOf(context.session).controls;
   ui::Control* const before = tree.currentParent();
   auto window = tree.create(*ui::findControlType("window"), {});
   if (!window) return failWith(std::move(window.error()));
@@ -102,7 +104,7 @@ CommandResult queryProgress(const Dialogs::Progress& progress, const ParsedArgs&
 
 /// One at a time, as there is one person to look at it.
 CommandResult progressWindow(Context& context, const ParsedArgs& args) {
-  Dialogs::Progress& progress = context.session.service<Dialogs>().progress;
+  Dialogs::Progress& progress = workspaceOf(context.session).dialogs.progress;
   if (args.isQuery()) return queryProgress(progress, args);
   if (args.has("endProgress")) {
     progress = {};

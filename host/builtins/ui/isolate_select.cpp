@@ -1,31 +1,22 @@
 #include "host/builtins/common/command.h"
-#include "host/builtins/view/views.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
 namespace {
 
-void remove(View& view, const dg::Node& node) {
-  std::erase_if(view.isolated,
-                [&](const auto& each) { return each.expired() || each.lock().get() == &node; });
-}
-
-void add(View& view, dg::Node& node) {
-  remove(view, node);
-  view.isolated.push_back(node.weak_from_this());
-}
+using workspace::View;
 
 std::vector<std::string> isolatedNames(const View& view) {
   std::vector<std::string> names;
-  for (const auto& each : view.isolated)
-    if (const auto node = each.lock(); node && node->isAlive()) names.push_back(nodeName(*node));
+  for (const dg::Node* node : workspace::isolatedNodes(view)) names.push_back(nodeName(*node));
   return names;
 }
 
 /// The flags may come in any order with the panel as the last word.
 CommandResult isolateSelect(Context& context, const ParsedArgs& args) {
   const std::string panel = args.firstObject();
-  View* const view = context.session.service<Views>().find(panel);
+  View* const view = workspace::workspaceOf(context.session).views.find(panel);
   if (!view) return fail("isolateSelect: Object '{}' not found.", panel);
   if (args.isQuery()) {
     if (args.has("state")) return mel::Value(view->isIsolated);
@@ -51,8 +42,8 @@ CommandResult isolateSelect(Context& context, const ParsedArgs& args) {
     for (dg::Node* node : nodesOf(context.document.selection())) added.push_back(node);
   if (args.has("removeSelected"))
     for (dg::Node* node : nodesOf(context.document.selection())) removed.push_back(node);
-  for (dg::Node* node : added) add(*view, *node);
-  for (dg::Node* node : removed) remove(*view, *node);
+  for (dg::Node* node : added) workspace::addToIsolated(*view, *node);
+  for (dg::Node* node : removed) workspace::removeFromIsolated(*view, *node);
   return mel::Value();
 }
 

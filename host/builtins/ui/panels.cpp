@@ -1,24 +1,26 @@
 // getPanel, modelPanel and modelEditor: the views by their panels' names.
 #include <algorithm>
 #include <cmath>
-#include <map>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/view/views.h"
-#include "host/ui/tree.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
 namespace {
 
+using workspace::View;
+using workspace::Views;
+using workspace::workspaceOf;
+
 std::vector<std::string> panelNames(Context& context) {
   std::vector<std::string> names;
-  for (const View& view : context.session.service<Views>().all()) names.push_back(view.panel);
+  for (const View& view : workspaceOf(context.session).views.all()) names.push_back(view.panel);
   return names;
 }
 
 std::vector<std::string> visiblePanels(Context& context) {
-  ui::Tree& tree = context.session.service<ui::Tree>();
+  ui::Tree& tree = workspaceOf(context.session).controls;
   const auto panes = tree.find("viewPanes");
   std::vector<std::string> names;
   if (!panes) return names;
@@ -30,7 +32,7 @@ std::vector<std::string> visiblePanels(Context& context) {
 }
 
 CommandResult getPanel(Context& context, const ParsedArgs& args) {
-  Views& views = context.session.service<Views>();
+  Views& views = workspaceOf(context.session).views;
   if (args.has("withFocus")) return mel::Value(views.active().panel);
   if (args.has("underPointer")) {
     for (const View& view : views.all())
@@ -52,7 +54,7 @@ CommandResult getPanel(Context& context, const ParsedArgs& args) {
 }
 
 Result<View*> viewNamed(Context& context, const ParsedArgs& args, const char* command) {
-  View* view = context.session.service<Views>().find(args.firstObject());
+  View* view = workspaceOf(context.session).views.find(args.firstObject());
   if (!view) return fail("{}: Object '{}' not found.", command, args.firstObject());
   return view;
 }
@@ -78,7 +80,7 @@ Result<void> setCamera(Context& context, View& view, const std::string& camera) 
 }
 
 CommandResult modelPanel(Context& context, const ParsedArgs& args) {
-  Views& views = context.session.service<Views>();
+  Views& views = workspaceOf(context.session).views;
   if (args.has("exists")) return mel::Value(views.find(args.firstObject()) != nullptr);
   if (args.isCreate()) {
     View view;
@@ -104,11 +106,6 @@ CommandResult modelPanel(Context& context, const ParsedArgs& args) {
 
 // modelEditor
 // -------------------------------------------------------------------------------------------------------
-
-/// What a view is told to show and can't show otherwise than it does: kept for who asks.
-struct EditorFlags {
-  std::map<std::string, std::map<std::string, bool, std::less<>>> values;  ///< by panel
-};
 
 struct EditorFlag {
   const char *shortName, *longName;
@@ -180,8 +177,8 @@ Result<void> editView(Context& context, View& view, const ParsedArgs& args) {
   view.options.xray = args.boolean("xray", view.options.xray);
   view.options.grid.visible = args.boolean("grid", view.options.grid.visible);
   view.options.backFaceCulling = args.boolean("backfaceCulling", view.options.backFaceCulling);
-  if (args.boolean("activeView")) context.session.service<Views>().setActive(view.panel);
-  auto& flags = context.session.service<EditorFlags>().values[view.panel];
+  if (args.boolean("activeView")) workspaceOf(context.session).views.setActive(view.panel);
+  auto& flags = view.editorFlags;
   for (const EditorFlag& flag : kEditorFlags) {
     if (args.has("allObjects")) flags[flag.longName] = args.boolean("allObjects");
     if (args.has(flag.longName)) flags[flag.longName] = args.boolean(flag.longName);
@@ -201,8 +198,8 @@ CommandResult queryView(Context& context, View& view, const ParsedArgs& args) {
   if (args.has("grid")) return mel::Value(view.options.grid.visible);
   if (args.has("backfaceCulling")) return mel::Value(view.options.backFaceCulling);
   if (args.has("activeView"))
-    return mel::Value(context.session.service<Views>().active().panel == view.panel);
-  const auto& flags = context.session.service<EditorFlags>().values[view.panel];
+    return mel::Value(workspaceOf(context.session).views.active().panel == view.panel);
+  const auto& flags = view.editorFlags;
   for (const EditorFlag& flag : kEditorFlags) {
     if (!args.has(flag.longName)) continue;
     const auto found = flags.find(flag.longName);
@@ -213,7 +210,7 @@ CommandResult queryView(Context& context, View& view, const ParsedArgs& args) {
 
 CommandResult modelEditor(Context& context, const ParsedArgs& args) {
   if (args.has("exists"))
-    return mel::Value(context.session.service<Views>().find(args.firstObject()) != nullptr);
+    return mel::Value(workspaceOf(context.session).views.find(args.firstObject()) != nullptr);
   if (args.isCreate()) return fail("modelEditor: a view comes with its panel: use modelPanel.");
   const auto view = viewNamed(context, args, "modelEditor");
   if (!view) return failWith(view.error());

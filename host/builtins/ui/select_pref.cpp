@@ -1,10 +1,11 @@
-#include <map>
-
 #include "host/builtins/common/command.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
 namespace {
+
+using workspace::workspaceOf;
 
 struct PrefFlag {
   const char *shortName, *longName;
@@ -33,12 +34,8 @@ constexpr PrefFlag kPrefs[] = {
     {"ial", "ignoreSelectionPriority", ArgType::Bool, 0},
 };
 
-struct SelectPrefs {
-  std::map<std::string, double, std::less<>> values;
-};
-
 CommandResult selectPref(Context& context, const ParsedArgs& args) {
-  auto& values = context.session.service<SelectPrefs>().values;
+  auto& values = workspaceOf(context.session).selectPrefs;
   for (const PrefFlag& pref : kPrefs) {
     if (!args.has(pref.longName)) continue;
     if (!args.isQuery()) {

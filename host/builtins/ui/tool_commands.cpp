@@ -1,37 +1,40 @@
 // setToolTo, currentCtx, contextInfo and tumbleCtx: which tool is in hand and how it is set.
-#include <map>
+#include <cmath>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/view/tool_views.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
+
+using workspace::workspaceOf;
 
 namespace {
 
 /// A name itself, or the tool that the program's own scripts keep under it in a global variable
 /// ($gSelect).
 std::string toolName(Context& context, const std::string& name) {
-  if (toolsOf(context.session).find(name)) return name;
+  if (workspaceOf(context.session).toolbox.find(name)) return name;
   const auto variable = context.session.interpreter().global(name);
   return variable && variable->isString() ? variable->string() : name;
 }
 
 CommandResult setToolTo(Context& context, const ParsedArgs& args) {
   const std::string name = toolName(context, args.firstObject());
-  if (!toolsOf(context.session).find(name)) return fail("setToolTo: Tool '{}' not found.", name);
-  auto changed = toolsOf(context.session).setCurrent(name);
+  if (!workspaceOf(context.session).toolbox.find(name))
+    return fail("setToolTo: Tool '{}' not found.", name);
+  auto changed = workspaceOf(context.session).toolbox.setCurrent(name);
   if (!changed) return failWith(std::move(changed.error()));
   context.session.scriptJobs().triggerEvent("PostToolChanged");
   return mel::Value();
 }
 
 CommandResult currentCtx(Context& context, const ParsedArgs&) {
-  return mel::Value(toolsOf(context.session).currentName());
+  return mel::Value(workspaceOf(context.session).toolbox.currentName());
 }
 
 CommandResult contextInfo(Context& context, const ParsedArgs& args) {
   const std::string name = args.firstObject();
-  const auto tool = toolsOf(context.session).find(name);
+  const auto tool = workspaceOf(context.session).toolbox.find(name);
   if (args.has("exists")) return mel::Value(tool != nullptr);
   if (!tool) return fail("contextInfo: Tool '{}' not found.", name);
   if (args.has("class")) return mel::Value(tool->className());
@@ -44,44 +47,47 @@ CommandResult contextInfo(Context& context, const ParsedArgs& args) {
 // tumbleCtx
 // ---------------------------------------------------------------------------------------------------------
 
-struct TumbleFlag {
-  const char *shortName, *longName;
-  ArgType type;
-  double initial;
-};
-constexpr TumbleFlag kTumbleFlags[] = {
-    {"lt", "localTumble", ArgType::Int, 0},          {"ts", "tumbleScale", ArgType::Double, 1},
-    {"ol", "orthoLock", ArgType::Bool, 1},           {"os", "orthoStep", ArgType::Double, 5},
-    {"aoc", "autoOrthoConstrain", ArgType::Bool, 0}, {"asp", "autoSetPivot", ArgType::Bool, 0},
-    {"ot", "objectTumble", ArgType::Bool, 0},        {"ac", "alternateContext", ArgType::Bool, 0},
-};
+// A view has one tumble tool; what it can't do is only ever off.
+constexpr const char* kNeverOn[] = {"autoSetPivot", "objectTumble", "alternateContext"};
 
-/// The settings of the tumble tools, by context; a value that is not there has its initial one.
-struct TumbleSettings {
-  std::map<std::string, std::map<std::string, double, std::less<>>> contexts{{"tumbleContext", {}}};
-};
+Result<void> editTumble(tools::TumbleSettings& settings, const ParsedArgs& args) {
+  for (const char* flag : kNeverOn)
+    if (args.boolean(flag)) return fail("tumbleCtx: -{} can't be turned on here.", flag);
+  const int pivot = args.integer("localTumble", static_cast<int>(settings.pivot));
+  if (pivot < 0 || pivot > 2)
+    return fail(
+        "tumbleCtx: -localTumble is 0 (the tumble pivot), 1 (the centre of interest) or 2 "
+        "(the camera's own place), not {}.",
+        pivot);
+  const double scale = args.real("tumbleScale", settings.scale);
+  const double step = args.real("orthoStep", settings.stepDegrees);
+  if (!std::isfinite(scale) || !(step > 0) || !std::isfinite(step))
+    return fail("tumbleCtx: -tumbleScale is a number and -orthoStep one above 0, in degrees.");
+  settings = {static_cast<tools::TumblePivot>(pivot), scale,
+              args.boolean("orthoLock", settings.locksAxes),
+              args.boolean("autoOrthoConstrain", settings.isStepped), step};
+  return {};
+}
 
 CommandResult tumbleCtx(Context& context, const ParsedArgs& args) {
-  auto& contexts = context.session.service<TumbleSettings>().contexts;
+  tools::TumbleSettings& settings = workspaceOf(context.session).toolbox.tumble;
   const std::string name = args.firstObject();
-  const auto found = contexts.find(name);
-  if (args.has("exists")) return mel::Value(found != contexts.end());
+  const bool isKnown = name == "tumbleContext";
+  if (args.has("exists")) return mel::Value(isKnown);
   if (args.isCreate()) return fail("tumbleCtx: a view has one tumble tool: edit 'tumbleContext'.");
-  if (found == contexts.end()) return fail("tumbleCtx: Tool '{}' not found.", name);
-  for (const TumbleFlag& flag : kTumbleFlags) {
-    if (!args.has(flag.longName)) continue;
-    if (args.isEdit()) {
-      found->second[flag.longName] = args.real(flag.longName);
-      if (flag.longName == std::string_view("localTumble"))
-        toolsOf(context.session).tumblesAboutInterest = args.real(flag.longName) != 0;
-      continue;
-    }
-    const auto value = found->second.find(flag.longName);
-    const double now = value == found->second.end() ? flag.initial : value->second;
-    return flag.type == ArgType::Double ? mel::Value(now) : mel::Value(mel::truncateToInt(now));
+  if (!isKnown) return fail("tumbleCtx: Tool '{}' not found.", name);
+  if (args.isEdit()) {
+    HOST_TRY(editTumble(settings, args));
+    return mel::Value(name);
   }
-  if (args.isQuery()) return fail("tumbleCtx: say which flag to query.");
-  return mel::Value(name);
+  if (args.has("localTumble")) return mel::Value(static_cast<int>(settings.pivot));
+  if (args.has("tumbleScale")) return mel::Value(settings.scale);
+  if (args.has("orthoLock")) return mel::Value(settings.locksAxes);
+  if (args.has("orthoStep")) return mel::Value(settings.stepDegrees);
+  if (args.has("autoOrthoConstrain")) return mel::Value(settings.isStepped);
+  for (const char* flag : kNeverOn)
+    if (args.has(flag)) return mel::Value(false);
+  return fail("tumbleCtx: say which flag to query.");
 }
 
 }  // namespace
@@ -100,8 +106,14 @@ void registerToolCommands(CommandRegistry& registry) {
                   .strings(1, 1),
               contextInfo);
   Syntax tumble;
-  for (const TumbleFlag& flag : kTumbleFlags)
-    tumble.flag(flag.shortName, flag.longName, {flag.type});
+  tumble.flag("lt", "localTumble", {ArgType::Int})
+      .flag("ts", "tumbleScale", {ArgType::Double})
+      .flag("ol", "orthoLock", {ArgType::Bool})
+      .flag("os", "orthoStep", {ArgType::Double})
+      .flag("aoc", "autoOrthoConstrain", {ArgType::Bool})
+      .flag("asp", "autoSetPivot", {ArgType::Bool})
+      .flag("ot", "objectTumble", {ArgType::Bool})
+      .flag("ac", "alternateContext", {ArgType::Bool});
   defineQuery(registry, "tumbleCtx",
               tumble.flag("ex", "exists").editable().queryable().strings(1, 1), tumbleCtx);
 }

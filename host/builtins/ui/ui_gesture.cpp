@@ -1,19 +1,21 @@
 // What a person does to the windows, as a command: for tests, recordings and scripts that show
 // something.
 #include "host/builtins/ui/control_values.h"
-#include "host/builtins/ui/dialogs.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
+
+using workspace::workspaceOf;
 
 namespace {
 
 CommandResult uiGesture(Context& context, const ParsedArgs& args) {
   if (args.has("answer")) {
-    context.session.service<Dialogs>().answers.push_back(
-        {args.text("answer"), args.text("answer", {}, 1)});
+    workspaceOf(context.session)
+        .dialogs.answers.push_back({args.text("answer"), args.text("answer", {}, 1)});
     if (!args.hasObjects()) return mel::Value();
   }
-  ui::Tree& tree = context.session.service<ui::Tree>();
+  ui::Tree& tree = workspaceOf(context.session).controls;
   auto control = tree.find(args.firstObject());
   if (!control) return fail("uiGesture: {}", control.error().message);
   ui::Values values;

@@ -1,12 +1,14 @@
 #include "host/builtins/ui/ui_session.h"
 
 #include "host/base/assert.h"
-#include "host/ui/tree.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
+using workspace::workspaceOf;
+
 void prepareUi(cmd::Session& session) {
-  ui::Tree& tree = session.service<ui::Tree>();
+  ui::Tree& tree = workspaceOf(session).controls;
   const auto form = tree.create(*ui::findControlType("formLayout"), "mainLayout");
   HOST_ASSERT(form.has_value(), "lay out the main window before scripts do");
   const auto panes = tree.create(*ui::findControlType("paneLayout"), "viewPanes");

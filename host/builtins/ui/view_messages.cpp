@@ -4,19 +4,18 @@
 #include "host/base/messages.h"
 #include "host/builtins/common/command.h"
 #include "host/builtins/ui/control_values.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
 namespace {
 
-struct InViewMessages {
-  std::string shown;
-  std::string position;
-  bool isEnabled = true;
-};
+using workspace::HeadsUpDisplays;
+using workspace::InViewMessages;
+using workspace::workspaceOf;
 
 CommandResult inViewMessage(Context& context, const ParsedArgs& args) {
-  InViewMessages& messages = context.session.service<InViewMessages>();
+  InViewMessages& messages = workspaceOf(context.session).inViewMessages;
   if (args.isQuery())
     return args.has("enable") ? mel::Value(messages.isEnabled) : mel::Value(messages.shown);
   if (args.has("enable")) messages.isEnabled = args.boolean("enable");
@@ -29,16 +28,6 @@ CommandResult inViewMessage(Context& context, const ParsedArgs& args) {
   }
   return mel::Value();
 }
-
-/// Lines of text at fixed places of the view: ten sections, blocks in each.
-struct HeadsUpDisplays {
-  struct Display {
-    int section = 0, block = 0;
-    std::string label, command;
-    bool isVisible = true;
-  };
-  std::map<std::string, Display> byName;
-};
 
 CommandResult queryDisplay(Context& context, const HeadsUpDisplays::Display& display,
                            const ParsedArgs& args) {
@@ -59,7 +48,7 @@ int nextBlock(const HeadsUpDisplays& displays, int section) {
 }
 
 CommandResult headsUpDisplay(Context& context, const ParsedArgs& args) {
-  HeadsUpDisplays& displays = context.session.service<HeadsUpDisplays>();
+  HeadsUpDisplays& displays = workspaceOf(context.session).headsUpDisplays;
   const std::string name = args.firstObject();
   if (args.has("exists")) return mel::Value(displays.byName.count(name) > 0);
   if (args.has("nextFreeBlock"))

@@ -1,20 +1,14 @@
-#include <map>
-
 #include "host/builtins/common/command.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
 namespace {
 
-/// Where windows were and how large, by name.
-struct WindowPrefs {
-  struct Place {
-    int top = 0, left = 0, width = 0, height = 0;
-  };
-  std::map<std::string, Place> places;
-};
+using workspace::WindowPlace;
+using workspace::workspaceOf;
 
-CommandResult queryPlace(const WindowPrefs::Place& place, const ParsedArgs& args) {
+CommandResult queryPlace(const WindowPlace& place, const ParsedArgs& args) {
   if (args.has("width")) return mel::Value(place.width);
   if (args.has("height")) return mel::Value(place.height);
   if (args.has("topEdge")) return mel::Value(place.top);
@@ -25,7 +19,7 @@ CommandResult queryPlace(const WindowPrefs::Place& place, const ParsedArgs& args
 }
 
 CommandResult windowPref(Context& context, const ParsedArgs& args) {
-  auto& places = context.session.service<WindowPrefs>().places;
+  auto& places = workspaceOf(context.session).windowPlaces;
   const std::string name = args.firstObject();
   if (args.has("removeAll")) {
     places.clear();
@@ -41,7 +35,7 @@ CommandResult windowPref(Context& context, const ParsedArgs& args) {
     }
     if (args.isQuery()) return queryPlace(found->second, args);
   }
-  WindowPrefs::Place& place = places[name];
+  WindowPlace& place = places[name];
   place.width = args.integer("width", args.integer("widthHeight", place.width));
   place.height = args.integer("height", args.integer("widthHeight", place.height, 1));
   place.top = args.integer("topEdge", args.integer("topLeftCorner", place.top));

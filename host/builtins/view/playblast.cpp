@@ -2,11 +2,15 @@
 #include <filesystem>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/view/views.h"
 #include "host/io/png_writer.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 namespace {
+
+using workspace::View;
+using workspace::Views;
+using workspace::workspaceOf;
 
 namespace fs = std::filesystem;
 
@@ -28,7 +32,7 @@ CommandResult playblast(Context& context, const ParsedArgs& args) {
   if (compression != "png")
     return fail("playblast: the compression \"{}\" is not available; use \"png\"", compression);
 
-  Views& views = context.session.service<Views>();
+  Views& views = workspaceOf(context.session).views;
   View view = views.active();
   if (args.has("editorPanelName")) {
     const View* named = views.find(args.text("editorPanelName"));
@@ -44,7 +48,7 @@ CommandResult playblast(Context& context, const ParsedArgs& args) {
     return fail("playblast: a picture of {} x {} pixels", size.width, size.height);
   view.options.axisGizmo = args.boolean("showOrnaments", true);
 
-  auto image = renderView(context.document, views, view, size);
+  auto image = workspace::renderView(context.document, views, view, size);
   if (!image) return failWith(image.error());
   HOST_TRY(io::writePng(file, {image->width, image->height, std::move(image->rgba)}));
   return mel::Value(file);

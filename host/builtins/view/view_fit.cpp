@@ -1,10 +1,14 @@
 #include "host/builtins/common/command.h"
-#include "host/builtins/view/views.h"
 #include "host/math/transform.h"
 #include "host/viewport/scene_gather.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 namespace {
+
+using workspace::View;
+using workspace::Views;
+using workspace::workspaceOf;
 
 /// Points to frame: those of the objects named, else of the selection, else of everything.
 Result<std::vector<math::Vec3>> pointsToFrame(Context& context, const viewport::SceneView& shown,
@@ -39,22 +43,23 @@ Result<void> place(scene::Document& document, const scene::DagPath& shape,
   HOST_TRY(graph.setVec3(transform->plug("translate"), math::transformPoint(eye, *parent)));
   dg::Node* node = shape.node();
   HOST_TRY(graph.set(node->plug("centerOfInterest"), camera.centerOfInterest));
+  HOST_TRY(graph.setVec3(node->plug("tumblePivot"), camera.tumblePivot));
   HOST_TRY(graph.set(node->plug("nearClipPlane"), camera.nearClip));
   HOST_TRY(graph.set(node->plug("farClipPlane"), camera.farClip));
   return graph.set(node->plug("orthographicWidth"), camera.orthographicWidth);
 }
 
 CommandResult viewFit(Context& context, const ParsedArgs& args) {
-  Views& views = context.session.service<Views>();
+  Views& views = workspaceOf(context.session).views;
   View view = views.active();
   std::vector<std::string> names = args.objectNames();
-  if (!names.empty() && cameraPath(context.document, names.front())) {
+  if (!names.empty() && workspace::cameraPath(context.document, names.front())) {
     view.cameraName = names.front();
     names.erase(names.begin());
   }
-  const auto path = cameraPath(context.document, view.cameraName);
+  const auto path = workspace::cameraPath(context.document, view.cameraName);
   if (!path) return failWith(path.error());
-  auto shown = gatherView(context.document, view);
+  auto shown = workspace::gatherView(context.document, view);
   if (!shown) return failWith(shown.error());
   const auto points = pointsToFrame(context, *shown, names, args.has("allObjects"));
   if (!points) return failWith(points.error());
@@ -69,13 +74,13 @@ CommandResult viewFit(Context& context, const ParsedArgs& args) {
 }
 
 CommandResult lookThru(Context& context, const ParsedArgs& args) {
-  Views& views = context.session.service<Views>();
+  Views& views = workspaceOf(context.session).views;
   if (args.isQuery()) return mel::Value(views.active().cameraName);
   const std::vector<std::string> names = args.objectNames();
   if (names.empty()) return fail("lookThru: name a camera");
   View* view = names.size() > 1 ? views.find(names.front()) : &views.active();
   if (!view) return fail("lookThru: there is no panel named {}", names.front());
-  const auto path = cameraPath(context.document, names.back());
+  const auto path = workspace::cameraPath(context.document, names.back());
   if (!path) return failWith(path.error());
   view->cameraName = path->transform().partialName();
   return mel::Value();

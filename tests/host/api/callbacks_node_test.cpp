@@ -8,6 +8,7 @@
 #include <maya/MPolyMessage.h>
 
 #include "host/base/messages.h"
+#include "host/cmd/loop.h"
 #include "tests/host/api/api_scene.h"
 
 namespace {
@@ -163,14 +164,14 @@ TEST_CASE_FIXTURE(ApiScene,
   run("delete a");
   CHECK(said() == "before:a ");
   run("undo");
-  session->step();
+  session->loop().step();
   CHECK(said().empty());
   run("delete a; flushUndo");
   CHECK(said() == "before:a ");
   a = MObject();
-  session->step();
+  session->loop().step();
   CHECK(said() == "gone ");
-  session->step();
+  session->loop().step();
   CHECK(said().empty());
   ids.clear();
   ids.append(MNodeMessage::addNameChangedCallback(all, onRename));

@@ -172,10 +172,10 @@ TEST_CASE_FIXTURE(ApiScene, "event callbacks: undo, redo, new scenes and idle tu
   run("file -f -new");
   CHECK(said() == "new ");
   ids.append(MEventMessage::addEventCallback("idle", onWord, idle));
-  session->step();
+  session->loop().step();
   CHECK(said() == "idle ");
   CHECK(MMessage::removeCallbacks(ids));
-  session->step();
+  session->loop().step();
   CHECK(said().empty());
 }
 
@@ -208,26 +208,26 @@ TEST_CASE_FIXTURE(
     ApiScene,
     "timers: not before their time, once however late, gone when they remove themselves") {
   double now = 10;
-  host::api::callbacks().clock = [&now] { return now; };
+  session->loop().setClock([&now] { return now; });
   ticks = 0;
   timer = MTimerMessage::addTimerCallback(1.0f, tickThrice);
   said();
   now = 10.9;
-  session->step();
+  session->loop().step();
   CHECK(said().empty());
   now = 11;
-  session->step();
+  session->loop().step();
   CHECK(said() == "10 ");
   now = 16;
-  session->step();
+  session->loop().step();
   CHECK(said() == "50 ");
   now = 16.9;
-  session->step();
+  session->loop().step();
   CHECK(said().empty());
   now = 17.5;
-  session->step();
+  session->loop().step();
   now = 30;
-  session->step();
+  session->loop().step();
   CHECK(said() == "15 ");
   MStatus status;
   CHECK(MTimerMessage::addTimerCallback(-1, tickThrice, nullptr, &status) == 0);

@@ -8,7 +8,7 @@
 
 #include <cmath>
 
-#include "host/builtins/view/views.h"
+#include "host/workspace/workspace.h"
 #include "tests/host/api/api_scene.h"
 
 namespace {
@@ -116,8 +116,8 @@ TEST_CASE_FIXTURE(Cameras,
 TEST_CASE_FIXTURE(Cameras,
                   "a view through the camera: rays start at the eye and pass what they show") {
   REQUIRE(camera.set(MPoint(4, 5, 6), MVector(-4, -5, -6), MVector(0, 1, 0), 0.9, 1.5));
-  auto& views = session->service<host::builtins::Views>();
-  for (host::builtins::View& each : views.all()) each.port = {900, 600};
+  auto& views = host::workspace::workspaceOf(*session).views;
+  for (host::workspace::View& each : views.all()) each.port = {900, 600};
   M3dView view = M3dView::active3dView();
   MDagPath eye = path("eye");
   REQUIRE(view.setCamera(eye));

@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "host/base/messages.h"
+#include "host/cmd/loop.h"
 #include "tests/host/api/api_scene.h"
 
 namespace {
@@ -120,7 +121,7 @@ TEST_CASE_FIXTURE(ApiScene, "commands go on the undo queue only when told to") {
   CHECK(shown.find("int $i24 = 12") != std::string::npos);
   CHECK(MGlobal::executeCommandOnIdle("createNode transform -n later"));
   CHECK(text("objExists later") == "0");
-  session->step();
+  session->loop().step();
   CHECK(text("objExists later") == "1");
   CHECK_FALSE(MGlobal::executePythonCommand("print(1)"));
 }

@@ -59,18 +59,18 @@ TEST_CASE("messages: nodes with their place, selection, user events and stepped 
   CHECK(MUserEventMessage::postUserEvent("mine", &text));
 
   double now = 100;
-  api::callbacks().clock = [&now] { return now; };
+  session->loop().setClock([&now] { return now; });
   ids.append(MTimerMessage::addTimerCallback(0.5f, onTimer));
-  session->step();
+  session->loop().step();
   now += 0.6;
-  session->step();
-  session->step();
+  session->loop().step();
+  session->loop().step();
   now += 0.7;
-  session->step();
+  session->loop().step();
   CHECK(heard() == std::vector<std::string>{"posted", "6", "7"});
   CHECK(MMessage::removeCallbacks(ids));
   now += 5;
-  session->step();
+  session->loop().step();
   CHECK(heard().size() == 3);
 }
 

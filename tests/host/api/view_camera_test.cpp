@@ -8,7 +8,7 @@
 #include <maya/MVector.h>
 
 #include "host/api/session/host_session.h"
-#include "host/builtins/view/views.h"
+#include "host/workspace/workspace.h"
 
 namespace host::api {
 namespace {
@@ -23,8 +23,8 @@ MStringArray selectionNames() {
 
 TEST_CASE("pixels and world points map back and forth, in perspective and straight on") {
   const auto session = makeHostSession();
-  auto& views = session->service<builtins::Views>();
-  for (builtins::View& each : views.all()) each.port = {800, 500};
+  auto& views = workspace::workspaceOf(*session).views;
+  for (workspace::View& each : views.all()) each.port = {800, 500};
   for (const char* panel : {"modelPanel4", "modelPanel1", "modelPanel3"}) {
     CAPTURE(panel);
     views.setActive(panel);
@@ -87,7 +87,7 @@ TEST_CASE("views are named by their panels; one that is gone answers with failur
 
 TEST_CASE("a click picks the object in front, a rectangle the vertices inside") {
   const auto session = makeHostSession();
-  session->service<builtins::Views>().active().port = {800, 500};
+  workspace::workspaceOf(*session).views.active().port = {800, 500};
   REQUIRE(session->executeLine(
       "polyCube -name box; polyCube -name far; move -r -50 -50 -50 far; select -cl"));
   REQUIRE(MGlobal::selectFromScreen(400, 250, MGlobal::kReplaceList));

@@ -9,8 +9,7 @@
 #include "host/api/plugin/plugin_record.h"
 #include "host/api/session/host_session.h"
 #include "host/base/messages.h"
-#include "host/builtins/view/tool_views.h"
-#include "host/builtins/view/views.h"
+#include "host/workspace/workspace.h"
 
 namespace host::api {
 namespace {
@@ -123,7 +122,7 @@ struct Fixture {
     event.kind = kind;
     event.position = {x, 50};
     event.button = button;
-    builtins::toolsOf(*session).handle(event);
+    workspace::workspaceOf(*session).toolbox.handle(event);
   }
   std::unique_ptr<cmd::Session> session = makeHostSession();
   std::shared_ptr<PluginRecord> record = std::make_shared<PluginRecord>();
@@ -143,7 +142,7 @@ TEST_CASE_FIXTURE(Fixture, "a context command makes, edits and queries named con
   CHECK_FALSE(session->executeLine("strokeContext thick"));
   CHECK_FALSE(session->executeLine("strokeContext -q -w thin"));
   CHECK_FALSE(session->executeLine("strokeContext -bogus"));
-  CHECK(builtins::toolsOf(*session).find("thick")->title == "Stroke Tool");
+  CHECK(workspace::workspaceOf(*session).toolbox.find("thick")->title == "Stroke Tool");
 }
 
 TEST_CASE_FIXTURE(Fixture, "a gesture runs the tool's command, which undo takes back") {
@@ -165,22 +164,22 @@ TEST_CASE_FIXTURE(
     Fixture,
     "the built-in tools select with a click and move what is selected along with the pointer") {
   run("polyCube -name box; select -cl; setToolTo moveSuperContext");
-  builtins::View& view = session->service<builtins::Views>().active();
+  workspace::View& view = workspace::workspaceOf(*session).views.active();
   const double middle = view.port.width / 2.0;
   const auto drag = [&](double x, double y, tools::MouseButton button) {
     tools::InputEvent event;
     event.button = button;
     event.kind = tools::InputKind::Press;
     event.position = {middle, view.port.height / 2.0};
-    builtins::toolsOf(*session).handle(event);
+    workspace::workspaceOf(*session).toolbox.handle(event);
     event.kind = tools::InputKind::Release;
     event.position = {x, y};
-    builtins::toolsOf(*session).handle(event);
+    workspace::workspaceOf(*session).toolbox.handle(event);
   };
   drag(middle, view.port.height / 2.0, tools::MouseButton::Left);
   CHECK(run("ls -sl").toTexts() == mel::StringArray{"box"});
   drag(middle + 80, view.port.height / 2.0 + 30, tools::MouseButton::Middle);
-  const auto scene = builtins::gatherView(session->document(), view);
+  const auto scene = workspace::gatherView(session->document(), view);
   REQUIRE(scene);
   const auto at =
       viewport::ViewProjection(scene->camera, scene->port)
@@ -194,13 +193,13 @@ TEST_CASE_FIXTURE(
 TEST_CASE_FIXTURE(Fixture, "what a tool draws under the pointer is in the picture") {
   run("strokeContext; setToolTo strokeContext1");
   mouse(tools::InputKind::Move, 100, tools::MouseButton::None);
-  auto& views = session->service<builtins::Views>();
-  const auto scene = builtins::gatherView(session->document(), views, views.active());
+  auto& views = workspace::workspaceOf(*session).views;
+  const auto scene = workspace::gatherView(session->document(), views, views.active());
   REQUIRE(scene);
   REQUIRE(scene->extra.items.size() == 1);
   CHECK(scene->extra.items[0].space == viewport::Space::Screen);
   CHECK(viewport::check(scene->extra).empty());
-  const auto image = builtins::renderView(session->document(), views, views.active(), {200, 100});
+  const auto image = workspace::renderView(session->document(), views, views.active(), {200, 100});
   if (!image) return;  // a machine without an OpenGL driver
   const std::uint8_t* pixel = image->pixel(105, 100 - 50);
   CHECK(int(pixel[0]) > 200);
@@ -215,7 +214,7 @@ TEST_CASE_FIXTURE(Fixture, "what a tool throws is reported; unloading leaves no 
     event.kind = tools::InputKind::Press;
     event.button = tools::MouseButton::Middle;
     event.control = true;
-    builtins::toolsOf(*session).handle(event);
+    workspace::workspaceOf(*session).toolbox.handle(event);
     CHECK(messages.text(MessageKind::Error).find("Stroke Tool") != std::string::npos);
   }
   MFnPlugin plugin(Access::make<MObject>(new PluginRep(record)));

@@ -10,7 +10,7 @@
 #include "host/api/plugin/plugin_record.h"
 #include "host/api/session/host_session.h"
 #include "host/api/view/draw_registry.h"
-#include "host/builtins/view/views.h"
+#include "host/workspace/workspace.h"
 
 namespace host::api {
 namespace {
@@ -100,8 +100,8 @@ struct Fixture {
     REQUIRE_MESSAGE(session->executeLine(line).has_value(), line);
   }
   viewport::SceneView gather() {
-    auto& views = session->service<builtins::Views>();
-    auto scene = builtins::gatherView(session->document(), views, views.active());
+    auto& views = workspace::workspaceOf(*session).views;
+    auto scene = workspace::gatherView(session->document(), views, views.active());
     REQUIRE(scene);
     return *scene;
   }
@@ -147,10 +147,10 @@ TEST_CASE_FIXTURE(Fixture,
                   "pictures show plug-ins' locators, by override and by their own drawing") {
   run("createNode transform -n a; move 2 0 0 a; createNode testMarker -p a; createNode oldMarker; "
       "select -cl");
-  auto& views = session->service<builtins::Views>();
+  auto& views = workspace::workspaceOf(*session).views;
   views.setActive("modelPanel3");  // from the front
   callbacks = OldMarker::draws = 0;
-  const auto image = builtins::renderView(session->document(), views, views.active(), {300, 200});
+  const auto image = workspace::renderView(session->document(), views, views.active(), {300, 200});
   if (!image) return;  // a machine without an OpenGL driver
   CHECK(OldMarker::draws == 1);
   CHECK(OldMarker::lastStatus == M3dView::kDormant);

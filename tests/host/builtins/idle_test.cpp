@@ -3,6 +3,7 @@
 
 #include "host/base/messages.h"
 #include "host/builtins/register.h"
+#include "host/cmd/loop.h"
 
 using namespace host;
 
@@ -17,7 +18,7 @@ Said runAll(cmd::Session& session, const std::string& mel) {
   const MessageCapture said;
   CAPTURE(mel);
   CHECK(session.executeLine(mel));
-  while (session.processIdle()) {
+  while (session.loop().runIdle()) {
   }
   return {said.text(MessageKind::Print), said.text(MessageKind::Error)};
 }

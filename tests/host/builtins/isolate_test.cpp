@@ -2,7 +2,7 @@
 
 #include "host/base/messages.h"
 #include "host/builtins/register.h"
-#include "host/builtins/view/views.h"
+#include "host/workspace/workspace.h"
 
 using namespace host;
 
@@ -10,7 +10,7 @@ namespace {
 
 std::vector<std::string> shown(cmd::Session& session, const char* panel) {
   const auto scene =
-      builtins::gatherView(session.document(), *session.service<builtins::Views>().find(panel));
+      workspace::gatherView(session.document(), *workspace::workspaceOf(session).views.find(panel));
   REQUIRE(scene);
   std::vector<std::string> names;
   for (const viewport::RenderMesh& mesh : scene->meshes)

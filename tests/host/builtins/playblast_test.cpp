@@ -5,8 +5,8 @@
 
 #include "host/base/messages.h"
 #include "host/builtins/register.h"
-#include "host/builtins/view/views.h"
 #include "host/io/png_reader.h"
+#include "host/workspace/workspace.h"
 
 using namespace host;
 
@@ -16,7 +16,7 @@ const std::filesystem::path kFolder =
     std::filesystem::path(QXMT_BINARY_DIR) / "playblast_test_files";
 
 bool canDraw(cmd::Session& session) {
-  return session.service<builtins::Views>().offscreen().has_value();
+  return workspace::workspaceOf(session).views.offscreen().has_value();
 }
 
 std::string failure(cmd::Session& session, const std::string& mel) {

@@ -7,6 +7,7 @@
 
 #include "host/base/messages.h"
 #include "host/builtins/register.h"
+#include "host/cmd/loop.h"
 #include "tests/script_expectations.h"
 
 using namespace host;
@@ -26,7 +27,7 @@ std::vector<script_test::Expectation> runSection(cmd::Session& session, const st
   cmd::ExecuteOptions options;
   options.source.file = file;
   static_cast<void>(session.executeLine(text, options));
-  session.processIdle();
+  session.loop().runIdle();
   setMessageSink(before);
   for (const std::string& line : script_test::linesOf(printed)) said.push_back({'>', 0, line});
   return said;
@@ -65,7 +66,8 @@ TEST_CASE("every command script does what its comments say, and undo takes all o
   const std::filesystem::path root = std::filesystem::path(QXMT_SOURCE_DIR) / "tests/scripts";
   auto scripts = script_test::scriptsIn(root / "commands");
   REQUIRE(!scripts.empty());
-  for (const auto& script : script_test::scriptsIn(root / "ui")) scripts.push_back(script);
+  for (const char* folder : {"gestures", "ui"})
+    for (const auto& script : script_test::scriptsIn(root / folder)) scripts.push_back(script);
   for (const std::filesystem::path& script : scripts) {
     INFO(script.string());
     const auto session = builtins::makeSession();

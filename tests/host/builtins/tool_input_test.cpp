@@ -6,8 +6,7 @@
 
 #include "host/base/messages.h"
 #include "host/builtins/register.h"
-#include "host/builtins/view/tool_views.h"
-#include "host/builtins/view/views.h"
+#include "host/workspace/workspace.h"
 
 using namespace host;
 using tools::InputEvent;
@@ -43,8 +42,8 @@ class Hand {
   [[nodiscard]] Names hilited() const { return run("ls -hl").toTexts(); }
 
   [[nodiscard]] viewport::ViewProjection projection() const {
-    const auto scene =
-        builtins::gatherView(session->document(), *session->service<builtins::Views>().find(panel));
+    const auto scene = workspace::gatherView(session->document(),
+                                             *workspace::workspaceOf(*session).views.find(panel));
     REQUIRE(scene);
     return {scene->camera, scene->port};
   }
@@ -62,13 +61,13 @@ class Hand {
     event.control = keys.control;
     event.alt = keys.alt;
     event.panel = panel;
-    builtins::toolsOf(*session).handle(event);
+    workspace::workspaceOf(*session).toolbox.handle(event);
   }
   void key(const char* name) const {
     InputEvent event;
     event.kind = InputKind::KeyPress;
     event.key = name;
-    builtins::toolsOf(*session).handle(event);
+    workspace::workspaceOf(*session).toolbox.handle(event);
   }
   void drag(viewport::ViewPoint from, viewport::ViewPoint to,
             MouseButton button = MouseButton::Left, Keys keys = {}) const {
@@ -366,7 +365,7 @@ TEST_CASE(
     "a press makes its panel the active one; a panel whose camera is gone says so and nothing "
     "breaks") {
   const Hand hand("modelPanel3");
-  auto& views = hand.session->service<builtins::Views>();
+  auto& views = workspace::workspaceOf(*hand.session).views;
   CHECK(views.active().panel == "modelPanel4");
   hand.click({10, 10});
   CHECK(views.active().panel == "modelPanel3");

@@ -1,16 +1,10 @@
-#include "host/builtins/file/file_formats.h"
+#include "host/workspace/file_formats.h"
 
 #include <algorithm>
 
 #include "host/base/assert.h"
 
-namespace host::builtins {
-
-FileFormats& formatsOf(Context& context) {
-  FileFormats& formats = context.session.service<FileFormats>();
-  if (formats.all.empty()) formats.all = {maFormat(), objFormat()};
-  return formats;
-}
+namespace host::workspace {
 
 const FileFormat* FileFormats::byName(std::string_view name) const {
   for (const FileFormat& format : all) {
@@ -39,4 +33,4 @@ const FileFormat& FileFormats::native() const {
   return *found;
 }
 
-}  // namespace host::builtins
+}  // namespace host::workspace

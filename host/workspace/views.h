@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -11,7 +13,7 @@
 #include "host/viewport/projection.h"
 #include "host/viewport/scene_view.h"
 
-namespace host::builtins {
+namespace host::workspace {
 
 /// One view of the scene: what a model panel shows, whether or not a window shows the panel.
 struct View {
@@ -27,6 +29,10 @@ struct View {
   bool isIsolated = false;  ///< shows only the nodes below and what hangs under them
   std::vector<std::weak_ptr<dg::Node>> isolated;
   [[nodiscard]] bool usesDrawOverrides() const { return rendererName == "vp2Renderer"; }
+  /// What it is told to show and can't show otherwise than it does: kept for who asks, by flag.
+  std::map<std::string, bool, std::less<>> editorFlags;
+  /// Kinds of objects that plug-ins have set it to show, a bit each.
+  std::uint32_t objectKinds = ~0U;
 };
 
 /// The session's views: the four panels of a new layout, and what draws them.
@@ -74,6 +80,11 @@ class Views {
 [[nodiscard]] Result<void> placeCamera(scene::Document& document, const scene::DagPath& shape,
                                        const viewport::Camera& camera);
 
+// The set of a view that isolates.
+void addToIsolated(View& view, dg::Node& node);
+void removeFromIsolated(View& view, const dg::Node& node);
+[[nodiscard]] std::vector<dg::Node*> isolatedNodes(const View& view);  ///< that still live
+
 /// Draws a frame of a view into a backend; the backend's last picture is the result.
 [[nodiscard]] Result<void> drawView(scene::Document& document, Views& views, const View& view,
                                     viewport::PortSize size, viewport::Backend& backend);
@@ -82,4 +93,4 @@ class Views {
 [[nodiscard]] Result<viewport::Image> renderView(scene::Document& document, Views& views,
                                                  const View& view, viewport::PortSize size);
 
-}  // namespace host::builtins
+}  // namespace host::workspace

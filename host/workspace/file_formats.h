@@ -5,9 +5,12 @@
 #include <string_view>
 #include <vector>
 
-#include "host/builtins/common/command.h"
+#include "host/base/result.h"
+#include "host/cmd/registry.h"
 
-namespace host::builtins {
+namespace host::workspace {
+
+using cmd::Context;
 
 struct FileReadOptions {
   std::string options;      ///< of the format itself: "name=value;..."
@@ -42,7 +45,7 @@ struct FileFormat {
   std::function<void(Context&)> forget;
 };
 
-/// The formats that the session knows; a service of it.
+/// The formats that the session knows.
 struct FileFormats {
   std::vector<FileFormat> all;
 
@@ -50,10 +53,5 @@ struct FileFormats {
   [[nodiscard]] const FileFormat* byPath(std::string_view path) const;  ///< by the extension
   [[nodiscard]] const FileFormat& native() const;
 };
-/// Filled on first use.
-[[nodiscard]] FileFormats& formatsOf(Context& context);
 
-[[nodiscard]] FileFormat objFormat();
-[[nodiscard]] FileFormat maFormat();
-
-}  // namespace host::builtins
+}  // namespace host::workspace

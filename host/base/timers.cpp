@@ -1,9 +1,9 @@
-#include "host/tools/timers.h"
+#include "host/base/timers.h"
 
 #include <algorithm>
 #include <limits>
 
-namespace host::tools {
+namespace host {
 
 Timers::Id Timers::add(double period, Call call) {
   timers_.push_back({nextId_, std::max(period, 0.0), now_, false, std::move(call)});
@@ -20,28 +20,30 @@ void Timers::remove(Id id) {
   std::erase_if(timers_, [id](const Timer& timer) { return timer.id == id; });
 }
 
-const Timers::Timer* Timers::find(Id id) const {
-  for (const Timer& timer : timers_)
-    if (timer.id == id) return &timer;
-  return nullptr;
+std::vector<Timers::Timer>::iterator Timers::find(Id id) {
+  return std::find_if(timers_.begin(), timers_.end(),
+                      [id](const Timer& timer) { return timer.id == id; });
 }
+
 bool Timers::contains(Id id) const {
-  return find(id) != nullptr;
+  return std::any_of(timers_.begin(), timers_.end(),
+                     [id](const Timer& timer) { return timer.id == id; });
 }
 
 void Timers::step(double now) {
   now_ = std::max(now_, now);
   std::vector<Id> due;
   for (const Timer& timer : timers_)
-    if (timer.last + timer.period <= now_) due.push_back(timer.id);
+    if (timer.last + timer.period <= now_ + kTolerance) due.push_back(timer.id);
   for (const Id id : due) {
     // A call may remove itself or others.
-    auto* timer = const_cast<Timer*>(find(id));
-    if (!timer) continue;
+    const auto timer = find(id);
+    if (timer == timers_.end()) continue;
     const Call call = timer->call;
     const double elapsed = now_ - timer->last;
     timer->last = now_;
-    if (timer->isOnce) remove(id);
+    if (timer->isOnce) timers_.erase(timer);
+    ++callCount_;
     call(now_, elapsed);
   }
 }
@@ -52,4 +54,4 @@ double Timers::nextDue() const {
   return next;
 }
 
-}  // namespace host::tools
+}  // namespace host

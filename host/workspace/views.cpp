@@ -1,10 +1,10 @@
-#include "host/builtins/view/views.h"
+#include "host/workspace/views.h"
 
 #include "host/math/transform.h"
 #include "host/viewport/backends/gl_backend.h"
 #include "host/viewport/scene_gather.h"
 
-namespace host::builtins {
+namespace host::workspace {
 
 Views::Views() {
   const auto add = [this](const char* panel, const char* camera) {
@@ -55,6 +55,23 @@ bool isolationShows(const View& view, const scene::DagPath& path) {
   return false;
 }
 
+void removeFromIsolated(View& view, const dg::Node& node) {
+  std::erase_if(view.isolated,
+                [&](const auto& each) { return each.expired() || each.lock().get() == &node; });
+}
+
+void addToIsolated(View& view, dg::Node& node) {
+  removeFromIsolated(view, node);
+  view.isolated.push_back(node.weak_from_this());
+}
+
+std::vector<dg::Node*> isolatedNodes(const View& view) {
+  std::vector<dg::Node*> nodes;
+  for (const auto& each : view.isolated)
+    if (const auto node = each.lock(); node && node->isAlive()) nodes.push_back(node.get());
+  return nodes;
+}
+
 Result<viewport::SceneView> gatherView(scene::Document& document, const View& view) {
   const auto path = cameraPath(document, view.cameraName);
   if (!path) return failWith(path.error());
@@ -94,6 +111,7 @@ Result<void> placeCamera(scene::Document& document, const scene::DagPath& shape,
   HOST_TRY(graph.setVec3(node->plug("rotate"), math::decompose(local).rotate));
   dg::Node* lens = shape.node();
   HOST_TRY(graph.set(lens->plug("centerOfInterest"), camera.centerOfInterest));
+  HOST_TRY(graph.setVec3(lens->plug("tumblePivot"), camera.tumblePivot));
   HOST_TRY(graph.set(lens->plug("nearClipPlane"), camera.nearClip));
   HOST_TRY(graph.set(lens->plug("farClipPlane"), camera.farClip));
   return graph.set(lens->plug("orthographicWidth"), camera.orthographicWidth);
@@ -123,4 +141,4 @@ Result<viewport::Image> renderView(scene::Document& document, Views& views, cons
   return (*backend)->readPixels();
 }
 
-}  // namespace host::builtins
+}  // namespace host::workspace

@@ -1,0 +1,57 @@
+#!/usr/bin/env bash
+# What every commit can't afford: other compilers and settings, self-checks, sanitizers, fuzzing.
+# usage: tools/check.sh [STEP ...]    without steps: all of them, one after the other
+#   lint      the rules of the tree, and names
+#   dev       all tests with AddressSanitizer and UndefinedBehaviorSanitizer
+#   paranoid  all tests with check() after every edit, undo and redo after every command
+#   clang     all tests, built by clang
+#   headers   builds without precompiled headers, so that every file includes what it uses
+#   fuzz      each fuzz target for a minute (QXMT_FUZZ_SECONDS)
+set -euo pipefail
+cd "$(dirname "$0")/.."
+all=(lint dev paranoid clang headers fuzz)
+steps=("$@")
+[ ${#steps[@]} -gt 0 ] || steps=("${all[@]}")
+
+tests() {
+  tools/build.sh "$1"
+  ctest --test-dir "build/$1" -j2 --output-on-failure
+}
+step_lint() {
+  local lint
+  for lint in layers size format functions test_stems; do bash "tests/lint/$lint.sh" .; done
+  tools/tidy.sh
+}
+step_dev() { tests dev; }
+step_paranoid() { tests paranoid; }
+step_clang() {
+  tools/install.sh clang
+  tests clang
+}
+step_headers() {
+  cmake -S . -B build/headers -G Ninja -DCMAKE_BUILD_TYPE=Release -DQXMT_PRECOMPILE=OFF >/dev/null
+  cmake --build build/headers
+}
+step_fuzz() {
+  tools/install.sh clang
+  tools/build.sh fuzz
+  local target found=0
+  for target in build/fuzz/bin/*_fuzz; do
+    found=1
+    echo "$target"
+    mkdir -p "build/fuzz/corpus/$(basename "$target")"
+    "$target" -max_total_time="${QXMT_FUZZ_SECONDS:-60}" -timeout=20 -print_final_stats=0 \
+      "build/fuzz/corpus/$(basename "$target")"
+  done
+  [ $found -eq 1 ] || { echo "there are no fuzz targets in build/fuzz/bin"; return 1; }
+}
+
+for step in "${steps[@]}"; do
+  declare -F "step_$step" >/dev/null || { echo "there is no step '$step'; steps: ${all[*]}"; exit 2; }
+done
+for step in "${steps[@]}"; do
+  echo "== $step"
+  # Not in a condition: there a step's first failure would not end it.
+  "step_$step"
+done
+echo "all steps passed: ${steps[*]}"
