@@ -50,6 +50,9 @@ void registerModellingCommands(cmd::CommandRegistry&);
 void registerPolyCrease(cmd::CommandRegistry&);
 void registerPolyEvaluate(cmd::CommandRegistry&);
 void registerPolyInfo(cmd::CommandRegistry&);
+void registerPolyMultiLayoutUv(cmd::CommandRegistry&);
+void registerPolyUvReport(cmd::CommandRegistry&);
+void registerUvSnapshot(cmd::CommandRegistry&);
 void registerPolySoftEdge(cmd::CommandRegistry&);
 
 void registerConvertSelection(cmd::CommandRegistry&);
@@ -115,6 +118,9 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerPolyCrease,
       registerPolyEvaluate,
       registerPolyInfo,
+      registerPolyMultiLayoutUv,
+      registerPolyUvReport,
+      registerUvSnapshot,
       registerPolySoftEdge,
       registerFilterExpand,
       registerLs,

@@ -195,7 +195,15 @@ UvTriangles uvTriangles(const mesh::Mesh& mesh, int uvSet) {
   return out;
 }
 
-UvOverlaps uvOverlaps(const mesh::UvSet& set, const UvTriangles& triangles) {
+namespace {
+
+struct OverlapPair {
+  std::size_t a, b;
+  double area;
+};
+
+/// All pairs, in an order that no number of threads changes.
+std::vector<OverlapPair> overlapPairs(const mesh::UvSet& set, const UvTriangles& triangles) {
   const std::vector<UvTriangle>& all = triangles.all;
   std::vector<SizeGrids::Box> boxes(all.size());
   std::vector<std::array<Point, 3>> places(all.size());
@@ -207,11 +215,7 @@ UvOverlaps uvOverlaps(const mesh::UvSet& set, const UvTriangles& triangles) {
                 {std::max({a.x, b.x, c.x}), std::max({a.y, b.y, c.y})}};
   }
   const SizeGrids grids(boxes);
-  struct Found {
-    std::size_t a, b;
-    double area;
-  };
-  std::vector<std::vector<Found>> found((all.size() + 1023) / 1024);
+  std::vector<std::vector<OverlapPair>> found((all.size() + 1023) / 1024);
   parallelFor(found.size(), 4, [&](std::size_t begin, std::size_t end) {
     for (std::size_t block = begin; block < end; ++block)
       for (std::size_t i = 1024 * block; i < std::min(all.size(), 1024 * (block + 1)); ++i) {
@@ -228,16 +232,36 @@ UvOverlaps uvOverlaps(const mesh::UvSet& set, const UvTriangles& triangles) {
         });
       }
   });
+  std::vector<OverlapPair> pairs;
+  for (const std::vector<OverlapPair>& block : found)
+    pairs.insert(pairs.end(), block.begin(), block.end());
+  return pairs;
+}
+
+}  // namespace
+
+UvOverlaps uvOverlaps(const mesh::UvSet& set, const UvTriangles& triangles) {
   UvOverlaps overlaps;
-  std::vector<bool> isHit(all.size(), false);
-  for (const std::vector<Found>& block : found)
-    for (const Found& pair : block) {
-      isHit[pair.a] = isHit[pair.b] = true;
-      overlaps.area += pair.area;
-      ++overlaps.pairs;
-    }
+  std::vector<bool> isHit(triangles.all.size(), false);
+  for (const OverlapPair& pair : overlapPairs(set, triangles)) {
+    isHit[pair.a] = isHit[pair.b] = true;
+    overlaps.area += pair.area;
+    ++overlaps.pairs;
+  }
   overlaps.triangles = static_cast<Index>(std::count(isHit.begin(), isHit.end(), true));
   return overlaps;
+}
+
+std::vector<std::pair<FaceId, FaceId>> overlappingFaces(const mesh::UvSet& set,
+                                                        const UvTriangles& triangles) {
+  std::vector<std::pair<FaceId, FaceId>> faces;
+  for (const OverlapPair& pair : overlapPairs(set, triangles)) {
+    const FaceId a = triangles.all[pair.a].face, b = triangles.all[pair.b].face;
+    if (a != b) faces.emplace_back(std::min(a, b), std::max(a, b));
+  }
+  std::sort(faces.begin(), faces.end());
+  faces.erase(std::unique(faces.begin(), faces.end()), faces.end());
+  return faces;
 }
 
 }  // namespace host::ops

@@ -43,6 +43,10 @@ struct UvOverlaps {
 /// coarser ones.
 [[nodiscard]] UvOverlaps uvOverlaps(const mesh::UvSet& set, const UvTriangles& triangles);
 
+/// The pairs of different faces of which triangles overlap so, each once, the lower face first.
+[[nodiscard]] std::vector<std::pair<FaceId, FaceId>> overlappingFaces(const mesh::UvSet& set,
+                                                                      const UvTriangles& triangles);
+
 struct UvCoverage {
   double covered = 0;
   int gapPixels = -1;
