@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/base/cancel.h"
 #include "host/io/mapped_file.h"
 #include "host/io/obj_face_sets.h"
 #include "host/io/obj_normals.h"
@@ -215,12 +216,14 @@ Result<ObjScene> parseObj(std::string_view text, const std::string& name,
                           const ObjReadOptions& options) {
   auto statements = parseObjStatements(text, name);
   if (!statements) return failWith(std::move(statements).error());
+  if (isCancelled()) return cancelled();
   return SceneBuilder(std::move(*statements), options).build();
 }
 
 Result<ObjScene> readObj(const std::string& path, const ObjReadOptions& options) {
   auto file = MappedFile::open(path);
   if (!file) return failWith(std::move(file).error());
+  const LongWork work("Reading");
   return parseObj(file->text(), path, options);
 }
 

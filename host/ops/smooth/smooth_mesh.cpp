@@ -4,6 +4,7 @@
 #include <cmath>
 #include <thread>
 
+#include "host/base/cancel.h"
 #include "host/ops/smooth/catmull_clark.h"
 #include "host/ops/smooth/smooth_topology.h"
 
@@ -363,7 +364,12 @@ Result<SmoothResult> smoothMesh(Mesh& mesh, std::span<const FaceId> faces,
     return result;
   }
   Smoother smoother(mesh, flagsOf(ids, mesh.faceCount()), options);
-  for (int i = 0; i < options.divisions; ++i) smoother.step();
+  LongWork work("Smoothing", static_cast<std::size_t>(std::pow(4, options.divisions)));
+  for (int i = 0; i < options.divisions; ++i) {
+    smoother.step();
+    if (isCancelled()) return cancelled();
+    work.advance(static_cast<std::size_t>(3 * std::pow(4, i)));  // a step costs four of the last
+  }
   for (std::size_t f = 0; f < smoother.isDivided().size(); ++f)
     if (smoother.isDivided()[f] != 0) result.faces.push_back(static_cast<FaceId>(f));
   mesh = smoother.finish();

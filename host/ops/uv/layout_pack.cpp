@@ -1,6 +1,7 @@
 #include "host/ops/uv/layout_pack.h"
 
 #include <algorithm>
+#include <numbers>
 #include <numeric>
 #include <optional>
 
@@ -70,14 +71,14 @@ class Packer {
  public:
   Packer(std::span<const PackShape> shapes, const PackOptions& options)
       : shapes_(shapes), options_(options), items_(shapes.size()), order_(shapes.size()) {
+    for (const PackShape& shape : shapes)
+      for (const auto& t : shape.triangles) area_ += 0.5 * std::abs(doubleArea(t[0], t[1], t[2]));
     parallelFor(shapes.size(), 64, [&](std::size_t begin, std::size_t end) {
       for (std::size_t i = begin; i < end; ++i) items_[i] = itemOf(shapes[i]);
     });
     std::iota(order_.begin(), order_.end(), std::size_t{0});
     std::stable_sort(order_.begin(), order_.end(),
                      [&](std::size_t a, std::size_t b) { return items_[a].size > items_[b].size; });
-    for (const PackShape& shape : shapes)
-      for (const auto& t : shape.triangles) area_ += 0.5 * std::abs(doubleArea(t[0], t[1], t[2]));
   }
 
   [[nodiscard]] double area() const { return area_; }
