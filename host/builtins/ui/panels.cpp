@@ -73,7 +73,7 @@ CommandResult pointerPosition(Context& context, const ParsedArgs& args) {
 
 /// Looks through another camera; the view keeps its own when there is no such camera.
 Result<void> setCamera(Context& context, View& view, const std::string& camera) {
-  const auto path = cameraPath(context.document, camera);
+  const auto path = workspace::cameraPath(context.document, camera);
   if (!path) return failWith(path.error());
   view.cameraName = camera;
   return {};
