@@ -97,15 +97,14 @@ bool locatorPoints::makeNode() {
 }
 
 /// A view that shows chosen objects only shows the points too.
-void locatorPoints::showInIsolation() const {
+void locatorPoints::showInIsolation(const MString& name) const {
   MString panel;
   MGlobal::executeCommand("paneLayout -q -pane1 viewPanes", panel, false, false);
   int isolates = 0;
   if (panel.length() > 0)
     MGlobal::executeCommand("isolateSelect -q -s " + panel, isolates, false, false);
   if (isolates == 1)
-    MGlobal::executeCommand(
-        MString("isolateSelect -ado \"") + quadDrawLocator::kName + "\" " + panel, false, false);
+    MGlobal::executeCommand("isolateSelect -ado \"" + name + "\" " + panel, false, false);
 }
 
 void locatorPoints::create() {
@@ -120,8 +119,10 @@ void locatorPoints::create() {
   MGlobal::getHiliteList(hilited);
   const int type = mathHelper().currentComponentType();
   if (!makeNode()) return;
-  MGlobal::executeCommand(MString("select ") + quadDrawLocator::kName, false, false);
-  showInIsolation();
+  // Its own name but where another node has it too.
+  const MString name = MFnDagNode(shape.object()).partialPathName();
+  MGlobal::executeCommand("select " + name, false, false);
+  showInIsolation(name);
   MGlobal::setActiveSelectionList(selected, MGlobal::kReplaceList);
   MGlobal::setHiliteList(hilited);
   restoreComponentMode(selected, type);
@@ -151,6 +152,12 @@ void locatorPoints::setLoose(const MPointArray& points) {
 MPointArray locatorPoints::preview() const {
   if (!isThere()) return MPointArray();
   return quadDrawLocator::pointsAt(plugOf(node(), "geoparr", "cannot find geo attribute"));
+}
+
+void locatorPoints::clearPreview() {
+  if (isThere())
+    write(node(), "geoparr", "cannot find geo attribute", MPointArray(),
+          "error creating a new MObject from a geoClosestPointArray");
 }
 
 bool locatorPoints::setPreview(const MPointArray& points) {

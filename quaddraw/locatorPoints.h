@@ -2,6 +2,7 @@
 
 #include <maya/MObjectHandle.h>
 #include <maya/MPointArray.h>
+#include <maya/MString.h>
 
 /// The locator in which the quad draw tool keeps its loose points and its preview. What of it can't
 /// be reached is told and reads as empty.
@@ -18,11 +19,13 @@ class locatorPoints {
   MPointArray loose() const;
   void setLoose(const MPointArray& points);
   MPointArray preview() const;
+  /// Empties the preview, whatever it held.
+  void clearPreview();
   /// @return whether it shows something else now
   bool setPreview(const MPointArray& points);
 
  private:
   bool makeNode();
-  void showInIsolation() const;
+  void showInIsolation(const MString& name) const;
   MObjectHandle shape;
 };

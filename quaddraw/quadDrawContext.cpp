@@ -56,9 +56,9 @@ void quadDrawContext::enter(MEvent&) {
   setCursor(MCursor::crossHairCursor);
   setHelpString(kUsage);
   points.create();
-  points.setPreview(MPointArray());
+  points.clearPreview();
   hasCurrentPoint = hasPickedUp = hasChangedPoints = false;
-  indexedWidth = indexedHeight = 0;
+  indexedSight = viewSight();
   rays = MFnMesh::autoUniformGridParams();
   run.setHover(true);
   run.startHover(kHoverPeriod);
@@ -89,14 +89,8 @@ void quadDrawContext::switchLocalTumble(bool on) {
 void quadDrawContext::refreshCandidates(const M3dView& view) {
   drawn.takeSelected();
   const MPointArray loose = points.loose();
-  MMatrix toCamera, toClip;
-  view.modelViewMatrix(toCamera);
-  view.projectionMatrix(toClip);
-  const MMatrix whole = toCamera * toClip;
-  M3dView port = view;
-  const int width = port.portWidth(), height = port.portHeight();
-  bool isSame = indexedRevision == drawn.revision() && indexedView == whole &&
-                indexedWidth == width && indexedHeight == height &&
+  const viewSight sight(view);
+  bool isSame = indexedRevision == drawn.revision() && indexedSight == sight &&
                 loose.length() == indexedLoose.length();
   for (unsigned int i = 0; isSame && i < loose.length(); ++i) isSame = loose[i] == indexedLoose[i];
   if (isSame) return;
@@ -105,13 +99,11 @@ void quadDrawContext::refreshCandidates(const M3dView& view) {
     candidates.push_back({loose[i], MVector(), false});
   for (const borderVertex& border : drawn.border())
     candidates.push_back({border.place, border.normal, true});
-  if (index.build(candidates, viewProjector(view)) > 0)
+  if (index.build(candidates, sight) > 0)
     MGlobal::displayWarning("error converting point data to view space");
   indexedLoose = loose;
   indexedRevision = drawn.revision();
-  indexedView = whole;
-  indexedWidth = width;
-  indexedHeight = height;
+  indexedSight = sight;
 }
 
 /// The line of sight that border vertices must not point along; none with back faces taken too.
@@ -264,7 +256,7 @@ void quadDrawContext::pickUp(const M3dView& view) {
   std::vector<drawCandidate> looseOnly(candidates.begin(),
                                        candidates.begin() + indexedLoose.length());
   screenIndex ofLoose;
-  ofLoose.build(looseOnly, viewProjector(view));
+  ofLoose.build(looseOnly, viewSight(view));
   const auto nearest = ofLoose.nearest(run.stroke.x, run.stroke.y, 1, nullptr);
   if (nearest.empty() || !(nearest[0].distance < kPickUpPixels)) return;
   MPointArray left = points.loose();

@@ -55,8 +55,7 @@ class quadDrawContext : public selectionToolContext {
   // What the index was made of.
   MPointArray indexedLoose;
   unsigned int indexedRevision = 0;
-  MMatrix indexedView;
-  int indexedWidth = 0, indexedHeight = 0;
+  viewSight indexedSight;
   std::vector<drawCandidate> candidates;
 
   // The stroke.

@@ -1,5 +1,7 @@
 #include "quaddraw/screenIndex.h"
 
+#include <maya/M3dView.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -22,12 +24,22 @@ bool isNumber(const MPoint& point) {
 
 }  // namespace
 
+viewSight::viewSight(const M3dView& view) {
+  MMatrix toCamera, projection;
+  view.modelViewMatrix(toCamera);
+  view.projectionMatrix(projection);
+  toClip = toCamera * projection;
+  M3dView port = view;
+  width = port.portWidth();
+  height = port.portHeight();
+}
+
 int screenIndex::cellOf(int pixel) const {
   return pixel >= 0 ? pixel / kCellPixels : -((kCellPixels - 1 - pixel) / kCellPixels);
 }
 
 unsigned int screenIndex::build(const std::vector<drawCandidate>& candidates,
-                                const viewProjector& projector) {
+                                const viewSight& sight) {
   all = candidates;
   entries.clear();
   unsigned int lost = 0;
@@ -36,9 +48,11 @@ unsigned int screenIndex::build(const std::vector<drawCandidate>& candidates,
       ++lost;
       continue;
     }
-    const viewPlace at = projector.project(all[i].place);
-    if (at.isClipped) continue;
-    const entry made{static_cast<int>(i), toPixel(at.x), toPixel(at.y)};
+    // Points on the near clipping plane, where the first of a drawing are laid, count too.
+    const MPoint clip = all[i].place * sight.toClip;
+    if (!(clip.w > 0.0)) continue;
+    const entry made{static_cast<int>(i), toPixel((clip.x / clip.w + 1.0) * 0.5 * sight.width),
+                     toPixel((clip.y / clip.w + 1.0) * 0.5 * sight.height)};
     if (std::fabs(made.x) > kFarthest * 2.0 || std::fabs(made.y) > kFarthest * 2.0) continue;
     entries.push_back(made);
   }

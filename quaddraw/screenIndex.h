@@ -1,11 +1,23 @@
 #pragma once
 
+#include <maya/MMatrix.h>
 #include <maya/MPoint.h>
 #include <maya/MVector.h>
 
 #include <vector>
 
-#include "shared/view/viewProjector.h"
+class M3dView;
+
+/// The way from the world to a view's pixels as it stood when it was read.
+struct viewSight {
+  explicit viewSight(const M3dView& view);
+  viewSight() = default;
+  bool operator==(const viewSight& other) const {
+    return toClip == other.toClip && width == other.width && height == other.height;
+  }
+  MMatrix toClip;
+  int width = 0, height = 0;
+};
 
 /// A place that a corner of the next quad may take.
 struct drawCandidate {
@@ -20,7 +32,7 @@ class screenIndex {
  public:
   /// @return how many candidates can't be shown at all, since their places are not numbers; they
   ///     and those behind the camera are never found
-  unsigned int build(const std::vector<drawCandidate>& candidates, const viewProjector& projector);
+  unsigned int build(const std::vector<drawCandidate>& candidates, const viewSight& sight);
 
   struct found {
     int candidate = -1;
