@@ -10,7 +10,7 @@
 
 #include "host/io/ma/ma_loader.h"
 #include "host/io/ma/ma_writer.h"
-#include "host/io/mapped_file.h"
+#include "host/io/whole_file.h"
 #include "host/io/obj_reader.h"
 #include "host/io/obj_writer.h"
 #include "host/nodes/mesh_shape.h"

@@ -49,7 +49,9 @@ int openFile(cmd::Session& session, const std::string& file) {
 int runScript(cmd::Session& session, const Options& options) {
   if (!isReadable(options.script)) return kFileFailed;
   (void)session.interpreter().setGlobal("$argv", mel::Value(mel::StringArray(options.arguments)));
-  const auto done = session.executeFile(options.script);
+  // The script was named on the command line: that one is meant, wherever it is.
+  const bool isBare = options.script.find('/') == std::string::npos;
+  const auto done = session.executeFile(isBare ? "./" + options.script : options.script);
   runIdle(session);
   if (session.isQuitting) return session.exitStatus;
   return done && !wasInterrupted() ? kDone : kScriptFailed;

@@ -1,9 +1,10 @@
 #include "host/nodes/locator_node.h"
 
+#include <algorithm>
 #include <array>
 
 #include "host/nodes/type_builder.h"
-#include "host/scene/dag.h"
+#include "host/scene/dag_paths.h"
 
 namespace host::nodes {
 
@@ -23,7 +24,8 @@ void registerLocator(dg::TypeRegistry& types) {
     const Plug whole = isPart ? plug.parent() : plug;
     const Index first = whole.isElement() ? whole.logicalIndex() : 0;
     const Index last =
-        whole.isElement() ? first + 1 : static_cast<Index>(scene::allPaths(node).size());
+        whole.isElement() ? first + 1
+                          : static_cast<Index>(std::min(scene::pathCount(node), scene::kMostPaths));
     const math::Vec3 position = block.vec3(local);
     for (Index i = first; i < last; ++i) {
       const auto matrix = block.data<dg::MatrixData>(Plug(&node, matrices).element(i));

@@ -1,10 +1,12 @@
 #include "host/nodes/mesh_node.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
 #include "host/nodes/dag_node.h"
 #include "host/nodes/mesh_access.h"
+#include "host/scene/dag_paths.h"
 #include "host/scene/mesh_data.h"
 
 namespace host::nodes {
@@ -191,7 +193,7 @@ void registerMesh(dg::TypeRegistry& types) {
     if (plug.attribute() == a.outMesh) return computeOutMesh(a, node, block);
     if (plug.attribute() != a.worldMesh) return Computed::Unhandled;
     if (plug.isElement()) return computeWorldMesh(a, node, plug.logicalIndex(), block);
-    const auto instances = static_cast<Index>(scene::allPaths(node).size());
+    const auto instances = static_cast<Index>(std::min(scene::pathCount(node), scene::kMostPaths));
     for (Index i = 0; i < instances; ++i) {
       auto done = computeWorldMesh(a, node, i, block);
       if (!done) return done;
