@@ -36,12 +36,17 @@ std::string_view argTypeHelpWord(ArgType type) {
 
 Syntax& Syntax::flag(std::string shortName, std::string longName, std::vector<ArgType> args,
                      std::uint8_t modes) {
-  HOST_ASSERT(!find(shortName) && !find(longName), "give each flag of a command names of its own");
   FlagSpec spec;
   spec.shortName = std::move(shortName);
   spec.longName = std::move(longName);
   spec.args = std::move(args);
   spec.modes = modes;
+  return flag(std::move(spec));
+}
+
+Syntax& Syntax::flag(FlagSpec spec) {
+  HOST_ASSERT(!find(spec.shortName) && !find(spec.longName),
+              "give each flag of a command names of its own");
   flags_.push_back(std::move(spec));
   return *this;
 }
@@ -58,6 +63,16 @@ Syntax& Syntax::queryArgs(QueryArgs how) {
 
 Syntax& Syntax::optionalArgs() {
   flags_.back().hasOptionalArgs = true;
+  return *this;
+}
+
+Syntax& Syntax::means(std::string phrase) {
+  flags_.back().meaning = std::move(phrase);
+  return *this;
+}
+
+Syntax& Syntax::about(std::string sentence) {
+  about_ = std::move(sentence);
   return *this;
 }
 
@@ -102,6 +117,7 @@ std::string Syntax::synopsis(std::string_view commandName) const {
     }
   }
   text += "\n";
+  if (!about_.empty()) text += about_ + "\n";
   if (flags_.empty() && !isEditable_ && !isQueryable_) return text;
   text += "Flags:\n";
   if (isEditable_) text += "   -e -edit\n";
@@ -121,6 +137,7 @@ std::string Syntax::synopsis(std::string_view commandName) const {
     if (spec->queryArgs == QueryArgs::Full) line += " (Query Arg Mandatory)";
     if (spec->queryArgs == QueryArgs::Optional) line += " (Query Arg Optional)";
     line.erase(line.find_last_not_of(' ') + 1);
+    if (!spec->meaning.empty()) line += "  : " + spec->meaning;
     text += line + "\n";
   }
   return text;

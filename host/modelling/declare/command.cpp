@@ -1,0 +1,112 @@
+// The commands of the declarations: create, edit and query mode.
+#include "host/modelling/declare/command.h"
+
+#include "host/base/assert.h"
+#include "host/cmd/plug_values.h"
+#include "host/modelling/declare/history_command.h"
+
+namespace host::modelling {
+
+namespace {
+
+std::string helpOf(const Parameter& parameter) {
+  if (parameter.effect == Parameter::Effect::Full) return parameter.meaning;
+  return parameter.meaning + "; recorded, without effect";
+}
+
+void addFlags(cmd::Syntax& syntax, const Parameter& parameter) {
+  constexpr std::pair<const char*, const char*> kAxes[] = {{"x", "X"}, {"y", "Y"}, {"z", "Z"}};
+  const std::vector<ArgType> types = parameter.argTypes();
+  for (const FlagNames& names : parameter.flags) {
+    syntax.flag(names.shortName, names.longName, types).means(helpOf(parameter));
+    if (types.size() != 3) continue;
+    const std::string& child =
+        names.childShortName.empty() ? names.shortName : names.childShortName;
+    for (const auto& [small, large] : kAxes)
+      syntax.flag(child + small, names.longName + large, {types.front()})
+          .means(std::string(large) + " of -" + names.longName);
+  }
+}
+
+/// The plug that a queried flag reads; null when it stands for no attribute.
+Plug plugOf(const Declaration& declaration, Node& node, std::string_view asked) {
+  constexpr std::string_view kAxes[] = {"X", "Y", "Z"};
+  if (asked == "nodeState" || asked == "caching") return node.plug(asked);
+  for (const Parameter* parameter : declarations().parametersOf(declaration)) {
+    const Plug plug = node.plug(parameter->attribute->longName);
+    for (const FlagNames& names : parameter->flags) {
+      if (names.longName == asked) return plug;
+      for (int i = 0; i < 3 && plug.isCompound(); ++i)
+        if (asked == names.longName + std::string(kAxes[i])) return plug.child(i);
+    }
+  }
+  return {};
+}
+
+CommandResult query(Context& context, const ParsedArgs& args, const Declaration& declaration,
+                    Node& node) {
+  const std::string_view asked = args.queried();
+  if (asked == "name") return mel::Value(node.name());
+  if (asked == "constructionHistory") return mel::Value(true);
+  const Plug plug = plugOf(declaration, node, asked);
+  if (!plug) return fail("Say which flag to query of '{}'.", node.name());
+  return cmd::readPlug(context.document.graph(), context.document.units(), plug);
+}
+
+CommandResult editOrQuery(Context& context, const ParsedArgs& args,
+                          const Declaration& declaration) {
+  auto found = findHistoryNode(context, args, declaration.nodeTypes.front().type);
+  for (std::size_t i = 1; !found && i < declaration.nodeTypes.size(); ++i)
+    if (auto other = findHistoryNode(context, args, declaration.nodeTypes[i].type)) found = other;
+  if (!found) return failWith(std::move(found.error()));
+  Node& node = **found;
+  if (args.isQuery()) return query(context, args, declaration, node);
+  HOST_TRY(setParameters(context, args, declaration, node));
+  if (const Plug output = node.plug("output"); output && !output.isArray())
+    HOST_TRY(context.document.graph().evaluate(output));
+  return mel::Value();
+}
+
+CommandResult create(Context& context, const ParsedArgs& args, const Declaration& declaration) {
+  if (declaration.create) return declaration.create(context, args, declaration);
+  auto names = runHistoryCommand(context, args, declaration);
+  if (!names) return failWith(std::move(names.error()));
+  return mel::Value(std::move(*names));
+}
+
+}  // namespace
+
+cmd::Syntax syntaxOf(const Declarations& all, const Declaration& declaration) {
+  cmd::Syntax syntax;
+  syntax.about(declaration.about);
+  for (const Parameter* parameter : all.parametersOf(declaration)) addFlags(syntax, *parameter);
+  for (const FlagSpec& flag : declaration.extraFlags) syntax.flag(flag);
+  syntax.flag("n", "name", {ArgType::String}).means("name of what is made");
+  syntax.flag("ch", "constructionHistory", {ArgType::Bool})
+      .means("off bakes the result of a mesh that had no history");
+  syntax.flag("cch", "caching", {ArgType::Bool}).means("recorded on the node's outputs");
+  syntax.flag("nds", "nodeState", {ArgType::Int}).means("1 lets the mesh pass unchanged");
+  syntax.editable().queryable().objects(declaration.objectsMinimum, declaration.objectsMaximum,
+                                        !declaration.isPrimitive());
+  return syntax;
+}
+
+void registerCommands(cmd::CommandRegistry& registry) {
+  const Declarations& all = declarations();
+  for (const Declaration& declaration : all.list()) {
+    if (declaration.command.empty()) continue;
+    const cmd::Syntax syntax = syntaxOf(all, declaration);
+    std::vector<std::string> names = declaration.aliases;
+    names.insert(names.begin(), declaration.command);
+    for (const std::string& name : names) {
+      const Result<void> added = registry.add(cmd::CommandSpec{
+          name, syntax, [&declaration](Context& context, const ParsedArgs& args) -> CommandResult {
+            return args.isCreate() ? create(context, args, declaration)
+                                   : editOrQuery(context, args, declaration);
+          }});
+      HOST_ASSERT(added.has_value(), "give every modelling command a name of its own");
+    }
+  }
+}
+
+}  // namespace host::modelling
