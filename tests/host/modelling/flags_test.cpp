@@ -6,45 +6,24 @@
 
 #include "host/base/messages.h"
 #include "host/builtins/register.h"
+#include "host/modelling/declare/declaration.h"
 #include "host/nodes/mesh_shape.h"
 
 using namespace host;
 
 namespace {
 
-struct Sample {
-  const char* command;
-  const char* words;  ///< after the command, on a cube "c" and a plane "p" of four faces
-  const char* object;
-};
-
-const Sample kSamples[] = {
-    {"polyExtrudeFacet", "-ltz 0.5 -lry 10 -lsx 2 -off 0.01 -d 2 -tk 0.1 -twist 5 c.f[1]", "c"},
-    {"polyExtrudeEdge", "-ltx 0.25 -d 2 p.e[0]", "p"},
-    {"polyBevel", "-o 0.1 -oaf 0 -sg 2 -sa 40 c.e[0]", "c"},
-    {"polyBevel3", "-f 0.3 -oaf 1 c.e[0:1]", "c"},
-    {"polyChipOff", "-ltz 0.2 -dup 1 c.f[0]", "c"},
-    {"polyConnectComponents", "c.e[0:1]", "c"},
-    {"polySplitRing", "-wt 0.3 c.e[0:3]", "c"},
-    {"polySubdivideEdge", "-dv 2 -s 0.01 c.e[0]", "c"},
-    {"polySubdivideFacet", "-dv 2 c.f[0]", "c"},
-    {"polyPoke", "-ltz 0.2 -ltx 0.1 c.f[0]", "c"},
-    {"polyTriangulate", "c", "c"},
-    {"polyQuad", "-a 20 c", "c"},
-    {"polySmooth", "-dv 2 -c 0.5 c", "c"},
-    {"polyNormal", "-nm 0 c", "c"},
-    {"polyMergeVertex", "-d 0.02 c.vtx[0:3]", "c"},
-    {"polyCollapseEdge", "c.e[0]", "c"},
-    {"polyCollapseFacet", "c.f[0]", "c"},
-    {"polyDelEdge", "-cv 1 c.e[0]", "c"},
-    {"polyDelVertex", "c.vtx[0]", "c"},
-    {"polyDelFacet", "c.f[0]", "c"},
-    {"polyCloseBorder", "p.e[0]", "p"},
-    {"polyBridgeEdge", "-dv 1 -twist 10 p.e[0] p.e[10]", "p"},
-    {"polyAppendVertex", "-a 0 -a 1 -a 0 1 2 -tx 0 p", "p"},
-    {"polyMirrorFace", "-a 0 -ad 0 -mt 0.01 p", "p"},
-    {"polyUnite", "-n c2 c p", "c2"},
-};
+/// What a trial may be run on, the cube "c" or the plane "p" of four faces; the first that the
+/// command takes.
+std::vector<std::pair<std::string, std::string>> places(const std::string& components) {
+  if (components == "f") return {{"c.f[1]", "c"}, {"c", "c"}};
+  if (components == "e") return {{"c.e[0]", "c"}, {"c.e[0:3]", "c"}, {"p.e[0]", "p"}};
+  if (components == "vtx") return {{"c.vtx[0]", "c"}, {"c.vtx[0:3]", "c"}};
+  if (components == "e vtx") return {{"c.e[0:1]", "c"}};
+  if (components == "border") return {{"p.e[0] p.e[10]", "p"}};
+  if (components == "map") return {{"c.map[0:3]", "c"}};
+  return {{"p", "p"}, {"c", "c"}};
+}
 
 class FlagScene {
  public:
@@ -56,6 +35,15 @@ class FlagScene {
     auto value = session_->executeLine(text);
     REQUIRE_MESSAGE(value.has_value(), text, ": ", value ? "" : value.error().message);
     return *value;
+  }
+  bool tryRun(const std::string& text) {
+    const MessageCapture quiet;
+    return session_->executeLine(text).has_value();
+  }
+  std::string failure(const std::string& text) {
+    const MessageCapture quiet;
+    const auto value = session_->executeLine(text);
+    return value ? "" : value.error().message;
   }
   mesh::Mesh mesh(const std::string& object) {
     const auto path = session_->document().dagPath(object);
@@ -90,23 +78,70 @@ std::string joined(const mel::Value& value) {
   return words;
 }
 
+/// Every flag is read and written back. The mesh must not notice.
+void checkFlags(FlagScene& scene, const std::string& command, const std::string& object) {
+  const mesh::Mesh made = scene.mesh(object);
+  for (const cmd::FlagSpec& flag : scene.syntax(command).flags()) {
+    const bool isOfAll = flag.longName == "constructionHistory" || flag.longName == "uvSetName";
+    if (flag.args.empty() || flag.isMultiUse || isOfAll || flag.modes != cmd::kAnyMode) continue;
+    CAPTURE(flag.longName);
+    const std::string value = joined(scene.run(command + " -q -" + flag.longName + " " + object));
+    CHECK(value.size() > 1);
+    if (flag.longName == "name") continue;
+    scene.run(command + " -e -" + flag.shortName + value + " " + object);
+    checkAlike(scene.mesh(object), made);
+  }
+}
+
 }  // namespace
 
 TEST_CASE("modelling commands: every flag is read from the node and can be written back") {
-  for (const Sample& sample : kSamples) {
+  for (const modelling::Declaration& declaration : modelling::declarations().list())
+    for (const modelling::Trial& trial : declaration.trials) {
+      const std::string& command = declaration.command;
+      INFO(command, " ", trial.flags);
+      bool isDone = false;
+      for (const auto& [words, object] : places(trial.components)) {
+        FlagScene scene;
+        if (isDone || !scene.tryRun(command + " " + trial.flags + " " + words)) continue;
+        isDone = true;
+        checkFlags(scene, command, object);
+      }
+      CHECK(isDone);
+    }
+}
+
+TEST_CASE("primitives and polyUnite: every flag is read from the node and can be written back") {
+  for (const char* line : {"polyCube -n o -w 2 -sx 3", "polySphere -n o -sy 5", "polyPlane -n o",
+                           "polyCylinder -n o -rcp 1 -sz 2", "polyCone -n o -h 3",
+                           "polyTorus -n o -tw 0.3", "polyPyramid -n o -ns 5", "polyUnite -n o c p",
+                           "polyCreateFacet -n o -p 0 0 0 -p 1 0 0 -p 0 1 0"}) {
     FlagScene scene;
-    const std::string command = sample.command, object = sample.object;
-    CAPTURE(command);
-    scene.run(command + " " + sample.words);
-    const mesh::Mesh made = scene.mesh(object);
-    for (const cmd::FlagSpec& flag : scene.syntax(command).flags()) {
-      if (flag.args.empty() || flag.isMultiUse || flag.longName == "constructionHistory") continue;
-      CAPTURE(flag.longName);
-      const std::string value = joined(scene.run(command + " -q -" + flag.longName + " " + object));
-      CHECK(value.size() > 1);
-      if (flag.longName == "name") continue;
-      scene.run(command + " -e -" + flag.shortName + value + " " + object);
-      checkAlike(scene.mesh(object), made);
+    CAPTURE(std::string(line));
+    scene.run(line);
+    checkFlags(scene, std::string(line).substr(0, std::string_view(line).find(' ')), "o");
+  }
+}
+
+TEST_CASE("a flag without effect is refused where it asks for one, and nothing has changed") {
+  int refused = 0;
+  for (const modelling::Declaration& declaration : modelling::declarations().list()) {
+    if (declaration.trials.empty()) continue;
+    for (const modelling::Parameter& parameter : declaration.parameters) {
+      const bool isNumber = parameter.argTypes().size() == 1;
+      if (parameter.effect == modelling::Parameter::Effect::Full || parameter.takesAnything ||
+          parameter.flags.empty() || !isNumber)
+        continue;
+      const std::string& flag = parameter.flags.front().longName;
+      INFO(declaration.command, " -", flag);
+      FlagScene scene;
+      const std::string line = declaration.command + " -" + flag + " ";
+      const auto message = scene.failure(line + "1 c.e[0:3]");
+      CHECK(message.find("-" + flag) != std::string::npos);
+      CHECK(scene.mesh("c").faceCount() == 6);
+      CHECK(scene.tryRun("polyCube; delete `ls -sl`"));
+      ++refused;
     }
   }
+  CHECK(refused > 5);
 }
