@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/base/assert.h"
+#include "host/cmd/help_texts.h"
 
 namespace host::cmd {
 
@@ -36,17 +37,12 @@ std::string_view argTypeHelpWord(ArgType type) {
 
 Syntax& Syntax::flag(std::string shortName, std::string longName, std::vector<ArgType> args,
                      std::uint8_t modes) {
+  HOST_ASSERT(!find(shortName) && !find(longName), "give each flag of a command names of its own");
   FlagSpec spec;
   spec.shortName = std::move(shortName);
   spec.longName = std::move(longName);
   spec.args = std::move(args);
   spec.modes = modes;
-  return flag(std::move(spec));
-}
-
-Syntax& Syntax::flag(FlagSpec spec) {
-  HOST_ASSERT(!find(spec.shortName) && !find(spec.longName),
-              "give each flag of a command names of its own");
   flags_.push_back(std::move(spec));
   return *this;
 }
@@ -63,16 +59,6 @@ Syntax& Syntax::queryArgs(QueryArgs how) {
 
 Syntax& Syntax::optionalArgs() {
   flags_.back().hasOptionalArgs = true;
-  return *this;
-}
-
-Syntax& Syntax::means(std::string phrase) {
-  flags_.back().meaning = std::move(phrase);
-  return *this;
-}
-
-Syntax& Syntax::about(std::string sentence) {
-  about_ = std::move(sentence);
   return *this;
 }
 
@@ -102,6 +88,17 @@ const FlagSpec* Syntax::find(std::string_view name) const {
   return nullptr;
 }
 
+namespace {
+
+/// "  : what it does", or nothing.
+std::string meaningOf(const HelpText* help, const std::string& flag) {
+  if (!help) return {};
+  const auto found = help->flags.find(flag);
+  return found == help->flags.end() ? std::string() : "  : " + found->second;
+}
+
+}  // namespace
+
 std::string Syntax::synopsis(std::string_view commandName) const {
   std::string text = "\nSynopsis: " + std::string(commandName);
   if (!flags_.empty() || isEditable_ || isQueryable_) text += " [flags]";
@@ -117,7 +114,8 @@ std::string Syntax::synopsis(std::string_view commandName) const {
     }
   }
   text += "\n";
-  if (!about_.empty()) text += about_ + "\n";
+  const HelpText* help = helpTextOf(commandName);
+  if (help && !help->about.empty()) text += help->about + "\n";
   if (flags_.empty() && !isEditable_ && !isQueryable_) return text;
   text += "Flags:\n";
   if (isEditable_) text += "   -e -edit\n";
@@ -137,7 +135,7 @@ std::string Syntax::synopsis(std::string_view commandName) const {
     if (spec->queryArgs == QueryArgs::Full) line += " (Query Arg Mandatory)";
     if (spec->queryArgs == QueryArgs::Optional) line += " (Query Arg Optional)";
     line.erase(line.find_last_not_of(' ') + 1);
-    if (!spec->meaning.empty()) line += "  : " + spec->meaning;
+    line += meaningOf(help, spec->longName);
     text += line + "\n";
   }
   return text;

@@ -41,7 +41,6 @@ struct FlagSpec {
   QueryArgs queryArgs = QueryArgs::None;
   /// Arguments may be left out, from the last to the first; then `ParsedArgs` has fewer of them.
   bool hasOptionalArgs = false;
-  std::string meaning = {};  ///< what it does, for help: a phrase without a full stop
 
   [[nodiscard]] bool isNamed(std::string_view name) const {
     return name == shortName || name == longName;
@@ -74,12 +73,6 @@ class Syntax {
   Syntax& multiUse();
   Syntax& queryArgs(QueryArgs how = QueryArgs::Full);
   Syntax& optionalArgs();
-  Syntax& means(std::string phrase);
-  /// Adds a flag that is described as a whole.
-  Syntax& flag(FlagSpec spec);
-
-  /// Says in a sentence what the command does, for help.
-  Syntax& about(std::string sentence);
 
   /// Lets `-e -edit` and `-q -query` stand; a flag of its own of that name goes before.
   Syntax& editable();
@@ -96,16 +89,12 @@ class Syntax {
   [[nodiscard]] bool isQueryable() const { return isQueryable_; }
   [[nodiscard]] const ObjectsSpec& objectsSpec() const { return objects_; }
 
-  [[nodiscard]] const std::string& aboutText() const { return about_; }
-
-  /// The help text: "Synopsis: name [flags] [String...]", what the command does, then a line a
-  /// flag.
+  /// The help text: "Synopsis: name [flags] [String...]", then a line a flag.
   [[nodiscard]] std::string synopsis(std::string_view commandName) const;
 
  private:
   std::vector<FlagSpec> flags_;
   ObjectsSpec objects_;
-  std::string about_;
   bool isEditable_ = false, isQueryable_ = false;
 };
 

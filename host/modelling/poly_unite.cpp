@@ -121,6 +121,7 @@ void polyUnite(Declarations& add) {
       .withoutEffect()
       .extraFlag({.shortName = "cp",
                   .longName = "centerPivot",
+                  .args = {},
                   .modes = kCreate,
                   .meaning = "puts the new object's pivots in its middle"})
       .builtBy(build)

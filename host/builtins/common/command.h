@@ -7,8 +7,6 @@
 
 #include "host/cmd/registry.h"
 #include "host/cmd/session.h"
-#include "host/scene/name_index.h"
-#include "host/scene/node_names.h"
 
 namespace host::builtins {
 
@@ -33,10 +31,15 @@ inline void defineQuery(CommandRegistry& registry, std::string name, Syntax synt
   define(registry, std::move(name), std::move(syntax), std::move(function), false);
 }
 
-using scene::attributeName;
-using scene::nodeName;
-using scene::plugName;
-using scene::shapeNameFor;
+/// The shortest unique path of a DAG node, else the name.
+[[nodiscard]] std::string nodeName(const dg::Node& node, bool fullPath = false);
+/// Puts "Shape" before a name's trailing number: "pCube1" gives "pCubeShape1".
+[[nodiscard]] std::string shapeNameFor(const std::string& transformName);
+/// "translateX", "pnts[2].pntx": the attribute with the arrays above it; compounds that are no
+/// arrays are left out.
+[[nodiscard]] std::string attributeName(const dg::Plug& plug, bool shortNames = false);
+/// The node's name, a dot and the attributeName.
+[[nodiscard]] std::string plugName(const dg::Plug& plug, bool shortAttribute = false);
 
 [[nodiscard]] inline mel::Value toValue(std::vector<std::string> names) {
   return mel::Value(std::move(names));

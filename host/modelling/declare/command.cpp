@@ -14,18 +14,49 @@ std::string helpOf(const Parameter& parameter) {
   return parameter.meaning + "; recorded, without effect";
 }
 
-void addFlags(cmd::Syntax& syntax, const Parameter& parameter) {
+void addFlags(cmd::Syntax& syntax, const Parameter& parameter, cmd::HelpText& help) {
   constexpr std::pair<const char*, const char*> kAxes[] = {{"x", "X"}, {"y", "Y"}, {"z", "Z"}};
   const std::vector<ArgType> types = parameter.argTypes();
   for (const FlagNames& names : parameter.flags) {
-    syntax.flag(names.shortName, names.longName, types).means(helpOf(parameter));
+    syntax.flag(names.shortName, names.longName, types);
+    help.flags[names.longName] = helpOf(parameter);
     if (types.size() != 3) continue;
     const std::string& child =
         names.childShortName.empty() ? names.shortName : names.childShortName;
-    for (const auto& [small, large] : kAxes)
-      syntax.flag(child + small, names.longName + large, {types.front()})
-          .means(std::string(large) + " of -" + names.longName);
+    for (const auto& [small, large] : kAxes) {
+      syntax.flag(child + small, names.longName + large, {types.front()});
+      help.flags[names.longName + large] = std::string(large) + " of -" + names.longName;
+    }
   }
+}
+
+void addFlag(cmd::Syntax& syntax, const ExtraFlag& flag, cmd::HelpText& help) {
+  syntax.flag(flag.shortName, flag.longName, flag.args, flag.modes);
+  if (flag.isMultiUse) syntax.multiUse();
+  if (flag.hasOptionalArgs) syntax.optionalArgs();
+  help.flags[flag.longName] = flag.meaning;
+}
+
+/// What every modelling command has.
+const std::vector<ExtraFlag>& commonFlags() {
+  static const std::vector<ExtraFlag> flags = {
+      {.shortName = "n",
+       .longName = "name",
+       .args = {ArgType::String},
+       .meaning = "name of what is made"},
+      {.shortName = "ch",
+       .longName = "constructionHistory",
+       .args = {ArgType::Bool},
+       .meaning = "off bakes the result of a mesh that had no history"},
+      {.shortName = "cch",
+       .longName = "caching",
+       .args = {ArgType::Bool},
+       .meaning = "recorded on the node's outputs"},
+      {.shortName = "nds",
+       .longName = "nodeState",
+       .args = {ArgType::Int},
+       .meaning = "1 lets the mesh pass unchanged"}};
+  return flags;
 }
 
 /// The plug that a queried flag reads; null when it stands for no attribute.
@@ -76,16 +107,13 @@ CommandResult create(Context& context, const ParsedArgs& args, const Declaration
 
 }  // namespace
 
-cmd::Syntax syntaxOf(const Declarations& all, const Declaration& declaration) {
+cmd::Syntax syntaxOf(const Declarations& all, const Declaration& declaration, cmd::HelpText& help) {
   cmd::Syntax syntax;
-  syntax.about(declaration.about);
-  for (const Parameter* parameter : all.parametersOf(declaration)) addFlags(syntax, *parameter);
-  for (const FlagSpec& flag : declaration.extraFlags) syntax.flag(flag);
-  syntax.flag("n", "name", {ArgType::String}).means("name of what is made");
-  syntax.flag("ch", "constructionHistory", {ArgType::Bool})
-      .means("off bakes the result of a mesh that had no history");
-  syntax.flag("cch", "caching", {ArgType::Bool}).means("recorded on the node's outputs");
-  syntax.flag("nds", "nodeState", {ArgType::Int}).means("1 lets the mesh pass unchanged");
+  help.about = declaration.about;
+  for (const Parameter* parameter : all.parametersOf(declaration))
+    addFlags(syntax, *parameter, help);
+  for (const ExtraFlag& flag : declaration.extraFlags) addFlag(syntax, flag, help);
+  for (const ExtraFlag& flag : commonFlags()) addFlag(syntax, flag, help);
   syntax.editable().queryable().objects(declaration.objectsMinimum, declaration.objectsMaximum,
                                         !declaration.isPrimitive());
   return syntax;
@@ -95,10 +123,12 @@ void registerCommands(cmd::CommandRegistry& registry) {
   const Declarations& all = declarations();
   for (const Declaration& declaration : all.list()) {
     if (declaration.command.empty()) continue;
-    const cmd::Syntax syntax = syntaxOf(all, declaration);
+    cmd::HelpText help;
+    const cmd::Syntax syntax = syntaxOf(all, declaration, help);
     std::vector<std::string> names = declaration.aliases;
     names.insert(names.begin(), declaration.command);
     for (const std::string& name : names) {
+      cmd::setHelpText(name, help);
       const Result<void> added = registry.add(cmd::CommandSpec{
           name, syntax, [&declaration](Context& context, const ParsedArgs& args) -> CommandResult {
             return args.isCreate() ? create(context, args, declaration)

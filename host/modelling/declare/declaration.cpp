@@ -130,8 +130,8 @@ Declaration& Declaration::recordedOnly() {
   return *this;
 }
 
-Declaration& Declaration::extraFlag(FlagSpec spec) {
-  extraFlags.push_back(std::move(spec));
+Declaration& Declaration::extraFlag(ExtraFlag flag) {
+  extraFlags.push_back(std::move(flag));
   return *this;
 }
 

@@ -15,7 +15,6 @@ namespace host::modelling {
 
 using cmd::ArgType;
 using cmd::Context;
-using cmd::FlagSpec;
 using cmd::kCreate;
 using cmd::ParsedArgs;
 using nodes::Attribute;
@@ -87,6 +86,16 @@ struct Parameter {
   [[nodiscard]] std::vector<ArgType> argTypes() const;
 };
 
+/// A flag that stands for no attribute.
+struct ExtraFlag {
+  std::string shortName, longName;
+  std::vector<ArgType> args = {};
+  std::uint8_t modes = cmd::kAnyMode;
+  bool isMultiUse = false;
+  bool hasOptionalArgs = false;
+  std::string meaning = {};
+};
+
 /// A command line that the tests run on every zoo mesh.
 struct Trial {
   std::string flags;       ///< after the command's name
@@ -147,8 +156,8 @@ class Declaration {
   /// Nothing reads it, and nothing it could say would change the result.
   Declaration& recordedOnly();
 
-  /// A flag that stands for no attribute; `create` or `afterFlags` reads it.
-  Declaration& extraFlag(FlagSpec spec);
+  /// A flag that `create` or `afterFlags` reads.
+  Declaration& extraFlag(ExtraFlag flag);
 
   Declaration& operation(nodes::HistoryOperation run);
   /// In place of an operation: completes a node type whose parameters are in it.
@@ -181,7 +190,7 @@ class Declaration {
   std::vector<ComponentType> alsoTakes;
   Leaves selected = Leaves::Selection;
   std::vector<Parameter> parameters;
-  std::vector<FlagSpec> extraFlags;
+  std::vector<ExtraFlag> extraFlags;
   nodes::HistoryOperation run;
   NodeBuilder build;
   AfterFlags after;

@@ -2,6 +2,7 @@
 
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/sets.h"
+#include "host/scene/name_index.h"
 
 namespace host::modelling {
 

@@ -109,7 +109,7 @@ void addFlagRows(std::string& page, const Declarations& all, const Declaration& 
                         defaultOf(*parameter), parameter->meaning, effectOf(*parameter),
                         isSame ? "" : fmt::format(" (attribute `{}`)", attribute.longName));
   }
-  for (const FlagSpec& flag : declaration.extraFlags)
+  for (const ExtraFlag& flag : declaration.extraFlags)
     rows +=
         fmt::format("| `-{} -{}` | {} | | {}{} |\n", flag.longName, flag.shortName,
                     argumentsOf(flag.args), flag.meaning, flag.isMultiUse ? ", once for each" : "");
