@@ -27,8 +27,9 @@ Result<Matrix4> pullMatrix(dg::Graph& graph, const Plug& plug) {
   return data ? data->value : Matrix4{};
 }
 
-AttributePtr boxCorner(const std::string& longName, const std::string& shortName) {
-  return triple(longName, shortName, AttributeType::Distance);
+AttributePtr boxCorner(const std::string& longName, const std::string& shortName,
+                       const std::string& childShortName) {
+  return triple(longName, shortName, AttributeType::Distance, {}, childShortName);
 }
 
 AttributePtr drawOverrides() {
@@ -150,10 +151,10 @@ void registerDagNode(dg::TypeRegistry& types) {
   TypeBuilder builder(types, "dagNode", "entity");
   builder.setAbstract();
   DagAttributes a{};
-  const Attribute* box = builder.add(internal(
-      output(compound("boundingBox", "bb",
-                      {boxCorner("boundingBoxMin", "bbmn"), boxCorner("boundingBoxMax", "bbmx"),
-                       boxCorner("boundingBoxSize", "bbsi")}))));
+  const Attribute* box = builder.add(internal(output(compound(
+      "boundingBox", "bb",
+      {boxCorner("boundingBoxMin", "bbmn", "bbn"), boxCorner("boundingBoxMax", "bbmx", "bbx"),
+       boxCorner("boundingBoxSize", "bbsi", "bbs")}))));
   a.boxMin = box->children[0].get();
   a.boxMax = box->children[1].get();
   a.boxSize = box->children[2].get();

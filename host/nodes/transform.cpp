@@ -45,8 +45,8 @@ void addLimits(TypeBuilder& builder, const std::string& what, const std::string&
                           boolean(name + "YLimitEnable", shortName + "ye"),
                           boolean(name + "ZLimitEnable", shortName + "ze")}));
   };
-  add("min", "mn", minimum);
-  add("max", "mx", maximum);
+  add("min", "m", minimum);
+  add("max", "x", maximum);
 }
 
 }  // namespace
@@ -67,8 +67,8 @@ void registerTransform(dg::TypeRegistry& types) {
   parts[6] = builder.add(triple("scalePivot", "sp", AttributeType::Distance));
   parts[7] = builder.add(triple("scalePivotTranslate", "spt", AttributeType::Distance));
   parts[8] = builder.add(triple("rotateAxis", "ra", AttributeType::Angle));
-  const Attribute* beforePivot =
-      builder.add(output(triple("transMinusRotatePivot", "tmrp", AttributeType::Distance)));
+  const Attribute* beforePivot = builder.add(
+      output(triple("transMinusRotatePivot", "tmrp", AttributeType::Distance, {}, "tmr")));
   addLimits(builder, "Trans", "t", AttributeType::Distance, -1, 1);
   addLimits(builder, "Rot", "r", AttributeType::Angle, -0.78539816339744828, 0.78539816339744828);
   addLimits(builder, "Scale", "s", AttributeType::Double, -1, 1);

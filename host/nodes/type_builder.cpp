@@ -68,11 +68,13 @@ AttributePtr triple(std::string longName, std::string shortName, AttributeType c
   return attribute;
 }
 
-AttributePtr color(std::string longName, std::string shortName, math::Vec3 value) {
+AttributePtr color(std::string longName, std::string shortName, math::Vec3 value,
+                   std::string childShortName) {
+  if (childShortName.empty()) childShortName = shortName;
   AttributePtr attribute = numbers(longName, shortName, "float3",
-                                   {single(longName + "R", shortName + "r", value.x),
-                                    single(longName + "G", shortName + "g", value.y),
-                                    single(longName + "B", shortName + "b", value.z)});
+                                   {single(longName + "R", childShortName + "r", value.x),
+                                    single(longName + "G", childShortName + "g", value.y),
+                                    single(longName + "B", childShortName + "b", value.z)});
   attribute->usedAsColor = true;
   return attribute;
 }

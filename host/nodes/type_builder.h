@@ -44,9 +44,9 @@ using dg::Plug;
 [[nodiscard]] AttributePtr triple(std::string longName, std::string shortName,
                                   AttributeType childType, math::Vec3 value = {},
                                   const std::string& childShortName = {});
-/// A float3 whose children are named R G B.
-[[nodiscard]] AttributePtr color(std::string longName, std::string shortName,
-                                 math::Vec3 value = {});
+/// A float3 whose children are named R G B. `childShortName` is for "sr" below "sc".
+[[nodiscard]] AttributePtr color(std::string longName, std::string shortName, math::Vec3 value = {},
+                                 std::string childShortName = {});
 /// A compound of numbers of one type with children of any names.
 [[nodiscard]] AttributePtr numbers(std::string longName, std::string shortName,
                                    std::string compoundType,
