@@ -71,6 +71,8 @@ void polyBridgeEdge(Declarations& add) {
                       choice("taperCurve_Interp", "ci", {"None", "Linear", "Smooth", "Spline"})})),
                  "scale along the way")
       .recordedOnly()
+      .parameter(boolean("worldSpace", "ws"), "bridges are measured in the object's space")
+      .recordedOnly()
       .trial("-dv 1", "border")
       .trial("-dv 3 -twist 30 -taper 0.5", "border")
       .operation(bridge);

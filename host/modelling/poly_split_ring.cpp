@@ -87,7 +87,9 @@ void polySplitRing(Declarations& add) {
           .parameter(keyable(real("adjustEdgeFlow", "aef", 1)), "how far, with -insertWithEdgeFlow")
           .recordedOnly();
   addProfile(declaration);
-  declaration.afterFlags(setRoot)
+  declaration.parameter(boolean("worldSpace", "ws"), "-weight as a length is the object's own")
+      .recordedOnly()
+      .afterFlags(setRoot)
       .trial("-wt 0.3", "e")
       .trial("-stp 2 -div 3", "e")
       .trial("-stp 0 -wt 0.2 -dr 0 -fq 1 -sma 0", "e")

@@ -32,21 +32,22 @@ math::RotateOrder orderFrom(std::int64_t value) {
 /// A limit pair with its two switches, such as minTransLimit and minTransXLimitEnable.
 void addLimits(TypeBuilder& builder, const std::string& what, const std::string& code,
                AttributeType type, double minimum, double maximum) {
-  const auto add = [&](const std::string& side, const std::string& sideCode, double value) {
+  const auto add = [&](const std::string& side, const std::string& sideCode,
+                       const std::string& wholeCode, double value) {
     const std::string name = side + what;
     const std::string shortName = sideCode + code;
     std::initializer_list<AttributePtr> axes = {
         dg::makeAttribute(name + "XLimit", shortName + "xl", type, value),
         dg::makeAttribute(name + "YLimit", shortName + "yl", type, value),
         dg::makeAttribute(name + "ZLimit", shortName + "zl", type, value)};
-    builder.add(numbers(name + "Limit", shortName + "l", "double3", axes));
+    builder.add(numbers(name + "Limit", wholeCode + code + "l", "double3", axes));
     builder.add(compound(name + "LimitEnable", shortName + "le",
                          {boolean(name + "XLimitEnable", shortName + "xe"),
                           boolean(name + "YLimitEnable", shortName + "ye"),
                           boolean(name + "ZLimitEnable", shortName + "ze")}));
   };
-  add("min", "m", minimum);
-  add("max", "x", maximum);
+  add("min", "m", "mn", minimum);
+  add("max", "x", "mx", maximum);
 }
 
 }  // namespace

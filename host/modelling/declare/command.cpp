@@ -114,8 +114,10 @@ cmd::Syntax syntaxOf(const Declarations& all, const Declaration& declaration, cm
     addFlags(syntax, *parameter, help);
   for (const ExtraFlag& flag : declaration.extraFlags) addFlag(syntax, flag, help);
   for (const ExtraFlag& flag : commonFlags()) addFlag(syntax, flag, help);
+  // What makes a mesh from nothing has no use for what is selected.
+  const bool takesSelection = !(declaration.isPrimitive() && declaration.run);
   syntax.editable().queryable().objects(declaration.objectsMinimum, declaration.objectsMaximum,
-                                        !declaration.isPrimitive());
+                                        takesSelection);
   return syntax;
 }
 

@@ -44,14 +44,26 @@ FlagTarget targetOf(const std::vector<const Parameter*>& parameters, std::string
   return {};
 }
 
+/// What a flag's i-th number is when nobody says otherwise.
+std::optional<double> usualNumber(const FlagTarget& target, std::size_t i) {
+  const std::vector<AttributePtr>& children = target.parameter->attribute->children;
+  const std::size_t child = target.child < 0 ? i : static_cast<std::size_t>(target.child);
+  if (children.empty() || child >= children.size()) return target.parameter->commandDefault();
+  Parameter part;
+  part.attribute = children[child];
+  return part.commandDefault();
+}
+
 /// A recorded parameter takes the numbers that ask for nothing.
-Result<void> checkEffect(const Declaration& declaration, const Parameter& parameter,
+Result<void> checkEffect(const Declaration& declaration, const FlagTarget& target,
                          const cmd::FlagSpec& flag, std::span<const mel::Value> values) {
+  const Parameter& parameter = *target.parameter;
   if (parameter.effect == Parameter::Effect::Full || parameter.takesAnything) return {};
-  for (const mel::Value& value : values) {
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const mel::Value& value = values[i];
     const double number = value.isString() ? std::nan("") : value.toFloat().value_or(std::nan(""));
     const auto isSame = [&](double taken) { return std::abs(number - taken) < 1e-9; };
-    const std::optional<double> usual = parameter.commandDefault();
+    const std::optional<double> usual = usualNumber(target, i);
     if ((usual && isSame(*usual)) ||
         std::any_of(parameter.harmless.begin(), parameter.harmless.end(), isSame))
       continue;
@@ -210,7 +222,7 @@ Result<void> setParameters(Context& context, const ParsedArgs& args, const Decla
     const FlagTarget target = targetOf(parameters, use.spec->longName);
     if (!target.parameter) continue;
     const auto values = args.values(use);
-    HOST_TRY(checkEffect(declaration, *target.parameter, *use.spec, values));
+    HOST_TRY(checkEffect(declaration, target, *use.spec, values));
     const Plug plug = node.plug(target.parameter->attribute->longName);
     HOST_TRY(setFromFlag(context, target.child < 0 ? plug : plug.child(target.child), values));
   }

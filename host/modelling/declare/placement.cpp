@@ -19,15 +19,13 @@ void addOldMotions(Declaration& declaration) {
       .recordedOnly()
       .parameter(single("gain", "ga", 1), "strength of -random")
       .recordedOnly()
-      .parameter(integer("localCenter", "lc"), "0 the middle, 1 the start, 2 the end of an edge")
-      .withoutEffect()
       .parameter(triple("localDirection", "ld", kLength, {1, 0, 0}), "the local x axis")
       .withoutEffect();
 }
 
 }  // namespace
 
-void addPlacement(Declaration& declaration) {
+void addMotion(Declaration& declaration) {
   declaration
       .parameter(keyable(triple("translate", "t", kLength)), "moves all along the world's axes")
       .parameter(keyable(triple("rotate", "ro", kAngle, {}, "r")), "turns all about -pivot")
@@ -37,18 +35,33 @@ void addPlacement(Declaration& declaration) {
                  "centre of -rotate and -scale; at first the middle of what moves")
       .flag("pvt", "pivot", "pv")
       .parameter(keyable(triple("localTranslate", "lt", kLength)),
-                 "moves each region in its frame, z along its normal")
+                 "moves each region in its frame, z along its normal");
+  addOldMotions(declaration);
+}
+
+void addLocalTurns(Declaration& declaration) {
+  declaration
       .parameter(keyable(triple("localRotate", "lr", kAngle)), "turns each region in its frame")
       .parameter(keyable(triple("localScale", "ls", kNumber, {1, 1, 1})),
                  "scales each region in its frame")
-      .parameter(keyable(real("offset", "off")), "draws the rim of each region in, cm")
-      .parameter(triple("compBoundingBoxMin", "cbn", kLength), "box of what moves")
+      .parameter(integer("localCenter", "lc"), "0 the middle, 1 the start, 2 the end of an edge")
+      .withoutEffect();
+}
+
+void addOffset(Declaration& declaration) {
+  declaration.parameter(keyable(real("offset", "off")), "draws the rim of each region in, cm");
+}
+
+void addPlacement(Declaration& declaration) {
+  addMotion(declaration);
+  addLocalTurns(declaration);
+  addOffset(declaration);
+  declaration.parameter(triple("compBoundingBoxMin", "cbn", kLength), "box of what moves")
       .noFlag()
       .recordedOnly()
       .parameter(triple("compBoundingBoxMax", "cbx", kLength, {}, "cx"), "box of what moves")
       .noFlag()
       .recordedOnly();
-  addOldMotions(declaration);
 }
 
 void addFacePlacement(Declaration& declaration) {
@@ -81,10 +94,16 @@ void addExtrusion(Declaration& declaration) {
 }
 
 ops::ExtrudePlacement placementOf(const HistoryContext& context) {
+  const auto has = [&](std::string_view attribute) {
+    return context.node().type().find(attribute) != nullptr;
+  };
   ops::ExtrudePlacement placement;
-  placement.offset = context.real("offset");
-  placement.local = {context.vec3("localTranslate"), context.vec3("localRotate"),
-                     context.vec3("localScale")};
+  if (has("offset")) placement.offset = context.real("offset");
+  placement.local.translate = context.vec3("localTranslate");
+  if (has("localRotate")) {
+    placement.local.rotate = context.vec3("localRotate");
+    placement.local.scale = context.vec3("localScale");
+  }
   placement.world = {context.vec3("translate"), context.vec3("rotate"), context.vec3("scale")};
   placement.pivot = context.vec3("pivot");
   placement.space = context.space();
@@ -117,8 +136,10 @@ Result<void> setPlacementFrame(Context& context, const ParsedArgs& args, Node& n
        mesh::convertComponents(item.mesh, nodes::meshKind(type), ids, mesh::ComponentKind::Vertex))
     box.add(math::transformPoint(item.mesh.point(vertex), space));
   if (box.isEmpty()) return {};
-  HOST_TRY(graph.setVec3(node.plug("compBoundingBoxMin"), box.min));
-  HOST_TRY(graph.setVec3(node.plug("compBoundingBoxMax"), box.max));
+  if (node.plug("compBoundingBoxMin")) {
+    HOST_TRY(graph.setVec3(node.plug("compBoundingBoxMin"), box.min));
+    HOST_TRY(graph.setVec3(node.plug("compBoundingBoxMax"), box.max));
+  }
   for (const char* flag : {"pivot", "pivotX", "pivotY", "pivotZ"})
     if (args.has(flag)) return {};
   return graph.setVec3(node.plug("pivot"), (box.min + box.max) * 0.5);

@@ -5,8 +5,14 @@
 
 namespace host::modelling {
 
-/// The parameters of commands that move what they make: offset, the local and the world transform,
-/// pivot.
+/// The parameters of commands that move components: the world transform, its pivot, the local
+/// translation.
+void addMotion(Declaration& declaration);
+/// The local rotation and scale, for regions that have an extent.
+void addLocalTurns(Declaration& declaration);
+/// Drawing in the rim of regions that have one.
+void addOffset(Declaration& declaration);
+/// All of that, for commands that move what they make, and the box of it.
 void addPlacement(Declaration& declaration);
 /// What moving faces has beside that.
 void addFacePlacement(Declaration& declaration);

@@ -27,13 +27,15 @@ std::string_view plural(ComponentType type) {
 
 std::string takenBy(const Declaration& declaration) {
   if (declaration.isPrimitive()) return "";
+  if (declaration.create && declaration.objectsMaximum == 1) return "an object";
+  if (declaration.create && declaration.trials.empty()) return "objects";
   std::string text(plural(declaration.works));
   for (const ComponentType also : declaration.alsoTakes) text += fmt::format(", {}", plural(also));
   return text;
 }
 
 std::string_view leftBy(const Declaration& declaration) {
-  if (declaration.create && declaration.selected == Leaves::Selection) return "the object";
+  if (declaration.create && declaration.trials.empty()) return "what it made";
   switch (declaration.selected) {
     case Leaves::Selection:
       return "as before";

@@ -105,6 +105,8 @@ TEST_CASE("modelling commands: every flag is read from the node and can be writt
         FlagScene scene;
         if (isDone || !scene.tryRun(command + " " + trial.flags + " " + words)) continue;
         isDone = true;
+        // Of faces polyCollapseEdge makes another command's node.
+        if (!scene.tryRun(command + " -q -name " + object)) continue;
         checkFlags(scene, command, object);
       }
       CHECK(isDone);
@@ -135,11 +137,13 @@ TEST_CASE("a flag without effect is refused where it asks for one, and nothing h
       const std::string& flag = parameter.flags.front().longName;
       INFO(declaration.command, " -", flag);
       FlagScene scene;
-      const std::string line = declaration.command + " -" + flag + " ";
-      const auto message = scene.failure(line + "1 c.e[0:3]");
+      const modelling::Trial& trial = declaration.trials.front();
+      const bool isOne = parameter.commandDefault() == 1.0;
+      const std::string line =
+          declaration.command + " " + trial.flags + " -" + flag + (isOne ? " 0 " : " 1 ");
+      const auto message = scene.failure(line + places(trial.components).front().first);
       CHECK(message.find("-" + flag) != std::string::npos);
       CHECK(scene.mesh("c").faceCount() == 6);
-      CHECK(scene.tryRun("polyCube; delete `ls -sl`"));
       ++refused;
     }
   }
