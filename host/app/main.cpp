@@ -16,6 +16,7 @@
 #include "host/base/memory.h"
 #include "host/base/messages.h"
 #include "host/mel/literal.h"
+#include "host/modelling/declare/reference.h"
 
 namespace host::app {
 namespace {
@@ -113,6 +114,10 @@ int main(int argc, char** argv) {
   Options options;
   const int ended = parseOptions(argc, argv, options);
   if (ended >= 0) return ended;
+  if (options.script == "reference") {
+    std::fputs(host::modelling::referenceRows(host::modelling::declarations()).c_str(), stdout);
+    return kDone;
+  }
   if (options.window) {
     std::fprintf(stderr, "qxmt: this build has no window; run a script, -c or -i\n");
     return kBadUsage;

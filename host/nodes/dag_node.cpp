@@ -31,8 +31,9 @@ Result<Matrix4> pullMatrix(dg::Graph& graph, const Plug& plug) {
   return data ? data->value : Matrix4{};
 }
 
-AttributePtr boxCorner(const std::string& longName, const std::string& shortName) {
-  return triple(longName, shortName, AttributeType::Distance);
+AttributePtr boxCorner(const std::string& longName, const std::string& shortName,
+                       const std::string& childShortName) {
+  return triple(longName, shortName, AttributeType::Distance, {}, childShortName);
 }
 
 AttributePtr drawOverrides() {
@@ -167,19 +168,17 @@ void registerDagNode(dg::TypeRegistry& types) {
   TypeBuilder builder(types, "dagNode", "entity");
   builder.setAbstract();
   DagAttributes a{};
-  const Attribute* box = builder.add(internal(
-      output(compound("boundingBox", "bb",
-                      {boxCorner("boundingBoxMin", "bbmn"), boxCorner("boundingBoxMax", "bbmx"),
-                       boxCorner("boundingBoxSize", "bbsi")}))));
+  const Attribute* box = builder.add(internal(output(compound(
+      "boundingBox", "bb",
+      {boxCorner("boundingBoxMin", "bbmn", "bbn"), boxCorner("boundingBoxMax", "bbmx", "bbx"),
+       boxCorner("boundingBoxSize", "bbsi", "bbs")}))));
   a.boxMin = box->children[0].get();
   a.boxMax = box->children[1].get();
   a.boxSize = box->children[2].get();
-  AttributePtr center = boxCorner("center", "c");
-  for (int axis = 0; axis < 3; ++axis) {
+  AttributePtr center = boxCorner("center", "c", "bc");
+  for (int axis = 0; axis < 3; ++axis)
     center->children[static_cast<std::size_t>(axis)]->longName =
         std::string("boundingBoxCenter") + "XYZ"[axis];
-    center->children[static_cast<std::size_t>(axis)]->shortName = std::string("bc") + "xyz"[axis];
-  }
   a.center = builder.add(internal(output(std::move(center))));
   a.matrix = builder.add(output(matrix("matrix", "m")));
   a.inverseMatrix = builder.add(output(matrix("inverseMatrix", "im")));

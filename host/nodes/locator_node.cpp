@@ -12,7 +12,7 @@ void registerLocator(dg::TypeRegistry& types) {
   TypeBuilder locator(types, "locator", "geometryShape", typeCode("LOCT"));
   const Attribute* local =
       locator.add(channelBox(triple("localPosition", "lp", AttributeType::Distance)));
-  locator.add(channelBox(triple("localScale", "los", AttributeType::Distance, {1, 1, 1})));
+  locator.add(channelBox(triple("localScale", "los", AttributeType::Distance, {1, 1, 1}, "ls")));
   AttributePtr positions = array(output(triple("worldPosition", "wp", AttributeType::Distance)));
   positions->worldSpace = true;
   const Attribute* world = locator.add(std::move(positions));
