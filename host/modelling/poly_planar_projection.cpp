@@ -28,8 +28,7 @@ void polyPlanarProjection(Declarations& add) {
   addUvSetName(declaration);
   FlagSpec direction{"md", "mapDirection", {ArgType::String}, kCreate};
   direction.meaning = "x, y, z, b (the faces' best plane) or c (as the camera sees them)";
-  FlagSpec ratio{"kir", "keepImageRatio", {ArgType::Bool}, kCreate};
-  ratio.hasOptionalArgs = true;
+  FlagSpec ratio{"kir", "keepImageRatio", {}, kCreate};
   ratio.meaning = "one size across and up";
   declaration.extraFlag(direction)
       .extraFlag(ratio)

@@ -195,7 +195,7 @@ Result<void> fitProjection(Context& context, const ParsedArgs& args, Node& node,
       const Vec3 extent = box.max - box.min;
       const auto orOne = [](double x) { return x > 1e-12 ? x : 1.0; };
       double width = orOne(extent.x), height = orOne(extent.y);
-      if (args.boolean("keepImageRatio")) width = height = std::max(extent.x, extent.y);
+      if (args.has("keepImageRatio")) width = height = std::max(extent.x, extent.y);
       if (!hasAny(args, {"projectionScale", "projectionWidth", "projectionHeight"})) {
         if (shape == UvProjectionShape::Planar)
           HOST_TRY(setNumber(context, size.child(0), orOne(width)));

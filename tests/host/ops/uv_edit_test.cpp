@@ -11,6 +11,7 @@
 #include "host/ops/uv/straighten_uvs.h"
 #include "host/ops/uv/transfer_attributes.h"
 #include "host/ops/uv/uv_ids.h"
+#include "host/ops/uv/uv_rectangle.h"
 #include "tests/host/ops/ops_testing.h"
 
 using namespace host;
@@ -225,4 +226,26 @@ TEST_CASE("transfer by numbers copies, and says where the faces differ") {
   CHECK(!copyByTopology(small, source));
   CHECK(!transferAttributes(small, source, options));
   CHECK(small == before);
+}
+
+TEST_CASE("the rectangle between two vertices fills the square, face up, and no other faces") {
+  Mesh mesh = zoo::gridMesh(5, 4);
+  const Mesh before = mesh;
+  // Columns 1 to 3, rows 1 to 2, from either diagonal.
+  for (const auto& [a, b] : {std::pair<VertexId, VertexId>{7, 22}, {10, 19}, {22, 7}}) {
+    const auto faces = mapUvRectangle(mesh, 0, a, b);
+    REQUIRE(faces);
+    requireSound(mesh);
+    CHECK(faces->size() == 6);
+    for (const FaceId f : *faces) {
+      const UvBox box = uvBox(mesh.uvSet(0), uvsOfFaces(mesh, 0, std::vector<FaceId>{f}));
+      CHECK(box.width() * box.height() == doctest::Approx(1.0 / 6));
+      CHECK(uvArea(mesh, 0, f) > 0);
+    }
+    CHECK(placeOf(mesh, 0, 0) == placeOf(before, 0, 0));
+  }
+  const Mesh mapped = mesh;
+  CHECK(!mapUvRectangle(mesh, 0, 7, 7));
+  CHECK(!mapUvRectangle(mesh, 0, 7, 8));
+  CHECK(mesh == mapped);
 }
