@@ -26,9 +26,9 @@ void polyPlanarProjection(Declarations& add) {
           .takes(ComponentType::Face);
   addProjection(declaration, {real("projectionWidth", "pw", 1), real("projectionHeight", "ph", 1)});
   addUvSetName(declaration);
-  FlagSpec direction{"md", "mapDirection", {ArgType::String}, kCreate};
+  ExtraFlag direction{"md", "mapDirection", {ArgType::String}, kCreate};
   direction.meaning = "x, y, z, b (the faces' best plane) or c (as the camera sees them)";
-  FlagSpec ratio{"kir", "keepImageRatio", {}, kCreate};
+  ExtraFlag ratio{"kir", "keepImageRatio", {}, kCreate};
   ratio.meaning = "one size across and up";
   declaration.extraFlag(direction)
       .extraFlag(ratio)

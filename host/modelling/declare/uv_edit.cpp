@@ -103,9 +103,9 @@ void addUvSetName(Declaration& declaration) {
 }
 
 void addNewMapFlags(Declaration& declaration) {
-  FlagSpec create{"cm", "createNewMap", {ArgType::Bool}};
+  ExtraFlag create{"cm", "createNewMap", {ArgType::Bool}};
   create.meaning = "fills a new UV set, of the name that -uvSetName says";
-  FlagSpec before{"ibd", "insertBeforeDeformers", {ArgType::Bool}};
+  ExtraFlag before{"ibd", "insertBeforeDeformers", {ArgType::Bool}};
   before.meaning = "recorded; there are no deformers";
   declaration.extraFlag(create).extraFlag(before);
 }
@@ -141,11 +141,11 @@ void addProjection(Declaration& declaration, ProjectionSize size) {
       .parameter(angle("rotationAngle", "ra"), "turn of the image in the map");
   for (const auto& [small, large] :
        {std::pair{"psu", "projectionScaleU"}, std::pair{"psv", "projectionScaleV"}}) {
-    FlagSpec flag{small, large, {ArgType::Double}, kCreate};
+    ExtraFlag flag{small, large, {ArgType::Double}, kCreate};
     flag.meaning = "one of the numbers of -projectionScale";
     declaration.extraFlag(flag);
   }
-  FlagSpec fit{"sf", "smartFit", {ArgType::Bool}, kCreate};
+  ExtraFlag fit{"sf", "smartFit", {ArgType::Bool}, kCreate};
   fit.meaning = "off leaves centre and size at what the flags say";
   declaration.extraFlag(fit);
   addNewMapFlags(declaration);
