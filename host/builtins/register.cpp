@@ -85,6 +85,11 @@ void registerUiGesture(cmd::CommandRegistry&);
 void registerViewMessages(cmd::CommandRegistry&);
 void registerWindowPref(cmd::CommandRegistry&);
 
+void registerPolyEditUv(cmd::CommandRegistry&);
+void registerPolyForceUv(cmd::CommandRegistry&);
+void registerPolyProjection(cmd::CommandRegistry&);
+void registerUvProcedures(cmd::CommandRegistry&);
+
 void registerPlayblast(cmd::CommandRegistry&);
 void registerViewFit(cmd::CommandRegistry&);
 void registerViewGesture(cmd::CommandRegistry&);
@@ -154,6 +159,10 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerPolyColorSet,
       registerPolyOptions,
       registerPolyUvSet,
+      registerPolyEditUv,
+      registerPolyForceUv,
+      registerPolyProjection,
+      registerUvProcedures,
       registerListSets,
       registerMakeIdentity,
       registerVisibility,

@@ -20,6 +20,12 @@ void addFlags(cmd::Syntax& syntax, const Parameter& parameter, cmd::HelpText& he
   for (const FlagNames& names : parameter.flags) {
     syntax.flag(names.shortName, names.longName, types);
     help.flags[names.longName] = helpOf(parameter);
+    // Pairs go by the names of their children, triples by the flag's own.
+    if (types.size() == 2)
+      for (const AttributePtr& child : parameter.attribute->children) {
+        syntax.flag(child->shortName, child->longName, {types.front()});
+        help.flags[child->longName] = "one number of -" + names.longName;
+      }
     if (types.size() != 3) continue;
     const std::string& child =
         names.childShortName.empty() ? names.shortName : names.childShortName;
@@ -69,6 +75,9 @@ Plug plugOf(const Declaration& declaration, Node& node, std::string_view asked) 
       if (names.longName == asked) return plug;
       for (int i = 0; i < 3 && plug.isCompound(); ++i)
         if (asked == names.longName + std::string(kAxes[i])) return plug.child(i);
+      for (int i = 0; i < 2 && plug.isCompound(); ++i)
+        if (plug.attribute()->children.size() == 2 && plug.child(i).attribute()->longName == asked)
+          return plug.child(i);
     }
   }
   return {};

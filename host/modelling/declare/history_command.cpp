@@ -29,7 +29,7 @@ Result<void> setFromFlag(Context& context, const Plug& plug, std::span<const mel
 
 struct FlagTarget {
   const Parameter* parameter = nullptr;
-  int child = -1;  ///< of a triple; -1: the attribute itself
+  int child = -1;  ///< of a pair or triple; -1: the attribute itself
 };
 
 /// What a flag sets.
@@ -39,7 +39,9 @@ FlagTarget targetOf(const std::vector<const Parameter*>& parameters, std::string
     for (const FlagNames& names : parameter->flags) {
       if (names.longName == longName) return {parameter, -1};
       for (int i = 0; i < static_cast<int>(parameter->attribute->children.size()); ++i)
-        if (i < 3 && longName == names.longName + std::string(kAxes[i])) return {parameter, i};
+        if ((i < 3 && longName == names.longName + std::string(kAxes[i])) ||
+            longName == parameter->attribute->children[static_cast<std::size_t>(i)]->longName)
+          return {parameter, i};
     }
   return {};
 }
