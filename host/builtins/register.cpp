@@ -37,7 +37,6 @@ void registerXform(cmd::CommandRegistry&);
 void registerFile(cmd::CommandRegistry&);
 void registerFileInfo(cmd::CommandRegistry&);
 
-void registerDeleteComponents(cmd::CommandRegistry&);
 void registerPerformAction(cmd::CommandRegistry&);
 void registerPointPosition(cmd::CommandRegistry&);
 void registerPolyColorPerVertex(cmd::CommandRegistry&);
@@ -152,7 +151,6 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerPolySelect,
       registerPolySelectConstraint,
       registerTraverseSelection,
-      registerDeleteComponents,
       registerPerformAction,
       registerPolyColorPerVertex,
       registerPolyColorSet,

@@ -1,5 +1,6 @@
 #include "host/builtins/poly/mesh_objects.h"
 #include "host/builtins/poly/modelling_command.h"
+#include "host/edits/xform.h"
 #include "host/nodes/mesh_shape.h"
 
 namespace host::builtins {
@@ -66,10 +67,8 @@ CommandResult polyUnite(Context& context, const ParsedArgs& args) {
   std::vector<std::string> names{transform.partialName()};
   if (keepsHistory) names.push_back(nodeName);
   selectObjects(document, {transform});
-  if (args.has("centerPivot")) {
-    auto centred = context.session.interpreter().execute("xform -centerPivots " + names.front());
-    if (!centred) return failWith(std::move(centred.error()));
-  }
+  if (args.has("centerPivot"))
+    HOST_TRY(edits::xform(document, document.selection(), {.centersPivots = true}));
   return toValue(std::move(names));
 }
 

@@ -1,4 +1,4 @@
-#include "host/builtins/common/mesh_components.h"
+#include "host/nodes/mesh_components.h"
 
 #include <algorithm>
 #include <numeric>
@@ -6,7 +6,7 @@
 #include "host/mesh/adjacency.h"
 #include "host/nodes/mesh_shape.h"
 
-namespace host::builtins {
+namespace host::nodes {
 
 using scene::Component;
 using scene::ComponentType;
@@ -93,4 +93,4 @@ Result<std::vector<MeshItem>> meshItems(const scene::SelectionList& list) {
   return items;
 }
 
-}  // namespace host::builtins
+}  // namespace host::nodes
