@@ -38,7 +38,6 @@ void registerXform(cmd::CommandRegistry&);
 void registerFile(cmd::CommandRegistry&);
 void registerFileInfo(cmd::CommandRegistry&);
 
-void registerDeleteComponents(cmd::CommandRegistry&);
 void registerPerformAction(cmd::CommandRegistry&);
 void registerPointPosition(cmd::CommandRegistry&);
 void registerPolyColorPerVertex(cmd::CommandRegistry&);
@@ -153,7 +152,6 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerPolySelect,
       registerPolySelectConstraint,
       registerTraverseSelection,
-      registerDeleteComponents,
       registerPerformAction,
       registerPolyColorPerVertex,
       registerPolyColorSet,
