@@ -170,8 +170,8 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerPickWalk,
       registerRuntimeCommands,
   };
-  for (const auto registration : kRegistrations) registration(registry);
   modelling::registerCommands(registry);
+  for (const auto registration : kRegistrations) registration(registry);
 }
 
 std::unique_ptr<cmd::Session> makeSession() {

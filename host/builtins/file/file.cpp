@@ -11,6 +11,7 @@ FileRequest readRequest(const ParsedArgs& args) {
                       .sharesNamespace = args.boolean("mergeNamespacesOnClash"),
                       .prefixesAll = args.boolean("renameAll"),
                       .addsExtension = args.boolean("defaultExtensions", true)};
+  request.runsScripts = args.has("executeScriptNodes") && args.boolean("executeScriptNodes");
   if (args.has("type")) request.type = args.text("type");
   if (args.has("namespace")) request.nameSpace = args.text("namespace");
   if (args.has("renamingPrefix")) request.prefix = args.text("renamingPrefix");

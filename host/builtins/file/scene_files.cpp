@@ -150,7 +150,7 @@ Result<std::string> openScene(Context& context, const FileRequest& request) {
     return failWith(std::move(nodes.error()));
   }
   work.reach(SceneStage::AfterRead);
-  runScriptNodes(context, args.has("executeScriptNodes") && args.boolean("executeScriptNodes"));
+  runScriptNodes(context, request.runsScripts);
   context.document.setFileName(*path);
   context.document.setModified(false);
   context.session.scriptJobs().triggerEvent("PostSceneRead");

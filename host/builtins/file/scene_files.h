@@ -20,6 +20,8 @@ struct FileRequest {
   bool prefixesAll = false;                   ///< the prefix for all imported nodes
   bool addsExtension = true;                  ///< to a name without one
   std::optional<bool> withHistory = {}, withShading = {};
+  bool runsScripts =
+      false;  ///< that the scene brings along; else a message says that they did not run
 };
 
 /// The works on scene files, for the `file` command and whoever else. Each tells the session's
