@@ -172,8 +172,8 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerPickWalk,
       registerRuntimeCommands,
   };
+  modelling::registerCommands(registry);  // first: runtime commands stand for some of them
   for (const auto registration : kRegistrations) registration(registry);
-  modelling::registerCommands(registry);
 }
 
 std::unique_ptr<cmd::Session> makeSession() {
