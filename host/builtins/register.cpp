@@ -170,7 +170,7 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerPickWalk,
       registerRuntimeCommands,
   };
-  modelling::registerCommands(registry);
+  modelling::registerCommands(registry);  // first: runtime commands stand for some of them
   for (const auto registration : kRegistrations) registration(registry);
 }
 
