@@ -15,9 +15,9 @@
 #include "host/app/unwrap.h"
 #include "host/base/memory.h"
 #include "host/base/messages.h"
+#include "host/builtins/file/scene_files.h"
 #include "host/mel/literal.h"
 #include "host/modelling/declare/reference.h"
-#include "host/builtins/file/scene_files.h"
 
 namespace host::app {
 namespace {

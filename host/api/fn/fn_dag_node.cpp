@@ -5,8 +5,8 @@
 
 #include "host/api/core/access.h"
 #include "host/cmd/session.h"
-#include "host/scene/dag_paths.h"
 #include "host/edits/duplicate.h"
+#include "host/scene/dag_paths.h"
 #include "host/workspace/edit_hooks.h"
 
 namespace host::api {
