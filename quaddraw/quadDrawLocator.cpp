@@ -46,6 +46,10 @@ void addVertices(const MPointArray& points, float red, float green, float blue, 
 void drawWithGl(const MPointArray& loose, const MPointArray& quad) {
   glPushAttrib(GL_CURRENT_BIT | GL_POINT_BIT);
   glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
+  // In front of everything: a quad's middle lies below the surface that its corners lie on.
+  GLdouble range[2] = {0.0, 1.0};
+  glGetDoublev(GL_DEPTH_RANGE, range);
+  glDepthRange(range[0], range[0]);
   glPointSize(kPointSize);
   glBegin(GL_POINTS);
   addVertices(loose, 0.0F, 1.0F, 0.0F, 1.0F);
@@ -58,6 +62,7 @@ void drawWithGl(const MPointArray& loose, const MPointArray& quad) {
     addVertices(quad, 0.2F, 0.2F, 1.0F, 0.8F);
     glEnd();
   }
+  glDepthRange(range[0], range[1]);
   glPopClientAttrib();
   glPopAttrib();
   glDisable(GL_POLYGON_STIPPLE);

@@ -74,6 +74,7 @@ void quadDrawLocatorDrawOverride::addUIDrawables(const MDagPath&,
   const auto* prepared = dynamic_cast<const quadDrawLocatorData*>(data);
   if (!prepared || (!prepared->showPoints && !prepared->showQuad)) return;
   manager.beginDrawable();
+  manager.beginDrawInXray();  // a quad's middle lies below the surface that its corners lie on
   manager.setPointSize(kPointSize);
   manager.setColor(MColor(0.0F, 1.0F, 0.0F, 1.0F));
   for (unsigned int i = 0; i < prepared->points.length(); ++i) manager.point(prepared->points[i]);
@@ -81,5 +82,6 @@ void quadDrawLocatorDrawOverride::addUIDrawables(const MDagPath&,
     manager.setColor(MColor(0.2F, 0.2F, 1.0F, 0.8F));
     manager.mesh(MHWRender::MUIDrawManager::kTriangles, prepared->triangles);
   }
+  manager.endDrawInXray();
   manager.endDrawable();
 }
