@@ -148,7 +148,7 @@ TEST_CASE("reducing leaves what the condition needs, in gestures that a hand can
   CHECK(reduced.steps[3].kind == RecordedStep::Kind::Line);
   CHECK(trials < 120);
   CHECK(stepsUntil(recording, 0) == 0);
-  CHECK(stepsUntil(recording, 2) == 3);  // the press, a turn, a drag; then the turn before the next
+  CHECK(stepsUntil(recording, 2) == 4);  // the press, a drag, and the turn before each event
   CHECK(stepsUntil(recording, 1000) == recording.steps.size());
 }
 
