@@ -32,6 +32,7 @@ void polyCopyUv(Declarations& add) {
           .takes(ComponentType::Face)
           .parameter(text("uvSetNameInput", "uvi"), "the set to copy from; empty: the current one");
   addNewMapFlags(declaration);
+  ignoreWorldSpace(declaration);
   declaration.afterFlags(choose).trial("-cm 1 -uvs copied", "f").operation(copy);
 }
 

@@ -23,7 +23,7 @@ void polyUvRectangle(Declarations& add) {
           .node("polyUVRectangle", typeCode("PUVR"))
           .takes(ComponentType::Vertex);
   addUvSetName(declaration);
-  declaration.trial("", "vtx").operation(lay);
+  declaration.operation(lay);
 }
 
 }  // namespace host::modelling

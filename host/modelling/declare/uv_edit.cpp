@@ -102,6 +102,11 @@ void addUvSetName(Declaration& declaration) {
   declaration.parameter(text("uvSetName", "uvs"), "the UV set; empty: the current one");
 }
 
+void ignoreWorldSpace(Declaration& declaration) {
+  declaration.parameter(boolean("worldSpace", "ws"), "of commands that measure in the scene")
+      .recordedOnly();
+}
+
 void addNewMapFlags(Declaration& declaration) {
   ExtraFlag create{"cm", "createNewMap", {ArgType::Bool}};
   create.meaning = "fills a new UV set, of the name that -uvSetName says";

@@ -88,6 +88,9 @@ class Effects {
 /// Parameters whose effect takes more than a number on a mesh of the zoo; other tests show it.
 bool isShownElsewhere(const std::string& name) {
   static const std::set<std::string> names = {
+      "polyAutoProjection.optimize",       // small islands
+      "polyAutoProjection.skipIntersect",  // pieces that wind over themselves
+      "polyNormalizeUV.centerOnTile",      // UVs in other tiles
       "polyBridgeEdge.startVert1",
       "polyBridgeEdge.startVert2",  // only both together
       "polyMirrorFace.mirrorAxis",
