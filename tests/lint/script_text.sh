@@ -19,6 +19,7 @@ host/builtins/system/about.cpp     tells what a command of that name takes
 host/builtins/ui/control_values.cpp  callbacks of controls
 host/builtins/ui/dialogs.cpp       the script that fills a dialog
 host/builtins/ui/view_messages.cpp  the command of a display in a view
+host/builtins/uv/uv_edits.cpp      the commands that procedures of the UV menus stand for; user procedures are not asked
 host/cmd/dispatcher.cpp            finds the commands of scripts
 host/cmd/dispatcher.h              declares that
 host/cmd/loop.cpp                  deferred scripts and script jobs
