@@ -22,6 +22,7 @@ void polyMergeUv(Declarations& add) {
       add("polyMergeUV", "Makes one UV of those of a vertex that lie within a distance.")
           .node("polyMergeUV", typeCode("PMGU"), "polyModifierUV")
           .takes(ComponentType::Uv)
+          .leaves(Leaves::Nothing)
           .parameter(keyable(atLeast(single("distance", "d"), 0)),
                      "no farther than this, in the map");
   ignoreWorldSpace(declaration);
