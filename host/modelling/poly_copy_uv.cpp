@@ -33,7 +33,7 @@ void polyCopyUv(Declarations& add) {
           .parameter(text("uvSetNameInput", "uvi"), "the set to copy from; empty: the current one");
   addNewMapFlags(declaration);
   ignoreWorldSpace(declaration);
-  declaration.afterFlags(choose).trial("-cm 1 -uvs copied", "f").operation(copy);
+  declaration.afterFlags(choose).trial("-cm 1 -uvs copied -uvi map1", "f").operation(copy);
 }
 
 }  // namespace host::modelling
