@@ -15,7 +15,7 @@ host/app/prompt.cpp                what a person types
 host/app/replay.cpp                the command line of a replay
 host/app/tour.cpp                  the tour is a script
 host/builtins/file/script_nodes.cpp  scripts that an opened scene brings along, when its user said so
-host/builtins/uv/uv_edits.cpp      commands that a menu's words name
+host/builtins/uv/uv_edits.cpp      commands that the words of a menu name
 host/builtins/mesh/perform_action.cpp  a command that a menu script names
 host/builtins/system/about.cpp     tells what a command of that name takes
 host/builtins/ui/control_values.cpp  callbacks of controls

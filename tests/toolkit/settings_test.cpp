@@ -2,6 +2,7 @@
 #include <dlfcn.h>
 #include <doctest/doctest.h>
 #include <elf.h>
+#include <link.h>
 
 #include <cstdint>
 #include <fstream>
@@ -38,13 +39,13 @@ toolSettings& block() {
   const std::string path = QXMT_BINARY_DIR "/lib/qxModelingToolkit.so";
   void* const module = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
   REQUIRE(module != nullptr);
-  Dl_info info{};
-  REQUIRE(dladdr(dlsym(module, "initializePlugin"), &info) != 0);
+  link_map* loaded = nullptr;
+  REQUIRE(dlinfo(module, RTLD_DI_LINKMAP, &loaded) == 0);
+  const std::uintptr_t base = loaded->l_addr;
   dlclose(module);
   const std::uintptr_t offset = hiddenSymbol(path, "_ZN12toolSettings7currentEv");
   REQUIRE(offset != 0);
-  const auto current = reinterpret_cast<toolSettings& (*)()>(
-      reinterpret_cast<std::uintptr_t>(info.dli_fbase) + offset);
+  const auto current = reinterpret_cast<toolSettings& (*)()>(base + offset);
   return current();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
-// clang-format off: a table, which the tool lays out anew each time
+// A table, which the tool would lay out anew each time.
+// clang-format off
 // The kinds of objects, once, for the enumeration and for the table of their names.
 #define MAYA_FN_TYPES_(X) \
   X(kInvalid) X(kBase) X(kNamedObject) X(kModel) X(kDependencyNode) X(kAddDoubleLinear)           \
