@@ -10,9 +10,10 @@
 
 #include "host/io/ma/ma_loader.h"
 #include "host/io/ma/ma_writer.h"
-#include "host/io/mapped_file.h"
+#include "host/io/whole_file.h"
 #include "host/io/obj_reader.h"
 #include "host/io/obj_writer.h"
+#include "host/modelling/declare/declaration.h"
 #include "host/nodes/mesh_shape.h"
 
 namespace {
@@ -26,6 +27,7 @@ struct Scene {
 
   Scene() {
     nodes::registerBuiltinTypes(types);
+    modelling::registerTypes(types);
     document = std::make_unique<scene::Document>(types);
     nodes::installNewScene(*document);
     document->reset();

@@ -71,3 +71,40 @@ function(qxmt_precompile target)
   endforeach()
   target_precompile_headers(${target} PRIVATE ${headers})
 endfunction()
+
+# The list of modelling commands: each source directly in the folder, say poly_poke.cpp, defines
+# `void polyPoke(Declarations&)`. A new file is in the list with the next build.
+function(qxmt_modelling_table target folder)
+  file(GLOB sources CONFIGURE_DEPENDS "${folder}/*.cpp")
+  set(declared "")
+  set(called "")
+  foreach(source IN LISTS sources)
+    get_filename_component(name "${source}" NAME_WE)
+    string(REGEX MATCHALL "_[a-z0-9]" humps "${name}")
+    foreach(hump IN LISTS humps)
+      string(SUBSTRING "${hump}" 1 1 letter)
+      string(TOUPPER "${letter}" letter)
+      string(REPLACE "${hump}" "${letter}" name "${name}")
+    endforeach()
+    string(APPEND declared "void ${name}(Declarations& add);\n")
+    string(APPEND called "    ${name}(all);\n")
+  endforeach()
+  set(table "${CMAKE_CURRENT_BINARY_DIR}/modelling_table.cpp")
+  file(CONFIGURE OUTPUT "${table}" @ONLY CONTENT [=[
+#include "host/modelling/declare/declaration.h"
+
+namespace host::modelling {
+
+@declared@
+const Declarations& declarations() {
+  static const Declarations table = [] {
+    Declarations all;
+@called@    return all;
+  }();
+  return table;
+}
+
+}  // namespace host::modelling
+]=])
+  target_sources(${target} PRIVATE "${table}")
+endfunction()

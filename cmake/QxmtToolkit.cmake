@@ -6,6 +6,13 @@ if(NOT toolkit_sources)
 endif()
 find_package(OpenGL REQUIRED)
 
+# The module finds its data beside the folder that it is loaded from.
+file(GLOB toolkit_icons CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/data/icons/*.bmp")
+foreach(icon IN LISTS toolkit_icons)
+  get_filename_component(icon_name "${icon}" NAME)
+  configure_file("${icon}" "${PROJECT_BINARY_DIR}/data/icons/${icon_name}" COPYONLY)
+endforeach()
+
 function(qxmt_toolkit_settings target)
   set_target_properties(${target} PROPERTIES CXX_STANDARD 17 CXX_STANDARD_REQUIRED ON PREFIX "")
   target_include_directories(${target} PRIVATE "${PROJECT_SOURCE_DIR}")

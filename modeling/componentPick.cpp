@@ -57,7 +57,7 @@ MDagPathArray hilitedMeshes() {
   return meshes;
 }
 
-pickedComponent componentUnder(const M3dView& view, short x, short y, int kind) {
+pickedComponent componentUnder(const M3dView& view, short x, short y, int kind, MStatus* failure) {
   pickedComponent best;
   double bestDepth = 0.0;
   const MDagPathArray meshes = hilitedMeshes();
@@ -68,9 +68,9 @@ pickedComponent componentUnder(const M3dView& view, short x, short y, int kind) 
   const polygonSelect select;
   for (unsigned int i = 0; i < meshes.length(); ++i) {
     closestComponentRecord found;
-    if (select.componentUnderCursor(view, x, y, meshes[i], kind, found) != MS::kSuccess ||
-        found.index < 0)
-      continue;
+    status = select.componentUnderCursor(view, x, y, meshes[i], kind, found);
+    if (failure && status != MS::kSuccess) *failure = status;
+    if (status != MS::kSuccess || found.index < 0) continue;
     const double depth = projector.project(found.point).depth;
     // Where two lie on one another the one that was hilited last is meant.
     if (best.isHit() && depth > bestDepth) continue;

@@ -6,6 +6,7 @@
 #include <maya/MObject.h>
 #include <maya/MPoint.h>
 #include <maya/MPointArray.h>
+#include <maya/MStatus.h>
 
 class M3dView;
 
@@ -33,7 +34,9 @@ MDagPathArray hilitedMeshes();
 /// the viewer, in each a vertex before an edge before a face. Costs the neighbourhood of the cursor
 /// on each of them.
 /// @param kind what to look for; kNoComponent for all kinds
-pickedComponent componentUnder(const M3dView& view, short x, short y, int kind);
+/// @param failure gets the status of the last mesh that could not be asked, if any
+pickedComponent componentUnder(const M3dView& view, short x, short y, int kind,
+                               MStatus* failure = nullptr);
 
 /// The corners of a component in world space, in the order in which they bound it; empty when the
 /// mesh no longer has it.

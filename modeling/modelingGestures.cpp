@@ -93,7 +93,14 @@ void modelingContext::beginGesture(const M3dView& view) {
 /// What the cursor is over; nothing in object mode.
 pickedComponent modelingContext::pickAt(const M3dView& view, int kind) const {
   if (!gesture.componentModeActive) return pickedComponent();
-  return componentUnder(view, gesture.current.x, gesture.current.y, kind);
+  MStatus failure;
+  const pickedComponent hit =
+      componentUnder(view, gesture.current.x, gesture.current.y, kind, &failure);
+  if (failure == MS::kInvalidParameter)
+    MGlobal::displayError("intersection test resulted in a param");
+  else if (failure != MS::kSuccess)
+    MGlobal::displayError("intersection test resulted in a failure");
+  return hit;
 }
 
 void modelingContext::pressLeft(const M3dView& view) {

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 
+#include "plugin/iconFolder.h"
 #include "plugin/licence.h"
 #include "plugin/registration.h"
 #include "plugin/tabletInput.h"
@@ -42,6 +43,7 @@ PLUGIN_EXPORT MStatus initializePlugin(MObject object) {
 
   MFnPlugin plugin(object, kVendor, kVersion, kApiVersion);
   pluginLoadPath = plugin.loadPath();
+  addIconFolder(pluginLoadPath);
   pickOrder::begin();
   return registerAll(plugin);
 }

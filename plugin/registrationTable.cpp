@@ -16,6 +16,10 @@
 #include "modeling/modelingContextCmd.h"
 #include "modeling/modelingContextToolCmd.h"
 #include "modeling/pinLocator.h"
+#include "quaddraw/quadDrawContextCmd.h"
+#include "quaddraw/quadDrawContextToolCmd.h"
+#include "quaddraw/quadDrawLocator.h"
+#include "quaddraw/quadDrawOverride.h"
 
 namespace {
 
@@ -90,9 +94,9 @@ const registrationRow kLoadRows[] = {
     node(kLocator, "pinLocator", 0x112F8E, "error registering pin locator", kPinLocatorDb, pinLocator::creator, pinLocator::initialize),
     drawOverride(kPinLocatorDb, "pinLocatorNodePlugin", pinLocatorDrawOverride::creator),
     node(kNode, "uvEditNode", 0x112F8F, "uvEditNode failed to register"),
-    node(kLocator, "quadDrawLocator", 0x112F91, "quadDrawLocator failed to register", kQuadDrawLocatorDb),
-    drawOverride(kQuadDrawLocatorDb, "quadDrawLocatorNodePlugin"),
-    context("quadDrawContext", "quadDrawContextCmd", "quadDraw context failed to register"),
+    node(kLocator, "quadDrawLocator", 0x112F91, "quadDrawLocator failed to register", kQuadDrawLocatorDb, quadDrawLocator::creator, quadDrawLocator::initialize),
+    drawOverride(kQuadDrawLocatorDb, "quadDrawLocatorNodePlugin", quadDrawLocatorDrawOverride::creator),
+    context("quadDrawContext", "quadDrawContextCmd", "quadDraw context failed to register", quadDrawContextCmd::creator, quadDrawContextToolCmd::creator),
     command<snapVertsToAxisCmd>("qxSnapVertsToAxis", "snap verts to axis command failed to register"),
     command<topologyTransferCmd>("qxTransferTopology", "topology transfer command failed to register"),
     context("uvSelectContext", "uvSelectContextCmd", "uv select context failed to register"),

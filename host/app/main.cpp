@@ -16,6 +16,7 @@
 #include "host/base/memory.h"
 #include "host/base/messages.h"
 #include "host/mel/literal.h"
+#include "host/modelling/declare/reference.h"
 
 namespace host::app {
 namespace {
@@ -49,7 +50,9 @@ int openFile(cmd::Session& session, const std::string& file) {
 int runScript(cmd::Session& session, const Options& options) {
   if (!isReadable(options.script)) return kFileFailed;
   (void)session.interpreter().setGlobal("$argv", mel::Value(mel::StringArray(options.arguments)));
-  const auto done = session.executeFile(options.script);
+  // The script was named on the command line: that one is meant, wherever it is.
+  const bool isBare = options.script.find('/') == std::string::npos;
+  const auto done = session.executeFile(isBare ? "./" + options.script : options.script);
   runIdle(session);
   if (session.isQuitting) return session.exitStatus;
   return done && !wasInterrupted() ? kDone : kScriptFailed;
@@ -111,6 +114,10 @@ int main(int argc, char** argv) {
   Options options;
   const int ended = parseOptions(argc, argv, options);
   if (ended >= 0) return ended;
+  if (options.script == "reference") {
+    std::fputs(host::modelling::referenceRows(host::modelling::declarations()).c_str(), stdout);
+    return kDone;
+  }
   if (options.window) {
     std::fprintf(stderr, "qxmt: this build has no window; run a script, -c or -i\n");
     return kBadUsage;

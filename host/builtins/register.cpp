@@ -2,6 +2,7 @@
 
 #include "host/builtins/file/formats.h"
 #include "host/builtins/ui/ui_session.h"
+#include "host/modelling/declare/declaration.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/workspace/workspace.h"
 
@@ -45,15 +46,12 @@ void registerPolyColorSet(cmd::CommandRegistry&);
 void registerPolyOptions(cmd::CommandRegistry&);
 void registerPolyUvSet(cmd::CommandRegistry&);
 
-void registerCreatePrimitive(cmd::CommandRegistry&);
-void registerModellingCommands(cmd::CommandRegistry&);
 void registerPolyCrease(cmd::CommandRegistry&);
 void registerPolyEvaluate(cmd::CommandRegistry&);
 void registerPolyInfo(cmd::CommandRegistry&);
 void registerPolyMultiLayoutUv(cmd::CommandRegistry&);
 void registerPolyUvReport(cmd::CommandRegistry&);
 void registerUvSnapshot(cmd::CommandRegistry&);
-void registerPolySoftEdge(cmd::CommandRegistry&);
 
 void registerConvertSelection(cmd::CommandRegistry&);
 void registerFilterExpand(cmd::CommandRegistry&);
@@ -87,6 +85,11 @@ void registerUiGesture(cmd::CommandRegistry&);
 void registerViewMessages(cmd::CommandRegistry&);
 void registerWindowPref(cmd::CommandRegistry&);
 
+void registerPolyEditUv(cmd::CommandRegistry&);
+void registerPolyForceUv(cmd::CommandRegistry&);
+void registerPolyProjection(cmd::CommandRegistry&);
+void registerUvProcedures(cmd::CommandRegistry&);
+
 void registerPlayblast(cmd::CommandRegistry&);
 void registerViewFit(cmd::CommandRegistry&);
 void registerViewGesture(cmd::CommandRegistry&);
@@ -114,14 +117,12 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerXform,
       registerFile,
       registerFileInfo,
-      registerCreatePrimitive,
       registerPolyCrease,
       registerPolyEvaluate,
       registerPolyInfo,
       registerPolyMultiLayoutUv,
       registerPolyUvReport,
       registerUvSnapshot,
-      registerPolySoftEdge,
       registerFilterExpand,
       registerLs,
       registerPolyListComponentConversion,
@@ -158,7 +159,10 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerPolyColorSet,
       registerPolyOptions,
       registerPolyUvSet,
-      registerModellingCommands,
+      registerPolyEditUv,
+      registerPolyForceUv,
+      registerPolyProjection,
+      registerUvProcedures,
       registerListSets,
       registerMakeIdentity,
       registerVisibility,
@@ -169,11 +173,16 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerRuntimeCommands,
   };
   for (const auto registration : kRegistrations) registration(registry);
+  modelling::registerCommands(registry);
 }
 
 std::unique_ptr<cmd::Session> makeSession() {
   auto session = std::make_unique<cmd::Session>(
-      [](dg::TypeRegistry& types) { nodes::registerBuiltinTypes(types); }, nodes::installNewScene);
+      [](dg::TypeRegistry& types) {
+        nodes::registerBuiltinTypes(types);
+        modelling::registerTypes(types);
+      },
+      nodes::installNewScene);
   session->workspace = std::make_unique<workspace::Workspace>(*session);
   workspace::workspaceOf(*session).fileFormats.all = {maFormat(), objFormat()};
   registerBuiltinCommands(session->commands());

@@ -1,9 +1,11 @@
 #include "host/cmd/dispatcher.h"
 
+#include <algorithm>
 #include <exception>
 #include <optional>
 #include <utility>
 
+#include "host/base/messages.h"
 #include "host/cmd/loop.h"
 #include "host/cmd/session.h"
 
@@ -95,14 +97,24 @@ Result<void> Dispatcher::invoke(const mel::CommandHandle& handle,
   if (depth_ >= kDeepestNesting)
     return fail("Commands are nested too deeply at '{}'.", command.name());
   struct Depth {
-    explicit Depth(int& depthIn) : depth(depthIn) { ++depth; }
-    ~Depth() { --depth; }
-    int& depth;
-  } depth(depth_);
+    explicit Depth(Dispatcher& dispatcher) : self(dispatcher) { ++self.depth_; }
+    ~Depth() {
+      if (--self.depth_ == 0 && !self.undo_.isReplaying())
+        self.session_.document().graph().releaseRemoved();
+    }
+    Dispatcher& self;
+  } depth(*this);
   if (const CommandSpec* spec = command.builtin()) return invokeBuiltin(*spec, arguments, result);
   // A plug-in may take its command out while it runs.
   const std::shared_ptr<const Command> alive = registry_.find(command.name());
   return invokePlugin(*alive->plugin(), arguments, result);
+}
+
+void Dispatcher::revert(scene::ChangeSet& edits) {
+  const scene::Journal::Scope unrecorded(session_.document().journal(), nullptr);
+  if (const auto reverted = edits.undo(); !reverted)
+    postMessage(MessageKind::Warning,
+                fmt::format("What the command had done stays: {}.", reverted.error().message));
 }
 
 Result<void> Dispatcher::invokeBuiltin(const CommandSpec& spec,
@@ -130,15 +142,16 @@ Result<void> Dispatcher::invokeBuiltin(const CommandSpec& spec,
     if (outer) step_ = &own;  // what runs inside lands between this command's own edits, in order
     done = run();
     step_ = stepBefore;
-    if (!done) {
-      const scene::Journal::Scope unrecorded(session_.document().journal(), nullptr);
-      own.undo();
-    }
+    if (!done) revert(own);
   }
   if (!done) return done;
   if (outer) outer->append(std::move(own));
   step.commit(true);
   return done;
+}
+
+bool Dispatcher::isRunningOf(std::string_view plugin) const {
+  return std::ranges::find(runningPlugins_, plugin) != runningPlugins_.end();
 }
 
 Result<void> Dispatcher::invokePlugin(const PluginCommandSpec& spec,
@@ -147,6 +160,12 @@ Result<void> Dispatcher::invokePlugin(const PluginCommandSpec& spec,
   scene::ChangeSet* const target = step.target();
   std::unique_ptr<PluginCommand> command;
   bool isUndoable = false;
+  // Only a command that undo keeps needs to know its nodes again.
+  dg::Graph& graph = session_.document().graph();
+  dg::Graph::Creations made;
+  dg::Graph::Creations* const outer = graph.exchangeCreations(nullptr);
+  graph.exchangeCreations(target ? &made : outer);
+  runningPlugins_.push_back(spec.pluginName);
   const Result<void> done = fenced(spec.name, [&]() -> Result<void> {
     const scene::Journal::Scope unrecorded(session_.document().journal(), nullptr);
     command = spec.create();
@@ -156,7 +175,10 @@ Result<void> Dispatcher::invokePlugin(const PluginCommandSpec& spec,
     isUndoable = command->isUndoable();
     return {};
   });
-  if (done && isUndoable && target) target->append(makePluginChange(spec.name, std::move(command)));
+  runningPlugins_.pop_back();
+  graph.exchangeCreations(outer);
+  if (done && isUndoable && target)
+    target->append(makePluginChange(spec.name, std::move(command), &graph, std::move(made.made)));
   if (!isUndoable) undo_.noteUnrecorded();
   // What nested commands recorded stays undoable when the command itself fails or isn't.
   step.commit(false);
@@ -179,10 +201,7 @@ Result<void> Dispatcher::recordStep(std::string_view name,
   {
     const scene::Journal::Scope recording(session_.document().journal(), target ? &own : nullptr);
     done = fenced(std::string(name), edits);
-    if (!done) {
-      const scene::Journal::Scope unrecorded(session_.document().journal(), nullptr);
-      own.undo();
-    }
+    if (!done) revert(own);
   }
   if (done && target) target->append(std::move(own));
   step.commit(false);

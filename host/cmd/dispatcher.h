@@ -52,8 +52,12 @@ class Dispatcher final : public mel::CommandHost {
 
   /// Whether a command is running now.
   [[nodiscard]] bool isRunning() const { return depth_ > 0; }
+  /// Whether a command that this plug-in brought is running now.
+  [[nodiscard]] bool isRunningOf(std::string_view plugin) const;
 
  private:
+  /// Takes back what a command did before it failed.
+  void revert(scene::ChangeSet& edits);
   Result<void> invokeBuiltin(const CommandSpec& spec, std::span<const mel::Value> arguments,
                              mel::Value& result);
   Result<void> invokePlugin(const PluginCommandSpec& spec, std::span<const mel::Value> arguments,
@@ -65,6 +69,7 @@ class Dispatcher final : public mel::CommandHost {
   UndoQueue& undo_;
   scene::ChangeSet* step_ = nullptr;  ///< of the outermost command; null while none records
   int depth_ = 0;
+  std::vector<std::string> runningPlugins_;  ///< of the commands that run, innermost last
   int collectors_ = 0;  ///< runs of collectInto: they record whatever the queue does
 };
 

@@ -159,9 +159,11 @@ class ArgParser {
     const std::string_view name = word.substr(1);
     ++word_;
     const FlagSpec* spec = syntax_.find(name);
+    std::string_view fused;
     if (!spec) {
       if (isModeFlag(name, kQuery) || isModeFlag(name, kEdit)) return {};
-      return fail("Invalid flag '{}'.", word);
+      spec = findFused(name, fused);
+      if (!spec) return fail("Invalid flag '{}'.", word);
     }
     if ((spec->modes & parsed_.mode_) == 0) {
       static constexpr std::string_view kModeNames[] = {"", "create", "edit", "", "query"};
@@ -174,10 +176,27 @@ class ArgParser {
                     [spec](const ParsedArgs::FlagUse& use) { return use.spec == spec; });
     }
     ParsedArgs::FlagUse use{spec, parsed_.values_.size(), 0};
-    if (parsed_.mode_ != kQuery || spec->queryArgs != QueryArgs::None)
+    if (!fused.empty()) {
+      auto converted = convert(mel::Value(std::string(fused)), spec->args.front());
+      if (!converted) return fail("Invalid flag '{}'.", word);
+      parsed_.values_.push_back(std::move(*converted));
+      use.valueCount = 1;
+    } else if (parsed_.mode_ != kQuery || spec->queryArgs != QueryArgs::None)
       HOST_TRY(takeFlagValues(*spec, word, use));
     parsed_.uses_.push_back(use);
     return {};
+  }
+
+  /// The flag of a word that goes on with its number, as `-sv0.5` does.
+  [[nodiscard]] const FlagSpec* findFused(std::string_view name, std::string_view& number) const {
+    const std::size_t digit = name.find_first_of("0123456789");
+    if (digit == 0 || digit == std::string_view::npos) return nullptr;
+    const FlagSpec* spec = syntax_.find(name.substr(0, digit));
+    if (!spec || spec->args.size() != 1 || spec->args[0] == ArgType::String ||
+        spec->args[0] == ArgType::Name || spec->args[0] == ArgType::Script)
+      return nullptr;
+    number = name.substr(digit);
+    return spec;
   }
 
   Result<void> takeFlagValues(const FlagSpec& spec, std::string_view word,

@@ -30,6 +30,7 @@ Session::Session(const std::function<void(dg::TypeRegistry&)>& registerTypes,
   if (prepare) prepare(*document_);
   scene::setCurrentDocument(document_.get());
   undo_ = std::make_unique<UndoQueue>(document_->journal());
+  undo_->sweep = [this] { return document_->sweepSelection(); };
   dispatcher_ = std::make_unique<Dispatcher>(*this, registry_, *undo_);
   interpreter_ = std::make_unique<mel::Interpreter>(*dispatcher_);
   scriptJobs_ = std::make_unique<ScriptJobs>(*document_);
@@ -40,7 +41,17 @@ Session::Session(const std::function<void(dg::TypeRegistry&)>& registerTypes,
 }
 
 Session::~Session() {
-  // Plug-ins and the parts of other layers may call back while they go.
+  // The scene goes first: plug-ins see their nodes off and take their callbacks back while both
+  // are still there.
+  undo_->flush();
+  document_->populateNewScene = {};
+  document_->reset();
+  document_->graph().releaseRemoved();
+  if (pluginLoader) {
+    const std::vector<std::string> plugins = pluginLoader->loaded();
+    for (auto name = plugins.rbegin(); name != plugins.rend(); ++name)
+      (void)pluginLoader->unload(*name, true);
+  }
   pluginLoader.reset();
   undo_->flush();
   plugInState.reset();

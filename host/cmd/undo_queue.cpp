@@ -2,17 +2,34 @@
 
 #include <algorithm>
 #include <exception>
+#include <unordered_set>
 
 #include "host/base/messages.h"
 
 namespace host::cmd {
 
-void UndoItem::undo() {
-  for (auto set = sets.rbegin(); set != sets.rend(); ++set) set->undo();
+Result<void> UndoItem::undo() {
+  for (std::size_t i = sets.size(); i-- > 0;) {
+    const auto undone = sets[i].undo();
+    if (undone) continue;
+    for (std::size_t back = i + 1; back < sets.size(); ++back) (void)sets[back].redo();
+    return undone;
+  }
+  return {};
 }
 
-void UndoItem::redo() {
-  for (scene::ChangeSet& set : sets) set.redo();
+Result<void> UndoItem::redo() {
+  for (std::size_t i = 0; i < sets.size(); ++i) {
+    const auto redone = sets[i].redo();
+    if (redone) continue;
+    while (i-- > 0) (void)sets[i].undo();
+    return redone;
+  }
+  return {};
+}
+
+void UndoItem::visitNodes(const dg::Change::VisitNode& visit) const {
+  for (const scene::ChangeSet& set : sets) set.visitNodes(visit);
 }
 
 bool UndoItem::changesNothing() const {
@@ -32,13 +49,27 @@ constexpr std::size_t kLongestName = 200;
 
 class PluginChange final : public dg::Change {
  public:
-  PluginChange(std::string name, std::unique_ptr<PluginCommand> command)
-      : name_(std::move(name)), command_(std::move(command)) {}
-  void undo() override { run("undo", &PluginCommand::undoIt); }
-  void redo() override { run("redo", &PluginCommand::redoIt); }
+  PluginChange(std::string name, std::unique_ptr<PluginCommand> command, dg::Graph* graph,
+               std::vector<dg::NodePtr> made)
+      : name_(std::move(name)), command_(std::move(command)), graph_(graph) {
+    made_.made = std::move(made);
+  }
+  Result<void> undo() override { return run("undo", &PluginCommand::undoIt); }
+  Result<void> redo() override {
+    if (!graph_) return run("redo", &PluginCommand::redoIt);
+    made_.earlier = std::exchange(made_.made, {});
+    dg::Graph::Creations* const outer = graph_->exchangeCreations(&made_);
+    auto redone = run("redo", &PluginCommand::redoIt);
+    graph_->exchangeCreations(outer);
+    // A redoIt that brings nodes back itself goes on to do so.
+    for (dg::NodePtr& node : made_.earlier) made_.made.push_back(std::move(node));
+    made_.earlier.clear();
+    return redone;
+  }
 
  private:
-  void run(const char* what, Result<void> (PluginCommand::*method)()) {
+  /// What a plug-in makes of a failure is its own business: the others go on.
+  Result<void> run(const char* what, Result<void> (PluginCommand::*method)()) {
     try {
       if (auto done = (command_.get()->*method)(); !done)
         postMessage(MessageKind::Error,
@@ -49,17 +80,22 @@ class PluginChange final : public dg::Change {
     } catch (...) {
       postMessage(MessageKind::Error, fmt::format("{} of {} threw an exception.", what, name_));
     }
+    return {};
   }
 
   std::string name_;
   std::unique_ptr<PluginCommand> command_;
+  dg::Graph* graph_;
+  dg::Graph::Creations made_;
 };
 
 }  // namespace
 
 std::unique_ptr<dg::Change> makePluginChange(std::string name,
-                                             std::unique_ptr<PluginCommand> command) {
-  return std::make_unique<PluginChange>(std::move(name), std::move(command));
+                                             std::unique_ptr<PluginCommand> command,
+                                             dg::Graph* graph, std::vector<dg::NodePtr> made) {
+  return std::make_unique<PluginChange>(std::move(name), std::move(command), graph,
+                                        std::move(made));
 }
 
 void UndoQueue::beginLine(std::string_view text) {
@@ -145,6 +181,35 @@ std::string UndoQueue::redoName() const {
   return undone_.empty() ? std::string{} : undone_.back().name;
 }
 
+Result<void> UndoQueue::replay(UndoItem& item, Result<void> (UndoItem::*direction)()) {
+  isReplaying_ = true;
+  const scene::Journal::Scope unrecorded(journal_, nullptr);
+  auto done = (item.*direction)();
+  if (done) {
+    const std::unique_ptr<dg::Change> before = std::move(item.swept);
+    if (before) (void)before->undo();
+    if (sweep) item.swept = sweep();
+  }
+  isReplaying_ = false;
+  return done;
+}
+
+void UndoQueue::forgetDependents(const UndoItem& refused) {
+  std::unordered_set<const dg::Node*> gone;
+  refused.visitNodes([&](const dg::Node& node) {
+    if (!node.isAlive()) gone.insert(&node);
+  });
+  if (gone.empty()) return;
+  const auto depends = [&](const UndoItem& item) {
+    bool found = false;
+    item.visitNodes([&](const dg::Node& node) { found = found || gone.contains(&node); });
+    return found;
+  };
+  std::erase_if(done_, depends);
+  std::erase_if(undone_, depends);
+  for (Group& group : groups_) std::erase_if(group.items, depends);
+}
+
 Result<void> UndoQueue::undo() {
   if (isReplaying_) return fail("Can't undo while a command is at work.");
   if (!latest()) return fail("There are no more commands to undo.");
@@ -158,13 +223,12 @@ Result<void> UndoQueue::undo() {
     item = std::move(done_.back());
     done_.pop_back();
   }
-  isReplaying_ = true;
   const std::size_t flushes = flushCount_;
-  {
-    const scene::Journal::Scope unrecorded(journal_, nullptr);
-    item.undo();
+  const auto undone = replay(item, &UndoItem::undo);
+  if (!undone) {
+    forgetDependents(item);
+    return fail("'{}' can't be undone any more: {}.", item.name, undone.error().message);
   }
-  isReplaying_ = false;
   if (flushes == flushCount_) undone_.push_back(std::move(item));
   return {};
 }
@@ -174,13 +238,12 @@ Result<void> UndoQueue::redo() {
   if (undone_.empty()) return fail("There are no more commands to redo.");
   UndoItem item = std::move(undone_.back());
   undone_.pop_back();
-  isReplaying_ = true;
   const std::size_t flushes = flushCount_;
-  {
-    const scene::Journal::Scope unrecorded(journal_, nullptr);
-    item.redo();
+  const auto redone = replay(item, &UndoItem::redo);
+  if (!redone) {
+    forgetDependents(item);
+    return fail("'{}' can't be redone any more: {}.", item.name, redone.error().message);
   }
-  isReplaying_ = false;
   if (flushes == flushCount_) push(std::move(item), groups_.size());
   return {};
 }

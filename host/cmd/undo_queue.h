@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -9,6 +10,7 @@
 
 #include "host/base/result.h"
 #include "host/cmd/plugin_command.h"
+#include "host/dg/graph.h"
 #include "host/scene/journal.h"
 
 namespace host::cmd {
@@ -18,10 +20,13 @@ namespace host::cmd {
 struct UndoItem {
   std::string name;
   std::vector<scene::ChangeSet> sets;
+  std::unique_ptr<dg::Change> swept;  ///< what was taken away after the last replay
 
-  void undo();
-  void redo();
+  /// All of it or, when a record no longer fits, nothing.
+  Result<void> undo();
+  Result<void> redo();
   [[nodiscard]] bool changesNothing() const;
+  void visitNodes(const dg::Change::VisitNode& visit) const;
   [[nodiscard]] std::size_t bytes() const;
 };
 
@@ -59,6 +64,9 @@ class UndoQueue {
   [[nodiscard]] std::size_t unrecordedCount() const { return unrecordedCount_; }
 
   /// Takes back or does again the latest item. Fails when there is none or one is being undone.
+  /// An item that no longer fits, because of edits that nobody recorded, is refused: the document
+  /// stays as it is, and the item is forgotten with all others that work on nodes it needed and
+  /// did not find.
   /// Commands go through Dispatcher::undo, which also refuses while a step is being collected.
   Result<void> undo();
   Result<void> redo();
@@ -79,6 +87,10 @@ class UndoQueue {
   [[nodiscard]] int length() const { return length_; }
   void setLength(int length);
 
+  /// Called after every undo and redo, to take away what the scene as it is now has no place for;
+  /// the opposite direction undoes what it returns. Empty: nothing.
+  std::function<std::unique_ptr<dg::Change>()> sweep;
+
   /// Forgets all items and steps, done and undone. Open groups stay open and empty.
   void flush();
   /// Counts flushes, so that a step begun before one is not added after it.
@@ -94,6 +106,10 @@ class UndoQueue {
     std::vector<UndoItem> items;
   };
   static UndoItem fold(Group group);
+  /// Runs one direction of an item; the item stays where it was when this fails.
+  Result<void> replay(UndoItem& item, Result<void> (UndoItem::*direction)());
+  /// Forgets what needs a node that `refused` needs and that is gone.
+  void forgetDependents(const UndoItem& refused);
   void push(UndoItem item, std::size_t groupCount);
   void trim();
   [[nodiscard]] const UndoItem* latest() const;
@@ -110,7 +126,12 @@ class UndoQueue {
 
 /// A plug-in command among recorded edits: undone by its undoIt, redone by its redoIt. Faults and
 /// exceptions are reported as messages.
+///
+/// `made` are the nodes that its run made: when redoIt makes them anew, they are the same nodes, so
+/// that later records find them.
 [[nodiscard]] std::unique_ptr<dg::Change> makePluginChange(std::string name,
-                                                           std::unique_ptr<PluginCommand> command);
+                                                           std::unique_ptr<PluginCommand> command,
+                                                           dg::Graph* graph = nullptr,
+                                                           std::vector<dg::NodePtr> made = {});
 
 }  // namespace host::cmd

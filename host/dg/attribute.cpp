@@ -113,6 +113,11 @@ Result<Value> Attribute::convert(const Value& value) const {
   if (isNumeric() && (integer || real)) {
     if (!isReal(type)) return Value(narrowed(type, integer ? *integer : truncated(*real)));
     const double number = real ? *real : static_cast<double>(*integer);
+    if (!std::isfinite(number)) return fail("Attribute '{}' cannot be {}", longName, number);
+    // Points are single precision: a length beyond that would end up in a mesh as no number.
+    const bool isBounded = type == AttributeType::Float || type == AttributeType::Distance;
+    if (isBounded && std::fabs(number) > std::numeric_limits<float>::max())
+      return fail("Attribute '{}' cannot be as large as {}", longName, number);
     return Value(type == AttributeType::Float ? static_cast<double>(static_cast<float>(number))
                                               : number);
   }

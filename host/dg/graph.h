@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/base/result.h"
@@ -34,6 +36,8 @@ class GraphObserver {
   virtual ~GraphObserver() = default;
   virtual void nodeAdded(Node&) {}
   virtual void nodeAboutToBeRemoved(Node&) {}
+  /// Before a node goes, undo and redo included: its values and connections can still be read.
+  virtual void nodeLeaving(Node&) {}
   virtual void nodeRemoved(Node&) {}
   virtual void nodeRenamed(Node&, const std::string& /*oldName*/) {}
   /// For connections `plug` is the destination and `other` the source; otherwise `other` is null.
@@ -68,8 +72,25 @@ class Graph {
   /// Makes the uuids of nodes created from here on reproducible.
   void seedUuids(std::uint64_t seed);
   [[nodiscard]] const std::vector<NodePtr>& nodes() const { return nodes_; }
+  /// Nodes that a run of foreign code made, in order. While one is current, createNode gives the
+  /// nodes of an earlier run that are deleted now a new life before it makes others: of the same
+  /// type, fresh in every value, and the same to whoever knew them.
+  struct Creations {
+    std::vector<NodePtr> earlier, made;
+  };
+  /// Makes a list current (null: none) and returns the one that was.
+  Creations* exchangeCreations(Creations* creations) {
+    return std::exchange(creations_, creations);
+  }
   /// Forgets everything, unrecorded.
   void clear();
+  /// Lets go of nodes that were deleted and that nobody else holds. Called when nothing that works
+  /// on nodes is running.
+  void releaseRemoved();
+  /// Asked before a record brings a node back, takes it away or renames it, with the name it is to
+  /// have: whether that fits the scene as it is now. Empty: all fits.
+  enum class Replay { Revival, Removal, Rename };
+  std::function<Result<void>(const Node&, Replay, const std::string& name)> mayReplay;
 
   // Values. `get` pulls: evaluates what is dirty upstream, then reads a leaf plug.
   [[nodiscard]] Result<Value> get(const Plug& plug);
@@ -135,6 +156,8 @@ class Graph {
   /// Marks the plug and all that depends on it, across connections.
   void dirty(const Plug& plug);
   [[nodiscard]] bool isDirty(const Plug& plug) const;
+  /// Whether some node is computing now.
+  [[nodiscard]] bool isEvaluating() const;
   /// Brings a plug of any shape (leaf, compound, array) up to date.
   Result<void> evaluate(const Plug& plug);
 
@@ -156,6 +179,7 @@ class Graph {
   std::unique_ptr<Impl> impl_;
   std::vector<NodePtr> nodes_;
   ChangeRecorder* recorder_ = nullptr;
+  Creations* creations_ = nullptr;
 };
 
 /// Resolves "attr", "attr[3].child", "a.b.c" or an alias on a node. Short and long names mix. A

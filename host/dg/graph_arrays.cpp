@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 
 #include "host/dg/graph_impl.h"
 
@@ -11,38 +12,42 @@ class ElementChange final : public Change {
       : impl_(impl),
         node_(element.node()->shared_from_this()),
         element_(element),
-        createdLevel_(createdLevel) {}
+        made_{createdLevel},
+        isCreation_(true) {}
   ElementChange(Graph::Impl& impl, const Plug& element, DetachedElement detached)
       : impl_(impl),
         node_(element.node()->shared_from_this()),
         element_(element),
-        detached_(std::move(detached)) {}
-  void undo() override {
-    if (!isUsable(element_)) return;
-    if (createdLevel_ >= 0)
-      impl_.dropElements(element_, createdLevel_);
-    else
-      impl_.attach(element_, std::move(detached_));
-  }
-  void redo() override {
-    if (!isUsable(element_)) return;
-    if (createdLevel_ >= 0)
-      impl_.makeElements(element_, false);
-    else
-      detached_ = impl_.detach(element_);
-  }
+        made_{element.levels() - 1, true, std::move(detached)},
+        isCreation_(false) {}
+  Result<void> undo() override { return isCreation_ ? take() : put(); }
+  Result<void> redo() override { return isCreation_ ? put() : take(); }
+  void visitNodes(const VisitNode& visit) const override { visit(*node_); }
   [[nodiscard]] std::size_t bytes() const override {
-    std::size_t total = sizeof *this + detached_.packed.capacity() * sizeof(double);
-    if (detached_.slot) visitSlots(*detached_.slot, [&](const Slot&) { total += sizeof(Slot); });
+    const DetachedElement& kept = made_.kept;
+    std::size_t total = sizeof *this + kept.packed.capacity() * sizeof(double);
+    if (kept.slot) visitSlots(*kept.slot, [&](const Slot&) { total += sizeof(Slot); });
     return total;
   }
 
  private:
+  Result<void> take() {
+    HOST_TRY(Graph::Impl::checkFree(element_.array()));
+    const Graph::Impl::Edit edit(impl_);
+    impl_.dropElements(element_, made_);
+    return {};
+  }
+  Result<void> put() {
+    HOST_TRY(Graph::Impl::checkFree(element_.array()));
+    const Graph::Impl::Edit edit(impl_);
+    impl_.bringBack(element_, made_);
+    return {};
+  }
   Graph::Impl& impl_;
   NodePtr node_;
   Plug element_;
-  int createdLevel_ = -1;
-  DetachedElement detached_;
+  MadeElements made_;
+  bool isCreation_;
 };
 
 /// Holds the arrays that are not there now; undo and redo exchange them.
@@ -53,28 +58,43 @@ class PackedChange final : public Change {
         node_(array.node()->shared_from_this()),
         array_(array),
         other_(std::move(other)),
-        createdLevel_(createdLevel) {}
-  void undo() override {
-    if (!isUsable(array_)) return;
+        made_{createdLevel} {}
+  Result<void> undo() override {
+    HOST_TRY(checkFit());
+    const Graph::Impl::Edit edit(impl_);
     impl_.swapPacked(array_, other_);
-    impl_.dropElements(array_, createdLevel_);
+    impl_.dropElements(array_, made_);
+    return {};
   }
-  void redo() override {
-    if (!isUsable(array_)) return;
-    impl_.makeElements(array_, false);
+  Result<void> redo() override {
+    HOST_TRY(checkFit());
+    const Graph::Impl::Edit edit(impl_);
+    impl_.bringBack(array_, made_);
     impl_.swapPacked(array_, other_);
+    return {};
   }
+  void visitNodes(const VisitNode& visit) const override { visit(*node_); }
   [[nodiscard]] std::size_t bytes() const override {
     return sizeof *this + other_.indices.capacity() * sizeof(Index) +
            other_.values.capacity() * sizeof(double);
   }
 
  private:
+  /// An element that is connected or flagged meanwhile cannot be left out.
+  Result<void> checkFit() const {
+    HOST_TRY(Graph::Impl::checkFree(array_));
+    const Slot* slot = locate(array_).slot;
+    if (!slot) return {};
+    for (const auto& element : slot->below)
+      if (isWired(*element) && other_.position(element->index) < 0)
+        return fail("'{}' is in use", plugOf(*element).name());
+    return {};
+  }
   Graph::Impl& impl_;
   NodePtr node_;
   Plug array_;
   PackedArray other_;
-  int createdLevel_;
+  MadeElements made_;
 };
 
 Result<void> checkArray(const Plug& array) {
@@ -123,6 +143,8 @@ Result<void> checkPacked(const Plug& array, const std::vector<Index>& indices,
   if (values.size() != indices.size() * static_cast<std::size_t>(stride))
     return fail("'{}' takes {} numbers an element: {} elements came with {} numbers", array.name(),
                 stride, indices.size(), values.size());
+  for (const double value : values)
+    if (!std::isfinite(value)) return fail("'{}' cannot hold {}", array.name(), value);
   if (!indices.empty() && indices.front() < 0)
     return fail("{} is not an index of '{}'", indices.front(), array.name());
   if (std::ranges::adjacent_find(indices, std::greater_equal<>()) != indices.end())
@@ -170,22 +192,41 @@ Result<void> Graph::Impl::checkCreatable(const Plug& plug) {
   return {};
 }
 
-void Graph::Impl::dropElements(const Plug& plug, int createdLevel) {
-  if (createdLevel >= 0 && isUsable(plug)) (void)detach(elementAtLevel(plug, createdLevel));
+void Graph::Impl::dropElements(const Plug& plug, MadeElements& made) {
+  if (made.level < 0 || made.isDropped || !isUsable(plug)) return;
+  const Plug element = elementAtLevel(plug, made.level);
+  made.isDropped = !locate(element).isMissing;
+  if (made.isDropped) made.kept = detach(element);
+}
+
+void Graph::Impl::bringBack(const Plug& plug, MadeElements& made) {
+  if (!made.isDropped) return;
+  const Plug element = elementAtLevel(plug, made.level);
+  // One that was made anew meanwhile is not this record's to take away again.
+  if (locate(element).isMissing)
+    attach(element, std::move(made.kept));
+  else
+    made.level = -1;
+  made.isDropped = false;
+  made.kept = {};
 }
 
 DetachedElement Graph::Impl::detach(const Plug& element) {
   Slot* array = locate(element.array()).slot;
   if (!array) return {};
-  if (const Slot* own = locate(element).slot) unwireBelow(*own);
+  std::vector<std::unique_ptr<Change>> severed;
+  if (const Slot* own = locate(element).slot) severed = severBelow(*own);
   DetachedElement detached = detachElement(*array, element.logicalIndex());
+  detached.severed = std::move(severed);
   spread(element.array());
   attributeEvent(AttributeEvent::ArrayElementRemoved, element);
   return detached;
 }
 
 void Graph::Impl::attach(const Plug& element, DetachedElement detached) {
+  auto severed = std::move(detached.severed);
   attachElement(*makeSlot(element.array(), true).slot, element.logicalIndex(), std::move(detached));
+  restore(severed);
   spread(element.array());
   attributeEvent(AttributeEvent::ArrayElementAdded, element);
 }
@@ -243,6 +284,7 @@ Result<void> Graph::addElement(const Plug& element) {
   HOST_TRY(checkElement(element));
   if (isLockedHereOrAbove(element)) return fail("'{}' is locked", element.name());
   HOST_TRY(impl_->checkCreatable(element));
+  const Impl::Edit edit(*impl_);
   const int createdLevel = impl_->makeElements(element, false);
   if (createdLevel >= 0) impl_->record<ElementChange>(element, createdLevel);
   return {};
@@ -256,6 +298,7 @@ Result<void> Graph::removeElement(const Plug& element, bool breakConnections) {
     return fail("'{}' cannot be removed: the elements of the array come over a connection",
                 element.name());
   if (isLockedHereOrAbove(element)) return fail("'{}' is locked", element.name());
+  const Impl::Edit edit(*impl_);
   if (place.slot && place.slot->incoming + place.slot->outgoing > 0) {
     if (!breakConnections) return fail("'{}' is connected and cannot be removed", element.name());
     for (const auto& [from, to] : Impl::connectionsBelow(*place.slot, false, true)) {
@@ -295,6 +338,7 @@ Result<void> Graph::setPacked(const Plug& array, std::vector<Index> indices,
       doomed.push_back(plug);
     }
   }
+  const Impl::Edit edit(*impl_);
   for (const Plug& element : doomed) HOST_TRY(removeElement(element, false));
   const int createdLevel = impl_->makeElements(array, false);
   impl_->swapPacked(array, packed);

@@ -5,6 +5,17 @@
 namespace host::dg {
 namespace {
 
+Result<void> checkNames(const Node& node, const Attribute& attribute) {
+  for (const std::string* name : {&attribute.longName, &attribute.shortName}) {
+    if (name->empty())
+      return fail("An attribute of node '{}' cannot have an empty name", node.name());
+    if (node.findAttribute(*name))
+      return fail("Node '{}' has an attribute '{}' already", node.name(), *name);
+  }
+  for (const AttributePtr& child : attribute.children) HOST_TRY(checkNames(node, *child));
+  return {};
+}
+
 class AttributeLifeChange final : public Change {
  public:
   AttributeLifeChange(Graph::Impl& impl, NodePtr node, AttributePtr attribute, std::size_t position,
@@ -15,8 +26,9 @@ class AttributeLifeChange final : public Change {
         position_(position),
         slot_(std::move(slot)),
         isAddition_(isAddition) {}
-  void undo() override { isAddition_ ? take() : put(); }
-  void redo() override { isAddition_ ? put() : take(); }
+  Result<void> undo() override { return isAddition_ ? take() : put(); }
+  Result<void> redo() override { return isAddition_ ? put() : take(); }
+  void visitNodes(const VisitNode& visit) const override { visit(*node_); }
   [[nodiscard]] std::size_t bytes() const override {
     std::size_t total = sizeof *this;
     if (slot_) visitSlots(*slot_, [&](const Slot&) { total += sizeof(Slot); });
@@ -24,15 +36,28 @@ class AttributeLifeChange final : public Change {
   }
 
  private:
-  void take() {
+  Result<void> take() {
     const auto& dynamic = node_->dynamicAttributes();
-    if (position_ < dynamic.size() && dynamic[position_] == attribute_)
-      slot_ = impl_.takeAttribute(*node_, position_);
+    const auto found = std::ranges::find(dynamic, attribute_);
+    if (!node_->isAlive() || found == dynamic.end())
+      return fail("'{}.{}' was removed", node_->name(), attribute_->longName);
+    const Graph::Impl::Edit edit(impl_);
+    position_ = static_cast<std::size_t>(found - dynamic.begin());
+    if (const Slot* slot = locate(Plug(node_.get(), attribute_.get())).slot)
+      severed_ = impl_.severBelow(*slot);
+    slot_ = impl_.takeAttribute(*node_, position_);
+    return {};
   }
-  void put() {
-    if (attribute_->topIndex >= 0) return;
-    impl_.putAttribute(*node_, attribute_, std::min(position_, node_->dynamicAttributes().size()),
-                       std::move(slot_));
+  Result<void> put() {
+    if (!node_->isAlive()) return fail("'{}' was deleted", node_->name());
+    if (attribute_->topIndex >= 0)
+      return fail("'{}.{}' is there already", node_->name(), attribute_->longName);
+    HOST_TRY(checkNames(*node_, *attribute_));
+    const Graph::Impl::Edit edit(impl_);
+    position_ = std::min(position_, node_->dynamicAttributes().size());
+    impl_.putAttribute(*node_, attribute_, position_, std::move(slot_));
+    Graph::Impl::restore(severed_);
+    return {};
   }
   Graph::Impl& impl_;
   NodePtr node_;
@@ -40,6 +65,7 @@ class AttributeLifeChange final : public Change {
   std::size_t position_;
   std::unique_ptr<Slot> slot_;
   bool isAddition_;
+  std::vector<std::unique_ptr<Change>> severed_;
 };
 
 void announceFlag(Graph::Impl& impl, const Plug& plug, Graph::PlugFlag which) {
@@ -59,17 +85,27 @@ class FlagChange final : public Change {
         which_(which),
         mask_(mask),
         bits_(bits),
-        createdLevel_(createdLevel) {}
-  void undo() override {
+        made_{createdLevel} {}
+  Result<void> undo() override {
+    HOST_TRY(checkPlug(plug_));
+    if (locate(plug_).isMissing) return fail("'{}' was removed", plug_.name());
+    const Graph::Impl::Edit edit(impl_);
     exchange();
-    impl_.dropElements(plug_, createdLevel_);
+    impl_.dropElements(plug_, made_);
+    return {};
   }
-  void redo() override { exchange(); }
+  Result<void> redo() override {
+    HOST_TRY(checkPlug(plug_));
+    const Graph::Impl::Edit edit(impl_);
+    impl_.bringBack(plug_, made_);
+    if (locate(plug_).isMissing) return fail("'{}' was removed", plug_.name());
+    exchange();
+    return {};
+  }
+  void visitNodes(const VisitNode& visit) const override { visit(*node_); }
 
  private:
   void exchange() {
-    if (!isUsable(plug_)) return;
-    impl_.makeElements(plug_, true);
     Wiring& wiring = makeSlot(plug_, true).slot->wires();
     std::swap(wiring.flagMask, mask_);
     std::swap(wiring.flagBits, bits_);
@@ -80,7 +116,7 @@ class FlagChange final : public Change {
   Plug plug_;
   Graph::PlugFlag which_;
   std::uint8_t mask_, bits_;
-  int createdLevel_;
+  MadeElements made_;
 };
 
 /// One entry of a node's alias list that came, went or was renamed: empty means no entry.
@@ -94,23 +130,32 @@ class AliasChange final : public Change {
         position_(position),
         before_(std::move(before)),
         after_(std::move(after)) {}
-  void undo() override { put(after_, before_); }
-  void redo() override { put(before_, after_); }
+  Result<void> undo() override { return put(after_, before_); }
+  Result<void> redo() override { return put(before_, after_); }
+  void visitNodes(const VisitNode& visit) const override { visit(*node_); }
   [[nodiscard]] std::size_t bytes() const override {
     return sizeof *this + before_.capacity() + after_.capacity();
   }
 
-  void put(const std::string& from, const std::string& to) {
+  Result<void> put(const std::string& from, const std::string& to) {
+    HOST_TRY(checkPlug(plug_));
     auto& entries = Graph::Impl::aliases(*node_);
+    const auto own =
+        std::ranges::find_if(entries, [&](const auto& entry) { return entry.second == plug_; });
+    if ((own == entries.end() ? std::string() : own->first) != from)
+      return fail("'{}' was given another name", plug_.name());
+    if (!to.empty() && (node_->findAttribute(to) || impl_.graph.findAlias(*node_, to)))
+      return fail("Node '{}' has an attribute '{}' already", node_->name(), to);
     const auto at =
         entries.begin() + static_cast<std::ptrdiff_t>(std::min(position_, entries.size()));
     if (from.empty())
       entries.insert(at, {to, plug_});
     else if (to.empty())
-      entries.erase(at);
+      position_ = static_cast<std::size_t>(entries.erase(own) - entries.begin());
     else
-      at->first = to;
+      own->first = to;
     impl_.attributeEvent(AttributeEvent::Renamed, plug_);
+    return {};
   }
 
  private:
@@ -131,17 +176,6 @@ void renumber(const Node& node) {
   int topIndex = static_cast<int>(node.type().attributes().size());
   for (const AttributePtr& attribute : node.dynamicAttributes())
     giveTopIndex(*attribute, topIndex++);
-}
-
-Result<void> checkNames(const Node& node, const Attribute& attribute) {
-  for (const std::string* name : {&attribute.longName, &attribute.shortName}) {
-    if (name->empty())
-      return fail("An attribute of node '{}' cannot have an empty name", node.name());
-    if (node.findAttribute(*name))
-      return fail("Node '{}' has an attribute '{}' already", node.name(), *name);
-  }
-  for (const AttributePtr& child : attribute.children) HOST_TRY(checkNames(node, *child));
-  return {};
 }
 
 std::uint8_t bitOf(Graph::PlugFlag which) {
@@ -186,7 +220,7 @@ std::unique_ptr<Slot> Graph::Impl::takeAttribute(Node& node, std::size_t positio
   const auto top = static_cast<std::size_t>(attribute->topIndex);
   std::unique_ptr<Slot> slot;
   if (top < node.slots_.size()) {
-    if (node.slots_[top]) unwireBelow(*node.slots_[top]);
+    if (node.slots_[top]) (void)severBelow(*node.slots_[top]);
     slot = std::move(node.slots_[top]);
     node.slots_.erase(node.slots_.begin() + static_cast<std::ptrdiff_t>(top));
   }
@@ -196,6 +230,14 @@ std::unique_ptr<Slot> Graph::Impl::takeAttribute(Node& node, std::size_t positio
   renumber(node);
   attributeEvent(AttributeEvent::Removed, Plug(&node, attribute.get()));
   return slot;
+}
+
+void Graph::Impl::dropAttributes(Node& node) {
+  for (const AttributePtr& attribute : node.dynamicAttributes_) {
+    giveTopIndex(*attribute, -1);
+    node.removedAttributes_.push_back(attribute);
+  }
+  node.dynamicAttributes_.clear();
 }
 
 Result<const Attribute*> Graph::addAttribute(Node& node, AttributePtr attribute) {
@@ -208,6 +250,7 @@ Result<const Attribute*> Graph::addAttribute(Node& node, AttributePtr attribute)
     return fail("'{}' nests too many arrays", attribute->longName);
   if (attribute->topIndex >= 0 || attribute->flatIndex >= 0)
     attribute = attribute->clone();  // it belongs to another node
+  const Impl::Edit edit(*impl_);
   const std::size_t position = node.dynamicAttributes().size();
   impl_->putAttribute(node, attribute, position, nullptr);
   impl_->record<AttributeLifeChange>(node.shared_from_this(), attribute, position, nullptr, true);
@@ -227,6 +270,7 @@ Result<void> Graph::removeAttribute(Node& node, const Attribute* attribute) {
   if (isLockedHereOrAbove(plug)) return fail("'{}' is locked", plug.name());
   const AttributePtr keep = *at;
   const auto position = static_cast<std::size_t>(at - dynamic.begin());
+  const Impl::Edit edit(*impl_);
   if (const Slot* slot = locate(plug).slot) {
     for (const auto& [from, to] : Impl::connectionsBelow(*slot, true, true)) {
       if (source(to) != from) continue;
@@ -262,6 +306,7 @@ Result<void> Graph::setFlag(const Plug& plug, PlugFlag which, bool on) {
   HOST_TRY(checkPlug(plug));
   if (flag(plug, which) == on) return {};
   HOST_TRY(impl_->checkCreatable(plug));
+  const Impl::Edit edit(*impl_);
   const int createdLevel = impl_->makeElements(plug, true);
   Wiring& wiring = makeSlot(plug, true).slot->wires();
   const std::uint8_t mask = wiring.flagMask, bits = wiring.flagBits;
@@ -288,7 +333,8 @@ Result<void> Graph::setAlias(const Plug& plug, std::string alias) {
   }
   auto change = std::make_unique<AliasChange>(
       *impl_, plug, static_cast<std::size_t>(at - entries.begin()), before, std::move(alias));
-  change->redo();
+  const Impl::Edit edit(*impl_);
+  HOST_TRY(change->redo());
   if (isRecording()) recorder_->record(std::move(change));
   return {};
 }

@@ -6,6 +6,7 @@ namespace host::dg {
 namespace {
 
 /// A connection made or broken. `free_` is what the destination holds while it is not connected.
+/// What is as the record wants it already is left as it is, in the other direction too.
 class WireChange final : public Change {
  public:
   /// Array levels that making it had to create elements at, or -1.
@@ -22,30 +23,55 @@ class WireChange final : public Change {
         free_(std::move(free)),
         isMaking_(isMaking),
         position_(position),
-        created_(created) {}
+        madeSource_{created.source},
+        madeDestination_{created.destination} {}
 
-  void undo() override { isMaking_ ? unmake() : make(); }
-  void redo() override { isMaking_ ? make() : unmake(); }
+  Result<void> undo() override { return isMaking_ ? unmake() : make(); }
+  Result<void> redo() override { return isMaking_ ? make() : unmake(); }
+  void visitNodes(const VisitNode& visit) const override {
+    visit(*sourceNode_);
+    visit(*destinationNode_);
+  }
   [[nodiscard]] std::size_t bytes() const override {
     return sizeof *this - sizeof free_ + free_.bytes();
   }
 
  private:
-  // Edits without a record in between may have taken a node or the connection: then there is
-  // nothing to do.
-  void make() {
-    if (!isUsable(source_) || !isUsable(destination_)) return;
-    if (impl_.graph.source(destination_)) return;
-    impl_.makeElements(source_, true);
-    impl_.makeElements(destination_, true);
+  Result<void> make() {
+    if (std::exchange(isPassive_, false)) return {};
+    HOST_TRY(checkPlug(source_));
+    HOST_TRY(checkPlug(destination_));
+    const Plug now = impl_.graph.source(destination_);
+    isPassive_ = now == source_;
+    if (isPassive_) return {};
+    HOST_TRY(Graph::Impl::checkFree(destination_));
+    if (const Slot* slot = locate(destination_).slot; slot && slot->incoming > 0)
+      return fail("'{}' has connected children", destination_.name());
+    if (!madeSource_.isDropped && locate(source_).isMissing)
+      return fail("'{}' was removed", source_.name());
+    if (!madeDestination_.isDropped && locate(destination_).isMissing)
+      return fail("'{}' was removed", destination_.name());
+    const Graph::Impl::Edit edit(impl_);
+    impl_.bringBack(source_, madeSource_);
+    impl_.bringBack(destination_, madeDestination_);
     impl_.wire(source_, destination_, position_);
+    return {};
   }
-  void unmake() {
-    if (impl_.graph.source(destination_) != source_) return;
-    impl_.unwire(source_, destination_);
+  Result<void> unmake() {
+    if (std::exchange(isPassive_, false)) return {};
+    HOST_TRY(checkPlug(source_));
+    HOST_TRY(checkPlug(destination_));
+    const Plug now = impl_.graph.source(destination_);
+    if (now && now != source_)
+      return fail("'{}' is connected to '{}'", destination_.name(), now.name());
+    isPassive_ = !now;
+    if (isPassive_) return {};
+    const Graph::Impl::Edit edit(impl_);
+    position_ = impl_.unwire(source_, destination_);
     impl_.restoreFree(destination_, free_);
-    impl_.dropElements(destination_, created_.destination);
-    impl_.dropElements(source_, created_.source);
+    impl_.dropElements(destination_, madeDestination_);
+    impl_.dropElements(source_, madeSource_);
+    return {};
   }
 
   Graph::Impl& impl_;
@@ -54,34 +80,37 @@ class WireChange final : public Change {
   ValueTree free_;
   bool isMaking_;
   std::ptrdiff_t position_;  ///< among the source's destinations; -1: at the end
-  Created created_;
+  MadeElements madeSource_, madeDestination_;
+  bool isPassive_ = false;  ///< the last step found nothing to do; so does its opposite
 };
 
 /// Setting a destination back to its default when its connection goes.
 class ResetChange final : public Change {
  public:
-  ResetChange(Graph::Impl& impl, const Plug& plug, ValueTree before, ValueTree after)
+  ResetChange(Graph::Impl& impl, const Plug& plug, ValueTree before)
       : impl_(impl),
         node_(plug.node()->shared_from_this()),
         plug_(plug),
-        before_(std::move(before)),
-        after_(std::move(after)) {}
-  void undo() override { put(before_); }
-  void redo() override { put(after_); }
-  [[nodiscard]] std::size_t bytes() const override {
-    return sizeof *this + before_.bytes() + after_.bytes();
-  }
+        other_(std::move(before)) {}
+  Result<void> undo() override { return exchange(); }
+  Result<void> redo() override { return exchange(); }
+  void visitNodes(const VisitNode& visit) const override { visit(*node_); }
+  [[nodiscard]] std::size_t bytes() const override { return sizeof *this + other_.bytes(); }
 
  private:
-  void put(const ValueTree& tree) {
-    if (!isUsable(plug_)) return;
-    impl_.restoreFree(plug_, tree);
+  Result<void> exchange() {
+    HOST_TRY(Graph::Impl::checkFree(plug_));
+    const Graph::Impl::Edit edit(impl_);
+    ValueTree now;
+    now.value = Graph::Impl::current(plug_);
+    impl_.restoreFree(plug_, std::exchange(other_, std::move(now)));
     impl_.spread(plug_);
+    return {};
   }
   Graph::Impl& impl_;
   NodePtr node_;
   Plug plug_;
-  ValueTree before_, after_;
+  ValueTree other_;
 };
 
 bool carriesWord(const Attribute& generic, const Attribute& other) {
@@ -234,9 +263,22 @@ void Graph::Impl::breakConnection(const Plug& source, const Plug& destination, b
   if (isRecording) record<WireChange>(source, destination, std::move(free), false, position);
 }
 
-void Graph::Impl::unwireBelow(const Slot& slot) {
-  for (const auto& [source, destination] : connectionsBelow(slot, true, true))
-    if (graph.source(destination) == source) unwire(source, destination);
+std::vector<std::unique_ptr<Change>> Graph::Impl::severBelow(const Slot& slot) {
+  std::vector<std::unique_ptr<Change>> severed;
+  for (const auto& [source, destination] : connectionsBelow(slot, true, true)) {
+    if (graph.source(destination) != source) continue;
+    ValueTree free = captureValues(destination);
+    const std::ptrdiff_t position = unwire(source, destination);
+    severed.push_back(
+        std::make_unique<WireChange>(*this, source, destination, std::move(free), false, position));
+  }
+  return severed;
+}
+
+void Graph::Impl::restore(std::vector<std::unique_ptr<Change>>& severed) {
+  // One whose other end is gone stays broken.
+  for (auto change = severed.rbegin(); change != severed.rend(); ++change) (void)(*change)->undo();
+  severed.clear();
 }
 
 void Graph::Impl::restoreFree(const Plug& plug, const ValueTree& tree) {
@@ -255,11 +297,10 @@ void Graph::Impl::afterDisconnect(const Plug& destination) {
       break;
     case DisconnectBehavior::Reset: {
       if (destination.isCompound() || destination.isArray()) break;
-      ValueTree before, after;
+      ValueTree before;
       before.value = current(destination);
-      after.value = destination.attribute()->initialValue();
-      (void)apply(destination, after.value, true);
-      record<ResetChange>(destination, std::move(before), std::move(after));
+      (void)apply(destination, destination.attribute()->initialValue(), true);
+      record<ResetChange>(destination, std::move(before));
       break;
     }
     case DisconnectBehavior::Nothing:
@@ -291,6 +332,7 @@ Result<void> Graph::connect(const Plug& from, const Plug& to, bool force) {
   if (!inTheWay.empty() && !force)
     return fail("'{}' has an incoming connection from '{}' already",
                 inTheWay.front().destination.name(), inTheWay.front().source.name());
+  const Impl::Edit edit(*impl_);
   for (const Connection& old : inTheWay) impl_->breakConnection(old.source, old.destination, false);
 
   const int createdSource = impl_->makeElements(from, true);
@@ -306,6 +348,7 @@ Result<void> Graph::disconnect(const Plug& from, const Plug& to) {
   if (from.isNull() || to.isNull()) return fail("There is no such attribute");
   if (source(to) != from) return fail("'{}' is not connected to '{}'", from.name(), to.name());
   if (isLockedHereOrAbove(to)) return fail("'{}' is locked", to.name());
+  const Impl::Edit edit(*impl_);
   impl_->breakConnection(from, to, true);
   impl_->afterDisconnect(to);
   return {};

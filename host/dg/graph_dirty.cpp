@@ -119,10 +119,8 @@ void Graph::Impl::spread(const Plug& plug) {
   spareWork = std::move(work);
   if (observers.empty()) return;
   const std::vector<Plug> all = std::exchange(marked, {});
-  notify([&](GraphObserver& observer) {
-    observer.plugDirty(plug);
-    for (const Plug& each : all) observer.plugDirty(each);
-  });
+  tell({plug, {}, {}, true});
+  for (const Plug& each : all) tell({each, {}, {}, true});
 }
 
 void Graph::Impl::markClean(const Plug& plug) {

@@ -262,6 +262,10 @@ void Graph::Impl::refreshUpstream(const Plug& plug) {
   }
 }
 
+bool Graph::isEvaluating() const {
+  return impl_->depth > 0;
+}
+
 Result<void> Graph::evaluate(const Plug& plug) {
   return impl_->refresh(plug);
 }

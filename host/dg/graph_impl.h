@@ -19,6 +19,14 @@ struct DirtyStep {
   bool isReachDone;  ///< the static dependents were marked with the attribute that reached this one
 };
 
+/// Elements that an edit made on the way to a plug: they go when it is taken back, with all that
+/// came to hang on them, and come back with it.
+struct MadeElements {
+  int level = -1;  ///< the first array level that was missing; -1: none was
+  bool isDropped = false;
+  DetachedElement kept = {};
+};
+
 struct Graph::Impl {
   explicit Impl(Graph& graphIn);
 
@@ -35,8 +43,28 @@ struct Graph::Impl {
       if (observers[i]) tell(*observers[i]);
     if (--notifying == 0) std::erase(observers, nullptr);
   }
+  /// Observers hear of an edit when it is whole and recorded: what they do then comes after it, in
+  /// the records too.
+  struct Edit {
+    explicit Edit(Impl& implIn) : impl(implIn) { ++impl.editing; }
+    ~Edit() {
+      if (--impl.editing == 0) impl.tellWaiting();
+    }
+    Edit(const Edit&) = delete;
+    Edit& operator=(const Edit&) = delete;
+    Impl& impl;
+  };
+  struct Waiting {
+    Plug plug, other;
+    AttributeEvent event;
+    bool isDirtiness;
+  };
+  int editing = 0;
+  std::vector<Waiting> waiting;
+  void tell(const Waiting& what);
+  void tellWaiting();
   void attributeEvent(AttributeEvent event, const Plug& plug, const Plug& other = {}) {
-    notify([&](GraphObserver& observer) { observer.attributeEvent(event, plug, other); });
+    tell({plug, other, event, false});
   }
   template <class Record, class... Args>
   void record(Args&&... args) {
@@ -50,6 +78,11 @@ struct Graph::Impl {
   [[nodiscard]] std::string makeUuid();
   void putIn(const NodePtr& node);
   void takeOut(const NodePtr& node);
+  /// A node of an earlier run that may live again as this one; null when there is none.
+  NodePtr renewed(const NodeType& type, const std::string& name);
+  /// Nodes that were taken out stay in memory until releaseRemoved: whoever took one out may have
+  /// been called by somebody who goes on with it.
+  std::vector<NodePtr> removed;
   void rename(Node& node, const std::string& name);
   static void setLocked(Node& node, bool locked) { node.isLocked_ = locked; }
   static void swapUuid(Node& node, std::string& uuid) { node.uuid_.swap(uuid); }
@@ -68,8 +101,9 @@ struct Graph::Impl {
   /// Refuses when an element on the way to a plug is missing from an array that is driven as a
   /// whole.
   Result<void> checkCreatable(const Plug& plug);
-  /// Takes back what makeElements made.
-  void dropElements(const Plug& plug, int createdLevel);
+  /// Takes back what makeElements made, and gives it back.
+  void dropElements(const Plug& plug, MadeElements& made);
+  void bringBack(const Plug& plug, MadeElements& made);
   DetachedElement detach(const Plug& element);
   void attach(const Plug& element, DetachedElement detached);
   void swapPacked(const Plug& array, PackedArray& packed);
@@ -79,8 +113,10 @@ struct Graph::Impl {
   std::ptrdiff_t unwire(const Plug& source, const Plug& destination);
   void breakConnection(const Plug& source, const Plug& destination, bool keepValue);
   void afterDisconnect(const Plug& destination);
-  /// Breaks what connects a slot and all below, with no record.
-  void unwireBelow(const Slot& slot);
+  /// Breaks what connects a slot and all below, with no record in the journal.
+  /// @return the records that bring the connections back, for `restore`
+  std::vector<std::unique_ptr<Change>> severBelow(const Slot& slot);
+  static void restore(std::vector<std::unique_ptr<Change>>& severed);
   void restoreFree(const Plug& plug, const ValueTree& tree);
   [[nodiscard]] static std::vector<Graph::Connection> connectionsBelow(const Slot& slot,
                                                                        bool incoming,
@@ -90,6 +126,10 @@ struct Graph::Impl {
   void putAttribute(Node& node, const AttributePtr& attribute, std::size_t position,
                     std::unique_ptr<Slot> slot);
   std::unique_ptr<Slot> takeAttribute(Node& node, std::size_t position);
+  /// Refuses a plug whose node or attribute is gone, or whose value comes over a connection.
+  [[nodiscard]] static Result<void> checkFree(const Plug& plug);
+  /// Takes all dynamic attributes off a node that is not alive.
+  static void dropAttributes(Node& node);
   static auto& aliases(Node& node) { return node.aliases_; }
   static const auto& aliases(const Node& node) { return node.aliases_; }
   void dropAliasesBelow(const Plug& plug);

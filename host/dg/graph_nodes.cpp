@@ -5,12 +5,26 @@
 namespace host::dg {
 namespace {
 
+Result<void> mayReplay(const Graph::Impl& impl, const Node& node, Graph::Replay what,
+                       const std::string& name) {
+  return impl.graph.mayReplay ? impl.graph.mayReplay(node, what, name) : Result<void>();
+}
+Result<void> mayReplay(const Graph::Impl& impl, const Node& node, Graph::Replay what) {
+  return mayReplay(impl, node, what, node.name());
+}
+
+Result<void> checkAlive(const Node& node) {
+  if (!node.isAlive()) return fail("'{}' was deleted", node.name());
+  return {};
+}
+
 class NodeLifeChange final : public Change {
  public:
   NodeLifeChange(Graph::Impl& impl, NodePtr node, bool isCreation)
       : impl_(impl), node_(std::move(node)), isCreation_(isCreation) {}
-  void undo() override { isCreation_ ? impl_.takeOut(node_) : impl_.putIn(node_); }
-  void redo() override { isCreation_ ? impl_.putIn(node_) : impl_.takeOut(node_); }
+  Result<void> undo() override { return isCreation_ ? takeAway() : bringBack(); }
+  Result<void> redo() override { return isCreation_ ? bringBack() : takeAway(); }
+  void visitNodes(const VisitNode& visit) const override { visit(*node_); }
   [[nodiscard]] std::size_t bytes() const override {
     if (isCreation_ && node_->isAlive()) return sizeof *this;
     std::size_t total =
@@ -28,24 +42,49 @@ class NodeLifeChange final : public Change {
   }
 
  private:
+  Result<void> takeAway() {
+    if (!node_->isAlive()) return fail("'{}' was deleted", node_->name());
+    if (node_->isLocked()) return fail("'{}' is locked", node_->name());
+    HOST_TRY(mayReplay(impl_, *node_, Graph::Replay::Removal));
+    impl_.notify([&](GraphObserver& observer) { observer.nodeLeaving(*node_); });
+    if (!node_->isAlive()) return fail("'{}' was deleted", node_->name());
+    // Connections that nobody recorded go with the node and come back with it.
+    for (const auto& slot : NodeAccess::slots(*node_))
+      if (slot)
+        for (auto& each : impl_.severBelow(*slot)) severed_.push_back(std::move(each));
+    impl_.takeOut(node_);
+    return {};
+  }
+  Result<void> bringBack() {
+    if (node_->isAlive()) return fail("'{}' is there already", node_->name());
+    HOST_TRY(mayReplay(impl_, *node_, Graph::Replay::Revival));
+    impl_.putIn(node_);
+    Graph::Impl::restore(severed_);
+    return {};
+  }
+
   Graph::Impl& impl_;
   NodePtr node_;
   bool isCreation_;
+  std::vector<std::unique_ptr<Change>> severed_;
 };
 
 class RenameChange final : public Change {
  public:
   RenameChange(Graph::Impl& impl, NodePtr node, std::string other)
       : impl_(impl), node_(std::move(node)), other_(std::move(other)) {}
-  void undo() override { exchange(); }
-  void redo() override { exchange(); }
+  Result<void> undo() override { return exchange(); }
+  Result<void> redo() override { return exchange(); }
+  void visitNodes(const VisitNode& visit) const override { visit(*node_); }
   [[nodiscard]] std::size_t bytes() const override { return sizeof *this + other_.capacity(); }
 
  private:
-  void exchange() {
-    std::string now = node_->name();
-    impl_.rename(*node_, other_);
-    other_ = std::move(now);
+  Result<void> exchange() {
+    HOST_TRY(checkAlive(*node_));
+    HOST_TRY(mayReplay(impl_, *node_, Graph::Replay::Rename, other_));
+    const std::string wanted = std::exchange(other_, node_->name());
+    impl_.rename(*node_, wanted);
+    return {};
   }
   Graph::Impl& impl_;
   NodePtr node_;
@@ -56,25 +95,37 @@ class UuidChange final : public Change {
  public:
   UuidChange(Graph::Impl&, NodePtr node, std::string other)
       : node_(std::move(node)), other_(std::move(other)) {}
-  void undo() override { Graph::Impl::swapUuid(*node_, other_); }
-  void redo() override { Graph::Impl::swapUuid(*node_, other_); }
+  Result<void> undo() override { return exchange(); }
+  Result<void> redo() override { return exchange(); }
+  void visitNodes(const VisitNode& visit) const override { visit(*node_); }
   [[nodiscard]] std::size_t bytes() const override { return sizeof *this + other_.capacity(); }
 
  private:
+  Result<void> exchange() {
+    HOST_TRY(checkAlive(*node_));
+    Graph::Impl::swapUuid(*node_, other_);
+    return {};
+  }
   NodePtr node_;
   std::string other_;
 };
 
 class NodeLockChange final : public Change {
  public:
-  NodeLockChange(Graph::Impl&, NodePtr node, bool locked)
-      : node_(std::move(node)), locked_(locked) {}
-  void undo() override { Graph::Impl::setLocked(*node_, !locked_); }
-  void redo() override { Graph::Impl::setLocked(*node_, locked_); }
+  NodeLockChange(Graph::Impl&, NodePtr node, bool other) : node_(std::move(node)), other_(other) {}
+  Result<void> undo() override { return exchange(); }
+  Result<void> redo() override { return exchange(); }
+  void visitNodes(const VisitNode& visit) const override { visit(*node_); }
 
  private:
+  Result<void> exchange() {
+    HOST_TRY(checkAlive(*node_));
+    const bool now = node_->isLocked();
+    Graph::Impl::setLocked(*node_, std::exchange(other_, now));
+    return {};
+  }
   NodePtr node_;
-  bool locked_;
+  bool other_;
 };
 
 auto positionOf(const std::vector<NodePtr>& nodes, std::uint64_t serial) {
@@ -112,9 +163,10 @@ void Graph::Impl::putIn(const NodePtr& node) {
 void Graph::Impl::takeOut(const NodePtr& node) {
   if (!node->isAlive_) return;
   for (const auto& slot : node->slots_)
-    if (slot) unwireBelow(*slot);
+    if (slot) (void)severBelow(*slot);
   graph.nodes_.erase(positionOf(graph.nodes_, node->serial()));
   node->isAlive_ = false;
+  removed.push_back(node);
   notify([&](GraphObserver& observer) { observer.nodeRemoved(*node); });
 }
 
@@ -143,9 +195,32 @@ void Graph::removeObserver(GraphObserver* observer) {
     std::erase(impl_->observers, observer);
 }
 
+NodePtr Graph::Impl::renewed(const NodeType& type, const std::string& name) {
+  if (!graph.creations_) return nullptr;
+  std::vector<NodePtr>& earlier = graph.creations_->earlier;
+  const auto found = std::ranges::find_if(earlier, [&](const NodePtr& each) {
+    return each->type_ == &type && !each->isAlive_ && &each->graph() == &graph;
+  });
+  if (found == earlier.end()) return nullptr;
+  const NodePtr node = *found;
+  earlier.erase(found);
+  dropAttributes(*node);
+  node->slots_.clear();
+  node->aliases_.clear();
+  node->userObject.reset();
+  node->dagExtension.reset();
+  node->isLocked_ = false;
+  node->name_ = name;
+  return node;
+}
+
 NodePtr Graph::createNode(const NodeType& type, std::string name) {
-  NodePtr node(new Node(*this, type, std::move(name), impl_->nextSerial++));
-  node->uuid_ = impl_->makeUuid();
+  NodePtr node = impl_->renewed(type, name);
+  if (!node) {
+    node.reset(new Node(*this, type, std::move(name), impl_->nextSerial++));
+    node->uuid_ = impl_->makeUuid();
+  }
+  if (creations_) creations_->made.push_back(node);
   impl_->record<NodeLifeChange>(node, true);
   impl_->putIn(node);
   callFromBaseOn(&type, [&](const NodeType& each) {
@@ -161,6 +236,9 @@ Result<void> Graph::deleteNode(Node& node) {
     return fail("Node '{}' belongs to every scene and cannot be deleted", node.name());
   const NodePtr keep = node.shared_from_this();
   impl_->notify([&](GraphObserver& observer) { observer.nodeAboutToBeRemoved(node); });
+  impl_->notify([&](GraphObserver& observer) { observer.nodeLeaving(node); });
+  if (!node.isAlive()) return {};  // somebody who was told of it was quicker
+  const Impl::Edit edit(*impl_);
   std::vector<Connection> leaving = outgoing(node);
   std::ranges::reverse(leaving);  // the last destination of a source is the cheapest to take out
   for (const auto& [from, to] : leaving) {
@@ -186,7 +264,7 @@ Result<void> Graph::renameNode(Node& node, std::string name) {
 Result<void> Graph::setNodeLocked(Node& node, bool locked) {
   if (!node.isAlive()) return fail("Node '{}' is deleted", node.name());
   if (node.isLocked() == locked) return {};
-  impl_->record<NodeLockChange>(node.shared_from_this(), locked);
+  impl_->record<NodeLockChange>(node.shared_from_this(), !locked);
   Impl::setLocked(node, locked);
   return {};
 }
@@ -201,10 +279,41 @@ void Graph::seedUuids(std::uint64_t seed) {
   impl_->random.seed(seed);
 }
 
+void Graph::releaseRemoved() {
+  if (impl_->editing > 0 || impl_->notifying > 0 || impl_->depth > 0) return;
+  // Destructors of what hangs on a node may take out others.
+  while (!impl_->removed.empty()) {
+    const std::vector<NodePtr> gone = std::move(impl_->removed);
+    impl_->removed.clear();
+  }
+}
+
+void Graph::Impl::tell(const Waiting& what) {
+  if (observers.empty()) return;
+  if (editing > 0) {
+    waiting.push_back(what);
+    return;
+  }
+  notify([&](GraphObserver& observer) {
+    if (what.isDirtiness)
+      observer.plugDirty(what.plug);
+    else
+      observer.attributeEvent(what.event, what.plug, what.other);
+  });
+}
+
+void Graph::Impl::tellWaiting() {
+  if (waiting.empty()) return;
+  const std::vector<Waiting> due = std::exchange(waiting, {});
+  for (const Waiting& what : due) tell(what);
+}
+
 void Graph::clear() {
   std::vector<NodePtr> gone = nodes_;
   for (const NodePtr& node : gone)
     impl_->notify([&](GraphObserver& observer) { observer.nodeAboutToBeRemoved(*node); });
+  for (const NodePtr& node : gone)
+    impl_->notify([&](GraphObserver& observer) { observer.nodeLeaving(*node); });
   nodes_.clear();
   // Storage goes with the connections in it: nothing is left that points from one node to another.
   for (const NodePtr& node : gone) {
@@ -214,6 +323,7 @@ void Graph::clear() {
   }
   for (const NodePtr& node : gone)
     impl_->notify([&](GraphObserver& observer) { observer.nodeRemoved(*node); });
+  impl_->removed.clear();
 }
 
 }  // namespace host::dg

@@ -12,32 +12,43 @@ class SetChange final : public Change {
         node_(plug.node()->shared_from_this()),
         plug_(plug),
         other_(std::move(other)),
-        createdLevel_(createdLevel) {}
-  void undo() override {
-    exchange(false);
-    impl_.dropElements(plug_, createdLevel_);
+        made_{createdLevel} {}
+  Result<void> undo() override {
+    HOST_TRY(checkFit());
+    const Graph::Impl::Edit edit(impl_);
+    HOST_TRY(exchange(false));
+    impl_.dropElements(plug_, made_);
+    return {};
   }
-  void redo() override {
-    if (isUsable(plug_)) impl_.makeElements(plug_, false);
-    exchange(true);
+  Result<void> redo() override {
+    HOST_TRY(checkFit());
+    const Graph::Impl::Edit edit(impl_);
+    impl_.bringBack(plug_, made_);
+    return exchange(true);
   }
+  void visitNodes(const VisitNode& visit) const override { visit(*node_); }
   [[nodiscard]] std::size_t bytes() const override {
     const auto* text = std::get_if<std::string>(&other_);
     return sizeof *this + (text ? text->capacity() : 0);
   }
 
  private:
-  void exchange(bool isClean) {
-    if (!isUsable(plug_)) return;
+  Result<void> checkFit() const {
+    HOST_TRY(Graph::Impl::checkFree(plug_));
+    if (!made_.isDropped && locate(plug_).isMissing) return fail("'{}' was removed", plug_.name());
+    return {};
+  }
+  Result<void> exchange(bool isClean) {
     Value now = Graph::Impl::current(plug_);
-    (void)impl_.apply(plug_, other_, isClean);
+    HOST_TRY(impl_.apply(plug_, other_, isClean));
     other_ = std::move(now);
+    return {};
   }
   Graph::Impl& impl_;
   NodePtr node_;
   Plug plug_;
   Value other_;
-  int createdLevel_;
+  MadeElements made_;
 };
 
 bool isFlagged(const Slot& slot, Graph::PlugFlag which) {
@@ -46,6 +57,14 @@ bool isFlagged(const Slot& slot, Graph::PlugFlag which) {
 }
 
 }  // namespace
+
+Result<void> Graph::Impl::checkFree(const Plug& plug) {
+  HOST_TRY(checkPlug(plug));
+  for (const Slot* slot = locate(plug).deepest; slot; slot = slot->parent)
+    if (slot->isDriven())
+      return fail("'{}' is connected to '{}'", plug.name(), slot->wiring->source.name());
+  return {};
+}
 
 Result<void> Graph::Impl::checkLeaf(const Plug& plug) {
   HOST_TRY(checkPlug(plug));
@@ -121,10 +140,12 @@ Result<void> Graph::set(const Plug& plug, const Value& value) {
   HOST_TRY(settable(plug));
   auto converted = plug.attribute()->convert(value);
   if (!converted) return fail("'{}': {}", plug.name(), converted.error().message);
+  const Impl::Edit edit(*impl_);
   Value before = isRecording() ? Impl::current(plug) : Value();
   const int createdLevel = impl_->makeElements(plug, false);
   if (auto applied = impl_->apply(plug, *converted, true); !applied) {
-    impl_->dropElements(plug, createdLevel);
+    MadeElements made{createdLevel};
+    impl_->dropElements(plug, made);
     return applied;
   }
   impl_->record<SetChange>(plug, std::move(before), createdLevel);

@@ -5,9 +5,15 @@
 namespace host::dg {
 
 Node::Node(Graph& graph, const NodeType& type, std::string name, std::uint64_t serial)
-    : graph_(&graph), type_(&type), name_(std::move(name)), serial_(serial) {}
+    : graph_(&graph), type_(&type), name_(std::move(name)), serial_(serial) {
+  ++type.nodeCount;
+}
 
-Node::~Node() = default;
+Node::~Node() {
+  // Before the type may go: storage refers to its attributes.
+  slots_.clear();
+  --type_->nodeCount;
+}
 
 const Attribute* Node::findAttribute(std::string_view name) const {
   if (const Attribute* found = type_->find(name)) return found;

@@ -36,6 +36,7 @@ class NodeType {
   bool existsWithoutOutputs =
       true;                ///< false: a node goes when the last node that it feeds is deleted
   std::string pluginName;  ///< empty for built-in types
+  mutable std::size_t nodeCount = 0;  ///< nodes in memory, deleted ones that records hold included
 
   /// Computes `plug` (an output, possibly an element or a child) and whatever else is cheap, into
   /// the block.
@@ -166,6 +167,8 @@ class TypeRegistry {
   Result<const NodeType*> add(std::unique_ptr<NodeType> type);
   /// Takes a type out of the registry; nodes that live on keep it alive.
   Result<void> remove(std::string_view name);
+  /// Forgets removed types that have no nodes any more.
+  void releaseRemoved();
   [[nodiscard]] const NodeType* find(std::string_view name) const;
   [[nodiscard]] const NodeType* find(std::uint32_t id) const;
   [[nodiscard]] std::vector<const NodeType*> all() const;  ///< in order of registration

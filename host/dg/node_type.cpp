@@ -140,6 +140,24 @@ Result<void> TypeRegistry::remove(std::string_view name) {
   return {};
 }
 
+void TypeRegistry::releaseRemoved() {
+  const auto isBase = [&](const NodeType* type) {
+    const auto derives = [type](const auto& each) {
+      for (const NodeType* base = each->base; base; base = base->base)
+        if (base == type) return true;
+      return false;
+    };
+    return std::ranges::any_of(types_, derives) || std::ranges::any_of(removed_, derives);
+  };
+  const auto isUnused = [&](const auto& type) {
+    return type->nodeCount == 0 && !isBase(type.get());
+  };
+  // Derived ones first: then their bases are free.
+  for (auto unused = std::ranges::find_if(removed_, isUnused); unused != removed_.end();
+       unused = std::ranges::find_if(removed_, isUnused))
+    removed_.erase(unused);
+}
+
 const NodeType* TypeRegistry::find(std::string_view name) const {
   const auto found =
       std::ranges::find_if(types_, [&](const auto& type) { return type->name == name; });

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/dg/change.h"
 #include "host/dg/node.h"
 
 // Storage of values and connections, private to this folder.
@@ -126,6 +127,7 @@ void matchSlotsToPacked(Slot& array);
 struct DetachedElement {
   std::unique_ptr<Slot> slot;
   std::vector<double> packed;
+  std::vector<std::unique_ptr<Change>> severed;  ///< connections that went with it
 };
 DetachedElement detachElement(Slot& array, Index index);
 void attachElement(Slot& array, Index index, DetachedElement element);

@@ -4,11 +4,11 @@
 #include <utility>
 
 #include "host/base/cancel.h"
-#include "host/io/mapped_file.h"
 #include "host/io/obj_face_sets.h"
 #include "host/io/obj_normals.h"
 #include "host/io/obj_smoothing.h"
 #include "host/io/obj_statements.h"
+#include "host/io/whole_file.h"
 
 namespace host::io {
 namespace {
@@ -221,7 +221,7 @@ Result<ObjScene> parseObj(std::string_view text, const std::string& name,
 }
 
 Result<ObjScene> readObj(const std::string& path, const ObjReadOptions& options) {
-  auto file = MappedFile::open(path);
+  auto file = FileContent::read(path);
   if (!file) return failWith(std::move(file).error());
   const LongWork work("Reading");
   return parseObj(file->text(), path, options);

@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "host/base/parallel.h"
-#include "host/io/mapped_file.h"
 #include "host/io/obj_smoothing.h"
+#include "host/io/whole_file.h"
 #include "host/mesh/adjacency.h"
 
 namespace host::io {

@@ -32,7 +32,8 @@ struct ObjWriteOptions {
 /// the text back gives an equal mesh in all else. Linear.
 [[nodiscard]] std::string formatObj(const ObjScene& scene, const ObjWriteOptions& options = {});
 
-/// Writes formatObj() to a file, replacing it in one step.
+/// Writes formatObj() to a file, replacing it in one step. The scene's numbers must be finite:
+/// makeFinite sees to that.
 /// @return an error naming the file, which is then unchanged.
 [[nodiscard]] Result<void> writeObj(const std::string& path, const ObjScene& scene,
                                     const ObjWriteOptions& options = {});

@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "host/io/mapped_file.h"
+#include "host/io/whole_file.h"
 
 namespace host::io {
 
@@ -35,7 +35,7 @@ Result<Image> decodePng(std::string_view bytes, const std::string& name) {
 }
 
 Result<Image> readPng(const std::string& path) {
-  auto file = MappedFile::open(path);
+  auto file = FileContent::read(path);
   if (!file) return failWith(std::move(file).error());
   return decodePng(file->text(), path);
 }

@@ -5,7 +5,7 @@
 #include <csetjmp>
 #include <utility>
 
-#include "host/io/mapped_file.h"
+#include "host/io/whole_file.h"
 
 namespace host::io {
 namespace {

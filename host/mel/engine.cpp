@@ -145,7 +145,9 @@ std::string Engine::findScript(std::string_view name) const {
   if (name.empty()) return {};
   const std::filesystem::path plain{std::string(name)};
   const std::filesystem::path suffixed{std::string(name) + ".mel"};
-  std::vector<std::filesystem::path> folders{std::filesystem::path()};
+  // A bare name never means the working folder: whoever put a file there need not be trusted.
+  std::vector<std::filesystem::path> folders;
+  if (plain.has_parent_path()) folders.emplace_back();
   const std::string& current = machine_.currentFile();
   if (!current.empty()) folders.push_back(std::filesystem::path(current).parent_path());
   for (const std::string& folder : scriptFolders()) folders.emplace_back(folder);

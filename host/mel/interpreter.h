@@ -40,7 +40,9 @@ class Interpreter {
   /// and is not printed; the caller does that.
   Result<Value> execute(std::string_view source, const SourceName& name = {});
 
-  /// Runs a file as `source` does: as it stands, else with `.mel` added, else on the script path.
+  /// Runs a file as `source` does, with or without `.mel`: a path with a folder in it as it stands;
+  /// else, and for a bare name, beside the script that runs and along the script path. The working
+  /// folder is only looked into when the name says so: `./tool.mel`.
   Result<Value> sourceFile(const std::string& path);
 
   /// A global procedure that is defined now; files on the script path are not searched.

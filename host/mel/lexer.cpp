@@ -1,5 +1,6 @@
 #include "host/mel/lexer.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace host::mel {
@@ -232,6 +233,26 @@ std::size_t Lexer::wordLength(std::size_t from) const {
   }
 }
 
+/// Length of a flag whose number follows without a blank, as in `-sv0.5` and `-sv1e-05`; no flag
+/// has a point or a sign in its name.
+std::size_t Lexer::fusedFlagLength(std::size_t nameLength) const {
+  std::size_t digits = 0;
+  while (digits < nameLength && !isDigit(at(digits))) ++digits;
+  std::size_t end = digits;
+  while (end < nameLength && isDigit(at(end))) ++end;
+  if (digits == 0 || digits == end) return nameLength;
+  if (end == nameLength && at(end) == '.' && isDigit(at(end + 1))) {
+    ++end;
+    while (isDigit(at(end))) ++end;
+  }
+  const bool isExponent =
+      at(end) == 'e' && (at(end + 1) == '-' || at(end + 1) == '+') && isDigit(at(end + 2));
+  if (!isExponent) return std::max(end, nameLength);
+  end += 2;
+  while (isDigit(at(end))) ++end;
+  return end;
+}
+
 Token Lexer::nextWord() {
   skipBlanks();
   if (at(0) == '"') return readString();
@@ -254,6 +275,7 @@ Token Lexer::nextWord() {
     skipBlanks();
     std::size_t length = 0;
     while (isNameChar(at(length))) ++length;
+    length = fusedFlagLength(length);
     if (length == 0 || !isNameStart(at(0))) return bad("a - without a flag name or a number");
     Token token = take(TokenKind::Word, length);
     token.begin = begin;

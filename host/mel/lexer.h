@@ -73,6 +73,7 @@ class Lexer {
   [[nodiscard]] Token readSymbol();
   [[nodiscard]] std::size_t numberLength() const;
   [[nodiscard]] std::size_t wordLength(std::size_t from) const;
+  [[nodiscard]] std::size_t fusedFlagLength(std::size_t nameLength) const;
   void setNumber(Token& token) const;
 
   std::string_view source_;

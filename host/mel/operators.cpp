@@ -194,6 +194,14 @@ Result<void> writeGrowing(std::vector<T>& array, std::int64_t index, V&& element
   }
   if (place > array.size()) {
     if (place >= kMaxArrayElements) return outOfRange(index);
+    // One slip of an index must not take all memory: a gap of that size is no array that anybody
+    // means. What grows element by element may be as large.
+    constexpr std::size_t kLargestGap = (std::size_t{256} << 20) / sizeof(T);
+    if (place - array.size() > kLargestGap)
+      return fail(
+          "Array index {} is too far behind the {} elements there are: an array grows by at "
+          "most {} elements at once.",
+          index, array.size(), kLargestGap);
     array.resize(place + 1);
   }
   array[place] = std::forward<V>(element);

@@ -1,9 +1,7 @@
 #include "host/nodes/camera_node.h"
 #include "host/nodes/dag_node.h"
 #include "host/nodes/history/history_node.h"
-#include "host/nodes/history/modelling_nodes.h"
 #include "host/nodes/history/modifiers.h"
-#include "host/nodes/history/primitives.h"
 #include "host/nodes/locator_node.h"
 #include "host/nodes/mesh_node.h"
 #include "host/nodes/mesh_shape.h"
@@ -26,20 +24,10 @@ void registerBuiltinTypes(dg::TypeRegistry& types) {
   registerSceneNodes(types);
   registerUnknownNodes(types);
   registerHistoryBaseTypes(types);
-  registerPolyCube(types);
-  registerPolyPlane(types);
-  registerPolySphere(types);
-  registerPolyCylinder(types);
-  registerPolyCone(types);
-  registerPolyTorus(types);
-  registerPolyPyramid(types);
   registerPolyTweak(types);
-  registerPolyTweakUv(types);
-  registerPolySoftEdge(types);
   registerDeleteComponent(types);
   registerTransformGeometry(types);
   registerGroupNodes(types);
-  registerModellingNodes(types);
 }
 
 }  // namespace host::nodes

@@ -32,7 +32,7 @@ void registerCamera(dg::TypeRegistry& types) {
   camera.add(real("fStop", "fs", 5.6));
   camera.add(keyable(distance("centerOfInterest", "coi", 5)));
   camera.add(triple("tumblePivot", "tp", AttributeType::Distance));
-  camera.add(boolean("usePivotAsLocalSpace", "ups"));
+  camera.add(boolean("usePivotAsLocalSpace", "uls"));
   camera.add(text("imageName", "imn"));
   camera.add(text("depthName", "den"));
   camera.add(text("maskName", "man"));

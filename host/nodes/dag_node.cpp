@@ -1,7 +1,11 @@
 #include "host/nodes/dag_node.h"
 
+#include <algorithm>
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
+#include "host/scene/dag_paths.h"
 #include "host/scene/mesh_data.h"
 
 namespace host::nodes {
@@ -27,8 +31,9 @@ Result<Matrix4> pullMatrix(dg::Graph& graph, const Plug& plug) {
   return data ? data->value : Matrix4{};
 }
 
-AttributePtr boxCorner(const std::string& longName, const std::string& shortName) {
-  return triple(longName, shortName, AttributeType::Distance);
+AttributePtr boxCorner(const std::string& longName, const std::string& shortName,
+                       const std::string& childShortName) {
+  return triple(longName, shortName, AttributeType::Distance, {}, childShortName);
 }
 
 AttributePtr drawOverrides() {
@@ -58,6 +63,20 @@ struct DagAttributes {
   const Attribute *boxMin, *boxMax, *boxSize, *center;
 };
 
+/// Brings the matrices above up to date from the top down: a hierarchy may be deeper than what can
+/// be evaluated one inside the other.
+void refreshAbove(const DagAttributes& attributes, dg::Graph& graph, scene::PathAbove above) {
+  std::vector<Plug> dirty;
+  while (above.parent) {
+    const Plug world =
+        Plug(above.parent, attributes.world).element(static_cast<Index>(above.number));
+    if (!graph.isDirty(world)) break;
+    dirty.push_back(world);
+    above = scene::pathAbove(*above.parent, above.number);
+  }
+  for (std::size_t i = dirty.size(); i-- > 1;) (void)graph.evaluate(dirty[i]);
+}
+
 Result<Computed> computeInstanceMatrix(const DagAttributes& attributes, Node& node,
                                        const Plug& plug, Index instance, DataBlock& block) {
   const Attribute* wanted = plug.attribute();
@@ -77,18 +96,17 @@ Result<Computed> computeInstanceMatrix(const DagAttributes& attributes, Node& no
     store(inverseOrIdentity(*forward));
     return Computed::Done;
   }
-  const std::vector<DagPath> paths = scene::allPaths(node);
-  const auto number = static_cast<std::size_t>(instance);
-  const DagPath above = number < paths.size() ? paths[number].parent() : DagPath();
+  const scene::PathAbove above = scene::pathAbove(node, static_cast<std::uint64_t>(instance));
   if (wanted == attributes.parent) {
-    if (above.isWorld()) {
+    if (!above.parent) {
       store({});
       return Computed::Done;
     }
+    refreshAbove(attributes, block.graph(), above);
     // Pulled through the parent's plug, so that a later change up there finds its way down here.
-    const Plug parentWorld(above.node(), attributes.world);
+    const Plug parentWorld(above.parent, attributes.world);
     const auto matrix =
-        pullMatrix(block.graph(), parentWorld.element(static_cast<Index>(above.instanceNumber())));
+        pullMatrix(block.graph(), parentWorld.element(static_cast<Index>(above.number)));
     if (!matrix) return failWith(matrix.error());
     store(*matrix);
     return Computed::Done;
@@ -101,7 +119,7 @@ Result<Computed> computeInstanceMatrix(const DagAttributes& attributes, Node& no
   }
   const Matrix4 local = block.matrix(attributes.matrix);
   const Attribute* inherits = node.type().find("inheritsTransform");
-  const bool standsAlone = above.isWorld() || (inherits && !block.boolean(inherits));
+  const bool standsAlone = !above.parent || (inherits && !block.boolean(inherits));
   store(standsAlone ? local : local * *parent);
   return Computed::Done;
 }
@@ -122,7 +140,7 @@ Result<Computed> computeDag(const DagAttributes& attributes, Node& node, const P
     return Computed::Unhandled;
   if (plug.isElement())
     return computeInstanceMatrix(attributes, node, plug, plug.logicalIndex(), block);
-  const auto instances = static_cast<Index>(scene::allPaths(node).size());
+  const auto instances = static_cast<Index>(std::min(scene::pathCount(node), scene::kMostPaths));
   for (Index i = 0; i < instances; ++i) {
     auto done = computeInstanceMatrix(attributes, node, plug, i, block);
     if (!done) return done;
@@ -150,19 +168,17 @@ void registerDagNode(dg::TypeRegistry& types) {
   TypeBuilder builder(types, "dagNode", "entity");
   builder.setAbstract();
   DagAttributes a{};
-  const Attribute* box = builder.add(internal(
-      output(compound("boundingBox", "bb",
-                      {boxCorner("boundingBoxMin", "bbmn"), boxCorner("boundingBoxMax", "bbmx"),
-                       boxCorner("boundingBoxSize", "bbsi")}))));
+  const Attribute* box = builder.add(internal(output(compound(
+      "boundingBox", "bb",
+      {boxCorner("boundingBoxMin", "bbmn", "bbn"), boxCorner("boundingBoxMax", "bbmx", "bbx"),
+       boxCorner("boundingBoxSize", "bbsi", "bbs")}))));
   a.boxMin = box->children[0].get();
   a.boxMax = box->children[1].get();
   a.boxSize = box->children[2].get();
-  AttributePtr center = boxCorner("center", "c");
-  for (int axis = 0; axis < 3; ++axis) {
+  AttributePtr center = boxCorner("center", "c", "bc");
+  for (int axis = 0; axis < 3; ++axis)
     center->children[static_cast<std::size_t>(axis)]->longName =
         std::string("boundingBoxCenter") + "XYZ"[axis];
-    center->children[static_cast<std::size_t>(axis)]->shortName = std::string("bc") + "xyz"[axis];
-  }
   a.center = builder.add(internal(output(std::move(center))));
   a.matrix = builder.add(output(matrix("matrix", "m")));
   a.inverseMatrix = builder.add(output(matrix("inverseMatrix", "im")));
@@ -214,26 +230,50 @@ void registerDagNode(dg::TypeRegistry& types) {
 
 }  // namespace
 
-math::Box boundingBoxOf(Node& dagNode) {
+namespace {
+
+math::Box boxOfShape(Node& shape) {
   math::Box box;
-  if (scene::isShape(dagNode)) {
-    const Plug outMesh = dagNode.plug("outMesh");
-    if (!outMesh) return box;
-    const auto value = dagNode.graph().get(outMesh);
-    const auto* data = value ? dg::dataAs<scene::MeshData>(*value) : nullptr;
-    if (data)
-      for (const math::Vec3f& point : data->mesh.points()) box.add(math::Vec3(point));
-    return box;
+  const Plug outMesh = shape.plug("outMesh");
+  if (!outMesh) return box;
+  const auto value = shape.graph().get(outMesh);
+  const auto* data = value ? dg::dataAs<scene::MeshData>(*value) : nullptr;
+  if (data)
+    for (const math::Vec3f& point : data->mesh.points()) box.add(math::Vec3(point));
+  return box;
+}
+
+bool isIntermediate(Node& node) {
+  const Plug hidden = node.plug("intermediateObject");
+  const auto value = hidden ? node.graph().get(hidden) : Result<dg::Value>();
+  return hidden && value && dg::equal(*value, std::int64_t{1});
+}
+
+}  // namespace
+
+math::Box boundingBoxOf(Node& dagNode) {
+  // Each node once, however many instances lead to it, and without recursion.
+  std::unordered_map<Node*, math::Box> known;
+  std::vector<std::pair<Node*, bool>> open{{&dagNode, false}};
+  while (!open.empty()) {
+    const auto [node, isExpanded] = open.back();
+    if (known.contains(node)) {
+      open.pop_back();
+    } else if (scene::isShape(*node)) {
+      known.emplace(node, boxOfShape(*node));
+    } else if (!isExpanded) {
+      open.back().second = true;
+      for (Node* child : scene::dagLinks(*node).children)
+        if (!isIntermediate(*child)) open.emplace_back(child, false);
+    } else {
+      math::Box box;
+      for (Node* child : scene::dagLinks(*node).children)
+        if (const auto below = known.find(child); below != known.end() && !below->second.isEmpty())
+          box.add(below->second);
+      known.emplace(node, box.isEmpty() ? box : box.transformed(scene::localMatrix(*node)));
+    }
   }
-  for (Node* child : scene::dagLinks(dagNode).children) {
-    if (const Plug hidden = child->plug("intermediateObject"))
-      if (const auto value = dagNode.graph().get(hidden);
-          value && dg::equal(*value, std::int64_t{1}))
-        continue;
-    const math::Box below = boundingBoxOf(*child);
-    if (!below.isEmpty()) box.add(below);
-  }
-  return box.isEmpty() ? box : box.transformed(scene::localMatrix(dagNode));
+  return known.at(&dagNode);
 }
 
 void registerDagBaseTypes(dg::TypeRegistry& types) {

@@ -1,9 +1,10 @@
 #include "host/nodes/locator_node.h"
 
+#include <algorithm>
 #include <array>
 
 #include "host/nodes/type_builder.h"
-#include "host/scene/dag.h"
+#include "host/scene/dag_paths.h"
 
 namespace host::nodes {
 
@@ -11,7 +12,7 @@ void registerLocator(dg::TypeRegistry& types) {
   TypeBuilder locator(types, "locator", "geometryShape", typeCode("LOCT"));
   const Attribute* local =
       locator.add(channelBox(triple("localPosition", "lp", AttributeType::Distance)));
-  locator.add(channelBox(triple("localScale", "los", AttributeType::Distance, {1, 1, 1})));
+  locator.add(channelBox(triple("localScale", "los", AttributeType::Distance, {1, 1, 1}, "ls")));
   AttributePtr positions = array(output(triple("worldPosition", "wp", AttributeType::Distance)));
   positions->worldSpace = true;
   const Attribute* world = locator.add(std::move(positions));
@@ -23,7 +24,8 @@ void registerLocator(dg::TypeRegistry& types) {
     const Plug whole = isPart ? plug.parent() : plug;
     const Index first = whole.isElement() ? whole.logicalIndex() : 0;
     const Index last =
-        whole.isElement() ? first + 1 : static_cast<Index>(scene::allPaths(node).size());
+        whole.isElement() ? first + 1
+                          : static_cast<Index>(std::min(scene::pathCount(node), scene::kMostPaths));
     const math::Vec3 position = block.vec3(local);
     for (Index i = first; i < last; ++i) {
       const auto matrix = block.data<dg::MatrixData>(Plug(&node, matrices).element(i));

@@ -1,10 +1,12 @@
 #include "host/nodes/mesh_node.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
 #include "host/nodes/dag_node.h"
 #include "host/nodes/mesh_access.h"
+#include "host/scene/dag_paths.h"
 #include "host/scene/mesh_data.h"
 
 namespace host::nodes {
@@ -113,7 +115,7 @@ void addDisplayAttributes(TypeBuilder& builder) {
   builder.add(boolean("displayVertices", "dv"));
   builder.add(boolean("displayBorders", "db"));
   builder.add(choice("displayEdges", "de", {"standard", "soft/hard", "hard", "hardColored"}));
-  builder.add(boolean("displayFacesWithGroupId", "dfgi"));
+  builder.add(integer("displayFacesWithGroupId", "dfgi", -2));
   builder.add(boolean("displayCenter", "dc"));
   builder.add(boolean("displayTriangles", "dt"));
   builder.add(boolean("displayUVs", "duv"));
@@ -123,18 +125,18 @@ void addDisplayAttributes(TypeBuilder& builder) {
   builder.add(boolean("displayMapBorders", "dmb"));
   builder.add(boolean("displayInvisibleFaces", "difs"));
   builder.add(
-      choice("materialBlend", "mtb",
+      choice("materialBlend", "matb",
              {"overwrite", "add", "subtract", "multiply", "divide", "average", "modulate2x"}));
-  builder.add(choice("normalType", "nty", {"facet", "vertex", "vertexFace"}));
+  builder.add(choice("normalType", "ndt", {"facet", "vertex", "vertexFace"}));
   builder.add(choice("vertexNormalMethod", "vnm",
                      {"unweighted", "angle-weighted", "area-weighted", "angle and area-weighted"},
                      3));
-  builder.add(single("uvSize", "us", 4));
+  builder.add(single("uvSize", "usz", 4));
   builder.add(single("normalSize", "ns", 0.4));
   builder.add(single("vertexSize", "vs", 3));
-  builder.add(single("borderWidth", "bw", 3));
+  builder.add(single("borderWidth", "bw", 2));
   builder.add(choice("backfaceCulling", "bck", {"off", "wire", "hard", "full"}));
-  builder.add(choice("vertexBackfaceCulling", "vbc", {"off", "on"}));
+  builder.add(boolean("vertexBackfaceCulling", "vbc", true));
 }
 
 void addSmoothAttributes(TypeBuilder& builder) {
@@ -144,15 +146,15 @@ void addSmoothAttributes(TypeBuilder& builder) {
   builder.add(limited(shortInteger("renderSmoothLevel", "rlev", 2), 0, 4));
   builder.add(limited(single("continuity", "co", 1), 0, 1));
   builder.add(boolean("smoothUVs", "suv", true));
-  builder.add(boolean("keepBorder", "kb", true));
+  builder.add(boolean("keepBorder", "kb"));
   builder.add(boolean("keepMapBorders", "kmb", true));
   builder.add(boolean("keepHardEdge", "khe"));
   builder.add(boolean("propagateEdgeHardness", "peh"));
-  builder.add(boolean("smoothOffset", "soo"));
+  builder.add(boolean("smoothOffset", "so"));
   builder.add(boolean("displaySubdComps", "dsc"));
   builder.add(choice("quadSplit", "qsp",
-                     {"automatic", "left", "right", "best shape", "best shape, parallel"}));
-  builder.add(choice("useMaxEdgeLength", "umel", {"off", "on"}));
+                     {"automatic", "left", "right", "best shape", "best shape, parallel"}, 2));
+  builder.add(boolean("useMaxEdgeLength", "uxe"));
 }
 
 }  // namespace
@@ -165,7 +167,7 @@ void registerMesh(dg::TypeRegistry& types) {
   AttributePtr worldMesh = array(output(dg::makeTyped("worldMesh", "w", "mesh")));
   worldMesh->worldSpace = true;
   a.worldMesh = builder.add(std::move(worldMesh));
-  builder.add(hidden(notStored(dg::makeTyped("cachedInMesh", "cim", "mesh"))));
+  builder.add(hidden(notStored(dg::makeTyped("cachedInMesh", "ci", "mesh"))));
   a.override = builder.add(hidden(dg::makeTyped(kMeshOverrideAttribute, "cdov", "mesh")));
   // Lengths, with children in double precision: an offset then takes a float point to any other
   // float point exactly.
@@ -191,7 +193,7 @@ void registerMesh(dg::TypeRegistry& types) {
     if (plug.attribute() == a.outMesh) return computeOutMesh(a, node, block);
     if (plug.attribute() != a.worldMesh) return Computed::Unhandled;
     if (plug.isElement()) return computeWorldMesh(a, node, plug.logicalIndex(), block);
-    const auto instances = static_cast<Index>(scene::allPaths(node).size());
+    const auto instances = static_cast<Index>(std::min(scene::pathCount(node), scene::kMostPaths));
     for (Index i = 0; i < instances; ++i) {
       auto done = computeWorldMesh(a, node, i, block);
       if (!done) return done;

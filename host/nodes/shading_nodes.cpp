@@ -24,8 +24,8 @@ void registerLambert(dg::TypeRegistry& types) {
   lambert.type().classification = "shader/surface";
   const Attribute* base = lambert.add(keyable(color("color", "c", {0.5, 0.5, 0.5})));
   lambert.add(keyable(color("transparency", "it")));
-  lambert.add(keyable(color("ambientColor", "ambc")));
-  lambert.add(keyable(color("incandescence", "ic")));
+  lambert.add(keyable(color("ambientColor", "ambc", {}, "ac")));
+  lambert.add(keyable(color("incandescence", "ic", {}, "i")));
   lambert.add(keyable(limited(single("diffuse", "dc", 0.8), 0, 1)));
   lambert.add(keyable(softLimited(single("translucence", "tc"), 0, 1)));
   lambert.add(keyable(single("translucenceDepth", "trsd", 0.5)));
@@ -36,15 +36,15 @@ void registerLambert(dg::TypeRegistry& types) {
   lambert.add(boolean("hideSource", "hs"));
   const Attribute* out = lambert.add(output(color("outColor", "oc")));
   lambert.add(output(color("outTransparency", "ot")));
-  lambert.add(output(color("outGlowColor", "ogc")));
+  lambert.add(output(color("outGlowColor", "ogc", {}, "og")));
   passColor(lambert, base, out);
   lambert.finish();
 
   TypeBuilder reflective(types, "reflect", "lambert");
   reflective.setAbstract();
-  reflective.add(keyable(color("specularColor", "sc", {0.5, 0.5, 0.5})));
+  reflective.add(keyable(color("specularColor", "sc", {0.5, 0.5, 0.5}, "s")));
   reflective.add(keyable(limited(single("reflectivity", "rfl", 0.5), 0, 1)));
-  reflective.add(keyable(color("reflectedColor", "rc")));
+  reflective.add(keyable(color("reflectedColor", "rc", {}, "r")));
   reflective.finish();
   TypeBuilder blinn(types, "blinn", "reflect", typeCode("RBLN"));
   blinn.add(keyable(limited(single("eccentricity", "ec", 0.3), 0, 1)));
@@ -77,7 +77,8 @@ void registerTextures(dg::TypeRegistry& types) {
                             {single("repeatU", "reu", 1), single("repeatV", "rev", 1)})));
   place.add(keyable(
       numbers("offset", "of", "float2", {single("offsetU", "ofu"), single("offsetV", "ofv")})));
-  place.add(keyable(angle("rotateUV", "rf")));
+  place.add(keyable(angle("rotateFrame", "rf")));
+  place.add(keyable(angle("rotateUV", "r")));
   place.add(output(numbers("outUV", "o", "float2", {single("outU", "ou"), single("outV", "ov")})));
   place.finish();
 }

@@ -32,21 +32,22 @@ math::RotateOrder orderFrom(std::int64_t value) {
 /// A limit pair with its two switches, such as minTransLimit and minTransXLimitEnable.
 void addLimits(TypeBuilder& builder, const std::string& what, const std::string& code,
                AttributeType type, double minimum, double maximum) {
-  const auto add = [&](const std::string& side, const std::string& sideCode, double value) {
+  const auto add = [&](const std::string& side, const std::string& sideCode,
+                       const std::string& wholeCode, double value) {
     const std::string name = side + what;
     const std::string shortName = sideCode + code;
     std::initializer_list<AttributePtr> axes = {
         dg::makeAttribute(name + "XLimit", shortName + "xl", type, value),
         dg::makeAttribute(name + "YLimit", shortName + "yl", type, value),
         dg::makeAttribute(name + "ZLimit", shortName + "zl", type, value)};
-    builder.add(numbers(name + "Limit", shortName + "l", "double3", axes));
+    builder.add(numbers(name + "Limit", wholeCode + code + "l", "double3", axes));
     builder.add(compound(name + "LimitEnable", shortName + "le",
                          {boolean(name + "XLimitEnable", shortName + "xe"),
                           boolean(name + "YLimitEnable", shortName + "ye"),
                           boolean(name + "ZLimitEnable", shortName + "ze")}));
   };
-  add("min", "mn", minimum);
-  add("max", "mx", maximum);
+  add("min", "m", "mn", minimum);
+  add("max", "x", "mx", maximum);
 }
 
 }  // namespace
@@ -67,8 +68,8 @@ void registerTransform(dg::TypeRegistry& types) {
   parts[6] = builder.add(triple("scalePivot", "sp", AttributeType::Distance));
   parts[7] = builder.add(triple("scalePivotTranslate", "spt", AttributeType::Distance));
   parts[8] = builder.add(triple("rotateAxis", "ra", AttributeType::Angle));
-  const Attribute* beforePivot =
-      builder.add(output(triple("transMinusRotatePivot", "tmrp", AttributeType::Distance)));
+  const Attribute* beforePivot = builder.add(
+      output(triple("transMinusRotatePivot", "tmrp", AttributeType::Distance, {}, "tmr")));
   addLimits(builder, "Trans", "t", AttributeType::Distance, -1, 1);
   addLimits(builder, "Rot", "r", AttributeType::Angle, -0.78539816339744828, 0.78539816339744828);
   addLimits(builder, "Scale", "s", AttributeType::Double, -1, 1);

@@ -56,19 +56,25 @@ AttributePtr choice(std::string longName, std::string shortName,
 }
 
 AttributePtr triple(std::string longName, std::string shortName, AttributeType childType,
-                    math::Vec3 value) {
+                    math::Vec3 value, const std::string& childShortName) {
   std::string type = childType == AttributeType::Float  ? "float3"
                      : childType == AttributeType::Long ? "long3"
                                                         : "double3";
-  return dg::makeTriple(std::move(longName), std::move(shortName), childType, std::move(type),
-                        value);
+  AttributePtr attribute =
+      dg::makeTriple(std::move(longName), std::move(shortName), childType, std::move(type), value);
+  if (!childShortName.empty())
+    for (std::size_t i = 0; i < 3; ++i)
+      attribute->children[i]->shortName = childShortName + "xyz"[i];
+  return attribute;
 }
 
-AttributePtr color(std::string longName, std::string shortName, math::Vec3 value) {
+AttributePtr color(std::string longName, std::string shortName, math::Vec3 value,
+                   std::string childShortName) {
+  if (childShortName.empty()) childShortName = shortName;
   AttributePtr attribute = numbers(longName, shortName, "float3",
-                                   {single(longName + "R", shortName + "r", value.x),
-                                    single(longName + "G", shortName + "g", value.y),
-                                    single(longName + "B", shortName + "b", value.z)});
+                                   {single(longName + "R", childShortName + "r", value.x),
+                                    single(longName + "G", childShortName + "g", value.y),
+                                    single(longName + "B", childShortName + "b", value.z)});
   attribute->usedAsColor = true;
   return attribute;
 }

@@ -39,12 +39,14 @@ using dg::Plug;
 [[nodiscard]] AttributePtr choice(std::string longName, std::string shortName,
                                   std::initializer_list<std::string_view> fields,
                                   std::int64_t value = 0);
-/// A triple whose children are named X Y Z: double3 of the child type.
+/// A triple whose children are named X Y Z: double3 of the child type. `childShortName` is for
+/// "rx" below "ro".
 [[nodiscard]] AttributePtr triple(std::string longName, std::string shortName,
-                                  AttributeType childType, math::Vec3 value = {});
-/// A float3 whose children are named R G B.
-[[nodiscard]] AttributePtr color(std::string longName, std::string shortName,
-                                 math::Vec3 value = {});
+                                  AttributeType childType, math::Vec3 value = {},
+                                  const std::string& childShortName = {});
+/// A float3 whose children are named R G B. `childShortName` is for "sr" below "sc".
+[[nodiscard]] AttributePtr color(std::string longName, std::string shortName, math::Vec3 value = {},
+                                 std::string childShortName = {});
 /// A compound of numbers of one type with children of any names.
 [[nodiscard]] AttributePtr numbers(std::string longName, std::string shortName,
                                    std::string compoundType,
@@ -80,6 +82,7 @@ class TypeBuilder {
   const Attribute* add(AttributePtr attribute) { return type_->add(std::move(attribute)); }
   /// An attribute added before or inherited; asserts that it is there.
   [[nodiscard]] const Attribute* operator[](std::string_view name) const;
+  [[nodiscard]] bool has(std::string_view name) const { return type_->find(name) != nullptr; }
   TypeBuilder& affects(std::initializer_list<const Attribute*> from,
                        std::initializer_list<const Attribute*> to);
   TypeBuilder& setAbstract();

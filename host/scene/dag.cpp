@@ -1,7 +1,9 @@
 #include "host/scene/dag.h"
 
 #include <algorithm>
+#include <unordered_map>
 
+#include "host/scene/dag_paths.h"
 #include "host/scene/document_impl.h"
 
 namespace host::scene {
@@ -57,16 +59,6 @@ math::Matrix4 product(const std::vector<Node*>& nodes, std::size_t count) {
   return matrix;
 }
 
-/// How many nodes at the end of both paths are the same in name.
-std::size_t commonTail(const DagPath& a, const DagPath& b) {
-  const std::vector<Node*>&x = a.nodes(), &y = b.nodes();
-  std::size_t same = 0;
-  while (same < x.size() && same < y.size() &&
-         x[x.size() - same - 1]->name() == y[y.size() - same - 1]->name())
-    ++same;
-  return same;
-}
-
 std::string joinTail(const std::vector<Node*>& nodes, std::size_t count) {
   std::string name;
   for (std::size_t i = nodes.size() - count; i < nodes.size(); ++i) {
@@ -76,15 +68,30 @@ std::string joinTail(const std::vector<Node*>& nodes, std::size_t count) {
   return name;
 }
 
-void appendPaths(Node& node, std::vector<Node*>& below, std::vector<DagPath>& paths) {
-  below.push_back(&node);
-  for (Node* parent : dagLinks(node).parents) {
-    if (parent)
-      appendPaths(*parent, below, paths);
-    else
-      paths.emplace_back(std::vector<Node*>(below.rbegin(), below.rend()));
+/// How many names from the leaf on it takes to tell a path from all others of the scene. Paths are
+/// followed up by their nodes, with how many ways lead down from there, never one by one.
+std::size_t namesToTell(const DagPath& path, const Document& document) {
+  std::unordered_map<Node*, std::uint64_t> tops;
+  for (Node* other : document.nodesNamed(path.node()->name())) tops[other] = 1;
+  const std::vector<Node*>& nodes = path.nodes();
+  constexpr std::uint64_t kMany = std::uint64_t{1} << 32;
+  for (std::size_t names = 1; names < nodes.size(); ++names) {
+    std::uint64_t paths = 0;
+    for (const auto& [top, ways] : tops)
+      paths += std::min(kMany, ways) * std::min(kMany / 4, pathCount(*top));
+    if (paths <= 1) return names;
+    const std::string& next = nodes[nodes.size() - names - 1]->name();
+    std::unordered_map<Node*, std::uint64_t> above;
+    for (const auto& [top, ways] : tops)
+      for (Node* parent : dagLinks(*top).parents)
+        if (parent && parent->name() == next) above[parent] = std::min(kMany, above[parent] + ways);
+    tops = std::move(above);
   }
-  below.pop_back();
+  // The last name may be that of several nodes with others above them.
+  std::uint64_t paths = 0;
+  for (const auto& [top, ways] : tops)
+    paths += std::min(kMany, ways) * std::min(kMany / 4, pathCount(*top));
+  return paths <= 1 ? nodes.size() : nodes.size() + 1;
 }
 
 }  // namespace
@@ -142,11 +149,7 @@ bool DagPath::isAncestorOf(const DagPath& other) const {
 }
 
 std::size_t DagPath::instanceNumber() const {
-  if (nodes_.empty()) return 0;
-  const std::vector<DagPath> all = allPaths(*node());
-  if (all.size() <= 1) return 0;
-  const auto self = std::find(all.begin(), all.end(), *this);
-  return self == all.end() ? 0 : static_cast<std::size_t>(self - all.begin());
+  return static_cast<std::size_t>(pathNumber(*this));
 }
 
 math::Matrix4 DagPath::inclusiveMatrix() const {
@@ -168,19 +171,8 @@ std::string DagPath::partialName() const {
   const Node& leaf = *node();
   Document* document = documentOf(leaf.graph());
   if (!document) return fullName();
-  std::size_t needed = 1;
-  for (Node* other : document->nodesNamed(leaf.name())) {
-    for (const DagPath& path : allPaths(*other))
-      if (path != *this) needed = std::max(needed, commonTail(*this, path) + 1);
-  }
+  const std::size_t needed = namesToTell(*this, *document);
   return needed > nodes_.size() ? fullName() : joinTail(nodes_, needed);
-}
-
-std::vector<DagPath> allPaths(const Node& node) {
-  std::vector<DagPath> paths;
-  std::vector<Node*> below;
-  if (isDagNode(node)) appendPaths(const_cast<Node&>(node), below, paths);
-  return paths;
 }
 
 DagPath firstPath(const Node& node) {

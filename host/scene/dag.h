@@ -40,6 +40,10 @@ class DagPath {
   /// to be kept alive.
   [[nodiscard]] bool isValid() const;
 
+  /// One step down or up in place.
+  void push(Node* childNode) { nodes_.push_back(childNode); }
+  void pop() { nodes_.pop_back(); }
+
   [[nodiscard]] DagPath parent() const;
   [[nodiscard]] DagPath child(Node* childNode) const;
   /// The nearest transform at or above the leaf.

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/base/assert.h"
+#include "host/scene/dag_paths.h"
 #include "host/scene/document_impl.h"
 
 namespace host::scene {
@@ -16,19 +17,58 @@ std::vector<Document*>& liveDocuments() {
   return documents;
 }
 
+/// The nodes on the ways to what a list names. The list itself keeps only the leaves in memory.
+std::vector<dg::NodePtr> ancestorsIn(const SelectionList& list) {
+  std::vector<dg::NodePtr> nodes;
+  for (const SelectionItem& item : list.items())
+    for (Node* node : item.path.nodes())
+      if (node && node != item.node.get()) nodes.push_back(node->shared_from_this());
+  return nodes;
+}
+std::vector<dg::NodePtr> ancestorsIn(const Units&) {
+  return {};
+}
+
 /// Keeps the value that is not current, so that a record costs one copy.
 template <class T, class Swap>
 class SwapChange final : public dg::Change {
  public:
-  SwapChange(T other, Swap swap) : other_(std::move(other)), swap_(std::move(swap)) {}
-  void undo() override { swap_(other_); }
-  void redo() override { swap_(other_); }
+  SwapChange(T other, Swap swap) : other_(std::move(other)), swap_(std::move(swap)) {
+    fold(other_);
+    held_ = ancestorsIn(other_);
+  }
+  Result<void> undo() override { return replay(); }
+  Result<void> redo() override { return replay(); }
   [[nodiscard]] std::size_t bytes() const override { return sizeof(*this) + extraBytes(other_); }
 
  private:
+  Result<void> replay() {
+    const std::vector<dg::NodePtr> held = std::move(held_);
+    unfold(other_);
+    dropDead(other_);
+    swap_(other_);
+    fold(other_);
+    held_ = ancestorsIn(other_);
+    return {};
+  }
+  static void fold(Units&) {}
+  static void unfold(Units&) {}
+  static void fold(SelectionList& list) { list.foldPaths(); }
+  static void unfold(SelectionList& list) { list.unfoldPaths(); }
+  static void dropDead(Units&) {}
+  /// Deleted without a record in between. A path that does not hold now may hold again when the
+  /// whole step is taken back.
+  static void dropDead(SelectionList& list) {
+    list = list.filtered([](const SelectionItem& item) {
+      return item.node->isAlive() && std::ranges::all_of(item.path.nodes(), [](const Node* node) {
+               return node->isAlive();
+             });
+    });
+  }
   static std::size_t extraBytes(const Units&) { return 0; }
   static std::size_t extraBytes(const SelectionList& list) { return list.bytes(); }
   T other_;
+  std::vector<dg::NodePtr> held_;
   Swap swap_;
 };
 template <class T, class Swap>
@@ -55,11 +95,15 @@ void setCurrentDocument(Document* document) {
 Document::Document(dg::TypeRegistry& types) : types_(types), impl_(std::make_unique<Impl>(*this)) {
   graph_.addObserver(impl_.get());
   graph_.setRecorder(&journal_);
+  graph_.mayReplay = [this](const Node& node, dg::Graph::Replay what, const std::string& name) {
+    return impl_->mayReplay(node, what, name);
+  };
   liveDocuments().push_back(this);
 }
 
 Document::~Document() {
   std::erase(liveDocuments(), this);
+  for (const dg::NodePtr& node : graph_.nodes()) forgetParents(*node);
   if (theDocument == this) theDocument = nullptr;
   graph_.removeObserver(impl_.get());
 }
@@ -115,6 +159,56 @@ void Document::setUnits(const Units& units) {
   announce();
 }
 
+/// What was selected before and after nodes went.
+class Document::Sweep final : public dg::Change {
+ public:
+  struct Lists {
+    SelectionList selection, hilite;
+  };
+  explicit Sweep(Document& document)
+      : document_(document), before_{document.selection_, document.hilite_}, after_(before_) {
+    for (const SelectionList* list : {&before_.selection, &before_.hilite})
+      for (dg::NodePtr& node : ancestorsIn(*list)) held_.push_back(std::move(node));
+    after_.selection.removeDead();
+    after_.hilite.removeDead();
+  }
+  [[nodiscard]] bool changesNothing() const {
+    return before_.selection == after_.selection && before_.hilite == after_.hilite;
+  }
+  Result<void> undo() override {
+    if (document_.selection_ == after_.selection && document_.hilite_ == after_.hilite)
+      put(before_);
+    return {};
+  }
+  Result<void> redo() override {
+    put(after_);
+    return {};
+  }
+
+ private:
+  void put(const Lists& lists) {
+    const Journal::Scope unrecorded(document_.journal_, nullptr);
+    document_.setSelection(lists.selection);
+    document_.setHilite(lists.hilite);
+  }
+  Document& document_;
+  Lists before_, after_;
+  std::vector<dg::NodePtr> held_;
+};
+
+std::unique_ptr<dg::Change> Document::sweepSelection() {
+  const auto isGone = [](const SelectionItem& item) {
+    return !item.node->isAlive() || (item.isDag() && !item.path.isValid());
+  };
+  if (std::ranges::none_of(selection_.items(), isGone) &&
+      std::ranges::none_of(hilite_.items(), isGone))
+    return nullptr;
+  auto sweep = std::make_unique<Sweep>(*this);
+  if (sweep->changesNothing()) return nullptr;
+  (void)sweep->redo();
+  return sweep;
+}
+
 void Document::reset() {
   const Journal::Scope unrecorded(journal_, nullptr);
   impl_->notify([](DocumentObserver& observer) { observer.cleared(true); });
@@ -151,6 +245,7 @@ void Document::Impl::nodeAdded(Node& node) {
 }
 
 void Document::Impl::nodeRemoved(Node& node) {
+  forgetParents(node);
   names.remove(node, node.name());
   document.isModified_ = true;
 }

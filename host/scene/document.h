@@ -105,6 +105,10 @@ class Document {
   [[nodiscard]] const SelectionList& hilite() const { return hilite_; }
   void setHilite(SelectionList list);
 
+  /// Takes out of both lists what is not there any more, unrecorded.
+  /// @return what brings it back, as long as nobody selects anything else; null when all is there
+  std::unique_ptr<dg::Change> sweepSelection();
+
   // Units (recorded).
   [[nodiscard]] const Units& units() const { return units_; }
   void setUnits(const Units& units);
@@ -128,6 +132,7 @@ class Document {
 
  private:
   struct Impl;
+  class Sweep;
   dg::TypeRegistry& types_;
   dg::Graph graph_;
   Journal journal_;

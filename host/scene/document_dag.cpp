@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <unordered_set>
 
 #include "host/base/assert.h"
+#include "host/scene/dag_paths.h"
 #include "host/scene/document_impl.h"
 
 namespace host::scene {
@@ -20,13 +22,26 @@ std::size_t positionOf(const std::vector<Node*>& nodes, const Node* node) {
   return static_cast<std::size_t>(nodes.rend() - found) - 1;
 }
 
+/// Whether `candidate` is `below` or above it. Each node is looked at once, however many instances
+/// lead to it.
 bool isAtOrAbove(const Node& candidate, const Node* below) {
   if (!below) return false;
   if (below == &candidate) return true;
-  const std::vector<Node*>& parents = dagLinks(*below).parents;
-  return std::any_of(parents.begin(), parents.end(),
-                     [&](const Node* parent) { return isAtOrAbove(candidate, parent); });
+  if (dagLinks(candidate).children.empty()) return false;
+  std::unordered_set<const Node*> seen{below};
+  std::vector<const Node*> open{below};
+  while (!open.empty()) {
+    const Node* node = open.back();
+    open.pop_back();
+    for (const Node* parent : dagLinks(*node).parents) {
+      if (parent == &candidate) return true;
+      if (parent && seen.insert(parent).second) open.push_back(parent);
+    }
+  }
+  return false;
 }
+
+constexpr std::size_t kAtEnd = static_cast<std::size_t>(-1);
 
 }  // namespace
 
@@ -38,66 +53,112 @@ std::size_t Document::Impl::childPosition(const Node& child, Node* parent) {
   return positionOf(childrenOf(parent), &child);
 }
 
-void Document::Impl::applyLink(const DagLink& link, bool adds) {
+Result<void> Document::Impl::checkLink(const DagLink& link, bool adds) const {
   Node* child = link.child.get();
   Node* parent = link.parent.get();
-  std::vector<Node*>& siblings = childrenOf(parent);
-  std::vector<Node*>& parents = editLinks(*child).parents;
-  const auto childAt = static_cast<std::ptrdiff_t>(link.childAt);
-  const auto parentAt = static_cast<std::ptrdiff_t>(link.parentAt);
-  if (adds) {
-    siblings.insert(siblings.begin() + childAt, child);
-    parents.insert(parents.begin() + parentAt, parent);
-  } else {
-    siblings.erase(siblings.begin() + childAt);
-    parents.erase(parents.begin() + parentAt);
-  }
-  document.isModified_ = true;
-  // A node's world matrices hang on its parents' values and on which parents it has; only the
-  // second is news here.
-  if (child->isAlive())
-    if (const dg::Plug plug = child->plug("parentMatrix")) document.graph_.dirty(plug);
-  notify([&](DocumentObserver& observer) { observer.dagChanged(*child, parent, adds); });
+  for (const Node* each : {child, parent})
+    if (each && !each->isAlive()) return fail("'{}' was deleted", each->name());
+  const std::vector<Node*>& parents = dagLinks(*child).parents;
+  const bool isThere = std::find(parents.begin(), parents.end(), parent) != parents.end();
+  const std::string where = parent ? parent->name() : std::string("the world");
+  if (!adds && !isThere) return fail("'{}' is not under '{}' any more", child->name(), where);
+  if (adds && isThere) return fail("'{}' is under '{}' already", child->name(), where);
+  if (adds && isAtOrAbove(*child, parent))
+    return fail("'{}' is at or below '{}'", parent->name(), child->name());
+  return {};
 }
 
-namespace {
+void Document::Impl::applyLink(DagLink& link, bool adds) {
+  Node* child = link.child.get();
+  std::vector<Node*>& siblings = childrenOf(link.parent.get());
+  std::vector<Node*>& parents = editLinks(*child).parents;
+  if (adds) {
+    link.childAt = std::min(link.childAt, siblings.size());
+    link.parentAt = std::min(link.parentAt, parents.size());
+    siblings.insert(siblings.begin() + static_cast<std::ptrdiff_t>(link.childAt), child);
+    parents.insert(parents.begin() + static_cast<std::ptrdiff_t>(link.parentAt), link.parent.get());
+  } else {
+    link.childAt = positionOf(siblings, child);
+    link.parentAt = positionOf(parents, link.parent.get());
+    siblings.erase(siblings.begin() + static_cast<std::ptrdiff_t>(link.childAt));
+    parents.erase(parents.begin() + static_cast<std::ptrdiff_t>(link.parentAt));
+  }
+  noteParents(*child);
+  document.isModified_ = true;
+}
 
-class LinkChange final : public dg::Change {
+void Document::Impl::announceLink(const DagLink& link, bool added) {
+  // A node's world matrices hang on its parents' values and on which parents it has; only the
+  // second is news here.
+  if (const dg::Plug plug = link.child->plug("parentMatrix")) document.graph_.dirty(plug);
+  notify([&](DocumentObserver& observer) {
+    observer.dagChanged(*link.child, link.parent.get(), added);
+  });
+}
+
+/// A link made or removed, with the places at which it was found last.
+class Document::Impl::LinkChange final : public dg::Change {
  public:
-  using Apply = void (*)(void* impl, const DagLink&, bool);
-  LinkChange(void* impl, Apply apply, DagLink link, bool adds)
-      : impl_(impl), apply_(apply), link_(std::move(link)), adds_(adds) {}
-  void undo() override { apply_(impl_, link_, !adds_); }
-  void redo() override { apply_(impl_, link_, adds_); }
+  LinkChange(Impl& impl, DagLink link, bool adds)
+      : impl_(impl), link_(std::move(link)), adds_(adds) {}
+  Result<void> undo() override { return replay(!adds_); }
+  Result<void> redo() override { return replay(adds_); }
+  void visitNodes(const VisitNode& visit) const override {
+    visit(*link_.child);
+    if (link_.parent) visit(*link_.parent);
+  }
   [[nodiscard]] std::size_t bytes() const override { return sizeof(*this); }
 
  private:
-  void* impl_;
-  Apply apply_;
+  Result<void> replay(bool adds) {
+    HOST_TRY(impl_.checkLink(link_, adds));
+    Node* const parents[] = {link_.parent.get()};
+    const std::string& name = link_.child->name();
+    if (adds && impl_.isNameTaken(name, true, parents, link_.child.get()))
+      return fail("there is another '{}'", name);
+    impl_.applyLink(link_, adds);
+    impl_.announceLink(link_, adds);
+    return {};
+  }
+  Impl& impl_;
   DagLink link_;
   bool adds_;
 };
 
-}  // namespace
-
-void Document::Impl::editLink(const DagLink& link, bool adds) {
-  const auto apply = [](void* impl, const DagLink& which, bool add) {
-    static_cast<Impl*>(impl)->applyLink(which, add);
-  };
-  record(std::make_unique<LinkChange>(this, apply, link, adds));
+Result<void> Document::Impl::editLink(DagLink link, bool adds) {
+  HOST_TRY(checkLink(link, adds));
   applyLink(link, adds);
+  if (document.journal_.isRecording())
+    document.journal_.record(std::make_unique<LinkChange>(*this, link, adds));
+  announceLink(link, adds);
+  return {};
 }
 
-void Document::Impl::link(Node& child, Node* parent) {
-  editLink({child.shared_from_this(), parent ? parent->shared_from_this() : nullptr,
-            childrenOf(parent).size(), editLinks(child).parents.size()},
-           true);
+Result<void> Document::Impl::link(Node& child, Node* parent) {
+  return editLink({child.shared_from_this(), parent ? parent->shared_from_this() : nullptr,
+                   childrenOf(parent).size(), editLinks(child).parents.size()},
+                  true);
 }
 
-void Document::Impl::unlink(Node& child, Node* parent) {
-  editLink({child.shared_from_this(), parent ? parent->shared_from_this() : nullptr,
-            childPosition(child, parent), positionOf(editLinks(child).parents, parent)},
-           false);
+Result<void> Document::Impl::unlink(Node& child, Node* parent) {
+  return editLink({child.shared_from_this(), parent ? parent->shared_from_this() : nullptr, 0, 0},
+                  false);
+}
+
+Result<void> Document::Impl::mayReplay(const Node& node, dg::Graph::Replay what,
+                                       const std::string& name) const {
+  const DagLinks& links = dagLinks(node);
+  if (what == dg::Graph::Replay::Removal) {
+    if (node.isDefault()) return fail("'{}' belongs to every scene", node.name());
+    if (!links.children.empty())
+      return fail("'{}' is under '{}'", links.children.front()->name(), node.name());
+    if (!links.parents.empty()) return fail("'{}' has come to another place", node.name());
+    return {};
+  }
+  // A node of the hierarchy that comes back is checked when it gets its place there.
+  if (isNameTaken(name, isDagNode(node), links.parents, &node))
+    return fail("there is another '{}'", name);
+  return {};
 }
 
 const std::vector<Node*>& Document::worldChildren() const {
@@ -130,13 +191,14 @@ Result<void> Document::reparent(const DagPath& path, Node* parent) {
   Node* old = path.parent().node();
   Node* const future[] = {parent};
   const std::string free = impl_->freeName(child.name(), true, future, &child);
+  const dg::NodePtr keep = child.shared_from_this();
   if (free != child.name()) HOST_TRY(graph_.renameNode(child, free));
+  HOST_TRY(impl_->checkLink({keep, old ? old->shared_from_this() : nullptr}, false));
   const std::size_t instance = positionOf(dagLinks(child).parents, old);
-  impl_->unlink(child, old);
-  impl_->editLink({child.shared_from_this(), parent ? parent->shared_from_this() : nullptr,
-                   impl_->childrenOf(parent).size(), instance},
-                  true);
-  return {};
+  const DagLink made{keep, parent ? parent->shared_from_this() : nullptr, kAtEnd, instance};
+  HOST_TRY(impl_->checkLink(made, true));
+  HOST_TRY(impl_->unlink(child, old));
+  return impl_->editLink(made, true);
 }
 
 Result<void> Document::addInstance(Node& child, Node* parent) {
@@ -145,8 +207,7 @@ Result<void> Document::addInstance(Node& child, Node* parent) {
   parents.push_back(parent);
   const std::string free = impl_->freeName(child.name(), true, parents, &child);
   if (free != child.name()) HOST_TRY(graph_.renameNode(child, free));
-  impl_->link(child, parent);
-  return {};
+  return impl_->link(child, parent);
 }
 
 Result<void> Document::removeInstance(const DagPath& path) {
@@ -155,7 +216,7 @@ Result<void> Document::removeInstance(const DagPath& path) {
   if (dagLinks(child).parents.size() < 2)
     return fail("'{}' has only one instance; delete it instead", child.name());
   SelectionList kept = selection_;
-  impl_->unlink(child, path.parent().node());
+  HOST_TRY(impl_->unlink(child, path.parent().node()));
   kept.removeDead();
   setSelection(std::move(kept));
   return {};
@@ -169,11 +230,10 @@ Result<void> Document::reorder(Node& child, Node* parent, int position) {
   const auto target = static_cast<std::size_t>(std::clamp(position, 0, last));
   if (target == impl_->childPosition(child, parent)) return {};
   const std::size_t instance = positionOf(dagLinks(child).parents, parent);
-  impl_->unlink(child, parent);
-  impl_->editLink(
-      {child.shared_from_this(), parent ? parent->shared_from_this() : nullptr, target, instance},
-      true);
-  return {};
+  const DagLink made{child.shared_from_this(), parent ? parent->shared_from_this() : nullptr,
+                     target, instance};
+  HOST_TRY(impl_->unlink(child, parent));
+  return impl_->editLink(made, true);
 }
 
 }  // namespace host::scene

@@ -30,12 +30,20 @@ struct Document::Impl final : dg::GraphObserver {
 
   [[nodiscard]] std::vector<Node*>& childrenOf(Node* parent);
   [[nodiscard]] std::size_t childPosition(const Node& child, Node* parent);
-  /// Applies and records a link or its removal.
-  void editLink(const DagLink& link, bool adds);
-  /// Links at the end of both lists, or at the places given.
-  void link(Node& child, Node* parent);
-  void unlink(Node& child, Node* parent);
-  void applyLink(const DagLink& link, bool adds);
+  /// Whether the hierarchy as it is now allows a link or its removal.
+  [[nodiscard]] Result<void> checkLink(const DagLink& link, bool adds) const;
+  /// Checks, applies and records a link or its removal. A link goes to its places or, where the
+  /// lists are shorter, to their ends.
+  Result<void> editLink(DagLink link, bool adds);
+  Result<void> link(Node& child, Node* parent);  ///< at the end of both lists
+  Result<void> unlink(Node& child, Node* parent);
+  /// What was checked; a removal notes where it found the link.
+  void applyLink(DagLink& link, bool adds);
+  void announceLink(const DagLink& link, bool added);
+  class LinkChange;
+  /// Whether the hierarchy and the names allow what a record is about to do with a node.
+  [[nodiscard]] Result<void> mayReplay(const Node& node, dg::Graph::Replay what,
+                                       const std::string& name) const;
 
   void record(std::unique_ptr<dg::Change> change);
   template <class Event>

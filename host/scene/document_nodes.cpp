@@ -57,7 +57,7 @@ Result<dg::NodePtr> Document::createNode(std::string_view typeName, std::string_
   if (!type) return fail("Unknown node type '{}'", typeName);
   if (type->isAbstract) return fail("'{}' is a base type; nodes of it cannot be made", typeName);
   if (!name.empty() && legalName(name.substr(0, name.find('#'))).empty())
-    return fail("'{}' has no character that a node name may have", name);
+    return fail("'{}' is not a name for a node", name);
   const bool isDag = type->isA("dagNode");
   if (parent && !isDag)
     return fail("A node of type '{}' has no place under '{}'", typeName, parent->name());
@@ -80,14 +80,49 @@ Result<dg::NodePtr> Document::createNode(std::string_view typeName, std::string_
   }
   Node* const parents[] = {parent};
   dg::NodePtr node = graph_.createNode(*type, impl_->freeName(wanted, isDag, parents, nullptr));
-  if (isDag) impl_->link(*node, parent);
+  // Who is told of a new node may have deleted it, or its parent, at once.
+  if (isDag)
+    if (const auto linked = impl_->link(*node, parent); !linked) {
+      if (node->isAlive()) HOST_TRY(graph_.deleteNode(*node));
+      return failWith(linked.error());
+    }
+  if (!node->isAlive()) return fail("'{}' was deleted as soon as it was made", node->name());
   return node;
 }
 
 namespace {
 
+/// Where a node takes one mesh in and gives it on, changed. Null when it is not of that kind.
+struct MeshPass {
+  const dg::Attribute *from = nullptr, *to = nullptr;
+};
+
+MeshPass meshPassOf(const Node& node) {
+  const dg::NodeType& type = node.type();
+  if (isDagNode(node)) return {};
+  MeshPass pass;
+  const auto isMesh = [](const dg::AttributePtr& each) {
+    return each->type == dg::AttributeType::Typed && each->dataType == "mesh" && !each->isArray;
+  };
+  for (const dg::AttributePtr& each : type.attributes()) {
+    if (!isMesh(each) || !type.isComputed(each.get())) continue;
+    if (pass.to) return {};
+    pass.to = each.get();
+  }
+  if (!pass.to) return {};
+  for (const dg::AttributePtr& each : type.attributes()) {
+    if (!isMesh(each) || !each->writable) continue;
+    const auto& reach = type.reach(each.get());
+    if (std::find(reach.begin(), reach.end(), pass.to) == reach.end()) continue;
+    if (pass.from) return {};
+    pass.from = each.get();
+  }
+  return pass.from ? pass : MeshPass{};
+}
+
 /// Everything that goes when some nodes are deleted: what hangs below them and the history that fed
-/// only them.
+/// only them. A node in the middle of a history takes its effect out: what fed it then feeds what
+/// it fed.
 class DeletionSet {
  public:
   explicit DeletionSet(dg::Graph& graph) : graph_(graph) {}
@@ -97,22 +132,19 @@ class DeletionSet {
       HOST_TRY(refuseIfProtected(*node));
       add(*node);
     }
+    for (std::size_t i = 0; i < order_.size(); ++i) HOST_TRY(addChildren(*order_[i]));
+    const std::size_t asked = order_.size();
     for (std::size_t i = 0; i < order_.size(); ++i) {
-      Node& node = *order_[i];
-      for (Node* child : dagLinks(node).children) {
-        const std::vector<Node*>& parents = dagLinks(*child).parents;
-        if (!std::all_of(parents.begin(), parents.end(), [&](Node* parent) { return has(parent); }))
-          continue;
-        HOST_TRY(refuseIfProtected(*child));
-        add(*child);
-      }
-      for (const dg::Graph::Connection& feed : graph_.incoming(node))
+      for (const dg::Graph::Connection& feed : graph_.incoming(*order_[i]))
         addIfOnlyFeeding(*feed.source.node());
     }
+    for (std::size_t i = 0; i < asked; ++i) findPasses(*order_[i]);
     return {};
   }
   [[nodiscard]] bool has(const Node* node) const { return node && members_.contains(node); }
   [[nodiscard]] const std::vector<dg::NodePtr>& order() const { return order_; }
+  /// Connections to be made first.
+  [[nodiscard]] const std::vector<dg::Graph::Connection>& passes() const { return passes_; }
 
  private:
   static Result<void> refuseIfProtected(const Node& node) {
@@ -124,18 +156,52 @@ class DeletionSet {
   void add(Node& node) {
     if (members_.insert(&node).second) order_.push_back(node.shared_from_this());
   }
+  Result<void> addChildren(const Node& node) {
+    for (Node* child : dagLinks(node).children) {
+      const std::vector<Node*>& parents = dagLinks(*child).parents;
+      if (!std::all_of(parents.begin(), parents.end(), [&](Node* parent) { return has(parent); }))
+        continue;
+      HOST_TRY(refuseIfProtected(*child));
+      add(*child);
+    }
+    return {};
+  }
   void addIfOnlyFeeding(Node& source) {
     if (source.type().existsWithoutOutputs || has(&source) || source.isLocked() ||
         source.isDefault())
       return;
     for (const dg::Graph::Connection& use : graph_.outgoing(source))
-      if (!has(use.destination.node())) return;
+      if (!has(use.destination.node()) || passesOn(use.destination)) return;
     add(source);
+  }
+
+  /// Whether what arrives at a plug of a node that goes is still needed by one that stays.
+  [[nodiscard]] bool passesOn(const dg::Plug& plug) const {
+    const MeshPass pass = meshPassOf(*plug.node());
+    if (!pass.from || plug.attribute() != pass.from) return false;
+    for (const dg::Plug& next : graph_.destinations(dg::Plug(plug.node(), pass.to)))
+      if (!has(next.node()) || passesOn(next)) return true;
+    return false;
+  }
+  void findPasses(Node& node) {
+    const MeshPass pass = meshPassOf(node);
+    if (!pass.from) return;
+    dg::Plug source = graph_.source(dg::Plug(&node, pass.from));
+    while (source && has(source.node())) {
+      const MeshPass above = meshPassOf(*source.node());
+      source = above.from && source.attribute() == above.to
+                   ? graph_.source(dg::Plug(source.node(), above.from))
+                   : dg::Plug();
+    }
+    if (!source) return;
+    for (const dg::Plug& next : graph_.destinations(dg::Plug(&node, pass.to)))
+      if (!has(next.node())) passes_.push_back({source, next});
   }
 
   dg::Graph& graph_;
   std::unordered_set<const Node*> members_;
   std::vector<dg::NodePtr> order_;
+  std::vector<dg::Graph::Connection> passes_;
 };
 
 }  // namespace
@@ -152,14 +218,17 @@ Result<void> Document::deleteNodes(std::vector<Node*> nodes) {
   };
   setSelection(without(selection_));
   setHilite(without(hilite_));
+  for (const dg::Graph::Connection& pass : doomed.passes())
+    if (pass.source.node()->isAlive() && pass.destination.node()->isAlive())
+      (void)graph_.connect(pass.source, pass.destination, true);  // refused by a lock: as before
   // Children before parents and last before first, so that each is taken from the end of its lists.
   const std::vector<dg::NodePtr>& order = doomed.order();
   for (auto node = order.rbegin(); node != order.rend(); ++node) {
     if (!(*node)->isAlive()) continue;  // gone along with an earlier one, by who watched it go
     while (!dagLinks(**node).children.empty())
-      impl_->unlink(*dagLinks(**node).children.back(), node->get());
+      HOST_TRY(impl_->unlink(*dagLinks(**node).children.back(), node->get()));
     while (!dagLinks(**node).parents.empty())
-      impl_->unlink(**node, dagLinks(**node).parents.back());
+      HOST_TRY(impl_->unlink(**node, dagLinks(**node).parents.back()));
     HOST_TRY(graph_.deleteNode(**node));
   }
   return {};
@@ -167,7 +236,7 @@ Result<void> Document::deleteNodes(std::vector<Node*> nodes) {
 
 Result<std::string> Document::rename(Node& node, std::string_view name) {
   const std::string legal = legalName(name.substr(0, name.find('#')));
-  if (legal.empty()) return fail("'{}' has no character that a node name may have", name);
+  if (legal.empty()) return fail("'{}' is not a name for a node", name);
   if (node.isLocked()) return fail("'{}' is locked and cannot be renamed", node.name());
   const std::string oldName = node.name();
   const bool isDag = isDagNode(node);

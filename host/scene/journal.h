@@ -20,8 +20,11 @@ class ChangeSet {
     }
     for (auto& change : other.changes_) changes_.push_back(std::move(change));
   }
-  void undo();  ///< last first
-  void redo();  ///< first first
+  /// Takes all back, last first, or does all again. When a record no longer fits, what was replayed
+  /// until then is put back as it was, and the error says what did not fit.
+  Result<void> undo();
+  Result<void> redo();
+  void visitNodes(const dg::Change::VisitNode& visit) const;
   [[nodiscard]] bool isEmpty() const { return changes_.empty(); }
   [[nodiscard]] std::size_t size() const { return changes_.size(); }
   [[nodiscard]] std::size_t bytes() const;
@@ -29,6 +32,9 @@ class ChangeSet {
  private:
   std::vector<std::unique_ptr<dg::Change>> changes_;
 };
+
+/// A run of edits as one record.
+[[nodiscard]] std::unique_ptr<dg::Change> makeChange(ChangeSet changes);
 
 /// Collects the records of edits while somebody has a recording open; nested recordings suspend the
 /// outer one.

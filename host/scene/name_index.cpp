@@ -46,6 +46,8 @@ std::string joinNumber(const NumberedName& name) {
 std::string legalName(std::string_view wanted) {
   std::string legal;
   while (!wanted.empty() && wanted.front() == ':') wanted.remove_prefix(1);
+  // A namespace has a name, and so has what is in it.
+  if (wanted.ends_with(':') || wanted.find("::") != std::string_view::npos) return {};
   for (const char c : wanted) {
     if (isDigit(c) && (legal.empty() || legal.back() == ':')) legal += '_';
     legal += isNameChar(c) ? c : '_';

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/scene/dag_paths.h"
 #include "host/scene/mesh_data.h"
 
 namespace host::scene {
@@ -174,6 +175,21 @@ void SelectionList::removeAt(std::size_t index) {
 void SelectionList::replaceAt(std::size_t index, SelectionItem item) {
   items_[index] = std::move(item);
   index_.clear();
+}
+
+void SelectionList::foldPaths() {
+  constexpr std::size_t kLongPath = 4;
+  index_.clear();
+  for (SelectionItem& item : items_)
+    if (item.path.length() >= kLongPath && hasOnePath(*item.node) &&
+        item.path == firstPath(*item.node))
+      item.path = DagPath({nullptr});
+}
+
+void SelectionList::unfoldPaths() {
+  for (SelectionItem& item : items_)
+    if (item.path.length() == 1 && item.path.nodes().front() == nullptr)
+      item.path = firstPath(*item.node);
 }
 
 void SelectionList::removeDead() {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/scene/dag_paths.h"
 #include "host/scene/mesh_data.h"
 
 namespace host::viewport {
@@ -72,7 +73,7 @@ class Gatherer {
       : document_(document), options_(options) {}
 
   std::vector<RenderMesh> run() {
-    for (dg::Node* node : document_.worldChildren()) visit(DagPath({node}), false, !options_.only);
+    for (dg::Node* node : document_.worldChildren()) visit(DagPath({node}));
     return std::move(meshes_);
   }
 
@@ -102,17 +103,31 @@ class Gatherer {
   }
 
  private:
-  void visit(const DagPath& path, bool isBelowTemplate, bool isBelowListed) {
-    dg::Node& node = *path.node();
-    if (&node == options_.hide || !isShown(node)) return;
-    const bool isTemplateHere = isBelowTemplate || isTemplate(node);
-    const bool isListed = isBelowListed || options_.only->count(&node) > 0;
-    if (isListed && node.type().isA("mesh")) {
-      Result<RenderMesh> mesh = make(path, isTemplateHere);
-      if (mesh) meshes_.push_back(std::move(*mesh));
+  void visit(const DagPath& top) {
+    struct Level {
+      bool isTemplate, isListed;
+    };
+    std::vector<Level> levels;  // of the nodes from the top to the one visited
+    scene::PathWalk walk(top);
+    while (!walk.isDone()) {
+      dg::Node& node = walk.node();
+      if (&node == options_.hide || !isShown(node)) {
+        walk.skipBelow();
+        continue;
+      }
+      levels.resize(walk.depth());
+      Level here{isTemplate(node), !options_.only || options_.only->count(&node) > 0};
+      if (!levels.empty()) {
+        here.isTemplate = here.isTemplate || levels.back().isTemplate;
+        here.isListed = here.isListed || levels.back().isListed;
+      }
+      levels.push_back(here);
+      if (here.isListed && node.type().isA("mesh")) {
+        Result<RenderMesh> mesh = make(walk.path(), here.isTemplate);
+        if (mesh) meshes_.push_back(std::move(*mesh));
+      }
+      walk.next();
     }
-    for (dg::Node* child : scene::dagLinks(node).children)
-      visit(path.child(child), isTemplateHere, isListed);
   }
 
   [[nodiscard]] ObjectState stateOf(const DagPath& path) const {

@@ -7,6 +7,7 @@
 #include "host/io/ma/ma_loader.h"
 #include "host/io/ma/ma_writer.h"
 #include "host/mesh/check.h"
+#include "host/modelling/declare/declaration.h"
 #include "host/nodes/mesh_shape.h"
 
 namespace {
@@ -21,6 +22,7 @@ dg::TypeRegistry& types() {
   static dg::TypeRegistry* const registry = [] {
     auto* made = new dg::TypeRegistry;  // outlives every document
     nodes::registerBuiltinTypes(*made);
+    modelling::registerTypes(*made);
     return made;
   }();
   return *registry;

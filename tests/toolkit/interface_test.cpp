@@ -3,6 +3,7 @@
 
 #include "host/cmd/loop.h"
 #include "host/ui/tree.h"
+#include "host/workspace/workspace.h"
 #include "tests/toolkit/toolkit_session.h"
 
 namespace {

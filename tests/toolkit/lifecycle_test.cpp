@@ -103,6 +103,21 @@ TEST_CASE("every load row has its unload row, and the other way round") {
   }
 }
 
+TEST_CASE("the tools' icons are where the module tells the host to look") {
+  auto session = makeSession();
+  const host::MessageCapture messages;
+  REQUIRE(session->pluginLoader->load(kModule));
+  for (const char* icon : {"advancedModelingToolContext.bmp", "quadDrawContext.bmp"}) {
+    CAPTURE(std::string(icon));
+    const auto found = session->executeLine(
+        "string $parts[]; tokenize(`getenv XBMLANGPATH`, \":\", $parts); string $file = "
+        "`substitute \"%B\" $parts[0] \"" +
+        std::string(icon) + "\"`; `filetest -r $file`;");
+    REQUIRE(found);
+    CHECK(found->toInt().value_or(0) == 1);
+  }
+}
+
 TEST_CASE("a file that is no plug-in is refused with a reason") {
   auto session = makeSession();
   const auto missing = session->pluginLoader->load("noSuchPlugIn");

@@ -5,6 +5,7 @@
 
 #include "host/api/core/access.h"
 #include "host/api/core/fn_types.h"
+#include "host/scene/dag_paths.h"
 
 namespace host::api {
 
@@ -210,7 +211,7 @@ MString MDagPath::partialPathName(MStatus* status) const {
 
 bool MDagPath::isInstanced(MStatus* status) const {
   const scene::DagPath* path = usable(*this, status);
-  return path && scene::allPaths(*path->node()).size() > 1;
+  return path && !scene::hasOnePath(*path->node());
 }
 unsigned int MDagPath::instanceNumber(MStatus* status) const {
   const scene::DagPath* path = usable(*this, status);

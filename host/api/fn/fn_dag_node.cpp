@@ -5,6 +5,7 @@
 
 #include "host/api/core/access.h"
 #include "host/cmd/session.h"
+#include "host/scene/dag_paths.h"
 
 namespace host::api {
 namespace {
@@ -196,7 +197,7 @@ bool MFnDagNode::isInstanceable(MStatus* status) const {
 bool MFnDagNode::isInstanced(bool indirect, MStatus* status) const {
   const dg::Node* node = dagNodeIn(object_, status);
   if (!node) return false;
-  return indirect ? scene::allPaths(*node).size() > 1 : scene::dagLinks(*node).parents.size() > 1;
+  return indirect ? !scene::hasOnePath(*node) : scene::dagLinks(*node).parents.size() > 1;
 }
 bool MFnDagNode::isInstancedAttribute(const MObject& attribute, MStatus* status) const {
   const dg::Attribute* description = api::attributeOf(attribute);
@@ -206,7 +207,7 @@ bool MFnDagNode::isInstancedAttribute(const MObject& attribute, MStatus* status)
 unsigned int MFnDagNode::instanceCount(bool total, MStatus* status) const {
   const dg::Node* node = dagNodeIn(object_, status);
   if (!node) return 0;
-  return static_cast<unsigned int>(total ? scene::allPaths(*node).size()
+  return static_cast<unsigned int>(total ? scene::pathCount(*node)
                                          : scene::dagLinks(*node).parents.size());
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/api/core/access.h"
+#include "host/scene/dag_paths.h"
 
 namespace host::api {
 namespace {
@@ -179,7 +180,7 @@ unsigned int MItDag::instanceCount(bool total, MStatus* status) const {
   const DagWalk* walk = atPath(handle_, status);
   const dg::Node* node = walk ? walk->open.front().node() : nullptr;
   if (!node) return 0;
-  return static_cast<unsigned int>(total ? scene::allPaths(*node).size()
+  return static_cast<unsigned int>(total ? scene::pathCount(*node)
                                          : scene::dagLinks(*node).parents.size());
 }
 MStatus MItDag::traverseUnderWorld(bool value) {

@@ -2,6 +2,7 @@
 
 #include <maya/MDagModifier.h>
 
+#include "host/api/message/callbacks.h"
 #include "host/base/messages.h"
 #include "host/cmd/session.h"
 
@@ -11,12 +12,13 @@ ModifierRep::~ModifierRep() {
   // Nodes of a run that never came are taken away again, if their scene is still there.
   if (created.isEmpty() || !cmd::hasSession() || scene != &cmd::currentSession().document()) return;
   const scene::Journal::Scope unrecorded(scene->journal(), nullptr);
-  created.undo();
+  (void)created.undo();  // what was deleted meanwhile is gone anyway
 }
 
 Result<dg::NodePtr> ModifierRep::create(const std::string& type, dg::Node* parent) {
   scene = &document();
   const scene::Journal::Scope recording(scene->journal(), &created);
+  const NewNodesHeld held(untold);
   return scene->createNode(type, {}, parent);
 }
 
@@ -24,11 +26,12 @@ Result<void> ModifierRep::run() {
   scene::Journal& journal = document().journal();
   if (isTakenBack) {
     const scene::Journal::Scope unrecorded(journal, nullptr);
-    done.redo();
+    HOST_TRY(done.redo());
     isTakenBack = false;
   }
   scene::ChangeSet batch = std::move(created);
   created = scene::ChangeSet();
+  tellOfNewNodes(std::exchange(untold, {}));
   const auto queued = std::exchange(steps, {});
   Result<void> result;
   {
@@ -43,17 +46,18 @@ Result<void> ModifierRep::run() {
     return {};
   }
   const scene::Journal::Scope unrecorded(journal, nullptr);
-  batch.undo();
+  HOST_TRY(batch.undo());
   return result;
 }
 
-void ModifierRep::takeBack() {
-  if (isTakenBack) return;
+Result<void> ModifierRep::takeBack() {
+  if (isTakenBack) return {};
   const scene::Journal::Scope unrecorded(document().journal(), nullptr);
-  created.undo();
+  HOST_TRY(created.undo());
   created = scene::ChangeSet();
-  done.undo();
+  HOST_TRY(done.undo());
   isTakenBack = true;
+  return {};
 }
 
 namespace {
@@ -253,8 +257,9 @@ MStatus MDGModifier::doIt() {
   return api::toStatus(done);
 }
 MStatus MDGModifier::undoIt() {
-  modifierOf(*this).takeBack();
-  return MStatus::kSuccess;
+  const auto undone = modifierOf(*this).takeBack();
+  if (!undone) postMessage(MessageKind::Error, undone.error().message);
+  return api::toStatus(undone);
 }
 
 MDagModifier::MDagModifier() = default;

@@ -19,10 +19,12 @@ struct ModifierRep final : SharedRep {
   /// Runs what is queued, or does again what was taken back. A step that fails takes back all of
   /// this run.
   Result<void> run();
-  void takeBack();
+  /// All of it, or nothing when the scene has become another one meanwhile.
+  Result<void> takeBack();
 
   std::vector<std::function<Result<void>()>> steps;
-  scene::ChangeSet created;  ///< nodes made since the last run
+  std::vector<std::weak_ptr<dg::Node>> untold;  ///< of `created`: callbacks hear of them at the run
+  scene::ChangeSet created;                     ///< nodes made since the last run
   scene::ChangeSet done;
   bool isTakenBack = false;
   scene::Document* scene = nullptr;  ///< the one that `created` belongs to

@@ -114,16 +114,26 @@ int checkOf(workspace::SceneStage stage) {
   }
 }
 
-/// A run of edits as one record of the journal.
-class RunOfChanges final : public dg::Change {
+/// Where new nodes are collected now; null: they are told of.
+std::vector<std::weak_ptr<dg::Node>>* heldNodes = nullptr;
+
+/// Callbacks that are called from callbacks end here, long before the stack does.
+constexpr std::size_t kDeepestNesting = 50;
+
+/// Says that a plug-in's code is running, for as long as it lives: it can't be unloaded meanwhile.
+class EnteredScope {
  public:
-  explicit RunOfChanges(scene::ChangeSet changes) : changes_(std::move(changes)) {}
-  void undo() override { changes_.undo(); }
-  void redo() override { changes_.redo(); }
-  [[nodiscard]] std::size_t bytes() const override { return changes_.bytes(); }
+  explicit EnteredScope(PluginRecord* record) : record_(record) {
+    if (record_) ++record_->entered;
+  }
+  ~EnteredScope() {
+    if (record_) --record_->entered;
+  }
+  EnteredScope(const EnteredScope&) = delete;
+  EnteredScope& operator=(const EnteredScope&) = delete;
 
  private:
-  scene::ChangeSet changes_;
+  PluginRecord* record_;
 };
 
 /// Where `child` stands, or came to stand under `parent`.
@@ -136,6 +146,17 @@ scene::DagPath placeOf(dg::Node& child, dg::Node* parent, bool added) {
 }
 
 }  // namespace
+
+NewNodesHeld::NewNodesHeld(std::vector<std::weak_ptr<dg::Node>>& into)
+    : outer_(std::exchange(heldNodes, &into)) {}
+NewNodesHeld::~NewNodesHeld() {
+  heldNodes = outer_;
+}
+
+void tellOfNewNodes(const std::vector<std::weak_ptr<dg::Node>>& nodes) {
+  for (const auto& each : nodes)
+    if (const auto node = each.lock(); node && node->isAlive()) callbacks().tellOfNew(*node);
+}
 
 Callbacks& callbacks() {
   auto& made = apiState().callbacks;
@@ -249,10 +270,17 @@ void Callbacks::fire(CallbackKind kind, Happening& happening) {
   std::vector<MCallbackId> due;
   for (const auto& [id, callback] : callbacks_)
     if (callback.kind == kind && fits(callback, happening)) due.push_back(id);
+  if (!due.empty() && running_.size() >= kDeepestNesting) {
+    if (!std::exchange(isTooDeep_, true))
+      postMessage(MessageKind::Error,
+                  "Callbacks call each other without end: those that would come next are left out");
+    return;
+  }
   for (const MCallbackId id : due) {
     const auto found = callbacks_.find(id);
     if (found == callbacks_.end()) continue;  // an earlier one removed it
     const auto call = found->second.call;
+    const EnteredScope entered(found->second.owner);
     const scene::Journal::Scope unrecorded(document_.journal(), nullptr);
     running_.push_back(id);
     try {
@@ -265,10 +293,12 @@ void Callbacks::fire(CallbackKind kind, Happening& happening) {
     }
     running_.pop_back();
   }
+  if (running_.empty()) isTooDeep_ = false;
 }
 
 void Callbacks::runTimer(MCallbackId id, double now, double elapsed) {
   const auto call = callbacks_.at(id).call;  // it may take itself off
+  const EnteredScope entered(callbacks_.at(id).owner);
   Happening tick{.elapsed = elapsed, .since = now - elapsed};
   running_.push_back(id);
   try {
@@ -305,7 +335,16 @@ void Callbacks::nodeAdded(dg::Node& node) {
     unlinked_.push_back(&node);
     return;
   }
+  tellOfNew(node);
+}
+void Callbacks::tellOfNew(dg::Node& node) {
+  if (heldNodes) {
+    heldNodes->push_back(node.weak_from_this());
+    return;
+  }
   fire(CallbackKind::NodeAdded, {.node = &node});
+  if (scene::isDagNode(node) && node.isAlive())
+    fire(CallbackKind::NodeAddedToModel, {.node = &node});
 }
 void Callbacks::nodeAboutToBeRemoved(dg::Node& node) {
   if (waits(CallbackKind::NodeAboutToDelete)) {
@@ -316,14 +355,16 @@ void Callbacks::nodeAboutToBeRemoved(dg::Node& node) {
     ModifierRep& rep = modifierOf(modifier);
     if (const auto done = rep.run(); !done) postMessage(MessageKind::Error, done.error().message);
     if (document_.journal().isRecording() && !rep.done.isEmpty())
-      document_.journal().record(std::make_unique<RunOfChanges>(std::move(rep.done)));
+      document_.journal().record(scene::makeChange(std::move(rep.done)));
   }
   fire(CallbackKind::NodePreRemoval, {.node = &node});
 }
-void Callbacks::nodeRemoved(dg::Node& node) {
-  std::erase(unlinked_, &node);
+void Callbacks::nodeLeaving(dg::Node& node) {
   fire(CallbackKind::NodeRemoved, {.node = &node});
   fire(CallbackKind::NodeRemovedFromModel, {.node = &node});
+}
+void Callbacks::nodeRemoved(dg::Node& node) {
+  std::erase(unlinked_, &node);
 }
 void Callbacks::nodeRenamed(dg::Node& node, const std::string& oldName) {
   fire(CallbackKind::NameChanged, {.node = &node, .text = oldName});
@@ -364,10 +405,7 @@ void Callbacks::selectionChanged() {
   fire(CallbackKind::SelectionChanged, {});
 }
 void Callbacks::dagChanged(dg::Node& child, dg::Node* parent, bool added) {
-  if (added && std::erase(unlinked_, &child) > 0) {
-    fire(CallbackKind::NodeAdded, {.node = &child});
-    fire(CallbackKind::NodeAddedToModel, {.node = &child});
-  }
+  if (added && std::erase(unlinked_, &child) > 0) tellOfNew(child);
   if (!waits(CallbackKind::DagChange)) return;
   const MDagPath above = parent ? wrap(scene::firstPath(*parent)) : wrap(scene::DagPath());
   const MDagPath below = wrap(placeOf(child, parent, added));

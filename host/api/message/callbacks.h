@@ -95,8 +95,12 @@ class Callbacks final : public dg::GraphObserver, public scene::DocumentObserver
   /// User events that plug-ins have defined.
   std::vector<std::string> userEvents;
 
+  /// Tells of a new node that has its place.
+  void tellOfNew(dg::Node& node);
+
   void nodeAdded(dg::Node& node) override;
   void nodeAboutToBeRemoved(dg::Node& node) override;
+  void nodeLeaving(dg::Node& node) override;
   void nodeRemoved(dg::Node& node) override;
   void nodeRenamed(dg::Node& node, const std::string& oldName) override;
   void attributeEvent(dg::AttributeEvent event, const dg::Plug& plug,
@@ -121,7 +125,23 @@ class Callbacks final : public dg::GraphObserver, public scene::DocumentObserver
   std::vector<const dg::Node*>
       unlinked_;  ///< DAG nodes that were added and have no place in the hierarchy yet
   MCallbackId next_ = 1;
+  bool isTooDeep_ = false;  ///< told of already
 };
+
+/// While it lives, nodes that are made are collected instead of told of: a modifier's nodes are
+/// there for whoever queues steps on them, and for all others when it does them.
+class NewNodesHeld {
+ public:
+  explicit NewNodesHeld(std::vector<std::weak_ptr<dg::Node>>& into);
+  ~NewNodesHeld();
+  NewNodesHeld(const NewNodesHeld&) = delete;
+  NewNodesHeld& operator=(const NewNodesHeld&) = delete;
+
+ private:
+  std::vector<std::weak_ptr<dg::Node>>* outer_;
+};
+/// Tells the callbacks of nodes that were held back and are still there.
+void tellOfNewNodes(const std::vector<std::weak_ptr<dg::Node>>& nodes);
 
 /// This session's; made on first use.
 [[nodiscard]] Callbacks& callbacks();

@@ -33,6 +33,14 @@ struct RegisteringScope {
   PluginRecord* previous;
 };
 
+struct EnteredScope {
+  explicit EnteredScope(int& countIn) : count(countIn) { ++count; }
+  ~EnteredScope() { --count; }
+  EnteredScope(const EnteredScope&) = delete;
+  EnteredScope& operator=(const EnteredScope&) = delete;
+  int& count;
+};
+
 bool isFile(const fs::path& path) {
   std::error_code ignored;
   return fs::is_regular_file(path, ignored);
@@ -50,9 +58,13 @@ std::vector<fs::path> searchFolders() {
   return folders;
 }
 
+/// A bare name is looked for on the plug-in path alone: in the working folder anybody may have put
+/// a library of that name.
 Result<fs::path> locate(const std::string& fileOrName) {
-  std::vector<fs::path> tried{fs::path(fileOrName)};
-  if (fileOrName.find('/') == std::string::npos)
+  std::vector<fs::path> tried;
+  if (fileOrName.find('/') != std::string::npos)
+    tried.emplace_back(fileOrName);
+  else
     for (const fs::path& folder : searchFolders()) tried.push_back(folder / fileOrName);
   for (const fs::path& path : tried)
     for (const fs::path& candidate : {path, fs::path(path.string() + ".so")})
@@ -73,6 +85,7 @@ Function symbol(void* library, const char* name) {
 Result<void> callEntryPoint(EntryPoint entry, const std::shared_ptr<PluginRecord>& record,
                             const char* what) {
   RegisteringScope scope(record.get());
+  const EnteredScope entered(record->entered);
   MStatus status = MStatus::kFailure;
   try {
     status = entry(Access::make<MObject>(new PluginRep(record)));
@@ -210,11 +223,17 @@ void Loader::removeInterface(PluginRecord& record) {
 Result<void> Loader::unload(const std::string& name, bool force) {
   const auto record = find(name);
   if (!record) return fail("Plug-in, \"{}\", is not loaded.", name);
+  // Its code would be gone when the call returns to it.
+  const bool mayBeComputing = session_.document().graph().isEvaluating();
+  if (record->entered > 0 || session_.dispatcher().isRunningOf(record->info.name) ||
+      session_.undo().isReplaying() || (mayBeComputing && !record->info.nodeTypes.empty()))
+    return fail("Plug-in \"{}\" can't be unloaded while its code is running.", record->info.name);
   const std::string user = usedBy(*record);
   if (!user.empty() && !force)
     return fail("Plug-in \"{}\" can't be unloaded: {}.", record->info.name, user);
   const auto entry = symbol<EntryPoint>(record->library, kUninitializeSymbol);
   session_.undo().flush();  // command objects of the plug-in must not outlive its code
+  session_.document().graph().releaseRemoved();
   HOST_TRY(callEntryPoint(entry, record, "uninitializePlugin"));
   removeInterface(*record);
   for (const auto& left : record->registrations)
@@ -223,6 +242,7 @@ Result<void> Loader::unload(const std::string& name, bool force) {
   record->removeAll();
   plugins_.erase(std::find(plugins_.begin(), plugins_.end(), record));
   if (record->unloadCallback) (void)record->unloadCallback();
+  session_.types().releaseRemoved();
   if (user.empty()) dlclose(record->library);
   return {};
 }

@@ -17,6 +17,7 @@ namespace host::api {
 struct PluginRecord {
   cmd::PluginInfo info;
   void* library = nullptr;  ///< the dynamic loader's handle
+  int entered = 0;          ///< calls of its entry points and callbacks that have not returned
   std::string creationProcedure, deletionProcedure, batchCreationProcedure, batchDeletionProcedure;
   void* (*unloadCallback)() = nullptr;  ///< called last, when the module has been unloaded
 

@@ -11,6 +11,7 @@
 #include "host/api/view/view_access.h"
 #include "host/api/view/view_rep.h"
 #include "host/base/messages.h"
+#include "host/scene/dag_paths.h"
 #include "host/workspace/workspace.h"
 
 namespace host::api {
@@ -27,14 +28,20 @@ class LocatorWalk {
   std::vector<scene::DagPath> found;
 
  private:
-  void visit(const scene::DagPath& path) {
-    dg::Node& node = *path.node();
-    if (!isShown(node)) return;
-    // Only nodes of registered types have something that draws them.
-    if (!node.type().pluginName.empty() && workspace::isolationShows(view_, path) &&
-        (drawRegistry().find(node.type().classification) || findNodeClass(node.type())))
-      found.push_back(path);
-    for (dg::Node* child : scene::dagLinks(node).children) visit(path.child(child));
+  void visit(const scene::DagPath& top) {
+    scene::PathWalk walk(top);
+    while (!walk.isDone()) {
+      dg::Node& node = walk.node();
+      if (!isShown(node)) {
+        walk.skipBelow();
+        continue;
+      }
+      // Only nodes of registered types have something that draws them.
+      if (!node.type().pluginName.empty() && workspace::isolationShows(view_, walk.path()) &&
+          (drawRegistry().find(node.type().classification) || findNodeClass(node.type())))
+        found.push_back(walk.path());
+      walk.next();
+    }
   }
   const workspace::View& view_;
 };

@@ -3,6 +3,8 @@
 #include <unordered_set>
 
 #include "host/base/assert.h"
+#include "host/scene/name_index.h"
+#include "host/scene/node_names.h"
 
 namespace host::builtins {
 
@@ -14,27 +16,19 @@ void define(CommandRegistry& registry, std::string name, Syntax syntax,
 }
 
 std::string nodeName(const dg::Node& node, bool fullPath) {
-  if (!scene::isDagNode(node)) return node.name();
-  const scene::DagPath path = scene::firstPath(node);
-  return fullPath ? path.fullName() : path.partialName();
+  return scene::nodeName(node, fullPath);
 }
 
 std::string attributeName(const dg::Plug& plug, bool shortNames) {
-  const std::string path = plug.attributePath(shortNames);
-  const std::size_t bracket = path.find('[');
-  const std::size_t dot = bracket == std::string::npos ? path.rfind('.') : path.rfind('.', bracket);
-  return dot == std::string::npos ? path : path.substr(dot + 1);
+  return scene::attributeName(plug, shortNames);
 }
 
 std::string plugName(const dg::Plug& plug, bool shortAttribute) {
-  return nodeName(*plug.node()) + "." + attributeName(plug, shortAttribute);
+  return scene::plugName(plug, shortAttribute);
 }
 
 std::string shapeNameFor(const std::string& transformName) {
-  std::size_t digits = transformName.size();
-  while (digits > 0 && transformName[digits - 1] >= '0' && transformName[digits - 1] <= '9')
-    --digits;
-  return transformName.substr(0, digits) + "Shape" + transformName.substr(digits);
+  return scene::shapeNameFor(transformName);
 }
 
 std::vector<dg::Node*> nodesOf(const scene::SelectionList& list) {

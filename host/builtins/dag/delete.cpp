@@ -1,6 +1,7 @@
 #include "host/builtins/common/command.h"
 #include "host/builtins/mesh/delete_components.h"
 #include "host/nodes/mesh_shape.h"
+#include "host/scene/dag_paths.h"
 
 namespace host::builtins {
 
@@ -56,7 +57,7 @@ CommandResult deleteObjects(Context& context, const ParsedArgs& args) {
       continue;
     }
     if (!item.isObject()) continue;
-    const bool isInstance = item.isDag() && scene::allPaths(*item.node).size() > 1 &&
+    const bool isInstance = item.isDag() && !scene::hasOnePath(*item.node) &&
                             scene::dagLinks(*item.node).parents.size() > 1;
     if (isInstance)
       HOST_TRY(document.removeInstance(item.path));

@@ -4,6 +4,7 @@
 #include "host/nodes/dag_node.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/transform.h"
+#include "host/scene/dag_paths.h"
 
 namespace host::builtins {
 
@@ -24,9 +25,7 @@ Result<void> reparentObject(scene::Document& document, const scene::DagPath& pat
 
 namespace {
 
-/// `matrix` takes what is directly under the path to the space of the box.
-math::Box boxUnder(const scene::DagPath& path, const math::Matrix4& matrix) {
-  math::Box box;
+void addShapes(const scene::DagPath& path, const math::Matrix4& matrix, math::Box& box) {
   for (const scene::DagPath& shape : path.shapes()) {
     if (!shape.node()->plug("outMesh")) continue;
     const auto mesh = nodes::evaluatedMesh(*shape.node());
@@ -34,10 +33,24 @@ math::Box boxUnder(const scene::DagPath& path, const math::Matrix4& matrix) {
     for (const math::Vec3f& point : mesh->points())
       box.add(math::transformPoint(math::Vec3(point), matrix));
   }
-  if (!scene::isTransform(*path.node())) return box;
-  for (scene::Node* child : scene::dagLinks(*path.node()).children)
-    if (scene::isTransform(*child))
-      box.add(boxUnder(path.child(child), scene::localMatrix(*child) * matrix));
+}
+
+/// `matrix` takes what is directly under the path to the space of the box.
+math::Box boxUnder(const scene::DagPath& path, const math::Matrix4& matrix) {
+  math::Box box;
+  std::vector<math::Matrix4> matrices;  // of the nodes from the path's to the one visited
+  scene::PathWalk walk(path);
+  while (!walk.isDone()) {
+    matrices.resize(walk.depth());
+    if (walk.depth() > 0 && !scene::isTransform(walk.node())) {
+      walk.skipBelow();
+      continue;
+    }
+    matrices.push_back(matrices.empty() ? matrix
+                                        : scene::localMatrix(walk.node()) * matrices.back());
+    addShapes(walk.path(), matrices.back(), box);
+    walk.next();
+  }
   return box;
 }
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "host/builtins/common/command.h"
+#include "host/scene/dag_paths.h"
 
 namespace host::builtins {
 
@@ -32,11 +33,13 @@ class RelativeLister {
   [[nodiscard]] std::vector<std::string> takeNames() { return std::move(names_); }
 
  private:
+  /// Children before their parents: the reverse of what is met from the last child to the first.
   void addBelow(const DagPath& path) {
-    for (scene::Node* child : scene::dagLinks(*path.node()).children) {
-      addBelow(path.child(child));
-      add(path.child(child));
-    }
+    const std::size_t first = names_.size();
+    for (scene::PathWalk walk(path, scene::PathWalk::Children::Reversed); !walk.isDone();
+         walk.next())
+      if (walk.depth() > 0) add(walk.path());
+    std::reverse(names_.begin() + static_cast<std::ptrdiff_t>(first), names_.end());
   }
 
   void add(const DagPath& path) {

@@ -41,6 +41,7 @@ void registerFile(CommandRegistry& registry) {
              .flag("typ", "type", {ArgType::String})
              .flag("op", "options", {ArgType::String})
              .flag("rnn", "returnNewNodes")
+             .flag("esn", "executeScriptNodes", {ArgType::Bool})
              .flag("pr", "preserveReferences")
              .flag("iv", "ignoreVersion")
              .flag("ra", "renameAll", {ArgType::Bool})

@@ -6,7 +6,7 @@
 #include "host/builtins/file/formats.h"
 #include "host/io/ma/ma_loader.h"
 #include "host/io/ma/ma_writer.h"
-#include "host/io/mapped_file.h"
+#include "host/io/whole_file.h"
 #include "host/nodes/sets.h"
 #include "host/workspace/workspace.h"
 
@@ -61,9 +61,18 @@ class ExportSet {
   void add(dg::Node& node) {
     if (!node.isDefault() && seen_.insert(&node).second) nodes_.push_back(&node);
   }
-  void addTree(dg::Node& node) {
-    add(node);
-    for (dg::Node* child : scene::dagLinks(node).children) addTree(*child);
+  /// Each node once, however many instances lead to it.
+  void addTree(dg::Node& top) {
+    std::vector<dg::Node*> open{&top};
+    std::unordered_set<const dg::Node*> met;
+    while (!open.empty()) {
+      dg::Node* node = open.back();
+      open.pop_back();
+      if (!met.insert(node).second) continue;
+      add(*node);
+      const std::vector<dg::Node*>& children = scene::dagLinks(*node).children;
+      open.insert(open.end(), children.rbegin(), children.rend());
+    }
   }
   void follow(dg::Node& node) {
     const bool isSet = nodes::isSet(node);

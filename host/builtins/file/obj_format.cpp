@@ -3,10 +3,12 @@
 #include "host/base/messages.h"
 #include "host/builtins/common/mesh_components.h"
 #include "host/builtins/file/formats.h"
+#include "host/io/finite_mesh.h"
 #include "host/io/obj_reader.h"
 #include "host/io/obj_writer.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/sets.h"
+#include "host/scene/dag_paths.h"
 
 namespace host::builtins {
 
@@ -65,15 +67,19 @@ mesh::Mesh inWorldSpace(mesh::Mesh mesh, const math::Matrix4& matrix) {
 std::vector<scene::DagPath> meshesBelow(const scene::SelectionList& list) {
   std::vector<scene::DagPath> paths;
   std::unordered_set<std::string> seen;
-  const auto visit = [&](const auto& self, const scene::DagPath& path) -> void {
-    for (const scene::DagPath& shape : nodes::meshPaths(path))
-      if (seen.insert(shape.fullName()).second) paths.push_back(shape);
-    if (!scene::isTransform(*path.node())) return;
-    for (scene::Node* child : scene::dagLinks(*path.node()).children)
-      if (scene::isTransform(*child)) self(self, path.child(child));
+  const auto visit = [&](scene::PathWalk walk) {
+    while (!walk.isDone()) {
+      if (walk.depth() > 0 && !scene::isTransform(walk.node())) {
+        walk.skipBelow();
+        continue;
+      }
+      for (const scene::DagPath& shape : nodes::meshPaths(walk.path()))
+        if (seen.insert(shape.fullName()).second) paths.push_back(shape);
+      walk.next();
+    }
   };
   for (const scene::SelectionItem& item : list.items())
-    if (item.isDag()) visit(visit, item.path);
+    if (item.isDag()) visit(scene::PathWalk(item.path));
   return paths;
 }
 
@@ -95,6 +101,10 @@ Result<void> write(Context& context, const std::string& path, const FileWriteOpt
     io::ObjObject object;
     object.name = shape.transform().node()->name();
     object.mesh = inWorldSpace(std::move(*mesh), shape.inclusiveMatrix());
+    if (const std::size_t bad = io::makeFinite(object.mesh); bad > 0)
+      postMessage(
+          MessageKind::Warning,
+          fmt::format("'{}': {} numbers that are not finite are saved as 0", object.name, bad));
     object.statesSmoothing = true;
     scene.objects.push_back(std::move(object));
   }

@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "host/builtins/file/formats.h"
+#include "host/builtins/file/script_nodes.h"
 
 namespace host::builtins {
 
@@ -86,18 +87,6 @@ void forgetScene(Context& context) {
     if (format.forget) format.forget(context);
 }
 
-/// Several edits as one record.
-class Edits final : public dg::Change {
- public:
-  explicit Edits(scene::ChangeSet changes) : changes_(std::move(changes)) {}
-  void undo() override { changes_.undo(); }
-  void redo() override { changes_.redo(); }
-  [[nodiscard]] std::size_t bytes() const override { return sizeof *this + changes_.bytes(); }
-
- private:
-  scene::ChangeSet changes_;
-};
-
 /// Places what was read, or nothing of it: also where edits are not recorded otherwise.
 Result<std::vector<dg::Node*>> place(Context& context, const FileFormat::Placing& placing) {
   scene::Journal& journal = context.document.journal();
@@ -109,9 +98,9 @@ Result<std::vector<dg::Node*>> place(Context& context, const FileFormat::Placing
   }
   if (!nodes) {
     const scene::Journal::Scope unrecorded(journal, nullptr);
-    changes.undo();
+    (void)changes.undo();
   } else if (journal.isRecording()) {
-    journal.record(std::make_unique<Edits>(std::move(changes)));
+    journal.record(scene::makeChange(std::move(changes)));
   }
   return nodes;
 }
@@ -193,6 +182,7 @@ CommandResult openScene(Context& context, const ParsedArgs& args) {
     return failWith(std::move(nodes.error()));
   }
   work.reach(SceneStage::AfterRead);
+  runScriptNodes(context, args.has("executeScriptNodes") && args.boolean("executeScriptNodes"));
   context.document.setFileName(*path);
   context.document.setModified(false);
   context.session.scriptJobs().triggerEvent("PostSceneRead");

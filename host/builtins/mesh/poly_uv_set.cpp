@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <numeric>
 
 #include "host/builtins/mesh/set_command.h"
+#include "host/nodes/mesh_shape.h"
 
 namespace host::builtins {
 
@@ -38,17 +40,79 @@ class UvSets final : public NamedSets {
 constexpr SetWords kWords = {"polyUVSet", "UV set",    "uvSet",       "newUVSet",
                              "uvSet",     "allUVSets", "currentUVSet"};
 
-CommandResult polyUvSet(Context& context, const ParsedArgs& args) {
-  if (!args.isQuery() || !args.has("allUVSetsIndices"))
-    return runSetCommand(context, args, UvSets(), kWords);
+Result<std::vector<MeshItem>> objects(Context& context, const ParsedArgs& args) {
   auto list = args.resolveObjects(context.document);
   if (!list) return failWith(std::move(list.error()));
   auto items = meshItems(*list);
+  if (items && items->empty()) return fail("polyUVSet: name or select polygon objects.");
+  return items;
+}
+
+/// Two sets change places; the current one stays current.
+Result<std::string> reorder(const ParsedArgs& args, Mesh& mesh) {
+  const std::string first = args.text("uvSet"), second = args.text("newUVSet");
+  const int a = mesh.findUvSet(first), b = mesh.findUvSet(second);
+  if (a < 0 || b < 0)
+    return fail("polyUVSet: -reorder needs -uvSet and -newUVSet, two sets that are there.");
+  const std::string current = mesh.uvSet(mesh.currentUvSet()).name;
+  mesh::UvSet held = mesh.uvSet(a);
+  mesh.setUvSet(a, mesh.uvSet(b));
+  mesh.setUvSet(b, std::move(held));
+  mesh.setCurrentUvSet(mesh.findUvSet(current));
+  return first;
+}
+
+Result<std::string> chooseLast(const ParsedArgs&, Mesh& mesh) {
+  mesh.setCurrentUvSet(mesh.uvSetCount() - 1);
+  return mesh.uvSet(mesh.currentUvSet()).name;
+}
+
+CommandResult editEach(Context& context, const ParsedArgs& args,
+                       Result<std::string> (*edit)(const ParsedArgs&, Mesh&)) {
+  auto items = objects(context, args);
   if (!items) return failWith(std::move(items.error()));
-  if (items->empty()) return fail("polyUVSet: name or select polygon objects.");
-  mel::IntArray indices(static_cast<std::size_t>(items->front().mesh.uvSetCount()));
-  std::iota(indices.begin(), indices.end(), 0);
-  return mel::Value(std::move(indices));
+  std::vector<std::string> names;
+  std::vector<const dg::Node*> done;
+  for (const MeshItem& item : *items) {
+    if (std::ranges::find(done, item.path.node()) != done.end()) continue;
+    done.push_back(item.path.node());
+    Mesh mesh = item.mesh;
+    auto name = edit(args, mesh);
+    if (!name) return failWith(std::move(name.error()));
+    names.push_back(std::move(*name));
+    HOST_TRY(nodes::setEvaluatedMesh(*item.path.node(), std::move(mesh)));
+  }
+  return toValue(std::move(names));
+}
+
+CommandResult query(Context& context, const ParsedArgs& args) {
+  auto items = objects(context, args);
+  if (!items) return failWith(std::move(items.error()));
+  const Mesh& mesh = items->front().mesh;
+  if (args.has("allUVSetsIndices")) {
+    mel::IntArray indices(static_cast<std::size_t>(mesh.uvSetCount()));
+    std::iota(indices.begin(), indices.end(), 0);
+    return mel::Value(std::move(indices));
+  }
+  std::vector<std::string> names;
+  for (int set = 0; set < mesh.uvSetCount(); ++set) names.push_back(mesh.uvSet(set).name);
+  if (args.has("currentLastUVSet")) names.erase(names.begin(), names.end() - 1);
+  if (args.has("currentPerInstanceUVSet")) names = {mesh.uvSet(mesh.currentUvSet()).name};
+  return toValue(std::move(names));
+}
+
+CommandResult polyUvSet(Context& context, const ParsedArgs& args) {
+  if (args.boolean("perInstance") || args.has("shareInstances") || args.has("unshared"))
+    return fail("polyUVSet: instances share their UV sets here.");
+  if (args.isQuery()) {
+    for (const char* flag :
+         {"allUVSetsIndices", "allUVSetsWithCount", "currentLastUVSet", "currentPerInstanceUVSet"})
+      if (args.has(flag)) return query(context, args);
+  } else {
+    if (args.has("reorder")) return editEach(context, args, reorder);
+    if (args.has("currentLastUVSet")) return editEach(context, args, chooseLast);
+  }
+  return runSetCommand(context, args, UvSets(), kWords);
 }
 
 }  // namespace
@@ -57,8 +121,16 @@ void registerPolyUvSet(CommandRegistry& registry) {
   Syntax syntax;
   addSetFlags(syntax, kWords, {"uvs", "nuv", "auv", "cuv"})
       .flag("aui", "allUVSetsIndices")
+      .flag("awc", "allUVSetsWithCount")
+      .flag("luv", "currentLastUVSet")
+      .flag("cpi", "currentPerInstanceUVSet")
+      .flag("ro", "reorder")
+      .flag("pi", "perInstance", {ArgType::Bool})
+      .flag("si", "shareInstances")
+      .flag("us", "unshared")
       .flag("ch", "constructionHistory", {ArgType::Bool})
       .queryable()
+      .editable()
       .objects(0, -1, true);
   define(registry, "polyUVSet", syntax, polyUvSet);
 }

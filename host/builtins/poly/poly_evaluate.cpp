@@ -85,6 +85,8 @@ class Evaluation {
     if (what == "worldArea") return mel::Value(area(true) / (unit * unit));
     if (what == "faceArea" || what == "worldFaceArea")
       return faceAreas(what == "worldFaceArea", unit * unit);
+    if (what == "worldUVArea") return mel::Value(coveredArea() / (unit * unit));
+    if (what == "activeShells") return activeShells();
     if (what == "uvArea" || what == "uvFaceArea") return uvAreas(what == "uvFaceArea");
     if (what == "boundingBox" || what == "boundingBoxComponent")
       return box(what == "boundingBoxComponent");
@@ -126,6 +128,31 @@ class Evaluation {
         sum += faceArea(item.mesh, f, isWorld ? &matrix : nullptr);
     }
     return sum;
+  }
+
+  /// The area in the world of the faces that have UVs: what the map's own area stands for.
+  [[nodiscard]] double coveredArea() const {
+    double sum = 0;
+    for (const MeshItem& item : items_) {
+      const math::Matrix4 matrix = item.path.inclusiveMatrix();
+      for (FaceId f = 0; f < item.mesh.faceCount(); ++f)
+        if (item.mesh.cornerUv(uvSet(item.mesh), item.mesh.firstCorner(f)) != kNone)
+          sum += faceArea(item.mesh, f, &matrix);
+    }
+    return sum;
+  }
+
+  /// The shells of faces that the components touch.
+  CommandResult activeShells() const {
+    mel::IntArray active;
+    for (const MeshItem& item : items_) {
+      const mesh::Shells shells = mesh::findShells(item.mesh);
+      std::set<Index> touched;
+      for (const FaceId f : item.ids(ComponentType::Face))
+        touched.insert(shells.ofFace[static_cast<std::size_t>(f)]);
+      active.insert(active.end(), touched.begin(), touched.end());
+    }
+    return mel::Value(std::move(active));
   }
 
   CommandResult faceAreas(bool isWorld, double unit) const {
@@ -301,6 +328,8 @@ void registerPolyEvaluate(CommandRegistry& registry) {
                   .flag("b2", "boundingBox2d")
                   .flag("bc2", "boundingBoxComponent2d")
                   .flag("usi", "uvShellIds")
+                  .flag("wua", "worldUVArea")
+                  .flag("as", "activeShells")
                   .flag("aus", "activeUVShells")
                   .flag("uis", "uvsInShell", {ArgType::Int})
                   .flag("uvs", "uvSetName", {ArgType::String})

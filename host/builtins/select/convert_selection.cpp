@@ -145,6 +145,9 @@ constexpr std::array kConversions = {
     ConversionCommand{"ConvertSelectionToShellBorder", ComponentType::Edge, shellBorder},
     ConversionCommand{"ConvertSelectionToUVShell", ComponentType::Uv, uvShell},
     ConversionCommand{"ConvertSelectionToUVShellBorder", ComponentType::Uv, uvShellBorder},
+    ConversionCommand{"ConvertSelectionToUVBorder", ComponentType::Uv, uvShellBorder},
+    ConversionCommand{"SelectUVShell", ComponentType::Uv, uvShell},
+    ConversionCommand{"SelectUVBorder", ComponentType::Uv, uvShellBorder},
     ConversionCommand{"ConvertSelectionToUVEdgeLoop", ComponentType::Uv, uvEdgeLoop},
 };
 

@@ -3,6 +3,7 @@
 
 #include "host/builtins/common/command.h"
 #include "host/builtins/common/mesh_components.h"
+#include "host/scene/dag_paths.h"
 
 namespace host::builtins {
 
@@ -100,10 +101,11 @@ class Lister {
 
   void visitPath(const DagPath& path) {
     if (path.isWorld()) return;
-    if (passes(*path.node(), path))
-      add(isLong_ ? path.fullName() : path.partialName(), *path.node());
-    if (!args_.has("dagObjects")) return;
-    for (scene::Node* child : scene::dagLinks(*path.node()).children) visitPath(path.child(child));
+    for (scene::PathWalk walk(path); !walk.isDone(); walk.next()) {
+      if (passes(walk.node(), walk.path()))
+        add(isLong_ ? walk.path().fullName() : walk.path().partialName(), walk.node());
+      if (!args_.has("dagObjects")) return;
+    }
   }
 
   void visitItem(const SelectionItem& item) {

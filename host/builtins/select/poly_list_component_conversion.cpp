@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 
 #include "host/builtins/select/component_picks.h"
@@ -31,6 +32,20 @@ bool isSource(const ParsedArgs& args, ComponentType type) {
   return !isAnyGiven;
 }
 
+/// What lies on the rim of faces, where they meet others or the mesh ends.
+std::vector<Index> onRim(const MeshItem& faces, ComponentType target) {
+  const std::vector<EdgeId> rim =
+      mesh::boundaryEdges(faces.mesh, convertedIds(faces, ComponentType::Face));
+  if (target == ComponentType::Edge) return rim;
+  const int set = faces.mesh.currentUvSet();
+  std::vector<Index> ids =
+      mesh::convertComponents(faces.mesh, mesh::ComponentKind::Edge, rim, meshKind(target),
+                              mesh::Conversion::Connected, set);
+  const std::vector<Index> own = convertedIds(faces, target);
+  std::erase_if(ids, [&](Index id) { return !std::binary_search(own.begin(), own.end(), id); });
+  return ids;
+}
+
 std::vector<Index> converted(const MeshItem& item, const ParsedArgs& args, ComponentType target) {
   const mesh::Conversion how = args.has("border")     ? mesh::Conversion::Border
                                : args.has("internal") ? mesh::Conversion::Contained
@@ -39,7 +54,13 @@ std::vector<Index> converted(const MeshItem& item, const ParsedArgs& args, Compo
   MeshItem sources = item;
   std::erase_if(sources.components,
                 [&](const Component& component) { return !isSource(args, component.type()); });
-  return sources.isObject() ? std::vector<Index>{} : convertedIds(sources, target, how);
+  if (sources.isObject()) return {};
+  const bool isOfFaces =
+      std::all_of(sources.components.begin(), sources.components.end(),
+                  [](const Component& each) { return each.type() == ComponentType::Face; });
+  if (how == mesh::Conversion::Border && isOfFaces && target != ComponentType::Face)
+    return onRim(sources, target);
+  return convertedIds(sources, target, how);
 }
 
 CommandResult convert(Context& context, const ParsedArgs& args) {

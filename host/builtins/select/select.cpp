@@ -2,6 +2,7 @@
 
 #include "host/builtins/common/command.h"
 #include "host/nodes/sets.h"
+#include "host/scene/dag_paths.h"
 
 namespace host::builtins {
 
@@ -12,9 +13,15 @@ using scene::SelectionList;
 using scene::SelectionMerge;
 
 void addHierarchy(SelectionList& list, const scene::DagPath& path) {
-  list.add(path);
-  for (scene::Node* child : scene::dagLinks(*path.node()).children)
-    if (scene::isTransform(*child)) addHierarchy(list, path.child(child));
+  scene::PathWalk walk(path);
+  while (!walk.isDone()) {
+    if (walk.depth() > 0 && !scene::isTransform(walk.node())) {
+      walk.skipBelow();
+      continue;
+    }
+    list.add(walk.path());
+    walk.next();
+  }
 }
 
 bool isVisible(scene::Document& document, const scene::DagPath& path) {

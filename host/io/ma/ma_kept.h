@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/dg/node.h"
+#include "host/dg/plug.h"
 
 namespace host::io {
 
@@ -26,6 +27,13 @@ class MaKept {
     bool toNextAvailable = false;             ///< the destination is any free element
   };
 
+  /// A connection that stands in for the one that leaves an unknown node.
+  struct Pass {
+    std::weak_ptr<dg::Node> sourceNode, destinationNode;
+    dg::Plug source, destination;
+    std::size_t connection = 0;  ///< the one of the file, among `connections`
+  };
+
   [[nodiscard]] Node& of(dg::Node& node);
   [[nodiscard]] const Node* find(const dg::Node& node) const;
 
@@ -35,6 +43,7 @@ class MaKept {
   std::vector<std::string> early, late;   ///< before and after all nodes
   std::vector<std::string> selected;      ///< blocks for nodes that are made by themselves
   std::vector<Connection> connections;
+  std::vector<Pass> passes;
 
  private:
   std::unordered_map<const dg::Node*, Node> nodes_;

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <limits>
 #include <map>
 #include <set>
 #include <unordered_map>
@@ -10,6 +11,7 @@
 
 #include "host/io/ma/ma_attributes.h"
 #include "host/io/ma/ma_mesh_writer.h"
+#include "host/io/ma/ma_passes.h"
 #include "host/io/ma/ma_plugs.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/set_group.h"
@@ -61,6 +63,7 @@ class Loader {
 
   Result<MaLoaded> load() {
     collectNames();
+    if (!options_.isImport) findStartupCameras();
     if (!options_.isImport) {
       document_.setUnits(file_.units);
       document_.fileInfo = file_.fileInfo;
@@ -70,6 +73,7 @@ class Loader {
     for (const MaInstance& instance : file_.instances) addInstance(instance);
     for (const MaConnection& connection : file_.connections) connect(connection);
     for (const MaRelationship& relationship : file_.relationships) relate(relationship);
+    passing_ = passMeshesThrough(document_, kept_);
     attributes_.lock();
     for (Node* node : locked_) HOST_TRY(document_.graph().setNodeLocked(*node, true));
     summarize();
@@ -155,8 +159,54 @@ class Loader {
 
   // Nodes.
 
+  /// Default cameras by the names that the file has for their transforms: a camera that was renamed
+  /// still says which one it is.
+  void findStartupCameras() {
+    for (const MaNode& node : file_.nodes) {
+      if (!node.isShared || node.type != "camera") continue;
+      for (const MaLine& line : node.lines)
+        if (const auto* value = std::get_if<MaSetAttr>(&line);
+            value && (value->path == "imn" || value->path == "imageName") &&
+            value->values.size() == 1)
+          startupCameras_[FilePath(node.parent).leaf()] = value->values.front().text;
+    }
+  }
+
+  /// The default camera, or its shape, that goes by another name in the file.
+  Node* renamedCamera(const MaNode& node) const {
+    if (!node.isShared || options_.isImport) return nullptr;
+    if (node.type == "camera") {
+      Node* parent = find(node.parent);
+      if (!parent || !parent->isDefault()) return nullptr;
+      for (Node* child : scene::dagLinks(*parent).children)
+        if (child->isDefault() && child->type().name == "camera") return child;
+      return nullptr;
+    }
+    const auto camera = startupCameras_.find(FilePath(node.name).leaf());
+    if (node.type != "transform" || camera == startupCameras_.end()) return nullptr;
+    for (Node* each : document_.nodesNamed(camera->second))
+      if (each->isDefault() && each->type().name == "transform") return each;
+    return nullptr;
+  }
+
+  /// A default node of the hierarchy goes where the file has it, behind those that came before.
+  Result<void> putInPlace(const MaNode& node, Node& made) {
+    const std::string_view name = FilePath(node.name).leaf();
+    if (made.name() != name) {
+      auto renamed = document_.rename(made, name);
+      if (!renamed) return failWith(std::move(renamed).error());
+    }
+    Node* parent = node.parent.empty() ? nullptr : find(node.parent);
+    const std::vector<Node*>& parents = scene::dagLinks(made).parents;
+    if (parents.size() != 1) return {};
+    if (parents.front() != parent && scene::isTransform(made))
+      return document_.reparent(scene::firstPath(made), parent);
+    return document_.reorder(made, parents.front(), std::numeric_limits<int>::max());
+  }
+
   Node* existing(const MaNode& node) const {
     const std::string_view name = FilePath(node.name).leaf();
+    if (Node* camera = renamedCamera(node)) return camera;
     for (Node* each : document_.nodesNamed(name))
       if (each->type().name == node.type && (each->isDefault() || node.isShared)) return each;
     return nullptr;
@@ -178,6 +228,8 @@ class Loader {
       isThere = false;
       result_.nodes.push_back(made);
     }
+    if (isThere && !node.type.empty() && !options_.isImport && scene::isDagNode(*made))
+      HOST_TRY(putInPlace(node, *made));
     if (!node.type.empty()) {
       nodes_[FilePath(node.name).leaf()].push_back(made);
       fileNames_[made] = FilePath(node.name).leaf();
@@ -332,8 +384,10 @@ class Loader {
   void summarize() {
     for (const auto& [type, seen] : unknownTypes_)
       warn(seen.offset,
-           fmt::format("the node type '{}' is not known: its nodes ({}) are kept, but do nothing",
-                       type, seen.count));
+           fmt::format("the node type '{}' is not known: its nodes ({}) are kept, but {}", type,
+                       seen.count,
+                       passing_.contains(std::string(type)) ? "let meshes through unchanged"
+                                                            : "do nothing"));
     for (const auto& [type, names] : unknownAttributes_) {
       std::string list;
       for (const std::string_view name : names) {
@@ -375,6 +429,8 @@ class Loader {
   std::map<std::string_view, Seen> unknownTypes_;
   std::map<std::string, std::set<std::string_view>> unknownAttributes_;
   std::size_t keptConnections_ = 0, warningCount_ = 0;
+  std::unordered_map<std::string, bool> passing_;
+  std::unordered_map<std::string_view, std::string_view> startupCameras_;
 };
 
 }  // namespace

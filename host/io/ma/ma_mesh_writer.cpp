@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "host/base/parallel.h"
+#include "host/io/finite_mesh.h"
 #include "host/io/ma/ma_normals.h"
 #include "host/io/ma/ma_numbers.h"
 
@@ -81,28 +82,6 @@ void appendText(std::string& out, std::string_view path, std::string_view text) 
   out += fmt::format("\tsetAttr \"{}\" -type \"string\" ", path);
   appendQuoted(out, text);
   out += ";\n";
-}
-
-bool isFinite(std::span<const float> numbers) {
-  return std::ranges::all_of(numbers, [](float number) { return std::isfinite(number); });
-}
-template <class Element>
-bool areFinite(const Element* elements, std::size_t count) {
-  return count == 0 || isFinite({&reinterpret_cast<const float&>(*elements),
-                                 count * sizeof(Element) / sizeof(float)});
-}
-
-Result<void> checkFinite(const Mesh& mesh) {
-  bool isGood = areFinite(mesh.points().data(), mesh.points().size());
-  for (int s = 0; s < mesh.uvSetCount(); ++s)
-    isGood = isGood && areFinite(mesh.uvSet(s).points.data(), mesh.uvSet(s).points.size());
-  for (int s = 0; s < mesh.colorSetCount(); ++s)
-    isGood = isGood && areFinite(mesh.colorSet(s).colors.data(), mesh.colorSet(s).colors.size());
-  const auto& normals = mesh.lockedNormals().normals;
-  isGood = isGood && areFinite(normals.data(), normals.size()) && isFinite(mesh.creases().edges) &&
-           isFinite(mesh.creases().vertices);
-  if (isGood) return {};
-  return fail("points, UVs, normals, colours or creases are not finite numbers");
 }
 
 void appendUvSets(std::string& out, const Mesh& mesh) {
@@ -243,11 +222,12 @@ bool isBlank(const Mesh& mesh) {
          mesh.uvSet(0).points.empty() && mesh.colorSetCount() == 0;
 }
 
-Result<void> appendMesh(std::string& out, const Mesh& mesh, double unit) {
-  HOST_TRY(checkFinite(mesh));
-  if (isBlank(mesh)) return {};
+MaMeshLosses appendMesh(std::string& out, const Mesh& mesh, double unit) {
+  MaMeshLosses losses;
+  if (isBlank(mesh)) return losses;
   Mesh written = mesh;
-  (void)hardenAlongNormals(written);
+  losses.notFinite = makeFinite(written);
+  losses.hardened = hardenAlongNormals(written);
   appendUvSets(out, written);
   appendColorSets(out, written);
   appendPoints(out, written, unit);
@@ -261,11 +241,11 @@ Result<void> appendMesh(std::string& out, const Mesh& mesh, double unit) {
               at(written.faceCount()), kFacesAChunk, [&](std::string& text, std::size_t i) {
                 appendFace(text, written, static_cast<FaceId>(i));
               });
-  if (written.vertexCount() == 0) return {};
+  if (written.vertexCount() == 0) return losses;
   appendWeights(out, ".cd", "Edge", written.creases().edges);
   appendWeights(out, ".cvd", "Vertex", written.creases().vertices);
   appendHidden(out, written.invisibleFaces());
-  return {};
+  return losses;
 }
 
 }  // namespace host::io

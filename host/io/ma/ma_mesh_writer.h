@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "host/base/result.h"
 #include "host/mesh/mesh.h"
 
 namespace host::io {
@@ -11,9 +10,13 @@ namespace host::io {
 /// faces. Lengths are divided by `unit`, cm a unit. Linear, on all cores.
 ///
 /// A fan of corners has one normal in the format: edges between corners whose locked normals differ
-/// are written as hard.
-/// @return an error, with nothing appended, when the mesh has numbers that are not finite.
-Result<void> appendMesh(std::string& out, const mesh::Mesh& mesh, double unit);
+/// are written as hard. Numbers that are not finite are written as 0.
+/// @return what the text does not say as the mesh has it
+struct MaMeshLosses {
+  std::size_t notFinite = 0;  ///< numbers written as 0
+  Index hardened = 0;         ///< smooth edges written as hard
+};
+MaMeshLosses appendMesh(std::string& out, const mesh::Mesh& mesh, double unit);
 
 /// Whether a mesh is as good as none: no vertices, and only the set that every mesh has.
 [[nodiscard]] bool isBlank(const mesh::Mesh& mesh);

@@ -84,13 +84,12 @@ MaNodeWriter::MaNodeWriter(dg::Graph& graph, const scene::Units& units, dg::Node
     visitUpwards(connection.source, [&](const Plug& plug) { wired_.insert(plug); });
 }
 
-Result<void> MaNodeWriter::write(std::string& out) {
+void MaNodeWriter::write(std::string& out) {
   const std::vector<dg::AttributePtr>& dynamic = node_.dynamicAttributes();
   for (const dg::AttributePtr& attribute : dynamic) addAttribute(out_, *attribute, nullptr);
   for (const dg::AttributePtr& attribute : node_.type().attributes())
     if (leftOut_.count(attribute->longName) == 0) visit(node_.plug(attribute.get()));
   for (const dg::AttributePtr& attribute : dynamic) visit(node_.plug(attribute.get()));
-  if (!fault_.empty()) return fail("'{}' is not a finite number and cannot be saved", fault_);
   if (!aliases_.empty())
     out_ +=
         "\taddAttr -ci true -h true -sn \"aal\" -ln \"attributeAliasList\" -dt "
@@ -98,7 +97,6 @@ Result<void> MaNodeWriter::write(std::string& out) {
         "\tsetAttr \".aal\" -type \"attributeAlias\" {" +
         aliases_ + "} ;\n";
   out += out_;
-  return {};
 }
 
 void MaNodeWriter::line(const std::string& switchWords, const Plug& plug,

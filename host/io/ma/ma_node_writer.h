@@ -23,8 +23,10 @@ class MaNodeWriter {
 
   /// Leaves out attributes, by their top-level long name.
   void leaveOut(std::string_view attribute) { leftOut_.emplace(attribute); }
-  /// @return an error naming a value that no file can hold.
-  Result<void> write(std::string& out);
+  /// Numbers that are not finite are written as 0.
+  void write(std::string& out);
+  /// The first plug with such a number; empty when there was none.
+  [[nodiscard]] const std::string& notFinite() const { return fault_; }
 
  private:
   void addAttribute(std::string& out, const dg::Attribute& attribute,

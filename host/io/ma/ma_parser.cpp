@@ -5,7 +5,7 @@
 #include "host/io/ma/ma_file.h"
 #include "host/io/ma/ma_mesh_rows.h"
 #include "host/io/ma/ma_tokens.h"
-#include "host/io/mapped_file.h"
+#include "host/io/whole_file.h"
 
 namespace host::io {
 namespace {
@@ -345,7 +345,9 @@ class Parser {
 
   void reference() {
     (void)in_.restOfStatement();
-    if (!in_.hasFault()) warn("references to other files are not followed");
+    if (in_.hasFault()) return;
+    (file_.nodes.empty() ? file_.early : file_.late).push_back(in_.rawStatement());
+    warn("references to other files are not followed; the statement is kept");
   }
 
   void unknown(std::string_view command) {
@@ -409,9 +411,9 @@ std::string MaFile::message(std::size_t offset, std::string_view reason) const {
 }
 
 Result<MaFile> readMa(const std::string& path) {
-  auto mapped = MappedFile::open(path);
-  if (!mapped) return failWith(std::move(mapped).error());
-  auto kept = std::make_shared<MappedFile>(*std::move(mapped));
+  auto content = FileContent::read(path);
+  if (!content) return failWith(std::move(content).error());
+  auto kept = std::make_shared<FileContent>(*std::move(content));
   MaFile file;
   file.name = path;
   file.text = kept->text();

@@ -28,9 +28,10 @@ bool appendCounted(std::string& text, std::string_view type, const std::vector<E
   for (const Element& element : elements) {
     if (written++ % 16 == 15) text += "\n\t\t";
     for (const auto number : numbers(element)) {
-      isGood = isGood && std::isfinite(static_cast<double>(number));
+      const bool isFinite = std::isfinite(static_cast<double>(number));
+      isGood = isGood && isFinite;
       text += ' ';
-      appendNumber(text, number);
+      appendNumber(text, isFinite ? number : decltype(number){});
     }
   }
   text += ' ';
@@ -56,7 +57,7 @@ Written appendPayload(std::string& text, const dg::DataPtr& data) {
       const double number = matrix->value[i / 4][i % 4];
       isGood = isGood && std::isfinite(number);
       text += ' ';
-      appendNumber(text, number);
+      appendNumber(text, std::isfinite(number) ? number : 0.0);
     }
   } else if (const auto* list = dg::dataAs<scene::ComponentListData>(value)) {
     appendComponents(text, list->value);

@@ -4,11 +4,14 @@
 
 #include <algorithm>
 #include <optional>
+#include <unordered_map>
 #include <unordered_set>
 
+#include "host/io/ma/ma_held_meshes.h"
 #include "host/io/ma/ma_mesh_writer.h"
 #include "host/io/ma/ma_node_writer.h"
 #include "host/io/ma/ma_numbers.h"
+#include "host/io/ma/ma_passes.h"
 #include "host/nodes/mesh_node.h"
 #include "host/nodes/mesh_shape.h"
 
@@ -43,13 +46,16 @@ class Writer {
     writeHeader();
     for (Node* node : order_)
       if (isMadeByFiles(*node)) HOST_TRY(writeNode(*node));
+    writeHeldMeshes();
     writeInstances();
     for (Node* node : order_)
       if (!isMadeByFiles(*node)) HOST_TRY(writeSelected(*node));
     if (!options_.only)
       for (const std::string& block : kept_.selected) out() += block + ";\n";
+    findPasses();
     for (Node* node : order_) writeConnections(*node);
     writeKeptConnections();
+    out() += heldConnections_;
     writeLinks();
     if (!options_.only)
       for (const std::string& statement : kept_.late) out() += statement + ";\n";
@@ -111,6 +117,11 @@ class Writer {
     const Plug override = node.plug(nodes::kMeshOverrideAttribute);
     if (!override) return false;
     if (!options_.withHistory && nodes::hasHistory(node)) return true;
+    // What feeds it is not written along.
+    if (options_.only && nodes::hasHistory(node) &&
+        std::ranges::find(*options_.only, graph_.source(node.plug("inMesh")).node()) ==
+            options_.only->end())
+      return true;
     const dg::Value stored = graph_.stored(override);
     const auto* data = std::get_if<dg::DataPtr>(&stored);
     return data && *data;
@@ -208,7 +219,10 @@ class Writer {
     if (options_.leavesOut && !node.type().pluginName.empty())
       for (const dg::AttributePtr& attribute : node.type().attributes())
         if (options_.leavesOut(node.plug(attribute.get()))) writer.leaveOut(attribute->longName);
-    HOST_TRY(writer.write(out()));
+    writer.write(out());
+    if (!writer.notFinite().empty())
+      result_.warnings.push_back(
+          fmt::format("'{}' is not a finite number: it is saved as 0", writer.notFinite()));
     if (isMesh) HOST_TRY(writeMesh(node));
     if (const MaKept::Node* kept = kept_.find(node))
       for (const std::string& line : kept->lines) out() += "\t" + line + ";\n";
@@ -225,10 +239,48 @@ class Writer {
                       node.name()));
     auto mesh = isBaked ? nodes::evaluatedMesh(node) : nodes::untweakedMesh(node);
     if (!mesh) return failWith(std::move(mesh).error());
-    if (auto done = appendMesh(out(), *mesh, scene::centimetersPer(document_.units().linear));
-        !done)
-      return fail("'{}' cannot be saved: {}", node.name(), done.error().message);
+    appendMeshOf(node.name(), *mesh);
     return {};
+  }
+
+  void appendMeshOf(const std::string& name, const mesh::Mesh& mesh) {
+    const MaMeshLosses lost =
+        appendMesh(out(), mesh, scene::centimetersPer(document_.units().linear));
+    if (lost.notFinite > 0)
+      result_.warnings.push_back(
+          fmt::format("'{}': {} numbers that are not finite are saved as 0", name, lost.notFinite));
+    if (lost.hardened > 0)
+      result_.warnings.push_back(
+          fmt::format("'{}': {} smooth edges are saved as hard ones, because locked normals differ "
+                      "across them and the format has no other way to say so",
+                      name, lost.hardened));
+  }
+
+  /// Meshes that history holds and nobody gives it get a shape of their own, hidden beside the one
+  /// that shows them.
+  void writeHeldMeshes() {
+    std::unordered_set<std::string> taken;
+    for (const HeldMesh& held : heldMeshes(
+             graph_, order_, [&](const Node& node) { return isWritten_.count(&node) != 0; })) {
+      const std::string stem = held.shape->name() + "Orig";
+      std::string name = stem;
+      for (int number = 1; !document_.nodesNamed(name).empty() || taken.contains(name); ++number)
+        name = stem + std::to_string(number);
+      taken.insert(name);
+      out() += fmt::format("createNode mesh -n \"{}\" -p \"{}\";\n\tsetAttr \".io\" yes;\n", name,
+                           nameOf(*scene::dagLinks(*held.shape).parents.front()));
+      appendMeshOf(name, held.mesh);
+      heldConnections_ += fmt::format("connectAttr \"{}.o\" \"{}\";\n", name, plugName(held.input));
+    }
+  }
+
+  /// Where meshes go past unknown nodes, and where those nodes' own connections lead.
+  void findPasses() {
+    for (const MaKept::Pass& pass : kept_.passes) {
+      const Plug end = currentEnd(graph_, pass);
+      passEnds_[pass.connection] = end;
+      if (end) passed_.insert(end);
+    }
   }
 
   Result<void> writeNode(Node& node) {
@@ -290,7 +342,7 @@ class Writer {
   void writeConnections(const Node& node) {
     for (const dg::Graph::Connection& connection : graph_.outgoing(node)) {
       if (isWritten_.count(connection.destination.node()) == 0 || isCut(connection) ||
-          isLink(connection.destination))
+          isLink(connection.destination) || passed_.count(connection.destination) != 0)
         continue;
       const bool areLayers =
           isMadeByFiles(node) && node.isDefault() && isMadeByFiles(*connection.destination.node());
@@ -302,14 +354,20 @@ class Writer {
   }
 
   void writeKeptConnections() {
-    for (const MaKept::Connection& kept : kept_.connections) {
+    for (std::size_t i = 0; i < kept_.connections.size(); ++i) {
+      const MaKept::Connection& kept = kept_.connections[i];
       const auto from = kept.source.lock(), to = kept.destination.lock();
       if (!from || !to || !from->isAlive() || !to->isAlive()) continue;
       if (isWritten_.count(from.get()) == 0 || isWritten_.count(to.get()) == 0) continue;
+      std::string destination = nameOf(*to) + "." + kept.destinationPath;
+      if (const auto pass = passEnds_.find(i); pass != passEnds_.end()) {
+        if (!pass->second || isWritten_.count(pass->second.node()) == 0) continue;
+        destination = plugName(pass->second);
+      }
       out() += "connectAttr ";
       appendQuoted(out(), nameOf(*from) + "." + kept.sourcePath);
       out() += ' ';
-      appendQuoted(out(), nameOf(*to) + "." + kept.destinationPath);
+      appendQuoted(out(), destination);
       out() += kept.toNextAvailable ? " -na;\n" : ";\n";
     }
   }
@@ -353,6 +411,9 @@ class Writer {
   MaText result_;
   std::vector<Node*> order_;
   std::unordered_set<const Node*> isWritten_, baked_, feeders_;
+  std::string heldConnections_;
+  std::unordered_map<std::size_t, Plug> passEnds_;  ///< by the number of the kept connection
+  std::unordered_set<Plug, dg::PlugHash> passed_;
 };
 
 }  // namespace

@@ -216,11 +216,23 @@ void registerHistoryBaseTypes(dg::TypeRegistry& types) {
   world.affects({inputMatrix, worldSpace, manipMatrix}, {out});
   world.finish();
 
+  TypeBuilder uvs(types, "polyModifierUV", "polyModifierWorld");
+  uvs.setAbstract();
+  uvs.affects({uvs.add(text("uvSetName", "uvs"))}, {out});
+  uvs.finish();
+
   TypeBuilder(types, "polyCreator", "polyBase").setAbstract().finish();
   TypeBuilder primitive(types, "polyPrimitive", "polyCreator");
   primitive.setAbstract();
   const Attribute* axis = primitive.add(triple("axis", "ax", AttributeType::Double, {0, 1, 0}));
-  primitive.affects({axis}, {out});
+  const Attribute* baseline = primitive.add(distance("heightBaseline", "hbl"));
+  const Attribute* uvSet = primitive.add(text("uvSetName", "uvs"));
+  primitive.affects({axis, baseline, uvSet}, {out});
+  // Tags and warnings are for the shapes and editors of files that come from elsewhere.
+  primitive.add(boolean("paramWarn", "pw", true));
+  primitive.add(boolean("componentTagCreate", "ctc", true));
+  primitive.add(text("componentTagPrefix", "pfx"));
+  primitive.add(text("componentTagSuffix", "sfx"));
   primitive.finish();
 }
 

@@ -94,6 +94,7 @@ class HistoryNodeBuilder {
   HistoryNodeBuilder(dg::TypeRegistry& types, std::string_view name, std::uint32_t id = 0,
                      std::string_view base = "polyModifier");
   HistoryNodeBuilder& parameter(AttributePtr attribute);
+  [[nodiscard]] bool has(std::string_view attribute) { return builder_.has(attribute); }
   void operation(HistoryOperation operation);  ///< registers the type
 
  private:
@@ -108,6 +109,7 @@ class PrimitiveNodeBuilder {
   PrimitiveNodeBuilder(dg::TypeRegistry& types, std::string_view name, std::uint32_t id = 0,
                        std::string_view base = "polyPrimitive");
   PrimitiveNodeBuilder& parameter(AttributePtr attribute);
+  [[nodiscard]] bool has(std::string_view attribute) { return builder_.has(attribute); }
   /// The operation replaces the empty mesh of its context.
   void operation(HistoryOperation operation);  ///< registers the type
 
@@ -115,7 +117,8 @@ class PrimitiveNodeBuilder {
   TypeBuilder builder_;
 };
 
-/// Registers polyBase, polyModifier, polyModifierWorld, polyCreator, polyPrimitive.
+/// Registers polyBase, polyModifier, polyModifierWorld, polyModifierUV (with uvSetName),
+/// polyCreator, polyPrimitive.
 void registerHistoryBaseTypes(dg::TypeRegistry& types);
 
 }  // namespace host::nodes

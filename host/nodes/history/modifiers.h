@@ -6,8 +6,6 @@ namespace host::nodes {
 
 /// Each registers one type of history node.
 void registerPolyTweak(dg::TypeRegistry& types);     ///< adds `tweak` offsets to points
-void registerPolyTweakUv(dg::TypeRegistry& types);   ///< adds `uvTweak` offsets to UVs of a set
-void registerPolySoftEdge(dg::TypeRegistry& types);  ///< hard or smooth edges by angle
 void registerDeleteComponent(
     dg::TypeRegistry& types);  ///< deletes faces, then edges, then vertices
 void registerTransformGeometry(dg::TypeRegistry& types);  ///< moves the whole mesh by a matrix

@@ -35,6 +35,8 @@ class EdgeCutter {
   VertexId cutEvenly(EdgeId edge, int pieces);
   /// Cuts an edge at ascending parameters between 0 and 1, measured from its first vertex.
   VertexId cutAt(EdgeId edge, std::span<const double> parameters);
+  /// Numbers a new edge before those that the faces bring up later.
+  void declareEdge(VertexId a, VertexId b) { rebuilder_.declareEdge(a, b); }
   [[nodiscard]] bool isCut(EdgeId edge) const {
     return cutEdgeOf_[static_cast<std::size_t>(edge)] != kNone;
   }

@@ -23,12 +23,14 @@ class EdgeExtruder {
                const math::Matrix4& inverse)
       : mesh_(mesh), options_(options), inverse_(inverse), rebuilder_(mesh_) {
     for (const EdgeSides& sides : sidesOfEdges(mesh, edges)) addPiece(sides);
+    orderPieces();
   }
 
   ExtrudeEdgesResult run(Mesh& mesh) {
     findRegions();
     collectCopies();
     placeCopies();
+    declareEdges();
     rebuilder_.copyFaces(0, mesh_.faceCount());
     buildSides();
     ExtrudeEdgesResult result;
@@ -79,6 +81,51 @@ class EdgeExtruder {
     const bool isBorder =
         sides.faceCount == 1 && std::count(loop.begin(), loop.end(), sides.edge) == 1;
     pieces_.push_back({sides.edge, sides.first, a, b, isBorder});
+  }
+
+  /// Puts the pieces in the order of the walk.
+  void orderPieces() {
+    std::vector<std::vector<Index>> piecesAt(at(mesh_.vertexCount()));
+    for (std::size_t i = 0; i < pieces_.size(); ++i)
+      for (const CornerId c : {pieces_[i].cornerA, pieces_[i].cornerB})
+        piecesAt[at(mesh_.cornerVertex(c))].push_back(static_cast<Index>(i));
+    std::vector<std::uint8_t> isDone(pieces_.size(), 0);
+    std::vector<Piece> ordered;
+    ordered.reserve(pieces_.size());
+    const auto take = [&](Index i) {
+      isDone[at(i)] = 1;
+      ordered.push_back(pieces_[at(i)]);
+    };
+    const auto walkFrom = [&](VertexId vertex) {
+      for (bool isMoving = true; isMoving;) {
+        isMoving = false;
+        for (const Index i : piecesAt[at(vertex)]) {
+          if (isDone[at(i)] != 0) continue;
+          const VertexId a = mesh_.cornerVertex(pieces_[at(i)].cornerA),
+                         b = mesh_.cornerVertex(pieces_[at(i)].cornerB);
+          take(i);
+          vertex = vertex == a ? b : a;
+          isMoving = true;
+          break;
+        }
+      }
+    };
+    for (std::size_t i = 0; i < pieces_.size(); ++i) {
+      if (isDone[i] != 0) continue;
+      take(static_cast<Index>(i));
+      walkFrom(mesh_.cornerVertex(pieces_[i].cornerB));
+      walkFrom(mesh_.cornerVertex(pieces_[i].cornerA));
+    }
+    pieces_ = std::move(ordered);
+  }
+
+  void declareEdges() {
+    for (const Piece& piece : pieces_)
+      for (int level = 0; level < options_.divisions; ++level) {
+        for (const Index copy : {piece.a, piece.b})
+          rebuilder_.declareEdge(levelVertex(copy, level), levelVertex(copy, level + 1));
+        rebuilder_.declareEdge(levelVertex(piece.a, level + 1), levelVertex(piece.b, level + 1));
+      }
   }
 
   void findRegions() {

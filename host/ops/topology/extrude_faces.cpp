@@ -105,6 +105,7 @@ class FaceExtruder {
       next = f + 1;
     }
     rebuilder_.copyFaces(next, mesh_.faceCount());
+    for (const FaceId f : regions_.wholePieces()) addBack(f);
     for (const auto& rim : regions_.rim())
       for (int level = 0; level < divisions_; ++level) {
         rebuilder_.beginFace(rim.face);
@@ -116,6 +117,15 @@ class FaceExtruder {
       }
   }
 
+  // The face stays behind, turned over: from its first corner backwards.
+  void addBack(FaceId face) {
+    const CornerId first = mesh_.firstCorner(face), end = mesh_.firstCorner(face + 1);
+    rebuilder_.beginFace(face);
+    rebuilder_.addCorner(mesh_.cornerVertex(first), first);
+    for (CornerId c = end - 1; c > first; --c) rebuilder_.addCorner(mesh_.cornerVertex(c), c);
+    rebuilder_.endFace();
+  }
+
   Mesh mesh_;
   const ExtrudeRegions& regions_;
   int divisions_;
@@ -123,6 +133,15 @@ class FaceExtruder {
   std::vector<Index> rimCopies_;
   std::vector<Index> rimPlaces_;  // a copy: where it is among those on the rim
 };
+
+// Backs look the other way, and so do their locked normals.
+void turnLockedNormals(Mesh& mesh, std::span<const FaceId> backs) {
+  if (backs.empty() || mesh.lockedNormals().locked.empty()) return;
+  mesh::LockedNormals& normals = mesh.editLockedNormals();
+  for (const FaceId f : backs)
+    for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c)
+      normals.normals[at(c)] = (math::Vec3(normals.normals[at(c)]) * -1).toFloat();
+}
 
 template <class Data>
 void buildTopology(Data& data, const Mesh& mesh) {
@@ -137,9 +156,12 @@ void buildTopology(Data& data, const Mesh& mesh) {
   result.maps.faces.resize(at(mesh.faceCount()));
   std::iota(result.maps.faces.begin(), result.maps.faces.end(), 0);
   result.caps = data.regions.faces();
-  for (FaceId f = mesh.faceCount(); f < rebuilt.mesh.faceCount(); ++f) result.sides.push_back(f);
+  const auto backs = static_cast<Index>(data.regions.wholePieces().size());
+  for (FaceId f = mesh.faceCount(); f < rebuilt.mesh.faceCount(); ++f)
+    (f < mesh.faceCount() + backs ? result.backs : result.sides).push_back(f);
   data.mesh = std::move(rebuilt.mesh);
   data.softened = detachSideFaces(data.mesh, result.sides);
+  turnLockedNormals(data.mesh, result.backs);
 }
 
 // Places the new points of a mesh with the plan's topology and softens the sides.

@@ -16,6 +16,7 @@ struct ExtrudeFacesOptions : ExtrudePlacement {
 struct ExtrudeFacesResult {
   EditMaps maps;              ///< extruded faces keep their ids
   std::vector<FaceId> caps;   ///< the extruded faces, ascending
+  std::vector<FaceId> backs;  ///< what stays behind of pieces that were extruded whole
   std::vector<FaceId> sides;  ///< new quads, in order
 };
 
@@ -25,8 +26,10 @@ struct ExtrudeFacesResult {
 /// the order in which the faces' corners meet them; with more divisions the rims between follow,
 /// from the base up. Old vertices and edges that no face uses any more go, ids close up. New edges
 /// follow the old ones: for each face in order the spokes and edge of each piece of rim, then the
-/// edges within the region. Sides follow all old faces, one rim edge after the other, from the base
-/// up; each is (old a, old b, new b, new a) along the extruded face. Extruded faces keep UVs,
+/// edges within the region. A region that is all of a piece of the mesh with a border leaves its
+/// faces behind, turned over, so that the result is closed: they follow all old faces in order,
+/// each from its first corner backwards. Sides come last, one rim edge after the other, from the
+/// base up; each is (old a, old b, new b, new a) along the extruded face. Extruded faces keep UVs,
 /// colours and locked normals; sides have UVs without area along the rim, edges within a region
 /// keep smoothness and crease. Linear in the mesh.
 /// @return what became of components, or an error for a bad id or number or a space without

@@ -22,8 +22,8 @@ struct ExtrudePlacement {
   double taper = 1;      ///< scale about the region's centre, reached at the last division
   double twist = 0;      ///< about the region's normal, reached at the last division, radians
   ExtrudeTransform
-      local;  ///< in the region's frame: z along its mean normal, origin at its centre;
-              ///< its translation along z moves the planes of all its faces out
+      local;  ///< in the region's frame: z along its mean normal, origin at its centre; its
+              ///< translation along z goes along the unit mean normal of the faces at each point
   ExtrudeTransform world;  ///< in the space below, about the pivot
   std::optional<math::Vec3>
       pivot;            ///< of the world transform; by default the centre of all that is extruded

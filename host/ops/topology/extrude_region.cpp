@@ -35,6 +35,34 @@ ExtrudeRegions::ExtrudeRegions(const Mesh& mesh, std::vector<FaceId> faces, bool
   }
   findOutwards(normals);
   collectRim(mesh, keepFacesTogether, normals);
+  findWholePieces(mesh);
+}
+
+void ExtrudeRegions::findWholePieces(const Mesh& mesh) {
+  constexpr Index kBetween = -2;  // edges that faces of two regions share belong to neither
+  std::vector<Index> regionAtEdge(at(mesh.edgeCount()), kNone);
+  std::vector<std::uint8_t> isWhole(regions_.size(), 1), hasRim(regions_.size(), 0);
+  for (std::size_t i = 0; i < faces_.size(); ++i)
+    for (const EdgeId e : mesh.faceEdges(faces_[i])) {
+      Index& region = regionAtEdge[at(e)];
+      if (region != kNone && region != regionOf_[i]) {
+        isWhole[at(regionOf_[i])] = 0;
+        if (region != kBetween) isWhole[at(region)] = 0;
+        region = kBetween;
+      } else {
+        region = regionOf_[i];
+      }
+    }
+  const std::vector<std::uint8_t> isListed = flagsOf(faces_, mesh.faceCount());
+  for (FaceId f = 0; f < mesh.faceCount(); ++f) {
+    if (isListed[at(f)] != 0) continue;
+    for (const EdgeId e : mesh.faceEdges(f))
+      if (const Index region = regionAtEdge[at(e)]; region >= 0) isWhole[at(region)] = 0;
+  }
+  for (const RimEdge& rim : rim_) hasRim[at(copies_[at(rim.a)].region)] = 1;
+  for (std::size_t i = 0; i < faces_.size(); ++i)
+    if (isWhole[at(regionOf_[i])] != 0 && hasRim[at(regionOf_[i])] != 0)
+      wholePieces_.push_back(faces_[i]);
 }
 
 void ExtrudeRegions::findOutwards(std::span<const Vec3> normals) {
@@ -59,6 +87,7 @@ void ExtrudeRegions::findOutwards(std::span<const Vec3> normals) {
     Vec3& outwards = copies_[i].outwards;
     const Sums& s = sums[i];
     const Vec3 mean = math::normalized(outwards);
+    copies_[i].normal = mean;
     if (math::length(outwards) >= s.count * (1 - kFlat) || mean == Vec3()) {
       outwards = mean;
       continue;
@@ -113,7 +142,7 @@ void ExtrudeRegions::collectCopies(const Mesh& mesh, const math::Matrix4& space)
         copy = static_cast<Index>(copies_.size());
         const Vec3 p = mesh.point(v);
         copies_.push_back(
-            {v, regionOf_[i], isPlain ? p : math::transformPoint(p, space), {}, {}, false});
+            {v, regionOf_[i], isPlain ? p : math::transformPoint(p, space), {}, {}, {}, false});
         older.push_back(newest[at(v)]);
         newest[at(v)] = copy;
         region.centre += copies_.back().point;

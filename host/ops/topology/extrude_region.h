@@ -20,6 +20,7 @@ class ExtrudeRegions {
     math::Vec3 point;
     math::Vec3 outwards;  ///< moves the planes of the region's faces there out by one, as far as
                           ///< one point can; no longer than 4
+    math::Vec3 normal;    ///< unit mean of the unit normals of the region's faces there
     math::Vec3 inset;     ///< moves the rim edges there by one
     bool isOnRim = false;
   };
@@ -38,6 +39,9 @@ class ExtrudeRegions {
   [[nodiscard]] const std::vector<Copy>& copies() const { return copies_; }
   /// In order of the faces, then of their corners.
   [[nodiscard]] const std::vector<RimEdge>& rim() const { return rim_; }
+  /// Listed faces of regions that are all of a piece of the mesh with a border: nothing is left
+  /// below them.
+  [[nodiscard]] const std::vector<FaceId>& wholePieces() const { return wholePieces_; }
   /// The copies that the corners of the i-th face become.
   [[nodiscard]] std::span<const Index> copiesOfFace(std::size_t i) const {
     return {cornerCopies_.data() + firstCorner_[i], cornerCopies_.data() + firstCorner_[i + 1]};
@@ -52,7 +56,7 @@ class ExtrudeRegions {
       const Copy& copy = copies_[i];
       visit(static_cast<Index>(i), movers[static_cast<std::size_t>(copy.region)].place(
                                        copy.point, copy.inset * placement.offset,
-                                       copy.outwards * placement.thickness, copy.outwards));
+                                       copy.outwards * placement.thickness, copy.normal));
     }
   }
 
@@ -65,6 +69,7 @@ class ExtrudeRegions {
   void collectCopies(const Mesh& mesh, const math::Matrix4& space);
   void findOutwards(std::span<const math::Vec3> normals);
   void collectRim(const Mesh& mesh, bool keepFacesTogether, std::span<const math::Vec3> normals);
+  void findWholePieces(const Mesh& mesh);
   [[nodiscard]] std::vector<ExtrudeMover> moversOf(const ExtrudePlacement& placement,
                                                    double t) const;
 
@@ -73,6 +78,7 @@ class ExtrudeRegions {
   std::vector<Region> regions_;
   std::vector<Copy> copies_;
   std::vector<RimEdge> rim_;
+  std::vector<FaceId> wholePieces_;
   std::vector<std::size_t> firstCorner_;  // a listed face, and the end
   std::vector<Index> cornerCopies_;
 };

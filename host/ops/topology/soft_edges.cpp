@@ -15,18 +15,23 @@ std::size_t at(Index i) {
   return static_cast<std::size_t>(i);
 }
 
-bool isWithin(const Mesh& mesh, FaceId f, FaceId g, double angle) {
-  const math::Vec3 a = mesh::faceNormal(mesh, f), b = mesh::faceNormal(mesh, g);
+bool isWithin(const Mesh& mesh, FaceId f, FaceId g, double angle, const math::Matrix4* space) {
+  math::Vec3 a = mesh::faceNormal(mesh, f), b = mesh::faceNormal(mesh, g);
+  if (space) {
+    a = math::transformNormal(a, *space);
+    b = math::transformNormal(b, *space);
+  }
   if (math::lengthSquared(a) == 0 || math::lengthSquared(b) == 0) return true;
   return std::atan2(math::length(math::cross(a, b)), math::dot(a, b)) <= angle + kAngleSlack;
 }
 
-bool isSmoothAt(const Mesh& mesh, const EdgeSides& sides, double angle) {
+bool isSmoothAt(const Mesh& mesh, const EdgeSides& sides, double angle,
+                const math::Matrix4* space) {
   if (angle <= 0) return false;
   if (angle >= std::numbers::pi) return true;
   if (sides.faceCount > 2) return false;
   if (sides.faceCount < 2) return mesh.isEdgeSmooth(sides.edge);
-  return isWithin(mesh, sides.first, sides.second, angle);
+  return isWithin(mesh, sides.first, sides.second, angle, space);
 }
 
 }  // namespace
@@ -50,12 +55,13 @@ std::vector<EdgeSides> sidesOfEdges(const Mesh& mesh, std::span<const EdgeId> ed
   return sides;
 }
 
-void softenSides(Mesh& mesh, std::span<const EdgeSides> sides, double angle) {
+void softenSides(Mesh& mesh, std::span<const EdgeSides> sides, double angle,
+                 const math::Matrix4* space) {
   std::vector<std::uint8_t> isSmooth;
   isSmooth.reserve(sides.size());
   bool isChanged = false;
   for (const EdgeSides& entry : sides) {
-    isSmooth.push_back(isSmoothAt(mesh, entry, angle) ? 1 : 0);
+    isSmooth.push_back(isSmoothAt(mesh, entry, angle, space) ? 1 : 0);
     isChanged |= (isSmooth.back() != 0) != mesh.isEdgeSmooth(entry.edge);
   }
   if (!isChanged) return;
@@ -65,10 +71,13 @@ void softenSides(Mesh& mesh, std::span<const EdgeSides> sides, double angle) {
   mesh.setEdgeSmooth(std::move(flags));
 }
 
-Result<void> softenEdges(Mesh& mesh, std::span<const EdgeId> edges, double angle) {
+Result<void> softenEdges(Mesh& mesh, std::span<const EdgeId> edges, double angle,
+                         const math::Matrix4& space) {
   HOST_TRY(checkIds("edge", edges, mesh.edgeCount()));
   if (!std::isfinite(angle)) return fail("The angle must be a finite number");
-  if (!edges.empty()) softenSides(mesh, sidesOfEdges(mesh, sortedIds(edges)), angle);
+  if (edges.empty()) return {};
+  const bool isOwnSpace = space == math::Matrix4();
+  softenSides(mesh, sidesOfEdges(mesh, sortedIds(edges)), angle, isOwnSpace ? nullptr : &space);
   return {};
 }
 

@@ -2,6 +2,7 @@
 
 #include <span>
 
+#include "host/math/matrix4.h"
 #include "host/ops/topology/edit_maps.h"
 
 namespace host::ops {
@@ -13,8 +14,10 @@ namespace host::ops {
 /// their state and non-manifold ones become hard. Nothing else changes. Linear in the mesh's
 /// corners, at the cost of reading them once.
 /// @param angle radians
+/// @param space from object space to the one that angles are measured in
 /// @return an error for a bad id or an angle that is no number, with `mesh` untouched.
-[[nodiscard]] Result<void> softenEdges(Mesh& mesh, std::span<const EdgeId> edges, double angle);
+[[nodiscard]] Result<void> softenEdges(Mesh& mesh, std::span<const EdgeId> edges, double angle,
+                                       const math::Matrix4& space = {});
 
 /// An edge with the faces at its sides.
 struct EdgeSides {
@@ -27,8 +30,9 @@ struct EdgeSides {
 /// adjacency.
 [[nodiscard]] std::vector<EdgeSides> sidesOfEdges(const Mesh& mesh, std::span<const EdgeId> edges);
 
-/// Does what softenEdges() does for edges whose sides are known. Linear in the edges; copies the
-/// flags of all edges when one changes.
-void softenSides(Mesh& mesh, std::span<const EdgeSides> sides, double angle);
+/// Does what softenEdges() does for edges whose sides are known; no space: object space. Linear in
+/// the edges; copies the flags of all edges when one changes.
+void softenSides(Mesh& mesh, std::span<const EdgeSides> sides, double angle,
+                 const math::Matrix4* space = nullptr);
 
 }  // namespace host::ops

@@ -31,10 +31,7 @@ class RingSplitter {
     findFaces();
     matchEnds();
     SplitRingResult result;
-    for (std::size_t i = 0; i < edges_.size(); ++i) {
-      const VertexId first = cutter_.cutAt(edges_[i], parametersOf(i));
-      for (int k = 0; k < divisions_; ++k) result.vertices.push_back(first + k);
-    }
+    walkRings(result.vertices);
     auto crossing = crossings_.begin();
     cutter_.buildFaces(
         [&](FaceId f) { return crossing != crossings_.end() && crossing->face == f; },
@@ -107,6 +104,64 @@ class RingSplitter {
     isTurned_[at(other)] =
         static_cast<std::uint8_t>(isAlike ? isTurned_[at(i)] : 1 - isTurned_[at(i)]);
     open.push_back(other);
+  }
+
+  void walkRings(std::vector<VertexId>& vertices) {
+    firsts_.assign(edges_.size(), kNone);
+    isWalked_.assign(crossings_.size(), 0);
+    if (options_.rootEdge != kNone && place_[at(options_.rootEdge)] != kNone)
+      walkFrom(place_[at(options_.rootEdge)], vertices);
+    for (std::size_t i = 0; i < edges_.size(); ++i) walkFrom(static_cast<Index>(i), vertices);
+  }
+
+  void walkFrom(Index seed, std::vector<VertexId>& vertices) {
+    if (firsts_[at(seed)] != kNone) return;
+    cut(seed, vertices);
+    for (const Index start : facesOf_[at(seed)]) {
+      Index from = seed;
+      for (Index crossing = start; crossing != kNone && isWalked_[at(crossing)] == 0;) {
+        const Index to = acrossFrom(crossings_[at(crossing)], from);
+        if (to == kNone) break;
+        isWalked_[at(crossing)] = 1;
+        const bool isNew = firsts_[at(to)] == kNone;
+        if (isNew) cut(to, vertices);
+        for (int k = 0; k < divisions_; ++k)
+          cutter_.declareEdge(divisionVertex(from, k), divisionVertex(to, k));
+        if (!isNew) break;
+        crossing = otherFace(to, crossing);
+        from = to;
+      }
+    }
+  }
+
+  void cut(Index i, std::vector<VertexId>& vertices) {
+    firsts_[at(i)] = cutter_.cutAt(edges_[at(i)], parametersOf(at(i)));
+    const VertexId first = firsts_[at(i)], last = first + divisions_ - 1;
+    for (VertexId v = first; v <= last; ++v) {
+      vertices.push_back(v);
+      cutter_.declareEdge(v, v < last ? v + 1 : mesh_.edge(edges_[at(i)]).b);
+    }
+  }
+
+  // The k-th new vertex from the end of an edge that counts as the first.
+  [[nodiscard]] VertexId divisionVertex(Index i, int k) const {
+    return firsts_[at(i)] + (isTurned_[at(i)] != 0 ? divisions_ - 1 - k : k);
+  }
+
+  // The other of the two edges that are divided in a face; none where there are more.
+  [[nodiscard]] Index acrossFrom(const Crossing& crossing, Index from) const {
+    if (crossing.corners.size() != 2) return kNone;
+    const auto edges = mesh_.faceEdges(crossing.face);
+    const Index a = place_[at(edges[at(crossing.corners[0])])],
+                b = place_[at(edges[at(crossing.corners[1])])];
+    return a == b ? kNone : a == from ? b : a;
+  }
+
+  // The face on the other side of an edge, by its crossing.
+  [[nodiscard]] Index otherFace(Index i, Index crossing) const {
+    for (const Index other : facesOf_[at(i)])
+      if (other != crossing) return other;
+    return kNone;
   }
 
   [[nodiscard]] std::vector<double> parametersOf(std::size_t i) const {
@@ -187,6 +242,8 @@ class RingSplitter {
   std::vector<Crossing> crossings_;
   std::vector<std::vector<Index>> facesOf_;  // a listed edge: its faces among the crossings
   std::vector<std::uint8_t> isTurned_;       // a listed edge: its second end counts as the first
+  std::vector<VertexId> firsts_;             // a listed edge: the first of its new vertices
+  std::vector<std::uint8_t> isWalked_;       // a crossing
 };
 
 }  // namespace

@@ -226,4 +226,26 @@ void copyUvs(Mesh& mesh, int from, int to) {
   mesh.setUvSet(to, std::move(copied));
 }
 
+void copyUvsOfFaces(Mesh& mesh, int from, int to, std::span<const FaceId> faces) {
+  if (from == to) return;
+  if (static_cast<Index>(faces.size()) == mesh.faceCount()) return copyUvs(mesh, from, to);
+  const UvSet source = mesh.uvSet(from);
+  const std::vector<UvId> before = uvsOfFaces(mesh, to, faces);
+  UvSet& set = mesh.editUvSet(to);
+  std::vector<UvId>& ids = writableCornerIds(set, mesh.cornerCount());
+  std::unordered_map<UvId, UvId> copied;
+  for (const FaceId f : faces)
+    for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c) {
+      const UvId old = source.cornerIds.empty() ? kNone : source.cornerIds[at(c)];
+      if (old == kNone) {
+        ids[at(c)] = kNone;
+        continue;
+      }
+      const auto [entry, isNew] = copied.try_emplace(old, static_cast<UvId>(set.points.size()));
+      if (isNew) set.points.push_back(source.points[at(old)]);
+      ids[at(c)] = entry->second;
+    }
+  dropUnusedUvs(set, before);
+}
+
 }  // namespace host::ops

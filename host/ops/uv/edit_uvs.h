@@ -52,5 +52,8 @@ Index mergeUvs(mesh::Mesh& mesh, int uvSet, std::span<const UvId> uvs, double di
 
 /// Replaces all UVs of a set by those of another one; its name stays.
 void copyUvs(mesh::Mesh& mesh, int from, int to);
+/// The same for some faces: UVs that they share there they share here, behind the ones that were
+/// there; faces without UVs in `from` have none then.
+void copyUvsOfFaces(mesh::Mesh& mesh, int from, int to, std::span<const FaceId> faces);
 
 }  // namespace host::ops

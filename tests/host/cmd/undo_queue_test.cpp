@@ -20,11 +20,15 @@ struct World {
   class Letter final : public dg::Change {
    public:
     Letter(std::string& text, char letter) : text_(text), letter_(letter) {}
-    void undo() override {
+    Result<void> undo() override {
       REQUIRE(text_.back() == letter_);
       text_.pop_back();
+      return {};
     }
-    void redo() override { text_ += letter_; }
+    Result<void> redo() override {
+      text_ += letter_;
+      return {};
+    }
 
    private:
     std::string& text_;

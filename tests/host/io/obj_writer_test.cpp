@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "host/io/mapped_file.h"
+#include "host/io/whole_file.h"
 #include "host/io/obj_reader.h"
 #include "host/mesh/adjacency.h"
 

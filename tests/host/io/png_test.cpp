@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <string>
 
-#include "host/io/mapped_file.h"
+#include "host/io/whole_file.h"
 #include "host/io/png_reader.h"
 #include "host/io/png_writer.h"
 

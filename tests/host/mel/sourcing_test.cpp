@@ -46,7 +46,8 @@ class Shelves {
 
 }  // namespace
 
-TEST_CASE("source looks in the working folder, beside the script that runs, then along the path") {
+TEST_CASE(
+    "source looks beside the script that runs and along the path, never where one happens to be") {
   Shelves shelves;
   shelves.write("second/tool.mel", "print \"second\";");
   CHECK(shelves.run("source tool") == "second");
@@ -57,7 +58,10 @@ TEST_CASE("source looks in the working folder, beside the script that runs, then
   shelves.write("second/starts.mel", "source tool; print \"!\";");
   CHECK(shelves.run("source starts") == "second!");
   shelves.write("work/tool.mel", "print \"work\";");
-  CHECK(shelves.run("source tool") == "work");
+  CHECK(shelves.run("source tool") == "first");
+  CHECK(shelves.run("source \"./tool\"") == "work");
+  shelves.write("work/alone.mel", "print \"alone\";");
+  CHECK(shelves.run("source alone").find("Cannot find file \"alone\"") != std::string::npos);
   // Folders in the name are below one of those; a whole path is what it says.
   shelves.write("first/inner/deep tool.mel", "print \"deep\";");
   CHECK(shelves.run("source \"inner/deep tool.mel\"") == "deep");

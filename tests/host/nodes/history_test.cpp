@@ -91,10 +91,10 @@ TEST_CASE(
     CHECK(scene->nodesNamed("pCubeShape1Orig").size() == (withHistory ? 0 : 1));
     CHECK(scene.path("pCube1").shapes().size() == 1);
     const std::uint64_t after = scene->hash();
-    changes.undo();
+    REQUIRE(changes.undo());
     CHECK(scene->hash() == before);
     CHECK(scene.points(shape) == seen);
-    changes.redo();
+    REQUIRE(changes.redo());
     CHECK(scene->hash() == after);
     CHECK(scene.points(shape) == expected);
   }
@@ -122,7 +122,7 @@ TEST_CASE("history: deleting it bakes what is seen and leaves nothing behind") {
   CHECK(mesh::hashMesh(scene.mesh(shape)) == seen);
   CHECK_FALSE(hasHistory(shape));
   CHECK(scene.graph().nodes().size() == nodesBefore + 2);
-  changes.undo();
+  REQUIRE(changes.undo());
   CHECK(scene->hash() == before);
   CHECK(mesh::hashMesh(scene.mesh(shape)) == seen);
 }

@@ -51,10 +51,10 @@ TEST_CASE("mesh: points written come out exactly, with history and without") {
         CHECK(std::abs(got.y - wanted[i].y) == 0);
         CHECK(std::abs(got.z - wanted[i].z) <= 1e-16f);
       }
-      changes.undo();
+      REQUIRE(changes.undo());
       CHECK(scene->hash() == before);
       CHECK(mesh::hashMesh(scene.mesh(shape)) == meshBefore);
-      changes.redo();
+      REQUIRE(changes.redo());
     }
     REQUIRE(setEvaluatedPoints(shape, original));
     CHECK(scene.points(shape) == original);
@@ -108,7 +108,7 @@ TEST_CASE("mesh: vertices, edges and UVs read and write as attributes") {
   const auto edge = scene.graph().get(scene.plug("pCubeShape1.edge[4].edg2"));
   REQUIRE(edge);
   CHECK(std::get<std::int64_t>(*edge) == scene.mesh(shape).edge(4).b);
-  changes.undo();
+  REQUIRE(changes.undo());
   CHECK(scene->hash() == before);
   CHECK(scene.points(shape)[3].x == 0.5f);
   CHECK_FALSE(scene.graph().set(scene.plug("pCubeShape1.vt[99].vx"), 1.0));

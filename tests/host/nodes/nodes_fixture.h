@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "host/modelling/declare/declaration.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/sets.h"
 #include "host/nodes/transform.h"
@@ -18,6 +19,7 @@ struct Scene {
 
   Scene() {
     registerBuiltinTypes(types);
+    modelling::registerTypes(types);
     document = std::make_unique<scene::Document>(types);
     installNewScene(*document);
     document->reset();

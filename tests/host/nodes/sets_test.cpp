@@ -46,10 +46,10 @@ TEST_CASE("sets: objects, components and other nodes go in, show as members and 
   CHECK(isSetMember(set, item(scene, "persp")));
   CHECK(setsOf(*scene.document, item(scene, "mat")) == std::vector<dg::Node*>{&set});
   const std::uint64_t after = scene->hash();
-  changes.undo();
+  REQUIRE(changes.undo());
   CHECK(scene->hash() == before);
   CHECK(setMembers(set).isEmpty());
-  changes.redo();
+  REQUIRE(changes.redo());
   CHECK(scene->hash() == after);
   REQUIRE(removeFromSet(*scene.document, set, scene.list("pCube1.f[1]")));
   CHECK(isSetMember(set, item(scene, "pCube1.f[2]")));
@@ -99,7 +99,7 @@ TEST_CASE("sets: a deleted set or object leaves no trace in the other and undo b
       REQUIRE(scene->deleteNodes({*scene->node(victim)}));
     }
     if (set.isAlive()) CHECK(setMembers(set).isEmpty());
-    changes.undo();
+    REQUIRE(changes.undo());
     CHECK(scene->hash() == before);
     CHECK(setMembers(set).length() == 2);
   }
@@ -151,7 +151,7 @@ TEST_CASE("sets: random membership agrees with a table, and undo takes all of it
     hashes.push_back(scene->hash());
   }
   for (std::size_t i = history.size(); i-- > 0;) {
-    history[i]->undo();
+    REQUIRE(history[i]->undo());
     REQUIRE(scene->hash() == hashes[i]);
   }
 }

@@ -65,6 +65,19 @@ TEST_CASE("extrudeEdges: the border of a grid grows outwards in its plane") {
   CHECK(zoo::surfaceArea(one) == doctest::Approx(1 + 2));
 }
 
+TEST_CASE("extrudeEdges: new edges are numbered along the run, spokes before the edge they carry") {
+  // A face's four edges: their ids do not follow each other around it.
+  Mesh one = zoo::gridMesh(1, 1);
+  const EdgeId old = one.edgeCount();
+  const auto result = extrudeEdges(one, std::vector<EdgeId>{0, 1, 2, 3});
+  REQUIRE(result.has_value());
+  CHECK(result->edges == std::vector<EdgeId>{old + 2, old + 4, old + 6, old + 7});
+  for (std::size_t i = 0; i + 1 < 4; ++i) {
+    const auto a = one.edge(result->edges[i]), b = one.edge(result->edges[i + 1]);
+    CHECK((a.a == b.a || a.a == b.b || a.b == b.a || a.b == b.b));
+  }
+}
+
 TEST_CASE("bridgeEdges: two open cubes become one body") {
   const Mesh cube = makeCube().value();
   const std::vector<UnitePart> parts{{cube, {}}, {cube, math::Matrix4::translation({3, 0, 0})}};

@@ -1,5 +1,8 @@
 #include "host/ops/topology/extrude_faces.h"
 
+#include <algorithm>
+#include <cmath>
+#include <iterator>
 #include <numbers>
 
 #include "host/ops/primitives/cube.h"
@@ -57,7 +60,8 @@ TEST_CASE("extrudeFaces: any selection leaves a sound mesh, faces keep their ids
         const auto result = extrudeFaces(edited, faces, options);
         REQUIRE(result.has_value());
         requireSound(edited);
-        CHECK(edited.faceCount() == mesh.faceCount() + static_cast<Index>(result->sides.size()));
+        CHECK(edited.faceCount() ==
+              mesh.faceCount() + static_cast<Index>(result->backs.size() + result->sides.size()));
         if (faces.empty()) CHECK(edited == mesh);
         for (FaceId f = 0; f < mesh.faceCount(); ++f) {
           REQUIRE(edited.faceSize(f) == mesh.faceSize(f));
@@ -145,15 +149,23 @@ TEST_CASE("extrudeFaces: volumes of boxes on a cube") {
   REQUIRE(extrudeFaces(tapered, top, options));
   CHECK(volume(tapered) == doctest::Approx(volume(frustum)));
 
-  // Two faces together stay joined while each moves out by the distance; one by one along their
-  // own.
+  // Two faces together stay joined: what they share moves along the mean of their normals, by the
+  // distance; one by one they move along their own.
   const std::vector<FaceId> two{1, 4};
   options = raised(1);
   Mesh together = cube, apart = cube;
   REQUIRE(extrudeFaces(together, two, options));
   CHECK(together.faceCount() == 6 + 6);
   CHECK(together.vertexCount() == 8 + 6);
-  CHECK(volume(together) == doctest::Approx(4));
+  int shared = 0;
+  for (VertexId v = 8; v < together.vertexCount(); ++v) {
+    const math::Vec3 p = together.point(v);
+    const double reach[] = {std::abs(p.x), std::abs(p.y), std::abs(p.z)};
+    const double corner = 0.5 + std::sqrt(0.5);
+    shared += std::count_if(std::begin(reach), std::end(reach),
+                            [&](double r) { return std::abs(r - corner) < 1e-5; }) == 2;
+  }
+  CHECK(shared == 2);
   options.keepFacesTogether = false;
   REQUIRE(extrudeFaces(apart, two, options));
   CHECK(apart.faceCount() == 6 + 8);
@@ -171,6 +183,38 @@ TEST_CASE("extrudeFaces: volumes of boxes on a cube") {
   Mesh world = cube;
   REQUIRE(extrudeFaces(world, top, options));
   CHECK(volume(world) == doctest::Approx(2));
+}
+
+TEST_CASE("extrudeFaces: a piece that is extruded whole leaves its faces behind, turned over") {
+  Mesh grid = zoo::gridMesh(2, 2);
+  const Mesh before = grid;
+  const std::vector<FaceId> all{0, 1, 2, 3};
+  const auto result = extrudeFaces(grid, all, raised(1));
+  REQUIRE(result.has_value());
+  requireSound(grid);
+  // What moved, what stays, the sides.
+  CHECK(grid.faceCount() == 16);
+  CHECK(result->backs == std::vector<FaceId>{4, 5, 6, 7});
+  CHECK(result->sides.size() == 8);
+  CHECK(volume(grid) == doctest::Approx(4));
+  CHECK(zoo::counts(grid).euler() == 2);
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    auto back = grid.faceVertices(result->backs[i]), face = before.faceVertices(all[i]);
+    CHECK(back[0] == face[0]);
+    CHECK(back[1] == face[3]);
+    CHECK(back[3] == face[1]);
+  }
+  // A part of a piece leaves a hole; of two pieces, only the whole one is closed.
+  Mesh part = before;
+  const auto three = extrudeFaces(part, std::vector<FaceId>{0, 1, 2}, raised(1));
+  REQUIRE(three.has_value());
+  CHECK(three->backs.empty());
+  ExtrudeFacesOptions apart = raised(1);
+  apart.keepFacesTogether = false;
+  Mesh each = before;
+  const auto four = extrudeFaces(each, all, apart);
+  REQUIRE(four.has_value());
+  CHECK(four->backs.empty());
 }
 
 TEST_CASE("extrudeFaces and softenEdges: bad input changes nothing") {
@@ -215,7 +259,8 @@ TEST_CASE("extrudeFaces: a region that closes in itself grows all round along lo
   requireSound(mesh);
   CHECK((mesh.faceCount() == 6 && mesh.vertexCount() == 8));
   for (const auto& p : mesh.points())
-    for (const float x : {p.x, p.y, p.z}) CHECK(std::abs(x) == doctest::Approx(1.5));
+    for (const float x : {p.x, p.y, p.z})
+      CHECK(std::abs(x) == doctest::Approx(0.5 + 1 / std::sqrt(3.0)));
   // Too long for the points' floats.
   options.local.translate.z = 1e300;
   const Mesh before = mesh;

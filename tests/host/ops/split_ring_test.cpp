@@ -51,9 +51,30 @@ TEST_CASE("splitRing: in the middle it is connecting the ring's edges") {
     const auto other = connectComponents(connected, {}, ring.edges);
     REQUIRE((result && other));
     CHECK(geometryOf(split) == geometryOf(connected));
-    CHECK(result->edges == other->edges);
-    CHECK(result->vertices == other->vertices);
+    CHECK(result->edges.size() == other->edges.size());
+    CHECK(result->vertices.size() == other->vertices.size());
   }
+}
+
+TEST_CASE("splitRing: new edges are numbered along the ring, halves before what leads to them") {
+  Mesh cube = makeCube().value();
+  const std::vector<EdgeId> ring{0, 1, 2, 3};
+  const auto result = splitRing(cube, ring);
+  REQUIRE(result.has_value());
+  // Half, half, loop, half, loop, half, loop, and the one that closes it.
+  CHECK(result->edges == std::vector<EdgeId>{14, 16, 18, 19});
+  // Of an open ring from its middle: one way to the end, then the other way.
+  Mesh strip = zoo::gridMesh(4, 1);
+  SplitRingOptions options;
+  const auto across = mesh::edgeRing(strip, strip.faceEdges(1)[1]);
+  REQUIRE(across.edges.size() >= 2);
+  options.rootEdge = strip.faceEdges(1)[1];
+  const EdgeId old = strip.edgeCount();
+  const auto open = splitRing(strip, across.edges, options);
+  REQUIRE(open.has_value());
+  CHECK(open->edges.front() == old + 2);
+  for (std::size_t i = 1; i < open->edges.size(); ++i)
+    CHECK(open->edges[i] == open->edges[i - 1] + 2);
 }
 
 TEST_CASE("splitRing: the weight counts from the same end all around") {

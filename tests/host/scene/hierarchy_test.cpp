@@ -53,7 +53,7 @@ TEST_CASE("hierarchy: an instance has a path a parent, and outlives all but its 
     REQUIRE(scene->deleteNodes({&b}));
     CHECK_FALSE(shared.isAlive());
   }
-  changes.undo();
+  REQUIRE(changes.undo());
   CHECK(scene->hash() == before);
   CHECK(allPaths(scene.node("below")).size() == 2);
 }
@@ -113,9 +113,9 @@ TEST_CASE("deletion: history that fed only what goes is taken along, other nodes
   CHECK(lasting.isAlive());
   CHECK(sharedFeeder.isAlive());
   const std::uint64_t after = scene->hash();
-  changes.undo();
+  REQUIRE(changes.undo());
   CHECK(scene->hash() == before);
-  changes.redo();
+  REQUIRE(changes.redo());
   CHECK(scene->hash() == after);
 }
 

@@ -81,7 +81,7 @@ TEST_CASE("selection: what is deleted leaves the selection and comes back with u
     REQUIRE(scene->deleteNodes({&group}));
   }
   CHECK(scene->selection().names() == Names{"tri.f[0]"});
-  changes.undo();
+  REQUIRE(changes.undo());
   CHECK(scene->selection() == list);
 }
 

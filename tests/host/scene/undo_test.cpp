@@ -1,5 +1,6 @@
 #include <doctest/doctest.h>
 
+#include <map>
 #include <random>
 
 #include "tests/host/scene/scene_fixture.h"
@@ -140,15 +141,69 @@ TEST_CASE("undo: any run of edits can be taken back and done again, bit for bit"
       hashes.push_back(scene->hash());
     }
     for (std::size_t i = history.size(); i-- > 0;) {
-      history[i]->undo();
+      REQUIRE(history[i]->undo());
       REQUIRE(scene->hash() == hashes[i]);
     }
     for (std::size_t i = 0; i < history.size(); ++i) {
-      history[i]->redo();
+      REQUIRE(history[i]->redo());
       REQUIRE(scene->hash() == hashes[i + 1]);
       checkLinks(*scene.document);
     }
   }
+}
+
+TEST_CASE("undo: with unrecorded edits in between a step is exact or refused, never half") {
+  int refused = 0, replayed = 0;
+  for (unsigned seed = 1; seed <= 200; ++seed) {
+    CAPTURE(seed);
+    Scene scene;
+    Editor editor(scene, seed);
+    std::mt19937 random(seed);
+    std::vector<std::unique_ptr<ChangeSet>> history;
+    std::map<const ChangeSet*, std::unique_ptr<dg::Change>> swept;
+    const auto sweep = [&](const ChangeSet* step) {
+      if (const auto before = std::move(swept[step])) (void)before->undo();
+      swept[step] = scene->sweepSelection();
+    };
+    const auto edit = [&] {
+      if (random() % 4 == 0) {
+        editor.step();
+        return;
+      }
+      history.push_back(std::make_unique<ChangeSet>());
+      const Journal::Scope scope(scene->journal(), history.back().get());
+      editor.step();
+    };
+    for (int round = 0; round < 4; ++round) {
+      for (int step = 0; step < 15; ++step) edit();
+      std::vector<std::uint64_t> hashes = {scene->hash()};
+      std::vector<ChangeSet*> undone;
+      while (!history.empty() && undone.size() < 12) {
+        const bool isDone = history.back()->undo().has_value();
+        if (isDone) sweep(history.back().get());
+        checkLinks(*scene.document);
+        if (isDone) {
+          undone.push_back(history[history.size() - 1].release());
+          hashes.push_back(scene->hash());
+        } else {
+          REQUIRE(scene->hash() == hashes.back());
+        }
+        ++(isDone ? replayed : refused);
+        history.pop_back();
+      }
+      while (!undone.empty()) {
+        REQUIRE(undone.back()->redo());
+        sweep(undone.back());
+        checkLinks(*scene.document);
+        hashes.pop_back();
+        REQUIRE(scene->hash() == hashes.back());
+        history.emplace_back(undone.back());
+        undone.pop_back();
+      }
+    }
+  }
+  CHECK(refused > 100);
+  CHECK(replayed > 10 * refused);
 }
 
 TEST_CASE("undo: the hash tells documents apart that differ in one place") {

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "host/builtins/common/command.h"
+
+namespace host::builtins {
+
+/// Runs what script nodes of an opened scene hold for its opening, when the user `allowed` it;
+/// otherwise says that they did not run. Nothing of a scene runs by itself.
+void runScriptNodes(Context& context, bool allowed);
+
+}  // namespace host::builtins

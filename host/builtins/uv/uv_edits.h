@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/builtins/common/command.h"
+#include "host/builtins/common/mesh_components.h"
+
+namespace host::builtins {
+
+/// UVs of one mesh to be worked on.
+struct UvItem {
+  MeshItem item;
+  int set = 0;
+  std::vector<UvId> uvs;  ///< sorted
+};
+
+/// The named or selected UVs, other components brought to theirs, each mesh once. `-uvSetName`
+/// names the set. @return an error when there are none, or a mesh lacks the set
+[[nodiscard]] Result<std::vector<UvItem>> uvItems(Context& context, const ParsedArgs& args,
+                                                  std::string_view command);
+
+/// Puts UVs in new places: stored where the shape has no history, as offsets of the polyTweakUV
+/// node in front of it, made when there is none, where it has. `places` go with `uvs`.
+Result<void> placeUvs(scene::Document& document, const UvItem& item,
+                      const std::vector<math::Vec2f>& places);
+
+/// Runs a command by name with words, as one step of the command that runs now.
+[[nodiscard]] CommandResult runByName(Context& context, const std::string& command,
+                                      std::vector<mel::Value> words);
+
+}  // namespace host::builtins

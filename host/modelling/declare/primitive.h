@@ -1,0 +1,21 @@
+#pragma once
+
+#include "host/modelling/declare/declaration.h"
+
+namespace host::modelling {
+
+/// Makes a declaration that of a primitive: its node makes a mesh from nothing, its command a new
+/// object called `objectName` and a number. Adds `createUVs` with the words for its values, and
+/// `texture` for old scripts.
+Declaration& primitive(Declaration& declaration, const std::string& objectName,
+                       std::initializer_list<std::string_view> uvModes, int uvMode);
+
+/// Who heeds `heightBaseline`.
+enum class Baseline : std::uint8_t { Raise, MakerDid };
+
+/// Puts a primitive into the context: raises it along the axis by the part of half its extent that
+/// `heightBaseline` says, names its UV set.
+Result<void> finishPrimitive(HistoryContext& context, Result<mesh::Mesh> made,
+                             Baseline baseline = Baseline::Raise);
+
+}  // namespace host::modelling

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "host/modelling/declare/declaration.h"
+#include "host/ops/uv/project_uvs.h"
+
+namespace host::modelling {
+
+/// The UV set that a node's `uvSetName` means; an error that names it when the mesh lacks it.
+[[nodiscard]] Result<int> uvSetOf(const HistoryContext& context);
+/// The same for nodes that make UVs: a set that is named and not there is added and made current.
+[[nodiscard]] Result<int> uvSetToFill(HistoryContext& context);
+/// The same for nodes that change UVs: such a set starts as a copy of the current one.
+[[nodiscard]] Result<int> uvSetToChange(HistoryContext& context);
+
+/// Adds `uvSetName` to a node whose base type lacks it.
+void addUvSetName(Declaration& declaration);
+/// Adds -createNewMap, and -insertBeforeDeformers, which has nothing to be put in front of.
+void addNewMapFlags(Declaration& declaration);
+/// Checks `-uvSetName` against the mesh; with `-createNewMap` makes it a name of its own.
+Result<void> chooseUvSet(Context& context, const ParsedArgs& args, Node& node,
+                         const MeshItem& item);
+
+/// What the three projections have in common: centre, turn, image, scale. The size has two
+/// children, across and up.
+struct ProjectionSize {
+  AttributePtr u, v;
+};
+void addProjection(Declaration& declaration, ProjectionSize size);
+/// The projection that a node's attributes say.
+[[nodiscard]] ops::UvProjection projectionOf(const HistoryContext& context,
+                                             ops::UvProjectionShape shape);
+/// Fits centre and size to the faces, as far as no flag says them, and reads -projectionScaleU and
+/// -projectionScaleV. `-mapDirection` turns the projection first.
+Result<void> fitProjection(Context& context, const ParsedArgs& args, Node& node,
+                           const MeshItem& item, const std::vector<Index>& faces,
+                           ops::UvProjectionShape shape);
+
+}  // namespace host::modelling

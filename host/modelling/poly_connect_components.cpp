@@ -1,0 +1,31 @@
+#include "host/modelling/declare/declaration.h"
+#include "host/ops/topology/connect_components.h"
+
+namespace host::modelling {
+
+namespace {
+
+Result<void> connect(HistoryContext& context) {
+  auto made = ops::connectComponents(context.mesh, context.vertices(), context.edges());
+  if (!made) return failWith(made.error());
+  context.makes(ComponentType::Edge, std::move(made->edges));
+  return {};
+}
+
+}  // namespace
+
+void polyConnectComponents(Declarations& add) {
+  add("polyConnectComponents", "Joins vertices and the middles of edges across their faces.")
+      .node("polyConnectComponents", typeCode("PCCP"))
+      .takes(ComponentType::Edge, {ComponentType::Vertex})
+      .leaves(Leaves::Made)
+      .parameter(boolean("insertWithEdgeFlow", "ief"), "new vertices follow the curvature around")
+      .withoutEffect()
+      .parameter(keyable(real("adjustEdgeFlow", "aef", 1)), "how far, with -insertWithEdgeFlow")
+      .recordedOnly()
+      .trial("", "e")
+      .trial("", "e vtx")
+      .operation(connect);
+}
+
+}  // namespace host::modelling

@@ -1,0 +1,111 @@
+#include <algorithm>
+
+#include "host/mesh/shells.h"
+#include "host/modelling/declare/history_command.h"
+#include "host/modelling/declare/mesh_objects.h"
+#include "host/nodes/mesh_shape.h"
+#include "host/ops/topology/separate.h"
+
+namespace host::modelling {
+
+namespace {
+
+void build(TypeBuilder& builder, const std::vector<const Attribute*>& parameters) {
+  builder.livesByItsOutputs();
+  const Attribute* count = parameters.front();
+  const Attribute* input = builder.add(notStored(dg::makeTyped("inputPoly", "ip", "mesh")));
+  const Attribute* results =
+      builder.add(array(nodes::output(dg::makeTyped("output", "out", "mesh"))));
+  builder.affects({input}, {results});
+  builder.type().compute = [=](Node& node, const Plug& plug, DataBlock& block) -> Result<Computed> {
+    if (plug.attribute() != results) return Computed::Unhandled;
+    auto arriving = block.input(Plug(&node, input));
+    if (!arriving) return failWith(arriving.error());
+    const auto* data = dg::dataAs<scene::MeshData>(*arriving);
+    std::vector<mesh::Mesh> parts = ops::separate(data ? data->mesh : mesh::Mesh());
+    const Plug all(&node, results);
+    const auto promised = static_cast<std::size_t>(std::max<std::int64_t>(1, block.integer(count)));
+    // Pieces that an edit upstream took away arrive as empty meshes.
+    parts.resize(
+        std::max({promised, parts.size(), static_cast<std::size_t>(plug.logicalIndex() + 1)}));
+    for (std::size_t i = 0; i < parts.size(); ++i)
+      block.output(all.element(static_cast<Index>(i)),
+                   dg::DataPtr(std::make_shared<scene::MeshData>(std::move(parts[i]))));
+    return Computed::Done;
+  };
+}
+
+struct Separated {
+  std::vector<Node*> shapes;
+  Node* node = nullptr;  ///< null when it was baked
+};
+
+/// The pieces become objects under the object's transform; its shape stays as what feeds them.
+Result<Separated> separateOne(Context& context, const ParsedArgs& args,
+                              const Declaration& declaration, const MeshItem& item) {
+  scene::Document& document = context.document;
+  dg::Graph& graph = document.graph();
+  const Index count = mesh::findShells(item.mesh).count;
+  const scene::DagPath transform = item.path.transform();
+  if (count < 2) return fail("polySeparate: '{}' is one piece.", transform.partialName());
+  auto created = document.createNode("polySeparate");
+  if (!created) return failWith(std::move(created.error()));
+  Node& node = **created;
+  HOST_TRY(graph.connect(item.path.node()->plug("outMesh"), node.plug("inputPoly")));
+  HOST_TRY(setParameters(context, args, declaration, node));
+  HOST_TRY(graph.set(node.plug("icount"), std::int64_t{count}));
+  Separated result;
+  for (Index i = 0; i < count; ++i) {
+    auto shape = addMeshObject(document, declaration.wantedName(args),
+                               node.plug("output").element(i), transform.node());
+    if (!shape) return failWith(std::move(shape.error()));
+    HOST_TRY(nodes::evaluatedMesh(**shape));
+    result.shapes.push_back(*shape);
+  }
+  if (args.boolean("constructionHistory", true)) {
+    HOST_TRY(makeIntermediate(document, *item.path.node()));
+    result.node = &node;
+    return result;
+  }
+  for (Node* shape : result.shapes) HOST_TRY(nodes::deleteHistory(document, *shape));
+  HOST_TRY(document.deleteNodes({item.path.node()}));
+  return result;
+}
+
+CommandResult create(Context& context, const ParsedArgs& args, const Declaration& declaration) {
+  auto list = args.resolveObjects(context.document);
+  if (!list) return failWith(std::move(list.error()));
+  auto items = distinctMeshItems(*list);
+  if (!items) return failWith(std::move(items.error()));
+  if (items->empty()) return fail("polySeparate: name or select a polygon object.");
+  std::vector<scene::DagPath> pieces;
+  std::vector<std::string> nodeNames;
+  for (const MeshItem& item : *items) {
+    auto separated = separateOne(context, args, declaration, item);
+    if (!separated) return failWith(std::move(separated.error()));
+    for (const Node* shape : separated->shapes)
+      pieces.push_back(scene::firstPath(*shape).transform());
+    if (separated->node) nodeNames.push_back(separated->node->name());
+  }
+  std::vector<std::string> names;
+  for (const scene::DagPath& path : pieces) names.push_back(path.partialName());
+  names.insert(names.end(), nodeNames.begin(), nodeNames.end());
+  selectObjects(context.document, pieces);
+  return mel::Value(std::move(names));
+}
+
+}  // namespace
+
+void polySeparate(Declarations& add) {
+  add("polySeparate", "Makes an object of each piece of an object.")
+      .node("polySeparate", typeCode("PSEP"), "")
+      .nodesCalled("polySurface")
+      .parameter(hidden(integer("icount", "ic", -1)), "how many pieces there were")
+      .noFlag()
+      .parameter(dg::makeTyped("remShells", "rs", "Int32Array"), "pieces left out")
+      .recordedOnly()
+      .builtBy(build)
+      .creates(create);
+}
+
+}  // namespace host::modelling

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <maya/MMeshIsectAccelParams.h>
+#include <maya/MPoint.h>
+#include <maya/MPointArray.h>
+
+#include "quaddraw/drawnMesh.h"
+#include "quaddraw/locatorPoints.h"
+#include "quaddraw/screenIndex.h"
+#include "shared/tool/toolContext.h"
+
+/// Draws new topology: a click places a loose point, on the live surface where there is one; Ctrl
+/// picks a point up; Shift shows the quad through the four nearest points and borders, and makes it
+/// on release. docs/tools/quad-draw.md has the table of its gestures.
+///
+/// Loose points and preview live in a locator that comes and goes with the tool. Polygons are made
+/// by the host's commands; what a stroke does is one step of undo.
+class quadDrawContext : public selectionToolContext {
+ public:
+  quadDrawContext();
+  ~quadDrawContext() override;
+
+ protected:
+  void enter(MEvent& event) override;
+  void leave() override;
+  MStatus press(MEvent& event) override;
+  MStatus drag(MEvent& event) override;
+  MStatus release(MEvent& event) override;
+
+  void hover(const M3dView& view, int x, int y) override;
+  void cancelStroke() override;
+  void meshGone() override;
+  void sceneEnds() override;
+
+ private:
+  void switchLocalTumble(bool on);
+  /// Brings mesh, loose points and what shows where up to date. Free when nothing changed.
+  void refreshCandidates(const M3dView& view);
+  const MVector* cullingRay(const M3dView& view, int x, int y, MVector& ray) const;
+  MPointArray quadAt(const M3dView& view, int x, int y);
+  bool preview(const M3dView& view, int x, int y);
+  void placeCursorPoint(const M3dView& view);
+  void drawCursorPoint(M3dView view) const;
+  void pickUp(const M3dView& view);
+  void commit();
+  void takeUsed(const MPointArray& quad);
+  void finishStroke();
+  void tell(const char* sentence) const;
+
+  locatorPoints points;
+  drawnMesh drawn;
+  screenIndex index;
+  MMeshIsectAccelParams rays;
+
+  // What the index was made of.
+  MPointArray indexedLoose;
+  unsigned int indexedRevision = 0;
+  viewSight indexedSight;
+  std::vector<drawCandidate> candidates;
+
+  // The stroke.
+  MPointArray pointsBefore;
+  MPoint currentPoint;
+  bool hasCurrentPoint = false, hasPickedUp = false, hasChangedPoints = false;
+  bool restoreLocalTumble = false;
+};

@@ -1,0 +1,330 @@
+#include <maya/M3dView.h>
+
+#include <cstdio>
+#include <random>
+
+#include "quaddraw/quadDrawOverride.h"
+#include "quaddraw/quadPlan.h"
+#include "quaddraw/screenIndex.h"
+#include "tests/toolkit/tool_hand.h"
+
+// The quad draw tool seen from above, 32 pixels a centimetre, the origin in the middle.
+
+namespace {
+
+using names = toolHand::names;
+
+constexpr const char* kLocator = "qxModelingToolsDrawQuadLocator";
+
+struct quadHand : toolHand {
+  explicit quadHand(bool isMirrored = false) {
+    mirror(isMirrored);
+    run("select -cl");
+  }
+  void take() { run("if (!`contextInfo -ex quad`) quadDrawContext quad; setToolTo quad;"); }
+  static MPointArray points(const char* attribute) {
+    MSelectionList list;
+    MPlug plug;
+    if (list.add(MString(kLocator) + "." + attribute) != MS::kSuccess ||
+        list.getPlug(0, plug) != MS::kSuccess)
+      return {};
+    const MObject data = plug.asMObject();
+    return data.isNull() ? MPointArray() : MFnPointArrayData(data).array();
+  }
+  static unsigned int loose() { return points("parr").length(); }
+  static unsigned int previewed() { return points("geoparr").length(); }
+  void placeAt(double x, double z) { click(pixel(x, 0, z)); }
+  /// A square of loose points, a centimetre on a side, from its lowest corner.
+  void placeSquare(double x, double z) {
+    for (const auto& [dx, dz] : {std::pair{0, 0}, {1, 0}, {1, 1}, {0, 1}}) placeAt(x + dx, z + dz);
+  }
+  void makeAt(double x, double z) { click(pixel(x, 0, z), kLeft, kShift); }
+  /// Whether all face normals of a mesh point up.
+  bool facesUp(const std::string& object) {
+    bool up = true;
+    for (const std::string& line : texts("polyInfo -fn " + object)) {
+      double y = 0;
+      std::sscanf(line.substr(line.find(':') + 1).c_str(), "%*f %lf", &y);
+      up = up && y > 0.99;
+    }
+    return up;
+  }
+};
+
+bool isSame(const MPointArray& a, const MPointArray& b) {
+  bool same = a.length() == b.length();
+  for (unsigned int i = 0; same && i < a.length(); ++i) same = a[i] == b[i];
+  return same;
+}
+
+double scatter(std::mt19937& random, double reach) {
+  return std::uniform_real_distribution<double>(-reach, reach)(random);
+}
+
+}  // namespace
+
+TEST_CASE("quad draw: its locator comes and goes with it, and the scene stays as it was") {
+  quadHand hand;
+  hand.run("polyPlane -n plane -ch 0; select -r plane");
+  const std::uint64_t before = hand.hash();
+  hand.take();
+  CHECK(hand.texts("contextInfo -t quad") == names{"QuadDraw Tool"});
+  CHECK(hand.texts("contextInfo -i1 quad") == names{"quadDrawContext.bmp"});
+  CHECK(hand.texts(std::string("nodeType ") + kLocator) == names{"quadDrawLocator"});
+  CHECK(hand.selected() == names{"plane"});
+  CHECK(hand.number("tumbleCtx -q -localTumble tumbleContext") == 1);
+  hand.run("setToolTo selectSuperContext");
+  CHECK(hand.texts("ls -type quadDrawLocator").empty());
+  CHECK(hand.number("tumbleCtx -q -localTumble tumbleContext") == 0);
+  CHECK(hand.texts("ls -type transform").size() == 5);
+  hand.run("hilite -u plane; selectMode -object; select -r plane");
+  CHECK(hand.hash() == before);
+
+  // A node of that name that is something else stays what it is.
+  hand.run(std::string("createNode transform -n ") + kLocator + "; select -cl");
+  hand.take();
+  CHECK(hand.texts("ls -type quadDrawLocator").size() == 1);
+  hand.run("setToolTo selectSuperContext");
+  CHECK(hand.texts(std::string("nodeType ") + kLocator) == names{"transform"});
+}
+
+TEST_CASE("quad draw: points are placed, moved with Ctrl, and every stroke is a step of undo") {
+  quadHand hand;
+  hand.take();
+  hand.placeAt(0, 0);
+  hand.placeAt(2, 1);
+  REQUIRE(hand.loose() == 2);
+  const MPoint second = hand.points("parr")[1];
+  CHECK(second.x == doctest::Approx(2).epsilon(0.02));
+  CHECK(second.z == doctest::Approx(1).epsilon(0.02));
+
+  auto at = hand.pixel(2, 0, 1);
+  hand.click({at.x + 20, at.y}, toolHand::kLeft, kControl);  // too far to pick one up
+  CHECK(hand.loose() == 2);
+  at.x += 19;
+  hand.stroke(at, hand.pixel(-3, 0, 1), toolHand::kLeft, kControl);
+  REQUIRE(hand.loose() == 2);
+  CHECK(hand.points("parr")[1].x == doctest::Approx(-3).epsilon(0.02));
+  hand.click(hand.pixel(1, 0, 1), toolHand::kMiddle);
+  CHECK(hand.loose() == 2);
+  hand.click(hand.pixel(1, 0, 1), toolHand::kLeft, kBoth);  // picks up what is near: nothing is
+  CHECK(hand.loose() == 2);
+
+  hand.run("undo");
+  CHECK(hand.points("parr")[1] == second);
+  hand.run("undo; undo");
+  CHECK(hand.loose() == 0);
+  hand.run("redo; redo; redo");
+  REQUIRE(hand.loose() == 2);
+  CHECK(hand.points("parr")[1].x == doctest::Approx(-3).epsilon(0.02));
+
+  // A stroke that something ends gives back what it had picked up.
+  hand.press(hand.pixel(-3, 0, 1), toolHand::kLeft, kControl);
+  CHECK(hand.loose() == 1);
+  hand.run("setToolTo quad");
+  CHECK(hand.loose() == 0);  // the tool was left and its points with it
+  const std::size_t steps = hand.undoItems();
+  for (const char* way : {"undo", "redo"})
+    for (std::size_t i = 0; i < steps; ++i) hand.run(way);
+  CHECK(hand.loose() == 0);
+}
+
+TEST_CASE("quad draw: four points make an object that faces the viewer; three make nothing") {
+  quadHand hand;
+  hand.take();
+  for (const auto& [x, z] : {std::pair{1.0, 1.0}, {2.0, 1.0}, {2.0, 2.0}}) hand.placeAt(x, z);
+  hand.makeAt(1.5, 1.5);
+  CHECK(hand.texts("ls -type mesh").empty());
+  hand.placeAt(1, 2);
+  hand.hover(hand.pixel(1.5, 0, 1.5));
+  CHECK(hand.previewed() == 4);
+  const std::uint64_t before = hand.hash();
+  hand.makeAt(1.5, 1.5);
+  REQUIRE(hand.texts("ls -type mesh").size() == 1);
+  const std::string object = hand.selected().at(0);
+  CHECK(hand.faces(object) == 1);
+  CHECK(hand.vertices(object) == 4);
+  CHECK(hand.facesUp(object));
+  CHECK(hand.loose() == 0);
+  hand.run("undo");
+  CHECK(hand.loose() == 4);
+  CHECK(hand.texts("ls -type mesh").empty());
+  hand.hover(hand.pixel(1.5, 0, 1.5));
+  CHECK(hand.hash() == before);
+}
+
+TEST_CASE("quad draw: a new object is mirrored in the world, and its halves share their seam") {
+  for (const char* unit : {"cm", "m"}) {
+    CAPTURE(unit);
+    quadHand hand(true);
+    hand.run(std::string("currentUnit -l ") + unit);
+    hand.take();
+    hand.placeSquare(0, 0);
+    hand.makeAt(0.5, 0.5);
+    const std::string object = hand.selected().at(0);
+    CHECK(hand.faces(object) == 2);
+    CHECK(hand.vertices(object) == 6);
+    CHECK(hand.facesUp(object));
+    CHECK(hand.texts("ls -type transform").size() == 6);  // four cameras, the locator, the object
+  }
+}
+
+TEST_CASE("quad draw: quads join the borders of the mesh in hand, whichever way it is turned") {
+  for (const char* pose :
+       {"", "setAttr plane.scaleX -1;", "setAttr plane.rotateY 180;",
+        "group -n above plane; setAttr above.scaleZ -2; setAttr plane.scaleZ 0.5; "
+        "select -r plane;"}) {
+    CAPTURE(pose);
+    quadHand hand;
+    hand.run(std::string("polyPlane -n plane -w 2 -h 2 -sx 2 -sy 2 -ch 0; ") + pose);
+    hand.take();
+    hand.run("select -r plane");
+    hand.placeAt(2, 0);
+    hand.placeAt(2, 1);
+    const std::uint64_t before = hand.hash();
+    const MPointArray looseBefore = hand.points("parr");
+    hand.makeAt(1.5, 0.5);
+    CHECK(hand.faces("plane") == 5);
+    CHECK(hand.vertices("plane") == 11);
+    CHECK(hand.loose() == 0);
+    CHECK(hand.texts("polyInfo -nme plane").empty());
+    // Joined the same way round: no edge has two faces that run along it in one direction.
+    CHECK(hand.number("size(`polyInfo -nmv plane`)") == 0);
+    hand.run("undo");
+    CHECK(hand.faces("plane") == 4);
+    CHECK(isSame(hand.points("parr"), looseBefore));
+    CHECK(hand.hash() == before);
+    hand.run("redo");
+    CHECK(hand.faces("plane") == 5);
+    // Three corners of one face make no quad.
+    hand.placeAt(0.5, 0.6);
+    hand.hover(hand.pixel(0.9, 0, 0.9));
+    CHECK(hand.previewed() <= 4);
+  }
+}
+
+TEST_CASE("quad draw: mirrored quads on a mesh share what stands on the plane") {
+  quadHand hand(true);
+  hand.run("polyPlane -n plane -w 2 -h 2 -sx 2 -sy 2 -ch 0");
+  hand.take();
+  hand.run("select -r plane");
+  hand.placeAt(0.0004, 2);  // on the plane but for the hand's own error
+  hand.placeAt(1, 2);
+  const std::uint64_t before = hand.hash();
+  hand.makeAt(0.5, 1.5);
+  CHECK(hand.faces("plane") == 6);
+  CHECK(hand.vertices("plane") == 9 + 3);
+  CHECK(hand.facesUp("plane"));
+  for (const std::string& line : hand.texts("polyInfo -nme plane")) FAIL_CHECK(line);
+  hand.run("undo");
+  CHECK(hand.hash() == before);
+  CHECK(hand.loose() == 2);
+}
+
+TEST_CASE("quad draw: points lie on the live surface, on the sheet in front") {
+  quadHand hand;
+  hand.run(
+      "polySphere -n far -r 2 -sx 24 -sy 16 -ch 0; setAttr far.translateY -300; duplicate -n under "
+      "far; setAttr under.scale 0.99 0.99 0.99; select -cl");
+  hand.option(
+      "checkBox -e -v 1 enable_slide_soft_select_QXMT_CB; select -r far; "
+      "loadSlideObject_QXMT_Proc");
+  hand.run("select -cl");
+  hand.take();
+  for (int i = 0; i < 5; ++i) hand.placeAt(-1.0 + 0.4 * i, 0.3 * i - 0.5);
+  REQUIRE(hand.loose() == 5);
+  const MPointArray placed = hand.points("parr");
+  MFnMesh mesh(toolkitSession::path("far"));
+  for (unsigned int i = 0; i < placed.length(); ++i) {
+    CHECK(placed[i].y > -300.0);
+    MPoint closest;
+    REQUIRE(mesh.getClosestPoint(placed[i], closest, MSpace::kWorld));
+    CHECK(closest.distanceTo(placed[i]) < 2e-5);
+  }
+  // Beside it the point falls back to the depth of what is nearest.
+  hand.placeAt(5, 0);
+  CHECK(std::isfinite(hand.points("parr")[5].y));
+  hand.run("delete far");
+  hand.placeAt(5, 3);
+  CHECK(hand.loose() == 7);
+}
+
+TEST_CASE("quad draw: bad places and meshes get a message and lose nothing") {
+  quadHand hand;
+  hand.run("polyPlane -n plane -w 2 -h 2 -sx 1 -sy 1 -ch 0");
+  hand.take();
+  hand.run("select -r plane");
+  for (int i = 0; i < 4; ++i) hand.placeAt(3 + i * 0.5, 3);  // all on one line
+  hand.hover(hand.pixel(4, 0, 3));
+  hand.makeAt(4, 3);
+  for (int i = 0; i < 3; ++i) hand.placeAt(-3, 3);  // in one place
+  hand.hover(hand.pixel(-3, 0, 3));
+  CHECK(hand.previewed() == 0);
+  hand.run("delete plane");
+  hand.placeAt(3, 0);
+  hand.hover(hand.pixel(3, 0, 0));
+  hand.run("polyCube -n cube -ch 0; setAttr cube.scaleY 0; select -r cube");
+  hand.placeSquare(2, 0);
+  const host::MessageCapture capture;
+  hand.makeAt(2.5, 0.5);
+  CHECK(hand.faces("cube") == 6);
+  hand.run("file -f -new");
+  hand.placeAt(0, 0);
+  CHECK(hand.loose() == 1);
+}
+
+TEST_CASE("screen index: what is near is found as by looking at everything") {
+  std::mt19937 random(7);
+  quadHand hand;
+  const viewSight sight(M3dView::active3dView());
+  for (int round = 0; round < 40; ++round) {
+    std::vector<drawCandidate> all;
+    const int count = round < 5 ? round : 300;
+    for (int i = 0; i < count; ++i) {
+      drawCandidate c;
+      c.place = MPoint(std::round(scatter(random, 20) * 4) / 4, scatter(random, 5),
+                       std::round(scatter(random, 15) * 4) / 4);
+      c.normal = MVector(0, scatter(random, 1), 0);
+      c.isBorder = i % 2 == 1;
+      all.push_back(c);
+    }
+    screenIndex index;
+    CHECK(index.build(all, sight) == 0);
+    const MVector down(0, -1, 0);
+    for (int query = 0; query < 20; ++query) {
+      const int x = static_cast<int>(480 + scatter(random, 900));
+      const int y = static_cast<int>(270 + scatter(random, 700));
+      const MVector* ray = query % 2 ? &down : nullptr;
+      const auto fast = index.nearest(x, y, 4, ray), slow = index.nearestOfAll(x, y, 4, ray);
+      REQUIRE(fast.size() == slow.size());
+      for (std::size_t i = 0; i < fast.size(); ++i) CHECK(fast[i].candidate == slow[i].candidate);
+    }
+  }
+}
+
+TEST_CASE("quad draw plans: numbers keep their digits, images are reversed, the list has eight") {
+  const quadCorners corners = {{3, {}}, {-1, MPoint(0.1, -2, 1e-9)}};
+  CHECK(cornerArguments(corners, 1.0) ==
+        MString(" -v 3 -p 0.10000000000000001 -2 1.0000000000000001e-09"));
+  MPointArray quad;
+  for (int i = 0; i < 4; ++i) quad.append(MPoint(i, 10 + i, 0));
+  const MPointArray across = mirrorReversed(quad, 0);
+  CHECK(across[0] == MPoint(-3, 13, 0));
+  CHECK(across[3] == MPoint(0, 10, 0));
+  const MPointArray list = quadDrawLocatorData::triangleList(quad);
+  REQUIRE(list.length() == 8);
+  const int wanted[] = {0, 1, 2, 0, 2, 3, 0, 2};
+  for (unsigned int i = 0; i < 8; ++i) CHECK(list[i] == quad[static_cast<unsigned int>(wanted[i])]);
+  CHECK(quadDrawLocatorData::triangleList(MPointArray()).length() == 0);
+  // A quad across the plane that is its own image is not made twice.
+  MPointArray onAxis;
+  for (const MPoint& p : {MPoint(-1, 0, 0), MPoint(1, 0, 0), MPoint(1, 0, 1), MPoint(-1, 0, 1)})
+    onAxis.append(p);
+  quadCorners own, image;
+  const MPointArray imagePoints = mirrorReversed(onAxis, 0);
+  for (unsigned int i = 0; i < 4; ++i) {
+    own.push_back({-1, onAxis[i]});
+    image.push_back({-1, imagePoints[i]});
+  }
+  CHECK(shareCorners(own, onAxis, image, imagePoints, 1e-3, 20).empty());
+}
