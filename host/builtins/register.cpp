@@ -51,6 +51,7 @@ void registerPolyEvaluate(cmd::CommandRegistry&);
 void registerPolyInfo(cmd::CommandRegistry&);
 void registerPolyMultiLayoutUv(cmd::CommandRegistry&);
 void registerPolyUvReport(cmd::CommandRegistry&);
+void registerUntangleUv(cmd::CommandRegistry&);
 void registerUvSnapshot(cmd::CommandRegistry&);
 
 void registerConvertSelection(cmd::CommandRegistry&);
@@ -122,6 +123,7 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerPolyInfo,
       registerPolyMultiLayoutUv,
       registerPolyUvReport,
+      registerUntangleUv,
       registerUvSnapshot,
       registerFilterExpand,
       registerLs,
