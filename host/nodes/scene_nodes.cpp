@@ -112,6 +112,8 @@ void registerSceneNodes(dg::TypeRegistry& types) {
   time.add(boolean("enableTimewarp", "ewa"));
   time.finish();
 
+  // Scripts that a scene brings along. They are values like others; who opens the scene says
+  // whether they run.
   TypeBuilder script(types, "script", {}, typeCode("SCRP"));
   script.add(text("before", "b"));
   script.add(text("after", "a"));
@@ -120,6 +122,7 @@ void registerSceneNodes(dg::TypeRegistry& types) {
              {"Demand", "Open/Close", "GUI Open/Close", "UI Configuration", "Software Render",
               "Software Frame Render", "Scene Configuration", "Time Changed"}));
   script.add(choice("sourceType", "stp", {"MEL", "Python"}));
+  script.add(boolean("ignoreReferenceEdits", "ire", true));
   script.finish();
 
   TypeBuilder views(types, "viewColorManager");

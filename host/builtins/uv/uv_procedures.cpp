@@ -47,15 +47,6 @@ CommandResult perform(Context& context, const ParsedArgs& args, const Procedure&
                    {mel::Value(line), mel::Value(std::string(procedure.component)), mel::Value(0)});
 }
 
-/// 0 selects the UV shells of the selection, 1 their borders.
-CommandResult polySelectBorderShell(Context& context, const ParsedArgs& args) {
-  const auto border = args.arguments().front().toInt();
-  if (!border || *border < 0 || *border > 1)
-    return fail("polySelectBorderShell: use 0 for the shell, 1 for its border.");
-  return runByName(context,
-                   *border ? "ConvertSelectionToUVShellBorder" : "ConvertSelectionToUVShell", {});
-}
-
 }  // namespace
 
 void registerUvProcedures(CommandRegistry& registry) {
@@ -64,7 +55,6 @@ void registerUvProcedures(CommandRegistry& registry) {
            [&procedure](Context& context, const ParsedArgs& args) {
              return perform(context, args, procedure);
            });
-  define(registry, "polySelectBorderShell", Syntax().strings(1, 1), polySelectBorderShell);
 }
 
 }  // namespace host::builtins
