@@ -10,9 +10,9 @@
 
 #include "host/io/ma/ma_loader.h"
 #include "host/io/ma/ma_writer.h"
-#include "host/io/whole_file.h"
 #include "host/io/obj_reader.h"
 #include "host/io/obj_writer.h"
+#include "host/io/whole_file.h"
 #include "host/modelling/declare/declaration.h"
 #include "host/nodes/mesh_shape.h"
 

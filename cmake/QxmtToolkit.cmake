@@ -19,6 +19,15 @@ function(qxmt_toolkit_settings target)
   target_link_libraries(${target} PRIVATE qxmt_warnings)
 endfunction()
 
+# A module shows its host the entry points alone.
+function(qxmt_module_exports target)
+  if(UNIX AND NOT APPLE)
+    set(map "${PROJECT_SOURCE_DIR}/cmake/module_exports.map")
+    target_link_options(${target} PRIVATE "LINKER:--version-script=${map}")
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${map}")
+  endif()
+endfunction()
+
 if(QXMT_HOST STREQUAL "maya")
   if(NOT EXISTS "${MAYA_LOCATION}/include/maya/MFnPlugin.h")
     message(FATAL_ERROR "QXMT_HOST=maya needs MAYA_LOCATION: '${MAYA_LOCATION}/include/maya/MFnPlugin.h' was not found")
@@ -36,6 +45,7 @@ if(QXMT_HOST STREQUAL "maya")
     endif()
   endforeach()
   target_link_libraries(qxModelingToolkit PRIVATE OpenGL::GL)
+  qxmt_module_exports(qxModelingToolkit)
   return()
 endif()
 
@@ -48,6 +58,7 @@ add_library(qxModelingToolkit MODULE $<TARGET_OBJECTS:toolkit_objects>)
 qxmt_toolkit_settings(qxModelingToolkit)
 set_target_properties(qxModelingToolkit PROPERTIES LINKER_LANGUAGE CXX)
 target_link_libraries(qxModelingToolkit PRIVATE OpenGL::GL qxhost)
+qxmt_module_exports(qxModelingToolkit)
 
 # The toolkit's isolation, checked by the compiler: nothing but the API headers, the toolkit folders, OpenGL and std.
 add_library(toolkit_isolation OBJECT EXCLUDE_FROM_ALL ${toolkit_sources})

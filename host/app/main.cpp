@@ -15,6 +15,7 @@
 #include "host/app/unwrap.h"
 #include "host/base/memory.h"
 #include "host/base/messages.h"
+#include "host/builtins/file/scene_files.h"
 #include "host/mel/literal.h"
 #include "host/modelling/declare/reference.h"
 
@@ -43,8 +44,15 @@ int loadPlugIns(cmd::Session& session, const Options& options, const ProgramPath
 int openFile(cmd::Session& session, const std::string& file) {
   if (!isReadable(file)) return kFileFailed;
   const bool isScene = std::filesystem::path(file).extension() == ".ma";
-  const std::string command = (isScene ? "file -f -open " : "file -import ") + mel::quoted(file);
-  return session.executeLine(command) ? kDone : kFileFailed;
+  cmd::Context context{session, session.document()};
+  const builtins::FileRequest request{.path = file, .isForced = true};
+  const auto done = session.dispatcher().recordStep("file", [&]() -> Result<void> {
+    HOST_TRY(isScene ? builtins::openScene(context, request)
+                     : builtins::importFile(context, request));
+    return {};
+  });
+  if (!done) postMessage(MessageKind::Error, done.error().message);
+  return done ? kDone : kFileFailed;
 }
 
 int runScript(cmd::Session& session, const Options& options) {

@@ -12,11 +12,11 @@
 #include "host/app/progress.h"
 #include "host/base/cancel.h"
 #include "host/builtins/uv/uv_picture.h"
-#include "host/io/whole_file.h"
 #include "host/io/obj_reader.h"
 #include "host/io/obj_writer.h"
 #include "host/io/png_writer.h"
 #include "host/io/tiff_writer.h"
+#include "host/io/whole_file.h"
 #include "host/ops/uv/unwrap.h"
 
 namespace host::app {

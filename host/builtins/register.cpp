@@ -38,7 +38,6 @@ void registerXform(cmd::CommandRegistry&);
 void registerFile(cmd::CommandRegistry&);
 void registerFileInfo(cmd::CommandRegistry&);
 
-void registerDeleteComponents(cmd::CommandRegistry&);
 void registerPerformAction(cmd::CommandRegistry&);
 void registerPointPosition(cmd::CommandRegistry&);
 void registerPolyColorPerVertex(cmd::CommandRegistry&);
@@ -155,7 +154,6 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerPolySelect,
       registerPolySelectConstraint,
       registerTraverseSelection,
-      registerDeleteComponents,
       registerPerformAction,
       registerPolyColorPerVertex,
       registerPolyColorSet,
@@ -174,8 +172,8 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerPickWalk,
       registerRuntimeCommands,
   };
+  modelling::registerCommands(registry);  // first: runtime commands stand for some of them
   for (const auto registration : kRegistrations) registration(registry);
-  modelling::registerCommands(registry);
 }
 
 std::unique_ptr<cmd::Session> makeSession() {

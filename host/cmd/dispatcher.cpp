@@ -7,6 +7,7 @@
 
 #include "host/base/messages.h"
 #include "host/cmd/loop.h"
+#include "host/cmd/pending_edits.h"
 #include "host/cmd/session.h"
 
 namespace host::cmd {
@@ -37,6 +38,7 @@ class Dispatcher::StepScope {
   StepScope(Dispatcher& dispatcher, std::string_view name)
       : dispatcher_(dispatcher), flushes_(dispatcher.undo_.flushCount()) {
     if (dispatcher.step_ || !dispatcher.undo_.isRecording()) return;
+    settlePendingEdits(dispatcher.session_);
     own_.emplace();
     own_->name = name;
     own_->sets.emplace_back();
@@ -233,11 +235,13 @@ void Dispatcher::runOutside(const std::function<void()>& run) {
 
 Result<void> Dispatcher::undo() {
   if (step_ && !step_->isEmpty()) return fail("Can't undo while a command is at work.");
+  settlePendingEdits(session_);
   return undo_.undo();
 }
 
 Result<void> Dispatcher::redo() {
   if (step_ && !step_->isEmpty()) return fail("Can't redo while a command is at work.");
+  settlePendingEdits(session_);
   return undo_.redo();
 }
 

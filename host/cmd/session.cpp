@@ -6,6 +6,7 @@
 #include "host/base/assert.h"
 #include "host/base/messages.h"
 #include "host/cmd/loop.h"
+#include "host/cmd/pending_edits.h"
 
 namespace host::cmd {
 
@@ -53,6 +54,7 @@ Session::~Session() {
       (void)pluginLoader->unload(*name, true);
   }
   pluginLoader.reset();
+  if (const auto finish = std::exchange(pendingEdits().finish, {})) finish();
   undo_->flush();
   plugInState.reset();
   workspace.reset();
@@ -74,18 +76,24 @@ class LineScope {
  public:
   LineScope(UndoQueue& queue, std::string_view text, bool isOutermost, bool records)
       : queue_(queue), isLine_(isOutermost && records), isSuspended_(!records) {
-    if (isLine_) queue_.beginLine(text);
+    if (isLine_) {
+      lineBefore_ = std::exchange(pendingEdits().line, std::string(text));
+      queue_.beginLine(text);
+    }
     if (isSuspended_) queue_.suspend();
   }
   ~LineScope() {
     if (isSuspended_) queue_.resume();
-    if (isLine_) queue_.endLine();
+    if (!isLine_) return;
+    pendingEdits().line = std::move(lineBefore_);
+    queue_.endLine();
   }
   LineScope(const LineScope&) = delete;
   LineScope& operator=(const LineScope&) = delete;
 
  private:
   UndoQueue& queue_;
+  std::string lineBefore_;  ///< of the script that makes a gesture, while the gesture runs lines
   bool isLine_, isSuspended_;
 };
 
@@ -177,6 +185,7 @@ void Session::runByHand(const std::function<void()>& run) {
 
 void Session::newScene() {
   scriptJobs_->triggerEvent("deleteAll");
+  settlePendingEdits(*this);
   undo_->flush();
   const scene::Journal::Scope unrecorded(document_->journal(), nullptr);
   document_->reset();

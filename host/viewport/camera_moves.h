@@ -17,8 +17,8 @@ void tumble(Camera& camera, const Vec3& pivot, double azimuthDegrees, double ele
 [[nodiscard]] Vec3 tumbleCentre(const Camera& camera, bool aboutInterest);
 
 /// Slides the camera so that what lies at the depth of the centre of interest follows the cursor by
-/// (dx, dy) pixels. A tumble pivot that is set goes along, so that the middle of the view stays what a later
-/// tumble turns about (whether the real host carries it along isn't documented).
+/// (dx, dy) pixels. A tumble pivot that is set goes along, so that the middle of the view stays
+/// what a later tumble turns about (whether the real host carries it along isn't documented).
 void track(Camera& camera, PortSize port, double dx, double dy);
 
 /// Moves towards the centre of interest (perspective) or narrows the view (orthographic) by a

@@ -1,6 +1,8 @@
 #include "host/viewport/scene_gather.h"
 
 #include <algorithm>
+#include <span>
+#include <unordered_map>
 
 #include "host/scene/dag_paths.h"
 #include "host/scene/mesh_data.h"
@@ -66,18 +68,87 @@ void addComponents(const Component& component, const mesh::Mesh& mesh, Component
   }
 }
 
+struct PathHash {
+  std::size_t operator()(const DagPath& path) const {
+    std::size_t hash = path.length();
+    for (const dg::Node* node : path.nodes())
+      hash = hash * 1099511628211ULL + std::hash<const dg::Node*>{}(node);
+    return hash;
+  }
+};
+
+/// What the selection and the hilite list say of each path, read once: asking takes constant time
+/// however much is selected.
+class PathStates {
+ public:
+  explicit PathStates(const scene::Document& document) {
+    for (const SelectionItem& item : document.hilite().items())
+      if (item.isDag()) hilited_.insert(item.path.toShape());
+    const std::vector<SelectionItem>& items = document.selection().items();
+    for (std::size_t i = 0; i < items.size(); ++i) {
+      const SelectionItem& item = items[i];
+      if (!item.isDag()) continue;
+      if (!item.isObject())
+        withComponents_[item.path.toShape()].push_back(&item);
+      else
+        objects_[item.path] = i + 1 == items.size() ? ObjectState::Lead : ObjectState::Selected;
+    }
+  }
+
+  [[nodiscard]] bool isHilited(const DagPath& shape) const { return hilited_.contains(shape); }
+  /// Selected, Lead or Dormant, by an item of exactly this path.
+  [[nodiscard]] ObjectState objectState(const DagPath& path) const {
+    const auto found = objects_.find(path);
+    return found == objects_.end() ? ObjectState::Dormant : found->second;
+  }
+  /// The same by items of the path or of any above it.
+  [[nodiscard]] ObjectState coveringState(DagPath path) const {
+    ObjectState state = ObjectState::Dormant;
+    for (; !objects_.empty() && !path.isWorld(); path = path.parent())
+      state = stronger(state, objectState(path));
+    return state;
+  }
+  [[nodiscard]] std::span<const SelectionItem* const> componentsOf(const DagPath& shape) const {
+    const auto found = withComponents_.find(shape);
+    if (found == withComponents_.end()) return {};
+    return found->second;
+  }
+
+  /// The lead object stands out among all that are selected.
+  static ObjectState stronger(ObjectState a, ObjectState b) {
+    if (a == ObjectState::Lead || b == ObjectState::Lead) return ObjectState::Lead;
+    return a == ObjectState::Selected ? a : b;
+  }
+
+ private:
+  std::unordered_set<DagPath, PathHash> hilited_;
+  std::unordered_map<DagPath, ObjectState, PathHash> objects_;
+  std::unordered_map<DagPath, std::vector<const SelectionItem*>, PathHash> withComponents_;
+};
+
 /// Walks the hierarchy and collects the meshes that show.
 class Gatherer {
  public:
   Gatherer(scene::Document& document, const GatherOptions& options)
-      : document_(document), options_(options) {}
+      : document_(document), options_(options), states_(document) {}
 
   std::vector<RenderMesh> run() {
     for (dg::Node* node : document_.worldChildren()) visit(DagPath({node}));
     return std::move(meshes_);
   }
 
-  Result<RenderMesh> make(const DagPath& path, bool isTemplateObject) const {
+  Result<RenderMesh> makeAlone(const DagPath& path) const {
+    return make(path, false, states_.coveringState(path));
+  }
+
+ private:
+  /// What comes down from the nodes above.
+  struct Above {
+    ObjectState selected = ObjectState::Dormant;
+    bool isTemplate = false, isListed = false;
+  };
+
+  Result<RenderMesh> make(const DagPath& path, bool isTemplateObject, ObjectState selected) const {
     dg::Node& shape = *path.node();
     const Result<dg::Value> value = document_.graph().get(shape.plug("outMesh"));
     if (!value) return failWith(value.error());
@@ -89,64 +160,49 @@ class Gatherer {
     mesh.name = path.fullName();
     mesh.mesh = data->mesh;
     mesh.world = path.inclusiveMatrix();
-    mesh.state = isTemplateObject ? ObjectState::Template : stateOf(path);
+    mesh.state = isTemplateObject          ? ObjectState::Template
+                 : states_.isHilited(path) ? ObjectState::Hilited
+                                           : selected;
     mesh.showVertices = (options_.vertexMode && mesh.state == ObjectState::Hilited) ||
                         isOn(shape, "displayVertices", false);
     mesh.showHardEdges = isOn(shape, "displayEdges", false);
     mesh.showBorderEdges = isOn(shape, "displayBorders", false);
     mesh.showColors = isOn(shape, "displayColors", false);
-    for (const SelectionItem& item : document_.selection().items())
-      if (item.isDag() && !item.isObject() && item.path.toShape() == path)
-        for (const Component& component : item.components)
-          addComponents(component, mesh.mesh, mesh.selected);
+    for (const SelectionItem* item : states_.componentsOf(path))
+      for (const Component& component : item->components)
+        addComponents(component, mesh.mesh, mesh.selected);
     return mesh;
   }
 
- private:
   void visit(const DagPath& top) {
-    struct Level {
-      bool isTemplate, isListed;
-    };
-    std::vector<Level> levels;  // of the nodes from the top to the one visited
+    std::vector<Above> levels;  // of the nodes from the top to the one visited
     scene::PathWalk walk(top);
     while (!walk.isDone()) {
       dg::Node& node = walk.node();
-      if (&node == options_.hide || !isShown(node)) {
+      if (!isShown(node)) {
         walk.skipBelow();
         continue;
       }
       levels.resize(walk.depth());
-      Level here{isTemplate(node), !options_.only || options_.only->count(&node) > 0};
+      Above here{states_.objectState(walk.path()), isTemplate(node),
+                 !options_.only || options_.only->count(&node) > 0};
       if (!levels.empty()) {
+        here.selected = PathStates::stronger(levels.back().selected, here.selected);
         here.isTemplate = here.isTemplate || levels.back().isTemplate;
         here.isListed = here.isListed || levels.back().isListed;
       }
       levels.push_back(here);
       if (here.isListed && node.type().isA("mesh")) {
-        Result<RenderMesh> mesh = make(walk.path(), here.isTemplate);
+        Result<RenderMesh> mesh = make(walk.path(), here.isTemplate, here.selected);
         if (mesh) meshes_.push_back(std::move(*mesh));
       }
       walk.next();
     }
   }
 
-  [[nodiscard]] ObjectState stateOf(const DagPath& path) const {
-    const auto covers = [&](const SelectionItem& item) {
-      return item.isDag() && (item.path == path || item.path.isAncestorOf(path));
-    };
-    for (const SelectionItem& item : document_.hilite().items())
-      if (item.isDag() && item.path.toShape() == path) return ObjectState::Hilited;
-    const std::vector<SelectionItem>& items = document_.selection().items();
-    ObjectState state = ObjectState::Dormant;
-    for (std::size_t i = 0; i < items.size(); ++i) {
-      if (!items[i].isObject() || !covers(items[i])) continue;
-      state = i + 1 == items.size() ? ObjectState::Lead : ObjectState::Selected;
-    }
-    return state;
-  }
-
   scene::Document& document_;
   const GatherOptions& options_;
+  PathStates states_;
   std::vector<RenderMesh> meshes_;
 };
 
@@ -160,7 +216,7 @@ Result<RenderMesh> gatherMesh(scene::Document& document, const DagPath& shape) {
   if (shape.isWorld() || !shape.isValid() || !shape.node()->type().isA("mesh"))
     return fail("There is no mesh to look at.");
   const GatherOptions options;
-  return Gatherer(document, options).make(shape, false);
+  return Gatherer(document, options).makeAlone(shape);
 }
 
 Result<Camera> gatherCamera(const DagPath& path) {

@@ -9,8 +9,7 @@
 namespace host::viewport {
 
 struct GatherOptions {
-  bool vertexMode = false;         ///< dots on the vertices of hilited meshes
-  const dg::Node* hide = nullptr;  ///< leave out what hangs under this node; none: show all
+  bool vertexMode = false;  ///< dots on the vertices of hilited meshes
   /// Show only these nodes and what hangs under them; none: show all.
   const std::unordered_set<const dg::Node*>* only = nullptr;
 };

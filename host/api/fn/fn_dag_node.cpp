@@ -5,7 +5,9 @@
 
 #include "host/api/core/access.h"
 #include "host/cmd/session.h"
+#include "host/edits/duplicate.h"
 #include "host/scene/dag_paths.h"
+#include "host/workspace/edit_hooks.h"
 
 namespace host::api {
 namespace {
@@ -214,14 +216,20 @@ unsigned int MFnDagNode::instanceCount(bool total, MStatus* status) const {
 MObject MFnDagNode::duplicate(bool instance, bool, MStatus* status) const {
   dg::Node* node = dagNodeIn(object_, status);
   if (!node) return MObject();
-  const std::string path =
-      (api::pathOf(path_).isWorld() ? scene::firstPath(*node) : api::pathOf(path_)).fullName();
-  const auto made = cmd::currentSession().executeLine(
-      (instance ? "instance " : "duplicate ") + path, {.undo = false});
-  setStatus(status, api::toStatus(made).statusCode());
-  if (!made || made->toTexts().empty()) return MObject();
-  const auto found = api::document().node(made->toTexts().front());
-  return found ? wrap(*found) : MObject();
+  scene::SelectionList list;
+  list.add(api::pathOf(path_).isWorld() ? scene::firstPath(*node) : api::pathOf(path_));
+  const edits::DuplicateHooks hooks = workspace::duplicateHooks(cmd::currentSession());
+  dg::NodePtr made;
+  if (instance) {
+    const auto nodes = edits::instance(api::document(), std::move(list), {.hooks = &hooks});
+    setStatus(status, api::toStatus(nodes).statusCode());
+    if (nodes) made = nodes->front();
+  } else {
+    const auto copies = edits::duplicate(api::document(), std::move(list), {.hooks = &hooks});
+    setStatus(status, api::toStatus(copies).statusCode());
+    if (copies) made = copies->front().node;
+  }
+  return made ? wrap(made) : MObject();
 }
 
 MStatus MFnDagNode::getPath(MDagPath& path) {

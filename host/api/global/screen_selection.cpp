@@ -8,9 +8,10 @@
 #include "host/api/core/fn_types.h"
 #include "host/api/session/api_state.h"
 #include "host/cmd/session.h"
+#include "host/edits/time.h"
 #include "host/nodes/sets.h"
 #include "host/tools/screen_pick.h"
-#include "host/workspace/workspace.h"
+#include "host/workspace/edit_hooks.h"
 
 namespace host::api {
 namespace {
@@ -38,27 +39,29 @@ constexpr MaskWord kComponentWords[] = {{MSelectionMask::kSelectMeshVerts, "vert
                                         {MSelectionMask::kSelectEditPoints, "editPoint"},
                                         {MSelectionMask::kSelectHulls, "hull"}};
 
-template <std::size_t Count>
-MSelectionMask readMask(const MaskWord (&words)[Count], MStatus* status) {
+template <std::size_t Count, class IsOn>
+MSelectionMask readMask(const MaskWord (&words)[Count], const IsOn& isOn, MStatus* status) {
   setStatus(status, MStatus::kSuccess);
   MSelectionMask mask;
-  for (const MaskWord& entry : words) {
-    const auto value = cmd::currentSession().executeLine(
-        std::string("selectType -q -") + entry.word, {.undo = false});
-    if (!value)
-      setStatus(status, toStatus(value).statusCode());
-    else if (value->toInt().value_or(0) != 0)
-      mask.addMask(entry.type);
-  }
+  for (const MaskWord& entry : words)
+    if (isOn(entry.word)) mask.addMask(entry.type);
   return mask;
 }
 
+/// Puts the words of what the mask has, or of what it lacks, into the kinds, and takes the others
+/// out.
 template <std::size_t Count>
-MStatus writeMask(const MaskWord (&words)[Count], const MSelectionMask& mask) {
-  std::string command = "selectType";
-  for (const MaskWord& entry : words)
-    command += std::string(" -") + entry.word + (mask.intersects(entry.type) ? " true" : " false");
-  return toStatus(cmd::currentSession().executeLine(command, {.undo = false}));
+MStatus writeMask(const MaskWord (&words)[Count], const MSelectionMask& mask, bool listsWhatIsOn,
+                  workspace::SelectionModes::Kinds workspace::SelectionModes::*kinds) {
+  workspace::SelectionModes modes = workspace::workspaceOf(cmd::currentSession()).selectionModes;
+  for (const MaskWord& entry : words) {
+    if (mask.intersects(entry.type) == listsWhatIsOn)
+      (modes.*kinds).insert(entry.word);
+    else
+      (modes.*kinds).erase(entry.word);
+  }
+  workspace::setSelectionModes(cmd::currentSession(), std::move(modes));
+  return MStatus::kSuccess;
 }
 
 MStatus selectInRectangle(viewport::PickRect rect, MGlobal::ListAdjustment how) {
@@ -119,10 +122,14 @@ MSelectionMask MGlobal::animSelectionMask(MStatus* status) {
   return api::settings().anim;
 }
 MSelectionMask MGlobal::objectSelectionMask(MStatus* status) {
-  return api::readMask(api::kObjectWords, status);
+  const auto& off = workspace::workspaceOf(cmd::currentSession()).selectionModes.objectTypesOff;
+  return api::readMask(
+      api::kObjectWords, [&](const char* word) { return !off.contains(word); }, status);
 }
 MSelectionMask MGlobal::componentSelectionMask(MStatus* status) {
-  return api::readMask(api::kComponentWords, status);
+  const auto& on = workspace::workspaceOf(cmd::currentSession()).selectionModes.componentTypes;
+  return api::readMask(
+      api::kComponentWords, [&](const char* word) { return on.contains(word); }, status);
 }
 MStatus MGlobal::setMiscSelectionMask(const MSelectionMask& mask) {
   api::settings().misc = mask;
@@ -133,10 +140,11 @@ MStatus MGlobal::setAnimSelectionMask(const MSelectionMask& mask) {
   return MStatus::kSuccess;
 }
 MStatus MGlobal::setObjectSelectionMask(const MSelectionMask& mask) {
-  return api::writeMask(api::kObjectWords, mask);
+  return api::writeMask(api::kObjectWords, mask, false, &workspace::SelectionModes::objectTypesOff);
 }
 MStatus MGlobal::setComponentSelectionMask(const MSelectionMask& mask) {
-  return api::writeMask(api::kComponentWords, mask);
+  return api::writeMask(api::kComponentWords, mask, true,
+                        &workspace::SelectionModes::componentTypes);
 }
 
 MStatus MGlobal::getPreselectionHiliteList(MSelectionList& dest) {
@@ -190,11 +198,12 @@ MStatus MGlobal::setDisplayCVs(const MObject& object, bool useSelected) {
 }
 
 MStatus MGlobal::viewFrame(double frame) {
-  return api::toStatus(
-      cmd::currentSession().executeLine("currentTime " + std::to_string(frame), {.undo = false}));
+  return viewFrame(MTime(frame, MTime::uiUnit()));
 }
 MStatus MGlobal::viewFrame(const MTime& time) {
-  return viewFrame(time.as(MTime::uiUnit()));
+  const auto done = edits::setCurrentTime(api::document(), time.as(MTime::kSeconds));
+  if (done) cmd::currentSession().scriptJobs().triggerEvent("timeChanged");
+  return api::toStatus(done);
 }
 
 MString MGlobal::getAbsolutePathToResources() {

@@ -2,6 +2,8 @@
 
 #include "host/api/core/access.h"
 #include "host/cmd/session.h"
+#include "host/edits/select.h"
+#include "host/workspace/edit_hooks.h"
 
 namespace host::api {
 namespace {
@@ -29,16 +31,6 @@ MStatus adjustByName(const MString& name, MGlobal::ListAdjustment how) {
   if (found->isEmpty()) return MStatus::kInvalidParameter;
   adjust(*found, how);
   return MStatus::kSuccess;
-}
-
-MStatus runWords(const std::string& command) {
-  const auto done = cmd::currentSession().executeLine(command, {.undo = false});
-  return toStatus(done);
-}
-
-bool queryFlag(const char* command) {
-  const auto value = cmd::currentSession().executeLine(command, {.undo = false});
-  return value && value->toInt().value_or(0) != 0;
 }
 
 }  // namespace
@@ -94,10 +86,13 @@ MStatus MGlobal::selectByName(const MString& name, ListAdjustment listAdjustment
   return api::adjustByName(name, listAdjustment);
 }
 MStatus MGlobal::selectCommand(const MSelectionList& src, ListAdjustment listAdjustment) {
-  static const char* const kFlags[] = {"-r", "-tgl", "-add", "-d", "-af"};
-  std::string command = std::string("select ") + kFlags[listAdjustment];
-  for (const std::string& name : api::listOf(src).names()) command += " " + name;
-  const auto done = cmd::currentSession().executeLine(command);
+  using edits::SelectHow;
+  static constexpr SelectHow kHow[] = {SelectHow::Replace, SelectHow::Toggle, SelectHow::Add,
+                                       SelectHow::Remove, SelectHow::AddFirst};
+  const auto done = cmd::currentSession().dispatcher().recordStep("select", [&]() -> Result<void> {
+    edits::select(api::document(), edits::expandSets(api::listOf(src)), kHow[listAdjustment]);
+    return {};
+  });
   return api::toStatus(done);
 }
 MStatus MGlobal::unselect(const MDagPath& object, const MObject& component) {
@@ -112,14 +107,15 @@ MStatus MGlobal::unselectByName(const MString& name) {
 
 MGlobal::SelectionMode MGlobal::selectionMode(MStatus* status) {
   setStatus(status, MStatus::kSuccess);
-  if (api::queryFlag("selectMode -q -component")) return kSelectComponentMode;
-  if (api::queryFlag("selectMode -q -root")) return kSelectRootMode;
-  if (api::queryFlag("selectMode -q -leaf")) return kSelectLeafMode;
-  if (api::queryFlag("selectMode -q -template")) return kSelectTemplateMode;
-  return kSelectObjectMode;
+  // There is no picking of roots, leaves or templates alone.
+  return workspace::workspaceOf(cmd::currentSession()).selectionModes.isComponentMode
+             ? kSelectComponentMode
+             : kSelectObjectMode;
 }
 MStatus MGlobal::setSelectionMode(SelectionMode mode) {
-  static const char* const kFlags[] = {"-object", "-component", "-root",
-                                       "-leaf",   "-template",  "-component"};
-  return api::runWords(std::string("selectMode ") + kFlags[mode]);
+  workspace::SelectionModes modes = workspace::workspaceOf(cmd::currentSession()).selectionModes;
+  if (mode == kSelectObjectMode) modes.isComponentMode = false;
+  if (mode == kSelectComponentMode || mode == kSelectHandleMode) modes.isComponentMode = true;
+  workspace::setSelectionModes(cmd::currentSession(), std::move(modes));
+  return MStatus::kSuccess;
 }

@@ -4,7 +4,9 @@
 #include "host/api/node/px_node.h"
 #include "host/api/plugin/plugin_record.h"
 #include "host/base/messages.h"
+#include "host/builtins/ui/control_values.h"
 #include "host/cmd/session.h"
+#include "host/workspace/workspace.h"
 
 using namespace host;
 using api::PluginRecord;
@@ -40,13 +42,24 @@ MStatus registerType(PluginRecord* record, api::NodeClass nodeClass, const MType
   return MStatus::kSuccess;
 }
 
-std::string quoted(const MString& text) {
-  std::string result = "\"";
-  for (const char each : api::toStd(text)) {
-    if (each == '"' || each == '\\') result += '\\';
-    result += each;
+struct ItemValue {
+  const char* attribute;
+  ui::Atom value;
+};
+
+/// A menu item with these values, or none where one doesn't fit.
+Result<ui::Control*> addItem(const MString& parent, const std::vector<ItemValue>& values) {
+  ui::Tree& tree = workspace::workspaceOf(cmd::currentSession()).controls;
+  const ui::ControlType& type = *ui::findControlType("menuItem");
+  const auto item = tree.create(type, {}, api::toStd(parent));
+  if (!item) return item;
+  for (const ItemValue& each : values) {
+    const auto set = tree.set(**item, *type.find(each.attribute), {each.value});
+    if (set) continue;
+    (void)tree.remove(**item);
+    return failWith(set.error());
   }
-  return result + "\"";
+  return item;
 }
 
 }  // namespace
@@ -120,24 +133,27 @@ MStringArray MFnPlugin::addMenuItem(const MString& menuItemName, const MString& 
                                     MStatus* status) {
   MStringArray names;
   const std::string command = api::toStd(commandName) + " " + api::toStd(commandParams);
-  const auto add = [&](const std::string& flags, const MString& script) {
-    const std::string line =
-        "menuItem -parent " + quoted(parentName) + flags + " -command " + quoted(script);
-    const auto made = cmd::currentSession().executeLine(line, {.undo = false});
-    if (made && !made->toTexts().empty()) names.append(api::toMString(made->toTexts().front()));
-    return static_cast<bool>(made);
+  const auto add = [&](const std::vector<ItemValue>& values) {
+    const auto item = addItem(parentName, values);
+    if (item) names.append(api::toMString(ui::Tree::path(**item)));
+    return item ? MStatus(MStatus::kSuccess) : refuse(item.error().message);
   };
-  bool isDone = add(" -label " + quoted(menuItemName), api::toMString(command));
-  if (isDone && needOptionBox && optBoxFunction) isDone = add(" -optionBox true", *optBoxFunction);
-  setStatus(status, isDone ? MStatus::kSuccess : MStatus::kFailure);
+  MStatus done = add({{"label", api::toStd(menuItemName)}, {"command", command}});
+  if (done && needOptionBox && optBoxFunction)
+    done = add({{"optionBox", 1}, {"command", api::toStd(*optBoxFunction)}});
+  setStatus(status, done.statusCode());
   return names;
 }
 
 MStatus MFnPlugin::removeMenuItem(MStringArray& menuItemNames) {
   MStatus status;
+  cmd::Context context{cmd::currentSession(), api::document()};
+  ui::Tree& tree = workspace::workspaceOf(context.session).controls;
   for (unsigned int i = 0; i < menuItemNames.length(); ++i) {
-    const std::string line = "deleteUI -menuItem " + quoted(menuItemNames[i]);
-    if (!cmd::currentSession().executeLine(line, {.undo = false})) status = MStatus::kFailure;
+    const auto item = tree.find(api::toStd(menuItemNames[i]), *ui::findControlType("menuItem"));
+    const Result<void> removed =
+        item ? builtins::removeControl(context, **item) : failWith(item.error());
+    if (!removed) status = refuse(removed.error().message);
   }
   menuItemNames.clear();
   return status;

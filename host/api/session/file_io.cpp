@@ -1,7 +1,8 @@
-#include <fmt/format.h>
 #include <maya/MFileIO.h>
 
 #include "host/api/core/access.h"
+#include "host/base/messages.h"
+#include "host/builtins/file/scene_files.h"
 #include "host/cmd/session.h"
 #include "host/workspace/workspace.h"
 
@@ -15,20 +16,22 @@ Work work() {
   return workspace::workspaceOf(cmd::currentSession()).sceneHooks.work;
 }
 
-std::string quoted(const MString& text) {
-  std::string result = "\"";
-  for (const char each : api::toStd(text)) {
-    if (each == '"' || each == '\\') result += '\\';
-    result += each;
-  }
-  return result + "\"";
+builtins::FileRequest request(const MString& path, const char* type, bool force = false) {
+  builtins::FileRequest request{.path = api::toStd(path), .isForced = force};
+  if (type) request.type = type;
+  return request;
 }
 
-/// Files are read and written by the `file` command, which knows the formats.
-MStatus runFile(const std::string& flags, const MString& name, const char* type) {
-  const std::string typeFlag = type ? " -type " + quoted(type) : std::string();
-  const auto done = cmd::currentSession().executeLine(
-      "file " + flags + typeFlag + (name.length() > 0 ? " " + quoted(name) : std::string()));
+/// Runs a work on files as the `file` command would: one step, its fault a message as well.
+template <class Work>
+MStatus runFile(const Work& work) {
+  cmd::Session& session = cmd::currentSession();
+  cmd::Context context{session, session.document()};
+  const auto done = session.dispatcher().recordStep("file", [&]() -> Result<void> {
+    HOST_TRY(work(context));
+    return {};
+  });
+  if (!done) postMessage(MessageKind::Error, done.error().message);
   return api::toStatus(done);
 }
 
@@ -39,40 +42,51 @@ MString MFileIO::currentFile() {
   return api::toMString(name.empty() ? "untitled" : name);
 }
 MStatus MFileIO::setCurrentFile(const MString& fileName) {
-  return runFile("-rename " + quoted(fileName), "", nullptr);
+  cmd::Context context{cmd::currentSession(), api::document()};
+  (void)builtins::renameScene(context, api::toStd(fileName));
+  return MStatus::kSuccess;
 }
 MString MFileIO::fileType() {
-  const auto type =
-      cmd::currentSession().executeLine("file -q -type", {.undo = false, .postErrors = false});
-  return type && !type->toTexts().empty() ? api::toMString(type->toTexts().front()) : MString();
+  cmd::Context context{cmd::currentSession(), api::document()};
+  return api::toMString(builtins::fileType(context));
 }
 MStatus MFileIO::newFile(bool force) {
-  return runFile(force ? "-new -force" : "-new", "", nullptr);
+  return runFile([&](cmd::Context& context) { return builtins::newScene(context, force); });
 }
 MStatus MFileIO::open(const MString& fileName, const char* type, bool force) {
-  return runFile(force ? "-open -force" : "-open", fileName, type);
+  return runFile([&](cmd::Context& context) {
+    return builtins::openScene(context, request(fileName, type, force));
+  });
 }
 MStatus MFileIO::save(bool force) {
-  return runFile(force ? "-save -force" : "-save", "", nullptr);
+  return runFile([&](cmd::Context& context) {
+    return builtins::saveScene(context, request(MString(), nullptr, force));
+  });
 }
 MStatus MFileIO::saveAs(const MString& fileName, const char* type, bool force) {
-  const MString before = api::toMString(api::document().fileName());
+  const std::string before = api::document().fileName();
   MStatus status = setCurrentFile(fileName);
-  if (!status) return status;
-  status = runFile(force ? "-save -force" : "-save", "", type);
-  if (!status) api::document().setFileName(api::toStd(before));
+  status = runFile([&](cmd::Context& context) {
+    return builtins::saveScene(context, request(MString(), type, force));
+  });
+  if (!status) api::document().setFileName(before);
   return status;
 }
 MStatus MFileIO::importFile(const MString& fileName, const char* type, bool,
                             const char* nameSpace) {
-  const std::string space = nameSpace ? " -namespace " + quoted(nameSpace) : std::string();
-  return runFile("-import" + space, fileName, type);
+  builtins::FileRequest wanted = request(fileName, type);
+  if (nameSpace) wanted.nameSpace = nameSpace;
+  return runFile([&](cmd::Context& context) { return builtins::importFile(context, wanted); });
 }
 MStatus MFileIO::exportSelected(const MString& fileName, const char* type, bool) {
-  return runFile("-exportSelected -force", fileName, type);
+  return runFile([&](cmd::Context& context) {
+    return builtins::exportScene(context, request(fileName, type, true), true);
+  });
 }
 MStatus MFileIO::exportAll(const MString& fileName, const char* type, bool) {
-  return runFile("-exportAll -force", fileName, type);
+  return runFile([&](cmd::Context& context) {
+    return builtins::exportScene(context, request(fileName, type, true), false);
+  });
 }
 bool MFileIO::isReadingFile() {
   return work() == Work::Importing || work() == Work::Opening;

@@ -47,15 +47,6 @@ ShapePoints fanOf(const math::Vec3& center, const ShapePoints& run, bool isClose
   return triangles;
 }
 
-ShapePoints stripOf(const ShapePoints& run) {
-  ShapePoints triangles;
-  for (std::size_t i = 0; i + 2 < run.size(); ++i) {
-    const std::size_t odd = i % 2;  // every other triangle runs the other way round
-    triangles.insert(triangles.end(), {run[i + odd], run[i + 1 - odd], run[i + 2]});
-  }
-  return triangles;
-}
-
 ShapePoints sphereTriangles(const math::Vec3& center, double radius) {
   constexpr int kRings = 12, kSides = 24;
   const auto at = [&](int ring, int side) {

@@ -26,8 +26,6 @@ struct PlaneFrame {
 [[nodiscard]] ShapePoints segmentsOf(const ShapePoints& run, bool isClosed);
 /// Triangles from a centre to each segment of a run.
 [[nodiscard]] ShapePoints fanOf(const math::Vec3& center, const ShapePoints& run, bool isClosed);
-/// Triangles of a strip.
-[[nodiscard]] ShapePoints stripOf(const ShapePoints& run);
 [[nodiscard]] ShapePoints sphereTriangles(const math::Vec3& center, double radius);
 
 }  // namespace host::api

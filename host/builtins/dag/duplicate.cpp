@@ -1,240 +1,47 @@
-#include <map>
+// duplicate and instance.
+#include "host/edits/duplicate.h"
 
 #include "host/builtins/common/command.h"
-#include "host/nodes/mesh_shape.h"
-#include "host/nodes/sets.h"
-#include "host/workspace/workspace.h"
+#include "host/workspace/edit_hooks.h"
 
 namespace host::builtins {
 
 namespace {
 
-using dg::Plug;
-using scene::DagPath;
-using scene::Node;
-
-/// Copies nodes with their values, one call's worth; remembers which copy stands for which node.
-class Duplicator {
- public:
-  Duplicator(Context& context, const ParsedArgs& args)
-      : document_(context.document),
-        args_(args),
-        hooks_(workspace::workspaceOf(context.session).duplicateHooks) {}
-
-  Result<Node*> copyTree(const DagPath& path, Node* parent, const std::string& wanted) {
-    Node& original = *path.node();
-    const std::string name = wanted.empty() ? numberless(original.name()) + "#" : wanted;
-    auto copy = copyOne(original, name, parent);
-    if (!copy) return copy;
-    copies_.push_back(*copy);
-    HOST_TRY(copyChildren(path, **copy, args_.has("renameChildren")));
-    return copy;
-  }
-
-  Result<Node*> copyOne(Node& original, const std::string& name, Node* parent) {
-    auto created = document_.createNode(original.type().name, name, parent);
-    if (!created) return failWith(std::move(created.error()));
-    Node& copy = **created;
-    copyOf_[&original] = &copy;
-    HOST_TRY(copyAttributes(original, copy));
-    if (original.type().isA("mesh")) {
-      // The copy holds what is seen now; the history stays with the original.
-      auto mesh = nodes::evaluatedMesh(original);
-      if (!mesh) return failWith(std::move(mesh.error()));
-      HOST_TRY(nodes::setStoredMesh(copy, std::move(*mesh)));
-    }
-    HOST_TRY(shareShading(original, copy));
-    hooks_.copied(original, copy);
-    return &copy;
-  }
-
-  /// The nodes that feed the copies get copied as well, or feed both.
-  Result<void> connectInputs(bool copiesUpstream) {
-    for (std::size_t done = 0; done < order_.size(); ++done) {
-      Node& original = *order_[done];
-      for (const dg::Graph::Connection& connection : document_.graph().incoming(original)) {
-        Node* from = connection.source.node();
-        if (connection.destination.attribute()->top().longName == "instObjGroups") continue;
-        if (copiesUpstream && !scene::isDagNode(*from) && !from->isDefault() &&
-            !copyOf_.count(from)) {
-          auto copied = copyOne(*from, numberless(from->name()) + "#", nullptr);
-          if (!copied) return failWith(std::move(copied.error()));
-          order_.push_back(from);
-        }
-        const Plug source =
-            copyOf_.count(from) ? moved(connection.source, *copyOf_[from]) : connection.source;
-        HOST_TRY(document_.graph().connect(
-            source, moved(connection.destination, *copyOf_[&original]), true));
-      }
-    }
-    return {};
-  }
-  void startInputs() {
-    for (const auto& [original, copy] : copyOf_) order_.push_back(original);
-  }
-
-  [[nodiscard]] const std::vector<Node*>& copies() const { return copies_; }
-
- private:
-  /// Whether what is at the ends of the hierarchy is shared between original and copy.
-  [[nodiscard]] bool sharesLeaves() const { return args_.has("instanceLeaf") || args_.has("leaf"); }
-
-  static std::string numberless(std::string name) {
-    while (!name.empty() && name.back() >= '0' && name.back() <= '9') name.pop_back();
-    return name;
-  }
-
-  /// The same plug on another node of the type.
-  static Plug moved(const Plug& plug, Node& node) {
-    return dg::parsePlug(node, plug.attributePath()).value_or(Plug());
-  }
-
-  Result<void> copyChildren(const DagPath& path, Node& copy, bool renames) {
-    if (args_.has("parentOnly")) return {};
-    const std::vector<Node*> children = scene::dagLinks(*path.node()).children;
-    for (Node* child : children) {
-      const DagPath childPath = path.child(child);
-      if (scene::isShape(*child)) {
-        const Plug intermediate = child->plug("intermediateObject");
-        auto value = document_.graph().get(intermediate);
-        if (value && dg::equal(*value, std::int64_t{1})) continue;
-        if (sharesLeaves()) {
-          HOST_TRY(document_.addInstance(*child, &copy));
-          continue;
-        }
-        auto shape = copyOne(*child, shapeNameFor(copy.name()), &copy);
-        if (!shape) return failWith(std::move(shape.error()));
-        continue;
-      }
-      auto below =
-          copyOne(*child, renames ? numberless(child->name()) + "#" : child->name(), &copy);
-      if (!below) return failWith(std::move(below.error()));
-      copies_.push_back(*below);
-      HOST_TRY(copyChildren(childPath, **below, renames));
-    }
-    return {};
-  }
-
-  Result<void> copyAttributes(Node& from, Node& to) {
-    for (const dg::AttributePtr& attribute : from.dynamicAttributes()) {
-      if (to.findAttribute(attribute->longName)) continue;
-      auto added = document_.graph().addAttribute(to, attribute->clone());
-      if (!added) return failWith(std::move(added.error()));
-    }
-    for (const dg::AttributePtr& attribute : from.type().attributes())
-      HOST_TRY(copyValue(from.plug(attribute.get()), to.plug(attribute.get())));
-    for (const dg::AttributePtr& attribute : from.dynamicAttributes())
-      HOST_TRY(copyValue(from.plug(attribute.get()), to.plug(attribute->longName)));
-    return {};
-  }
-
-  Result<void> copyValue(const Plug& from, const Plug& to) {
-    const dg::Attribute& attribute = *from.attribute();
-    dg::Graph& graph = document_.graph();
-    if (!attribute.writable || !attribute.storable || attribute.longName == "instObjGroups")
-      return {};
-    // The copy computes its own.
-    if (!attribute.top().isDynamic && from.node()->type().isComputed(&attribute)) return {};
-    if (from.isArray()) {
-      if (attribute.internalStorage) return {};
-      std::vector<Index> indices;
-      std::vector<double> values;
-      if (graph.getPacked(from, indices, values))
-        return indices.empty() ? Result<void>{}
-                               : graph.setPacked(to, std::move(indices), std::move(values));
-      for (const Index index : graph.elementIndices(from))
-        HOST_TRY(copyValue(from.element(index), to.element(index)));
-      return {};
-    }
-    if (from.isCompound()) {
-      for (std::size_t i = 0; i < attribute.children.size(); ++i)
-        HOST_TRY(copyValue(from.child(static_cast<int>(i)), to.child(static_cast<int>(i))));
-      return {};
-    }
-    if (attribute.internalStorage || attribute.type == dg::AttributeType::Message) return {};
-    auto value = graph.get(from);
-    if (!value) return failWith(std::move(value.error()));
-    if (dg::equal(*value, graph.stored(to)) || !graph.settable(to)) return {};
-    return graph.set(to, *value);
-  }
-
-  Result<void> shareShading(Node& from, Node& to) {
-    if (!scene::isShape(from)) return {};
-    for (const dg::Graph::Connection& connection : document_.graph().outgoing(from)) {
-      if (connection.source.attribute()->longName != "instObjGroups") continue;
-      scene::SelectionList list;
-      list.add(to.shared_from_this());
-      if (nodes::isSet(*connection.destination.node()))
-        HOST_TRY(nodes::addToSet(document_, *connection.destination.node(), list));
-    }
-    return {};
-  }
-
-  scene::Document& document_;
-  const ParsedArgs& args_;
-  const workspace::DuplicateHooks& hooks_;
-  std::map<Node*, Node*> copyOf_;
-  std::vector<Node*> order_, copies_;
-};
-
 CommandResult duplicate(Context& context, const ParsedArgs& args) {
-  scene::Document& document = context.document;
-  auto list = args.resolveObjects(document);
+  auto list = args.resolveObjects(context.document);
   if (!list) return failWith(std::move(list.error()));
   if (list->isEmpty()) return fail("duplicate: name or select objects.");
-  const workspace::DuplicateHooks& hooks = workspace::workspaceOf(context.session).duplicateHooks;
-  hooks.before();
-  Duplicator duplicator(context, args);
+  const edits::DuplicateHooks hooks = workspace::duplicateHooks(context.session);
+  const auto copies = edits::duplicate(context.document, *std::move(list),
+                                       {.name = args.text("name"),
+                                        .renamesChildren = args.has("renameChildren"),
+                                        .withoutChildren = args.has("parentOnly"),
+                                        .sharesShapes = args.has("instanceLeaf"),
+                                        .connectsInputs = args.has("inputConnections"),
+                                        .copiesUpstream = args.has("upstreamNodes"),
+                                        .hooks = &hooks});
+  if (!copies) return failWith(copies.error());
   std::vector<std::string> names;
-  scene::SelectionList copies;
-  for (const scene::SelectionItem& item : list->items()) {
-    Result<Node*> copy = nullptr;
-    const std::size_t before = duplicator.copies().size();
-    if (item.isDag()) {
-      const DagPath path = scene::isShape(*item.node) ? item.path.transform() : item.path;
-      copy = duplicator.copyTree(path, path.parent().node(), args.text("name"));
-    } else {
-      copy = duplicator.copyOne(*item.node, args.text("name", item.node->name()), nullptr);
-    }
-    if (!copy) return failWith(std::move(copy.error()));
-    copies.add((*copy)->shared_from_this());
-    names.push_back(nodeName(**copy));
+  for (const edits::Copy& copy : *copies) {
+    names.push_back(nodeName(*copy.node));
     if (args.has("returnRootsOnly")) continue;
-    for (std::size_t i = before + 1; i < duplicator.copies().size(); ++i)
-      names.push_back(nodeName(*duplicator.copies()[i]));
+    for (const dg::NodePtr& below : copy.below) names.push_back(nodeName(*below));
   }
-  if (args.has("inputConnections") || args.has("upstreamNodes")) {
-    duplicator.startInputs();
-    HOST_TRY(duplicator.connectInputs(args.has("upstreamNodes")));
-  }
-  document.setSelection(std::move(copies));
-  hooks.after();
   return toValue(std::move(names));
 }
 
 CommandResult instance(Context& context, const ParsedArgs& args) {
-  scene::Document& document = context.document;
-  auto list = args.resolveObjects(document);
+  auto list = args.resolveObjects(context.document);
   if (!list) return failWith(std::move(list.error()));
   if (list->isEmpty()) return fail("instance: name or select objects.");
+  const edits::DuplicateHooks hooks = workspace::duplicateHooks(context.session);
+  const auto made =
+      edits::instance(context.document, *std::move(list),
+                      {.name = args.text("name"), .onlyShapes = args.has("leaf"), .hooks = &hooks});
+  if (!made) return failWith(made.error());
   std::vector<std::string> names;
-  scene::SelectionList made;
-  for (const scene::SelectionItem& item : list->items()) {
-    if (!item.isDag())
-      return fail("'{}' is not in the hierarchy and can't be instanced.", item.node->name());
-    const DagPath path = scene::isShape(*item.node) ? item.path.transform() : item.path;
-    Duplicator duplicator(context, args);
-    const std::string name = args.text("name", path.node()->name());
-    auto copy = args.has("leaf") ? duplicator.copyTree(path, path.parent().node(), name)
-                                 : duplicator.copyOne(*path.node(), name, path.parent().node());
-    if (!copy) return failWith(std::move(copy.error()));
-    const std::vector<Node*> children = scene::dagLinks(*path.node()).children;
-    for (Node* child : children)
-      if (!args.has("leaf")) HOST_TRY(document.addInstance(*child, *copy));
-    made.add((*copy)->shared_from_this());
-    names.push_back(nodeName(**copy));
-  }
-  document.setSelection(std::move(made));
+  for (const dg::NodePtr& node : *made) names.push_back(nodeName(*node));
   return toValue(std::move(names));
 }
 

@@ -1,120 +1,10 @@
 // makeIdentity: moves transforms into what is below them ("freeze"), or resets them.
 #include "host/builtins/common/command.h"
-#include "host/nodes/mesh_shape.h"
-#include "host/nodes/transform.h"
+#include "host/edits/freeze.h"
 
 namespace host::builtins {
 
 namespace {
-
-using math::Matrix4;
-using math::TransformComponents;
-using math::Vec3;
-using scene::DagPath;
-
-struct Parts {
-  bool translate = true, rotate = true, scale = true;
-};
-
-/// What stays of a transform when parts of it go down to its children; the pivots stay where they
-/// are in space.
-TransformComponents remaining(const Matrix4& local, const TransformComponents& before,
-                              const Parts& parts) {
-  TransformComponents after;
-  after.rotateOrder = before.rotateOrder;
-  const TransformComponents now = math::decompose(local, before);
-  if (!parts.translate) after.translate = now.translate;
-  if (!parts.rotate) {
-    after.rotate = now.rotate;
-    after.rotateAxis = now.rotateAxis;
-  }
-  if (!parts.scale) {
-    after.scale = now.scale;
-    after.shear = now.shear;
-  }
-  after.rotatePivot = math::transformPoint(now.rotatePivot, local) - after.translate;
-  after.scalePivot = math::transformPoint(now.scalePivot, local) - after.translate;
-  return after;
-}
-
-Result<void> movePoints(scene::Document& document, dg::Node& shape, const Matrix4& by) {
-  if (nodes::hasHistory(shape)) {
-    auto node = document.createNode("transformGeometry", "transformGeometry#");
-    if (!node) return failWith(std::move(node.error()));
-    HOST_TRY(document.graph().set((*node)->plug("transform"),
-                                  dg::DataPtr(std::make_shared<dg::MatrixData>(by))));
-    return nodes::insertHistoryNode(document, shape, (*node)->plug("inputGeometry"),
-                                    (*node)->plug("outputGeometry"));
-  }
-  auto mesh = nodes::evaluatedMesh(shape);
-  if (!mesh) return failWith(std::move(mesh.error()));
-  std::vector<math::Vec3f> points(mesh->points().begin(), mesh->points().end());
-  for (math::Vec3f& point : points) point = math::transformPoint(Vec3(point), by).toFloat();
-  return nodes::setEvaluatedPoints(shape, std::move(points));
-}
-
-class Freeze {
- public:
-  Freeze(Context& context, Parts parts) : document_(context.document), parts_(parts) {}
-
-  /// Finds what can't be done before anything changes.
-  Result<void> check(dg::Node& node) const {
-    if (scene::isShape(node)) return {};
-    if (scene::dagLinks(node).parents.size() > 1 || hasInstancedShape(node))
-      return fail("makeIdentity: '{}' is instanced; its instances can't all be frozen.",
-                  node.name());
-    for (const char* name : {"translate", "rotate", "scale"}) {
-      if (!isFrozen(name)) continue;
-      for (int axis = 0; axis < 3; ++axis)
-        if (const dg::Plug plug = node.plug(name).child(axis); document_.graph().isDriven(plug))
-          return fail("makeIdentity: '{}' is driven by a connection.", attributeOf(node, plug));
-    }
-    for (dg::Node* child : scene::dagLinks(node).children) HOST_TRY(check(*child));
-    return {};
-  }
-
-  Result<void> apply(dg::Node& node, const Matrix4& from) {
-    auto before = nodes::readTransform(node);
-    if (!before) return failWith(std::move(before.error()));
-    const Matrix4 local = math::toMatrix(*before) * from;
-    const TransformComponents after = remaining(local, *before, parts_);
-    const auto inverse = math::inverse(math::toMatrix(after));
-    if (!inverse) return fail("makeIdentity: '{}' has a scale of zero.", node.name());
-    HOST_TRY(nodes::writeTransform(node, after));
-    const Matrix4 down = local * *inverse;
-    const std::vector<dg::Node*> children(scene::dagLinks(node).children.begin(),
-                                          scene::dagLinks(node).children.end());
-    for (dg::Node* child : children)
-      if (!scene::isShape(*child)) HOST_TRY(apply(*child, down));
-    for (const DagPath& shape : scene::firstPath(node).shapes())
-      if (shape.node()->type().isA("mesh")) HOST_TRY(movePoints(document_, *shape.node(), down));
-    return {};
-  }
-
-  static Result<void> reset(dg::Node& node, const Parts& parts) {
-    auto components = nodes::readTransform(node);
-    if (!components) return failWith(std::move(components.error()));
-    if (parts.translate) components->translate = {};
-    if (parts.rotate) components->rotate = {};
-    if (parts.scale) components->scale = {1, 1, 1};
-    return nodes::writeTransform(node, *components);
-  }
-
- private:
-  [[nodiscard]] bool isFrozen(std::string_view name) const {
-    return name == "translate" ? parts_.translate : name == "rotate" ? parts_.rotate : parts_.scale;
-  }
-  [[nodiscard]] static std::string attributeOf(const dg::Node& node, const dg::Plug& plug) {
-    return node.name() + "." + plug.attribute()->longName;
-  }
-  [[nodiscard]] static bool hasInstancedShape(const dg::Node& node) {
-    for (const dg::Node* child : scene::dagLinks(node).children)
-      if (scene::isShape(*child) && scene::dagLinks(*child).parents.size() > 1) return true;
-    return false;
-  }
-  scene::Document& document_;
-  Parts parts_;
-};
 
 CommandResult makeIdentity(Context& context, const ParsedArgs& args) {
   auto list = args.resolveObjects(context.document);
@@ -123,16 +13,11 @@ CommandResult makeIdentity(Context& context, const ParsedArgs& args) {
   for (const scene::SelectionItem& item : list->items())
     if (item.isDag()) transforms.push_back(item.path.transform().node());
   if (transforms.empty()) return fail("makeIdentity: name or select transforms.");
-  Parts parts;
+  edits::TransformParts parts;
   if (args.has("translate") || args.has("rotate") || args.has("scale"))
     parts = {args.boolean("translate"), args.boolean("rotate"), args.boolean("scale")};
-  if (!args.boolean("apply")) {
-    for (dg::Node* node : transforms) HOST_TRY(Freeze::reset(*node, parts));
-    return mel::Value();
-  }
-  Freeze freeze(context, parts);
-  for (dg::Node* node : transforms) HOST_TRY(freeze.check(*node));
-  for (dg::Node* node : transforms) HOST_TRY(freeze.apply(*node, Matrix4{}));
+  HOST_TRY(args.boolean("apply") ? edits::freeze(context.document, transforms, parts)
+                                 : edits::resetTransforms(context.document, transforms, parts));
   return mel::Value();
 }
 

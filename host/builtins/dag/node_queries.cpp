@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/dag/hierarchy.h"
+#include "host/edits/bounds.h"
 
 namespace host::builtins {
 
@@ -105,7 +105,7 @@ CommandResult exactWorldBoundingBox(Context& context, const ParsedArgs& args) {
   if (!list) return failWith(std::move(list.error()));
   math::Box box;
   for (const scene::SelectionItem& item : list->items()) {
-    auto own = worldBox(item);
+    auto own = edits::worldBox(item);
     if (!own) return failWith(std::move(own.error()));
     if (!own->isEmpty()) box.add(*own);
   }

@@ -2,8 +2,7 @@
 
 #include "host/base/messages.h"
 #include "host/builtins/common/command.h"
-#include "host/builtins/dag/hierarchy.h"
-#include "host/nodes/transform.h"
+#include "host/edits/hierarchy.h"
 
 namespace host::builtins {
 
@@ -59,19 +58,11 @@ CommandResult parent(Context& context, const ParsedArgs& args) {
                                 nodeName(node), newParent ? newParent->name() : "world"));
         continue;
       }
-      HOST_TRY(reparentObject(document, path, newParent, args.has("relative")));
+      HOST_TRY(edits::reparent(document, path, newParent, args.has("relative")));
     }
     names.push_back(nodeName(node));
   }
   return toValue(std::move(names));
-}
-
-/// The parent that all paths share, or null when they don't.
-scene::Node* commonParent(const std::vector<DagPath>& paths) {
-  scene::Node* parent = paths.empty() ? nullptr : paths.front().parent().node();
-  for (const DagPath& path : paths)
-    if (path.parent().node() != parent) return nullptr;
-  return parent;
 }
 
 CommandResult group(Context& context, const ParsedArgs& args) {
@@ -83,28 +74,17 @@ CommandResult group(Context& context, const ParsedArgs& args) {
     paths = std::move(*found);
     if (paths.empty()) return fail("group: name or select objects, or use -empty.");
   }
-  scene::Node* under = args.has("world") ? nullptr : commonParent(paths);
+  edits::GroupOptions options{.name = args.text("name", "group#"),
+                              .parent = args.has("world") ? nullptr : edits::commonParent(paths),
+                              .isRelative = args.has("relative")};
   if (args.has("parent")) {
     auto found = document.node(args.text("parent"));
     if (!found) return failWith(std::move(found.error()));
-    under = *found;
+    options.parent = *found;
   }
-  auto created = document.createNode("transform", args.text("name", "group#"), under);
-  if (!created) return failWith(std::move(created.error()));
-  scene::Node& node = **created;
-  for (const DagPath& path : paths)
-    HOST_TRY(reparentObject(document, path, &node, args.has("relative")));
-  const DagPath path = scene::firstPath(node);
-  if (const math::Box box = objectBox(path); !box.isEmpty()) {
-    auto components = nodes::readTransform(node);
-    if (!components) return failWith(std::move(components.error()));
-    components->rotatePivot = components->scalePivot = box.center();
-    HOST_TRY(nodes::writeTransform(node, *components));
-  }
-  scene::SelectionList list;
-  list.add(path);
-  document.setSelection(std::move(list));
-  return mel::Value(nodeName(node));
+  const auto made = edits::group(document, paths, options);
+  if (!made) return failWith(made.error());
+  return mel::Value(nodeName(**made));
 }
 
 CommandResult reorder(Context& context, const ParsedArgs& args) {

@@ -1,9 +1,12 @@
+#include "host/edits/xform.h"
+
 #include <algorithm>
 #include <array>
 #include <optional>
 
-#include "host/builtins/common/transform_targets.h"
-#include "host/builtins/dag/hierarchy.h"
+#include "host/builtins/common/command.h"
+#include "host/edits/bounds.h"
+#include "host/edits/transform_targets.h"
 #include "host/nodes/transform.h"
 
 namespace host::builtins {
@@ -32,41 +35,11 @@ mel::FloatArray cells(const Matrix4& matrix) {
   return result;
 }
 
-/// One object's transform with the matrices around it.
-class ObjectTransform {
- public:
-  static Result<ObjectTransform> of(const scene::DagPath& path) {
-    auto components = nodes::readTransform(*path.node());
-    if (!components) return failWith(std::move(components.error()));
-    return ObjectTransform(path, *components);
-  }
-
-  TransformComponents components;
-  const scene::DagPath path;
-  [[nodiscard]] Matrix4 parent() const { return path.exclusiveMatrix(); }
-  [[nodiscard]] Matrix4 world() const { return path.inclusiveMatrix(); }
-  [[nodiscard]] Result<Matrix4> parentInverse() const {
-    const auto inverse = math::inverse(parent());
-    if (!inverse)
-      return fail("'{}' is under a scale of zero: world space can't be undone there.",
-                  path.partialName());
-    return *inverse;
-  }
-  [[nodiscard]] Vec3 worldRotation() const {
-    return math::matrixToEuler(math::eulerToMatrix(math::decompose(world()).rotate),
-                               components.rotateOrder);
-  }
-
- private:
-  ObjectTransform(scene::DagPath pathIn, TransformComponents componentsIn)
-      : components(componentsIn), path(std::move(pathIn)) {}
-};
-
-CommandResult queryComponents(const std::vector<MeshItem>& items, bool isWorld,
+CommandResult queryComponents(const std::vector<nodes::MeshItem>& items, bool isWorld,
                               const scene::Units& units) {
   mel::FloatArray result;
   const double factor = units.toCentimeters(1.0);
-  for (const MeshItem& item : items) {
+  for (const nodes::MeshItem& item : items) {
     const Matrix4 matrix = isWorld ? item.path.inclusiveMatrix() : Matrix4{};
     for (const VertexId v : item.vertices()) {
       const Vec3 p =
@@ -81,10 +54,10 @@ CommandResult queryBox(const scene::SelectionList& list, bool isWorld, const sce
   math::Box box;
   for (const scene::SelectionItem& item : list.items()) {
     if (!isWorld && item.isDag() && item.isObject()) {
-      box.add(objectBox(item.path));
+      box.add(edits::objectBox(item.path));
       continue;
     }
-    auto own = worldBox(item);
+    auto own = edits::worldBox(item);
     if (!own) return failWith(std::move(own.error()));
     box.add(*own);
   }
@@ -94,24 +67,24 @@ CommandResult queryBox(const scene::SelectionList& list, bool isWorld, const sce
   return mel::Value(std::move(result));
 }
 
-CommandResult queryObject(const ObjectTransform& object, const ParsedArgs& args,
-                          const scene::Units& units) {
+CommandResult queryObject(const scene::DagPath& path, const TransformComponents& c,
+                          const ParsedArgs& args, const scene::Units& units) {
   const bool isWorld = args.has("worldSpace");
-  const TransformComponents& c = object.components;
-  const double length = units.toCentimeters(1.0), angle = units.toRadians(1.0);
-  const auto place = [&](const Vec3& p) {
-    return isWorld ? math::transformPoint(p, object.world()) : p;
+  const Matrix4 world = path.inclusiveMatrix();
+  const auto worldRotation = [&] {
+    return math::matrixToEuler(math::eulerToMatrix(math::decompose(world).rotate), c.rotateOrder);
   };
+  const double length = units.toCentimeters(1.0), angle = units.toRadians(1.0);
+  const auto place = [&](const Vec3& p) { return isWorld ? math::transformPoint(p, world) : p; };
   if (args.has("translation"))
     return mel::Value(numbers(
-        isWorld ? math::transformPoint(c.translate, object.parent()) : c.translate, length));
-  if (args.has("rotation"))
-    return mel::Value(numbers(isWorld ? object.worldRotation() : c.rotate, angle));
+        isWorld ? math::transformPoint(c.translate, path.exclusiveMatrix()) : c.translate, length));
+  if (args.has("rotation")) return mel::Value(numbers(isWorld ? worldRotation() : c.rotate, angle));
   if (args.has("scale"))
-    return mel::Value(numbers(isWorld ? math::decompose(object.world()).scale : c.scale));
+    return mel::Value(numbers(isWorld ? math::decompose(world).scale : c.scale));
   if (args.has("shear"))
-    return mel::Value(numbers(isWorld ? math::decompose(object.world()).shear : c.shear));
-  if (args.has("matrix")) return mel::Value(cells(isWorld ? object.world() : math::toMatrix(c)));
+    return mel::Value(numbers(isWorld ? math::decompose(world).shear : c.shear));
+  if (args.has("matrix")) return mel::Value(cells(isWorld ? world : math::toMatrix(c)));
   if (args.has("rotatePivot")) return mel::Value(numbers(place(c.rotatePivot), length));
   if (args.has("scalePivot")) return mel::Value(numbers(place(c.scalePivot), length));
   if (args.has("pivots")) {
@@ -126,123 +99,35 @@ CommandResult queryObject(const ObjectTransform& object, const ParsedArgs& args,
   return fail("xform: say what to query.");
 }
 
-void setPivots(TransformComponents& c, const Vec3& at, bool rotatePivot, bool scalePivot) {
-  if (rotatePivot) c = math::withRotatePivot(c, at);
-  if (scalePivot) c = math::withScalePivot(c, at);
-}
-
-Result<void> applyPivots(const ObjectTransform& object, const ParsedArgs& args,
-                         TransformComponents& c) {
-  const auto inverse = math::inverse(object.world());
-  const auto local = [&](const Vec3& p) {
-    return args.has("worldSpace") && inverse ? math::transformPoint(p, *inverse) : p;
+Result<edits::XformOptions> readOptions(const ParsedArgs& args) {
+  edits::XformOptions options{.isRelative = args.has("relative"),
+                              .isWorld = args.has("worldSpace"),
+                              .isEuler = args.has("euler"),
+                              .zeroesPivots = args.has("zeroTransformPivots"),
+                              .centersPivots = args.has("centerPivots"),
+                              .preservesRotation = args.boolean("preserve", true)};
+  struct Triple {
+    const char* flag;
+    std::optional<Vec3> edits::XformOptions::*field;
   };
-  if (args.has("zeroTransformPivots")) setPivots(c, {}, true, true);
-  if (args.has("centerPivots")) setPivots(c, objectBox(object.path).center(), true, true);
-  const bool isRelative = args.has("relative");
-  if (args.has("pivots")) setPivots(c, local(args.vec3("pivots")), true, true);
-  if (args.has("rotatePivot"))
-    setPivots(
-        c, isRelative ? c.rotatePivot + args.vec3("rotatePivot") : local(args.vec3("rotatePivot")),
-        true, false);
-  if (args.has("scalePivot"))
-    setPivots(c,
-              isRelative ? c.scalePivot + args.vec3("scalePivot") : local(args.vec3("scalePivot")),
-              false, true);
-  return {};
-}
-
-Result<void> applyRotation(const ObjectTransform& object, const ParsedArgs& args,
-                           TransformComponents& c) {
+  using Options = edits::XformOptions;
+  for (const Triple& triple :
+       {Triple{"translation", &Options::translation}, Triple{"rotation", &Options::rotation},
+        Triple{"scale", &Options::scale}, Triple{"shear", &Options::shear},
+        Triple{"pivots", &Options::pivots}, Triple{"rotatePivot", &Options::rotatePivot},
+        Triple{"scalePivot", &Options::scalePivot},
+        Triple{"rotateTranslation", &Options::rotateTranslation},
+        Triple{"scaleTranslation", &Options::scaleTranslation},
+        Triple{"rotateAxis", &Options::rotateAxis}})
+    if (args.has(triple.flag)) options.*triple.field = args.vec3(triple.flag);
+  if (args.has("matrix")) options.matrix = readMatrix(args);
   if (args.has("rotateOrder")) {
     const std::string name = args.text("rotateOrder");
     const auto found = std::find(kOrders.begin(), kOrders.end(), name);
     if (found == kOrders.end()) return fail("xform: there is no rotate order '{}'.", name);
-    const auto order = static_cast<math::RotateOrder>(found - kOrders.begin());
-    if (args.boolean("preserve", true))
-      c.rotate = math::reorderEuler(c.rotate, c.rotateOrder, order);
-    c.rotateOrder = order;
+    options.rotateOrder = static_cast<math::RotateOrder>(found - kOrders.begin());
   }
-  if (args.has("rotateAxis")) c.rotateAxis = args.vec3("rotateAxis");
-  if (!args.has("rotation")) return {};
-  const Vec3 given = args.vec3("rotation");
-  if (!args.has("worldSpace")) {
-    if (args.has("relative") && !args.has("euler")) {
-      const Matrix4 both =
-          math::eulerToMatrix(given, c.rotateOrder) * math::eulerToMatrix(c.rotate, c.rotateOrder);
-      c.rotate = math::matrixToEuler(both, c.rotateOrder);
-    } else {
-      c.rotate = args.has("relative") ? c.rotate + given : given;
-    }
-    return {};
-  }
-  const Matrix4 above = math::eulerToMatrix(math::decompose(object.parent()).rotate);
-  const Matrix4 now = math::eulerToMatrix(c.rotate, c.rotateOrder) * above;
-  const Matrix4 turn = math::eulerToMatrix(given, c.rotateOrder);
-  const Matrix4 wanted = (args.has("relative") ? now * turn : turn) * math::transpose(above);
-  c.rotate =
-      math::closestEuler(math::matrixToEuler(wanted, c.rotateOrder), c.rotateOrder, c.rotate);
-  return {};
-}
-
-Result<void> applyTranslation(const ObjectTransform& object, const ParsedArgs& args,
-                              TransformComponents& c) {
-  if (!args.has("translation")) return {};
-  const Vec3 given = args.vec3("translation");
-  if (!args.has("worldSpace")) {
-    c.translate = args.has("relative") ? c.translate + given : given;
-    return {};
-  }
-  auto inverse = object.parentInverse();
-  if (!inverse) return failWith(std::move(inverse.error()));
-  c.translate = args.has("relative") ? c.translate + math::transformVector(given, *inverse)
-                                     : math::transformPoint(given, *inverse);
-  return {};
-}
-
-Result<void> applyToObject(const scene::DagPath& path, const ParsedArgs& args) {
-  auto object = ObjectTransform::of(path);
-  if (!object) return failWith(std::move(object.error()));
-  TransformComponents c = object->components;
-  if (args.has("matrix")) {
-    Matrix4 matrix = readMatrix(args);
-    if (args.has("worldSpace")) {
-      auto inverse = object->parentInverse();
-      if (!inverse) return failWith(std::move(inverse.error()));
-      matrix = matrix * *inverse;
-    }
-    c = math::decompose(args.has("relative") ? matrix * math::toMatrix(c) : matrix, c);
-  }
-  HOST_TRY(applyPivots(*object, args, c));
-  if (args.has("scale")) {
-    const Vec3 given = args.vec3("scale");
-    const bool isRelative = args.has("relative");
-    for (int i = 0; i < 3; ++i) c.scale[i] = isRelative ? c.scale[i] * given[i] : given[i];
-  }
-  if (args.has("shear"))
-    c.shear = args.has("relative") ? c.shear + args.vec3("shear") : args.vec3("shear");
-  HOST_TRY(applyRotation(*object, args, c));
-  HOST_TRY(applyTranslation(*object, args, c));
-  if (args.has("rotateTranslation")) c.rotatePivotTranslate = args.vec3("rotateTranslation");
-  if (args.has("scaleTranslation")) c.scalePivotTranslate = args.vec3("scaleTranslation");
-  return nodes::writeTransform(*path.node(), c);
-}
-
-Result<void> applyToComponents(const TransformTargets& targets, const ParsedArgs& args) {
-  const bool isWorld = args.has("worldSpace"), isRelative = args.has("relative");
-  const nodes::Space space = isWorld ? nodes::Space::World : nodes::Space::Object;
-  if (args.has("translation")) {
-    const Vec3 given = args.vec3("translation");
-    HOST_TRY(editVertices(targets.meshes, space,
-                          [&](const Vec3& p) { return isRelative ? p + given : given; }));
-  }
-  Matrix4 change;
-  if (args.has("scale")) change = change * Matrix4::scaling(args.vec3("scale"));
-  if (args.has("rotation")) change = change * math::eulerToMatrix(args.vec3("rotation"));
-  if (args.has("matrix")) change = change * readMatrix(args);
-  if (math::isIdentity(change)) return {};
-  return editVertices(targets.meshes, space,
-                      [&](const Vec3& p) { return math::transformPoint(p, change); });
+  return options;
 }
 
 CommandResult xform(Context& context, const ParsedArgs& args) {
@@ -252,19 +137,21 @@ CommandResult xform(Context& context, const ParsedArgs& args) {
   const scene::Units& units = context.document.units();
   if (args.isQuery() && (args.has("boundingBox") || args.has("boundingBoxInvisible")))
     return queryBox(*list, args.has("worldSpace"), units);
-  auto targets = transformTargets(*list);
-  if (!targets) return failWith(std::move(targets.error()));
   if (args.isQuery()) {
+    const auto targets = edits::transformTargets(*list);
+    if (!targets) return failWith(targets.error());
     if (targets->objects.empty()) {
       if (!args.has("translation")) return fail("xform: components have a translation only.");
       return queryComponents(targets->meshes, args.has("worldSpace"), units);
     }
-    auto object = ObjectTransform::of(targets->objects.front());
-    if (!object) return failWith(std::move(object.error()));
-    return queryObject(*object, args, units);
+    const scene::DagPath& path = targets->objects.front();
+    const auto components = nodes::readTransform(*path.node());
+    if (!components) return failWith(components.error());
+    return queryObject(path, *components, args, units);
   }
-  for (const scene::DagPath& path : targets->objects) HOST_TRY(applyToObject(path, args));
-  HOST_TRY(applyToComponents(*targets, args));
+  const auto options = readOptions(args);
+  if (!options) return failWith(options.error());
+  HOST_TRY(edits::xform(context.document, *list, *options));
   return mel::Value();
 }
 

@@ -4,18 +4,48 @@ namespace host::builtins {
 
 namespace {
 
+FileRequest readRequest(const ParsedArgs& args) {
+  FileRequest request{.path = args.firstObject(),
+                      .options = args.text("options"),
+                      .isForced = args.has("force"),
+                      .sharesNamespace = args.boolean("mergeNamespacesOnClash"),
+                      .prefixesAll = args.boolean("renameAll"),
+                      .addsExtension = args.boolean("defaultExtensions", true)};
+  request.runsScripts = args.has("executeScriptNodes") && args.boolean("executeScriptNodes");
+  if (args.has("type")) request.type = args.text("type");
+  if (args.has("namespace")) request.nameSpace = args.text("namespace");
+  if (args.has("renamingPrefix")) request.prefix = args.text("renamingPrefix");
+  if (args.has("constructionHistory")) request.withHistory = args.boolean("constructionHistory");
+  if (args.has("shader")) request.withShading = args.boolean("shader");
+  return request;
+}
+
+CommandResult toResult(Result<std::string> path) {
+  if (!path) return failWith(std::move(path.error()));
+  return mel::Value(*std::move(path));
+}
+
+CommandResult import(Context& context, const ParsedArgs& args) {
+  std::vector<dg::Node*> made;
+  auto path = importFile(context, readRequest(args), &made);
+  if (!path || !args.has("returnNewNodes")) return toResult(std::move(path));
+  std::vector<std::string> names;
+  for (const dg::Node* node : made) names.push_back(nodeName(*node));
+  return toValue(std::move(names));
+}
+
 CommandResult file(Context& context, const ParsedArgs& args) {
   if (args.isQuery()) return queryFile(context, args);
-  if (args.has("newFile")) return newScene(context, args);
-  if (args.has("open")) return openScene(context, args);
-  if (args.has("import")) return importFile(context, args);
-  if (args.has("exportSelected")) return exportScene(context, args, true);
-  if (args.has("exportAll")) return exportScene(context, args, false);
+  if (args.has("newFile")) return toResult(newScene(context, args.has("force")));
+  if (args.has("open")) return toResult(openScene(context, readRequest(args)));
+  if (args.has("import")) return import(context, args);
+  if (args.has("exportSelected")) return toResult(exportScene(context, readRequest(args), true));
+  if (args.has("exportAll")) return toResult(exportScene(context, readRequest(args), false));
   if (args.has("rename")) {
-    auto renamed = renameScene(context, args);
-    return args.has("save") ? saveScene(context, args) : renamed;
+    const std::string name = renameScene(context, args.text("rename"));
+    return args.has("save") ? toResult(saveScene(context, readRequest(args))) : mel::Value(name);
   }
-  if (args.has("save")) return saveScene(context, args);
+  if (args.has("save")) return toResult(saveScene(context, readRequest(args)));
   if (args.has("modified")) {
     context.document.setModified(args.boolean("modified"));
     return mel::Value();

@@ -7,6 +7,7 @@
 
 #include "host/builtins/file/formats.h"
 #include "host/builtins/file/script_nodes.h"
+#include "host/edits/atomically.h"
 
 namespace host::builtins {
 
@@ -44,41 +45,33 @@ class Work {
   SceneHooks::Work before_;
 };
 
-Result<const FileFormat*> formatFor(Context& context, const ParsedArgs& args,
+Result<const FileFormat*> formatFor(Context& context, const FileRequest& request,
                                     const std::string& path) {
   const FileFormats& formats = formatsOf(context);
-  const FileFormat* format =
-      args.has("type") ? formats.byName(args.text("type")) : formats.byPath(path);
-  if (!format && args.has("type"))
-    return fail("file: unrecognized file type '{}'.", args.text("type"));
+  const FileFormat* format = request.type ? formats.byName(*request.type) : formats.byPath(path);
+  if (!format && request.type) return fail("file: unrecognized file type '{}'.", *request.type);
   if (!format) return fail("file: unrecognized file: '{}' has no known extension.", path);
   return format;
 }
 
-Result<void> refuseUnsaved(Context& context, const ParsedArgs& args) {
-  if (args.has("force") || !context.document.isModified()) return {};
+Result<void> refuseUnsaved(Context& context, bool isForced) {
+  if (isForced || !context.document.isModified()) return {};
   return fail("Unsaved changes.");
 }
 
 /// Reading goes by what the file is, also when -type names something else.
-Result<const FileFormat*> formatToRead(Context& context, const ParsedArgs& args,
+Result<const FileFormat*> formatToRead(Context& context, const FileRequest& request,
                                        const std::string& path) {
   const FileFormat* format = formatsOf(context).byPath(path);
-  if (format && args.has("type") && formatsOf(context).byName(args.text("type"))) return format;
-  return formatFor(context, args, path);
+  if (format && request.type && formatsOf(context).byName(*request.type)) return format;
+  return formatFor(context, request, path);
 }
 
-std::vector<std::string> namesOf(const std::vector<dg::Node*>& nodes) {
-  std::vector<std::string> names;
-  for (const dg::Node* node : nodes) names.push_back(nodeName(*node));
-  return names;
-}
-
-Result<std::string> existingFile(const ParsedArgs& args) {
-  if (!args.hasObjects()) return fail("file: name the file.");
-  std::string path = absolutePath(args.firstObject());
+Result<std::string> existingFile(const FileRequest& request) {
+  if (request.path.empty()) return fail("file: name the file.");
+  std::string path = absolutePath(request.path);
   std::error_code ignored;
-  if (!fs::exists(path, ignored)) return fail("File not found: {}", args.firstObject());
+  if (!fs::exists(path, ignored)) return fail("File not found: {}", request.path);
   return path;
 }
 
@@ -87,57 +80,32 @@ void forgetScene(Context& context) {
     if (format.forget) format.forget(context);
 }
 
-/// Places what was read, or nothing of it: also where edits are not recorded otherwise.
-Result<std::vector<dg::Node*>> place(Context& context, const FileFormat::Placing& placing) {
-  scene::Journal& journal = context.document.journal();
-  scene::ChangeSet changes;
-  Result<std::vector<dg::Node*>> nodes;
-  {
-    const scene::Journal::Scope recording(journal, &changes);
-    nodes = placing(context);
-  }
-  if (!nodes) {
-    const scene::Journal::Scope unrecorded(journal, nullptr);
-    (void)changes.undo();
-  } else if (journal.isRecording()) {
-    journal.record(scene::makeChange(std::move(changes)));
-  }
-  return nodes;
-}
-
 /// The namespace for imported nodes: with a number when it is there already and is not to be
 /// shared.
-std::string importNamespace(const scene::Document& document, const ParsedArgs& args) {
-  std::string wanted = args.text("namespace");
+std::string importNamespace(const scene::Document& document, const FileRequest& request) {
+  std::string wanted = request.nameSpace.value_or("");
   while (wanted.starts_with(':')) wanted.erase(0, 1);
   const auto isTaken = [&](const std::string& name) {
     return std::ranges::any_of(document.graph().nodes(), [&](const dg::NodePtr& node) {
       return node->name().starts_with(name + ":");
     });
   };
-  if (wanted.empty() || args.boolean("mergeNamespacesOnClash") || !isTaken(wanted)) return wanted;
+  if (wanted.empty() || request.sharesNamespace || !isTaken(wanted)) return wanted;
   for (int number = 1;; ++number)
     if (std::string numbered = wanted + std::to_string(number); !isTaken(numbered)) return numbered;
 }
 
-std::string importPrefix(const ParsedArgs& args, const std::string& path) {
-  if (args.has("renamingPrefix")) return args.text("renamingPrefix");
-  return fs::path(path).stem().generic_string();
-}
-
-Result<std::string> writeTo(Context& context, const ParsedArgs& args, const FileFormat& format,
+Result<std::string> writeTo(Context& context, const FileRequest& request, const FileFormat& format,
                             std::string path, bool onlySelected) {
   if (!format.write) return fail("file: '{}' files can't be written.", format.name);
-  if (!fs::path(path).has_extension() &&
-      (!args.has("defaultExtensions") || args.boolean("defaultExtensions")))
-    path += format.extensions.front();
+  if (!fs::path(path).has_extension() && request.addsExtension) path += format.extensions.front();
   std::error_code ignored;
   if (fs::is_directory(path, ignored)) return fail("Cannot write \"{}\": it is a folder", path);
   if (fs::exists(path, ignored) && ::access(path.c_str(), W_OK) != 0)
     return fail("Cannot write \"{}\": the file is write-protected", path);
-  FileWriteOptions options{.options = args.text("options"), .onlySelected = onlySelected};
-  if (args.has("constructionHistory")) options.withHistory = args.boolean("constructionHistory");
-  if (args.has("shader")) options.withShading = args.boolean("shader");
+  FileWriteOptions options{.options = request.options, .onlySelected = onlySelected};
+  options.withHistory = request.withHistory.value_or(options.withHistory);
+  options.withShading = request.withShading.value_or(options.withShading);
   HOST_TRY(format.write(context, path, options));
   return path;
 }
@@ -150,26 +118,26 @@ std::string absolutePath(const std::string& name) {
   return path.generic_string();
 }
 
-CommandResult newScene(Context& context, const ParsedArgs& args) {
-  HOST_TRY(refuseUnsaved(context, args));
+Result<std::string> newScene(Context& context, bool isForced) {
+  HOST_TRY(refuseUnsaved(context, isForced));
   Work work(context, SceneHooks::Work::NewScene, {});
   HOST_TRY(work.begin(SceneStage::BeforeNew));
   forgetScene(context);
   context.session.newScene();
   work.reach(SceneStage::AfterNew);
-  return mel::Value("untitled");
+  return std::string("untitled");
 }
 
-CommandResult openScene(Context& context, const ParsedArgs& args) {
-  HOST_TRY(refuseUnsaved(context, args));
-  auto path = existingFile(args);
+Result<std::string> openScene(Context& context, const FileRequest& request) {
+  HOST_TRY(refuseUnsaved(context, request.isForced));
+  auto path = existingFile(request);
   if (!path) return failWith(std::move(path.error()));
-  auto format = formatToRead(context, args, *path);
+  auto format = formatToRead(context, request, *path);
   if (!format) return failWith(std::move(format.error()));
   Work work(context, SceneHooks::Work::Opening, *path);
   HOST_TRY(work.begin(SceneStage::BeforeOpen));
-  auto placing = (*format)->read(
-      context, *path, {.options = args.text("options"), .nameSpace = {}, .clashPrefix = {}});
+  auto placing = (*format)->read(context, *path,
+                                 {.options = request.options, .nameSpace = {}, .clashPrefix = {}});
   if (!placing) return failWith(std::move(placing.error()));
   forgetScene(context);
   context.session.newScene();
@@ -182,84 +150,91 @@ CommandResult openScene(Context& context, const ParsedArgs& args) {
     return failWith(std::move(nodes.error()));
   }
   work.reach(SceneStage::AfterRead);
-  runScriptNodes(context, args.has("executeScriptNodes") && args.boolean("executeScriptNodes"));
+  runScriptNodes(context, request.runsScripts);
   context.document.setFileName(*path);
   context.document.setModified(false);
   context.session.scriptJobs().triggerEvent("PostSceneRead");
   context.session.scriptJobs().triggerEvent("SceneOpened");
   work.reach(SceneStage::AfterOpen);
-  return mel::Value(*path);
+  return *std::move(path);
 }
 
-CommandResult importFile(Context& context, const ParsedArgs& args) {
-  auto path = existingFile(args);
+Result<std::string> importFile(Context& context, const FileRequest& request,
+                               std::vector<dg::Node*>* made) {
+  auto path = existingFile(request);
   if (!path) return failWith(std::move(path.error()));
-  auto format = formatToRead(context, args, *path);
+  auto format = formatToRead(context, request, *path);
   if (!format) return failWith(std::move(format.error()));
   Work work(context, SceneHooks::Work::Importing, *path);
   HOST_TRY(work.begin(SceneStage::BeforeImport));
-  FileReadOptions options{.options = args.text("options"),
+  FileReadOptions options{.options = request.options,
                           .isImport = true,
-                          .nameSpace = importNamespace(context.document, args),
-                          .clashPrefix = {}};
-  if (!args.has("namespace")) options.clashPrefix = importPrefix(args, *path);
-  options.renamesAll = args.has("renameAll") && args.boolean("renameAll");
+                          .nameSpace = importNamespace(context.document, request),
+                          .clashPrefix = {},
+                          .renamesAll = request.prefixesAll};
+  if (!request.nameSpace)
+    options.clashPrefix = request.prefix.value_or(fs::path(*path).stem().generic_string());
   auto placing = (*format)->read(context, *path, options);
   if (!placing) return failWith(std::move(placing.error()));
   work.reach(SceneStage::BeforeRead);
   const std::size_t before = context.document.graph().nodes().size();
-  auto nodes = place(context, *placing);
-  if (!nodes) return failWith(std::move(nodes.error()));
+  // Placed wholly or not at all, also where edits are not recorded.
+  const auto nodes = edits::atomically(context.document, [&] { return (*placing)(context); });
+  if (!nodes) return failWith(nodes.error());
   work.reach(SceneStage::AfterRead);
   context.session.scriptJobs().triggerEvent("SceneImported");
   work.reach(SceneStage::AfterImport);
-  if (!args.has("returnNewNodes")) return mel::Value(*path);
-  std::vector<dg::Node*> made;
   const auto& all = context.document.graph().nodes();
-  for (std::size_t i = before; i < all.size(); ++i) made.push_back(all[i].get());
-  return toValue(namesOf(made));
+  for (std::size_t i = before; made && i < all.size(); ++i) made->push_back(all[i].get());
+  return *std::move(path);
 }
 
-CommandResult saveScene(Context& context, const ParsedArgs& args) {
+Result<std::string> saveScene(Context& context, const FileRequest& request) {
   const std::string& name = context.document.fileName();
   if (name.empty()) return fail("file: the scene has no name yet: use file -rename first.");
   const FileFormats& formats = formatsOf(context);
   const FileFormat* format = &formats.native();
-  if (args.has("type"))
-    format = formats.byName(args.text("type"));
+  if (request.type)
+    format = formats.byName(*request.type);
   else if (const FileFormat* byName = formats.byPath(name))
     format = byName;
-  if (!format) return fail("file: unrecognized file type '{}'.", args.text("type"));
+  if (!format) return fail("file: unrecognized file type '{}'.", *request.type);
   Work work(context, SceneHooks::Work::Writing, name);
   HOST_TRY(work.begin(SceneStage::BeforeSave));
-  auto path = writeTo(context, args, *format, name, false);
+  auto path = writeTo(context, request, *format, name, false);
   if (!path) return failWith(std::move(path.error()));
   context.document.setFileName(*path);
   context.document.setModified(false);
   context.session.scriptJobs().triggerEvent("SceneSaved");
   work.reach(SceneStage::AfterSave);
-  return mel::Value(*path);
+  return path;
 }
 
-CommandResult exportScene(Context& context, const ParsedArgs& args, bool onlySelected) {
-  if (!args.hasObjects()) return fail("file: name the file to export to.");
+Result<std::string> exportScene(Context& context, const FileRequest& request, bool onlySelected) {
+  if (request.path.empty()) return fail("file: name the file to export to.");
   if (onlySelected && context.document.selection().isEmpty())
     return fail("file: nothing is selected to export.");
-  const std::string wanted = absolutePath(args.firstObject());
-  auto format = formatFor(context, args, wanted);
+  const std::string wanted = absolutePath(request.path);
+  auto format = formatFor(context, request, wanted);
   if (!format) return failWith(std::move(format.error()));
   Work work(context, SceneHooks::Work::Writing, wanted);
   HOST_TRY(work.begin(SceneStage::BeforeExport));
-  auto path = writeTo(context, args, **format, wanted, onlySelected);
+  auto path = writeTo(context, request, **format, wanted, onlySelected);
   if (!path) return failWith(std::move(path.error()));
   work.reach(SceneStage::AfterExport);
-  return mel::Value(*path);
+  return path;
 }
 
-CommandResult renameScene(Context& context, const ParsedArgs& args) {
-  const std::string name = args.text("rename");
+std::string renameScene(Context& context, const std::string& name) {
   context.document.setFileName(name.empty() ? name : absolutePath(name));
-  return mel::Value(context.document.fileName());
+  return context.document.fileName();
+}
+
+std::string fileType(Context& context, const std::string& path) {
+  const FileFormats& formats = formatsOf(context);
+  const FileFormat* format = formats.byPath(path.empty() ? context.document.fileName() : path);
+  if (!format && path.empty()) format = &formats.native();
+  return format ? format->name : std::string();
 }
 
 CommandResult queryFile(Context& context, const ParsedArgs& args) {
@@ -283,9 +258,8 @@ CommandResult queryFile(Context& context, const ParsedArgs& args) {
   if (args.has("location")) return mel::Value(current.empty() ? std::string("unknown") : current);
   if (args.has("list")) return toValue({current.empty() ? absolutePath("untitled") : current});
   if (args.has("type")) {
-    const FileFormat* format = formatsOf(context).byPath(named.empty() ? current : named);
-    if (!format && named.empty()) format = &formatsOf(context).native();
-    return toValue(format ? std::vector<std::string>{format->name} : std::vector<std::string>{});
+    const std::string type = fileType(context, named);
+    return toValue(type.empty() ? std::vector<std::string>{} : std::vector<std::string>{type});
   }
   return fail("file: say what to query.");
 }

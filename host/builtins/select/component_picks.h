@@ -4,30 +4,28 @@
 
 #include "host/builtins/common/command.h"
 #include "host/builtins/common/mesh_components.h"
+#include "host/edits/select.h"
 
 namespace host::builtins {
 
-/// Components of one type on one mesh, by the mesh's own ids.
-struct ComponentPick {
-  const MeshItem* item = nullptr;
-  scene::ComponentType type = scene::ComponentType::Vertex;
-  std::vector<Index> ids;
-};
-
-/// The components of an item brought to one type, each by its own kind; an object gives all.
-/// Sorted, each once.
-[[nodiscard]] std::vector<Index> convertedIds(const MeshItem& item, scene::ComponentType type,
-                                              mesh::Conversion how = mesh::Conversion::Connected);
+using edits::ComponentPick;
+using edits::convertedIds;
+using edits::pickedList;
 
 /// The meshes among the arguments, or among what is selected.
-[[nodiscard]] Result<std::vector<MeshItem>> namedMeshItems(Context& context,
-                                                           const ParsedArgs& args);
-
-/// The picks as a selection list; those without components are left out.
-[[nodiscard]] scene::SelectionList pickedList(const std::vector<ComponentPick>& picks);
+[[nodiscard]] Result<std::vector<nodes::MeshItem>> namedMeshItems(Context& context,
+                                                                  const ParsedArgs& args);
 
 /// Makes the picks the selection: their objects are hilited and clicks pick components of that type
 /// from here on.
-Result<void> selectPicks(Context& context, const std::vector<ComponentPick>& picks);
+void selectPicks(Context& context, const std::vector<ComponentPick>& picks);
+
+/// The selection grown, shrunk, turned into its boundary, or extended to shells or their borders.
+enum class Traverse { Grow, Shrink, Boundary, Shells, ShellBorders };
+Result<void> traverseSelection(Context& context, Traverse how);
+/// The edge loops or rings through the selected edges become the selection.
+/// @return their names
+CommandResult selectEdgeLoops(Context& context);
+CommandResult selectEdgeRings(Context& context);
 
 }  // namespace host::builtins

@@ -158,7 +158,7 @@ CommandResult convertSelection(Context& context, const ConversionCommand& conver
   std::vector<ComponentPick> picks;
   for (const MeshItem& item : *items)
     picks.push_back({&item, conversion.type, conversion.convert(item)});
-  HOST_TRY(selectPicks(context, picks));
+  selectPicks(context, picks);
   return mel::Value();
 }
 

@@ -116,7 +116,8 @@ Result<void> applySelection(Context& context, const ParsedArgs& args,
     merge(context, args, pickedList(picks));
     return {};
   }
-  return selectPicks(context, picks);
+  selectPicks(context, picks);
+  return {};
 }
 
 CommandResult polySelect(Context& context, const ParsedArgs& args) {
@@ -177,11 +178,18 @@ CommandResult extendEdges(Context& context, const scene::SelectionList& from, Wa
   const bool isAnyFound = std::any_of(picks.begin(), picks.end(),
                                       [](const ComponentPick& pick) { return !pick.ids.empty(); });
   if (!isAnyFound) return fail("Select one or more edges to start from.");
-  HOST_TRY(selectPicks(context, picks));
+  selectPicks(context, picks);
   return toValue(pickedList(picks).names());
 }
 
 }  // namespace
+
+CommandResult selectEdgeLoops(Context& context) {
+  return extendEdges(context, context.document.selection(), mesh::edgeLoop);
+}
+CommandResult selectEdgeRings(Context& context) {
+  return extendEdges(context, context.document.selection(), mesh::edgeRing);
+}
 
 void registerPolySelect(CommandRegistry& registry) {
   Syntax syntax;
@@ -215,15 +223,12 @@ void registerPolySelect(CommandRegistry& registry) {
           return fail("polySelectEdges: use edgeLoop, edgeRing, edgeLoopOrBorder or edgeBorder.");
         return extendEdges(context, context.document.selection(), walk);
       });
-  struct MenuName {
-    const char *name, *kind;
-  };
-  for (const MenuName menu :
-       {MenuName{"SelectEdgeLoopSp", "loop"}, MenuName{"SelectEdgeRingSp", "ring"},
-        MenuName{"SelectEdgeLoop", "loop"}, MenuName{"SelectEdgeRing", "ring"}})
-    define(registry, menu.name, Syntax(), [menu](Context& context, const ParsedArgs&) {
-      return extendEdges(context, context.document.selection(), walkNamed(menu.kind));
-    });
+  for (const char* name : {"SelectEdgeLoopSp", "SelectEdgeLoop"})
+    define(registry, name, Syntax(),
+           [](Context& context, const ParsedArgs&) { return selectEdgeLoops(context); });
+  for (const char* name : {"SelectEdgeRingSp", "SelectEdgeRing"})
+    define(registry, name, Syntax(),
+           [](Context& context, const ParsedArgs&) { return selectEdgeRings(context); });
 }
 
 }  // namespace host::builtins

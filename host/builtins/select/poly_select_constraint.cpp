@@ -145,33 +145,35 @@ bool fits(const SelectConstraints& wanted, const Mesh& mesh, ComponentType type,
                          static_cast<double>(mesh.adjacency().vertexEdges(id).size()));
 }
 
-/// The flags that act at once, by the menu commands that do the same.
+/// The flags that act at once.
 struct Action {
   const char *shortName, *longName;
-  const char* command;
+  Result<void> (*act)(Context&);
 };
-constexpr std::array kPropagations = {"", "GrowPolygonSelectionRegion",
-                                      "ShrinkPolygonSelectionRegion",
-                                      "SelectPolygonSelectionBoundary", "SelectEdgeLoopSp"};
-constexpr std::array kActions = {Action{"sh", "shell", "polySelectBorderShell 0"},
-                                 Action{"bo", "border", "polySelectBorderShell 1"},
-                                 Action{"lp", "loop", "SelectEdgeLoopSp"},
-                                 Action{"ri", "ring", "SelectEdgeRingSp"}};
-
-Result<void> runMel(Context& context, const std::string& text) {
-  auto done = context.session.interpreter().execute(text);
-  if (!done) return failWith(std::move(done.error()));
+template <Traverse how>
+Result<void> traverseBy(Context& context) {
+  return traverseSelection(context, how);
+}
+template <CommandResult (*selectEdges)(Context&)>
+Result<void> extendBy(Context& context) {
+  HOST_TRY(selectEdges(context));
   return {};
 }
+constexpr std::array<Result<void> (*)(Context&), 5> kPropagations = {
+    nullptr, traverseBy<Traverse::Grow>, traverseBy<Traverse::Shrink>,
+    traverseBy<Traverse::Boundary>, extendBy<selectEdgeLoops>};
+constexpr std::array kActions = {Action{"sh", "shell", traverseBy<Traverse::Shells>},
+                                 Action{"bo", "border", traverseBy<Traverse::ShellBorders>},
+                                 Action{"lp", "loop", extendBy<selectEdgeLoops>},
+                                 Action{"ri", "ring", extendBy<selectEdgeRings>}};
 
 Result<void> act(Context& context, const ParsedArgs& args) {
   const int propagation = args.integer("propagate");
   if (propagation < 0 || propagation >= static_cast<int>(kPropagations.size()))
     return fail("polySelectConstraint: -propagate is 1 more, 2 less, 3 border or 4 edge loops.");
-  if (propagation > 0)
-    HOST_TRY(runMel(context, kPropagations[static_cast<std::size_t>(propagation)]));
+  if (propagation > 0) HOST_TRY(kPropagations[static_cast<std::size_t>(propagation)](context));
   for (const Action& action : kActions)
-    if (args.boolean(action.longName)) HOST_TRY(runMel(context, action.command));
+    if (args.boolean(action.longName)) HOST_TRY(action.act(context));
   return {};
 }
 
@@ -198,7 +200,7 @@ Result<std::vector<std::string>> filter(Context& context, const SelectConstraint
     std::erase_if(ids, [&](Index id) { return !fits(wanted, item.mesh, type, id); });
     picks.push_back({&item, type, std::move(ids)});
   }
-  if (selects) HOST_TRY(selectPicks(context, picks));
+  if (selects) selectPicks(context, picks);
   return pickedList(picks).names();
 }
 

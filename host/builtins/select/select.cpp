@@ -1,3 +1,5 @@
+#include "host/edits/select.h"
+
 #include <algorithm>
 
 #include "host/builtins/common/command.h"
@@ -10,7 +12,6 @@ namespace {
 
 using scene::SelectionItem;
 using scene::SelectionList;
-using scene::SelectionMerge;
 
 void addHierarchy(SelectionList& list, const scene::DagPath& path) {
   scene::PathWalk walk(path);
@@ -50,18 +51,6 @@ SelectionList everything(scene::Document& document, bool dagObjects, bool depend
   return list;
 }
 
-/// Sets stand for their members, those in sets included.
-SelectionList expandSets(const SelectionList& list) {
-  SelectionList expanded;
-  for (const SelectionItem& item : list.items()) {
-    if (item.isObject() && nodes::isSet(*item.node))
-      expanded.merge(expandSets(nodes::setMembers(*item.node)));
-    else
-      expanded.merge(item);
-  }
-  return expanded;
-}
-
 Result<SelectionList> wanted(Context& context, const ParsedArgs& args) {
   scene::Document& document = context.document;
   const bool all = args.has("all"), dagObjects = args.has("allDagObjects"),
@@ -76,7 +65,7 @@ Result<SelectionList> wanted(Context& context, const ParsedArgs& args) {
   };
   if (args.has("noExpand") || std::none_of(list->items().begin(), list->items().end(), hasSet))
     return list;
-  return expandSets(*list);
+  return edits::expandSets(*list);
 }
 
 CommandResult select(Context& context, const ParsedArgs& args) {
@@ -103,25 +92,13 @@ CommandResult select(Context& context, const ParsedArgs& args) {
       if (!item.isDag() || isVisible(document, item.path)) shown.merge(item);
     *list = std::move(shown);
   }
-  if (args.has("add") || args.has("toggle") || args.has("deselect")) {
-    SelectionList merged = document.selection();
-    merged.merge(*list, args.has("add")      ? SelectionMerge::Add
-                        : args.has("toggle") ? SelectionMerge::Toggle
-                                             : SelectionMerge::Remove);
-    document.setSelection(std::move(merged));
-  } else if (args.has("addFirst")) {
-    SelectionList merged = std::move(*list);
-    merged.merge(document.selection());
-    document.setSelection(std::move(merged));
-  } else {
-    // Whole objects end the work on components of others: nothing that runs next may take those for
-    // chosen.
-    const bool hasObject =
-        std::any_of(list->items().begin(), list->items().end(),
-                    [](const SelectionItem& item) { return item.isDag() && item.isObject(); });
-    if (hasObject && !document.hilite().isEmpty()) document.setHilite({});
-    document.setSelection(std::move(*list));
-  }
+  using edits::SelectHow;
+  edits::select(document, *std::move(list),
+                args.has("add")        ? SelectHow::Add
+                : args.has("toggle")   ? SelectHow::Toggle
+                : args.has("deselect") ? SelectHow::Remove
+                : args.has("addFirst") ? SelectHow::AddFirst
+                                       : SelectHow::Replace);
   return mel::Value();
 }
 
@@ -129,20 +106,12 @@ CommandResult hilite(Context& context, const ParsedArgs& args) {
   scene::Document& document = context.document;
   auto list = args.resolveObjects(document);
   if (!list) return failWith(std::move(list.error()));
-  SelectionList objects;
-  for (const SelectionItem& item : list->items())
-    if (item.isDag()) objects.add(scene::isShape(*item.node) ? item.path.transform() : item.path);
-  if (args.has("unHilite") || args.has("toggle")) {
-    SelectionList merged = document.hilite();
-    merged.merge(objects, args.has("toggle") ? SelectionMerge::Toggle : SelectionMerge::Remove);
-    document.setHilite(std::move(merged));
-  } else if (args.has("replace")) {
-    document.setHilite(std::move(objects));
-  } else {
-    SelectionList merged = document.hilite();
-    merged.merge(objects);
-    document.setHilite(std::move(merged));
-  }
+  using edits::SelectHow;
+  edits::hilite(document, *list,
+                args.has("toggle")     ? SelectHow::Toggle
+                : args.has("unHilite") ? SelectHow::Remove
+                : args.has("replace")  ? SelectHow::Replace
+                                       : SelectHow::Add);
   return mel::Value();
 }
 

@@ -102,8 +102,8 @@ Ids shellBorder(const Region& region) {
 
 using Step = Ids (*)(const Region&);
 
-CommandResult traverse(Context& context, Step step) {
-  auto items = meshItems(context.document.selection());
+Result<void> traverse(Context& context, Step step) {
+  auto items = nodes::meshItems(context.document.selection());
   if (!items) return failWith(std::move(items.error()));
   std::vector<ComponentPick> picks;
   for (const MeshItem& item : *items) {
@@ -113,19 +113,24 @@ CommandResult traverse(Context& context, Step step) {
       picks.push_back({&item, component.type(), step(region)});
     }
   }
-  if (picks.empty()) return mel::Value();
-  HOST_TRY(selectPicks(context, picks));
+  if (!picks.empty()) selectPicks(context, picks);
+  return {};
+}
+
+/// A command for one kind of traversal.
+CommandResult traverseCommand(Context& context, Traverse how) {
+  HOST_TRY(traverseSelection(context, how));
   return mel::Value();
 }
 
 CommandResult traverseByNumber(Context& context, const ParsedArgs& args) {
   switch (args.arguments().front().toInt().value_or(0)) {
     case 1:
-      return traverse(context, grow);
+      return traverseCommand(context, Traverse::Grow);
     case 2:
-      return traverse(context, shrink);
+      return traverseCommand(context, Traverse::Shrink);
     case 3:
-      return traverse(context, innerRim);
+      return traverseCommand(context, Traverse::Boundary);
     default:
       return fail("PolySelectTraverse: use 1 to grow, 2 to shrink or 3 for the boundary.");
   }
@@ -138,7 +143,10 @@ CommandResult invertSelection(Context& context, const ParsedArgs&) {
   const bool hasComponents =
       std::any_of(selected.items().begin(), selected.items().end(),
                   [](const scene::SelectionItem& item) { return !item.components.empty(); });
-  if (hasComponents) return traverse(context, complement);
+  if (hasComponents) {
+    HOST_TRY(traverse(context, complement));
+    return mel::Value();
+  }
   scene::SelectionList others;
   for (scene::Node* node : document.worldChildren()) {
     if (node->isDefault()) continue;
@@ -154,26 +162,43 @@ CommandResult invertSelection(Context& context, const ParsedArgs&) {
 
 struct TraverseCommand {
   const char* name;
-  Step step;
+  Traverse how;
 };
 constexpr std::array kCommands = {
-    TraverseCommand{"GrowPolygonSelectionRegion", grow},
-    TraverseCommand{"ShrinkPolygonSelectionRegion", shrink},
-    TraverseCommand{"SelectPolygonSelectionBoundary", innerRim},
+    TraverseCommand{"GrowPolygonSelectionRegion", Traverse::Grow},
+    TraverseCommand{"ShrinkPolygonSelectionRegion", Traverse::Shrink},
+    TraverseCommand{"SelectPolygonSelectionBoundary", Traverse::Boundary},
 };
 
 }  // namespace
 
+Result<void> traverseSelection(Context& context, Traverse how) {
+  switch (how) {
+    case Traverse::Grow:
+      return traverse(context, grow);
+    case Traverse::Shrink:
+      return traverse(context, shrink);
+    case Traverse::Boundary:
+      return traverse(context, innerRim);
+    case Traverse::Shells:
+      return traverse(context, shells);
+    case Traverse::ShellBorders:
+      return traverse(context, shellBorder);
+  }
+  return {};
+}
+
 void registerTraverseSelection(CommandRegistry& registry) {
   for (const TraverseCommand& command : kCommands)
     define(registry, command.name, Syntax(), [&command](Context& context, const ParsedArgs&) {
-      return traverse(context, command.step);
+      return traverseCommand(context, command.how);
     });
   define(registry, "PolySelectTraverse", Syntax().strings(1, 1), traverseByNumber);
   define(registry, "polySelectBorderShell", Syntax().strings(1, 1),
          [](Context& context, const ParsedArgs& args) {
-           return traverse(
-               context, args.arguments().front().toBool().value_or(false) ? shellBorder : shells);
+           return traverseCommand(context, args.arguments().front().toBool().value_or(false)
+                                               ? Traverse::ShellBorders
+                                               : Traverse::Shells);
          });
   define(registry, "InvertSelection", Syntax(), invertSelection);
 }

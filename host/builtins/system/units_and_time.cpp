@@ -1,4 +1,5 @@
 #include "host/builtins/common/command.h"
+#include "host/edits/time.h"
 
 namespace host::builtins {
 
@@ -30,18 +31,15 @@ CommandResult currentUnit(Context& context, const ParsedArgs& args) {
 
 CommandResult currentTime(Context& context, const ParsedArgs& args) {
   scene::Document& document = context.document;
-  if (document.nodesNamed("time1").empty()) return fail("currentTime: the scene has no time node.");
-  const dg::Plug plug = document.nodesNamed("time1").front()->plug("outTime");
   const double rate = document.units().framesPerSecond();
   if (!args.isQuery() && args.wordCount() > 0) {
     const double frame = mel::leadingFloat(args.firstObject());
-    HOST_TRY(document.graph().set(plug, dg::Value(frame / rate)));
+    HOST_TRY(edits::setCurrentTime(document, frame / rate));
     context.session.scriptJobs().triggerEvent("timeChanged");
   }
-  auto value = document.graph().get(plug);
-  if (!value) return failWith(std::move(value.error()));
-  const auto* seconds = std::get_if<double>(&*value);
-  return mel::Value(seconds ? *seconds * rate : 0.0);
+  const auto seconds = edits::currentTime(document);
+  if (!seconds) return failWith(seconds.error());
+  return mel::Value(*seconds * rate);
 }
 
 }  // namespace

@@ -1,30 +1,28 @@
 // doMenuComponentSelection and changeSelectMode: what the menus for component modes call.
 #include "host/builtins/common/command.h"
+#include "host/edits/select.h"
+#include "host/workspace/edit_hooks.h"
 
 namespace host::builtins {
 
 namespace {
 
 struct Mask {
-  const char *name, *flags;
+  const char* name;
+  workspace::SelectionModes::Kinds kinds;
 };
-constexpr Mask kMasks[] = {
-    {"vertex", "-vertex 1"},       {"edge", "-edge 1"},
-    {"facet", "-facet 1"},         {"puv", "-polymeshUV 1"},
-    {"pvf", "-polymeshVtxFace 1"}, {"meshComponents", "-vertex 1 -edge 1 -facet 1"},
-};
-
-/// Runs inside the command, so that hilite and selection belong to its step of undo.
-Result<void> runMel(Context& context, const std::string& text) {
-  auto done = context.session.interpreter().execute(text);
-  if (!done) return failWith(std::move(done.error()));
-  return {};
+const std::vector<Mask>& masks() {
+  static const std::vector<Mask> table = {
+      {"vertex", {"vertex"}},       {"edge", {"edge"}},
+      {"facet", {"facet"}},         {"puv", {"polymeshUV"}},
+      {"pvf", {"polymeshVtxFace"}}, {"meshComponents", {"vertex", "edge", "facet"}}};
+  return table;
 }
 
 CommandResult doMenuComponentSelection(Context& context, const ParsedArgs& args) {
   const std::vector<std::string> words = args.objectNames();
   const Mask* mask = nullptr;
-  for (const Mask& each : kMasks)
+  for (const Mask& each : masks())
     if (words[1] == each.name) mask = &each;
   if (!mask)
     return fail(
@@ -33,18 +31,20 @@ CommandResult doMenuComponentSelection(Context& context, const ParsedArgs& args)
         words[1]);
   // An object that is picked through its components: what is hilited are objects.
   const std::string object = words[0].substr(0, words[0].find('.'));
-  if (!object.empty()) HOST_TRY(runMel(context, "hilite -r \"" + object + "\""));
-  HOST_TRY(runMel(
-      context,
-      "selectMode -component; selectType -allComponents 0; selectType -ocm -allComponents 0"));
-  HOST_TRY(runMel(context,
-                  std::string("selectType ") + mask->flags + "; selectType -ocm " + mask->flags));
+  if (!object.empty()) {
+    const auto found = context.document.resolve(object);
+    if (!found) return failWith(found.error());
+    edits::hilite(context.document, *found);
+  }
+  workspace::pickComponents(context.session, mask->kinds);
   return mel::Value();
 }
 
 CommandResult changeSelectMode(Context& context, const ParsedArgs& args) {
-  for (const char* mode : {"component", "object", "hierarchical"})
-    if (args.has(mode)) HOST_TRY(runMel(context, std::string("selectMode -") + mode));
+  workspace::SelectionModes modes = workspace::workspaceOf(context.session).selectionModes;
+  if (args.has("component")) modes.isComponentMode = true;
+  if (args.has("object")) modes.isComponentMode = false;
+  workspace::setSelectionModes(context.session, std::move(modes));
   return mel::Value();
 }
 

@@ -5,7 +5,7 @@
 namespace host::nodes {
 
 /// Each registers one type of history node.
-void registerPolyTweak(dg::TypeRegistry& types);     ///< adds `tweak` offsets to points
+void registerPolyTweak(dg::TypeRegistry& types);  ///< adds `tweak` offsets to points
 void registerDeleteComponent(
     dg::TypeRegistry& types);  ///< deletes faces, then edges, then vertices
 void registerTransformGeometry(dg::TypeRegistry& types);  ///< moves the whole mesh by a matrix

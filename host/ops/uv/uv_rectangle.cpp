@@ -99,14 +99,12 @@ Grid smallestGrid(const Cells& cells, CornerId start, VertexId end, std::size_t 
 
 }  // namespace
 
-Result<std::vector<FaceId>> mapUvRectangle(Mesh& mesh, int uvSet, VertexId first,
-                                           VertexId second) {
+Result<std::vector<FaceId>> mapUvRectangle(Mesh& mesh, int uvSet, VertexId first, VertexId second) {
   const Cells cells(mesh);
   Grid best;
   for (const CornerId c : mesh.adjacency().vertexCorners(first)) {
     if (!cells.isQuad(c)) continue;
-    const std::size_t atMost =
-        best.cells.empty() ? at(mesh.faceCount()) : best.cells.size() - 1;
+    const std::size_t atMost = best.cells.empty() ? at(mesh.faceCount()) : best.cells.size() - 1;
     if (Grid grid = smallestGrid(cells, c, second, atMost); !grid.cells.empty())
       best = std::move(grid);
   }

@@ -83,7 +83,8 @@ TEST_CASE("random sequences of UV commands keep meshes sound and are taken back 
       REQUIRE(mesh);
       const std::vector<std::string> faults = mesh::check(*mesh);
       REQUIRE_MESSAGE(faults.empty(), (faults.empty() ? "" : faults.front()));
-      if (session->undo().itemCount() == states.size()) states.push_back(session->document().hash());
+      if (session->undo().itemCount() == states.size())
+        states.push_back(session->document().hash());
     }
     INFO(story);
     for (std::size_t i = states.size() - 1; i > 0; --i) {

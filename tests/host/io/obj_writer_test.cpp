@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "host/io/whole_file.h"
 #include "host/io/obj_reader.h"
+#include "host/io/whole_file.h"
 #include "host/mesh/adjacency.h"
 
 using namespace host;

@@ -3,9 +3,9 @@
 #include <cstdio>
 #include <string>
 
-#include "host/io/whole_file.h"
 #include "host/io/png_reader.h"
 #include "host/io/png_writer.h"
+#include "host/io/whole_file.h"
 
 using namespace host::io;
 

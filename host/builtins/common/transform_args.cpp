@@ -1,38 +1,9 @@
-#include "host/builtins/common/transform_targets.h"
+#include "host/builtins/common/transform_args.h"
 
 #include <algorithm>
 #include <optional>
 
-#include "host/math/box.h"
-
 namespace host::builtins {
-
-math::Vec3 TransformTargets::vertexCenter() const {
-  math::Box box;
-  for (const MeshItem& item : meshes) {
-    const math::Matrix4 matrix = item.path.inclusiveMatrix();
-    for (const VertexId v : item.vertices())
-      box.add(math::transformPoint(item.mesh.point(v), matrix));
-  }
-  return box.center();
-}
-
-Result<TransformTargets> transformTargets(const scene::SelectionList& list) {
-  TransformTargets targets;
-  scene::SelectionList components;
-  for (const scene::SelectionItem& item : list.items()) {
-    if (!item.isDag() || item.plug)
-      return fail("'{}' has no place in space.", nodeName(*item.node));
-    if (item.isObject())
-      targets.objects.push_back(item.path.transform());
-    else
-      components.merge(item);
-  }
-  auto meshes = meshItems(components);
-  if (!meshes) return failWith(std::move(meshes.error()));
-  targets.meshes = std::move(*meshes);
-  return targets;
-}
 
 namespace {
 
@@ -83,6 +54,43 @@ NumbersAndNames splitNumbers(const ParsedArgs& args, std::size_t most, ArgType t
     for (std::string& name : value.toTexts()) split.names.push_back(std::move(name));
   }
   return split;
+}
+
+std::array<bool, 3> axesOf(const ParsedArgs& args, std::string_view command) {
+  std::array<bool, 3> axes{true, true, true};
+  for (const ParsedArgs::FlagUse& use : args.flagUses()) {
+    const std::string_view name = use.spec->longName;
+    if (!name.starts_with(command) || name.size() <= command.size()) continue;
+    const std::string_view letters = name.substr(command.size());
+    if (letters.find_first_not_of("XYZ") != std::string_view::npos) continue;
+    for (std::size_t axis = 0; axis < axes.size(); ++axis)
+      axes[axis] = letters.find("XYZ"[axis]) != std::string_view::npos;
+  }
+  return axes;
+}
+
+Result<math::Vec3> amountFor(std::string_view command, std::string_view what,
+                             const std::array<bool, 3>& axes, const std::vector<double>& numbers,
+                             double neutral) {
+  math::Vec3 amount{neutral, neutral, neutral};
+  std::size_t next = 0;
+  for (int axis = 0; axis < 3; ++axis) {
+    if (!axes[static_cast<std::size_t>(axis)]) continue;
+    if (next >= numbers.size())
+      return fail("{}: a {} for {} is missing.", command, what, "xyz"[axis]);
+    amount[axis] = numbers[next++];
+  }
+  if (next < numbers.size()) return fail("{}: there are more {}s than axes.", command, what);
+  return amount;
+}
+
+Result<scene::SelectionList> namedOrSelected(Context& context,
+                                             const std::vector<std::string>& names,
+                                             std::string_view command) {
+  auto list = names.empty() ? Result<scene::SelectionList>(context.document.selection())
+                            : context.document.resolveAll(names);
+  if (list && list->isEmpty()) return fail("{}: name or select something to {}.", command, command);
+  return list;
 }
 
 }  // namespace host::builtins

@@ -1,27 +1,10 @@
-#include "host/builtins/dag/hierarchy.h"
+#include "host/edits/bounds.h"
 
-#include "host/builtins/common/mesh_components.h"
-#include "host/nodes/dag_node.h"
+#include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
-#include "host/nodes/transform.h"
 #include "host/scene/dag_paths.h"
 
-namespace host::builtins {
-
-Result<void> reparentObject(scene::Document& document, const scene::DagPath& path,
-                            scene::Node* parent, bool isRelative) {
-  scene::Node& node = *path.node();
-  const math::Matrix4 before = path.inclusiveMatrix(), oldParent = path.exclusiveMatrix();
-  HOST_TRY(document.reparent(path, parent));
-  if (isRelative || !scene::isTransform(node)) return {};
-  const math::Matrix4 newParent =
-      parent ? scene::firstPath(*parent).inclusiveMatrix() : math::Matrix4{};
-  if (newParent == oldParent) return {};
-  const auto inverse = math::inverse(newParent);
-  if (!inverse)
-    return fail("'{}' has a scale of zero: nothing can keep its place under it.", parent->name());
-  return nodes::setLocalMatrix(node, before * *inverse);
-}
+namespace host::edits {
 
 namespace {
 
@@ -67,10 +50,10 @@ Result<math::Box> worldBox(const scene::SelectionItem& item) {
   if (item.isObject()) return item.isDag() ? worldBox(item.path) : math::Box{};
   scene::SelectionList list;
   list.merge(item);
-  auto items = meshItems(list);
+  auto items = nodes::meshItems(list);
   if (!items) return failWith(std::move(items.error()));
   math::Box box;
-  for (const MeshItem& each : *items) {
+  for (const nodes::MeshItem& each : *items) {
     const math::Matrix4 matrix = each.path.inclusiveMatrix();
     for (const VertexId v : each.vertices())
       box.add(math::transformPoint(each.mesh.point(v), matrix));
@@ -78,4 +61,4 @@ Result<math::Box> worldBox(const scene::SelectionItem& item) {
   return box;
 }
 
-}  // namespace host::builtins
+}  // namespace host::edits

@@ -1,20 +1,18 @@
 #pragma once
 
-#include <span>
-#include <string>
+#include <optional>
 #include <vector>
 
-#include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
+#include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
 
-namespace host::builtins {
+namespace host::edits {
 
-/// What move, rotate, scale and xform work on: objects by their transform, components by their
+/// What moving, turning and scaling work on: objects by their transform, components by their
 /// vertices.
 struct TransformTargets {
   std::vector<scene::DagPath> objects;
-  std::vector<MeshItem> meshes;  ///< components only
+  std::vector<nodes::MeshItem> meshes;  ///< components only
 
   [[nodiscard]] bool isEmpty() const { return objects.empty() && meshes.empty(); }
   /// The centre of the box around all vertices of the components, in world space.
@@ -24,23 +22,16 @@ struct TransformTargets {
 /// Splits a list; shapes count as their transform. Fails for what has no place in space, naming it.
 [[nodiscard]] Result<TransformTargets> transformTargets(const scene::SelectionList& list);
 
-/// The leading numbers of a command's arguments in cm, radians or as they are, by `type`, and the
-/// words after them. A number may carry its unit, as in 5mm or 0.5rad; without one it is in the
-/// scene's.
-struct NumbersAndNames {
-  std::vector<double> numbers;
-  std::vector<std::string> names;
-};
-[[nodiscard]] NumbersAndNames splitNumbers(const ParsedArgs& args, std::size_t most, ArgType type,
-                                           const scene::Units& units);
+/// The middle of the rotate pivots of a list's objects, in world space; nothing without any.
+[[nodiscard]] std::optional<math::Vec3> middleOfPivots(const scene::SelectionList& list);
 
 /// Replaces each vertex of the items by `edit(point)`, given and taken in `space`; points that come
 /// back unchanged keep their bits. Stored as object-space floats, or as tweaks when there is
 /// history.
 template <class Edit>
-Result<void> editVertices(const std::vector<MeshItem>& items, nodes::Space space,
+Result<void> editVertices(const std::vector<nodes::MeshItem>& items, nodes::Space space,
                           const Edit& edit) {
-  for (const MeshItem& item : items) {
+  for (const nodes::MeshItem& item : items) {
     const math::Matrix4 matrix =
         space == nodes::Space::World ? item.path.inclusiveMatrix() : math::Matrix4{};
     const auto inverse = math::inverse(matrix);
@@ -62,4 +53,4 @@ Result<void> editVertices(const std::vector<MeshItem>& items, nodes::Space space
   return {};
 }
 
-}  // namespace host::builtins
+}  // namespace host::edits

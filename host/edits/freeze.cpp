@@ -1,0 +1,134 @@
+#include "host/edits/freeze.h"
+
+#include "host/edits/atomically.h"
+#include "host/nodes/mesh_shape.h"
+#include "host/nodes/transform.h"
+
+namespace host::edits {
+
+namespace {
+
+using math::Matrix4;
+using math::TransformComponents;
+using math::Vec3;
+using scene::DagPath;
+
+/// What stays of a transform when parts of it go down to its children; the pivots stay where they
+/// are in space.
+TransformComponents remaining(const Matrix4& local, const TransformComponents& before,
+                              const TransformParts& parts) {
+  TransformComponents after;
+  after.rotateOrder = before.rotateOrder;
+  const TransformComponents now = math::decompose(local, before);
+  if (!parts.translate) after.translate = now.translate;
+  if (!parts.rotate) {
+    after.rotate = now.rotate;
+    after.rotateAxis = now.rotateAxis;
+  }
+  if (!parts.scale) {
+    after.scale = now.scale;
+    after.shear = now.shear;
+  }
+  after.rotatePivot = math::transformPoint(now.rotatePivot, local) - after.translate;
+  after.scalePivot = math::transformPoint(now.scalePivot, local) - after.translate;
+  return after;
+}
+
+Result<void> movePoints(scene::Document& document, dg::Node& shape, const Matrix4& by) {
+  if (nodes::hasHistory(shape)) {
+    auto node = document.createNode("transformGeometry", "transformGeometry#");
+    if (!node) return failWith(std::move(node.error()));
+    HOST_TRY(document.graph().set((*node)->plug("transform"),
+                                  dg::DataPtr(std::make_shared<dg::MatrixData>(by))));
+    return nodes::insertHistoryNode(document, shape, (*node)->plug("inputGeometry"),
+                                    (*node)->plug("outputGeometry"));
+  }
+  auto mesh = nodes::evaluatedMesh(shape);
+  if (!mesh) return failWith(std::move(mesh.error()));
+  std::vector<math::Vec3f> points(mesh->points().begin(), mesh->points().end());
+  for (math::Vec3f& point : points) point = math::transformPoint(Vec3(point), by).toFloat();
+  return nodes::setEvaluatedPoints(shape, std::move(points));
+}
+
+class Freeze {
+ public:
+  Freeze(scene::Document& document, TransformParts parts) : document_(document), parts_(parts) {}
+
+  /// Finds what can't be done before anything changes.
+  Result<void> check(dg::Node& node) const {
+    if (scene::isShape(node)) return {};
+    if (scene::dagLinks(node).parents.size() > 1 || hasInstancedShape(node))
+      return fail("makeIdentity: '{}' is instanced; its instances can't all be frozen.",
+                  node.name());
+    for (const char* name : {"translate", "rotate", "scale"}) {
+      if (!isFrozen(name)) continue;
+      for (int axis = 0; axis < 3; ++axis)
+        if (const dg::Plug plug = node.plug(name).child(axis); document_.graph().isDriven(plug))
+          return fail("makeIdentity: '{}' is driven by a connection.", attributeOf(node, plug));
+    }
+    for (dg::Node* child : scene::dagLinks(node).children) HOST_TRY(check(*child));
+    return {};
+  }
+
+  Result<void> apply(dg::Node& node, const Matrix4& from) {
+    auto before = nodes::readTransform(node);
+    if (!before) return failWith(std::move(before.error()));
+    const Matrix4 local = math::toMatrix(*before) * from;
+    const TransformComponents after = remaining(local, *before, parts_);
+    const auto inverse = math::inverse(math::toMatrix(after));
+    if (!inverse) return fail("makeIdentity: '{}' has a scale of zero.", node.name());
+    HOST_TRY(nodes::writeTransform(node, after));
+    const Matrix4 down = local * *inverse;
+    const std::vector<dg::Node*> children(scene::dagLinks(node).children.begin(),
+                                          scene::dagLinks(node).children.end());
+    for (dg::Node* child : children)
+      if (!scene::isShape(*child)) HOST_TRY(apply(*child, down));
+    for (const DagPath& shape : scene::firstPath(node).shapes())
+      if (shape.node()->type().isA("mesh")) HOST_TRY(movePoints(document_, *shape.node(), down));
+    return {};
+  }
+
+ private:
+  [[nodiscard]] bool isFrozen(std::string_view name) const {
+    return name == "translate" ? parts_.translate : name == "rotate" ? parts_.rotate : parts_.scale;
+  }
+  [[nodiscard]] static std::string attributeOf(const dg::Node& node, const dg::Plug& plug) {
+    return node.name() + "." + plug.attribute()->longName;
+  }
+  [[nodiscard]] static bool hasInstancedShape(const dg::Node& node) {
+    for (const dg::Node* child : scene::dagLinks(node).children)
+      if (scene::isShape(*child) && scene::dagLinks(*child).parents.size() > 1) return true;
+    return false;
+  }
+  scene::Document& document_;
+  TransformParts parts_;
+};
+
+}  // namespace
+
+Result<void> freeze(scene::Document& document, const std::vector<dg::Node*>& transforms,
+                    const TransformParts& parts) {
+  Freeze freezing(document, parts);
+  for (dg::Node* node : transforms) HOST_TRY(freezing.check(*node));
+  return atomically(document, [&]() -> Result<void> {
+    for (dg::Node* node : transforms) HOST_TRY(freezing.apply(*node, Matrix4{}));
+    return {};
+  });
+}
+
+Result<void> resetTransforms(scene::Document& document, const std::vector<dg::Node*>& transforms,
+                             const TransformParts& parts) {
+  return atomically(document, [&]() -> Result<void> {
+    for (dg::Node* node : transforms) {
+      auto components = nodes::readTransform(*node);
+      if (!components) return failWith(std::move(components.error()));
+      if (parts.translate) components->translate = {};
+      if (parts.rotate) components->rotate = {};
+      if (parts.scale) components->scale = {1, 1, 1};
+      HOST_TRY(nodes::writeTransform(*node, *components));
+    }
+    return {};
+  });
+}
+
+}  // namespace host::edits

@@ -1,0 +1,132 @@
+#include "host/edits/remove.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "host/edits/atomically.h"
+#include "host/nodes/mesh_shape.h"
+#include "host/scene/dag_paths.h"
+
+namespace host::edits {
+
+namespace {
+
+using scene::Component;
+
+struct ShapeComponents {
+  dg::Node* shape = nullptr;
+  std::vector<Component> components;
+};
+
+void unite(std::vector<Component>& into, const Component& more) {
+  const auto same = std::find_if(into.begin(), into.end(),
+                                 [&](const Component& each) { return each.type() == more.type(); });
+  if (same == into.end())
+    into.push_back(more);
+  else
+    same->unite(more);
+}
+
+Result<std::vector<ShapeComponents>> byShape(const scene::SelectionList& list) {
+  std::vector<ShapeComponents> shapes;
+  for (const scene::SelectionItem& item : list.items()) {
+    if (!item.isDag() || item.components.empty()) continue;
+    for (const scene::DagPath& path : nodes::meshPaths(item.path)) {
+      auto known = std::find_if(shapes.begin(), shapes.end(), [&](const ShapeComponents& each) {
+        return each.shape == path.node();
+      });
+      if (known == shapes.end()) known = shapes.insert(known, {path.node(), {}});
+      for (const Component& component : item.components) {
+        if (component.type() == scene::ComponentType::Uv ||
+            component.type() == scene::ComponentType::VertexFace)
+          return fail("'{}.{}' can't be deleted: only vertices, edges and faces can.",
+                      scene::itemBaseName(item), component.words().front());
+        unite(known->components, component);
+      }
+    }
+  }
+  return shapes;
+}
+
+Result<std::string> removeFrom(scene::Document& document, ShapeComponents& each) {
+  auto node = document.createNode("deleteComponent");
+  if (!node) return failWith(std::move(node.error()));
+  HOST_TRY(document.graph().set(
+      (*node)->plug("deleteComponents"),
+      dg::DataPtr(std::make_shared<scene::ComponentListData>(std::move(each.components)))));
+  HOST_TRY(nodes::insertHistoryNode(document, *each.shape, (*node)->plug("inputGeometry"),
+                                    (*node)->plug("outputGeometry")));
+  HOST_TRY(document.graph().evaluate((*node)->plug("outputGeometry")));
+  return (*node)->name();
+}
+
+Result<void> removeHistoryBelow(scene::Document& document, const scene::DagPath& path) {
+  for (const scene::DagPath& shape : nodes::meshPaths(path))
+    if (nodes::hasHistory(*shape.node())) HOST_TRY(nodes::deleteHistory(document, *shape.node()));
+  // A copy: hidden originals go with the history that they began.
+  const std::vector<scene::Node*> children = scene::dagLinks(*path.node()).children;
+  for (scene::Node* child : children)
+    if (scene::isTransform(*child)) HOST_TRY(removeHistoryBelow(document, path.child(child)));
+  return {};
+}
+
+Result<void> removeAll(scene::Document& document, const scene::SelectionList& list) {
+  const auto componentNodes = removeComponents(document, list);
+  if (!componentNodes) return failWith(componentNodes.error());
+  std::vector<scene::Node*> nodes;
+  for (const scene::SelectionItem& item : list.items()) {
+    if (item.plug) {
+      // A plug stands for the connection that drives it.
+      if (const dg::Plug source = document.graph().source(item.plug))
+        HOST_TRY(document.graph().disconnect(source, item.plug));
+      continue;
+    }
+    if (!item.isObject()) continue;
+    const bool isInstance = item.isDag() && !scene::hasOnePath(*item.node) &&
+                            scene::dagLinks(*item.node).parents.size() > 1;
+    if (isInstance)
+      HOST_TRY(document.removeInstance(item.path));
+    else
+      nodes.push_back(item.node.get());
+  }
+  return document.deleteNodes(std::move(nodes));
+}
+
+}  // namespace
+
+// Lists by value: the selection itself changes while what it names goes.
+Result<void> remove(scene::Document& document, scene::SelectionList list) {
+  return atomically(document, [&] { return removeAll(document, list); });
+}
+
+Result<std::vector<std::string>> removeComponents(scene::Document& document,
+                                                  const scene::SelectionList& list) {
+  auto shapes = byShape(list);
+  if (!shapes) return failWith(std::move(shapes.error()));
+  return atomically(document, [&]() -> Result<std::vector<std::string>> {
+    std::vector<std::string> names;
+    for (ShapeComponents& each : *shapes) {
+      auto name = removeFrom(document, each);
+      if (!name) return failWith(std::move(name.error()));
+      names.push_back(*std::move(name));
+    }
+    return names;
+  });
+}
+
+Result<void> removeHistory(scene::Document& document, scene::SelectionList list) {
+  return atomically(document, [&]() -> Result<void> {
+    for (const scene::SelectionItem& item : list.items())
+      if (item.isDag() && item.node->isAlive()) HOST_TRY(removeHistoryBelow(document, item.path));
+    return {};
+  });
+}
+
+scene::SelectionList topObjects(const scene::Document& document, bool withDefaults) {
+  scene::SelectionList list;
+  for (const scene::Node* node : document.worldChildren())
+    if (withDefaults || !node->isDefault()) list.add(scene::firstPath(*node));
+  return list;
+}
+
+}  // namespace host::edits
