@@ -170,3 +170,12 @@ TEST_CASE("loading twice and unloading leave no window, menu or tool behind") {
       "stringArrayToString(`lsUI -wnd -m`, \" \"));"
       "if (size(`scriptJob -lj`) != $jobs) error \"a job is left\";");
 }
+
+TEST_CASE("Reset Options resets the tools' settings with the windows closed too") {
+  toolkitSession toolkit;
+  toolkit.run(
+      "qx_modeling_tool_ui; modelingWindow_QXMT_Proc; uiGesture -set 5 intensity_QXMT_IF; "
+      "uiGesture "
+      "-close qx_modeling_ui; resetOptions_QXMT_Proc");
+  CHECK(values(block()) == kAtLoad);
+}
