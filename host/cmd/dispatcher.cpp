@@ -17,6 +17,18 @@ namespace {
 // Scripts and plug-ins that call each other end in an error long before the stack ends.
 constexpr int kDeepestNesting = 200;
 
+/// Counts the commands around the one that runs whose steps hold edits already.
+struct ChangedAround {
+  explicit ChangedAround(const scene::ChangeSet* step) : holds(step && !step->isEmpty()) {
+    count += holds;
+  }
+  ~ChangedAround() { count -= holds; }
+  ChangedAround(const ChangedAround&) = delete;
+  ChangedAround& operator=(const ChangedAround&) = delete;
+  bool holds;
+  static inline int count = 0;
+};
+
 template <class Body>
 Result<void> fenced(const std::string& name, const Body& body) {
   try {
@@ -141,6 +153,7 @@ Result<void> Dispatcher::invokeBuiltin(const CommandSpec& spec,
   {
     const scene::Journal::Scope recording(session_.document().journal(), outer ? &own : nullptr);
     scene::ChangeSet* const stepBefore = step_;
+    const ChangedAround around(stepBefore);
     if (outer) step_ = &own;  // what runs inside lands between this command's own edits, in order
     done = run();
     step_ = stepBefore;
@@ -202,7 +215,11 @@ Result<void> Dispatcher::recordStep(std::string_view name,
   Result<void> done;
   {
     const scene::Journal::Scope recording(session_.document().journal(), target ? &own : nullptr);
+    scene::ChangeSet* const stepBefore = step_;
+    const ChangedAround around(stepBefore);
+    if (target) step_ = &own;
     done = fenced(std::string(name), edits);
+    step_ = stepBefore;
     if (!done) revert(own);
   }
   if (done && target) target->append(std::move(own));
@@ -234,13 +251,15 @@ void Dispatcher::runOutside(const std::function<void()>& run) {
 }
 
 Result<void> Dispatcher::undo() {
-  if (step_ && !step_->isEmpty()) return fail("Can't undo while a command is at work.");
+  if ((step_ && !step_->isEmpty()) || ChangedAround::count > 0)
+    return fail("Can't undo while a command is at work.");
   settlePendingEdits(session_);
   return undo_.undo();
 }
 
 Result<void> Dispatcher::redo() {
-  if (step_ && !step_->isEmpty()) return fail("Can't redo while a command is at work.");
+  if ((step_ && !step_->isEmpty()) || ChangedAround::count > 0)
+    return fail("Can't redo while a command is at work.");
   settlePendingEdits(session_);
   return undo_.redo();
 }
