@@ -21,6 +21,7 @@ void polyMergeUv(Declarations& add) {
   add("polyMergeUV", "Makes one UV of those of a vertex that lie within a distance.")
       .node("polyMergeUV", typeCode("PMGU"), "polyModifierUV")
       .takes(ComponentType::Uv)
+      .leaves(Leaves::Nothing)  // the UVs behind a merged one have other numbers now
       .parameter(keyable(atLeast(single("distance", "d"), 0)), "no farther than this, in the map")
       .trial("-d 0.1", "map")
       .trial("-d 10", "map")

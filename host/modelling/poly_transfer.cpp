@@ -33,7 +33,7 @@ Result<void> connectOther(Context& context, const ParsedArgs& args, Node& node,
 }  // namespace
 
 void polyTransfer(Declarations& add) {
-  ExtraFlag other{"ao", "alternateObject", {ArgType::String}};
+  ExtraFlag other{"ao", "alternateObject", {ArgType::String}, kCreate};
   other.meaning = "the object to take from; its faces are those of the target";
   add("polyTransfer", "Takes points, UV sets or colours from an object of the same topology.")
       .node("polyTransfer", typeCode("PTRN"))

@@ -103,9 +103,9 @@ void addUvSetName(Declaration& declaration) {
 }
 
 void addNewMapFlags(Declaration& declaration) {
-  ExtraFlag create{"cm", "createNewMap", {ArgType::Bool}};
+  ExtraFlag create{"cm", "createNewMap", {ArgType::Bool}, kCreate};
   create.meaning = "fills a new UV set, of the name that -uvSetName says";
-  ExtraFlag before{"ibd", "insertBeforeDeformers", {ArgType::Bool}};
+  ExtraFlag before{"ibd", "insertBeforeDeformers", {ArgType::Bool}, kCreate};
   before.meaning = "recorded; there are no deformers";
   declaration.extraFlag(create).extraFlag(before);
 }

@@ -94,6 +94,8 @@ bool isShownElsewhere(const std::string& name) {
       "polyMirrorFace.mirrorPosition",      // read when the node is made
       "polyMirrorFace.maya2017",            // about -direction
       "polyMirrorFace.mergeThresholdType",  // about -mergeThreshold
+      "polyAutoProjection.optimize",
+      "polyAutoProjection.skipIntersect",  // islands, overlaps
       "polyQuad.keepTextureBorders",
       "polyQuad.keepHardEdges"};  // triangles with such borders
   return names.contains(name);
