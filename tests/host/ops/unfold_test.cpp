@@ -4,7 +4,9 @@
 #include <numeric>
 
 #include "host/ops/uv/unfold_border.h"
+#include "host/ops/uv/unfold_energy.h"
 #include "host/ops/uv/unfold_piece.h"
+#include "host/ops/uv/unfold_plane.h"
 #include "tests/host/ops/ops_testing.h"
 
 using namespace host;
