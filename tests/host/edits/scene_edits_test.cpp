@@ -123,6 +123,10 @@ TEST_CASE("group and ungroup: members stay where they are, the pivot is their mi
   scene.setVec3("above.rotate", {0.3, 0.8, 0.1});
   scene.setVec3("a.translate", {1, 0, 0});
   scene.setVec3("b.translate", {5, 0, 0});
+  REQUIRE(group(*scene.document, {scene.path("a"), scene.path("b")}, {.name = "flat"}));
+  CHECK(scene.real("flat.rotatePivotX") == doctest::Approx(3));
+  CHECK(scene.real("flat.scalePivotX") == doctest::Approx(3));
+  REQUIRE(ungroup(*scene.document, scene.path("flat")));
   const math::Matrix4 placeOfA = scene.path("a").inclusiveMatrix();
   const auto made = group(*scene.document, {scene.path("a"), scene.path("b")},
                           {.name = "pair", .parent = &above});
