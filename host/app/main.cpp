@@ -33,9 +33,8 @@ int loadPlugIns(cmd::Session& session, const Options& options, const ProgramPath
   if (!options.noModule) files.push_back(paths.module().string());
   // A file that was named on the command line is meant as it stands, not as a name on the path.
   for (const std::string& file : options.plugIns)
-    files.push_back(file.find('/') == std::string::npos && std::filesystem::exists(file)
-                        ? "./" + file
-                        : file);
+    files.push_back(
+        file.find('/') == std::string::npos && std::filesystem::exists(file) ? "./" + file : file);
   for (const std::string& file : files) {
     const auto loaded = session.pluginLoader->load(file);
     if (loaded) continue;
