@@ -67,6 +67,8 @@ void polyLayoutUv(Declarations& add) {
   add("polyLayoutUV", "Lays UV shells out beside each other, by their outlines.")
       .node("polyLayoutUV", typeCode("PLUV"), "polyModifierUV")
       .takes(ComponentType::Face)
+      .parameter(boolean("worldSpace", "ws"),
+                 "shells are first given the size they have in the world")
       .parameter(choice("separate", "se", {"No", "Folds", "All"}),
                  "cuts shells first: 1 where they fold over, 2 also where they cover themselves")
       .parameter(boolean("flipReversed", "fr", true), "mirrors shells that lie face down")

@@ -97,8 +97,9 @@ bool isShownElsewhere(const std::string& name) {
       "polyMirrorFace.mirrorPosition",      // read when the node is made
       "polyMirrorFace.maya2017",            // about -direction
       "polyMirrorFace.mergeThresholdType",  // about -mergeThreshold
-      "polyAutoProjection.optimize",
-      "polyAutoProjection.skipIntersect",  // islands, overlaps
+      "polyLayoutUV.denseLayout",           // only where -layoutMethod packs boxes
+      "polyMapSewMove.limitPieceSize",      // about -numberFaces
+      "unfold.scale",                       // only with -useScale
       "polyQuad.keepTextureBorders",
       "polyQuad.keepHardEdges"};  // triangles with such borders
   return names.contains(name);
