@@ -250,8 +250,8 @@ void runs(benchmark::State& state) {
 }
 BENCHMARK(runs)->Name("runStep/torus")->Apply(sizes)->Unit(benchmark::kMicrosecond);
 
-/// Gestures anywhere, with undo and redo thrown in; an error when the mesh is no longer sound, a
-/// step of undo stays open or the way back leads elsewhere.
+/// Gestures anywhere, with undo and redo thrown in; an error when the mesh is no longer sound or a
+/// step of undo stays open.
 void walk(benchmark::State& state) {
   const host::MessageCapture quiet;
   for (auto _ : state) {

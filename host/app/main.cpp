@@ -31,7 +31,10 @@ bool isReadable(const std::string& file) {
 int loadPlugIns(cmd::Session& session, const Options& options, const ProgramPaths& paths) {
   std::vector<std::string> files;
   if (!options.noModule) files.push_back(paths.module().string());
-  files.insert(files.end(), options.plugIns.begin(), options.plugIns.end());
+  // A file that was named on the command line is meant as it stands, not as a name on the path.
+  for (const std::string& file : options.plugIns)
+    files.push_back(
+        file.find('/') == std::string::npos && std::filesystem::exists(file) ? "./" + file : file);
   for (const std::string& file : files) {
     const auto loaded = session.pluginLoader->load(file);
     if (loaded) continue;

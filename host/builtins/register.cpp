@@ -48,9 +48,6 @@ void registerPolyUvSet(cmd::CommandRegistry&);
 void registerPolyCrease(cmd::CommandRegistry&);
 void registerPolyEvaluate(cmd::CommandRegistry&);
 void registerPolyInfo(cmd::CommandRegistry&);
-void registerPolyMultiLayoutUv(cmd::CommandRegistry&);
-void registerPolyUvReport(cmd::CommandRegistry&);
-void registerUvSnapshot(cmd::CommandRegistry&);
 
 void registerConvertSelection(cmd::CommandRegistry&);
 void registerFilterExpand(cmd::CommandRegistry&);
@@ -87,6 +84,7 @@ void registerWindowPref(cmd::CommandRegistry&);
 void registerPolyEditUv(cmd::CommandRegistry&);
 void registerPolyForceUv(cmd::CommandRegistry&);
 void registerPolyProjection(cmd::CommandRegistry&);
+void registerUvLayouts(cmd::CommandRegistry&);
 void registerUvProcedures(cmd::CommandRegistry&);
 
 void registerPlayblast(cmd::CommandRegistry&);
@@ -119,9 +117,6 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerPolyCrease,
       registerPolyEvaluate,
       registerPolyInfo,
-      registerPolyMultiLayoutUv,
-      registerPolyUvReport,
-      registerUvSnapshot,
       registerFilterExpand,
       registerLs,
       registerPolyListComponentConversion,
@@ -160,6 +155,7 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerPolyEditUv,
       registerPolyForceUv,
       registerPolyProjection,
+      registerUvLayouts,
       registerUvProcedures,
       registerListSets,
       registerMakeIdentity,

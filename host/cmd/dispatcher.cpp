@@ -17,6 +17,32 @@ namespace {
 // Scripts and plug-ins that call each other end in an error long before the stack ends.
 constexpr int kDeepestNesting = 200;
 
+/// While commands run inside each other: of the sets that collect their edits, how many but for the
+/// innermost hold some already. There is one session at a time.
+int enclosingWithEdits = 0;
+
+/// What runs inside a command collects into `own`, to land between the command's own edits in
+/// order, and to be taken back with them.
+class CollectedInside {
+ public:
+  CollectedInside(scene::ChangeSet*& step, scene::ChangeSet* outer, scene::ChangeSet& own)
+      : step_(step), before_(step), counts_(outer && !outer->isEmpty() ? 1 : 0) {
+    if (outer) step_ = &own;
+    enclosingWithEdits += counts_;
+  }
+  ~CollectedInside() {
+    step_ = before_;
+    enclosingWithEdits -= counts_;
+  }
+  CollectedInside(const CollectedInside&) = delete;
+  CollectedInside& operator=(const CollectedInside&) = delete;
+
+ private:
+  scene::ChangeSet*& step_;
+  scene::ChangeSet* before_;
+  int counts_;
+};
+
 template <class Body>
 Result<void> fenced(const std::string& name, const Body& body) {
   try {
@@ -140,10 +166,10 @@ Result<void> Dispatcher::invokeBuiltin(const CommandSpec& spec,
   Result<void> done;
   {
     const scene::Journal::Scope recording(session_.document().journal(), outer ? &own : nullptr);
-    scene::ChangeSet* const stepBefore = step_;
-    if (outer) step_ = &own;  // what runs inside lands between this command's own edits, in order
-    done = run();
-    step_ = stepBefore;
+    {
+      const CollectedInside collected(step_, outer, own);
+      done = run();
+    }
     if (!done) revert(own);
   }
   if (!done) return done;
@@ -202,7 +228,10 @@ Result<void> Dispatcher::recordStep(std::string_view name,
   Result<void> done;
   {
     const scene::Journal::Scope recording(session_.document().journal(), target ? &own : nullptr);
-    done = fenced(std::string(name), edits);
+    {
+      const CollectedInside collected(step_, target, own);
+      done = fenced(std::string(name), edits);
+    }
     if (!done) revert(own);
   }
   if (done && target) target->append(std::move(own));
@@ -234,13 +263,15 @@ void Dispatcher::runOutside(const std::function<void()>& run) {
 }
 
 Result<void> Dispatcher::undo() {
-  if (step_ && !step_->isEmpty()) return fail("Can't undo while a command is at work.");
+  if (enclosingWithEdits > 0 || (step_ && !step_->isEmpty()))
+    return fail("Can't undo while a command is at work.");
   settlePendingEdits(session_);
   return undo_.undo();
 }
 
 Result<void> Dispatcher::redo() {
-  if (step_ && !step_->isEmpty()) return fail("Can't redo while a command is at work.");
+  if (enclosingWithEdits > 0 || (step_ && !step_->isEmpty()))
+    return fail("Can't redo while a command is at work.");
   settlePendingEdits(session_);
   return undo_.redo();
 }

@@ -45,7 +45,6 @@ Session::~Session() {
   // The scene goes first: plug-ins see their nodes off and take their callbacks back while both
   // are still there.
   undo_->flush();
-  document_->populateNewScene = {};
   document_->reset();
   document_->graph().releaseRemoved();
   if (pluginLoader) {

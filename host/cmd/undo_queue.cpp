@@ -187,8 +187,11 @@ Result<void> UndoQueue::replay(UndoItem& item, Result<void> (UndoItem::*directio
   auto done = (item.*direction)();
   if (done) {
     const std::unique_ptr<dg::Change> before = std::move(item.swept);
-    if (before) (void)before->undo();
-    if (sweep) item.swept = sweep();
+    // What comes back is as it was, also what had no place then.
+    if (before)
+      (void)before->undo();
+    else if (sweep)
+      item.swept = sweep();
   }
   isReplaying_ = false;
   return done;

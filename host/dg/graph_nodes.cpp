@@ -238,15 +238,19 @@ Result<void> Graph::deleteNode(Node& node) {
   impl_->notify([&](GraphObserver& observer) { observer.nodeAboutToBeRemoved(node); });
   impl_->notify([&](GraphObserver& observer) { observer.nodeLeaving(node); });
   if (!node.isAlive()) return {};  // somebody who was told of it was quicker
-  const Impl::Edit edit(*impl_);
-  std::vector<Connection> leaving = outgoing(node);
-  std::ranges::reverse(leaving);  // the last destination of a source is the cheapest to take out
-  for (const auto& [from, to] : leaving) {
-    if (source(to) != from) continue;  // gone with an element that an earlier one took along
-    impl_->breakConnection(from, to, to.node() != &node);
-    if (to.node() != &node) impl_->afterDisconnect(to);
+  // Who is told of the connections that break can still ask for both ends.
+  {
+    const Impl::Edit edit(*impl_);
+    std::vector<Connection> leaving = outgoing(node);
+    std::ranges::reverse(leaving);  // the last destination of a source is the cheapest to take out
+    for (const auto& [from, to] : leaving) {
+      if (source(to) != from) continue;  // gone with an element that an earlier one took along
+      impl_->breakConnection(from, to, to.node() != &node);
+      if (to.node() != &node) impl_->afterDisconnect(to);
+    }
+    for (const auto& [from, to] : incoming(node)) impl_->breakConnection(from, to, false);
   }
-  for (const auto& [from, to] : incoming(node)) impl_->breakConnection(from, to, false);
+  if (!node.isAlive()) return {};
   impl_->record<NodeLifeChange>(keep, false);
   impl_->takeOut(keep);
   return {};

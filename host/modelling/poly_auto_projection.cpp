@@ -52,7 +52,8 @@ void polyAutoProjection(Declarations& add) {
           "Projects each face along the direction that sees it best, and lays the pieces out.")
           .node("polyAutoProj", typeCode("PAPJ"), "polyModifierUV")
           .takes(ComponentType::Face);
-  declaration.parameter(triple("translate", "t", AttributeType::Distance), "moves the planes")
+  declaration.parameter(boolean("worldSpace", "ws"), "the planes are those of the world")
+      .parameter(triple("translate", "t", AttributeType::Distance), "moves the planes")
       .parameter(triple("rotate", "ro", AttributeType::Angle, {}, "r"), "turns the planes")
       .flag("ro", "rotate", "r")
       .parameter(triple("scale", "s", AttributeType::Double, {1, 1, 1}),

@@ -32,7 +32,8 @@ void polyCopyUv(Declarations& add) {
           .takes(ComponentType::Face)
           .parameter(text("uvSetNameInput", "uvi"), "the set to copy from; empty: the current one");
   addNewMapFlags(declaration);
-  declaration.afterFlags(choose).trial("-cm 1 -uvs copied", "f").operation(copy);
+  ignoreWorldSpace(declaration);
+  declaration.afterFlags(choose).trial("-cm 1 -uvs copied -uvi map1", "f").operation(copy);
 }
 
 }  // namespace host::modelling

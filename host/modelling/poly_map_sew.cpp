@@ -44,14 +44,14 @@ void polyMapSew(Declarations& add) {
   addUvSetName(declaration);
   declaration.trial("", "e").operation(sew);
 
-  add("polyMapSewMove", "Moves the smaller shell to the larger one and sews them along edges.")
-      .node("polyMapSewMove", typeCode("PMSM"), "polyModifierUV")
-      .takes(ComponentType::Edge)
-      .parameter(boolean("limitPieceSize", "lps"), "larger pieces than -numberFaces stay")
-      .parameter(integer("numberFaces", "nf", 10), "faces of the largest piece that moves")
-      .trial("", "e")
-      .trial("-lps 1 -nf 2", "e")
-      .operation(moveAndSew);
+  Declaration& moving =
+      add("polyMapSewMove", "Moves the smaller shell to the larger one and sews them along edges.")
+          .node("polyMapSewMove", typeCode("PMSM"), "polyModifierUV")
+          .takes(ComponentType::Edge)
+          .parameter(boolean("limitPieceSize", "lps"), "larger pieces than -numberFaces stay")
+          .parameter(integer("numberFaces", "nf", 10), "faces of the largest piece that moves");
+  ignoreWorldSpace(moving);
+  moving.trial("", "e").trial("-lps 1 -nf 2", "e").operation(moveAndSew);
 }
 
 }  // namespace host::modelling

@@ -18,13 +18,15 @@ Result<void> merge(HistoryContext& context) {
 }  // namespace
 
 void polyMergeUv(Declarations& add) {
-  add("polyMergeUV", "Makes one UV of those of a vertex that lie within a distance.")
-      .node("polyMergeUV", typeCode("PMGU"), "polyModifierUV")
-      .takes(ComponentType::Uv)
-      .parameter(keyable(atLeast(single("distance", "d"), 0)), "no farther than this, in the map")
-      .trial("-d 0.1", "map")
-      .trial("-d 10", "map")
-      .operation(merge);
+  Declaration& declaration =
+      add("polyMergeUV", "Makes one UV of those of a vertex that lie within a distance.")
+          .node("polyMergeUV", typeCode("PMGU"), "polyModifierUV")
+          .takes(ComponentType::Uv)
+          .leaves(Leaves::Nothing)
+          .parameter(keyable(atLeast(single("distance", "d"), 0)),
+                     "no farther than this, in the map");
+  ignoreWorldSpace(declaration);
+  declaration.trial("-d 0.1", "map").trial("-d 10", "map").operation(merge);
 }
 
 }  // namespace host::modelling

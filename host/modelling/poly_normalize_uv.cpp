@@ -50,6 +50,7 @@ void polyNormalizeUv(Declarations& add) {
           .parameter(boolean("centerOnTile", "cot"), "in the tile that the middle lies in")
           .parameter(choice("normalizeDirection", "nd", {"UV", "U", "V"}), "0 both, 1 u, 2 v");
   addNewMapFlags(normalizing);
+  ignoreWorldSpace(normalizing);
   normalizing.afterFlags(choose).trial("", "f").trial("-nt 0 -pa 0", "f").operation(normalize);
   Declaration& flipping =
       add("polyFlipUV", "Mirrors UVs.")
@@ -58,6 +59,7 @@ void polyNormalizeUv(Declarations& add) {
           .parameter(choice("flipType", "ft", {"Horizontal", "Vertical"}), "0 u, 1 v")
           .parameter(boolean("local", "l", true), "within the faces' own box, not the unit square");
   addNewMapFlags(flipping);
+  ignoreWorldSpace(flipping);
   flipping.afterFlags(choose).trial("", "f").trial("-ft 1 -l 0", "f").operation(flip);
 }
 

@@ -37,7 +37,7 @@ void polyPlanarProjection(Declarations& add) {
       .recordedOnly()
       .afterFlags(fit)
       .trial("-md y", "f")
-      .trial("-md b -kir 1 -ws 1", "f")
+      .trial("-md b -kir -ws 1", "f")
       .trial("-ro 10 20 30 -pc 1 2 3 -ps 2 3 -is 0.5 2 -ra 30 -cm 1 -uvs other", "f")
       .operation(project);
 }

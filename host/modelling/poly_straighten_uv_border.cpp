@@ -23,16 +23,17 @@ Result<void> straighten(HistoryContext& context) {
 }  // namespace
 
 void polyStraightenUvBorder(Declarations& add) {
-  add("polyStraightenUVBorder", "Lays parts of the map's borders on lines or arcs.")
-      .node("polyStraightenUVBorder", typeCode("PSUB"), "polyModifierUV")
-      .takes(ComponentType::Uv)
-      .parameter(single("curvature", "c"), "0 straight, 1 a half circle outwards, -1 inwards")
-      .parameter(single("preserveLength", "pl", 1), "1 keeps the spacing of the UVs, 0 evens it")
-      .parameter(single("blendOriginal", "bo"), "1 leaves the UVs where they were")
-      .parameter(integer("gapTolerance", "gt", 5), "so many UVs not named are taken along")
-      .trial("", "map")
-      .trial("-c 0.5 -pl 0 -bo 0.2 -gt 0", "map")
-      .operation(straighten);
+  Declaration& declaration =
+      add("polyStraightenUVBorder", "Lays parts of the map's borders on lines or arcs.")
+          .node("polyStraightenUVBorder", typeCode("PSUB"), "polyModifierUV")
+          .takes(ComponentType::Uv)
+          .parameter(single("curvature", "c"), "0 straight, 1 a half circle outwards, -1 inwards")
+          .parameter(single("preserveLength", "pl", 1),
+                     "1 keeps the spacing of the UVs, 0 evens it")
+          .parameter(single("blendOriginal", "bo"), "1 leaves the UVs where they were")
+          .parameter(integer("gapTolerance", "gt", 5), "so many UVs not named are taken along");
+  ignoreWorldSpace(declaration);
+  declaration.trial("", "map").trial("-c 0.5 -pl 0 -bo 0.2 -gt 0", "map").operation(straighten);
 }
 
 }  // namespace host::modelling

@@ -18,7 +18,6 @@ Result<void> transfer(HistoryContext& context) {
 Result<void> connectOther(Context& context, const ParsedArgs& args, Node& node,
                           const MeshItem& item, const std::vector<Index>&) {
   const std::string name = args.text("alternateObject");
-  if (name.empty()) return fail("polyTransfer: say with -alternateObject what to take from");
   auto list = context.document.resolve(name);
   if (!list) return failWith(list.error());
   auto items = distinctMeshItems(*list);
@@ -30,10 +29,18 @@ Result<void> connectOther(Context& context, const ParsedArgs& args, Node& node,
                                           node.plug("otherPoly"));
 }
 
+CommandResult create(Context& context, const ParsedArgs& args, const Declaration& declaration) {
+  if (args.text("alternateObject").empty())
+    return fail("polyTransfer: say with -alternateObject what to take from");
+  auto names = runHistoryCommand(context, args, declaration);
+  if (!names) return failWith(std::move(names.error()));
+  return mel::Value(std::move(*names));
+}
+
 }  // namespace
 
 void polyTransfer(Declarations& add) {
-  ExtraFlag other{"ao", "alternateObject", {ArgType::String}};
+  ExtraFlag other{"ao", "alternateObject", {ArgType::String}, kCreate};
   other.meaning = "the object to take from; its faces are those of the target";
   add("polyTransfer", "Takes points, UV sets or colours from an object of the same topology.")
       .node("polyTransfer", typeCode("PTRN"))
@@ -44,6 +51,7 @@ void polyTransfer(Declarations& add) {
       .parameter(hidden(dg::makeTyped("otherPoly", "op", "mesh")), "the other mesh")
       .extraFlag(other)
       .afterFlags(connectOther)
+      .creates(create)
       .operation(transfer);
 }
 

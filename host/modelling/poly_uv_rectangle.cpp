@@ -1,3 +1,4 @@
+#include "host/modelling/declare/history_command.h"
 #include "host/modelling/declare/uv_edit.h"
 #include "host/ops/uv/uv_rectangle.h"
 
@@ -15,6 +16,21 @@ Result<void> lay(HistoryContext& context) {
   return faces ? Result<void>() : failWith(faces.error());
 }
 
+/// Says what is amiss before a node is made.
+CommandResult create(Context& context, const ParsedArgs& args, const Declaration& declaration) {
+  auto list = args.resolveObjects(context.document);
+  if (!list) return failWith(list.error());
+  const auto items = distinctMeshItems(*list);
+  if (!items) return failWith(items.error());
+  for (const MeshItem& item : *items)
+    if (const std::size_t count = item.ids(ComponentType::Vertex).size(); count != 2)
+      return fail("polyUVRectangle: choose two vertices of '{}', opposite corners, not {}",
+                  item.path.transform().partialName(), count);
+  auto names = runHistoryCommand(context, args, declaration, *list);
+  if (!names) return failWith(std::move(names.error()));
+  return mel::Value(std::move(*names));
+}
+
 }  // namespace
 
 void polyUvRectangle(Declarations& add) {
@@ -23,7 +39,7 @@ void polyUvRectangle(Declarations& add) {
           .node("polyUVRectangle", typeCode("PUVR"))
           .takes(ComponentType::Vertex);
   addUvSetName(declaration);
-  declaration.trial("", "vtx").operation(lay);
+  declaration.creates(create).operation(lay);
 }
 
 }  // namespace host::modelling

@@ -188,8 +188,9 @@ class Document::Sweep final : public dg::Change {
  private:
   void put(const Lists& lists) {
     const Journal::Scope unrecorded(document_.journal_, nullptr);
-    document_.setSelection(lists.selection);
-    document_.setHilite(lists.hilite);
+    const auto isAlive = [](const SelectionItem& item) { return item.node->isAlive(); };
+    document_.setSelection(lists.selection.filtered(isAlive));
+    document_.setHilite(lists.hilite.filtered(isAlive));
   }
   Document& document_;
   Lists before_, after_;

@@ -267,6 +267,9 @@ Result<void> parseLine(std::string_view line, Recording& recording) {
     recording.scene = unescaped(words.rest());
   } else if (what == "active") {
     recording.activePanel = words.rest();
+  } else if (what == "select" || what == "hilite") {
+    auto& names = (what == "select" ? recording.selection : recording.hilite).emplace();
+    while (!words.isAtEnd()) names.emplace_back(words.next());
   } else if (what == "set") {
     auto& settings = recording.tool.empty() ? recording.settings : recording.toolSettings;
     settings.push_back(unescaped(words.rest()));
@@ -298,6 +301,14 @@ std::string formatRecording(const Recording& recording) {
     }
     line("camera " + camera.name + values);
   }
+  const auto listed = [&](const char* what, const std::optional<std::vector<std::string>>& names) {
+    if (!names) return;
+    std::string content = what;
+    for (const std::string& name : *names) content += ' ' + name;
+    line(content);
+  };
+  listed("select", recording.selection);
+  listed("hilite", recording.hilite);
   for (const std::string& setting : recording.settings) line("set " + escaped(setting));
   if (!recording.tool.empty()) line("tool " + recording.tool);
   for (const std::string& setting : recording.toolSettings) line("set " + escaped(setting));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -48,6 +49,8 @@ struct Recording {
   std::vector<RecordedView> views;
   std::vector<RecordedCamera> cameras;
   std::string activePanel;
+  // What was selected and hilited, which scene files don't hold; none: it doesn't matter.
+  std::optional<std::vector<std::string>> selection, hilite;
   std::vector<std::string> settings;  ///< command lines, before the tool is chosen
   std::string tool;                   ///< its name and, of a plug-in's, the command that makes it
   std::vector<std::string> toolSettings;  ///< command lines, after it is chosen

@@ -28,8 +28,14 @@ const char* nameOf(TransformTool::Change change) {
 /// The middle of what is selected: of the points that show, else of the objects' pivots.
 Vec3 middleOf(const viewport::SceneView& view, const scene::SelectionList& selection) {
   const std::vector<Vec3> points = viewport::selectionPoints(view);
-  if (points.empty())
-    return edits::middleOfPivots(selection).value_or(view.camera.centerOfInterestPoint());
+  if (points.empty()) {
+    const Vec3 target = view.camera.centerOfInterestPoint();
+    const Vec3 middle = edits::middleOfPivots(selection).value_or(target);
+    // What is at the eye, as the camera itself, has no way across the picture: it goes as far as
+    // what is looked at does.
+    const double depth = math::dot(middle - view.camera.eye(), view.camera.viewDirection());
+    return view.camera.orthographic || depth > view.camera.nearClip ? middle : target;
+  }
   Vec3 sum;
   for (const Vec3& point : points) sum = sum + point;
   return sum * (1.0 / static_cast<double>(points.size()));

@@ -128,9 +128,10 @@ void placeStacked(LayoutSolver& solver, const LayoutItem& layout, const Rect& ar
   int top = area.top;
   for (std::size_t i = 0; i < layout.children.size(); ++i) {
     LayoutItem& child = solver.child(layout, i);
-    const bool isLast = i + 1 == layout.children.size();
-    const int height =
-        isLast ? std::max(area.bottom() - top, child.natural.height) : child.natural.height;
+    // The last one gets what is left; one that is alone, all there is, be it little.
+    int height = child.natural.height;
+    if (i + 1 == layout.children.size())
+      height = std::max(area.bottom() - top, i == 0 ? 0 : height);
     child.rect = {area.left, top, area.width, height};
     top += height;
   }

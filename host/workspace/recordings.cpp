@@ -126,6 +126,16 @@ void applyView(cmd::Session& session, View& view, const RecordedView& recorded) 
       view.isolated.push_back(list->items().front().node->weak_from_this());
 }
 
+/// Selects and hilites what was. Another scene keeps its own: there the hand works on that.
+void pickRecorded(scene::Document& document, const Recording& recording) {
+  const scene::Journal::Scope unrecorded(document.journal(), nullptr);
+  if (recording.selection)
+    if (auto list = document.resolveAll(*recording.selection))
+      document.setSelection(std::move(*list));
+  if (recording.hilite)
+    if (auto list = document.resolveAll(*recording.hilite)) document.setHilite(std::move(*list));
+}
+
 }  // namespace
 
 Recording Recordings::ofNow() {
@@ -141,6 +151,8 @@ Recording Recordings::ofNow() {
   }
   recording.activePanel = workspace_.views.active().panel;
   tools::ToolRegistry& toolbox = workspace_.toolbox;
+  recording.selection = session_.document().selection().names();
+  recording.hilite = session_.document().hilite().names();
   recording.settings = settingLines(workspace_.selectionModes);
   recording.settings.push_back(settingsOfTumble(toolbox.tumble));
   recording.tool = tools::toolWords(toolbox);
@@ -175,6 +187,7 @@ Result<void> Recordings::play(const Recording& recording, std::size_t steps) {
     applyView(session_, *workspace_.views.find(view.panel), view);
   if (!recording.activePanel.empty()) workspace_.views.setActive(recording.activePanel);
   tools::ToolRegistry& toolbox = workspace_.toolbox;
+  pickRecorded(session_.document(), recording);
   for (const std::string& line : recording.settings) HOST_TRY(tools::runLine(session_, line));
   if (!recording.tool.empty()) HOST_TRY(tools::chooseTool(session_, toolbox, recording.tool));
   for (const std::string& line : recording.toolSettings) HOST_TRY(tools::runLine(session_, line));

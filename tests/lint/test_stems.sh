@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Every operation of host/ops has a test of its own stem, or stands in tests/lint/shared_stems.txt with
 # the test that covers it together with others; what only other operations use stands there with the
-# operation that it is a part of.
+# operation that it is a part of, what scripts reach by a command with `by` and their file, and what has
+# no test with `none`: those are named each time.
 # usage: test_stems.sh ROOT
 set -euo pipefail
 
@@ -12,6 +13,7 @@ operations() {
   done
 }
 check() {
+  untested=""
   local status=0 name header test covered all list=tests/lint/shared_stems.txt
   all=$(operations)
   while read -r name header; do
@@ -28,6 +30,10 @@ check() {
         grep -rlq "\"${header}\"" host/ops --include="${test}.cpp" --include="${test}.h" ||
           { echo "$list: $name is no part of $test"; status=1; }
       done
+    elif [[ $covered == "by "* ]]; then
+      [ -f "${covered#by }" ] || { echo "$list: there is no ${covered#by }"; status=1; }
+    elif [ "$covered" = none ]; then
+      untested+=" $name"
     elif ! grep -q "\"${header}\"" "tests/host/ops/${covered}_test.cpp" 2>/dev/null; then
       echo "$list: ${covered}_test.cpp doesn't include $header"
       status=1
@@ -51,4 +57,4 @@ found=$(cd "$planted" && check | sed 's/.* //; s/:$//' | paste -sd' ' || true)
 [ "$found" = "tests/lint/shared_stems.txt gone" ] || { echo "the stem lint finds '$found' in its plant"; exit 1; }
 
 cd "$1"
-check && echo "every operation has its test"
+check && echo "every operation has its test${untested:+ but for$untested}"

@@ -189,3 +189,43 @@ TEST_CASE("history: what can't be put in is refused with the scene as it was") {
   const MDagPath gone = deletedPath(toolkit);
   CHECK_FALSE(math.insertNodeInHistory(gone, makeNode("liftNode")));
 }
+
+TEST_CASE("history: a node is taken out of the history it is in, of no other shape's") {
+  historySession toolkit;
+  const mathHelper math;
+  toolkit.run("polyCube -name shape; polyCube -name other; setAttr otherShape.pnts[1] 0.1 0 0");
+  const MObject node = makeNode("liftNode"), tweak = makeNode("polyTweak");
+  REQUIRE(math.insertNodeInHistory(toolkitSession::path("shape"), node, tweak));
+  const std::uint64_t before = toolkit.hash();
+  CHECK_FALSE(math.removeNodeFromHistory(toolkitSession::path("other"), node, tweak));
+  CHECK(toolkit.hash() == before);
+  toolkit.run("file -f -new");
+}
+
+TEST_CASE(
+    "history: tweaks come out as they are in every unit, and a failed insertion leaves none") {
+  historySession toolkit;
+  const mathHelper math;
+  for (const char* unit : {"mm", "cm", "m", "km", "in", "ft", "yd", "mi"}) {
+    CAPTURE(std::string(unit));
+    toolkit.run(
+        "file -f -new; currentUnit -l cm; polyCube -name shape; setAttr "
+        "shapeShape.pnts[3] 0.1 -0.7 1e-3; currentUnit -l " +
+        std::string(unit));
+    const MPointArray before = toolkitSession::points("shape");
+    const MObject node = makeNode("liftNode"), tweak = makeNode("polyTweak");
+    REQUIRE(math.insertNodeInHistory(toolkitSession::path("shape"), node, tweak));
+    const MPointArray after = toolkitSession::points("shape");
+    for (unsigned int i = 0; i < after.length(); ++i) CHECK(after[i] == before[i]);
+    toolkit.run("currentUnit -l cm");
+  }
+  toolkit.run(
+      "file -f -new; polyCube -name shape; setAttr shapeShape.pnts[3] 0.1 0 0; setAttr -lock 1 "
+      "shapeShape.inMesh");
+  const MObject node = makeNode("liftNode"), tweak = makeNode("polyTweak");
+  const std::uint64_t before = toolkit.hash();
+  const host::MessageCapture quiet;
+  CHECK_FALSE(math.insertNodeInHistory(toolkitSession::path("shape"), node, tweak));
+  CHECK(toolkit.hash() == before);
+  toolkit.run("file -f -new");
+}

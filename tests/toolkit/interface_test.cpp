@@ -104,3 +104,44 @@ TEST_CASE("the smooth set and the UV group are made once, and the selection stay
   CHECK(listed(toolkit, "ls -sl") == std::vector<std::string>{"shape"});
   CHECK(listed(toolkit, "ls \"uvGroup_QXMT*\" \"qxTSmoothObjectsSet*\"").size() == 2);
 }
+
+TEST_CASE("Merge to Last merges to the vertex that was picked last, not to the highest") {
+  toolkitSession toolkit;
+  toolkit.run(
+      "qx_modeling_tool_ui; modelingWindow_QXMT_Proc; polyPlane -sx 4 -sy 1 -n shape; select -r "
+      "shape.vtx[3]; select -add shape.vtx[4]; select -add shape.vtx[1];");
+  const MPoint last = toolkitSession::points("shape")[1];
+  toolkit.run("uiGesture -press qxMergeVerts_Merge_to_Last_QXMT_B");
+  const MPointArray after = toolkitSession::points("shape");
+  CHECK(after.length() == 8);
+  CHECK(after[1].isEquivalent(last, 1e-6));
+  toolkit.run("undo");
+  CHECK(toolkitSession::points("shape").length() == 10);
+}
+
+TEST_CASE("the Smooth button uses its options, and only meshes that were smoothed enter the set") {
+  toolkitSession toolkit;
+  const host::MessageCapture quiet;
+  toolkit.run(
+      "modelingWindow_QXMT_Proc; smoothOptions_QXMT_Proc; uiGesture -set 2 "
+      "smoothDivisions_QXMT_IS; "
+      "polyCube -n shape; createNode transform -n group1; select -r shape group1; uiGesture -press "
+      "qxESmoothCmd_Smooth_QXMT_B");
+  CHECK(MFnMesh(toolkitSession::path("shape1")).numPolygons() == 6 * 4 * 4 * 4 * 4);
+  CHECK(listed(toolkit, "sets -q qxTSmoothObjectsSet") == std::vector<std::string>{"shape"});
+}
+
+TEST_CASE("a slide object survives the window being built anew; clearing forgets it") {
+  toolkitSession toolkit;
+  toolkit.run(
+      "modelingWindow_QXMT_Proc; uiGesture -press enable_slide_soft_select_QXMT_CB; polyCube -n "
+      "shape; select -r shape; uiGesture -press loadSlideObject_QXMT_B; modelingWindow_QXMT_Proc");
+  const auto shown = [&] {
+    return toolkit.session->executeLine("textField -q -tx add_static_slide_object_QXMT_TF")
+        ->toText()
+        .value();
+  };
+  CHECK(shown() == "shape");
+  toolkit.run("uiGesture -press clearSlideObject_QXMT_B");
+  CHECK(shown() == "Load Object, or slide on itself");
+}

@@ -162,7 +162,7 @@ TEST_CASE("modelling tool: a bevel follows the cursor sideways, its segments upw
   planeHand hand("edge");
   hand.run("select -r `polyListComponentConversion -fv -te -internal plane.vtx[12] plane.vtx[13]`");
   hand.press({400, 300}, kMiddle, kBoth);
-  const names made = hand.texts("ls -type polyBevel3");
+  const names made = hand.texts("ls -type polyBevel");
   REQUIRE(made.size() == 1);
   const auto expect = [&](double x, double y, double offset, int segments) {
     hand.dragTo({x, y}, kMiddle, kBoth);

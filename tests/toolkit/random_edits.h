@@ -278,7 +278,7 @@ class randomEdits {
 
   /// Some steps back and the same forth again: where nobody edits along, through the same states.
   void goBackAndForth(int count) {
-    const bool isAlone = ids_.length() == 0;
+    const bool isAlone = ids_.length() == 0 && !isMixed_;
     std::vector<std::uint64_t> hashes = {hash()};
     for (int i = 0; i < count && session_.undo().canUndo(); ++i) {
       if (undo())
@@ -302,6 +302,7 @@ class randomEdits {
 
   void toggleUndo() {
     isOff_ = !isOff_;
+    isMixed_ = true;
     run(isOff_ ? "undoInfo -swf off" : "undoInfo -swf on");
   }
 
@@ -324,6 +325,7 @@ class randomEdits {
       return;
     }
     lines_.emplace_back("callbacks on");
+    isMixed_ = true;
     ids_.append(MDGMessage::addNodeAddedCallback(onAdded));
     ids_.append(MDGMessage::addNodeRemovedCallback(onRemoved, "dependNode", this));
   }
@@ -358,5 +360,6 @@ class randomEdits {
   std::vector<std::string> lines_;
   MCallbackIdArray ids_;
   bool isOff_ = false, isChunkOpen_ = false;
+  bool isMixed_ = false;  ///< unrecorded edits are in between: links must hold, not every value
   int nesting_ = 0;
 };

@@ -106,3 +106,9 @@ TEST_CASE("qxSelectCmd: without edges to find it fails and nothing changes") {
   refuses("select -r grid.vtx[3]", "qxSelectCmd -be 1", "faces that have a border");
   refuses("select -r ball persp", "qxSelectCmd -he 1", "no hard edges");
 }
+
+TEST_CASE("qxSelectCmd: all objects whose edges are selected stay hilited") {
+  toolkitSession toolkit;
+  toolkit.run("polyCube -n a; polyCube -n b; select -r a b; qxSelectCmd -he 1;");
+  toolkit.run("if (size(`ls -hl`) != 2) error \"not all are hilited\"");
+}

@@ -1,7 +1,12 @@
 // The settings block behind the toolkit's windows, by the command that fills it.
 #include <dlfcn.h>
 #include <doctest/doctest.h>
+#include <elf.h>
+#include <link.h>
 
+#include <cstdint>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,15 +16,36 @@
 
 namespace {
 
-/// The block inside the module that is loaded.
+/// Where a function that the module keeps to itself stands in its file, from the table of symbols
+/// that is there for debuggers; 0 for none.
+std::uintptr_t hiddenSymbol(const std::string& path, const std::string& name) {
+  std::ifstream file(path, std::ios::binary);
+  const std::string bytes((std::istreambuf_iterator<char>(file)), {});
+  const auto at = [&](std::size_t offset) { return bytes.data() + offset; };
+  const auto* header = reinterpret_cast<const Elf64_Ehdr*>(at(0));
+  const auto* sections = reinterpret_cast<const Elf64_Shdr*>(at(header->e_shoff));
+  for (int i = 0; i < header->e_shnum; ++i) {
+    if (sections[i].sh_type != SHT_SYMTAB) continue;
+    const char* names = at(sections[sections[i].sh_link].sh_offset);
+    const auto* symbols = reinterpret_cast<const Elf64_Sym*>(at(sections[i].sh_offset));
+    for (std::size_t j = 0; j < sections[i].sh_size / sizeof(Elf64_Sym); ++j)
+      if (name == names + symbols[j].st_name) return symbols[j].st_value;
+  }
+  return 0;
+}
+
+/// The block inside the module that is loaded, which exports its entry points alone.
 toolSettings& block() {
-  void* const module = dlopen(QXMT_BINARY_DIR "/lib/qxModelingToolkit.so", RTLD_NOW | RTLD_NOLOAD);
+  const std::string path = QXMT_BINARY_DIR "/lib/qxModelingToolkit.so";
+  void* const module = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
   REQUIRE(module != nullptr);
-  const auto current =
-      reinterpret_cast<toolSettings& (*)()>(dlsym(module, "_ZN12toolSettings7currentEv"));
+  link_map* loaded = nullptr;
+  REQUIRE(dlinfo(module, RTLD_DI_LINKMAP, &loaded) == 0);
+  const std::uintptr_t base = loaded->l_addr;
   dlclose(module);
-  const bool isFound = current != nullptr;
-  REQUIRE(isFound);
+  const std::uintptr_t offset = hiddenSymbol(path, "_ZN12toolSettings7currentEv");
+  REQUIRE(offset != 0);
+  const auto current = reinterpret_cast<toolSettings& (*)()>(base + offset);
   return current();
 }
 
@@ -169,4 +195,13 @@ TEST_CASE("loading twice and unloading leave no window, menu or tool behind") {
       "if (size(`lsUI -wnd`) != 1 || size(`lsUI -m -mi`) != 0) error(\"left: \" + "
       "stringArrayToString(`lsUI -wnd -m`, \" \"));"
       "if (size(`scriptJob -lj`) != $jobs) error \"a job is left\";");
+}
+
+TEST_CASE("Reset Options resets the tools' settings with the windows closed too") {
+  toolkitSession toolkit;
+  toolkit.run(
+      "qx_modeling_tool_ui; modelingWindow_QXMT_Proc; uiGesture -set 5 intensity_QXMT_IF; "
+      "uiGesture "
+      "-close qx_modeling_ui; resetOptions_QXMT_Proc");
+  CHECK(values(block()) == kAtLoad);
 }

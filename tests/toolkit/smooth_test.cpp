@@ -144,3 +144,24 @@ TEST_CASE(
     CHECK(toolkit.hash() == before);
   }
 }
+
+TEST_CASE("qxESmoothCmd: an object that can't be hidden stays as it was, with what was selected") {
+  toolkitSession toolkit;
+  toolkit.run("file -f -new; polyCube -n a; setAttr -lock 1 a.intermediateObject; select a");
+  const std::uint64_t before = toolkit.hash();
+  (void)toolkit.failure("qxESmoothCmd");
+  CHECK(toolkit.hash() == before);
+}
+
+TEST_CASE("qxESmoothCmd: an edit of the copy is undone and redone with it") {
+  toolkitSession toolkit;
+  toolkit.run("file -f -new; polyCube -n a; select a");
+  const std::uint64_t before = toolkit.hash();
+  smooth(toolkit);
+  toolkit.run("setAttr a1.tx 4; move -r 0 1 0 a1.vtx[0]");
+  const std::uint64_t after = toolkit.hash();
+  toolkit.run("undo; undo");
+  CHECK(toolkit.hash() == before);
+  toolkit.run("redo; redo");
+  CHECK(toolkit.hash() == after);
+}

@@ -187,6 +187,8 @@ static const Declaration* baseDeclaration(std::string_view type) {
                    "lengths are those of the world, not the object's own");
     list.emplace_back("", "")
         .node("polyModifierUV", 0, "polyModifierWorld")
+        .parameter(boolean("worldSpace", "ws"), "a map is the same in every space")
+        .recordedOnly()
         .parameter(text("uvSetName", "uvs"), "the UV set; empty: the current one");
     list.emplace_back("", "")
         .node("polyPrimitive", 0)

@@ -102,10 +102,15 @@ void addUvSetName(Declaration& declaration) {
   declaration.parameter(text("uvSetName", "uvs"), "the UV set; empty: the current one");
 }
 
+void ignoreWorldSpace(Declaration& declaration) {
+  declaration.parameter(boolean("worldSpace", "ws"), "of commands that measure in the scene")
+      .recordedOnly();
+}
+
 void addNewMapFlags(Declaration& declaration) {
-  ExtraFlag create{"cm", "createNewMap", {ArgType::Bool}};
+  ExtraFlag create{"cm", "createNewMap", {ArgType::Bool}, kCreate};
   create.meaning = "fills a new UV set, of the name that -uvSetName says";
-  ExtraFlag before{"ibd", "insertBeforeDeformers", {ArgType::Bool}};
+  ExtraFlag before{"ibd", "insertBeforeDeformers", {ArgType::Bool}, kCreate};
   before.meaning = "recorded; there are no deformers";
   declaration.extraFlag(create).extraFlag(before);
 }

@@ -14,6 +14,8 @@ namespace host::modelling {
 
 /// Adds `uvSetName` to a node whose base type lacks it.
 void addUvSetName(Declaration& declaration);
+/// Says of -worldSpace that it changes nothing for a node that measures in the map alone.
+void ignoreWorldSpace(Declaration& declaration);
 /// Adds -createNewMap, and -insertBeforeDeformers, which has nothing to be put in front of.
 void addNewMapFlags(Declaration& declaration);
 /// Checks `-uvSetName` against the mesh; with `-createNewMap` makes it a name of its own.

@@ -301,6 +301,8 @@ Arrangement arrange(const std::vector<FlatPiece>& pieces, const AutoProjectUvsOp
   }
   PackedExtent extent{all.width(), all.height()};
   if (options.layout == Layout::None) {
+    // Unscaled, pieces stay where the planes see them.
+    if (options.scale == Scale::None) all.minU = all.minV = 0;
     for (PackedBox& box : result.boxes) {
       box.x -= all.minU;
       box.y -= all.minV;

@@ -167,10 +167,10 @@ class Packer {
   static constexpr int kFineRounds = 5, kMostRounds = 40;
 
   [[nodiscard]] double fineCells() const {
-    // Enough for the smaller shells to have a shape.
-    const double each = 20 * std::sqrt(static_cast<double>(shapes_.size()));
-    return std::clamp(each, static_cast<double>(kFineCells), 2.0 * kFineCells) /
-           std::max(1.0, options_.width);
+    // Enough for the smaller shells to have a shape; few shells are large and need fewer cells.
+    const double count = std::sqrt(static_cast<double>(shapes_.size()));
+    const double each = std::clamp(145 * count, 512.0, static_cast<double>(kFineCells));
+    return std::clamp(20 * count, each, 2.0 * kFineCells) / std::max(1.0, options_.width);
   }
   /// Cells across a height of 1 of which a whole number makes the gutter.
   [[nodiscard]] std::int32_t cellsFor(double wanted) const {

@@ -179,11 +179,18 @@ class PieceOpener {
     const VertexId first = mesh_.faceVertices(faces[0])[0];
     const VertexId start = farthest(first);
     const VertexId end = farthest(start);
-    for (VertexId v = end; from_[at(v)] != kNone;) {
+    int length = 0;
+    for (VertexId v = end; from_[at(v)] != kNone; ++length) {
       const EdgeId e = from_[at(v)];
       seams_[at(e)] = 1;
       v = mesh_.edge(e).other(v);
     }
+    // One edge alone opens no more than a slit without width.
+    for (const EdgeId e : adjacency_.vertexEdges(end))
+      if (length < 2 && isInner(e)) {
+        seams_[at(e)] = 1;
+        ++length;
+      }
     for (const FaceId f : faces)
       for (const VertexId v : mesh_.faceVertices(f)) distance_[at(v)] = kFar;
   }

@@ -30,11 +30,30 @@ void run(cmd::Session& session, const std::string& mel) {
   REQUIRE_MESSAGE(done.has_value(), (done ? std::string() : done.error().message));
 }
 
-std::string fileText() {
-  std::ifstream stream(kFile);
+std::string textOf(const std::string& file) {
+  std::ifstream stream(file);
   std::ostringstream text;
   text << stream.rdbuf();
   return text.str();
+}
+std::string fileText() {
+  return textOf(kFile);
+}
+
+/// All that a scene file holds but the uuids, which are drawn by chance, with what is selected and
+/// hilited. A document's own hash goes by where its nodes lie in memory.
+std::string contentOf(cmd::Session& session) {
+  const std::string file = QXMT_BINARY_DIR "/recorded.ma";
+  run(session, "file -rename \"" + file + "\"; file -f -save");
+  std::istringstream lines(textOf(file));
+  std::string text;
+  for (std::string line; std::getline(lines, line);)
+    if (line.find("//Last modified") != 0 && line.find("rename -uid") == std::string::npos)
+      text += line + "\n";
+  for (const scene::SelectionList* list :
+       {&session.document().selection(), &session.document().hilite()})
+    for (const std::string& name : list->names()) text += name + " ";
+  return text;
 }
 
 /// What hands and scripts do between them, a line each.
@@ -66,27 +85,27 @@ TEST_CASE("a line of commands is recorded as it is, one that makes input by its 
 }
 
 TEST_CASE("replay: bit for bit on the same scene, as far as one likes, and again") {
-  std::uint64_t after = 0;
+  std::string after;
   {
     const auto session = plainScene();
     run(*session, "viewGesture -record \"" + kFile + "\"");
     for (std::size_t i = 0; i < kWork.size(); ++i)
       if (i != 2) run(*session, kWork[i]);  // the line that also makes a cube is no recording's
     run(*session, "viewGesture -stopRecording");
-    after = session->document().hash();
+    after = contentOf(*session);
   }
   const auto recording = tools::parseRecording(fileText());
   REQUIRE(recording);
   {
     const auto session = plainScene();
     REQUIRE(workspace::workspaceOf(*session).recordings.play(*recording, recording->steps.size()));
-    CHECK(session->document().hash() == after);
+    CHECK(contentOf(*session) == after);
     while (session->undo().canUndo()) REQUIRE(session->undo().undo());
   }
   {
     const auto session = plainScene();
     run(*session, "viewGesture -play \"" + kFile + "\"");
-    CHECK(session->document().hash() == after);
+    CHECK(contentOf(*session) == after);
     CHECK_FALSE(session->document().dagPath("cube"));
   }
   {
@@ -137,7 +156,9 @@ TEST_CASE("recordings that can't begin, end or be played say why") {
   CHECK(errorOf("viewGesture -record \"x\"").find("stop it first") != std::string::npos);
   CHECK(errorOf("viewGesture -play \"x\"").find("under way") != std::string::npos);
   CHECK(errorOf("viewGesture -stopRecording").find("the recording goes on") != std::string::npos);
+}
 
+TEST_CASE("a recording that doesn't fit the scene changes nothing") {
   const auto other = plainScene();
   tools::Recording recording = workspace::workspaceOf(*other).recordings.ofNow();
   recording.cameras[0].name = "nobody";

@@ -133,6 +133,12 @@ TEST_CASE("commands inside a command are one item, taken back and done again in 
   host.undo();
   CHECK(host.number() == 0);
   CHECK_FALSE(host.session.undo().canUndo());
+  // What is done anew takes the place of what could be done again.
+  host.redo();
+  host.run("put 8");
+  CHECK_FALSE(host.session.undo().canRedo());
+  CHECK_FALSE(host.session.dispatcher().redo());
+  CHECK(host.number() == 8);
 }
 
 TEST_CASE("a command that fails takes back what ran inside it, and leaves no item") {
@@ -273,6 +279,8 @@ TEST_CASE("what is pending becomes a step before the next one, and before undo a
   CHECK(finished == 1);
   CHECK(host.number() == 3);
   CHECK(host.session.undo().undoName() == "put 2; put 3");
+  CHECK(host.items() == 3);
+  CHECK(host.session.undo().describe() == "1:  put 1\n2:  drag\n3:  put 2; put 3\n");
   host.undo();  // the line without the drag before it
   CHECK(host.number() == 41);
   begin();

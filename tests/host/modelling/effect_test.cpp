@@ -88,12 +88,18 @@ class Effects {
 /// Parameters whose effect takes more than a number on a mesh of the zoo; other tests show it.
 bool isShownElsewhere(const std::string& name) {
   static const std::set<std::string> names = {
+      "polyAutoProjection.optimize",       // small islands
+      "polyAutoProjection.skipIntersect",  // pieces that wind over themselves
+      "polyNormalizeUV.centerOnTile",      // UVs in other tiles
       "polyBridgeEdge.startVert1",
       "polyBridgeEdge.startVert2",  // only both together
       "polyMirrorFace.mirrorAxis",
       "polyMirrorFace.mirrorPosition",      // read when the node is made
       "polyMirrorFace.maya2017",            // about -direction
       "polyMirrorFace.mergeThresholdType",  // about -mergeThreshold
+      "polyLayoutUV.denseLayout",           // only where -layoutMethod packs boxes
+      "polyMapSewMove.limitPieceSize",      // about -numberFaces
+      "unfold.scale",                       // only with -useScale
       "polyQuad.keepTextureBorders",
       "polyQuad.keepHardEdges"};  // triangles with such borders
   return names.contains(name);

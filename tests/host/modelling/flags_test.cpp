@@ -18,7 +18,8 @@ namespace {
 std::vector<std::pair<std::string, std::string>> places(const std::string& components) {
   if (components == "f") return {{"c.f[1]", "c"}, {"c", "c"}};
   if (components == "e") return {{"c.e[0]", "c"}, {"c.e[0:3]", "c"}, {"p.e[0]", "p"}};
-  if (components == "vtx") return {{"c.vtx[0]", "c"}, {"c.vtx[0:3]", "c"}};
+  if (components == "vtx")
+    return {{"c.vtx[0]", "c"}, {"c.vtx[0:3]", "c"}, {"p.vtx[0] p.vtx[8]", "p"}};
   if (components == "e vtx") return {{"c.e[0:1]", "c"}};
   if (components == "border") return {{"p.e[0] p.e[10]", "p"}};
   if (components == "map") return {{"c.map[0:3]", "c"}};
@@ -84,6 +85,8 @@ void checkFlags(FlagScene& scene, const std::string& command, const std::string&
   for (const cmd::FlagSpec& flag : scene.syntax(command).flags()) {
     const bool isOfAll = flag.longName == "constructionHistory" || flag.longName == "uvSetName";
     if (flag.args.empty() || flag.isMultiUse || isOfAll || flag.modes != cmd::kAnyMode) continue;
+    // Words may be empty, which no script could write back.
+    if (flag.args.front() == cmd::ArgType::String && flag.longName != "name") continue;
     CAPTURE(flag.longName);
     const std::string value = joined(scene.run(command + " -q -" + flag.longName + " " + object));
     CHECK(value.size() > 1);

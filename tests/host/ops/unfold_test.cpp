@@ -4,7 +4,9 @@
 #include <numeric>
 
 #include "host/ops/uv/unfold_border.h"
+#include "host/ops/uv/unfold_energy.h"
 #include "host/ops/uv/unfold_piece.h"
+#include "host/ops/uv/unfold_plane.h"
 #include "tests/host/ops/ops_testing.h"
 
 using namespace host;
@@ -109,7 +111,7 @@ TEST_CASE("a bent sheet unfolds to the same UVs every time, less stretched than 
   requireValid(mesh, 0);
   CHECK(stretchOf(mesh) < before);
   CHECK(stretchOf(mesh) < 4.1);
-  mesh::check(mesh);
+  CHECK(mesh::check(mesh).empty());
 }
 
 TEST_CASE("pinned UVs stay and a folded rest is put right around them") {

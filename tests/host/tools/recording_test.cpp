@@ -42,6 +42,8 @@ Recording example() {
   recording.cameras = {{"persp", {{"translate", {0.1, 1e-300, -28}}, {"focalLength", {35}}}}};
   recording.activePanel = "modelPanel4";
   recording.settings = {"selectMode -component"};
+  recording.selection = {"|a|b.vtx[0:3]", "c"};
+  recording.hilite.emplace();
   recording.tool = "slide1 slideContext";
   recording.toolSettings = {"slideContext -e -name \"x\ny\" slide1"};
   recording.steps = {eventAt(0, InputKind::Enter, 1.0 / 3, 2), eventAt(0.1, InputKind::Press, 1, 2),
@@ -68,6 +70,8 @@ TEST_CASE("a recording read back from its text is the same to the bit") {
   CHECK(after->views == before.views);
   CHECK(after->cameras == before.cameras);
   CHECK(after->settings == before.settings);
+  CHECK(after->selection == before.selection);
+  CHECK(after->hilite == before.hilite);
   CHECK(after->tool == before.tool);
   CHECK(after->toolSettings == before.toolSettings);
   REQUIRE(after->steps.size() == before.steps.size());
@@ -144,7 +148,7 @@ TEST_CASE("reducing leaves what the condition needs, in gestures that a hand can
   CHECK(reduced.steps[3].kind == RecordedStep::Kind::Line);
   CHECK(trials < 120);
   CHECK(stepsUntil(recording, 0) == 0);
-  CHECK(stepsUntil(recording, 2) == 3);  // the press, a turn, a drag; then the turn before the next
+  CHECK(stepsUntil(recording, 2) == 4);  // the press, a drag, and the turn before each event
   CHECK(stepsUntil(recording, 1000) == recording.steps.size());
 }
 

@@ -1,0 +1,92 @@
+// untangleUV: turns turned UV faces back, with the border where it is or on a frame.
+#include "host/base/messages.h"
+#include "host/builtins/common/command.h"
+#include "host/builtins/common/mesh_components.h"
+#include "host/mesh/shells.h"
+#include "host/nodes/mesh_shape.h"
+#include "host/ops/uv/untangle_uvs.h"
+
+namespace host::builtins {
+
+namespace {
+
+using Options = ops::UntangleOptions;
+
+Result<Options> optionsOf(const ParsedArgs& args) {
+  constexpr std::pair<const char*, Options::MapBorder> kBorders[] = {
+      {"circular", Options::MapBorder::Circular},
+      {"square", Options::MapBorder::Square},
+      {"shape", Options::MapBorder::Shape},
+      {"shape_circular", Options::MapBorder::ShapeCircular},
+      {"shape_square", Options::MapBorder::ShapeSquare}};
+  Options options;
+  options.relaxIterations = std::max(0, args.integer("maxRelaxIterations", 50));
+  options.tolerance = args.real("relaxTolerance", 0.1);
+  options.pinBorder = args.boolean("pinBorder", true);
+  if (!args.has("mapBorder")) return options;
+  const std::string wanted = args.text("mapBorder");
+  for (const auto& [name, border] : kBorders)
+    if (wanted == name) {
+      options.mapBorder = border;
+      return options;
+    }
+  return fail(
+      "untangleUV: -mapBorder is circular, square, shape, shape_circular or shape_square, "
+      "not '{}'.",
+      wanted);
+}
+
+/// -pinSelected keeps the named UVs, -pinUnselected the others.
+std::vector<std::uint8_t> pinsOf(const ParsedArgs& args, const MeshItem& item, int set) {
+  const bool pinsOthers = args.boolean("pinUnselected"), pinsNamed = args.boolean("pinSelected");
+  std::vector<std::uint8_t> pins(item.mesh.uvSet(set).points.size(), pinsOthers ? 1 : 0);
+  for (const UvId uv : item.ids(scene::ComponentType::Uv))
+    if (static_cast<std::size_t>(uv) < pins.size()) pins[static_cast<std::size_t>(uv)] = pinsNamed;
+  return pins;
+}
+
+CommandResult untangleUv(Context& context, const ParsedArgs& args) {
+  const auto options = optionsOf(args);
+  if (!options) return failWith(options.error());
+  auto list = args.resolveObjects(context.document);
+  if (!list) return failWith(std::move(list.error()));
+  auto items = meshItems(*list);
+  if (!items) return failWith(std::move(items.error()));
+  if (items->empty()) return fail("untangleUV: name or select UVs.");
+  int rounds = 0;
+  for (const MeshItem& item : *items) {
+    mesh::Mesh mesh = item.mesh;
+    const int set = mesh.currentUvSet();
+    const mesh::UvShells all = mesh::findUvShells(mesh, set);
+    std::vector<std::uint8_t> isNamed(static_cast<std::size_t>(all.count), 0);
+    for (const UvId uv : item.ids(scene::ComponentType::Uv))
+      if (const Index shell = all.ofUv[static_cast<std::size_t>(uv)]; shell != kNone)
+        isNamed[static_cast<std::size_t>(shell)] = 1;
+    std::vector<Index> shells;
+    for (Index s = 0; s < all.count; ++s)
+      if (isNamed[static_cast<std::size_t>(s)]) shells.push_back(s);
+    const auto done = ops::untangleUvs(mesh, set, shells, pinsOf(args, item, set), *options);
+    if (!done) return fail("untangleUV: {}", done.error().message);
+    if (done->shells == 0 && !done->left.empty()) return fail("untangleUV: {}", done->left.front());
+    for (const std::string& sentence : done->left) postMessage(MessageKind::Warning, sentence);
+    rounds = std::max(rounds, done->iterations);
+    HOST_TRY(nodes::setEvaluatedMesh(*item.path.node(), std::move(mesh)));
+  }
+  return mel::Value(rounds);
+}
+
+}  // namespace
+
+void registerUntangleUv(CommandRegistry& registry) {
+  Syntax syntax;
+  syntax.flag("mb", "mapBorder", {ArgType::String})
+      .flag("mri", "maxRelaxIterations", {ArgType::Int})
+      .flag("pb", "pinBorder", {ArgType::Bool})
+      .flag("ps", "pinSelected", {ArgType::Bool})
+      .flag("pu", "pinUnselected", {ArgType::Bool})
+      .flag("rt", "relaxTolerance", {ArgType::Double})
+      .objects(0, -1, true);
+  define(registry, "untangleUV", syntax, untangleUv);
+}
+
+}  // namespace host::builtins
