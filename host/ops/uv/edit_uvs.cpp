@@ -20,7 +20,7 @@ std::size_t at(Index i) {
   return static_cast<std::size_t>(i);
 }
 
-/// Numbers in [-1, 1) that depend on the seed, the UV and the count alone.
+/// Numbers in [-1, 1) that depend on seed, UV and count alone.
 class Chance {
  public:
   Chance(std::int64_t seed, UvId uv)
