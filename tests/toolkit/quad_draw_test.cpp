@@ -1,8 +1,6 @@
 #include <maya/M3dView.h>
 
-#include <cmath>
 #include <cstdio>
-#include <filesystem>
 #include <random>
 
 #include "quaddraw/quadDrawOverride.h"
@@ -273,97 +271,6 @@ TEST_CASE("quad draw: bad places and meshes get a message and lose nothing") {
   hand.run("file -f -new");
   hand.placeAt(0, 0);
   CHECK(hand.loose() == 1);
-}
-
-namespace {
-
-/// A dense model to draw on, in front of the front view, and the tool in hand over it.
-void setTheScene(quadHand& hand) {
-  const std::string model = QXMT_SOURCE_DIR "/../shared/models/bunny.obj";
-  if (std::filesystem::exists(model))
-    hand.run("file -import \"" + model +
-             "\"; string $shapes[] = `ls -type mesh`; "
-             "string $above[] = `listRelatives -p $shapes[0]`; rename $above[0] dense");
-  else
-    hand.run("polySphere -n dense -r 3 -sx 200 -sy 150 -ch 0");
-  hand.run(
-      "float $b[] = `xform -q -ws -bb dense`; float $s = 8 / ($b[4] - $b[1]); "
-      "setAttr dense.scale -type double3 $s $s $s; $b = `xform -q -ws -bb dense`; "
-      "move -r (-0.5 * ($b[0] + $b[3])) (-0.5 * ($b[1] + $b[4])) (-0.5 * ($b[2] + $b[5])) dense");
-  hand.option(
-      "checkBox -e -v 1 enable_slide_soft_select_QXMT_CB; select -r dense; "
-      "loadSlideObject_QXMT_Proc");
-  hand.mirror(true);
-  hand.run("select -cl; viewGesture -port 960 540 modelPanel3");
-  hand.take();
-}
-
-/// Rows of quads over half of the front, mirrored; a point moved, one taken away, half undone.
-void drawRows(quadHand& hand) {
-  const auto click = [&](double x, double y, const char* keys) {
-    const std::string at =
-        std::to_string(std::lround(480 + 32 * x)) + " " + std::to_string(std::lround(206 + 32 * y));
-    hand.run(std::string("viewGesture ") + keys + " -press " + at + " -release " + at +
-             " modelPanel3");
-  };
-  constexpr int kRows = 5, kColumns = 4;
-  constexpr double kStep = 0.5;
-  for (int row = 0; row < kRows; ++row) {
-    for (int column = 0; column < kColumns; ++column) click(column * kStep, row * kStep, "");
-    if (row == 1) {  // one laid wrongly goes where it belongs, one too many goes away
-      click(3, 3, "");
-      click(3, 3, "-shift 1 -control 1");
-    }
-    for (int column = 0; row > 0 && column + 1 < kColumns; ++column)
-      click((column + 0.5) * kStep, (row - 0.5) * kStep, "-shift 1");
-  }
-}
-
-}  // namespace
-
-TEST_CASE("quad draw: a real surface gets rows of quads by gestures alone, and a replay the same") {
-  const std::string recording =
-      (std::filesystem::temp_directory_path() / "qxmt_quad_draw.gesture").string();
-  std::vector<MPointArray> results;
-  for (const bool isReplay : {false, true}) {
-    quadHand hand;
-    setTheScene(hand);
-    if (isReplay) {
-      hand.run("viewGesture -play \"" + recording + "\"");
-    } else {
-      hand.run("viewGesture -record \"" + recording + "\"");
-      drawRows(hand);
-      hand.run("viewGesture -stopRecording");
-    }
-    const names made = hand.texts("ls -sl -o -tr");
-    REQUIRE(made.size() == 1);
-    CHECK(hand.faces(made[0]) == 24);
-    CHECK(hand.texts("polyInfo -nme -nmv -lf " + made[0]).empty());
-    const MPointArray points = toolkitSession::points(made[0].c_str());
-    CHECK(points.length() == 35);  // five rows of seven: what the halves share is there once
-    const MFnMesh drawn(toolkitSession::path(made[0].c_str()));
-    const MFnMesh dense(toolkitSession::path("dense"));
-    for (int face = 0; face < drawn.numPolygons(); ++face) {
-      MVector normal;
-      REQUIRE(drawn.getPolygonNormal(face, normal, MSpace::kWorld));
-      CHECK(normal.z > 0.0);
-      CHECK(drawn.polygonVertexCount(face) == 4);
-    }
-    for (unsigned int i = 0; i < points.length(); ++i) {
-      for (unsigned int j = 0; j < i; ++j) CHECK(points[i].distanceTo(points[j]) > 1e-4);
-      MPoint closest;
-      REQUIRE(dense.getClosestPoint(points[i], closest, MSpace::kWorld));
-      // The mirrored half lies on the model as far as the model is symmetric.
-      if (points[i].x > 0.1) CHECK(closest.distanceTo(points[i]) < 1e-4);
-    }
-    results.push_back(points);
-    const std::size_t half = hand.undoItems() / 2;
-    for (std::size_t i = 0; i < half; ++i) hand.run("undo");
-    for (std::size_t i = 0; i < half; ++i) hand.run("redo");
-    CHECK(hand.faces(made[0]) == 24);
-  }
-  CHECK(isSame(results[0], results[1]));
-  std::filesystem::remove(recording);
 }
 
 TEST_CASE("screen index: what is near is found as by looking at everything") {
