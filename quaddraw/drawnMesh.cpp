@@ -38,6 +38,8 @@ void drawnMesh::clear() {
   callbacks.removeAll();
   mesh = MDagPath();
   borders.clear();
+  for (std::vector<int>* list : {&byPlace, &firstFace, &faces, &firstCorner, &corners})
+    list->clear();  // they name entries of the places
   places.clear();
   isStale = true;
   ++reads;
