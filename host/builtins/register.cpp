@@ -1,5 +1,7 @@
 #include "host/builtins/register.h"
 
+#include "host/builtins/anim/expression_node.h"
+#include "host/builtins/anim/time_watcher.h"
 #include "host/builtins/file/formats.h"
 #include "host/builtins/ui/ui_session.h"
 #include "host/modelling/declare/declaration.h"
@@ -87,6 +89,12 @@ void registerPolyProjection(cmd::CommandRegistry&);
 void registerUvLayouts(cmd::CommandRegistry&);
 void registerUvProcedures(cmd::CommandRegistry&);
 
+void registerConstraintCommands(cmd::CommandRegistry&);
+void registerExpression(cmd::CommandRegistry&);
+void registerKeyframe(cmd::CommandRegistry&);
+void registerPlayback(cmd::CommandRegistry&);
+void registerSetKeyframe(cmd::CommandRegistry&);
+
 void registerPlayblast(cmd::CommandRegistry&);
 void registerViewFit(cmd::CommandRegistry&);
 void registerViewGesture(cmd::CommandRegistry&);
@@ -164,6 +172,11 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerShadingNode,
       registerUngroup,
       registerPickWalk,
+      registerConstraintCommands,
+      registerExpression,
+      registerKeyframe,
+      registerPlayback,
+      registerSetKeyframe,
       registerRuntimeCommands,
   };
   modelling::registerCommands(registry);  // first: runtime commands stand for some of them
@@ -175,10 +188,12 @@ std::unique_ptr<cmd::Session> makeSession() {
       [](dg::TypeRegistry& types) {
         nodes::registerBuiltinTypes(types);
         modelling::registerTypes(types);
+        registerExpressionType(types);
       },
       nodes::installNewScene);
   session->workspace = std::make_unique<workspace::Workspace>(*session);
   workspace::workspaceOf(*session).fileFormats.all = {maFormat(), objFormat()};
+  workspace::workspaceOf(*session).kept<TimeWatcher>().watch(session->document().graph());
   registerBuiltinCommands(session->commands());
   prepareUi(*session);
   return session;

@@ -209,8 +209,14 @@ class ArgParser {
         return fail("Flag '{}' needs {} argument{}.", word, spec.args.size(),
                     spec.args.size() == 1 ? "" : "s");
       }
+      const std::size_t wordBefore = word_, elementBefore = element_;
       const mel::Value given = next();
       auto converted = convert(given, type);
+      if (!converted && mayStop && elementBefore == 0) {  // an object's name, say
+        word_ = wordBefore;
+        element_ = elementBefore;
+        return {};
+      }
       if (!converted)
         return fail("Invalid arguments for flag '{}'.  Expected {}, got {}.", word,
                     converted.error().message, describe(given));

@@ -23,8 +23,8 @@ class Duplicator {
 
   Result<Node*> copyTree(const DagPath& path, Node* parent, const std::string& wanted) {
     Node& original = *path.node();
-    const std::string name = wanted.empty() ? numberless(original.name()) + "#" : wanted;
-    auto copy = copyOne(original, name, parent);
+    // A copy counts on from the original's own number, as wide as it is: arm_07 gives arm_08.
+    auto copy = copyOne(original, wanted.empty() ? original.name() : wanted, parent);
     if (!copy) return copy;
     copies_.push_back(*copy);
     HOST_TRY(copyChildren(path, **copy, options_.renamesChildren));

@@ -227,11 +227,22 @@ std::optional<Compiler::Variable> Compiler::findVariable(std::string_view name) 
   return cachedVariable(global);
 }
 
+/// Where a new variable lives: in the innermost braces, but one that an assignment makes outlives
+/// the switch that it stands in.
+std::size_t Compiler::scopeFor(const Node& node) const {
+  std::size_t scope = body_->scopes.size() - 1;
+  if (node.kind != NodeKind::Variable) return scope;
+  const std::vector<std::size_t>& switches = body_->switchScopes;
+  for (auto it = switches.rbegin(); it != switches.rend() && *it == scope; ++it) --scope;
+  return scope;
+}
+
 /// Declares in the innermost scope; outside of procedures and braces that is a global variable.
 Compiler::Variable Compiler::declareVariable(const Node& node, Type type, bool isGlobal,
                                              bool& isNew) {
   isNew = false;
-  Scope& scope = body_->scopes.back();
+  const std::size_t depth = scopeFor(node);
+  Scope& scope = body_->scopes[depth];
   const auto known = scope.find(node.text);
   const bool isRedeclared = known != scope.end();
   if (isRedeclared && !isGlobal) {
@@ -240,7 +251,7 @@ Compiler::Variable Compiler::declareVariable(const Node& node, Type type, bool i
                               node.text));
     return known->second;
   }
-  if (!isGlobal && !isGlobalScope()) {
+  if (!isGlobal && (body_->isProcedure || depth > 0)) {
     const Variable variable{nullptr, newRegister(type), type};
     scope.emplace(node.text, variable);
     // An assignment that declares may stand in an expression that ends early.
@@ -250,7 +261,11 @@ Compiler::Variable Compiler::declareVariable(const Node& node, Type type, bool i
     return variable;
   }
   GlobalVariable* global = engine_.findGlobal(node.text);
-  const bool isLocalAlready = isRedeclared && !known->second.global;
+  // A parameter gives way to the global variable of its name.
+  const bool isParameter =
+      body_->isProcedure && depth == 0 && isRedeclared && !known->second.global &&
+      known->second.type == type && known->second.reg < body_->function->parameters.size();
+  const bool isLocalAlready = isRedeclared && !known->second.global && !isParameter;
   if ((global && global->type != type && global->type != Type::None) || isLocalAlready) {
     fault(node,
           fmt::format("Invalid redeclaration of variable \"${}\" as a different type.", node.text));

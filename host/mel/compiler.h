@@ -57,6 +57,7 @@ class Compiler {
   struct Body {
     std::shared_ptr<Function> function;
     std::vector<Scope> scopes;
+    std::vector<std::size_t> switchScopes;  ///< which of `scopes` are the braces of a switch
     std::vector<Loop> loops;
     std::vector<std::uint16_t> freeInts, freeFloats, freeOthers;
     std::map<std::size_t, std::vector<std::uint16_t>> freeBlocks;
@@ -98,6 +99,7 @@ class Compiler {
   void closeScope() { body_->scopes.pop_back(); }
   std::optional<Variable> findVariable(std::string_view name);
   Variable declareVariable(const Node& node, Type type, bool isGlobal, bool& isNew);
+  [[nodiscard]] std::size_t scopeFor(const Node& node) const;
   [[nodiscard]] bool isGlobalScope() const {
     return !body_->isProcedure && body_->scopes.size() == 1;
   }

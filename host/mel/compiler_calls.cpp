@@ -44,16 +44,6 @@ std::uint16_t Compiler::arguments(const Node& node) {
 
 void Compiler::emitCall(const Node& node, const Builtin* builtin, std::uint16_t result) {
   const std::size_t count = node.children.size();
-  if (builtin) {
-    const int given = static_cast<int>(count);
-    if (given < builtin->minArguments ||
-        (builtin->maxArguments >= 0 && given > builtin->maxArguments)) {
-      fault(node, fmt::format("Invalid call to \"{}\".  Check number and types of arguments "
-                              "expected by the procedure.",
-                              node.text));
-      return;
-    }
-  }
   const std::uint16_t base = arguments(node);
   line_ = node.line;
   emit(builtin ? Op::CallBuiltin : Op::CallSymbol, result, base, static_cast<std::uint16_t>(count));

@@ -347,6 +347,12 @@ Compiler::Operand Compiler::index(const Node& node, const Operand* wanted) {
 
 Compiler::Operand Compiler::component(const Node& node, const Operand* wanted) {
   const Operand base = expression(*node.children[0]);
+  if (node.flag && base.type == Type::String) {
+    static constexpr std::string_view kWords[] = {".x", ".y", ".z"};
+    const Operand word = temporary(Type::String);
+    emitWide(Op::LoadConstant, word.reg, textConstant(kWords[node.integer]));
+    return apply(BinaryOp::Add, base, word, wanted);
+  }
   const Operand result = destination(wanted, Type::Float);
   emit(Op::Component, result.reg, base.reg, static_cast<std::uint16_t>(node.integer));
   release(base);

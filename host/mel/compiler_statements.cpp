@@ -5,6 +5,17 @@
 
 namespace host::mel {
 
+namespace {
+
+bool mentions(const Node& node, std::string_view variable) {
+  if (node.kind == NodeKind::Variable && node.text == variable) return true;
+  for (const Node* child : node.children)
+    if (child && mentions(*child, variable)) return true;
+  return false;
+}
+
+}  // namespace
+
 void Compiler::statements(std::span<Node* const> nodes) {
   for (const Node* node : nodes) {
     if (hasFault_) return;
@@ -82,10 +93,16 @@ void Compiler::declareOne(const Node& declaration, const Node& node) {
   const Node* initialiser = node.children[0];
   const bool isConditional = initialiser && declaration.flag && body_->isProcedure;
   Operand value;
+  bool isNew = false;
+  // `int $x = $x + 1` with no $x around begins with the type's first value.
+  if (initialiser && !findVariable(node.text) && mentions(*initialiser, node.text)) {
+    const Variable variable = declareVariable(node, type, declaration.flag, isNew);
+    if (isNew && !variable.global)
+      emit(Op::Default, variable.reg, 0, static_cast<std::uint16_t>(type));
+  }
   // The initialiser may use an outer variable of the same name, so it is compiled first unless code
   // must guard it.
   if (initialiser && !isConditional) value = expressionAs(*initialiser, type);
-  bool isNew = false;
   const Variable variable = declareVariable(node, type, declaration.flag, isNew);
   if (hasFault_) return;
   const bool hasSize = node.children.size() > 1 && node.children[1];
@@ -284,6 +301,7 @@ void Compiler::switchStatement(const Node& node) {
   release(subject);
   std::size_t toDefault = emitWide(Op::Jump, 0, 0);
   body_->loops.emplace_back().isSwitch = true;
+  body_->switchScopes.push_back(body_->scopes.size());
   openScope();
   bool hasDefault = false;
   std::size_t nextCase = 0;
@@ -298,6 +316,7 @@ void Compiler::switchStatement(const Node& node) {
     }
   }
   closeScope();
+  body_->switchScopes.pop_back();
   patch(body_->loops.back().breaks, here());
   body_->loops.pop_back();
   if (!hasDefault) patch(toDefault, here());

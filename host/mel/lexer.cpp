@@ -13,12 +13,6 @@ bool isDigit(char c) {
 bool isHexDigit(char c) {
   return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
-bool isNameStart(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
-}
-bool isNameChar(char c) {
-  return isNameStart(c) || isDigit(c);
-}
 bool isWordChar(char c) {
   return isNameChar(c) || c == '.' || c == ':' || c == '|' || c == '*' || c == '?' || c == '#' ||
          c == '@';

@@ -20,6 +20,13 @@ enum class TokenKind : std::uint8_t {
   Bad,     ///< `text` says what is wrong
 };
 
+[[nodiscard]] constexpr bool isNameStart(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+}
+[[nodiscard]] constexpr bool isNameChar(char c) {
+  return isNameStart(c) || (c >= '0' && c <= '9');
+}
+
 /// Where a token begins; the lexer can go back to it to read the text anew in the other mode.
 struct Position {
   std::size_t offset = 0;

@@ -232,6 +232,9 @@ Result<void> applyBinary(BinaryOp op, const Value& left, const Value& right, Val
 
 Type binaryType(BinaryOp op, Type left, Type right) {
   if (isComparison(op)) return Type::Int;
+  const bool hasText = left == Type::String || right == Type::String;
+  if (op == BinaryOp::Add && hasText && (left == Type::None || right == Type::None))
+    return Type::String;
   if (left == Type::None || right == Type::None || isArray(left) || isArray(right))
     return Type::None;
   if (left == Type::Int && right == Type::Int) return Type::Int;

@@ -75,6 +75,8 @@ class Parser {
   Node* command(bool isBackquoted);
   Node* commandArgument();
   Node* operandArgument();
+  Node* gluedWord(Node* word);
+  Node* joined(Node* left, Node* right);
   [[nodiscard]] bool isCommandEnd();
 
   void advance() {

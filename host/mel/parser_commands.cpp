@@ -100,7 +100,47 @@ Node* Parser::commandArgument() {
   }
   Node* node = make(NodeKind::StringLiteral, token_);
   node->text = text;
+  const bool isWord = token_.kind == TokenKind::Word && !text.starts_with('-');
+  return isWord && lexer_.at(0) == '[' ? gluedWord(node) : node;
+}
+
+Node* Parser::joined(Node* left, Node* right) {
+  if (!left || !right) return nullptr;
+  Node* node = make(NodeKind::Binary, token_);
+  node->op = BinaryOp::Add;
+  setChildren(node, {left, right});
   return node;
+}
+
+/// What stands without a blank behind a bare word or a variable: `obj.vtx[$i]`,
+/// `$obj.plug[$i].x` are one word each, put together when the command runs.
+Node* Parser::gluedWord(Node* word) {
+  const auto piece = [&](std::string_view text) {
+    Node* node = make(NodeKind::StringLiteral, token_);
+    node->text = text;
+    return node;
+  };
+  while (word) {
+    const char c = lexer_.at(0);
+    if (c == '[') {
+      advance();
+      advance();
+      Node* inside = joined(joined(word, piece("[")), expression());
+      if (!inside) return nullptr;
+      if (!token_.is("]")) return fault("\"]\"");
+      word = joined(inside, piece("]"));
+      Position behind = token_.begin;
+      ++behind.offset;
+      lexer_.rewind(behind);
+    } else if (c == '.' || c == '|') {
+      token_ = lexer_.nextWord();
+      if (token_.kind != TokenKind::Word) return fault("an attribute or a component");
+      word = joined(word, piece(token_.text));
+    } else {
+      return word;
+    }
+  }
+  return word;
 }
 
 /// An argument that is an expression by its first character. It ends with its last bracket: what
@@ -124,10 +164,18 @@ Node* Parser::operandArgument() {
   if (at.kind == TokenKind::Variable) {
     while (node && token_.is("[")) node = subscript(node);
     // `$v.x` is a component, `$v .x` a further argument.
-    const bool isComponent = token_.is(".") && lexer_.isGlued(token_.begin) &&
-                             lexer_.at(0) >= 'x' && lexer_.at(0) <= 'z';
+    const bool isGlued = token_.is(".") && lexer_.isGlued(token_.begin);
+    const bool isComponent =
+        isGlued && lexer_.at(0) >= 'x' && lexer_.at(0) <= 'z' && !isNameChar(lexer_.at(1));
+    if (node && isGlued && !isComponent && isNameStart(lexer_.at(0))) {
+      lexer_.rewind(token_.begin);
+      Node* empty = make(NodeKind::StringLiteral, token_);
+      empty->text = "";
+      return gluedWord(joined(empty, node));
+    }
     if (node && isComponent) {
       Node* component = make(NodeKind::Component, token_);
+      component->flag = true;  // of a text it is an attribute
       component->integer = lexer_.at(0) - 'x';
       advance();
       advance();

@@ -109,6 +109,12 @@ Node* Parser::statement() {
 
 Node* Parser::keywordStatement(std::string_view word) {
   if (typeKeyword() && lexer_.peek() == '$') return declaration(false);
+  if (typeKeyword() && lexer_.peek() == ';') {  // a declaration of nothing
+    Node* node = make(NodeKind::Empty, token_);
+    advance();
+    advance();
+    return node;
+  }
   if (word == "if") return ifStatement();
   if (word == "for") return forStatement();
   if (word == "while") return whileStatement();

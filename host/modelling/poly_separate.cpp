@@ -10,19 +10,30 @@ namespace host::modelling {
 
 namespace {
 
+void dropShells(std::vector<mesh::Mesh>& parts,
+                const std::shared_ptr<const dg::IntArrayData>& removed) {
+  if (!removed) return;
+  std::vector<mesh::Mesh> kept;
+  for (std::size_t i = 0; i < parts.size(); ++i)
+    if (std::ranges::find(removed->value, static_cast<std::int32_t>(i)) == removed->value.end())
+      kept.push_back(std::move(parts[i]));
+  parts = std::move(kept);
+}
+
 void build(TypeBuilder& builder, const std::vector<const Attribute*>& parameters) {
   builder.livesByItsOutputs();
-  const Attribute* count = parameters.front();
+  const Attribute *count = parameters.front(), *removed = parameters[1];
   const Attribute* input = builder.add(notStored(dg::makeTyped("inputPoly", "ip", "mesh")));
   const Attribute* results =
       builder.add(array(nodes::output(dg::makeTyped("output", "out", "mesh"))));
-  builder.affects({input}, {results});
+  builder.affects({input, removed}, {results});
   builder.type().compute = [=](Node& node, const Plug& plug, DataBlock& block) -> Result<Computed> {
     if (plug.attribute() != results) return Computed::Unhandled;
     auto arriving = block.input(Plug(&node, input));
     if (!arriving) return failWith(arriving.error());
     const auto* data = dg::dataAs<scene::MeshData>(*arriving);
     std::vector<mesh::Mesh> parts = ops::separate(data ? data->mesh : mesh::Mesh());
+    dropShells(parts, block.data<dg::IntArrayData>(Plug(&node, removed)));
     const Plug all(&node, results);
     const auto promised = static_cast<std::size_t>(std::max<std::int64_t>(1, block.integer(count)));
     // Pieces that an edit upstream took away arrive as empty meshes.
@@ -40,6 +51,27 @@ struct Separated {
   Node* node = nullptr;  ///< null when it was baked
 };
 
+/// Keeps the pieces that -removeShells names out of the node's results.
+/// @return how many are left
+Result<Index> leaveOut(dg::Graph& graph, const ParsedArgs& args, Node& node, Index count) {
+  std::vector<std::int32_t> shells;
+  for (int use = 0; use < args.uses("removeShells"); ++use) {
+    const std::int32_t shell = args.values("removeShells", use).front().intValue();
+    if (shell < 0 || shell >= count)
+      return fail("polySeparate: there is no piece {} of {} to remove.", shell, count);
+    shells.push_back(shell);
+  }
+  std::ranges::sort(shells);
+  shells.erase(std::ranges::unique(shells).begin(), shells.end());
+  if (shells.empty()) return count;
+  if (static_cast<Index>(shells.size()) >= count)
+    return fail("polySeparate: -removeShells leaves no piece.");
+  const Index left = count - static_cast<Index>(shells.size());
+  HOST_TRY(graph.set(node.plug("remShells"),
+                     dg::DataPtr(std::make_shared<dg::IntArrayData>(std::move(shells)))));
+  return left;
+}
+
 /// The pieces become objects under the object's transform; its shape stays as what feeds them.
 Result<Separated> separateOne(Context& context, const ParsedArgs& args,
                               const Declaration& declaration, const MeshItem& item) {
@@ -54,8 +86,10 @@ Result<Separated> separateOne(Context& context, const ParsedArgs& args,
   HOST_TRY(graph.connect(item.path.node()->plug("outMesh"), node.plug("inputPoly")));
   HOST_TRY(setParameters(context, args, declaration, node));
   HOST_TRY(graph.set(node.plug("icount"), std::int64_t{count}));
+  const auto left = leaveOut(graph, args, node, count);
+  if (!left) return failWith(left.error());
   Separated result;
-  for (Index i = 0; i < count; ++i) {
+  for (Index i = 0; i < *left; ++i) {
     auto shape = addMeshObject(document, declaration.wantedName(args),
                                node.plug("output").element(i), transform.node());
     if (!shape) return failWith(std::move(shape.error()));
@@ -103,7 +137,13 @@ void polySeparate(Declarations& add) {
       .parameter(hidden(integer("icount", "ic", -1)), "how many pieces there were")
       .noFlag()
       .parameter(dg::makeTyped("remShells", "rs", "Int32Array"), "pieces left out")
-      .recordedOnly()
+      .noFlag()
+      .extraFlag({.shortName = "rs",
+                  .longName = "removeShells",
+                  .args = {ArgType::Int},
+                  .modes = kCreate,
+                  .isMultiUse = true,
+                  .meaning = "a piece to leave out, by its number"})
       .builtBy(build)
       .creates(create);
 }

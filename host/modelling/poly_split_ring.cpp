@@ -17,6 +17,8 @@ Result<void> split(HistoryContext& context) {
   ops::SplitRingOptions options;
   options.spacing = kSpacings[*type];
   options.weight = context.real("weight");
+  // A fraction beyond the ends of the edges stops there.
+  if (options.spacing == Spacing::Relative) options.weight = std::clamp(options.weight, 0.0, 1.0);
   options.divisions = context.integer("divisions");
   options.isReversed = !context.boolean("direction");
   options.smoothingAngle = context.real("smoothingAngle");

@@ -1,3 +1,5 @@
+#include "host/nodes/anim/anim_curve.h"
+#include "host/nodes/anim/constraints.h"
 #include "host/nodes/camera_node.h"
 #include "host/nodes/dag_node.h"
 #include "host/nodes/history/history_node.h"
@@ -28,6 +30,8 @@ void registerBuiltinTypes(dg::TypeRegistry& types) {
   registerDeleteComponent(types);
   registerTransformGeometry(types);
   registerGroupNodes(types);
+  registerAnimCurves(types);
+  registerConstraints(types);
 }
 
 }  // namespace host::nodes

@@ -109,6 +109,25 @@ class UnusedHistory {
   std::vector<Node*> found_;
 };
 
+/// The transforms of united objects, which hold nothing any more once `gone` has gone.
+std::vector<Node*> emptiedTransforms(const Node& shape, const std::vector<Node*>& gone) {
+  const std::unordered_set<const Node*> going(gone.begin(), gone.end());
+  std::vector<Node*> emptied;
+  for (Node* node : gone) {
+    if (!scene::isShape(*node)) continue;
+    for (Node* transform : scene::dagLinks(*node).parents) {
+      const auto& children = scene::dagLinks(*transform).children;
+      const bool isEmptied = !transform->isLocked() && !transform->isDefault() &&
+                             std::ranges::all_of(children, [&](const Node* child) {
+                               return child != &shape && going.contains(child);
+                             });
+      if (isEmptied && std::ranges::find(emptied, transform) == emptied.end())
+        emptied.push_back(transform);
+    }
+  }
+  return emptied;
+}
+
 }  // namespace
 
 Result<void> insertHistoryNode(Document& document, Node& shape, const Plug& input,
@@ -135,7 +154,10 @@ Result<void> deleteHistory(Document& document, Node& shape) {
   HOST_TRY(setStoredMesh(shape, *std::move(baked)));
   UnusedHistory unused(graph);
   unused.collectFrom(*source.node());
-  return unused.found().empty() ? Result<void>() : document.deleteNodes(unused.found());
+  if (unused.found().empty()) return {};
+  const std::vector<Node*> emptied = emptiedTransforms(shape, unused.found());
+  HOST_TRY(document.deleteNodes(unused.found()));
+  return emptied.empty() ? Result<void>() : document.deleteNodes(emptied);
 }
 
 }  // namespace host::nodes

@@ -36,16 +36,17 @@ constexpr Attribute kCommon[] = {
 constexpr Attribute kLayout[] = {
     {"ca", "childArray", "", "", kQuery, kList, nullptr, getChildNames},
     {"nch", "numberOfChildren", "", "", kQuery, 0, nullptr, getChildCount},
+    {"gsp", "generalSpacing", "i"},
 };
 
 constexpr Attribute kColumns[] = {
     {"adj", "adjustableColumn", "i"},
-    {"ad1", "adjustableColumn1", ""},
-    {"ad2", "adjustableColumn2", ""},
-    {"ad3", "adjustableColumn3", ""},
-    {"ad4", "adjustableColumn4", ""},
-    {"ad5", "adjustableColumn5", ""},
-    {"ad6", "adjustableColumn6", ""},
+    {"ad1", "adjustableColumn1", "i", "", kAll, kOptionalArgs},
+    {"ad2", "adjustableColumn2", "i", "", kAll, kOptionalArgs},
+    {"ad3", "adjustableColumn3", "i", "", kAll, kOptionalArgs},
+    {"ad4", "adjustableColumn4", "i", "", kAll, kOptionalArgs},
+    {"ad5", "adjustableColumn5", "i", "", kAll, kOptionalArgs},
+    {"ad6", "adjustableColumn6", "i", "", kAll, kOptionalArgs},
     {"cw", "columnWidth", "ii", "", kAll, kMulti | kKeyed},
     {"cw1", "columnWidth1", "i"},
     {"cw2", "columnWidth2", "ii"},

@@ -120,7 +120,10 @@ Row rowOf(const LayoutSolver& solver, const LayoutItem& layout) {
               });
   row.adjustable = static_cast<std::size_t>(std::max(asInt(control.value("adjustableColumn")), 0));
   for (std::size_t i = 1; i <= 6; ++i)
-    if (control.values.contains("adjustableColumn" + std::to_string(i))) row.adjustable = i;
+    // The number says which column; without one it is the last of those that the flag counts.
+    if (const auto own = control.values.find("adjustableColumn" + std::to_string(i));
+        own != control.values.end())
+      row.adjustable = std::clamp<std::size_t>(static_cast<std::size_t>(asInt(own->second)), 1, i);
   return row;
 }
 

@@ -225,7 +225,8 @@ Result<Control*> Tree::create(const ControlType& type, std::string_view name,
                               std::string_view parentName) {
   auto parent = parentFor(type, parentName);
   if (!parent) return parent;
-  std::string own = name.empty() ? freshName(type) : cleanName(name);
+  const bool isBlank = name.find_first_not_of(' ') == std::string_view::npos;
+  std::string own = isBlank ? freshName(type) : cleanName(name);
   if (childAt(*parent, own)) return fail("Object's name '{}' is not unique.", own);
   if (*parent && (*parent)->type->name == "rowLayout" && type.kind != Kind::Menu &&
       type.kind != Kind::Collection) {

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <typeindex>
 #include <vector>
 
 #include "host/base/signal.h"
@@ -70,12 +71,21 @@ class Workspace final : public cmd::SessionPart {
   DuplicateHooks duplicateHooks;
   std::map<std::string, PendingCompound> pendingCompounds;  ///< by the node's uuid and the name
 
+  /// What one family of commands keeps for the session, made when it is first asked for.
+  template <class T>
+  [[nodiscard]] T& kept() {
+    std::shared_ptr<void>& slot = kept_[std::type_index(typeid(T))];
+    if (!slot) slot = std::make_shared<T>();
+    return *static_cast<T*>(slot.get());
+  }
+
  private:
   void giveToolsTheirViews();
   [[nodiscard]] View& viewOf(const std::string& panel);
 
   class Watcher;
   cmd::Session& session_;
+  std::map<std::type_index, std::shared_ptr<void>> kept_;
   std::unique_ptr<Watcher> watcher_;
   std::vector<Connection> connections_;
 };

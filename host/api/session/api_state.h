@@ -21,11 +21,6 @@ struct ApiState final : cmd::SessionPart {
     MSelectionMask misc, anim;
     MSelectionList preselection;
   } selection;
-  /// The playback range; the time itself is time1's.
-  struct Playback {
-    MTime start{1.0, MTime::kFilm}, end{24.0, MTime::kFilm};
-    MTime first{1.0, MTime::kFilm}, last{48.0, MTime::kFilm};
-  } playback;
   /// The one progress display that there is.
   struct Progress {
     bool isReserved = false, isRunning = false, isInterruptable = false;

@@ -6,12 +6,20 @@
 #include "host/api/core/access.h"
 #include "host/api/session/api_state.h"
 #include "host/cmd/session.h"
+#include "host/workspace/playback.h"
+#include "host/workspace/workspace.h"
 
 namespace host::api {
 namespace {
 
-ApiState::Playback& playback() {
-  return apiState().playback;
+workspace::Playback& playback() {
+  return workspace::workspaceOf(cmd::currentSession()).kept<workspace::Playback>();
+}
+MTime timeOf(double seconds) {
+  return MTime(MTime(seconds, MTime::kSeconds).as(MTime::uiUnit()), MTime::uiUnit());
+}
+double secondsOf(const MTime& time) {
+  return time.as(MTime::kSeconds);
 }
 
 dg::Plug timePlug() {
@@ -46,6 +54,8 @@ Progress& progressFor(MStatus* status) {
 using namespace host;
 using api::changeProgress;
 using api::playback;
+using api::secondsOf;
+using api::timeOf;
 using api::progressState;
 using api::setStatus;
 
@@ -61,10 +71,10 @@ MStatus MAnimControl::setCurrentTime(const MTime& time) {
   return status;
 }
 MTime MAnimControl::minTime() {
-  return playback().start;
+  return timeOf(playback().minimum);
 }
 MTime MAnimControl::maxTime() {
-  return playback().end;
+  return timeOf(playback().maximum);
 }
 MStatus MAnimControl::setMinTime(const MTime& time) {
   return setMinMaxTime(time, std::max(time, maxTime()));
@@ -74,22 +84,22 @@ MStatus MAnimControl::setMaxTime(const MTime& time) {
 }
 MStatus MAnimControl::setMinMaxTime(const MTime& minTime, const MTime& maxTime) {
   if (maxTime < minTime) return MStatus::kInvalidParameter;
-  playback().start = minTime;
-  playback().end = maxTime;
+  playback().minimum = secondsOf(minTime);
+  playback().maximum = secondsOf(maxTime);
   return MStatus::kSuccess;
 }
 MTime MAnimControl::animationStartTime() {
-  return playback().first;
+  return timeOf(playback().start);
 }
 MTime MAnimControl::animationEndTime() {
-  return playback().last;
+  return timeOf(playback().end);
 }
 MStatus MAnimControl::setAnimationStartTime(const MTime& time) {
-  playback().first = time;
+  playback().start = secondsOf(time);
   return MStatus::kSuccess;
 }
 MStatus MAnimControl::setAnimationEndTime(const MTime& time) {
-  playback().last = time;
+  playback().end = secondsOf(time);
   return MStatus::kSuccess;
 }
 bool MAnimControl::isPlaying() {

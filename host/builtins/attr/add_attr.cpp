@@ -209,8 +209,66 @@ CommandResult queryAttr(Context& context, const ParsedArgs& args) {
   return fail("addAttr: '{}' can't be queried.", what);
 }
 
+/// Other words, limits or default of an attribute that a script added.
+class AttributeEdit final : public dg::Change {
+ public:
+  AttributeEdit(dg::Node& node, AttributePtr attribute, AttributePtr other)
+      : node_(node.shared_from_this()), attribute_(std::move(attribute)), other_(std::move(other)) {
+    exchange();
+  }
+  Result<void> undo() override {
+    exchange();
+    return {};
+  }
+  Result<void> redo() override { return undo(); }
+  void visitNodes(const VisitNode& visit) const override { visit(*node_); }
+
+ private:
+  void exchange() {
+    std::swap(attribute_->niceName, other_->niceName);
+    std::swap(attribute_->minimum, other_->minimum);
+    std::swap(attribute_->maximum, other_->maximum);
+    std::swap(attribute_->softMinimum, other_->softMinimum);
+    std::swap(attribute_->softMaximum, other_->softMaximum);
+    std::swap(attribute_->defaultValue, other_->defaultValue);
+    std::swap(attribute_->enumFields, other_->enumFields);
+    std::swap(attribute_->keyable, other_->keyable);
+    std::swap(attribute_->hidden, other_->hidden);
+    std::swap(attribute_->storable, other_->storable);
+  }
+  dg::NodePtr node_;
+  AttributePtr attribute_, other_;
+};
+
+Result<void> editAttr(Context& context, const ParsedArgs& args, const std::string& name) {
+  auto plug = context.document.plug(name);
+  if (!plug) return failWith(std::move(plug.error()));
+  const dg::Attribute* const wanted = plug->attribute();
+  if (!wanted->isDynamic)
+    return fail("addAttr: '{}' belongs to its node's type and can't be edited.", name);
+  const AttributePtr attribute = std::const_pointer_cast<dg::Attribute>(wanted->shared_from_this());
+  AttributePtr other = attribute->clone();
+  applyRange(args, context.document.units(), *other);
+  if (args.has("hasMinValue") && !args.boolean("hasMinValue")) other->minimum.reset();
+  if (args.has("hasMaxValue") && !args.boolean("hasMaxValue")) other->maximum.reset();
+  if (args.has("niceName")) other->niceName = args.text("niceName");
+  if (args.has("enumName")) other->enumFields = parseEnum(args.text("enumName"));
+  other->keyable = args.boolean("keyable", other->keyable);
+  other->hidden = args.boolean("hidden", other->hidden);
+  other->storable = args.boolean("storable", other->storable);
+  auto edit = std::make_unique<AttributeEdit>(*plug->node(), attribute, std::move(other));
+  dg::Graph& graph = context.document.graph();
+  if (graph.isRecording()) graph.recorder()->record(std::move(edit));
+  return {};
+}
+
 CommandResult addAttr(Context& context, const ParsedArgs& args) {
   if (args.isQuery()) return queryAttr(context, args);
+  if (args.isEdit()) {
+    if (!args.hasObjects()) return fail("addAttr: name the attribute to edit, as in pCube1.size.");
+    for (const std::string& name : args.objectNames()) HOST_TRY(editAttr(context, args, name));
+    return mel::Value();
+  }
   auto objects = args.resolveObjects(context.document);
   if (!objects) return failWith(std::move(objects.error()));
   const std::vector<dg::Node*> nodes = nodesOf(*objects);
@@ -280,6 +338,7 @@ void registerAddAttr(CommandRegistry& registry) {
              .flag("ct", "category", {ArgType::String})
              .multiUse()
              .queryable()
+             .editable()
              .objects(0, -1, true),
          addAttr);
   define(registry, "deleteAttr", Syntax().flag("at", "attribute", {ArgType::String}).strings(),

@@ -1,6 +1,7 @@
 #include <utility>
 
 #include "host/builtins/common/command.h"
+#include "host/edits/connect.h"
 
 namespace host::builtins {
 
@@ -27,7 +28,7 @@ CommandResult connectAttr(Context& context, const ParsedArgs& args) {
   const bool isForced = args.has("force");
   if (isForced && args.has("lock"))
     HOST_TRY(graph.setFlag(*destination, dg::Graph::PlugFlag::Locked, false));
-  HOST_TRY(graph.connect(*source, *destination, isForced));
+  HOST_TRY(edits::connect(context.document, *source, *destination, isForced));
   if (args.has("lock"))
     HOST_TRY(graph.setFlag(*destination, dg::Graph::PlugFlag::Locked, args.boolean("lock")));
   return mel::Value(fmt::format("Connected {} to {}.", plugName(*source), plugName(*destination)));
@@ -48,6 +49,16 @@ CommandResult disconnectAttr(Context& context, const ParsedArgs& args) {
   auto second = context.document.plug(names[1]);
   if (!second) return failWith(std::move(second.error()));
   Plug destination = *second;
+  // What converts between the two goes with the connection.
+  if (const Plug between = graph.source(destination);
+      between && between.node()->type().name == "unitConversion" &&
+      graph.source(between.node()->plug("input")) == *first) {
+    HOST_TRY(graph.disconnect(between, destination));
+    if (graph.destinations(between).empty())
+      HOST_TRY(context.document.deleteNodes({between.node()}));
+    return mel::Value(
+        fmt::format("Disconnect {} from {}.", plugName(*first), plugName(destination)));
+  }
   if (args.has("nextAvailable") && destination.isArray()) {
     for (const Index index : graph.elementIndices(*second))
       if (graph.source(second->element(index)) == *first) destination = second->element(index);
@@ -64,7 +75,11 @@ CommandResult isConnected(Context& context, const ParsedArgs& args) {
   if (!source) return failWith(std::move(source.error()));
   auto destination = context.document.plug(names[1]);
   if (!destination) return failWith(std::move(destination.error()));
-  return mel::Value(context.document.graph().source(*destination) == *source);
+  Plug arriving = context.document.graph().source(*destination);
+  if (args.has("ignoreUnitConversion") && arriving && !(arriving == *source) &&
+      arriving.node()->type().name == "unitConversion")
+    arriving = context.document.graph().source(arriving.node()->plug("input"));
+  return mel::Value(arriving == *source);
 }
 
 /// The plug itself or the nearest one above it of which `holds` is true; null when there is none.

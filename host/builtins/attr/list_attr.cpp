@@ -84,10 +84,21 @@ class AttributeLister {
     if (!needs("inUse", graph_.source(plug) || attribute.storable)) return false;
     if (!needs("usedAsFilename", attribute.usedAsFilename)) return false;
     if (!needs("leaf", !attribute.isCompound())) return false;
+    if (!needs("hasData", hasData(plug)) || !needs("hasNullData", !hasData(plug))) return false;
     if (patterns_.empty()) return true;
     return std::any_of(patterns_.begin(), patterns_.end(), [&](const std::string& pattern) {
       return matches(pattern, attribute.longName) || matches(pattern, attribute.shortName);
     });
+  }
+
+  /// Numbers and texts always have data; what carries a payload may have none.
+  [[nodiscard]] bool hasData(const dg::Plug& plug) const {
+    const Attribute& attribute = *plug.attribute();
+    if (attribute.type == AttributeType::Message) return false;
+    if (attribute.type != AttributeType::Typed || plug.isArray()) return true;
+    const auto value = graph_.get(plug);
+    const auto* data = value ? std::get_if<dg::DataPtr>(&*value) : nullptr;
+    return data && *data;
   }
 
   [[nodiscard]] std::string name(const dg::Plug& plug) const {
@@ -131,6 +142,8 @@ void registerListAttr(CommandRegistry& registry) {
                   .flag("iu", "inUse")
                   .flag("uf", "usedAsFilename")
                   .flag("lf", "leaf")
+                  .flag("hd", "hasData")
+                  .flag("hnd", "hasNullData")
                   .flag("m", "multi")
                   .flag("sn", "shortNames")
                   .flag("fp", "fullPath")

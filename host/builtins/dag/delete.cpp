@@ -1,9 +1,41 @@
+#include <algorithm>
+
 #include "host/builtins/common/command.h"
 #include "host/edits/remove.h"
 
 namespace host::builtins {
 
 namespace {
+
+/// -channels -expressions -constraints: what drives the objects, never the objects. What was driven
+/// keeps the values it had.
+Result<void> deleteDrivers(Context& context, const ParsedArgs& args,
+                           const scene::SelectionList& list) {
+  dg::Graph& graph = context.document.graph();
+  const auto isMeant = [&](const dg::Node& node) {
+    return (args.has("channels") && node.type().isA("animCurve")) ||
+           (args.has("expressions") && node.type().name == "expression") ||
+           (args.has("constraints") && node.type().isA("constraint"));
+  };
+  std::vector<scene::Node*> gone;
+  std::vector<std::pair<dg::Plug, dg::Value>> kept;
+  for (dg::Node* node : nodesOf(list)) {
+    for (const dg::Graph::Connection& connection : graph.incoming(*node)) {
+      dg::Node* from = connection.source.node();
+      if (from->type().name == "unitConversion")
+        if (const dg::Plug before = graph.source(from->plug("input"))) from = before.node();
+      if (!isMeant(*from)) continue;
+      if (auto value = graph.get(connection.destination))
+        kept.emplace_back(connection.destination, *std::move(value));
+      if (std::ranges::find(gone, from) == gone.end()) gone.push_back(from);
+    }
+  }
+  if (gone.empty()) return {};
+  HOST_TRY(context.document.deleteNodes(gone));
+  for (const auto& [plug, value] : kept)
+    if (graph.settable(plug)) HOST_TRY(graph.set(plug, value));
+  return {};
+}
 
 CommandResult deleteObjects(Context& context, const ParsedArgs& args) {
   scene::Document& document = context.document;
@@ -14,9 +46,10 @@ CommandResult deleteObjects(Context& context, const ParsedArgs& args) {
                                   args.has("all") ? edits::topObjects(document, true) : *list));
     return mel::Value();
   }
-  // These name what drives objects, never the objects; there are no such drivers here to delete.
-  if (args.has("channels") || args.has("expressions") || args.has("constraints"))
+  if (args.has("channels") || args.has("expressions") || args.has("constraints")) {
+    HOST_TRY(deleteDrivers(context, args, *list));
     return mel::Value();
+  }
   if (args.has("all")) *list = edits::topObjects(document, false);
   HOST_TRY(edits::remove(document, *list));
   return mel::Value();

@@ -3,16 +3,76 @@
 
 #include "host/builtins/common/command.h"
 #include "host/workspace/edit_hooks.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
 namespace {
+
+/// The copies that duplicate made last, with what they were made of: -smartTransform gives the next
+/// copy the change that came between the two.
+struct LastDuplicates {
+  struct Pair {
+    std::weak_ptr<dg::Node> original, copy;
+  };
+  std::vector<Pair> pairs;
+};
+
+Result<void> repeatChange(scene::Document& document, const dg::Node& first, const dg::Node& second,
+                          dg::Node& third) {
+  dg::Graph& graph = document.graph();
+  const auto value = [&](const dg::Node& node, const std::string& name) {
+    const auto read = graph.get(const_cast<dg::Node&>(node).plug(name));
+    const auto* number = read ? std::get_if<double>(&*read) : nullptr;
+    return number ? *number : 0.0;
+  };
+  for (const char* channel : {"translate", "rotate", "scale"}) {
+    for (const char* axis : {"X", "Y", "Z"}) {
+      const std::string name = std::string(channel) + axis;
+      const double before = value(first, name), after = value(second, name);
+      const bool isFactor = channel[0] == 's' && before != 0;
+      const double next = isFactor ? after * (after / before) : after + (after - before);
+      if (next == after || !graph.settable(third.plug(name))) continue;
+      HOST_TRY(graph.set(third.plug(name), dg::Value(next)));
+    }
+  }
+  return {};
+}
+
+/// The originals of a call, in the order of its copies.
+std::vector<dg::NodePtr> originalsOf(const scene::SelectionList& list) {
+  std::vector<dg::NodePtr> nodes;
+  for (const scene::SelectionItem& item : list.items()) {
+    dg::Node* node = item.node.get();
+    if (item.isDag() && scene::isShape(*item.node)) node = item.path.transform().node();
+    nodes.push_back(node->shared_from_this());
+  }
+  return nodes;
+}
+
+Result<void> smartTransform(Context& context, const std::vector<dg::NodePtr>& originals,
+                            const std::vector<edits::Copy>& copies, bool repeats) {
+  auto& last = workspace::workspaceOf(context.session).kept<LastDuplicates>();
+  LastDuplicates now;
+  for (std::size_t i = 0; i < copies.size() && i < originals.size(); ++i) {
+    now.pairs.push_back({originals[i], copies[i].node});
+    if (!repeats || !scene::isDagNode(*copies[i].node)) continue;
+    for (const LastDuplicates::Pair& pair : last.pairs) {
+      const dg::NodePtr first = pair.original.lock(), second = pair.copy.lock();
+      if (!first || second != originals[i] || !first->isAlive()) continue;
+      HOST_TRY(repeatChange(context.document, *first, *second, *copies[i].node));
+    }
+  }
+  last = std::move(now);
+  return {};
+}
 
 CommandResult duplicate(Context& context, const ParsedArgs& args) {
   auto list = args.resolveObjects(context.document);
   if (!list) return failWith(std::move(list.error()));
   if (list->isEmpty()) return fail("duplicate: name or select objects.");
   const edits::DuplicateHooks hooks = workspace::duplicateHooks(context.session);
+  const std::vector<dg::NodePtr> originals = originalsOf(*list);
   const auto copies = edits::duplicate(context.document, *std::move(list),
                                        {.name = args.text("name"),
                                         .renamesChildren = args.has("renameChildren"),
@@ -22,6 +82,7 @@ CommandResult duplicate(Context& context, const ParsedArgs& args) {
                                         .copiesUpstream = args.has("upstreamNodes"),
                                         .hooks = &hooks});
   if (!copies) return failWith(copies.error());
+  HOST_TRY(smartTransform(context, originals, *copies, args.has("smartTransform")));
   std::vector<std::string> names;
   for (const edits::Copy& copy : *copies) {
     names.push_back(nodeName(*copy.node));

@@ -2,6 +2,7 @@
 #include "host/edits/rotate_scale.h"
 
 #include "host/builtins/common/transform_args.h"
+#include "host/edits/bounds.h"
 
 namespace host::builtins {
 
@@ -23,13 +24,48 @@ Result<edits::TurnOptions> readTurn(const ParsedArgs& args, std::string_view com
   return turn;
 }
 
+using Turn = Result<void> (*)(scene::Document&, const scene::SelectionList&,
+                              const edits::TurnOptions&);
+
+Result<math::Vec3> middleOf(const scene::SelectionList& list) {
+  math::Box all;
+  for (const scene::SelectionItem& item : list.items()) {
+    if (!item.isDag()) continue;
+    const auto box = item.isObject() ? Result<math::Box>(edits::worldBox(item.path))
+                                     : edits::worldBox(item);
+    if (!box) return failWith(box.error());
+    all.add(*box);
+  }
+  return all.isEmpty() ? math::Vec3() : all.center();
+}
+
+/// -centerPivot turns about the middle of all, -objectCenterPivot each about its own.
+Result<void> turnAll(Context& context, const ParsedArgs& args, const scene::SelectionList& list,
+                     edits::TurnOptions turn, Turn run) {
+  if (args.has("pivot") || !(args.has("centerPivot") || args.has("objectCenterPivot")))
+    return run(context.document, list, turn);
+  std::vector<scene::SelectionList> groups;
+  if (args.has("centerPivot")) {
+    groups.push_back(list);
+  } else {
+    for (const scene::SelectionItem& item : list.items()) groups.emplace_back().merge(item);
+  }
+  for (const scene::SelectionList& group : groups) {
+    const auto middle = middleOf(group);
+    if (!middle) return failWith(middle.error());
+    turn.pivot = *middle;
+    HOST_TRY(run(context.document, group, turn));
+  }
+  return {};
+}
+
 CommandResult rotate(Context& context, const ParsedArgs& args) {
   const NumbersAndNames words = splitNumbers(args, 3, ArgType::Angle, context.document.units());
   auto list = namedOrSelected(context, words.names, "rotate");
   if (!list) return failWith(std::move(list.error()));
   auto turn = readTurn(args, "rotate", words.numbers, 0.0);
   if (!turn) return failWith(std::move(turn.error()));
-  HOST_TRY(edits::rotate(context.document, *list, *turn));
+  HOST_TRY(turnAll(context, args, *list, *turn, edits::rotate));
   return mel::Value();
 }
 
@@ -39,7 +75,7 @@ CommandResult scale(Context& context, const ParsedArgs& args) {
   if (!list) return failWith(std::move(list.error()));
   auto turn = readTurn(args, "scale", words.numbers, 1.0);
   if (!turn) return failWith(std::move(turn.error()));
-  HOST_TRY(edits::scale(context.document, *list, *turn));
+  HOST_TRY(turnAll(context, args, *list, *turn, edits::scale));
   return mel::Value();
 }
 
@@ -51,6 +87,7 @@ Syntax turnSyntax(const std::string& prefix) {
       .flag("ws", "worldSpace")
       .flag("p", "pivot", {ArgType::Distance, ArgType::Distance, ArgType::Distance})
       .flag("cp", "centerPivot")
+      .flag("ocp", "objectCenterPivot")
       .flag("dph", "deletePriorHistory", {ArgType::Bool})
       .flag("pcp", "preserveChildPosition", {ArgType::Bool})
       .flag("puv", "preserveUV", {ArgType::Bool});

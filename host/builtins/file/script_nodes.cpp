@@ -1,6 +1,8 @@
 #include "host/builtins/file/script_nodes.h"
 
 #include "host/base/messages.h"
+#include "host/builtins/anim/expression_node.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
@@ -26,9 +28,31 @@ bool runsOnOpening(Context& context, dg::Node& node) {
          (type == OpenClose || (type == InterfaceOpenClose && !context.session.isBatch));
 }
 
+/// Expressions run only when their scene is trusted; else what they drive keeps its values.
+void admitExpressions(Context& context, bool allowed) {
+  auto& trust = workspace::workspaceOf(context.session).kept<ExpressionTrust>();
+  std::size_t held = 0;
+  for (const dg::NodePtr& node : context.document.graph().nodes()) {
+    if (node->type().name != "expression" || trust.has(*node)) continue;
+    if (allowed) {
+      trust.trust(node);
+    } else {
+      holdOutputs(*node);
+      ++held;
+    }
+  }
+  if (held == 0) return;
+  postMessage(MessageKind::Warning,
+              fmt::format("The scene brings {}: what they drive keeps its values. Open it with "
+                          "'file -open -executeScriptNodes 1' if you trust it.",
+                          held == 1 ? "an expression, which does not run"
+                                    : fmt::format("{} expressions, which do not run", held)));
+}
+
 }  // namespace
 
 void runScriptNodes(Context& context, bool allowed) {
+  admitExpressions(context, allowed);
   std::vector<dg::NodePtr> scripts;
   for (const dg::NodePtr& node : context.document.graph().nodes())
     if (node->type().name == "script" && runsOnOpening(context, *node)) scripts.push_back(node);

@@ -184,7 +184,7 @@ CommandResult polyColorPerVertex(Context& context, const ParsedArgs& args) {
     if (change.isAny()) HOST_TRY(colorOne(item, change));
     if (args.has("colorDisplayOption"))
       HOST_TRY(context.document.graph().set(item.path.node()->plug("displayColors"),
-                                            std::int64_t{args.boolean("colorDisplayOption")}));
+                                            std::int64_t{args.boolean("colorDisplayOption", true)}));
   }
   return mel::Value(true);
 }
@@ -202,6 +202,8 @@ void registerPolyColorPerVertex(CommandRegistry& registry) {
              .flag("rel", "relative")
              .flag("rem", "remove")
              .flag("cdo", "colorDisplayOption", {ArgType::Bool})
+             .optionalArgs()
+             .flag("cla", "clamped", {ArgType::Bool})
              .flag("nun", "notUndoable")
              .flag("ch", "constructionHistory", {ArgType::Bool})
              .queryable()

@@ -74,7 +74,7 @@ Result<void> setOption(dg::Graph& graph, const dg::Plug& plug, const Option& opt
   switch (option.kind) {
     case Option::OnOff: {
       const bool flips = args.has("relative");
-      const bool isOn = flips ? wholeNumber(graph, plug) == 0 : args.boolean(option.longName);
+      const bool isOn = flips ? wholeNumber(graph, plug) == 0 : args.boolean(option.longName, true);
       return graph.set(plug, std::int64_t{isOn ? option.onValue : 0});
     }
     case Option::Number: {
@@ -195,10 +195,12 @@ ArgType argTypeOf(const Option& option) {
 
 void registerPolyOptions(CommandRegistry& registry) {
   Syntax syntax;
-  for (const Option& option : kOptions)
+  for (const Option& option : kOptions) {
     syntax.flag(option.shortName, option.longName,
                 option.kind == Option::Fixed ? std::vector<ArgType>{}
                                              : std::vector<ArgType>{argTypeOf(option)});
+    if (option.kind == Option::OnOff) syntax.optionalArgs();  // alone it means on
+  }
   syntax.flag("din", kItemNumbers, std::vector<ArgType>(4, ArgType::Bool))
       .flag("ao", "activeObjects")
       .flag("gl", "global")

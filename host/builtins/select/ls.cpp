@@ -3,7 +3,10 @@
 
 #include "host/builtins/common/command.h"
 #include "host/builtins/common/mesh_components.h"
+#include "host/builtins/select/foreign_types.h"
+#include "host/builtins/select/selection_order.h"
 #include "host/scene/dag_paths.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
@@ -15,7 +18,8 @@ using scene::SelectionItem;
 /// What `ls` goes through: an item of a selection, or a node with one of its paths.
 class Lister {
  public:
-  Lister(Context& context, const ParsedArgs& args) : document_(context.document), args_(args) {
+  Lister(Context& context, const ParsedArgs& args)
+      : session_(context.session), document_(context.document), args_(args) {
     types_ = args.texts("type");
     excluded_ = args.texts("excludeType");
     exact_ = args.texts("exactType");
@@ -23,6 +27,7 @@ class Lister {
   }
 
   Result<std::vector<std::string>> run() {
+    if (args_.has("orderedSelection") && visitInOrder()) return std::move(names_);
     if (args_.has("selection") || args_.has("orderedSelection"))
       visitItems(document_.selection());
     else if (args_.has("hilite"))
@@ -38,6 +43,15 @@ class Lister {
  private:
   void visitItems(const scene::SelectionList& list) {
     for (const SelectionItem& item : list.items()) visitItem(item);
+  }
+
+  /// One by one in the order in which they were selected, while that is tracked.
+  bool visitInOrder() {
+    const SelectionOrder& order = workspace::workspaceOf(session_).kept<SelectionOrder>();
+    if (!order.isTracking()) return false;
+    for (const SelectionItem& item : order.inOrder(document_.selection())) visitItem(item);
+    trim();
+    return true;
   }
 
   void visitNames() {
@@ -204,6 +218,8 @@ class Lister {
     if (args_.has("visible") && (path.isWorld() || !isVisible(path))) return false;
     if (args_.has("invisible") && (path.isWorld() || isVisible(path))) return false;
     if (args_.has("referencedNodes") || args_.has("readOnly")) return false;
+    if (args_.has("partition") && !node.type().isA("partition")) return false;
+    if (args_.has("references") && !node.type().isA("reference")) return false;
     return true;
   }
 
@@ -214,6 +230,10 @@ class Lister {
     if (mayRepeat && !seen_.insert(name).second) return;
     names_.push_back(std::move(name));
     if (args_.has("showType")) names_.push_back(node.type().name);
+    if (args_.has("showNamespace")) {
+      const std::size_t colon = node.name().rfind(':');
+      names_.push_back(colon == std::string::npos ? ":" : ":" + node.name().substr(0, colon));
+    }
   }
 
   void trim() {
@@ -225,6 +245,7 @@ class Lister {
       names_.erase(names_.begin(), names_.end() - static_cast<std::ptrdiff_t>(limit("tail")));
   }
 
+  cmd::Session& session_;
   scene::Document& document_;
   const ParsedArgs& args_;
   std::vector<std::string> types_, excluded_, exact_, names_;
@@ -235,7 +256,8 @@ class Lister {
 CommandResult ls(Context& context, const ParsedArgs& args) {
   for (const std::string_view flag : {"type", "exactType", "excludeType"})
     for (const std::string& name : args.texts(flag))
-      if (!context.document.types().find(name)) return fail("Unknown object type: {}", name);
+      if (!context.document.types().find(name) && !isForeignNodeType(name))
+        return fail("Unknown object type: {}", name);
   auto names = Lister(context, args).run();
   if (!names) return failWith(std::move(names.error()));
   return toValue(std::move(*names));
@@ -284,7 +306,10 @@ void registerLs(CommandRegistry& registry) {
                   .flag("ro", "readOnly")
                   .flag("r", "recursive", {ArgType::Bool})
                   .flag("st", "showType")
-                  .flag("id", "uuid")
+                  .flag("sns", "showNamespace")
+                  .flag("pr", "partition")
+                  .flag("rf", "references")
+                  .flag("uid", "uuid")
                   .flag("hd", "head", {ArgType::Int})
                   .flag("tl", "tail", {ArgType::Int})
                   .strings(),

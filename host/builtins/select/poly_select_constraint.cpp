@@ -42,11 +42,14 @@ constexpr std::array kSettings = {
     Setting{"lb", "lengthbound", ArgType::Distance, 2},
     Setting{"ga", "geometricarea", ArgType::Bool},
     Setting{"gab", "geometricareabound", ArgType::Double, 2},
+    Setting{"r", "random", ArgType::Bool},
+    Setting{"rr", "randomratio", ArgType::Double},
 };
 
 struct SelectConstraints {
   std::array<std::array<double, 2>, kSettings.size()> values{};
 
+  SelectConstraints() { values[kSettings.size() - 1][0] = 0.5; }
   [[nodiscard]] double number(std::string_view name, std::size_t part = 0) const {
     for (std::size_t i = 0; i < kSettings.size(); ++i)
       if (name == kSettings[i].longName) return values[i][part];
@@ -134,7 +137,17 @@ bool edgeFits(const SelectConstraints& wanted, const Mesh& mesh, EdgeId edge) {
          wanted.isWithin("lengthbound", math::length(mesh.point(ends.b) - mesh.point(ends.a)));
 }
 
+/// Draws a share of the components; the same ones each time, whatever else is asked for.
+bool isDrawn(Index id, double share) {
+  std::uint64_t bits = static_cast<std::uint64_t>(id) + 0x9e3779b97f4a7c15ULL;
+  bits = (bits ^ (bits >> 30)) * 0xbf58476d1ce4e5b9ULL;
+  bits = (bits ^ (bits >> 27)) * 0x94d049bb133111ebULL;
+  bits ^= bits >> 31;
+  return static_cast<double>(bits >> 11) * 0x1p-53 < share;
+}
+
 bool fits(const SelectConstraints& wanted, const Mesh& mesh, ComponentType type, Index id) {
+  if (wanted.choice("random") != 0 && !isDrawn(id, wanted.number("randomratio"))) return false;
   if (const int want = wanted.choice("where");
       want != 0 && (want == 1) != isOnBorder(mesh, type, id))
     return false;
@@ -218,7 +231,7 @@ CommandResult query(const SelectConstraints& state, const ParsedArgs& args) {
 CommandResult polySelectConstraint(Context& context, const ParsedArgs& args) {
   auto& kept = workspace::workspaceOf(context.session).selectConstraints;
   SelectConstraints state;
-  kept.resize(kSettings.size());
+  if (kept.empty()) kept.assign(state.values.begin(), state.values.end());
   std::copy(kept.begin(), kept.end(), state.values.begin());
   if (args.isQuery()) return query(state, args);
   SelectConstraints wanted = state;

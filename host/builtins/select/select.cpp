@@ -3,8 +3,10 @@
 #include <algorithm>
 
 #include "host/builtins/common/command.h"
+#include "host/builtins/select/selection_order.h"
 #include "host/nodes/sets.h"
 #include "host/scene/dag_paths.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
@@ -68,6 +70,23 @@ Result<SelectionList> wanted(Context& context, const ParsedArgs& args) {
   return edits::expandSets(*list);
 }
 
+/// The words one by one: components named in one call are ordered as they are named.
+void announceOrder(Context& context, const ParsedArgs& args) {
+  auto& order = workspace::workspaceOf(context.session).kept<SelectionOrder>();
+  if (!order.isTracking()) return;
+  // A new selection forgets where things stood in the one before.
+  const bool adds = args.has("add") || args.has("toggle") || args.has("deselect");
+  if (!adds) {
+    order.track(nullptr);
+    order.track(&context.document);
+    context.document.setSelection({});
+  }
+  std::vector<SelectionList> words;
+  for (const std::string& name : args.objectNames())
+    if (auto word = context.document.resolve(name)) words.push_back(*std::move(word));
+  order.announce(words);
+}
+
 CommandResult select(Context& context, const ParsedArgs& args) {
   scene::Document& document = context.document;
   if (args.has("clear") && !args.hasObjects()) {
@@ -93,6 +112,7 @@ CommandResult select(Context& context, const ParsedArgs& args) {
     *list = std::move(shown);
   }
   using edits::SelectHow;
+  announceOrder(context, args);
   edits::select(document, *std::move(list),
                 args.has("add")        ? SelectHow::Add
                 : args.has("toggle")   ? SelectHow::Toggle

@@ -22,7 +22,7 @@ std::string formatNow(const char* format) {
 CommandResult about(Context& context, const ParsedArgs& args) {
   if (args.flagUses().empty()) return mel::Value(kVersion);
   const std::string& what = args.flagUses().front().spec->longName;
-  if (what == "version" || what == "installedVersion" || what == "product")
+  if (what == "version" || what == "installedVersion" || what == "product" || what == "file")
     return mel::Value(kVersion);
   if (what == "apiVersion" || what == "api") return mel::Value(kApiVersion);
   if (what == "batch") return mel::Value(context.session.isBatch);
@@ -69,6 +69,7 @@ void registerAbout(CommandRegistry& registry) {
                   .flag("v", "version")
                   .flag("iv", "installedVersion")
                   .flag("p", "product")
+                  .flag("f", "file")
                   .flag("api", "apiVersion")
                   .flag("b", "batch")
                   .flag("a", "application")

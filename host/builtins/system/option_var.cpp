@@ -33,6 +33,9 @@ CommandResult optionVar(Context& context, const ParsedArgs& args) {
     if (flag == "intValueAppend") vars.append(name, values[1].intValue());
     if (flag == "floatValueAppend") vars.append(name, values[1].floatValue());
     if (flag == "stringValueAppend") vars.append(name, values[1].string());
+    if (flag == "intArray") vars.set(name, std::vector<int>{});
+    if (flag == "floatArray") vars.set(name, std::vector<double>{});
+    if (flag == "stringArray") vars.set(name, std::vector<std::string>{});
     if (flag == "clearArray") vars.set(name, std::vector<int>{});
     if (flag == "removeFromArray") HOST_TRY(vars.removeElement(name, values[1].intValue()));
     if (flag == "remove") vars.remove(name);
@@ -58,6 +61,12 @@ void registerOptionVar(CommandRegistry& registry) {
                   .flag("fva", "floatValueAppend", {ArgType::String, ArgType::Double})
                   .multiUse()
                   .flag("sva", "stringValueAppend", {ArgType::String, ArgType::String})
+                  .multiUse()
+                  .flag("ia", "intArray", {ArgType::String})
+                  .multiUse()
+                  .flag("fa", "floatArray", {ArgType::String})
+                  .multiUse()
+                  .flag("sa", "stringArray", {ArgType::String})
                   .multiUse()
                   .flag("ca", "clearArray", {ArgType::String})
                   .multiUse()

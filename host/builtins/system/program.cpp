@@ -24,9 +24,11 @@ CommandResult queryWorkspace(Project& project, const ParsedArgs& args) {
   if (!root.ends_with('/')) root += '/';
   if (args.has("rootDirectory") || args.has("fullName")) return mel::Value(root);
   if (args.has("directory")) return mel::Value(root);
-  if (args.has("active") || args.has("list"))
-    return toValue(
-        {project.root.filename().empty() ? root : project.root.filename().generic_string()});
+  if (args.has("active") || args.has("list")) {
+    const std::string name =
+        project.root.filename().empty() ? root : project.root.filename().generic_string();
+    return args.has("active") ? mel::Value(name) : toValue({name});
+  }
   if (args.has("fileRule")) {
     std::vector<std::string> pairs;
     for (const auto& [rule, folder] : project.rules) pairs.insert(pairs.end(), {rule, folder});
@@ -81,6 +83,10 @@ CommandResult quit(Context& context, const ParsedArgs& args) {
   return mel::Value();
 }
 
+CommandResult python(Context&, const ParsedArgs&) {
+  return fail("python: this program has no Python; the text was not run.");
+}
+
 CommandResult commandEcho(Context& context, const ParsedArgs& args) {
   bool& isOn = workspaceOf(context.session).echoesCommands;
   if (args.isQuery()) return mel::Value(args.has("state") && isOn);
@@ -130,6 +136,7 @@ void registerProgram(CommandRegistry& registry) {
       registry, "refresh",
       Syntax().flag("f", "force").flag("cv", "currentView").flag("su", "suspend", {ArgType::Bool}),
       refresh);
+  defineQuery(registry, "python", Syntax().strings(1), python);
   defineQuery(registry, "quit",
               Syntax().flag("f", "force").flag("a", "abort").flag("ec", "exitCode", {ArgType::Int}),
               quit);

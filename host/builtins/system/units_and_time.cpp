@@ -1,3 +1,4 @@
+#include "host/builtins/anim/expression_node.h"
 #include "host/builtins/common/command.h"
 #include "host/edits/time.h"
 
@@ -35,6 +36,7 @@ CommandResult currentTime(Context& context, const ParsedArgs& args) {
   if (!args.isQuery() && args.wordCount() > 0) {
     const double frame = mel::leadingFloat(args.firstObject());
     HOST_TRY(edits::setCurrentTime(document, frame / rate));
+    HOST_TRY(runTimedExpressions(document.graph()));
     context.session.scriptJobs().triggerEvent("timeChanged");
   }
   const auto seconds = edits::currentTime(document);

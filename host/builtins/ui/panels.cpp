@@ -47,6 +47,7 @@ CommandResult getPanel(Context& context, const ParsedArgs& args) {
   if (args.has("type"))
     return toValue(args.text("type") == "modelPanel" ? panelNames(context)
                                                      : std::vector<std::string>{});
+  if (args.has("scriptType")) return toValue({});  // no script has made a panel of its own
   if (args.has("visiblePanels")) return toValue(visiblePanels(context));
   if (args.has("all")) return toValue(panelNames(context));
   return fail(
@@ -225,7 +226,8 @@ void registerPanels(CommandRegistry& registry) {
   Syntax panels;
   panels.flag("all", "all")
       .flag("typ", "type", {ArgType::String})
-      .flag("to", "typeOf", {ArgType::String});
+      .flag("to", "typeOf", {ArgType::String})
+      .flag("sty", "scriptType", {ArgType::String});
   panels.flag("wf", "withFocus").flag("up", "underPointer").flag("vis", "visiblePanels");
   defineQuery(registry, "getPanel", panels, getPanel);
   defineQuery(registry, "pointerPosition", Syntax().strings(1, 1), pointerPosition);

@@ -1,4 +1,5 @@
 #include "host/builtins/common/command.h"
+#include "host/builtins/select/selection_order.h"
 #include "host/workspace/workspace.h"
 
 namespace host::builtins {
@@ -40,6 +41,10 @@ CommandResult selectPref(Context& context, const ParsedArgs& args) {
     if (!args.has(pref.longName)) continue;
     if (!args.isQuery()) {
       values[pref.longName] = args.real(pref.longName);
+      if (std::string_view(pref.shortName) == "tso")
+        workspaceOf(context.session)
+            .kept<SelectionOrder>()
+            .track(args.boolean("tso") ? &context.document : nullptr);
       continue;
     }
     const auto found = values.find(pref.longName);

@@ -94,6 +94,7 @@ void registerViewFit(CommandRegistry& registry) {
                   .flag("all", "allObjects", {}, kCreate)
                   .flag("f", "fitFactor", {ArgType::Double}, kCreate)
                   .flag("an", "animate", {ArgType::Bool}, kCreate)
+                  .flag("p", "panel", {}, kCreate)
                   .strings(),
               viewFit);
   defineQuery(registry, "lookThru", Syntax().queryable().strings(), lookThru);
