@@ -89,6 +89,18 @@ void registerPolyProjection(cmd::CommandRegistry&);
 void registerUvLayouts(cmd::CommandRegistry&);
 void registerUvProcedures(cmd::CommandRegistry&);
 
+void registerAttrExtras(cmd::CommandRegistry&);
+void registerAttrPresets(cmd::CommandRegistry&);
+void registerEditorTemplates(cmd::CommandRegistry&);
+void registerInterfaceState(cmd::CommandRegistry&);
+void registerSmallCommands(cmd::CommandRegistry&);
+void registerFileDialogs(cmd::CommandRegistry&);
+void registerConnectControl(cmd::CommandRegistry&);
+void registerCamera(cmd::CommandRegistry&);
+void registerCurveCommands(cmd::CommandRegistry&);
+void registerJoint(cmd::CommandRegistry&);
+void registerNamespaces(cmd::CommandRegistry&);
+void registerDeformerCommands(cmd::CommandRegistry&);
 void registerConstraintCommands(cmd::CommandRegistry&);
 void registerExpression(cmd::CommandRegistry&);
 void registerKeyframe(cmd::CommandRegistry&);
@@ -177,6 +189,18 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerKeyframe,
       registerPlayback,
       registerSetKeyframe,
+      registerAttrExtras,
+      registerAttrPresets,
+      registerEditorTemplates,
+      registerInterfaceState,
+      registerSmallCommands,
+      registerFileDialogs,
+      registerConnectControl,
+      registerCamera,
+      registerDeformerCommands,
+      registerCurveCommands,
+      registerJoint,
+      registerNamespaces,
       registerRuntimeCommands,
   };
   modelling::registerCommands(registry);  // first: runtime commands stand for some of them

@@ -1,9 +1,11 @@
 #include "host/nodes/anim/anim_curve.h"
 #include "host/nodes/anim/constraints.h"
 #include "host/nodes/camera_node.h"
+#include "host/nodes/curve/curve_nodes.h"
 #include "host/nodes/dag_node.h"
 #include "host/nodes/history/history_node.h"
 #include "host/nodes/history/modifiers.h"
+#include "host/nodes/joint.h"
 #include "host/nodes/locator_node.h"
 #include "host/nodes/mesh_node.h"
 #include "host/nodes/mesh_shape.h"
@@ -30,7 +32,10 @@ void registerBuiltinTypes(dg::TypeRegistry& types) {
   registerDeleteComponent(types);
   registerTransformGeometry(types);
   registerGroupNodes(types);
+  registerDeformers(types);
   registerAnimCurves(types);
+  registerCurveNodes(types);
+  registerJoint(types);
   registerConstraints(types);
 }
 

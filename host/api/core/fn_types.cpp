@@ -34,6 +34,23 @@ constexpr TypeName kNodeTypes[] = {
     {"time", MFn::kTime},
     {"groupId", MFn::kGroupId},
     {"groupParts", MFn::kGroupParts},
+    {"geometryFilter", MFn::kGeometryFilt},
+    {"weightGeometryFilter", MFn::kWeightGeometryFilt},
+    {"skinCluster", MFn::kSkinClusterFilter},
+    {"joint", MFn::kJoint},
+    {"animCurve", MFn::kAnimCurve},
+    {"animCurveTL", MFn::kAnimCurveTimeToDistance},
+    {"animCurveTA", MFn::kAnimCurveTimeToAngular},
+    {"animCurveTU", MFn::kAnimCurveTimeToUnitless},
+    {"animCurveTT", MFn::kAnimCurveTimeToTime},
+    {"unitConversion", MFn::kUnitConversion},
+    {"expression", MFn::kExpression},
+    {"pointConstraint", MFn::kPointConstraint},
+    {"orientConstraint", MFn::kOrientConstraint},
+    {"parentConstraint", MFn::kParentConstraint},
+    {"scaleConstraint", MFn::kScaleConstraint},
+    {"aimConstraint", MFn::kAimConstraint},
+    {"nurbsCurve", MFn::kNurbsCurve},
     {"displayLayer", MFn::kDisplayLayer},
     {"displayLayerManager", MFn::kDisplayLayerManager},
     {"renderLayer", MFn::kRenderLayer},
@@ -88,6 +105,8 @@ MFn::Type pluginType(const dg::NodeType& type) {
   if (type.isA("locator")) return MFn::kPluginLocatorNode;
   if (type.isA("transform")) return MFn::kPluginTransformNode;
   if (type.isA("surfaceShape")) return MFn::kPluginShape;
+  if (type.isA("weightGeometryFilter")) return MFn::kPluginDeformerNode;
+  if (type.isA("geometryFilter")) return MFn::kPluginGeometryFilter;
   return MFn::kPluginDependNode;
 }
 

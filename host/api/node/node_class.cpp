@@ -64,6 +64,10 @@ const dg::NodeType* baseOf(dg::TypeRegistry& types, MPxNode::Type kind) {
       return types.find("transform");
     case MPxNode::kObjectSet:
       return types.find("objectSet");
+    case MPxNode::kDeformerNode:
+      return types.find("weightGeometryFilter");
+    case MPxNode::kGeometryFilter:
+      return types.find("geometryFilter");
     default:
       return nullptr;
   }

@@ -1,8 +1,11 @@
 #include "host/api/node/node_copies.h"
 
+#include <maya/MPxGeometryFilter.h>
+
 #include "host/api/message/callbacks.h"
 #include "host/api/node/px_node.h"
 #include "host/api/session/api_state.h"
+#include "host/workspace/deformer_hooks.h"
 #include "host/workspace/workspace.h"
 
 namespace host::api {
@@ -35,6 +38,18 @@ void leaveOut(const dg::Plug& plug, bool& isLeftOut) {
   if (status == MStatus::kSuccess && !isSaved) isLeftOut = true;
 }
 
+/// A deformer makes what it needs beside itself.
+void setUpAccessories(dg::Node& node) {
+  auto* filter = dynamic_cast<MPxGeometryFilter*>(userNodeOf(node));
+  if (!filter) return;
+  const auto call = [&] {
+    MDagModifier made;
+    const MStatus status = filter->accessoryNodeSetup(made);
+    return status == MStatus::kSuccess ? made.doIt() : status;
+  };
+  fenced(node, "accessoryNodeSetup", call, MStatus());
+}
+
 }  // namespace
 
 void installNodeCopies(cmd::Session& session) {
@@ -44,6 +59,7 @@ void installNodeCopies(cmd::Session& session) {
   connections.push_back(hooks.before.connect([] { tell(CallbackKind::BeforeDuplicate); }));
   connections.push_back(hooks.after.connect([] { tell(CallbackKind::AfterDuplicate); }));
   connections.push_back(hooks.copied.connect(copyInternal));
+  connections.push_back(workspace.kept<workspace::DeformerHooks>().made.connect(setUpAccessories));
   connections.push_back(workspace.sceneHooks.saving.connect(leaveOut));
 }
 

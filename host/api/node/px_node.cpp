@@ -1,5 +1,6 @@
 #include "host/api/node/px_node.h"
 
+#include <maya/MPxDeformerNode.h>
 #include <maya/MPxLocatorNode.h>
 #include <maya/MPxTransform.h>
 
@@ -36,6 +37,14 @@ void refreshStaticAttributes(dg::TypeRegistry& types) {
            {&MPxNode::caching, "caching"},
            {&MPxNode::state, "nodeState"},
            {&MPxNode::frozen, "frozen"}});
+  using Deformer = MPxDeformerNode;
+  refresh(types.find("weightGeometryFilter"), {{&Deformer::input, "input"},
+                                               {&Deformer::inputGeom, "inputGeometry"},
+                                               {&Deformer::groupId, "groupId"},
+                                               {&Deformer::outputGeom, "outputGeometry"},
+                                               {&Deformer::envelope, "envelope"},
+                                               {&Deformer::weightList, "weightList"},
+                                               {&Deformer::weights, "weights"}});
   using Locator = MPxLocatorNode;
   refresh(types.find("locator"), {{&Locator::nodeBoundingBox, "boundingBox"},
                                   {&Locator::nodeBoundingBoxMin, "boundingBoxMin"},

@@ -54,10 +54,10 @@ Progress& progressFor(MStatus* status) {
 using namespace host;
 using api::changeProgress;
 using api::playback;
-using api::secondsOf;
-using api::timeOf;
 using api::progressState;
+using api::secondsOf;
 using api::setStatus;
+using api::timeOf;
 
 MTime MAnimControl::currentTime() {
   const dg::Plug plug = api::timePlug();

@@ -18,7 +18,9 @@ constexpr const char* kViews[] = {"active", "all"};
 Result<int> wordIn(std::span<const char* const> words, const std::string& word) {
   for (std::size_t i = 0; i < words.size(); ++i)
     if (word == words[i]) return static_cast<int>(i);
-  return fail("playbackOptions: '{}' is not {}.", word, fmt::join(words, ", "));
+  std::string all;
+  for (const char* each : words) all += (all.empty() ? "" : ", ") + std::string(each);
+  return fail("playbackOptions: '{}' is not one of {}.", word, all);
 }
 
 CommandResult queryPlayback(const ParsedArgs& args, const Playback& now, double rate) {

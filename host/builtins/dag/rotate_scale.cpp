@@ -31,8 +31,8 @@ Result<math::Vec3> middleOf(const scene::SelectionList& list) {
   math::Box all;
   for (const scene::SelectionItem& item : list.items()) {
     if (!item.isDag()) continue;
-    const auto box = item.isObject() ? Result<math::Box>(edits::worldBox(item.path))
-                                     : edits::worldBox(item);
+    const auto box =
+        item.isObject() ? Result<math::Box>(edits::worldBox(item.path)) : edits::worldBox(item);
     if (!box) return failWith(box.error());
     all.add(*box);
   }

@@ -183,8 +183,9 @@ CommandResult polyColorPerVertex(Context& context, const ParsedArgs& args) {
   for (const MeshItem& item : *items) {
     if (change.isAny()) HOST_TRY(colorOne(item, change));
     if (args.has("colorDisplayOption"))
-      HOST_TRY(context.document.graph().set(item.path.node()->plug("displayColors"),
-                                            std::int64_t{args.boolean("colorDisplayOption", true)}));
+      HOST_TRY(
+          context.document.graph().set(item.path.node()->plug("displayColors"),
+                                       std::int64_t{args.boolean("colorDisplayOption", true)}));
   }
   return mel::Value(true);
 }

@@ -47,7 +47,8 @@ CommandResult getPanel(Context& context, const ParsedArgs& args) {
   if (args.has("type"))
     return toValue(args.text("type") == "modelPanel" ? panelNames(context)
                                                      : std::vector<std::string>{});
-  if (args.has("scriptType")) return toValue({});  // no script has made a panel of its own
+  // No script has made a panel of its own.
+  if (args.has("scriptType")) return toValue(std::vector<std::string>{});
   if (args.has("visiblePanels")) return toValue(visiblePanels(context));
   if (args.has("all")) return toValue(panelNames(context));
   return fail(

@@ -5,6 +5,7 @@
 #include "host/io/ma/ma_node_writer.h"
 #include "host/io/ma/ma_numbers.h"
 #include "host/scene/component.h"
+#include "host/scene/curve_data.h"
 
 namespace host::io {
 namespace {
@@ -47,6 +48,28 @@ void appendComponents(std::string& text, const std::vector<scene::Component>& co
   for (const std::string& word : words) text += fmt::format(" \"{}\"", word);
 }
 
+bool appendCurve(std::string& text, const math::NurbsCurve& curve) {
+  appendType(text, "nurbsCurve");
+  text += fmt::format(" {} {} {} {} 3\n\t\t{}", curve.degree, curve.spans(),
+                      static_cast<int>(curve.form), curve.isRational() ? "yes" : "no",
+                      curve.knots.size());
+  bool isGood = true;
+  const auto append = [&](double number) {
+    isGood = isGood && std::isfinite(number);
+    text += ' ';
+    appendNumber(text, std::isfinite(number) ? number : 0.0);
+  };
+  for (const double knot : curve.knots) append(knot);
+  text += fmt::format("\n\t\t{}", curve.points.size());
+  for (std::size_t i = 0; i < curve.points.size(); ++i) {
+    text += "\n\t\t";
+    for (int axis = 0; axis < 3; ++axis) append(curve.points[i][axis]);
+    if (curve.isRational()) append(curve.weights[i]);
+  }
+  text += "\n\t\t";
+  return isGood;
+}
+
 enum class Written { Yes, Unknown, NotFinite };
 Written appendPayload(std::string& text, const dg::DataPtr& data) {
   const Value value(data);
@@ -61,6 +84,8 @@ Written appendPayload(std::string& text, const dg::DataPtr& data) {
     }
   } else if (const auto* list = dg::dataAs<scene::ComponentListData>(value)) {
     appendComponents(text, list->value);
+  } else if (const auto* curve = dg::dataAs<scene::CurveData>(value)) {
+    isGood = appendCurve(text, curve->curve);
   } else if (const auto* texts = dg::dataAs<dg::StringArrayData>(value)) {
     appendType(text, "stringArray");
     text += fmt::format(" {}", texts->value.size());

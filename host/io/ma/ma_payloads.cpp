@@ -2,6 +2,7 @@
 
 #include "host/io/ma/ma_attributes.h"
 #include "host/scene/component.h"
+#include "host/scene/curve_data.h"
 
 namespace host::io {
 namespace {
@@ -95,6 +96,46 @@ Result<dg::Value> componentsFrom(const Tokens& tokens, std::size_t& budget) {
   return dg::Value(dg::DataPtr(std::make_shared<scene::ComponentListData>(std::move(components))));
 }
 
+/// degree spans form rational dimensions, then the knots and the points, each after its count.
+Result<dg::Value> curveFrom(const Tokens& tokens) {
+  std::vector<double> numbers;
+  for (const MaToken& token : tokens) {
+    double number = 0;
+    if (token.text == "yes" || token.text == "no" || token.text == "on" || token.text == "off")
+      number = token.text == "yes" || token.text == "on" ? 1 : 0;
+    else if (!MaRow(token.text).read(number))
+      return fail("'{}' is not a number", token.text);
+    numbers.push_back(number);
+  }
+  constexpr std::size_t kHead = 6;
+  if (numbers.size() < kHead) return fail("a curve begins with degree, spans, form and knots");
+  math::NurbsCurve curve;
+  if (!(numbers[0] >= 1 && numbers[0] <= 7)) return fail("a curve's degree is 1 to 7");
+  curve.degree = static_cast<int>(numbers[0]);
+  curve.form = static_cast<math::CurveForm>(static_cast<int>(std::clamp(numbers[2], 0.0, 2.0)));
+  const bool isRational = numbers[3] != 0;
+  const std::size_t width = (numbers[4] == 2 ? 2 : 3) + (isRational ? 1U : 0U);
+  const auto count = [&](std::size_t at) {
+    return at < numbers.size() && numbers[at] >= 0 ? static_cast<std::size_t>(numbers[at])
+                                                   : numbers.size();
+  };
+  const std::size_t knots = count(5);
+  if (knots > numbers.size() - kHead) return fail("a curve announces more knots than follow");
+  curve.knots.assign(numbers.begin() + kHead,
+                     numbers.begin() + static_cast<std::ptrdiff_t>(kHead + knots));
+  const std::size_t points = count(kHead + knots);
+  std::size_t at = kHead + knots + 1;
+  if (points > numbers.size() || at + points * width > numbers.size())
+    return fail("a curve announces more points than follow");
+  for (std::size_t i = 0; i < points; ++i, at += width) {
+    const bool isFlat = numbers[4] == 2;
+    curve.points.emplace_back(numbers[at], numbers[at + 1], isFlat ? 0.0 : numbers[at + 2]);
+    if (isRational) curve.weights.push_back(numbers[at + width - 1]);
+  }
+  HOST_TRY(math::check(curve));
+  return dg::Value(dg::DataPtr(std::make_shared<scene::CurveData>(std::move(curve))));
+}
+
 }  // namespace
 
 Result<dg::Value> readPayload(std::string_view type, const Tokens& tokens,
@@ -105,6 +146,7 @@ Result<dg::Value> readPayload(std::string_view type, const Tokens& tokens,
   }
   if (type == "matrix") return matrixFrom(tokens);
   if (type == "stringArray") return textsFrom(tokens);
+  if (type == "nurbsCurve") return curveFrom(tokens);
   if (type == "componentList") return componentsFrom(tokens, componentBudget);
   if (type == "doubleArray")
     return arrayOf<dg::DoubleArrayData>(tokens, 1, [](const auto& all) { return all; });

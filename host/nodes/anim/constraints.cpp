@@ -79,7 +79,7 @@ Matrix4 rotationOf(const Matrix4& matrix) {
 }
 
 Vec3 anglesOf(const Matrix4& rotation, math::RotateOrder order) {
-  return math::decompose(rotation, math::TransformComponents{.rotateOrder = order}).rotate;
+  return math::matrixToEuler(rotation, order);
 }
 
 Vec3 lengthsOf(const Matrix4& matrix) {

@@ -10,5 +10,6 @@ void registerDeleteComponent(
     dg::TypeRegistry& types);  ///< deletes faces, then edges, then vertices
 void registerTransformGeometry(dg::TypeRegistry& types);  ///< moves the whole mesh by a matrix
 void registerGroupNodes(dg::TypeRegistry& types);         ///< groupId and groupParts
+void registerDeformers(dg::TypeRegistry& types);  ///< what deformers of plug-ins derive from
 
 }  // namespace host::nodes

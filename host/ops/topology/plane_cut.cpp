@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "host/math/plane.h"
+#include "host/mesh/adjacency.h"
 #include "host/ops/topology/edge_cutter.h"
 
 namespace host::ops {
@@ -16,8 +17,9 @@ std::size_t at(Index i) {
 
 class ZeroCutter {
  public:
-  ZeroCutter(const Mesh& mesh, const std::function<double(VertexId)>& valueAt, double tolerance)
-      : mesh_(mesh), cutter_(mesh) {
+  ZeroCutter(const Mesh& mesh, const std::function<double(VertexId)>& valueAt, double tolerance,
+             std::span<const std::uint8_t> only)
+      : mesh_(mesh), cutter_(mesh), only_(only) {
     values_.reserve(at(mesh.vertexCount()));
     for (VertexId v = 0; v < mesh.vertexCount(); ++v) {
       const double value = valueAt(v);
@@ -29,12 +31,19 @@ class ZeroCutter {
     for (EdgeId e = 0; e < mesh_.edgeCount(); ++e) {
       const double a = values_[at(mesh_.edge(e).a)], b = values_[at(mesh_.edge(e).b)];
       if (!(a < 0 && b > 0) && !(a > 0 && b < 0)) continue;
+      if (!isWanted(mesh_.adjacency().edgeFaces(e))) continue;
       const double t = a / (a - b);
       const VertexId v = cutter_.cutAt(e, std::span(&t, 1));
       places_.resize(at(v) + 1 - at(mesh_.vertexCount()));
       places_.back() = mesh_.point(mesh_.edge(e).a) * (1 - t) + mesh_.point(mesh_.edge(e).b) * t;
     }
-    cutter_.buildFaces([this](FaceId f) { return isCrossed(f); }, [this](FaceId f) { cutFace(f); });
+    cutter_.buildFaces([this](FaceId f) { return isCrossed(f); },
+                       [this](FaceId f) {
+                         if (isWanted(std::span(&f, 1)))
+                           cutFace(f);
+                         else
+                           cutter_.keepFace(f);
+                       });
     EdgeCutter::Outcome outcome = cutter_.finish();
     for (std::size_t i = 0; i < outcome.pieces.size(); ++i)
       if (isClosedByCut_[i]) newEdges.push_back(outcome.mesh.faceEdges(outcome.pieces[i]).back());
@@ -42,6 +51,10 @@ class ZeroCutter {
   }
 
  private:
+  [[nodiscard]] bool isWanted(std::span<const FaceId> faces) const {
+    return only_.empty() ||
+           std::ranges::any_of(faces, [this](FaceId f) { return only_[at(f)] != 0; });
+  }
   [[nodiscard]] bool isCrossed(FaceId f) const {
     bool hasBelow = false, hasAbove = false;
     for (const VertexId v : mesh_.faceVertices(f)) {
@@ -137,6 +150,7 @@ class ZeroCutter {
 
   Mesh mesh_;
   EdgeCutter cutter_;
+  std::span<const std::uint8_t> only_;
   std::vector<double> values_;
   std::vector<Vec3> places_;         // of new vertices
   std::vector<bool> isClosedByCut_;  // a piece: its last corner walks a new edge
@@ -145,9 +159,10 @@ class ZeroCutter {
 }  // namespace
 
 std::vector<EdgeId> cutAtZero(Mesh& mesh, const std::function<double(VertexId)>& valueAt,
-                              double tolerance, EditMaps* maps) {
+                              double tolerance, EditMaps* maps,
+                              std::span<const std::uint8_t> only) {
   std::vector<EdgeId> edges;
-  EdgeCutter::Outcome outcome = ZeroCutter(mesh, valueAt, tolerance).run(edges);
+  EdgeCutter::Outcome outcome = ZeroCutter(mesh, valueAt, tolerance, only).run(edges);
   mesh = std::move(outcome.mesh);
   if (maps) *maps = std::move(outcome.maps);
   return sortedIds(edges);

@@ -20,7 +20,10 @@ std::vector<EdgeId> cutAlongPlane(Mesh& mesh, const math::Vec3& origin, const ma
 /// within the tolerance count as zero. In a face that meets the zeros more than twice, every other
 /// stretch between them is cut.
 /// @param maps filled with what became of components, unless null
+/// @param only one byte a face, nonzero for those that are cut; their neighbours only get the new
+/// vertices of the edges between. Empty: all faces.
 std::vector<EdgeId> cutAtZero(Mesh& mesh, const std::function<double(VertexId)>& valueAt,
-                              double tolerance, EditMaps* maps = nullptr);
+                              double tolerance, EditMaps* maps = nullptr,
+                              std::span<const std::uint8_t> only = {});
 
 }  // namespace host::ops

@@ -1,0 +1,221 @@
+#include "host/api/mesh/it_geometry.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include "host/api/data/data_handle.h"
+#include "host/api/mesh/mesh_target.h"
+#include "host/mesh/adjacency.h"
+#include "host/mesh/components.h"
+#include "host/mesh/normals.h"
+#include "host/nodes/mesh_components.h"
+
+namespace host::api {
+namespace {
+
+/// The points of one geometry and where the iterator stands. What is moved is written when the walk
+/// ends, begins anew or is given up: one write, whatever the number of points.
+struct GeometryWalk final : SharedRep {
+  GeometryWalk(MeshTarget targetIn, std::optional<std::vector<VertexId>> some)
+      : target(std::move(targetIn)) {
+    const scene::MeshDataPtr data = target.read();
+    if (!data) return;
+    before = data->mesh;
+    points.assign(before.points().begin(), before.points().end());
+    if (some) {
+      visited = *std::move(some);
+      std::erase_if(visited, [&](VertexId v) { return v < 0 || v >= before.vertexCount(); });
+    } else {
+      visited.resize(points.size());
+      std::iota(visited.begin(), visited.end(), 0);
+    }
+    isThere = true;
+  }
+  ~GeometryWalk() override { (void)flush(); }
+
+  MStatus flush() {
+    if (!isChanged) return MStatus::kSuccess;
+    isChanged = false;
+    return target.writePoints(points);
+  }
+  [[nodiscard]] bool isAtEnd() const { return at >= visited.size(); }
+  [[nodiscard]] std::size_t here() const { return static_cast<std::size_t>(visited[at]); }
+
+  MeshTarget target;
+  mesh::Mesh before;
+  std::vector<math::Vec3f> points;
+  std::vector<VertexId> visited;
+  std::size_t at = 0;
+  bool isThere = false, isChanged = false;
+  Handle keepAlive;
+};
+
+GeometryWalk* walkOf(const MItGeometry& iterator) {
+  return Access::rep<GeometryWalk>(iterator);
+}
+
+std::vector<VertexId> verticesOf(const mesh::Mesh& mesh, const scene::Component& component) {
+  const std::vector<Index> ids = nodes::componentIds(mesh, component);
+  return mesh::convertComponents(mesh, nodes::meshKind(component.type()), ids,
+                                 mesh::ComponentKind::Vertex, mesh::Conversion::Connected,
+                                 mesh.currentUvSet());
+}
+
+Handle walk(MeshTarget target, std::optional<std::vector<VertexId>> some, MStatus* status) {
+  auto* made = new GeometryWalk(std::move(target), std::move(some));
+  setStatus(status, made->isThere ? MStatus::kSuccess : MStatus::kInvalidParameter);
+  return Handle(made);
+}
+
+Handle walkPath(const MDagPath& path, const MObject& component, MStatus* status) {
+  const MeshTarget target(path);
+  std::optional<std::vector<VertexId>> some;
+  if (const scene::Component* wanted = componentOf(component)) {
+    const scene::MeshDataPtr data = target.read();
+    if (data) some = verticesOf(data->mesh, *wanted);
+  }
+  return walk(target, std::move(some), status);
+}
+
+Handle walkHandle(const MDataHandle& handle, Handle owner, MStatus* status) {
+  // The object is the handle's own: what is written to it arrives in the data block.
+  const MObject geometry = handle.asMesh();
+  Handle made = walk(MeshTarget(geometry), std::nullopt, status);
+  static_cast<GeometryWalk*>(made.get())->keepAlive = std::move(owner);
+  return made;
+}
+
+}  // namespace
+
+void limitTo(MItGeometry& iterator, const std::vector<scene::Component>& components) {
+  GeometryWalk* own = walkOf(iterator);
+  std::vector<VertexId> vertices;
+  for (const scene::Component& component : components) {
+    const std::vector<VertexId> more = verticesOf(own->before, component);
+    vertices.insert(vertices.end(), more.begin(), more.end());
+  }
+  std::ranges::sort(vertices);
+  vertices.erase(std::ranges::unique(vertices).begin(), vertices.end());
+  own->visited = std::move(vertices);
+}
+
+MStatus flush(MItGeometry& iterator) {
+  return walkOf(iterator)->flush();
+}
+
+}  // namespace host::api
+
+using namespace host;
+using api::GeometryWalk;
+using api::setStatus;
+using api::walkOf;
+
+MItGeometry::MItGeometry(const MDagPath& dagPath, MStatus* status)
+    : handle_(api::walkPath(dagPath, MObject(), status)) {}
+MItGeometry::MItGeometry(const MDagPath& dagPath, const MObject& component, MStatus* status)
+    : handle_(api::walkPath(dagPath, component, status)) {}
+MItGeometry::MItGeometry(const MObject& geometry, MStatus* status)
+    : handle_(api::walk(api::MeshTarget(geometry), std::nullopt, status)) {}
+MItGeometry::MItGeometry(MDataHandle& dataHandle, unsigned int, bool, MStatus* status)
+    : handle_(api::walkHandle(dataHandle, api::Access::handle(dataHandle), status)) {}
+MItGeometry::MItGeometry(MDataHandle& dataHandle, bool, MStatus* status)
+    : handle_(api::walkHandle(dataHandle, api::Access::handle(dataHandle), status)) {}
+MItGeometry::MItGeometry(const MItGeometry& other) = default;
+MItGeometry::~MItGeometry() = default;
+
+bool MItGeometry::isDone(MStatus* status) const {
+  setStatus(status, MStatus::kSuccess);
+  return walkOf(*this)->isAtEnd();
+}
+MStatus MItGeometry::next() {
+  GeometryWalk* walk = walkOf(*this);
+  if (walk->isAtEnd()) return MStatus::kFailure;
+  return ++walk->at == walk->visited.size() ? walk->flush() : MStatus(MStatus::kSuccess);
+}
+MStatus MItGeometry::reset() {
+  walkOf(*this)->at = 0;
+  return walkOf(*this)->flush();
+}
+MPoint MItGeometry::position(MSpace::Space space, MStatus* status) const {
+  const GeometryWalk* walk = walkOf(*this);
+  std::optional<math::Matrix4> toSpace;
+  const MStatus known =
+      walk->isAtEnd() ? MStatus::kFailure : walk->target.spaceMatrix(space, toSpace);
+  setStatus(status, known.statusCode());
+  return known ? api::pointIn(walk->points[walk->here()], toSpace) : MPoint();
+}
+MStatus MItGeometry::setPosition(const MPoint& point, MSpace::Space space) {
+  GeometryWalk* walk = walkOf(*this);
+  if (walk->isAtEnd()) return MStatus::kFailure;
+  std::optional<math::Matrix4> toSpace;
+  const MStatus known = walk->target.spaceMatrix(space, toSpace);
+  if (!known) return known;
+  const auto stored = api::pointFrom(point, toSpace);
+  if (!stored) return MStatus::kFailure;
+  walk->points[walk->here()] = *stored;
+  walk->isChanged = true;
+  return MStatus::kSuccess;
+}
+MVector MItGeometry::normal(MStatus* status) const {
+  const GeometryWalk* walk = walkOf(*this);
+  setStatus(status, walk->isAtEnd() ? MStatus::kFailure : MStatus::kSuccess);
+  if (walk->isAtEnd()) return {};
+  math::Vec3 sum;
+  for (const FaceId face :
+       walk->before.adjacency().vertexFaces(static_cast<VertexId>(walk->here())))
+    sum = sum + mesh::faceNormal(walk->before, face);
+  return api::toMVector(math::normalized(sum));
+}
+int MItGeometry::index(MStatus* status) const {
+  const GeometryWalk* walk = walkOf(*this);
+  setStatus(status, walk->isAtEnd() ? MStatus::kFailure : MStatus::kSuccess);
+  return walk->isAtEnd() ? 0 : static_cast<int>(walk->here());
+}
+int MItGeometry::positionIndex(MStatus* status) const {
+  setStatus(status, MStatus::kSuccess);
+  return static_cast<int>(walkOf(*this)->at);
+}
+int MItGeometry::count(MStatus* status) const {
+  setStatus(status, MStatus::kSuccess);
+  return static_cast<int>(walkOf(*this)->visited.size());
+}
+int MItGeometry::exactCount(MStatus* status) const {
+  return count(status);
+}
+MObject MItGeometry::component(MStatus* status) const {
+  setStatus(status, MStatus::kSuccess);
+  const GeometryWalk* walk = walkOf(*this);
+  return api::wrap(scene::Component(scene::ComponentType::Vertex, walk->visited));
+}
+MObject MItGeometry::currentItem(MStatus* status) const {
+  const GeometryWalk* walk = walkOf(*this);
+  setStatus(status, walk->isAtEnd() ? MStatus::kFailure : MStatus::kSuccess);
+  if (walk->isAtEnd()) return {};
+  return api::wrap(
+      scene::Component(scene::ComponentType::Vertex, {static_cast<Index>(walk->here())}));
+}
+MStatus MItGeometry::allPositions(MPointArray& points, MSpace::Space space) const {
+  const GeometryWalk* walk = walkOf(*this);
+  std::optional<math::Matrix4> toSpace;
+  const MStatus known = walk->target.spaceMatrix(space, toSpace);
+  if (!known) return known;
+  points.setLength(static_cast<unsigned int>(walk->visited.size()));
+  for (std::size_t i = 0; i < walk->visited.size(); ++i)
+    points[static_cast<unsigned int>(i)] =
+        api::pointIn(walk->points[static_cast<std::size_t>(walk->visited[i])], toSpace);
+  return MStatus::kSuccess;
+}
+MStatus MItGeometry::setAllPositions(const MPointArray& points, MSpace::Space space) {
+  GeometryWalk* walk = walkOf(*this);
+  if (points.length() != walk->visited.size()) return MStatus::kInvalidParameter;
+  std::optional<math::Matrix4> toSpace;
+  const MStatus known = walk->target.spaceMatrix(space, toSpace);
+  if (!known) return known;
+  for (std::size_t i = 0; i < walk->visited.size(); ++i) {
+    const auto stored = api::pointFrom(points[static_cast<unsigned int>(i)], toSpace);
+    if (!stored) return MStatus::kFailure;
+    walk->points[static_cast<std::size_t>(walk->visited[i])] = *stored;
+  }
+  walk->isChanged = true;
+  return walk->flush();
+}

@@ -1,0 +1,227 @@
+// deformer, percent and makePaintable.
+#include <algorithm>
+#include <map>
+
+#include "host/builtins/common/command.h"
+#include "host/mesh/components.h"
+#include "host/nodes/history/deformers.h"
+#include "host/nodes/mesh_components.h"
+#include "host/workspace/deformer_hooks.h"
+#include "host/workspace/workspace.h"
+
+namespace host::builtins {
+
+namespace {
+
+using nodes::MeshItem;
+
+/// The shapes that the words or the selection name, with the parts of them that do.
+Result<std::vector<MeshItem>> namedShapes(Context& context, const ParsedArgs& args) {
+  auto list = args.resolveObjects(context.document);
+  if (!list) return failWith(std::move(list.error()));
+  scene::SelectionList shapes;
+  for (const scene::SelectionItem& item : list->items())
+    if (item.isDag()) shapes.merge(item);
+  return nodes::meshItems(shapes);
+}
+
+Result<dg::Node*> deformerNamed(Context& context, const std::string& name) {
+  auto node = context.document.node(name);
+  if (!node) return failWith(std::move(node.error()));
+  if (!(*node)->type().isA("geometryFilter")) return fail("'{}' is no deformer.", name);
+  return *node;
+}
+
+Result<void> changeGeometry(Context& context, const ParsedArgs& args, dg::Node& deformer) {
+  const bool removes = args.has("remove");
+  for (const std::string& name : args.texts("geometry")) {
+    auto list = context.document.resolve(name);
+    if (!list) return failWith(std::move(list.error()));
+    const auto items = nodes::meshItems(*list);
+    if (!items) return failWith(items.error());
+    for (const MeshItem& item : *items) {
+      if (removes) {
+        HOST_TRY(nodes::removeDeformedShape(context.document, deformer, *item.path.node()));
+        continue;
+      }
+      const auto added =
+          nodes::addDeformedShape(context.document, deformer, *item.path.node(), item.components);
+      if (!added) return failWith(added.error());
+    }
+  }
+  return {};
+}
+
+CommandResult query(const ParsedArgs& args, dg::Node& deformer) {
+  std::vector<std::string> names;
+  mel::IntArray numbers;
+  for (const auto& [index, shape] : nodes::deformedShapes(deformer)) {
+    names.push_back(nodeName(*shape));
+    numbers.push_back(static_cast<std::int32_t>(index));
+  }
+  if (args.has("geometry")) return toValue(std::move(names));
+  if (args.has("geometryIndices")) return mel::Value(std::move(numbers));
+  if (args.has("type")) return mel::Value(deformer.type().name);
+  return fail("deformer: query -geometry, -geometryIndices or -type.");
+}
+
+CommandResult deformer(Context& context, const ParsedArgs& args) {
+  scene::Document& document = context.document;
+  if (!args.isCreate()) {
+    const auto node = deformerNamed(context, args.firstObject());
+    if (!node) return fail("deformer: {}", node.error().message);
+    if (args.isQuery()) return query(args, **node);
+    HOST_TRY(changeGeometry(context, args, **node));
+    return toValue({(*node)->name()});
+  }
+  const std::string type = args.text("type");
+  const dg::NodeType* found = document.types().find(type);
+  if (!found || found->isAbstract || !found->isA("geometryFilter"))
+    return fail("deformer: there is no type of deformer '{}': say it with -type.", type);
+  const auto items = namedShapes(context, args);
+  if (!items) return failWith(items.error());
+  if (items->empty()) return fail("deformer: name or select what to deform.");
+  auto made = document.createNode(type, args.text("name", type + "#"));
+  if (!made) return failWith(std::move(made.error()));
+  for (const MeshItem& item : *items) {
+    const auto added =
+        nodes::addDeformedShape(document, **made, *item.path.node(), item.components);
+    if (!added) return fail("deformer: {}", added.error().message);
+  }
+  workspace::workspaceOf(context.session).kept<workspace::DeformerHooks>().made(**made);
+  return toValue({(*made)->name()});
+}
+
+// percent
+// -----------------------------------------------------------------------------------------------
+
+struct WeightPlace {
+  dg::Plug weights;
+  std::vector<VertexId> points;
+};
+
+Result<std::vector<WeightPlace>> weightPlaces(Context& context, const ParsedArgs& args,
+                                              dg::Node& node) {
+  const dg::Plug lists = node.plug("weightList");
+  if (!lists) return fail("percent: '{}' has no weights.", node.name());
+  std::vector<std::string> names = args.objectNames();
+  names.erase(names.begin());
+  auto list = names.empty() ? Result<scene::SelectionList>(context.document.selection())
+                            : context.document.resolveAll(names);
+  if (!list) return failWith(std::move(list.error()));
+  const auto items = nodes::meshItems(*list);
+  if (!items) return failWith(items.error());
+  std::vector<WeightPlace> places;
+  const auto shapes = nodes::deformedShapes(node);
+  for (const MeshItem& item : *items) {
+    const auto found = std::ranges::find_if(
+        shapes, [&](const auto& each) { return each.second == item.path.node(); });
+    if (found == shapes.end())
+      return fail("percent: '{}' does not deform '{}'.", node.name(), item.path.partialName());
+    places.push_back(
+        {lists.element(found->first).child(lists.attribute()->find("weights")), item.vertices()});
+  }
+  return places;
+}
+
+double weightAt(dg::Graph& graph, const dg::Plug& plug) {
+  if (!graph.elementExists(plug)) return 1;
+  const auto value = graph.get(plug);
+  const auto* number = value ? std::get_if<double>(&*value) : nullptr;
+  return number ? *number : 1;
+}
+
+CommandResult percent(Context& context, const ParsedArgs& args) {
+  const auto node = deformerNamed(context, args.firstObject());
+  if (!node) return fail("percent: {}", node.error().message);
+  const auto places = weightPlaces(context, args, **node);
+  if (!places) return failWith(places.error());
+  dg::Graph& graph = context.document.graph();
+  mel::FloatArray values;
+  for (const WeightPlace& place : *places) {
+    for (const VertexId point : place.points) {
+      const dg::Plug plug = place.weights.element(point);
+      const double before = weightAt(graph, plug);
+      values.push_back(before);
+      if (args.isQuery() || !args.has("value")) continue;
+      double weight = args.real("value");
+      if (args.has("addPercent")) weight += before;
+      if (args.has("multiplyPercent")) weight *= before;
+      HOST_TRY(graph.set(plug, weight));
+    }
+  }
+  return args.isQuery() ? mel::Value(std::move(values)) : mel::Value();
+}
+
+// makePaintable
+// -----------------------------------------------------------------------------------------------
+
+struct PaintableAttributes {
+  std::vector<std::pair<std::string, std::string>> known;  ///< node type and attribute
+};
+
+CommandResult makePaintable(Context& context, const ParsedArgs& args) {
+  auto& known = workspace::workspaceOf(context.session).kept<PaintableAttributes>().known;
+  const std::vector<std::string> words = args.objectNames();
+  if (args.isQuery()) {
+    std::vector<std::string> names;
+    for (const auto& [type, attribute] : known) names.insert(names.end(), {type, attribute});
+    return toValue(std::move(names));
+  }
+  if (args.has("clearAll")) known.clear();
+  if (words.size() < 2) return mel::Value();
+  std::erase(known, std::pair(words[0], words[1]));
+  if (!args.has("remove")) known.emplace_back(words[0], words[1]);
+  return mel::Value();
+}
+
+}  // namespace
+
+void registerDeformerCommands(CommandRegistry& registry) {
+  define(registry, "deformer",
+         Syntax()
+             .flag("typ", "type", {ArgType::String})
+             .flag("n", "name", {ArgType::String})
+             .flag("g", "geometry", {ArgType::String})
+             .multiUse()
+             .flag("gi", "geometryIndices")
+             .flag("rm", "remove")
+             .flag("bf", "before", {ArgType::String})
+             .optionalArgs()
+             .flag("af", "after", {ArgType::String})
+             .optionalArgs()
+             .flag("foc", "frontOfChain")
+             .flag("par", "parallel")
+             .flag("sp", "split")
+             .flag("ex", "exclusive", {ArgType::String})
+             .flag("ip", "includeHiddenSelections")
+             .editable()
+             .queryable()
+             .objects(0, -1, true),
+         deformer);
+  define(registry, "percent",
+         Syntax()
+             .flag("v", "value", {ArgType::Double})
+             .flag("ap", "addPercent")
+             .flag("mp", "multiplyPercent")
+             .flag("dp", "dropoffPosition", {ArgType::Double, ArgType::Double, ArgType::Double})
+             .queryable()
+             .strings(1),
+         percent);
+  defineQuery(registry, "makePaintable",
+              Syntax()
+                  .flag("at", "attrType", {ArgType::String})
+                  .flag("sm", "shapeMode", {ArgType::String})
+                  .flag("ui", "uiName", {ArgType::String})
+                  .flag("ac", "activate", {ArgType::Bool})
+                  .flag("aca", "activateAll", {ArgType::Bool})
+                  .flag("ca", "clearAll", {ArgType::Bool})
+                  .optionalArgs()
+                  .flag("rm", "remove", {ArgType::Bool})
+                  .optionalArgs()
+                  .queryable()
+                  .strings(0, 2),
+              makePaintable);
+}
+
+}  // namespace host::builtins
