@@ -20,6 +20,7 @@
 #include "quaddraw/quadDrawContextToolCmd.h"
 #include "quaddraw/quadDrawLocator.h"
 #include "quaddraw/quadDrawOverride.h"
+#include "uv/loadUvObjectCmd.h"
 
 namespace {
 
@@ -104,7 +105,7 @@ const registrationRow kLoadRows[] = {
     drawOverride(kUvLocatorDb, "uvLocatorNodePlugin"),
     command("qxAutoUnwrap", "auto unwrap command failed to register"),
     command<transferVertexNormalsCmd>("qxTransferVertexNormals", "transfer Vertex Normals command failed to register"),
-    command("qxLoadUvObjectForMarking", "load uv object for marking command failed to register"),
+    command<loadUvObjectCmd>("qxLoadUvObjectForMarking", "load uv object for marking command failed to register"),
     command("uvRatio", "uv ratio command failed to register"),
     command("qxPinVertsCmd", "qxPinVertsCmd command failed to register"),
     command("qxMarkUVInformation", "mark uv information command failed to register"),
