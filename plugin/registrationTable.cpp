@@ -21,6 +21,8 @@
 #include "quaddraw/quadDrawLocator.h"
 #include "quaddraw/quadDrawOverride.h"
 #include "uv/loadUvObjectCmd.h"
+#include "uv/uvLocatorDrawOverride.h"
+#include "uv/uvSelectLocator.h"
 
 namespace {
 
@@ -101,8 +103,8 @@ const registrationRow kLoadRows[] = {
     command<snapVertsToAxisCmd>("qxSnapVertsToAxis", "snap verts to axis command failed to register"),
     command<topologyTransferCmd>("qxTransferTopology", "topology transfer command failed to register"),
     context("uvSelectContext", "uvSelectContextCmd", "uv select context failed to register"),
-    node(kLocator, "uvSelectionLocator", 0x112F94, "error uvSelectionLocator draw locator", kUvLocatorDb),
-    drawOverride(kUvLocatorDb, "uvLocatorNodePlugin"),
+    node(kLocator, "uvSelectionLocator", 0x112F94, "error uvSelectionLocator draw locator", kUvLocatorDb, uvSelectLocator::creator, uvSelectLocator::initialize),
+    drawOverride(kUvLocatorDb, "uvLocatorNodePlugin", UVLocatorDrawOverride::creator),
     command("qxAutoUnwrap", "auto unwrap command failed to register"),
     command<transferVertexNormalsCmd>("qxTransferVertexNormals", "transfer Vertex Normals command failed to register"),
     command<loadUvObjectCmd>("qxLoadUvObjectForMarking", "load uv object for marking command failed to register"),
