@@ -20,7 +20,9 @@
 #include "quaddraw/quadDrawContextToolCmd.h"
 #include "quaddraw/quadDrawLocator.h"
 #include "quaddraw/quadDrawOverride.h"
+#include "uv/autoUnwrapCmd.h"
 #include "uv/loadUvObjectCmd.h"
+#include "uv/markUVInformationCmd.h"
 #include "uv/uvLocatorDrawOverride.h"
 #include "uv/uvSelectLocator.h"
 
@@ -105,12 +107,12 @@ const registrationRow kLoadRows[] = {
     context("uvSelectContext", "uvSelectContextCmd", "uv select context failed to register"),
     node(kLocator, "uvSelectionLocator", 0x112F94, "error uvSelectionLocator draw locator", kUvLocatorDb, uvSelectLocator::creator, uvSelectLocator::initialize),
     drawOverride(kUvLocatorDb, "uvLocatorNodePlugin", UVLocatorDrawOverride::creator),
-    command("qxAutoUnwrap", "auto unwrap command failed to register"),
+    command<autoUnwrapCmd>("qxAutoUnwrap", "auto unwrap command failed to register"),
     command<transferVertexNormalsCmd>("qxTransferVertexNormals", "transfer Vertex Normals command failed to register"),
     command<loadUvObjectCmd>("qxLoadUvObjectForMarking", "load uv object for marking command failed to register"),
     command("uvRatio", "uv ratio command failed to register"),
     command("qxPinVertsCmd", "qxPinVertsCmd command failed to register"),
-    command("qxMarkUVInformation", "mark uv information command failed to register"),
+    command<markUVInformationCmd>("qxMarkUVInformation", "mark uv information command failed to register"),
     command("qxBuildUVObject", "buildUVObjectCmd command failed to register"),
     context("baseBrushContext", "baseBrushContextCmd", "move brush context failed to register"),
     context("standardSculptBrushContext", "standardBrushContextCmd", "standard brush context failed to register"),
