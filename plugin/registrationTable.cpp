@@ -21,8 +21,10 @@
 #include "quaddraw/quadDrawLocator.h"
 #include "quaddraw/quadDrawOverride.h"
 #include "uv/addUVNodeMessageCmd.h"
+#include "uv/autoUnwrapCmd.h"
 #include "uv/buildUVObjectCmd.h"
 #include "uv/loadUvObjectCmd.h"
+#include "uv/markUVInformationCmd.h"
 #include "uv/modifyUVNode.h"
 #include "uv/scaleMoveAndSew.h"
 #include "uv/uvEditNode.h"
@@ -112,12 +114,12 @@ const registrationRow kLoadRows[] = {
     context("uvSelectContext", "uvSelectContextCmd", "uv select context failed to register"),
     node(kLocator, "uvSelectionLocator", 0x112F94, "error uvSelectionLocator draw locator", kUvLocatorDb, uvSelectLocator::creator, uvSelectLocator::initialize),
     drawOverride(kUvLocatorDb, "uvLocatorNodePlugin", UVLocatorDrawOverride::creator),
-    command("qxAutoUnwrap", "auto unwrap command failed to register"),
+    command<autoUnwrapCmd>("qxAutoUnwrap", "auto unwrap command failed to register"),
     command<transferVertexNormalsCmd>("qxTransferVertexNormals", "transfer Vertex Normals command failed to register"),
     command<loadUvObjectCmd>("qxLoadUvObjectForMarking", "load uv object for marking command failed to register"),
     command<uvRatioCmd>("uvRatio", "uv ratio command failed to register"),
     command("qxPinVertsCmd", "qxPinVertsCmd command failed to register"),
-    command("qxMarkUVInformation", "mark uv information command failed to register"),
+    command<markUVInformationCmd>("qxMarkUVInformation", "mark uv information command failed to register"),
     command("qxBuildUVObject", "buildUVObjectCmd command failed to register", buildUVObjectCmd::creator),
     context("baseBrushContext", "baseBrushContextCmd", "move brush context failed to register"),
     context("standardSculptBrushContext", "standardBrushContextCmd", "standard brush context failed to register"),

@@ -69,8 +69,12 @@ MStatus addTo(const MObject& shape, MDGModifier& modifier) {
         each.isArray ? makeArray(each.attribute, status) : makeMessage(each.attribute, status);
     if (!status) return failWith(each.createText);
     if (!modifier.addAttribute(shape, made) || !modifier.doIt()) return failWith(each.addText);
+    // An array that was never written differs from one that was emptied: undo of the first mark
+    // couldn't bring that back.
+    if (each.isArray)
+      modifier.newPlugValue(plugOf(shape, each.attribute), MFnIntArrayData().create());
   }
-  return MS::kSuccess;
+  return modifier.doIt();
 }
 
 MStatus removeFrom(const MObject& shape, MDGModifier& modifier) {
