@@ -31,6 +31,8 @@
 #include "uv/uvLocatorDrawOverride.h"
 #include "uv/uvRatioCmd.h"
 #include "uv/uvRatioTweakCmd.h"
+#include "uv/uvSelectContextCmd.h"
+#include "uv/uvSelectContextToolCmd.h"
 #include "uv/uvSelectLocator.h"
 
 namespace {
@@ -111,7 +113,7 @@ const registrationRow kLoadRows[] = {
     context("quadDrawContext", "quadDrawContextCmd", "quadDraw context failed to register", quadDrawContextCmd::creator, quadDrawContextToolCmd::creator),
     command<snapVertsToAxisCmd>("qxSnapVertsToAxis", "snap verts to axis command failed to register"),
     command<topologyTransferCmd>("qxTransferTopology", "topology transfer command failed to register"),
-    context("uvSelectContext", "uvSelectContextCmd", "uv select context failed to register"),
+    context("uvSelectContext", "uvSelectContextCmd", "uv select context failed to register", uvSelectContextCmd::creator, uvSelectContextToolCmd::creator),
     node(kLocator, "uvSelectionLocator", 0x112F94, "error uvSelectionLocator draw locator", kUvLocatorDb, uvSelectLocator::creator, uvSelectLocator::initialize),
     drawOverride(kUvLocatorDb, "uvLocatorNodePlugin", UVLocatorDrawOverride::creator),
     command<autoUnwrapCmd>("qxAutoUnwrap", "auto unwrap command failed to register"),
