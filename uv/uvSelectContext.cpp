@@ -40,10 +40,11 @@ bool isLoaded(const MDagPath& mesh) {
   return !selectLocatorLink::locatorOf(mesh.node()).isNull();
 }
 
+/// Those that are loaded, and seen.
 MDagPathArray loadedOf(const MDagPathArray& meshes) {
   MDagPathArray found;
   for (unsigned int i = 0; i < meshes.length(); ++i)
-    if (isLoaded(meshes[i])) found.append(meshes[i]);
+    if (isLoaded(meshes[i]) && meshes[i].isVisible()) found.append(meshes[i]);
   return found;
 }
 
@@ -135,11 +136,10 @@ MDagPathArray uvSelectContext::pickable() const {
   MDagPathArray all;
   for (const MObjectHandle& mesh : loaded) {
     MDagPath path;
-    if (mesh.isValid() && mesh.isAlive() && MDagPath::getAPathTo(mesh.object(), path) &&
-        isLoaded(path) && path.isVisible())
+    if (mesh.isValid() && mesh.isAlive() && MDagPath::getAPathTo(mesh.object(), path))
       all.append(path);
   }
-  return all;
+  return loadedOf(all);
 }
 
 /// Vertices and edges, or the type of the selection mode alone.

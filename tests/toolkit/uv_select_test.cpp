@@ -12,11 +12,6 @@ namespace {
 using names = toolHand::names;
 using numbers = std::vector<int>;
 
-names sorted(names list) {
-  std::sort(list.begin(), list.end());
-  return list;
-}
-
 struct uvHand : toolHand {
   explicit uvHand(const char* mesh = "polyPlane -n plane -w 4 -h 4 -sx 4 -sy 4 -ch 0") {
     run(mesh);
@@ -37,10 +32,8 @@ struct uvHand : toolHand {
   static numbers seams() { return list("qxUvMarkedEdgeArray"); }
   static numbers anchors() { return list("qxUvAncorPointArray"); }
 
-  [[nodiscard]] place edge(int index) const { return at("plane.e[" + std::to_string(index) + "]"); }
-  [[nodiscard]] place vertex(int index) const {
-    return at("plane.vtx[" + std::to_string(index) + "]");
-  }
+  [[nodiscard]] place edge(int index) { return at("plane.e[" + std::to_string(index) + "]"); }
+  [[nodiscard]] place vertex(int index) { return at("plane.vtx[" + std::to_string(index) + "]"); }
   /// A click that is no second half of a double one.
   void pick(place where, heldKeys keys = {}, host::tools::MouseButton button = kLeft) {
     wait(1.0);
@@ -63,6 +56,14 @@ struct uvHand : toolHand {
       REQUIRE(found.size() == 1);
       edges.push_back(std::stoi(found[0].substr(found[0].find('[') + 1)));
     }
+    std::sort(edges.begin(), edges.end());
+    return edges;
+  }
+  /// The edge from a vertex to the one in the next row.
+  int rung(int vertex) { return edgesAlong({vertex, vertex + 5})[0]; }
+  numbers rungs(const numbers& vertices) {
+    numbers edges;
+    for (const int vertex : vertices) edges.push_back(rung(vertex));
     std::sort(edges.begin(), edges.end());
     return edges;
   }
@@ -119,14 +120,14 @@ TEST_CASE("UV select tool: clicks replace and remove, strokes paint, a loop by a
   hand.pick(hand.vertex(7), kControl);
   CHECK(hand.selectedVertices().empty());
 
-  hand.stroke(hand.edge(middle), hand.edge(hand.edgesAlong({13, 14})[0]), toolHand::kLeft, {}, 40);
-  CHECK(hand.selectedEdges() == hand.edgesAlong({11, 12, 13, 14}));
+  // Across the rungs between two rows.
+  hand.stroke(hand.edge(hand.rung(6)), hand.edge(hand.rung(9)), toolHand::kLeft, {}, 40);
+  CHECK(hand.selectedEdges() == hand.rungs({6, 7, 8, 9}));
   hand.run("undo");
   CHECK(hand.selectedEdges().empty());
   hand.run("redo");
-  hand.stroke(hand.edge(middle), hand.edge(hand.edgesAlong({12, 13})[0]), toolHand::kLeft, kControl,
-              40);
-  CHECK(hand.selectedEdges() == hand.edgesAlong({13, 14}));
+  hand.stroke(hand.edge(hand.rung(6)), hand.edge(hand.rung(7)), toolHand::kLeft, kControl, 40);
+  CHECK(hand.selectedEdges() == hand.rungs({8, 9}));
 
   hand.pick(hand.edge(middle));
   hand.click(hand.edge(middle));
@@ -161,10 +162,9 @@ TEST_CASE("UV select tool: Shift adds the shortest way in the world, strokes wit
   hand.pick(hand.edge(first));
   hand.pick(hand.edge(last), kShift);
   CHECK(hand.selectedEdges() == hand.edgesAlong({0, 1, 2, 3, 4}));
-  hand.stroke(hand.edge(hand.edgesAlong({20, 21})[0]), hand.edge(hand.edgesAlong({22, 23})[0]),
-              toolHand::kLeft, kShift, 40);
+  hand.stroke(hand.edge(hand.rung(11)), hand.edge(hand.rung(13)), toolHand::kLeft, kShift, 40);
   numbers both = hand.edgesAlong({0, 1, 2, 3, 4});
-  const numbers painted = hand.edgesAlong({20, 21, 22, 23});
+  const numbers painted = hand.rungs({11, 12, 13});
   both.insert(both.end(), painted.begin(), painted.end());
   std::sort(both.begin(), both.end());
   CHECK(hand.selectedEdges() == both);
@@ -193,11 +193,11 @@ TEST_CASE("UV select tool: with both keys the way keeps to creases and follows t
   CHECK(hand.selectedEdges() == hand.edgesAlong({5, 6, 7, 8, 9}));
   hand.run("undo");
   CHECK(hand.selectedEdges() == hand.edgesAlong({5, 6}));
-  // From below the ridge over it to the other end: up, along, down.
-  hand.run("select -cl");
-  hand.pick(hand.vertex(11));
-  hand.pick(hand.vertex(13), kBoth);
-  CHECK(hand.selectedEdges() == hand.edgesAlong({11, 6, 7, 8, 13}));
+  // The border is a crease: on a wide plane the way along it is the cheaper one.
+  hand.run("move -r 0 -1.5 0 plane.vtx[5:9]; setAttr plane.scaleX 3; select -cl");
+  hand.pick(hand.vertex(16));
+  hand.pick(hand.vertex(18), kBoth);
+  CHECK(hand.selectedEdges() == hand.edgesAlong({16, 21, 22, 23, 18}));
 }
 
 TEST_CASE("UV select tool: the middle button marks and unmarks, one step of undo each") {
@@ -222,9 +222,8 @@ TEST_CASE("UV select tool: the middle button marks and unmarks, one step of undo
   CHECK(uvHand::anchors().empty());
 
   // With nothing selected the stroke marks what it passes over.
-  hand.stroke(hand.edge(hand.edgesAlong({10, 11})[0]), hand.edge(hand.edgesAlong({13, 14})[0]),
-              toolHand::kMiddle, {}, 40);
-  numbers painted = hand.edgesAlong({10, 11, 12, 13, 14});
+  hand.stroke(hand.edge(hand.rung(11)), hand.edge(hand.rung(13)), toolHand::kMiddle, {}, 40);
+  numbers painted = hand.rungs({11, 12, 13});
   painted.push_back(3);
   std::sort(painted.begin(), painted.end());
   CHECK(uvHand::seams() == painted);
