@@ -116,7 +116,8 @@ TEST_CASE("a mesh that was never loaded, with no UVs, one of two sets, from the 
   unwrapScene scene;
   scene.run(
       "polyCylinder -n pipe -sx 8 -sy 2 -sc 1 -cuv 0 -ch 0; polyMapDel pipe.f[*];"
-      "select -r pipe; DeleteHistory; qxAutoUnwrap -unwrapType \"normal\"");
+      "select -r pipe; DeleteHistory");
+  scene.run("qxAutoUnwrap -unwrapType \"normal\"");
   CHECK(unwrapScene::read("pipe").u.length() > 0);
   CHECK(scene.shells("pipe") >= 1);
   scene.run("undo");
