@@ -17,6 +17,8 @@
 #include "host/base/memory.h"
 #include "host/base/messages.h"
 #include "host/builtins/file/scene_files.h"
+#include "host/builtins/help/command_texts.h"
+#include "host/builtins/register.h"
 #include "host/mel/literal.h"
 #include "host/modelling/declare/reference.h"
 
@@ -139,7 +141,11 @@ int main(int argc, char** argv) {
   const int ended = parseOptions(argc, argv, options);
   if (ended >= 0) return ended;
   if (options.isJob("reference")) {
-    std::fputs(host::modelling::referenceRows(host::modelling::declarations()).c_str(), stdout);
+    const bool ofAll = !options.arguments.empty() && options.arguments.front() == "commands";
+    const std::string page =
+        ofAll ? host::builtins::commandReference(host::builtins::makeSession()->commands())
+              : host::modelling::referenceRows(host::modelling::declarations());
+    std::fputs(page.c_str(), stdout);
     return kDone;
   }
   if (options.window) {

@@ -12,7 +12,9 @@ int parseOptions(int argc, char** argv, Options& options) {
       "A script named `-` is standard input; behind `--` every word is a file or an argument.\n"
       "`qxmt unwrap IN.obj -o OUT.obj` gives meshes UVs; `qxmt unwrap --help` says more.\n"
       "`qxmt replay FILE` does a recorded gesture again; `qxmt replay --help` says more.\n"
-      "`qxmt reference` prints the tables of the modelling commands.\n"
+      "`qxmt reference` prints the tables of the modelling commands, `qxmt reference commands` "
+      "those of\n"
+      "all.\n"
       "Exit status: 0 done; 1 a script or command failed; 2 bad usage; 3 a file could not be read "
       "or written.");
   app.prefix_command();  // the words after the script's name are the script's

@@ -184,6 +184,12 @@ class ArgParser {
     } else if (parsed_.mode_ != kQuery || spec->queryArgs != QueryArgs::None)
       HOST_TRY(takeFlagValues(*spec, word, use));
     parsed_.uses_.push_back(use);
+    // An array is as many uses as it has elements.
+    while (element_ != 0) {
+      ParsedArgs::FlagUse more{spec, parsed_.values_.size(), 0};
+      HOST_TRY(takeFlagValues(*spec, word, more));
+      parsed_.uses_.push_back(more);
+    }
     return {};
   }
 
@@ -223,7 +229,8 @@ class ArgParser {
       parsed_.values_.push_back(std::move(*converted));
       ++use.valueCount;
     }
-    if (element_ != 0) return fail("Flag '{}' was given too many values.", word);
+    if (element_ != 0 && !spec.isMultiUse)
+      return fail("Flag '{}' was given too many values.", word);
     return {};
   }
 

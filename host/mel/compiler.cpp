@@ -262,9 +262,9 @@ Compiler::Variable Compiler::declareVariable(const Node& node, Type type, bool i
   }
   GlobalVariable* global = engine_.findGlobal(node.text);
   // A parameter gives way to the global variable of its name.
-  const bool isParameter =
-      body_->isProcedure && depth == 0 && isRedeclared && !known->second.global &&
-      known->second.type == type && known->second.reg < body_->function->parameters.size();
+  const bool isParameter = body_->isProcedure && depth == 0 && isRedeclared &&
+                           !known->second.global && known->second.type == type &&
+                           known->second.reg < body_->function->parameters.size();
   const bool isLocalAlready = isRedeclared && !known->second.global && !isParameter;
   if ((global && global->type != type && global->type != Type::None) || isLocalAlready) {
     fault(node,

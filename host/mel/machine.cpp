@@ -90,9 +90,10 @@ bool Machine::callBuiltin(const Builtin& builtin, std::span<Value> arguments, Va
   const auto given = static_cast<int>(arguments.size());
   const bool hasTooMany = builtin.maxArguments >= 0 && given > builtin.maxArguments;
   if (given < builtin.minArguments || hasTooMany)
-    return fail(fmt::format("Invalid call to \"{}\".  Check number and types of arguments "
-                            "expected by the procedure.",
-                            builtin.name));
+    return fail(
+        fmt::format("Invalid call to \"{}\".  Check number and types of arguments "
+                    "expected by the procedure.",
+                    builtin.name));
   const bool isDone = fail(builtin.function(engine_, arguments, result));
   for (Value& argument : arguments) argument = Value();
   if (!isDone || builtin.result == Type::None || result.type() == builtin.result) return isDone;

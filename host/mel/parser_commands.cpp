@@ -132,7 +132,7 @@ Node* Parser::gluedWord(Node* word) {
       Position behind = token_.begin;
       ++behind.offset;
       lexer_.rewind(behind);
-    } else if (c == '.' || c == '|') {
+    } else if (c == '.') {
       token_ = lexer_.nextWord();
       if (token_.kind != TokenKind::Word) return fault("an attribute or a component");
       word = joined(word, piece(token_.text));

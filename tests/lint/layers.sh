@@ -26,7 +26,7 @@ awk_program='
   function host_include(  target, p) {
     if (layer == "include") {
       if (quoted != "") offence("API headers include no project file: " quoted)
-      else if (angled ~ /\// && angled !~ /^maya\//) offence("API headers include maya/ and std only: " angled)
+      else if (angled ~ /\// && angled !~ /^(maya|GL)\//) offence("API headers include maya/, GL/ and std only: " angled)
       return
     }
     if (quoted == "") {

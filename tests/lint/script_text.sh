@@ -10,10 +10,14 @@ allowed='
 host/api/global/execute.cpp        text that a plug-in gives to be run
 host/api/graph/modifier.cpp        the same, queued in a modifier
 host/api/plugin/loader.cpp         procedures that a plug-in names for its interface
+host/app/completion.cpp            the flags of a command that a person types
 host/app/main.cpp                  the command line and the script file
 host/app/prompt.cpp                what a person types
 host/app/replay.cpp                the command line of a replay
 host/app/tour.cpp                  the tour is a script
+host/builtins/anim/expression.cpp  a script node that somebody runs by name
+host/builtins/anim/expression_node.cpp  the text of an expression
+host/builtins/attr/attr_presets.cpp  a preset is a script file that a user names
 host/builtins/file/script_nodes.cpp  scripts that a scene carries
 host/builtins/mesh/perform_action.cpp  a command that a menu script names
 host/builtins/system/about.cpp     tells what a command of that name takes

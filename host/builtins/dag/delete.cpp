@@ -22,15 +22,28 @@ Result<void> deleteDrivers(Context& context, const ParsedArgs& args,
   for (dg::Node* node : nodesOf(list)) {
     for (const dg::Graph::Connection& connection : graph.incoming(*node)) {
       dg::Node* from = connection.source.node();
+      scene::Node* between = nullptr;
       if (from->type().name == "unitConversion")
-        if (const dg::Plug before = graph.source(from->plug("input"))) from = before.node();
+        if (const dg::Plug before = graph.source(from->plug("input"))) {
+          between = from;
+          from = before.node();
+        }
       if (!isMeant(*from)) continue;
+      if (between) gone.push_back(between);
       if (auto value = graph.get(connection.destination))
         kept.emplace_back(connection.destination, *std::move(value));
       if (std::ranges::find(gone, from) == gone.end()) gone.push_back(from);
     }
   }
   if (gone.empty()) return {};
+  // What converts for the drivers alone goes with them.
+  for (std::size_t i = 0; i < gone.size(); ++i) {
+    if (!isMeant(*gone[i])) continue;
+    for (const dg::Graph::Connection& feed : graph.incoming(*gone[i]))
+      if (feed.source.node()->type().name == "unitConversion" &&
+          std::ranges::find(gone, feed.source.node()) == gone.end())
+        gone.push_back(feed.source.node());
+  }
   HOST_TRY(context.document.deleteNodes(gone));
   for (const auto& [plug, value] : kept)
     if (graph.settable(plug)) HOST_TRY(graph.set(plug, value));

@@ -115,13 +115,24 @@ std::vector<RuntimeCommand> polygonCommands() {
   };
 }
 
-Result<mel::Value> runStep(Context& context, const Step& step) {
-  const std::shared_ptr<const cmd::Command> target = context.session.commands().find(step.command);
-  HOST_ASSERT(target && target->builtin(), "register runtime commands after what they stand for");
-  const std::vector<mel::Value> words(step.flags.begin(), step.flags.end());
-  const auto args = cmd::parseArguments(target->builtin()->syntax, words, context.document.units());
+/// A step with the command that it is, found when the program starts.
+struct ReadyStep {
+  std::shared_ptr<const cmd::Command> command;
+  std::vector<mel::Value> words;
+};
+
+ReadyStep ready(const CommandRegistry& registry, const Step& step) {
+  ReadyStep made{registry.find(step.command), {step.flags.begin(), step.flags.end()}};
+  HOST_ASSERT(made.command && made.command->builtin(),
+              "register runtime commands after what they stand for");
+  return made;
+}
+
+Result<mel::Value> runStep(Context& context, const ReadyStep& step) {
+  const auto args =
+      cmd::parseArguments(step.command->builtin()->syntax, step.words, context.document.units());
   if (!args) return failWith(args.error());
-  return target->builtin()->function(context, *args);
+  return step.command->builtin()->function(context, *args);
 }
 
 /// The objects whose components are selected.
@@ -132,31 +143,37 @@ scene::SelectionList objectsOfSelection(scene::Document& document) {
   return objects;
 }
 
-CommandResult runSteps(Context& context, const RuntimeCommand& command) {
+CommandResult runSteps(Context& context, const std::vector<ReadyStep>& steps) {
   mel::Value result;
   const scene::SelectionList objects = objectsOfSelection(context.document);
-  for (std::size_t i = 0; i < command.steps.size(); ++i) {
+  for (std::size_t i = 0; i < steps.size(); ++i) {
     // What is made of components goes on with their objects.
-    if (i > 0 && std::string_view(command.steps[i].command) == "polySeparate")
-      context.document.setSelection(objects);
-    auto done = runStep(context, command.steps[i]);
+    if (i > 0 && steps[i].command->name() == "polySeparate") context.document.setSelection(objects);
+    auto done = runStep(context, steps[i]);
     if (!done) return done;
     result = *std::move(done);
   }
   return result;
 }
 
-/// Extrudes what is selected: faces, else edges, else vertices.
-CommandResult polyExtrude(Context& context, const ParsedArgs&) {
-  const char* command = "polyExtrudeFacet";
-  for (const scene::SelectionItem& item : context.document.selection().items()) {
-    if (item.component(scene::ComponentType::Face)) break;
-    if (item.component(scene::ComponentType::Edge))
-      command = "polyExtrudeEdge";
-    else if (item.component(scene::ComponentType::Vertex))
-      command = "polyExtrudeVertex";
+/// Which of faces, edges and vertices is selected: 0, 1 or 2; whole objects are their faces.
+std::size_t kindOfSelection(scene::Document& document) {
+  std::size_t kind = 0;
+  for (const scene::SelectionItem& item : document.selection().items()) {
+    if (item.component(scene::ComponentType::Face)) return 0;
+    if (item.component(scene::ComponentType::Edge)) kind = 1;
+    if (kind == 0 && item.component(scene::ComponentType::Vertex)) kind = 2;
   }
-  return runStep(context, {command, {}});
+  return kind;
+}
+
+void defineExtrude(CommandRegistry& registry) {
+  std::vector<ReadyStep> steps;
+  for (const char* name : {"polyExtrudeFacet", "polyExtrudeEdge", "polyExtrudeVertex"})
+    steps.push_back(ready(registry, {name, {}}));
+  define(registry, "PolyExtrude", Syntax(), [steps](Context& context, const ParsedArgs&) {
+    return runStep(context, steps[kindOfSelection(context.document)]);
+  });
 }
 
 }  // namespace
@@ -167,19 +184,15 @@ void registerRuntimeCommands(CommandRegistry& registry) {
   std::vector<RuntimeCommand> commands = sceneCommands();
   for (RuntimeCommand& each : polygonCommands()) commands.push_back(std::move(each));
   for (const RuntimeCommand& each : commands) {
-    bool isUndoable = true;
-    for (const Step& step : each.steps) {
-      const std::shared_ptr<const cmd::Command> target = registry.find(step.command);
-      HOST_ASSERT(target && target->builtin(),
-                  "register runtime commands after what they stand for");
-      isUndoable = isUndoable && (target->builtin()->isUndoable || each.steps.size() > 1);
-    }
+    std::vector<ReadyStep> steps;
+    for (const Step& step : each.steps) steps.push_back(ready(registry, step));
+    const bool isUndoable = steps.size() > 1 || steps.front().command->builtin()->isUndoable;
     define(
         registry, each.name, Syntax(),
-        [each](Context& context, const ParsedArgs&) { return runSteps(context, each); },
+        [steps](Context& context, const ParsedArgs&) { return runSteps(context, steps); },
         isUndoable);
   }
-  define(registry, "PolyExtrude", Syntax(), polyExtrude);
+  defineExtrude(registry);
 }
 
 }  // namespace host::builtins

@@ -8,7 +8,7 @@ namespace host::nodes {
 /// The components that a deformer works on in one of its geometries: those of the groupParts node
 /// that feeds it, else all. Null for all.
 [[nodiscard]] std::shared_ptr<const scene::ComponentListData> deformedComponents(Node& deformer,
-                                                                                Index geometry);
+                                                                                 Index geometry);
 
 /// Puts a deformer's next free geometry between a shape and what drives it now; `components` limits
 /// it to parts of the shape through a groupParts node.

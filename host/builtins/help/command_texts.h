@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+#include "host/cmd/registry.h"
+
+namespace host::builtins {
+
+/// Gives the built-in commands their sentences for `help`. For the program's start.
+void describeCommands();
+
+/// The page docs/reference/commands.md: every built-in command with what it does, its modes and its
+/// flags. The same words as `help`. The program prints it: `qxmt reference commands`.
+[[nodiscard]] std::string commandReference(const cmd::CommandRegistry& registry);
+
+}  // namespace host::builtins
