@@ -178,6 +178,7 @@ void registerMesh(dg::TypeRegistry& types) {
   access->addTo(builder, a.inMesh);
   builder.add(
       numbers("uvPivot", "pv", "double2", {real("uvPivotX", "pvx"), real("uvPivotY", "pvy")}));
+  builder.add(array(dg::makeTyped("pinData", "pd", "dataPolyComponent")));
   builder.add(dg::makeTyped("tweakLocation", "twl", "Int32Array"));
   builder.add(array(compound("componentTags", "gtag",
                              {text("componentTagName", "gtagnm"),

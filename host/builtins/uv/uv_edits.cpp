@@ -115,6 +115,19 @@ Result<void> placeUvs(scene::Document& document, const UvItem& item,
   return evaluated ? Result<void>() : failWith(evaluated.error());
 }
 
+Result<void> placeMovedUvs(scene::Document& document, const MeshItem& item, int set,
+                           const mesh::UvSet& moved) {
+  UvItem changed{item, set, {}};
+  std::vector<math::Vec2f> places;
+  const std::vector<math::Vec2f>& before = item.mesh.uvSet(set).points;
+  for (std::size_t uv = 0; uv < before.size(); ++uv)
+    if (!(before[uv] == moved.points[uv])) {
+      changed.uvs.push_back(static_cast<UvId>(uv));
+      places.push_back(moved.points[uv]);
+    }
+  return places.empty() ? Result<void>() : placeUvs(document, changed, places);
+}
+
 CommandResult runByName(Context& context, const std::string& command,
                         std::vector<mel::Value> words) {
   cmd::Dispatcher& dispatcher = context.session.dispatcher();

@@ -25,6 +25,10 @@ struct UvItem {
 Result<void> placeUvs(scene::Document& document, const UvItem& item,
                       const std::vector<math::Vec2f>& places);
 
+/// Puts the UVs of a set where `moved` has them; those that stay are left alone.
+Result<void> placeMovedUvs(scene::Document& document, const MeshItem& item, int set,
+                           const mesh::UvSet& moved);
+
 /// Runs a command by name with words, as one step of the command that runs now.
 [[nodiscard]] CommandResult runByName(Context& context, const std::string& command,
                                       std::vector<mel::Value> words);

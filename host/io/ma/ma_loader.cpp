@@ -396,7 +396,7 @@ class Loader {
       std::string list;
       for (const std::string_view name : names) {
         // Every mesh has lines about these; they are no news.
-        if (name == "covm" || name == "cdvm" || name == "pd") continue;
+        if (name == "covm" || name == "cdvm") continue;
         list += (list.empty() ? "" : " ") + std::string(name);
       }
       if (!list.empty())

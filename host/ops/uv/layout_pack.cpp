@@ -7,6 +7,7 @@
 
 #include "host/base/cancel.h"
 #include "host/base/parallel.h"
+#include "host/ops/uv/box_packing.h"
 #include "host/ops/uv/layout_trial.h"
 
 namespace host::ops::flat {
@@ -149,6 +150,7 @@ class Packer {
 
  private:
   static constexpr int kFineRounds = 3, kMostRounds = 40;
+  static constexpr std::size_t kManyShapes = 2000;
   static constexpr std::size_t kBatch = 2;  ///< orders that are tried side by side
 
   /// How many batches of other orders the number of shapes leaves time for.
@@ -208,7 +210,7 @@ class Packer {
       } else {
         tooGreat = std::min(tooGreat, scale);
       }
-      if (best && round + 1 >= kFineRounds) break;
+      if (best && round + 1 >= (shapes_.size() > kManyShapes ? 2 : kFineRounds)) break;
       // A packing that fits says by how much more would; one that does not, how much less.
       scale *= trial ? std::sqrt(static_cast<double>(cells) / trial->top) : 0.9;
       if (!best && round >= kFineRounds) scale *= 0.97;
@@ -299,12 +301,64 @@ class Packer {
   double area_ = 0, standing_ = 0;
 };
 
+constexpr std::size_t kMostOutlines = 8000;  ///< beyond, boxes in rows have to do
+
+/// The shapes' boxes, each turned to lie on its longer side, in rows.
+Result<Packing> packRows(std::span<const PackShape> shapes, const PackOptions& options) {
+  std::vector<PackedBox> boxes(shapes.size());
+  std::vector<Point> lows(shapes.size());
+  Packing packing;
+  packing.places.resize(shapes.size());
+  parallelFor(shapes.size(), 256, [&](std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i) {
+      PackPlace& place = packing.places[i];
+      if (options.turns == PackOptions::Turns::Free) place.turn = tightTurn(shapes[i]);
+      const auto measure = [&] {
+        Point low{1e300, 1e300}, high{-1e300, -1e300};
+        for (const auto& t : shapes[i].triangles)
+          for (const Point& p : t) {
+            const Point q = place.at(p, 1);
+            low = {std::min(low.x, q.x), std::min(low.y, q.y)};
+            high = {std::max(high.x, q.x), std::max(high.y, q.y)};
+          }
+        lows[i] = low;
+        boxes[i].width = high.x - low.x;
+        boxes[i].height = high.y - low.y;
+      };
+      measure();
+      if (options.turns == PackOptions::Turns::None || boxes[i].width >= boxes[i].height) continue;
+      place.turn = {-place.turn.y, place.turn.x};
+      measure();
+    }
+  });
+  // The gap is a part of the square, so how wide it is beside the boxes follows from their scale.
+  packing.scale = options.scale;
+  double gap = options.scale > 0 ? options.gutter / options.scale : 0;
+  bool fits = false;
+  for (int round = 0; round < 60 && !fits; ++round) {
+    const PackedExtent extent = packInSquare(boxes, gap);
+    const double side = std::max(extent.width / options.width, extent.height);
+    if (!(options.scale > 0)) packing.scale = (1 - 2 * options.gutter) / std::max(side, 1e-300);
+    packing.height = packing.scale * extent.height + 2 * options.gutter;
+    fits = gap * packing.scale >= options.gutter * (1 - 1e-9);
+    if (!fits) gap = 1.0005 * options.gutter / packing.scale;
+  }
+  if (!fits) return fail("The gaps between {} shells leave no room for the shells.", shapes.size());
+  for (std::size_t i = 0; i < shapes.size(); ++i)
+    packing.places[i].offset = {options.gutter + packing.scale * (boxes[i].x - lows[i].x),
+                                options.gutter + packing.scale * (boxes[i].y - lows[i].y)};
+  return packing;
+}
+
 }  // namespace
 
 Result<Packing> packShapes(std::span<const PackShape> shapes, const PackOptions& options) {
+  if (shapes.empty()) return Packing{};
+  if (shapes.size() > kMostOutlines) {
+    if (options.standing.empty()) return packRows(shapes, options);
+    return fail("More than {} shells can't be laid out around pinned ones.", kMostOutlines);
+  }
   const Packer packer(shapes, options);
-  Packing none;
-  if (shapes.empty()) return none;
   if (options.scale > 0) return packer.packFixed();
   return packer.packFitting();
 }
