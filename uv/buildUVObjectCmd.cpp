@@ -74,7 +74,7 @@ MStatus buildUVObjectCmd::doIt(const MArgList&) {
   const MStatus status = meshesToLayOut(selected);
   if (!status) return status;
   for (const MDagPath& mesh : selected)
-    if (!hasInHistory(mesh, "uvEditNode")) meshes.push_back(mesh);
+    if (nodeInHistory(mesh, "uvEditNode").isNull()) meshes.push_back(mesh);
   return redoIt();
 }
 

@@ -96,20 +96,16 @@ bool uvLink::begin() {
   const MFnMesh mesh(linked.mesh);
   mesh.getUVs(uAtLink, vAtLink, &linked.uvSet);
   const std::size_t count = last.count();
-  referenceX.resize(count);
-  referenceZ.resize(count);
-  for (std::size_t i = 0; i < count; ++i) {
-    referenceX[i] = last.x(i);
-    referenceZ[i] = last.z(i);
-  }
+  atLink.resize(count);
+  for (std::size_t i = 0; i < count; ++i) atLink[i] = {last.x(i), last.z(i), 0.0, 0.0};
   if (tweak.isValid()) {
     // What the node adds already is part of what it will have to add.
     const MPlug tweaks = MFnDependencyNode(tweak.object()).findPlug("uvTweak", false);
     const auto there = static_cast<std::size_t>(tweaks.evaluateNumElements());
     for (std::size_t i = 0; i < count && i < there; ++i) {
       const MPlug element = tweaks.elementByPhysicalIndex(static_cast<unsigned int>(i));
-      referenceX[i] -= placement.toDistance(element.child(0).asDouble());
-      referenceZ[i] -= placement.toDistance(element.child(1).asDouble());
+      atLink[i].tweakU = element.child(0).asDouble();
+      atLink[i].tweakV = element.child(1).asDouble();
     }
   }
   MObject shape = linked.uvObject.node();
@@ -143,7 +139,7 @@ void uvLink::writeBack() {
   places now;
   if (!read(now)) return;
   isWriting = true;
-  if (now.count() != referenceX.size()) {
+  if (now.count() != atLink.size()) {
     complain("cannot set uvs on Mesh " + linked.mesh.fullPathName() +
              " ..number of points do not match");
   } else {
@@ -166,9 +162,16 @@ void uvLink::writeOffsets(const places& now, const std::vector<std::size_t>& mov
     MStatus status;
     const MPlug element = tweaks.elementByPhysicalIndex(static_cast<unsigned int>(i), &status);
     if (!status) continue;
+    const start& from = atLink[i];
+    const double x = now.x(i) - from.x, z = now.z(i) - from.z;
     MPlug u = element.child(0), v = element.child(1);
-    u.setFloat(placement.toUv(now.x(i) - referenceX[i]));
-    v.setFloat(placement.toUv(now.z(i) - referenceZ[i]));
+    if (x == 0.0 && z == 0.0) {  // back where it was it gets exactly what it had
+      u.setDouble(from.tweakU);
+      v.setDouble(from.tweakV);
+      continue;
+    }
+    u.setFloat(placement.toUv(x + placement.toDistance(from.tweakU)));
+    v.setFloat(placement.toUv(z + placement.toDistance(from.tweakV)));
   }
   complaint.clear();
 }
@@ -186,8 +189,7 @@ void uvLink::writeUvs(const places& now, const std::vector<std::size_t>& moved) 
   for (const std::size_t i : moved) {
     const auto uv = static_cast<unsigned int>(i);
     const double x = now.x(i), z = now.z(i);
-    // Back where it was it gets exactly what it had.
-    const bool isBack = knowsUvs && x == referenceX[i] && z == referenceZ[i];
+    const bool isBack = knowsUvs && x == atLink[i].x && z == atLink[i].z;
     u[uv] = isBack ? uAtLink[uv] : placement.toUv(x);
     v[uv] = isBack ? vAtLink[uv] : placement.toUv(z);
   }

@@ -36,6 +36,7 @@ class uvLink {
   bool drives(const MObject& meshShape) const;
   bool reads(const MObject& uvObjectShape) const;
   const MDagPath& mesh() const { return linked.mesh; }
+  const MDagPath& uvObject() const { return linked.uvObject; }
   /// Whether a change of this plug of the UV object can have moved a vertex.
   bool isWatched(const MPlug& plug) const;
 
@@ -58,11 +59,16 @@ class uvLink {
   int id;
   uvPlacement placement;
   MObjectHandle uvShape, meshShape, tweak;
-  MPlug outMesh, worldMatrix;                  ///< of the UV object, what is watched
-  std::vector<double> referenceX, referenceZ;  ///< cm, the world; a vertex each
+  MPlug outMesh, worldMatrix;  ///< of the UV object, what is watched
+  /// How one vertex and its UV stood when they were linked.
+  struct start {
+    double x, z;            ///< cm, the world
+    double tweakU, tweakV;  ///< what the tweak node added already
+  };
+  std::vector<start> atLink;
   places last;
-  MFloatArray uAtLink, vAtLink;
-  MString complaint;  ///< the last that was shown
+  MFloatArray uAtLink, vAtLink;  ///< of the mesh
+  MString complaint;             ///< the last that was shown
   bool isWriting = false;
   ownedCallbacks callbacks;
 };

@@ -83,7 +83,8 @@ Result<std::vector<UvItem>> uvItems(Context& context, const ParsedArgs& args,
 }
 
 Result<void> placeUvs(scene::Document& document, const UvItem& item,
-                      const std::vector<math::Vec2f>& places) {
+                      const std::vector<math::Vec2f>& places,
+                      const std::optional<std::array<double, 2>>& step) {
   Node& shape = *item.item.path.node();
   if (!nodes::hasHistory(shape)) {
     mesh::Mesh mesh = item.item.mesh;
@@ -97,8 +98,8 @@ Result<void> placeUvs(scene::Document& document, const UvItem& item,
   offsets.reserve(2 * item.uvs.size());
   for (std::size_t i = 0; i < item.uvs.size(); ++i) {
     const math::Vec2f& from = set.points[static_cast<std::size_t>(item.uvs[i])];
-    offsets.push_back(static_cast<double>(places[i].u) - from.u);
-    offsets.push_back(static_cast<double>(places[i].v) - from.v);
+    offsets.push_back(step ? (*step)[0] : static_cast<double>(places[i].u) - from.u);
+    offsets.push_back(step ? (*step)[1] : static_cast<double>(places[i].v) - from.v);
   }
   dg::Graph& graph = document.graph();
   const bool isCurrent = item.set == item.item.mesh.currentUvSet();
