@@ -88,9 +88,26 @@ TEST_CASE("the UV window: every button does its work, and is grey while it can't
   window.press("qxAutoUnwrap_Unwrap");
   CHECK(window.uvs() != before);
 
-  window.run("duplicate -n other box; select -r box");
+  window.run("duplicate -n other box; string $known[] = `ls -type mesh`; select -r box");
   window.press("buildUVObject");
   CHECK(window.asked("size(`ls -type uvEditNode`)") == "1");
+  window.run(
+      "string $made; for ($mesh in stringArrayRemove($known, `ls -type mesh`)) if (!`getAttr "
+      "($mesh + "
+      "\".intermediateObject\")`) $made = $mesh; select -r ($made + \".vtx[0:1]\")");
+  window.press("setPinValues");
+  CHECK(window.asked("ls -sl").empty());
+  window.run("select -r $made");
+  CHECK(window.asked("size(`qxPinVertsCmd -q`)") != "0");
+  window.run("select -r ($made + \".vtx[0]\")");
+  window.press("qxPinVertsCmd_Unpin_Selected");
+  CHECK(window.asked("qxPinVertsCmd -q").find("vtx[1]") != std::string::npos);
+  window.press("unPinValues");
+  CHECK(window.asked("qxPinVertsCmd -q").empty());
+  before = window.uvs();
+  window.run("floatField -e -v 0.25 tweakU_QXMT_FF; select -r ($made + \".vtx[2]\")");
+  window.press("tweakUvs");
+  CHECK(window.uvs() != before);
   window.run("select -r other");
   window.press("addUVNodeMessageCmd_Connect_UV_Node");
   CHECK(window.asked("size(`ls -type uvEditNode`)") == "1");
