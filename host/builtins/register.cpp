@@ -74,6 +74,11 @@ void registerControlCommands(cmd::CommandRegistry&);
 void registerControlTree(cmd::CommandRegistry&);
 void registerDialogs(cmd::CommandRegistry&);
 void registerIsolateSelect(cmd::CommandRegistry&);
+void registerDisplayLayers(cmd::CommandRegistry&);
+void registerHyperShade(cmd::CommandRegistry&);
+void registerPartition(cmd::CommandRegistry&);
+void registerLightCommands(cmd::CommandRegistry&);
+void registerModelEditor(cmd::CommandRegistry&);
 void registerPanels(cmd::CommandRegistry&);
 void registerSelectPref(cmd::CommandRegistry&);
 void registerToolCommands(cmd::CommandRegistry&);
@@ -136,6 +141,11 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
       registerWindowPref,
       registerComponentMenu,
       registerIsolateSelect,
+      registerDisplayLayers,
+      registerHyperShade,
+      registerPartition,
+      registerLightCommands,
+      registerModelEditor,
       registerPanels,
       registerSelectPref,
       registerToolCommands,
