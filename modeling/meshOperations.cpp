@@ -5,7 +5,7 @@
 #include <maya/MItSelectionList.h>
 #include <maya/MSelectionList.h>
 
-#include "modeling/mirrorLookup.h"
+#include "shared/selection/mirrorLookup.h"
 
 namespace meshOperations {
 

@@ -4,7 +4,6 @@
 #include <maya/MMessage.h>
 #include <maya/MString.h>
 
-#include "modeling/componentPick.h"
 #include "modeling/interactiveNode.h"
 #include "modeling/meshOperations.h"
 #include "modeling/pointEdit.h"
@@ -13,6 +12,7 @@
 #include "modeling/toolState.h"
 #include "modeling/vertexPush.h"
 #include "modeling/vertexSlide.h"
+#include "shared/selection/componentPick.h"
 #include "shared/tool/toolContext.h"
 
 /// The all-purpose modelling tool. It shows the component under the cursor; the left button

@@ -7,8 +7,8 @@
 #include <cmath>
 #include <limits>
 
-#include "modeling/mirrorLookup.h"
 #include "shared/mesh/polyHelper.h"
+#include "shared/selection/mirrorLookup.h"
 #include "shared/view/viewProjector.h"
 
 namespace {

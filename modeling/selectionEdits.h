@@ -1,7 +1,7 @@
 #pragma once
 
-#include "modeling/componentPick.h"
 #include "modeling/toolState.h"
+#include "shared/selection/componentPick.h"
 
 class M3dView;
 

@@ -3,7 +3,7 @@
 #include <maya/MSelectionList.h>
 #include <maya/MString.h>
 
-#include "modeling/componentPick.h"
+#include "shared/selection/componentPick.h"
 
 /// How a pick changes the selection.
 enum pickAdjustment { kPickReplace = 0, kPickRun = 1, kPickAdd = 2, kPickRemove = 3 };

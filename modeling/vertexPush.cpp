@@ -9,8 +9,8 @@
 #include <cmath>
 #include <unordered_map>
 
-#include "modeling/mirrorLookup.h"
 #include "shared/mesh/mathHelper.h"
+#include "shared/selection/mirrorLookup.h"
 #include "shared/view/viewProjector.h"
 
 double distanceFollowing(const M3dView& view, const MPoint& anchor, const MVector& direction,

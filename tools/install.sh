@@ -7,7 +7,7 @@ exec 1>&2
 packages=(
   g++ cmake ninja-build ccache mold pkg-config git ca-certificates
   libexpected-dev libfmt-dev libedit-dev libcli11-dev doctest-dev librapidcheck-dev libbenchmark-dev
-  libpng-dev libtiff-dev libembree-dev libosd-dev libeigen3-dev libtinyobjloader-dev liblua5.4-dev
+  libpng-dev libtiff-dev libjpeg-dev libembree-dev libosd-dev libeigen3-dev libtinyobjloader-dev liblua5.4-dev
   clang-format clang-tidy
   libegl-dev libgl-dev libopengl-dev libegl-mesa0 libgl1-mesa-dri
   assimp-testmodels

@@ -8,6 +8,7 @@
 #include "host/app/interrupts.h"
 #include "host/app/options.h"
 #include "host/app/paths.h"
+#include "host/app/preferences.h"
 #include "host/app/progress.h"
 #include "host/app/prompt.h"
 #include "host/app/replay.h"
@@ -46,6 +47,12 @@ int loadPlugIns(cmd::Session& session, const Options& options, const ProgramPath
 
 int openFile(cmd::Session& session, const std::string& file) {
   if (!isReadable(file)) return kFileFailed;
+  std::error_code ignored;
+  if (std::filesystem::is_regular_file(file, ignored) &&
+      std::filesystem::file_size(file, ignored) == 0) {
+    std::fprintf(stderr, "qxmt: %s is empty\n", file.c_str());
+    return kFileFailed;
+  }
   const bool isScene = std::filesystem::path(file).extension() == ".ma";
   cmd::Context context{session, session.document()};
   const builtins::FileRequest request{.path = file, .isForced = true};
@@ -59,6 +66,10 @@ int openFile(cmd::Session& session, const std::string& file) {
 }
 
 int runScript(cmd::Session& session, const Options& options) {
+  if (options.script == "-" && !options.isScriptPlain) {
+    (void)session.interpreter().setGlobal("$argv", mel::Value(mel::StringArray(options.arguments)));
+    return runStandardInput(session);
+  }
   if (!isReadable(options.script)) return kFileFailed;
   (void)session.interpreter().setGlobal("$argv", mel::Value(mel::StringArray(options.arguments)));
   // The script was named on the command line: that one is meant, wherever it is.
@@ -81,7 +92,7 @@ std::unique_ptr<cmd::Session> batchSession(const Options& options, const Program
 
 int run(const Options& options) {
   const ProgramPaths paths = programPaths();
-  if (options.script == "replay")
+  if (options.isJob("replay"))
     return runReplay(options, [&](const std::string& scene, int& status) {
       return batchSession(options, paths, scene, status);
     });
@@ -91,6 +102,7 @@ int run(const Options& options) {
   session->isBatch = !isPrompt;
   const InterruptScope interrupts(*session);
   session->interpreter().setScriptPath({paths.scripts().string()});
+  Preferences preferences(session->optionVars(), preferencesFile());
 
   int status = loadPlugIns(*session, options, paths);
   if (status == kDone && !options.openFile.empty()) status = openFile(*session, options.openFile);
@@ -104,7 +116,7 @@ int run(const Options& options) {
       status = kScriptFailed;
   }
   if (status == kDone && !session->isQuitting) {
-    if (options.script == "tour")
+    if (options.isJob("tour"))
       status =
           runTour(*session, options.arguments.empty() ? "out/tour" : options.arguments.front());
     else if (!options.script.empty())
@@ -113,6 +125,7 @@ int run(const Options& options) {
       status = runStandardInput(*session);
     if (isPrompt && !session->isQuitting) status = runPrompt(*session);
   }
+  preferences.save();
   return status;
 }
 
@@ -125,7 +138,7 @@ int main(int argc, char** argv) {
   Options options;
   const int ended = parseOptions(argc, argv, options);
   if (ended >= 0) return ended;
-  if (options.script == "reference") {
+  if (options.isJob("reference")) {
     std::fputs(host::modelling::referenceRows(host::modelling::declarations()).c_str(), stdout);
     return kDone;
   }
@@ -134,7 +147,7 @@ int main(int argc, char** argv) {
     return kBadUsage;
   }
   try {
-    if (options.script == "unwrap") return runUnwrap(options.arguments);
+    if (options.isJob("unwrap")) return runUnwrap(options.arguments);
     showProgressOnTerminal();
     return run(options);
   } catch (const std::exception& exception) {

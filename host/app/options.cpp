@@ -9,6 +9,7 @@ int parseOptions(int argc, char** argv, Options& options) {
   app.footer(
       "Without a script, on a terminal: a prompt. `qxmt tour [FOLDER]` shows the toolkit on a real "
       "mesh.\n"
+      "A script named `-` is standard input; behind `--` every word is a file or an argument.\n"
       "`qxmt unwrap IN.obj -o OUT.obj` gives meshes UVs; `qxmt unwrap --help` says more.\n"
       "`qxmt replay FILE` does a recorded gesture again; `qxmt replay --help` says more.\n"
       "`qxmt reference` prints the tables of the modelling commands.\n"
@@ -37,13 +38,17 @@ int parseOptions(int argc, char** argv, Options& options) {
     return app.exit(error) == 0 ? kDone : kBadUsage;
   }
   std::vector<std::string> words = app.remaining();
-  if (!words.empty() && words.front().size() > 1 && words.front().front() == '-') {
+  // What stands behind "--" is a script's name, whatever it looks like.
+  const bool isPlain = !words.empty() && words.front() == "--";
+  if (isPlain) words.erase(words.begin());
+  if (!isPlain && !words.empty() && words.front().size() > 1 && words.front().front() == '-') {
     std::fprintf(stderr, "qxmt: unknown option %s\nRun qxmt --help for the options.\n",
                  words.front().c_str());
     return kBadUsage;
   }
   if (!words.empty()) {
     options.script = words.front();
+    options.isScriptPlain = isPlain;
     options.arguments.assign(words.begin() + 1, words.end());
   }
   return -1;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace host::app {
@@ -13,11 +14,15 @@ struct Options {
   std::vector<std::string> commands;   ///< -c, in order
   std::vector<std::string> plugIns;    ///< --plug-in, in order
   std::string openFile;                ///< -o
-  std::string script;                  ///< first word that is no option
+  std::string script;                  ///< first word that is no option; "-": standard input
+  bool isScriptPlain = false;          ///< it stood behind "--": a file, whatever its name
   std::vector<std::string> arguments;  ///< what follows it
   bool interactive = false;
   bool window = false;
   bool noModule = false;
+
+  /// Whether the first word is the name of a job that the program itself does.
+  [[nodiscard]] bool isJob(std::string_view name) const { return script == name && !isScriptPlain; }
 };
 
 /// Reads the command line. @return -1 when the program should go on, else its exit status (help,

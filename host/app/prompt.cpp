@@ -9,11 +9,17 @@
 #include <filesystem>
 #include <iostream>
 #include <iterator>
+#include <optional>
 #include <string>
 
+#include "host/app/completion.h"
 #include "host/app/interrupts.h"
 #include "host/app/options.h"
+#include "host/base/message_streams.h"
+#include "host/builtins/file/scene_files.h"
 #include "host/cmd/loop.h"
+#include "host/mel/unfinished.h"
+#include "host/workspace/workspace.h"
 
 namespace host::app {
 namespace {
@@ -33,48 +39,85 @@ std::string historyFile() {
 }
 
 /// One candidate after the other, as the line editor asks for them.
-char* nextCandidate(const char* prefix, int state) {
+char* nextCandidate(const char* word, int state) {
   static std::vector<std::string> candidates;
   static std::size_t next = 0;
   if (state == 0) {
-    candidates = promptSession->interpreter().complete(prefix);
+    const std::string_view line(rl_line_buffer, static_cast<std::size_t>(rl_point));
+    candidates = completions(*promptSession, line, word);
     next = 0;
+    // Behind a folder, a component's bracket or a node of which an attribute is meant one types on.
+    const bool goesOn =
+        candidates.size() == 1 && (candidates[0].ends_with('/') || candidates[0].ends_with('['));
+    rl_completion_append_character = goesOn ? '\0' : ' ';
   }
   return next < candidates.size() ? strdup(candidates[next++].c_str()) : nullptr;
 }
 
-char** complete(const char* text, int start, int) {
-  // Inside quotes a file is meant; elsewhere a name of the language, and nothing else.
-  int quotes = 0;
-  for (int i = 0; i < start; ++i)
-    if (rl_line_buffer[i] == '"' && (i == 0 || rl_line_buffer[i - 1] != '\\')) ++quotes;
-  rl_attempted_completion_over = quotes % 2 == 0 ? 1 : 0;
-  return quotes % 2 == 0 ? rl_completion_matches(text, nextCandidate) : nullptr;
+char** complete(const char* text, int, int) {
+  rl_attempted_completion_over = 1;
+  return rl_completion_matches(text, nextCandidate);
 }
 
-/// Whether a text ends inside braces, brackets, quotes or a comment, so that more lines belong to
-/// it.
-bool isUnfinished(const std::string& text) {
-  int depth = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
-    if (c == '"') {
-      for (++i; i < text.size() && text[i] != '"'; ++i)
-        if (text[i] == '\\') ++i;
-      if (i >= text.size()) return true;
-    } else if (c == '/' && i + 1 < text.size() && text[i + 1] == '/') {
-      while (i < text.size() && text[i] != '\n') ++i;
-    } else if (c == '/' && i + 1 < text.size() && text[i + 1] == '*') {
-      const std::size_t end = text.find("*/", i + 2);
-      if (end == std::string::npos) return true;
-      i = end + 1;
-    } else if (c == '{' || c == '(' || c == '[') {
-      ++depth;
-    } else if (c == '}' || c == ')' || c == ']') {
-      --depth;
-    }
+/// Messages as always, but a line of the prompt never begins behind printed text.
+class PromptMessages {
+ public:
+  PromptMessages() {
+    previous_ = setMessageSink([this](MessageKind kind, std::string_view text) {
+      if (kind != MessageKind::Print)
+        endLine();
+      else if (!text.empty())
+        isLineOpen_ = text.back() != '\n';
+      writeMessageToStreams(kind, text);
+    });
   }
-  return depth > 0;
+  ~PromptMessages() { setMessageSink(std::move(previous_)); }
+  PromptMessages(const PromptMessages&) = delete;
+  PromptMessages& operator=(const PromptMessages&) = delete;
+  void endLine() {
+    if (std::exchange(isLineOpen_, false)) std::fputc('\n', stdout);
+    std::fflush(stdout);
+  }
+
+ private:
+  MessageSink previous_;
+  bool isLineOpen_ = false;
+};
+
+/// What a person answers; nothing at the end of input or after Ctrl-C.
+std::optional<std::string> ask(const char* question) {
+  char* answer = readline(question);
+  if (!answer) return std::nullopt;
+  std::string text = answer;
+  std::free(answer);
+  return text;
+}
+
+/// Asks what becomes of work that is in no file. @return false when the person stays
+bool mayLeave(cmd::Session& session) {
+  if (!session.document().isModified()) return true;
+  cmd::Context context{session, session.document()};
+  while (true) {
+    const std::string& file = session.document().fileName();
+    std::fprintf(stderr, "The scene%s%s has changes that are not saved.\n", file.empty() ? "" : " ",
+                 file.c_str());
+    const auto answer = ask("Save them? (y)es, (n)o, (c)ancel: ");
+    // Nobody is there to answer at the end of input.
+    if (!answer) return !wasInterrupted();
+    if (*answer == "n" || *answer == "no") return true;
+    if (*answer == "c" || *answer == "cancel") return false;
+    if (*answer != "y" && *answer != "yes") continue;
+    const bool isUntitled = file.empty();
+    if (isUntitled) {
+      const auto name = ask("File: ");
+      if (!name || name->empty()) return false;
+      builtins::renameScene(context, *name);
+    }
+    const auto saved = builtins::saveScene(context, {});
+    if (saved) return true;
+    postMessage(MessageKind::Error, saved.error().message);
+    if (isUntitled) builtins::renameScene(context, "");
+  }
 }
 
 }  // namespace
@@ -83,6 +126,11 @@ int runPrompt(cmd::Session& session) {
   promptSession = &session;
   rl_readline_name = const_cast<char*>("qxmt");
   rl_attempted_completion_function = complete;
+  // What ends a word: names keep their dots, colons and bars, flags and variables their first
+  // letter.
+  static char breaks[] = " \t\n\"\\'`@><=;,{(}[]+*!&?";
+  rl_completer_word_break_characters = breaks;
+  rl_basic_word_break_characters = breaks;
   using_history();
   const std::string history = historyFile();
   if (!history.empty()) read_history(history.c_str());
@@ -91,20 +139,29 @@ int runPrompt(cmd::Session& session) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
         .count();
   });
+  PromptMessages messages;
   std::string text;
-  while (!session.isQuitting) {
+  while (true) {
     forgetInterrupt();
-    char* line = readline(text.empty() ? "mel> " : "...> ");
-    if (!line && wasInterrupted()) {
+    messages.endLine();
+    char* line = session.isQuitting ? nullptr : readline(text.empty() ? "mel> " : "...> ");
+    if (!line && wasInterrupted() && !session.isQuitting) {
       text.clear();
       std::fputc('\n', stdout);
       continue;
     }
-    if (!line) break;
+    if (!line) {
+      if (workspace::workspaceOf(session).quitsAtOnce || mayLeave(session)) break;
+      session.isQuitting = false;
+      text.clear();
+      continue;
+    }
+    const bool isEmpty = *line == '\0';
     text += text.empty() ? line : std::string("\n") + line;
-    if (*line) add_history(line);
+    if (!isEmpty) add_history(line);
     std::free(line);
-    if (isUnfinished(text)) continue;
+    // An empty line runs what there is, so that a slip can be seen for what it is.
+    if (!isEmpty && mel::isUnfinished(text)) continue;
     (void)session.executeLine(text, {.display = true});
     text.clear();
     session.loop().step();

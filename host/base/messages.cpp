@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "host/base/message_streams.h"
+
 namespace host {
 namespace {
 
@@ -13,9 +15,6 @@ MessageSink& currentSink() {
 }
 
 }  // namespace
-
-/// Writes to the standard streams, as messages without a sink do.
-void writeMessageToStreams(MessageKind kind, std::string_view text);
 
 void writeMessageToStreams(MessageKind kind, std::string_view text) {
   const auto length = static_cast<int>(text.size());

@@ -11,6 +11,7 @@
 #include "host/mel/builtins.h"
 #include "host/mel/compiler.h"
 #include "host/mel/parser.h"
+#include "host/mel/suggestion.h"
 
 namespace host::mel {
 
@@ -260,6 +261,12 @@ std::vector<std::string> Engine::complete(std::string_view prefix) const {
   std::ranges::sort(names);
   names.erase(std::unique(names.begin(), names.end()), names.end());
   return names;
+}
+
+std::string Engine::suggestion(std::string_view name) const {
+  const std::vector<std::string> known = complete("");
+  const std::string nearest = nearestName(name, known);
+  return nearest.empty() ? std::string() : fmt::format(" Did you mean \"{}\"?", nearest);
 }
 
 bool Engine::exists(std::string_view name) {

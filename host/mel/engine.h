@@ -63,6 +63,9 @@ class Engine {
 
   [[nodiscard]] std::vector<std::string> complete(std::string_view prefix) const;
   [[nodiscard]] std::string whatIs(std::string_view name);
+  /// " Did you mean \"polyCube\"?" for a name that nothing has but that is one or two letters off;
+  /// empty when nothing is near.
+  [[nodiscard]] std::string suggestion(std::string_view name) const;
   [[nodiscard]] bool exists(std::string_view name);
 
   [[nodiscard]] CommandHost& host() { return host_; }

@@ -32,6 +32,9 @@ bool isComponentChar(char c) {
 
 Lexer::Lexer(std::string_view source, Arena& arena) : source_(source), arena_(arena) {
   if (source_.starts_with("\xEF\xBB\xBF")) position_.offset = position_.lineStart = 3;
+  // The first line of a script that the system starts names the program to run it with.
+  if (source_.substr(position_.offset).starts_with("#!"))
+    position_.offset = std::min(source_.find('\n', position_.offset), source_.size());
 }
 
 void Lexer::newLine() {
@@ -173,7 +176,7 @@ Token Lexer::readString() {
   }
   if (at(0) != '"') {
     position_ = token.begin;
-    return bad("a string without its closing quote");
+    return bad(kOpenString);
   }
   ++position_.offset;
   const std::span<const char> characters(decoded_.data(), decoded_.size());
@@ -183,7 +186,7 @@ Token Lexer::readString() {
 }
 
 Token Lexer::readSymbol() {
-  if (at(0) == '/' && at(1) == '*') return bad("a comment without its closing */");
+  if (at(0) == '/' && at(1) == '*') return bad(kOpenComment);
   static constexpr std::string_view kPairs[] = {"<<", ">>", "<=", ">=", "==", "!=", "&&", "||",
                                                 "++", "--", "+=", "-=", "*=", "/=", "%=", "^="};
   const std::string_view two = source_.substr(position_.offset, 2);

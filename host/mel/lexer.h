@@ -20,6 +20,10 @@ enum class TokenKind : std::uint8_t {
   Bad,     ///< `text` says what is wrong
 };
 
+/// What a Bad token says when the text ended inside of it.
+inline constexpr const char* kOpenString = "a string without its closing quote";
+inline constexpr const char* kOpenComment = "a comment without its closing */";
+
 /// Where a token begins; the lexer can go back to it to read the text anew in the other mode.
 struct Position {
   std::size_t offset = 0;

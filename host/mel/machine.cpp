@@ -69,7 +69,8 @@ Machine::CallResult Machine::callSymbol(Symbol& symbol, std::span<Value> argumen
     }
     const Result<bool> isLoaded = engine_.loadProcedure(symbol);
     if (!isLoaded || !*isLoaded) {
-      fail(isLoaded ? fmt::format("Cannot find procedure \"{}\".", symbol.name)
+      fail(isLoaded ? fmt::format("Cannot find procedure \"{}\".{}", symbol.name,
+                                  handlers_.empty() ? engine_.suggestion(symbol.name) : "")
                     : isLoaded.error().message);
       return CallResult::Failed;
     }
@@ -122,6 +123,23 @@ std::string Machine::backtrace() const {
   return text;
 }
 
+/// The procedures that are at work and where each was called, the innermost first, a line each;
+/// empty at global scope.
+std::string Machine::callStack() const {
+  constexpr int kMostLines = 20;
+  std::string text;
+  int lines = 0;
+  for (std::size_t i = frames_.size(); i-- > 1;) {
+    const Function& function = *frames_[i].function;
+    if (function.name.empty()) continue;
+    if (lines++ == kMostLines) return text + "\n//   ...";
+    std::string place = placeOf(frames_[i - 1]);
+    place.resize(place.size() - 2);
+    text += fmt::format("\n//   in {}, called from {}", function.name, place);
+  }
+  return text;
+}
+
 /// After an error in a stretch that keeps globals in registers.
 void Machine::writeBackGlobals(const Frame& frame) const {
   const auto at = static_cast<std::size_t>(frame.pc - frame.function->code.data());
@@ -139,6 +157,7 @@ bool Machine::handleError(std::size_t baseFrame) {
   if (error_ != placedError_) {
     error_ = currentPlace() + error_;
     placedError_ = error_;
+    errorStack_ = callStack();
   }
   if (isFatal_ || handlers_.empty() || handlers_.back().frame < baseFrame) return false;
   const Handler handler = handlers_.back();
@@ -173,7 +192,9 @@ Result<void> Machine::run(const Function& function, std::span<const Value> argum
   unwind(baseFrame);
   --nesting_;
   if (isDone) return {};
-  return tl::unexpected<Error>(Error{error_});
+  // Who called what is told once, with the error that nobody caught.
+  const bool tellsStack = nesting_ == 0 && error_ == placedError_;
+  return host::fail("{}{}", error_, tellsStack ? errorStack_ : std::string());
 }
 
 }  // namespace host::mel

@@ -40,7 +40,10 @@ class Machine {
   /// The running procedures, innermost first, one a line.
   [[nodiscard]] std::string backtrace() const;
   /// Says that this message names its place already.
-  void markPlaced(std::string message) { placedError_ = std::move(message); }
+  void markPlaced(std::string message) {
+    placedError_ = std::move(message);
+    errorStack_ = callStack();
+  }
   [[nodiscard]] int nesting() const { return nesting_; }
 
  private:
@@ -70,6 +73,7 @@ class Machine {
   bool fail(std::string message);
   bool fail(Result<void> result);
   [[nodiscard]] std::string placeOf(const Frame& frame) const;
+  [[nodiscard]] std::string callStack() const;
 
   // operations on values of any type; false after fail()
   bool assignDynamic(Value& target, Value& source, bool mayMove);
@@ -96,6 +100,7 @@ class Machine {
   std::vector<Handler> handlers_;
   std::string error_;
   std::string placedError_;
+  std::string errorStack_;  ///< of the error that was placed last
   int nesting_ = 0;
   bool isFatal_ = false;  ///< the pending error passes every catch
   std::atomic<bool> isInterrupted_ = false;

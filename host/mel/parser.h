@@ -29,6 +29,8 @@ class Parser {
   /// `diagnostic()`. Linear in the text.
   [[nodiscard]] Node* parse();
   [[nodiscard]] const Diagnostic& diagnostic() const { return diagnostic_; }
+  /// Whether the parse failed because the text ended too soon: more text could make it whole.
+  [[nodiscard]] bool endedTooSoon() const { return hasFault_ && faultIsAtEnd_; }
 
  private:
   // parser_statements.cpp
@@ -112,7 +114,7 @@ class Parser {
   Diagnostic diagnostic_;
   int depth_ = 0;
   bool isInBackquotes_ = false;
-  bool hasFault_ = false;
+  bool hasFault_ = false, faultIsAtEnd_ = false;
 };
 
 }  // namespace host::mel

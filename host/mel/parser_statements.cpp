@@ -53,7 +53,11 @@ Node* Parser::fault(std::string_view expected) {
 }
 
 Node* Parser::faultAt(const Position& where, std::string text) {
-  if (!hasFault_) diagnostic_ = {where.line, where.column(), std::move(text)};
+  if (!hasFault_) {
+    diagnostic_ = {where.line, where.column(), std::move(text)};
+    faultIsAtEnd_ =
+        token_.kind == TokenKind::End || token_.text == kOpenString || token_.text == kOpenComment;
+  }
   hasFault_ = true;
   return nullptr;
 }

@@ -61,6 +61,7 @@ class Workspace final : public cmd::SessionPart {
   std::map<std::string, WindowPlace> windowPlaces;
   void* applicationWindow = nullptr;  ///< the system's handle; null without a window
   bool echoesCommands = false;
+  bool quitsAtOnce = false;  ///< `quit -force`: nobody is asked about unsaved work
 
   // Files.
   Project project;

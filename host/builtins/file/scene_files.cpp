@@ -203,6 +203,12 @@ Result<std::string> saveScene(Context& context, const FileRequest& request) {
   HOST_TRY(work.begin(SceneStage::BeforeSave));
   auto path = writeTo(context, request, *format, name, false);
   if (!path) return failWith(std::move(path.error()));
+  // A save that leaves out most of the scene is what was asked for, but hardly what was meant.
+  if (format != &formats.native())
+    postMessage(MessageKind::Warning,
+                fmt::format("{} is written as {}, which keeps meshes alone; a name that ends in "
+                            ".ma keeps the whole scene.",
+                            *path, format->name));
   context.document.setFileName(*path);
   context.document.setModified(false);
   context.session.scriptJobs().triggerEvent("SceneSaved");

@@ -75,6 +75,7 @@ CommandResult refresh(Context& context, const ParsedArgs&) {
 
 CommandResult quit(Context& context, const ParsedArgs& args) {
   if (!args.has("abort")) context.session.scriptJobs().triggerEvent("quitApplication");
+  workspaceOf(context.session).quitsAtOnce = args.has("force") || args.has("abort");
   context.session.isQuitting = true;
   context.session.interrupt();  // what stands behind it in the script doesn't run any more
   context.session.exitStatus = args.integer("exitCode", 0);

@@ -5,14 +5,23 @@ namespace host::builtins {
 
 namespace {
 
+/// A person sees what went or came back; scripts that a farm runs say enough already.
+void tell(Context& context, std::string_view what, const std::string& name) {
+  if (!context.session.isBatch) postMessage(MessageKind::Info, fmt::format("{}: {}", what, name));
+}
+
 CommandResult undo(Context& context, const ParsedArgs&) {
+  const std::string name = context.session.undo().undoName();
   HOST_TRY(context.session.dispatcher().undo());
+  tell(context, "Undo", name);
   context.session.scriptJobs().triggerEvent("Undo");
   return mel::Value();
 }
 
 CommandResult redo(Context& context, const ParsedArgs&) {
+  const std::string name = context.session.undo().redoName();
   HOST_TRY(context.session.dispatcher().redo());
+  tell(context, "Redo", name);
   context.session.scriptJobs().triggerEvent("Redo");
   return mel::Value();
 }

@@ -5,6 +5,7 @@
 #include "host/io/ma/ma_node_writer.h"
 #include "host/io/ma/ma_numbers.h"
 #include "host/scene/component.h"
+#include "host/scene/poly_component_data.h"
 
 namespace host::io {
 namespace {
@@ -47,6 +48,20 @@ void appendComponents(std::string& text, const std::vector<scene::Component>& co
   for (const std::string& word : words) text += fmt::format(" \"{}\"", word);
 }
 
+void appendPolyComponents(std::string& text, const scene::PolyComponentData& data) {
+  appendType(text, data.typeName());
+  text +=
+      fmt::format(" Index_Data {} {}", data.kind.empty() ? "UV" : data.kind, data.entries.size());
+  std::size_t written = 0;
+  for (const auto& [id, value] : data.entries) {
+    text += written++ % 8 == 0 ? "\n\t\t" : " ";
+    appendNumber(text, id);
+    text += ' ';
+    appendNumber(text, value);
+  }
+  text += ' ';
+}
+
 enum class Written { Yes, Unknown, NotFinite };
 Written appendPayload(std::string& text, const dg::DataPtr& data) {
   const Value value(data);
@@ -59,6 +74,8 @@ Written appendPayload(std::string& text, const dg::DataPtr& data) {
       text += ' ';
       appendNumber(text, std::isfinite(number) ? number : 0.0);
     }
+  } else if (const auto* weights = dg::dataAs<scene::PolyComponentData>(value)) {
+    appendPolyComponents(text, *weights);
   } else if (const auto* list = dg::dataAs<scene::ComponentListData>(value)) {
     appendComponents(text, list->value);
   } else if (const auto* texts = dg::dataAs<dg::StringArrayData>(value)) {

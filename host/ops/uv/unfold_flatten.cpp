@@ -19,7 +19,10 @@ std::size_t at(Index i) {
 
 constexpr Index kCoarsest = 60;            ///< vertices
 constexpr std::size_t kNewtonMost = 3000;  ///< vertices up to which all are moved at once
-constexpr int kSweeps = 4;                 ///< a level
+/// The same where some are held: nothing coarser has brought the large shape near its best there,
+/// and sweeps from vertex to vertex would take thousands of rounds.
+constexpr std::size_t kNewtonMostHeld = 300'000;
+constexpr int kSweeps = 4;  ///< a level
 
 std::vector<Element> liveElements(const Hierarchy& h, std::span<const math::Vec3> points) {
   std::vector<Element> elements;
@@ -81,7 +84,8 @@ int improve(std::span<const Element> elements, const FlattenOptions& options, co
             std::span<const std::uint8_t> isFixed, Axes axes, std::vector<Point>& x) {
   const Relaxer relaxer(options.energy, elements, x.size(), border, isFixed, axes);
   std::unique_ptr<NewtonSolver> newton;
-  if (elements.size() / 2 <= kNewtonMost && axes == Axes::Both)
+  const bool isHeld = std::ranges::any_of(isFixed, [](std::uint8_t fixed) { return fixed != 0; });
+  if (elements.size() / 2 <= (isHeld ? kNewtonMostHeld : kNewtonMost) && axes == Axes::Both)
     newton = std::make_unique<NewtonSolver>(options.energy, elements, x.size(), isFixed);
   double before = meanEnergy(options.energy, elements, x);
   int rounds = 0;

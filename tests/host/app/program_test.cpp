@@ -220,7 +220,10 @@ TEST_CASE("Ctrl-C ends a run that would not end, with status 1") {
       writeFile(folder / "again.mel",
                 "global proc again() { evalDeferred \"again\"; } warning \"go\"; again;");
   for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
-           {loop}, {"-c", "warning \"go\"; for (;;) ;", "-c", "print \"no\""}, {again}}) {
+           {loop},
+           {"-c", "warning \"go\"; for (;;) ;", "-c", "print \"no\""},
+           {"-c", "warning \"go\"; system(\"sleep 20\"); print \"no\""},
+           {again}}) {
     CAPTURE(words.back());
     std::vector<std::string> all{"--no-module"};
     all.insert(all.end(), words.begin(), words.end());
@@ -229,6 +232,106 @@ TEST_CASE("Ctrl-C ends a run that would not end, with status 1") {
     CHECK(outcome.output.empty());
   }
   CHECK(run({"--no-module", "-c", "warning \"go\"; while (1);"}, {}, "go").says("Interrupted"));
+}
+
+TEST_CASE("completion offers what can stand there, and unsaved work is asked for") {
+  std::filesystem::remove_all(QXMT_BINARY_DIR "/program_test_home");
+  const auto folder = scratchFolder("prompt");
+  std::filesystem::create_directory(folder / "inside");
+  Terminal terminal({"--no-module"});
+  const std::string ready = "mel> ";
+  terminal.readTo(ready);
+  const auto has = [](const std::string& shown, const std::string& text) {
+    return shown.find(text) != std::string::npos;
+  };
+  const auto completesTo = [&](const std::string& typed, const std::string& whole) {
+    terminal.type(typed + "\t");
+    const bool isThere = has(terminal.readTo(whole), whole);
+    terminal.type("\x15");  // the line is cleared
+    return isThere;
+  };
+  terminal.type("polyCube -n alpha\n");
+  terminal.readTo(ready);
+  CHECK(completesTo("polySphere -subdivisionsX 8 -subdivisionsX", "-subdivisionsX "));
+  CHECK(completesTo("polySphere -subdivisionsA", "-subdivisionsAxis "));
+  CHECK(completesTo("select -r alp", "alpha"));
+  CHECK(completesTo("setAttr alpha.doubleSi", "alpha.doubleSided "));
+  CHECK(completesTo("getAttr alpha.rotatePivotTransla", "alpha.rotatePivotTranslate"));
+  CHECK(completesTo("file -o \"" + folder.string() + "/ins", "/inside/"));
+  CHECK(completesTo("$gMainProgressB", "$gMainProgressBar "));
+
+  terminal.type("undo\n");
+  CHECK(has(terminal.readTo("// Undo: polyCube"), "// Undo: polyCube"));
+  terminal.readTo(ready);
+  terminal.type("redo; quit\n");
+  CHECK(has(terminal.readTo("(c)ancel: "), "not saved"));
+  terminal.type("c\n");
+  CHECK(has(terminal.readTo(ready), ready));
+  terminal.type("quit\n");
+  terminal.readTo("(c)ancel: ");
+  terminal.type("y\n");
+  terminal.readTo("File: ");
+  terminal.type((folder / "kept.ma").string() + "\n");
+  CHECK(terminal.finish() == 0);
+  CHECK(std::filesystem::exists(folder / "kept.ma"));
+
+  Terminal forced({"--no-module"});
+  forced.readTo(ready);
+  forced.type("polyCube; quit -f\n");
+  CHECK(forced.finish() == 0);
+}
+
+TEST_CASE("option variables outlive the program; a broken file of them is put aside") {
+  const std::filesystem::path home = QXMT_BINARY_DIR "/program_test_home";
+  std::filesystem::remove_all(home);
+  CHECK(run({"--no-module", "-c",
+             "optionVar -sv word \"a \\\"b\\\"\\nc\" -iva list 3 -iva list 4 -fv real 0.1 -iv gone "
+             "1"})
+            .status == 0);
+  CHECK(run({"--no-module", "-c", "optionVar -rm gone"}).status == 0);
+  const std::string ask =
+      "int $l[] = `optionVar -q list`; float $r = `optionVar -q real`; "
+      "print(`optionVar -q word` + $l[0] + $l[1] + $r + `optionVar -ex gone`)";
+  CHECK(run({"--no-module", "-c", ask}).output == "a \"b\"\nc340.10");
+
+  const auto file = home / ".config" / "qxmt" / "preferences.mel";
+  REQUIRE(std::filesystem::exists(file));
+  writeFile(file, "optionVar -intValue \"list\" 7;\nsystem(\"touch evil\");\n");
+  const Outcome broken = run({"--no-module", "-c", "print(`optionVar -ex list`)"});
+  CHECK(broken.output == "0");
+  CHECK(broken.says("line 2"));
+  CHECK(std::filesystem::exists(file.string() + ".broken"));
+  CHECK_FALSE(std::filesystem::exists(file));
+}
+
+TEST_CASE("errors tell who called whom, and what may have been meant") {
+  const auto folder = scratchFolder("stack");
+  const std::string script = writeFile(
+      folder / "calls.mel",
+      "#!/usr/bin/env qxmt\nglobal proc inner() { polyCub -n x; }\nglobal proc outer() {\n"
+      "inner(); }\nouter();\n");
+  const Outcome outcome = run({"--no-module", script});
+  CHECK(outcome.status == 1);
+  CHECK(
+      outcome.says("calls.mel line 2: Cannot find procedure \"polyCub\". Did you mean "
+                   "\"polyCube\"?"));
+  CHECK(outcome.says("in inner, called from file: " + script + " line 4"));
+  CHECK(outcome.says("in outer, called from file: " + script + " line 5"));
+  // Held errors are no news about the callers.
+  CHECK_FALSE(run({"--no-module", "-c", "proc f() { error \"x\"; } catch(`f`);"}).says("called"));
+}
+
+TEST_CASE("a script may come from standard input with arguments, or bear the name of a job") {
+  CHECK(run({"--no-module", "-", "one"}, "print($argv[0])").output == "one");
+  const auto folder = scratchFolder("plain");
+  writeFile(folder / "tour", "print \"mine\"");
+  const auto before = std::filesystem::current_path();
+  std::filesystem::current_path(folder);
+  CHECK(run({"--no-module", "--", "tour"}).output == "mine");
+  std::filesystem::current_path(before);
+  const Outcome empty = run({"--no-module", "-o", writeFile(folder / "empty.ma", "")});
+  CHECK(empty.status == 3);
+  CHECK(empty.says("is empty"));
 }
 
 TEST_CASE("a tour into a place that takes no files is 3 and makes nothing") {
@@ -291,6 +394,15 @@ TEST_CASE(
   CHECK(has(terminal.readTo("...> "), "...> "));
   CHECK(has(answer("*/ 6 * 7"), "// Result: 42 //"));
   CHECK(has(answer("evalDeferred \"print(\\\"la\\\" + \\\"ter\\\\n\\\")\""), "later"));
+  // A loop's head wants its body; an empty line runs what there is and shows the slip.
+  terminal.type("for ($i = 0; $i < 3; $i++)\n");
+  CHECK(has(terminal.readTo("...> "), "...> "));
+  CHECK(has(answer("print($i + \"|\")"), "0|1|2|"));
+  terminal.type("polyEvaluate (\n");
+  CHECK(has(terminal.readTo("...> "), "...> "));
+  CHECK(has(answer(""), "Syntax error"));
+  // What a script prints without an end of line doesn't stand before the prompt.
+  CHECK(has(answer("print(\"no\" + \"end\")"), "noend\r\nmel> "));
   terminal.type("quit -ec 6\n");
   CHECK(terminal.finish() == 6);
 

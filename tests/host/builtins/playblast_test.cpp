@@ -2,6 +2,7 @@
 #include <doctest/doctest.h>
 
 #include <filesystem>
+#include <fstream>
 
 #include "host/base/messages.h"
 #include "host/builtins/register.h"
@@ -65,6 +66,37 @@ TEST_CASE("a picture has the size that was asked for, under the name that is ret
   const std::string whole = (kFolder / "whole name").string();
   REQUIRE(session->executeLine("playblast -wh 8 8 -completeFilename \"" + whole + "\""));
   CHECK(io::readPng(whole));
+}
+
+TEST_CASE("pictures come in the format that the name says, a file a frame, and time stays") {
+  const auto session = builtins::makeSession();
+  if (!canDraw(*session)) return;
+  std::filesystem::create_directories(kFolder);
+  const auto head = [](const std::string& file, std::size_t count) {
+    std::ifstream stream(file, std::ios::binary);
+    std::string text(count, '\0');
+    stream.read(text.data(), static_cast<std::streamsize>(count));
+    return text;
+  };
+  const std::string base = (kFolder / "as").string();
+  for (const auto& [extension, magic] : std::vector<std::pair<std::string, std::string>>{
+           {"png", "\x89PNG"}, {"jpg", "\xFF\xD8\xFF"}, {"bmp", "BM"}, {"tif", "II*"}}) {
+    CAPTURE(extension);
+    REQUIRE(session->executeLine("playblast -wh 30 20 -cf \"" + base + "." + extension + "\""));
+    CHECK(head(base + "." + extension, magic.size()) == magic);
+  }
+  REQUIRE(session->executeLine("currentTime 5"));
+  const std::uint64_t before = session->document().hash();
+  const auto name =
+      session->executeLine("playblast -wh 8 8 -st 2 -et 4 -fp 2 -c bmp -f \"" + base + "\"");
+  REQUIRE(name);
+  CHECK(name->toText().value() == base + ".##.bmp");
+  for (const char* frame : {".02.bmp", ".03.bmp", ".04.bmp"})
+    CHECK(std::filesystem::file_size(base + frame) == 54 + 8 * 8 * 3);
+  CHECK_FALSE(std::filesystem::exists(base + ".05.bmp"));
+  CHECK(session->document().hash() == before);
+  CHECK_FALSE(session->executeLine("playblast -st 2 -et 4 -cf \"" + base + ".png\""));
+  CHECK_FALSE(session->executeLine("playblast -st 4 -et 2 -f \"" + base + "\""));
 }
 
 TEST_CASE("the picture shows what the panel shows, upright") {

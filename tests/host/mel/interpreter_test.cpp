@@ -102,9 +102,11 @@ TEST_CASE("an error carries its place once, however deep it arose") {
         "Line 3.10: Syntax error: expected an expression but found \";\".");
   CHECK(mel.execute("breaks").error().message == "line 1: No object matches name: nothing");
   REQUIRE(mel.execute("global proc outer() {\n  eval(\"\\n\\nbreaks\");\n}", {"a.mel"}));
-  CHECK(mel.execute("outer").error().message == "line 3: No object matches name: nothing");
+  CHECK(mel.execute("outer").error().message ==
+        "line 3: No object matches name: nothing\n//   in outer, called from line 1");
   REQUIRE(mel.execute("global proc named() {\n  int $z = 0;\n  $z = 1 % $z;\n}", {"b.mel"}));
-  CHECK(mel.execute("named").error().message == "file: b.mel line 3: Division by zero error.");
+  CHECK(mel.execute("named").error().message ==
+        "file: b.mel line 3: Division by zero error.\n//   in named, called from line 1");
 }
 
 TEST_CASE("deferred scripts go to the host") {

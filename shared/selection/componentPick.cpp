@@ -1,4 +1,4 @@
-#include "modeling/componentPick.h"
+#include "shared/selection/componentPick.h"
 
 #include <maya/M3dView.h>
 #include <maya/MFnMesh.h>
@@ -58,9 +58,13 @@ MDagPathArray hilitedMeshes() {
 }
 
 pickedComponent componentUnder(const M3dView& view, short x, short y, int kind, MStatus* failure) {
+  return componentUnder(view, x, y, kind, hilitedMeshes(), failure);
+}
+
+pickedComponent componentUnder(const M3dView& view, short x, short y, int kind,
+                               const MDagPathArray& meshes, MStatus* failure) {
   pickedComponent best;
   double bestDepth = 0.0;
-  const MDagPathArray meshes = hilitedMeshes();
   if (meshes.length() == 0) return best;
   MStatus status;
   const viewProjector projector(view, &status);

@@ -8,7 +8,7 @@
 #include <maya/MPoint.h>
 #include <maya/MVector.h>
 
-#include "modeling/componentPick.h"
+#include "shared/selection/componentPick.h"
 
 /// Finds single components on the other side of a mesh's mirror plane, by asking for what lies at
 /// the mirrored place: logarithmic, where a table of all counterparts would cost the whole mesh.

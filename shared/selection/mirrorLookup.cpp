@@ -1,4 +1,4 @@
-#include "modeling/mirrorLookup.h"
+#include "shared/selection/mirrorLookup.h"
 
 #include <maya/MBoundingBox.h>
 #include <maya/MItMeshVertex.h>

@@ -37,6 +37,9 @@ MDagPathArray hilitedMeshes();
 /// @param failure gets the status of the last mesh that could not be asked, if any
 pickedComponent componentUnder(const M3dView& view, short x, short y, int kind,
                                MStatus* failure = nullptr);
+/// The same among some meshes, the one that is meant where two lie on one another last.
+pickedComponent componentUnder(const M3dView& view, short x, short y, int kind,
+                               const MDagPathArray& meshes, MStatus* failure = nullptr);
 
 /// The corners of a component in world space, in the order in which they bound it; empty when the
 /// mesh no longer has it.

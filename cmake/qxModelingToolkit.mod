@@ -1,0 +1,1 @@
++ qxModelingToolkit 0.1.0 ./qxModelingToolkit

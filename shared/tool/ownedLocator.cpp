@@ -1,0 +1,85 @@
+#include "shared/tool/ownedLocator.h"
+
+#include <maya/MDagModifier.h>
+#include <maya/MFnDagNode.h>
+#include <maya/MGlobal.h>
+#include <maya/MSelectionList.h>
+
+bool isSamePoints(const MPointArray& a, const MPointArray& b) {
+  if (a.length() != b.length()) return false;
+  for (unsigned int i = 0; i < a.length(); ++i)
+    if (a[i] != b[i]) return false;
+  return true;
+}
+
+MObject ownedLocator::make() const {
+  MDagModifier modifier;
+  MStatus status;
+  const MObject above = modifier.createNode(typeId, MObject::kNullObj, &status);
+  if (status == MS::kSuccess) status = modifier.doIt();
+  if (status != MS::kSuccess) {
+    MGlobal::displayError(unmadeMessage);
+    return MObject();
+  }
+  MObject made = above;
+  if (above.hasFn(MFn::kTransform)) made = MFnDagNode(above).child(0, &status);
+  MFnDagNode locator;
+  if (status == MS::kSuccess) status = locator.setObject(made);
+  if (status != MS::kSuccess) {
+    MGlobal::displayError("cannot attach the object to the MFnDagNode");
+    modifier.undoIt();
+    return MObject();
+  }
+  locator.setName(wantedName);
+  return made;
+}
+
+bool ownedLocator::create() {
+  MSelectionList selected, hilited;
+  MGlobal::getActiveSelectionList(selected);
+  MGlobal::getHiliteList(hilited);
+  const MObject made = make();
+  shape = made.isNull() ? MObjectHandle() : MObjectHandle(made);
+  if (!isThere()) return false;
+  const MString name = MFnDagNode(made).partialPathName();
+  MGlobal::executeCommand("select " + name, false, false);
+  showInIsolation(name);
+  MGlobal::setActiveSelectionList(selected, MGlobal::kReplaceList);
+  MGlobal::setHiliteList(hilited);
+  return true;
+}
+
+void ownedLocator::showInIsolation(const MString& name) const {
+  MString panel;
+  MGlobal::executeCommand("paneLayout -q -pane1 viewPanes", panel, false, false);
+  int isolates = 0;
+  if (panel.length() > 0)
+    MGlobal::executeCommand("isolateSelect -q -s " + panel, isolates, false, false);
+  if (isolates == 1)
+    MGlobal::executeCommand("isolateSelect -ado \"" + name + "\" " + panel, false, false);
+}
+
+bool ownedLocator::takeOver() {
+  shape = MObjectHandle();
+  MSelectionList list;
+  MObject node;
+  if (list.add(wantedName) != MS::kSuccess || list.getDependNode(0, node) != MS::kSuccess)
+    return false;
+  if (node.hasFn(MFn::kTransform)) {
+    const MFnDagNode transform(node);
+    node = transform.childCount() > 0 ? transform.child(0) : MObject();
+  }
+  if (node.isNull() || MFnDependencyNode(node).typeId() != typeId) return false;
+  shape = MObjectHandle(node);
+  return true;
+}
+
+void ownedLocator::remove() {
+  if (isThere()) {
+    const MFnDagNode locator(shape.object());
+    MObject node = locator.parentCount() > 0 ? locator.parent(0) : shape.object();
+    MDagModifier modifier;
+    if (modifier.deleteNode(node) == MS::kSuccess) modifier.doIt();
+  }
+  shape = MObjectHandle();
+}
