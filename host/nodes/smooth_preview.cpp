@@ -6,32 +6,19 @@
 
 #include "host/dg/graph.h"
 #include "host/ops/smooth/smooth_mesh.h"
+#include "host/scene/display_rules.h"
 
 namespace host::nodes {
 
-namespace {
-
-double numberOf(dg::Node& node, const char* attribute, double otherwise) {
-  const dg::Plug plug = node.plug(attribute);
-  if (!plug) return otherwise;
-  const Result<dg::Value> value = node.graph().get(plug);
-  if (!value) return otherwise;
-  if (const auto* real = std::get_if<double>(&*value)) return *real;
-  if (const auto* whole = std::get_if<std::int64_t>(&*value)) return static_cast<double>(*whole);
-  return otherwise;
-}
-
-}  // namespace
-
 SmoothPreview smoothPreviewOf(dg::Node& shape) {
   SmoothPreview result;
-  result.mode = static_cast<int>(numberOf(shape, "displaySmoothMesh", 0));
+  result.mode = static_cast<int>(scene::numberOr(shape, "displaySmoothMesh", 0));
   if (result.mode == 0) return result;
-  result.level = std::clamp(static_cast<int>(numberOf(shape, "smoothLevel", 2)), 0, 4);
-  result.keepsBorder = numberOf(shape, "keepBorder", 0) != 0;
-  result.keepsHardEdges = numberOf(shape, "keepHardEdge", 0) != 0;
-  result.smoothsUvs = numberOf(shape, "smoothUVs", 1) != 0;
-  result.continuity = std::clamp(numberOf(shape, "continuity", 1), 0.0, 1.0);
+  result.level = std::clamp(static_cast<int>(scene::numberOr(shape, "smoothLevel", 2)), 0, 4);
+  result.keepsBorder = scene::numberOr(shape, "keepBorder", 0) != 0;
+  result.keepsHardEdges = scene::numberOr(shape, "keepHardEdge", 0) != 0;
+  result.smoothsUvs = scene::numberOr(shape, "smoothUVs", 1) != 0;
+  result.continuity = std::clamp(scene::numberOr(shape, "continuity", 1), 0.0, 1.0);
   return result;
 }
 

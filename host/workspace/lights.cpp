@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "host/scene/dag_paths.h"
+#include "host/scene/display_rules.h"
 #include "host/viewport/display_colors.h"
 
 namespace host::workspace {
@@ -13,23 +14,6 @@ namespace {
 using math::Vec3;
 using scene::DagPath;
 using viewport::Light;
-
-double numberOf(dg::Node& node, const char* attribute, double otherwise) {
-  const dg::Plug plug = node.plug(attribute);
-  if (!plug) return otherwise;
-  const Result<dg::Value> value = node.graph().get(plug);
-  if (!value) return otherwise;
-  if (const auto* real = std::get_if<double>(&*value)) return *real;
-  if (const auto* whole = std::get_if<std::int64_t>(&*value)) return static_cast<double>(*whole);
-  return otherwise;
-}
-
-bool isShown(dg::Node& node) {
-  const bool overridden = numberOf(node, "overrideEnabled", 0) != 0;
-  return numberOf(node, "visibility", 1) != 0 && numberOf(node, "lodVisibility", 1) != 0 &&
-         numberOf(node, "intermediateObject", 0) == 0 &&
-         (!overridden || numberOf(node, "overrideVisibility", 1) != 0);
-}
 
 bool isSelected(const scene::Document& document, const DagPath& path) {
   return std::ranges::any_of(document.selection().items(), [&](const scene::SelectionItem& item) {
@@ -43,7 +27,7 @@ void forEachShape(scene::Document& document, Visit visit) {
   for (dg::Node* top : document.worldChildren()) {
     scene::PathWalk walk(DagPath({top}));
     while (!walk.isDone()) {
-      if (!isShown(walk.node())) {
+      if (!scene::isShown(walk.node()) || scene::isIntermediate(walk.node())) {
         walk.skipBelow();
         continue;
       }
@@ -59,24 +43,24 @@ Light lightAt(const DagPath& path) {
   Light light;
   light.position = math::transformPoint(Vec3{}, world);
   light.direction = math::normalized(math::transformVector(Vec3{0, 0, -1}, world));
-  const double intensity = numberOf(node, "intensity", 1);
-  light.color =
-      Vec3{numberOf(node, "colorR", 1), numberOf(node, "colorG", 1), numberOf(node, "colorB", 1)} *
-      intensity;
-  light.decay = numberOf(node, "decayRate", 0);
+  const double intensity = scene::numberOr(node, "intensity", 1);
+  light.color = Vec3{scene::numberOr(node, "colorR", 1), scene::numberOr(node, "colorG", 1),
+                     scene::numberOr(node, "colorB", 1)} *
+                intensity;
+  light.decay = scene::numberOr(node, "decayRate", 0);
   const dg::NodeType& type = node.type();
   if (type.isA("ambientLight")) {
     light.kind = Light::Kind::Ambient;
-    light.ambientShade = numberOf(node, "ambientShade", 0.45);
+    light.ambientShade = scene::numberOr(node, "ambientShade", 0.45);
   } else if (type.isA("pointLight") || type.isA("areaLight")) {
     light.kind = Light::Kind::Point;
   } else if (type.isA("spotLight")) {
     light.kind = Light::Kind::Spot;
-    const double half = 0.5 * numberOf(node, "coneAngle", 0.7);
-    const double penumbra = numberOf(node, "penumbraAngle", 0);
+    const double half = 0.5 * scene::numberOr(node, "coneAngle", 0.7);
+    const double penumbra = scene::numberOr(node, "penumbraAngle", 0);
     light.cosInner = std::cos(std::min(half, half + penumbra));
     light.cosOuter = std::cos(std::max(half, half + penumbra));
-    light.dropoff = numberOf(node, "dropoff", 0);
+    light.dropoff = scene::numberOr(node, "dropoff", 0);
   }
   return light;
 }
@@ -135,10 +119,12 @@ void drawMarks(scene::Document& document, viewport::SceneView& scene) {
     dg::Node& node = *path.node();
     std::vector<Vec3> lines;
     if (node.type().name == "locator" && scene.options.showLocators) {
-      const Vec3 center{numberOf(node, "localPositionX", 0), numberOf(node, "localPositionY", 0),
-                        numberOf(node, "localPositionZ", 0)};
-      const Vec3 size{numberOf(node, "localScaleX", 1), numberOf(node, "localScaleY", 1),
-                      numberOf(node, "localScaleZ", 1)};
+      const Vec3 center{scene::numberOr(node, "localPositionX", 0),
+                        scene::numberOr(node, "localPositionY", 0),
+                        scene::numberOr(node, "localPositionZ", 0)};
+      const Vec3 size{scene::numberOr(node, "localScaleX", 1),
+                      scene::numberOr(node, "localScaleY", 1),
+                      scene::numberOr(node, "localScaleZ", 1)};
       for (const Vec3& arm : {Vec3{size.x, 0, 0}, Vec3{0, size.y, 0}, Vec3{0, 0, size.z}}) {
         lines.push_back(center - arm);
         lines.push_back(center + arm);

@@ -5,6 +5,7 @@
 
 #include "host/nodes/set_group.h"
 #include "host/nodes/sets.h"
+#include "host/scene/display_rules.h"
 
 namespace host::workspace {
 
@@ -23,16 +24,6 @@ MaterialPtr unassigned() {
     return made;
   }();
   return material;
-}
-
-double numberOf(dg::Node& node, const char* attribute, double otherwise) {
-  const dg::Plug plug = node.plug(attribute);
-  if (!plug) return otherwise;
-  const Result<dg::Value> value = node.graph().get(plug);
-  if (!value) return otherwise;
-  if (const auto* real = std::get_if<double>(&*value)) return *real;
-  if (const auto* whole = std::get_if<std::int64_t>(&*value)) return static_cast<double>(*whole);
-  return otherwise;
 }
 
 /// The mean of a colour that may be textured.
@@ -57,15 +48,16 @@ void readHighlights(dg::Node& shader, ShadeNetwork& network, Material& material)
   if (!type.isA("reflect")) return;
   material.specular = colorOf(shader, "specularColor", network);
   if (type.isA("blinn")) {
-    const double eccentricity = std::clamp(numberOf(shader, "eccentricity", 0.3), 0.02, 0.99);
+    const double eccentricity =
+        std::clamp(scene::numberOr(shader, "eccentricity", 0.3), 0.02, 0.99);
     material.gloss = std::clamp(2 / (eccentricity * eccentricity) - 2, 1.0, 2000.0);
-    material.specular *= std::clamp(numberOf(shader, "specularRollOff", 0.7), 0.0, 1.0);
+    material.specular *= std::clamp(scene::numberOr(shader, "specularRollOff", 0.7), 0.0, 1.0);
   } else if (type.isA("phong")) {
     // About the mirrored direction; about the half vector the angle is half as large.
-    material.gloss = 4 * std::clamp(numberOf(shader, "cosinePower", 20), 2.0, 500.0);
+    material.gloss = 4 * std::clamp(scene::numberOr(shader, "cosinePower", 20), 2.0, 500.0);
   } else if (type.isA("phongE")) {
-    const double size = std::clamp(numberOf(shader, "highlightSize", 0.5), 0.02, 1.0);
-    const double roughness = std::clamp(numberOf(shader, "roughness", 0.5), 0.0, 1.0);
+    const double size = std::clamp(scene::numberOr(shader, "highlightSize", 0.5), 0.02, 1.0);
+    const double roughness = std::clamp(scene::numberOr(shader, "roughness", 0.5), 0.0, 1.0);
     material.gloss = std::clamp((24 - 16 * roughness) / (size * size), 1.0, 2000.0);
     material.specular *= 1 - 0.5 * roughness;
   }
@@ -167,7 +159,7 @@ MaterialPtr Materials::read(scene::Document& document, const dg::Plug& shader) {
   if (node.type().isA("lambert")) {
     readColor(document, node, "color", "transparency", *material);
     ShadeNetwork network({});
-    material->diffuse = numberOf(node, "diffuse", 0.8);
+    material->diffuse = scene::numberOr(node, "diffuse", 0.8);
     material->ambient = colorOf(node, "ambientColor", network);
     material->incandescence = colorOf(node, "incandescence", network);
     readHighlights(node, network, *material);
@@ -198,7 +190,7 @@ void Materials::readColor(scene::Document& document, dg::Node& shader, const cha
   ShadeNetwork network([&](dg::Node& node) {
     const Result<dg::Value> path = node.graph().get(node.plug("fileTextureName"));
     const auto* text = path ? std::get_if<std::string>(&*path) : nullptr;
-    const bool isOff = numberOf(node, "disableFileLoad", 0) != 0;
+    const bool isOff = scene::numberOr(node, "disableFileLoad", 0) != 0;
     nodes::PicturePtr picture =
         text && !isOff ? pictures_.find(*text, file.parent_path().string()) : nullptr;
     if (picture) found_.push_back(picture);

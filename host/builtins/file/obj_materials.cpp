@@ -6,6 +6,7 @@
 #include "host/base/messages.h"
 #include "host/nodes/set_group.h"
 #include "host/nodes/sets.h"
+#include "host/scene/display_rules.h"
 
 namespace host::builtins {
 
@@ -32,13 +33,6 @@ scene::SelectionList listOf(dg::Node& shape, const std::vector<io::ObjFaceRange>
 bool coversAll(const io::ObjFaceSet& set, Index faceCount) {
   return set.ranges.size() == 1 && set.ranges.front().first == 0 &&
          set.ranges.front().count == faceCount;
-}
-
-double numberOf(dg::Node& node, const char* attribute, double otherwise) {
-  const dg::Plug plug = node.plug(attribute);
-  const auto value = plug ? node.graph().get(plug) : Result<dg::Value>(dg::Value());
-  const auto* number = value ? std::get_if<double>(&*value) : nullptr;
-  return number ? *number : otherwise;
 }
 
 Vec3 colorOf(dg::Node& node, const char* attribute) {
@@ -72,7 +66,7 @@ io::MtlMaterial describe(dg::Node& shader, const std::string& name, const std::s
   io::MtlMaterial material;
   material.name = name;
   if (shader.plug("color")) {
-    material.diffuse = colorOf(shader, "color") * numberOf(shader, "diffuse", 1);
+    material.diffuse = colorOf(shader, "color") * scene::numberOr(shader, "diffuse", 1);
     material.diffuseMap = pathFrom(folder, pictureOf(shader, "color"));
     if (!material.diffuseMap.empty()) material.diffuse = Vec3{1, 1, 1};
   } else if (shader.plug("outColor")) {
@@ -86,8 +80,8 @@ io::MtlMaterial describe(dg::Node& shader, const std::string& name, const std::s
     material.opacity = std::clamp(1 - (clear.x + clear.y + clear.z) / 3, 0.0, 1.0);
   if (!shader.type().isA("reflect")) return material;
   material.specular = colorOf(shader, "specularColor");
-  const double eccentricity = std::max(0.02, numberOf(shader, "eccentricity", 0.3));
-  material.shininess = shader.type().isA("phong") ? numberOf(shader, "cosinePower", 20)
+  const double eccentricity = std::max(0.02, scene::numberOr(shader, "eccentricity", 0.3));
+  material.shininess = shader.type().isA("phong") ? scene::numberOr(shader, "cosinePower", 20)
                                                   : 2 / (eccentricity * eccentricity);
   return material;
 }
