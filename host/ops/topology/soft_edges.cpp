@@ -29,7 +29,7 @@ bool isSmoothAt(const Mesh& mesh, const EdgeSides& sides, double angle,
                 const math::Matrix4* space) {
   if (angle <= 0) return false;
   if (angle >= std::numbers::pi) return true;
-  if (sides.faceCount > 2) return true;
+  if (sides.faceCount > 2) return false;
   if (sides.faceCount < 2) return mesh.isEdgeSmooth(sides.edge);
   return isWithin(mesh, sides.first, sides.second, angle, space);
 }
