@@ -26,7 +26,9 @@
 #include "uv/loadUvObjectCmd.h"
 #include "uv/markUVInformationCmd.h"
 #include "uv/modifyUVNode.h"
+#include "uv/pinVertsCmd.h"
 #include "uv/scaleMoveAndSew.h"
+#include "uv/tweakUVVertsCmd.h"
 #include "uv/uvEditNode.h"
 #include "uv/uvLocatorDrawOverride.h"
 #include "uv/uvRatioCmd.h"
@@ -120,14 +122,14 @@ const registrationRow kLoadRows[] = {
     command<transferVertexNormalsCmd>("qxTransferVertexNormals", "transfer Vertex Normals command failed to register"),
     command<loadUvObjectCmd>("qxLoadUvObjectForMarking", "load uv object for marking command failed to register"),
     command<uvRatioCmd>("uvRatio", "uv ratio command failed to register"),
-    command("qxPinVertsCmd", "qxPinVertsCmd command failed to register"),
+    command<pinVertsCmd>("qxPinVertsCmd", "qxPinVertsCmd command failed to register"),
     command<markUVInformationCmd>("qxMarkUVInformation", "mark uv information command failed to register"),
     command("qxBuildUVObject", "buildUVObjectCmd command failed to register", buildUVObjectCmd::creator),
     context("baseBrushContext", "baseBrushContextCmd", "move brush context failed to register"),
     context("standardSculptBrushContext", "standardBrushContextCmd", "standard brush context failed to register"),
     context("tweakUvBrushContext", "tweakUvBrushContextCmd", "tweak uv brush context failed to register"),
     context("moveRotateScaleUVBrushContext", "moveRotateScaleUVBrushContextCmd", "tweak uv brush context failed to register"),
-    command("qxTweakUVVerts", "qxTweakUVVertscommand failed to register"),
+    command<tweakUVVertsCmd>("qxTweakUVVerts", "qxTweakUVVertscommand failed to register"),
     node(kNode, "qxModifyUvsNode", 0x112F9E, "qxModifyUvsNode failed to register", nullptr, modifyUVNode::creator, modifyUVNode::initialize),
     command<scaleMoveAndSew>("scaleMoveSewCmd", "registerCommand"),
     command<addUVNodeMessageCmd>("addUVNodeMessageCmd", "registerCommand"),

@@ -42,7 +42,7 @@ MStatus addUVNodeMessageCmd::doIt(const MArgList&) {
   const MStatus status = meshesToLayOut(selected);
   if (!status) return status;
   for (const MDagPath& mesh : selected)
-    if (!hasInHistory(mesh, "uvEditNode") && !uvLinks::isLinked(mesh.node()))
+    if (nodeInHistory(mesh, "uvEditNode").isNull() && !uvLinks::isLinked(mesh.node()))
       meshes.push_back(mesh);
   return redoIt();
 }

@@ -55,9 +55,11 @@ MStatus connectLayout(const uvObject& object, const MObject& node, const MString
   return status ? setUvSet(node, uvSet) : status;
 }
 
-/// Ties the hidden copy to the layout, so that who finds the one finds the other.
+/// Ties the hidden copy to the layout, so that who finds the one finds the other. A message, which
+/// would say no more than that, is refused by hosts where a number goes; the layout's own
+/// visibility says it too, and the copy is never seen.
 MStatus connectCopy(const uvObject& object) {
-  return connect({object.transform, "message", "cannot find the uv message attribute"},
+  return connect({object.transform, "visibility", "cannot find the uv message attribute"},
                  {object.copyShape().node(), "visibility", "cannot find the visibility attribute"},
                  "cannot connect the uv message plug to the visibility plug");
 }
@@ -74,7 +76,7 @@ MStatus buildUVObjectCmd::doIt(const MArgList&) {
   const MStatus status = meshesToLayOut(selected);
   if (!status) return status;
   for (const MDagPath& mesh : selected)
-    if (!hasInHistory(mesh, "uvEditNode")) meshes.push_back(mesh);
+    if (nodeInHistory(mesh, "uvEditNode").isNull()) meshes.push_back(mesh);
   return redoIt();
 }
 

@@ -50,7 +50,10 @@ uvArrays dataOf(MDataBlock& block) {
 }
 
 MStatus putOn(MFnMesh& mesh, const uvArrays& uvs) {
-  MStatus status = mesh.setUVs(uvs.u, uvs.v);
+  // Fewer UVs than there are only fit once no corner has one; all get theirs below.
+  const bool isFewer = static_cast<int>(uvs.u.length()) < mesh.numUVs();
+  MStatus status = isFewer ? mesh.clearUVs() : MStatus(MS::kSuccess);
+  if (status) status = mesh.setUVs(uvs.u, uvs.v);
   if (!status) return failWith("cannot set uvs on object " + status.errorString());
   status = mesh.assignUVs(uvs.counts, uvs.ids);
   return status ? status : failWith("cannot assign uvs on object " + status.errorString());

@@ -9,6 +9,7 @@
 #include <maya/MPlugArray.h>
 #include <maya/MString.h>
 
+#include "uv/freeName.h"
 #include "uv/markAttributes.h"
 #include "uv/uvMessages.h"
 
@@ -65,9 +66,8 @@ MStatus makeNode(MDagModifier& modifier, MObject& locator) {
   if (status) locator = above.child(0, &status);
   const MFnDagNode below(locator, &status);
   if (!status) return failWith("cannot attach the object to the MFnDagNode");
-  modifier.renameNode(transform, kLocatorName);
+  modifier.renameNode(locator, freeName(kLocatorName));
   if (!modifier.doIt()) return failWith("cannot create uvSelectLocator");
-  modifier.renameNode(locator, MFnDagNode(transform).name() + "Shape");
   MPlug isTemplate;
   status = find(locator, "template", isTemplate);
   if (!status) return status;

@@ -89,7 +89,9 @@ MStatus uvEditNode::compute(const MPlug& plug, MDataBlock& block) {
   }
   if (plug != outMesh) return MS::kUnknownParameter;
   const MObject arriving = block.inputValue(inMesh).asMesh();
-  const MObject layout = block.inputValue(inUVPolyMesh).asMesh();
+  // A UV object that was deleted may leave its last mesh in the block.
+  const bool hasLayout = MPlug(thisMObject(), inUVPolyMesh).isConnected();
+  const MObject layout = hasLayout ? block.inputValue(inUVPolyMesh).asMesh() : MObject::kNullObj;
   if (arriving.isNull() || layout.isNull()) {
     pass(arriving);
     return MS::kSuccess;

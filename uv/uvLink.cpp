@@ -6,6 +6,7 @@
 #include <maya/MFnMesh.h>
 #include <maya/MGlobal.h>
 #include <maya/MNodeMessage.h>
+#include <maya/MPlug.h>
 
 #include <cstdint>
 #include <cstring>
@@ -35,6 +36,12 @@ void onDirty(MObject&, MPlug& plug, void* clientData) {
   if (link && link->isWatched(plug)) link->writeBack();
 }
 
+MDagPath pathOf(const MObjectHandle& node) {
+  MDagPath path;
+  if (node.isValid()) MDagPath::getAPathTo(node.object(), path);
+  return path;
+}
+
 void onDestroyed(void* clientData) {
   uvLinks::drop(static_cast<int>(reinterpret_cast<std::intptr_t>(clientData)));
 }
@@ -51,41 +58,50 @@ double uvLink::places::z(std::size_t vertex) const {
   return at[0] * toWorld[0][2] + at[1] * toWorld[1][2] + at[2] * toWorld[2][2] + toWorld[3][2];
 }
 
-uvLink::uvLink(const uvLinks::ends& linkedIn, int numberIn)
-    : linked(linkedIn),
-      id(numberIn),
-      uvShape(linked.uvObject.node()),
+uvLink::uvLink(const uvLinks::ends& linked, int numberIn)
+    : uvShape(linked.uvObject.node()),
       meshShape(linked.mesh.node()),
-      tweak(linked.tweakNode) {
+      tweak(linked.tweakNode),
+      id(numberIn),
+      uvInstance(linked.uvObject.instanceNumber()),
+      uvSet(linked.uvSet) {
   const MFnDependencyNode shape(linked.uvObject.node());
-  outMesh = shape.findPlug("outMesh", false);
-  worldMatrix =
-      shape.findPlug("worldMatrix", false).elementByLogicalIndex(linked.uvObject.instanceNumber());
+  outMesh = shape.attribute("outMesh");
+  worldMatrix = shape.attribute("worldMatrix");
+}
+
+MDagPath uvLink::mesh() const {
+  return pathOf(meshShape);
+}
+
+MDagPath uvLink::uvObject() const {
+  return pathOf(uvShape);
 }
 
 bool uvLink::drives(const MObject& shape) const {
-  return meshShape.isAlive() && meshShape.object() == shape;
+  return uvShape.isValid() && meshShape.isValid() && meshShape.object() == shape;
 }
 
 bool uvLink::reads(const MObject& shape) const {
-  return uvShape.isAlive() && uvShape.object() == shape;
+  return meshShape.isValid() && uvShape.isValid() && uvShape.object() == shape;
 }
 
 bool uvLink::isWatched(const MPlug& plug) const {
-  return plug == outMesh || plug.attribute() == worldMatrix.attribute();
+  return plug.attribute() == outMesh || plug.attribute() == worldMatrix;
 }
 
 /// Reading through the plugs leaves them clean, so that the next change is told again.
 bool uvLink::read(places& now) const {
-  if (!uvShape.isValid() || !linked.uvObject.isValid()) return false;
-  const MObject matrix = worldMatrix.asMObject();
+  if (!uvShape.isValid()) return false;
+  const MPlug matrices(uvShape.object(), worldMatrix);
+  const MObject matrix = matrices.elementByLogicalIndex(uvInstance).asMObject();
   now.toWorld = matrix.hasFn(MFn::kMatrixData) ? MFnMatrixData(matrix).matrix()
-                                               : linked.uvObject.inclusiveMatrix();
+                                               : uvObject().inclusiveMatrix();
   MStatus status;
-  const MFnMesh mesh(linked.uvObject, &status);
+  const MFnMesh layout(uvShape.object(), &status);
   if (!status) return false;
-  const int count = mesh.numVertices(&status);
-  const float* points = status ? mesh.getRawPoints(&status) : nullptr;
+  const int count = layout.numVertices(&status);
+  const float* points = status ? layout.getRawPoints(&status) : nullptr;
   if (!status) return false;
   now.points.assign(points, points + 3 * static_cast<std::size_t>(count));
   return true;
@@ -93,26 +109,21 @@ bool uvLink::read(places& now) const {
 
 bool uvLink::begin() {
   if (!read(last)) return false;
-  const MFnMesh mesh(linked.mesh);
-  mesh.getUVs(uAtLink, vAtLink, &linked.uvSet);
+  MFnMesh(meshShape.object()).getUVs(uAtLink, vAtLink, &uvSet);
   const std::size_t count = last.count();
-  referenceX.resize(count);
-  referenceZ.resize(count);
-  for (std::size_t i = 0; i < count; ++i) {
-    referenceX[i] = last.x(i);
-    referenceZ[i] = last.z(i);
-  }
+  atLink.resize(count);
+  for (std::size_t i = 0; i < count; ++i) atLink[i] = {last.x(i), last.z(i), 0.0, 0.0};
   if (tweak.isValid()) {
     // What the node adds already is part of what it will have to add.
     const MPlug tweaks = MFnDependencyNode(tweak.object()).findPlug("uvTweak", false);
     const auto there = static_cast<std::size_t>(tweaks.evaluateNumElements());
     for (std::size_t i = 0; i < count && i < there; ++i) {
       const MPlug element = tweaks.elementByPhysicalIndex(static_cast<unsigned int>(i));
-      referenceX[i] -= placement.toDistance(element.child(0).asDouble());
-      referenceZ[i] -= placement.toDistance(element.child(1).asDouble());
+      atLink[i].tweakU = element.child(0).asDouble();
+      atLink[i].tweakV = element.child(1).asDouble();
     }
   }
-  MObject shape = linked.uvObject.node();
+  MObject shape = uvShape.object();
   return callbacks.add(MNodeMessage::addNodeDirtyPlugCallback(shape, onDirty, asClientData(id))) &&
          callbacks.add(
              MNodeMessage::addNodeDestroyedCallback(shape, onDestroyed, asClientData(id)));
@@ -139,12 +150,12 @@ std::vector<std::size_t> uvLink::movedSince(const places& before, const places& 
 }
 
 void uvLink::writeBack() {
-  if (isWriting || !meshShape.isValid() || !linked.mesh.isValid()) return;
+  if (isWriting || !meshShape.isValid()) return;
   places now;
   if (!read(now)) return;
   isWriting = true;
-  if (now.count() != referenceX.size()) {
-    complain("cannot set uvs on Mesh " + linked.mesh.fullPathName() +
+  if (now.count() != atLink.size()) {
+    complain("cannot set uvs on Mesh " + mesh().fullPathName() +
              " ..number of points do not match");
   } else {
     const bool isSameCount = last.count() == now.count();
@@ -166,19 +177,26 @@ void uvLink::writeOffsets(const places& now, const std::vector<std::size_t>& mov
     MStatus status;
     const MPlug element = tweaks.elementByPhysicalIndex(static_cast<unsigned int>(i), &status);
     if (!status) continue;
+    const start& from = atLink[i];
+    const double x = now.x(i) - from.x, z = now.z(i) - from.z;
     MPlug u = element.child(0), v = element.child(1);
-    u.setFloat(placement.toUv(now.x(i) - referenceX[i]));
-    v.setFloat(placement.toUv(now.z(i) - referenceZ[i]));
+    if (x == 0.0 && z == 0.0) {  // back where it was it gets exactly what it had
+      u.setDouble(from.tweakU);
+      v.setDouble(from.tweakV);
+      continue;
+    }
+    u.setFloat(placement.toUv(x + placement.toDistance(from.tweakU)));
+    v.setFloat(placement.toUv(z + placement.toDistance(from.tweakV)));
   }
   complaint.clear();
 }
 
 void uvLink::writeUvs(const places& now, const std::vector<std::size_t>& moved) {
-  MFnMesh mesh(linked.mesh);
+  MFnMesh meshFn(meshShape.object());
   MFloatArray u, v;
-  mesh.getUVs(u, v, &linked.uvSet);
+  meshFn.getUVs(u, v, &uvSet);
   if (static_cast<std::size_t>(u.length()) != now.count()) {
-    complain("cannot set uvs on Mesh " + linked.mesh.fullPathName() +
+    complain("cannot set uvs on Mesh " + mesh().fullPathName() +
              " ..number of points do not match");
     return;
   }
@@ -186,15 +204,14 @@ void uvLink::writeUvs(const places& now, const std::vector<std::size_t>& moved) 
   for (const std::size_t i : moved) {
     const auto uv = static_cast<unsigned int>(i);
     const double x = now.x(i), z = now.z(i);
-    // Back where it was it gets exactly what it had.
-    const bool isBack = knowsUvs && x == referenceX[i] && z == referenceZ[i];
+    const bool isBack = knowsUvs && x == atLink[i].x && z == atLink[i].z;
     u[uv] = isBack ? uAtLink[uv] : placement.toUv(x);
     v[uv] = isBack ? vAtLink[uv] : placement.toUv(z);
   }
-  if (mesh.setUVs(u, v, &linked.uvSet))
+  if (meshFn.setUVs(u, v, &uvSet))
     complaint.clear();
   else
-    complain("cannot set uvs on Mesh " + linked.mesh.fullPathName());
+    complain("cannot set uvs on Mesh " + mesh().fullPathName());
 }
 
 /// A drag would say the same at each step.

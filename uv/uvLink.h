@@ -2,7 +2,6 @@
 
 #include <maya/MMatrix.h>
 #include <maya/MObjectHandle.h>
-#include <maya/MPlug.h>
 #include <maya/MStatus.h>
 
 #include <cstddef>
@@ -13,7 +12,7 @@
 #include "uv/uvLinks.h"
 #include "uv/uvPlacement.h"
 
-class MFnMesh;
+class MPlug;
 
 /// One mesh that follows a UV object by callbacks.
 ///
@@ -33,9 +32,11 @@ class uvLink {
   void writeBack();
 
   int number() const { return id; }
+  /// Whether both are in the scene and this is the mesh, or the UV object.
   bool drives(const MObject& meshShape) const;
   bool reads(const MObject& uvObjectShape) const;
-  const MDagPath& mesh() const { return linked.mesh; }
+  MDagPath mesh() const;
+  MDagPath uvObject() const;
   /// Whether a change of this plug of the UV object can have moved a vertex.
   bool isWatched(const MPlug& plug) const;
 
@@ -54,15 +55,23 @@ class uvLink {
   void writeUvs(const places& now, const std::vector<std::size_t>& moved);
   void complain(const MString& text);
 
-  uvLinks::ends linked;
-  int id;
-  uvPlacement placement;
+  // Handles alone: a path or a plug would keep nodes alive that the user has done away with, and
+  // paths change when things are parented.
   MObjectHandle uvShape, meshShape, tweak;
-  MPlug outMesh, worldMatrix;                  ///< of the UV object, what is watched
-  std::vector<double> referenceX, referenceZ;  ///< cm, the world; a vertex each
+  int id;
+  unsigned int uvInstance;
+  MString uvSet;
+  uvPlacement placement;
+  MObject outMesh, worldMatrix;  ///< the attributes of the UV object that are watched
+  /// How one vertex and its UV stood when they were linked.
+  struct start {
+    double x, z;            ///< cm, the world
+    double tweakU, tweakV;  ///< what the tweak node added already
+  };
+  std::vector<start> atLink;
   places last;
-  MFloatArray uAtLink, vAtLink;
-  MString complaint;  ///< the last that was shown
+  MFloatArray uAtLink, vAtLink;  ///< of the mesh
+  MString complaint;             ///< the last that was shown
   bool isWriting = false;
   ownedCallbacks callbacks;
 };

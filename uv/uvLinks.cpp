@@ -59,4 +59,9 @@ MDagPath meshOf(const MObject& uvObjectShape) {
   return link ? link->mesh() : MDagPath();
 }
 
+MDagPath uvObjectOf(const MObject& meshShape) {
+  const uvLink* link = firstThat([&](const uvLink& each) { return each.drives(meshShape); });
+  return link ? link->uvObject() : MDagPath();
+}
+
 }  // namespace uvLinks

@@ -29,5 +29,7 @@ void dropAll();
 bool isLinked(const MObject& meshShape);
 /// The mesh that a UV object drives; an invalid path when it drives none.
 MDagPath meshOf(const MObject& uvObjectShape);
+/// The UV object that drives a mesh; an invalid path when none does.
+MDagPath uvObjectOf(const MObject& meshShape);
 
 }  // namespace uvLinks

@@ -166,14 +166,14 @@ MStatus meshesToLayOut(std::vector<MDagPath>& meshes) {
   return MS::kSuccess;
 }
 
-bool hasInHistory(const MDagPath& mesh, const char* nodeType) {
+MObject nodeInHistory(const MDagPath& mesh, const char* nodeType) {
   MObject node = mesh.node();
   for (;;) {
     MPlugArray drivers;
     const MPlug input = meshInput(node);
     if (input.isNull() || !input.connectedTo(drivers, true, false) || drivers.length() == 0)
-      return false;
+      return MObject();
     node = drivers[0].node();
-    if (MFnDependencyNode(node).typeName() == nodeType) return true;
+    if (MFnDependencyNode(node).typeName() == nodeType) return node;
   }
 }

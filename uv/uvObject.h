@@ -33,6 +33,6 @@ struct uvObject {
 /// with a face that has no UVs on its current set, is an error, which is shown.
 MStatus meshesToLayOut(std::vector<MDagPath>& meshes);
 
-/// Whether a mesh's history, followed from node to node through the mesh inputs, has a node of
-/// that type.
-bool hasInHistory(const MDagPath& mesh, const char* nodeType);
+/// The last node of a type in a mesh's history, followed from node to node through the mesh inputs;
+/// null when there is none.
+MObject nodeInHistory(const MDagPath& mesh, const char* nodeType);

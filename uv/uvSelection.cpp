@@ -9,8 +9,10 @@
 
 #include <algorithm>
 
+#include "shared/mesh/mathHelper.h"
 #include "shared/mesh/shownMesh.h"
 #include "shared/numeric/indexArrays.h"
+#include "shared/selection/componentGather.h"
 
 namespace {
 
@@ -125,4 +127,20 @@ std::vector<selectedUvs> uvsIn(const MSelectionList& selection) {
   for (selectedUvs& each : all)
     if (each.isWhole) each.uvs.clear();
   return all;
+}
+
+MIntArray verticesIn(const MSelectionList& selection, const MDagPath& mesh) {
+  MSelectionList own;
+  for (unsigned int i = 0; i < selection.length(); ++i) {
+    MDagPath path;
+    MObject component;
+    if (!selection.getDagPath(i, path, component) || component.isNull()) continue;
+    if (extendToShownMesh(path) && path.node() == mesh.node()) own.add(path, component);
+  }
+  MIntArray vertices;
+  MDagPath path;
+  appendSelectedVertices(own, path, vertices);
+  appendSelectedEdgeEnds(own, path, vertices);
+  appendSelectedFaceVertices(own, path, vertices);
+  return mathHelper().uniqueSorted(vertices);
 }

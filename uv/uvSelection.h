@@ -18,3 +18,6 @@ struct selectedUvs {
 /// order of the selection. Faces stand for the UVs of their corners, vertices and edges for those
 /// that they have in the faces around them. Items that are no mesh are left out.
 std::vector<selectedUvs> uvsIn(const MSelectionList& selection);
+
+/// The selected vertices of one mesh, and those of its selected edges and faces, ascending.
+MIntArray verticesIn(const MSelectionList& selection, const MDagPath& mesh);

@@ -9,6 +9,7 @@
 #include "host/app/options.h"
 #include "host/app/paths.h"
 #include "host/app/preferences.h"
+#include "host/app/program.h"
 #include "host/app/progress.h"
 #include "host/app/prompt.h"
 #include "host/app/replay.h"
@@ -132,11 +133,9 @@ int run(const Options& options) {
 }
 
 }  // namespace
-}  // namespace host::app
 
-int main(int argc, char** argv) {
-  using namespace host::app;
-  host::keepFreedMemory();
+int runProgram(int argc, char** argv) {
+  keepFreedMemory();
   Options options;
   const int ended = parseOptions(argc, argv, options);
   if (ended >= 0) return ended;
@@ -161,3 +160,5 @@ int main(int argc, char** argv) {
     return kScriptFailed;
   }
 }
+
+}  // namespace host::app

@@ -1,6 +1,16 @@
-#include <chrono>
-#include <cstdlib>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <utility>
+
+#include "host/base/cancel.h"
 #include "host/mel/builtin_support.h"
 
 namespace host::mel {
@@ -133,17 +143,62 @@ Result<void> putenvFunction(Engine&, std::span<Value> arguments, Value& result) 
       });
 }
 
-/// Runs a shell command and gives what it printed.
+/// A shell command at work, with its output to be read; ended with its reader.
+class ShellCommand {
+ public:
+  explicit ShellCommand(const std::string& command) {
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) return;
+    process_ = ::fork();
+    if (process_ == 0) {
+      ::dup2(ends[1], STDOUT_FILENO);
+      ::signal(SIGINT, SIG_DFL);
+      ::execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+      ::_exit(127);
+    }
+    ::close(ends[1]);
+    output_ = ends[0];
+    if (process_ < 0) ::close(std::exchange(output_, -1));
+  }
+  ~ShellCommand() {
+    if (output_ >= 0) ::close(output_);
+    if (process_ > 0) ::waitpid(process_, nullptr, 0);
+  }
+  ShellCommand(const ShellCommand&) = delete;
+  ShellCommand& operator=(const ShellCommand&) = delete;
+  [[nodiscard]] bool hasStarted() const { return output_ >= 0; }
+
+  /// Adds what it prints to its end. @return false when the program was asked to stop meanwhile
+  bool readAll(std::string& text) {
+    std::array<char, 4096> buffer{};
+    constexpr int kPatience = 100;  // milliseconds between looks at whether to stop
+    while (true) {
+      pollfd end{output_, POLLIN, 0};
+      const int ready = ::poll(&end, 1, kPatience);
+      if (isCancelled()) {
+        ::kill(process_, SIGTERM);
+        return false;
+      }
+      if (ready <= 0) continue;
+      const ssize_t count = ::read(output_, buffer.data(), buffer.size());
+      if (count == 0 || (count < 0 && errno != EINTR)) return true;
+      if (count > 0) text.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+  }
+
+ private:
+  pid_t process_ = -1;
+  int output_ = -1;
+};
+
+/// Runs a shell command and gives what it printed. Ctrl-C ends it.
 Result<void> systemFunction(Engine&, std::span<Value> arguments, Value& result) {
   return unpack<std::string>(arguments, [&](const std::string& command) -> Result<void> {
     std::fflush(nullptr);
-    std::FILE* pipe = ::popen(command.c_str(), "r");
-    if (!pipe) return fail("system: \"{}\" could not be started.", command);
+    ShellCommand shell(command);
+    if (!shell.hasStarted()) return fail("system: \"{}\" could not be started.", command);
     std::string output;
-    char buffer[4096];
-    for (std::size_t count; (count = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
-      output.append(buffer, count);
-    ::pclose(pipe);
+    if (!shell.readAll(output)) return cancelled();
     result = Value(std::move(output));
     return {};
   });

@@ -1,7 +1,8 @@
-#include <numeric>
+#include <algorithm>
 
 #include "host/mesh/shells.h"
 #include "host/modelling/declare/declaration.h"
+#include "host/nodes/uv_pins.h"
 #include "host/ops/uv/layout.h"
 #include "host/ops/uv/separate_uvs.h"
 #include "host/ops/uv/uv_ids.h"
@@ -34,6 +35,41 @@ Result<Options> optionsOf(const HistoryContext& context) {
   return options;
 }
 
+/// The shells that have one of the faces.
+std::vector<std::uint8_t> shellsOf(const mesh::UvShells& shells, std::span<const FaceId> faces) {
+  std::vector<std::uint8_t> isNamed(static_cast<std::size_t>(shells.count), 0);
+  for (const FaceId f : faces)
+    if (const Index shell = shells.ofFace[static_cast<std::size_t>(f)]; shell != kNone)
+      isNamed[static_cast<std::size_t>(shell)] = 1;
+  return isNamed;
+}
+
+std::vector<FaceId> standingFaces(const HistoryContext& context) {
+  std::vector<FaceId> faces;
+  const auto* attribute = context.node().plug("standingFaces").attribute();
+  if (const auto list = context.block.data<dg::IntArrayData>(attribute))
+    for (const FaceId f : list->value)
+      if (f >= 0 && f < context.mesh.faceCount()) faces.push_back(f);
+  return faces;
+}
+
+/// Shells with pinned UVs stand where they are; the others are laid around them.
+Result<void> keepPins(Context& context, const ParsedArgs& args, Node& node, const MeshItem& item,
+                      const std::vector<Index>&) {
+  const auto set = ops::findUvSet(item.mesh, args.text("uvSetName"));
+  if (!set) return failWith(set.error());
+  const std::vector<Index> pinned = nodes::pinnedShells(*item.path.node(), item.mesh, *set);
+  if (pinned.empty()) return {};
+  const mesh::UvShells shells = mesh::findUvShells(item.mesh, *set);
+  std::vector<std::int32_t> faces;
+  for (FaceId f = 0; f < item.mesh.faceCount(); ++f)
+    if (std::ranges::binary_search(pinned, shells.ofFace[static_cast<std::size_t>(f)]))
+      faces.push_back(f);
+  return context.document.graph().set(
+      node.plug("standingFaces"),
+      dg::Value(dg::DataPtr(std::make_shared<dg::IntArrayData>(std::move(faces)))));
+}
+
 Result<void> layOut(HistoryContext& context) {
   const auto set = ops::findUvSet(context.mesh, context.text("uvSetName"));
   if (!set) return failWith(set.error());
@@ -45,16 +81,17 @@ Result<void> layOut(HistoryContext& context) {
   mesh::Mesh mesh = context.mesh;
   if (*separate > 0) ops::separateUvs(mesh, *set, faces, *separate == 2);
   const mesh::UvShells shells = mesh::findUvShells(mesh, *set);
-  std::vector<std::uint8_t> isNamed(static_cast<std::size_t>(shells.count), 0);
-  for (const FaceId f : faces)
-    if (const Index shell = shells.ofFace[static_cast<std::size_t>(f)]; shell != kNone)
-      isNamed[static_cast<std::size_t>(shell)] = 1;
+  const std::vector<std::uint8_t> isNamed = shellsOf(shells, faces);
+  const std::vector<std::uint8_t> stands = shellsOf(shells, standingFaces(context));
   ops::LayoutPart part;
   part.mesh = &mesh;
   part.uvSet = *set;
   part.world = context.matrix("inputMatrix");
   for (Index s = 0; s < shells.count; ++s)
-    if (isNamed[static_cast<std::size_t>(s)]) part.shells.push_back(s);
+    if (stands[static_cast<std::size_t>(s)])
+      part.standing.push_back(s);
+    else if (isNamed[static_cast<std::size_t>(s)])
+      part.shells.push_back(s);
   const auto done = ops::layoutUvs({&part, 1}, *options);
   if (!done) return failWith(done.error());
   context.mesh = std::move(mesh);
@@ -84,6 +121,10 @@ void polyLayoutUv(Declarations& add) {
       .parameter(choice("layoutMethod", "lm", {"Boxes", "Outlines"}),
                  "0 packs bounding boxes, 1 outlines")
       .commandSets(1)
+      .parameter(hidden(dg::makeTyped("standingFaces", "stf", "Int32Array")),
+                 "faces of pinned shells: they stay, the others are laid around them")
+      .noFlag()
+      .afterFlags(keepPins)
       .trial("-sc 1 -se 0 -rbf 1 -fr 1 -ps 0.2 -l 2", "f")
       .trial("-l 1 -lm 0 -ws 1", "object")
       .trial("-se 2 -sc 2 -rbf 2", "object")

@@ -1,11 +1,13 @@
 #include "host/ops/uv/unfold.h"
 
-#include <numeric>
+#include <algorithm>
+#include <iterator>
 
 #include "host/base/messages.h"
 #include "host/mesh/shells.h"
 #include "host/modelling/declare/declaration.h"
 #include "host/modelling/declare/history_command.h"
+#include "host/nodes/uv_pins.h"
 #include "host/ops/uv/uv_ids.h"
 
 namespace host::modelling {
@@ -74,6 +76,26 @@ Result<void> optimize(HistoryContext& context) {
   return {};
 }
 
+/// UVs that are pinned in the shape stay: they are taken out of those that move, or with
+/// -pinSelected added to those that stay.
+Result<void> keepPins(Context& context, const ParsedArgs& args, Node& node, const MeshItem& item,
+                      const std::vector<Index>& named) {
+  const auto set = ops::findUvSet(item.mesh, args.text("uvSetName"));
+  if (!set) return failWith(set.error());
+  const std::vector<UvId> pinned = nodes::pinnedUvs(*item.path.node(), item.mesh, *set);
+  if (pinned.empty()) return {};
+  std::vector<Index> uvs;
+  if (args.boolean("pinSelected"))
+    std::ranges::set_union(named, pinned, std::back_inserter(uvs));
+  else
+    std::ranges::set_difference(named, pinned, std::back_inserter(uvs));
+  std::vector<scene::Component> components;
+  components.push_back(nodes::componentFromIds(item.mesh, ComponentType::Uv, std::move(uvs)));
+  return context.document.graph().set(
+      node.plug("inputComponents"),
+      dg::Value(dg::DataPtr(std::make_shared<scene::ComponentListData>(std::move(components)))));
+}
+
 /// The command gives the rounds that were done, not the nodes. Shells that could not be unfolded
 /// are named; when there was nothing else, that is an error.
 CommandResult create(Context& context, const ParsedArgs& args, const Declaration& declaration) {
@@ -114,6 +136,7 @@ void unfold(Declarations& add) {
                  "of the global method: 1 keeps edge lengths, 0 areas")
       .trial("-i 50 -ss 0.001 -gb 0.1 -gmb 0.5 -pub 0 -ps 0 -us off", "map")
       .trial("-i 20 -ps 1 -oa 1", "map")
+      .afterFlags(keepPins)
       .creates(create)
       .operation(optimize);
 }

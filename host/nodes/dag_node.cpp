@@ -96,8 +96,12 @@ Result<Computed> computeInstanceMatrix(const DagAttributes& attributes, Node& no
     store(inverseOrIdentity(*forward));
     return Computed::Done;
   }
-  const scene::PathAbove above = scene::pathAbove(node, static_cast<std::uint64_t>(instance));
+  scene::PathAbove above = scene::pathAbove(node, static_cast<std::uint64_t>(instance));
   if (wanted == attributes.parent) {
+    // Under a node that is between two places there is no path to the top. Who asks then has to
+    // hang on that node all the same, to hear when it has its place.
+    const std::vector<Node*>& parents = scene::dagLinks(node).parents;
+    if (!above.isThere && instance == 0 && !parents.empty()) above = {parents.front(), 0};
     if (!above.parent) {
       store({});
       return Computed::Done;

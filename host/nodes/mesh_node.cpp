@@ -4,6 +4,7 @@
 #include <memory>
 #include <utility>
 
+#include "host/nodes/corner_override.h"
 #include "host/nodes/dag_node.h"
 #include "host/nodes/mesh_access.h"
 #include "host/scene/dag_paths.h"
@@ -40,21 +41,6 @@ void applyTweaks(dg::Graph& graph, const Plug& tweaks, Mesh& mesh) {
   }
 }
 
-bool hasSameCounts(const Mesh& a, const Mesh& b) {
-  return a.vertexCount() == b.vertexCount() && a.edgeCount() == b.edgeCount() &&
-         a.faceCount() == b.faceCount() && a.cornerCount() == b.cornerCount();
-}
-
-/// The corner data of `override` on the points and faces of `arriving`.
-Mesh withCornerData(const Mesh& arriving, const Mesh& override) {
-  Mesh mesh = override;
-  if (!mesh.sharesTopologyWith(arriving) && mesh.topology() != arriving.topology())
-    mesh.setTopology(arriving.topology());
-  if (!mesh.sharesPointsWith(arriving))
-    mesh.setPoints(std::vector<math::Vec3f>(arriving.points().begin(), arriving.points().end()));
-  return mesh;
-}
-
 Result<Computed> computeOutMesh(const MeshAttributes& a, Node& node, DataBlock& block) {
   auto arriving = block.input(Plug(&node, a.inMesh));
   if (!arriving) return failWith(arriving.error());
@@ -64,13 +50,15 @@ Result<Computed> computeOutMesh(const MeshAttributes& a, Node& node, DataBlock& 
     return Computed::Done;
   }
   Mesh mesh = data->mesh;
-  const auto override = block.data<MeshData>(a.override);
-  if (override && hasSameCounts(mesh, override->mesh)) mesh = withCornerData(mesh, override->mesh);
+  const auto override = block.input(Plug(&node, a.override));
+  if (!override) return failWith(override.error());
+  const bool isEdited = dg::dataAs<CornerOverride>(*override) != nullptr;
+  if (isEdited) mesh = withOverride(data->mesh, *override);
   applyTweaks(block.graph(), Plug(&node, a.tweaks), mesh);
-  const bool isAsItCame = !override && mesh.sharesPointsWith(data->mesh);
-  block.output(
-      a.outMesh,
-      isAsItCame ? *arriving : dg::Value(dg::DataPtr(std::make_shared<MeshData>(std::move(mesh)))));
+  const bool isAsItCame = !isEdited && mesh.sharesPointsWith(data->mesh);
+  block.output(a.outMesh, isAsItCame ? *arriving
+                                     : dg::Value(dg::DataPtr(std::make_shared<MeshData>(
+                                           std::move(mesh), data->groups))));
   return Computed::Done;
 }
 
@@ -95,8 +83,8 @@ Result<Computed> computeWorldMesh(const MeshAttributes& a, Node& node, Index ins
   if (!data || !world || math::isIdentity(world->value))
     block.output(out, *object);
   else
-    block.output(out,
-                 dg::DataPtr(std::make_shared<MeshData>(transformed(data->mesh, world->value))));
+    block.output(out, dg::DataPtr(std::make_shared<MeshData>(transformed(data->mesh, world->value),
+                                                             data->groups)));
   return Computed::Done;
 }
 
@@ -178,6 +166,7 @@ void registerMesh(dg::TypeRegistry& types) {
   access->addTo(builder, a.inMesh);
   builder.add(
       numbers("uvPivot", "pv", "double2", {real("uvPivotX", "pvx"), real("uvPivotY", "pvy")}));
+  builder.add(array(dg::makeTyped("pinData", "pd", "dataPolyComponent")));
   builder.add(dg::makeTyped("tweakLocation", "twl", "Int32Array"));
   builder.add(array(compound("componentTags", "gtag",
                              {text("componentTagName", "gtagnm"),

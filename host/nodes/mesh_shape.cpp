@@ -5,6 +5,7 @@
 #include <limits>
 #include <memory>
 
+#include "host/nodes/corner_override.h"
 #include "host/nodes/mesh_node.h"
 
 namespace host::nodes {
@@ -130,7 +131,8 @@ bool hasTweaks(Node& shape) {
   return shape.graph().elementCount(shape.plug("pnts")) > 0;
 }
 bool hasOverride(Node& shape) {
-  return dg::dataAs<MeshData>(shape.graph().stored(shape.plug(kMeshOverrideAttribute))) != nullptr;
+  return dg::dataAs<CornerOverride>(shape.graph().stored(shape.plug(kMeshOverrideAttribute))) !=
+         nullptr;
 }
 
 Result<Mesh> evaluatedMesh(Node& shape) {
@@ -228,8 +230,9 @@ Result<void> setEvaluatedMesh(Node& shape, Mesh mesh) {
     return fail("'{}' has construction history: its faces cannot be replaced", shape.name());
   if (!mesh.sharesPointsWith(*now) && !std::ranges::equal(mesh.points(), now->points()))
     HOST_TRY(setEvaluatedPoints(shape, mesh.points()));
-  return shape.graph().set(shape.plug(kMeshOverrideAttribute),
-                           dg::DataPtr(std::make_shared<MeshData>(std::move(mesh))));
+  auto override = makeOverride(shape, std::move(mesh));
+  if (!override) return failWith(override.error());
+  return shape.graph().set(shape.plug(kMeshOverrideAttribute), *std::move(override));
 }
 
 std::vector<scene::DagPath> meshPaths(const scene::DagPath& path) {

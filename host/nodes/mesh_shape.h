@@ -40,8 +40,8 @@ Result<void> setPointsIn(const scene::DagPath& shape, Space space,
 
 /// Replaces everything but positions and topology (UVs, smoothness, creases, colours, normals) of
 /// the evaluated mesh. Without history it is stored, below the tweaks; with history the shape keeps
-/// the edit as an override of its output that lasts until the topology that arrives has other
-/// counts.
+/// the edit as an override of its output; what the history brings anew after that replaces the
+/// part of the edit that it is about, and all of it ends when the topology has other counts.
 Result<void> setEvaluatedMesh(dg::Node& shape, mesh::Mesh mesh);
 
 /// Inserts a history node with mesh plugs `input` and `output` just before the shape. A shape

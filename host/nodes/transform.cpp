@@ -74,7 +74,7 @@ void registerTransform(dg::TypeRegistry& types) {
   addLimits(builder, "Rot", "r", AttributeType::Angle, -0.78539816339744828, 0.78539816339744828);
   addLimits(builder, "Scale", "s", AttributeType::Double, -1, 1);
   builder.add(matrix("offsetParentMatrix", "opm"));
-  builder.add(matrix("xformMatrix", "xm"));
+  const Attribute* xform = builder.add(output(matrix("xformMatrix", "xm")));
   const Attribute* inherits = builder.add(boolean("inheritsTransform", "it", true));
   builder.add(boolean("displayHandle", "dh"));
   builder.add(boolean("displayScalePivot", "dsp"));
@@ -94,11 +94,11 @@ void registerTransform(dg::TypeRegistry& types) {
 
   const Attribute* local = builder["matrix"];
   const Attribute* world = builder["worldMatrix"];
-  for (const Attribute* part : parts) builder.affects({part}, {local});
-  builder.affects({order}, {local});
+  for (const Attribute* part : parts) builder.affects({part}, {local, xform});
+  builder.affects({order}, {local, xform});
   builder.affects({inherits}, {world, builder["worldInverseMatrix"]});
   builder.affects({parts[0], parts[4]}, {beforePivot});
-  builder.type().compute = [parts, order, local, beforePivot](
+  builder.type().compute = [parts, order, local, xform, beforePivot](
                                Node& node, const Plug& plug, DataBlock& block) -> Result<Computed> {
     if (plug.attribute() == beforePivot || plug.attribute()->parent == beforePivot) {
       const Vec3 difference = block.vec3(parts[0]) - block.vec3(parts[4]);
@@ -106,12 +106,13 @@ void registerTransform(dg::TypeRegistry& types) {
         block.output(Plug(&node, beforePivot).child(axis), difference[axis]);
       return Computed::Done;
     }
-    if (plug.attribute() != local) return Computed::Unhandled;
+    if (plug.attribute() != local && plug.attribute() != xform) return Computed::Unhandled;
     TransformComponents components;
     for (std::size_t i = 0; i < parts.size(); ++i)
       components.*kVectorParts[i].member = block.vec3(parts[i]);
     components.rotateOrder = orderFrom(block.integer(order));
-    block.output(local, dg::DataPtr(std::make_shared<dg::MatrixData>(math::toMatrix(components))));
+    block.output(plug.attribute(),
+                 dg::DataPtr(std::make_shared<dg::MatrixData>(math::toMatrix(components))));
     return Computed::Done;
   };
   builder.finish();

@@ -57,7 +57,7 @@ Picker::Query::Query(Picker& picker, const SceneView& scene)
     target.rays = spatial::Accelerator::of(object.mesh);
     target.toObject = math::inverse(object.world);
     const DisplayStyle style = object.style.value_or(scene.options.style);
-    target.isShaded = object.state != ObjectState::Template && style != DisplayStyle::Wireframe;
+    target.isShaded = viewport::isPickable(object.state) && style != DisplayStyle::Wireframe;
     target.hides =
         target.isShaded && !object.xray && !scene.options.xray && target.toObject.has_value();
     targets_.push_back(std::move(target));
@@ -66,7 +66,7 @@ Picker::Query::Query(Picker& picker, const SceneView& scene)
 
 bool Picker::Query::isPickable(std::size_t mesh, const PickOptions& options) const {
   const ObjectState state = scene_.meshes[mesh].state;
-  return state != ObjectState::Template && (!options.onlyHilited || state == ObjectState::Hilited);
+  return viewport::isPickable(state) && (!options.onlyHilited || state == ObjectState::Hilited);
 }
 
 bool Picker::Query::isVisible(const Vec3& point) const {
@@ -126,7 +126,7 @@ std::vector<FaceId> Picker::Query::facesNear(const Target& target, ViewPoint cur
   const ViewRay corners[4] = {corner(-1, -1), corner(1, -1), corner(1, 1), corner(-1, 1)};
   const ViewRay middle = corner(0, 0);
   const Vec3 inside = (middle.nearPoint + middle.farPoint) * 0.5;
-  PickRegion region;
+  spatial::PickRegion region;
   const auto add = [&](const Vec3& a, const Vec3& b, const Vec3& c) {
     math::Plane plane(a, math::cross(b - a, c - a));
     if (plane.signedDistance(inside) > 0) plane = math::Plane(a, -plane.normal);

@@ -1,10 +1,12 @@
 #include "host/viewport/scene_gather.h"
 
 #include <algorithm>
+#include <optional>
 #include <span>
 #include <unordered_map>
 
 #include "host/scene/dag_paths.h"
+#include "host/scene/display_rules.h"
 #include "host/scene/mesh_data.h"
 
 namespace host::viewport {
@@ -16,33 +18,50 @@ using scene::ComponentType;
 using scene::DagPath;
 using scene::SelectionItem;
 
-/// A number of a node, or `otherwise` where the type has no such attribute or it can't be computed.
-double number(dg::Node& node, std::string_view attribute, double otherwise) {
-  const dg::Plug plug = node.plug(attribute);
-  if (plug.isNull()) return otherwise;
-  const Result<dg::Value> value = node.graph().get(plug);
-  if (!value) return otherwise;
-  if (const auto* real = std::get_if<double>(&*value)) return *real;
-  if (const auto* integer = std::get_if<std::int64_t>(&*value))
-    return static_cast<double>(*integer);
-  return otherwise;
+bool isOn(dg::Node& node, std::string_view attribute) {
+  return scene::numberOr(node, attribute, 0) != 0;
 }
 
-bool isOn(dg::Node& node, std::string_view attribute, bool otherwise) {
-  return number(node, attribute, otherwise ? 1 : 0) != 0;
+/// The 31 colours that override by number.
+Rgba indexedColor(int index) {
+  constexpr std::uint32_t kPalette[] = {
+      0x787878, 0x000000, 0x404040, 0x808080, 0x9b0028, 0x000460, 0x0000ff, 0x004619,
+      0x260043, 0xc800c8, 0x8a4833, 0x3f231f, 0x992600, 0xff0000, 0x00ff00, 0x004199,
+      0xffffff, 0xffff00, 0x64dcff, 0x43ffa3, 0xffb0b0, 0xe4ac79, 0xffff63, 0x009954,
+      0xa16a30, 0x9fa130, 0x68a130, 0x30a15d, 0x30a1a1, 0x3067a1, 0x6f30a1, 0xa1306a};
+  const std::uint32_t color = kPalette[std::clamp(index, 0, 31)];
+  const auto channel = [&](int shift) {
+    return static_cast<float>((color >> shift) & 0xff) / 255.0f;
+  };
+  return {channel(16), channel(8), channel(0), 1};
 }
 
-bool isShown(dg::Node& node) {
-  const bool overridden = isOn(node, "overrideEnabled", false);
-  return isOn(node, "visibility", true) && isOn(node, "lodVisibility", true) &&
-         !isOn(node, "intermediateObject", false) &&
-         (!overridden || isOn(node, "overrideVisibility", true));
-}
+/// How a node, and what hangs under it without an override of its own, is drawn instead.
+struct DrawOverride {
+  enum class Type : std::uint8_t { Normal, Template, Reference };
+  Type type = Type::Normal;
+  bool isBox = false, isShaded = true;
+  std::optional<Rgba> color;
+};
 
-bool isTemplate(dg::Node& node) {
-  constexpr double kTemplateType = 1;
-  return isOn(node, "template", false) || (isOn(node, "overrideEnabled", false) &&
-                                           number(node, "overrideDisplayType", 0) == kTemplateType);
+std::optional<DrawOverride> drawOverride(dg::Node& node) {
+  if (!isOn(node, "overrideEnabled")) return std::nullopt;
+  DrawOverride result;
+  const auto type = static_cast<int>(scene::numberOr(node, "overrideDisplayType", 0));
+  result.type = static_cast<DrawOverride::Type>(std::clamp(type, 0, 2));
+  result.isBox = isOn(node, "overrideLevelOfDetail");
+  result.isShaded = scene::numberOr(node, "overrideShading", 1) != 0;
+  const auto channel = [&](const char* name) {
+    return static_cast<float>(std::clamp(scene::numberOr(node, name, 0), 0.0, 1.0));
+  };
+  if (isOn(node, "overrideRGBColors")) {
+    result.color =
+        Rgba{channel("overrideColorR"), channel("overrideColorG"), channel("overrideColorB"), 1};
+  } else if (const auto index = static_cast<int>(scene::numberOr(node, "overrideColor", 0));
+             index > 0) {
+    result.color = indexedColor(index);
+  }
+  return result;
 }
 
 void addComponents(const Component& component, const mesh::Mesh& mesh, ComponentSets& sets) {
@@ -63,8 +82,11 @@ void addComponents(const Component& component, const mesh::Mesh& mesh, Component
       for (const Component::VertexFace& pair : component.pairs()) vertices.push_back(pair.vertex);
       return add(vertices, mesh.vertexCount(), sets.vertices);
     }
-    case ComponentType::Uv:
-      return;
+    case ComponentType::Uv: {
+      if (mesh.uvSetCount() == 0) return;
+      const auto count = static_cast<Index>(mesh.uvSet(mesh.currentUvSet()).points.size());
+      return add(component.expanded(count), count, sets.uvs);
+    }
   }
 }
 
@@ -138,7 +160,7 @@ class Gatherer {
   }
 
   Result<RenderMesh> makeAlone(const DagPath& path) const {
-    return make(path, false, states_.coveringState(path));
+    return make(path, {states_.coveringState(path), false, true, std::nullopt});
   }
 
  private:
@@ -146,9 +168,10 @@ class Gatherer {
   struct Above {
     ObjectState selected = ObjectState::Dormant;
     bool isTemplate = false, isListed = false;
+    std::optional<DrawOverride> looks;
   };
 
-  Result<RenderMesh> make(const DagPath& path, bool isTemplateObject, ObjectState selected) const {
+  Result<RenderMesh> make(const DagPath& path, const Above& above) const {
     dg::Node& shape = *path.node();
     const Result<dg::Value> value = document_.graph().get(shape.plug("outMesh"));
     if (!value) return failWith(value.error());
@@ -158,20 +181,36 @@ class Gatherer {
     RenderMesh mesh;
     mesh.id = shape.serial() * kInstances + path.instanceNumber();
     mesh.name = path.fullName();
+    mesh.path = path;
     mesh.mesh = data->mesh;
     mesh.world = path.inclusiveMatrix();
-    mesh.state = isTemplateObject          ? ObjectState::Template
+    mesh.state = above.isTemplate          ? ObjectState::Template
                  : states_.isHilited(path) ? ObjectState::Hilited
-                                           : selected;
+                                           : above.selected;
+    if (above.looks) apply(*above.looks, mesh);
     mesh.showVertices = (options_.vertexMode && mesh.state == ObjectState::Hilited) ||
-                        isOn(shape, "displayVertices", false);
-    mesh.showHardEdges = isOn(shape, "displayEdges", false);
-    mesh.showBorderEdges = isOn(shape, "displayBorders", false);
-    mesh.showColors = isOn(shape, "displayColors", false);
+                        isOn(shape, "displayVertices");
+    mesh.showHardEdges = isOn(shape, "displayEdges");
+    mesh.showBorderEdges = isOn(shape, "displayBorders");
+    mesh.showColors = isOn(shape, "displayColors");
+    if (isOn(shape, "displayNormal")) {
+      const bool isOfFaces = scene::numberOr(shape, "normalType", 0) == 0;
+      mesh.showFaceNormals = isOfFaces;
+      mesh.showVertexNormals = !isOfFaces;
+      mesh.normalLength = scene::numberOr(shape, "normalSize", 0.4);
+    }
     for (const SelectionItem* item : states_.componentsOf(path))
       for (const Component& component : item->components)
         addComponents(component, mesh.mesh, mesh.selected);
     return mesh;
+  }
+
+  static void apply(const DrawOverride& looks, RenderMesh& mesh) {
+    if (looks.type == DrawOverride::Type::Template) mesh.state = ObjectState::Template;
+    if (looks.type == DrawOverride::Type::Reference) mesh.state = ObjectState::Reference;
+    if (!looks.isShaded) mesh.style = DisplayStyle::Wireframe;
+    if (looks.isBox) mesh.style = DisplayStyle::BoundingBox;
+    mesh.wireColor = looks.color;
   }
 
   void visit(const DagPath& top) {
@@ -179,21 +218,22 @@ class Gatherer {
     scene::PathWalk walk(top);
     while (!walk.isDone()) {
       dg::Node& node = walk.node();
-      if (!isShown(node)) {
+      if (!scene::isShown(node) || scene::isIntermediate(node)) {
         walk.skipBelow();
         continue;
       }
       levels.resize(walk.depth());
-      Above here{states_.objectState(walk.path()), isTemplate(node),
-                 !options_.only || options_.only->count(&node) > 0};
+      Above here{states_.objectState(walk.path()), isOn(node, "template"),
+                 !options_.only || options_.only->count(&node) > 0, drawOverride(node)};
       if (!levels.empty()) {
         here.selected = PathStates::stronger(levels.back().selected, here.selected);
         here.isTemplate = here.isTemplate || levels.back().isTemplate;
         here.isListed = here.isListed || levels.back().isListed;
+        if (!here.looks) here.looks = levels.back().looks;
       }
       levels.push_back(here);
       if (here.isListed && node.type().isA("mesh")) {
-        Result<RenderMesh> mesh = make(walk.path(), here.isTemplate, here.selected);
+        Result<RenderMesh> mesh = make(walk.path(), here);
         if (mesh) meshes_.push_back(std::move(*mesh));
       }
       walk.next();
@@ -227,21 +267,23 @@ Result<Camera> gatherCamera(const DagPath& path) {
   dg::Node& node = *shape.node();
   Camera camera;
   camera.world = shape.inclusiveMatrix();
-  camera.orthographic = isOn(node, "orthographic", false);
-  camera.focalLength = number(node, "focalLength", camera.focalLength);
+  camera.orthographic = isOn(node, "orthographic");
+  camera.focalLength = scene::numberOr(node, "focalLength", camera.focalLength);
   camera.horizontalFilmAperture =
-      number(node, "horizontalFilmAperture", camera.horizontalFilmAperture);
-  camera.verticalFilmAperture = number(node, "verticalFilmAperture", camera.verticalFilmAperture);
+      scene::numberOr(node, "horizontalFilmAperture", camera.horizontalFilmAperture);
+  camera.verticalFilmAperture =
+      scene::numberOr(node, "verticalFilmAperture", camera.verticalFilmAperture);
   camera.filmFit =
-      static_cast<FilmFit>(std::clamp(static_cast<int>(number(node, "filmFit", 0)), 0, 3));
-  camera.nearClip = std::max(number(node, "nearClipPlane", camera.nearClip), 1e-6);
+      static_cast<FilmFit>(std::clamp(static_cast<int>(scene::numberOr(node, "filmFit", 0)), 0, 3));
+  camera.nearClip = std::max(scene::numberOr(node, "nearClipPlane", camera.nearClip), 1e-6);
   camera.farClip =
-      std::max(number(node, "farClipPlane", camera.farClip), camera.nearClip * (1 + 1e-6));
+      std::max(scene::numberOr(node, "farClipPlane", camera.farClip), camera.nearClip * (1 + 1e-6));
   camera.orthographicWidth =
-      std::max(number(node, "orthographicWidth", camera.orthographicWidth), 1e-9);
-  camera.centerOfInterest = number(node, "centerOfInterest", camera.centerOfInterest);
-  camera.tumblePivot = {number(node, "tumblePivotX", 0), number(node, "tumblePivotY", 0),
-                        number(node, "tumblePivotZ", 0)};
+      std::max(scene::numberOr(node, "orthographicWidth", camera.orthographicWidth), 1e-9);
+  camera.centerOfInterest = scene::numberOr(node, "centerOfInterest", camera.centerOfInterest);
+  camera.tumblePivot = {scene::numberOr(node, "tumblePivotX", 0),
+                        scene::numberOr(node, "tumblePivotY", 0),
+                        scene::numberOr(node, "tumblePivotZ", 0)};
   return camera;
 }
 

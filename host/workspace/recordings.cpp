@@ -25,10 +25,12 @@ constexpr std::array kLensAttributes{"focalLength",          "horizontalFilmAper
                                      "orthographic",         "orthographicWidth",
                                      "centerOfInterest",     "tumblePivot"};
 
-constexpr std::array<std::pair<DisplayStyle, const char*>, 3> kStyles{
+constexpr std::array<std::pair<DisplayStyle, const char*>, 5> kStyles{
     {{DisplayStyle::Wireframe, "wireframe"},
      {DisplayStyle::Shaded, "shaded"},
-     {DisplayStyle::WireOnShaded, "wireOnShaded"}}};
+     {DisplayStyle::WireOnShaded, "wireOnShaded"},
+     {DisplayStyle::BoundingBox, "boundingBox"},
+     {DisplayStyle::Points, "points"}}};
 
 double numberOf(const dg::Value& value) {
   if (const auto* real = std::get_if<double>(&value)) return *real;

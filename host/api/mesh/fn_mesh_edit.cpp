@@ -7,6 +7,7 @@
 
 #include "host/api/graph/modifier.h"
 #include "host/api/mesh/fn_mesh.h"
+#include "host/nodes/corner_override.h"
 #include "host/nodes/mesh_node.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/ops/smooth/smooth_mesh.h"
@@ -24,10 +25,12 @@
 namespace host::api {
 namespace {
 
-/// Stores a mesh in one of a shape's plugs through a modifier, and does it.
-MStatus writeThrough(MDGModifier& modifier, const dg::Plug& plug, mesh::Mesh mesh) {
-  const MStatus status = modifier.newPlugValue(
-      wrap(plug), wrap(dg::DataPtr(std::make_shared<scene::MeshData>(std::move(mesh)))));
+/// Gives a shape with history other corner data through a modifier, and does it.
+MStatus writeOverride(MDGModifier& modifier, dg::Node& shape, mesh::Mesh mesh) {
+  auto override = nodes::makeOverride(shape, std::move(mesh));
+  if (!override) return toStatus(override);
+  const MStatus status = modifier.newPlugValue(wrap(shape.plug(nodes::kMeshOverrideAttribute)),
+                                               wrap(*std::move(override)));
   return status ? modifier.doIt() : status;
 }
 
@@ -52,8 +55,7 @@ MStatus writeAttributes(const MFnMesh& set, mesh::Mesh mesh, MDGModifier* modifi
   const MeshTarget target = targetOf(set);
   dg::Node* shape = target.shape();
   if (!modifier || !shape) return target.writeAttributes(std::move(mesh));
-  if (nodes::hasHistory(*shape))
-    return writeThrough(*modifier, shape->plug(nodes::kMeshOverrideAttribute), std::move(mesh));
+  if (nodes::hasHistory(*shape)) return writeOverride(*modifier, *shape, std::move(mesh));
   return writeStoredThrough(*modifier, *shape, std::move(mesh));
 }
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "host/builtins/common/command.h"
+#include "host/cmd/asking.h"
+#include "host/scene/selection_algebra.h"
 
 namespace host::builtins {
 
@@ -58,10 +60,10 @@ CommandResult combine(Context& context, const ParsedArgs& args, std::string_view
   if (!given) return failWith(std::move(given.error()));
   others = flattened(*given);
   if (flag == "union")
-    result = nodes::unionOf(result, others);
+    result = scene::unionOf(result, others);
   else
-    result = flag == "subtract" ? nodes::differenceOf(result, others)
-                                : nodes::intersectionOf(result, others);
+    result = flag == "subtract" ? scene::differenceOf(result, others)
+                                : scene::intersectionOf(result, others);
   return toValue(result.names());
 }
 
@@ -117,9 +119,15 @@ CommandResult create(Context& context, const ParsedArgs& args) {
 CommandResult sets(Context& context, const ParsedArgs& args) {
   if (args.isQuery()) return query(context, args);
   if (args.isEdit() && args.has("text")) return annotate(context, args, args.firstObject());
-  if (args.has("isMember")) return isMember(context, args);
-  for (const std::string_view flag : {"union", "intersection", "subtract"})
-    if (args.has(flag)) return combine(context, args, flag);
+  if (args.has("isMember")) {
+    cmd::askOnly();
+    return isMember(context, args);
+  }
+  for (const std::string_view flag : {"union", "intersection", "subtract"}) {
+    if (!args.has(flag)) continue;
+    cmd::askOnly();
+    return combine(context, args, flag);
+  }
   for (const std::string_view flag : {"addElement", "include", "forceElement", "remove", "clear"}) {
     if (!args.has(flag)) continue;
     auto set = setNamed(context, args.text(flag));

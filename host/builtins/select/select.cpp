@@ -89,7 +89,8 @@ void announceOrder(Context& context, const ParsedArgs& args) {
 
 CommandResult select(Context& context, const ParsedArgs& args) {
   scene::Document& document = context.document;
-  if (args.has("clear") && !args.hasObjects()) {
+  // -deselect without names is about all that is selected.
+  if ((args.has("clear") || args.has("deselect")) && !args.hasObjects()) {
     document.setSelection({});
     return mel::Value();
   }

@@ -44,7 +44,8 @@ Result<void> edit(Context& context, const ParsedArgs& args, const UvItem& item) 
   for (const char* flag : {"uValue", "vValue", "pivotU", "pivotV", "scaleU", "scaleV", "angle"})
     if (!std::isfinite(args.real(flag))) return fail("-{} is not a number.", flag);
   mesh::UvSet set = item.item.mesh.uvSet(item.set);
-  ops::transformUvs(set, item.uvs, transformOf(args));
+  const ops::UvTransform transform = transformOf(args);
+  ops::transformUvs(set, item.uvs, transform);
   std::vector<math::Vec2f> places;
   places.reserve(item.uvs.size());
   const bool isAbsolute = !args.boolean("relative", true);
@@ -57,7 +58,11 @@ Result<void> edit(Context& context, const ParsedArgs& args, const UvItem& item) 
                   item.item.path.transform().partialName());
     places.push_back(place);
   }
-  return placeUvs(context.document, item, places);
+  const bool isStep =
+      !isAbsolute && transform.scaleU == 1 && transform.scaleV == 1 && transform.angle == 0;
+  std::optional<std::array<double, 2>> step;
+  if (isStep) step = {transform.shiftU, transform.shiftV};
+  return placeUvs(context.document, item, places, step);
 }
 
 /// u and v of each UV, or the one that a flag asks for.

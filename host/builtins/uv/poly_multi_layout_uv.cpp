@@ -1,8 +1,9 @@
 // polyMultiLayoutUV: the shells of several objects in one square.
-#include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
+#include <algorithm>
+
+#include "host/builtins/uv/uv_edits.h"
 #include "host/mesh/shells.h"
-#include "host/nodes/mesh_shape.h"
+#include "host/nodes/uv_pins.h"
 #include "host/ops/uv/layout.h"
 #include "host/ops/uv/uv_ids.h"
 
@@ -63,8 +64,10 @@ Result<ops::LayoutPart> partOf(const MeshItem& item, mesh::Mesh& mesh, const std
   for (const FaceId f : item.ids(scene::ComponentType::Face))
     if (const Index shell = shells.ofFace[static_cast<std::size_t>(f)]; shell != kNone)
       isNamed[static_cast<std::size_t>(shell)] = 1;
+  part.standing = nodes::pinnedShells(*item.path.node(), mesh, *set);
   for (Index s = 0; s < shells.count; ++s)
-    if (isNamed[static_cast<std::size_t>(s)]) part.shells.push_back(s);
+    if (isNamed[static_cast<std::size_t>(s)] && !std::ranges::binary_search(part.standing, s))
+      part.shells.push_back(s);
   return part;
 }
 
@@ -95,7 +98,8 @@ CommandResult polyMultiLayoutUv(Context& context, const ParsedArgs& args) {
   const auto done = ops::layoutUvs(parts, *options);
   if (!done) return fail("polyMultiLayoutUV: {}", done.error().message);
   for (std::size_t i = 0; i < distinct.size(); ++i)
-    HOST_TRY(nodes::setEvaluatedMesh(*distinct[i].path.node(), std::move(meshes[i])));
+    HOST_TRY(placeMovedUvs(context.document, distinct[i], parts[i].uvSet,
+                           meshes[i].uvSet(parts[i].uvSet)));
   return mel::Value();
 }
 

@@ -1,9 +1,8 @@
 // untangleUV: turns turned UV faces back, with the border where it is or on a frame.
 #include "host/base/messages.h"
-#include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
+#include "host/builtins/uv/uv_edits.h"
 #include "host/mesh/shells.h"
-#include "host/nodes/mesh_shape.h"
+#include "host/nodes/uv_pins.h"
 #include "host/ops/uv/untangle_uvs.h"
 
 namespace host::builtins {
@@ -23,6 +22,24 @@ Result<Options> optionsOf(const ParsedArgs& args) {
   options.relaxIterations = std::max(0, args.integer("maxRelaxIterations", 50));
   options.tolerance = args.real("relaxTolerance", 0.1);
   options.pinBorder = args.boolean("pinBorder", true);
+  options.shapeDetail = args.real("shapeDetail", 20);
+  if (!(options.shapeDetail >= 0)) return fail("untangleUV: -shapeDetail is 0 or more.");
+  if (args.has("relax")) {
+    constexpr std::pair<const char*, Options::Relax> kSprings[] = {
+        {"uniform", Options::Relax::Uniform},
+        {"inverse_length", Options::Relax::InverseLength},
+        {"inverse_sqrt_length", Options::Relax::InverseSqrtLength},
+        {"harmonic", Options::Relax::Harmonic}};
+    const std::string wanted = args.text("relax");
+    const auto found = std::find_if(std::begin(kSprings), std::end(kSprings),
+                                    [&](const auto& each) { return wanted == each.first; });
+    if (found == std::end(kSprings))
+      return fail(
+          "untangleUV: -relax is uniform, inverse_length, inverse_sqrt_length or harmonic, not "
+          "'{}'.",
+          wanted);
+    options.relax = found->second;
+  }
   if (!args.has("mapBorder")) return options;
   const std::string wanted = args.text("mapBorder");
   for (const auto& [name, border] : kBorders)
@@ -36,12 +53,14 @@ Result<Options> optionsOf(const ParsedArgs& args) {
       wanted);
 }
 
-/// -pinSelected keeps the named UVs, -pinUnselected the others.
+/// -pinSelected keeps the named UVs, -pinUnselected the others; what is pinned in the mesh stays.
 std::vector<std::uint8_t> pinsOf(const ParsedArgs& args, const MeshItem& item, int set) {
   const bool pinsOthers = args.boolean("pinUnselected"), pinsNamed = args.boolean("pinSelected");
   std::vector<std::uint8_t> pins(item.mesh.uvSet(set).points.size(), pinsOthers ? 1 : 0);
   for (const UvId uv : item.ids(scene::ComponentType::Uv))
     if (static_cast<std::size_t>(uv) < pins.size()) pins[static_cast<std::size_t>(uv)] = pinsNamed;
+  for (const UvId uv : nodes::pinnedUvs(*item.path.node(), item.mesh, set))
+    pins[static_cast<std::size_t>(uv)] = 1;
   return pins;
 }
 
@@ -70,7 +89,7 @@ CommandResult untangleUv(Context& context, const ParsedArgs& args) {
     if (done->shells == 0 && !done->left.empty()) return fail("untangleUV: {}", done->left.front());
     for (const std::string& sentence : done->left) postMessage(MessageKind::Warning, sentence);
     rounds = std::max(rounds, done->iterations);
-    HOST_TRY(nodes::setEvaluatedMesh(*item.path.node(), std::move(mesh)));
+    HOST_TRY(placeMovedUvs(context.document, item, set, mesh.uvSet(set)));
   }
   return mel::Value(rounds);
 }
@@ -84,7 +103,9 @@ void registerUntangleUv(CommandRegistry& registry) {
       .flag("pb", "pinBorder", {ArgType::Bool})
       .flag("ps", "pinSelected", {ArgType::Bool})
       .flag("pu", "pinUnselected", {ArgType::Bool})
+      .flag("r", "relax", {ArgType::String})
       .flag("rt", "relaxTolerance", {ArgType::Double})
+      .flag("sd", "shapeDetail", {ArgType::Double})
       .objects(0, -1, true);
   define(registry, "untangleUV", syntax, untangleUv);
 }

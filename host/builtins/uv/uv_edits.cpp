@@ -83,7 +83,8 @@ Result<std::vector<UvItem>> uvItems(Context& context, const ParsedArgs& args,
 }
 
 Result<void> placeUvs(scene::Document& document, const UvItem& item,
-                      const std::vector<math::Vec2f>& places) {
+                      const std::vector<math::Vec2f>& places,
+                      const std::optional<std::array<double, 2>>& step) {
   Node& shape = *item.item.path.node();
   if (!nodes::hasHistory(shape)) {
     mesh::Mesh mesh = item.item.mesh;
@@ -97,8 +98,8 @@ Result<void> placeUvs(scene::Document& document, const UvItem& item,
   offsets.reserve(2 * item.uvs.size());
   for (std::size_t i = 0; i < item.uvs.size(); ++i) {
     const math::Vec2f& from = set.points[static_cast<std::size_t>(item.uvs[i])];
-    offsets.push_back(static_cast<double>(places[i].u) - from.u);
-    offsets.push_back(static_cast<double>(places[i].v) - from.v);
+    offsets.push_back(step ? (*step)[0] : static_cast<double>(places[i].u) - from.u);
+    offsets.push_back(step ? (*step)[1] : static_cast<double>(places[i].v) - from.v);
   }
   dg::Graph& graph = document.graph();
   const bool isCurrent = item.set == item.item.mesh.currentUvSet();
@@ -113,6 +114,19 @@ Result<void> placeUvs(scene::Document& document, const UvItem& item,
       nodes::insertHistoryNode(document, shape, node.plug("inputPolymesh"), node.plug("output")));
   const auto evaluated = graph.evaluate(node.plug("output"));
   return evaluated ? Result<void>() : failWith(evaluated.error());
+}
+
+Result<void> placeMovedUvs(scene::Document& document, const MeshItem& item, int set,
+                           const mesh::UvSet& moved) {
+  UvItem changed{item, set, {}};
+  std::vector<math::Vec2f> places;
+  const std::vector<math::Vec2f>& before = item.mesh.uvSet(set).points;
+  for (std::size_t uv = 0; uv < before.size(); ++uv)
+    if (!(before[uv] == moved.points[uv])) {
+      changed.uvs.push_back(static_cast<UvId>(uv));
+      places.push_back(moved.points[uv]);
+    }
+  return places.empty() ? Result<void>() : placeUvs(document, changed, places);
 }
 
 CommandResult runByName(Context& context, const std::string& command,

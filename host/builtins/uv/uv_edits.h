@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,8 +24,15 @@ struct UvItem {
 
 /// Puts UVs in new places: stored where the shape has no history, as offsets of the polyTweakUV
 /// node in front of it, made when there is none, where it has. `places` go with `uvs`.
+/// @param step u and v that all of them go by, when they do: the offset then grows by exactly that,
+///     so that a step and the same one back leave nothing
 Result<void> placeUvs(scene::Document& document, const UvItem& item,
-                      const std::vector<math::Vec2f>& places);
+                      const std::vector<math::Vec2f>& places,
+                      const std::optional<std::array<double, 2>>& step = {});
+
+/// Puts the UVs of a set where `moved` has them; those that stay are left alone.
+Result<void> placeMovedUvs(scene::Document& document, const MeshItem& item, int set,
+                           const mesh::UvSet& moved);
 
 /// Runs a command by name with words, as one step of the command that runs now.
 [[nodiscard]] CommandResult runByName(Context& context, const std::string& command,

@@ -14,9 +14,10 @@ using dg::AttributeType;
 using dg::Plug;
 
 bool isPayloadType(std::string_view type) {
-  static constexpr std::string_view kTypes[] = {"string",        "matrix",      "stringArray",
-                                                "componentList", "doubleArray", "floatArray",
-                                                "Int32Array",    "vectorArray", "pointArray"};
+  static constexpr std::string_view kTypes[] = {
+      "string",      "matrix",     "stringArray",       "componentList",
+      "doubleArray", "floatArray", "dataPolyComponent", "Int32Array",
+      "vectorArray", "pointArray"};
   return std::ranges::find(kTypes, type) != std::end(kTypes);
 }
 

@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "host/base/cancel.h"
 #include "host/io/ma/ma_attributes.h"
 #include "host/io/ma/ma_mesh_writer.h"
 #include "host/io/ma/ma_passes.h"
@@ -69,7 +70,10 @@ class Loader {
       document_.fileInfo = file_.fileInfo;
     }
     keepStatements();
-    for (const MaNode& node : file_.nodes) HOST_TRY(addNode(node));
+    for (const MaNode& node : file_.nodes) {
+      if (isCancelled()) return cancelled();
+      HOST_TRY(addNode(node));
+    }
     for (const MaInstance& instance : file_.instances) addInstance(instance);
     for (const MaConnection& connection : file_.connections) connect(connection);
     for (const MaRelationship& relationship : file_.relationships) relate(relationship);
@@ -392,7 +396,7 @@ class Loader {
       std::string list;
       for (const std::string_view name : names) {
         // Every mesh has lines about these; they are no news.
-        if (name == "covm" || name == "cdvm" || name == "pd") continue;
+        if (name == "covm" || name == "cdvm") continue;
         list += (list.empty() ? "" : " ") + std::string(name);
       }
       if (!list.empty())

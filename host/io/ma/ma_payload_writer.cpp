@@ -6,6 +6,7 @@
 #include "host/io/ma/ma_numbers.h"
 #include "host/scene/component.h"
 #include "host/scene/curve_data.h"
+#include "host/scene/poly_component_data.h"
 
 namespace host::io {
 namespace {
@@ -68,6 +69,18 @@ bool appendCurve(std::string& text, const math::NurbsCurve& curve) {
   }
   text += "\n\t\t";
   return isGood;
+void appendPolyComponents(std::string& text, const scene::PolyComponentData& data) {
+  appendType(text, data.typeName());
+  text +=
+      fmt::format(" Index_Data {} {}", data.kind.empty() ? "UV" : data.kind, data.entries.size());
+  std::size_t written = 0;
+  for (const auto& [id, value] : data.entries) {
+    text += written++ % 8 == 0 ? "\n\t\t" : " ";
+    appendNumber(text, id);
+    text += ' ';
+    appendNumber(text, value);
+  }
+  text += ' ';
 }
 
 enum class Written { Yes, Unknown, NotFinite };
@@ -82,6 +95,8 @@ Written appendPayload(std::string& text, const dg::DataPtr& data) {
       text += ' ';
       appendNumber(text, std::isfinite(number) ? number : 0.0);
     }
+  } else if (const auto* weights = dg::dataAs<scene::PolyComponentData>(value)) {
+    appendPolyComponents(text, *weights);
   } else if (const auto* list = dg::dataAs<scene::ComponentListData>(value)) {
     appendComponents(text, list->value);
   } else if (const auto* curve = dg::dataAs<scene::CurveData>(value)) {

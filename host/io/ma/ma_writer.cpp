@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "host/base/cancel.h"
 #include "host/io/ma/ma_held_meshes.h"
 #include "host/io/ma/ma_mesh_writer.h"
 #include "host/io/ma/ma_node_writer.h"
@@ -44,8 +45,10 @@ class Writer {
   Result<MaText> write() {
     collect();
     writeHeader();
-    for (Node* node : order_)
+    for (Node* node : order_) {
+      if (isCancelled()) return cancelled();
       if (isMadeByFiles(*node)) HOST_TRY(writeNode(*node));
+    }
     writeHeldMeshes();
     writeInstances();
     for (Node* node : order_)

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "host/base/cancel_poll.h"
+
 namespace host::ops {
 namespace {
 
@@ -59,7 +61,7 @@ class Step {
   std::vector<Value> run() {
     placeFacePoints();
     placeEdgePoints();
-    for (std::size_t p = 0; p < points_.size(); ++p) out_[p] = placePoint(p);
+    for (std::size_t p = 0; p < points_.size() && !isCancelledAt(p); ++p) out_[p] = placePoint(p);
     return std::move(out_);
   }
 
@@ -90,7 +92,7 @@ class Step {
   }
 
   void placeFacePoints() {
-    for (std::size_t f = 0; f + 1 < channel_.faceOffsets.size(); ++f) {
+    for (std::size_t f = 0; f + 1 < channel_.faceOffsets.size() && !isCancelledAt(f); ++f) {
       const auto first = at(channel_.faceOffsets[f]), end = at(channel_.faceOffsets[f + 1]);
       if (channel_.isDivided[f] == 0 || channel_.cornerPoints[first] < 0) continue;
       Place mean{};
@@ -110,7 +112,7 @@ class Step {
   }
 
   void placeEdgePoints() {
-    for (std::size_t e = 0; e < channel_.edges.size(); ++e) {
+    for (std::size_t e = 0; e < channel_.edges.size() && !isCancelledAt(e); ++e) {
       const auto [a, b] = channel_.edges[e];
       const Place p = widened(points_[at(a)]), q = widened(points_[at(b)]);
       Place place = blend(p, q, 0.5);

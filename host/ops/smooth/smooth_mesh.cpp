@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "host/base/cancel.h"
+#include "host/mesh/provenance.h"
 #include "host/ops/smooth/catmull_clark.h"
 #include "host/ops/smooth/smooth_topology.h"
 
@@ -44,7 +45,8 @@ class Smoother {
     pinVerticesOfSeveralFans();
   }
 
-  void step() {
+  /// One division. @return false when it was asked to stop, with nothing worth keeping
+  bool step() {
     // Points and the rest do not need each other.
     std::vector<math::Vec3f> points;
     SmoothTopology next;
@@ -62,9 +64,11 @@ class Smoother {
       divideTheRest();
       other.join();
     }
+    if (isCancelled()) return false;
     dropUndivided(points, next);
     result.setPoints(std::move(points));
     if (mesh_.colorSetCount() > 0) divideColors(result, next);
+    if (isCancelled()) return false;
     carryEdgesAndFaces(result, next);
     rootEdges_ = next.rootEdges;
     std::vector<std::uint8_t> isDivided;
@@ -73,7 +77,20 @@ class Smoother {
     isDivided_ = std::move(isDivided);
     isPinned_.resize(at(next.vertexCount), 0);
     result.setTopology(std::move(next.topology));
+    if (isCancelled()) return false;
+    if (mesh::ProvenanceTrail::isFollowed())
+      mesh::ProvenanceTrail::note(mesh_, result, provenanceOf(next));
     mesh_ = std::move(result);
+    return true;
+  }
+
+  [[nodiscard]] mesh::Provenance provenanceOf(const SmoothTopology& next) const {
+    mesh::Provenance result;
+    for (const FaceId parent : next.faceParents) result.faces.add(parent);
+    for (const EdgeId parent : next.edgeParents) result.edges.add(parent);
+    result.vertices.addRun(0, mesh_.vertexCount());
+    result.vertices.addSame(kNone, next.vertexCount - mesh_.vertexCount());
+    return result;
   }
 
   Mesh finish() {
@@ -366,8 +383,7 @@ Result<SmoothResult> smoothMesh(Mesh& mesh, std::span<const FaceId> faces,
   Smoother smoother(mesh, flagsOf(ids, mesh.faceCount()), options);
   LongWork work("Smoothing", static_cast<std::size_t>(std::pow(4, options.divisions)));
   for (int i = 0; i < options.divisions; ++i) {
-    smoother.step();
-    if (isCancelled()) return cancelled();
+    if (!smoother.step()) return cancelled();
     work.advance(static_cast<std::size_t>(3 * std::pow(4, i)));  // a step costs four of the last
   }
   for (std::size_t f = 0; f < smoother.isDivided().size(); ++f)

@@ -3,6 +3,8 @@
 #include <array>
 #include <unordered_map>
 
+#include "host/base/cancel_poll.h"
+
 namespace host::ops {
 namespace {
 
@@ -173,7 +175,7 @@ class TopologyDivider {
   }
 
   void buildFaces() {
-    for (FaceId f = 0; f < mesh_.faceCount(); ++f) {
+    for (FaceId f = 0; f < mesh_.faceCount() && !isCancelledAt(at(f)); ++f) {
       if (isDivided_[at(f)] == 0)
         keepFace(f);
       else

@@ -182,6 +182,7 @@ class Beveller {
     const End atV{out, adjacency_.nextCorner(back), corners_.profile(e, v), false};
     const End atW{adjacency_.nextCorner(out), back, corners_.profile(e, w), true};
     const bool isSplit = isSeam(e);
+    const FaceId largest = largestFace(walks);
     const auto n = atV.profile.size() - 1;
     for (std::size_t j = 0; j < n; ++j) {
       const double t0 = static_cast<double>(j) / static_cast<double>(n),
@@ -192,8 +193,23 @@ class Beveller {
            {atV.vertex(j + 1), blendAcross(atV, t1, isFarHalf, isSplit)},
            {atW.vertex(j + 1), blendAcross(atW, t1, isFarHalf, isSplit)},
            {atW.vertex(j), blendAcross(atW, t0, isFarHalf, isSplit)}}};
-      addLoop(loop, kNone, faces);
+      addLoop(loop, largest, faces);
     }
+  }
+
+  /// The one of the faces at some corners with the most area: what new faces between them are a
+  /// piece of.
+  [[nodiscard]] FaceId largestFace(std::span<const CornerId> corners) const {
+    FaceId largest = kNone;
+    double most = -1;
+    for (const CornerId c : corners) {
+      const FaceId face = adjacency_.cornerFace(c);
+      const double area = mesh::faceArea(mesh_, face);
+      if (area <= most) continue;
+      most = area;
+      largest = face;
+    }
+    return largest;
   }
 
   void buildCaps(std::vector<FaceId>& faces) {
@@ -202,7 +218,7 @@ class Beveller {
       std::vector<LoopPlace> loop;
       for (const VertexId v : cap.loop)
         loop.push_back({v, v < mesh_.vertexCount() ? only(c) : blendAt(c, v)});
-      addLoop(loop, kNone, faces);
+      addLoop(loop, largestFace(adjacency_.vertexCorners(cap.vertex)), faces);
     }
   }
 

@@ -70,6 +70,7 @@ class Layout {
             return fail("UV {} is not a number; give it a place before laying out.", uv);
         groups_.push_back(groupOf(p, shell));
       }
+      for (const Index shell : part.standing) standing_.push_back({groupOf(p, shell).triangles});
     }
     return {};
   }
@@ -265,10 +266,15 @@ class Layout {
     if (options_.scale == LayoutOptions::Scale::None) {
       options.scale = 1 / side;
     }
+    for (const flat::PackShape& shape : standing_) {
+      options.standing.push_back(shape);
+      for (auto& t : options.standing.back().triangles)
+        for (Point& p : t) p = (1 / side) * (p - origin);
+    }
     auto packing = flat::packShapes(shapes, options);
     if (!packing) return failWith(packing.error());
     Point stretch{side, side};
-    if (options_.scale == LayoutOptions::Scale::Stretch)
+    if (options_.scale == LayoutOptions::Scale::Stretch && standing_.empty())
       stretch = stretchOf(shapes, *packing, options, side);
     for (std::size_t k = 0; k < which.size(); ++k) {
       const flat::PackPlace& place = packing->places[k];
@@ -365,6 +371,7 @@ class Layout {
   const LayoutOptions& options_;
   std::vector<UvTopology> topologies_;
   std::vector<Group> groups_;
+  std::vector<flat::PackShape> standing_;
   std::vector<Move> moves_;
 };
 

@@ -37,8 +37,9 @@ struct LayoutOptions {
 struct LayoutPart {
   mesh::Mesh* mesh = nullptr;
   int uvSet = 0;
-  std::vector<Index> shells;  ///< as mesh::findUvShells numbers them
-  math::Matrix4 world;        ///< of the object, for Prescale::World
+  std::vector<Index> shells;         ///< as mesh::findUvShells numbers them
+  std::vector<Index> standing = {};  ///< shells that stay; the others are packed around them
+  math::Matrix4 world;               ///< of the object, for Prescale::World
 };
 
 struct LayoutResult {

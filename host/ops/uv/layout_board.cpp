@@ -72,7 +72,8 @@ void addRim(CellMask& mask) {
 
 }  // namespace
 
-CellMask touchedCells(std::span<const std::array<Point, 3>> triangles, double cellSize) {
+CellMask touchedCells(std::span<const std::array<Point, 3>> triangles, double cellSize,
+                      std::optional<Point> corner) {
   CellMask mask;
   Point low{1e300, 1e300}, high{-1e300, -1e300};
   for (const auto& t : triangles)
@@ -82,10 +83,10 @@ CellMask touchedCells(std::span<const std::array<Point, 3>> triangles, double ce
     }
   // A hair of room, so that rounding of the coordinates leaves no cell.
   const double hair = 1e-3 * cellSize;
-  mask.origin = {low.x - hair, low.y - hair};
+  mask.origin = corner ? *corner : Point{low.x - hair, low.y - hair};
   const double perCell = 1 / cellSize;
-  mask.width = static_cast<std::int32_t>(std::ceil((high.x - low.x + 2 * hair) * perCell));
-  mask.height = static_cast<std::int32_t>(std::ceil((high.y - low.y + 2 * hair) * perCell));
+  mask.width = static_cast<std::int32_t>(std::ceil((high.x - mask.origin.x + hair) * perCell));
+  mask.height = static_cast<std::int32_t>(std::ceil((high.y - mask.origin.y + hair) * perCell));
   const std::size_t words = static_cast<std::size_t>(mask.width) / 64 + 1;
   std::vector<std::uint64_t> bits(words * static_cast<std::size_t>(mask.height), 0);
   for (const auto& t : triangles) {
@@ -140,7 +141,8 @@ double Board::contact(const CellMask& mask, Place place) const {
          static_cast<double>(std::max<std::size_t>(1, mask.rim.size()));
 }
 
-/// Runs of a mask in an order that spreads over its rows, so that what is taken shows early.
+/// Runs of a mask, the longest first and the others spread over its rows, so that what is taken
+/// shows early.
 struct Board::RunAt {
   std::int32_t y, begin, length;
 };
@@ -149,10 +151,13 @@ std::vector<Board::RunAt> Board::spreadRuns(const CellMask& mask) {
   runs.reserve(mask.runs.size());
   for (std::int32_t y = 0; y < mask.height; ++y)
     for (const CellRun& run : mask.row(y)) runs.push_back({y, run.begin, run.end - run.begin});
-  std::stable_sort(runs.begin(), runs.end(), [](const RunAt& a, const RunAt& b) {
-    return std::countr_zero(static_cast<unsigned>(a.y) | 1u << 30) >
-           std::countr_zero(static_cast<unsigned>(b.y) | 1u << 30);
-  });
+  const auto longest = std::ranges::max_element(runs, {}, &RunAt::length);
+  if (longest != runs.end()) std::rotate(runs.begin(), longest, longest + 1);
+  std::stable_sort(runs.begin() + (runs.empty() ? 0 : 1), runs.end(),
+                   [](const RunAt& a, const RunAt& b) {
+                     return std::countr_zero(static_cast<unsigned>(a.y) | 1u << 30) >
+                            std::countr_zero(static_cast<unsigned>(b.y) | 1u << 30);
+                   });
   return runs;
 }
 
@@ -224,6 +229,7 @@ void Board::take(const CellMask& mask, Place place) {
     for (const CellRun& run : mask.row(y)) {
       const std::int32_t begin = std::max(0, place.x + run.begin - gutter_);
       const std::int32_t end = std::min(width_, place.x + run.end + gutter_);
+      if (begin >= end) continue;
       for (std::int32_t v = std::max(bottom, place.y + y - gutter_);
            v <= std::min(top, place.y + y + gutter_); ++v) {
         Word* row = hits_.data() + wordOf(0, v);

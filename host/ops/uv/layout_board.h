@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -28,8 +29,9 @@ struct CellMask {
 
 /// The cells that triangles touch, edges included: nothing of the shape lies outside of them.
 /// Linear in triangles and cells.
+/// @param corner of cell (0, 0), at or below all triangles; otherwise their lower left corner
 [[nodiscard]] CellMask touchedCells(std::span<const std::array<Point, 3>> triangles,
-                                    double cellSize);
+                                    double cellSize, std::optional<Point> corner = {});
 
 /// A board of cells on which masks are laid without overlap.
 ///
@@ -49,9 +51,11 @@ class Board {
               std::vector<Place>& out) const;
   /// How much of the mask's rim lies against something at a place, 0 to 1.
   [[nodiscard]] double contact(const CellMask& mask, Place place) const;
+  /// Marks the mask's cells and the gap around them; what lies beyond the board is left out.
   void take(const CellMask& mask, Place place);
   [[nodiscard]] std::int32_t width() const { return width_; }
   [[nodiscard]] std::int32_t height() const { return height_; }
+  [[nodiscard]] std::int32_t gutter() const { return gutter_; }
 
  private:
   using Word = std::uint64_t;

@@ -58,12 +58,113 @@ void fitInSquare(std::vector<Point>& x) {
   for (Point& p : x) p = Point{0.5, 0.5} + scale * (p - middle);
 }
 
+/// Rounds a ring off, keeping its middle and how far it reaches: less detail, more rounds.
+void smoothRing(const std::vector<Index>& ring, double detail, std::vector<Point>& x) {
+  const auto rounds =
+      static_cast<int>(std::clamp(20 - detail, 0.0, 20.0) * static_cast<double>(ring.size()) / 40);
+  std::vector<Point> smooth(ring.size());
+  const auto reach = [&](auto place) {
+    Point middle{0, 0};
+    for (std::size_t i = 0; i < ring.size(); ++i)
+      middle = middle + (1.0 / static_cast<double>(ring.size())) * place(i);
+    double sum = 0;
+    for (std::size_t i = 0; i < ring.size(); ++i) sum += flat::length(place(i) - middle);
+    return std::pair{middle, sum};
+  };
+  const auto at0 = [&](std::size_t i) { return x[at(ring[i])]; };
+  const auto [middle, before] = reach(at0);
+  for (int round = 0; round < rounds; ++round) {
+    for (std::size_t i = 0; i < ring.size(); ++i)
+      smooth[i] = 0.5 * at0(i) +
+                  0.25 * (at0((i + 1) % ring.size()) + at0((i + ring.size() - 1) % ring.size()));
+    for (std::size_t i = 0; i < ring.size(); ++i) x[at(ring[i])] = smooth[i];
+  }
+  const auto [now, after] = reach(at0);
+  if (rounds == 0 || !(after > 0)) return;
+  for (const Index v : ring) x[at(v)] = middle + (before / after) * (x[at(v)] - now);
+}
+
+/// The pull of an edge, given its length on the surface and the corner across from it.
+double springOf(UntangleOptions::Relax relax, const math::Vec3& a, const math::Vec3& b,
+                const math::Vec3& across) {
+  const double size = std::max(math::distance(a, b), 1e-12);
+  switch (relax) {
+    case UntangleOptions::Relax::InverseLength:
+      return 1 / size;
+    case UntangleOptions::Relax::InverseSqrtLength:
+      return 1 / std::sqrt(size);
+    case UntangleOptions::Relax::Harmonic: {
+      const math::Vec3 p = a - across, q = b - across;
+      const double area = math::length(math::cross(p, q));
+      // Obtuse corners would push; a mean of places needs pulls.
+      return std::max(1e-3, area > 0 ? math::dot(p, q) / area : 0.0);
+    }
+    default:
+      return 1;
+  }
+}
+
+/// Lets the edges pull the free UVs as springs, as long as nothing turns over.
+/// @return the rounds done
+int relaxSprings(const flat::Piece& piece, const UntangleOptions& options,
+                 const std::vector<std::uint8_t>& isFixed, std::vector<Point>& x) {
+  struct Spring {
+    Index to;
+    double pull;
+  };
+  std::vector<std::vector<Spring>> springs(x.size());
+  std::vector<std::vector<const flat::Triangle*>> around(x.size());
+  double size = 0;
+  for (const flat::Triangle& t : piece.triangles)
+    for (std::size_t k = 0; k < 3; ++k) {
+      const Index a = t[k], b = t[(k + 1) % 3], c = t[(k + 2) % 3];
+      const double pull =
+          springOf(options.relax, piece.points[at(a)], piece.points[at(b)], piece.points[at(c)]);
+      springs[at(a)].push_back({b, pull});
+      springs[at(b)].push_back({a, pull});
+      around[at(a)].push_back(&t);
+      size = std::max(size, flat::length(x[at(a)] - x[at(b)]));
+    }
+  const auto isUpright = [&](std::size_t v) {
+    return std::ranges::all_of(around[v], [&](const flat::Triangle* t) {
+      return flat::doubleArea(x[at((*t)[0])], x[at((*t)[1])], x[at((*t)[2])]) > 0;
+    });
+  };
+  int round = 0;
+  for (double most = size;
+       round < options.relaxIterations && most > 1e-4 * options.tolerance * size; ++round) {
+    if (isCancelled()) break;
+    most = 0;
+    for (std::size_t v = 0; v < x.size(); ++v) {
+      if (isFixed[v] || springs[v].empty() || !isUpright(v)) continue;
+      Point sum{0, 0};
+      double pulls = 0;
+      for (const Spring& spring : springs[v]) {
+        sum = sum + spring.pull * x[at(spring.to)];
+        pulls += spring.pull;
+      }
+      const Point from = x[v], step = (1 / pulls) * sum - from;
+      for (double part = 1; part > 0.1; part *= 0.5) {
+        x[v] = from + part * step;
+        if (isUpright(v)) break;
+        x[v] = from;
+      }
+      most = std::max(most, flat::length(x[v] - from));
+    }
+  }
+  return round;
+}
+
 /// Puts the border where it was asked to go; the inside follows the unfolded shape.
-Result<void> mapBorderOf(const flat::Piece& piece, MapBorder how, std::vector<Point>& x) {
+Result<void> mapBorderOf(const flat::Piece& piece, const UntangleOptions& options,
+                         std::vector<Point>& x) {
+  const MapBorder how = options.mapBorder;
   flat::Flattened shape = flat::flatten(piece, {});
   if (shape.x.empty()) return fail("no flat layout without turned faces was found");
   x = std::move(shape.x);
   fitInSquare(x);
+  if (how != MapBorder::Circular && how != MapBorder::Square)
+    smoothRing(longestRing(piece), options.shapeDetail, x);
   if (how == MapBorder::Shape) return {};
   const bool isSquare = how == MapBorder::Square || how == MapBorder::ShapeSquare;
   const double blend = how == MapBorder::Circular || how == MapBorder::Square ? 1 : 0.5;
@@ -89,7 +190,7 @@ Result<int> untangleShell(const ShellPiece& shell, std::vector<std::uint8_t> isF
   const flat::Piece& piece = shell.piece;
   const bool maps = options.mapBorder != MapBorder::Keep;
   if (maps) {
-    HOST_TRY(mapBorderOf(piece, options.mapBorder, x));
+    HOST_TRY(mapBorderOf(piece, options, x));
     for (std::size_t i = 0; i < x.size(); ++i)
       if (isFixed[i]) x[i] = shell.x[i];
   }
@@ -106,6 +207,11 @@ Result<int> untangleShell(const ShellPiece& shell, std::vector<std::uint8_t> isF
   const auto elements = flat::elementsOf(piece, x, 1, std::sqrt(area / surface));
   if (!flat::untangle(elements, isFixed, flat::Axes::Both, 100, x))
     return fail("its border and pinned UVs leave no way to lay it flat without turned faces");
+  if (options.relax != UntangleOptions::Relax::Stretch) {
+    for (std::size_t i = 0; i < x.size(); ++i)
+      if (piece.border.has(static_cast<Index>(i))) isFixed[i] = 1;  // springs alone would shrink it
+    return relaxSprings(piece, options, isFixed, x);
+  }
   flat::FlattenOptions relax;
   relax.iterations = options.relaxIterations;
   relax.threshold = options.tolerance;

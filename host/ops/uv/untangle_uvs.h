@@ -12,6 +12,11 @@ struct UntangleOptions {
   int relaxIterations = 50;  ///< rounds a shell at most, once nothing is turned over
   double tolerance = 0.1;    ///< ends when a round lowers the stretch by less, percent
   bool pinBorder = true;     ///< a border that stays where it is does not move while relaxing
+  enum class Relax { Stretch, Uniform, InverseLength, InverseSqrtLength, Harmonic };
+  /// What relaxing evens out: the stretch of the faces, or edges as springs that all pull alike, by
+  /// one over their length on the surface or its root, or by the cotangents of the angles across.
+  Relax relax = Relax::Stretch;
+  double shapeDetail = 20;  ///< of the Shape borders: 20 keeps the outline, less rounds it off
 };
 
 /// Turns the turned faces of UV shells back and evens the rest out.

@@ -220,7 +220,10 @@ TEST_CASE("Ctrl-C ends a run that would not end, with status 1") {
       writeFile(folder / "again.mel",
                 "global proc again() { evalDeferred \"again\"; } warning \"go\"; again;");
   for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
-           {loop}, {"-c", "warning \"go\"; for (;;) ;", "-c", "print \"no\""}, {again}}) {
+           {loop},
+           {"-c", "warning \"go\"; for (;;) ;", "-c", "print \"no\""},
+           {"-c", "warning \"go\"; system(\"sleep 20\"); print \"no\""},
+           {again}}) {
     CAPTURE(words.back());
     std::vector<std::string> all{"--no-module"};
     all.insert(all.end(), words.begin(), words.end());
