@@ -71,7 +71,7 @@ Result<void> joinShading(scene::Document& document, Node& shape, Node* whole,
   else if (Node* initial = nodes::shadingGroupOfWhole(scene::firstPath(shape)))
     HOST_TRY(nodes::removeFromSet(document, *initial, piece));
   return nodes::joinGroups(document, shape, groups);
-    dropShells(parts, block.data<dg::IntArrayData>(Plug(&node, removed)));
+  dropShells(parts, block.data<dg::IntArrayData>(Plug(&node, removed)));
 }
 
 /// The pieces become objects under the object's transform; its shape stays as what feeds them.
