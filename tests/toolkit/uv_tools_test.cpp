@@ -78,6 +78,33 @@ TEST_CASE("uvRatio, uvRatioCmd: every shell gets the ratio, by both the same, wh
     }
 }
 
+TEST_CASE(
+    "qxModifyUvsNode: only the mesh asks for another result; what does not fit passes the mesh") {
+  toolkitSession toolkit;
+  toolkit.run("polyPlane -n pl -sx 2 -sy 2 -w 4 -h 4");
+  const uvArrays before = uvsOf("pl");
+  toolkit.run("select pl; uvRatio -uv 2");
+  const uvArrays after = uvsOf("pl");
+  toolkit.run("setAttr qxModifyUvsNode1.nodeState 1");
+  CHECK(uvsOf("pl") == before);
+  toolkit.run("setAttr qxModifyUvsNode1.nodeState 0");
+  CHECK(uvsOf("pl") == after);
+  // The corner's places go to 7, which shows when the mesh comes anew.
+  toolkit.run(
+      "float $u[] = `getAttr qxModifyUvsNode1.uArray`; $u[0] = 7;"
+      "setAttr qxModifyUvsNode1.uArray -type doubleArray 9 $u[0] $u[1] $u[2] $u[3] $u[4] $u[5] "
+      "$u[6] "
+      "$u[7] $u[8]");
+  CHECK(uvsOf("pl") == after);
+  toolkit.run("setAttr polyPlane1.width 5");
+  CHECK(uvOf("pl", 0).first == 7.0F);
+  const host::MessageCapture capture;
+  toolkit.run("setAttr polyPlane1.subdivisionsWidth 3");
+  CHECK(MFnMesh(toolkitSession::path("pl")).numUVs() == 12);
+  CHECK(capture.text(host::MessageKind::Error).find("cannot assign uvs on object ") !=
+        std::string::npos);
+}
+
 TEST_CASE("uvRatio: chosen UVs stand for their shells; -global scales about the middle of all") {
   toolkitSession toolkit;
   toolkit.run(std::string(kSixShells) + "; select box.f[1] box.f[4]; ConvertSelectionToUVs");
