@@ -71,7 +71,27 @@ Result<void> joinShading(scene::Document& document, Node& shape, Node* whole,
   else if (Node* initial = nodes::shadingGroupOfWhole(scene::firstPath(shape)))
     HOST_TRY(nodes::removeFromSet(document, *initial, piece));
   return nodes::joinGroups(document, shape, groups);
-  dropShells(parts, block.data<dg::IntArrayData>(Plug(&node, removed)));
+}
+
+/// Keeps the pieces that -removeShells names out of the node's results.
+/// @return how many are left
+Result<Index> leaveOut(dg::Graph& graph, const ParsedArgs& args, Node& node, Index count) {
+  std::vector<std::int32_t> shells;
+  for (int use = 0; use < args.uses("removeShells"); ++use) {
+    const std::int32_t shell = args.values("removeShells", use).front().intValue();
+    if (shell < 0 || shell >= count)
+      return fail("polySeparate: there is no piece {} of {} to remove.", shell, count);
+    shells.push_back(shell);
+  }
+  std::ranges::sort(shells);
+  shells.erase(std::ranges::unique(shells).begin(), shells.end());
+  if (shells.empty()) return count;
+  if (static_cast<Index>(shells.size()) >= count)
+    return fail("polySeparate: -removeShells leaves no piece.");
+  const Index left = count - static_cast<Index>(shells.size());
+  HOST_TRY(graph.set(node.plug("remShells"),
+                     dg::DataPtr(std::make_shared<dg::IntArrayData>(std::move(shells)))));
+  return left;
 }
 
 /// The pieces become objects under the object's transform; its shape stays as what feeds them.

@@ -69,67 +69,69 @@ bool appendCurve(std::string& text, const math::NurbsCurve& curve) {
   }
   text += "\n\t\t";
   return isGood;
-  void appendPolyComponents(std::string & text, const scene::PolyComponentData& data) {
-    appendType(text, data.typeName());
-    text +=
-        fmt::format(" Index_Data {} {}", data.kind.empty() ? "UV" : data.kind, data.entries.size());
-    std::size_t written = 0;
-    for (const auto& [id, value] : data.entries) {
-      text += written++ % 8 == 0 ? "\n\t\t" : " ";
-      appendNumber(text, id);
-      text += ' ';
-      appendNumber(text, value);
-    }
-    text += ' ';
-  }
+}
 
-  enum class Written { Yes, Unknown, NotFinite };
-  Written appendPayload(std::string & text, const dg::DataPtr& data) {
-    const Value value(data);
-    bool isGood = true;
-    if (const auto* matrix = dg::dataAs<dg::MatrixData>(value)) {
-      appendType(text, "matrix");
-      for (int i = 0; i < 16; ++i) {
-        const double number = matrix->value[i / 4][i % 4];
-        isGood = isGood && std::isfinite(number);
-        text += ' ';
-        appendNumber(text, std::isfinite(number) ? number : 0.0);
-      }
-    } else if (const auto* weights = dg::dataAs<scene::PolyComponentData>(value)) {
-      appendPolyComponents(text, *weights);
-    } else if (const auto* list = dg::dataAs<scene::ComponentListData>(value)) {
-      appendComponents(text, list->value);
-    } else if (const auto* curve = dg::dataAs<scene::CurveData>(value)) {
-      isGood = appendCurve(text, curve->curve);
-    } else if (const auto* texts = dg::dataAs<dg::StringArrayData>(value)) {
-      appendType(text, "stringArray");
-      text += fmt::format(" {}", texts->value.size());
-      for (const std::string& each : texts->value) {
-        text += ' ';
-        appendQuoted(text, each);
-      }
-    } else if (const auto* integers = dg::dataAs<dg::IntArrayData>(value)) {
-      appendCounted(text, "Int32Array", integers->value,
-                    [](std::int32_t each) { return std::array{each}; });
-    } else if (const auto* doubles = dg::dataAs<dg::DoubleArrayData>(value)) {
-      isGood = appendCounted(text, "doubleArray", doubles->value,
-                             [](double each) { return std::array{each}; });
-    } else if (const auto* floats = dg::dataAs<dg::FloatArrayData>(value)) {
-      isGood = appendCounted(text, "floatArray", floats->value,
-                             [](float each) { return std::array{each}; });
-    } else if (const auto* vectors = dg::dataAs<dg::VectorArrayData>(value)) {
-      isGood = appendCounted(text, "vectorArray", vectors->value, [](const math::Vec3& each) {
-        return std::array{each.x, each.y, each.z};
-      });
-    } else if (const auto* points = dg::dataAs<dg::PointArrayData>(value)) {
-      isGood = appendCounted(text, "pointArray", points->value, [](const dg::Point4& each) {
-        return std::array{each.x, each.y, each.z, each.w};
-      });
-    } else {
-      return Written::Unknown;
-    }
-    return isGood ? Written::Yes : Written::NotFinite;
+void appendPolyComponents(std::string& text, const scene::PolyComponentData& data) {
+  appendType(text, data.typeName());
+  text +=
+      fmt::format(" Index_Data {} {}", data.kind.empty() ? "UV" : data.kind, data.entries.size());
+  std::size_t written = 0;
+  for (const auto& [id, value] : data.entries) {
+    text += written++ % 8 == 0 ? "\n\t\t" : " ";
+    appendNumber(text, id);
+    text += ' ';
+    appendNumber(text, value);
   }
+  text += ' ';
+}
+
+enum class Written { Yes, Unknown, NotFinite };
+Written appendPayload(std::string& text, const dg::DataPtr& data) {
+  const Value value(data);
+  bool isGood = true;
+  if (const auto* matrix = dg::dataAs<dg::MatrixData>(value)) {
+    appendType(text, "matrix");
+    for (int i = 0; i < 16; ++i) {
+      const double number = matrix->value[i / 4][i % 4];
+      isGood = isGood && std::isfinite(number);
+      text += ' ';
+      appendNumber(text, std::isfinite(number) ? number : 0.0);
+    }
+  } else if (const auto* weights = dg::dataAs<scene::PolyComponentData>(value)) {
+    appendPolyComponents(text, *weights);
+  } else if (const auto* list = dg::dataAs<scene::ComponentListData>(value)) {
+    appendComponents(text, list->value);
+  } else if (const auto* curve = dg::dataAs<scene::CurveData>(value)) {
+    isGood = appendCurve(text, curve->curve);
+  } else if (const auto* texts = dg::dataAs<dg::StringArrayData>(value)) {
+    appendType(text, "stringArray");
+    text += fmt::format(" {}", texts->value.size());
+    for (const std::string& each : texts->value) {
+      text += ' ';
+      appendQuoted(text, each);
+    }
+  } else if (const auto* integers = dg::dataAs<dg::IntArrayData>(value)) {
+    appendCounted(text, "Int32Array", integers->value,
+                  [](std::int32_t each) { return std::array{each}; });
+  } else if (const auto* doubles = dg::dataAs<dg::DoubleArrayData>(value)) {
+    isGood = appendCounted(text, "doubleArray", doubles->value,
+                           [](double each) { return std::array{each}; });
+  } else if (const auto* floats = dg::dataAs<dg::FloatArrayData>(value)) {
+    isGood = appendCounted(text, "floatArray", floats->value,
+                           [](float each) { return std::array{each}; });
+  } else if (const auto* vectors = dg::dataAs<dg::VectorArrayData>(value)) {
+    isGood = appendCounted(text, "vectorArray", vectors->value, [](const math::Vec3& each) {
+      return std::array{each.x, each.y, each.z};
+    });
+  } else if (const auto* points = dg::dataAs<dg::PointArrayData>(value)) {
+    isGood = appendCounted(text, "pointArray", points->value, [](const dg::Point4& each) {
+      return std::array{each.x, each.y, each.z, each.w};
+    });
+  } else {
+    return Written::Unknown;
+  }
+  return isGood ? Written::Yes : Written::NotFinite;
+}
 
 }  // namespace
 

@@ -135,29 +135,31 @@ Result<dg::Value> curveFrom(const Tokens& tokens) {
   }
   HOST_TRY(math::check(curve));
   return dg::Value(dg::DataPtr(std::make_shared<scene::CurveData>(std::move(curve))));
-  /// Index_Data <kind> <count> <id> <value> ..., ids in any order.
-  Result<dg::Value> weightsFrom(const Tokens& tokens) {
-    using Data = scene::PolyComponentData;
-    Index count = 0;
-    if (tokens.empty())
-      return dg::Value(dg::DataPtr(std::make_shared<Data>("", std::vector<Data::Entry>())));
-    if (tokens.size() < 3 || tokens[0].text != "Index_Data" || !MaRow(tokens[2].text).read(count) ||
-        count < 0)
-      return fail("such data begins with Index_Data, a kind and a count");
-    if (static_cast<std::size_t>(count) * 2 != tokens.size() - 3)
-      return fail("{} components are announced, but {} numbers follow", count, tokens.size() - 3);
-    std::vector<Data::Entry> entries;
-    for (std::size_t i = 3; i < tokens.size(); i += 2) {
-      Data::Entry entry;
-      if (!MaRow(tokens[i].text).read(entry.first) || entry.first < 0 ||
-          !MaRow(tokens[i + 1].text).read(entry.second) || !(entry.second >= 0))
-        return fail("'{} {}' is no component and its value", tokens[i].text, tokens[i + 1].text);
-      entries.push_back(entry);
-    }
-    std::ranges::stable_sort(entries, {}, &Data::Entry::first);
-    return dg::Value(
-        dg::DataPtr(std::make_shared<Data>(std::string(tokens[1].text), std::move(entries))));
+}
+
+/// Index_Data <kind> <count> <id> <value> ..., ids in any order.
+Result<dg::Value> weightsFrom(const Tokens& tokens) {
+  using Data = scene::PolyComponentData;
+  Index count = 0;
+  if (tokens.empty())
+    return dg::Value(dg::DataPtr(std::make_shared<Data>("", std::vector<Data::Entry>())));
+  if (tokens.size() < 3 || tokens[0].text != "Index_Data" || !MaRow(tokens[2].text).read(count) ||
+      count < 0)
+    return fail("such data begins with Index_Data, a kind and a count");
+  if (static_cast<std::size_t>(count) * 2 != tokens.size() - 3)
+    return fail("{} components are announced, but {} numbers follow", count, tokens.size() - 3);
+  std::vector<Data::Entry> entries;
+  for (std::size_t i = 3; i < tokens.size(); i += 2) {
+    Data::Entry entry;
+    if (!MaRow(tokens[i].text).read(entry.first) || entry.first < 0 ||
+        !MaRow(tokens[i + 1].text).read(entry.second) || !(entry.second >= 0))
+      return fail("'{} {}' is no component and its value", tokens[i].text, tokens[i + 1].text);
+    entries.push_back(entry);
   }
+  std::ranges::stable_sort(entries, {}, &Data::Entry::first);
+  return dg::Value(
+      dg::DataPtr(std::make_shared<Data>(std::string(tokens[1].text), std::move(entries))));
+}
 
 }  // namespace
 
