@@ -1,3 +1,4 @@
+#include <dlfcn.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -80,6 +81,17 @@ int runScript(cmd::Session& session, const Options& options) {
   return done && !wasInterrupted() ? kDone : kScriptFailed;
 }
 
+/// The window's library is loaded when it is asked for: its entry point takes the session.
+int runWindow(cmd::Session& session, const ProgramPaths& paths) {
+  void* const library = dlopen(paths.window().c_str(), RTLD_NOW);
+  using Entry = int (*)(cmd::Session*);
+  const auto entry =
+      library ? reinterpret_cast<Entry>(dlsym(library, "qxmtRunWindow")) : Entry{};
+  if (entry) return entry(&session);
+  std::fprintf(stderr, "qxmt: the window can't be loaded: %s\n", dlerror());
+  return kFileFailed;
+}
+
 /// A session without a prompt, with the plug-ins loaded and a scene open; null when that fails.
 std::unique_ptr<cmd::Session> batchSession(const Options& options, const ProgramPaths& paths,
                                            const std::string& scene, int& status) {
@@ -97,7 +109,7 @@ int run(const Options& options) {
       return batchSession(options, paths, scene, status);
     });
   const bool isPrompt =
-      options.interactive || (options.script.empty() && options.commands.empty() && isatty(0));
+      options.interactive || options.window || (options.script.empty() && options.commands.empty() && isatty(0));
   auto session = api::makeHostSession();
   session->isBatch = !isPrompt;
   const InterruptScope interrupts(*session);
@@ -123,7 +135,10 @@ int run(const Options& options) {
       status = runScript(*session, options);
     else if (!isPrompt && options.commands.empty() && !isatty(0))
       status = runStandardInput(*session);
-    if (isPrompt && !session->isQuitting) status = runPrompt(*session);
+    if (options.window && status == kDone && !session->isQuitting)
+      status = runWindow(*session, paths);
+    else if (isPrompt && !session->isQuitting)
+      status = runPrompt(*session);
   }
   preferences.save();
   return status;
@@ -142,7 +157,7 @@ int main(int argc, char** argv) {
     std::fputs(host::modelling::referenceRows(host::modelling::declarations()).c_str(), stdout);
     return kDone;
   }
-  if (options.window) {
+  if (options.window && !std::filesystem::exists(programPaths().window())) {
     std::fprintf(stderr, "qxmt: this build has no window; run a script, -c or -i\n");
     return kBadUsage;
   }

@@ -22,8 +22,7 @@ int parseOptions(int argc, char** argv, Options& options) {
       ->take_all()
       ->allow_extra_args(false);
   app.add_flag("-i,--interactive", options.interactive, "prompt with history and completion");
-  app.add_flag("-w,--window", options.window, "open the window")
-      ->group("");  // refused with a reason
+  app.add_flag("-w,--window", options.window, "open the window");
   app.add_option("-o,--open", options.openFile, "open a scene or import a mesh first (.ma, .obj)")
       ->type_name("FILE");
   app.add_option("--plug-in", options.plugIns, "load a further plug-in (repeatable)")
