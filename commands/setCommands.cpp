@@ -2,6 +2,7 @@
 
 #include <maya/MArgDatabase.h>
 #include <maya/MGlobal.h>
+#include <maya/MSelectionList.h>
 #include <maya/MString.h>
 
 #include "commands/viewMessages.h"
@@ -31,16 +32,47 @@ MStatus resetControls(const MString&) {
   return MS::kSuccess;
 }
 
+bool exists(const char* command) {
+  int isThere = 0;
+  MGlobal::executeCommand(MString("exists ") + command, isThere, false, false);
+  return isThere != 0;
+}
+
 /// The marking command does these; it can be undone by itself.
 MStatus mark(const MString& message) {
-  int isThere = 0;
-  MGlobal::executeCommand("exists qxMarkUVInformation", isThere, false, false);
-  if (isThere == 0) return runToolMessage(message);
+  if (!exists("qxMarkUVInformation")) return runToolMessage(message);
   const char* flag = message == "setAncorPoint"      ? "-mv"
                      : message == "removeAncorPoint" ? "-umv"
                      : message == "markEdges"        ? "-me"
                                                      : "-ume";
   return MGlobal::executeCommand(MString("qxMarkUVInformation ") + flag + " 1", false, true);
+}
+
+/// Pins what is selected of UV objects, and lets it go.
+MStatus pin(const MString& message) {
+  if (!exists("qxPinVertsCmd")) return runToolMessage(message);
+  const MStatus status = MGlobal::executeCommand("qxPinVertsCmd -pinVert 1", false, true);
+  return status == MS::kSuccess ? MGlobal::executeCommand("select -d", false, true) : status;
+}
+
+/// Frees all pinned vertices of the selected objects, or of the hilited ones.
+MStatus unpin(const MString& message) {
+  if (!exists("qxPinVertsCmd")) return runToolMessage(message);
+  MSelectionList selected, hilited;
+  MGlobal::getActiveSelectionList(selected);
+  MGlobal::getHiliteList(hilited);
+  if (selected.length() > 0 || hilited.length() == 0)
+    return MGlobal::executeCommand("qxPinVertsCmd -clearPins 1", false, true);
+  MGlobal::setActiveSelectionList(hilited);
+  const MStatus status = MGlobal::executeCommand("qxPinVertsCmd -clearPins 1", false, true);
+  MGlobal::setActiveSelectionList(selected);
+  MGlobal::setHiliteList(hilited);
+  return status;
+}
+
+MStatus buildUvObject(const MString& message) {
+  if (!exists("qxBuildUVObject")) return runToolMessage(message);
+  return MGlobal::executeCommand("qxBuildUVObject", false, true);
 }
 
 MStatus tellLicence(const MString&) {
@@ -60,9 +92,9 @@ struct messageRow {
 constexpr messageRow kMessages[] = {
     {"storeValues", readControls},
     {"setSlideDag", setSlideDag},
-    {"setPinValues", runToolMessage},
-    {"unPinValues", runToolMessage},
-    {"buildUVObject", runToolMessage},
+    {"setPinValues", pin},
+    {"unPinValues", unpin},
+    {"buildUVObject", buildUvObject},
     {"setAncorPoint", mark},
     {"removeAncorPoint", mark},
     {"markEdges", mark},

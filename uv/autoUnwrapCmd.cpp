@@ -62,6 +62,7 @@ MStatus autoUnwrapCmd::doIt(const MArgList& arguments) {
   MGlobal::getHiliteList(hiliteBefore);
   status = unwrapAll();
   restoreSelection();
+  MGlobal::setHiliteList(hiliteBefore);
   return status;
 }
 

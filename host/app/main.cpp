@@ -1,4 +1,3 @@
-#include <dlfcn.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -10,6 +9,7 @@
 #include "host/app/options.h"
 #include "host/app/paths.h"
 #include "host/app/preferences.h"
+#include "host/app/program.h"
 #include "host/app/progress.h"
 #include "host/app/prompt.h"
 #include "host/app/replay.h"
@@ -23,6 +23,11 @@
 
 namespace host::app {
 namespace {
+
+WindowEntry& windowEntry() {
+  static WindowEntry entry = nullptr;
+  return entry;
+}
 
 bool isReadable(const std::string& file) {
   if (access(file.c_str(), R_OK) == 0 && !std::filesystem::is_directory(file)) return true;
@@ -81,17 +86,6 @@ int runScript(cmd::Session& session, const Options& options) {
   return done && !wasInterrupted() ? kDone : kScriptFailed;
 }
 
-/// The window's library is loaded when it is asked for: its entry point takes the session.
-int runWindow(cmd::Session& session, const ProgramPaths& paths) {
-  void* const library = dlopen(paths.window().c_str(), RTLD_NOW);
-  using Entry = int (*)(cmd::Session*);
-  const auto entry =
-      library ? reinterpret_cast<Entry>(dlsym(library, "qxmtRunWindow")) : Entry{};
-  if (entry) return entry(&session);
-  std::fprintf(stderr, "qxmt: the window can't be loaded: %s\n", dlerror());
-  return kFileFailed;
-}
-
 /// A session without a prompt, with the plug-ins loaded and a scene open; null when that fails.
 std::unique_ptr<cmd::Session> batchSession(const Options& options, const ProgramPaths& paths,
                                            const std::string& scene, int& status) {
@@ -108,8 +102,8 @@ int run(const Options& options) {
     return runReplay(options, [&](const std::string& scene, int& status) {
       return batchSession(options, paths, scene, status);
     });
-  const bool isPrompt =
-      options.interactive || options.window || (options.script.empty() && options.commands.empty() && isatty(0));
+  const bool isPrompt = options.interactive || options.window ||
+                        (options.script.empty() && options.commands.empty() && isatty(0));
   auto session = api::makeHostSession();
   session->isBatch = !isPrompt;
   const InterruptScope interrupts(*session);
@@ -136,7 +130,7 @@ int run(const Options& options) {
     else if (!isPrompt && options.commands.empty() && !isatty(0))
       status = runStandardInput(*session);
     if (options.window && status == kDone && !session->isQuitting)
-      status = runWindow(*session, paths);
+      status = windowEntry()(*session);
     else if (isPrompt && !session->isQuitting)
       status = runPrompt(*session);
   }
@@ -145,19 +139,24 @@ int run(const Options& options) {
 }
 
 }  // namespace
-}  // namespace host::app
 
-int main(int argc, char** argv) {
-  using namespace host::app;
-  host::keepFreedMemory();
+void setWindow(WindowEntry entry) {
+  windowEntry() = entry;
+}
+
+int runProgram(int argc, char** argv) {
+  keepFreedMemory();
   Options options;
   const int ended = parseOptions(argc, argv, options);
   if (ended >= 0) return ended;
   if (options.isJob("reference")) {
-    std::fputs(host::modelling::referenceRows(host::modelling::declarations()).c_str(), stdout);
+    std::fputs(modelling::referenceRows(modelling::declarations()).c_str(), stdout);
     return kDone;
   }
-  if (options.window && !std::filesystem::exists(programPaths().window())) {
+  if (options.window && !windowEntry()) {
+    // The window is a program of its own, so that batch runs don't load what it needs.
+    const std::string program = programPaths().window().string();
+    execv(program.c_str(), argv);
     std::fprintf(stderr, "qxmt: this build has no window; run a script, -c or -i\n");
     return kBadUsage;
   }
@@ -170,3 +169,5 @@ int main(int argc, char** argv) {
     return kScriptFailed;
   }
 }
+
+}  // namespace host::app

@@ -132,7 +132,9 @@ bool hasDisplay() {
          !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
-int run(cmd::Session& session) {
+}  // namespace
+
+int runWindow(cmd::Session& session) {
   constexpr int kNoDisplay = 2;
   if (!hasDisplay()) {
     std::fprintf(stderr, "qxmt: there is no display for the window; run a script, -c or -i\n");
@@ -162,9 +164,4 @@ int run(cmd::Session& session) {
   return session.exitStatus;
 }
 
-}  // namespace
 }  // namespace host::window
-
-int qxmtRunWindow(host::cmd::Session* session) {
-  return host::window::run(*session);
-}

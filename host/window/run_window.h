@@ -1,11 +1,12 @@
 #pragma once
 
-namespace host::cmd {
-class Session;
-}
+#include "host/cmd/session.h"
+
+namespace host::window {
 
 /// Opens the window on a session that is ready: plug-ins loaded, scene open. Runs until the window
-/// is closed or a script quits. Loaded by the program when it is asked for, so that batch runs know
-/// nothing of the window's libraries.
+/// is closed or a script quits.
 /// @return the exit status; 2 when there is no display
-extern "C" __attribute__((visibility("default"))) int qxmtRunWindow(host::cmd::Session* session);
+int runWindow(cmd::Session& session);
+
+}  // namespace host::window

@@ -185,11 +185,11 @@ TEST_CASE(
 
 TEST_CASE("loading twice and unloading leave no window, menu or tool behind") {
   toolkitSession toolkit;
+  toolkit.run("int $jobs = size(`scriptJob -lj`)");
   toolkit.run(
       "qx_modeling_tool_ui; qx_modeling_tool_ui; modelingWindow_QXMT_Proc; "
       "modelingWindow_QXMT_Proc; uvWindow_QXMT_Proc;"
       "straightenOptions_QXMT_Proc; smoothOptions_QXMT_Proc");
-  toolkit.run("int $jobs = size(`scriptJob -lj`)");
   toolkit.run("unloadPlugin qxModelingToolkit");
   toolkit.run(
       "if (size(`lsUI -wnd`) != 1 || size(`lsUI -m -mi`) != 0) error(\"left: \" + "

@@ -12,6 +12,7 @@
 #include "host/api/view/view_rep.h"
 #include "host/base/messages.h"
 #include "host/scene/dag_paths.h"
+#include "host/scene/display_rules.h"
 #include "host/workspace/workspace.h"
 
 namespace host::api {
@@ -32,7 +33,7 @@ class LocatorWalk {
     scene::PathWalk walk(top);
     while (!walk.isDone()) {
       dg::Node& node = walk.node();
-      if (!isShown(node)) {
+      if (!scene::isShown(node)) {
         walk.skipBelow();
         continue;
       }
