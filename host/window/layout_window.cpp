@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "host/builtins/ui/control_values.h"
+#include "host/window/menus.h"
 #include "host/workspace/workspace.h"
 
 namespace host::window {
@@ -86,7 +87,7 @@ void LayoutWindow::follow() {
   if (control->isKind(Kind::Window)) followWindow(*control);
   arrangedSize_ = size();
   ui::Looks looks;
-  looks.characterWidth = std::max(fontMetrics().averageCharWidth(), 4);
+  looks.characterWidth = std::max(fontMetrics().averageCharWidth() + 1, 5);
   looks.lineHeight = std::max(fontMetrics().height() + 8, 22);
   looks.menuBarHeight = menuBar_ ? menuBar_->sizeHint().height() : looks.menuBarHeight;
   arrange(ui::layOut(*control, {width(), height()}, looks));

@@ -9,6 +9,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPushButton>
 #include <QSettings>
 #include <QStatusBar>
 #include <QTabWidget>
@@ -217,7 +218,7 @@ void MainWindow::followScriptMenus() {
 }
 
 void MainWindow::followWindows() {
-  const ui::Tree& tree = workspaceOf(person_.session()).controls;
+  ui::Tree& tree = workspaceOf(person_.session()).controls;
   std::map<std::string, std::unique_ptr<LayoutWindow>> left;
   left.swap(windows_);
   for (const auto& window : tree.windows()) {
@@ -288,11 +289,14 @@ void MainWindow::showProgress() {
 
 bool MainWindow::mayDropScene() {
   if (!person_.document().isModified()) return true;
-  const auto chosen = QMessageBox::question(
-      this, tr("Unsaved changes"), tr("Save the changes to %1?").arg(sceneName()),
-      QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
-  if (chosen == QMessageBox::Cancel) return false;
-  return chosen == QMessageBox::Discard || save();
+  QMessageBox box(QMessageBox::Question, tr("Unsaved changes"),
+                  tr("Save the changes to %1?").arg(sceneName()), QMessageBox::NoButton, this);
+  const QPushButton* keep = box.addButton(tr("&Save"), QMessageBox::AcceptRole);
+  const QPushButton* drop = box.addButton(tr("&Don't Save"), QMessageBox::DestructiveRole);
+  box.addButton(tr("&Cancel"), QMessageBox::RejectRole);
+  box.exec();
+  if (box.clickedButton() == drop) return true;
+  return box.clickedButton() == keep && save();
 }
 
 void MainWindow::newScene() {

@@ -1,5 +1,7 @@
 #include "host/window/run_window.h"
 
+#include <fmt/format.h>
+
 #include <QApplication>
 #include <QFile>
 #include <QInputDialog>
@@ -52,7 +54,8 @@ class Stepper : public QObject {
 /// that says how often, written anew each time.
 class StateFile {
  public:
-  StateFile(Person& person, QString file) : person_(person), file_(std::move(file)) {
+  StateFile(Person& person, const QWidget& window, QString file)
+      : person_(person), window_(window), file_(std::move(file)) {
     if (file_.isEmpty()) return;
     looking_ =
         person_.looked.connect([this] { QTimer::singleShot(0, &guard_, [this] { tell(); }); });
@@ -71,10 +74,23 @@ class StateFile {
                   .arg(QString::fromStdString(
                       fmt::format("{}", fmt::join(person_.document().selection().names(), " "))))
                   .toUtf8());
+    // Where the views are on the screen, for a hand that comes from outside.
+    for (const QWidget* view : window_.findChildren<QWidget*>())
+      if (view->objectName().startsWith("modelPanel") && view->isVisible()) {
+        const QPoint at = view->mapToGlobal(QPoint(0, 0));
+        out.write(QString("view %1 %2 %3 %4 %5\n")
+                      .arg(view->objectName())
+                      .arg(at.x())
+                      .arg(at.y())
+                      .arg(view->width())
+                      .arg(view->height())
+                      .toUtf8());
+      }
     out.commit();
   }
 
   Person& person_;
+  const QWidget& window_;
   QString file_;
   QObject guard_;
   Connection looking_;
@@ -146,6 +162,10 @@ int runWindow(cmd::Session& session) {
   QApplication application(count, words);
   QApplication::setApplicationName("qxmt");
   makeDark(application);
+  // As dense as tools with many controls are, and as wide as the tree's geometry counts on.
+  QFont font = QApplication::font();
+  font.setPixelSize(11);
+  QApplication::setFont(font);
   session.loop().setClock([] {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
         .count();
@@ -156,7 +176,7 @@ int runWindow(cmd::Session& session) {
     return askPerson(&window, question);
   };
   const Stepper stepper(person);
-  const StateFile state(person, qEnvironmentVariable("QXMT_WINDOW_STATE"));
+  const StateFile state(person, window, qEnvironmentVariable("QXMT_WINDOW_STATE"));
   window.show();
   person.lookSoon();
   QApplication::exec();

@@ -200,6 +200,7 @@ void AttributePanel::follow() {
   const int scrolledTo = verticalScrollBar()->value();
   clear();
   for (dg::Node* node : nodes) addNode(*node);
+  resizeColumnToContents(0);
   verticalScrollBar()->setValue(scrolledTo);
   isFollowing_ = false;
 }
