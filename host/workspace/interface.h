@@ -25,8 +25,8 @@ struct Dialogs {
   /// Asks the person at the window, when there is one and no answer was given before; an empty
   /// button: they closed it.
   std::function<Answer(const Question&)> ask;
-  std::string promptText;      ///< what the last prompt was answered
-  std::string dismissedWith;   ///< how a dialog's own script ended it
+  std::string promptText;     ///< what the last prompt was answered
+  std::string dismissedWith;  ///< how a dialog's own script ended it
   bool isDismissed = false;
 
   struct Progress {

@@ -37,9 +37,9 @@ Result<Dialogs::Answer> answer(Context& context, const ParsedArgs& args, const c
   postMessage(MessageKind::Info, title.empty() ? message : title + ": " + message);
   Dialogs& dialogs = workspaceOf(context.session).dialogs;
   if (dialogs.answers.empty() && dialogs.ask) {
-    Dialogs::Answer given = dialogs.ask({title, message, args.text("text"),
-                                         args.text("defaultButton"), args.texts("button"),
-                                         std::string_view(command) == "promptDialog"});
+    Dialogs::Answer given =
+        dialogs.ask({title, message, args.text("text"), args.text("defaultButton"),
+                     args.texts("button"), std::string_view(command) == "promptDialog"});
     if (given.button.empty()) given.button = withoutPerson(args);
     return given;
   }
