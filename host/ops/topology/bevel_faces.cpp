@@ -2,6 +2,7 @@
 
 #include <numeric>
 
+#include "host/mesh/normals.h"
 #include "host/mesh/rebuild.h"
 #include "host/mesh/shells.h"
 
@@ -114,12 +115,12 @@ class Beveller {
     return false;
   }
 
-  void addLoop(std::span<const LoopPlace> loop, std::vector<FaceId>& faces) {
+  void addLoop(std::span<const LoopPlace> loop, FaceId source, std::vector<FaceId>& faces) {
     std::size_t count = 0;
     for (std::size_t i = 0; i < loop.size(); ++i)
       count += loop[i].vertex != loop[(i + 1) % loop.size()].vertex ? 1 : 0;
     if (count < 3) return;
-    rebuilder_.beginFace();
+    rebuilder_.beginFace(source);
     Index place = 0;
     for (std::size_t i = 0; i < loop.size(); ++i)
       if (loop[i].vertex != loop[(i + 1) % loop.size()].vertex)
@@ -162,6 +163,7 @@ class Beveller {
     const End atV{out, adjacency_.nextCorner(back), corners_.profile(e, v), false};
     const End atW{adjacency_.nextCorner(out), back, corners_.profile(e, w), true};
     const bool isSplit = isSeam(e);
+    const FaceId largest = largestFace(walks);
     const auto n = atV.profile.size() - 1;
     for (std::size_t j = 0; j < n; ++j) {
       const double t0 = static_cast<double>(j) / static_cast<double>(n),
@@ -172,8 +174,23 @@ class Beveller {
            {atV.vertex(j + 1), sourceAcross(atV, t1, isFarHalf, isSplit)},
            {atW.vertex(j + 1), sourceAcross(atW, t1, isFarHalf, isSplit)},
            {atW.vertex(j), sourceAcross(atW, t0, isFarHalf, isSplit)}}};
-      addLoop(loop, faces);
+      addLoop(loop, largest, faces);
     }
+  }
+
+  /// The one of the faces at some corners with the most area: what new faces between them are a
+  /// piece of.
+  [[nodiscard]] FaceId largestFace(std::span<const CornerId> corners) const {
+    FaceId largest = kNone;
+    double most = -1;
+    for (const CornerId c : corners) {
+      const FaceId face = adjacency_.cornerFace(c);
+      const double area = mesh::faceArea(mesh_, face);
+      if (area <= most) continue;
+      most = area;
+      largest = face;
+    }
+    return largest;
   }
 
   void buildCaps(std::vector<FaceId>& faces) {
@@ -182,7 +199,7 @@ class Beveller {
       std::vector<LoopPlace> loop;
       for (const VertexId v : cap.loop)
         loop.push_back({v, {.first = c, .firstAt = v < mesh_.vertexCount() ? kNone : v}});
-      addLoop(loop, faces);
+      addLoop(loop, largestFace(adjacency_.vertexCorners(cap.vertex)), faces);
     }
   }
 
