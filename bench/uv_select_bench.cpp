@@ -139,6 +139,7 @@ void hover(benchmark::State& state) {
     ticks.push_back(cpuMilliseconds() - start);
   }
   tell(state, ticks);
+  run("setToolTo selectSuperContext");
 }
 BENCHMARK(hover)
     ->Name("uvHoverTick/torus")
@@ -169,6 +170,7 @@ void way(benchmark::State& state, int pixels, int waits) {
     state.ResumeTiming();
   }
   tell(state, presses);
+  run("setToolTo selectSuperContext");
 }
 BENCHMARK_CAPTURE(way, near, 40, 50)
     ->Name("uvWay/40px/torus")

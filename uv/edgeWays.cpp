@@ -18,6 +18,10 @@ std::size_t at(int index) {
   return static_cast<std::size_t>(index);
 }
 
+double square(double value) {
+  return value * value;
+}
+
 /// Edges with a crease value, which subdivision keeps sharp.
 std::vector<int> creasedEdges(const MFnMesh& mesh) {
   MUintArray ids;
@@ -38,11 +42,12 @@ bool edgeWays::isLater(const front& a, const front& b) {
 
 void edgeWays::clear() {
   walk.reset();
+  links = nullptr;
   points = nullptr;
   frontier.clear();
 }
 
-bool edgeWays::begin(const pickedComponent& from, measure howIn) {
+bool edgeWays::begin(const pickedComponent& from, measure howIn, edgeGraph& graph) {
   if (!from.isHit() || !from.mesh.isValid()) {
     clear();
     return false;
@@ -56,11 +61,14 @@ bool edgeWays::begin(const pickedComponent& from, measure howIn) {
   const float* raw = opened->mesh.getRawPoints(&status);
   const MIntArray starts = verticesOf(from);
   if (status != MS::kSuccess || starts.length() == 0 || from.kind == kFaceKind) return false;
+  graph.begin(from.mesh);
+  if (!graph.finish()) return false;
   if (howIn == kCreases) opened->creased = creasedEdges(opened->mesh);
   origin = from;
   how = howIn;
   toWorld = matrix;
   walk = std::move(opened);
+  links = &graph;
   points = raw;
   const std::size_t count = at(walk->mesh.numVertices());
   costs.assign(count, kFar);
@@ -80,9 +88,13 @@ bool edgeWays::isSettled(int vertex) const {
   return isDone[at(vertex)] != 0;
 }
 
-MPoint edgeWays::place(int vertex) const {
-  const float* p = points + 3 * at(vertex);
-  return MPoint(p[0], p[1], p[2]) * toWorld;
+double edgeWays::length(int a, int b) const {
+  const float *p = points + 3 * at(a), *q = points + 3 * at(b);
+  const double x = double{q[0]} - p[0], y = double{q[1]} - p[1], z = double{q[2]} - p[2];
+  const auto& m = toWorld.matrix;
+  return std::sqrt(square(x * m[0][0] + y * m[1][0] + z * m[2][0]) +
+                   square(x * m[0][1] + y * m[1][1] + z * m[2][1]) +
+                   square(x * m[0][2] + y * m[1][2] + z * m[2][2]));
 }
 
 /// How much of a crease an edge is, 0 to 1: the bend of its faces, a right angle for the whole; a
@@ -103,8 +115,7 @@ double edgeWays::sharpness(int edge) {
 
 double edgeWays::edgeCost(int edge, int a, int b) {
   constexpr double kMostSaved = 11.0;
-  const double length = place(a).distanceTo(place(b));
-  return how == kShortest ? length : length / (1.0 + kMostSaved * sharpness(edge));
+  return how == kShortest ? length(a, b) : length(a, b) / (1.0 + kMostSaved * sharpness(edge));
 }
 
 void edgeWays::reach(int vertex, int overEdge, double cost) {
@@ -122,15 +133,9 @@ void edgeWays::settleNext() {
   frontier.pop_back();
   if (isSettled(now.vertex)) return;  // it was reached for less since
   isDone[at(now.vertex)] = 1;
-  int before = 0;
-  if (walk->vertex.setIndex(now.vertex, before) != MS::kSuccess) return;
-  walk->vertex.getConnectedEdges(around);
-  for (unsigned int i = 0; i < around.length(); ++i) {
-    int other = kNone;
-    if (walk->vertex.getOppositeVertex(other, around[i]) != MS::kSuccess) continue;
-    if (!isSettled(other))
-      reach(other, around[i], now.cost + edgeCost(around[i], now.vertex, other));
-  }
+  for (const edgeGraph::link* to = links->begin(now.vertex); to != links->end(now.vertex); ++to)
+    if (!isSettled(to->vertex))
+      reach(to->vertex, to->edge, now.cost + edgeCost(to->edge, now.vertex, to->vertex));
 }
 
 bool edgeWays::grow(unsigned int vertices) {
@@ -154,10 +159,10 @@ MIntArray edgeWays::wayTo(const pickedComponent& to) {
   while (arrivals[at(end)] != kNone) {
     const int edge = arrivals[at(end)];
     edges.append(edge);
-    int before = 0, next = kNone;
-    walk->vertex.setIndex(end, before);
-    if (walk->vertex.getOppositeVertex(next, edge) != MS::kSuccess) break;
-    end = next;
+    const auto leads = [edge](const edgeGraph::link& link) { return link.edge == edge; };
+    const edgeGraph::link* back = std::find_if(links->begin(end), links->end(end), leads);
+    if (back == links->end(end)) break;
+    end = back->vertex;
   }
   const bool isSameEdge = to.kind == kEdgeKind && to.index == origin.index;
   if (origin.kind == kEdgeKind && !isSameEdge) edges.append(origin.index);

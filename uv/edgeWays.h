@@ -4,7 +4,6 @@
 #include <maya/MFnMesh.h>
 #include <maya/MIntArray.h>
 #include <maya/MItMeshEdge.h>
-#include <maya/MItMeshVertex.h>
 #include <maya/MMatrix.h>
 #include <maya/MVector.h>
 
@@ -12,6 +11,7 @@
 #include <vector>
 
 #include "shared/selection/componentPick.h"
+#include "uv/edgeGraph.h"
 
 /// The cheapest ways along the edges of a mesh from one of its components to all others, found as
 /// far as they are asked for.
@@ -29,8 +29,10 @@ class edgeWays {
 
   /// Begins anew at a vertex or an edge, unless it has begun there and the mesh stands where it
   /// did.
+  /// @param graph of the mesh; what is left of it is built. It must outlive this, or be cleared
+  ///     together with it
   /// @return whether the mesh has the component
-  bool begin(const pickedComponent& from, measure how);
+  bool begin(const pickedComponent& from, measure how, edgeGraph& graph);
   /// Forgets everything: the mesh has changed or gone.
   void clear();
   bool isBegun() const { return walk != nullptr; }
@@ -48,9 +50,8 @@ class edgeWays {
   };
   /// What the mesh is read through.
   struct reader {
-    reader(const MDagPath& path, MStatus& status) : mesh(path, &status), vertex(path), edge(path) {}
+    reader(const MDagPath& path, MStatus& status) : mesh(path, &status), edge(path) {}
     MFnMesh mesh;
-    MItMeshVertex vertex;
     MItMeshEdge edge;
     std::vector<int> creased;  ///< ascending
   };
@@ -61,16 +62,16 @@ class edgeWays {
   bool isSettled(int vertex) const;
   double edgeCost(int edge, int a, int b);
   double sharpness(int edge);
-  MPoint place(int vertex) const;
+  double length(int a, int b) const;
 
   pickedComponent origin;
   measure how = kShortest;
   MMatrix toWorld;
   std::unique_ptr<reader> walk;
+  const edgeGraph* links = nullptr;
   const float* points = nullptr;
   std::vector<double> costs;    ///< of each vertex; infinite until it is reached
   std::vector<int> arrivals;    ///< the edge that the way to a vertex ends with; none at the start
   std::vector<char> isDone;     ///< its cost is final
   std::vector<front> frontier;  ///< a heap
-  MIntArray around;
 };

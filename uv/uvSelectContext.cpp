@@ -10,6 +10,8 @@
 #include <maya/MPlug.h>
 #include <maya/MTimerMessage.h>
 
+#include <chrono>
+
 #include "shared/mesh/mathHelper.h"
 #include "shared/settings/toolSettings.h"
 #include "uv/markAttributes.h"
@@ -24,8 +26,9 @@ namespace {
 
 constexpr const char* kTitle = "Uv Select Tool";
 constexpr float kHoverPeriod = 0.01F, kTickPeriod = 0.05F;
-/// Vertices that a way grows by at a time while nothing else is to do.
-constexpr unsigned int kIdleVertices = 1000;
+/// What ways may take of the time between two looks at the cursor while nothing else is to do.
+constexpr auto kIdleTime = std::chrono::microseconds(2000);
+constexpr unsigned int kIdleSlice = 500;  ///< vertices or edges between two looks at the clock
 constexpr const char* kUsage =
     "Left: pick, drag to paint, Shift adds the way from the last pick, Ctrl removes, both follow "
     "creases. Middle: mark, Ctrl unmarks, Shift marks the way.";
@@ -98,7 +101,7 @@ void uvSelectContext::enter(MEvent&) {
 void uvSelectContext::leave() {
   if (current() == this) current() = nullptr;
   meshCallbacks.removeAll();
-  for (edgeWays& each : ways) each.clear();
+  forgetWays();
   highlight.remove();
   storeSelection(MSelectionList());
   lastPick = clicked = pickedComponent();
@@ -162,11 +165,29 @@ pickedComponent uvSelectContext::pickAt(const M3dView& view, int x, int y, int k
 }
 
 void uvSelectContext::hover(const M3dView& view, int x, int y) {
-  if (highlight.show(cornersOf(pickAt(view, x, y, wantedKind())))) refresh(view);
-  // The next way is found while the hand is on its way there.
-  if (!lastPick.isHit()) return;
+  const pickedComponent found = pickAt(view, x, y, wantedKind());
+  if (highlight.show(cornersOf(found))) refresh(view);
+  growWays(lastPick.isHit() ? lastPick.mesh : found.mesh);
+}
+
+/// The next way is found while the hand is on its way there.
+void uvSelectContext::growWays(const MDagPath& mesh) {
+  if (!mesh.isValid()) return;
+  const auto end = std::chrono::steady_clock::now() + kIdleTime;
+  const auto hasTime = [end] { return std::chrono::steady_clock::now() < end; };
+  watchMesh(mesh);
+  graph.begin(mesh);
+  while (graph.build(kIdleSlice))
+    if (!hasTime()) return;
   for (const edgeWays::measure how : {edgeWays::kShortest, edgeWays::kCreases})
-    if (ways[how].begin(lastPick, how) && ways[how].grow(kIdleVertices)) break;
+    if (ways[how].begin(lastPick, how, graph))
+      while (ways[how].grow(kIdleSlice))
+        if (!hasTime()) return;
+}
+
+void uvSelectContext::forgetWays() {
+  for (edgeWays& each : ways) each.clear();
+  graph.clear();
 }
 
 void uvSelectContext::onTick(float elapsed, float, void* self) {
@@ -188,7 +209,10 @@ void uvSelectContext::onUndo(void* self) {
   tool.clicked = pickedComponent();
 }
 
+/// Hears of changes of one mesh; what was found on one that nobody watched may be wrong by now.
 void uvSelectContext::watchMesh(const MDagPath& mesh) {
+  if (run.watched() == mesh && !meshCallbacks.isEmpty()) return;
+  forgetWays();
   run.watch(mesh);
   meshCallbacks.removeAll();
   MObject node = mesh.node();
@@ -197,7 +221,7 @@ void uvSelectContext::watchMesh(const MDagPath& mesh) {
 
 void uvSelectContext::onMeshChanges(MObject&, MPlug& plug, void* self) {
   if (isOfMarksOnly(plug)) return;
-  for (edgeWays& each : static_cast<uvSelectContext*>(self)->ways) each.clear();
+  static_cast<uvSelectContext*>(self)->forgetWays();
 }
 
 void uvSelectContext::cancelStroke() {
@@ -210,14 +234,14 @@ void uvSelectContext::cancelStroke() {
 }
 
 void uvSelectContext::meshGone() {
-  for (edgeWays& each : ways) each.clear();
+  forgetWays();
   meshCallbacks.removeAll();
   lastPick = clicked = hit = lastHit = pickedComponent();
   highlight.show(MPointArray());
 }
 
 void uvSelectContext::sceneEnds() {
-  for (edgeWays& each : ways) each.clear();
+  forgetWays();
   meshCallbacks.removeAll();
   loaded.clear();
   lastPick = clicked = hit = lastHit = pickedComponent();

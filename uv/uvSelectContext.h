@@ -46,6 +46,8 @@ class uvSelectContext : public selectionToolContext {
   void enterComponentMode();
   void refreshLoaded();
   void watchMesh(const MDagPath& mesh);
+  void forgetWays();
+  void growWays(const MDagPath& mesh);
   static void onSelectionChanged(void* self);
   static void onUndo(void* self);
   static void onTick(float elapsed, float last, void* self);
@@ -72,6 +74,7 @@ class uvSelectContext : public selectionToolContext {
   hoverLocator highlight;
   std::vector<MObjectHandle> loaded;
   pickedComponent lastPick;
+  edgeGraph graph;   ///< of the mesh of the last pick
   edgeWays ways[2];  ///< from the last pick, by edgeWays::measure
   ownedCallbacks meshCallbacks;
 

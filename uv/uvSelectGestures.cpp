@@ -89,7 +89,8 @@ void uvSelectContext::showWay(const pickedComponent& to) {
   const pickedComponent& from = atPress.lastPick;
   MIntArray edges;
   edgeWays& way = ways[wayMeasure];
-  if (from.isHit() && from.mesh == to.mesh && way.begin(from, wayMeasure)) edges = way.wayTo(to);
+  if (from.isHit() && from.mesh == to.mesh && way.begin(from, wayMeasure, graph))
+    edges = way.wayTo(to);
   lastPick = to;
   if (edges.length() == 0) {
     adjustSelection(to, MGlobal::kAddToList, mirror);

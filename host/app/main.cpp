@@ -123,8 +123,7 @@ int run(const Options& options) {
   }
   if (status == kDone && !session->isQuitting) {
     if (options.isJob("tour"))
-      status =
-          runTour(*session, options.arguments.empty() ? "out/tour" : options.arguments.front());
+      status = runTour(*session, options.arguments);
     else if (!options.script.empty())
       status = runScript(*session, options);
     else if (!isPrompt && options.commands.empty() && !isatty(0))

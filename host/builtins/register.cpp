@@ -23,7 +23,9 @@ namespace host::builtins {
   /* dag */ \
   X(CreateNode) \
   X(Delete) \
+  X(DisplayLayers) \
   X(Duplicate) \
+  X(HyperShade) \
   X(ListHistory) \
   X(ListRelatives) \
   X(ListSets) \
@@ -31,6 +33,7 @@ namespace host::builtins {
   X(Move) \
   X(NodeQueries) \
   X(Parent) \
+  X(Partition) \
   X(RotateScale) \
   X(Sets) \
   X(ShadingNode) \
@@ -90,6 +93,8 @@ namespace host::builtins {
   X(UvProcedures) \
   /* view */ \
   X(IsolateSelect) \
+  X(LightCommands) \
+  X(ModelEditor) \
   X(Panels) \
   X(Playblast) \
   X(ViewFit) \

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "host/base/messages.h"
+#include "host/cmd/asking.h"
 #include "host/cmd/loop.h"
 #include "host/cmd/pending_edits.h"
 #include "host/cmd/session.h"
@@ -164,6 +165,7 @@ Result<void> Dispatcher::invokeBuiltin(const CommandSpec& spec,
   scene::ChangeSet* const outer = step.target();
   scene::ChangeSet own;
   Result<void> done;
+  AskingScope asking;
   {
     const scene::Journal::Scope recording(session_.document().journal(), outer ? &own : nullptr);
     {
@@ -172,7 +174,7 @@ Result<void> Dispatcher::invokeBuiltin(const CommandSpec& spec,
     }
     if (!done) revert(own);
   }
-  if (!done) return done;
+  if (!done || (asking.asksOnly() && own.isEmpty())) return done;
   if (outer) outer->append(std::move(own));
   step.commit(true);
   return done;

@@ -4,6 +4,7 @@
 
 #include "host/edits/atomically.h"
 #include "host/nodes/mesh_shape.h"
+#include "host/nodes/set_group.h"
 #include "host/nodes/sets.h"
 #include "host/scene/name_index.h"
 
@@ -163,6 +164,12 @@ class Duplicator {
       list.add(to.shared_from_this());
       if (nodes::isSet(*connection.destination.node()))
         HOST_TRY(nodes::addToSet(document_, *connection.destination.node(), list));
+    }
+    const DagPath path = scene::firstPath(to);
+    for (const nodes::SetGroup& group : nodes::groupsOf(scene::firstPath(from), nullptr)) {
+      scene::SelectionList list;
+      for (const scene::Component& component : group.components) list.add(path, component);
+      HOST_TRY(nodes::addToSet(document_, *group.set, list));
     }
     return {};
   }

@@ -159,6 +159,8 @@ Rebuilt MeshRebuilder::finish(const RebuildOptions& options) {
   mesh.setTopology(std::move(topology));
   carryEdgeData(mesh, survivors, finder);
   carryVertexAndFaceData(mesh, survivors);
+  if (ProvenanceTrail::isFollowed())
+    ProvenanceTrail::note(source_, mesh, provenance(survivors, finder));
   result.vertexMap = spelledOut(std::move(survivors.vertexMap), vertexCount());
   result.edgeMap = spelledOut(std::move(survivors.edgeMap), source_.edgeCount());
   result.edgeMap.resize(at(source_.edgeCount()));
@@ -365,6 +367,45 @@ void MeshRebuilder::carryVertexAndFaceData(Mesh& mesh, const Survivors& survivor
         invisible.push_back(next);
     }
   mesh.setInvisibleFaces(std::move(invisible));
+}
+
+Provenance MeshRebuilder::provenance(const Survivors& survivors, EdgeFinder& finder) const {
+  Provenance result;
+  std::size_t listed = 0;
+  for (const Stretch& stretch : stretches_) {
+    if (stretch.isRun)
+      result.faces.addRun(stretch.source, stretch.faces);
+    else
+      for (Index i = 0; i < stretch.faces; ++i) result.faces.add(listedSources_[listed++]);
+  }
+  if (survivors.vertexMap.empty()) {
+    result.vertices.addRun(0, allKept_);
+    for (VertexId v = allKept_; v < vertexCount(); ++v) result.vertices.add(vertexSource(v));
+  } else {
+    for (VertexId v = 0; v < vertexCount(); ++v)
+      if (survivors.vertexMap[at(v)] != kNone) result.vertices.add(vertexSource(v));
+  }
+  Index kept = 0;
+  if (survivors.edgeMap.empty()) {
+    kept = source_.edgeCount();
+    result.edges.addRun(0, kept);
+  } else {
+    for (EdgeId e = 0; e < source_.edgeCount(); ++e)
+      if (survivors.edgeMap[at(e)] != kNone) {
+        result.edges.add(e);
+        ++kept;
+      }
+  }
+  // A new edge that takes after an old one is a piece of it.
+  std::vector<EdgeId> lenders(at(survivors.edges - kept), kNone);
+  for (const Inherited& hint : inherited_) {
+    const EdgeId p = finder.find(hint.a, hint.b);
+    if (p == kNone || p < source_.edgeCount()) continue;
+    const EdgeId now = mapped(survivors.edgeMap, p);
+    if (now >= kept) lenders[at(now - kept)] = hint.source;
+  }
+  for (const EdgeId lender : lenders) result.edges.add(lender);
+  return result;
 }
 
 Rebuilt keepFaces(const Mesh& mesh, std::span<const std::uint8_t> keep) {

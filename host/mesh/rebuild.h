@@ -6,6 +6,7 @@
 
 #include "host/mesh/corner_carry.h"
 #include "host/mesh/mesh.h"
+#include "host/mesh/provenance.h"
 
 namespace host::mesh {
 
@@ -28,7 +29,9 @@ struct Rebuilt {
 /// ones follow in order of first use (face by face, corner k giving edge k -> k+1). An edge
 /// survives when a new face joins the vertices that were kept for its ends. UV ids, colours and
 /// locked normals follow the corners' sources (see corner_carry.h); smoothness and creases follow
-/// the edge, or for new edges the one named by inheritEdge, else smooth and no crease.
+/// the edge, or for new edges the one named by inheritEdge, else smooth and no crease. Who follows
+/// provenance is told of the sources of faces, of the vertices that were kept, and of the edges
+/// that survive or inherit.
 ///
 /// Costs a copy of the arrays, a pass over them where components go, and what is added one by one:
 /// faces copied in runs and vertices kept all together cost nothing each.
@@ -109,6 +112,7 @@ class MeshRebuilder {
     Index vertices = 0, edges = 0;
   };
   class EdgeFinder;
+  [[nodiscard]] Provenance provenance(const Survivors& survivors, EdgeFinder& finder) const;
   [[nodiscard]] VertexId vertexSource(VertexId v) const {
     return v < allKept_ ? v : addedSources_[static_cast<std::size_t>(v - allKept_)];
   }

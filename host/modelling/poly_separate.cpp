@@ -3,7 +3,10 @@
 #include "host/mesh/shells.h"
 #include "host/modelling/declare/history_command.h"
 #include "host/modelling/declare/mesh_objects.h"
+#include "host/nodes/history/group_carry.h"
 #include "host/nodes/mesh_shape.h"
+#include "host/nodes/set_group.h"
+#include "host/nodes/sets.h"
 #include "host/ops/topology/separate.h"
 
 namespace host::modelling {
@@ -22,15 +25,22 @@ void build(TypeBuilder& builder, const std::vector<const Attribute*>& parameters
     auto arriving = block.input(Plug(&node, input));
     if (!arriving) return failWith(arriving.error());
     const auto* data = dg::dataAs<scene::MeshData>(*arriving);
-    std::vector<mesh::Mesh> parts = ops::separate(data ? data->mesh : mesh::Mesh());
+    const mesh::Mesh whole = data ? data->mesh : mesh::Mesh();
+    const mesh::ProvenanceTrail trail(whole);
+    std::vector<mesh::Mesh> parts = ops::separate(whole);
     const Plug all(&node, results);
     const auto promised = static_cast<std::size_t>(std::max<std::int64_t>(1, block.integer(count)));
     // Pieces that an edit upstream took away arrive as empty meshes.
     parts.resize(
         std::max({promised, parts.size(), static_cast<std::size_t>(plug.logicalIndex() + 1)}));
-    for (std::size_t i = 0; i < parts.size(); ++i)
-      block.output(all.element(static_cast<Index>(i)),
-                   dg::DataPtr(std::make_shared<scene::MeshData>(std::move(parts[i]))));
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+      scene::MeshGroupsPtr groups;
+      if (data && data->groups)
+        groups = nodes::carriedGroups(data->groups, parts[i], trail.to(parts[i]));
+      block.output(
+          all.element(static_cast<Index>(i)),
+          dg::DataPtr(std::make_shared<scene::MeshData>(std::move(parts[i]), std::move(groups))));
+    }
     return Computed::Done;
   };
 }
@@ -39,6 +49,18 @@ struct Separated {
   std::vector<Node*> shapes;
   Node* node = nullptr;  ///< null when it was baked
 };
+
+/// A piece is where the object was.
+Result<void> joinShading(scene::Document& document, Node& shape, Node* whole,
+                         const std::vector<nodes::ComingGroup>& groups) {
+  scene::SelectionList piece;
+  piece.add(scene::firstPath(shape));
+  if (whole)
+    HOST_TRY(nodes::addToSet(document, *whole, piece));
+  else if (Node* initial = nodes::shadingGroupOfWhole(scene::firstPath(shape)))
+    HOST_TRY(nodes::removeFromSet(document, *initial, piece));
+  return nodes::joinGroups(document, shape, groups);
+}
 
 /// The pieces become objects under the object's transform; its shape stays as what feeds them.
 Result<Separated> separateOne(Context& context, const ParsedArgs& args,
@@ -51,7 +73,12 @@ Result<Separated> separateOne(Context& context, const ParsedArgs& args,
   auto created = document.createNode("polySeparate");
   if (!created) return failWith(std::move(created.error()));
   Node& node = **created;
-  HOST_TRY(graph.connect(item.path.node()->plug("outMesh"), node.plug("inputPoly")));
+  std::vector<nodes::ComingGroup> groups;
+  const auto source =
+      nodes::bringAllGroups(document, item.path, item.path.node()->plug("outMesh"), false, groups);
+  if (!source) return failWith(source.error());
+  HOST_TRY(graph.connect(*source, node.plug("inputPoly")));
+  Node* const whole = nodes::shadingGroupOfWhole(item.path);
   HOST_TRY(setParameters(context, args, declaration, node));
   HOST_TRY(graph.set(node.plug("icount"), std::int64_t{count}));
   Separated result;
@@ -60,6 +87,7 @@ Result<Separated> separateOne(Context& context, const ParsedArgs& args,
                                node.plug("output").element(i), transform.node());
     if (!shape) return failWith(std::move(shape.error()));
     HOST_TRY(nodes::evaluatedMesh(**shape));
+    HOST_TRY(joinShading(document, **shape, whole, groups));
     result.shapes.push_back(*shape);
   }
   if (args.boolean("constructionHistory", true)) {

@@ -2,6 +2,7 @@
 #include "host/nodes/dag_node.h"
 #include "host/nodes/history/history_node.h"
 #include "host/nodes/history/modifiers.h"
+#include "host/nodes/light_nodes.h"
 #include "host/nodes/locator_node.h"
 #include "host/nodes/mesh_node.h"
 #include "host/nodes/mesh_shape.h"
@@ -19,6 +20,7 @@ void registerBuiltinTypes(dg::TypeRegistry& types) {
   registerMesh(types);
   registerCamera(types);
   registerLocator(types);
+  registerLights(types);
   registerSetNodes(types);
   registerShadingNodes(types);
   registerSceneNodes(types);

@@ -3,6 +3,7 @@
 
 #include "host/nodes/mesh_node.h"
 #include "host/nodes/mesh_shape.h"
+#include "host/nodes/set_group.h"
 
 namespace host::nodes {
 
@@ -119,7 +120,9 @@ Result<void> insertHistoryNode(Document& document, Node& shape, const Plug& inpu
   if (!source) return failWith(source.error());
   const auto seen = carryShapeEdits(document, shape, *source);
   if (!seen) return failWith(seen.error());
-  HOST_TRY(document.graph().connect(*seen, input));
+  const auto grouped = bringGroups(document, shape, *seen);
+  if (!grouped) return failWith(grouped.error());
+  HOST_TRY(document.graph().connect(*grouped, input));
   return document.graph().connect(output, shape.plug("inMesh"));
 }
 
@@ -131,6 +134,7 @@ Result<void> deleteHistory(Document& document, Node& shape) {
   if (!baked) return failWith(baked.error());
   const Plug source = graph.source(inMesh);
   if (!source) return {};
+  HOST_TRY(bakeGroups(shape));
   HOST_TRY(graph.disconnect(source, inMesh));
   HOST_TRY(setStoredMesh(shape, *std::move(baked)));
   UnusedHistory unused(graph);

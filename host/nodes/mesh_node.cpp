@@ -56,9 +56,9 @@ Result<Computed> computeOutMesh(const MeshAttributes& a, Node& node, DataBlock& 
   if (isEdited) mesh = withOverride(data->mesh, *override);
   applyTweaks(block.graph(), Plug(&node, a.tweaks), mesh);
   const bool isAsItCame = !isEdited && mesh.sharesPointsWith(data->mesh);
-  block.output(
-      a.outMesh,
-      isAsItCame ? *arriving : dg::Value(dg::DataPtr(std::make_shared<MeshData>(std::move(mesh)))));
+  block.output(a.outMesh, isAsItCame ? *arriving
+                                     : dg::Value(dg::DataPtr(std::make_shared<MeshData>(
+                                           std::move(mesh), data->groups))));
   return Computed::Done;
 }
 
@@ -83,8 +83,8 @@ Result<Computed> computeWorldMesh(const MeshAttributes& a, Node& node, Index ins
   if (!data || !world || math::isIdentity(world->value))
     block.output(out, *object);
   else
-    block.output(out,
-                 dg::DataPtr(std::make_shared<MeshData>(transformed(data->mesh, world->value))));
+    block.output(out, dg::DataPtr(std::make_shared<MeshData>(transformed(data->mesh, world->value),
+                                                             data->groups)));
   return Computed::Done;
 }
 

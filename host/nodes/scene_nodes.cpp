@@ -83,7 +83,9 @@ void registerLayers(dg::TypeRegistry& types) {
        choice("levelOfDetail", "lod", {"Full", "Bounding Box"}), boolean("shading", "s", true),
        boolean("texturing", "t", true), boolean("playback", "p", true),
        boolean("enabled", "e", true), boolean("visibility", "v", true),
-       boolean("hideOnPlayback", "hpb"), dg::makeAttribute("color", "c", AttributeType::Byte)}));
+       boolean("hideOnPlayback", "hpb"), boolean("overrideRGBColors", "ovrgbf"),
+       dg::makeAttribute("color", "c", AttributeType::Byte), color("overrideColorRGB", "ovrgb"),
+       single("overrideColorA", "ova", 1)}));
   layer.add(integer("identification", "id"));
   layer.add(integer("displayOrder", "do"));
   layer.finish();

@@ -16,6 +16,7 @@ struct SetGroup {
 
 /// instObjGroups[instance] of the path's leaf; a null plug when its type has none.
 [[nodiscard]] dg::Plug instanceGroups(const scene::DagPath& path);
+/// With history behind the shape the members are those that came through it.
 [[nodiscard]] SetGroup groupAt(const dg::Plug& group);
 /// The groups of an instance that are in `set`, or in any set when it is null.
 [[nodiscard]] std::vector<SetGroup> groupsOf(const scene::DagPath& path, const dg::Node* set);
@@ -31,6 +32,26 @@ Result<void> addToGroup(scene::Document& document, const scene::DagPath& path, d
 /// Takes components out; a group without any goes.
 Result<void> removeFromGroup(scene::Document& document, const scene::DagPath& path,
                              const SetGroup& group, const scene::Component& component);
+/// Lets the groups of a shape that don't come with the mesh at `source` come with what this
+/// returns: a groupParts node for each of them, in front of a node to be inserted.
+Result<dg::Plug> bringGroups(scene::Document& document, dg::Node& shape, const dg::Plug& source);
+/// The same, and the shape as a whole in its shading group counts as a group of all its faces; for
+/// the sets of a shape that is made of several. Adds what comes to `groups`.
+struct ComingGroup {
+  dg::Plug id;  ///< the number's source
+  dg::Node* set = nullptr;
+};
+Result<dg::Plug> bringAllGroups(scene::Document& document, const scene::DagPath& path,
+                                const dg::Plug& source, bool withWhole,
+                                std::vector<ComingGroup>& groups);
+/// Puts a shape into sets by groups that come through its history.
+Result<void> joinGroups(scene::Document& document, dg::Node& shape,
+                        const std::vector<ComingGroup>& groups);
+/// The shading group that has the whole of an instance; null when none has.
+[[nodiscard]] dg::Node* shadingGroupOfWhole(const scene::DagPath& path);
+/// Writes what the history makes of the groups on the shape, for when the history goes.
+Result<void> bakeGroups(dg::Node& shape);
+
 /// Removes the group with its connections and its groupId node.
 Result<void> removeGroup(scene::Document& document, const SetGroup& group);
 

@@ -1,5 +1,7 @@
 #include "host/nodes/shading_nodes.h"
 
+#include "host/nodes/shading/texture_nodes.h"
+#include "host/nodes/shading/utility_nodes.h"
 #include "host/nodes/type_builder.h"
 
 namespace host::nodes {
@@ -53,41 +55,29 @@ void registerLambert(dg::TypeRegistry& types) {
   TypeBuilder phong(types, "phong", "reflect", typeCode("RPHO"));
   phong.add(keyable(atLeast(single("cosinePower", "cp", 20), 2)));
   phong.finish();
-}
-
-void registerTextures(dg::TypeRegistry& types) {
-  TypeBuilder file(types, "file", {}, typeCode("RTFT"));
-  file.type().classification = "texture/2d";
-  AttributePtr name = text("fileTextureName", "ftn");
-  name->usedAsFilename = true;
-  file.add(std::move(name));
-  file.add(boolean("useFrameExtension", "ufe"));
-  file.add(numbers("uvCoord", "uv", "float2", {single("uCoord", "u"), single("vCoord", "v")}));
-  const Attribute* gain = file.add(keyable(color("colorGain", "cg", {1, 1, 1})));
-  file.add(keyable(color("defaultColor", "dc", {0.5, 0.5, 0.5})));
-  const Attribute* out = file.add(output(color("outColor", "oc")));
-  file.add(output(single("outAlpha", "oa")));
-  passColor(file, gain, out);
-  file.finish();
-
-  TypeBuilder place(types, "place2dTexture", {}, typeCode("RPL2"));
-  place.add(keyable(numbers("coverage", "c", "float2",
-                            {single("coverageU", "cu", 1), single("coverageV", "cv", 1)})));
-  place.add(keyable(numbers("repeatUV", "re", "float2",
-                            {single("repeatU", "reu", 1), single("repeatV", "rev", 1)})));
-  place.add(keyable(
-      numbers("offset", "of", "float2", {single("offsetU", "ofu"), single("offsetV", "ofv")})));
-  place.add(keyable(angle("rotateFrame", "rf")));
-  place.add(keyable(angle("rotateUV", "r")));
-  place.add(output(numbers("outUV", "o", "float2", {single("outU", "ou"), single("outV", "ov")})));
-  place.finish();
+  TypeBuilder broad(types, "phongE", "reflect", typeCode("RPHE"));
+  broad.add(keyable(limited(single("roughness", "rn", 0.5), 0, 1)));
+  broad.add(keyable(limited(single("highlightSize", "hls", 0.5), 0, 1)));
+  broad.add(keyable(color("whiteness", "wn", {0.5, 0.5, 0.5})));
+  broad.finish();
 }
 
 }  // namespace
 
 void registerShadingNodes(dg::TypeRegistry& types) {
   registerLambert(types);
-  registerTextures(types);
+  registerTextureNodes(types);
+  registerUtilityNodes(types);
+
+  TypeBuilder background(types, "useBackground", {}, typeCode("USBK"));
+  background.type().classification = "shader/surface";
+  background.add(keyable(color("specularColor", "sc", {0.5, 0.5, 0.5}, "s")));
+  background.add(keyable(single("reflectivity", "rfl", 0.5)));
+  background.add(shortInteger("reflectionLimit", "fll", 2));
+  background.add(keyable(single("shadowMask", "sm", 1)));
+  background.add(output(color("outColor", "oc")));
+  background.add(output(color("outTransparency", "ot")));
+  background.finish();
 
   TypeBuilder surface(types, "surfaceShader", {}, typeCode("RSSH"));
   surface.type().classification = "shader/surface";

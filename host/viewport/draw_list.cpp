@@ -63,6 +63,7 @@ class ItemCheck {
     indices();
     style();
     if (item_.texture) texture(*item_.texture);
+    if (item_.material && item_.material->texture) texture(*item_.material->texture);
   }
 
  private:
@@ -81,7 +82,8 @@ class ItemCheck {
     if (!finite(item_.world)) report("has a matrix that is not finite");
     if (item_.lit && item_.primitive == Primitive::Triangles && data.normals.size() != count)
       report("is lit but has no normals");
-    if (item_.texture && data.uvs.size() != count) report("is textured but has no UVs");
+    const bool isTextured = item_.texture || (item_.material && item_.showsTexture);
+    if (isTextured && data.uvs.size() != count) report("is textured but has no UVs");
   }
 
   void indices() {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/math/matrix4.h"
+#include "host/viewport/material.h"
 
 namespace host::viewport {
 
@@ -76,6 +77,8 @@ struct DrawItem {
   VertexDataPtr vertices;
   IndexDataPtr indices;  ///< none: all vertices in order
   TexturePtr texture;
+  MaterialPtr material;       ///< triangles that are lit: instead of a plain surface of the colour
+  bool showsTexture = false;  ///< of the material
   Matrix4 world;
   Primitive primitive = Primitive::Triangles;
   Space space = Space::World;
@@ -109,10 +112,31 @@ struct TextItem {
   float height = 12;  ///< of a capital letter, pixels
 };
 
+/// A light in world space, of linear light.
+struct Light {
+  enum class Kind : std::uint8_t { Ambient, Directional, Point, Spot };
+  Kind kind = Kind::Directional;
+  Vec3 position, direction{0, 0, -1};
+  Vec3 color{1, 1, 1};                  ///< times intensity
+  double decay = 0;                     ///< falls off with this power of the distance in cm
+  double cosInner = 1, cosOuter = 0.9;  ///< spot: full light within, none beyond
+  double dropoff = 0;                   ///< spot: exponent of the falling off from the axis
+  double ambientShade = 0;              ///< ambient: share that comes from its place
+};
+
+/// How the lit triangles of a list are lit.
+struct Lighting {
+  enum class Mode : std::uint8_t { Studio, Lights, Flat };
+  Mode mode = Mode::Studio;
+  std::vector<Light> lights;  ///< the first kMaxLights count
+  static constexpr std::size_t kMaxLights = 8;
+};
+
 /// What one frame shows, independent of how it is drawn.
 struct DrawList {
   std::vector<DrawItem> items;
   std::vector<TextItem> texts;
+  Lighting lighting;
 
   /// Adds an item of vertices that are used only once and returns it for styling. Positions are in
   /// the space that the item is given.

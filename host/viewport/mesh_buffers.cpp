@@ -38,6 +38,12 @@ VertexDataPtr makePoints(const Mesh& mesh) {
   return data;
 }
 
+math::Box boxOf(const Mesh& mesh) {
+  math::Box box;
+  for (const Vec3f& point : mesh.points()) box.add(Vec3(point));
+  return box;
+}
+
 IndexDataPtr makeEdges(const Mesh& mesh) {
   auto indices = std::make_shared<IndexData>();
   indices->reserve(2 * mesh.topology().edges.size());
@@ -61,6 +67,7 @@ class CornerWelder {
     if (content.colors && mesh.currentColorSet() >= 0)
       colors_ = &mesh.colorSet(mesh.currentColorSet());
     if (colors_ && colors_->cornerIds.empty()) colors_ = nullptr;
+    if (content.flat) useFaceNormals();
   }
 
   /// The vertex array index of every corner.
@@ -101,6 +108,15 @@ class CornerWelder {
     return added;
   }
 
+  void useFaceNormals() {
+    const std::vector<Vec3f> faceNormals = mesh::computeFaceNormals(mesh_);
+    flat_.reserve(normals_.size());
+    for (FaceId face = 0; face < mesh_.faceCount(); ++face)
+      flat_.insert(flat_.end(), static_cast<std::size_t>(mesh_.faceSize(face)),
+                   faceNormals[static_cast<std::size_t>(face)]);
+    normals_ = flat_;
+  }
+
   [[nodiscard]] std::uint32_t packed(Index color) const {
     if (color == kNone) return packColor(displayColors().surface);
     const mesh::Color4f& c = colors_->colors[static_cast<std::size_t>(color)];
@@ -109,6 +125,7 @@ class CornerWelder {
 
   const Mesh& mesh_;
   std::span<const Vec3f> normals_;
+  std::vector<Vec3f> flat_;
   const mesh::UvSet* uvs_ = nullptr;
   const mesh::ColorSet* colors_ = nullptr;
   std::vector<Index> first_;
@@ -139,6 +156,7 @@ void makeSurface(const Mesh& mesh, SurfaceContent content, MeshBuffers& buffers)
 MeshBuffers buildMeshBuffers(const Mesh& mesh, SurfaceContent content) {
   MeshBuffers buffers;
   buffers.points = makePoints(mesh);
+  buffers.box = boxOf(mesh);
   buffers.edges = makeEdges(mesh);
   makeSurface(mesh, content, buffers);
   return buffers;
@@ -149,6 +167,9 @@ struct MeshDrawCache::Entry {
   SurfaceContent content;
   MeshBuffers buffers;
   std::uint64_t lastUsed = 0;
+  FaceMaterials partNumbers;
+  IndexDataPtr partTriangles;
+  std::vector<IndexDataPtr> parts;
 };
 
 MeshDrawCache::MeshDrawCache() = default;
@@ -196,6 +217,7 @@ const MeshBuffers& MeshDrawCache::buffers(std::uint64_t id, const Mesh& mesh,
       !isNew && sameArray(mesh.topology().cornerVertices, entry.mesh.topology().cornerVertices) &&
       sameArray(mesh.topology().edges, entry.mesh.topology().edges);
   if (!samePoints || !sameFaces) entry.buffers.points = makePoints(mesh);
+  if (!samePoints) entry.buffers.box = boxOf(mesh);
   if (!sameFaces) entry.buffers.edges = makeEdges(mesh);
   if (!samePoints || !sameFaces || content != entry.content ||
       !sameSurface(mesh, entry.mesh, content))
@@ -203,6 +225,35 @@ const MeshBuffers& MeshDrawCache::buffers(std::uint64_t id, const Mesh& mesh,
   entry.mesh = mesh;
   entry.content = content;
   return entry.buffers;
+}
+
+math::Box MeshDrawCache::box(std::uint64_t id, const Mesh& mesh) const {
+  const auto found = entries_.find(id);
+  const bool isKnown =
+      found != entries_.end() && sameArray(found->second->mesh.points(), mesh.points());
+  return isKnown ? found->second->buffers.box : boxOf(mesh);
+}
+
+const std::vector<IndexDataPtr>& MeshDrawCache::parts(std::uint64_t id,
+                                                      const FaceMaterials& numbers,
+                                                      std::size_t materialCount) {
+  Entry& entry = *entries_.at(id);
+  if (entry.partNumbers == numbers && entry.partTriangles == entry.buffers.triangles &&
+      entry.parts.size() == materialCount)
+    return entry.parts;
+  entry.partNumbers = numbers;
+  entry.partTriangles = entry.buffers.triangles;
+  std::vector<std::shared_ptr<IndexData>> sorted(materialCount);
+  for (std::shared_ptr<IndexData>& part : sorted) part = std::make_shared<IndexData>();
+  auto from = entry.buffers.triangles->begin();
+  for (FaceId face = 0; face < entry.mesh.faceCount(); ++face) {
+    const auto to = from + 3 * (entry.mesh.faceSize(face) - 2);
+    IndexData& part = *sorted[(*numbers)[static_cast<std::size_t>(face)]];
+    part.insert(part.end(), from, to);
+    from = to;
+  }
+  entry.parts.assign(sorted.begin(), sorted.end());
+  return entry.parts;
 }
 
 void MeshDrawCache::dropUnused() {

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "host/mesh/adjacency.h"
+#include "host/mesh/normals.h"
 #include "host/mesh/triangulate.h"
 #include "host/viewport/display_colors.h"
 
@@ -26,20 +27,32 @@ constexpr float kDotPull = 4.0f;
 /// Builds the items of one mesh instance.
 class MeshPainter {
  public:
-  MeshPainter(const RenderMesh& object, const ViewProjection& view, const ViewOptions& options,
-              const MeshBuffers& buffers, DrawList& list)
+  MeshPainter(const RenderMesh& object, int nearness, const ViewProjection& view,
+              const ViewOptions& options, const MeshBuffers& buffers, MeshDrawCache& cache,
+              DrawList& list)
       : object_(object),
+        nearness_(nearness),
         view_(view),
         options_(options),
         buffers_(buffers),
+        cache_(cache),
         list_(list),
+        state_(options.showSelection || !isPickable(object.state) ? object.state
+                                                                  : ObjectState::Dormant),
         style_(object.state == ObjectState::Template ? DisplayStyle::Wireframe
                                                      : object.style.value_or(options.style)) {}
 
   void run() {
     edgePixels_ = typicalEdgePixels();
-    if (style_ != DisplayStyle::Wireframe) surface();
-    if (style_ != DisplayStyle::Shaded || object_.state != ObjectState::Dormant) wire();
+    if (style_ == DisplayStyle::BoundingBox) return boundingBox();
+    if (style_ == DisplayStyle::Points) {
+      allPoints();
+    } else {
+      if (isShaded()) surface();
+      if (style_ != DisplayStyle::Shaded || standsOut()) wire();
+    }
+    if (object_.showFaceNormals) faceNormals();
+    if (object_.showVertexNormals) vertexNormals();
     if (object_.showHardEdges) hardEdges();
     if (object_.showBorderEdges) borderEdges();
     if (object_.showVertices) vertices();
@@ -59,26 +72,52 @@ class MeshPainter {
     return item;
   }
 
+  [[nodiscard]] bool isShaded() const {
+    return style_ == DisplayStyle::Shaded || style_ == DisplayStyle::WireOnShaded;
+  }
+  [[nodiscard]] bool standsOut() const {
+    return state_ != ObjectState::Dormant && state_ != ObjectState::Reference;
+  }
+
   /// All of it shows at once, and so everything is fainter.
   [[nodiscard]] bool isSeeThrough() const { return object_.xray || options_.xray; }
 
   void surface() {
     if (buffers_.triangles->empty()) return;
-    DrawItem& item = add(Primitive::Triangles, isSeeThrough() ? Pass::Translucent : Pass::Opaque,
-                         buffers_.surface, buffers_.triangles);
+    if (object_.materials.empty() || options_.useDefaultMaterial) return part(nullptr, nullptr);
+    if (!object_.faceMaterials || object_.materials.size() < 2)
+      return part(nullptr, object_.materials.front());
+    const auto& parts = cache_.parts(object_.id, object_.faceMaterials, object_.materials.size());
+    for (std::size_t i = 0; i < parts.size(); ++i)
+      if (!parts[i]->empty()) part(parts[i], object_.materials[i]);
+  }
+
+  /// The surface, or some of its triangles, in a material or plain.
+  void part(IndexDataPtr triangles, const MaterialPtr& material) {
+    if (!triangles) triangles = buffers_.triangles;
+    const bool isTranslucent =
+        isSeeThrough() || (material && material->isTranslucent(options_.showTextures));
+    DrawItem& item = add(Primitive::Triangles, isTranslucent ? Pass::Translucent : Pass::Opaque,
+                         buffers_.surface, std::move(triangles));
     item.lit = true;
     item.cullBackFaces = options_.backFaceCulling;
+    item.priority = isTranslucent ? -1 - nearness_ : nearness_;
     // Colours replace the grey of the surface; corners without one have it among them.
     const bool isColored = !buffers_.surface->colors.empty();
     item.color = isColored ? Rgba{1, 1, 1, 1} : object_.surfaceColor.value_or(colors_.surface);
     if (isSeeThrough()) item.color.a *= colors_.xrayAlpha;
     const bool hasUvs = buffers_.surface->uvs.size() == buffers_.surface->positions.size();
     if (object_.texture && hasUvs) item.texture = object_.texture;
+    if (!material || isColored || object_.surfaceColor) return;
+    item.material = material;
+    item.showsTexture = options_.showTextures && material->texture && hasUvs;
+    item.color = Rgba{1, 1, 1, item.color.a};
   }
 
   [[nodiscard]] Rgba wireColor() const {
-    const bool onSurface = style_ != DisplayStyle::Wireframe;
-    switch (object_.state) {
+    const bool onSurface = isShaded();
+    if (object_.wireColor && !standsOut()) return *object_.wireColor;
+    switch (state_) {
       case ObjectState::Selected:
         return colors_.wireSelected;
       case ObjectState::Lead:
@@ -86,6 +125,8 @@ class MeshPainter {
       case ObjectState::Hilited:
         return onSurface ? colors_.wireHilited : colors_.wireHilitedOnly;
       case ObjectState::Template:
+        return colors_.wireTemplate;
+      case ObjectState::Reference:
         return colors_.wireTemplate;
       case ObjectState::Dormant:
         break;
@@ -119,8 +160,7 @@ class MeshPainter {
   /// visible.
   [[nodiscard]] float wireStrength() const {
     const double t = std::clamp((edgePixels_ - 2.0) / 12.0, 0.0, 1.0);
-    const bool isChosen =
-        object_.state == ObjectState::Selected || object_.state == ObjectState::Lead;
+    const bool isChosen = state_ == ObjectState::Selected || state_ == ObjectState::Lead;
     const bool isAlone = style_ == DisplayStyle::Wireframe;
     const double least = isAlone ? 0.3 : isChosen ? 0.25 : 0.0;
     return static_cast<float>(std::max(least, t * t * (3 - 2 * t)));
@@ -133,9 +173,72 @@ class MeshPainter {
     DrawItem& item = add(Primitive::Lines, Pass::Wire, buffers_.points, buffers_.edges);
     item.color = wireColor();
     item.color.a *= strength * (isSeeThrough() ? 0.4f : 1.0f);
-    item.width = object_.state == ObjectState::Dormant ? 1.0f : 1.25f;
+    item.width = standsOut() ? 1.25f : 1.0f;
     item.fadeShortLines = true;
     item.pull = kWirePull;
+  }
+
+  void boundingBox() {
+    const math::Box& box = buffers_.box;
+    if (box.isEmpty()) return;
+    auto data = std::make_shared<VertexData>();
+    for (int corner = 0; corner < 8; ++corner)
+      data->positions.push_back(Vec3{(corner & 1) != 0 ? box.max.x : box.min.x,
+                                     (corner & 2) != 0 ? box.max.y : box.min.y,
+                                     (corner & 4) != 0 ? box.max.z : box.min.z}
+                                    .toFloat());
+    auto indices = std::make_shared<IndexData>();
+    for (std::uint32_t corner = 0; corner < 8; ++corner)
+      for (const std::uint32_t axis : {1U, 2U, 4U})
+        if ((corner & axis) == 0) {
+          indices->push_back(corner);
+          indices->push_back(corner | axis);
+        }
+    DrawItem& item = add(Primitive::Lines, Pass::Wire, std::move(data), std::move(indices));
+    item.color = wireColor();
+    item.width = standsOut() ? 1.25f : 1.0f;
+  }
+
+  void allPoints() {
+    if (buffers_.points->positions.empty()) return;
+    DrawItem& item = add(Primitive::Points, Pass::Dots, buffers_.points, nullptr);
+    item.color = wireColor();
+    item.width = 3;
+    item.pull = kDotPull;
+  }
+
+  /// Lines from places along directions, both in object space.
+  void spikes(const std::vector<Vec3>& from, const std::vector<Vec3f>& directions) {
+    std::vector<Vec3f> ends;
+    ends.reserve(2 * from.size());
+    for (std::size_t i = 0; i < from.size(); ++i) {
+      ends.push_back(from[i].toFloat());
+      ends.push_back((from[i] + Vec3(directions[i]) * object_.normalLength).toFloat());
+    }
+    if (ends.empty()) return;
+    auto data = std::make_shared<VertexData>();
+    data->positions = std::move(ends);
+    DrawItem& item = add(Primitive::Lines, Pass::Wire, std::move(data), nullptr);
+    item.color = colors_.normal;
+    item.width = 1.2f;
+    item.pull = kEdgePull;
+  }
+
+  void faceNormals() {
+    std::vector<Vec3> centers;
+    centers.reserve(static_cast<std::size_t>(object_.mesh.faceCount()));
+    for (FaceId face = 0; face < object_.mesh.faceCount(); ++face) {
+      Vec3 sum;
+      for (const VertexId v : object_.mesh.faceVertices(face)) sum += object_.mesh.point(v);
+      centers.push_back(sum * (1.0 / object_.mesh.faceSize(face)));
+    }
+    spikes(centers, mesh::computeFaceNormals(object_.mesh));
+  }
+
+  void vertexNormals() {
+    std::vector<Vec3> points;
+    for (const Vec3f& point : object_.mesh.points()) points.emplace_back(point);
+    spikes(points, mesh::computeVertexNormals(object_.mesh));
   }
 
   DrawItem& lines(IndexDataPtr edges, const Rgba& color, float width, float pull = kEdgePull) {
@@ -250,10 +353,28 @@ class MeshPainter {
     disc(color, fitted - 2.4f, 3, DepthTest::Nearer);
   }
 
+  /// Where on the mesh UVs of the current set are.
+  [[nodiscard]] std::vector<VertexId> verticesOfUvs(const std::vector<UvId>& uvs) const {
+    std::vector<VertexId> vertices;
+    const mesh::Mesh& mesh = object_.mesh;
+    if (uvs.empty() || mesh.uvSetCount() == 0) return vertices;
+    const mesh::UvSet& set = mesh.uvSet(mesh.currentUvSet());
+    std::vector<std::uint8_t> isChosen(set.points.size());
+    for (const UvId uv : uvs) isChosen[static_cast<std::size_t>(uv)] = 1;
+    for (std::size_t c = 0; c < set.cornerIds.size(); ++c)
+      if (set.cornerIds[c] != kNone && isChosen[static_cast<std::size_t>(set.cornerIds[c])] != 0)
+        vertices.push_back(mesh.topology().cornerVertices[c]);
+    std::ranges::sort(vertices);
+    vertices.erase(std::unique(vertices.begin(), vertices.end()), vertices.end());
+    return vertices;
+  }
+
   void selection() {
+    if (!options_.showSelection) return;
     faces(object_.selected.faces, colors_.faceSelected, colors_.edgeSelected);
     edges(object_.selected.edges, colors_.edgeSelected, 2.6f);
     dots(object_.selected.vertices, colors_.vertexSelected, 10);
+    dots(verticesOfUvs(object_.selected.uvs), colors_.uvSelected, 9);
   }
 
   void hover() {
@@ -263,22 +384,55 @@ class MeshPainter {
   }
 
   const RenderMesh& object_;
+  const int nearness_;
   const ViewProjection& view_;
   const ViewOptions& options_;
   const MeshBuffers& buffers_;
+  MeshDrawCache& cache_;
   DrawList& list_;
+  const ObjectState state_;
   const DisplayStyle style_;
   const DisplayColors& colors_ = displayColors();
   double edgePixels_ = 0;
 };
 
+/// The smooth preview takes the place of the surface, and on request of nothing else.
+void drawPreview(const RenderMesh& object, int nearness, const ViewProjection& view,
+                 const ViewOptions& options, MeshDrawCache& cache, DrawList& list) {
+  constexpr std::uint64_t kPreviewBit = std::uint64_t{1} << 63;
+  RenderMesh preview = object;
+  preview.id = object.id | kPreviewBit;
+  preview.mesh = *object.smoothed;
+  preview.smoothed.reset();
+  preview.selected = {};
+  preview.hovered = {};
+  preview.showVertices = preview.showFaceNormals = preview.showVertexNormals = false;
+  drawMesh(preview, nearness, view, options, cache, list);
+  RenderMesh cage = object;
+  cage.smoothed.reset();
+  if (!object.showsCage && object.selected.isEmpty() && object.hovered.isEmpty()) return;
+  if (!object.showsCage) cage.showVertices = false;
+  ViewOptions wires = options;
+  wires.style = DisplayStyle::Wireframe;
+  cage.style = DisplayStyle::Wireframe;
+  drawMesh(cage, nearness, view, wires, cache, list);
+}
+
 }  // namespace
 
-void drawMesh(const RenderMesh& object, const ViewProjection& view, const ViewOptions& options,
-              MeshDrawCache& cache, DrawList& list) {
-  const SurfaceContent content{.uvs = object.texture != nullptr,
-                               .colors = options.showVertexColors || object.showColors};
-  MeshPainter(object, view, options, cache.buffers(object.id, object.mesh, content), list).run();
+void drawMesh(const RenderMesh& object, int nearness, const ViewProjection& view,
+              const ViewOptions& options, MeshDrawCache& cache, DrawList& list) {
+  const bool isTextured =
+      options.showTextures && std::ranges::any_of(object.materials, [](const MaterialPtr& each) {
+        return each->texture != nullptr;
+      });
+  const SurfaceContent content{.uvs = isTextured || object.texture != nullptr,
+                               .colors = options.showVertexColors || object.showColors,
+                               .flat = options.flatShaded};
+  const MeshBuffers& buffers = cache.buffers(object.id, object.mesh, content);
+  if (!object.smoothed)
+    return MeshPainter(object, nearness, view, options, buffers, cache, list).run();
+  drawPreview(object, nearness, view, options, cache, list);
 }
 
 }  // namespace host::viewport

@@ -3,6 +3,7 @@
 #include <memory>
 #include <unordered_map>
 
+#include "host/math/box.h"
 #include "host/viewport/scene_view.h"
 
 namespace host::viewport {
@@ -14,11 +15,16 @@ struct MeshBuffers {
       triangles;  ///< into `surface`; face f's start at 3 * mesh::Triangulation::firstTriangle
   VertexDataPtr points;  ///< one a mesh vertex, with mean normals; zero where faces meet sharply
   IndexDataPtr edges;    ///< into `points`, two an edge, in edge order
+  math::Box box;         ///< of the points, object space
 };
+
+/// For each face the number of its material.
+using FaceMaterials = std::shared_ptr<const std::vector<std::uint32_t>>;
 
 /// Builds a mesh's buffers afresh. Linear.
 struct SurfaceContent {
   bool uvs = false, colors = false;
+  bool flat = false;  ///< every face by its own normal
   friend bool operator==(const SurfaceContent&, const SurfaceContent&) = default;
 };
 [[nodiscard]] MeshBuffers buildMeshBuffers(const mesh::Mesh& mesh, SurfaceContent content = {});
@@ -32,6 +38,12 @@ class MeshDrawCache {
 
   /// The buffers of instance `id`; rebuilt only as far as the mesh differs from the last one given.
   const MeshBuffers& buffers(std::uint64_t id, const mesh::Mesh& mesh, SurfaceContent content = {});
+  /// The box of an instance's points, object space.
+  [[nodiscard]] math::Box box(std::uint64_t id, const mesh::Mesh& mesh) const;
+  /// The triangles of an instance sorted by the material of their faces, one array each; rebuilt
+  /// when its buffers or the numbers are others. Call after buffers().
+  const std::vector<IndexDataPtr>& parts(std::uint64_t id, const FaceMaterials& numbers,
+                                         std::size_t materialCount);
   /// Drops what was not asked for since the last call.
   void dropUnused();
 
@@ -44,7 +56,9 @@ class MeshDrawCache {
 /// Appends the items of one mesh: surface, wire, vertices, selected and hovered components, by
 /// style and state. Wire that would be too dense to tell lines apart at this size fades, and is
 /// left out when nothing of it remains.
-void drawMesh(const RenderMesh& object, const ViewProjection& view, const ViewOptions& options,
-              MeshDrawCache& cache, DrawList& list);
+/// @param nearness the object's rank from the nearest on: surfaces are drawn near ones first, those
+/// that let light through far ones first
+void drawMesh(const RenderMesh& object, int nearness, const ViewProjection& view,
+              const ViewOptions& options, MeshDrawCache& cache, DrawList& list);
 
 }  // namespace host::viewport

@@ -15,7 +15,7 @@ bool contains(const PickRect& rect, const ViewPosition& at) {
 
 void Picker::Query::inside(std::size_t mesh, const PickRect& rect, const PickOptions& options,
                            std::vector<PickHit>& hits) const {
-  if (scene_.meshes[mesh].state == ObjectState::Template) return;
+  if (!viewport::isPickable(scene_.meshes[mesh].state)) return;
   if (isPickable(mesh, options)) {
     if (options.vertices) verticesInside(mesh, rect, hits);
     if (options.edges) edgesInside(mesh, rect, hits);

@@ -57,7 +57,7 @@ Picker::Query::Query(Picker& picker, const SceneView& scene)
     target.rays = spatial::Accelerator::of(object.mesh);
     target.toObject = math::inverse(object.world);
     const DisplayStyle style = object.style.value_or(scene.options.style);
-    target.isShaded = object.state != ObjectState::Template && style != DisplayStyle::Wireframe;
+    target.isShaded = viewport::isPickable(object.state) && style != DisplayStyle::Wireframe;
     target.hides =
         target.isShaded && !object.xray && !scene.options.xray && target.toObject.has_value();
     targets_.push_back(std::move(target));
@@ -66,7 +66,7 @@ Picker::Query::Query(Picker& picker, const SceneView& scene)
 
 bool Picker::Query::isPickable(std::size_t mesh, const PickOptions& options) const {
   const ObjectState state = scene_.meshes[mesh].state;
-  return state != ObjectState::Template && (!options.onlyHilited || state == ObjectState::Hilited);
+  return viewport::isPickable(state) && (!options.onlyHilited || state == ObjectState::Hilited);
 }
 
 bool Picker::Query::isVisible(const Vec3& point) const {

@@ -65,7 +65,7 @@ std::optional<PickHit> Picker::pick(const SceneView& scene, ViewPoint cursor,
 
 std::optional<PickHit> Picker::pickSurface(const SceneView& scene, ViewPoint cursor) {
   return Query(*this, scene).surface(cursor, [&](std::size_t i) {
-    return scene.meshes[i].state != ObjectState::Template;
+    return isPickable(scene.meshes[i].state);
   });
 }
 

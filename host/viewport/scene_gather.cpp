@@ -1,6 +1,7 @@
 #include "host/viewport/scene_gather.h"
 
 #include <algorithm>
+#include <optional>
 #include <span>
 #include <unordered_map>
 
@@ -21,6 +22,48 @@ bool isOn(dg::Node& node, std::string_view attribute) {
   return scene::numberOr(node, attribute, 0) != 0;
 }
 
+/// The 31 colours that override by number.
+Rgba indexedColor(int index) {
+  constexpr std::uint32_t kPalette[] = {
+      0x787878, 0x000000, 0x404040, 0x808080, 0x9b0028, 0x000460, 0x0000ff, 0x004619,
+      0x260043, 0xc800c8, 0x8a4833, 0x3f231f, 0x992600, 0xff0000, 0x00ff00, 0x004199,
+      0xffffff, 0xffff00, 0x64dcff, 0x43ffa3, 0xffb0b0, 0xe4ac79, 0xffff63, 0x009954,
+      0xa16a30, 0x9fa130, 0x68a130, 0x30a15d, 0x30a1a1, 0x3067a1, 0x6f30a1, 0xa1306a};
+  const std::uint32_t color = kPalette[std::clamp(index, 0, 31)];
+  const auto channel = [&](int shift) {
+    return static_cast<float>((color >> shift) & 0xff) / 255.0f;
+  };
+  return {channel(16), channel(8), channel(0), 1};
+}
+
+/// How a node, and what hangs under it without an override of its own, is drawn instead.
+struct DrawOverride {
+  enum class Type : std::uint8_t { Normal, Template, Reference };
+  Type type = Type::Normal;
+  bool isBox = false, isShaded = true;
+  std::optional<Rgba> color;
+};
+
+std::optional<DrawOverride> drawOverride(dg::Node& node) {
+  if (!isOn(node, "overrideEnabled")) return std::nullopt;
+  DrawOverride result;
+  const auto type = static_cast<int>(scene::numberOr(node, "overrideDisplayType", 0));
+  result.type = static_cast<DrawOverride::Type>(std::clamp(type, 0, 2));
+  result.isBox = isOn(node, "overrideLevelOfDetail");
+  result.isShaded = scene::numberOr(node, "overrideShading", 1) != 0;
+  const auto channel = [&](const char* name) {
+    return static_cast<float>(std::clamp(scene::numberOr(node, name, 0), 0.0, 1.0));
+  };
+  if (isOn(node, "overrideRGBColors")) {
+    result.color =
+        Rgba{channel("overrideColorR"), channel("overrideColorG"), channel("overrideColorB"), 1};
+  } else if (const auto index = static_cast<int>(scene::numberOr(node, "overrideColor", 0));
+             index > 0) {
+    result.color = indexedColor(index);
+  }
+  return result;
+}
+
 void addComponents(const Component& component, const mesh::Mesh& mesh, ComponentSets& sets) {
   // Selections may outlive an edit that took components away.
   const auto add = [](const std::vector<Index>& ids, Index count, std::vector<Index>& to) {
@@ -39,8 +82,11 @@ void addComponents(const Component& component, const mesh::Mesh& mesh, Component
       for (const Component::VertexFace& pair : component.pairs()) vertices.push_back(pair.vertex);
       return add(vertices, mesh.vertexCount(), sets.vertices);
     }
-    case ComponentType::Uv:
-      return;
+    case ComponentType::Uv: {
+      if (mesh.uvSetCount() == 0) return;
+      const auto count = static_cast<Index>(mesh.uvSet(mesh.currentUvSet()).points.size());
+      return add(component.expanded(count), count, sets.uvs);
+    }
   }
 }
 
@@ -114,7 +160,7 @@ class Gatherer {
   }
 
   Result<RenderMesh> makeAlone(const DagPath& path) const {
-    return make(path, false, states_.coveringState(path));
+    return make(path, {states_.coveringState(path), false, true, std::nullopt});
   }
 
  private:
@@ -122,9 +168,10 @@ class Gatherer {
   struct Above {
     ObjectState selected = ObjectState::Dormant;
     bool isTemplate = false, isListed = false;
+    std::optional<DrawOverride> looks;
   };
 
-  Result<RenderMesh> make(const DagPath& path, bool isTemplateObject, ObjectState selected) const {
+  Result<RenderMesh> make(const DagPath& path, const Above& above) const {
     dg::Node& shape = *path.node();
     const Result<dg::Value> value = document_.graph().get(shape.plug("outMesh"));
     if (!value) return failWith(value.error());
@@ -134,20 +181,36 @@ class Gatherer {
     RenderMesh mesh;
     mesh.id = shape.serial() * kInstances + path.instanceNumber();
     mesh.name = path.fullName();
+    mesh.path = path;
     mesh.mesh = data->mesh;
     mesh.world = path.inclusiveMatrix();
-    mesh.state = isTemplateObject          ? ObjectState::Template
+    mesh.state = above.isTemplate          ? ObjectState::Template
                  : states_.isHilited(path) ? ObjectState::Hilited
-                                           : selected;
+                                           : above.selected;
+    if (above.looks) apply(*above.looks, mesh);
     mesh.showVertices = (options_.vertexMode && mesh.state == ObjectState::Hilited) ||
                         isOn(shape, "displayVertices");
     mesh.showHardEdges = isOn(shape, "displayEdges");
     mesh.showBorderEdges = isOn(shape, "displayBorders");
     mesh.showColors = isOn(shape, "displayColors");
+    if (isOn(shape, "displayNormal")) {
+      const bool isOfFaces = scene::numberOr(shape, "normalType", 0) == 0;
+      mesh.showFaceNormals = isOfFaces;
+      mesh.showVertexNormals = !isOfFaces;
+      mesh.normalLength = scene::numberOr(shape, "normalSize", 0.4);
+    }
     for (const SelectionItem* item : states_.componentsOf(path))
       for (const Component& component : item->components)
         addComponents(component, mesh.mesh, mesh.selected);
     return mesh;
+  }
+
+  static void apply(const DrawOverride& looks, RenderMesh& mesh) {
+    if (looks.type == DrawOverride::Type::Template) mesh.state = ObjectState::Template;
+    if (looks.type == DrawOverride::Type::Reference) mesh.state = ObjectState::Reference;
+    if (!looks.isShaded) mesh.style = DisplayStyle::Wireframe;
+    if (looks.isBox) mesh.style = DisplayStyle::BoundingBox;
+    mesh.wireColor = looks.color;
   }
 
   void visit(const DagPath& top) {
@@ -160,16 +223,17 @@ class Gatherer {
         continue;
       }
       levels.resize(walk.depth());
-      Above here{states_.objectState(walk.path()), scene::isTemplate(node),
-                 !options_.only || options_.only->count(&node) > 0};
+      Above here{states_.objectState(walk.path()), isOn(node, "template"),
+                 !options_.only || options_.only->count(&node) > 0, drawOverride(node)};
       if (!levels.empty()) {
         here.selected = PathStates::stronger(levels.back().selected, here.selected);
         here.isTemplate = here.isTemplate || levels.back().isTemplate;
         here.isListed = here.isListed || levels.back().isListed;
+        if (!here.looks) here.looks = levels.back().looks;
       }
       levels.push_back(here);
       if (here.isListed && node.type().isA("mesh")) {
-        Result<RenderMesh> mesh = make(walk.path(), here.isTemplate, here.selected);
+        Result<RenderMesh> mesh = make(walk.path(), here);
         if (mesh) meshes_.push_back(std::move(*mesh));
       }
       walk.next();

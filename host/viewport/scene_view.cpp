@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 #include "host/viewport/display_colors.h"
 #include "host/viewport/mesh_draw.h"
@@ -38,7 +39,26 @@ std::vector<Vec3> selectionPoints(const SceneView& scene) {
 
 namespace {
 
-void drawGrid(const GridOptions& grid, DrawList& list) {
+/// The axis across the grid: up, or the one that an orthographic camera looks along.
+int gridAxis(const Camera& camera) {
+  constexpr double kAligned = 0.9999;
+  const Vec3 along = camera.viewDirection();
+  for (const int axis : {0, 2})
+    if (camera.orthographic && std::abs(along[axis]) > kAligned) return axis;
+  return 1;
+}
+
+void drawGrid(const GridOptions& grid, const Camera& camera, DrawList& list) {
+  const int across = gridAxis(camera);
+  // Its own two axes: x and z on the ground, x and y from the front, z and y from the side.
+  const int first = across == 0 ? 2 : 0, second = across == 1 ? 2 : 1;
+  const auto place = [&](double x, double y) {
+    Vec3 point;
+    point[first] = x;
+    point[second] = y;
+    if (across == 1) point.y = grid.height;
+    return point.toFloat();
+  };
   const DisplayColors& colors = displayColors();
   const double cell = grid.spacing / std::max(grid.subdivisions, 1);
   if (!(cell > 0) || !(grid.halfSize > 0)) return;
@@ -49,11 +69,10 @@ void drawGrid(const GridOptions& grid, DrawList& list) {
     const double at = std::clamp(i * cell, -reach, reach);
     const bool isStrong = i % std::max(grid.subdivisions, 1) == 0 || std::abs(i) == half;
     std::vector<Vec3f>& lines = i == 0 ? axes : isStrong ? strong : faint;
-    for (const auto& [x, z] : {std::pair{at, reach}, std::pair{reach, at}}) {
-      const bool alongZ = x == at && z == reach;
-      lines.push_back(Vec3{alongZ ? at : -reach, grid.height, alongZ ? -reach : at}.toFloat());
-      lines.push_back(Vec3{alongZ ? at : reach, grid.height, alongZ ? reach : at}.toFloat());
-    }
+    lines.push_back(place(at, -reach));
+    lines.push_back(place(at, reach));
+    lines.push_back(place(-reach, at));
+    lines.push_back(place(reach, at));
   }
   const auto add = [&](std::vector<Vec3f> lines, const Rgba& color, float width, int priority) {
     if (lines.empty()) return;
@@ -96,13 +115,46 @@ void drawGizmo(const SceneView& scene, DrawList& list) {
   }
 }
 
+/// The rank of each object from the nearest on, by the near side of its box along the view.
+std::vector<int> nearnessRanks(const SceneView& scene, const MeshDrawCache& cache) {
+  const Matrix4 view = viewMatrix(scene.camera);
+  std::vector<double> depth;
+  for (const RenderMesh& object : scene.meshes) {
+    const math::Box box = cache.box(object.id, object.mesh).transformed(object.world * view);
+    depth.push_back(box.isEmpty() ? 0 : -box.max.z);
+  }
+  std::vector<std::size_t> order(depth.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::ranges::stable_sort(order, {}, [&](std::size_t i) { return depth[i]; });
+  std::vector<int> ranks(order.size());
+  for (std::size_t rank = 0; rank < order.size(); ++rank)
+    ranks[order[rank]] = static_cast<int>(rank);
+  return ranks;
+}
+
+Lighting::Mode lightingMode(LightMode mode) {
+  switch (mode) {
+    case LightMode::Scene:
+      return Lighting::Mode::Lights;
+    case LightMode::Flat:
+      return Lighting::Mode::Flat;
+    case LightMode::Default:
+      break;
+  }
+  return Lighting::Mode::Studio;
+}
+
 }  // namespace
 
 DrawList buildDrawList(const SceneView& scene, MeshDrawCache& cache) {
   DrawList list;
-  if (scene.options.grid.visible) drawGrid(scene.options.grid, list);
+  if (scene.options.grid.visible) drawGrid(scene.options.grid, scene.camera, list);
   const ViewProjection view(scene.camera, scene.port);
-  for (const RenderMesh& object : scene.meshes) drawMesh(object, view, scene.options, cache, list);
+  const std::vector<int> ranks = nearnessRanks(scene, cache);
+  for (std::size_t i = 0; i < ranks.size(); ++i)
+    drawMesh(scene.meshes[i], ranks[i], view, scene.options, cache, list);
+  list.lighting.mode = lightingMode(scene.options.lightMode);
+  list.lighting.lights = scene.lights;
   list.append(scene.extra);
   if (scene.options.axisGizmo) drawGizmo(scene, list);
   cache.dropUnused();

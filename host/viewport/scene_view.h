@@ -7,28 +7,37 @@
 #include <vector>
 
 #include "host/mesh/mesh.h"
+#include "host/scene/dag.h"
 #include "host/viewport/draw_list.h"
 #include "host/viewport/projection.h"
 
 namespace host::viewport {
 
-enum class DisplayStyle : std::uint8_t { Wireframe, Shaded, WireOnShaded };
+enum class DisplayStyle : std::uint8_t { Wireframe, Shaded, WireOnShaded, BoundingBox, Points };
 
 /// How an object as a whole stands out.
 enum class ObjectState : std::uint8_t {
   Dormant,
   Selected,
-  Lead,      ///< selected last
-  Hilited,   ///< its components can be picked
-  Template,  ///< a faint reference that can't be picked
+  Lead,       ///< selected last
+  Hilited,    ///< its components can be picked
+  Template,   ///< a faint wire that can't be picked
+  Reference,  ///< shaded, but can't be picked
 };
+
+[[nodiscard]] constexpr bool isPickable(ObjectState state) {
+  return state != ObjectState::Template && state != ObjectState::Reference;
+}
 
 /// Component ids of one mesh, in any order.
 struct ComponentSets {
   std::vector<VertexId> vertices;
   std::vector<EdgeId> edges;
   std::vector<FaceId> faces;
-  [[nodiscard]] bool isEmpty() const { return vertices.empty() && edges.empty() && faces.empty(); }
+  std::vector<UvId> uvs;  ///< of the current set
+  [[nodiscard]] bool isEmpty() const {
+    return vertices.empty() && edges.empty() && faces.empty() && uvs.empty();
+  }
 };
 
 /// One instance of a mesh as a view shows it. Copies share the mesh's arrays.
@@ -45,9 +54,21 @@ struct RenderMesh {
   bool showBorderEdges = false;
   bool showColors = false;  ///< the current colour set, where a face has colours
   bool xray = false;
+  bool showFaceNormals = false;
+  bool showVertexNormals = false;
+  double normalLength = 1;        ///< of the lines that show normals, object space
+  std::optional<Rgba> wireColor;  ///< of a layer or an override, while nothing is selected
+  /// A preview drawn instead of the mesh's own surface; components are those of the mesh.
+  std::optional<mesh::Mesh> smoothed;
+  bool showsCage = false;             ///< the mesh's own wire around the preview
   std::optional<DisplayStyle> style;  ///< instead of the view's
   std::optional<Rgba> surfaceColor;
-  TexturePtr texture;  ///< laid on by the current UV set, where there are UVs
+  TexturePtr texture;   ///< laid on by the current UV set, where there are UVs
+  scene::DagPath path;  ///< of the shape; none for what stands for no object
+  /// What its shading groups say; none: a plain surface. Textures lie on by the current UV set.
+  std::vector<MaterialPtr> materials;
+  /// For each face the number of its material; none: all faces have the first.
+  std::shared_ptr<const std::vector<std::uint32_t>> faceMaterials;
 };
 
 /// The ground grid, in the plane y = height.
@@ -59,6 +80,13 @@ struct GridOptions {
   double height = 0;
 };
 
+/// What lights a view's surfaces.
+enum class LightMode : std::uint8_t {
+  Default,  ///< a studio that turns with the camera
+  Scene,    ///< the lights that SceneView::lights holds, dark without any
+  Flat,     ///< nothing: all colours as they are
+};
+
 /// What a view shows and how, besides its meshes.
 struct ViewOptions {
   DisplayStyle style = DisplayStyle::WireOnShaded;
@@ -67,6 +95,14 @@ struct ViewOptions {
   bool axisGizmo = true;             ///< small axes in the lower left corner
   bool showHiddenSelection = false;  ///< selected components behind a surface as faint ghosts
   bool showVertexColors = false;
+  bool showTextures = false;
+  bool useDefaultMaterial = false;  ///< all surfaces in the plain grey
+  bool flatShaded = false;          ///< every face by its own normal
+  bool showSelection = true;        ///< what is selected stands out
+  bool showMeshes = true;
+  bool showLocators = true;
+  bool showLights = true;
+  LightMode lightMode = LightMode::Default;
   GridOptions grid;
 };
 
@@ -76,6 +112,7 @@ struct SceneView {
   PortSize port{960, 540};
   ViewOptions options;
   std::vector<RenderMesh> meshes;
+  std::vector<Light> lights;
   DrawList extra;  ///< what locators, tools and head-up displays add
 };
 

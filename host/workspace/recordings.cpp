@@ -25,10 +25,12 @@ constexpr std::array kLensAttributes{"focalLength",          "horizontalFilmAper
                                      "orthographic",         "orthographicWidth",
                                      "centerOfInterest",     "tumblePivot"};
 
-constexpr std::array<std::pair<DisplayStyle, const char*>, 3> kStyles{
+constexpr std::array<std::pair<DisplayStyle, const char*>, 5> kStyles{
     {{DisplayStyle::Wireframe, "wireframe"},
      {DisplayStyle::Shaded, "shaded"},
-     {DisplayStyle::WireOnShaded, "wireOnShaded"}}};
+     {DisplayStyle::WireOnShaded, "wireOnShaded"},
+     {DisplayStyle::BoundingBox, "boundingBox"},
+     {DisplayStyle::Points, "points"}}};
 
 double numberOf(const dg::Value& value) {
   if (const auto* real = std::get_if<double>(&value)) return *real;
@@ -157,6 +159,14 @@ Recording Recordings::ofNow() {
   recording.settings.push_back(settingsOfTumble(toolbox.tumble));
   recording.tool = tools::toolWords(toolbox);
   recording.toolSettings = toolbox.current()->settings(toolbox.currentName());
+  // Tools that may be chosen later: what is not said to them by name, since they may not be there.
+  for (const std::string& name : toolbox.names()) {
+    if (name == toolbox.currentName() || toolbox.isBuiltin(name)) continue;
+    for (std::string& line : toolbox.find(name)->settings(name))
+      if (!line.ends_with(" " + name) &&
+          std::ranges::find(recording.toolSettings, line) == recording.toolSettings.end())
+        recording.toolSettings.push_back(std::move(line));
+  }
   return recording;
 }
 

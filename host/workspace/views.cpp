@@ -3,10 +3,14 @@
 #include "host/math/transform.h"
 #include "host/viewport/backends/gl_backend.h"
 #include "host/viewport/scene_gather.h"
+#include "host/workspace/lights.h"
+#include "host/workspace/materials.h"
 
 namespace host::workspace {
 
-Views::Views() {
+Views::~Views() = default;
+
+Views::Views() : materials_(std::make_unique<Materials>()) {
   const auto add = [this](const char* panel, const char* camera) {
     View view;
     view.panel = panel;
@@ -85,7 +89,10 @@ Result<viewport::SceneView> gatherView(scene::Document& document, const View& vi
   for (const std::weak_ptr<dg::Node>& node : view.isolated) only.insert(node.lock().get());
   viewport::GatherOptions gather;
   if (view.isIsolated) gather.only = &only;
-  scene.meshes = viewport::gatherMeshes(document, gather);
+  if (view.options.showMeshes) scene.meshes = viewport::gatherMeshes(document, gather);
+  scene.options.lightMode = view.lightsShown == "default" ? viewport::LightMode::Default
+                            : view.lightsShown == "flat"  ? viewport::LightMode::Flat
+                                                          : viewport::LightMode::Scene;
   return scene;
 }
 
@@ -93,6 +100,8 @@ Result<viewport::SceneView> gatherView(scene::Document& document, const Views& v
                                        const View& view) {
   auto scene = gatherView(document, view);
   if (!scene) return scene;
+  scene->lights = gatherLights(document, view.lightsShown);
+  drawMarks(document, *scene);
   for (const Views::Gather& gather : views.gatherers) gather(document, view, *scene);
   return scene;
 }
@@ -121,8 +130,9 @@ Result<void> drawView(scene::Document& document, Views& views, const View& view,
                       viewport::PortSize size, viewport::Backend& backend) {
   View sized = view;
   sized.port = size;
-  const auto scene = gatherView(document, views, sized);
+  auto scene = gatherView(document, views, sized);
   if (!scene) return failWith(scene.error());
+  views.materials().dress(document, *scene);
   viewport::FrameSettings frame;
   frame.camera = scene->camera;
   frame.port = size;

@@ -25,8 +25,9 @@ struct View {
   /// themselves.
   std::string rendererName = "vp2Renderer";
   viewport::ViewPoint cursor;
-  bool hasCursor = false;   ///< the cursor is over the view
-  bool isIsolated = false;  ///< shows only the nodes below and what hangs under them
+  std::string lightsShown = "default";  ///< default, all, selected, active, none, flat
+  bool hasCursor = false;               ///< the cursor is over the view
+  bool isIsolated = false;              ///< shows only the nodes below and what hangs under them
   std::vector<std::weak_ptr<dg::Node>> isolated;
   [[nodiscard]] bool usesDrawOverrides() const { return rendererName == "vp2Renderer"; }
   /// What it is told to show and can't show otherwise than it does: kept for who asks, by flag.
@@ -35,15 +36,19 @@ struct View {
   std::uint32_t objectKinds = ~0U;
 };
 
+class Materials;
+
 /// The session's views: the four panels of a new layout, and what draws them.
 class Views {
  public:
   Views();
+  ~Views();
   [[nodiscard]] std::vector<View>& all() { return views_; }
   [[nodiscard]] View& active() { return views_[active_]; }
   [[nodiscard]] View* find(std::string_view panel);
   void setActive(std::string_view panel);
   [[nodiscard]] viewport::MeshDrawCache& cache() { return cache_; }
+  [[nodiscard]] Materials& materials() { return *materials_; }
   /// The backend that draws off screen; made on first use. Fails where the machine has none.
   Result<viewport::Backend*> offscreen();
 
@@ -58,6 +63,7 @@ class Views {
   std::vector<View> views_;
   std::size_t active_ = 3;
   viewport::MeshDrawCache cache_;
+  std::unique_ptr<Materials> materials_;
   std::unique_ptr<viewport::Backend> backend_;
 };
 

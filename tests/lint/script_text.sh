@@ -28,6 +28,7 @@ host/cmd/loop.cpp                  deferred scripts and script jobs
 host/cmd/session.cpp               runs lines
 host/tools/recorder.cpp            lines of a recording, played again
 host/cmd/session.h                 declares that
+host/workspace/workspace.cpp       the command that a user bound to a key
 '
 pattern='(executeLine|executeFile|findCommand|sourceFile)[[:space:]]*\(|interpreter(\(\))?(\.|->|_->)execute[[:space:]]*\(|commands\(\)\.find[[:space:]]*\('
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
 
 #include "tests/toolkit/toolkit_session.h"
 
@@ -46,12 +47,24 @@ struct jobScene : toolkitSession {
     return scene;
   }
 
+  /// What a scene file holds, its comments left out. (A hash of the document takes in what is
+  /// hilited, which is no step of undo.)
+  std::string saved() {
+    const std::string file = QXMT_BINARY_DIR "/uv job.ma";
+    run("file -rename \"" + file + "\"; file -f -save -type \"mayaAscii\"");
+    std::ifstream stream(file);
+    std::string all, line;
+    while (std::getline(stream, line))
+      if (line.rfind("//", 0) != 0) all += line + "\n";
+    return all;
+  }
+
   void job(const std::string& model, std::size_t shells, int anchors) {
     CAPTURE(model);
     run("string $mesh = qxmtTourLoadModel_QXMT_Proc(\"" + model + "\");");
     const std::string mesh = text("$mesh = $mesh");
-    run("flushUndo");
-    const std::uint64_t before = hash();
+    run("select -cl; flushUndo");
+    const std::string before = saved();
     run("qxmtTourMark_QXMT_Proc($mesh, \"" + model + "\")");
     CHECK(number("string $shapes[] = `listRelatives -s $mesh`; size(`getAttr ($shapes[0] + "
                  "\".qxUvMarkedEdgeArray\")`)") > 10);
@@ -67,7 +80,8 @@ struct jobScene : toolkitSession {
     for (int i = 0; session->undo().itemCount() > 0 && i < 1000; ++i) {
       REQUIRE(session->undo().undo());
     }
-    CHECK(hash() == before);
+    CHECK(before.size() > 1000);
+    CHECK((saved() == before));
   }
 };
 

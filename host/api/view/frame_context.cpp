@@ -117,9 +117,14 @@ unsigned int MFrameContext::getDisplayStyle() const {
   const FrameRep* frame = frameOf(*this);
   if (!frame) return kGouraudShaded;
   const viewport::ViewOptions& options = frame->options;
+  using viewport::DisplayStyle;
   unsigned int style = 0;
-  if (options.style != viewport::DisplayStyle::Wireframe) style |= kGouraudShaded;
-  if (options.style != viewport::DisplayStyle::Shaded) style |= kWireFrame;
+  const bool isShaded =
+      options.style == DisplayStyle::Shaded || options.style == DisplayStyle::WireOnShaded;
+  if (isShaded) style |= options.flatShaded ? kFlatShaded : kGouraudShaded;
+  if (options.style == DisplayStyle::Wireframe || options.style == DisplayStyle::WireOnShaded)
+    style |= kWireFrame;
+  if (options.style == DisplayStyle::BoundingBox) style |= kBoundingBox;
   if (options.xray) style |= kXray;
   if (options.backFaceCulling) style |= kBackfaceCulling;
   return style;

@@ -219,15 +219,29 @@ MStatus M3dView::scheduleRefreshAllViews() {
 
 M3dView::DisplayStyle M3dView::displayStyle(MStatus* status) const {
   const workspace::View* view = viewOf(*this, status);
-  const bool isWire = view && view->options.style == viewport::DisplayStyle::Wireframe;
-  return isWire ? kWireFrame : kGouraudShaded;
+  if (!view) return kGouraudShaded;
+  switch (view->options.style) {
+    case viewport::DisplayStyle::Wireframe:
+      return kWireFrame;
+    case viewport::DisplayStyle::BoundingBox:
+      return kBoundingBox;
+    case viewport::DisplayStyle::Points:
+      return kPoints;
+    case viewport::DisplayStyle::Shaded:
+    case viewport::DisplayStyle::WireOnShaded:
+      break;
+  }
+  return view->options.flatShaded ? kFlatShaded : kGouraudShaded;
 }
 MStatus M3dView::setDisplayStyle(DisplayStyle style, bool) {
   workspace::View* view = viewOf(*this);
   if (!view) return MStatus::kFailure;
   const bool isShaded = style == kFlatShaded || style == kGouraudShaded;
-  view->options.style =
-      isShaded ? viewport::DisplayStyle::Shaded : viewport::DisplayStyle::Wireframe;
+  view->options.style = isShaded                ? viewport::DisplayStyle::Shaded
+                        : style == kBoundingBox ? viewport::DisplayStyle::BoundingBox
+                        : style == kPoints      ? viewport::DisplayStyle::Points
+                                                : viewport::DisplayStyle::Wireframe;
+  view->options.flatShaded = style == kFlatShaded;
   return MStatus::kSuccess;
 }
 bool M3dView::isShadeActiveOnly(MStatus* status) const {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/builtins/common/command.h"
+#include "host/cmd/asking.h"
 #include "host/scene/selection_algebra.h"
 
 namespace host::builtins {
@@ -118,9 +119,15 @@ CommandResult create(Context& context, const ParsedArgs& args) {
 CommandResult sets(Context& context, const ParsedArgs& args) {
   if (args.isQuery()) return query(context, args);
   if (args.isEdit() && args.has("text")) return annotate(context, args, args.firstObject());
-  if (args.has("isMember")) return isMember(context, args);
-  for (const std::string_view flag : {"union", "intersection", "subtract"})
-    if (args.has(flag)) return combine(context, args, flag);
+  if (args.has("isMember")) {
+    cmd::askOnly();
+    return isMember(context, args);
+  }
+  for (const std::string_view flag : {"union", "intersection", "subtract"}) {
+    if (!args.has(flag)) continue;
+    cmd::askOnly();
+    return combine(context, args, flag);
+  }
   for (const std::string_view flag : {"addElement", "include", "forceElement", "remove", "clear"}) {
     if (!args.has(flag)) continue;
     auto set = setNamed(context, args.text(flag));

@@ -1,4 +1,5 @@
 #include "host/builtins/file/scene_files.h"
+#include "host/cmd/asking.h"
 
 namespace host::builtins {
 
@@ -39,6 +40,7 @@ CommandResult file(Context& context, const ParsedArgs& args) {
   if (args.has("newFile")) return toResult(newScene(context, args.has("force")));
   if (args.has("open")) return toResult(openScene(context, readRequest(args)));
   if (args.has("import")) return import(context, args);
+  if (args.has("exportSelected") || args.has("exportAll")) cmd::askOnly();
   if (args.has("exportSelected")) return toResult(exportScene(context, readRequest(args), true));
   if (args.has("exportAll")) return toResult(exportScene(context, readRequest(args), false));
   if (args.has("rename")) {

@@ -1,11 +1,14 @@
+#include <filesystem>
 #include <unordered_set>
 
 #include "host/base/messages.h"
 #include "host/builtins/common/mesh_components.h"
 #include "host/builtins/file/formats.h"
+#include "host/builtins/file/obj_materials.h"
 #include "host/io/finite_mesh.h"
 #include "host/io/obj_reader.h"
 #include "host/io/obj_writer.h"
+#include "host/io/whole_file.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/sets.h"
 #include "host/scene/dag_paths.h"
@@ -23,33 +26,72 @@ std::string objectName(const io::ObjObject& object) {
   return "polySurface#";
 }
 
-Result<dg::Node*> addObject(scene::Document& document, io::ObjObject object) {
-  auto transform = document.createNode("transform", objectName(object));
+/// The name of an imported node: in the namespace that was asked for, or with the prefix where it
+/// would clash.
+std::string importedName(const scene::Document& document, const FileReadOptions& options,
+                         const std::string& wanted) {
+  if (!options.isImport) return wanted;
+  if (!options.nameSpace.empty() && options.nameSpace != ":")
+    return options.nameSpace + ":" + wanted;
+  const bool isTaken = !document.nodesNamed(wanted).empty();
+  const bool isNumbered = wanted.ends_with('#');
+  if (options.clashPrefix.empty() || (!options.renamesAll && (!isTaken || isNumbered)))
+    return wanted;
+  return options.clashPrefix + "_" + wanted;
+}
+
+Result<dg::Node*> addObject(scene::Document& document, const std::string& name,
+                            io::ObjObject object, ObjShading& shading) {
+  auto transform = document.createNode("transform", name);
   if (!transform) return failWith(std::move(transform.error()));
   auto shape = document.createNode("mesh", shapeNameFor((*transform)->name()), transform->get());
   if (!shape) return failWith(std::move(shape.error()));
-  HOST_TRY(nodes::setStoredMesh(**shape, std::move(object.mesh)));
-  HOST_TRY(nodes::assignInitialShading(document, **shape));
+  HOST_TRY(nodes::setStoredMesh(**shape, object.mesh));
+  HOST_TRY(shading.assign(**shape, object));
+  HOST_TRY(shading.addGroups(**shape, object));
   return transform->get();
 }
 
-Result<FileFormat::Placing> read(Context&, const std::string& path, const FileReadOptions&) {
+Result<FileFormat::Placing> read(Context&, const std::string& path,
+                                 const FileReadOptions& options) {
   auto read = io::readObj(path);
   if (!read) return failWith(std::move(read.error()));
   for (const auto& [warning, count] : read->warnings)
     postMessage(MessageKind::Warning, count > 1
                                           ? fmt::format("{}: {} ({} times)", path, warning, count)
                                           : fmt::format("{}: {}", path, warning));
+  auto materials = readObjMaterials(*read, path);
   auto scene = std::make_shared<io::ObjScene>(std::move(*read));
-  return [scene](Context& context) -> Result<std::vector<dg::Node*>> {
+  return [scene, materials, path, options](Context& context) -> Result<std::vector<dg::Node*>> {
+    scene::Document& document = context.document;
+    const auto nodeName = [&](const std::string& wanted) {
+      return importedName(document, options, wanted);
+    };
+    ObjShading shading(document, materials,
+                       std::filesystem::path(path).parent_path().generic_string(), nodeName);
     std::vector<dg::Node*> made;
     for (io::ObjObject& object : scene->objects) {
-      auto node = addObject(context.document, std::move(object));
+      const std::string name = nodeName(objectName(object));
+      auto node = addObject(document, name, std::move(object), shading);
       if (!node) return failWith(std::move(node.error()));
       made.push_back(*node);
     }
     return made;
   };
+}
+
+/// Writes the materials beside the file. The file names its library by that name alone.
+Result<void> writeLibrary(const std::string& path,
+                          const std::map<std::string, io::MtlMaterial>& library,
+                          io::ObjScene& scene) {
+  if (library.empty()) return {};
+  std::filesystem::path file(path);
+  file.replace_extension(".mtl");
+  std::vector<io::MtlMaterial> materials;
+  for (const auto& [name, material] : library) materials.push_back(material);
+  HOST_TRY(io::writeFileAtomically(file.string(), io::formatMtl(materials)));
+  scene.materialLibraries.push_back(file.filename().string());
+  return {};
 }
 
 /// OBJ files hold world-space points; an object at rest keeps its bits.
@@ -95,6 +137,8 @@ Result<void> write(Context& context, const std::string& path, const FileWriteOpt
     for (scene::Node* node : context.document.worldChildren()) list.add(scene::firstPath(*node));
   }
   io::ObjScene scene;
+  std::map<std::string, io::MtlMaterial> library;
+  const std::string folder = std::filesystem::path(path).parent_path().string();
   for (const scene::DagPath& shape : meshesBelow(list)) {
     auto mesh = nodes::evaluatedMesh(*shape.node());
     if (!mesh) return failWith(std::move(mesh.error()));
@@ -106,14 +150,16 @@ Result<void> write(Context& context, const std::string& path, const FileWriteOpt
           MessageKind::Warning,
           fmt::format("'{}': {} numbers that are not finite are saved as 0", object.name, bad));
     object.statesSmoothing = true;
+    HOST_TRY(describeShading(context.document, shape, folder, object, library));
     scene.objects.push_back(std::move(object));
   }
   if (scene.objects.empty()) return fail("There are no polygon objects to write to '{}'.", path);
   io::ObjWriteOptions how;
   if (!isOn(options, "normals")) how.normals = io::ObjWriteOptions::Normals::Never;
   how.groups = isOn(options, "groups");
-  how.materials = isOn(options, "materials");
+  how.materials = isOn(options, "materials") && wanted.withShading;
   how.smoothing = isOn(options, "smoothing");
+  if (how.materials) HOST_TRY(writeLibrary(path, library, scene));
   return io::writeObj(path, scene, how);
 }
 

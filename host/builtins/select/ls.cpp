@@ -165,7 +165,9 @@ class Lister {
     if (isAny(types_) || std::find(exact_.begin(), exact_.end(), type.name) != exact_.end())
       return true;
     const auto isClassified = [&](std::string_view word) {
-      return type.classification.find(word) != std::string::npos;
+      const dg::NodeType* at = &type;
+      while (at && at->classification.empty()) at = at->base;
+      return at && at->classification.find(word) != std::string::npos;
     };
     return (args_.has("shapes") && scene::isShape(node)) ||
            (args_.has("transforms") && scene::isTransform(node)) ||
@@ -173,7 +175,7 @@ class Lister {
            (args_.has("cameras") && type.isA("camera")) ||
            (args_.has("lights") && type.isA("light")) ||
            (args_.has("sets") && type.isA("objectSet")) ||
-           (args_.has("materials") && isClassified("shader/surface")) ||
+           (args_.has("materials") && isClassified("shader/")) ||
            (args_.has("textures") && isClassified("texture"));
   }
 

@@ -6,6 +6,7 @@
 #include "host/mesh/shells.h"
 #include "host/mesh/triangulate.h"
 #include "host/ops/uv/report.h"
+#include "host/ops/uv/stretch_color.h"
 
 namespace host::builtins {
 namespace {
@@ -193,13 +194,8 @@ void drawLines(Canvas& canvas, const mesh::Mesh& mesh, int uvSet, const Color& c
 }  // namespace
 
 std::array<std::uint8_t, 3> stretchColor(double stretch) {
-  const double amount = std::clamp(std::abs(stretch), 0.0, 1.0);
-  const double rest = 1 - amount;
-  if (stretch < 0)
-    return {byteOf(0.93 * rest + 0.10 * amount), byteOf(0.93 * rest + 0.30 * amount),
-            byteOf(0.93 * rest + 0.95 * amount)};
-  return {byteOf(0.93 * rest + 0.95 * amount), byteOf(0.93 * rest + 0.15 * amount),
-          byteOf(0.93 * rest + 0.10 * amount)};
+  const mesh::Color4f color = ops::stretchColor(stretch);
+  return {byteOf(color.r), byteOf(color.g), byteOf(color.b)};
 }
 
 void drawUvsOver(io::Image& image, const mesh::Mesh& mesh, int uvSet,

@@ -4,8 +4,7 @@
 #include "host/builtins/common/command.h"
 #include "host/builtins/common/mesh_components.h"
 #include "host/builtins/uv/uv_picture.h"
-#include "host/io/png_writer.h"
-#include "host/io/tiff_writer.h"
+#include "host/io/picture_file.h"
 #include "host/ops/uv/uv_ids.h"
 
 namespace host::builtins {
@@ -14,16 +13,15 @@ namespace {
 
 /// The file's name and format: the flag's, else the name's end, else png. A name without an end
 /// gets the format's.
-Result<std::pair<std::string, bool>> fileOf(const ParsedArgs& args) {
+Result<std::pair<std::string, io::PictureFormat>> fileOf(const ParsedArgs& args) {
   std::filesystem::path name = args.text("name", "outUV");
-  std::string format = args.text("fileFormat");
-  if (format.empty() && name.has_extension()) format = name.extension().string().substr(1);
-  if (format.empty()) format = "png";
-  const bool isTiff = format == "tif" || format == "tiff";
-  if (!isTiff && format != "png")
-    return fail("uvSnapshot: pictures are written as png or tif, not '{}'.", format);
-  if (!name.has_extension()) name += isTiff ? ".tif" : ".png";
-  return std::pair{name.string(), isTiff};
+  std::string word = args.text("fileFormat");
+  if (word.empty() && name.has_extension()) word = name.extension().string().substr(1);
+  const std::optional format = word.empty() ? io::PictureFormat::Png : io::pictureFormat(word);
+  if (!format)
+    return fail("uvSnapshot: pictures are written as png, jpg, bmp or tif, not '{}'.", word);
+  if (!name.has_extension()) name += fmt::format(".{}", io::pictureExtension(*format));
+  return std::pair{name.string(), *format};
 }
 
 Result<UvPictureOptions> optionsOf(const ParsedArgs& args) {
@@ -93,8 +91,7 @@ CommandResult uvSnapshot(Context& context, const ParsedArgs& args) {
   io::Image image = drawUvs(meshes[0].first, meshes[0].second, *options);
   for (std::size_t i = 1; i < meshes.size(); ++i)
     drawUvsOver(image, meshes[i].first, meshes[i].second, *options);
-  const auto written =
-      file->second ? io::writeTiff(file->first, image) : io::writePng(file->first, image);
+  const auto written = io::writePicture(file->first, image, file->second);
   if (!written) return fail("uvSnapshot: {}", written.error().message);
   return mel::Value();
 }

@@ -1,4 +1,4 @@
-// getPanel, modelPanel and modelEditor: the views by their panels' names.
+// getPanel and modelPanel: the views by their panels' names.
 #include <algorithm>
 #include <cmath>
 
@@ -104,121 +104,6 @@ CommandResult modelPanel(Context& context, const ParsedArgs& args) {
   return fail("modelPanel: query -camera, -modelEditor or -label.");
 }
 
-// modelEditor
-// -------------------------------------------------------------------------------------------------------
-
-struct EditorFlag {
-  const char *shortName, *longName;
-  bool initial;
-};
-constexpr EditorFlag kEditorFlags[] = {
-    {"pm", "polymeshes", true},
-    {"nc", "nurbsCurves", true},
-    {"ns", "nurbsSurfaces", true},
-    {"ca", "cameras", true},
-    {"lt", "lights", true},
-    {"lc", "locators", true},
-    {"j", "joints", true},
-    {"df", "deformers", true},
-    {"m", "manipulators", true},
-    {"ha", "handles", true},
-    {"hu", "hulls", true},
-    {"pl", "planes", true},
-    {"pv", "pivots", true},
-    {"tx", "textures", true},
-    {"str", "strokes", true},
-    {"hud", "headsUpDisplay", true},
-    {"sel", "selectionHiliteDisplay", true},
-    {"dtx", "displayTextures", false},
-    {"udm", "useDefaultMaterial", false},
-    {"tsl", "twoSidedLighting", true},
-    {"sdw", "shadows", false},
-    {"swf", "smoothWireframe", false},
-    {"jx", "jointXray", false},
-    {"dim", "dimensions", true},
-    {"fog", "fogging", false},
-};
-
-constexpr struct {
-  const char* name;
-  viewport::DisplayStyle style;
-} kAppearances[] = {{"wireframe", viewport::DisplayStyle::Wireframe},
-                    {"smoothShaded", viewport::DisplayStyle::Shaded},
-                    {"flatShaded", viewport::DisplayStyle::Shaded},
-                    {"boundingBox", viewport::DisplayStyle::Wireframe},
-                    {"points", viewport::DisplayStyle::Wireframe}};
-
-constexpr const char* kRenderers[] = {"vp2Renderer", "base_OpenGL_Renderer",
-                                      "hwRender_OpenGL_Renderer"};
-
-Result<void> editView(Context& context, View& view, const ParsedArgs& args) {
-  using viewport::DisplayStyle;
-  if (args.has("camera")) HOST_TRY(setCamera(context, view, args.text("camera")));
-  DisplayStyle& style = view.options.style;
-  bool hasWires = style == DisplayStyle::WireOnShaded;
-  if (args.has("displayAppearance")) {
-    const std::string name = args.text("displayAppearance");
-    const auto* found = std::find_if(std::begin(kAppearances), std::end(kAppearances),
-                                     [&](const auto& each) { return name == each.name; });
-    if (found == std::end(kAppearances))
-      return fail("modelEditor: '{}' is no way to display.", name);
-    style = found->style;
-  }
-  if (args.has("rendererName")) {
-    const std::string name = args.text("rendererName");
-    if (std::find(std::begin(kRenderers), std::end(kRenderers), name) == std::end(kRenderers))
-      return fail("modelEditor: '{}' is no renderer; use {}, {} or {}.", name, kRenderers[0],
-                  kRenderers[1], kRenderers[2]);
-    view.rendererName = name;
-  }
-  hasWires = args.boolean("wireframeOnShaded", hasWires);
-  if (style != DisplayStyle::Wireframe)
-    style = hasWires ? DisplayStyle::WireOnShaded : DisplayStyle::Shaded;
-  view.options.xray = args.boolean("xray", view.options.xray);
-  view.options.grid.visible = args.boolean("grid", view.options.grid.visible);
-  view.options.backFaceCulling = args.boolean("backfaceCulling", view.options.backFaceCulling);
-  if (args.boolean("activeView")) workspaceOf(context.session).views.setActive(view.panel);
-  auto& flags = view.editorFlags;
-  for (const EditorFlag& flag : kEditorFlags) {
-    if (args.has("allObjects")) flags[flag.longName] = args.boolean("allObjects");
-    if (args.has(flag.longName)) flags[flag.longName] = args.boolean(flag.longName);
-  }
-  return {};
-}
-
-CommandResult queryView(Context& context, View& view, const ParsedArgs& args) {
-  using viewport::DisplayStyle;
-  if (args.has("camera")) return mel::Value(view.cameraName);
-  if (args.has("rendererName")) return mel::Value(view.rendererName);
-  if (args.has("displayAppearance"))
-    return mel::Value(view.options.style == DisplayStyle::Wireframe ? "wireframe" : "smoothShaded");
-  if (args.has("wireframeOnShaded"))
-    return mel::Value(view.options.style == DisplayStyle::WireOnShaded);
-  if (args.has("xray")) return mel::Value(view.options.xray);
-  if (args.has("grid")) return mel::Value(view.options.grid.visible);
-  if (args.has("backfaceCulling")) return mel::Value(view.options.backFaceCulling);
-  if (args.has("activeView"))
-    return mel::Value(workspaceOf(context.session).views.active().panel == view.panel);
-  const auto& flags = view.editorFlags;
-  for (const EditorFlag& flag : kEditorFlags) {
-    if (!args.has(flag.longName)) continue;
-    const auto found = flags.find(flag.longName);
-    return mel::Value(found == flags.end() ? flag.initial : found->second);
-  }
-  return fail("modelEditor: say which flag to query.");
-}
-
-CommandResult modelEditor(Context& context, const ParsedArgs& args) {
-  if (args.has("exists"))
-    return mel::Value(workspaceOf(context.session).views.find(args.firstObject()) != nullptr);
-  if (args.isCreate()) return fail("modelEditor: a view comes with its panel: use modelPanel.");
-  const auto view = viewNamed(context, args, "modelEditor");
-  if (!view) return failWith(view.error());
-  if (args.isQuery()) return queryView(context, **view, args);
-  HOST_TRY(editView(context, **view, args));
-  return mel::Value((*view)->panel);
-}
-
 }  // namespace
 
 void registerPanels(CommandRegistry& registry) {
@@ -235,18 +120,6 @@ void registerPanels(CommandRegistry& registry) {
       .flag("p", "parent", {ArgType::String})
       .flag("mbv", "menuBarVisible", {ArgType::Bool});
   defineQuery(registry, "modelPanel", panel.editable().queryable().strings(0, 1), modelPanel);
-  Syntax editor;
-  editor.flag("ex", "exists")
-      .flag("cam", "camera", {ArgType::String})
-      .flag("da", "displayAppearance", {ArgType::String});
-  editor.flag("wos", "wireframeOnShaded", {ArgType::Bool})
-      .flag("xr", "xray", {ArgType::Bool})
-      .flag("gr", "grid", {ArgType::Bool});
-  editor.flag("bfc", "backfaceCulling", {ArgType::Bool}).flag("av", "activeView", {ArgType::Bool});
-  editor.flag("alo", "allObjects", {ArgType::Bool}).flag("rnm", "rendererName", {ArgType::String});
-  for (const EditorFlag& flag : kEditorFlags)
-    editor.flag(flag.shortName, flag.longName, {ArgType::Bool});
-  defineQuery(registry, "modelEditor", editor.editable().queryable().strings(0, 1), modelEditor);
 }
 
 }  // namespace host::builtins

@@ -1,5 +1,6 @@
 #include <memory>
 
+#include "host/nodes/history/group_carry.h"
 #include "host/nodes/history/modifiers.h"
 #include "host/nodes/type_builder.h"
 #include "host/ops/topology/delete_edges.h"
@@ -73,9 +74,13 @@ void registerDeleteComponent(dg::TypeRegistry& types) {
       return Computed::Done;
     }
     mesh::Mesh mesh = data->mesh;
+    const mesh::ProvenanceTrail trail(data->mesh);
     if (auto done = deleteListed(mesh, components->value); !done)
       return fail("{}: {}", node.name(), done.error().message);
-    block.output(result, dg::DataPtr(std::make_shared<scene::MeshData>(std::move(mesh))));
+    scene::MeshGroupsPtr groups =
+        data->groups ? carriedGroups(data->groups, mesh, trail.to(mesh)) : nullptr;
+    block.output(
+        result, dg::DataPtr(std::make_shared<scene::MeshData>(std::move(mesh), std::move(groups))));
     return Computed::Done;
   };
   builder.finish();

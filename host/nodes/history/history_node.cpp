@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 
 #include "host/base/assert.h"
+#include "host/mesh/provenance.h"
+#include "host/nodes/history/group_carry.h"
 
 namespace host::nodes {
 
@@ -35,12 +38,17 @@ constexpr const char* kMemo = "operationMemo";
 /// a cache: it is not saved, not compared and not undone.
 class HistoryMemo final : public dg::Data {
  public:
-  HistoryMemo(std::vector<Component> madeIn, std::shared_ptr<const void> planIn)
-      : made(std::move(madeIn)), plan(std::move(planIn)) {}
+  /// The groups that came in and went out, with the meshes that they were of.
+  struct Groups {
+    scene::MeshDataPtr from, to;
+  };
+  HistoryMemo(std::vector<Component> madeIn, std::shared_ptr<const void> planIn, Groups groupsIn)
+      : made(std::move(madeIn)), plan(std::move(planIn)), groups(std::move(groupsIn)) {}
   [[nodiscard]] std::string_view typeName() const override { return "historyMemo"; }
   [[nodiscard]] bool equals(const Data& other) const override { return this == &other; }
   const std::vector<Component> made;
   const std::shared_ptr<const void> plan;
+  const Groups groups;
 };
 
 std::shared_ptr<const HistoryMemo> memoOf(Node& node) {
@@ -59,17 +67,42 @@ Result<Computed> finish(const HistoryOperation& operation, HistoryContext& conte
   return Computed::Done;
 }
 
+/// An operation that follows its own plan rebuilds nothing and tells of no origins: the groups are
+/// then those that it came to last, as long as the faces are.
+const HistoryMemo::Groups* lastGroups(const HistoryMemo* memo, const scene::MeshDataPtr& input,
+                                      const mesh::Mesh& made) {
+  if (!memo || !memo->groups.from || !memo->groups.to) return nullptr;
+  const HistoryMemo::Groups& last = memo->groups;
+  const bool isSame = last.from->groups == input->groups &&
+                      last.from->mesh.sharesTopologyWith(input->mesh) &&
+                      last.to->mesh.sharesTopologyWith(made);
+  return isSame ? &last : nullptr;
+}
+
 Result<Computed> modify(const HistoryOperation& operation, DataBlock& block,
                         const Attribute* output, scene::MeshDataPtr input) {
   HistoryContext context(block, input->mesh);
-  context.input = std::move(input);
-  if (const auto memo = memoOf(block.node())) context.plan = memo->plan;
-  auto computed = finish(operation, context, output);
-  if (computed)
-    block.output(block.node().type().find(kMemo),
-                 dg::DataPtr(std::make_shared<HistoryMemo>(std::move(context.made),
-                                                           std::move(context.plan))));
-  return computed;
+  context.input = input;
+  const auto memo = memoOf(block.node());
+  if (memo) context.plan = memo->plan;
+  std::optional<mesh::ProvenanceTrail> trail;
+  if (input->groups) trail.emplace(input->mesh);
+  if (auto done = operation(context); !done)
+    return fail("{}: {}", context.node().name(), done.error().message);
+  scene::MeshGroupsPtr groups;
+  if (input->groups) {
+    const HistoryMemo::Groups* last = lastGroups(memo.get(), input, context.mesh);
+    groups = last ? last->to->groups
+                  : carriedGroups(input->groups, context.mesh, trail->to(context.mesh));
+  }
+  auto result = std::make_shared<MeshData>(std::move(context.mesh), std::move(groups));
+  HistoryMemo::Groups kept;
+  if (input->groups) kept = {std::move(input), result};
+  block.output(output, dg::DataPtr(result));
+  block.output(block.node().type().find(kMemo),
+               dg::DataPtr(std::make_shared<HistoryMemo>(
+                   std::move(context.made), std::move(context.plan), std::move(kept))));
+  return Computed::Done;
 }
 
 }  // namespace

@@ -37,7 +37,8 @@ void registerTransformGeometry(dg::TypeRegistry& types) {
     if (!moved.lockedNormals().normals.empty() && !block.boolean(freeze))
       for (math::Vec3f& normal : moved.editLockedNormals().normals)
         normal = math::normalized(math::transformNormal(math::Vec3(normal), by)).toFloat();
-    block.output(result, dg::DataPtr(std::make_shared<scene::MeshData>(std::move(moved))));
+    block.output(result,
+                 dg::DataPtr(std::make_shared<scene::MeshData>(std::move(moved), data->groups)));
     return Computed::Done;
   };
   builder.finish();

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "host/base/cancel.h"
+#include "host/mesh/provenance.h"
 #include "host/ops/smooth/catmull_clark.h"
 #include "host/ops/smooth/smooth_topology.h"
 
@@ -77,8 +78,19 @@ class Smoother {
     isPinned_.resize(at(next.vertexCount), 0);
     result.setTopology(std::move(next.topology));
     if (isCancelled()) return false;
+    if (mesh::ProvenanceTrail::isFollowed())
+      mesh::ProvenanceTrail::note(mesh_, result, provenanceOf(next));
     mesh_ = std::move(result);
     return true;
+  }
+
+  [[nodiscard]] mesh::Provenance provenanceOf(const SmoothTopology& next) const {
+    mesh::Provenance result;
+    for (const FaceId parent : next.faceParents) result.faces.add(parent);
+    for (const EdgeId parent : next.edgeParents) result.edges.add(parent);
+    result.vertices.addRun(0, mesh_.vertexCount());
+    result.vertices.addSame(kNone, next.vertexCount - mesh_.vertexCount());
+    return result;
   }
 
   Mesh finish() {

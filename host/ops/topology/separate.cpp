@@ -1,5 +1,6 @@
 #include "host/ops/topology/separate.h"
 
+#include "host/mesh/provenance.h"
 #include "host/mesh/shells.h"
 
 namespace host::ops {
@@ -73,12 +74,21 @@ class Separator {
     }
     made.setCurrentColorSet(mesh_.currentColorSet());
     copyFlags(faces, made);
+    if (mesh::ProvenanceTrail::isFollowed())
+      mesh::ProvenanceTrail::note(mesh_, made,
+                                  {listed(vertices_.used()), listed(edges_.used()), listed(faces)});
     vertices_.clear();
     edges_.clear();
     return made;
   }
 
  private:
+  static mesh::Origins listed(const std::vector<Index>& sources) {
+    mesh::Origins origins;
+    for (const Index source : sources) origins.add(source);
+    return origins;
+  }
+
   void copyTopology(const std::vector<FaceId>& faces, Mesh& made) const {
     std::vector<math::Vec3f> points;
     for (const VertexId v : vertices_.used()) points.push_back(mesh_.points()[at(v)]);

@@ -10,7 +10,9 @@
 #include "host/base/parallel.h"
 #include "host/math/frame.h"
 #include "host/mesh/adjacency.h"
+#include "host/mesh/components.h"
 #include "host/ops/uv/box_packing.h"
+#include "host/ops/uv/cut_uvs.h"
 #include "host/ops/uv/piece_split.h"
 #include "host/ops/uv/uv_ids.h"
 
@@ -329,6 +331,25 @@ Arrangement arrange(const std::vector<FlatPiece>& pieces, const AutoProjectUvsOp
   return result;
 }
 
+/// Faces of a piece may meet in a vertex only; there each fan gets a UV of its own.
+void partPinches(Mesh& mesh, int uvSet, std::span<const FaceId> faces) {
+  const mesh::UvSet& set = mesh.uvSet(uvSet);
+  const mesh::Adjacency& adjacency = mesh.adjacency();
+  std::vector<Index> uses(set.points.size(), 0);
+  const auto forEachCorner = [&](auto visit) {
+    for (const FaceId f : faces)
+      for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c)
+        visit(mesh.cornerVertex(c), at(set.cornerIds[at(c)]));
+  };
+  forEachCorner([&](VertexId, std::size_t uv) { ++uses[uv]; });
+  std::vector<VertexId> partly;  // vertices some of whose faces lie elsewhere in the map
+  forEachCorner([&](VertexId v, std::size_t uv) {
+    if (uses[uv] > 1 && at(uses[uv]) < adjacency.vertexCorners(v).size()) partly.push_back(v);
+  });
+  mesh::sortUnique(partly);
+  if (!partly.empty()) partFans(mesh, uvSet, partly);
+}
+
 void write(Mesh& mesh, int uvSet, std::span<const FaceId> faces,
            const std::vector<FlatPiece>& pieces, const Arrangement& arrangement) {
   const std::vector<UvId> before = uvsOfFaces(mesh, uvSet, faces);
@@ -354,6 +375,7 @@ void write(Mesh& mesh, int uvSet, std::span<const FaceId> faces,
       }
   }
   dropUnusedUvs(set, before);
+  partPinches(mesh, uvSet, faces);
 }
 
 }  // namespace

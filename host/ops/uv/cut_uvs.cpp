@@ -108,30 +108,10 @@ void openGap(const Mesh& mesh, mesh::UvSet& set, const std::vector<CornerId>& co
   for (const auto& [uv, place] : moved) set.points[at(uv)] = place;
 }
 
-}  // namespace
-
-CutUvsResult cutUvs(Mesh& mesh, int uvSet, std::span<const EdgeId> edges,
-                    const CutUvsOptions& options) {
-  CutUvsResult result;
-  const Adjacency& adjacency = mesh.adjacency();
-  if (mesh.uvSet(uvSet).cornerIds.empty()) return result;
-  std::vector<EdgeId> wanted;
-  std::vector<VertexId> vertices;
-  std::unordered_set<EdgeId> cut;
-  for (const EdgeId e : edges) {
-    if (adjacency.edgeCorners(e).size() < 2) continue;
-    cut.insert(e);
-    vertices.push_back(mesh.edge(e).a);
-    vertices.push_back(mesh.edge(e).b);
-    if (!mesh::isUvSeam(mesh, uvSet, e) &&
-        mesh.cornerUv(uvSet, adjacency.edgeCorners(e)[0]) != kNone)
-      wanted.push_back(e);
-  }
-  mesh::sortUnique(wanted);
-  mesh::sortUnique(vertices);
-  // A border that ended at a vertex goes on there.
-  const auto isCut = [&](EdgeId e) { return cut.contains(e) || mesh::isUvSeam(mesh, uvSet, e); };
-
+/// Gives each group of faces around the vertices, as `isCut` parts them, UVs of its own.
+template <class IsCut>
+void regroup(Mesh& mesh, int uvSet, std::span<const VertexId> vertices, const IsCut& isCut,
+             double gap) {
   std::vector<NewUv> changes;
   std::vector<UvId> copied;  // the old UV of every new one
   std::vector<CornerId> parted;
@@ -161,7 +141,7 @@ CutUvsResult cutUvs(Mesh& mesh, int uvSet, std::span<const EdgeId> edges,
       }
       if (const UvId uv = given[group[i]]; uv != old) changes.push_back({corners[i], uv});
     }
-    if (changes.size() > before && options.gap != 0)
+    if (changes.size() > before && gap != 0)
       for (const CornerId c : corners)
         if (mesh.cornerUv(uvSet, c) != kNone) parted.push_back(c);
   }
@@ -170,10 +150,43 @@ CutUvsResult cutUvs(Mesh& mesh, int uvSet, std::span<const EdgeId> edges,
     set.points.reserve(set.points.size() + copied.size());
     for (const UvId old : copied) set.points.push_back(mesh::Vec2f(set.points[at(old)]));
     for (const NewUv& change : changes) set.cornerIds[at(change.corner)] = change.uv;
-    if (options.gap != 0) openGap(mesh, set, parted, options.gap);
+    if (gap != 0) openGap(mesh, set, parted, gap);
   }
+}
+
+}  // namespace
+
+CutUvsResult cutUvs(Mesh& mesh, int uvSet, std::span<const EdgeId> edges,
+                    const CutUvsOptions& options) {
+  CutUvsResult result;
+  const Adjacency& adjacency = mesh.adjacency();
+  if (mesh.uvSet(uvSet).cornerIds.empty()) return result;
+  std::vector<EdgeId> wanted;
+  std::vector<VertexId> vertices;
+  std::unordered_set<EdgeId> cut;
+  for (const EdgeId e : edges) {
+    if (adjacency.edgeCorners(e).size() < 2) continue;
+    cut.insert(e);
+    vertices.push_back(mesh.edge(e).a);
+    vertices.push_back(mesh.edge(e).b);
+    if (!mesh::isUvSeam(mesh, uvSet, e) &&
+        mesh.cornerUv(uvSet, adjacency.edgeCorners(e)[0]) != kNone)
+      wanted.push_back(e);
+  }
+  mesh::sortUnique(wanted);
+  mesh::sortUnique(vertices);
+  // A border that ended at a vertex goes on there.
+  const auto isCut = [&](EdgeId e) { return cut.contains(e) || mesh::isUvSeam(mesh, uvSet, e); };
+
+  regroup(mesh, uvSet, vertices, isCut, options.gap);
   for (const EdgeId e : wanted) ++(mesh::isUvSeam(mesh, uvSet, e) ? result.cut : result.closed);
   return result;
+}
+
+void partFans(Mesh& mesh, int uvSet, std::span<const VertexId> vertices) {
+  if (mesh.uvSet(uvSet).cornerIds.empty()) return;
+  regroup(
+      mesh, uvSet, vertices, [&](EdgeId e) { return mesh::isUvSeam(mesh, uvSet, e); }, 0);
 }
 
 }  // namespace host::ops

@@ -27,4 +27,9 @@ struct CutUvsResult {
 CutUvsResult cutUvs(mesh::Mesh& mesh, int uvSet, std::span<const EdgeId> edges,
                     const CutUvsOptions& options = {});
 
+/// Gives each fan of faces at the vertices a UV of its own, where fans that no face edge of the map
+/// joins share one: what meets in a point only can't lie flat together. The first fan at a vertex
+/// keeps the UV; new ones follow behind the others.
+void partFans(mesh::Mesh& mesh, int uvSet, std::span<const VertexId> vertices);
+
 }  // namespace host::ops

@@ -147,6 +147,7 @@ Result<UvReport> uvReport(const mesh::Mesh& mesh, int uvSet, const UvReportOptio
     const UvOverlaps overlaps = uvOverlaps(set, triangles);
     report.overlapping = overlaps.triangles;
     report.overlapPairs = overlaps.pairs;
+    report.isOverlapPartial = overlaps.isPartial;
     report.overlapArea = triangles.uv > 0 ? overlaps.area / triangles.uv : 0;
   }
   if (isCancelled()) return cancelled();
@@ -182,11 +183,12 @@ std::string uvReportJson(const UvReport& r, const std::string& label) {
       "\"qc_mean\":{:.9g},\"qc_p99\":{:.9g},\"angle_mean\":{:.9g},\"angle_p99\":{:.9g},"
       "\"area_mean\":{:.9g},\"area_p99\":{:.9g},\"flipped\":{},\"mirrored\":{},\"collapsed\":{},"
       "\"degen3d\":{},\"overlap_tris\":{},\"overlap_pairs\":{},\"overlap_area\":{:.9g},"
-      "\"density\":{:.9g},\"coverage\":{:.9g},\"in_square\":{:.9g},\"min_gap_px\":{}}}",
+      "\"density\":{:.9g},\"coverage\":{:.9g},\"in_square\":{:.9g},\"min_gap_px\":{}{}}}",
       name, r.faces, r.triangles, r.charts, r.facesWithoutUvs, r.lengthStretch, r.greatestStretch,
       r.symmetricDirichlet, r.symmetricDirichletByChart, r.conformal, r.conformal99, r.angle,
       r.angle99, r.area, r.area99, r.flipped, r.mirrored, r.collapsed, r.withoutArea, r.overlapping,
-      r.overlapPairs, r.overlapArea, r.density, r.coverage, r.inSquare, r.gapPixels);
+      r.overlapPairs, r.overlapArea, r.density, r.coverage, r.inSquare, r.gapPixels,
+      r.isOverlapPartial ? ",\"overlap_partial\":true" : "");
 }
 
 std::vector<float> faceStretch(const mesh::Mesh& mesh, int uvSet) {

@@ -24,6 +24,7 @@ struct UvReport {
   Index collapsed = 0;    ///< triangles without area in UV
   Index overlapping = 0;  ///< triangles that share more than 1 % of the smaller one's area
   std::size_t overlapPairs = 0;
+  bool isOverlapPartial = false;          ///< thousands are stacked: not all pairs were looked at
   double overlapArea = 0;                 ///< over the whole area in UV
   double lengthStretch = 0;               ///< 1 at best, at the one best scale (Sander et al. 2001)
   double greatestStretch = 0;             ///< of a length, after the same scaling

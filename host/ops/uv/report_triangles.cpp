@@ -115,7 +115,7 @@ class SizeGrids {
     }
     for (auto& [level, entries] : grids_) std::sort(entries.begin(), entries.end());
   }
-  /// Visits what may touch box i in its own grid and coarser ones.
+  /// Visits what may touch box i in its own grid and coarser ones, until `visit` gives false.
   template <class Visit>
   void overNear(std::size_t i, Visit visit) const {
     const Box& box = boxes_[i];
@@ -128,7 +128,7 @@ class SizeGrids {
         auto entry =
             std::lower_bound(grid->second.begin(), grid->second.end(), Entry{{from.x, y}, 0});
         for (; entry != grid->second.end() && entry->cell.y == y && entry->cell.x <= to.x; ++entry)
-          visit(entry->item, grid->first == std::ilogb(extent) + 1);
+          if (!visit(entry->item, grid->first == std::ilogb(extent) + 1)) return;
       }
     }
   }
@@ -202,8 +202,15 @@ struct OverlapPair {
   double area;
 };
 
-/// All pairs, in an order that no number of threads changes.
-std::vector<OverlapPair> overlapPairs(const mesh::UvSet& set, const UvTriangles& triangles) {
+/// How many others a triangle looks at: all there are in any sensible map, but where thousands are
+/// stacked the work must not grow with their square.
+std::size_t mostLookedAt(std::size_t triangles) {
+  return std::max<std::size_t>(1000, 100'000'000 / std::max<std::size_t>(1, triangles));
+}
+
+/// The pairs, in an order that no number of threads changes.
+std::vector<OverlapPair> overlapPairs(const mesh::UvSet& set, const UvTriangles& triangles,
+                                      bool& isPartial) {
   const std::vector<UvTriangle>& all = triangles.all;
   std::vector<SizeGrids::Box> boxes(all.size());
   std::vector<std::array<Point, 3>> places(all.size());
@@ -215,23 +222,34 @@ std::vector<OverlapPair> overlapPairs(const mesh::UvSet& set, const UvTriangles&
                 {std::max({a.x, b.x, c.x}), std::max({a.y, b.y, c.y})}};
   }
   const SizeGrids grids(boxes);
+  const std::size_t most = mostLookedAt(all.size());
   std::vector<std::vector<OverlapPair>> found((all.size() + 1023) / 1024);
+  std::vector<std::uint8_t> isCut(found.size(), 0);
   parallelFor(found.size(), 4, [&](std::size_t begin, std::size_t end) {
     for (std::size_t block = begin; block < end; ++block)
       for (std::size_t i = 1024 * block; i < std::min(all.size(), 1024 * (block + 1)); ++i) {
         if (all[i].isCollapsed) continue;
+        std::size_t looks = 0, visits = 0;
         grids.overNear(i, [&](std::size_t k, bool isOwnGrid) {
-          if (k == i || (isOwnGrid && k < i) || all[k].isCollapsed) return;
+          const bool isOthers = k == i || (isOwnGrid && k < i) || all[k].isCollapsed;
+          looks += !isOthers;
+          if (looks > most || ++visits > 8 * most) {
+            isCut[block] = 1;
+            return false;
+          }
+          if (isOthers) return true;
           if (boxes[i].high.x < boxes[k].low.x || boxes[k].high.x < boxes[i].low.x ||
               boxes[i].high.y < boxes[k].low.y || boxes[k].high.y < boxes[i].low.y)
-            return;
+            return true;
           const auto [first, second] = std::minmax(i, k);
           const double area = sharedArea(places[first], places[second]);
           if (area > 0.01 * std::min(std::abs(all[i].signedUv), std::abs(all[k].signedUv)))
             found[block].push_back({i, k, area});
+          return true;
         });
       }
   });
+  isPartial = std::ranges::find(isCut, 1) != isCut.end();
   std::vector<OverlapPair> pairs;
   for (const std::vector<OverlapPair>& block : found)
     pairs.insert(pairs.end(), block.begin(), block.end());
@@ -243,7 +261,7 @@ std::vector<OverlapPair> overlapPairs(const mesh::UvSet& set, const UvTriangles&
 UvOverlaps uvOverlaps(const mesh::UvSet& set, const UvTriangles& triangles) {
   UvOverlaps overlaps;
   std::vector<bool> isHit(triangles.all.size(), false);
-  for (const OverlapPair& pair : overlapPairs(set, triangles)) {
+  for (const OverlapPair& pair : overlapPairs(set, triangles, overlaps.isPartial)) {
     isHit[pair.a] = isHit[pair.b] = true;
     overlaps.area += pair.area;
     ++overlaps.pairs;
@@ -255,7 +273,8 @@ UvOverlaps uvOverlaps(const mesh::UvSet& set, const UvTriangles& triangles) {
 std::vector<std::pair<FaceId, FaceId>> overlappingFaces(const mesh::UvSet& set,
                                                         const UvTriangles& triangles) {
   std::vector<std::pair<FaceId, FaceId>> faces;
-  for (const OverlapPair& pair : overlapPairs(set, triangles)) {
+  bool isPartial = false;
+  for (const OverlapPair& pair : overlapPairs(set, triangles, isPartial)) {
     const FaceId a = triangles.all[pair.a].face, b = triangles.all[pair.b].face;
     if (a != b) faces.emplace_back(std::min(a, b), std::max(a, b));
   }

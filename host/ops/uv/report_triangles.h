@@ -37,10 +37,12 @@ struct UvOverlaps {
   Index triangles = 0;
   std::size_t pairs = 0;
   double area = 0;
+  bool isPartial =
+      false;  ///< so many triangles lie on each other that not all pairs were looked at
 };
 /// Pairs of triangles that share more than 1 % of the smaller one's area; collapsed ones don't
 /// count. Triangles lie in grids by their size; each looks at what is near in its own grid and the
-/// coarser ones.
+/// coarser ones. Where thousands are stacked, each looks at some of the others only.
 [[nodiscard]] UvOverlaps uvOverlaps(const mesh::UvSet& set, const UvTriangles& triangles);
 
 /// The pairs of different faces of which triangles overlap so, each once, the lower face first.

@@ -10,6 +10,7 @@
 #include "host/mesh/components.h"
 #include "host/mesh/shells.h"
 #include "host/ops/query/uv_place.h"
+#include "host/ops/uv/cut_uvs.h"
 #include "host/ops/uv/sew_plan.h"
 #include "host/ops/uv/shell_fit.h"
 #include "host/ops/uv/shell_growth.h"
@@ -321,6 +322,13 @@ SewUvsResult sewUvs(Mesh& mesh, int uvSet, std::span<const EdgeId> edges,
   welding.write(set, [&](CornerId corner) {
     return options.moves ? joining.size(joining.shellOf(corner)) : Index{0};
   });
+  std::vector<VertexId> ends;
+  for (const EdgeId e : plan.edges) {
+    ends.push_back(mesh.edge(e).a);
+    ends.push_back(mesh.edge(e).b);
+  }
+  mesh::sortUnique(ends);
+  partFans(mesh, uvSet, ends);
   for (const EdgeId e : plan.edges) ++(isUvClosed(mesh, uvSet, e) ? result.sewn : result.open);
   return result;
 }

@@ -10,6 +10,7 @@
 #include "host/viewport/backends/gl_occlusion.h"
 #include "host/viewport/backends/gl_program.h"
 #include "host/viewport/backends/gl_shaders.h"
+#include "host/viewport/backends/gl_surface.h"
 #include "host/viewport/backends/gl_target.h"
 #include "host/viewport/stroke_font.h"
 
@@ -47,8 +48,8 @@ Camera withTightClipping(const Camera& camera, const DrawList& list, GlBuffers& 
   for (const DrawItem& item : list.items) {
     if (item.space == Space::Screen || !item.vertices) continue;
     const math::Box seen = buffers.bounds(item.vertices).transformed(item.world * view);
-    if (seen.isEmpty()) continue;
-    nearest = std::min(nearest, -seen.max.z);
+    if (seen.isEmpty() || -seen.min.z < camera.nearClip) continue;  // all of it behind the eye
+    nearest = std::min(nearest, std::max(-seen.max.z, camera.nearClip));
     farthest = std::max(farthest, -seen.min.z);
   }
   Camera result = camera;
@@ -104,6 +105,9 @@ class GlBackendImpl final : public GlBackend {
     isClippingSet_ = true;  // later lists of the frame share its depth
     DrawList full = list;
     appendTexts(list.texts, full);
+    isDepthResolved_ = false;
+    parts_->programs.surface.use();
+    setLighting(parts_->programs.surface, list.lighting, viewMatrix(camera_));
     bool needsOcclusion = settings_.ambientOcclusion;
     bool hasOpaque = false;
     prepareState();
@@ -274,16 +278,41 @@ class GlBackendImpl final : public GlBackend {
     isTested ? glEnable(GL_DEPTH_TEST) : glDisable(GL_DEPTH_TEST);
     glDepthFunc(item.depthTest == DepthTest::Behind ? GL_GREATER : GL_LEQUAL);
     glDepthMask(item.depthWrite && item.depthTest == DepthTest::Nearer ? GL_TRUE : GL_FALSE);
+    // Occlusion darkens only the samples that a surface covers.
+    const bool marks = isTested && item.pass == Pass::Opaque;
+    marks ? glEnable(GL_STENCIL_TEST) : glDisable(GL_STENCIL_TEST);
+    glStencilFunc(GL_ALWAYS, 1, 0xff);
+    glStencilOp(GL_KEEP, GL_KEEP, GL_REPLACE);
+  }
+
+  /// Discs show or hide as a whole: by the depth of the surfaces at their centres.
+  void setWholePoints(const DrawItem& item, const GlProgram& program) {
+    const bool isWhole = item.primitive == Primitive::Points && item.space == Space::World &&
+                         item.pass == Pass::Dots && item.depthTest == DepthTest::Nearer;
+    program.set("whole", isWhole ? 1 : 0);
+    if (!isWhole) return;
+    if (!isDepthResolved_) {
+      parts_->target.resolveDepth();
+      program.use();
+    }
+    isDepthResolved_ = true;
+    program.set("depth", 1);
+    glActiveTexture(GL_TEXTURE1);
+    glBindTexture(GL_TEXTURE_2D, parts_->target.depthTexture());
+    glActiveTexture(GL_TEXTURE0);
+    glDisable(GL_DEPTH_TEST);
   }
 
   void setSurface(const DrawItem& item, const GlProgram& program, const Matrix4& modelView) {
     program.setNormalMatrix("normalMatrix", modelView);
     program.set("worldUp", math::transformVector({0, 1, 0}, viewMatrix(camera_)));
     program.set("lit", item.lit ? 1 : 0);
-    program.set("textured", item.texture ? 1 : 0);
+    const TexturePtr texture = shownTexture(item);
+    program.set("textured", texture ? 1 : 0);
     program.set("checkerboard", item.stipple == Stipple::Checkerboard ? 1 : 0);
     program.set("picture", 0);
-    if (item.texture) parts_->buffers.bindTexture(item.texture);
+    setMaterial(program, item);
+    if (texture) parts_->buffers.bindTexture(texture);
     // Surfaces step back by their slope, so that the lines on them are not cut where they turn
     // away.
     glEnable(GL_POLYGON_OFFSET_FILL);
@@ -326,6 +355,7 @@ class GlBackendImpl final : public GlBackend {
       setSurface(item, program, modelView);
     else
       setStroke(item, program, modelView);
+    if (item.primitive == Primitive::Points) setWholePoints(item, program);
     parts_->buffers.bindVertices(item.vertices);
     const GLenum mode = item.primitive == Primitive::Points  ? GL_POINTS
                         : item.primitive == Primitive::Lines ? GL_LINES
@@ -347,6 +377,7 @@ class GlBackendImpl final : public GlBackend {
   FrameSettings settings_;
   Camera camera_;  ///< the frame's, with the clip planes that the depth buffer uses
   bool isClippingSet_ = false;
+  bool isDepthResolved_ = false;  ///< the depth texture holds what the list's surfaces made
   bool isInFrame_ = false;
   bool isDirect_ = false;
   bool hasPicture_ = false;

@@ -47,6 +47,7 @@ void GlOcclusion::apply(const GlTarget& target, const Matrix4& projection, doubl
     program.set("pixelSize", static_cast<float>(pixelSize));
     program.set("orthographic", isOrthographic ? 1 : 0);
   };
+  glDisable(GL_STENCIL_TEST);
   glDisable(GL_DEPTH_TEST);
   glDisable(GL_BLEND);
   glActiveTexture(GL_TEXTURE0);
@@ -62,6 +63,9 @@ void GlOcclusion::apply(const GlTarget& target, const Matrix4& projection, doubl
   set(blur_);
   glEnable(GL_BLEND);
   glBlendFuncSeparate(GL_ZERO, GL_SRC_COLOR, GL_ZERO, GL_ONE);
+  glEnable(GL_STENCIL_TEST);
+  glStencilFunc(GL_EQUAL, 1, 0xff);
+  glStencilOp(GL_KEEP, GL_KEEP, GL_KEEP);
   glDrawArrays(GL_TRIANGLES, 0, 3);
   glBindTexture(GL_TEXTURE_2D, 0);
   glActiveTexture(GL_TEXTURE0);

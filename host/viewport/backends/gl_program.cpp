@@ -65,6 +65,15 @@ void GlProgram::set(const char* name, const Vec3& value) const {
   glUniform3f(at(name), v.x, v.y, v.z);
 }
 
+void GlProgram::set(const char* name, double x, double y, double z, double w) const {
+  glUniform4f(at(name), static_cast<float>(x), static_cast<float>(y), static_cast<float>(z),
+              static_cast<float>(w));
+}
+
+void GlProgram::setWhole(const char* name, int x, int y, int z, int w) const {
+  glUniform4i(at(name), x, y, z, w);
+}
+
 void GlProgram::set(const char* name, const Rgba& value) const {
   glUniform4f(at(name), value.r, value.g, value.b, value.a);
 }

@@ -28,6 +28,8 @@ class GlProgram {
   void set(const char* name, float value) const { glUniform1f(at(name), value); }
   void set(const char* name, float x, float y) const { glUniform2f(at(name), x, y); }
   void set(const char* name, const Vec3& value) const;
+  void set(const char* name, double x, double y, double z, double w) const;
+  void setWhole(const char* name, int x, int y, int z, int w) const;
   void set(const char* name, const Rgba& value) const;
   void set(const char* name, const Matrix4& value) const;
   /// Sets a mat3 to the inverse transpose of the linear part, for normals.

@@ -44,6 +44,74 @@ void main() {
 )";
 }
 
+namespace {
+
+// Where a texture's picture is at a UV of the surface: the frame turned, shifted and scaled, then
+// the picture repeated, shifted and turned within it.
+constexpr const char* kPlacement = R"(
+uniform vec4 frame;       // coverage, translation
+uniform vec4 repeat;      // repeats, offset
+uniform vec2 turns;       // of the frame, of the picture
+uniform ivec4 wrapping;   // bits 1: wrap, 2: mirror (u, v); stagger
+vec2 turned(vec2 p, float angle) {
+  float c = cos(angle), s = sin(angle);
+  p -= 0.5;
+  return vec2(p.x * c - p.y * s, p.x * s + p.y * c) + 0.5;
+}
+float framed(float at, float coverage, bool wraps, inout bool inside) {
+  if (coverage == 1.0 && wraps) return at;
+  if (wraps) at = fract(at);
+  at = coverage == 0.0 ? -1.0 : at / coverage;
+  inside = inside && at >= 0.0 && at <= 1.0;
+  return at;
+}
+vec2 placed(vec2 uv, out bool inside) {
+  inside = true;
+  uv = turned(uv, -turns.x) - frame.zw;
+  uv.x = framed(uv.x, frame.x, (wrapping.x & 1) != 0, inside);
+  uv.y = framed(uv.y, frame.y, (wrapping.y & 1) != 0, inside);
+  uv = uv * repeat.xy + repeat.zw;
+  vec2 cell = floor(uv);
+  vec2 odd = mod(abs(cell), 2.0);
+  if ((wrapping.x & 2) != 0 && odd.x > 0.5) uv.x = 2.0 * cell.x + 1.0 - uv.x;
+  if ((wrapping.y & 2) != 0 && odd.y > 0.5) uv.y = 2.0 * cell.y + 1.0 - uv.y;
+  if (wrapping.z != 0 && odd.y > 0.5) uv.x += 0.5;
+  return turned(uv, -turns.y);
+}
+)";
+
+// Lights of the scene; what arrives at a place, as diffuse light and as highlights.
+constexpr const char* kLights = R"(
+uniform int lightCount;
+uniform ivec4 lightKind[8];        // ambient, directional, point, spot
+uniform vec3 lightColor[8], lightPosition[8], lightDirection[8];
+uniform vec4 lightShape[8];        // decay, cosines of the cone, dropoff or ambient shade
+void addLights(vec3 p, vec3 n, vec3 v, inout vec3 light, inout vec3 gloss) {
+  for (int i = 0; i < lightCount; ++i) {
+    int kind = lightKind[i].x;
+    vec3 to = kind == 1 ? -lightDirection[i] : lightPosition[i] - p;
+    float away = length(to);
+    to /= max(away, 1e-9);
+    vec3 color = lightColor[i];
+    if (kind >= 2) color *= pow(max(away, 1e-6), -lightShape[i].x);
+    if (kind == 3) {
+      float along = dot(-to, lightDirection[i]);
+      color *= smoothstep(lightShape[i].z, max(lightShape[i].y, lightShape[i].z + 1e-4), along);
+      color *= pow(max(along, 0.0), lightShape[i].w);
+    }
+    float facing = max(dot(n, to), 0.0);
+    if (kind == 0) {
+      light += color * mix(1.0, facing, lightShape[i].w);
+      continue;
+    }
+    light += color * facing;
+    if (facing > 0.0) gloss += color * pow(max(dot(n, normalize(to + v)), 0.0), glossPower);
+  }
+}
+)";
+
+}  // namespace
+
 // A studio: a warm key light high on the left, a cool fill from the right, sky and floor light by
 // the world's vertical, a faint rim, and a broad soft highlight. Light is added up linearly and
 // compressed gently towards white.
@@ -52,39 +120,71 @@ std::string surfaceFragment() {
 in vec3 viewPosition, viewNormal;
 in vec4 surfaceColor;
 in vec2 surfaceUv;
-uniform int orthographic, lit, textured, checkerboard;
+uniform int orthographic, lit, textured, checkerboard, lighting;
 uniform vec3 worldUp;
 uniform sampler2D picture;
+uniform int hasMaterial, placing;
+uniform vec4 materialColor, outsideColor;   // linear light; how much of it is stopped
+uniform vec3 incandescence, ambient, specular;
+uniform float diffuse, glossPower;
 out vec4 result;
 vec3 toLinear(vec3 c) { return pow(c, vec3(2.2)); }
-vec3 toScreen(vec3 c) { return pow(c, vec3(1.0 / 2.2)); }
-vec3 shade(vec3 base, vec3 n, vec3 v) {
+vec3 toScreen(vec3 c) { return pow(max(c, vec3(0.0)), vec3(1.0 / 2.2)); }
+)" + kPlacement +
+         kLights + R"(
+vec3 compressed(vec3 color) { return color * (1.0 + color * 0.16) / (1.0 + color * 0.34); }
+void studio(vec3 n, vec3 v, out vec3 light, out vec3 gloss, out vec3 sheen) {
   const vec3 key = normalize(vec3(-0.50, 0.80, 0.62));
   const vec3 fill = normalize(vec3(0.85, 0.05, 0.45));
   const vec3 rim = normalize(vec3(0.35, 0.55, -0.75));
   float up = dot(n, worldUp);
-  vec3 light = mix(vec3(0.120, 0.112, 0.108), vec3(0.30, 0.33, 0.38), smoothstep(-1.0, 1.0, up));
+  light = mix(vec3(0.120, 0.112, 0.108), vec3(0.30, 0.33, 0.38), smoothstep(-1.0, 1.0, up));
   light += vec3(1.02, 0.97, 0.90) * 0.92 * max(0.0, (dot(n, key) + 0.12) / 1.12);
   light += vec3(0.62, 0.74, 0.95) * 0.24 * max(0.0, (dot(n, fill) + 0.3) / 1.3);
   light += vec3(0.80, 0.88, 1.00) * 0.30 * max(0.0, dot(n, rim));
-  float facing = max(dot(n, v), 0.0);
-  float edge = pow(1.0 - facing, 4.0);
-  vec3 halfway = normalize(key + v);
-  float gloss = pow(max(dot(n, halfway), 0.0), 28.0) * 0.16;
-  vec3 color = base * light + gloss * vec3(1.0, 0.98, 0.95);
-  color += edge * vec3(0.16, 0.18, 0.21) * smoothstep(-0.8, 0.8, up);
-  return color * (1.0 + color * 0.16) / (1.0 + color * 0.34);
+  gloss = vec3(1.0, 0.98, 0.95) * pow(max(dot(n, normalize(key + v)), 0.0), glossPower);
+  gloss += vec3(0.62, 0.74, 0.95) * 0.25 * pow(max(dot(n, normalize(fill + v)), 0.0), glossPower);
+  sheen = pow(1.0 - max(dot(n, v), 0.0), 4.0) * smoothstep(-0.8, 0.8, up) *
+          vec3(0.16, 0.18, 0.21);
+}
+vec3 shade(vec3 base, vec3 n, vec3 v) {
+  vec3 light = vec3(0.0), gloss = vec3(0.0), sheen = vec3(0.0);
+  if (lighting == 0) studio(n, v, light, gloss, sheen);
+  else addLights(viewPosition, n, v, light, gloss);
+  // Dark surfaces have less of a sheen: they would look dusty.
+  sheen *= mix(0.35, 1.0, smoothstep(0.0, 0.4, max(base.r, max(base.g, base.b))));
+  return compressed(base * (light + ambient) + gloss * specular + sheen + incandescence);
 }
 void main() {
   if (checkerboard != 0 && mod(floor(gl_FragCoord.x) + floor(gl_FragCoord.y), 2.0) > 0.5) discard;
   vec4 color = surfaceColor;
-  if (textured != 0) color *= texture(picture, surfaceUv);
-  if (lit != 0) {
+  vec3 base = toLinear(color.rgb);
+  if (hasMaterial != 0) {
+    base = materialColor.rgb;
+    float opacity = materialColor.a;
+    if (textured != 0) {
+      bool inside = true;
+      vec2 at = placing != 0 ? placed(surfaceUv, inside) : surfaceUv;
+      vec4 texel = texture(picture, at);
+      base = inside ? toLinear(texel.rgb) : outsideColor.rgb;
+      opacity = inside ? texel.a : outsideColor.a;
+    }
+    base *= diffuse;
+    color.a *= opacity;
+    if (color.a <= 0.004) discard;
+  } else if (textured != 0) {
+    vec4 texel = texture(picture, surfaceUv);
+    base *= toLinear(texel.rgb);
+    color.a *= texel.a;
+  }
+  vec3 shown = base;
+  if (lit != 0 && lighting != 2) {
     vec3 v = orthographic != 0 ? vec3(0.0, 0.0, 1.0) : normalize(-viewPosition);
     vec3 n = normalize(viewNormal);
     if (!gl_FrontFacing) n = -n;
-    color.rgb = toScreen(shade(toLinear(color.rgb), n, v));
+    shown = shade(base, n, v);
   }
+  color.rgb = toScreen(shown);
   result = color;
 }
 )";
@@ -194,12 +294,18 @@ layout(points) in;
 layout(triangle_strip, max_vertices = 4) out;
 uniform vec2 portSize;
 uniform float width;
+uniform int whole;          // shown or hidden by its centre alone
+uniform sampler2D depth;    // of the surfaces
 in vec4 strokeColor[];
 out vec4 pointColor;
 noperspective out vec2 place;   // pixels from the centre
 void main() {
   vec4 p = gl_in[0].gl_Position;
   if (p.z + p.w <= 0.0) return;
+  if (whole != 0) {
+    vec3 at = p.xyz / p.w * 0.5 + 0.5;
+    if (at.z > texture(depth, at.xy).r) return;
+  }
   float reach = width * 0.5 + 1.0;
   for (int i = 0; i < 4; ++i) {
     place = vec2((i & 1) == 0 ? -reach : reach, (i & 2) == 0 ? -reach : reach);
@@ -295,7 +401,9 @@ void main() {
     vec2 offset = vec2(cos(angle), sin(angle)) * sqrt(share) * radiusPixels * pixel;
     vec3 to = at(across + offset) - p;
     float length2 = dot(to, to);
-    float rise = max(dot(to, n) - 0.03 * radius, 0.0) * inversesqrt(length2 + 1e-12);
+    // What rises by a few degrees only is the same surface, bent at an edge of its triangles.
+    float slope = dot(to, n) * inversesqrt(length2 + 1e-12);
+    float rise = max(slope - 0.14, 0.0) / 0.86;
     sum += rise * max(0.0, 1.0 - length2 / (radius * radius * 2.2));
   }
   result = vec4(vec3(max(0.0, 1.0 - 1.5 * sum / float(kSamples))), 1.0);
@@ -318,7 +426,21 @@ float viewZ(vec2 where) {
   return p.z / p.w;
 }
 void main() {
-  if (texture(depth, across).r >= 1.0) discard;
+  if (texture(depth, across).r >= 1.0) {
+    // Background by this sample, but others of the pixel may be of a surface: they take after the
+    // surface next to them.
+    float near = 0.0, count = 0.0;
+    for (int y = -1; y <= 1; ++y)
+      for (int x = -1; x <= 1; ++x) {
+        vec2 where = across + vec2(x, y) / portSize;
+        if (texture(depth, where).r >= 1.0) continue;
+        near += texture(occlusion, where).r;
+        count += 1.0;
+      }
+    if (count == 0.0) discard;
+    result = vec4(vec3(near / count), 1.0);
+    return;
+  }
   float z = viewZ(across);
   float scale = 1.0 / (12.0 * pixelSize * (orthographic != 0 ? 1.0 : -z));
   float sum = 0.0, weights = 0.0;

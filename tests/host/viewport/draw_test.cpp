@@ -72,7 +72,7 @@ TEST_CASE(
   MeshDrawCache cache;
   const auto surface = [&] {
     DrawList list;
-    drawMesh(item, ViewProjection(view.camera, view.port), options, cache, list);
+    drawMesh(item, 0, ViewProjection(view.camera, view.port), options, cache, list);
     REQUIRE(!list.items.empty());
     return list.items.front();
   };
@@ -87,6 +87,40 @@ TEST_CASE(
   item.mesh.editColorSet(0).cornerIds = {0, 0, 0, 0};
   const DrawItem again = surface();
   CHECK(std::ranges::count(again.vertices->colors, red) == 4);
+}
+
+TEST_CASE("drawMesh: every material draws its own faces, clear ones last and the farthest first") {
+  RenderMesh item = object(cube(), 1);
+  auto red = std::make_shared<Material>(), glass = std::make_shared<Material>();
+  glass->opacity = 0.5;
+  item.materials = {red, glass};
+  const auto numbers = std::make_shared<const std::vector<std::uint32_t>>(
+      std::vector<std::uint32_t>{0, 1, 0, 0, 1, 0});
+  item.faceMaterials = numbers;
+  SceneView scene = frontView();
+  scene.options.style = DisplayStyle::Shaded;
+  Matrix4 behind;
+  behind[3][2] = -5;
+  scene.meshes = {item, item};
+  scene.meshes[1].id = 2;
+  scene.meshes[1].world = behind;
+  MeshDrawCache cache;
+  const DrawList list = buildDrawList(scene, cache);
+  CHECK(check(list).empty());
+  std::vector<const DrawItem*> surfaces;
+  for (const std::size_t i : drawOrder(list))
+    if (list.items[i].material) surfaces.push_back(&list.items[i]);
+  REQUIRE(surfaces.size() == 4);
+  CHECK(surfaces[0]->indices->size() == 24);
+  CHECK(surfaces[2]->indices->size() == 12);
+  CHECK(surfaces[2]->pass == Pass::Translucent);
+  const auto isBehind = [](const DrawItem* each) { return each->world[3][2] < 0; };
+  CHECK_FALSE(isBehind(surfaces[0]));
+  CHECK(isBehind(surfaces[1]));
+  CHECK(isBehind(surfaces[2]));
+  CHECK_FALSE(isBehind(surfaces[3]));
+  scene.options.useDefaultMaterial = true;
+  for (const DrawItem& each : buildDrawList(scene, cache).items) CHECK_FALSE(each.material);
 }
 
 TEST_CASE(
@@ -126,7 +160,7 @@ TEST_CASE("buildDrawList: every style and state of sound and odd meshes makes a 
         RenderMesh item = object(meshes[i], i);
         item.state = state;
         item.showVertices = item.showHardEdges = item.showBorderEdges = true;
-        if (item.mesh.faceCount() > 0) item.selected = {{0, 1}, {0}, {0}};
+        if (item.mesh.faceCount() > 0) item.selected = {{0, 1}, {0}, {0}, {}};
         item.hovered = item.selected;
         scene.meshes.push_back(item);
       }
