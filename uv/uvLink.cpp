@@ -173,22 +173,25 @@ void uvLink::writeBack() {
 
 void uvLink::writeOffsets(const places& now, const std::vector<std::size_t>& moved) {
   const MPlug tweaks = MFnDependencyNode(tweak.object()).findPlug("uvTweak", false);
+  MStatus status = MS::kSuccess;
   for (const std::size_t i : moved) {
-    MStatus status;
     const MPlug element = tweaks.elementByPhysicalIndex(static_cast<unsigned int>(i), &status);
-    if (!status) continue;
+    if (!status) break;
     const start& from = atLink[i];
     const double x = now.x(i) - from.x, z = now.z(i) - from.z;
+    const bool isBack = x == 0.0 && z == 0.0;  // where it was it gets exactly what it had
     MPlug u = element.child(0), v = element.child(1);
-    if (x == 0.0 && z == 0.0) {  // back where it was it gets exactly what it had
-      u.setDouble(from.tweakU);
-      v.setDouble(from.tweakV);
-      continue;
-    }
-    u.setFloat(placement.toUv(x + placement.toDistance(from.tweakU)));
-    v.setFloat(placement.toUv(z + placement.toDistance(from.tweakV)));
+    status = isBack ? u.setDouble(from.tweakU)
+                    : u.setFloat(placement.toUv(x + placement.toDistance(from.tweakU)));
+    if (status)
+      status = isBack ? v.setDouble(from.tweakV)
+                      : v.setFloat(placement.toUv(z + placement.toDistance(from.tweakV)));
+    if (!status) break;
   }
-  complaint.clear();
+  if (status)
+    complaint.clear();
+  else
+    complain("cannot set uvs on Mesh " + mesh().fullPathName());
 }
 
 void uvLink::writeUvs(const places& now, const std::vector<std::size_t>& moved) {

@@ -1,6 +1,6 @@
 #include "host/modelling/poly_tweak_uv.h"
 
-#include <map>
+#include <algorithm>
 
 #include "host/modelling/declare/declaration.h"
 #include "host/nodes/mesh_shape.h"
@@ -40,15 +40,20 @@ Result<UvTweak> UvTweak::make(const nodes::MeshItem& item, std::span<const UvId>
   if (set < 0) return fail("{} has no UVs", name);
   const auto& points = item.mesh.uvSet(set).points;
   tweak.uvSet = item.mesh.uvSet(set).name;
-  std::map<UvId, std::size_t> places;
+  std::vector<std::size_t> order(uvs.size());
   for (std::size_t i = 0; i < uvs.size(); ++i) {
     if (uvs[i] < 0 || static_cast<std::size_t>(uvs[i]) >= points.size())
       return fail("{} has no UV {}", name, uvs[i]);
-    places.insert_or_assign(uvs[i], i);
+    order[i] = i;
   }
-  tweak.uvs.reserve(places.size());
-  tweak.offsets.reserve(2 * places.size());
-  for (const auto& [id, at] : places) {
+  if (!std::ranges::is_sorted(uvs))
+    std::ranges::stable_sort(order, {}, [&](std::size_t at) { return uvs[at]; });
+  tweak.uvs.reserve(uvs.size());
+  tweak.offsets.reserve(2 * uvs.size());
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    const std::size_t at = order[i];
+    const UvId id = uvs[at];
+    if (i + 1 < order.size() && uvs[order[i + 1]] == id) continue;  // the last of them counts
     const math::Vec2f& from = points[static_cast<std::size_t>(id)];
     tweak.uvs.push_back(id);
     tweak.offsets.push_back(static_cast<double>(u[at]) - from.u);

@@ -78,6 +78,33 @@ TEST_CASE("uvRatio, uvRatioCmd: every shell gets the ratio, by both the same, wh
     }
 }
 
+TEST_CASE(
+    "qxModifyUvsNode: only the mesh asks for another result; what does not fit passes the mesh") {
+  toolkitSession toolkit;
+  toolkit.run("polyPlane -n pl -sx 2 -sy 2 -w 4 -h 4");
+  const uvArrays before = uvsOf("pl");
+  toolkit.run("select pl; uvRatio -uv 2");
+  const uvArrays after = uvsOf("pl");
+  toolkit.run("setAttr qxModifyUvsNode1.nodeState 1");
+  CHECK(uvsOf("pl") == before);
+  toolkit.run("setAttr qxModifyUvsNode1.nodeState 0");
+  CHECK(uvsOf("pl") == after);
+  // The corner's places go to 7, which shows when the mesh comes anew.
+  toolkit.run(
+      "float $u[] = `getAttr qxModifyUvsNode1.uArray`; $u[0] = 7;"
+      "setAttr qxModifyUvsNode1.uArray -type doubleArray 9 $u[0] $u[1] $u[2] $u[3] $u[4] $u[5] "
+      "$u[6] "
+      "$u[7] $u[8]");
+  CHECK(uvsOf("pl") == after);
+  toolkit.run("setAttr polyPlane1.width 5");
+  CHECK(uvOf("pl", 0).first == 7.0F);
+  const host::MessageCapture capture;
+  toolkit.run("setAttr polyPlane1.subdivisionsWidth 3");
+  CHECK(MFnMesh(toolkitSession::path("pl")).numUVs() == 12);
+  CHECK(capture.text(host::MessageKind::Error).find("cannot assign uvs on object ") !=
+        std::string::npos);
+}
+
 TEST_CASE("uvRatio: chosen UVs stand for their shells; -global scales about the middle of all") {
   toolkitSession toolkit;
   toolkit.run(std::string(kSixShells) + "; select box.f[1] box.f[4]; ConvertSelectionToUVs");
@@ -273,6 +300,14 @@ TEST_CASE("qxPinVertsCmd: pins are kept with the mesh, shown by a locator, and h
   const uvArrays after = uvsOf("ball");
   for (const unsigned int uv : {3U, 4U, 5U, 9U}) CHECK(after.u[uv] == before.u[uv]);
   CHECK(after.u[6] != before.u[6]);
+  toolkit.run("undo");
+  // The host's own tools know the pins too, also after another vertex was dragged.
+  toolkit.run("move -r 0.1 0 0 polySurface1.vtx[20]");
+  toolkit.run("select ball.map[*]; unfold -i 100 -ss 0.001 -gb 0 -gmb 0.5 -pub 0 -ps 0 -us off");
+  const uvArrays unfolded = uvsOf("ball");
+  for (const unsigned int uv : {3U, 4U, 5U, 9U}) CHECK(unfolded.u[uv] == before.u[uv]);
+  CHECK(unfolded.u[6] != before.u[6]);
+  toolkit.run("undo");
   toolkit.run("undo");
   toolkit.run("select polySurface1.vtx[3] polySurface1.vtx[7]; qxPinVertsCmd -upv true");
   toolkit.run(

@@ -154,6 +154,7 @@ MStatus MFnMesh::assignUVs(const MIntArray& uvCounts, const MIntArray& uvIds,
       next += count;
     }
     if (next != uvIds.end()) return MStatus::kInvalidParameter;
+    if (uvIds.length() == 0) ids.clear();  // as where no face ever had any
     uvs.cornerIds = std::move(ids);
     return MStatus::kSuccess;
   });

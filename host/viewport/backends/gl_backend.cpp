@@ -52,8 +52,8 @@ Camera withTightClipping(const Camera& camera, const DrawList& list, GlBuffers& 
   for (const DrawItem& item : list.items) {
     if (item.space == Space::Screen || !item.vertices) continue;
     const math::Box seen = buffers.bounds(item.vertices).transformed(item.world * view);
-    if (seen.isEmpty()) continue;
-    nearest = std::min(nearest, -seen.max.z);
+    if (seen.isEmpty() || -seen.min.z < camera.nearClip) continue;  // all of it behind the eye
+    nearest = std::min(nearest, std::max(-seen.max.z, camera.nearClip));
     farthest = std::max(farthest, -seen.min.z);
   }
   Camera result = camera;

@@ -93,6 +93,16 @@ TEST_CASE("gl: edges and faces are tinted where they project, and the background
   CHECK(colorAt(image, 320, 475).g > colorAt(image, 320, 5).g + 0.1f);
 }
 
+TEST_CASE("gl: what lies far behind the eye takes nothing out of the picture") {
+  GlBackend* gl = backend();
+  if (!gl) return;
+  SceneView scene = frontView();
+  scene.options.style = DisplayStyle::Shaded;
+  const Rgba background = colorAt(render(*gl, scene), 330, 250);
+  scene.meshes = {object(grid(2), 1), object(grid(2), 2, Matrix4::translation({0, 0, 10000}))};
+  CHECK_FALSE(isNear(colorAt(render(*gl, scene), 330, 250), background));
+}
+
 TEST_CASE("gl: mirrored and culled surfaces show the right side") {
   GlBackend* gl = backend();
   if (!gl) return;
