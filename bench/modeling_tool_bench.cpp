@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <random>
@@ -294,6 +295,36 @@ void walk(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(walk)->Name("randomWalk/torus")->Arg(10'000)->Iterations(1)->Unit(benchmark::kSecond);
+
+/// A recording of paint strokes, played again: events a second.
+void replay(benchmark::State& state) {
+  Hand hand(torus(state), "vertex");
+  const std::string file = "/tmp/qxmt_replay_bench.gesture";
+  run("viewGesture -record \"" + file + "\"");
+  std::int64_t events = 0;
+  for (int i = 0; i < 100; ++i) {
+    std::string stroke = "viewGesture -press " + std::to_string(400 + 4 * i) + " 250";
+    for (int step = 1; step <= 8; ++step)
+      stroke +=
+          " -drag " + std::to_string(400 + 4 * i + 6 * step) + " " + std::to_string(250 + step);
+    run(stroke + " -release " + std::to_string(450 + 4 * i) + " 260");
+    events += 10;
+  }
+  run("viewGesture -stopRecording");
+  const auto chosen = session().executeLine("ls -sl");
+  for (auto _ : state) run("viewGesture -play \"" + file + "\"");
+  const auto again = session().executeLine("ls -sl");
+  if (!chosen || !again || chosen->toTexts().empty() || chosen->toTexts() != again->toTexts())
+    state.SkipWithError("the replay picked something else");
+  state.SetItemsProcessed(state.iterations() * events);
+  run("setToolTo selectSuperContext");
+  std::remove(file.c_str());
+}
+BENCHMARK(replay)
+    ->Name("replay/strokes")
+    ->Apply(sizes)
+    ->Iterations(3)
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

@@ -7,10 +7,9 @@ endif()
 find_package(OpenGL REQUIRED)
 
 # The module finds its data beside the folder that it is loaded from.
-file(GLOB toolkit_icons CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/data/icons/*.bmp")
-foreach(icon IN LISTS toolkit_icons)
-  get_filename_component(icon_name "${icon}" NAME)
-  configure_file("${icon}" "${PROJECT_BINARY_DIR}/data/icons/${icon_name}" COPYONLY)
+file(GLOB toolkit_data RELATIVE "${PROJECT_SOURCE_DIR}" CONFIGURE_DEPENDS data/icons/*.bmp data/models/*.obj)
+foreach(data IN LISTS toolkit_data)
+  configure_file("${data}" "${PROJECT_BINARY_DIR}/${data}" COPYONLY)
 endforeach()
 
 function(qxmt_toolkit_settings target)

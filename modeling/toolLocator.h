@@ -1,8 +1,9 @@
 #pragma once
 
 #include <maya/MDoubleArray.h>
-#include <maya/MObjectHandle.h>
 #include <maya/MPointArray.h>
+
+#include "shared/tool/ownedLocator.h"
 
 /// The draw locator through which the tool shows what is under the cursor and what it moves. It is
 /// made without a step of undo, and made anew when a new scene has taken it along.
@@ -10,11 +11,12 @@ class toolLocator {
  public:
   static const char* const kName;
 
+  toolLocator();
   /// Makes the locator and shows nothing; one that was left over goes first. The selection and what
   /// is hilited stay as they are.
   void create();
-  void remove();
-  bool isThere() const { return shape.isValid() && shape.isAlive(); }
+  void remove() { locator.remove(); }
+  bool isThere() const { return locator.isThere(); }
 
   /// The corners of the component that a click would take. @return whether the picture changes
   bool showComponent(const MPointArray& corners);
@@ -25,8 +27,7 @@ class toolLocator {
   bool clear();
 
  private:
-  void showInIsolation() const;
-  MObjectHandle shape, transform;
+  ownedLocator locator;
   MPointArray shownComponent;
   bool showsMoved = false;
 };

@@ -3,21 +3,32 @@
 #include <maya/MFnMesh.h>
 #include <maya/MGlobal.h>
 #include <maya/MIntArray.h>
-#include <maya/MItMeshPolygon.h>
-#include <maya/MItMeshVertex.h>
 #include <maya/MNodeMessage.h>
 #include <maya/MPlug.h>
 #include <maya/MSelectionList.h>
 
 #include <algorithm>
-#include <tuple>
+#include <cstdint>
+#include <cstring>
 
 #include "shared/mesh/shownMesh.h"
 
 namespace {
 
-std::tuple<double, double, double> key(const MPoint& point) {
-  return std::make_tuple(point.x, point.y, point.z);
+bool isAt(const MPoint& a, const MPoint& b) {
+  return a.x == b.x && a.y == b.y && a.z == b.z;
+}
+
+std::size_t bucketOf(const MPoint& point, std::size_t buckets) {
+  std::uint64_t hash = 0;
+  for (const double value : {point.x, point.y, point.z}) {
+    const double sameZero = value + 0.0;  // both zeros are equal
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &sameZero, sizeof bits);
+    hash = (hash ^ bits) * 0x9e3779b97f4a7c15U;
+    hash ^= hash >> 29;
+  }
+  return static_cast<std::size_t>(hash) & (buckets - 1);
 }
 
 MDagPath firstSelectedMesh() {
@@ -38,7 +49,8 @@ void drawnMesh::clear() {
   callbacks.removeAll();
   mesh = MDagPath();
   borders.clear();
-  for (std::vector<int>* list : {&byPlace, &firstFace, &faces, &firstCorner, &corners})
+  for (std::vector<int>* list :
+       {&firstAtPlace, &nextAtPlace, &firstFace, &faces, &firstCorner, &corners})
     list->clear();  // they name entries of the places
   places.clear();
   isStale = true;
@@ -67,26 +79,26 @@ void drawnMesh::takeSelected() {
 void drawnMesh::read() {
   isStale = false;
   ++reads;
-  borders.clear();
-  places.clear();
+  const MFnMesh fn(mesh);
+  MPointArray points;
+  MIntArray counts, vertices;
+  fn.getPoints(points, MSpace::kWorld);
+  fn.getVertices(counts, vertices);
+  places.resize(points.length());
+  for (unsigned int i = 0; i < points.length(); ++i) places[i] = points[i];
+  corners.resize(vertices.length());
+  for (unsigned int i = 0; i < vertices.length(); ++i) corners[i] = vertices[i];
   firstCorner.assign(1, 0);
-  corners.clear();
-  for (MItMeshVertex vertex(mesh); !vertex.isDone(); vertex.next()) {
-    const MPoint place = vertex.position(MSpace::kWorld);
-    places.push_back(place);
-    if (!vertex.onBoundary()) continue;
-    borderVertex border;
-    border.place = place;
-    vertex.getNormal(border.normal, MSpace::kWorld);
-    border.index = vertex.index();
-    borders.push_back(border);
-  }
-  for (MItMeshPolygon polygon(mesh); !polygon.isDone(); polygon.next()) {
-    MIntArray vertices;
-    polygon.getVertices(vertices);
-    for (unsigned int i = 0; i < vertices.length(); ++i) corners.push_back(vertices[i]);
-    firstCorner.push_back(static_cast<int>(corners.size()));
-  }
+  firstCorner.reserve(counts.length() + 1);
+  for (unsigned int i = 0; i < counts.length(); ++i)
+    firstCorner.push_back(firstCorner.back() + counts[i]);
+  gatherFacesAround();
+  gatherPlaces();
+  gatherBorders();
+  isStale = false;  // reading brings the mesh up to date, which may have told of it once more
+}
+
+void drawnMesh::gatherFacesAround() {
   firstFace.assign(places.size() + 1, 0);
   for (const int vertex : corners) ++firstFace[static_cast<std::size_t>(vertex) + 1];
   for (std::size_t i = 1; i < firstFace.size(); ++i) firstFace[i] += firstFace[i - 1];
@@ -97,23 +109,66 @@ void drawnMesh::read() {
       faces[static_cast<std::size_t>(
           next[static_cast<std::size_t>(corners[static_cast<std::size_t>(c)])]++)] =
           static_cast<int>(face);
-  byPlace.resize(places.size());
-  for (std::size_t i = 0; i < byPlace.size(); ++i) byPlace[i] = static_cast<int>(i);
-  std::sort(byPlace.begin(), byPlace.end(), [this](int a, int b) {
-    return std::make_tuple(key(places[static_cast<std::size_t>(a)]), a) <
-           std::make_tuple(key(places[static_cast<std::size_t>(b)]), b);
-  });
-  isStale = false;  // reading brings the mesh up to date, which may have told of it once more
+}
+
+void drawnMesh::gatherPlaces() {
+  std::size_t buckets = 64;
+  while (buckets < places.size()) buckets *= 2;
+  firstAtPlace.assign(buckets, -1);
+  nextAtPlace.assign(places.size(), -1);
+  for (std::size_t i = places.size(); i-- > 0;) {  // so that lower vertices come first
+    int& first = firstAtPlace[bucketOf(places[i], buckets)];
+    nextAtPlace[i] = first;
+    first = static_cast<int>(i);
+  }
+}
+
+/// A vertex is on the border when an edge at it has one face: when it has a neighbour that one
+/// corner of the faces around it leads to or comes from.
+bool drawnMesh::isOnBorder(std::size_t vertex, std::vector<int>& neighbours) const {
+  neighbours.clear();
+  int lastFace = -1;
+  for (int i = firstFace[vertex]; i < firstFace[vertex + 1]; ++i) {
+    const auto face = static_cast<std::size_t>(faces[static_cast<std::size_t>(i)]);
+    if (static_cast<int>(face) == lastFace) continue;  // a polygon that meets the vertex twice
+    lastFace = static_cast<int>(face);
+    const int begin = firstCorner[face], end = firstCorner[face + 1];
+    for (int c = begin; c < end; ++c) {
+      if (corners[static_cast<std::size_t>(c)] != static_cast<int>(vertex)) continue;
+      for (const int beside : {c + 1 < end ? c + 1 : begin, c > begin ? c - 1 : end - 1})
+        neighbours.push_back(corners[static_cast<std::size_t>(beside)]);
+    }
+  }
+  // There are few; sorting them takes longer.
+  for (std::size_t i = 0; i < neighbours.size(); ++i) {
+    bool isMet = false;
+    for (std::size_t j = 0; j < neighbours.size() && !isMet; ++j)
+      isMet = j != i && neighbours[j] == neighbours[i];
+    if (!isMet) return true;
+  }
+  return false;
+}
+
+void drawnMesh::gatherBorders() {
+  borders.clear();
+  const MFnMesh fn(mesh);
+  std::vector<int> neighbours;
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    if (!isOnBorder(i, neighbours)) continue;
+    borderVertex border;
+    border.place = places[i];
+    border.index = static_cast<int>(i);
+    fn.getVertexNormal(border.index, true, border.normal, MSpace::kWorld);
+    borders.push_back(border);
+  }
 }
 
 template <class Call>
 void drawnMesh::eachVertexAt(const MPoint& point, Call call) const {
-  if (point.w != 1.0) return;
-  auto at = std::lower_bound(
-      byPlace.begin(), byPlace.end(), key(point),
-      [this](int v, auto wanted) { return key(places[static_cast<std::size_t>(v)]) < wanted; });
-  for (; at != byPlace.end() && key(places[static_cast<std::size_t>(*at)]) == key(point); ++at)
-    call(*at);
+  if (point.w != 1.0 || firstAtPlace.empty()) return;
+  for (int v = firstAtPlace[bucketOf(point, firstAtPlace.size())]; v >= 0;
+       v = nextAtPlace[static_cast<std::size_t>(v)])
+    if (isAt(places[static_cast<std::size_t>(v)], point)) call(v);
 }
 
 unsigned int drawnMesh::mostCornersOfOnePolygon(const MPointArray& points) const {

@@ -35,7 +35,8 @@ class drawnMesh {
   const MDagPath& path() const { return mesh; }
   const std::vector<borderVertex>& border() const { return borders; }
   const MMatrix& toWorld() const { return matrix; }
-  unsigned int vertexCount() const { return static_cast<unsigned int>(places.size()); }
+  /// Of all vertices, world space, as they were read.
+  const std::vector<MPoint>& vertexPlaces() const { return places; }
   /// Grows whenever the mesh was read anew.
   unsigned int revision() const { return reads; }
 
@@ -49,6 +50,10 @@ class drawnMesh {
 
  private:
   void read();
+  void gatherFacesAround();
+  void gatherPlaces();
+  void gatherBorders();
+  bool isOnBorder(std::size_t vertex, std::vector<int>& neighbours) const;
   static void onDirty(MObject&, MPlug&, void* self);
   template <class Call>
   void eachVertexAt(const MPoint& point, Call call) const;
@@ -59,8 +64,8 @@ class drawnMesh {
   bool isStale = true;
   unsigned int reads = 0;
   std::vector<borderVertex> borders;
-  std::vector<MPoint> places;             ///< of all vertices, world space
-  std::vector<int> byPlace;               ///< vertices, sorted by where they stand
-  std::vector<int> firstFace, faces;      ///< polygons around each vertex
-  std::vector<int> firstCorner, corners;  ///< vertices around each polygon
+  std::vector<MPoint> places;                  ///< of all vertices, world space
+  std::vector<int> firstAtPlace, nextAtPlace;  ///< vertices by a hash of where they stand
+  std::vector<int> firstFace, faces;           ///< polygons around each vertex
+  std::vector<int> firstCorner, corners;       ///< vertices around each polygon
 };

@@ -1,7 +1,6 @@
 #include "quaddraw/locatorPoints.h"
 
-#include <maya/MDagModifier.h>
-#include <maya/MFnDagNode.h>
+#include <maya/MFnDependencyNode.h>
 #include <maya/MFnPointArrayData.h>
 #include <maya/MGlobal.h>
 #include <maya/MPlug.h>
@@ -13,21 +12,6 @@
 #include "shared/mesh/mathHelper.h"
 
 namespace {
-
-/// The quad draw locator of the tool's name; null when there is none or the name is another node's.
-MObject locatorInScene() {
-  MSelectionList list;
-  MObject node;
-  if (list.add(quadDrawLocator::kName) != MS::kSuccess ||
-      list.getDependNode(0, node) != MS::kSuccess)
-    return MObject();
-  if (node.hasFn(MFn::kTransform)) {
-    const MFnDagNode transform(node);
-    node = transform.childCount() > 0 ? transform.child(0) : MObject();
-  }
-  if (node.isNull() || MFnDependencyNode(node).typeId() != quadDrawLocator::id) return MObject();
-  return node;
-}
 
 MPlug plugOf(const MObject& node, const char* name, const char* missing) {
   MStatus status;
@@ -49,13 +33,6 @@ bool write(const MObject& node, const char* name, const char* missing, const MPo
   return made == MS::kSuccess && plug.setMObject(data) == MS::kSuccess;
 }
 
-bool isSame(const MPointArray& a, const MPointArray& b) {
-  if (a.length() != b.length()) return false;
-  for (unsigned int i = 0; i < a.length(); ++i)
-    if (a[i] != b[i]) return false;
-  return true;
-}
-
 /// Puts the object in hand back into the component mode it was in.
 void restoreComponentMode(const MSelectionList& selected, int type) {
   const char* mode = nullptr;
@@ -73,74 +50,60 @@ void restoreComponentMode(const MSelectionList& selected, int type) {
 
 }  // namespace
 
-bool locatorPoints::makeNode() {
-  MDagModifier modifier;
-  MStatus status;
-  const MObject above = modifier.createNode(quadDrawLocator::id, MObject::kNullObj, &status);
-  if (status == MS::kSuccess) status = modifier.doIt();
-  if (status != MS::kSuccess) {
-    MGlobal::displayError("error creating node");
-    return false;
-  }
-  MObject made = above;
-  if (above.hasFn(MFn::kTransform)) made = MFnDagNode(above).child(0, &status);
-  MFnDagNode fn;
-  if (status == MS::kSuccess) status = fn.setObject(made);
-  if (status != MS::kSuccess) {
-    MGlobal::displayError("cannot attach the object to the MFnDagNode");
-    modifier.undoIt();
-    return false;
-  }
-  fn.setName(quadDrawLocator::kName);
-  shape = MObjectHandle(made);
-  return true;
+locatorPoints::locatorPoints()
+    : locator(quadDrawLocator::id, quadDrawLocator::kName, "error creating node") {}
+
+void locatorPoints::onChange(MNodeMessage::AttributeMessage, MPlug& plug, MPlug&, void* self) {
+  auto& points = *static_cast<locatorPoints*>(self);
+  if (plug.attribute() != quadDrawLocator::geoPointArray) points.isLooseStale = true;
+  if (plug.attribute() != quadDrawLocator::pointArray) points.isPreviewStale = true;
 }
 
-/// A view that shows chosen objects only shows the points too.
-void locatorPoints::showInIsolation(const MString& name) const {
-  MString panel;
-  MGlobal::executeCommand("paneLayout -q -pane1 viewPanes", panel, false, false);
-  int isolates = 0;
-  if (panel.length() > 0)
-    MGlobal::executeCommand("isolateSelect -q -s " + panel, isolates, false, false);
-  if (isolates == 1)
-    MGlobal::executeCommand("isolateSelect -ado \"" + name + "\" " + panel, false, false);
+void locatorPoints::attach() {
+  callbacks.removeAll();
+  isLooseStale = isPreviewStale = true;
+  MObject shape = locator.node();
+  if (!shape.isNull())
+    callbacks.add(MNodeMessage::addAttributeChangedCallback(shape, onChange, this));
 }
 
 void locatorPoints::create() {
-  shape = MObjectHandle();
-  const MObject left = locatorInScene();
-  if (!left.isNull()) {
-    shape = MObjectHandle(left);
-    return;
+  if (!locator.takeOver()) {
+    MSelectionList selected;
+    MGlobal::getActiveSelectionList(selected);
+    const int type = mathHelper().currentComponentType();
+    if (locator.create()) restoreComponentMode(selected, type);
   }
-  MSelectionList selected, hilited;
-  MGlobal::getActiveSelectionList(selected);
-  MGlobal::getHiliteList(hilited);
-  const int type = mathHelper().currentComponentType();
-  if (!makeNode()) return;
-  // Its own name but where another node has it too.
-  const MString name = MFnDagNode(shape.object()).partialPathName();
-  MGlobal::executeCommand("select " + name, false, false);
-  showInIsolation(name);
-  MGlobal::setActiveSelectionList(selected, MGlobal::kReplaceList);
-  MGlobal::setHiliteList(hilited);
-  restoreComponentMode(selected, type);
+  attach();
 }
 
 void locatorPoints::remove() {
-  if (isThere()) {
-    const MFnDagNode fn(shape.object());
-    MObject node = fn.parentCount() > 0 ? fn.parent(0) : shape.object();
-    MDagModifier modifier;
-    if (modifier.deleteNode(node) == MS::kSuccess) modifier.doIt();
-  }
-  shape = MObjectHandle();
+  callbacks.removeAll();
+  locator.remove();
+  isLooseStale = isPreviewStale = true;
 }
 
-MPointArray locatorPoints::loose() const {
-  if (!isThere()) return MPointArray();
-  return quadDrawLocator::pointsAt(plugOf(node(), "parr", "cannot find point attribute"));
+void locatorPoints::bringUpToDate() {
+  if (callbacks.isEmpty() == isThere()) attach();  // it was deleted, or that was undone
+  if (isLooseStale) {
+    isLooseStale = false;
+    ++reads;
+    looseNow =
+        isThere() ? quadDrawLocator::pointsAt(plugOf(node(), "parr", "cannot find point attribute"))
+                  : MPointArray();
+  }
+  if (isPreviewStale) {
+    isPreviewStale = false;
+    previewNow =
+        isThere()
+            ? quadDrawLocator::pointsAt(plugOf(node(), "geoparr", "cannot find geo attribute"))
+            : MPointArray();
+  }
+}
+
+const MPointArray& locatorPoints::loose() {
+  bringUpToDate();
+  return looseNow;
 }
 
 void locatorPoints::setLoose(const MPointArray& points) {
@@ -149,9 +112,9 @@ void locatorPoints::setLoose(const MPointArray& points) {
           "error creating a new MObject from a pointArray");
 }
 
-MPointArray locatorPoints::preview() const {
-  if (!isThere()) return MPointArray();
-  return quadDrawLocator::pointsAt(plugOf(node(), "geoparr", "cannot find geo attribute"));
+const MPointArray& locatorPoints::preview() {
+  bringUpToDate();
+  return previewNow;
 }
 
 void locatorPoints::clearPreview() {
@@ -161,7 +124,7 @@ void locatorPoints::clearPreview() {
 }
 
 bool locatorPoints::setPreview(const MPointArray& points) {
-  if (!isThere() || isSame(preview(), points)) return false;
+  if (!isThere() || isSamePoints(preview(), points)) return false;
   return write(node(), "geoparr", "cannot find geo attribute", points,
                "error creating a new MObject from a geoClosestPointArray");
 }

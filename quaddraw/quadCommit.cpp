@@ -1,6 +1,5 @@
 #include "quaddraw/quadCommit.h"
 
-#include <maya/MFnMesh.h>
 #include <maya/MGlobal.h>
 #include <maya/MMatrix.h>
 #include <maya/MStringArray.h>
@@ -43,12 +42,18 @@ int borderVertexNear(const drawnMesh& mesh, const MMatrix& toPlane, const MPoint
   return nearest;
 }
 
+/// Everything that stands on the mesh, where the mirror plane is that of an axis.
+MPointArray placesOf(const drawnMesh& mesh, const MMatrix& toPlane) {
+  const std::vector<MPoint>& places = mesh.vertexPlaces();
+  MPointArray all(static_cast<unsigned int>(places.size()));
+  for (unsigned int i = 0; i < all.length(); ++i) all[i] = places[i] * toPlane;
+  return all;
+}
+
 /// How near to the mirror plane, or to a vertex across it, counts as on it.
-double mirrorTolerance(const drawnMesh& mesh, const MPointArray& quad, const MMatrix& toPlane) {
-  MPointArray all;
-  MFnMesh(mesh.path()).getPoints(all, MSpace::kWorld);
-  for (unsigned int i = 0; i < quad.length(); ++i) all.append(quad[i]);
-  return polyHelper::mirrorTolerance(transformed(all, toPlane));
+double reachOf(MPointArray places, const MPointArray& quad) {
+  for (unsigned int i = 0; i < quad.length(); ++i) places.append(quad[i]);
+  return polyHelper::mirrorTolerance(places);
 }
 
 MString statement(const quadCorners& corners, const MString& name) {
@@ -66,8 +71,8 @@ MString quadCommit::appendCommand(const drawnMesh& mesh, const MPointArray& poin
   std::vector<int> matched;
   for (unsigned int i = 0; i < points.length(); ++i)
     matched.push_back(mesh.borderVertexAt(points[i]));
-  const mirrorPlan plan{settings.mirrorAxis,
-                        settings.mirror ? mirrorTolerance(mesh, points, toPlane) : 0.0};
+  const MPointArray places = settings.mirror ? placesOf(mesh, toPlane) : MPointArray();
+  const mirrorPlan plan{settings.mirrorAxis, settings.mirror ? reachOf(places, onPlane) : 0.0};
   if (settings.mirror) {
     snapToPlane(onPlane, plan);
     for (unsigned int i = 0; i < world.length(); ++i)
@@ -86,12 +91,11 @@ MString quadCommit::appendCommand(const drawnMesh& mesh, const MPointArray& poin
     const int of = matched[matched.size() - 1 - i];
     mirrored[i].vertex =
         of >= 0
-            ? polyHelper().symmetricVertex(mesh.path(), of, settings.mirrorAxis,
-                                           settings.mirrorWorldSpace)
+            ? polyHelper::symmetricPoint(places, of, settings.mirrorAxis)
             : borderVertexNear(mesh, toPlane, across[static_cast<unsigned int>(i)], plan.tolerance);
   }
   mirrored = shareCorners(corners, onPlane, mirrored, across, plan.tolerance,
-                          static_cast<int>(mesh.vertexCount()));
+                          static_cast<int>(mesh.vertexPlaces().size()));
   if (!mirrored.empty()) command += statement(mirrored, name);
   return command;
 }

@@ -15,7 +15,6 @@
 #include "quaddraw/quadDrawContextToolCmd.h"
 #include "quaddraw/quadPlan.h"
 #include "shared/mesh/mathHelper.h"
-#include "shared/mesh/polyHelper.h"
 #include "shared/settings/slideObject.h"
 #include "shared/settings/toolSettings.h"
 
@@ -26,21 +25,6 @@ constexpr double kPickUpPixels = 20.0;
 constexpr float kPointSize = 8.0F;
 constexpr const char* kUsage =
     "Click places a point, Ctrl picks one up, Shift makes the quad through the four nearest.";
-
-/// Whether polygons of the mesh run along a side of the quad the same way round as the quad does,
-/// more often than the other way: then the two would face different ways.
-bool runsAgainst(const drawnMesh& mesh, const MPointArray& quad) {
-  int same = 0, opposite = 0;
-  for (unsigned int i = 0; i < quad.length(); ++i) {
-    const int a = mesh.borderVertexAt(quad[i]);
-    const int b = mesh.borderVertexAt(quad[(i + 1) % quad.length()]);
-    if (a < 0 || b < 0) continue;
-    same += mesh.hasCornerRun(a, b) ? 1 : 0;
-    opposite += mesh.hasCornerRun(b, a) ? 1 : 0;
-  }
-  if (same + opposite == 0) return mesh.isThere() && mesh.toWorld().det3x3() < 0.0;
-  return same > opposite;
-}
 
 }  // namespace
 
@@ -58,7 +42,7 @@ void quadDrawContext::enter(MEvent&) {
   points.create();
   points.clearPreview();
   hasCurrentPoint = hasPickedUp = hasChangedPoints = false;
-  indexedSight = viewSight();
+  finder.clear();
   rays = MFnMesh::autoUniformGridParams();
   run.setHover(true);
   run.startHover(kHoverPeriod);
@@ -67,7 +51,7 @@ void quadDrawContext::enter(MEvent&) {
 
 void quadDrawContext::leave() {
   drawn.clear();
-  candidates.clear();
+  finder.clear();
   MFnMesh::clearGlobalIntersectionAcceleratorInfo();
   points.remove();
   switchLocalTumble(false);
@@ -86,66 +70,14 @@ void quadDrawContext::switchLocalTumble(bool on) {
   }
 }
 
-void quadDrawContext::refreshCandidates(const M3dView& view) {
+void quadDrawContext::refreshFinder(const M3dView& view) {
   drawn.takeSelected();
-  const MPointArray loose = points.loose();
-  const viewSight sight(view);
-  bool isSame = indexedRevision == drawn.revision() && indexedSight == sight &&
-                loose.length() == indexedLoose.length();
-  for (unsigned int i = 0; isSame && i < loose.length(); ++i) isSame = loose[i] == indexedLoose[i];
-  if (isSame) return;
-  candidates.clear();
-  for (unsigned int i = 0; i < loose.length(); ++i)
-    candidates.push_back({loose[i], MVector(), false});
-  for (const borderVertex& border : drawn.border())
-    candidates.push_back({border.place, border.normal, true});
-  if (index.build(candidates, sight) > 0)
-    MGlobal::displayWarning("error converting point data to view space");
-  indexedLoose = loose;
-  indexedRevision = drawn.revision();
-  indexedSight = sight;
-}
-
-/// The line of sight that border vertices must not point along; none with back faces taken too.
-const MVector* quadDrawContext::cullingRay(const M3dView& view, int x, int y, MVector& ray) const {
-  if (!toolSettings::current().ignoreQuadDrawBackface) return nullptr;
-  MPoint eye;
-  const MStatus seen = view.viewToWorld(static_cast<short>(x), static_cast<short>(y), eye, ray);
-  return seen == MS::kSuccess ? &ray : nullptr;
-}
-
-MPointArray quadDrawContext::quadAt(const M3dView& view, int x, int y) {
-  MVector ray;
-  const MVector* culling = cullingRay(view, x, y, ray);
-  const auto nearest = index.nearest(x, y, 4, culling);
-  if (nearest.size() < 4) return MPointArray();
-  MPointArray found;
-  for (const screenIndex::found& at : nearest)
-    found.append(candidates[static_cast<std::size_t>(at.candidate)].place);
-  for (unsigned int i = 0; i < 4; ++i)
-    for (unsigned int j = 0; j < i; ++j)
-      if (found[i] == found[j]) return MPointArray();  // a corner twice is no quad
-  MPoint eye;
-  MVector sight = ray;
-  if (!culling) view.viewToWorld(static_cast<short>(x), static_cast<short>(y), eye, sight);
-  const MVector towardsViewer = -sight;
-  MIntArray order;
-  if (polyHelper().angularOrder(found, &towardsViewer, order) != MS::kSuccess ||
-      order.length() != 4)
-    return MPointArray();
-  MPointArray quad;
-  for (unsigned int i = 0; i < 4; ++i) quad.append(found[static_cast<unsigned int>(order[i])]);
-  // Whatever polygon is under the cursor is among those that are looked at here.
-  if (drawn.mostCornersOfOnePolygon(quad) >= 3) return MPointArray();
-  if (!runsAgainst(drawn, quad)) return quad;
-  MPointArray reversed;
-  for (unsigned int i = 4; i-- > 0;) reversed.append(quad[i]);
-  return reversed;
+  finder.refresh(view, drawn, points.loose(), points.revision());
 }
 
 bool quadDrawContext::preview(const M3dView& view, int x, int y) {
-  refreshCandidates(view);
-  return points.setPreview(quadAt(view, x, y));
+  refreshFinder(view);
+  return points.setPreview(finder.quadAt(view, x, y, drawn));
 }
 
 void quadDrawContext::hover(const M3dView& view, int x, int y) {
@@ -158,7 +90,7 @@ MStatus quadDrawContext::press(MEvent& event) {
   const M3dView view = M3dView::active3dView();
   hasCurrentPoint = hasPickedUp = hasChangedPoints = false;
   pointsBefore = points.loose();
-  refreshCandidates(view);
+  refreshFinder(view);
   run.watch(drawn.path());
   if (run.stroke.button == MEvent::kLeftMouse) {
     const bool isShift = event.isModifierShift(), isControl = event.isModifierControl();
@@ -187,7 +119,7 @@ MStatus quadDrawContext::drag(MEvent& event) {
   if (isShift) {
     preview(view, run.stroke.x, run.stroke.y);
   } else if (!isControl || hasPickedUp) {
-    refreshCandidates(view);
+    refreshFinder(view);
     placeCursorPoint(view);
   }
   M3dView(view).refresh();
@@ -202,7 +134,7 @@ MStatus quadDrawContext::release(MEvent& event) {
     if (isShift) {
       commit();
     } else if (!isControl || hasPickedUp) {
-      refreshCandidates(view);
+      refreshFinder(view);
       placeCursorPoint(view);
       MPointArray loose = points.loose();
       if (hasCurrentPoint) loose.append(currentPoint);
@@ -217,14 +149,11 @@ MStatus quadDrawContext::release(MEvent& event) {
 /// The world point under the cursor: on the live surface, else as deep as what is nearest.
 void quadDrawContext::placeCursorPoint(const M3dView& view) {
   const int x = run.stroke.x, y = run.stroke.y;
-  MVector ray;
-  const auto nearest = index.nearest(x, y, 1, cullingRay(view, x, y, ray));
-  MPoint found;
+  MPoint found, beside;
   const mathHelper helper;
   MStatus placed = MS::kFailure;
-  if (!nearest.empty())
-    placed = helper.viewToWorldAtDepth(
-        view, x, y, candidates[static_cast<std::size_t>(nearest[0].candidate)].place, found);
+  if (finder.nearest(view, x, y, beside))
+    placed = helper.viewToWorldAtDepth(view, x, y, beside, found);
   if (placed != MS::kSuccess) placed = helper.viewToWorld(view, x, y, found);
   const MDagPath live =
       toolSettings::current().slideSoftSelect ? slideObject::current() : MDagPath();
@@ -253,21 +182,17 @@ void quadDrawContext::drawCursorPoint(M3dView view) const {
 }
 
 void quadDrawContext::pickUp(const M3dView& view) {
-  std::vector<drawCandidate> looseOnly(candidates.begin(),
-                                       candidates.begin() + indexedLoose.length());
-  screenIndex ofLoose;
-  ofLoose.build(looseOnly, viewSight(view));
-  const auto nearest = ofLoose.nearest(run.stroke.x, run.stroke.y, 1, nullptr);
-  if (nearest.empty() || !(nearest[0].distance < kPickUpPixels)) return;
+  const int picked = finder.looseNear(view, run.stroke.x, run.stroke.y, kPickUpPixels);
+  if (picked < 0) return;
   MPointArray left = points.loose();
-  left.remove(static_cast<unsigned int>(nearest[0].candidate));
+  left.remove(static_cast<unsigned int>(picked));
   points.setLoose(left);
   hasPickedUp = hasChangedPoints = true;
 }
 
 void quadDrawContext::commit() {
   const MPointArray quad = points.preview();
-  if (quad.length() != 4) return;
+  if (quad.length() != 4) return tell("no quad: four corners are wanted that make a new face");
   run.chunk.open();
   if (drawn.isThere()) {
     if (!quadCommit::canAppend(drawn)) return;
@@ -283,8 +208,8 @@ void quadDrawContext::commit() {
 
 /// Takes the loose points away that became corners.
 void quadDrawContext::takeUsed(const MPointArray& quad) {
-  const MPointArray loose = points.loose(), left = withoutPoints(loose, quad);
-  if (left.length() == loose.length()) return;
+  const MPointArray left = withoutPoints(points.loose(), quad);
+  if (left.length() == points.loose().length()) return;
   points.setLoose(left);
   hasChangedPoints = true;
 }
@@ -315,8 +240,7 @@ void quadDrawContext::meshGone() {
 
 void quadDrawContext::sceneEnds() {
   drawn.clear();
-  candidates.clear();
-  indexedLoose.clear();
+  finder.clear();
 }
 
 void quadDrawContext::tell(const char* sentence) const {

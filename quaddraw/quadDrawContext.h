@@ -6,7 +6,7 @@
 
 #include "quaddraw/drawnMesh.h"
 #include "quaddraw/locatorPoints.h"
-#include "quaddraw/screenIndex.h"
+#include "quaddraw/quadFinder.h"
 #include "shared/tool/toolContext.h"
 
 /// Draws new topology: a click places a loose point, on the live surface where there is one; Ctrl
@@ -35,9 +35,7 @@ class quadDrawContext : public selectionToolContext {
  private:
   void switchLocalTumble(bool on);
   /// Brings mesh, loose points and what shows where up to date. Free when nothing changed.
-  void refreshCandidates(const M3dView& view);
-  const MVector* cullingRay(const M3dView& view, int x, int y, MVector& ray) const;
-  MPointArray quadAt(const M3dView& view, int x, int y);
+  void refreshFinder(const M3dView& view);
   bool preview(const M3dView& view, int x, int y);
   void placeCursorPoint(const M3dView& view);
   void drawCursorPoint(M3dView view) const;
@@ -49,14 +47,8 @@ class quadDrawContext : public selectionToolContext {
 
   locatorPoints points;
   drawnMesh drawn;
-  screenIndex index;
+  quadFinder finder;
   MMeshIsectAccelParams rays;
-
-  // What the index was made of.
-  MPointArray indexedLoose;
-  unsigned int indexedRevision = 0;
-  viewSight indexedSight;
-  std::vector<drawCandidate> candidates;
 
   // The stroke.
   MPointArray pointsBefore;

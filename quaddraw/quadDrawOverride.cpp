@@ -80,7 +80,9 @@ void quadDrawLocatorDrawOverride::addUIDrawables(const MDagPath&,
   for (unsigned int i = 0; i < prepared->points.length(); ++i) manager.point(prepared->points[i]);
   if (prepared->triangles.length() > 0) {
     manager.setColor(MColor(0.2F, 0.2F, 1.0F, 0.8F));
+    manager.setPaintStyle(MHWRender::MUIDrawManager::kStippled);  // the legacy halftone
     manager.mesh(MHWRender::MUIDrawManager::kTriangles, prepared->triangles);
+    manager.setPaintStyle(MHWRender::MUIDrawManager::kFlat);
   }
   manager.endDrawInXray();
   manager.endDrawable();

@@ -26,6 +26,11 @@
 namespace host::app {
 namespace {
 
+WindowEntry& windowEntry() {
+  static WindowEntry entry = nullptr;
+  return entry;
+}
+
 bool isReadable(const std::string& file) {
   if (access(file.c_str(), R_OK) == 0 && !std::filesystem::is_directory(file)) return true;
   std::fprintf(stderr, "qxmt: %s can't be read\n", file.c_str());
@@ -99,8 +104,8 @@ int run(const Options& options) {
     return runReplay(options, [&](const std::string& scene, int& status) {
       return batchSession(options, paths, scene, status);
     });
-  const bool isPrompt =
-      options.interactive || (options.script.empty() && options.commands.empty() && isatty(0));
+  const bool isPrompt = options.interactive || options.window ||
+                        (options.script.empty() && options.commands.empty() && isatty(0));
   auto session = api::makeHostSession();
   session->isBatch = !isPrompt;
   const InterruptScope interrupts(*session);
@@ -120,19 +125,25 @@ int run(const Options& options) {
   }
   if (status == kDone && !session->isQuitting) {
     if (options.isJob("tour"))
-      status =
-          runTour(*session, options.arguments.empty() ? "out/tour" : options.arguments.front());
+      status = runTour(*session, options.arguments);
     else if (!options.script.empty())
       status = runScript(*session, options);
     else if (!isPrompt && options.commands.empty() && !isatty(0))
       status = runStandardInput(*session);
-    if (isPrompt && !session->isQuitting) status = runPrompt(*session);
+    if (options.window && status == kDone && !session->isQuitting)
+      status = windowEntry()(*session);
+    else if (isPrompt && !session->isQuitting)
+      status = runPrompt(*session);
   }
   preferences.save();
   return status;
 }
 
 }  // namespace
+
+void setWindow(WindowEntry entry) {
+  windowEntry() = entry;
+}
 
 int runProgram(int argc, char** argv) {
   keepFreedMemory();
@@ -147,7 +158,10 @@ int runProgram(int argc, char** argv) {
     std::fputs(page.c_str(), stdout);
     return kDone;
   }
-  if (options.window) {
+  if (options.window && !windowEntry()) {
+    // The window is a program of its own, so that batch runs don't load what it needs.
+    const std::string program = programPaths().window().string();
+    execv(program.c_str(), argv);
     std::fprintf(stderr, "qxmt: this build has no window; run a script, -c or -i\n");
     return kBadUsage;
   }

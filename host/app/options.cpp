@@ -8,7 +8,7 @@ int parseOptions(int argc, char** argv, Options& options) {
   CLI::App app{"Polygon modelling and UV toolkit on its embedded host.", "qxmt"};
   app.footer(
       "Without a script, on a terminal: a prompt. `qxmt tour [FOLDER]` shows the toolkit on a real "
-      "mesh.\n"
+      "mesh, `qxmt tour quad [FOLDER]` its quad draw.\n"
       "A script named `-` is standard input; behind `--` every word is a file or an argument.\n"
       "`qxmt unwrap IN.obj -o OUT.obj` gives meshes UVs; `qxmt unwrap --help` says more.\n"
       "`qxmt replay FILE` does a recorded gesture again; `qxmt replay --help` says more.\n"
@@ -24,8 +24,7 @@ int parseOptions(int argc, char** argv, Options& options) {
       ->take_all()
       ->allow_extra_args(false);
   app.add_flag("-i,--interactive", options.interactive, "prompt with history and completion");
-  app.add_flag("-w,--window", options.window, "open the window")
-      ->group("");  // refused with a reason
+  app.add_flag("-w,--window", options.window, "open the window");
   app.add_option("-o,--open", options.openFile, "open a scene or import a mesh first (.ma, .obj)")
       ->type_name("FILE");
   app.add_option("--plug-in", options.plugIns, "load a further plug-in (repeatable)")

@@ -10,6 +10,7 @@ struct ProgramPaths {
   [[nodiscard]] std::filesystem::path module() const {
     return root / "lib" / "qxModelingToolkit.so";
   }
+  [[nodiscard]] std::filesystem::path window() const { return root / "bin" / "qxmtWindow"; }
   [[nodiscard]] std::filesystem::path scripts() const { return root / "scripts"; }
 };
 [[nodiscard]] ProgramPaths programPaths();

@@ -20,7 +20,10 @@ bool canWriteInto(const std::filesystem::path& folder) {
 
 }  // namespace
 
-int runTour(cmd::Session& session, const std::string& folder) {
+int runTour(cmd::Session& session, std::span<const std::string> words) {
+  const bool isQuad = !words.empty() && words.front() == "quad";
+  if (isQuad) words = words.subspan(1);
+  const std::string folder = !words.empty() ? words.front() : isQuad ? "out/tour-quad" : "out/tour";
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (error) {
@@ -33,7 +36,9 @@ int runTour(cmd::Session& session, const std::string& folder) {
     return kFileFailed;
   }
   (void)session.interpreter().setGlobal("$argv", mel::Value(mel::StringArray{folder}));
-  const auto done = session.executeLine("source \"qxmt_tour.mel\"; qxmtTour_QXMT_Proc($argv[0])");
+  const auto done =
+      session.executeLine(isQuad ? "source \"qxmt_tour_quad.mel\"; qxmtTourQuad_QXMT_Proc($argv[0])"
+                                 : "source \"qxmt_tour.mel\"; qxmtTour_QXMT_Proc($argv[0])");
   return done ? kDone : kScriptFailed;
 }
 

@@ -74,10 +74,11 @@ namespace {
 class LineScope {
  public:
   LineScope(UndoQueue& queue, std::string_view text, bool isOutermost, bool records)
-      : queue_(queue), isLine_(isOutermost && records), isSuspended_(!records) {
+      : queue_(queue), text_(text), isLine_(isOutermost && records), isSuspended_(!records) {
     if (isLine_) {
-      lineBefore_ = std::exchange(pendingEdits().line, std::string(text));
-      queue_.beginLine(text);
+      lineBefore_ = std::exchange(pendingEdits().line, text_);
+      outer_ = std::exchange(innermost_, this);
+      queue_.beginLine(text_);
     }
     if (isSuspended_) queue_.suspend();
   }
@@ -85,13 +86,36 @@ class LineScope {
     if (isSuspended_) queue_.resume();
     if (!isLine_) return;
     pendingEdits().line = std::move(lineBefore_);
+    innermost_ = outer_;
     queue_.endLine();
+  }
+  /// What a hand does from within a line is no part of it: what the line has done so far is an
+  /// item, and so is what it does afterwards.
+  static void runOutside(const std::function<void()>& run) {
+    LineScope* const line = std::exchange(innermost_, nullptr);
+    if (!line) return run();
+    line->queue_.endLine();
+    try {
+      run();
+    } catch (...) {
+      line->goOn();
+      throw;
+    }
+    line->goOn();
   }
   LineScope(const LineScope&) = delete;
   LineScope& operator=(const LineScope&) = delete;
 
  private:
+  void goOn() {
+    innermost_ = this;
+    queue_.beginLine(text_);
+  }
+
+  inline static LineScope* innermost_ = nullptr;
   UndoQueue& queue_;
+  LineScope* outer_ = nullptr;
+  std::string text_;
   std::string lineBefore_;  ///< of the script that makes a gesture, while the gesture runs lines
   bool isLine_, isSuspended_;
 };
@@ -179,7 +203,7 @@ void Session::runByHand(const std::function<void()>& run) {
     ~Outermost() { depth = kept; }
     int &depth, kept;
   } outermost(lineDepth_);
-  dispatcher_->runOutside(run);
+  LineScope::runOutside([&] { dispatcher_->runOutside(run); });
 }
 
 void Session::newScene() {

@@ -247,7 +247,11 @@ Result<void> UndoQueue::redo() {
     forgetDependents(item);
     return fail("'{}' can't be redone any more: {}.", item.name, redone.error().message);
   }
-  if (flushes == flushCount_) push(std::move(item), groups_.size());
+  // A line that does nothing but redo is no new item around those that come back.
+  const bool isStraight = std::none_of(groups_.begin(), groups_.end(), [](const Group& group) {
+    return group.isChunk || !group.items.empty();
+  });
+  if (flushes == flushCount_) push(std::move(item), isStraight ? 0 : groups_.size());
   return {};
 }
 

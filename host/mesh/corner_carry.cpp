@@ -24,6 +24,45 @@ void addScaled(Color4f& sum, const Color4f& value, double weight) {
   sum.a = static_cast<float>(sum.a + value.a * weight);
 }
 
+struct Part {
+  Index id;
+  double weight;
+};
+
+/// Adds up the weights of equal ids, in order of id, to a sum of one. Corners without a value don't
+/// count.
+void collectParts(const std::vector<Index>& ids, std::span<const CornerWeight> blend,
+                  std::vector<Part>& parts) {
+  parts.clear();
+  double total = 0;
+  for (const CornerWeight& part : blend)
+    if (const Index id = ids[at(part.corner)]; id != kNone) {
+      parts.push_back({id, part.weight});
+      total += part.weight;
+    }
+  std::ranges::stable_sort(parts, {}, &Part::id);
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    if (kept > 0 && parts[kept - 1].id == parts[i].id)
+      parts[kept - 1].weight += parts[i].weight;
+    else
+      parts[kept++] = parts[i];
+  }
+  parts.resize(kept);
+  for (Part& part : parts)
+    part.weight = total != 0 ? part.weight / total : 1.0 / static_cast<double>(kept);
+}
+
+/// At least one part.
+template <class Value>
+Value sumOf(const std::vector<Part>& parts, const std::vector<Value>& values) {
+  Value sum = values[at(parts[0].id)];
+  addScaled(sum, sum, parts[0].weight - 1);
+  for (std::size_t i = 1; i < parts.size(); ++i)
+    addScaled(sum, values[at(parts[i].id)], parts[i].weight);
+  return sum;
+}
+
 /// Carries one face-varying channel: values, and an id a corner.
 template <class Value>
 class ChannelCarrier {
@@ -45,10 +84,6 @@ class ChannelCarrier {
   }
 
  private:
-  struct Part {
-    Index id;
-    double weight;
-  };
   struct Made {  // a blended value made at a vertex
     std::vector<Part> parts;
     Index id;
@@ -83,43 +118,17 @@ class ChannelCarrier {
 
   Index resolve(std::size_t corner, VertexId vertex) {
     if (const CornerId s = corners_.single(corner); s != kNone) return ids_[at(s)];
-    collectParts(corners_.blend(corner));
+    collectParts(ids_, corners_.blend(corner), parts_);
     if (parts_.empty()) return kNone;
     if (parts_.size() == 1) return parts_[0].id;
     const auto [entry, isNew] = newestAtVertex_.try_emplace(vertex, kNone);
     for (Index m = entry->second; m != kNone; m = made_[at(m)].older)
       if (isSame(made_[at(m)].parts)) return made_[at(m)].id;
-    Value sum = values_[at(parts_[0].id)];
-    addScaled(sum, sum, parts_[0].weight - 1);
-    for (std::size_t i = 1; i < parts_.size(); ++i)
-      addScaled(sum, values_[at(parts_[i].id)], parts_[i].weight);
     const auto id = static_cast<Index>(values_.size() + blended_.size());
-    blended_.push_back(sum);
+    blended_.push_back(sumOf(parts_, values_));
     made_.push_back({parts_, id, entry->second});
     entry->second = static_cast<Index>(made_.size()) - 1;
     return id;
-  }
-
-  /// Adds up the weights of equal ids, in order of id, to a sum of one.
-  void collectParts(std::span<const CornerWeight> blend) {
-    parts_.clear();
-    double total = 0;
-    for (const CornerWeight& part : blend)
-      if (const Index id = ids_[at(part.corner)]; id != kNone) {
-        parts_.push_back({id, part.weight});
-        total += part.weight;
-      }
-    std::ranges::stable_sort(parts_, {}, &Part::id);
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < parts_.size(); ++i) {
-      if (kept > 0 && parts_[kept - 1].id == parts_[i].id)
-        parts_[kept - 1].weight += parts_[i].weight;
-      else
-        parts_[kept++] = parts_[i];
-    }
-    parts_.resize(kept);
-    for (Part& part : parts_)
-      part.weight = total != 0 ? part.weight / total : 1.0 / static_cast<double>(kept);
   }
 
   [[nodiscard]] bool isSame(const std::vector<Part>& other) const {
@@ -214,6 +223,13 @@ std::span<const CornerWeight> CornerSources::blend(std::size_t listed) const {
   if (sources_[listed] > -2) return {};
   const std::size_t i = at(-2 - sources_[listed]);
   return {blendParts_.data() + blendOffsets_[i], blendParts_.data() + blendOffsets_[i + 1]};
+}
+
+std::optional<Vec2f> blendedUv(const UvSet& source, std::span<const CornerWeight> blend) {
+  static thread_local std::vector<Part> parts;
+  collectParts(source.cornerIds, blend, parts);
+  if (parts.empty()) return std::nullopt;
+  return sumOf(parts, source.points);
 }
 
 UvSet carryUvSet(const UvSet& source, const Topology& topology, const CornerSources& corners) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -74,7 +75,10 @@ class CornerSources {
 /// that lost their last corner go; the rest keep their order. Linear.
 [[nodiscard]] UvSet carryUvSet(const UvSet& source, const Topology& topology,
                                const CornerSources& corners);
-/// The same for colours, a corner without a colour leaving the others of its face alone.
+/// What a corner that blends gets from carryUvSet(); nothing when none of its parts has a UV.
+[[nodiscard]] std::optional<Vec2f> blendedUv(const UvSet& source,
+                                             std::span<const CornerWeight> blend);
+/// carryUvSet() for colours, a corner without a colour leaving the others of its face alone.
 [[nodiscard]] ColorSet carryColorSet(const ColorSet& source, const Topology& topology,
                                      const CornerSources& corners);
 /// Carries locked normals: a blended corner is locked when all its parts are, with the mean

@@ -11,7 +11,15 @@ namespace {
 
 constexpr double kDegree = std::numbers::pi / 180;
 
-Result<void> bevel(HistoryContext& context, double roundness, bool chamfer) {
+/// The faces of the last evaluation. While a drag changes nothing but the width, only what is new
+/// is placed.
+struct CachedBevel {
+  scene::MeshDataPtr input;
+  std::shared_ptr<const scene::ComponentListData> edges;
+  ops::BevelPlan plan;
+};
+
+ops::BevelEdgesOptions optionsOf(const HistoryContext& context, double roundness, bool chamfer) {
   using Uvs = ops::BevelEdgesOptions::UvAssignment;
   ops::BevelEdgesOptions options;
   options.offsetAsFraction = context.boolean("offsetAsFraction");
@@ -28,12 +36,29 @@ Result<void> bevel(HistoryContext& context, double roundness, bool chamfer) {
   options.chamfer = chamfer;
   options.uvAssignment = context.integer("uvAssignment") == 0 ? Uvs::PlanarPerFace : Uvs::Preserve;
   options.space = context.space();
-  const auto edges = context.edges();
-  if (edges.empty()) return {};
-  auto made = ops::bevelEdges(context.mesh, edges, options);
-  if (!made) return failWith(made.error());
-  std::vector<FaceId> faces = std::move(made->strips);
-  faces.insert(faces.end(), made->caps.begin(), made->caps.end());
+  return options;
+}
+
+Result<void> bevel(HistoryContext& context, double roundness, bool chamfer) {
+  const ops::BevelEdgesOptions options = optionsOf(context, roundness, chamfer);
+  const auto list = context.componentList();
+  auto cached = std::static_pointer_cast<const CachedBevel>(context.plan);
+  if (!cached || cached->input != context.input || cached->edges != list ||
+      !cached->plan.hasTopologyOf(options)) {
+    context.plan.reset();
+    const auto edges = context.edges();
+    if (edges.empty()) return {};
+    auto plan = ops::BevelPlan::make(context.mesh, edges, options);
+    if (!plan) return failWith(plan.error());
+    cached =
+        std::make_shared<const CachedBevel>(CachedBevel{context.input, list, *std::move(plan)});
+    context.plan = cached;
+  }
+  auto placed = cached->plan.place(options);
+  if (!placed) return failWith(placed.error());
+  context.mesh = std::move(placed->mesh);
+  std::vector<FaceId> faces = placed->result->strips;
+  faces.insert(faces.end(), placed->result->caps.begin(), placed->result->caps.end());
   context.makes(ComponentType::Face, std::move(faces));
   return {};
 }

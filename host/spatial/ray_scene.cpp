@@ -5,6 +5,8 @@
 #include <cmath>
 #include <limits>
 
+#include "host/base/cancel.h"
+
 namespace host::spatial {
 
 using math::Box;
@@ -31,6 +33,25 @@ RTCDevice device() {
   }();
   return shared;
 }
+
+/// Shows a person how far a scene is; it is none of the library's business to end it.
+class ShownBuild {
+ public:
+  bool tell(double part) {
+    const int now = static_cast<int>(part * kSteps);
+    const int before = told_.exchange(now);
+    if (now > before) work_.advance(static_cast<std::size_t>(now - before));
+    return true;
+  }
+  static bool monitor(void* build, double part) {
+    return static_cast<ShownBuild*>(build)->tell(part);
+  }
+
+ private:
+  static constexpr int kSteps = 100;
+  LongWork work_{"Preparing for rays", kSteps};
+  std::atomic<int> told_{0};
+};
 
 }  // namespace
 
@@ -87,7 +108,10 @@ RayScene::RayScene(const mesh::Mesh& mesh, std::span<const Triangle> triangles, 
   rtcCommitGeometry(geometry);
   rtcAttachGeometry(scene_, geometry);
   rtcReleaseGeometry(geometry);
+  ShownBuild build;
+  rtcSetSceneProgressMonitorFunction(scene_, ShownBuild::monitor, &build);
   rtcCommitScene(scene_);
+  rtcSetSceneProgressMonitorFunction(scene_, nullptr, nullptr);
   bytes_ = static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, libraryBytes - bytesBefore));
 }
 

@@ -164,16 +164,12 @@ bool ToolRegistry::handleMouse(const InputEvent& event) {
 bool ToolRegistry::handleKey(const InputEvent& event) {
   const std::shared_ptr<ToolContext> tool = current_;
   if (tool->key(event)) return true;
-  if (event.kind != InputKind::KeyPress) return false;
-  if (event.key == "Return" || event.key == "Enter")
-    tool->complete();
-  else if (event.key == "Escape")
-    tool->abort();
-  else if (event.key == "Delete" || event.key == "BackSpace")
-    tool->deleteAction();
-  else
-    return false;
-  return true;
+  if (event.kind == InputKind::KeyPress) {
+    if (event.key == "Return" || event.key == "Enter") return tool->complete(), true;
+    if (event.key == "Escape") return tool->abort(), true;
+    if (event.key == "Delete" || event.key == "BackSpace") return tool->deleteAction(), true;
+  }
+  return unusedKey && unusedKey(event);
 }
 
 }  // namespace host::tools

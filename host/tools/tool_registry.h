@@ -91,6 +91,8 @@ class ToolRegistry {
   static constexpr double kHoldDelay = 0.5;
 
   ViewAccess views;
+  /// Gets the keys that the tool leaves, and all tools: whether it used one.
+  std::function<bool(const InputEvent&)> unusedKey;
   viewport::Picker& picker() { return picker_; }
   TumbleSettings tumble;
 

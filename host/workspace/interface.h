@@ -2,6 +2,7 @@
 
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
@@ -16,8 +17,16 @@ struct Dialogs {
     std::string text;  ///< for a prompt
   };
   std::deque<Answer> answers;  ///< for the next dialogs, in order
-  std::string promptText;      ///< what the last prompt was answered
-  std::string dismissedWith;   ///< how a dialog's own script ended it
+  struct Question {
+    std::string title, message, text, defaultButton;
+    std::vector<std::string> buttons;
+    bool wantsText = false;
+  };
+  /// Asks the person at the window, when there is one and no answer was given before; an empty
+  /// button: they closed it.
+  std::function<Answer(const Question&)> ask;
+  std::string promptText;     ///< what the last prompt was answered
+  std::string dismissedWith;  ///< how a dialog's own script ended it
   bool isDismissed = false;
 
   struct Progress {

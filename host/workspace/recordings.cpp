@@ -159,6 +159,14 @@ Recording Recordings::ofNow() {
   recording.settings.push_back(settingsOfTumble(toolbox.tumble));
   recording.tool = tools::toolWords(toolbox);
   recording.toolSettings = toolbox.current()->settings(toolbox.currentName());
+  // Tools that may be chosen later: what is not said to them by name, since they may not be there.
+  for (const std::string& name : toolbox.names()) {
+    if (name == toolbox.currentName() || toolbox.isBuiltin(name)) continue;
+    for (std::string& line : toolbox.find(name)->settings(name))
+      if (!line.ends_with(" " + name) &&
+          std::ranges::find(recording.toolSettings, line) == recording.toolSettings.end())
+        recording.toolSettings.push_back(std::move(line));
+  }
   return recording;
 }
 

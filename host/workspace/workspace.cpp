@@ -39,6 +39,11 @@ Workspace::Workspace(cmd::Session& session)
       session_(session),
       watcher_(std::make_unique<Watcher>(session)) {
   giveToolsTheirViews();
+  toolbox.unusedKey = [this](const tools::InputEvent& event) {
+    const std::string line = hotkeys.lineFor(event);
+    if (!line.empty()) (void)session_.executeLine(line);
+    return !line.empty();
+  };
   connections_.push_back(toolbox.currentChanged.connect([this] {
     session_.loop().requestRedraw();
     session_.scriptJobs().triggerEvent("ToolChanged");

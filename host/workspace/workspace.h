@@ -15,6 +15,7 @@
 #include "host/ui/tree.h"
 #include "host/workspace/file_formats.h"
 #include "host/workspace/hooks.h"
+#include "host/workspace/hotkeys.h"
 #include "host/workspace/interface.h"
 #include "host/workspace/recordings.h"
 #include "host/workspace/selection_modes.h"
@@ -51,6 +52,7 @@ class Workspace final : public cmd::SessionPart {
 
   // Tools.
   tools::ToolRegistry toolbox;
+  Hotkeys hotkeys;
   ScriptHand hand;
   Recordings recordings;
 

@@ -90,6 +90,9 @@ class polyHelper {
   int symmetricVertex(const MDagPath& mesh, int vertex, int axis, bool inWorldSpace,
                       MStatus* status = nullptr) const;
 
+  /// The same for one of points that are in the plane's space.
+  static int symmetricPoint(const MPointArray& points, int point, int axis);
+
   /// The same across the plane that the tool settings name.
   int symmetricVertex(const MDagPath& mesh, int vertex, MStatus* status = nullptr) const;
 

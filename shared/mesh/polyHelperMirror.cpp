@@ -122,6 +122,17 @@ MStatus polyHelper::symmetricVertices(const MDagPath& mesh, int axis, bool inWor
   return MS::kSuccess;
 }
 
+int polyHelper::symmetricPoint(const MPointArray& points, int point, int axis) {
+  if (point < 0 || static_cast<unsigned int>(point) >= points.length()) return kNone;
+  const double limit = searchLimit(mirrorTolerance(points));
+  const int there =
+      nearestByScan(points, mirrored(points[static_cast<unsigned int>(point)], axis), limit);
+  if (there == kNone) return kNone;
+  const int back =
+      nearestByScan(points, mirrored(points[static_cast<unsigned int>(there)], axis), limit);
+  return back == point ? there : pairAll(points, axis)[static_cast<unsigned int>(point)];
+}
+
 int polyHelper::symmetricVertex(const MDagPath& mesh, int vertex, int axis, bool inWorldSpace,
                                 MStatus* status) const {
   MPointArray points;
@@ -129,14 +140,7 @@ int polyHelper::symmetricVertex(const MDagPath& mesh, int vertex, int axis, bool
   if (read == MS::kSuccess && (vertex < 0 || static_cast<unsigned int>(vertex) >= points.length()))
     read = MS::kInvalidParameter;
   if (status) *status = read;
-  if (read != MS::kSuccess) return kNone;
-  const double limit = searchLimit(mirrorTolerance(points));
-  const int there =
-      nearestByScan(points, mirrored(points[static_cast<unsigned int>(vertex)], axis), limit);
-  if (there == kNone) return kNone;
-  const int back =
-      nearestByScan(points, mirrored(points[static_cast<unsigned int>(there)], axis), limit);
-  return back == vertex ? there : pairAll(points, axis)[static_cast<unsigned int>(vertex)];
+  return read == MS::kSuccess ? symmetricPoint(points, vertex, axis) : kNone;
 }
 
 int polyHelper::symmetricVertex(const MDagPath& mesh, int vertex, MStatus* status) const {

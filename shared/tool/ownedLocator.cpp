@@ -34,12 +34,21 @@ MObject ownedLocator::make() const {
   return made;
 }
 
+void ownedLocator::hold(const MObject& node) {
+  shape = transform = MObjectHandle();
+  if (node.isNull()) return;
+  shape = MObjectHandle(node);
+  const MFnDagNode locator(node);
+  if (locator.parentCount() > 0 && locator.parent(0).hasFn(MFn::kTransform))
+    transform = MObjectHandle(locator.parent(0));
+}
+
 bool ownedLocator::create() {
   MSelectionList selected, hilited;
   MGlobal::getActiveSelectionList(selected);
   MGlobal::getHiliteList(hilited);
   const MObject made = make();
-  shape = made.isNull() ? MObjectHandle() : MObjectHandle(made);
+  hold(made);
   if (!isThere()) return false;
   const MString name = MFnDagNode(made).partialPathName();
   MGlobal::executeCommand("select " + name, false, false);
@@ -60,26 +69,27 @@ void ownedLocator::showInIsolation(const MString& name) const {
 }
 
 bool ownedLocator::takeOver() {
-  shape = MObjectHandle();
+  hold(MObject());
   MSelectionList list;
   MObject node;
   if (list.add(wantedName) != MS::kSuccess || list.getDependNode(0, node) != MS::kSuccess)
     return false;
   if (node.hasFn(MFn::kTransform)) {
-    const MFnDagNode transform(node);
-    node = transform.childCount() > 0 ? transform.child(0) : MObject();
+    const MFnDagNode above(node);
+    node = above.childCount() > 0 ? above.child(0) : MObject();
   }
   if (node.isNull() || MFnDependencyNode(node).typeId() != typeId) return false;
-  shape = MObjectHandle(node);
+  hold(node);
   return true;
 }
 
 void ownedLocator::remove() {
-  if (isThere()) {
-    const MFnDagNode locator(shape.object());
-    MObject node = locator.parentCount() > 0 ? locator.parent(0) : shape.object();
-    MDagModifier modifier;
-    if (modifier.deleteNode(node) == MS::kSuccess) modifier.doIt();
-  }
-  shape = MObjectHandle();
+  MObject node;
+  if (transform.isValid() && transform.isAlive())
+    node = transform.object();
+  else if (isThere())
+    node = shape.object();
+  MDagModifier modifier;
+  if (!node.isNull() && modifier.deleteNode(node) == MS::kSuccess) modifier.doIt();
+  hold(MObject());
 }

@@ -19,9 +19,10 @@ class ownedLocator {
   bool create();
   /// Takes the node of the type and the name that the scene has. @return whether it has one
   bool takeOver();
-  /// Deletes the node with the transform above it.
+  /// Deletes the node with the transform above it, which may be all that is left.
   void remove();
-  void forget() { shape = MObjectHandle(); }
+  /// Lets go of it, where a scene is about to take it along.
+  void forget() { hold(MObject()); }
 
   bool isThere() const { return shape.isValid() && shape.isAlive(); }
   /// The shape; null without one.
@@ -29,12 +30,13 @@ class ownedLocator {
 
  private:
   MObject make() const;
+  void hold(const MObject& node);
   void showInIsolation(const MString& name) const;
 
   MTypeId typeId;
   const char* wantedName;
   const char* unmadeMessage;
-  MObjectHandle shape;
+  MObjectHandle shape, transform;
 };
 
 /// Whether two lists hold the same points in the same order, to the bit.

@@ -34,6 +34,14 @@ class toolContext : public Base, protected toolListener {
     Base::toolOffCleanup();
   }
 
+  /// Escape ends a stroke as if it had not been begun; the tool stays in hand, with what it holds.
+  void abortAction() final {
+    if (run.stroke.isDown)
+      run.cancel();
+    else
+      Base::abortAction();
+  }
+
   using Base::doDrag;
   using Base::doHold;
   using Base::doPress;

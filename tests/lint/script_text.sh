@@ -25,12 +25,14 @@ host/builtins/ui/control_values.cpp  callbacks of controls
 host/builtins/ui/dialogs.cpp       the script that fills a dialog
 host/builtins/ui/view_messages.cpp  the command of a display in a view
 host/builtins/uv/uv_edits.cpp      built-in commands that stand for others; a procedure is never found there
+host/window/script_panel.cpp       what a person types
 host/cmd/dispatcher.cpp            finds the commands of scripts
 host/cmd/dispatcher.h              declares that
 host/cmd/loop.cpp                  deferred scripts and script jobs
 host/cmd/session.cpp               runs lines
 host/tools/recorder.cpp            lines of a recording, played again
 host/cmd/session.h                 declares that
+host/workspace/workspace.cpp       the command that a user bound to a key
 '
 pattern='(executeLine|executeFile|findCommand|sourceFile)[[:space:]]*\(|interpreter(\(\))?(\.|->|_->)execute[[:space:]]*\(|commands\(\)\.find[[:space:]]*\('
 

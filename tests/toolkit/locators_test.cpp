@@ -158,6 +158,37 @@ TEST_CASE("locators: both ways of drawing give one picture") {
   CHECK(differences(scene.picture(false), bare) == 0);
 }
 
+TEST_CASE("locators: points and preview of a quad look the same both ways, also behind a surface") {
+  locatorScene scene;
+  scene.run(
+      "polyPlane -n ground -w 18 -h 12 -sx 6 -sy 4 -ch 0; createNode transform -n holder; "
+      "createNode quadDrawLocator -n shown -p holder; select -cl");
+  const auto bare = scene.picture(false);
+  if (bare.rgba.empty()) return;
+  for (const double height : {0.5, -0.5}) {
+    CAPTURE(height);
+    scene.setPoints("shown.geoparr", {});
+    scene.setPoints("shown.parr", {MPoint(-6, height, -3), MPoint(-3, height, -3)});
+    auto legacy = scene.picture(true), drawn = scene.picture(false);
+    int shown = pixelsOf(legacy, 0, 255, 0);
+    CHECK(shown >= 2 * 40);
+    CHECK(shown <= 2 * 80);
+    CHECK(differences(legacy, drawn) <= 2 * 20);
+    scene.setPoints("shown.parr", {});
+    scene.setPoints("shown.geoparr", {MPoint(0, height, 0), MPoint(6, height, 0),
+                                      MPoint(6, height, 3), MPoint(0, height, 3)});
+    legacy = scene.picture(true), drawn = scene.picture(false);
+    shown = differences(legacy, bare);
+    CHECK(shown > 600);  // half of 60 by 30
+    CHECK(shown < 1200);
+    CHECK(differences(drawn, bare) > 600);
+    CHECK(differences(legacy, drawn) <= 30 + shown / 20);
+  }
+  scene.setPoints("shown.geoparr", {});
+  CHECK(differences(scene.picture(true), bare) == 0);
+  CHECK(differences(scene.picture(false), bare) == 0);
+}
+
 TEST_CASE("locators: pins stand on the pinned vertices of their mesh, wherever it goes") {
   locatorScene scene;
   scene.run(

@@ -1,66 +1,12 @@
-#include <maya/M3dView.h>
-
-#include <cstdio>
 #include <random>
 
 #include "quaddraw/quadDrawOverride.h"
 #include "quaddraw/quadPlan.h"
 #include "quaddraw/screenIndex.h"
-#include "tests/toolkit/tool_hand.h"
-
-// The quad draw tool seen from above, 32 pixels a centimetre, the origin in the middle.
+#include "tests/toolkit/quad_hand.h"
 
 namespace {
-
 using names = toolHand::names;
-
-constexpr const char* kLocator = "qxModelingToolsDrawQuadLocator";
-
-struct quadHand : toolHand {
-  explicit quadHand(bool isMirrored = false) {
-    mirror(isMirrored);
-    run("select -cl");
-  }
-  void take() { run("if (!`contextInfo -ex quad`) quadDrawContext quad; setToolTo quad;"); }
-  static MPointArray points(const char* attribute) {
-    MSelectionList list;
-    MPlug plug;
-    if (list.add(MString(kLocator) + "." + attribute) != MS::kSuccess ||
-        list.getPlug(0, plug) != MS::kSuccess)
-      return {};
-    const MObject data = plug.asMObject();
-    return data.isNull() ? MPointArray() : MFnPointArrayData(data).array();
-  }
-  static unsigned int loose() { return points("parr").length(); }
-  static unsigned int previewed() { return points("geoparr").length(); }
-  void placeAt(double x, double z) { click(pixel(x, 0, z)); }
-  /// A square of loose points, a centimetre on a side, from its lowest corner.
-  void placeSquare(double x, double z) {
-    for (const auto& [dx, dz] : {std::pair{0, 0}, {1, 0}, {1, 1}, {0, 1}}) placeAt(x + dx, z + dz);
-  }
-  void makeAt(double x, double z) { click(pixel(x, 0, z), kLeft, kShift); }
-  /// Whether all face normals of a mesh point up.
-  bool facesUp(const std::string& object) {
-    bool up = true;
-    for (const std::string& line : texts("polyInfo -fn " + object)) {
-      double y = 0;
-      std::sscanf(line.substr(line.find(':') + 1).c_str(), "%*f %lf", &y);
-      up = up && y > 0.99;
-    }
-    return up;
-  }
-};
-
-bool isSame(const MPointArray& a, const MPointArray& b) {
-  bool same = a.length() == b.length();
-  for (unsigned int i = 0; same && i < a.length(); ++i) same = a[i] == b[i];
-  return same;
-}
-
-double scatter(std::mt19937& random, double reach) {
-  return std::uniform_real_distribution<double>(-reach, reach)(random);
-}
-
 }  // namespace
 
 TEST_CASE("quad draw: its locator comes and goes with it, and the scene stays as it was") {
@@ -70,7 +16,7 @@ TEST_CASE("quad draw: its locator comes and goes with it, and the scene stays as
   hand.take();
   CHECK(hand.texts("contextInfo -t quad") == names{"QuadDraw Tool"});
   CHECK(hand.texts("contextInfo -i1 quad") == names{"quadDrawContext.bmp"});
-  CHECK(hand.texts(std::string("nodeType ") + kLocator) == names{"quadDrawLocator"});
+  CHECK(hand.texts(std::string("nodeType ") + quadHand::kLocator) == names{"quadDrawLocator"});
   CHECK(hand.selected() == names{"plane"});
   CHECK(hand.number("tumbleCtx -q -localTumble tumbleContext") == 1);
   hand.run("setToolTo selectSuperContext");
@@ -81,11 +27,11 @@ TEST_CASE("quad draw: its locator comes and goes with it, and the scene stays as
   CHECK(hand.hash() == before);
 
   // A node of that name that is something else stays what it is.
-  hand.run(std::string("createNode transform -n ") + kLocator + "; select -cl");
+  hand.run(std::string("createNode transform -n ") + quadHand::kLocator + "; select -cl");
   hand.take();
   CHECK(hand.texts("ls -type quadDrawLocator").size() == 1);
   hand.run("setToolTo selectSuperContext");
-  CHECK(hand.texts(std::string("nodeType ") + kLocator) == names{"transform"});
+  CHECK(hand.texts(std::string("nodeType ") + quadHand::kLocator) == names{"transform"});
 }
 
 TEST_CASE("quad draw: points are placed, moved with Ctrl, and every stroke is a step of undo") {
@@ -217,56 +163,24 @@ TEST_CASE("quad draw: mirrored quads on a mesh share what stands on the plane") 
   CHECK(hand.loose() == 2);
 }
 
-TEST_CASE("quad draw: points lie on the live surface, on the sheet in front") {
-  quadHand hand;
-  hand.run(
-      "polySphere -n far -r 2 -sx 24 -sy 16 -ch 0; setAttr far.translateY -300; duplicate -n under "
-      "far; setAttr under.scale 0.99 0.99 0.99; select -cl");
-  hand.option(
-      "checkBox -e -v 1 enable_slide_soft_select_QXMT_CB; select -r far; "
-      "loadSlideObject_QXMT_Proc");
-  hand.run("select -cl");
-  hand.take();
-  for (int i = 0; i < 5; ++i) hand.placeAt(-1.0 + 0.4 * i, 0.3 * i - 0.5);
-  REQUIRE(hand.loose() == 5);
-  const MPointArray placed = hand.points("parr");
-  MFnMesh mesh(toolkitSession::path("far"));
-  for (unsigned int i = 0; i < placed.length(); ++i) {
-    CHECK(placed[i].y > -300.0);
-    MPoint closest;
-    REQUIRE(mesh.getClosestPoint(placed[i], closest, MSpace::kWorld));
-    CHECK(closest.distanceTo(placed[i]) < 2e-5);
-  }
-  // Beside it the point falls back to the depth of what is nearest.
-  hand.placeAt(5, 0);
-  CHECK(std::isfinite(hand.points("parr")[5].y));
-  hand.run("delete far");
-  hand.placeAt(5, 3);
-  CHECK(hand.loose() == 7);
-}
-
-TEST_CASE("quad draw: bad places and meshes get a message and lose nothing") {
+TEST_CASE("quad draw: three corners of one face make no quad, and a preview goes where none is") {
   quadHand hand;
   hand.run("polyPlane -n plane -w 2 -h 2 -sx 1 -sy 1 -ch 0");
   hand.take();
   hand.run("select -r plane");
-  for (int i = 0; i < 4; ++i) hand.placeAt(3 + i * 0.5, 3);  // all on one line
-  hand.hover(hand.pixel(4, 0, 3));
-  hand.makeAt(4, 3);
-  for (int i = 0; i < 3; ++i) hand.placeAt(-3, 3);  // in one place
-  hand.hover(hand.pixel(-3, 0, 3));
+  hand.placeAt(2, -1);
+  hand.placeAt(2, 1);
+  hand.hoverAt(1.5, 0);
+  REQUIRE(hand.previewed() == 4);
+  // Nearest here: three corners of the plane, and the point beside them.
+  hand.hoverAt(0.4, 0.6);
   CHECK(hand.previewed() == 0);
-  hand.run("delete plane");
-  hand.placeAt(3, 0);
-  hand.hover(hand.pixel(3, 0, 0));
-  hand.run("polyCube -n cube -ch 0; setAttr cube.scaleY 0; select -r cube");
-  hand.placeSquare(2, 0);
-  const host::MessageCapture capture;
-  hand.makeAt(2.5, 0.5);
-  CHECK(hand.faces("cube") == 6);
-  hand.run("file -f -new");
-  hand.placeAt(0, 0);
-  CHECK(hand.loose() == 1);
+  hand.makeAt(0.4, 0.6);
+  CHECK(hand.faces("plane") == 1);
+  CHECK(hand.loose() == 2);
+  // The four of the plane itself.
+  hand.hoverAt(-0.5, 0);
+  CHECK(hand.previewed() == 0);
 }
 
 TEST_CASE("screen index: what is near is found as by looking at everything") {

@@ -301,6 +301,14 @@ TEST_CASE("qxPinVertsCmd: pins are kept with the mesh, shown by a locator, and h
   for (const unsigned int uv : {3U, 4U, 5U, 9U}) CHECK(after.u[uv] == before.u[uv]);
   CHECK(after.u[6] != before.u[6]);
   toolkit.run("undo");
+  // The host's own tools know the pins too, also after another vertex was dragged.
+  toolkit.run("move -r 0.1 0 0 polySurface1.vtx[20]");
+  toolkit.run("select ball.map[*]; unfold -i 100 -ss 0.001 -gb 0 -gmb 0.5 -pub 0 -ps 0 -us off");
+  const uvArrays unfolded = uvsOf("ball");
+  for (const unsigned int uv : {3U, 4U, 5U, 9U}) CHECK(unfolded.u[uv] == before.u[uv]);
+  CHECK(unfolded.u[6] != before.u[6]);
+  toolkit.run("undo");
+  toolkit.run("undo");
   toolkit.run("select polySurface1.vtx[3] polySurface1.vtx[7]; qxPinVertsCmd -upv true");
   toolkit.run(
       "string $left[] = `qxPinVertsCmd -q -pv`; if (stringArrayToString($left, \" \") != "

@@ -8,6 +8,8 @@
 #include "host/api/tool/context_rep.h"
 #include "host/api/view/view_access.h"
 #include "host/base/messages.h"
+#include "host/cmd/session.h"
+#include "host/mel/interpreter.h"
 #include "host/mel/literal.h"
 #include "host/tools/select_tool.h"
 
@@ -160,10 +162,12 @@ void ContextAdapter::complete() {
   fenced(title, [&] { context_->completeAction(); });
 }
 void ContextAdapter::abort() {
+  bool& hasHostsAbort = contextRep(*context_).hasHostsAbort;
+  hasHostsAbort = false;
   fenced(title, [&] { context_->abortAction(); });
   // A gesture that is given up in its midst has no release. Contexts that have no abort of their
   // own end it as they end everything: they are left and taken in hand anew.
-  if (!std::exchange(isGestureOn_, false)) return;
+  if (!std::exchange(isGestureOn_, false) || !hasHostsAbort) return;
   cleanup();
   tools::InputEvent here;
   here.panel = contextRep(*context_).panel;
@@ -188,6 +192,13 @@ std::vector<std::string> ContextAdapter::settings(const std::string& name) {
     lines.push_back(fmt::format("{} -e -{} {} {}", contextClass_->commandName, flag.longName,
                                 mel::flagWords(rep.result), name));
   }
+  // Options that live in windows are the business of the tool's scripts.
+  const std::string ask = contextClass_->commandName + "RecordedSettings";
+  mel::Interpreter& interpreter = cmd::currentSession().interpreter();
+  if (!interpreter.hasProcedure(ask)) return lines;
+  const auto further = interpreter.callProcedure(ask, {});
+  if (!further) return lines;
+  for (std::string& line : further->toTexts()) lines.push_back(std::move(line));
   return lines;
 }
 

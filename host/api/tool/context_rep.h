@@ -33,6 +33,7 @@ struct ContextRep final : SharedRep {
   // The marquee, and what a selection context remembers of a gesture.
   short startX = 0, startY = 0, lastX = 0, lastY = 0;
   bool isMarqueeActive = false, isSelecting = false;
+  bool hasHostsAbort = false;  ///< the last abort reached the host's own
   std::string panel;
 };
 

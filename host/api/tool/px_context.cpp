@@ -59,7 +59,9 @@ MStatus MPxContext::helpStateHasChanged(MEvent&) {
 }
 void MPxContext::deleteAction() {}
 void MPxContext::completeAction() {}
-void MPxContext::abortAction() {}
+void MPxContext::abortAction() {
+  api::contextRep(*this).hasHostsAbort = true;
+}
 MStatus MPxContext::addManipulator(const MObject&) {
   return MStatus::kFailure;
 }

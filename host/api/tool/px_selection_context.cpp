@@ -66,6 +66,7 @@ void MPxSelectionContext::completeAction() {}
 void MPxSelectionContext::abortAction() {
   api::ContextRep& rep = contextRep(*this);
   rep.isMarqueeActive = rep.isSelecting = false;
+  rep.hasHostsAbort = true;
 }
 void MPxSelectionContext::toolOnSetup(MEvent&) {
   contextRep(*this).isSelecting = api::document().selection().isEmpty();

@@ -92,7 +92,10 @@ CommandResult tumbleCtx(Context& context, const ParsedArgs& args) {
 
 }  // namespace
 
+void registerHotkeys(CommandRegistry& registry);
+
 void registerToolCommands(CommandRegistry& registry) {
+  registerHotkeys(registry);
   defineQuery(registry, "setToolTo", Syntax().strings(1, 1), setToolTo);
   defineQuery(registry, "currentCtx", Syntax().queryable(), currentCtx);
   defineQuery(registry, "contextInfo",

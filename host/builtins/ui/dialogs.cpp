@@ -36,6 +36,13 @@ Result<Dialogs::Answer> answer(Context& context, const ParsedArgs& args, const c
   const std::string title = args.text("title"), message = args.text("message");
   postMessage(MessageKind::Info, title.empty() ? message : title + ": " + message);
   Dialogs& dialogs = workspaceOf(context.session).dialogs;
+  if (dialogs.answers.empty() && dialogs.ask) {
+    Dialogs::Answer given =
+        dialogs.ask({title, message, args.text("text"), args.text("defaultButton"),
+                     args.texts("button"), std::string_view(command) == "promptDialog"});
+    if (given.button.empty()) given.button = withoutPerson(args);
+    return given;
+  }
   if (dialogs.answers.empty()) return Dialogs::Answer{withoutPerson(args), {}};
   Dialogs::Answer given = dialogs.answers.front();
   dialogs.answers.pop_front();
@@ -56,7 +63,7 @@ CommandResult confirmDialog(Context& context, const ParsedArgs& args) {
 CommandResult promptDialog(Context& context, const ParsedArgs& args) {
   Dialogs& dialogs = workspaceOf(context.session).dialogs;
   if (args.isQuery()) return mel::Value(dialogs.promptText);
-  const bool isAnswered = !dialogs.answers.empty();
+  const bool isAnswered = !dialogs.answers.empty() || dialogs.ask;
   auto given = answer(context, args, "promptDialog");
   if (!given) return failWith(std::move(given.error()));
   dialogs.promptText = isAnswered && !given->text.empty() ? given->text : args.text("text");

@@ -19,7 +19,7 @@ std::size_t at(Index i) {
 BevelCorners::BevelCorners(const Mesh& mesh, std::span<const EdgeId> edges,
                            const BevelEdgesOptions& options, const math::Matrix4& inverse)
     : mesh_(mesh),
-      adjacency_(mesh.adjacency()),
+      adjacency_(mesh_.adjacency()),
       options_(options),
       inverse_(inverse),
       isPlain_(math::isIdentity(options.space)),
@@ -41,11 +41,27 @@ BevelCorners::BevelCorners(const Mesh& mesh, std::span<const EdgeId> edges,
   }
 }
 
-void BevelCorners::place(mesh::MeshRebuilder& rebuilder) {
+void BevelCorners::place(mesh::MeshRebuilder& rebuilder, const BevelEdgesOptions& trial) {
   rebuilder_ = &rebuilder;
-  offset_ = options_.offsetAsFraction ? options_.offset * 0.5 * shortestEdge() : options_.offset;
+  shortest_ = shortestEdge();
+  offset_ = offsetOf(trial);
+  roundness_ = trial.roundness;
   for (auto& [v, fan] : fans_) placeVertex(v, fan);
   replaceEdges();
+  rebuilder_ = nullptr;
+}
+
+double BevelCorners::offsetOf(const BevelEdgesOptions& options) const {
+  return options.offsetAsFraction ? options.offset * 0.5 * shortest_ : options.offset;
+}
+
+std::vector<math::Vec3f> BevelCorners::placesFor(const BevelEdgesOptions& options) const {
+  const double offset = offsetOf(options);
+  std::vector<math::Vec3f> places;
+  places.reserve(recipes_.size());
+  for (const Recipe& recipe : recipes_)
+    places.push_back(cook(recipe, places, offset, options.roundness));
+  return places;
 }
 
 std::vector<FaceId> BevelCorners::touchedFaces() const {
@@ -66,14 +82,42 @@ Vec3 BevelCorners::pointOf(VertexId v) const {
   return isPlain_ ? mesh_.point(v) : math::transformPoint(mesh_.point(v), options_.space);
 }
 
-Vec3 BevelCorners::placeOf(VertexId v) const {
+Vec3 BevelCorners::placeOf(VertexId v, std::span<const math::Vec3f> places) const {
   if (v < mesh_.vertexCount()) return pointOf(v);
-  const Vec3 p(rebuilder_->point(v));
+  const Vec3 p(places[at(v - mesh_.vertexCount())]);
   return isPlain_ ? p : math::transformPoint(p, options_.space);
 }
 
-VertexId BevelCorners::addVertexAt(const Vec3& p) {
-  return rebuilder_->addVertex((isPlain_ ? p : math::transformPoint(p, inverse_)).toFloat());
+VertexId BevelCorners::add(const Recipe& recipe) {
+  recipes_.push_back(recipe);
+  places_.push_back(cook(recipe, places_, offset_, roundness_));
+  return rebuilder_->addVertex(places_.back());
+}
+
+math::Vec3f BevelCorners::cook(const Recipe& recipe, std::span<const math::Vec3f> places,
+                               double offset, double roundness) const {
+  const auto toObject = [this](const Vec3& p) {
+    return (isPlain_ ? p : math::transformPoint(p, inverse_)).toFloat();
+  };
+  if (recipe.kind == Recipe::Kind::Sector) {
+    Vec3 sum;
+    for (int i = 0; i < recipe.wayCount; ++i) {
+      const Way& way = recipe.ways[at(i)];
+      sum += way.direction * std::min(offset / way.sine, way.most);
+    }
+    return toObject(recipe.base + sum / std::max(recipe.wayCount, 1));
+  }
+  const Vec3 a = placeOf(recipe.from, places), c = recipe.base;
+  const double t = recipe.share, s = 1 - t;
+  if (recipe.kind == Recipe::Kind::Ridge) return toObject(a + (c - a) * t);
+  // An arc that leaves along both faces (a rational quadratic curve).
+  const Vec3 b = placeOf(recipe.to, places);
+  const double cosine = math::dot(math::normalized(a - c), math::normalized(b - c));
+  const double weight = std::sqrt(std::max(0.0, 0.5 * (1 - cosine)));
+  const double sum = s * s + 2 * s * t * weight + t * t;
+  const Vec3 arc = (a * (s * s) + c * (2 * s * t * weight) + b * (t * t)) / sum;
+  const Vec3 flat = a * s + b * t;
+  return toObject(flat + (arc - flat) * roundness);
 }
 
 bool BevelCorners::canBevel(EdgeId e) const {
@@ -108,43 +152,47 @@ bool BevelCorners::hasBevelAt(VertexId v) const {
 
 // How far from v the corner slides along an edge so that it is `offset` away from the bevelled edge
 // beside it.
-Vec3 BevelCorners::slide(VertexId v, EdgeId edge, EdgeId bevelled) const {
+BevelCorners::Way BevelCorners::slide(VertexId v, EdgeId edge, EdgeId bevelled) const {
   const Vec3 u = along(v, edge);
   const double sine = std::max(math::length(math::cross(u, along(v, bevelled))), kLeastSine);
-  if (!options_.autoFit) return u * (offset_ / sine);
+  if (!options_.autoFit) return {u, sine};
   const bool slidesAtBothEnds = hasBevelAt(mesh_.edge(edge).other(v));
-  return u * std::min(offset_ / sine, lengthOf(edge) * (slidesAtBothEnds ? 0.5 : 1.0));
+  return {u, sine, lengthOf(edge) * (slidesAtBothEnds ? 0.5 : 1.0)};
 }
 
 // The way to the place that is `offset` away from two bevelled edges of one face.
-Vec3 BevelCorners::mitre(VertexId v, EdgeId e, EdgeId f) const {
-  const Vec3 a = along(v, e), b = along(v, f);
-  const double sine = math::length(math::cross(a, b));
-  if (std::atan2(sine, math::dot(a, b)) > options_.miteringAngle)
-    return math::normalized(a + b) * offset_;
+BevelCorners::Way BevelCorners::mitre(VertexId v, EdgeId e, EdgeId f) const {
+  const Vec3 a = along(v, e), b = along(v, f), sum = a + b;
+  const double sine = math::length(math::cross(a, b)), length = math::length(sum);
+  if (std::atan2(sine, math::dot(a, b)) > options_.miteringAngle) return {math::normalized(sum), 1};
   const double most = 0.5 * std::min(lengthOf(e), lengthOf(f)) * std::numbers::sqrt2;
-  Vec3 way = (a + b) * (offset_ / std::max(sine, kLeastSine));
-  if (const double length = math::length(way); options_.autoFit && length > most)
-    way *= most / length;
-  return way;
+  const bool isEnding = options_.autoFit && length > 0;
+  return {sum, std::max(sine, kLeastSine), isEnding ? most / length : HUGE_VAL};
 }
 
 // The way of a sector's corner: edges[i] and edges[j] of the fan bound it, those between are left
 // as they are.
-Vec3 BevelCorners::sectorWay(VertexId v, const VertexFan& fan, std::size_t i, std::size_t j) const {
+BevelCorners::Recipe BevelCorners::sector(VertexId v, const VertexFan& fan, std::size_t i,
+                                          std::size_t j) const {
   const bool isBoundedBefore = isBevelled(fan.edges[i]), isBoundedAfter = isBevelled(fan.edges[j]);
-  if (isBoundedBefore && isBoundedAfter && j == i + 1) return mitre(v, fan.edges[i], fan.edges[j]);
-  Vec3 sum;
-  int count = 0;
-  if (isBoundedBefore) {
-    sum += slide(v, fan.edges[i + 1], fan.edges[i]);
-    ++count;
+  Recipe recipe;
+  recipe.base = pointOf(v);
+  const auto go = [&](const Way& way) { recipe.ways[at(recipe.wayCount++)] = way; };
+  if (isBoundedBefore && isBoundedAfter && j == i + 1) {
+    go(mitre(v, fan.edges[i], fan.edges[j]));
+    return recipe;
   }
-  if (isBoundedAfter) {
-    sum += slide(v, fan.edges[j - 1], fan.edges[j]);
-    ++count;
-  }
-  return sum / std::max(count, 1);
+  if (isBoundedBefore) go(slide(v, fan.edges[i + 1], fan.edges[i]));
+  if (isBoundedAfter) go(slide(v, fan.edges[j - 1], fan.edges[j]));
+  return recipe;
+}
+
+BevelCorners::Recipe BevelCorners::alongEdge(VertexId v, EdgeId edge, EdgeId bevelled) const {
+  Recipe recipe;
+  recipe.base = pointOf(v);
+  recipe.ways[0] = slide(v, edge, bevelled);
+  recipe.wayCount = 1;
+  return recipe;
 }
 
 void BevelCorners::placeVertex(VertexId v, VertexFan& fan) {
@@ -172,7 +220,7 @@ void BevelCorners::placeSectors(VertexId v, const VertexFan& fan,
   std::vector<VertexId> sectors;
   for (std::size_t s = 0; s + 1 < bounds.size(); ++s) {
     const std::size_t i = bounds[s], j = bounds[s + 1];
-    sectors.push_back(addVertexAt(pointOf(v) + sectorWay(v, fan, i, j)));
+    sectors.push_back(add(sector(v, fan, i, j)));
     const Range range = stored({&sectors.back(), 1});
     for (std::size_t k = i; k < j; ++k) corners_[fan.corners[k]] = range;
     for (std::size_t k = i; k <= j; ++k)
@@ -208,8 +256,8 @@ void BevelCorners::placeEnd(VertexId v, const VertexFan& fan) {
     profiles_[endKey(edge, v)] = stored(point);
     return;
   }
-  const VertexId first = addVertexAt(pointOf(v) + slide(v, fan.edges[1], edge));
-  const VertexId last = addVertexAt(pointOf(v) + slide(v, fan.edges[m - 1], edge));
+  const VertexId first = add(alongEdge(v, fan.edges[1], edge));
+  const VertexId last = add(alongEdge(v, fan.edges[m - 1], edge));
   std::vector<VertexId> profile = makeProfile(first, last, v);
   profiles_[endKey(edge, v)] = stored(profile);
   corners_[fan.corners.front()] = stored({&first, 1});
@@ -238,20 +286,18 @@ void BevelCorners::placeEnd(VertexId v, const VertexFan& fan) {
   caps_.push_back({v, cap});
 }
 
-// Vertices from one corner to another on an arc that leaves along both faces (a rational quadratic
-// curve).
+// Vertices from one corner to another around the old one.
 std::vector<VertexId> BevelCorners::makeProfile(VertexId from, VertexId to, VertexId corner) {
   if (!options_.chamfer) return makeRidge(from, to, corner);
   std::vector<VertexId> profile{from};
-  const Vec3 a = placeOf(from), b = placeOf(to), c = pointOf(corner);
-  const double cosine = math::dot(math::normalized(a - c), math::normalized(b - c));
-  const double weight = std::sqrt(std::max(0.0, 0.5 * (1 - cosine)));
+  Recipe recipe;
+  recipe.kind = Recipe::Kind::Profile;
+  recipe.base = pointOf(corner);
+  recipe.from = from;
+  recipe.to = to;
   for (int i = 1; i < options_.segments; ++i) {
-    const double t = static_cast<double>(i) / options_.segments, s = 1 - t;
-    const double sum = s * s + 2 * s * t * weight + t * t;
-    const Vec3 arc = (a * (s * s) + c * (2 * s * t * weight) + b * (t * t)) / sum;
-    const Vec3 flat = a * s + b * t;
-    profile.push_back(addVertexAt(flat + (arc - flat) * options_.roundness));
+    recipe.share = static_cast<double>(i) / options_.segments;
+    profile.push_back(add(recipe));
   }
   profile.push_back(to);
   return profile;
@@ -264,9 +310,14 @@ std::vector<VertexId> BevelCorners::makeRidge(VertexId from, VertexId to, Vertex
   const auto wayFrom = [&](VertexId start) {
     if (!ridges_.find(start)) {
       std::vector<VertexId> way{start};
-      const Vec3 a = placeOf(start), c = pointOf(corner);
-      for (int i = 1; i < steps; ++i)
-        way.push_back(addVertexAt(a + (c - a) * (static_cast<double>(i) / steps)));
+      Recipe recipe;
+      recipe.kind = Recipe::Kind::Ridge;
+      recipe.base = pointOf(corner);
+      recipe.from = start;
+      for (int i = 1; i < steps; ++i) {
+        recipe.share = static_cast<double>(i) / steps;
+        way.push_back(add(recipe));
+      }
       ridges_[start] = stored(way);
     }
     const auto way = listAt(ridges_, start);

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <array>
+#include <cmath>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -18,14 +21,22 @@ class BevelCorners {
   /// @param edges ascending, no repeats
   BevelCorners(const Mesh& mesh, std::span<const EdgeId> edges, const BevelEdgesOptions& options,
                const math::Matrix4& inverse);
+  BevelCorners(const BevelCorners&) = delete;
+  BevelCorners& operator=(const BevelCorners&) = delete;
 
   /// The edges that can be bevelled, ascending.
   [[nodiscard]] const std::vector<EdgeId>& edges() const { return edges_; }
-  /// Adds the new vertices and says what becomes of edges that are left.
-  void place(mesh::MeshRebuilder& rebuilder);
+  /// Adds the new vertices, as far out and as round as `trial` says, and says what becomes of edges
+  /// that are left.
+  void place(mesh::MeshRebuilder& rebuilder, const BevelEdgesOptions& trial);
 
-  /// How far the new edges are from the old ones, in the space of the options; once placed.
-  [[nodiscard]] double offset() const { return offset_; }
+  /// How far the new edges are from the old ones, in the space of the options.
+  [[nodiscard]] double offsetOf(const BevelEdgesOptions& options) const;
+  /// Where the new vertices are, in the order in which they were added, in object space. Options
+  /// may differ in offset and roundness from those of the corners.
+  [[nodiscard]] std::vector<math::Vec3f> placesFor(const BevelEdgesOptions& options) const;
+  /// The same for the trial.
+  [[nodiscard]] const std::vector<math::Vec3f>& places() const { return places_; }
   /// What a corner becomes, in loop order; empty when it stays.
   [[nodiscard]] std::span<const VertexId> atCorner(CornerId c) const { return listAt(corners_, c); }
   /// The vertices across a bevelled edge at its end, from the face that walks away from `end` on.
@@ -41,10 +52,27 @@ class BevelCorners {
     std::vector<VertexId> loop;
   };
   [[nodiscard]] const std::vector<Cap>& caps() const { return caps_; }
-  /// Where an old or new vertex is, in the space of the options.
-  [[nodiscard]] math::Vec3 placeOf(VertexId v) const;
+  /// Where an old or new vertex is, in the space of the options, with the new ones at `places`.
+  [[nodiscard]] math::Vec3 placeOf(VertexId v, std::span<const math::Vec3f> places) const;
 
  private:
+  /// A way that grows with the offset up to an end.
+  struct Way {
+    math::Vec3 direction;
+    double sine = 1;  ///< a step of offset / sine
+    double most = HUGE_VAL;
+  };
+  /// How a new vertex follows from offset and roundness. Along a profile or a ridge it lies between
+  /// two vertices, new ones of a lower number or old ones.
+  struct Recipe {
+    enum class Kind : std::uint8_t { Sector, Profile, Ridge };
+    Kind kind = Kind::Sector;
+    int wayCount = 0;           ///< a sector's: it goes the mean of them
+    std::array<Way, 2> ways{};  ///< a sector's
+    math::Vec3 base;            ///< where the old vertex is, in the space of the options
+    VertexId from = kNone, to = kNone;
+    double share = 0;  ///< how far from the one to the other; a ridge goes from one to the base
+  };
   struct Range {
     std::size_t first = 0, count = 0;
   };
@@ -68,12 +96,14 @@ class BevelCorners {
   [[nodiscard]] double shortestEdge() const;
   [[nodiscard]] math::Vec3 along(VertexId v, EdgeId e) const;
   [[nodiscard]] bool hasBevelAt(VertexId v) const;
-  [[nodiscard]] math::Vec3 slide(VertexId v, EdgeId edge, EdgeId bevelled) const;
-  [[nodiscard]] math::Vec3 mitre(VertexId v, EdgeId e, EdgeId f) const;
-  [[nodiscard]] math::Vec3 sectorWay(VertexId v, const VertexFan& fan, std::size_t i,
-                                     std::size_t j) const;
+  [[nodiscard]] Way slide(VertexId v, EdgeId edge, EdgeId bevelled) const;
+  [[nodiscard]] Way mitre(VertexId v, EdgeId e, EdgeId f) const;
+  [[nodiscard]] Recipe sector(VertexId v, const VertexFan& fan, std::size_t i, std::size_t j) const;
+  [[nodiscard]] Recipe alongEdge(VertexId v, EdgeId edge, EdgeId bevelled) const;
+  [[nodiscard]] math::Vec3f cook(const Recipe& recipe, std::span<const math::Vec3f> places,
+                                 double offset, double roundness) const;
 
-  VertexId addVertexAt(const math::Vec3& p);
+  VertexId add(const Recipe& recipe);
   void placeVertex(VertexId v, VertexFan& fan);
   void placeSectors(VertexId v, const VertexFan& fan, std::span<const std::size_t> bounds);
   void placeEnd(VertexId v, const VertexFan& fan);
@@ -81,16 +111,19 @@ class BevelCorners {
   std::vector<VertexId> makeRidge(VertexId from, VertexId to, VertexId corner);
   void replaceEdges();
 
-  const Mesh& mesh_;
+  Mesh mesh_;
   const mesh::Adjacency& adjacency_;
-  const BevelEdgesOptions& options_;
+  BevelEdgesOptions options_;
   math::Matrix4 inverse_;
   bool isPlain_;  // the space is that of the object
   mesh::MeshRebuilder* rebuilder_ = nullptr;
   std::vector<std::uint8_t> isBevelled_;
   std::vector<EdgeId> edges_;
   std::vector<std::pair<VertexId, VertexFan>> fans_;
-  double offset_ = 0;
+  double offset_ = 0, roundness_ = 0;  // of the trial
+  double shortest_ = 0;
+  std::vector<Recipe> recipes_;
+  std::vector<math::Vec3f> places_;
   std::vector<VertexId> pool_;
   FlatMap<Range> corners_, profiles_, ridges_;
   FlatMap<VertexId> edgeEnds_;  // where an edge ends that was moved

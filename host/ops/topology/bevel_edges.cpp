@@ -1,18 +1,33 @@
 #include "host/ops/topology/bevel_edges.h"
 
-#include <array>
+#include <algorithm>
 #include <cmath>
 #include <numeric>
 
-#include "host/math/frame.h"
-#include "host/mesh/normals.h"
-#include "host/mesh/rebuild.h"
-#include "host/mesh/shells.h"
 #include "host/ops/topology/bevel_corners.h"
+#include "host/ops/topology/bevel_faces.h"
+#include "host/ops/topology/bevel_uvs.h"
+#include "host/ops/topology/bevel_weld.h"
 #include "host/ops/topology/soft_edges.h"
-#include "host/ops/topology/weld.h"
 
 namespace host::ops {
+
+/// What is the same however wide the bevel is.
+struct BevelPlan::Data {
+  Data(const Mesh& mesh, std::span<const EdgeId> edges, const BevelEdgesOptions& optionsIn,
+       const math::Matrix4& inverse)
+      : options(optionsIn), before(mesh), corners(mesh, edges, optionsIn, inverse) {}
+
+  BevelEdgesOptions options;
+  Mesh before;
+  BevelCorners corners;
+  BevelledMesh built;
+  std::unique_ptr<BevelUvs> uvs;
+  std::vector<EdgeSides> softened;                    // edges of new faces
+  std::vector<mesh::EdgeVertices> newEdges;           // edges that join new vertices
+  mutable std::shared_ptr<const WeldedBevel> welded;  // the last that came together
+};
+
 namespace {
 
 using math::Vec3;
@@ -24,293 +39,6 @@ std::size_t at(Index i) {
 // Vertices nearer than this fraction of the offset came together; a bevel that is small all over
 // is none of the tolerance's business.
 constexpr double kWeldedShare = 0.01;
-
-/// Where a new corner's data comes from: corners of one face, or of the two at an edge.
-struct Blend {
-  std::array<mesh::CornerWeight, 6> parts;
-  std::size_t count = 0;
-
-  void add(CornerId corner, double weight) { parts[count++] = {corner, weight}; }
-  void add(const Blend& other, double weight) {
-    for (std::size_t i = 0; i < other.count; ++i)
-      add(other.parts[i].corner, other.parts[i].weight * weight);
-  }
-  [[nodiscard]] std::span<const mesh::CornerWeight> span() const { return {parts.data(), count}; }
-};
-Blend only(CornerId corner) {
-  Blend blend;
-  blend.add(corner, 1);
-  return blend;
-}
-Blend mixed(const Blend& a, const Blend& b, double t) {
-  Blend blend;
-  blend.add(a, 1 - t);
-  blend.add(b, t);
-  return blend;
-}
-
-struct LoopPlace {
-  VertexId vertex = kNone;
-  Blend blend;
-};
-
-/// Builds the faces of a bevel around the vertices that BevelCorners places.
-class Beveller {
- public:
-  Beveller(const Mesh& mesh, BevelCorners& corners, const BevelEdgesOptions& options)
-      : mesh_(mesh),
-        adjacency_(mesh.adjacency()),
-        corners_(corners),
-        options_(options),
-        rebuilder_(mesh_) {
-    rebuilder_.keepAllVertices();
-  }
-
-  BevelEdgesResult run(Mesh& mesh) {
-    corners_.place(rebuilder_);
-    BevelEdgesResult result;
-    buildFaces();
-    for (const EdgeId e : corners_.edges()) buildStrip(e, result.strips);
-    if (options_.fillNgons) buildCaps(result.caps);
-    mesh::Rebuilt rebuilt = rebuilder_.finish({.dropUnusedVertices = true});
-    firstNewVertex_ = 0;
-    for (VertexId v = mesh_.vertexCount(); v-- > 0 && firstNewVertex_ == 0;)
-      firstNewVertex_ = rebuilt.vertexMap[at(v)] + 1;
-    rebuilt.vertexMap.resize(at(mesh_.vertexCount()));
-    result.maps.vertices = std::move(rebuilt.vertexMap);
-    result.maps.edges = std::move(rebuilt.edgeMap);
-    result.maps.faces.resize(at(mesh_.faceCount()));
-    std::iota(result.maps.faces.begin(), result.maps.faces.end(), 0);
-    mesh = std::move(rebuilt.mesh);
-    return result;
-  }
-  /// New vertices come last; the first one's id.
-  [[nodiscard]] VertexId firstNewVertex() const { return firstNewVertex_; }
-
- private:
-  // The face's data at a place near one of its corners: the place in terms of the two edges there.
-  [[nodiscard]] Blend blendAt(CornerId c, VertexId vertex) const {
-    const CornerId next = adjacency_.nextCorner(c), previous = adjacency_.previousCorner(c);
-    const Vec3 p = corners_.placeOf(mesh_.cornerVertex(c)), d = corners_.placeOf(vertex) - p;
-    const Vec3 a = corners_.placeOf(mesh_.cornerVertex(next)) - p,
-               b = corners_.placeOf(mesh_.cornerVertex(previous)) - p;
-    const double aa = math::dot(a, a), bb = math::dot(b, b), ab = math::dot(a, b);
-    const double da = math::dot(d, a), db = math::dot(d, b), determinant = aa * bb - ab * ab;
-    double s = 0, t = 0;
-    if (determinant > 1e-9 * aa * bb) {
-      s = (da * bb - db * ab) / determinant;
-      t = (db * aa - da * ab) / determinant;
-    } else if (aa > 0) {
-      s = da / aa;
-    }
-    Blend blend;
-    blend.add(c, 1 - s - t);
-    blend.add(next, s);
-    blend.add(previous, t);
-    return blend;
-  }
-
-  void buildFaces() {
-    FaceId next = 0;
-    for (const FaceId f : corners_.touchedFaces()) {
-      rebuilder_.copyFaces(next, f);
-      next = f + 1;
-      rebuilder_.beginFace(f);
-      for (CornerId c = mesh_.firstCorner(f); c < mesh_.firstCorner(f + 1); ++c) {
-        const auto moved = corners_.atCorner(c);
-        if (moved.empty()) rebuilder_.addCorner(mesh_.cornerVertex(c), c);
-        for (const VertexId v : moved) {
-          if (v < mesh_.vertexCount())
-            rebuilder_.addCorner(v, c);
-          else
-            rebuilder_.addCorner(v, blendAt(c, v).span());
-        }
-      }
-      rebuilder_.endFace();
-    }
-    rebuilder_.copyFaces(next, mesh_.faceCount());
-  }
-
-  [[nodiscard]] bool isSeam(EdgeId e) const {
-    for (int s = 0; s < mesh_.uvSetCount(); ++s)
-      if (mesh::isUvSeam(mesh_, s, e)) return true;
-    return false;
-  }
-
-  void addLoop(std::span<const LoopPlace> loop, FaceId source, std::vector<FaceId>& faces) {
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < loop.size(); ++i)
-      count += loop[i].vertex != loop[(i + 1) % loop.size()].vertex ? 1 : 0;
-    if (count < 3) return;
-    rebuilder_.beginFace(source);
-    for (std::size_t i = 0; i < loop.size(); ++i)
-      if (loop[i].vertex != loop[(i + 1) % loop.size()].vertex)
-        rebuilder_.addCorner(loop[i].vertex, loop[i].blend.span());
-    faces.push_back(rebuilder_.endFace());
-  }
-
-  /// One end of a strip: the corners there of the faces on both sides, and the profile from the
-  /// side of the face that walks the edge forwards.
-  struct End {
-    CornerId near, far;
-    std::span<const VertexId> profile;
-    bool isReversed;
-
-    [[nodiscard]] VertexId vertex(std::size_t i) const {
-      return isReversed ? profile[profile.size() - 1 - i] : profile[i];
-    }
-  };
-
-  // The data at a fraction t of the way across. A ridge parts the two sides.
-  [[nodiscard]] Blend blendAcross(const End& end, double t, bool isFarHalf, bool isSplit) const {
-    const std::size_t last = end.profile.size() - 1;
-    const auto nearBlend = [&] { return blendAt(end.near, end.vertex(0)); };
-    const auto farBlend = [&] { return blendAt(end.far, end.vertex(last)); };
-    if (!options_.chamfer)
-      return isFarHalf ? mixed(only(end.far), farBlend(), 2 * t - 1)
-                       : mixed(nearBlend(), only(end.near), 2 * t);
-    if (t == 0) return nearBlend();
-    return mixed(nearBlend(), isSplit ? only(end.near) : farBlend(), t);
-  }
-
-  void buildStrip(EdgeId e, std::vector<FaceId>& faces) {
-    const auto walks = adjacency_.edgeCorners(e);
-    const bool isFirstForward = mesh_.cornerVertex(walks[0]) == mesh_.edge(e).a;
-    const CornerId out = walks[isFirstForward ? 0 : 1], back = walks[isFirstForward ? 1 : 0];
-    const auto [v, w] = mesh_.edge(e);
-    // At its other end the edge's sides are the other way round.
-    const End atV{out, adjacency_.nextCorner(back), corners_.profile(e, v), false};
-    const End atW{adjacency_.nextCorner(out), back, corners_.profile(e, w), true};
-    const bool isSplit = isSeam(e);
-    const FaceId largest = largestFace(walks);
-    const auto n = atV.profile.size() - 1;
-    for (std::size_t j = 0; j < n; ++j) {
-      const double t0 = static_cast<double>(j) / static_cast<double>(n),
-                   t1 = static_cast<double>(j + 1) / static_cast<double>(n);
-      const bool isFarHalf = 2 * j >= n;
-      const std::array<LoopPlace, 4> loop{
-          {{atV.vertex(j), blendAcross(atV, t0, isFarHalf, isSplit)},
-           {atV.vertex(j + 1), blendAcross(atV, t1, isFarHalf, isSplit)},
-           {atW.vertex(j + 1), blendAcross(atW, t1, isFarHalf, isSplit)},
-           {atW.vertex(j), blendAcross(atW, t0, isFarHalf, isSplit)}}};
-      addLoop(loop, largest, faces);
-    }
-  }
-
-  /// The one of the faces at some corners with the most area: what new faces between them are a
-  /// piece of.
-  [[nodiscard]] FaceId largestFace(std::span<const CornerId> corners) const {
-    FaceId largest = kNone;
-    double most = -1;
-    for (const CornerId c : corners) {
-      const FaceId face = adjacency_.cornerFace(c);
-      const double area = mesh::faceArea(mesh_, face);
-      if (area <= most) continue;
-      most = area;
-      largest = face;
-    }
-    return largest;
-  }
-
-  void buildCaps(std::vector<FaceId>& faces) {
-    for (const BevelCorners::Cap& cap : corners_.caps()) {
-      const CornerId c = adjacency_.vertexCorners(cap.vertex)[0];
-      std::vector<LoopPlace> loop;
-      for (const VertexId v : cap.loop)
-        loop.push_back({v, v < mesh_.vertexCount() ? only(c) : blendAt(c, v)});
-      addLoop(loop, largestFace(adjacency_.vertexCorners(cap.vertex)), faces);
-    }
-  }
-
-  Mesh mesh_;
-  const mesh::Adjacency& adjacency_;
-  BevelCorners& corners_;
-  const BevelEdgesOptions& options_;
-  mesh::MeshRebuilder rebuilder_;
-  VertexId firstNewVertex_ = 0;
-};
-
-// Welds new vertices that the bevel drew together along an edge.
-void weldNewVertices(Mesh& mesh, VertexId firstNew, const math::Matrix4& space, double tolerance,
-                     BevelEdgesResult& result) {
-  JoinedSets joined(at(mesh.vertexCount() - firstNew));
-  bool isAny = false;
-  for (EdgeId e = 0; e < mesh.edgeCount(); ++e) {
-    const auto [a, b] = mesh.edge(e);
-    if (a < firstNew || b < firstNew) continue;
-    const Vec3 p = math::transformPoint(mesh.point(a), space),
-               q = math::transformPoint(mesh.point(b), space);
-    if (math::distance(p, q) >= tolerance) continue;
-    joined.join(a - firstNew, b - firstNew);
-    isAny = true;
-  }
-  if (!isAny) return;
-  std::vector<VertexId> targets(at(mesh.vertexCount()));
-  std::iota(targets.begin(), targets.end(), 0);
-  for (VertexId v = firstNew; v < mesh.vertexCount(); ++v)
-    targets[at(v)] = firstNew + joined.lowest(v - firstNew);
-  const EditMaps welded = weldVertices(mesh, targets);
-  const auto follow = [](std::vector<Index>& ids, const std::vector<Index>& map) {
-    for (Index& id : ids)
-      if (id != kNone) id = map[at(id)];
-  };
-  follow(result.maps.vertices, welded.vertices);
-  follow(result.maps.edges, welded.edges);
-  follow(result.maps.faces, welded.faces);
-  for (auto* faces : {&result.strips, &result.caps}) {
-    follow(*faces, welded.faces);
-    std::erase(*faces, kNone);
-  }
-}
-
-// Gives faces UVs of their own, as they look along their normals, about the middle of those they
-// have and at the scale of the mesh.
-void projectUvs(Mesh& mesh, std::span<const FaceId> faces) {
-  for (int s = 0; s < mesh.uvSetCount(); ++s) {
-    if (mesh.uvSet(s).cornerIds.empty()) continue;
-    mesh::UvSet& set = mesh.editUvSet(s);
-    const auto uvAt = [&](CornerId c) { return set.points[at(set.cornerIds[at(c)])]; };
-    double area = 0, uvArea = 0;
-    for (FaceId f = 0; f < mesh.faceCount(); ++f) {
-      const CornerId first = mesh.firstCorner(f), end = mesh.firstCorner(f + 1);
-      if (set.cornerIds[at(first)] < 0) continue;
-      double twice = 0;
-      for (CornerId c = first; c < end; ++c) {
-        const auto a = uvAt(c), b = uvAt(c + 1 < end ? c + 1 : first);
-        twice += static_cast<double>(a.u) * b.v - static_cast<double>(b.u) * a.v;
-      }
-      uvArea += 0.5 * std::abs(twice);
-      area += mesh::faceArea(mesh, f);
-    }
-    const double scale = area > 0 && uvArea > 0 ? std::sqrt(uvArea / area) : 1;
-    for (const FaceId f : faces) {
-      const CornerId first = mesh.firstCorner(f), end = mesh.firstCorner(f + 1);
-      if (set.cornerIds[at(first)] < 0) continue;
-      double u = 0, v = 0;
-      for (CornerId c = first; c < end; ++c) {
-        u += static_cast<double>(uvAt(c).u) / (end - first);
-        v += static_cast<double>(uvAt(c).v) / (end - first);
-      }
-      const math::Frame frame = math::frameFromNormal(
-          mesh::faceCenter(mesh, f), mesh::faceAreaVector(mesh, f),
-          mesh.point(mesh.cornerVertex(first + 1)) - mesh.point(mesh.cornerVertex(first)));
-      for (CornerId c = first; c < end; ++c) {
-        const Vec3 p = frame.toLocal(mesh.point(mesh.cornerVertex(c)));
-        set.cornerIds[at(c)] = static_cast<UvId>(set.points.size());
-        set.points.push_back(
-            {static_cast<float>(u + p.x * scale), static_cast<float>(v + p.y * scale)});
-      }
-    }
-  }
-}
-
-void softenNewEdges(Mesh& mesh, const BevelEdgesResult& result, double angle) {
-  std::vector<EdgeId> edges;
-  for (const auto* faces : {&result.strips, &result.caps})
-    for (const FaceId f : *faces)
-      edges.insert(edges.end(), mesh.faceEdges(f).begin(), mesh.faceEdges(f).end());
-  softenSides(mesh, sidesOfEdges(mesh, sortedIds(edges)), angle);
-}
 
 Result<math::Matrix4> checkOptions(const BevelEdgesOptions& options) {
   constexpr int kMostSegments = 1000;
@@ -326,30 +54,138 @@ Result<math::Matrix4> checkOptions(const BevelEdgesOptions& options) {
   return *inverse;
 }
 
+bool isSameSpace(const math::Matrix4& a, const math::Matrix4& b) {
+  for (int row = 0; row < 4; ++row)
+    for (int column = 0; column < 4; ++column)
+      if (a[row][column] != b[row][column]) return false;
+  return true;
+}
+
+/// Without a chamfer there is a ridge in the middle.
+BevelEdgesOptions evened(BevelEdgesOptions options) {
+  if (!options.chamfer) options.segments += options.segments % 2;
+  return options;
+}
+
+/// Whether corners blend more than UVs, which are the only ones that are blended anew.
+bool hasMoreToBlend(const Mesh& mesh) {
+  bool hasMore = !mesh.lockedNormals().locked.empty();
+  for (int s = 0; s < mesh.colorSetCount(); ++s)
+    hasMore = hasMore || !mesh.colorSet(s).cornerIds.empty();
+  return hasMore;
+}
+
+/// Which UVs corners share shows where the bevel is neither closed nor at the end of its edges.
+BevelEdgesOptions trialOf(const Mesh& mesh, const BevelEdgesOptions& options) {
+  BevelEdgesOptions trial = options;
+  if (hasMoreToBlend(mesh)) return trial;
+  trial.offsetAsFraction = true;
+  trial.offset = trial.roundness = 0.5;
+  return trial;
+}
+
+// A template, since what it fills is the plan's own.
+template <class Data>
+void build(Data& data) {
+  data.built =
+      buildBevel(data.before, data.corners, data.options, trialOf(data.before, data.options));
+  BevelledMesh& built = data.built;
+  data.uvs = std::make_unique<BevelUvs>(
+      data.before, built,
+      data.options.uvAssignment == BevelEdgesOptions::UvAssignment::PlanarPerFace);
+  for (EdgeId e = 0; e < built.mesh.edgeCount(); ++e)
+    if (const auto ends = built.mesh.edge(e); ends.a >= built.firstNew && ends.b >= built.firstNew)
+      data.newEdges.push_back(ends);
+  data.softened = sidesOfNewFaces(built.mesh, built.result);
+}
+
+/// @return what the weld made of the result; null when there was nothing to weld
+template <class Data>
+std::shared_ptr<const BevelEdgesResult> placeBevel(const Data& data,
+                                                   const BevelEdgesOptions& options, Mesh& mesh) {
+  const BevelledMesh& built = data.built;
+  const std::vector<math::Vec3f> places = data.corners.placesFor(options);
+  mesh = built.mesh;
+  const auto points = mesh.editPoints();
+  for (std::size_t i = 0; i < places.size(); ++i)
+    if (built.added[i] != kNone) points[at(built.added[i])] = places[i];
+  data.uvs->place(data.before, built, data.corners, places, mesh);
+  std::vector<Index> targets;
+  if (options.mergeVertices)
+    targets = joinedVertices(
+        mesh, built.firstNew, data.newEdges, options.space,
+        std::min(options.mergeTolerance, kWeldedShare * data.corners.offsetOf(options)));
+  if (targets.empty()) {
+    softenSides(mesh, data.softened, options.smoothingAngle);
+    return nullptr;
+  }
+  if (data.welded && data.welded->targets == targets && data.welded->keepsUvsOf(mesh)) {
+    mesh = data.welded->placedAs(mesh, built.firstNew);
+  } else {
+    data.welded = weldBevel(built, std::move(mesh), std::move(targets));
+    mesh = data.welded->mesh;
+  }
+  softenSides(mesh, data.welded->softened, options.smoothingAngle);
+  return data.welded->result;
+}
+
+Result<math::Matrix4> check(const Mesh& mesh, std::span<const EdgeId> edges,
+                            const BevelEdgesOptions& options) {
+  HOST_TRY(checkIds("edge", edges, mesh.edgeCount()));
+  return checkOptions(options);
+}
+
+Result<void> checkAnyIsLeft(const BevelCorners& corners) {
+  if (!corners.edges().empty()) return {};
+  return fail("None of the edges can be bevelled: they need two faces wound alike");
+}
+
 }  // namespace
 
-Result<BevelEdgesResult> bevelEdges(Mesh& mesh, std::span<const EdgeId> edges,
-                                    const BevelEdgesOptions& asked) {
-  HOST_TRY(checkIds("edge", edges, mesh.edgeCount()));
-  const auto inverse = checkOptions(asked);
+Result<BevelPlan> BevelPlan::make(const Mesh& mesh, std::span<const EdgeId> edges,
+                                  const BevelEdgesOptions& options) {
+  const auto inverse = check(mesh, edges, options);
   if (!inverse) return failWith(inverse.error());
-  BevelEdgesOptions options = asked;
-  if (!options.chamfer) options.segments += options.segments % 2;
-  const Mesh before = mesh;
-  BevelCorners corners(before, sortedIds(edges), options, *inverse);
-  if (corners.edges().empty())
-    return fail("None of the edges can be bevelled: they need two faces wound alike");
-  Beveller beveller(before, corners, options);
-  BevelEdgesResult result = beveller.run(mesh);
-  if (options.mergeVertices)
-    weldNewVertices(mesh, beveller.firstNewVertex(), options.space,
-                    std::min(options.mergeTolerance, kWeldedShare * corners.offset()), result);
-  if (options.uvAssignment == BevelEdgesOptions::UvAssignment::PlanarPerFace) {
-    projectUvs(mesh, result.strips);
-    projectUvs(mesh, result.caps);
-  }
-  softenNewEdges(mesh, result, options.smoothingAngle);
-  return result;
+  const auto data = std::make_shared<Data>(mesh, sortedIds(edges), evened(options), *inverse);
+  HOST_TRY(checkAnyIsLeft(data->corners));
+  build(*data);
+  BevelPlan plan;
+  plan.data_ = data;
+  return plan;
+}
+
+bool BevelPlan::hasTopologyOf(const BevelEdgesOptions& asked) const {
+  if (!data_) return false;
+  const BevelEdgesOptions options = evened(asked), &own = data_->options;
+  const bool isSameFaces = options.segments == own.segments && options.autoFit == own.autoFit &&
+                           options.fillNgons == own.fillNgons &&
+                           options.miteringAngle == own.miteringAngle &&
+                           options.uvAssignment == own.uvAssignment &&
+                           options.chamfer == own.chamfer && isSameSpace(options.space, own.space);
+  const bool isSamePlace = options.offset == own.offset &&
+                           options.offsetAsFraction == own.offsetAsFraction &&
+                           options.roundness == own.roundness;
+  return isSameFaces && (isSamePlace || !hasMoreToBlend(data_->before));
+}
+
+Result<BevelPlan::Placed> BevelPlan::place(const BevelEdgesOptions& asked) const {
+  if (const auto checked = checkOptions(asked); !checked) return failWith(checked.error());
+  if (!hasTopologyOf(asked)) return fail("The bevel's topology has changed; plan it again");
+  Placed placed;
+  placed.result = placeBevel(*data_, evened(asked), placed.mesh);
+  if (!placed.result) placed.result = {data_, &data_->built.result};
+  return placed;
+}
+
+Result<BevelEdgesResult> bevelEdges(Mesh& mesh, std::span<const EdgeId> edges,
+                                    const BevelEdgesOptions& options) {
+  const auto inverse = check(mesh, edges, options);
+  if (!inverse) return failWith(inverse.error());
+  BevelPlan::Data data(mesh, sortedIds(edges), evened(options), *inverse);
+  HOST_TRY(checkAnyIsLeft(data.corners));
+  build(data);
+  if (const auto welded = placeBevel(data, data.options, mesh)) return *welded;
+  return std::move(data.built.result);
 }
 
 }  // namespace host::ops

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <numbers>
 #include <span>
 
@@ -57,5 +58,38 @@ struct BevelEdgesResult {
 /// or when no listed edge can be bevelled, with `mesh` untouched.
 [[nodiscard]] Result<BevelEdgesResult> bevelEdges(Mesh& mesh, std::span<const EdgeId> edges,
                                                   const BevelEdgesOptions& options = {});
+
+/// A bevel whose faces are there and whose vertices are still to be placed: for changing the offset
+/// many times, as a drag does. Copies are cheap and share everything.
+///
+/// Keep it for one input mesh and one set of edges; hasTopologyOf() tells whether other options
+/// need a new plan.
+class BevelPlan {
+ public:
+  /// Costs what bevelEdges() does.
+  /// @return an error as bevelEdges() gives it
+  [[nodiscard]] static Result<BevelPlan> make(const Mesh& mesh, std::span<const EdgeId> edges,
+                                              const BevelEdgesOptions& options);
+  /// Whether options differ from those of the plan only in how wide, how round and how soft the
+  /// bevel is, and in what is welded. Of a mesh with colours or locked normals, which blend as UVs
+  /// do, not in width and roundness either.
+  [[nodiscard]] bool hasTopologyOf(const BevelEdgesOptions& options) const;
+
+  struct Placed {
+    Mesh mesh;
+    std::shared_ptr<const BevelEdgesResult> result;
+  };
+  /// What bevelEdges() makes with these options. While no vertices come together the mesh shares
+  /// all arrays but points, UVs and edge smoothness with the plan, and it costs a copy of these and
+  /// what is new.
+  /// @return an error for bad numbers, or for options that need another plan
+  [[nodiscard]] Result<Placed> place(const BevelEdgesOptions& options) const;
+
+ private:
+  struct Data;
+  friend Result<BevelEdgesResult> bevelEdges(Mesh&, std::span<const EdgeId>,
+                                             const BevelEdgesOptions&);
+  std::shared_ptr<const Data> data_;
+};
 
 }  // namespace host::ops

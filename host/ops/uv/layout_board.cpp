@@ -31,6 +31,12 @@ Extent between(const std::array<Point, 3>& t, double low, double high) {
   return extent;
 }
 
+/// The bits from `begin` to `end`, both included, that lie in word `w`.
+std::uint64_t wordOf(std::int32_t w, std::int32_t begin, std::int32_t end) {
+  const std::int32_t from = std::max(begin - 64 * w, 0), to = std::min(end - 64 * w, 63);
+  return (~std::uint64_t{0} >> (63 - to)) & (~std::uint64_t{0} << from);
+}
+
 /// Reads the runs of set bits, row by row.
 void addRuns(CellMask& mask, const std::vector<std::uint64_t>& bits, std::size_t words) {
   for (std::int32_t y = 0; y < mask.height; ++y) {
@@ -89,25 +95,42 @@ CellMask touchedCells(std::span<const std::array<Point, 3>> triangles, double ce
   mask.height = static_cast<std::int32_t>(std::ceil((high.y - mask.origin.y + hair) * perCell));
   const std::size_t words = static_cast<std::size_t>(mask.width) / 64 + 1;
   std::vector<std::uint64_t> bits(words * static_cast<std::size_t>(mask.height), 0);
+  const auto columns = [&](const Extent& e) -> std::array<std::int32_t, 2> {
+    return {
+        std::max(0,
+                 static_cast<std::int32_t>(std::floor((e.least - hair - mask.origin.x) * perCell))),
+        std::min(mask.width - 1,
+                 static_cast<std::int32_t>(std::floor((e.most + hair - mask.origin.x) * perCell)))};
+  };
+  // Of a dense shell most triangles lie in cells that those before have taken: nothing to be done.
+  const auto isFull = [&](const Extent& box, std::int32_t first, std::int32_t last) {
+    const auto [begin, end] = columns(box);
+    for (std::int32_t y = first; y <= last; ++y)
+      for (std::int32_t w = begin / 64; w <= end / 64; ++w) {
+        const std::uint64_t wanted = wordOf(w, begin, end);
+        if ((bits[static_cast<std::size_t>(y) * words + static_cast<std::size_t>(w)] & wanted) !=
+            wanted)
+          return false;
+      }
+    return true;
+  };
   for (const auto& t : triangles) {
     const double bottom = std::min({t[0].y, t[1].y, t[2].y}) - hair - mask.origin.y;
     const double top = std::max({t[0].y, t[1].y, t[2].y}) + hair - mask.origin.y;
     const auto first = std::max(0, static_cast<std::int32_t>(std::floor(bottom * perCell)));
     const auto last =
         std::min(mask.height - 1, static_cast<std::int32_t>(std::floor(top * perCell)));
+    if (isFull({std::min({t[0].x, t[1].x, t[2].x}), std::max({t[0].x, t[1].x, t[2].x})}, first,
+               last))
+      continue;
     for (std::int32_t y = first; y <= last; ++y) {
       const Extent e = between(t, mask.origin.y + y * cellSize - hair,
                                mask.origin.y + (y + 1) * cellSize + hair);
       if (e.least > e.most) continue;
-      const auto begin = std::max(
-          0, static_cast<std::int32_t>(std::floor((e.least - hair - mask.origin.x) * perCell)));
-      const auto end = std::min(
-          mask.width - 1,
-          static_cast<std::int32_t>(std::floor((e.most + hair - mask.origin.x) * perCell)));
+      const auto [begin, end] = columns(e);
       std::uint64_t* row = bits.data() + static_cast<std::size_t>(y) * words;
       for (std::int32_t w = begin / 64; w <= end / 64; ++w) {
-        const std::int32_t from = std::max(begin - 64 * w, 0), to = std::min(end - 64 * w, 63);
-        row[w] |= (~std::uint64_t{0} >> (63 - to)) & (~std::uint64_t{0} << from);
+        row[w] |= wordOf(w, begin, end);
       }
     }
   }

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstdint>
 
 #include "host/ops/uv/report_triangles.h"
 
@@ -30,25 +31,23 @@ class ChartMap {
       std::swap(x[1], x[2]);
       std::swap(y[1], y[2]);
     }
-    const auto first = [](const std::array<long long, 3>& v) {
-      return static_cast<int>(std::max(0LL, *std::min_element(v.begin(), v.end()) / kParts - 1));
-    };
-    const auto last = [&](const std::array<long long, 3>& v) {
-      return static_cast<int>(
-          std::min<long long>(size_ - 1, *std::max_element(v.begin(), v.end()) / kParts + 1));
-    };
-    for (int row = first(y); row <= last(y); ++row)
-      for (int column = first(x); column <= last(x); ++column) {
-        const long long px = column * kParts + kParts / 2, py = row * kParts + kParts / 2;
-        bool isIn = true;
-        for (std::size_t k = 0; k < 3 && isIn; ++k) {
-          const long long dx = x[(k + 1) % 3] - x[k], dy = y[(k + 1) % 3] - y[k];
-          const long long side = dx * (py - y[k]) - dy * (px - x[k]);
-          isIn = side > 0 || (side == 0 && (dy < 0 || (dy == 0 && dx > 0)));
-        }
-        if (isIn) charts_[indexOf(column, row)] = chart;
-      }
+    const auto [bottom, top] = std::ranges::minmax(y);
+    const int firstRow = static_cast<int>(std::max(0LL, bottom / kParts - 1));
+    const int lastRow = static_cast<int>(std::min<long long>(size_ - 1, top / kParts + 1));
+    for (int row = firstRow; row <= lastRow; ++row) {
+      long long begin = 0, end = size_;
+      for (std::size_t k = 0; k < 3 && begin < end; ++k)
+        clip({x[k], y[k]}, {x[(k + 1) % 3], y[(k + 1) % 3]}, row, begin, end);
+      if (begin >= end) continue;
+      std::fill_n(
+          charts_.begin() + static_cast<std::ptrdiff_t>(indexOf(static_cast<int>(begin), row)),
+          end - begin, chart);
+      drawn_ += static_cast<std::uint64_t>(end - begin);
+    }
   }
+
+  /// Whether every pixel was drawn so often that more of it would only take time.
+  [[nodiscard]] bool isDrawnOver() const { return drawn_ > 512 * charts_.size(); }
 
   [[nodiscard]] double covered() const {
     const auto empty = std::ranges::count(charts_, kNone);
@@ -90,17 +89,39 @@ class ChartMap {
     return static_cast<std::size_t>(y) * static_cast<std::size_t>(size_) +
            static_cast<std::size_t>(x);
   }
+  using Spot = std::array<long long, 2>;
+  static long long floorDivided(long long a, long long b) {
+    return a / b - (a % b != 0 && (a < 0) != (b < 0) ? 1 : 0);
+  }
+
+  /// Narrows [begin, end) to the columns whose centres lie left of an edge in a row, those on the
+  /// edge too where the edge is a left or upper one.
+  static void clip(Spot from, Spot to, int row, long long& begin, long long& end) {
+    const long long dx = to[0] - from[0], dy = to[1] - from[1];
+    const long long py = row * kParts + kParts / 2;
+    const long long atFirst = dx * (py - from[1]) - dy * (kParts / 2 - from[0]);
+    if (dy > 0)
+      end = std::min(end, floorDivided(atFirst - 1, kParts * dy) + 1);
+    else if (dy < 0)
+      begin = std::max(begin, -floorDivided(atFirst, kParts * -dy));
+    else if (atFirst < 0 || (atFirst == 0 && dx <= 0))
+      end = begin;
+  }
+
   int size_;
   std::vector<Index> charts_;
+  std::uint64_t drawn_ = 0;
 };
 
 }  // namespace
 
 UvCoverage uvCoverage(const mesh::UvSet& set, const UvTriangles& triangles, int size) {
   ChartMap map(size);
-  for (const UvTriangle& t : triangles.all)
+  for (const UvTriangle& t : triangles.all) {
     map.draw({uvPoint(set, t.corners[0]), uvPoint(set, t.corners[1]), uvPoint(set, t.corners[2])},
              t.chart);
+    if (map.isDrawnOver()) break;
+  }
   UvCoverage coverage;
   coverage.covered = map.covered();
   if (triangles.charts > 1) coverage.gapPixels = map.gap();

@@ -229,13 +229,15 @@ std::vector<OverlapPair> overlapPairs(const mesh::UvSet& set, const UvTriangles&
     for (std::size_t block = begin; block < end; ++block)
       for (std::size_t i = 1024 * block; i < std::min(all.size(), 1024 * (block + 1)); ++i) {
         if (all[i].isCollapsed) continue;
-        std::size_t looks = 0;
+        std::size_t looks = 0, visits = 0;
         grids.overNear(i, [&](std::size_t k, bool isOwnGrid) {
-          if (k == i || (isOwnGrid && k < i) || all[k].isCollapsed) return true;
-          if (++looks > most) {
+          const bool isOthers = k == i || (isOwnGrid && k < i) || all[k].isCollapsed;
+          looks += !isOthers;
+          if (looks > most || ++visits > 8 * most) {
             isCut[block] = 1;
             return false;
           }
+          if (isOthers) return true;
           if (boxes[i].high.x < boxes[k].low.x || boxes[k].high.x < boxes[i].low.x ||
               boxes[i].high.y < boxes[k].low.y || boxes[k].high.y < boxes[i].low.y)
             return true;

@@ -20,13 +20,17 @@ namespace {
 
 /// The programs of all primitives.
 struct Programs {
-  GlProgram surface{shaders::surfaceVertex(), {}, shaders::surfaceFragment()};
+  GlProgram surface{shaders::surfaceVertex(), {}, shaders::surfaceFragment(true)};
+  GlProgram solid{shaders::surfaceVertex(), {}, shaders::surfaceFragment(false)};
   GlProgram line{shaders::strokeVertex(), shaders::lineGeometry(), shaders::lineFragment()};
   GlProgram point{shaders::strokeVertex(), shaders::pointGeometry(), shaders::pointFragment()};
   GlProgram background{shaders::screenVertex(), {}, shaders::backgroundFragment()};
 
-  [[nodiscard]] const GlProgram& of(Primitive primitive) const {
-    return primitive == Primitive::Points ? point : primitive == Primitive::Lines ? line : surface;
+  [[nodiscard]] const GlProgram& of(const DrawItem& item) const {
+    if (item.primitive == Primitive::Points) return point;
+    if (item.primitive == Primitive::Lines) return line;
+    const bool isSolid = item.pass == Pass::Opaque && item.stipple == Stipple::None;
+    return isSolid ? solid : surface;
   }
 };
 
@@ -106,8 +110,10 @@ class GlBackendImpl final : public GlBackend {
     DrawList full = list;
     appendTexts(list.texts, full);
     isDepthResolved_ = false;
-    parts_->programs.surface.use();
-    setLighting(parts_->programs.surface, list.lighting, viewMatrix(camera_));
+    for (const GlProgram* program : {&parts_->programs.surface, &parts_->programs.solid}) {
+      program->use();
+      setLighting(*program, list.lighting, viewMatrix(camera_));
+    }
     bool needsOcclusion = settings_.ambientOcclusion;
     bool hasOpaque = false;
     prepareState();
@@ -340,7 +346,7 @@ class GlBackendImpl final : public GlBackend {
         static_cast<GLsizei>(item.indices ? item.indices->size() : item.vertices->positions.size());
     if (count == 0) return;
     const bool isOnScreen = item.space == Space::Screen;
-    const GlProgram& program = parts_->programs.of(item.primitive);
+    const GlProgram& program = parts_->programs.of(item);
     const Matrix4 modelView = isOnScreen ? item.world : item.world * viewMatrix(camera_);
     program.use();
     program.set("modelView", modelView);

@@ -115,8 +115,9 @@ void addLights(vec3 p, vec3 n, vec3 v, inout vec3 light, inout vec3 gloss) {
 // A studio: a warm key light high on the left, a cool fill from the right, sky and floor light by
 // the world's vertical, a faint rim, and a broad soft highlight. Light is added up linearly and
 // compressed gently towards white.
-std::string surfaceFragment() {
-  return std::string(kVersion) + R"(
+std::string surfaceFragment(bool drops) {
+  const char* const kind = drops ? "#define DROPS 1\n" : "#define DROPS 0\n";
+  return std::string(kVersion) + kind + R"(
 in vec3 viewPosition, viewNormal;
 in vec4 surfaceColor;
 in vec2 surfaceUv;
@@ -156,7 +157,9 @@ vec3 shade(vec3 base, vec3 n, vec3 v) {
   return compressed(base * (light + ambient) + gloss * specular + sheen + incandescence);
 }
 void main() {
+#if DROPS
   if (checkerboard != 0 && mod(floor(gl_FragCoord.x) + floor(gl_FragCoord.y), 2.0) > 0.5) discard;
+#endif
   vec4 color = surfaceColor;
   vec3 base = toLinear(color.rgb);
   if (hasMaterial != 0) {
@@ -171,7 +174,9 @@ void main() {
     }
     base *= diffuse;
     color.a *= opacity;
+#if DROPS
     if (color.a <= 0.004) discard;
+#endif
   } else if (textured != 0) {
     vec4 texel = texture(picture, surfaceUv);
     base *= toLinear(texel.rgb);

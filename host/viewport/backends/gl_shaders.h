@@ -6,7 +6,8 @@ namespace host::viewport::shaders {
 
 // Shader sources. View space is the camera's: x right, y up, z towards the viewer.
 [[nodiscard]] std::string surfaceVertex();
-[[nodiscard]] std::string surfaceFragment();
+/// Without `drops` it lets no pixel out: the driver can then test depth before it shades.
+[[nodiscard]] std::string surfaceFragment(bool drops);
 /// Vertex stage of lines and points.
 [[nodiscard]] std::string strokeVertex();
 [[nodiscard]] std::string lineGeometry();

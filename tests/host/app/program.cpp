@@ -26,7 +26,8 @@ void become(const std::vector<std::string>& words) {
   arguments.push_back(nullptr);
   setenv("HOME", QXMT_BINARY_DIR "/program_test_home", 1);
   unsetenv("XDG_STATE_HOME");
-  unsetenv("XDG_CONFIG_HOME");
+  for (const char* name : {"XDG_CONFIG_HOME", "DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+    unsetenv(name);
   setenv("TERM", "dumb", 1);
   execv(program.c_str(), arguments.data());
   _exit(127);

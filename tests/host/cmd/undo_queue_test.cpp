@@ -107,6 +107,33 @@ TEST_CASE("a chunk left open takes in the lines that follow, and undo works insi
   CHECK(world.text.empty());
 }
 
+TEST_CASE("a line that redoes several items leaves them several") {
+  World world;
+  world.line("ab");
+  world.line("c");
+  world.queue.beginLine("undo; undo");
+  REQUIRE(world.queue.undo());
+  REQUIRE(world.queue.undo());
+  world.queue.endLine();
+  world.queue.beginLine("redo; redo");
+  REQUIRE(world.queue.redo());
+  REQUIRE(world.queue.redo());
+  world.queue.endLine();
+  CHECK(world.text == "abc");
+  CHECK(world.queue.itemCount() == 2);
+  REQUIRE(world.queue.undo());
+  CHECK(world.text == "ab");
+  // What a line undoes of its own and does again stays in order with the rest of it.
+  world.queue.beginLine("de");
+  world.type('d');
+  world.type('e');
+  REQUIRE(world.queue.undo());
+  REQUIRE(world.queue.redo());
+  world.queue.endLine();
+  REQUIRE(world.queue.undo());
+  CHECK(world.text == "ab");
+}
+
 TEST_CASE("an item of a faulty plug-in command reports and stays in the history") {
   World world;
   UndoItem step;

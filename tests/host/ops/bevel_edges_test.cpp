@@ -248,3 +248,59 @@ TEST_CASE("bevelEdges: projected UVs have the size of their faces") {
     CHECK(std::abs(twice) / 2 == doctest::Approx(mesh::faceArea(grid, f) / 9).epsilon(1e-3));
   }
 }
+
+TEST_CASE("BevelPlan: placed anew it is what bevelling anew makes, to the bit") {
+  int welds = 0, plans = 0;
+  overZoo([&](Mesh mesh, std::mt19937& random, double chance) {
+    const auto edges = randomIds(random, mesh.edgeCount(), chance);
+    BevelEdgesOptions options = wide(0.05, 1 + static_cast<int>(random() % 4));
+    options.chamfer = random() % 4 != 0;
+    if (random() % 2 != 0) options.uvAssignment = BevelEdgesOptions::UvAssignment::PlanarPerFace;
+    const auto plan = BevelPlan::make(mesh, edges, options);
+    if (!plan) return;
+    for (const double offset : {0.0, 0.02, 0.2, 5.0, 6.0, 0.3, 7.0}) {
+      CAPTURE(offset);
+      options.offset = offset;
+      options.offsetAsFraction = random() % 3 == 0;
+      options.roundness = 0.25 * (random() % 5);
+      options.smoothingAngle = 0.5 * (random() % 7);
+      options.mergeVertices = random() % 4 != 0;
+      Mesh anew = mesh;
+      const auto result = bevelEdges(anew, edges, options);
+      REQUIRE(result.has_value());
+      if (!plan->hasTopologyOf(options)) continue;
+      ++plans;
+      const auto placed = plan->place(options);
+      REQUIRE(placed.has_value());
+      CHECK(placed->mesh == anew);
+      CHECK(placed->result->strips == result->strips);
+      CHECK(placed->result->caps == result->caps);
+      CHECK(placed->result->maps.vertices == result->maps.vertices);
+      options.mergeVertices = false;
+      welds += anew.vertexCount() < plan->place(options)->mesh.vertexCount();
+    }
+  });
+  CHECK(plans > 20);
+  CHECK(welds > 0);
+}
+
+TEST_CASE("BevelPlan: what changes faces wants another plan, and what blends further does") {
+  Mesh cube = makeCube().value();
+  BevelEdgesOptions options = wide(0.1);
+  const auto plan = BevelPlan::make(cube, zoo::allEdges(cube), options);
+  REQUIRE(plan.has_value());
+  BevelEdgesOptions wider = wide(0.2), finer = wide(0.1, 2), bad = wide(std::nan(""));
+  CHECK(plan->hasTopologyOf(wider));
+  CHECK_FALSE(plan->hasTopologyOf(finer));
+  CHECK_FALSE(plan->place(finer).has_value());
+  CHECK_FALSE(plan->place(bad).has_value());
+  mesh::ColorSet colors;
+  colors.name = "c";
+  colors.colors.assign(24, {});
+  for (Index i = 0; i < 24; ++i) colors.cornerIds.push_back(i);
+  cube.addColorSet(colors);
+  const auto coloured = BevelPlan::make(cube, zoo::allEdges(cube), options);
+  REQUIRE(coloured.has_value());
+  CHECK(coloured->hasTopologyOf(options));
+  CHECK_FALSE(coloured->hasTopologyOf(wider));
+}

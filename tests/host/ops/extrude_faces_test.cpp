@@ -249,6 +249,21 @@ TEST_CASE("softenEdges: edges are smooth up to the angle, the angle included") {
   CHECK(hardEdges(grid) == 12);
 }
 
+TEST_CASE("softenEdges: where more than two faces meet no angle makes an edge smooth") {
+  int met = 0;
+  for (const zoo::ZooMesh& entry : zoo::meshZoo(Has::NonManifold)) {
+    INFO(entry.name);
+    Mesh mesh = entry.mesh;
+    REQUIRE(softenEdges(mesh, zoo::allEdges(mesh), 3.1));
+    for (EdgeId e = 0; e < mesh.edgeCount(); ++e)
+      if (mesh.adjacency().edgeFaces(e).size() > 2) {
+        CHECK_FALSE(mesh.isEdgeSmooth(e));
+        ++met;
+      }
+  }
+  CHECK(met > 0);
+}
+
 TEST_CASE("extrudeFaces: a region that closes in itself grows all round along local z") {
   Mesh mesh = makeCube().value();
   ExtrudeFacesOptions options;

@@ -125,6 +125,71 @@ TEST_CASE("mirrorMesh: half a cube becomes a whole one") {
   CHECK_FALSE(mirrorMesh(open, options));
 }
 
+namespace {
+
+/// Checks the copy of each corner against the one that it copies; how many had UVs and locks.
+std::pair<int, int> checkCopies(const Mesh& source, MirrorOptions::FlipUvs flip) {
+  using Flip = MirrorOptions::FlipUvs;
+  Mesh edited = source;
+  MirrorOptions options;
+  options.join = MirrorOptions::Join::Apart;
+  options.origin = {9, 0, 0};
+  options.flipUvs = flip;
+  const auto made = mirrorMesh(edited, options);
+  REQUIRE(made.has_value());
+  const auto uvAt = [](const Mesh& mesh, UvId uv) {
+    return mesh.uvSet(0).points[static_cast<std::size_t>(uv)];
+  };
+  const auto normalAt = [](const Mesh& mesh, CornerId c) {
+    return math::Vec3(mesh.lockedNormals().normals[static_cast<std::size_t>(c)]);
+  };
+  std::pair<int, int> counts;
+  for (FaceId f = 0; f < source.faceCount(); ++f)
+    for (Index k = 0, n = source.faceSize(f); k < n; ++k) {
+      const CornerId c = source.firstCorner(f) + k,
+                     d = edited.firstCorner(made->copies[static_cast<std::size_t>(f)]) +
+                         (n - k) % n;
+      if (source.cornerUv(0, c) >= 0) {
+        const math::Vec2f from = uvAt(source, source.cornerUv(0, c)),
+                          to = uvAt(edited, edited.cornerUv(0, d));
+        CHECK(to.u == doctest::Approx(flip == Flip::U ? 1 - from.u : from.u));
+        CHECK(to.v == doctest::Approx(flip == Flip::V ? 1 - from.v : from.v));
+        ++counts.first;
+      }
+      CHECK(edited.isNormalLocked(d) == source.isNormalLocked(c));
+      if (!source.isNormalLocked(c)) continue;
+      const math::Vec3 from = normalAt(source, c);
+      CHECK(math::distance(normalAt(edited, d), {-from.x, from.y, from.z}) < 1e-6);
+      ++counts.second;
+    }
+  return counts;
+}
+
+}  // namespace
+
+TEST_CASE("mirrorMesh: the copy's UVs are flipped within the square, locked normals mirrored") {
+  using Flip = MirrorOptions::FlipUvs;
+  for (const Flip flip : {Flip::None, Flip::U, Flip::V}) {
+    CHECK(checkCopies(makeCube().value(), flip).first == 24);
+    CHECK(checkCopies(zoo::zooMesh("locked normals"), flip).second > 0);
+  }
+}
+
+TEST_CASE("mirrorMesh: vertices that are welded move onto the plane") {
+  Mesh open = makeCube().value();
+  REQUIRE(deleteFaces(open, std::vector<FaceId>{4}));  // the side towards +x
+  MirrorOptions options;
+  options.origin = {0.6, 0, 0};
+  options.distance = 0.2;
+  REQUIRE(mirrorMesh(open, options));
+  CHECK(open.vertexCount() == 12);
+  int onPlane = 0;
+  for (VertexId v = 0; v < open.vertexCount(); ++v)
+    onPlane += std::abs(open.point(v).x - 0.6) < 1e-6 ? 1 : 0;
+  CHECK(onPlane == 4);
+  CHECK(zoo::counts(open).euler() == 2);
+}
+
 TEST_CASE("cutAlongPlane: no face is left on both sides, and the area stays") {
   for (const zoo::ZooMesh& entry : zoo::meshZoo(Has::Faces)) {
     INFO(entry.name);

@@ -136,6 +136,27 @@ TEST_CASE("quadrangulate: triangulated flat quads come back") {
   CHECK(zoo::counts(cube) == zoo::counts(makeCube().value()));
 }
 
+TEST_CASE("quadrangulate: the squarest pair comes first, and creased edges stay") {
+  // Triangle 0 makes a square with 1 and a kite with 2.
+  const std::vector<math::Vec3f> points{
+      {0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {2.5f, 0.2f, 0}};
+  const Mesh strip = mesh::buildMesh(points, std::vector<Index>{3, 3, 3},
+                                     std::vector<VertexId>{0, 1, 2, 0, 2, 3, 1, 4, 2})
+                         .value();
+  Mesh joined = strip;
+  REQUIRE(quadrangulate(joined, zoo::allFaces(joined)));
+  REQUIRE(joined.faceCount() == 2);
+  const auto quad = joined.faceVertices(0);
+  CHECK(std::set<VertexId>(quad.begin(), quad.end()) == std::set<VertexId>{0, 1, 2, 3});
+
+  Mesh creased = strip;
+  creased.editCreases().edges.assign(static_cast<std::size_t>(creased.edgeCount()), 0);
+  creased.editCreases().edges[static_cast<std::size_t>(creased.adjacency().findEdge(0, 2))] = 2;
+  REQUIRE(quadrangulate(creased, zoo::allFaces(creased)));
+  const auto kite = creased.faceVertices(0);
+  CHECK(std::set<VertexId>(kite.begin(), kite.end()) == std::set<VertexId>{0, 1, 2, 4});
+}
+
 TEST_CASE("quadrangulate: listed triangles become at most pairs, nothing else changes") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
     const auto faces = randomIds(random, mesh.faceCount(), chance);

@@ -175,3 +175,18 @@ TEST_CASE(
       }
   });
 }
+
+TEST_CASE("mergeVertices: of two that are equally near the lower one is joined") {
+  // 2 lies in the middle between 0 and 1, which are too far apart for each other.
+  const std::vector<math::Vec3f> points{{0, 0, 0}, {1, 0, 0}, {0.5f, 0, 0}, {0.5f, 2, 0}};
+  Mesh mesh =
+      mesh::buildMesh(points, std::vector<Index>{3, 3}, std::vector<VertexId>{0, 2, 3, 2, 1, 3})
+          .value();
+  MergeVerticesOptions options;
+  options.distance = 0.5;
+  const auto result = mergeVertices(mesh, std::vector<VertexId>{0, 1, 2}, options);
+  REQUIRE(result.has_value());
+  CHECK(result->merged == 1);
+  CHECK(result->maps.vertices[2] == result->maps.vertices[0]);
+  CHECK(result->maps.vertices[2] != result->maps.vertices[1]);
+}

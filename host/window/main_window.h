@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QLabel>
+#include <QMainWindow>
+#include <QProgressBar>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "host/window/layout_window.h"
+#include "host/window/scene_panels.h"
+#include "host/window/script_panel.h"
+#include "host/window/uv_view.h"
+
+namespace host::window {
+
+/// The program's window: one view or four, the menus that scripts put there, the panels beside, and
+/// the windows that scripts show. Everything it shows is the session's.
+class MainWindow : public QMainWindow {
+ public:
+  explicit MainWindow(Person& person);
+  ~MainWindow() override;
+  /// One view, the active one, or all four; the space bar's work.
+  void showViews(bool showsAll);
+  [[nodiscard]] bool showsAllViews() const { return showsAll_; }
+
+  // What the File menu does. A failure is shown and nothing has changed.
+  bool mayDropScene();  ///< asks about unsaved work; whether it may go
+  void newScene();
+  void open(const QString& file);
+  bool save();
+  bool saveAs();
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  void buildMenus();
+  void buildFileMenu();
+  void buildEditMenu();
+  void buildPanels();
+  void buildViews();
+  void follow();
+  void followScriptMenus();
+  void followWindows();
+  void showMessages();
+  void showProgress();
+  [[nodiscard]] QString sceneName() const;
+
+  Person& person_;
+  QWidget* center_ = nullptr;
+  std::map<std::string, ViewWidget*> views_;
+  std::map<std::string, std::unique_ptr<LayoutWindow>> windows_;
+  std::vector<QMenu*> scriptMenus_;
+  std::uint64_t menusSeen_ = 0;
+  Outliner* outliner_ = nullptr;
+  AttributePanel* attributes_ = nullptr;
+  UndoPanel* undo_ = nullptr;
+  ScriptPanel* scripts_ = nullptr;
+  UvView* uvs_ = nullptr;
+  QLabel* help_ = nullptr;
+  QProgressBar* progress_ = nullptr;
+  QMenu* panelsMenu_ = nullptr;
+  Connection looking_;
+  MessageSink sinkBefore_;
+  bool showsAll_ = false;
+};
+
+}  // namespace host::window

@@ -1,0 +1,107 @@
+#include "host/window/menus.h"
+
+#include "host/ui/behaviours.h"
+#include "host/window/control_widget.h"
+#include "host/workspace/workspace.h"
+
+namespace host::window {
+namespace {
+
+using ui::Control;
+using ui::Kind;
+
+ui::Tree& treeOf(Person& person) {
+  return workspace::workspaceOf(person.session()).controls;
+}
+
+QKeySequence shortcutOf(const Control& item) {
+  const std::string key = item.text("keyEquivalent");
+  if (key.empty()) return {};
+  QString text;
+  if (item.isOn("ctrlModifier")) text += "Ctrl+";
+  if (item.isOn("altModifier")) text += "Alt+";
+  if (item.isOn("shiftModifier")) text += "Shift+";
+  return QKeySequence(text + QString::fromStdString(key));
+}
+
+void addItem(Person& person, QMenu& menu, const Control& item) {
+  if (!item.isOn("visible")) return;
+  const QString label = labelText(item);
+  if (item.isOn("divider")) {
+    const QString title = QString::fromStdString(item.text("dividerLabel"));
+    title.isEmpty() ? menu.addSeparator() : menu.addSection(title);
+    return;
+  }
+  if (item.isOn("subMenu")) {
+    QMenu* below = menu.addMenu(label);
+    below->menuAction()->setEnabled(item.isOn("enable"));
+    fillWhenOpened(person, *below, item);
+    return;
+  }
+  // An option box belongs to the item before it; here it is a line of its own below that.
+  QAction* action =
+      menu.addAction(item.isOn("optionBox") ? "    " + QObject::tr("Options...") : label);
+  action->setObjectName(QString::fromStdString(item.name));
+  action->setEnabled(item.isOn("enable"));
+  action->setStatusTip(QString::fromStdString(item.text("annotation")));
+  action->setToolTip(QString::fromStdString(item.text("annotation")));
+  action->setShortcut(shortcutOf(item));
+  if (item.isOn("isCheckBox")) {
+    action->setCheckable(true);
+    action->setChecked(item.isOn("checked"));
+  } else if (item.isOn("isRadioButton")) {
+    action->setCheckable(true);
+    action->setChecked(item.collection && item.collection->selected == &item);
+  }
+  QObject::connect(action, &QAction::triggered, action, [&person, path = ui::Tree::path(item)] {
+    if (const auto found = treeOf(person).find(path)) actOn(person, **found, {});
+  });
+}
+
+}  // namespace
+
+void fillWhenOpened(Person& person, QMenu& menu, const Control& control) {
+  menu.setToolTipsVisible(true);
+  QObject::connect(&menu, &QMenu::aboutToShow, &menu,
+                   [&person, &menu, path = ui::Tree::path(control)] {
+                     const auto before = treeOf(person).find(path);
+                     if (!before) return;
+                     if ((*before)->type->find("postMenuCommand"))
+                       person.runCallbacks(ui::scriptsOf(**before, {"postMenuCommand"}));
+                     menu.clear();
+                     const auto now = treeOf(person).find(path);
+                     if (!now) return;
+                     for (const auto& item : (*now)->children)
+                       if (item->isKind(Kind::MenuItem)) addItem(person, menu, *item);
+                   });
+}
+
+void fillMenuBar(Person& person, QMenuBar& bar, const Control& window) {
+  for (const auto& child : window.children) {
+    if (!child->isKind(Kind::Menu)) continue;
+    QMenu* menu = bar.addMenu(labelText(*child));
+    menu->setObjectName(QString::fromStdString(child->name));
+    menu->menuAction()->setVisible(child->isOn("visible"));
+    menu->menuAction()->setEnabled(child->isOn("enable"));
+    fillWhenOpened(person, *menu, *child);
+  }
+}
+
+void givePopupMenu(Person& person, const Control& control, QWidget& widget) {
+  widget.setContextMenuPolicy(Qt::CustomContextMenu);
+  QObject::connect(&widget, &QWidget::customContextMenuRequested, &widget,
+                   [&person, &widget, path = ui::Tree::path(control)](const QPoint& at) {
+                     const auto found = treeOf(person).find(path);
+                     if (!found) return;
+                     for (const auto& child : (*found)->children) {
+                       if (!child->isKind(Kind::Menu)) continue;
+                       auto* menu = new QMenu(&widget);
+                       menu->setAttribute(Qt::WA_DeleteOnClose);
+                       fillWhenOpened(person, *menu, *child);
+                       menu->popup(widget.mapToGlobal(at));
+                       return;
+                     }
+                   });
+}
+
+}  // namespace host::window

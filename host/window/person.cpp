@@ -1,0 +1,66 @@
+#include "host/window/person.h"
+
+#include <QTimer>
+
+#include "host/base/messages.h"
+#include "host/builtins/ui/control_values.h"
+#include "host/cmd/loop.h"
+#include "host/workspace/workspace.h"
+
+namespace host::window {
+
+Person::Person(cmd::Session& session)
+    : session_(session), hand_([this](const tools::InputEvent& event) {
+        session_.runByHand([&] { (void)workspace::workspaceOf(session_).toolbox.handle(event); });
+        lookSoon();
+      }) {
+  connections_.push_back(session_.lineRun.connect([this](std::string_view) { lookSoon(); }));
+  connections_.push_back(session_.loop().worked.connect([this] { lookSoon(); }));
+  connections_.push_back(session_.loop().drawing.connect([this] { lookSoon(); }));
+  connections_.push_back(workspace::workspaceOf(session_).controls.changed.connect(
+      [this](const ui::Control&, ui::ControlChange) { lookSoon(); }));
+}
+
+bool Person::edit(std::string_view name, const std::function<Result<void>()>& edits) {
+  const auto done = session_.dispatcher().recordStep(name, edits);
+  if (!done) postMessage(MessageKind::Error, done.error().message);
+  lookSoon();
+  return done.has_value();
+}
+
+void Person::runCallbacks(const std::vector<std::string>& scripts) {
+  cmd::Context context{session_, session_.document()};
+  builtins::runCallbacks(context, scripts);
+  lookSoon();
+}
+
+void Person::undo() {
+  const std::string name = session_.undo().undoName();
+  const auto done = session_.dispatcher().undo();
+  postMessage(done ? MessageKind::Info : MessageKind::Warning,
+              done ? "Undo: " + name : done.error().message);
+  if (done) session_.scriptJobs().triggerEvent("Undo");
+  lookSoon();
+}
+
+void Person::redo() {
+  const std::string name = session_.undo().redoName();
+  const auto done = session_.dispatcher().redo();
+  postMessage(done ? MessageKind::Info : MessageKind::Warning,
+              done ? "Redo: " + name : done.error().message);
+  if (done) session_.scriptJobs().triggerEvent("Redo");
+  lookSoon();
+}
+
+void Person::lookSoon() {
+  if (isLooking_) return;
+  isLooking_ = true;
+  QTimer::singleShot(0, [this, isAlive = std::weak_ptr<bool>(isAlive_)] {
+    if (isAlive.expired()) return;
+    isLooking_ = false;
+    ++lookCount_;
+    looked();
+  });
+}
+
+}  // namespace host::window

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/base/signal.h"
+#include "host/cmd/session.h"
+#include "host/tools/hand.h"
+
+namespace host::window {
+
+/// The person at the window, for the parts of the window: what they do goes down the same roads as
+/// scripts' gestures do, each act as an item of undo of its own. Nothing of the window keeps a
+/// state that a script could not see.
+class Person {
+ public:
+  explicit Person(cmd::Session& session);
+  Person(const Person&) = delete;
+  Person& operator=(const Person&) = delete;
+
+  [[nodiscard]] cmd::Session& session() { return session_; }
+  [[nodiscard]] scene::Document& document() { return session_.document(); }
+
+  /// Does edits as one step of undo of that name. A failure is shown.
+  bool edit(std::string_view name, const std::function<Result<void>()>& edits);
+  /// Runs what a control's action set off; an error is shown.
+  void runCallbacks(const std::vector<std::string>& scripts);
+  /// Takes back, or does again.
+  void undo();
+  void redo();
+  /// The mouse and the keys in a view.
+  [[nodiscard]] tools::Hand& hand() { return hand_; }
+
+  /// Something may have changed: the parts of the window look at the scene anew, soon and once.
+  Signal<> looked;
+  void lookSoon();
+  /// Whether nothing waits to be looked at.
+  [[nodiscard]] bool isQuiet() const { return !isLooking_; }
+  /// Counts what was looked at, for programs that wait for the window.
+  [[nodiscard]] std::uint64_t lookCount() const { return lookCount_; }
+
+ private:
+  cmd::Session& session_;
+  tools::Hand hand_;
+  std::vector<Connection> connections_;
+  std::shared_ptr<bool> isAlive_ = std::make_shared<bool>(true);
+  bool isLooking_ = false;
+  std::uint64_t lookCount_ = 0;
+};
+
+}  // namespace host::window

@@ -1,0 +1,253 @@
+#include "host/window/scene_panels.h"
+
+#include <QDropEvent>
+#include <QScrollBar>
+#include <QTreeWidgetItemIterator>
+#include <algorithm>
+#include <unordered_set>
+
+#include "host/base/messages.h"
+#include "host/cmd/plug_values.h"
+#include "host/edits/hierarchy.h"
+#include "host/edits/select.h"
+
+namespace host::window {
+namespace {
+
+constexpr int kNameRole = Qt::UserRole, kPathRole = Qt::UserRole + 1;
+
+QString text(const std::string& plain) {
+  return QString::fromStdString(plain);
+}
+
+/// The hierarchy as one text, to see whether it is another one.
+std::string hierarchyText(scene::Document& document) {
+  std::string all;
+  const auto add = [&](const scene::Node& node, const auto& self) -> void {
+    all += node.name() + "(";
+    for (const scene::Node* child : scene::dagLinks(node).children) self(*child, self);
+    all += ")";
+  };
+  for (const scene::Node* node : document.worldChildren()) add(*node, add);
+  return all;
+}
+
+}  // namespace
+
+// Outliner
+
+Outliner::Outliner(Person& person, QWidget* parent) : QTreeWidget(parent), person_(person) {
+  setHeaderHidden(true);
+  setSelectionMode(ExtendedSelection);
+  setDragDropMode(InternalMove);
+  setObjectName("outliner");
+  setAccessibleName("outliner");
+  setEditTriggers(DoubleClicked | EditKeyPressed);
+  connect(this, &QTreeWidget::itemSelectionChanged, this, [this] { select(); });
+  connect(this, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem* item, int) {
+    if (isFollowing_) return;
+    const auto node = person_.document().node(item->data(0, kPathRole).toString().toStdString());
+    const std::string wanted = item->text(0).toStdString();
+    shown_.clear();
+    if (!node || (*node)->name() == wanted) return person_.lookSoon();
+    person_.edit("rename", [&]() -> Result<void> {
+      const auto name = person_.document().rename(**node, wanted);
+      if (!name) return failWith(name.error());
+      return {};
+    });
+  });
+}
+
+void Outliner::addRows(QTreeWidgetItem* parent, const std::vector<scene::Node*>& nodes) {
+  for (scene::Node* node : nodes) {
+    if (scene::isShape(*node)) continue;
+    auto* item = new QTreeWidgetItem;
+    item->setText(0, text(node->name()));
+    item->setData(0, kPathRole, text(scene::firstPath(*node).fullName()));
+    item->setFlags(item->flags() | Qt::ItemIsEditable | Qt::ItemIsDragEnabled |
+                   Qt::ItemIsDropEnabled);
+    parent ? parent->addChild(item) : addTopLevelItem(item);
+    addRows(item, scene::dagLinks(*node).children);
+  }
+}
+
+void Outliner::follow() {
+  isFollowing_ = true;
+  scene::Document& document = person_.document();
+  if (std::string now = hierarchyText(document); now != shown_) {
+    shown_ = std::move(now);
+    clear();
+    addRows(nullptr, document.worldChildren());
+    expandToDepth(1);
+  }
+  std::unordered_set<std::string> selected;
+  for (const scene::SelectionItem& item : document.selection().items())
+    if (item.isDag()) selected.insert(item.path.transform().fullName());
+  for (QTreeWidgetItemIterator each(this); *each != nullptr; ++each)
+    (*each)->setSelected(selected.contains((*each)->data(0, kPathRole).toString().toStdString()));
+  isFollowing_ = false;
+}
+
+void Outliner::select() {
+  if (isFollowing_) return;
+  scene::SelectionList list;
+  for (const QTreeWidgetItem* item : selectedItems())
+    if (const auto path =
+            person_.document().dagPath(item->data(0, kPathRole).toString().toStdString()))
+      list.add(*path);
+  if (list == person_.document().selection()) return;
+  person_.edit("select", [&]() -> Result<void> {
+    edits::select(person_.document(), list);
+    return {};
+  });
+}
+
+void Outliner::dropEvent(QDropEvent* event) {
+  const QTreeWidgetItem* target = itemAt(event->position().toPoint());
+  const bool isOnRow = target && dropIndicatorPosition() == OnItem;
+  event->ignore();  // the scene moves them, and the rows follow
+  scene::Document& document = person_.document();
+  dg::Node* parent = nullptr;
+  if (isOnRow)
+    if (const auto node = document.node(target->data(0, kPathRole).toString().toStdString()))
+      parent = *node;
+  person_.edit("parent", [&]() -> Result<void> {
+    for (const QTreeWidgetItem* item : selectedItems()) {
+      const auto path = document.dagPath(item->data(0, kPathRole).toString().toStdString());
+      if (!path) return failWith(path.error());
+      HOST_TRY(edits::reparent(document, *path, parent));
+    }
+    return {};
+  });
+}
+
+// Attributes
+
+AttributePanel::AttributePanel(Person& person, QWidget* parent)
+    : QTreeWidget(parent), person_(person) {
+  setColumnCount(2);
+  setHeaderLabels({tr("Attribute"), tr("Value")});
+  setObjectName("attributes");
+  setAccessibleName("attributes");
+  setEditTriggers(NoEditTriggers);
+  connect(this, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item, int) {
+    if ((item->flags() & Qt::ItemIsEditable) != 0) editItem(item, 1);
+  });
+  connect(this, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem* item, int column) {
+    if (!isFollowing_ && column == 1) change(item);
+  });
+}
+
+void AttributePanel::addNode(dg::Node& node) {
+  dg::Graph& graph = person_.document().graph();
+  const scene::Units& units = person_.document().units();
+  auto* head = new QTreeWidgetItem(this, {text(node.name()), text(node.type().name)});
+  head->setFirstColumnSpanned(false);
+  const auto add = [&](const dg::Attribute& attribute, const auto& self) -> void {
+    if (attribute.hidden || attribute.isArray || !attribute.readable) return;
+    if (attribute.isCompound()) {
+      for (const auto& child : attribute.children) self(*child, self);
+      return;
+    }
+    if (attribute.type == dg::AttributeType::Typed || attribute.type == dg::AttributeType::Matrix ||
+        attribute.type == dg::AttributeType::Message ||
+        attribute.type == dg::AttributeType::Generic)
+      return;
+    const dg::Plug plug = node.plug(&attribute);
+    const auto value = cmd::readPlug(graph, units, plug);
+    if (!value) return;
+    auto* row =
+        new QTreeWidgetItem(head, {text(attribute.longName), text(value->toText().value_or(""))});
+    row->setData(0, kNameRole, text(node.name() + "." + attribute.longName));
+    const bool isFree = attribute.writable && graph.source(plug).isNull();
+    if (isFree) row->setFlags(row->flags() | Qt::ItemIsEditable);
+    if (!isFree) row->setForeground(1, QColor(150, 150, 150));
+  };
+  for (const auto& attribute : node.type().attributes())
+    if (attribute->keyable || !scene::isDagNode(node)) add(*attribute, add);
+  for (const auto& attribute : node.dynamicAttributes()) add(*attribute, add);
+  head->setExpanded(true);
+}
+
+void AttributePanel::follow() {
+  scene::Document& document = person_.document();
+  std::vector<dg::Node*> nodes;
+  for (auto item = document.selection().items().rbegin();
+       item != document.selection().items().rend(); ++item) {
+    if (!item->isDag()) {
+      if (item->node) nodes.push_back(item->node.get());
+      break;
+    }
+    nodes.push_back(item->path.transform().node());
+    const scene::DagPath shape = item->path.toShape();
+    if (shape.isWorld()) break;
+    nodes.push_back(shape.node());
+    // The chain that makes the shape, the newest step first.
+    constexpr std::size_t kMostSteps = 40;
+    dg::Node* at = shape.node();
+    while (at && nodes.size() < kMostSteps) {
+      dg::Node* next = nullptr;
+      for (const dg::Graph::Connection& feed : document.graph().incoming(*at))
+        if (feed.source.node() != at && !scene::isDagNode(*feed.source.node()) && !next)
+          next = feed.source.node();
+      if (!next || std::ranges::find(nodes, next) != nodes.end()) break;
+      nodes.push_back(next);
+      at = next;
+    }
+    break;
+  }
+  isFollowing_ = true;
+  const int scrolledTo = verticalScrollBar()->value();
+  clear();
+  for (dg::Node* node : nodes) addNode(*node);
+  resizeColumnToContents(0);
+  verticalScrollBar()->setValue(scrolledTo);
+  isFollowing_ = false;
+}
+
+void AttributePanel::change(QTreeWidgetItem* item) {
+  const std::string name = item->data(0, kNameRole).toString().toStdString();
+  scene::Document& document = person_.document();
+  const auto plug = document.plug(name);
+  if (!plug) return person_.lookSoon();
+  const std::string typed = item->text(1).toStdString();
+  person_.edit("setAttr", [&]() -> Result<void> {
+    if (plug->attribute()->type == dg::AttributeType::String) {
+      const mel::Value value(typed);
+      return cmd::writeTyped(document.graph(), document.units(), *plug, "string", {&value, 1});
+    }
+    bool isNumber = false;
+    const double number = QString::fromStdString(typed).toDouble(&isNumber);
+    if (!isNumber) return fail("{}: '{}' is no number.", name, typed);
+    return cmd::writeLeaf(document.graph(), document.units(), *plug, mel::Value(number));
+  });
+}
+
+// Undo
+
+UndoPanel::UndoPanel(Person& person, QWidget* parent) : QListWidget(parent), person_(person) {
+  setObjectName("undoList");
+  setAccessibleName("undoList");
+  connect(this, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) {
+    const int keep = row(item) + 1;
+    cmd::UndoQueue& queue = person_.session().undo();
+    while (static_cast<int>(queue.itemCount()) > keep && queue.canUndo()) {
+      const std::size_t before = queue.itemCount();
+      person_.undo();
+      if (queue.itemCount() >= before) break;
+    }
+  });
+}
+
+void UndoPanel::follow() {
+  const std::string now = person_.session().undo().describe();
+  if (now == shown_) return;
+  shown_ = now;
+  clear();
+  // "1:  name" a line.
+  for (const QString& line : QString::fromStdString(now).split('\n', Qt::SkipEmptyParts))
+    addItem(line.section(':', 1).trimmed());
+  scrollToBottom();
+}
+
+}  // namespace host::window

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QListWidget>
+#include <QTreeWidget>
+
+#include "host/window/person.h"
+
+namespace host::window {
+
+/// The hierarchy: selecting in it selects in the scene and the other way round; a row is renamed in
+/// place; rows dropped on another go under it.
+class Outliner : public QTreeWidget {
+ public:
+  explicit Outliner(Person& person, QWidget* parent = nullptr);
+  void follow();
+
+ protected:
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  void addRows(QTreeWidgetItem* parent, const std::vector<scene::Node*>& nodes);
+  void select();
+  Person& person_;
+  std::string shown_;  ///< the hierarchy as it was read last
+  bool isFollowing_ = false;
+};
+
+/// The attributes of what is selected and of the nodes in its history, to be looked at and changed.
+class AttributePanel : public QTreeWidget {
+ public:
+  explicit AttributePanel(Person& person, QWidget* parent = nullptr);
+  void follow();
+
+ private:
+  void addNode(dg::Node& node);
+  void change(QTreeWidgetItem* item);
+  Person& person_;
+  std::string shown_;  ///< names of the nodes that have rows
+  bool isFollowing_ = false;
+};
+
+/// What can be taken back, the latest last; a click goes back to after that step.
+class UndoPanel : public QListWidget {
+ public:
+  explicit UndoPanel(Person& person, QWidget* parent = nullptr);
+  void follow();
+
+ private:
+  Person& person_;
+  std::string shown_;
+};
+
+}  // namespace host::window
