@@ -58,7 +58,9 @@ MStatus makeLocator(const MDagPath& mesh, MDagModifier& modifier) {
   if (!status) return status;
   const MObject locator = MFnDagNode(transform).child(0, &status);
   if (!status) return status;
-  modifier.renameNode(locator, freeName(kLocatorName));
+  const MString name = freeName(kLocatorName);
+  modifier.renameNode(locator, name);
+  modifier.renameNode(transform, name + "Transform");
   const MFnDependencyNode shape(mesh.node()), fn(locator);
   const MPlug matrices = shape.findPlug("worldMatrix", false);
   modifier.connect(pinsPlug(mesh.node()), fn.findPlug("pointArray", false));

@@ -66,7 +66,9 @@ MStatus makeNode(MDagModifier& modifier, MObject& locator) {
   if (status) locator = above.child(0, &status);
   const MFnDagNode below(locator, &status);
   if (!status) return failWith("cannot attach the object to the MFnDagNode");
-  modifier.renameNode(locator, freeName(kLocatorName));
+  const MString name = freeName(kLocatorName);
+  modifier.renameNode(locator, name);
+  modifier.renameNode(transform, name + "Transform");
   if (!modifier.doIt()) return failWith("cannot create uvSelectLocator");
   MPlug isTemplate;
   status = find(locator, "template", isTemplate);

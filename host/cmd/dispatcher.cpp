@@ -10,6 +10,7 @@
 #include "host/cmd/loop.h"
 #include "host/cmd/pending_edits.h"
 #include "host/cmd/session.h"
+#include "host/scene/replay.h"
 
 namespace host::cmd {
 
@@ -140,7 +141,8 @@ Result<void> Dispatcher::invoke(const mel::CommandHandle& handle,
 }
 
 void Dispatcher::revert(scene::ChangeSet& edits) {
-  const scene::Journal::Scope unrecorded(session_.document().journal(), nullptr);
+  const scene::ReplayScope replay(session_.document().journal());
+  const scene::PutBackScope putBack;
   if (const auto reverted = edits.undo(); !reverted)
     postMessage(MessageKind::Warning,
                 fmt::format("What the command had done stays: {}.", reverted.error().message));
@@ -166,8 +168,10 @@ Result<void> Dispatcher::invokeBuiltin(const CommandSpec& spec,
   scene::ChangeSet own;
   Result<void> done;
   AskingScope asking;
+  scene::Journal& journal = session_.document().journal();
   {
-    const scene::Journal::Scope recording(session_.document().journal(), outer ? &own : nullptr);
+    // Also where nobody keeps it: what fails half-way leaves nothing behind.
+    const scene::Journal::Scope recording(journal, &own);
     {
       const CollectedInside collected(step_, outer, own);
       done = run();
@@ -175,7 +179,10 @@ Result<void> Dispatcher::invokeBuiltin(const CommandSpec& spec,
     if (!done) revert(own);
   }
   if (!done || (asking.asksOnly() && own.isEmpty())) return done;
-  if (outer) outer->append(std::move(own));
+  if (outer)
+    outer->append(std::move(own));
+  else if (journal.isRecording() && !own.isEmpty())
+    journal.record(scene::makeChange(std::move(own)));  // in the middle of what is recorded
   step.commit(true);
   return done;
 }

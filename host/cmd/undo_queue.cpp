@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "host/base/messages.h"
+#include "host/scene/replay.h"
 
 namespace host::cmd {
 
@@ -12,6 +13,7 @@ Result<void> UndoItem::undo() {
   for (std::size_t i = sets.size(); i-- > 0;) {
     const auto undone = sets[i].undo();
     if (undone) continue;
+    const scene::PutBackScope refused;
     for (std::size_t back = i + 1; back < sets.size(); ++back) (void)sets[back].redo();
     return undone;
   }
@@ -22,6 +24,7 @@ Result<void> UndoItem::redo() {
   for (std::size_t i = 0; i < sets.size(); ++i) {
     const auto redone = sets[i].redo();
     if (redone) continue;
+    const scene::PutBackScope refused;
     while (i-- > 0) (void)sets[i].undo();
     return redone;
   }
@@ -70,6 +73,7 @@ class PluginChange final : public dg::Change {
  private:
   /// What a plug-in makes of a failure is its own business: the others go on.
   Result<void> run(const char* what, Result<void> (PluginCommand::*method)()) {
+    const scene::OwnEditsScope own;
     try {
       if (auto done = (command_.get()->*method)(); !done)
         postMessage(MessageKind::Error,
@@ -183,33 +187,41 @@ std::string UndoQueue::redoName() const {
 
 Result<void> UndoQueue::replay(UndoItem& item, Result<void> (UndoItem::*direction)()) {
   isReplaying_ = true;
-  const scene::Journal::Scope unrecorded(journal_, nullptr);
+  const scene::ReplayScope replay(journal_);
+  // What had no place in the scene as it was is there again when the step is.
+  const std::unique_ptr<dg::Change> before = std::move(item.swept);
+  if (before) (void)before->undo();
   auto done = (item.*direction)();
-  if (done) {
-    const std::unique_ptr<dg::Change> before = std::move(item.swept);
-    // What comes back is as it was, also what had no place then.
-    if (before)
-      (void)before->undo();
-    else if (sweep)
-      item.swept = sweep();
-  }
+  if (done)
+    item.swept = sweep ? sweep() : nullptr;
+  else if (before)
+    (void)before->redo();
   isReplaying_ = false;
   return done;
 }
 
-void UndoQueue::forgetDependents(const UndoItem& refused) {
-  std::unordered_set<const dg::Node*> gone;
+namespace {
+
+/// Tells items that need a node which a refused one needs and which is gone.
+std::function<bool(const UndoItem&)> dependsOnLossesOf(const UndoItem& refused) {
+  auto gone = std::make_shared<std::unordered_set<const dg::Node*>>();
   refused.visitNodes([&](const dg::Node& node) {
-    if (!node.isAlive()) gone.insert(&node);
+    if (!node.isAlive()) gone->insert(&node);
   });
-  if (gone.empty()) return;
-  const auto depends = [&](const UndoItem& item) {
+  return [gone](const UndoItem& item) {
     bool found = false;
-    item.visitNodes([&](const dg::Node& node) { found = found || gone.contains(&node); });
+    if (!gone->empty())
+      item.visitNodes([&](const dg::Node& node) { found = found || gone->contains(&node); });
     return found;
   };
+}
+
+}  // namespace
+
+// What is undone stays: nodes that it is to bring back are gone as they should be.
+void UndoQueue::forgetDependents(const UndoItem& refused) {
+  const auto depends = dependsOnLossesOf(refused);
   std::erase_if(done_, depends);
-  std::erase_if(undone_, depends);
   for (Group& group : groups_) std::erase_if(group.items, depends);
 }
 
@@ -244,7 +256,8 @@ Result<void> UndoQueue::redo() {
   const std::size_t flushes = flushCount_;
   const auto redone = replay(item, &UndoItem::redo);
   if (!redone) {
-    forgetDependents(item);
+    // What was done before it stands; what came after it may need what it does not bring now.
+    std::erase_if(undone_, dependsOnLossesOf(item));
     return fail("'{}' can't be redone any more: {}.", item.name, redone.error().message);
   }
   // A line that does nothing but redo is no new item around those that come back.

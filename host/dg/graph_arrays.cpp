@@ -83,7 +83,9 @@ class PackedChange final : public Change {
   /// An element that is connected or flagged meanwhile cannot be left out.
   Result<void> checkFit() const {
     HOST_TRY(Graph::Impl::checkFree(array_));
-    const Slot* slot = locate(array_).slot;
+    const Place place = locate(array_);
+    if (!made_.isDropped && place.isMissing) return fail("'{}' was removed", array_.name());
+    const Slot* slot = place.slot;
     if (!slot) return {};
     for (const auto& element : slot->below)
       if (isWired(*element) && other_.position(element->index) < 0)

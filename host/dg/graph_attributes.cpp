@@ -45,6 +45,7 @@ class AttributeLifeChange final : public Change {
     position_ = static_cast<std::size_t>(found - dynamic.begin());
     if (const Slot* slot = locate(Plug(node_.get(), attribute_.get())).slot)
       severed_ = impl_.severBelow(*slot);
+    takeAliases();
     slot_ = impl_.takeAttribute(*node_, position_);
     return {};
   }
@@ -57,7 +58,28 @@ class AttributeLifeChange final : public Change {
     position_ = std::min(position_, node_->dynamicAttributes().size());
     impl_.putAttribute(*node_, attribute_, position_, std::move(slot_));
     Graph::Impl::restore(severed_);
+    putAliases();
     return {};
+  }
+  /// Names that nobody recorded go with the attribute and come back with it, unless they were given
+  /// to others meanwhile.
+  void takeAliases() {
+    auto& entries = Graph::Impl::aliases(*node_);
+    for (std::size_t i = entries.size(); i-- > 0;) {
+      if (!isAtOrBelow(entries[i].second, Plug(node_.get(), attribute_.get()))) continue;
+      aliases_.emplace_back(i, std::move(entries[i]));
+      entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(i));
+    }
+  }
+  void putAliases() {
+    auto& entries = Graph::Impl::aliases(*node_);
+    for (auto alias = aliases_.rbegin(); alias != aliases_.rend(); ++alias) {
+      auto& [at, entry] = *alias;
+      if (node_->findAttribute(entry.first) || impl_.graph.findAlias(*node_, entry.first)) continue;
+      entries.insert(entries.begin() + static_cast<std::ptrdiff_t>(std::min(at, entries.size())),
+                     std::move(entry));
+    }
+    aliases_.clear();
   }
   Graph::Impl& impl_;
   NodePtr node_;
@@ -66,6 +88,7 @@ class AttributeLifeChange final : public Change {
   std::unique_ptr<Slot> slot_;
   bool isAddition_;
   std::vector<std::unique_ptr<Change>> severed_;
+  std::vector<std::pair<std::size_t, std::pair<std::string, Plug>>> aliases_;
 };
 
 void announceFlag(Graph::Impl& impl, const Plug& plug, Graph::PlugFlag which) {

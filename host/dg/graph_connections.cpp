@@ -47,13 +47,16 @@ class WireChange final : public Change {
     HOST_TRY(Graph::Impl::checkFree(destination_));
     if (const Slot* slot = locate(destination_).slot; slot && slot->incoming > 0)
       return fail("'{}' has connected children", destination_.name());
-    if (!madeSource_.isDropped && locate(source_).isMissing)
+    // What is computed is there as soon as somebody asks.
+    const bool isComputed = sourceNode_->type().isComputed(source_.attribute());
+    if (!madeSource_.isDropped && !isComputed && locate(source_).isMissing)
       return fail("'{}' was removed", source_.name());
     if (!madeDestination_.isDropped && locate(destination_).isMissing)
       return fail("'{}' was removed", destination_.name());
     const Graph::Impl::Edit edit(impl_);
     impl_.bringBack(source_, madeSource_);
     impl_.bringBack(destination_, madeDestination_);
+    free_ = captureValues(destination_);  // somebody may have set it since
     impl_.wire(source_, destination_, position_);
     return {};
   }
@@ -100,6 +103,7 @@ class ResetChange final : public Change {
  private:
   Result<void> exchange() {
     HOST_TRY(Graph::Impl::checkFree(plug_));
+    if (locate(plug_).isMissing) return fail("'{}' was removed", plug_.name());
     const Graph::Impl::Edit edit(impl_);
     ValueTree now;
     now.value = Graph::Impl::current(plug_);

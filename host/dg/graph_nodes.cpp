@@ -238,6 +238,7 @@ Result<void> Graph::deleteNode(Node& node) {
   impl_->notify([&](GraphObserver& observer) { observer.nodeAboutToBeRemoved(node); });
   impl_->notify([&](GraphObserver& observer) { observer.nodeLeaving(node); });
   if (!node.isAlive()) return {};  // somebody who was told of it was quicker
+  if (mayReplay) HOST_TRY(mayReplay(node, Replay::Removal, node.name()));
   // Who is told of the connections that break can still ask for both ends.
   {
     const Impl::Edit edit(*impl_);

@@ -23,8 +23,11 @@ class SetChange final : public Change {
   Result<void> redo() override {
     HOST_TRY(checkFit());
     const Graph::Impl::Edit edit(impl_);
+    const bool isBack = made_.isDropped;
     impl_.bringBack(plug_, made_);
-    return exchange(true);
+    const Result<void> done = exchange(true);
+    if (!done && isBack) impl_.dropElements(plug_, made_);
+    return done;
   }
   void visitNodes(const VisitNode& visit) const override { visit(*node_); }
   [[nodiscard]] std::size_t bytes() const override {

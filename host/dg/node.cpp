@@ -6,13 +6,13 @@ namespace host::dg {
 
 Node::Node(Graph& graph, const NodeType& type, std::string name, std::uint64_t serial)
     : graph_(&graph), type_(&type), name_(std::move(name)), serial_(serial) {
-  ++type.nodeCount;
+  for (const NodeType* each = &type; each; each = each->base) ++each->nodeCount;
 }
 
 Node::~Node() {
   // Before the type may go: storage refers to its attributes.
   slots_.clear();
-  --type_->nodeCount;
+  for (const NodeType* each = type_; each; each = each->base) --each->nodeCount;
 }
 
 const Attribute* Node::findAttribute(std::string_view name) const {

@@ -121,13 +121,29 @@ void NodeType::inherit(const NodeType* baseType) {
   byName_ = baseType->byName_;
 }
 
+namespace {
+
+/// Handles of plug-ins and records may hold nodes for longer than the scene, with its registry,
+/// lives: their types stay with them, and go when another type goes after the last node did.
+void letGo(NodeType* type) {
+  static std::vector<NodeType*>& kept = *new std::vector<NodeType*>;  // to the end of the program
+  kept.push_back(type);
+  std::erase_if(kept, [](NodeType* each) {
+    if (each->nodeCount > 0) return false;
+    delete each;
+    return true;
+  });
+}
+
+}  // namespace
+
 Result<const NodeType*> TypeRegistry::add(std::unique_ptr<NodeType> type) {
   if (find(type->name)) return fail("A node type named '{}' is registered already", type->name);
   if (type->id != 0)
     if (const NodeType* other = find(type->id))
       return fail("The id {:#x} of node type '{}' is taken by '{}'", type->id, type->name,
                   other->name);
-  types_.push_back(std::move(type));
+  types_.push_back(std::shared_ptr<NodeType>(type.release(), letGo));
   return types_.back().get();
 }
 

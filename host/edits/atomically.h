@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "host/scene/document.h"
+#include "host/scene/replay.h"
 
 namespace host::edits {
 
@@ -18,7 +19,8 @@ auto atomically(scene::Document& document, const Edit& edit) -> decltype(edit())
     done = edit();
   }
   if (!done) {
-    const scene::Journal::Scope unrecorded(journal, nullptr);
+    const scene::ReplayScope replay(journal);
+    const scene::PutBackScope putBack;
     (void)changes.undo();
   } else if (journal.isRecording() && !changes.isEmpty()) {
     journal.record(scene::makeChange(std::move(changes)));

@@ -92,7 +92,8 @@ class UnusedHistory {
  private:
   void consider(Node& node) {
     if (members_.contains(&node) || node.isLocked() || node.isDefault()) return;
-    if (node.type().existsWithoutOutputs && !isIntermediateMesh(node)) return;
+    // A plug-in's node is history like any other, though its type may exist by itself.
+    if (scene::isDagNode(node) && !isIntermediateMesh(node)) return;
     for (const dg::Graph::Connection& use : graph_.outgoing(node))
       if (carriesMesh(use.source) && !members_.contains(use.destination.node())) return;
     members_.insert(&node);

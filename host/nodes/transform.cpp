@@ -73,7 +73,6 @@ void registerTransform(dg::TypeRegistry& types) {
   addLimits(builder, "Trans", "t", AttributeType::Distance, -1, 1);
   addLimits(builder, "Rot", "r", AttributeType::Angle, -0.78539816339744828, 0.78539816339744828);
   addLimits(builder, "Scale", "s", AttributeType::Double, -1, 1);
-  builder.add(matrix("offsetParentMatrix", "opm"));
   const Attribute* xform = builder.add(output(matrix("xformMatrix", "xm")));
   const Attribute* inherits = builder.add(boolean("inheritsTransform", "it", true));
   builder.add(boolean("displayHandle", "dh"));

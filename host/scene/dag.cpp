@@ -75,7 +75,12 @@ std::size_t namesToTell(const DagPath& path, const Document& document) {
   for (Node* other : document.nodesNamed(path.node()->name())) tops[other] = 1;
   const std::vector<Node*>& nodes = path.nodes();
   constexpr std::uint64_t kMany = std::uint64_t{1} << 32;
+  // Chains of namesakes are not followed to their end for each of their nodes: a whole path tells
+  // it as well, only longer.
+  constexpr std::size_t kUsualNames = 8, kMostSteps = 4096;
+  std::size_t steps = 0;
   for (std::size_t names = 1; names < nodes.size(); ++names) {
+    if (names > kUsualNames && (steps += tops.size()) > kMostSteps) return nodes.size() + 1;
     std::uint64_t paths = 0;
     for (const auto& [top, ways] : tops)
       paths += std::min(kMany, ways) * std::min(kMany / 4, pathCount(*top));
@@ -176,16 +181,18 @@ std::string DagPath::partialName() const {
 }
 
 DagPath firstPath(const Node& node) {
-  std::vector<Node*> nodes;
+  // Paths of deep hierarchies are asked for all the time: one pass up, one allocation. On the main
+  // thread only, as all of the document, and to the end of the program.
+  static std::vector<Node*>& upwards = *new std::vector<Node*>;
+  upwards.clear();
   const Node* at = &node;
-  while (at && isDagNode(*at)) {
-    nodes.push_back(const_cast<Node*>(at));
-    const std::vector<Node*>& parents = dagLinks(*at).parents;
+  while (at && at->dagExtension) {
+    upwards.push_back(const_cast<Node*>(at));
+    const auto& parents = static_cast<const DagLinks&>(*at->dagExtension).parents;
     if (parents.empty()) return {};  // not in the scene
     at = parents.front();
   }
-  std::reverse(nodes.begin(), nodes.end());
-  return DagPath(std::move(nodes));
+  return DagPath(std::vector<Node*>(upwards.rbegin(), upwards.rend()));
 }
 
 math::Matrix4 localMatrix(Node& transform) {

@@ -13,7 +13,8 @@ namespace {
 Document* theDocument = nullptr;
 
 std::vector<Document*>& liveDocuments() {
-  static std::vector<Document*> documents;
+  // Never destroyed: a document may end with the program.
+  static std::vector<Document*>& documents = *new std::vector<Document*>;
   return documents;
 }
 
@@ -27,6 +28,12 @@ std::vector<dg::NodePtr> ancestorsIn(const SelectionList& list) {
 }
 std::vector<dg::NodePtr> ancestorsIn(const Units&) {
   return {};
+}
+
+/// Whether the nodes of an item are there. They need not hang together as its path has it: what
+/// moved away from under a list moves back with the step that moved it.
+bool isThere(const SelectionItem& item) {
+  return item.node->isAlive() && std::ranges::all_of(item.path.nodes(), &Node::isAlive);
 }
 
 /// Keeps the value that is not current, so that a record costs one copy.
@@ -58,13 +65,7 @@ class SwapChange final : public dg::Change {
   static void dropDead(Units&) {}
   /// Deleted without a record in between. A path that does not hold now may hold again when the
   /// whole step is taken back.
-  static void dropDead(SelectionList& list) {
-    list = list.filtered([](const SelectionItem& item) {
-      return item.node->isAlive() && std::ranges::all_of(item.path.nodes(), [](const Node* node) {
-               return node->isAlive();
-             });
-    });
-  }
+  static void dropDead(SelectionList& list) { list = list.filtered(isThere); }
   static std::size_t extraBytes(const Units&) { return 0; }
   static std::size_t extraBytes(const SelectionList& list) { return list.bytes(); }
   T other_;
@@ -169,40 +170,35 @@ class Document::Sweep final : public dg::Change {
       : document_(document), before_{document.selection_, document.hilite_}, after_(before_) {
     for (const SelectionList* list : {&before_.selection, &before_.hilite})
       for (dg::NodePtr& node : ancestorsIn(*list)) held_.push_back(std::move(node));
-    after_.selection.removeDead();
-    after_.hilite.removeDead();
+    after_.selection = after_.selection.filtered(isThere);
+    after_.hilite = after_.hilite.filtered(isThere);
   }
   [[nodiscard]] bool changesNothing() const {
     return before_.selection == after_.selection && before_.hilite == after_.hilite;
   }
+  /// Before the step that is to bring the nodes back: nobody is told of lists that name what is not
+  /// there yet. A list that somebody changed since stays.
   Result<void> undo() override {
-    if (document_.selection_ == after_.selection && document_.hilite_ == after_.hilite)
-      put(before_);
+    if (document_.selection_ == after_.selection) document_.selection_ = before_.selection;
+    if (document_.hilite_ == after_.hilite) document_.hilite_ = before_.hilite;
     return {};
   }
   Result<void> redo() override {
-    put(after_);
+    const Journal::Scope unrecorded(document_.journal_, nullptr);
+    document_.setSelection(document_.selection_.filtered(isThere));
+    document_.setHilite(document_.hilite_.filtered(isThere));
     return {};
   }
 
  private:
-  void put(const Lists& lists) {
-    const Journal::Scope unrecorded(document_.journal_, nullptr);
-    const auto isAlive = [](const SelectionItem& item) { return item.node->isAlive(); };
-    document_.setSelection(lists.selection.filtered(isAlive));
-    document_.setHilite(lists.hilite.filtered(isAlive));
-  }
   Document& document_;
   Lists before_, after_;
   std::vector<dg::NodePtr> held_;
 };
 
 std::unique_ptr<dg::Change> Document::sweepSelection() {
-  const auto isGone = [](const SelectionItem& item) {
-    return !item.node->isAlive() || (item.isDag() && !item.path.isValid());
-  };
-  if (std::ranges::none_of(selection_.items(), isGone) &&
-      std::ranges::none_of(hilite_.items(), isGone))
+  if (std::ranges::all_of(selection_.items(), isThere) &&
+      std::ranges::all_of(hilite_.items(), isThere))
     return nullptr;
   auto sweep = std::make_unique<Sweep>(*this);
   if (sweep->changesNothing()) return nullptr;

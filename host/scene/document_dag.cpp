@@ -4,6 +4,7 @@
 #include "host/base/assert.h"
 #include "host/scene/dag_paths.h"
 #include "host/scene/document_impl.h"
+#include "host/scene/replay.h"
 
 namespace host::scene {
 
@@ -39,6 +40,29 @@ bool isAtOrAbove(const Node& candidate, const Node* below) {
     }
   }
   return false;
+}
+
+/// Takes out what a node had computed for places at which it does not stand any more. Depth first,
+/// without recursion; each node once.
+void dropLostPlaces(dg::Graph& graph, Node& top) {
+  std::unordered_set<const Node*> seen{&top};
+  std::vector<Node*> open{&top};
+  while (!open.empty()) {
+    Node& node = *open.back();
+    open.pop_back();
+    const auto places = pathCount(node);
+    for (const dg::AttributePtr& each : node.type().attributes()) {
+      if (!each->worldSpace || !each->isArray) continue;
+      const dg::Plug array(&node, each.get());
+      std::vector<Index> indices = graph.elementIndices(array);
+      while (!indices.empty() && static_cast<std::uint64_t>(indices.back()) >= places) {
+        graph.dropOutputElement(array.element(indices.back()));
+        indices.pop_back();
+      }
+    }
+    for (Node* child : dagLinks(node).children)
+      if (seen.insert(child).second) open.push_back(child);
+  }
 }
 
 constexpr std::size_t kAtEnd = static_cast<std::size_t>(-1);
@@ -88,6 +112,7 @@ void Document::Impl::applyLink(DagLink& link, bool adds) {
 }
 
 void Document::Impl::announceLink(const DagLink& link, bool added) {
+  if (!added) dropLostPlaces(document.graph_, *link.child);
   // A node's world matrices hang on its parents' values and on which parents it has; only the
   // second is news here.
   if (const dg::Plug plug = link.child->plug("parentMatrix")) document.graph_.dirty(plug);
@@ -117,6 +142,7 @@ class Document::Impl::LinkChange final : public dg::Change {
     if (adds && impl_.isNameTaken(name, true, parents, link_.child.get()))
       return fail("there is another '{}'", name);
     impl_.applyLink(link_, adds);
+    if (dagLinks(*link_.child).parents.empty()) noteUnplaced(link_.child);
     impl_.announceLink(link_, adds);
     return {};
   }

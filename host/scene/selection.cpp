@@ -177,13 +177,27 @@ void SelectionList::replaceAt(std::size_t index, SelectionItem item) {
   index_.clear();
 }
 
+namespace {
+
+/// Whether a path is the first one of its leaf, without making that.
+bool isFirstPath(const std::vector<Node*>& nodes) {
+  for (std::size_t i = nodes.size(); i-- > 0;) {
+    const std::vector<Node*>& parents = dagLinks(*nodes[i]).parents;
+    if (parents.empty() || parents.front() != (i > 0 ? nodes[i - 1] : nullptr)) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
 void SelectionList::foldPaths() {
   constexpr std::size_t kLongPath = 4;
   index_.clear();
-  for (SelectionItem& item : items_)
-    if (item.path.length() >= kLongPath && hasOnePath(*item.node) &&
-        item.path == firstPath(*item.node))
+  for (SelectionItem& item : items_) {
+    const std::vector<Node*>& nodes = item.path.nodes();
+    if (nodes.size() >= kLongPath && nodes.front() && hasOnePath(*item.node) && isFirstPath(nodes))
       item.path = DagPath({nullptr});
+  }
 }
 
 void SelectionList::unfoldPaths() {

@@ -188,6 +188,9 @@ TEST_CASE("The nodes that write UVs are saved and opened with their data, copied
     toolkit.run("delete -ch ball");
     CHECK(uvsOf("ball") == made);
     toolkit.run("if (size(`listHistory -pdo 1 ball`) != 0) error \"history is left\"");
+    toolkit.run("delete -ch deep");
+    toolkit.run(std::string("if (size(`ls -type ") + each.type +
+                "`) != 0) error \"a node is left\"");
   }
   std::remove(file.c_str());
 }

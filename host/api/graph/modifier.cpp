@@ -5,6 +5,7 @@
 #include "host/api/message/callbacks.h"
 #include "host/base/messages.h"
 #include "host/cmd/session.h"
+#include "host/scene/replay.h"
 
 namespace host::api {
 
@@ -25,7 +26,7 @@ Result<dg::NodePtr> ModifierRep::create(const std::string& type, dg::Node* paren
 Result<void> ModifierRep::run() {
   scene::Journal& journal = document().journal();
   if (isTakenBack) {
-    const scene::Journal::Scope unrecorded(journal, nullptr);
+    const scene::ReplayScope replay(journal);
     HOST_TRY(done.redo());
     isTakenBack = false;
   }
@@ -41,18 +42,23 @@ Result<void> ModifierRep::run() {
       return {};
     });
   }
+  if (result && scene::isReplaying() && journal.isRecording()) {
+    journal.record(scene::makeChange(std::move(batch)));  // by a callback that edits along
+    return {};
+  }
   if (result) {
     done.append(std::move(batch));
     return {};
   }
-  const scene::Journal::Scope unrecorded(journal, nullptr);
+  const scene::ReplayScope replay(journal);
+  const scene::PutBackScope putBack;
   HOST_TRY(batch.undo());
   return result;
 }
 
 Result<void> ModifierRep::takeBack() {
   if (isTakenBack) return {};
-  const scene::Journal::Scope unrecorded(document().journal(), nullptr);
+  const scene::ReplayScope replay(document().journal());
   HOST_TRY(created.undo());
   created = scene::ChangeSet();
   HOST_TRY(done.undo());

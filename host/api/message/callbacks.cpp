@@ -7,11 +7,13 @@
 
 #include <algorithm>
 #include <exception>
+#include <optional>
 
 #include "host/api/graph/modifier.h"
 #include "host/api/plugin/loader.h"
 #include "host/api/session/api_state.h"
 #include "host/base/messages.h"
+#include "host/scene/replay.h"
 #include "host/workspace/workspace.h"
 
 namespace host::api {
@@ -281,7 +283,9 @@ void Callbacks::fire(CallbackKind kind, Happening& happening) {
     if (found == callbacks_.end()) continue;  // an earlier one removed it
     const auto call = found->second.call;
     const EnteredScope entered(found->second.owner);
-    const scene::Journal::Scope unrecorded(document_.journal(), nullptr);
+    // What a callback does by the API is its own; within a replay it is kept among the records.
+    std::optional<scene::Journal::Scope> unrecorded;
+    if (!scene::isReplaying()) unrecorded.emplace(document_.journal(), nullptr);
     running_.push_back(id);
     try {
       call(happening);

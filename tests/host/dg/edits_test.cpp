@@ -254,3 +254,29 @@ TEST_CASE("an observer may read values while it hears what became dirty") {
   CHECK(reader.heard > 20);
   world.graph.removeObserver(&reader);
 }
+
+TEST_CASE("a node that is held for longer than its graph and its types live keeps its type") {
+  host::dg::NodePtr held;
+  {
+    host::dg::TypeRegistry types;
+    auto base = std::make_unique<host::dg::NodeType>();
+    base->name = "heldBase";
+    const host::dg::NodeType* baseType = *types.add(std::move(base));
+    auto derived = std::make_unique<host::dg::NodeType>();
+    derived->name = "held";
+    derived->inherit(baseType);
+    const host::dg::NodeType* type = *types.add(std::move(derived));
+    host::dg::Graph graph;
+    held = graph.createNode(*type, "longer");
+    REQUIRE(graph.deleteNode(*held));
+  }
+  host::dg::TypeRegistry next;  // takes the memory of what is gone
+  for (const char* name : {"a", "b", "c", "d"}) {
+    auto type = std::make_unique<host::dg::NodeType>();
+    type->name = name;
+    REQUIRE(next.add(std::move(type)));
+  }
+  CHECK(held->type().name == "held");
+  CHECK(held->type().isA("heldBase"));
+  CHECK(held->type().nodeCount == 1);
+}
