@@ -17,6 +17,8 @@ Result<void> split(HistoryContext& context) {
 void polySplitVertex(Declarations& add) {
   add("polySplitVertex", "Gives every face at vertices a vertex of its own.")
       .node("polySplitVert", typeCode("PSPV"), "polyModifierWorld")
+      .parameter(boolean("worldSpace", "ws"), "the pieces lie where the vertex was")
+      .recordedOnly()
       .takes(ComponentType::Vertex)
       .leaves(Leaves::Made)
       .trial("", "vtx")

@@ -24,8 +24,8 @@ class ReplayScope {
   Journal::Scope unrecorded_;
 };
 
-/// Says that a record took a node's last place in the hierarchy. A replay that leaves it without one
-/// is refused as a whole.
+/// Says that a record took a node's last place in the hierarchy. A replay that leaves it without
+/// one is refused as a whole.
 void noteUnplaced(const dg::NodePtr& node);
 
 /// Whether records are taken back or done again now.

@@ -1,6 +1,9 @@
 #include "host/ops/topology/spin_edges.h"
 
+#include <algorithm>
 #include <map>
+#include <set>
+#include <utility>
 
 #include "host/mesh/adjacency.h"
 #include "host/mesh/rebuild.h"
@@ -54,6 +57,8 @@ class Spinner {
     };
     const VertexId a = vertexAt(pair, turned(0)), b = vertexAt(pair, turned(pair.leftSize));
     if (a == b || isJoined(a, b)) return true;
+    // Another edge of this round may come to lie between the same two: the next round sees it.
+    if (!made_.insert(std::minmax(a, b)).second) return false;
     std::rotate(pair.outline.begin(), pair.outline.begin() + static_cast<std::ptrdiff_t>(turned(0)),
                 pair.outline.end());
     isTaken_[at(pair.left)] = isTaken_[at(pair.right)] = 1;
@@ -103,6 +108,7 @@ class Spinner {
   int offset_;
   std::vector<std::uint8_t> isTaken_;
   std::vector<Pair> pairs_;
+  std::set<std::pair<VertexId, VertexId>> made_;
 };
 
 }  // namespace
