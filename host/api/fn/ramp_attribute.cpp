@@ -13,8 +13,8 @@ namespace {
 /// The array's plug when it has a ramp's children: position, value, interpolation.
 dg::Plug rampOf(const MPlug& plug, MStatus* status) {
   const dg::Plug own = api::plugOf(plug);
-  const bool isRamp =
-      own && own.isArray() && own.isCompound() && own.attribute()->children.size() == 3;
+  const bool isRamp = own && own.isArray() && own.attribute()->isCompound() &&
+                      own.attribute()->children.size() == 3;
   setStatus(status, isRamp ? MStatus::kSuccess : MStatus::kInvalidParameter);
   return isRamp ? own : dg::Plug();
 }
