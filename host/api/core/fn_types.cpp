@@ -140,6 +140,7 @@ struct DataName {
 };
 constexpr DataName kDataTypes[] = {
     {"mesh", MFn::kMeshData},
+    {"nurbsCurve", MFn::kNurbsCurveData},
     {"matrix", MFn::kMatrixData},
     {"Int32Array", MFn::kIntArrayData},
     {"doubleArray", MFn::kDoubleArrayData},
@@ -260,7 +261,10 @@ MFn::Type fnTypeOf(const dg::Data& data) {
 bool dataHasFn(const dg::Data* data, MFn::Type type) {
   if (!data) return false;
   if (fnTypeOf(*data) == type) return true;
-  return data->typeName() == "mesh" && (type == MFn::kMesh || type == MFn::kGeometryData);
+  // Function sets of shapes work on their data too.
+  const bool isMesh = data->typeName() == "mesh", isCurve = data->typeName() == "nurbsCurve";
+  return (isMesh && type == MFn::kMesh) || (isCurve && type == MFn::kNurbsCurve) ||
+         ((isMesh || isCurve) && type == MFn::kGeometryData);
 }
 
 }  // namespace host::api
