@@ -50,7 +50,9 @@ void dropLostPlaces(dg::Graph& graph, Node& top) {
   while (!open.empty()) {
     Node& node = *open.back();
     open.pop_back();
-    const auto places = pathCount(node);
+    // A node on its way to another parent stands nowhere for a moment: what is told of its first
+    // place goes on being told.
+    const auto places = std::max<std::uint64_t>(pathCount(node), 1);
     for (const dg::AttributePtr& each : node.type().attributes()) {
       if (!each->worldSpace || !each->isArray) continue;
       const dg::Plug array(&node, each.get());
