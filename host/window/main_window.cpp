@@ -52,7 +52,9 @@ MainWindow::MainWindow(Person& person) : person_(person) {
   buildMenus();
   showMessages();
   showProgress();
-  looking_ = person_.looked.connect([this] { follow(); });
+  looking_ = person_.looked.connect([this](Person::Parts parts) {
+    if ((parts & Person::kPanels) != 0) follow();
+  });
   workspaceOf(person_.session()).applicationWindow = reinterpret_cast<void*>(winId());
   follow();
 }

@@ -1,6 +1,7 @@
 #include "host/window/person.h"
 
 #include <QTimer>
+#include <utility>
 
 #include "host/base/messages.h"
 #include "host/builtins/ui/control_values.h"
@@ -12,13 +13,14 @@ namespace host::window {
 Person::Person(cmd::Session& session)
     : session_(session), hand_([this](const tools::InputEvent& event) {
         session_.runByHand([&] { (void)workspace::workspaceOf(session_).toolbox.handle(event); });
-        lookSoon();
+        if (event.kind == tools::InputKind::Move || event.kind == tools::InputKind::Enter) return;
+        // The panels are read when the hand lets go: they cost with the scene.
+        lookSoon(event.kind == tools::InputKind::Drag ? kViews : kAll);
       }) {
   connections_.push_back(session_.lineRun.connect([this](std::string_view) { lookSoon(); }));
-  connections_.push_back(session_.loop().worked.connect([this] { lookSoon(); }));
-  connections_.push_back(session_.loop().drawing.connect([this] { lookSoon(); }));
+  connections_.push_back(session_.loop().drawing.connect([this] { lookSoon(kViews); }));
   connections_.push_back(workspace::workspaceOf(session_).controls.changed.connect(
-      [this](const ui::Control&, ui::ControlChange) { lookSoon(); }));
+      [this](const ui::Control&, ui::ControlChange) { lookSoon(kPanels); }));
 }
 
 bool Person::edit(std::string_view name, const std::function<Result<void>()>& edits) {
@@ -52,14 +54,15 @@ void Person::redo() {
   lookSoon();
 }
 
-void Person::lookSoon() {
-  if (isLooking_) return;
-  isLooking_ = true;
+void Person::lookSoon(Parts parts) {
+  const bool isPlanned = looking_ != 0;
+  looking_ |= parts;
+  if (isPlanned) return;
   QTimer::singleShot(0, [this, isAlive = std::weak_ptr<bool>(isAlive_)] {
     if (isAlive.expired()) return;
-    isLooking_ = false;
+    const auto now = static_cast<Parts>(std::exchange(looking_, std::uint8_t{0}));
     ++lookCount_;
-    looked();
+    looked(now);
   });
 }
 

@@ -33,11 +33,14 @@ class Person {
   /// The mouse and the keys in a view.
   [[nodiscard]] tools::Hand& hand() { return hand_; }
 
-  /// Something may have changed: the parts of the window look at the scene anew, soon and once.
-  Signal<> looked;
-  void lookSoon();
+  /// Which parts of the window look at the session anew.
+  enum Parts : std::uint8_t { kViews = 1, kPanels = 2, kAll = 3 };
+  /// Something may have changed: those parts look, soon and once. Looking at what is under the
+  /// cursor changes nothing; tools that show it ask for a redraw themselves.
+  void lookSoon(Parts parts = kAll);
+  Signal<Parts> looked;
   /// Whether nothing waits to be looked at.
-  [[nodiscard]] bool isQuiet() const { return !isLooking_; }
+  [[nodiscard]] bool isQuiet() const { return looking_ == 0; }
   /// Counts what was looked at, for programs that wait for the window.
   [[nodiscard]] std::uint64_t lookCount() const { return lookCount_; }
 
@@ -46,7 +49,7 @@ class Person {
   tools::Hand hand_;
   std::vector<Connection> connections_;
   std::shared_ptr<bool> isAlive_ = std::make_shared<bool>(true);
-  bool isLooking_ = false;
+  std::uint8_t looking_ = 0;  ///< the parts that will look
   std::uint64_t lookCount_ = 0;
 };
 

@@ -27,7 +27,7 @@ class Stepper : public QObject {
   explicit Stepper(Person& person) : person_(person) {
     timer_.setSingleShot(true);
     connect(&timer_, &QTimer::timeout, this, [this] { step(); });
-    looking_ = person_.looked.connect([this] { plan(); });
+    looking_ = person_.looked.connect([this](Person::Parts) { plan(); });
     plan();
   }
 
@@ -57,8 +57,8 @@ class StateFile {
   StateFile(Person& person, const QWidget& window, QString file)
       : person_(person), window_(window), file_(std::move(file)) {
     if (file_.isEmpty()) return;
-    looking_ =
-        person_.looked.connect([this] { QTimer::singleShot(0, &guard_, [this] { tell(); }); });
+    looking_ = person_.looked.connect(
+        [this](Person::Parts) { QTimer::singleShot(0, &guard_, [this] { tell(); }); });
   }
 
  private:

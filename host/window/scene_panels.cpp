@@ -123,8 +123,17 @@ void Outliner::dropEvent(QDropEvent* event) {
 
 // Attributes
 
+/// What a row says: a node's head, or an attribute and what it is.
+struct AttributePanel::Row {
+  std::string name, value, plug;  ///< the plug is empty for a node's head
+  bool isFree = false;
+  friend bool operator==(const Row&, const Row&) = default;
+};
+
+AttributePanel::~AttributePanel() = default;
+
 AttributePanel::AttributePanel(Person& person, QWidget* parent)
-    : QTreeWidget(parent), person_(person) {
+    : QTreeWidget(parent), person_(person), shown_(std::make_unique<std::vector<Row>>()) {
   setColumnCount(2);
   setHeaderLabels({tr("Attribute"), tr("Value")});
   setObjectName("attributes");
@@ -138,11 +147,10 @@ AttributePanel::AttributePanel(Person& person, QWidget* parent)
   });
 }
 
-void AttributePanel::addNode(dg::Node& node) {
+void AttributePanel::readNode(dg::Node& node, std::vector<Row>& rows) {
   dg::Graph& graph = person_.document().graph();
   const scene::Units& units = person_.document().units();
-  auto* head = new QTreeWidgetItem(this, {text(node.name()), text(node.type().name)});
-  head->setFirstColumnSpanned(false);
+  rows.push_back({node.name(), node.type().name, {}, false});
   const auto add = [&](const dg::Attribute& attribute, const auto& self) -> void {
     if (attribute.hidden || attribute.isArray || !attribute.readable) return;
     if (attribute.isCompound()) {
@@ -156,17 +164,33 @@ void AttributePanel::addNode(dg::Node& node) {
     const dg::Plug plug = node.plug(&attribute);
     const auto value = cmd::readPlug(graph, units, plug);
     if (!value) return;
-    auto* row =
-        new QTreeWidgetItem(head, {text(attribute.longName), text(value->toText().value_or(""))});
-    row->setData(0, kNameRole, text(node.name() + "." + attribute.longName));
-    const bool isFree = attribute.writable && graph.source(plug).isNull();
-    if (isFree) row->setFlags(row->flags() | Qt::ItemIsEditable);
-    if (!isFree) row->setForeground(1, QColor(150, 150, 150));
+    rows.push_back({attribute.longName, value->toText().value_or(""),
+                    node.name() + "." + attribute.longName,
+                    attribute.writable && graph.source(plug).isNull()});
   };
   for (const auto& attribute : node.type().attributes())
     if (attribute->keyable || !scene::isDagNode(node)) add(*attribute, add);
   for (const auto& attribute : node.dynamicAttributes()) add(*attribute, add);
-  head->setExpanded(true);
+}
+
+void AttributePanel::show(const std::vector<Row>& rows) {
+  const int scrolledTo = verticalScrollBar()->value();
+  clear();
+  QTreeWidgetItem* head = nullptr;
+  for (const Row& each : rows) {
+    const QStringList columns{text(each.name), text(each.value)};
+    if (each.plug.empty()) {
+      head = new QTreeWidgetItem(this, columns);
+      continue;
+    }
+    auto* row = new QTreeWidgetItem(head, columns);
+    row->setData(0, kNameRole, text(each.plug));
+    if (each.isFree) row->setFlags(row->flags() | Qt::ItemIsEditable);
+    if (!each.isFree) row->setForeground(1, QColor(150, 150, 150));
+  }
+  expandAll();
+  resizeColumnToContents(0);
+  verticalScrollBar()->setValue(scrolledTo);
 }
 
 void AttributePanel::follow() {
@@ -196,19 +220,21 @@ void AttributePanel::follow() {
     }
     break;
   }
+  std::vector<Row> rows;
+  for (dg::Node* node : nodes) readNode(*node, rows);
+  // Rows that say the same stay, and so does what is being typed into one.
+  if (rows == *shown_ || state() == EditingState) return;
   isFollowing_ = true;
-  const int scrolledTo = verticalScrollBar()->value();
-  clear();
-  for (dg::Node* node : nodes) addNode(*node);
-  resizeColumnToContents(0);
-  verticalScrollBar()->setValue(scrolledTo);
+  show(rows);
   isFollowing_ = false;
+  *shown_ = std::move(rows);
 }
 
 void AttributePanel::change(QTreeWidgetItem* item) {
   const std::string name = item->data(0, kNameRole).toString().toStdString();
   scene::Document& document = person_.document();
   const auto plug = document.plug(name);
+  shown_->clear();  // the row says what was typed, whatever comes of it
   if (!plug) return person_.lookSoon();
   const std::string typed = item->text(1).toStdString();
   person_.edit("setAttr", [&]() -> Result<void> {

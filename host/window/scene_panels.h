@@ -2,6 +2,9 @@
 
 #include <QListWidget>
 #include <QTreeWidget>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include "host/window/person.h"
 
@@ -29,13 +32,16 @@ class Outliner : public QTreeWidget {
 class AttributePanel : public QTreeWidget {
  public:
   explicit AttributePanel(Person& person, QWidget* parent = nullptr);
+  ~AttributePanel() override;
   void follow();
 
  private:
-  void addNode(dg::Node& node);
+  struct Row;
+  void readNode(dg::Node& node, std::vector<Row>& rows);
+  void show(const std::vector<Row>& rows);
   void change(QTreeWidgetItem* item);
   Person& person_;
-  std::string shown_;  ///< names of the nodes that have rows
+  std::unique_ptr<std::vector<Row>> shown_;
   bool isFollowing_ = false;
 };
 

@@ -75,7 +75,9 @@ ViewWidget::ViewWidget(Person& person, std::string panel, QWidget* parent)
   setMinimumSize(1, 1);
   setObjectName(plain(panel_));
   setAccessibleName(plain(panel_));
-  looking_ = person_.looked.connect([this] { refresh(); });
+  looking_ = person_.looked.connect([this](Person::Parts parts) {
+    if ((parts & Person::kViews) != 0) refresh();
+  });
 }
 
 void ViewWidget::refresh() {
