@@ -48,11 +48,14 @@ Result<Job> jobOf(Context& context, const ParsedArgs& args) {
   const std::string compression = args.text("compression", "png");
   const auto named = io::pictureFormatOf(job.completeName);
   const auto wanted = io::pictureFormat(compression);
-  if (!wanted && !named)
+  if (!wanted)
     return fail(
         "playblast: the compression \"{}\" is not available; use \"png\", \"jpg\", "
         "\"bmp\" or \"tif\"",
         compression);
+  if (named && args.has("compression") && *named != *wanted)
+    return fail("playblast: {} is no name for a picture of the kind \"{}\"", job.completeName,
+                compression);
   job.format = named.value_or(wanted.value_or(io::PictureFormat::Png));
   auto times = timesOf(context, args);
   if (!times) return failWith(times.error());
