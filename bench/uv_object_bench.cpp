@@ -5,8 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/api/session/host_session.h"
-#include "host/base/messages.h"
+#include "bench/tool_session.h"
 #include "host/nodes/mesh_shape.h"
 
 // UVs as a mesh in the scene: how long the mesh takes to build, what a step of a drag of a thousand
@@ -19,21 +18,8 @@ using host::mesh::Mesh;
 
 constexpr Index kShells = 1000;
 
-host::cmd::Session& session() {
-  static const auto instance = [] {
-    auto made = host::api::makeHostSession();
-    made->interpreter().setScriptPath({QXMT_SCRIPTS_DIR});
-    const host::MessageCapture quiet;
-    if (!made->executeLine("loadPlugin \"" QXMT_BINARY_DIR "/lib/qxModelingToolkit.so\""))
-      std::abort();
-    return made;
-  }();
-  return *instance;
-}
-
-void run(const std::string& mel) {
-  if (const auto done = session().executeLine(mel); !done) std::abort();
-}
+using tool_bench::run;
+using tool_bench::session;
 
 /// A rolling square of side * side quads, its columns cut into `shells` strips of UVs.
 Mesh strips(Index side, Index shells) {

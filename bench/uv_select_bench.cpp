@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "bench/bench_meshes.h"
-#include "host/api/session/host_session.h"
+#include "bench/tool_session.h"
 #include "host/base/messages.h"
 #include "host/cmd/loop.h"
 #include "host/nodes/mesh_shape.h"
@@ -24,21 +24,8 @@ using host::tools::InputKind;
 using host::tools::MouseButton;
 using host::viewport::ViewPoint;
 
-host::cmd::Session& session() {
-  static const auto instance = [] {
-    auto made = host::api::makeHostSession();
-    made->interpreter().setScriptPath({QXMT_SCRIPTS_DIR});
-    const host::MessageCapture quiet;
-    if (!made->executeLine("loadPlugin \"" QXMT_BINARY_DIR "/lib/qxModelingToolkit.so\""))
-      std::abort();
-    return made;
-  }();
-  return *instance;
-}
-
-void run(const std::string& mel) {
-  if (const auto done = session().executeLine(mel); !done) std::abort();
-}
+using tool_bench::run;
+using tool_bench::session;
 
 /// A mesh named "shape" that is loaded for marking.
 void load(host::mesh::Mesh mesh) {
