@@ -10,7 +10,7 @@ namespace {
 /// In a table's cell: bars would end it.
 std::string cell(std::string text) {
   for (std::size_t at = text.find('|'); at != std::string::npos; at = text.find('|', at + 2))
-    text.insert(at, "\\");
+    text.insert(at, 1, '\\');
   return text;
 }
 
