@@ -15,6 +15,7 @@
 #include <QTabWidget>
 #include <QThread>
 #include <QUrl>
+#include <algorithm>
 #include <array>
 
 #include "host/base/cancel.h"
@@ -200,20 +201,27 @@ void MainWindow::buildEditMenu() {
   });
 }
 
+/// Menus of scripts that have something to show, or will when they open. Those that a host has from
+/// the start and that nobody filled stay out of sight: the window's own are there.
 void MainWindow::followScriptMenus() {
-  const ui::Control& root = workspaceOf(person_.session()).controls.mainWindow();
-  std::uint64_t seen = 1;
-  for (const auto& child : root.children)
-    if (child->isKind(Kind::Menu)) seen = seen * 31 + child->revision + 7;
-  if (seen == menusSeen_) return;
-  menusSeen_ = seen;
+  std::vector<const ui::Control*> shown;
+  std::string now;
+  for (const auto& child : workspaceOf(person_.session()).controls.mainWindow().children) {
+    if (!child->isKind(Kind::Menu) || !child->isOn("visible")) continue;
+    const bool hasItems = std::ranges::any_of(
+        child->children, [](const auto& item) { return item->isKind(Kind::MenuItem); });
+    if (!hasItems && child->text("postMenuCommand").empty()) continue;
+    shown.push_back(child.get());
+    now += child->name + "|" + child->text("label") + "\n";
+  }
+  if (now == menusShown_) return;
+  menusShown_ = now;
   for (QMenu* menu : scriptMenus_) delete menu;
   scriptMenus_.clear();
-  for (const auto& child : root.children) {
-    if (!child->isKind(Kind::Menu) || !child->isOn("visible")) continue;
-    auto* menu = new QMenu(labelText(*child), this);
-    menu->setObjectName(text(child->name));
-    fillWhenOpened(person_, *menu, *child);
+  for (const ui::Control* each : shown) {
+    auto* menu = new QMenu(labelText(*each), this);
+    menu->setObjectName(text(each->name));
+    fillWhenOpened(person_, *menu, *each);
     menuBar()->addMenu(menu);
     scriptMenus_.push_back(menu);
   }

@@ -54,7 +54,7 @@ class MainWindow : public QMainWindow {
   std::map<std::string, ViewWidget*> views_;
   std::map<std::string, std::unique_ptr<LayoutWindow>> windows_;
   std::vector<QMenu*> scriptMenus_;
-  std::uint64_t menusSeen_ = 0;
+  std::string menusShown_;  ///< names and labels of the menus of scripts that have one here
   Outliner* outliner_ = nullptr;
   AttributePanel* attributes_ = nullptr;
   UndoPanel* undo_ = nullptr;
