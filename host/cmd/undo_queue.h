@@ -65,8 +65,8 @@ class UndoQueue {
 
   /// Takes back or does again the latest item. Fails when there is none or one is being undone.
   /// An item that no longer fits, because of edits that nobody recorded, is refused: the document
-  /// stays as it is, and the item is forgotten with all others that work on nodes it needed and
-  /// did not find.
+  /// stays as it is, and the item is forgotten with those behind it in the same direction that work
+  /// on nodes it needed and did not find.
   /// Commands go through Dispatcher::undo, which also refuses while a step is being collected.
   Result<void> undo();
   Result<void> redo();
