@@ -197,13 +197,4 @@ std::optional<ClosestPoint> Accelerator::closestPoint(const Vec3& p, double maxD
   return out;
 }
 
-std::vector<FaceId> Accelerator::facesInBox(const Box& box) const {
-  std::vector<Index> faces;
-  bvh().inBox(box, faces);
-  for (Index& f : faces) f = triangles_[at(f)].face;
-  std::ranges::sort(faces);
-  faces.erase(std::unique(faces.begin(), faces.end()), faces.end());
-  return faces;
-}
-
 }  // namespace host::spatial

@@ -141,7 +141,6 @@ class Tree {
   /// The collection that new radio buttons join: the latest one made under the current parent or
   /// above it.
   [[nodiscard]] Control* currentCollection(bool ofMenuItems) const;
-  void setCurrentCollection(Control* collection) { currentCollection_ = collection; }
 
   /// Visits a control and all below it, parents first; nesting costs no stack.
   template <class Visit>

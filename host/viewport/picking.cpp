@@ -63,12 +63,6 @@ std::optional<PickHit> Picker::pick(const SceneView& scene, ViewPoint cursor,
   return object;
 }
 
-std::optional<PickHit> Picker::pickSurface(const SceneView& scene, ViewPoint cursor) {
-  return Query(*this, scene).surface(cursor, [&](std::size_t i) {
-    return scene.meshes[i].state != ObjectState::Template;
-  });
-}
-
 std::vector<PickHit> Picker::pickInside(const SceneView& scene, PickRect rect,
                                         const PickOptions& options) {
   const PickRect sorted{{std::min(rect.from.x, rect.to.x), std::min(rect.from.y, rect.to.y)},

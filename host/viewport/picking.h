@@ -63,10 +63,6 @@ class Picker {
   [[nodiscard]] std::vector<PickHit> pickInside(const SceneView& scene, PickRect rect,
                                                 const PickOptions& options);
 
-  /// The nearest surface under the cursor, of shaded and other meshes alike; what "the mesh under
-  /// the cursor" means.
-  [[nodiscard]] std::optional<PickHit> pickSurface(const SceneView& scene, ViewPoint cursor);
-
  private:
   struct Entry;
   const Entry& entry(const RenderMesh& object);
