@@ -15,6 +15,7 @@
 #include "shared/selection/pickOrder.h"
 #include "shared/settings/toolSettings.h"
 #include "shared/tool/toolRun.h"
+#include "uv/uvLinks.h"
 
 MString pluginLoadPath;
 
@@ -51,6 +52,7 @@ PLUGIN_EXPORT MStatus initializePlugin(MObject object) {
 PLUGIN_EXPORT MStatus uninitializePlugin(MObject object) {
   pickOrder::end();
   leaveActiveTools();  // a tool in the user's hand would lose its code
+  uvLinks::dropAll();  // and so would the callbacks of linked meshes
   releaseLicence();
   MFnPlugin plugin(object);
   return deregisterAll(plugin);

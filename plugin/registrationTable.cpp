@@ -20,10 +20,17 @@
 #include "quaddraw/quadDrawContextToolCmd.h"
 #include "quaddraw/quadDrawLocator.h"
 #include "quaddraw/quadDrawOverride.h"
+#include "uv/addUVNodeMessageCmd.h"
 #include "uv/autoUnwrapCmd.h"
+#include "uv/buildUVObjectCmd.h"
 #include "uv/loadUvObjectCmd.h"
 #include "uv/markUVInformationCmd.h"
+#include "uv/modifyUVNode.h"
+#include "uv/scaleMoveAndSew.h"
+#include "uv/uvEditNode.h"
 #include "uv/uvLocatorDrawOverride.h"
+#include "uv/uvRatioCmd.h"
+#include "uv/uvRatioTweakCmd.h"
 #include "uv/uvSelectLocator.h"
 
 namespace {
@@ -98,7 +105,7 @@ const registrationRow kLoadRows[] = {
     drawOverride(kDrawLocatorDb, "drawLocatorNodePlugin", DrawLocatorDrawOverride::creator),
     node(kLocator, "pinLocator", 0x112F8E, "error registering pin locator", kPinLocatorDb, pinLocator::creator, pinLocator::initialize),
     drawOverride(kPinLocatorDb, "pinLocatorNodePlugin", pinLocatorDrawOverride::creator),
-    node(kNode, "uvEditNode", 0x112F8F, "uvEditNode failed to register"),
+    node(kNode, "uvEditNode", 0x112F8F, "uvEditNode failed to register", nullptr, uvEditNode::creator, uvEditNode::initialize),
     node(kLocator, "quadDrawLocator", 0x112F91, "quadDrawLocator failed to register", kQuadDrawLocatorDb, quadDrawLocator::creator, quadDrawLocator::initialize),
     drawOverride(kQuadDrawLocatorDb, "quadDrawLocatorNodePlugin", quadDrawLocatorDrawOverride::creator),
     context("quadDrawContext", "quadDrawContextCmd", "quadDraw context failed to register", quadDrawContextCmd::creator, quadDrawContextToolCmd::creator),
@@ -110,19 +117,19 @@ const registrationRow kLoadRows[] = {
     command<autoUnwrapCmd>("qxAutoUnwrap", "auto unwrap command failed to register"),
     command<transferVertexNormalsCmd>("qxTransferVertexNormals", "transfer Vertex Normals command failed to register"),
     command<loadUvObjectCmd>("qxLoadUvObjectForMarking", "load uv object for marking command failed to register"),
-    command("uvRatio", "uv ratio command failed to register"),
+    command<uvRatioCmd>("uvRatio", "uv ratio command failed to register"),
     command("qxPinVertsCmd", "qxPinVertsCmd command failed to register"),
     command<markUVInformationCmd>("qxMarkUVInformation", "mark uv information command failed to register"),
-    command("qxBuildUVObject", "buildUVObjectCmd command failed to register"),
+    command("qxBuildUVObject", "buildUVObjectCmd command failed to register", buildUVObjectCmd::creator),
     context("baseBrushContext", "baseBrushContextCmd", "move brush context failed to register"),
     context("standardSculptBrushContext", "standardBrushContextCmd", "standard brush context failed to register"),
     context("tweakUvBrushContext", "tweakUvBrushContextCmd", "tweak uv brush context failed to register"),
     context("moveRotateScaleUVBrushContext", "moveRotateScaleUVBrushContextCmd", "tweak uv brush context failed to register"),
     command("qxTweakUVVerts", "qxTweakUVVertscommand failed to register"),
-    node(kNode, "qxModifyUvsNode", 0x112F9E, "qxModifyUvsNode failed to register"),
-    command("scaleMoveSewCmd", "registerCommand"),
-    command("addUVNodeMessageCmd", "registerCommand"),
-    command("uvRatioCmd", "registerCommand"),
+    node(kNode, "qxModifyUvsNode", 0x112F9E, "qxModifyUvsNode failed to register", nullptr, modifyUVNode::creator, modifyUVNode::initialize),
+    command<scaleMoveAndSew>("scaleMoveSewCmd", "registerCommand"),
+    command<addUVNodeMessageCmd>("addUVNodeMessageCmd", "registerCommand"),
+    command<uvRatioTweakCmd>("uvRatioCmd", "registerCommand"),
     command<projectMeshOnMeshCmd>("projectMeshOnMeshCmd", "registerCommand"),
 };
 const unsigned int kLoadRowCount = sizeof(kLoadRows) / sizeof(kLoadRows[0]);

@@ -17,6 +17,8 @@ struct uvArrays {
   /// @param set a null pointer: the current one
   /// @return failure, with nothing shown, when there is no such set
   MStatus read(const MFnMesh& mesh, const MString* set = nullptr);
+  /// Whether all numbers are the same.
+  bool operator==(const uvArrays& other) const;
   /// Writes them over the set's: clear, set, assign. Past any undo but the caller's own.
   /// @return failure, with nothing shown, when the set is not there or the arrays don't fit the
   /// mesh;

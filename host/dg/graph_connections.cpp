@@ -127,8 +127,10 @@ bool isPayload(const Attribute& attribute, std::string_view word) {
 
 /// Whether values of one attribute fit the other, arrays left aside.
 bool kindsFit(const Attribute& from, const Attribute& to) {
-  if (from.type == AttributeType::Message || to.type == AttributeType::Message)
-    return from.type == to.type;
+  // A message brings no value, so it may tie a node to a plug of any kind but a compound; no other
+  // kind fits a message.
+  if (from.type == AttributeType::Message) return !to.isCompound();
+  if (to.type == AttributeType::Message) return false;
   if (to.type == AttributeType::Generic) return carriesWord(to, from);
   if (from.type == AttributeType::Generic) return carriesWord(from, to);
   if (from.isCompound() || to.isCompound()) {

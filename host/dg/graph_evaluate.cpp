@@ -115,7 +115,8 @@ Result<void> Graph::Impl::refreshLeaf(const Plug& plug) {
 }
 
 Result<void> Graph::Impl::fetchLeaf(const Plug& plug, const Slot& driver) {
-  if (plug.attribute()->type != AttributeType::Message) {
+  // What a message is connected to keeps its own value.
+  if (driver.wiring->source.attribute()->type != AttributeType::Message) {
     const Plug from = correspondingPlug(driver.wiring->source, driver.attribute, plug.attribute());
     const auto value = graph.get(from);
     if (!value) return failWith(value.error());

@@ -1,0 +1,5 @@
+#include "uv/uvPlacement.h"
+
+#include "shared/mesh/mathHelper.h"
+
+uvPlacement::uvPlacement() : centimetres(mathHelper().centimetresPerUnit()) {}
