@@ -72,7 +72,10 @@ std::vector<dg::Node*> isolatedNodes(const View& view) {
   return nodes;
 }
 
-Result<viewport::SceneView> gatherView(scene::Document& document, const View& view) {
+namespace {
+
+Result<viewport::SceneView> gather(scene::Document& document, const View& view,
+                                   viewport::GatherOptions options) {
   const auto path = cameraPath(document, view.cameraName);
   if (!path) return failWith(path.error());
   auto camera = viewport::gatherCamera(*path);
@@ -83,15 +86,20 @@ Result<viewport::SceneView> gatherView(scene::Document& document, const View& vi
   scene.options = view.options;
   std::unordered_set<const dg::Node*> only;
   for (const std::weak_ptr<dg::Node>& node : view.isolated) only.insert(node.lock().get());
-  viewport::GatherOptions gather;
-  if (view.isIsolated) gather.only = &only;
-  scene.meshes = viewport::gatherMeshes(document, gather);
+  if (view.isIsolated) options.only = &only;
+  scene.meshes = viewport::gatherMeshes(document, options);
   return scene;
+}
+
+}  // namespace
+
+Result<viewport::SceneView> gatherView(scene::Document& document, const View& view) {
+  return gather(document, view, {});
 }
 
 Result<viewport::SceneView> gatherView(scene::Document& document, const Views& views,
                                        const View& view) {
-  auto scene = gatherView(document, view);
+  auto scene = gather(document, view, {.vertexMode = views.showsVertices && views.showsVertices()});
   if (!scene) return scene;
   for (const Views::Gather& gather : views.gatherers) gather(document, view, *scene);
   return scene;

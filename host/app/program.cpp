@@ -1,0 +1,146 @@
+#include "host/app/program.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+
+#include "host/api/session/host_session.h"
+#include "host/app/interrupts.h"
+#include "host/app/options.h"
+#include "host/app/paths.h"
+#include "host/app/progress.h"
+#include "host/app/prompt.h"
+#include "host/app/replay.h"
+#include "host/app/tour.h"
+#include "host/app/unwrap.h"
+#include "host/base/memory.h"
+#include "host/base/messages.h"
+#include "host/builtins/file/scene_files.h"
+#include "host/mel/literal.h"
+#include "host/modelling/declare/reference.h"
+
+namespace host::app {
+namespace {
+
+bool isReadable(const std::string& file) {
+  if (access(file.c_str(), R_OK) == 0 && !std::filesystem::is_directory(file)) return true;
+  std::fprintf(stderr, "qxmt: %s can't be read\n", file.c_str());
+  return false;
+}
+
+int loadPlugIns(cmd::Session& session, const Options& options, const ProgramPaths& paths) {
+  std::vector<std::string> files;
+  if (!options.noModule) files.push_back(paths.module().string());
+  // A file that was named on the command line is meant as it stands, not as a name on the path.
+  for (const std::string& file : options.plugIns)
+    files.push_back(
+        file.find('/') == std::string::npos && std::filesystem::exists(file) ? "./" + file : file);
+  for (const std::string& file : files) {
+    const auto loaded = session.pluginLoader->load(file);
+    if (loaded) continue;
+    postMessage(MessageKind::Error, loaded.error().message);
+    return std::filesystem::exists(file) ? kScriptFailed : kFileFailed;
+  }
+  return kDone;
+}
+
+int openFile(cmd::Session& session, const std::string& file) {
+  if (!isReadable(file)) return kFileFailed;
+  const bool isScene = std::filesystem::path(file).extension() == ".ma";
+  cmd::Context context{session, session.document()};
+  const builtins::FileRequest request{.path = file, .isForced = true};
+  const auto done = session.dispatcher().recordStep("file", [&]() -> Result<void> {
+    HOST_TRY(isScene ? builtins::openScene(context, request)
+                     : builtins::importFile(context, request));
+    return {};
+  });
+  if (!done) postMessage(MessageKind::Error, done.error().message);
+  return done ? kDone : kFileFailed;
+}
+
+int runScript(cmd::Session& session, const Options& options) {
+  if (!isReadable(options.script)) return kFileFailed;
+  (void)session.interpreter().setGlobal("$argv", mel::Value(mel::StringArray(options.arguments)));
+  // The script was named on the command line: that one is meant, wherever it is.
+  const bool isBare = options.script.find('/') == std::string::npos;
+  const auto done = session.executeFile(isBare ? "./" + options.script : options.script);
+  runIdle(session);
+  if (session.isQuitting) return session.exitStatus;
+  return done && !wasInterrupted() ? kDone : kScriptFailed;
+}
+
+/// A session without a prompt, with the plug-ins loaded and a scene open; null when that fails.
+std::unique_ptr<cmd::Session> batchSession(const Options& options, const ProgramPaths& paths,
+                                           const std::string& scene, int& status) {
+  auto session = api::makeHostSession();
+  session->interpreter().setScriptPath({paths.scripts().string()});
+  status = loadPlugIns(*session, options, paths);
+  if (status == kDone && !scene.empty()) status = openFile(*session, scene);
+  return status == kDone ? std::move(session) : nullptr;
+}
+
+int run(const Options& options) {
+  const ProgramPaths paths = programPaths();
+  if (options.script == "replay")
+    return runReplay(options, [&](const std::string& scene, int& status) {
+      return batchSession(options, paths, scene, status);
+    });
+  const bool isPrompt =
+      options.interactive || (options.script.empty() && options.commands.empty() && isatty(0));
+  auto session = api::makeHostSession();
+  session->isBatch = !isPrompt;
+  const InterruptScope interrupts(*session);
+  session->interpreter().setScriptPath({paths.scripts().string()});
+
+  int status = loadPlugIns(*session, options, paths);
+  if (status == kDone && !options.openFile.empty()) status = openFile(*session, options.openFile);
+  for (const std::string& command : options.commands) {
+    if (status != kDone || session->isQuitting) break;
+    if (!session->executeLine(command, {.display = true})) status = kScriptFailed;
+    runIdle(*session);
+    if (session->isQuitting)
+      status = session->exitStatus;
+    else if (wasInterrupted())
+      status = kScriptFailed;
+  }
+  if (status == kDone && !session->isQuitting) {
+    if (options.script == "tour")
+      status =
+          runTour(*session, options.arguments.empty() ? "out/tour" : options.arguments.front());
+    else if (!options.script.empty())
+      status = runScript(*session, options);
+    else if (!isPrompt && options.commands.empty() && !isatty(0))
+      status = runStandardInput(*session);
+    if (isPrompt && !session->isQuitting) status = runPrompt(*session);
+  }
+  return status;
+}
+
+}  // namespace
+
+int runProgram(int argc, char** argv) {
+  keepFreedMemory();
+  Options options;
+  const int ended = parseOptions(argc, argv, options);
+  if (ended >= 0) return ended;
+  if (options.script == "reference") {
+    std::fputs(modelling::referenceRows(modelling::declarations()).c_str(), stdout);
+    return kDone;
+  }
+  if (options.window) {
+    std::fprintf(stderr, "qxmt: this build has no window; run a script, -c or -i\n");
+    return kBadUsage;
+  }
+  try {
+    if (options.script == "unwrap") return runUnwrap(options.arguments);
+    showProgressOnTerminal();
+    return run(options);
+  } catch (const std::exception& exception) {
+    std::fprintf(stderr, "qxmt: %s\n", exception.what());
+    return kScriptFailed;
+  }
+}
+
+}  // namespace host::app
