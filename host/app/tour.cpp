@@ -32,8 +32,8 @@ int runTour(cmd::Session& session, const std::string& folder) {
     std::fprintf(stderr, "qxmt: nothing can be written into the folder %s\n", folder.c_str());
     return kFileFailed;
   }
-  (void)session.interpreter().setGlobal("$argv", mel::Value(mel::StringArray{folder}));
-  const auto done = session.executeLine("source \"qxmt_tour.mel\"; qxmtTour_QXMT_Proc($argv[0])");
+  if (!session.executeFile("qxmt_tour.mel")) return kScriptFailed;
+  const auto done = session.call("qxmtTour_QXMT_Proc", std::vector{mel::Value(folder)});
   return done ? kDone : kScriptFailed;
 }
 

@@ -26,7 +26,8 @@ bool isWord(std::string_view name) {
 
 Result<void> CommandRegistry::insert(std::shared_ptr<const Command> command) {
   const std::string& name = command->name();
-  if (!isWord(name)) return fail("'{}' can't be the name of a command.", name);
+  if (!isWord(name))
+    return fail(ErrorKind::BadArgument, "'{}' can't be the name of a command.", name);
   if (!commands_.emplace(name, command).second)
     return fail("A command named '{}' exists already.", name);
   if (changed) changed();
@@ -43,7 +44,8 @@ Result<void> CommandRegistry::add(PluginCommandSpec spec) {
 
 Result<void> CommandRegistry::remove(std::string_view name) {
   const auto found = commands_.find(name);
-  if (found == commands_.end()) return fail("There is no command named '{}'.", name);
+  if (found == commands_.end())
+    return fail(ErrorKind::NotFound, "There is no command named '{}'.", name);
   if (found->second->builtin())
     return fail("'{}' is a built-in command and can't be removed.", name);
   commands_.erase(found);

@@ -41,6 +41,7 @@ struct FlagSpec {
   QueryArgs queryArgs = QueryArgs::None;
   /// Arguments may be left out, from the last to the first; then `ParsedArgs` has fewer of them.
   bool hasOptionalArgs = false;
+  std::string help;  ///< a phrase for the help text; may be empty
 
   [[nodiscard]] bool isNamed(std::string_view name) const {
     return name == shortName || name == longName;
@@ -73,6 +74,10 @@ class Syntax {
   Syntax& multiUse();
   Syntax& queryArgs(QueryArgs how = QueryArgs::Full);
   Syntax& optionalArgs();
+  Syntax& help(std::string phrase);
+
+  /// What the command does, a sentence for the help text.
+  Syntax& about(std::string sentence);
 
   /// Lets `-e -edit` and `-q -query` stand; a flag of its own of that name goes before.
   Syntax& editable();
@@ -95,6 +100,7 @@ class Syntax {
  private:
   std::vector<FlagSpec> flags_;
   ObjectsSpec objects_;
+  std::string about_;
   bool isEditable_ = false, isQueryable_ = false;
 };
 

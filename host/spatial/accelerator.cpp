@@ -15,10 +15,6 @@ using mesh::Mesh;
 namespace {
 
 constexpr std::size_t kGrain = 20'000;
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 void fill(Triangle& t, const Mesh& mesh, FaceId face, Index inFace,
           const std::array<CornerId, 3>& corners) {
   const auto point = [&](CornerId c) { return mesh.points()[at(mesh.cornerVertex(c))]; };

@@ -21,10 +21,6 @@ constexpr Index kLeafSize = 4;
 constexpr Index kParallelItems = 50'000;
 constexpr int kStackSize = 128;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 struct FloatBox {
   float min[3] = {INFINITY, INFINITY, INFINITY};
   float max[3] = {-INFINITY, -INFINITY, -INFINITY};

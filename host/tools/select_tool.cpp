@@ -41,7 +41,7 @@ void SelectTool::moved(const InputEvent& event) {
   const auto view = registry_.views.scene(event.panel);
   if (!view) return;
   if (const auto hit = registry_.picker().pick(*view, event.position, options))
-    pointed_ = {event.panel, view->meshes[hit->mesh].id, hit->kind, hit->component};
+    pointed_ = {event.panel, view->meshes[hit->mesh].id, hit->type, hit->component};
 }
 
 void SelectTool::cleanup() {
@@ -53,11 +53,11 @@ void SelectTool::mark(const std::string& panel, viewport::SceneView& scene) {
   for (viewport::RenderMesh& mesh : scene.meshes) {
     if (mesh.id != pointed_->mesh) continue;
     const Index component = pointed_->component;
-    if (pointed_->kind == viewport::PickKind::Vertex && component < mesh.mesh.vertexCount())
+    if (pointed_->type == mesh::ComponentType::Vertex && component < mesh.mesh.vertexCount())
       mesh.hovered.vertices = {component};
-    if (pointed_->kind == viewport::PickKind::Edge && component < mesh.mesh.edgeCount())
+    if (pointed_->type == mesh::ComponentType::Edge && component < mesh.mesh.edgeCount())
       mesh.hovered.edges = {component};
-    if (pointed_->kind == viewport::PickKind::Face && component < mesh.mesh.faceCount())
+    if (pointed_->type == mesh::ComponentType::Face && component < mesh.mesh.faceCount())
       mesh.hovered.faces = {component};
   }
 }

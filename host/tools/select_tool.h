@@ -2,8 +2,8 @@
 
 #include <optional>
 
+#include "host/mesh/component_type.h"
 #include "host/tools/tool_context.h"
-#include "host/viewport/picking.h"
 
 namespace host::tools {
 
@@ -31,7 +31,7 @@ class SelectTool : public ToolContext {
   struct Pointed {
     std::string panel;
     std::uint64_t mesh;  ///< RenderMesh::id
-    viewport::PickKind kind;
+    mesh::ComponentType type;
     Index component;
   };
   std::optional<Pointed> pointed_;

@@ -226,7 +226,8 @@ Result<Control*> Tree::create(const ControlType& type, std::string_view name,
   auto parent = parentFor(type, parentName);
   if (!parent) return parent;
   std::string own = name.empty() ? freshName(type) : cleanName(name);
-  if (childAt(*parent, own)) return fail("Object's name '{}' is not unique.", own);
+  if (childAt(*parent, own))
+    return fail(ErrorKind::BadArgument, "Object's name '{}' is not unique.", own);
   if (*parent && (*parent)->type->name == "rowLayout" && type.kind != Kind::Menu &&
       type.kind != Kind::Collection) {
     const auto columns =

@@ -93,8 +93,8 @@ class Tree {
       found = &control;
       return isUnique;
     });
-    if (!isUnique) return fail("Object's name '{}' is not unique.", name);
-    if (!found) return fail("Object '{}' not found.", name);
+    if (!isUnique) return fail(ErrorKind::BadArgument, "Object's name '{}' is not unique.", name);
+    if (!found) return fail(ErrorKind::NotFound, "Object '{}' not found.", name);
     return found;
   }
   [[nodiscard]] Result<Control*> find(std::string_view name) const {

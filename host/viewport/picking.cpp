@@ -58,7 +58,6 @@ std::optional<PickHit> Picker::pick(const SceneView& scene, ViewPoint cursor,
   const auto surface = query.surface(cursor, [&](std::size_t i) { return query.isShaded(i); });
   if (surface && (!object || surface->depth < object->depth)) object = surface;
   if (!object) return {};
-  object->kind = PickKind::Object;
   object->component = kNone;
   return object;
 }

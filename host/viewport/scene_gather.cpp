@@ -190,13 +190,14 @@ std::vector<RenderMesh> gatherMeshes(scene::Document& document, const GatherOpti
 
 Result<RenderMesh> gatherMesh(scene::Document& document, const DagPath& shape) {
   if (shape.isWorld() || !shape.isValid() || !shape.node()->type().isA("mesh"))
-    return fail("There is no mesh to look at.");
+    return fail(ErrorKind::NotFound, "There is no mesh to look at.");
   const GatherOptions options;
   return Gatherer(document, options).makeAlone(shape);
 }
 
 Result<Camera> gatherCamera(const DagPath& path) {
-  if (path.isWorld() || !path.isValid()) return fail("There is no camera to look through.");
+  if (path.isWorld() || !path.isValid())
+    return fail(ErrorKind::NotFound, "There is no camera to look through.");
   const DagPath shape = path.toShape();
   if (shape.isWorld() || !shape.node()->type().isA("camera"))
     return fail("{} is not a camera.", path.partialName());

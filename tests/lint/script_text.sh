@@ -9,8 +9,7 @@ root=$1
 allowed='
 host/api/global/execute.cpp        text that a plug-in gives to be run
 host/api/graph/modifier.cpp        the same, queued in a modifier
-host/api/plugin/loader.cpp         procedures that a plug-in names for its interface
-host/app/main.cpp                  the command line and the script file
+host/app/program.cpp               the command line and the script file
 host/app/prompt.cpp                what a person types
 host/app/replay.cpp                the command line of a replay
 host/app/tour.cpp                  the tour is a script
@@ -20,7 +19,6 @@ host/builtins/system/about.cpp     tells what a command of that name takes
 host/builtins/ui/control_values.cpp  callbacks of controls
 host/builtins/ui/dialogs.cpp       the script that fills a dialog
 host/builtins/ui/view_messages.cpp  the command of a display in a view
-host/builtins/uv/uv_edits.cpp      built-in commands that stand for others; a procedure is never found there
 host/cmd/dispatcher.cpp            finds the commands of scripts
 host/cmd/dispatcher.h              declares that
 host/cmd/loop.cpp                  deferred scripts and script jobs

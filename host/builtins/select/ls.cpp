@@ -2,7 +2,7 @@
 #include <unordered_set>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
+#include "host/nodes/mesh_components.h"
 #include "host/scene/dag_paths.h"
 
 namespace host::builtins {

@@ -1,12 +1,15 @@
 // polyMultiLayoutUV: the shells of several objects in one square.
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
 #include "host/mesh/shells.h"
+#include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/ops/uv/layout.h"
 #include "host/ops/uv/uv_ids.h"
 
 namespace host::builtins {
+
+using nodes::MeshItem;
+using nodes::meshItems;
 
 namespace {
 
@@ -93,7 +96,7 @@ CommandResult polyMultiLayoutUv(Context& context, const ParsedArgs& args) {
     parts.push_back(std::move(*part));
   }
   const auto done = ops::layoutUvs(parts, *options);
-  if (!done) return fail("polyMultiLayoutUV: {}", done.error().message);
+  if (!done) return failAt("polyMultiLayoutUV", done.error());
   for (std::size_t i = 0; i < distinct.size(); ++i)
     HOST_TRY(nodes::setEvaluatedMesh(*distinct[i].path.node(), std::move(meshes[i])));
   return mel::Value();

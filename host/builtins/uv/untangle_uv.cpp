@@ -1,12 +1,15 @@
 // untangleUV: turns turned UV faces back, with the border where it is or on a frame.
 #include "host/base/messages.h"
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
 #include "host/mesh/shells.h"
+#include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/ops/uv/untangle_uvs.h"
 
 namespace host::builtins {
+
+using nodes::MeshItem;
+using nodes::meshItems;
 
 namespace {
 
@@ -66,7 +69,7 @@ CommandResult untangleUv(Context& context, const ParsedArgs& args) {
     for (Index s = 0; s < all.count; ++s)
       if (isNamed[static_cast<std::size_t>(s)]) shells.push_back(s);
     const auto done = ops::untangleUvs(mesh, set, shells, pinsOf(args, item, set), *options);
-    if (!done) return fail("untangleUV: {}", done.error().message);
+    if (!done) return failAt("untangleUV", done.error());
     if (done->shells == 0 && !done->left.empty()) return fail("untangleUV: {}", done->left.front());
     for (const std::string& sentence : done->left) postMessage(MessageKind::Warning, sentence);
     rounds = std::max(rounds, done->iterations);

@@ -4,9 +4,14 @@
 #include <vector>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
+#include "host/nodes/mesh_components.h"
 
 namespace host::builtins {
+
+using nodes::componentFromIds;
+using nodes::componentIds;
+using nodes::MeshItem;
+using nodes::meshItems;
 
 /// UVs of one mesh to be worked on.
 struct UvItem {
@@ -24,9 +29,5 @@ struct UvItem {
 /// node in front of it, made when there is none, where it has. `places` go with `uvs`.
 Result<void> placeUvs(scene::Document& document, const UvItem& item,
                       const std::vector<math::Vec2f>& places);
-
-/// Runs a command by name with words, as one step of the command that runs now.
-[[nodiscard]] CommandResult runByName(Context& context, const std::string& command,
-                                      std::vector<mel::Value> words);
 
 }  // namespace host::builtins

@@ -74,7 +74,7 @@ void registerDeleteComponent(dg::TypeRegistry& types) {
     }
     mesh::Mesh mesh = data->mesh;
     if (auto done = deleteListed(mesh, components->value); !done)
-      return fail("{}: {}", node.name(), done.error().message);
+      return failAt(node.name(), done.error());
     block.output(result, dg::DataPtr(std::make_shared<scene::MeshData>(std::move(mesh))));
     return Computed::Done;
   };

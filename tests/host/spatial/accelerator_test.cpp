@@ -19,10 +19,6 @@ using mesh::Mesh;
 
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// A mesh's triangles one by one: the slow answers.
 struct Scan {
   const Mesh& mesh;
