@@ -9,7 +9,7 @@ root=$1
 allowed='
 host/api/global/execute.cpp        text that a plug-in gives to be run
 host/api/graph/modifier.cpp        the same, queued in a modifier
-host/app/program.cpp               the command line and the script file
+host/app/main.cpp                  the command line and the script file
 host/app/prompt.cpp                what a person types
 host/app/replay.cpp                the command line of a replay
 host/app/tour.cpp                  the tour is a script

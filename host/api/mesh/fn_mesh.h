@@ -8,7 +8,7 @@
 namespace host::api {
 
 /// The mesh of mesh data, kept alive by whoever has the pointer.
-[[nodiscard]] inline std::shared_ptr<const mesh::Mesh> meshOf(const scene::MeshDataPtr& data) {
+[[nodiscard]] inline std::shared_ptr<const mesh::Mesh> sharedMesh(const scene::MeshDataPtr& data) {
   return {data, &data->mesh};
 }
 

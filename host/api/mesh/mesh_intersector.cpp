@@ -9,7 +9,7 @@ namespace {
 class IntersectorRep final : public SharedRep {
  public:
   IntersectorRep(const scene::MeshDataPtr& data, const std::optional<math::Matrix4>& toSpace)
-      : surface(meshOf(data), toSpace), own(meshOf(data), std::nullopt) {
+      : surface(sharedMesh(data), toSpace), own(sharedMesh(data), std::nullopt) {
     // Builds what questions need now, so that they can come from several threads.
     (void)surface.closestPoint({});
   }

@@ -70,7 +70,7 @@ const spatial::Surface* surfaceOf(const MFnMesh& set, MSpace::Space space, MStat
   if (!status) return nullptr;
   if (!rep.surface || rep.surfaceData != data || rep.surface->space() != toSpace) {
     rep.surfaceData = data;
-    rep.surface.emplace(meshOf(MeshTarget::asMesh(data)), toSpace);
+    rep.surface.emplace(sharedMesh(MeshTarget::asMesh(data)), toSpace);
   }
   return &*rep.surface;
 }
