@@ -76,6 +76,7 @@ void BM_Extrude(benchmark::State& state) {
 void BM_Bevel(benchmark::State& state) {
   ops::BevelEdgesOptions options;
   options.offset = 0.2;
+  options.offsetAsFraction = true;
   run(state, [&](Mesh& mesh, const auto& faces) {
     return ops::bevelEdges(mesh, regionEdges(mesh, faces, 0), options).has_value();
   });

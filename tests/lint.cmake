@@ -6,7 +6,7 @@ foreach(lint IN ITEMS format functions test_stems script_text)
 endforeach()
 if(TARGET qxModelingToolkit)
   add_test(NAME lint_exports
-           COMMAND "${PROJECT_SOURCE_DIR}/tests/lint/exports.sh" "$<TARGET_FILE:qxModelingToolkit>")
+           COMMAND "${PROJECT_SOURCE_DIR}/tests/lint/exports.sh" "$<TARGET_FILE:qxModelingToolkit>" "$<TARGET_FILE:qxhost>")
 endif()
 # The toolkit by itself: C++17, the API headers, OpenGL and the standard library, nothing else.
 if(TARGET toolkit_isolation)

@@ -8,6 +8,7 @@
 #include "host/app/interrupts.h"
 #include "host/app/options.h"
 #include "host/app/paths.h"
+#include "host/app/program.h"
 #include "host/app/progress.h"
 #include "host/app/prompt.h"
 #include "host/app/replay.h"
@@ -117,16 +118,14 @@ int run(const Options& options) {
 }
 
 }  // namespace
-}  // namespace host::app
 
-int main(int argc, char** argv) {
-  using namespace host::app;
-  host::keepFreedMemory();
+int runProgram(int argc, char** argv) {
+  keepFreedMemory();
   Options options;
   const int ended = parseOptions(argc, argv, options);
   if (ended >= 0) return ended;
   if (options.script == "reference") {
-    std::fputs(host::modelling::referenceRows(host::modelling::declarations()).c_str(), stdout);
+    std::fputs(modelling::referenceRows(modelling::declarations()).c_str(), stdout);
     return kDone;
   }
   if (options.window) {
@@ -142,3 +141,5 @@ int main(int argc, char** argv) {
     return kScriptFailed;
   }
 }
+
+}  // namespace host::app

@@ -8,166 +8,104 @@
 
 namespace host::builtins {
 
-// One a source file, in the folders' order.
-void registerAddAttr(cmd::CommandRegistry&);
-void registerAttrState(cmd::CommandRegistry&);
-void registerAttributeQuery(cmd::CommandRegistry&);
-void registerConnectAttr(cmd::CommandRegistry&);
-void registerGetAttr(cmd::CommandRegistry&);
-void registerListAttr(cmd::CommandRegistry&);
-void registerListConnections(cmd::CommandRegistry&);
-void registerSetAttr(cmd::CommandRegistry&);
+// The commands: a name for each source file's `register<Name>`, by folder.
+// clang-format off
+#define HOST_BUILTIN_COMMANDS(X) \
+  /* attr */ \
+  X(AddAttr) \
+  X(AttrState) \
+  X(AttributeQuery) \
+  X(ConnectAttr) \
+  X(GetAttr) \
+  X(ListAttr) \
+  X(ListConnections) \
+  X(SetAttr) \
+  /* dag */ \
+  X(CreateNode) \
+  X(Delete) \
+  X(Duplicate) \
+  X(ListHistory) \
+  X(ListRelatives) \
+  X(ListSets) \
+  X(MakeIdentity) \
+  X(Move) \
+  X(NodeQueries) \
+  X(Parent) \
+  X(RotateScale) \
+  X(Sets) \
+  X(ShadingNode) \
+  X(Ungroup) \
+  X(Visibility) \
+  X(Xform) \
+  /* file */ \
+  X(File) \
+  X(FileInfo) \
+  /* mesh */ \
+  X(PerformAction) \
+  X(PointPosition) \
+  X(PolyColorPerVertex) \
+  X(PolyColorSet) \
+  X(PolyOptions) \
+  X(PolyUvSet) \
+  /* poly */ \
+  X(PolyCrease) \
+  X(PolyEvaluate) \
+  X(PolyInfo) \
+  /* select */ \
+  X(ConvertSelection) \
+  X(FilterExpand) \
+  X(Ls) \
+  X(PickWalk) \
+  X(PolyListComponentConversion) \
+  X(PolySelect) \
+  X(PolySelectConstraint) \
+  X(Select) \
+  X(SelectMode) \
+  X(SelectPref) \
+  X(TraverseSelection) \
+  /* system */ \
+  X(About) \
+  X(OptionVar) \
+  X(Plugins) \
+  X(Program) \
+  X(ScriptJob) \
+  X(Undo) \
+  X(UnitsAndTime) \
+  /* tools */ \
+  X(ToolCommands) \
+  X(ViewGesture) \
+  /* ui */ \
+  X(ComponentMenu) \
+  X(ControlCommands) \
+  X(ControlTree) \
+  X(Dialogs) \
+  X(UiGesture) \
+  X(ViewMessages) \
+  X(WindowPref) \
+  /* uv */ \
+  X(PolyEditUv) \
+  X(PolyForceUv) \
+  X(PolyProjection) \
+  X(UvLayouts) \
+  X(UvProcedures) \
+  /* view */ \
+  X(IsolateSelect) \
+  X(Panels) \
+  X(Playblast) \
+  X(ViewFit) \
+  /* last, since they stand for others */ \
+  X(RuntimeCommands)
+// clang-format on
 
-void registerCreateNode(cmd::CommandRegistry&);
-void registerDelete(cmd::CommandRegistry&);
-void registerDuplicate(cmd::CommandRegistry&);
-void registerListHistory(cmd::CommandRegistry&);
-void registerListRelatives(cmd::CommandRegistry&);
-void registerListSets(cmd::CommandRegistry&);
-void registerMakeIdentity(cmd::CommandRegistry&);
-void registerMove(cmd::CommandRegistry&);
-void registerNodeQueries(cmd::CommandRegistry&);
-void registerParent(cmd::CommandRegistry&);
-void registerRotateScale(cmd::CommandRegistry&);
-void registerSets(cmd::CommandRegistry&);
-void registerShadingNode(cmd::CommandRegistry&);
-void registerUngroup(cmd::CommandRegistry&);
-void registerVisibility(cmd::CommandRegistry&);
-void registerXform(cmd::CommandRegistry&);
-
-void registerFile(cmd::CommandRegistry&);
-void registerFileInfo(cmd::CommandRegistry&);
-
-void registerPerformAction(cmd::CommandRegistry&);
-void registerPointPosition(cmd::CommandRegistry&);
-void registerPolyColorPerVertex(cmd::CommandRegistry&);
-void registerPolyColorSet(cmd::CommandRegistry&);
-void registerPolyOptions(cmd::CommandRegistry&);
-void registerPolyUvSet(cmd::CommandRegistry&);
-
-void registerPolyCrease(cmd::CommandRegistry&);
-void registerPolyEvaluate(cmd::CommandRegistry&);
-void registerPolyInfo(cmd::CommandRegistry&);
-
-void registerConvertSelection(cmd::CommandRegistry&);
-void registerFilterExpand(cmd::CommandRegistry&);
-void registerLs(cmd::CommandRegistry&);
-void registerPickWalk(cmd::CommandRegistry&);
-void registerPolyListComponentConversion(cmd::CommandRegistry&);
-void registerPolySelect(cmd::CommandRegistry&);
-void registerPolySelectConstraint(cmd::CommandRegistry&);
-void registerSelect(cmd::CommandRegistry&);
-void registerSelectMode(cmd::CommandRegistry&);
-void registerTraverseSelection(cmd::CommandRegistry&);
-
-void registerAbout(cmd::CommandRegistry&);
-void registerOptionVar(cmd::CommandRegistry&);
-void registerPlugins(cmd::CommandRegistry&);
-void registerProgram(cmd::CommandRegistry&);
-void registerRuntimeCommands(cmd::CommandRegistry&);
-void registerScriptJob(cmd::CommandRegistry&);
-void registerUndo(cmd::CommandRegistry&);
-void registerUnitsAndTime(cmd::CommandRegistry&);
-
-void registerComponentMenu(cmd::CommandRegistry&);
-void registerControlCommands(cmd::CommandRegistry&);
-void registerControlTree(cmd::CommandRegistry&);
-void registerDialogs(cmd::CommandRegistry&);
-void registerIsolateSelect(cmd::CommandRegistry&);
-void registerPanels(cmd::CommandRegistry&);
-void registerSelectPref(cmd::CommandRegistry&);
-void registerToolCommands(cmd::CommandRegistry&);
-void registerUiGesture(cmd::CommandRegistry&);
-void registerViewMessages(cmd::CommandRegistry&);
-void registerWindowPref(cmd::CommandRegistry&);
-
-void registerPolyEditUv(cmd::CommandRegistry&);
-void registerPolyForceUv(cmd::CommandRegistry&);
-void registerPolyProjection(cmd::CommandRegistry&);
-void registerUvLayouts(cmd::CommandRegistry&);
-void registerUvProcedures(cmd::CommandRegistry&);
-
-void registerPlayblast(cmd::CommandRegistry&);
-void registerViewFit(cmd::CommandRegistry&);
-void registerViewGesture(cmd::CommandRegistry&);
+#define HOST_DECLARE(Name) void register##Name(cmd::CommandRegistry&);
+HOST_BUILTIN_COMMANDS(HOST_DECLARE)
+#undef HOST_DECLARE
 
 void registerBuiltinCommands(cmd::CommandRegistry& registry) {
-  static constexpr void (*kRegistrations[])(cmd::CommandRegistry&) = {
-      registerAddAttr,
-      registerAttrState,
-      registerAttributeQuery,
-      registerConnectAttr,
-      registerGetAttr,
-      registerListAttr,
-      registerListConnections,
-      registerSetAttr,
-      registerCreateNode,
-      registerDelete,
-      registerDuplicate,
-      registerListHistory,
-      registerListRelatives,
-      registerMove,
-      registerNodeQueries,
-      registerParent,
-      registerRotateScale,
-      registerSets,
-      registerXform,
-      registerFile,
-      registerFileInfo,
-      registerPolyCrease,
-      registerPolyEvaluate,
-      registerPolyInfo,
-      registerFilterExpand,
-      registerLs,
-      registerPolyListComponentConversion,
-      registerSelect,
-      registerSelectMode,
-      registerAbout,
-      registerOptionVar,
-      registerPlugins,
-      registerProgram,
-      registerScriptJob,
-      registerUndo,
-      registerUnitsAndTime,
-      registerControlCommands,
-      registerControlTree,
-      registerDialogs,
-      registerUiGesture,
-      registerWindowPref,
-      registerComponentMenu,
-      registerIsolateSelect,
-      registerPanels,
-      registerSelectPref,
-      registerToolCommands,
-      registerViewMessages,
-      registerPlayblast,
-      registerViewFit,
-      registerViewGesture,
-      registerConvertSelection,
-      registerPolySelect,
-      registerPolySelectConstraint,
-      registerTraverseSelection,
-      registerPerformAction,
-      registerPolyColorPerVertex,
-      registerPolyColorSet,
-      registerPolyOptions,
-      registerPolyUvSet,
-      registerPolyEditUv,
-      registerPolyForceUv,
-      registerPolyProjection,
-      registerUvLayouts,
-      registerUvProcedures,
-      registerListSets,
-      registerMakeIdentity,
-      registerVisibility,
-      registerPointPosition,
-      registerShadingNode,
-      registerUngroup,
-      registerPickWalk,
-      registerRuntimeCommands,
-  };
   modelling::registerCommands(registry);  // first: runtime commands stand for some of them
-  for (const auto registration : kRegistrations) registration(registry);
+#define HOST_REGISTER(Name) register##Name(registry);
+  HOST_BUILTIN_COMMANDS(HOST_REGISTER)
+#undef HOST_REGISTER
 }
 
 std::unique_ptr<cmd::Session> makeSession() {

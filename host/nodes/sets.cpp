@@ -223,22 +223,6 @@ std::vector<Node*> setsOf(Document& document, const SelectionItem& item) {
   return sets;
 }
 
-SelectionList unionOf(const SelectionList& a, const SelectionList& b) {
-  SelectionList sum = a;
-  sum.merge(b, scene::SelectionMerge::Add);
-  return sum;
-}
-
-SelectionList differenceOf(const SelectionList& a, const SelectionList& b) {
-  SelectionList rest = a;
-  rest.merge(b, scene::SelectionMerge::Remove);
-  return rest;
-}
-
-SelectionList intersectionOf(const SelectionList& a, const SelectionList& b) {
-  return differenceOf(a, differenceOf(a, b));
-}
-
 Result<void> assignInitialShading(Document& document, Node& shape) {
   const std::vector<Node*>& found = document.nodesNamed("initialShadingGroup");
   if (found.empty()) return {};

@@ -32,14 +32,6 @@ Result<void> clearSet(scene::Document& document, dg::Node& set);
 [[nodiscard]] std::vector<dg::Node*> setsOf(scene::Document& document,
                                             const scene::SelectionItem& item);
 
-/// Set algebra over what lists name, component by component.
-[[nodiscard]] scene::SelectionList unionOf(const scene::SelectionList& a,
-                                           const scene::SelectionList& b);
-[[nodiscard]] scene::SelectionList differenceOf(const scene::SelectionList& a,
-                                                const scene::SelectionList& b);
-[[nodiscard]] scene::SelectionList intersectionOf(const scene::SelectionList& a,
-                                                  const scene::SelectionList& b);
-
 /// Puts a new shape into initialShadingGroup, all instances; nothing happens in a scene without
 /// one.
 Result<void> assignInitialShading(scene::Document& document, dg::Node& shape);

@@ -126,7 +126,7 @@ std::vector<FaceId> Picker::Query::facesNear(const Target& target, ViewPoint cur
   const ViewRay corners[4] = {corner(-1, -1), corner(1, -1), corner(1, 1), corner(-1, 1)};
   const ViewRay middle = corner(0, 0);
   const Vec3 inside = (middle.nearPoint + middle.farPoint) * 0.5;
-  PickRegion region;
+  spatial::PickRegion region;
   const auto add = [&](const Vec3& a, const Vec3& b, const Vec3& c) {
     math::Plane plane(a, math::cross(b - a, c - a));
     if (plane.signedDistance(inside) > 0) plane = math::Plane(a, -plane.normal);

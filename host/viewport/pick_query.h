@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "host/spatial/accelerator.h"
-#include "host/viewport/pick_tree.h"
+#include "host/spatial/pick_tree.h"
 #include "host/viewport/picking.h"
 
 namespace host::viewport {
@@ -11,7 +11,7 @@ namespace host::viewport {
 struct Picker::Entry {
   explicit Entry(const mesh::Mesh& meshIn);
   mesh::Mesh mesh;
-  PickTree tree;
+  spatial::PickTree tree;
   std::vector<std::uint8_t> seenFaces;  ///< 0 for hidden faces; empty when none is hidden
   std::vector<VertexId> looseVertices;  ///< without a face, which the tree doesn't know
   std::vector<EdgeId> looseEdges;

@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "host/scene/dag_paths.h"
+#include "host/scene/display_rules.h"
 #include "host/scene/mesh_data.h"
 
 namespace host::viewport {
@@ -16,33 +17,8 @@ using scene::ComponentType;
 using scene::DagPath;
 using scene::SelectionItem;
 
-/// A number of a node, or `otherwise` where the type has no such attribute or it can't be computed.
-double number(dg::Node& node, std::string_view attribute, double otherwise) {
-  const dg::Plug plug = node.plug(attribute);
-  if (plug.isNull()) return otherwise;
-  const Result<dg::Value> value = node.graph().get(plug);
-  if (!value) return otherwise;
-  if (const auto* real = std::get_if<double>(&*value)) return *real;
-  if (const auto* integer = std::get_if<std::int64_t>(&*value))
-    return static_cast<double>(*integer);
-  return otherwise;
-}
-
-bool isOn(dg::Node& node, std::string_view attribute, bool otherwise) {
-  return number(node, attribute, otherwise ? 1 : 0) != 0;
-}
-
-bool isShown(dg::Node& node) {
-  const bool overridden = isOn(node, "overrideEnabled", false);
-  return isOn(node, "visibility", true) && isOn(node, "lodVisibility", true) &&
-         !isOn(node, "intermediateObject", false) &&
-         (!overridden || isOn(node, "overrideVisibility", true));
-}
-
-bool isTemplate(dg::Node& node) {
-  constexpr double kTemplateType = 1;
-  return isOn(node, "template", false) || (isOn(node, "overrideEnabled", false) &&
-                                           number(node, "overrideDisplayType", 0) == kTemplateType);
+bool isOn(dg::Node& node, std::string_view attribute) {
+  return scene::numberOr(node, attribute, 0) != 0;
 }
 
 void addComponents(const Component& component, const mesh::Mesh& mesh, ComponentSets& sets) {
@@ -164,10 +140,10 @@ class Gatherer {
                  : states_.isHilited(path) ? ObjectState::Hilited
                                            : selected;
     mesh.showVertices = (options_.vertexMode && mesh.state == ObjectState::Hilited) ||
-                        isOn(shape, "displayVertices", false);
-    mesh.showHardEdges = isOn(shape, "displayEdges", false);
-    mesh.showBorderEdges = isOn(shape, "displayBorders", false);
-    mesh.showColors = isOn(shape, "displayColors", false);
+                        isOn(shape, "displayVertices");
+    mesh.showHardEdges = isOn(shape, "displayEdges");
+    mesh.showBorderEdges = isOn(shape, "displayBorders");
+    mesh.showColors = isOn(shape, "displayColors");
     for (const SelectionItem* item : states_.componentsOf(path))
       for (const Component& component : item->components)
         addComponents(component, mesh.mesh, mesh.selected);
@@ -179,12 +155,12 @@ class Gatherer {
     scene::PathWalk walk(top);
     while (!walk.isDone()) {
       dg::Node& node = walk.node();
-      if (!isShown(node)) {
+      if (!scene::isShown(node) || scene::isIntermediate(node)) {
         walk.skipBelow();
         continue;
       }
       levels.resize(walk.depth());
-      Above here{states_.objectState(walk.path()), isTemplate(node),
+      Above here{states_.objectState(walk.path()), scene::isTemplate(node),
                  !options_.only || options_.only->count(&node) > 0};
       if (!levels.empty()) {
         here.selected = PathStates::stronger(levels.back().selected, here.selected);
@@ -227,21 +203,23 @@ Result<Camera> gatherCamera(const DagPath& path) {
   dg::Node& node = *shape.node();
   Camera camera;
   camera.world = shape.inclusiveMatrix();
-  camera.orthographic = isOn(node, "orthographic", false);
-  camera.focalLength = number(node, "focalLength", camera.focalLength);
+  camera.orthographic = isOn(node, "orthographic");
+  camera.focalLength = scene::numberOr(node, "focalLength", camera.focalLength);
   camera.horizontalFilmAperture =
-      number(node, "horizontalFilmAperture", camera.horizontalFilmAperture);
-  camera.verticalFilmAperture = number(node, "verticalFilmAperture", camera.verticalFilmAperture);
+      scene::numberOr(node, "horizontalFilmAperture", camera.horizontalFilmAperture);
+  camera.verticalFilmAperture =
+      scene::numberOr(node, "verticalFilmAperture", camera.verticalFilmAperture);
   camera.filmFit =
-      static_cast<FilmFit>(std::clamp(static_cast<int>(number(node, "filmFit", 0)), 0, 3));
-  camera.nearClip = std::max(number(node, "nearClipPlane", camera.nearClip), 1e-6);
+      static_cast<FilmFit>(std::clamp(static_cast<int>(scene::numberOr(node, "filmFit", 0)), 0, 3));
+  camera.nearClip = std::max(scene::numberOr(node, "nearClipPlane", camera.nearClip), 1e-6);
   camera.farClip =
-      std::max(number(node, "farClipPlane", camera.farClip), camera.nearClip * (1 + 1e-6));
+      std::max(scene::numberOr(node, "farClipPlane", camera.farClip), camera.nearClip * (1 + 1e-6));
   camera.orthographicWidth =
-      std::max(number(node, "orthographicWidth", camera.orthographicWidth), 1e-9);
-  camera.centerOfInterest = number(node, "centerOfInterest", camera.centerOfInterest);
-  camera.tumblePivot = {number(node, "tumblePivotX", 0), number(node, "tumblePivotY", 0),
-                        number(node, "tumblePivotZ", 0)};
+      std::max(scene::numberOr(node, "orthographicWidth", camera.orthographicWidth), 1e-9);
+  camera.centerOfInterest = scene::numberOr(node, "centerOfInterest", camera.centerOfInterest);
+  camera.tumblePivot = {scene::numberOr(node, "tumblePivotX", 0),
+                        scene::numberOr(node, "tumblePivotY", 0),
+                        scene::numberOr(node, "tumblePivotZ", 0)};
   return camera;
 }
 

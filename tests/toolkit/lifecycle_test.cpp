@@ -123,7 +123,7 @@ TEST_CASE("a file that is no plug-in is refused with a reason") {
   const auto missing = session->pluginLoader->load("noSuchPlugIn");
   REQUIRE(!missing);
   CHECK(missing.error().message.find("noSuchPlugIn") != std::string::npos);
-  const auto library = session->pluginLoader->load(QXMT_BINARY_DIR "/lib/libqxhost.so");
+  const auto library = session->pluginLoader->load(QXMT_BINARY_DIR "/lib/open/libqxhost.so");
   CHECK(!library);
   CHECK(session->pluginLoader->loaded().empty());
 }

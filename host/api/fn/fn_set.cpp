@@ -6,6 +6,7 @@
 
 #include "host/api/core/access.h"
 #include "host/nodes/sets.h"
+#include "host/scene/selection_algebra.h"
 
 namespace host::api {
 namespace {
@@ -160,13 +161,13 @@ MStatus MFnSet::getMemberPaths(MDagPathArray& members, bool) const {
 MStatus MFnSet::getUnion(const MObject& otherSet, MSelectionList& result) {
   dg::Node *own = setIn(object_), *other = setIn(otherSet);
   if (!own || !other) return MStatus::kInvalidParameter;
-  result = api::wrap(nodes::unionOf(nodes::setMembers(*own), nodes::setMembers(*other)));
+  result = api::wrap(scene::unionOf(nodes::setMembers(*own), nodes::setMembers(*other)));
   return MStatus::kSuccess;
 }
 MStatus MFnSet::getIntersection(const MObject& otherSet, MSelectionList& result) {
   dg::Node *own = setIn(object_), *other = setIn(otherSet);
   if (!own || !other) return MStatus::kInvalidParameter;
-  result = api::wrap(nodes::intersectionOf(nodes::setMembers(*own), nodes::setMembers(*other)));
+  result = api::wrap(scene::intersectionOf(nodes::setMembers(*own), nodes::setMembers(*other)));
   return MStatus::kSuccess;
 }
 MStatus MFnSet::include(const MObject& otherSet) {

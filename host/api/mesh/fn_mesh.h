@@ -3,10 +3,14 @@
 #include <maya/MDGModifier.h>
 
 #include "host/api/mesh/mesh_target.h"
+#include "host/spatial/surface.h"
 
 namespace host::api {
 
-class Surface;
+/// The mesh of mesh data, kept alive by whoever has the pointer.
+[[nodiscard]] inline std::shared_ptr<const mesh::Mesh> sharedMesh(const scene::MeshDataPtr& data) {
+  return {data, &data->mesh};
+}
 
 /// The target of a function set; null when nothing is attached. Kept in the set's handle until it
 /// is attached elsewhere.
@@ -16,7 +20,8 @@ class Surface;
 /// the status saying why, when there is none. Kept in the set's handle, so that many questions cost
 /// little more than their answers: it is made anew when another mesh arrives or the space has
 /// moved. Good until the next question to the set.
-[[nodiscard]] const Surface* surfaceOf(const MFnMesh& set, MSpace::Space space, MStatus& status);
+[[nodiscard]] const spatial::Surface* surfaceOf(const MFnMesh& set, MSpace::Space space,
+                                                MStatus& status);
 /// Lets go of the accelerators that the set's surface holds.
 void forgetSurface(const MFnMesh& set);
 

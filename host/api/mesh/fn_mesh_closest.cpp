@@ -3,15 +3,15 @@
 #include <maya/MPointArray.h>
 
 #include "host/api/mesh/fn_mesh.h"
-#include "host/api/mesh/surface.h"
 #include "host/ops/query/uv_place.h"
+#include "host/spatial/surface.h"
 
 namespace host::api {
 namespace {
 
 /// The surface in a space and the place nearest to a point of it.
 struct Nearest {
-  const Surface* surface = nullptr;
+  const spatial::Surface* surface = nullptr;
   spatial::ClosestPoint place;
 };
 

@@ -11,8 +11,8 @@
 #include <cmath>
 
 #include "host/api/mesh/fn_mesh.h"
-#include "host/api/mesh/surface.h"
 #include "host/mesh/triangulate.h"
+#include "host/spatial/surface.h"
 
 namespace host::api {
 namespace {
@@ -58,7 +58,7 @@ void tryTriangle(const mesh::Mesh& mesh, FaceId face, Index number,
 }
 
 /// The hits on listed faces by ascending parameter. Costs the length of the list.
-std::vector<RayHit> hitsOnListed(const Surface& surface, const RayQuestion& question) {
+std::vector<RayHit> hitsOnListed(const spatial::Surface& surface, const RayQuestion& question) {
   std::vector<RayHit> hits;
   const auto ray = surface.toObject(question.ray);
   if (!ray) return hits;
@@ -83,7 +83,7 @@ std::vector<RayHit> hitsOnListed(const Surface& surface, const RayQuestion& ques
   return hits;
 }
 
-std::optional<RayHit> closestHit(const Surface& surface, const RayQuestion& question) {
+std::optional<RayHit> closestHit(const spatial::Surface& surface, const RayQuestion& question) {
   if (!question.faces) return surface.closestHit(question.ray, question.options());
   const auto hits = hitsOnListed(surface, question);
   const auto nearest = std::min_element(
@@ -92,7 +92,7 @@ std::optional<RayHit> closestHit(const Surface& surface, const RayQuestion& ques
   return nearest == hits.end() ? std::nullopt : std::optional<RayHit>(*nearest);
 }
 
-std::vector<RayHit> allHits(const Surface& surface, const RayQuestion& question) {
+std::vector<RayHit> allHits(const spatial::Surface& surface, const RayQuestion& question) {
   return question.faces ? hitsOnListed(surface, question)
                         : surface.allHits(question.ray, question.options());
 }
@@ -138,7 +138,7 @@ bool MFnMesh::closestIntersection(const MFloatPoint& raySource, const MFloatVect
                                   int* hitFace, int* hitTriangle, float* hitBary1, float* hitBary2,
                                   float, MStatus* status) const {
   MStatus code;
-  const api::Surface* surface = surfaceOf(*this, space, code);
+  const spatial::Surface* surface = surfaceOf(*this, space, code);
   setStatus(status, code.statusCode());
   if (!surface) return false;
   const auto hit = api::closestHit(
@@ -178,7 +178,7 @@ bool MFnMesh::allIntersections(const MFloatPoint& raySource, const MFloatVector&
   for (MIntArray* ids : {hitFaces, hitTriangles})
     if (ids) ids->clear();
   MStatus code;
-  const api::Surface* surface = surfaceOf(*this, space, code);
+  const spatial::Surface* surface = surfaceOf(*this, space, code);
   setStatus(status, code.statusCode());
   if (!surface) return false;
   for (const spatial::RayHit& hit : api::allHits(
@@ -199,7 +199,7 @@ bool MFnMesh::intersect(const MPoint& raySource, const MVector& rayDirection, MP
   points.clear();
   if (polygonIds) polygonIds->clear();
   MStatus code;
-  const api::Surface* surface = surfaceOf(*this, space, code);
+  const spatial::Surface* surface = surfaceOf(*this, space, code);
   setStatus(status, code.statusCode());
   if (!surface) return false;
   const math::Ray ray{api::toVec3(raySource), api::toVec3(rayDirection)};
@@ -232,11 +232,11 @@ MStatus MFnMesh::freeCachedIntersectionAccelerator() {
   return MStatus::kSuccess;
 }
 MStatus MFnMesh::clearGlobalIntersectionAcceleratorInfo() {
-  api::forgetStretchedAccelerators();
+  spatial::forgetStretchedAccelerators();
   return MStatus::kSuccess;
 }
 MString MFnMesh::globalIntersectionAcceleratorsInfo() {
-  const api::AcceleratorUse use = api::acceleratorUse();
+  const spatial::AcceleratorUse use = spatial::acceleratorUse();
   return api::toMString(
       fmt::format("{} intersection accelerators, {} bytes", use.count, use.bytes));
 }

@@ -1,7 +1,7 @@
 #include <maya/MMeshIntersector.h>
 #include <maya/MPointOnMesh.h>
 
-#include "host/api/mesh/surface.h"
+#include "host/api/mesh/fn_mesh.h"
 
 namespace host::api {
 namespace {
@@ -9,12 +9,12 @@ namespace {
 class IntersectorRep final : public SharedRep {
  public:
   IntersectorRep(const scene::MeshDataPtr& data, const std::optional<math::Matrix4>& toSpace)
-      : surface(data, toSpace), own(data, std::nullopt) {
+      : surface(sharedMesh(data), toSpace), own(sharedMesh(data), std::nullopt) {
     // Builds what questions need now, so that they can come from several threads.
     (void)surface.closestPoint({});
   }
-  const Surface surface;  ///< in the space that is asked in
-  const Surface own;      ///< in object space, that of the answers
+  const spatial::Surface surface;  ///< in the space that is asked in
+  const spatial::Surface own;      ///< in object space, that of the answers
 };
 
 std::optional<math::Matrix4> unlessIdentity(const math::Matrix4& matrix) {

@@ -1,7 +1,7 @@
 #include <maya/MFnMesh.h>
 
 #include "host/api/mesh/fn_mesh.h"
-#include "host/api/mesh/surface.h"
+#include "host/spatial/surface.h"
 
 namespace host::api {
 
@@ -25,7 +25,8 @@ struct MeshSetRep final : SharedRep {
   MObject object;
   MDagPath path;
   MeshTarget target;
-  std::optional<Surface> surface;
+  dg::DataPtr surfaceData;  ///< what `surface` was made of
+  std::optional<spatial::Surface> surface;
 };
 
 bool isSame(const MeshSetRep& rep, const MObject& object, const MDagPath& path) {
@@ -59,7 +60,7 @@ scene::MeshDataPtr readMesh(const MFnMesh& set, MStatus* status) {
   return data;
 }
 
-const Surface* surfaceOf(const MFnMesh& set, MSpace::Space space, MStatus& status) {
+const spatial::Surface* surfaceOf(const MFnMesh& set, MSpace::Space space, MStatus& status) {
   MeshSetRep& rep = repOf(set);
   dg::DataPtr data;
   status = rep.target.readData(data) ? MStatus::kSuccess : MStatus::kFailure;
@@ -67,8 +68,10 @@ const Surface* surfaceOf(const MFnMesh& set, MSpace::Space space, MStatus& statu
   // Object space needs no path, and looking one up costs as much as a short ray.
   if (status && space != MSpace::kObject) status = rep.target.spaceMatrix(space, toSpace);
   if (!status) return nullptr;
-  if (!rep.surface || !rep.surface->isOf(data.get(), toSpace))
-    rep.surface.emplace(MeshTarget::asMesh(data), toSpace);
+  if (!rep.surface || rep.surfaceData != data || rep.surface->space() != toSpace) {
+    rep.surfaceData = data;
+    rep.surface.emplace(sharedMesh(MeshTarget::asMesh(data)), toSpace);
+  }
   return &*rep.surface;
 }
 

@@ -3,29 +3,13 @@
 #include "host/api/core/access.h"
 #include "host/api/view/view_access.h"
 #include "host/api/view/view_rep.h"
+#include "host/scene/display_rules.h"
 #include "host/viewport/display_colors.h"
 
 namespace host::api {
 namespace {
 
 using MHWRender::DisplayStatus;
-
-/// A number of a node, or `otherwise` where it has no such attribute.
-double number(dg::Node& node, std::string_view attribute, double otherwise) {
-  const dg::Plug plug = node.plug(attribute);
-  if (plug.isNull()) return otherwise;
-  const auto value = node.graph().get(plug);
-  if (!value) return otherwise;
-  if (const auto* real = std::get_if<double>(&*value)) return *real;
-  if (const auto* integer = std::get_if<std::int64_t>(&*value))
-    return static_cast<double>(*integer);
-  return otherwise;
-}
-
-bool isTemplate(dg::Node& node) {
-  return number(node, "template", 0) != 0 ||
-         (number(node, "overrideEnabled", 0) != 0 && number(node, "overrideDisplayType", 0) == 1);
-}
 
 /// What the selection says of a path: dormant, active, lead or with active components.
 DisplayStatus selectionStatus(const scene::DagPath& path) {
@@ -46,17 +30,12 @@ DisplayStatus selectionStatus(const scene::DagPath& path) {
 
 }  // namespace
 
-bool isShown(dg::Node& node) {
-  return number(node, "visibility", 1) != 0 && number(node, "lodVisibility", 1) != 0 &&
-         (number(node, "overrideEnabled", 0) == 0 || number(node, "overrideVisibility", 1) != 0);
-}
-
 DisplayStatus displayStatusOf(const scene::DagPath& path) {
   bool isFaint = false;
   for (dg::Node* node : path.nodes()) {
-    if (!isShown(*node)) return MHWRender::kInvisible;
-    if (number(*node, "intermediateObject", 0) != 0) return MHWRender::kIntermediateObject;
-    isFaint = isFaint || isTemplate(*node);
+    if (!scene::isShown(*node)) return MHWRender::kInvisible;
+    if (scene::isIntermediate(*node)) return MHWRender::kIntermediateObject;
+    isFaint = isFaint || scene::isTemplate(*node);
   }
   const DisplayStatus selected = selectionStatus(path);
   if (isFaint)
@@ -74,8 +53,8 @@ namespace {
 const MColor* overrideColor(const scene::DagPath& path) {
   static MColor color;
   for (auto node = path.nodes().rbegin(); node != path.nodes().rend(); ++node) {
-    if (number(**node, "overrideEnabled", 0) == 0) continue;
-    const double index = number(**node, "overrideColor", 0);
+    if (scene::numberOr(**node, "overrideEnabled", 0) == 0) continue;
+    const double index = scene::numberOr(**node, "overrideColor", 0);
     if (index < 1) return nullptr;
     color = indexedColor(static_cast<unsigned int>(index) - 1);
     return &color;

@@ -6,8 +6,6 @@
 
 namespace host::api {
 
-/// Whether a node's own attributes let it show; its ancestors' are not asked.
-[[nodiscard]] bool isShown(dg::Node& node);
 /// How the object at a path stands out now. Linear in the path and the selection.
 [[nodiscard]] MHWRender::DisplayStatus displayStatusOf(const scene::DagPath& path);
 

@@ -32,7 +32,7 @@ class LocatorWalk {
     scene::PathWalk walk(top);
     while (!walk.isDone()) {
       dg::Node& node = walk.node();
-      if (!isShown(node)) {
+      if (!scene::isShown(node)) {
         walk.skipBelow();
         continue;
       }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/builtins/common/command.h"
+#include "host/scene/selection_algebra.h"
 
 namespace host::builtins {
 
@@ -58,10 +59,10 @@ CommandResult combine(Context& context, const ParsedArgs& args, std::string_view
   if (!given) return failWith(std::move(given.error()));
   others = flattened(*given);
   if (flag == "union")
-    result = nodes::unionOf(result, others);
+    result = scene::unionOf(result, others);
   else
-    result = flag == "subtract" ? nodes::differenceOf(result, others)
-                                : nodes::intersectionOf(result, others);
+    result = flag == "subtract" ? scene::differenceOf(result, others)
+                                : scene::intersectionOf(result, others);
   return toValue(result.names());
 }
 

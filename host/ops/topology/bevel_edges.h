@@ -10,9 +10,9 @@ namespace host::ops {
 
 struct BevelEdgesOptions {
   double offset =
-      0.5;  ///< distance of the new edges from the old one, in the space below, cm; or a fraction
+      0.2;  ///< distance of the new edges from the old one, in the space below, cm; or a fraction
   bool offsetAsFraction =
-      true;          ///< the offset is a fraction of half the shortest edge at the bevelled ones
+      false;         ///< the offset is a fraction of half the shortest edge at the bevelled ones
   int segments = 1;  ///< faces across each edge
   double roundness = 1;  ///< of the profile with several segments: 0 flat, 1 an arc
   math::Matrix4 space;   ///< from object space to the space that the offset is measured in

@@ -87,21 +87,10 @@ Result<FacesResult> subdivideFaces(Mesh& mesh, std::span<const FaceId> faces,
   return all;
 }
 
-Result<FacesResult> pokeFaces(Mesh& mesh, std::span<const FaceId> faces,
-                              const PokeFacesOptions& options) {
+Result<FacesResult> pokeFaces(Mesh& mesh, std::span<const FaceId> faces) {
   HOST_TRY(checkIds("face", faces, mesh.faceCount()));
-  if (!std::isfinite(options.offset)) return fail("The offset must be a finite number");
-  const auto centreOf = [&](FaceId f) {
-    const math::Vec3 centre = mesh::faceCenter(mesh, f);
-    double scale = 1;
-    if (options.relative) {
-      scale = 0;
-      for (const VertexId v : mesh.faceVertices(f)) scale += math::distance(centre, mesh.point(v));
-      scale /= mesh.faceSize(f);
-    }
-    return centre + mesh::faceNormal(mesh, f) * (options.offset * scale);
-  };
-  return divideOnce(mesh, sortedIds(faces), Mode::Triangles, centreOf);
+  return divideOnce(mesh, sortedIds(faces), Mode::Triangles,
+                    [&](FaceId f) { return mesh::faceCenter(mesh, f); });
 }
 
 }  // namespace host::ops

@@ -29,11 +29,6 @@ struct FacesResult {
 [[nodiscard]] Result<FacesResult> subdivideFaces(Mesh& mesh, std::span<const FaceId> faces,
                                                  const SubdivideFacesOptions& options = {});
 
-struct PokeFacesOptions {
-  double offset = 0.0;    ///< along the face normal, object space, cm
-  bool relative = false;  ///< the offset is a multiple of the mean centre-to-corner distance
-};
-
 /// Replaces each face by a fan of triangles around a new centre vertex.
 ///
 /// Rim corners keep their UVs and colours; the centre takes the mean, per UV set. A face listed
@@ -41,7 +36,6 @@ struct PokeFacesOptions {
 /// old faces, face by face. Linear.
 /// @return new faces and centres in input order of the ids, or an error naming the bad face with
 /// `mesh` untouched.
-[[nodiscard]] Result<FacesResult> pokeFaces(Mesh& mesh, std::span<const FaceId> faces,
-                                            const PokeFacesOptions& options = {});
+[[nodiscard]] Result<FacesResult> pokeFaces(Mesh& mesh, std::span<const FaceId> faces);
 
 }  // namespace host::ops

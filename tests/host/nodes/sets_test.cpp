@@ -2,6 +2,7 @@
 
 #include <random>
 
+#include "host/scene/selection_algebra.h"
 #include "tests/host/nodes/nodes_fixture.h"
 
 using namespace host;
@@ -110,9 +111,9 @@ TEST_CASE("sets: algebra over lists works component by component") {
   scene.cube();
   scene::SelectionList a = scene.list("pCube1.f[0:3]"), b = scene.list("pCube1.f[2:5]");
   a.merge(scene.list("persp"));
-  CHECK(unionOf(a, b).names() == Names{"pCube1.f[0:5]", "persp"});
-  CHECK(differenceOf(a, b).names() == Names{"pCube1.f[0:1]", "persp"});
-  CHECK(intersectionOf(a, b).names() == Names{"pCube1.f[2:3]"});
+  CHECK(scene::unionOf(a, b).names() == Names{"pCube1.f[0:5]", "persp"});
+  CHECK(scene::differenceOf(a, b).names() == Names{"pCube1.f[0:1]", "persp"});
+  CHECK(scene::intersectionOf(a, b).names() == Names{"pCube1.f[2:3]"});
 }
 
 TEST_CASE("sets: random membership agrees with a table, and undo takes all of it back") {

@@ -27,8 +27,14 @@ double volume(const Mesh& mesh) {
 BevelEdgesOptions wide(double offset, int segments = 1) {
   BevelEdgesOptions options;
   options.offset = offset;
-  options.offsetAsFraction = false;
   options.segments = segments;
+  return options;
+}
+
+/// The offset as a fraction of what the edges around leave room for.
+BevelEdgesOptions part(double fraction, int segments = 1) {
+  BevelEdgesOptions options = wide(fraction, segments);
+  options.offsetAsFraction = true;
   return options;
 }
 
@@ -38,8 +44,7 @@ TEST_CASE("bevelEdges: any selection of any mesh is bevelled soundly or refused"
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
     for (const int segments : {1, 3}) {
       Mesh edited = mesh;
-      BevelEdgesOptions options;
-      options.segments = segments;
+      const BevelEdgesOptions options = part(0.5, segments);
       const auto result = bevelEdges(edited, randomIds(random, mesh.edgeCount(), chance), options);
       if (!result) {
         CHECK(edited == mesh);
@@ -59,10 +64,8 @@ TEST_CASE("bevelEdges: closed stays closed, and the genus stays") {
     INFO(entry.name);
     for (const double chance : {0.1, 0.4, 1.0}) {
       Mesh edited = entry.mesh;
-      BevelEdgesOptions options;
-      options.offset = 0.3;
-      options.segments = 2;
-      if (!bevelEdges(edited, randomIds(random, edited.edgeCount(), chance), options)) continue;
+      const auto edges = randomIds(random, edited.edgeCount(), chance);
+      if (!bevelEdges(edited, edges, part(0.3, 2))) continue;
       CHECK(zoo::counts(edited).euler() == zoo::counts(entry.mesh).euler());
       for (EdgeId e = 0; e < edited.edgeCount(); ++e) {
         const auto corners = edited.adjacency().edgeCorners(e);
@@ -109,10 +112,8 @@ TEST_CASE("bevelEdges: volumes of bevelled cubes") {
   Mesh parent = cube;
   REQUIRE(bevelEdges(parent, std::vector<EdgeId>{0}, scaled));
   CHECK(volume(parent) == doctest::Approx(volume(one)));
-  BevelEdgesOptions half;
-  half.offset = 0.4;
   Mesh fraction = cube;
-  REQUIRE(bevelEdges(fraction, std::vector<EdgeId>{0}, half));
+  REQUIRE(bevelEdges(fraction, std::vector<EdgeId>{0}, part(0.4)));
   CHECK(volume(fraction) == doctest::Approx(volume(one)));
   Mesh huge = cube;  // the corners stop at the ends of their edges
   REQUIRE(bevelEdges(huge, std::vector<EdgeId>{0}, wide(50)));
@@ -172,9 +173,8 @@ TEST_CASE("bevelEdges: every option over the zoo leaves a sound mesh") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
     const auto edges = randomIds(random, mesh.edgeCount(), chance);
     for (unsigned bits = 0; bits < 32; ++bits) {
-      BevelEdgesOptions options;
-      options.offset = 0.2 + 0.2 * (random() % 5);
-      options.segments = 1 + static_cast<int>(random() % 4);
+      const double fraction = 0.2 + 0.2 * (random() % 5);
+      BevelEdgesOptions options = part(fraction, 1 + static_cast<int>(random() % 4));
       options.autoFit = (bits & 1) != 0;
       options.fillNgons = (bits & 2) != 0;
       options.mergeVertices = (bits & 4) != 0;

@@ -7,7 +7,7 @@
 #include "host/math/plane.h"
 #include "host/mesh/mesh.h"
 
-namespace host::viewport {
+namespace host::spatial {
 
 /// Planes whose negative sides bound a convex region, in object space.
 using PickRegion = std::vector<math::Plane>;
@@ -36,4 +36,4 @@ class PickTree {
   std::size_t leafCount_ = 0;     ///< a power of two
 };
 
-}  // namespace host::viewport
+}  // namespace host::spatial

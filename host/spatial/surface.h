@@ -3,10 +3,11 @@
 #include <memory>
 #include <optional>
 
-#include "host/api/mesh/mesh_target.h"
+#include "host/math/matrix4.h"
+#include "host/mesh/mesh.h"
 #include "host/spatial/accelerator.h"
 
-namespace host::api {
+namespace host::spatial {
 
 /// A mesh as rays and points of one space meet it.
 ///
@@ -16,47 +17,44 @@ namespace host::api {
 /// translation, which is kept until another shape or mesh asks for one.
 class Surface {
  public:
-  Surface(scene::MeshDataPtr data, const std::optional<math::Matrix4>& toSpace);
+  /// The mesh is shared, not copied; without a matrix the space is object space.
+  Surface(std::shared_ptr<const mesh::Mesh> mesh, const std::optional<math::Matrix4>& toSpace);
 
-  [[nodiscard]] const mesh::Mesh& mesh() const { return data_->mesh; }
-  /// Whether it is the surface of that very data in that space.
-  [[nodiscard]] bool isOf(const dg::Data* data, const std::optional<math::Matrix4>& toSpace) const {
-    return data_.get() == data && toSpace_ == toSpace;
-  }
+  [[nodiscard]] const mesh::Mesh& mesh() const { return *mesh_; }
+  [[nodiscard]] const std::optional<math::Matrix4>& space() const { return toSpace_; }
 
   /// The first hit along a ray of the space; `t` counts in lengths of its direction.
-  [[nodiscard]] std::optional<spatial::RayHit> closestHit(const math::Ray& ray,
-                                                          const spatial::RayOptions& options) const;
-  [[nodiscard]] std::vector<spatial::RayHit> allHits(const math::Ray& ray,
-                                                     const spatial::RayOptions& options) const;
+  [[nodiscard]] std::optional<RayHit> closestHit(const math::Ray& ray,
+                                                 const RayOptions& options) const;
+  [[nodiscard]] std::vector<RayHit> allHits(const math::Ray& ray, const RayOptions& options) const;
   /// The nearest place to a point of the space; its `point` is in the space.
-  [[nodiscard]] std::optional<spatial::ClosestPoint> closestPoint(
+  [[nodiscard]] std::optional<ClosestPoint> closestPoint(
       const math::Vec3& point, double maxDistance = std::numeric_limits<double>::infinity()) const;
 
   /// A ray of the space, in object space; nothing when there is no way back.
   [[nodiscard]] std::optional<math::Ray> toObject(const math::Ray& ray) const;
   /// Where a place that was found lies in the space, computed in double from the mesh's own points.
-  [[nodiscard]] math::Vec3 pointOf(const spatial::SurfacePoint& place) const;
+  [[nodiscard]] math::Vec3 pointOf(const SurfacePoint& place) const;
   /// The face's normal in the space, unit.
   [[nodiscard]] math::Vec3 normalOf(FaceId face) const;
 
  private:
   /// Brings a place that an accelerator has found into the space: from object space, or from a
   /// stretched one's.
-  void moveToSpace(spatial::SurfacePoint& place, bool isInObject) const;
-  [[nodiscard]] const spatial::Accelerator& own() const;
-  [[nodiscard]] const spatial::Accelerator& stretched() const;
+  void moveToSpace(SurfacePoint& place, bool isInObject) const;
+  [[nodiscard]] const Accelerator& own() const;
+  [[nodiscard]] const Accelerator& stretched() const;
   [[nodiscard]] math::Vec3 translation() const {
     return {toSpace_->m[3][0], toSpace_->m[3][1], toSpace_->m[3][2]};
   }
 
-  scene::MeshDataPtr data_;
+  std::shared_ptr<const mesh::Mesh> mesh_;
   std::optional<math::Matrix4> toSpace_, fromSpace_;
   double evenScale_ = 0;  ///< 0 where the space is stretched, sheared or projected
-  mutable std::shared_ptr<const spatial::Accelerator> own_, stretched_;
+  mutable std::shared_ptr<const Accelerator> own_, stretched_;
 };
 
-/// What accelerators the API's queries have used and somebody still keeps.
+/// What accelerators surfaces have used and somebody still keeps.
 struct AcceleratorUse {
   std::size_t count = 0, bytes = 0;
 };
@@ -64,4 +62,4 @@ struct AcceleratorUse {
 /// Forgets the accelerators that `Surface` keeps for stretched spaces.
 void forgetStretchedAccelerators();
 
-}  // namespace host::api
+}  // namespace host::spatial

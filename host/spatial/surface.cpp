@@ -1,4 +1,4 @@
-#include "host/api/mesh/surface.h"
+#include "host/spatial/surface.h"
 
 #include <algorithm>
 #include <atomic>
@@ -7,12 +7,11 @@
 
 #include "host/mesh/normals.h"
 
-namespace host::api {
+namespace host::spatial {
 
 using math::Matrix4;
 using math::Ray;
 using math::Vec3;
-using spatial::Accelerator;
 
 namespace {
 
@@ -40,21 +39,22 @@ Matrix4 withoutTranslation(Matrix4 m) {
 /// The accelerators of stretched spaces that were used last.
 class StretchedCache {
  public:
-  std::shared_ptr<const Accelerator> of(const scene::MeshDataPtr& data, const Matrix4& matrix) {
+  std::shared_ptr<const Accelerator> of(const std::shared_ptr<const mesh::Mesh>& mesh,
+                                        const Matrix4& matrix) {
     const std::lock_guard lock(mutex_);
-    std::erase_if(entries_, [](const Entry& entry) { return entry.data.expired(); });
+    std::erase_if(entries_, [](const Entry& entry) { return entry.mesh.expired(); });
     const auto found = std::find_if(entries_.begin(), entries_.end(), [&](const Entry& entry) {
-      return entry.data.lock() == data && entry.matrix == matrix;
+      return entry.mesh.lock() == mesh && entry.matrix == matrix;
     });
     if (found != entries_.end()) {
       std::rotate(entries_.begin(), found, found + 1);
       return entries_.front().accelerator;
     }
-    mesh::Mesh transformed = data->mesh;
+    mesh::Mesh transformed = *mesh;
     for (math::Vec3f& p : transformed.editPoints())
       p = math::transformPoint(Vec3(p), matrix).toFloat();
     entries_.insert(entries_.begin(),
-                    {data, matrix, std::make_shared<const Accelerator>(transformed)});
+                    {mesh, matrix, std::make_shared<const Accelerator>(transformed)});
     constexpr std::size_t kKept = 4;
     if (entries_.size() > kKept) entries_.pop_back();
     return entries_.front().accelerator;
@@ -66,7 +66,7 @@ class StretchedCache {
 
  private:
   struct Entry {
-    std::weak_ptr<const scene::MeshData> data;
+    std::weak_ptr<const mesh::Mesh> mesh;
     Matrix4 matrix;
     std::shared_ptr<const Accelerator> accelerator;
   };
@@ -114,21 +114,21 @@ UseTable& useTable() {
 
 }  // namespace
 
-Surface::Surface(scene::MeshDataPtr data, const std::optional<Matrix4>& toSpace)
-    : data_(std::move(data)), toSpace_(toSpace) {
+Surface::Surface(std::shared_ptr<const mesh::Mesh> mesh, const std::optional<Matrix4>& toSpace)
+    : mesh_(std::move(mesh)), toSpace_(toSpace) {
   if (!toSpace_) return;
   fromSpace_ = math::inverse(*toSpace_);
   evenScale_ = fromSpace_ ? evenScaleOf(*toSpace_) : 0;
 }
 
 const Accelerator& Surface::own() const {
-  if (!own_) useTable().add(own_ = Accelerator::of(data_->mesh));
+  if (!own_) useTable().add(own_ = Accelerator::of(*mesh_));
   return *own_;
 }
 
 const Accelerator& Surface::stretched() const {
   if (!stretched_)
-    useTable().add(stretched_ = stretchedCache().of(data_, withoutTranslation(*toSpace_)));
+    useTable().add(stretched_ = stretchedCache().of(mesh_, withoutTranslation(*toSpace_)));
   return *stretched_;
 }
 
@@ -139,8 +139,7 @@ std::optional<Ray> Surface::toObject(const Ray& ray) const {
              math::transformVector(ray.direction, *fromSpace_)};
 }
 
-std::optional<spatial::RayHit> Surface::closestHit(const Ray& ray,
-                                                   const spatial::RayOptions& options) const {
+std::optional<RayHit> Surface::closestHit(const Ray& ray, const RayOptions& options) const {
   // Lines stay lines under any transform with an inverse, and parameters along them stay as they
   // are.
   const auto inObject = toObject(ray);
@@ -151,17 +150,15 @@ std::optional<spatial::RayHit> Surface::closestHit(const Ray& ray,
   return hit;
 }
 
-std::vector<spatial::RayHit> Surface::allHits(const Ray& ray,
-                                              const spatial::RayOptions& options) const {
+std::vector<RayHit> Surface::allHits(const Ray& ray, const RayOptions& options) const {
   const auto inObject = toObject(ray);
   auto hits = inObject ? own().allHits(*inObject, options)
                        : stretched().allHits({ray.origin - translation(), ray.direction}, options);
-  for (spatial::RayHit& hit : hits) moveToSpace(hit, inObject.has_value());
+  for (RayHit& hit : hits) moveToSpace(hit, inObject.has_value());
   return hits;
 }
 
-std::optional<spatial::ClosestPoint> Surface::closestPoint(const Vec3& point,
-                                                           double maxDistance) const {
+std::optional<ClosestPoint> Surface::closestPoint(const Vec3& point, double maxDistance) const {
   if (!toSpace_) return own().closestPoint(point, maxDistance);
   auto found = evenScale_ > 0 ? own().closestPoint(math::transformPoint(point, *fromSpace_),
                                                    maxDistance / evenScale_)
@@ -172,14 +169,14 @@ std::optional<spatial::ClosestPoint> Surface::closestPoint(const Vec3& point,
   return found;
 }
 
-void Surface::moveToSpace(spatial::SurfacePoint& place, bool isInObject) const {
+void Surface::moveToSpace(SurfacePoint& place, bool isInObject) const {
   if (!isInObject)
     place.point = pointOf(place);
   else if (toSpace_)
     place.point = math::transformPoint(place.point, *toSpace_);
 }
 
-Vec3 Surface::pointOf(const spatial::SurfacePoint& place) const {
+Vec3 Surface::pointOf(const SurfacePoint& place) const {
   const auto corner = [&](std::size_t i) {
     return mesh().point(mesh().cornerVertex(place.corners[i]));
   };
@@ -200,4 +197,4 @@ void forgetStretchedAccelerators() {
   stretchedCache().clear();
 }
 
-}  // namespace host::api
+}  // namespace host::spatial

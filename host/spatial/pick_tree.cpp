@@ -1,10 +1,10 @@
-#include "host/viewport/pick_tree.h"
+#include "host/spatial/pick_tree.h"
 
 #include <algorithm>
 
 #include "host/base/parallel.h"
 
-namespace host::viewport {
+namespace host::spatial {
 
 namespace {
 
@@ -115,4 +115,4 @@ void PickTree::collect(const PickRegion& region, std::vector<FaceId>& faces) con
   }
 }
 
-}  // namespace host::viewport
+}  // namespace host::spatial

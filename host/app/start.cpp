@@ -1,0 +1,5 @@
+#include "host/app/program.h"
+
+int main(int argc, char** argv) {
+  return host::app::runProgram(argc, argv);
+}
