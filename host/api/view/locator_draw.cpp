@@ -12,6 +12,7 @@
 #include "host/api/view/view_rep.h"
 #include "host/base/messages.h"
 #include "host/scene/dag_paths.h"
+#include "host/scene/display_rules.h"
 #include "host/workspace/workspace.h"
 
 namespace host::api {
