@@ -86,8 +86,8 @@ void convertSome(benchmark::State& state) {
   std::vector<FaceId> faces(static_cast<std::size_t>(mesh.faceCount()) / 2);
   std::iota(faces.begin(), faces.end(), 0);
   for (auto _ : state)
-    benchmark::DoNotOptimize(convertComponents(mesh, ComponentKind::Face, faces,
-                                               ComponentKind::Vertex, Conversion::Contained));
+    benchmark::DoNotOptimize(convertComponents(mesh, ComponentType::Face, faces,
+                                               ComponentType::Vertex, Conversion::Contained));
   state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(faces.size()));
 }
 BENCHMARK(convertSome)->Name("convertComponents/halfToVertices")->Apply(sizes);

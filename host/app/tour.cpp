@@ -35,10 +35,9 @@ int runTour(cmd::Session& session, std::span<const std::string> words) {
     std::fprintf(stderr, "qxmt: nothing can be written into the folder %s\n", folder.c_str());
     return kFileFailed;
   }
-  (void)session.interpreter().setGlobal("$argv", mel::Value(mel::StringArray{folder}));
-  const auto done =
-      session.executeLine(isQuad ? "source \"qxmt_tour_quad.mel\"; qxmtTourQuad_QXMT_Proc($argv[0])"
-                                 : "source \"qxmt_tour.mel\"; qxmtTour_QXMT_Proc($argv[0])");
+  if (!session.executeFile(isQuad ? "qxmt_tour_quad.mel" : "qxmt_tour.mel")) return kScriptFailed;
+  const auto done = session.call(isQuad ? "qxmtTourQuad_QXMT_Proc" : "qxmtTour_QXMT_Proc",
+                                 std::vector{mel::Value(folder)});
   return done ? kDone : kScriptFailed;
 }
 

@@ -143,7 +143,7 @@ Result<ops::SeamFlags> seamsOf(const UnwrapJob& job, const mesh::Mesh& mesh, std
   if (!pairs) return failWith(pairs.error());
   if (meshes > 1) return fail("a file of seams fits files of one object only");
   auto seams = ops::seamsBetween(mesh, *pairs);
-  if (!seams) return fail("{}: {}", job.seams, seams.error().message);
+  if (!seams) return failAt(job.seams, seams.error());
   return seams;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace host {
@@ -14,5 +15,10 @@ using CornerId = Index;  ///< position in the mesh's face-corner arrays
 using UvId = Index;
 
 inline constexpr Index kNone = -1;
+
+/// An index or a count as arrays take it.
+[[nodiscard]] constexpr std::size_t at(Index i) {
+  return static_cast<std::size_t>(i);
+}
 
 }  // namespace host

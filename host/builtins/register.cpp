@@ -132,7 +132,7 @@ void registerBuiltinCommands(cmd::CommandRegistry& registry) {
 #define HOST_REGISTER(Name) register##Name(registry);
   HOST_BUILTIN_COMMANDS(HOST_REGISTER)
 #undef HOST_REGISTER
-  describeCommands();
+  describeCommands(registry);
 }
 
 std::unique_ptr<cmd::Session> makeSession() {

@@ -50,7 +50,7 @@ Result<void> fenced(const std::string& name, const Body& body) {
   try {
     return body();
   } catch (const std::bad_alloc&) {
-    return fail("{}: not enough memory.", name);
+    return fail(ErrorKind::OutOfMemory, "{}: not enough memory.", name);
   } catch (const std::exception& exception) {
     return fail("{}: {}", name, exception.what());
   } catch (...) {

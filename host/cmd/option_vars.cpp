@@ -37,7 +37,8 @@ void OptionVars::append(const std::string& name, const std::string& value) {
 
 Result<void> OptionVars::removeElement(const std::string& name, int index) {
   const auto found = values_.find(name);
-  if (found == values_.end()) return fail("There is no option variable '{}'.", name);
+  if (found == values_.end())
+    return fail(ErrorKind::NotFound, "There is no option variable '{}'.", name);
   return std::visit(
       [&](auto& value) -> Result<void> {
         if constexpr (requires {
@@ -47,11 +48,12 @@ Result<void> OptionVars::removeElement(const std::string& name, int index) {
                       } &&
                       !std::is_same_v<std::decay_t<decltype(value)>, std::string>) {
           if (index < 0 || static_cast<std::size_t>(index) >= value.size())
-            return fail("Option variable '{}' has no element {}.", name, index);
+            return fail(ErrorKind::NotFound, "Option variable '{}' has no element {}.", name,
+                        index);
           value.erase(value.begin() + index);
           return {};
         } else {
-          return fail("Option variable '{}' is not an array.", name);
+          return fail(ErrorKind::BadArgument, "Option variable '{}' is not an array.", name);
         }
       },
       found->second);

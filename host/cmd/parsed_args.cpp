@@ -163,11 +163,11 @@ class ArgParser {
     if (!spec) {
       if (isModeFlag(name, kQuery) || isModeFlag(name, kEdit)) return {};
       spec = findFused(name, fused);
-      if (!spec) return fail("Invalid flag '{}'.", word);
+      if (!spec) return fail(ErrorKind::BadArgument, "Invalid flag '{}'.", word);
     }
     if ((spec->modes & parsed_.mode_) == 0) {
       static constexpr std::string_view kModeNames[] = {"", "create", "edit", "", "query"};
-      return fail("Invalid flag '{}': it can't be used in {} mode.", word,
+      return fail(ErrorKind::BadArgument, "Invalid flag '{}': it can't be used in {} mode.", word,
                   kModeNames[parsed_.mode_]);
     }
     if (!spec->isMultiUse && parsed_.findUse(spec->longName, 0)) {
@@ -178,7 +178,7 @@ class ArgParser {
     ParsedArgs::FlagUse use{spec, parsed_.values_.size(), 0};
     if (!fused.empty()) {
       auto converted = convert(mel::Value(std::string(fused)), spec->args.front());
-      if (!converted) return fail("Invalid flag '{}'.", word);
+      if (!converted) return fail(ErrorKind::BadArgument, "Invalid flag '{}'.", word);
       parsed_.values_.push_back(std::move(*converted));
       use.valueCount = 1;
     } else if (parsed_.mode_ != kQuery || spec->queryArgs != QueryArgs::None)
@@ -212,8 +212,8 @@ class ArgParser {
     for (const ArgType type : spec.args) {
       if (atEnd() || (element_ == 0 && isEndOfValues(words_[word_], type))) {
         if (mayStop) return {};
-        return fail("Flag '{}' needs {} argument{}.", word, spec.args.size(),
-                    spec.args.size() == 1 ? "" : "s");
+        return fail(ErrorKind::BadArgument, "Flag '{}' needs {} argument{}.", word,
+                    spec.args.size(), spec.args.size() == 1 ? "" : "s");
       }
       const std::size_t wordBefore = word_, elementBefore = element_;
       const mel::Value given = next();
@@ -224,13 +224,14 @@ class ArgParser {
         return {};
       }
       if (!converted)
-        return fail("Invalid arguments for flag '{}'.  Expected {}, got {}.", word,
+        return fail(ErrorKind::BadArgument,
+                    "Invalid arguments for flag '{}'.  Expected {}, got {}.", word,
                     converted.error().message, describe(given));
       parsed_.values_.push_back(std::move(*converted));
       ++use.valueCount;
     }
     if (element_ != 0 && !spec.isMultiUse)
-      return fail("Flag '{}' was given too many values.", word);
+      return fail(ErrorKind::BadArgument, "Flag '{}' was given too many values.", word);
     return {};
   }
 
@@ -389,12 +390,14 @@ class ArgParser {
     const auto count = static_cast<std::int64_t>(parsed_.wordCount_);
     if (spec.kind == ObjectsSpec::Kind::None) {
       if (count > 0)
-        return fail("Too many objects or values: '{}' is not expected.", parsed_.firstObject());
+        return fail(ErrorKind::BadArgument, "Too many objects or values: '{}' is not expected.",
+                    parsed_.firstObject());
       return {};
     }
-    if (spec.maximum >= 0 && count > spec.maximum) return fail("Too many objects or values.");
+    if (spec.maximum >= 0 && count > spec.maximum)
+      return fail(ErrorKind::BadArgument, "Too many objects or values.");
     if (count < spec.minimum && !(spec.useSelectionAsDefault && count == 0))
-      return fail("Not enough objects or values.");
+      return fail(ErrorKind::BadArgument, "Not enough objects or values.");
     return {};
   }
 

@@ -217,7 +217,8 @@ Result<std::vector<double>> counted(std::span<const mel::Value> values, std::siz
   const double count = all->front();
   all->erase(all->begin());
   if (!(count >= 0) || static_cast<double>(all->size()) < count * static_cast<double>(width))
-    return fail("-type {} says {} elements, but {} values follow.", type, count, all->size());
+    return fail(ErrorKind::BadArgument, "-type {} says {} elements, but {} values follow.", type,
+                count, all->size());
   all->resize(static_cast<std::size_t>(count) * width);
   return all;
 }
@@ -226,7 +227,8 @@ Result<dg::DataPtr> numericPayload(const std::string& type, std::span<const mel:
   if (type == "matrix") {
     auto cells = numbers(values);
     if (!cells) return failWith(std::move(cells.error()));
-    if (cells->size() != 16) return fail("-type matrix takes 16 numbers, not {}.", cells->size());
+    if (cells->size() != 16)
+      return fail(ErrorKind::BadArgument, "-type matrix takes 16 numbers, not {}.", cells->size());
     math::Matrix4 matrix;
     for (std::size_t i = 0; i < 16; ++i) matrix[static_cast<int>(i / 4)][i % 4] = (*cells)[i];
     return std::make_shared<dg::MatrixData>(matrix);
@@ -269,7 +271,8 @@ Result<std::vector<std::string>> countedWords(std::span<const mel::Value> values
   const std::int32_t count = mel::leadingInt(all.front());
   all.erase(all.begin());
   if (count < 0 || all.size() < static_cast<std::size_t>(count))
-    return fail("-type {} says {} elements, but {} follow.", type, count, all.size());
+    return fail(ErrorKind::BadArgument, "-type {} says {} elements, but {} follow.", type, count,
+                all.size());
   all.resize(static_cast<std::size_t>(count));
   return all;
 }
@@ -327,7 +330,8 @@ Result<void> writeLeaf(dg::Graph& graph, const scene::Units& units, const Plug& 
 Result<std::size_t> writeNumbers(dg::Graph& graph, const scene::Units& units, const Plug& plug,
                                  std::span<const mel::Value> values) {
   if (!plug.isCompound()) {
-    if (values.empty()) return fail("There is no value for '{}'.", plugName(plug));
+    if (values.empty())
+      return fail(ErrorKind::NotFound, "There is no value for '{}'.", plugName(plug));
     HOST_TRY(writeLeaf(graph, units, plug, values.front()));
     return std::size_t{1};
   }

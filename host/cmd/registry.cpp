@@ -13,6 +13,14 @@ std::string Command::synopsis() const {
                       : text;
 }
 
+void Command::describe(std::string about,
+                       const std::map<std::string, std::string, std::less<>>& flags) {
+  auto* spec = std::get_if<CommandSpec>(&spec_);
+  if (!spec) return;
+  if (!about.empty()) spec->syntax.about(std::move(about));
+  for (const auto& [flag, phrase] : flags) spec->syntax.describeFlag(flag, phrase);
+}
+
 namespace {
 
 bool isWord(std::string_view name) {
@@ -24,9 +32,10 @@ bool isWord(std::string_view name) {
 
 }  // namespace
 
-Result<void> CommandRegistry::insert(std::shared_ptr<const Command> command) {
+Result<void> CommandRegistry::insert(std::shared_ptr<Command> command) {
   const std::string& name = command->name();
-  if (!isWord(name)) return fail("'{}' can't be the name of a command.", name);
+  if (!isWord(name))
+    return fail(ErrorKind::BadArgument, "'{}' can't be the name of a command.", name);
   if (!commands_.emplace(name, command).second)
     return fail("A command named '{}' exists already.", name);
   if (changed) changed();
@@ -34,16 +43,17 @@ Result<void> CommandRegistry::insert(std::shared_ptr<const Command> command) {
 }
 
 Result<void> CommandRegistry::add(CommandSpec spec) {
-  return insert(std::make_shared<const Command>(std::move(spec)));
+  return insert(std::make_shared<Command>(std::move(spec)));
 }
 
 Result<void> CommandRegistry::add(PluginCommandSpec spec) {
-  return insert(std::make_shared<const Command>(std::move(spec)));
+  return insert(std::make_shared<Command>(std::move(spec)));
 }
 
 Result<void> CommandRegistry::remove(std::string_view name) {
   const auto found = commands_.find(name);
-  if (found == commands_.end()) return fail("There is no command named '{}'.", name);
+  if (found == commands_.end())
+    return fail(ErrorKind::NotFound, "There is no command named '{}'.", name);
   if (found->second->builtin())
     return fail("'{}' is a built-in command and can't be removed.", name);
   commands_.erase(found);
@@ -54,6 +64,11 @@ Result<void> CommandRegistry::remove(std::string_view name) {
 std::shared_ptr<const Command> CommandRegistry::find(std::string_view name) const {
   const auto found = commands_.find(name);
   return found == commands_.end() ? nullptr : found->second;
+}
+
+Command* CommandRegistry::findBuiltin(std::string_view name) {
+  const auto found = commands_.find(name);
+  return found == commands_.end() || !found->second->builtin() ? nullptr : found->second.get();
 }
 
 std::vector<std::string> CommandRegistry::names() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -51,6 +52,9 @@ class Command final : public mel::CommandHandle {
     return builtin() ? builtin()->name : plugin()->name;
   }
   [[nodiscard]] std::string synopsis() const;
+  /// Texts for `help`: what a built-in command does, and flags (by their long names) that have no
+  /// phrase of their own yet.
+  void describe(std::string about, const std::map<std::string, std::string, std::less<>>& flags);
 
  private:
   std::variant<CommandSpec, PluginCommandSpec> spec_;
@@ -67,6 +71,8 @@ class CommandRegistry {
   Result<void> remove(std::string_view name);
 
   [[nodiscard]] std::shared_ptr<const Command> find(std::string_view name) const;
+  /// The built-in command of that name, to be described; null when there is none.
+  [[nodiscard]] Command* findBuiltin(std::string_view name);
   [[nodiscard]] std::vector<std::string> names() const;  ///< sorted
   /// Called after every change of the table.
   std::function<void()> changed;
@@ -76,8 +82,8 @@ class CommandRegistry {
     using is_transparent = void;
     std::size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
   };
-  Result<void> insert(std::shared_ptr<const Command> command);
-  std::unordered_map<std::string, std::shared_ptr<const Command>, Hash, std::equal_to<>> commands_;
+  Result<void> insert(std::shared_ptr<Command> command);
+  std::unordered_map<std::string, std::shared_ptr<Command>, Hash, std::equal_to<>> commands_;
 };
 
 }  // namespace host::cmd

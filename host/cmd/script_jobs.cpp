@@ -115,13 +115,13 @@ Result<int> ScriptJobs::add(ScriptJob job) {
   switch (job.trigger) {
     case JobTrigger::Event:
       if (std::find(events_.begin(), events_.end(), job.subject) == events_.end())
-        return fail("There is no event called '{}'.", job.subject);
+        return fail(ErrorKind::NotFound, "There is no event called '{}'.", job.subject);
       break;
     case JobTrigger::ConditionTrue:
     case JobTrigger::ConditionFalse:
     case JobTrigger::ConditionChange:
       if (!conditions_.count(job.subject))
-        return fail("There is no condition called '{}'.", job.subject);
+        return fail(ErrorKind::NotFound, "There is no condition called '{}'.", job.subject);
       break;
     case JobTrigger::AttributeChange:
     case JobTrigger::ConnectionChange:
@@ -196,10 +196,6 @@ std::vector<std::string> ScriptJobs::conditionNames() const {
   std::vector<std::string> names;
   for (const auto& [name, state] : conditions_) names.push_back(name);
   return names;
-}
-
-void ScriptJobs::defineEvent(const std::string& name) {
-  if (std::find(events_.begin(), events_.end(), name) == events_.end()) events_.push_back(name);
 }
 
 void ScriptJobs::setCondition(const std::string& name, bool state) {

@@ -59,8 +59,6 @@ class ScriptJobs final : public dg::GraphObserver, public scene::DocumentObserve
 
   [[nodiscard]] const std::vector<std::string>& eventNames() const { return events_; }
   [[nodiscard]] std::vector<std::string> conditionNames() const;
-  /// Adds a name that jobs may wait for.
-  void defineEvent(const std::string& name);
   void setCondition(const std::string& name, bool state);
   [[nodiscard]] bool condition(const std::string& name) const;
 

@@ -7,6 +7,7 @@
 #include "host/base/messages.h"
 #include "host/cmd/loop.h"
 #include "host/cmd/pending_edits.h"
+#include "host/mel/literal.h"
 
 namespace host::cmd {
 
@@ -195,6 +196,21 @@ Result<mel::Value> Session::executeLine(std::string_view text, const ExecuteOpti
 Result<mel::Value> Session::executeFile(const std::string& path, const ExecuteOptions& options) {
   return runGuarded([&] { return interpreter_->sourceFile(path); },
                     fmt::format("source \"{}\"", path), options);
+}
+
+Result<mel::Value> Session::call(const std::string& name, std::span<const mel::Value> values,
+                                 const ExecuteOptions& options) {
+  std::string text = name;  // as a line would say it: undo and recordings show lines
+  for (const mel::Value& value : values) text += " " + mel::flagWords(value);
+  return runGuarded([&] { return interpreter_->callProcedure(name, values); }, text, options);
+}
+
+Result<mel::Value> Session::callCommand(std::string_view name, std::span<const mel::Value> values) {
+  const mel::CommandHandle* handle = dispatcher_->findCommand(name);
+  if (!handle) return fail(ErrorKind::NotFound, "There is no command '{}'.", name);
+  mel::Value result;
+  HOST_TRY(dispatcher_->invoke(*handle, values, result));
+  return result;
 }
 
 void Session::runByHand(const std::function<void()>& run) {

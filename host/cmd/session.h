@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -60,6 +61,13 @@ class Session {
   /// Runs a text and returns the value of its last statement. Outside any command it is one item of
   /// undo, also when it fails half-way; inside one it belongs to that command's step.
   Result<mel::Value> executeLine(std::string_view text, const ExecuteOptions& options = {});
+  /// Calls a procedure, a function of the language or a command by its name, as a script line
+  /// would, with values instead of text: nothing is quoted or parsed. Flags are strings `-name`,
+  /// their values follow.
+  Result<mel::Value> call(const std::string& name, std::span<const mel::Value> values = {},
+                          const ExecuteOptions& options = {});
+  /// Runs a command of the host by its name; a procedure of that name is not it.
+  Result<mel::Value> callCommand(std::string_view name, std::span<const mel::Value> values);
   /// Runs a script file as one line.
   Result<mel::Value> executeFile(const std::string& path, const ExecuteOptions& options = {});
   // Before and after a line that nothing else runs: its text. Lines that leave no undo aren't told

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "host/base/assert.h"
-#include "host/cmd/help_texts.h"
 
 namespace host::cmd {
 
@@ -62,6 +61,21 @@ Syntax& Syntax::optionalArgs() {
   return *this;
 }
 
+Syntax& Syntax::help(std::string phrase) {
+  flags_.back().help = std::move(phrase);
+  return *this;
+}
+
+Syntax& Syntax::about(std::string sentence) {
+  about_ = std::move(sentence);
+  return *this;
+}
+
+void Syntax::describeFlag(std::string_view longName, const std::string& phrase) {
+  for (FlagSpec& flag : flags_)
+    if (flag.longName == longName && flag.help.empty()) flag.help = phrase;
+}
+
 Syntax& Syntax::editable() {
   isEditable_ = true;
   return *this;
@@ -88,17 +102,6 @@ const FlagSpec* Syntax::find(std::string_view name) const {
   return nullptr;
 }
 
-namespace {
-
-/// "  : what it does", or nothing.
-std::string meaningOf(const HelpText* help, const std::string& flag) {
-  if (!help) return {};
-  const auto found = help->flags.find(flag);
-  return found == help->flags.end() ? std::string() : "  : " + found->second;
-}
-
-}  // namespace
-
 std::string Syntax::synopsis(std::string_view commandName) const {
   std::string text = "\nSynopsis: " + std::string(commandName);
   if (!flags_.empty() || isEditable_ || isQueryable_) text += " [flags]";
@@ -114,8 +117,7 @@ std::string Syntax::synopsis(std::string_view commandName) const {
     }
   }
   text += "\n";
-  const HelpText* help = helpTextOf(commandName);
-  if (help && !help->about.empty()) text += help->about + "\n";
+  if (!about_.empty()) text += about_ + "\n";
   if (flags_.empty() && !isEditable_ && !isQueryable_) return text;
   text += "Flags:\n";
   if (isEditable_) text += "   -e -edit\n";
@@ -135,7 +137,7 @@ std::string Syntax::synopsis(std::string_view commandName) const {
     if (spec->queryArgs == QueryArgs::Full) line += " (Query Arg Mandatory)";
     if (spec->queryArgs == QueryArgs::Optional) line += " (Query Arg Optional)";
     line.erase(line.find_last_not_of(' ') + 1);
-    line += meaningOf(help, spec->longName);
+    if (!spec->help.empty()) line += "  : " + spec->help;
     text += line + "\n";
   }
   return text;

@@ -41,6 +41,7 @@ struct FlagSpec {
   QueryArgs queryArgs = QueryArgs::None;
   /// Arguments may be left out, from the last to the first; then `ParsedArgs` has fewer of them.
   bool hasOptionalArgs = false;
+  std::string help;  ///< a phrase for the help text; may be empty
 
   [[nodiscard]] bool isNamed(std::string_view name) const {
     return name == shortName || name == longName;
@@ -73,6 +74,12 @@ class Syntax {
   Syntax& multiUse();
   Syntax& queryArgs(QueryArgs how = QueryArgs::Full);
   Syntax& optionalArgs();
+  Syntax& help(std::string phrase);
+
+  /// What the command does, a sentence for the help text.
+  Syntax& about(std::string sentence);
+  /// A phrase for the flag of that long name, unless it has one.
+  void describeFlag(std::string_view longName, const std::string& phrase);
 
   /// Lets `-e -edit` and `-q -query` stand; a flag of its own of that name goes before.
   Syntax& editable();
@@ -88,6 +95,7 @@ class Syntax {
   [[nodiscard]] bool isEditable() const { return isEditable_; }
   [[nodiscard]] bool isQueryable() const { return isQueryable_; }
   [[nodiscard]] const ObjectsSpec& objectsSpec() const { return objects_; }
+  [[nodiscard]] const std::string& about() const { return about_; }
 
   /// The help text: "Synopsis: name [flags] [String...]", then a line a flag.
   [[nodiscard]] std::string synopsis(std::string_view commandName) const;
@@ -95,6 +103,7 @@ class Syntax {
  private:
   std::vector<FlagSpec> flags_;
   ObjectsSpec objects_;
+  std::string about_;
   bool isEditable_ = false, isQueryable_ = false;
 };
 

@@ -113,11 +113,13 @@ Result<Value> Attribute::convert(const Value& value) const {
   if (isNumeric() && (integer || real)) {
     if (!isReal(type)) return Value(narrowed(type, integer ? *integer : truncated(*real)));
     const double number = real ? *real : static_cast<double>(*integer);
-    if (!std::isfinite(number)) return fail("Attribute '{}' cannot be {}", longName, number);
+    if (!std::isfinite(number))
+      return fail(ErrorKind::BadArgument, "Attribute '{}' cannot be {}", longName, number);
     // Points are single precision: a length beyond that would end up in a mesh as no number.
     const bool isBounded = type == AttributeType::Float || type == AttributeType::Distance;
     if (isBounded && std::fabs(number) > std::numeric_limits<float>::max())
-      return fail("Attribute '{}' cannot be as large as {}", longName, number);
+      return fail(ErrorKind::BadArgument, "Attribute '{}' cannot be as large as {}", longName,
+                  number);
     return Value(type == AttributeType::Float ? static_cast<double>(static_cast<float>(number))
                                               : number);
   }
@@ -151,7 +153,8 @@ Result<Value> Attribute::convert(const Value& value) const {
     default:
       break;
   }
-  return fail("Attribute '{}' of type {} cannot hold {}", longName, typeWord(), kindOf(value));
+  return fail(ErrorKind::BadArgument, "Attribute '{}' of type {} cannot hold {}", longName,
+              typeWord(), kindOf(value));
 }
 
 Value Attribute::initialValue() const {

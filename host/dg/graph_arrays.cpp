@@ -101,7 +101,7 @@ class PackedChange final : public Change {
 
 Result<void> checkArray(const Plug& array) {
   HOST_TRY(checkPlug(array));
-  if (!array.isArray()) return fail("'{}' is not an array", array.name());
+  if (!array.isArray()) return fail(ErrorKind::BadArgument, "'{}' is not an array", array.name());
   return {};
 }
 
@@ -109,7 +109,8 @@ Result<void> checkElement(const Plug& element) {
   HOST_TRY(checkPlug(element));
   if (!element.isElement()) return fail("'{}' is not an element of an array", element.name());
   if (element.logicalIndex() < 0)
-    return fail("{} is not an index of '{}'", element.logicalIndex(), element.array().name());
+    return fail(ErrorKind::BadArgument, "{} is not an index of '{}'", element.logicalIndex(),
+                element.array().name());
   return {};
 }
 
@@ -141,16 +142,21 @@ PackedArray gathered(const Plug& array, int stride) {
 Result<void> checkPacked(const Plug& array, const std::vector<Index>& indices,
                          const std::vector<double>& values) {
   const int stride = packedStride(*array.attribute());
-  if (stride == 0) return fail("'{}' is not an array of numbers, pairs or triples", array.name());
+  if (stride == 0)
+    return fail(ErrorKind::BadArgument, "'{}' is not an array of numbers, pairs or triples",
+                array.name());
   if (values.size() != indices.size() * static_cast<std::size_t>(stride))
-    return fail("'{}' takes {} numbers an element: {} elements came with {} numbers", array.name(),
+    return fail(ErrorKind::BadArgument,
+                "'{}' takes {} numbers an element: {} elements came with {} numbers", array.name(),
                 stride, indices.size(), values.size());
   for (const double value : values)
-    if (!std::isfinite(value)) return fail("'{}' cannot hold {}", array.name(), value);
+    if (!std::isfinite(value))
+      return fail(ErrorKind::BadArgument, "'{}' cannot hold {}", array.name(), value);
   if (!indices.empty() && indices.front() < 0)
-    return fail("{} is not an index of '{}'", indices.front(), array.name());
+    return fail(ErrorKind::BadArgument, "{} is not an index of '{}'", indices.front(),
+                array.name());
   if (std::ranges::adjacent_find(indices, std::greater_equal<>()) != indices.end())
-    return fail("The indices given for '{}' do not ascend", array.name());
+    return fail(ErrorKind::BadArgument, "The indices given for '{}' do not ascend", array.name());
   return {};
 }
 

@@ -8,9 +8,11 @@ namespace {
 Result<void> checkNames(const Node& node, const Attribute& attribute) {
   for (const std::string* name : {&attribute.longName, &attribute.shortName}) {
     if (name->empty())
-      return fail("An attribute of node '{}' cannot have an empty name", node.name());
+      return fail(ErrorKind::BadArgument, "An attribute of node '{}' cannot have an empty name",
+                  node.name());
     if (node.findAttribute(*name))
-      return fail("Node '{}' has an attribute '{}' already", node.name(), *name);
+      return fail(ErrorKind::BadArgument, "Node '{}' has an attribute '{}' already", node.name(),
+                  *name);
   }
   for (const AttributePtr& child : attribute.children) HOST_TRY(checkNames(node, *child));
   return {};
@@ -52,7 +54,8 @@ class AttributeLifeChange final : public Change {
   Result<void> put() {
     if (!node_->isAlive()) return fail("'{}' was deleted", node_->name());
     if (attribute_->topIndex >= 0)
-      return fail("'{}.{}' is there already", node_->name(), attribute_->longName);
+      return fail(ErrorKind::BadArgument, "'{}.{}' is there already", node_->name(),
+                  attribute_->longName);
     HOST_TRY(checkNames(*node_, *attribute_));
     const Graph::Impl::Edit edit(impl_);
     position_ = std::min(position_, node_->dynamicAttributes().size());
@@ -168,7 +171,8 @@ class AliasChange final : public Change {
     if ((own == entries.end() ? std::string() : own->first) != from)
       return fail("'{}' was given another name", plug_.name());
     if (!to.empty() && (node_->findAttribute(to) || impl_.graph.findAlias(*node_, to)))
-      return fail("Node '{}' has an attribute '{}' already", node_->name(), to);
+      return fail(ErrorKind::BadArgument, "Node '{}' has an attribute '{}' already", node_->name(),
+                  to);
     const auto at =
         entries.begin() + static_cast<std::ptrdiff_t>(std::min(position_, entries.size()));
     if (from.empty())
@@ -350,9 +354,11 @@ Result<void> Graph::setAlias(const Plug& plug, std::string alias) {
   if (alias == before) return {};
   if (!alias.empty()) {
     if (node.findAttribute(alias))
-      return fail("Node '{}' has an attribute '{}' already", node.name(), alias);
+      return fail(ErrorKind::BadArgument, "Node '{}' has an attribute '{}' already", node.name(),
+                  alias);
     if (findAlias(node, alias))
-      return fail("Node '{}' has an alias '{}' already", node.name(), alias);
+      return fail(ErrorKind::BadArgument, "Node '{}' has an alias '{}' already", node.name(),
+                  alias);
   }
   auto change = std::make_unique<AliasChange>(
       *impl_, plug, static_cast<std::size_t>(at - entries.begin()), before, std::move(alias));

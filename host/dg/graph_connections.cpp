@@ -151,24 +151,28 @@ bool kindsFit(const Attribute& from, const Attribute& to) {
 Result<void> checkEnds(const Plug& source, const Plug& destination) {
   for (const Plug* end : {&source, &destination}) {
     HOST_TRY(checkPlug(*end));
-    if (!end->attribute()->connectable) return fail("'{}' cannot be connected", end->name());
+    if (!end->attribute()->connectable)
+      return fail(ErrorKind::BadArgument, "'{}' cannot be connected", end->name());
     if (end->isElement() && end->logicalIndex() < 0)
-      return fail("{} is not an index of '{}'", end->logicalIndex(), end->array().name());
+      return fail(ErrorKind::BadArgument, "{} is not an index of '{}'", end->logicalIndex(),
+                  end->array().name());
   }
   if (isAtOrBelow(source, destination) || isAtOrBelow(destination, source))
-    return fail("'{}' and '{}' are parts of each other and cannot be connected", source.name(),
+    return fail(ErrorKind::BadArgument,
+                "'{}' and '{}' are parts of each other and cannot be connected", source.name(),
                 destination.name());
   if (!source.attribute()->readable)
     return fail("'{}' is not readable and cannot be a source", source.name());
   if (!destination.attribute()->writable)
-    return fail("'{}' is not writable and cannot be connected from '{}'", destination.name(),
-                source.name());
+    return fail(ErrorKind::BadArgument, "'{}' is not writable and cannot be connected from '{}'",
+                destination.name(), source.name());
   if (source.isArray() != destination.isArray())
-    return fail("'{}' and '{}' cannot be connected: one is an array, the other is not",
+    return fail(ErrorKind::BadArgument,
+                "'{}' and '{}' cannot be connected: one is an array, the other is not",
                 source.name(), destination.name());
   if (!kindsFit(*source.attribute(), *destination.attribute()))
-    return fail("'{}' of type {} cannot be connected to '{}' of type {}", source.name(),
-                source.attribute()->typeWord(), destination.name(),
+    return fail(ErrorKind::BadArgument, "'{}' of type {} cannot be connected to '{}' of type {}",
+                source.name(), source.attribute()->typeWord(), destination.name(),
                 destination.attribute()->typeWord());
   return {};
 }
@@ -321,7 +325,9 @@ std::vector<Graph::Connection> Graph::Impl::connectionsBelow(const Slot& slot, b
 
 Result<void> Graph::connect(const Plug& from, const Plug& to, bool force) {
   HOST_TRY(checkEnds(from, to));
-  if (source(to) == from) return fail("'{}' is connected to '{}' already", from.name(), to.name());
+  if (source(to) == from)
+    return fail(ErrorKind::BadArgument, "'{}' is connected to '{}' already", from.name(),
+                to.name());
   if (isLockedHereOrAbove(to)) return fail("'{}' is locked", to.name());
   HOST_TRY(impl_->checkCreatable(from));
   HOST_TRY(askTypes(from, to, true));
@@ -334,7 +340,7 @@ Result<void> Graph::connect(const Plug& from, const Plug& to, bool force) {
     if (slot->isDriven()) inTheWay.push_back({slot->wiring->source, plugOf(*slot)});
   if (place.slot) collect(*place.slot, true, false, inTheWay);
   if (!inTheWay.empty() && !force)
-    return fail("'{}' has an incoming connection from '{}' already",
+    return fail(ErrorKind::BadArgument, "'{}' has an incoming connection from '{}' already",
                 inTheWay.front().destination.name(), inTheWay.front().source.name());
   const Impl::Edit edit(*impl_);
   for (const Connection& old : inTheWay) impl_->breakConnection(old.source, old.destination, false);
@@ -349,7 +355,7 @@ Result<void> Graph::connect(const Plug& from, const Plug& to, bool force) {
 }
 
 Result<void> Graph::disconnect(const Plug& from, const Plug& to) {
-  if (from.isNull() || to.isNull()) return fail("There is no such attribute");
+  if (from.isNull() || to.isNull()) return fail(ErrorKind::NotFound, "There is no such attribute");
   if (source(to) != from) return fail("'{}' is not connected to '{}'", from.name(), to.name());
   if (isLockedHereOrAbove(to)) return fail("'{}' is locked", to.name());
   const Impl::Edit edit(*impl_);

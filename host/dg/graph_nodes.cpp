@@ -56,7 +56,8 @@ class NodeLifeChange final : public Change {
     return {};
   }
   Result<void> bringBack() {
-    if (node_->isAlive()) return fail("'{}' is there already", node_->name());
+    if (node_->isAlive())
+      return fail(ErrorKind::BadArgument, "'{}' is there already", node_->name());
     HOST_TRY(mayReplay(impl_, *node_, Graph::Replay::Revival));
     impl_.putIn(node_);
     Graph::Impl::restore(severed_);
@@ -230,7 +231,8 @@ NodePtr Graph::createNode(const NodeType& type, std::string name) {
 }
 
 Result<void> Graph::deleteNode(Node& node) {
-  if (!node.isAlive()) return fail("Node '{}' is deleted already", node.name());
+  if (!node.isAlive())
+    return fail(ErrorKind::BadArgument, "Node '{}' is deleted already", node.name());
   if (node.isLocked()) return fail("Node '{}' is locked and cannot be deleted", node.name());
   if (node.isDefault())
     return fail("Node '{}' belongs to every scene and cannot be deleted", node.name());
@@ -259,7 +261,8 @@ Result<void> Graph::deleteNode(Node& node) {
 
 Result<void> Graph::renameNode(Node& node, std::string name) {
   if (node.isLocked()) return fail("Node '{}' is locked and cannot be renamed", node.name());
-  if (name.empty()) return fail("Node '{}' cannot be given an empty name", node.name());
+  if (name.empty())
+    return fail(ErrorKind::BadArgument, "Node '{}' cannot be given an empty name", node.name());
   if (name == node.name()) return {};
   impl_->record<RenameChange>(node.shared_from_this(), node.name());
   impl_->rename(node, name);

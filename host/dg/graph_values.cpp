@@ -71,8 +71,11 @@ Result<void> Graph::Impl::checkFree(const Plug& plug) {
 
 Result<void> Graph::Impl::checkLeaf(const Plug& plug) {
   HOST_TRY(checkPlug(plug));
-  if (plug.isArray()) return fail("'{}' is an array: name one of its elements", plug.name());
-  if (plug.isCompound()) return fail("'{}' is a compound: name one of its children", plug.name());
+  if (plug.isArray())
+    return fail(ErrorKind::BadArgument, "'{}' is an array: name one of its elements", plug.name());
+  if (plug.isCompound())
+    return fail(ErrorKind::BadArgument, "'{}' is a compound: name one of its children",
+                plug.name());
   return {};
 }
 
@@ -142,7 +145,7 @@ Result<void> Graph::set(const Plug& plug, const Value& value) {
   HOST_TRY(Impl::checkLeaf(plug));
   HOST_TRY(settable(plug));
   auto converted = plug.attribute()->convert(value);
-  if (!converted) return fail("'{}': {}", plug.name(), converted.error().message);
+  if (!converted) return failAt(fmt::format("'{}'", plug.name()), converted.error());
   const Impl::Edit edit(*impl_);
   Value before = isRecording() ? Impl::current(plug) : Value();
   const int createdLevel = impl_->makeElements(plug, false);

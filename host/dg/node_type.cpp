@@ -138,11 +138,12 @@ void letGo(NodeType* type) {
 }  // namespace
 
 Result<const NodeType*> TypeRegistry::add(std::unique_ptr<NodeType> type) {
-  if (find(type->name)) return fail("A node type named '{}' is registered already", type->name);
+  if (find(type->name))
+    return fail(ErrorKind::BadArgument, "A node type named '{}' is registered already", type->name);
   if (type->id != 0)
     if (const NodeType* other = find(type->id))
-      return fail("The id {:#x} of node type '{}' is taken by '{}'", type->id, type->name,
-                  other->name);
+      return fail(ErrorKind::BadArgument, "The id {:#x} of node type '{}' is taken by '{}'",
+                  type->id, type->name, other->name);
   types_.push_back(std::shared_ptr<NodeType>(type.release(), letGo));
   return types_.back().get();
 }
@@ -150,7 +151,7 @@ Result<const NodeType*> TypeRegistry::add(std::unique_ptr<NodeType> type) {
 Result<void> TypeRegistry::remove(std::string_view name) {
   const auto found =
       std::ranges::find_if(types_, [&](const auto& type) { return type->name == name; });
-  if (found == types_.end()) return fail("No node type is named '{}'", name);
+  if (found == types_.end()) return fail(ErrorKind::NotFound, "No node type is named '{}'", name);
   removed_.push_back(*found);
   types_.erase(found);
   return {};

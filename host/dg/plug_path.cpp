@@ -22,10 +22,11 @@ Result<Plug> takeIndices(Plug plug, std::string_view& rest) {
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), index);
     if (close == std::string_view::npos || error != std::errc{} ||
         end != digits.data() + digits.size() || index < 0)
-      return fail("'[{}' is not the index of an element of '{}'", digits, plug.name());
+      return fail(ErrorKind::BadArgument, "'[{}' is not the index of an element of '{}'", digits,
+                  plug.name());
     if (!plug.attribute()->isArray || plug.isElement())
-      return fail("Attribute '{}' on node '{}' is not an array", plug.attributePath(),
-                  plug.node()->name());
+      return fail(ErrorKind::BadArgument, "Attribute '{}' on node '{}' is not an array",
+                  plug.attributePath(), plug.node()->name());
     plug = plug.element(index);
     rest.remove_prefix(close + 1);
   }
@@ -53,20 +54,21 @@ Result<Plug> parsePlug(Node& node, std::string_view path) {
   const std::string_view first = takeName(rest);
   Plug plug(&node, node.findAttribute(first));
   if (!plug) plug = node.graph().findAlias(node, first);
-  if (!plug) return fail("No attribute '{}' on node '{}'", first, node.name());
+  if (!plug) return fail(ErrorKind::NotFound, "No attribute '{}' on node '{}'", first, node.name());
   while (true) {
     auto indexed = takeIndices(plug, rest);
     if (!indexed) return indexed;
     plug = *indexed;
     if (rest.empty()) return plug;
     if (rest.front() != '.')
-      return fail("'{}' in '{}.{}' is not part of an attribute name", rest, node.name(), path);
+      return fail(ErrorKind::BadArgument, "'{}' in '{}.{}' is not part of an attribute name", rest,
+                  node.name(), path);
     rest.remove_prefix(1);
     const std::string_view name = takeName(rest);
     const Attribute* below = findBelow(*plug.attribute(), name);
     if (!below)
-      return fail("Attribute '{}' on node '{}' has no child '{}'", plug.attributePath(),
-                  node.name(), name);
+      return fail(ErrorKind::NotFound, "Attribute '{}' on node '{}' has no child '{}'",
+                  plug.attributePath(), node.name(), name);
     plug = descend(plug, below);
   }
 }

@@ -161,10 +161,11 @@ bool isUsable(const Plug& plug) {
 }
 
 Result<void> checkPlug(const Plug& plug) {
-  if (plug.isNull()) return fail("There is no such attribute");
+  if (plug.isNull()) return fail(ErrorKind::NotFound, "There is no such attribute");
   if (!plug.node()->isAlive()) return fail("Node '{}' is deleted", plug.node()->name());
   if (!isUsable(plug)) return fail("'{}' was removed", plug.name());
-  if (!plug.isComplete()) return fail("'{}' needs the index of an element", plug.name());
+  if (!plug.isComplete())
+    return fail(ErrorKind::BadArgument, "'{}' needs the index of an element", plug.name());
   return {};
 }
 

@@ -218,7 +218,8 @@ Result<std::vector<dg::NodePtr>> instanceAll(scene::Document& document,
   scene::SelectionList selected;
   for (const scene::SelectionItem& item : list.items()) {
     if (!item.isDag())
-      return fail("'{}' is not in the hierarchy and can't be instanced.", item.node->name());
+      return fail(ErrorKind::BadArgument, "'{}' is not in the hierarchy and can't be instanced.",
+                  item.node->name());
     const DagPath path = scene::isShape(*item.node) ? item.path.transform() : item.path;
     const DuplicateOptions copying{.sharesShapes = options.onlyShapes, .hooks = options.hooks};
     Duplicator duplicator(document, copying);

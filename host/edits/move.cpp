@@ -79,8 +79,8 @@ Result<void> moveAll(const scene::SelectionList& list, const MoveOptions& option
   const auto targets = transformTargets(rest);
   if (!targets) return failWith(targets.error());
   for (const scene::DagPath& path : targets->objects) HOST_TRY(moveObject(path, options));
-  const nodes::Space space =
-      options.space == MoveSpace::World ? nodes::Space::World : nodes::Space::Object;
+  const PointSpace space =
+      options.space == MoveSpace::World ? PointSpace::World : PointSpace::Object;
   return editVertices(targets->meshes, space, [&](const Vec3& p) { return moved(options, p); });
 }
 

@@ -85,7 +85,7 @@ Result<void> turnVertices(const TransformTargets& targets, const TurnOptions& op
       world = math::transpose(axes) * change * axes;
     }
     const Matrix4 matrix = about(pivot, world);
-    HOST_TRY(editVertices({item}, nodes::Space::World,
+    HOST_TRY(editVertices({item}, PointSpace::World,
                           [&](const Vec3& p) { return math::transformPoint(p, matrix); }));
   }
   return {};

@@ -59,9 +59,8 @@ std::vector<Index> convertedIds(const nodes::MeshItem& item, scene::ComponentTyp
   std::vector<Index> all;
   for (const scene::Component& component : item.components) {
     const std::vector<Index> own = nodes::componentIds(item.mesh, component);
-    const std::vector<Index> more =
-        mesh::convertComponents(item.mesh, nodes::meshKind(component.type()), own,
-                                nodes::meshKind(type), how, item.mesh.currentUvSet());
+    const std::vector<Index> more = mesh::convertComponents(item.mesh, component.type(), own, type,
+                                                            how, item.mesh.currentUvSet());
     all.insert(all.end(), more.begin(), more.end());
   }
   mesh::sortUnique(all);

@@ -6,7 +6,7 @@ namespace {
 
 Result<dg::Plug> timePlug(const scene::Document& document) {
   const auto& found = document.nodesNamed("time1");
-  if (found.empty()) return fail("The scene has no time node.");
+  if (found.empty()) return fail(ErrorKind::NotFound, "The scene has no time node.");
   return found.front()->plug("outTime");
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -25,15 +26,18 @@ struct TransformTargets {
 /// The middle of the rotate pivots of a list's objects, in world space; nothing without any.
 [[nodiscard]] std::optional<math::Vec3> middleOfPivots(const scene::SelectionList& list);
 
+/// In which space points are given: that of the object, or the world.
+enum class PointSpace : std::uint8_t { Object, World };
+
 /// Replaces each vertex of the items by `edit(point)`, given and taken in `space`; points that come
 /// back unchanged keep their bits. Stored as object-space floats, or as tweaks when there is
 /// history.
 template <class Edit>
-Result<void> editVertices(const std::vector<nodes::MeshItem>& items, nodes::Space space,
+Result<void> editVertices(const std::vector<nodes::MeshItem>& items, PointSpace space,
                           const Edit& edit) {
   for (const nodes::MeshItem& item : items) {
     const math::Matrix4 matrix =
-        space == nodes::Space::World ? item.path.inclusiveMatrix() : math::Matrix4{};
+        space == PointSpace::World ? item.path.inclusiveMatrix() : math::Matrix4{};
     const auto inverse = math::inverse(matrix);
     if (!inverse)
       return fail("'{}' has a scale of zero: its points can't be set in world space.",

@@ -136,7 +136,7 @@ Result<void> applyToObject(const scene::DagPath& path, const XformOptions& optio
 
 Result<void> applyToComponents(const TransformTargets& targets, const XformOptions& options) {
   const bool isWorld = options.isWorld, isRelative = options.isRelative;
-  const nodes::Space space = isWorld ? nodes::Space::World : nodes::Space::Object;
+  const PointSpace space = isWorld ? PointSpace::World : PointSpace::Object;
   if (options.translation) {
     const Vec3 given = *options.translation;
     HOST_TRY(editVertices(targets.meshes, space,

@@ -9,10 +9,6 @@ namespace {
 // Writers that round to four digits give one normal two spellings that are this close.
 constexpr double kSameNormal = 1e-3;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 // The file's normal ids at the two ends of an edge, on one of its faces.
 struct EndNormals {
   Index a = kNone, b = kNone;

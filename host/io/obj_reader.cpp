@@ -13,10 +13,6 @@
 namespace host::io {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Maps ids of a whole file to ids of one object. The table is shared by all objects; each one's
 /// cost is its own.
 class IdPool {

@@ -14,10 +14,6 @@
 namespace host::io {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 template <class Number>
 void appendNumber(std::string& out, Number value) {
   char digits[32];

@@ -146,7 +146,8 @@ Result<FileContent> FileContent::read(const std::string& path) {
   const auto size = static_cast<std::size_t>(status.st_size);
   FileContent content;
   content.data_.reset(new (std::nothrow) char[size > 0 ? size : 1]);
-  if (!content.data_) return fail("Cannot read \"{}\": not enough memory", path);
+  if (!content.data_)
+    return fail(ErrorKind::OutOfMemory, "Cannot read \"{}\": not enough memory", path);
   while (content.size_ < size) {
     const ssize_t n = ::read(file.get(), content.data_.get() + content.size_, size - content.size_);
     if (n < 0 && errno == EINTR) continue;

@@ -41,10 +41,6 @@ struct Box {
   [[nodiscard]] Vec3 center() const { return isEmpty() ? Vec3{} : (min + max) * 0.5; }
   [[nodiscard]] Vec3 size() const { return isEmpty() ? Vec3{} : max - min; }
   [[nodiscard]] double diagonal() const { return length(size()); }
-  [[nodiscard]] int longestAxis() const {
-    const Vec3 s = size();
-    return s.x >= s.y && s.x >= s.z ? 0 : s.y >= s.z ? 1 : 2;
-  }
   [[nodiscard]] bool contains(const Vec3& p) const {
     return p.x >= min.x && p.x <= max.x && p.y >= min.y && p.y <= max.y && p.z >= min.z &&
            p.z <= max.z;

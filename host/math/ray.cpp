@@ -55,16 +55,6 @@ double closestOnSegment(const Vec3& a, const Vec3& b, const Vec3& p) {
   return std::clamp(closestParameter({a, b - a}, p), 0.0, 1.0);
 }
 
-LinePair closestParameters(const Ray& first, const Ray& second) {
-  const Vec3 between = second.origin - first.origin;
-  const double aa = lengthSquared(first.direction), bb = lengthSquared(second.direction);
-  const double ab = dot(first.direction, second.direction);
-  const double determinant = aa * bb - ab * ab;
-  if (!(determinant > 1e-18 * aa * bb)) return {0, closestParameter(second, first.origin)};
-  const double a = dot(between, first.direction), b = dot(between, second.direction);
-  return {(a * bb - b * ab) / determinant, (a * ab - b * aa) / determinant};
-}
-
 TrianglePoint closestOnTriangle(const Vec3& a, const Vec3& b, const Vec3& c, const Vec3& p) {
   // Voronoi regions of corners and edges in turn (Ericson, Real-Time Collision Detection, 5.1.5).
   const Vec3 ab = b - a, ac = c - a, ap = p - a;

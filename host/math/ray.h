@@ -37,12 +37,6 @@ struct RayTriangleHit {
 [[nodiscard]] double closestParameter(const Ray& line, const Vec3& p);
 /// The parameter of the point on segment ab nearest to p, 0 to 1.
 [[nodiscard]] double closestOnSegment(const Vec3& a, const Vec3& b, const Vec3& p);
-/// The parameters at which two lines are nearest; for parallel lines the first is 0.
-struct LinePair {
-  double first, second;
-};
-[[nodiscard]] LinePair closestParameters(const Ray& first, const Ray& second);
-
 /// The point of a triangle nearest to p, as weights: (1-u-v) a + u b + v c. Degenerate triangles
 /// act as their longest edge or as their point.
 struct TrianglePoint {

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <algorithm>
-#include <cmath>
-
 namespace host::math {
 
 inline constexpr double kPi = 3.14159265358979323846;
@@ -16,13 +13,4 @@ inline constexpr double kAngleTolerance = 1e-9;
 [[nodiscard]] constexpr double toRadians(double degrees) {
   return degrees * (kPi / 180.0);
 }
-[[nodiscard]] constexpr double toDegrees(double radians) {
-  return radians * (180.0 / kPi);
-}
-
-/// Whether a and b differ by at most `tolerance`, absolute near zero and relative above one.
-[[nodiscard]] inline bool isClose(double a, double b, double tolerance = 1e-10) {
-  return std::abs(a - b) <= tolerance * std::max({1.0, std::abs(a), std::abs(b)});
-}
-
 }  // namespace host::math

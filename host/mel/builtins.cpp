@@ -62,10 +62,10 @@ Result<FlaggedArguments> splitFlags(std::span<const Value> arguments,
     } else if (std::ranges::find(valued, name) == valued.end()) {
       // Text that merely begins with a dash, as in `error "-1 is too small"`.
       if (name.find(' ') == std::string::npos && arguments.size() > 1)
-        return fail("Invalid flag '-{}'.", name);
+        return fail(ErrorKind::BadArgument, "Invalid flag '-{}'.", name);
       result.plain.push_back(argument);
     } else if (i + 1 >= arguments.size()) {
-      return fail("Flag '-{}' must be passed a value.", name);
+      return fail(ErrorKind::BadArgument, "Flag '-{}' must be passed a value.", name);
     } else {
       result.flags.emplace_back(name, arguments[++i]);
     }

@@ -10,7 +10,8 @@ namespace host::mel {
 namespace {
 
 tl::unexpected<Error> cannotConvert(Type from, Type to) {
-  return fail("Cannot convert data of type {} to type {}.", typeName(from), typeName(to));
+  return fail(ErrorKind::BadArgument, "Cannot convert data of type {} to type {}.", typeName(from),
+              typeName(to));
 }
 
 std::string_view skipBlanks(std::string_view text) {

@@ -90,7 +90,8 @@ Result<Value> Engine::execute(std::string_view source, const std::string& file) 
 
 Result<Value> Engine::sourceFile(const std::string& path) {
   const std::string found = findScript(path);
-  if (found.empty()) return fail("Cannot find file \"{}\" for source statement.", path);
+  if (found.empty())
+    return fail(ErrorKind::NotFound, "Cannot find file \"{}\" for source statement.", path);
   const Result<std::string> text = readFile(found);
   if (!text) return failWith(text.error());
   return execute(*text, found);

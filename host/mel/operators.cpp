@@ -182,7 +182,7 @@ Result<void> applyMatrices(BinaryOp op, const Value& left, const Value& right, V
 }
 
 tl::unexpected<Error> outOfRange(std::int64_t index) {
-  return fail("Array index {} is out of range.", index);
+  return fail(ErrorKind::BadArgument, "Array index {} is out of range.", index);
 }
 
 template <class T, class V>
@@ -199,6 +199,7 @@ Result<void> writeGrowing(std::vector<T>& array, std::int64_t index, V&& element
     constexpr std::size_t kLargestGap = (std::size_t{256} << 20) / sizeof(T);
     if (place - array.size() > kLargestGap)
       return fail(
+          ErrorKind::BadArgument,
           "Array index {} is too far behind the {} elements there are: an array grows by at "
           "most {} elements at once.",
           index, array.size(), kLargestGap);
@@ -283,7 +284,7 @@ Result<void> readElement(const Value& array, std::int64_t index, Value& result) 
       result = Value(isInside ? Vec3(array.vectorArray()[place]) : Vec3{});
       return {};
     default:
-      return fail("Data of type {} is not an array and has no element [{}].",
+      return fail(ErrorKind::NotFound, "Data of type {} is not an array and has no element [{}].",
                   typeName(array.type()), index);
   }
 }
@@ -295,8 +296,8 @@ Result<std::size_t> cellPlace(const Value& matrix, std::int64_t row, std::int64_
     return fail("Data of type {} is not a matrix.", typeName(matrix.type()));
   const Matrix& m = matrix.matrix();
   if (row < 0 || row >= m.rows || column < 0 || column >= m.columns)
-    return fail("Matrix index [{}][{}] is out of the range of [{}][{}].", row, column, m.rows,
-                m.columns);
+    return fail(ErrorKind::BadArgument, "Matrix index [{}][{}] is out of the range of [{}][{}].",
+                row, column, m.rows, m.columns);
   return static_cast<std::size_t>(row * m.columns + column);
 }
 
@@ -320,8 +321,8 @@ Result<void> writeCell(Value& matrix, std::int64_t row, std::int64_t column, con
 
 Result<void> writeElement(Value& array, std::int64_t index, const Value& element) {
   if (!isArray(array.type()))
-    return fail("Data of type {} is not an array and has no element [{}].", typeName(array.type()),
-                index);
+    return fail(ErrorKind::NotFound, "Data of type {} is not an array and has no element [{}].",
+                typeName(array.type()), index);
   if (index < 0 || static_cast<std::uint64_t>(index) >= kMaxArrayElements) return outOfRange(index);
   switch (array.type()) {
     case Type::IntArray: {

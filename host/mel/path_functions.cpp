@@ -16,7 +16,8 @@ namespace fs = std::filesystem;
 Result<void> filetestFunction(Engine&, std::span<Value> arguments, Value& result) {
   return unpack<std::string, std::string>(
       arguments, [&](const std::string& flag, const std::string& path) -> Result<void> {
-        if (flag.size() != 2 || flag[0] != '-') return fail("Invalid flag '{}'.", flag);
+        if (flag.size() != 2 || flag[0] != '-')
+          return fail(ErrorKind::BadArgument, "Invalid flag '{}'.", flag);
         std::error_code ignored;
         const fs::file_status status = fs::status(path, ignored);
         switch (flag[1]) {
@@ -46,7 +47,7 @@ Result<void> filetestFunction(Engine&, std::span<Value> arguments, Value& result
             result = Value(fs::is_regular_file(status) && fs::file_size(path, ignored) > 0);
             return {};
           default:
-            return fail("Invalid flag '{}'.", flag);
+            return fail(ErrorKind::BadArgument, "Invalid flag '{}'.", flag);
         }
       });
 }

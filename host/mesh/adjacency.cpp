@@ -9,9 +9,6 @@ namespace {
 constexpr std::size_t kParallelCorners =
     200'000;  // below, starting a thread costs more than it saves
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
 }  // namespace
 
 // Lists are filled in three passes: counts land two places up, are summed, and filling advances the

@@ -13,9 +13,6 @@ namespace host::mesh {
 
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
 bool isFinite(const Vec3f& p) {
   return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
 }

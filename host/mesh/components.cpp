@@ -8,10 +8,6 @@ namespace host::mesh {
 
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// A set of ids that answers membership in constant time when it is a good part of all, else by
 /// bisection, so that a small set costs nothing that grows with the mesh.
 class IdSet {
@@ -52,23 +48,23 @@ class Incidence {
   }
 
   template <class Visit>
-  void visit(ComponentKind from, Index id, ComponentKind to, Visit&& found) const {
+  void visit(ComponentType from, Index id, ComponentType to, Visit&& found) const {
     if (from == to) return found(id);
     switch (from) {
-      case ComponentKind::Vertex:
-        if (to == ComponentKind::Edge) return each(adjacency_.vertexEdges(id), found);
-        if (to == ComponentKind::Face) return each(adjacency_.vertexFaces(id), found);
+      case ComponentType::Vertex:
+        if (to == ComponentType::Edge) return each(adjacency_.vertexEdges(id), found);
+        if (to == ComponentType::Face) return each(adjacency_.vertexFaces(id), found);
         return corners(adjacency_.vertexCorners(id), to, found);
-      case ComponentKind::Edge:
+      case ComponentType::Edge:
         return fromEdge(id, to, found);
-      case ComponentKind::Face:
+      case ComponentType::Face:
         return fromFace(id, to, found);
-      case ComponentKind::Uv: {
+      case ComponentType::Uv: {
         const std::span<const CornerId> all(uvCorners_.data() + uvOffsets_[at(id)],
                                             uvCorners_.data() + uvOffsets_[at(id) + 1]);
         return corners(all, to, found);
       }
-      case ComponentKind::VertexFace:
+      case ComponentType::VertexFace:
         return corner(id, to, found);
     }
   }
@@ -80,13 +76,13 @@ class Incidence {
   }
 
   template <class Visit>
-  void fromEdge(EdgeId e, ComponentKind to, Visit& found) const {
-    if (to == ComponentKind::Vertex) {
+  void fromEdge(EdgeId e, ComponentType to, Visit& found) const {
+    if (to == ComponentType::Vertex) {
       found(mesh_.edge(e).a);
       found(mesh_.edge(e).b);
       return;
     }
-    if (to == ComponentKind::Face) return each(adjacency_.edgeFaces(e), found);
+    if (to == ComponentType::Face) return each(adjacency_.edgeFaces(e), found);
     for (CornerId c : adjacency_.edgeCorners(e)) {
       corner(c, to, found);
       corner(adjacency_.nextCorner(c), to, found);
@@ -94,30 +90,30 @@ class Incidence {
   }
 
   template <class Visit>
-  void fromFace(FaceId f, ComponentKind to, Visit& found) const {
-    if (to == ComponentKind::Vertex) return each(mesh_.faceVertices(f), found);
-    if (to == ComponentKind::Edge) return each(mesh_.faceEdges(f), found);
+  void fromFace(FaceId f, ComponentType to, Visit& found) const {
+    if (to == ComponentType::Vertex) return each(mesh_.faceVertices(f), found);
+    if (to == ComponentType::Edge) return each(mesh_.faceEdges(f), found);
     for (CornerId c = mesh_.firstCorner(f); c < mesh_.firstCorner(f + 1); ++c) corner(c, to, found);
   }
 
   template <class Visit>
-  void corners(std::span<const CornerId> ids, ComponentKind to, Visit& found) const {
+  void corners(std::span<const CornerId> ids, ComponentType to, Visit& found) const {
     for (CornerId c : ids) corner(c, to, found);
   }
 
   template <class Visit>
-  void corner(CornerId c, ComponentKind to, Visit& found) const {
+  void corner(CornerId c, ComponentType to, Visit& found) const {
     switch (to) {
-      case ComponentKind::Vertex:
+      case ComponentType::Vertex:
         return found(mesh_.cornerVertex(c));
-      case ComponentKind::Face:
+      case ComponentType::Face:
         return found(adjacency_.cornerFace(c));
-      case ComponentKind::VertexFace:
+      case ComponentType::VertexFace:
         return found(c);
-      case ComponentKind::Edge:
+      case ComponentType::Edge:
         found(mesh_.cornerEdge(c));
         return found(mesh_.cornerEdge(adjacency_.previousCorner(c)));
-      case ComponentKind::Uv:
+      case ComponentType::Uv:
         if (const UvId id = mesh_.cornerUv(uvSet_, c); id != kNone) found(id);
         return;
     }
@@ -136,24 +132,24 @@ void sortUnique(std::vector<Index>& ids) {
   ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
 }
 
-Index componentCount(const Mesh& mesh, ComponentKind kind, int uvSet) {
+Index componentCount(const Mesh& mesh, ComponentType kind, int uvSet) {
   switch (kind) {
-    case ComponentKind::Vertex:
+    case ComponentType::Vertex:
       return mesh.vertexCount();
-    case ComponentKind::Edge:
+    case ComponentType::Edge:
       return mesh.edgeCount();
-    case ComponentKind::Face:
+    case ComponentType::Face:
       return mesh.faceCount();
-    case ComponentKind::Uv:
+    case ComponentType::Uv:
       return static_cast<Index>(mesh.uvSet(uvSet).points.size());
-    case ComponentKind::VertexFace:
+    case ComponentType::VertexFace:
       return mesh.cornerCount();
   }
   return 0;
 }
 
-std::vector<Index> convertComponents(const Mesh& mesh, ComponentKind from,
-                                     std::span<const Index> ids, ComponentKind to,
+std::vector<Index> convertComponents(const Mesh& mesh, ComponentType from,
+                                     std::span<const Index> ids, ComponentType to,
                                      Conversion conversion, int uvSet) {
   const IdSet set(ids, componentCount(mesh, from, uvSet));
   if (from == to)
@@ -162,7 +158,7 @@ std::vector<Index> convertComponents(const Mesh& mesh, ComponentKind from,
                : std::vector<Index>(set.ids().begin(), set.ids().end());
   Incidence incidence(mesh, uvSet);
   const bool isWhole = conversion == Conversion::Connected;
-  if (from == ComponentKind::Uv || (to == ComponentKind::Uv && !isWhole)) incidence.listUvCorners();
+  if (from == ComponentType::Uv || (to == ComponentType::Uv && !isWhole)) incidence.listUvCorners();
 
   std::vector<Index> out;
   const auto count = at(componentCount(mesh, to, uvSet));

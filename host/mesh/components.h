@@ -3,13 +3,10 @@
 #include <span>
 #include <vector>
 
+#include "host/mesh/component_type.h"
 #include "host/mesh/mesh.h"
 
 namespace host::mesh {
-
-/// The component types of a mesh. A vertex-face is known by its corner id; UV ids belong to one UV
-/// set.
-enum class ComponentKind { Vertex, Edge, Face, Uv, VertexFace };
 
 /// Which components of the other type belong to a set.
 enum class Conversion {
@@ -19,7 +16,7 @@ enum class Conversion {
 };
 
 /// How many components of a kind the mesh has.
-[[nodiscard]] Index componentCount(const Mesh& mesh, ComponentKind kind, int uvSet = 0);
+[[nodiscard]] Index componentCount(const Mesh& mesh, ComponentType kind, int uvSet = 0);
 
 /// Converts a component set to another type.
 ///
@@ -30,8 +27,8 @@ enum class Conversion {
 /// @param ids components of kind `from`, any order, repeats allowed, each in range
 /// @return sorted, without repeats. Linear in what the set touches, plus one pass over the set's
 /// corners for UVs.
-[[nodiscard]] std::vector<Index> convertComponents(const Mesh& mesh, ComponentKind from,
-                                                   std::span<const Index> ids, ComponentKind to,
+[[nodiscard]] std::vector<Index> convertComponents(const Mesh& mesh, ComponentType from,
+                                                   std::span<const Index> ids, ComponentType to,
                                                    Conversion conversion = Conversion::Connected,
                                                    int uvSet = 0);
 

@@ -8,10 +8,6 @@ namespace host::mesh {
 
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 void addScaled(Vec2f& sum, const Vec2f& value, double weight) {
   sum.u = static_cast<float>(sum.u + value.u * weight);
   sum.v = static_cast<float>(sum.v + value.v * weight);

@@ -6,9 +6,6 @@ namespace host::mesh {
 
 namespace {
 constexpr int kChainLimit = 12;
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
 }  // namespace
 
 EdgeTable::EdgeTable(std::vector<EdgeVertices>& edges, Index vertexCount)

@@ -12,10 +12,6 @@ namespace host::mesh {
 
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 template <class T>
 std::size_t bytesOf(const std::vector<T>& v) {
   return v.size() * sizeof(T);
@@ -67,23 +63,28 @@ Result<void> checkFaceLoops(Index vertexCount, std::span<const Index> counts,
   std::size_t begin = 0;
   for (std::size_t f = 0; f < counts.size(); ++f) {
     if (counts[f] < 3)
-      return fail("Face {} has {} corners; a face needs at least 3.", f, counts[f]);
+      return fail(ErrorKind::BadArgument, "Face {} has {} corners; a face needs at least 3.", f,
+                  counts[f]);
     if (at(counts[f]) > vertices.size() - begin)
-      return fail("Face {} asks for {} vertices, but only {} are left in the list.", f, counts[f],
+      return fail(ErrorKind::BadArgument,
+                  "Face {} asks for {} vertices, but only {} are left in the list.", f, counts[f],
                   vertices.size() - begin);
     const auto loop = vertices.subspan(begin, at(counts[f]));
     VertexId previous = loop.back();
     for (VertexId v : loop) {
       if (v < 0 || v >= vertexCount)
-        return fail("Face {} names vertex {}; the mesh has vertices 0 to {}.", f, v,
+        return fail(ErrorKind::BadArgument,
+                    "Face {} names vertex {}; the mesh has vertices 0 to {}.", f, v,
                     vertexCount - 1);
-      if (v == previous) return fail("Face {} uses vertex {} twice in a row.", f, v);
+      if (v == previous)
+        return fail(ErrorKind::BadArgument, "Face {} uses vertex {} twice in a row.", f, v);
       previous = v;
     }
     begin += loop.size();
   }
   if (begin != vertices.size())
-    return fail("The faces use {} of the {} listed vertices.", begin, vertices.size());
+    return fail(ErrorKind::BadArgument, "The faces use {} of the {} listed vertices.", begin,
+                vertices.size());
   return {};
 }
 

@@ -11,10 +11,6 @@ namespace host::mesh {
 namespace {
 
 constexpr std::size_t kGrain = 20'000;
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 double angleBetween(const Vec3& a, const Vec3& b) {
   return std::atan2(length(cross(a, b)), dot(a, b));
 }
@@ -127,23 +123,6 @@ Vec3 faceCenter(const Mesh& mesh, FaceId face) {
   Vec3 sum;
   for (VertexId v : loop) sum += mesh.point(v);
   return sum / static_cast<double>(loop.size());
-}
-
-Vec3 faceCentroid(const Mesh& mesh, FaceId face) {
-  const auto loop = mesh.faceVertices(face);
-  const Vec3 normal = faceNormal(mesh, face);
-  const Vec3 origin = mesh.point(loop[0]);
-  Vec3 moment;
-  double area = 0;
-  Vec3 previous = mesh.point(loop[1]) - origin;
-  for (std::size_t i = 2; i < loop.size(); ++i) {
-    const Vec3 current = mesh.point(loop[i]) - origin;
-    const double a = dot(cross(previous, current), normal);
-    moment += (previous + current) * a;
-    area += a;
-    previous = current;
-  }
-  return area > 0 ? origin + moment / (3 * area) : faceCenter(mesh, face);
 }
 
 std::vector<Vec3f> computeFaceNormals(const Mesh& mesh) {

@@ -17,8 +17,6 @@ namespace host::mesh {
 [[nodiscard]] double faceArea(const Mesh& mesh, FaceId face);
 /// The mean of the face's vertices, as the host reports a face's centre.
 [[nodiscard]] Vec3 faceCenter(const Mesh& mesh, FaceId face);
-/// The centre of mass of the face as a plate; the vertex mean when it has no area.
-[[nodiscard]] Vec3 faceCentroid(const Mesh& mesh, FaceId face);
 
 /// Unit normals of all faces; zero for faces without area. Parallel.
 [[nodiscard]] std::vector<Vec3f> computeFaceNormals(const Mesh& mesh);

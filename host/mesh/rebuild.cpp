@@ -9,9 +9,6 @@
 namespace host::mesh {
 
 namespace {
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
 Index mapped(const std::vector<Index>& map, Index id) {
   return map.empty() ? id : map[at(id)];
 }

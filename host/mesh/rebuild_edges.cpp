@@ -6,12 +6,6 @@
 
 namespace host::mesh {
 
-namespace {
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-}  // namespace
-
 EdgeId MeshRebuilder::EdgeFinder::fromSources(std::size_t corner, std::size_t next) const {
   const VertexId from = rebuilder_.listedVertices_[corner], to = rebuilder_.listedVertices_[next];
   const VertexId a = keptSource(from), b = keptSource(to);

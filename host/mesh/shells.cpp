@@ -9,10 +9,6 @@ namespace host::mesh {
 
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Disjoint sets with path halving; the lowest member stands for its set.
 class DisjointSets {
  public:

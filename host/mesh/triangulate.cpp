@@ -9,10 +9,6 @@ namespace host::mesh {
 namespace {
 
 constexpr std::size_t kGrain = 20'000;
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 struct Point2 {
   double x, y;
 };

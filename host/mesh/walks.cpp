@@ -8,10 +8,6 @@ namespace host::mesh {
 
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Walks from `start` both ways. A step is (edge, side) -> (edge, side) and leads back the way it
 /// came, so a run that closes can only close at its start; `limit` guards against steps that break
 /// this on non-manifold input.

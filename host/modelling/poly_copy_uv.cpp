@@ -19,7 +19,8 @@ Result<void> choose(Context& context, const ParsedArgs& args, Node& node, const 
                     const std::vector<Index>&) {
   const std::string from = args.text("uvSetNameInput");
   if (!from.empty() && item.mesh.findUvSet(from) < 0)
-    return fail("'{}' has no UV set '{}'", item.path.transform().partialName(), from);
+    return fail(ErrorKind::NotFound, "'{}' has no UV set '{}'", item.path.transform().partialName(),
+                from);
   return chooseUvSet(context, args, node, item);
 }
 

@@ -35,7 +35,8 @@ Result<void> mirror(HistoryContext& context) {
   if (!join) return failWith(join.error());
   if (!flip) return failWith(flip.error());
   const Side side([&](const char* attribute) { return context.integer(attribute); });
-  if (side.axis < 0 || side.axis > 2) return fail("the mirror axis must be X, Y or Z");
+  if (side.axis < 0 || side.axis > 2)
+    return fail(ErrorKind::BadArgument, "the mirror axis must be X, Y or Z");
   math::Vec3 normal;
   normal[side.axis] = side.isNegative ? -1 : 1;
   ops::MirrorOptions options;

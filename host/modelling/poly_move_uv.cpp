@@ -41,7 +41,8 @@ Result<void> setPivot(Context& context, const ParsedArgs& args, Node& node, cons
         HOST_TRY(context.document.graph().set(pivot.child(child), dg::Value(0.0)));
   const std::string name = args.text("uvSetName");
   if (name.empty() || item.mesh.findUvSet(name) >= 0) return {};
-  return fail("'{}' has no UV set '{}'", item.path.transform().partialName(), name);
+  return fail(ErrorKind::NotFound, "'{}' has no UV set '{}'", item.path.transform().partialName(),
+              name);
 }
 
 }  // namespace

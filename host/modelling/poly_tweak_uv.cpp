@@ -12,7 +12,7 @@ namespace {
 Result<void> tweak(HistoryContext& context) {
   const std::string name = context.text("uvSetName");
   const int set = name.empty() ? context.mesh.currentUvSet() : context.mesh.findUvSet(name);
-  if (set < 0) return fail("the mesh has no UV set '{}'", name);
+  if (set < 0) return fail(ErrorKind::NotFound, "the mesh has no UV set '{}'", name);
   std::vector<Index> indices;
   std::vector<double> offsets;
   context.packed("uvTweak", indices, offsets);
@@ -43,7 +43,7 @@ Result<UvTweak> UvTweak::make(const nodes::MeshItem& item, std::span<const UvId>
   std::vector<std::size_t> order(uvs.size());
   for (std::size_t i = 0; i < uvs.size(); ++i) {
     if (uvs[i] < 0 || static_cast<std::size_t>(uvs[i]) >= points.size())
-      return fail("{} has no UV {}", name, uvs[i]);
+      return fail(ErrorKind::NotFound, "{} has no UV {}", name, uvs[i]);
     order[i] = i;
   }
   if (!std::ranges::is_sorted(uvs))

@@ -76,7 +76,7 @@ void build(TypeBuilder& builder, const std::vector<const Attribute*>&) {
     const auto parts = partsOf(block, meshes, matrices, groups);
     if (!parts) return failWith(parts.error());
     auto united = ops::unite(*parts);
-    if (!united) return fail("{}: {}", node.name(), united.error().message);
+    if (!united) return failAt(node.name(), united.error());
     block.output(result, dg::DataPtr(std::make_shared<scene::MeshData>(*std::move(united),
                                                                        groups.finish())));
     return Computed::Done;

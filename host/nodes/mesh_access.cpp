@@ -121,7 +121,8 @@ bool MeshAccess::read(const Node& node, const Plug& plug, dg::Value& value) cons
 
 Result<bool> MeshAccess::writeVertex(Mesh& mesh, const Plug& plug, double value) const {
   if (!isBelow(plug.logicalIndex(), mesh.points().size()))
-    return fail("'{}': the mesh has {} vertices", plug.name(), mesh.vertexCount());
+    return fail(ErrorKind::BadArgument, "'{}': the mesh has {} vertices", plug.name(),
+                mesh.vertexCount());
   math::Vec3f& point = mesh.editPoints()[static_cast<std::size_t>(plug.logicalIndex())];
   const int axis = plug.attribute()->childIndex;
   (axis == 0 ? point.x : axis == 1 ? point.y : point.z) = static_cast<float>(value);
@@ -131,14 +132,16 @@ Result<bool> MeshAccess::writeVertex(Mesh& mesh, const Plug& plug, double value)
 Result<bool> MeshAccess::writeUv(Mesh& mesh, const Plug& plug, const dg::Value& value) const {
   const Index set = plug.index(0);
   if (set < 0 || set >= mesh.uvSetCount())
-    return fail("'{}': the mesh has {} UV sets", plug.name(), mesh.uvSetCount());
+    return fail(ErrorKind::BadArgument, "'{}': the mesh has {} UV sets", plug.name(),
+                mesh.uvSetCount());
   mesh::UvSet& uvs = mesh.editUvSet(set);
   if (plug.attribute() == uvSetName_) {
     uvs.name = std::get<std::string>(value);
     return true;
   }
   if (!isBelow(plug.logicalIndex(), uvs.points.size()))
-    return fail("'{}': the UV set has {} UVs", plug.name(), uvs.points.size());
+    return fail(ErrorKind::BadArgument, "'{}': the UV set has {} UVs", plug.name(),
+                uvs.points.size());
   math::Vec2f& uv = uvs.points[static_cast<std::size_t>(plug.logicalIndex())];
   (plug.attribute()->childIndex == 0 ? uv.u : uv.v) = static_cast<float>(std::get<double>(value));
   return true;
@@ -157,7 +160,9 @@ Result<bool> MeshAccess::write(Node& node, const Plug& plug, const dg::Value& va
   Mesh changed = present ? *present : Mesh();
   if (leaf == currentUvSet_) {
     const int set = changed.findUvSet(std::get<std::string>(value));
-    if (set < 0) return fail("'{}' has no UV set '{}'", node.name(), std::get<std::string>(value));
+    if (set < 0)
+      return fail(ErrorKind::NotFound, "'{}' has no UV set '{}'", node.name(),
+                  std::get<std::string>(value));
     changed.setCurrentUvSet(set);
   } else {
     auto written = isVertex ? writeVertex(changed, plug, std::get<double>(value))

@@ -11,24 +11,8 @@ namespace host::nodes {
 using scene::Component;
 using scene::ComponentType;
 
-mesh::ComponentKind meshKind(ComponentType type) {
-  switch (type) {
-    case ComponentType::Vertex:
-      return mesh::ComponentKind::Vertex;
-    case ComponentType::Edge:
-      return mesh::ComponentKind::Edge;
-    case ComponentType::Face:
-      return mesh::ComponentKind::Face;
-    case ComponentType::Uv:
-      return mesh::ComponentKind::Uv;
-    case ComponentType::VertexFace:
-      return mesh::ComponentKind::VertexFace;
-  }
-  return mesh::ComponentKind::Vertex;
-}
-
 std::vector<Index> componentIds(const mesh::Mesh& mesh, const Component& component) {
-  const Index count = mesh::componentCount(mesh, meshKind(component.type()), mesh.currentUvSet());
+  const Index count = mesh::componentCount(mesh, component.type(), mesh.currentUvSet());
   if (component.type() != ComponentType::VertexFace || component.isComplete()) {
     if (!component.isComplete()) {
       // A selection outlives the components it names when history takes some away.
@@ -69,8 +53,8 @@ std::vector<Index> MeshItem::ids(ComponentType type) const {
   for (const Component& component : components) {
     std::vector<Index> own = componentIds(mesh, component);
     if (component.type() != type)
-      own = mesh::convertComponents(mesh, meshKind(component.type()), own, meshKind(type),
-                                    mesh::Conversion::Connected, mesh.currentUvSet());
+      own = mesh::convertComponents(mesh, component.type(), own, type, mesh::Conversion::Connected,
+                                    mesh.currentUvSet());
     if (all.empty())
       all = std::move(own);
     else

@@ -9,8 +9,6 @@
 
 namespace host::nodes {
 
-[[nodiscard]] mesh::ComponentKind meshKind(scene::ComponentType type);
-
 /// The ids of a component set in the mesh's terms: vertex faces become corners, "all" is spelled
 /// out. Sorted.
 [[nodiscard]] std::vector<Index> componentIds(const mesh::Mesh& mesh,

@@ -134,7 +134,8 @@ std::vector<Node*> emptiedTransforms(const Node& shape, const std::vector<Node*>
 
 Result<void> insertHistoryNode(Document& document, Node& shape, const Plug& input,
                                const Plug& output) {
-  if (!shape.plug("inMesh")) return fail("'{}' is not a mesh", shape.name());
+  if (!shape.plug("inMesh"))
+    return fail(ErrorKind::BadArgument, "'{}' is not a mesh", shape.name());
   if (scene::dagLinks(shape).parents.empty()) return fail("'{}' is not in the scene", shape.name());
   const auto source = sourceOfShape(document, shape);
   if (!source) return failWith(source.error());
@@ -149,7 +150,7 @@ Result<void> insertHistoryNode(Document& document, Node& shape, const Plug& inpu
 Result<void> deleteHistory(Document& document, Node& shape) {
   dg::Graph& graph = document.graph();
   const Plug inMesh = shape.plug("inMesh");
-  if (!inMesh) return fail("'{}' is not a mesh", shape.name());
+  if (!inMesh) return fail(ErrorKind::BadArgument, "'{}' is not a mesh", shape.name());
   auto baked = evaluatedMesh(shape);
   if (!baked) return failWith(baked.error());
   const Plug source = graph.source(inMesh);

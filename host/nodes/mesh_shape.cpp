@@ -21,7 +21,7 @@ using scene::MeshData;
 
 Result<Mesh> meshAt(Node& shape, const char* attribute) {
   const Plug plug = shape.plug(attribute);
-  if (!plug) return fail("'{}' is not a mesh", shape.name());
+  if (!plug) return fail(ErrorKind::BadArgument, "'{}' is not a mesh", shape.name());
   const auto value = shape.graph().get(plug);
   if (!value) return failWith(value.error());
   const auto* data = dg::dataAs<MeshData>(*value);
@@ -148,7 +148,8 @@ bool hasHistory(Node& shape) {
 }
 
 Result<void> setStoredMesh(Node& shape, Mesh mesh) {
-  if (!shape.plug("inMesh")) return fail("'{}' is not a mesh", shape.name());
+  if (!shape.plug("inMesh"))
+    return fail(ErrorKind::BadArgument, "'{}' is not a mesh", shape.name());
   if (hasHistory(shape))
     return fail("'{}' has construction history; delete it first", shape.name());
   HOST_TRY(clearTweaks(shape));
@@ -160,8 +161,8 @@ Result<void> setEvaluatedPoints(Node& shape, std::vector<Vec3f> points) {
   auto now = evaluatedMesh(shape);
   if (!now) return failWith(now.error());
   if (points.size() != now->points().size())
-    return fail("'{}' has {} vertices, but {} points were given", shape.name(), now->vertexCount(),
-                points.size());
+    return fail(ErrorKind::BadArgument, "'{}' has {} vertices, but {} points were given",
+                shape.name(), now->vertexCount(), points.size());
   const bool isDriven = hasHistory(shape);
   if (!isDriven && (!hasTweaks(shape) || hasOverride(shape))) {
     now->setPoints(std::move(points));
@@ -177,48 +178,6 @@ Result<void> setEvaluatedPoints(Node& shape, std::vector<Vec3f> points) {
 
 Result<void> setEvaluatedPoints(Node& shape, std::span<const Vec3f> points) {
   return setEvaluatedPoints(shape, std::vector<Vec3f>(points.begin(), points.end()));
-}
-
-Result<std::vector<Vec3>> pointsIn(const scene::DagPath& path, Space space) {
-  if (path.isWorld()) return fail("There is no mesh to read points of");
-  const auto mesh = evaluatedMesh(*path.node());
-  if (!mesh) return failWith(mesh.error());
-  std::vector<Vec3> points;
-  points.reserve(mesh->points().size());
-  if (space == Space::Object) {
-    for (const Vec3f& point : mesh->points()) points.emplace_back(point);
-    return points;
-  }
-  const math::Matrix4 matrix = path.inclusiveMatrix();
-  for (const Vec3f& point : mesh->points())
-    points.push_back(math::transformPoint(Vec3(point), matrix));
-  return points;
-}
-
-Result<void> setPointsIn(const scene::DagPath& path, Space space, std::span<const Vec3> points) {
-  if (path.isWorld()) return fail("There is no mesh to write points of");
-  Node& shape = *path.node();
-  const auto mesh = evaluatedMesh(shape);
-  if (!mesh) return failWith(mesh.error());
-  const std::span<const Vec3f> old = mesh->points();
-  if (points.size() != old.size())
-    return fail("'{}' has {} vertices, but {} points were given", shape.name(), old.size(),
-                points.size());
-  std::vector<Vec3f> stored(old.begin(), old.end());
-  if (space == Space::Object) {
-    for (std::size_t i = 0; i < points.size(); ++i)
-      if (points[i] != Vec3(old[i])) stored[i] = points[i].toFloat();
-    return setEvaluatedPoints(shape, std::move(stored));
-  }
-  const math::Matrix4 matrix = path.inclusiveMatrix();
-  const auto toObject = math::inverse(matrix);
-  if (!toObject)
-    return fail("'{}' is scaled to nothing: world positions have no place on it",
-                path.partialName());
-  for (std::size_t i = 0; i < points.size(); ++i)
-    if (points[i] != math::transformPoint(Vec3(old[i]), matrix))
-      stored[i] = math::transformPoint(points[i], *toObject).toFloat();
-  return setEvaluatedPoints(shape, std::move(stored));
 }
 
 Result<void> setEvaluatedMesh(Node& shape, Mesh mesh) {

@@ -28,16 +28,6 @@ Result<void> setStoredMesh(dg::Node& shape, mesh::Mesh mesh);
 Result<void> setEvaluatedPoints(dg::Node& shape, std::vector<math::Vec3f> points);
 Result<void> setEvaluatedPoints(dg::Node& shape, std::span<const math::Vec3f> points);
 
-enum class Space { Object, World };
-/// The evaluated points in a space, one a vertex; world space goes through the path's inclusive
-/// matrix.
-[[nodiscard]] Result<std::vector<math::Vec3>> pointsIn(const scene::DagPath& shape, Space space);
-/// Writes points given in a space, one a vertex. They are stored as object-space floats; points
-/// that are where `pointsIn` said keep their bits. Fails when the numbers differ or a zero scale
-/// leaves no way back to object space.
-Result<void> setPointsIn(const scene::DagPath& shape, Space space,
-                         std::span<const math::Vec3> points);
-
 /// Replaces everything but positions and topology (UVs, smoothness, creases, colours, normals) of
 /// the evaluated mesh. Without history it is stored, below the tweaks; with history the shape keeps
 /// the edit as an override of its output; what the history brings anew after that replaces the

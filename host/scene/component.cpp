@@ -178,19 +178,20 @@ Result<ComponentWord> splitComponentWord(std::string_view word) {
   ComponentWord parsed;
   const std::size_t bracket = word.find('[');
   if (!parseComponentWord(word.substr(0, bracket), parsed.type))
-    return fail("'{}' is not a mesh component", word);
+    return fail(ErrorKind::BadArgument, "'{}' is not a mesh component", word);
   std::size_t at = bracket;
   while (at < word.size()) {
     const std::size_t close = word.find(']', at);
     IndexRange range;
     if (word[at] != '[' || close == std::string_view::npos ||
         !parseRange(word.substr(at + 1, close - at - 1), range))
-      return fail("'{}' has an index that is not a number or a range", word);
+      return fail(ErrorKind::BadArgument, "'{}' has an index that is not a number or a range",
+                  word);
     parsed.ranges.push_back(range);
     at = close + 1;
   }
   if (parsed.type == ComponentType::VertexFace && parsed.ranges.size() % 2 != 0)
-    return fail("'{}' needs a vertex and a face index", word);
+    return fail(ErrorKind::BadArgument, "'{}' needs a vertex and a face index", word);
   return parsed;
 }
 
@@ -204,9 +205,10 @@ Result<Component> parseComponent(std::string_view word) {
     for (std::size_t i = 0; i + 1 < ranges.size(); i += 2) {
       if (ranges[i].isAll() && ranges[i + 1].isAll()) return Component::all(parsed->type);
       if (ranges[i].isAll() || ranges[i + 1].isAll())
-        return fail("'{}': give both indices, or '*' for both", word);
+        return fail(ErrorKind::BadArgument, "'{}': give both indices, or '*' for both", word);
       if (length(ranges[i]) > kMostIndicesInWord / length(ranges[i + 1]))
-        return fail("'{}' stands for more components than a mesh can have", word);
+        return fail(ErrorKind::BadArgument, "'{}' stands for more components than a mesh can have",
+                    word);
       for (std::int64_t v = ranges[i].first; v <= ranges[i].last; ++v)
         for (std::int64_t f = ranges[i + 1].first; f <= ranges[i + 1].last; ++f)
           pairs.push_back({static_cast<Index>(v), static_cast<Index>(f)});
@@ -217,7 +219,8 @@ Result<Component> parseComponent(std::string_view word) {
   for (const IndexRange& range : ranges) {
     if (range.isAll()) return Component::all(parsed->type);
     if (length(range) + static_cast<std::int64_t>(indices.size()) > kMostIndicesInWord)
-      return fail("'{}' stands for more components than a mesh can have", word);
+      return fail(ErrorKind::BadArgument, "'{}' stands for more components than a mesh can have",
+                  word);
     for (std::int64_t i = range.first; i <= range.last; ++i)
       indices.push_back(static_cast<Index>(i));
   }

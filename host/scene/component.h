@@ -8,15 +8,14 @@
 #include "host/base/ids.h"
 #include "host/base/result.h"
 #include "host/dg/data.h"
+#include "host/mesh/component_type.h"
 
 namespace host::scene {
 
-/// Kinds of mesh components, with the names that scripts use: vtx e f map vtxFace (and
-/// uvShell-free).
-enum class ComponentType : std::uint8_t { Vertex, Edge, Face, Uv, VertexFace };
+using mesh::ComponentType;
 
-[[nodiscard]] std::string_view componentWord(
-    ComponentType type);  ///< "vtx", "e", "f", "map", "vtxFace"
+/// The name of a kind in scripts: "vtx", "e", "f", "map", "vtxFace".
+[[nodiscard]] std::string_view componentWord(ComponentType type);
 [[nodiscard]] bool parseComponentWord(std::string_view word, ComponentType& type);
 
 /// A set of components of one type on one mesh. Indices are ascending and unique; VertexFace pairs

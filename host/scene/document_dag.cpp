@@ -88,7 +88,8 @@ Result<void> Document::Impl::checkLink(const DagLink& link, bool adds) const {
   const bool isThere = std::find(parents.begin(), parents.end(), parent) != parents.end();
   const std::string where = parent ? parent->name() : std::string("the world");
   if (!adds && !isThere) return fail("'{}' is not under '{}' any more", child->name(), where);
-  if (adds && isThere) return fail("'{}' is under '{}' already", child->name(), where);
+  if (adds && isThere)
+    return fail(ErrorKind::BadArgument, "'{}' is under '{}' already", child->name(), where);
   if (adds && isAtOrAbove(*child, parent))
     return fail("'{}' is at or below '{}'", parent->name(), child->name());
   return {};
@@ -196,13 +197,16 @@ const std::vector<Node*>& Document::worldChildren() const {
 namespace {
 
 Result<void> checkNewParent(const Node& child, Node* parent) {
-  if (!isDagNode(child)) return fail("'{}' has no place in the hierarchy", child.name());
+  if (!isDagNode(child))
+    return fail(ErrorKind::BadArgument, "'{}' has no place in the hierarchy", child.name());
   if (!parent) {
     if (isShape(child)) return fail("The shape '{}' needs a transform above it", child.name());
   } else if (!isTransform(*parent)) {
-    return fail("'{}' cannot be a parent: it is not a transform", parent->name());
+    return fail(ErrorKind::BadArgument, "'{}' cannot be a parent: it is not a transform",
+                parent->name());
   } else if (isAtOrAbove(child, parent)) {
-    return fail("'{}' cannot be parented under itself or one of its children", child.name());
+    return fail(ErrorKind::BadArgument,
+                "'{}' cannot be parented under itself or one of its children", child.name());
   }
   const std::vector<Node*>& parents = dagLinks(child).parents;
   if (std::find(parents.begin(), parents.end(), parent) != parents.end())
@@ -213,7 +217,8 @@ Result<void> checkNewParent(const Node& child, Node* parent) {
 }  // namespace
 
 Result<void> Document::reparent(const DagPath& path, Node* parent) {
-  if (path.isWorld() || !path.isValid()) return fail("There is no such object to parent");
+  if (path.isWorld() || !path.isValid())
+    return fail(ErrorKind::NotFound, "There is no such object to parent");
   Node& child = *path.node();
   HOST_TRY(checkNewParent(child, parent));
   Node* old = path.parent().node();
@@ -239,7 +244,8 @@ Result<void> Document::addInstance(Node& child, Node* parent) {
 }
 
 Result<void> Document::removeInstance(const DagPath& path) {
-  if (path.isWorld() || !path.isValid()) return fail("There is no such instance to remove");
+  if (path.isWorld() || !path.isValid())
+    return fail(ErrorKind::NotFound, "There is no such instance to remove");
   Node& child = *path.node();
   if (dagLinks(child).parents.size() < 2)
     return fail("'{}' has only one instance; delete it instead", child.name());

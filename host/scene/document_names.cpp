@@ -137,7 +137,7 @@ Result<void> addResolved(SelectionList& list, Node& node, const DagPath& path,
     const auto word = splitComponentWord(rest);
     if (!word) return failWith(word.error());
     const Component component = clippedComponent(*word, shape);
-    if (component.isEmpty()) return fail("No object matches name: {}", whole);
+    if (component.isEmpty()) return fail(ErrorKind::NotFound, "No object matches name: {}", whole);
     list.add(shape, component);
     return {};
   }
@@ -159,8 +159,9 @@ std::vector<Node*> Document::findNodes(std::string_view pattern) const {
 
 Result<Node*> Document::node(std::string_view name) const {
   const std::vector<Node*> found = findNodes(name);
-  if (found.empty()) return fail("No object matches name: {}", name);
-  if (found.size() > 1) return fail("More than one object matches name: {}", name);
+  if (found.empty()) return fail(ErrorKind::NotFound, "No object matches name: {}", name);
+  if (found.size() > 1)
+    return fail(ErrorKind::BadArgument, "More than one object matches name: {}", name);
   return found.front();
 }
 
@@ -168,13 +169,14 @@ Result<DagPath> Document::dagPath(std::string_view name) const {
   const auto found = node(name);
   if (!found) return failWith(found.error());
   if (!isDagNode(**found))
-    return fail("'{}' is not in the hierarchy of transforms and shapes", name);
+    return fail(ErrorKind::BadArgument, "'{}' is not in the hierarchy of transforms and shapes",
+                name);
   return NamePattern(name).pathOf(**found);
 }
 
 Result<dg::Plug> Document::plug(std::string_view path) const {
   const SplitName parts = splitAtDot(path);
-  if (parts.rest.empty()) return fail("'{}' names no attribute", path);
+  if (parts.rest.empty()) return fail(ErrorKind::BadArgument, "'{}' names no attribute", path);
   const auto found = node(parts.node);
   if (!found) return failWith(found.error());
   const DagPath dag = isDagNode(**found) ? NamePattern(parts.node).pathOf(**found) : DagPath();
@@ -185,7 +187,7 @@ Result<SelectionList> Document::resolve(std::string_view pattern) const {
   const SplitName parts = splitAtDot(pattern);
   const NamePattern name(parts.node);
   const std::vector<Node*> nodes = findMatching(name, impl_->names, graph_);
-  if (nodes.empty()) return fail("No object matches name: {}", pattern);
+  if (nodes.empty()) return fail(ErrorKind::NotFound, "No object matches name: {}", pattern);
   SelectionList list;
   std::optional<Error> firstError;
   for (Node* each : nodes) {
@@ -205,7 +207,7 @@ Result<SelectionList> Document::resolveAll(const std::vector<std::string>& patte
     if (!list) return failWith(list.error());
     const bool isPattern = splitAtDot(pattern).node.find_first_of("*?") != std::string_view::npos;
     if (!isPattern && list->items().size() > 1)
-      return fail("More than one object matches name: {}", pattern);
+      return fail(ErrorKind::BadArgument, "More than one object matches name: {}", pattern);
     all.merge(*list);
   }
   return all;

@@ -54,15 +54,19 @@ std::string_view transformStem(const dg::NodeType& type) {
 Result<dg::NodePtr> Document::createNode(std::string_view typeName, std::string_view name,
                                          Node* parent) {
   const dg::NodeType* type = types_.find(typeName);
-  if (!type) return fail("Unknown node type '{}'", typeName);
-  if (type->isAbstract) return fail("'{}' is a base type; nodes of it cannot be made", typeName);
+  if (!type) return fail(ErrorKind::BadArgument, "Unknown node type '{}'", typeName);
+  if (type->isAbstract)
+    return fail(ErrorKind::BadArgument, "'{}' is a base type; nodes of it cannot be made",
+                typeName);
   if (!name.empty() && legalName(name.substr(0, name.find('#'))).empty())
-    return fail("'{}' is not a name for a node", name);
+    return fail(ErrorKind::BadArgument, "'{}' is not a name for a node", name);
   const bool isDag = type->isA("dagNode");
   if (parent && !isDag)
-    return fail("A node of type '{}' has no place under '{}'", typeName, parent->name());
+    return fail(ErrorKind::BadArgument, "A node of type '{}' has no place under '{}'", typeName,
+                parent->name());
   if (parent && !isTransform(*parent))
-    return fail("'{}' cannot be a parent: it is not a transform", parent->name());
+    return fail(ErrorKind::BadArgument, "'{}' cannot be a parent: it is not a transform",
+                parent->name());
 
   std::string wanted(name);
   if (isDag && !parent && type->isA("shape")) {
@@ -236,7 +240,7 @@ Result<void> Document::deleteNodes(std::vector<Node*> nodes) {
 
 Result<std::string> Document::rename(Node& node, std::string_view name) {
   const std::string legal = legalName(name.substr(0, name.find('#')));
-  if (legal.empty()) return fail("'{}' is not a name for a node", name);
+  if (legal.empty()) return fail(ErrorKind::BadArgument, "'{}' is not a name for a node", name);
   if (node.isLocked()) return fail("'{}' is locked and cannot be renamed", node.name());
   const std::string oldName = node.name();
   const bool isDag = isDagNode(node);

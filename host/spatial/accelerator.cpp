@@ -15,10 +15,6 @@ using mesh::Mesh;
 namespace {
 
 constexpr std::size_t kGrain = 20'000;
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 void fill(Triangle& t, const Mesh& mesh, FaceId face, Index inFace,
           const std::array<CornerId, 3>& corners) {
   const auto point = [&](CornerId c) { return mesh.points()[at(mesh.cornerVertex(c))]; };
@@ -195,15 +191,6 @@ std::optional<ClosestPoint> Accelerator::closestPoint(const Vec3& p, double maxD
   describe(nearest.triangle, nearest.u, nearest.v, out);
   out.distance = std::sqrt(nearest.squared);
   return out;
-}
-
-std::vector<FaceId> Accelerator::facesInBox(const Box& box) const {
-  std::vector<Index> faces;
-  bvh().inBox(box, faces);
-  for (Index& f : faces) f = triangles_[at(f)].face;
-  std::ranges::sort(faces);
-  faces.erase(std::unique(faces.begin(), faces.end()), faces.end());
-  return faces;
 }
 
 }  // namespace host::spatial

@@ -82,8 +82,6 @@ class Accelerator {
   /// ones the lowest face's. Logarithmic near the surface.
   [[nodiscard]] std::optional<ClosestPoint> closestPoint(
       const Vec3& p, double maxDistance = std::numeric_limits<double>::infinity()) const;
-  /// The faces that reach into a box, sorted.
-  [[nodiscard]] std::vector<FaceId> facesInBox(const Box& box) const;
   /// The vertices by position, isolated ones included.
   [[nodiscard]] const PointIndex& vertices() const;
 

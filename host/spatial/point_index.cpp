@@ -119,25 +119,6 @@ Index PointIndex::nearest(const Vec3& p, double maxDistance) const {
   return best;
 }
 
-std::vector<Index> PointIndex::kNearest(const Vec3& p, std::size_t count,
-                                        double maxDistance) const {
-  double reach = maxDistance * maxDistance;
-  std::vector<std::pair<double, Index>> heap;  // the farthest kept one on top
-  search(p, reach, [&](const Item& item, double squared) {
-    heap.emplace_back(squared, item.id);
-    std::ranges::push_heap(heap);
-    if (heap.size() > count) {
-      std::ranges::pop_heap(heap);
-      heap.pop_back();
-    }
-    if (heap.size() == count && count > 0) reach = heap.front().first;
-  });
-  std::ranges::sort_heap(heap);
-  std::vector<Index> ids;
-  for (const auto& [squared, id] : heap) ids.push_back(id);
-  return ids;
-}
-
 std::vector<Index> PointIndex::within(const Vec3& p, double radius) const {
   std::vector<Index> ids;
   if (!(radius >= 0)) return ids;

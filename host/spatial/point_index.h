@@ -24,9 +24,6 @@ class PointIndex {
   /// The point nearest to `p` within `maxDistance` (inclusive), -1 when there is none. Of equally
   /// near ones the lowest.
   [[nodiscard]] Index nearest(const math::Vec3& p, double maxDistance = kFar) const;
-  /// Up to `count` nearest points within `maxDistance`, nearest first, equally near ones by id.
-  [[nodiscard]] std::vector<Index> kNearest(const math::Vec3& p, std::size_t count,
-                                            double maxDistance = kFar) const;
   /// All points within `radius` (inclusive), sorted by id.
   [[nodiscard]] std::vector<Index> within(const math::Vec3& p, double radius) const;
 

@@ -7,7 +7,6 @@
 #include <thread>
 
 #include "host/math/ray.h"
-#include "host/spatial/overlap.h"
 
 namespace host::spatial {
 
@@ -21,10 +20,6 @@ constexpr int kBins = 16;
 constexpr Index kLeafSize = 4;
 constexpr Index kParallelItems = 50'000;
 constexpr int kStackSize = 128;
-
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
 
 struct FloatBox {
   float min[3] = {INFINITY, INFINITY, INFINITY};
@@ -238,27 +233,6 @@ TriangleBvh::Nearest TriangleBvh::nearest(const Vec3& p, double maxSquared) cons
     }
     if (top == 0) return best;
     now = stack[at(--top)];
-  }
-}
-
-void TriangleBvh::inBox(const Box& box, std::vector<Index>& out) const {
-  if (items_.empty() || box.isEmpty()) return;
-  std::vector<Index> stack{0};
-  while (!stack.empty()) {
-    const Node& node = nodes_[at(stack.back())];
-    stack.pop_back();
-    const Box nodeBox({node.min[0], node.min[1], node.min[2]},
-                      {node.max[0], node.max[1], node.max[2]});
-    if (!nodeBox.intersects(box)) continue;
-    if (node.count == 0) {
-      stack.push_back(node.first);
-      stack.push_back(node.first + 1);
-      continue;
-    }
-    for (Index i = node.first; i < node.first + node.count; ++i) {
-      const Triangle& item = triangles_[at(items_[at(i)])];
-      if (overlaps(box, Vec3(item.a), Vec3(item.b), Vec3(item.c))) out.push_back(items_[at(i)]);
-    }
   }
 }
 

@@ -27,8 +27,6 @@ class TriangleBvh {
   /// The triangle nearest to `p` within the squared distance, the lowest of equally near ones;
   /// kNone when there is none.
   [[nodiscard]] Nearest nearest(const math::Vec3& p, double maxSquared) const;
-  /// Appends the triangles that reach into a box, in no particular order.
-  void inBox(const math::Box& box, std::vector<Index>& out) const;
 
   [[nodiscard]] std::size_t bytes() const {
     return nodes_.size() * sizeof(Node) + items_.size() * sizeof(Index);

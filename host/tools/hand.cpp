@@ -65,13 +65,13 @@ Result<void> Hand::press(viewport::ViewPoint at) {
 }
 
 Result<void> Hand::drag(viewport::ViewPoint to) {
-  if (!isDown_) return fail("No button is down: press before you drag.");
+  if (!isDown_) return fail(ErrorKind::NotFound, "No button is down: press before you drag.");
   send(InputKind::Drag, to);
   return {};
 }
 
 Result<void> Hand::release(viewport::ViewPoint at) {
-  if (!isDown_) return fail("No button is down: press before you release.");
+  if (!isDown_) return fail(ErrorKind::NotFound, "No button is down: press before you release.");
   isDown_ = false;
   send(InputKind::Release, at);
   return {};

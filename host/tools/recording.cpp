@@ -120,7 +120,7 @@ class Words {
     const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
     if (word.empty()) return fail("{} is missing", what);
     if (error != std::errc() || end != word.data() + word.size() || !std::isfinite(value))
-      return fail("'{}' is no number for {}", word, what);
+      return fail(ErrorKind::BadArgument, "'{}' is no number for {}", word, what);
     return value;
   }
 

@@ -10,29 +10,23 @@ namespace {
 using scene::Component;
 using scene::ComponentType;
 using viewport::PickHit;
-using viewport::PickKind;
-
-ComponentType typeOf(PickKind kind) {
-  if (kind == PickKind::Vertex) return ComponentType::Vertex;
-  return kind == PickKind::Edge ? ComponentType::Edge : ComponentType::Face;
-}
 
 /// Hits as selection items: the components of one mesh and kind together.
 Result<scene::SelectionList> itemsOf(scene::Document& document, const viewport::SceneView& view,
                                      const std::vector<PickHit>& hits) {
-  std::map<std::pair<std::size_t, PickKind>, std::vector<Index>> components;
+  std::map<std::pair<std::size_t, ComponentType>, std::vector<Index>> components;
   std::set<std::size_t> objects;
   for (const PickHit& hit : hits) {
-    if (hit.component == kNone)
+    if (hit.isObject())
       objects.insert(hit.mesh);
     else
-      components[{hit.mesh, hit.kind}].push_back(hit.component);
+      components[{hit.mesh, hit.type}].push_back(hit.component);
   }
   scene::SelectionList list;
   for (const auto& [key, ids] : components) {
     const auto path = document.dagPath(view.meshes[key.first].name);
     if (!path) return failWith(path.error());
-    list.add(*path, Component(typeOf(key.second), ids));
+    list.add(*path, Component(key.second, ids));
   }
   for (const std::size_t mesh : objects) {
     const auto path = document.dagPath(view.meshes[mesh].name);
@@ -48,10 +42,7 @@ std::vector<PickHit> objectsInside(viewport::Picker& picker, const viewport::Sce
   viewport::PickOptions all;
   all.faces = all.edges = true;
   std::vector<PickHit> hits = picker.pickInside(view, rect, all);
-  for (PickHit& hit : hits) {
-    hit.kind = PickKind::Object;
-    hit.component = kNone;
-  }
+  for (PickHit& hit : hits) hit.component = kNone;
   return hits;
 }
 
@@ -70,7 +61,7 @@ Result<scene::SelectionList> pickFromScreen(scene::Document& document, viewport:
   } else {
     if (options.vertices || options.edges || options.faces)
       hits = picker.pickInside(view, rect, options);
-    std::erase_if(hits, [](const PickHit& hit) { return hit.kind == PickKind::Object; });
+    std::erase_if(hits, [](const PickHit& hit) { return hit.isObject(); });
     if (hits.empty() && options.objects) hits = objectsInside(picker, view, rect);
   }
   return itemsOf(document, view, hits);

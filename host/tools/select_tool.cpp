@@ -32,7 +32,38 @@ void apply(scene::Document& document, const scene::SelectionList& picked, const 
 
 }  // namespace
 
+void SelectTool::moved(const InputEvent& event) {
+  pointed_.reset();
+  if (!registry_.views.scene || !registry_.views.pickOptions) return;
+  viewport::PickOptions options = registry_.views.pickOptions();
+  if (!options.vertices && !options.edges && !options.faces) return;
+  options.objects = false;
+  const auto view = registry_.views.scene(event.panel);
+  if (!view) return;
+  if (const auto hit = registry_.picker().pick(*view, event.position, options))
+    pointed_ = {event.panel, view->meshes[hit->mesh].id, hit->type, hit->component};
+}
+
+void SelectTool::cleanup() {
+  pointed_.reset();
+}
+
+void SelectTool::mark(const std::string& panel, viewport::SceneView& scene) {
+  if (!pointed_ || (!pointed_->panel.empty() && pointed_->panel != panel)) return;
+  for (viewport::RenderMesh& mesh : scene.meshes) {
+    if (mesh.id != pointed_->mesh) continue;
+    const Index component = pointed_->component;
+    if (pointed_->type == mesh::ComponentType::Vertex && component < mesh.mesh.vertexCount())
+      mesh.hovered.vertices = {component};
+    if (pointed_->type == mesh::ComponentType::Edge && component < mesh.mesh.edgeCount())
+      mesh.hovered.edges = {component};
+    if (pointed_->type == mesh::ComponentType::Face && component < mesh.mesh.faceCount())
+      mesh.hovered.faces = {component};
+  }
+}
+
 void SelectTool::press(const InputEvent& event) {
+  pointed_.reset();
   isPressed_ = event.button == MouseButton::Left;
   start_ = end_ = event.position;
   panel_ = event.panel;

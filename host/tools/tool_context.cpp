@@ -18,6 +18,7 @@ void ToolContext::deleteAction() {}
 void ToolContext::complete() {}
 void ToolContext::abort() {}
 void ToolContext::draw(const std::string&, viewport::DrawList&) {}
+void ToolContext::mark(const std::string&, viewport::SceneView&) {}
 
 std::vector<std::string> ToolContext::settings(const std::string&) {
   return {};

@@ -8,6 +8,7 @@
 #include "host/base/result.h"
 #include "host/tools/input_event.h"
 #include "host/viewport/draw_list.h"
+#include "host/viewport/scene_view.h"
 
 namespace host::tools {
 
@@ -44,6 +45,8 @@ class ToolContext {
   virtual void abort();
   /// Adds what the tool shows in a view.
   virtual void draw(const std::string& panel, viewport::DrawList& list);
+  /// Marks what the tool points at on the meshes that a view shows.
+  virtual void mark(const std::string& panel, viewport::SceneView& scene);
 
   // For recordings.
   /// The command that makes such a tool, given its name; empty for those that are always there.

@@ -69,7 +69,8 @@ Result<void> ToolRegistry::add(const std::string& name, std::shared_ptr<ToolCont
 
 Result<void> ToolRegistry::remove(const std::string& name) {
   const auto found = contexts_.find(name);
-  if (found == contexts_.end()) return fail("There is no tool named '{}'.", name);
+  if (found == contexts_.end())
+    return fail(ErrorKind::NotFound, "There is no tool named '{}'.", name);
   if (isBuiltin(name)) return fail("The tool '{}' can't be deleted.", name);
   if (currentName_ == name) HOST_TRY(setCurrent(std::string(kSelect)));
   if (gesture_ == found->second) gesture_ = nullptr;
@@ -80,7 +81,7 @@ Result<void> ToolRegistry::remove(const std::string& name) {
 
 Result<void> ToolRegistry::setCurrent(const std::string& name) {
   auto next = find(name);
-  if (!next) return fail("There is no tool named '{}'.", name);
+  if (!next) return fail(ErrorKind::NotFound, "There is no tool named '{}'.", name);
   gesture_ = nullptr;
   timers_.remove(holdTimer_);
   const auto previous = std::exchange(current_, next);

@@ -44,7 +44,7 @@ Values getPopupCount(const Tree& tree, const Control& control, const Attribute& 
 }
 
 Result<void> refuseSet(Tree&, Control&, const Attribute& attribute, const Values&) {
-  return fail("Flag '-{}' can only be queried.", attribute.longName);
+  return fail(ErrorKind::BadArgument, "Flag '-{}' can only be queried.", attribute.longName);
 }
 
 Result<void> setSize(Tree&, Control& control, const Attribute&, const Values& values) {
@@ -207,7 +207,7 @@ Result<std::vector<std::string>> fieldGesture(Tree& tree, Control& control, cons
   const std::string_view name = numbered(control, "value", field);
   const std::size_t shown = getFields(tree, control, *control.type->find("value")).size();
   if (name.empty() || values.empty() || static_cast<std::size_t>(field) > shown)
-    return fail("{} has no field {}.", control.name, field);
+    return fail(ErrorKind::NotFound, "{} has no field {}.", control.name, field);
   HOST_TRY(tree.set(control, *control.type->find(name), {values.back()}));
   return scriptsOf(control, {"changeCommand"},
                    getFields(tree, control, *control.type->find("value")));

@@ -227,7 +227,8 @@ Result<Control*> Tree::create(const ControlType& type, std::string_view name,
   if (!parent) return parent;
   const bool isBlank = name.find_first_not_of(' ') == std::string_view::npos;
   std::string own = isBlank ? freshName(type) : cleanName(name);
-  if (childAt(*parent, own)) return fail("Object's name '{}' is not unique.", own);
+  if (childAt(*parent, own))
+    return fail(ErrorKind::BadArgument, "Object's name '{}' is not unique.", own);
   if (*parent && (*parent)->type->name == "rowLayout" && type.kind != Kind::Menu &&
       type.kind != Kind::Collection) {
     const auto columns =

@@ -93,8 +93,8 @@ class Tree {
       found = &control;
       return isUnique;
     });
-    if (!isUnique) return fail("Object's name '{}' is not unique.", name);
-    if (!found) return fail("Object '{}' not found.", name);
+    if (!isUnique) return fail(ErrorKind::BadArgument, "Object's name '{}' is not unique.", name);
+    if (!found) return fail(ErrorKind::NotFound, "Object '{}' not found.", name);
     return found;
   }
   [[nodiscard]] Result<Control*> find(std::string_view name) const {
@@ -141,7 +141,6 @@ class Tree {
   /// The collection that new radio buttons join: the latest one made under the current parent or
   /// above it.
   [[nodiscard]] Control* currentCollection(bool ofMenuItems) const;
-  void setCurrentCollection(Control* collection) { currentCollection_ = collection; }
 
   /// Visits a control and all below it, parents first; nesting costs no stack.
   template <class Visit>

@@ -51,7 +51,8 @@ Values buttonCount(const Tree& tree, const Control& collection, const Attribute&
 }
 
 Result<void> selectThis(Tree&, Control& button, const Attribute&, const Values& values) {
-  if (!button.collection) return fail("'{}' is in no collection.", button.name);
+  if (!button.collection)
+    return fail(ErrorKind::NotFound, "'{}' is in no collection.", button.name);
   const bool isOn = values.empty() || asInt(values) != 0;
   if (isOn)
     selectInCollection(*button.collection, &button);
@@ -81,7 +82,7 @@ Values collectionName(const Tree&, const Control& button, const Attribute&) {
 
 Result<std::vector<std::string>> chooseButton(Control& button) {
   Control* collection = button.collection;
-  if (!collection) return fail("'{}' is in no collection.", button.name);
+  if (!collection) return fail(ErrorKind::NotFound, "'{}' is in no collection.", button.name);
   Control* before = collection->selected;
   if (before == &button) return std::vector<std::string>{};
   selectInCollection(*collection, &button);

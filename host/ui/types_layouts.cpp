@@ -9,7 +9,7 @@ Result<Control*> childOf(const Tree& tree, const Control& layout, const std::str
   if (Control* child = tree.childOf(layout, name)) return child;
   auto found = tree.find(name);
   if (!found) return found;
-  if ((*found)->parent != &layout) return fail("Object '{}' not found.", name);
+  if ((*found)->parent != &layout) return fail(ErrorKind::NotFound, "Object '{}' not found.", name);
   return found;
 }
 
@@ -62,7 +62,7 @@ Result<void> selectTabIndex(Tree& tree, Control& layout, const Attribute&, const
   const Values names = tabNames(tree, layout);
   const int index = asInt(values);
   if (index < 1 || static_cast<std::size_t>(index) > names.size())
-    return fail("{} has no tab {}.", layout.name, index);
+    return fail(ErrorKind::NotFound, "{} has no tab {}.", layout.name, index);
   for (const auto& child : layout.children)
     if (child->name == asText(names, static_cast<std::size_t>(index) - 1))
       layout.selected = child.get();

@@ -52,7 +52,7 @@ Result<void> choose(Control& list, const std::string& item) {
 Result<void> selectItem(Tree&, Control& list, const Attribute&, const Values& values) {
   const std::vector<std::string> items = texts(list, "allItems");
   if (std::find(items.begin(), items.end(), asText(values)) == items.end())
-    return fail("Item not found in {}: '{}'.", list.name, asText(values));
+    return fail(ErrorKind::NotFound, "Item not found in {}: '{}'.", list.name, asText(values));
   return choose(list, asText(values));
 }
 

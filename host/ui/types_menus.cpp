@@ -83,7 +83,8 @@ Result<void> setRadio(Tree& tree, Control& item, const Attribute&, const Values&
   item.setValue("isRadioButton", {1});
   if (!item.collection) item.collection = tree.currentCollection(true);
   if (!item.collection)
-    return fail("'{}' is in no collection: make a radioMenuItemCollection first.", item.name);
+    return fail(ErrorKind::NotFound,
+                "'{}' is in no collection: make a radioMenuItemCollection first.", item.name);
   if (asInt(values) != 0)
     selectInCollection(*item.collection, &item);
   else if (item.collection->selected == &item)
@@ -204,7 +205,7 @@ Result<void> selectLabel(Tree&, Control& menu, const Attribute&, const Values& v
     menu.setValue("select", {static_cast<int>(i) + 1});
     return {};
   }
-  return fail("Item not found in {}: '{}'.", menu.name, asText(values));
+  return fail(ErrorKind::NotFound, "Item not found in {}: '{}'.", menu.name, asText(values));
 }
 
 Values getLabel(const Tree&, const Control& menu, const Attribute&) {

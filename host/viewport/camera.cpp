@@ -134,16 +134,6 @@ Camera defaultPerspectiveCamera() {
   return camera;
 }
 
-Camera defaultAxisCamera(AxisView view) {
-  constexpr double kFar = 1000.1;
-  Camera camera;
-  camera.orthographic = true;
-  if (view == AxisView::Top) lookAt(camera, {0, kFar, 0}, {0, 0, 0}, {0, 0, -1});
-  if (view == AxisView::Front) lookAt(camera, {0, 0, kFar}, {0, 0, 0});
-  if (view == AxisView::Side) lookAt(camera, {kFar, 0, 0}, {0, 0, 0});
-  return camera;
-}
-
 namespace {
 
 /// Bounds of lines through the points along the four edges of the frustum: a view with eye (x, y)

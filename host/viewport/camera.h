@@ -60,10 +60,8 @@ struct ViewExtents {
 /// along the line of sight, or a target at the eye, is replaced by a usable one.
 void lookAt(Camera& camera, const Vec3& eye, const Vec3& target, const Vec3& up = {0, 1, 0});
 
-/// The home perspective view of a new scene, and its three axis views ("top", "front", "side").
+/// The home perspective view of a new scene.
 [[nodiscard]] Camera defaultPerspectiveCamera();
-enum class AxisView { Top, Front, Side };
-[[nodiscard]] Camera defaultAxisCamera(AxisView view);
 
 /// Moves the camera along its line of sight and sideways (perspective), or sideways with a new
 /// width (orthographic), so that all points are in view and their picture is centred.

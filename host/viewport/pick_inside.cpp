@@ -27,7 +27,6 @@ void Picker::Query::inside(std::size_t mesh, const PickRect& rect, const PickOpt
   if (parts.empty()) facesInside(mesh, rect, parts);
   if (parts.empty()) return;
   PickHit object = *std::ranges::min_element(parts, {}, &PickHit::depth);
-  object.kind = PickKind::Object;
   object.component = kNone;
   hits.push_back(object);
 }
@@ -41,7 +40,7 @@ void Picker::Query::verticesInside(std::size_t mesh, const PickRect& rect,
     if (!at.inFront || at.depth < view_.camera().nearClip || !contains(rect, at)) continue;
     if (isCulled(target, target.object->mesh.adjacency().vertexFaces(v)) || !isVisible(point))
       continue;
-    hits.push_back({PickKind::Vertex, mesh, v, point, at.depth, 0});
+    hits.push_back({mesh::ComponentType::Vertex, mesh, v, point, at.depth, 0});
   }
 }
 
@@ -57,7 +56,7 @@ void Picker::Query::edgesInside(std::size_t mesh, const PickRect& rect,
     const Vec3 point =
         worldAtShare(*segment, (part->first + part->second) / 2, view_.camera().orthographic);
     if (!isVisible(point)) continue;
-    hits.push_back({PickKind::Edge, mesh, e, point, view_.worldToView(point).depth, 0});
+    hits.push_back({mesh::ComponentType::Edge, mesh, e, point, view_.worldToView(point).depth, 0});
   }
 }
 
@@ -107,7 +106,8 @@ void Picker::Query::facesInside(std::size_t mesh, const PickRect& rect,
     const FaceId faces[] = {face};
     const auto point = placeInside(target, face, rect);
     if (!point || isCulled(target, faces) || !isVisible(*point)) continue;
-    hits.push_back({PickKind::Face, mesh, face, *point, view_.worldToView(*point).depth, 0});
+    hits.push_back(
+        {mesh::ComponentType::Face, mesh, face, *point, view_.worldToView(*point).depth, 0});
   }
 }
 

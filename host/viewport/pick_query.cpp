@@ -179,7 +179,7 @@ std::optional<PickHit> Picker::Query::nearestVertex(ViewPoint cursor,
       const bool isNear =
           at.inFront && at.depth >= view_.camera().nearClip && pixels <= options.vertexTolerance;
       if (!isNear || isCulled(target, mesh.adjacency().vertexFaces(v))) continue;
-      candidates.push_back({PickKind::Vertex, i, v, point, at.depth, pixels});
+      candidates.push_back({mesh::ComponentType::Vertex, i, v, point, at.depth, pixels});
     }
   }
   return best(candidates, options.vertexTolerance);
@@ -211,7 +211,7 @@ std::optional<PickHit> Picker::Query::nearestEdge(ViewPoint cursor,
       const ViewPosition at = view_.worldToView(point);
       const double pixels = std::hypot(at.x - cursor.x, at.y - cursor.y);
       if (pixels > tolerance || isCulled(target, mesh.adjacency().edgeFaces(e))) continue;
-      candidates.push_back({PickKind::Edge, i, e, point, at.depth, pixels});
+      candidates.push_back({mesh::ComponentType::Edge, i, e, point, at.depth, pixels});
     }
   }
   return best(candidates, tolerance);
@@ -231,7 +231,8 @@ std::optional<PickHit> Picker::Query::surface(
     if (!hit) continue;
     limit = hit->t;
     const Vec3 point = seen.nearPoint + path * hit->t;
-    found = PickHit{PickKind::Face, i, hit->face, point, view_.worldToView(point).depth, 0};
+    found =
+        PickHit{mesh::ComponentType::Face, i, hit->face, point, view_.worldToView(point).depth, 0};
   }
   return found && counts(found->mesh) ? found : std::nullopt;
 }

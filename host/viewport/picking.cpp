@@ -58,15 +58,8 @@ std::optional<PickHit> Picker::pick(const SceneView& scene, ViewPoint cursor,
   const auto surface = query.surface(cursor, [&](std::size_t i) { return query.isShaded(i); });
   if (surface && (!object || surface->depth < object->depth)) object = surface;
   if (!object) return {};
-  object->kind = PickKind::Object;
   object->component = kNone;
   return object;
-}
-
-std::optional<PickHit> Picker::pickSurface(const SceneView& scene, ViewPoint cursor) {
-  return Query(*this, scene).surface(cursor, [&](std::size_t i) {
-    return isPickable(scene.meshes[i].state);
-  });
 }
 
 std::vector<PickHit> Picker::pickInside(const SceneView& scene, PickRect rect,

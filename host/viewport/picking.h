@@ -5,11 +5,10 @@
 #include <unordered_map>
 #include <vector>
 
+#include "host/mesh/component_type.h"
 #include "host/viewport/scene_view.h"
 
 namespace host::viewport {
-
-enum class PickKind : std::uint8_t { Vertex, Edge, Face, Object };
 
 /// What may be picked. With several kinds, a vertex within reach comes before an edge, an edge
 /// before a face, and any component before an object.
@@ -22,9 +21,10 @@ struct PickOptions {
 };
 
 struct PickHit {
-  PickKind kind = PickKind::Face;
-  std::size_t mesh = 0;     ///< index in SceneView::meshes
-  Index component = kNone;  ///< -1 for an object
+  mesh::ComponentType type = mesh::ComponentType::Face;  ///< of the component
+  std::size_t mesh = 0;                                  ///< index in SceneView::meshes
+  Index component = kNone;                               ///< -1: the whole object was picked
+  [[nodiscard]] bool isObject() const { return component == kNone; }
   Vec3 point;  ///< world: the vertex, the place on the edge nearest the cursor, the hit on the
                ///< surface
   double depth = 0;   ///< cm in front of the eye
@@ -62,10 +62,6 @@ class Picker {
   /// in the meshes.
   [[nodiscard]] std::vector<PickHit> pickInside(const SceneView& scene, PickRect rect,
                                                 const PickOptions& options);
-
-  /// The nearest surface under the cursor, of shaded and other meshes alike; what "the mesh under
-  /// the cursor" means.
-  [[nodiscard]] std::optional<PickHit> pickSurface(const SceneView& scene, ViewPoint cursor);
 
  private:
   struct Entry;

@@ -223,7 +223,7 @@ class Gatherer {
         continue;
       }
       levels.resize(walk.depth());
-      Above here{states_.objectState(walk.path()), isOn(node, "template"),
+      Above here{states_.objectState(walk.path()), scene::isTemplate(node),
                  !options_.only || options_.only->count(&node) > 0, drawOverride(node)};
       if (!levels.empty()) {
         here.selected = PathStates::stronger(levels.back().selected, here.selected);
@@ -254,13 +254,14 @@ std::vector<RenderMesh> gatherMeshes(scene::Document& document, const GatherOpti
 
 Result<RenderMesh> gatherMesh(scene::Document& document, const DagPath& shape) {
   if (shape.isWorld() || !shape.isValid() || !shape.node()->type().isA("mesh"))
-    return fail("There is no mesh to look at.");
+    return fail(ErrorKind::NotFound, "There is no mesh to look at.");
   const GatherOptions options;
   return Gatherer(document, options).makeAlone(shape);
 }
 
 Result<Camera> gatherCamera(const DagPath& path) {
-  if (path.isWorld() || !path.isValid()) return fail("There is no camera to look through.");
+  if (path.isWorld() || !path.isValid())
+    return fail(ErrorKind::NotFound, "There is no camera to look through.");
   const DagPath shape = path.toShape();
   if (shape.isWorld() || !shape.node()->type().isA("camera"))
     return fail("{} is not a camera.", path.partialName());

@@ -106,7 +106,8 @@ Result<void> placeRecorded(scene::Document& document, const RecordedCamera& came
     const bool isPlace = attribute == "translate" || attribute == "rotate";
     dg::Node* node = isPlace ? path->transform().node() : path->node();
     const dg::Plug plug = node->plug(attribute);
-    if (plug.isNull() || values.empty()) return fail("A camera has no attribute '{}'.", attribute);
+    if (plug.isNull() || values.empty())
+      return fail(ErrorKind::NotFound, "A camera has no attribute '{}'.", attribute);
     const auto done = values.size() == 3 ? graph.setVec3(plug, {values[0], values[1], values[2]})
                                          : graph.set(plug, dg::Value(values[0]));
     if (!done) return fail("The camera '{}': {}", camera.name, done.error().message);

@@ -76,7 +76,10 @@ std::vector<dg::Node*> isolatedNodes(const View& view) {
   return nodes;
 }
 
-Result<viewport::SceneView> gatherView(scene::Document& document, const View& view) {
+namespace {
+
+Result<viewport::SceneView> gather(scene::Document& document, const View& view,
+                                   viewport::GatherOptions options) {
   const auto path = cameraPath(document, view.cameraName);
   if (!path) return failWith(path.error());
   auto camera = viewport::gatherCamera(*path);
@@ -87,18 +90,23 @@ Result<viewport::SceneView> gatherView(scene::Document& document, const View& vi
   scene.options = view.options;
   std::unordered_set<const dg::Node*> only;
   for (const std::weak_ptr<dg::Node>& node : view.isolated) only.insert(node.lock().get());
-  viewport::GatherOptions gather;
-  if (view.isIsolated) gather.only = &only;
-  if (view.options.showMeshes) scene.meshes = viewport::gatherMeshes(document, gather);
+  if (view.isIsolated) options.only = &only;
+  if (view.options.showMeshes) scene.meshes = viewport::gatherMeshes(document, options);
   scene.options.lightMode = view.lightsShown == "default" ? viewport::LightMode::Default
                             : view.lightsShown == "flat"  ? viewport::LightMode::Flat
                                                           : viewport::LightMode::Scene;
   return scene;
 }
 
+}  // namespace
+
+Result<viewport::SceneView> gatherView(scene::Document& document, const View& view) {
+  return gather(document, view, {});
+}
+
 Result<viewport::SceneView> gatherView(scene::Document& document, const Views& views,
                                        const View& view) {
-  auto scene = gatherView(document, view);
+  auto scene = gather(document, view, {.vertexMode = views.showsVertices && views.showsVertices()});
   if (!scene) return scene;
   scene->lights = gatherLights(document, view.lightsShown);
   drawMarks(document, *scene);

@@ -57,6 +57,8 @@ class Views {
   using Direct = std::function<void(scene::Document&, const View&, const viewport::SceneView&,
                                     viewport::Backend&)>;
   std::vector<Gather> gatherers;
+  /// Whether hilited meshes show their vertices: they can be picked now.
+  std::function<bool()> showsVertices;
   std::vector<Direct> directs;
 
  private:

@@ -27,6 +27,7 @@ class Workspace::Watcher final : public dg::GraphObserver, public scene::Documen
   void nodeRemoved(dg::Node&) override { session_.loop().requestRedraw(); }
   void plugDirty(const dg::Plug&) override { session_.loop().requestRedraw(); }
   void selectionChanged() override { session_.loop().requestRedraw(); }
+  void hiliteChanged() override { session_.loop().requestRedraw(); }
   void dagChanged(dg::Node&, dg::Node*, bool) override { session_.loop().requestRedraw(); }
 
  private:
@@ -85,7 +86,11 @@ void Workspace::giveToolsTheirViews() {
     view.hasCursor =
         isWithin(event.position.x, view.port.width) && isWithin(event.position.y, view.port.height);
   };
+  views.showsVertices = [this] {
+    return pickOptions(session_.document(), selectionModes).vertices;
+  };
   views.gatherers.push_back([this](scene::Document&, const View& view, viewport::SceneView& scene) {
+    toolbox.current()->mark(view.panel, scene);
     toolbox.current()->draw(view.panel, scene.extra);
   });
 }

@@ -9,7 +9,6 @@ root=$1
 allowed='
 host/api/global/execute.cpp        text that a plug-in gives to be run
 host/api/graph/modifier.cpp        the same, queued in a modifier
-host/api/plugin/loader.cpp         procedures that a plug-in names for its interface
 host/app/completion.cpp            the flags of a command that a person types
 host/app/main.cpp                  the command line and the script file
 host/app/prompt.cpp                what a person types

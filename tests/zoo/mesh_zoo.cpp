@@ -16,10 +16,6 @@ using mesh::Mesh;
 
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 using EdgeKey = std::pair<VertexId, VertexId>;
 
 /// Plain maps of what touches what: slow, and sharing no code with the mesh.

@@ -13,9 +13,6 @@ namespace {
 
 using Loops = std::vector<std::vector<VertexId>>;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
 constexpr double kTurn = 2 * 3.14159265358979323846;
 
 // --- Closed shapes -------------------------------------------------------------------------------

@@ -33,7 +33,8 @@ Result<double> numberIn(const mel::Value& word) {
   if (word.isString()) {
     char* end = nullptr;
     (void)std::strtod(word.string().c_str(), &end);
-    if (end == word.string().c_str()) return fail("'{}' is no number", word.string());
+    if (end == word.string().c_str())
+      return fail(ErrorKind::BadArgument, "'{}' is no number", word.string());
   }
   return word.toFloat();
 }

@@ -189,10 +189,18 @@ void rememberError(const Error& error);
 inline void setStatus(MStatus* status, MStatus::MStatusCode code) {
   if (status) *status = code;
 }
+/// The status of a kind of fault.
+[[nodiscard]] MStatus::MStatusCode statusCode(ErrorKind kind);
 /// The status of a Result; the message is kept for the next `perror`-less report (see lastError).
 template <class T>
-[[nodiscard]] MStatus toStatus(const Result<T>& result,
-                               MStatus::MStatusCode code = MStatus::kFailure) {
+[[nodiscard]] MStatus toStatus(const Result<T>& result) {
+  if (result) return MStatus::kSuccess;
+  rememberError(result.error());
+  return statusCode(result.error().kind);
+}
+/// The same for calls that answer every fault with one code.
+template <class T>
+[[nodiscard]] MStatus toStatus(const Result<T>& result, MStatus::MStatusCode code) {
   if (result) return MStatus::kSuccess;
   rememberError(result.error());
   return code;

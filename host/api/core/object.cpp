@@ -153,6 +153,24 @@ std::string takeRememberedError() {
   return std::exchange(rememberedError(), std::string());
 }
 
+MStatus::MStatusCode statusCode(ErrorKind kind) {
+  switch (kind) {
+    case ErrorKind::Failed:
+      return MStatus::kFailure;
+    case ErrorKind::BadArgument:
+      return MStatus::kInvalidParameter;
+    case ErrorKind::NotFound:
+      return MStatus::kNotFound;
+    case ErrorKind::Unsupported:
+      return MStatus::kNotImplemented;
+    case ErrorKind::NotLicensed:
+      return MStatus::kLicenseFailure;
+    case ErrorKind::OutOfMemory:
+      return MStatus::kInsufficientMemory;
+  }
+  return MStatus::kFailure;
+}
+
 MStringArray toMStringArray(const std::vector<std::string>& texts) {
   MStringArray array;
   array.setLength(static_cast<unsigned int>(texts.size()));

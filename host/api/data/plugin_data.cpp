@@ -24,7 +24,7 @@ struct DataBackRep final : SharedRep {
 
 Result<void> addPluginDataType(PluginDataType type) {
   if (findPluginDataType(type.name))
-    return fail("A data type named '{}' is registered already", type.name);
+    return fail(ErrorKind::BadArgument, "A data type named '{}' is registered already", type.name);
   if (findPluginDataType(type.id))
     return fail("The id {:#x} of data type '{}' is taken", type.id, type.name);
   types().push_back(std::move(type));

@@ -103,7 +103,8 @@ Result<void> LooseStore::makeElement(const dg::Plug& element) {
 Result<void> LooseStore::dropElement(const dg::Plug& element) {
   const auto found = elements_.find(element.array());
   if (found == elements_.end() || std::erase(found->second, element.logicalIndex()) == 0)
-    return fail("'{}' has no element {}", element.array().attributePath(), element.logicalIndex());
+    return fail(ErrorKind::NotFound, "'{}' has no element {}", element.array().attributePath(),
+                element.logicalIndex());
   const auto isBelow = [&](dg::Plug part) {
     for (; part; part = part.isElement() ? part.array() : part.parent())
       if (part == element) return true;

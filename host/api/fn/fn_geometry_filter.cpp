@@ -56,8 +56,8 @@ std::vector<Index> pointsOf(dg::Node& shape, const MObject& component) {
   const scene::Component* wanted = api::componentOf(component);
   const scene::Component all = scene::Component::all(scene::ComponentType::Vertex);
   const scene::Component& named = wanted ? *wanted : all;
-  return mesh::convertComponents(*mesh, nodes::meshKind(named.type()),
-                                 nodes::componentIds(*mesh, named), mesh::ComponentKind::Vertex);
+  return mesh::convertComponents(*mesh, named.type(), nodes::componentIds(*mesh, named),
+                                 mesh::ComponentType::Vertex);
 }
 
 float weightAt(dg::Graph& graph, const dg::Plug& weights, Index point) {

@@ -287,7 +287,8 @@ MObject MDagModifier::createNode(const MString& type, const MObject& parent, MSt
 MStatus MDagModifier::reparentNode(const MObject& node, const MObject& newParent) {
   if (!newParent.isNull() && !api::nodeOf(newParent)) return MStatus::kInvalidParameter;
   return api::queueNode(modifierOf(*this), node, [newParent](dg::Node& each) -> Result<void> {
-    if (!scene::isDagNode(each)) return fail("'{}' is not in the hierarchy", each.name());
+    if (!scene::isDagNode(each))
+      return fail(ErrorKind::BadArgument, "'{}' is not in the hierarchy", each.name());
     const scene::DagPath path = scene::firstPath(each);
     dg::Node* above = api::nodeOf(newParent);
     if (path.parent().node() == above) return {};

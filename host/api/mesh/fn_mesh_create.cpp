@@ -45,14 +45,14 @@ Result<mesh::Mesh> describedMesh(int numVertices, int numPolygons, const Points&
 Result<MObject> place(mesh::Mesh mesh, const MObject& parentOrOwner, MObject& made) {
   if (auto* owner = objectAs<DataRep>(parentOrOwner)) {
     if (owner->data && owner->data->typeName() != "mesh")
-      return fail("The owner of a mesh must be mesh data");
+      return fail(ErrorKind::BadArgument, "The owner of a mesh must be mesh data");
     owner->data = std::make_shared<const scene::MeshData>(std::move(mesh));
     made = parentOrOwner;
     return parentOrOwner;
   }
   dg::Node* parent = nodeOf(parentOrOwner);
   if (!parentOrOwner.isNull() && (!parent || !scene::isTransform(*parent)))
-    return fail("The parent of a mesh must be a transform");
+    return fail(ErrorKind::BadArgument, "The parent of a mesh must be a transform");
   auto shape = document().createNode(
       "mesh", parent ? parent->name() + "Shape" : "polySurfaceShape#", parent);
   if (!shape) return failWith(shape.error());
@@ -104,7 +104,9 @@ Result<mesh::Mesh> withFace(const mesh::Mesh& mesh, const MPointArray& corners, 
   std::vector<VertexId> loop;
   for (const MPoint& corner : corners) {
     const math::Vec3 p = toVec3(corner);
-    if (!math::isFinite(p)) return fail("A corner of the face has a position that is not a number");
+    if (!math::isFinite(p))
+      return fail(ErrorKind::BadArgument,
+                  "A corner of the face has a position that is not a number");
     VertexId vertex = mergeVertices ? index.nearest(p, tolerance) : kNone;
     if (vertex == kNone) vertex = rebuilder.addVertex(p.toFloat());
     if (loop.empty() || loop.back() != vertex) loop.push_back(vertex);

@@ -56,9 +56,8 @@ GeometryWalk* walkOf(const MItGeometry& iterator) {
 
 std::vector<VertexId> verticesOf(const mesh::Mesh& mesh, const scene::Component& component) {
   const std::vector<Index> ids = nodes::componentIds(mesh, component);
-  return mesh::convertComponents(mesh, nodes::meshKind(component.type()), ids,
-                                 mesh::ComponentKind::Vertex, mesh::Conversion::Connected,
-                                 mesh.currentUvSet());
+  return mesh::convertComponents(mesh, component.type(), ids, mesh::ComponentType::Vertex,
+                                 mesh::Conversion::Connected, mesh.currentUvSet());
 }
 
 Handle walk(MeshTarget target, std::optional<std::vector<VertexId>> some, MStatus* status) {

@@ -130,9 +130,11 @@ Result<void> addNodeClass(NodeClass nodeClass, std::uint32_t id, const std::stri
   const std::string name = nodeClass.name;
   if (name.empty() || !nodeClass.creator)
     return fail("A node type needs a name and a creator function");
-  if (types.find(name)) return fail("A node type named '{}' is registered already", name);
+  if (types.find(name))
+    return fail(ErrorKind::BadArgument, "A node type named '{}' is registered already", name);
   if (const dg::NodeType* other = types.find(id))
-    return fail("The id {:#x} of node type '{}' is taken by '{}'", id, name, other->name);
+    return fail(ErrorKind::BadArgument, "The id {:#x} of node type '{}' is taken by '{}'", id, name,
+                other->name);
   TypeInMaking making;
   making.base = baseOf(types, nodeClass.kind);
   if (!making.base)

@@ -73,7 +73,8 @@ Result<fs::path> locate(const std::string& fileOrName) {
         const fs::path full = fs::canonical(candidate, ignored);
         return full.empty() ? candidate : full;
       }
-  return fail("Plug-in, \"{}\", was not found on MAYA_PLUG_IN_PATH.", fileOrName);
+  return fail(ErrorKind::NotFound, "Plug-in, \"{}\", was not found on MAYA_PLUG_IN_PATH.",
+              fileOrName);
 }
 
 template <class Function>
@@ -207,7 +208,7 @@ Result<void> Loader::initialize(const std::shared_ptr<PluginRecord>& record) {
 void Loader::buildInterface(PluginRecord& record) {
   const std::string& procedure =
       session_.isBatch ? record.batchCreationProcedure : record.creationProcedure;
-  if (!procedure.empty()) (void)session_.executeLine(procedure, {.undo = false});
+  if (!procedure.empty()) (void)session_.call(procedure, {}, {.undo = false});
 }
 
 void Loader::removeInterface(PluginRecord& record) {
@@ -217,12 +218,12 @@ void Loader::removeInterface(PluginRecord& record) {
                                      ? record.batchDeletionProcedure
                                      : record.deletionProcedure;
   if (!procedure.empty() && session_.interpreter().hasProcedure(procedure))
-    (void)session_.executeLine(procedure, {.undo = false});
+    (void)session_.call(procedure, {}, {.undo = false});
 }
 
 Result<void> Loader::unload(const std::string& name, bool force) {
   const auto record = find(name);
-  if (!record) return fail("Plug-in, \"{}\", is not loaded.", name);
+  if (!record) return fail(ErrorKind::NotFound, "Plug-in, \"{}\", is not loaded.", name);
   // Its code would be gone when the call returns to it.
   const bool mayBeComputing = session_.document().graph().isEvaluating();
   if (record->entered > 0 || session_.dispatcher().isRunningOf(record->info.name) ||

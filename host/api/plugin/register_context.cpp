@@ -99,7 +99,8 @@ Result<void> ContextCall::doIt(std::span<const mel::Value> arguments) {
   if (name.empty())
     return fail("{}: name the context to {}", class_->commandName,
                 parsed->isEdit ? "edit" : "query");
-  if (!isOurs) return fail("{}: Object '{}' not found.", class_->commandName, name);
+  if (!isOurs)
+    return fail(ErrorKind::NotFound, "{}: Object '{}' not found.", class_->commandName, name);
   return work(*found, words, *parsed);
 }
 
@@ -112,7 +113,8 @@ Result<void> ContextCall::create(std::unique_ptr<MPxContextCommand> command,
                                              : "";
   if (name.empty()) name = registry.uniqueName(class_->commandName);
   if (registry.find(name))
-    return fail("{}: Object's name '{}' is not unique.", class_->commandName, name);
+    return fail(ErrorKind::BadArgument, "{}: Object's name '{}' is not unique.",
+                class_->commandName, name);
   std::unique_ptr<MPxContext> context(command->makeObj());
   if (!context) return fail("{}: the plug-in made no context", class_->commandName);
   auto adapter = std::make_shared<ContextAdapter>(std::move(command), std::move(context), class_);

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <limits>
 
-#include "host/builtins/common/plug_values.h"
+#include "host/cmd/plug_values.h"
 #include "host/nodes/anim/anim_curve.h"
 
 namespace host::builtins {
@@ -161,7 +161,7 @@ Syntax keySyntax() {
 }
 
 double valueFactor(const dg::Node& curve, const scene::Units& units) {
-  return unitFactor(curve.findAttribute("output")->type, units);
+  return cmd::unitFactor(curve.findAttribute("output")->type, units);
 }
 
 double timeFactor(const dg::Node& curve, const scene::Units& units) {

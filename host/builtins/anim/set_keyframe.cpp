@@ -1,6 +1,6 @@
 // setKeyframe and cutKey.
 #include "host/builtins/anim/key_args.h"
-#include "host/builtins/common/plug_values.h"
+#include "host/cmd/plug_values.h"
 
 namespace host::builtins {
 
@@ -34,7 +34,7 @@ CommandResult setKeyframe(Context& context, const ParsedArgs& args) {
     for (const std::optional<double>& time : times) {
       options.time = time;
       if (args.has("value"))
-        options.value = args.real("value") * unitFactor(plug.attribute()->type, units);
+        options.value = args.real("value") * cmd::unitFactor(plug.attribute()->type, units);
       const auto done = edits::setKey(context.document, plug, options);
       if (!done) {
         // What is driven by something else is passed over when an object is keyed as a whole.

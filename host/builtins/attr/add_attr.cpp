@@ -2,10 +2,13 @@
 #include <map>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/plug_values.h"
+#include "host/cmd/plug_values.h"
 #include "host/workspace/workspace.h"
 
 namespace host::builtins {
+
+using cmd::enumText;
+using cmd::unitFactor;
 
 namespace {
 
@@ -280,7 +283,8 @@ CommandResult addAttr(Context& context, const ParsedArgs& args) {
 CommandResult deleteAttr(Context& context, const ParsedArgs& args) {
   const auto remove = [&](dg::Node& node, const std::string& name) -> Result<void> {
     const dg::Attribute* attribute = node.findAttribute(name);
-    if (!attribute) return fail("No attribute '{}' on node '{}'", name, node.name());
+    if (!attribute)
+      return fail(ErrorKind::NotFound, "No attribute '{}' on node '{}'", name, node.name());
     if (!attribute->isDynamic)
       return fail("deleteAttr: '{}.{}' can't be deleted.", node.name(), name);
     return context.document.graph().removeAttribute(node, attribute);

@@ -1,7 +1,7 @@
 // Presets of a node's attributes. A preset is a script that names a type between startAttrPreset
 // and endAttrPreset and blends attributes in between; applyAttrPreset runs it on a node.
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/plug_values.h"
+#include "host/cmd/plug_values.h"
 #include "host/workspace/workspace.h"
 
 namespace host::builtins {
@@ -61,11 +61,11 @@ CommandResult blendAttr(Context& context, const ParsedArgs& args) {
       HOST_TRY(graph.set(*plug, args.objectNames()[1]));
     return mel::Value();
   }
-  const auto before = readPlug(graph, context.document.units(), *plug);
+  const auto before = cmd::readPlug(graph, context.document.units(), *plug);
   if (!before) return failWith(before.error());
   const double from = before->toFloat().value_or(0), to = mel::leadingFloat(args.objectNames()[1]);
-  HOST_TRY(writeLeaf(graph, context.document.units(), *plug,
-                     mel::Value(from + (to - from) * preset.amount)));
+  HOST_TRY(cmd::writeLeaf(graph, context.document.units(), *plug,
+                          mel::Value(from + (to - from) * preset.amount)));
   return mel::Value();
 }
 

@@ -1,9 +1,12 @@
 #include <cctype>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/plug_values.h"
+#include "host/cmd/plug_values.h"
 
 namespace host::builtins {
+
+using cmd::enumText;
+using cmd::unitFactor;
 
 namespace {
 
@@ -119,7 +122,8 @@ CommandResult attributeQuery(Context& context, const ParsedArgs& args) {
     return fail("attributeQuery: say which -node or which -type the attribute belongs to.");
   }
   if (args.has("exists")) return mel::Value(attribute != nullptr);
-  if (!attribute) return fail("attributeQuery: attribute '{}' not found.", name);
+  if (!attribute)
+    return fail(ErrorKind::NotFound, "attributeQuery: attribute '{}' not found.", name);
   return answer(context, args, node, *attribute);
 }
 

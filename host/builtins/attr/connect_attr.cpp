@@ -18,7 +18,8 @@ CommandResult connectAttr(Context& context, const ParsedArgs& args) {
   if (!destination) return failWith(std::move(destination.error()));
   if (destination->isArray()) {
     if (!args.has("nextAvailable") && !source->isArray())
-      return fail("connectAttr: '{}' is an array: name an element or use -nextAvailable.",
+      return fail(ErrorKind::BadArgument,
+                  "connectAttr: '{}' is an array: name an element or use -nextAvailable.",
                   names[1]);
     if (args.has("nextAvailable"))
       *destination = destination->element(graph.nextFreeIndex(*destination));
@@ -64,7 +65,8 @@ CommandResult disconnectAttr(Context& context, const ParsedArgs& args) {
       if (graph.source(second->element(index)) == *first) destination = second->element(index);
   }
   if (!(graph.source(destination) == *first))
-    return fail("There is no connection from '{}' to '{}' to disconnect", names[0], names[1]);
+    return fail(ErrorKind::NotFound, "There is no connection from '{}' to '{}' to disconnect",
+                names[0], names[1]);
   HOST_TRY(graph.disconnect(*first, destination));
   return mel::Value(fmt::format("Disconnect {} from {}.", plugName(*first), plugName(destination)));
 }

@@ -1,7 +1,10 @@
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/plug_values.h"
+#include "host/cmd/plug_values.h"
 
 namespace host::builtins {
+
+using cmd::readEnumField;
+using cmd::readPlug;
 
 namespace {
 
@@ -20,7 +23,8 @@ Plug arrayOf(Plug plug) {
 CommandResult readRange(Context& context, const std::string& name, std::size_t open,
                         std::size_t close) {
   const Plug array = context.document.plug(name.substr(0, open)).value_or(Plug());
-  if (!array || !array.isArray()) return fail("No object matches name: {}", name);
+  if (!array || !array.isArray())
+    return fail(ErrorKind::NotFound, "No object matches name: {}", name);
   const std::string range = name.substr(open + 1, close - open - 1);
   Index first = 0, last = std::numeric_limits<Index>::max();
   if (const std::size_t colon = range.find(':'); colon != std::string::npos) {
@@ -59,7 +63,7 @@ CommandResult readFlags(Context& context, const ParsedArgs& args, const Plug& pl
     return mel::Value(array ? graph.elementCount(array) : Index{1});
   }
   const Plug array = arrayOf(plug);
-  if (!array) return fail("'{}' is not an array.", plugName(plug));
+  if (!array) return fail(ErrorKind::BadArgument, "'{}' is not an array.", plugName(plug));
   HOST_TRY(graph.evaluate(array));
   return mel::Value(mel::IntArray(graph.elementIndices(array)));
 }

@@ -2,9 +2,14 @@
 #include <optional>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/plug_values.h"
+#include "host/cmd/plug_values.h"
 
 namespace host::builtins {
+
+using cmd::leafCount;
+using cmd::unitFactor;
+using cmd::writeNumbers;
+using cmd::writeTyped;
 
 namespace {
 

@@ -1,6 +1,6 @@
 // curve, circle and arclen.
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/plug_values.h"
+#include "host/cmd/plug_values.h"
 #include "host/math/transform.h"
 #include "host/nodes/curve/curve_nodes.h"
 
@@ -162,7 +162,7 @@ CommandResult circle(Context& context, const ParsedArgs& args) {
     }
     const dg::Plug plug = (*node)->plug(args.queried());
     if (!plug) return fail("circle: say which flag to query.");
-    return readPlug(graph, document.units(), plug);
+    return cmd::readPlug(graph, document.units(), plug);
   }
   const auto shape = makeShape(context, args.text("name", "nurbsCircle#"));
   if (!shape) return failWith(shape.error());

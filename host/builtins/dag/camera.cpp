@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/plug_values.h"
+#include "host/cmd/plug_values.h"
 #include "host/math/transform.h"
 #include "host/nodes/transform.h"
 #include "host/workspace/workspace.h"
@@ -64,7 +64,7 @@ Result<void> apply(Context& context, const ParsedArgs& args, dg::Node& shape) {
     if (!plug.attribute()->enumFields.empty())
       HOST_TRY(setField(graph, plug, args.text(setting.longName)));
     else
-      HOST_TRY(writeLeaf(graph, units, plug, args.values(setting.longName).front()));
+      HOST_TRY(cmd::writeLeaf(graph, units, plug, args.values(setting.longName).front()));
   }
   dg::Node* transform = scene::firstPath(shape).transform().node();
   if (args.has("position"))
@@ -99,16 +99,16 @@ CommandResult query(Context& context, const ParsedArgs& args, dg::Node& shape) {
     if (!args.has(setting.longName)) continue;
     const dg::Plug plug = shape.plug(setting.longName);
     if (!plug.attribute()->enumFields.empty()) {
-      auto field = readEnumField(graph, plug);
+      auto field = cmd::readEnumField(graph, plug);
       if (!field) return failWith(std::move(field.error()));
       field->front() = static_cast<char>(std::tolower(static_cast<unsigned char>(field->front())));
       return mel::Value(*std::move(field));
     }
-    return readPlug(graph, units, plug);
+    return cmd::readPlug(graph, units, plug);
   }
   dg::Node* transform = scene::firstPath(shape).transform().node();
-  if (args.has("position")) return readPlug(graph, units, transform->plug("translate"));
-  if (args.has("rotation")) return readPlug(graph, units, transform->plug("rotate"));
+  if (args.has("position")) return cmd::readPlug(graph, units, transform->plug("translate"));
+  if (args.has("rotation")) return cmd::readPlug(graph, units, transform->plug("rotate"));
   if (args.has("startupCamera")) return mel::Value(transform->isDefault());
   const auto number = [&](const char* name) {
     const dg::Value value = graph.stored(shape.plug(name));

@@ -1,6 +1,6 @@
 // joint: one bone's beginning, below the joint that is selected.
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/plug_values.h"
+#include "host/cmd/plug_values.h"
 #include "host/math/transform.h"
 #include "host/nodes/transform.h"
 
@@ -55,7 +55,7 @@ CommandResult joint(Context& context, const ParsedArgs& args) {
     }
     for (const JointFlag& flag : kFlags)
       if (args.has(flag.longName))
-        return readPlug(document.graph(), document.units(), (*node)->plug(flag.attribute));
+        return cmd::readPlug(document.graph(), document.units(), (*node)->plug(flag.attribute));
     if (args.has("position")) {
       const scene::DagPath path = scene::firstPath(**node);
       const math::Vec3 place =

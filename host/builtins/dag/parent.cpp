@@ -17,7 +17,8 @@ Result<std::vector<DagPath>> pathsOf(Context& context, const ParsedArgs& args) {
   std::vector<DagPath> paths;
   for (const scene::SelectionItem& item : list->items()) {
     if (!item.isDag())
-      return fail("'{}' is not in the hierarchy of transforms and shapes", item.node->name());
+      return fail(ErrorKind::BadArgument, "'{}' is not in the hierarchy of transforms and shapes",
+                  item.node->name());
     paths.push_back(item.isObject() ? item.path : item.path.transform());
   }
   return paths;

@@ -2,13 +2,13 @@
 #include <unordered_set>
 
 #include "host/base/messages.h"
-#include "host/builtins/common/mesh_components.h"
 #include "host/builtins/file/formats.h"
 #include "host/builtins/file/obj_materials.h"
 #include "host/io/finite_mesh.h"
 #include "host/io/obj_reader.h"
 #include "host/io/obj_writer.h"
 #include "host/io/whole_file.h"
+#include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/sets.h"
 #include "host/scene/dag_paths.h"

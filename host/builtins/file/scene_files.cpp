@@ -71,7 +71,8 @@ Result<std::string> existingFile(const FileRequest& request) {
   if (request.path.empty()) return fail("file: name the file.");
   std::string path = absolutePath(request.path);
   std::error_code ignored;
-  if (!fs::exists(path, ignored)) return fail("File not found: {}", request.path);
+  if (!fs::exists(path, ignored))
+    return fail(ErrorKind::NotFound, "File not found: {}", request.path);
   return path;
 }
 

@@ -1,7 +1,6 @@
 #include <fmt/format.h>
 
 #include "host/builtins/help/command_texts.h"
-#include "host/cmd/help_texts.h"
 
 namespace host::builtins {
 
@@ -37,10 +36,9 @@ std::string objectsOf(const cmd::ObjectsSpec& objects) {
 }
 
 void appendCommand(std::string& page, const cmd::CommandSpec& command) {
-  const cmd::HelpText* help = cmd::helpTextOf(command.name);
   page += fmt::format("\n### `{}`\n\n", command.name);
-  if (help && !help->about.empty()) page += help->about + "\n";
   const cmd::Syntax& syntax = command.syntax;
+  if (!syntax.about().empty()) page += syntax.about() + "\n";
   page += fmt::format("Takes {}; {}{}{}.\n", objectsOf(syntax.objectsSpec()),
                       command.isUndoable ? "undoable" : "not undoable",
                       syntax.isQueryable() ? ", -query" : "", syntax.isEditable() ? ", -edit" : "");
@@ -52,12 +50,8 @@ void appendCommand(std::string& page, const cmd::CommandSpec& command) {
       takes += fmt::format("{}{}", takes.empty() ? "" : " ", cmd::argTypeHelpWord(type));
     if (flag.hasOptionalArgs) takes += ", or nothing";
     if (flag.isMultiUse) takes += takes.empty() ? "again and again" : ", again and again";
-    std::string meaning;
-    if (help)
-      if (const auto found = help->flags.find(flag.longName); found != help->flags.end())
-        meaning = found->second;
     page += fmt::format("| `-{} -{}` | {} | {} | {} |\n", flag.longName, flag.shortName,
-                        cell(takes), modesOf(syntax, flag), cell(meaning));
+                        cell(takes), modesOf(syntax, flag), cell(flag.help));
   }
 }
 

@@ -4,7 +4,6 @@
 
 #include <fmt/format.h>
 
-#include "host/cmd/help_texts.h"
 #include "host/ui/control_type.h"
 
 namespace host::builtins {
@@ -239,10 +238,13 @@ std::string aboutControl(const ui::ControlType& type) {
 
 }  // namespace
 
-void describeCommands() {
+void describeCommands(cmd::CommandRegistry& registry) {
   for (const ui::ControlType& type : ui::controlTypes())
-    cmd::setHelpText(std::string(type.name), {aboutControl(type), {}});
-  for (const CommandText& text : kTexts) cmd::setHelpText(text.command, {text.about, {}});
+    if (cmd::Command* command = registry.findBuiltin(type.name))
+      command->describe(aboutControl(type), {});
+  for (const CommandText& text : kTexts)
+    if (cmd::Command* command = registry.findBuiltin(text.command))
+      command->describe(text.about, {});
 }
 
 }  // namespace host::builtins

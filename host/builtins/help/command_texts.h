@@ -7,7 +7,7 @@
 namespace host::builtins {
 
 /// Gives the built-in commands their sentences for `help`. For the program's start.
-void describeCommands();
+void describeCommands(cmd::CommandRegistry& registry);
 
 /// The page docs/reference/commands.md: every built-in command with what it does, its modes and its
 /// flags. The same words as `help`. The program prints it: `qxmt reference commands`.

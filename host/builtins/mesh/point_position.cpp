@@ -1,9 +1,11 @@
 // pointPosition: where a vertex or a pivot is.
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
+#include "host/nodes/mesh_components.h"
 #include "host/nodes/transform.h"
 
 namespace host::builtins {
+
+using nodes::meshItems;
 
 namespace {
 

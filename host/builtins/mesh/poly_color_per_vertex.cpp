@@ -3,11 +3,15 @@
 #include <map>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
 #include "host/mesh/adjacency.h"
+#include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
 
 namespace host::builtins {
+
+using nodes::componentIds;
+using nodes::MeshItem;
+using nodes::meshItems;
 
 namespace {
 
@@ -54,14 +58,14 @@ std::vector<CornerId> corners(const MeshItem& item) {
   std::vector<CornerId> all;
   for (const scene::Component& component : item.components) {
     std::vector<Index> own = componentIds(item.mesh, component);
-    mesh::ComponentKind kind = meshKind(component.type());
-    if (kind == mesh::ComponentKind::Edge || kind == mesh::ComponentKind::Uv) {
-      own = mesh::convertComponents(item.mesh, kind, own, mesh::ComponentKind::Vertex,
+    mesh::ComponentType kind = component.type();
+    if (kind == mesh::ComponentType::Edge || kind == mesh::ComponentType::Uv) {
+      own = mesh::convertComponents(item.mesh, kind, own, mesh::ComponentType::Vertex,
                                     mesh::Conversion::Connected, item.mesh.currentUvSet());
-      kind = mesh::ComponentKind::Vertex;
+      kind = mesh::ComponentType::Vertex;
     }
     const std::vector<CornerId> more =
-        mesh::convertComponents(item.mesh, kind, own, mesh::ComponentKind::VertexFace);
+        mesh::convertComponents(item.mesh, kind, own, mesh::ComponentType::VertexFace);
     all.insert(all.end(), more.begin(), more.end());
   }
   mesh::sortUnique(all);

@@ -5,9 +5,14 @@
 #include <vector>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
+#include "host/nodes/mesh_components.h"
 
 namespace host::builtins {
+
+using nodes::componentFromIds;
+using nodes::componentIds;
+using nodes::MeshItem;
+using nodes::meshItems;
 
 /// The sets of one kind that a mesh keeps by name: its UV sets or its colour sets.
 class NamedSets {

@@ -1,10 +1,14 @@
 #include <algorithm>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
+#include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
 
 namespace host::builtins {
+
+using nodes::componentIds;
+using nodes::MeshItem;
+using nodes::meshItems;
 
 namespace {
 
@@ -22,8 +26,8 @@ std::vector<Index> named(const MeshItem& item, ComponentType type) {
     if (component.type() == type) ids = componentIds(item.mesh, component);
     if (!isFace) continue;
     const std::vector<Index> edges =
-        mesh::convertComponents(item.mesh, mesh::ComponentKind::Face,
-                                componentIds(item.mesh, component), mesh::ComponentKind::Edge);
+        mesh::convertComponents(item.mesh, mesh::ComponentType::Face,
+                                componentIds(item.mesh, component), mesh::ComponentType::Edge);
     ids.insert(ids.end(), edges.begin(), edges.end());
   }
   mesh::sortUnique(ids);

@@ -2,12 +2,16 @@
 #include <set>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
 #include "host/math/box.h"
 #include "host/mesh/shells.h"
 #include "host/mesh/triangulate.h"
+#include "host/nodes/mesh_components.h"
 
 namespace host::builtins {
+
+using nodes::componentIds;
+using nodes::MeshItem;
+using nodes::meshItems;
 
 namespace {
 
@@ -273,8 +277,8 @@ CommandResult polyEvaluate(Context& context, const ParsedArgs& args) {
   if (items->empty()) return mel::Value("Nothing counted : no polygonal object is selected.");
   for (const MeshItem& item : *items)
     if (args.has("uvSetName") && item.mesh.findUvSet(args.text("uvSetName")) < 0)
-      return fail("polyEvaluate: '{}' has no UV set '{}'.", item.path.partialName(),
-                  args.text("uvSetName"));
+      return fail(ErrorKind::NotFound, "polyEvaluate: '{}' has no UV set '{}'.",
+                  item.path.partialName(), args.text("uvSetName"));
   Evaluation evaluation(std::move(*items), args, context.document.units());
   std::vector<mel::Value> answers;
   for (const cmd::ParsedArgs::FlagUse& use : args.flagUses()) {

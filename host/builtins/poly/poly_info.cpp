@@ -2,10 +2,13 @@
 #include <cmath>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
 #include "host/mesh/adjacency.h"
+#include "host/nodes/mesh_components.h"
 
 namespace host::builtins {
+
+using nodes::MeshItem;
+using nodes::meshItems;
 
 namespace {
 

@@ -3,10 +3,15 @@
 #include <vector>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
 #include "host/edits/select.h"
+#include "host/nodes/mesh_components.h"
 
 namespace host::builtins {
+
+using nodes::componentFromIds;
+using nodes::componentIds;
+using nodes::MeshItem;
+using nodes::meshItems;
 
 using edits::ComponentPick;
 using edits::convertedIds;

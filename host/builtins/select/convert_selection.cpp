@@ -11,7 +11,7 @@ namespace host::builtins {
 
 namespace {
 
-using mesh::ComponentKind;
+using mesh::ComponentType;
 using mesh::Conversion;
 using scene::ComponentType;
 
@@ -28,8 +28,8 @@ Ids contained(const MeshItem& item) {
 
 /// The faces that the selection covers: selected ones, and those with all their vertices selected.
 Ids coveredFaces(const MeshItem& item) {
-  return mesh::convertComponents(item.mesh, ComponentKind::Vertex, item.vertices(),
-                                 ComponentKind::Face, Conversion::Contained);
+  return mesh::convertComponents(item.mesh, ComponentType::Vertex, item.vertices(),
+                                 ComponentType::Face, Conversion::Contained);
 }
 
 /// The rim of the covered faces, the mesh's own border included. Components that cover no face have
@@ -37,13 +37,13 @@ Ids coveredFaces(const MeshItem& item) {
 Ids perimeterEdges(const MeshItem& item) {
   const Ids faces = coveredFaces(item);
   if (!faces.empty()) return mesh::boundaryEdges(item.mesh, faces);
-  return mesh::convertComponents(item.mesh, ComponentKind::Vertex, item.vertices(),
-                                 ComponentKind::Edge, Conversion::Border);
+  return mesh::convertComponents(item.mesh, ComponentType::Vertex, item.vertices(),
+                                 ComponentType::Edge, Conversion::Border);
 }
 
 Ids perimeterVertices(const MeshItem& item) {
   const Ids edges = perimeterEdges(item);
-  Ids ends = mesh::convertComponents(item.mesh, ComponentKind::Edge, edges, ComponentKind::Vertex);
+  Ids ends = mesh::convertComponents(item.mesh, ComponentType::Edge, edges, ComponentType::Vertex);
   const Ids own = item.vertices();
   std::erase_if(ends, [&](VertexId v) { return !std::binary_search(own.begin(), own.end(), v); });
   return ends;
@@ -52,8 +52,8 @@ Ids perimeterVertices(const MeshItem& item) {
 /// Covered faces with a vertex on the rim.
 Ids perimeterFaces(const MeshItem& item) {
   const Ids covered = coveredFaces(item);
-  Ids faces = mesh::convertComponents(item.mesh, ComponentKind::Edge, perimeterEdges(item),
-                                      ComponentKind::Face);
+  Ids faces = mesh::convertComponents(item.mesh, ComponentType::Edge, perimeterEdges(item),
+                                      ComponentType::Face);
   if (!covered.empty())
     std::erase_if(faces,
                   [&](FaceId f) { return !std::binary_search(covered.begin(), covered.end(), f); });
@@ -62,8 +62,8 @@ Ids perimeterFaces(const MeshItem& item) {
 
 Ids perimeterUvs(const MeshItem& item) {
   const int set = item.mesh.currentUvSet();
-  Ids uvs = mesh::convertComponents(item.mesh, ComponentKind::Vertex, perimeterVertices(item),
-                                    ComponentKind::Uv, Conversion::Connected, set);
+  Ids uvs = mesh::convertComponents(item.mesh, ComponentType::Vertex, perimeterVertices(item),
+                                    ComponentType::Uv, Conversion::Connected, set);
   const Ids own = convertedIds(item, ComponentType::Uv);
   std::erase_if(uvs, [&](UvId uv) { return !std::binary_search(own.begin(), own.end(), uv); });
   return uvs;
@@ -74,8 +74,8 @@ Ids shellFaces(const MeshItem& item) {
 }
 
 Ids shellBorder(const MeshItem& item) {
-  Ids edges = mesh::convertComponents(item.mesh, ComponentKind::Face, shellFaces(item),
-                                      ComponentKind::Edge);
+  Ids edges = mesh::convertComponents(item.mesh, ComponentType::Face, shellFaces(item),
+                                      ComponentType::Edge);
   std::erase_if(edges, [&](EdgeId e) { return !item.mesh.adjacency().isBorderEdge(e); });
   return edges;
 }
@@ -97,8 +97,8 @@ Ids uvShell(const MeshItem& item) {
 Ids uvShellBorder(const MeshItem& item) {
   const int set = item.mesh.currentUvSet();
   const Ids border = mesh::uvBorderEdges(item.mesh, set);
-  const Ids onBorder = mesh::convertComponents(item.mesh, ComponentKind::Edge, border,
-                                               ComponentKind::Uv, Conversion::Connected, set);
+  const Ids onBorder = mesh::convertComponents(item.mesh, ComponentType::Edge, border,
+                                               ComponentType::Uv, Conversion::Connected, set);
   Ids uvs = uvShell(item);
   std::erase_if(uvs,
                 [&](UvId uv) { return !std::binary_search(onBorder.begin(), onBorder.end(), uv); });
@@ -112,7 +112,7 @@ Ids uvEdgeLoop(const MeshItem& item) {
     edges.insert(edges.end(), loop.edges.begin(), loop.edges.end());
   }
   mesh::sortUnique(edges);
-  return mesh::convertComponents(item.mesh, ComponentKind::Edge, edges, ComponentKind::Uv,
+  return mesh::convertComponents(item.mesh, ComponentType::Edge, edges, ComponentType::Uv,
                                  Conversion::Connected, item.mesh.currentUvSet());
 }
 

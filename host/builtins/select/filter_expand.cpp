@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
+#include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
 
 namespace host::builtins {

@@ -2,9 +2,9 @@
 #include <unordered_set>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
 #include "host/builtins/select/foreign_types.h"
 #include "host/builtins/select/selection_order.h"
+#include "host/nodes/mesh_components.h"
 #include "host/scene/dag_paths.h"
 #include "host/workspace/workspace.h"
 

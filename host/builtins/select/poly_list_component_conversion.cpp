@@ -38,9 +38,8 @@ std::vector<Index> onRim(const MeshItem& faces, ComponentType target) {
       mesh::boundaryEdges(faces.mesh, convertedIds(faces, ComponentType::Face));
   if (target == ComponentType::Edge) return rim;
   const int set = faces.mesh.currentUvSet();
-  std::vector<Index> ids =
-      mesh::convertComponents(faces.mesh, mesh::ComponentKind::Edge, rim, meshKind(target),
-                              mesh::Conversion::Connected, set);
+  std::vector<Index> ids = mesh::convertComponents(faces.mesh, mesh::ComponentType::Edge, rim,
+                                                   target, mesh::Conversion::Connected, set);
   const std::vector<Index> own = convertedIds(faces, target);
   std::erase_if(ids, [&](Index id) { return !std::binary_search(own.begin(), own.end(), id); });
   return ids;

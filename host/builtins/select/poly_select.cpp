@@ -81,11 +81,11 @@ Result<EdgeWalk> walked(const SelectFlag& flag, const Mesh& mesh,
                         std::span<const mel::Value> values) {
   Ids numbers;
   for (const mel::Value& value : values) numbers.push_back(value.toInt().value_or(kNone));
-  const Index count = mesh::componentCount(mesh, meshKind(flag.takes));
+  const Index count = mesh::componentCount(mesh, flag.takes);
   for (const Index number : numbers)
     if (number < 0 || number >= count)
-      return fail("polySelect -{}: there is no {}[{}]: the mesh has {}.", flag.longName,
-                  scene::componentWord(flag.takes), number, count);
+      return fail(ErrorKind::BadArgument, "polySelect -{}: there is no {}[{}]: the mesh has {}.",
+                  flag.longName, scene::componentWord(flag.takes), number, count);
   if (numbers.size() < flag.numberCount())
     return fail("polySelect: -{} takes two numbers.", flag.longName);
   if (flag.how == SelectFlag::Between) return flag.between(mesh, numbers[0], numbers[1]);
@@ -126,7 +126,7 @@ CommandResult polySelect(Context& context, const ParsedArgs& args) {
   if (items->empty()) return fail("polySelect: name or select a polygon object.");
   const MeshItem& item = items->front();
   const int every = args.integer("everyN", 1);
-  if (every < 1) return fail("polySelect: -everyN must be at least 1.");
+  if (every < 1) return fail(ErrorKind::BadArgument, "polySelect: -everyN must be at least 1.");
   std::vector<ComponentPick> picks;
   mel::IntArray numbers;
   for (const SelectFlag& flag : kFlags) {

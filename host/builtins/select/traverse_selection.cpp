@@ -10,7 +10,7 @@ namespace host::builtins {
 
 namespace {
 
-using mesh::ComponentKind;
+using mesh::ComponentType;
 using mesh::Conversion;
 using scene::ComponentType;
 
@@ -19,13 +19,13 @@ using Ids = std::vector<Index>;
 /// One component set of one mesh.
 struct Region {
   const mesh::Mesh& mesh;
-  ComponentKind kind;
+  ComponentType kind;
   Ids ids;
 
-  [[nodiscard]] Ids to(ComponentKind target, Conversion how = Conversion::Connected) const {
+  [[nodiscard]] Ids to(ComponentType target, Conversion how = Conversion::Connected) const {
     return mesh::convertComponents(mesh, kind, ids, target, how, mesh.currentUvSet());
   }
-  [[nodiscard]] Ids from(ComponentKind source, const Ids& others,
+  [[nodiscard]] Ids from(ComponentType source, const Ids& others,
                          Conversion how = Conversion::Connected) const {
     return mesh::convertComponents(mesh, source, others, kind, how, mesh.currentUvSet());
   }
@@ -35,14 +35,14 @@ struct Region {
 /// others over edges.
 Ids neighbourhood(const Region& region) {
   switch (region.kind) {
-    case ComponentKind::Vertex:
-      return region.from(ComponentKind::Edge, region.to(ComponentKind::Edge));
-    case ComponentKind::Edge:
-    case ComponentKind::Face:
-    case ComponentKind::VertexFace:
-      return region.from(ComponentKind::Vertex, region.to(ComponentKind::Vertex));
-    case ComponentKind::Uv:
-      return region.from(ComponentKind::Face, region.to(ComponentKind::Face));
+    case ComponentType::Vertex:
+      return region.from(ComponentType::Edge, region.to(ComponentType::Edge));
+    case ComponentType::Edge:
+    case ComponentType::Face:
+    case ComponentType::VertexFace:
+      return region.from(ComponentType::Vertex, region.to(ComponentType::Vertex));
+    case ComponentType::Uv:
+      return region.from(ComponentType::Face, region.to(ComponentType::Face));
   }
   return region.ids;
 }
@@ -86,18 +86,18 @@ Ids shrink(const Region& region) {
 }
 
 Ids shells(const Region& region) {
-  return region.from(ComponentKind::Face,
-                     mesh::connectedFaces(region.mesh, region.to(ComponentKind::Face)));
+  return region.from(ComponentType::Face,
+                     mesh::connectedFaces(region.mesh, region.to(ComponentType::Face)));
 }
 
 /// Border edges of the mesh on the shells that the region touches, as components of the region's
 /// kind.
 Ids shellBorder(const Region& region) {
-  const Region faces{region.mesh, ComponentKind::Face,
-                     mesh::connectedFaces(region.mesh, region.to(ComponentKind::Face))};
-  Ids edges = faces.to(ComponentKind::Edge);
+  const Region faces{region.mesh, ComponentType::Face,
+                     mesh::connectedFaces(region.mesh, region.to(ComponentType::Face))};
+  Ids edges = faces.to(ComponentType::Edge);
   std::erase_if(edges, [&](EdgeId e) { return !region.mesh.adjacency().isBorderEdge(e); });
-  return region.kind == ComponentKind::Edge ? edges : region.from(ComponentKind::Edge, edges);
+  return region.kind == ComponentType::Edge ? edges : region.from(ComponentType::Edge, edges);
 }
 
 using Step = Ids (*)(const Region&);
@@ -108,8 +108,7 @@ Result<void> traverse(Context& context, Step step) {
   std::vector<ComponentPick> picks;
   for (const MeshItem& item : *items) {
     for (const scene::Component& component : item.components) {
-      const Region region{item.mesh, meshKind(component.type()),
-                          componentIds(item.mesh, component)};
+      const Region region{item.mesh, component.type(), componentIds(item.mesh, component)};
       picks.push_back({&item, component.type(), step(region)});
     }
   }

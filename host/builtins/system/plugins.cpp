@@ -6,7 +6,8 @@ namespace host::builtins {
 namespace {
 
 Result<cmd::PluginLoader*> loaderOf(Context& context) {
-  if (!context.session.pluginLoader) return fail("This program can't load plug-ins.");
+  if (!context.session.pluginLoader)
+    return fail(ErrorKind::Unsupported, "This program can't load plug-ins.");
   return context.session.pluginLoader.get();
 }
 
@@ -21,7 +22,10 @@ CommandResult loadPlugin(Context& context, const ParsedArgs& args) {
       return failWith(std::move(name.error()));
     }
     if (args.has("addCallback"))
-      context.session.loop().defer(args.text("addCallback") + " \"" + *name + "\"");
+      context.session.loop().deferTask(
+          [&session = context.session, plugIn = *name, procedure = args.text("addCallback")] {
+            (void)session.call(procedure, std::vector{mel::Value(plugIn)});
+          });
     names.push_back(std::move(*name));
   }
   return toValue(std::move(names));
@@ -64,9 +68,9 @@ CommandResult pluginInfo(Context& context, const ParsedArgs& args) {
     if (info) return queryPlugin(*info, args);
     if (args.has("loaded") || args.has("registered") || args.has("autoload"))
       return mel::Value(false);
-    return fail("pluginInfo: the plug-in '{}' is not loaded.", name);
+    return fail(ErrorKind::NotFound, "pluginInfo: the plug-in '{}' is not loaded.", name);
   }
-  if (!info) return fail("pluginInfo: the plug-in '{}' is not loaded.", name);
+  if (!info) return fail(ErrorKind::NotFound, "pluginInfo: the plug-in '{}' is not loaded.", name);
   if (args.has("autoload")) loader->setAutoload(name, args.boolean("autoload"));
   return mel::Value();
 }

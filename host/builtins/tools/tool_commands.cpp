@@ -21,7 +21,7 @@ std::string toolName(Context& context, const std::string& name) {
 CommandResult setToolTo(Context& context, const ParsedArgs& args) {
   const std::string name = toolName(context, args.firstObject());
   if (!workspaceOf(context.session).toolbox.find(name))
-    return fail("setToolTo: Tool '{}' not found.", name);
+    return fail(ErrorKind::NotFound, "setToolTo: Tool '{}' not found.", name);
   auto changed = workspaceOf(context.session).toolbox.setCurrent(name);
   if (!changed) return failWith(std::move(changed.error()));
   context.session.scriptJobs().triggerEvent("PostToolChanged");
@@ -36,7 +36,7 @@ CommandResult contextInfo(Context& context, const ParsedArgs& args) {
   const std::string name = args.firstObject();
   const auto tool = workspaceOf(context.session).toolbox.find(name);
   if (args.has("exists")) return mel::Value(tool != nullptr);
-  if (!tool) return fail("contextInfo: Tool '{}' not found.", name);
+  if (!tool) return fail(ErrorKind::NotFound, "contextInfo: Tool '{}' not found.", name);
   if (args.has("class")) return mel::Value(tool->className());
   if (args.has("title")) return mel::Value(tool->title);
   for (std::size_t i = 0; i < tool->images.size(); ++i)
@@ -75,7 +75,7 @@ CommandResult tumbleCtx(Context& context, const ParsedArgs& args) {
   const bool isKnown = name == "tumbleContext";
   if (args.has("exists")) return mel::Value(isKnown);
   if (args.isCreate()) return fail("tumbleCtx: a view has one tumble tool: edit 'tumbleContext'.");
-  if (!isKnown) return fail("tumbleCtx: Tool '{}' not found.", name);
+  if (!isKnown) return fail(ErrorKind::NotFound, "tumbleCtx: Tool '{}' not found.", name);
   if (args.isEdit()) {
     HOST_TRY(editTumble(settings, args));
     return mel::Value(name);

@@ -4,14 +4,17 @@
 #include <optional>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
 #include "host/cmd/loop.h"
 #include "host/math/box.h"
+#include "host/nodes/mesh_components.h"
 #include "host/tools/hand.h"
 #include "host/viewport/scene_gather.h"
 #include "host/workspace/workspace.h"
 
 namespace host::builtins {
+
+using nodes::MeshItem;
+using nodes::meshItems;
 namespace {
 
 using workspace::ScriptHand;
@@ -105,8 +108,7 @@ class GestureCall {
   }
 
   Result<void> run() {
-    if (const auto fits = hand_.use(options()); !fits)
-      return fail("viewGesture: {}", fits.error().message);
+    if (const auto fits = hand_.use(options()); !fits) return failAt("viewGesture", fits.error());
     if (args_.has("port")) view().port = {args_.integer("port", 1, 0), args_.integer("port", 1, 1)};
     for (const std::string& key : args_.texts("key")) hand_.strike(key);
     HOST_TRY(each("hover", "hoverAt", &tools::Hand::hover));
@@ -160,8 +162,7 @@ class GestureCall {
       else
         continue;
       if (!at) return failWith(at.error());
-      if (const auto done = (hand_.*event)(*at); !done)
-        return fail("viewGesture: {}", done.error().message);
+      if (const auto done = (hand_.*event)(*at); !done) return failAt("viewGesture", done.error());
     }
     return {};
   }
@@ -170,7 +171,7 @@ class GestureCall {
   Result<ViewPoint> placeOf(const std::string& name, bool mustShow) const {
     const View& view = this->view();
     const auto center = centerOf(context_.document, name);
-    if (!center) return fail("viewGesture: {}", center.error().message);
+    if (!center) return failAt("viewGesture", center.error());
     const auto path = workspace::cameraPath(context_.document, view.cameraName);
     if (!path) return failWith(path.error());
     const auto camera = viewport::gatherCamera(*path);
@@ -206,7 +207,7 @@ std::optional<CommandResult> handleRecording(Context& context, const ParsedArgs&
     if (file) return CommandResult(mel::Value(*file));
     done = failWith(file.error());
   }
-  if (!done) return CommandResult(fail("viewGesture: {}", done.error().message));
+  if (!done) return CommandResult(failAt("viewGesture", done.error()));
   return CommandResult(mel::Value());
 }
 

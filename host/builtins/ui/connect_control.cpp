@@ -1,8 +1,8 @@
 // connectControl: a field and an attribute that show the same number.
 #include <algorithm>
 
-#include "host/builtins/common/plug_values.h"
 #include "host/builtins/ui/control_values.h"
+#include "host/cmd/plug_values.h"
 #include "host/workspace/workspace.h"
 
 namespace host::builtins {
@@ -48,7 +48,7 @@ class ConnectedControls final : public dg::GraphObserver {
     const auto control = tree.find(tie.control);
     if (!control) return {};
     const auto value =
-        readPlug(session_->document().graph(), session_->document().units(), tie.plug);
+        cmd::readPlug(session_->document().graph(), session_->document().units(), tie.plug);
     if (!value) return failWith(value.error());
     ui::Values values;
     if (value->type() == mel::Type::FloatArray) {
@@ -102,7 +102,7 @@ class ConnectedControls final : public dg::GraphObserver {
       isAtWork_ = true;
       dg::Graph& graph = session_->document().graph();
       if (graph.settable(tie.plug))
-        (void)writeNumbers(graph, session_->document().units(), tie.plug, values);
+        (void)cmd::writeNumbers(graph, session_->document().units(), tie.plug, values);
       isAtWork_ = false;
     }
   }

@@ -18,7 +18,8 @@ Result<void> joinDefaultCollection(ui::Tree& tree, ui::Control& control, const P
   control.collection = tree.currentCollection(false);
   tree.touch(control);
   if (!control.collection)
-    return fail("'{}' is in no collection: make a radioCollection before it, or give -collection.",
+    return fail(ErrorKind::NotFound,
+                "'{}' is in no collection: make a radioCollection before it, or give -collection.",
                 control.name);
   return {};
 }
@@ -67,10 +68,10 @@ CommandResult run(Context& context, const ui::ControlType& type, const ParsedArg
   if (name.empty())
     return fail("{}: say which one to {}.", type.name, args.isEdit() ? "edit" : "query");
   auto control = tree.find(name, type);
-  if (!control) return fail("{}: {}", type.name, control.error().message);
+  if (!control) return failAt(type.name, control.error());
   if (args.isEdit()) {
     auto done = applyFlags(tree, **control, args);
-    if (!done) return fail("{}: {}", type.name, done.error().message);
+    if (!done) return failAt(type.name, done.error());
     return mel::Value(ui::Tree::path(**control));
   }
   const ui::Attribute* attribute = type.find(args.queried());

@@ -20,7 +20,7 @@ CommandResult showWindow(Context& context, const ParsedArgs& args) {
   while (window->parent) window = window->parent;
   if (args.hasObjects()) {
     auto found = tree.find(args.firstObject(), *ui::findControlType("window"));
-    if (!found) return fail("showWindow: {}", found.error().message);
+    if (!found) return failAt("showWindow", found.error());
     window = *found;
   }
   window->setValue("visible", {1});
@@ -57,7 +57,7 @@ CommandResult deleteUi(Context& context, const ParsedArgs& args) {
       continue;
     }
     auto control = tree.findIf(name, [&](const ui::Control& each) { return isWanted(each, args); });
-    if (!control) return fail("deleteUI: {}", control.error().message);
+    if (!control) return failAt("deleteUI", control.error());
     HOST_TRY(removeControl(context, **control));
   }
   return mel::Value();
@@ -75,7 +75,7 @@ CommandResult setMenuParent(ui::Tree& tree, const ParsedArgs& args) {
     auto menu = tree.findIf(name, [](const ui::Control& each) {
       return each.type->holdsMenuItems || (each.isKind(ui::Kind::MenuItem) && each.isOn("subMenu"));
     });
-    if (!menu) return fail("setParent: {}", menu.error().message);
+    if (!menu) return failAt("setParent", menu.error());
     tree.setCurrentMenu(*menu);
   }
   return mel::Value(tree.currentMenu() ? ui::Tree::path(*tree.currentMenu()) : std::string());
@@ -95,7 +95,7 @@ CommandResult setParent(Context& context, const ParsedArgs& args) {
     auto found = tree.findIf(name, [](const ui::Control& each) {
       return each.isKind(ui::Kind::Window) || each.isKind(ui::Kind::Layout);
     });
-    if (!found) return fail("setParent: {}", found.error().message);
+    if (!found) return failAt("setParent", found.error());
     parent = *found;
   }
   tree.setCurrentParent(parent);
@@ -128,7 +128,7 @@ CommandResult anyControl(Context& context, const ParsedArgs& args, const char* c
   ui::Tree& tree = treeOf(context);
   auto control = tree.findIf(args.firstObject(), accepts);
   if (args.has("exists")) return mel::Value(control.has_value());
-  if (!control) return fail("{}: {}", command, control.error().message);
+  if (!control) return failAt(command, control.error());
   if (args.isEdit()) {
     HOST_TRY(applyFlags(tree, **control, args));
     return mel::Value(ui::Tree::path(**control));
@@ -153,7 +153,7 @@ void defineAny(CommandRegistry& registry, const char* name, std::vector<ui::Attr
 
 CommandResult objectTypeUi(Context& context, const ParsedArgs& args) {
   auto control = treeOf(context).find(args.firstObject());
-  if (!control) return fail("objectTypeUI: {}", control.error().message);
+  if (!control) return failAt("objectTypeUI", control.error());
   return mel::Value(std::string((*control)->type->name));
 }
 

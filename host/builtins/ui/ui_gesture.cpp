@@ -17,7 +17,7 @@ CommandResult uiGesture(Context& context, const ParsedArgs& args) {
   }
   ui::Tree& tree = workspaceOf(context.session).controls;
   auto control = tree.find(args.firstObject());
-  if (!control) return fail("uiGesture: {}", control.error().message);
+  if (!control) return failAt("uiGesture", control.error());
   ui::Values values;
   for (const char* flag : {"set", "drag"})
     for (int use = 0; use < args.uses(flag); ++use)
@@ -30,7 +30,7 @@ CommandResult uiGesture(Context& context, const ParsedArgs& args) {
   auto scripts = args.has("close")  ? tree.userCloses(**control)
                  : args.has("drag") ? tree.userDrags(**control, values)
                                     : tree.userSets(**control, values);
-  if (!scripts) return fail("uiGesture: {}", scripts.error().message);
+  if (!scripts) return failAt("uiGesture", scripts.error());
   if (args.has("close") && !tree.find(windowPath)) announceRemoved(context, {windowPath});
   runCallbacks(context, *scripts);
   return mel::Value();

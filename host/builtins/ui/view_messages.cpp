@@ -69,14 +69,14 @@ CommandResult headsUpDisplay(Context& context, const ParsedArgs& args) {
   const auto found = displays.byName.find(name);
   const bool mustExist = !args.isCreate() || args.has("remove");
   if (mustExist && found == displays.byName.end())
-    return fail("headsUpDisplay: Object '{}' not found.", name);
+    return fail(ErrorKind::NotFound, "headsUpDisplay: Object '{}' not found.", name);
   if (args.has("remove")) {
     displays.byName.erase(found);
     return mel::Value();
   }
   if (args.isQuery()) return queryDisplay(context, found->second, args);
   if (args.isCreate() && found != displays.byName.end())
-    return fail("Object's name '{}' is not unique.", name);
+    return fail(ErrorKind::BadArgument, "Object's name '{}' is not unique.", name);
   HeadsUpDisplays::Display display =
       found == displays.byName.end() ? HeadsUpDisplays::Display{} : found->second;
   display.section = args.integer("section", display.section);
@@ -85,7 +85,8 @@ CommandResult headsUpDisplay(Context& context, const ParsedArgs& args) {
     return fail("headsUpDisplay: sections are 0 to 9.");
   for (const auto& [other, taken] : displays.byName)
     if (other != name && taken.section == display.section && taken.block == display.block)
-      return fail("headsUpDisplay: block {} of section {} is taken by '{}'.", display.block,
+      return fail(ErrorKind::BadArgument,
+                  "headsUpDisplay: block {} of section {} is taken by '{}'.", display.block,
                   display.section, other);
   display.label = args.text("label", display.label);
   display.command = args.text("command", display.command);

@@ -28,7 +28,8 @@ CommandResult windowPref(Context& context, const ParsedArgs& args) {
   const auto found = places.find(name);
   if (args.has("exists")) return mel::Value(found != places.end());
   if (args.has("remove") || args.isQuery() || args.isEdit()) {
-    if (found == places.end()) return fail("windowPref: Object '{}' not found.", name);
+    if (found == places.end())
+      return fail(ErrorKind::NotFound, "windowPref: Object '{}' not found.", name);
     if (args.has("remove")) {
       places.erase(found);
       return mel::Value();

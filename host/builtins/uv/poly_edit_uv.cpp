@@ -42,7 +42,8 @@ ops::UvTransform transformOf(const ParsedArgs& args) {
 
 Result<void> edit(Context& context, const ParsedArgs& args, const UvItem& item) {
   for (const char* flag : {"uValue", "vValue", "pivotU", "pivotV", "scaleU", "scaleV", "angle"})
-    if (!std::isfinite(args.real(flag))) return fail("-{} is not a number.", flag);
+    if (!std::isfinite(args.real(flag)))
+      return fail(ErrorKind::BadArgument, "-{} is not a number.", flag);
   mesh::UvSet set = item.item.mesh.uvSet(item.set);
   const ops::UvTransform transform = transformOf(args);
   ops::transformUvs(set, item.uvs, transform);
@@ -87,8 +88,7 @@ CommandResult polyEditUv(Context& context, const ParsedArgs& args, const char* n
     for (UvItem& item : *items) growToShells(item);
   if (args.isQuery()) return placesOf(args, *items);
   for (const UvItem& item : *items)
-    if (auto done = edit(context, args, item); !done)
-      return fail("{}: {}", name, done.error().message);
+    if (auto done = edit(context, args, item); !done) return failAt(name, done.error());
   return mel::Value(true);
 }
 

@@ -61,7 +61,7 @@ CommandResult polyForceUv(Context& context, const ParsedArgs& args) {
       words.emplace_back(true);
     }
     for (const std::string& name : list->names()) words.emplace_back(name);
-    auto done = runByName(context, "polyPlanarProjection", std::move(words));
+    auto done = context.session.callCommand("polyPlanarProjection", words);
     return done ? CommandResult(mel::Value(true)) : done;
   }
   for (const MeshItem& item : *items) {

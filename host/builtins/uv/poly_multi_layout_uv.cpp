@@ -9,6 +9,9 @@
 
 namespace host::builtins {
 
+using nodes::MeshItem;
+using nodes::meshItems;
+
 namespace {
 
 using Options = ops::LayoutOptions;
@@ -96,7 +99,7 @@ CommandResult polyMultiLayoutUv(Context& context, const ParsedArgs& args) {
     parts.push_back(std::move(*part));
   }
   const auto done = ops::layoutUvs(parts, *options);
-  if (!done) return fail("polyMultiLayoutUV: {}", done.error().message);
+  if (!done) return failAt("polyMultiLayoutUV", done.error());
   for (std::size_t i = 0; i < distinct.size(); ++i)
     HOST_TRY(placeMovedUvs(context.document, distinct[i], parts[i].uvSet,
                            meshes[i].uvSet(parts[i].uvSet)));

@@ -52,7 +52,7 @@ CommandResult polyProjection(Context& context, const ParsedArgs& args) {
   auto list = args.resolveObjects(context.document);
   if (!list) return failWith(std::move(list.error()));
   for (const std::string& name : list->names()) add(name);
-  return runByName(context, kind->command, std::move(words));
+  return context.session.callCommand(kind->command, words);
 }
 
 }  // namespace

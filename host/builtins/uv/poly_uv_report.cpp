@@ -1,10 +1,13 @@
 // polyUVReport: what the UVs of meshes are worth, as numbers or as JSON.
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
+#include "host/nodes/mesh_components.h"
 #include "host/ops/uv/report.h"
 #include "host/ops/uv/uv_ids.h"
 
 namespace host::builtins {
+
+using nodes::MeshItem;
+using nodes::meshItems;
 
 namespace {
 

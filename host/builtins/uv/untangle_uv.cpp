@@ -7,6 +7,9 @@
 
 namespace host::builtins {
 
+using nodes::MeshItem;
+using nodes::meshItems;
+
 namespace {
 
 using Options = ops::UntangleOptions;
@@ -85,7 +88,7 @@ CommandResult untangleUv(Context& context, const ParsedArgs& args) {
     for (Index s = 0; s < all.count; ++s)
       if (isNamed[static_cast<std::size_t>(s)]) shells.push_back(s);
     const auto done = ops::untangleUvs(mesh, set, shells, pinsOf(args, item, set), *options);
-    if (!done) return fail("untangleUV: {}", done.error().message);
+    if (!done) return failAt("untangleUV", done.error());
     if (done->shells == 0 && !done->left.empty()) return fail("untangleUV: {}", done->left.front());
     for (const std::string& sentence : done->left) postMessage(MessageKind::Warning, sentence);
     rounds = std::max(rounds, done->iterations);

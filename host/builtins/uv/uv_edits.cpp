@@ -59,8 +59,8 @@ Result<std::vector<UvItem>> uvItems(Context& context, const ParsedArgs& args,
   for (MeshItem& item : *items) {
     const auto set = ops::findUvSet(item.mesh, args.text("uvSetName"));
     if (!set)
-      return fail("{}: '{}' has no UV set '{}'.", command, item.path.transform().partialName(),
-                  args.text("uvSetName"));
+      return fail(ErrorKind::NotFound, "{}: '{}' has no UV set '{}'.", command,
+                  item.path.transform().partialName(), args.text("uvSetName"));
     // Components are those of the current set; faces and edges are asked for the set named.
     mesh::Mesh seen = item.mesh;
     seen.setCurrentUvSet(*set);
@@ -127,16 +127,6 @@ Result<void> placeMovedUvs(scene::Document& document, const MeshItem& item, int 
       places.push_back(moved.points[uv]);
     }
   return places.empty() ? Result<void>() : placeUvs(document, changed, places);
-}
-
-CommandResult runByName(Context& context, const std::string& command,
-                        std::vector<mel::Value> words) {
-  cmd::Dispatcher& dispatcher = context.session.dispatcher();
-  const mel::CommandHandle* handle = dispatcher.findCommand(command);
-  if (!handle) return fail("There is no command '{}'.", command);
-  mel::Value result;
-  HOST_TRY(dispatcher.invoke(*handle, words, result));
-  return result;
 }
 
 }  // namespace host::builtins

@@ -6,9 +6,14 @@
 #include <vector>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
+#include "host/nodes/mesh_components.h"
 
 namespace host::builtins {
+
+using nodes::componentFromIds;
+using nodes::componentIds;
+using nodes::MeshItem;
+using nodes::meshItems;
 
 /// UVs of one mesh to be worked on.
 struct UvItem {
@@ -33,9 +38,5 @@ Result<void> placeUvs(scene::Document& document, const UvItem& item,
 /// Puts the UVs of a set where `moved` has them; those that stay are left alone.
 Result<void> placeMovedUvs(scene::Document& document, const MeshItem& item, int set,
                            const mesh::UvSet& moved);
-
-/// Runs a command by name with words, as one step of the command that runs now.
-[[nodiscard]] CommandResult runByName(Context& context, const std::string& command,
-                                      std::vector<mel::Value> words);
 
 }  // namespace host::builtins

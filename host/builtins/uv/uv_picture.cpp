@@ -17,10 +17,6 @@ struct Spot {
   double x, y;
 };
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 std::uint8_t byteOf(double part) {
   return static_cast<std::uint8_t>(std::lround(255 * std::clamp(part, 0.0, 1.0)));
 }

@@ -2,12 +2,15 @@
 #include <filesystem>
 
 #include "host/builtins/common/command.h"
-#include "host/builtins/common/mesh_components.h"
 #include "host/builtins/uv/uv_picture.h"
 #include "host/io/picture_file.h"
+#include "host/nodes/mesh_components.h"
 #include "host/ops/uv/uv_ids.h"
 
 namespace host::builtins {
+
+using nodes::MeshItem;
+using nodes::meshItems;
 
 namespace {
 
@@ -41,7 +44,8 @@ Result<UvPictureOptions> optionsOf(const ParsedArgs& args) {
   options.vMin = args.real("vMin", 0);
   options.vMax = args.real("vMax", 1);
   if (!(options.uMin < options.uMax) || !(options.vMin < options.vMax))
-    return fail("uvSnapshot: the range must be from a smaller to a greater number.");
+    return fail(ErrorKind::BadArgument,
+                "uvSnapshot: the range must be from a smaller to a greater number.");
   const std::string colors = args.text("colorBy", "none");
   if (colors == "shell")
     options.fill = UvPictureOptions::Fill::Shells;
@@ -92,7 +96,7 @@ CommandResult uvSnapshot(Context& context, const ParsedArgs& args) {
   for (std::size_t i = 1; i < meshes.size(); ++i)
     drawUvsOver(image, meshes[i].first, meshes[i].second, *options);
   const auto written = io::writePicture(file->first, image, file->second);
-  if (!written) return fail("uvSnapshot: {}", written.error().message);
+  if (!written) return failAt("uvSnapshot", written.error());
   return mel::Value();
 }
 

@@ -17,7 +17,7 @@ std::vector<std::string> isolatedNames(const View& view) {
 CommandResult isolateSelect(Context& context, const ParsedArgs& args) {
   const std::string panel = args.firstObject();
   View* const view = workspace::workspaceOf(context.session).views.find(panel);
-  if (!view) return fail("isolateSelect: Object '{}' not found.", panel);
+  if (!view) return fail(ErrorKind::NotFound, "isolateSelect: Object '{}' not found.", panel);
   if (args.isQuery()) {
     if (args.has("state")) return mel::Value(view->isIsolated);
     if (args.has("viewObjects")) return toValue(isolatedNames(*view));

@@ -41,7 +41,7 @@ CommandResult getPanel(Context& context, const ParsedArgs& args) {
   }
   if (args.has("typeOf")) {
     if (!views.find(args.text("typeOf")))
-      return fail("getPanel: Object '{}' not found.", args.text("typeOf"));
+      return fail(ErrorKind::NotFound, "getPanel: Object '{}' not found.", args.text("typeOf"));
     return mel::Value("modelPanel");
   }
   if (args.has("type"))
@@ -57,7 +57,8 @@ CommandResult getPanel(Context& context, const ParsedArgs& args) {
 
 Result<View*> viewNamed(Context& context, const ParsedArgs& args, const char* command) {
   View* view = workspaceOf(context.session).views.find(args.firstObject());
-  if (!view) return fail("{}: Object '{}' not found.", command, args.firstObject());
+  if (!view)
+    return fail(ErrorKind::NotFound, "{}: Object '{}' not found.", command, args.firstObject());
   return view;
 }
 

@@ -187,7 +187,8 @@ Result<void> MaAttributes::writeNumbers(const Plug& plug, const std::vector<MaTo
 Result<dg::Value> MaAttributes::leafValue(const dg::Attribute& leaf, const MaToken& token) const {
   const std::string_view text = token.text;
   if (token.kind == MaToken::Kind::String) {
-    if (leaf.isNumeric()) return fail("'{}' cannot hold a text", leaf.longName);
+    if (leaf.isNumeric())
+      return fail(ErrorKind::BadArgument, "'{}' cannot hold a text", leaf.longName);
     return dg::Value(std::string(text));
   }
   if (token.kind == MaToken::Kind::Word) {
@@ -195,11 +196,11 @@ Result<dg::Value> MaAttributes::leafValue(const dg::Attribute& leaf, const MaTok
                                       kOff[] = {"no", "off", "false"};
     if (std::ranges::find(kOn, text) != std::end(kOn)) return dg::Value(std::int64_t{1});
     if (std::ranges::find(kOff, text) != std::end(kOff)) return dg::Value(std::int64_t{0});
-    return fail("'{}' is not a value of '{}'", text, leaf.longName);
+    return fail(ErrorKind::BadArgument, "'{}' is not a value of '{}'", text, leaf.longName);
   }
   double number = 0;
   if (!readStored(text, storedPerUnit(leaf.type, units_), number))
-    return fail("'{}' is not a number", text);
+    return fail(ErrorKind::BadArgument, "'{}' is not a number", text);
   return dg::Value(number);
 }
 

@@ -7,10 +7,6 @@ namespace {
 
 using Chunk = MaMeshRows::Chunk;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 tl::unexpected<MaFault> faultAt(std::size_t offset, std::string reason) {
   return tl::unexpected<MaFault>(MaFault{offset, std::move(reason)});
 }

@@ -18,10 +18,6 @@ using mesh::Mesh;
 constexpr float kUnlocked = 1e19f;  // stored as 1e+20
 constexpr std::size_t kChunksABlock = 32;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 tl::unexpected<MaFault> faultAt(std::size_t offset, std::string reason) {
   return tl::unexpected<MaFault>(MaFault{offset, std::move(reason)});
 }

@@ -19,10 +19,6 @@ using mesh::Mesh;
 constexpr std::size_t kTriplesAChunk = 166, kPairsAChunk = 250, kColorsAChunk = 125,
                       kFacesAChunk = 500;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// How the statements of one array begin.
 struct ArrayWords {
   std::string path;           ///< ".vt"

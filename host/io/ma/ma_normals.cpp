@@ -5,10 +5,6 @@
 namespace host::io {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// The corner at the same vertex on the other side of an edge, -1 where the fan ends.
 CornerId across(const mesh::Mesh& mesh, const mesh::Adjacency& adjacency, CornerId corner,
                 CornerId walk) {

@@ -16,7 +16,7 @@ Result<std::vector<double>> numbersFrom(const Tokens& tokens, std::size_t first)
   for (std::size_t i = first; i < tokens.size(); ++i) {
     double number = 0;
     if (tokens[i].kind != MaToken::Kind::Number || !MaRow(tokens[i].text).read(number))
-      return fail("'{}' is not a number", tokens[i].text);
+      return fail(ErrorKind::BadArgument, "'{}' is not a number", tokens[i].text);
     numbers.push_back(number);
   }
   return numbers;
@@ -204,7 +204,7 @@ Result<dg::Value> readPayload(std::string_view type, const Tokens& tokens,
         points.push_back({all[i], all[i + 1], all[i + 2], all[i + 3]});
       return points;
     });
-  return fail("values of type '{}' are not known", type);
+  return fail(ErrorKind::Unsupported, "values of type '{}' are not known", type);
 }
 
 }  // namespace host::io

@@ -14,33 +14,30 @@ std::string helpOf(const Parameter& parameter) {
   return parameter.meaning + "; recorded, without effect";
 }
 
-void addFlags(cmd::Syntax& syntax, const Parameter& parameter, cmd::HelpText& help) {
+void addFlags(cmd::Syntax& syntax, const Parameter& parameter) {
   constexpr std::pair<const char*, const char*> kAxes[] = {{"x", "X"}, {"y", "Y"}, {"z", "Z"}};
   const std::vector<ArgType> types = parameter.argTypes();
   for (const FlagNames& names : parameter.flags) {
-    syntax.flag(names.shortName, names.longName, types);
-    help.flags[names.longName] = helpOf(parameter);
+    syntax.flag(names.shortName, names.longName, types).help(helpOf(parameter));
     // Pairs go by the names of their children, triples by the flag's own.
     if (types.size() == 2)
-      for (const AttributePtr& child : parameter.attribute->children) {
-        syntax.flag(child->shortName, child->longName, {types.front()});
-        help.flags[child->longName] = "one number of -" + names.longName;
-      }
+      for (const AttributePtr& child : parameter.attribute->children)
+        syntax.flag(child->shortName, child->longName, {types.front()})
+            .help("one number of -" + names.longName);
     if (types.size() != 3) continue;
     const std::string& child =
         names.childShortName.empty() ? names.shortName : names.childShortName;
     for (const auto& [small, large] : kAxes) {
-      syntax.flag(child + small, names.longName + large, {types.front()});
-      help.flags[names.longName + large] = std::string(large) + " of -" + names.longName;
+      syntax.flag(child + small, names.longName + large, {types.front()})
+          .help(std::string(large) + " of -" + names.longName);
     }
   }
 }
 
-void addFlag(cmd::Syntax& syntax, const ExtraFlag& flag, cmd::HelpText& help) {
-  syntax.flag(flag.shortName, flag.longName, flag.args, flag.modes);
+void addFlag(cmd::Syntax& syntax, const ExtraFlag& flag) {
+  syntax.flag(flag.shortName, flag.longName, flag.args, flag.modes).help(flag.meaning);
   if (flag.isMultiUse) syntax.multiUse();
   if (flag.hasOptionalArgs) syntax.optionalArgs();
-  help.flags[flag.longName] = flag.meaning;
 }
 
 /// What every modelling command has.
@@ -116,13 +113,12 @@ CommandResult create(Context& context, const ParsedArgs& args, const Declaration
 
 }  // namespace
 
-cmd::Syntax syntaxOf(const Declarations& all, const Declaration& declaration, cmd::HelpText& help) {
+cmd::Syntax syntaxOf(const Declarations& all, const Declaration& declaration) {
   cmd::Syntax syntax;
-  help.about = declaration.about;
-  for (const Parameter* parameter : all.parametersOf(declaration))
-    addFlags(syntax, *parameter, help);
-  for (const ExtraFlag& flag : declaration.extraFlags) addFlag(syntax, flag, help);
-  for (const ExtraFlag& flag : commonFlags()) addFlag(syntax, flag, help);
+  syntax.about(declaration.about);
+  for (const Parameter* parameter : all.parametersOf(declaration)) addFlags(syntax, *parameter);
+  for (const ExtraFlag& flag : declaration.extraFlags) addFlag(syntax, flag);
+  for (const ExtraFlag& flag : commonFlags()) addFlag(syntax, flag);
   // What makes a mesh from nothing has no use for what is selected.
   const bool takesSelection = !(declaration.isPrimitive() && declaration.run);
   syntax.editable().queryable().objects(declaration.objectsMinimum, declaration.objectsMaximum,
@@ -134,12 +130,10 @@ void registerCommands(cmd::CommandRegistry& registry) {
   const Declarations& all = declarations();
   for (const Declaration& declaration : all.list()) {
     if (declaration.command.empty()) continue;
-    cmd::HelpText help;
-    const cmd::Syntax syntax = syntaxOf(all, declaration, help);
+    const cmd::Syntax syntax = syntaxOf(all, declaration);
     std::vector<std::string> names = declaration.aliases;
     names.insert(names.begin(), declaration.command);
     for (const std::string& name : names) {
-      cmd::setHelpText(name, help);
       const Result<void> added = registry.add(cmd::CommandSpec{
           name, syntax, [&declaration](Context& context, const ParsedArgs& args) -> CommandResult {
             return args.isCreate() ? create(context, args, declaration)

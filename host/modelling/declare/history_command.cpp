@@ -69,7 +69,8 @@ Result<void> checkEffect(const Declaration& declaration, const FlagTarget& targe
     if ((usual && isSame(*usual)) ||
         std::any_of(parameter.harmless.begin(), parameter.harmless.end(), isSame))
       continue;
-    return fail("{}: -{} has no effect here, so {} can't be had. Leave it out.",
+    return fail(ErrorKind::Unsupported,
+                "{}: -{} has no effect here, so {} can't be had. Leave it out.",
                 declaration.command, flag.longName, value.toText().value_or("that"));
   }
   return {};
@@ -282,7 +283,8 @@ Result<Node*> findHistoryNode(Context& context, const ParsedArgs& args, std::str
       }
     }
   }
-  return fail("There is no {} node in the history of what is named or selected.", nodeType);
+  return fail(ErrorKind::NotFound,
+              "There is no {} node in the history of what is named or selected.", nodeType);
 }
 
 }  // namespace host::modelling

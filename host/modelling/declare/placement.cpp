@@ -133,7 +133,7 @@ Result<void> setPlacementFrame(Context& context, const ParsedArgs& args, Node& n
       isOn(context, node, "worldSpace") ? item.path.inclusiveMatrix() : math::Matrix4();
   math::Box box;
   for (const VertexId vertex :
-       mesh::convertComponents(item.mesh, nodes::meshKind(type), ids, mesh::ComponentKind::Vertex))
+       mesh::convertComponents(item.mesh, type, ids, mesh::ComponentType::Vertex))
     box.add(math::transformPoint(item.mesh.point(vertex), space));
   if (box.isEmpty()) return {};
   if (node.plug("compBoundingBoxMin")) {

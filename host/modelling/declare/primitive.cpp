@@ -70,7 +70,8 @@ Result<void> raise(mesh::Mesh& mesh, const math::Vec3& axis, double baseline) {
     high = std::max(high, height);
   }
   const math::Vec3 by = up * (-baseline * (high - low) * 0.5);
-  if (!math::isFinite(by)) return fail("heightBaseline must be a finite number");
+  if (!math::isFinite(by))
+    return fail(ErrorKind::BadArgument, "heightBaseline must be a finite number");
   for (math::Vec3f& point : mesh.editPoints()) point = (math::Vec3(point) + by).toFloat();
   return {};
 }

@@ -120,7 +120,8 @@ Result<void> chooseUvSet(Context& context, const ParsedArgs& args, Node& node,
   const std::string name = args.text("uvSetName");
   if (!args.boolean("createNewMap")) {
     if (name.empty() || item.mesh.findUvSet(name) >= 0) return {};
-    return fail("'{}' has no UV set '{}'", item.path.transform().partialName(), name);
+    return fail(ErrorKind::NotFound, "'{}' has no UV set '{}'", item.path.transform().partialName(),
+                name);
   }
   const std::string wanted = name.empty() ? "uvSet" : name;
   std::string free = wanted;

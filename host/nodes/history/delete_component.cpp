@@ -76,7 +76,7 @@ void registerDeleteComponent(dg::TypeRegistry& types) {
     mesh::Mesh mesh = data->mesh;
     const mesh::ProvenanceTrail trail(data->mesh);
     if (auto done = deleteListed(mesh, components->value); !done)
-      return fail("{}: {}", node.name(), done.error().message);
+      return failAt(node.name(), done.error());
     scene::MeshGroupsPtr groups =
         data->groups ? carriedGroups(data->groups, mesh, trail.to(mesh)) : nullptr;
     block.output(

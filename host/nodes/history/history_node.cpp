@@ -61,8 +61,7 @@ std::shared_ptr<const HistoryMemo> memoOf(Node& node) {
 
 Result<Computed> finish(const HistoryOperation& operation, HistoryContext& context,
                         const Attribute* output) {
-  if (auto done = operation(context); !done)
-    return fail("{}: {}", context.node().name(), done.error().message);
+  if (auto done = operation(context); !done) return failAt(context.node().name(), done.error());
   context.block.output(output, dg::DataPtr(std::make_shared<MeshData>(std::move(context.mesh))));
   return Computed::Done;
 }
@@ -116,7 +115,7 @@ const Attribute* HistoryContext::find(std::string_view attribute) const {
 Result<int> HistoryContext::choice(std::string_view attribute, int count) const {
   const int value = integer(attribute);
   if (value >= 0 && value < count) return value;
-  return fail("{} must be 0 to {}, not {}", attribute, count - 1, value);
+  return fail(ErrorKind::BadArgument, "{} must be 0 to {}, not {}", attribute, count - 1, value);
 }
 
 void HistoryContext::makes(ComponentType type, std::vector<Index> ids) {

@@ -83,7 +83,8 @@ Result<void> checkCone(const char* what, const ConeOptions& o) {
                           (double(o.subdivisionsHeight) + o.subdivisionsCap)));
   HOST_TRY(checkAxis(o.axis));
   if (o.createUVs < 0 || o.createUVs > 3)
-    return fail("createUVs of a {} must be 0 to 3, not {}", what, o.createUVs);
+    return fail(ErrorKind::BadArgument, "createUVs of a {} must be 0 to 3, not {}", what,
+                o.createUVs);
   return {};
 }
 

@@ -225,7 +225,8 @@ Result<Mesh> makeCube(const CubeOptions& options) {
   HOST_TRY(checkFaceCount(2 * (w * h + w * d + h * d)));
   HOST_TRY(checkAxis(options.axis));
   if (options.createUVs < 0 || options.createUVs > 4)
-    return fail("createUVs of a cube must be 0 to 4, not {}", options.createUVs);
+    return fail(ErrorKind::BadArgument, "createUVs of a cube must be 0 to 4, not {}",
+                options.createUVs);
   return CubeMaker(options).make();
 }
 

@@ -47,7 +47,8 @@ Result<Mesh> makeCylinder(const CylinderOptions& options) {
   HOST_TRY(checkFaceCount(double(sx) * (double(sy) + 2.0 * sc)));
   HOST_TRY(checkAxis(options.axis));
   if (options.createUVs < 0 || options.createUVs > 3)
-    return fail("createUVs of a cylinder must be 0 to 3, not {}", options.createUVs);
+    return fail(ErrorKind::BadArgument, "createUVs of a cylinder must be 0 to 3, not {}",
+                options.createUVs);
 
   double half = 0.5 * options.height;
   if (options.roundCap && options.roundCapHeightCompensate)

@@ -20,7 +20,8 @@ Result<Mesh> makePlane(const PlaneOptions& options) {
   HOST_TRY(checkFaceCount(double(sw) * sh));
   HOST_TRY(checkAxis(options.axis));
   if (options.createUVs < 0 || options.createUVs > 2)
-    return fail("createUVs of a plane must be 0 to 2, not {}", options.createUVs);
+    return fail(ErrorKind::BadArgument, "createUVs of a plane must be 0 to 2, not {}",
+                options.createUVs);
 
   PrimitiveBuilder builder;
   const double largest = std::max(options.width, options.height);

@@ -79,12 +79,13 @@ Mesh PrimitiveBuilder::finish(const Vec3& axis) && {
 
 Result<void> checkSize(const char* what, double size) {
   if (!std::isfinite(size) || size <= 0)
-    return fail("{} must be greater than 0, not {}", what, size);
+    return fail(ErrorKind::BadArgument, "{} must be greater than 0, not {}", what, size);
   return {};
 }
 
 Result<void> checkSubdivisions(const char* what, int count, int least) {
-  if (count < least) return fail("{} must be at least {}, not {}", what, least, count);
+  if (count < least)
+    return fail(ErrorKind::BadArgument, "{} must be at least {}, not {}", what, least, count);
   return {};
 }
 

@@ -16,7 +16,8 @@ Result<Mesh> makeSphere(const SphereOptions& options) {
   HOST_TRY(checkFaceCount(double(sx) * sy));
   HOST_TRY(checkAxis(options.axis));
   if (options.createUVs < 0 || options.createUVs > 2)
-    return fail("createUVs of a sphere must be 0 to 2, not {}", options.createUVs);
+    return fail(ErrorKind::BadArgument, "createUVs of a sphere must be 0 to 2, not {}",
+                options.createUVs);
 
   PrimitiveBuilder builder;
   LatheProfile profile;

@@ -16,9 +16,11 @@ Result<Mesh> makeTorus(const TorusOptions& options) {
   HOST_TRY(checkSubdivisions("Subdivisions around the section", sy, 3));
   HOST_TRY(checkFaceCount(double(sx) * sy));
   HOST_TRY(checkAxis(options.axis));
-  if (!std::isfinite(options.twist)) return fail("The torus's twist must be a finite angle");
+  if (!std::isfinite(options.twist))
+    return fail(ErrorKind::BadArgument, "The torus's twist must be a finite angle");
   if (options.createUVs < 0 || options.createUVs > 1)
-    return fail("createUVs of a torus must be 0 or 1, not {}", options.createUVs);
+    return fail(ErrorKind::BadArgument, "createUVs of a torus must be 0 or 1, not {}",
+                options.createUVs);
 
   PrimitiveBuilder builder;
   for (int j = 0; j < sy; ++j) {

@@ -12,10 +12,6 @@ using mesh::Mesh;
 
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// The direction in which u grows over the triangle at a corner, as long as the triangle is large,
 /// and the sign of the UV triangle's area.
 struct Gradient {

@@ -14,10 +14,6 @@ using mesh::Vec2f;
 
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 bool hasUvs(const Mesh& mesh, int uvSet, CornerId corner) {
   return mesh.cornerUv(uvSet, corner) != kNone;
 }

@@ -9,10 +9,6 @@ namespace {
 
 using math::Vec3;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// The mean over the neighbours of a vertex of what `of` gives for them.
 template <class Of>
 Vec3 meanAround(const Mesh& mesh, VertexId v, Of of) {
@@ -29,10 +25,11 @@ Result<void> averageVertices(Mesh& mesh, std::span<const VertexId> vertices,
   constexpr int kMostIterations = 10000;
   HOST_TRY(checkIds("vertex", vertices, mesh.vertexCount()));
   if (options.iterations < 0 || options.iterations > kMostIterations)
-    return fail("The number of iterations must be 0 to {}, not {}", kMostIterations,
-                options.iterations);
+    return fail(ErrorKind::BadArgument, "The number of iterations must be 0 to {}, not {}",
+                kMostIterations, options.iterations);
   for (const double value : {options.alpha, options.beta})
-    if (!(value >= 0 && value <= 1)) return fail("alpha and beta must be 0 to 1, not {}", value);
+    if (!(value >= 0 && value <= 1))
+      return fail(ErrorKind::BadArgument, "alpha and beta must be 0 to 1, not {}", value);
   std::vector<VertexId> moving = sortedIds(vertices);
   std::erase_if(moving, [&](VertexId v) { return mesh.adjacency().vertexEdges(v).empty(); });
   if (moving.empty() || options.iterations == 0) return {};

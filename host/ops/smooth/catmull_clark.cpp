@@ -8,10 +8,6 @@
 namespace host::ops {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 template <std::size_t N>
 using Point = std::array<double, N>;
 

@@ -15,10 +15,6 @@ namespace {
 constexpr Index kParallelCorners = 100'000;  // fewer are done before a thread starts
 constexpr float kFullCrease = 10;            // and more: infinitely sharp
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 float sharpnessOfCrease(float crease) {
   return crease >= kFullCrease ? kInfinitelySharp : crease;
 }
@@ -364,10 +360,11 @@ Result<SmoothResult> smoothMesh(Mesh& mesh, std::span<const FaceId> faces,
   constexpr double kMostCorners = 4e8;
   HOST_TRY(checkIds("face", faces, mesh.faceCount()));
   if (options.divisions < 0 || options.divisions > kMostDivisions)
-    return fail("The number of divisions must be 0 to {}, not {}", kMostDivisions,
-                options.divisions);
+    return fail(ErrorKind::BadArgument, "The number of divisions must be 0 to {}, not {}",
+                kMostDivisions, options.divisions);
   if (!std::isfinite(options.continuity) || options.continuity < 0 || options.continuity > 1)
-    return fail("The continuity must be 0 to 1, not {}", options.continuity);
+    return fail(ErrorKind::BadArgument, "The continuity must be 0 to 1, not {}",
+                options.continuity);
   double corners = 0;
   const std::vector<FaceId> ids = sortedIds(faces);
   for (const FaceId f : ids) corners += mesh.faceSize(f);

@@ -10,10 +10,6 @@
 namespace host::ops {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 // How many border edges the loop walks in the direction of the face that is there, less those
 // against it.
 int walksWithNeighbours(const Mesh& mesh, std::span<const VertexId> loop) {
@@ -29,16 +25,20 @@ int walksWithNeighbours(const Mesh& mesh, std::span<const VertexId> loop) {
 }
 
 Result<void> checkCorners(const Mesh& mesh, std::span<const PolygonCorner> corners) {
-  if (corners.size() < 3) return fail("A polygon needs at least 3 corners, not {}", corners.size());
+  if (corners.size() < 3)
+    return fail(ErrorKind::BadArgument, "A polygon needs at least 3 corners, not {}",
+                corners.size());
   std::set<VertexId> seen;
   for (const PolygonCorner& corner : corners) {
     if (const auto* point = std::get_if<math::Vec3>(&corner)) {
-      if (!math::isFinite(*point)) return fail("A polygon's points must be finite");
+      if (!math::isFinite(*point))
+        return fail(ErrorKind::BadArgument, "A polygon's points must be finite");
       continue;
     }
     const VertexId v = std::get<VertexId>(corner);
     HOST_TRY(checkIds("vertex", std::span(&v, 1), mesh.vertexCount()));
-    if (!seen.insert(v).second) return fail("Vertex {} appears twice in the polygon", v);
+    if (!seen.insert(v).second)
+      return fail(ErrorKind::BadArgument, "Vertex {} appears twice in the polygon", v);
   }
   return {};
 }
@@ -117,12 +117,15 @@ Result<AppendPolygonResult> appendPolygon(Mesh& mesh, std::span<const PolygonCor
 }
 
 Result<Mesh> createPolygon(std::span<const math::Vec3> points) {
-  if (points.size() < 3) return fail("A polygon needs at least 3 corners, not {}", points.size());
+  if (points.size() < 3)
+    return fail(ErrorKind::BadArgument, "A polygon needs at least 3 corners, not {}",
+                points.size());
   std::vector<math::Vec3f> stored;
   std::vector<VertexId> loop;
   math::Vec3 area;
   for (std::size_t i = 0; i < points.size(); ++i) {
-    if (!math::isFinite(points[i])) return fail("A polygon's points must be finite");
+    if (!math::isFinite(points[i]))
+      return fail(ErrorKind::BadArgument, "A polygon's points must be finite");
     stored.push_back(points[i].toFloat());
     loop.push_back(static_cast<VertexId>(i));
     area += math::cross(points[i] - points[0], points[(i + 1) % points.size()] - points[0]);

@@ -10,10 +10,6 @@ using math::Vec3;
 
 constexpr double kLeastSine = 0.2;  // edges that meet more sharply would send a corner far away
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 }  // namespace
 
 BevelCorners::BevelCorners(const Mesh& mesh, std::span<const EdgeId> edges,

@@ -32,10 +32,6 @@ namespace {
 
 using math::Vec3;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 // Vertices nearer than this fraction of the offset came together; a bevel that is small all over
 // is none of the tolerance's business.
 constexpr double kWeldedShare = 0.01;
@@ -43,12 +39,14 @@ constexpr double kWeldedShare = 0.01;
 Result<math::Matrix4> checkOptions(const BevelEdgesOptions& options) {
   constexpr int kMostSegments = 1000;
   if (options.segments < 1 || options.segments > kMostSegments)
-    return fail("The number of segments must be 1 to {}, not {}", kMostSegments, options.segments);
+    return fail(ErrorKind::BadArgument, "The number of segments must be 1 to {}, not {}",
+                kMostSegments, options.segments);
   for (const double value : {options.offset, options.roundness, options.smoothingAngle,
                              options.mergeTolerance, options.miteringAngle})
-    if (!std::isfinite(value)) return fail("Bevel needs finite numbers");
+    if (!std::isfinite(value)) return fail(ErrorKind::BadArgument, "Bevel needs finite numbers");
   if (options.offset < 0)
-    return fail("The bevel's offset must be 0 or more, not {}", options.offset);
+    return fail(ErrorKind::BadArgument, "The bevel's offset must be 0 or more, not {}",
+                options.offset);
   const auto inverse = math::inverse(options.space);
   if (!inverse) return fail("The object is scaled to nothing; bevel has no space to work in");
   return *inverse;

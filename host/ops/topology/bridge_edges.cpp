@@ -13,10 +13,6 @@ namespace {
 
 using math::Vec3;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// A run of border edges as the faces there walk them.
 struct Side {
   std::vector<VertexId> vertices;  ///< one more than corners when open
@@ -244,10 +240,10 @@ Result<BridgeEdgesResult> bridgeEdges(Mesh& mesh, std::span<const EdgeId> edges,
   constexpr int kMostDivisions = 10000;
   HOST_TRY(checkIds("edge", edges, mesh.edgeCount()));
   if (options.divisions < 0 || options.divisions > kMostDivisions)
-    return fail("The number of divisions must be 0 to {}, not {}", kMostDivisions,
-                options.divisions);
+    return fail(ErrorKind::BadArgument, "The number of divisions must be 0 to {}, not {}",
+                kMostDivisions, options.divisions);
   for (const double value : {options.taper, options.twist, options.smoothingAngle})
-    if (!std::isfinite(value)) return fail("A bridge needs finite numbers");
+    if (!std::isfinite(value)) return fail(ErrorKind::BadArgument, "A bridge needs finite numbers");
   auto sides = SideFinder(mesh).find(sortedIds(edges));
   if (!sides) return failWith(std::move(sides).error());
   if (sides->size() != 2)

@@ -6,14 +6,6 @@
 #include "host/ops/topology/extrude_region.h"
 
 namespace host::ops {
-namespace {
-
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
-}  // namespace
-
 Result<ChipOffResult> chipOff(Mesh& mesh, std::span<const FaceId> faces,
                               const ChipOffOptions& options) {
   HOST_TRY(checkIds("face", faces, mesh.faceCount()));

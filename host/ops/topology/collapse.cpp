@@ -9,10 +9,6 @@
 namespace host::ops {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 // Moves the UVs that listed edges join, face by face, to their means.
 void collapseUvs(mesh::UvSet& set, const Mesh& mesh, std::span<const EdgeId> edges) {
   if (set.cornerIds.empty()) return;

@@ -6,14 +6,6 @@
 #include "host/base/assert.h"
 
 namespace host::ops {
-namespace {
-
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
-}  // namespace
-
 std::vector<CutCorner> partOfLoop(const std::vector<CutCorner>& loop, std::size_t from,
                                   std::size_t to) {
   std::vector<CutCorner> corners;

@@ -21,7 +21,8 @@ struct EditMaps {
 [[nodiscard]] inline Result<void> checkIds(const char* what, std::span<const Index> ids,
                                            Index count) {
   for (const Index id : ids)
-    if (id < 0 || id >= count) return fail("There is no {} {}: the mesh has {}", what, id, count);
+    if (id < 0 || id >= count)
+      return fail(ErrorKind::NotFound, "There is no {} {}: the mesh has {}", what, id, count);
   return {};
 }
 

@@ -13,10 +13,6 @@ using math::Vec3;
 
 constexpr double kLeastMitre = 0.1;  // sharper bends would send an offset corner to infinity
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 class EdgeExtruder {
  public:
   EdgeExtruder(const Mesh& mesh, std::span<const EdgeId> edges, const ExtrudeEdgesOptions& options,

@@ -8,14 +8,6 @@
 #include "host/ops/topology/side_faces.h"
 
 namespace host::ops {
-namespace {
-
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
-}  // namespace
-
 struct ExtrudePlan::Data {
   Data(const Mesh& input, std::span<const FaceId> faces, const ExtrudeFacesOptions& optionsIn)
       : options(optionsIn),

@@ -16,7 +16,8 @@ double blend(double from, double to, double t) {
 Result<math::Matrix4> checkPlacement(const ExtrudePlacement& p) {
   constexpr int kMostDivisions = 10000;
   if (p.divisions < 1 || p.divisions > kMostDivisions)
-    return fail("The number of divisions must be 1 to {}, not {}", kMostDivisions, p.divisions);
+    return fail(ErrorKind::BadArgument, "The number of divisions must be 1 to {}, not {}",
+                kMostDivisions, p.divisions);
   // Beyond this the points would overflow the floats they are stored in.
   constexpr double kLargest = 1e30;
   const auto isUsable = [](double value) { return std::abs(value) <= kLargest; };
@@ -24,13 +25,14 @@ Result<math::Matrix4> checkPlacement(const ExtrudePlacement& p) {
     return isUsable(v.x) && isUsable(v.y) && isUsable(v.z);
   };
   for (const double value : {p.offset, p.thickness, p.taper, p.twist, p.smoothingAngle})
-    if (!isUsable(value)) return fail("{} is no number that an extrusion can use", value);
+    if (!isUsable(value))
+      return fail(ErrorKind::BadArgument, "{} is no number that an extrusion can use", value);
   for (const ExtrudeTransform* t : {&p.local, &p.world})
     for (const math::Vec3& v : {t->translate, t->rotate, t->scale})
       if (!areUsable(v))
         return fail("({}, {}, {}) is nothing that an extrusion can use", v.x, v.y, v.z);
   if (p.pivot && !areUsable(*p.pivot))
-    return fail("The pivot of an extrusion needs usable numbers");
+    return fail(ErrorKind::BadArgument, "The pivot of an extrusion needs usable numbers");
   const auto inverse = math::inverse(p.space);
   if (!inverse) return fail("The object is scaled to nothing; extrusion has no space to work in");
   return *inverse;

@@ -7,10 +7,6 @@ namespace {
 
 using math::Vec3;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 // Two rim edges that meet this sharply would send an offset corner to infinity.
 constexpr double kLeastMitre = 0.1;
 

@@ -6,14 +6,6 @@
 #include "host/mesh/rebuild.h"
 
 namespace host::ops {
-namespace {
-
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
-}  // namespace
-
 FaceJoiner::FaceJoiner(const Mesh& mesh)
     : mesh_(mesh),
       adjacency_(mesh_.adjacency()),

@@ -10,10 +10,6 @@
 namespace host::ops {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Points in cubes as wide as the search distance, so that 27 cubes hold all neighbours.
 class PointGrid {
  public:
@@ -122,7 +118,8 @@ Result<MergeVerticesResult> mergeVertices(Mesh& mesh, std::span<const VertexId> 
                                           const MergeVerticesOptions& options) {
   HOST_TRY(checkIds("vertex", vertices, mesh.vertexCount()));
   if (!std::isfinite(options.distance) || options.distance < 0)
-    return fail("The merge distance must be 0 or more, not {}", options.distance);
+    return fail(ErrorKind::BadArgument, "The merge distance must be 0 or more, not {}",
+                options.distance);
   const std::vector<VertexId> ids = sortedIds(vertices);
   const std::vector<VertexId> targets = findTargets(mesh, ids, options);
   MergeVerticesResult result;

@@ -13,10 +13,6 @@ namespace {
 
 using math::Vec3;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 class Mirrorer {
  public:
   Mirrorer(const Mesh& mesh, const MirrorOptions& options, const math::Matrix4& inverse)
@@ -234,7 +230,7 @@ bool cutAway(Mesh& mesh, const MirrorOptions& options, EditMaps& maps) {
 Result<MirrorResult> mirrorMesh(Mesh& mesh, const MirrorOptions& options) {
   if (!math::isFinite(options.origin) || !math::isFinite(options.normal) ||
       !std::isfinite(options.distance) || !std::isfinite(options.smoothingAngle))
-    return fail("Mirroring needs finite numbers");
+    return fail(ErrorKind::BadArgument, "Mirroring needs finite numbers");
   if (math::lengthSquared(options.normal) == 0)
     return fail("The mirror plane's normal has no length");
   const auto inverse = math::inverse(options.space);

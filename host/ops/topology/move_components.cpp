@@ -7,10 +7,6 @@ namespace {
 
 using math::Vec3;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// The sum of the places that were found for each vertex.
 struct Places {
   explicit Places(const Mesh& mesh) : sums(at(mesh.vertexCount())), counts(sums.size(), 0) {}

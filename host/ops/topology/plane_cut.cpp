@@ -11,10 +11,6 @@ namespace {
 
 using math::Vec3;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 class ZeroCutter {
  public:
   ZeroCutter(const Mesh& mesh, const std::function<double(VertexId)>& valueAt, double tolerance,

@@ -14,10 +14,6 @@ using math::Vec3;
 
 constexpr double kAngleSlack = 1e-5;  // angles at the limit count as within it
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Two triangles that may become a quad, and how far the quad is from a rectangle.
 struct Pair {
   double fault = 0;
@@ -99,7 +95,7 @@ Result<QuadrangulateResult> quadrangulate(Mesh& mesh, std::span<const FaceId> fa
                                           const QuadrangulateOptions& options) {
   HOST_TRY(checkIds("face", faces, mesh.faceCount()));
   if (!std::isfinite(options.angle) || options.angle < 0)
-    return fail("The angle must be 0 or more, not {}", options.angle);
+    return fail(ErrorKind::BadArgument, "The angle must be 0 or more, not {}", options.angle);
   const std::vector<FaceId> ids = sortedIds(faces);
   std::vector<std::uint8_t> isPaired(at(mesh.faceCount()), 0);
   std::vector<EdgeId> edges;

@@ -6,10 +6,6 @@
 namespace host::ops {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 // The direction of each face in its piece: 1 as the piece's lowest face, 2 against it, 0 not
 // listed.
 class Winder {

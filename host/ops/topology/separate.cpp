@@ -6,10 +6,6 @@
 namespace host::ops {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Gives the ids that a piece uses new ones in ascending order. The table is as long as the mesh's
 /// and serves all pieces, so that a piece costs what it holds.
 class Renumbering {

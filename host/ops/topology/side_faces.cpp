@@ -1,14 +1,6 @@
 #include "host/ops/topology/side_faces.h"
 
 namespace host::ops {
-namespace {
-
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
-}  // namespace
-
 std::vector<EdgeSides> detachSideFaces(Mesh& mesh, std::span<const FaceId> sides) {
   for (int s = 0; s < mesh.uvSetCount(); ++s) {
     if (mesh.uvSet(s).cornerIds.empty()) continue;

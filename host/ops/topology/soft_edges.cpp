@@ -11,10 +11,6 @@ namespace {
 // Faces that lie at the angle itself count as within it, whatever their floats say.
 constexpr double kAngleSlack = 1e-5;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 bool isWithin(const Mesh& mesh, FaceId f, FaceId g, double angle, const math::Matrix4* space) {
   math::Vec3 a = mesh::faceNormal(mesh, f), b = mesh::faceNormal(mesh, g);
   if (space) {
@@ -74,7 +70,8 @@ void softenSides(Mesh& mesh, std::span<const EdgeSides> sides, double angle,
 Result<void> softenEdges(Mesh& mesh, std::span<const EdgeId> edges, double angle,
                          const math::Matrix4& space) {
   HOST_TRY(checkIds("edge", edges, mesh.edgeCount()));
-  if (!std::isfinite(angle)) return fail("The angle must be a finite number");
+  if (!std::isfinite(angle))
+    return fail(ErrorKind::BadArgument, "The angle must be a finite number");
   if (edges.empty()) return {};
   const bool isOwnSpace = space == math::Matrix4();
   softenSides(mesh, sidesOfEdges(mesh, sortedIds(edges)), angle, isOwnSpace ? nullptr : &space);

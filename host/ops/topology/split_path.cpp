@@ -76,7 +76,7 @@ class PathSplitter {
     for (const SplitPoint& point : path_) {
       if (point.edge == kNone) {
         if (!std::isfinite(point.point.x + point.point.y + point.point.z))
-          return fail("A point of the path is not a number");
+          return fail(ErrorKind::BadArgument, "A point of the path is not a number");
         continue;
       }
       HOST_TRY(checkIds("edge", std::span(&point.edge, 1), mesh_.edgeCount()));

@@ -11,10 +11,6 @@ namespace {
 // Nearer to an end than this fraction of an edge nothing is cut: it would make edges of no length.
 constexpr double kLeastFraction = 1e-4;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 class RingSplitter {
  public:
   RingSplitter(const Mesh& mesh, std::vector<EdgeId> edges, const SplitRingOptions& options)
@@ -253,10 +249,10 @@ Result<SplitRingResult> splitRing(Mesh& mesh, std::span<const EdgeId> edges,
   constexpr int kMostDivisions = 10000;
   HOST_TRY(checkIds("edge", edges, mesh.edgeCount()));
   if (options.divisions < 1 || options.divisions > kMostDivisions)
-    return fail("The number of divisions must be 1 to {}, not {}", kMostDivisions,
-                options.divisions);
+    return fail(ErrorKind::BadArgument, "The number of divisions must be 1 to {}, not {}",
+                kMostDivisions, options.divisions);
   if (!std::isfinite(options.weight) || !std::isfinite(options.smoothingAngle))
-    return fail("Splitting a ring needs finite numbers");
+    return fail(ErrorKind::BadArgument, "Splitting a ring needs finite numbers");
   if (options.rootEdge != kNone)
     HOST_TRY(checkIds("edge", std::span(&options.rootEdge, 1), mesh.edgeCount()));
   return RingSplitter(mesh, sortedIds(edges), options).run(mesh);

@@ -9,7 +9,9 @@ Result<SubdivideEdgesResult> subdivideEdges(Mesh& mesh, std::span<const EdgeId> 
                                             int divisions) {
   constexpr double kMostVertices = 1e8;
   HOST_TRY(checkIds("edge", edges, mesh.edgeCount()));
-  if (divisions < 1) return fail("The number of divisions must be at least 1, not {}", divisions);
+  if (divisions < 1)
+    return fail(ErrorKind::BadArgument, "The number of divisions must be at least 1, not {}",
+                divisions);
   const std::vector<EdgeId> ids = sortedIds(edges);
   if (static_cast<double>(divisions) * static_cast<double>(ids.size()) > kMostVertices)
     return fail("{} divisions of {} edges are too many", divisions, ids.size());

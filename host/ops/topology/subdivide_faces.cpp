@@ -72,8 +72,8 @@ Result<FacesResult> subdivideFaces(Mesh& mesh, std::span<const FaceId> faces,
   constexpr int kMostDivisions = 8;
   HOST_TRY(checkIds("face", faces, mesh.faceCount()));
   if (options.divisions < 1 || options.divisions > kMostDivisions)
-    return fail("The number of divisions must be 1 to {}, not {}", kMostDivisions,
-                options.divisions);
+    return fail(ErrorKind::BadArgument, "The number of divisions must be 1 to {}, not {}",
+                kMostDivisions, options.divisions);
   Mesh edited = mesh;
   FacesResult all;
   all.faces = sortedIds(faces);

@@ -8,10 +8,6 @@
 namespace host::ops {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 // Puts a part's points and turned normals in place.
 Mesh placed(const UnitePart& part) {
   Mesh mesh = part.mesh;
@@ -141,7 +137,7 @@ class Uniter {
 }  // namespace
 
 Result<Mesh> unite(std::span<const UnitePart> parts) {
-  if (parts.empty()) return fail("Give at least one mesh to unite");
+  if (parts.empty()) return fail(ErrorKind::BadArgument, "Give at least one mesh to unite");
   double corners = 0;
   for (const UnitePart& part : parts) corners += part.mesh.cornerCount() + part.mesh.vertexCount();
   if (corners > std::numeric_limits<Index>::max())

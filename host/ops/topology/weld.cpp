@@ -5,10 +5,6 @@
 namespace host::ops {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 // Drops what closes on itself where the loop's end meets its start.
 void removeSpikesAcrossTheEnd(std::vector<LoopCorner>& loop) {
   std::size_t first = 0;

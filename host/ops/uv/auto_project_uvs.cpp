@@ -24,10 +24,6 @@ using math::Vec3;
 using mesh::Mesh;
 using mesh::Vec2f;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// A direction of view with the image's axes; `facing` looks at the viewer.
 struct View {
   Vec3 right, up, facing;
@@ -95,7 +91,9 @@ class Projection {
     });
     for (const FaceId f : faces_)
       for (const VertexId v : mesh_.faceVertices(f))
-        if (isBad[at(v)]) return fail("vertex {} can't be projected: its place is no number", v);
+        if (isBad[at(v)])
+          return fail(ErrorKind::BadArgument,
+                      "vertex {} can't be projected: its place is no number", v);
     return {};
   }
 

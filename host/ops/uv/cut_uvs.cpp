@@ -16,10 +16,6 @@ namespace {
 using mesh::Adjacency;
 using mesh::Mesh;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// The corners of one vertex, joined across the edges that stay.
 class VertexGroups {
  public:

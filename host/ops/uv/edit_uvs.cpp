@@ -16,10 +16,6 @@ using mesh::Mesh;
 using mesh::UvSet;
 using mesh::Vec2f;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Numbers in [-1, 1) that depend on seed, UV and count alone.
 class Chance {
  public:

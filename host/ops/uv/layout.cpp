@@ -11,10 +11,6 @@ namespace {
 
 using flat::Point;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// One shell, or several that lie on each other and move as one.
 struct Group {
   struct Member {
@@ -64,10 +60,11 @@ class Layout {
       const auto& points = part.mesh->uvSet(part.uvSet).points;
       for (const Index shell : part.shells) {
         if (shell < 0 || shell >= topology.shellCount)
-          return fail("There is no UV shell {}.", shell);
+          return fail(ErrorKind::NotFound, "There is no UV shell {}.", shell);
         for (const UvId uv : topology.uvs.of(shell))
           if (!std::isfinite(points[at(uv)].u) || !std::isfinite(points[at(uv)].v))
-            return fail("UV {} is not a number; give it a place before laying out.", uv);
+            return fail(ErrorKind::BadArgument,
+                        "UV {} is not a number; give it a place before laying out.", uv);
         groups_.push_back(groupOf(p, shell));
       }
       for (const Index shell : part.standing) standing_.push_back({groupOf(p, shell).triangles});
@@ -380,7 +377,7 @@ class Layout {
 Result<LayoutResult> layoutUvs(std::span<const LayoutPart> parts, const LayoutOptions& options) {
   for (const LayoutPart& part : parts)
     if (part.uvSet < 0 || part.uvSet >= part.mesh->uvSetCount())
-      return fail("There is no UV set {}.", part.uvSet);
+      return fail(ErrorKind::NotFound, "There is no UV set {}.", part.uvSet);
   if (!(options.sizeU > 0) || !(options.sizeV > 0))
     return fail("The area to fill must have a size above 0.");
   return Layout(parts, options).run();

@@ -15,10 +15,6 @@ namespace {
 using mesh::Mesh;
 using Place = FlatPiece::Place;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 double cross(const Place& a, const Place& b, const Place& c) {
   return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
 }

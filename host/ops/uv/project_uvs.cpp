@@ -21,10 +21,6 @@ using mesh::Vec2f;
 
 constexpr double kPi = std::numbers::pi;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Where a corner is seen: its place before the image is placed, and what it shares its UV with.
 struct Seen {
   double u = 0, v = 0;

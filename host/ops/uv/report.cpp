@@ -11,10 +11,6 @@ namespace {
 
 using flat::Point;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Values with weights: their mean, and what a part of the weight stays below.
 class Weighed {
  public:
@@ -115,7 +111,7 @@ Result<void> checkNumbers(const mesh::Mesh& mesh, const mesh::UvSet& set) {
     if (set.cornerIds[c] == kNone) continue;
     const mesh::Vec2f& p = set.points[at(set.cornerIds[c])];
     if (!std::isfinite(p.u) || !std::isfinite(p.v))
-      return fail("UV {} is not a number.", set.cornerIds[c]);
+      return fail(ErrorKind::BadArgument, "UV {} is not a number.", set.cornerIds[c]);
     const VertexId v = mesh.cornerVertex(static_cast<CornerId>(c));
     if (!math::isFinite(mesh.point(v))) return fail("Vertex {} is not at a place.", v);
   }
@@ -125,9 +121,10 @@ Result<void> checkNumbers(const mesh::Mesh& mesh, const mesh::UvSet& set) {
 }  // namespace
 
 Result<UvReport> uvReport(const mesh::Mesh& mesh, int uvSet, const UvReportOptions& options) {
-  if (uvSet < 0 || uvSet >= mesh.uvSetCount()) return fail("There is no UV set {}.", uvSet);
+  if (uvSet < 0 || uvSet >= mesh.uvSetCount())
+    return fail(ErrorKind::NotFound, "There is no UV set {}.", uvSet);
   if (options.mapSize < 0 || options.mapSize > 16384)
-    return fail("The size of the map must be from 0 to 16384 pixels.");
+    return fail(ErrorKind::BadArgument, "The size of the map must be from 0 to 16384 pixels.");
   const mesh::UvSet& set = mesh.uvSet(uvSet);
   HOST_TRY(checkNumbers(mesh, set));
   const LongWork work("Measuring UVs");

@@ -12,10 +12,6 @@ namespace {
 
 using flat::Point;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 Index rootOf(std::vector<Index>& parents, Index i) {
   while (parents[at(i)] != i) i = parents[at(i)] = parents[at(parents[at(i)])];
   return i;

@@ -14,10 +14,6 @@
 namespace host::ops {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 bool hasArea(const mesh::Mesh& mesh, FaceId f) {
   const auto vertices = mesh.faceVertices(f);
   const mesh::Vec3 origin = mesh.point(vertices[0]);
@@ -267,10 +263,10 @@ Result<SeamFlags> seamsBetween(const mesh::Mesh& mesh,
   SeamFlags seams(at(mesh.edgeCount()), 0);
   for (const auto& [a, b] : pairs) {
     if (std::min(a, b) < 0 || std::max(a, b) >= mesh.vertexCount())
-      return fail("There is no vertex {}; the mesh has {}.", a < 0 ? a : std::max(a, b),
-                  mesh.vertexCount());
+      return fail(ErrorKind::NotFound, "There is no vertex {}; the mesh has {}.",
+                  a < 0 ? a : std::max(a, b), mesh.vertexCount());
     const EdgeId e = mesh.adjacency().findEdge(a, b);
-    if (e == kNone) return fail("No edge joins the vertices {} and {}.", a, b);
+    if (e == kNone) return fail(ErrorKind::NotFound, "No edge joins the vertices {} and {}.", a, b);
     seams[at(e)] = 1;
   }
   return seams;

@@ -10,10 +10,6 @@
 namespace host::ops {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Grows pieces of faces over edges that UVs share.
 class Separation {
  public:

@@ -13,10 +13,6 @@ namespace {
 using mesh::Adjacency;
 using mesh::Mesh;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// One side of an edge that may be closed, met on the way along a border.
 struct Side {
   Index slot = kNone;

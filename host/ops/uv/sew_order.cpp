@@ -16,10 +16,6 @@ using math::Vec3;
 using mesh::Adjacency;
 using mesh::Mesh;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 Vec3 areaVector(const Mesh& mesh, FaceId face) {
   const auto loop = mesh.faceVertices(face);
   const Vec3 origin = mesh.point(loop[0]);

@@ -24,10 +24,6 @@ using mesh::Adjacency;
 using mesh::Mesh;
 using mesh::Vec2f;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Shells on their way to becoming one, by the first of them.
 class Joining {
  public:

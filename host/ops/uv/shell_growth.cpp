@@ -8,10 +8,6 @@ namespace host::ops {
 
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// The UVs at the ends of a sewable edge, as its two faces have them; `b` runs against `a`.
 struct EdgeSides {
   UvId aStart, aEnd, bStart, bEnd;

@@ -16,10 +16,6 @@ using mesh::Adjacency;
 using mesh::Mesh;
 using mesh::Vec2f;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// UVs along a border in the direction of its faces, from one end to the other.
 using Run = std::vector<UvId>;
 

@@ -20,10 +20,6 @@ using math::Vec3;
 using mesh::Mesh;
 using mesh::Vec2f;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Answers where on the source a point of the target, in its object space, is.
 class Sampler {
  public:
@@ -180,7 +176,9 @@ class Transfer {
     const int from = options_.sourceColorSet.empty()
                          ? source_.currentColorSet()
                          : source_.findColorSet(options_.sourceColorSet);
-    if (from < 0) return fail("the source has no colour set '{}'", options_.sourceColorSet);
+    if (from < 0)
+      return fail(ErrorKind::NotFound, "the source has no colour set '{}'",
+                  options_.sourceColorSet);
     pairs.push_back({from, options_.targetColorSet.empty() ? source_.colorSet(from).name
                                                            : options_.targetColorSet});
     return pairs;

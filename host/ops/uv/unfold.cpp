@@ -12,10 +12,6 @@ namespace {
 
 using flat::Point;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Fewer rounds than this go on from the UVs as they are, so that one can watch them unfold.
 constexpr int kFewIterations = 10;
 
@@ -223,16 +219,19 @@ ShellOutcome unfoldShell(PieceMaker& maker, Index shellId, std::span<const std::
 Result<UnfoldResult> unfoldUvs(mesh::Mesh& mesh, int uvSet, std::span<const Index> shells,
                                std::span<const std::uint8_t> isPinned,
                                const UnfoldOptions& options) {
-  if (uvSet < 0 || uvSet >= mesh.uvSetCount()) return fail("There is no UV set {}.", uvSet);
+  if (uvSet < 0 || uvSet >= mesh.uvSetCount())
+    return fail(ErrorKind::NotFound, "There is no UV set {}.", uvSet);
   if (!isPinned.empty() && isPinned.size() != mesh.uvSet(uvSet).points.size())
     return fail("Pins are given for {} UVs, but the set has {}.", isPinned.size(),
                 mesh.uvSet(uvSet).points.size());
-  if (options.iterations < 0) return fail("Iterations must not be negative.");
+  if (options.iterations < 0)
+    return fail(ErrorKind::BadArgument, "Iterations must not be negative.");
   if (options.useScale && !(options.scale > 0 && std::isfinite(options.scale)))
-    return fail("The scale must be above 0.");
+    return fail(ErrorKind::BadArgument, "The scale must be above 0.");
   PieceMaker maker(mesh, uvSet);
   for (const Index s : shells)
-    if (s < 0 || s >= maker.topology().shellCount) return fail("There is no UV shell {}.", s);
+    if (s < 0 || s >= maker.topology().shellCount)
+      return fail(ErrorKind::NotFound, "There is no UV shell {}.", s);
   std::vector<ShellOutcome> outcomes(shells.size());
   std::atomic<std::size_t> next = 0;
   LongWork work("Unfolding", shells.size());

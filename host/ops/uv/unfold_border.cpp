@@ -6,10 +6,6 @@
 namespace host::ops::flat {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Whether two edges out of one point lie on each other.
 bool foldsBack(Point shared, Point a, Point b) {
   return orientation(shared, a, b) == 0 && dot(a - shared, b - shared) > 0;

@@ -13,10 +13,6 @@
 namespace host::ops::flat {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 constexpr Index kCoarsest = 60;            ///< vertices
 constexpr std::size_t kNewtonMost = 3000;  ///< vertices up to which all are moved at once
 /// The same where some are held: nothing coarser has brought the large shape near its best there,

@@ -8,10 +8,6 @@
 namespace host::ops::flat {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 constexpr std::size_t kMostTriangles = 24;  ///< a vertex with more of them stays
 constexpr float kNever = 3e38f;
 

@@ -7,10 +7,6 @@
 namespace host::ops::flat {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 using Vector6 = std::array<double, 6>;
 
 /// The positive part of an element's second derivatives as up to four weighted directions.

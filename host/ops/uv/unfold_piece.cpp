@@ -6,10 +6,6 @@
 namespace host::ops {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 constexpr VertexId kSeveral = -2;
 
 /// A face's area is nothing when rounding of its points could make as much of it.
@@ -71,7 +67,8 @@ Result<void> PieceMaker::checkFaces(Index shell) const {
     if (!math::isFinite(mesh_.point(vertexOf_[at(uv)])))
       return fail("vertex {} is not at a place", vertexOf_[at(uv)]);
     const mesh::Vec2f p = mesh_.uvSet(uvSet_).points[at(uv)];
-    if (!std::isfinite(p.u) || !std::isfinite(p.v)) return fail("UV {} is not a number", uv);
+    if (!std::isfinite(p.u) || !std::isfinite(p.v))
+      return fail(ErrorKind::BadArgument, "UV {} is not a number", uv);
   }
   return {};
 }

@@ -7,10 +7,6 @@
 namespace host::ops::flat {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 constexpr std::size_t kGrain = 4096;  ///< vertices worth a thread
 
 }  // namespace

@@ -7,10 +7,6 @@
 namespace host::ops::flat {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// The border rings of those vertices that are in, the one with the longest way around first.
 std::vector<std::vector<Index>> ringsOf(const Border& border, std::span<const math::Vec3> points) {
   std::vector<std::vector<Index>> rings;

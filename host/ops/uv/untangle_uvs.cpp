@@ -12,10 +12,6 @@ namespace {
 using flat::Point;
 using MapBorder = UntangleOptions::MapBorder;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// The border ring with the longest way around on the surface, in its direction.
 std::vector<Index> longestRing(const flat::Piece& piece) {
   std::vector<Index> longest;
@@ -234,7 +230,8 @@ bool staysUpright(const flat::Piece& piece, const std::vector<std::uint8_t>& isF
 Result<UnfoldResult> untangleUvs(mesh::Mesh& mesh, int uvSet, std::span<const Index> shells,
                                  std::span<const std::uint8_t> isPinned,
                                  const UntangleOptions& options) {
-  if (uvSet < 0 || uvSet >= mesh.uvSetCount()) return fail("There is no UV set {}.", uvSet);
+  if (uvSet < 0 || uvSet >= mesh.uvSetCount())
+    return fail(ErrorKind::NotFound, "There is no UV set {}.", uvSet);
   if (!isPinned.empty() && isPinned.size() != mesh.uvSet(uvSet).points.size())
     return fail("Pins are given for {} UVs, but the set has {}.", isPinned.size(),
                 mesh.uvSet(uvSet).points.size());
@@ -243,7 +240,8 @@ Result<UnfoldResult> untangleUvs(mesh::Mesh& mesh, int uvSet, std::span<const In
   std::vector<mesh::Vec2f> points = mesh.uvSet(uvSet).points;
   LongWork work("Untangling", shells.size());
   for (const Index s : shells) {
-    if (s < 0 || s >= maker.topology().shellCount) return fail("There is no UV shell {}.", s);
+    if (s < 0 || s >= maker.topology().shellCount)
+      return fail(ErrorKind::NotFound, "There is no UV shell {}.", s);
     work.advance();
     auto shell = maker.make(s);
     if (!shell) {

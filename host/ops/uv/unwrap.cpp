@@ -25,8 +25,8 @@ void dropShells(mesh::UvSet& set, const mesh::UvShells& shells,
 Result<UnwrapResult> unfoldMesh(mesh::Mesh& work, SeamFlags& seams) {
   if (work.faceCount() == 0) return fail("The mesh has no faces.");
   if (seams.size() != static_cast<std::size_t>(work.edgeCount()))
-    return fail("Seams are given for {} edges, but the mesh has {}.", seams.size(),
-                work.edgeCount());
+    return fail(ErrorKind::BadArgument, "Seams are given for {} edges, but the mesh has {}.",
+                seams.size(), work.edgeCount());
   UnwrapResult result;
   const int set = work.currentUvSet();
   result.opened = openPieces(work, seams);

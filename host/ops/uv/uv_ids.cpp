@@ -7,17 +7,10 @@
 
 namespace host::ops {
 
-namespace {
-
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
-}  // namespace
-
 Result<int> findUvSet(const mesh::Mesh& mesh, std::string_view name) {
   const int set = name.empty() ? mesh.currentUvSet() : mesh.findUvSet(name);
-  if (set < 0 || set >= mesh.uvSetCount()) return fail("the mesh has no UV set '{}'", name);
+  if (set < 0 || set >= mesh.uvSetCount())
+    return fail(ErrorKind::NotFound, "the mesh has no UV set '{}'", name);
   return set;
 }
 

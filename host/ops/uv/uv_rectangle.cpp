@@ -10,10 +10,6 @@ namespace {
 using mesh::Adjacency;
 using mesh::Mesh;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// A cell of a grid of quads is known by the corner at its lower left; its bottom runs along the
 /// corner's edge.
 class Cells {

@@ -5,10 +5,6 @@
 namespace host::ops {
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// The UVs at both ends of a corner's edge, in the direction of the edge's own ends.
 struct UvEnds {
   UvId a = kNone, b = kNone;

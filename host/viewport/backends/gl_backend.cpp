@@ -399,7 +399,8 @@ Result<std::unique_ptr<GlBackend>> GlBackend::createOffscreen() {
 
 Result<std::unique_ptr<GlBackend>> GlBackend::createOnCurrentContext() {
   GLint major = 0, minor = 0, profile = 0;
-  if (!glGetString(GL_VERSION)) return fail("There is no OpenGL context to draw with.");
+  if (!glGetString(GL_VERSION))
+    return fail(ErrorKind::NotFound, "There is no OpenGL context to draw with.");
   glGetIntegerv(GL_MAJOR_VERSION, &major);
   glGetIntegerv(GL_MINOR_VERSION, &minor);
   if (major * 10 + minor >= 32) glGetIntegerv(GL_CONTEXT_PROFILE_MASK, &profile);

@@ -54,7 +54,8 @@ Result<void> GlTarget::resize(PortSize port) {
   const bool isReadable = glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
   if (!isDrawable || !isReadable || glGetError() != GL_NO_ERROR) {
     destroy();
-    return fail("The OpenGL driver has no memory for a picture of {} by {} pixels.", port.width,
+    return fail(ErrorKind::OutOfMemory,
+                "The OpenGL driver has no memory for a picture of {} by {} pixels.", port.width,
                 port.height);
   }
   size_ = port;

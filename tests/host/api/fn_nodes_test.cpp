@@ -229,3 +229,20 @@ TEST_CASE_FIXTURE(ApiScene,
   CHECK(session->document().hash() == after);
   CHECK_FALSE(MDGModifier().connect(MPlug(), MPlug()));
 }
+
+TEST_CASE_FIXTURE(ApiScene, "the status says what kind of fault it was") {
+  run("createNode transform -n a; addAttr -ln own -at double a; setAttr -l on a.ty");
+  MStatus status;
+  MFnDependencyNode made;
+  made.create("noSuchType", &status);
+  CHECK(status == MS::kInvalidParameter);
+  CHECK(MGlobal::sourceFile("no_such_script.mel") == MS::kNotFound);
+  MFnDependencyNode fn(node("a"));
+  MFnNumericAttribute number;
+  const MObject twin = number.create("own", "own", MFnNumericData::kDouble);
+  CHECK(fn.addAttribute(twin) == MS::kInvalidParameter);  // the name is taken
+  CHECK(fn.findPlug("tx", true).setString("text") == MS::kInvalidParameter);
+  CHECK(fn.findPlug("ty", true).setDouble(1) == MS::kFailure);  // locked: nothing wrong with 1
+  MObject time = node("time1");
+  CHECK(MGlobal::deleteNode(time) == MS::kFailure);
+}

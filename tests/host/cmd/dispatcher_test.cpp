@@ -296,3 +296,36 @@ TEST_CASE("what is pending becomes a step before the next one, and before undo a
   CHECK(finished == 3);
   CHECK_FALSE(host.session.undo().canUndo());
 }
+
+TEST_CASE("a call passes values as they are, is one item, and is told of as a line") {
+  Host host;
+  const std::string awkward = "a \"b\" \\ $c; put 9";
+  host.run("global proc float both(string $a, float $b) { keep $a; put $b; return 2 * $b; }");
+  const std::size_t before = host.items();
+  const std::vector<mel::Value> values{mel::Value(awkward), mel::Value(2.5)};
+  const auto done = host.session.call("both", values);
+  REQUIRE(done);
+  CHECK(done->toFloat().value() == 5);
+  CHECK(host.log == Words{awkward});
+  CHECK(host.number() == 2.5);
+  CHECK(host.items() == before + 1);
+  const std::string line = host.session.undo().undoName();
+  host.undo();
+  CHECK(host.number() == 0);
+  host.run(line);  // what a recording keeps of it does the same
+  CHECK(host.log == Words{awkward, awkward});
+  CHECK(host.number() == 2.5);
+
+  // A procedure named like a command is what scripts call; the host's own parts mean the command.
+  host.run("global proc put(float $x) { keep \"mine\"; }");
+  const std::vector<mel::Value> seven{mel::Value(7.0)};
+  REQUIRE(host.session.call("put", seven));
+  CHECK(host.log.back() == "mine");
+  CHECK(host.number() == 2.5);
+  REQUIRE(host.session.callCommand("put", seven));
+  CHECK(host.number() == 7);
+  const auto missing = host.session.callCommand("nothing", {});
+  REQUIRE_FALSE(missing);
+  CHECK(missing.error().kind == ErrorKind::NotFound);
+  CHECK_FALSE(host.session.call("nothing", {}, {.postErrors = false}));
+}

@@ -108,22 +108,6 @@ TEST_CASE(
   }
 }
 
-TEST_CASE(
-    "closestParameters: the joining line is perpendicular to both, parallel lines don't divide by "
-    "zero") {
-  Random random;
-  for (int i = 0; i < 100; ++i) {
-    const Ray a{random.vec(3), random.vec(1)}, b{random.vec(3), random.vec(1)};
-    const auto [s, t] = closestParameters(a, b);
-    const Vec3 joining = b.at(t) - a.at(s);
-    CHECK(std::abs(dot(joining, a.direction)) < 1e-7);
-    CHECK(std::abs(dot(joining, b.direction)) < 1e-7);
-  }
-  const auto [s, t] = closestParameters({{0, 0, 0}, {2, 0, 0}}, {{5, 1, 0}, {-1, 0, 0}});
-  CHECK(s == 0);
-  CHECK(t == doctest::Approx(5));
-}
-
 TEST_CASE("box: rays in its faces' planes count as inside, NaN adds nothing, empty stays empty") {
   const Box box({0, 0, 0}, {1, 1, 1});
   const auto grazing = intersect({{-1, 1, 0.5}, {2, 0, 0}}, box);

@@ -18,22 +18,22 @@ using namespace host::zoo;
 
 namespace {
 
-constexpr ComponentKind kKinds[] = {ComponentKind::Vertex, ComponentKind::Edge, ComponentKind::Face,
-                                    ComponentKind::Uv, ComponentKind::VertexFace};
+constexpr ComponentType kKinds[] = {ComponentType::Vertex, ComponentType::Edge, ComponentType::Face,
+                                    ComponentType::Uv, ComponentType::VertexFace};
 
 /// Which components touch which, from one pass over all corners: each corner brings its vertex, its
 /// two edges, its face, its UV and itself together, but an edge meets only its own two ends.
 using Relation =
-    std::map<std::pair<ComponentKind, ComponentKind>, std::map<Index, std::set<Index>>>;
+    std::map<std::pair<ComponentType, ComponentType>, std::map<Index, std::set<Index>>>;
 
 Relation relate(const Mesh& mesh) {
   Relation touch;
-  const auto link = [&touch](ComponentKind a, Index i, ComponentKind b, Index j) {
+  const auto link = [&touch](ComponentType a, Index i, ComponentType b, Index j) {
     if (i == kNone || j == kNone) return;
     touch[{a, b}][i].insert(j);
     touch[{b, a}][j].insert(i);
   };
-  using enum ComponentKind;
+  using enum ComponentType;
   for (FaceId f = 0; f < mesh.faceCount(); ++f)
     for (Index i = 0, n = mesh.faceSize(f); i < n; ++i) {
       const CornerId c = mesh.firstCorner(f) + i, before = mesh.firstCorner(f) + (i + n - 1) % n;
@@ -62,8 +62,8 @@ TEST_CASE("convertComponents: agrees with the touch relation for all kinds and b
   for (const ZooMesh& zoo : meshZoo()) {
     CAPTURE(zoo.name);
     Relation touch = relate(zoo.mesh);
-    for (ComponentKind from : kKinds)
-      for (ComponentKind to : kKinds)
+    for (ComponentType from : kKinds)
+      for (ComponentType to : kKinds)
         for (int density : {1, 3, 10}) {
           CAPTURE(static_cast<int>(from));
           CAPTURE(static_cast<int>(to));
@@ -93,12 +93,12 @@ TEST_CASE("convertComponents: agrees with the touch relation for all kinds and b
 TEST_CASE(
     "convertComponents: a few components of a large mesh give what the whole-mesh road gives") {
   const Mesh grid = gridMesh(60, 60);  // few enough ids for the sorting road
-  CHECK(convertComponents(grid, ComponentKind::Face, std::vector<Index>{61, 0, 61},
-                          ComponentKind::Vertex) == std::vector<Index>{0, 1, 61, 62, 63, 123, 124});
+  CHECK(convertComponents(grid, ComponentType::Face, std::vector<Index>{61, 0, 61},
+                          ComponentType::Vertex) == std::vector<Index>{0, 1, 61, 62, 63, 123, 124});
   const auto faces =
-      convertComponents(grid, ComponentKind::Vertex, std::vector<Index>{62}, ComponentKind::Face);
+      convertComponents(grid, ComponentType::Vertex, std::vector<Index>{62}, ComponentType::Face);
   CHECK(faces == std::vector<Index>{0, 1, 60, 61});
-  CHECK(convertComponents(grid, ComponentKind::Uv, std::vector<Index>{62}, ComponentKind::Face) ==
+  CHECK(convertComponents(grid, ComponentType::Uv, std::vector<Index>{62}, ComponentType::Face) ==
         faces);
   CHECK(boundaryEdges(grid, faces).size() == 8);
   CHECK(boundaryEdges(grid, allFaces(grid)).size() == 240);

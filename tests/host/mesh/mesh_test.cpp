@@ -16,12 +16,6 @@ using namespace host;
 using namespace host::mesh;
 using namespace host::zoo;
 
-namespace {
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-}  // namespace
-
 TEST_CASE("mesh: a copy costs nothing and never sees the other's edits") {
   for (const ZooMesh& zoo : meshZoo(Has::Faces)) {
     CAPTURE(zoo.name);

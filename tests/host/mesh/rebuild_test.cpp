@@ -17,10 +17,6 @@ using namespace host::zoo;
 
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Splits every edge in the middle: the data of a new corner lies between its two neighbours'.
 Rebuilt splitAllEdges(const Mesh& mesh) {
   MeshRebuilder rebuilder(mesh);

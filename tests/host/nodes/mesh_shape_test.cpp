@@ -135,31 +135,6 @@ TEST_CASE("mesh: the world mesh of each instance follows its own parents") {
   CHECK(corner(1) == 109.5f);
 }
 
-TEST_CASE(
-    "mesh: world positions go through the inclusive matrix; untouched points keep their bits") {
-  Scene scene;
-  scene.cube();
-  dg::Node& group = scene.make("transform", "group");
-  REQUIRE(scene->reparent(scene.path("pCube1"), &group));
-  scene.setVec3("group.translate", {0.1, 7.7, -3});
-  scene.setVec3("group.rotate", {0.3, 0.2, 0.1});
-  scene.setVec3("pCube1.scale", {3, 0.7, 1.3});
-  const scene::DagPath shape = scene.path("pCubeShape1");
-  const std::vector<Vec3f> before = scene.points(*shape.node());
-  auto world = pointsIn(shape, Space::World);
-  REQUIRE(world);
-  (*world)[5] += Vec3{1, 0, 0};
-  REQUIRE(setPointsIn(shape, Space::World, *world));
-  const std::vector<Vec3f> after = scene.points(*shape.node());
-  for (std::size_t i = 0; i < before.size(); ++i)
-    if (i != 5) CHECK(after[i] == before[i]);
-  CHECK(math::distance((*pointsIn(shape, Space::World))[5], (*world)[5]) < 1e-5);
-  scene.set("pCube1.scaleY", 0.0);
-  CHECK_FALSE(setPointsIn(shape, Space::World, *world));
-  CHECK_FALSE(setPointsIn(shape, Space::Object, std::vector<Vec3>(3)));
-  CHECK(scene.points(*shape.node()) == after);
-}
-
 TEST_CASE("mesh: corner data edited behind history stays until other faces arrive") {
   Scene scene;
   dg::Node& shape = scene.cubeWithHistory();

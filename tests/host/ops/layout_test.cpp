@@ -14,10 +14,6 @@ using namespace host::ops::testing;
 
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Flat polygons of many sizes, turned every way and lying on each other; each is a shell. Every
 /// third is an L, every fifth is mirrored in UV.
 Mesh polygons(int count) {

@@ -15,10 +15,6 @@ using namespace host::ops::testing;
 
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// A patch of a sphere of side x side quads, `bend` radians wide each way, with UVs of its own or
 /// all in one point.
 Mesh spherePatch(int side, double bend, bool hasUvs = true) {

@@ -19,10 +19,6 @@ using namespace host::ops::testing;
 
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// The place of every corner; NaN where there is none.
 std::vector<mesh::Vec2f> cornerPlaces(const Mesh& mesh, int set) {
   std::vector<mesh::Vec2f> places;

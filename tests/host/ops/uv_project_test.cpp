@@ -17,10 +17,6 @@ using namespace host::ops::testing;
 
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 mesh::Vec2f placeOf(const Mesh& mesh, int set, CornerId c) {
   return mesh.uvSet(set).points[at(mesh.cornerUv(set, c))];
 }

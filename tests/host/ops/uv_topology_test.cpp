@@ -8,14 +8,6 @@ using namespace host;
 using namespace host::ops;
 using namespace host::ops::testing;
 
-namespace {
-
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
-}  // namespace
-
 TEST_CASE("uvTopology: shells partition the faces and UVs that the set has") {
   for (const zoo::ZooMesh& entry : zoo::meshZoo(Has::Faces | Has::Uvs)) {
     INFO(entry.name);

@@ -9,7 +9,6 @@
 #include <set>
 
 #include "host/mesh/triangulate.h"
-#include "host/spatial/overlap.h"
 #include "tests/zoo/mesh_zoo.h"
 
 using namespace host;
@@ -19,10 +18,6 @@ using math::Vec3f;
 using mesh::Mesh;
 
 namespace {
-
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
 
 /// A mesh's triangles one by one: the slow answers.
 struct Scan {
@@ -192,7 +187,6 @@ TEST_CASE("accelerator: empty, flat and broken meshes give answers or none, neve
     const auto accelerator = Accelerator::of(zooMesh(name));
     CHECK_FALSE(accelerator->closestHit({{0, 5, 0}, {0, -1, 0}}));
     CHECK_FALSE(accelerator->closestPoint({0, 0, 0}));
-    CHECK(accelerator->facesInBox({{-9, -9, -9}, {9, 9, 9}}).empty());
   }
   Mesh grid = gridMesh(4, 4);
   grid.editPoints()[12] = {std::nanf(""), 0, 0};
@@ -218,28 +212,6 @@ TEST_CASE("closestPoint: the lowest face wins at shared edges and vertices") {
   CHECK(accelerator.closestPoint({3, 1, -3})->face == 14);
   CHECK(accelerator.closestPoint({3, 1, -2.5})->face == 14);
   CHECK(accelerator.closestPoint({-1, 0, 1})->face == 0);
-}
-
-TEST_CASE("facesInBox: finds the faces that reach into the box and no others") {
-  Random random;
-  const Mesh torus = torusMesh(30, 15);
-  const Accelerator& accelerator = *Accelerator::of(torus);
-  const Scan scan(torus);
-  for (int i = 0; i < 50; ++i) {
-    Box box;
-    box.add(random.inBox(accelerator.box(), 0));
-    box.add(random.inBox(accelerator.box(), 0));
-    std::set<FaceId> expected;
-    for (const Scan::Triangle& t : scan.triangles)
-      if (overlaps(box, t.a, t.b, t.c)) expected.insert(t.face);
-    const auto found = accelerator.facesInBox(box);
-    CHECK(std::ranges::equal(found, expected));
-  }
-  // The overlap test itself, where boxes around triangles would be wrong.
-  CHECK_FALSE(overlaps({{0, 0, 0}, {1, 1, 1}}, {2.1, 0, 0.5}, {0, 2.1, 0.5}, {3, 3, 0.5}));
-  CHECK(overlaps({{0, 0, 0}, {1, 1, 1}}, {1.9, 0, 0.5}, {0, 1.9, 0.5}, {3, 3, 0.5}));
-  CHECK(overlaps({{0, 0, 0}, {1, 1, 1}}, {1, 1, 1}, {2, 2, 2}, {2, 3, 2}));
-  CHECK(overlaps({{0, 0, 0}, {1, 1, 1}}, {-5, -5, 0.5}, {9, -5, 0.5}, {0, 9, 0.5}));
 }
 
 TEST_CASE("Accelerator::of: is shared by copies and dropped when points or faces change") {

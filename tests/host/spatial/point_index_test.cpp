@@ -44,9 +44,6 @@ TEST_CASE(
       const Vec3 p{whole(random) * 1.5, whole(random) * 0.5, static_cast<double>(whole(random))};
       const std::vector<Index> order = byDistance(points, p);
       CHECK(index.nearest(p) == (order.empty() ? kNone : order[0]));
-      const std::size_t k = std::min<std::size_t>(order.size(), 12);
-      CHECK(index.kNearest(p, 12) ==
-            std::vector<Index>(order.begin(), order.begin() + static_cast<long>(k)));
       std::vector<Index> within;
       for (Index id : order)
         if (lengthSquared(Vec3(points[static_cast<std::size_t>(id)]) - p) <= 9)
@@ -62,6 +59,5 @@ TEST_CASE("PointIndex: nothing is near a place that is nowhere, or within a nega
   const PointIndex index(std::vector<Vec3f>{{0, 0, 0}, {1, 0, 0}});
   CHECK(index.nearest({NAN, 0, 0}) == kNone);
   CHECK(index.within({0, 0, 0}, -1).empty());
-  CHECK(index.kNearest({0, 0, 0}, 0).empty());
   CHECK(index.nearest({0, 5, 0}, 4.9) == kNone);
 }

@@ -62,9 +62,12 @@ TEST_CASE("pick: a vertex in reach comes before an edge, an edge before a face")
   scene.meshes.push_back(object(grid(4), 1));
   Picker picker;
   const ViewPoint centre = pixelOf(scene, {0, 0, 0});
-  CHECK(picker.pick(scene, {centre.x + 5, centre.y}, kEverything)->kind == PickKind::Vertex);
-  CHECK(picker.pick(scene, {centre.x + 20, centre.y + 3}, kEverything)->kind == PickKind::Edge);
-  CHECK(picker.pick(scene, {centre.x + 20, centre.y + 20}, kEverything)->kind == PickKind::Face);
+  CHECK(picker.pick(scene, {centre.x + 5, centre.y}, kEverything)->type ==
+        mesh::ComponentType::Vertex);
+  CHECK(picker.pick(scene, {centre.x + 20, centre.y + 3}, kEverything)->type ==
+        mesh::ComponentType::Edge);
+  CHECK(picker.pick(scene, {centre.x + 20, centre.y + 20}, kEverything)->type ==
+        mesh::ComponentType::Face);
 }
 
 TEST_CASE("pick: a shaded surface hides components behind it, a wireframe does not") {
@@ -171,7 +174,7 @@ TEST_CASE("pick: objects by surface when shaded, only by wire otherwise") {
   SceneView scene = frontView();
   scene.meshes.push_back(object(cube(), 1));
   Picker picker;
-  CHECK(picker.pick(scene, pixelOf(scene, {0.1, 0.2, 1}), kObjects)->kind == PickKind::Object);
+  CHECK(picker.pick(scene, pixelOf(scene, {0.1, 0.2, 1}), kObjects)->isObject());
   scene.options.style = DisplayStyle::Wireframe;
   CHECK_FALSE(picker.pick(scene, pixelOf(scene, {0.1, 0.2, 1}), kObjects));
   CHECK(picker.pick(scene, pixelOf(scene, {0.1, 1, 1}), kObjects)->component == kNone);

@@ -81,11 +81,13 @@ TEST_CASE("saved scenes: history, tweaks, sets, instances and units come back") 
         scene.graph().connect(scene.plug("polySphere1.output"), scene.plug("ballShape.inMesh")));
     scene.setVec3("ball.translate", {1.0 / 3, -2e-7, 1e6 / 7});
     scene.setVec3("ball.rotate", {0.1, 1.2345678901234567, -3});
-    auto points = nodes::pointsIn(scene.path("ballShape"), nodes::Space::Object);
-    REQUIRE(points);
-    (*points)[5].y += 0.1;
-    (*points)[200].x -= 1.0 / 7;
-    REQUIRE(nodes::setPointsIn(scene.path("ballShape"), nodes::Space::Object, *points));
+    dg::Node& ballShape = *scene.path("ballShape").node();
+    const auto mesh = nodes::evaluatedMesh(ballShape);
+    REQUIRE(mesh);
+    std::vector<math::Vec3f> points(mesh->points().begin(), mesh->points().end());
+    points[5].y += 0.1f;
+    points[200].x -= 1.0f / 7;
+    REQUIRE(nodes::setEvaluatedPoints(ballShape, std::move(points)));
     // One shape in two places, under parents of the same name.
     dg::Node& left = scene.make("transform", "left");
     dg::Node& right = scene.make("transform", "right");
