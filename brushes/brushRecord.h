@@ -1,0 +1,16 @@
+#pragma once
+
+#include <maya/MStatus.h>
+
+#include <cstddef>
+
+/// What a stroke has changed, and nothing else: both sides of it. It is handed to the undo queue
+/// with the stroke's first change and filled while the stroke goes on.
+class brushRecord {
+ public:
+  virtual ~brushRecord();
+  /// Puts things as they were before the stroke or as they are after it.
+  virtual MStatus show(bool after) = 0;
+  /// Memory that it holds on to.
+  virtual std::size_t bytes() const = 0;
+};
