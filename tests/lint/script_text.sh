@@ -23,7 +23,6 @@ host/builtins/system/about.cpp     tells what a command of that name takes
 host/builtins/ui/control_values.cpp  callbacks of controls
 host/builtins/ui/dialogs.cpp       the script that fills a dialog
 host/builtins/ui/view_messages.cpp  the command of a display in a view
-host/builtins/uv/uv_edits.cpp      built-in commands that stand for others; a procedure is never found there
 host/window/script_panel.cpp       what a person types
 host/cmd/dispatcher.cpp            finds the commands of scripts
 host/cmd/dispatcher.h              declares that
