@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numbers>
 #include <numeric>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -11,8 +12,10 @@
 #include "host/math/frame.h"
 #include "host/mesh/adjacency.h"
 #include "host/mesh/components.h"
+#include "host/mesh/triangulate.h"
 #include "host/ops/uv/box_packing.h"
 #include "host/ops/uv/cut_uvs.h"
+#include "host/ops/uv/layout_pack.h"
 #include "host/ops/uv/piece_split.h"
 #include "host/ops/uv/uv_ids.h"
 
@@ -288,6 +291,51 @@ struct Arrangement {
   double scaleU = 1, scaleV = 1;
 };
 
+/// The pieces packed by their outlines, upright as the planes see them. Where no piece has an area
+/// there is nothing to pack.
+Result<std::optional<Arrangement>> packOutlines(const Mesh& mesh,
+                                                const std::vector<FlatPiece>& pieces,
+                                                const AutoProjectUvsOptions& options) {
+  std::vector<flat::PackShape> shapes(pieces.size());
+  double area = 0;
+  for (std::size_t i = 0; i < pieces.size(); ++i) {
+    std::size_t first = 0;
+    for (const FaceId f : pieces[i].faces) {
+      const auto place = [&](Index k) {
+        const FlatPiece::Place& p = pieces[i].places[first + at(k)];
+        return flat::Point{p.x, p.y};
+      };
+      for (const mesh::LoopTriangle& t : mesh::triangulateFace(mesh, f)) {
+        shapes[i].triangles.push_back({place(t[0]), place(t[1]), place(t[2])});
+        area += std::abs(flat::doubleArea(place(t[0]), place(t[1]), place(t[2])));
+      }
+      first += at(mesh.faceSize(f));
+    }
+  }
+  if (!(area > 0)) return std::nullopt;
+  flat::PackOptions how;
+  how.turns = flat::PackOptions::Turns::None;
+  how.gutter = std::min(options.spacing, 0.05);
+  const auto packed = flat::packShapes(shapes, how);
+  if (!packed) return failWith(packed.error());
+  Arrangement result;
+  const double size = packed->scale;
+  flat::Point far{0, 0};
+  for (std::size_t i = 0; i < pieces.size(); ++i) {
+    const flat::Point offset = packed->places[i].offset;
+    result.boxes.push_back({0, 0, offset.x / size, offset.y / size});
+    result.corners.push_back({0, 0});
+    for (const FlatPiece::Place& p : pieces[i].places)
+      far = {std::max(far.x, size * p.x + offset.x), std::max(far.y, size * p.y + offset.y)};
+  }
+  if (options.scale == Scale::Uniform) result.scaleU = result.scaleV = size;
+  if (options.scale == Scale::Stretch) {
+    result.scaleU = size * (1 - how.gutter) / std::max(far.x, 1e-12);
+    result.scaleV = size * (1 - how.gutter) / std::max(far.y, 1e-12);
+  }
+  return result;
+}
+
 Arrangement arrange(const std::vector<FlatPiece>& pieces, const AutoProjectUvsOptions& options) {
   Arrangement result;
   UvBox all;
@@ -387,6 +435,14 @@ Result<void> autoProjectUvs(Mesh& mesh, int uvSet, std::span<const FaceId> faces
   HOST_TRY(projection.placePoints());
   projection.assignViews();
   const std::vector<FlatPiece> pieces = projection.pieces();
+  if (options.packsShapes && options.layout == Layout::Square) {
+    const auto packed = packOutlines(mesh, pieces, options);
+    if (!packed) return failWith(packed.error());
+    if (*packed) {
+      write(mesh, uvSet, faces, pieces, **packed);
+      return {};
+    }
+  }
   write(mesh, uvSet, faces, pieces, arrange(pieces, options));
   return {};
 }

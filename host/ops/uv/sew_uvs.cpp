@@ -297,9 +297,10 @@ SewUvsResult sewUvs(Mesh& mesh, int uvSet, std::span<const EdgeId> edges,
     const auto walks = mesh.adjacency().edgeCorners(e);
     if (!isSewable && walks.size() > 1 && mesh::isUvSeam(mesh, uvSet, e) &&
         std::ranges::none_of(walks, [&](CornerId c) { return mesh.cornerUv(uvSet, c) == kNone; }))
-      ++result.open;
+      ++result.unjoinable;
     return !isSewable || isUvClosed(mesh, uvSet, e);
   });
+  result.open = result.unjoinable;
   if (wanted.empty()) return result;
 
   const Mesh before = mesh;
@@ -325,7 +326,11 @@ SewUvsResult sewUvs(Mesh& mesh, int uvSet, std::span<const EdgeId> edges,
   }
   mesh::sortUnique(ends);
   partFans(mesh, uvSet, ends);
-  for (const EdgeId e : plan.edges) ++(isUvClosed(mesh, uvSet, e) ? result.sewn : result.open);
+  for (std::size_t slot = 0; slot < plan.edges.size(); ++slot) {
+    const bool isSewn = isUvClosed(mesh, uvSet, plan.edges[slot]);
+    ++(isSewn ? result.sewn : result.open);
+    result.limited += !isSewn && plan.isRefused[slot];
+  }
   return result;
 }
 

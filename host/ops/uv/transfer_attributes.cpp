@@ -333,10 +333,34 @@ class Transfer {
       const auto part = [&](int k) { return static_cast<float>(sum[k] / weight); };
       taken.colors.push_back({part(0), part(1), part(2), part(3)});
     }
+    if (!options_.keepsColorBorders) blendColors(taken);
     if (to < 0)
       target_.addColorSet(std::move(taken));
     else
       target_.setColorSet(to, std::move(taken));
+  }
+
+  /// Gives all corners at a vertex the mean of their colours.
+  void blendColors(mesh::ColorSet& set) const {
+    const mesh::Adjacency& adjacency = before_.adjacency();
+    std::vector<mesh::Color4f> colors;
+    for (VertexId v = 0; v < before_.vertexCount(); ++v) {
+      double sum[4] = {0, 0, 0, 0};
+      int count = 0;
+      for (const CornerId c : adjacency.vertexCorners(v)) {
+        if (set.cornerIds[at(c)] == kNone) continue;
+        const mesh::Color4f& color = set.colors[at(set.cornerIds[at(c)])];
+        const float parts[4] = {color.r, color.g, color.b, color.a};
+        for (int k = 0; k < 4; ++k) sum[k] += parts[k];
+        ++count;
+      }
+      if (count == 0) continue;
+      const auto part = [&](int k) { return static_cast<float>(sum[k] / count); };
+      for (const CornerId c : adjacency.vertexCorners(v))
+        if (set.cornerIds[at(c)] != kNone) set.cornerIds[at(c)] = static_cast<Index>(colors.size());
+      colors.push_back({part(0), part(1), part(2), part(3)});
+    }
+    set.colors = std::move(colors);
   }
 
   void takeNormals() {
