@@ -8,10 +8,10 @@
 
 #include <cstdint>
 
+#include "brushes/tabletInput.h"
 #include "plugin/iconFolder.h"
 #include "plugin/licence.h"
 #include "plugin/registration.h"
-#include "plugin/tabletInput.h"
 #include "shared/selection/pickOrder.h"
 #include "shared/settings/toolSettings.h"
 #include "shared/tool/toolRun.h"
@@ -53,6 +53,7 @@ PLUGIN_EXPORT MStatus uninitializePlugin(MObject object) {
   pickOrder::end();
   leaveActiveTools();  // a tool in the user's hand would lose its code
   uvLinks::dropAll();  // and so would the callbacks of linked meshes
+  tabletInput::instance().detach();
   releaseLicence();
   MFnPlugin plugin(object);
   return deregisterAll(plugin);

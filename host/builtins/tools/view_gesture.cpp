@@ -232,6 +232,8 @@ CommandResult viewGesture(Context& context, const ParsedArgs& args) {
   return mel::Value();
 }
 
+/// What a plug-in asks for the pen that makes the present event, on systems whose windows have
+/// nothing for it to hook. The real host is not known to have such a command: this one is ours.
 CommandResult tabletState(Context& context, const ParsedArgs& args) {
   const tools::InputEvent& event = workspaceOf(context.session).toolbox.lastEvent();
   if (args.has("pressure")) return mel::Value(event.pressure);
