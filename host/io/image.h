@@ -20,6 +20,10 @@ struct FloatImage {
   friend bool operator==(const FloatImage&, const FloatImage&) = default;
 };
 
+/// Numbers as 8 bits a channel, rounded and cut off at 0 and 1; bytes as shares of 255.
+[[nodiscard]] Image toBytes(const FloatImage& image);
+[[nodiscard]] FloatImage toFloats(const Image& image);
+
 /// The longest side of a picture that is read or written, pixels.
 inline constexpr int kLargestImageSide = 32768;
 

@@ -15,8 +15,4 @@ namespace host::io {
 /// The same with 8 bits a channel: finer steps are rounded, numbers beyond 0 to 1 cut off there.
 [[nodiscard]] Result<Image> readPicture(const std::string& path);
 
-/// Numbers as 8 bits a channel, rounded and cut off at 0 and 1; bytes as shares of 255.
-[[nodiscard]] Image toBytes(const FloatImage& image);
-[[nodiscard]] FloatImage toFloats(const Image& image);
-
 }  // namespace host::io

@@ -110,6 +110,13 @@ Result<Image> decodePng(std::string_view bytes, const std::string& name) {
     png_image_free(&png);
     return fail("Cannot read \"{}\": {} x {} pixels are too many", name, png.width, png.height);
   }
+  // The library takes 16 bits for linear light and would brighten them.
+  if ((png.format & PNG_FORMAT_FLAG_LINEAR) != 0) {
+    png_image_free(&png);
+    const auto floats = decodePngFloats(bytes, name);
+    if (!floats) return failWith(floats.error());
+    return toBytes(*floats);
+  }
   png.format = PNG_FORMAT_RGBA;
   Image image;
   image.width = static_cast<int>(png.width);
