@@ -8,6 +8,7 @@
 
 #include <cstdint>
 
+#include "brushes/alphaImage.h"
 #include "brushes/tabletInput.h"
 #include "plugin/iconFolder.h"
 #include "plugin/licence.h"
@@ -45,6 +46,7 @@ PLUGIN_EXPORT MStatus initializePlugin(MObject object) {
   MFnPlugin plugin(object, kVendor, kVersion, kApiVersion);
   pluginLoadPath = plugin.loadPath();
   addIconFolder(pluginLoadPath);
+  alphaImage::setFolder(dataFolder(pluginLoadPath, "data/modelingToolAlphas").asChar());
   pickOrder::begin();
   return registerAll(plugin);
 }

@@ -1,5 +1,7 @@
 #include "plugin/registrationTable.h"
 
+#include "brushes/baseBrushContextCmd.h"
+#include "brushes/baseBrushContextToolCmd.h"
 #include "commands/circleVertsCmd.h"
 #include "commands/makePlanarCmd.h"
 #include "commands/mergeVertsCmd.h"
@@ -125,8 +127,8 @@ const registrationRow kLoadRows[] = {
     command<pinVertsCmd>("qxPinVertsCmd", "qxPinVertsCmd command failed to register"),
     command<markUVInformationCmd>("qxMarkUVInformation", "mark uv information command failed to register"),
     command("qxBuildUVObject", "buildUVObjectCmd command failed to register", buildUVObjectCmd::creator),
-    context("baseBrushContext", "baseBrushContextCmd", "move brush context failed to register"),
-    context("standardSculptBrushContext", "standardBrushContextCmd", "standard brush context failed to register"),
+    context("baseBrushContext", "baseBrushContextCmd", "move brush context failed to register", baseBrushContextCmd::creator, baseBrushContextToolCmd::creator),
+    context("standardSculptBrushContext", "standardBrushContextCmd", "standard brush context failed to register", standardBrushContextCmd::creator, baseBrushContextToolCmd::creator),
     context("tweakUvBrushContext", "tweakUvBrushContextCmd", "tweak uv brush context failed to register"),
     context("moveRotateScaleUVBrushContext", "moveRotateScaleUVBrushContextCmd", "tweak uv brush context failed to register"),
     command<tweakUVVertsCmd>("qxTweakUVVerts", "qxTweakUVVertscommand failed to register"),
