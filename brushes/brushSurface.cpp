@@ -125,7 +125,7 @@ void brushSurface::findNeighbours() {
 void brushSurface::measure(int face) {
   const auto first = at(arrays.offsets[at(face)]), last = at(arrays.offsets[at(face) + 1]);
   const float* origin = arrays.point(arrays.corners[first]);
-  double sum[3] = {0.0, 0.0, 0.0}, before[3];
+  double sum[3] = {0.0, 0.0, 0.0}, before[3] = {0.0, 0.0, 0.0};
   for (std::size_t c = first + 1; c < last; ++c) {
     const float* p = arrays.point(arrays.corners[c]);
     const double here[3] = {static_cast<double>(p[0]) - static_cast<double>(origin[0]),
