@@ -6,8 +6,10 @@
 #include <cmath>
 #include <unordered_map>
 
-uvMirror::uvMirror(const uvLayout& layoutIn, int axisIn, double lineIn)
-    : layout(layoutIn), axis(static_cast<std::size_t>(axisIn)), line(lineIn) {
+uvMirror::uvMirror(const uvLayout& layout, int axisIn, double lineIn)
+    : places(layout.place(0), layout.place(0) + 2 * static_cast<std::size_t>(layout.count())),
+      axis(static_cast<std::size_t>(axisIn)),
+      line(lineIn) {
   MPointArray points(static_cast<unsigned int>(layout.count()));
   double low[2] = {HUGE_VAL, HUGE_VAL}, high[2] = {-HUGE_VAL, -HUGE_VAL};
   for (int uv = 0; uv < layout.count(); ++uv) {
@@ -27,7 +29,8 @@ void uvMirror::reflect(float (&place)[2]) const {
 }
 
 int uvMirror::counterpart(int uv) const {
-  float image[2] = {layout.place(uv)[0], layout.place(uv)[1]};
+  const float* const place = places.data() + 2 * static_cast<std::size_t>(uv);
+  float image[2] = {place[0], place[1]};
   if (std::fabs(image[axis] - line) <= reach) return uv;
   reflect(image);
   return index->nearest(MPoint(image[0], image[1], 0.0), reach);

@@ -18,7 +18,7 @@ class uvMirror {
   void reflect(float (&place)[2]) const;
 
  private:
-  const uvLayout& layout;
+  std::vector<float> places;  ///< as they were when it was built
   std::size_t axis;
   double line, reach;
   std::unique_ptr<pointIndex> index;
