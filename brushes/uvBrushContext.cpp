@@ -8,6 +8,7 @@
 
 #include "brushes/uvPointTarget.h"
 #include "brushes/uvSetTarget.h"
+#include "shared/settings/toolSettings.h"
 #include "uv/uvMessages.h"
 #include "uv/uvObjectEnds.h"
 
@@ -294,21 +295,26 @@ void uvBrushContext::readSurface() {
 void uvBrushContext::relaxDab(const brushDab& dab) {
   if (!dab.hit.isHit()) return;
   readSurface();
-  reach.collect(dab, settings, layout, false, region);
+  // The UV window's options count for everything that smooths UVs.
+  const toolSettings& options = toolSettings::current();
+  const double intensity = std::clamp(options.smoothUvIntensity, 0, 100) / 100.0;
+  brushSettings wanted = settings;
+  wanted.lockBorders = settings.lockBorders || options.pinBorderEdges;
+  reach.collect(dab, wanted, layout, false, region);
   for (int round = 0; round < settings.relaxIterations; ++round) {
     std::vector<int> uvs;
     std::vector<double> weights;
     std::vector<float> targets;
     for (std::size_t i = 0; i < region.uvs.size(); ++i) {
-      double wanted[2];
-      if (!relaxing.target(layout, region.uvs[i], dab.invert, wanted)) continue;
+      double goal[2];
+      if (!relaxing.target(layout, region.uvs[i], dab.invert, goal)) continue;
       const float* const here = layout.place(region.uvs[i]);
-      const double share = region.weights[i] * dab.strength;
+      const double share = region.weights[i] * dab.strength * intensity;
       uvs.push_back(region.uvs[i]);
       weights.push_back(region.weights[i]);
       for (int k = 0; k < 2; ++k) {
         const double at = static_cast<double>(here[k]);
-        targets.push_back(static_cast<float>(at + (wanted[k] - at) * share));
+        targets.push_back(static_cast<float>(at + (goal[k] - at) * share));
       }
     }
     move(weights, std::move(uvs), std::move(targets));

@@ -255,6 +255,12 @@ TEST_CASE("UV brush: relaxing gives back the shape of the surface, evening out w
     const double crumpled = largestStep(flat, hand.uvs());
     REQUIRE(crumpled > 0.02);
     hand.set("-mode move -screenRadius 150 -relaxIterations 20");
+    hand.run("uvWindow_QXMT_Proc");
+    const uvArrays before = hand.uvs();
+    hand.run("intField -e -v 0 smoothUvIntensity_QXMT_IF; optionChanged_QXMT_Proc");
+    hand.drag(hand.vertex(60), 3, 2, kShift);
+    CHECK(hand.uvs() == before);
+    hand.run("intField -e -v 100 smoothUvIntensity_QXMT_IF; optionChanged_QXMT_Proc");
     for (int i = 0; i < 6; ++i) hand.drag(hand.vertex(60), 3, 2, kShift, 8);
     CHECK(largestStep(flat, hand.uvs()) < 0.4 * crumpled);
     hand.set("-mode relax -invert on");
