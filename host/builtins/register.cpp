@@ -57,6 +57,7 @@ namespace host::builtins {
   X(Xform) \
   /* file */ \
   X(Namespaces) \
+  X(ReferenceQuery) \
   X(File) \
   X(FileInfo) \
   /* mesh */ \
