@@ -29,6 +29,7 @@ std::vector<EdgeId> groupBorders(const HistoryContext& context) {
                                  groupsOf[static_cast<std::size_t>(faces[1])])
       borders.push_back(edge);
   }
+
   return borders;
 }
 
@@ -94,7 +95,7 @@ void polyReduce(Declarations& add) {
       add("polyReduce", "Takes edges out until few enough triangles are left.")
           .node("polyReduce", typeCode("PRED"))
           .takes(ComponentType::Face)
-          .leaves(Leaves::Selection)
+          .leaves(Leaves::Made)
           .parameter(choice("termination", "trm", {"Percentage", "Vertex count", "Triangle count"}),
                      "what says how far: 0 -percentage, 1 -vertexCount, 2 -triangleCount")
           .parameter(keyable(limited(real("percentage", "p", 0), 0, 100)),

@@ -17,6 +17,7 @@ struct ReferenceEdit {
   int form = -1;          ///< of Connect: which ends are in the file; 0 both, 3 the source,
                           ///< 4 the destination
   std::vector<std::string> words;  ///< node and attribute, or two plugs, then the rest
+  friend bool operator==(const ReferenceEdit&, const ReferenceEdit&) = default;
 };
 
 /// A connection between a node of the scene and a place holder of a reference.
@@ -40,6 +41,7 @@ class ReferenceData final : public dg::Data {
     std::string prefix;        ///< before names, in place of a namespace
     std::string options, type;
     bool isLoaded = false;
+    bool isDeferred = false;  ///< not loaded because somebody wanted it so
     std::weak_ptr<Node> parent;                ///< reference node of the file that has this one
     std::vector<std::weak_ptr<Node>> members;  ///< all nodes it brought, deeper files' included
     std::shared_ptr<const void> baseline;      ///< what they were like, for whoever saves edits

@@ -1,5 +1,6 @@
 #include "host/builtins/file/reference_query.h"
 #include "host/builtins/file/scene_files.h"
+#include "host/builtins/file/time_range.h"
 #include "host/cmd/asking.h"
 
 namespace host::builtins {
@@ -30,6 +31,8 @@ CommandResult toResult(Result<std::string> path) {
 CommandResult import(Context& context, const ParsedArgs& args) {
   std::vector<dg::Node*> made;
   auto path = importFile(context, readRequest(args), &made);
+  if (path && args.has("importTimeRange"))
+    HOST_TRY(importTimeRange(context, made, args.text("importTimeRange")));
   if (!path || !args.has("returnNewNodes")) return toResult(std::move(path));
   std::vector<std::string> names;
   for (const dg::Node* node : made) names.push_back(nodeName(*node));

@@ -6,6 +6,7 @@
 
 #include "host/builtins/file/references.h"
 #include "host/builtins/file/scene_files.h"
+#include "host/builtins/file/script_nodes.h"
 #include "host/edits/atomically.h"
 #include "host/scene/name_index.h"
 
@@ -171,6 +172,7 @@ CommandResult create(Context& context, const ParsedArgs& args) {
     return node;
   });
   if (!done) return failWith(std::move(done.error()));
+  admitExpressions(context, false);
   if (!args.has("returnNewNodes")) return mel::Value(numberedFile(context.document, **done));
   const auto& all = context.document.graph().nodes();
   for (std::size_t i = before; i < all.size(); ++i) made.push_back(nodeName(*all[i]));
@@ -227,6 +229,7 @@ std::optional<CommandResult> editReferences(Context& context, const ParsedArgs& 
     });
   }
   if (!done) return fail("file: {}.", done.error().message);
+  if (loads) admitExpressions(context, false);
   return loads ? mel::Value(numberedFile(context.document, reference)) : mel::Value(path);
 }
 

@@ -175,6 +175,7 @@ Result<ReferenceData::Fields> loaded(Context& context, dg::Node& reference,
   if (!members) return failWith(std::move(members.error()));
   fields.members = *std::move(members);
   fields.isLoaded = true;
+  fields.isDeferred = false;
   if (!scene::referenceOf(reference) && !parent)
     fields.baseline = io::referenceBaseline(context.document, fields.members);
   return fields;
@@ -187,21 +188,31 @@ std::vector<scene::Node*> membersOf(const ReferenceData::Fields& fields) {
   return nodes;
 }
 
-/// Nodes of the scene that stand below nodes of the file come to the top of the hierarchy first.
-Result<void> saveGuests(scene::Document& document, const std::vector<scene::Node*>& members) {
+/// Nodes of the scene that stand below nodes of the file come to the top of the hierarchy first,
+/// shapes under an object of their own.
+Result<void> saveGuests(scene::Document& document, const dg::Node& reference,
+                        const std::vector<scene::Node*>& members) {
   for (const scene::Node* member : members) {
     if (!scene::isDagNode(*member)) continue;
     const std::vector<scene::Node*> children = scene::dagLinks(*member).children;
     for (scene::Node* child : children)
-      if (!scene::referenceOf(*child) && scene::isTransform(*child))
-        HOST_TRY(document.reparent(scene::firstPath(*child), nullptr));
+      if (!scene::referenceOf(*child)) {
+        scene::Node* parent = nullptr;
+        if (!scene::isTransform(*child)) {
+          auto made = document.createNode("transform", reference.name() + "fosterParent#");
+          if (!made) return failWith(made.error());
+          parent = made->get();
+        }
+        HOST_TRY(document.reparent(scene::firstPath(*child), parent));
+      }
   }
   return {};
 }
 
-Result<void> deleteMembers(Context& context, const ReferenceData::Fields& fields) {
+Result<void> deleteMembers(Context& context, const dg::Node& reference,
+                           const ReferenceData::Fields& fields) {
   const std::vector<scene::Node*> members = membersOf(fields);
-  HOST_TRY(saveGuests(context.document, members));
+  HOST_TRY(saveGuests(context.document, reference, members));
   const scene::ReferenceRelease release;
   for (scene::Node* node : members)
     if (node->isLocked()) HOST_TRY(context.document.graph().setNodeLocked(*node, false));
@@ -236,6 +247,7 @@ Result<dg::Node*> makeReference(Context& context, const ReferenceRequest& reques
   fields.written = request.written;
   fields.prefix = request.prefix;
   fields.options = request.options;
+  fields.isDeferred = request.isDeferred;
   fields.type = request.type;
   if (parent) fields.parent = parent->weak_from_this();
   const auto around = parent ? scene::referenceData(*parent) : nullptr;
@@ -304,10 +316,11 @@ Result<void> unloadReference(Context& context, dg::Node& reference) {
   io::ReferenceDifferences all = io::referenceDifferences(context.document, reference);
   for (const std::string& warning : all.warnings) postMessage(MessageKind::Warning, warning);
   ReferenceData::Fields fields = (*data)->fields;
-  HOST_TRY(deleteMembers(context, fields));
+  HOST_TRY(deleteMembers(context, reference, fields));
   fields.edits = std::move(all.edits);
   fields.outside = std::move(all.outside);
   fields.isLoaded = false;
+  fields.isDeferred = true;
   fields.members.clear();
   fields.baseline = nullptr;
   return scene::setReferenceData(reference, std::move(fields));
@@ -316,7 +329,7 @@ Result<void> unloadReference(Context& context, dg::Node& reference) {
 Result<void> removeReference(Context& context, dg::Node& reference) {
   auto data = ownDataOf(reference);
   if (!data) return failWith(std::move(data.error()));
-  HOST_TRY(deleteMembers(context, (*data)->fields));
+  HOST_TRY(deleteMembers(context, reference, (*data)->fields));
   return deleteReferenceNode(context, reference);
 }
 

@@ -147,7 +147,9 @@ class Differ {
     for (const NodeBaseline& each : before_.nodes)
       if (const auto node = each.node.lock(); node && node->isAlive()) addNode(*node, each);
     addLinkEdits();
-    result_.edits.insert(result_.edits.end(), fields.edits.begin(), fields.edits.end());
+    for (const ReferenceEdit& edit : fields.edits)
+      if (std::ranges::find(result_.edits, edit) == result_.edits.end())
+        result_.edits.push_back(edit);
     for (scene::OutsideConnection each : fields.outside) {
       each.placeHolder += placeHolders_;
       result_.outside.push_back(std::move(each));
@@ -184,6 +186,7 @@ class Differ {
             {name, longName, rest.substr(0, rest.find('\t')), rest.substr(rest.find('\t') + 1)});
     for (const auto& [longName, rest] : before.statements.attributes)
       if (!has(now, longName)) add(node, ReferenceEdit::DeleteAttr, {name, longName, ""});
+    std::vector<std::pair<std::string, std::string>> edits;
     for (const auto& [path, value] : now.values) {
       const auto old = before.statements.values.find(path);
       if (old != before.statements.values.end() && old->second == value) continue;
@@ -193,9 +196,12 @@ class Differ {
       const std::string& written = spoken == said.values.end() ? value : spoken->second;
       if (old != before.statements.values.end())
         text += turnedOff(old->second.substr(0, old->second.find('\t')), text);
-      add(node, ReferenceEdit::SetAttr,
-          {name, path, text + written.substr(written.find('\t') + 1)});
+      edits.emplace_back(path, text + written.substr(written.find('\t') + 1));
     }
+    // What was locked has to be free before anything above it can be set.
+    std::ranges::stable_partition(
+        edits, [](const auto& edit) { return edit.second.find(" -l off") != std::string::npos; });
+    for (const auto& [path, value] : edits) add(node, ReferenceEdit::SetAttr, {name, path, value});
     addPoints(node, before, name);
   }
 

@@ -228,7 +228,7 @@ class Writer {
       out() += " -ns ";
       appendQuoted(out(), reference.ownNamespace.empty() ? ":" : reference.ownNamespace);
     }
-    out() += fmt::format("{} -rfn ", reference.isLoaded ? "" : " -dr 1");
+    out() += fmt::format("{} -rfn ", reference.isDeferred ? " -dr 1" : "");
     appendQuoted(out(), name);
     if (!reference.options.empty()) {
       out() += " -op ";

@@ -211,7 +211,8 @@ class Reducer {
     const CornerId a = corners[0], b = corners[1];
     const bool opposed = mesh_.cornerVertex(a) != mesh_.cornerVertex(b);
     const CornerId aEnd = adjacency.nextCorner(a), bEnd = adjacency.nextCorner(b);
-    return ids[at(a)] != ids[at(opposed ? bEnd : b)] ||
+    // Where sets part at one end alone, as at a ball's pole, no line runs.
+    return ids[at(a)] != ids[at(opposed ? bEnd : b)] &&
            ids[at(aEnd)] != ids[at(opposed ? b : bEnd)];
   }
   [[nodiscard]] bool isMapBorder(EdgeId edge) const {
@@ -220,6 +221,7 @@ class Reducer {
     return false;
   }
   [[nodiscard]] bool isColorBorder(EdgeId edge) const {
+    if (!options_.keepsColorBorder) return false;
     for (int set = 0; set < mesh_.colorSetCount(); ++set)
       if (isCut(mesh_.colorSet(set).cornerIds, edge)) return true;
     return false;
@@ -248,13 +250,23 @@ class Reducer {
     }
   }
 
+  /// How many different data the corners at a vertex have.
+  [[nodiscard]] std::size_t wedgesAt(VertexId v) const {
+    std::vector<CornerId> different;
+    for (const CornerId corner : mesh_.adjacency().vertexCorners(v))
+      if (std::ranges::none_of(different, [&](CornerId each) { return agree(each, corner); }))
+        different.push_back(corner);
+    return different.size();
+  }
+
   void lockVertices() {
     const mesh::Adjacency& adjacency = mesh_.adjacency();
     for (VertexId v = 0; v < mesh_.vertexCount(); ++v) {
       const bool isMixed = std::ranges::any_of(adjacency.vertexFaces(v),
                                                [&](FaceId f) { return isListed_[at(f)] == 0; });
       isLocked_[at(v)] = isMixed || mesh_.vertexCrease(v) > 0 ||
-                         (heads_[at(v)] != kNone && !adjacency.isManifoldVertex(v));
+                         (heads_[at(v)] != kNone && !adjacency.isManifoldVertex(v)) ||
+                         wedgesAt(v) > (featureCounts_[at(v)] == 2 ? 2 : 1);
     }
     for (EdgeId e = 0; e < mesh_.edgeCount(); ++e) {
       if (adjacency.isManifoldEdge(e)) continue;
@@ -352,7 +364,7 @@ class Reducer {
     if (common != sides) return false;
     // The last triangle of a piece stays.
     if (triangleCountAt(to) == sides && triangleCountAt(from) == sides) return false;
-    bool isFine = true;
+    bool isFine = !joinsWedges(from, to);
     forCorners(from, [&](Index t, int k) {
       const VertexId a = vertexAt(t, (k + 1) % 3), b = vertexAt(t, (k + 2) % 3);
       if (!isFine || a == to || b == to) return;
@@ -363,6 +375,22 @@ class Reducer {
       isFine = isFine && keepsSide(from, to, a, b);
     });
     return isFine;
+  }
+
+  /// Whether the edge has one datum at the end that goes and two at the end that stays: the fan
+  /// around the former could not tell which to take.
+  [[nodiscard]] bool joinsWedges(VertexId from, VertexId to) const {
+    std::array<std::array<CornerId, 2>, 2> sides{};
+    std::size_t count = 0;
+    forCorners(from, [&](Index t, int k) {
+      for (int i = 1; i < 3; ++i)
+        if (vertexAt(t, (k + i) % 3) == to && count < 2) {
+          const auto& sources = triangles_[at(t)].sources;
+          sides[count++] = {sources[static_cast<std::size_t>(k)],
+                            sources[static_cast<std::size_t>((k + i) % 3)]};
+        }
+    });
+    return count == 2 && agree(sides[0][0], sides[1][0]) && !agree(sides[0][1], sides[1][1]);
   }
 
   /// Whether a triangle keeps its direction and stays a triangle when its corner moves.
@@ -425,7 +453,7 @@ class Reducer {
   [[nodiscard]] bool agree(CornerId a, CornerId b) const {
     for (int set = 0; set < mesh_.uvSetCount(); ++set)
       if (mesh_.cornerUv(set, a) != mesh_.cornerUv(set, b)) return false;
-    for (int set = 0; set < mesh_.colorSetCount(); ++set) {
+    for (int set = 0; options_.keepsColorBorder && set < mesh_.colorSetCount(); ++set) {
       const auto& ids = mesh_.colorSet(set).cornerIds;
       if (!ids.empty() && ids[at(a)] != ids[at(b)]) return false;
     }

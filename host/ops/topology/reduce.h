@@ -9,17 +9,18 @@ namespace host::ops {
 
 /// How much is left, by the first of these that is there; the faces are counted as triangles.
 struct ReduceOptions {
-  std::optional<double> percentage;      ///< of the triangles go
-  std::optional<std::size_t> vertices;   ///< of the listed faces are left
-  std::optional<std::size_t> triangles;  ///< of the listed faces are left
+  std::optional<double> percentage = {};      ///< of the triangles go
+  std::optional<std::size_t> vertices = {};   ///< of the listed faces are left
+  std::optional<std::size_t> triangles = {};  ///< of the listed faces are left
 
   bool keepsBorder = true;       ///< open edges of the mesh keep their line; else they may flatten
   bool keepsMapBorder = true;    ///< likewise edges where a UV set is cut
-  bool keepsColorBorder = true;  ///< likewise edges where colours differ across
+  bool keepsColorBorder = true;  ///< likewise edges where colours differ across; else colours are
+                                 ///< those of either side there
   bool keepsHardEdges = true;    ///< likewise hard edges
   bool keepsCreases = true;      ///< likewise creased edges
-  std::vector<EdgeId> lines;     ///< further edges to keep, as borders of materials are
-  double featureWeight = 0.5;    ///< of the shape of kept lines against that of the surface, [0, 1]
+  std::vector<EdgeId> lines = {};  ///< further edges to keep, as borders of materials are
+  double featureWeight = 0.5;  ///< of the shape of kept lines against that of the surface, [0, 1]
 };
 
 struct ReduceResult {
