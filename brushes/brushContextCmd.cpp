@@ -3,6 +3,7 @@
 #include <maya/MArgParser.h>
 #include <maya/MGlobal.h>
 #include <maya/MString.h>
+#include <maya/MStringArray.h>
 #include <maya/MSyntax.h>
 
 #include "brushes/baseBrushContext.h"
@@ -14,6 +15,7 @@
 namespace {
 
 constexpr const char *kAdjust = "adjust", *kDabs = "dabs", *kBytes = "recordBytes";
+constexpr const char* kFlags = "flags";
 constexpr const char* kAdjustments[] = {"none", "radius", "strength"};
 
 }  // namespace
@@ -29,6 +31,7 @@ MStatus brushContextCmd::appendSyntax() {
   if (status == MS::kSuccess) status = all.addFlag("ad", kAdjust, MSyntax::kString);
   if (status == MS::kSuccess) status = all.addFlag("dab", kDabs);
   if (status == MS::kSuccess) status = all.addFlag("rb", kBytes);
+  if (status == MS::kSuccess) status = all.addFlag("fl", kFlags);
   return status;
 }
 
@@ -61,6 +64,12 @@ MStatus brushContextCmd::doQueryFlags() {
   if (arguments.isFlagSet(kDabs)) return setResult(static_cast<int>(brush->dabsOfStroke()));
   if (arguments.isFlagSet(kBytes)) return setResult(static_cast<int>(brush->bytesOfStroke()));
   if (arguments.isFlagSet(kAdjust)) return setResult(MString(kAdjustments[brush->adjustment()]));
+  if (arguments.isFlagSet(kFlags)) {
+    MStringArray rows;
+    for (const brushFlag& flag : brushFlags())
+      rows.append(brushFlagRow(flag, brush->modeNames()).c_str());
+    return setResult(rows);
+  }
   for (const brushFlag& flag : brushFlags()) {
     if (!arguments.isFlagSet(flag.longName)) continue;
     const std::string value = brushFlagValue(flag, brush->modeNames(), settings);

@@ -273,6 +273,19 @@ std::string brushFlagValue(const brushFlag& flag, const char* const* modes,
   return {};
 }
 
+std::string brushFlagRow(const brushFlag& flag, const char* const* modes) {
+  constexpr const char* kKinds[] = {"yesNo",  "whole",  "choice", "choice",
+                                    "number", "length", "text",   "ramp"};
+  const double scale = flag.kind == brushFlag::kLength
+                           ? MDistance(1.0, MDistance::kCentimeters).as(MDistance::uiUnit())
+                           : 1.0;
+  std::string words;
+  const char* const* each = flag.kind == brushFlag::kMode ? modes : flag.words;
+  for (; each && *each; ++each) words += (words.empty() ? "" : ",") + std::string(*each);
+  return std::string(flag.longName) + "|" + kKinds[flag.kind] + "|" + textOf(flag.low * scale) +
+         "|" + textOf(flag.high * scale) + "|" + words + "|" + flag.help;
+}
+
 std::string brushFlagTable() {
   const brushSettings unset;
   std::string table = "| flag | takes | at first | |\n|---|---|---|---|\n";

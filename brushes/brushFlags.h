@@ -45,5 +45,10 @@ MStatus editBrushFlags(const MArgParser& arguments, const char* const* modes,
 std::string brushFlagValue(const brushFlag& flag, const char* const* modes,
                            const brushSettings& settings);
 
+/// A flag as windows are built from: "name|kind|least|most|words|help", with the kind yesNo, whole,
+/// choice, number, length, text or ramp, numbers in the current linear unit and words joined by
+/// commas.
+std::string brushFlagRow(const brushFlag& flag, const char* const* modes);
+
 /// The page's table: a line a flag.
 std::string brushFlagTable();
