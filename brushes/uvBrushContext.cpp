@@ -301,24 +301,36 @@ void uvBrushContext::relaxDab(const brushDab& dab) {
   brushSettings wanted = settings;
   wanted.lockBorders = settings.lockBorders || options.pinBorderEdges;
   reach.collect(dab, wanted, layout, false, region);
-  for (int round = 0; round < settings.relaxIterations; ++round) {
-    std::vector<int> uvs;
-    std::vector<double> weights;
-    std::vector<float> targets;
-    for (std::size_t i = 0; i < region.uvs.size(); ++i) {
-      double goal[2];
-      if (!relaxing.target(layout, region.uvs[i], dab.invert, goal)) continue;
-      const float* const here = layout.place(region.uvs[i]);
-      const double share = region.weights[i] * dab.strength * intensity;
-      uvs.push_back(region.uvs[i]);
-      weights.push_back(region.weights[i]);
-      for (int k = 0; k < 2; ++k) {
-        const double at = static_cast<double>(here[k]);
-        targets.push_back(static_cast<float>(at + (goal[k] - at) * share));
-      }
+  for (int round = 0; round < settings.relaxIterations; ++round) relaxRound(dab, intensity);
+}
+
+/// One round over the region in which every UV sees where those before it have gone, and goes a
+/// little farther than it wants to (successive over-relaxation): that halves the rounds, and more.
+void uvBrushContext::relaxRound(const brushDab& dab, double intensity) {
+  constexpr double kOverRelaxation = 1.5;
+  std::vector<int> uvs;
+  std::vector<double> weights;
+  std::vector<float> targets, starts;
+  for (std::size_t i = 0; i < region.uvs.size(); ++i) {
+    const int uv = region.uvs[i];
+    double goal[2];
+    if (!relaxing.target(layout, uv, dab.invert, goal)) continue;
+    const float here[2] = {layout.place(uv)[0], layout.place(uv)[1]};
+    const double share = kOverRelaxation * region.weights[i] * dab.strength * intensity;
+    float to[2];
+    for (int k = 0; k < 2; ++k) {
+      const double at = static_cast<double>(here[k]);
+      to[k] = static_cast<float>(at + (goal[k] - at) * share);
     }
-    move(weights, std::move(uvs), std::move(targets));
+    uvs.push_back(uv);
+    weights.push_back(region.weights[i]);
+    targets.insert(targets.end(), {to[0], to[1]});
+    starts.insert(starts.end(), {here[0], here[1]});
+    layout.setPlace(uv, to[0], to[1]);
   }
+  for (std::size_t i = 0; i < uvs.size(); ++i)
+    layout.setPlace(uvs[i], starts[2 * i], starts[2 * i + 1]);
+  move(weights, std::move(uvs), std::move(targets));
 }
 
 void uvBrushContext::showDabs() {

@@ -46,6 +46,7 @@ class uvBrushContext : public brushContext {
   void drag(const brushDab& dab);
   void smear(const brushDab& dab);
   void relaxDab(const brushDab& dab);
+  void relaxRound(const brushDab& dab, double intensity);
   void move(const std::vector<double>& weights, std::vector<int> uvs, std::vector<float> targets);
   MVector wayOnSurface(const brushDab& dab) const;
   const uvMirror* mirror();
