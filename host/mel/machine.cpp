@@ -177,12 +177,18 @@ bool Machine::handleError(std::size_t baseFrame) {
   return true;
 }
 
+bool Machine::answerBell() {
+  const std::uint8_t asked = asked_.fetch_and(static_cast<std::uint8_t>(~kBell));
+  if ((asked & kBell) != 0 && onBell) onBell();
+  return (asked_.load(std::memory_order_relaxed) & kStop) != 0;
+}
+
 Result<void> Machine::run(const Function& function, std::span<const Value> arguments,
                           Value& result) {
   if (nesting_ >= kMaxNesting)
     return host::fail("Stack overflow: scripts evaluate each other too deeply.");
   if (nesting_ == 0) {
-    isInterrupted_.store(false, std::memory_order_relaxed);
+    asked_.store(0, std::memory_order_relaxed);
     isFatal_ = false;
     placedError_.clear();
   }

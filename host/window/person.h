@@ -41,6 +41,8 @@ class Person {
   Signal<Parts> looked;
   /// Whether nothing waits to be looked at.
   [[nodiscard]] bool isQuiet() const { return looking_ == 0; }
+  /// Something works just now and lets the screen be drawn meanwhile: what is shown stays as it is.
+  bool isBusy = false;
   /// Counts what was looked at, for programs that wait for the window.
   [[nodiscard]] std::uint64_t lookCount() const { return lookCount_; }
 

@@ -155,11 +155,11 @@ Result<BevelPlan> BevelPlan::make(const Mesh& mesh, std::span<const EdgeId> edge
 bool BevelPlan::hasTopologyOf(const BevelEdgesOptions& asked) const {
   if (!data_) return false;
   const BevelEdgesOptions options = evened(asked), &own = data_->options;
-  const bool isSameFaces = options.segments == own.segments && options.autoFit == own.autoFit &&
-                           options.fillNgons == own.fillNgons &&
-                           options.miteringAngle == own.miteringAngle &&
-                           options.uvAssignment == own.uvAssignment &&
-                           options.chamfer == own.chamfer && isSameSpace(options.space, own.space);
+  const bool isSameFaces =
+      options.segments == own.segments && options.autoFit == own.autoFit &&
+      options.fillNgons == own.fillNgons && options.subdivideNgons == own.subdivideNgons &&
+      options.miteringAngle == own.miteringAngle && options.uvAssignment == own.uvAssignment &&
+      options.chamfer == own.chamfer && isSameSpace(options.space, own.space);
   const bool isSamePlace = options.offset == own.offset &&
                            options.offsetAsFraction == own.offsetAsFraction &&
                            options.roundness == own.roundness;
