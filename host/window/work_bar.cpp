@@ -17,8 +17,10 @@ namespace {
 constexpr auto kPatience = std::chrono::milliseconds(500);  ///< what ends sooner is not shown
 constexpr auto kBellPause = std::chrono::milliseconds(100);
 
-bool isInput(QEvent::Type type) {
-  switch (type) {
+}  // namespace
+
+bool isPersonsEvent(const QEvent& event) {
+  switch (event.type()) {
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonRelease:
     case QEvent::MouseButtonDblClick:
@@ -45,8 +47,6 @@ bool isInput(QEvent::Type type) {
   }
 }
 
-}  // namespace
-
 WorkBar::WorkBar(Person& person, QStatusBar& bar) : person_(person) {
   what_ = new QLabel(&bar);
   bar_ = new QProgressBar(&bar);
@@ -58,8 +58,8 @@ WorkBar::WorkBar(Person& person, QStatusBar& bar) : person_(person) {
   stop_->setFocusPolicy(Qt::NoFocus);
   stop_->setToolTip(QObject::tr("Ends the running work (Esc); the scene is as it was before it"));
   connect(stop_, &QPushButton::pressed, this, [this] { stop(); });
-  for (QWidget* each : {static_cast<QWidget*>(what_), static_cast<QWidget*>(bar_),
-                        static_cast<QWidget*>(stop_)}) {
+  for (QWidget* each :
+       {static_cast<QWidget*>(what_), static_cast<QWidget*>(bar_), static_cast<QWidget*>(stop_)}) {
     bar.addPermanentWidget(each);
     each->hide();
   }
@@ -122,14 +122,14 @@ void WorkBar::showWorking() {
   what_->setText(QObject::tr("Working"));
   bar_->setRange(0, 0);
   stop_->setEnabled(true);
-  for (QWidget* each : {static_cast<QWidget*>(what_), static_cast<QWidget*>(bar_),
-                        static_cast<QWidget*>(stop_)})
+  for (QWidget* each :
+       {static_cast<QWidget*>(what_), static_cast<QWidget*>(bar_), static_cast<QWidget*>(stop_)})
     each->show();
 }
 
 void WorkBar::hide() {
-  for (QWidget* each : {static_cast<QWidget*>(what_), static_cast<QWidget*>(bar_),
-                        static_cast<QWidget*>(stop_)})
+  for (QWidget* each :
+       {static_cast<QWidget*>(what_), static_cast<QWidget*>(bar_), static_cast<QWidget*>(stop_)})
     each->hide();
 }
 
@@ -137,8 +137,7 @@ void WorkBar::letThrough() {
   isListening_ = true;
   person_.isBusy = true;
   qApp->installEventFilter(this);
-  constexpr int kMost = 20;  // milliseconds
-  QCoreApplication::processEvents(QEventLoop::AllEvents, kMost);
+  QCoreApplication::processEvents();
   qApp->removeEventFilter(this);
   person_.isBusy = false;
   isListening_ = false;
@@ -152,14 +151,17 @@ void WorkBar::stop() {
 }
 
 bool WorkBar::eventFilter(QObject* object, QEvent* event) {
-  // Timers and what was put off run when the work has ended.
-  if (event->type() == QEvent::Timer || event->type() == QEvent::DeferredDelete) return true;
+  // Timers fire again when the work has ended.
+  if (event->type() == QEvent::Timer) return true;
   if (event->type() == QEvent::KeyPress &&
       static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Escape)
     stop();
-  if (!isInput(event->type())) return false;
+  if (!isPersonsEvent(*event)) return false;
   // The system's window gets what it hands on to its widgets.
-  return object != stop_ && object->isWidgetType();
+  const bool isDropped =
+      object != stop_ && (object->isWidgetType() || event->type() == QEvent::Shortcut);
+  if (isDropped) event->ignore();
+  return isDropped;
 }
 
 }  // namespace host::window

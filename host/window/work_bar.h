@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QEvent>
 #include <QObject>
 #include <atomic>
 #include <chrono>
@@ -15,6 +16,9 @@ class QStatusBar;
 
 namespace host::window {
 
+/// Whether an event is something that a person does.
+[[nodiscard]] bool isPersonsEvent(const QEvent& event);
+
 /// Shows what takes long, operations as well as scripts that run away, and a button that stops it.
 ///
 /// While something works the window's own loop stands still. From within the work this lets through
@@ -24,14 +28,13 @@ class WorkBar : public QObject {
  public:
   WorkBar(Person& person, QStatusBar& bar);
   ~WorkBar() override;
-  /// Shows progress of a script's own; a text without work. Listens too.
-  void listen();
 
  protected:
   bool eventFilter(QObject* object, QEvent* event) override;
 
  private:
   using Clock = std::chrono::steady_clock;
+  void listen();
   void show(std::string_view what, double part, bool hasEnded);
   void showWorking();
   void hide();

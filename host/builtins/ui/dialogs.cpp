@@ -88,6 +88,8 @@ CommandResult layoutDialog(Context& context, const ParsedArgs& args) {
   dialogs.isDismissed = false;
   dialogs.dismissedWith = "dismiss";
   auto built = context.session.interpreter().execute(args.text("uiScript"));
+  if (built && !dialogs.isDismissed && dialogs.answers.empty() && dialogs.showModal)
+    dialogs.showModal(windowPath, [&dialogs] { return dialogs.isDismissed; });
   if (!dialogs.isDismissed && !dialogs.answers.empty()) {
     dialogs.dismissedWith = dialogs.answers.front().button;
     dialogs.answers.pop_front();
@@ -111,10 +113,18 @@ CommandResult queryProgress(const Dialogs::Progress& progress, const ParsedArgs&
 
 /// One at a time, as there is one person to look at it.
 CommandResult progressWindow(Context& context, const ParsedArgs& args) {
-  Dialogs::Progress& progress = workspaceOf(context.session).dialogs.progress;
-  if (args.isQuery()) return queryProgress(progress, args);
+  Dialogs& dialogs = workspaceOf(context.session).dialogs;
+  Dialogs::Progress& progress = dialogs.progress;
+  const auto show = [&dialogs] {
+    if (dialogs.showProgress) dialogs.showProgress(dialogs.progress);
+  };
+  if (args.isQuery()) {
+    if (args.has("isCancelled")) show();
+    return queryProgress(progress, args);
+  }
   if (args.has("endProgress")) {
     progress = {};
+    show();
     return mel::Value(true);
   }
   if (args.isEdit() && !progress.isOpen) return fail("progressWindow: none is open.");
@@ -131,6 +141,7 @@ CommandResult progressWindow(Context& context, const ParsedArgs& args) {
   const int value = args.integer("progress", progress.value) + args.integer("step", 0);
   progress.value = std::clamp(value, std::min(progress.low, progress.high),
                               std::max(progress.low, progress.high));
+  show();
   return mel::Value(true);
 }
 
