@@ -163,9 +163,16 @@ void DialogHost::showProgress(Dialogs::Progress& progress) {
 void DialogHost::showModal(const std::string& path, const std::function<bool()>& isDone) {
   const auto found = workspaceOf(person_.session()).controls.find(path);
   if (!found) return;
-  LayoutWindow window(person_, **found, &over_);
+  const ui::Control* layout = nullptr;
+  for (const auto& child : (*found)->children)
+    if (child->isKind(ui::Kind::Layout)) layout = child.get();
+  if (!layout) return;
+  LayoutWindow window(person_, *layout, &over_);
   window.setWindowFlag(Qt::Dialog);
   window.setWindowModality(Qt::ApplicationModal);
+  window.setWindowTitle(plain((*found)->text("title")));
+  const ui::Size natural = ui::naturalSize(**found);
+  window.resize(std::max(natural.width, 200), std::max(natural.height, 80));
   window.follow();
   window.show();
   QEventLoop loop;

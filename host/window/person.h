@@ -27,6 +27,8 @@ class Person {
   bool edit(std::string_view name, const std::function<Result<void>()>& edits);
   /// Runs what a control's action set off; an error is shown.
   void runCallbacks(const std::vector<std::string>& scripts);
+  /// Runs a command of the hot key table; an error is shown.
+  void runNamed(const std::string& command);
   /// Takes back, or does again.
   void undo();
   void redo();

@@ -149,6 +149,7 @@ int runWindow(cmd::Session& session) {
   const StateFile state(person, window, qEnvironmentVariable("QXMT_WINDOW_STATE"));
   window.show();
   person.lookSoon();
+  QTimer::singleShot(0, &window, [&window] { window.offerRecovery(); });
   QApplication::exec();
   return session.exitStatus;
 }

@@ -105,7 +105,7 @@ void ViewWidget::render() {
 }
 
 void ViewWidget::paintEvent(QPaintEvent*) {
-  if (isStale_) render();
+  if (isStale_ && !person_.isBusy) render();
   QPainter painter(this);
   if (picture_.isNull()) {
     painter.fillRect(rect(), QColor(60, 63, 68));

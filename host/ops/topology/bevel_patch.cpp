@@ -10,10 +10,6 @@ namespace {
 
 using math::Vec3;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// A sphere that the rim lies on or near.
 struct Ball {
   Vec3 center;
