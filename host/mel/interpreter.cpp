@@ -27,12 +27,6 @@ Result<Value> Interpreter::callProcedure(std::string_view name, std::span<const 
 void Interpreter::interrupt() noexcept {
   engine_->machine().interrupt();
 }
-void Interpreter::ring() noexcept {
-  engine_->machine().ring();
-}
-void Interpreter::setBell(std::function<void()> onBell) {
-  engine_->machine().onBell = std::move(onBell);
-}
 bool Interpreter::isInterrupted() const noexcept {
   return engine_->machine().isInterrupted();
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -23,8 +22,8 @@ struct SourceName {
 };
 
 /// The language: global variables, procedures and the evaluator. Everything else it reaches through
-/// a CommandHost, which must outlive it. One thread; only `interrupt` and `ring` may be called from
-/// others and from signal handlers.
+/// a CommandHost, which must outlive it. One thread; only `interrupt` may be called from others and
+/// from signal handlers.
 class Interpreter {
  public:
   explicit Interpreter(CommandHost& host);
@@ -58,10 +57,6 @@ class Interpreter {
   /// Whether something runs that has been told to end.
   [[nodiscard]] bool isInterrupted() const noexcept;
   [[nodiscard]] bool isRunning() const noexcept;
-  /// Makes the running script call what setBell() was given, at its next loop turn or call. So a
-  /// window looks whether its person wants to stop a script that never comes back by itself.
-  void ring() noexcept;
-  void setBell(std::function<void()> onBell);
 
   /// Folders searched for `name.mel`, before those of MAYA_SCRIPT_PATH.
   [[nodiscard]] const std::vector<std::string>& scriptPath() const;

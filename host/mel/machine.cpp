@@ -5,10 +5,23 @@
 #include <cstring>
 #include <new>
 
+#include "host/base/cancel.h"
+#include "host/mel/bell.h"
 #include "host/mel/builtins.h"
 #include "host/mel/engine.h"
 
 namespace host::mel {
+namespace {
+
+/// The machine whose code runs; others ring at its door.
+std::atomic<Machine*> atWork = nullptr;
+
+}  // namespace
+
+void ringBell() noexcept {
+  // One that has just come to its end gets a ring that nobody hears.
+  if (Machine* machine = atWork.load()) machine->ring();
+}
 
 Machine::Machine(Engine& engine)
     : engine_(engine),
@@ -179,7 +192,7 @@ bool Machine::handleError(std::size_t baseFrame) {
 
 bool Machine::answerBell() {
   const std::uint8_t asked = asked_.fetch_and(static_cast<std::uint8_t>(~kBell));
-  if ((asked & kBell) != 0 && onBell) onBell();
+  if ((asked & kBell) != 0 && isCancelled()) interrupt();
   return (asked_.load(std::memory_order_relaxed) & kStop) != 0;
 }
 
@@ -189,6 +202,7 @@ Result<void> Machine::run(const Function& function, std::span<const Value> argum
     return host::fail("Stack overflow: scripts evaluate each other too deeply.");
   if (nesting_ == 0) {
     asked_.store(0, std::memory_order_relaxed);
+    atWork = this;
     isFatal_ = false;
     placedError_.clear();
   }
@@ -203,7 +217,7 @@ Result<void> Machine::run(const Function& function, std::span<const Value> argum
     fail("Out of memory.");
   }
   unwind(baseFrame);
-  --nesting_;
+  if (--nesting_ == 0) atWork = nullptr;
   if (isDone) return {};
   // Who called what is told once, with the error that nobody caught.
   const bool tellsStack = nesting_ == 0 && error_ == placedError_;

@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -32,8 +31,8 @@ class Machine {
   [[nodiscard]] bool isInterrupted() const noexcept {
     return isRunning() && (asked_.load(std::memory_order_relaxed) & kStop) != 0;
   }
+  /// Code that runs asks isCancelled() between two instructions.
   void ring() noexcept { asked_.fetch_or(kBell, std::memory_order_relaxed); }
-  std::function<void()> onBell;  ///< called between two instructions after ring()
   [[nodiscard]] bool isRunning() const noexcept { return nesting_ > 0; }
   /// The file of the innermost running code; empty if that was entered.
   [[nodiscard]] const std::string& currentFile() const;

@@ -12,11 +12,13 @@
 #include <QVBoxLayout>
 
 #include "host/window/layout_window.h"
+#include "host/workspace/dialog_hooks.h"
 #include "host/workspace/workspace.h"
 
 namespace host::window {
 namespace {
 
+using workspace::DialogHooks;
 using workspace::Dialogs;
 using workspace::workspaceOf;
 
@@ -57,7 +59,7 @@ Dialogs::Answer ask(QWidget& over, const Dialogs::Question& question) {
   return answer;
 }
 
-Dialogs::FileAnswer askFiles(QWidget& over, const Dialogs::FileQuestion& question) {
+DialogHooks::FileAnswer askFiles(QWidget& over, const DialogHooks::FileQuestion& question) {
   constexpr int kWrite = 0, kFolder = 2, kFolderOnly = 3, kSeveral = 4;
   QFileDialog dialog(&over, plain(question.caption), plain(question.folder));
   dialog.setObjectName("fileDialog");
@@ -73,7 +75,7 @@ Dialogs::FileAnswer askFiles(QWidget& over, const Dialogs::FileQuestion& questio
   if (!question.filter.empty() && !isFolder) dialog.selectNameFilter(plain(question.filter));
   if (!question.okCaption.empty())
     dialog.setLabelText(QFileDialog::Accept, plain(question.okCaption));
-  Dialogs::FileAnswer answer;
+  DialogHooks::FileAnswer answer;
   if (dialog.exec() != QDialog::Accepted) return answer;
   for (const QString& file : dialog.selectedFiles()) answer.files.push_back(file.toStdString());
   answer.filter = dialog.selectedNameFilter().toStdString();
@@ -136,22 +138,22 @@ class DialogHost::ProgressBox : public QDialog {
 
 DialogHost::DialogHost(Person& person, QWidget& over) : person_(person), over_(over) {
   Dialogs& dialogs = workspaceOf(person_.session()).dialogs;
+  auto& hooks = workspaceOf(person_.session()).kept<DialogHooks>();
   dialogs.ask = [this](const Dialogs::Question& question) { return ask(over_, question); };
-  dialogs.askFiles = [this](const Dialogs::FileQuestion& question) {
+  hooks.askFiles = [this](const DialogHooks::FileQuestion& question) {
     return askFiles(over_, question);
   };
-  dialogs.showProgress = [this](Dialogs::Progress& progress) { showProgress(progress); };
-  dialogs.showModal = [this](const std::string& path, const std::function<bool()>& isDone) {
+  hooks.showProgress = [this](Dialogs::Progress& progress) { showProgress(progress); };
+  hooks.showModal = [this](const std::string& path, const std::function<bool()>& isDone) {
     showModal(path, isDone);
   };
 }
 
 DialogHost::~DialogHost() {
   Dialogs& dialogs = workspaceOf(person_.session()).dialogs;
+  auto& hooks = workspaceOf(person_.session()).kept<DialogHooks>();
   dialogs.ask = {};
-  dialogs.askFiles = {};
-  dialogs.showProgress = {};
-  dialogs.showModal = {};
+  hooks = {};
 }
 
 void DialogHost::showProgress(Dialogs::Progress& progress) {

@@ -11,6 +11,7 @@
 #include <algorithm>
 
 #include "host/window/view_widget.h"
+#include "host/workspace/hotkey_store.h"
 #include "host/workspace/workspace.h"
 
 namespace host::window {
@@ -180,11 +181,11 @@ void HotkeyTable::restore(cmd::Session& session) {
   const cmd::OptionVars::Value* kept = session.optionVars().find(kOptionVar);
   if (!kept) return;
   if (const auto* lines = std::get_if<std::vector<std::string>>(kept))
-    hotkeysOf(session).take(*lines);
+    workspace::takeHotkeys(hotkeysOf(session), *lines);
 }
 
 void HotkeyTable::store(cmd::Session& session) {
-  std::vector<std::string> lines = hotkeysOf(session).changes();
+  std::vector<std::string> lines = workspace::hotkeyChanges(hotkeysOf(session));
   if (lines.empty())
     session.optionVars().remove(kOptionVar);
   else

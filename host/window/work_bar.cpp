@@ -10,6 +10,7 @@
 #include <QThread>
 
 #include "host/base/cancel.h"
+#include "host/mel/bell.h"
 
 namespace host::window {
 namespace {
@@ -79,12 +80,10 @@ WorkBar::WorkBar(Person& person, QStatusBar& bar) : person_(person) {
     if (QThread::currentThread() == thread()) show(what, part, hasEnded);
   });
   setCancelListener([this] { listen(); });
-  mel::Interpreter& interpreter = person_.session().interpreter();
-  interpreter.setBell([this] { listen(); });
-  bell_ = std::jthread([this, &interpreter](const std::stop_token& token) {
+  bell_ = std::jthread([this](const std::stop_token& token) {
     while (!token.stop_requested()) {
       std::this_thread::sleep_for(kBellPause);
-      if (!isWaiting_ && isLate()) interpreter.ring();
+      if (!isWaiting_ && isLate()) mel::ringBell();
     }
   });
 }
@@ -94,7 +93,6 @@ WorkBar::~WorkBar() {
   setCancelListener({});
   bell_.request_stop();
   bell_.join();
-  person_.session().interpreter().setBell({});
 }
 
 bool WorkBar::isLate() const {

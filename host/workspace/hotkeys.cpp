@@ -1,7 +1,5 @@
 #include "host/workspace/hotkeys.h"
 
-#include <fmt/format.h>
-
 #include <array>
 #include <cctype>
 
@@ -81,21 +79,6 @@ constexpr std::array kFactoryKeys{FactoryKey{"q", "SelectToolMarkingMenuNameComm
                                   FactoryKey{"F10", "SelectEdgeNameCommand"},
                                   FactoryKey{"F11", "SelectFaceNameCommand"}};
 
-std::map<KeyStroke, Hotkeys::Binding> factoryBindings() {
-  std::map<KeyStroke, Hotkeys::Binding> bindings;
-  for (const FactoryKey& each : kFactoryKeys)
-    bindings[{each.key, false, each.isWithControl, false}].press = each.name;
-  return bindings;
-}
-
-constexpr char kBetween = '\t';
-
-std::vector<std::string> parts(const std::string& text) {
-  std::vector<std::string> all(1);
-  for (const char c : text) c == kBetween ? (void)all.emplace_back() : all.back().push_back(c);
-  return all;
-}
-
 }  // namespace
 
 KeyStroke KeyStroke::of(const tools::InputEvent& event) {
@@ -112,47 +95,9 @@ Hotkeys::Hotkeys() {
 }
 
 void Hotkeys::bindFactory() {
-  bindings = factoryBindings();
-}
-
-std::vector<std::string> Hotkeys::changes() const {
-  std::vector<std::string> lines;
-  for (const auto& [name, command] : commands)
-    if (!command.isFactory)
-      lines.push_back(fmt::format("command\t{}\t{}\t{}", name, command.annotation, command.line));
-  const auto factory = factoryBindings();
-  const auto add = [&](const KeyStroke& stroke, const Binding& bound) {
-    lines.push_back(fmt::format("key\t{}\t{}{}\t{}\t{}", stroke.key, stroke.alt ? "a" : "",
-                                stroke.control ? "c" : "", bound.press, bound.release));
-  };
-  for (const auto& [stroke, bound] : bindings) {
-    const auto before = factory.find(stroke);
-    if (before == factory.end() || before->second.press != bound.press ||
-        before->second.release != bound.release)
-      add(stroke, bound);
-  }
-  for (const auto& [stroke, bound] : factory)
-    if (!bindings.contains(stroke)) add(stroke, {});
-  return lines;
-}
-
-void Hotkeys::take(const std::vector<std::string>& lines) {
-  bindFactory();
-  std::erase_if(commands, [](const auto& each) { return !each.second.isFactory; });
-  for (const std::string& line : lines) {
-    const std::vector<std::string> words = parts(line);
-    if (words.size() == 4 && words[0] == "command" && !commands.contains(words[1]))
-      commands[words[1]] = {words[2], words[3], false};
-    if (words.size() != 5 || words[0] != "key") continue;
-    const KeyStroke stroke{words[1], words[2].find('a') != std::string::npos,
-                           words[2].find('c') != std::string::npos, false};
-    if (words[3].empty() && words[4].empty()) {
-      bindings.erase(stroke);
-      continue;
-    }
-    bindings[stroke].press = words[3];
-    bindings[stroke].release = words[4];
-  }
+  bindings.clear();
+  for (const FactoryKey& each : kFactoryKeys)
+    bindings[{each.key, false, each.isWithControl, false}].press = each.name;
 }
 
 std::string Hotkeys::lineFor(const tools::InputEvent& event) const {

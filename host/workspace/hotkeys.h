@@ -4,7 +4,6 @@
 #include <map>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "host/tools/input_event.h"
 
@@ -23,9 +22,8 @@ struct KeyStroke {
 /// Named commands, and the keys that run them. Neither is part of a scene.
 class Hotkeys {
  public:
-  /// Begins with the keys that modellers know: q w e r take the select, move, rotate and scale
-  /// tool, z and Ctrl+z undo, Z and Ctrl+y redo, f and a frame, 4 to 7 display, g repeats, Ctrl+d
-  /// duplicates, Space shows one view or four, F8 to F11 say what is picked.
+  /// Begins with the keys that every scene has: q w e r take the select, move, rotate and scale
+  /// tool, z and Ctrl+z undo, Z and Ctrl+y redo.
   Hotkeys();
 
   struct Command {
@@ -43,10 +41,6 @@ class Hotkeys {
 
   /// Gives the keys back what they had at first. Named commands stay.
   void bindFactory();
-  /// What differs from the beginning, a line each, to be kept between runs and taken again. Lines
-  /// that say nothing known are passed over.
-  [[nodiscard]] std::vector<std::string> changes() const;
-  void take(const std::vector<std::string>& lines);
   /// The line that an event runs; empty for none.
   [[nodiscard]] std::string lineFor(const tools::InputEvent& event) const;
 };

@@ -25,18 +25,6 @@ struct Dialogs {
   /// Asks the person at the window, when there is one and no answer was given before; an empty
   /// button: they closed it.
   std::function<Answer(const Question&)> ask;
-  struct FileQuestion {
-    std::string caption, folder, filters, filter, okCaption;  ///< filters: "Scenes (*.ma);;..."
-    int mode = 0;  ///< 0 a file to write, 1 one to read, 2 and 3 a folder, 4 several to read
-  };
-  struct FileAnswer {
-    std::vector<std::string> files;  ///< none: they closed it
-    std::string filter;
-  };
-  /// The same for files.
-  std::function<FileAnswer(const FileQuestion&)> askFiles;
-  /// Shows the window of that path and waits until `isDone` or it is closed, when there is a person.
-  std::function<void(const std::string& window, const std::function<bool()>& isDone)> showModal;
   std::string promptText;     ///< what the last prompt was answered
   std::string dismissedWith;  ///< how a dialog's own script ended it
   bool isDismissed = false;
@@ -47,8 +35,6 @@ struct Dialogs {
     std::string title, status;
   };
   Progress progress;
-  /// Shows the progress to the person at the window, who may cancel it.
-  std::function<void(Progress&)> showProgress;
 };
 
 /// The text that is shown over the views.

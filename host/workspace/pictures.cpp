@@ -4,7 +4,7 @@
 #include <array>
 
 #include "host/base/messages.h"
-#include "host/io/png_reader.h"
+#include "host/io/picture_reader.h"
 
 namespace host::workspace {
 
@@ -86,7 +86,7 @@ nodes::PicturePtr Pictures::find(const std::string& path, const std::string& fol
   const fs::file_time_type changed = fs::last_write_time(file, failure);
   if (entry.picture && entry.changed == changed) return entry.picture;
   entry.changed = changed;
-  auto image = io::readPng(file.string());
+  auto image = io::readPicture(file.string());
   if (!image) {
     if (!entry.isWarned) postMessage(MessageKind::Warning, image.error().message);
     entry.isWarned = true;

@@ -134,34 +134,12 @@ Result<void> placeCamera(scene::Document& document, const scene::DagPath& shape,
   return graph.set(lens->plug("orthographicWidth"), camera.orthographicWidth);
 }
 
-namespace {
-
-bool standsThere(const viewport::Camera& a, const viewport::Camera& b) {
-  for (int row = 0; row < 4; ++row)
-    for (int column = 0; column < 4; ++column)
-      if (a.world[row][column] != b.world[row][column]) return false;
-  return a.orthographic == b.orthographic && a.focalLength == b.focalLength &&
-         a.orthographicWidth == b.orthographicWidth;
-}
-
-/// What fits a panel would be cut off in a narrower picture, and small in a wider one.
-void keepFramed(const Views& views, const View& view, viewport::PortSize size,
-                viewport::Camera& camera) {
-  const auto framing = views.framings.find(view.cameraName);
-  if (size.aspect() == view.port.aspect() || framing == views.framings.end()) return;
-  if (standsThere(camera, framing->second.camera))
-    viewport::zoomTo(camera, size.aspect(), framing->second.extents);
-}
-
-}  // namespace
-
 Result<void> drawView(scene::Document& document, Views& views, const View& view,
                       viewport::PortSize size, viewport::Backend& backend) {
   View sized = view;
   sized.port = size;
   auto scene = gatherView(document, views, sized);
   if (!scene) return failWith(scene.error());
-  keepFramed(views, view, size, scene->camera);
   views.materials().dress(document, *scene);
   viewport::FrameSettings frame;
   frame.camera = scene->camera;

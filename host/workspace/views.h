@@ -38,12 +38,6 @@ struct View {
 
 class Materials;
 
-/// What a camera was made to frame, as long as it stands there.
-struct Framing {
-  viewport::Camera camera;
-  viewport::ViewExtents extents;  ///< with the room around it
-};
-
 /// The session's views: the four panels of a new layout, and what draws them.
 class Views {
  public:
@@ -66,9 +60,6 @@ class Views {
   /// Whether hilited meshes show their vertices: they can be picked now.
   std::function<bool()> showsVertices;
   std::vector<Direct> directs;
-
-  /// By the camera's name. Pictures of other proportions than their panel's show what was framed.
-  std::map<std::string, Framing, std::less<>> framings;
 
  private:
   std::vector<View> views_;

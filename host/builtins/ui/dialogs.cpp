@@ -4,6 +4,7 @@
 
 #include "host/base/messages.h"
 #include "host/builtins/ui/control_values.h"
+#include "host/workspace/dialog_hooks.h"
 #include "host/workspace/workspace.h"
 
 namespace host::builtins {
@@ -77,6 +78,7 @@ CommandResult layoutDialog(Context& context, const ParsedArgs& args) {
     dialogs.isDismissed = true;
     return mel::Value();
   }
+  const auto& hooks = workspaceOf(context.session).kept<workspace::DialogHooks>();
   ui::Tree& tree = workspaceOf(context.session).controls;
   ui::Control* const before = tree.currentParent();
   auto window = tree.create(*ui::findControlType("window"), {});
@@ -88,8 +90,8 @@ CommandResult layoutDialog(Context& context, const ParsedArgs& args) {
   dialogs.isDismissed = false;
   dialogs.dismissedWith = "dismiss";
   auto built = context.session.interpreter().execute(args.text("uiScript"));
-  if (built && !dialogs.isDismissed && dialogs.answers.empty() && dialogs.showModal)
-    dialogs.showModal(windowPath, [&dialogs] { return dialogs.isDismissed; });
+  if (built && !dialogs.isDismissed && dialogs.answers.empty() && hooks.showModal)
+    hooks.showModal(windowPath, [&dialogs] { return dialogs.isDismissed; });
   if (!dialogs.isDismissed && !dialogs.answers.empty()) {
     dialogs.dismissedWith = dialogs.answers.front().button;
     dialogs.answers.pop_front();
@@ -115,8 +117,9 @@ CommandResult queryProgress(const Dialogs::Progress& progress, const ParsedArgs&
 CommandResult progressWindow(Context& context, const ParsedArgs& args) {
   Dialogs& dialogs = workspaceOf(context.session).dialogs;
   Dialogs::Progress& progress = dialogs.progress;
-  const auto show = [&dialogs] {
-    if (dialogs.showProgress) dialogs.showProgress(dialogs.progress);
+  const auto& hooks = workspaceOf(context.session).kept<workspace::DialogHooks>();
+  const auto show = [&] {
+    if (hooks.showProgress) hooks.showProgress(progress);
   };
   if (args.isQuery()) {
     if (args.has("isCancelled")) show();

@@ -2,20 +2,23 @@
 // fills, else as by closing them.
 #include "host/base/messages.h"
 #include "host/builtins/common/command.h"
+#include "host/workspace/dialog_hooks.h"
 #include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
 namespace {
 
+using workspace::DialogHooks;
 using workspace::Dialogs;
 using workspace::workspaceOf;
 
 /// The file names that a person gives; nothing when the dialog is closed.
-Dialogs::FileAnswer filesGiven(Context& context, const Dialogs::FileQuestion& question) {
+DialogHooks::FileAnswer filesGiven(Context& context, const DialogHooks::FileQuestion& question) {
   postMessage(MessageKind::Info, question.caption.empty() ? "Which file?" : question.caption);
   Dialogs& dialogs = workspaceOf(context.session).dialogs;
-  if (dialogs.answers.empty() && dialogs.askFiles) return dialogs.askFiles(question);
+  const auto& hooks = workspaceOf(context.session).kept<DialogHooks>();
+  if (dialogs.answers.empty() && hooks.askFiles) return hooks.askFiles(question);
   if (dialogs.answers.empty()) return {};
   const Dialogs::Answer given = dialogs.answers.front();
   dialogs.answers.pop_front();
@@ -46,7 +49,7 @@ CommandResult fileDialog(Context& context, const ParsedArgs& args) {
   // -directoryMask names a folder with a pattern: "/scenes/*.ma".
   const std::string mask = args.text("directoryMask");
   const std::size_t slash = mask.rfind('/');
-  Dialogs::FileQuestion question;
+  DialogHooks::FileQuestion question;
   question.caption = args.text("title");
   question.mode = args.integer("mode") == 1 ? 0 : 1;
   if (slash != std::string::npos) question.folder = mask.substr(0, slash);

@@ -1,7 +1,7 @@
 #include "host/builtins/common/command.h"
 #include "host/math/transform.h"
 #include "host/viewport/scene_gather.h"
-#include "host/workspace/workspace.h"
+#include "host/workspace/framings.h"
 
 namespace host::builtins {
 namespace {
@@ -76,7 +76,8 @@ CommandResult viewFit(Context& context, const ParsedArgs& args) {
   viewport::ViewExtents extents = viewport::extentsOf(*placed, *points);
   extents.halfWidth /= fit;
   extents.halfHeight /= fit;
-  views.framings[view.cameraName] = {*placed, extents};
+  workspace::Workspace& workspace = workspaceOf(context.session);
+  workspace.kept<workspace::Framings>().keep(workspace, view.cameraName, *placed, extents);
   return mel::Value();
 }
 
