@@ -5,6 +5,7 @@
 
 #include "host/window/person.h"
 #include "host/window/work_bar.h"
+#include "host/workspace/interface.h"
 
 namespace host::window {
 

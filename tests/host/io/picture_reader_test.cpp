@@ -240,7 +240,7 @@ TEST_CASE("pictures: what is written comes back, by content and not by name") {
   CHECK(readFloatPicture(path).value() == toFloats(toBytes(image)));
   REQUIRE(writeFileAtomically(path, "P6 1 1 255 abc"));
   CHECK(readPicture(path).error().message ==
-        "Cannot read \"" + path + "\": it is no PNG or TIFF picture");
+        "Cannot read \"" + path + "\": it is no PNG, TIFF, JPEG or BMP picture");
   std::remove(path.c_str());
   CHECK(readFloatPicture(path).error().message.find(path) != std::string::npos);
 }

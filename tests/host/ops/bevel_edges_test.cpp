@@ -156,8 +156,8 @@ TEST_CASE("bevelEdges: corners of several segments are parts of a sphere") {
   REQUIRE(result.has_value());
   CHECK(result->caps.size() == 8);
   for (const FaceId cap : result->caps) CHECK(open.faceVertices(cap).size() == 9);
-  CHECK(volume(open) > 0.86);
-  CHECK(volume(open) < 1 - 12 * 0.25 * 0.25 * 0.5 * (1 - std::acos(-1.0) / 4));
+  CHECK(volume(open) > 0.8);
+  CHECK(volume(open) < 0.86);  // the box rounded all over
 }
 
 TEST_CASE("bevelEdges: quads in corners of any shape lie between the strips") {
