@@ -243,8 +243,7 @@ Result<void> setParameters(Context& context, const ParsedArgs& args, const Decla
   for (const ParsedArgs::FlagUse& use : args.flagUses()) {
     const FlagTarget target = targetOf(parameters, use.spec->longName);
     if (!target.parameter) continue;
-    const auto values =
-        withinLimits(declaration, *target.parameter->attribute, args.values(use));
+    const auto values = withinLimits(declaration, *target.parameter->attribute, args.values(use));
     HOST_TRY(checkEffect(declaration, target, *use.spec, values));
     const Plug plug = node.plug(target.parameter->attribute->longName);
     HOST_TRY(setFromFlag(context, target.child < 0 ? plug : plug.child(target.child), values));

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "host/ops/topology/edit_maps.h"
 
@@ -71,13 +72,40 @@ Loop joinLoops(const Loop& one, const Loop& two, PointId a, PointId b) {
   return joined;
 }
 
-/// Joins connected triangles around holes, over the longest edges first.
+/// The points of a border that lie on a straight run of it: nothing needs them but a dividing edge.
+std::unordered_set<PointId> straightPoints(const ExactPoints& points,
+                                           const std::vector<Triangle>& triangles,
+                                           const Walks& walks) {
+  std::unordered_map<PointId, PointId> next, previous;
+  for (const Triangle& t : triangles)
+    for (std::size_t i = 0; i < 3; ++i) {
+      const PointId a = t[i], b = t[(i + 1) % 3];
+      if (walks.contains(walkKey(b, a))) continue;
+      next[a] = b;
+      previous[b] = a;
+    }
+  std::unordered_set<PointId> found;
+  for (const auto& [p, after] : next) {
+    const auto before = previous.find(p);
+    if (before == previous.end()) continue;
+    const math::Vec3 in = points.near(p) - points.near(before->second),
+                     out = points.near(after) - points.near(p);
+    if (dot(in, out) > 0 && length(cross(in, out)) < 1e-6 * length(in) * length(out))
+      found.insert(p);
+  }
+  return found;
+}
+
+/// Joins connected triangles around holes, over edges to points on straight runs first and then
+/// over the longest.
 void joinStepwise(const ExactPoints& points, const std::vector<Triangle>& triangles,
                   const Walks& walks, std::vector<Loop>& result) {
   struct Edge {
     PointId a, b;
+    bool endsOnStraight;
     double length;
   };
+  const std::unordered_set<PointId> straight = straightPoints(points, triangles, walks);
   std::vector<Edge> edges;
   std::unordered_map<std::uint64_t, Index> local;
   std::vector<Loop> loops;
@@ -88,11 +116,13 @@ void joinStepwise(const ExactPoints& points, const std::vector<Triangle>& triang
       const PointId a = t[i], b = t[(i + 1) % 3];
       local[walkKey(a, b)] = index;
       if (a < b && walks.contains(walkKey(b, a)))
-        edges.push_back({a, b, math::length(points.near(a) - points.near(b))});
+        edges.push_back({a, b, straight.contains(a) || straight.contains(b),
+                         math::length(points.near(a) - points.near(b))});
     }
   }
   std::sort(edges.begin(), edges.end(), [](const Edge& x, const Edge& y) {
-    return std::tuple(-x.length, x.a, x.b) < std::tuple(-y.length, y.a, y.b);
+    return std::tuple(!x.endsOnStraight, -x.length, x.a, x.b) <
+           std::tuple(!y.endsOnStraight, -y.length, y.a, y.b);
   });
   JoinedSets sets(loops.size());
   for (bool changed = true; changed;) {
