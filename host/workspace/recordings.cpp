@@ -157,9 +157,15 @@ Recording Recordings::ofNow() {
   recording.selection = session_.document().selection().names();
   recording.hilite = session_.document().hilite().names();
   recording.settings = settingLines(workspace_.selectionModes);
-  recording.settings.push_back(settingsOfTumble(toolbox.tumble));
+  // A tool that finds cameras turning as it wants would leave them so.
+  const std::string tumble = settingsOfTumble(toolbox.tumble);
+  recording.settings.push_back(toolbox.isBuiltin(toolbox.currentName())
+                                   ? tumble
+                                   : settingsOfTumble(toolbox.tumbleBeforeTool()));
   recording.tool = tools::toolWords(toolbox);
   recording.toolSettings = toolbox.current()->settings(toolbox.currentName());
+  if (recording.settings.back() != tumble)
+    recording.toolSettings.insert(recording.toolSettings.begin(), tumble);
   // Tools that may be chosen later: what is not said to them by name, since they may not be there.
   for (const std::string& name : toolbox.names()) {
     if (name == toolbox.currentName() || toolbox.isBuiltin(name)) continue;

@@ -164,7 +164,11 @@ void ContextAdapter::complete() {
 void ContextAdapter::abort() {
   bool& hasHostsAbort = contextRep(*context_).hasHostsAbort;
   hasHostsAbort = false;
+  cmd::UndoQueue& undo = cmd::currentSession().undo();
+  const std::size_t undone = undo.undoneCount();
   fenced(title, [&] { context_->abortAction(); });
+  // Steps that a tool takes back as it gives up a gesture were never done.
+  if (isGestureOn_) undo.forgetUndone(undone);
   // A gesture that is given up in its midst has no release. Contexts that have no abort of their
   // own end it as they end everything: they are left and taken in hand anew.
   if (!std::exchange(isGestureOn_, false) || !hasHostsAbort) return;

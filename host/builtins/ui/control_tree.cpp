@@ -56,6 +56,12 @@ CommandResult deleteUi(Context& context, const ParsedArgs& args) {
       HOST_TRY(workspaceOf(context.session).toolbox.remove(name));
       continue;
     }
+    auto& work = workspaceOf(context.session);
+    if (args.has("panel") && work.views.find(name)) {
+      work.toolbox.viewCloses(name);
+      HOST_TRY(work.views.remove(name));
+      continue;
+    }
     auto control = tree.findIf(name, [&](const ui::Control& each) { return isWanted(each, args); });
     if (!control) return failAt("deleteUI", control.error());
     HOST_TRY(removeControl(context, **control));

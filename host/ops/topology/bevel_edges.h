@@ -83,9 +83,10 @@ class BevelPlan {
     Mesh mesh;
     std::shared_ptr<const BevelEdgesResult> result;
   };
-  /// What bevelEdges() makes with these options. While no vertices come together the mesh shares
-  /// all arrays but points, UVs and edge smoothness with the plan, and it costs a copy of these and
-  /// what is new.
+  /// What bevelEdges() makes with these options. While the same vertices come together as before
+  /// the mesh shares all arrays but points, UVs and edge smoothness with the plan, and costs what
+  /// is new: the plan keeps two earlier results and writes in them as soon as nobody else holds
+  /// them (until then it copies these arrays). Not for several threads at once.
   /// @return an error for bad numbers, or for options that need another plan
   [[nodiscard]] Result<Placed> place(const BevelEdgesOptions& options) const;
 
