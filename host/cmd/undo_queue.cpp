@@ -2,11 +2,10 @@
 
 #include <algorithm>
 #include <exception>
-#include <iterator>
 #include <unordered_set>
-#include <utility>
 
 #include "host/base/messages.h"
+#include "host/cmd/pending_edits.h"
 #include "host/scene/replay.h"
 
 namespace host::cmd {
@@ -108,12 +107,10 @@ void UndoQueue::beginLine(std::string_view text) {
   const std::size_t first = text.find_first_not_of(" \t\r\n");
   if (first != std::string_view::npos) text.remove_prefix(first);
   const std::size_t last = text.find_last_not_of(" \t\r\n;");
-  openGroup(false,
-            std::string(text.substr(0, std::min(last == text.npos ? 0 : last + 1, kLongestName))));
-}
-
-void UndoQueue::openGroup(bool isChunk, std::string name) {
-  groups_.push_back({isChunk, std::move(name), ++groupCount_, {}});
+  groups_.push_back(
+      {false,
+       std::string(text.substr(0, std::min(last == text.npos ? 0 : last + 1, kLongestName))),
+       {}});
 }
 
 UndoItem UndoQueue::fold(Group group) {
@@ -144,7 +141,7 @@ void UndoQueue::endLine() {
 }
 
 void UndoQueue::openChunk(std::string_view name) {
-  openGroup(true, std::string(name));
+  groups_.push_back({true, std::string(name), {}});
 }
 
 bool UndoQueue::isChunkOpen() const {
@@ -237,7 +234,6 @@ Result<void> UndoQueue::undo() {
                             [](const Group& g) { return !g.items.empty(); });
   if (group != groups_.rend()) {
     item = std::move(group->items.back());
-    item.group = group->number;
     group->items.pop_back();
   } else {
     item = std::move(done_.back());
@@ -249,7 +245,7 @@ Result<void> UndoQueue::undo() {
     forgetDependents(item);
     return fail("'{}' can't be undone any more: {}.", item.name, undone.error().message);
   }
-  if (flushes == flushCount_) undone_.push_back(std::move(item));
+  if (flushes == flushCount_ && !pendingEdits().isGivingUp) undone_.push_back(std::move(item));
   return {};
 }
 
@@ -265,25 +261,12 @@ Result<void> UndoQueue::redo() {
     std::erase_if(undone_, dependsOnLossesOf(item));
     return fail("'{}' can't be redone any more: {}.", item.name, redone.error().message);
   }
-  // What was an item of the queue is one again, whatever lines and chunks are open, unless they
-  // have done something that comes before it. What was done within one of them stays in it.
-  const std::size_t home = std::exchange(item.group, 0);
-  const bool isOfOpenGroup = std::any_of(groups_.begin(), groups_.end(),
-                                         [&](const Group& group) { return group.number <= home; });
-  const bool hasEarlier = std::any_of(groups_.begin(), groups_.end(),
-                                      [](const Group& group) { return !group.items.empty(); });
-  if (flushes == flushCount_)
-    push(std::move(item), isOfOpenGroup || hasEarlier ? groups_.size() : 0);
+  // A line that does nothing but redo is no new item around those that come back.
+  const bool isStraight = std::none_of(groups_.begin(), groups_.end(), [](const Group& group) {
+    return group.isChunk || !group.items.empty();
+  });
+  if (flushes == flushCount_) push(std::move(item), isStraight ? 0 : groups_.size());
   return {};
-}
-
-void UndoQueue::forgetUndone(std::size_t count) {
-  if (undone_.size() <= count) return;
-  // Plug-in objects among them may run scripts as they go.
-  const auto first = undone_.begin() + static_cast<std::ptrdiff_t>(count);
-  const std::vector<UndoItem> forgotten(std::make_move_iterator(first),
-                                        std::make_move_iterator(undone_.end()));
-  undone_.erase(first, undone_.end());
 }
 
 std::string UndoQueue::describe() const {

@@ -21,7 +21,6 @@ struct UndoItem {
   std::string name;
   std::vector<scene::ChangeSet> sets;
   std::unique_ptr<dg::Change> swept;  ///< what was taken away after the last replay
-  std::size_t group = 0;  ///< of an undone one: the group that it was in; 0: it was in the queue
 
   /// All of it or, when a record no longer fits, nothing.
   Result<void> undo();
@@ -71,10 +70,6 @@ class UndoQueue {
   /// Commands go through Dispatcher::undo, which also refuses while a step is being collected.
   Result<void> undo();
   Result<void> redo();
-  /// Items that could be redone.
-  [[nodiscard]] std::size_t undoneCount() const { return undone_.size(); }
-  /// Forgets what was undone since there were `count` of them: it is not offered again.
-  void forgetUndone(std::size_t count);
   [[nodiscard]] bool isReplaying() const { return isReplaying_; }
   [[nodiscard]] bool canUndo() const;
   [[nodiscard]] bool canRedo() const { return !undone_.empty(); }
@@ -108,10 +103,8 @@ class UndoQueue {
   struct Group {
     bool isChunk = false;
     std::string name;
-    std::size_t number = 0;  ///< from 1 on, no two alike
     std::vector<UndoItem> items;
   };
-  void openGroup(bool isChunk, std::string name);
   static UndoItem fold(Group group);
   /// Runs one direction of an item; the item stays where it was when this fails.
   Result<void> replay(UndoItem& item, Result<void> (UndoItem::*direction)());
@@ -128,7 +121,7 @@ class UndoQueue {
   int suspended_ = 0;
   bool isOn_ = true, isInfinite_ = true, isReplaying_ = false;
   int length_ = 50;
-  std::size_t flushCount_ = 0, unrecordedCount_ = 0, groupCount_ = 0;
+  std::size_t flushCount_ = 0, unrecordedCount_ = 0;
 };
 
 /// A plug-in command among recorded edits: undone by its undoIt, redone by its redoIt. Faults and

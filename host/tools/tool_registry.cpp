@@ -88,10 +88,7 @@ Result<void> ToolRegistry::setCurrent(const std::string& name) {
   currentName_ = name;
   if (previous) previous->cleanup();
   // The tool that goes may have chosen another one.
-  if (current_ == next) {
-    tumbleBeforeTool_ = tumble;
-    next->setup(last_);
-  }
+  if (current_ == next) next->setup(last_);
   currentChanged();
   return {};
 }
@@ -127,13 +124,6 @@ bool ToolRegistry::handle(const InputEvent& event) {
   if (event.kind != InputKind::Hold) received(event);
   const Handling handling(handling_);
   return event.isMouse() ? handleMouse(event) : handleKey(event);
-}
-
-void ToolRegistry::viewCloses(std::string_view panel) {
-  if (!gesture_ || last_.panel != panel) return;
-  const std::shared_ptr<ToolContext> tool = std::exchange(gesture_, nullptr);
-  timers_.remove(holdTimer_);
-  tool->abort();
 }
 
 bool ToolRegistry::handleMouse(const InputEvent& event) {

@@ -80,8 +80,6 @@ class ToolRegistry {
   /// press.
   /// @return whether somebody used it
   bool handle(const InputEvent& event);
-  /// A view goes: the gesture that began in it is given up.
-  void viewCloses(std::string_view panel);
   /// Before an event is handed on; holds, which the time makes, aren't told of.
   Signal<const InputEvent&> received;
   /// Whether a tool is at work with an event.
@@ -97,8 +95,6 @@ class ToolRegistry {
   std::function<bool(const InputEvent&)> unusedKey;
   viewport::Picker& picker() { return picker_; }
   TumbleSettings tumble;
-  /// How cameras turned before the current tool was set up, which may have changed it.
-  [[nodiscard]] const TumbleSettings& tumbleBeforeTool() const { return tumbleBeforeTool_; }
 
  private:
   bool handleMouse(const InputEvent& event);
@@ -111,7 +107,6 @@ class ToolRegistry {
   std::shared_ptr<ToolContext> current_, gesture_;
   std::string currentName_;
   InputEvent last_;
-  TumbleSettings tumbleBeforeTool_;
   Timers& timers_;
   Timers::Id holdTimer_ = 0;
   int handling_ = 0;

@@ -157,15 +157,9 @@ Recording Recordings::ofNow() {
   recording.selection = session_.document().selection().names();
   recording.hilite = session_.document().hilite().names();
   recording.settings = settingLines(workspace_.selectionModes);
-  // A tool that finds cameras turning as it wants would leave them so.
-  const std::string tumble = settingsOfTumble(toolbox.tumble);
-  recording.settings.push_back(toolbox.isBuiltin(toolbox.currentName())
-                                   ? tumble
-                                   : settingsOfTumble(toolbox.tumbleBeforeTool()));
+  recording.settings.push_back(settingsOfTumble(toolbox.tumble));
   recording.tool = tools::toolWords(toolbox);
   recording.toolSettings = toolbox.current()->settings(toolbox.currentName());
-  if (recording.settings.back() != tumble)
-    recording.toolSettings.insert(recording.toolSettings.begin(), tumble);
   // Tools that may be chosen later: what is not said to them by name, since they may not be there.
   for (const std::string& name : toolbox.names()) {
     if (name == toolbox.currentName() || toolbox.isBuiltin(name)) continue;
@@ -181,7 +175,23 @@ Result<void> Recordings::start(const std::string& file) {
   if (recorder_) return fail("'{}' is being recorded; stop it first.", file_);
   if (file.empty()) return fail("Name the file that the recording goes to.");
   file_ = file;
-  recorder_ = std::make_unique<tools::Recorder>(session_, workspace_.toolbox, ofNow());
+  // A plug-in's tool may turn cameras its own way while it is in hand, and finds out at its start
+  // what to go back to. So it is taken anew, as it is where the recording plays, and what cameras
+  // did without it comes before it.
+  tools::ToolRegistry& toolbox = workspace_.toolbox;
+  const std::string tool = toolbox.currentName(), with = settingsOfTumble(toolbox.tumble);
+  std::string without = with;
+  if (!toolbox.isBuiltin(tool) && !(workspace_.hand.hand && workspace_.hand.hand->isDown())) {
+    HOST_TRY(toolbox.setCurrent(std::string(tools::ToolRegistry::kSelect)));
+    without = settingsOfTumble(toolbox.tumble);
+    HOST_TRY(toolbox.setCurrent(tool));
+  }
+  Recording begun = ofNow();
+  if (without != with) {
+    std::ranges::replace(begun.settings, settingsOfTumble(toolbox.tumble), without);
+    begun.toolSettings.insert(begun.toolSettings.begin(), with);
+  }
+  recorder_ = std::make_unique<tools::Recorder>(session_, toolbox, std::move(begun));
   return {};
 }
 

@@ -34,20 +34,6 @@ void Views::setActive(std::string_view panel) {
     if (views_[i].panel == panel) active_ = i;
 }
 
-Result<void> Views::remove(std::string_view panel) {
-  constexpr std::size_t kOfLayout = 4;
-  std::size_t at = 0;
-  while (at < views_.size() && views_[at].panel != panel) ++at;
-  if (at == views_.size()) return fail("There is no view '{}'.", panel);
-  if (at < kOfLayout) return fail("The view '{}' is one of the layout's four, which stay.", panel);
-  views_.erase(views_.begin() + static_cast<std::ptrdiff_t>(at));
-  if (active_ == at)
-    active_ = 0;
-  else if (active_ > at)
-    --active_;
-  return {};
-}
-
 Result<viewport::Backend*> Views::offscreen() {
   if (!backend_) {
     auto made = viewport::GlBackend::createOffscreen();

@@ -47,9 +47,6 @@ class Views {
   [[nodiscard]] View& active() { return views_[active_]; }
   [[nodiscard]] View* find(std::string_view panel);
   void setActive(std::string_view panel);
-  /// Takes a view away that was added; the first one is active when it was. Fails for a view that
-  /// isn't there and for the four of the layout, which stay.
-  Result<void> remove(std::string_view panel);
   [[nodiscard]] viewport::MeshDrawCache& cache() { return cache_; }
   [[nodiscard]] Materials& materials() { return *materials_; }
   /// The backend that draws off screen; made on first use. Fails where the machine has none.

@@ -134,41 +134,6 @@ TEST_CASE("a line that redoes several items leaves them several") {
   CHECK(world.text == "ab");
 }
 
-TEST_CASE("a chunk takes no items of the queue in that are redone while it is open") {
-  World world;
-  world.line("ab");
-  world.line("c");
-  REQUIRE(world.queue.undo());
-  REQUIRE(world.queue.undo());
-  world.queue.openChunk("chunk");
-  world.queue.beginLine("redo; redo");
-  REQUIRE(world.queue.redo());
-  REQUIRE(world.queue.redo());
-  world.queue.endLine();
-  world.line("d");
-  world.line("e");
-  REQUIRE(world.queue.undo());
-  REQUIRE(world.queue.redo());
-  CHECK(world.queue.closeChunk());
-  CHECK(world.queue.itemCount() == 3);
-  REQUIRE(world.queue.undo());
-  CHECK(world.text == "abc");
-  REQUIRE(world.queue.undo());
-  CHECK(world.text == "ab");
-}
-
-TEST_CASE("what is forgotten is not offered again; what was undone before it is") {
-  World world;
-  world.line("a");
-  world.line("b");
-  REQUIRE(world.queue.undo());
-  const std::size_t undone = world.queue.undoneCount();
-  REQUIRE(world.queue.undo());
-  world.queue.forgetUndone(undone);
-  CHECK(world.queue.undoneCount() == 1);
-  CHECK(world.queue.redoName() == "b");
-}
-
 TEST_CASE("an item of a faulty plug-in command reports and stays in the history") {
   World world;
   UndoItem step;
