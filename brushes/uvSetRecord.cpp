@@ -62,11 +62,11 @@ MStatus uvSetRecord::makeTweakNode() {
   return status;
 }
 
-uvSetRecord::entry& uvSetRecord::entryOf(int uv, const std::vector<float>& now,
-                                         const MPlug& tweaks) {
+std::size_t uvSetRecord::changeAt(int uv, const std::vector<float>& now, const MPlug& tweaks) {
   const auto [known, isNew] = changeOf.emplace(uv, changes.size());
-  if (!isNew) return changes[known->second];
-  entry made{uv, true, {0.0, 0.0}, {0.0, 0.0}, {0.0, 0.0}};
+  if (!isNew) return known->second;
+  entry made{uv, true, {0.0, 0.0}, {0.0, 0.0}};
+  base under{{0.0, 0.0}};
   for (unsigned int k = 0; k < 2; ++k) {
     const double here = static_cast<double>(now[2 * static_cast<std::size_t>(uv) + k]);
     made.before[k] = here;
@@ -76,10 +76,11 @@ uvSetRecord::entry& uvSetRecord::entryOf(int uv, const std::vector<float>& now,
         made.wasThere
             ? tweaks.elementByLogicalIndex(static_cast<unsigned int>(uv)).child(k).asDouble()
             : 0.0;
-    made.base[k] = here - made.before[k];
+    under.place[k] = here - made.before[k];
   }
   changes.push_back(made);
-  return changes.back();
+  bases.push_back(under);
+  return changes.size() - 1;
 }
 
 MStatus uvSetRecord::change(const std::vector<int>& uvs, const uvLayout& layout,
@@ -103,10 +104,11 @@ MStatus uvSetRecord::change(const std::vector<int>& uvs, const uvLayout& layout,
   if (usesTweaks && node.isNull()) return MS::kFailure;
   const MPlug tweaks = usesTweaks ? MFnDependencyNode(node).findPlug(kTweaks, false) : MPlug();
   for (const int uv : uvs) {
-    entry& each = entryOf(uv, now, tweaks);
+    const std::size_t at = changeAt(uv, now, tweaks);
+    entry& each = changes[at];
     for (int k = 0; k < 2; ++k) {
       const double wanted = static_cast<double>(layout.place(uv)[k]);
-      each.after[k] = usesTweaks ? wanted - each.base[k] : wanted;
+      each.after[k] = usesTweaks ? wanted - bases[at].place[k] : wanted;
     }
     if (!usesTweaks) continue;
     const MPlug element = tweaks.elementByLogicalIndex(static_cast<unsigned int>(uv));
@@ -171,6 +173,14 @@ MStatus uvSetRecord::show(bool after) {
   return status;
 }
 
+void uvSetRecord::settle() {
+  bases = {};
+  changeOf = {};
+  offsetsBefore = {};
+  changes.shrink_to_fit();
+}
+
 std::size_t uvSetRecord::bytes() const {
-  return changes.size() * (sizeof(entry) + 4 * sizeof(void*)) + offsetsBefore.size() * sizeof(int);
+  return changes.capacity() * sizeof(entry) + bases.size() * sizeof(base) +
+         changeOf.size() * 4 * sizeof(void*) + offsetsBefore.size() * sizeof(int);
 }

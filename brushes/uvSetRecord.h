@@ -26,6 +26,8 @@ class uvSetRecord : public brushRecord {
   MStatus change(const std::vector<int>& uvs, const uvLayout& layout,
                  const std::vector<float>& now);
   bool isEmpty() const { return changes.empty(); }
+  /// The stroke is over: lets go of what only it needed.
+  void settle();
 
   MStatus show(bool after) override;
   std::size_t bytes() const override;
@@ -35,13 +37,15 @@ class uvSetRecord : public brushRecord {
     int uv;
     bool wasThere;  ///< an offset, zero or not
     double before[2], after[2];
-    double base[2];  ///< what the offset is added to
+  };
+  struct base {
+    double place[2];
   };
   MObject shape() const;
   bool hasHistory() const;
   MObject tweakNode() const;
   MStatus makeTweakNode();
-  entry& entryOf(int uv, const std::vector<float>& now, const MPlug& tweaks);
+  std::size_t changeAt(int uv, const std::vector<float>& now, const MPlug& tweaks);
   MStatus writeOffsets(const MPlug& tweaks, bool after) const;
   MStatus removeNewOffsets(const MPlug& tweaks) const;
   MStatus writeStored(bool after) const;
@@ -52,5 +56,6 @@ class uvSetRecord : public brushRecord {
   MDGModifier nodeMaker;
   std::vector<int> offsetsBefore;  ///< UVs that had an offset, ascending
   std::vector<entry> changes;
+  std::vector<base> bases;  ///< what the offsets of the changes are added to
   std::unordered_map<int, std::size_t> changeOf;
 };

@@ -42,6 +42,7 @@ uvTarget::state uvSetTarget::keepUp(std::vector<float>& places) {
     return kGone;
   if (now == last) return kSame;
   last = places = now;
+  settle();
   written.reset();
   return kMoved;
 }
@@ -59,4 +60,8 @@ bool uvSetTarget::write(const std::vector<int>& uvs, const uvLayout& layout) {
 
 std::shared_ptr<brushRecord> uvSetTarget::record() const {
   return written;
+}
+
+void uvSetTarget::settle() {
+  if (written) written->settle();
 }

@@ -13,6 +13,7 @@ class uvSetTarget : public uvTarget {
   state keepUp(std::vector<float>& places) override;
   bool write(const std::vector<int>& uvs, const uvLayout& layout) override;
   std::shared_ptr<brushRecord> record() const override;
+  void settle() override;
 
  private:
   bool readPlaces(std::vector<float>& places) const;
