@@ -520,3 +520,46 @@ TEST_CASE("UV brush: in other units and with two UV objects in the scene") {
     CHECK(uvsOf("other") == others);
   }
 }
+
+TEST_CASE(
+    "UV brush: a UV object that is turned, scaled, mirrored or an instance is brushed as it "
+    "stands") {
+  for (const char* pose : kPoses) {
+    CAPTURE(pose);
+    brushHand hand;
+    std::string posed = pose;
+    for (std::size_t at = 0; (at = posed.find("shape", at)) != std::string::npos; at += 12)
+      posed.replace(at, 5, "polySurface1");
+    const std::size_t grouping = posed.find("-name above polySurface1");
+    if (grouping != std::string::npos) posed.replace(grouping, 24, "-name above polySurface1");
+    hand.run(posed);
+    hand.run("select -r polySurface1; viewFit top; setAttr top.translateY 2000");
+    hand.set("-wholeShells on");  // seen slantwise, a shorter reach would have to fold the map
+    const uvArrays before = hand.uvs();
+    const auto hash = hand.sceneHash();
+    const auto start = hand.at(hand.vertex(60));
+    hand.stroke(start, {start.x + 20, start.y + 12}, toolHand::kLeft);
+    const auto corner = hand.at(hand.vertex(0)), right = hand.at(hand.vertex(10));
+    const auto up = hand.at(hand.vertex(110));
+    const double ax = right.x - corner.x, ay = right.y - corner.y;
+    const double bx = up.x - corner.x, by = up.y - corner.y;
+    const double slope = std::fabs(ax * by - ay * bx) / (std::hypot(ax, ay) * std::hypot(bx, by));
+    if (slope < 0.2) continue;  // seen nearly from its edge there is no place under the pointer
+    const auto end = hand.at(hand.vertex(60));
+    CHECK(std::fabs(end.x - start.x - 20) <= 1);
+    CHECK(std::fabs(end.y - start.y - 12) <= 1);
+    CHECK(turnedOver(hand.uvs()) == 0);
+    hand.run("undo");
+    CHECK(hand.uvs() == before);
+    CHECK(hand.sceneHash() == hash);
+  }
+  brushHand hand(brushHand::kPlane, uvHome::kStored);
+  hand.run(
+      "instance -n twin shape; move 30 0 0 twin; rotate 0 90 0 twin; select -r twin; viewFit top");
+  const uvArrays before = hand.uvs();
+  const auto start = hand.at("twin.vtx[60]");
+  hand.stroke(start, {start.x + 20, start.y + 12}, toolHand::kLeft);
+  CHECK_FALSE(hand.uvs() == before);
+  hand.run("undo");
+  CHECK(hand.uvs() == before);
+}
