@@ -9,9 +9,9 @@ class MObject;
 /// A picture in memory: bytes or floats, row after row from the bottom, and, where somebody set
 /// them, depths.
 ///
-/// Reads PNG and TIFF, told apart by their first bytes; writes these, and JPEG and BMP of bytes. A
-/// call that fails leaves the picture as it was. Why a file can't be read or written is said as a
-/// warning, because a status has no room for it; what a plug-in says of it may come on top.
+/// Reads PNG, TIFF, JPEG and BMP, told apart by their first bytes, and writes them. A call that
+/// fails leaves the picture as it was. Why a file can't be read or written is said as a warning,
+/// because a status has no room for it; what a plug-in says of it may come on top.
 class MImage {
  public:
   enum MPixelType {
