@@ -563,3 +563,67 @@ TEST_CASE(
   hand.run("undo");
   CHECK(hand.uvs() == before);
 }
+
+TEST_CASE("UV brush: strokes among other edits of a mesh come undone and done again to the bit") {
+  for (const uvHome home : {uvHome::kStored, uvHome::kHistory, uvHome::kLinkedMesh}) {
+    for (unsigned int seed = 0; seed < 5; ++seed) {
+      CAPTURE(static_cast<int>(home));
+      CAPTURE(seed);
+      std::mt19937 random(seed);
+      brushHand hand(brushHand::kPlane, home);
+      const auto first = hand.sceneHash();
+      const std::size_t items = hand.undoItems();
+      for (int i = 0; i < 14; ++i) {
+        const char* modes[] = {"move", "smear", "relax"};
+        const std::string face = std::to_string(random() % 100);
+        switch (random() % 7) {
+          case 0:
+            hand.run("polyEditUV -u 0.01 -v 0.02 shape.map[" + face + "]");
+            break;
+          case 1:
+            if (home != uvHome::kLinkedMesh)
+              hand.run("polyMoveFacet -ltz 0.01 shape.f[" + face + "]");
+            break;
+          case 2:
+            if (home != uvHome::kLinkedMesh && random() % 2) hand.run("delete -ch shape");
+            break;
+          case 3:
+            for (unsigned int k = random() % 3; k > 0 && hand.undoItems() > items; --k)
+              hand.run("undo");
+            break;
+          default:
+            hand.set(std::string("-mode ") + modes[random() % 3]);
+            hand.drag("shape.vtx[" + std::to_string(36 + random() % 6) + "]",
+                      static_cast<double>(random() % 20) - 10, 8);
+        }
+        REQUIRE(turnedOver(hand.uvs()) == 0);
+      }
+      const auto last = hand.sceneHash();
+      const uvArrays lastUvs = hand.uvs();
+      const std::size_t done = hand.undoItems() - items;
+      for (std::size_t i = 0; i < done; ++i) hand.run("undo");
+      CHECK(hand.sceneHash() == first);
+      for (std::size_t i = 0; i < done; ++i) hand.run("redo");
+      CHECK(hand.sceneHash() == last);
+      CHECK(hand.uvs() == lastUvs);
+    }
+  }
+}
+
+TEST_CASE("UV brush: UVs that the host has pinned stay, and with undo off a stroke is no step") {
+  brushHand hand(brushHand::kPlane, uvHome::kStored);
+  hand.run("select -r shape.map[49]; polyPinUV -v 1; select -r shape");
+  const uvArrays before = hand.uvs();
+  hand.run("undoInfo -swf 0");
+  const std::size_t items = hand.undoItems();
+  hand.drag(hand.vertex(60), 30, 30);
+  hand.run("undoInfo -swf 1");
+  const uvArrays after = hand.uvs();
+  CHECK_FALSE(after == before);
+  CHECK(after.u[49] == before.u[49]);
+  CHECK(after.v[49] == before.v[49]);
+  CHECK(hand.undoItems() == items);
+  hand.drag(hand.vertex(60), -10, 3);
+  hand.run("undo");
+  CHECK(hand.uvs() == after);
+}
