@@ -1,16 +1,19 @@
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <ctime>
 #include <string>
 #include <vector>
 
 #include "bench/tool_session.h"
 #include "host/nodes/mesh_shape.h"
+#include "host/workspace/workspace.h"
 
 // UVs as a mesh in the scene: how long the mesh takes to build, what a step of a drag of a thousand
-// of its vertices costs until the user's mesh has its UVs, by either link, and the ratio of a
-// thousand shells.
+// of its vertices costs until the user's mesh has its UVs, by either link, the ratio of a thousand
+// shells, and a step of a brush over a thousand UVs, from the event to the mesh's UVs.
 namespace {
 
 using host::Index;
@@ -116,6 +119,63 @@ void ratioByTweak(benchmark::State& state) {
   ratio(state, "uvRatioCmd -uv 1");
 }
 
+/// Of this thread, so that other work on the machine is not in the tail.
+double cpuMilliseconds() {
+  timespec now{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+  return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
+}
+
+void send(host::tools::InputKind kind, double x) {
+  host::tools::InputEvent event;
+  event.kind = kind;
+  event.position = {x, 270};
+  event.button = host::tools::MouseButton::Left;
+  event.panel = "modelPanel1";
+  host::workspace::workspaceOf(session()).toolbox.handle(event);
+}
+
+/// A thousand UVs under the brush in the middle of the map, or of the mesh, which is 1 cm a face.
+void brushStep(benchmark::State& state, const char* link, const char* object, const char* flags) {
+  constexpr double kReached = 1000.0, kMapSide = 10.0;
+  const Index side = sideOf(state);
+  const bool isMesh = std::string(object) == "shape";
+  const double width = isMesh ? static_cast<double>(side) : kMapSide;
+  const double radius = width / side * std::sqrt(kReached / 3.14159);
+  run("setToolTo selectSuperContext");
+  makeScene(strips(side, 1));
+  run(link);
+  run(std::string("select -r ") + object + "; viewFit top; setAttr top.translateY 1000");
+  run("if (!`contextInfo -ex brush`) moveRotateScaleUVBrushContext brush; "
+      "moveRotateScaleUVBrushContext -e -radiusSpace world -smoothing 0 -radius " +
+      std::to_string(radius) + " " + flags + " brush; setToolTo brush");
+  host::workspace::workspaceOf(session()).views.setActive("modelPanel1");
+  host::workspace::workspaceOf(session()).views.active().port = {960, 540};
+  const double start = cpuMilliseconds();
+  send(host::tools::InputKind::Press, 480);
+  state.counters["press_ms"] = cpuMilliseconds() - start;
+  std::vector<double> times;
+  int step = 0;
+  for (auto _ : state) {
+    const double before = cpuMilliseconds();
+    send(host::tools::InputKind::Drag, 480 + 20 * std::sin(++step * 0.3));
+    benchmark::DoNotOptimize(firstU());
+    times.push_back(cpuMilliseconds() - before);
+  }
+  send(host::tools::InputKind::Release, 480);
+  std::sort(times.begin(), times.end());
+  state.counters["p50_ms"] = times[times.size() / 2];
+  state.counters["p99_ms"] = times[times.size() * 99 / 100];
+  const auto kept = session().executeLine("moveRotateScaleUVBrushContext -q -recordBytes brush");
+  state.counters["undo_KB"] = kept ? kept->toFloat().value_or(0) / 1024.0 : 0.0;
+  if (state.counters["undo_KB"] < 10.0) state.SkipWithError("nothing was brushed");
+  run("setToolTo selectSuperContext");
+  session().newScene();  // a link by callbacks ends before the program's statics do
+}
+
+constexpr const char *kHistory = "qxBuildUVObject", *kCallback = "addUVNodeMessageCmd",
+                     *kObject = "polySurface1";
+
 void sizes(benchmark::internal::Benchmark* bench) {
   bench->Arg(10'000)->Arg(100'489)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
 }
@@ -127,4 +187,12 @@ BENCHMARK(dragByHistory)->Apply(sizes);
 BENCHMARK(dragByCallback)->Apply(sizes);
 BENCHMARK(ratioByNode)->Apply(sizes);
 BENCHMARK(ratioByTweak)->Apply(sizes);
+
+void brushSizes(benchmark::internal::Benchmark* bench) {
+  bench->Arg(10'000)->Arg(100'489)->Arg(1'000'000)->Iterations(200)->Unit(benchmark::kMillisecond);
+}
+BENCHMARK_CAPTURE(brushStep, moveByHistory, kHistory, kObject, "-mode move")->Apply(brushSizes);
+BENCHMARK_CAPTURE(brushStep, moveByCallback, kCallback, kObject, "-mode move")->Apply(brushSizes);
+BENCHMARK_CAPTURE(brushStep, relaxByHistory, kHistory, kObject, "-mode relax")->Apply(brushSizes);
+BENCHMARK_CAPTURE(brushStep, moveOnMesh, "", "shape", "-mode move")->Apply(brushSizes);
 BENCHMARK_MAIN();

@@ -22,5 +22,7 @@ class baseBrushContextToolCmd : public MPxToolCommand {
   void setRecord(const std::shared_ptr<brushRecord>& change) { record = change; }
 
  private:
+  MStatus show(bool after);
+
   std::shared_ptr<brushRecord> record;
 };

@@ -1,18 +1,15 @@
 #pragma once
 
-#include <maya/MDoubleArray.h>
 #include <maya/MPoint.h>
 #include <maya/MPointArray.h>
-#include <maya/MVector.h>
 
 #include "shared/tool/ownedLocator.h"
 
-/// What a brush cursor shows at one place.
+/// What a brush cursor shows at one place, in the world.
 struct brushCursorPlace {
-  MPoint centre;
-  MVector normal;
-  double radius = 0.0;    ///< cm
-  double strength = 0.0;  ///< 0 to 1: the dot's height over the surface and its colour
+  MPointArray outline;    ///< the brush's circle laid on the surface; empty: nothing is shown
+  MPoint dot;             ///< over the centre, as high as the brush is strong
+  double strength = 0.0;  ///< 0 to 1: the dot's colour
 };
 
 /// The circle of a brush on the surface with its strength dot, and the same on the mirrored side.
@@ -26,7 +23,6 @@ class brushCursor {
   bool showMirrored(const brushCursorPlace& place);
   /// @return whether something was shown
   bool clear();
-  bool clearMirrored();
   void remove();
 
   static const char* const kName;
@@ -35,10 +31,11 @@ class brushCursor {
  private:
   struct ring {
     explicit ring(const char* name);
-    bool show(const MPointArray& outline, const MPointArray& dot, const MDoubleArray& weight);
+    bool show(const brushCursorPlace& place);
+    void remove();
     ownedLocator locator;
     MPointArray shown;
+    double strength = 0.0;
   };
-  static bool showAt(ring& ring, const brushCursorPlace& place);
   ring own, mirrored;
 };

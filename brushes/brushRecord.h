@@ -13,4 +13,7 @@ class brushRecord {
   virtual MStatus show(bool after) = 0;
   /// Memory that it holds on to.
   virtual std::size_t bytes() const = 0;
+
+  bool isUndone = false;   ///< the queue has taken it back; kept by the tool command
+  bool isEmptied = false;  ///< the stroke was given up: it changes nothing any more
 };

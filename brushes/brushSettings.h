@@ -26,8 +26,8 @@ struct brushSettings {
   bool islands = false;    ///< other shells within the radius are brushed too
   bool backFaces = false;  ///< so is what faces away from the viewer
   bool mirror = false;
-  int mirrorAxis = 0;             ///< 0 x, 1 y, 2 z
-  bool mirrorWorldSpace = false;  ///< else the mesh's own
+  int mirrorAxis = 0;   ///< 0 x, 1 y, 2 z
+  int mirrorSpace = 0;  ///< 0 the mesh's own, 1 the world
   bool lockBorders = false;
   bool pins = true;   ///< pinned vertices and UVs stay
   std::string alpha;  ///< file of the stamp; empty: a round brush
@@ -36,6 +36,7 @@ struct brushSettings {
   bool wholeShells = false;  ///< UV brushes: a shell moves as one
   int relaxIterations = 5;   ///< UV brushes: rounds of relaxing a dab
 
+  bool mirrorsInWorld() const { return mirrorSpace == 1; }
   bool usesPressureOnRadius() const { return (pressure & kPressureRadius) != 0; }
   bool usesPressureOnStrength() const { return (pressure & kPressureStrength) != 0; }
 };

@@ -20,7 +20,7 @@ class brushSurfaces {
   /// has changed the mesh since, a comparison of points when somebody may have, a reading else.
   std::shared_ptr<brushSurface> of(const MDagPath& mesh);
   /// Whether somebody else may have changed the mesh since `of`.
-  bool isStale(const brushSurface& surface) const;
+  bool isStale(const brushSurface& surface);
   /// Takes over foreign changes in mid-stroke. @return false when the topology is another one
   bool catchUp(brushSurface& surface);
   /// What happens to the surface's mesh while this lives is the brush's own doing.
@@ -46,6 +46,6 @@ class brushSurfaces {
   static void onDirty(MObject& node, MPlug& plug, void* data);
   entry* find(const brushSurface& surface);
 
-  static constexpr std::size_t kKept = 4;
+  static constexpr std::size_t kKept = 6;
   std::list<entry> entries;  ///< the latest first
 };

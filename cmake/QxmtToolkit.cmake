@@ -7,7 +7,8 @@ endif()
 find_package(OpenGL REQUIRED)
 
 # The module finds its data beside the folder that it is loaded from.
-file(GLOB toolkit_data RELATIVE "${PROJECT_SOURCE_DIR}" CONFIGURE_DEPENDS data/icons/*.bmp data/models/*.obj)
+file(GLOB toolkit_data RELATIVE "${PROJECT_SOURCE_DIR}" CONFIGURE_DEPENDS data/icons/*.bmp data/models/*.obj
+     data/modelingToolAlphas/*.tif)
 foreach(data IN LISTS toolkit_data)
   configure_file("${data}" "${PROJECT_BINARY_DIR}/${data}" COPYONLY)
 endforeach()

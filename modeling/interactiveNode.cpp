@@ -105,6 +105,12 @@ MString interactiveNode::finish() {
   return done;
 }
 
+void interactiveNode::cancel() {
+  const bool hasMade = chunkIsOpen && hasNode();
+  close();
+  if (hasMade) MGlobal::executeCommand("undo", false, false);
+}
+
 void interactiveNode::close() {
   if (chunkIsOpen) MGlobal::executeCommand("undoInfo -cck", false, false);
   chunkIsOpen = false;

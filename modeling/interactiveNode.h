@@ -26,6 +26,8 @@ class interactiveNode {
   MString finish();
   /// Closes the chunk without a word, and forgets the node.
   void close();
+  /// Takes the node away again with all that it made.
+  void cancel();
 
   bool isOpen() const { return chunkIsOpen; }
   /// Whether there is a node whose plugs a drag can set: it may have been undone meanwhile.

@@ -1,7 +1,7 @@
 #include "modeling/locatorOverrides.h"
 
 #include <maya/MBoundingBox.h>
-#include <maya/MDagPath.h>
+#include <maya/MMatrix.h>
 
 #include "modeling/drawLocator.h"
 #include "modeling/pinLocator.h"
@@ -9,8 +9,6 @@
 DrawLocatorData::~DrawLocatorData() = default;
 pinLocatorData::~pinLocatorData() = default;
 
-DrawLocatorDrawOverride::DrawLocatorDrawOverride(const MObject& node)
-    : MPxDrawOverride(node, nullptr) {}
 DrawLocatorDrawOverride::~DrawLocatorDrawOverride() = default;
 
 MHWRender::MPxDrawOverride* DrawLocatorDrawOverride::creator(const MObject& node) {
@@ -21,24 +19,15 @@ MBoundingBox DrawLocatorDrawOverride::boundingBox(const MDagPath&, const MDagPat
   return drawLocator::fixedBox();
 }
 
-MUserData* DrawLocatorDrawOverride::prepareForDraw(const MDagPath& path, const MDagPath&,
-                                                   const MHWRender::MFrameContext&,
-                                                   MUserData* old) {
-  auto* data = dynamic_cast<DrawLocatorData*>(old);
-  if (!data) data = new DrawLocatorData;
-  data->sets = drawLocator::setsOf(path.node());
-  return data;
+void DrawLocatorDrawOverride::read(const MDagPath& path, DrawLocatorData& data) const {
+  data.sets = drawLocator::setsOf(path.node());
 }
 
-void DrawLocatorDrawOverride::addUIDrawables(const MDagPath&, MHWRender::MUIDrawManager& manager,
-                                             const MHWRender::MFrameContext&,
-                                             const MUserData* data) {
-  if (const auto* prepared = dynamic_cast<const DrawLocatorData*>(data))
-    drawWithManager(prepared->sets, manager);
+void DrawLocatorDrawOverride::draw(const DrawLocatorData& data,
+                                   MHWRender::MUIDrawManager& manager) const {
+  drawWithManager(data.sets, manager);
 }
 
-pinLocatorDrawOverride::pinLocatorDrawOverride(const MObject& node)
-    : MPxDrawOverride(node, nullptr) {}
 pinLocatorDrawOverride::~pinLocatorDrawOverride() = default;
 
 MHWRender::MPxDrawOverride* pinLocatorDrawOverride::creator(const MObject& node) {
@@ -53,20 +42,13 @@ MMatrix pinLocatorDrawOverride::transform(const MDagPath&, const MDagPath&) cons
   return MMatrix();
 }
 
-MUserData* pinLocatorDrawOverride::prepareForDraw(const MDagPath& path, const MDagPath&,
-                                                  const MHWRender::MFrameContext&, MUserData* old) {
-  auto* data = dynamic_cast<pinLocatorData*>(old);
-  if (!data) data = new pinLocatorData;
+void pinLocatorDrawOverride::read(const MDagPath& path, pinLocatorData& data) const {
   const pinLocator::pins pins = pinLocator::pinsOf(path.node());
-  data->isVisible = pins.isVisible;
-  data->points = pins.worldPoints;
-  return data;
+  data.isVisible = pins.isVisible;
+  data.points = pins.worldPoints;
 }
 
-void pinLocatorDrawOverride::addUIDrawables(const MDagPath&, MHWRender::MUIDrawManager& manager,
-                                            const MHWRender::MFrameContext&,
-                                            const MUserData* data) {
-  const auto* prepared = dynamic_cast<const pinLocatorData*>(data);
-  if (prepared && prepared->isVisible && prepared->points.length() > 0)
-    drawPinsWithManager(prepared->points, manager);
+void pinLocatorDrawOverride::draw(const pinLocatorData& data,
+                                  MHWRender::MUIDrawManager& manager) const {
+  if (data.isVisible && data.points.length() > 0) drawPinsWithManager(data.points, manager);
 }

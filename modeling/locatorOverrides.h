@@ -1,9 +1,7 @@
 #pragma once
 
-#include <maya/MPxDrawOverride.h>
-#include <maya/MUserData.h>
-
 #include "modeling/locatorPicture.h"
+#include "shared/tool/locatorOverride.h"
 
 /// What a draw locator showed when it was last prepared.
 class DrawLocatorData : public MUserData {
@@ -14,20 +12,16 @@ class DrawLocatorData : public MUserData {
 };
 
 /// Draws draw locators in Viewport 2.0, as they draw themselves in the legacy viewport.
-class DrawLocatorDrawOverride : public MHWRender::MPxDrawOverride {
+class DrawLocatorDrawOverride : public locatorOverride<DrawLocatorData> {
  public:
   static MHWRender::MPxDrawOverride* creator(const MObject& node);
-  explicit DrawLocatorDrawOverride(const MObject& node);
+  explicit DrawLocatorDrawOverride(const MObject& node) : locatorOverride(node) {}
   ~DrawLocatorDrawOverride() override;
-
-  bool hasUIDrawables() const override { return true; }
-  bool isBounded(const MDagPath&, const MDagPath&) const override { return true; }
   MBoundingBox boundingBox(const MDagPath& path, const MDagPath& camera) const override;
-  bool disableInternalBoundingBoxDraw() const override { return true; }
-  MUserData* prepareForDraw(const MDagPath& path, const MDagPath& camera,
-                            const MHWRender::MFrameContext& frame, MUserData* old) override;
-  void addUIDrawables(const MDagPath& path, MHWRender::MUIDrawManager& manager,
-                      const MHWRender::MFrameContext& frame, const MUserData* data) override;
+
+ private:
+  void read(const MDagPath& path, DrawLocatorData& data) const override;
+  void draw(const DrawLocatorData& data, MHWRender::MUIDrawManager& manager) const override;
 };
 
 /// Where a pin locator's pins stood in the world when it was last prepared.
@@ -40,19 +34,15 @@ class pinLocatorData : public MUserData {
 };
 
 /// Draws pin locators in Viewport 2.0. The pins are placed in the world, wherever the locator is.
-class pinLocatorDrawOverride : public MHWRender::MPxDrawOverride {
+class pinLocatorDrawOverride : public locatorOverride<pinLocatorData> {
  public:
   static MHWRender::MPxDrawOverride* creator(const MObject& node);
-  explicit pinLocatorDrawOverride(const MObject& node);
+  explicit pinLocatorDrawOverride(const MObject& node) : locatorOverride(node) {}
   ~pinLocatorDrawOverride() override;
-
-  bool hasUIDrawables() const override { return true; }
-  bool isBounded(const MDagPath&, const MDagPath&) const override { return true; }
   MBoundingBox boundingBox(const MDagPath& path, const MDagPath& camera) const override;
   MMatrix transform(const MDagPath& path, const MDagPath& camera) const override;
-  bool disableInternalBoundingBoxDraw() const override { return true; }
-  MUserData* prepareForDraw(const MDagPath& path, const MDagPath& camera,
-                            const MHWRender::MFrameContext& frame, MUserData* old) override;
-  void addUIDrawables(const MDagPath& path, MHWRender::MUIDrawManager& manager,
-                      const MHWRender::MFrameContext& frame, const MUserData* data) override;
+
+ private:
+  void read(const MDagPath& path, pinLocatorData& data) const override;
+  void draw(const pinLocatorData& data, MHWRender::MUIDrawManager& manager) const override;
 };

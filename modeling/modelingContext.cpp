@@ -185,10 +185,14 @@ int modelingContext::wantedKind() const {
 }
 
 void modelingContext::cancelStroke() {
-  // A bevel or an extrusion that has been begun stays: it is a step of undo of its own. Points go
-  // back, as nothing of theirs has been recorded.
-  if (created.isOpen()) created.finish();
+  // A bevel or an extrusion that has been begun stays, as a step of undo of its own, unless it is
+  // the user who gives it up. Points and picks go back, as nothing of theirs has been recorded.
+  if (isGivenUp)
+    created.cancel();
+  else if (created.isOpen())
+    created.finish();
   edit.cancel();
+  takeBackPicks();
   moving = kNoPoints;
   gesture = gestureState();
   shownRun = edgeRunPart();

@@ -60,6 +60,8 @@ class modelingContext : public selectionToolContext {
   void releaseLeft();
   void releaseMiddle();
   void endGesture();
+  void notePicks();
+  void takeBackPicks();
   void recordSelection(const MSelectionList& after);
   void recordPoints();
   void showMoved();

@@ -3,6 +3,7 @@
 #include <maya/MFnMesh.h>
 #include <maya/MGlobal.h>
 #include <maya/MSelectionList.h>
+#include <maya/MStringArray.h>
 
 #include <cmath>
 
@@ -36,6 +37,16 @@ MSelectionList activeSelection() {
 
 void selectNothing() {
   MGlobal::setActiveSelectionList(MSelectionList(), MGlobal::kReplaceList);
+}
+
+bool isSame(const MSelectionList& a, const MSelectionList& b) {
+  MStringArray names, others;
+  a.getSelectionStrings(names);
+  b.getSelectionStrings(others);
+  if (names.length() != others.length()) return false;
+  for (unsigned int i = 0; i < names.length(); ++i)
+    if (names[i] != others[i]) return false;
+  return true;
 }
 
 /// A circle in the plane that faces the viewer.
@@ -111,12 +122,15 @@ void modelingContext::pressLeft(const M3dView& view) {
   const pickedComponent& hit = gesture.hovered;
   if (!hit.isHit()) {
     const bool isPlain = !gesture.shift && !gesture.control;
-    if (isPlain && !gesture.selectionWasEmpty) selectNothing();
+    if (!isPlain || gesture.selectionWasEmpty) return;
+    selectNothing();
+    notePicks();
     return;
   }
   const bool picksOnNothing = gesture.selectionWasEmpty && gesture.shift != gesture.control;
   if (picksOnNothing) gesture.pickedInThisGesture = true;
   applyPick(hit, picksOnNothing ? kPickAdd : gesture.pickMode, gesture.settings);
+  notePicks();
   gesture.hitAtPress = true;
   gesture.lastHit = hit;
   gesture.actionType = hit.kind;
@@ -148,6 +162,7 @@ void modelingContext::pressMiddle(const M3dView& view) {
     gesture.actionType = gesture.hovered.kind;
     gesture.lastHit = gesture.hovered;
     applyPick(gesture.hovered, kPickAdd, gesture.settings);
+    notePicks();
     return;
   }
   gesture.actionType = selectedKind(gesture.hovered.kind);
@@ -229,6 +244,7 @@ void modelingContext::dragRun(const M3dView& view) {
   shownRun = part;
   MGlobal::setActiveSelectionList(gesture.selectionAtPress, MGlobal::kReplaceList);
   addRunPart(gesture.hovered, part, gesture.settings);
+  notePicks();
 }
 
 void modelingContext::dragPaint(const M3dView& view) {
@@ -241,6 +257,7 @@ void modelingContext::dragPaint(const M3dView& view) {
   gesture.hitAtPress = true;
   gesture.actionType = hit.kind;
   applyPick(hit, gesture.pickMode, gesture.settings);
+  notePicks();
 }
 
 void modelingContext::dragMiddle(const M3dView& view) {
@@ -333,6 +350,17 @@ void modelingContext::endGesture() {
   needsRedraw = false;
   refresh(M3dView::active3dView());
   run.setHover(true);
+}
+
+void modelingContext::notePicks() {
+  gesture.selectionPicked = activeSelection();
+  gesture.hasPicked = true;
+}
+
+/// Selects again what was selected at the press, unless somebody has selected something since.
+void modelingContext::takeBackPicks() {
+  if (gesture.hasPicked && isSame(activeSelection(), gesture.selectionPicked))
+    MGlobal::setActiveSelectionList(gesture.selectionAtPress, MGlobal::kReplaceList);
 }
 
 void modelingContext::recordSelection(const MSelectionList& after) {

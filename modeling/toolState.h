@@ -55,6 +55,8 @@ struct gestureState {
   pickedComponent hovered;  ///< under the cursor at the press
   pickedComponent lastHit;  ///< what a pick took last
   MSelectionList selectionAtPress;
+  MSelectionList selectionPicked;  ///< as the picks of the gesture have left it, if they have
+  bool hasPicked = false;          ///< whether they, or a press on nothing, have changed it
   gestureSettings settings;
 
   bool isActive() const { return button != kNoButton; }

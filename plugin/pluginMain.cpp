@@ -8,10 +8,11 @@
 
 #include <cstdint>
 
+#include "brushes/alphaImage.h"
+#include "brushes/tabletInput.h"
 #include "plugin/iconFolder.h"
 #include "plugin/licence.h"
 #include "plugin/registration.h"
-#include "plugin/tabletInput.h"
 #include "shared/selection/pickOrder.h"
 #include "shared/settings/toolSettings.h"
 #include "shared/tool/toolRun.h"
@@ -45,6 +46,7 @@ PLUGIN_EXPORT MStatus initializePlugin(MObject object) {
   MFnPlugin plugin(object, kVendor, kVersion, kApiVersion);
   pluginLoadPath = plugin.loadPath();
   addIconFolder(pluginLoadPath);
+  alphaImage::setFolder(dataFolder(pluginLoadPath, "data/modelingToolAlphas").asChar());
   pickOrder::begin();
   return registerAll(plugin);
 }
@@ -53,6 +55,7 @@ PLUGIN_EXPORT MStatus uninitializePlugin(MObject object) {
   pickOrder::end();
   leaveActiveTools();  // a tool in the user's hand would lose its code
   uvLinks::dropAll();  // and so would the callbacks of linked meshes
+  tabletInput::instance().detach();
   releaseLicence();
   MFnPlugin plugin(object);
   return deregisterAll(plugin);

@@ -1,5 +1,9 @@
 #include "plugin/registrationTable.h"
 
+#include "brushes/baseBrushContextCmd.h"
+#include "brushes/baseBrushContextToolCmd.h"
+#include "brushes/moveRotateScaleUVBrushContextCmd.h"
+#include "brushes/tweakUvBrushContextCmd.h"
 #include "commands/circleVertsCmd.h"
 #include "commands/makePlanarCmd.h"
 #include "commands/mergeVertsCmd.h"
@@ -125,10 +129,10 @@ const registrationRow kLoadRows[] = {
     command<pinVertsCmd>("qxPinVertsCmd", "qxPinVertsCmd command failed to register"),
     command<markUVInformationCmd>("qxMarkUVInformation", "mark uv information command failed to register"),
     command("qxBuildUVObject", "buildUVObjectCmd command failed to register", buildUVObjectCmd::creator),
-    context("baseBrushContext", "baseBrushContextCmd", "move brush context failed to register"),
-    context("standardSculptBrushContext", "standardBrushContextCmd", "standard brush context failed to register"),
-    context("tweakUvBrushContext", "tweakUvBrushContextCmd", "tweak uv brush context failed to register"),
-    context("moveRotateScaleUVBrushContext", "moveRotateScaleUVBrushContextCmd", "tweak uv brush context failed to register"),
+    context("baseBrushContext", "baseBrushContextCmd", "move brush context failed to register", baseBrushContextCmd::creator, baseBrushContextToolCmd::creator),
+    context("standardSculptBrushContext", "standardBrushContextCmd", "standard brush context failed to register", standardBrushContextCmd::creator, baseBrushContextToolCmd::creator),
+    context("tweakUvBrushContext", "tweakUvBrushContextCmd", "tweak uv brush context failed to register", tweakUvBrushContextCmd::creator, baseBrushContextToolCmd::creator),
+    context("moveRotateScaleUVBrushContext", "moveRotateScaleUVBrushContextCmd", "tweak uv brush context failed to register", moveRotateScaleUVBrushContextCmd::creator, baseBrushContextToolCmd::creator),
     command<tweakUVVertsCmd>("qxTweakUVVerts", "qxTweakUVVertscommand failed to register"),
     node(kNode, "qxModifyUvsNode", 0x112F9E, "qxModifyUvsNode failed to register", nullptr, modifyUVNode::creator, modifyUVNode::initialize),
     command<scaleMoveAndSew>("scaleMoveSewCmd", "registerCommand"),

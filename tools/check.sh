@@ -6,10 +6,11 @@
 #   paranoid  all tests with check() after every edit, undo and redo after every command
 #   clang     all tests, built by clang
 #   headers   builds without precompiled headers, so that every file includes what it uses
+#   windowless  builds the program as it is where there is no Qt: no window, and it says so
 #   fuzz      each fuzz target for a minute (QXMT_FUZZ_SECONDS)
 set -euo pipefail
 cd "$(dirname "$0")/.."
-all=(lint dev paranoid clang headers fuzz)
+all=(lint dev paranoid clang headers windowless fuzz)
 steps=("$@")
 [ ${#steps[@]} -gt 0 ] || steps=("${all[@]}")
 
@@ -31,6 +32,16 @@ step_clang() {
 step_headers() {
   cmake -S . -B build/headers -G Ninja -DCMAKE_BUILD_TYPE=Release -DQXMT_PRECOMPILE=OFF >/dev/null
   cmake --build build/headers
+}
+step_windowless() {
+  local out=build/windowless status=0
+  cmake -S . -B $out -G Ninja -DCMAKE_BUILD_TYPE=Release -DQXMT_WINDOW=OFF -DQXMT_BENCH=OFF >/dev/null
+  cmake --build $out --target qxmt
+  [ ! -e $out/bin/qxmtWindow ] || { echo "a build without the window made one"; return 1; }
+  if ldd $out/bin/qxmt | grep -i qt; then echo "the program is linked to Qt"; return 1; fi
+  $out/bin/qxmt --no-module -w >$out/said 2>&1 || status=$?
+  [ $status -eq 2 ] && grep -q "no window" $out/said || { cat $out/said; echo "-w ended with status $status"; return 1; }
+  [ "$($out/bin/qxmt --no-module -c 'print(size(`polyCube`) + "\n")' | head -1)" = 2 ]
 }
 step_fuzz() {
   tools/install.sh clang

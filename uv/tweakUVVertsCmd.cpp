@@ -2,7 +2,6 @@
 
 #include <maya/MArgDatabase.h>
 #include <maya/MArgList.h>
-#include <maya/MDoubleArray.h>
 #include <maya/MFnMesh.h>
 #include <maya/MGlobal.h>
 #include <maya/MString.h>
@@ -12,6 +11,7 @@
 #include "shared/mesh/vertexPins.h"
 #include "shared/mesh/worldPoints.h"
 #include "shared/settings/flagReader.h"
+#include "uv/meshUvPins.h"
 #include "uv/uvMessages.h"
 #include "uv/uvObjectEnds.h"
 #include "uv/uvPlacement.h"
@@ -29,21 +29,6 @@ MStatus readPair(const MArgDatabase& database, const char* flag, double& u, doub
   if (status) status = database.getFlagArgument(flag, 1, v);
   if (!status) status.perror(kParseText);
   return status;
-}
-
-/// The host's own pins of a mesh's UVs; none in a host that knows no pinned UVs.
-std::vector<char> hostPins(const MDagPath& mesh, unsigned int count) {
-  int isKnown = 0;
-  MDoubleArray weights;
-  MGlobal::executeCommand("exists polyPinUV", isKnown, false, false);
-  if (isKnown == 0 || count == 0) return {};
-  MGlobal::executeCommand(MString("polyPinUV -q -v ") + mesh.fullPathName() +
-                              ".map[0:" + static_cast<int>(count - 1) + "]",
-                          weights, false, false);
-  std::vector<char> flags;
-  for (unsigned int i = 0; i < weights.length() && weights.length() == count; ++i)
-    flags.push_back(weights[i] > 0.0 ? 1 : 0);
-  return flags;
 }
 
 /// 0, 1, 2 and so on.
@@ -151,7 +136,7 @@ MStatus tweakUVVertsCmd::planUvs(const MDagPath& mesh, const MIntArray& uvs) {
   input.counts = edit.before.counts;
   input.ids = edit.before.ids;
   input.chosen = uvs;
-  if (!ignoresPins) input.isPinned = hostPins(mesh, input.u.length());
+  if (!ignoresPins) input.isPinned = meshUvPins(mesh, input.u.length());
   const uvTweakResult plan = planUvTweak(input, options);
   if (plan.ids.length() == 0) return status;
   if (!isFinite(plan)) return failWith(MString(kName) + ": the UVs would go beyond all numbers");

@@ -16,6 +16,23 @@ constexpr auto kPause = std::chrono::milliseconds(100);  ///< between two pictur
 std::atomic<bool> isRequested = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "signal handlers set it");
 
+/// Who looks for a person while this thread works.
+struct Listening {
+  std::function<void()> call;
+  Clock::time_point next;
+  bool isBusy = false;
+};
+thread_local Listening listening;
+
+void listen() {
+  const Clock::time_point now = Clock::now();
+  if (listening.isBusy || now < listening.next) return;
+  listening.isBusy = true;
+  listening.call();
+  listening.isBusy = false;
+  listening.next = Clock::now() + kPause;
+}
+
 /// What is shown now.
 struct Shown {
   std::mutex mutex;
@@ -46,7 +63,11 @@ void requestCancel() noexcept {
   isRequested.store(true, std::memory_order_relaxed);
 }
 bool isCancelled() noexcept {
+  if (listening.call) listen();
   return isRequested.load(std::memory_order_relaxed);
+}
+void setCancelListener(std::function<void()> listener) {
+  listening.call = std::move(listener);
 }
 void clearCancel() noexcept {
   isRequested.store(false, std::memory_order_relaxed);

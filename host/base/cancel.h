@@ -15,6 +15,10 @@ void requestCancel() noexcept;
 [[nodiscard]] bool isCancelled() noexcept;
 /// Forgets the request; done where a new line of work begins.
 void clearCancel() noexcept;
+/// Gives the thread that calls this something to do while it works: called where isCancelled() is
+/// asked there, at most ten times a second and never from within itself. So a window looks whether
+/// its person wants to stop. An empty one takes it away.
+void setCancelListener(std::function<void()> listener);
 /// The failed half of a Result for work that was asked to stop.
 [[nodiscard]] tl::unexpected<Error> cancelled();
 

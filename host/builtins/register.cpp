@@ -56,7 +56,9 @@ namespace host::builtins {
   X(Visibility) \
   X(Xform) \
   /* file */ \
+  X(AutoSave) \
   X(Namespaces) \
+  X(ReferenceQuery) \
   X(File) \
   X(FileInfo) \
   /* mesh */ \
@@ -87,6 +89,7 @@ namespace host::builtins {
   X(OptionVar) \
   X(Plugins) \
   X(Program) \
+  X(RepeatLast) \
   X(ScriptJob) \
   X(Undo) \
   X(UnitsAndTime) \

@@ -13,6 +13,9 @@ struct PendingEdits {
   /// scene goes; empty: there are none.
   std::function<void()> finish;
   std::string line;  ///< the outermost line that runs; what is pending comes before it
+  /// While a gesture is given up: steps that its tool takes back were never done, so they are not
+  /// offered to redo.
+  bool isGivingUp = false;
 };
 
 /// Those of the session that runs.

@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "host/base/messages.h"
+#include "host/cmd/pending_edits.h"
 #include "host/scene/replay.h"
 
 namespace host::cmd {
@@ -244,7 +245,7 @@ Result<void> UndoQueue::undo() {
     forgetDependents(item);
     return fail("'{}' can't be undone any more: {}.", item.name, undone.error().message);
   }
-  if (flushes == flushCount_) undone_.push_back(std::move(item));
+  if (flushes == flushCount_ && !pendingEdits().isGivingUp) undone_.push_back(std::move(item));
   return {};
 }
 

@@ -16,4 +16,8 @@ namespace host::io {
 /// Decodes a PNG in memory; `name` stands for the file in messages.
 [[nodiscard]] Result<Image> decodePng(std::string_view bytes, const std::string& name);
 
+/// The same as shares of the largest number, with all 16 bits of a PNG that has them. The file's
+/// numbers come as they stand, whatever gamma it claims.
+[[nodiscard]] Result<FloatImage> decodePngFloats(std::string_view bytes, const std::string& name);
+
 }  // namespace host::io

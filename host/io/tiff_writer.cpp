@@ -1,99 +1,84 @@
 #include "host/io/tiff_writer.h"
 
-#include <tiffio.h>
-
-#include <algorithm>
 #include <cstring>
+#include <utility>
 
+#include "host/io/tiff_memory.h"
 #include "host/io/whole_file.h"
 
 namespace host::io {
 namespace {
 
-/// A file in memory, as the library reads and writes it.
-struct Memory {
-  std::string bytes;
-  std::size_t place = 0;
+/// Either kind of picture: RGBA samples in rows from the top.
+struct Samples {
+  int width, height;
+  const void* data;
+  std::size_t sampleBytes;
+  bool areFloats;
 };
 
-tmsize_t readFrom(thandle_t handle, void* data, tmsize_t size) {
-  auto& memory = *static_cast<Memory*>(handle);
-  const std::size_t count =
-      std::min(static_cast<std::size_t>(size),
-               memory.bytes.size() - std::min(memory.place, memory.bytes.size()));
-  std::memcpy(data, memory.bytes.data() + memory.place, count);
-  memory.place += count;
-  return static_cast<tmsize_t>(count);
-}
-
-tmsize_t writeTo(thandle_t handle, void* data, tmsize_t size) {
-  auto& memory = *static_cast<Memory*>(handle);
-  const auto count = static_cast<std::size_t>(size);
-  memory.bytes.resize(std::max(memory.bytes.size(), memory.place + count));
-  std::memcpy(memory.bytes.data() + memory.place, data, count);
-  memory.place += count;
-  return size;
-}
-
-toff_t seekIn(thandle_t handle, toff_t offset, int from) {
-  auto& memory = *static_cast<Memory*>(handle);
-  if (from == SEEK_CUR) offset += memory.place;
-  if (from == SEEK_END) offset += memory.bytes.size();
-  memory.place = static_cast<std::size_t>(offset);
-  return offset;
-}
-
-int closeIt(thandle_t) {
-  return 0;
-}
-toff_t sizeOf(thandle_t handle) {
-  return static_cast<Memory*>(handle)->bytes.size();
-}
-
-bool encode(TIFF* tiff, const Image& image) {
+bool encode(TIFF* tiff, const Samples& samples) {
   constexpr std::uint16_t kAlpha = EXTRASAMPLE_UNASSALPHA;
-  TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(image.width));
-  TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(image.height));
+  TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(samples.width));
+  TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(samples.height));
   TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 4);
-  TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
+  TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, static_cast<int>(8 * samples.sampleBytes));
+  if (samples.areFloats) TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_IEEEFP);
   TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
   TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
   TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
   TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_LZW);
   TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &kAlpha);
   TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff, 0));
-  const std::size_t stride = std::size_t{4} * static_cast<std::size_t>(image.width);
-  std::vector<std::uint8_t> row(stride);
-  for (int y = 0; y < image.height; ++y) {
-    std::memcpy(row.data(), image.rgba.data() + stride * static_cast<std::size_t>(y), stride);
+  const std::size_t stride = samples.sampleBytes * 4 * static_cast<std::size_t>(samples.width);
+  std::vector<std::uint8_t> row(stride);  // the library may turn its bytes round
+  for (int y = 0; y < samples.height; ++y) {
+    std::memcpy(
+        row.data(),
+        static_cast<const std::uint8_t*>(samples.data) + stride * static_cast<std::size_t>(y),
+        stride);
     if (TIFFWriteScanline(tiff, row.data(), static_cast<std::uint32_t>(y), 0) < 0) return false;
   }
   return TIFFFlush(tiff) == 1;
 }
 
+Result<std::string> encodeSamples(const Samples& samples, std::size_t count) {
+  if (samples.width < 1 || samples.height < 1 || samples.width > kLargestImageSide ||
+      samples.height > kLargestImageSide)
+    return fail("A picture of {} x {} pixels cannot be written", samples.width, samples.height);
+  if (count != std::size_t{4} * static_cast<std::size_t>(samples.width) *
+                   static_cast<std::size_t>(samples.height))
+    return fail("The pixels do not fit a picture of {} x {}", samples.width, samples.height);
+  TiffMemory memory;
+  TiffMemory::File tiff = memory.openForWriting();
+  const bool isDone = tiff != nullptr && encode(tiff.get(), samples);
+  tiff.reset();
+  if (!isDone) return fail("The picture could not be encoded");
+  return memory.takeWritten();
+}
+
+Result<void> write(const std::string& path, Result<std::string> bytes) {
+  if (!bytes) return failWith(std::move(bytes).error());
+  return writeFileAtomically(path, *bytes);
+}
+
 }  // namespace
 
 Result<std::string> encodeTiff(const Image& image) {
-  if (image.width < 1 || image.height < 1 || image.width > kLargestImageSide ||
-      image.height > kLargestImageSide)
-    return fail("A picture of {} x {} pixels cannot be written", image.width, image.height);
-  if (image.rgba.size() != std::size_t{4} * static_cast<std::size_t>(image.width) *
-                               static_cast<std::size_t>(image.height))
-    return fail("The pixels do not fit a picture of {} x {}", image.width, image.height);
-  Memory memory;
-  TIFF* tiff = TIFFClientOpen("picture", "wm", &memory, readFrom, writeTo, seekIn, closeIt, sizeOf,
-                              nullptr, nullptr);
-  if (tiff == nullptr) return fail("The picture could not be encoded");
-  const bool isDone = encode(tiff, image);
-  TIFFClose(tiff);
-  if (!isDone) return fail("The picture could not be encoded");
-  return std::move(memory.bytes);
+  return encodeSamples({image.width, image.height, image.rgba.data(), 1, false}, image.rgba.size());
+}
+
+Result<std::string> encodeTiff(const FloatImage& image) {
+  return encodeSamples({image.width, image.height, image.rgba.data(), sizeof(float), true},
+                       image.rgba.size());
 }
 
 Result<void> writeTiff(const std::string& path, const Image& image) {
-  auto bytes = encodeTiff(image);
-  if (!bytes) return failWith(std::move(bytes).error());
-  return writeFileAtomically(path, *bytes);
+  return write(path, encodeTiff(image));
+}
+
+Result<void> writeTiff(const std::string& path, const FloatImage& image) {
+  return write(path, encodeTiff(image));
 }
 
 }  // namespace host::io

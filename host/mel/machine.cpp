@@ -5,10 +5,23 @@
 #include <cstring>
 #include <new>
 
+#include "host/base/cancel.h"
+#include "host/mel/bell.h"
 #include "host/mel/builtins.h"
 #include "host/mel/engine.h"
 
 namespace host::mel {
+namespace {
+
+/// The machine whose code runs; others ring at its door.
+std::atomic<Machine*> atWork = nullptr;
+
+}  // namespace
+
+void ringBell() noexcept {
+  // One that has just come to its end gets a ring that nobody hears.
+  if (Machine* machine = atWork.load()) machine->ring();
+}
 
 Machine::Machine(Engine& engine)
     : engine_(engine),
@@ -177,12 +190,19 @@ bool Machine::handleError(std::size_t baseFrame) {
   return true;
 }
 
+bool Machine::answerBell() {
+  const std::uint8_t asked = asked_.fetch_and(static_cast<std::uint8_t>(~kBell));
+  if ((asked & kBell) != 0 && isCancelled()) interrupt();
+  return (asked_.load(std::memory_order_relaxed) & kStop) != 0;
+}
+
 Result<void> Machine::run(const Function& function, std::span<const Value> arguments,
                           Value& result) {
   if (nesting_ >= kMaxNesting)
     return host::fail("Stack overflow: scripts evaluate each other too deeply.");
   if (nesting_ == 0) {
-    isInterrupted_.store(false, std::memory_order_relaxed);
+    asked_.store(0, std::memory_order_relaxed);
+    atWork = this;
     isFatal_ = false;
     placedError_.clear();
   }
@@ -197,7 +217,7 @@ Result<void> Machine::run(const Function& function, std::span<const Value> argum
     fail("Out of memory.");
   }
   unwind(baseFrame);
-  --nesting_;
+  if (--nesting_ == 0) atWork = nullptr;
   if (isDone) return {};
   // Who called what is told once, with the error that nobody caught.
   const bool tellsStack = nesting_ == 0 && error_ == placedError_;

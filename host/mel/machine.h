@@ -27,10 +27,12 @@ class Machine {
   /// Runs a function with arguments already counted. An error's message begins with its place.
   Result<void> run(const Function& function, std::span<const Value> arguments, Value& result);
 
-  void interrupt() noexcept { isInterrupted_.store(true, std::memory_order_relaxed); }
+  void interrupt() noexcept { asked_.fetch_or(kStop, std::memory_order_relaxed); }
   [[nodiscard]] bool isInterrupted() const noexcept {
-    return isRunning() && isInterrupted_.load(std::memory_order_relaxed);
+    return isRunning() && (asked_.load(std::memory_order_relaxed) & kStop) != 0;
   }
+  /// Code that runs asks isCancelled() between two instructions.
+  void ring() noexcept { asked_.fetch_or(kBell, std::memory_order_relaxed); }
   [[nodiscard]] bool isRunning() const noexcept { return nesting_ > 0; }
   /// The file of the innermost running code; empty if that was entered.
   [[nodiscard]] const std::string& currentFile() const;
@@ -103,7 +105,14 @@ class Machine {
   std::string errorStack_;  ///< of the error that was placed last
   int nesting_ = 0;
   bool isFatal_ = false;  ///< the pending error passes every catch
-  std::atomic<bool> isInterrupted_ = false;
+  /// What others ask of the running code, seen at every call and where a loop closes.
+  static constexpr std::uint8_t kStop = 1, kBell = 2;
+  std::atomic<std::uint8_t> asked_ = 0;
+  /// Whether the code is to end here.
+  [[nodiscard]] bool mustEnd() {
+    return asked_.load(std::memory_order_relaxed) != 0 && answerBell();
+  }
+  bool answerBell();
 };
 
 }  // namespace host::mel

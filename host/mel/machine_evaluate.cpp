@@ -23,14 +23,14 @@ std::uint32_t bits(std::int32_t value) {
 #define REAL(x) registers[x].payload_.real
 // A conditional jump: the next word is its target. Loops close with backward jumps, where an
 // interrupt is seen.
-#define JUMP_IF(condition)                                                               \
-  if ((condition) == (in.c != 0)) {                                                      \
-    const Instruction* const target = code + pc->wide();                                 \
-    if (target < pc && isInterrupted_.load(std::memory_order_relaxed)) goto interrupted; \
-    pc = target;                                                                         \
-  } else {                                                                               \
-    ++pc;                                                                                \
-  }                                                                                      \
+#define JUMP_IF(condition)                               \
+  if ((condition) == (in.c != 0)) {                      \
+    const Instruction* const target = code + pc->wide(); \
+    if (target < pc && mustEnd()) goto interrupted;      \
+    pc = target;                                         \
+  } else {                                               \
+    ++pc;                                                \
+  }                                                      \
   break
 #define CHECK(operation)         \
   if (!(operation)) goto failed; \
@@ -154,7 +154,7 @@ bool Machine::evaluate(std::size_t baseFrame, Value& result) {
         break;
       case Op::Jump: {
         const Instruction* const target = code + in.wide();
-        if (target < pc && isInterrupted_.load(std::memory_order_relaxed)) goto interrupted;
+        if (target < pc && mustEnd()) goto interrupted;
         pc = target;
         break;
       }
@@ -179,7 +179,7 @@ bool Machine::evaluate(std::size_t baseFrame, Value& result) {
           break;
         }
         pc = code + pc->wide();
-        if (isInterrupted_.load(std::memory_order_relaxed)) goto interrupted;
+        if (mustEnd()) goto interrupted;
         break;
       }
       case Op::JumpInt:
@@ -320,7 +320,7 @@ bool Machine::evaluate(std::size_t baseFrame, Value& result) {
 
       case Op::CallSymbol: {
         frames_.back().pc = ++pc;
-        if (isInterrupted_.load(std::memory_order_relaxed)) goto interrupted;
+        if (mustEnd()) goto interrupted;
         const std::span<Value> arguments(registers + in.b, in.c);
         const CallResult outcome =
             callSymbol(*function->symbols[pc[-1].wide()], arguments, in.a, returned);
@@ -335,7 +335,7 @@ bool Machine::evaluate(std::size_t baseFrame, Value& result) {
       }
       case Op::CallBuiltin: {
         frames_.back().pc = ++pc;
-        if (isInterrupted_.load(std::memory_order_relaxed)) goto interrupted;
+        if (mustEnd()) goto interrupted;
         const std::span<Value> arguments(registers + in.b, in.c);
         if (!callBuiltin(*function->builtins[pc[-1].wide()], arguments, returned)) goto failed;
         if (in.a != kNoRegister) registers[in.a] = std::move(returned);

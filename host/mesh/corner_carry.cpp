@@ -67,7 +67,9 @@ class ChannelCarrier {
                  const Topology& topology, const CornerSources& corners)
       : values_(values), ids_(ids), topology_(topology), corners_(corners) {}
 
-  void run(bool wholeFacesOnly, std::vector<Value>& newValues, std::vector<Index>& newIds) {
+  /// @param became gets the map of old values to new ones, unless all stay
+  void run(bool wholeFacesOnly, std::vector<Value>& newValues, std::vector<Index>& newIds,
+           std::vector<Index>* became = nullptr) {
     newIds.reserve(corners_.size());
     for (const CornerSources::Stretch& stretch : corners_.stretches()) {
       if (stretch.source != kNone)
@@ -76,7 +78,10 @@ class ChannelCarrier {
       else
         resolveFaces(stretch, wholeFacesOnly, newIds);
     }
-    compact(newValues, newIds);
+    std::vector<Index> map = compact(newValues, newIds);
+    if (!became) return;
+    if (!map.empty()) map.resize(values_.size());  // the rest are new ones
+    *became = std::move(map);
   }
 
  private:
@@ -133,15 +138,16 @@ class ChannelCarrier {
     });
   }
 
-  /// Drops values that lost their last corner and closes the gaps.
-  void compact(std::vector<Value>& newValues, std::vector<Index>& newIds) const {
+  /// Drops values that lost their last corner and closes the gaps. @return what each became; empty
+  /// when all stay
+  std::vector<Index> compact(std::vector<Value>& newValues, std::vector<Index>& newIds) const {
     std::vector<std::uint8_t> stays(values_.size() + blended_.size(), 1);
     markStaying(stays, newIds);
     newValues.reserve(stays.size());
     if (std::find(stays.begin(), stays.end(), std::uint8_t{0}) == stays.end()) {
       newValues.insert(newValues.end(), values_.begin(), values_.end());
       newValues.insert(newValues.end(), blended_.begin(), blended_.end());
-      return;
+      return {};
     }
     std::vector<Index> map(stays.size(), kNone);
     for (std::size_t i = 0; i < stays.size(); ++i) {
@@ -151,6 +157,7 @@ class ChannelCarrier {
     }
     for (Index& id : newIds)
       if (id != kNone) id = map[at(id)];
+    return map;
   }
 
   // Only what hangs on corners that no run copies can lose its last corner.
@@ -228,14 +235,15 @@ std::optional<Vec2f> blendedUv(const UvSet& source, std::span<const CornerWeight
   return sumOf(parts, source.points);
 }
 
-UvSet carryUvSet(const UvSet& source, const Topology& topology, const CornerSources& corners) {
+UvSet carryUvSet(const UvSet& source, const Topology& topology, const CornerSources& corners,
+                 std::vector<UvId>* became) {
   UvSet out;
   out.name = source.name;
   if (source.cornerIds.empty())
     out.points = source.points;
   else
     ChannelCarrier(source.points, source.cornerIds, topology, corners)
-        .run(true, out.points, out.cornerIds);
+        .run(true, out.points, out.cornerIds, became);
   return out;
 }
 

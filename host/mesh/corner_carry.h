@@ -73,8 +73,10 @@ class CornerSources {
 /// stays welded; blended corners get new UVs behind the old ones, shared by the corners at one
 /// vertex whose blends are of the same UVs. A face of which a corner finds no UV gets none. UVs
 /// that lost their last corner go; the rest keep their order. Linear.
+/// @param became where given, gets what each UV of the source is now: kNone for those that went;
+///     empty when all of them stay
 [[nodiscard]] UvSet carryUvSet(const UvSet& source, const Topology& topology,
-                               const CornerSources& corners);
+                               const CornerSources& corners, std::vector<UvId>* became = nullptr);
 /// What a corner that blends gets from carryUvSet(); nothing when none of its parts has a UV.
 [[nodiscard]] std::optional<Vec2f> blendedUv(const UvSet& source,
                                              std::span<const CornerWeight> blend);

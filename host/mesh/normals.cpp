@@ -136,8 +136,14 @@ std::vector<Vec3f> computeFaceNormals(const Mesh& mesh) {
 
 double cornerAngle(const Mesh& mesh, const Adjacency& adjacency, CornerId corner) {
   const Vec3 here = mesh.point(mesh.cornerVertex(corner));
-  return angleBetween(mesh.point(mesh.cornerVertex(adjacency.nextCorner(corner))) - here,
-                      mesh.point(mesh.cornerVertex(adjacency.previousCorner(corner))) - here);
+  const auto way = [&](auto step) {
+    Vec3 along;
+    for (CornerId c = step(corner); c != corner && along == Vec3{}; c = step(c))
+      along = mesh.point(mesh.cornerVertex(c)) - here;
+    return along;
+  };
+  return angleBetween(way([&](CornerId c) { return adjacency.nextCorner(c); }),
+                      way([&](CornerId c) { return adjacency.previousCorner(c); }));
 }
 
 std::vector<Vec3f> computeCornerNormals(const Mesh& mesh) {

@@ -34,7 +34,8 @@ namespace host::mesh {
 /// The same for one vertex. Linear in the faces there.
 [[nodiscard]] Vec3 vertexNormal(const Mesh& mesh, VertexId vertex);
 
-/// The inner angle at a corner, radians, 0 to pi; 0 when a neighbour coincides with it.
+/// The inner angle at a corner, radians, 0 to pi. Neighbours that coincide with it are passed over,
+/// so that a bevel of no width yet shades as what it is made of; 0 when all do.
 [[nodiscard]] double cornerAngle(const Mesh& mesh, const Adjacency& adjacency, CornerId corner);
 
 }  // namespace host::mesh

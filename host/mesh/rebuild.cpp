@@ -147,8 +147,9 @@ Rebuilt MeshRebuilder::finish(const RebuildOptions& options) {
   Mesh& mesh = result.mesh;
   mesh = source_;
   Topology topology = assembleTopology(survivors, listedEdges, finder);
+  result.uvMaps.resize(static_cast<std::size_t>(source_.uvSetCount()));
   for (int s = 0; s < source_.uvSetCount(); ++s)
-    mesh.setUvSet(s, carryUvSet(source_.uvSet(s), topology, corners_));
+    mesh.setUvSet(s, carryUvSet(source_.uvSet(s), topology, corners_, &result.uvMaps[at(s)]));
   for (int s = 0; s < source_.colorSetCount(); ++s)
     mesh.setColorSet(s, carryColorSet(source_.colorSet(s), topology, corners_));
   mesh.setLockedNormals(carryLockedNormals(source_.lockedNormals(), corners_));

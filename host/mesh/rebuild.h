@@ -18,8 +18,9 @@ struct RebuildOptions {
 /// A rebuilt mesh and where things went. Removed components map to -1.
 struct Rebuilt {
   Mesh mesh;
-  std::vector<VertexId> vertexMap;  ///< id given by the rebuilder -> id in `mesh`
-  std::vector<EdgeId> edgeMap;      ///< source edge -> edge in `mesh`
+  std::vector<VertexId> vertexMap;        ///< id given by the rebuilder -> id in `mesh`
+  std::vector<EdgeId> edgeMap;            ///< source edge -> edge in `mesh`
+  std::vector<std::vector<UvId>> uvMaps;  ///< by UV set: source UV -> UV in `mesh`; empty: all stay
 };
 
 /// Builds a mesh out of another one from new face loops, carrying everything that hangs on corners,

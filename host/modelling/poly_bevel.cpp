@@ -30,6 +30,7 @@ ops::BevelEdgesOptions optionsOf(const HistoryContext& context, double roundness
   options.smoothingAngle = context.real("smoothingAngle");
   options.autoFit = context.boolean("autoFit");
   options.fillNgons = context.boolean("fillNgons");
+  options.subdivideNgons = context.boolean("subdivideNgons");
   options.mergeVertices = context.boolean("mergeVertices");
   options.mergeTolerance = context.real("mergeVertexTolerance");
   options.miteringAngle = context.real("miteringAngle");
@@ -104,7 +105,6 @@ void addBevel(Declaration& declaration) {
       .commandSets(180 * kDegree)
       .recordedOnly()
       .parameter(boolean("subdivideNgons", "sn"), "quads in corners of several segments")
-      .recordedOnly()
       .afterFlags(shareOffset);
 }
 
@@ -157,6 +157,7 @@ void polyBevel(Declarations& add) {
       .parameter(boolean("forceParallel", "fp"), "keep the new edges parallel to the old")
       .withoutEffect()
       .trial("-f 0.3 -oaf 1 -sg 2 -d 0.5", "e")
+      .trial("-f 0.3 -oaf 1 -sg 3 -sn 1", "e")
       .trial("-o 0.05 -sg 2 -c 0 -sa 0 -ma 30", "e")
       .operation(bevelByDepth);
 }

@@ -1,69 +1,9 @@
-#include <map>
-
-#include "host/math/box.h"
-#include "host/modelling/declare/history_command.h"
-#include "host/modelling/declare/mesh_objects.h"
-#include "host/nodes/mesh_shape.h"
-#include "host/nodes/set_group.h"
-#include "host/nodes/sets.h"
+#include "host/modelling/declare/joined_parts.h"
 #include "host/ops/topology/unite.h"
 
 namespace host::modelling {
 
 namespace {
-
-/// The groups of the parts, in the numbers of the whole.
-class Groups {
- public:
-  void add(const scene::MeshData& part) {
-    const mesh::Mesh& mesh = part.mesh;
-    if (part.groups)
-      for (const scene::MeshGroup& group : *part.groups) addGroup(group, mesh);
-    vertices_ += mesh.vertexCount();
-    edges_ += mesh.edgeCount();
-    faces_ += mesh.faceCount();
-  }
-  [[nodiscard]] scene::MeshGroupsPtr finish() {
-    if (members_.empty()) return nullptr;
-    auto groups = std::make_shared<scene::MeshGroups>();
-    for (auto& [key, ids] : members_)
-      groups->push_back(
-          {key.first, std::make_shared<scene::Component>(key.second, std::move(ids))});
-    return groups;
-  }
-
- private:
-  void addGroup(const scene::MeshGroup& group, const mesh::Mesh& mesh) {
-    const ComponentType type = group.members->type();
-    const bool isFace = type == ComponentType::Face, isEdge = type == ComponentType::Edge;
-    if (!isFace && !isEdge && type != ComponentType::Vertex) return;
-    const Index first = isFace ? faces_ : isEdge ? edges_ : vertices_;
-    const Index count = isFace ? mesh.faceCount() : isEdge ? mesh.edgeCount() : mesh.vertexCount();
-    std::vector<Index>& ids = members_[{group.id, type}];
-    for (const Index id : group.members->expanded(count)) ids.push_back(id + first);
-  }
-
-  std::map<std::pair<std::int64_t, ComponentType>, std::vector<Index>> members_;
-  Index vertices_ = 0, edges_ = 0, faces_ = 0;
-};
-
-/// The meshes at `inputPoly` with their matrices, in order of the indices; empty slots are left
-/// out.
-Result<std::vector<ops::UnitePart>> partsOf(DataBlock& block, const Attribute* meshes,
-                                            const Attribute* matrices, Groups& groups) {
-  std::vector<ops::UnitePart> parts;
-  const Plug all(&block.node(), meshes), spaces(&block.node(), matrices);
-  for (const Index index : block.graph().elementIndices(all)) {
-    auto value = block.input(all.element(index));
-    if (!value) return failWith(value.error());
-    const auto* data = dg::dataAs<scene::MeshData>(*value);
-    if (!data) continue;
-    const auto space = block.data<dg::MatrixData>(spaces.element(index));
-    parts.push_back({data->mesh, space ? space->value : math::Matrix4()});
-    groups.add(*data);
-  }
-  return parts;
-}
 
 void build(TypeBuilder& builder, const std::vector<const Attribute*>&) {
   const Attribute* meshes = builder.add(array(notStored(dg::makeTyped("inputPoly", "ip", "mesh"))));
@@ -72,10 +12,15 @@ void build(TypeBuilder& builder, const std::vector<const Attribute*>&) {
   builder.affects({meshes, matrices}, {result});
   builder.type().compute = [=](Node& node, const Plug& plug, DataBlock& block) -> Result<Computed> {
     if (plug.attribute() != result) return Computed::Unhandled;
-    Groups groups;
-    const auto parts = partsOf(block, meshes, matrices, groups);
-    if (!parts) return failWith(parts.error());
-    auto united = ops::unite(*parts);
+    const auto arriving = joinedParts(block, meshes, matrices);
+    if (!arriving) return failWith(arriving.error());
+    JoinedGroups groups;
+    std::vector<ops::UnitePart> parts;
+    for (const JoinedPart& part : *arriving) {
+      groups.add(*part.data);
+      parts.push_back({part.data->mesh, part.space});
+    }
+    auto united = ops::unite(parts);
     if (!united) return failAt(node.name(), united.error());
     block.output(result, dg::DataPtr(std::make_shared<scene::MeshData>(*std::move(united),
                                                                        groups.finish())));
@@ -83,105 +28,10 @@ void build(TypeBuilder& builder, const std::vector<const Attribute*>&) {
   };
 }
 
-/// The shading group that all parts are in as a whole; null where they differ, or where one has
-/// parts of its own in groups.
-Node* commonShading(const std::vector<MeshItem>& items) {
-  Node* common = nodes::shadingGroupOfWhole(items.front().path);
-  for (const MeshItem& item : items) {
-    if (nodes::shadingGroupOfWhole(item.path) != common) return nullptr;
-    for (const nodes::SetGroup& group : nodes::groupsOf(item.path, nullptr))
-      if (nodes::isShadingGroup(*group.set)) return nullptr;
-  }
-  return common;
-}
-
-/// Feeds the meshes, their groups and the matrices of their places to the node.
-Result<void> connectParts(scene::Document& document, Node& node, const std::vector<MeshItem>& items,
-                          bool withWhole, std::vector<nodes::ComingGroup>& groups) {
-  dg::Graph& graph = document.graph();
-  for (std::size_t i = 0; i < items.size(); ++i) {
-    Node& shape = *items[i].path.node();
-    const auto at = static_cast<Index>(i),
-               instance = static_cast<Index>(items[i].path.instanceNumber());
-    const auto mesh =
-        nodes::bringAllGroups(document, items[i].path, shape.plug("outMesh"), withWhole, groups);
-    if (!mesh) return failWith(mesh.error());
-    HOST_TRY(graph.connect(*mesh, node.plug("inputPoly").element(at)));
-    HOST_TRY(graph.connect(shape.plug("worldMatrix").element(instance),
-                           node.plug("inputMat").element(at)));
-  }
-  return {};
-}
-
-/// The new shape is where its parts were.
-Result<void> joinShading(scene::Document& document, Node& shape, Node* common,
-                         const std::vector<nodes::ComingGroup>& groups) {
-  scene::SelectionList whole;
-  whole.add(scene::firstPath(shape));
-  if (common) {
-    HOST_TRY(nodes::addToSet(document, *common, whole));
-  } else if (!groups.empty()) {
-    if (Node* initial = nodes::shadingGroupOfWhole(scene::firstPath(shape)))
-      HOST_TRY(nodes::removeFromSet(document, *initial, whole));
-  }
-  return nodes::joinGroups(document, shape, groups);
-}
-
-/// Without history the parts go: with their transforms, where these hold nothing else.
-Result<void> deleteParts(scene::Document& document, const std::vector<MeshItem>& items) {
-  std::vector<scene::Node*> gone;
-  for (const MeshItem& item : items) {
-    scene::Node* transform = item.path.transform().node();
-    bool holdsMore = false;
-    for (scene::Node* child : scene::dagLinks(*transform).children)
-      holdsMore = holdsMore || !scene::isShape(*child);
-    gone.push_back(holdsMore ? item.path.node() : transform);
-  }
-  return document.deleteNodes(std::move(gone));
-}
-
-/// Puts the pivots of an object that stands at the origin in the middle of its mesh.
-Result<void> centrePivots(scene::Document& document, Node& transform, Node& shape) {
-  const auto mesh = nodes::evaluatedMesh(shape);
-  if (!mesh) return failWith(mesh.error());
-  math::Box box;
-  for (const math::Vec3f& point : mesh->points()) box.add(math::Vec3(point));
-  if (box.isEmpty()) return {};
-  HOST_TRY(document.graph().setVec3(transform.plug("rotatePivot"), box.center()));
-  return document.graph().setVec3(transform.plug("scalePivot"), box.center());
-}
-
 CommandResult create(Context& context, const ParsedArgs& args, const Declaration& declaration) {
-  scene::Document& document = context.document;
-  auto list = args.resolveObjects(document);
-  if (!list) return failWith(std::move(list.error()));
-  auto items = distinctMeshItems(*list);
-  if (!items) return failWith(std::move(items.error()));
-  if (items->size() < 2) return fail("polyUnite: name or select two or more polygon objects.");
-  auto node = document.createNode("polyUnite");
-  if (!node) return failWith(std::move(node.error()));
-  Node* const common = commonShading(*items);
-  std::vector<nodes::ComingGroup> groups;
-  HOST_TRY(connectParts(document, **node, *items, common == nullptr, groups));
-  HOST_TRY(setParameters(context, args, declaration, **node));
-  HOST_TRY(document.graph().evaluate((*node)->plug("output")));
-  auto shape = addMeshObject(document, declaration.wantedName(args), (*node)->plug("output"));
-  if (!shape) return failWith(std::move(shape.error()));
-  HOST_TRY(joinShading(document, **shape, common, groups));
-  const bool keepsHistory = args.boolean("constructionHistory", true);
-  const std::string nodeName = (*node)->name();
-  if (keepsHistory) {
-    for (const MeshItem& item : *items) HOST_TRY(makeIntermediate(document, *item.path.node()));
-  } else {
-    HOST_TRY(nodes::deleteHistory(document, **shape));
-    HOST_TRY(deleteParts(document, *items));
-  }
-  const scene::DagPath transform = scene::firstPath(**shape).transform();
-  if (args.has("centerPivot")) HOST_TRY(centrePivots(document, *transform.node(), **shape));
-  std::vector<std::string> names{transform.partialName()};
-  if (keepsHistory) names.push_back(nodeName);
-  selectObjects(document, {transform});
-  return mel::Value(std::move(names));
+  const auto items = partsToJoin(context, args, declaration);
+  if (!items) return failWith(items.error());
+  return joinObjects(context, args, declaration, *items);
 }
 
 }  // namespace

@@ -171,12 +171,21 @@ Plug instanceGroups(const DagPath& path) {
   return groups.isNull() ? groups : groups.element(static_cast<Index>(path.instanceNumber()));
 }
 
+namespace {
+
+Node* setOfGroup(const Plug& group) {
+  Node* set = nullptr;
+  for (const Plug& destination : group.node()->graph().destinations(group))
+    if (destination.attribute()->longName == "dagSetMembers") set = destination.node();
+  return set;
+}
+
+}  // namespace
+
 SetGroup groupAt(const Plug& group) {
   SetGroup result;
   result.plug = group;
-  dg::Graph& graph = group.node()->graph();
-  for (const Plug& destination : graph.destinations(group))
-    if (destination.attribute()->longName == "dagSetMembers") result.set = destination.node();
+  result.set = setOfGroup(group);
   const scene::MeshGroupsPtr arriving = groupsArriving(group.node()->plug("inMesh"));
   const std::int64_t number = arriving ? groupNumber(group) : -1;
   result.components =
@@ -189,8 +198,11 @@ std::vector<SetGroup> groupsOf(const DagPath& path, const Node* set) {
   const Plug array = groupArray(path);
   if (array.isNull()) return groups;
   for (const Index index : path.node()->graph().elementIndices(array)) {
-    SetGroup group = groupAt(array.element(index));
-    if (group.set && (!set || group.set == set)) groups.push_back(std::move(group));
+    const Plug element = array.element(index);
+    // Who is in a group is read only of those that are asked for: there may be thousands.
+    if (set && setOfGroup(element) != set) continue;
+    SetGroup group = groupAt(element);
+    if (group.set) groups.push_back(std::move(group));
   }
   return groups;
 }

@@ -1,6 +1,7 @@
 #include "host/nodes/sets.h"
 
 #include <algorithm>
+#include <functional>
 #include <optional>
 #include <unordered_set>
 
@@ -80,16 +81,45 @@ Plug wholePlug(const SelectionItem& item) {
 
 Result<void> removeItem(Document& document, Node& set, const SelectionItem& item);
 
+/// What of an item's components a group has; whether that is any.
+bool sharedPart(const SelectionItem& item, const SetGroup& group, Component& shared) {
+  for (const Component& component : item.components)
+    for (const Component& member : group.components) {
+      if (member.type() != component.type()) continue;
+      shared = member;
+      shared.intersect(component, scene::componentCount(item.path, component.type()));
+      if (!shared.isEmpty()) return true;
+    }
+  return false;
+}
+
 /// Takes an item out of the sets that it may not share with the one it is about to enter.
 Result<void> leaveExclusive(Document& document, const SelectionItem& item,
                             const std::unordered_set<const Node*>& exclusive, bool force) {
   if (exclusive.empty()) return {};
-  for (Node* other : setsOf(document, item)) {
-    if (!exclusive.contains(other)) continue;
+  const auto leave = [&](Node& other, const std::function<Result<void>()>& take) -> Result<void> {
     if (!force)
       return fail("'{}' is in '{}', which does not share members", scene::itemBaseName(item),
-                  other->name());
-    HOST_TRY(removeItem(document, *other, item));
+                  other.name());
+    return take();
+  };
+  std::vector<Node*> wholes;
+  if (const Plug whole = wholePlug(item))
+    for (const Plug& destination : document.graph().destinations(whole))
+      if (exclusive.contains(destination.node())) wholes.push_back(destination.node());
+  for (Node* other : wholes)
+    HOST_TRY(leave(*other, [&] { return removeItem(document, *other, item); }));
+  if (!item.isDag()) return {};
+  // An object may have thousands of groups, so all are read once.
+  for (const SetGroup& group : groupsOf(item.path, nullptr)) {
+    if (!exclusive.contains(group.set)) continue;
+    if (item.components.empty()) {
+      HOST_TRY(leave(*group.set, [&] { return removeGroup(document, group); }));
+      continue;
+    }
+    Component taken;
+    if (!sharedPart(item, group, taken)) continue;
+    HOST_TRY(leave(*group.set, [&] { return removeFromGroup(document, item.path, group, taken); }));
   }
   return {};
 }

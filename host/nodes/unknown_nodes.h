@@ -5,7 +5,7 @@
 namespace host::nodes {
 
 /// Registers what stands for nodes whose types are not there (unknown, unknownDag,
-/// unknownTransform), and script nodes, which do nothing by themselves.
+/// unknownTransform), and for referenced files (reference).
 void registerUnknownNodes(dg::TypeRegistry& types);
 
 }  // namespace host::nodes

@@ -5,6 +5,7 @@
 #include "host/base/assert.h"
 #include "host/scene/dag_paths.h"
 #include "host/scene/document_impl.h"
+#include "host/scene/namespaces.h"
 
 namespace host::scene {
 
@@ -107,6 +108,7 @@ Document::~Document() {
   for (const dg::NodePtr& node : graph_.nodes()) forgetParents(*node);
   if (theDocument == this) theDocument = nullptr;
   graph_.removeObserver(impl_.get());
+  setCurrentNamespace(*this, {});
 }
 
 void Document::addObserver(DocumentObserver* observer) {
@@ -208,6 +210,7 @@ std::unique_ptr<dg::Change> Document::sweepSelection() {
 
 void Document::reset() {
   const Journal::Scope unrecorded(journal_, nullptr);
+  setCurrentNamespace(*this, {});
   impl_->notify([](DocumentObserver& observer) { observer.cleared(true); });
   selection_.clear();
   hilite_.clear();

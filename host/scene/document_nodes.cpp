@@ -2,6 +2,8 @@
 #include <unordered_set>
 
 #include "host/scene/document_impl.h"
+#include "host/scene/namespaces.h"
+#include "host/scene/references.h"
 
 namespace host::scene {
 
@@ -68,7 +70,7 @@ Result<dg::NodePtr> Document::createNode(std::string_view typeName, std::string_
     return fail(ErrorKind::BadArgument, "'{}' cannot be a parent: it is not a transform",
                 parent->name());
 
-  std::string wanted(name);
+  std::string wanted = name.empty() ? std::string() : inCurrentNamespace(*this, name);
   if (isDag && !parent && type->isA("shape")) {
     std::string transformName = wanted.empty() ? std::string() : transformNameFor(wanted);
     if (transformName.empty()) transformName = std::string(transformStem(*type)) + '#';
@@ -81,6 +83,7 @@ Result<dg::NodePtr> Document::createNode(std::string_view typeName, std::string_
     const bool isNamedLikeItsTransform = isDag && type->isA("shape") && type->pluginName.empty();
     wanted =
         isNamedLikeItsTransform ? std::string(transformStem(*type)) + "Shape#" : type->name + '#';
+    wanted = inCurrentNamespace(*this, wanted);
   }
   Node* const parents[] = {parent};
   dg::NodePtr node = graph_.createNode(*type, impl_->freeName(wanted, isDag, parents, nullptr));
@@ -153,6 +156,8 @@ class DeletionSet {
  private:
   static Result<void> refuseIfProtected(const Node& node) {
     if (node.isLocked()) return fail("'{}' is locked and cannot be deleted", node.name());
+    if (isReadOnly(node))
+      return fail("'{}' comes from a referenced file and cannot be deleted", node.name());
     if (node.isDefault())
       return fail("'{}' belongs to every scene and cannot be deleted", node.name());
     return {};
@@ -172,8 +177,10 @@ class DeletionSet {
   }
   void addIfOnlyFeeding(Node& source) {
     if (source.type().existsWithoutOutputs || has(&source) || source.isLocked() ||
-        source.isDefault())
+        source.isDefault() || isReadOnly(source))
       return;
+    // The scene's own history waits for the file to come back.
+    if (isReleasing() && !referenceOf(source)) return;
     for (const dg::Graph::Connection& use : graph_.outgoing(source))
       if (!has(use.destination.node()) || passesOn(use.destination)) return;
     add(source);
@@ -242,14 +249,19 @@ Result<std::string> Document::rename(Node& node, std::string_view name) {
   const std::string legal = legalName(name.substr(0, name.find('#')));
   if (legal.empty()) return fail(ErrorKind::BadArgument, "'{}' is not a name for a node", name);
   if (node.isLocked()) return fail("'{}' is locked and cannot be renamed", node.name());
+  if (isReadOnly(node))
+    return fail("'{}' comes from a referenced file and cannot be renamed", node.name());
   const std::string oldName = node.name();
   const bool isDag = isDagNode(node);
-  const std::string newName = impl_->freeName(name, isDag, dagLinks(node).parents, &node);
+  const std::string newName =
+      impl_->freeName(inCurrentNamespace(*this, name), isDag, dagLinks(node).parents, &node);
   if (newName != oldName) HOST_TRY(graph_.renameNode(node, newName));
   if (!isTransform(node)) return newName;
   const std::string oldShapeName = shapeNameFor(oldName);
   for (Node* child : dagLinks(node).children) {
-    if (!isShape(*child) || child->name() != oldShapeName || child->isLocked()) continue;
+    if (!isShape(*child) || child->name() != oldShapeName || child->isLocked() ||
+        isReadOnly(*child))
+      continue;
     HOST_TRY(graph_.renameNode(
         *child, impl_->freeName(shapeNameFor(newName), true, dagLinks(*child).parents, child)));
   }

@@ -149,6 +149,8 @@ Result<void> parseModifiers(Words& words, InputEvent& event) {
       event.alt = true;
     } else if (word == "pressure") {
       HOST_TRY(take(event.pressure, words.real("the pressure")));
+      if (event.pressure < 0 || event.pressure > 1)
+        return fail("the pressure {} does not lie from 0 to 1", event.pressure);
     } else if (word == "tilt") {
       HOST_TRY(take(event.tiltX, words.real("the tilt")));
       HOST_TRY(take(event.tiltY, words.real("the tilt")));

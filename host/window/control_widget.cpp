@@ -15,6 +15,7 @@
 
 #include "host/base/messages.h"
 #include "host/window/field_widgets.h"
+#include "host/window/icons.h"
 #include "host/window/menus.h"
 #include "host/workspace/workspace.h"
 
@@ -52,10 +53,17 @@ ControlWidget makeButton(const Control&, const Act& act, QWidget* parent) {
   QObject::connect(button, &QPushButton::clicked, button, [act] { act({}, false); });
   return {button, [button](const Control& control) {
             QString text = control.type->find("label") ? labelText(control) : QString();
-            // A picture that isn't there is still a button with a name.
-            if (text.isEmpty() && control.type->find("image")) {
-              const QString image = QString::fromStdString(control.text("image"));
-              text = image.section('/', -1).section('.', 0, 0);
+            if (control.type->find("image")) {
+              const std::string image = control.text("image");
+              const QIcon icon = iconFor(image);
+              button->setIcon(icon);
+              button->setIconSize({24, 24});
+              // A picture that isn't there is still a button with a name.
+              const QString name = QString::fromStdString(image).section('/', -1);
+              const bool showsIcon =
+                  !icon.isNull() && control.text("style").find("text") == std::string::npos;
+              if (showsIcon) text.clear();
+              if (!showsIcon && text.isEmpty()) text = name.section('.', 0, 0);
             }
             button->setText(text);
           }};
@@ -157,8 +165,9 @@ ControlWidget makeSeparator(const Control& control, QWidget* parent) {
 ControlWidget makePicture(const Control&, QWidget* parent) {
   auto* label = new QLabel(parent);
   return {label, [label](const Control& control) {
-            const QPixmap picture(QString::fromStdString(control.text("image")));
-            if (!picture.isNull()) label->setPixmap(picture);
+            const QIcon icon = iconFor(control.text("image"));
+            constexpr int kMost = 4096;
+            if (!icon.isNull()) label->setPixmap(icon.pixmap(QSize(kMost, kMost)));
           }};
 }
 

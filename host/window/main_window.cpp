@@ -1,6 +1,8 @@
 #include "host/window/main_window.h"
 
+#include <QApplication>
 #include <QCloseEvent>
+#include <QDateTime>
 #include <QDockWidget>
 #include <QDropEvent>
 #include <QFileDialog>
@@ -10,21 +12,22 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
-#include <QSettings>
 #include <QStatusBar>
 #include <QTabWidget>
-#include <QThread>
 #include <QUrl>
 #include <algorithm>
 #include <array>
 
-#include "host/base/cancel.h"
 #include "host/base/message_streams.h"
+#include "host/builtins/file/recovery.h"
 #include "host/builtins/file/scene_files.h"
+#include "host/cmd/loop.h"
 #include "host/edits/duplicate.h"
 #include "host/edits/remove.h"
+#include "host/window/hotkey_table.h"
 #include "host/window/menus.h"
 #include "host/workspace/edit_hooks.h"
+#include "host/workspace/panes.h"
 #include "host/workspace/workspace.h"
 
 namespace host::window {
@@ -41,6 +44,17 @@ QString text(std::string_view plain) {
 const std::array<std::string, 4> kPanels = {"modelPanel1", "modelPanel4", "modelPanel3",
                                             "modelPanel2"};
 
+constexpr const char* kRecent = "RecentFilesList";
+
+QStringList recentFiles(cmd::Session& session) {
+  QStringList names;
+  const cmd::OptionVars::Value* kept = session.optionVars().find(kRecent);
+  const auto* files = kept ? std::get_if<std::vector<std::string>>(kept) : nullptr;
+  if (files)
+    for (const std::string& file : *files) names.push_back(text(file));
+  return names;
+}
+
 }  // namespace
 
 MainWindow::MainWindow(Person& person) : person_(person) {
@@ -49,11 +63,18 @@ MainWindow::MainWindow(Person& person) : person_(person) {
   setObjectName("MayaWindow");
   setDockOptions(AnimatedDocks | AllowTabbedDocks | AllowNestedDocks);
   buildViews();
+  buildShelf();
   buildPanels();
   buildMenus();
   showMessages();
-  showProgress();
+  work_ = std::make_unique<WorkBar>(person_, *statusBar());
+  restoreLayout();
+  connect(&recovery_, &QTimer::timeout, this, [this] { keepRecovery(); });
+  builtins::Recovery& recovery = workspaceOf(person_.session()).kept<builtins::Recovery>();
+  recovery.isEnabled = true;
+  recovery_.start(1000);
   looking_ = person_.looked.connect([this](Person::Parts parts) {
+    tools_->follow();
     if ((parts & Person::kPanels) != 0) follow();
   });
   workspaceOf(person_.session()).applicationWindow = reinterpret_cast<void*>(winId());
@@ -63,7 +84,6 @@ MainWindow::MainWindow(Person& person) : person_(person) {
 MainWindow::~MainWindow() {
   workspaceOf(person_.session()).applicationWindow = nullptr;
   setMessageSink(std::move(sinkBefore_));
-  setProgressSink({});
 }
 
 void MainWindow::buildViews() {
@@ -77,17 +97,113 @@ void MainWindow::buildViews() {
     grid->addWidget(view, static_cast<int>(i / 2), static_cast<int>(i % 2));
   }
   setCentralWidget(center_);
-  showViews(false);
+  followPanes();
 }
 
-void MainWindow::showViews(bool showsAll) {
-  showsAll_ = showsAll;
-  const std::string& active = workspaceOf(person_.session()).views.active().panel;
-  for (const auto& [panel, view] : views_) view->setVisible(showsAll || panel == active);
+/// The views that the layout of panels has, each at its place among four.
+void MainWindow::followPanes() {
+  workspace::Workspace& work = workspaceOf(person_.session());
+  std::vector<std::string> now = workspace::visiblePanels(work);
+  if (now == panes_) return;
+  panes_ = std::move(now);
+  const auto shows = [&](std::size_t place) {
+    return std::ranges::find(panes_, kPanels[place]) != panes_.end();
+  };
   auto* grid = static_cast<QGridLayout*>(center_->layout());
+  for (std::size_t i = 0; i < kPanels.size(); ++i) views_[kPanels[i]]->setVisible(shows(i));
   for (int i = 0; i < 2; ++i) {
-    grid->setRowStretch(i, showsAll ? 1 : 0);
-    grid->setColumnStretch(i, showsAll ? 1 : 0);
+    const auto at = static_cast<std::size_t>(i);
+    grid->setRowStretch(i, shows(2 * at) || shows(2 * at + 1) ? 1 : 0);
+    grid->setColumnStretch(i, shows(at) || shows(at + 2) ? 1 : 0);
+  }
+  // The one that a person works in is in sight.
+  if (!panes_.empty() && std::ranges::find(panes_, work.views.active().panel) == panes_.end())
+    work.views.setActive(panes_.front());
+}
+
+void MainWindow::buildShelf() {
+  shelfBar_ = new QToolBar(tr("Shelf"), this);
+  shelfBar_->setObjectName("shelfBar");
+  addToolBar(shelfBar_);
+  addToolBarBreak();
+  tools_ = new ToolBar(person_, this);
+  addToolBar(tools_);
+  followShelf();
+}
+
+/// The shelves of scripts, when there are some.
+void MainWindow::followShelf() {
+  const auto shelf = workspaceOf(person_.session()).controls.find("ShelfLayout");
+  const bool hasButtons = shelf && !(*shelf)->children.empty();
+  if (hasButtons && !shelf_) {
+    shelf_ = new LayoutWindow(person_, **shelf, shelfBar_);
+    constexpr int kHeight = 74;
+    shelf_->setFixedHeight(kHeight);
+    shelf_->setMinimumWidth(600);
+    shelf_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    shelfBar_->addWidget(shelf_);
+  }
+  shelfBar_->setVisible(hasButtons);
+  if (shelf_ && hasButtons) shelf_->follow();
+}
+
+void MainWindow::restoreLayout() {
+  const cmd::OptionVars& kept = person_.session().optionVars();
+  const auto bytes = [&](const char* name) {
+    const cmd::OptionVars::Value* value = kept.find(name);
+    const auto* text = value ? std::get_if<std::string>(value) : nullptr;
+    return text ? QByteArray::fromBase64(QByteArray::fromStdString(*text)) : QByteArray();
+  };
+  // What is damaged or of another version is passed over by both.
+  if (const QByteArray geometry = bytes("mainWindowGeometry"); !geometry.isEmpty())
+    restoreGeometry(geometry);
+  if (const QByteArray state = bytes("mainWindowState"); !state.isEmpty()) restoreState(state);
+  HotkeyTable::restore(person_.session());
+}
+
+void MainWindow::storeLayout() {
+  cmd::OptionVars& kept = person_.session().optionVars();
+  kept.set("mainWindowGeometry", saveGeometry().toBase64().toStdString());
+  kept.set("mainWindowState", saveState().toBase64().toStdString());
+  HotkeyTable::store(person_.session());
+}
+
+/// Writes the recovery file when it is due and nobody is in the middle of something.
+void MainWindow::keepRecovery() {
+  builtins::Recovery& recovery = workspaceOf(person_.session()).kept<builtins::Recovery>();
+  const double now = person_.session().loop().now();
+  if (!recovery.isEnabled || now < recoveryDue_) return;
+  if (person_.hand().isDown() || person_.isBusy || QApplication::activeModalWidget()) return;
+  recoveryDue_ = now + recovery.intervalSeconds;
+  cmd::Context context{person_.session(), person_.document()};
+  if (const auto kept = recovery.keep(context); !kept)
+    postMessage(MessageKind::Warning,
+                "The recovery file could not be written: " + kept.error().message);
+}
+
+void MainWindow::offerRecovery() {
+  builtins::Recovery& recovery = workspaceOf(person_.session()).kept<builtins::Recovery>();
+  for (const builtins::Leftover& left : recovery.leftovers()) {
+    QMessageBox box(
+        QMessageBox::Question, tr("Recovery"),
+        tr("The program ended with unsaved work: %1.")
+            .arg(left.original.empty() ? tr("a scene without a name") : text(left.original)),
+        QMessageBox::NoButton, this);
+    box.setInformativeText(
+        tr("It was kept at %1.")
+            .arg(QFileInfo(text(left.scene.string())).lastModified().toString(Qt::TextDate)));
+    const QPushButton* take = box.addButton(tr("&Recover"), QMessageBox::AcceptRole);
+    const QPushButton* drop = box.addButton(tr("&Discard"), QMessageBox::DestructiveRole);
+    box.addButton(tr("&Later"), QMessageBox::RejectRole);
+    box.exec();
+    if (box.clickedButton() == drop) builtins::Recovery::discard(left);
+    if (box.clickedButton() != take) continue;
+    if (!mayDropScene()) continue;
+    cmd::Context context{person_.session(), person_.document()};
+    if (const auto done = recovery.takeUp(context, left); !done)
+      postMessage(MessageKind::Error, done.error().message);
+    person_.lookSoon();
+    return;  // one scene at a time; the others are offered again
   }
 }
 
@@ -115,18 +231,15 @@ void MainWindow::buildPanels() {
   resizeDocks({docks[4]}, {170}, Qt::Vertical);
   panelsMenu_ = new QMenu(tr("Panels"), this);
   QAction* four = panelsMenu_->addAction(tr("One or Four Views"));
-  connect(four, &QAction::triggered, this, [this] { showViews(!showsAll_); });
+  four->setShortcut({});
+  connect(four, &QAction::triggered, this, [this] { person_.runNamed("PanePopNameCommand"); });
   panelsMenu_->addSeparator();
   for (QDockWidget* each : docks) panelsMenu_->addAction(each->toggleViewAction());
 
   help_ = new QLabel(this);
   help_->setObjectName("helpLine");
   help_->setAccessibleName("helpLine");
-  progress_ = new QProgressBar(this);
-  progress_->setMaximumWidth(220);
-  progress_->hide();
   statusBar()->addWidget(help_, 1);
-  statusBar()->addPermanentWidget(progress_);
 }
 
 void MainWindow::buildMenus() {
@@ -154,7 +267,7 @@ void MainWindow::buildFileMenu() {
   QMenu* recent = file->addMenu(tr("Recent"));
   connect(recent, &QMenu::aboutToShow, this, [this, recent] {
     recent->clear();
-    for (const QString& name : QSettings("qxmt", "qxmt").value("recent").toStringList())
+    for (const QString& name : recentFiles(person_.session()))
       connect(recent->addAction(name), &QAction::triggered, this, [this, name] {
         if (mayDropScene()) open(name);
       });
@@ -194,6 +307,7 @@ void MainWindow::buildEditMenu() {
   add(tr("Undo"), QKeySequence("Ctrl+Z"), [this] { person_.undo(); });
   add(tr("Redo"), QKeySequence("Ctrl+Shift+Z"), [this] { person_.redo(); });
   edit->addSeparator();
+  add(tr("Hot Keys..."), {}, [this] { (new HotkeyTable(person_, this))->show(); });
   add(tr("Delete"), QKeySequence::Delete, [this] {
     person_.edit("delete", [this] {
       return edits::remove(person_.document(), person_.document().selection());
@@ -263,6 +377,8 @@ void MainWindow::follow() {
   undo_->follow();
   if (uvs_->isVisible()) uvs_->follow();
   followScriptMenus();
+  followPanes();
+  followShelf();
   followWindows();
 }
 
@@ -283,17 +399,6 @@ void MainWindow::showMessages() {
     help_->setStyleSheet(kind == MessageKind::Error     ? "color: #ff6e64"
                          : kind == MessageKind::Warning ? "color: #e6be50"
                                                         : "");
-  });
-}
-
-void MainWindow::showProgress() {
-  setProgressSink([this](std::string_view what, double part, bool hasEnded) {
-    if (QThread::currentThread() != thread()) return;
-    progress_->setVisible(!hasEnded);
-    progress_->setRange(0, part < 0 ? 0 : 1000);
-    if (part >= 0) progress_->setValue(static_cast<int>(1000 * part));
-    progress_->setFormat(text(what) + " %p%");
-    statusBar()->repaint();
   });
 }
 
@@ -325,12 +430,17 @@ void MainWindow::open(const QString& file) {
     return {};
   });
   if (!isDone) return;
-  QSettings settings("qxmt", "qxmt");
-  QStringList recent = settings.value("recent").toStringList();
+  remember(file);
+}
+
+void MainWindow::remember(const QString& file) {
+  QStringList recent = recentFiles(person_.session());
   recent.removeAll(file);
   recent.prepend(file);
-  while (recent.size() > 10) recent.removeLast();
-  settings.setValue("recent", recent);
+  constexpr int kMost = 10;
+  std::vector<std::string> names;
+  for (const QString& name : recent.mid(0, kMost)) names.push_back(name.toStdString());
+  person_.session().optionVars().set(kRecent, names);
 }
 
 bool MainWindow::save() {
@@ -363,6 +473,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
   }
   if (!session.isQuitting) session.scriptJobs().triggerEvent("quitApplication");
   session.isQuitting = true;
+  storeLayout();
   windows_.clear();
   event->accept();
 }

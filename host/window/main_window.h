@@ -2,7 +2,7 @@
 
 #include <QLabel>
 #include <QMainWindow>
-#include <QProgressBar>
+#include <QTimer>
 #include <map>
 #include <memory>
 #include <string>
@@ -10,7 +10,9 @@
 #include "host/window/layout_window.h"
 #include "host/window/scene_panels.h"
 #include "host/window/script_panel.h"
+#include "host/window/tool_bar.h"
 #include "host/window/uv_view.h"
+#include "host/window/work_bar.h"
 
 namespace host::window {
 
@@ -20,9 +22,8 @@ class MainWindow : public QMainWindow {
  public:
   explicit MainWindow(Person& person);
   ~MainWindow() override;
-  /// One view, the active one, or all four; the space bar's work.
-  void showViews(bool showsAll);
-  [[nodiscard]] bool showsAllViews() const { return showsAll_; }
+  /// Offers to take up what a run that crashed left; once the window stands.
+  void offerRecovery();
 
   // What the File menu does. A failure is shown and nothing has changed.
   bool mayDropScene();  ///< asks about unsaved work; whether it may go
@@ -42,11 +43,17 @@ class MainWindow : public QMainWindow {
   void buildEditMenu();
   void buildPanels();
   void buildViews();
+  void buildShelf();
+  void restoreLayout();
+  void storeLayout();
+  void remember(const QString& file);
+  void keepRecovery();
+  void followPanes();
+  void followShelf();
   void follow();
   void followScriptMenus();
   void followWindows();
   void showMessages();
-  void showProgress();
   [[nodiscard]] QString sceneName() const;
 
   Person& person_;
@@ -61,11 +68,16 @@ class MainWindow : public QMainWindow {
   ScriptPanel* scripts_ = nullptr;
   UvView* uvs_ = nullptr;
   QLabel* help_ = nullptr;
-  QProgressBar* progress_ = nullptr;
+  ToolBar* tools_ = nullptr;
+  QToolBar* shelfBar_ = nullptr;
+  LayoutWindow* shelf_ = nullptr;
+  std::unique_ptr<WorkBar> work_;
+  QTimer recovery_;
+  double recoveryDue_ = 0;
   QMenu* panelsMenu_ = nullptr;
   Connection looking_;
   MessageSink sinkBefore_;
-  bool showsAll_ = false;
+  std::vector<std::string> panes_;  ///< the panels that show
 };
 
 }  // namespace host::window

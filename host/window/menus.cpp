@@ -2,6 +2,8 @@
 
 #include "host/ui/behaviours.h"
 #include "host/window/control_widget.h"
+#include "host/window/icons.h"
+#include "host/workspace/last_command.h"
 #include "host/workspace/workspace.h"
 
 namespace host::window {
@@ -53,8 +55,14 @@ void addItem(Person& person, QMenu& menu, const Control& item) {
     action->setCheckable(true);
     action->setChecked(item.collection && item.collection->selected == &item);
   }
+  action->setIcon(iconFor(item.type->find("image") ? item.text("image") : std::string()));
   QObject::connect(action, &QAction::triggered, action, [&person, path = ui::Tree::path(item)] {
-    if (const auto found = treeOf(person).find(path)) actOn(person, **found, {});
+    const auto found = treeOf(person).find(path);
+    if (!found) return;
+    if (const std::string line = (*found)->text("command"); !line.empty())
+      workspace::workspaceOf(person.session()).kept<workspace::LastCommand>() = {
+          line, (*found)->text("label")};
+    actOn(person, **found, {});
   });
 }
 

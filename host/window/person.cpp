@@ -3,6 +3,7 @@
 #include <QTimer>
 #include <utility>
 
+#include "host/base/cancel.h"
 #include "host/base/messages.h"
 #include "host/builtins/ui/control_values.h"
 #include "host/cmd/loop.h"
@@ -24,6 +25,7 @@ Person::Person(cmd::Session& session)
 }
 
 bool Person::edit(std::string_view name, const std::function<Result<void>()>& edits) {
+  clearCancel();
   const auto done = session_.dispatcher().recordStep(name, edits);
   if (!done) postMessage(MessageKind::Error, done.error().message);
   lookSoon();
@@ -33,6 +35,13 @@ bool Person::edit(std::string_view name, const std::function<Result<void>()>& ed
 void Person::runCallbacks(const std::vector<std::string>& scripts) {
   cmd::Context context{session_, session_.document()};
   builtins::runCallbacks(context, scripts);
+  lookSoon();
+}
+
+void Person::runNamed(const std::string& command) {
+  const auto& commands = workspace::workspaceOf(session_).hotkeys.commands;
+  if (const auto found = commands.find(command); found != commands.end())
+    (void)session_.executeLine(found->second.line);
   lookSoon();
 }
 

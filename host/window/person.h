@@ -27,6 +27,8 @@ class Person {
   bool edit(std::string_view name, const std::function<Result<void>()>& edits);
   /// Runs what a control's action set off; an error is shown.
   void runCallbacks(const std::vector<std::string>& scripts);
+  /// Runs a command of the hot key table; an error is shown.
+  void runNamed(const std::string& command);
   /// Takes back, or does again.
   void undo();
   void redo();
@@ -41,6 +43,8 @@ class Person {
   Signal<Parts> looked;
   /// Whether nothing waits to be looked at.
   [[nodiscard]] bool isQuiet() const { return looking_ == 0; }
+  /// Something works just now and lets the screen be drawn meanwhile: what is shown stays as it is.
+  bool isBusy = false;
   /// Counts what was looked at, for programs that wait for the window.
   [[nodiscard]] std::uint64_t lookCount() const { return lookCount_; }
 

@@ -4,10 +4,7 @@
 
 #include <QApplication>
 #include <QFile>
-#include <QInputDialog>
-#include <QMessageBox>
 #include <QPalette>
-#include <QPushButton>
 #include <QSaveFile>
 #include <QStyleFactory>
 #include <QTimer>
@@ -15,6 +12,7 @@
 #include <cmath>
 
 #include "host/cmd/loop.h"
+#include "host/window/dialogs.h"
 #include "host/window/main_window.h"
 #include "host/workspace/workspace.h"
 
@@ -96,32 +94,6 @@ class StateFile {
   Connection looking_;
 };
 
-workspace::Dialogs::Answer askPerson(QWidget* over, const workspace::Dialogs::Question& question) {
-  const QString title = QString::fromStdString(question.title);
-  const QString message = QString::fromStdString(question.message);
-  workspace::Dialogs::Answer answer;
-  if (question.wantsText) {
-    bool isDone = false;
-    const QString text = QInputDialog::getText(over, title, message, QLineEdit::Normal,
-                                               QString::fromStdString(question.text), &isDone);
-    answer.text = text.toStdString();
-    if (isDone)
-      answer.button = !question.defaultButton.empty() ? question.defaultButton
-                      : question.buttons.empty()      ? std::string("OK")
-                                                      : question.buttons.front();
-    return answer;
-  }
-  QMessageBox box(QMessageBox::NoIcon, title, message, QMessageBox::NoButton, over);
-  for (const std::string& label :
-       question.buttons.empty() ? std::vector<std::string>{"Confirm"} : question.buttons) {
-    QPushButton* button = box.addButton(QString::fromStdString(label), QMessageBox::AcceptRole);
-    if (label == question.defaultButton) box.setDefaultButton(button);
-  }
-  box.exec();
-  if (box.clickedButton()) answer.button = box.clickedButton()->text().toStdString();
-  return answer;
-}
-
 void makeDark(QApplication& application) {
   application.setStyle(QStyleFactory::create("Fusion"));
   QPalette palette;
@@ -172,15 +144,13 @@ int runWindow(cmd::Session& session) {
   });
   Person person(session);
   MainWindow window(person);
-  workspace::workspaceOf(session).dialogs.ask = [&window](const auto& question) {
-    return askPerson(&window, question);
-  };
+  const DialogHost dialogs(person, window);
   const Stepper stepper(person);
   const StateFile state(person, window, qEnvironmentVariable("QXMT_WINDOW_STATE"));
   window.show();
   person.lookSoon();
+  QTimer::singleShot(0, &window, [&window] { window.offerRecovery(); });
   QApplication::exec();
-  workspace::workspaceOf(session).dialogs.ask = {};
   return session.exitStatus;
 }
 

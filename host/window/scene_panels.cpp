@@ -1,9 +1,12 @@
 #include "host/window/scene_panels.h"
 
 #include <QDropEvent>
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QScrollBar>
 #include <QTreeWidgetItemIterator>
 #include <algorithm>
+#include <cmath>
 #include <unordered_set>
 
 #include "host/base/messages.h"
@@ -228,6 +231,58 @@ void AttributePanel::follow() {
   show(rows);
   isFollowing_ = false;
   *shown_ = std::move(rows);
+}
+
+void AttributePanel::mousePressEvent(QMouseEvent* event) {
+  QTreeWidgetItem* item = itemAt(event->position().toPoint());
+  const bool isNumber = item && (item->flags() & Qt::ItemIsEditable) != 0;
+  if (event->button() != Qt::MiddleButton || !isNumber) return QTreeWidget::mousePressEvent(event);
+  const std::string name = item->data(0, kNameRole).toString().toStdString();
+  scene::Document& document = person_.document();
+  const auto plug = document.plug(name);
+  if (!plug || plug->attribute()->type == dg::AttributeType::String) return;
+  bool isRead = false;
+  drag_ = {name, item->text(1).toDouble(&isRead), event->position().x(), false, nullptr};
+  if (!isRead) return;
+  using Type = dg::AttributeType;
+  const Type type = plug->attribute()->type;
+  drag_.isWhole = type != Type::Double && type != Type::Float && type != Type::Distance &&
+                  type != Type::Angle && type != Type::Time;
+  drag_.gesture = std::make_unique<edits::Gesture>(document, steps_, "setAttr");
+  setCursor(Qt::SizeHorCursor);
+}
+
+void AttributePanel::mouseMoveEvent(QMouseEvent* event) {
+  if (!drag_.gesture) return QTreeWidget::mouseMoveEvent(event);
+  const bool isCoarse = (event->modifiers() & Qt::ShiftModifier) != 0;
+  const bool isFine = (event->modifiers() & Qt::ControlModifier) != 0;
+  const double step = (isCoarse ? 10 : isFine ? 0.1 : 1) * (drag_.isWhole ? 0.1 : 0.01);
+  double value = drag_.begin + (event->position().x() - drag_.x) * step;
+  if (drag_.isWhole) value = std::round(value);
+  scene::Document& document = person_.document();
+  const auto done = drag_.gesture->preview([&]() -> Result<void> {
+    const auto plug = document.plug(drag_.plug);
+    if (!plug) return failWith(plug.error());
+    return cmd::writeLeaf(document.graph(), document.units(), *plug, mel::Value(value));
+  });
+  if (!done) postMessage(MessageKind::Warning, done.error().message);
+  person_.lookSoon();
+}
+
+void AttributePanel::mouseReleaseEvent(QMouseEvent* event) {
+  if (!drag_.gesture) return QTreeWidget::mouseReleaseEvent(event);
+  drag_.gesture->commit();
+  drag_.gesture.reset();
+  unsetCursor();
+  person_.lookSoon();
+}
+
+void AttributePanel::keyPressEvent(QKeyEvent* event) {
+  if (!drag_.gesture || event->key() != Qt::Key_Escape) return QTreeWidget::keyPressEvent(event);
+  drag_.gesture->cancel();
+  drag_.gesture.reset();
+  unsetCursor();
+  person_.lookSoon();
 }
 
 void AttributePanel::change(QTreeWidgetItem* item) {

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "host/edits/gesture.h"
+#include "host/tools/session_steps.h"
 #include "host/window/person.h"
 
 namespace host::window {
@@ -28,20 +30,37 @@ class Outliner : public QTreeWidget {
   bool isFollowing_ = false;
 };
 
-/// The attributes of what is selected and of the nodes in its history, to be looked at and changed.
+/// The attributes of what is selected and of the nodes in its history, to be looked at and changed:
+/// by a double click, or numbers by dragging them with the middle button, one step of undo however
+/// far; Shift is coarser, Ctrl finer, Escape lets go.
 class AttributePanel : public QTreeWidget {
  public:
   explicit AttributePanel(Person& person, QWidget* parent = nullptr);
   ~AttributePanel() override;
   void follow();
 
+ protected:
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
  private:
   struct Row;
+  /// A number that is being dragged.
+  struct Drag {
+    std::string plug;
+    double begin = 0, x = 0;
+    bool isWhole = false;  ///< counts whole steps
+    std::unique_ptr<edits::Gesture> gesture;
+  };
   void readNode(dg::Node& node, std::vector<Row>& rows);
   void show(const std::vector<Row>& rows);
   void change(QTreeWidgetItem* item);
   Person& person_;
+  tools::SessionSteps steps_;
   std::unique_ptr<std::vector<Row>> shown_;
+  Drag drag_;
   bool isFollowing_ = false;
 };
 

@@ -105,7 +105,7 @@ void ViewWidget::render() {
 }
 
 void ViewWidget::paintEvent(QPaintEvent*) {
-  if (isStale_) render();
+  if (isStale_ && !person_.isBusy) render();
   QPainter painter(this);
   if (picture_.isNull()) {
     painter.fillRect(rect(), QColor(60, 63, 68));
@@ -172,6 +172,7 @@ void ViewWidget::mousePressEvent(QMouseEvent* event) {
   setFocus();
   // A second button of a gesture belongs to it.
   if (person_.hand().isDown()) return;
+  if (!isPenDown_) forgetPen();
   act(Act::Press, event->position(), event->button(), event->modifiers());
 }
 
@@ -185,6 +186,7 @@ void ViewWidget::mouseReleaseEvent(QMouseEvent* event) {
   if (!person_.hand().isDown() || person_.hand().state().button != buttonFor(event->button()))
     return;
   act(Act::Release, event->position(), event->button(), event->modifiers());
+  forgetPen();
 }
 
 void ViewWidget::wheelEvent(QWheelEvent* event) {
@@ -198,11 +200,21 @@ void ViewWidget::wheelEvent(QWheelEvent* event) {
 }
 
 void ViewWidget::tabletEvent(QTabletEvent* event) {
-  // The mouse event that follows takes them along.
-  pressure_ = event->type() == QEvent::TabletRelease ? 1 : event->pressure();
-  tiltX_ = event->xTilt();
-  tiltY_ = event->yTilt();
+  // The mouse event that follows takes them along. A pen that lifts reports no pressure any more:
+  // its release has what it pressed with last, and what hovers is no mouse that presses softly.
+  if (event->type() == QEvent::TabletPress) isPenDown_ = true;
+  if (event->type() == QEvent::TabletRelease) isPenDown_ = false;
+  if (isPenDown_) {
+    pressure_ = event->pressure();
+    tiltX_ = event->xTilt();
+    tiltY_ = -event->yTilt();  // Qt's grows towards the user
+  }
   event->ignore();
+}
+
+void ViewWidget::forgetPen() {
+  pressure_ = 1;
+  tiltX_ = tiltY_ = 0;
 }
 
 void ViewWidget::keyPressEvent(QKeyEvent* event) {

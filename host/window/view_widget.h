@@ -34,12 +34,14 @@ class ViewWidget : public QWidget {
   enum class Act { Press, Drag, Release, Hover };
   void act(Act what, QPointF at, Qt::MouseButton button, Qt::KeyboardModifiers modifiers);
   void render();
+  void forgetPen();
 
   Person& person_;
   std::string panel_, fault_;
   QImage picture_;
   Connection looking_;
-  double pressure_ = 1, tiltX_ = 0, tiltY_ = 0;
+  double pressure_ = 1, tiltX_ = 0, tiltY_ = 0;  ///< of the pen, while it presses
+  bool isPenDown_ = false;
   bool isStale_ = true;
 };
 

@@ -6,23 +6,78 @@
 namespace host::workspace {
 namespace {
 
-struct FactoryKey {
-  const char *key, *name, *line, *annotation;
-  bool isWithControl = false;
+struct FactoryCommand {
+  const char *name, *line, *annotation;
+};
+const std::array kFactory{
+    FactoryCommand{"SelectToolMarkingMenuNameCommand", "setToolTo selectSuperContext",
+                   "Select tool"},
+    FactoryCommand{"TranslateToolWithSnapMarkingMenuNameCommand", "setToolTo moveSuperContext",
+                   "Move tool"},
+    FactoryCommand{"RotateToolWithSnapMarkingMenuNameCommand", "setToolTo RotateSuperContext",
+                   "Rotate tool"},
+    FactoryCommand{"ScaleToolWithSnapMarkingMenuNameCommand", "setToolTo scaleSuperContext",
+                   "Scale tool"},
+    FactoryCommand{"NameComUndo", "undo", "Undo the last action"},
+    FactoryCommand{"NameComRedo", "redo", "Redo what was undone"},
+    FactoryCommand{"RepeatLastNameCommand", "repeatLast", "Repeat the last command of a menu"},
+    FactoryCommand{"NameComDuplicate", "duplicate -renameChildren", "Duplicate what is selected"},
+    FactoryCommand{"FrameSelectedNameCommand", "viewFit", "Frame what is selected, or all"},
+    FactoryCommand{"FrameAllNameCommand", "viewFit -allObjects", "Frame everything"},
+    FactoryCommand{"PanePopNameCommand", "panePop", "One view or all four"},
+    FactoryCommand{"DisplayWireframeNameCommand",
+                   "modelEditor -edit -displayAppearance \"wireframe\" `getPanel -withFocus`",
+                   "Wireframe"},
+    FactoryCommand{"DisplayShadedNameCommand",
+                   "modelEditor -edit -displayAppearance \"smoothShaded\" -displayTextures 0 "
+                   "`getPanel -withFocus`",
+                   "Shaded"},
+    FactoryCommand{"DisplayShadedAndTexturedNameCommand",
+                   "modelEditor -edit -displayAppearance \"smoothShaded\" -displayTextures 1 "
+                   "`getPanel -withFocus`",
+                   "Shaded with textures"},
+    FactoryCommand{"DisplayLightsNameCommand",
+                   "modelEditor -edit -displayLights \"all\" `getPanel -withFocus`",
+                   "The scene's lights"},
+    FactoryCommand{"ToggleSelectModeNameCommand",
+                   "if (`selectMode -q -object`) selectMode -component; else selectMode -object;",
+                   "Objects or components"},
+    FactoryCommand{"SelectVertexNameCommand",
+                   "selectMode -component; selectType -allComponents 0; selectType -vertex 1;",
+                   "Pick vertices"},
+    FactoryCommand{"SelectEdgeNameCommand",
+                   "selectMode -component; selectType -allComponents 0; selectType -edge 1;",
+                   "Pick edges"},
+    FactoryCommand{"SelectFaceNameCommand",
+                   "selectMode -component; selectType -allComponents 0; selectType -facet 1;",
+                   "Pick faces"},
 };
 
-constexpr std::array kFactory{FactoryKey{"q", "SelectToolMarkingMenuNameCommand",
-                                         "setToolTo selectSuperContext", "Select tool"},
-                              FactoryKey{"w", "TranslateToolWithSnapMarkingMenuNameCommand",
-                                         "setToolTo moveSuperContext", "Move tool"},
-                              FactoryKey{"e", "RotateToolWithSnapMarkingMenuNameCommand",
-                                         "setToolTo RotateSuperContext", "Rotate tool"},
-                              FactoryKey{"r", "ScaleToolWithSnapMarkingMenuNameCommand",
-                                         "setToolTo scaleSuperContext", "Scale tool"},
-                              FactoryKey{"z", "NameComUndo", "undo", "Undo the last action"},
-                              FactoryKey{"z", "NameComUndo", "undo", "Undo the last action", true},
-                              FactoryKey{"Z", "NameComRedo", "redo", "Redo what was undone"},
-                              FactoryKey{"y", "NameComRedo", "redo", "Redo what was undone", true}};
+struct FactoryKey {
+  const char *key, *name;
+  bool isWithControl = false;
+};
+constexpr std::array kFactoryKeys{FactoryKey{"q", "SelectToolMarkingMenuNameCommand"},
+                                  FactoryKey{"w", "TranslateToolWithSnapMarkingMenuNameCommand"},
+                                  FactoryKey{"e", "RotateToolWithSnapMarkingMenuNameCommand"},
+                                  FactoryKey{"r", "ScaleToolWithSnapMarkingMenuNameCommand"},
+                                  FactoryKey{"z", "NameComUndo"},
+                                  FactoryKey{"z", "NameComUndo", true},
+                                  FactoryKey{"Z", "NameComRedo"},
+                                  FactoryKey{"y", "NameComRedo", true},
+                                  FactoryKey{"g", "RepeatLastNameCommand"},
+                                  FactoryKey{"d", "NameComDuplicate", true},
+                                  FactoryKey{"f", "FrameSelectedNameCommand"},
+                                  FactoryKey{"a", "FrameAllNameCommand"},
+                                  FactoryKey{"Space", "PanePopNameCommand"},
+                                  FactoryKey{"4", "DisplayWireframeNameCommand"},
+                                  FactoryKey{"5", "DisplayShadedNameCommand"},
+                                  FactoryKey{"6", "DisplayShadedAndTexturedNameCommand"},
+                                  FactoryKey{"7", "DisplayLightsNameCommand"},
+                                  FactoryKey{"F8", "ToggleSelectModeNameCommand"},
+                                  FactoryKey{"F9", "SelectVertexNameCommand"},
+                                  FactoryKey{"F10", "SelectEdgeNameCommand"},
+                                  FactoryKey{"F11", "SelectFaceNameCommand"}};
 
 }  // namespace
 
@@ -34,13 +89,14 @@ KeyStroke KeyStroke::of(const tools::InputEvent& event) {
 }
 
 Hotkeys::Hotkeys() {
-  for (const FactoryKey& each : kFactory) commands[each.name] = {each.annotation, each.line, true};
+  for (const FactoryCommand& each : kFactory)
+    commands[each.name] = {each.annotation, each.line, true};
   bindFactory();
 }
 
 void Hotkeys::bindFactory() {
   bindings.clear();
-  for (const FactoryKey& each : kFactory)
+  for (const FactoryKey& each : kFactoryKeys)
     bindings[{each.key, false, each.isWithControl, false}].press = each.name;
 }
 

@@ -175,7 +175,23 @@ Result<void> Recordings::start(const std::string& file) {
   if (recorder_) return fail("'{}' is being recorded; stop it first.", file_);
   if (file.empty()) return fail("Name the file that the recording goes to.");
   file_ = file;
-  recorder_ = std::make_unique<tools::Recorder>(session_, workspace_.toolbox, ofNow());
+  // A plug-in's tool may turn cameras its own way while it is in hand, and finds out at its start
+  // what to go back to. So it is taken anew, as it is where the recording plays, and what cameras
+  // did without it comes before it.
+  tools::ToolRegistry& toolbox = workspace_.toolbox;
+  const std::string tool = toolbox.currentName(), with = settingsOfTumble(toolbox.tumble);
+  std::string without = with;
+  if (!toolbox.isBuiltin(tool) && !(workspace_.hand.hand && workspace_.hand.hand->isDown())) {
+    HOST_TRY(toolbox.setCurrent(std::string(tools::ToolRegistry::kSelect)));
+    without = settingsOfTumble(toolbox.tumble);
+    HOST_TRY(toolbox.setCurrent(tool));
+  }
+  Recording begun = ofNow();
+  if (without != with) {
+    std::ranges::replace(begun.settings, settingsOfTumble(toolbox.tumble), without);
+    begun.toolSettings.insert(begun.toolSettings.begin(), with);
+  }
+  recorder_ = std::make_unique<tools::Recorder>(session_, toolbox, std::move(begun));
   return {};
 }
 

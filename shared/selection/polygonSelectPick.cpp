@@ -1,4 +1,5 @@
 #include <maya/M3dView.h>
+#include <maya/MBoundingBox.h>
 #include <maya/MFloatPoint.h>
 #include <maya/MFloatPointArray.h>
 #include <maya/MFloatVector.h>
@@ -37,6 +38,7 @@ class cursorPick {
     accelerator = MFnMesh::autoUniformGridParams();
     if (status != MS::kSuccess) return;
     lookAround(reach);
+    lookAlong(reach);
     sightLine line;
     if (isSolid && !faces.empty() && sight(x, y, line))
       blockers = sightBlockers(path, line, (reach + 1.0) * projector.worldPerPixel(farthest));
@@ -127,15 +129,60 @@ class cursorPick {
         if (sight(x + ring.radius * std::cos(angle), y + ring.radius * std::sin(angle), line))
           look(line, ring.radius == 0);
       }
-    if (centreFace >= 0) {
-      // Where faces are smaller than pixels the nearest vertex may be a neighbour's.
-      MItMeshPolygon polygon(path);
-      int before = 0;
-      MIntArray around;
-      if (polygon.setIndex(centreFace, before) == MS::kSuccess) polygon.getConnectedFaces(around);
-      for (unsigned int i = 0; i < around.length(); ++i) faces.push_back(around[i]);
-    }
+    // Where faces are smaller than pixels the nearest vertex may be a neighbour's.
+    if (centreFace >= 0) addNeighbours(centreFace);
     makeSortedUnique(faces);
+  }
+
+  void addNeighbours(int face) {
+    MItMeshPolygon polygon(path);
+    int before = 0;
+    MIntArray around;
+    if (polygon.setIndex(face, before) == MS::kSuccess) polygon.getConnectedFaces(around);
+    for (unsigned int i = 0; i < around.length(); ++i) faces.push_back(around[i]);
+  }
+
+  /// Finds what is nearest to the eye of a flat mesh that is seen along its faces: lines of sight
+  /// miss these, or meet any of them by chance.
+  void lookAlong(double reach) {
+    sightLine line;
+    if (!isSeenAsLine() || !sight(x, y, line)) return;
+    MPoint from = line.start, found;
+    int face = -1;
+    for (int i = 0; i < 3; ++i) {
+      if (meshFn.getClosestPoint(from, found, MSpace::kWorld, &face) != MS::kSuccess) return;
+      from = line.start + line.direction * std::max(0.0, (found - line.start) * line.direction);
+    }
+    const viewPlace at = projector.project(found);
+    if (at.isClipped || std::hypot(at.x - x, at.y - y) > reach + 1.0) return;
+    faces.push_back(face);
+    addNeighbours(face);
+    makeSortedUnique(faces);
+    farthest = at.depth;
+  }
+
+  /// Whether the mesh's box shows no wider than a pixel.
+  bool isSeenAsLine() const {
+    const MBoundingBox box = meshFn.boundingBox();
+    const MMatrix toWorld = path.inclusiveMatrix();
+    std::vector<viewPlace> places;
+    for (int i = 0; i < 8; ++i) {
+      const MPoint corner((i & 1 ? box.max() : box.min()).x, (i & 2 ? box.max() : box.min()).y,
+                          (i & 4 ? box.max() : box.min()).z);
+      places.push_back(projector.project(corner * toWorld));
+      if (places.back().isClipped) return false;
+    }
+    const auto apart = [](const viewPlace& a, const viewPlace& b) {
+      return std::hypot(a.x - b.x, a.y - b.y);
+    };
+    const viewPlace& a = places[0];
+    const viewPlace& b = *std::max_element(
+        places.begin(), places.end(),
+        [&](const viewPlace& p, const viewPlace& q) { return apart(a, p) < apart(a, q); });
+    const double length = apart(a, b);
+    return length > 0.0 && std::all_of(places.begin(), places.end(), [&](const viewPlace& p) {
+             return std::fabs((p.x - a.x) * (b.y - a.y) - (p.y - a.y) * (b.x - a.x)) <= length;
+           });
   }
 
   void look(const sightLine& line, bool isCentre) {

@@ -36,10 +36,10 @@ class toolContext : public Base, protected toolListener {
 
   /// Escape ends a stroke as if it had not been begun; the tool stays in hand, with what it holds.
   void abortAction() final {
-    if (run.stroke.isDown)
-      run.cancel();
-    else
-      Base::abortAction();
+    if (!run.stroke.isDown) return Base::abortAction();
+    isGivenUp = true;
+    run.cancel();
+    isGivenUp = false;
   }
 
   using Base::doDrag;
@@ -78,6 +78,7 @@ class toolContext : public Base, protected toolListener {
   virtual MStatus hold(MEvent&) { return MS::kSuccess; }
 
   toolRun run;
+  bool isGivenUp = false;  ///< during `cancelStroke`: whether the user has given up the stroke
 
  private:
   static bool isOurs(const MEvent& event) {

@@ -41,3 +41,28 @@ double viewProjector::worldPerPixel(double depth) const {
   const double tall = toClip[1][1] * height;
   return (isOrthographic() ? 2.0 : 2.0 * std::fabs(depth)) / tall;
 }
+
+void viewProjector::ray(double x, double y, MPoint& origin, MVector& direction) const {
+  const MMatrix back = whole.inverse();
+  const double across = 2.0 * x / width - 1.0, up = 2.0 * y / height - 1.0;
+  const auto unproject = [&](double depth) {
+    MPoint point = MPoint(across, up, depth) * back;
+    point.cartesianize();
+    return point;
+  };
+  origin = unproject(-1.0);
+  direction = (unproject(1.0) - origin).normal();
+}
+
+MVector viewProjector::axis(unsigned int column) const {
+  return MVector(toCamera[0][column], toCamera[1][column], toCamera[2][column]).normal();
+}
+MVector viewProjector::right() const {
+  return axis(0);
+}
+MVector viewProjector::up() const {
+  return axis(1);
+}
+MVector viewProjector::backward() const {
+  return axis(2);
+}

@@ -28,8 +28,18 @@ class viewProjector {
   /// World length that a pixel shows at a depth.
   double worldPerPixel(double depth) const;
   bool isOrthographic() const;
+  /// The line of sight through a place in pixels, fractions too: from the near clipping plane away
+  /// from the viewer.
+  /// @param direction unit
+  void ray(double x, double y, MPoint& origin, MVector& direction) const;
+  /// The view's axes in the world, unit: across to the right, up, and towards the viewer.
+  MVector right() const;
+  MVector up() const;
+  MVector backward() const;
 
  private:
+  MVector axis(unsigned int column) const;
+
   MMatrix toCamera, toClip, whole;  ///< the last is both in one
   double width = 0.0, height = 0.0;
 };

@@ -46,7 +46,7 @@ awk_program='
     if (p[1] == "host") { offence("the toolkit includes nothing of host/: " quoted); return }
     if (p[1] == side || side == "plugin") return
     if (side == "shared") offence("shared/ includes no other toolkit folder: " quoted)
-    else if (side == "brushes" && p[1] == "modeling") return
+    else if (side == "brushes" && (p[1] == "modeling" || p[1] == "uv")) return
     else if (p[1] != "shared") offence(side "/ may include shared/ only: " quoted)
   }
   END { exit bad }
@@ -67,7 +67,7 @@ mkdir -p "$planted/host/mel" "$planted/shared" "$planted/uv" "$planted/brushes"
 echo '#include "host/scene/document.h"' >"$planted/host/mel/bad.h"
 echo '#include "commands/straightenCmd.h"' >"$planted/shared/bad.h"
 echo '#include "modeling/modelingContext.h"' >"$planted/uv/bad.h"
-echo '#include "modeling/modelingContext.h"' >"$planted/brushes/good.h"
+printf '#include "modeling/modelingContext.h"\n#include "uv/uvPlacement.h"\n' >"$planted/brushes/good.h"
 if check "$planted" >"$planted/out"; then
   echo "the layer lint does not see a planted offence"
   exit 1

@@ -31,6 +31,8 @@ host/cmd/session.cpp               runs lines
 host/tools/recorder.cpp            lines of a recording, played again
 host/cmd/session.h                 declares that
 host/workspace/workspace.cpp       the command that a user bound to a key
+host/window/person.cpp             the same, by a button of the window
+host/builtins/system/repeat_last.cpp  what a menu of a script ran last
 '
 pattern='(executeLine|executeFile|findCommand|sourceFile)[[:space:]]*\(|interpreter(\(\))?(\.|->|_->)execute[[:space:]]*\(|commands\(\)\.find[[:space:]]*\('
 

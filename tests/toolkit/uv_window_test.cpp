@@ -108,6 +108,11 @@ TEST_CASE("the UV window: every button does its work, and is grey while it can't
   window.run("floatField -e -v 0.25 tweakU_QXMT_FF; select -r ($made + \".vtx[2]\")");
   window.press("tweakUvs");
   CHECK(window.uvs() != before);
+  window.press("tweakUvBrushContext_Tweak");
+  CHECK(window.asked("contextInfo -t `currentCtx`") == "Tweak UV Brush");
+  window.press("moveRotateScaleUVBrushContext_Move_Rotate_Scale");
+  CHECK(window.asked("contextInfo -t `currentCtx`") == "Move Rotate Scale UV Brush");
+  window.run("setToolTo selectSuperContext");
   window.run("select -r other");
   window.press("addUVNodeMessageCmd_Connect_UV_Node");
   CHECK(window.asked("size(`ls -type uvEditNode`)") == "1");

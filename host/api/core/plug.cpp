@@ -5,6 +5,7 @@
 
 #include "host/api/core/access.h"
 #include "host/builtins/common/command.h"
+#include "host/scene/references.h"
 
 namespace host::api {
 
@@ -321,8 +322,8 @@ bool MPlug::isDynamic(MStatus* status) const {
   return !plug.isNull() && plug.attribute()->isDynamic;
 }
 bool MPlug::isFromReferencedFile(MStatus* status) const {
-  (void)usable(*this, status);
-  return false;
+  const dg::Plug plug = usable(*this, status);
+  return !plug.isNull() && scene::referenceOf(*plug.node());
 }
 bool MPlug::isNetworked(MStatus* status) const {
   (void)usable(*this, status);

@@ -7,6 +7,7 @@
 #include <functional>
 
 #include "host/api/core/access.h"
+#include "host/scene/references.h"
 
 namespace host::api {
 namespace {
@@ -246,8 +247,8 @@ MString MFnDependencyNode::plugsAlias(const MPlug& plug, MStatus* status) {
 }
 
 bool MFnDependencyNode::isFromReferencedFile(MStatus* status) const {
-  (void)nodeIn(object_, status);
-  return false;
+  const dg::Node* node = nodeIn(object_, status);
+  return node && scene::referenceOf(*node);
 }
 bool MFnDependencyNode::isDefaultNode(MStatus* status) const {
   const dg::Node* node = nodeIn(object_, status);

@@ -19,7 +19,7 @@
 namespace host::api {
 namespace {
 
-constexpr std::size_t kKindCount = static_cast<std::size_t>(CallbackKind::TimeChanged) + 1;
+constexpr std::size_t kKindCount = static_cast<std::size_t>(CallbackKind::CommandOutput) + 1;
 
 /// The plug-in whose module holds the function; null for functions of the program.
 PluginRecord* ownerOf(const void* function) {
@@ -189,6 +189,9 @@ Callbacks::Callbacks() : document_(cmd::currentSession().document()), counts_(kK
       }));
   connections_.push_back(jobs.conditionChanged.connect([this](std::string_view name, bool state) {
     fire(CallbackKind::Condition, {.text = std::string(name), .flag = state});
+  }));
+  connections_.push_back(cmd::currentSession().lineBegins.connect([this](std::string_view line) {
+    fire(CallbackKind::CommandLine, {.text = std::string(line)});
   }));
   connections_.push_back(cmd::currentSession().loop().turned.connect([this] {
     reportDestroyed();

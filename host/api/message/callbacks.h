@@ -42,6 +42,8 @@ enum class CallbackKind {
   SceneText,
   Condition,
   TimeChanged,
+  CommandLine,
+  CommandOutput,
 };
 
 /// One thing that happened, for the callbacks that wait for its kind.
@@ -95,6 +97,8 @@ class Callbacks final : public dg::GraphObserver, public scene::DocumentObserver
   /// User events that plug-ins have defined.
   std::vector<std::string> userEvents;
 
+  /// From the first callback for what is said on, messages come by here.
+  void watchMessages();
   /// Tells of a new node that has its place.
   void tellOfNew(dg::Node& node);
 
@@ -115,6 +119,8 @@ class Callbacks final : public dg::GraphObserver, public scene::DocumentObserver
   }
   [[nodiscard]] static bool fits(const Callback& callback, const Happening& happening);
 
+  /// @return whether the message may be shown
+  bool tellMessage(int kind, std::string_view text);
   void runTimer(MCallbackId id, double now, double elapsed);
 
   scene::Document& document_;
@@ -126,6 +132,8 @@ class Callbacks final : public dg::GraphObserver, public scene::DocumentObserver
       unlinked_;  ///< DAG nodes that were added and have no place in the hierarchy yet
   MCallbackId next_ = 1;
   bool isTooDeep_ = false;  ///< told of already
+  bool watchesMessages_ = false, isTelling_ = false;
+  std::shared_ptr<Callbacks*> self_ = std::make_shared<Callbacks*>(this);
 };
 
 /// While it lives, nodes that are made are collected instead of told of: a modifier's nodes are

@@ -7,6 +7,7 @@
 #include <exception>
 #include <filesystem>
 
+#include "host/api/tool/retired_commands.h"
 #include "host/base/messages.h"
 #include "host/cmd/session.h"
 
@@ -236,6 +237,7 @@ Result<void> Loader::unload(const std::string& name, bool force) {
   session_.undo().flush();  // command objects of the plug-in must not outlive its code
   session_.document().graph().releaseRemoved();
   HOST_TRY(callEntryPoint(entry, record, "uninitializePlugin"));
+  dropRetired();
   removeInterface(*record);
   for (const auto& left : record->registrations)
     postMessage(MessageKind::Warning, "Plug-in \"" + record->info.name + "\" left \"" + left.name +

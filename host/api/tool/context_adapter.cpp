@@ -8,6 +8,7 @@
 #include "host/api/tool/context_rep.h"
 #include "host/api/view/view_access.h"
 #include "host/base/messages.h"
+#include "host/cmd/pending_edits.h"
 #include "host/cmd/session.h"
 #include "host/mel/interpreter.h"
 #include "host/mel/literal.h"
@@ -164,7 +165,10 @@ void ContextAdapter::complete() {
 void ContextAdapter::abort() {
   bool& hasHostsAbort = contextRep(*context_).hasHostsAbort;
   hasHostsAbort = false;
+  bool& isGivingUp = cmd::pendingEdits().isGivingUp;
+  const bool wasGivingUp = std::exchange(isGivingUp, isGestureOn_);
   fenced(title, [&] { context_->abortAction(); });
+  isGivingUp = wasGivingUp;
   // A gesture that is given up in its midst has no release. Contexts that have no abort of their
   // own end it as they end everything: they are left and taken in hand anew.
   if (!std::exchange(isGestureOn_, false) || !hasHostsAbort) return;

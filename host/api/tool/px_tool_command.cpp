@@ -1,6 +1,8 @@
 #include <maya/MPxToolCommand.h>
 
-#include "host/api/command/command_adapter.h"
+#include <vector>
+
+#include "host/api/tool/retired_commands.h"
 #include "host/cmd/loop.h"
 #include "host/cmd/session.h"
 
@@ -35,8 +37,27 @@ MStatus MPxToolCommand::doFinalize(MArgList& command) {
     session.dispatcher().addFinished(name, std::move(adapter));
     return MStatus::kSuccess;
   }
-  // Nobody will undo it, but its own function is still running: it goes when the program is idle.
-  session.loop().deferTask(
-      [kept = std::shared_ptr<api::CommandAdapter>(std::move(adapter))] { (void)kept; });
+  api::retire(std::move(adapter));
+  session.loop().deferTask(api::dropRetired);
   return MStatus::kSuccess;
 }
+
+namespace host::api {
+namespace {
+
+std::vector<std::unique_ptr<CommandAdapter>>& retired() {
+  static std::vector<std::unique_ptr<CommandAdapter>> commands;
+  return commands;
+}
+
+}  // namespace
+
+void retire(std::unique_ptr<CommandAdapter> command) {
+  retired().push_back(std::move(command));
+}
+
+void dropRetired() {
+  retired().clear();
+}
+
+}  // namespace host::api

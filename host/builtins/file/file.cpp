@@ -1,4 +1,6 @@
+#include "host/builtins/file/reference_query.h"
 #include "host/builtins/file/scene_files.h"
+#include "host/builtins/file/time_range.h"
 #include "host/cmd/asking.h"
 
 namespace host::builtins {
@@ -29,6 +31,8 @@ CommandResult toResult(Result<std::string> path) {
 CommandResult import(Context& context, const ParsedArgs& args) {
   std::vector<dg::Node*> made;
   auto path = importFile(context, readRequest(args), &made);
+  if (path && args.has("importTimeRange"))
+    HOST_TRY(importTimeRange(context, made, args.text("importTimeRange")));
   if (!path || !args.has("returnNewNodes")) return toResult(std::move(path));
   std::vector<std::string> names;
   for (const dg::Node* node : made) names.push_back(nodeName(*node));
@@ -36,7 +40,12 @@ CommandResult import(Context& context, const ParsedArgs& args) {
 }
 
 CommandResult file(Context& context, const ParsedArgs& args) {
-  if (args.isQuery()) return queryFile(context, args);
+  if (args.isQuery()) {
+    if (auto answer = queryReferences(context, args)) return *std::move(answer);
+    return queryFile(context, args);
+  }
+  if (auto done = editReferences(context, args)) return *std::move(done);
+  const auto depth = referenceDepthScope(context, args);
   if (args.has("newFile")) return toResult(newScene(context, args.has("force")));
   if (args.has("open")) return toResult(openScene(context, readRequest(args)));
   if (args.has("import")) return import(context, args);
@@ -92,6 +101,22 @@ void registerFile(CommandRegistry& registry) {
              .flag("w", "writable")
              .flag("exn", "expandName")
              .flag("loc", "location")
+             .flag("r", "reference")
+             .flag("lr", "loadReference", {ArgType::String})
+             .flag("ur", "unloadReference", {ArgType::String})
+             .flag("rr", "removeReference")
+             .flag("ir", "importReference")
+             .flag("cr", "cleanReference", {ArgType::String})
+             .flag("ec", "editCommand", {ArgType::String})
+             .flag("rfn", "referenceNode", {ArgType::String})
+             .flag("dr", "deferReference", {ArgType::Bool})
+             .flag("lrd", "loadReferenceDepth", {ArgType::String})
+             .flag("lnr", "loadNoReferences")
+             .flag("lar", "loadAllReferences")
+             .flag("gr", "groupReference")
+             .flag("gn", "groupName", {ArgType::String})
+             .flag("pns", "parentNamespace")
+             .flag("itr", "importTimeRange", {ArgType::String})
              .flag("l", "list")
              .queryable()
              .strings(0, 1),

@@ -4,10 +4,12 @@
 
 #include "host/base/messages.h"
 #include "host/builtins/file/formats.h"
+#include "host/builtins/file/references.h"
 #include "host/io/ma/ma_loader.h"
 #include "host/io/ma/ma_writer.h"
 #include "host/io/whole_file.h"
 #include "host/nodes/sets.h"
+#include "host/scene/namespaces.h"
 #include "host/workspace/workspace.h"
 
 namespace host::builtins {
@@ -37,8 +39,14 @@ Result<FileFormat::Placing> read(Context&, const std::string& path,
                         .nameSpace = options.nameSpace};
   return [kept, how](Context& context) -> Result<std::vector<dg::Node*>> {
     loadPlugins(context, *kept);
+    const scene::NamespaceScope inRoot(context.document, {});
+    const io::MaReferenceKeeper references = referenceKeeper(context, kept->name);
+    io::MaLoadOptions now = how;
+    now.references = &references;
+    now.isReference = isReadingReference(context);
     auto loaded = io::loadMa(context.document, std::move(*kept),
-                             workspace::workspaceOf(context.session).maKept, how);
+                             workspace::workspaceOf(context.session).maKept, now);
+    if (!now.isReference) forgetSceneBeingRead(context);
     if (!loaded) return failWith(std::move(loaded.error()));
     for (const std::string& warning : loaded->warnings) postMessage(MessageKind::Warning, warning);
     return std::move(loaded->nodes);

@@ -1,4 +1,6 @@
-// namespace, namespaceInfo and referenceQuery.
+// namespace and namespaceInfo.
+#include "host/scene/namespaces.h"
+
 #include <algorithm>
 #include <set>
 
@@ -14,20 +16,23 @@ namespace {
 /// nothing yet. Written without the colon in front; the root is empty.
 struct Namespaces {
   std::set<std::string> made;
-  std::string current;
+  std::string current;  ///< of the document, as it was when this was asked for
+  bool isWatching = false;
   Connection onNewScene;
 };
 
 Namespaces& namespacesOf(Context& context) {
   auto& workspace = workspace::workspaceOf(context.session);
   auto& own = workspace.kept<Namespaces>();
-  if (own.made.empty() && own.current.empty())
+  if (!own.isWatching)
     own.onNewScene = workspace.sceneHooks.reached.connect(
-        [&own](workspace::SceneStage stage, const std::string&) {
-          if (stage != workspace::SceneStage::AfterNew) return;
-          own.made.clear();
-          own.current.clear();
+        [&own, &hooks = workspace.sceneHooks](workspace::SceneStage stage, const std::string&) {
+          const bool opens = hooks.work == workspace::SceneHooks::Work::Opening &&
+                             stage == workspace::SceneStage::BeforeRead;
+          if (stage == workspace::SceneStage::AfterNew || opens) own.made.clear();
         });
+  own.isWatching = true;
+  own.current = scene::currentNamespace(context.document);
   return own;
 }
 
@@ -73,7 +78,7 @@ std::vector<dg::NodePtr> nodesIn(Context& context, const std::string& name, bool
 Result<void> moveContent(Context& context, const std::string& from, const std::string& to) {
   for (const dg::NodePtr& node : nodesIn(context, from, true)) {
     std::string rest = from.empty() ? node->name() : node->name().substr(from.size() + 1);
-    auto renamed = context.document.rename(*node, to.empty() ? rest : to + ":" + rest);
+    auto renamed = context.document.rename(*node, ":" + (to.empty() ? rest : to + ":" + rest));
     if (!renamed) return failWith(std::move(renamed.error()));
   }
   std::set<std::string>& made = namespacesOf(context).made;
@@ -136,7 +141,7 @@ CommandResult namespaceCommand(Context& context, const ParsedArgs& args) {
   if (args.has("setNamespace")) {
     const std::string name = absolute(own, args.text("setNamespace"));
     if (!exists(context, name)) return fail("namespace: there is no namespace '{}'.", name);
-    own.current = name;
+    scene::setCurrentNamespace(context.document, name);
     return mel::Value(name.empty() ? ":" : name);
   }
   if (args.has("removeNamespace")) {
@@ -154,7 +159,7 @@ CommandResult namespaceCommand(Context& context, const ParsedArgs& args) {
     if (exists(context, to)) return fail("namespace: '{}' is there already.", to);
     HOST_TRY(moveContent(context, from, to));
     own.made.insert(to);
-    if (own.current == from) own.current = to;
+    if (own.current == from) scene::setCurrentNamespace(context.document, to);
     return mel::Value(to);
   }
   if (args.has("moveNamespace")) {
@@ -204,21 +209,6 @@ CommandResult namespaceInfo(Context& context, const ParsedArgs& args) {
   return mel::Value(answer);
 }
 
-/// References to other files are not followed: no node comes from one.
-CommandResult referenceQuery(Context& context, const ParsedArgs& args) {
-  const std::string target = args.firstObject();
-  const auto found = context.document.resolve(target);
-  if (args.has("isNodeReferenced")) {
-    if (!found) return failWith(found.error());
-    return mel::Value(false);
-  }
-  if (args.has("isLoaded")) return mel::Value(false);
-  return fail(
-      "referenceQuery: '{}' is no reference and comes from none: references to other files "
-      "are kept in the scene file and not read.",
-      target);
-}
-
 }  // namespace
 
 void registerNamespaces(CommandRegistry& registry) {
@@ -260,24 +250,6 @@ void registerNamespaces(CommandRegistry& registry) {
                   .flag("int", "internal")
                   .strings(0, 1),
               namespaceInfo);
-  defineQuery(registry, "referenceQuery",
-              Syntax()
-                  .flag("inr", "isNodeReferenced")
-                  .flag("il", "isLoaded")
-                  .flag("f", "filename")
-                  .flag("n", "nodes")
-                  .flag("rfn", "referenceNode")
-                  .flag("ns", "namespace")
-                  .flag("sn", "shortName")
-                  .flag("un", "unresolvedName")
-                  .flag("wcn", "withoutCopyNumber")
-                  .flag("tr", "topReference")
-                  .flag("p", "parent")
-                  .flag("ch", "child")
-                  .flag("es", "editStrings")
-                  .flag("dp", "dagPath")
-                  .strings(1, 1),
-              referenceQuery);
 }
 
 }  // namespace host::builtins

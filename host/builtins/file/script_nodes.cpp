@@ -28,7 +28,8 @@ bool runsOnOpening(Context& context, dg::Node& node) {
          (type == OpenClose || (type == InterfaceOpenClose && !context.session.isBatch));
 }
 
-/// Expressions run only when their scene is trusted; else what they drive keeps its values.
+}  // namespace
+
 void admitExpressions(Context& context, bool allowed) {
   auto& trust = workspace::workspaceOf(context.session).kept<ExpressionTrust>();
   std::size_t held = 0;
@@ -48,8 +49,6 @@ void admitExpressions(Context& context, bool allowed) {
                           held == 1 ? "an expression, which does not run"
                                     : fmt::format("{} expressions, which do not run", held)));
 }
-
-}  // namespace
 
 void runScriptNodes(Context& context, bool allowed) {
   admitExpressions(context, allowed);

@@ -8,4 +8,7 @@ namespace host::builtins {
 /// otherwise says that they did not run. Nothing of a scene runs by itself.
 void runScriptNodes(Context& context, bool allowed);
 
+/// Expressions run only when their scene is trusted; else what they drive keeps its values.
+void admitExpressions(Context& context, bool allowed);
+
 }  // namespace host::builtins

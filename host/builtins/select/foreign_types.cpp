@@ -362,7 +362,6 @@ constexpr std::string_view kNames[] = {
     "ramp",
     "rampShader",
     "rebuildCurve",
-    "reference",
     "reflect",
     "remapColor",
     "remapHsv",

@@ -6,6 +6,7 @@
 #include "host/builtins/select/selection_order.h"
 #include "host/nodes/mesh_components.h"
 #include "host/scene/dag_paths.h"
+#include "host/scene/references.h"
 #include "host/workspace/workspace.h"
 
 namespace host::builtins {
@@ -219,7 +220,8 @@ class Lister {
     if (args_.has("noIntermediate") && isOn(node, "intermediateObject")) return false;
     if (args_.has("visible") && (path.isWorld() || !isVisible(path))) return false;
     if (args_.has("invisible") && (path.isWorld() || isVisible(path))) return false;
-    if (args_.has("referencedNodes") || args_.has("readOnly")) return false;
+    if ((args_.has("referencedNodes") || args_.has("readOnly")) && !scene::referenceOf(node))
+      return false;
     if (args_.has("partition") && !node.type().isA("partition")) return false;
     if (args_.has("references") && !node.type().isA("reference")) return false;
     return true;

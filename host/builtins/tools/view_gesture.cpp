@@ -42,6 +42,10 @@ class FlagScope {
 
 ScriptHand& handOf(cmd::Session& session) {
   ScriptHand& state = workspaceOf(session).hand;
+  // A button that went down in a view which is closed now is up.
+  const bool isAstray = state.hand && !state.isSending && state.hand->isDown() &&
+                        !workspaceOf(session).views.find(state.hand->panel());
+  if (isAstray) state.hand.reset();
   if (!state.hand)
     state.hand = std::make_unique<tools::Hand>([&session, &state](const tools::InputEvent& event) {
       const FlagScope sending(state.isSending);
@@ -153,14 +157,15 @@ class GestureCall {
   Result<void> each(std::string_view atPixel, std::string_view atComponent,
                     Result<void> (tools::Hand::*event)(ViewPoint)) {
     for (const ParsedArgs::FlagUse& use : args_.flagUses()) {
+      if (use.spec->longName != atPixel && use.spec->longName != atComponent) continue;
+      if (!workspaceOf(context_.session).views.find(panel_))
+        return fail("viewGesture: the view '{}' has been closed.", panel_);
       const auto values = args_.values(use);
       Result<ViewPoint> at = ViewPoint{};
       if (use.spec->longName == atPixel)
         at = ViewPoint{values[0].toFloat().value_or(0), values[1].toFloat().value_or(0)};
-      else if (use.spec->longName == atComponent)
-        at = placeOf(values[0].string(), atComponent == "pressAt" || atComponent == "hoverAt");
       else
-        continue;
+        at = placeOf(values[0].string(), atComponent == "pressAt" || atComponent == "hoverAt");
       if (!at) return failWith(at.error());
       if (const auto done = (hand_.*event)(*at); !done) return failAt("viewGesture", done.error());
     }
@@ -232,6 +237,8 @@ CommandResult viewGesture(Context& context, const ParsedArgs& args) {
   return mel::Value();
 }
 
+/// What a plug-in asks for the pen that makes the present event, on systems whose windows have
+/// nothing for it to hook. The real host is not known to have such a command: this one is ours.
 CommandResult tabletState(Context& context, const ParsedArgs& args) {
   const tools::InputEvent& event = workspaceOf(context.session).toolbox.lastEvent();
   if (args.has("pressure")) return mel::Value(event.pressure);

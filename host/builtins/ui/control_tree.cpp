@@ -49,11 +49,29 @@ bool isWanted(const ui::Control& control, const ParsedArgs& args) {
   return !isRestricted;
 }
 
+/// Takes a view away that a script has added; a gesture that began in it is given up.
+Result<void> closeView(workspace::Workspace& work, const std::string& panel) {
+  constexpr std::ptrdiff_t kOfLayout = 4;
+  std::vector<workspace::View>& views = work.views.all();
+  const auto found = std::ranges::find(views, panel, &workspace::View::panel);
+  if (found - views.begin() < kOfLayout)
+    return fail("deleteUI: the view '{}' is one of the layout's four, which stay.", panel);
+  if (work.toolbox.lastEvent().panel == panel) work.toolbox.current()->abort();
+  const std::string active = work.views.active().panel;
+  std::erase_if(views, [&](const workspace::View& view) { return view.panel == panel; });
+  work.views.setActive(active == panel ? views.front().panel : active);
+  return {};
+}
+
 CommandResult deleteUi(Context& context, const ParsedArgs& args) {
   ui::Tree& tree = treeOf(context);
   for (const std::string& name : args.objectNames()) {
     if (args.has("toolContext")) {
       HOST_TRY(workspaceOf(context.session).toolbox.remove(name));
+      continue;
+    }
+    if (args.has("panel") && workspaceOf(context.session).views.find(name)) {
+      HOST_TRY(closeView(workspaceOf(context.session), name));
       continue;
     }
     auto control = tree.findIf(name, [&](const ui::Control& each) { return isWanted(each, args); });

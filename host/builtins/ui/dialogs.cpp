@@ -4,6 +4,7 @@
 
 #include "host/base/messages.h"
 #include "host/builtins/ui/control_values.h"
+#include "host/workspace/dialog_hooks.h"
 #include "host/workspace/workspace.h"
 
 namespace host::builtins {
@@ -77,6 +78,7 @@ CommandResult layoutDialog(Context& context, const ParsedArgs& args) {
     dialogs.isDismissed = true;
     return mel::Value();
   }
+  const auto& hooks = workspaceOf(context.session).kept<workspace::DialogHooks>();
   ui::Tree& tree = workspaceOf(context.session).controls;
   ui::Control* const before = tree.currentParent();
   auto window = tree.create(*ui::findControlType("window"), {});
@@ -88,6 +90,8 @@ CommandResult layoutDialog(Context& context, const ParsedArgs& args) {
   dialogs.isDismissed = false;
   dialogs.dismissedWith = "dismiss";
   auto built = context.session.interpreter().execute(args.text("uiScript"));
+  if (built && !dialogs.isDismissed && dialogs.answers.empty() && hooks.showModal)
+    hooks.showModal(windowPath, [&dialogs] { return dialogs.isDismissed; });
   if (!dialogs.isDismissed && !dialogs.answers.empty()) {
     dialogs.dismissedWith = dialogs.answers.front().button;
     dialogs.answers.pop_front();
@@ -111,10 +115,19 @@ CommandResult queryProgress(const Dialogs::Progress& progress, const ParsedArgs&
 
 /// One at a time, as there is one person to look at it.
 CommandResult progressWindow(Context& context, const ParsedArgs& args) {
-  Dialogs::Progress& progress = workspaceOf(context.session).dialogs.progress;
-  if (args.isQuery()) return queryProgress(progress, args);
+  Dialogs& dialogs = workspaceOf(context.session).dialogs;
+  Dialogs::Progress& progress = dialogs.progress;
+  const auto& hooks = workspaceOf(context.session).kept<workspace::DialogHooks>();
+  const auto show = [&] {
+    if (hooks.showProgress) hooks.showProgress(progress);
+  };
+  if (args.isQuery()) {
+    if (args.has("isCancelled")) show();
+    return queryProgress(progress, args);
+  }
   if (args.has("endProgress")) {
     progress = {};
+    show();
     return mel::Value(true);
   }
   if (args.isEdit() && !progress.isOpen) return fail("progressWindow: none is open.");
@@ -131,6 +144,7 @@ CommandResult progressWindow(Context& context, const ParsedArgs& args) {
   const int value = args.integer("progress", progress.value) + args.integer("step", 0);
   progress.value = std::clamp(value, std::min(progress.low, progress.high),
                               std::max(progress.low, progress.high));
+  show();
   return mel::Value(true);
 }
 

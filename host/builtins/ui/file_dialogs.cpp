@@ -2,19 +2,23 @@
 // fills, else as by closing them.
 #include "host/base/messages.h"
 #include "host/builtins/common/command.h"
+#include "host/workspace/dialog_hooks.h"
 #include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
 namespace {
 
+using workspace::DialogHooks;
 using workspace::Dialogs;
 using workspace::workspaceOf;
 
 /// The file names that a person gives; nothing when the dialog is closed.
-std::vector<std::string> filesGiven(Context& context, const std::string& caption) {
-  postMessage(MessageKind::Info, caption.empty() ? "Which file?" : caption);
+DialogHooks::FileAnswer filesGiven(Context& context, const DialogHooks::FileQuestion& question) {
+  postMessage(MessageKind::Info, question.caption.empty() ? "Which file?" : question.caption);
   Dialogs& dialogs = workspaceOf(context.session).dialogs;
+  const auto& hooks = workspaceOf(context.session).kept<DialogHooks>();
+  if (dialogs.answers.empty() && hooks.askFiles) return hooks.askFiles(question);
   if (dialogs.answers.empty()) return {};
   const Dialogs::Answer given = dialogs.answers.front();
   dialogs.answers.pop_front();
@@ -26,20 +30,32 @@ std::vector<std::string> filesGiven(Context& context, const std::string& caption
     if (end > start) files.push_back(text.substr(start, end - start));
     start = end + 1;
   }
-  return files;
+  return {files, question.filter};
 }
 
 CommandResult fileDialog2(Context& context, const ParsedArgs& args) {
-  std::vector<std::string> files = filesGiven(context, args.text("caption"));
   const int mode = args.integer("fileMode");
+  const auto [given, filter] = filesGiven(
+      context, {args.text("caption"), args.text("startingDirectory"), args.text("fileFilter"),
+                args.text("selectFileFilter"), args.text("okCaption"), mode});
+  std::vector<std::string> files = given;
   if (mode != 4 && files.size() > 1) files.resize(1);
   if (files.empty()) return mel::Value();
-  if (args.boolean("returnFilter")) files.push_back(args.text("selectFileFilter"));
+  if (args.boolean("returnFilter")) files.push_back(filter);
   return toValue(std::move(files));
 }
 
 CommandResult fileDialog(Context& context, const ParsedArgs& args) {
-  const std::vector<std::string> files = filesGiven(context, args.text("title"));
+  // -directoryMask names a folder with a pattern: "/scenes/*.ma".
+  const std::string mask = args.text("directoryMask");
+  const std::size_t slash = mask.rfind('/');
+  DialogHooks::FileQuestion question;
+  question.caption = args.text("title");
+  question.mode = args.integer("mode") == 1 ? 0 : 1;
+  if (slash != std::string::npos) question.folder = mask.substr(0, slash);
+  const std::string pattern = slash == std::string::npos ? mask : mask.substr(slash + 1);
+  if (!pattern.empty()) question.filters = "Files (" + pattern + ")";
+  const std::vector<std::string> files = filesGiven(context, question).files;
   return mel::Value(files.empty() ? std::string() : files.front());
 }
 

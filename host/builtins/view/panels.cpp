@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "host/builtins/common/command.h"
-#include "host/workspace/workspace.h"
+#include "host/workspace/panes.h"
 
 namespace host::builtins {
 
@@ -19,16 +19,10 @@ std::vector<std::string> panelNames(Context& context) {
   return names;
 }
 
-std::vector<std::string> visiblePanels(Context& context) {
-  ui::Tree& tree = workspaceOf(context.session).controls;
-  const auto panes = tree.find("viewPanes");
-  std::vector<std::string> names;
-  if (!panes) return names;
-  const ui::ControlType& type = *(*panes)->type;
-  const int count = ui::asInt(tree.get(**panes, *type.find("numberOfVisiblePanes")));
-  for (int i = 1; i <= count; ++i)
-    names.push_back(ui::asText(tree.get(**panes, *type.find("pane" + std::to_string(i)))));
-  return names;
+/// A procedure of the host's own scripts elsewhere; scripts call it in the same way.
+CommandResult panePop(Context& context, const ParsedArgs&) {
+  workspace::togglePanes(workspaceOf(context.session));
+  return mel::Value();
 }
 
 CommandResult getPanel(Context& context, const ParsedArgs& args) {
@@ -49,7 +43,8 @@ CommandResult getPanel(Context& context, const ParsedArgs& args) {
                                                      : std::vector<std::string>{});
   // No script has made a panel of its own.
   if (args.has("scriptType")) return toValue(std::vector<std::string>{});
-  if (args.has("visiblePanels")) return toValue(visiblePanels(context));
+  if (args.has("visiblePanels"))
+    return toValue(workspace::visiblePanels(workspaceOf(context.session)));
   if (args.has("all")) return toValue(panelNames(context));
   return fail(
       "getPanel: say which panels: -all, -type, -withFocus, -underPointer or -visiblePanels.");
@@ -117,6 +112,7 @@ void registerPanels(CommandRegistry& registry) {
       .flag("sty", "scriptType", {ArgType::String});
   panels.flag("wf", "withFocus").flag("up", "underPointer").flag("vis", "visiblePanels");
   defineQuery(registry, "getPanel", panels, getPanel);
+  defineQuery(registry, "panePop", Syntax(), panePop);
   defineQuery(registry, "pointerPosition", Syntax().strings(1, 1), pointerPosition);
   Syntax panel;
   panel.flag("ex", "exists").flag("cam", "camera", {ArgType::String}).flag("me", "modelEditor");

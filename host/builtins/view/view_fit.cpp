@@ -1,7 +1,7 @@
 #include "host/builtins/common/command.h"
 #include "host/math/transform.h"
 #include "host/viewport/scene_gather.h"
-#include "host/workspace/workspace.h"
+#include "host/workspace/framings.h"
 
 namespace host::builtins {
 namespace {
@@ -31,7 +31,7 @@ Result<std::vector<math::Vec3>> pointsToFrame(Context& context, const viewport::
   return framePoints(shown);
 }
 
-/// Moves the camera node to where the framed camera stands.
+/// Moves the camera node to where the framed camera stands. Its angles stay as they were written.
 Result<void> place(scene::Document& document, const scene::DagPath& shape,
                    const viewport::Camera& camera) {
   dg::Node* transform = shape.transform().node();
@@ -70,6 +70,14 @@ CommandResult viewFit(Context& context, const ParsedArgs& args) {
   if (!viewport::frame(camera, view.port.aspect(), *points, fit)) return mel::Value();
   context.session.undo().noteUnrecorded();  // a camera move is no step of undo
   HOST_TRY(place(context.document, *path, camera));
+  // As it stands now, to the bit.
+  const auto placed = viewport::gatherCamera(*path);
+  if (!placed) return failWith(placed.error());
+  viewport::ViewExtents extents = viewport::extentsOf(*placed, *points);
+  extents.halfWidth /= fit;
+  extents.halfHeight /= fit;
+  workspace::Workspace& workspace = workspaceOf(context.session);
+  workspace.kept<workspace::Framings>().keep(workspace, view.cameraName, *placed, extents);
   return mel::Value();
 }
 

@@ -73,6 +73,14 @@ struct MaRelationship {
   std::string_view raw;
 };
 
+/// `file -r`: another file, whose nodes belong to the scene.
+struct MaReference {
+  std::size_t offset = 0;
+  std::string_view nameSpace, prefix, node, options, type, path;
+  bool isDeferred = false;  ///< not to be loaded with the scene
+  std::string_view raw;
+};
+
 /// What the text of a scene says, checked: every statement whole, every number finite, every mesh
 /// sound. Refers to the text, which it keeps.
 struct MaFile {
@@ -85,6 +93,7 @@ struct MaFile {
   std::vector<MaConnection> connections;
   std::vector<MaInstance> instances;
   std::vector<MaRelationship> relationships;
+  std::vector<MaReference> references;
   std::vector<std::pair<std::string, std::string>> fileInfo;
   std::vector<std::string_view> requirements;  ///< `requires` statements, but for the host's own
   std::vector<std::string_view> plugins;       ///< the names in them

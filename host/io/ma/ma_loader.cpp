@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <deque>
 #include <limits>
 #include <map>
 #include <set>
@@ -12,6 +13,7 @@
 #include "host/base/cancel.h"
 #include "host/io/ma/ma_attributes.h"
 #include "host/io/ma/ma_mesh_writer.h"
+#include "host/io/ma/ma_node_writer.h"
 #include "host/io/ma/ma_passes.h"
 #include "host/io/ma/ma_plugs.h"
 #include "host/nodes/mesh_shape.h"
@@ -70,11 +72,17 @@ class Loader {
       document_.fileInfo = file_.fileInfo;
     }
     keepStatements();
+    for (const MaReference& reference : file_.references) {
+      if (isCancelled()) return cancelled();
+      addReference(reference);
+    }
     for (const MaNode& node : file_.nodes) {
       if (isCancelled()) return cancelled();
       HOST_TRY(addNode(node));
     }
     for (const MaInstance& instance : file_.instances) addInstance(instance);
+    for (auto& [reference, edits] : edits_)
+      options_.references->edit(*reference, std::move(edits), file_.units);
     for (const MaConnection& connection : file_.connections) connect(connection);
     for (const MaRelationship& relationship : file_.relationships) relate(relationship);
     passing_ = passMeshesThrough(document_, kept_);
@@ -89,6 +97,7 @@ class Loader {
 
   void collectNames() {
     for (const dg::NodePtr& node : document_.graph().nodes()) {
+      if (options_.isReference) break;
       if (options_.isImport) takenNames_.insert(node->name());
       takenUuids_.insert(node->uuid());
     }
@@ -161,6 +170,61 @@ class Loader {
     return 0;
   }
 
+  // Other files.
+
+  void addReference(const MaReference& reference) {
+    const bool isKept = !options_.references;
+    if (isKept && !options_.isImport) kept_.early.emplace_back(reference.raw);
+    if (isKept) return warn(reference.offset, "references to other files are not followed here");
+    const std::string_view name = FilePath(reference.node).leaf();
+    Node* node = options_.references->load(reference, nameFor(name));
+    if (!node) return warn(reference.offset, "this reference could not be made");
+    references_[name] = node;
+    fileNames_[node] = name;
+    const auto data = scene::referenceData(*node);
+    if (!data) return;
+    // The rest of the file knows its nodes by the names that it gave them.
+    const std::string& actual = data->fields.nameSpace;
+    for (const auto& member : data->fields.members) {
+      const auto each = member.lock();
+      if (!each) continue;
+      std::string_view rest = each->name();
+      if (!actual.empty() && rest.starts_with(actual + ":")) rest.remove_prefix(actual.size() + 1);
+      const std::string& known = referencedNames_.emplace_back(
+          reference.nameSpace.empty() ? std::string(rest)
+                                      : fmt::format("{}:{}", reference.nameSpace, rest));
+      nodes_[known].push_back(each.get());
+      fileNames_[each.get()] = known;
+    }
+  }
+
+  /// Edits wait until all nodes are there; the place holders are counted anew.
+  Result<void> addReferenceLines(const MaNode& node) {
+    std::vector<MaLine> others;
+    for (const MaLine& line : node.lines) {
+      const auto* value = std::get_if<MaSetAttr>(&line);
+      if (value && value->type == "dataReferenceEdits")
+        edits_.emplace_back(current_, readReferenceEdits(value->values));
+      else if (!value ||
+               !(value->path.starts_with("phl") || value->path.starts_with("placeHolder")))
+        others.push_back(line);
+    }
+    if (!others.empty()) attributes_.apply(*current_, others);
+    return {};
+  }
+
+  /// What a connection to a place holder leads to. False when its file is not there: it is kept.
+  bool findBehind(Node& end, std::string_view path, Node& other, std::string_view otherPath,
+                  bool leavesFile, Plug& plug) {
+    const int number = options_.references ? placeHolderNumber(path) : -1;
+    if (number < 0 || end.type().name != "reference") return true;
+    plug = options_.references->behind(end, number);
+    if (!plug.isNull()) return true;
+    options_.references->keep(
+        end, {number, other.weak_from_this(), std::string(otherPath), leavesFile, {}});
+    return false;
+  }
+
   // Nodes.
 
   /// Default cameras by the names that the file has for their transforms: a camera that was renamed
@@ -210,6 +274,9 @@ class Loader {
 
   Node* existing(const MaNode& node) const {
     const std::string_view name = FilePath(node.name).leaf();
+    if (node.type == "reference")
+      if (const auto found = references_.find(name); found != references_.end())
+        return found->second;
     if (Node* camera = renamedCamera(node)) return camera;
     for (Node* each : document_.nodesNamed(name))
       if (each->type().name == node.type && (each->isDefault() || node.isShared)) return each;
@@ -238,10 +305,11 @@ class Loader {
       nodes_[FilePath(node.name).leaf()].push_back(made);
       fileNames_[made] = FilePath(node.name).leaf();
     }
-    if (!node.uuid.empty() && made->uuid() != node.uuid &&
+    if (!node.uuid.empty() && !options_.isReference && made->uuid() != node.uuid &&
         takenUuids_.insert(std::string(node.uuid)).second)
       document_.graph().setUuid(*made, std::string(node.uuid));
     current_ = made;
+    if (options_.references && made->type().name == "reference") return addReferenceLines(node);
     // What comes into a scene leaves its settings and cameras alone.
     if (isThere && options_.isImport) return {};
     if (node.mesh && !isBlank(*node.mesh) && made->plug("inMesh"))
@@ -298,8 +366,12 @@ class Loader {
       if (!options_.isImport) kept_.late.emplace_back(connection.raw);
       return warn(connection.offset, fmt::format("there is no '{}'", from ? toName : fromName));
     }
-    const Plug source = findEnd(*from, fromPath, instanceOf(*from, fromName));
+    Plug source = findEnd(*from, fromPath, instanceOf(*from, fromName));
     Plug destination = findEnd(*to, toPath, instanceOf(*to, toName));
+    if (!findBehind(*from, fromPath, *to, toPath, true, source)) return;
+    Node& actual = source.isNull() ? *from : *source.node();
+    const std::string actualPath = source.isNull() ? std::string(fromPath) : filePath(source);
+    if (!findBehind(*to, toPath, actual, actualPath, false, destination)) return;
     if (source.isNull() || destination.isNull()) {
       ++keptConnections_;
       return keep(*from, fromPath, *to, toPath, connection.toNextAvailable);
@@ -435,6 +507,9 @@ class Loader {
   std::size_t keptConnections_ = 0, warningCount_ = 0;
   std::unordered_map<std::string, bool> passing_;
   std::unordered_map<std::string_view, std::string_view> startupCameras_;
+  std::unordered_map<std::string_view, Node*> references_;  ///< by name in the file
+  std::deque<std::string> referencedNames_;
+  std::vector<std::pair<Node*, std::vector<scene::ReferenceEdit>>> edits_;
 };
 
 }  // namespace

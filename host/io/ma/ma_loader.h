@@ -6,15 +6,18 @@
 #include "host/base/result.h"
 #include "host/io/ma/ma_file.h"
 #include "host/io/ma/ma_kept.h"
+#include "host/io/ma/ma_references.h"
 #include "host/scene/document.h"
 
 namespace host::io {
 
 struct MaLoadOptions {
-  bool isImport = false;    ///< into a scene that has nodes: keeps its units and its file info
-  std::string clashPrefix;  ///< for names that are taken: "<prefix>_<name>"
-  bool renamesAll = false;  ///< the prefix for all nodes, not only for clashes
-  std::string nameSpace;    ///< puts all nodes into it: "<namespace>:<name>"
+  bool isImport = false;     ///< into a scene that has nodes: keeps its units and its file info
+  std::string clashPrefix;   ///< for names that are taken: "<prefix>_<name>"
+  bool renamesAll = false;   ///< the prefix for all nodes, not only for clashes
+  std::string nameSpace;     ///< puts all nodes into it: "<namespace>:<name>"
+  bool isReference = false;  ///< many files may come from one: nodes get ids of their own
+  const MaReferenceKeeper* references = nullptr;  ///< null: files that it refers to are not read
 };
 
 struct MaLoaded {

@@ -213,7 +213,7 @@ void MaNodeWriter::visitLeaf(const Plug& plug, bool isForced) {
   std::string text;
   if (holdsValues(*plug.attribute()) && !graph_.isDriven(plug)) {
     const Value value = graph_.stored(plug);
-    if (isForced || differs(plug, value)) {
+    if (isForced || differs(plug, value) || forced_.contains(plug)) {
       text = " ";
       if (!appendValue(text, *plug.attribute(), value)) text.clear();
     }
@@ -225,7 +225,7 @@ void MaNodeWriter::visitLeaf(const Plug& plug, bool isForced) {
 bool MaNodeWriter::writeWhole(const Plug& plug, bool isForced) {
   const Attribute& attribute = *plug.attribute();
   if (!isTuple(attribute) || driven_.count(plug) != 0 || !holdsValues(attribute)) return false;
-  bool isNews = isForced;
+  bool isNews = isForced || forced_.contains(plug);
   std::string text = fmt::format(" -type \"{}\"", attribute.compoundType);
   for (std::size_t i = 0; i < attribute.children.size(); ++i) {
     const Plug child = plug.child(static_cast<int>(i));

@@ -23,6 +23,8 @@ class MaNodeWriter {
 
   /// Leaves out attributes, by their top-level long name.
   void leaveOut(std::string_view attribute) { leftOut_.emplace(attribute); }
+  /// Writes a leaf or a tuple also when it is at its default.
+  void force(const dg::Plug& plug) { forced_.insert(plug); }
   /// Numbers that are not finite are written as 0.
   void write(std::string& out);
   /// The first plug with such a number; empty when there was none.
@@ -55,6 +57,7 @@ class MaNodeWriter {
   std::unordered_set<dg::Plug, dg::PlugHash> wired_;   ///< plugs at or above which a connection is
   std::unordered_set<dg::Plug, dg::PlugHash> driven_;  ///< the same, of connections that arrive
   std::unordered_set<std::string> leftOut_;
+  std::unordered_set<dg::Plug, dg::PlugHash> forced_;
   std::string out_, aliases_;
   std::string fault_;
 };

@@ -343,16 +343,50 @@ class Parser {
     }
   }
 
+  /// `file -rdi` says of all files below what the `file -r` of each says again.
   void reference() {
-    (void)in_.restOfStatement();
+    MaReference reference;
+    reference.offset = in_.start();
+    bool isReference = false, isDepthInfo = false;
+    const std::vector<MaToken> words = in_.restOfStatement();
     if (in_.hasFault()) return;
-    (file_.nodes.empty() ? file_.early : file_.late).push_back(in_.rawStatement());
-    warn("references to other files are not followed; the statement is kept");
+    for (std::size_t i = 0; i < words.size(); ++i) {
+      const std::string_view flag = words[i].text;
+      const auto value = [&] {
+        return i + 1 < words.size() ? words[++i].text : std::string_view();
+      };
+      if (words[i].kind != MaToken::Kind::Word || !flag.starts_with('-'))
+        reference.path = flag;
+      else if (isOneOf(flag, {"-r", "-reference"}))
+        isReference = true;
+      else if (isOneOf(flag, {"-rdi", "-referenceDepthInfo"}))
+        isDepthInfo = !value().empty();
+      else if (isOneOf(flag, {"-ns", "-namespace"}))
+        reference.nameSpace = value();
+      else if (isOneOf(flag, {"-rpr", "-renamingPrefix"}))
+        reference.prefix = value();
+      else if (isOneOf(flag, {"-rfn", "-referenceNode"}))
+        reference.node = value();
+      else if (isOneOf(flag, {"-dr", "-deferReference"}))
+        reference.isDeferred = isOn(value());
+      else if (isOneOf(flag, {"-op", "-options"}))
+        reference.options = value();
+      else if (isOneOf(flag, {"-typ", "-type"}))
+        reference.type = value();
+    }
+    reference.raw = in_.rawStatement();
+    if (isReference && !reference.path.empty())
+      file_.references.push_back(reference);
+    else if (!isDepthInfo)
+      unknownStatement("file");
   }
 
   void unknown(std::string_view command) {
     (void)in_.restOfStatement();
-    if (in_.hasFault()) return;
+    if (!in_.hasFault()) unknownStatement(command);
+  }
+
+  void unknownStatement(std::string_view command) {
     (file_.nodes.empty() ? file_.early : file_.late).push_back(in_.rawStatement());
     warn(fmt::format("the statement '{}' is not known: kept as it is", command));
   }

@@ -13,6 +13,7 @@
 #include "host/io/ma/ma_node_writer.h"
 #include "host/io/ma/ma_numbers.h"
 #include "host/io/ma/ma_passes.h"
+#include "host/io/ma/ma_references.h"
 #include "host/nodes/mesh_node.h"
 #include "host/nodes/mesh_shape.h"
 
@@ -58,7 +59,7 @@ class Writer {
     findPasses();
     for (Node* node : order_) writeConnections(*node);
     writeKeptConnections();
-    out() += heldConnections_;
+    out() += heldConnections_ + outside_;
     writeLinks();
     if (!options_.only)
       for (const std::string& statement : kept_.late) out() += statement + ";\n";
@@ -91,15 +92,16 @@ class Writer {
     }
     findFeeders();
     const auto add = [&](Node* node) {
-      if (!isWanted(node) || feeders_.count(node) != 0) return;
+      if (!isWanted(node) || feeders_.count(node) != 0 || isFromFile(*node)) return;
       if (isWritten_.insert(node).second) order_.push_back(node);
     };
+    std::unordered_set<const Node*> met;
     const auto addTree = [&](Node* top) {
       std::vector<Node*> open{top};
       while (!open.empty()) {
         Node* node = open.back();
         open.pop_back();
-        if (isWritten_.count(node) != 0) continue;
+        if (!met.insert(node).second) continue;
         add(node);
         const std::vector<Node*>& children = scene::dagLinks(*node).children;
         // An instance belongs to its first parent; others get it by statements of their own.
@@ -115,10 +117,15 @@ class Writer {
       if (!scene::isDagNode(*node) && !node->isDefault()) add(node.get());
   }
 
+  /// What another file brings is written there. An export of a part holds all that it needs.
+  [[nodiscard]] bool isFromFile(const Node& node) const {
+    return !options_.only && scene::referenceOf(node) != nullptr;
+  }
+
   /// Whether a shape is written as it is seen: edits on top of history have no other place.
   [[nodiscard]] bool isBaked(Node& node) const {
     const Plug override = node.plug(nodes::kMeshOverrideAttribute);
-    if (!override) return false;
+    if (!override || isFromFile(node)) return false;
     if (!options_.withHistory && nodes::hasHistory(node)) return true;
     // What feeds it is not written along.
     if (options_.only && nodes::hasHistory(node) &&
@@ -194,6 +201,7 @@ class Writer {
       for (const std::string& each : *all)
         if (stated.insert(each).second) out() += each + ";\n";
     const scene::Units& units = document_.units();
+    writeReferences();
     out() +=
         fmt::format("currentUnit -l {} -a {} -t {};\n", scene::linearUnitName(units.linear, true),
                     scene::angularUnitName(units.angular, true), units.time);
@@ -206,6 +214,72 @@ class Writer {
     }
     if (!options_.only)
       for (const std::string& statement : kept_.early) out() += statement + ";\n";
+  }
+
+  /// The statements of one reference; `depth` counts from 1, and those further in are for readers
+  /// that want to know all files.
+  void writeReference(const scene::ReferenceData::Fields& reference, std::string_view name,
+                      const std::string& head) {
+    out() += "file " + head;
+    if (!reference.prefix.empty()) {
+      out() += " -rpr ";
+      appendQuoted(out(), reference.prefix);
+    } else {
+      out() += " -ns ";
+      appendQuoted(out(), reference.ownNamespace.empty() ? ":" : reference.ownNamespace);
+    }
+    out() += fmt::format("{} -rfn ", reference.isDeferred ? " -dr 1" : "");
+    appendQuoted(out(), name);
+    if (!reference.options.empty()) {
+      out() += " -op ";
+      appendQuoted(out(), reference.options);
+    }
+    out() += " -typ ";
+    appendQuoted(out(), reference.type.empty() ? "mayaAscii" : reference.type);
+    out() += ' ';
+    appendQuoted(out(), reference.written);
+    out() += ";\n";
+  }
+
+  void writeReferences() {
+    if (options_.only) return;
+    std::string rows;
+    for (const Node* node : scene::references(document_)) {
+      const auto data = scene::referenceData(*node);
+      int depth = 1;
+      for (const Node* above = scene::referenceOf(*node); above; above = scene::referenceOf(*above))
+        ++depth;
+      writeReference(data->fields, node->name(), fmt::format("-rdi {}", depth));
+      if (depth > 1) continue;
+      std::swap(rows, out());
+      writeReference(data->fields, node->name(), "-r");
+      std::swap(rows, out());
+    }
+    out() += rows;
+  }
+
+  /// What the scene changes of a file, and where its place holders are connected.
+  void writeReferenceEdits(Node& node) {
+    if (options_.only || !scene::referenceData(node)) return;
+    ReferenceDifferences all = referenceDifferences(document_, node);
+    if (!all.outside.empty())
+      out() += fmt::format("\tsetAttr -s {} \".phl\";\n", all.outside.size());
+    for (const scene::OutsideConnection& each : all.outside)
+      out() += fmt::format("\tsetAttr \".phl[{}]\" 0;\n", each.placeHolder);
+    appendReferenceEdits(out(), node.name(), all.edits);
+    for (std::string& warning : all.warnings) result_.warnings.push_back(std::move(warning));
+    for (const scene::OutsideConnection& each : all.outside) {
+      const auto other = each.node.lock();
+      if (!other || !other->isAlive()) continue;
+      // Between two files a connection is the scene's, and said once.
+      const bool isAcross = scene::referenceOf(*other) && !each.own.empty();
+      if (isAcross && !each.leavesFile) continue;
+      const std::string own =
+          isAcross ? each.own : fmt::format("{}.phl[{}]", node.name(), each.placeHolder);
+      const std::string outer = nameOf(*other) + "." + each.path;
+      outside_ += each.leavesFile ? fmt::format("connectAttr \"{}\" \"{}\";\n", own, outer)
+                                  : fmt::format("connectAttr \"{}\" \"{}\";\n", outer, own);
+    }
   }
 
   Result<void> writeLines(Node& node) {
@@ -229,6 +303,7 @@ class Writer {
     if (isMesh) HOST_TRY(writeMesh(node));
     if (const MaKept::Node* kept = kept_.find(node))
       for (const std::string& line : kept->lines) out() += "\t" + line + ";\n";
+    if (node.type().name == "reference") writeReferenceEdits(node);
     return {};
   }
 
@@ -414,7 +489,7 @@ class Writer {
   MaText result_;
   std::vector<Node*> order_;
   std::unordered_set<const Node*> isWritten_, baked_, feeders_;
-  std::string heldConnections_;
+  std::string heldConnections_, outside_;
   std::unordered_map<std::size_t, Plug> passEnds_;  ///< by the number of the kept connection
   std::unordered_set<Plug, dg::PlugHash> passed_;
 };

@@ -5,6 +5,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "host/base/messages.h"
 #include "host/nodes/history/deformers.h"
 #include "host/nodes/history/history_node.h"
 #include "host/nodes/mesh_shape.h"
@@ -27,6 +28,24 @@ Result<void> setFromFlag(Context& context, const Plug& plug, std::span<const mel
   for (std::size_t i = 0; i < plug.attribute()->children.size() && i < values.size(); ++i)
     HOST_TRY(write(plug.child(static_cast<int>(i)), values[i]));
   return {};
+}
+
+/// Primitives take the nearest count that they can have: scripts compute counts, and a slip there
+/// (0.1 faces) is told and need not end them.
+std::vector<mel::Value> withinLimits(const Declaration& declaration, const Attribute& attribute,
+                                     std::span<const mel::Value> values) {
+  std::vector<mel::Value> taken(values.begin(), values.end());
+  if (!declaration.isPrimitive() || taken.size() != 1 || !taken.front().isInt()) return taken;
+  const auto given = static_cast<double>(taken.front().intValue());
+  double nearest = given;
+  if (attribute.minimum) nearest = std::max(nearest, *attribute.minimum);
+  if (attribute.maximum) nearest = std::min(nearest, *attribute.maximum);
+  if (nearest == given) return taken;
+  postMessage(MessageKind::Warning,
+              fmt::format("{}: {} can't be {}: {} is taken", declaration.command,
+                          attribute.longName, given, nearest));
+  taken.front() = mel::Value(static_cast<int>(nearest));
+  return taken;
 }
 
 struct FlagTarget {
@@ -258,7 +277,7 @@ Result<void> setParameters(Context& context, const ParsedArgs& args, const Decla
   for (const ParsedArgs::FlagUse& use : args.flagUses()) {
     const FlagTarget target = targetOf(parameters, use.spec->longName);
     if (!target.parameter) continue;
-    const auto values = args.values(use);
+    const auto values = withinLimits(declaration, *target.parameter->attribute, args.values(use));
     HOST_TRY(checkEffect(declaration, target, *use.spec, values));
     const Plug plug = node.plug(target.parameter->attribute->longName);
     HOST_TRY(setFromFlag(context, target.child < 0 ? plug : plug.child(target.child), values));

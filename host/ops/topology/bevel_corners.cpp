@@ -55,8 +55,16 @@ std::vector<math::Vec3f> BevelCorners::placesFor(const BevelEdgesOptions& option
   const double offset = offsetOf(options);
   std::vector<math::Vec3f> places;
   places.reserve(recipes_.size());
-  for (const Recipe& recipe : recipes_)
-    places.push_back(cook(recipe, places, offset, options.roundness));
+  auto patch = patches_.begin();
+  while (places.size() < recipes_.size()) {
+    const Recipe& recipe = recipes_[places.size()];
+    if (recipe.kind != Recipe::Kind::Patch) {
+      places.push_back(cook(recipe, places, offset, options.roundness));
+      continue;
+    }
+    const std::vector<math::Vec3f> inside = cookPatch(*patch++, places, options.roundness);
+    places.insert(places.end(), inside.begin(), inside.end());
+  }
   return places;
 }
 
@@ -90,11 +98,12 @@ VertexId BevelCorners::add(const Recipe& recipe) {
   return rebuilder_->addVertex(places_.back());
 }
 
+math::Vec3f BevelCorners::toObject(const Vec3& p) const {
+  return (isPlain_ ? p : math::transformPoint(p, inverse_)).toFloat();
+}
+
 math::Vec3f BevelCorners::cook(const Recipe& recipe, std::span<const math::Vec3f> places,
                                double offset, double roundness) const {
-  const auto toObject = [this](const Vec3& p) {
-    return (isPlain_ ? p : math::transformPoint(p, inverse_)).toFloat();
-  };
   if (recipe.kind == Recipe::Kind::Sector) {
     Vec3 sum;
     for (int i = 0; i < recipe.wayCount; ++i) {
@@ -103,17 +112,26 @@ math::Vec3f BevelCorners::cook(const Recipe& recipe, std::span<const math::Vec3f
     }
     return toObject(recipe.base + sum / std::max(recipe.wayCount, 1));
   }
-  const Vec3 a = placeOf(recipe.from, places), c = recipe.base;
-  const double t = recipe.share, s = 1 - t;
-  if (recipe.kind == Recipe::Kind::Ridge) return toObject(a + (c - a) * t);
-  // An arc that leaves along both faces (a rational quadratic curve).
-  const Vec3 b = placeOf(recipe.to, places);
-  const double cosine = math::dot(math::normalized(a - c), math::normalized(b - c));
-  const double weight = std::sqrt(std::max(0.0, 0.5 * (1 - cosine)));
-  const double sum = s * s + 2 * s * t * weight + t * t;
-  const Vec3 arc = (a * (s * s) + c * (2 * s * t * weight) + b * (t * t)) / sum;
-  const Vec3 flat = a * s + b * t;
-  return toObject(flat + (arc - flat) * roundness);
+  if (recipe.kind == Recipe::Kind::Profile)
+    return toObject(arcOf(recipe, places).at(recipe.share, roundness));
+  const Vec3 from = placeOf(recipe.from, places);
+  return toObject(from + (recipe.base - from) * recipe.share);
+}
+
+BevelArc BevelCorners::arcOf(const Recipe& profile, std::span<const math::Vec3f> places) const {
+  const Vec3 from = placeOf(profile.from, places), to = placeOf(profile.to, places);
+  const double shift = math::dot((from + to) * 0.5 - profile.base, profile.along);
+  return {from, to, profile.base + profile.along * shift};
+}
+
+std::vector<math::Vec3f> BevelCorners::cookPatch(const Patch& patch,
+                                                 std::span<const math::Vec3f> places,
+                                                 double roundness) const {
+  std::vector<BevelArc> arcs;
+  for (const Recipe& side : patch.sides) arcs.push_back(arcOf(side, places));
+  std::vector<math::Vec3f> inside;
+  for (const Vec3& p : patch.shape.places(arcs, roundness)) inside.push_back(toObject(p));
+  return inside;
 }
 
 bool BevelCorners::canBevel(EdgeId e) const {
@@ -224,6 +242,11 @@ void BevelCorners::placeSectors(VertexId v, const VertexFan& fan,
   }
   const std::size_t count = sectors.size();
   std::vector<VertexId> cap, sharedProfile;
+  // Where strips meet their arcs stand across their edges; where one goes on in another, its arc
+  // lies in the plane between them, which holds the vertex.
+  std::vector<Vec3> edges;
+  for (const std::size_t i : bounds.first(count))
+    edges.push_back(count >= 3 ? along(v, fan.edges[i]) : Vec3());
   for (std::size_t s = 0; s < count; ++s) {
     // The profile at the edge between the sector before and this one leads from this one to the
     // one before.
@@ -232,7 +255,7 @@ void BevelCorners::placeSectors(VertexId v, const VertexFan& fan,
       const bool isSecondOfTwo = count == 2 && fan.isClosed && s == 1;
       std::vector<VertexId> profile =
           isSecondOfTwo ? std::vector<VertexId>(sharedProfile.rbegin(), sharedProfile.rend())
-                        : makeProfile(sectors[s], sectors[(s + count - 1) % count], v);
+                        : makeProfile(sectors[s], sectors[(s + count - 1) % count], v, edges[s]);
       profiles_[endKey(fan.edges[bounds[s]], v)] = stored(profile);
       cap.insert(cap.end(), profile.rbegin() + 1, profile.rend() - 1);
       sharedProfile = std::move(profile);
@@ -240,7 +263,36 @@ void BevelCorners::placeSectors(VertexId v, const VertexFan& fan,
     cap.push_back(sectors[s]);
   }
   // A ridge leads through the vertex, so there is no gap.
-  if (count >= 3 && options_.chamfer) caps_.push_back({v, cap});
+  if (count < 3 || !options_.chamfer) return;
+  if (fan.isClosed && options_.subdivideNgons && options_.fillNgons && options_.segments > 1)
+    return fillGap(v, sectors, edges, std::move(cap));
+  caps_.push_back({v, std::move(cap)});
+}
+
+// `cap` begins after the last sector's corner; `edges` are those before the sectors.
+void BevelCorners::fillGap(VertexId v, std::span<const VertexId> sectors,
+                           std::span<const Vec3> edges, std::vector<VertexId> cap) {
+  std::rotate(cap.begin(), cap.begin() + options_.segments - 1, cap.end());
+  const std::size_t count = sectors.size();
+  Patch patch{BevelPatch(static_cast<int>(count), options_.segments), {}};
+  for (std::size_t s = 0; s < count; ++s) {
+    Recipe side;
+    side.kind = Recipe::Kind::Profile;
+    side.base = pointOf(v);
+    side.along = edges[(s + 1) % count];
+    side.from = sectors[s];
+    side.to = sectors[(s + 1) % count];
+    patch.sides.push_back(side);
+  }
+  const auto firstInside = static_cast<VertexId>(at(mesh_.vertexCount()) + recipes_.size());
+  for (const math::Vec3f& p : cookPatch(patch, places_, roundness_)) {
+    recipes_.emplace_back().kind = Recipe::Kind::Patch;
+    places_.push_back(p);
+    rebuilder_->addVertex(p);
+  }
+  for (std::vector<VertexId>& loop : patch.shape.faces(cap, firstInside))
+    caps_.push_back({v, std::move(loop)});
+  patches_.push_back(std::move(patch));
 }
 
 // A vertex in a closed fan with one bevelled edge, the fan's first.
@@ -283,12 +335,14 @@ void BevelCorners::placeEnd(VertexId v, const VertexFan& fan) {
 }
 
 // Vertices from one corner to another around the old one.
-std::vector<VertexId> BevelCorners::makeProfile(VertexId from, VertexId to, VertexId corner) {
+std::vector<VertexId> BevelCorners::makeProfile(VertexId from, VertexId to, VertexId corner,
+                                                const Vec3& along) {
   if (!options_.chamfer) return makeRidge(from, to, corner);
   std::vector<VertexId> profile{from};
   Recipe recipe;
   recipe.kind = Recipe::Kind::Profile;
   recipe.base = pointOf(corner);
+  recipe.along = along;
   recipe.from = from;
   recipe.to = to;
   for (int i = 1; i < options_.segments; ++i) {

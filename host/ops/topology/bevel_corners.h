@@ -9,6 +9,7 @@
 #include "host/mesh/adjacency.h"
 #include "host/mesh/rebuild.h"
 #include "host/ops/topology/bevel_edges.h"
+#include "host/ops/topology/bevel_patch.h"
 #include "host/ops/topology/flat_map.h"
 #include "host/ops/topology/vertex_fan.h"
 
@@ -46,7 +47,7 @@ class BevelCorners {
   /// Faces with corners that move, ascending.
   [[nodiscard]] std::vector<FaceId> touchedFaces() const;
 
-  /// A gap at a vertex and the loop that fills it.
+  /// A face in the gap at a vertex.
   struct Cap {
     VertexId vertex = kNone;
     std::vector<VertexId> loop;
@@ -65,13 +66,20 @@ class BevelCorners {
   /// How a new vertex follows from offset and roundness. Along a profile or a ridge it lies between
   /// two vertices, new ones of a lower number or old ones.
   struct Recipe {
-    enum class Kind : std::uint8_t { Sector, Profile, Ridge };
+    enum class Kind : std::uint8_t { Sector, Profile, Ridge, Patch };
     Kind kind = Kind::Sector;
     int wayCount = 0;           ///< a sector's: it goes the mean of them
     std::array<Way, 2> ways{};  ///< a sector's
     math::Vec3 base;            ///< where the old vertex is, in the space of the options
+    math::Vec3 along;           ///< a profile's: its tangents meet on this line through the base
     VertexId from = kNone, to = kNone;
     double share = 0;  ///< how far from the one to the other; a ridge goes from one to the base
+  };
+  /// The faces of a gap, and its sides as profiles. Their vertices have recipes one after the
+  /// other that say nothing but that.
+  struct Patch {
+    BevelPatch shape;
+    std::vector<Recipe> sides;
   };
   struct Range {
     std::size_t first = 0, count = 0;
@@ -100,14 +108,22 @@ class BevelCorners {
   [[nodiscard]] Way mitre(VertexId v, EdgeId e, EdgeId f) const;
   [[nodiscard]] Recipe sector(VertexId v, const VertexFan& fan, std::size_t i, std::size_t j) const;
   [[nodiscard]] Recipe alongEdge(VertexId v, EdgeId edge, EdgeId bevelled) const;
+  [[nodiscard]] math::Vec3f toObject(const math::Vec3& p) const;
   [[nodiscard]] math::Vec3f cook(const Recipe& recipe, std::span<const math::Vec3f> places,
                                  double offset, double roundness) const;
+  [[nodiscard]] BevelArc arcOf(const Recipe& profile, std::span<const math::Vec3f> places) const;
+  [[nodiscard]] std::vector<math::Vec3f> cookPatch(const Patch& patch,
+                                                   std::span<const math::Vec3f> places,
+                                                   double roundness) const;
 
   VertexId add(const Recipe& recipe);
   void placeVertex(VertexId v, VertexFan& fan);
   void placeSectors(VertexId v, const VertexFan& fan, std::span<const std::size_t> bounds);
   void placeEnd(VertexId v, const VertexFan& fan);
-  std::vector<VertexId> makeProfile(VertexId from, VertexId to, VertexId corner);
+  void fillGap(VertexId v, std::span<const VertexId> sectors, std::span<const math::Vec3> edges,
+               std::vector<VertexId> cap);
+  std::vector<VertexId> makeProfile(VertexId from, VertexId to, VertexId corner,
+                                    const math::Vec3& along = {});
   std::vector<VertexId> makeRidge(VertexId from, VertexId to, VertexId corner);
   void replaceEdges();
 
@@ -123,6 +139,7 @@ class BevelCorners {
   double offset_ = 0, roundness_ = 0;  // of the trial
   double shortest_ = 0;
   std::vector<Recipe> recipes_;
+  std::vector<Patch> patches_;
   std::vector<math::Vec3f> places_;
   std::vector<VertexId> pool_;
   FlatMap<Range> corners_, profiles_, ridges_;

@@ -1,9 +1,12 @@
 #include "host/ops/topology/bevel_edges.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numeric>
+#include <optional>
 
+#include "host/mesh/provenance.h"
 #include "host/ops/topology/bevel_corners.h"
 #include "host/ops/topology/bevel_faces.h"
 #include "host/ops/topology/bevel_uvs.h"
@@ -11,6 +14,29 @@
 #include "host/ops/topology/soft_edges.h"
 
 namespace host::ops {
+namespace {
+
+/// Meshes that were placed before. Once nobody else holds one any more its arrays are written
+/// again, so that a drag costs what moves: of two in turn, the earlier one has been let go of when
+/// the next is wanted. One that is still held is copied by being written.
+class PlacedMeshes {
+ public:
+  /// A mesh with the base's faces whose new points and UVs are anywhere.
+  Mesh& next(const Mesh& base) {
+    turn_ = (turn_ + 1) % meshes_.size();
+    Mesh& mesh = meshes_[turn_];
+    if (!mesh.sharesTopologyWith(base)) mesh = base;
+    // An array that the base does without is none that has come to say the same.
+    if (base.edgeSmooth().empty() && !mesh.edgeSmooth().empty()) mesh.setEdgeSmooth({});
+    return mesh;
+  }
+
+ private:
+  std::array<Mesh, 2> meshes_;
+  std::size_t turn_ = 0;
+};
+
+}  // namespace
 
 /// What is the same however wide the bevel is.
 struct BevelPlan::Data {
@@ -25,7 +51,9 @@ struct BevelPlan::Data {
   std::unique_ptr<BevelUvs> uvs;
   std::vector<EdgeSides> softened;                    // edges of new faces
   std::vector<mesh::EdgeVertices> newEdges;           // edges that join new vertices
+  std::optional<mesh::Provenance> origin;             // of the built mesh, if followed
   mutable std::shared_ptr<const WeldedBevel> welded;  // the last that came together
+  mutable PlacedMeshes open, closed;
 };
 
 namespace {
@@ -97,34 +125,43 @@ void build(Data& data) {
   data.softened = sidesOfNewFaces(built.mesh, built.result);
 }
 
-/// @return what the weld made of the result; null when there was nothing to weld
+/// Moves the new points and UVs of a mesh with the faces that were built.
 template <class Data>
-std::shared_ptr<const BevelEdgesResult> placeBevel(const Data& data,
-                                                   const BevelEdgesOptions& options, Mesh& mesh) {
-  const BevelledMesh& built = data.built;
+void placeOpen(const Data& data, const BevelEdgesOptions& options, Mesh& mesh) {
   const std::vector<math::Vec3f> places = data.corners.placesFor(options);
-  mesh = built.mesh;
   const auto points = mesh.editPoints();
   for (std::size_t i = 0; i < places.size(); ++i)
-    if (built.added[i] != kNone) points[at(built.added[i])] = places[i];
-  data.uvs->place(data.before, built, data.corners, places, mesh);
-  std::vector<Index> targets;
-  if (options.mergeVertices)
-    targets = joinedVertices(
-        mesh, built.firstNew, data.newEdges, options.space,
-        std::min(options.mergeTolerance, kWeldedShare * data.corners.offsetOf(options)));
-  if (targets.empty()) {
-    softenSides(mesh, data.softened, options.smoothingAngle);
-    return nullptr;
+    if (data.built.added[i] != kNone) points[at(data.built.added[i])] = places[i];
+  data.uvs->place(data.before, data.built, data.corners, places, mesh);
+}
+
+template <class Data>
+std::vector<Index> joinedIn(const Data& data, const BevelEdgesOptions& options, const Mesh& mesh) {
+  if (!options.mergeVertices) return {};
+  return joinedVertices(
+      mesh, data.built.firstNew, data.newEdges, options.space,
+      std::min(options.mergeTolerance, kWeldedShare * data.corners.offsetOf(options)));
+}
+
+/// How a mesh comes of the one that was bevelled; nothing while nobody follows.
+class OriginScope {
+ public:
+  explicit OriginScope(const Mesh& before) {
+    if (mesh::ProvenanceTrail::isFollowed()) trail_.emplace(before);
   }
-  if (data.welded && data.welded->targets == targets && data.welded->keepsUvsOf(mesh)) {
-    mesh = data.welded->placedAs(mesh, built.firstNew);
-  } else {
-    data.welded = weldBevel(built, std::move(mesh), std::move(targets));
-    mesh = data.welded->mesh;
+  [[nodiscard]] std::optional<mesh::Provenance> of(const Mesh& made) const {
+    return trail_ ? trail_->to(made) : std::nullopt;
   }
-  softenSides(mesh, data.welded->softened, options.smoothingAngle);
-  return data.welded->result;
+
+ private:
+  std::optional<mesh::ProvenanceTrail> trail_;
+};
+
+/// Tells who follows now of what was built in an earlier evaluation.
+void tellOrigin(const Mesh& before, const Mesh& made,
+                const std::optional<mesh::Provenance>& origin) {
+  if (origin && mesh::ProvenanceTrail::isFollowed())
+    mesh::ProvenanceTrail::note(before, made, *origin);
 }
 
 Result<math::Matrix4> check(const Mesh& mesh, std::span<const EdgeId> edges,
@@ -146,7 +183,9 @@ Result<BevelPlan> BevelPlan::make(const Mesh& mesh, std::span<const EdgeId> edge
   if (!inverse) return failWith(inverse.error());
   const auto data = std::make_shared<Data>(mesh, sortedIds(edges), evened(options), *inverse);
   HOST_TRY(checkAnyIsLeft(data->corners));
+  const OriginScope origin(mesh);
   build(*data);
+  data->origin = origin.of(data->built.mesh);
   BevelPlan plan;
   plan.data_ = data;
   return plan;
@@ -155,11 +194,11 @@ Result<BevelPlan> BevelPlan::make(const Mesh& mesh, std::span<const EdgeId> edge
 bool BevelPlan::hasTopologyOf(const BevelEdgesOptions& asked) const {
   if (!data_) return false;
   const BevelEdgesOptions options = evened(asked), &own = data_->options;
-  const bool isSameFaces = options.segments == own.segments && options.autoFit == own.autoFit &&
-                           options.fillNgons == own.fillNgons &&
-                           options.miteringAngle == own.miteringAngle &&
-                           options.uvAssignment == own.uvAssignment &&
-                           options.chamfer == own.chamfer && isSameSpace(options.space, own.space);
+  const bool isSameFaces =
+      options.segments == own.segments && options.autoFit == own.autoFit &&
+      options.fillNgons == own.fillNgons && options.subdivideNgons == own.subdivideNgons &&
+      options.miteringAngle == own.miteringAngle && options.uvAssignment == own.uvAssignment &&
+      options.chamfer == own.chamfer && isSameSpace(options.space, own.space);
   const bool isSamePlace = options.offset == own.offset &&
                            options.offsetAsFraction == own.offsetAsFraction &&
                            options.roundness == own.roundness;
@@ -169,10 +208,28 @@ bool BevelPlan::hasTopologyOf(const BevelEdgesOptions& asked) const {
 Result<BevelPlan::Placed> BevelPlan::place(const BevelEdgesOptions& asked) const {
   if (const auto checked = checkOptions(asked); !checked) return failWith(checked.error());
   if (!hasTopologyOf(asked)) return fail("The bevel's topology has changed; plan it again");
-  Placed placed;
-  placed.result = placeBevel(*data_, evened(asked), placed.mesh);
-  if (!placed.result) placed.result = {data_, &data_->built.result};
-  return placed;
+  const Data& data = *data_;
+  const BevelEdgesOptions options = evened(asked);
+  Mesh& open = data.open.next(data.built.mesh);
+  placeOpen(data, options, open);
+  std::vector<Index> targets = joinedIn(data, options, open);
+  if (targets.empty()) {
+    softenSides(open, data.softened, options.smoothingAngle);
+    tellOrigin(data.before, open, data.origin);
+    return Placed{open, {data_, &data.built.result}};
+  }
+  if (!data.welded || data.welded->targets != targets) {
+    const OriginScope origin(data.before);
+    tellOrigin(data.before, open, data.origin);
+    const auto made = weldBevel(data.built, *data.uvs, open, std::move(targets));
+    made->origin = origin.of(made->mesh);
+    data.welded = made;
+  }
+  Mesh& closed = data.closed.next(data.welded->mesh);
+  data.welded->follow(open, closed);
+  softenSides(closed, data.welded->softened, options.smoothingAngle);
+  tellOrigin(data.before, closed, data.welded->origin);
+  return Placed{closed, data.welded->result};
 }
 
 Result<BevelEdgesResult> bevelEdges(Mesh& mesh, std::span<const EdgeId> edges,
@@ -182,8 +239,17 @@ Result<BevelEdgesResult> bevelEdges(Mesh& mesh, std::span<const EdgeId> edges,
   BevelPlan::Data data(mesh, sortedIds(edges), evened(options), *inverse);
   HOST_TRY(checkAnyIsLeft(data.corners));
   build(data);
-  if (const auto welded = placeBevel(data, data.options, mesh)) return *welded;
-  return std::move(data.built.result);
+  mesh = data.built.mesh;
+  placeOpen(data, data.options, mesh);
+  std::vector<Index> targets = joinedIn(data, data.options, mesh);
+  if (targets.empty()) {
+    softenSides(mesh, data.softened, data.options.smoothingAngle);
+    return std::move(data.built.result);
+  }
+  const auto welded = weldBevel(data.built, *data.uvs, mesh, std::move(targets));
+  mesh = welded->mesh;
+  softenSides(mesh, welded->softened, data.options.smoothingAngle);
+  return *welded->result;
 }
 
 }  // namespace host::ops

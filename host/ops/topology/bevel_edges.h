@@ -18,9 +18,10 @@ struct BevelEdgesOptions {
   double roundness = 1;  ///< of the profile with several segments: 0 flat, 1 an arc
   math::Matrix4 space;   ///< from object space to the space that the offset is measured in
   double smoothingAngle = std::numbers::pi / 6;  ///< new edges are hard beyond it, radians
-  bool autoFit = true;        ///< an offset that would slide past the end of an edge is shortened
-  bool fillNgons = true;      ///< close the gaps at vertices where strips meet by faces
-  bool mergeVertices = true;  ///< weld vertices of the bevel that come to lie on each other
+  bool autoFit = true;          ///< an offset that would slide past the end of an edge is shortened
+  bool fillNgons = true;        ///< close the gaps at vertices where strips meet by faces
+  bool subdivideNgons = false;  ///< of rounded gaps: quads on the round instead of one face
+  bool mergeVertices = true;    ///< weld vertices of the bevel that come to lie on each other
   double mergeTolerance = 0.0001;           ///< nearer than this, in the space above, cm; at most a
                                             ///< hundredth of the offset
   double miteringAngle = std::numbers::pi;  ///< two bevelled edges of a face that meet at more end
@@ -46,8 +47,11 @@ struct BevelEdgesResult {
 /// Faces at a bevelled edge draw back from it. At a vertex with one bevelled edge the two new
 /// corners slide along the edges beside it, and the vertex stays if it has more than three edges;
 /// with two bevelled edges the strips meet; with more, or with one at a vertex that stays, a face
-/// closes the gap. Border and non-manifold edges, edges at vertices with several fans of faces,
-/// between faces wound against each other and with one face on both sides are left alone.
+/// closes the gap, or with subdivideNgons quads do inside of the mesh, about one face in the middle
+/// where the number of segments is odd. With several segments strips that meet end in arcs across
+/// their edges, so that the corner of a cube becomes a part of a sphere. Border and non-manifold
+/// edges, edges at vertices with several fans of faces, between faces wound against each other and
+/// with one face on both sides are left alone.
 ///
 /// Faces keep their ids, strips follow in order of the edges and then caps in order of the
 /// vertices; vertices that were replaced go, new ones follow in order of the old vertices. Edges
@@ -79,9 +83,10 @@ class BevelPlan {
     Mesh mesh;
     std::shared_ptr<const BevelEdgesResult> result;
   };
-  /// What bevelEdges() makes with these options. While no vertices come together the mesh shares
-  /// all arrays but points, UVs and edge smoothness with the plan, and it costs a copy of these and
-  /// what is new.
+  /// What bevelEdges() makes with these options. While the same vertices come together as before
+  /// the mesh shares all arrays but points, UVs and edge smoothness with the plan, and costs what
+  /// is new: the plan keeps two earlier results and writes in them as soon as nobody else holds
+  /// them (until then it copies these arrays). Not for several threads at once.
   /// @return an error for bad numbers, or for options that need another plan
   [[nodiscard]] Result<Placed> place(const BevelEdgesOptions& options) const;
 

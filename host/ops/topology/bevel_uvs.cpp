@@ -108,4 +108,17 @@ void BevelUvs::place(const Mesh& before, const BevelledMesh& built, const BevelC
   }
 }
 
+std::vector<UvId> BevelUvs::placed(const BevelledMesh& built, int uvSet) const {
+  std::vector<UvId> ids;
+  for (const Set& made : sets_) {
+    if (made.index != uvSet) continue;
+    for (const auto& blended : made.blended) ids.push_back(blended.first);
+    const auto& corners = built.mesh.uvSet(uvSet).cornerIds;
+    for (const FaceId f : made.projected)
+      ids.insert(ids.end(), corners.begin() + built.mesh.firstCorner(f),
+                 corners.begin() + built.mesh.firstCorner(f + 1));
+  }
+  return ids;
+}
+
 }  // namespace host::ops

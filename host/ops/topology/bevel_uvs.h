@@ -19,6 +19,8 @@ class BevelUvs {
   /// @param mesh the built mesh with its points moved there
   void place(const Mesh& before, const BevelledMesh& built, const BevelCorners& corners,
              std::span<const math::Vec3f> places, Mesh& mesh) const;
+  /// The UVs of a set that place() writes; none of a set without UVs.
+  [[nodiscard]] std::vector<UvId> placed(const BevelledMesh& built, int uvSet) const;
 
  private:
   struct Set {

@@ -14,21 +14,16 @@ std::size_t at(Index i) {
 
 }  // namespace
 
-Mesh WeldedBevel::placedAs(const Mesh& open, VertexId firstNew) const {
-  Mesh placed = mesh;
+void WeldedBevel::follow(const Mesh& open, Mesh& placed) const {
   const auto from = open.points();
   const auto to = placed.editPoints();
-  for (std::size_t i = 0; i < kept.size(); ++i)
-    if (kept[i] != kNone && at(targets[i]) == i) to[at(kept[i])] = from[at(firstNew) + i];
-  for (int s = 0; s < placed.uvSetCount(); ++s)
-    if (!placed.uvSet(s).cornerIds.empty()) placed.editUvSet(s).points = open.uvSet(s).points;
-  return placed;
-}
-
-bool WeldedBevel::keepsUvsOf(const Mesh& open) const {
-  for (int s = 0; s < mesh.uvSetCount(); ++s)
-    if (mesh.uvSet(s).points.size() != open.uvSet(s).points.size()) return false;
-  return true;
+  for (const auto& [there, here] : points) to[at(here)] = from[at(there)];
+  for (std::size_t s = 0; s < uvs.size(); ++s) {
+    if (uvs[s].empty()) continue;
+    const auto& fromUvs = open.uvSet(static_cast<int>(s)).points;
+    auto& toUvs = placed.editUvSet(static_cast<int>(s)).points;
+    for (const auto& [there, here] : uvs[s]) toUvs[at(here)] = fromUvs[at(there)];
+  }
 }
 
 std::vector<Index> joinedVertices(const Mesh& open, VertexId firstNew,
@@ -53,17 +48,29 @@ std::vector<Index> joinedVertices(const Mesh& open, VertexId firstNew,
   return targets;
 }
 
-std::shared_ptr<const WeldedBevel> weldBevel(const BevelledMesh& built, Mesh open,
-                                             std::vector<Index> targets) {
+std::shared_ptr<WeldedBevel> weldBevel(const BevelledMesh& built, const BevelUvs& uvs,
+                                       const Mesh& open, std::vector<Index> targets) {
   const auto made = std::make_shared<WeldedBevel>();
   std::vector<VertexId> all(at(open.vertexCount()));
   std::iota(all.begin(), all.end(), 0);
   for (std::size_t i = 0; i < targets.size(); ++i)
     all[at(built.firstNew) + i] = built.firstNew + targets[i];
-  made->mesh = std::move(open);
+  made->mesh = open;
+  const auto isSmooth = built.mesh.edgeSmooth();  // the open bevel may be softened
+  made->mesh.setEdgeSmooth({isSmooth.begin(), isSmooth.end()});
+  const WeldMaps welded = weldVertices(made->mesh, all);
+  for (std::size_t i = 0; i < targets.size(); ++i) {
+    const VertexId there = built.firstNew + static_cast<VertexId>(i);
+    if (at(targets[i]) == i && welded.vertices[at(there)] != kNone)
+      made->points.emplace_back(there, welded.vertices[at(there)]);
+  }
+  for (std::size_t s = 0; s < welded.uvs.size(); ++s) {
+    auto& moves = made->uvs.emplace_back();
+    for (const UvId id : uvs.placed(built, static_cast<int>(s)))
+      if (const UvId now = welded.uvs[s].empty() ? id : welded.uvs[s][at(id)]; now != kNone)
+        moves.emplace_back(id, now);
+  }
   made->targets = std::move(targets);
-  const EditMaps welded = weldVertices(made->mesh, all);
-  made->kept.assign(welded.vertices.begin() + built.firstNew, welded.vertices.end());
   BevelEdgesResult result = built.result;
   const auto follow = [](std::vector<Index>& ids, const std::vector<Index>& map) {
     for (Index& id : ids)

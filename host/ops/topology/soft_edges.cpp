@@ -3,6 +3,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "host/base/parallel.h"
 #include "host/mesh/normals.h"
 
 namespace host::ops {
@@ -53,13 +54,15 @@ std::vector<EdgeSides> sidesOfEdges(const Mesh& mesh, std::span<const EdgeId> ed
 
 void softenSides(Mesh& mesh, std::span<const EdgeSides> sides, double angle,
                  const math::Matrix4* space) {
-  std::vector<std::uint8_t> isSmooth;
-  isSmooth.reserve(sides.size());
+  std::vector<std::uint8_t> isSmooth(sides.size());
+  constexpr std::size_t kGrain = 2048;
+  parallelFor(sides.size(), kGrain, [&](std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i)
+      isSmooth[i] = isSmoothAt(mesh, sides[i], angle, space) ? 1 : 0;
+  });
   bool isChanged = false;
-  for (const EdgeSides& entry : sides) {
-    isSmooth.push_back(isSmoothAt(mesh, entry, angle, space) ? 1 : 0);
-    isChanged |= (isSmooth.back() != 0) != mesh.isEdgeSmooth(entry.edge);
-  }
+  for (std::size_t i = 0; i < sides.size() && !isChanged; ++i)
+    isChanged = (isSmooth[i] != 0) != mesh.isEdgeSmooth(sides[i].edge);
   if (!isChanged) return;
   std::vector<std::uint8_t> flags(mesh.edgeSmooth().begin(), mesh.edgeSmooth().end());
   if (flags.empty()) flags.assign(at(mesh.edgeCount()), 1);

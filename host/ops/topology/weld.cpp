@@ -39,8 +39,8 @@ void removeSpikes(std::vector<LoopCorner>& loop) {
   removeSpikesAcrossTheEnd(loop);
 }
 
-EditMaps weldVertices(Mesh& mesh, std::span<const VertexId> targets) {
-  EditMaps maps;
+WeldMaps weldVertices(Mesh& mesh, std::span<const VertexId> targets) {
+  WeldMaps maps;
   maps.faces.assign(at(mesh.faceCount()), kNone);
   mesh::MeshRebuilder rebuilder(mesh);
   rebuilder.keepAllVertices();
@@ -86,6 +86,7 @@ EditMaps weldVertices(Mesh& mesh, std::span<const VertexId> targets) {
   for (std::size_t v = 0; v < targets.size(); ++v)
     maps.vertices[v] = rebuilt.vertexMap[at(targets[v])];
   maps.edges = std::move(rebuilt.edgeMap);
+  maps.uvs = std::move(rebuilt.uvMaps);
   mesh = std::move(rebuilt.mesh);
   return maps;
 }

@@ -18,6 +18,11 @@ struct LoopCorner {
 /// than three corners left means that the face is gone. Linear.
 void removeSpikes(std::vector<LoopCorner>& loop);
 
+/// What became of the components of a welded mesh.
+struct WeldMaps : EditMaps {
+  std::vector<std::vector<UvId>> uvs;  ///< by UV set; an empty map: all of them stay
+};
+
 /// Moves vertices onto others and closes what collapses.
 ///
 /// `targets` has one entry a vertex: the vertex it becomes, itself for most; a target is its own
@@ -25,6 +30,6 @@ void removeSpikes(std::vector<LoopCorner>& loop);
 /// vertices that lost their last face go; ids close up. Of edges that come to lie on each other the
 /// lowest one stays, with its smoothness and crease. Corners keep their UVs, colours and locked
 /// normals. Positions stay the targets' own. Linear.
-EditMaps weldVertices(Mesh& mesh, std::span<const VertexId> targets);
+WeldMaps weldVertices(Mesh& mesh, std::span<const VertexId> targets);
 
 }  // namespace host::ops

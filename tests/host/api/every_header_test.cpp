@@ -97,6 +97,7 @@
 #include <maya/MHWRender.h>
 #include <maya/MIOStream.h>
 #include <maya/MIOStreamFwd.h>
+#include <maya/MImage.h>
 #include <maya/MInt64Array.h>
 #include <maya/MIntArray.h>
 #include <maya/MItCurveCV.h>

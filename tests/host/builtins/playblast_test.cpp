@@ -130,6 +130,48 @@ TEST_CASE("the picture shows what the panel shows, upright") {
   CHECK(session->undo().itemCount() == steps);
 }
 
+TEST_CASE("what viewFit frames is whole in pictures of any proportions, and fills them") {
+  const auto session = builtins::makeSession();
+  if (!canDraw(*session)) return;
+  std::filesystem::create_directories(kFolder);
+  const std::string file = (kFolder / "fit.png").string();
+  struct Case {
+    const char* camera;
+    int width, height;
+  };
+  for (const Case& each : {Case{"persp", 120, 120}, Case{"persp", 60, 160}, Case{"persp", 320, 80},
+                           Case{"front", 60, 160}, Case{"front", 320, 80}}) {
+    CAPTURE(each.camera);
+    CAPTURE(each.width);
+    const std::string size = std::to_string(each.width) + " " + std::to_string(each.height);
+    REQUIRE(session->executeLine(
+        "file -f -new; shadingNode -asShader surfaceShader -n red; setAttr red.outColor -type "
+        "double3 1 "
+        "0 0; polyCube -w 10 -h 2 -d 2; hyperShade -assign red; select -cl; lookThru modelPanel4 " +
+        std::string(each.camera) +
+        "; modelEditor -e -grid 0 modelPanel4; viewFit -all; playblast -orn 0 -wh " + size +
+        " -epn modelPanel4 -cf \"" + file + "\""));
+    const auto picture = io::readPng(file);
+    REQUIRE(picture);
+    const auto at = [&](int x, int y) {
+      return picture->rgba.data() + 4 * (static_cast<std::size_t>(y) * each.width + x);
+    };
+    int left = each.width, right = -1, top = each.height, bottom = -1;
+    for (int y = 0; y < each.height; ++y)
+      for (int x = 0; x < each.width; ++x) {
+        if (at(x, y)[0] < 200 || at(x, y)[1] > 60) continue;
+        left = std::min(left, x);
+        right = std::max(right, x);
+        top = std::min(top, y);
+        bottom = std::max(bottom, y);
+      }
+    const double across = (right - left + 1.0) / each.width;
+    const double down = (bottom - top + 1.0) / each.height;
+    CHECK(std::max(across, down) > 0.8);
+    CHECK(std::max(across, down) < 0.97);
+  }
+}
+
 TEST_CASE("a picture that can't be made says why and leaves no file") {
   const auto session = builtins::makeSession();
   const std::string file = (kFolder / "none.png").string();

@@ -37,8 +37,8 @@ TEST_CASE("png: pixels come back as written, whatever the size") {
 }
 
 TEST_CASE("png: impossible pictures and damaged files are errors") {
-  CHECK_FALSE(encodePng({0, 4, {}}));
-  CHECK_FALSE(encodePng({4, 4, std::vector<std::uint8_t>(63)}));
+  CHECK_FALSE(encodePng(Image{0, 4, {}}));
+  CHECK_FALSE(encodePng(Image{4, 4, std::vector<std::uint8_t>(63)}));
   CHECK_FALSE(writePng(std::string(QXMT_BINARY_DIR) + "/no/such/folder/x.png", testCard(2, 2)));
   CHECK(readPng("/no/such/picture.png").error().message.find("/no/such/picture.png") !=
         std::string::npos);

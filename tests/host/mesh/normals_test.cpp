@@ -3,6 +3,7 @@
 #include <doctest/doctest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "host/mesh/adjacency.h"
@@ -67,6 +68,19 @@ TEST_CASE("corner normals: hard edges split, locks win, and both follow edits") 
   const Mesh locked = zooMesh("locked normals");
   CHECK(locked.cornerNormals()[7] == Vec3f{0.6f, 0.8f, 0});
   CHECK(locked.cornerNormals()[0] == Vec3f{0, 1, 0});
+}
+
+TEST_CASE("corner angles: a corner that stands twice in one place keeps its angle") {
+  const Index counts[] = {5, 3}, loops[] = {0, 1, 2, 3, 4};
+  const auto square = buildMesh({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {1, 1, 0}, {0, 1, 0}},
+                                std::span(counts, 1), std::span(loops, 5));
+  REQUIRE(square);
+  for (CornerId c = 0; c < 5; ++c)
+    CHECK(cornerAngle(*square, square->adjacency(), c) == doctest::Approx(std::acos(0.0)));
+  const auto nowhere = buildMesh({{1, 2, 3}, {1, 2, 3}, {1, 2, 3}}, std::span(counts + 1, 1),
+                                 std::array<VertexId, 3>{0, 1, 2});
+  REQUIRE(nowhere);
+  CHECK(cornerAngle(*nowhere, nowhere->adjacency(), 0) == 0);
 }
 
 TEST_CASE("faces: Newell's area agrees with that of triangles") {

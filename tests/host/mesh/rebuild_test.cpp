@@ -65,9 +65,15 @@ TEST_CASE("keepFaces: what stays keeps its order and its data, what hung on the 
   for (const ZooMesh& zoo : meshZoo(Has::Faces)) {
     CAPTURE(zoo.name);
     const Mesh& before = zoo.mesh;
-    const auto [mesh, vertexMap, edgeMap] = keepFaces(before, everySecond(before));
+    const auto [mesh, vertexMap, edgeMap, uvMaps] = keepFaces(before, everySecond(before));
     for (const std::string& fault : check(mesh)) FAIL_CHECK(fault);
     REQUIRE(mesh.faceCount() == (before.faceCount() + 1) / 2);
+    for (int set = 0; set < before.uvSetCount(); ++set)
+      for (UvId id = 0; at(id) < before.uvSet(set).points.size(); ++id) {
+        const UvId now = uvMaps[at(set)].empty() ? id : uvMaps[at(set)][at(id)];
+        if (now != kNone)
+          CHECK(mesh.uvSet(set).points[at(now)] == before.uvSet(set).points[at(id)]);
+      }
     for (const auto* map : {&vertexMap, &edgeMap}) {
       std::vector<Index> kept(*map);
       std::erase(kept, kNone);

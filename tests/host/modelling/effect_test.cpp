@@ -100,6 +100,7 @@ bool isShownElsewhere(const std::string& name) {
       "polyLayoutUV.denseLayout",           // only where -layoutMethod packs boxes
       "polyMapSewMove.limitPieceSize",      // about -numberFaces
       "unfold.scale",                       // only with -useScale
+      "polyReduce.keepFaceGroupBorder",     // groups of faces
       "polyQuad.keepTextureBorders",
       "polyQuad.keepHardEdges"};  // triangles with such borders
   return names.contains(name);

@@ -116,11 +116,13 @@ TEST_CASE("modelling commands: every flag is read from the node and can be writt
     }
 }
 
-TEST_CASE("primitives and polyUnite: every flag is read from the node and can be written back") {
-  for (const char* line : {"polyCube -n o -w 2 -sx 3", "polySphere -n o -sy 5", "polyPlane -n o",
-                           "polyCylinder -n o -rcp 1 -sz 2", "polyCone -n o -h 3",
-                           "polyTorus -n o -tw 0.3", "polyPyramid -n o -ns 5", "polyUnite -n o c p",
-                           "polyCreateFacet -n o -p 0 0 0 -p 1 0 0 -p 0 1 0"}) {
+TEST_CASE(
+    "primitives and what joins objects: every flag is read from the node and can be written back") {
+  for (const char* line :
+       {"polyCube -n o -w 2 -sx 3", "polySphere -n o -sy 5", "polyPlane -n o",
+        "polyCylinder -n o -rcp 1 -sz 2", "polyCone -n o -h 3", "polyTorus -n o -tw 0.3",
+        "polyPyramid -n o -ns 5", "polyUnite -n o c p", "polyBoolOp -n o c p",
+        "polyCBoolOp -n o c p", "polyCreateFacet -n o -p 0 0 0 -p 1 0 0 -p 0 1 0"}) {
     FlagScene scene;
     CAPTURE(std::string(line));
     scene.run(line);

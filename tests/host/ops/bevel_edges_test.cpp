@@ -1,5 +1,6 @@
 #include "host/ops/topology/bevel_edges.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "host/mesh/normals.h"
@@ -120,6 +121,78 @@ TEST_CASE("bevelEdges: volumes of bevelled cubes") {
   CHECK(volume(huge) == doctest::Approx(0.5));
 }
 
+TEST_CASE("bevelEdges: corners of several segments are parts of a sphere") {
+  const Mesh cube = makeCube().value();
+  for (const int segments : {2, 3, 4, 7, 16}) {
+    CAPTURE(segments);
+    BevelEdgesOptions options = part(0.5, segments);  // a quarter of an edge
+    options.subdivideNgons = true;
+    Mesh round = cube;
+    const auto result = bevelEdges(round, zoo::allEdges(cube), options);
+    REQUIRE(result.has_value());
+    requireSound(round);
+    CHECK(zoo::counts(round).euler() == 2);
+    const bool isOdd = segments % 2 != 0;
+    const auto quads = static_cast<std::size_t>((segments * segments - (isOdd ? 1 : 0)) * 3 / 4);
+    CHECK(result->caps.size() == 8 * (quads + (isOdd ? 1 : 0)));
+    int triangles = 0;
+    for (FaceId f = 0; f < round.faceCount(); ++f) {
+      CHECK(round.faceVertices(f).size() <= 4);
+      triangles += round.faceVertices(f).size() == 3;
+    }
+    CHECK(triangles == (isOdd ? 8 : 0));
+    // Every vertex has a quarter to the nearest place of the cube of half the size within.
+    for (const math::Vec3f& p : round.points()) {
+      const math::Vec3 inner{std::clamp<double>(p.x, -0.25, 0.25),
+                             std::clamp<double>(p.y, -0.25, 0.25),
+                             std::clamp<double>(p.z, -0.25, 0.25)};
+      CHECK(math::distance(math::Vec3(p), inner) == doctest::Approx(0.25).epsilon(1e-5));
+    }
+  }
+
+  // The same rim, and one face in it.
+  Mesh open = cube;
+  const auto result = bevelEdges(open, zoo::allEdges(cube), part(0.5, 3));
+  REQUIRE(result.has_value());
+  CHECK(result->caps.size() == 8);
+  for (const FaceId cap : result->caps) CHECK(open.faceVertices(cap).size() == 9);
+  CHECK(volume(open) > 0.8);
+  CHECK(volume(open) < 0.86);  // the box rounded all over
+}
+
+TEST_CASE("bevelEdges: quads in corners of any shape lie between the strips") {
+  // A corner of a slanted box, and one with five edges: no sphere touches all sides at the width.
+  Mesh slanted = makeCube().value();
+  for (math::Vec3f& p : slanted.editPoints()) p = {p.x + 0.4F * p.y, 1.5F * p.y, p.z - 0.3F * p.x};
+  const Mesh pyramid =
+      zoo::meshOf({{0, 1, 0},
+                   {1, 0, 0},
+                   {0.31F, 0, -0.95F},
+                   {-0.81F, 0, -0.59F},
+                   {-0.81F, 0, 0.59F},
+                   {0.31F, 0, 0.95F}},
+                  {{0, 1, 2}, {0, 2, 3}, {0, 3, 4}, {0, 4, 5}, {0, 5, 1}, {5, 4, 3, 2, 1}});
+  for (const Mesh* mesh : {static_cast<const Mesh*>(&slanted), &pyramid}) {
+    BevelEdgesOptions options = part(0.4, 6);
+    options.subdivideNgons = true;
+    double before = 0;
+    for (const double roundness : {0.0, 0.5, 1.0}) {
+      options.roundness = roundness;
+      Mesh round = *mesh;
+      const auto result = bevelEdges(round, zoo::allEdges(*mesh), options);
+      REQUIRE(result.has_value());
+      requireSound(round);
+      for (const FaceId cap : result->caps) {
+        CHECK(round.faceVertices(cap).size() == 4);
+        CHECK(mesh::faceArea(round, cap) > 0);
+      }
+      CHECK(volume(round) > before);
+      CHECK(volume(round) < volume(*mesh));
+      before = volume(round);
+    }
+  }
+}
+
 TEST_CASE("bevelEdges: an edge inside a grid keeps its ends, UVs follow the new places") {
   Mesh grid = zoo::gridMesh(4, 4);
   const EdgeId inner = grid.adjacency().findEdge(11, 12);
@@ -177,6 +250,7 @@ TEST_CASE("bevelEdges: every option over the zoo leaves a sound mesh") {
       BevelEdgesOptions options = part(fraction, 1 + static_cast<int>(random() % 4));
       options.autoFit = (bits & 1) != 0;
       options.fillNgons = (bits & 2) != 0;
+      options.subdivideNgons = (bits & 17) != 0;
       options.mergeVertices = (bits & 4) != 0;
       options.chamfer = (bits & 8) != 0;
       options.uvAssignment = (bits & 16) != 0 ? BevelEdgesOptions::UvAssignment::PlanarPerFace
@@ -255,6 +329,7 @@ TEST_CASE("BevelPlan: placed anew it is what bevelling anew makes, to the bit") 
     const auto edges = randomIds(random, mesh.edgeCount(), chance);
     BevelEdgesOptions options = wide(0.05, 1 + static_cast<int>(random() % 4));
     options.chamfer = random() % 4 != 0;
+    options.subdivideNgons = random() % 2 != 0;
     if (random() % 2 != 0) options.uvAssignment = BevelEdgesOptions::UvAssignment::PlanarPerFace;
     const auto plan = BevelPlan::make(mesh, edges, options);
     if (!plan) return;

@@ -1,0 +1,3 @@
+#include "brushes/uvTarget.h"
+
+uvTarget::~uvTarget() = default;
