@@ -11,6 +11,11 @@ void describeCommands(cmd::CommandRegistry& registry);
 
 /// The page docs/reference/commands.md: every built-in command with what it does, its modes and its
 /// flags. The same words as `help`. The program prints it: `qxmt reference commands`.
-[[nodiscard]] std::string commandReference(const cmd::CommandRegistry& registry);
+/// @param scripts a folder of scripts to take examples from
+/// @param code the folder of the commands' sources, to tell which flags nobody reads; either may be
+///             empty
+[[nodiscard]] std::string commandReference(const cmd::CommandRegistry& registry,
+                                           const std::string& scripts = {},
+                                           const std::string& code = {});
 
 }  // namespace host::builtins

@@ -300,6 +300,9 @@ class Writer {
     if (!writer.notFinite().empty())
       result_.warnings.push_back(
           fmt::format("'{}' is not a finite number: it is saved as 0", writer.notFinite()));
+    if (!writer.lost().empty())
+      result_.warnings.push_back(fmt::format(
+          "'{}' holds data that its plug-in does not write: it is not saved", writer.lost()));
     if (isMesh) HOST_TRY(writeMesh(node));
     if (const MaKept::Node* kept = kept_.find(node))
       for (const std::string& line : kept->lines) out() += "\t" + line + ";\n";
