@@ -57,16 +57,17 @@ void appendCommand(std::string& page, const cmd::CommandSpec& command) {
 
 }  // namespace
 
-std::string commandReference(const cmd::CommandRegistry& registry) {
+std::string commandReference(cmd::CommandRegistry& registry) {
   std::string page =
       "# Commands\n\n"
       "Every built-in command with its flags, as `help` tells of them. Modes: C create, Q query, E "
       "edit. The modelling\ncommands have their defaults and what has no effect in "
       "[modelling](../modelling.md). `docs/scripts/reference.sh` writes\nthis page.\n";
   for (const std::string& name : registry.names()) {
-    const auto command = registry.find(name);
-    if (command && command->builtin() && command->name() == name)
-      appendCommand(page, *command->builtin());
+    cmd::Command* const command = registry.findBuiltin(name);
+    if (!command || command->name() != name) continue;
+    describeFlags(*command);
+    appendCommand(page, *command->builtin());
   }
   return page;
 }
