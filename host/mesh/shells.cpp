@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <numeric>
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/adjacency.h"
 
 namespace host::mesh {
@@ -38,6 +39,7 @@ Index numberFaces(const Mesh& mesh, const std::vector<Index>& cornerKeys, Index 
                   std::vector<Index>& ofFace) {
   DisjointSets sets(keyCount);
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
+    pollCancel(f);
     const Index key = cornerKeys[at(mesh.firstCorner(f))];
     if (key == kNone) continue;
     for (CornerId c = mesh.firstCorner(f) + 1; c < mesh.firstCorner(f + 1); ++c)
@@ -47,6 +49,7 @@ Index numberFaces(const Mesh& mesh, const std::vector<Index>& cornerKeys, Index 
   Index count = 0;
   ofFace.assign(at(mesh.faceCount()), kNone);
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
+    pollCancel(f);
     const Index key = cornerKeys[at(mesh.firstCorner(f))];
     if (key == kNone) continue;
     Index& shell = number[at(sets.find(key))];
@@ -91,6 +94,7 @@ std::vector<FaceId> connectedFaces(const Mesh& mesh, std::span<const FaceId> see
   };
   meet(seeds);
   for (std::size_t i = 0; i < faces.size(); ++i) {
+    pollCancel(i);
     if (link == ShellLink::Vertices)
       for (VertexId v : mesh.faceVertices(faces[i])) meet(adjacency.vertexFaces(v));
     else
@@ -208,6 +212,7 @@ std::vector<EdgeId> uvBorderEdges(const Mesh& mesh, int uvSet) {
   if (ids.empty()) return edges;
   const Adjacency& adjacency = mesh.adjacency();
   for (EdgeId e = 0; e < mesh.edgeCount(); ++e) {
+    pollCancel(e);
     const auto corners = adjacency.edgeCorners(e);
     const bool isBorder = corners.size() == 1 && ids[at(corners[0])] != kNone;
     if (isBorder || isUvSeam(mesh, uvSet, e)) edges.push_back(e);

@@ -88,7 +88,7 @@ void appendCommand(std::string& page, const cmd::CommandSpec& command, const Sou
 
 }  // namespace
 
-std::string commandReference(const cmd::CommandRegistry& registry, const std::string& scripts,
+std::string commandReference(cmd::CommandRegistry& registry, const std::string& scripts,
                              const std::string& code) {
   const Sources sources{collectExamples(registry, scripts), wordsReadBySources(code)};
   std::string page =
@@ -100,9 +100,10 @@ std::string commandReference(const cmd::CommandRegistry& registry, const std::st
       "the modelling commands is in [modelling](../modelling.md). `docs/scripts/reference.sh` "
       "writes this page.\n";
   for (const std::string& name : registry.names()) {
-    const auto command = registry.find(name);
-    if (command && command->builtin() && command->name() == name)
-      appendCommand(page, *command->builtin(), sources);
+    cmd::Command* const command = registry.findBuiltin(name);
+    if (!command || command->name() != name) continue;
+    describeFlags(*command);
+    appendCommand(page, *command->builtin(), sources);
   }
   return page;
 }

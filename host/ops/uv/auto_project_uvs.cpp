@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "host/base/cancel_poll.h"
 #include "host/base/parallel.h"
 #include "host/math/frame.h"
 #include "host/mesh/adjacency.h"
@@ -119,6 +120,7 @@ class Projection {
     const Index count = findIslands();
     std::vector<FlatPiece> whole(at(count));
     for (std::size_t i = 0; i < faces_.size(); ++i) {
+      pollCancel(i);
       FlatPiece& piece = whole[at(island_[at(faces_[i])])];
       piece.faces.push_back(faces_[i]);
       const View& view = views_[at(viewOf_[at(faces_[i])] / 2)];
@@ -155,6 +157,7 @@ class Projection {
     Index best = kFlat;
     double most = 0;
     for (std::size_t i = 0; i < views_.size(); ++i) {
+      pollCancel(i);
       const double facing = math::dot(normal, views_[i].facing);
       const bool isAway = facing < 0 && options_.projectsBothWays;
       const double seen = isAway ? -facing : facing;
@@ -200,6 +203,7 @@ class Projection {
     Index count = 0;
     std::vector<FaceId> queue;
     for (const FaceId seed : faces_) {
+      pollCancel(seed);
       if (island_[at(seed)] != kNone) continue;
       queue.assign(1, seed);
       island_[at(seed)] = count;
@@ -229,12 +233,14 @@ class Projection {
     std::vector<Island> islands(at(count));
     double total = 0;
     for (std::size_t i = 0; i < faces_.size(); ++i) {
+      pollCancel(i);
       const double area = math::length(normals_[i]);
       islands[at(island_[at(faces_[i])])].area += area;
       total += area;
     }
     const double small = total / 100;
     for (std::size_t i = 0; i < faces_.size(); ++i) {
+      pollCancel(i);
       const FaceId f = faces_[i];
       Island& island = islands[at(island_[at(f)])];
       if (island.area > small) continue;
@@ -404,6 +410,7 @@ void write(Mesh& mesh, int uvSet, std::span<const FaceId> faces,
   std::vector<UvId> uvOf(at(mesh.vertexCount()), kNone);
   std::vector<Index> pieceOf(at(mesh.vertexCount()), kNone);
   for (std::size_t i = 0; i < pieces.size(); ++i) {
+    pollCancel(i);
     const PackedBox& box = arrangement.boxes[i];
     const FlatPiece::Place& corner = arrangement.corners[i];
     std::size_t place = 0;

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "host/base/cancel_poll.h"
 #include "host/base/parallel.h"
 #include "host/mesh/adjacency.h"
 #include "host/ops/query/uv_place.h"
@@ -92,6 +93,7 @@ class Sampler {
     std::vector<Index> counts;
     std::vector<VertexId> corners;
     for (FaceId f = 0; f < source_.faceCount(); ++f) {
+      pollCancel(f);
       const CornerId first = source_.firstCorner(f);
       std::vector<VertexId> loop;
       for (CornerId c = first; c < source_.firstCorner(f + 1); ++c)
@@ -249,6 +251,7 @@ class Transfer {
     std::vector<math::Vec3f> points(before_.points().begin(), before_.points().end());
     const mesh::Adjacency& adjacency = before_.adjacency();
     for (VertexId v = 0; v < before_.vertexCount(); ++v) {
+      pollCancel(v);
       Vec3 there;
       if (options_.space == TransferSpace::Component) {
         there = source_.point(v);
@@ -276,6 +279,7 @@ class Transfer {
     mesh::UvSet taken{name, {}, std::vector<UvId>(at(target_.cornerCount()), kNone)};
     std::vector<std::optional<Vec2f>> uvs(places_.size());
     for (FaceId f = 0; f < target_.faceCount(); ++f) {
+      pollCancel(f);
       bool isWhole = true;
       const CornerId first = target_.firstCorner(f), end = target_.firstCorner(f + 1);
       for (CornerId c = first; c < end; ++c) {
@@ -297,6 +301,7 @@ class Transfer {
   void weld(const std::vector<std::optional<Vec2f>>& uvs, mesh::UvSet& set) const {
     const mesh::Adjacency& adjacency = before_.adjacency();
     for (VertexId v = 0; v < before_.vertexCount(); ++v) {
+      pollCancel(v);
       const std::size_t first = set.points.size();
       for (const CornerId c : adjacency.vertexCorners(v)) {
         if (!uvs[at(c)]) continue;
@@ -318,6 +323,7 @@ class Transfer {
     mesh::ColorSet taken{name, source.representation, source.clamped, {}, {}};
     taken.cornerIds.assign(at(target_.cornerCount()), kNone);
     for (std::size_t c = 0; c < places_.size() && !source.cornerIds.empty(); ++c) {
+      pollCancel(c);
       if (!places_[c]) continue;
       double sum[4] = {0, 0, 0, 0}, weight = 0;
       for (std::size_t i = 0; i < 3; ++i) {
@@ -369,6 +375,7 @@ class Transfer {
     locked.normals.assign(places_.size(), {});
     locked.locked.assign(places_.size(), 0);
     for (std::size_t c = 0; c < places_.size(); ++c) {
+      pollCancel(c);
       if (!places_[c]) continue;
       Vec3 sum;
       for (std::size_t i = 0; i < 3; ++i)
