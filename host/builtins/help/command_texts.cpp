@@ -253,7 +253,8 @@ using TextMap = std::unordered_map<std::string_view, const char*>;
 const TextMap& flagTexts() {
   static const TextMap texts = [] {
     TextMap all;
-    for (const auto table : {interfaceFlagTexts(), sceneFlagTexts(), polygonFlagTexts()})
+    for (const auto table : {interfaceFlagTexts(), layoutFlagTexts(), sceneFlagTexts(),
+                             moreFlagTexts(), polygonFlagTexts()})
       for (const FlagText& each : table) all.emplace(each.flag, each.meaning);
     return all;
   }();

@@ -11,7 +11,9 @@ struct FlagText {
 };
 
 [[nodiscard]] std::span<const FlagText> interfaceFlagTexts();
+[[nodiscard]] std::span<const FlagText> layoutFlagTexts();
 [[nodiscard]] std::span<const FlagText> sceneFlagTexts();
+[[nodiscard]] std::span<const FlagText> moreFlagTexts();
 [[nodiscard]] std::span<const FlagText> polygonFlagTexts();
 
 }  // namespace host::builtins
