@@ -27,8 +27,8 @@ bool isThere(const SelectionItem& item) {
 
 /// Keeps the value that is not current, so that a record costs one copy.
 ///
-/// A list that comes back may name nodes that are not there yet, or not any more: what they are part
-/// of is taken back first, and only then the lists are swept.
+/// A list that comes back may name nodes that are not there yet, or not any more: what they are
+/// part of is taken back first, and only then the lists are swept.
 template <class T, class Swap>
 class SwapChange final : public dg::Change {
  public:
