@@ -69,11 +69,12 @@ bool MFnMesh::isPolygonConvex(int faceIndex, MStatus* status) const {
   return found && face.isConvex(status);
 }
 
-MStatus MFnMesh::getHoles(MIntArray& holeInfo, MIntArray& holeVertices) const {
+int MFnMesh::getHoles(MIntArray& holeInfo, MIntArray& holeVertices, MStatus* status) const {
   // A face is one loop here, so none has holes.
   holeInfo.clear();
   holeVertices.clear();
-  return readMesh(*this) ? MStatus::kSuccess : MStatus::kFailure;
+  api::setStatus(status, readMesh(*this) ? MStatus::kSuccess : MStatus::kFailure);
+  return 0;
 }
 
 MStatus MFnMesh::syncObject() {

@@ -39,6 +39,8 @@ MStatus ends(const MeshWalk& walk, MSpace::Space space, MPoint& a, MPoint& b) {
 
 MItMeshEdge::MItMeshEdge(const MObject& polyObject, MStatus* status)
     : handle_(api::makeWalk(polyObject, kType, status)) {}
+MItMeshEdge::MItMeshEdge(const MObject& polyObject, const MObject& component, MStatus* status)
+    : handle_(api::makeWalk(polyObject, component, kType, status)) {}
 MItMeshEdge::MItMeshEdge(const MDagPath& polyObject, const MObject& component, MStatus* status)
     : handle_(api::makeWalk(polyObject, component, kType, status)) {}
 

@@ -52,6 +52,9 @@ MVector frameVector(const api::Handle& handle, MSpace::Space space, const MStrin
 
 MItMeshFaceVertex::MItMeshFaceVertex(const MObject& polyObject, MStatus* status)
     : handle_(api::makeWalk(polyObject, kType, status)) {}
+MItMeshFaceVertex::MItMeshFaceVertex(const MObject& polyObject, const MObject& component,
+                                     MStatus* status)
+    : handle_(api::makeWalk(polyObject, component, kType, status)) {}
 MItMeshFaceVertex::MItMeshFaceVertex(const MDagPath& polyObject, const MObject& component,
                                      MStatus* status)
     : handle_(api::makeWalk(polyObject, component, kType, status)) {}

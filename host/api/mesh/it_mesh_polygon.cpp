@@ -87,6 +87,8 @@ math::Vec3 areaVector(const std::vector<math::Vec3>& points) {
 
 MItMeshPolygon::MItMeshPolygon(const MObject& polyObject, MStatus* status)
     : handle_(api::makeWalk(polyObject, kType, status)) {}
+MItMeshPolygon::MItMeshPolygon(const MObject& polyObject, const MObject& component, MStatus* status)
+    : handle_(api::makeWalk(polyObject, component, kType, status)) {}
 MItMeshPolygon::MItMeshPolygon(const MDagPath& polyObject, const MObject& component,
                                MStatus* status)
     : handle_(api::makeWalk(polyObject, component, kType, status)) {}

@@ -29,6 +29,8 @@ math::Vec3 vertexNormal(const MeshWalk& walk, VertexId v) {
 
 MItMeshVertex::MItMeshVertex(const MObject& polyObject, MStatus* status)
     : handle_(api::makeWalk(polyObject, kType, status)) {}
+MItMeshVertex::MItMeshVertex(const MObject& polyObject, const MObject& component, MStatus* status)
+    : handle_(api::makeWalk(polyObject, component, kType, status)) {}
 MItMeshVertex::MItMeshVertex(const MDagPath& polyObject, const MObject& component, MStatus* status)
     : handle_(api::makeWalk(polyObject, component, kType, status)) {}
 

@@ -19,6 +19,7 @@ const MVector MVector::xNegAxis(-1.0, 0.0, 0.0);
 const MVector MVector::yNegAxis(0.0, -1.0, 0.0);
 const MVector MVector::zNegAxis(0.0, 0.0, -1.0);
 
+MVector::MVector(const MFloatPoint& p) : MVector(MPoint(p)) {}
 MVector::MVector(const MPoint& p) : MVector(p - MPoint::origin) {}
 
 MStatus MVector::get(double dest[3]) const {

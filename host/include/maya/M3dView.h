@@ -2,6 +2,7 @@
 
 #include <maya/MColor.h>
 #include <maya/MDagPath.h>
+#include <maya/MGL.h>
 #include <maya/MMatrix.h>
 #include <maya/MPoint.h>
 #include <maya/MStatus.h>

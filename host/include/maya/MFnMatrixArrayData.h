@@ -3,6 +3,9 @@
 #include <maya/MFnData.h>
 #include <maya/MMatrixArray.h>
 #include <maya/MTypes.h>
+#include <maya/detail/ArrayElement.h>
+
+#include <utility>
 
 /// Works on data that holds matrices.
 class MFnMatrixArrayData : public MFnData {
@@ -15,6 +18,9 @@ class MFnMatrixArrayData : public MFnData {
   MObject create(const MMatrixArray& in, MStatus* status = nullptr);
   unsigned int length(MStatus* status = nullptr) const;
   const MMatrix& operator[](unsigned int index) const;
+  host::api::ArrayElement<MFnMatrixArrayData, MMatrix> operator[](unsigned int index) {
+    return {*this, index, std::as_const(*this)[index]};
+  }
   MStatus set(const MMatrix& element, unsigned int index);
   MStatus set(const MMatrixArray& newArray);
   MStatus copyTo(MMatrixArray& array) const;

@@ -127,7 +127,8 @@ class MFnMesh : public MFnDagNode {
   MStatus getTriangles(MIntArray& triangleCounts, MIntArray& triangleVertices) const;
   MStatus getTriangleOffsets(MIntArray& triangleCounts, MIntArray& triangleIndices) const;
   MStatus getPolygonTriangleVertices(int polygonId, int triangleId, int vertexList[3]) const;
-  MStatus getHoles(MIntArray& holeInfo, MIntArray& holeVertices) const;
+  /// @return how many holes there are
+  int getHoles(MIntArray& holeInfo, MIntArray& holeVertices, MStatus* status = nullptr) const;
   MUintArray getInvisibleFaces(MStatus* status = nullptr) const;
   MStatus setInvisibleFaces(const MUintArray& faceIds, bool makeVisible = false);
   bool hasAlphaChannels(MStatus* status = nullptr) const;

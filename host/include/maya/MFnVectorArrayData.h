@@ -3,6 +3,9 @@
 #include <maya/MFnData.h>
 #include <maya/MTypes.h>
 #include <maya/MVectorArray.h>
+#include <maya/detail/ArrayElement.h>
+
+#include <utility>
 
 /// Works on data that holds vectors.
 class MFnVectorArrayData : public MFnData {
@@ -15,6 +18,9 @@ class MFnVectorArrayData : public MFnData {
   MObject create(const MVectorArray& in, MStatus* status = nullptr);
   unsigned int length(MStatus* status = nullptr) const;
   const MVector& operator[](unsigned int index) const;
+  host::api::ArrayElement<MFnVectorArrayData, MVector> operator[](unsigned int index) {
+    return {*this, index, std::as_const(*this)[index]};
+  }
   MStatus set(const MVector& element, unsigned int index);
   MStatus set(const MVectorArray& newArray);
   MStatus copyTo(MVectorArray& array) const;

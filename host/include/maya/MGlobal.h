@@ -28,6 +28,7 @@ class MGlobal {
     kSelectTemplateMode,
     kSelectHandleMode
   };
+  typedef SelectionMode MSelectionMode;
   enum SelectionMethod { kSurfaceSelectMethod, kWireframeSelectMethod };
   enum DisplayStatus {
     kActive,

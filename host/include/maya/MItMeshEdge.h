@@ -13,6 +13,8 @@
 class MItMeshEdge {
  public:
   MItMeshEdge(const MObject& polyObject, MStatus* status = nullptr);
+  /// The components of a mesh that is named by its node or data.
+  MItMeshEdge(const MObject& polyObject, const MObject& component, MStatus* status = nullptr);
   MItMeshEdge(const MDagPath& polyObject, const MObject& component = MObject::kNullObj,
               MStatus* status = nullptr);
   MItMeshEdge(const MItMeshEdge&) = delete;

@@ -15,6 +15,8 @@
 class MItMeshFaceVertex {
  public:
   MItMeshFaceVertex(const MObject& polyObject, MStatus* status = nullptr);
+  /// The components of a mesh that is named by its node or data.
+  MItMeshFaceVertex(const MObject& polyObject, const MObject& component, MStatus* status = nullptr);
   MItMeshFaceVertex(const MDagPath& polyObject, const MObject& component = MObject::kNullObj,
                     MStatus* status = nullptr);
   MItMeshFaceVertex(const MItMeshFaceVertex&) = delete;

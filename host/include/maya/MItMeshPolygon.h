@@ -20,6 +20,8 @@
 class MItMeshPolygon {
  public:
   MItMeshPolygon(const MObject& polyObject, MStatus* status = nullptr);
+  /// The components of a mesh that is named by its node or data.
+  MItMeshPolygon(const MObject& polyObject, const MObject& component, MStatus* status = nullptr);
   MItMeshPolygon(const MDagPath& polyObject, const MObject& component = MObject::kNullObj,
                  MStatus* status = nullptr);
   MItMeshPolygon(const MItMeshPolygon&) = delete;

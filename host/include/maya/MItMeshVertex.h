@@ -20,6 +20,8 @@
 class MItMeshVertex {
  public:
   MItMeshVertex(const MObject& polyObject, MStatus* status = nullptr);
+  /// The components of a mesh that is named by its node or data.
+  MItMeshVertex(const MObject& polyObject, const MObject& component, MStatus* status = nullptr);
   MItMeshVertex(const MDagPath& polyObject, const MObject& component = MObject::kNullObj,
                 MStatus* status = nullptr);
   MItMeshVertex(const MItMeshVertex&) = delete;

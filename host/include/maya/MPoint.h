@@ -16,6 +16,7 @@ class MPoint {
   MPoint() = default;
   MPoint(const MFloatPoint& p) : x(p.x), y(p.y), z(p.z), w(p.w) {}
   MPoint(const MVector& v) : x(v.x), y(v.y), z(v.z) {}
+  MPoint(const MFloatVector& v) : x(v.x), y(v.y), z(v.z) {}
   MPoint(const double p[4]) : x(p[0]), y(p[1]), z(p[2]), w(p[3]) {}
   MPoint(const float p[4])
       : x(static_cast<double>(p[0])),

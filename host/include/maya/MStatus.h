@@ -66,6 +66,9 @@ std::ostream& operator<<(std::ostream& os, const MStatus& status);
     }                                                                                              \
   }
 
+/// Whether a call failed.
+#define MFAIL(_status) (MStatus::kSuccess != (_status))
+
 /// Reports a failed call and returns `_retVal` from the caller.
 #define CHECK_MSTATUS_AND_RETURN(_status, _retVal)                                                 \
   {                                                                                                \

@@ -1,5 +1,12 @@
 #pragma once
 
+// Authors count on these being there.
+#include <assert.h>
+#include <math.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
 #include <cstddef>
 #include <cstdint>
 

@@ -7,6 +7,7 @@
 #include <maya/MTypes.h>
 
 class MEulerRotation;
+class MFloatPoint;
 class MMatrix;
 class MPoint;
 class MQuaternion;
@@ -21,6 +22,7 @@ class MVector {
   MVector() = default;
   MVector(const MFloatVector& v) : x(v.x), y(v.y), z(v.z) {}
   MVector(const MPoint& p);
+  MVector(const MFloatPoint& p);
   MVector(const double v[3]) : x(v[0]), y(v[1]), z(v[2]) {}
   MVector(const float v[3])
       : x(static_cast<double>(v[0])), y(static_cast<double>(v[1])), z(static_cast<double>(v[2])) {}

@@ -1,10 +1,13 @@
 #include <maya/MAnimCurveChange.h>
 #include <maya/MCommandMessage.h>
 #include <maya/MFnAnimCurve.h>
+#include <maya/MFnDoubleArrayData.h>
 #include <maya/MFnMesh.h>
 #include <maya/MFnMeshData.h>
+#include <maya/MFnPointArrayData.h>
 #include <maya/MFnTransform.h>
 #include <maya/MItMeshPolygon.h>
+#include <maya/MItMeshVertex.h>
 #include <maya/MPointArray.h>
 
 #include <string>
@@ -156,4 +159,34 @@ TEST_CASE_FIXTURE(ApiScene, "mesh data is its own world") {
   CHECK(point.x == doctest::Approx(-0.5));
   // A node without its path is in no place that is known.
   CHECK_FALSE(MFnMesh(path("box").node()).getPoint(0, point, MSpace::kWorld));
+}
+
+TEST_CASE_FIXTURE(
+    ApiScene, "what authors write without a thought: array data in place, values of other kinds") {
+  run("polyCube -n box; polyPlane -sx 2 -sy 2 -n sheet");
+  MStatus status;
+  MFnDoubleArrayData numbers;
+  numbers.create(MDoubleArray(3, 1.5));
+  numbers[1] = 4;
+  numbers[1] += 0.5;
+  CHECK(numbers.array()[1] == 4.5);
+  MFnPointArrayData points;
+  points.create(MPointArray(2, MPoint(1, 2, 3)));
+  points[0] = MPoint(7, 8, 9);
+  CHECK(points[0].y == 8);
+  CHECK(points.array()[0].z == 9);
+  MIntArray info, vertices;
+  CHECK(MFnMesh(path("box")).getHoles(info, vertices, &status) == 0);
+  CHECK(status);
+  CHECK(MFAIL(MStatus(MStatus::kFailure)));
+  CHECK(MVector(MFloatPoint(1, 2, 3)) == MVector(1, 2, 3));
+  CHECK(MPoint(MFloatVector(1, 2, 3)) == MPoint(1, 2, 3));
+  MSelectionList list;
+  REQUIRE(list.add("sheet.vtx[2:3]"));
+  MDagPath where;
+  MObject component;
+  REQUIRE(list.getDagPath(0, where, component));
+  MItMeshVertex some(where.node(), component);
+  CHECK(some.index() == 2);
+  CHECK(some.count() == 2);
 }
