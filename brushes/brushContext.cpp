@@ -128,9 +128,16 @@ MStatus brushContext::release(MEvent&) {
     takeDabs(true);
   }
   finishStroke();
+  if (adjustedNow != kBrush) tellWindow();
   adjustedNow = kBrush;
   run.setHover(true);
   return MS::kSuccess;
+}
+
+/// The window of the brush's options, if there is one, shows what a drag has set.
+void brushContext::tellWindow() {
+  MGlobal::executeCommand(
+      "if (`exists brushSettingsChanged_QXMT_Proc`) brushSettingsChanged_QXMT_Proc;", false, false);
 }
 
 void brushContext::cancelStroke() {
@@ -151,8 +158,9 @@ void brushContext::cancelStroke() {
 
 void brushContext::finishStroke() {
   if (isInStroke()) {
-    if (const auto record = strokeRecord()) recordBytes = record->bytes();
+    const std::shared_ptr<brushRecord> record = strokeRecord();
     endStroke();
+    if (record) recordBytes = record->bytes();
   }
   startHit = lastHit = brushHit();
   handedOver.reset();

@@ -154,6 +154,7 @@ class brushContext : public plainToolContext {
   void showCursor(const brushHit& hit, double radius);
   brushCursorPlace cursorAt(const brushHit& hit, double radius) const;
   void redraw();
+  static void tellWindow();
 
   const char* title;
   const char* help;

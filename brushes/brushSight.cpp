@@ -111,7 +111,7 @@ brushHit brushContext::hitAt(double x, double y) {
   if (meshes.length() == 0) meshes = seenMeshes(origin, direction);
   brushHit nearest;
   for (unsigned int i = 0; i < meshes.length(); ++i) {
-    if (!canBrush(meshes[i]) || !passes(origin, direction, meshes[i])) continue;
+    if (!canBrush(meshes[i])) continue;
     const std::shared_ptr<brushSurface> surface = surfaces.of(meshes[i]);
     if (!surface || !surface->placeInWorld()) continue;
     const brushHit hit = hitOn(surface, x, y);

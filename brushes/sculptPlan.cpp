@@ -69,7 +69,8 @@ bool neighbourMean(const brushSurface& surface, int vertex, const vertexSlots& s
     sum += MVector(slot >= 0 ? places[static_cast<std::size_t>(slot)] : surface.worldPoint(*next));
     ++count;
   }
-  if (count == 0 || (onBorder && count != 2)) return false;
+  const bool isCorner = surface.facesEnd(vertex) - surface.facesBegin(vertex) == 1;
+  if (count == 0 || (onBorder && (count != 2 || isCorner))) return false;
   mean = MPoint(sum / count);
   return true;
 }

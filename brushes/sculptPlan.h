@@ -36,7 +36,8 @@ void pinch(const brushSurface& surface, const dabRegion& region, const MPoint& c
            const MVector& normal, const MVector& direction, double amount, dabMoves& moves);
 
 /// Moves each vertex towards the mean of its neighbours, some rounds one after another; a border
-/// keeps to itself, its corners with three or more border neighbours stay.
+/// keeps to itself, and where it has a corner (one face, or three border neighbours and more)
+/// stays.
 /// @param amount share of the way a round, 0 to 1
 /// @param slots scratch
 void relax(const brushSurface& surface, const dabRegion& region, double amount, int rounds,

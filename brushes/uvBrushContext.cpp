@@ -31,9 +31,16 @@ void keepStrongerAxis(double (&step)[2], const double (&way)[2]) {
   step[std::fabs(way[0]) >= std::fabs(way[1]) ? 1 : 0] = 0.0;
 }
 
+bool areFinite(const std::vector<float>& numbers) {
+  return std::all_of(numbers.begin(), numbers.end(),
+                     [](float each) { return std::isfinite(each); });
+}
+
+}  // namespace
+
 /// A place turned and scaled about a pivot, then moved; each in part, so that what follows less
 /// bends instead of shrinking.
-struct change {
+struct uvBrushContext::change {
   double pivot[2] = {0.0, 0.0}, shift[2] = {0.0, 0.0};
   double angle = 0.0;      ///< radians, to the left
   double doublings = 0.0;  ///< the factor is 2 to this
@@ -52,13 +59,6 @@ struct change {
     result.push_back(static_cast<float>(static_cast<double>(place[1]) + dy + shift[1] * share));
   }
 };
-
-bool areFinite(const std::vector<float>& numbers) {
-  return std::all_of(numbers.begin(), numbers.end(),
-                     [](float each) { return std::isfinite(each); });
-}
-
-}  // namespace
 
 uvBrushContext::uvBrushContext(const char* command, const char* titleIn, const char* helpIn)
     : brushContext(command, titleIn, helpIn) {
@@ -222,6 +222,25 @@ MVector uvBrushContext::wayOnSurface(const brushDab& dab) const {
   return origin + direction * along - heldAt.hit.point;
 }
 
+/// Moves what is reached, each UV as its shell is moved: from where it was held, or from where it
+/// is.
+void uvBrushContext::moveByShells(const std::unordered_map<int, change>& changes, bool isHeld,
+                                  double strength) {
+  std::vector<int> uvs;
+  std::vector<double> weights;
+  std::vector<float> targets;
+  for (std::size_t i = 0; i < region.uvs.size(); ++i) {
+    const int uv = region.uvs[i];
+    const auto found = changes.find(layout.shellOf(uv));
+    if (found == changes.end()) continue;
+    uvs.push_back(uv);
+    weights.push_back(region.weights[i]);
+    found->second.apply(isHeld ? &from[2 * i] : layout.place(uv), region.weights[i] * strength,
+                        targets);
+  }
+  move(weights, std::move(uvs), std::move(targets));
+}
+
 void uvBrushContext::drag(const brushDab& dab) {
   const actions what = action();
   const double pixels = (dab.place.x - heldAt.place.x) * (dab.invert ? -1.0 : 1.0);
@@ -243,17 +262,7 @@ void uvBrushContext::drag(const brushDab& dab) {
       if (dab.invert) keepStrongerAxis(each.shift, each.shift);
     }
   }
-  std::vector<int> uvs;
-  std::vector<double> weights;
-  std::vector<float> targets;
-  for (std::size_t i = 0; i < region.uvs.size(); ++i) {
-    const auto found = changes.find(layout.shellOf(region.uvs[i]));
-    if (found == changes.end()) continue;
-    uvs.push_back(region.uvs[i]);
-    weights.push_back(region.weights[i]);
-    found->second.apply(&from[2 * i], region.weights[i] * dab.strength, targets);
-  }
-  move(weights, std::move(uvs), std::move(targets));
+  moveByShells(changes, true, dab.strength);
 }
 
 void uvBrushContext::smear(const brushDab& dab) {
@@ -272,17 +281,7 @@ void uvBrushContext::smear(const brushDab& dab) {
     isFirst = false;
     if (dab.invert) keepStrongerAxis(each.shift, smeared);
   }
-  std::vector<int> uvs;
-  std::vector<double> weights;
-  std::vector<float> targets;
-  for (std::size_t i = 0; i < region.uvs.size(); ++i) {
-    const auto found = changes.find(layout.shellOf(region.uvs[i]));
-    if (found == changes.end()) continue;
-    uvs.push_back(region.uvs[i]);
-    weights.push_back(region.weights[i]);
-    found->second.apply(layout.place(region.uvs[i]), region.weights[i] * dab.strength, targets);
-  }
-  move(weights, std::move(uvs), std::move(targets));
+  moveByShells(changes, false, dab.strength);
 }
 
 void uvBrushContext::readSurface() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 #include "brushes/brushContext.h"
@@ -39,6 +40,7 @@ class uvBrushContext : public brushContext {
   bool followsPointer() const final;
 
  private:
+  struct change;
   actions action() const { return smooths() ? kRelax : actionOf(settings.mode); }
   bool takeContent(const uvTarget::content& content);
   void keepUp();
@@ -49,6 +51,7 @@ class uvBrushContext : public brushContext {
   void relaxRound(const brushDab& dab, double intensity);
   void move(const std::vector<double>& weights, std::vector<int> uvs, std::vector<float> targets);
   MVector wayOnSurface(const brushDab& dab) const;
+  void moveByShells(const std::unordered_map<int, change>& changes, bool isHeld, double strength);
   const uvMirror* mirror();
   void readSurface();
 

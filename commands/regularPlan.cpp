@@ -87,6 +87,10 @@ void regularPlan::join() {
       joints.push_back(
           {a.face, b.face, faces[place(a.face)].normal * faces[place(b.face)].normal < 0});
   }
+  jointsOf.resize(faces.size());
+  for (std::size_t j = 0; j < joints.size(); ++j)
+    for (const int face : {joints[j].a, joints[j].b})
+      jointsOf[place(face)].push_back(static_cast<int>(j));
 }
 
 void regularPlan::look(int face, const placingSurface& surface) {
@@ -97,7 +101,8 @@ void regularPlan::look(int face, const placingSurface& surface) {
   state.isCollapsed = state.area * meanBefore < kCollapsed * areasBefore[place(face)] * meanArea;
   MPoint nearest;
   MVector facing;
-  state.isWrong = surface.nearest(centreOf(face), nearest, facing) && facing * state.normal < 0.0;
+  state.facing = surface.nearest(centreOf(face), nearest, facing) ? facing * state.normal : 1.0;
+  state.isWrong = state.facing < 0.0;
 }
 
 void regularPlan::lookAtAll(const placingSurface& surface) {
@@ -212,5 +217,87 @@ placingFaults regularPlan::run(const placingSurface& surface, MPointArray& place
     best = now;
     places = points;
   }
+  if (best.all() > 0) settle(surface, best, places);
   return best;
+}
+
+/// How badly the faces at a vertex have come out; 0 when they are all right.
+double regularPlan::badnessAt(int vertex, const placingSurface& surface) {
+  double sum = 0.0;
+  for (const int face : facesOf[place(vertex)]) {
+    look(face, surface);
+    const faceState& state = faces[place(face)];
+    if (state.isWrong) sum += 1.0 - state.facing;
+    if (state.isCollapsed) sum += 1.0;
+  }
+  for (const int face : facesOf[place(vertex)])
+    for (const int j : jointsOf[place(face)]) {
+      const joint& each = joints[place(j)];
+      const double turn = faces[place(each.a)].normal * faces[place(each.b)].normal;
+      if (!each.wasFolded && turn < 0.0) sum += 1.0 - turn;
+    }
+  return sum;
+}
+
+/// Puts a vertex where the faces at it come out best.
+void regularPlan::lookAround(int vertex, const placingSurface& surface) {
+  const double before = badnessAt(vertex, surface);
+  if (before <= 0.0) return;
+  MVector sum;
+  double reach = 0.0;
+  for (const auto& [other, weight] : neighbours[place(vertex)]) {
+    const MPoint& there = points[at(other)];
+    sum += MVector(there);
+    reach += there.distanceTo(points[at(vertex)]);
+  }
+  const double count = static_cast<double>(neighbours[place(vertex)].size());
+  if (count <= 0.0) return;
+  const MPoint middle(sum / count), old = points[at(vertex)];
+  reach /= count;
+  MPoint bestPlace = old;
+  double least = before;
+  const auto consider = [&](const MPoint& wanted) {
+    MPoint found;
+    MVector facing;
+    if (!surface.nearest(wanted, found, facing)) return;
+    points[at(vertex)] = found;
+    const double now = badnessAt(vertex, surface);
+    if (now >= least) return;
+    least = now;
+    bestPlace = found;
+  };
+  consider(middle);
+  for (const double share : {0.3, 0.8, 1.6})
+    for (int x = -1; x <= 1; ++x)
+      for (int y = -1; y <= 1; ++y)
+        for (int z = -1; z <= 1; ++z)
+          if ((x != 0 || y != 0 || z != 0) && least > 0.0) {
+            const MVector way = MVector(x, y, z).normal() * (share * reach);
+            consider(old + way);
+            consider(middle + way);
+          }
+  points[at(vertex)] = bestPlace;
+  badnessAt(vertex, surface);
+}
+
+void regularPlan::settle(const placingSurface& surface, placingFaults& best, MPointArray& places) {
+  constexpr int kSweeps = 24;
+  points = places;
+  lookAtAll(surface);
+  for (int sweep = 0; sweep < kSweeps && best.all() > 0; ++sweep) {
+    const int rings = sweep % 3;
+    for (const int vertex : region(rings)) lookAround(vertex, surface);
+    lookAtAll(surface);
+    const placingFaults now = faults();
+    if (now.all() < best.all()) {
+      best = now;
+      places = points;
+    }
+    if (rings < 2) continue;
+    // Nobody alone finds a better place: all around it make room.
+    const std::vector<int> around = region(2 + sweep / 3);
+    relax(around, 1 + sweep / 6);
+    putOn(around, surface);
+    lookAtAll(surface);
+  }
 }

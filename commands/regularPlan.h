@@ -36,7 +36,9 @@ struct placingFaults {
 /// Where nothing came out badly nothing moves.
 ///
 /// Works in rounds that reach farther around what is still bad, and keeps the best of them. A round
-/// costs the vertices it loosens, each a few questions to the surface.
+/// costs the vertices it loosens, each a few questions to the surface. What is bad after that lies
+/// in hollows where evenness and the nearest place pull the wrong way: there each vertex looks
+/// around for a place at which the faces at it come out better.
 class regularPlan {
  public:
   /// @param before the mesh as it was, one point a vertex
@@ -52,6 +54,7 @@ class regularPlan {
   struct faceState {
     MVector normal;  ///< unit; zero without area
     double area = 0.0;
+    double facing = 1.0;  ///< cosine between its normal and the surface's
     bool isWrong = false, isCollapsed = false, isFolded = false;
     bool isBad() const { return isWrong || isCollapsed || isFolded; }
   };
@@ -63,6 +66,9 @@ class regularPlan {
   std::vector<int> region(int rings) const;
   void relax(const std::vector<int>& vertices, int passes);
   void putOn(const std::vector<int>& vertices, const placingSurface& surface);
+  double badnessAt(int vertex, const placingSurface& surface);
+  void lookAround(int vertex, const placingSurface& surface);
+  void settle(const placingSurface& surface, placingFaults& best, MPointArray& places);
   MVector normalAt(int vertex) const;
   MVector areaOf(const MPointArray& points, int face) const;
   MPoint centreOf(int face) const;
@@ -79,6 +85,7 @@ class regularPlan {
     bool wasFolded;  ///< before
   };
   std::vector<joint> joints;
+  std::vector<std::vector<int>> jointsOf;  ///< of a face
   std::vector<double> areasBefore;
   double meanBefore = 0.0, meanArea = 0.0;
 

@@ -37,16 +37,23 @@ constexpr const char* kHelp =
     "of vertices that\n"
     "found no place.\n";
 
-/// Mean of each face's points.
-MPointArray faceCentres(const MPointArray& points, const MIntArray& counts,
-                        const MIntArray& connects) {
-  MPointArray centres(counts.length());
-  unsigned int corner = 0;
-  for (unsigned int f = 0; f < counts.length(); ++f) {
-    MVector sum;
-    for (int k = 0; k < counts[f]; ++k)
-      sum += MVector(points[static_cast<unsigned int>(connects[corner++])]);
-    centres[f] = MPoint(sum / static_cast<double>(counts[f]));
+/// For each corner the middle of a triangle at it. Between the corner and there the surface is
+/// flat, so that a place on the way lies on it even where the face is bent.
+MPointArray cornerTriangleCentres(const MFnMesh& meshFn, const MPointArray& points,
+                                  const MIntArray& connects) {
+  MIntArray triangleCounts, triangleCorners;
+  meshFn.getTriangleOffsets(triangleCounts, triangleCorners);
+  MPointArray centres(connects.length());
+  for (unsigned int c = 0; c < connects.length(); ++c)
+    centres[c] = points[static_cast<unsigned int>(connects[c])];
+  const auto pointAt = [&](unsigned int i) {
+    const int corner = triangleCorners[i];
+    return MVector(points[static_cast<unsigned int>(connects[static_cast<unsigned int>(corner)])]);
+  };
+  for (unsigned int t = triangleCorners.length() / 3; t-- > 0;) {
+    const MPoint centre((pointAt(3 * t) + pointAt(3 * t + 1) + pointAt(3 * t + 2)) / 3.0);
+    for (unsigned int k = 0; k < 3; ++k)
+      centres[static_cast<unsigned int>(triangleCorners[3 * t + k])] = centre;
   }
   return centres;
 }
@@ -106,7 +113,7 @@ MStatus transferVertexNormalsCmd::gatherNormals(const meshPair& pair) {
     return MS::kFailure;
   if ((status = meshFn.getVertices(counts, connects)) != MS::kSuccess) return status;
   const vertexCorners around(counts, connects, points.length());
-  const MPointArray centres = faceCentres(points, counts, connects);
+  const MPointArray centres = cornerTriangleCentres(meshFn, points, connects);
   MObject sourceNode = pair.second.node();
   MMeshIntersector nearest;
   const MMatrix toSpace =
@@ -129,7 +136,7 @@ MStatus transferVertexNormalsCmd::gatherNormals(const meshPair& pair) {
     if (!source.isAtHardEdge(place.faceIndex(), MPoint(place.getPoint()) * toSpace)) continue;
     MVectorArray ofCorners;
     for (unsigned int k = around.first(chosen[i]); k < around.first(chosen[i] + 1); ++k) {
-      const MPoint& centre = centres[static_cast<unsigned int>(around.faces[around.corners[k]])];
+      const MPoint& centre = centres[static_cast<unsigned int>(around.corners[k])];
       nearest.getClosestPoint(point + (centre - point) * kIntoFace, place);
       ofCorners.append(source.at(place.faceIndex(), point));
     }

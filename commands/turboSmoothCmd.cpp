@@ -92,19 +92,19 @@ MStatus link(const MDagPath& source, const MDagPath& copy) {
   return hidden;
 }
 
-void show(const MDagPath& source) {
+void show(const MDagPath& source, bool wasIntermediate, bool wasVisible) {
   MPlug intermediate = plugOf(source, "intermediateObject");
   if (intermediate.isNull()) {
     MGlobal::displayError("cannot find intermediateObject plug");
     return;
   }
-  intermediate.setValue(false);
+  intermediate.setValue(wasIntermediate);
   MPlug visibility = plugOf(source, "visibility");
   if (visibility.isNull()) {
     MGlobal::displayError("cant find the visibility attribute!");
     return;
   }
-  visibility.setValue(true);
+  visibility.setValue(wasVisible);
   int hasSet = 0;
   MGlobal::executeCommand("objExists qxTSmoothObjectsSet", hasSet);
   if (hasSet != 0)
@@ -141,6 +141,7 @@ MStatus turboSmoothCmd::doIt(const MArgList& arguments) {
     MGlobal::setActiveSelectionList(active);
     MGlobal::setHiliteList(hilited);
   }
+  MGlobal::getActiveSelectionList(left);
   return smoothed;
 }
 
@@ -166,17 +167,21 @@ MStatus turboSmoothCmd::smoothObject(const MDagPath& source) {
   MDagPath copy;
   status = copies.getDagPath(0, copy);
   if (status != MS::kSuccess) return status;
-  const bool wasHidden = plugOf(source, "intermediateObject").asBool();
+  shownState before;
+  before.isIntermediate = plugOf(source, "intermediateObject").asBool();
+  before.isVisible = plugOf(source, "visibility").asBool();
   status = link(source, copy);
   if (status == MS::kSuccess) status = smoothCopy(copy);
   if (status == MS::kSuccess) {
     sourcePaths.append(source);
+    statesBefore.push_back(before);
     smoothPaths.append(copy);
   } else {
     // An object must not vanish behind a copy that could not be smoothed.
     deletePath(copy);
     MPlug intermediate = plugOf(source, "intermediateObject");
-    if (intermediate.asBool() != wasHidden) intermediate.setValue(wasHidden);
+    if (intermediate.asBool() != before.isIntermediate)
+      intermediate.setValue(before.isIntermediate);
   }
   MGlobal::setActiveSelectionList(MSelectionList());
   return status;
@@ -209,7 +214,8 @@ MStatus turboSmoothCmd::undoIt() {
     if (smoothPaths[i].isValid()) removal->deleteNode(smoothPaths[i].node());
   const MStatus status = removal->doIt();
   for (unsigned int i = 0; i < sourcePaths.length(); ++i)
-    if (sourcePaths[i].isValid()) show(sourcePaths[i]);
+    if (sourcePaths[i].isValid())
+      show(sourcePaths[i], statesBefore[i].isIntermediate, statesBefore[i].isVisible);
   MGlobal::setActiveSelectionList(selection);
   return status;
 }
@@ -221,6 +227,6 @@ MStatus turboSmoothCmd::redoIt() {
   removal.reset();
   for (unsigned int i = 0; i < sourcePaths.length(); ++i)
     if (sourcePaths[i].isValid()) plugOf(sourcePaths[i], "intermediateObject").setValue(true);
-  MGlobal::setActiveSelectionList(MSelectionList());
+  MGlobal::setActiveSelectionList(left);
   return status;
 }

@@ -122,7 +122,7 @@ bool pointEdit::record(modelingContextToolCmd& command) const {
 }
 
 void pointEdit::cancel() {
-  if (changed && isOurs()) placesBefore.putAllBack(path, worldBefore);
+  if (changed && isOurs()) placesBefore.putAllBackInObject(path, before);
   close();
 }
 

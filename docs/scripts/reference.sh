@@ -5,4 +5,4 @@ set -euo pipefail
 cd "$(dirname "$0")/../.."
 program=${1:-build/release/bin/qxmt}
 mkdir -p docs/reference
-"$program" reference commands >docs/reference/commands.md
+"$program" reference commands tests/scripts host >docs/reference/commands.md

@@ -153,7 +153,10 @@ int runProgram(int argc, char** argv) {
   if (options.isJob("reference")) {
     const bool ofAll = !options.arguments.empty() && options.arguments.front() == "commands";
     const std::string page =
-        ofAll ? host::builtins::commandReference(host::builtins::makeSession()->commands())
+        ofAll ? host::builtins::commandReference(
+                    host::builtins::makeSession()->commands(),
+                    options.arguments.size() > 1 ? options.arguments[1] : std::string(),
+                    options.arguments.size() > 2 ? options.arguments[2] : std::string())
               : host::modelling::referenceRows(host::modelling::declarations());
     std::fputs(page.c_str(), stdout);
     return kDone;

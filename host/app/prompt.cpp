@@ -1,11 +1,15 @@
 #include "host/app/prompt.h"
 
 #include <editline/readline.h>
+#include <poll.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <cwchar>
 #include <filesystem>
 #include <iostream>
 #include <iterator>
@@ -59,11 +63,13 @@ char** complete(const char* text, int, int) {
   return rl_completion_matches(text, nextCandidate);
 }
 
-/// Messages as always, but a line of the prompt never begins behind printed text.
+/// Messages as always, but a line of the prompt never begins behind printed text, and what is said
+/// while a line is being typed stands above it.
 class PromptMessages {
  public:
   PromptMessages() {
     previous_ = setMessageSink([this](MessageKind kind, std::string_view text) {
+      if (isTyping_ && !std::exchange(hasSpoken_, true)) std::fputs("\r\033[K", stdout);
       if (kind != MessageKind::Print)
         endLine();
       else if (!text.empty())
@@ -78,11 +84,55 @@ class PromptMessages {
     if (std::exchange(isLineOpen_, false)) std::fputc('\n', stdout);
     std::fflush(stdout);
   }
+  /// Lets the session live while a person thinks about the line.
+  void liveOn(cmd::Session& session) {
+    isTyping_ = isatty(STDOUT_FILENO) != 0;
+    hasSpoken_ = false;
+    session.loop().step();
+    isTyping_ = false;
+    if (!hasSpoken_) return;
+    endLine();
+    rl_forced_update_display();
+  }
 
  private:
   MessageSink previous_;
-  bool isLineOpen_ = false;
+  bool isLineOpen_ = false, isTyping_ = false, hasSpoken_ = false;
 };
+
+PromptMessages* promptMessages = nullptr;
+
+/// The next byte of a stream, -1 at its end, after Ctrl-C and when the program is to end. Timers,
+/// idle scripts and redraws have their turns until it comes.
+int waitForByte(std::FILE* stream) {
+  constexpr int kTurnMilliseconds = 20;
+  while (!wasInterrupted() && !promptSession->isQuitting) {
+    pollfd ready{fileno(stream), POLLIN, 0};
+    const int found = poll(&ready, 1, kTurnMilliseconds);
+    if (found == 0 && promptMessages) promptMessages->liveOn(*promptSession);
+    if (found < 0 && errno != EINTR) return -1;
+    if (found <= 0) continue;
+    unsigned char byte = 0;
+    const ssize_t count = read(ready.fd, &byte, 1);
+    if (count == 1) return byte;
+    if (count == 0 || errno != EINTR) return -1;
+  }
+  return -1;
+}
+
+/// The next character, as the line editor wants it: wide.
+int waitForCharacter(std::FILE* stream) {
+  std::mbstate_t state{};
+  while (true) {
+    const int byte = waitForByte(stream);
+    if (byte < 0) return -1;
+    const char narrow = static_cast<char>(byte);
+    wchar_t wide = 0;
+    const std::size_t taken = std::mbrtowc(&wide, &narrow, 1, &state);
+    if (taken == static_cast<std::size_t>(-2)) continue;  // the character goes on
+    return taken == static_cast<std::size_t>(-1) ? byte : static_cast<int>(wide);
+  }
+}
 
 /// What a person answers; nothing at the end of input or after Ctrl-C.
 std::optional<std::string> ask(const char* question) {
@@ -131,6 +181,7 @@ int runPrompt(cmd::Session& session) {
   static char breaks[] = " \t\n\"\\'`@><=;,{(}[]+*!&?";
   rl_completer_word_break_characters = breaks;
   rl_basic_word_break_characters = breaks;
+  rl_getc_function = waitForCharacter;
   using_history();
   const std::string history = historyFile();
   if (!history.empty()) read_history(history.c_str());
@@ -140,6 +191,7 @@ int runPrompt(cmd::Session& session) {
         .count();
   });
   PromptMessages messages;
+  promptMessages = &messages;
   std::string text;
   while (true) {
     forgetInterrupt();
@@ -168,6 +220,7 @@ int runPrompt(cmd::Session& session) {
   }
   if (!history.empty()) write_history(history.c_str());
   promptSession = nullptr;
+  promptMessages = nullptr;
   return session.exitStatus;
 }
 

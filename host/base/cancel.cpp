@@ -4,6 +4,9 @@
 #include <chrono>
 #include <mutex>
 #include <string>
+#include <utility>
+
+#include "host/base/cancel_poll.h"
 
 namespace host {
 namespace {
@@ -42,7 +45,13 @@ struct Shown {
   std::atomic<int> depth = 0;
   std::atomic<std::size_t> steps = 0, done = 0;
   std::atomic<Clock::rep> nextDraw = 0;
+  // What runs as a whole; shown where nothing inside shows itself.
+  std::string name;
+  Clock::time_point nameDraw;
+  bool wasNameDrawn = false;
 };
+
+thread_local bool mayLeave = false;
 
 Shown& shown() {
   static Shown state;
@@ -97,10 +106,10 @@ LongWork::~LongWork() {
   if (state.wasDrawn && state.sink) state.sink(state.what, 1, true);
 }
 
-void LongWork::advance(std::size_t steps) noexcept {
-  if (!isShown_) return;
-  Shown& state = shown();
-  state.done += steps;
+namespace {
+
+/// Shows what runs now, when it is due.
+void drawIfDue(Shown& state) {
   const Clock::time_point now = Clock::now();
   Clock::rep due = state.nextDraw;
   if (now.time_since_epoch().count() < due) return;
@@ -108,6 +117,53 @@ void LongWork::advance(std::size_t steps) noexcept {
     return;
   const std::unique_lock lock(state.mutex, std::try_to_lock);
   if (lock && state.sink) draw(state);
+}
+
+}  // namespace
+
+void LongWork::advance(std::size_t steps) noexcept {
+  if (!isShown_) return;
+  shown().done += steps;
+  drawIfDue(shown());
+}
+
+NamedWork::NamedWork(std::string_view what) {
+  Shown& state = shown();
+  const std::scoped_lock lock(state.mutex);
+  state.name = what;
+  state.nameDraw = Clock::now() + kQuiet;
+  state.wasNameDrawn = false;
+}
+
+NamedWork::~NamedWork() {
+  Shown& state = shown();
+  const std::scoped_lock lock(state.mutex);
+  if (state.wasNameDrawn && state.sink) state.sink(state.name, 1, true);
+  state.name.clear();
+}
+
+LeaveScope::LeaveScope(bool may) noexcept : outer_(std::exchange(mayLeave, may)) {}
+LeaveScope::~LeaveScope() {
+  mayLeave = outer_;
+}
+bool LeaveScope::isOpen() noexcept {
+  return mayLeave;
+}
+
+void pollWork() {
+  Shown& state = shown();
+  if (state.depth > 0) {
+    drawIfDue(state);
+  } else {
+    const std::unique_lock lock(state.mutex, std::try_to_lock);
+    const Clock::time_point now = Clock::now();
+    if (lock && state.sink && !state.name.empty() && now >= state.nameDraw) {
+      state.nameDraw = now + kPause;
+      state.wasNameDrawn = true;
+      state.sink(state.name, -1, false);
+    }
+  }
+  if (mayLeave && isCancelled()) throw WorkLeft{};
 }
 
 void setProgressSink(ProgressSink sink) {

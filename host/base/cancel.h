@@ -37,6 +37,15 @@ class LongWork {
   bool isShown_;
 };
 
+/// While it lives, long work that names no steps of its own is shown under this name.
+class NamedWork {
+ public:
+  explicit NamedWork(std::string_view what);
+  ~NamedWork();
+  NamedWork(const NamedWork&) = delete;
+  NamedWork& operator=(const NamedWork&) = delete;
+};
+
 /// Shows work to a person: what it is, the part that is done in [0, 1] (negative: unknown), and
 /// whether it has ended. Called at most ten times a second, from any thread but one at a time.
 using ProgressSink = std::function<void(std::string_view what, double part, bool hasEnded)>;

@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "host/base/cancel.h"
 #include "host/base/messages.h"
 #include "host/cmd/asking.h"
 #include "host/cmd/loop.h"
@@ -134,6 +135,8 @@ Result<void> Dispatcher::invoke(const mel::CommandHandle& handle,
     }
     Dispatcher& self;
   } depth(*this);
+  std::optional<NamedWork> named;
+  if (depth_ == 1) named.emplace(command.name());
   if (const CommandSpec* spec = command.builtin()) return invokeBuiltin(*spec, arguments, result);
   // A plug-in may take its command out while it runs.
   const std::shared_ptr<const Command> alive = registry_.find(command.name());
@@ -146,6 +149,8 @@ void Dispatcher::revert(scene::ChangeSet& edits) {
   if (const auto reverted = edits.undo(); !reverted)
     postMessage(MessageKind::Warning,
                 fmt::format("What the command had done stays: {}.", reverted.error().message));
+  // What others deleted meanwhile, unrecorded, is selected no more.
+  (void)session_.document().sweepSelection();
 }
 
 Result<void> Dispatcher::invokeBuiltin(const CommandSpec& spec,

@@ -1,5 +1,6 @@
 #include <unordered_set>
 
+#include "host/base/cancel_poll.h"
 #include "host/base/messages.h"
 #include "host/dg/graph_impl.h"
 
@@ -82,6 +83,8 @@ Result<void> Graph::Impl::evaluating(const Plug& plug, Slot& slot, const Work& w
   };
   slot.isEvaluating = true;
   ++depth;
+  // Work that asks for a value may be left; what plug-ins compute and hear for it may not.
+  const LeaveScope stays(false);
   const Scope scope{*this, plug};
   if (depth > kDirectDepth) refreshUpstream(plug);
   Result<void> result = work();

@@ -114,6 +114,12 @@ Result<void> Graph::Impl::apply(const Plug& plug, const Value& value, bool isCle
 Result<Value> Graph::get(const Plug& plug) {
   HOST_TRY(Impl::checkLeaf(plug));
   const Place place = locate(plug);
+  if (place.isMissing && plug.attribute()->internalStorage) {
+    // What the type knows of an element that is not there needs none to be made.
+    Value value;
+    for (const NodeType* type = &plug.node()->type(); type; type = type->base)
+      if (type->getInternal && type->getInternal(*plug.node(), plug, value)) return value;
+  }
   if (!Impl::needsRefresh(plug, place)) {
     if (plug.attribute()->internalStorage) return Impl::current(plug);
     return readLeaf(plug, place);

@@ -5,6 +5,7 @@
 
 #include "host/edits/atomically.h"
 #include "host/nodes/mesh_shape.h"
+#include "host/nodes/uv_pins.h"
 #include "host/scene/dag_paths.h"
 
 namespace host::edits {
@@ -54,9 +55,14 @@ Result<std::string> removeFrom(scene::Document& document, ShapeComponents& each)
   HOST_TRY(document.graph().set(
       (*node)->plug("deleteComponents"),
       dg::DataPtr(std::make_shared<scene::ComponentListData>(std::move(each.components)))));
+  const auto before = nodes::evaluatedMesh(*each.shape);
+  if (!before) return failWith(before.error());
+  nodes::PinCarrier pins(document, *each.shape, *before);
   HOST_TRY(nodes::insertHistoryNode(document, *each.shape, (*node)->plug("inputGeometry"),
                                     (*node)->plug("outputGeometry")));
-  HOST_TRY(document.graph().evaluate((*node)->plug("outputGeometry")));
+  const auto made = document.graph().get((*node)->plug("outputGeometry"));
+  if (!made) return failWith(made.error());
+  if (const auto* data = dg::dataAs<scene::MeshData>(*made)) HOST_TRY(pins.finish(data->mesh));
   return (*node)->name();
 }
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/base/cancel.h"
+#include "host/base/cancel_poll.h"
 #include "host/io/obj_face_sets.h"
 #include "host/io/obj_normals.h"
 #include "host/io/obj_smoothing.h"
@@ -220,7 +221,7 @@ Result<ObjScene> readObj(const std::string& path, const ObjReadOptions& options)
   auto file = FileContent::read(path);
   if (!file) return failWith(std::move(file).error());
   const LongWork work("Reading");
-  return parseObj(file->text(), path, options);
+  return cancellable([&] { return parseObj(file->text(), path, options); });
 }
 
 }  // namespace host::io

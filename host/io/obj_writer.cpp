@@ -6,6 +6,7 @@
 #include <set>
 #include <utility>
 
+#include "host/base/cancel_poll.h"
 #include "host/base/parallel.h"
 #include "host/io/obj_smoothing.h"
 #include "host/io/whole_file.h"
@@ -40,9 +41,11 @@ void appendRows(std::string& out, std::size_t count, Row row) {
   const std::size_t blocks = (count + kRowsABlock - 1) / kRowsABlock;
   std::vector<std::string> texts(blocks);
   parallelFor(blocks, 1, [&](std::size_t begin, std::size_t end) {
-    for (std::size_t b = begin; b < end; ++b)
+    for (std::size_t b = begin; b < end; ++b) {
+      pollWork();
       for (std::size_t i = b * kRowsABlock; i < std::min(count, (b + 1) * kRowsABlock); ++i)
         row(texts[b], i);
+    }
   });
   std::size_t size = out.size();
   for (const std::string& text : texts) size += text.size();
@@ -307,7 +310,10 @@ std::string formatObj(const ObjScene& scene, const ObjWriteOptions& options) {
 
 Result<void> writeObj(const std::string& path, const ObjScene& scene,
                       const ObjWriteOptions& options) {
-  return writeFileAtomically(path, formatObj(scene, options));
+  const LongWork work("Writing");
+  const auto text = cancellable([&]() -> Result<std::string> { return formatObj(scene, options); });
+  if (!text) return failWith(text.error());
+  return writeFileAtomically(path, *text);
 }
 
 }  // namespace host::io

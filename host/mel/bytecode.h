@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -170,6 +171,9 @@ struct Function {
   std::vector<const Builtin*> builtins;
   std::vector<ProcedureDefinition> procedures;
   std::vector<CachedGlobals> cachedGlobals;
+  /// The text's own procedures, which nothing else names; they stay as long as what can call them:
+  /// the text itself and its global procedures. Null in the text's own ones.
+  std::shared_ptr<std::deque<Symbol>> locals;
 };
 
 }  // namespace host::mel

@@ -14,6 +14,7 @@ std::shared_ptr<const Function> Compiler::compile(const Node& root) {
   Body body;
   body.function = std::make_shared<Function>();
   body.function->file = file_;
+  body.function->locals = locals_;
   body_ = &body;
   declareProcedures(root);
   beginBody();
@@ -35,9 +36,14 @@ void Compiler::declareProcedures(const Node& root) {
     if (node->flag) {
       globalProcedures_.insert(node->text);
     } else if (!localProcedures_.contains(node->text)) {
-      localProcedures_.emplace(node->text, &engine_.makeLocalSymbol(node->text));
+      localProcedures_.emplace(node->text, &makeLocalSymbol(node->text));
     }
   }
+}
+
+Symbol& Compiler::makeLocalSymbol(std::string_view name) {
+  locals_->push_back({std::string(name), nullptr, nullptr, 0});
+  return locals_->back();
 }
 
 void Compiler::beginBody() {
@@ -61,6 +67,7 @@ void Compiler::procedure(const Node& node) {
   body.function->name = std::string(node.text);
   body.function->file = file_;
   body.function->returnType = node.type;
+  if (node.flag) body.function->locals = locals_;
   body.isProcedure = true;
   Body* outer = std::exchange(body_, &body);
   beginBody();
@@ -81,7 +88,7 @@ void Compiler::procedure(const Node& node) {
   const bool isLocal = !node.flag && local != localProcedures_.end();
   Symbol& symbol = isLocal     ? *local->second
                    : node.flag ? engine_.symbol(node.text)
-                               : engine_.makeLocalSymbol(node.text);
+                               : makeLocalSymbol(node.text);
   if (!node.flag && !isLocal) localProcedures_.emplace(node.text, &symbol);
   bool isFirst = true;
   for (const ProcedureDefinition& earlier : body_->function->procedures)

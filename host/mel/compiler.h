@@ -76,6 +76,7 @@ class Compiler {
 
   // compiler.cpp: procedures, registers, code, scopes
   void declareProcedures(const Node& root);
+  Symbol& makeLocalSymbol(std::string_view name);  ///< of this text alone
   std::shared_ptr<Function> finish();
   void procedure(const Node& node);
   std::size_t emit(Op op, std::uint16_t a = 0, std::uint16_t b = 0, std::uint16_t c = 0);
@@ -200,6 +201,7 @@ class Compiler {
   std::uint32_t line_ = 1;
   Body* body_ = nullptr;
   std::unordered_map<std::string_view, Symbol*> localProcedures_;
+  std::shared_ptr<std::deque<Symbol>> locals_ = std::make_shared<std::deque<Symbol>>();
   std::unordered_set<std::string_view> globalProcedures_;
   std::vector<std::string> createdGlobals_;
 };

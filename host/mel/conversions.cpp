@@ -75,6 +75,12 @@ Result<Value> convertArray(const Value& value, Type type) {
       return mapped<Vec3>(floats, [](double d) { return Vec3{d, d, d}; });
   }
   if (value.type() == Type::VectorArray && type == Type::StringArray) return Value(value.toTexts());
+  // What a command tells as one number, scripts take as an array of one as well.
+  if (value.isInt() && type == Type::IntArray) return Value(IntArray{value.intValue()});
+  if (value.isInt() && type == Type::FloatArray)
+    return Value(FloatArray{static_cast<double>(value.intValue())});
+  if (value.type() == Type::Float && type == Type::FloatArray)
+    return Value(FloatArray{value.toFloat().value_or(0)});
   return cannotConvert(value.type(), type);
 }
 

@@ -174,11 +174,6 @@ const Symbol* Engine::findSymbol(std::string_view name) const {
   return known == symbols_.end() ? nullptr : known->second.get();
 }
 
-Symbol& Engine::makeLocalSymbol(std::string_view name) {
-  localSymbols_.push_back({std::string(name), nullptr, nullptr, 0});
-  return localSymbols_.back();
-}
-
 void Engine::define(Symbol& symbol, std::shared_ptr<const Function> function) {
   if (symbol.procedure == function) return;
   if (symbol.procedure) {

@@ -45,9 +45,6 @@ class Engine {
 
   [[nodiscard]] Symbol& symbol(std::string_view name);
   [[nodiscard]] const Symbol* findSymbol(std::string_view name) const;
-  /// A name of one source text alone. Lives as long as the engine, since procedures of that text
-  /// refer to it.
-  [[nodiscard]] Symbol& makeLocalSymbol(std::string_view name);
   /// Gives a name a new meaning; the old one stays alive while something runs.
   void define(Symbol& symbol, std::shared_ptr<const Function> function);
   /// Looks a command up anew if the host's commands changed.
@@ -83,7 +80,6 @@ class Engine {
 
   CommandHost& host_;
   TextMap<std::unique_ptr<Symbol>> symbols_;
-  std::deque<Symbol> localSymbols_;
   TextMap<std::unique_ptr<GlobalVariable>> globals_;
   TextMap<std::shared_ptr<const Function>> cache_;
   std::vector<std::shared_ptr<const Function>> retired_;

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <unordered_map>
 
+#include "host/base/cancel_poll.h"
+
 namespace host::mesh {
 
 namespace {
@@ -71,7 +73,9 @@ class ChannelCarrier {
   void run(bool wholeFacesOnly, std::vector<Value>& newValues, std::vector<Index>& newIds,
            std::vector<Index>* became = nullptr) {
     newIds.reserve(corners_.size());
+    std::size_t round = 0;
     for (const CornerSources::Stretch& stretch : corners_.stretches()) {
+      pollCancel(round++);
       if (stretch.source != kNone)
         newIds.insert(newIds.end(), ids_.begin() + stretch.source,
                       ids_.begin() + stretch.source + stretch.count);
@@ -151,6 +155,7 @@ class ChannelCarrier {
     }
     std::vector<Index> map(stays.size(), kNone);
     for (std::size_t i = 0; i < stays.size(); ++i) {
+      pollCancel(i);
       if (!stays[i]) continue;
       map[i] = static_cast<Index>(newValues.size());
       newValues.push_back(i < values_.size() ? values_[i] : blended_[i - values_.size()]);

@@ -5,6 +5,7 @@
 
 #include "host/base/parallel.h"
 #include "host/mesh/adjacency.h"
+#include "host/mesh/normals_at.h"
 
 namespace host::mesh {
 
@@ -21,20 +22,23 @@ Vec3 unitOrZero(const Vec3& a) {
   return l > 0 && std::isfinite(l) ? a / l : Vec3{};
 }
 
-/// Walks the fans around vertices and writes their corners' normals. One per thread: it keeps
+/// Walks the fans around vertices and hands out their corners' normals. One per thread: it keeps
 /// scratch space.
 class FanNormals {
  public:
-  FanNormals(const Mesh& mesh, std::span<const Vec3f> faceNormals, std::vector<Vec3f>& out)
-      : mesh_(mesh), adjacency_(mesh.adjacency()), faceNormals_(faceNormals), out_(out) {}
+  /// @param faceNormals of all faces; none: they are computed where they are wanted
+  FanNormals(const Mesh& mesh, std::span<const Vec3f> faceNormals)
+      : mesh_(mesh), adjacency_(mesh.adjacency()), faceNormals_(faceNormals) {}
 
-  void atVertex(VertexId v) {
+  /// Calls `put(corner, normal)` for each corner at a vertex. @return the sum over all of them
+  template <class Put>
+  Vec3 atVertex(VertexId v, const Put& put) {
     const std::span<const CornerId> corners = adjacency_.vertexCorners(v);
     done_.assign(corners.size(), 0);
     weighted_.clear();
     Vec3 all;
     for (CornerId c : corners) {
-      weighted_.push_back(Vec3(faceNormals_[at(adjacency_.cornerFace(c))]) * angle(c));
+      weighted_.push_back(Vec3(normalOf(adjacency_.cornerFace(c))) * angle(c));
       all += weighted_.back();
     }
     for (std::size_t i = 0; i < corners.size(); ++i) {
@@ -43,12 +47,16 @@ class FanNormals {
       Vec3 normal = unitOrZero(sum);
       if (normal == Vec3{}) normal = unitOrZero(all);
       if (normal == Vec3{}) normal = {0, 1, 0};
-      for (std::size_t k : fan_) out_[at(corners[k])] = normal.toFloat();
+      for (std::size_t k : fan_) put(corners[k], normal.toFloat());
     }
+    return all;
   }
 
  private:
   double angle(CornerId c) const { return cornerAngle(mesh_, adjacency_, c); }
+  Vec3f normalOf(FaceId face) const {
+    return faceNormals_.empty() ? faceNormal(mesh_, face).toFloat() : faceNormals_[at(face)];
+  }
 
   Vec3 gatherFan(std::span<const CornerId> corners, std::size_t start) {
     fan_.clear();
@@ -88,7 +96,6 @@ class FanNormals {
   const Mesh& mesh_;
   const Adjacency& adjacency_;
   std::span<const Vec3f> faceNormals_;
-  std::vector<Vec3f>& out_;
   std::vector<std::uint8_t> done_;
   std::vector<Vec3> weighted_;
   std::vector<std::size_t> fan_;
@@ -151,10 +158,25 @@ std::vector<Vec3f> computeCornerNormals(const Mesh& mesh) {
   std::vector<Vec3f> normals(at(mesh.cornerCount()));
   (void)mesh.adjacency();  // built here, so that the threads don't wait for each other
   parallelFor(at(mesh.vertexCount()), kGrain, [&](std::size_t begin, std::size_t end) {
-    FanNormals fans(mesh, faceNormals, normals);
-    for (std::size_t v = begin; v < end; ++v) fans.atVertex(static_cast<VertexId>(v));
+    FanNormals fans(mesh, faceNormals);
+    const auto put = [&](CornerId c, const Vec3f& normal) { normals[at(c)] = normal; };
+    for (std::size_t v = begin; v < end; ++v) fans.atVertex(static_cast<VertexId>(v), put);
   });
   return normals;
+}
+
+void computeNormalsAt(const Mesh& mesh, std::span<const VertexId> vertices, NormalsAt& out) {
+  out.corners.clear();
+  out.cornerNormals.clear();
+  out.vertexNormals.clear();
+  const LockedNormals& locked = mesh.lockedNormals();
+  FanNormals fans(mesh, {});
+  const auto put = [&](CornerId c, const Vec3f& normal) {
+    out.corners.push_back(c);
+    out.cornerNormals.push_back(mesh.isNormalLocked(c) ? locked.normals[at(c)] : normal);
+  };
+  for (const VertexId v : vertices)
+    out.vertexNormals.push_back(unitOrZero(fans.atVertex(v, put)).toFloat());
 }
 
 Vec3 vertexNormal(const Mesh& mesh, VertexId vertex) {

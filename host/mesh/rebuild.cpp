@@ -4,6 +4,7 @@
 #include <numeric>
 
 #include "host/base/assert.h"
+#include "host/base/cancel_poll.h"
 #include "host/mesh/rebuild_edges.h"
 
 namespace host::mesh {
@@ -31,6 +32,7 @@ std::vector<Index> closedUp(const std::vector<std::uint8_t>& stays, Index& count
   map.resize(stays.size());
   Index next = 0;
   for (std::size_t i = 0; i < stays.size(); ++i) {
+    pollCancel(i);
     map[i] = stays[i] != 0 ? next : kNone;
     next += stays[i];
   }
@@ -78,6 +80,7 @@ void MeshRebuilder::replaceEdge(EdgeId source, VertexId a, VertexId b) {
 }
 
 VertexId MeshRebuilder::addVertex(const Vec3f& point, VertexId creaseSource) {
+  pollCancel(addedPoints_.size());
   addedPoints_.push_back(point);
   addedSources_.push_back(kNone);
   addedCreases_.push_back(creaseSource);
@@ -100,6 +103,7 @@ const Vec3f& MeshRebuilder::point(VertexId vertex) const {
 void MeshRebuilder::beginFace(FaceId source) {
   if (stretches_.empty() || stretches_.back().isRun) stretches_.push_back({kNone, 0, false});
   listedSources_.push_back(source);
+  pollCancel(listedSources_.size());
 }
 
 FaceId MeshRebuilder::endFace() {
@@ -172,6 +176,7 @@ std::vector<EdgeId> MeshRebuilder::findListedEdges(EdgeFinder& finder) const {
   std::size_t begin = 0;
   for (const std::size_t end : listedEnds_) {
     for (std::size_t c = begin; c < end; ++c) {
+      pollCancel(c);
       const std::size_t next = c + 1 == end ? begin : c + 1;
       const EdgeId e = finder.fromSources(c, next);
       edges[c] = e != kNone ? e : finder.findOrAdd(listedVertices_[c], listedVertices_[next]);
@@ -210,6 +215,7 @@ MeshRebuilder::Survivors MeshRebuilder::findSurvivors(const std::vector<EdgeId>&
   if (!keptAs_.empty() || !survivors.vertexMap.empty()) {
     survivors.sourceMap.reserve(at(source_.vertexCount()));
     for (VertexId v = 0; v < source_.vertexCount(); ++v) {
+      pollCancel(v);
       const VertexId kept = vertexFor(v);
       survivors.sourceMap.push_back(kept == kNone ? kNone : mapped(survivors.vertexMap, kept));
     }
@@ -277,6 +283,7 @@ Topology MeshRebuilder::assembleTopology(const Survivors& survivors,
     topology.edges.insert(topology.edges.end(), old.edges.begin(), old.edges.end());
   } else {
     for (EdgeId e = 0; e < source_.edgeCount(); ++e) {
+      pollCancel(e);
       if (mapped(survivors.edgeMap, e) == kNone) continue;
       const EdgeVertices ends = old.edges[at(e)];
       topology.edges.push_back(
@@ -348,6 +355,7 @@ void MeshRebuilder::carryVertexAndFaceData(Mesh& mesh, const Survivors& survivor
   if (!source_.creases().vertices.empty()) {
     std::vector<float> creases(at(survivors.vertices), 0.0F);
     for (VertexId v = 0; v < vertexCount(); ++v) {
+      pollCancel(v);
       const VertexId now = mapped(survivors.vertexMap, v);
       const VertexId lender = v < allKept_ ? v : addedCreases_[at(v - allKept_)];
       if (now != kNone && lender != kNone) creases[at(now)] = source_.vertexCrease(lender);

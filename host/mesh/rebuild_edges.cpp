@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/adjacency.h"
 
 namespace host::mesh {
@@ -69,6 +70,7 @@ void MeshRebuilder::EdgeFinder::makeTable() {
     return;
   }
   for (std::size_t e = 0; e < source_.edges.size(); ++e) {
+    pollCancel(e);
     const VertexId a = rebuilder_.vertexFor(source_.edges[e].a),
                    b = rebuilder_.vertexFor(source_.edges[e].b);
     if ((a != kNone && rebuilder_.isMergeTarget(a)) ||

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <numeric>
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/adjacency.h"
 
 namespace host::mesh {
@@ -38,6 +39,7 @@ Index numberFaces(const Mesh& mesh, const std::vector<Index>& cornerKeys, Index 
                   std::vector<Index>& ofFace) {
   DisjointSets sets(keyCount);
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
+    pollCancel(f);
     const Index key = cornerKeys[at(mesh.firstCorner(f))];
     if (key == kNone) continue;
     for (CornerId c = mesh.firstCorner(f) + 1; c < mesh.firstCorner(f + 1); ++c)
@@ -47,6 +49,7 @@ Index numberFaces(const Mesh& mesh, const std::vector<Index>& cornerKeys, Index 
   Index count = 0;
   ofFace.assign(at(mesh.faceCount()), kNone);
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
+    pollCancel(f);
     const Index key = cornerKeys[at(mesh.firstCorner(f))];
     if (key == kNone) continue;
     Index& shell = number[at(sets.find(key))];
@@ -91,6 +94,7 @@ std::vector<FaceId> connectedFaces(const Mesh& mesh, std::span<const FaceId> see
   };
   meet(seeds);
   for (std::size_t i = 0; i < faces.size(); ++i) {
+    pollCancel(i);
     if (link == ShellLink::Vertices)
       for (VertexId v : mesh.faceVertices(faces[i])) meet(adjacency.vertexFaces(v));
     else
@@ -113,6 +117,75 @@ UvShells findUvShells(const Mesh& mesh, int uvSet) {
       if (const UvId id = set.cornerIds[at(c)]; id != kNone)
         shells.ofUv[at(id)] = shells.ofFace[at(f)];
   return shells;
+}
+
+namespace {
+
+std::vector<Index> shellsNamed(const std::vector<Index>& shellOf, Index count,
+                               std::span<const Index> ids) {
+  std::vector<std::uint8_t> isNamed(static_cast<std::size_t>(count), 0);
+  for (const Index id : ids)
+    if (id >= 0 && static_cast<std::size_t>(id) < shellOf.size())
+      if (const Index shell = shellOf[static_cast<std::size_t>(id)]; shell != kNone)
+        isNamed[static_cast<std::size_t>(shell)] = 1;
+  std::vector<Index> named;
+  for (Index s = 0; s < count; ++s)
+    if (isNamed[static_cast<std::size_t>(s)]) named.push_back(s);
+  return named;
+}
+
+}  // namespace
+
+std::vector<Index> shellsOfUvs(const UvShells& shells, std::span<const UvId> uvs) {
+  return shellsNamed(shells.ofUv, shells.count, uvs);
+}
+
+std::vector<Index> shellsOfFaces(const UvShells& shells, std::span<const FaceId> faces) {
+  return shellsNamed(shells.ofFace, shells.count, faces);
+}
+
+std::vector<UvId> connectedUvs(const Mesh& mesh, int uvSet, std::span<const UvId> seeds) {
+  const UvSet& set = mesh.uvSet(uvSet);
+  std::vector<std::uint8_t> isIn(set.points.size(), 0);
+  for (const UvId uv : seeds)
+    if (uv >= 0 && static_cast<std::size_t>(uv) < isIn.size())
+      isIn[static_cast<std::size_t>(uv)] = 1;
+  std::vector<std::uint8_t> isSeen(static_cast<std::size_t>(mesh.faceCount()), 0);
+  std::vector<FaceId> queue;
+  const Adjacency& adjacency = mesh.adjacency();
+  const auto idOf = [&](CornerId c) { return set.cornerIds[static_cast<std::size_t>(c)]; };
+  const auto visit = [&](FaceId f) {
+    if (isSeen[static_cast<std::size_t>(f)]) return;
+    isSeen[static_cast<std::size_t>(f)] = 1;
+    queue.push_back(f);
+  };
+  // UVs lie at one vertex nearly always: the faces around it are looked at, and whole passes find
+  // those elsewhere that use a UV all the same.
+  for (bool isNew = !set.cornerIds.empty(); isNew;) {
+    for (FaceId f = 0; f < mesh.faceCount(); ++f) {
+      if (isSeen[static_cast<std::size_t>(f)]) continue;
+      for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c)
+        if (idOf(c) != kNone && isIn[static_cast<std::size_t>(idOf(c))]) {
+          visit(f);
+          break;
+        }
+    }
+    isNew = !queue.empty();
+    while (!queue.empty()) {
+      const FaceId f = queue.back();
+      queue.pop_back();
+      for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c) {
+        if (idOf(c) == kNone) continue;
+        isIn[static_cast<std::size_t>(idOf(c))] = 1;
+        for (const CornerId other : adjacency.vertexCorners(mesh.cornerVertex(c)))
+          if (idOf(other) == idOf(c)) visit(adjacency.cornerFace(other));
+      }
+    }
+  }
+  std::vector<UvId> uvs;
+  for (std::size_t uv = 0; uv < isIn.size(); ++uv)
+    if (isIn[uv]) uvs.push_back(static_cast<UvId>(uv));
+  return uvs;
 }
 
 bool isUvSeam(const Mesh& mesh, int uvSet, EdgeId edge) {
@@ -139,6 +212,7 @@ std::vector<EdgeId> uvBorderEdges(const Mesh& mesh, int uvSet) {
   if (ids.empty()) return edges;
   const Adjacency& adjacency = mesh.adjacency();
   for (EdgeId e = 0; e < mesh.edgeCount(); ++e) {
+    pollCancel(e);
     const auto corners = adjacency.edgeCorners(e);
     const bool isBorder = corners.size() == 1 && ids[at(corners[0])] != kNone;
     if (isBorder || isUvSeam(mesh, uvSet, e)) edges.push_back(e);

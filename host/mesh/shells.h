@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "host/mesh/mesh.h"
@@ -35,6 +36,16 @@ struct UvShells {
 
 /// Groups the UVs of a set into shells, numbered by their lowest face. Linear.
 [[nodiscard]] UvShells findUvShells(const Mesh& mesh, int uvSet);
+
+/// The shells that some of the UVs or faces lie in, ascending; ids that are not there have none.
+[[nodiscard]] std::vector<Index> shellsOfUvs(const UvShells& shells, std::span<const UvId> uvs);
+[[nodiscard]] std::vector<Index> shellsOfFaces(const UvShells& shells,
+                                               std::span<const FaceId> faces);
+
+/// All UVs of the shells that some UVs lie in, ascending, with those that no face uses. Costs those
+/// shells and some reading of the others' ids, well below findUvShells.
+[[nodiscard]] std::vector<UvId> connectedUvs(const Mesh& mesh, int uvSet,
+                                             std::span<const UvId> seeds);
 
 /// Whether the faces at an edge use different UVs along it (either end), or one of them has none. A
 /// border edge is no seam.

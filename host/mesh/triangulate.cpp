@@ -1,5 +1,8 @@
 #include "host/mesh/triangulate.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "host/base/parallel.h"
 #include "host/math/frame.h"
 #include "host/mesh/normals.h"
@@ -22,27 +25,109 @@ bool coincides(const Point2& a, const Point2& b) {
   return a.x == b.x && a.y == b.y;
 }
 
+/// The corners of a loop that may lie in an ear, found by place when there are many.
+class ReflexCorners {
+ public:
+  /// @param points of the loop, which stay where they are
+  explicit ReflexCorners(const std::vector<Point2>& points) : points_(points) {
+    isGone_.assign(points.size(), 0);
+    if (points.size() < kManyPoints) return;
+    for (const Point2& p : points) {
+      low_ = {std::min(low_.x, p.x), std::min(low_.y, p.y)};
+      high_ = {std::max(high_.x, p.x), std::max(high_.y, p.y)};
+    }
+    across_ = static_cast<Index>(std::sqrt(static_cast<double>(points.size())));
+    cells_.resize(at(across_) * at(across_));
+  }
+  [[nodiscard]] bool isEmpty() const { return all_.empty(); }
+  void add(Index i) {
+    all_.push_back(i);
+    if (across_ > 0)
+      cells_[cellOf(columnOf(points_[at(i)].x), rowOf(points_[at(i)].y))].push_back(i);
+  }
+  void drop(Index i) { isGone_[at(i)] = 1; }
+
+  /// Whether none of them lies in a triangle, corners in places of its own corners left out. A
+  /// loop that crosses itself everywhere uses up the looking; then none counts.
+  [[nodiscard]] bool areOutside(const Point2& a, const Point2& b, const Point2& c) {
+    if (looked_ > kMostLooks * points_.size()) return true;
+    if (across_ == 0) return areOutside(all_, a, b, c);
+    const Index left = columnOf(std::min({a.x, b.x, c.x})),
+                right = columnOf(std::max({a.x, b.x, c.x}));
+    const Index low = rowOf(std::min({a.y, b.y, c.y})), high = rowOf(std::max({a.y, b.y, c.y}));
+    for (Index row = low; row <= high; ++row)
+      for (Index column = left; column <= right; ++column)
+        if (!areOutside(cells_[cellOf(column, row)], a, b, c)) return false;
+    return true;
+  }
+
+ private:
+  static constexpr std::size_t kManyPoints = 256;
+  static constexpr std::size_t kMostLooks = 400;  ///< a point of the loop
+
+  [[nodiscard]] bool areOutside(std::vector<Index>& some, const Point2& a, const Point2& b,
+                                const Point2& c) {
+    looked_ += some.size() + 1;
+    std::size_t kept = 0;
+    bool isEmpty = true;
+    for (std::size_t k = 0; k < some.size(); ++k) {
+      const Index r = some[k];
+      if (isGone_[at(r)]) continue;
+      some[kept++] = r;
+      const Point2& p = points_[at(r)];
+      if (!isEmpty || coincides(p, a) || coincides(p, b) || coincides(p, c)) continue;
+      isEmpty = turn(a, b, p) < 0 || turn(b, c, p) < 0 || turn(c, a, p) < 0;
+    }
+    some.resize(kept);
+    return isEmpty;
+  }
+  [[nodiscard]] Index stepOf(double x, double low, double high) const {
+    const double part = high > low ? (x - low) / (high - low) * across_ : 0;
+    return part >= 0 ? std::min(across_ - 1, static_cast<Index>(part)) : 0;
+  }
+  [[nodiscard]] Index columnOf(double x) const { return stepOf(x, low_.x, high_.x); }
+  [[nodiscard]] Index rowOf(double y) const { return stepOf(y, low_.y, high_.y); }
+  [[nodiscard]] std::size_t cellOf(Index column, Index row) const {
+    return at(row) * at(across_) + at(column);
+  }
+
+  const std::vector<Point2>& points_;
+  std::vector<Index> all_;
+  std::vector<std::vector<Index>> cells_;
+  std::vector<std::uint8_t> isGone_;
+  Point2 low_{1e300, 1e300}, high_{-1e300, -1e300};
+  Index across_ = 0;
+  std::size_t looked_ = 0;
+};
+
+std::vector<Point2> flattened(std::span<const Vec3> loop, const Vec3& normal) {
+  const math::Frame frame = math::frameFromNormal(loop[0], normal);
+  std::vector<Point2> points;
+  points.reserve(loop.size());
+  for (const Vec3& p : loop) {
+    const Vec3 q = frame.toLocal(p);
+    points.push_back({q.x, q.y});
+  }
+  return points;
+}
+
 /// Cuts ears off one loop; the loop is kept as a ring of links.
 class EarClipper {
  public:
   EarClipper(std::span<const Vec3> loop, const Vec3& normal)
-      : count_(static_cast<Index>(loop.size())) {
-    const math::Frame frame = math::frameFromNormal(loop[0], normal);
-    for (const Vec3& p : loop) {
-      const Vec3 q = frame.toLocal(p);
-      points_.push_back({q.x, q.y});
-    }
+      : count_(static_cast<Index>(loop.size())),
+        points_(flattened(loop, normal)),
+        reflex_(points_) {
     for (Index i = 0; i < count_; ++i) {
       next_.push_back(i + 1 == count_ ? 0 : i + 1);
       previous_.push_back(i == 0 ? count_ - 1 : i - 1);
     }
     for (Index i = 0; i < count_; ++i)
-      if (turnAt(i) <= 0) reflex_.push_back(i);
-    isGone_.assign(at(count_), 0);
+      if (turnAt(i) <= 0) reflex_.add(i);
   }
 
   [[nodiscard]] bool isConvex() const {
-    if (!reflex_.empty()) return false;
+    if (!reflex_.isEmpty()) return false;
     // Turning left everywhere is not enough: a star turns more than once around.
     for (Index i = 1; i + 1 < count_; ++i)
       if (turn(points_[0], points_[at(i)], points_[at(i + 1)]) <= 0) return false;
@@ -50,10 +135,13 @@ class EarClipper {
   }
 
   void clip(std::vector<LoopTriangle>& out) {
-    Index left = count_, i = 0, sinceLast = 0;
+    Index left = count_, i = 0, sinceLast = 0, patience = left;
     while (left > 3) {
-      if (isEar(i) || sinceLast >= left) {
-        const Index ear = sinceLast >= left ? leastBadEar(i) : i;
+      const bool isStuck = sinceLast >= std::min(patience, left);
+      if (isStuck || isEar(i)) {
+        const Index ear = isStuck ? leastBadEar(i) : i;
+        // A loop without ears is crossed or flat: going all around for each cut finds no more.
+        if (isStuck) patience = left / 64 + 16;
         sinceLast = 0;
         out.push_back({previous_[at(ear)], ear, next_[at(ear)]});
         remove(ear);
@@ -79,18 +167,7 @@ class EarClipper {
     const Point2& a = points_[at(previous_[at(i)])];
     const Point2& b = points_[at(i)];
     const Point2& c = points_[at(next_[at(i)])];
-    std::size_t kept = 0;
-    bool isEmpty = true;
-    for (std::size_t k = 0; k < reflex_.size(); ++k) {
-      const Index r = reflex_[k];
-      if (isGone_[at(r)]) continue;
-      reflex_[kept++] = r;
-      const Point2& p = points_[at(r)];
-      if (!isEmpty || coincides(p, a) || coincides(p, b) || coincides(p, c)) continue;
-      isEmpty = turn(a, b, p) < 0 || turn(b, c, p) < 0 || turn(c, a, p) < 0;
-    }
-    reflex_.resize(kept);
-    return isEmpty;
+    return reflex_.areOutside(a, b, c);
   }
 
   /// What to cut when nothing is an ear: a flat corner if there is one, else the one that turns
@@ -114,16 +191,16 @@ class EarClipper {
   void remove(Index i) {
     next_[at(previous_[at(i)])] = next_[at(i)];
     previous_[at(next_[at(i)])] = previous_[at(i)];
-    isGone_[at(i)] = 1;
+    reflex_.drop(i);
     // A neighbour that was convex can turn reflex only when the cut was no true ear.
     for (Index n : {previous_[at(i)], next_[at(i)]})
-      if (turnAt(n) <= 0) reflex_.push_back(n);
+      if (turnAt(n) <= 0) reflex_.add(n);
   }
 
   Index count_;
   std::vector<Point2> points_;
-  std::vector<Index> next_, previous_, reflex_;
-  std::vector<std::uint8_t> isGone_;
+  std::vector<Index> next_, previous_;
+  ReflexCorners reflex_;
 };
 
 void fan(Index count, std::vector<LoopTriangle>& out) {

@@ -33,6 +33,9 @@ Result<void> project(HistoryContext& context) {
   options.splitsOverlaps = !context.boolean("skipIntersect");
   options.layout = static_cast<ops::AutoProjectUvsOptions::Layout>(*layout);
   options.scale = static_cast<ops::AutoProjectUvsOptions::Scale>(*scale);
+  const auto method = context.choice("layoutMethod", 2);
+  if (!method) return failWith(method.error());
+  options.packsShapes = *method == 1 || context.boolean("denseLayout");
   options.spacing = context.real("percentageSpace") / 100;
   const auto set = uvSetToFill(context);
   if (!set) return failWith(set.error());
@@ -63,8 +66,7 @@ void polyAutoProjection(Declarations& add) {
       .parameter(choice("optimize", "o", {"Best plane", "Fewer pieces"}, 1),
                  "1 lets small islands join the faces around them")
       .parameter(choice("layoutMethod", "lm", {"Block stacking", "Shape stacking"}),
-                 "pieces are put side by side by their boxes either way")
-      .recordedOnly()
+                 "0 puts the pieces' boxes into the square, 1 their outlines")
       .parameter(boolean("skipIntersect", "si"), "on lets pieces lie over themselves")
       .parameter(choice("layout", "l", {"None", "Along U", "Into square"}, 2),
                  "0 pieces stay where they are seen, 1 in a row, 2 in the unit square")
@@ -73,9 +75,9 @@ void polyAutoProjection(Declarations& add) {
                  "0 as large as they are, 1 fitted, 2 fitted and stretched")
       .parameter(boolean("projectBothDirections", "pb"),
                  "faces that look away from a plane are seen through it")
-      .parameter(hidden(boolean("denseLayout", "dl")), "of newer files")
+      .parameter(hidden(boolean("denseLayout", "dl")),
+                 "packs outlines, whatever -layoutMethod says")
       .noFlag()
-      .recordedOnly()
       .parameter(hidden(boolean("maintainSymmetry", "ms", true)), "of newer files")
       .noFlag()
       .recordedOnly();
@@ -84,6 +86,7 @@ void polyAutoProjection(Declarations& add) {
       .trial("", "f")
       .trial("-lm 0 -pb 0 -ibd 1 -cm 0 -l 2 -sc 1 -o 1 -p 6 -ps 0.2 -ws 1", "f")
       .trial("-p 4 -l 1 -sc 2 -pb 1", "f")
+      .trial("-lm 1 -ps 0.2 -sc 2", "f")
       .trial("-p 12 -l 0 -sc 0 -o 0 -s 1 2 3 -ro 10 20 30 -cm 1", "f")
       .operation(project);
 }

@@ -6,15 +6,24 @@ namespace host::modelling {
 
 namespace {
 
-/// Sews, and says how many borders stay open; once, not at every evaluation that finds as many.
-void sewAndTell(HistoryContext& context, int set, const ops::SewUvsOptions& options) {
-  const Index open = ops::sewUvs(context.mesh, set, context.edges(), options).open;
-  const auto told = std::static_pointer_cast<const Index>(context.plan);
-  if (open > 0 && (!told || *told != open))
+void warn(const HistoryContext& context, Index edges, std::string_view why) {
+  if (edges > 0)
     postMessage(MessageKind::Warning,
-                fmt::format("{}: {} {} open, because the map could not lie flat without.",
-                            context.node().name(), open, open == 1 ? "edge stays" : "edges stay"));
-  context.plan = std::make_shared<const Index>(open);
+                fmt::format("{}: {} {} open, because {}.", context.node().name(), edges,
+                            edges == 1 ? "edge stays" : "edges stay", why));
+}
+
+/// Sews, and says how many borders stay open and why; once, not at every evaluation that finds as
+/// many. That -limitPieceSize left some is no news to whoever asked for it.
+void sewAndTell(HistoryContext& context, int set, const ops::SewUvsOptions& options) {
+  const ops::SewUvsResult done = ops::sewUvs(context.mesh, set, context.edges(), options);
+  const auto told = std::static_pointer_cast<const Index>(context.plan);
+  if (!told || *told != done.open) {
+    warn(context, done.open - done.limited - done.unjoinable, "the map could not lie flat without");
+    warn(context, done.unjoinable,
+         "more than two faces meet there, or faces that are wound against each other");
+  }
+  context.plan = std::make_shared<const Index>(done.open);
 }
 
 Result<void> sew(HistoryContext& context) {

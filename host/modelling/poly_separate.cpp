@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/shells.h"
 #include "host/modelling/declare/history_command.h"
 #include "host/modelling/declare/mesh_objects.h"
@@ -37,7 +38,10 @@ void build(TypeBuilder& builder, const std::vector<const Attribute*>& parameters
     const auto* data = dg::dataAs<scene::MeshData>(*arriving);
     const mesh::Mesh whole = data ? data->mesh : mesh::Mesh();
     const mesh::ProvenanceTrail trail(whole);
-    std::vector<mesh::Mesh> parts = ops::separate(whole);
+    auto separated =
+        cancellable([&]() -> Result<std::vector<mesh::Mesh>> { return ops::separate(whole); });
+    if (!separated) return failWith(std::move(separated.error()));
+    std::vector<mesh::Mesh> parts = *std::move(separated);
     dropShells(parts, block.data<dg::IntArrayData>(Plug(&node, removed)));
     const Plug all(&node, results);
     const auto promised = static_cast<std::size_t>(std::max<std::int64_t>(1, block.integer(count)));

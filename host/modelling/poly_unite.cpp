@@ -1,3 +1,4 @@
+#include "host/base/cancel_poll.h"
 #include "host/modelling/declare/joined_parts.h"
 #include "host/ops/topology/unite.h"
 
@@ -20,7 +21,7 @@ void build(TypeBuilder& builder, const std::vector<const Attribute*>&) {
       groups.add(*part.data);
       parts.push_back({part.data->mesh, part.space});
     }
-    auto united = ops::unite(parts);
+    auto united = cancellable([&] { return ops::unite(parts); });
     if (!united) return failAt(node.name(), united.error());
     block.output(result, dg::DataPtr(std::make_shared<scene::MeshData>(*std::move(united),
                                                                        groups.finish())));

@@ -36,12 +36,18 @@ Result<ops::TransferAttributesOptions> optionsOf(const HistoryContext& context) 
     return fail("searchMethod is 0 along the normal or 3 closest point, not {}", search);
   options.search =
       search == kClosest ? ops::TransferSearch::Closest : ops::TransferSearch::AlongNormal;
+  const math::Matrix4 stretch = math::Matrix4::scaling(context.vec3("searchScale"));
+  const auto back = math::inverse(stretch);
+  if (!back) return fail(ErrorKind::BadArgument, "a searchScale of 0 finds nothing");
+  options.keepsColorBorders = context.integer("colorBorders") != 0;
+  options.toSource = stretch;
+  options.fromSource = *back;
   if (space == kWorld) {
     const math::Matrix4 own = context.matrix("inputMatrix"), other = context.matrix("sourceMatrix");
     const auto toOther = math::inverse(other), toOwn = math::inverse(own);
     if (!toOther || !toOwn) return fail("a scale of 0 leaves no way between the objects");
-    options.toSource = own * *toOther;
-    options.fromSource = other * *toOwn;
+    options.toSource = own * stretch * *toOther;
+    options.fromSource = other * *back * *toOwn;
   }
   options.sourceUvSet = context.text("sourceUvSet");
   options.targetUvSet = context.text("targetUvSet");
@@ -110,10 +116,13 @@ void transferAttributes(Declarations& add) {
       .parameter(text("sourceUvSpace", "sus"), "the source's set that -sampleSpace 3 compares")
       .parameter(text("targetUvSpace", "tus"), "the target's set that -sampleSpace 3 compares")
       .parameter(shortInteger("flipUVs", "fuv"), "0 no, 1 u, 2 v, 3 both")
-      .parameter(shortInteger("colorBorders", "clb", 1), "borders between colours are kept")
-      .recordedOnly()
+      .parameter(triple("searchScale", "ssc", AttributeType::Double, {1, 1, 1}),
+                 "stretches the target for the search: -1 looks on the other side")
+      .flag("ssc", "searchScale", "s")
+      .parameter(shortInteger("colorBorders", "clb", 1),
+                 "1 keeps borders between colours, 0 gives each vertex one colour")
       .parameter(shortInteger("matchChoice", "mch"), "of older files")
-      .recordedOnly()
+      .withoutEffect({0, 1})
       .parameter(hidden(dg::makeTyped("source", "src", "mesh")), "the mesh to sample")
       .parameter(hidden(nodes::matrix("sourceMatrix", "srm")), "where it stands in the world")
       .afterFlags(connectSource)

@@ -152,6 +152,19 @@ Result<Computed> computeDag(const DagAttributes& attributes, Node& node, const P
   return Computed::Done;
 }
 
+/// A place at which the node does not stand has no matrix and leaves no element behind.
+bool readNoPlace(const DagAttributes& attributes, const Node& node, const Plug& plug,
+                 dg::Value& value) {
+  const Attribute* wanted = plug.attribute();
+  if (wanted != attributes.world && wanted != attributes.worldInverse &&
+      wanted != attributes.parent && wanted != attributes.parentInverse)
+    return false;
+  const Index place = plug.isElement() ? plug.logicalIndex() : 0;
+  if (place <= 0 || static_cast<std::uint64_t>(place) < scene::pathCount(node)) return false;
+  value = matrixValue({});
+  return true;
+}
+
 bool readBox(const DagAttributes& attributes, const Node& node, const Plug& plug,
              dg::Value& value) {
   const Attribute* triple = plug.attribute()->parent;
@@ -187,7 +200,7 @@ void registerDagNode(dg::TypeRegistry& types) {
   a.matrix = builder.add(output(matrix("matrix", "m")));
   a.inverseMatrix = builder.add(output(matrix("inverseMatrix", "im")));
   const auto addInstanced = [&](const char* longName, const char* shortName) {
-    AttributePtr attribute = array(output(matrix(longName, shortName)));
+    AttributePtr attribute = array(internal(output(matrix(longName, shortName))));
     attribute->worldSpace = true;
     return builder.add(std::move(attribute));
   };
@@ -223,7 +236,7 @@ void registerDagNode(dg::TypeRegistry& types) {
     return computeDag(a, node, plug, block);
   };
   builder.type().getInternal = [a](const Node& node, const Plug& plug, dg::Value& value) {
-    return readBox(a, node, plug, value);
+    return readNoPlace(a, node, plug, value) || readBox(a, node, plug, value);
   };
   builder.type().dependentsDirty = [a](Node& node, const Plug& plug, std::vector<Plug>& alsoDirty) {
     if (plug.attribute() != a.world) return;

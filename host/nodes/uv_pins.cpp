@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/mesh/shells.h"
+#include "host/scene/mesh_data.h"
 #include "host/scene/poly_component_data.h"
 
 namespace host::nodes {
@@ -53,6 +54,52 @@ void addWeights(dg::Node& node, std::vector<float>& pins) {
           kind && *kind == 1 ? 0.0f : static_cast<float>(std::min(weights[i], 1.0));
 }
 
+/// The UV set of a name in another mesh.
+const mesh::UvSet* sameSet(const mesh::Mesh& mesh, const std::string& name) {
+  const int set = mesh.findUvSet(name);
+  return set < 0 ? nullptr : &mesh.uvSet(set);
+}
+
+/// For each corner of a mesh the one that it comes of in another; none where it comes of nothing.
+std::vector<CornerId> cornerOrigins(const mesh::Mesh& from, const mesh::Mesh& to,
+                                    const mesh::Provenance& origin) {
+  std::vector<CornerId> origins(at(to.cornerCount()), kNone);
+  for (FaceId f = 0; f < to.faceCount(); ++f) {
+    const FaceId old = origin.faces.at(f);
+    if (old == kNone || old >= from.faceCount()) continue;
+    for (CornerId c = to.firstCorner(f); c < to.firstCorner(f + 1); ++c) {
+      const VertexId vertex = origin.vertices.at(to.cornerVertex(c));
+      for (CornerId k = from.firstCorner(old); k < from.firstCorner(old + 1); ++k)
+        if (vertex != kNone && from.cornerVertex(k) == vertex) origins[at(c)] = k;
+    }
+  }
+  return origins;
+}
+
+/// Weights by the UVs of one set, brought to those of another: each UV gets the greatest of its
+/// corners'. `origins` gives a corner's old one; empty: the same.
+std::vector<float> carriedWeights(const std::vector<float>& weights, const mesh::UvSet& from,
+                                  const mesh::UvSet& to, const std::vector<CornerId>& origins) {
+  std::vector<float> carried(to.points.size(), 0);
+  for (std::size_t c = 0; c < to.cornerIds.size(); ++c) {
+    const CornerId corner = origins.empty() ? static_cast<CornerId>(c) : origins[c];
+    if (to.cornerIds[c] == kNone || corner == kNone || at(corner) >= from.cornerIds.size())
+      continue;
+    const UvId old = from.cornerIds[at(corner)];
+    if (old == kNone || at(old) >= weights.size()) continue;
+    float& weight = carried[at(to.cornerIds[c])];
+    weight = std::max(weight, weights[at(old)]);
+  }
+  return carried;
+}
+
+/// The mesh that leaves a pin node, to see how it numbers UVs.
+std::optional<mesh::Mesh> meshBehind(dg::Node& node) {
+  const auto value = node.graph().get(node.plug("output"));
+  const auto* data = value ? dg::dataAs<scene::MeshData>(*value) : nullptr;
+  return data ? std::optional(data->mesh) : std::nullopt;
+}
+
 std::vector<PolyComponentData::Entry> storedPins(dg::Node& shape, int uvSet) {
   const auto value = shape.graph().get(shape.plug("pinData").element(uvSet));
   const auto* data = value ? dg::dataAs<PolyComponentData>(*value) : nullptr;
@@ -62,12 +109,27 @@ std::vector<PolyComponentData::Entry> storedPins(dg::Node& shape, int uvSet) {
 }  // namespace
 
 std::vector<float> uvPins(dg::Node& shape, const mesh::Mesh& mesh, int uvSet) {
+  const std::string& setName = mesh.uvSet(uvSet).name;
   std::vector<float> pins(mesh.uvSet(uvSet).points.size(), 0);
+  // Each node's pins go by the UVs that it sees; what lies between two may have cut or sewn.
+  std::optional<mesh::Mesh> numbering;
+  const auto renumber = [&](const mesh::Mesh& to) {
+    const mesh::UvSet* from = numbering ? sameSet(*numbering, setName) : nullptr;
+    const mesh::UvSet* made = sameSet(to, setName);
+    if (!made) return;
+    if (from && from->cornerIds != made->cornerIds &&
+        numbering->topology().faceOffsets == to.topology().faceOffsets)
+      pins = carriedWeights(pins, *from, *made, {});
+    pins.resize(made->points.size(), 0);
+    numbering = to;
+  };
   for (dg::Node* node : pinNodes(shape)) {
     const std::string name = textOf(shape.graph(), node->plug("uvSetName"));
-    if (name == mesh.uvSet(uvSet).name || (name.empty() && uvSet == mesh.currentUvSet()))
-      addWeights(*node, pins);
+    if (name != setName && !(name.empty() && uvSet == mesh.currentUvSet())) continue;
+    if (const auto seen = meshBehind(*node)) renumber(*seen);
+    addWeights(*node, pins);
   }
+  renumber(mesh);
   for (const auto& [uv, weight] : storedPins(shape, uvSet))
     if (uv >= 0 && static_cast<std::size_t>(uv) < pins.size())
       pins[static_cast<std::size_t>(uv)] = weight;
@@ -101,17 +163,44 @@ Result<void> setUvPins(scene::Document& document, dg::Node& shape, int uvSet,
       dg::Value(dg::DataPtr(std::make_shared<PolyComponentData>("UV", std::move(merged)))));
 }
 
+PinCarrier::PinCarrier(scene::Document& document, dg::Node& shape, const mesh::Mesh& before)
+    : document_(document), shape_(shape) {
+  for (int set = 0; set < before.uvSetCount() && !before_; ++set)
+    if (!storedPins(shape, set).empty()) before_ = before;
+  if (before_) trail_.emplace(*before_);
+}
+
+Result<void> PinCarrier::finish(const mesh::Mesh& after) {
+  if (!before_) return {};
+  const auto origin = trail_->to(after);
+  trail_.reset();
+  const bool isSame = before_->topology().faceOffsets == after.topology().faceOffsets;
+  if (!origin && !isSame) return {};
+  std::vector<CornerId> origins;
+  if (!isSame) origins = cornerOrigins(*before_, after, *origin);
+  for (int set = 0; set < before_->uvSetCount(); ++set) {
+    const mesh::UvSet& old = before_->uvSet(set);
+    const mesh::UvSet* made = sameSet(after, old.name);
+    const auto entries = storedPins(shape_, set);
+    if (!made || entries.empty() || (isSame && made->cornerIds == old.cornerIds)) continue;
+    std::vector<float> weights(old.points.size(), 0);
+    for (const auto& [uv, weight] : entries)
+      if (uv >= 0 && at(uv) < weights.size()) weights[at(uv)] = weight;
+    const std::vector<float> carried = carriedWeights(weights, old, *made, origins);
+    std::vector<PolyComponentData::Entry> kept;
+    for (std::size_t uv = 0; uv < carried.size(); ++uv)
+      if (carried[uv] > 0) kept.emplace_back(static_cast<Index>(uv), carried[uv]);
+    HOST_TRY(document_.graph().set(
+        shape_.plug("pinData").element(set),
+        dg::Value(dg::DataPtr(std::make_shared<PolyComponentData>("UV", std::move(kept))))));
+  }
+  return {};
+}
+
 std::vector<Index> pinnedShells(dg::Node& shape, const mesh::Mesh& mesh, int uvSet) {
-  std::vector<Index> found;
   const std::vector<UvId> pinned = pinnedUvs(shape, mesh, uvSet);
-  if (pinned.empty()) return found;
-  const mesh::UvShells shells = mesh::findUvShells(mesh, uvSet);
-  for (const UvId uv : pinned)
-    if (const Index shell = shells.ofUv[static_cast<std::size_t>(uv)]; shell != kNone)
-      found.push_back(shell);
-  std::ranges::sort(found);
-  found.erase(std::unique(found.begin(), found.end()), found.end());
-  return found;
+  if (pinned.empty()) return {};
+  return mesh::shellsOfUvs(mesh::findUvShells(mesh, uvSet), pinned);
 }
 
 }  // namespace host::nodes

@@ -1,6 +1,7 @@
 #include "host/scene/dag.h"
 
 #include <algorithm>
+#include <optional>
 #include <unordered_map>
 
 #include "host/scene/dag_paths.h"
@@ -45,27 +46,18 @@ bool inheritsTransform(Node& node) {
   return !flag || *flag != 0;
 }
 
-/// Product of the local matrices of nodes[0, count). From the top down, as the worldMatrix
-/// attributes are computed, so that both agree in every bit.
-math::Matrix4 product(const std::vector<Node*>& nodes, std::size_t count) {
-  std::size_t first = count;
-  while (first > 0 && (!isTransform(*nodes[first - 1]) || inheritsTransform(*nodes[first - 1])))
-    --first;
-  if (first > 0) --first;
-  math::Matrix4 matrix;
-  for (std::size_t i = first; i < count; ++i)
-    if (isTransform(*nodes[i]))
-      matrix = i == first ? localMatrix(*nodes[i]) : localMatrix(*nodes[i]) * matrix;
-  return matrix;
-}
-
-std::string joinTail(const std::vector<Node*>& nodes, std::size_t count) {
-  std::string name;
-  for (std::size_t i = nodes.size() - count; i < nodes.size(); ++i) {
-    if (!name.empty()) name += '|';
-    name += nodes[i]->name();
+std::string joinTail(const DagPath& path, std::size_t count) {
+  std::vector<const std::string*> names;
+  for (const Node* node : path.upwards()) {
+    if (names.size() == count) break;
+    names.push_back(&node->name());
   }
-  return name;
+  std::string joined;
+  for (auto name = names.rbegin(); name != names.rend(); ++name) {
+    if (!joined.empty()) joined += '|';
+    joined += **name;
+  }
+  return joined;
 }
 
 /// How many names from the leaf on it takes to tell a path from all others of the scene. Paths are
@@ -73,19 +65,21 @@ std::string joinTail(const std::vector<Node*>& nodes, std::size_t count) {
 std::size_t namesToTell(const DagPath& path, const Document& document) {
   std::unordered_map<Node*, std::uint64_t> tops;
   for (Node* other : document.nodesNamed(path.node()->name())) tops[other] = 1;
-  const std::vector<Node*>& nodes = path.nodes();
+  const std::size_t length = path.length();
+  DagPath at = path;
   constexpr std::uint64_t kMany = std::uint64_t{1} << 32;
   // Chains of namesakes are not followed to their end for each of their nodes: a whole path tells
   // it as well, only longer.
   constexpr std::size_t kUsualNames = 8, kMostSteps = 4096;
   std::size_t steps = 0;
-  for (std::size_t names = 1; names < nodes.size(); ++names) {
-    if (names > kUsualNames && (steps += tops.size()) > kMostSteps) return nodes.size() + 1;
+  for (std::size_t names = 1; names < length; ++names) {
+    if (names > kUsualNames && (steps += tops.size()) > kMostSteps) return length + 1;
     std::uint64_t paths = 0;
     for (const auto& [top, ways] : tops)
       paths += std::min(kMany, ways) * std::min(kMany / 4, pathCount(*top));
     if (paths <= 1) return names;
-    const std::string& next = nodes[nodes.size() - names - 1]->name();
+    at = at.parent();
+    const std::string& next = at.node()->name();
     std::unordered_map<Node*, std::uint64_t> above;
     for (const auto& [top, ways] : tops)
       for (Node* parent : dagLinks(*top).parents)
@@ -96,43 +90,73 @@ std::size_t namesToTell(const DagPath& path, const Document& document) {
   std::uint64_t paths = 0;
   for (const auto& [top, ways] : tops)
     paths += std::min(kMany, ways) * std::min(kMany / 4, pathCount(*top));
-  return paths <= 1 ? nodes.size() : nodes.size() + 1;
+  return paths <= 1 ? length : length + 1;
 }
 
 }  // namespace
 
+DagPlace::~DagPlace() {
+  // The last owner of a deep place takes those above along one by one. The document's thread is the
+  // only one that holds places, so a count of one is one.
+  DagPlacePtr up = std::move(above);
+  while (up && up.use_count() == 1) up = std::move(const_cast<DagPlace&>(*up).above);
+}
+
+DagPath::DagPath(const std::vector<Node*>& nodes) {
+  for (Node* each : nodes) push(each);
+}
+
+std::vector<Node*> DagPath::nodes() const {
+  std::vector<Node*> list(length());
+  auto at = list.rbegin();
+  for (Node* each : upwards()) *at++ = each;
+  return list;
+}
+
+bool DagPath::haveSameNodes(const DagPath& a, const DagPath& b) {
+  if (a.length() != b.length()) return false;
+  const DagPlace *one = a.place_.get(), *other = b.place_.get();
+  while (one != other && one->node == other->node) {
+    one = one->above.get();
+    other = other->above.get();
+  }
+  return one == other;
+}
+
 bool DagPath::isValid() const {
-  // From the leaf up, comparing pointers only: a node that a live child still names as its parent
-  // is alive, others may be gone from memory.
-  if (nodes_.empty()) return true;
-  if (!nodes_.back()->isAlive()) return false;
-  for (std::size_t i = nodes_.size(); i-- > 0;)
-    if (!contains(dagLinks(*nodes_[i]).parents, i > 0 ? nodes_[i - 1] : nullptr)) return false;
+  if (!place_) return true;
+  if (!node()->isAlive()) return false;
+  for (const DagPlace* at = place_.get(); at; at = at->above.get()) {
+    const DagLinks& links = dagLinks(*at->node);
+    if (links.first.get() == at) return true;
+    if (!contains(links.parents, at->above ? at->above->node.get() : nullptr)) return false;
+  }
   return true;
 }
 
 DagPath DagPath::parent() const {
-  if (nodes_.empty()) return {};
-  return DagPath(std::vector<Node*>(nodes_.begin(), nodes_.end() - 1));
+  return place_ ? DagPath(place_->above) : DagPath();
 }
 
 DagPath DagPath::child(Node* childNode) const {
-  std::vector<Node*> nodes;
-  nodes.reserve(nodes_.size() + 1);
-  nodes = nodes_;
-  nodes.push_back(childNode);
-  return DagPath(std::move(nodes));
+  // Most paths go by the first parent of each node; they are made once.
+  const std::vector<Node*>& parents = dagLinks(*childNode).parents;
+  const bool isOnFirst = !place_ || dagLinks(*node()).first == place_;
+  if (isOnFirst && !parents.empty() && parents.front() == node()) {
+    DagPath first = firstPath(*childNode);
+    if (first.place_ && first.place_->above == place_) return first;
+  }
+  return DagPath(std::make_shared<DagPlace>(childNode->shared_from_this(), place_));
 }
 
 DagPath DagPath::transform() const {
-  std::size_t length = nodes_.size();
-  while (length > 0 && !isTransform(*nodes_[length - 1])) --length;
-  return DagPath(
-      std::vector<Node*>(nodes_.begin(), nodes_.begin() + static_cast<std::ptrdiff_t>(length)));
+  DagPath at = *this;
+  while (!at.isWorld() && !isTransform(*at.node())) at.pop();
+  return at;
 }
 
 std::vector<DagPath> DagPath::shapes(bool withIntermediate) const {
-  if (nodes_.empty()) return {};
+  if (isWorld()) return {};
   if (isShape(*node())) return {*this};
   std::vector<DagPath> found;
   for (Node* below : dagLinks(*node()).children)
@@ -142,57 +166,99 @@ std::vector<DagPath> DagPath::shapes(bool withIntermediate) const {
 }
 
 DagPath DagPath::toShape() const {
-  if (nodes_.empty() || isShape(*node())) return *this;
+  if (isWorld() || isShape(*node())) return *this;
   for (Node* below : dagLinks(*node()).children)
     if (isShape(*below) && !isIntermediate(*below)) return child(below);
   return {};
 }
 
 bool DagPath::isAncestorOf(const DagPath& other) const {
-  return nodes_.size() < other.nodes_.size() &&
-         std::equal(nodes_.begin(), nodes_.end(), other.nodes_.begin());
+  if (length() >= other.length()) return false;
+  DagPath at = other.parent();
+  while (at.length() > length()) at.pop();
+  return at == *this;
 }
 
 std::size_t DagPath::instanceNumber() const {
   return static_cast<std::size_t>(pathNumber(*this));
 }
 
+namespace {
+
+/// Of long paths the matrix that the graph keeps for a node this far above the leaf is taken.
+constexpr std::size_t kLongPath = 32;
+
+std::optional<math::Matrix4> keptWorldMatrix(const DagPath& path) {
+  const dg::Plug world = path.node()->plug("worldMatrix");
+  if (!world || !path.isValid()) return std::nullopt;
+  const auto value = path.node()->graph().get(world.element(static_cast<Index>(pathNumber(path))));
+  const auto* matrix = value ? dg::dataAs<dg::MatrixData>(*value) : nullptr;
+  return matrix ? std::optional(matrix->value) : std::nullopt;
+}
+
+/// From the top down, as the worldMatrix attributes are computed, so that both agree in every bit.
+math::Matrix4 product(const DagPath& path) {
+  std::vector<Node*> transforms;
+  std::optional<math::Matrix4> matrix;
+  for (DagPath at = path; !at.isWorld(); at.pop()) {
+    if (!isTransform(*at.node())) continue;
+    if (transforms.size() >= kLongPath && (matrix = keptWorldMatrix(at))) break;
+    transforms.push_back(at.node());
+    if (!inheritsTransform(*at.node())) break;
+  }
+  for (auto each = transforms.rbegin(); each != transforms.rend(); ++each)
+    matrix = matrix ? localMatrix(**each) * *matrix : localMatrix(**each);
+  return matrix.value_or(math::Matrix4{});
+}
+
+}  // namespace
+
 math::Matrix4 DagPath::inclusiveMatrix() const {
-  return product(nodes_, nodes_.size());
+  return product(*this);
 }
 
 math::Matrix4 DagPath::exclusiveMatrix() const {
-  return nodes_.empty() ? math::Matrix4{} : product(nodes_, nodes_.size() - 1);
+  return product(parent());
 }
 
 std::string DagPath::fullName() const {
   std::string name;
-  for (const Node* each : nodes_) name += '|' + each->name();
+  for (const Node* each : nodes()) name += '|' + each->name();
   return name;
 }
 
 std::string DagPath::partialName() const {
-  if (nodes_.empty()) return {};
+  if (isWorld()) return {};
   const Node& leaf = *node();
   Document* document = documentOf(leaf.graph());
   if (!document) return fullName();
   const std::size_t needed = namesToTell(*this, *document);
-  return needed > nodes_.size() ? fullName() : joinTail(nodes_, needed);
+  return needed > length() ? fullName() : joinTail(*this, needed);
 }
 
 DagPath firstPath(const Node& node) {
-  // Paths of deep hierarchies are asked for all the time: one pass up, one allocation. On the main
-  // thread only, as all of the document, and to the end of the program.
+  if (!node.dagExtension) return {};
+  if (const DagPlacePtr& known = dagLinks(node).first) return DagPath(known);
+  // Up to a node whose place is known, and down again. On the main thread only, as all of the
+  // document, and to the end of the program.
   static std::vector<Node*>& upwards = *new std::vector<Node*>;
   upwards.clear();
-  const Node* at = &node;
-  while (at && at->dagExtension) {
+  DagPlacePtr place;
+  for (const Node* at = &node; at && at->dagExtension;) {
+    const DagLinks& links = dagLinks(*at);
+    if (links.first) {
+      place = links.first;
+      break;
+    }
+    if (links.parents.empty() || !at->isAlive()) return {};  // not in the scene
     upwards.push_back(const_cast<Node*>(at));
-    const auto& parents = static_cast<const DagLinks&>(*at->dagExtension).parents;
-    if (parents.empty()) return {};  // not in the scene
-    at = parents.front();
+    at = links.parents.front();
   }
-  return DagPath(std::vector<Node*>(upwards.rbegin(), upwards.rend()));
+  for (auto each = upwards.rbegin(); each != upwards.rend(); ++each) {
+    place = std::make_shared<DagPlace>((*each)->shared_from_this(), std::move(place));
+    dagLinks(**each).first = place;
+  }
+  return DagPath(std::move(place));
 }
 
 math::Matrix4 localMatrix(Node& transform) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 #include "host/base/messages.h"
 
@@ -58,7 +59,24 @@ std::uint64_t count(const Node& node) {
 
 }  // namespace
 
+namespace {
+
+/// What was known of the places of a node and of all below. Where nothing was known, nothing is
+/// below.
+void forgetPlaces(const Node& node) {
+  std::vector<const Node*> open{&node};
+  while (!open.empty()) {
+    const DagLinks& links = dagLinks(*open.back());
+    open.pop_back();
+    if (!std::exchange(links.first, nullptr)) continue;
+    open.insert(open.end(), links.children.begin(), links.children.end());
+  }
+}
+
+}  // namespace
+
 void noteParents(const Node& node) {
+  forgetPlaces(node);
   counts().known.clear();
   if (dagLinks(node).parents.size() > 1)
     counts().instanced.insert(&node);
@@ -66,9 +84,15 @@ void noteParents(const Node& node) {
     counts().instanced.erase(&node);
 }
 
+// Only the node itself: of those below some may be gone already.
 void forgetParents(const Node& node) {
+  if (node.dagExtension) dagLinks(node).first.reset();
   counts().known.clear();
   counts().instanced.erase(&node);
+}
+
+bool isAnythingInstanced() {
+  return !counts().instanced.empty();
 }
 
 std::uint64_t pathCount(const Node& node) {
@@ -92,10 +116,9 @@ PathAbove pathAbove(const Node& node, std::uint64_t number) {
 std::uint64_t pathNumber(const DagPath& path) {
   if (counts().instanced.empty()) return 0;
   std::uint64_t number = 0;
-  const std::vector<Node*>& nodes = path.nodes();
-  for (std::size_t i = 0; i < nodes.size(); ++i) {
-    const Node* above = i > 0 ? nodes[i - 1] : nullptr;
-    for (const Node* parent : dagLinks(*nodes[i]).parents) {
+  for (DagPath at = path; !at.isWorld(); at.pop()) {
+    const Node* above = at.parent().node();
+    for (const Node* parent : dagLinks(*at.node()).parents) {
       if (parent == above) break;
       number = sum(number, parent ? pathCount(*parent) : 1);
     }

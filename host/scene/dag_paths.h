@@ -13,6 +13,9 @@ namespace host::scene {
 /// constant, else linear in what is above, once after each change of the hierarchy.
 [[nodiscard]] std::uint64_t pathCount(const Node& node);
 
+/// Whether any node of a scene has several parents.
+[[nodiscard]] bool isAnythingInstanced();
+
 /// Lists of paths end here, with a warning.
 constexpr std::uint64_t kMostPaths = 100'000;
 

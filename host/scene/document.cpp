@@ -19,58 +19,32 @@ std::vector<Document*>& liveDocuments() {
   return documents;
 }
 
-/// The nodes on the ways to what a list names. The list itself keeps only the leaves in memory.
-std::vector<dg::NodePtr> ancestorsIn(const SelectionList& list) {
-  std::vector<dg::NodePtr> nodes;
-  for (const SelectionItem& item : list.items())
-    for (Node* node : item.path.nodes())
-      if (node && node != item.node.get()) nodes.push_back(node->shared_from_this());
-  return nodes;
-}
-std::vector<dg::NodePtr> ancestorsIn(const Units&) {
-  return {};
-}
-
 /// Whether the nodes of an item are there. They need not hang together as its path has it: what
 /// moved away from under a list moves back with the step that moved it.
 bool isThere(const SelectionItem& item) {
-  return item.node->isAlive() && std::ranges::all_of(item.path.nodes(), &Node::isAlive);
+  return item.node->isAlive() && std::ranges::all_of(item.path.upwards(), &Node::isAlive);
 }
 
 /// Keeps the value that is not current, so that a record costs one copy.
+///
+/// A list that comes back may name nodes that are not there yet, or not any more: what they are
+/// part of is taken back first, and only then the lists are swept.
 template <class T, class Swap>
 class SwapChange final : public dg::Change {
  public:
-  SwapChange(T other, Swap swap) : other_(std::move(other)), swap_(std::move(swap)) {
-    fold(other_);
-    held_ = ancestorsIn(other_);
-  }
+  SwapChange(T other, Swap swap) : other_(std::move(other)), swap_(std::move(swap)) {}
   Result<void> undo() override { return replay(); }
   Result<void> redo() override { return replay(); }
   [[nodiscard]] std::size_t bytes() const override { return sizeof(*this) + extraBytes(other_); }
 
  private:
   Result<void> replay() {
-    const std::vector<dg::NodePtr> held = std::move(held_);
-    unfold(other_);
-    dropDead(other_);
     swap_(other_);
-    fold(other_);
-    held_ = ancestorsIn(other_);
     return {};
   }
-  static void fold(Units&) {}
-  static void unfold(Units&) {}
-  static void fold(SelectionList& list) { list.foldPaths(); }
-  static void unfold(SelectionList& list) { list.unfoldPaths(); }
-  static void dropDead(Units&) {}
-  /// Deleted without a record in between. A path that does not hold now may hold again when the
-  /// whole step is taken back.
-  static void dropDead(SelectionList& list) { list = list.filtered(isThere); }
   static std::size_t extraBytes(const Units&) { return 0; }
   static std::size_t extraBytes(const SelectionList& list) { return list.bytes(); }
   T other_;
-  std::vector<dg::NodePtr> held_;
   Swap swap_;
 };
 template <class T, class Swap>
@@ -170,8 +144,6 @@ class Document::Sweep final : public dg::Change {
   };
   explicit Sweep(Document& document)
       : document_(document), before_{document.selection_, document.hilite_}, after_(before_) {
-    for (const SelectionList* list : {&before_.selection, &before_.hilite})
-      for (dg::NodePtr& node : ancestorsIn(*list)) held_.push_back(std::move(node));
     after_.selection = after_.selection.filtered(isThere);
     after_.hilite = after_.hilite.filtered(isThere);
   }
@@ -195,7 +167,6 @@ class Document::Sweep final : public dg::Change {
  private:
   Document& document_;
   Lists before_, after_;
-  std::vector<dg::NodePtr> held_;
 };
 
 std::unique_ptr<dg::Change> Document::sweepSelection() {

@@ -115,7 +115,9 @@ void Document::Impl::applyLink(DagLink& link, bool adds) {
 }
 
 void Document::Impl::announceLink(const DagLink& link, bool added) {
-  if (!added) dropLostPlaces(document.graph_, *link.child);
+  // Without instances there is one place before and after.
+  if (!added && (isAnythingInstanced() || !dagLinks(*link.child).parents.empty()))
+    dropLostPlaces(document.graph_, *link.child);
   // A node's world matrices hang on its parents' values and on which parents it has; only the
   // second is news here.
   if (const dg::Plug plug = link.child->plug("parentMatrix")) document.graph_.dirty(plug);

@@ -32,11 +32,12 @@ struct NamePattern {
                        [](std::string_view part) { return hasWildcard(part); });
   }
   [[nodiscard]] bool matches(const DagPath& path) const {
-    const std::vector<Node*>& nodes = path.nodes();
-    if (isAbsolute ? nodes.size() != parts.size() : nodes.size() < parts.size()) return false;
-    for (std::size_t i = 0; i < parts.size(); ++i)
-      if (!matchesWildcard(parts[parts.size() - 1 - i], nodes[nodes.size() - 1 - i]->name()))
-        return false;
+    if (isAbsolute ? path.length() != parts.size() : path.length() < parts.size()) return false;
+    auto part = parts.rbegin();
+    for (const Node* node : path.upwards()) {
+      if (part == parts.rend()) break;
+      if (!matchesWildcard(*part++, node->name())) return false;
+    }
     return true;
   }
   /// The first path of a node that fits; the world path when none does.

@@ -222,9 +222,9 @@ Result<void> Document::deleteNodes(std::vector<Node*> nodes) {
   HOST_TRY(doomed.collect(nodes));
   const auto without = [&](const SelectionList& list) {
     return list.filtered([&](const SelectionItem& item) {
-      const std::vector<Node*>& path = item.path.nodes();
       return !doomed.has(item.node.get()) &&
-             std::none_of(path.begin(), path.end(), [&](Node* each) { return doomed.has(each); });
+             std::ranges::none_of(item.path.upwards(),
+                                  [&](const Node* each) { return doomed.has(each); });
     });
   };
   setSelection(without(selection_));
@@ -236,8 +236,14 @@ Result<void> Document::deleteNodes(std::vector<Node*> nodes) {
   const std::vector<dg::NodePtr>& order = doomed.order();
   for (auto node = order.rbegin(); node != order.rend(); ++node) {
     if (!(*node)->isAlive()) continue;  // gone along with an earlier one, by who watched it go
-    while (!dagLinks(**node).children.empty())
-      HOST_TRY(impl_->unlink(*dagLinks(**node).children.back(), node->get()));
+    while (!dagLinks(**node).children.empty()) {
+      Node& child = *dagLinks(**node).children.back();
+      // It had other parents when the deletion began; who watched may have deleted those.
+      if (dagLinks(child).parents.size() == 1)
+        HOST_TRY(deleteNodes({&child}));
+      else
+        HOST_TRY(impl_->unlink(child, node->get()));
+    }
     while (!dagLinks(**node).parents.empty())
       HOST_TRY(impl_->unlink(**node, dagLinks(**node).parents.back()));
     HOST_TRY(graph_.deleteNode(**node));

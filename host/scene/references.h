@@ -41,7 +41,7 @@ class ReferenceData final : public dg::Data {
     std::string prefix;        ///< before names, in place of a namespace
     std::string options, type;
     bool isLoaded = false;
-    bool isDeferred = false;  ///< not loaded because somebody wanted it so
+    bool isDeferred = false;                   ///< not loaded because somebody wanted it so
     std::weak_ptr<Node> parent;                ///< reference node of the file that has this one
     std::vector<std::weak_ptr<Node>> members;  ///< all nodes it brought, deeper files' included
     std::shared_ptr<const void> baseline;      ///< what they were like, for whoever saves edits

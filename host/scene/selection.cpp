@@ -177,35 +177,6 @@ void SelectionList::replaceAt(std::size_t index, SelectionItem item) {
   index_.clear();
 }
 
-namespace {
-
-/// Whether a path is the first one of its leaf, without making that.
-bool isFirstPath(const std::vector<Node*>& nodes) {
-  for (std::size_t i = nodes.size(); i-- > 0;) {
-    const std::vector<Node*>& parents = dagLinks(*nodes[i]).parents;
-    if (parents.empty() || parents.front() != (i > 0 ? nodes[i - 1] : nullptr)) return false;
-  }
-  return true;
-}
-
-}  // namespace
-
-void SelectionList::foldPaths() {
-  constexpr std::size_t kLongPath = 4;
-  index_.clear();
-  for (SelectionItem& item : items_) {
-    const std::vector<Node*>& nodes = item.path.nodes();
-    if (nodes.size() >= kLongPath && nodes.front() && hasOnePath(*item.node) && isFirstPath(nodes))
-      item.path = DagPath({nullptr});
-  }
-}
-
-void SelectionList::unfoldPaths() {
-  for (SelectionItem& item : items_)
-    if (item.path.length() == 1 && item.path.nodes().front() == nullptr)
-      item.path = firstPath(*item.node);
-}
-
 void SelectionList::removeDead() {
   const auto isDead = [](const SelectionItem& item) {
     return !item.node->isAlive() || (item.isDag() && !item.path.isValid());
@@ -223,7 +194,7 @@ SelectionList SelectionList::filtered(const std::function<bool(const SelectionIt
 std::size_t SelectionList::bytes() const {
   std::size_t sum = items_.capacity() * sizeof(SelectionItem);
   for (const SelectionItem& item : items_) {
-    sum += item.path.length() * sizeof(Node*) + item.components.capacity() * sizeof(Component);
+    sum += item.components.capacity() * sizeof(Component);
     for (const Component& each : item.components)
       sum += each.indices().size_bytes() + each.pairs().size_bytes();
   }

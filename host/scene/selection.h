@@ -51,10 +51,6 @@ class SelectionList {
   void removeAt(std::size_t index);
   void replaceAt(std::size_t index, SelectionItem item);
   /// Drops items whose node died or whose path broke.
-  /// For keeping a list: the path of a node that has no other becomes the node alone, so that lists
-  /// of deep hierarchies take no more than flat ones. Back again when it is used.
-  void foldPaths();
-  void unfoldPaths();
   void removeDead();
   /// The items for which `keep` holds, in order.
   [[nodiscard]] SelectionList filtered(const std::function<bool(const SelectionItem&)>& keep) const;

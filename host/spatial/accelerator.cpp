@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "host/base/parallel.h"
+#include "host/mesh/point_moves.h"
 #include "host/mesh/triangulate.h"
 #include "host/spatial/ray_scene.h"
 #include "host/spatial/triangle_bvh.h"
@@ -49,8 +50,9 @@ Accelerator::~Accelerator() = default;
 std::shared_ptr<const Accelerator> Accelerator::of(const Mesh& mesh) {
   mesh::AcceleratorSlot& slot = mesh.acceleratorSlot();
   const std::lock_guard lock(slot.mutex);
-  if (!slot.value) slot.value = std::make_shared<Accelerator>(mesh);
-  return std::static_pointer_cast<const Accelerator>(slot.value);
+  std::shared_ptr<void>& kept = mesh::besidePoints(slot).accelerator;
+  if (!kept) kept = std::make_shared<Accelerator>(mesh);
+  return std::static_pointer_cast<const Accelerator>(kept);
 }
 
 const RayScene& Accelerator::rays() const {

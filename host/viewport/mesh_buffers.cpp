@@ -3,9 +3,11 @@
 #include <span>
 
 #include "host/mesh/normals.h"
+#include "host/mesh/point_moves.h"
 #include "host/mesh/triangulate.h"
 #include "host/viewport/display_colors.h"
 #include "host/viewport/mesh_draw.h"
+#include "host/viewport/mesh_patch.h"
 
 namespace host::viewport {
 
@@ -16,21 +18,20 @@ using mesh::Mesh;
 /// A vertex's normal says which side it is seen from; one at a sharp corner is seen from both, and
 /// gets none.
 void clearSharpNormals(const Mesh& mesh, std::vector<Vec3f>& normals) {
-  constexpr double kSharp = 0.8;
   const std::vector<Vec3f> faceNormals = mesh::computeFaceNormals(mesh);
   std::vector<std::uint8_t> isSharp(normals.size());
   for (FaceId face = 0; face < mesh.faceCount(); ++face) {
-    const Vec3 normal(faceNormals[static_cast<std::size_t>(face)]);
+    const Vec3f& normal = faceNormals[static_cast<std::size_t>(face)];
     for (const VertexId v : mesh.faceVertices(face)) {
       const auto k = static_cast<std::size_t>(v);
-      if (math::dot(normal, Vec3(normals[k])) < kSharp) isSharp[k] = 1;
+      if (isSharpAgainst(normal, Vec3(normals[k]))) isSharp[k] = 1;
     }
   }
   for (std::size_t v = 0; v < normals.size(); ++v)
     if (isSharp[v]) normals[v] = {};
 }
 
-VertexDataPtr makePoints(const Mesh& mesh) {
+std::shared_ptr<VertexData> makePoints(const Mesh& mesh) {
   auto data = std::make_shared<VertexData>();
   data->positions.assign(mesh.points().begin(), mesh.points().end());
   data->normals = mesh::computeVertexNormals(mesh);
@@ -81,7 +82,7 @@ class CornerWelder {
     return indices;
   }
 
-  [[nodiscard]] VertexDataPtr data() const { return data_; }
+  [[nodiscard]] std::shared_ptr<VertexData> data() const { return data_; }
 
  private:
   struct Variant {
@@ -133,43 +134,52 @@ class CornerWelder {
   std::shared_ptr<VertexData> data_;
 };
 
-void makeSurface(const Mesh& mesh, SurfaceContent content, MeshBuffers& buffers) {
+void makeSurface(const Mesh& mesh, SurfaceContent content, OpenBuffers& buffers) {
   CornerWelder welder(mesh, content);
-  const std::vector<std::uint32_t> cornerIndices = welder.run();
+  buffers.corners = welder.run();
   const mesh::Triangulation cut = mesh::triangulate(mesh);
   auto triangles = std::make_shared<IndexData>();
   triangles->reserve(3 * cut.triangles.size());
   for (const std::array<CornerId, 3>& triangle : cut.triangles)
     for (const CornerId corner : triangle)
-      triangles->push_back(cornerIndices[static_cast<std::size_t>(corner)]);
+      triangles->push_back(buffers.corners[static_cast<std::size_t>(corner)]);
   for (const FaceId face : mesh.invisibleFaces()) {
     // A hidden face keeps its place, collapsed to nothing.
     const auto begin = triangles->begin() + 3 * mesh::Triangulation::firstTriangle(mesh, face);
     std::fill(begin, begin + 3 * (mesh.faceSize(face) - 2), *begin);
   }
   buffers.surface = welder.data();
-  buffers.triangles = std::move(triangles);
+  buffers.shown.surface = buffers.surface;
+  buffers.shown.triangles = std::move(triangles);
 }
 
 }  // namespace
 
+bool isSharpAgainst(const Vec3f& faceNormal, const Vec3& vertexNormal) {
+  constexpr double kSharp = 0.8;
+  return math::dot(Vec3(faceNormal), vertexNormal) < kSharp;
+}
+
 MeshBuffers buildMeshBuffers(const Mesh& mesh, SurfaceContent content) {
-  MeshBuffers buffers;
-  buffers.points = makePoints(mesh);
-  buffers.box = boxOf(mesh);
-  buffers.edges = makeEdges(mesh);
+  OpenBuffers buffers;
+  buffers.shown.points = makePoints(mesh);
+  buffers.shown.box = boxOf(mesh);
+  buffers.shown.edges = makeEdges(mesh);
   makeSurface(mesh, content, buffers);
-  return buffers;
+  return buffers.shown;
 }
 
 struct MeshDrawCache::Entry {
   Mesh mesh;
   SurfaceContent content;
-  MeshBuffers buffers;
+  OpenBuffers buffers;
   std::uint64_t lastUsed = 0;
   FaceMaterials partNumbers;
   IndexDataPtr partTriangles;
   std::vector<IndexDataPtr> parts;
+  MeshPatcher patcher;
+
+  bool mend(const Mesh& now, SurfaceContent wanted);
 };
 
 MeshDrawCache::MeshDrawCache() = default;
@@ -205,6 +215,17 @@ bool sameSurface(const Mesh& a, const Mesh& b, SurfaceContent content) {
 
 }  // namespace
 
+/// Mends the buffers where vertices have moved, when that is all that has happened and less work
+/// than building them anew.
+bool MeshDrawCache::Entry::mend(const Mesh& now, SurfaceContent wanted) {
+  if (wanted != content || !sameSurface(now, mesh, content)) return false;
+  const auto moved = mesh::movedSince(now, mesh);
+  if (!moved || moved->size() > now.points().size() / 4) return false;
+  if (!patcher.patch(mesh, now, *moved, content, buffers)) return false;
+  mesh = now;
+  return true;
+}
+
 const MeshBuffers& MeshDrawCache::buffers(std::uint64_t id, const Mesh& mesh,
                                           SurfaceContent content) {
   std::unique_ptr<Entry>& slot = entries_[id];
@@ -216,36 +237,40 @@ const MeshBuffers& MeshDrawCache::buffers(std::uint64_t id, const Mesh& mesh,
   const bool sameFaces =
       !isNew && sameArray(mesh.topology().cornerVertices, entry.mesh.topology().cornerVertices) &&
       sameArray(mesh.topology().edges, entry.mesh.topology().edges);
-  if (!samePoints || !sameFaces) entry.buffers.points = makePoints(mesh);
-  if (!samePoints) entry.buffers.box = boxOf(mesh);
-  if (!sameFaces) entry.buffers.edges = makeEdges(mesh);
+  if (!samePoints && sameFaces && entry.mend(mesh, content)) return entry.buffers.shown;
+  MeshBuffers& shown = entry.buffers.shown;
+  if (!samePoints || !sameFaces) shown.points = entry.buffers.points = makePoints(mesh);
+  if (!samePoints) shown.box = boxOf(mesh);
+  if (!sameFaces) shown.edges = makeEdges(mesh);
   if (!samePoints || !sameFaces || content != entry.content ||
       !sameSurface(mesh, entry.mesh, content))
     makeSurface(mesh, content, entry.buffers);
   entry.mesh = mesh;
   entry.content = content;
-  return entry.buffers;
+  return shown;
 }
 
 math::Box MeshDrawCache::box(std::uint64_t id, const Mesh& mesh) const {
   const auto found = entries_.find(id);
-  const bool isKnown =
-      found != entries_.end() && sameArray(found->second->mesh.points(), mesh.points());
-  return isKnown ? found->second->buffers.box : boxOf(mesh);
+  if (found == entries_.end()) return boxOf(mesh);
+  const Entry& entry = *found->second;
+  if (sameArray(entry.mesh.points(), mesh.points())) return entry.buffers.shown.box;
+  const auto moved = mesh::movedSince(mesh, entry.mesh);
+  return moved ? boxAfter(entry.buffers.shown.box, entry.mesh, mesh, *moved) : boxOf(mesh);
 }
 
 const std::vector<IndexDataPtr>& MeshDrawCache::parts(std::uint64_t id,
                                                       const FaceMaterials& numbers,
                                                       std::size_t materialCount) {
   Entry& entry = *entries_.at(id);
-  if (entry.partNumbers == numbers && entry.partTriangles == entry.buffers.triangles &&
+  if (entry.partNumbers == numbers && entry.partTriangles == entry.buffers.shown.triangles &&
       entry.parts.size() == materialCount)
     return entry.parts;
   entry.partNumbers = numbers;
-  entry.partTriangles = entry.buffers.triangles;
+  entry.partTriangles = entry.buffers.shown.triangles;
   std::vector<std::shared_ptr<IndexData>> sorted(materialCount);
   for (std::shared_ptr<IndexData>& part : sorted) part = std::make_shared<IndexData>();
-  auto from = entry.buffers.triangles->begin();
+  auto from = entry.buffers.shown.triangles->begin();
   for (FaceId face = 0; face < entry.mesh.faceCount(); ++face) {
     const auto to = from + 3 * (entry.mesh.faceSize(face) - 2);
     IndexData& part = *sorted[(*numbers)[static_cast<std::size_t>(face)]];

@@ -92,10 +92,7 @@ void addComponents(const Component& component, const mesh::Mesh& mesh, Component
 
 struct PathHash {
   std::size_t operator()(const DagPath& path) const {
-    std::size_t hash = path.length();
-    for (const dg::Node* node : path.nodes())
-      hash = hash * 1099511628211ULL + std::hash<const dg::Node*>{}(node);
-    return hash;
+    return path.length() * 1099511628211ULL + std::hash<const dg::Node*>{}(path.node());
   }
 };
 

@@ -66,3 +66,12 @@ MStatus storedPlaces::putAllBack(const MDagPath& mesh, const MPointArray& positi
   const bool isExact = space == MSpace::kWorld && standsStill(mesh) && places.length() > 0;
   return isExact ? meshFn.setPoints(places, MSpace::kObject) : meshFn.setPoints(positions, space);
 }
+
+MStatus storedPlaces::putAllBackInObject(const MDagPath& mesh,
+                                         const MFloatPointArray& points) const {
+  if (!mesh.isValid()) return MS::kFailure;
+  MFnMesh meshFn(mesh);
+  if (static_cast<unsigned int>(meshFn.numVertices()) != points.length()) return MS::kFailure;
+  const MStatus status = tweakPlugs::ofShape(mesh).restore(tweaks);
+  return status == MS::kSuccess ? meshFn.setPoints(points, MSpace::kObject) : status;
+}

@@ -33,6 +33,9 @@ class storedPlaces {
   /// The same for all vertices of `takeAll`, with `positions` in `space`.
   MStatus putAllBack(const MDagPath& mesh, const MPointArray& positions,
                      MSpace::Space space = MSpace::kWorld) const;
+  /// Puts all vertices back to `points` of the object's own space, wherever it has been moved
+  /// since.
+  MStatus putAllBackInObject(const MDagPath& mesh, const MFloatPointArray& points) const;
 
  private:
   bool standsStill(const MDagPath& mesh) const;

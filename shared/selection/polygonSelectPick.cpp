@@ -145,8 +145,11 @@ class cursorPick {
   /// Finds what is nearest to the eye of a flat mesh that is seen along its faces: lines of sight
   /// miss these, or meet any of them by chance.
   void lookAlong(double reach) {
+    // A box costs with the mesh; of larger ones that is more than a look may take.
+    constexpr int kMostVertices = 200000;
     sightLine line;
-    if (!isSeenAsLine() || !sight(x, y, line)) return;
+    if (meshFn.numVertices() > kMostVertices || !sight(x, y, line)) return;
+    if (meetsFaceOn(line) || !isSeenAsLine()) return;
     MPoint from = line.start, found;
     int face = -1;
     for (int i = 0; i < 3; ++i) {
@@ -159,6 +162,16 @@ class cursorPick {
     addNeighbours(face);
     makeSortedUnique(faces);
     farthest = at.depth;
+  }
+
+  /// Whether a face that was found is seen from one of its sides.
+  bool meetsFaceOn(const sightLine& line) const {
+    constexpr double kGrazing = 0.01;
+    return std::any_of(faces.begin(), faces.end(), [&](int face) {
+      MVector normal;
+      return meshFn.getPolygonNormal(face, normal, MSpace::kWorld) == MS::kSuccess &&
+             std::fabs(normal * line.direction) > kGrazing;
+    });
   }
 
   /// Whether the mesh's box shows no wider than a pixel.

@@ -1,4 +1,5 @@
 // A node with arrays of compounds and a data type of its own, as a plug-in's author writes them.
+#include <maya/MArgList.h>
 #include <maya/MArrayDataBuilder.h>
 #include <maya/MArrayDataHandle.h>
 #include <maya/MFnCompoundAttribute.h>
@@ -23,6 +24,17 @@ class Tally : public MPxData {
   }
   MTypeId typeId() const override { return id; }
   MString name() const override { return "tally"; }
+  MStatus readASCII(const MArgList& args, unsigned int& lastElement) override {
+    MStatus status;
+    sum = args.asDouble(lastElement, &status);
+    CHECK_MSTATUS_AND_RETURN_IT(status);
+    count = args.asInt(++lastElement, &status);
+    return count < 0 ? MS::kFailure : status;
+  }
+  MStatus writeASCII(std::ostream& out) override {
+    out << sum << " " << count;
+    return out.fail() ? MS::kFailure : MS::kSuccess;
+  }
   double sum = 0;
   int count = 0;
 };

@@ -130,9 +130,12 @@ TEST_CASE("brush windows: buttons, refused values, other units, and the end of t
   window.run("uiGesture -set \"nonsense \\\" 1,2\" falloff_standardSculptBrushContext_QXMT");
   CHECK(window.setting("falloff") == ramp);
   CHECK(window.asked("textFieldGrp -q -tx falloff_standardSculptBrushContext_QXMT") == ramp);
-  window.run(
-      "uiGesture -answer \"/tmp/stamp.tif\"; uiGesture -press "
-      "alpha_standardSculptBrushContext_QXMT");
+  const std::string stamp =
+      window.asked("getDataDirectory_QXMT_Proc") + "/modelingToolAlphas/test3.tif";
+  window.run("uiGesture -answer \"" + stamp +
+             "\"; uiGesture -press alpha_standardSculptBrushContext_QXMT");
+  CHECK(window.setting("alpha") == stamp);
+  CHECK(window.asked("textFieldButtonGrp -q -tx alpha_standardSculptBrushContext_QXMT") == stamp);
 
   window.run("uiGesture -set 2.5 radius_standardSculptBrushContext_QXMT");
   window.run(

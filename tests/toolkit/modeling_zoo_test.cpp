@@ -104,28 +104,99 @@ TEST_CASE("modelling tool: every gesture on every mesh leaves it sound and is un
     }
 }
 
-TEST_CASE("modelling tool: nothing to work on, a port of one pixel, instances, object mode") {
+namespace {
+
+/// What a hand may meet: a scene whose first object is "a", and how it is worked on.
+struct badScene {
+  const char* name;
+  const char* mel;
+  bool isObjectMode = false;
+};
+constexpr const char* kFaceless = "createNode transform -n a; createNode mesh -n aShape -p a;";
+// Three faces at one edge, two that only touch in a vertex, one that is used twice.
+constexpr const char* kNonManifold =
+    "polyCreateFacet -n a -ch 0 -p 0 0 0 -p 1 0 0 -p 0 1 0; polyAppendVertex -ch 0 -a 0 -a 1 -p 0 "
+    "0 "
+    "1 a; polyAppendVertex -ch 0 -a 1 -a 0 -p 0.3 -1 0.2 a; polyAppendVertex -ch 0 -a 2 -p 1 2 0 "
+    "-p "
+    "0 2 1 a;";
+constexpr const char* kZeroArea =
+    "polyPlane -n a -sx 3 -sy 3 -ch 0; scale -r 0 1 1 a.vtx[0:7]; move -a 0 0 0 a.vtx[9:14];";
+constexpr badScene kBadScenes[] = {
+    {"an empty scene", ""},
+    {"object mode", "polyCube -n a -ch 0; select -r a;", true},
+    {"a mesh without faces", kFaceless},
+    {"edges of three faces", kNonManifold},
+    {"components without area", kZeroArea},
+    {"a parent scaled to nothing",
+     "polyCube -n a -ch 0; group -n above a; setAttr above.s -type double3 0 0 0;"},
+    {"a parent that is flat",
+     "polyCube -n a -ch 0; group -n above a; setAttr above.s -type double3 1 0 1;"},
+    {"a parent turned inside out",
+     "polyCube -n a -ch 0; group -n above a; setAttr above.s -type double3 -1 2 0.5;"},
+    {"one mesh behind the other",
+     "polyCube -n a -ch 0; duplicate -n b a; move 0 -2 0 b; move 0 0 -2 b;"},
+    {"instances", "polyCube -n a -ch 0; instance -n b a; move 0.5 0 0 b; rotate 0 30 0 b;"},
+    {"history and tweaks", "polyCube -n a; polySmooth -dv 1 a; move -r 0 0.2 0 a.vtx[3];"},
+};
+
+/// With nothing selected: `select` above is undone to what tools have selected without a step.
+std::uint64_t unselectedHash(toolHand& hand) {
+  REQUIRE(hand.session->executeLine("select -cl", {.undo = false}));
+  return sceneHash(hand);
+}
+
+/// A gesture with what it needs, and the way back: the scene is then as it was.
+void performAndUndo(toolHand& hand, const gestureKind& kind, const char* selected,
+                    toolHand::place from) {
+  const std::uint64_t before = unselectedHash(hand);
+  const std::size_t steps = hand.undoItems();
+  if (kind.needsSelection)
+    (void)hand.session->executeLine(std::string("select -r ") + selected, {.postErrors = false});
+  perform(hand, kind, from, 40, 20);
+  CHECK_FALSE(hand.session->undo().isChunkOpen());
+  CHECK(hand.texts("ls -type drawLocator").size() == 1);
+  CHECK(hand.shown("parr").length() == 0);
+  undoAll(hand, steps);
+  CHECK(unselectedHash(hand) == before);
+}
+
+}  // namespace
+
+TEST_CASE("modelling tool: whatever it meets, every gesture is undone to the bit") {
   const host::MessageCapture quiet;
-  for (const char* scene :
-       {"", "createNode mesh -n empty; hilite empty",
-        "polyCube -n a -ch 0; instance -n b a; move 3 0 0 b; hilite a b",
-        "polyCube -n a -ch 0; duplicate -n b a; move 0 -2 0 b; hilite a b",
-        "polyCube -n a -ch 0; select -r a; selectMode -object; selectType -ocm -alc 0"}) {
-    CAPTURE(std::string(scene));
-    for (const bool isTiny : {false, true}) {
+  for (const badScene& scene : kBadScenes)
+    for (const bool isTiny : {false, true})
       for (const char* panel : {"modelPanel1", "modelPanel4"}) {
+        CAPTURE(std::string(scene.name));
+        CAPTURE(isTiny);
+        CAPTURE(std::string(panel));
         toolHand hand(panel);
-        hand.run(scene);
-        hand.run("selectMode -component; modelingContext tool; setToolTo tool");
+        hand.run(scene.mel);
+        hand.run(
+            "select -cl; string $all[] = `ls -type mesh`; if (size($all)) hilite -r "
+            "`listRelatives -ap -pa $all`");
+        hand.run(scene.isObjectMode ? "selectMode -object; select -r a" : "selectMode -component");
+        hand.mirror(false);
+        const std::uint64_t untouched = unselectedHash(hand);
+        const double due = hand.session->loop().timers().nextDue();
+        hand.run("modelingContext tool; setToolTo tool");
+        if (scene.isObjectMode) hand.run("selectMode -object; selectType -ocm -alc 0; select -cl");
         if (isTiny) host::workspace::workspaceOf(*hand.session).views.active().port = {1, 1};
+        const toolHand::place from = isTiny ? toolHand::place{0, 0} : hand.pixel(0.4, 0.5, 0.3);
         for (const gestureKind& kind : kGestures)
-          perform(hand, kind, isTiny ? toolHand::place{0, 0} : hand.pixel(0.4, 0.5, 0.3), 40, 20);
-        CHECK_FALSE(hand.session->undo().isChunkOpen());
+          for (const char* selected : {"a.vtx[0:1]", "a.e[0:1]", "a.f[0]"}) {
+            CAPTURE(static_cast<std::size_t>(&kind - kGestures));
+            CAPTURE(std::string(selected));
+            performAndUndo(hand, kind, selected, from);
+            if (!kind.needsSelection) break;
+          }
         hand.run("setToolTo selectSuperContext");
         CHECK_FALSE(hand.hasLocator());
+        CHECK(hand.number("tumbleCtx -q -localTumble tumbleContext") == 0);
+        CHECK(hand.session->loop().timers().nextDue() == due);
+        if (!scene.isObjectMode) CHECK(unselectedHash(hand) == untouched);
       }
-    }
-  }
 }
 
 TEST_CASE(

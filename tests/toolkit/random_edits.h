@@ -53,7 +53,7 @@ class randomEdits {
       wander();
     else
       edit();
-    if (session_.document().graph().nodes().size() > 300) {
+    if (session_.document().graph().nodes().size() > 300 || isHeavy()) {
       run("file -f -new");
       isMixed_ = isOff_ || ids_.length() > 0;
       hasPlugins_ = false;
@@ -69,6 +69,17 @@ class randomEdits {
 
  private:
   int pick(int count) { return static_cast<int>(random_() % static_cast<unsigned>(count)); }
+  /// Smoothing what was smoothed makes four times as many faces each time.
+  bool isHeavy() {
+    if (!hasSmoothed_) return false;
+    hasSmoothed_ = false;
+    for (const auto& node : session_.document().graph().nodes())
+      if (node->type().isA("mesh") &&
+          host::scene::componentCount(host::scene::firstPath(*node),
+                                      host::scene::ComponentType::Face) > 5000)
+        return true;
+    return false;
+  }
   double number() { return pick(41) / 4.0 - 5.0; }
   std::uint64_t hash() const { return session_.document().hash(); }
   void fail(const std::string& what) {
@@ -77,6 +88,8 @@ class randomEdits {
 
   void run(const std::string& line) {
     lines_.push_back(line);
+    hasSmoothed_ = hasSmoothed_ || line.find("mooth") != std::string::npos ||
+                   line.find("Subdivide") != std::string::npos;
     const host::MessageCapture quiet;
     (void)session_.executeLine(line);
   }
@@ -373,7 +386,8 @@ class randomEdits {
   std::vector<std::string> lines_;
   MCallbackIdArray ids_;
   bool isOff_ = false, isChunkOpen_ = false;
-  bool isMixed_ = false;     ///< edits that nobody recorded lie in between
+  bool isMixed_ = false;  ///< edits that nobody recorded lie in between
+  bool hasSmoothed_ = false;
   bool hasPlugins_ = false;  ///< commands of plug-ins lie in between
   const bool usesPlugins_;
   int nesting_ = 0;

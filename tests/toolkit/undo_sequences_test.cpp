@@ -37,6 +37,15 @@ TEST_CASE("undo: what comes after a plug-in's command is redone on the nodes tha
   }
 }
 
+TEST_CASE(
+    "undo: a smooth that found nothing to smooth leaves the same selection when it is redone") {
+  checkBackAndForth({"polyCube -n A", "polyCube -n B", "group -n G A B", "select -r G",
+                     "qxESmoothCmd", "select -r A G", "qxESmoothCmd", "setAttr A1.ty 2"});
+  // Once more, of an object that is hidden behind its copy already.
+  checkBackAndForth(
+      {"polyCube -n A", "select -r A", "qxESmoothCmd", "select -r A", "qxESmoothCmd"});
+}
+
 TEST_CASE("undo: what was deleted with undo off is refused with a message, and others go on") {
   toolkitSession host;
   host.run("polySphere -n B; setAttr B.tx 3;");
@@ -65,7 +74,7 @@ TEST_CASE("undo: a group that lost a member with undo off") {
 
 TEST_CASE("undo: random edits with chunks, undo off, plug-in commands and callbacks in between") {
   toolkitSession host;
-  for (unsigned seed = 1; seed < 180; ++seed) {
+  for (unsigned seed = 1; seed < 400; ++seed) {
     CAPTURE(seed);
     host.run("file -f -new; undoInfo -swf on");
     randomEdits edits(*host.session, seed);

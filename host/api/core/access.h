@@ -89,9 +89,8 @@ class DataRep final : public ObjectRep {
 };
 
 struct PathRep final : SharedRep {
-  explicit PathRep(scene::DagPath pathIn);
+  explicit PathRep(scene::DagPath pathIn) : path(std::move(pathIn)) {}
   scene::DagPath path;
-  std::vector<dg::NodePtr> keepAlive;
 };
 
 struct PlugRep final : SharedRep {

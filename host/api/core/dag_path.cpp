@@ -9,11 +9,6 @@
 
 namespace host::api {
 
-PathRep::PathRep(scene::DagPath pathIn) : path(std::move(pathIn)) {
-  keepAlive.reserve(path.length());
-  for (dg::Node* node : path.nodes()) keepAlive.push_back(node->shared_from_this());
-}
-
 MDagPath wrap(const scene::DagPath& path) {
   return path.isWorld() ? MDagPath() : Access::make<MDagPath>(new PathRep(path));
 }
@@ -34,7 +29,7 @@ MMatrix inverseOf(const math::Matrix4& matrix, MStatus* status) {
 }
 
 bool boolAlongPath(const scene::DagPath& path, const char* attribute, bool wanted) {
-  for (dg::Node* node : path.nodes()) {
+  for (dg::Node* node : path.upwards()) {
     const dg::Plug plug = node->plug(attribute);
     if (plug.isNull()) continue;
     const auto value = node->graph().get(plug);

@@ -3,6 +3,8 @@
 #include <maya/MArgList.h>
 #include <maya/MFnPluginData.h>
 
+#include <charconv>
+#include <sstream>
 #include <vector>
 
 #include "host/base/messages.h"
@@ -13,6 +15,35 @@ namespace {
 std::vector<PluginDataType>& types() {
   static std::vector<PluginDataType> all;
   return all;
+}
+
+/// What the plug-in's readASCII makes of the words.
+Result<dg::DataPtr> readPluginData(unsigned int id, const std::vector<dg::ForeignWord>& words) {
+  const PluginDataType* type = findPluginDataType(id);
+  if (!type) return fail("the plug-in of such data is not loaded");
+  const MObject made = makePluginData(*type);
+  MPxData* object = pluginDataOf(made);
+  if (!object) return fail("'{}' makes no data", type->name);
+  MArgList args;
+  for (const dg::ForeignWord& word : words) {
+    int whole = 0;
+    const char* end = word.text.data() + word.text.size();
+    const auto read = std::from_chars(word.text.data(), end, whole);
+    if (word.isNumber && read.ec == std::errc() && read.ptr == end)
+      args.addArg(whole);
+    else if (word.isNumber)
+      args.addArg(MString(word.text.c_str()).asDouble());
+    else
+      args.addArg(toMString(word.text));
+  }
+  try {
+    unsigned int last = 0;
+    const MStatus status = object->readASCII(args, last);
+    if (!status) return fail("'{}' does not read its own data", type->name);
+  } catch (...) {
+    return fail("reading data of type '{}' threw an exception", type->name);
+  }
+  return objectAs<DataRep>(made)->data;
 }
 
 /// Leads from a plug-in's data object back to the payload that owns it.
@@ -27,10 +58,14 @@ Result<void> addPluginDataType(PluginDataType type) {
     return fail(ErrorKind::BadArgument, "A data type named '{}' is registered already", type.name);
   if (findPluginDataType(type.id))
     return fail("The id {:#x} of data type '{}' is taken", type.id, type.name);
+  dg::setForeignReader(type.name, [id = type.id](const std::vector<dg::ForeignWord>& words) {
+    return readPluginData(id, words);
+  });
   types().push_back(std::move(type));
   return {};
 }
 void removePluginDataType(unsigned int id) {
+  if (const PluginDataType* type = findPluginDataType(id)) dg::setForeignReader(type->name, {});
   std::erase_if(types(), [id](const PluginDataType& type) { return type.id == id; });
 }
 const PluginDataType* findPluginDataType(unsigned int id) {
@@ -49,6 +84,17 @@ PluginDataHolder::PluginDataHolder(MPxData* objectIn) : object_(objectIn) {
   typeName_ = type ? type->name : toStd(objectIn->name());
 }
 PluginDataHolder::~PluginDataHolder() = default;
+
+std::optional<std::string> PluginDataHolder::written() const {
+  std::ostringstream out;
+  try {
+    if (!object_->writeASCII(out)) return std::nullopt;
+  } catch (...) {
+    postMessage(MessageKind::Error, "Writing data of type '" + typeName_ + "' threw an exception");
+    return std::nullopt;
+  }
+  return out.str();
+}
 
 MObject wrapPluginData(MPxData* object) {
   Handle& handle = Access::handle(*object);

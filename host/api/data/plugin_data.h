@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "host/api/core/access.h"
+#include "host/dg/foreign_data.h"
 
 namespace host::api {
 
@@ -26,13 +27,15 @@ void removePluginDataType(unsigned int id);
 
 /// A plug-in's data object on its way through the graph. The object is shared and may be changed by
 /// its owner, so two payloads are equal only when they are the same one.
-class PluginDataHolder final : public dg::Data {
+class PluginDataHolder final : public dg::ForeignData {
  public:
   explicit PluginDataHolder(MPxData* objectIn);
   ~PluginDataHolder() override;
   [[nodiscard]] std::string_view typeName() const override { return typeName_; }
   [[nodiscard]] bool equals(const Data& other) const override { return this == &other; }
   [[nodiscard]] MPxData* object() const { return object_.get(); }
+  /// What the plug-in's writeASCII says.
+  [[nodiscard]] std::optional<std::string> written() const override;
 
  private:
   std::unique_ptr<MPxData> object_;

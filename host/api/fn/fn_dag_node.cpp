@@ -159,7 +159,10 @@ MObject MFnDagNode::child(unsigned int i, MStatus* status) const {
 }
 MObject MFnDagNode::dagRoot(MStatus* status) {
   dg::Node* node = dagNodeIn(object_, status);
-  return node ? wrap(scene::firstPath(*node).nodes().front()) : MObject();
+  if (!node) return MObject();
+  dg::Node* top = nullptr;
+  for (dg::Node* each : scene::firstPath(*node).upwards()) top = each;
+  return top ? wrap(top) : MObject();
 }
 bool MFnDagNode::hasParent(const MObject& other, MStatus* status) const {
   const dg::Node* node = dagNodeIn(object_, status);

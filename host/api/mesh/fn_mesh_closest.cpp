@@ -151,3 +151,18 @@ MStatus MFnMesh::getPointsAtUV(MIntArray& polygonIds, MPointArray& points, const
   }
   return polygonIds.length() > 0 ? MStatus::kSuccess : MStatus::kFailure;
 }
+
+MStatus MFnMesh::intersectFaceAtUV(const float2& uvPoint, int& faceId, const MString* uvSet,
+                                   float tolerance) const {
+  faceId = -1;
+  MStatus status;
+  const auto data = api::readMesh(*this, &status);
+  if (!data) return status;
+  const int set = api::uvSetIndex(data->mesh, uvSet);
+  if (set < 0) return MStatus::kInvalidParameter;
+  for (FaceId f = 0; f < data->mesh.faceCount() && faceId < 0; ++f)
+    if (ops::placeAtUv(data->mesh, set, f, {uvPoint[0], uvPoint[1]},
+                       static_cast<double>(tolerance)))
+      faceId = f;
+  return faceId >= 0 ? MStatus::kSuccess : MStatus::kFailure;
+}

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "host/api/mesh/fn_mesh.h"
+#include "host/api/mesh/mesh_moves.h"
 #include "host/base/parallel.h"
 
 namespace host::api {
@@ -149,10 +150,8 @@ MStatus MFnMesh::setPoint(int vertexId, const MPoint& pos, MSpace::Space space) 
   if (!status) return status;
   const auto stored = api::pointFrom(pos, toSpace);
   if (!stored) return MStatus::kFailure;
-  const auto before = data->mesh.points();
-  std::vector<math::Vec3f> after(before.begin(), before.end());
-  after[static_cast<std::size_t>(vertexId)] = *stored;
-  return target.writePoints(std::move(after));
+  const VertexId vertex = vertexId;
+  return api::movePoints(target, {&vertex, 1}, {&*stored, 1});
 }
 
 const float* MFnMesh::getRawPoints(MStatus* status) const {

@@ -11,6 +11,7 @@
 #include <cmath>
 
 #include "host/api/mesh/fn_mesh.h"
+#include "host/mesh/point_moves.h"
 #include "host/mesh/triangulate.h"
 #include "host/spatial/surface.h"
 
@@ -227,7 +228,7 @@ MStatus MFnMesh::freeCachedIntersectionAccelerator() {
   if (!data) return status;
   mesh::AcceleratorSlot& slot = data->mesh.acceleratorSlot();
   const std::lock_guard lock(slot.mutex);
-  slot.value.reset();
+  mesh::besidePoints(slot).accelerator.reset();
   api::forgetSurface(*this);
   return MStatus::kSuccess;
 }
@@ -245,8 +246,9 @@ MString MFnMesh::cachedIntersectionAcceleratorInfo(MStatus* status) const {
   if (!data) return MString();
   mesh::AcceleratorSlot& slot = data->mesh.acceleratorSlot();
   const std::lock_guard lock(slot.mutex);
-  if (!slot.value) return "no intersection accelerator";
-  const auto accelerator = std::static_pointer_cast<const spatial::Accelerator>(slot.value);
+  const auto accelerator =
+      std::static_pointer_cast<const spatial::Accelerator>(mesh::besidePoints(slot).accelerator);
+  if (!accelerator) return "no intersection accelerator";
   return api::toMString(fmt::format("intersection accelerator over {} triangles, {} bytes",
                                     accelerator->triangleCount(), accelerator->bytes()));
 }

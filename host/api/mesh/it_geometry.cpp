@@ -4,6 +4,7 @@
 #include <numeric>
 
 #include "host/api/data/data_handle.h"
+#include "host/api/mesh/mesh_moves.h"
 #include "host/api/mesh/mesh_target.h"
 #include "host/mesh/adjacency.h"
 #include "host/mesh/components.h"
@@ -13,40 +14,50 @@
 namespace host::api {
 namespace {
 
-/// The points of one geometry and where the iterator stands. What is moved is written when the walk
-/// ends, begins anew or is given up: one write, whatever the number of points.
+/// Some or all points of one geometry and where the iterator stands. What is moved is written when
+/// the walk ends, begins anew or is given up: one write, whatever the number of points. A walk over
+/// some points reads and writes only these.
 struct GeometryWalk final : SharedRep {
   GeometryWalk(MeshTarget targetIn, std::optional<std::vector<VertexId>> some)
       : target(std::move(targetIn)) {
     const scene::MeshDataPtr data = target.read();
     if (!data) return;
     before = data->mesh;
-    points.assign(before.points().begin(), before.points().end());
-    if (some) {
-      visited = *std::move(some);
-      std::erase_if(visited, [&](VertexId v) { return v < 0 || v >= before.vertexCount(); });
-    } else {
-      visited.resize(points.size());
-      std::iota(visited.begin(), visited.end(), 0);
-    }
     isThere = true;
+    if (some) {
+      limit(*std::move(some));
+      return;
+    }
+    places.assign(before.points().begin(), before.points().end());
+    visited.resize(places.size());
+    std::iota(visited.begin(), visited.end(), 0);
   }
   ~GeometryWalk() override { (void)flush(); }
+
+  void limit(std::vector<VertexId> some) {
+    std::erase_if(some, [&](VertexId v) { return v < 0 || v >= before.vertexCount(); });
+    visited = std::move(some);
+    places.clear();
+    places.reserve(visited.size());
+    for (const VertexId v : visited) places.push_back(before.points()[host::at(v)]);
+    isSome = true;
+  }
 
   MStatus flush() {
     if (!isChanged) return MStatus::kSuccess;
     isChanged = false;
-    return target.writePoints(points);
+    if (isSome) return movePoints(target, visited, places);
+    return target.writePoints(std::vector<math::Vec3f>(places));
   }
   [[nodiscard]] bool isAtEnd() const { return at >= visited.size(); }
-  [[nodiscard]] std::size_t here() const { return static_cast<std::size_t>(visited[at]); }
+  [[nodiscard]] VertexId here() const { return visited[at]; }
 
   MeshTarget target;
   mesh::Mesh before;
-  std::vector<math::Vec3f> points;
   std::vector<VertexId> visited;
+  std::vector<math::Vec3f> places;  ///< of the visited ones
   std::size_t at = 0;
-  bool isThere = false, isChanged = false;
+  bool isThere = false, isChanged = false, isSome = false;
   Handle keepAlive;
 };
 
@@ -95,7 +106,7 @@ void limitTo(MItGeometry& iterator, const std::vector<scene::Component>& compone
   }
   std::ranges::sort(vertices);
   vertices.erase(std::ranges::unique(vertices).begin(), vertices.end());
-  own->visited = std::move(vertices);
+  own->limit(std::move(vertices));
 }
 
 MStatus flush(MItGeometry& iterator) {
@@ -141,7 +152,7 @@ MPoint MItGeometry::position(MSpace::Space space, MStatus* status) const {
   const MStatus known =
       walk->isAtEnd() ? MStatus::kFailure : walk->target.spaceMatrix(space, toSpace);
   setStatus(status, known.statusCode());
-  return known ? api::pointIn(walk->points[walk->here()], toSpace) : MPoint();
+  return known ? api::pointIn(walk->places[walk->at], toSpace) : MPoint();
 }
 MStatus MItGeometry::setPosition(const MPoint& point, MSpace::Space space) {
   GeometryWalk* walk = walkOf(*this);
@@ -151,7 +162,7 @@ MStatus MItGeometry::setPosition(const MPoint& point, MSpace::Space space) {
   if (!known) return known;
   const auto stored = api::pointFrom(point, toSpace);
   if (!stored) return MStatus::kFailure;
-  walk->points[walk->here()] = *stored;
+  walk->places[walk->at] = *stored;
   walk->isChanged = true;
   return MStatus::kSuccess;
 }
@@ -160,15 +171,14 @@ MVector MItGeometry::normal(MStatus* status) const {
   setStatus(status, walk->isAtEnd() ? MStatus::kFailure : MStatus::kSuccess);
   if (walk->isAtEnd()) return {};
   math::Vec3 sum;
-  for (const FaceId face :
-       walk->before.adjacency().vertexFaces(static_cast<VertexId>(walk->here())))
+  for (const FaceId face : walk->before.adjacency().vertexFaces(walk->here()))
     sum = sum + mesh::faceNormal(walk->before, face);
   return api::toMVector(math::normalized(sum));
 }
 int MItGeometry::index(MStatus* status) const {
   const GeometryWalk* walk = walkOf(*this);
   setStatus(status, walk->isAtEnd() ? MStatus::kFailure : MStatus::kSuccess);
-  return walk->isAtEnd() ? 0 : static_cast<int>(walk->here());
+  return walk->isAtEnd() ? 0 : walk->here();
 }
 int MItGeometry::positionIndex(MStatus* status) const {
   setStatus(status, MStatus::kSuccess);
@@ -190,8 +200,7 @@ MObject MItGeometry::currentItem(MStatus* status) const {
   const GeometryWalk* walk = walkOf(*this);
   setStatus(status, walk->isAtEnd() ? MStatus::kFailure : MStatus::kSuccess);
   if (walk->isAtEnd()) return {};
-  return api::wrap(
-      scene::Component(scene::ComponentType::Vertex, {static_cast<Index>(walk->here())}));
+  return api::wrap(scene::Component(scene::ComponentType::Vertex, {walk->here()}));
 }
 MStatus MItGeometry::allPositions(MPointArray& points, MSpace::Space space) const {
   const GeometryWalk* walk = walkOf(*this);
@@ -200,8 +209,7 @@ MStatus MItGeometry::allPositions(MPointArray& points, MSpace::Space space) cons
   if (!known) return known;
   points.setLength(static_cast<unsigned int>(walk->visited.size()));
   for (std::size_t i = 0; i < walk->visited.size(); ++i)
-    points[static_cast<unsigned int>(i)] =
-        api::pointIn(walk->points[static_cast<std::size_t>(walk->visited[i])], toSpace);
+    points[static_cast<unsigned int>(i)] = api::pointIn(walk->places[i], toSpace);
   return MStatus::kSuccess;
 }
 MStatus MItGeometry::setAllPositions(const MPointArray& points, MSpace::Space space) {
@@ -213,7 +221,7 @@ MStatus MItGeometry::setAllPositions(const MPointArray& points, MSpace::Space sp
   for (std::size_t i = 0; i < walk->visited.size(); ++i) {
     const auto stored = api::pointFrom(points[static_cast<unsigned int>(i)], toSpace);
     if (!stored) return MStatus::kFailure;
-    walk->points[static_cast<std::size_t>(walk->visited[i])] = *stored;
+    walk->places[i] = *stored;
   }
   walk->isChanged = true;
   return walk->flush();

@@ -95,7 +95,8 @@ MStatus MeshTarget::spaceMatrix(MSpace::Space space, std::optional<math::Matrix4
     default:
       return MStatus::kInvalidParameter;
   }
-  if (path_.isWorld()) return MStatus::kInvalidParameter;
+  // Data on its way between nodes is in no place: all spaces are its own.
+  if (path_.isWorld()) return value_ ? MStatus::kSuccess : MStatus::kInvalidParameter;
   if (!path_.isValid()) return MStatus::kFailure;
   if (space == MSpace::kWorld) {
     toSpace = path_.inclusiveMatrix();

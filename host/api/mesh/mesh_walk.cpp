@@ -40,9 +40,21 @@ Handle makeWalk(MeshTarget target, const MObject& component, scene::ComponentTyp
 }  // namespace
 
 MeshWalk::MeshWalk(MeshTarget target, const MObject& component, scene::ComponentType type)
-    : target_(std::move(target)), data_(target_.read()) {
-  if (!data_) return;
-  total_ = totalOf(data_->mesh, type);
+    : target_(std::move(target)), component_(component), type_(type), data_(target_.read()) {
+  if (data_) collect(component);
+}
+
+void MeshWalk::readAgain() {
+  const auto now = target_.read();
+  if (!now || now == data_) return;
+  data_ = now;
+  isComplete_ = true;
+  ids_.clear();
+  collect(component_);
+}
+
+void MeshWalk::collect(const MObject& component) {
+  total_ = totalOf(data_->mesh, type_);
   const scene::Component* set = component.isNull() ? nullptr : componentOf(component);
   if (!set || set->isComplete()) return;
   isComplete_ = false;
@@ -57,7 +69,7 @@ MeshWalk::MeshWalk(MeshTarget target, const MObject& component, scene::Component
     if (at != loop.end())
       ids_.push_back(data_->mesh.firstCorner(pair.face) + static_cast<Index>(at - loop.begin()));
   }
-  if (type == scene::ComponentType::VertexFace) std::sort(ids_.begin(), ids_.end());
+  if (type_ == scene::ComponentType::VertexFace) std::sort(ids_.begin(), ids_.end());
 }
 
 MeshWalk::~MeshWalk() {
@@ -110,6 +122,11 @@ Handle makeWalk(const MObject& object, scene::ComponentType type, MStatus* statu
   return makeWalk(MeshTarget(object), MObject(), type, status);
 }
 
+Handle makeWalk(const MObject& object, const MObject& component, scene::ComponentType type,
+                MStatus* status) {
+  return makeWalk(MeshTarget(object), component, type, status);
+}
+
 Handle makeWalk(const MDagPath& path, const MObject& component, scene::ComponentType type,
                 MStatus* status) {
   return makeWalk(MeshTarget(path), component, type, status);
@@ -119,7 +136,9 @@ MStatus restart(const Handle& handle) {
   MeshWalk* walk = walkOf(handle);
   if (!walk) return MStatus::kFailure;
   walk->rewind();
-  return walk->flush();
+  const MStatus status = walk->flush();
+  walk->readAgain();
+  return status;
 }
 
 MStatus advance(const Handle& handle) {

@@ -33,6 +33,8 @@ class MeshWalk final : public SharedRep {
   }
   void next() { ++place_; }
   void rewind() { place_ = 0; }
+  /// Looks at the mesh as it is now; what was named and is not there any more is passed over.
+  void readAgain();
   [[nodiscard]] Index total() const { return static_cast<Index>(total_); }
   /// Goes to an id; it need not be one of those visited, `next` then goes on after the nearest one
   /// below.
@@ -48,7 +50,11 @@ class MeshWalk final : public SharedRep {
   MStatus flush();
 
  private:
+  void collect(const MObject& component);
+
   MeshTarget target_;
+  MObject component_;
+  scene::ComponentType type_;
   scene::MeshDataPtr data_;
   bool isComplete_ = true;
   std::size_t total_ = 0, place_ = 0;
@@ -65,6 +71,8 @@ class MeshWalk final : public SharedRep {
 /// Makes the walk of an iterator over `object` or `path` and `component`; null handle and a failed
 /// status when there is no mesh or the component is of another kind.
 [[nodiscard]] Handle makeWalk(const MObject& object, scene::ComponentType type, MStatus* status);
+[[nodiscard]] Handle makeWalk(const MObject& object, const MObject& component,
+                              scene::ComponentType type, MStatus* status);
 [[nodiscard]] Handle makeWalk(const MDagPath& path, const MObject& component,
                               scene::ComponentType type, MStatus* status);
 

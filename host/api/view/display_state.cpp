@@ -52,9 +52,9 @@ namespace {
 /// The colour that an object's override gives its lines; the nearest to the leaf counts.
 const MColor* overrideColor(const scene::DagPath& path) {
   static MColor color;
-  for (auto node = path.nodes().rbegin(); node != path.nodes().rend(); ++node) {
-    if (scene::numberOr(**node, "overrideEnabled", 0) == 0) continue;
-    const double index = scene::numberOr(**node, "overrideColor", 0);
+  for (dg::Node* node : path.upwards()) {
+    if (scene::numberOr(*node, "overrideEnabled", 0) == 0) continue;
+    const double index = scene::numberOr(*node, "overrideColor", 0);
     if (index < 1) return nullptr;
     color = indexedColor(static_cast<unsigned int>(index) - 1);
     return &color;

@@ -1,7 +1,10 @@
 #include "host/builtins/anim/expression_node.h"
 
 #include <algorithm>
+#include <memory>
+#include <set>
 
+#include "host/builtins/anim/time_limit.h"
 #include "host/cmd/session.h"
 #include "host/dg/graph.h"
 #include "host/nodes/anim/anim_curve.h"
@@ -19,7 +22,13 @@ using dg::Plug;
 /// What was made of an expression's text: a procedure of the interpreter.
 struct CompiledExpressions {
   std::map<std::string, std::string> procedures;  ///< by text
+  std::set<std::string> stopped;                  ///< texts that ran for too long
+  std::unique_ptr<TimeLimit> limit;
 };
+
+/// Seconds of the program's own time that one expression may take. A view that asks at every frame
+/// would stand still long before.
+constexpr double kMostSeconds = 2;
 
 /// ".I[3]" as "$readValues[3]", ".O[0]" as "$writtenValues[0]"; time and frame as variables.
 std::string asProcedure(const std::string& text, const std::string& name) {
@@ -100,7 +109,20 @@ Result<mel::FloatArray> evaluate(Node& node) {
   std::vector<mel::Value> arguments{mel::Value(spread(graph, node.plug("input"), true)),
                                     mel::Value(spread(graph, node.plug("output"), false)),
                                     mel::Value(seconds), mel::Value(seconds * rate)};
+  auto& compiled = workspace::workspaceOf(session).kept<CompiledExpressions>();
+  if (compiled.stopped.contains(*text))
+    return fail("{}: it was stopped because it ran for too long; change it to run it again",
+                node.name());
+  if (!compiled.limit)
+    compiled.limit = std::make_unique<TimeLimit>(
+        kMostSeconds, [&interpreter = session.interpreter()] { interpreter.interrupt(); });
+  const TimeLimit::Watch watch(*compiled.limit);
   auto result = session.interpreter().callProcedure(*procedure, arguments);
+  if (!result && watch.isOver()) {
+    compiled.stopped.insert(*text);
+    return fail("{}: the expression ran for {} seconds without an end and was stopped", node.name(),
+                kMostSeconds);
+  }
   if (!result) return fail("{}: {}", node.name(), result.error().message);
   return result->type() == mel::Type::FloatArray ? result->floatArray() : mel::FloatArray();
 }

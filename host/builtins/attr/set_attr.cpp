@@ -3,6 +3,7 @@
 
 #include "host/builtins/common/command.h"
 #include "host/cmd/plug_values.h"
+#include "host/dg/foreign_data.h"
 
 namespace host::builtins {
 
@@ -129,6 +130,15 @@ Result<void> setValues(Context& context, const ParsedArgs& args, const Plug& plu
       return fail("setAttr: The attribute '{}' is locked or connected and cannot be modified.",
                   plugName(plug));
     return settable;
+  }
+  if (args.has("type") && dg::hasForeignReader(args.text("type"))) {
+    std::vector<dg::ForeignWord> words;
+    for (const mel::Value& value : spread(values))
+      words.push_back(
+          {value.toTexts().empty() ? std::string() : value.toTexts().front(), !value.isString()});
+    auto data = dg::readForeign(args.text("type"), words);
+    if (!data) return fail("setAttr: {}.", data.error().message);
+    return document.graph().set(plug, dg::Value(*std::move(data)));
   }
   if (args.has("type"))
     return writeTyped(document.graph(), document.units(), plug, args.text("type"), values);

@@ -4,6 +4,11 @@
 
 #include <fmt/format.h>
 
+#include <map>
+#include <string_view>
+#include <unordered_map>
+
+#include "host/builtins/help/flag_texts.h"
 #include "host/ui/control_type.h"
 
 namespace host::builtins {
@@ -240,6 +245,35 @@ std::string aboutControl(const ui::ControlType& type) {
 }
 
 }  // namespace
+
+namespace {
+
+using TextMap = std::unordered_map<std::string_view, const char*>;
+
+const TextMap& flagTexts() {
+  static const TextMap texts = [] {
+    TextMap all;
+    for (const auto table : {interfaceFlagTexts(), layoutFlagTexts(), sceneFlagTexts(),
+                             moreFlagTexts(), polygonFlagTexts()})
+      for (const FlagText& each : table) all.emplace(each.flag, each.meaning);
+    return all;
+  }();
+  return texts;
+}
+
+}  // namespace
+
+void describeFlags(cmd::Command& command) {
+  if (!command.builtin()) return;
+  const TextMap& texts = flagTexts();
+  std::map<std::string, std::string, std::less<>> phrases;
+  for (const cmd::FlagSpec& flag : command.builtin()->syntax.flags()) {
+    auto found = texts.find(command.name() + "." + flag.longName);
+    if (found == texts.end()) found = texts.find(flag.longName);
+    if (found != texts.end()) phrases.emplace(flag.longName, found->second);
+  }
+  command.describe({}, phrases);
+}
 
 void describeCommands(cmd::CommandRegistry& registry) {
   for (const ui::ControlType& type : ui::controlTypes())

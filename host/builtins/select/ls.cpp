@@ -202,7 +202,7 @@ class Lister {
   }
 
   [[nodiscard]] bool isVisible(const DagPath& path) const {
-    for (scene::Node* node : path.nodes())
+    for (scene::Node* node : path.upwards())
       if (!isOn(*node, "visibility") || isOn(*node, "intermediateObject")) return false;
     return true;
   }

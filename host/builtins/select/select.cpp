@@ -28,7 +28,7 @@ void addHierarchy(SelectionList& list, const scene::DagPath& path) {
 }
 
 bool isVisible(scene::Document& document, const scene::DagPath& path) {
-  for (scene::Node* node : path.nodes()) {
+  for (scene::Node* node : path.upwards()) {
     const dg::Plug plug = node->plug("visibility");
     if (!plug) continue;
     auto value = document.graph().get(plug);

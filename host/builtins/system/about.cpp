@@ -3,6 +3,7 @@
 #include <ctime>
 
 #include "host/builtins/common/command.h"
+#include "host/builtins/help/command_texts.h"
 
 namespace host::builtins {
 
@@ -56,6 +57,8 @@ CommandResult help(Context& context, const ParsedArgs& args) {
   if (name.empty())
     return mel::Value(
         cmd::Command(cmd::CommandSpec{"help", Syntax().strings(), {}, false}).synopsis());
+  if (cmd::Command* const builtin = context.session.commands().findBuiltin(name))
+    describeFlags(*builtin);
   const auto command = context.session.commands().find(name);
   if (!command) return fail("help: there is no command '{}'.", name);
   return mel::Value(command->synopsis());

@@ -40,6 +40,11 @@ class FlagScope {
   bool& flag_;
 };
 
+void sendByHand(cmd::Session& session, const tools::InputEvent& event) {
+  const FlagScope sending(workspaceOf(session).hand.isSending);
+  session.runByHand([&] { (void)workspaceOf(session).toolbox.handle(event); });
+}
+
 ScriptHand& handOf(cmd::Session& session) {
   ScriptHand& state = workspaceOf(session).hand;
   // A button that went down in a view which is closed now is up.
@@ -47,10 +52,8 @@ ScriptHand& handOf(cmd::Session& session) {
                         !workspaceOf(session).views.find(state.hand->panel());
   if (isAstray) state.hand.reset();
   if (!state.hand)
-    state.hand = std::make_unique<tools::Hand>([&session, &state](const tools::InputEvent& event) {
-      const FlagScope sending(state.isSending);
-      session.runByHand([&] { (void)workspaceOf(session).toolbox.handle(event); });
-    });
+    state.hand = std::make_unique<tools::Hand>(
+        [&session](const tools::InputEvent& event) { sendByHand(session, event); });
   return state;
 }
 
@@ -115,15 +118,29 @@ class GestureCall {
     if (const auto fits = hand_.use(options()); !fits) return failAt("viewGesture", fits.error());
     if (args_.has("port")) view().port = {args_.integer("port", 1, 0), args_.integer("port", 1, 1)};
     for (const std::string& key : args_.texts("key")) hand_.strike(key);
+    halfStrikes("keyDown", tools::InputKind::KeyPress);
     HOST_TRY(each("hover", "hoverAt", &tools::Hand::hover));
     HOST_TRY(each("press", "pressAt", &tools::Hand::press));
     HOST_TRY(each("drag", "dragTo", &tools::Hand::drag));
-    return each("release", "releaseAt", &tools::Hand::release);
+    HOST_TRY(each("release", "releaseAt", &tools::Hand::release));
+    halfStrikes("keyUp", tools::InputKind::KeyRelease);
+    return {};
   }
 
  private:
   /// Looked up anew each time: a tool may add views.
   [[nodiscard]] View& view() const { return *workspaceOf(context_.session).views.find(panel_); }
+
+  /// Keys go down, or come up, where the pointer is.
+  void halfStrikes(const char* flag, tools::InputKind kind) {
+    for (const std::string& key : args_.texts(flag)) {
+      tools::InputEvent event = hand_.state();
+      event.kind = kind;
+      event.key = key;
+      if (!hand_.isDown()) event.button = tools::MouseButton::None;
+      sendByHand(context_.session, event);
+    }
+  }
 
   static bool isPlace(const std::string& flag) {
     return flag == "press" || flag == "drag" || flag == "release" || flag == "hover";
@@ -266,6 +283,10 @@ void registerViewGesture(CommandRegistry& registry) {
       .flag("h", "hover", {ArgType::Double, ArgType::Double})
       .flag("ha", "hoverAt", {ArgType::String})
       .flag("k", "key", {ArgType::String})
+      .multiUse()
+      .flag("kd", "keyDown", {ArgType::String})
+      .multiUse()
+      .flag("ku", "keyUp", {ArgType::String})
       .multiUse()
       .flag("pr", "pressure", {ArgType::Double})
       .flag("ti", "tilt", {ArgType::Double, ArgType::Double})

@@ -10,19 +10,6 @@ namespace host::builtins {
 
 namespace {
 
-/// Takes the UVs of every shell that one of the UVs lies in.
-void growToShells(UvItem& item) {
-  const mesh::UvShells shells = mesh::findUvShells(item.item.mesh, item.set);
-  std::vector<std::uint8_t> isWanted(static_cast<std::size_t>(shells.count), 0);
-  for (const UvId uv : item.uvs)
-    if (const Index shell = shells.ofUv[static_cast<std::size_t>(uv)]; shell != kNone)
-      isWanted[static_cast<std::size_t>(shell)] = 1;
-  for (std::size_t uv = 0; uv < shells.ofUv.size(); ++uv)
-    if (shells.ofUv[uv] != kNone && isWanted[static_cast<std::size_t>(shells.ofUv[uv])])
-      item.uvs.push_back(static_cast<UvId>(uv));
-  mesh::sortUnique(item.uvs);
-}
-
 /// What the flags say is done to UVs. -scale off and -rotation off leave those values unused.
 ops::UvTransform transformOf(const ParsedArgs& args) {
   ops::UvTransform transform;
@@ -33,6 +20,7 @@ ops::UvTransform transformOf(const ParsedArgs& args) {
     transform.scaleV = args.real("scaleV", 1);
   }
   if (args.boolean("rotation", true)) transform.angle = args.real("angle") * std::numbers::pi / 180;
+  transform.ratio = args.real("rotateRatio", 1);
   if (args.boolean("relative", true)) {
     transform.shiftU = args.real("uValue");
     transform.shiftV = args.real("vValue");
@@ -41,9 +29,12 @@ ops::UvTransform transformOf(const ParsedArgs& args) {
 }
 
 Result<void> edit(Context& context, const ParsedArgs& args, const UvItem& item) {
-  for (const char* flag : {"uValue", "vValue", "pivotU", "pivotV", "scaleU", "scaleV", "angle"})
+  for (const char* flag :
+       {"uValue", "vValue", "pivotU", "pivotV", "scaleU", "scaleV", "angle", "rotateRatio"})
     if (!std::isfinite(args.real(flag)))
       return fail(ErrorKind::BadArgument, "-{} is not a number.", flag);
+  if (!(args.real("rotateRatio", 1) > 0))
+    return fail(ErrorKind::BadArgument, "-rotateRatio is above 0.");
   mesh::UvSet set = item.item.mesh.uvSet(item.set);
   const ops::UvTransform transform = transformOf(args);
   ops::transformUvs(set, item.uvs, transform);
@@ -85,7 +76,7 @@ CommandResult polyEditUv(Context& context, const ParsedArgs& args, const char* n
   auto items = uvItems(context, args, name);
   if (!items) return failWith(std::move(items.error()));
   if (ofShells)
-    for (UvItem& item : *items) growToShells(item);
+    for (UvItem& item : *items) item.uvs = mesh::connectedUvs(item.item.mesh, item.set, item.uvs);
   if (args.isQuery()) return placesOf(args, *items);
   for (const UvItem& item : *items)
     if (auto done = edit(context, args, item); !done) return failAt(name, done.error());
@@ -99,6 +90,8 @@ Syntax syntax() {
       .flag("pv", "pivotV", {ArgType::Double})
       .flag("r", "relative", {ArgType::Bool})
       .flag("rot", "rotation", {ArgType::Bool})
+      // Width to height of the picture that the map is for, so that turning keeps its shapes.
+      .flag("rr", "rotateRatio", {ArgType::Double})
       .flag("s", "scale", {ArgType::Bool})
       .flag("su", "scaleU", {ArgType::Double})
       .flag("sv", "scaleV", {ArgType::Double})

@@ -1,8 +1,10 @@
 // polyMultiLayoutUV: the shells of several objects in one square.
 #include <algorithm>
+#include <iterator>
 
 #include "host/builtins/uv/uv_edits.h"
 #include "host/mesh/shells.h"
+#include "host/modelling/declare/history_command.h"
 #include "host/nodes/uv_pins.h"
 #include "host/ops/uv/layout.h"
 #include "host/ops/uv/uv_ids.h"
@@ -62,15 +64,10 @@ Result<ops::LayoutPart> partOf(const MeshItem& item, mesh::Mesh& mesh, const std
   part.mesh = &mesh;
   part.uvSet = *set;
   part.world = item.path.inclusiveMatrix();
-  const mesh::UvShells shells = mesh::findUvShells(mesh, *set);
-  std::vector<std::uint8_t> isNamed(static_cast<std::size_t>(shells.count), 0);
-  for (const FaceId f : item.ids(scene::ComponentType::Face))
-    if (const Index shell = shells.ofFace[static_cast<std::size_t>(f)]; shell != kNone)
-      isNamed[static_cast<std::size_t>(shell)] = 1;
   part.standing = nodes::pinnedShells(*item.path.node(), mesh, *set);
-  for (Index s = 0; s < shells.count; ++s)
-    if (isNamed[static_cast<std::size_t>(s)] && !std::ranges::binary_search(part.standing, s))
-      part.shells.push_back(s);
+  const std::vector<Index> named =
+      mesh::shellsOfFaces(mesh::findUvShells(mesh, *set), item.ids(scene::ComponentType::Face));
+  std::ranges::set_difference(named, part.standing, std::back_inserter(part.shells));
   return part;
 }
 
@@ -79,29 +76,24 @@ CommandResult polyMultiLayoutUv(Context& context, const ParsedArgs& args) {
   if (!options) return failWith(options.error());
   auto list = args.resolveObjects(context.document);
   if (!list) return failWith(std::move(list.error()));
-  auto items = meshItems(*list);
-  if (!items) return failWith(std::move(items.error()));
-  if (items->empty()) return fail("polyMultiLayoutUV: name or select polygon objects or faces.");
   // Instances share their UVs: the first one stands for all.
-  std::vector<MeshItem> distinct;
-  for (MeshItem& item : *items)
-    if (std::none_of(distinct.begin(), distinct.end(),
-                     [&](const MeshItem& other) { return other.path.node() == item.path.node(); }))
-      distinct.push_back(std::move(item));
+  auto distinct = modelling::distinctMeshItems(*list);
+  if (!distinct) return failWith(std::move(distinct.error()));
+  if (distinct->empty()) return fail("polyMultiLayoutUV: name or select polygon objects or faces.");
   std::vector<mesh::Mesh> meshes;
-  for (const MeshItem& item : distinct) meshes.push_back(item.mesh);
+  for (const MeshItem& item : *distinct) meshes.push_back(item.mesh);
   std::vector<ops::LayoutPart> parts;
-  for (std::size_t i = 0; i < distinct.size(); ++i) {
-    auto part = partOf(distinct[i], meshes[i], args.text("uvSetName"));
+  for (std::size_t i = 0; i < distinct->size(); ++i) {
+    auto part = partOf((*distinct)[i], meshes[i], args.text("uvSetName"));
     if (!part)
-      return fail("polyMultiLayoutUV: '{}': {}", distinct[i].path.transform().partialName(),
+      return fail("polyMultiLayoutUV: '{}': {}", (*distinct)[i].path.transform().partialName(),
                   part.error().message);
     parts.push_back(std::move(*part));
   }
   const auto done = ops::layoutUvs(parts, *options);
   if (!done) return failAt("polyMultiLayoutUV", done.error());
-  for (std::size_t i = 0; i < distinct.size(); ++i)
-    HOST_TRY(placeMovedUvs(context.document, distinct[i], parts[i].uvSet,
+  for (std::size_t i = 0; i < distinct->size(); ++i)
+    HOST_TRY(placeMovedUvs(context.document, (*distinct)[i], parts[i].uvSet,
                            meshes[i].uvSet(parts[i].uvSet)));
   return mel::Value();
 }

@@ -2,6 +2,7 @@
 #include "host/base/messages.h"
 #include "host/builtins/uv/uv_edits.h"
 #include "host/mesh/shells.h"
+#include "host/modelling/declare/history_command.h"
 #include "host/nodes/uv_pins.h"
 #include "host/ops/uv/untangle_uvs.h"
 
@@ -72,21 +73,15 @@ CommandResult untangleUv(Context& context, const ParsedArgs& args) {
   if (!options) return failWith(options.error());
   auto list = args.resolveObjects(context.document);
   if (!list) return failWith(std::move(list.error()));
-  auto items = meshItems(*list);
+  auto items = modelling::distinctMeshItems(*list);
   if (!items) return failWith(std::move(items.error()));
   if (items->empty()) return fail("untangleUV: name or select UVs.");
   int rounds = 0;
   for (const MeshItem& item : *items) {
     mesh::Mesh mesh = item.mesh;
     const int set = mesh.currentUvSet();
-    const mesh::UvShells all = mesh::findUvShells(mesh, set);
-    std::vector<std::uint8_t> isNamed(static_cast<std::size_t>(all.count), 0);
-    for (const UvId uv : item.ids(scene::ComponentType::Uv))
-      if (const Index shell = all.ofUv[static_cast<std::size_t>(uv)]; shell != kNone)
-        isNamed[static_cast<std::size_t>(shell)] = 1;
-    std::vector<Index> shells;
-    for (Index s = 0; s < all.count; ++s)
-      if (isNamed[static_cast<std::size_t>(s)]) shells.push_back(s);
+    const std::vector<Index> shells =
+        mesh::shellsOfUvs(mesh::findUvShells(mesh, set), item.ids(scene::ComponentType::Uv));
     const auto done = ops::untangleUvs(mesh, set, shells, pinsOf(args, item, set), *options);
     if (!done) return failAt("untangleUV", done.error());
     if (done->shells == 0 && !done->left.empty()) return fail("untangleUV: {}", done->left.front());

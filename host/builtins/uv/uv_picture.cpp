@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
+#include <unordered_set>
 
 #include "host/mesh/shells.h"
 #include "host/mesh/triangulate.h"
@@ -43,6 +45,30 @@ void blend(std::uint8_t* pixel, const Color& color, double cover) {
   pixel[3] = byteOf(alpha);
 }
 
+/// How many layers over a pixel are mixed. What lies deeper is not seen, so that a stack of any
+/// height costs no more than this one.
+constexpr float kMostLayers = 64;
+
+/// Cells in a row of which some are closed; finds the next open one at once.
+class OpenCells {
+ public:
+  OpenCells() = default;
+  explicit OpenCells(std::size_t count) : next_(count + 1) {
+    std::iota(next_.begin(), next_.end(), std::uint32_t{0});
+  }
+  [[nodiscard]] bool empty() const { return next_.empty(); }
+  /// The first open cell from `i` on; the count when there is none.
+  [[nodiscard]] std::size_t from(std::size_t i) {
+    i = std::min(i, next_.size() - 1);
+    while (next_[i] != i) i = next_[i] = next_[next_[i]];
+    return i;
+  }
+  void close(std::size_t i) { next_[i] = static_cast<std::uint32_t>(i + 1); }
+
+ private:
+  std::vector<std::uint32_t> next_;
+};
+
 class Canvas {
  public:
   Canvas(io::Image& image, const UvPictureOptions& options) : image_(image), options_(options) {}
@@ -61,7 +87,14 @@ class Canvas {
     const auto first = static_cast<int>(std::floor(std::max(0.0, top) * samples));
     const auto last =
         static_cast<int>(std::floor(std::min<double>(image_.height, bottom) * samples));
+    if (openRows_.empty()) openRows_ = OpenCells(static_cast<std::size_t>(image_.height));
     for (int row = first; row <= last && row < samples * image_.height; ++row) {
+      // Rows that are full take no more.
+      const int open = static_cast<int>(openRows_.from(static_cast<std::size_t>(row / samples)));
+      if (open != row / samples) {
+        row = open * samples - 1;
+        continue;
+      }
       const double y = (row + 0.5) / samples;
       double left = 1e300, right = -1e300;
       for (std::size_t k = 0; k < 3; ++k) {
@@ -87,6 +120,8 @@ class Canvas {
       blend(image_.rgba.data() + 4 * i, color, std::min(1.0, static_cast<double>(cover.part)));
     }
     covers_.clear();
+    openRows_ = {};
+    openPixels_.clear();
   }
 
   void line(Spot a, Spot b, const Color& color, double width) {
@@ -131,8 +166,16 @@ class Canvas {
   [[nodiscard]] std::uint8_t* pixel(int x, int y) { return image_.rgba.data() + 4 * indexOf(x, y); }
 
   void span(int row, double left, double right, const Color& color, int samples) {
-    if (covers_.empty()) covers_.resize(image_.rgba.size() / 4);
-    for (int x = static_cast<int>(left); x < image_.width && x < right; ++x) {
+    if (covers_.empty()) {
+      covers_.resize(image_.rgba.size() / 4);
+      openPixels_.resize(static_cast<std::size_t>(image_.height));
+    }
+    OpenCells& open = openPixels_[static_cast<std::size_t>(row)];
+    if (open.empty()) open = OpenCells(static_cast<std::size_t>(image_.width));
+    const auto next = [&](int x) {
+      return static_cast<int>(open.from(static_cast<std::size_t>(x)));
+    };
+    for (int x = next(static_cast<int>(left)); x < image_.width && x < right; x = next(x + 1)) {
       double part = std::min<double>(x + 1, right) - std::max<double>(x, left);
       if (!options_.isAntialiased) part = left <= x + 0.5 && x + 0.5 < right ? 1 : 0;
       if (!(part > 0)) continue;
@@ -141,12 +184,17 @@ class Canvas {
       for (std::size_t k = 0; k < 3; ++k)
         cover.sum[k] += weight * static_cast<float>(color[k]) / 255;
       cover.part += weight;
+      if (cover.part >= kMostLayers) open.close(static_cast<std::size_t>(x));
     }
+    if (open.from(0) == static_cast<std::size_t>(image_.width))
+      openRows_.close(static_cast<std::size_t>(row));
   }
 
   io::Image& image_;
   const UvPictureOptions& options_;
   std::vector<Cover> covers_;
+  OpenCells openRows_;
+  std::vector<OpenCells> openPixels_;  ///< of each row
 };
 
 void fill(Canvas& canvas, const mesh::Mesh& mesh, int uvSet, UvPictureOptions::Fill how) {
@@ -171,18 +219,38 @@ void fill(Canvas& canvas, const mesh::Mesh& mesh, int uvSet, UvPictureOptions::F
   canvas.done();
 }
 
+/// Lines that were drawn, to a sixteenth of a pixel: those of stacked shells are drawn once.
+class DrawnLines {
+ public:
+  /// Whether the line from a to b, either way, is new.
+  bool add(Spot a, Spot b) {
+    if (b.y < a.y || (b.y == a.y && b.x < a.x)) std::swap(a, b);
+    std::uint64_t key = 1469598103934665603u;
+    for (const double x : {a.x, a.y, b.x, b.y}) {
+      const double place = std::clamp(16 * x, -1e15, 1e15);
+      key = (key ^ static_cast<std::uint64_t>(std::llround(place))) * 1099511628211u;
+      key ^= key >> 29;
+    }
+    return seen_.insert(key).second;
+  }
+
+ private:
+  std::unordered_set<std::uint64_t> seen_;
+};
+
 void drawLines(Canvas& canvas, const mesh::Mesh& mesh, int uvSet, const Color& color,
                double width) {
   const mesh::UvSet& set = mesh.uvSet(uvSet);
+  DrawnLines drawn;
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
     const CornerId first = mesh.firstCorner(f), end = mesh.firstCorner(f + 1);
     if (set.cornerIds[at(first)] == kNone) continue;
     for (CornerId c = first; c < end; ++c) {
       const CornerId next = c + 1 == end ? first : c + 1;
       const UvId a = set.cornerIds[at(c)], b = set.cornerIds[at(next)];
-      // Two faces share most edges; one of them draws it. Borders run one way only.
-      canvas.line(canvas.spot(set.points[at(std::min(a, b))]),
-                  canvas.spot(set.points[at(std::max(a, b))]), color, width);
+      const Spot from = canvas.spot(set.points[at(a)]), to = canvas.spot(set.points[at(b)]);
+      if (std::isfinite(from.x + from.y + to.x + to.y) && drawn.add(from, to))
+        canvas.line(from, to, color, width);
     }
   }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <maya/MStatus.h>
 #include <maya/MTypes.h>
 
 #include <memory>

@@ -241,6 +241,10 @@ class MFnMesh : public MFnDagNode {
   MStatus getPointsAtUV(MIntArray& polygonIds, MPointArray& points, const float2& uvPoint,
                         MSpace::Space space = MSpace::kObject, const MString* uvSet = nullptr,
                         float tolerance = 1e-5F) const;
+  /// Finds the face that covers a place in the map, the lowest one where faces lie on each other.
+  /// Fails, with -1, where there is none. The order of the arguments is this host's.
+  MStatus intersectFaceAtUV(const float2& uvPoint, int& faceId, const MString* uvSet = nullptr,
+                            float tolerance = 1e-5F) const;
   MStatus getUVAtPoint(const MPoint& toThisPoint, float2& uvPoint,
                        MSpace::Space space = MSpace::kObject, const MString* uvSet = nullptr,
                        int* closestPolygon = nullptr) const;

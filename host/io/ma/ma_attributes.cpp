@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "host/dg/foreign_data.h"
 #include "host/io/ma/ma_numbers.h"
 #include "host/io/ma/ma_plugs.h"
 
@@ -18,7 +19,7 @@ bool isPayloadType(std::string_view type) {
       "string",      "matrix",     "stringArray",       "componentList",
       "doubleArray", "floatArray", "dataPolyComponent", "Int32Array",
       "vectorArray", "pointArray"};
-  return std::ranges::find(kTypes, type) != std::end(kTypes);
+  return std::ranges::find(kTypes, type) != std::end(kTypes) || dg::hasForeignReader(type);
 }
 
 /// The numeric leaves of an attribute, in order; false when there is anything else.

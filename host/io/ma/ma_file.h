@@ -63,7 +63,7 @@ struct MaConnection {
 /// `parent -add`: one more place for a node.
 struct MaInstance {
   std::size_t offset = 0;
-  std::string_view child, parent;
+  std::string_view child, parent;  ///< no parent: the child of that path goes behind its siblings
 };
 
 /// `relationship`: a pair of plugs that a link node keeps together.

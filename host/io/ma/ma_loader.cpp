@@ -104,7 +104,7 @@ class Loader {
     for (const MaNode& node : file_.nodes)
       if (!node.parent.empty()) parentNames_.insert(FilePath(node.parent).leaf());
     for (const MaInstance& instance : file_.instances)
-      parentNames_.insert(FilePath(instance.parent).leaf());
+      if (!instance.parent.empty()) parentNames_.insert(FilePath(instance.parent).leaf());
   }
 
   /// What a node of the file is to be called in the document.
@@ -347,11 +347,22 @@ class Loader {
 
   void addInstance(const MaInstance& instance) {
     Node* child = find(instance.child);
+    if (instance.parent.empty()) return moveToEnd(instance, child);
     Node* parent = find(instance.parent);
     if (!child || !parent || !scene::isDagNode(*child) || !scene::isTransform(*parent))
       return warn(instance.offset, fmt::format("'{}' cannot be placed under '{}' as well",
                                                instance.child, instance.parent));
     if (auto done = document_.addInstance(*child, parent); !done)
+      warn(instance.offset, std::move(done).error().message);
+  }
+
+  void moveToEnd(const MaInstance& instance, Node* child) {
+    const std::size_t bar = instance.child.rfind('|');
+    Node* parent =
+        bar == std::string_view::npos || bar == 0 ? nullptr : find(instance.child.substr(0, bar));
+    if (!child || !scene::isDagNode(*child) || (bar != 0 && !parent))
+      return warn(instance.offset, fmt::format("there is no '{}' to move", instance.child));
+    if (auto done = document_.reorder(*child, parent, std::numeric_limits<int>::max()); !done)
       warn(instance.offset, std::move(done).error().message);
   }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/base/cancel_poll.h"
 #include "host/base/parallel.h"
 #include "host/io/finite_mesh.h"
 #include "host/io/ma/ma_normals.h"
@@ -57,9 +58,11 @@ void appendArray(std::string& out, const ArrayWords& words, std::size_t count, s
   const std::size_t blocks = (chunks + kChunksABlock - 1) / kChunksABlock;
   std::vector<std::string> texts(blocks);
   parallelFor(blocks, 1, [&](std::size_t begin, std::size_t end) {
-    for (std::size_t b = begin; b < end; ++b)
+    for (std::size_t b = begin; b < end; ++b) {
+      pollWork();
       for (std::size_t c = b * kChunksABlock; c < std::min(chunks, (b + 1) * kChunksABlock); ++c)
         chunk(texts[b], c);
+    }
   });
   std::size_t size = out.size();
   for (const std::string& text : texts) size += text.size();

@@ -29,6 +29,8 @@ class MaNodeWriter {
   void write(std::string& out);
   /// The first plug with such a number; empty when there was none.
   [[nodiscard]] const std::string& notFinite() const { return fault_; }
+  /// A plug whose data nobody knows how to write; empty when there was none.
+  [[nodiscard]] const std::string& lost() const { return lost_; }
 
  private:
   void addAttribute(std::string& out, const dg::Attribute& attribute,
@@ -59,7 +61,7 @@ class MaNodeWriter {
   std::unordered_set<std::string> leftOut_;
   std::unordered_set<dg::Plug, dg::PlugHash> forced_;
   std::string out_, aliases_;
-  std::string fault_;
+  std::string fault_, lost_;
 };
 
 }  // namespace host::io

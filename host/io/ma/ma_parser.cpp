@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/base/cancel_poll.h"
 #include "host/io/ma/ma_file.h"
 #include "host/io/ma/ma_mesh_rows.h"
 #include "host/io/ma/ma_tokens.h"
@@ -62,19 +63,13 @@ class Parser {
   void statement(std::string_view command) {
     using Handler = void (Parser::*)();
     static constexpr std::pair<std::string_view, Handler> kHandlers[] = {
-        {"setAttr", &Parser::setAttr},
-        {"createNode", &Parser::createNode},
-        {"connectAttr", &Parser::connectAttr},
-        {"rename", &Parser::rename},
-        {"addAttr", &Parser::addAttr},
-        {"select", &Parser::select},
-        {"lockNode", &Parser::lockNode},
-        {"parent", &Parser::parent},
-        {"relationship", &Parser::relationship},
-        {"requires", &Parser::require},
-        {"fileInfo", &Parser::fileInfo},
-        {"currentUnit", &Parser::currentUnit},
-        {"file", &Parser::reference},
+        {"setAttr", &Parser::setAttr},         {"createNode", &Parser::createNode},
+        {"connectAttr", &Parser::connectAttr}, {"rename", &Parser::rename},
+        {"addAttr", &Parser::addAttr},         {"select", &Parser::select},
+        {"lockNode", &Parser::lockNode},       {"parent", &Parser::parent},
+        {"reorder", &Parser::reorder},         {"relationship", &Parser::relationship},
+        {"requires", &Parser::require},        {"fileInfo", &Parser::fileInfo},
+        {"currentUnit", &Parser::currentUnit}, {"file", &Parser::reference},
     };
     for (const auto& [name, handler] : kHandlers)
       if (name == command) return (this->*handler)();
@@ -262,6 +257,21 @@ class Parser {
     if (ends != 2) return in_.failAt(in_.start(), "connectAttr joins two attributes");
     connection.raw = in_.rawStatement();
     file_.connections.push_back(connection);
+  }
+
+  /// Siblings that go to the end of their row, by their paths.
+  void reorder() {
+    std::vector<std::string_view> names;
+    bool isToEnd = false;
+    for (const MaToken& word : in_.restOfStatement()) {
+      if (word.text.starts_with('-'))
+        isToEnd = isToEnd || isOneOf(word.text, {"-b", "-back"});
+      else
+        names.push_back(word.text);
+    }
+    if (in_.hasFault()) return;
+    if (!isToEnd || names.empty()) return warn("only 'reorder -back' has a place in a scene");
+    for (const std::string_view name : names) file_.instances.push_back({in_.start(), name, {}});
   }
 
   void parent() {
@@ -452,7 +462,7 @@ Result<MaFile> readMa(const std::string& path) {
   file.name = path;
   file.text = kept->text();
   file.storage = std::move(kept);
-  return parseInto(std::move(file));
+  return cancellable([&] { return parseInto(std::move(file)); });
 }
 
 Result<MaFile> parseMa(std::string text, const std::string& name) {
@@ -461,7 +471,7 @@ Result<MaFile> parseMa(std::string text, const std::string& name) {
   file.name = name;
   file.text = *kept;
   file.storage = std::move(kept);
-  return parseInto(std::move(file));
+  return cancellable([&] { return parseInto(std::move(file)); });
 }
 
 }  // namespace host::io

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "host/dg/foreign_data.h"
 #include "host/io/ma/ma_node_writer.h"
 #include "host/io/ma/ma_numbers.h"
 #include "host/scene/component.h"
@@ -127,6 +128,11 @@ Written appendPayload(std::string& text, const dg::DataPtr& data) {
     isGood = appendCounted(text, "pointArray", points->value, [](const dg::Point4& each) {
       return std::array{each.x, each.y, each.z, each.w};
     });
+  } else if (const auto* foreign = dg::dataAs<dg::ForeignData>(value)) {
+    const auto words = foreign->written();
+    if (!words) return Written::Unknown;
+    appendType(text, foreign->typeName());
+    text += ' ' + *words;
   } else {
     return Written::Unknown;
   }
@@ -157,6 +163,8 @@ bool MaNodeWriter::appendValue(std::string& text, const Attribute& leaf, const V
   const auto* data = std::get_if<dg::DataPtr>(&value);
   if (!data || !*data) return false;
   const Written written = appendPayload(text, *data);
+  if (written == Written::Unknown && dg::dataAs<dg::ForeignData>(value))
+    lost_ = node_.name() + "." + leaf.longName;
   if (written == Written::NotFinite) fault_ = node_.name() + "." + leaf.longName;
   return written != Written::Unknown;
 }

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "host/dg/foreign_data.h"
 #include "host/io/ma/ma_attributes.h"
 #include "host/scene/component.h"
 #include "host/scene/curve_data.h"
@@ -204,6 +205,14 @@ Result<dg::Value> readPayload(std::string_view type, const Tokens& tokens,
         points.push_back({all[i], all[i + 1], all[i + 2], all[i + 3]});
       return points;
     });
+  if (dg::hasForeignReader(type)) {
+    std::vector<dg::ForeignWord> words;
+    for (const MaToken& token : tokens)
+      words.push_back({std::string(token.text), token.kind == MaToken::Kind::Number});
+    auto data = dg::readForeign(type, words);
+    if (!data) return failWith(std::move(data.error()));
+    return dg::Value(*std::move(data));
+  }
   return fail(ErrorKind::Unsupported, "values of type '{}' are not known", type);
 }
 

@@ -8,6 +8,7 @@
 #include <unordered_set>
 
 #include "host/base/cancel.h"
+#include "host/base/cancel_poll.h"
 #include "host/io/ma/ma_held_meshes.h"
 #include "host/io/ma/ma_mesh_writer.h"
 #include "host/io/ma/ma_node_writer.h"
@@ -78,7 +79,8 @@ class Writer {
       only.emplace(options_.only->begin(), options_.only->end());
       for (const Node* node : *options_.only)
         for (const scene::DagPath& path : scene::allPaths(*node))
-          only->insert(path.nodes().begin(), path.nodes().end());
+          for (const Node* each : path.upwards())
+            if (!only->insert(each).second && each != node) break;
     }
     const auto isWanted = [&](const Node* node) { return !only || only->count(node) != 0; };
     for (const dg::NodePtr& node : graph_.nodes()) {
@@ -300,6 +302,9 @@ class Writer {
     if (!writer.notFinite().empty())
       result_.warnings.push_back(
           fmt::format("'{}' is not a finite number: it is saved as 0", writer.notFinite()));
+    if (!writer.lost().empty())
+      result_.warnings.push_back(fmt::format(
+          "'{}' holds data that its plug-in does not write: it is not saved", writer.lost()));
     if (isMesh) HOST_TRY(writeMesh(node));
     if (const MaKept::Node* kept = kept_.find(node))
       for (const std::string& line : kept->lines) out() += "\t" + line + ";\n";
@@ -401,6 +406,41 @@ class Writer {
           out() += fmt::format("parent -s -nc -r -add \"{}\" \"{}\";\n",
                                scene::firstPath(*node).fullName(), nameOf(*parents[i]));
     }
+    writeOrder();
+  }
+
+  /// Instances arrive behind what is made in place: where that is not their order, those that
+  /// stand elsewhere go to the end one after the other.
+  void writeOrder() {
+    std::unordered_map<const Node*, std::vector<const Node*>> arriving;
+    std::vector<const Node*> shuffled;
+    for (const Node* node : order_)
+      if (scene::isDagNode(*node) && !scene::dagLinks(*node).parents.empty())
+        arriving[scene::dagLinks(*node).parents.front()].push_back(node);
+    for (const Node* node : order_) {
+      if (!scene::isDagNode(*node)) continue;
+      const std::vector<Node*>& parents = scene::dagLinks(*node).parents;
+      for (std::size_t i = 1; i < parents.size(); ++i) {
+        if (!parents[i] || isWritten_.count(parents[i]) == 0) continue;
+        arriving[parents[i]].push_back(node);
+        shuffled.push_back(parents[i]);
+      }
+    }
+    std::unordered_set<const Node*> seen;
+    for (const Node* parent : shuffled) {
+      if (!seen.insert(parent).second) continue;
+      const std::vector<const Node*>& made = arriving[parent];
+      std::size_t place = 0;
+      bool isInOrder = true;
+      for (const Node* child : scene::dagLinks(*parent).children) {
+        if (isWritten_.count(child) == 0) continue;
+        isInOrder = isInOrder && place < made.size() && made[place] == child;
+        ++place;
+        if (!isInOrder)
+          out() += fmt::format("reorder -b \"{}|{}\";\n", scene::firstPath(*parent).fullName(),
+                               child->name());
+      }
+    }
   }
 
   // Connections.
@@ -498,7 +538,7 @@ class Writer {
 
 Result<MaText> formatMa(scene::Document& document, const MaKept& kept,
                         const MaWriteOptions& options) {
-  return Writer(document, kept, options).write();
+  return cancellable([&] { return Writer(document, kept, options).write(); });
 }
 
 }  // namespace host::io

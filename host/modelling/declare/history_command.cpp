@@ -6,8 +6,10 @@
 #include <unordered_set>
 
 #include "host/base/messages.h"
+#include "host/nodes/history/deformers.h"
 #include "host/nodes/history/history_node.h"
 #include "host/nodes/mesh_shape.h"
+#include "host/nodes/uv_pins.h"
 
 namespace host::modelling {
 
@@ -144,8 +146,38 @@ std::vector<Index> idsOf(const std::vector<scene::Component>& input, const Decla
   return {};
 }
 
+/// Where the node goes: in front of the shape, or of its deformers, so that the mesh at rest is
+/// what it works on. `seen` becomes the item with that mesh.
+Result<Plug> placeOf(Context& context, const ParsedArgs& args, const Declaration& command,
+                     MeshItem& seen) {
+  const bool canGoBefore = std::ranges::any_of(command.extraFlags, [](const ExtraFlag& flag) {
+    return flag.longName == kBeforeDeformersFlag;
+  });
+  if (!canGoBefore || !args.boolean(kBeforeDeformersFlag, true)) return Plug();
+  const Plug place = nodes::arrivalBeforeDeformers(*seen.path.node());
+  if (!place) return Plug();
+  const auto value = context.document.graph().get(place);
+  if (!value) return failWith(value.error());
+  if (const auto* data = dg::dataAs<scene::MeshData>(*value)) seen.mesh = data->mesh;
+  return place;
+}
+
+/// Puts the node's mesh plugs in front of the shape, or of what `place` is the input of.
+Result<void> insertAt(scene::Document& document, Node& shape, Node& node, const Plug& place) {
+  const Plug input = node.plug("inputPolymesh"), output = node.plug("output");
+  if (!place) return nodes::insertHistoryNode(document, shape, input, output);
+  dg::Graph& graph = document.graph();
+  const Plug source = graph.source(place);
+  HOST_TRY(graph.disconnect(source, place));
+  HOST_TRY(graph.connect(source, input));
+  return graph.connect(output, place);
+}
+
 Result<Node*> insertOne(Context& context, const ParsedArgs& args, const Declaration& command,
-                        const MeshItem& item) {
+                        const MeshItem& given) {
+  MeshItem item = given;
+  const auto place = placeOf(context, args, command, item);
+  if (!place) return failWith(place.error());
   scene::Document& document = context.document;
   dg::Graph& graph = document.graph();
   std::vector<scene::Component> components = inputOf(command, item);
@@ -164,13 +196,15 @@ Result<Node*> insertOne(Context& context, const ParsedArgs& args, const Declarat
                        dg::DataPtr(std::make_shared<dg::MatrixData>(item.path.inclusiveMatrix()))));
   HOST_TRY(setParameters(context, args, command, node));
   if (command.after) HOST_TRY(command.after(context, args, node, item, ids));
-  HOST_TRY(nodes::insertHistoryNode(document, *item.path.node(), node.plug("inputPolymesh"),
-                                    node.plug("output")));
+  nodes::PinCarrier pins(document, *item.path.node(), item.mesh);
+  HOST_TRY(insertAt(document, *item.path.node(), node, *place));
   if (const Plug manipulation = node.plug("manipMatrix")) {
     const auto instance = static_cast<Index>(item.path.instanceNumber());
     HOST_TRY(graph.connect(item.path.node()->plug("worldMatrix").element(instance), manipulation));
   }
-  HOST_TRY(graph.evaluate(node.plug("output")));
+  const auto made = graph.get(node.plug("output"));
+  if (!made) return failWith(made.error());
+  if (const auto* data = dg::dataAs<scene::MeshData>(*made)) HOST_TRY(pins.finish(data->mesh));
   return &node;
 }
 

@@ -4,6 +4,9 @@
 
 namespace host::modelling {
 
+/// The flag of commands whose node goes in front of the deformers of a mesh unless it is off.
+inline constexpr const char* kBeforeDeformersFlag = "insertBeforeDeformers";
+
 /// Runs a declaration's command over the named or selected meshes, each once: makes the nodes, sets
 /// what the command and its flags say, connects and evaluates them, so that a fault of the
 /// operation is an error of the command, and selects. `-name` and `-constructionHistory` are

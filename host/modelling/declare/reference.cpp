@@ -141,4 +141,25 @@ std::string referenceRows(const Declarations& all) {
   return page;
 }
 
+bool isDeclared(std::string_view command) {
+  return std::ranges::any_of(declarations().list(), [&](const Declaration& each) {
+    return each.command == command ||
+           std::ranges::find(each.aliases, command) != each.aliases.end();
+  });
+}
+
+std::optional<FlagFacts> flagFacts(const Declarations& all, std::string_view command,
+                                   std::string_view longFlag) {
+  for (const Declaration& declaration : all.list()) {
+    if (declaration.command != command) continue;
+    for (const Parameter* parameter : all.parametersOf(declaration))
+      for (const FlagNames& names : parameter->flags)
+        if (names.longName == longFlag)
+          return FlagFacts{defaultOf(*parameter), parameter->effect == Parameter::Effect::Full};
+    for (const ExtraFlag& flag : declaration.extraFlags)
+      if (flag.longName == longFlag) return FlagFacts{};
+  }
+  return std::nullopt;
+}
+
 }  // namespace host::modelling

@@ -6,6 +6,7 @@
 
 #include "host/math/box.h"
 #include "host/math/euler.h"
+#include "host/modelling/declare/history_command.h"
 #include "host/ops/uv/uv_ids.h"
 
 namespace host::modelling {
@@ -110,8 +111,8 @@ void ignoreWorldSpace(Declaration& declaration) {
 void addNewMapFlags(Declaration& declaration) {
   ExtraFlag create{"cm", "createNewMap", {ArgType::Bool}, kCreate};
   create.meaning = "fills a new UV set, of the name that -uvSetName says";
-  ExtraFlag before{"ibd", "insertBeforeDeformers", {ArgType::Bool}, kCreate};
-  before.meaning = "recorded; there are no deformers";
+  ExtraFlag before{"ibd", kBeforeDeformersFlag, {ArgType::Bool}, kCreate};
+  before.meaning = "on works on the mesh before deformers move it, off on the moved one";
   declaration.extraFlag(create).extraFlag(before);
 }
 

@@ -16,7 +16,7 @@ namespace host::modelling {
 void addUvSetName(Declaration& declaration);
 /// Says of -worldSpace that it changes nothing for a node that measures in the map alone.
 void ignoreWorldSpace(Declaration& declaration);
-/// Adds -createNewMap, and -insertBeforeDeformers, which has nothing to be put in front of.
+/// Adds -createNewMap and -insertBeforeDeformers.
 void addNewMapFlags(Declaration& declaration);
 /// Checks `-uvSetName` against the mesh; with `-createNewMap` makes it a name of its own.
 Result<void> chooseUvSet(Context& context, const ParsedArgs& args, Node& node,

@@ -116,6 +116,27 @@ Result<void> removeDeformedShape(scene::Document& document, Node& deformer, Node
   return fail("'{}' does not deform '{}'.", deformer.name(), shape.name());
 }
 
+Plug arrivalBeforeDeformers(Node& shape) {
+  dg::Graph& graph = shape.graph();
+  Plug first;
+  Plug source = graph.source(shape.plug("inMesh"));
+  for (int steps = 0; source && steps < 1000; ++steps) {
+    Node& node = *source.node();
+    if (node.type().isA("geometryFilter")) {
+      if (!source.isElement()) break;
+      first = inputOf(node, source.logicalIndex(), "inputGeometry");
+      source = graph.source(first);
+    } else if (node.type().name == "groupParts") {
+      // It names the components of the deformer behind it, or of the shape.
+      source = graph.source(node.plug("inputGeometry"));
+    } else {
+      break;
+    }
+  }
+  if (first && !graph.source(first)) return {};
+  return first;
+}
+
 std::vector<std::pair<Index, Node*>> deformedShapes(Node& deformer) {
   dg::Graph& graph = deformer.graph();
   std::vector<std::pair<Index, Node*>> found;

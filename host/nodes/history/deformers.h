@@ -19,6 +19,10 @@ Result<Index> addDeformedShape(scene::Document& document, Node& deformer, Node& 
 /// Takes a shape off a deformer: what came in goes straight on.
 Result<void> removeDeformedShape(scene::Document& document, Node& deformer, Node& shape);
 
+/// Where the mesh of a shape arrives at the first of the deformers in front of it; null when the
+/// last thing in front of the shape is no deformer.
+[[nodiscard]] dg::Plug arrivalBeforeDeformers(Node& shape);
+
 /// The shapes that a deformer's geometries end in, with their numbers, in order of these.
 [[nodiscard]] std::vector<std::pair<Index, Node*>> deformedShapes(Node& deformer);
 

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "host/base/assert.h"
+#include "host/base/cancel_poll.h"
 #include "host/mesh/provenance.h"
 #include "host/nodes/history/group_carry.h"
 
@@ -198,7 +199,7 @@ void HistoryNodeBuilder::operation(HistoryOperation operation) {
       block.output(output, *arriving);
       return Computed::Done;
     }
-    return modify(operation, block, output, std::move(data));
+    return cancellable([&] { return modify(operation, block, output, std::move(data)); });
   };
   builder_.finish();
 }
@@ -218,7 +219,7 @@ void PrimitiveNodeBuilder::operation(HistoryOperation operation) {
                                 Node&, const Plug& plug, DataBlock& block) -> Result<Computed> {
     if (plug.attribute() != output) return Computed::Unhandled;
     HistoryContext context(block, mesh::Mesh());
-    return finish(operation, context, output);
+    return cancellable([&] { return finish(operation, context, output); });
   };
   builder_.finish();
 }

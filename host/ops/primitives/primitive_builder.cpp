@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/base/assert.h"
+#include "host/base/cancel_poll.h"
 #include "host/mesh/edge_table.h"
 
 namespace host::ops {
@@ -47,6 +48,7 @@ void PrimitiveBuilder::findFaceEdges() {
   const mesh::EdgeTable table(topology_.edges, pointCount());
   topology_.cornerEdges.resize(topology_.cornerVertices.size());
   for (std::size_t f = 0; f + 1 < topology_.faceOffsets.size(); ++f) {
+    pollCancel(f);
     const auto begin = static_cast<std::size_t>(topology_.faceOffsets[f]);
     const auto end = static_cast<std::size_t>(topology_.faceOffsets[f + 1]);
     for (std::size_t c = begin; c < end; ++c) {

@@ -47,17 +47,32 @@ FacePlace nearest(const Mesh& mesh, FaceId face, const Vec3& target, Place place
   return best;
 }
 
+/// Whether UVs lie within a face's box in the map, or no farther from it than `reach`.
+bool isNearBox(const Mesh& mesh, int uvSet, FaceId face, const Vec2f& uv, double reach) {
+  double low[2] = {1e300, 1e300}, high[2] = {-1e300, -1e300};
+  for (CornerId c = mesh.firstCorner(face); c < mesh.firstCorner(face + 1); ++c) {
+    const Vec3 p = flat(mesh, uvSet, c);
+    low[0] = std::min(low[0], p.x);
+    high[0] = std::max(high[0], p.x);
+    low[1] = std::min(low[1], p.y);
+    high[1] = std::max(high[1], p.y);
+  }
+  return uv.u >= low[0] - reach && uv.u <= high[0] + reach && uv.v >= low[1] - reach &&
+         uv.v <= high[1] + reach;
+}
+
 }  // namespace
 
 std::optional<FacePlace> placeAtUv(const Mesh& mesh, int uvSet, FaceId face, const Vec2f& uv,
                                    double tolerance) {
   if (!hasUvs(mesh, uvSet, mesh.firstCorner(face))) return {};
-  double squared = 0;
-  const FacePlace place = nearest(
-      mesh, face, Vec3{uv.u, uv.v, 0}, [&](CornerId c) { return flat(mesh, uvSet, c); }, squared);
   // Inside, the distance is rounding only.
   constexpr double kRounding = 1e-7;
   const double reach = std::max(tolerance, kRounding);
+  if (!isNearBox(mesh, uvSet, face, uv, reach)) return {};
+  double squared = 0;
+  const FacePlace place = nearest(
+      mesh, face, Vec3{uv.u, uv.v, 0}, [&](CornerId c) { return flat(mesh, uvSet, c); }, squared);
   if (!(squared <= reach * reach)) return {};
   return place;
 }

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/adjacency.h"
 
 namespace host::ops {
@@ -40,6 +41,7 @@ Result<void> averageVertices(Mesh& mesh, std::span<const VertexId> vertices,
   for (int round = 0; round < options.iterations; ++round) {
     const std::vector<Vec3> before = now;
     for (const VertexId v : moving) {
+      pollCancel(v);
       now[at(v)] = meanAround(mesh, v, [&](VertexId other) { return before[at(other)]; });
       back[at(v)] =
           now[at(v)] - (first[at(v)] * options.alpha + before[at(v)] * (1 - options.alpha));

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/base/cancel_poll.h"
+
 namespace host::ops {
 namespace {
 
@@ -22,14 +24,19 @@ BevelCorners::BevelCorners(const Mesh& mesh, std::span<const EdgeId> edges,
       isBevelled_(flagsOf(edges, mesh.edgeCount())) {
   std::vector<VertexId> ends;
   for (const EdgeId e : edges) {
+    pollCancel(e);
     ends.push_back(mesh_.edge(e).a);
     ends.push_back(mesh_.edge(e).b);
   }
-  for (const VertexId v : sortedIds(ends)) fans_.emplace_back(v, vertexFan(mesh_, v));
+  for (const VertexId v : sortedIds(ends)) {
+    pollCancel(v);
+    fans_.emplace_back(v, vertexFan(mesh_, v));
+  }
   for (const auto& [v, fan] : fans_)
     if (!fan.isManifold)
       for (const EdgeId e : adjacency_.vertexEdges(v)) isBevelled_[at(e)] = 0;
   for (const EdgeId e : edges) {
+    pollCancel(e);
     if (isBevelled(e) && canBevel(e))
       edges_.push_back(e);
     else
@@ -42,7 +49,10 @@ void BevelCorners::place(mesh::MeshRebuilder& rebuilder, const BevelEdgesOptions
   shortest_ = shortestEdge();
   offset_ = offsetOf(trial);
   roundness_ = trial.roundness;
-  for (auto& [v, fan] : fans_) placeVertex(v, fan);
+  for (auto& [v, fan] : fans_) {
+    pollCancel(v);
+    placeVertex(v, fan);
+  }
   replaceEdges();
   rebuilder_ = nullptr;
 }

@@ -2,6 +2,7 @@
 
 #include <numeric>
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/normals.h"
 #include "host/mesh/rebuild.h"
 #include "host/mesh/shells.h"
@@ -93,6 +94,7 @@ class Beveller {
   void buildFaces() {
     FaceId next = 0;
     for (const FaceId f : corners_.touchedFaces()) {
+      pollCancel(f);
       rebuilder_.copyFaces(next, f);
       next = f + 1;
       rebuilder_.beginFace(f);

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "host/base/cancel_poll.h"
 #include "host/base/parallel.h"
 #include "host/math/frame.h"
 #include "host/mesh/normals.h"
@@ -21,6 +22,7 @@ std::size_t at(Index i) {
 double uvScale(const Mesh& mesh, const mesh::UvSet& set) {
   double area = 0, uvArea = 0;
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
+    pollCancel(f);
     const CornerId first = mesh.firstCorner(f), end = mesh.firstCorner(f + 1);
     if (set.cornerIds[at(first)] < 0) continue;
     double twice = 0;
@@ -54,6 +56,7 @@ BevelUvs::BevelUvs(const Mesh& before, BevelledMesh& built, bool projects) {
     const auto& ids = built.mesh.uvSet(s).cornerIds;
     std::vector<std::uint8_t> isKnown(built.mesh.uvSet(s).points.size(), 0);
     for (std::size_t i = 0; i < built.corners.size(); ++i) {
+      pollCancel(i);
       const UvId id = ids[at(built.corners[i].corner)];
       if (id == kNone || isKnown[at(id)] != 0) continue;
       isKnown[at(id)] = 1;
@@ -91,6 +94,7 @@ void BevelUvs::place(const Mesh& before, const BevelledMesh& built, const BevelC
     });
     std::size_t corner = 0;
     for (const FaceId f : made.projected) {
+      pollCancel(f);
       const CornerId first = mesh.firstCorner(f), end = mesh.firstCorner(f + 1);
       double u = 0, v = 0;
       for (CornerId c = first; c < end; ++c, ++corner) {

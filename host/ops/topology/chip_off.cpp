@@ -2,6 +2,7 @@
 
 #include <numeric>
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/rebuild.h"
 #include "host/ops/topology/extrude_region.h"
 
@@ -35,6 +36,7 @@ Result<ChipOffResult> chipOff(Mesh& mesh, std::span<const FaceId> faces,
   FaceId next = 0;
   if (!options.duplicate)
     for (std::size_t i = 0; i < regions.faces().size(); ++i) {
+      pollCancel(i);
       rebuilder.copyFaces(next, regions.faces()[i]);
       result.faces.push_back(addFace(i));
       next = regions.faces()[i] + 1;

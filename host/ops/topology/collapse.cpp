@@ -3,6 +3,7 @@
 #include <numeric>
 #include <unordered_map>
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/adjacency.h"
 #include "host/ops/topology/weld.h"
 
@@ -44,6 +45,7 @@ void collapseUvs(mesh::UvSet& set, const Mesh& mesh, std::span<const EdgeId> edg
   std::vector<UvId> newIds(set.points.size());
   std::size_t kept = 0;
   for (std::size_t id = 0; id < newIds.size(); ++id) {
+    pollCancel(id);
     if (joined.lowest(static_cast<UvId>(id)) != static_cast<UvId>(id)) continue;
     newIds[id] = static_cast<UvId>(kept);
     set.points[kept++] = set.points[id];
@@ -61,6 +63,7 @@ Result<CollapseResult> collapseEdges(Mesh& mesh, std::span<const EdgeId> edges) 
   JoinedSets joined(at(mesh.vertexCount()));
   std::vector<VertexId> touched;
   for (const EdgeId e : ids) {
+    pollCancel(e);
     const auto [a, b] = mesh.edge(e);
     joined.join(a, b);
     touched.push_back(a);
@@ -69,6 +72,7 @@ Result<CollapseResult> collapseEdges(Mesh& mesh, std::span<const EdgeId> edges) 
   touched = sortedIds(touched);
   std::unordered_map<VertexId, std::pair<math::Vec3, int>> sums;
   for (const VertexId v : touched) {
+    pollCancel(v);
     auto& [sum, count] = sums[joined.lowest(v)];
     sum += mesh.point(v);
     ++count;

@@ -1,5 +1,6 @@
 #include "host/ops/topology/delete_edges.h"
 
+#include "host/base/cancel_poll.h"
 #include "host/ops/topology/face_joiner.h"
 
 namespace host::ops {
@@ -17,6 +18,7 @@ Result<DeleteEdgesResult> deleteEdges(Mesh& mesh, std::span<const EdgeId> edges,
   for (bool isProgress = true; isProgress && !open.empty();) {
     std::vector<EdgeId> stayed;
     for (const EdgeId e : open) {
+      pollCancel(e);
       if (!joiner.removeEdge(e)) {
         stayed.push_back(e);
         continue;

@@ -1,5 +1,6 @@
 #include "host/ops/topology/detach_components.h"
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/adjacency.h"
 #include "host/mesh/rebuild.h"
 
@@ -26,6 +27,7 @@ class Detacher {
     DetachResult result;
     for (VertexId v = 0; v < mesh_.vertexCount(); ++v) partVertex(v, rebuilder, result.vertices);
     for (FaceId f = 0; f < mesh_.faceCount(); ++f) {
+      pollCancel(f);
       const CornerId first = mesh_.firstCorner(f), end = mesh_.firstCorner(f + 1);
       rebuilder.beginFace(f);
       for (CornerId c = first; c < end; ++c) rebuilder.addCorner(cornerVertex_[at(c)], c);

@@ -4,6 +4,7 @@
 #include <numeric>
 
 #include "host/base/assert.h"
+#include "host/base/cancel_poll.h"
 
 namespace host::ops {
 std::vector<CutCorner> partOfLoop(const std::vector<CutCorner>& loop, std::size_t from,
@@ -29,6 +30,7 @@ VertexId EdgeCutter::cutEvenly(EdgeId edge, int pieces) {
 VertexId EdgeCutter::cutAt(EdgeId edge, std::span<const double> parameters) {
   HOST_ASSERT(!isCut(edge), "give all cuts of an edge at once");
   if (parameters.empty()) return kNone;
+  pollCancel(edge);
   const mesh::EdgeVertices ends = mesh_.edge(edge);
   const math::Vec3 a = mesh_.point(ends.a), b = mesh_.point(ends.b);
   const std::size_t first = cuts_.size();
@@ -53,6 +55,7 @@ VertexId EdgeCutter::cutVertex(EdgeId edge) const {
 }
 
 std::vector<CutCorner> EdgeCutter::loop(FaceId face) const {
+  pollCancel(face);
   std::vector<CutCorner> corners;
   const CornerId first = mesh_.firstCorner(face), end = mesh_.firstCorner(face + 1);
   for (CornerId c = first; c < end; ++c) {

@@ -2,6 +2,7 @@
 
 #include <map>
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/normals.h"
 #include "host/mesh/rebuild.h"
 #include "host/ops/topology/soft_edges.h"
@@ -35,6 +36,7 @@ class EdgeExtruder {
     mesh = rebuilder_.finish().mesh;
     std::vector<EdgeId> softened;
     for (FaceId f = mesh_.faceCount(); f < mesh.faceCount(); ++f) {
+      pollCancel(f);
       result.faces.push_back(f);
       const auto edges = mesh.faceEdges(f);
       softened.insert(softened.end(), edges.begin(), edges.end());
@@ -107,6 +109,7 @@ class EdgeExtruder {
       }
     };
     for (std::size_t i = 0; i < pieces_.size(); ++i) {
+      pollCancel(i);
       if (isDone[i] != 0) continue;
       take(static_cast<Index>(i));
       walkFrom(mesh_.cornerVertex(pieces_[i].cornerB));
@@ -134,6 +137,7 @@ class EdgeExtruder {
         seen = static_cast<Index>(i);
       }
     for (std::size_t i = 0; i < pieces_.size(); ++i) {
+      pollCancel(i);
       const auto lowest = at(joined.lowest(static_cast<Index>(i)));
       pieces_[i].region =
           lowest == i ? static_cast<Index>(regions_.size()) : pieces_[lowest].region;
@@ -247,6 +251,7 @@ class EdgeExtruder {
     if (mesh.lockedNormals().locked.empty() || faces.empty()) return;
     mesh::LockedNormals& locked = mesh.editLockedNormals();
     for (CornerId c = mesh.firstCorner(faces.front()); c < mesh.cornerCount(); ++c) {
+      pollCancel(c);
       locked.locked[at(c)] = 0;
       locked.normals[at(c)] = {};
     }

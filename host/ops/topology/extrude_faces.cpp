@@ -3,6 +3,7 @@
 #include <numeric>
 #include <utility>
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/rebuild.h"
 #include "host/ops/topology/extrude_region.h"
 #include "host/ops/topology/side_faces.h"
@@ -66,6 +67,7 @@ class FaceExtruder {
   void declareEdges() {
     auto rim = regions_.rim().begin();
     for (std::size_t i = 0; i < regions_.faces().size(); ++i) {
+      pollCancel(i);
       for (; rim != regions_.rim().end() && rim->face == regions_.faces()[i]; ++rim) {
         for (int level = 0; level < divisions_; ++level) {
           for (const Index copy : {rim->a, rim->b})
@@ -87,6 +89,7 @@ class FaceExtruder {
   void buildFaces() {
     FaceId next = 0;
     for (std::size_t i = 0; i < regions_.faces().size(); ++i) {
+      pollCancel(i);
       const FaceId f = regions_.faces()[i];
       rebuilder_.copyFaces(next, f);
       rebuilder_.beginFace(f);

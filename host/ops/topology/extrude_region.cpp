@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "host/base/cancel_poll.h"
+
 namespace host::ops {
 namespace {
 
@@ -20,6 +22,7 @@ ExtrudeRegions::ExtrudeRegions(const Mesh& mesh, std::vector<FaceId> faces, bool
   std::vector<Vec3> normals;
   normals.reserve(faces_.size());
   for (std::size_t i = 0; i < faces_.size(); ++i) {
+    pollCancel(i);
     const auto loop = copiesOfFace(i);
     const Vec3 origin = copies_[at(loop[0])].point;
     Vec3 area;
@@ -51,6 +54,7 @@ void ExtrudeRegions::findWholePieces(const Mesh& mesh) {
     }
   const std::vector<std::uint8_t> isListed = flagsOf(faces_, mesh.faceCount());
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
+    pollCancel(f);
     if (isListed[at(f)] != 0) continue;
     for (const EdgeId e : mesh.faceEdges(f))
       if (const Index region = regionAtEdge[at(e)]; region >= 0) isWhole[at(region)] = 0;
@@ -80,6 +84,7 @@ void ExtrudeRegions::findOutwards(std::span<const Vec3> normals) {
       ++s.count;
     }
   for (std::size_t i = 0; i < copies_.size(); ++i) {
+    pollCancel(i);
     Vec3& outwards = copies_[i].outwards;
     const Sums& s = sums[i];
     const Vec3 mean = math::normalized(outwards);
@@ -115,6 +120,7 @@ void ExtrudeRegions::joinFaces(const Mesh& mesh, bool keepFacesTogether) {
   }
   regionOf_.resize(faces_.size());
   for (std::size_t i = 0; i < faces_.size(); ++i) {
+    pollCancel(i);
     const auto lowest = at(joined.lowest(static_cast<Index>(i)));
     if (lowest == i) {
       regionOf_[i] = static_cast<Index>(regions_.size());
@@ -130,6 +136,7 @@ void ExtrudeRegions::collectCopies(const Mesh& mesh, const math::Matrix4& space)
   std::vector<Index> newest(at(mesh.vertexCount()), kNone), older;
   firstCorner_.push_back(0);
   for (std::size_t i = 0; i < faces_.size(); ++i) {
+    pollCancel(i);
     Region& region = regions_[at(regionOf_[i])];
     for (const VertexId v : mesh.faceVertices(faces_[i])) {
       Index copy = newest[at(v)];
@@ -162,6 +169,7 @@ void ExtrudeRegions::collectRim(const Mesh& mesh, bool keepFacesTogether,
     for (const FaceId f : faces_) count(f);
   std::vector<Index> rimEdges(copies_.size(), 0);
   for (std::size_t i = 0; i < faces_.size(); ++i) {
+    pollCancel(i);
     const FaceId f = faces_[i];
     if (!keepFacesTogether) count(f);
     const auto loop = copiesOfFace(i);
@@ -183,6 +191,7 @@ void ExtrudeRegions::collectRim(const Mesh& mesh, bool keepFacesTogether,
       for (const EdgeId e : edges) uses[at(e)] = 0;
   }
   for (std::size_t i = 0; i < copies_.size(); ++i) {
+    pollCancel(i);
     Copy& copy = copies_[i];
     copy.isOnRim = rimEdges[i] > 0;
     const double squared = math::lengthSquared(copy.inset);

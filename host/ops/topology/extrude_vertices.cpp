@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/adjacency.h"
 #include "host/mesh/normals.h"
 #include "host/ops/topology/edge_cutter.h"
@@ -28,6 +29,7 @@ class CornerCutter {
   CornerCutter(const Mesh& mesh, std::vector<EndCuts> cuts)
       : mesh_(mesh), cuts_(std::move(cuts)), cutter_(mesh) {
     for (EdgeId e = 0; e < mesh.edgeCount(); ++e) {
+      pollCancel(e);
       std::vector<double> parameters;
       if (cuts_[at(e)].nearA > 0) parameters.push_back(cuts_[at(e)].nearA);
       if (cuts_[at(e)].nearB > 0) parameters.push_back(1 - cuts_[at(e)].nearB);
@@ -55,6 +57,7 @@ void divideRows(Mesh& mesh, std::vector<FaceId>& faces, const std::vector<std::u
   std::vector<std::uint8_t> isSpike(at(before.faceCount()), 0);
   for (const FaceId f : faces) isSpike[at(f)] = 1;
   for (EdgeId e = 0; e < before.edgeCount(); ++e) {
+    pollCancel(e);
     const mesh::EdgeVertices ends = before.edge(e);
     const bool isSpoke = (at(ends.a) < isTip.size() && isTip[at(ends.a)] != 0) ||
                          (at(ends.b) < isTip.size() && isTip[at(ends.b)] != 0);
@@ -115,6 +118,7 @@ Result<ExtrudeVerticesResult> extrudeVertices(Mesh& mesh, std::span<const Vertex
   constexpr double kLeast = 1e-5;
   std::vector<EndCuts> cuts(at(before.edgeCount()));
   for (EdgeId e = 0; e < before.edgeCount(); ++e) {
+    pollCancel(e);
     const mesh::EdgeVertices ends = before.edge(e);
     const bool fromA = isTip[at(ends.a)] != 0, fromB = isTip[at(ends.b)] != 0;
     const double length = math::length(placeOf(ends.b) - placeOf(ends.a));
@@ -147,6 +151,7 @@ Result<ExtrudeVerticesResult> extrudeVertices(Mesh& mesh, std::span<const Vertex
   Mesh made = std::move(outcome.mesh);
   const auto points = made.editPoints();
   for (const VertexId v : result.tips) {
+    pollCancel(v);
     Vec3 normal;
     for (const FaceId f : before.adjacency().vertexFaces(v))
       normal += math::normalized(math::transformNormal(mesh::faceNormal(before, f), options.space));

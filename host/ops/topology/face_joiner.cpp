@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/adjacency.h"
 #include "host/mesh/rebuild.h"
 
@@ -193,6 +194,7 @@ EditMaps FaceJoiner::finish(Mesh& mesh) {
   };
   std::vector<LoopCorner> loop;
   for (const FaceId f : opened_) {
+    pollCancel(f);
     copyUpTo(f);
     ++next;
     const auto first = start.find(f);

@@ -5,6 +5,7 @@
 #include <numeric>
 #include <unordered_map>
 
+#include "host/base/cancel_poll.h"
 #include "host/ops/topology/weld.h"
 
 namespace host::ops {
@@ -86,6 +87,7 @@ std::vector<VertexId> findTargets(const Mesh& mesh, std::span<const VertexId> id
   }
   PointGrid grid(options.distance);
   for (const VertexId v : ids) {
+    pollCancel(v);
     const math::Vec3 p = math::transformPoint(mesh.point(v), options.space);
     const VertexId found = grid.nearest(p);
     if (found != kNone)

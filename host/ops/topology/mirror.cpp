@@ -3,6 +3,7 @@
 #include <cmath>
 #include <numeric>
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/rebuild.h"
 #include "host/ops/topology/delete_faces.h"
 #include "host/ops/topology/plane_cut.h"
@@ -60,6 +61,7 @@ class Mirrorer {
       return takesAll || std::abs(plane_.signedDistance(pointOf(v))) <= options_.distance;
     };
     for (FaceId f = 0; f < mesh_.faceCount(); ++f) {
+      pollCancel(f);
       const CornerId first = mesh_.firstCorner(f), end = mesh_.firstCorner(f + 1);
       for (CornerId c = first; c < end; ++c) {
         if (uses[at(mesh_.cornerEdge(c))] != 1) continue;
@@ -78,6 +80,7 @@ class Mirrorer {
     rebuilder_.keepAllVertices();
     copyOf_.resize(at(mesh_.vertexCount()));
     for (VertexId v = 0; v < mesh_.vertexCount(); ++v) {
+      pollCancel(v);
       const Vec3 p = pointOf(v);
       if (isOnPlane_[at(v)] != 0) {
         rebuilder_.setPoint(v, math::transformPoint(plane_.project(p), inverse_).toFloat());
@@ -133,6 +136,7 @@ class Mirrorer {
       mesh::UvSet& set = mesh.editUvSet(s);
       std::vector<UvId> copies(set.points.size(), kNone);
       for (CornerId c = first; c < mesh.cornerCount(); ++c) {
+        pollCancel(c);
         UvId& id = set.cornerIds[at(c)];
         const bool isShared = !isCopy(mesh.cornerVertex(c)) && (!flips || c >= firstBridge);
         if (id < 0 || isShared) continue;
@@ -206,6 +210,7 @@ bool cutAway(Mesh& mesh, const MirrorOptions& options, EditMaps& maps) {
       &cutMaps);
   std::vector<FaceId> away;
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
+    pollCancel(f);
     double farthest = 0;
     for (const VertexId v : mesh.faceVertices(f))
       if (const double d = distanceOf(mesh, v); std::abs(d) > std::abs(farthest)) farthest = d;

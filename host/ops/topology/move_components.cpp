@@ -1,5 +1,6 @@
 #include "host/ops/topology/move_components.h"
 
+#include "host/base/cancel_poll.h"
 #include "host/ops/topology/extrude_region.h"
 
 namespace host::ops {
@@ -59,6 +60,7 @@ class VertexRegions {
     if (what == MovedComponents::Edges) {
       ends.clear();
       for (const EdgeId e : ids) {
+        pollCancel(e);
         const auto [a, b] = mesh_.edge(e);
         joined.join(a, b);
         ends.insert(ends.end(), {a, b});
@@ -66,6 +68,7 @@ class VertexRegions {
     }
     vertices_ = sortedIds(ends);
     for (const VertexId v : vertices_) {
+      pollCancel(v);
       const VertexId lowest = joined.lowest(v);
       if (lowest == v) {
         regionOf_[at(v)] = static_cast<Index>(regions_.size());
@@ -79,6 +82,7 @@ class VertexRegions {
   void findFrames() {
     normals_.resize(at(mesh_.vertexCount()));
     for (FaceId f = 0; f < mesh_.faceCount(); ++f) {
+      pollCancel(f);
       const auto loop = mesh_.faceVertices(f);
       if (std::none_of(loop.begin(), loop.end(),
                        [&](VertexId v) { return regionOf_[at(v)] != kNone; }))
@@ -95,6 +99,7 @@ class VertexRegions {
         }
     }
     for (const VertexId v : vertices_) {
+      pollCancel(v);
       Region& region = regions_[at(regionOf_[at(v)])];
       region.centre += pointOf(v);
       ++region.vertices;
@@ -140,6 +145,7 @@ Result<void> moveComponents(Mesh& mesh, MovedComponents what, std::span<const In
   std::vector<math::Vec3f> points(mesh.points().begin(), mesh.points().end());
   const bool isPlain = math::isIdentity(placement.space);
   for (std::size_t v = 0; v < points.size(); ++v) {
+    pollCancel(v);
     if (places.counts[v] == 0) continue;
     const Vec3 p = places.sums[v] / places.counts[v];
     points[v] = (isPlain ? p : math::transformPoint(p, *inverse)).toFloat();

@@ -1,5 +1,6 @@
 #include "host/ops/topology/normals.h"
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/shells.h"
 #include "host/ops/topology/chip_off.h"
 #include "host/ops/topology/reverse_faces.h"
@@ -11,6 +12,7 @@ void unlockNormals(Mesh& mesh, std::span<const FaceId> faces, NormalsResult& res
   if (mesh.lockedNormals().locked.empty()) return;
   mesh::LockedNormals normals = mesh.lockedNormals();
   for (const FaceId f : faces) {
+    pollCancel(f);
     bool wasLocked = false;
     for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c) {
       wasLocked |= mesh.isNormalLocked(c);

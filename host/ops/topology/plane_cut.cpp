@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "host/base/cancel_poll.h"
 #include "host/math/plane.h"
 #include "host/mesh/adjacency.h"
 #include "host/ops/topology/edge_cutter.h"
@@ -18,6 +19,7 @@ class ZeroCutter {
       : mesh_(mesh), cutter_(mesh), only_(only) {
     values_.reserve(at(mesh.vertexCount()));
     for (VertexId v = 0; v < mesh.vertexCount(); ++v) {
+      pollCancel(v);
       const double value = valueAt(v);
       values_.push_back(std::abs(value) <= tolerance ? 0 : value);
     }
@@ -25,6 +27,7 @@ class ZeroCutter {
 
   EdgeCutter::Outcome run(std::vector<EdgeId>& newEdges) {
     for (EdgeId e = 0; e < mesh_.edgeCount(); ++e) {
+      pollCancel(e);
       const double a = values_[at(mesh_.edge(e).a)], b = values_[at(mesh_.edge(e).b)];
       if (!(a < 0 && b > 0) && !(a > 0 && b < 0)) continue;
       if (!isWanted(mesh_.adjacency().edgeFaces(e))) continue;

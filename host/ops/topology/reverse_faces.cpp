@@ -1,5 +1,6 @@
 #include "host/ops/topology/reverse_faces.h"
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/adjacency.h"
 #include "host/mesh/rebuild.h"
 
@@ -53,6 +54,7 @@ Result<void> reverseFaces(Mesh& mesh, std::span<const FaceId> faces) {
   mesh::MeshRebuilder rebuilder(mesh);
   rebuilder.keepAllVertices();
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
+    pollCancel(f);
     if (isListed[at(f)] == 0) {
       rebuilder.copyFace(f);
       continue;

@@ -1,5 +1,6 @@
 #include "host/ops/topology/separate.h"
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/provenance.h"
 #include "host/mesh/shells.h"
 
@@ -45,6 +46,7 @@ class Separator {
 
   Mesh piece(const std::vector<FaceId>& faces) {
     for (const FaceId f : faces) {
+      pollCancel(f);
       for (const VertexId v : mesh_.faceVertices(f)) vertices_.use(v);
       for (const EdgeId e : mesh_.faceEdges(f)) edges_.use(e);
     }
@@ -92,6 +94,7 @@ class Separator {
     for (const EdgeId e : edges_.used())
       topology.edges.push_back({vertices_(mesh_.edge(e).a), vertices_(mesh_.edge(e).b)});
     for (const FaceId f : faces) {
+      pollCancel(f);
       for (const VertexId v : mesh_.faceVertices(f))
         topology.cornerVertices.push_back(vertices_(v));
       for (const EdgeId e : mesh_.faceEdges(f)) topology.cornerEdges.push_back(edges_(e));
@@ -134,6 +137,7 @@ class Separator {
     mesh::LockedNormals normals;
     std::vector<FaceId> hidden;
     for (std::size_t i = 0; i < faces.size(); ++i) {
+      pollCancel(i);
       if (isHidden_[at(faces[i])] != 0) hidden.push_back(static_cast<FaceId>(i));
       if (locked.locked.empty()) continue;
       const auto first = mesh_.firstCorner(faces[i]), end = mesh_.firstCorner(faces[i] + 1);

@@ -1,11 +1,14 @@
 #include "host/ops/topology/side_faces.h"
 
+#include "host/base/cancel_poll.h"
+
 namespace host::ops {
 std::vector<EdgeSides> detachSideFaces(Mesh& mesh, std::span<const FaceId> sides) {
   for (int s = 0; s < mesh.uvSetCount(); ++s) {
     if (mesh.uvSet(s).cornerIds.empty()) continue;
     mesh::UvSet& set = mesh.editUvSet(s);
     for (const FaceId f : sides) {
+      pollCancel(f);
       for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f) + 2; ++c) {
         UvId& id = set.cornerIds[at(c)];
         if (id < 0) continue;

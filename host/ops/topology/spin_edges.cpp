@@ -5,6 +5,7 @@
 #include <set>
 #include <utility>
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/adjacency.h"
 #include "host/mesh/rebuild.h"
 
@@ -82,6 +83,7 @@ class Spinner {
       loops.emplace(pair.right, std::move(right));
     }
     for (FaceId f = 0; f < mesh_.faceCount(); ++f) {
+      pollCancel(f);
       const auto own = loops.find(f);
       if (own == loops.end()) {
         rebuilder.copyFace(f);

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <map>
 
+#include "host/base/cancel_poll.h"
 #include "host/math/ray.h"
 #include "host/mesh/adjacency.h"
 #include "host/mesh/rebuild.h"
@@ -46,6 +47,7 @@ class PathSplitter {
     std::vector<Loop> extra;
     std::vector<FaceId> extraSources;
     for (FaceId f = 0; f < mesh_.faceCount(); ++f) {
+      pollCancel(f);
       const auto chords = chords_.find(f);
       if (chords == chords_.end() && !hasCut(f)) {
         rebuilder_.copyFace(f);
@@ -56,6 +58,7 @@ class PathSplitter {
         for (const Chord& chord : chords->second) HOST_TRY(cut(f, chord, pieces));
       addFace(f, pieces.front());
       for (std::size_t i = 1; i < pieces.size(); ++i) {
+        pollCancel(i);
         extra.push_back(std::move(pieces[i]));
         extraSources.push_back(f);
       }
@@ -123,6 +126,7 @@ class PathSplitter {
   Result<void> assignChords() {
     std::size_t from = 0;
     for (std::size_t to = 1; to < path_.size(); ++to) {
+      pollCancel(to);
       if (isInside(to)) continue;
       const Chord chord{from, to};
       from = to;
@@ -131,6 +135,7 @@ class PathSplitter {
       FaceId found = kNone;
       double nearest = 0;
       for (const FaceId f : first) {
+        pollCancel(f);
         if (std::find(second.begin(), second.end(), f) == second.end()) continue;
         if (isAlongEdge && areNeighbours(f, chord)) continue;  // nothing to cut on the edge itself
         const double distance = isAlongEdge ? 0 : distanceTo(f, Vec3(path_[chord.from + 1].point));
@@ -223,6 +228,7 @@ class PathSplitter {
 
   Result<void> cut(FaceId f, const Chord& chord, std::vector<Loop>& pieces) {
     for (std::size_t p = 0; p < pieces.size(); ++p) {
+      pollCancel(p);
       const std::size_t n = pieces[p].size();
       const std::size_t a = placeOf(pieces[p], vertices_[chord.from]),
                         b = placeOf(pieces[p], vertices_[chord.to]);

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "host/base/cancel_poll.h"
 #include "host/ops/topology/edge_cutter.h"
 #include "host/ops/topology/soft_edges.h"
 
@@ -49,6 +50,7 @@ class RingSplitter {
   void findFaces() {
     facesOf_.resize(edges_.size());
     for (FaceId f = 0; f < mesh_.faceCount(); ++f) {
+      pollCancel(f);
       const auto edges = mesh_.faceEdges(f);
       Crossing crossing{f, {}};
       for (std::size_t k = 0; k < edges.size(); ++k)

@@ -1,5 +1,6 @@
 #include "host/ops/topology/subdivide_edges.h"
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/adjacency.h"
 #include "host/ops/topology/edge_cutter.h"
 
@@ -19,6 +20,7 @@ Result<SubdivideEdgesResult> subdivideEdges(Mesh& mesh, std::span<const EdgeId> 
   EdgeCutter cutter(mesh);
   SubdivideEdgesResult result;
   for (const EdgeId e : ids) {
+    pollCancel(e);
     const VertexId first = cutter.cutEvenly(e, divisions + 1);
     for (int i = 0; i < divisions; ++i) result.vertices.push_back(first + i);
   }
@@ -26,6 +28,7 @@ Result<SubdivideEdgesResult> subdivideEdges(Mesh& mesh, std::span<const EdgeId> 
                     [&](FaceId f) { cutter.keepFace(f); });
   EdgeCutter::Outcome outcome = cutter.finish();
   for (EdgeId e = 0; e < outcome.mesh.edgeCount(); ++e) {
+    pollCancel(e);
     const mesh::EdgeVertices ends = outcome.mesh.edge(e);
     if (std::max(ends.a, ends.b) >= mesh.vertexCount()) result.edges.push_back(e);
   }

@@ -1,5 +1,6 @@
 #include "host/ops/topology/triangulate_faces.h"
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/normals.h"
 #include "host/mesh/rebuild.h"
 #include "host/mesh/triangulate.h"
@@ -38,6 +39,7 @@ Result<TriangulateResult> triangulateFaces(Mesh& mesh, std::span<const FaceId> f
   rebuilder.keepAllVertices();
   FaceId next = 0;
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
+    pollCancel(f);
     result.newFaces.push_back(next);
     if (isListed[static_cast<std::size_t>(f)] == 0) {
       rebuilder.copyFace(f);

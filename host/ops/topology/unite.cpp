@@ -3,6 +3,7 @@
 #include <limits>
 #include <numeric>
 
+#include "host/base/cancel_poll.h"
 #include "host/ops/topology/reverse_faces.h"
 
 namespace host::ops {
@@ -44,6 +45,7 @@ class Uniter {
     for (std::size_t f = 1; f < from.faceOffsets.size(); ++f)
       topology_.faceOffsets.push_back(from.faceOffsets[f] + corners);
     for (EdgeId e = 0; e < mesh.edgeCount(); ++e) {
+      pollCancel(e);
       smooth_.push_back(mesh.isEdgeSmooth(e) ? 1 : 0);
       hasHard_ |= !mesh.isEdgeSmooth(e);
       creases_.edges.push_back(mesh.edgeCrease(e));
@@ -78,6 +80,7 @@ class Uniter {
     const std::size_t corners = topology_.cornerVertices.size();
     Mesh mesh;
     for (std::size_t s = 0; s < uvSets_.size(); ++s) {
+      pollCancel(s);
       if (!uvSets_[s].cornerIds.empty()) uvSets_[s].cornerIds.resize(corners, kNone);
       if (s == 0)
         mesh.setUvSet(0, std::move(uvSets_[s]));

@@ -1,5 +1,6 @@
 #include "host/ops/topology/weld.h"
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/rebuild.h"
 
 namespace host::ops {
@@ -57,6 +58,7 @@ WeldMaps weldVertices(Mesh& mesh, std::span<const VertexId> targets) {
     for (; next < f; ++next) maps.faces[at(next)] = made++;
   };
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
+    pollCancel(f);
     const auto vertices = mesh.faceVertices(f);
     if (std::none_of(vertices.begin(), vertices.end(),
                      [&](VertexId v) { return isTouched[at(v)] != 0; }))

@@ -4,15 +4,19 @@
 #include <cmath>
 #include <numbers>
 #include <numeric>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
+#include "host/base/cancel_poll.h"
 #include "host/base/parallel.h"
 #include "host/math/frame.h"
 #include "host/mesh/adjacency.h"
 #include "host/mesh/components.h"
+#include "host/mesh/triangulate.h"
 #include "host/ops/uv/box_packing.h"
 #include "host/ops/uv/cut_uvs.h"
+#include "host/ops/uv/layout_pack.h"
 #include "host/ops/uv/piece_split.h"
 #include "host/ops/uv/uv_ids.h"
 
@@ -116,6 +120,7 @@ class Projection {
     const Index count = findIslands();
     std::vector<FlatPiece> whole(at(count));
     for (std::size_t i = 0; i < faces_.size(); ++i) {
+      pollCancel(i);
       FlatPiece& piece = whole[at(island_[at(faces_[i])])];
       piece.faces.push_back(faces_[i]);
       const View& view = views_[at(viewOf_[at(faces_[i])] / 2)];
@@ -152,6 +157,7 @@ class Projection {
     Index best = kFlat;
     double most = 0;
     for (std::size_t i = 0; i < views_.size(); ++i) {
+      pollCancel(i);
       const double facing = math::dot(normal, views_[i].facing);
       const bool isAway = facing < 0 && options_.projectsBothWays;
       const double seen = isAway ? -facing : facing;
@@ -197,6 +203,7 @@ class Projection {
     Index count = 0;
     std::vector<FaceId> queue;
     for (const FaceId seed : faces_) {
+      pollCancel(seed);
       if (island_[at(seed)] != kNone) continue;
       queue.assign(1, seed);
       island_[at(seed)] = count;
@@ -226,12 +233,14 @@ class Projection {
     std::vector<Island> islands(at(count));
     double total = 0;
     for (std::size_t i = 0; i < faces_.size(); ++i) {
+      pollCancel(i);
       const double area = math::length(normals_[i]);
       islands[at(island_[at(faces_[i])])].area += area;
       total += area;
     }
     const double small = total / 100;
     for (std::size_t i = 0; i < faces_.size(); ++i) {
+      pollCancel(i);
       const FaceId f = faces_[i];
       Island& island = islands[at(island_[at(f)])];
       if (island.area > small) continue;
@@ -287,6 +296,51 @@ struct Arrangement {
   std::vector<FlatPiece::Place> corners;  ///< of the pieces' own boxes
   double scaleU = 1, scaleV = 1;
 };
+
+/// The pieces packed by their outlines, upright as the planes see them. Where no piece has an area
+/// there is nothing to pack.
+Result<std::optional<Arrangement>> packOutlines(const Mesh& mesh,
+                                                const std::vector<FlatPiece>& pieces,
+                                                const AutoProjectUvsOptions& options) {
+  std::vector<flat::PackShape> shapes(pieces.size());
+  double area = 0;
+  for (std::size_t i = 0; i < pieces.size(); ++i) {
+    std::size_t first = 0;
+    for (const FaceId f : pieces[i].faces) {
+      const auto place = [&](Index k) {
+        const FlatPiece::Place& p = pieces[i].places[first + at(k)];
+        return flat::Point{p.x, p.y};
+      };
+      for (const mesh::LoopTriangle& t : mesh::triangulateFace(mesh, f)) {
+        shapes[i].triangles.push_back({place(t[0]), place(t[1]), place(t[2])});
+        area += std::abs(flat::doubleArea(place(t[0]), place(t[1]), place(t[2])));
+      }
+      first += at(mesh.faceSize(f));
+    }
+  }
+  if (!(area > 0)) return std::nullopt;
+  flat::PackOptions how;
+  how.turns = flat::PackOptions::Turns::None;
+  how.gutter = std::min(options.spacing, 0.05);
+  const auto packed = flat::packShapes(shapes, how);
+  if (!packed) return failWith(packed.error());
+  Arrangement result;
+  const double size = packed->scale;
+  flat::Point far{0, 0};
+  for (std::size_t i = 0; i < pieces.size(); ++i) {
+    const flat::Point offset = packed->places[i].offset;
+    result.boxes.push_back({0, 0, offset.x / size, offset.y / size});
+    result.corners.push_back({0, 0});
+    for (const FlatPiece::Place& p : pieces[i].places)
+      far = {std::max(far.x, size * p.x + offset.x), std::max(far.y, size * p.y + offset.y)};
+  }
+  if (options.scale == Scale::Uniform) result.scaleU = result.scaleV = size;
+  if (options.scale == Scale::Stretch) {
+    result.scaleU = size * (1 - how.gutter) / std::max(far.x, 1e-12);
+    result.scaleV = size * (1 - how.gutter) / std::max(far.y, 1e-12);
+  }
+  return result;
+}
 
 Arrangement arrange(const std::vector<FlatPiece>& pieces, const AutoProjectUvsOptions& options) {
   Arrangement result;
@@ -356,6 +410,7 @@ void write(Mesh& mesh, int uvSet, std::span<const FaceId> faces,
   std::vector<UvId> uvOf(at(mesh.vertexCount()), kNone);
   std::vector<Index> pieceOf(at(mesh.vertexCount()), kNone);
   for (std::size_t i = 0; i < pieces.size(); ++i) {
+    pollCancel(i);
     const PackedBox& box = arrangement.boxes[i];
     const FlatPiece::Place& corner = arrangement.corners[i];
     std::size_t place = 0;
@@ -387,6 +442,14 @@ Result<void> autoProjectUvs(Mesh& mesh, int uvSet, std::span<const FaceId> faces
   HOST_TRY(projection.placePoints());
   projection.assignViews();
   const std::vector<FlatPiece> pieces = projection.pieces();
+  if (options.packsShapes && options.layout == Layout::Square) {
+    const auto packed = packOutlines(mesh, pieces, options);
+    if (!packed) return failWith(packed.error());
+    if (*packed) {
+      write(mesh, uvSet, faces, pieces, **packed);
+      return {};
+    }
+  }
   write(mesh, uvSet, faces, pieces, arrange(pieces, options));
   return {};
 }

@@ -18,7 +18,8 @@ struct AutoProjectUvsOptions {
   /// How the pieces are arranged.
   enum class Layout { None, AlongU, Square } layout = Layout::Square;
   enum class Scale { None, Uniform, Stretch } scale = Scale::Uniform;
-  double spacing = 0;  ///< between pieces, fraction of the square's side
+  bool packsShapes = false;  ///< into the square by outlines instead of boxes
+  double spacing = 0;        ///< between pieces, fraction of the square's side
 };
 
 /// Projects each face along the direction, of some spread around evenly, that sees it best, and

@@ -5,6 +5,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/adjacency.h"
 #include "host/mesh/components.h"
 #include "host/mesh/shells.h"
@@ -88,6 +89,7 @@ void openGap(const Mesh& mesh, mesh::UvSet& set, const std::vector<CornerId>& co
   std::ranges::stable_sort(toward, {}, &Middle::uv);
   std::vector<std::pair<UvId, mesh::Vec2f>> moved;
   for (std::size_t i = 0; i < toward.size();) {
+    pollCancel(i);
     std::size_t end = i;
     double u = 0, v = 0;
     for (; end < toward.size() && toward[end].uv == toward[i].uv; ++end) {
@@ -116,6 +118,7 @@ void regroup(Mesh& mesh, int uvSet, std::span<const VertexId> vertices, const Is
   std::vector<UvId> keptFew;  // the UVs that a group of the vertex keeps
   std::vector<UvId> given;
   for (const VertexId v : vertices) {
+    pollCancel(v);
     const auto& group = groups.group(v, isCut);
     const auto corners = groups.corners();
     keptFew.clear();
@@ -161,6 +164,7 @@ CutUvsResult cutUvs(Mesh& mesh, int uvSet, std::span<const EdgeId> edges,
   std::vector<VertexId> vertices;
   std::unordered_set<EdgeId> cut;
   for (const EdgeId e : edges) {
+    pollCancel(e);
     if (adjacency.edgeCorners(e).size() < 2) continue;
     cut.insert(e);
     vertices.push_back(mesh.edge(e).a);

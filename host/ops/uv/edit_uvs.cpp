@@ -93,8 +93,8 @@ void transformUvs(UvSet& set, std::span<const UvId> uvs, const UvTransform& tran
     const double u = (place.u - own.pivotU) * own.scaleU, v = (place.v - own.pivotV) * own.scaleV;
     const double c = own.angle == 0 ? 1 : std::cos(own.angle);
     const double s = own.angle == 0 ? 0 : std::sin(own.angle);
-    place = {static_cast<float>(c * u - s * v + own.pivotU + own.shiftU),
-             static_cast<float>(s * u + c * v + own.pivotV + own.shiftV)};
+    place = {static_cast<float>(c * u - s * v / own.ratio + own.pivotU + own.shiftU),
+             static_cast<float>(s * u * own.ratio + c * v + own.pivotV + own.shiftV)};
   }
 }
 

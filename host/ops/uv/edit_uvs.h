@@ -13,6 +13,7 @@ struct UvTransform {
   double pivotU = 0, pivotV = 0;
   double scaleU = 1, scaleV = 1;
   double angle = 0;  ///< radians
+  double ratio = 1;  ///< of the width of the picture to its height: turning keeps shapes on it
   double shiftU = 0, shiftV = 0;
   double random = 0;      ///< how much each UV's share of all that differs: 0 not at all, 1 by half
                           ///< more or less

@@ -89,13 +89,28 @@ class Layout {
         const mesh::Vec3 q = mesh.point(mesh.cornerVertex(first + k));
         return inWorld ? math::transformPoint(q, part.world) : q;
       };
-      for (Index k = 1; k + 1 < mesh.faceSize(f); ++k) {
-        group.triangles.push_back({uv(0), uv(k), uv(k + 1)});
-        group.area += 0.5 * flat::doubleArea(uv(0), uv(k), uv(k + 1));
+      const auto add = [&](Index a, Index b, Index c) {
+        group.triangles.push_back({uv(a), uv(b), uv(c)});
+        group.area += 0.5 * flat::doubleArea(uv(a), uv(b), uv(c));
         if (options_.prescale != LayoutOptions::Prescale::None)
           group.surface +=
-              0.5 * math::length(math::cross(place(k) - place(0), place(k + 1) - place(0)));
+              0.5 * math::length(math::cross(place(b) - place(a), place(c) - place(a)));
+      };
+      // Chords halve a long loop again and again: its triangles are compact then, where those of a
+      // fan would all be long.
+      const auto split = [&](auto&& self, Index from, Index to) -> void {
+        if (to - from < 2) return;
+        const Index middle = from + (to - from) / 2;
+        add(from, middle, to);
+        self(self, from, middle);
+        self(self, middle, to);
+      };
+      constexpr Index kLongLoop = 16;
+      if (mesh.faceSize(f) > kLongLoop) {
+        split(split, 0, mesh.faceSize(f) - 1);
+        continue;
       }
+      for (Index k = 1; k + 1 < mesh.faceSize(f); ++k) add(0, k, k + 1);
     }
     measure(group);
     return group;

@@ -40,10 +40,14 @@ std::vector<Point> hullOf(const PackShape& shape) {
 
 /// The turn that gives the smallest bounding box; one side of it lies on an edge of the hull.
 Point tightTurn(const PackShape& shape) {
+  // A hull of very many edges is round: some of them stand for all.
+  constexpr std::size_t kMostEdges = 512;
   const std::vector<Point> hull = hullOf(shape);
+  const std::size_t tried = std::min(hull.size(), kMostEdges);
   Point best{1, 0};
   double least = 1e300;
-  for (std::size_t i = 0; i < hull.size(); ++i) {
+  for (std::size_t k = 0; k < tried; ++k) {
+    const std::size_t i = k * hull.size() / tried;
     const Point edge = hull[(i + 1) % hull.size()] - hull[i];
     const double size = length(edge);
     if (!(size > 0)) continue;

@@ -8,6 +8,7 @@
 #include <tuple>
 #include <vector>
 
+#include "host/base/cancel_poll.h"
 #include "host/ops/uv/uv_ids.h"
 
 namespace host::ops {
@@ -147,6 +148,7 @@ Result<void> projectUvs(Mesh& mesh, int uvSet, std::span<const FaceId> faces,
   std::vector<Seen> seen;
   // Once to see which vertices there are, so that their UVs follow their order.
   for (const FaceId f : faces) {
+    pollCancel(f);
     projector.look(mesh, f, seen);
     const auto loop = mesh.faceVertices(f);
     for (std::size_t i = 0; i < loop.size(); ++i) {
@@ -165,9 +167,11 @@ Result<void> projectUvs(Mesh& mesh, int uvSet, std::span<const FaceId> faces,
   std::vector<UvId>& ids = writableCornerIds(set, mesh.cornerCount());
   std::map<std::tuple<VertexId, int, FaceId>, UvId> special;
   for (const FaceId f : faces) {
+    pollCancel(f);
     projector.look(mesh, f, seen);
     const CornerId corner = mesh.firstCorner(f);
     for (std::size_t i = 0; i < seen.size(); ++i) {
+      pollCancel(i);
       const VertexId v = mesh.cornerVertex(corner + static_cast<Index>(i));
       UvId uv = plain[at(v)];
       if (seen[i].turn != 0 || seen[i].isOnAxis) {
@@ -200,6 +204,7 @@ Matrix4 bestPlaneAxes(const Mesh& mesh, std::span<const FaceId> faces) {
   mean *= 1 / count;
   std::array<std::array<double, 3>, 3> spread{};
   for (const FaceId f : faces) {
+    pollCancel(f);
     const auto loop = mesh.faceVertices(f);
     for (std::size_t i = 0; i < loop.size(); ++i) {
       const Vec3 d = mesh.point(loop[i]) - mean;

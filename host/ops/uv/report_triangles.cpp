@@ -1,6 +1,7 @@
 #include "host/ops/uv/report_triangles.h"
 
 #include <algorithm>
+#include <atomic>
 #include <map>
 #include <numeric>
 
@@ -193,87 +194,126 @@ UvTriangles uvTriangles(const mesh::Mesh& mesh, int uvSet) {
 
 namespace {
 
-struct OverlapPair {
-  std::size_t a, b;
-  double area;
-};
-
 /// How many others a triangle looks at: all there are in any sensible map, but where thousands are
 /// stacked the work must not grow with their square.
 std::size_t mostLookedAt(std::size_t triangles) {
-  return std::max<std::size_t>(1000, 100'000'000 / std::max<std::size_t>(1, triangles));
+  return std::max<std::size_t>(100, 20'000'000 / std::max<std::size_t>(1, triangles));
 }
 
-/// The pairs, in an order that no number of threads changes.
-std::vector<OverlapPair> overlapPairs(const mesh::UvSet& set, const UvTriangles& triangles,
-                                      bool& isPartial) {
-  const std::vector<UvTriangle>& all = triangles.all;
-  std::vector<SizeGrids::Box> boxes(all.size());
-  std::vector<std::array<Point, 3>> places(all.size());
-  for (std::size_t i = 0; i < all.size(); ++i) {
-    for (std::size_t k = 0; k < 3; ++k) places[i][k] = uvPoint(set, all[i].corners[k]);
-    if (all[i].signedUv < 0) std::swap(places[i][1], places[i][2]);
-    const auto& [a, b, c] = places[i];
-    boxes[i] = {{std::min({a.x, b.x, c.x}), std::min({a.y, b.y, c.y})},
-                {std::max({a.x, b.x, c.x}), std::max({a.y, b.y, c.y})}};
+constexpr std::size_t kBlock = 1024;  ///< triangles that one thread looks after at a time
+
+/// Finds pairs of triangles that overlap and hands them to `visit(block, a, b, area)`, in parallel,
+/// those of a block in an order that no number of threads changes.
+class OverlapSearch {
+ public:
+  /// @param withinCharts only pairs of one chart count
+  OverlapSearch(const mesh::UvSet& set, const UvTriangles& triangles, bool withinCharts)
+      : all_(triangles.all), boxes_(all_.size()), places_(all_.size()) {
+    for (std::size_t i = 0; i < all_.size(); ++i) {
+      for (std::size_t k = 0; k < 3; ++k) places_[i][k] = uvPoint(set, all_[i].corners[k]);
+      if (all_[i].signedUv < 0) std::swap(places_[i][1], places_[i][2]);
+      const auto& [a, b, c] = places_[i];
+      boxes_[i] = {{std::min({a.x, b.x, c.x}), std::min({a.y, b.y, c.y})},
+                   {std::max({a.x, b.x, c.x}), std::max({a.y, b.y, c.y})}};
+    }
+    if (withinCharts) setChartsApart();
   }
-  const SizeGrids grids(boxes);
-  const std::size_t most = mostLookedAt(all.size());
-  std::vector<std::vector<OverlapPair>> found((all.size() + 1023) / 1024);
-  std::vector<std::uint8_t> isCut(found.size(), 0);
-  parallelFor(found.size(), 4, [&](std::size_t begin, std::size_t end) {
-    for (std::size_t block = begin; block < end; ++block)
-      for (std::size_t i = 1024 * block; i < std::min(all.size(), 1024 * (block + 1)); ++i) {
-        if (all[i].isCollapsed) continue;
-        std::size_t looks = 0, visits = 0;
-        grids.overNear(i, [&](std::size_t k, bool isOwnGrid) {
-          const bool isOthers = k == i || (isOwnGrid && k < i) || all[k].isCollapsed;
-          looks += !isOthers;
-          if (looks > most || ++visits > 8 * most) {
-            isCut[block] = 1;
-            return false;
-          }
-          if (isOthers) return true;
-          if (boxes[i].high.x < boxes[k].low.x || boxes[k].high.x < boxes[i].low.x ||
-              boxes[i].high.y < boxes[k].low.y || boxes[k].high.y < boxes[i].low.y)
-            return true;
-          const auto [first, second] = std::minmax(i, k);
-          const double area = sharedArea(places[first], places[second]);
-          if (area > 0.01 * std::min(std::abs(all[i].signedUv), std::abs(all[k].signedUv)))
-            found[block].push_back({i, k, area});
-          return true;
-        });
-      }
-  });
-  isPartial = std::ranges::find(isCut, 1) != isCut.end();
-  std::vector<OverlapPair> pairs;
-  for (const std::vector<OverlapPair>& block : found)
-    pairs.insert(pairs.end(), block.begin(), block.end());
-  return pairs;
-}
+
+  [[nodiscard]] std::size_t blocks() const { return (all_.size() + kBlock - 1) / kBlock; }
+
+  /// @return whether some triangles lie on so many that not all were looked at
+  template <class Visit>
+  bool run(Visit visit) const {
+    const SizeGrids grids(boxes_);
+    std::vector<std::uint8_t> isCut(blocks(), 0);
+    parallelFor(blocks(), 4, [&](std::size_t begin, std::size_t end) {
+      for (std::size_t block = begin; block < end; ++block)
+        for (std::size_t i = kBlock * block; i < std::min(all_.size(), kBlock * (block + 1)); ++i)
+          if (!all_[i].isCollapsed && !lookAround(grids, i, block, visit)) isCut[block] = 1;
+    });
+    return std::ranges::find(isCut, 1) != isCut.end();
+  }
+
+ private:
+  /// Moves the boxes of each chart to where no other's are.
+  void setChartsApart() {
+    double low = 1e300, high = -1e300;
+    for (const SizeGrids::Box& box : boxes_) {
+      low = std::min(low, box.low.x);
+      high = std::max(high, box.high.x);
+    }
+    for (std::size_t i = 0; i < boxes_.size(); ++i) {
+      const double apart = 3 * (high - low) * all_[i].chart;
+      boxes_[i].low.x += apart;
+      boxes_[i].high.x += apart;
+    }
+  }
+
+  template <class Visit>
+  bool lookAround(const SizeGrids& grids, std::size_t i, std::size_t block, Visit& visit) const {
+    const std::size_t most = mostLookedAt(all_.size());
+    std::size_t looks = 0, visits = 0;
+    bool isWhole = true;
+    grids.overNear(i, [&](std::size_t k, bool isOwnGrid) {
+      const bool isOthers = k == i || (isOwnGrid && k < i) || all_[k].isCollapsed;
+      looks += !isOthers;
+      if (looks > most || ++visits > 8 * most) return isWhole = false;
+      if (isOthers || boxes_[i].high.x < boxes_[k].low.x || boxes_[k].high.x < boxes_[i].low.x ||
+          boxes_[i].high.y < boxes_[k].low.y || boxes_[k].high.y < boxes_[i].low.y)
+        return true;
+      const auto [first, second] = std::minmax(i, k);
+      const double area = sharedArea(places_[first], places_[second]);
+      if (area > 0.01 * std::min(std::abs(all_[i].signedUv), std::abs(all_[k].signedUv)))
+        visit(block, i, k, area);
+      return true;
+    });
+    return isWhole;
+  }
+
+  const std::vector<UvTriangle>& all_;
+  std::vector<SizeGrids::Box> boxes_;
+  std::vector<std::array<Point, 3>> places_;
+};
 
 }  // namespace
 
 UvOverlaps uvOverlaps(const mesh::UvSet& set, const UvTriangles& triangles) {
+  const OverlapSearch search(set, triangles, false);
+  struct Sum {
+    std::size_t pairs = 0;
+    double area = 0;
+  };
+  std::vector<Sum> sums(search.blocks());
+  std::vector<std::uint8_t> isHit(triangles.all.size(), 0);
+  const auto hit = [&](std::size_t i) {
+    std::atomic_ref(isHit[i]).store(1, std::memory_order_relaxed);
+  };
   UvOverlaps overlaps;
-  std::vector<bool> isHit(triangles.all.size(), false);
-  for (const OverlapPair& pair : overlapPairs(set, triangles, overlaps.isPartial)) {
-    isHit[pair.a] = isHit[pair.b] = true;
-    overlaps.area += pair.area;
-    ++overlaps.pairs;
+  overlaps.isPartial =
+      search.run([&](std::size_t block, std::size_t a, std::size_t b, double area) {
+        hit(a);
+        hit(b);
+        sums[block].area += area;
+        ++sums[block].pairs;
+      });
+  for (const Sum& sum : sums) {
+    overlaps.area += sum.area;
+    overlaps.pairs += sum.pairs;
   }
-  overlaps.triangles = static_cast<Index>(std::count(isHit.begin(), isHit.end(), true));
+  overlaps.triangles = static_cast<Index>(std::ranges::count(isHit, 1));
   return overlaps;
 }
 
 std::vector<std::pair<FaceId, FaceId>> overlappingFaces(const mesh::UvSet& set,
                                                         const UvTriangles& triangles) {
+  const OverlapSearch search(set, triangles, true);
+  std::vector<std::vector<std::pair<FaceId, FaceId>>> found(search.blocks());
+  (void)search.run([&](std::size_t block, std::size_t i, std::size_t k, double) {
+    const FaceId a = triangles.all[i].face, b = triangles.all[k].face;
+    if (a != b) found[block].emplace_back(std::min(a, b), std::max(a, b));
+  });
   std::vector<std::pair<FaceId, FaceId>> faces;
-  bool isPartial = false;
-  for (const OverlapPair& pair : overlapPairs(set, triangles, isPartial)) {
-    const FaceId a = triangles.all[pair.a].face, b = triangles.all[pair.b].face;
-    if (a != b) faces.emplace_back(std::min(a, b), std::max(a, b));
-  }
+  for (const auto& block : found) faces.insert(faces.end(), block.begin(), block.end());
   std::sort(faces.begin(), faces.end());
   faces.erase(std::unique(faces.begin(), faces.end()), faces.end());
   return faces;

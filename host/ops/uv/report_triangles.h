@@ -45,7 +45,8 @@ struct UvOverlaps {
 /// coarser ones. Where thousands are stacked, each looks at some of the others only.
 [[nodiscard]] UvOverlaps uvOverlaps(const mesh::UvSet& set, const UvTriangles& triangles);
 
-/// The pairs of different faces of which triangles overlap so, each once, the lower face first.
+/// The pairs of different faces of one chart of which triangles overlap so, each once, the lower
+/// face first.
 [[nodiscard]] std::vector<std::pair<FaceId, FaceId>> overlappingFaces(const mesh::UvSet& set,
                                                                       const UvTriangles& triangles);
 

@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/adjacency.h"
 #include "host/mesh/components.h"
 #include "host/mesh/shells.h"
@@ -127,6 +128,7 @@ class Joining {
     }
     std::unordered_multimap<VertexId, Index> atVertex;
     for (const Index each : between) {
+      pollCancel(each);
       const mesh::EdgeVertices ends = mesh_.edge(plan_.edges[at(each)]);
       atVertex.emplace(ends.a, each);
       atVertex.emplace(ends.b, each);
@@ -134,6 +136,7 @@ class Joining {
     std::vector<Index> chain{slot};
     std::unordered_map<Index, bool> isIn{{slot, true}};
     for (std::size_t i = 0; i < chain.size(); ++i) {
+      pollCancel(i);
       const mesh::EdgeVertices ends = mesh_.edge(plan_.edges[at(chain[i])]);
       for (const VertexId v : {ends.a, ends.b}) {
         const auto [first, last] = atVertex.equal_range(v);
@@ -229,6 +232,7 @@ class Welding {
     });
     std::vector<UvId> gone;
     for (std::size_t i = 0; i < members.size();) {
+      pollCancel(i);
       double u = 0, v = 0;
       Index counted = 0;
       std::size_t end = i;
@@ -297,9 +301,10 @@ SewUvsResult sewUvs(Mesh& mesh, int uvSet, std::span<const EdgeId> edges,
     const auto walks = mesh.adjacency().edgeCorners(e);
     if (!isSewable && walks.size() > 1 && mesh::isUvSeam(mesh, uvSet, e) &&
         std::ranges::none_of(walks, [&](CornerId c) { return mesh.cornerUv(uvSet, c) == kNone; }))
-      ++result.open;
+      ++result.unjoinable;
     return !isSewable || isUvClosed(mesh, uvSet, e);
   });
+  result.open = result.unjoinable;
   if (wanted.empty()) return result;
 
   const Mesh before = mesh;
@@ -320,12 +325,17 @@ SewUvsResult sewUvs(Mesh& mesh, int uvSet, std::span<const EdgeId> edges,
   });
   std::vector<VertexId> ends;
   for (const EdgeId e : plan.edges) {
+    pollCancel(e);
     ends.push_back(mesh.edge(e).a);
     ends.push_back(mesh.edge(e).b);
   }
   mesh::sortUnique(ends);
   partFans(mesh, uvSet, ends);
-  for (const EdgeId e : plan.edges) ++(isUvClosed(mesh, uvSet, e) ? result.sewn : result.open);
+  for (std::size_t slot = 0; slot < plan.edges.size(); ++slot) {
+    const bool isSewn = isUvClosed(mesh, uvSet, plan.edges[slot]);
+    ++(isSewn ? result.sewn : result.open);
+    result.limited += !isSewn && plan.isRefused[slot];
+  }
   return result;
 }
 

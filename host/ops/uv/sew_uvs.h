@@ -13,7 +13,10 @@ struct SewUvsOptions {
 
 struct SewUvsResult {
   Index sewn = 0;  ///< borders of the map that were asked for and are closed now
-  Index open = 0;  ///< those that stay open, lest a shell could not lie flat
+  Index open = 0;  ///< those that stay open: lest a shell could not lie flat, but for the next two
+  Index limited = 0;     ///< of these, between shells of more faces than may move
+  Index unjoinable = 0;  ///< of these, where more than two faces meet or they are wound against
+                         ///< each other
 };
 
 /// Sews a UV set along edges of the mesh: the UVs on both sides become one.

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "host/base/cancel_poll.h"
 #include "host/base/parallel.h"
 #include "host/mesh/adjacency.h"
 #include "host/ops/query/uv_place.h"
@@ -92,6 +93,7 @@ class Sampler {
     std::vector<Index> counts;
     std::vector<VertexId> corners;
     for (FaceId f = 0; f < source_.faceCount(); ++f) {
+      pollCancel(f);
       const CornerId first = source_.firstCorner(f);
       std::vector<VertexId> loop;
       for (CornerId c = first; c < source_.firstCorner(f + 1); ++c)
@@ -249,6 +251,7 @@ class Transfer {
     std::vector<math::Vec3f> points(before_.points().begin(), before_.points().end());
     const mesh::Adjacency& adjacency = before_.adjacency();
     for (VertexId v = 0; v < before_.vertexCount(); ++v) {
+      pollCancel(v);
       Vec3 there;
       if (options_.space == TransferSpace::Component) {
         there = source_.point(v);
@@ -276,6 +279,7 @@ class Transfer {
     mesh::UvSet taken{name, {}, std::vector<UvId>(at(target_.cornerCount()), kNone)};
     std::vector<std::optional<Vec2f>> uvs(places_.size());
     for (FaceId f = 0; f < target_.faceCount(); ++f) {
+      pollCancel(f);
       bool isWhole = true;
       const CornerId first = target_.firstCorner(f), end = target_.firstCorner(f + 1);
       for (CornerId c = first; c < end; ++c) {
@@ -297,6 +301,7 @@ class Transfer {
   void weld(const std::vector<std::optional<Vec2f>>& uvs, mesh::UvSet& set) const {
     const mesh::Adjacency& adjacency = before_.adjacency();
     for (VertexId v = 0; v < before_.vertexCount(); ++v) {
+      pollCancel(v);
       const std::size_t first = set.points.size();
       for (const CornerId c : adjacency.vertexCorners(v)) {
         if (!uvs[at(c)]) continue;
@@ -318,6 +323,7 @@ class Transfer {
     mesh::ColorSet taken{name, source.representation, source.clamped, {}, {}};
     taken.cornerIds.assign(at(target_.cornerCount()), kNone);
     for (std::size_t c = 0; c < places_.size() && !source.cornerIds.empty(); ++c) {
+      pollCancel(c);
       if (!places_[c]) continue;
       double sum[4] = {0, 0, 0, 0}, weight = 0;
       for (std::size_t i = 0; i < 3; ++i) {
@@ -333,10 +339,34 @@ class Transfer {
       const auto part = [&](int k) { return static_cast<float>(sum[k] / weight); };
       taken.colors.push_back({part(0), part(1), part(2), part(3)});
     }
+    if (!options_.keepsColorBorders) blendColors(taken);
     if (to < 0)
       target_.addColorSet(std::move(taken));
     else
       target_.setColorSet(to, std::move(taken));
+  }
+
+  /// Gives all corners at a vertex the mean of their colours.
+  void blendColors(mesh::ColorSet& set) const {
+    const mesh::Adjacency& adjacency = before_.adjacency();
+    std::vector<mesh::Color4f> colors;
+    for (VertexId v = 0; v < before_.vertexCount(); ++v) {
+      double sum[4] = {0, 0, 0, 0};
+      int count = 0;
+      for (const CornerId c : adjacency.vertexCorners(v)) {
+        if (set.cornerIds[at(c)] == kNone) continue;
+        const mesh::Color4f& color = set.colors[at(set.cornerIds[at(c)])];
+        const float parts[4] = {color.r, color.g, color.b, color.a};
+        for (int k = 0; k < 4; ++k) sum[k] += parts[k];
+        ++count;
+      }
+      if (count == 0) continue;
+      const auto part = [&](int k) { return static_cast<float>(sum[k] / count); };
+      for (const CornerId c : adjacency.vertexCorners(v))
+        if (set.cornerIds[at(c)] != kNone) set.cornerIds[at(c)] = static_cast<Index>(colors.size());
+      colors.push_back({part(0), part(1), part(2), part(3)});
+    }
+    set.colors = std::move(colors);
   }
 
   void takeNormals() {
@@ -345,6 +375,7 @@ class Transfer {
     locked.normals.assign(places_.size(), {});
     locked.locked.assign(places_.size(), 0);
     for (std::size_t c = 0; c < places_.size(); ++c) {
+      pollCancel(c);
       if (!places_[c]) continue;
       Vec3 sum;
       for (std::size_t i = 0; i < 3; ++i)

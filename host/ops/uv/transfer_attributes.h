@@ -22,6 +22,7 @@ struct TransferAttributesOptions {
   TransferSets uvs = TransferSets::None, colors = TransferSets::None;
   TransferSpace space = TransferSpace::Surface;
   TransferSearch search = TransferSearch::AlongNormal;
+  bool keepsColorBorders = true;  ///< corners keep the colour of their side; else vertices get one
   math::Matrix4 toSource, fromSource;  ///< between the target's and the source's object space
   std::string sourceUvSet, targetUvSet, sourceColorSet, targetColorSet;  ///< empty: the current one
   std::string sourceUvSpace, targetUvSpace;  ///< the sets that TransferSpace::Uv compares

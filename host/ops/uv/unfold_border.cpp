@@ -33,6 +33,46 @@ BorderGuard::BorderGuard(const Border& border, std::span<const Point> x) : borde
   entered_.resize(x.size(), {0, 0, -1, -1});
   for (std::size_t v = 0; v < x.size(); ++v)
     if (border.next[v] != kNone) enter(static_cast<Index>(v));
+  findRings();
+}
+
+void BorderGuard::findRings() {
+  last_.assign(x_.begin(), x_.end());
+  ringOf_.assign(x_.size(), kNone);
+  for (std::size_t first = 0; first < x_.size(); ++first) {
+    if (border_.next[first] == kNone || ringOf_[first] != kNone) continue;
+    const auto ring = static_cast<Index>(ringArea_.size());
+    double area = 0;
+    for (Index v = static_cast<Index>(first); ringOf_[at(v)] == kNone; v = border_.next[at(v)]) {
+      ringOf_[at(v)] = ring;
+      area += doubleArea(x_[first], x_[at(v)], x_[at(border_.next[at(v)])]);
+    }
+    ringArea_.push_back(area);
+  }
+  // Of rings that don't cross, the one around all has the greatest area.
+  for (std::size_t ring = 0; ring < ringArea_.size(); ++ring)
+    if (outer_ == kNone || std::abs(ringArea_[ring]) > std::abs(ringArea_[at(outer_)]))
+      outer_ = static_cast<Index>(ring);
+}
+
+bool BorderGuard::holesFaceRight() const {
+  if (outer_ == kNone) return true;
+  const double up = ringArea_[at(outer_)];
+  for (std::size_t ring = 0; ring < ringArea_.size(); ++ring)
+    if (static_cast<Index>(ring) != outer_ && ringArea_[ring] * up > 0) return false;
+  return true;
+}
+
+bool BorderGuard::keepsRing(Index v, Point place) const {
+  const Point previous = x_[at(border_.previous[at(v)])], next = x_[at(border_.next[at(v)])];
+  // A vertex that is put back was in no ring; its neighbours were joined by an edge.
+  const bool isNew = ringOf_[at(v)] == kNone;
+  const Index ring = ringOf_[at(isNew ? border_.previous[at(v)] : v)];
+  if (ring == kNone || ring == outer_) return true;
+  const double up = ringArea_[at(outer_)], before = ringArea_[at(ring)];
+  const double after = before + doubleArea(previous, place, next) -
+                       (isNew ? 0 : doubleArea(previous, last_[at(v)], next));
+  return before * up > 0 || after * up <= 0;
 }
 
 BorderGuard::Cells BorderGuard::cellsOf(Point a, Point b) const {
@@ -59,6 +99,13 @@ void BorderGuard::enter(Index edge) {
 }
 
 void BorderGuard::moved(Index v) {
+  const Point previous = x_[at(border_.previous[at(v)])], next = x_[at(border_.next[at(v)])];
+  const bool isNew = ringOf_[at(v)] == kNone;
+  if (isNew) ringOf_[at(v)] = ringOf_[at(border_.previous[at(v)])];
+  if (const Index ring = ringOf_[at(v)]; ring != kNone)
+    ringArea_[at(ring)] += doubleArea(previous, x_[at(v)], next) -
+                           (isNew ? 0 : doubleArea(previous, last_[at(v)], next));
+  last_[at(v)] = x_[at(v)];
   enter(v);
   enter(border_.previous[at(v)]);
 }
@@ -85,7 +132,7 @@ bool BorderGuard::edgeTouches(Point a, Point b, Index from, Index to, Index exce
 bool BorderGuard::allows(Index v, Point place) const {
   const Index next = border_.next[at(v)], previous = border_.previous[at(v)];
   if (next == previous) return true;
-  if (foldsBack(place, x_[at(previous)], x_[at(next)])) return false;
+  if (foldsBack(place, x_[at(previous)], x_[at(next)]) || !keepsRing(v, place)) return false;
   return !edgeTouches(place, x_[at(next)], v, next, v) &&
          !edgeTouches(x_[at(previous)], place, previous, v, v);
 }

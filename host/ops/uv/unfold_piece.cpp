@@ -121,7 +121,10 @@ Result<ShellPiece> PieceMaker::make(Index shell) {
   for (const UvId uv : topology_.uvs.of(shell)) {
     out.uvs.push_back(uv);
     out.piece.points.push_back(mesh_.point(vertexOf_[at(uv)]));
-    out.x.push_back({set.points[at(uv)].u, set.points[at(uv)].v});
+    // A UV that is no number says nothing of where the shell is to be.
+    const mesh::Vec2f& place = set.points[at(uv)];
+    const bool isNumber = std::isfinite(place.u) && std::isfinite(place.v);
+    out.x.push_back(isNumber ? flat::Point{place.u, place.v} : flat::Point{});
   }
   std::vector<mesh::LoopTriangle> triangles;
   std::vector<mesh::Vec3> loop;

@@ -101,7 +101,7 @@ std::vector<Point> circleLayout(const Hierarchy& h, std::span<const math::Vec3> 
     for (std::size_t v = 0; v < points.size(); ++v)
       if (const Index u = unknownOf[v]; u != kNone) x[v] = {solution(u, 0), solution(u, 1)};
   }
-  if (!allPositive(h, x)) return {};
+  if (!allPositive(h, x) || !BorderGuard(h.border, x).isSimple()) return {};
   return x;
 }
 

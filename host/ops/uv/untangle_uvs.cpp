@@ -1,10 +1,10 @@
 #include "host/ops/uv/untangle_uvs.h"
 
 #include <algorithm>
-#include <numbers>
 
 #include "host/base/cancel.h"
 #include "host/ops/uv/unfold_piece.h"
+#include "host/ops/uv/uv_frame.h"
 
 namespace host::ops {
 namespace {
@@ -32,14 +32,6 @@ std::vector<Index> longestRing(const flat::Piece& piece) {
     }
   }
   return longest;
-}
-
-/// The point of a circle or square in the unit square that lies a part of the way around.
-Point onFrame(double part, bool isSquare) {
-  const double angle = 2 * std::numbers::pi * part;
-  const Point round{std::cos(angle), std::sin(angle)};
-  const double reach = isSquare ? 1 / std::max(std::abs(round.x), std::abs(round.y)) : 1;
-  return {0.5 + 0.5 * reach * round.x, 0.5 + 0.5 * reach * round.y};
 }
 
 /// Fits points into the unit square, evenly.
@@ -171,13 +163,12 @@ Result<void> mapBorderOf(const flat::Piece& piece, const UntangleOptions& option
     along.push_back(around);
     around += math::distance(piece.points[at(v)], piece.points[at(piece.border.next[at(v)])]);
   }
-  // The frame is turned so that the ring's first vertex keeps its side.
-  const Point first = x[at(ring[0])] - Point{0.5, 0.5};
-  const double start = std::atan2(first.y, first.x) / (2 * std::numbers::pi);
-  for (std::size_t i = 0; i < ring.size(); ++i) {
-    const Point target = onFrame(start + along[i] / around, isSquare);
-    x[at(ring[i])] = (1 - blend) * x[at(ring[i])] + blend * target;
-  }
+  std::vector<Point> places;
+  for (const Index v : ring) places.push_back(x[at(v)]);
+  const std::vector<Point> targets =
+      isSquare ? onSquare(places, along, around) : onCircle(places, along, around);
+  for (std::size_t i = 0; i < ring.size(); ++i)
+    x[at(ring[i])] = (1 - blend) * x[at(ring[i])] + blend * targets[i];
   return {};
 }
 

@@ -1,6 +1,10 @@
 #include "host/viewport/backends/gl_buffers.h"
 
+#include <algorithm>
+#include <type_traits>
+
 #include "host/viewport/backends/gl_program.h"
+#include "host/viewport/vertex_patches.h"
 
 namespace host::viewport {
 
@@ -66,6 +70,31 @@ GLuint upload(const Texture& texture) {
   return id;
 }
 
+/// Changes places and normals of the bound copy where the patches since its revision say so, in
+/// runs: vertices near one another go in one write. @return false when the patches don't reach back
+bool patch(const VertexData& data, const VertexPatches& told, std::uint64_t revision) {
+  if (!told.reachBackTo(revision)) return false;
+  std::vector<std::uint32_t> changed;
+  for (const VertexPatch& one : told.patches)
+    if (one.revision > revision)
+      changed.insert(changed.end(), one.vertices.begin(), one.vertices.end());
+  std::ranges::sort(changed);
+  constexpr std::size_t kGap = 32;
+  const auto put = [](const std::vector<Vec3f>& array, std::size_t offset, std::size_t from,
+                      std::size_t to) {
+    glBufferSubData(GL_ARRAY_BUFFER, signedSize(offset + from * sizeof(Vec3f)),
+                    signedSize((to - from) * sizeof(Vec3f)), array.data() + from);
+  };
+  for (std::size_t i = 0; i < changed.size();) {
+    const std::size_t from = changed[i];
+    std::size_t to = from + 1;
+    for (; i < changed.size() && changed[i] < to + kGap; ++i) to = changed[i] + 1;
+    put(data.positions, 0, from, to);
+    if (!data.normals.empty()) put(data.normals, bytes(data.positions), from, to);
+  }
+  return true;
+}
+
 void destroy(const VertexData*, GLuint id) {
   glDeleteBuffers(1, &id);
 }
@@ -85,6 +114,8 @@ GLuint copyOf(Copies& copies, const Original& original) {
   if (copy.id) destroy(original.get(), copy.id);
   copy.original = original;
   copy.id = upload(*original);
+  if constexpr (std::is_same_v<Original, VertexDataPtr>)
+    copy.revision = patchesOf(original).revision;
   return copy.id;
 }
 
@@ -120,6 +151,13 @@ GlBuffers::~GlBuffers() {
 
 void GlBuffers::bindVertices(const VertexDataPtr& data) {
   glBindBuffer(GL_ARRAY_BUFFER, copyOf(vertices_, data));
+  auto& copy = vertices_[data.get()];
+  const VertexPatches& told = patchesOf(data);
+  if (copy.revision != told.revision && !patch(*data, told, copy.revision)) {
+    glDeleteBuffers(1, &copy.id);
+    copy.id = upload(*data);
+  }
+  copy.revision = told.revision;
   std::size_t at = 0;
   point(kPositionSlot, 3, GL_FLOAT, true, at, bytes(data->positions));
   point(kNormalSlot, 3, GL_FLOAT, !data->normals.empty(), at, bytes(data->normals));
@@ -129,9 +167,15 @@ void GlBuffers::bindVertices(const VertexDataPtr& data) {
 
 const math::Box& GlBuffers::bounds(const VertexDataPtr& data) {
   Bounds& bounds = bounds_[data.get()];
-  if (bounds.original.lock() == data) return bounds.box;
-  bounds = {data, {}};
-  for (const Vec3f& p : data->positions) bounds.box.add(Vec3(p));
+  const VertexPatches& told = patchesOf(data);
+  if (bounds.original.lock() != data || !told.reachBackTo(bounds.revision)) {
+    bounds = {data, {}, told.revision};
+    for (const Vec3f& p : data->positions) bounds.box.add(Vec3(p));
+  }
+  for (const VertexPatch& one : told.patches)
+    if (one.revision > bounds.revision)
+      for (const std::uint32_t v : one.vertices) bounds.box.add(Vec3(data->positions[v]));
+  bounds.revision = told.revision;
   return bounds.box;
 }
 

@@ -18,7 +18,7 @@ class GlBuffers {
   /// Binds the arrays to the shared attribute slots; missing ones get a constant.
   void bindVertices(const VertexDataPtr& data);
   void bindIndices(const IndexDataPtr& indices);
-  /// The bounds of the positions, measured once.
+  /// Bounds of the positions, measured once; where some are changed later they grow with them.
   const math::Box& bounds(const VertexDataPtr& data);
   /// Binds to the active texture unit.
   void bindTexture(const TexturePtr& texture);
@@ -30,6 +30,7 @@ class GlBuffers {
   struct Copy {
     std::weak_ptr<const T> original;
     GLuint id = 0;
+    std::uint64_t revision = 0;  ///< of vertices: the one that is copied
   };
   template <class T>
   using Copies = std::unordered_map<const T*, Copy<T>>;
@@ -37,6 +38,7 @@ class GlBuffers {
   struct Bounds {
     std::weak_ptr<const VertexData> original;
     math::Box box;
+    std::uint64_t revision = 0;
   };
   std::unordered_map<const VertexData*, Bounds> bounds_;
   Copies<VertexData> vertices_;

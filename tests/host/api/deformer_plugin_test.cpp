@@ -81,6 +81,34 @@ TEST_CASE_FIXTURE(Waves, "several geometries, parts of one, and geometries that 
   CHECK(text("objExists waveCenter") == "1");  // what the deformer made beside itself
 }
 
+TEST_CASE_FIXTURE(Waves,
+                  "UVs are projected from the mesh at rest unless they are to see it moved") {
+  const auto after = [&](const char* node) {
+    return text(std::string("string $to[] = `listConnections -s 0 -d 1 -sh 1 ") + node +
+                ".output`; $to[0]");
+  };
+  run("setAttr w.height 30");
+  for (const char* command :
+       {"polyPlanarProjection", "polyAutoProjection", "polyCylindricalProjection",
+        "polySphericalProjection", "polyNormalizeUV", "polyFlipUV", "polyCopyUV -cm 1 -uvs more"}) {
+    CAPTURE(std::string(command));
+    run(std::string("string $made[] = `") + command + " sheet.f[*]`;");
+    CHECK(after(text("$made[0]").c_str()) == "w");
+    CHECK(height("sheet.vtx[12]") == doctest::Approx(30));
+    run(std::string("$made = `") + command + " -ibd 0 sheet.f[*]`;");
+    CHECK(after(text("$made[0]").c_str()) == "sheetShape");
+    CHECK(height("sheet.vtx[12]") == doctest::Approx(30));
+    run("undo");
+    run("undo");
+  }
+  // At rest the sheet is flat: seen from above its middle is that of the map, whatever the wave.
+  run("polyPlanarProjection -md x sheet.f[*]; float $flat = `getAttr polyPlanarProj1.ph`;");
+  run("undo");
+  run("polyPlanarProjection -md x -ibd 0 sheet.f[*]; float $high = `getAttr polyPlanarProj1.ph`;");
+  CHECK(number("$flat") < 2);
+  CHECK(number("$high") > 25);
+}
+
 TEST_CASE_FIXTURE(Waves, "a deformer is saved with ramp and weights, and opened again") {
   const std::string file =
       (std::filesystem::temp_directory_path() / "qxmt_wave_deformer.ma").string();

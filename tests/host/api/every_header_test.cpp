@@ -3,6 +3,7 @@
 #include <maya/M3dView.h>
 #include <maya/MAngle.h>
 #include <maya/MAnimControl.h>
+#include <maya/MAnimCurveChange.h>
 #include <maya/MApiNamespace.h>
 #include <maya/MApiVersion.h>
 #include <maya/MArgDataBase.h>
@@ -15,6 +16,7 @@
 #include <maya/MCallbackIdArray.h>
 #include <maya/MColor.h>
 #include <maya/MColorArray.h>
+#include <maya/MCommandMessage.h>
 #include <maya/MCommandResult.h>
 #include <maya/MCommonSystemUtils.h>
 #include <maya/MComputation.h>
@@ -48,6 +50,7 @@
 #include <maya/MFloatVector.h>
 #include <maya/MFloatVectorArray.h>
 #include <maya/MFn.h>
+#include <maya/MFnAnimCurve.h>
 #include <maya/MFnAttribute.h>
 #include <maya/MFnBase.h>
 #include <maya/MFnCamera.h>

@@ -73,3 +73,18 @@ TEST_CASE_FIXTURE(Table, "plug-in data goes along connections of its type only")
   run("disconnectAttr t.tally r.inTally; setAttr t.rows[2].weight 7;");
   CHECK_FALSE(session->pluginLoader->unload("table_node", false));  // its nodes are in use
 }
+
+TEST_CASE_FIXTURE(Table,
+                  "plug-in data is set by its words, saved and opened, and bad words are told") {
+  run("createNode tallyReader -n r; setAttr r.inTally -type \"tally\" 7.5 3;");
+  CHECK(number("getAttr r.sum") == 7.5);
+  CHECK(number("getAttr r.count") == 3);
+  CHECK_FALSE(session->executeLine("setAttr r.inTally -type \"tally\" 7.5 -3").has_value());
+  CHECK_FALSE(session->executeLine("setAttr r.inTally -type \"tally\"  \"x\"").has_value());
+  CHECK(number("getAttr r.count") == 3);
+  run("file -rename \"" QXMT_BINARY_DIR
+      "/tally.ma\"; file -save; file -f -new;"
+      "file -f -open \"" QXMT_BINARY_DIR "/tally.ma\"");
+  CHECK(number("getAttr r.sum") == 7.5);
+  CHECK(number("getAttr r.count") == 3);
+}

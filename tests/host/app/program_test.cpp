@@ -416,4 +416,41 @@ TEST_CASE(
   CHECK(later.finish() == 0);
 }
 
+TEST_CASE("a long command shows itself and is left at Ctrl-C with the scene as it was") {
+  Terminal terminal({"--no-module"});
+  const std::string ready = "mel> ";
+  terminal.readTo(ready);
+  const auto answer = [&](const std::string& line) {
+    terminal.type(line + "\n");
+    return terminal.readTo(ready);
+  };
+  answer("polyPlane -sx 500 -sy 500 -n p; select -r p");
+  terminal.type("polyBevel -o 0.1 \"p.e[*]\"\n");
+  const std::string shown = terminal.readTo("(Ctrl-C stops)");
+  CHECK(shown.find("polyBevel ... (Ctrl-C stops)") != std::string::npos);
+  terminal.type("\x03");
+  CHECK(terminal.readTo(ready).find("Interrupted") != std::string::npos);
+  CHECK(answer("polyEvaluate -f p").find("// Result: 250000 //") != std::string::npos);
+  CHECK(answer("size(`ls -type polyModifier`)").find("// Result: 0 //") != std::string::npos);
+  CHECK(answer("undoInfo -q -undoName").find("polyPlane") != std::string::npos);
+  CHECK(answer("polySoftEdge -a 20 p").find("polySoftEdge1") != std::string::npos);
+  terminal.type("quit -f\n");
+  CHECK(terminal.finish() == 0);
+}
+
+TEST_CASE("while the prompt waits for a line the session lives on") {
+  Terminal terminal({"--no-module"});
+  const std::string ready = "mel> ";
+  terminal.readTo(ready);
+  terminal.type(
+      "global int $turns; scriptJob -idleEvent \"global int $turns; if (++$turns == 5) print "
+      "(\\\"five \\\" + \\\"turns\\\\n\\\")\";\n");
+  terminal.type("print(\"typed\"");  // a line that has been begun stays
+  CHECK(terminal.readTo("five turns").find("five turns") != std::string::npos);
+  terminal.type(" + \" on\\n\")\n");
+  CHECK(terminal.readTo("typed on").find("typed on") != std::string::npos);
+  terminal.type("scriptJob -killAll -force; quit\n");
+  CHECK(terminal.finish() == 0);
+}
+
 }  // namespace

@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "host/mesh/normals.h"
-#include "host/ops/topology/soft_edges.h"
+#include "host/ops/topology/delete_faces.h"
 #include "host/ops/topology/triangulate_faces.h"
 #include "tests/host/ops/ops_testing.h"
 
@@ -150,6 +150,22 @@ TEST_CASE("reduce: a line from border to border stays") {
   int onLine = 0;
   for (VertexId v = 0; v < plane.vertexCount(); ++v) onLine += plane.point(v).z == -4 ? 1 : 0;
   CHECK(onLine == 2);
+}
+
+TEST_CASE("reduce: no triangle of a plane with holes turns over") {
+  Mesh plane = zoo::gridMesh(24, 24);
+  std::vector<FaceId> holes;
+  for (FaceId f = 0; f < plane.faceCount(); ++f) {
+    const FaceId x = f % 24, z = f / 24;
+    if ((x % 8 >= 3 && x % 8 < 6 && z % 8 >= 2 && z % 8 < 7) || (x > 20 && z < 9))
+      holes.push_back(f);
+  }
+  REQUIRE(deleteFaces(plane, holes));
+  const double area = zoo::surfaceArea(plane);
+  REQUIRE(reduce(plane, zoo::allFaces(plane), {.percentage = 85}));
+  requireSound(plane);
+  CHECK(zoo::surfaceArea(plane) == doctest::Approx(area));
+  for (FaceId f = 0; f < plane.faceCount(); ++f) CHECK(mesh::faceAreaVector(plane, f).y > 0);
 }
 
 TEST_CASE("reduce: what is not listed stays to the bit, and bad input changes nothing") {

@@ -207,3 +207,22 @@ TEST_CASE("what cannot be laid flat is named and stays; everything else becomes 
     if (done->shells == 0) CHECK(mesh == before);
   }
 }
+
+TEST_CASE("the border guard keeps a hole from turning inside out, which no crossing edge shows") {
+  // A square around a triangular hole, which runs clockwise.
+  std::vector<flat::Point> x{{0, 0}, {10, 0}, {10, 10}, {0, 10}, {5, 6}, {6, 4}, {4, 4}};
+  const flat::Border border{{1, 2, 3, 0, 5, 6, 4}, {3, 0, 1, 2, 6, 4, 5}};
+  flat::BorderGuard guard(border, x);
+  CHECK(guard.isSimple());
+  CHECK(guard.allows(4, {5, 4.5}));
+  CHECK_FALSE(guard.allows(4, {5, 3}));  // through between the other two
+  x[4] = {5, 8};
+  guard.moved(4);
+  CHECK(guard.allows(5, {7, 4}));
+  x[4] = {5, 3};
+  CHECK_FALSE(flat::BorderGuard(border, x).isSimple());
+  // Seen from behind, everything runs the other way around, and is as sound.
+  x[4] = {5, 6};
+  for (flat::Point& p : x) p.x = -p.x;
+  CHECK(flat::BorderGuard(border, x).isSimple());
+}

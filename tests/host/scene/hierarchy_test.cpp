@@ -1,5 +1,6 @@
 #include <doctest/doctest.h>
 
+#include "host/scene/dag_paths.h"
 #include "tests/host/scene/scene_fixture.h"
 
 using namespace host;
@@ -131,4 +132,89 @@ TEST_CASE("deletion: a default or locked node stops it before anything is gone")
   CHECK(first.isAlive());
   first.markDefault();
   CHECK_FALSE(scene->deleteNodes({&first}));
+}
+
+TEST_CASE(
+    "hierarchy: paths of a deep hierarchy are made, compared, kept and let go one step at a time") {
+  constexpr std::size_t kDeep = 100'000;
+  Scene scene;
+  Node* leaf = &scene.transform("top");
+  for (std::size_t i = 1; i < kDeep; ++i) leaf = &scene.transform("n", leaf);
+  const DagPath path = firstPath(*leaf);
+  CHECK(path.length() == kDeep);
+  CHECK(path.isValid());
+  CHECK(path.nodes().front()->name() == "top");
+  std::vector<DagPath> all;
+  for (PathWalk walk(firstPath(scene.node("top"))); !walk.isDone(); walk.next())
+    all.push_back(walk.path());
+  REQUIRE(all.size() == kDeep);
+  CHECK(all.back() == path);
+  CHECK(all.front().isAncestorOf(path));
+  CHECK_FALSE(path.isAncestorOf(all.front()));
+  REQUIRE(scene->deleteNodes({&scene.node("top")}));
+  CHECK_FALSE(path.isValid());
+  CHECK(path.node()->name() == "n");  // kept by the path alone
+}
+
+TEST_CASE("hierarchy: a path tells whether it holds, whatever has become of those above it") {
+  Scene scene;
+  Node& a = scene.transform("a");
+  Node& b = scene.transform("b", &a);
+  Node& c = scene.transform("c", &b);
+  Node& other = scene.transform("other");
+  const DagPath before = firstPath(c);
+  REQUIRE(scene->reparent(firstPath(b), &other));
+  CHECK_FALSE(before.isValid());
+  CHECK(firstPath(c).fullName() == "|other|b|c");
+  REQUIRE(scene->reparent(firstPath(b), &a));
+  CHECK(before.isValid());
+  CHECK(before == firstPath(c));  // another way of the same nodes
+  REQUIRE(scene->addInstance(b, &other));
+  const std::vector<DagPath> both = allPaths(c);
+  REQUIRE(both.size() == 2);
+  CHECK(both[0] == before);
+  CHECK_FALSE(both[1] == both[0]);
+  CHECK(both[1].parent().child(&c) == both[1]);
+  CHECK(both[1].instanceNumber() == 1);
+  REQUIRE(scene->removeInstance(both[0].parent()));
+  CHECK_FALSE(both[0].isValid());
+  CHECK(firstPath(c) == both[1]);
+}
+
+namespace {
+
+/// Deletes one node as soon as another is about to go.
+struct DeletesAlong final : dg::GraphObserver {
+  DeletesAlong(Document& documentIn, Node& watchedIn, Node& alsoIn)
+      : document(documentIn), watched(watchedIn), also(alsoIn) {
+    document.graph().addObserver(this);
+  }
+  ~DeletesAlong() override { document.graph().removeObserver(this); }
+  void nodeAboutToBeRemoved(Node& node) override {
+    if (&node == &watched && also.isAlive()) (void)document.deleteNodes({&also});
+  }
+  Document& document;
+  Node &watched, &also;
+};
+
+}  // namespace
+
+TEST_CASE("deletion: who watches may delete the other parent of what hangs below") {
+  Scene scene;
+  Node& shape = scene.meshUnder("shown", 1);
+  Node& shown = scene.node("shown");
+  Node& extra = scene.make("mesh", "hidden", &shown);
+  Node& second = scene.transform("second");
+  REQUIRE(scene->addInstance(shape, &second));
+  ChangeSet changes;
+  const std::uint64_t before = scene->hash();
+  {
+    const DeletesAlong watcher(*scene.document, extra, second);
+    const Journal::Scope scope(scene->journal(), &changes);
+    REQUIRE(scene->deleteNodes({&shown}));
+  }
+  CHECK_FALSE(second.isAlive());
+  CHECK_FALSE(shape.isAlive());
+  REQUIRE(changes.undo());
+  CHECK(scene->hash() == before);
 }
