@@ -64,7 +64,9 @@ namespace host::builtins {
   /* mesh */ \
   X(PerformAction) \
   X(PointPosition) \
+  X(PolyCleanup) \
   X(PolyColorPerVertex) \
+  X(PolyNormalPerVertex) \
   X(PolyColorSet) \
   X(PolyOptions) \
   X(PolyUvSet) \
@@ -72,6 +74,7 @@ namespace host::builtins {
   X(PolyCrease) \
   X(PolyEvaluate) \
   X(PolyInfo) \
+  X(PolySlideEdge) \
   /* select */ \
   X(ConvertSelection) \
   X(FilterExpand) \
@@ -95,6 +98,7 @@ namespace host::builtins {
   X(UnitsAndTime) \
   /* tools */ \
   X(ToolCommands) \
+  X(SoftSelect) \
   X(ViewGesture) \
   /* ui */ \
   X(ComponentMenu) \

@@ -193,10 +193,10 @@ Result<void> UndoQueue::replay(UndoItem& item, Result<void> (UndoItem::*directio
   const std::unique_ptr<dg::Change> before = std::move(item.swept);
   if (before) (void)before->undo();
   auto done = (item.*direction)();
-  if (done)
-    item.swept = sweep ? sweep() : nullptr;
-  else if (before)
-    (void)before->redo();
+  if (!done && before) (void)before->redo();
+  // After a refusal too: what was put back may name what was deleted without a record.
+  std::unique_ptr<dg::Change> swept = sweep ? sweep() : nullptr;
+  if (done) item.swept = std::move(swept);
   isReplaying_ = false;
   return done;
 }

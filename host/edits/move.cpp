@@ -81,7 +81,8 @@ Result<void> moveAll(const scene::SelectionList& list, const MoveOptions& option
   for (const scene::DagPath& path : targets->objects) HOST_TRY(moveObject(path, options));
   const PointSpace space =
       options.space == MoveSpace::World ? PointSpace::World : PointSpace::Object;
-  return editVertices(targets->meshes, space, [&](const Vec3& p) { return moved(options, p); });
+  return editVertices(
+      targets->meshes, space, [&](const Vec3& p) { return moved(options, p); }, options.soft);
 }
 
 }  // namespace

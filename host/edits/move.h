@@ -3,6 +3,7 @@
 #include <array>
 
 #include "host/base/result.h"
+#include "host/edits/soft_selection.h"
 #include "host/math/vec.h"
 #include "host/scene/document.h"
 
@@ -21,6 +22,7 @@ struct MoveOptions {
   MoveSpace space = MoveSpace::World;
   /// An absolute move in world space puts that pivot, not the object's origin, at the amount.
   bool byRotatePivot = false, byScalePivot = false;
+  const SoftSelection* soft = nullptr;  ///< of components; null: only what is listed moves
 };
 
 /// Moves objects by their translate, components by their points, and pivots that plugs name

@@ -85,8 +85,9 @@ Result<void> turnVertices(const TransformTargets& targets, const TurnOptions& op
       world = math::transpose(axes) * change * axes;
     }
     const Matrix4 matrix = about(pivot, world);
-    HOST_TRY(editVertices({item}, PointSpace::World,
-                          [&](const Vec3& p) { return math::transformPoint(p, matrix); }));
+    HOST_TRY(editVertices(
+        {item}, PointSpace::World, [&](const Vec3& p) { return math::transformPoint(p, matrix); },
+        options.soft));
   }
   return {};
 }

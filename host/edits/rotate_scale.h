@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "host/base/result.h"
+#include "host/edits/soft_selection.h"
 #include "host/math/vec.h"
 #include "host/scene/document.h"
 
@@ -20,6 +21,7 @@ struct TurnOptions {
   bool componentsByObject = false;       ///< components turn and grow along their object's axes
   std::optional<math::Vec3> pivot = {};  ///< world space, cm; else an object's own pivot, for
                                          ///< components the middle of the box around all of them
+  const SoftSelection* soft = nullptr;   ///< of components; null: only what is listed turns
 };
 
 /// Turns objects by their rotate, components by their points. An absolute rotation of components

@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "host/edits/soft_selection.h"
 #include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
 
@@ -31,10 +32,10 @@ enum class PointSpace : std::uint8_t { Object, World };
 
 /// Replaces each vertex of the items by `edit(point)`, given and taken in `space`; points that come
 /// back unchanged keep their bits. Stored as object-space floats, or as tweaks when there is
-/// history.
+/// history. With a soft selection that is on, the vertices around go a part of the way.
 template <class Edit>
 Result<void> editVertices(const std::vector<nodes::MeshItem>& items, PointSpace space,
-                          const Edit& edit) {
+                          const Edit& edit, const SoftSelection* soft = nullptr) {
   for (const nodes::MeshItem& item : items) {
     const math::Matrix4 matrix =
         space == PointSpace::World ? item.path.inclusiveMatrix() : math::Matrix4{};
@@ -46,11 +47,19 @@ Result<void> editVertices(const std::vector<nodes::MeshItem>& items, PointSpace 
     auto mesh = nodes::evaluatedMesh(*item.path.node());
     if (!mesh) return failWith(std::move(mesh.error()));
     std::vector<math::Vec3f> points(mesh->points().begin(), mesh->points().end());
-    for (const VertexId v : item.vertices()) {
+    const auto change = [&](VertexId v, double weight) {
       math::Vec3f& point = points[static_cast<std::size_t>(v)];
       const math::Vec3 before = math::transformPoint(math::Vec3(point), matrix);
-      const math::Vec3 after = edit(before);
+      math::Vec3 after = edit(before);
+      if (weight < 1) after = before + (after - before) * weight;
       if (!(after == before)) point = math::transformPoint(after, *inverse).toFloat();
+    };
+    const std::vector<VertexId> own = item.vertices();
+    if (soft && soft->isOn) {
+      for (const auto& [v, weight] : softWeights(*mesh, own, item.path.inclusiveMatrix(), *soft))
+        change(v, weight);
+    } else {
+      for (const VertexId v : own) change(v, 1);
     }
     HOST_TRY(nodes::setEvaluatedPoints(*item.path.node(), std::move(points)));
   }

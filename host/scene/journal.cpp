@@ -111,14 +111,23 @@ class Replay {
   }
 
   /// Every record is in the state that the opposite direction left, so it fits; what is edited
-  /// along is taken back at once.
+  /// along is taken back at once. What others edited when they were told that something was about
+  /// to happen fits once that is put back.
   void putBack(std::size_t from) {
     const PutBackScope putsBack;
-    while (back_ ? from < changes_.size() : from > 0) {
+    std::vector<dg::Change*> waiting;
+    const auto fits = [&](dg::Change* change) {
       ChangeSet along;
-      (void)step(*changes_[back_ ? from : from - 1], !back_, along);
+      const bool isDone = step(*change, !back_, along).has_value();
       takeAway(along);
-      back_ ? ++from : --from;
+      return isDone;
+    };
+    for (; back_ ? from < changes_.size() : from > 0; back_ ? ++from : --from) {
+      dg::Change* const change = changes_[back_ ? from : from - 1].get();
+      if (!fits(change))
+        waiting.push_back(change);
+      else
+        std::erase_if(waiting, fits);
     }
     std::erase_if(changes_, [this](const auto& change) {
       return std::ranges::find(added_, change.get()) != added_.end();

@@ -82,18 +82,20 @@ Result<void> TransformTool::edit(const Grip& grip, viewport::ViewPoint pointer) 
   if (change_ == Change::Rotate) {
     const bool isFlat = grip.projection.camera().orthographic;
     const Vec3 axis = isFlat ? grip.projection.towardsViewer(grip.middle) : Vec3{0, 1, 0};
-    return edits::rotate(
-        document, grip.selection,
-        {.amount = turnAbout(axis, dx * kRadiansPerPixel), .isRelative = true, .isWorld = true});
+    return edits::rotate(document, grip.selection,
+                         {.amount = turnAbout(axis, dx * kRadiansPerPixel),
+                          .isRelative = true,
+                          .isWorld = true,
+                          .soft = &soft_});
   }
   if (change_ == Change::Scale) {
     const double factor = std::exp2(dx / kPixelsPerDoubling);
     return edits::scale(document, grip.selection,
-                        {.amount = {factor, factor, factor}, .isRelative = true});
+                        {.amount = {factor, factor, factor}, .isRelative = true, .soft = &soft_});
   }
   const Vec3 by = grip.projection.viewToWorldAt(pointer, grip.middle) -
                   grip.projection.viewToWorldAt(grip.start, grip.middle);
-  return edits::move(document, grip.selection, {.amount = by, .isRelative = true});
+  return edits::move(document, grip.selection, {.amount = by, .isRelative = true, .soft = &soft_});
 }
 
 void TransformTool::follow(viewport::ViewPoint pointer) {

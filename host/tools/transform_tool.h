@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "host/edits/gesture.h"
+#include "host/edits/soft_selection.h"
 #include "host/tools/select_tool.h"
 #include "host/tools/session_steps.h"
 
@@ -29,6 +30,9 @@ class TransformTool final : public SelectTool {
   void abort() override;
   void cleanup() override;
 
+  /// How components around the selected ones go along.
+  void setSoftSelection(edits::SoftSelection soft) { soft_ = std::move(soft); }
+
  private:
   /// What a drag needs to know of where it began.
   struct Grip {
@@ -44,6 +48,7 @@ class TransformTool final : public SelectTool {
 
   ToolRegistry& registry_;
   Change change_;
+  edits::SoftSelection soft_;
   viewport::ViewPoint start_, last_;
   std::string panel_;
   bool isDragging_ = false;

@@ -72,6 +72,7 @@ MainWindow::MainWindow(Person& person) : person_(person) {
   connect(&recovery_, &QTimer::timeout, this, [this] { keepRecovery(); });
   builtins::Recovery& recovery = workspaceOf(person_.session()).kept<builtins::Recovery>();
   recovery.isEnabled = true;
+  recoveryDue_ = person_.session().loop().now() + recovery.intervalSeconds;
   recovery_.start(1000);
   looking_ = person_.looked.connect([this](Person::Parts parts) {
     tools_->follow();
@@ -365,6 +366,27 @@ void MainWindow::followWindows() {
   }
 }
 
+/// What the displays over the views say now, by block within each section.
+void MainWindow::readHeadsUpTexts() {
+  std::vector<std::pair<int, Person::HeadsUpText>> all;
+  cmd::Session& session = person_.session();
+  const auto displays = workspaceOf(session).headsUpDisplays.byName;  // a script may change them
+  for (const auto& [name, display] : displays) {
+    if (!display.isVisible) continue;
+    std::string said;
+    if (!display.command.empty())
+      if (const auto value = session.callCommand(
+              "headsUpDisplay",
+              std::vector<mel::Value>{mel::Value("-query"), mel::Value("-scriptResult"),
+                                      mel::Value(name)}))
+        said = value->toText().value_or("");
+    all.push_back({display.block, {display.section, display.label + " " + said}});
+  }
+  std::ranges::stable_sort(all, {}, [](const auto& each) { return each.first; });
+  person_.headsUpTexts.clear();
+  for (auto& [block, text] : all) person_.headsUpTexts.push_back(std::move(text));
+}
+
 void MainWindow::follow() {
   if (person_.session().isQuitting) {
     close();
@@ -376,6 +398,7 @@ void MainWindow::follow() {
   if (attributes_->isVisible()) attributes_->follow();
   undo_->follow();
   if (uvs_->isVisible()) uvs_->follow();
+  readHeadsUpTexts();
   followScriptMenus();
   followPanes();
   followShelf();
@@ -392,6 +415,7 @@ void MainWindow::showMessages() {
     writeMessageToStreams(kind, said);
     scripts_->say(kind, said);
     if (kind == MessageKind::Print) return;
+    person_.lastMessage = said;
     help_->setText((kind == MessageKind::Error     ? tr("Error: ")
                     : kind == MessageKind::Warning ? tr("Warning: ")
                                                    : QString()) +

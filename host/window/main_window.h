@@ -50,6 +50,7 @@ class MainWindow : public QMainWindow {
   void keepRecovery();
   void followPanes();
   void followShelf();
+  void readHeadsUpTexts();
   void follow();
   void followScriptMenus();
   void followWindows();

@@ -45,6 +45,13 @@ class Person {
   [[nodiscard]] bool isQuiet() const { return looking_ == 0; }
   /// Something works just now and lets the screen be drawn meanwhile: what is shown stays as it is.
   bool isBusy = false;
+  std::string lastMessage;  ///< that the help line shows
+  /// A text of a script over the views, by its section: 0 to 4 above, 5 to 9 below.
+  struct HeadsUpText {
+    int section = 0;
+    std::string text;
+  };
+  std::vector<HeadsUpText> headsUpTexts;
   /// Counts what was looked at, for programs that wait for the window.
   [[nodiscard]] std::uint64_t lookCount() const { return lookCount_; }
 

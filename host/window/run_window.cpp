@@ -1,11 +1,7 @@
 #include "host/window/run_window.h"
 
-#include <fmt/format.h>
-
 #include <QApplication>
-#include <QFile>
 #include <QPalette>
-#include <QSaveFile>
 #include <QStyleFactory>
 #include <QTimer>
 #include <chrono>
@@ -14,6 +10,7 @@
 #include "host/cmd/loop.h"
 #include "host/window/dialogs.h"
 #include "host/window/main_window.h"
+#include "host/window/state_file.h"
 #include "host/workspace/workspace.h"
 
 namespace host::window {
@@ -45,52 +42,6 @@ class Stepper : public QObject {
 
   Person& person_;
   QTimer timer_;
-  Connection looking_;
-};
-
-/// Tells whoever drives the window from outside that all that was done has been looked at: a file
-/// that says how often, written anew each time.
-class StateFile {
- public:
-  StateFile(Person& person, const QWidget& window, QString file)
-      : person_(person), window_(window), file_(std::move(file)) {
-    if (file_.isEmpty()) return;
-    looking_ = person_.looked.connect(
-        [this](Person::Parts) { QTimer::singleShot(0, &guard_, [this] { tell(); }); });
-  }
-
- private:
-  void tell() {
-    if (!person_.isQuiet()) return;
-    QSaveFile out(file_);
-    if (!out.open(QIODevice::WriteOnly)) return;
-    const std::string undo = person_.session().undo().undoName();
-    out.write(QString("looks %1\nhash %2\nundo %3\nselected %4\n")
-                  .arg(person_.lookCount())
-                  .arg(person_.document().hash())
-                  .arg(QString::fromStdString(undo))
-                  .arg(QString::fromStdString(
-                      fmt::format("{}", fmt::join(person_.document().selection().names(), " "))))
-                  .toUtf8());
-    // Where the views are on the screen, for a hand that comes from outside.
-    for (const QWidget* view : window_.findChildren<QWidget*>())
-      if (view->objectName().startsWith("modelPanel") && view->isVisible()) {
-        const QPoint at = view->mapToGlobal(QPoint(0, 0));
-        out.write(QString("view %1 %2 %3 %4 %5\n")
-                      .arg(view->objectName())
-                      .arg(at.x())
-                      .arg(at.y())
-                      .arg(view->width())
-                      .arg(view->height())
-                      .toUtf8());
-      }
-    out.commit();
-  }
-
-  Person& person_;
-  const QWidget& window_;
-  QString file_;
-  QObject guard_;
   Connection looking_;
 };
 
@@ -146,7 +97,7 @@ int runWindow(cmd::Session& session) {
   MainWindow window(person);
   const DialogHost dialogs(person, window);
   const Stepper stepper(person);
-  const StateFile state(person, window, qEnvironmentVariable("QXMT_WINDOW_STATE"));
+  const StateFile state(person, qEnvironmentVariable("QXMT_WINDOW_STATE"));
   window.show();
   person.lookSoon();
   QTimer::singleShot(0, &window, [&window] { window.offerRecovery(); });

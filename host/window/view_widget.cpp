@@ -5,6 +5,8 @@
 #include <QPainter>
 #include <QTabletEvent>
 #include <QWheelEvent>
+#include <array>
+#include <chrono>
 #include <cmath>
 
 #include "host/base/messages.h"
@@ -58,6 +60,8 @@ std::string keyName(const QKeyEvent& event) {
     default:
       break;
   }
+  if (event.key() >= Qt::Key_F1 && event.key() <= Qt::Key_F12)
+    return "F" + std::to_string(event.key() - Qt::Key_F1 + 1);
   if (event.key() >= Qt::Key_A && event.key() <= Qt::Key_Z) {
     const char letter = static_cast<char>('a' + (event.key() - Qt::Key_A));
     const bool isShifted = (event.modifiers() & Qt::ShiftModifier) != 0;
@@ -93,6 +97,7 @@ void ViewWidget::render() {
   const QSize pixels = size() * devicePixelRatioF();
   if (!view || pixels.width() < 1 || pixels.height() < 1) return;
   view->port = {pixels.width(), pixels.height()};
+  const auto begin = std::chrono::steady_clock::now();
   auto image = workspace::renderView(person_.document(), views, *view, view->port);
   if (!image) {
     fault_ = image.error().message;
@@ -102,6 +107,9 @@ void ViewWidget::render() {
   const QImage lent(image->rgba.data(), image->width, image->height, 4 * image->width,
                     QImage::Format_RGBA8888);
   picture_ = lent.convertToFormat(QImage::Format_RGB32);
+  ++frameCount_;
+  lastFrame_ =
+      std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
 }
 
 void ViewWidget::paintEvent(QPaintEvent*) {
@@ -123,11 +131,32 @@ void ViewWidget::paintEvent(QPaintEvent*) {
   if (view == &work.views.active()) {
     painter.setPen(QColor(96, 160, 255));
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    drawHeadsUpTexts(painter);
     if (work.inViewMessages.isEnabled && !work.inViewMessages.shown.empty()) {
       painter.setPen(Qt::white);
       painter.drawText(rect().adjusted(8, 10, -8, 0), Qt::AlignHCenter | Qt::AlignTop,
                        plain(work.inViewMessages.shown));
     }
+  }
+}
+
+/// Sections 0 to 4 stand side by side above, 5 to 9 below; the lines of one under each other.
+void ViewWidget::drawHeadsUpTexts(QPainter& painter) const {
+  painter.setPen(QColor(225, 228, 232));
+  std::array<int, 10> used{};
+  const int line = painter.fontMetrics().height() + 2;
+  for (const Person::HeadsUpText& each : person_.headsUpTexts) {
+    if (each.section < 0 || each.section > 9) continue;
+    const int column = each.section % 5, row = used[static_cast<std::size_t>(each.section)]++;
+    const bool isBelow = each.section > 4;
+    const int top = isBelow ? height() - 24 - line * (row + 1) : 8 + line * row;
+    const QRect place(8 + column * (width() - 16) / 5, top, (width() - 16) / 5, line);
+    painter.drawText(place,
+                     (column == 0   ? Qt::AlignLeft
+                      : column == 4 ? Qt::AlignRight
+                                    : Qt::AlignHCenter) |
+                         Qt::AlignVCenter | Qt::TextDontClip,
+                     plain(each.text));
   }
 }
 

@@ -14,6 +14,9 @@ class ViewWidget : public QWidget {
  public:
   ViewWidget(Person& person, std::string panel, QWidget* parent = nullptr);
   [[nodiscard]] const std::string& panel() const { return panel_; }
+  /// Pictures drawn so far, and what the last took, milliseconds.
+  [[nodiscard]] std::uint64_t frameCount() const { return frameCount_; }
+  [[nodiscard]] double lastFrame() const { return lastFrame_; }
   /// The picture is out of date: it is drawn anew when it next shows.
   void refresh();
 
@@ -35,6 +38,7 @@ class ViewWidget : public QWidget {
   void act(Act what, QPointF at, Qt::MouseButton button, Qt::KeyboardModifiers modifiers);
   void render();
   void forgetPen();
+  void drawHeadsUpTexts(QPainter& painter) const;
 
   Person& person_;
   std::string panel_, fault_;
@@ -43,6 +47,8 @@ class ViewWidget : public QWidget {
   double pressure_ = 1, tiltX_ = 0, tiltY_ = 0;  ///< of the pen, while it presses
   bool isPenDown_ = false;
   bool isStale_ = true;
+  std::uint64_t frameCount_ = 0;
+  double lastFrame_ = 0;
 };
 
 /// The name that tools and hot keys know a key by; empty for modifiers alone.

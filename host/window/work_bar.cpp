@@ -71,11 +71,8 @@ WorkBar::WorkBar(Person& person, QStatusBar& bar) : person_(person) {
     isWaiting_ = true;
     if (stop_->isVisible()) hide();
   });
-  connect(loop, &QAbstractEventDispatcher::awake, this, [this] {
-    if (isListening_) return;
-    lastIdle_ = Clock::now().time_since_epoch().count();
-    isWaiting_ = false;
-  });
+  // Some systems hand events out while they wait, so what begins a piece of work is the event.
+  qApp->installEventFilter(this);
   setProgressSink([this](std::string_view what, double part, bool hasEnded) {
     if (QThread::currentThread() == thread()) show(what, part, hasEnded);
   });
@@ -134,9 +131,7 @@ void WorkBar::hide() {
 void WorkBar::letThrough() {
   isListening_ = true;
   person_.isBusy = true;
-  qApp->installEventFilter(this);
   QCoreApplication::processEvents();
-  qApp->removeEventFilter(this);
   person_.isBusy = false;
   isListening_ = false;
 }
@@ -149,6 +144,14 @@ void WorkBar::stop() {
 }
 
 bool WorkBar::eventFilter(QObject* object, QEvent* event) {
+  if (!isListening_) {
+    if (isPersonsEvent(*event) || event->type() == QEvent::Timer ||
+        event->type() == QEvent::MetaCall) {
+      lastIdle_ = Clock::now().time_since_epoch().count();
+      isWaiting_ = false;
+    }
+    return false;
+  }
   // Timers fire again when the work has ended.
   if (event->type() == QEvent::Timer) return true;
   if (event->type() == QEvent::KeyPress &&

@@ -2,6 +2,7 @@
 #include "host/edits/move.h"
 
 #include "host/builtins/common/transform_args.h"
+#include "host/builtins/tools/soft_select.h"
 
 namespace host::builtins {
 
@@ -28,6 +29,7 @@ CommandResult move(Context& context, const ParsedArgs& args) {
   if (!list) return failWith(std::move(list.error()));
   auto options = readMove(args, words.numbers);
   if (!options) return failWith(std::move(options.error()));
+  options->soft = &softSelectionOf(context.session);
   HOST_TRY(edits::move(context.document, *list, *options));
   return mel::Value();
 }

@@ -2,6 +2,7 @@
 #include "host/edits/rotate_scale.h"
 
 #include "host/builtins/common/transform_args.h"
+#include "host/builtins/tools/soft_select.h"
 #include "host/edits/bounds.h"
 
 namespace host::builtins {
@@ -65,6 +66,7 @@ CommandResult rotate(Context& context, const ParsedArgs& args) {
   if (!list) return failWith(std::move(list.error()));
   auto turn = readTurn(args, "rotate", words.numbers, 0.0);
   if (!turn) return failWith(std::move(turn.error()));
+  turn->soft = &softSelectionOf(context.session);
   HOST_TRY(turnAll(context, args, *list, *turn, edits::rotate));
   return mel::Value();
 }
@@ -75,6 +77,7 @@ CommandResult scale(Context& context, const ParsedArgs& args) {
   if (!list) return failWith(std::move(list.error()));
   auto turn = readTurn(args, "scale", words.numbers, 1.0);
   if (!turn) return failWith(std::move(turn.error()));
+  turn->soft = &softSelectionOf(context.session);
   HOST_TRY(turnAll(context, args, *list, *turn, edits::scale));
   return mel::Value();
 }

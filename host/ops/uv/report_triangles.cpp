@@ -257,7 +257,7 @@ class OverlapSearch {
     grids.overNear(i, [&](std::size_t k, bool isOwnGrid) {
       const bool isOthers = k == i || (isOwnGrid && k < i) || all_[k].isCollapsed;
       looks += !isOthers;
-      if (looks > most || ++visits > 8 * most) return isWhole = false;
+      if (looks > most || ++visits > 3 * most) return isWhole = false;
       if (isOthers || boxes_[i].high.x < boxes_[k].low.x || boxes_[k].high.x < boxes_[i].low.x ||
           boxes_[i].high.y < boxes_[k].low.y || boxes_[k].high.y < boxes_[i].low.y)
         return true;

@@ -139,7 +139,8 @@ flat::Axes axesOf(UnfoldOptions::Axes axes) {
 /// Unfolds a shell of which some UVs stay, or whose UVs move only one way, from where they are.
 Result<std::vector<mesh::Vec2f>> continueShell(const ShellPiece& shell,
                                                std::span<const std::uint8_t> isFixed,
-                                               const UnfoldOptions& options, int& iterations) {
+                                               const UnfoldOptions& options, int& iterations,
+                                               bool startsFar = false) {
   const flat::Piece& piece = shell.piece;
   std::vector<Point> x = shell.x;
   const double area = signedArea(piece, x);
@@ -155,6 +156,13 @@ Result<std::vector<mesh::Vec2f>> continueShell(const ShellPiece& shell,
     scale = std::sqrt(absolute / surfaceArea(piece));
   }
   flat::FlattenOptions flatten = flattenOptions(options);
+  if (startsFar) {
+    // Each round costs much of a large piece: some rounds come most of the way.
+    const auto most = 1'000'000 / std::max<std::size_t>(1, piece.triangles.size());
+    flatten.startsFar = true;
+    flatten.iterations =
+        std::min(flatten.iterations, static_cast<int>(std::clamp<std::size_t>(most, 15, 200)));
+  }
   std::vector<flat::Element> elements = flat::elementsOf(piece, x, flatten.areaWeight, scale);
   // Triangles of pinned UVs alone are not ours to change.
   std::erase_if(elements, [&](const flat::Element& e) {
@@ -180,6 +188,21 @@ Result<std::vector<mesh::Vec2f>> unfoldAnew(const ShellPiece& shell, const Unfol
   return rounded(shell.piece, flattened.x, {}, 1, true);
 }
 
+std::vector<Point> pointsOf(std::span<const mesh::Vec2f> places) {
+  std::vector<Point> points;
+  for (const mesh::Vec2f& p : places) points.push_back({p.u, p.v});
+  return points;
+}
+
+/// How much a layout is stretched, whatever its scale; 4 at best.
+double stretchOf(const flat::Piece& piece, std::span<const Point> x) {
+  const std::vector<flat::Element> elements = flat::elementsOf(piece, x, 1);
+  const double scale = flat::bestScale(elements, x);
+  std::vector<Point> scaled;
+  for (const Point& p : x) scaled.push_back(scale * p);
+  return flat::meanEnergy({}, elements, scaled);
+}
+
 ShellOutcome unfoldShell(PieceMaker& maker, Index shellId, std::span<const std::uint8_t> isPinned,
                          const UnfoldOptions& options) {
   ShellOutcome outcome;
@@ -201,6 +224,13 @@ ShellOutcome unfoldShell(PieceMaker& maker, Index shellId, std::span<const std::
       (options.iterations >= kFewIterations || !isUpright(shell->piece, shell->x));
   auto places = startsAnew ? unfoldAnew(*shell, options, outcome.iterations)
                            : continueShell(*shell, isFixed, options, outcome.iterations);
+  // Where many parts of a border crowd each other on the coarse versions, sound UVs that are there
+  // already are the better start.
+  if (startsAnew && !isCancelled() && isUpright(shell->piece, shell->x) &&
+      flat::BorderGuard(shell->piece.border, shell->x).isSimple() &&
+      (!places || stretchOf(shell->piece, pointsOf(*places)) > stretchOf(shell->piece, shell->x)))
+    if (auto again = continueShell(*shell, isFixed, options, outcome.iterations, true))
+      places = std::move(again);
   if (!places) {
     outcome.reason = fmt::format("The UV shell of face {} was left as it was: {}.",
                                  maker.topology().faces.of(shellId)[0], places.error().message);

@@ -81,7 +81,8 @@ int improve(std::span<const Element> elements, const FlattenOptions& options, co
   const Relaxer relaxer(options.energy, elements, x.size(), border, isFixed, axes);
   std::unique_ptr<NewtonSolver> newton;
   const bool isHeld = std::ranges::any_of(isFixed, [](std::uint8_t fixed) { return fixed != 0; });
-  if (elements.size() / 2 <= (isHeld ? kNewtonMostHeld : kNewtonMost) && axes == Axes::Both)
+  const bool isFar = isHeld || options.startsFar;
+  if (elements.size() / 2 <= (isFar ? kNewtonMostHeld : kNewtonMost) && axes == Axes::Both)
     newton = std::make_unique<NewtonSolver>(options.energy, elements, x.size(), isFixed);
   double before = meanEnergy(options.energy, elements, x);
   int rounds = 0;

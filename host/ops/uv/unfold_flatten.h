@@ -22,6 +22,7 @@ struct FlattenOptions {
   double threshold = 0.001;  ///< ends when a round lowers the energy by less, percent
   double areaWeight = 1;     ///< 0 every triangle weighs the same, 1 by its area
   bool keepsBorderApart = true;
+  bool startsFar = false;  ///< positions to go on from are far from the best: all move at once
 };
 struct Flattened {
   std::vector<Point> x;  ///< in the units of the points; empty when there is none without turned
