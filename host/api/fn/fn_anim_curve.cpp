@@ -52,10 +52,10 @@ namespace {
 /// Node types in the order of the types of curves.
 constexpr const char* kTypes[] = {"animCurveTA", "animCurveTL", "animCurveTT", "animCurveTU",
                                   "animCurveUA", "animCurveUL", "animCurveUT", "animCurveUU"};
-constexpr KeyTangent kTangents[] = {
-    KeyTangent::Auto,    KeyTangent::Fixed,   KeyTangent::Linear,   KeyTangent::Flat,
-    KeyTangent::Smooth,  KeyTangent::Step,    KeyTangent::Slow,     KeyTangent::Fast,
-    KeyTangent::Clamped, KeyTangent::Plateau, KeyTangent::StepNext, KeyTangent::Auto};
+constexpr KeyTangent kTangents[] = {KeyTangent::Auto,    KeyTangent::Fixed,    KeyTangent::Linear,
+                                    KeyTangent::Flat,    KeyTangent::Smooth,   KeyTangent::Step,
+                                    KeyTangent::Slow,    KeyTangent::Fast,     KeyTangent::Clamped,
+                                    KeyTangent::Plateau, KeyTangent::StepNext, KeyTangent::Auto};
 constexpr double kSameTime = 1e-9;
 
 dg::Node* curveIn(const MObject& object, MStatus* status) {
