@@ -15,6 +15,7 @@ awk_program='
   /^#/ { isMacro = /\\$/; next }
   /^[ ]*(\/\/|$)/ { next }
   {
+    sub(/ +\/\/.*$/, "")
     match($0, /^ */)
     indent = RLENGTH
     for (i in isOpen) if (isOpen[i] && indent == i && $0 ~ /^ *}/) finish(i)
