@@ -32,7 +32,7 @@ void polyMergeEdge(Declarations& add) {
       .parameter(integer("secondEdge", "se", -1), "the number of the other")
       .parameter(boolean("mergeTexture", "mt"), "sews the map there too")
       .trial("-fe 0 -se 1", "object")
-      .trial("-fe 0 -se 3 -mm 0 -mt 1", "object")
+      .trial("-fe 0 -se 1 -mm 0 -mt 1", "object")
       .trial("-fe 1 -se 2 -mm 2", "object")
       .operation(merge);
 }

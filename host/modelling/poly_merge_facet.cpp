@@ -38,8 +38,8 @@ void polyMergeFacet(Declarations& add) {
       .parameter(integer("firstFacet", "ff", -1), "the number of the face")
       .parameter(integer("secondFacet", "sf", -1), "the number of the one that becomes a hole")
       .trial("-ff 0 -sf 2", "object")
-      .trial("-ff 0 -sf 3 -mm 0", "object")
-      .trial("-ff 1 -sf 6 -mm 4", "object")
+      .trial("-ff 0 -sf 2 -mm 0", "object")
+      .trial("-ff 0 -sf 2 -mm 4", "object")
       .operation(merge);
 }
 
