@@ -102,11 +102,14 @@ class PromptMessages {
 
 PromptMessages* promptMessages = nullptr;
 
+/// While a question stands: a program that is about to end waits for its answer.
+bool isAsking = false;
+
 /// The next byte of a stream, -1 at its end, after Ctrl-C and when the program is to end. Timers,
 /// idle scripts and redraws have their turns until it comes.
 int waitForByte(std::FILE* stream) {
   constexpr int kTurnMilliseconds = 20;
-  while (!wasInterrupted() && !promptSession->isQuitting) {
+  while (!wasInterrupted() && (isAsking || !promptSession->isQuitting)) {
     pollfd ready{fileno(stream), POLLIN, 0};
     const int found = poll(&ready, 1, kTurnMilliseconds);
     if (found == 0 && promptMessages) promptMessages->liveOn(*promptSession);
@@ -136,7 +139,9 @@ int waitForCharacter(std::FILE* stream) {
 
 /// What a person answers; nothing at the end of input or after Ctrl-C.
 std::optional<std::string> ask(const char* question) {
+  isAsking = true;
   char* answer = readline(question);
+  isAsking = false;
   if (!answer) return std::nullopt;
   std::string text = answer;
   std::free(answer);

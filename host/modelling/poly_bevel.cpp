@@ -132,6 +132,7 @@ void polyBevel(Declarations& add) {
       .recordedOnly()
       .trial("-offset 0.1 -offsetAsFraction 1", "e")
       .trial("-o 0.05 -oaf 0 -sg 3 -r 0.2 -ws 1 -fillNgons 0 -ua 0", "e")
+      .trial("-o 0.05 -oaf 0 -sg 3 -r 0.5 -sn 1", "e")
       .operation(bevelByRoundness);
 
   Declaration& newer = add("polyBevel3", "Replaces edges by strips of faces.")

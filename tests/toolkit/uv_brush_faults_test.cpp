@@ -4,7 +4,7 @@
 // between.
 
 TEST_CASE("UV brush: off the mesh and back, no radius, one beyond all meshes, nothing to brush") {
-  brushHand hand;
+  uvBrushHand hand;
   const uvArrays before = hand.uvs();
   const auto start = hand.at(hand.vertex(60));
   hand.press(start, toolHand::kLeft);
@@ -38,7 +38,7 @@ TEST_CASE("UV brush: off the mesh and back, no radius, one beyond all meshes, no
 TEST_CASE("UV brush: Escape takes a stroke back, another tool ends it where it is") {
   for (const uvHome home : kHomes) {
     CAPTURE(static_cast<int>(home));
-    brushHand hand(brushHand::kPlane, home);
+    uvBrushHand hand(uvBrushHand::kPlane, home);
     const uvArrays before = hand.uvs();
     const auto hash = hand.sceneHash();
     const std::size_t items = hand.undoItems();
@@ -67,7 +67,7 @@ TEST_CASE("UV brush: Escape takes a stroke back, another tool ends it where it i
 TEST_CASE("UV brush: what a script does in mid-stroke is kept, and undone in its order") {
   for (const uvHome home : {uvHome::kUvObject, uvHome::kStored, uvHome::kHistory}) {
     CAPTURE(static_cast<int>(home));
-    brushHand hand(brushHand::kPlane, home);
+    uvBrushHand hand(uvBrushHand::kPlane, home);
     const uvArrays before = hand.uvs();
     const auto hash = hand.sceneHash();
     const std::size_t items = hand.undoItems();
@@ -109,7 +109,7 @@ TEST_CASE("UV brush: a mesh that is rebuilt, deleted or left behind in mid-strok
         continue;
       CAPTURE(static_cast<int>(home));
       CAPTURE(std::string(what));
-      brushHand hand(brushHand::kPlane, home);
+      uvBrushHand hand(uvBrushHand::kPlane, home);
       const auto start = hand.at(hand.vertex(49));
       hand.press(start, toolHand::kLeft);
       hand.dragTo({start.x + 20, start.y}, toolHand::kLeft);
@@ -125,7 +125,7 @@ TEST_CASE("UV brush: a mesh that is rebuilt, deleted or left behind in mid-strok
 }
 
 TEST_CASE("UV brush: places without area, edges of three faces and shared points hold no fault") {
-  brushHand hand(
+  uvBrushHand hand(
       "polyPlane -n shape -w 10 -h 10 -sx 6 -sy 6; polyExtrudeEdge -kft 1 -ltz 1 shape.e[30];"
       "polyEditUV -su 0 -sv 0 -pu 0.5 -pv 0.5 shape.map[16:18]",
       uvHome::kStored);
@@ -140,7 +140,7 @@ TEST_CASE("UV brush: places without area, edges of three faces and shared points
 
 TEST_CASE("UV brush: a thousand strokes, and all of them undone") {
   for (const uvHome home : {uvHome::kUvObject, uvHome::kHistory}) {
-    brushHand hand(brushHand::kPlane, home);
+    uvBrushHand hand(uvBrushHand::kPlane, home);
     hand.run("undoInfo -infinity on");
     const auto hash = hand.sceneHash();
     const uvArrays before = hand.uvs();
@@ -164,8 +164,8 @@ TEST_CASE("UV brush: a thousand strokes, and all of them undone") {
 TEST_CASE("UV brush: in other units and with two UV objects in the scene") {
   for (const char* unit : {"m", "mm", "in"}) {
     CAPTURE(unit);
-    brushHand hand(std::string("currentUnit -l ") + unit +
-                   "; polyPlane -n shape -w 1 -h 1 -sx 10 -sy 10");
+    uvBrushHand hand(std::string("currentUnit -l ") + unit +
+                     "; polyPlane -n shape -w 1 -h 1 -sx 10 -sy 10");
     hand.run(
         "polyPlane -n other -sx 10 -sy 10 -ch 0; select -r other; qxBuildUVObject; select -r "
         "polySurface1");
@@ -190,7 +190,7 @@ TEST_CASE(
     "stands") {
   for (const char* pose : kPoses) {
     CAPTURE(pose);
-    brushHand hand;
+    uvBrushHand hand;
     std::string posed = pose;
     for (std::size_t at = 0; (at = posed.find("shape", at)) != std::string::npos; at += 12)
       posed.replace(at, 5, "polySurface1");
@@ -217,7 +217,7 @@ TEST_CASE(
     CHECK(hand.uvs() == before);
     CHECK(hand.sceneHash() == hash);
   }
-  brushHand hand(brushHand::kPlane, uvHome::kStored);
+  uvBrushHand hand(uvBrushHand::kPlane, uvHome::kStored);
   hand.run(
       "instance -n twin shape; move 30 0 0 twin; rotate 0 90 0 twin; select -r twin; viewFit top");
   const uvArrays before = hand.uvs();
@@ -234,7 +234,7 @@ TEST_CASE("UV brush: strokes among other edits of a mesh come undone and done ag
       CAPTURE(static_cast<int>(home));
       CAPTURE(seed);
       std::mt19937 random(seed);
-      brushHand hand(brushHand::kPlane, home);
+      uvBrushHand hand(uvBrushHand::kPlane, home);
       const auto first = hand.sceneHash();
       const std::size_t items = hand.undoItems();
       for (int i = 0; i < 14; ++i) {
@@ -275,7 +275,7 @@ TEST_CASE("UV brush: strokes among other edits of a mesh come undone and done ag
 }
 
 TEST_CASE("UV brush: UVs that the host has pinned stay, and with undo off a stroke is no step") {
-  brushHand hand(brushHand::kPlane, uvHome::kStored);
+  uvBrushHand hand(uvBrushHand::kPlane, uvHome::kStored);
   hand.run("select -r shape.map[49]; polyPinUV -v 1; select -r shape");
   const uvArrays before = hand.uvs();
   hand.run("undoInfo -swf 0");

@@ -19,9 +19,9 @@ inline constexpr uvHome kHomes[] = {uvHome::kUvObject, uvHome::kCallbackObject, 
                                     uvHome::kStored, uvHome::kHistory};
 
 /// A hand with a UV brush over the mesh "shape", or over its UV object.
-struct brushHand : toolHand {
-  explicit brushHand(const std::string& mesh = kPlane, uvHome homeIn = uvHome::kUvObject,
-                     const std::string& context = "tweakUvBrushContext")
+struct uvBrushHand : toolHand {
+  explicit uvBrushHand(const std::string& mesh = kPlane, uvHome homeIn = uvHome::kUvObject,
+                       const std::string& context = "tweakUvBrushContext")
       : home(homeIn), tool(context) {
     run(mesh);
     run("setAttr top.translateY 1000");

@@ -4,7 +4,7 @@
 
 TEST_CASE(
     "UV brush: a vertex of a UV object goes where the hand goes, what is out of reach stays") {
-  brushHand hand;
+  uvBrushHand hand;
   const MPointArray before = toolkitSession::points("polySurface1");
   const uvArrays uvsBefore = hand.uvs();
   const auto start = hand.at(hand.vertex(60));
@@ -32,7 +32,7 @@ TEST_CASE("UV brush: one step of undo, exact both ways, wherever the UVs are kep
     for (const char* mode : {"move", "smear", "relax"}) {
       CAPTURE(static_cast<int>(home));
       CAPTURE(mode);
-      brushHand hand(brushHand::kPlane, home);
+      uvBrushHand hand(uvBrushHand::kPlane, home);
       if (hand.uvObject.empty())
         hand.run("polyEditUV -pu 0.5 -pv 0.5 -a 20 shape.map[48:50]");
       else
@@ -59,7 +59,7 @@ TEST_CASE("UV brush: one step of undo, exact both ways, wherever the UVs are kep
 }
 
 TEST_CASE("UV brush: strokes on a mesh with history share one tweak node, and undo takes it away") {
-  brushHand hand(brushHand::kPlane, uvHome::kHistory);
+  uvBrushHand hand(uvBrushHand::kPlane, uvHome::kHistory);
   const auto hash = hand.sceneHash();
   for (int i = 0; i < 6; ++i) hand.drag(hand.vertex(36 + i), 5, 3);
   CHECK(nodesOf("polyTweakUV") == 1);
@@ -75,7 +75,7 @@ TEST_CASE("UV brush: on the mesh the picture follows the hand, however the mesh 
     for (const uvHome home : {uvHome::kStored, uvHome::kHistory, uvHome::kLinkedMesh}) {
       CAPTURE(pose);
       CAPTURE(static_cast<int>(home));
-      brushHand hand(std::string(brushHand::kPlane) + ";" + pose, home);
+      uvBrushHand hand(std::string(uvBrushHand::kPlane) + ";" + pose, home);
       hand.set("-wholeShells on");
       const auto hit = [&](toolHand::place place, MPoint& point) {
         MPoint origin;
@@ -107,7 +107,7 @@ TEST_CASE("UV brush: on the mesh the picture follows the hand, however the mesh 
 }
 
 TEST_CASE("UV brush: turning, scaling, their other way, and a move along one axis alone") {
-  brushHand hand(brushHand::kPlane, uvHome::kUvObject, "moveRotateScaleUVBrushContext");
+  uvBrushHand hand(uvBrushHand::kPlane, uvHome::kUvObject, "moveRotateScaleUVBrushContext");
   hand.set("-wholeShells on -mode rotate");
   const auto center = hand.at(hand.vertex(60)), side = hand.at(hand.vertex(64));
   REQUIRE(side.x - center.x > 50);
@@ -130,7 +130,7 @@ TEST_CASE("UV brush: turning, scaling, their other way, and a move along one axi
 }
 
 TEST_CASE("UV brush: pins, borders and whole shells are kept") {
-  brushHand hand;
+  uvBrushHand hand;
   hand.run("select -r polySurface1.vtx[49]; qxPinVertsCmd -pinVert true; select -r polySurface1");
   uvArrays before = hand.uvs();
   hand.drag(hand.vertex(60), 60, 60);
@@ -159,7 +159,7 @@ TEST_CASE("UV brush: pins, borders and whole shells are kept") {
 
 TEST_CASE("UV brush: relaxing gives back the shape of the surface, evening out without it") {
   for (const uvHome home : {uvHome::kUvObject, uvHome::kStored}) {
-    brushHand hand(brushHand::kPlane, home, "moveRotateScaleUVBrushContext");
+    uvBrushHand hand(uvBrushHand::kPlane, home, "moveRotateScaleUVBrushContext");
     const uvArrays flat = hand.uvs();
     hand.set("-mode move -screenRadius 70");
     hand.drag(hand.vertex(60), 35, 20);
@@ -183,7 +183,7 @@ TEST_CASE("UV brush: relaxing gives back the shape of the surface, evening out w
 }
 
 TEST_CASE("UV brush: mirrored across the middle of the map") {
-  brushHand hand;
+  uvBrushHand hand;
   hand.set("-mirror on -mirrorAxis x -screenRadius 60");
   hand.drag(hand.vertex(58), 15, 10);
   const uvArrays uvs = hand.uvs();
@@ -203,7 +203,7 @@ TEST_CASE("UV brush: no polygon turns over, whatever the hand does") {
       CAPTURE(static_cast<int>(home));
       CAPTURE(seed);
       std::mt19937 random(seed);
-      brushHand hand(brushHand::kPlane, home, "moveRotateScaleUVBrushContext");
+      uvBrushHand hand(uvBrushHand::kPlane, home, "moveRotateScaleUVBrushContext");
       const auto middle = hand.at(hand.vertex(60));
       const auto any = [&](int reach) {
         return static_cast<double>(random() % (2 * reach)) - reach;
@@ -223,7 +223,7 @@ TEST_CASE("UV brush: no polygon turns over, whatever the hand does") {
 
 TEST_CASE("UV brush: the pen's pressure is the strength, or the radius") {
   const auto strokeWith = [](double pressure, const char* use) {
-    brushHand hand;
+    uvBrushHand hand;
     hand.set(std::string("-pressure ") + use);
     const auto start = hand.at(hand.vertex(60));
     const auto mel = [&](const char* what, double x) {

@@ -214,7 +214,7 @@ Result<BevelPlan::Placed> BevelPlan::place(const BevelEdgesOptions& asked) const
   placeOpen(data, options, open);
   std::vector<Index> targets = joinedIn(data, options, open);
   if (targets.empty()) {
-    softenSides(open, data.softened, options.smoothingAngle);
+    softenSides(open, data.softened, options.smoothingAngle, nullptr, &data.built.mesh);
     tellOrigin(data.before, open, data.origin);
     return Placed{open, {data_, &data.built.result}};
   }
@@ -227,7 +227,8 @@ Result<BevelPlan::Placed> BevelPlan::place(const BevelEdgesOptions& asked) const
   }
   Mesh& closed = data.closed.next(data.welded->mesh);
   data.welded->follow(open, closed);
-  softenSides(closed, data.welded->softened, options.smoothingAngle);
+  softenSides(closed, data.welded->softened, options.smoothingAngle, nullptr,
+              &data.welded->mesh);
   tellOrigin(data.before, closed, data.welded->origin);
   return Placed{closed, data.welded->result};
 }

@@ -22,12 +22,12 @@ bool isWithin(const Mesh& mesh, FaceId f, FaceId g, double angle, const math::Ma
   return std::atan2(math::length(math::cross(a, b)), math::dot(a, b)) <= angle + kAngleSlack;
 }
 
-bool isSmoothAt(const Mesh& mesh, const EdgeSides& sides, double angle,
+bool isSmoothAt(const Mesh& mesh, const Mesh& own, const EdgeSides& sides, double angle,
                 const math::Matrix4* space) {
   if (angle <= 0) return false;
   if (angle >= std::numbers::pi) return true;
   if (sides.faceCount > 2) return false;
-  if (sides.faceCount < 2) return mesh.isEdgeSmooth(sides.edge);
+  if (sides.faceCount < 2) return own.isEdgeSmooth(sides.edge);
   return isWithin(mesh, sides.first, sides.second, angle, space);
 }
 
@@ -53,12 +53,12 @@ std::vector<EdgeSides> sidesOfEdges(const Mesh& mesh, std::span<const EdgeId> ed
 }
 
 void softenSides(Mesh& mesh, std::span<const EdgeSides> sides, double angle,
-                 const math::Matrix4* space) {
+                 const math::Matrix4* space, const Mesh* own) {
   std::vector<std::uint8_t> isSmooth(sides.size());
   constexpr std::size_t kGrain = 2048;
   parallelFor(sides.size(), kGrain, [&](std::size_t begin, std::size_t end) {
     for (std::size_t i = begin; i < end; ++i)
-      isSmooth[i] = isSmoothAt(mesh, sides[i], angle, space) ? 1 : 0;
+      isSmooth[i] = isSmoothAt(mesh, own ? *own : mesh, sides[i], angle, space) ? 1 : 0;
   });
   bool isChanged = false;
   for (std::size_t i = 0; i < sides.size() && !isChanged; ++i)

@@ -99,6 +99,7 @@ bool isShownElsewhere(const std::string& name) {
       "polyMirrorFace.mergeThresholdType",  // about -mergeThreshold
       "polyLayoutUV.denseLayout",           // only where -layoutMethod packs boxes
       "polyMapSewMove.limitPieceSize",      // about -numberFaces
+      "polyMergeEdge.mergeTexture",         // border edges whose UVs lie apart
       "unfold.scale",                       // only with -useScale
       "polyReduce.keepFaceGroupBorder",     // groups of faces
       "polyQuad.keepTextureBorders",
