@@ -227,8 +227,7 @@ Result<BevelPlan::Placed> BevelPlan::place(const BevelEdgesOptions& asked) const
   }
   Mesh& closed = data.closed.next(data.welded->mesh);
   data.welded->follow(open, closed);
-  softenSides(closed, data.welded->softened, options.smoothingAngle, nullptr,
-              &data.welded->mesh);
+  softenSides(closed, data.welded->softened, options.smoothingAngle, nullptr, &data.welded->mesh);
   tellOrigin(data.before, closed, data.welded->origin);
   return Placed{closed, data.welded->result};
 }

@@ -32,7 +32,8 @@ struct EdgeSides {
 
 /// Does what softenEdges() does for edges whose sides are known; no space: object space. Linear in
 /// the edges; copies the flags of all edges when one changes.
-/// @param own  the mesh whose border edges say what theirs are; none: `mesh` itself. For meshes that
+/// @param own  the mesh whose border edges say what theirs are; none: `mesh` itself. For meshes
+/// that
 ///             were softened before and come again
 void softenSides(Mesh& mesh, std::span<const EdgeSides> sides, double angle,
                  const math::Matrix4* space = nullptr, const Mesh* own = nullptr);
