@@ -59,6 +59,13 @@ class Hand {
         " brush; setToolTo brush");
     view().port = {1280, 720};
   }
+  Hand(const Hand&) = delete;
+  Hand& operator=(const Hand&) = delete;
+  /// The tool and its scene end before the program's statics do.
+  ~Hand() {
+    run("setToolTo selectSuperContext; deleteUI -toolContext brush");
+    session().newScene();
+  }
   host::workspace::View& view() { return host::workspace::workspaceOf(session()).views.active(); }
   void send(InputKind kind, ViewPoint at) {
     host::tools::InputEvent event;
