@@ -4,6 +4,7 @@
 
 #include "host/builtins/common/command.h"
 #include "host/mesh/adjacency.h"
+#include "host/modelling/declare/corner_values.h"
 #include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
 
@@ -72,23 +73,6 @@ std::vector<CornerId> corners(const MeshItem& item) {
   return all;
 }
 
-/// Drops colours that no corner has any more; the others keep their order.
-void dropUnused(mesh::ColorSet& set) {
-  std::vector<Index> newIds(set.colors.size(), kNone);
-  for (const Index id : set.cornerIds)
-    if (id != kNone) newIds[static_cast<std::size_t>(id)] = 0;
-  std::vector<Color4f> kept;
-  for (std::size_t i = 0; i < newIds.size(); ++i) {
-    if (newIds[i] == kNone) continue;
-    newIds[i] = static_cast<Index>(kept.size());
-    kept.push_back(set.colors[i]);
-  }
-  set.colors = std::move(kept);
-  for (Index& id : set.cornerIds)
-    if (id != kNone) id = newIds[static_cast<std::size_t>(id)];
-  if (set.colors.empty()) set.cornerIds.clear();
-}
-
 void recolor(mesh::ColorSet& set, Index cornerCount, const std::vector<CornerId>& wanted,
              const ColorChange& change) {
   if (set.cornerIds.empty()) set.cornerIds.assign(static_cast<std::size_t>(cornerCount), kNone);
@@ -106,7 +90,7 @@ void recolor(mesh::ColorSet& set, Index cornerCount, const std::vector<CornerId>
           change.on(id == kNone ? Color4f{} : set.colors[static_cast<std::size_t>(id)]));
     id = found->second;
   }
-  dropUnused(set);
+  modelling::dropUnusedColors(set);
 }
 
 Result<void> colorOne(const MeshItem& item, const ColorChange& change) {
