@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <ctime>
 #include <string>
 #include <vector>
 
@@ -25,18 +24,12 @@ using host::Index;
 using host::tools::InputKind;
 using host::tools::MouseButton;
 using host::viewport::ViewPoint;
+using tool_bench::cpuMilliseconds;
 using tool_bench::run;
 using tool_bench::session;
 
 constexpr double kDabVertices = 10'000;
 constexpr double kTubeArea = 4.0 * 9.8696 * 3.0;  ///< of the torus, about
-
-/// Of this thread, so that other work on the machine is not in the tail.
-double cpuMilliseconds() {
-  timespec now{};
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-  return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
-}
 
 /// A hand with a brush over the bumpy torus, seen by the persp camera.
 class Hand {

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <random>
 #include <string>
 #include <vector>
@@ -27,6 +26,7 @@ using host::tools::InputKind;
 using host::tools::MouseButton;
 using host::viewport::ViewPoint;
 
+using tool_bench::cpuMilliseconds;
 using tool_bench::run;
 using tool_bench::session;
 
@@ -78,13 +78,6 @@ void selectFaces(std::int64_t faces, int count) {
 
 void sizes(benchmark::internal::Benchmark* bench) {
   bench->Arg(10'000)->Arg(100'000)->Arg(1'000'000);
-}
-
-/// Of this thread, so that other work on the machine is not in the tail.
-double cpuMilliseconds() {
-  timespec now{};
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-  return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
 }
 
 void hover(benchmark::State& state) {

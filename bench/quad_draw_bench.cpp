@@ -32,6 +32,7 @@ using host::viewport::ViewPoint;
 
 constexpr const char* kLocator = "qxModelingToolsDrawQuadLocator";
 
+using tool_bench::cpuMilliseconds;
 using tool_bench::run;
 using tool_bench::session;
 
@@ -48,12 +49,6 @@ MPointArray shown(const char* attribute) {
     return {};
   const MObject data = plug.asMObject();
   return data.isNull() ? MPointArray() : MFnPointArrayData(data).array();
-}
-
-double cpuMilliseconds() {
-  timespec now{};
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-  return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
 }
 
 double wallMilliseconds() {

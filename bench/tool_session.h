@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdlib>
+#include <ctime>
 #include <string>
 
 #include "host/api/session/host_session.h"
@@ -26,6 +27,14 @@ inline host::cmd::Session& session() {
 /// Runs MEL that must succeed.
 inline void run(const std::string& mel) {
   if (const auto done = session().executeLine(mel); !done) std::abort();
+}
+
+/// Milliseconds of a clock; by default this thread's, so that other work on the machine is not in
+/// the tail.
+inline double cpuMilliseconds(clockid_t clock = CLOCK_THREAD_CPUTIME_ID) {
+  timespec now{};
+  clock_gettime(clock, &now);
+  return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
 }
 
 }  // namespace tool_bench

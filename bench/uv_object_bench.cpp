@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <ctime>
 #include <string>
 #include <vector>
 
@@ -21,6 +20,7 @@ using host::mesh::Mesh;
 
 constexpr Index kShells = 1000;
 
+using tool_bench::cpuMilliseconds;
 using tool_bench::run;
 using tool_bench::session;
 
@@ -117,13 +117,6 @@ void ratioByNode(benchmark::State& state) {
 }
 void ratioByTweak(benchmark::State& state) {
   ratio(state, "uvRatioCmd -uv 1");
-}
-
-/// Of this thread, so that other work on the machine is not in the tail.
-double cpuMilliseconds() {
-  timespec now{};
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-  return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
 }
 
 void send(host::tools::InputKind kind, double x) {

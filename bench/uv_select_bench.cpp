@@ -24,6 +24,7 @@ using host::tools::InputKind;
 using host::tools::MouseButton;
 using host::viewport::ViewPoint;
 
+using tool_bench::cpuMilliseconds;
 using tool_bench::run;
 using tool_bench::session;
 
@@ -43,13 +44,6 @@ host::mesh::Mesh torus(const benchmark::State& state) {
 
 void sizes(benchmark::internal::Benchmark* bench) {
   bench->Arg(10'000)->Arg(100'000)->Arg(1'000'000);
-}
-
-/// Of this thread, so that other work on the machine is not in the tail; or of all threads.
-double cpuMilliseconds(clockid_t clock = CLOCK_THREAD_CPUTIME_ID) {
-  timespec now{};
-  clock_gettime(clock, &now);
-  return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
 }
 
 void tell(benchmark::State& state, std::vector<double> times) {

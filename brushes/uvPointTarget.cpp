@@ -10,14 +10,21 @@
 
 uvPointTarget::uvPointTarget(const MDagPath& uvObject) : path(uvObject) {}
 
-bool uvPointTarget::readPoints(std::vector<float>& now) const {
+/// @return null when they can't be read; good until the mesh is edited
+const float* uvPointTarget::rawPoints(std::size_t& numbers) const {
   MStatus status;
   const MFnMesh mesh(path, &status);
-  if (!status) return false;
-  const int count = mesh.numVertices(&status);
+  if (!status) return nullptr;
+  numbers = 3 * static_cast<std::size_t>(mesh.numVertices(&status));
   const float* const raw = status ? mesh.getRawPoints(&status) : nullptr;
-  if (!status || !raw) return false;
-  now.assign(raw, raw + 3 * static_cast<std::size_t>(count));
+  return status ? raw : nullptr;
+}
+
+bool uvPointTarget::readPoints() {
+  std::size_t numbers = 0;
+  const float* const raw = rawPoints(numbers);
+  if (!raw) return false;
+  points.assign(raw, raw + numbers);
   return true;
 }
 
@@ -31,7 +38,7 @@ void uvPointTarget::givePlaces(std::vector<float>& places) const {
 
 bool uvPointTarget::read(content& read) {
   const MFnMesh mesh(path);
-  if (!readPoints(points) || !mesh.getVertices(read.counts, read.ids)) {
+  if (!readPoints() || !mesh.getVertices(read.counts, read.ids)) {
     failWith(path.partialPathName() + " has no UVs to brush");
     return false;
   }
@@ -43,10 +50,12 @@ bool uvPointTarget::read(content& read) {
 }
 
 uvTarget::state uvPointTarget::keepUp(std::vector<float>& places) {
-  std::vector<float> now;
-  if (!path.isValid() || !readPoints(now) || now.size() != points.size()) return kGone;
-  if (now == points) return kSame;
-  points.swap(now);
+  std::size_t numbers = 0;
+  const float* const raw = path.isValid() ? rawPoints(numbers) : nullptr;
+  if (!raw || numbers != points.size()) return kGone;
+  // Asked at every event: nothing is copied while nothing has changed.
+  if (std::equal(points.begin(), points.end(), raw)) return kSame;
+  points.assign(raw, raw + numbers);
   givePlaces(places);
   settle();
   written.reset();
@@ -77,7 +86,7 @@ bool uvPointTarget::write(const std::vector<int>& uvs, const uvLayout& layout) {
     written->setAfter(known->second, &places[3 * i]);
     std::copy_n(&places[3 * i], 3, &points[3 * static_cast<std::size_t>(vertices[i])]);
   }
-  return readPoints(points);  // with history what comes back may be rounded
+  return readPoints();  // with history what comes back may be rounded
 }
 
 void uvPointTarget::settle() {

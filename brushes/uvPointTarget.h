@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <unordered_map>
+#include <vector>
 
 #include "brushes/pointRecord.h"
 #include "brushes/uvTarget.h"
@@ -20,7 +22,8 @@ class uvPointTarget : public uvTarget {
   const float* stored(int vertex) const { return &points[3 * static_cast<std::size_t>(vertex)]; }
 
  private:
-  bool readPoints(std::vector<float>& now) const;
+  const float* rawPoints(std::size_t& numbers) const;
+  bool readPoints();
   void givePlaces(std::vector<float>& places) const;
 
   MDagPath path;

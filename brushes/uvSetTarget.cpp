@@ -8,11 +8,15 @@
 
 uvSetTarget::uvSetTarget(const MDagPath& mesh) : path(mesh) {}
 
-bool uvSetTarget::readPlaces(std::vector<float>& places) const {
+bool uvSetTarget::readUvs(MFloatArray& u, MFloatArray& v) const {
   MStatus status;
   const MFnMesh mesh(path, &status);
+  return status && mesh.getUVs(u, v, &set);
+}
+
+bool uvSetTarget::readPlaces(std::vector<float>& places) const {
   MFloatArray u, v;
-  if (!status || !mesh.getUVs(u, v, &set)) return false;
+  if (!readUvs(u, v)) return false;
   places.resize(2 * static_cast<std::size_t>(u.length()));
   for (unsigned int i = 0; i < u.length(); ++i) {
     places[2 * static_cast<std::size_t>(i)] = u[i];
@@ -35,13 +39,24 @@ bool uvSetTarget::read(content& read) {
   return true;
 }
 
+bool uvSetTarget::isLast(const MFloatArray& u, const MFloatArray& v) const {
+  for (unsigned int i = 0; i < u.length(); ++i)
+    if (last[2 * static_cast<std::size_t>(i)] != u[i] ||
+        last[2 * static_cast<std::size_t>(i) + 1] != v[i])
+      return false;
+  return true;
+}
+
 uvTarget::state uvSetTarget::keepUp(std::vector<float>& places) {
   if (!path.isValid()) return kGone;
-  std::vector<float> now;
-  if (!readPlaces(now) || now.size() != last.size() || MFnMesh(path).currentUVSetName() != set)
+  MFloatArray u, v;
+  if (!readUvs(u, v) || 2 * static_cast<std::size_t>(u.length()) != last.size() ||
+      MFnMesh(path).currentUVSetName() != set)
     return kGone;
-  if (now == last) return kSame;
-  last = places = now;
+  // Asked at every event: nothing is copied while nothing has changed.
+  if (isLast(u, v)) return kSame;
+  if (!readPlaces(last)) return kGone;
+  places = last;
   settle();
   written.reset();
   return kMoved;

@@ -2,8 +2,12 @@
 
 #include <maya/MString.h>
 
+#include <vector>
+
 #include "brushes/uvSetRecord.h"
 #include "brushes/uvTarget.h"
+
+class MFloatArray;
 
 /// The current UV set of a mesh that has no UV object.
 class uvSetTarget : public uvTarget {
@@ -16,7 +20,9 @@ class uvSetTarget : public uvTarget {
   void settle() override;
 
  private:
+  bool readUvs(MFloatArray& u, MFloatArray& v) const;
   bool readPlaces(std::vector<float>& places) const;
+  bool isLast(const MFloatArray& u, const MFloatArray& v) const;
 
   MDagPath path;
   MString set;
