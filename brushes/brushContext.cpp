@@ -218,7 +218,7 @@ void brushContext::makeDab(const penSample& place) {
   next.hit = hitAt(place.x, place.y);
   if (!isInStroke()) {
     if (!next.hit.isHit() || isOver || !beginAt(next.hit)) return;
-  } else if (!next.hit.isHit() && !goesOnBesideMesh() && !followsPointer()) {
+  } else if (!next.hit.isHit() && !followsPointer()) {
     lastHit = brushHit();
     return;
   }

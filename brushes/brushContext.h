@@ -94,8 +94,6 @@ class brushContext : public plainToolContext {
   /// Somebody else has moved points of the mesh in mid-stroke; its surface has them. What was
   /// recorded so far stays a record of its own, what follows belongs in a new one.
   virtual void meshChanged() = 0;
-  /// Whether dabs come beside the mesh too, once the stroke has begun on it.
-  virtual bool goesOnBesideMesh() const { return false; }
   /// Whether one dab comes for each event, at the pointer, instead of dabs at even steps. Such a
   /// stroke has to begin on the mesh.
   virtual bool followsPointer() const { return false; }
@@ -124,10 +122,6 @@ class brushContext : public plainToolContext {
   MPoint heldAt(double x, double y) const;
   /// The stroke writes to the mesh that was hit while this lives.
   brushSurfaces::ownEdit ownEdit() { return {surfaces, *startHit.surface}; }
-  /// The line of sight through a pixel.
-  void rayAt(double x, double y, MPoint& origin, MVector& direction) const {
-    projector->ray(x, y, origin, direction);
-  }
   const brushHit& strokeStart() const { return startHit; }
   bool isInStroke() const { return startHit.isHit(); }
   /// Whether Shift or Ctrl was down when the stroke began.

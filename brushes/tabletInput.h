@@ -20,7 +20,6 @@ class tabletInput {
   void attach(std::uintptr_t window, int device);
   /// Lets go of the window and of all users, before an unload.
   void detach();
-  bool isAttached() const { return isGiven; }
 
   /// A brush comes to hand, and goes.
   void beginUse();
@@ -31,9 +30,6 @@ class tabletInput {
   /// The pen now; a mouse while nothing listens. Numbers that are none or out of range count as a
   /// mouse's, or as the nearest that can be.
   penState pen() const;
-  double pressure() const { return pen().pressure; }
-  double tiltX() const { return pen().tiltX; }
-  double tiltY() const { return pen().tiltY; }
 
  private:
   tabletInput() = default;

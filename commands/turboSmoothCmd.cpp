@@ -92,19 +92,19 @@ MStatus link(const MDagPath& source, const MDagPath& copy) {
   return hidden;
 }
 
-void show(const MDagPath& source, bool wasIntermediate, bool wasVisible) {
+void show(const MDagPath& source) {
   MPlug intermediate = plugOf(source, "intermediateObject");
   if (intermediate.isNull()) {
     MGlobal::displayError("cannot find intermediateObject plug");
     return;
   }
-  intermediate.setValue(wasIntermediate);
+  intermediate.setValue(false);
   MPlug visibility = plugOf(source, "visibility");
   if (visibility.isNull()) {
     MGlobal::displayError("cant find the visibility attribute!");
     return;
   }
-  visibility.setValue(wasVisible);
+  visibility.setValue(true);
   int hasSet = 0;
   MGlobal::executeCommand("objExists qxTSmoothObjectsSet", hasSet);
   if (hasSet != 0)
@@ -167,21 +167,17 @@ MStatus turboSmoothCmd::smoothObject(const MDagPath& source) {
   MDagPath copy;
   status = copies.getDagPath(0, copy);
   if (status != MS::kSuccess) return status;
-  shownState before;
-  before.isIntermediate = plugOf(source, "intermediateObject").asBool();
-  before.isVisible = plugOf(source, "visibility").asBool();
+  const bool wasHidden = plugOf(source, "intermediateObject").asBool();
   status = link(source, copy);
   if (status == MS::kSuccess) status = smoothCopy(copy);
   if (status == MS::kSuccess) {
     sourcePaths.append(source);
-    statesBefore.push_back(before);
     smoothPaths.append(copy);
   } else {
     // An object must not vanish behind a copy that could not be smoothed.
     deletePath(copy);
     MPlug intermediate = plugOf(source, "intermediateObject");
-    if (intermediate.asBool() != before.isIntermediate)
-      intermediate.setValue(before.isIntermediate);
+    if (intermediate.asBool() != wasHidden) intermediate.setValue(wasHidden);
   }
   MGlobal::setActiveSelectionList(MSelectionList());
   return status;
@@ -214,8 +210,7 @@ MStatus turboSmoothCmd::undoIt() {
     if (smoothPaths[i].isValid()) removal->deleteNode(smoothPaths[i].node());
   const MStatus status = removal->doIt();
   for (unsigned int i = 0; i < sourcePaths.length(); ++i)
-    if (sourcePaths[i].isValid())
-      show(sourcePaths[i], statesBefore[i].isIntermediate, statesBefore[i].isVisible);
+    if (sourcePaths[i].isValid()) show(sourcePaths[i]);
   MGlobal::setActiveSelectionList(selection);
   return status;
 }

@@ -225,7 +225,10 @@ class randomEdits {
     }
   }
   std::string pluginCommand() {
-    const std::string selected = "select -r " + transform() + "; ";
+    // Undo of a smooth shows its object, whatever was before: only what is shown is smoothed.
+    const std::string object = transform();
+    const std::string selected = "catch(`setAttr " + object + ".visibility 1`); catch(`setAttr " +
+                                 object + ".intermediateObject 0`); select -r " + object + "; ";
     switch (pick(5)) {
       case 0:
         return selected + "qxESmoothCmd";

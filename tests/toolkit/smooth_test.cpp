@@ -129,6 +129,11 @@ TEST_CASE(
   smooth(toolkit);
   toolkit.run("undo");
   CHECK(text(toolkit, "size(`sets -q qxTSmoothObjectsSet`)") == "0");
+  // Those too that were hidden before.
+  toolkit.run("hide a; setAttr b.intermediateObject 1; select a b");
+  smooth(toolkit);
+  toolkit.run("undo");
+  CHECK(text(toolkit, "`getAttr a.v` + `getAttr b.v` + `getAttr a.io` + `getAttr b.io`") == "2");
 }
 
 TEST_CASE(
