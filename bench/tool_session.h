@@ -11,15 +11,16 @@
 /// QXMT_BINARY_DIR say where its scripts and its module are.
 namespace tool_bench {
 
-/// The one session of the program; the program ends where the toolkit can't be loaded.
+/// The one session of the program; the program ends where the toolkit can't be loaded. It is never
+/// ended: what the module keeps in statics of its own would be gone by then.
 inline host::cmd::Session& session() {
-  static const auto instance = [] {
+  static host::cmd::Session* const instance = [] {
     auto made = host::api::makeHostSession();
     made->interpreter().setScriptPath({QXMT_SCRIPTS_DIR});
     const host::MessageCapture quiet;
     if (!made->executeLine("loadPlugin \"" QXMT_BINARY_DIR "/lib/qxModelingToolkit.so\""))
       std::abort();
-    return made;
+    return made.release();
   }();
   return *instance;
 }

@@ -1,12 +1,14 @@
 #include "commands/setCommands.h"
 
 #include <maya/MArgDatabase.h>
+#include <maya/MDagPath.h>
 #include <maya/MGlobal.h>
 #include <maya/MSelectionList.h>
 #include <maya/MString.h>
 
 #include "commands/viewMessages.h"
 #include "shared/selection/pickOrder.h"
+#include "shared/settings/slideObject.h"
 #include "shared/settings/storeValues.h"
 #include "shared/settings/toolMessages.h"
 #include "shared/settings/toolSettings.h"
@@ -23,6 +25,20 @@ MStatus readControls(const MString&) {
 /// Gives the vertex that was picked last as the command's result.
 MStatus tellLastPicked(const MString&) {
   MPxCommand::setResult(pickOrder::lastVertex());
+  return MS::kSuccess;
+}
+
+/// Gives the name of the object to slide on as the command's result: as it is called now, empty
+/// when there is none.
+MStatus tellSlideDag(const MString&) {
+  MDagPath object = slideObject::current();
+  if (object.isValid()) object.pop();
+  MPxCommand::setResult(object.isValid() ? object.partialPathName() : MString());
+  return MS::kSuccess;
+}
+
+MStatus clearSlideDag(const MString&) {
+  slideObject::set(MDagPath());
   return MS::kSuccess;
 }
 
@@ -106,6 +122,8 @@ constexpr messageRow kMessages[] = {
     {"checkForUpdates", checkForUpdates},
     {"resetValues", resetControls},
     {"lastPickedVertex", tellLastPicked},
+    {"slideDagName", tellSlideDag},
+    {"clearSlideDag", clearSlideDag},
 };
 
 }  // namespace

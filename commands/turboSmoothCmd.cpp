@@ -14,6 +14,8 @@
 #include <maya/MString.h>
 #include <maya/MUintArray.h>
 
+#include <utility>
+
 #include "shared/mesh/shownMesh.h"
 #include "shared/settings/flagReader.h"
 
@@ -123,7 +125,18 @@ MSyntax turboSmoothCmd::newSyntax() {
   return syntax;
 }
 
+/// A command that failed on one of its objects, while another takes over those that it was done
+/// with.
+turboSmoothCmd* turboSmoothCmd::handingOver = nullptr;
+
 MStatus turboSmoothCmd::doIt(const MArgList& arguments) {
+  if (handingOver) {
+    std::swap(sourcePaths, handingOver->sourcePaths);
+    std::swap(smoothPaths, handingOver->smoothPaths);
+    selection = handingOver->selection;
+    left = handingOver->left;
+    return MS::kSuccess;
+  }
   MStatus parsed;
   const MArgDatabase database(syntax(), arguments, &parsed);
   const MStatus status =
@@ -142,6 +155,12 @@ MStatus turboSmoothCmd::doIt(const MArgList& arguments) {
     MGlobal::setHiliteList(hilited);
   }
   MGlobal::getActiveSelectionList(left);
+  if (smoothed != MS::kSuccess && smoothPaths.length() > 0) {
+    // What a failed command has done no undo takes back: a command of its own keeps it.
+    handingOver = this;
+    MGlobal::executeCommand("qxESmoothCmd", false, true);
+    handingOver = nullptr;
+  }
   return smoothed;
 }
 

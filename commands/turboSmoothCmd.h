@@ -16,7 +16,7 @@
 /// rounds the kept edges just enough to catch the light. Copies have no history. Undo deletes them
 /// and shows the objects, those too that were hidden before; redo brings back the same copies, with
 /// whatever later steps have made of them. An object that can't be smoothed ends the command and
-/// stays as it was; those before it are smoothed.
+/// stays as it was; those before it are smoothed, which undo takes back.
 class turboSmoothCmd : public MPxCommand {
  public:
   MStatus doIt(const MArgList& arguments) override;
@@ -37,5 +37,7 @@ class turboSmoothCmd : public MPxCommand {
   MSelectionList selection;   ///< what was selected, then what was hilited
   MSelectionList left;        ///< what the first run left selected
   int numDiv = 1;             ///< divisions before the last, uncreased one add one to this
+  static turboSmoothCmd* handingOver;
+
   std::unique_ptr<MDagModifier> removal;  ///< brings back the copies that undo took away
 };

@@ -6,9 +6,11 @@ namespace {
 
 template <unsigned int count>
 void readAll(const toolOption (&options)[count], toolSettings& settings) {
-  int answer = 0;
-  for (const toolOption& option : options)
-    if (option.ask(answer)) option.store(settings, answer);
+  for (const toolOption& option : options) {
+    int answer = -1;
+    if ((option.onlyWhile && !(settings.*option.onlyWhile)) || option.ask(answer))
+      option.store(settings, answer);
+  }
 }
 
 }  // namespace

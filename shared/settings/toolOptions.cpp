@@ -51,7 +51,7 @@ const toolOption kModelingOptions[] = {
     {"intField -q -v smoothIntensity_QXMT_IF", nullptr, storeNumber<&toolSettings::smoothIntensity>},
     {"intField -q -v smoothPush_QXMT_IF", nullptr, storeNumber<&toolSettings::smoothPush>},
     {"checkBox -q -v enable_slide_soft_select_QXMT_CB", nullptr, storeFlag<&toolSettings::slideSoftSelect>},
-    {"textField -q -tx add_static_slide_object_QXMT_TF", kSlideTexts, storeSlideObject},
+    {"textField -q -tx add_static_slide_object_QXMT_TF", kSlideTexts, storeSlideObject, &toolSettings::slideSoftSelect},
     {"radioCollection -q -sl normal_direction_QXMT_RB", kDirections, storeChoice<&toolSettings::normalDirection>},
     {"checkBox -q -v mirror_QXMT_CB", nullptr, storeFlag<&toolSettings::mirror>},
     {"checkBox -q -v lockAxis_QXMT_CB", nullptr, storeFlag<&toolSettings::lockAxis>},

@@ -10,6 +10,8 @@ struct toolOption {
   const char* const* answers;
   /// Keeps an answer; -1 stands for one that is none of `answers`.
   void (*store)(toolSettings& settings, int answer);
+  /// A setting that must be on for the control to be asked; while it is off `store` gets -1.
+  bool toolSettings::*onlyWhile = nullptr;
 
   /// Asks the control. @return false when a box or a field gives no answer
   bool ask(int& answer) const;

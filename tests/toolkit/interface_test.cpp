@@ -142,6 +142,14 @@ TEST_CASE("a slide object survives the window being built anew; clearing forgets
         .value();
   };
   CHECK(shown() == "shape");
+  toolkit.run("rename shape other");
+  toolkit.session->loop().runIdle();
+  CHECK(shown() == "other");
   toolkit.run("uiGesture -press clearSlideObject_QXMT_B");
+  CHECK(shown() == "Load Object, or slide on itself");
+  // One that goes with its scene is not found again in another object of its name.
+  toolkit.run("select -r other; uiGesture -press loadSlideObject_QXMT_B; file -f -new");
+  toolkit.run("polyCube -n other");
+  toolkit.session->loop().runIdle();
   CHECK(shown() == "Load Object, or slide on itself");
 }

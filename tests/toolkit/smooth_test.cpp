@@ -158,6 +158,23 @@ TEST_CASE("qxESmoothCmd: an object that can't be hidden stays as it was, with wh
   CHECK(toolkit.hash() == before);
 }
 
+TEST_CASE("qxESmoothCmd: what was done before an object failed stays, and can be undone") {
+  toolkitSession toolkit;
+  toolkit.run(
+      "file -f -new; polyCube -n a; polyCube -n b; polyCube -n c; setAttr -lock 1 "
+      "b.intermediateObject; select a b c");
+  const std::uint64_t before = toolkit.hash();
+  (void)toolkit.failure("qxESmoothCmd");
+  CHECK(text(toolkit, "size(`ls -tr \"a1\" \"b1\" \"c1\"`)") == "1");
+  CHECK(text(toolkit, "`getAttr a.intermediateObject`") == "1");
+  CHECK(text(toolkit, "stringArrayToString(`ls -sl`, \" \")") == "a b c");
+  const std::uint64_t after = toolkit.hash();
+  toolkit.run("undo");
+  CHECK(toolkit.hash() == before);
+  toolkit.run("redo");
+  CHECK(toolkit.hash() == after);
+}
+
 TEST_CASE("qxESmoothCmd: an edit of the copy is undone and redone with it") {
   toolkitSession toolkit;
   toolkit.run("file -f -new; polyCube -n a; select a");
