@@ -102,6 +102,7 @@ bool isShownElsewhere(const std::string& name) {
       "polyMergeEdge.mergeTexture",         // border edges whose UVs lie apart
       "unfold.scale",                       // only with -useScale
       "polyReduce.keepFaceGroupBorder",     // groups of faces
+      "polyRemesh.maxTriangleCount",        // more are refused
       "polyQuad.keepTextureBorders",
       "polyQuad.keepHardEdges"};  // triangles with such borders
   return names.contains(name);
