@@ -34,6 +34,7 @@ namespace host::builtins {
   /* curve, dag, deform */ \
   X(CurveCommands) \
   X(DeformerCommands) \
+  X(SkinCommands) \
   X(Camera) \
   X(Joint) \
   X(CreateNode) \

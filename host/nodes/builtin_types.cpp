@@ -5,6 +5,7 @@
 #include "host/nodes/dag_node.h"
 #include "host/nodes/history/history_node.h"
 #include "host/nodes/history/modifiers.h"
+#include "host/nodes/history/skin_cluster.h"
 #include "host/nodes/joint.h"
 #include "host/nodes/light_nodes.h"
 #include "host/nodes/locator_node.h"
@@ -35,6 +36,7 @@ void registerBuiltinTypes(dg::TypeRegistry& types) {
   registerTransformGeometry(types);
   registerGroupNodes(types);
   registerDeformers(types);
+  registerSkinCluster(types);
   registerAnimCurves(types);
   registerCurveNodes(types);
   registerJoint(types);

@@ -102,8 +102,9 @@ struct WeightPlace {
 
 Result<std::vector<WeightPlace>> weightPlaces(Context& context, const ParsedArgs& args,
                                               dg::Node& node) {
+  if (!node.type().isA("weightGeometryFilter"))
+    return fail("percent: '{}' has no weight for each point.", node.name());
   const dg::Plug lists = node.plug("weightList");
-  if (!lists) return fail("percent: '{}' has no weights.", node.name());
   std::vector<std::string> names = args.objectNames();
   names.erase(names.begin());
   auto list = names.empty() ? Result<scene::SelectionList>(context.document.selection())

@@ -196,6 +196,8 @@ constexpr CommandText kTexts[] = {
     {"setToolTo", "Chooses the tool."},
     {"setUITemplate",
      "Chooses the template of controls; kept, it changes nothing that is laid out."},
+    {"skinCluster", "Lets a mesh follow joints by weights, or changes how."},
+    {"skinPercent", "Sets or tells the weights by which vertices follow joints."},
     {"sets", "Makes sets and changes what is in them."},
     {"shadingNode", "Makes a node for shading."},
     {"showHidden", "Shows objects that were hidden."},

@@ -296,6 +296,21 @@ constexpr FlagText kTexts[] = {
     {"zeroScaleOrient", "gives the joint's scale no axes of its own"},
     {"zeroTransformPivots", "puts the pivots back to the origin"},
     {"zoom", "how much the picture is enlarged"},
+    {"toSelectedBones", "only the named joints, not their whole skeleton"},
+    {"maximumInfluences", "how many joints a vertex follows at most"},
+    {"obeyMaxInfluences", "whether later edits keep to that number"},
+    {"dropoffRate", "how fast weights fall with the distance"},
+    {"bindMethod", "0 by distance, 1 by distance in the hierarchy"},
+    {"normalizeWeights", "0 never, 1 as weights are edited, 2 as they are used"},
+    {"skinMethod", "0 linear, 1 dual quaternions, 2 both by blend weights"},
+    {"influence", "what the mesh follows"},
+    {"weightedInfluence", "what has weight on some vertex"},
+    {"addInfluence", "lets the mesh follow a further transform"},
+    {"removeInfluence", "takes a transform and its weights away"},
+    {"unbind", "takes the cluster off the mesh"},
+    {"transformValue", "a joint and its weight"},
+    {"transform", "the weight of a joint, or all joints"},
+    {"pruneWeights", "smaller weights become zero"},
 };
 
 }  // namespace

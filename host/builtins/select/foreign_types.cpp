@@ -392,7 +392,6 @@ constexpr std::string_view kNames[] = {
     "simpleVolumeShader",
     "singleShadingSwitch",
     "sketchPlane",
-    "skinCluster",
     "slideOnSurface",
     "snapshot",
     "snow",

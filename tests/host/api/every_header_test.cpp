@@ -83,6 +83,7 @@
 #include <maya/MFnPointArrayData.h>
 #include <maya/MFnSet.h>
 #include <maya/MFnSingleIndexedComponent.h>
+#include <maya/MFnSkinCluster.h>
 #include <maya/MFnStringArrayData.h>
 #include <maya/MFnStringData.h>
 #include <maya/MFnTransform.h>
