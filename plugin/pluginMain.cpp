@@ -10,6 +10,7 @@
 
 #include "brushes/alphaImage.h"
 #include "brushes/tabletInput.h"
+#include "plugin/helpTexts.h"
 #include "plugin/iconFolder.h"
 #include "plugin/licence.h"
 #include "plugin/registration.h"
@@ -48,7 +49,9 @@ PLUGIN_EXPORT MStatus initializePlugin(MObject object) {
   addIconFolder(pluginLoadPath);
   alphaImage::setFolder(dataFolder(pluginLoadPath, "data/modelingToolAlphas").asChar());
   pickOrder::begin();
-  return registerAll(plugin);
+  const MStatus registered = registerAll(plugin);
+  if (registered == MS::kSuccess) registerHelpTexts();
+  return registered;
 }
 
 PLUGIN_EXPORT MStatus uninitializePlugin(MObject object) {
@@ -57,6 +60,7 @@ PLUGIN_EXPORT MStatus uninitializePlugin(MObject object) {
   uvLinks::dropAll();  // and so would the callbacks of linked meshes
   tabletInput::instance().detach();
   releaseLicence();
+  removeHelpTexts();
   MFnPlugin plugin(object);
   return deregisterAll(plugin);
 }

@@ -127,3 +127,30 @@ TEST_CASE("a file that is no plug-in is refused with a reason") {
   CHECK(!library);
   CHECK(session->pluginLoader->loaded().empty());
 }
+
+TEST_CASE("help tells what every command of the module and every flag of it is for") {
+  const host::MessageCapture quiet;
+  auto session = makeSession();
+  REQUIRE(session->executeLine("loadPlugin \"" + kModule + "\""));
+  int told = 0;
+  for (unsigned int i = 0; i < kLoadRowCount; ++i) {
+    const registrationRow& row = kLoadRows[i];
+    if ((row.kind != rowKind::command && row.kind != rowKind::context) || !row.creator) continue;
+    std::istringstream lines(
+        session->executeLine(std::string("help ") + row.name)->toText().value());
+    std::string synopsis, about, line;
+    std::getline(lines, synopsis);
+    std::getline(lines, about);
+    CAPTURE(synopsis);
+    CHECK(about.back() == '.');
+    while (std::getline(lines, line)) {
+      CAPTURE(line);
+      if (line == "Flags:") continue;
+      CHECK(line.find("  : ") != std::string::npos);
+      ++told;
+    }
+  }
+  CHECK(told > 100);
+  REQUIRE(session->executeLine("unloadPlugin qxModelingToolkit"));
+  CHECK(session->executeLine("size(`displayString -keys`)")->toInt().value() == 0);
+}

@@ -4,6 +4,8 @@
 
 #include "host/builtins/common/command.h"
 #include "host/builtins/help/command_texts.h"
+#include "host/builtins/help/plugin_texts.h"
+#include "host/workspace/workspace.h"
 
 namespace host::builtins {
 
@@ -61,7 +63,9 @@ CommandResult help(Context& context, const ParsedArgs& args) {
     describeFlags(*builtin);
   const auto command = context.session.commands().find(name);
   if (!command) return fail("help: there is no command '{}'.", name);
-  return mel::Value(command->synopsis());
+  if (command->builtin()) return mel::Value(command->synopsis());
+  const auto& strings = workspace::workspaceOf(context.session).kept<DisplayStrings>();
+  return mel::Value(describedSynopsis(command->synopsis(), name, strings));
 }
 
 }  // namespace

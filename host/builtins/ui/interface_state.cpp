@@ -4,6 +4,7 @@
 #include <map>
 
 #include "host/builtins/common/command.h"
+#include "host/builtins/common/display_strings.h"
 #include "host/workspace/workspace.h"
 
 namespace host::builtins {
@@ -107,10 +108,6 @@ CommandResult displayPref(Context& context, const ParsedArgs& args) {
 
 // uiRes, displayString
 // -----------------------------------------------------------------------------------------------
-
-struct DisplayStrings {
-  std::map<std::string, std::string> texts;
-};
 
 /// A text by its key. Nobody has translated any: the last word of the key is the text, as in
 /// "m_tool.kSaveScene" for "Save Scene".

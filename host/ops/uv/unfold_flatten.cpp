@@ -107,7 +107,7 @@ bool untangle(std::span<const Element> elements, std::span<const std::uint8_t> i
     Energy energy;
     energy.softness = std::sqrt(1e-8 + 0.04 * worst * worst);
     const Relaxer relaxer(energy, elements, x.size(), nullptr, isFixed, axes);
-    for (int i = 0; i < 10; ++i) relaxer.sweep(x);
+    for (int i = 0; i < 10 && !isCancelled(); ++i) relaxer.sweep(x);
   }
   return false;
 }
@@ -115,6 +115,8 @@ bool untangle(std::span<const Element> elements, std::span<const std::uint8_t> i
 Flattened flatten(const Piece& piece, const FlattenOptions& options) {
   Flattened result;
   Hierarchy h = coarsen(piece.triangles, piece.points, piece.border, kCoarsest);
+  // What stopped half-way is no small problem yet.
+  if (isCancelled()) return result;
   std::vector<Point> x = circleLayout(h, piece.points);
   if (x.empty()) return result;
   const Border* border = options.keepsBorderApart ? &h.border : nullptr;
@@ -129,7 +131,7 @@ Flattened flatten(const Piece& piece, const FlattenOptions& options) {
     }
     const Relaxer relaxer(options.energy, elements, x.size(), border);
     const int sweeps = isCoarsest ? 10 : level == 0 && !piece.quads.empty() ? 2 : kSweeps;
-    for (int i = 0; i < sweeps; ++i) relaxer.sweep(x);
+    for (int i = 0; i < sweeps && !isCancelled(); ++i) relaxer.sweep(x);
     if (elements.size() / 2 <= kNewtonMost) {
       NewtonSolver newton(options.energy, elements, x.size());
       for (int i = 0; i < (isCoarsest ? 50 : 4); ++i)
