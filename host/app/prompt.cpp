@@ -86,10 +86,11 @@ class PromptMessages {
   }
   /// Lets the session live while a person thinks about the line.
   void liveOn(cmd::Session& session) {
-    isTyping_ = isatty(STDOUT_FILENO) != 0;
+    isTyping_ = isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0;
     hasSpoken_ = false;
     session.loop().step();
     isTyping_ = false;
+    std::fflush(stdout);
     if (!hasSpoken_) return;
     endLine();
     rl_forced_update_display();
@@ -109,16 +110,19 @@ bool isAsking = false;
 /// idle scripts and redraws have their turns until it comes.
 int waitForByte(std::FILE* stream) {
   constexpr int kTurnMilliseconds = 20;
+  static unsigned char bytes[4096];
+  static ssize_t held = 0, next = 0;
   while (!wasInterrupted() && (isAsking || !promptSession->isQuitting)) {
+    if (next < held) return bytes[next++];
     pollfd ready{fileno(stream), POLLIN, 0};
     const int found = poll(&ready, 1, kTurnMilliseconds);
     if (found == 0 && promptMessages) promptMessages->liveOn(*promptSession);
     if (found < 0 && errno != EINTR) return -1;
     if (found <= 0) continue;
-    unsigned char byte = 0;
-    const ssize_t count = read(ready.fd, &byte, 1);
-    if (count == 1) return byte;
-    if (count == 0 || errno != EINTR) return -1;
+    // A terminal's keys are taken one by one: its driver may still turn them over.
+    next = 0;
+    held = read(ready.fd, bytes, isatty(ready.fd) != 0 ? 1 : sizeof bytes);
+    if (held == 0 || (held < 0 && errno != EINTR)) return -1;
   }
   return -1;
 }
@@ -137,10 +141,24 @@ int waitForCharacter(std::FILE* stream) {
   }
 }
 
+/// The next line of what comes from no terminal, where there is nothing to edit; null at its end,
+/// as readline has it, and after Ctrl-C. The caller frees it.
+char* nextPipedLine() {
+  std::string line;
+  int byte = 0;
+  while ((byte = waitForByte(stdin)) >= 0 && byte != '\n') line += static_cast<char>(byte);
+  return byte < 0 && line.empty() ? nullptr : strdup(line.c_str());
+}
+
+/// A line, typed at a terminal or sent by another program.
+char* nextLine(const char* prompt) {
+  return isatty(STDIN_FILENO) != 0 ? readline(prompt) : nextPipedLine();
+}
+
 /// What a person answers; nothing at the end of input or after Ctrl-C.
 std::optional<std::string> ask(const char* question) {
   isAsking = true;
-  char* answer = readline(question);
+  char* answer = nextLine(question);
   isAsking = false;
   if (!answer) return std::nullopt;
   std::string text = answer;
@@ -201,7 +219,7 @@ int runPrompt(cmd::Session& session) {
   while (true) {
     forgetInterrupt();
     messages.endLine();
-    char* line = session.isQuitting ? nullptr : readline(text.empty() ? "mel> " : "...> ");
+    char* line = session.isQuitting ? nullptr : nextLine(text.empty() ? "mel> " : "...> ");
     if (!line && wasInterrupted() && !session.isQuitting) {
       text.clear();
       std::fputc('\n', stdout);

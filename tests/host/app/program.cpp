@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -90,8 +91,17 @@ Outcome run(const std::vector<std::string>& words, const std::string& input,
   return outcome;
 }
 
-Terminal::Terminal(const std::vector<std::string>& words) {
-  process_ = forkpty(&terminal_, nullptr, nullptr, nullptr);
+Terminal::Terminal(const std::vector<std::string>& words, bool isTerminal) {
+  std::array<int, 2> ends{-1, -1};
+  if (isTerminal) {
+    process_ = forkpty(&terminal_, nullptr, nullptr, nullptr);
+  } else if (socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()) == 0) {
+    process_ = fork();
+    if (process_ == 0)
+      for (const int stream : {0, 1, 2}) dup2(ends[1], stream);
+    close(ends[1]);
+    terminal_ = ends[0];
+  }
   if (process_ == 0) become(words);
 }
 

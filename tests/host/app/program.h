@@ -21,10 +21,10 @@ struct Outcome {
 Outcome run(const std::vector<std::string>& words, const std::string& input = {},
             const std::string& interruptAfter = {});
 
-/// A prompt on a terminal.
+/// A prompt on a terminal, or at the end of another program's pipe.
 class Terminal {
  public:
-  explicit Terminal(const std::vector<std::string>& words);
+  explicit Terminal(const std::vector<std::string>& words, bool isTerminal = true);
   ~Terminal();
   Terminal(const Terminal&) = delete;
   Terminal& operator=(const Terminal&) = delete;

@@ -453,4 +453,19 @@ TEST_CASE("while the prompt waits for a line the session lives on") {
   CHECK(terminal.finish() == 0);
 }
 
+TEST_CASE("the session lives on between the lines of a program that drives the prompt") {
+  Terminal driver({"--no-module", "-i"}, false);
+  driver.type(
+      "global int $turns; scriptJob -idleEvent \"global int $turns; if (++$turns == 5) print "
+      "(\\\"five \\\" + \\\"turns\\\\n\\\")\";\n");
+  driver.type("print(\"begun\"");  // half of a line
+  CHECK(driver.readTo("five turns").find("five turns") != std::string::npos);
+  driver.type(" + \" ended\\n\")\nprint (\"third\" + \" line\")\n");
+  const std::string shown = driver.readTo("third line");
+  CHECK(shown.find("begun ended") != std::string::npos);
+  CHECK(shown.find('\r') == std::string::npos);  // nothing is drawn over
+  driver.type("scriptJob -killAll -force; quit -f\n");
+  CHECK(driver.finish() == 0);
+}
+
 }  // namespace
