@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "host/base/message_filter.h"
 #include "host/base/message_streams.h"
 
 namespace host {
@@ -14,7 +15,19 @@ MessageSink& currentSink() {
   return sink;
 }
 
+std::array<bool, 5>& hiddenKinds() {
+  static std::array<bool, 5> kinds{};
+  return kinds;
+}
+
 }  // namespace
+
+void showMessages(MessageKind kind, bool areShown) {
+  hiddenKinds()[static_cast<std::size_t>(kind)] = !areShown;
+}
+bool areMessagesShown(MessageKind kind) {
+  return kind == MessageKind::Print || !hiddenKinds()[static_cast<std::size_t>(kind)];
+}
 
 void writeMessageToStreams(MessageKind kind, std::string_view text) {
   const auto length = static_cast<int>(text.size());
@@ -39,6 +52,7 @@ void writeMessageToStreams(MessageKind kind, std::string_view text) {
 }
 
 void postMessage(MessageKind kind, std::string_view text) {
+  if (!areMessagesShown(kind)) return;
   if (kind != MessageKind::Print) std::fflush(stdout);
   if (currentSink())
     currentSink()(kind, text);

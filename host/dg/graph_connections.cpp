@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "host/dg/connection_check.h"
 #include "host/dg/graph_impl.h"
 
 namespace host::dg {
@@ -176,6 +177,14 @@ Result<void> checkEnds(const Plug& source, const Plug& destination) {
                 destination.attribute()->typeWord());
   return {};
 }
+
+}  // namespace
+
+Result<void> checkConnection(const Plug& source, const Plug& destination) {
+  return checkEnds(source, destination);
+}
+
+namespace {
 
 Result<void> askTypes(const Plug& own, const Plug& other, bool ownIsSource) {
   for (const NodeType* type = &own.node()->type(); type; type = type->base)

@@ -5,6 +5,7 @@
 #include "host/api/message/callbacks.h"
 #include "host/base/messages.h"
 #include "host/cmd/session.h"
+#include "host/dg/connection_check.h"
 #include "host/scene/replay.h"
 
 namespace host::api {
@@ -162,6 +163,9 @@ MStatus MDGModifier::connect(const MObject& sourceNode, const MObject& sourceAtt
 }
 MStatus MDGModifier::connect(const MPlug& source, const MPlug& dest) {
   if (plugOf(source).isNull() || plugOf(dest).isNull()) return MStatus::kInvalidParameter;
+  // What can never be connected is refused here, by the status alone.
+  if (const auto fits = dg::checkConnection(plugOf(source), plugOf(dest)); !fits)
+    return api::toStatus(fits);
   modifierOf(*this).add([source, dest]() -> Result<void> {
     const dg::Plug from = plugOf(source), to = plugOf(dest);
     if (from.isNull() || to.isNull()) return fail("A plug to be connected is gone");

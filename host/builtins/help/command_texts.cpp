@@ -181,6 +181,7 @@ constexpr CommandText kTexts[] = {
     {"rotate", "Turns objects and components."},
     {"scale", "Scales objects and components."},
     {"scaleConstraint", "Scales an object as targets are scaled."},
+    {"scriptEditorInfo", "Says which kinds of messages are shown."},
     {"scriptJob", "Runs scripts when something happens."},
     {"scriptNode", "Makes, changes or runs a script that is kept in the scene."},
     {"select", "Selects."},

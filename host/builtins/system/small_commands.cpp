@@ -1,9 +1,10 @@
-// launch, date, timer and stringArrayIntersector.
+// launch, date, timer, scriptEditorInfo and stringArrayIntersector.
 #include <algorithm>
 #include <chrono>
 #include <ctime>
 #include <map>
 
+#include "host/base/message_filter.h"
 #include "host/base/messages.h"
 #include "host/builtins/common/command.h"
 #include "host/workspace/workspace.h"
@@ -13,6 +14,25 @@ namespace host::builtins {
 namespace {
 
 using workspace::workspaceOf;
+
+// scriptEditorInfo
+// -----------------------------------------------------------------------------------------------
+
+constexpr std::pair<const char*, MessageKind> kSuppressed[] = {
+    {"suppressErrors", MessageKind::Error},
+    {"suppressWarnings", MessageKind::Warning},
+    {"suppressInfo", MessageKind::Info},
+    {"suppressResults", MessageKind::Result}};
+
+/// Which messages are kept from showing; a script that was told so turns them on again itself.
+CommandResult scriptEditorInfo(Context&, const ParsedArgs& args) {
+  for (const auto& [flag, kind] : kSuppressed) {
+    if (!args.has(flag)) continue;
+    if (args.isQuery()) return mel::Value(!areMessagesShown(kind));
+    showMessages(kind, !args.boolean(flag));
+  }
+  return mel::Value();
+}
 
 // date
 // -----------------------------------------------------------------------------------------------
@@ -151,6 +171,15 @@ void registerSmallCommands(CommandRegistry& registry) {
                   .flag("lap", "lapTime")
                   .flag("n", "name", {ArgType::String}),
               timer);
+  defineQuery(registry, "scriptEditorInfo",
+              Syntax()
+                  .flag("se", "suppressErrors", {ArgType::Bool})
+                  .flag("sw", "suppressWarnings", {ArgType::Bool})
+                  .flag("si", "suppressInfo", {ArgType::Bool})
+                  .flag("sr", "suppressResults", {ArgType::Bool})
+                  .editable()
+                  .queryable(),
+              scriptEditorInfo);
   defineQuery(registry, "stringArrayIntersector",
               Syntax()
                   .flag("i", "intersect", {ArgType::Any})
