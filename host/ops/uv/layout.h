@@ -47,8 +47,8 @@ struct LayoutResult {
   double coverage = 0;  ///< the part of the square that the shells fill, by their areas
 };
 
-/// Lays UV shells out by their true outlines, without overlap and with a gap that is exact to the
-/// cell of the packing board: never smaller than asked for. UVs of other shells and everything else
+/// Lays UV shells out by their true outlines, without overlap and with a gap that is never smaller
+/// than asked for. UVs of other shells and everything else
 /// of the meshes stay. The same input gives the same layout.
 /// @return an error naming what is wrong (UVs that are no numbers, no area, gaps that fill the
 /// square) with all meshes untouched.

@@ -8,6 +8,7 @@
 #include "host/base/cancel.h"
 #include "host/base/parallel.h"
 #include "host/ops/uv/box_packing.h"
+#include "host/ops/uv/layout_settle.h"
 #include "host/ops/uv/layout_trial.h"
 
 namespace host::ops::flat {
@@ -16,6 +17,8 @@ namespace {
 constexpr std::int32_t kCoarseCells = 512;  ///< across, while the scale is sought
 constexpr double kMiddleCells = 1024;       ///< across, while orders are tried
 constexpr std::int32_t kFineCells = 2048;   ///< across, for the result
+constexpr std::size_t kMostSettled = 1500;  ///< shapes; for more it takes too long
+constexpr double kAhead = 1.01;             ///< by how much settling is thought to win at least
 
 /// The convex hull, counter-clockwise (Andrew 1979).
 std::vector<Point> hullOf(const PackShape& shape) {
@@ -140,16 +143,24 @@ class Packer {
   [[nodiscard]] Result<Packing> packFitting() const {
     if (!(area_ > 0)) return fail("The shells have no area to lay out.");
     const double room = std::max(options_.width - standing_, 0.02 * options_.width);
-    LongWork work("Laying out", 12);
+    LongWork work("Laying out", 20);
     double scale = std::sqrt(0.6 * room / area_);
     const std::int32_t coarse = cellsFor(kCoarseCells / std::min(1.0, options_.width));
     for (int round = 0; round < 3 && !isCancelled(); ++round, work.advance()) {
       const auto trial = attempt(scale, coarse, 2, order_);
       scale *= trial ? std::sqrt(static_cast<double>(coarse) / trial->top) : 0.7;
     }
+    std::optional<Packing> close;
+    double fitted = scale;
+    if (maySettle()) close = packClose(scale, fitted, work);
+    if (isCancelled()) return cancelled();
+    if (close && close->scale >= fitted) return *std::move(close);
+    // Little was gained by settling: cells will have to do.
     std::vector<std::size_t> order = order_;
     improveOrder(order, scale, work);
-    return seekFine(order, scale, work);
+    auto packing = seekFine(order, scale, work);
+    if (close && (!packing || packing->scale < close->scale)) return *std::move(close);
+    return packing;
   }
 
  private:
@@ -161,6 +172,57 @@ class Packer {
   [[nodiscard]] int batches() const {
     if (shapes_.size() < 3) return 0;
     return std::clamp(static_cast<int>(1600 / shapes_.size()), 0, 8);
+  }
+
+  /// Lays orders near the first one on a board of middling cells, a little larger than fits, and
+  /// lets the two that came out lowest settle.
+  /// @param scale at which a coarse board took them; @param fitted set to what cells alone reach
+  [[nodiscard]] std::optional<Packing> packClose(double scale, double& fitted,
+                                                 LongWork& work) const {
+    const std::int32_t cells = cellsFor(settledCells());
+    const auto first = attempt(scale, cells, 2, order_);
+    if (!first) return std::nullopt;
+    fitted = scale * std::sqrt(static_cast<double>(cells) / first->top);
+    const bool mayStandHigh = options_.standing.empty();
+    scale = (mayStandHigh ? kAhead : 1 / kAhead) * fitted;
+    const std::int32_t most = mayStandHigh ? 3 * cells / 2 : cells;
+    std::vector<Trial> lowest = lowestTrials(scale, cells, most);
+    work.advance(3);
+    const std::uint64_t effort =
+        std::clamp<std::uint64_t>(100'000 * shapes_.size(), 4'000'000, 60'000'000);
+    std::vector<std::optional<Packing>> settledOnes(lowest.size());
+    parallelFor(lowest.size(), 1, [&](std::size_t begin, std::size_t end) {
+      for (std::size_t k = begin; k < end; ++k)
+        settledOnes[k] =
+            settled(shapes_, options_, packing(std::move(lowest[k]), scale, cells), effort);
+    });
+    work.advance(5);
+    std::optional<Packing> best;
+    for (auto& each : settledOnes)
+      if (each && (!best || each->scale > best->scale)) best = std::move(each);
+    return best;
+  }
+
+  /// The two lowest packings of the first order and of some near it, the lowest one first.
+  [[nodiscard]] std::vector<Trial> lowestTrials(double scale, std::int32_t cells,
+                                                std::int32_t most) const {
+    const ShapeMasks masks(shapes_, turns_, scale, 1.0 / cells, false);
+    const Board board = boardOf(cells, 1.5);
+    std::vector<Trial> lowest;
+    const auto keep = [&](std::optional<Trial>&& trial) {
+      if (!trial) return;
+      const auto place = std::ranges::upper_bound(lowest, trial->cost(), {}, &Trial::cost);
+      lowest.insert(place, *std::move(trial));
+      if (lowest.size() > kBatch) lowest.pop_back();
+    };
+    keep(tryOrder(board, masks, order_, 1.0 / cells, most));
+    for (int round = 0; round < batches() && !isCancelled(); ++round) {
+      const std::vector<std::size_t>& near = lowest.empty() ? order_ : lowest.front().order;
+      for (auto& trial : tryNear(board, masks, near, static_cast<std::size_t>(round) * kBatch + 1,
+                                 1.0 / cells, most))
+        keep(std::move(trial));
+    }
+    return lowest;
   }
 
   /// Tries orders near the best one at one scale; then brings the scale to what fits.
@@ -278,6 +340,18 @@ class Packer {
     const double count = std::sqrt(static_cast<double>(shapes_.size()));
     const double each = std::clamp(145 * count, 512.0, static_cast<double>(kFineCells));
     return std::clamp(20 * count, each, 2.0 * kFineCells) / std::max(1.0, options_.width);
+  }
+  /// Whether shapes can push each other: where gaps are wide beside shapes, all of them touch many.
+  [[nodiscard]] bool maySettle() const {
+    const double size = std::sqrt(0.6 / static_cast<double>(shapes_.size()));
+    return shapes_.size() > 1 && shapes_.size() <= kMostSettled && !options_.packsBoxes &&
+           options_.gutter < 0.12 * size;
+  }
+  /// Cells that are fine enough where shapes settle afterwards.
+  [[nodiscard]] double settledCells() const {
+    const double count = std::sqrt(static_cast<double>(shapes_.size()));
+    return std::clamp(72 * count, 384.0, static_cast<double>(kFineCells)) /
+           std::max(1.0, options_.width);
   }
   /// Cells across a height of 1 of which a whole number makes the gutter.
   [[nodiscard]] std::int32_t cellsFor(double wanted) const {

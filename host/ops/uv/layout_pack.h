@@ -21,7 +21,7 @@ struct PackOptions {
   double scale = 0;  ///< fixed scale, the square grows upward as needed; 0 finds the greatest that
                      ///< fits in
   double width = 1;  ///< of the area to fill; its height is 1
-  std::vector<PackShape> standing;  ///< what is there already, in the area's coordinates
+  std::vector<PackShape> standing = {};  ///< what is there already, in the area's coordinates
 };
 
 /// A shape's place: scaled by the common scale, turned counter-clockwise, then moved.
@@ -42,7 +42,8 @@ struct Packing {
 /// Packs shapes into a square by their true outlines: large ones first, each at a low place where
 /// it lies close against what is there, in the turn that fits best; small ones fill the holes and
 /// bays of large ones. A number of other orders is tried that depends on how many shapes there are,
-/// so that the time stays bounded; the best one is kept.
+/// so that the time stays bounded. The best ones then settle (see `settled`) where the scale is
+/// sought, boxes do not stand for shapes and there are not very many of them.
 ///
 /// The gutter is kept exactly, measured as the greater of the distances in u and v. The same shapes
 /// always give the same packing, with any number of threads.
