@@ -99,10 +99,27 @@ void regularPlan::look(int face, const placingSurface& surface) {
   state.area = area.length();
   state.normal = area.normal();
   state.isCollapsed = state.area * meanBefore < kCollapsed * areasBefore[place(face)] * meanArea;
+  state.facing = facingOf(centreOf(face), state, surface);
+  state.isWrong = state.facing < 0.0;
+}
+
+/// Well off the surface a centre may lie as near to one side of a hollow as to the other, and who
+/// measures the result finds either: the worst of what lies next to it counts.
+double regularPlan::facingOf(const MPoint& centre, const faceState& state,
+                             const placingSurface& surface) {
+  constexpr double kWellOff = 0.1, kNextTo = 1e-3;
+  const double size = std::sqrt(state.area);
   MPoint nearest;
   MVector facing;
-  state.facing = surface.nearest(centreOf(face), nearest, facing) ? facing * state.normal : 1.0;
-  state.isWrong = state.facing < 0.0;
+  if (!surface.nearest(centre, nearest, facing)) return 1.0;
+  double worst = facing * state.normal;
+  if (centre.distanceTo(nearest) < kWellOff * size) return worst;
+  for (unsigned int k = 0; k < 6; ++k) {
+    MPoint beside = centre;
+    beside[k / 2] += (k % 2 == 0 ? kNextTo : -kNextTo) * size;
+    if (surface.nearest(beside, nearest, facing)) worst = std::min(worst, facing * state.normal);
+  }
+  return worst;
 }
 
 void regularPlan::lookAtAll(const placingSurface& surface) {
@@ -281,7 +298,7 @@ void regularPlan::lookAround(int vertex, const placingSurface& surface) {
 }
 
 void regularPlan::settle(const placingSurface& surface, placingFaults& best, MPointArray& places) {
-  constexpr int kSweeps = 24;
+  constexpr int kSweeps = 60;
   points = places;
   lookAtAll(surface);
   for (int sweep = 0; sweep < kSweeps && best.all() > 0; ++sweep) {

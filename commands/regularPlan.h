@@ -59,6 +59,8 @@ class regularPlan {
     bool isBad() const { return isWrong || isCollapsed || isFolded; }
   };
   void join();
+  static double facingOf(const MPoint& centre, const faceState& state,
+                         const placingSurface& surface);
   void look(int face, const placingSurface& surface);
   void lookAtAll(const placingSurface& surface);
   void findFolds();

@@ -12,6 +12,20 @@ MPoint mirrored(MPoint point, unsigned int axis, double at) {
   return point;
 }
 
+struct extent {
+  double low = std::numeric_limits<double>::max(), high = -low;
+  double middle() const { return 0.5 * (low + high); }
+};
+
+extent extentOf(const MPointArray& points, unsigned int axis) {
+  extent along;
+  for (unsigned int v = 0; v < points.length(); ++v) {
+    along.low = std::min(along.low, points[v][axis]);
+    along.high = std::max(along.high, points[v][axis]);
+  }
+  return along;
+}
+
 meshSymmetry symmetryAt(MPointArray points, unsigned int axis, double at) {
   if (at != 0.0)
     for (unsigned int v = 0; v < points.length(); ++v) points[v][axis] -= at;
@@ -28,13 +42,15 @@ meshSymmetry symmetryAt(MPointArray points, unsigned int axis, double at) {
 meshSymmetry symmetryOf(const MPointArray& points, unsigned int axis) {
   meshSymmetry best = symmetryAt(points, axis, 0.0);
   if (best.paired == points.length()) return best;
-  double low = std::numeric_limits<double>::max(), high = -low;
-  for (unsigned int v = 0; v < points.length(); ++v) {
-    low = std::min(low, points[v][axis]);
-    high = std::max(high, points[v][axis]);
-  }
-  meshSymmetry other = symmetryAt(points, axis, 0.5 * (low + high));
+  meshSymmetry other = symmetryAt(points, axis, extentOf(points, axis).middle());
   return other.paired > best.paired ? other : best;
+}
+
+double symmetricPlaneOf(const MPointArray& shape, unsigned int axis) {
+  const meshSymmetry symmetry = symmetryOf(shape, axis);
+  if (2 * symmetry.paired >= shape.length()) return symmetry.at;
+  const extent along = extentOf(shape, axis);
+  return along.low <= 0.0 && along.high >= 0.0 ? 0.0 : along.middle();
 }
 
 void makeSymmetric(const meshSymmetry& symmetry, unsigned int axis, double at, MPointArray& places,

@@ -18,6 +18,11 @@ struct meshSymmetry {
 /// @param axis 0 x, 1 y, 2 z
 meshSymmetry symmetryOf(const MPointArray& points, unsigned int axis);
 
+/// Where the plane of `symmetryOf` lies for a shape that another mesh takes: where the shape is
+/// symmetric, if most of it is; else the origin, if the shape lies on both sides of it, and the
+/// middle of the shape if not.
+double symmetricPlaneOf(const MPointArray& shape, unsigned int axis);
+
 /// Makes the places of a symmetric mesh symmetric across the plane where the coordinate is `at`:
 /// vertices that are each other's counterparts take the mean of their places and each other's
 /// mirror images; those on the plane go onto it. A vertex without a place takes the mirror image of

@@ -17,7 +17,6 @@
 
 #include "commands/orderMatch.h"
 #include "commands/regularPlan.h"
-#include "commands/symmetricResult.h"
 #include "commands/transferFlags.h"
 #include "shared/mesh/mathHelper.h"
 #include "shared/mesh/polygonGraph.h"
@@ -151,17 +150,17 @@ MStatus topologyTransferCmd::parseArguments(const MArgList& arguments) {
   MStatus parsed;
   const MArgDatabase database(syntax(), arguments, &parsed);
   MStatus status = readTransferFlags(kName, database, space, maxDistance);
-  MString symmetry("none");
+  MString across("none");
   if (status == MS::kSuccess)
-    status = readFlag(database, kSymmetryFlag, symmetry, "could not parse symmetry axis");
+    status = readFlag(database, kSymmetryFlag, across, "could not parse symmetry axis");
   if (status == MS::kSuccess)
     status = readFlag(database, kOrderFlag, byOrder, "could not parse order");
   if (status != MS::kSuccess) return status;
   if (parsed != MS::kSuccess) return parsed;
   isHelp = database.isFlagSet(kHelpFlag);
   static const char* const kAxes[] = {"x", "y", "z", "none"};
-  for (symmetryAxis = 0; symmetryAxis < 4 && symmetry != kAxes[symmetryAxis];) ++symmetryAxis;
-  if (symmetryAxis == 4) return refuse("the symmetry is x, y, z or none, not " + symmetry);
+  for (symmetryAxis = 0; symmetryAxis < 4 && across != kAxes[symmetryAxis];) ++symmetryAxis;
+  if (symmetryAxis == 4) return refuse("the symmetry is x, y, z or none, not " + across);
   for (unsigned int i = 0; i < database.numberOfFlagUses(kLandmarkFlag); ++i) {
     MArgList words;
     if (database.getFlagArgumentList(kLandmarkFlag, i, words) != MS::kSuccess) return MS::kFailure;
@@ -247,6 +246,10 @@ MStatus topologyTransferCmd::placeOnSurface(const MDagPath& target,
     landmarkWarp warp;
     if (!warp.fit(from, to)) return refuse("two landmarks lie in one place");
     for (unsigned int v = 0; v < warped.length(); ++v) warped[v] = warp(warped[v]);
+  } else if (symmetryAxis < 3) {
+    // What lies on the mesh's own plane is to come out on the shape's: from there it looks around.
+    const auto axis = static_cast<unsigned int>(symmetryAxis);
+    for (unsigned int v = 0; v < warped.length(); ++v) warped[v][axis] += plane - symmetry.at;
   }
   MIntArray counts, connects;
   MFnMesh(movedPath).getVertices(counts, connects);
@@ -289,11 +292,13 @@ MStatus topologyTransferCmd::doIt(const MArgList& arguments) {
   if ((status = placesBefore.takeAll(movedPath)) != MS::kSuccess) return status;
   if (!byOrder && (status = pairLandmarks(pair, target.length())) != MS::kSuccess) return status;
 
+  if (symmetryAxis < 3 && (status = findSymmetry(target)) != MS::kSuccess) return status;
   pointsAfter = pointsBefore;
   isPlaced.assign(pointsBefore.length(), 0);
   status = byOrder ? placeByOrder(pair, target) : placeOnSurface(pair.second, target);
   if (status != MS::kSuccess) return status;
-  if (symmetryAxis < 3 && (status = balance(target)) != MS::kSuccess) return status;
+  if (symmetryAxis < 3)
+    makeSymmetric(symmetry, static_cast<unsigned int>(symmetryAxis), plane, pointsAfter, isPlaced);
   unplaced = static_cast<int>(std::count(isPlaced.begin(), isPlaced.end(), 0));
   status = redoIt();
   if (status != MS::kSuccess) return status;
@@ -302,17 +307,15 @@ MStatus topologyTransferCmd::doIt(const MArgList& arguments) {
   return MS::kSuccess;
 }
 
-MStatus topologyTransferCmd::balance(const MPointArray& target) {
+MStatus topologyTransferCmd::findSymmetry(const MPointArray& target) {
   const auto axis = static_cast<unsigned int>(symmetryAxis);
-  const meshSymmetry symmetry = symmetryOf(pointsBefore, axis);
+  symmetry = symmetryOf(pointsBefore, axis);
   if (2 * symmetry.paired < pointsBefore.length())
     return refuse(movedPath.partialPathName() + " is not symmetric across " +
                   MString("xyz").substringW(symmetryAxis, symmetryAxis) + ": only " +
                   static_cast<int>(symmetry.paired) + " of its " +
                   static_cast<int>(pointsBefore.length()) + " vertices have a counterpart");
-  // A mesh that is symmetric across a plane of its own takes the shape's.
-  const double at = symmetry.at == 0.0 ? 0.0 : symmetryOf(target, axis).at;
-  makeSymmetric(symmetry, axis, at, pointsAfter, isPlaced);
+  plane = symmetricPlaneOf(target, axis);
   return MS::kSuccess;
 }
 

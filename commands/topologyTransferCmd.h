@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "commands/symmetricResult.h"
 #include "shared/mesh/storedPlaces.h"
 
 class MVectorArray;
@@ -37,7 +38,7 @@ class topologyTransferCmd : public MPxCommand {
   MStatus pairLandmarks(const meshPair& pair, unsigned int targetCount);
   MStatus placeByOrder(const meshPair& pair, const MPointArray& target);
   MStatus placeOnSurface(const MDagPath& target, const MPointArray& targetPoints);
-  MStatus balance(const MPointArray& target);
+  MStatus findSymmetry(const MPointArray& target);
   void putOnSurface(const placingSurface& surface, const MPointArray& warped,
                     const MVectorArray& normals, double size);
 
@@ -52,5 +53,7 @@ class topologyTransferCmd : public MPxCommand {
   MPointArray pointsBefore, pointsAfter;  ///< in `space`, all vertices of the first mesh
   storedPlaces placesBefore;
   std::vector<char> isPlaced;  ///< one a vertex
+  meshSymmetry symmetry;       ///< of the first mesh, when its result is to be symmetric
+  double plane = 0.0;          ///< where the result's plane lies: the shape's
   int unplaced;
 };

@@ -191,7 +191,25 @@ TEST_CASE("qxTransferTopology: symmetric results, limited reach and their report
     }
   CHECK(highest > 0.01);
 
-  toolkit.run("undo; setAttr bumps.translate -type double3 6 0 0; select -r shape bumps;");
+  // Off the origin, and where the two stand apart, the result is symmetric where the shape is.
+  for (const auto& [own, theirs] : {std::pair(5, 5), {0, 7}, {7, 0}, {-40, 3}}) {
+    CAPTURE(own);
+    CAPTURE(theirs);
+    toolkit.run(
+        "file -f -new; polySphere -n shape -r 1.2 -sx 12 -sy 8; polySphere -n ball -r 1 -sx "
+        "40 -sy 30; move " +
+        std::to_string(own) + " 0 0 shape; move " + std::to_string(theirs) +
+        " 0 0 ball; select -r shape ball");
+    CHECK(unplaced(toolkit, "qxTransferTopology -sy x") == 0);
+    for (const MPoint& p : toolkitSession::points("shape"))
+      CHECK(p.distanceTo(MPoint(theirs, 0, 0)) == doctest::Approx(1).epsilon(0.01));
+  }
+  toolkit.run(
+      "file -f -new; polyPlane -name shape -sx 6 -sy 2 -w 6 -h 2; polyPlane -name bumps -sx 30 -sy "
+      "10 -w 8 -h 4;");
+  toolkitSession::setPoints("bumps", bumps);
+
+  toolkit.run("setAttr bumps.translate -type double3 6 0 0; select -r shape bumps;");
   const MPointArray flat = toolkitSession::points("shape");
   CHECK(unplaced(toolkit, "qxTransferTopology -md 0.5") == 15);  // the five columns left of x = 1.5
   const MPointArray moved = toolkitSession::points("shape");
