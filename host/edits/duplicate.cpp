@@ -165,12 +165,11 @@ class Duplicator {
       if (nodes::isSet(*connection.destination.node()))
         HOST_TRY(nodes::addToSet(document_, *connection.destination.node(), list));
     }
-    const DagPath path = scene::firstPath(to);
-    for (const nodes::SetGroup& group : nodes::groupsOf(scene::firstPath(from), nullptr)) {
-      scene::SelectionList list;
-      for (const scene::Component& component : group.components) list.add(path, component);
-      HOST_TRY(nodes::addToSet(document_, *group.set, list));
-    }
+    std::vector<nodes::SetPart> parts;
+    for (const nodes::SetGroup& group : nodes::groupsOf(scene::firstPath(from), nullptr))
+      for (const scene::Component& component : group.components)
+        parts.push_back({group.set, component});
+    if (!parts.empty()) HOST_TRY(nodes::makeGroups(document_, scene::firstPath(to), parts));
     return {};
   }
 

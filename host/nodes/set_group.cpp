@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <unordered_map>
 
 #include "host/nodes/history/group_carry.h"
 
@@ -71,6 +72,25 @@ std::vector<Component> difference(const std::vector<Component>& a, const std::ve
   return rest;
 }
 
+/// What comes with a mesh, by the numbers of its groups: there may be thousands of them. Lives as
+/// long as these groups.
+using GroupTable = std::unordered_map<std::int64_t, std::vector<const Component*>>;
+GroupTable tableOf(const scene::MeshGroupsPtr& groups) {
+  GroupTable table;
+  if (!groups) return table;
+  for (const scene::MeshGroup& group : *groups) {
+    std::vector<const Component*>& members = table[group.id];
+    if (!group.members->isEmpty()) members.push_back(group.members.get());
+  }
+  return table;
+}
+
+std::vector<Component> copied(const std::vector<const Component*>& members) {
+  std::vector<Component> copies;
+  for (const Component* each : members) copies.push_back(*each);
+  return copies;
+}
+
 /// A groupParts node of a group that takes the mesh at `source`.
 Result<Node*> makeParts(Document& document, const Plug& group, const Plug& source) {
   dg::Graph& graph = document.graph();
@@ -136,26 +156,65 @@ Result<void> storeComponents(Document& document, const Plug& group,
 /// Numbers groups through: one above the highest there is.
 std::int64_t nextGroupId(const Document& document) {
   std::int64_t highest = 0;
+  const dg::NodeType* type = nullptr;  // of groupId nodes, once one is found
   for (const dg::NodePtr& node : document.graph().nodes()) {
-    if (node->type().name != "groupId") continue;
+    if (type ? &node->type() != type : node->type().name != "groupId") continue;
+    type = &node->type();
     const dg::Value id = document.graph().stored(node->plug("groupId"));
     if (const auto* number = std::get_if<std::int64_t>(&id)) highest = std::max(highest, *number);
   }
   return highest + 1;
 }
 
-Result<void> makeGroup(Document& document, const Plug& group, Node& set,
-                       const Component& component) {
+/// A groupId node that gives a group its number, and the group in the set.
+Result<void> enterSet(Document& document, const Plug& group, Node& set, std::int64_t number) {
   dg::Graph& graph = document.graph();
   const auto id = document.createNode("groupId");
   if (!id) return failWith(id.error());
-  HOST_TRY(graph.set((*id)->plug("groupId"), nextGroupId(document)));
-  HOST_TRY(storeOnShape(group, {component}));
+  HOST_TRY(graph.set((*id)->plug("groupId"), number));
   HOST_TRY(graph.connect((*id)->plug("groupId"), childNamed(group, "objectGroupId")));
   HOST_TRY(graph.connect(set.plug("memberWireframeColor"), childNamed(group, "objectGrpColor")));
   const Plug members = set.plug("dagSetMembers"), groups = set.plug("groupNodes");
   HOST_TRY(graph.connect(group, freeElement(members)));
   return graph.connect((*id)->plug("message"), freeElement(groups));
+}
+
+Node* setOfGroup(const Plug& group) {
+  Node* set = nullptr;
+  for (const Plug& destination : group.node()->graph().destinations(group))
+    if (destination.attribute()->longName == "dagSetMembers") set = destination.node();
+  return set;
+}
+
+/// A group with its members, where the groups that come with the mesh are known already.
+SetGroup readGroup(const Plug& group, Node* set, const GroupTable& arriving) {
+  const auto found = arriving.empty() ? arriving.end() : arriving.find(groupNumber(group));
+  return {group, set, found != arriving.end() ? copied(found->second) : storedComponents(group)};
+}
+
+/// The groups of an instance that are in a set, found from the side that has fewer to look through.
+std::vector<SetGroup> groupsInSet(const Plug& array, Node& set) {
+  dg::Graph& graph = array.node()->graph();
+  std::vector<Plug> found;
+  const Plug members = set.plug("dagSetMembers");
+  if (members && graph.elementCount(members) < graph.elementCount(array)) {
+    for (const Index index : graph.elementIndices(members))
+      if (const Plug source = graph.source(members.element(index));
+          source && source.attribute() == array.attribute() && source.array() == array)
+        found.push_back(source);
+    std::sort(found.begin(), found.end(),
+              [](const Plug& a, const Plug& b) { return a.logicalIndex() < b.logicalIndex(); });
+  } else {
+    for (const Index index : graph.elementIndices(array))
+      if (const Plug element = array.element(index); setOfGroup(element) == &set)
+        found.push_back(element);
+  }
+  std::vector<SetGroup> groups;
+  if (found.empty()) return groups;
+  const scene::MeshGroupsPtr coming = groupsArriving(array.node()->plug("inMesh"));
+  const GroupTable arriving = tableOf(coming);
+  for (const Plug& each : found) groups.push_back(readGroup(each, &set, arriving));
+  return groups;
 }
 
 }  // namespace
@@ -171,17 +230,6 @@ Plug instanceGroups(const DagPath& path) {
   return groups.isNull() ? groups : groups.element(static_cast<Index>(path.instanceNumber()));
 }
 
-namespace {
-
-Node* setOfGroup(const Plug& group) {
-  Node* set = nullptr;
-  for (const Plug& destination : group.node()->graph().destinations(group))
-    if (destination.attribute()->longName == "dagSetMembers") set = destination.node();
-  return set;
-}
-
-}  // namespace
-
 SetGroup groupAt(const Plug& group) {
   SetGroup result;
   result.plug = group;
@@ -193,16 +241,24 @@ SetGroup groupAt(const Plug& group) {
   return result;
 }
 
-std::vector<SetGroup> groupsOf(const DagPath& path, const Node* set) {
+std::vector<SetGroup> groupsOf(const DagPath& path, Node* set) {
+  if (!set) return groupsIn(path, [](Node&) { return true; });
+  const Plug array = groupArray(path);
+  return array.isNull() ? std::vector<SetGroup>() : groupsInSet(array, *set);
+}
+
+std::vector<SetGroup> groupsIn(const DagPath& path, const std::function<bool(Node&)>& isWanted) {
   std::vector<SetGroup> groups;
   const Plug array = groupArray(path);
   if (array.isNull()) return groups;
-  for (const Index index : path.node()->graph().elementIndices(array)) {
+  const std::vector<Index> indices = path.node()->graph().elementIndices(array);
+  if (indices.empty()) return groups;
+  const scene::MeshGroupsPtr coming = groupsArriving(path.node()->plug("inMesh"));
+  const GroupTable arriving = tableOf(coming);
+  for (const Index index : indices) {
     const Plug element = array.element(index);
-    // Who is in a group is read only of those that are asked for: there may be thousands.
-    if (set && setOfGroup(element) != set) continue;
-    SetGroup group = groupAt(element);
-    if (group.set) groups.push_back(std::move(group));
+    Node* set = setOfGroup(element);
+    if (set && isWanted(*set)) groups.push_back(readGroup(element, set, arriving));
   }
   return groups;
 }
@@ -219,7 +275,23 @@ Result<void> addToGroup(Document& document, const DagPath& path, Node& set,
   const Plug array = groupArray(path);
   if (array.isNull())
     return fail("'{}' has no components that a set could hold", path.partialName());
-  return makeGroup(document, freeElement(array), set, component);
+  const Plug group = freeElement(array);
+  HOST_TRY(storeOnShape(group, {component}));
+  return enterSet(document, group, set, nextGroupId(document));
+}
+
+Result<void> makeGroups(Document& document, const DagPath& path, std::span<const SetPart> parts) {
+  const Plug array = groupArray(path);
+  if (array.isNull())
+    return fail("'{}' has no components that a set could hold", path.partialName());
+  HOST_ASSERT(document.graph().elementCount(array) == 0, "only of a shape that has no groups");
+  // All elements first: one that is made while others are connected tells all of these.
+  for (std::size_t i = 0; i < parts.size(); ++i)
+    HOST_TRY(storeOnShape(array.element(static_cast<Index>(i)), {parts[i].components}));
+  std::int64_t number = nextGroupId(document);
+  for (std::size_t i = 0; i < parts.size(); ++i)
+    HOST_TRY(enterSet(document, array.element(static_cast<Index>(i)), *parts[i].set, number++));
+  return {};
 }
 
 Result<void> removeFromGroup(Document& document, const DagPath& path, const SetGroup& group,
@@ -241,6 +313,7 @@ Result<Plug> bringGroups(Document& document, Node& shape, const Plug& source) {
   scene::MeshGroupsPtr present;
   if (const auto value = graph.get(source))
     if (const auto* data = dg::dataAs<scene::MeshData>(*value)) present = data->groups;
+  const GroupTable known = tableOf(present);
   Plug end = source;
   for (const Index instance : graph.elementIndices(instances)) {
     const Plug groups = childNamed(instances.element(instance), "objectGroups");
@@ -248,7 +321,7 @@ Result<Plug> bringGroups(Document& document, Node& shape, const Plug& source) {
       const Plug group = groups.element(index);
       std::vector<Component> members = storedComponents(group);
       const std::int64_t number = groupNumber(group);
-      if (members.empty() || number < 0 || hasGroup(present, number)) continue;
+      if (members.empty() || number < 0 || known.contains(number)) continue;
       const auto parts = makeParts(document, group, end);
       if (!parts) return failWith(parts.error());
       HOST_TRY(graph.set((*parts)->plug("inputComponents"), listValue(std::move(members))));
@@ -314,14 +387,15 @@ Result<void> bakeGroups(Node& shape) {
   const Plug instances = shape.plug("instObjGroups");
   const scene::MeshGroupsPtr arriving = groupsArriving(shape.plug("inMesh"));
   if (instances.isNull() || !arriving) return {};
+  const GroupTable members = tableOf(arriving);
   for (const Index instance : graph.elementIndices(instances)) {
     const Plug groups = childNamed(instances.element(instance), "objectGroups");
     for (const Index index : graph.elementIndices(groups)) {
       const Plug group = groups.element(index);
-      const std::int64_t number = groupNumber(group);
-      if (!hasGroup(arriving, number)) continue;
-      std::vector<Component> members = membersOf(arriving, number);
-      if (members != storedComponents(group)) HOST_TRY(storeOnShape(group, std::move(members)));
+      const auto found = members.find(groupNumber(group));
+      if (found == members.end()) continue;
+      std::vector<Component> now = copied(found->second);
+      if (now != storedComponents(group)) HOST_TRY(storeOnShape(group, std::move(now)));
     }
   }
   return {};

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <span>
 #include <vector>
 
 #include "host/base/result.h"
@@ -19,7 +21,10 @@ struct SetGroup {
 /// With history behind the shape the members are those that came through it.
 [[nodiscard]] SetGroup groupAt(const dg::Plug& group);
 /// The groups of an instance that are in `set`, or in any set when it is null.
-[[nodiscard]] std::vector<SetGroup> groupsOf(const scene::DagPath& path, const dg::Node* set);
+[[nodiscard]] std::vector<SetGroup> groupsOf(const scene::DagPath& path, dg::Node* set);
+/// The same, of the sets that `isWanted` says yes to; only their members are read.
+[[nodiscard]] std::vector<SetGroup> groupsIn(const scene::DagPath& path,
+                                             const std::function<bool(dg::Node&)>& isWanted);
 
 /// An element of an array in which order does not matter that is free to connect. Constant time
 /// while there are no gaps.
@@ -29,6 +34,14 @@ struct SetGroup {
 /// groupId node.
 Result<void> addToGroup(scene::Document& document, const scene::DagPath& path, dg::Node& set,
                         const scene::Component& component);
+/// Makes a group of each part, in order, for an instance that has none. Linear in parts, where one
+/// `addToGroup` after the other would look through the groups that there are.
+struct SetPart {
+  dg::Node* set = nullptr;
+  scene::Component components;
+};
+Result<void> makeGroups(scene::Document& document, const scene::DagPath& path,
+                        std::span<const SetPart> parts);
 /// Takes components out; a group without any goes.
 Result<void> removeFromGroup(scene::Document& document, const scene::DagPath& path,
                              const SetGroup& group, const scene::Component& component);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
-#include <unordered_set>
 
 #include "host/nodes/set_group.h"
 
@@ -25,16 +24,26 @@ bool isRenderable(Node& set) {
   return flag && dg::equal(*flag, std::int64_t{1});
 }
 
-/// The sets that a member of `set` may not be in as well.
-std::unordered_set<const Node*> exclusiveSets(Node& set) {
-  std::unordered_set<const Node*> others;
-  dg::Graph& graph = set.graph();
-  for (const Plug& slot : graph.destinations(set.plug("partition")))
-    for (const dg::Graph::Connection& each : graph.incoming(*slot.node()))
-      if (each.source.node() != &set && isSet(*each.source.node()))
-        others.insert(each.source.node());
-  return others;
-}
+/// Which sets share a partition with one, so that its members may not be theirs as well.
+class Exclusive {
+ public:
+  explicit Exclusive(Node& set) : set_(set) {
+    for (const Plug& slot : set.graph().destinations(set.plug("partition")))
+      partitions_.push_back(slot.node());
+  }
+  [[nodiscard]] bool isAny() const { return !partitions_.empty(); }
+  [[nodiscard]] bool operator()(Node& other) const {
+    if (&other == &set_ || !isSet(other)) return false;
+    for (const Plug& slot : other.graph().destinations(other.plug("partition")))
+      if (std::find(partitions_.begin(), partitions_.end(), slot.node()) != partitions_.end())
+        return true;
+    return false;
+  }
+
+ private:
+  Node& set_;
+  std::vector<const Node*> partitions_;
+};
 
 /// The items with the transforms that a renderable set cannot take replaced by their shapes.
 Result<std::vector<SelectionItem>> membersToBe(Node& set, const SelectionList& items) {
@@ -95,8 +104,8 @@ bool sharedPart(const SelectionItem& item, const SetGroup& group, Component& sha
 
 /// Takes an item out of the sets that it may not share with the one it is about to enter.
 Result<void> leaveExclusive(Document& document, const SelectionItem& item,
-                            const std::unordered_set<const Node*>& exclusive, bool force) {
-  if (exclusive.empty()) return {};
+                            const Exclusive& isExclusive, bool force) {
+  if (!isExclusive.isAny()) return {};
   const auto leave = [&](Node& other, const std::function<Result<void>()>& take) -> Result<void> {
     if (!force)
       return fail("'{}' is in '{}', which does not share members", scene::itemBaseName(item),
@@ -106,13 +115,12 @@ Result<void> leaveExclusive(Document& document, const SelectionItem& item,
   std::vector<Node*> wholes;
   if (const Plug whole = wholePlug(item))
     for (const Plug& destination : document.graph().destinations(whole))
-      if (exclusive.contains(destination.node())) wholes.push_back(destination.node());
+      if (isExclusive(*destination.node())) wholes.push_back(destination.node());
   for (Node* other : wholes)
     HOST_TRY(leave(*other, [&] { return removeItem(document, *other, item); }));
   if (!item.isDag()) return {};
   // An object may have thousands of groups, so all are read once.
-  for (const SetGroup& group : groupsOf(item.path, nullptr)) {
-    if (!exclusive.contains(group.set)) continue;
+  for (const SetGroup& group : groupsIn(item.path, isExclusive)) {
     if (item.components.empty()) {
       HOST_TRY(leave(*group.set, [&] { return removeGroup(document, group); }));
       continue;
@@ -180,7 +188,7 @@ bool isShadingGroup(const Node& node) {
 Result<void> addToSet(Document& document, Node& set, const SelectionList& items, bool force) {
   const auto members = membersToBe(set, items);
   if (!members) return failWith(members.error());
-  const std::unordered_set<const Node*> exclusive = exclusiveSets(set);
+  const Exclusive exclusive(set);
   for (const SelectionItem& item : *members) {
     HOST_TRY(leaveExclusive(document, item, exclusive, force));
     HOST_TRY(addItem(document, set, item));

@@ -186,17 +186,23 @@ class DeletionSet {
     add(source);
   }
 
-  /// Whether what arrives at a plug of a node that goes is still needed by one that stays.
-  [[nodiscard]] bool passesOn(const dg::Plug& plug) const {
+  /// Whether what arrives at a plug of a node that goes is still needed by one that stays. What
+  /// nobody needs any more stays so, since ever more goes: a history of thousands is walked once.
+  [[nodiscard]] bool passesOn(const dg::Plug& plug) {
+    if (dry_.contains(plug.node())) return false;
     const MeshPass pass = meshPassOf(*plug.node());
     if (!pass.from || plug.attribute() != pass.from) return false;
     for (const dg::Plug& next : graph_.destinations(dg::Plug(plug.node(), pass.to)))
       if (!has(next.node()) || passesOn(next)) return true;
+    dry_.insert(plug.node());
     return false;
   }
   void findPasses(Node& node) {
     const MeshPass pass = meshPassOf(node);
     if (!pass.from) return;
+    std::vector<dg::Plug> staying = graph_.destinations(dg::Plug(&node, pass.to));
+    std::erase_if(staying, [&](const dg::Plug& each) { return has(each.node()); });
+    if (staying.empty()) return;
     dg::Plug source = graph_.source(dg::Plug(&node, pass.from));
     while (source && has(source.node())) {
       const MeshPass above = meshPassOf(*source.node());
@@ -205,12 +211,12 @@ class DeletionSet {
                    : dg::Plug();
     }
     if (!source) return;
-    for (const dg::Plug& next : graph_.destinations(dg::Plug(&node, pass.to)))
-      if (!has(next.node())) passes_.push_back({source, next});
+    for (const dg::Plug& next : staying) passes_.push_back({source, next});
   }
 
   dg::Graph& graph_;
   std::unordered_set<const Node*> members_;
+  std::unordered_set<const Node*> dry_;  ///< members whose mesh nobody needs that stays
   std::vector<dg::NodePtr> order_;
   std::vector<dg::Graph::Connection> passes_;
 };

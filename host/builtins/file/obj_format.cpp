@@ -48,7 +48,6 @@ Result<dg::Node*> addObject(scene::Document& document, const std::string& name,
   if (!shape) return failWith(std::move(shape.error()));
   HOST_TRY(nodes::setStoredMesh(**shape, object.mesh));
   HOST_TRY(shading.assign(**shape, object));
-  HOST_TRY(shading.addGroups(**shape, object));
   return transform->get();
 }
 

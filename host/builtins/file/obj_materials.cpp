@@ -21,13 +21,23 @@ void warn(const std::string& text) {
   postMessage(MessageKind::Warning, text);
 }
 
-scene::SelectionList listOf(dg::Node& shape, const std::vector<io::ObjFaceRange>& ranges) {
+Component facesOf(const std::vector<io::ObjFaceRange>& ranges) {
   std::vector<Index> faces;
   for (const io::ObjFaceRange& range : ranges)
     for (Index i = 0; i < range.count; ++i) faces.push_back(range.first + i);
-  scene::SelectionList list;
-  list.add(scene::firstPath(shape), Component(ComponentType::Face, std::move(faces)));
-  return list;
+  return Component(ComponentType::Face, std::move(faces));
+}
+
+/// The faces of an object that have no material.
+Component bareFaces(const io::ObjObject& object) {
+  std::vector<char> isCovered(static_cast<std::size_t>(object.mesh.faceCount()), 0);
+  for (const io::ObjFaceSet& set : object.materials)
+    for (const io::ObjFaceRange& range : set.ranges)
+      std::fill_n(isCovered.begin() + range.first, range.count, char{1});
+  std::vector<Index> bare;
+  for (std::size_t i = 0; i < isCovered.size(); ++i)
+    if (!isCovered[i]) bare.push_back(static_cast<Index>(i));
+  return Component(ComponentType::Face, std::move(bare));
 }
 
 bool coversAll(const io::ObjFaceSet& set, Index faceCount) {
@@ -137,37 +147,41 @@ std::map<std::string, io::MtlMaterial> readObjMaterials(const io::ObjScene& scen
 
 Result<void> ObjShading::assign(dg::Node& shape, const io::ObjObject& object) {
   const Index faceCount = object.mesh.faceCount();
-  Index covered = 0;
-  for (const io::ObjFaceSet& set : object.materials)
-    for (const io::ObjFaceRange& range : set.ranges) covered += range.count;
-  if (covered < faceCount || object.materials.empty())
+  // All parts are put into their groups at once: there may be thousands.
+  std::vector<nodes::SetPart> parts;
+  if (object.materials.empty()) {
     HOST_TRY(nodes::assignInitialShading(document_, shape));
+  } else if (Component bare = bareFaces(object); !bare.isEmpty()) {
+    if (const auto& initial = document_.nodesNamed("initialShadingGroup"); !initial.empty())
+      parts.push_back({initial.front(), std::move(bare)});
+  }
   for (const io::ObjFaceSet& set : object.materials) {
     auto group = groupOf(set.name);
     if (!group) return failWith(std::move(group.error()));
-    scene::SelectionList list;
-    if (coversAll(set, faceCount))
-      list.add(scene::firstPath(shape));
-    else
-      list = listOf(shape, set.ranges);
-    HOST_TRY(nodes::addToSet(document_, **group, list));
+    if (!coversAll(set, faceCount)) {
+      parts.push_back({*group, facesOf(set.ranges)});
+      continue;
+    }
+    scene::SelectionList whole;
+    whole.add(scene::firstPath(shape));
+    HOST_TRY(nodes::addToSet(document_, **group, whole));
   }
-  return {};
-}
-
-Result<void> ObjShading::addGroups(dg::Node& shape, const io::ObjObject& object) {
   for (const io::ObjFaceSet& set : object.groups) {
     // A group that is the whole object has given the object its name.
-    if (coversAll(set, object.mesh.faceCount()) || set.name == "default") continue;
-    dg::Node*& node = sets_[set.name];
-    if (!node) {
-      auto made = document_.createNode("objectSet", nodeName_(set.name));
-      if (!made) return failWith(std::move(made.error()));
-      node = made->get();
-    }
-    HOST_TRY(nodes::addToSet(document_, *node, listOf(shape, set.ranges)));
+    if (coversAll(set, faceCount) || set.name == "default") continue;
+    auto node = setOf(set.name);
+    if (!node) return failWith(std::move(node.error()));
+    parts.push_back({*node, facesOf(set.ranges)});
   }
-  return {};
+  return nodes::makeGroups(document_, scene::firstPath(shape), parts);
+}
+
+Result<dg::Node*> ObjShading::setOf(const std::string& name) {
+  dg::Node*& node = sets_[name];
+  if (node) return node;
+  auto made = document_.createNode("objectSet", nodeName_(name));
+  if (!made) return failWith(std::move(made.error()));
+  return node = made->get();
 }
 
 Result<dg::Node*> ObjShading::groupOf(const std::string& name) {

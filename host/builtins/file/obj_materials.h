@@ -27,14 +27,13 @@ class ObjShading {
         folder_(std::move(folder)),
         nodeName_(std::move(nodeName)) {}
 
-  /// Puts a shape's faces where the object says; faces without a material into
-  /// initialShadingGroup.
+  /// Puts the faces of a new shape where the object says: into shading groups by material, those
+  /// without one into initialShadingGroup, and into a set for each group that names a part.
   Result<void> assign(dg::Node& shape, const io::ObjObject& object);
-  /// Makes a set of each group that names a part of the object.
-  Result<void> addGroups(dg::Node& shape, const io::ObjObject& object);
 
  private:
   Result<dg::Node*> groupOf(const std::string& name);
+  Result<dg::Node*> setOf(const std::string& name);
   Result<dg::Node*> makeMaterial(const std::string& name);
   Result<void> addPicture(dg::Node& shader, const io::MtlMaterial& material);
 

@@ -202,8 +202,6 @@ TEST_CASE("networks with a cycle, groups without material, faces in no group or 
 TEST_CASE("every face of many has the material of its own") {
   Stage stage;
   if (!stage.canDraw()) return;
-  // A row of faces from black to red, each a material: 10,000 would be a long test, the way is the
-  // same.
   stage.run("delete p; polyPlane -n p -w 8 -h 4 -sx 40 -sy 10 -ax 0 0 1 -ch 0; select -cl");
   stage.run(
       "for ($i = 0; $i < 400; $i++) { $m = `shadingNode -asShader surfaceShader`; $g = `sets -r 1 "
@@ -223,4 +221,61 @@ TEST_CASE("every face of many has the material of its own") {
       CAPTURE(column);
       CHECK(near(shown, wanted));
     }
+}
+
+TEST_CASE(
+    "ten thousand materials on one object are read, found, drawn, modelled on and taken back") {
+  Stage stage;
+  constexpr int kSide = 100, kCount = kSide * kSide;
+  const std::string path = (kFolder / "many.obj").string();
+  {
+    std::ofstream obj(path), mtl(kFolder / "many.mtl");
+    obj << "mtllib many.mtl\n";
+    for (int i = 0; i < kCount; ++i) {
+      const int x = i % kSide, y = i / kSide, v = 4 * i + 1;
+      mtl << "newmtl m" << i << "\nKd " << (x >= kSide / 2) << " " << (y >= kSide / 2) << " 0\n";
+      obj << "v " << x << " " << y << " 0\nv " << x + 1 << " " << y << " 0\nv " << x + 1 << " "
+          << y + 1 << " 0\nv " << x << " " << y + 1 << " 0\nusemtl m" << i << "\nf " << v << " "
+          << v + 1 << " " << v + 2 << " " << v + 3 << "\n";
+    }
+  }
+  stage.run("delete p; file -i -rpr many \"" + path + "\"");
+  const auto answer = [&](const std::string& mel) {
+    const auto result = stage.session->executeLine(mel);
+    REQUIRE(result.has_value());
+    return result->toText().value_or("no text");
+  };
+  constexpr int kOwn = 2;  // of every scene
+  CHECK(answer("size(`ls -mat`)") == std::to_string(kCount + kOwn));
+  CHECK(answer("size(`ls -type groupId`)") == std::to_string(kCount));
+  CHECK(answer("hyperShade -o m4321; stringArrayToString(`ls -sl`, \" \")") ==
+        "polySurface1.f[4321]");
+  CHECK(answer("select -r polySurface1.f[77:78]; hyperShade -smn \"\"; "
+               "stringArrayToString(`ls -sl`, \" \")") == "m77 m78");
+  const auto check = [&] {
+    if (!stage.canDraw()) return;
+    stage.run("select -cl; viewFit -f 1 polySurface1");
+    stage.draw();
+    // The square stands in the middle of the picture, twice as wide as high.
+    CHECK(near(stage.at(30, 30), {0, 0, 0}));
+    CHECK(near(stage.at(50, 30), {255, 0, 0}));
+    CHECK(near(stage.at(30, 10), {0, 255, 0}));
+    CHECK(near(stage.at(50, 10), {255, 255, 0}));
+  };
+  check();
+  // A history carries all of them; when it goes they are on the shape again, a face each more.
+  stage.run("polyExtrudeFacet -kft 1 -ltz 0.5 polySurface1.f[4321]");
+  CHECK(answer("size(`sets -q m4321SG`)") == "2");
+  check();
+  stage.run("delete -ch polySurface1");
+  CHECK(answer("size(`ls -type groupParts`)") == "0");
+  CHECK(answer("size(`sets -q m4321SG`)") == "2");
+  stage.run("duplicate -n twin polySurface1");
+  CHECK(answer("size(`sets -q m7SG`)") == "2");
+  check();
+  stage.run("for ($i = 0; $i < 40 && `objExists polySurface1`; $i++) undo");
+  CHECK(answer("size(`ls -mat`)") == std::to_string(kOwn));
+  CHECK(answer("size(`ls -type groupId`)") == "0");
+  stage.run("while (!catch(`redo`) && !`objExists twin`) {}");
+  CHECK(answer("size(`sets -q m7SG`)") == "2");
 }
