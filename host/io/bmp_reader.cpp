@@ -97,25 +97,27 @@ std::array<std::uint8_t, 3> colorAt(const Bytes& bytes, const Head& head, std::s
 
 }  // namespace
 
-Result<Image> decodeBmp(std::string_view text, const std::string& name) {
+Result<void> decodeBmpRows(std::string_view text, const std::string& name, PictureRows& rows) {
   const Bytes bytes(text);
   const auto head = readHead(bytes, name);
   if (!head) return failWith(head.error());
-  Image image;
-  image.width = head->width;
-  image.height = head->height;
-  const auto width = static_cast<std::size_t>(image.width);
-  const auto height = static_cast<std::size_t>(image.height);
-  image.rgba.resize(4 * width * height);
+  const auto width = static_cast<std::size_t>(head->width);
+  const auto height = static_cast<std::size_t>(head->height);
+  rows.begin(head->width, head->height);
+  std::vector<std::uint8_t> pixels(4 * width, 255);
   for (std::size_t y = 0; y < height; ++y) {
     const std::size_t row = head->pixels + head->stride * (head->isTopDown ? y : height - 1 - y);
-    std::uint8_t* to = image.rgba.data() + 4 * width * y;
-    for (std::size_t x = 0; x < width; ++x, to += 4) {
-      std::ranges::copy(colorAt(bytes, *head, row, x), to);
-      to[3] = 255;
-    }
+    for (std::size_t x = 0; x < width; ++x)
+      std::ranges::copy(colorAt(bytes, *head, row, x), pixels.data() + 4 * x);
+    rows.add(pixels.data());
   }
-  return image;
+  return {};
+}
+
+Result<Image> decodeBmp(std::string_view text, const std::string& name) {
+  WholePicture whole;
+  HOST_TRY(decodeBmpRows(text, name, whole));
+  return std::move(whole.image);
 }
 
 }  // namespace host::io

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "host/base/result.h"
-#include "host/io/image.h"
+#include "host/io/picture_rows.h"
 
 namespace host::io {
 
@@ -13,5 +13,7 @@ namespace host::io {
 /// @return an error naming the file when it is damaged, compressed, or larger than
 /// kLargestImageSide
 [[nodiscard]] Result<Image> decodeBmp(std::string_view bytes, const std::string& name);
+/// The same, a row at a time.
+Result<void> decodeBmpRows(std::string_view bytes, const std::string& name, PictureRows& rows);
 
 }  // namespace host::io

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -26,5 +27,9 @@ struct FloatImage {
 
 /// The longest side of a picture that is read or written, pixels.
 inline constexpr int kLargestImageSide = 32768;
+
+/// The most pixels that a texture's file may have where its format asks for all of them at once: a
+/// quarter to one gigabyte while it is read.
+inline constexpr std::size_t kMostWholePixels = std::size_t{8192} * 8192;
 
 }  // namespace host::io

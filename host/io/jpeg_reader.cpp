@@ -49,15 +49,20 @@ class Decoder {
     work_.out_color_space = isInk ? JCS_CMYK : JCS_RGB;
     return true;
   }
-  /// Rows of three channels, or of four of ink.
-  [[nodiscard]] bool readRows(std::uint8_t* pixels) {
+  [[nodiscard]] bool start() {
     if (setjmp(fault_.place) != 0) return false;
     jpeg_start_decompress(&work_);
-    const std::size_t stride = std::size_t{work_.output_width} * channels();
-    while (work_.output_scanline < work_.output_height) {
-      JSAMPROW row = pixels + stride * work_.output_scanline;
-      jpeg_read_scanlines(&work_, &row, 1);
-    }
+    return true;
+  }
+  /// A row of three channels, or of four of ink.
+  [[nodiscard]] bool readRow(std::uint8_t* pixels) {
+    if (setjmp(fault_.place) != 0) return false;
+    JSAMPROW row = pixels;
+    jpeg_read_scanlines(&work_, &row, 1);
+    return true;
+  }
+  [[nodiscard]] bool finish() {
+    if (setjmp(fault_.place) != 0) return false;
     jpeg_finish_decompress(&work_);
     return true;
   }
@@ -74,31 +79,37 @@ class Decoder {
 
 }  // namespace
 
-Result<Image> decodeJpeg(std::string_view bytes, const std::string& name) {
+Result<void> decodeJpegRows(std::string_view bytes, const std::string& name, PictureRows& rows) {
   Decoder decoder;
   if (!decoder.readHead(bytes)) return fail("Cannot read \"{}\": {}", name, decoder.message());
   // A block of 64 pixels takes two bits at the least.
-  const std::size_t count = decoder.width() * decoder.height();
-  if (decoder.width() > kLargestImageSide || decoder.height() > kLargestImageSide ||
-      count / 512 > bytes.size())
-    return fail("Cannot read \"{}\": {} x {} pixels are too many", name, decoder.width(),
-                decoder.height());
-  std::vector<std::uint8_t> rows(count * decoder.channels());
-  if (!decoder.readRows(rows.data()))
-    return fail("Cannot read \"{}\": {}", name, decoder.message());
-  Image image;
-  image.width = static_cast<int>(decoder.width());
-  image.height = static_cast<int>(decoder.height());
-  image.rgba.resize(4 * count);
-  for (std::size_t i = 0; i < count; ++i) {
-    const std::uint8_t* const from = rows.data() + decoder.channels() * i;
-    // Ink is written inverted: all there is says how light a place is.
-    for (std::size_t c = 0; c < 3; ++c)
-      image.rgba[4 * i + c] =
-          decoder.isInk() ? static_cast<std::uint8_t>(from[c] * from[3] / 255) : from[c];
-    image.rgba[4 * i + 3] = 255;
+  const std::size_t width = decoder.width(), height = decoder.height();
+  if (width > kLargestImageSide || height > kLargestImageSide ||
+      width * height / 512 > bytes.size())
+    return fail("Cannot read \"{}\": {} x {} pixels are too many", name, width, height);
+  if (!decoder.start()) return fail("Cannot read \"{}\": {}", name, decoder.message());
+  rows.begin(static_cast<int>(width), static_cast<int>(height));
+  std::vector<std::uint8_t> samples(width * decoder.channels()), pixels(4 * width, 255);
+  for (std::size_t y = 0; y < height; ++y) {
+    if (!decoder.readRow(samples.data()))
+      return fail("Cannot read \"{}\": {}", name, decoder.message());
+    for (std::size_t x = 0; x < width; ++x) {
+      const std::uint8_t* const from = samples.data() + decoder.channels() * x;
+      // Ink is written inverted: all there is says how light a place is.
+      for (std::size_t c = 0; c < 3; ++c)
+        pixels[4 * x + c] =
+            decoder.isInk() ? static_cast<std::uint8_t>(from[c] * from[3] / 255) : from[c];
+    }
+    rows.add(pixels.data());
   }
-  return image;
+  if (!decoder.finish()) return fail("Cannot read \"{}\": {}", name, decoder.message());
+  return {};
+}
+
+Result<Image> decodeJpeg(std::string_view bytes, const std::string& name) {
+  WholePicture whole;
+  HOST_TRY(decodeJpegRows(bytes, name, whole));
+  return std::move(whole.image);
 }
 
 }  // namespace host::io

@@ -68,4 +68,29 @@ Result<Image> readPicture(const std::string& path) {
   return toBytes(*image);
 }
 
+Result<Image> readSmallPicture(const std::string& path, int largestSide) {
+  auto file = FileContent::read(path);
+  if (!file) return failWith(std::move(file).error());
+  const std::string_view bytes = file->text();
+  SmallPicture small(largestSide);
+  if (isPng(bytes)) {
+    HOST_TRY(decodePngRows(bytes, path, small));
+  } else if (isJpeg(bytes)) {
+    HOST_TRY(decodeJpegRows(bytes, path, small));
+  } else if (isBmp(bytes)) {
+    HOST_TRY(decodeBmpRows(bytes, path, small));
+  } else if (isTiff(bytes)) {
+    const auto image = decodeTiff(bytes, path, kMostWholePixels);
+    if (!image) return failWith(image.error());
+    const Image whole = toBytes(*image);
+    small.begin(whole.width, whole.height);
+    for (int y = 0; y < whole.height; ++y)
+      small.add(whole.rgba.data() + std::size_t{4} * static_cast<std::size_t>(whole.width) *
+                                        static_cast<std::size_t>(y));
+  } else {
+    return isUnknown(path);
+  }
+  return std::move(small.image);
+}
+
 }  // namespace host::io

@@ -14,5 +14,9 @@ namespace host::io {
 
 /// The same with 8 bits a channel: finer steps are rounded, numbers beyond 0 to 1 cut off there.
 [[nodiscard]] Result<Image> readPicture(const std::string& path);
+/// The same for what is only looked at: a side that is longer than `largestSide` is halved until it
+/// fits. Only the small picture is in memory as a whole; formats that don't come row by row are
+/// refused over kMostWholePixels.
+[[nodiscard]] Result<Image> readSmallPicture(const std::string& path, int largestSide);
 
 }  // namespace host::io

@@ -40,16 +40,33 @@ void giveUp(png_structp png, png_const_charp reason) {
 
 void keepQuiet(png_structp, png_const_charp) {}
 
-// The library leaves by longjmp, so nothing that needs a destructor lives in the next two.
-bool readHead(png_structp png, png_infop info) {
+// The library leaves by longjmp, so nothing that needs a destructor lives in the next four.
+
+/// With 16 bits a channel (`isFine`) or with 8.
+bool readHead(png_structp png, png_infop info, bool isFine) {
   if (setjmp(png_jmpbuf(png)) != 0) return false;
   png_read_info(png, info);
   png_set_expand(png);
-  png_set_expand_16(png);
+  if (isFine)
+    png_set_expand_16(png);
+  else
+    png_set_scale_16(png);
   png_set_gray_to_rgb(png);
-  png_set_add_alpha(png, 0xFFFF, PNG_FILLER_AFTER);
+  png_set_add_alpha(png, isFine ? 0xFFFF : 0xFF, PNG_FILLER_AFTER);
   png_set_interlace_handling(png);
   png_read_update_info(png, info);
+  return true;
+}
+
+bool readRow(png_structp png, png_bytep row) {
+  if (setjmp(png_jmpbuf(png)) != 0) return false;
+  png_read_row(png, row, nullptr);
+  return true;
+}
+
+bool readEnd(png_structp png) {
+  if (setjmp(png_jmpbuf(png)) != 0) return false;
+  png_read_end(png, nullptr);
   return true;
 }
 
@@ -79,7 +96,7 @@ struct Reader {
 Result<FloatImage> decodePngFloats(std::string_view bytes, const std::string& name) {
   Source source{bytes, "out of memory"};
   const Reader reader(source);
-  if (!reader.info || !readHead(reader.png, reader.info))
+  if (!reader.info || !readHead(reader.png, reader.info, true))
     return fail("Cannot read \"{}\": {}", name, source.complaint);
   const std::size_t width = png_get_image_width(reader.png, reader.info);
   const std::size_t height = png_get_image_height(reader.png, reader.info);
@@ -127,6 +144,38 @@ Result<Image> decodePng(std::string_view bytes, const std::string& name) {
   // The library warns of damage that it could pass over; a damaged picture is an error here.
   if (PNG_IMAGE_FAILED(png)) return fail("Cannot read \"{}\": {}", name, png.message);
   return image;
+}
+
+Result<void> decodePngRows(std::string_view bytes, const std::string& name, PictureRows& rows) {
+  Source source{bytes, "out of memory"};
+  const Reader reader(source);
+  if (!reader.info || !readHead(reader.png, reader.info, false))
+    return fail("Cannot read \"{}\": {}", name, source.complaint);
+  const std::size_t width = png_get_image_width(reader.png, reader.info);
+  const std::size_t height = png_get_image_height(reader.png, reader.info);
+  const bool isInterlaced = png_get_interlace_type(reader.png, reader.info) != PNG_INTERLACE_NONE;
+  if (isTooLarge(width, height, bytes.size()) ||
+      (isInterlaced && width * height > kMostWholePixels))
+    return fail("Cannot read \"{}\": {} x {}{} pixels are too many", name, width, height,
+                isInterlaced ? " interlaced" : "");
+  if (png_get_rowbytes(reader.png, reader.info) != 4 * width)
+    return fail("Cannot read \"{}\": its pixels are stored in a way that is not known", name);
+  if (isInterlaced) {
+    const auto image = decodePng(bytes, name);
+    if (!image) return failWith(image.error());
+    rows.begin(image->width, image->height);
+    for (std::size_t y = 0; y < height; ++y) rows.add(image->rgba.data() + 4 * width * y);
+    return {};
+  }
+  rows.begin(static_cast<int>(width), static_cast<int>(height));
+  std::vector<png_byte> row(4 * width);
+  for (std::size_t y = 0; y < height; ++y) {
+    if (!readRow(reader.png, row.data()))
+      return fail("Cannot read \"{}\": {}", name, source.complaint);
+    rows.add(row.data());
+  }
+  if (!readEnd(reader.png)) return fail("Cannot read \"{}\": {}", name, source.complaint);
+  return {};
 }
 
 Result<Image> readPng(const std::string& path) {

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "host/base/result.h"
-#include "host/io/image.h"
+#include "host/io/picture_rows.h"
 
 namespace host::io {
 
@@ -15,6 +15,10 @@ namespace host::io {
 
 /// Decodes a PNG in memory; `name` stands for the file in messages.
 [[nodiscard]] Result<Image> decodePng(std::string_view bytes, const std::string& name);
+
+/// The same, a row at a time; an interlaced PNG, whose rows come all at once, is refused over
+/// kMostWholePixels. After an error some rows may have come already.
+Result<void> decodePngRows(std::string_view bytes, const std::string& name, PictureRows& rows);
 
 /// The same as shares of the largest number, with all 16 bits of a PNG that has them. The file's
 /// numbers come as they stand, whatever gamma it claims.

@@ -235,7 +235,8 @@ bool readBytes(TIFF* tiff, FloatImage& image) {
 
 }  // namespace
 
-Result<FloatImage> decodeTiff(std::string_view bytes, const std::string& name) {
+Result<FloatImage> decodeTiff(std::string_view bytes, const std::string& name,
+                              std::size_t mostPixels) {
   TiffMemory memory(bytes);
   const TiffMemory::File tiff = memory.openForReading();
   const auto unreadable = [&](std::string_view reason) {
@@ -250,7 +251,7 @@ Result<FloatImage> decodeTiff(std::string_view bytes, const std::string& name) {
   constexpr std::uint16_t kMostSamples = 64;
   const std::size_t claimed = std::size_t{layout.width} * layout.height / 8 * layout.bits;
   if (layout.width > kLargestImageSide || layout.height > kLargestImageSide ||
-      claimed / kBestRatio > bytes.size())
+      claimed / kBestRatio > bytes.size() || std::size_t{layout.width} * layout.height > mostPixels)
     return fail("Cannot read \"{}\": {} x {} pixels are too many", name, layout.width,
                 layout.height);
   if (layout.samples == 0 || layout.samples > kMostSamples)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -16,7 +17,9 @@ namespace host::io {
 /// stand (a number that is none comes as 0). Alpha is the first extra sample; grey goes to all
 /// three colours.
 /// @return an error naming the file when it is damaged, or larger than kLargestImageSide or than
-/// what so many bytes can hold.
-[[nodiscard]] Result<FloatImage> decodeTiff(std::string_view bytes, const std::string& name);
+/// what so many bytes can hold, or has more than `mostPixels`.
+[[nodiscard]] Result<FloatImage> decodeTiff(
+    std::string_view bytes, const std::string& name,
+    std::size_t mostPixels = std::numeric_limits<std::size_t>::max());
 
 }  // namespace host::io

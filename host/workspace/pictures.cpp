@@ -1,8 +1,5 @@
 #include "host/workspace/pictures.h"
 
-#include <algorithm>
-#include <array>
-
 #include "host/base/messages.h"
 #include "host/io/picture_reader.h"
 
@@ -32,38 +29,8 @@ nodes::PicturePtr missingPicture() {
 }
 
 /// The longest side that views show. A person sees no more of one picture at a time, and a
-/// picture of 16k would take a gigabyte three times over.
+/// picture of 16k by 16k would take a gigabyte.
 constexpr int kLargestShownSide = 4096;
-
-/// Half as wide or high, where a side is too long: the mean of two pixels, by how opaque they are.
-io::Image halved(const io::Image& image) {
-  const int stepX = image.width > kLargestShownSide ? 2 : 1;
-  const int stepY = image.height > kLargestShownSide ? 2 : 1;
-  io::Image small{(image.width + stepX - 1) / stepX, (image.height + stepY - 1) / stepY, {}};
-  small.rgba.reserve(std::size_t{4} * static_cast<std::size_t>(small.width) *
-                     static_cast<std::size_t>(small.height));
-  for (int y = 0; y < small.height; ++y)
-    for (int x = 0; x < small.width; ++x) {
-      std::array<unsigned, 4> sum{}, weighted{};
-      unsigned count = 0;
-      for (int j = stepY * y; j < std::min(stepY * (y + 1), image.height); ++j)
-        for (int i = stepX * x; i < std::min(stepX * (x + 1), image.width); ++i, ++count) {
-          const std::uint8_t* from =
-              image.rgba.data() +
-              4 * (static_cast<std::size_t>(j) * static_cast<std::size_t>(image.width) +
-                   static_cast<std::size_t>(i));
-          for (std::size_t c = 0; c < 4; ++c) {
-            sum[c] += from[c];
-            weighted[c] += from[c] * unsigned{from[3]};
-          }
-        }
-      for (std::size_t c = 0; c < 3; ++c)
-        small.rgba.push_back(
-            static_cast<std::uint8_t>(sum[3] > 0 ? weighted[c] / sum[3] : sum[c] / count));
-      small.rgba.push_back(static_cast<std::uint8_t>(sum[3] / count));
-    }
-  return small;
-}
 
 fs::path locate(const std::string& path, const std::string& folder) {
   fs::path wanted(path);
@@ -86,14 +53,13 @@ nodes::PicturePtr Pictures::find(const std::string& path, const std::string& fol
   const fs::file_time_type changed = fs::last_write_time(file, failure);
   if (entry.picture && entry.changed == changed) return entry.picture;
   entry.changed = changed;
-  auto image = io::readPicture(file.string());
+  auto image = io::readSmallPicture(file.string(), kLargestShownSide);
   if (!image) {
     if (!entry.isWarned) postMessage(MessageKind::Warning, image.error().message);
     entry.isWarned = true;
     return entry.picture = missingPicture();
   }
   entry.isWarned = false;
-  while (std::max(image->width, image->height) > kLargestShownSide) *image = halved(*image);
   auto picture = std::make_shared<nodes::Picture>();
   picture->width = image->width;
   picture->height = image->height;
