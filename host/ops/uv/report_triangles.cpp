@@ -183,7 +183,11 @@ UvTriangles uvTriangles(const mesh::Mesh& mesh, int uvSet) {
       }
       measure(t, p, q, u, w);
       out.surface += t.surface;
-      out.uv += std::abs(t.signedUv);
+      // UVs that are no numbers cover nothing.
+      if (std::isfinite(t.signedUv))
+        out.uv += std::abs(t.signedUv);
+      else
+        t.isCollapsed = true;
       out.all.push_back(t);
     }
   }
@@ -212,6 +216,7 @@ class OverlapSearch {
     for (std::size_t i = 0; i < all_.size(); ++i) {
       for (std::size_t k = 0; k < 3; ++k) places_[i][k] = uvPoint(set, all_[i].corners[k]);
       if (all_[i].signedUv < 0) std::swap(places_[i][1], places_[i][2]);
+      if (!std::isfinite(all_[i].signedUv)) continue;  // collapsed: nobody looks at it
       const auto& [a, b, c] = places_[i];
       boxes_[i] = {{std::min({a.x, b.x, c.x}), std::min({a.y, b.y, c.y})},
                    {std::max({a.x, b.x, c.x}), std::max({a.y, b.y, c.y})}};

@@ -1,5 +1,8 @@
 #include "host/ops/uv/unfold_piece.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "host/mesh/adjacency.h"
 #include "host/mesh/triangulate.h"
 
@@ -21,6 +24,28 @@ bool hasArea(const mesh::Mesh& mesh, FaceId f) {
     longest = std::max({longest, math::lengthSquared(p), math::lengthSquared(q)});
   }
   return math::length(sum) > 1e-12 * longest;
+}
+
+/// Whether so many triangles are flatter than UVs can tell apart at the size of the piece that
+/// rounding is sure to turn some over.
+bool isTooFine(const flat::Piece& piece) {
+  double area = 0;
+  for (const flat::Triangle& t : piece.triangles) {
+    const math::Vec3 &a = piece.points[at(t[0])], &b = piece.points[at(t[1])];
+    area += 0.5 * math::length(math::cross(b - a, piece.points[at(t[2])] - a));
+  }
+  // Half the distance of floats next to each other, at the size of the piece.
+  const double least = 0x1p-25 * std::sqrt(area);
+  std::size_t count = 0;
+  for (const flat::Triangle& t : piece.triangles) {
+    const math::Vec3 &a = piece.points[at(t[0])], &b = piece.points[at(t[1])],
+                     &c = piece.points[at(t[2])];
+    const double longest =
+        std::max({math::length(b - a), math::length(c - b), math::length(a - c)});
+    count += math::length(math::cross(b - a, c - a)) < least * longest;
+  }
+  constexpr std::size_t kSure = 200;  // a few may come out upright by luck
+  return count > kSure;
 }
 
 }  // namespace
@@ -145,6 +170,8 @@ Result<ShellPiece> PieceMaker::make(Index shell) {
       out.piece.triangles.push_back({local(t[0]), local(t[1]), local(t[2])});
   }
   if (auto added = addBorder(shell, out.piece); !added) return name(added.error());
+  if (isTooFine(out.piece))
+    return name(Error{ErrorKind::Failed, "its triangles are too small for UVs to tell apart"});
   return out;
 }
 
