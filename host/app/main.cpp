@@ -53,6 +53,16 @@ int loadPlugIns(cmd::Session& session, const Options& options, const ProgramPath
   return kDone;
 }
 
+/// Selects the meshes of a file that was brought in: what a person opened is what the next line is
+/// about.
+void selectMeshes(scene::Document& document, const std::vector<dg::Node*>& nodes) {
+  scene::SelectionList list;
+  for (const dg::Node* node : nodes)
+    if (scene::isShape(*node) && node->type().name == "mesh")
+      list.add(scene::firstPath(*node).parent());
+  if (!list.isEmpty()) document.setSelection(std::move(list));
+}
+
 int openFile(cmd::Session& session, const std::string& file) {
   if (!isReadable(file)) return kFileFailed;
   std::error_code ignored;
@@ -65,8 +75,13 @@ int openFile(cmd::Session& session, const std::string& file) {
   cmd::Context context{session, session.document()};
   const builtins::FileRequest request{.path = file, .isForced = true};
   const auto done = session.dispatcher().recordStep("file", [&]() -> Result<void> {
-    HOST_TRY(isScene ? builtins::openScene(context, request)
-                     : builtins::importFile(context, request));
+    if (isScene) {
+      HOST_TRY(builtins::openScene(context, request));
+      return {};
+    }
+    std::vector<dg::Node*> made;
+    HOST_TRY(builtins::importFile(context, request, &made));
+    selectMeshes(context.document, made);
     return {};
   });
   if (!done) postMessage(MessageKind::Error, done.error().message);

@@ -205,3 +205,26 @@ TEST_CASE("Reset Options resets the tools' settings with the windows closed too"
       "-close qx_modeling_ui; resetOptions_QXMT_Proc");
   CHECK(values(block()) == kAtLoad);
 }
+
+TEST_CASE("customFrame shows the component under the cursor, and keeps what is selected") {
+  toolkitSession toolkit;
+  toolkit.run(
+      "polyPlane -n shape -sx 10 -sy 10 -w 10 -h 10; polyCube -n far; move 0 -20 0 far; select -r "
+      "shape.f[3]; viewFit -all top; viewGesture -hoverAt shape.vtx[12] modelPanel1");
+  const auto number = [&](const char* mel) {
+    return toolkit.session->executeLine(mel)->toFloat().value();
+  };
+  const double wide = number("getAttr topShape.orthographicWidth");
+  toolkit.run("qxSetCommands -ms \"customFrame\"");
+  const MPoint vertex = toolkitSession::points("shape")[12];
+  CHECK(number("getAttr top.translateX") == doctest::Approx(vertex.x).epsilon(0.1));
+  CHECK(number("getAttr top.translateZ") == doctest::Approx(vertex.z).epsilon(0.1));
+  CHECK(number("getAttr topShape.orthographicWidth") < wide / 2);
+  CHECK(toolkit.session->executeLine("ls -sl")->toTexts() ==
+        std::vector<std::string>{"shape.f[3]"});
+  // Beside all meshes nothing moves.
+  toolkit.run("move 100 0 0 shape; move 100 0 0 far; viewGesture -hover 5 5 modelPanel1");
+  const double here = number("getAttr top.translateX");
+  toolkit.run("qxSetCommands -ms \"customFrame\"");
+  CHECK(number("getAttr top.translateX") == here);
+}

@@ -43,6 +43,23 @@ CommandResult about(Context& context, const ParsedArgs& args) {
   return mel::Value(false);
 }
 
+/// What there is to ask for, and the commands that plug-ins have brought.
+std::string helpOfHelp(CommandRegistry& registry) {
+  std::string text, own;
+  if (cmd::Command* const help = registry.findBuiltin("help")) {
+    describeFlags(*help);
+    text = help->synopsis();
+  }
+  const std::vector<std::string> names = registry.names();
+  for (const std::string& name : names)
+    if (const auto command = registry.find(name); command && command->plugin()) own += " " + name;
+  text += fmt::format(
+      "help NAME tells of a command and its flags; help -list \"poly*\" lists commands by how they "
+      "begin. There are {}.\n",
+      names.size());
+  return own.empty() ? text : text + "Of plug-ins:" + own + "\n";
+}
+
 CommandResult help(Context& context, const ParsedArgs& args) {
   if (args.has("list")) {
     std::vector<std::string> names = context.session.commands().names();
@@ -55,10 +72,8 @@ CommandResult help(Context& context, const ParsedArgs& args) {
     }
     return toValue(std::move(names));
   }
+  if (args.firstObject().empty()) return mel::Value(helpOfHelp(context.session.commands()));
   const std::string name = args.firstObject();
-  if (name.empty())
-    return mel::Value(
-        cmd::Command(cmd::CommandSpec{"help", Syntax().strings(), {}, false}).synopsis());
   if (cmd::Command* const builtin = context.session.commands().findBuiltin(name))
     describeFlags(*builtin);
   const auto command = context.session.commands().find(name);

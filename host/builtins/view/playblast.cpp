@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "host/base/cancel.h"
+#include "host/base/messages.h"
 #include "host/builtins/common/command.h"
 #include "host/edits/time.h"
 #include "host/io/picture_file.h"
@@ -56,6 +57,10 @@ Result<Job> jobOf(Context& context, const ParsedArgs& args) {
   if (named && args.has("compression") && *named != *wanted)
     return fail("playblast: {} is no name for a picture of the kind \"{}\"", job.completeName,
                 compression);
+  if (!job.completeName.empty() && !named && !args.has("compression"))
+    postMessage(MessageKind::Warning,
+                fmt::format("{} names none of the formats png, jpg, bmp and tif: it is a PNG file",
+                            job.completeName));
   job.format = named.value_or(wanted.value_or(io::PictureFormat::Png));
   auto times = timesOf(context, args);
   if (!times) return failWith(times.error());

@@ -170,6 +170,9 @@ TEST_CASE("a mesh or a scene is open before the first line runs") {
                scene + "\"; file -save -type mayaAscii"});
   CHECK(saved.status == 0);
   CHECK(saved.output.find("1\n") == 0);
+  const Outcome counted = run({"--no-module", "-o", mesh, "-c", "polyEvaluate -f"});
+  CHECK(counted.status == 0);
+  CHECK(counted.says("Result: 1 "));  // a mesh that was opened is selected
   const Outcome opened = run({"--no-module", "-o", scene, "-c",
                               "int $n = `polyEvaluate -v kept`, $m = `polyEvaluate -v box`; "
                               "print($n + \" \" + $m + \"\\n\");"
