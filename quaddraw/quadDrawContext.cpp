@@ -10,6 +10,8 @@
 #endif
 #include <GL/gl.h>
 
+#include <cmath>
+
 #include "quaddraw/liveSurface.h"
 #include "quaddraw/quadCommit.h"
 #include "quaddraw/quadDrawContextToolCmd.h"
@@ -23,6 +25,8 @@ namespace {
 constexpr float kHoverPeriod = 0.01F;
 constexpr double kPickUpPixels = 20.0;
 constexpr float kPointSize = 8.0F;
+constexpr int kPaintedWay = 32,
+              kLeastLastWay = 12;  ///< pixels between points of a drag that paints
 constexpr const char* kUsage =
     "Click places a point, Ctrl picks one up, Shift makes the quad through the four nearest.";
 
@@ -88,7 +92,7 @@ MStatus quadDrawContext::press(MEvent& event) {
   run.setHover(false);
   if (!points.isThere()) points.create();
   const M3dView view = M3dView::active3dView();
-  hasCurrentPoint = hasPickedUp = hasChangedPoints = false;
+  hasCurrentPoint = hasPickedUp = hasChangedPoints = hasLaid = false;
   pointsBefore = points.loose();
   refreshFinder(view);
   run.watch(drawn.path());
@@ -102,6 +106,7 @@ MStatus quadDrawContext::press(MEvent& event) {
         pickUp(view);
       else
         placeCursorPoint(view);
+      if (!isControl) layAlong();
     }
   } else {
     points.setPreview(MPointArray());
@@ -121,6 +126,7 @@ MStatus quadDrawContext::drag(MEvent& event) {
   } else if (!isControl || hasPickedUp) {
     refreshFinder(view);
     placeCursorPoint(view);
+    if (!isControl) layAlong();
   }
   M3dView(view).refresh();
   if (hasCurrentPoint && !isShift) drawCursorPoint(view);
@@ -136,14 +142,33 @@ MStatus quadDrawContext::release(MEvent& event) {
     } else if (!isControl || hasPickedUp) {
       refreshFinder(view);
       placeCursorPoint(view);
-      MPointArray loose = points.loose();
-      if (hasCurrentPoint) loose.append(currentPoint);
-      if (hasCurrentPoint) points.setLoose(loose);
-      hasChangedPoints = hasChangedPoints || hasCurrentPoint;
+      // Painted points end where the last one was laid, or a good way on.
+      if (!hasLaid || isPixelsFrom(kLeastLastWay)) lay();
     }
   }
   finishStroke();
   return MS::kSuccess;
+}
+
+/// Makes the point under the cursor a loose one.
+void quadDrawContext::lay() {
+  if (!hasCurrentPoint) return;
+  MPointArray loose = points.loose();
+  loose.append(currentPoint);
+  points.setLoose(loose);
+  hasChangedPoints = hasLaid = true;
+  laidX = run.stroke.x;
+  laidY = run.stroke.y;
+}
+
+bool quadDrawContext::isPixelsFrom(int pixels) const {
+  return std::hypot(run.stroke.x - laidX, run.stroke.y - laidY) >= pixels;
+}
+
+/// While drags paint they lay points on their way.
+void quadDrawContext::layAlong() {
+  if (toolSettings::current().dragSelectNormal) return;
+  if (!hasLaid || isPixelsFrom(kPaintedWay)) lay();
 }
 
 /// The world point under the cursor: on the live surface, else as deep as what is nearest.
@@ -222,14 +247,14 @@ void quadDrawContext::finishStroke() {
       command->finalize();
     }
   }
-  hasPickedUp = hasChangedPoints = false;
+  hasPickedUp = hasChangedPoints = hasLaid = false;
   M3dView::active3dView().refresh();
   run.setHover(true);
 }
 
 void quadDrawContext::cancelStroke() {
-  if (hasPickedUp) points.setLoose(pointsBefore);
-  hasCurrentPoint = hasPickedUp = hasChangedPoints = false;
+  if (hasPickedUp || hasLaid) points.setLoose(pointsBefore);
+  hasCurrentPoint = hasPickedUp = hasChangedPoints = hasLaid = false;
   run.setHover(true);
 }
 

@@ -39,6 +39,9 @@ class quadDrawContext : public selectionToolContext {
   bool preview(const M3dView& view, int x, int y);
   void placeCursorPoint(const M3dView& view);
   void drawCursorPoint(M3dView view) const;
+  void lay();
+  void layAlong();
+  bool isPixelsFrom(int pixels) const;
   void pickUp(const M3dView& view);
   void commit();
   void takeUsed(const MPointArray& quad);
@@ -53,6 +56,8 @@ class quadDrawContext : public selectionToolContext {
   // The stroke.
   MPointArray pointsBefore;
   MPoint currentPoint;
+  int laidX = 0, laidY = 0;  ///< where a drag that paints laid its last point
+  bool hasLaid = false;      ///< whether it has
   bool hasCurrentPoint = false, hasPickedUp = false, hasChangedPoints = false;
   bool restoreLocalTumble = false;
 };

@@ -75,6 +75,33 @@ TEST_CASE("quad draw: points are placed, moved with Ctrl, and every stroke is a 
   CHECK(hand.loose() == 0);
 }
 
+TEST_CASE("quad draw: a drag that paints lays points along its way, one step to undo") {
+  quadHand hand;
+  hand.take();
+  hand.option("radioCollection -e -sl dragSelectTypePaint_QXMT_RB dragSelectType_QXMT_RB");
+  const auto from = hand.pixel(-3, 0, 1);
+  hand.press(from, toolHand::kLeft);
+  for (int way = 8; way <= 128; way += 8) hand.dragTo({from.x + way, from.y}, toolHand::kLeft);
+  hand.release({from.x + 130, from.y}, toolHand::kLeft);  // too near the last one for another
+  REQUIRE(hand.loose() == 5);
+  for (unsigned int i = 0; i < 5; ++i)
+    CHECK(hand.points("parr")[i].x == doctest::Approx(-3 + static_cast<int>(i)).epsilon(0.03));
+  hand.placeAt(0, -2);  // a click lays one
+  CHECK(hand.loose() == 6);
+  hand.run("undo; undo");
+  CHECK(hand.loose() == 0);
+  hand.run("redo");
+  CHECK(hand.loose() == 5);
+  const auto end = hand.pixel(-3, 0, 3);
+  hand.stroke(from, end, toolHand::kLeft, kControl);  // Ctrl moves as ever
+  CHECK(hand.loose() == 5);
+  hand.press(end, toolHand::kLeft);
+  hand.dragTo({end.x + 100, end.y}, toolHand::kLeft);
+  CHECK(hand.loose() == 7);
+  hand.run("viewGesture -key \"Escape\"");  // what is given up leaves nothing
+  CHECK(hand.loose() == 5);
+}
+
 TEST_CASE("quad draw: four points make an object that faces the viewer; three make nothing") {
   quadHand hand;
   hand.take();
