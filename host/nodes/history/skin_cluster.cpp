@@ -378,12 +378,17 @@ Result<Index> addSkinInfluence(scene::Document& document, Node& cluster, Node& t
 
 Result<void> removeSkinInfluence(scene::Document& document, Node& cluster, Node& transform) {
   dg::Graph& graph = document.graph();
-  for (const SkinInfluence& influence : skinInfluences(cluster)) {
+  const std::vector<SkinInfluence> influences = skinInfluences(cluster);
+  const auto others =
+      std::ranges::find_if(influences, [&](const auto& each) { return each.node != &transform; });
+  for (const SkinInfluence& influence : influences) {
     if (influence.node != &transform) continue;
     for (const Index v : graph.elementIndices(cluster.plug("weightList"))) {
       SkinWeights weights = skinWeights(cluster, v);
       if (weights.of(influence.index) == 0) continue;
       weights.set(influence.index, 0);
+      const bool isLeft = std::ranges::any_of(weights.values, [](double w) { return w != 0; });
+      if (!isLeft && others != influences.end()) weights.set(others->index, 1);
       weights.normalize(-1);
       HOST_TRY(setSkinWeights(cluster, v, std::move(weights)));
     }

@@ -23,7 +23,8 @@ struct SkinInfluence {
 /// Lets the geometry follow one more transform, bound as both are now, with no weight yet.
 /// @return its number, or an error when it is one already or has no inverse
 Result<Index> addSkinInfluence(scene::Document& document, Node& cluster, Node& transform);
-/// Takes an influence and its weights away; the others of a vertex share what it had.
+/// Takes an influence and its weights away; the others of a vertex share what it had. What followed
+/// it alone follows the first of the others.
 Result<void> removeSkinInfluence(scene::Document& document, Node& cluster, Node& transform);
 
 /// The weights of one vertex: ascending numbers of influences, and as many values.
