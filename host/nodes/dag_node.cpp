@@ -252,7 +252,15 @@ namespace {
 math::Box boxOfShape(Node& shape) {
   math::Box box;
   const Plug outMesh = shape.plug("outMesh");
-  if (!outMesh) return box;
+  if (!outMesh) {
+    // A plug-in's shape says how large it is; a base type would ask here again.
+    if (shape.type().pluginName.empty() || !shape.type().isA("surfaceShape")) return box;
+    const auto low = shape.graph().getVec3(shape.plug("boundingBoxMin"));
+    const auto high = shape.graph().getVec3(shape.plug("boundingBoxMax"));
+    if (low) box.add(*low);
+    if (high) box.add(*high);
+    return box;
+  }
   const auto value = shape.graph().get(outMesh);
   const auto* data = value ? dg::dataAs<scene::MeshData>(*value) : nullptr;
   if (data)

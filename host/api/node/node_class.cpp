@@ -34,6 +34,7 @@ struct TypeInMaking {
     std::shared_ptr<dg::Attribute> from, to;
   };
   std::vector<Relation> relations;
+  std::vector<const dg::Attribute*> validated;  ///< of transforms
 
   [[nodiscard]] bool has(const dg::Attribute& attribute) const {
     const dg::Attribute* top = &attribute.top();
@@ -60,6 +61,8 @@ const dg::NodeType* baseOf(dg::TypeRegistry& types, MPxNode::Type kind) {
       return plainBase(types);
     case MPxNode::kLocatorNode:
       return types.find("locator");
+    case MPxNode::kSurfaceShape:
+      return types.find("surfaceShape");
     case MPxNode::kTransformNode:
       return types.find("transform");
     case MPxNode::kObjectSet:
@@ -158,6 +161,7 @@ Result<void> addNodeClass(NodeClass nodeClass, std::uint32_t id, const std::stri
   }
   installHooks(*type);
   nodeClass.type = type.get();
+  nodeClass.validated = making.validated;
   const auto added = types.add(std::move(type));
   if (!added) return failWith(added.error());
   classes().push_back(std::make_unique<NodeClass>(std::move(nodeClass)));
@@ -213,5 +217,19 @@ MStatus MPxNode::inheritAttributesFrom(const MString& parentClassName) {
     return MStatus::kInvalidParameter;
   type->base = parent;
   type->hasInherited = true;
+  return MStatus::kSuccess;
+}
+MStatus MPxTransform::mustCallValidateAndSet(const MObject& attribute) {
+  api::TypeInMaking* type = api::inMaking();
+  const auto* rep = api::objectAs<api::AttributeRep>(attribute);
+  if (!type || !rep) return MStatus::kInvalidParameter;
+  // The transform's own need no look: they are in the matrix before it is asked for.
+  if (rep->attribute->topIndex >= 0) return MStatus::kSuccess;
+  const std::function<void(dg::Attribute&)> mark = [&](dg::Attribute& each) {
+    each.internalStorage = true;
+    for (const auto& child : each.children) mark(*child);
+  };
+  mark(*rep->attribute);
+  type->validated.push_back(rep->attribute.get());
   return MStatus::kSuccess;
 }

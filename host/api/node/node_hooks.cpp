@@ -1,6 +1,7 @@
 #include <maya/MDataBlock.h>
 #include <maya/MPlugArray.h>
 #include <maya/MPxLocatorNode.h>
+#include <maya/MPxSurfaceShape.h>
 
 #include "host/api/data/data_handle.h"
 #include "host/api/node/px_node.h"
@@ -56,8 +57,9 @@ void addDependents(MPxNode& object, const Node& node, const Plug& plug,
     if (const Plug each = plugOf(plugs[i])) alsoDirty.push_back(each);
 }
 
-/// The corner, size or centre of the box that a bounded locator says it has.
-bool readBox(const MPxLocatorNode& locator, const Node& node, const Plug& plug, dg::Value& value) {
+/// The corner, size or centre of the box that a bounded locator or shape says it has.
+template <class Shape>
+bool readBox(const Shape& shape, const Node& node, const Plug& plug, dg::Value& value) {
   const dg::Attribute* triple = plug.attribute()->parent;
   if (!triple || triple->isDynamic) return false;
   const bool isMin = triple->longName == "boundingBoxMin",
@@ -65,7 +67,7 @@ bool readBox(const MPxLocatorNode& locator, const Node& node, const Plug& plug, 
   const bool isSize = triple->longName == "boundingBoxSize",
              isCenter = triple->longName == "center";
   if (!isMin && !isMax && !isSize && !isCenter) return false;
-  const auto read = [&] { return locator.isBounded() ? locator.boundingBox() : MBoundingBox(); };
+  const auto read = [&] { return shape.isBounded() ? shape.boundingBox() : MBoundingBox(); };
   const MBoundingBox box = fenced(node, "boundingBox", read, MBoundingBox());
   const MPoint low = box.min(), high = box.max(), middle = box.center();
   const double sizes[] = {box.width(), box.height(), box.depth()};
@@ -77,6 +79,9 @@ bool readBox(const MPxLocatorNode& locator, const Node& node, const Plug& plug, 
 bool readInternal(MPxNode& object, const Node& node, const Plug& plug, dg::Value& value) {
   if (const auto* locator = dynamic_cast<const MPxLocatorNode*>(&object);
       locator && readBox(*locator, node, plug, value))
+    return true;
+  if (const auto* shape = dynamic_cast<const MPxSurfaceShape*>(&object);
+      shape && readBox(*shape, node, plug, value))
     return true;
   MDataHandle handle = looseHandle(plug, plug.attribute()->initialValue());
   const bool isHandled = fenced(
@@ -132,6 +137,11 @@ void installHooks(dg::NodeType& type) {
   };
   type.setInternal = [own](Node& node, const Plug& plug, const dg::Value& value) -> Result<bool> {
     MPxNode* object = objectOf(node, own);
+    if (auto* transform = dynamic_cast<MPxTransform*>(object)) {
+      const NodeClass* nodeClass = findNodeClass(node.type());
+      if (nodeClass && isValidated(*nodeClass, *plug.attribute()))
+        return validateAndSet(*transform, node, plug, value);
+    }
     return object && writeInternal(*object, node, plug, value);
   };
   type.mayConnect = [own](Node& node, const Plug& plug, const Plug& other,

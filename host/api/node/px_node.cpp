@@ -2,6 +2,7 @@
 
 #include <maya/MPxDeformerNode.h>
 #include <maya/MPxLocatorNode.h>
+#include <maya/MPxSurfaceShape.h>
 #include <maya/MPxTransform.h>
 
 #include "host/api/data/data_handle.h"
@@ -73,15 +74,49 @@ void refreshStaticAttributes(dg::TypeRegistry& types) {
                                   {&Locator::worldPositionX, "worldPositionX"},
                                   {&Locator::worldPositionY, "worldPositionY"},
                                   {&Locator::worldPositionZ, "worldPositionZ"}});
+  using Shape = MPxSurfaceShape;
+  refresh(types.find("surfaceShape"), {{&Shape::nodeBoundingBox, "boundingBox"},
+                                       {&Shape::nodeBoundingBoxMin, "boundingBoxMin"},
+                                       {&Shape::nodeBoundingBoxMax, "boundingBoxMax"},
+                                       {&Shape::center, "center"},
+                                       {&Shape::matrix, "matrix"},
+                                       {&Shape::inverseMatrix, "inverseMatrix"},
+                                       {&Shape::worldMatrix, "worldMatrix"},
+                                       {&Shape::worldInverseMatrix, "worldInverseMatrix"},
+                                       {&Shape::parentMatrix, "parentMatrix"},
+                                       {&Shape::parentInverseMatrix, "parentInverseMatrix"},
+                                       {&Shape::visibility, "visibility"},
+                                       {&Shape::intermediateObject, "intermediateObject"},
+                                       {&Shape::instObjGroups, "instObjGroups"}});
   using Transform = MPxTransform;
   refresh(types.find("transform"), {{&Transform::translate, "translate"},
+                                    {&Transform::translateX, "translateX"},
+                                    {&Transform::translateY, "translateY"},
+                                    {&Transform::translateZ, "translateZ"},
                                     {&Transform::rotate, "rotate"},
+                                    {&Transform::rotateX, "rotateX"},
+                                    {&Transform::rotateY, "rotateY"},
+                                    {&Transform::rotateZ, "rotateZ"},
                                     {&Transform::scale, "scale"},
+                                    {&Transform::scaleX, "scaleX"},
+                                    {&Transform::scaleY, "scaleY"},
+                                    {&Transform::scaleZ, "scaleZ"},
                                     {&Transform::shear, "shear"},
+                                    {&Transform::shearXY, "shearXY"},
+                                    {&Transform::shearXZ, "shearXZ"},
+                                    {&Transform::shearYZ, "shearYZ"},
+                                    {&Transform::rotateOrder, "rotateOrder"},
+                                    {&Transform::rotatePivot, "rotatePivot"},
+                                    {&Transform::rotatePivotTranslate, "rotatePivotTranslate"},
+                                    {&Transform::scalePivot, "scalePivot"},
+                                    {&Transform::scalePivotTranslate, "scalePivotTranslate"},
+                                    {&Transform::rotateAxis, "rotateAxis"},
                                     {&Transform::matrix, "matrix"},
                                     {&Transform::inverseMatrix, "inverseMatrix"},
                                     {&Transform::worldMatrix, "worldMatrix"},
+                                    {&Transform::worldInverseMatrix, "worldInverseMatrix"},
                                     {&Transform::parentMatrix, "parentMatrix"},
+                                    {&Transform::parentInverseMatrix, "parentInverseMatrix"},
                                     {&Transform::visibility, "visibility"}});
 }
 
@@ -255,27 +290,45 @@ HOST_STATIC(MPxLocatorNode, worldPositionY)
 HOST_STATIC(MPxLocatorNode, worldPositionZ)
 HOST_STATIC(MPxLocatorNode, underWorldObject)
 HOST_STATIC(MPxTransform, translate)
+HOST_STATIC(MPxTransform, translateX)
+HOST_STATIC(MPxTransform, translateY)
+HOST_STATIC(MPxTransform, translateZ)
 HOST_STATIC(MPxTransform, rotate)
+HOST_STATIC(MPxTransform, rotateX)
+HOST_STATIC(MPxTransform, rotateY)
+HOST_STATIC(MPxTransform, rotateZ)
 HOST_STATIC(MPxTransform, scale)
+HOST_STATIC(MPxTransform, scaleX)
+HOST_STATIC(MPxTransform, scaleY)
+HOST_STATIC(MPxTransform, scaleZ)
 HOST_STATIC(MPxTransform, shear)
+HOST_STATIC(MPxTransform, shearXY)
+HOST_STATIC(MPxTransform, shearXZ)
+HOST_STATIC(MPxTransform, shearYZ)
+HOST_STATIC(MPxTransform, rotateOrder)
+HOST_STATIC(MPxTransform, rotatePivot)
+HOST_STATIC(MPxTransform, rotatePivotTranslate)
+HOST_STATIC(MPxTransform, scalePivot)
+HOST_STATIC(MPxTransform, scalePivotTranslate)
+HOST_STATIC(MPxTransform, rotateAxis)
 HOST_STATIC(MPxTransform, matrix)
 HOST_STATIC(MPxTransform, inverseMatrix)
 HOST_STATIC(MPxTransform, worldMatrix)
+HOST_STATIC(MPxTransform, worldInverseMatrix)
 HOST_STATIC(MPxTransform, parentMatrix)
+HOST_STATIC(MPxTransform, parentInverseMatrix)
 HOST_STATIC(MPxTransform, visibility)
+HOST_STATIC(MPxSurfaceShape, nodeBoundingBox)
+HOST_STATIC(MPxSurfaceShape, nodeBoundingBoxMin)
+HOST_STATIC(MPxSurfaceShape, nodeBoundingBoxMax)
+HOST_STATIC(MPxSurfaceShape, center)
+HOST_STATIC(MPxSurfaceShape, matrix)
+HOST_STATIC(MPxSurfaceShape, inverseMatrix)
+HOST_STATIC(MPxSurfaceShape, worldMatrix)
+HOST_STATIC(MPxSurfaceShape, worldInverseMatrix)
+HOST_STATIC(MPxSurfaceShape, parentMatrix)
+HOST_STATIC(MPxSurfaceShape, parentInverseMatrix)
+HOST_STATIC(MPxSurfaceShape, visibility)
+HOST_STATIC(MPxSurfaceShape, intermediateObject)
+HOST_STATIC(MPxSurfaceShape, instObjGroups)
 #undef HOST_STATIC
-
-MPxTransform::MPxTransform() = default;
-MPxTransform::~MPxTransform() = default;
-MStatus MPxTransform::compute(const MPlug&, MDataBlock&) {
-  return MStatus::kUnknownParameter;
-}
-bool MPxTransform::isBounded() const {
-  return false;
-}
-MBoundingBox MPxTransform::boundingBox() const {
-  return {};
-}
-MStatus MPxTransform::mustCallValidateAndSet(const MObject& attribute) {
-  return api::attributeOf(attribute) ? MStatus::kSuccess : MStatus::kInvalidParameter;
-}

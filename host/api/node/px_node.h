@@ -28,9 +28,11 @@ struct NodeClass {
   std::string name;
   MCreatorFunction creator = nullptr;
   MPxNode::Type kind = MPxNode::kDependNode;
-  dg::NodeType* type = nullptr;  ///< owned by the registry
+  dg::NodeType* type = nullptr;                   ///< owned by the registry
+  MCreatorFunction matrixCreator = nullptr;       ///< of transforms with a matrix of their own
+  std::vector<const dg::Attribute*> validated{};  ///< of transforms: what validateAndSetValue sees
   std::unordered_set<PxNodeRep*>
-      objects;  ///< of nodes that live, in the scene or in the undo queue
+      objects{};  ///< of nodes that live, in the scene or in the undo queue
 };
 
 /// The plug-in's object of a node, made on first use; null for built-in types and when the plug-in
@@ -52,6 +54,13 @@ auto fenced(const dg::Node& node, const char* what, const Call& call, decltype(c
   }
   return otherwise;
 }
+
+/// Whether a transform class looks at the attribute's values before they are stored.
+[[nodiscard]] bool isValidated(const NodeClass& nodeClass, const dg::Attribute& attribute);
+/// Hands a value to a transform's object.
+/// @return true when it has stored it, false when the graph is to; an error when it is refused
+Result<bool> validateAndSet(MPxTransform& object, const dg::Node& node, const dg::Plug& plug,
+                            const dg::Value& value);
 
 /// Lets a type's behaviour be that of its nodes' objects.
 void installHooks(dg::NodeType& type);

@@ -67,8 +67,8 @@ Result<ui::Control*> addItem(const MString& parent, const std::vector<ItemValue>
 MStatus MFnPlugin::registerNode(const MString& typeName, const MTypeId& typeId,
                                 MCreatorFunction creator, MInitializeFunction initialize,
                                 MPxNode::Type type, const MString* classification) {
-  return registerType(recordOf(object_), {api::toStd(typeName), creator, type, nullptr, {}}, typeId,
-                      initialize, classification);
+  return registerType(recordOf(object_), {api::toStd(typeName), creator, type}, typeId, initialize,
+                      classification);
 }
 
 MStatus MFnPlugin::deregisterNode(const MTypeId& typeId) {
@@ -83,26 +83,23 @@ MStatus MFnPlugin::deregisterNode(const MTypeId& typeId) {
   return record->remove(Kind::Node, name) ? MStatus::kSuccess : MStatus::kFailure;
 }
 
-MStatus MFnPlugin::registerShape(const MString& typeName, const MTypeId&, MCreatorFunction,
-                                 MInitializeFunction, MCreatorFunction, const MString*) {
-  return refuse(fmt::format(
-      "Node type '{}': plug-ins can't add shapes with components of their own here; a locator "
-      "node draws itself.",
-      typeName.asChar()));
+MStatus MFnPlugin::registerShape(const MString& typeName, const MTypeId& typeId,
+                                 MCreatorFunction creator, MInitializeFunction initialize,
+                                 MCreatorFunction uiCreator, const MString* classification) {
+  // What the class of the interface draws is for the older views, of which there are none.
+  (void)uiCreator;
+  return registerType(recordOf(object_), {api::toStd(typeName), creator, MPxNode::kSurfaceShape},
+                      typeId, initialize, classification);
 }
 
 MStatus MFnPlugin::registerTransform(const MString& typeName, const MTypeId& typeId,
                                      MCreatorFunction creator, MInitializeFunction initialize,
                                      MCreatorFunction matrixCreator, const MTypeId&,
                                      const MString* classification) {
-  if (matrixCreator)
-    return refuse(fmt::format(
-        "Node type '{}': transforms with a matrix class of their own can't be added here; "
-        "give no matrix creator to have the built-in one.",
-        typeName.asChar()));
-  return registerType(recordOf(object_),
-                      {api::toStd(typeName), creator, MPxNode::kTransformNode, nullptr, {}}, typeId,
-                      initialize, classification);
+  api::NodeClass nodeClass{api::toStd(typeName), creator, MPxNode::kTransformNode};
+  // The host's own is named by its creator as well.
+  if (matrixCreator != &MPxTransformationMatrix::creator) nodeClass.matrixCreator = matrixCreator;
+  return registerType(recordOf(object_), std::move(nodeClass), typeId, initialize, classification);
 }
 
 MStatus MFnPlugin::registerData(const MString& typeName, const MTypeId& typeId,

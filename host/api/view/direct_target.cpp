@@ -33,9 +33,10 @@ viewport::Backend* DirectTarget::target() {
 bool DirectTarget::begin() {
   if (depth_++ > 0) return opened_ != nullptr;
   viewport::Backend* backend = target();
+  isLive_ = false;
   if (!backend) return false;
   opened_ = backend;
-  return backend->beginDirect(world_);
+  return isLive_ = backend->beginDirect(world_);
 }
 
 void DirectTarget::end() {

@@ -24,6 +24,8 @@ class DirectTarget {
   /// Closes it with the outermost call, and draws the texts.
   void end();
   [[nodiscard]] bool isOpen() const { return depth_ > 0; }
+  /// Open, and with something to draw with.
+  [[nodiscard]] bool isDrawing() const { return isOpen() && isLive_; }
   /// A line of text at a place in the space of the object.
   void addText(viewport::TextItem text);
 
@@ -34,6 +36,7 @@ class DirectTarget {
   math::Matrix4 world_;
   viewport::DrawList texts_;
   int depth_ = 0;
+  bool isLive_ = false;
 };
 
 [[nodiscard]] DirectTarget& directTarget();

@@ -8,6 +8,7 @@
 #include "host/api/view/direct_target.h"
 #include "host/api/view/display_state.h"
 #include "host/api/view/draw_registry.h"
+#include "host/api/view/geometry_draw.h"
 #include "host/api/view/view_access.h"
 #include "host/api/view/view_rep.h"
 #include "host/base/messages.h"
@@ -39,7 +40,8 @@ class LocatorWalk {
       }
       // Only nodes of registered types have something that draws them.
       if (!node.type().pluginName.empty() && workspace::isolationShows(view_, walk.path()) &&
-          (drawRegistry().find(node.type().classification) || findNodeClass(node.type())))
+          (drawRegistry().find(node.type().classification) ||
+           geometryRegistry().find(node.type().classification) || findNodeClass(node.type())))
         found.push_back(walk.path());
       walk.next();
     }
@@ -111,9 +113,11 @@ void drawItself(MPxLocatorNode& locator, const workspace::View& view, const scen
   fenced(path, [&] { locator.draw(shown, wrap(path), style, status); });
 }
 
-/// What the viewport's menu and plug-ins say about locators.
-bool showsLocators(const workspace::View& view) {
-  return (view.objectKinds & M3dView::kDisplayLocators) != 0;
+/// What the viewport's menu and plug-ins say about locators and about other shapes of plug-ins.
+bool showsKind(const workspace::View& view, const dg::Node& node) {
+  const auto kind =
+      node.type().isA("surfaceShape") ? M3dView::kDisplayMeshes : M3dView::kDisplayLocators;
+  return (view.objectKinds & kind) != 0;
 }
 
 }  // namespace
@@ -124,19 +128,26 @@ void installLocatorDrawing(cmd::Session& session) {
       [](scene::Document& document, const workspace::View& view, viewport::SceneView& scene) {
         if (!(view.objectKinds & M3dView::kDisplayMeshes)) scene.meshes.clear();
         drawRegistry().dropDead();
+        geometryRegistry().dropDead();
         const auto camera = workspace::cameraPath(document, view.cameraName);
-        if (!camera || !showsLocators(view) || !view.usesDrawOverrides()) return;
+        if (!camera || !view.usesDrawOverrides()) return;
         for (const scene::DagPath& path : LocatorWalk(document, view).found)
           fenced(path, [&] {
-            if (DrawRegistry::Live* live = drawRegistry().liveOf(*path.node()))
-              prepare(*live, path, *camera, scene);
+            if (!showsKind(view, *path.node())) return;
+            if (GeometryRegistry::Live* live = geometryRegistry().liveOf(*path.node()))
+              drawGeometry(*live, path, *camera, scene);
+            else if (DrawRegistry::Live* other = drawRegistry().liveOf(*path.node()))
+              prepare(*other, path, *camera, scene);
           });
       });
   views.directs.push_back([](scene::Document& document, const workspace::View& view,
                              const viewport::SceneView& scene, viewport::Backend& backend) {
     const auto camera = workspace::cameraPath(document, view.cameraName);
-    if (!camera || !showsLocators(view)) return;
+    if (!camera) return;
     for (const scene::DagPath& path : LocatorWalk(document, view).found) {
+      if (!showsKind(view, *path.node())) continue;
+      if (view.usesDrawOverrides() && geometryRegistry().find(path.node()->type().classification))
+        continue;
       DrawRegistry::Live* live =
           view.usesDrawOverrides() ? drawRegistry().liveOf(*path.node()) : nullptr;
       if (live)

@@ -1,3 +1,4 @@
+#include <maya/MShaderManager.h>
 #include <maya/MViewport2Renderer.h>
 
 #include "host/api/view/view_access.h"
@@ -31,6 +32,10 @@ bool MRenderer::drawAPIIsOpenGL() const {
 unsigned int MRenderer::drawAPIVersion() const {
   constexpr unsigned int kMajor = 3, kMinor = 2;  // the least that the views are drawn with
   return kMajor << 16 | kMinor;
+}
+const MShaderManager* MRenderer::getShaderManager() const {
+  static const MShaderManager manager;
+  return &manager;
 }
 MStatus MRenderer::outputTargetSize(unsigned int& width, unsigned int& height) const {
   unsigned int x = 0, y = 0;

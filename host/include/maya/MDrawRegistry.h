@@ -8,6 +8,7 @@
 namespace MHWRender {
 
 class MPxDrawOverride;
+class MPxGeometryOverride;
 
 /// Registers what draws the nodes of a draw classification.
 class MDrawRegistry {
@@ -19,6 +20,14 @@ class MDrawRegistry {
                                              DrawOverrideCreator creator);
   static MStatus deregisterDrawOverrideCreator(const MString& drawClassification,
                                                const MString& registrantId);
+
+  typedef MPxGeometryOverride* (*GeometryOverrideCreator)(const MObject& object);
+
+  static MStatus registerGeometryOverrideCreator(const MString& drawClassification,
+                                                 const MString& registrantId,
+                                                 GeometryOverrideCreator creator);
+  static MStatus deregisterGeometryOverrideCreator(const MString& drawClassification,
+                                                   const MString& registrantId);
 };
 
 }  // namespace MHWRender

@@ -9,6 +9,8 @@
 
 namespace MHWRender {
 
+class MShaderManager;
+
 /// The renderer of Viewport 2.0.
 class MRenderer {
  public:
@@ -18,6 +20,7 @@ class MRenderer {
   bool drawAPIIsOpenGL() const;
   unsigned int drawAPIVersion() const;
   MStatus outputTargetSize(unsigned int& width, unsigned int& height) const;
+  const MShaderManager* getShaderManager() const;
   /// Says that an object must be drawn anew though none of its attributes changed.
   static void setGeometryDrawDirty(const MObject& object, bool topologyChanged = true);
 

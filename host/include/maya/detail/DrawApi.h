@@ -11,4 +11,8 @@ enum DrawAPI {
   kAllDevices = kOpenGL | kDirectX11 | kOpenGLCoreProfile
 };
 
+constexpr DrawAPI operator|(DrawAPI a, DrawAPI b) {
+  return static_cast<DrawAPI>(static_cast<int>(a) | static_cast<int>(b));
+}
+
 }  // namespace MHWRender
