@@ -44,7 +44,7 @@ class SwingTransform : public MPxTransform {
  public:
   typedef MPxTransform ParentClass;
   SwingTransform() = default;
-  SwingTransform(MPxTransformationMatrix* matrix) : ParentClass(matrix) {}
+  SwingTransform(MPxTransformationMatrix* own) : ParentClass(own) {}
   static void* creator() { return new SwingTransform; }
   static MStatus initialize() {
     MFnNumericAttribute numeric;

@@ -29,6 +29,53 @@ void refresh(const dg::NodeType* type, std::initializer_list<StaticAttribute> at
   for (const StaticAttribute& each : attributes) *each.object = wrap(type->find(each.name));
 }
 
+void refreshShapesAndTransforms(dg::TypeRegistry& types) {
+  using Shape = MPxSurfaceShape;
+  refresh(types.find("surfaceShape"), {{&Shape::nodeBoundingBox, "boundingBox"},
+                                       {&Shape::nodeBoundingBoxMin, "boundingBoxMin"},
+                                       {&Shape::nodeBoundingBoxMax, "boundingBoxMax"},
+                                       {&Shape::center, "center"},
+                                       {&Shape::matrix, "matrix"},
+                                       {&Shape::inverseMatrix, "inverseMatrix"},
+                                       {&Shape::worldMatrix, "worldMatrix"},
+                                       {&Shape::worldInverseMatrix, "worldInverseMatrix"},
+                                       {&Shape::parentMatrix, "parentMatrix"},
+                                       {&Shape::parentInverseMatrix, "parentInverseMatrix"},
+                                       {&Shape::visibility, "visibility"},
+                                       {&Shape::intermediateObject, "intermediateObject"},
+                                       {&Shape::instObjGroups, "instObjGroups"}});
+  using Transform = MPxTransform;
+  refresh(types.find("transform"), {{&Transform::translate, "translate"},
+                                    {&Transform::translateX, "translateX"},
+                                    {&Transform::translateY, "translateY"},
+                                    {&Transform::translateZ, "translateZ"},
+                                    {&Transform::rotate, "rotate"},
+                                    {&Transform::rotateX, "rotateX"},
+                                    {&Transform::rotateY, "rotateY"},
+                                    {&Transform::rotateZ, "rotateZ"},
+                                    {&Transform::scale, "scale"},
+                                    {&Transform::scaleX, "scaleX"},
+                                    {&Transform::scaleY, "scaleY"},
+                                    {&Transform::scaleZ, "scaleZ"},
+                                    {&Transform::shear, "shear"},
+                                    {&Transform::shearXY, "shearXY"},
+                                    {&Transform::shearXZ, "shearXZ"},
+                                    {&Transform::shearYZ, "shearYZ"},
+                                    {&Transform::rotateOrder, "rotateOrder"},
+                                    {&Transform::rotatePivot, "rotatePivot"},
+                                    {&Transform::rotatePivotTranslate, "rotatePivotTranslate"},
+                                    {&Transform::scalePivot, "scalePivot"},
+                                    {&Transform::scalePivotTranslate, "scalePivotTranslate"},
+                                    {&Transform::rotateAxis, "rotateAxis"},
+                                    {&Transform::matrix, "matrix"},
+                                    {&Transform::inverseMatrix, "inverseMatrix"},
+                                    {&Transform::worldMatrix, "worldMatrix"},
+                                    {&Transform::worldInverseMatrix, "worldInverseMatrix"},
+                                    {&Transform::parentMatrix, "parentMatrix"},
+                                    {&Transform::parentInverseMatrix, "parentInverseMatrix"},
+                                    {&Transform::visibility, "visibility"}});
+}
+
 }  // namespace
 
 void refreshStaticAttributes(dg::TypeRegistry& types) {
@@ -74,50 +121,7 @@ void refreshStaticAttributes(dg::TypeRegistry& types) {
                                   {&Locator::worldPositionX, "worldPositionX"},
                                   {&Locator::worldPositionY, "worldPositionY"},
                                   {&Locator::worldPositionZ, "worldPositionZ"}});
-  using Shape = MPxSurfaceShape;
-  refresh(types.find("surfaceShape"), {{&Shape::nodeBoundingBox, "boundingBox"},
-                                       {&Shape::nodeBoundingBoxMin, "boundingBoxMin"},
-                                       {&Shape::nodeBoundingBoxMax, "boundingBoxMax"},
-                                       {&Shape::center, "center"},
-                                       {&Shape::matrix, "matrix"},
-                                       {&Shape::inverseMatrix, "inverseMatrix"},
-                                       {&Shape::worldMatrix, "worldMatrix"},
-                                       {&Shape::worldInverseMatrix, "worldInverseMatrix"},
-                                       {&Shape::parentMatrix, "parentMatrix"},
-                                       {&Shape::parentInverseMatrix, "parentInverseMatrix"},
-                                       {&Shape::visibility, "visibility"},
-                                       {&Shape::intermediateObject, "intermediateObject"},
-                                       {&Shape::instObjGroups, "instObjGroups"}});
-  using Transform = MPxTransform;
-  refresh(types.find("transform"), {{&Transform::translate, "translate"},
-                                    {&Transform::translateX, "translateX"},
-                                    {&Transform::translateY, "translateY"},
-                                    {&Transform::translateZ, "translateZ"},
-                                    {&Transform::rotate, "rotate"},
-                                    {&Transform::rotateX, "rotateX"},
-                                    {&Transform::rotateY, "rotateY"},
-                                    {&Transform::rotateZ, "rotateZ"},
-                                    {&Transform::scale, "scale"},
-                                    {&Transform::scaleX, "scaleX"},
-                                    {&Transform::scaleY, "scaleY"},
-                                    {&Transform::scaleZ, "scaleZ"},
-                                    {&Transform::shear, "shear"},
-                                    {&Transform::shearXY, "shearXY"},
-                                    {&Transform::shearXZ, "shearXZ"},
-                                    {&Transform::shearYZ, "shearYZ"},
-                                    {&Transform::rotateOrder, "rotateOrder"},
-                                    {&Transform::rotatePivot, "rotatePivot"},
-                                    {&Transform::rotatePivotTranslate, "rotatePivotTranslate"},
-                                    {&Transform::scalePivot, "scalePivot"},
-                                    {&Transform::scalePivotTranslate, "scalePivotTranslate"},
-                                    {&Transform::rotateAxis, "rotateAxis"},
-                                    {&Transform::matrix, "matrix"},
-                                    {&Transform::inverseMatrix, "inverseMatrix"},
-                                    {&Transform::worldMatrix, "worldMatrix"},
-                                    {&Transform::worldInverseMatrix, "worldInverseMatrix"},
-                                    {&Transform::parentMatrix, "parentMatrix"},
-                                    {&Transform::parentInverseMatrix, "parentInverseMatrix"},
-                                    {&Transform::visibility, "visibility"}});
+  refreshShapesAndTransforms(types);
 }
 
 }  // namespace host::api
