@@ -6,6 +6,7 @@
 
 #include "host/base/messages.h"
 #include "host/cmd/pending_edits.h"
+#include "host/dg/evaluated_elements.h"
 #include "host/scene/replay.h"
 
 namespace host::cmd {
@@ -197,6 +198,7 @@ Result<void> UndoQueue::replay(UndoItem& item, Result<void> (UndoItem::*directio
   // After a refusal too: what was put back may name what was deleted without a record.
   std::unique_ptr<dg::Change> swept = sweep ? sweep() : nullptr;
   if (done) item.swept = std::move(swept);
+  dg::dropEvaluatedElements();
   isReplaying_ = false;
   return done;
 }

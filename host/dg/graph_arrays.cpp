@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/dg/evaluated_elements.h"
 #include "host/dg/graph_impl.h"
 
 namespace host::dg {
@@ -179,13 +180,14 @@ void roundPacked(const Attribute& array, std::vector<double>& values, int stride
 
 int Graph::Impl::makeElements(const Plug& plug, bool wired) {
   if (!wired && plug.levels() == 0) return -1;
+  const int adopted = adoptEvaluated(plug);
   const int createdLevel = makeSlot(plug, wired).createdLevel;
   if (createdLevel >= 0) {
     const Plug element = elementAtLevel(plug, createdLevel);
     spread(element.array());
     attributeEvent(AttributeEvent::ArrayElementAdded, element);
   }
-  return createdLevel;
+  return adopted >= 0 ? adopted : createdLevel;
 }
 
 Result<void> Graph::Impl::checkCreatable(const Plug& plug) {
@@ -213,7 +215,7 @@ void Graph::Impl::bringBack(const Plug& plug, MadeElements& made) {
   // One that was made anew meanwhile is not this record's to take away again.
   if (locate(element).isMissing)
     attach(element, std::move(made.kept));
-  else
+  else if (adoptEvaluated(plug) < 0)
     made.level = -1;
   made.isDropped = false;
   made.kept = {};
@@ -259,14 +261,16 @@ std::vector<Index> Graph::elementIndices(const Plug& array) {
   if (!checkArray(array)) return {};
   const Place place = locate(array);
   const Impl::Driver driver = Impl::driverOf(place.deepest);
-  if (driver.slot) (void)impl_->refresh(array);
+  if (driver.slot || (place.slot && takeAwaited(*place.slot))) (void)impl_->refresh(array);
   const Slot* slot = locate(array).slot;
   return slot ? existingIndices(*slot) : std::vector<Index>();
 }
 
 Index Graph::elementCount(const Plug& array) {
   if (!checkArray(array)) return 0;
-  if (Impl::driverOf(locate(array).deepest).slot) (void)impl_->refresh(array);
+  const Place place = locate(array);
+  if (Impl::driverOf(place.deepest).slot || (place.slot && takeAwaited(*place.slot)))
+    (void)impl_->refresh(array);
   const Slot* slot = locate(array).slot;
   if (!slot) return 0;
   return static_cast<Index>(slot->packed ? slot->packed->indices.size() : slot->below.size());

@@ -2,6 +2,7 @@
 
 #include "host/base/cancel_poll.h"
 #include "host/base/messages.h"
+#include "host/dg/evaluated_elements.h"
 #include "host/dg/graph_impl.h"
 
 namespace host::dg {
@@ -112,8 +113,12 @@ Result<void> Graph::Impl::refreshLeaf(const Plug& plug) {
     if (Slot* slot = locate(plug).slot) slot->isDirty = false;
     return {};
   }
-  Slot& slot = place.slot ? *place.slot : *makeSlot(plug, true).slot;
-  return evaluating(plug, slot,
+  if (!place.slot) {
+    const Made made = makeSlot(plug, true);
+    place.slot = made.slot;
+    if (made.createdLevel >= 0) noteEvaluatedElement(elementAtLevel(plug, made.createdLevel));
+  }
+  return evaluating(plug, *place.slot,
                     [&] { return driver.slot ? fetchLeaf(plug, *driver.slot) : compute(plug); });
 }
 

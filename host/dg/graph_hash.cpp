@@ -49,7 +49,11 @@ class NodeHash {
   }
 
   void addElements(const Slot& slot) {
-    const std::vector<Index> indices = existingIndices(slot);
+    std::vector<Index> indices;
+    if (slot.packed) indices = slot.packed->indices;
+    for (const auto& element : slot.below)
+      if (!slot.packed && (!element->isEvaluated || isWired(*element)))
+        indices.push_back(element->index);
     if (indices.empty()) return;
     mix(hashPlug(plugOf(slot), hashBytes(indices.data(), indices.size() * sizeof(Index), 3)));
     if (!slot.packed) return;

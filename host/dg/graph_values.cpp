@@ -1,4 +1,5 @@
 #include "host/base/messages.h"
+#include "host/dg/evaluated_elements.h"
 #include "host/dg/graph_impl.h"
 
 namespace host::dg {
@@ -196,7 +197,8 @@ void Graph::storeOutput(const Plug& plug, Value value) {
                 fmt::format("'{}': {}", plug.name(), converted.error().message));
     return;
   }
-  makeSlot(plug, false);
+  const int createdLevel = makeSlot(plug, false).createdLevel;
+  if (createdLevel >= 0) noteEvaluatedElement(elementAtLevel(plug, createdLevel));
   const Result<bool> handled = Impl::setInternally(plug, *converted);
   if (!handled || !*handled) writeLeaf(plug, *std::move(converted));
   if (Slot* slot = locate(plug).slot) {

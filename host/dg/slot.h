@@ -53,7 +53,9 @@ struct Slot {
   /// computed or driven as a whole. Compounds and other arrays are as dirty as what is below.
   bool isDirty = false;
   bool isEvaluating = false;
-  bool isOutput = false;  ///< the value was written by a computation, not by an edit
+  bool isOutput = false;     ///< the value was written by a computation, not by an edit
+  bool isEvaluated = false;  ///< an element that a computation made (evaluated_elements.h)
+  bool isAwaited = false;    ///< an array whose evaluated elements went with a step of undo
   std::int32_t incoming = 0, outgoing = 0;  ///< connections of the plug and of all below
   Value value;
   std::vector<std::unique_ptr<Slot>>

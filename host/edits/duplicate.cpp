@@ -1,11 +1,14 @@
 #include "host/edits/duplicate.h"
 
+#include <algorithm>
 #include <map>
+#include <unordered_map>
 
 #include "host/edits/atomically.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/set_group.h"
 #include "host/nodes/sets.h"
+#include "host/scene/dag_paths.h"
 #include "host/scene/name_index.h"
 
 namespace host::edits {
@@ -28,7 +31,7 @@ class Duplicator {
     auto copy = copyOne(original, wanted.empty() ? original.name() : wanted, parent);
     if (!copy) return copy;
     copies_.push_back(*copy);
-    HOST_TRY(copyChildren(path, **copy, options_.renamesChildren));
+    if (!options_.withoutChildren) HOST_TRY(copyBelow(original, **copy));
     return copy;
   }
 
@@ -87,29 +90,42 @@ class Duplicator {
     return dg::parsePlug(node, plug.attributePath()).value_or(Plug());
   }
 
-  Result<void> copyChildren(const DagPath& path, Node& copy, bool renames) {
-    if (options_.withoutChildren) return {};
-    const std::vector<Node*> children = scene::dagLinks(*path.node()).children;
-    for (Node* child : children) {
-      const DagPath childPath = path.child(child);
-      if (scene::isShape(*child)) {
-        const Plug intermediate = child->plug("intermediateObject");
-        auto value = document_.graph().get(intermediate);
-        if (value && dg::equal(*value, std::int64_t{1})) continue;
-        if (options_.sharesShapes) {
-          HOST_TRY(document_.addInstance(*child, &copy));
-          continue;
-        }
-        auto shape = copyOne(*child, scene::shapeNameFor(copy.name()), &copy);
-        if (!shape) return failWith(std::move(shape.error()));
+  /// Depth first, without recursion: hierarchies are deeper than stacks.
+  Result<void> copyBelow(const Node& original, Node& copy) {
+    struct Level {
+      Node* copy;
+      std::vector<Node*> children;
+      std::size_t next = 0;
+    };
+    std::vector<Level> open;
+    open.push_back({&copy, scene::dagLinks(original).children});
+    while (!open.empty()) {
+      Level& level = open.back();
+      if (level.next == level.children.size()) {
+        open.pop_back();
+        continue;
+      }
+      Node& child = *level.children[level.next++];
+      if (scene::isShape(child)) {
+        HOST_TRY(copyShape(child, *level.copy));
         continue;
       }
       auto below =
-          copyOne(*child, renames ? numberless(child->name()) + "#" : child->name(), &copy);
+          copyOne(child, options_.renamesChildren ? numberless(child.name()) + "#" : child.name(),
+                  level.copy);
       if (!below) return failWith(std::move(below.error()));
       copies_.push_back(*below);
-      HOST_TRY(copyChildren(childPath, **below, renames));
+      open.push_back({*below, scene::dagLinks(child).children});
     }
+    return {};
+  }
+
+  Result<void> copyShape(Node& shape, Node& parent) {
+    auto hidden = document_.graph().get(shape.plug("intermediateObject"));
+    if (hidden && dg::equal(*hidden, std::int64_t{1})) return {};
+    if (options_.sharesShapes) return document_.addInstance(shape, &parent);
+    auto copied = copyOne(shape, scene::shapeNameFor(parent.name()), &parent);
+    if (!copied) return failWith(std::move(copied.error()));
     return {};
   }
 
@@ -179,6 +195,43 @@ class Duplicator {
   std::vector<Node*> order_, copies_;
 };
 
+/// How many objects a copy of a node and all below it would come to: one for each place.
+std::uint64_t placesFrom(const Node& top) {
+  std::unordered_map<const Node*, std::uint64_t> known;
+  std::vector<const Node*> open{&top};
+  while (!open.empty()) {
+    const Node* node = open.back();
+    std::uint64_t places = 1;
+    bool isReady = true;
+    for (const Node* child : scene::dagLinks(*node).children) {
+      const auto below = known.find(child);
+      if (below == known.end()) {
+        open.push_back(child);
+        isReady = false;
+      } else {
+        places = std::min(places + below->second, std::uint64_t{1} << 62);
+      }
+    }
+    if (!isReady) continue;
+    known[node] = places;
+    open.pop_back();
+  }
+  const std::uint64_t places = known[&top];
+  return places > known.size() ? places : 0;
+}
+
+/// Refuses what multiplies without bound. Each place of an instance gets a copy of its own.
+Result<void> checkCopies(const DagPath& path) {
+  if (!scene::isAnythingInstanced()) return {};
+  const std::uint64_t places = placesFrom(*path.node());
+  if (places > scene::kMostPaths)
+    return fail(
+        "'{}' has instances within instances that stand in {} places, and at most {} are "
+        "copied; instance it instead.",
+        path.node()->name(), places, scene::kMostPaths);
+  return {};
+}
+
 Result<std::vector<Copy>> copyAll(scene::Document& document, const scene::SelectionList& list,
                                   const DuplicateOptions& options) {
   if (options.hooks && options.hooks->before) options.hooks->before();
@@ -190,6 +243,7 @@ Result<std::vector<Copy>> copyAll(scene::Document& document, const scene::Select
     const std::size_t before = duplicator.copies().size();
     if (item.isDag()) {
       const DagPath path = scene::isShape(*item.node) ? item.path.transform() : item.path;
+      if (!options.withoutChildren) HOST_TRY(checkCopies(path));
       copy = duplicator.copyTree(path, path.parent().node(), options.name);
     } else {
       copy = duplicator.copyOne(*item.node, options.name.empty() ? item.node->name() : options.name,
@@ -223,6 +277,7 @@ Result<std::vector<dg::NodePtr>> instanceAll(scene::Document& document,
     const DuplicateOptions copying{.sharesShapes = options.onlyShapes, .hooks = options.hooks};
     Duplicator duplicator(document, copying);
     const std::string name = options.name.empty() ? path.node()->name() : options.name;
+    if (options.onlyShapes) HOST_TRY(checkCopies(path));
     auto copy = options.onlyShapes ? duplicator.copyTree(path, path.parent().node(), name)
                                    : duplicator.copyOne(*path.node(), name, path.parent().node());
     if (!copy) return failWith(std::move(copy.error()));

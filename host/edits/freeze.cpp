@@ -1,5 +1,7 @@
 #include "host/edits/freeze.h"
 
+#include <utility>
+
 #include "host/edits/atomically.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/transform.h"
@@ -55,8 +57,35 @@ class Freeze {
   Freeze(scene::Document& document, TransformParts parts) : document_(document), parts_(parts) {}
 
   /// Finds what can't be done before anything changes.
-  Result<void> check(dg::Node& node) const {
-    if (scene::isShape(node)) return {};
+  Result<void> check(dg::Node& top) const {
+    std::vector<dg::Node*> open{&top};
+    while (!open.empty()) {
+      dg::Node& node = *open.back();
+      open.pop_back();
+      HOST_TRY(checkOne(node));
+      const std::vector<dg::Node*>& children = scene::dagLinks(node).children;
+      for (auto child = children.rbegin(); child != children.rend(); ++child)
+        if (!scene::isShape(**child)) open.push_back(*child);
+    }
+    return {};
+  }
+
+  Result<void> apply(dg::Node& top) {
+    std::vector<std::pair<dg::Node*, Matrix4>> open{{&top, Matrix4{}}};
+    while (!open.empty()) {
+      const auto [node, from] = open.back();
+      open.pop_back();
+      const auto down = applyOne(*node, from);
+      if (!down) return failWith(down.error());
+      const std::vector<dg::Node*>& children = scene::dagLinks(*node).children;
+      for (auto child = children.rbegin(); child != children.rend(); ++child)
+        if (!scene::isShape(**child)) open.emplace_back(*child, *down);
+    }
+    return {};
+  }
+
+ private:
+  Result<void> checkOne(dg::Node& node) const {
     if (scene::dagLinks(node).parents.size() > 1 || hasInstancedShape(node))
       return fail("makeIdentity: '{}' is instanced; its instances can't all be frozen.",
                   node.name());
@@ -66,11 +95,11 @@ class Freeze {
         if (const dg::Plug plug = node.plug(name).child(axis); document_.graph().isDriven(plug))
           return fail("makeIdentity: '{}' is driven by a connection.", attributeOf(node, plug));
     }
-    for (dg::Node* child : scene::dagLinks(node).children) HOST_TRY(check(*child));
     return {};
   }
 
-  Result<void> apply(dg::Node& node, const Matrix4& from) {
+  /// @return what goes down to the children
+  Result<Matrix4> applyOne(dg::Node& node, const Matrix4& from) {
     auto before = nodes::readTransform(node);
     if (!before) return failWith(std::move(before.error()));
     const Matrix4 local = math::toMatrix(*before) * from;
@@ -79,16 +108,11 @@ class Freeze {
     if (!inverse) return fail("makeIdentity: '{}' has a scale of zero.", node.name());
     HOST_TRY(nodes::writeTransform(node, after));
     const Matrix4 down = local * *inverse;
-    const std::vector<dg::Node*> children(scene::dagLinks(node).children.begin(),
-                                          scene::dagLinks(node).children.end());
-    for (dg::Node* child : children)
-      if (!scene::isShape(*child)) HOST_TRY(apply(*child, down));
     for (const DagPath& shape : scene::firstPath(node).shapes())
       if (shape.node()->type().isA("mesh")) HOST_TRY(movePoints(document_, *shape.node(), down));
-    return {};
+    return down;
   }
 
- private:
   [[nodiscard]] bool isFrozen(std::string_view name) const {
     return name == "translate" ? parts_.translate : name == "rotate" ? parts_.rotate : parts_.scale;
   }
@@ -111,7 +135,7 @@ Result<void> freeze(scene::Document& document, const std::vector<dg::Node*>& tra
   Freeze freezing(document, parts);
   for (dg::Node* node : transforms) HOST_TRY(freezing.check(*node));
   return atomically(document, [&]() -> Result<void> {
-    for (dg::Node* node : transforms) HOST_TRY(freezing.apply(*node, Matrix4{}));
+    for (dg::Node* node : transforms) HOST_TRY(freezing.apply(*node));
     return {};
   });
 }

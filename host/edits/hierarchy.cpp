@@ -2,6 +2,7 @@
 
 #include "host/edits/atomically.h"
 #include "host/edits/bounds.h"
+#include "host/edits/group_box.h"
 #include "host/nodes/transform.h"
 
 namespace host::edits {
@@ -28,13 +29,17 @@ Result<void> reparent(scene::Document& document, const DagPath& path, dg::Node* 
 Result<dg::NodePtr> group(scene::Document& document, const std::vector<DagPath>& members,
                           const GroupOptions& options) {
   return atomically(document, [&]() -> Result<dg::NodePtr> {
+    math::Box known;
+    if (members.size() == 1 && scene::localMatrix(*members[0].node()) == math::Matrix4{})
+      known = takeLastGroupBox(*members[0].node());
     auto created = document.createNode("transform", options.name, options.parent);
     if (!created) return created;
     dg::Node& node = **created;
     for (const DagPath& path : members)
       HOST_TRY(reparent(document, path, &node, options.isRelative));
     const DagPath path = scene::firstPath(node);
-    if (const math::Box box = objectBox(path); !box.isEmpty()) {
+    const math::Box box = known.isEmpty() ? objectBox(path) : known;
+    if (!box.isEmpty()) {
       auto components = nodes::readTransform(node);
       if (!components) return failWith(std::move(components.error()));
       components->rotatePivot = components->scalePivot = box.center();
@@ -43,6 +48,7 @@ Result<dg::NodePtr> group(scene::Document& document, const std::vector<DagPath>&
     scene::SelectionList list;
     list.add(path);
     document.setSelection(std::move(list));
+    if (!box.isEmpty()) keepLastGroupBox(node, box);
     return created;
   });
 }

@@ -66,13 +66,18 @@ Result<std::string> removeFrom(scene::Document& document, ShapeComponents& each)
   return (*node)->name();
 }
 
-Result<void> removeHistoryBelow(scene::Document& document, const scene::DagPath& path) {
-  for (const scene::DagPath& shape : nodes::meshPaths(path))
-    if (nodes::hasHistory(*shape.node())) HOST_TRY(nodes::deleteHistory(document, *shape.node()));
-  // A copy: hidden originals go with the history that they began.
-  const std::vector<scene::Node*> children = scene::dagLinks(*path.node()).children;
-  for (scene::Node* child : children)
-    if (scene::isTransform(*child)) HOST_TRY(removeHistoryBelow(document, path.child(child)));
+Result<void> removeHistoryBelow(scene::Document& document, const scene::DagPath& top) {
+  std::vector<scene::DagPath> open{top};
+  while (!open.empty()) {
+    const scene::DagPath path = open.back();
+    open.pop_back();
+    for (const scene::DagPath& shape : nodes::meshPaths(path))
+      if (nodes::hasHistory(*shape.node())) HOST_TRY(nodes::deleteHistory(document, *shape.node()));
+    // Hidden originals went with the history that they began.
+    const std::vector<scene::Node*>& children = scene::dagLinks(*path.node()).children;
+    for (auto child = children.rbegin(); child != children.rend(); ++child)
+      if (scene::isTransform(**child)) open.push_back(path.child(*child));
+  }
   return {};
 }
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <optional>
-#include <unordered_map>
+#include <utility>
 
 #include "host/scene/dag_paths.h"
 #include "host/scene/document_impl.h"
@@ -60,17 +60,33 @@ std::string joinTail(const DagPath& path, std::size_t count) {
   return joined;
 }
 
+/// Nodes at the upper ends of paths, and how many ways lead down from each.
+using Tops = std::vector<std::pair<Node*, std::uint64_t>>;
+
+/// Each node once, with its ways added up to `most`.
+void joinSame(Tops& tops, std::uint64_t most) {
+  if (tops.size() < 2) return;
+  std::ranges::sort(tops);
+  std::size_t kept = 0;
+  for (std::size_t i = 1; i < tops.size(); ++i)
+    if (tops[i].first == tops[kept].first)
+      tops[kept].second = std::min(most, tops[kept].second + tops[i].second);
+    else
+      tops[++kept] = tops[i];
+  tops.resize(kept + 1);
+}
+
 /// How many names from the leaf on it takes to tell a path from all others of the scene. Paths are
 /// followed up by their nodes, with how many ways lead down from there, never one by one.
 std::size_t namesToTell(const DagPath& path, const Document& document) {
-  std::unordered_map<Node*, std::uint64_t> tops;
-  for (Node* other : document.nodesNamed(path.node()->name())) tops[other] = 1;
+  Tops tops, above;
+  for (Node* other : document.nodesNamed(path.node()->name())) tops.emplace_back(other, 1);
   const std::size_t length = path.length();
   DagPath at = path;
   constexpr std::uint64_t kMany = std::uint64_t{1} << 32;
   // Chains of namesakes are not followed to their end for each of their nodes: a whole path tells
   // it as well, only longer.
-  constexpr std::size_t kUsualNames = 8, kMostSteps = 4096;
+  constexpr std::size_t kUsualNames = 8, kMostSteps = 512;
   std::size_t steps = 0;
   for (std::size_t names = 1; names < length; ++names) {
     if (names > kUsualNames && (steps += tops.size()) > kMostSteps) return length + 1;
@@ -80,11 +96,12 @@ std::size_t namesToTell(const DagPath& path, const Document& document) {
     if (paths <= 1) return names;
     at = at.parent();
     const std::string& next = at.node()->name();
-    std::unordered_map<Node*, std::uint64_t> above;
+    above.clear();
     for (const auto& [top, ways] : tops)
       for (Node* parent : dagLinks(*top).parents)
-        if (parent && parent->name() == next) above[parent] = std::min(kMany, above[parent] + ways);
-    tops = std::move(above);
+        if (parent && parent->name() == next) above.emplace_back(parent, ways);
+    joinSame(above, kMany);
+    std::swap(tops, above);
   }
   // The last name may be that of several nodes with others above them.
   std::uint64_t paths = 0;

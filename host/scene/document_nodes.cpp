@@ -221,6 +221,18 @@ class DeletionSet {
   std::vector<dg::Graph::Connection> passes_;
 };
 
+/// What hangs on the place of an object that goes keeps the place that it had: without its parents
+/// the object is nowhere.
+void keepPlacesOf(dg::Graph& graph, const DeletionSet& doomed, const Node& node) {
+  for (const auto& [from, to] : graph.outgoing(node)) {
+    const dg::Attribute& attribute = *from.attribute();
+    const bool isPlace =
+        attribute.type == dg::AttributeType::Matrix || attribute.type == dg::AttributeType::Typed;
+    if (!attribute.worldSpace || !isPlace || doomed.has(to.node())) continue;
+    (void)graph.disconnect(from, to);  // refused by a lock: as before
+  }
+}
+
 }  // namespace
 
 Result<void> Document::deleteNodes(std::vector<Node*> nodes) {
@@ -238,6 +250,8 @@ Result<void> Document::deleteNodes(std::vector<Node*> nodes) {
   for (const dg::Graph::Connection& pass : doomed.passes())
     if (pass.source.node()->isAlive() && pass.destination.node()->isAlive())
       (void)graph_.connect(pass.source, pass.destination, true);  // refused by a lock: as before
+  for (const dg::NodePtr& node : doomed.order())
+    if (node->isAlive() && isDagNode(*node)) keepPlacesOf(graph_, doomed, *node);
   // Children before parents and last before first, so that each is taken from the end of its lists.
   const std::vector<dg::NodePtr>& order = doomed.order();
   for (auto node = order.rbegin(); node != order.rend(); ++node) {

@@ -67,6 +67,31 @@ Result<void> smartTransform(Context& context, const std::vector<dg::NodePtr>& or
   return {};
 }
 
+/// The names of the copies. What is below one has the names of what is below the original, so that
+/// each is told by its path up to the copy; the paths of a deep hierarchy take memory by the square
+/// of its depth and end at a bound.
+std::vector<std::string> namesOf(const std::vector<edits::Copy>& copies, bool onlyRoots) {
+  constexpr std::size_t kMostText = std::size_t{16} << 20;
+  std::vector<std::string> names;
+  std::size_t text = 0, shortened = 0;
+  for (const edits::Copy& copy : copies) {
+    names.push_back(nodeName(*copy.node));
+    if (onlyRoots) continue;
+    for (const dg::NodePtr& below : copy.below) {
+      const bool isLong = text > kMostText;
+      shortened += isLong ? 1 : 0;
+      names.push_back(isLong ? below->name() : nodeName(*below));
+      text += names.back().size();
+    }
+  }
+  if (shortened > 0)
+    postMessage(MessageKind::Warning,
+                fmt::format("duplicate: the paths of {} copies are too long to list: they are "
+                            "returned by their last names",
+                            shortened));
+  return names;
+}
+
 CommandResult duplicate(Context& context, const ParsedArgs& args) {
   auto list = args.resolveObjects(context.document);
   if (!list) return failWith(std::move(list.error()));
@@ -83,13 +108,7 @@ CommandResult duplicate(Context& context, const ParsedArgs& args) {
                                         .hooks = &hooks});
   if (!copies) return failWith(copies.error());
   HOST_TRY(smartTransform(context, originals, *copies, args.has("smartTransform")));
-  std::vector<std::string> names;
-  for (const edits::Copy& copy : *copies) {
-    names.push_back(nodeName(*copy.node));
-    if (args.has("returnRootsOnly")) continue;
-    for (const dg::NodePtr& below : copy.below) names.push_back(nodeName(*below));
-  }
-  return toValue(std::move(names));
+  return toValue(namesOf(*copies, args.has("returnRootsOnly")));
 }
 
 CommandResult instance(Context& context, const ParsedArgs& args) {

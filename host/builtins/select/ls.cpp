@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <unordered_set>
+#include <utility>
 
 #include "host/builtins/common/command.h"
 #include "host/builtins/select/foreign_types.h"
@@ -111,6 +112,15 @@ class Lister {
       return;
     }
     if (!args_.has("allPaths")) return visitPath(scene::firstPath(node));
+    const std::uint64_t places = scene::pathCount(node);
+    if (places > 1 && (listed_ += std::min(places, scene::kMostPaths)) > scene::kMostPaths) {
+      if (!std::exchange(isCutShort_, true))
+        postMessage(MessageKind::Warning,
+                    fmt::format("ls: '{}' and others stand in more than {} places: of each of them "
+                                "the first is listed",
+                                node.name(), scene::kMostPaths));
+      return visitPath(scene::firstPath(node));
+    }
     for (const DagPath& path : scene::allPaths(node)) visitPath(path);
   }
 
@@ -255,6 +265,8 @@ class Lister {
   std::vector<std::string> types_, excluded_, exact_, names_;
   std::unordered_set<std::string> seen_;
   bool isLong_ = false;
+  std::uint64_t listed_ = 0;  ///< places of instanced nodes
+  bool isCutShort_ = false;
 };
 
 CommandResult ls(Context& context, const ParsedArgs& args) {

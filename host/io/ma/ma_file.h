@@ -64,6 +64,7 @@ struct MaConnection {
 struct MaInstance {
   std::size_t offset = 0;
   std::string_view child, parent;  ///< no parent: the child of that path goes behind its siblings
+  bool isWorld = false;            ///< the place is under the world
 };
 
 /// `relationship`: a pair of plugs that a link node keeps together.

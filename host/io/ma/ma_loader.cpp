@@ -347,11 +347,13 @@ class Loader {
 
   void addInstance(const MaInstance& instance) {
     Node* child = find(instance.child);
-    if (instance.parent.empty()) return moveToEnd(instance, child);
-    Node* parent = find(instance.parent);
-    if (!child || !parent || !scene::isDagNode(*child) || !scene::isTransform(*parent))
-      return warn(instance.offset, fmt::format("'{}' cannot be placed under '{}' as well",
-                                               instance.child, instance.parent));
+    if (instance.parent.empty() && !instance.isWorld) return moveToEnd(instance, child);
+    Node* parent = instance.isWorld ? nullptr : find(instance.parent);
+    const bool isPlace = instance.isWorld || (parent && scene::isTransform(*parent));
+    if (!child || !isPlace || !scene::isDagNode(*child))
+      return warn(instance.offset,
+                  fmt::format("'{}' cannot be placed under '{}' as well", instance.child,
+                              instance.isWorld ? "the world" : instance.parent));
     if (auto done = document_.addInstance(*child, parent); !done)
       warn(instance.offset, std::move(done).error().message);
   }

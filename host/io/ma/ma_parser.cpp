@@ -276,17 +276,25 @@ class Parser {
 
   void parent() {
     std::vector<std::string_view> names;
-    bool adds = false;
+    bool adds = false, isToWorld = false;
     for (const MaToken& word : in_.restOfStatement()) {
-      if (word.text.starts_with('-'))
+      if (isOneOf(word.text, {"-w", "-world"}))
+        isToWorld = true;
+      else if (word.text.starts_with('-'))
         adds = adds || isOneOf(word.text, {"-add", "-addObject"});
       else
         names.push_back(word.text);
     }
     if (in_.hasFault()) return;
-    if (!adds || names.size() < 2) return warn("only 'parent -add' has a place in a scene");
-    for (std::size_t i = 0; i + 1 < names.size(); ++i)
-      file_.instances.push_back({in_.start(), names[i], names.back()});
+    if (!adds || names.size() < (isToWorld ? 1 : 2))
+      return warn("only 'parent -add' has a place in a scene");
+    if (!isToWorld) {
+      for (std::size_t i = 0; i + 1 < names.size(); ++i)
+        file_.instances.push_back({in_.start(), names[i], names.back()});
+      return;
+    }
+    for (const std::string_view name : names)
+      file_.instances.push_back({in_.start(), name, {}, true});
   }
 
   void relationship() {

@@ -401,10 +401,13 @@ class Writer {
     for (const Node* node : order_) {
       if (!scene::isDagNode(*node)) continue;
       const std::vector<Node*>& parents = scene::dagLinks(*node).parents;
-      for (std::size_t i = 1; i < parents.size(); ++i)
-        if (parents[i] && isWritten_.count(parents[i]) != 0)
-          out() += fmt::format("parent -s -nc -r -add \"{}\" \"{}\";\n",
-                               scene::firstPath(*node).fullName(), nameOf(*parents[i]));
+      for (std::size_t i = 1; i < parents.size(); ++i) {
+        const std::string path = scene::firstPath(*node).fullName();
+        if (!parents[i])
+          out() += fmt::format("parent -s -nc -r -add -w \"{}\";\n", path);
+        else if (isWritten_.count(parents[i]) != 0)
+          out() += fmt::format("parent -s -nc -r -add \"{}\" \"{}\";\n", path, nameOf(*parents[i]));
+      }
     }
     writeOrder();
   }
@@ -421,7 +424,7 @@ class Writer {
       if (!scene::isDagNode(*node)) continue;
       const std::vector<Node*>& parents = scene::dagLinks(*node).parents;
       for (std::size_t i = 1; i < parents.size(); ++i) {
-        if (!parents[i] || isWritten_.count(parents[i]) == 0) continue;
+        if (parents[i] && isWritten_.count(parents[i]) == 0) continue;
         arriving[parents[i]].push_back(node);
         shuffled.push_back(parents[i]);
       }
@@ -432,13 +435,13 @@ class Writer {
       const std::vector<const Node*>& made = arriving[parent];
       std::size_t place = 0;
       bool isInOrder = true;
-      for (const Node* child : scene::dagLinks(*parent).children) {
+      const std::string above = parent ? scene::firstPath(*parent).fullName() : std::string();
+      for (const Node* child :
+           parent ? scene::dagLinks(*parent).children : document_.worldChildren()) {
         if (isWritten_.count(child) == 0) continue;
         isInOrder = isInOrder && place < made.size() && made[place] == child;
         ++place;
-        if (!isInOrder)
-          out() += fmt::format("reorder -b \"{}|{}\";\n", scene::firstPath(*parent).fullName(),
-                               child->name());
+        if (!isInOrder) out() += fmt::format("reorder -b \"{}|{}\";\n", above, child->name());
       }
     }
   }

@@ -79,6 +79,13 @@ const HistoryMemo::Groups* lastGroups(const HistoryMemo* memo, const scene::Mesh
   return isSame ? &last : nullptr;
 }
 
+/// Whether the input comes from a mesh shape: one that has no mesh is an empty one, to which faces
+/// may be added.
+bool isFromShape(const Plug& input) {
+  const Plug source = input.node()->graph().source(input);
+  return source && source.node()->type().isA("mesh");
+}
+
 Result<Computed> modify(const HistoryOperation& operation, DataBlock& block,
                         const Attribute* output, scene::MeshDataPtr input) {
   HistoryContext context(block, input->mesh);
@@ -195,6 +202,7 @@ void HistoryNodeBuilder::operation(HistoryOperation operation) {
     if (!arriving) return failWith(arriving.error());
     const auto* payload = std::get_if<dg::DataPtr>(&*arriving);
     auto data = payload ? std::dynamic_pointer_cast<const MeshData>(*payload) : nullptr;
+    if (!data && isFromShape(Plug(&node, input))) data = std::make_shared<MeshData>(mesh::Mesh());
     if (!data || block.integer(state) == 1) {
       block.output(output, *arriving);
       return Computed::Done;

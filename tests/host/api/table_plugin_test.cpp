@@ -41,6 +41,31 @@ TEST_CASE_FIXTURE(Table,
   CHECK(number("getAttr t.results[2].product") == 6);
 }
 
+TEST_CASE_FIXTURE(Table, "array outputs: what evaluation added for a step goes with the step") {
+  CHECK(number("getAttr t.results[9].product") == 4);
+  const auto before = session->document().hash();
+  run("setAttr t.rows[5].amount 10");
+  CHECK(number("getAttr t.results[5].product") == 10);
+  CHECK(number("getAttr -size t.results") == 3);
+  const auto after = session->document().hash();
+  run("undo");
+  CHECK(number("getAttr -size t.results") == 2);
+  CHECK(session->document().hash() == before);
+  run("redo");
+  CHECK(number("getAttr -size t.results") == 3);
+  CHECK(session->document().hash() == after);
+  // A step on something else leaves the array alone, and so does one on what is connected.
+  run("createNode transform -n a; connectAttr t.results[5].product a.tx");
+  run("setAttr t.rows[5].amount 11");
+  CHECK(number("getAttr a.tx") == 11);
+  run("undo");
+  CHECK(number("getAttr a.tx") == 10);
+  // An element that is only asked for is no edit, and an edit of it afterwards is one.
+  const auto asked = session->document().hash();
+  CHECK(number("getAttr t.results[77].product") == 0);
+  CHECK(session->document().hash() == asked);
+}
+
 TEST_CASE_FIXTURE(Table, "array outputs drive others, element by element, through changes") {
   run("createNode transform -n a; connectAttr t.results[9].product a.tx;"
       "connectAttr t.results[2].share a.ty; createNode tableNode -n u;"
