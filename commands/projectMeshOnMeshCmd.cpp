@@ -11,6 +11,7 @@
 #include "shared/mesh/worldPoints.h"
 #include "shared/selection/meshPair.h"
 #include "shared/settings/flagReader.h"
+#include "shared/tool/shownComputation.h"
 
 namespace {
 
@@ -73,7 +74,7 @@ MSyntax projectMeshOnMeshCmd::newSyntax() {
   return syntax;
 }
 
-void projectMeshOnMeshCmd::drop(const MDagPath& target, const dropSpace& space) {
+MStatus projectMeshOnMeshCmd::drop(const MDagPath& target, const dropSpace& space) {
   // A mesh that falls along its own axis is met where the target stands: rays along that axis hit
   // the same places as rays down the world's axis would after taking both into the moved mesh's
   // space, and the target needs no change.
@@ -87,7 +88,8 @@ void projectMeshOnMeshCmd::drop(const MDagPath& target, const dropSpace& space) 
   const double base = space.lowest(pointsBefore);
   pointsAfter.setLength(pointsBefore.length());
   rayFaults faults;
-  for (unsigned int i = 0; i < pointsBefore.length(); ++i) {
+  shownComputation work("Dropping", static_cast<int>(pointsBefore.length()));
+  for (unsigned int i = 0; i < pointsBefore.length() && !work.advance(); ++i) {
     const MPoint& point = pointsBefore[i];
     MFloatPoint hit;
     MStatus status;
@@ -100,6 +102,7 @@ void projectMeshOnMeshCmd::drop(const MDagPath& target, const dropSpace& space) 
   }
   MFnMesh::clearGlobalIntersectionAcceleratorInfo();
   targetFn.freeCachedIntersectionAccelerator();
+  return work.isStopped() ? MS::kFailure : MS::kSuccess;
 }
 
 MStatus projectMeshOnMeshCmd::doIt(const MArgList& arguments) {
@@ -127,8 +130,8 @@ MStatus projectMeshOnMeshCmd::doIt(const MArgList& arguments) {
   if (!positionsAreFinite("projectMeshOnMeshCmd", pointsBefore)) return MS::kFailure;
   if ((status = placesBefore.takeAll(movedPath)) != MS::kSuccess) return status;
 
-  drop(pair.second, space);
-  return redoIt();
+  status = drop(pair.second, space);
+  return status == MS::kSuccess ? redoIt() : status;
 }
 
 MStatus projectMeshOnMeshCmd::undoIt() {

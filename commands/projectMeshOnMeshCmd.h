@@ -27,7 +27,7 @@ class projectMeshOnMeshCmd : public MPxCommand {
   static MSyntax newSyntax();
 
  private:
-  void drop(const MDagPath& target, const dropSpace& space);
+  MStatus drop(const MDagPath& target, const dropSpace& space);
 
   MString wrapDirection;  ///< x, y, z or objectYRotation
   MDagPath movedPath;

@@ -217,7 +217,7 @@ placingFaults regularPlan::run(const placingSurface& surface, MPointArray& place
   points = places;
   lookAtAll(surface);
   placingFaults best = faults();
-  for (int round = 0; round < kRounds && best.all() > 0; ++round) {
+  for (int round = 0; round < kRounds && best.all() > 0 && !surface.isStopped(); ++round) {
     const std::vector<int> loose = region(1 + round / 4);
     if (loose.empty()) break;
     if (round % 2 == 0) {
@@ -301,7 +301,7 @@ void regularPlan::settle(const placingSurface& surface, placingFaults& best, MPo
   constexpr int kSweeps = 60;
   points = places;
   lookAtAll(surface);
-  for (int sweep = 0; sweep < kSweeps && best.all() > 0; ++sweep) {
+  for (int sweep = 0; sweep < kSweeps && best.all() > 0 && !surface.isStopped(); ++sweep) {
     const int rings = sweep % 3;
     for (const int vertex : region(rings)) lookAround(vertex, surface);
     lookAtAll(surface);

@@ -17,6 +17,8 @@ class placingSurface {
   /// `reach`, before or behind.
   virtual bool along(const MPoint& point, const MVector& direction, double reach, MPoint& place,
                      MVector& facing) const = 0;
+  /// Whether nobody wants to know any more: then it finds nothing.
+  virtual bool isStopped() const { return false; }
 
  protected:
   ~placingSurface() = default;

@@ -26,6 +26,7 @@
 #include "shared/selection/componentGather.h"
 #include "shared/selection/meshPair.h"
 #include "shared/settings/flagReader.h"
+#include "shared/tool/shownComputation.h"
 
 namespace {
 
@@ -56,8 +57,9 @@ constexpr const char* kHelp =
 /// The second mesh as the vertices of the first are put on it.
 class targetSurface final : public placingSurface {
  public:
-  targetSurface(const MDagPath& target, MSpace::Space spaceIn)
-      : meshFn(target),
+  targetSurface(const MDagPath& target, MSpace::Space spaceIn, int questions)
+      : work("Placing vertices", questions),
+        meshFn(target),
         space(spaceIn),
         toSpace(space == MSpace::kWorld ? target.inclusiveMatrix() : MMatrix::identity),
         accelParams(MFnMesh::autoUniformGridParams()) {
@@ -67,6 +69,7 @@ class targetSurface final : public placingSurface {
 
   bool nearestWithin(const MPoint& point, double distance, MPoint& place, int& face) const {
     MPointOnMesh found;
+    if (work.advance()) return false;
     const MStatus status = distance > 0.0 ? index.getClosestPoint(point, found, distance)
                                           : index.getClosestPoint(point, found);
     if (status != MS::kSuccess) return false;
@@ -79,10 +82,12 @@ class targetSurface final : public placingSurface {
     return nearestWithin(point, 0.0, place, face) &&
            meshFn.getPolygonNormal(face, facing, space) == MS::kSuccess;
   }
+  bool isStopped() const override { return work.isStopped(); }
   bool along(const MPoint& point, const MVector& direction, double reach, MPoint& place,
              MVector& facing) const override {
     MFloatPoint hit;
     int face = -1;
+    if (work.advance()) return false;
     if (!meshFn.closestIntersection(MFloatPoint(point), MFloatVector(direction), nullptr, nullptr,
                                     false, space, static_cast<float>(reach), true, &accelParams,
                                     hit, nullptr, &face, nullptr, nullptr, nullptr, kRayTolerance))
@@ -92,6 +97,7 @@ class targetSurface final : public placingSurface {
   }
 
  private:
+  mutable shownComputation work;
   MFnMesh meshFn;
   MSpace::Space space;
   MMatrix toSpace;
@@ -259,7 +265,9 @@ MStatus topologyTransferCmd::placeOnSurface(const MDagPath& target,
   const bool isMirrored = space == MSpace::kWorld && movedPath.inclusiveMatrix().det3x3() < 0.0;
   if (isMirrored)
     for (unsigned int v = 0; v < normals.length(); ++v) normals[v] = -normals[v];
-  const targetSurface surface(target, space);
+  // Each vertex asks twice, and each face is looked at once.
+  const targetSurface surface(target, space,
+                              static_cast<int>(2 * warped.length() + counts.length()));
   putOnSurface(surface, warped, normals,
                sizeOf(warped) + sizeOf(targetPoints) + warped[0].distanceTo(targetPoints[0]));
   std::vector<char> isHeld(warped.length(), 0);
@@ -269,7 +277,7 @@ MStatus topologyTransferCmd::placeOnSurface(const MDagPath& target,
     isPlaced[static_cast<std::size_t>(vertex)] = isHeld[static_cast<std::size_t>(vertex)] = 1;
   }
   regularPlan(warped, counts, connects, isHeld, isMirrored ? -1.0 : 1.0).run(surface, pointsAfter);
-  return MS::kSuccess;
+  return surface.isStopped() ? MS::kFailure : MS::kSuccess;
 }
 
 MStatus topologyTransferCmd::doIt(const MArgList& arguments) {

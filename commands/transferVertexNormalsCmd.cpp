@@ -16,6 +16,7 @@
 #include "shared/mesh/worldPoints.h"
 #include "shared/selection/componentGather.h"
 #include "shared/selection/meshPair.h"
+#include "shared/tool/shownComputation.h"
 
 namespace {
 
@@ -122,7 +123,9 @@ MStatus transferVertexNormalsCmd::gatherNormals(const meshPair& pair) {
 
   const MIntArray chosen = chosenVertices(pair, points.length());
   if (!idsAreInRange(chosen, points.length())) return MS::kFailure;
+  shownComputation work("Taking normals", static_cast<int>(chosen.length()));
   for (unsigned int i = 0; i < chosen.length(); ++i) {
+    if (work.advance()) return MS::kFailure;
     const MPoint& point = points[static_cast<unsigned int>(chosen[i])];
     MPointOnMesh place;
     const MStatus found = maxDistance > 0.0 ? nearest.getClosestPoint(point, place, maxDistance)

@@ -7,6 +7,7 @@
 #include <maya/MGlobal.h>
 
 #include "shared/settings/flagReader.h"
+#include "shared/tool/shownComputation.h"
 #include "uv/markedComponents.h"
 #include "uv/meshSelection.h"
 #include "uv/uvMessages.h"
@@ -14,18 +15,6 @@
 namespace {
 
 constexpr const char* kTypeFlag = "-unwrapType";
-
-/// The progress that a person sees while this lives.
-class shownComputation : public MComputation {
- public:
-  shownComputation() {
-    beginComputation(true, true, true);
-    setProgressStatus("Unwrapping");
-  }
-  shownComputation(const shownComputation&) = delete;
-  shownComputation& operator=(const shownComputation&) = delete;
-  ~shownComputation() { endComputation(); }
-};
 
 }  // namespace
 
@@ -71,7 +60,7 @@ MStatus autoUnwrapCmd::unwrapAll() {
   std::vector<MDagPath> meshes;
   selectedMeshes(selectionBefore.length() > 0 ? selectionBefore : hiliteBefore, meshes);
   if (meshes.empty()) return failWith("qxAutoUnwrap: select a polygon mesh");
-  shownComputation progress;
+  shownComputation progress("Unwrapping");
   MStatus status = MS::kSuccess;
   for (std::size_t i = 0; i < meshes.size() && status; ++i) status = unwrapOne(meshes[i], progress);
   if (status) return status;

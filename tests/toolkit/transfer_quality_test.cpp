@@ -5,10 +5,13 @@
 #include <maya/MMeshIntersector.h>
 #include <maya/MPointOnMesh.h>
 
+#include <chrono>
 #include <cmath>
 #include <filesystem>
+#include <thread>
 #include <vector>
 
+#include "host/base/cancel.h"
 #include "tests/toolkit/toolkit_session.h"
 
 // A mesh that takes another's shape is to cover it: no faces turned round, none pinched away, no
@@ -137,4 +140,24 @@ TEST_CASE(
     }
   }
   CHECK(corners > 1000);
+}
+
+TEST_CASE("transfers stop when they are asked to, with everything as it was") {
+  toolkitSession toolkit;
+  toolkit.run(
+      "polySphere -ch 0 -n shape -sx 500 -sy 400; polySphere -ch 0 -n target -r 1.3 -sx 300 -sy "
+      "200; move -r 0.1 0 0 target.vtx[0:9000]; select -r shape target");
+  for (const char* command : {"qxTransferTopology", "qxTransferVertexNormals"}) {
+    CAPTURE(std::string(command));
+    const std::uint64_t before = toolkit.hash();
+    std::thread hand([] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+      host::requestCancel();
+    });
+    const std::string said = toolkit.failure(command);
+    hand.join();
+    host::clearCancel();
+    CHECK(said.find("Interrupted") != std::string::npos);
+    CHECK(toolkit.hash() == before);
+  }
 }

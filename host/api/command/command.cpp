@@ -3,6 +3,7 @@
 #include <maya/MPxCommand.h>
 
 #include "host/api/command/command_adapter.h"
+#include "host/base/cancel.h"
 #include "host/base/held_error.h"
 #include "host/cmd/session.h"
 
@@ -77,6 +78,7 @@ Result<void> CommandAdapter::run(const char* what, const Operation& operation) {
   if (status == MStatus::kSuccess) return {};
   if (auto text = said.take()) return failWith(Error{*std::move(text)});
   const std::string reason = takeRememberedError();
+  if (isCancelled()) return cancelled();
   return fail("{} {}: {}", name_, what, reason.empty() ? likelyReason(status) : reason);
 }
 
