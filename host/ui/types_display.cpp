@@ -144,6 +144,30 @@ Values selectedTreeItems(const Tree&, const Control& view, const Attribute&) {
   return names;
 }
 
+/// Picks an item and nothing else, or with 1 or 0 behind it adds it or takes it away. The scripts
+/// are names of procedures that get the item and whether it is selected.
+Result<std::vector<std::string>> treeGesture(Tree& tree, Control& view, const Values& values) {
+  const std::string item = asText(values);
+  const Values all = treeItems(tree, view, {});
+  if (std::find(all.begin(), all.end(), Atom(item)) == all.end())
+    return fail("{} has no item '{}'.", view.name, item);
+  const bool isOneOfSeveral = values.size() > 1 && view.isOn("allowMultiSelection");
+  if (!isOneOfSeveral) view.entries["selectItem"].clear();
+  const int isOn = values.size() > 1 && asInt(values, 1) == 0 ? 0 : 1;
+  HOST_TRY(selectTreeItem(tree, view, {}, {item, isOn}));
+  std::string word = " \"";
+  for (const char c : item) {
+    if (c == '"' || c == '\\') word += '\\';
+    word += c;
+  }
+  word += isOn != 0 ? "\" 1" : "\" 0";
+  std::vector<std::string> scripts = scriptsOf(view, {"selectCommand"});
+  for (std::string& script : scripts) script += word;
+  for (std::string& script : scriptsOf(view, {"selectionChangedCommand"}))
+    scripts.push_back(std::move(script));
+  return scripts;
+}
+
 constexpr Attribute kTreeView[] = {
     {"addItem", "addItem", "ss", "", kCreateEdit, kMulti, addTreeItem},
     {"ra", "removeAll", "", "", kCreateEdit, 0, removeTreeItems},
@@ -180,6 +204,7 @@ void addDisplayTypes(std::vector<ControlType>& types) {
   add("canvas", {kCanvas});
   types.back().gesture = canvasGesture;
   add("treeView", {kTreeView});
+  types.back().gesture = treeGesture;
   for (const std::string_view name :
        {"attrFieldGrp", "attrFieldSliderGrp", "attrColorSliderGrp", "attrControlGrp",
         "attrNavigationControlGrp", "attrEnumOptionMenu", "attrEnumOptionMenuGrp"})

@@ -134,11 +134,20 @@ Values allItemsOrNone(const Tree&, const Control& list, const Attribute&) {
   return found == list.values.end() ? Values{} : found->second;
 }
 
+/// What is given, by text or by position, is selected then, and nothing else.
 Result<std::vector<std::string>> listGesture(Tree& tree, Control& list, const Values& values) {
-  const bool isPosition = !values.empty() && !std::holds_alternative<std::string>(values.front());
-  if (!list.isOn("allowMultiSelection")) keep(list, "selected", {});
-  HOST_TRY((isPosition ? selectPosition : selectItem)(tree, list, *list.type->find("selectItem"),
-                                                      values));
+  if (values.size() > 1 && !list.isOn("allowMultiSelection"))
+    return fail("{} takes one item at a time.", list.name);
+  const Values before = list.value("selected");
+  keep(list, "selected", {});
+  for (const Atom& each : values) {
+    const bool isPosition = !std::holds_alternative<std::string>(each);
+    const auto done = (isPosition ? selectPosition : selectItem)(
+        tree, list, *list.type->find("selectItem"), {each});
+    if (done) continue;
+    list.setValue("selected", before);
+    return failWith(done.error());
+  }
   return scriptsOf(list, {"selectCommand"});
 }
 

@@ -6,16 +6,20 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTabBar>
+#include <algorithm>
+#include <cmath>
 
 #include "host/base/messages.h"
+#include "host/ui/behaviours.h"
+#include "host/window/attribute_widgets.h"
 #include "host/window/field_widgets.h"
 #include "host/window/icons.h"
+#include "host/window/list_widgets.h"
 #include "host/window/menus.h"
 #include "host/workspace/workspace.h"
 
@@ -128,30 +132,6 @@ ControlWidget makeScrollField(const Control&, const Act& act, QWidget* parent) {
           }};
 }
 
-ControlWidget makeList(const Control&, const Act& act, QWidget* parent) {
-  auto* list = new QListWidget(parent);
-  QObject::connect(list, &QListWidget::itemClicked, list,
-                   [list, act](QListWidgetItem* item) { act({list->row(item) + 1}, false); });
-  return {list, [list](const Control& control) {
-            list->clear();
-            const auto texts = [&](std::string_view what) {
-              QStringList all;
-              const auto found = control.values.find(what);
-              if (found != control.values.end())
-                for (const ui::Atom& atom : found->second)
-                  all += QString::fromStdString(ui::asText(atom));
-              return all;
-            };
-            list->setSelectionMode(control.isOn("allowMultiSelection")
-                                       ? QAbstractItemView::ExtendedSelection
-                                       : QAbstractItemView::SingleSelection);
-            list->addItems(texts("allItems"));
-            const QStringList selected = texts("selected");
-            for (int i = 0; i < list->count(); ++i)
-              list->item(i)->setSelected(selected.contains(list->item(i)->text()));
-          }};
-}
-
 ControlWidget makeSeparator(const Control& control, QWidget* parent) {
   auto* line = new QFrame(parent);
   line->setFrameShape(control.isOn("horizontal") ? QFrame::HLine : QFrame::VLine);
@@ -168,6 +148,29 @@ ControlWidget makePicture(const Control&, QWidget* parent) {
             const QIcon icon = iconFor(control.text("image"));
             constexpr int kMost = 4096;
             if (!icon.isNull()) label->setPixmap(icon.pixmap(QSize(kMost, kMost)));
+          }};
+}
+
+/// A patch of one colour that can be pressed.
+ControlWidget makeCanvas(const Act& act, QWidget* parent) {
+  auto* patch = new QPushButton(parent);
+  patch->setFlat(true);
+  QObject::connect(patch, &QPushButton::clicked, patch, [act] { act({}, false); });
+  return {patch, [patch](const Control& control) {
+            const auto part = [](const Values& values, std::size_t i) {
+              return static_cast<float>(std::clamp(ui::asReal(values, i), 0.0, 1.0));
+            };
+            QColor color;
+            if (control.values.contains("hsvValue") && !control.values.contains("rgbValue")) {
+              const Values hsv = control.value("hsvValue");
+              const double hue = ui::asReal(hsv) / 360;
+              color = QColor::fromHsvF(static_cast<float>(hue - std::floor(hue)), part(hsv, 1),
+                                       part(hsv, 2));
+            } else {
+              const Values rgb = control.value("rgbValue");
+              color = QColor::fromRgbF(part(rgb, 0), part(rgb, 1), part(rgb, 2));
+            }
+            patch->setStyleSheet("border: none; background-color: " + color.name());
           }};
 }
 
@@ -232,13 +235,20 @@ ControlWidget makeByType(Person& person, Control& control, QWidget* parent) {
     return makeRadioButton(control, act, parent);
   if (type == "textField") return makeTextField(control, act, parent);
   if (type == "scrollField") return makeScrollField(control, act, parent);
-  if (type == "textScrollList") return makeList(control, act, parent);
   if (type == "separator") return makeSeparator(control, parent);
   if (type == "image" || type == "picture") return makePicture(control, parent);
   if (type == "progressBar") return makeProgressBar(control, parent);
   if (type == "tabLayout" || type == "shelfTabLayout") return makeTabs(control, act, parent);
   if (type == "frameLayout") return makeFrame(control, act, parent);
-  if (ControlWidget field = makeFieldWidget(control, act, parent); field.widget) return field;
+  const auto pressed = [&person, path = ui::Tree::path(control)] {
+    const auto found = workspace::workspaceOf(person.session()).controls.find(path);
+    if (found) person.runCallbacks(ui::scriptsOf(**found, {"buttonCommand"}));
+  };
+  if (ControlWidget field = makeFieldWidget(control, act, pressed, parent); field.widget)
+    return field;
+  if (type == "canvas") return makeCanvas(act, parent);
+  if (ControlWidget list = makeListWidget(person, control, act, parent); list.widget) return list;
+  if (ControlWidget row = makeAttributeWidget(person, control, parent); row.widget) return row;
   // Layouts show nothing of their own, and what has no widget yet keeps its place.
   return {new QWidget(parent), [](const Control&) {}};
 }

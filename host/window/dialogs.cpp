@@ -3,8 +3,9 @@
 #include <QApplication>
 #include <QDialog>
 #include <QFileDialog>
-#include <QInputDialog>
+#include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
@@ -26,26 +27,55 @@ QString plain(const std::string& text) {
   return QString::fromStdString(text);
 }
 
-Dialogs::Answer ask(QWidget& over, const Dialogs::Question& question) {
+QString labelOf(const std::string& button) {
+  return plain(button).replace("&", "&&");
+}
+
+/// A text to be typed, and the script's own buttons.
+Dialogs::Answer askText(QWidget& over, const Dialogs::Question& question) {
   Dialogs::Answer answer;
-  if (question.wantsText) {
-    bool isDone = false;
-    const QString text =
-        QInputDialog::getText(&over, plain(question.title), plain(question.message),
-                              QLineEdit::Normal, plain(question.text), &isDone);
-    answer.text = text.toStdString();
-    if (isDone)
-      answer.button = !question.defaultButton.empty() ? question.defaultButton
-                      : question.buttons.empty()      ? std::string("OK")
-                                                      : question.buttons.front();
-    return answer;
+  QDialog box(&over);
+  box.setObjectName("promptDialog");
+  box.setWindowTitle(plain(question.title));
+  auto* rows = new QVBoxLayout(&box);
+  rows->addWidget(new QLabel(plain(question.message), &box));
+  auto* field = new QLineEdit(plain(question.text), &box);
+  field->setObjectName("promptText");
+  field->selectAll();
+  rows->addWidget(field);
+  auto* line = new QHBoxLayout;
+  line->addStretch(1);
+  rows->addLayout(line);
+  const std::vector<std::string> labels =
+      question.buttons.empty() ? std::vector<std::string>{"Confirm"} : question.buttons;
+  for (const std::string& label : labels) {
+    auto* button = new QPushButton(labelOf(label), &box);
+    button->setObjectName(plain(label));
+    button->setDefault(label == question.defaultButton ||
+                       (question.defaultButton.empty() && label == labels.front()));
+    button->setAutoDefault(button->isDefault());
+    QObject::connect(button, &QPushButton::clicked, &box, [&answer, &box, label] {
+      answer.button = label;
+      box.accept();
+    });
+    line->addWidget(button);
   }
+  box.setMinimumWidth(280);
+  field->setFocus();
+  box.exec();
+  answer.text = field->text().toStdString();
+  return answer;
+}
+
+Dialogs::Answer ask(QWidget& over, const Dialogs::Question& question) {
+  if (question.wantsText) return askText(over, question);
+  Dialogs::Answer answer;
   QMessageBox box(QMessageBox::NoIcon, plain(question.title), plain(question.message),
                   QMessageBox::NoButton, &over);
   std::vector<std::pair<QPushButton*, std::string>> buttons;
   for (const std::string& label :
        question.buttons.empty() ? std::vector<std::string>{"Confirm"} : question.buttons) {
-    QPushButton* button = box.addButton(plain(label).replace("&", "&&"), QMessageBox::AcceptRole);
+    QPushButton* button = box.addButton(labelOf(label), QMessageBox::AcceptRole);
     button->setObjectName(plain(label));
     if (label == question.defaultButton) box.setDefaultButton(button);
     buttons.emplace_back(button, label);

@@ -142,7 +142,8 @@ ControlWidget makeBareSlider(const Control& control, const ControlAct& act, QWid
 }
 
 /// Label, field, slider and perhaps a button.
-ControlWidget makeSliderGroup(const Control& control, const ControlAct& act, QWidget* parent) {
+ControlWidget makeSliderGroup(const Control& control, const ControlAct& act,
+                              const std::function<void()>& pressed, QWidget* parent) {
   const Row row(parent);
   const bool isInt = isWhole(control);
   const auto range = std::make_shared<Range>(rangeOf(control));
@@ -153,8 +154,18 @@ ControlWidget makeSliderGroup(const Control& control, const ControlAct& act, QWi
   row.box->addWidget(field);
   row.box->addWidget(slider, 1);
   field->setVisible(control.isOn("field"));
-  return {row.widget, [row, field, slider, range](const Control& now) {
+  QPushButton* button = nullptr;
+  if (has(control, "buttonLabel")) {
+    button = new QPushButton(row.widget);
+    row.box->addWidget(button);
+    QObject::connect(button, &QPushButton::clicked, button, pressed);
+  }
+  return {row.widget, [row, field, slider, range, button](const Control& now) {
             row.syncLabel(now);
+            if (button) {
+              button->setText(labelText(now, "buttonLabel"));
+              button->setEnabled(now.isOn("enableButton"));
+            }
             *range = rangeOf(now);
             setNumber(*field, numberText(now, ui::asReal(now.value("value"))));
             syncSlider(*slider, *range, ui::asReal(now.value("value")));
@@ -275,12 +286,14 @@ ControlWidget makeOptionMenu(const Control&, const ControlAct& act, QWidget* par
 
 }  // namespace
 
-ControlWidget makeFieldWidget(const Control& control, const ControlAct& act, QWidget* parent) {
+ControlWidget makeFieldWidget(const Control& control, const ControlAct& act,
+                              const std::function<void()>& pressed, QWidget* parent) {
   const std::string_view type = control.type->name;
   if (type == "intField" || type == "floatField") return makeNumber(control, act, parent);
   if (type == "intSlider" || type == "floatSlider") return makeBareSlider(control, act, parent);
-  if (type == "intSliderGrp" || type == "floatSliderGrp" || type == "intSliderButtonGrp")
-    return makeSliderGroup(control, act, parent);
+  if (type == "intSliderGrp" || type == "floatSliderGrp" || type == "intSliderButtonGrp" ||
+      type == "floatSliderButtonGrp")
+    return makeSliderGroup(control, act, pressed, parent);
   if (type == "intFieldGrp" || type == "floatFieldGrp") return makeFieldGroup(control, act, parent);
   if (type == "checkBoxGrp")
     return makeButtonGroup<QCheckBox>(control, act, parent, "numberOfCheckBoxes", false);

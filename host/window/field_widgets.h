@@ -10,7 +10,8 @@ using ControlAct = std::function<void(const ui::Values& values, bool isDrag)>;
 
 /// Number fields, sliders, option menus and the groups of them with a label; without a widget for
 /// other kinds.
+/// @param pressed the button of a group that has one was pressed, which is no change of its value
 [[nodiscard]] ControlWidget makeFieldWidget(const ui::Control& control, const ControlAct& act,
-                                            QWidget* parent);
+                                            const std::function<void()>& pressed, QWidget* parent);
 
 }  // namespace host::window

@@ -17,6 +17,7 @@
 #include <QUrl>
 #include <algorithm>
 #include <array>
+#include <cstdio>
 
 #include "host/base/message_streams.h"
 #include "host/builtins/file/recovery.h"
@@ -75,6 +76,8 @@ MainWindow::MainWindow(Person& person) : person_(person) {
   recoveryDue_ = person_.session().loop().now() + recovery.intervalSeconds;
   recovery_.start(1000);
   looking_ = person_.looked.connect([this](Person::Parts parts) {
+    // What scripts print is there at once for whoever reads it, be it a file or a pipe.
+    std::fflush(stdout);
     tools_->follow();
     if ((parts & Person::kPanels) != 0) follow();
   });
@@ -221,7 +224,7 @@ void MainWindow::buildPanels() {
   undo_ = new UndoPanel(person_);
   scripts_ = new ScriptPanel(person_);
   scripts_->setObjectName("scriptEditor");
-  uvs_ = new UvView(person_);
+  uvs_ = new UvPanel(person_);
   std::vector<QDockWidget*> docks;
   docks.push_back(dock(outliner_, tr("Outliner"), Qt::LeftDockWidgetArea));
   docks.push_back(dock(undo_, tr("Undo"), Qt::LeftDockWidgetArea));
@@ -274,7 +277,7 @@ void MainWindow::buildFileMenu() {
       });
   });
   add(tr("Save Scene"), QKeySequence::Save, [this] { save(); });
-  add(tr("Save Scene As..."), QKeySequence::SaveAs, [this] { saveAs(); });
+  add(tr("Save Scene As..."), QKeySequence("Ctrl+Shift+S"), [this] { saveAs(); });
   file->addSeparator();
   add(tr("Import..."), {}, [this] {
     const QString name =
@@ -486,6 +489,12 @@ bool MainWindow::saveAs() {
   if (save()) return true;
   builtins::renameScene(context, before);
   return false;
+}
+
+bool MainWindow::event(QEvent* event) {
+  // A dialog takes the mouse away in the middle of a drag.
+  if (event->type() == QEvent::WindowBlocked) person_.letGo();
+  return QMainWindow::event(event);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

@@ -11,7 +11,7 @@
 #include "host/window/scene_panels.h"
 #include "host/window/script_panel.h"
 #include "host/window/tool_bar.h"
-#include "host/window/uv_view.h"
+#include "host/window/uv_panel.h"
 #include "host/window/work_bar.h"
 
 namespace host::window {
@@ -33,6 +33,7 @@ class MainWindow : public QMainWindow {
   bool saveAs();
 
  protected:
+  bool event(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
@@ -67,7 +68,7 @@ class MainWindow : public QMainWindow {
   AttributePanel* attributes_ = nullptr;
   UndoPanel* undo_ = nullptr;
   ScriptPanel* scripts_ = nullptr;
-  UvView* uvs_ = nullptr;
+  UvPanel* uvs_ = nullptr;
   QLabel* help_ = nullptr;
   ToolBar* tools_ = nullptr;
   QToolBar* shelfBar_ = nullptr;

@@ -1,5 +1,8 @@
 #include "host/window/menus.h"
 
+#include <QContextMenuEvent>
+#include <QMouseEvent>
+
 #include "host/ui/behaviours.h"
 #include "host/window/control_widget.h"
 #include "host/window/icons.h"
@@ -95,21 +98,68 @@ void fillMenuBar(Person& person, QMenuBar& bar, const Control& window) {
   }
 }
 
+namespace {
+
+/// The pop-up menu of a control for a button with those modifiers; null without one.
+const Control* popupOf(const Control& control, Qt::MouseButton button,
+                       Qt::KeyboardModifiers modifiers) {
+  const int number = button == Qt::LeftButton ? 1 : button == Qt::MiddleButton ? 2 : 3;
+  for (const auto& child : control.children) {
+    if (!child->isKind(Kind::Menu) || child->type->name != "popupMenu") continue;
+    const bool fits = ui::asInt(child->value("button")) == number &&
+                      child->isOn("ctrlModifier") == ((modifiers & Qt::ControlModifier) != 0) &&
+                      child->isOn("shiftModifier") == ((modifiers & Qt::ShiftModifier) != 0) &&
+                      child->isOn("altModifier") == ((modifiers & Qt::AltModifier) != 0);
+    if (fits) return child.get();
+  }
+  return nullptr;
+}
+
+/// Opens the menus of a control when a button goes down over its widget, before the widget sees it.
+class PopupOpener : public QObject {
+ public:
+  PopupOpener(Person& person, std::string path, QWidget& widget)
+      : QObject(&widget), person_(person), path_(std::move(path)) {
+    widget.installEventFilter(this);
+  }
+
+ protected:
+  bool eventFilter(QObject* object, QEvent* event) override {
+    auto& widget = static_cast<QWidget&>(*object);
+    if (event->type() == QEvent::MouseButtonPress) {
+      const auto& press = static_cast<const QMouseEvent&>(*event);
+      return openPopup(person_, path_, widget, press.button(), press.modifiers(),
+                       press.globalPosition().toPoint());
+    }
+    if (event->type() == QEvent::ContextMenu) {
+      const auto& asked = static_cast<const QContextMenuEvent&>(*event);
+      return asked.reason() == QContextMenuEvent::Keyboard &&
+             openPopup(person_, path_, widget, Qt::RightButton, {}, asked.globalPos());
+    }
+    return false;
+  }
+
+ private:
+  Person& person_;
+  std::string path_;
+};
+
+}  // namespace
+
+bool openPopup(Person& person, const std::string& path, QWidget& over, Qt::MouseButton button,
+               Qt::KeyboardModifiers modifiers, QPoint at) {
+  const auto found = treeOf(person).find(path);
+  const Control* popup = found ? popupOf(**found, button, modifiers) : nullptr;
+  if (!popup) return false;
+  auto* menu = new QMenu(&over);
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  fillWhenOpened(person, *menu, *popup);
+  menu->popup(at);
+  return true;
+}
+
 void givePopupMenu(Person& person, const Control& control, QWidget& widget) {
-  widget.setContextMenuPolicy(Qt::CustomContextMenu);
-  QObject::connect(&widget, &QWidget::customContextMenuRequested, &widget,
-                   [&person, &widget, path = ui::Tree::path(control)](const QPoint& at) {
-                     const auto found = treeOf(person).find(path);
-                     if (!found) return;
-                     for (const auto& child : (*found)->children) {
-                       if (!child->isKind(Kind::Menu)) continue;
-                       auto* menu = new QMenu(&widget);
-                       menu->setAttribute(Qt::WA_DeleteOnClose);
-                       fillWhenOpened(person, *menu, *child);
-                       menu->popup(widget.mapToGlobal(at));
-                       return;
-                     }
-                   });
+  new PopupOpener(person, ui::Tree::path(control), widget);
 }
 
 }  // namespace host::window

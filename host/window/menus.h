@@ -15,7 +15,11 @@ void fillWhenOpened(Person& person, QMenu& menu, const ui::Control& control);
 /// Gives a bar the menus of a window or menu layout, in order.
 void fillMenuBar(Person& person, QMenuBar& bar, const ui::Control& window);
 
-/// Lets the menus that belong to a control pop up over its widget.
+/// Lets the pop-up menus of a control open over its widget, each by the button and the modifiers
+/// that it asks for, before the widget acts itself.
 void givePopupMenu(Person& person, const ui::Control& control, QWidget& widget);
+/// Opens the pop-up menu that the control of a path has for that button. False without one.
+bool openPopup(Person& person, const std::string& path, QWidget& over, Qt::MouseButton button,
+               Qt::KeyboardModifiers modifiers, QPoint at);
 
 }  // namespace host::window

@@ -45,6 +45,10 @@ void Person::runNamed(const std::string& command) {
   lookSoon();
 }
 
+void Person::letGo() {
+  if (hand_.isDown()) (void)hand_.release(hand_.state().position);
+}
+
 void Person::undo() {
   const std::string name = session_.undo().undoName();
   const auto done = session_.dispatcher().undo();

@@ -34,6 +34,9 @@ class Person {
   void redo();
   /// The mouse and the keys in a view.
   [[nodiscard]] tools::Hand& hand() { return hand_; }
+  /// Ends a gesture where it is, when the button can't come up in its view any more: the view went,
+  /// or a dialog took the mouse away.
+  void letGo();
 
   /// Which parts of the window look at the session anew.
   enum Parts : std::uint8_t { kViews = 1, kPanels = 2, kAll = 3 };

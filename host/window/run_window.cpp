@@ -6,6 +6,8 @@
 #include <QTimer>
 #include <chrono>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 
 #include "host/cmd/loop.h"
 #include "host/window/dialogs.h"
@@ -45,6 +47,8 @@ class Stepper : public QObject {
   Connection looking_;
 };
 
+constexpr int kNoDisplay = 2;  ///< the exit status
+
 void makeDark(QApplication& application) {
   application.setStyle(QStyleFactory::create("Fusion"));
   QPalette palette;
@@ -65,6 +69,18 @@ void makeDark(QApplication& application) {
   application.setPalette(palette);
 }
 
+/// Without a display that lets itself be opened Qt ends the program by a signal; this says what is
+/// wrong and ends it as other failures to start do.
+void sayNoDisplay(QtMsgType type, const QMessageLogContext&, const QString& text) {
+  if (type != QtFatalMsg) return;
+  const QByteArray display = qgetenv("DISPLAY");
+  std::fprintf(stderr,
+               "qxmt: the display %s can't be opened for the window; run a script, -c or -i\n%s\n",
+               display.constData(), text.section('\n', 0, 0).toUtf8().constData());
+  std::fflush(nullptr);
+  std::_Exit(kNoDisplay);
+}
+
 bool hasDisplay() {
   const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
   return !platform.isEmpty() || !qEnvironmentVariableIsEmpty("DISPLAY") ||
@@ -74,7 +90,6 @@ bool hasDisplay() {
 }  // namespace
 
 int runWindow(cmd::Session& session) {
-  constexpr int kNoDisplay = 2;
   if (!hasDisplay()) {
     std::fprintf(stderr, "qxmt: there is no display for the window; run a script, -c or -i\n");
     return kNoDisplay;
@@ -82,7 +97,9 @@ int runWindow(cmd::Session& session) {
   int count = 1;
   char name[] = "qxmt";
   char* words[] = {name, nullptr};
+  const QtMessageHandler before = qInstallMessageHandler(sayNoDisplay);
   QApplication application(count, words);
+  qInstallMessageHandler(before);
   QApplication::setApplicationName("qxmt");
   makeDark(application);
   // As dense as tools with many controls are, and as wide as the tree's geometry counts on.

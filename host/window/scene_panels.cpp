@@ -13,6 +13,7 @@
 #include "host/cmd/plug_values.h"
 #include "host/edits/hierarchy.h"
 #include "host/edits/select.h"
+#include "host/window/typed_number.h"
 
 namespace host::window {
 namespace {
@@ -297,10 +298,9 @@ void AttributePanel::change(QTreeWidgetItem* item) {
       const mel::Value value(typed);
       return cmd::writeTyped(document.graph(), document.units(), *plug, "string", {&value, 1});
     }
-    bool isNumber = false;
-    const double number = QString::fromStdString(typed).toDouble(&isNumber);
-    if (!isNumber) return fail("{}: '{}' is no number.", name, typed);
-    return cmd::writeLeaf(document.graph(), document.units(), *plug, mel::Value(number));
+    const auto number = readTyped(typed, *plug->attribute(), document.units());
+    if (!number) return failWith(number.error());
+    return cmd::writeLeaf(document.graph(), document.units(), *plug, mel::Value(*number));
   });
 }
 

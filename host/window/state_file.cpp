@@ -35,6 +35,7 @@ StateFile::~StateFile() = default;
 
 bool StateFile::eventFilter(QObject* object, QEvent* event) {
   const bool isWindow = object->isWidgetType() && static_cast<QWidget*>(object)->isWindow();
+  if (event->type() == QEvent::FocusIn) soon_.start(0);
   if (isWindow && (event->type() == QEvent::Show || event->type() == QEvent::Hide ||
                    event->type() == QEvent::Move || event->type() == QEvent::Resize))
     soon_.start(20);
@@ -53,6 +54,9 @@ void StateFile::tell() {
       << plain(fmt::format("{}", fmt::join(person_.document().selection().names(), " ")))
       << "\ntool " << plain(work.toolbox.currentName()) << "\nmessage "
       << plain(person_.lastMessage).section('\n', 0, 0) << '\n';
+  if (const QWidget* focus = QApplication::focusWidget())
+    out << "focus " << focus->objectName() << '\n';
+  if (person_.hand().isDown()) out << "hand " << plain(person_.hand().panel()) << '\n';
   if (const QWidget* modal = QApplication::activeModalWidget())
     out << "modal " << (modal->objectName().isEmpty() ? "dialog" : modal->objectName()) << ' '
         << modal->windowTitle() << '\n';
@@ -63,7 +67,11 @@ void StateFile::tell() {
     if (widget->objectName().startsWith("qt_") || widget->objectName().contains(' ')) continue;
     if (const auto* view = dynamic_cast<const ViewWidget*>(widget)) {
       place(out, "view", *view);
-      out << "frames " << view->frameCount() << ' ' << view->lastFrame() << '\n';
+      out << "frames " << view->frameCount() << ' ' << view->lastFrame() << ' ' << view->latency()
+          << '\n';
+      if (!view->fault().empty())
+        out << "fault " << plain(view->panel()) << ' ' << plain(view->fault()).section('\n', 0, 0)
+            << '\n';
     } else if (++count < kMost) {
       place(out, "widget", *widget);
     }

@@ -13,8 +13,12 @@ namespace host::window {
 ///
 ///     looks N                   how often that was
 ///     hash H                    of the document
-///     undo NAME, selected NAMES, tool NAME, message TEXT, title TEXT
-///     frames N MILLISECONDS     pictures that views drew, and what the last took
+///     undo NAME, selected NAMES, tool NAME, message TEXT
+///     focus NAME                the widget that keys go to
+///     hand PANEL                the view in which a button is down
+///     frames N MS LATENCY       pictures that a view drew, what the last took, and how long after
+///                               the hand's last act it was on the screen
+///     fault PANEL TEXT          why a view shows no picture
 ///     view PANEL X Y W H        where views are on the screen
 ///     widget NAME X Y W H       where controls are, of all windows
 ///     modal NAME                the dialog that waits for an answer

@@ -11,6 +11,8 @@
 #include "host/builtins/uv/uv_picture.h"
 #include "host/edits/select.h"
 #include "host/mesh/adjacency.h"
+#include "host/mesh/shells.h"
+#include "host/nodes/uv_pins.h"
 #include "host/window/uv_pick.h"
 #include "host/workspace/materials.h"
 #include "host/workspace/workspace.h"
@@ -24,6 +26,21 @@ using workspace::workspaceOf;
 constexpr double kReach = 8;  // pixels
 const QColor kSelected(255, 190, 60);
 
+int setOf(const nodes::MeshItem& item) {
+  return std::max(item.mesh.currentUvSet(), 0);
+}
+
+/// Whether two readings of a mesh have one map: the same arrays, which nobody writes while both
+/// hold them.
+bool isSameMap(const nodes::MeshItem& a, const nodes::MeshItem& b, bool withPoints) {
+  if (!(a.path == b.path) || setOf(a) != setOf(b) || a.mesh.faceCount() != b.mesh.faceCount())
+    return false;
+  const mesh::UvSet &x = a.mesh.uvSet(setOf(a)), &y = b.mesh.uvSet(setOf(b));
+  if (x.points.data() != y.points.data() || x.cornerIds.data() != y.cornerIds.data()) return false;
+  if (withPoints && a.mesh.points().data() != b.mesh.points().data()) return false;
+  return a.mesh.sharesTopologyWith(b.mesh);
+}
+
 }  // namespace
 
 UvView::UvView(Person& person, QWidget* parent) : QWidget(parent), person_(person) {
@@ -32,21 +49,46 @@ UvView::UvView(Person& person, QWidget* parent) : QWidget(parent), person_(perso
   setAccessibleName("uvView");
 }
 
-void UvView::follow() {
+std::vector<nodes::MeshItem> UvView::meshesOfScene() const {
   scene::Document& document = person_.document();
-  shown_.clear();
-  if (auto items = nodes::meshItems(document.selection())) shown_ = std::move(*items);
+  std::vector<nodes::MeshItem> meshes;
+  if (auto items = nodes::meshItems(document.selection())) meshes = std::move(*items);
   // Meshes whose components may be picked stay in sight when none of these is selected.
   if (auto more = nodes::meshItems(document.hilite()))
     for (nodes::MeshItem& item : *more) {
       const bool isThere = std::ranges::any_of(
-          shown_, [&](const nodes::MeshItem& each) { return each.path == item.path; });
+          meshes, [&](const nodes::MeshItem& each) { return each.path == item.path; });
       item.components = {scene::Component(ComponentType::Uv)};
-      if (!isThere) shown_.push_back(std::move(item));
+      if (!isThere) meshes.push_back(std::move(item));
     }
-  std::erase_if(shown_, [](const nodes::MeshItem& item) { return item.mesh.uvSetCount() == 0; });
+  std::erase_if(meshes, [](const nodes::MeshItem& item) { return item.mesh.uvSetCount() == 0; });
+  return meshes;
+}
+
+void UvView::follow() {
+  std::vector<nodes::MeshItem> meshes = meshesOfScene();
+  const UvDisplay display = UvDisplay::read(person_.session().optionVars());
+  std::vector<std::vector<float>> pins;
+  for (const nodes::MeshItem& item : meshes)
+    pins.push_back(display.pins ? nodes::uvPins(*item.path.node(), item.mesh, setOf(item))
+                                : std::vector<float>());
+  // A map of many faces is not drawn anew for everything that is done in the scene.
+  const bool isSame = display == display_ && !display.texture && pins == pins_ &&
+                      std::ranges::equal(meshes, shown_, [&](const auto& a, const auto& b) {
+                        return isSameMap(a, b, display.fill == UvDisplay::Fill::Stretch);
+                      });
+  shown_ = std::move(meshes);
+  pins_ = std::move(pins);
+  display_ = display;
   texture_ = QImage();
-  if (showsTexture_) readTexture();
+  if (display_.texture) readTexture();
+  if (!isSame) return redraw();
+  picture_ = QImage();
+  update();
+}
+
+void UvView::redraw() {
+  map_ = picture_ = QImage();
   update();
 }
 
@@ -72,16 +114,6 @@ void UvView::readTexture() {
   }
 }
 
-void UvView::showStretch(bool isOn) {
-  showsStretch_ = isOn;
-  update();
-}
-
-void UvView::showTexture(bool isOn) {
-  showsTexture_ = isOn;
-  follow();
-}
-
 QPointF UvView::toScreen(double u, double v) const {
   return {width() / 2.0 + (u - center_.x()) * height() / span_,
           height() / 2.0 - (v - center_.y()) * height() / span_};
@@ -93,29 +125,53 @@ QPointF UvView::toUv(const QPointF& at) const {
 }
 
 void UvView::paintEvent(QPaintEvent*) {
-  QPainter painter(this);
-  painter.fillRect(rect(), QColor(52, 55, 60));
   if (width() < 2 || height() < 2) return;
-  const QRectF unit(toScreen(0, 1), toScreen(1, 0));
-  if (!texture_.isNull()) {
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(unit, texture_);
+  if (map_.isNull()) map_ = drawMap();
+  if (picture_.isNull()) {
+    picture_ = map_;
+    QPainter over(&picture_);
+    over.setRenderHint(QPainter::Antialiasing);
+    for (const nodes::MeshItem& item : shown_)
+      if (!item.isObject()) drawSelected(over, item, setOf(item));
   }
-  painter.setPen(QColor(80, 84, 90));
-  for (int i = 0; i <= 10 && texture_.isNull(); ++i) {
-    painter.drawLine(toScreen(i / 10.0, 0), toScreen(i / 10.0, 1));
-    painter.drawLine(toScreen(0, i / 10.0), toScreen(1, i / 10.0));
-  }
-  drawMeshes(painter);
-  painter.setPen(QColor(170, 175, 185));
-  painter.drawRect(unit);
+  QPainter painter(this);
+  painter.drawImage(0, 0, picture_);
   if (band_) {
     painter.setPen(QPen(Qt::white, 1, Qt::DashLine));
     painter.drawRect(band_->normalized());
   }
 }
 
-void UvView::drawMeshes(QPainter& painter) {
+/// What lies below the map: a grid of tenths, squares, or the texture.
+void UvView::drawGround(QPainter& painter) const {
+  painter.fillRect(rect(), QColor(52, 55, 60));
+  const QRectF unit(toScreen(0, 1), toScreen(1, 0));
+  if (!texture_.isNull()) {
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(unit, texture_);
+    return;
+  }
+  constexpr int kSquares = 10;
+  const auto at = [](int i) { return static_cast<double>(i) / kSquares; };
+  if (display_.checker) {
+    for (int row = 0; row < kSquares; ++row)
+      for (int column = 0; column < kSquares; ++column)
+        painter.fillRect(
+            QRectF(toScreen(at(column), at(row + 1)), toScreen(at(column + 1), at(row))),
+            (row + column) % 2 == 0 ? QColor(70, 73, 79) : QColor(112, 116, 123));
+    return;
+  }
+  painter.setPen(QColor(80, 84, 90));
+  for (int i = 0; i <= kSquares; ++i) {
+    painter.drawLine(toScreen(at(i), 0), toScreen(at(i), 1));
+    painter.drawLine(toScreen(0, at(i)), toScreen(1, at(i)));
+  }
+}
+
+QImage UvView::drawMap() const {
+  QImage all(size(), QImage::Format_RGB32);
+  QPainter painter(&all);
+  drawGround(painter);
   using Fill = builtins::UvPictureOptions::Fill;
   builtins::UvPictureOptions options;
   options.width = width();
@@ -126,22 +182,65 @@ void UvView::drawMeshes(QPainter& painter) {
   options.uMax = high.x();
   options.vMin = low.y();
   options.vMax = high.y();
-  options.fill = showsStretch_ ? Fill::Stretch : texture_.isNull() ? Fill::Shells : Fill::None;
+  options.fill = display_.fill == UvDisplay::Fill::Stretch ? Fill::Stretch
+                 : display_.fill == UvDisplay::Fill::None  ? Fill::None
+                                                           : Fill::Shells;
   io::Image image;
   for (const nodes::MeshItem& item : shown_) {
-    const int set = std::max(item.mesh.currentUvSet(), 0);
+    const int set = setOf(item);
     if (image.rgba.empty())
       image = builtins::drawUvs(item.mesh, set, options);
     else
       builtins::drawUvsOver(image, item.mesh, set, options);
   }
-  if (!image.rgba.empty())
+  if (!image.rgba.empty()) {
+    // What lies below stays in sight through filled faces.
+    const bool hasGround = display_.checker || !texture_.isNull();
+    if (hasGround && options.fill != Fill::None) painter.setOpacity(0.55);
     painter.drawImage(0, 0,
                       QImage(image.rgba.data(), image.width, image.height, 4 * image.width,
                              QImage::Format_RGBA8888));
+    painter.setOpacity(1);
+  }
   painter.setRenderHint(QPainter::Antialiasing);
-  for (const nodes::MeshItem& item : shown_)
-    if (!item.isObject()) drawSelected(painter, item, std::max(item.mesh.currentUvSet(), 0));
+  painter.setPen(QColor(170, 175, 185));
+  painter.drawRect(QRectF(toScreen(0, 1), toScreen(1, 0)));
+  for (std::size_t i = 0; i < shown_.size(); ++i) {
+    const mesh::UvSet& set = shown_[i].mesh.uvSet(setOf(shown_[i]));
+    if (set.cornerIds.empty()) continue;
+    if (display_.borders) drawBorders(painter, shown_[i], setOf(shown_[i]));
+    drawPins(painter, set, pins_[i]);
+  }
+  return all;
+}
+
+void UvView::drawBorders(QPainter& painter, const nodes::MeshItem& item, int uvSet) const {
+  const mesh::UvSet& set = item.mesh.uvSet(uvSet);
+  const mesh::Adjacency& adjacency = item.mesh.adjacency();
+  const auto place = [&](CornerId c) -> std::optional<QPointF> {
+    const UvId id = set.cornerIds[static_cast<std::size_t>(c)];
+    if (id < 0) return std::nullopt;
+    const auto& uv = set.points[static_cast<std::size_t>(id)];
+    return toScreen(uv.u, uv.v);
+  };
+  painter.setPen(QPen(QColor(235, 240, 250), 2));
+  for (const EdgeId e : mesh::uvBorderEdges(item.mesh, uvSet))
+    for (const CornerId c : adjacency.edgeCorners(e)) {
+      const auto a = place(c), b = place(adjacency.nextCorner(c));
+      if (a && b) painter.drawLine(*a, *b);
+    }
+}
+
+void UvView::drawPins(QPainter& painter, const mesh::UvSet& set,
+                      const std::vector<float>& pins) const {
+  painter.setPen(QPen(QColor(30, 35, 45), 1));
+  for (std::size_t i = 0; i < pins.size() && i < set.points.size(); ++i) {
+    if (!(pins[i] > 0)) continue;
+    // A dot as full as the pin is firm.
+    painter.setBrush(QColor(90, 200, 255, 90 + static_cast<int>(165 * std::min(pins[i], 1.0f))));
+    painter.drawEllipse(toScreen(set.points[i].u, set.points[i].v), 4, 4);
+  }
+  painter.setBrush(Qt::NoBrush);
 }
 
 void UvView::drawSelected(QPainter& painter, const nodes::MeshItem& item, int uvSet) const {
@@ -202,7 +301,7 @@ void UvView::wheelEvent(QWheelEvent* event) {
   const QPointF before = toUv(event->position());
   span_ = std::clamp(span_ * std::pow(0.999, event->angleDelta().y()), 1e-4, 1e3);
   center_ += before - toUv(event->position());
-  update();
+  redraw();
 }
 
 void UvView::mousePressEvent(QMouseEvent* event) {
@@ -220,7 +319,7 @@ void UvView::mouseMoveEvent(QMouseEvent* event) {
   const QPointF by = event->position() - grabbed_;
   grabbed_ = event->position();
   center_ += QPointF(-by.x(), by.y()) * span_ / height();
-  update();
+  redraw();
 }
 
 void UvView::mouseReleaseEvent(QMouseEvent* event) {
@@ -248,7 +347,7 @@ void UvView::pick(const QRectF& frame, bool isClick, Qt::KeyboardModifiers modif
   const UvRect rect{low.x(), high.x(), low.y(), high.y()};
   scene::SelectionList list;
   for (const nodes::MeshItem& item : shown_) {
-    const int set = std::max(item.mesh.currentUvSet(), 0);
+    const int set = setOf(item);
     std::vector<Index> ids;
     if (!isClick) {
       ids = uvComponentsIn(item.mesh, set, type, rect);
@@ -285,7 +384,7 @@ void UvView::frameAll() {
   double low[2] = {0, 0}, high[2] = {1, 1};
   bool isFirst = true;
   for (const nodes::MeshItem& item : shown_)
-    for (const auto& uv : item.mesh.uvSet(std::max(item.mesh.currentUvSet(), 0)).points) {
+    for (const auto& uv : item.mesh.uvSet(setOf(item)).points) {
       const double place[2] = {uv.u, uv.v};
       for (int i = 0; i < 2; ++i) {
         low[i] = isFirst ? place[i] : std::min(low[i], place[i]);
@@ -296,25 +395,42 @@ void UvView::frameAll() {
   center_ = {(low[0] + high[0]) / 2, (low[1] + high[1]) / 2};
   const double across = (high[0] - low[0]) * height() / std::max(width(), 1);
   span_ = std::clamp(1.15 * std::max(across, high[1] - low[1]), 1e-4, 1e3);
-  update();
+  redraw();
+}
+
+void UvView::fillShowMenu(QMenu& menu) {
+  cmd::OptionVars& kept = person_.session().optionVars();
+  const auto add = [&](const QString& name, bool isOn, auto set) {
+    QAction* action = menu.addAction(name);
+    action->setCheckable(true);
+    action->setChecked(isOn);
+    connect(action, &QAction::triggered, this, [this, &kept, set](bool isNowOn) {
+      UvDisplay display = UvDisplay::read(kept);
+      set(display, isNowOn);
+      display.store(kept);
+      person_.lookSoon(Person::kPanels);
+    });
+  };
+  using Fill = UvDisplay::Fill;
+  const UvDisplay now = UvDisplay::read(kept);
+  add(tr("Shells"), now.fill == Fill::Shells,
+      [](UvDisplay& d, bool isOn) { d.fill = isOn ? Fill::Shells : Fill::None; });
+  add(tr("Stretch"), now.fill == Fill::Stretch,
+      [](UvDisplay& d, bool isOn) { d.fill = isOn ? Fill::Stretch : Fill::None; });
+  menu.addSeparator();
+  add(tr("Borders"), now.borders, [](UvDisplay& d, bool isOn) { d.borders = isOn; });
+  add(tr("Pins"), now.pins, [](UvDisplay& d, bool isOn) { d.pins = isOn; });
+  menu.addSeparator();
+  add(tr("Texture"), now.texture, [](UvDisplay& d, bool isOn) { d.texture = isOn; });
+  add(tr("Checker"), now.checker, [](UvDisplay& d, bool isOn) { d.checker = isOn; });
+  menu.addSeparator();
+  connect(menu.addAction(tr("Frame All")), &QAction::triggered, this, [this] { frameAll(); });
 }
 
 void UvView::contextMenuEvent(QContextMenuEvent* event) {
   QMenu menu(this);
-  const auto toggle = [&](const QString& name, bool isOn) {
-    QAction* action = menu.addAction(name);
-    action->setCheckable(true);
-    action->setChecked(isOn);
-    return action;
-  };
-  const QAction* stretch = toggle(tr("Stretch"), showsStretch_);
-  const QAction* texture = toggle(tr("Texture"), showsTexture_);
-  const QAction* frame = menu.addAction(tr("Frame All"));
-  const QAction* chosen = menu.exec(event->globalPos());
-  if (!chosen) return;
-  if (chosen == stretch) showStretch(stretch->isChecked());
-  if (chosen == texture) showTexture(texture->isChecked());
-  if (chosen == frame) frameAll();
+  fillShowMenu(menu);
+  menu.exec(event->globalPos());
 }
 
 }  // namespace host::window

@@ -8,8 +8,10 @@
 #include <array>
 #include <chrono>
 #include <cmath>
+#include <utility>
 
 #include "host/base/messages.h"
+#include "host/window/menus.h"
 #include "host/workspace/workspace.h"
 
 namespace host::window {
@@ -26,6 +28,11 @@ tools::MouseButton buttonFor(Qt::MouseButton button) {
   if (button == Qt::MiddleButton) return tools::MouseButton::Middle;
   if (button == Qt::RightButton) return tools::MouseButton::Right;
   return tools::MouseButton::Left;
+}
+
+double millisecondsSince(std::chrono::steady_clock::time_point begin) {
+  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin)
+      .count();
 }
 
 }  // namespace
@@ -81,7 +88,24 @@ ViewWidget::ViewWidget(Person& person, std::string panel, QWidget* parent)
   setAccessibleName(plain(panel_));
   looking_ = person_.looked.connect([this](Person::Parts parts) {
     if ((parts & Person::kViews) != 0) refresh();
+    followCursor();
   });
+}
+
+/// The pointer's shape is the current tool's.
+void ViewWidget::followCursor() {
+  // As plug-ins number them: the default, cross hairs, the double ones, edit, pencil, hand.
+  constexpr std::array<Qt::CursorShape, 6> kShapes = {Qt::ArrowCursor,   Qt::CrossCursor,
+                                                      Qt::CrossCursor,   Qt::IBeamCursor,
+                                                      Qt::UpArrowCursor, Qt::PointingHandCursor};
+  const auto& tool = workspaceOf(person_.session()).toolbox.current();
+  const auto id = static_cast<std::size_t>(tool ? tool->cursor : 0);
+  const Qt::CursorShape shape = kShapes[id < kShapes.size() ? id : 0];
+  if (cursor().shape() != shape) setCursor(shape);
+}
+
+void ViewWidget::hideEvent(QHideEvent*) {
+  if (person_.hand().panel() == panel_) person_.letGo();
 }
 
 void ViewWidget::refresh() {
@@ -108,8 +132,7 @@ void ViewWidget::render() {
                     QImage::Format_RGBA8888);
   picture_ = lent.convertToFormat(QImage::Format_RGB32);
   ++frameCount_;
-  lastFrame_ =
-      std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+  lastFrame_ = millisecondsSince(begin);
 }
 
 void ViewWidget::paintEvent(QPaintEvent*) {
@@ -122,6 +145,8 @@ void ViewWidget::paintEvent(QPaintEvent*) {
     return;
   }
   painter.drawImage(rect(), picture_);
+  if (acted_ != std::chrono::steady_clock::time_point{})
+    latency_ = millisecondsSince(std::exchange(acted_, {}));
   auto& work = workspaceOf(person_.session());
   const View* view = work.views.find(panel_);
   painter.setPen(QColor(235, 235, 235));
@@ -194,11 +219,16 @@ void ViewWidget::act(Act what, QPointF at, Qt::MouseButton button,
     }
     return hand.hover(place);
   };
+  acted_ = std::chrono::steady_clock::now();
   if (const auto done = perform(); !done) postMessage(MessageKind::Warning, done.error().message);
 }
 
 void ViewWidget::mousePressEvent(QMouseEvent* event) {
   setFocus();
+  const QPoint at = event->globalPosition().toPoint();
+  if (!person_.hand().isDown())
+    for (const std::string& owner : {panel_, std::string("viewPanes")})
+      if (openPopup(person_, owner, *this, event->button(), event->modifiers(), at)) return;
   // A second button of a gesture belongs to it.
   if (person_.hand().isDown()) return;
   if (!isPenDown_) forgetPen();

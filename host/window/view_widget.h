@@ -2,6 +2,7 @@
 
 #include <QImage>
 #include <QWidget>
+#include <chrono>
 #include <string>
 
 #include "host/window/person.h"
@@ -17,6 +18,10 @@ class ViewWidget : public QWidget {
   /// Pictures drawn so far, and what the last took, milliseconds.
   [[nodiscard]] std::uint64_t frameCount() const { return frameCount_; }
   [[nodiscard]] double lastFrame() const { return lastFrame_; }
+  /// Why there is no picture; empty when there is one.
+  [[nodiscard]] const std::string& fault() const { return fault_; }
+  /// From the last press, drag or hover until its picture was on the screen, milliseconds.
+  [[nodiscard]] double latency() const { return latency_; }
   /// The picture is out of date: it is drawn anew when it next shows.
   void refresh();
 
@@ -32,12 +37,14 @@ class ViewWidget : public QWidget {
   void keyPressEvent(QKeyEvent* event) override;
   void enterEvent(QEnterEvent*) override { setFocus(); }
   void leaveEvent(QEvent*) override;
+  void hideEvent(QHideEvent*) override;
 
  private:
   enum class Act { Press, Drag, Release, Hover };
   void act(Act what, QPointF at, Qt::MouseButton button, Qt::KeyboardModifiers modifiers);
   void render();
   void forgetPen();
+  void followCursor();
   void drawHeadsUpTexts(QPainter& painter) const;
 
   Person& person_;
@@ -48,7 +55,8 @@ class ViewWidget : public QWidget {
   bool isPenDown_ = false;
   bool isStale_ = true;
   std::uint64_t frameCount_ = 0;
-  double lastFrame_ = 0;
+  double lastFrame_ = 0, latency_ = 0;
+  std::chrono::steady_clock::time_point acted_;  ///< when the hand last did something; none: shown
 };
 
 /// The name that tools and hot keys know a key by; empty for modifiers alone.

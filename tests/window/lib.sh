@@ -30,7 +30,7 @@ clean_up() {
 
 fail() {
   echo "$(basename "$0"): $1"
-  tail -40 "$state" "$work/err" 2>/dev/null
+  tail -n 40 "$state" "$work/err" 2>/dev/null
   exit 1
 }
 
@@ -46,10 +46,10 @@ start() {
 until_true() {
   local what=$1
   shift
-  for _ in $(seq 300); do
+  for _ in $(seq 1500); do
     "$@" && return 0
     kill -0 "$program" 2>/dev/null || fail "the program ended while waiting: $what"
-    sleep 0.1
+    sleep 0.02
   done
   fail "$what"
 }
@@ -58,6 +58,17 @@ until_says() { until_true "$1" says "$2"; }
 silent() { ! says "$1"; }
 prints() { grep -q -- "$1" "$work/out" "$work/err"; }
 until_prints() { until_true "$1" prints "$2"; }
+
+# key_line KEY MEL: binds a key to a script, in the words that start the program.
+key_line() {
+  local text
+  text=$(sed 's/\\/\\\\/g; s/"/\\"/g' <<<"$2")
+  printf 'nameCommand -c "%s" test_%s; hotkey -k "%s" -n "test_%s";' "$text" "$1" "$1" "$1"
+}
+
+# How often the window has looked at what was done.
+looks() { awk '$1 == "looks" { print $2 }' "$state"; }
+looked_since() { [ -s "$state" ] && [ "$(looks)" -gt "$1" ]; }
 
 # Where a view or a widget is on the screen: its corner and its size.
 view() { awk -v name="$1" '$1 == "view" && $2 == name { print $3, $4, $5, $6 }' "$state"; }
@@ -71,7 +82,9 @@ click() {
 }
 # Keys go to what has the focus; there is no window manager that would give it.
 focus_view() {
-  local x y w h
+  local x y w h main
+  main=$(xdotool search --onlyvisible --name " - qxmt$" 2>/dev/null | tail -1 || true)
+  [ -z "$main" ] || xdotool windowfocus --sync "$main" 2>/dev/null || true
   read -r x y w h <<<"$(view "${1:-modelPanel4}")"
   xdotool mousemove $((x + w / 2)) $((y + 12))
 }
