@@ -36,6 +36,7 @@ StateFile::~StateFile() = default;
 bool StateFile::eventFilter(QObject* object, QEvent* event) {
   const bool isWindow = object->isWidgetType() && static_cast<QWidget*>(object)->isWindow();
   if (event->type() == QEvent::FocusIn) soon_.start(0);
+  if (event->type() == QEvent::Resize && dynamic_cast<const ViewWidget*>(object)) soon_.start(0);
   if (isWindow && (event->type() == QEvent::Show || event->type() == QEvent::Hide ||
                    event->type() == QEvent::Move || event->type() == QEvent::Resize))
     soon_.start(20);

@@ -136,7 +136,8 @@ void ViewWidget::render() {
 }
 
 void ViewWidget::paintEvent(QPaintEvent*) {
-  if (isStale_ && !person_.isBusy) render();
+  const bool isNew = isStale_ && !person_.isBusy;
+  if (isNew) render();
   QPainter painter(this);
   if (picture_.isNull()) {
     painter.fillRect(rect(), QColor(60, 63, 68));
@@ -145,7 +146,7 @@ void ViewWidget::paintEvent(QPaintEvent*) {
     return;
   }
   painter.drawImage(rect(), picture_);
-  if (acted_ != std::chrono::steady_clock::time_point{})
+  if (isNew && acted_ != std::chrono::steady_clock::time_point{})
     latency_ = millisecondsSince(std::exchange(acted_, {}));
   auto& work = workspaceOf(person_.session());
   const View* view = work.views.find(panel_);

@@ -30,7 +30,12 @@ void togglePanes(Workspace& workspace) {
   if (!panes) return;
   const bool wasSingle = panes->text("configuration") == "single";
   if (!wasSingle) {
-    // The active one and the one in the first place change places.
+    // The one under the pointer, else the active one, and the one in the first place change places.
+    for (const View& view : workspace.views.all())
+      if (view.hasCursor) {
+        workspace.views.setActive(view.panel);
+        break;
+      }
     const std::string active = workspace.views.active().panel;
     const std::string first = panelIn(workspace, *panes, 1);
     for (int i = 2; i <= 4; ++i)

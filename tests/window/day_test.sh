@@ -6,7 +6,7 @@ set -euo pipefail
 source "$(dirname "$0")/lib.sh"
 open_screen "$1"
 
-start -c 'polyPlane -n p -w 6 -h 6 -sx 6 -sy 6 -ch 0; viewFit -all; select -cl; modelingWindow_QXMT_Proc; file -mf 0' \
+start -c 'polyPlane -n p -w 6 -h 6 -sx 6 -sy 6 -ch 0; viewFit -all; select -cl; modelingWindow_QXMT_Proc; window -e -topLeftCorner 70 770 qx_modeling_ui; file -mf 0' \
   -c "$(key_line j 'select -r p.vtx[21:27]; move -r 0 0.7 0 p.vtx[23]; warning("ready")')" \
   -c "$(key_line k 'float $p[] = `pointPosition p.vtx[23]`; warning("height " + $p[1]); warning("intensity " + `intField -q -v intensity_QXMT_IF`)')" \
   -c "$(key_line l 'string $s[] = `ls -type transform "p*"`; warning("objects " + size($s))')"
@@ -14,7 +14,7 @@ focus_view
 xdotool key j
 until_prints "a vertex is lifted" "ready"
 click qxStraightenCmd_Straighten_QXMT_B
-until_says "the button runs the command" "^undo qxStraighten"
+until_says "the button runs the command" "^undo straighten_QXMT_Proc"
 click intensity_QXMT_IF
 until_says "the field has the keys" "^focus intensity_QXMT_IF"
 xdotool key ctrl+a
@@ -33,7 +33,7 @@ xdotool mousemove $((x + 30)) $((y + 24)) click 1
 until_says "a click in the list takes steps back" "^undo select -r p.vtx"
 focus_view
 xdotool key k
-until_prints "the vertex stands as before" "height 0.7"
+until_prints "the vertex stands as before" "height 0.[67]"
 
 # A menu of the window by its keys, and a name typed into its dialog.
 xdotool key ctrl+shift+s

@@ -30,6 +30,10 @@ start -c 'polyCube -n box -w 4 -h 4 -d 4; viewFit -all; select -r box; file -mf 
   -c "$(key_line i 'modelingWindow_QXMT_Proc; uvWindow_QXMT_Proc; enterTool_QXMT_Proc("modelingContext")')" \
   -c "$(key_line m 'confirmDialog -title Middle -message "in a drag" -button Fine; warning("went on")')"
 
+size_of() { awk '$1 == "view" && $2 == "modelPanel4" { print $5 }' "$state"; }
+is_wider() { [ "$(size_of)" -gt "$1" ] 2>/dev/null; }
+is_narrower() { [ "$(size_of)" -lt "$1" ] 2>/dev/null; }
+
 # A script deletes the window that it runs in.
 focus_view
 xdotool key j
@@ -68,6 +72,7 @@ until_says "what was dragged can be taken back" "^undo move"
 focus_view
 xdotool key space
 until_says "four views" "^view modelPanel1"
+until_true "side by side" is_narrower 600
 begin_drag
 xdotool key n
 until_true "the view that is dragged in goes" silent "^view modelPanel4"
@@ -76,10 +81,12 @@ xdotool mousemove_relative 20 0 mouseup 2
 until_says "what was dragged can be taken back" "^undo move"
 focus_view modelPanel1
 xdotool key space
-until_says "its view comes back" "^view modelPanel4"
+until_true "its view comes back" is_narrower 600
 focus_view
+until_says "the pointer is over it" "^focus modelPanel4"
 xdotool key space
 until_true "alone" silent "^view modelPanel1"
+until_true "and large" is_wider 600
 
 # Another scene in the middle of a drag of a tool.
 begin_drag
@@ -102,9 +109,6 @@ until_says "the scene is as it was" "^selected ball"
 
 # A window of one pixel, and one of five screens.
 main=$(xdotool search --onlyvisible --name " - qxmt$" | tail -1)
-size_of() { awk '$1 == "view" && $2 == "modelPanel4" { print $5 }' "$state"; }
-is_wider() { [ "$(size_of)" -gt "$1" ] 2>/dev/null; }
-is_narrower() { [ "$(size_of)" -lt "$1" ] 2>/dev/null; }
 before=$(size_of)
 xdotool windowsize "$main" 1 1
 until_true "a window of one pixel is as small as its panels let it" is_narrower "$before"

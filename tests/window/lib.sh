@@ -30,7 +30,8 @@ clean_up() {
 
 fail() {
   echo "$(basename "$0"): $1"
-  tail -n 40 "$state" "$work/err" 2>/dev/null
+  grep -v "^widget" "$state" 2>/dev/null
+  tail -n 30 "$work/err" 2>/dev/null
   exit 1
 }
 
