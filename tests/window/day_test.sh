@@ -9,7 +9,7 @@ open_screen "$1"
 start -c 'polyPlane -n p -w 6 -h 6 -sx 6 -sy 6 -ch 0; viewFit -all; select -cl; modelingWindow_QXMT_Proc; window -e -topLeftCorner 70 770 qx_modeling_ui; file -mf 0' \
   -c "$(key_line j 'select -r p.vtx[21:27]; move -r 0 0.7 0 p.vtx[23]; warning("ready")')" \
   -c "$(key_line k 'float $p[] = `pointPosition p.vtx[23]`; warning("height " + $p[1]); warning("intensity " + `intField -q -v intensity_QXMT_IF`)')" \
-  -c "$(key_line l 'string $s[] = `ls -type transform "p*"`; warning("objects " + size($s))')"
+  -c "$(key_line l 'string $s[] = `ls p p1`; warning("objects " + size($s))')"
 focus_view
 xdotool key j
 until_prints "a vertex is lifted" "ready"
@@ -37,7 +37,7 @@ until_prints "the vertex stands as before" "height 0.[67]"
 
 # A menu of the window by its keys, and a name typed into its dialog.
 xdotool key ctrl+shift+s
-until_says "a name is asked for" "^modal .*Save As"
+until_modal "a name is asked for" ".*Save As"
 xdotool type "$work/day.ma"
 xdotool key Return
 until_true "the scene is saved" test -s "$work/day.ma"
@@ -50,7 +50,7 @@ xdotool key ctrl+d
 until_says "a copy" "^undo duplicate"
 focus_view
 xdotool key ctrl+q
-until_says "unsaved work is asked for" "^modal .*Unsaved changes"
+until_modal "unsaved work is asked for" ".*Unsaved changes"
 xdotool key Escape
 until_true "Escape stays" silent "^modal"
 focus_view
@@ -58,7 +58,7 @@ xdotool key l
 until_prints "with the work in place" "objects 2"
 focus_view
 xdotool key ctrl+q
-until_says "it is asked for again" "^modal .*Unsaved changes"
+until_modal "it is asked for again" ".*Unsaved changes"
 xdotool key alt+s
 until_ended
 [ "$status" = 0 ] || fail "the window ended with status $status"

@@ -71,6 +71,16 @@ key_line() {
 looks() { awk '$1 == "looks" { print $2 }' "$state"; }
 looked_since() { [ -s "$state" ] && [ "$(looks)" -gt "$1" ]; }
 
+# until_modal WHAT PATTERN: a dialog waits, and keys go to it.
+until_modal() {
+  until_says "$1" "^modal $2"
+  until_true "$1: keys go to it" keys_leave_main
+}
+# What the window believes of its focus may be ahead of the screen.
+keys_leave_main() {
+  silent "^focus modelPanel" && ! xdotool getwindowfocus getwindowname 2>/dev/null | grep -q " - qxmt$"
+}
+
 # Where a view or a widget is on the screen: its corner and its size.
 view() { awk -v name="$1" '$1 == "view" && $2 == name { print $3, $4, $5, $6 }' "$state"; }
 widget() { awk -v name="$1" '$1 == "widget" && $2 == name { print $3, $4, $5, $6; exit }' "$state"; }

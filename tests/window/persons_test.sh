@@ -19,40 +19,40 @@ focus_view
 
 # A confirmation is a real dialog; its button's name comes back.
 xdotool key j
-until_says "the question is asked" "^modal .*Sure"
+until_modal "the question is asked" ".*Sure"
 click Yes
 until_prints "and answered" "answer Yes"
 
 # A prompt gives back what is typed; Escape is the button that dismisses.
 focus_view
 xdotool key y
-until_says "a text is asked for" "^modal .*Name it"
+until_modal "a text is asked for" ".*Name it"
 xdotool key ctrl+a
 xdotool type 'a "name"'
 xdotool key Return
 until_prints "and given" 'prompt OK a "name"'
 focus_view
 xdotool key y
-until_says "it is asked for again" "^modal .*Name it"
+until_modal "it is asked for again" ".*Name it"
 xdotool key Escape
 until_prints "and dismissed" "prompt No"
 
 # Files: one to write that is typed, and one that is there.
 focus_view
 xdotool key v
-until_says "a file is asked for" "^modal fileDialog Put it there"
+until_modal "a file is asked for" "fileDialog Put it there"
 xdotool type "$work/some file.ma"
 xdotool key Return
 until_prints "its name comes back" "file 1 $work/some file.ma"
 focus_view
 xdotool key b
-until_says "one that is there is asked for" "^modal fileDialog Which"
+until_modal "one that is there is asked for" "fileDialog Which"
 xdotool type "$work/nothing.ma"
 xdotool key Return
 until_true "one that is not there is told of" says "^modal [^f]"
 xdotool key Return
 until_says "and the dialog goes on" "^modal fileDialog"
-xdotool key Escape
+xdotool windowfocus --sync "$(xdotool search --onlyvisible --name "^Which$" | tail -1)" key Escape
 until_prints "nothing is chosen" "files 0"
 
 # A dialog of a script's own controls.
@@ -108,7 +108,7 @@ wait "$program" 2>/dev/null || true
 rm -f "$state"
 "$build/bin/qxmt" -w --no-module >"$work/out" 2>"$work/err" &
 program=$!
-until_says "the crash is told of" "^modal .*Recovery"
+until_modal "the crash is told of" ".*Recovery"
 dialog=$(xdotool search --name "Recovery" 2>/dev/null | tail -1 || true)
 for _ in $(seq 50); do
   silent "^modal" && break

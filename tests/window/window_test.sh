@@ -32,7 +32,7 @@ until_says "Ctrl+D makes a copy" "^undo duplicate"
 
 # Unsaved work is asked for; without it the window goes at once.
 xdotool key ctrl+q
-until_says "unsaved work is asked for" "^modal .*Unsaved changes"
+until_modal "unsaved work is asked for" ".*Unsaved changes"
 for _ in $(seq 100); do
   has_ended && break
   dialog=$(xdotool search --name "Unsaved changes" 2>/dev/null | tail -1 || true)
