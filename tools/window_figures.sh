@@ -15,7 +15,7 @@ has_frame() { [ -s "$state" ] && [ "$(frame | cut -d' ' -f1)" -gt "$1" ] 2>/dev/
 end_program() { kill "$program"; wait "$program" 2>/dev/null || true; program=0; }
 
 begin=$(milliseconds)
-start "$@" -c 'file -mf 0'
+start -c 'file -mf 0'
 until_true "the first picture" has_frame 0
 echo "start to the first picture, with the toolkit: $(($(milliseconds) - begin)) ms by the clock, $(cpu) ms CPU, $(memory) MB"
 sleep 1

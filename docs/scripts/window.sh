@@ -6,14 +6,15 @@ cd "$(dirname "$0")/../.."
 source tests/window/lib.sh
 folder=${2:-docs/images}
 open_screen "${1:-build/release}" 1440x900
-quiet_looks() { local before=$1; [ "$(looks)" = "$before" ]; }
-# shot NAME: once the window has nothing more to look at.
+drawn() { awk '$1 == "looks" || $1 == "frames" { print $1, $2 }' "$state"; }
+# shot NAME: once the window has nothing more to look at, and has drawn that.
 shot() {
-  local before
-  for _ in $(seq 100); do
-    before=$(looks)
-    sleep 0.3
-    quiet_looks "$before" && break
+  local before quiet=0
+  for _ in $(seq 200); do
+    before=$(drawn)
+    sleep 0.5
+    [ "$(drawn)" = "$before" ] && quiet=$((quiet + 1)) || quiet=0
+    [ $quiet -lt 4 ] || break
   done
   import -window root "$folder/$1.png"
   echo "$folder/$1.png"
@@ -24,8 +25,9 @@ fill_screen() {
   xdotool windowmove "$main" 0 0 windowsize "$main" 1440 900
   until_true "the window fills the screen" fills_screen
 }
-fills_screen() { [ "$(widget helpLine | awk '{ print $2 > 860 }')" = 1 ]; }
+fills_screen() { [ "$(widget helpLine | awk '{ print ($2 > 860) }')" = 1 ]; }
 scene() { start -c 'source "docs/scripts/windowScene.mel"' "$@" && fill_screen && focus_view && xdotool key 6; }
+is_wide() { [ "$(widget uvPanelDock | cut -d' ' -f3)" -gt 600 ]; }
 end_program() {
   kill "$program"
   wait "$program" 2>/dev/null || true
@@ -36,6 +38,7 @@ end_program() {
 scene
 xdotool key F2
 until_prints "the toolkit's windows open" "^windows open"
+until_says "and show" "^widget customUvWindow_QXMT "
 shot window
 end_program
 
@@ -49,9 +52,10 @@ end_program
 # The UV panel, wide: pins, borders and stretch over squares; the table of hot keys.
 scene -c 'qxmtDocsUvs'
 read -r x y _ h <<<"$(widget uvPanelDock)"
-xdotool mousemove $((x - 2)) $((y + h / 2)) mousedown 1 mousemove $((x - 200)) $((y + h / 2)) mousemove $((x - 420)) $((y + h / 2)) mouseup 1
+xdotool mousemove $((x - 3)) $((y + h / 2)) mousedown 1 mousemove $((x - 200)) $((y + h / 2)) sleep 1 mousemove $((x - 420)) $((y + h / 2)) sleep 2 mouseup 1
+until_true "the panel is wide" is_wide
 read -r x y w _ <<<"$(widget uvPanelDock)"
-xdotool mousemove $((x + w / 2)) $((y - 2)) mousedown 1 mousemove $((x + w / 2)) $((y - 100)) mousemove $((x + w / 2)) $((y - 260)) mouseup 1
+xdotool mousemove $((x + w / 2)) $((y - 3)) mousedown 1 mousemove $((x + w / 2)) $((y - 100)) sleep 1 mousemove $((x + w / 2)) $((y - 260)) sleep 2 mouseup 1
 focus_view
 shot window-uvs
 end_program

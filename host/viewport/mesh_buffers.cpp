@@ -213,15 +213,28 @@ bool sameSurface(const Mesh& a, const Mesh& b, SurfaceContent content) {
   return (!content.uvs || sameUvs()) && (!content.colors || sameColors());
 }
 
+/// The vertices that stand elsewhere in one of two meshes of the same faces: as the points were
+/// moved when that is known, else by looking at all of them, which still costs a small part of what
+/// new buffers do.
+std::vector<VertexId> movedBetween(const Mesh& before, const Mesh& now) {
+  if (auto told = mesh::movedSince(now, before)) return std::move(*told);
+  const std::span<const mesh::Vec3f> from = before.points(), to = now.points();
+  std::vector<VertexId> moved;
+  for (std::size_t i = 0; i < to.size(); ++i)
+    if (!(from[i] == to[i])) moved.emplace_back(static_cast<Index>(i));
+  return moved;
+}
+
 }  // namespace
 
 /// Mends the buffers where vertices have moved, when that is all that has happened and less work
 /// than building them anew.
 bool MeshDrawCache::Entry::mend(const Mesh& now, SurfaceContent wanted) {
   if (wanted != content || !sameSurface(now, mesh, content)) return false;
-  const auto moved = mesh::movedSince(now, mesh);
-  if (!moved || moved->size() > now.points().size() / 4) return false;
-  if (!patcher.patch(mesh, now, *moved, content, buffers)) return false;
+  if (now.points().size() != mesh.points().size()) return false;
+  const std::vector<VertexId> moved = movedBetween(mesh, now);
+  if (moved.size() > now.points().size() / 4) return false;
+  if (!patcher.patch(mesh, now, moved, content, buffers)) return false;
   mesh = now;
   return true;
 }

@@ -63,6 +63,9 @@ MainWindow::MainWindow(Person& person) : person_(person) {
   setAcceptDrops(true);
   setObjectName("MayaWindow");
   setDockOptions(AnimatedDocks | AllowTabbedDocks | AllowNestedDocks);
+  // Pictures show the ground grid when they are told to; a view to work in shows it from the start.
+  for (workspace::View& view : workspaceOf(person_.session()).views.all())
+    view.options.grid.visible = true;
   buildViews();
   buildShelf();
   buildPanels();
@@ -237,6 +240,15 @@ void MainWindow::buildPanels() {
   QAction* four = panelsMenu_->addAction(tr("One or Four Views"));
   four->setShortcut({});
   connect(four, &QAction::triggered, this, [this] { person_.runNamed("PanePopNameCommand"); });
+  QAction* grid = panelsMenu_->addAction(tr("Grid"));
+  grid->setCheckable(true);
+  connect(panelsMenu_, &QMenu::aboutToShow, this, [this, grid] {
+    grid->setChecked(workspaceOf(person_.session()).views.active().options.grid.visible);
+  });
+  connect(grid, &QAction::triggered, this, [this](bool isOn) {
+    workspaceOf(person_.session()).views.active().options.grid.visible = isOn;
+    person_.lookSoon(Person::kViews);
+  });
   panelsMenu_->addSeparator();
   for (QDockWidget* each : docks) panelsMenu_->addAction(each->toggleViewAction());
 

@@ -65,7 +65,7 @@ void makeDark(QApplication& application) {
   palette.setColor(QPalette::Highlight, QColor(76, 128, 190));
   palette.setColor(QPalette::HighlightedText, Qt::white);
   for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-    palette.setColor(QPalette::Disabled, role, QColor(125, 128, 132));
+    palette.setColor(QPalette::Disabled, role, QColor(152, 155, 160));
   application.setPalette(palette);
 }
 
