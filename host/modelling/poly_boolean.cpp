@@ -1,3 +1,4 @@
+#include "host/base/cancel_poll.h"
 #include "host/base/messages.h"
 #include "host/mesh/normals.h"
 #include "host/modelling/declare/joined_parts.h"
@@ -62,10 +63,11 @@ Result<scene::MeshDataPtr> join(const std::vector<JoinedPart>& parts, const Sett
     groups.add(*parts[i].data);
     const std::vector<ops::UnitePart> pair{{result->mesh, {}},
                                            {parts[i].data->mesh, parts[i].space}};
-    const auto united = ops::unite(pair);
+    const auto united = cancellable([&] { return ops::unite(pair); });
     if (!united) return failWith(united.error());
     const mesh::ProvenanceTrail trail(*united);
-    auto joined = ops::booleanOf(*united, result->mesh.faceCount(), settings.operation);
+    auto joined = cancellable(
+        [&] { return ops::booleanOf(*united, result->mesh.faceCount(), settings.operation); });
     if (!joined) return failWith(joined.error());
     HOST_TRY(cleanUp(*joined, settings));
     auto carried = nodes::carriedGroups(groups.finish(), *joined, trail.to(*joined));

@@ -293,3 +293,34 @@ TEST_CASE("toolkit menu: every item does what it says, and every option box open
   CHECK(tried.size() == std::size(kItems));
   CHECK(opened.size() == std::size(kOptionBoxes));
 }
+
+TEST_CASE("option windows: Apply does it, Close closes, and the third does both") {
+  struct optionWindow {
+    const char *name, *before, *after;
+  };
+  const optionWindow windows[] = {
+      {"straightenOptions_QXMT", "bent", "isAt(\"shape.vtx[1]\", 0.5, 0, 0.5)"},
+      {"smoothOptions_QXMT", kCube, "`polyEvaluate -f shape1` == 6 * 4 * 4 * 4 * 4"}};
+  pressedScene scene;
+  for (const optionWindow& each : windows) {
+    CAPTURE(each.name);
+    const std::string name = each.name;
+    for (const char* button : {"_Apply_B", "_ApplyClose_B", "_Close_B"}) {
+      CAPTURE(button);
+      const host::MessageCapture said;
+      scene.begin(each.before);
+      scene.run(name + "_Proc");
+      scene.run(name == "smoothOptions_QXMT" ? "uiGesture -set 2 smoothDivisions_QXMT_IS"
+                                             : "uiGesture -set \"x\" straightenKeep_QXMT_OM");
+      scene.run("uiGesture -press " + name + button);
+      const bool closes = std::string(button) != "_Apply_B";
+      CHECK(scene.asked("window -ex " + name) == (closes ? "0" : "1"));
+      if (std::string(button) == "_Close_B")
+        CHECK(scene.asked("size(`ls -type mesh`)") == "1");
+      else
+        CHECK(scene.asked(each.after) == "1");
+      if (!closes) scene.run("uiGesture -press " + name + "_Close_B");
+    }
+  }
+  scene.run("resetOptions_QXMT_Proc");
+}

@@ -3,11 +3,17 @@
 
 #include <algorithm>
 
+#include "host/base/cancel_poll.h"
 #include "host/mesh/triangulate.h"
 #include "host/ops/boolean/face_triangles.h"
 #include "host/ops/boolean/planar_split.h"
 
 namespace host::ops {
+
+namespace {
+/// Rounds of a plain loop that one with exact numbers counts for, a power of two.
+constexpr std::size_t kExactWork = 16;
+}  // namespace
 
 Result<void> Arrangement::build(const mesh::Mesh& united, FaceId secondFrom) {
   mesh_ = &united;
@@ -18,7 +24,10 @@ Result<void> Arrangement::build(const mesh::Mesh& united, FaceId secondFrom) {
   buildTrees();
   findContacts();
   shareAcrossFlat();
-  for (std::size_t i = 0; i < cutTriangles_.size(); ++i) crossLines(cutTriangles_[i]);
+  for (std::size_t i = 0; i < cutTriangles_.size(); ++i) {
+    pollCancel(kExactWork * i);
+    crossLines(cutTriangles_[i]);
+  }
   splitFaces();
   return {};
 }
@@ -40,6 +49,7 @@ void Arrangement::buildTrees() {
     std::vector<Index> faces;
     std::vector<math::Box> boxes;
     for (FaceId f = firstFace(side); f < endFace(side); ++f) {
+      pollCancel(at(f));
       faces.push_back(f);
       boxes.push_back(boxOf(f));
     }
@@ -49,6 +59,7 @@ void Arrangement::buildTrees() {
 
 void Arrangement::findContacts() {
   for (FaceId f = 0; f < secondFrom_; ++f) {
+    pollCancel(kExactWork * at(f));
     std::vector<FaceId> others;
     trees_[1].forEachAt(boxOf(f), [&](FaceId other) { others.push_back(other); });
     std::sort(others.begin(), others.end());
@@ -154,6 +165,7 @@ void Arrangement::shareAcrossFlat() {
 
 void Arrangement::splitFaces() {
   for (FaceId f = 0; f < mesh_->faceCount(); ++f) {
+    pollCancel(kExactWork * at(f));
     const auto vertices = mesh_->faceVertices(f);
     bool splits = false;
     if (!edgePoints_.empty())

@@ -47,6 +47,7 @@ class Patches {
     const Mesh& mesh = arrangement_.mesh();
     const ExactPoints& points = arrangement_.points();
     for (EdgeId e = 0; e < mesh.edgeCount(); ++e) {
+      pollCancel(at(e));
       const PointId a = points.ofVertex(mesh.edge(e).a), b = points.ofVertex(mesh.edge(e).b);
       if (arrangement_.isContact(a, b)) continue;
       const auto faces = mesh.adjacency().edgeFaces(e);
