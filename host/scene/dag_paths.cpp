@@ -168,7 +168,13 @@ std::vector<DagPath> allPaths(const Node& node) {
                 fmt::format("'{}' stands in {} places: only the first {} are looked at",
                             node.name(), there, kMostPaths));
   paths.reserve(static_cast<std::size_t>(std::min(there, kMostPaths)));
-  for (std::uint64_t number = 0; number < std::min(there, kMostPaths); ++number) {
+  std::uint64_t number = 0;
+  // The first is known, as deep as it may be.
+  if (DagPath first = there > 0 ? firstPath(node) : DagPath(); !first.isWorld()) {
+    paths.push_back(std::move(first));
+    number = 1;
+  }
+  for (; number < std::min(there, kMostPaths); ++number) {
     std::vector<Node*> nodes{const_cast<Node*>(&node)};
     PathAbove above = pathAbove(node, number);
     while (above.isThere && above.parent) {
