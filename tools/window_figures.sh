@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Figures of the window for docs/performance.md: the real program on a virtual screen, on the software renderer. Clock times
 # of a machine with other work are upper bounds; CPU times stand beside them.
-# usage: tools/window_figures.sh [BINARY_DIR]
+# usage: [SIDES="100 316 1000"] [SAMPLES=12] tools/window_figures.sh [BINARY_DIR]
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source tests/window/lib.sh
@@ -33,7 +33,8 @@ until_says "the toolkit's window" "^widget qx_modeling_ui "
 echo "opening the toolkit's window: $(($(milliseconds) - begin)) ms by the clock, $(($(cpu) - before)) ms CPU"
 end_program
 
-for side in 100 316 1000; do
+samples=${SAMPLES:-12}
+for side in ${SIDES:-100 316 1000}; do
   start -c "polyPlane -n p -w 10 -h 10 -sx $side -sy $side -ch 0; select -r p; viewFit -all; setToolTo moveSuperContext; file -mf 0" \
     -c "$(key_line j 'hilite p; select -r p.vtx[0:9999]; setToolTo moveSuperContext')" \
     -c "$(key_line k 'select -cl; hilite p; selectMode -component; selectType -allComponents 0; selectType -facet 1; select -cl; enterTool_QXMT_Proc("modelingContext")')"
@@ -53,15 +54,15 @@ for side in 100 316 1000; do
     fi
     sleep 1
     times='' pictures=''
-    for i in $(seq 12); do
+    for i in $(seq "$samples"); do
       count=$(frame | cut -d' ' -f1)
       xdotool mousemove $((x + w / 2 + 7 * i)) $((y + h / 2 + 3 * i))
-      for _ in $(seq 200); do has_frame "$count" && break; sleep 0.02; done
+      for _ in $(seq 3000); do has_frame "$count" && break; sleep 0.02; done
       times+="$(frame | cut -d' ' -f3) " pictures+="$(frame | cut -d' ' -f2) "
     done
     [ $what = hover ] || xdotool mouseup 2
-    middle() { tr ' ' '\n' <<<"$1" | grep . | sort -g | sed -n 6p; }
-    echo "  $what: $(middle "$times") ms from the hand to the screen, of that the picture $(middle "$pictures") ms (medians of 12)"
+    middle() { tr ' ' '\n' <<<"$1" | grep . | sort -g | sed -n $(((samples + 1) / 2))p; }
+    echo "  $what: $(middle "$times") ms from the hand to the screen, of that the picture $(middle "$pictures") ms (medians of $samples)"
   done
   end_program
 done

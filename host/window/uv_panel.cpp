@@ -17,10 +17,10 @@ struct Entry {
 
 constexpr Entry kCreate[] = {
     {"Automatic", "polyAutoProjection -lm 1 -l 2 -sc 1 -ps 0.2"},
-    {"Planar, Best Plane", "polyProjection -ch 1 -type Planar -ibd on -md b"},
-    {"Planar, as the Camera Sees", "polyProjection -ch 1 -type Planar -ibd on -md c"},
-    {"Cylindrical", "polyProjection -ch 1 -type Cylindrical -ibd on -sf on"},
-    {"Spherical", "polyProjection -ch 1 -type Spherical -ibd on -sf on"},
+    {"Planar, Best Plane", "polyProjection -ch 1 -type planar -ibd on -md b"},
+    {"Planar, as the Camera Sees", "polyProjection -ch 1 -type planar -ibd on -md c"},
+    {"Cylindrical", "polyProjection -ch 1 -type cylindrical -ibd on -sf on"},
+    {"Spherical", "polyProjection -ch 1 -type spherical -ibd on -sf on"},
     {},
     {"Normalize", "performPolyNormalizeUV 0"},
     {"Unitize", "performPolyUnitizeUV 0"},
