@@ -10,23 +10,13 @@
 #include "host/window/person.h"
 #include "host/window/view_widget.h"
 #include "host/workspace/workspace.h"
+#include "tests/host/window/offscreen.h"
 
 // A pen's events as Qt hands them to a widget: each tablet event first and, where the widget leaves
 // it, the mouse event that Qt makes of it. What a driver does before that is not here.
 namespace {
 
 using namespace host;
-
-/// One application a process, on no screen at all.
-QApplication& application() {
-  static const bool isOffscreen = qputenv("QT_QPA_PLATFORM", "offscreen");
-  static int count = 1;
-  static char name[] = "test_window";
-  static char* words[] = {name, nullptr};
-  static QApplication instance(count, words);
-  (void)isOffscreen;
-  return instance;
-}
 
 class Listener : public tools::ToolContext {
  public:
@@ -42,7 +32,7 @@ class Listener : public tools::ToolContext {
 
 struct Desk {
   Desk() {
-    application();
+    test::offscreenApplication();
     auto& tools = workspace::workspaceOf(*session).toolbox;
     REQUIRE(tools.add("listener", std::make_shared<Listener>(heard)));
     REQUIRE(tools.setCurrent("listener"));

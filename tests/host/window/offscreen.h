@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QApplication>
+
+namespace host::test {
+
+/// The one application of the test program, on no screen at all.
+inline QApplication& offscreenApplication() {
+  static int count = 1;
+  static char name[] = "test_window";
+  static char* words[] = {name, nullptr};
+  static const bool isOffscreen = qputenv("QT_QPA_PLATFORM", "offscreen");
+  static QApplication instance(count, words);
+  (void)isOffscreen;
+  return instance;
+}
+
+}  // namespace host::test
