@@ -26,12 +26,9 @@ void polyPlanarProjection(Declarations& add) {
           .takes(ComponentType::Face);
   addProjection(declaration, {real("projectionWidth", "pw", 1), real("projectionHeight", "ph", 1)});
   addUvSetName(declaration);
-  ExtraFlag direction{"md", "mapDirection", {ArgType::String}, kCreate};
-  direction.meaning = "x, y, z, b (the faces' best plane) or c (as the camera sees them)";
   ExtraFlag ratio{"kir", "keepImageRatio", {}, kCreate};
   ratio.meaning = "one size across and up";
-  declaration.extraFlag(direction)
-      .extraFlag(ratio)
+  declaration.extraFlag(ratio)
       .parameter(real("radius", "r", 1), "of other projections")
       .noFlag()
       .recordedOnly()

@@ -66,6 +66,33 @@ Result<void> transfer(HistoryContext& context) {
   return ops::transferAttributes(context.mesh, source->mesh, *options);
 }
 
+/// Flags that this command shares with deformers, which move sets of points: what they say.
+struct DeformerFlag {
+  const char *shortName, *longName;
+  int strings;
+  const char* why;
+};
+constexpr const char* kPoints = "a transfer works on whole meshes";
+constexpr const char* kOrder =
+    "the transfer goes behind all that the target's history holds, or with -frontOfChain in front "
+    "of its deformers";
+constexpr DeformerFlag kDeformerFlags[] = {
+    {"bf", "before", 0, kOrder},
+    {"ar", "afterReference", 0, kOrder},
+    {"sp", "split", 0, kOrder},
+    {"par", "parallel", 0, kOrder},
+    {"ex", "exclusive", 1, kPoints},
+    {"dt", "deformerTools", 0, kPoints},
+    {"g", "geometry", 1, "the targets are named after the source"},
+    {"gi", "geometryIndices", 0, "the targets are named after the source"},
+    {"rm", "remove", 0, "delete the transferAttributes node instead"},
+    {"pr", "prune", 0, kPoints},
+    {"cps", "components", 0, kPoints},
+    {"sc", "selectedComponents", 0, kPoints},
+    {"uct", "useComponentTags", 0, kPoints},
+    {"ihs", "includeHiddenSelections", 0, kPoints},
+    {"is", "ignoreSelected", 0, "name the source and the targets instead of selecting them"}};
+
 Result<std::vector<MeshItem>> objects(Context& context, const ParsedArgs& args) {
   auto list = args.resolveObjects(context.document);
   if (!list) return failWith(list.error());
@@ -87,6 +114,9 @@ Result<void> connectSource(Context& context, const ParsedArgs& args, Node& node,
 }
 
 CommandResult create(Context& context, const ParsedArgs& args, const Declaration& declaration) {
+  for (const DeformerFlag& flag : kDeformerFlags)
+    if (args.has(flag.longName))
+      return fail("transferAttributes: -{} is for deformers: {}.", flag.longName, flag.why);
   const auto items = objects(context, args);
   if (!items) return failWith(items.error());
   scene::SelectionList targets;
@@ -99,8 +129,20 @@ CommandResult create(Context& context, const ParsedArgs& args, const Declaration
 }  // namespace
 
 void transferAttributes(Declarations& add) {
-  add("transferAttributes", "Samples UVs, colours, normals or places of one object on others.")
-      .node("transferAttributes", typeCode("PTRA"), "polyModifierWorld")
+  Declaration& declaration =
+      add("transferAttributes", "Samples UVs, colours, normals or places of one object on others.");
+  for (const DeformerFlag& each : kDeformerFlags) {
+    ExtraFlag flag{each.shortName, each.longName, {}, kCreate};
+    if (each.strings > 0) flag.args = {ArgType::String};
+    flag.meaning = "refused: of deformers";
+    declaration.extraFlag(flag);
+  }
+  ExtraFlag after{"af", "after", {}, kCreate};
+  after.meaning = "behind what the target's history holds, as without it";
+  ExtraFlag front{"foc", kFrontOfChainFlag, {}, kCreate};
+  front.meaning = "in front of the target's deformers: samples and changes it at rest";
+  declaration.extraFlag(after).extraFlag(front);
+  declaration.node("transferAttributes", typeCode("PTRA"), "polyModifierWorld")
       .takes(ComponentType::Face)
       .parameter(shortInteger("transferPositions", "pos"), "places, of points")
       .parameter(shortInteger("transferNormals", "nml"), "normals, which are locked then")

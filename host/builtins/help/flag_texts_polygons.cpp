@@ -123,6 +123,8 @@ constexpr FlagText kTexts[] = {
     {"relativeValue", "added to what there is"},
     {"relax", "evens out"},
     {"relaxTolerance", "how even it has to be"},
+    {"genNewUVSet", "makes a set of a free name"},
+    {"projections", "the nodes that project into the set"},
     {"reorder", "moves a set before another"},
     {"returnSelection", "lists without selecting"},
     {"ring", "in rings"},

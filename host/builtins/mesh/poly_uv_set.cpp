@@ -67,6 +67,48 @@ Result<std::string> chooseLast(const ParsedArgs&, Mesh& mesh) {
   return mesh.uvSet(mesh.currentUvSet()).name;
 }
 
+/// A set of a name that is free, whatever -uvSet says: a new one, or with -copy a copy of that one.
+Result<std::string> generate(const ParsedArgs& args, Mesh& mesh) {
+  const std::string from = args.text("uvSet");
+  const int source = from.empty() ? mesh.currentUvSet() : mesh.findUvSet(from);
+  if (args.has("copy") && source < 0) return fail("polyUVSet: there is no UV set '{}'.", from);
+  std::string wanted = args.text("newUVSet");
+  if (wanted.empty()) wanted = from.empty() ? "uvSet" : from;
+  std::string name = wanted;
+  for (int number = 1; mesh.findUvSet(name) >= 0; ++number) name = wanted + std::to_string(number);
+  const int made = mesh.addUvSet({name, {}, {}});
+  if (args.has("copy")) UvSets().copy(mesh, source, made);
+  mesh.setCurrentUvSet(made);
+  return name;
+}
+
+/// The nodes in the history that project into a set, the latest first.
+CommandResult projections(Context& context, const ParsedArgs& args) {
+  auto items = objects(context, args);
+  if (!items) return failWith(std::move(items.error()));
+  const MeshItem& item = items->front();
+  const std::string wanted = args.text("uvSet");
+  const std::string& first = item.mesh.uvSet(0).name;
+  const std::string set = wanted.empty() ? item.mesh.uvSet(item.mesh.currentUvSet()).name : wanted;
+  if (item.mesh.findUvSet(set) < 0) return fail("polyUVSet: there is no UV set '{}'.", set);
+  dg::Graph& graph = context.document.graph();
+  std::vector<std::string> names;
+  for (dg::Plug source = graph.source(item.path.node()->plug("inMesh")); source;) {
+    auto& node = *source.node();
+    const std::string& type = node.type().name;
+    if (type == "polyPlanarProj" || type == "polyCylProj" || type == "polySphProj" ||
+        type == "polyAutoProj") {
+      const auto filled = graph.get(node.plug("uvSetName"));
+      const auto* text = filled ? std::get_if<std::string>(&*filled) : nullptr;
+      if (text && (*text == set || (text->empty() && set == first)))
+        names.push_back(nodeName(node));
+    }
+    const dg::Plug input = node.plug("inputPolymesh");
+    source = input ? graph.source(input) : dg::Plug();
+  }
+  return toValue(std::move(names));
+}
+
 CommandResult editEach(Context& context, const ParsedArgs& args,
                        Result<std::string> (*edit)(const ParsedArgs&, Mesh&)) {
   auto items = objects(context, args);
@@ -104,11 +146,13 @@ CommandResult query(Context& context, const ParsedArgs& args) {
 CommandResult polyUvSet(Context& context, const ParsedArgs& args) {
   if (args.boolean("perInstance") || args.has("shareInstances") || args.has("unshared"))
     return fail("polyUVSet: instances share their UV sets here.");
+  if (args.isQuery() && args.has("projections")) return projections(context, args);
   if (args.isQuery()) {
     for (const char* flag :
          {"allUVSetsIndices", "allUVSetsWithCount", "currentLastUVSet", "currentPerInstanceUVSet"})
       if (args.has(flag)) return query(context, args);
   } else {
+    if (args.has("genNewUVSet")) return editEach(context, args, generate);
     if (args.has("reorder")) return editEach(context, args, reorder);
     if (args.has("currentLastUVSet")) return editEach(context, args, chooseLast);
   }
@@ -125,6 +169,8 @@ void registerPolyUvSet(CommandRegistry& registry) {
       .flag("luv", "currentLastUVSet")
       .flag("cpi", "currentPerInstanceUVSet")
       .flag("ro", "reorder")
+      .flag("gnu", "genNewUVSet")
+      .flag("pr", "projections")
       .flag("pi", "perInstance", {ArgType::Bool})
       .flag("si", "shareInstances")
       .flag("us", "unshared")

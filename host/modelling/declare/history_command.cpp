@@ -150,10 +150,14 @@ std::vector<Index> idsOf(const std::vector<scene::Component>& input, const Decla
 /// what it works on. `seen` becomes the item with that mesh.
 Result<Plug> placeOf(Context& context, const ParsedArgs& args, const Declaration& command,
                      MeshItem& seen) {
-  const bool canGoBefore = std::ranges::any_of(command.extraFlags, [](const ExtraFlag& flag) {
-    return flag.longName == kBeforeDeformersFlag;
-  });
-  if (!canGoBefore || !args.boolean(kBeforeDeformersFlag, true)) return Plug();
+  const auto hasFlag = [&](std::string_view name) {
+    return std::ranges::any_of(command.extraFlags,
+                               [&](const ExtraFlag& flag) { return flag.longName == name; });
+  };
+  const bool isBefore =
+      (hasFlag(kBeforeDeformersFlag) && args.boolean(kBeforeDeformersFlag, true)) ||
+      (hasFlag(kFrontOfChainFlag) && args.has(kFrontOfChainFlag));
+  if (!isBefore) return Plug();
   const Plug place = nodes::arrivalBeforeDeformers(*seen.path.node());
   if (!place) return Plug();
   const auto value = context.document.graph().get(place);

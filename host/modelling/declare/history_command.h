@@ -6,6 +6,8 @@ namespace host::modelling {
 
 /// The flag of commands whose node goes in front of the deformers of a mesh unless it is off.
 inline constexpr const char* kBeforeDeformersFlag = "insertBeforeDeformers";
+/// The flag of those whose node goes there only when it is given.
+inline constexpr const char* kFrontOfChainFlag = "frontOfChain";
 
 /// Runs a declaration's command over the named or selected meshes, each once: makes the nodes, sets
 /// what the command and its flags say, connects and evaluates them, so that a fault of the

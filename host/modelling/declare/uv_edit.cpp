@@ -36,9 +36,20 @@ Result<scene::DagPath> viewCamera(Context& context) {
   return fail("there is no camera to project through: 'persp' is gone");
 }
 
+/// The turn that lays the axis of a cylinder or sphere, which is y, along an axis.
+std::optional<Vec3> turnOfAxis(std::string_view axis) {
+  constexpr double kQuarter = std::numbers::pi / 2;
+  if (axis == "x") return Vec3(0, 0, -kQuarter);
+  if (axis == "y") return Vec3(0, 0, 0);
+  if (axis == "z") return Vec3(kQuarter, 0, 0);
+  return std::nullopt;
+}
+
+/// A plane looks along the direction; round projections have their axis along it, or upright in
+/// what the camera or the best plane sees.
 Result<void> turnToDirection(Context& context, const ParsedArgs& args, Node& node,
                              const MeshItem& item, const std::vector<Index>& faces,
-                             const Matrix4& space) {
+                             const Matrix4& space, UvProjectionShape shape) {
   std::string direction = args.text("mapDirection");
   std::transform(direction.begin(), direction.end(), direction.begin(),
                  [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
@@ -62,7 +73,12 @@ Result<void> turnToDirection(Context& context, const ParsedArgs& args, Node& nod
     }
     return graph.setVec3(node.plug("rotate"), math::matrixToEuler(axes));
   }
-  const auto turn = turnAlong(direction);
+  if (direction == "p" || direction == "perspective")
+    return fail(
+        "-mapDirection p needs a projection that narrows with distance, and projections here are "
+        "parallel: use c, or move the camera far off");
+  const auto turn =
+      shape == UvProjectionShape::Planar ? turnAlong(direction) : turnOfAxis(direction);
   if (!turn)
     return fail("-mapDirection is x, y, z, b (best plane) or c (camera), not '{}'", direction);
   return graph.setVec3(node.plug("rotate"), *turn);
@@ -154,7 +170,11 @@ void addProjection(Declaration& declaration, ProjectionSize size) {
   }
   ExtraFlag fit{"sf", "smartFit", {ArgType::Bool}, kCreate};
   fit.meaning = "off leaves centre and size at what the flags say";
-  declaration.extraFlag(fit);
+  ExtraFlag direction{"md", "mapDirection", {ArgType::String}, kCreate};
+  direction.meaning = "x, y, z, b (the faces' best plane) or c (as the camera sees them)";
+  ExtraFlag instance{"pi", "perInstance", {ArgType::Bool}, kCreate};
+  instance.meaning = "on is refused: instances share their UV sets";
+  declaration.extraFlag(fit).extraFlag(direction).extraFlag(instance);
   addNewMapFlags(declaration);
 }
 
@@ -186,7 +206,10 @@ Result<void> fitProjection(Context& context, const ParsedArgs& args, Node& node,
   const Plug size = node.plug("projectionScale"), center = node.plug("projectionCenter");
   const bool isWorld = args.boolean("worldSpace");
   const Matrix4 space = isWorld ? item.path.inclusiveMatrix() : Matrix4();
-  if (args.has("mapDirection")) HOST_TRY(turnToDirection(context, args, node, item, faces, space));
+  if (args.boolean("perInstance"))
+    return fail("-perInstance has nothing to work on: instances share their UV sets here");
+  if (args.has("mapDirection"))
+    HOST_TRY(turnToDirection(context, args, node, item, faces, space, shape));
   if (args.boolean("smartFit", true)) {
     const auto turn = graph.getVec3(node.plug("rotate"));
     if (!turn) return failWith(turn.error());

@@ -101,6 +101,14 @@ TEST_CASE_FIXTURE(Waves,
     run("undo");
     run("undo");
   }
+  run("polyPlane -n other -ch 0");
+  for (const bool isFront : {false, true}) {
+    run(std::string("string $made[] = `transferAttributes -uvs 2 -sm 3 ") +
+        (isFront ? "-foc" : "-af") + " other sheet`;");
+    CHECK(after(text("$made[0]").c_str()) == (isFront ? "w" : "sheetShape"));
+    CHECK(height("sheet.vtx[12]") == doctest::Approx(30));
+    run("undo");
+  }
   // At rest the sheet is flat: seen from above its middle is that of the map, whatever the wave.
   run("polyPlanarProjection -md x sheet.f[*]; float $flat = `getAttr polyPlanarProj1.ph`;");
   run("undo");
