@@ -61,6 +61,55 @@ void BM_UnfoldSphere(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * cut.faceCount());
 }
 
+/// A bumpy sheet of about 100,000 quads: in so many square pieces, or with so many holes of one
+/// face, as many borders.
+Mesh sheet(Index pieces, Index holes) {
+  constexpr Index kSide = 320;
+  const auto across = static_cast<Index>(std::lround(std::sqrt(pieces)));
+  const Index every = holes > 0 ? kSide * kSide / holes : 0;
+  std::vector<math::Vec3f> points;
+  std::vector<Index> counts;
+  std::vector<VertexId> vertices;
+  for (Index j = 0; j <= kSide; ++j)
+    for (Index i = 0; i <= kSide; ++i)
+      points.push_back(math::Vec3(i, 6 * std::sin(0.05 * i) * std::cos(0.07 * j), j).toFloat());
+  std::vector<std::pair<VertexId, VertexId>> seams;
+  const auto id = [&](Index i, Index j) { return j * (kSide + 1) + i; };
+  for (Index j = 0; j < kSide; ++j)
+    for (Index i = 0; i < kSide; ++i) {
+      // Holes are spread so that no two touch.
+      const Index number = j * kSide + (i + 7 * j) % kSide;
+      if (every > 0 && number % every == 0 && i > 0 && j % 2 == 1) continue;
+      counts.push_back(4);
+      vertices.insert(vertices.end(), {id(i, j), id(i, j + 1), id(i + 1, j + 1), id(i + 1, j)});
+      if (i > 0 && i % (kSide / across) == 0) seams.emplace_back(id(i, j), id(i, j + 1));
+      if (j > 0 && j % (kSide / across) == 0) seams.emplace_back(id(i, j), id(i + 1, j));
+    }
+  Mesh mesh = *mesh::buildMesh(std::move(points), counts, vertices);
+  mesh.setUvSet(0, ops::uvsBetweenSeams(mesh, *ops::seamsBetween(mesh, seams), "map1"));
+  return mesh;
+}
+
+void unfoldAll(benchmark::State& state, const Mesh& cut) {
+  std::vector<Index> shells(static_cast<std::size_t>(mesh::findUvShells(cut, 0).count));
+  std::iota(shells.begin(), shells.end(), 0);
+  std::size_t left = 0;
+  for (auto _ : state) {
+    Mesh mesh = cut;
+    const auto result = ops::unfoldUvs(mesh, 0, shells, {});
+    left = result ? result->left.size() : 1;
+  }
+  if (left > 0) state.SkipWithError("a shell was left as it was");
+  state.counters["shells"] = static_cast<double>(shells.size());
+  state.SetItemsProcessed(state.iterations() * cut.faceCount());
+}
+void BM_UnfoldPieces(benchmark::State& state) {
+  unfoldAll(state, sheet(static_cast<Index>(state.range(0)), 0));
+}
+void BM_UnfoldHoles(benchmark::State& state) {
+  unfoldAll(state, sheet(1, static_cast<Index>(state.range(0))));
+}
+
 /// Rectangles of many sizes, each a shell.
 Mesh rectangles(Index count) {
   std::vector<math::Vec3f> points;
@@ -102,6 +151,8 @@ void BM_Layout(benchmark::State& state) {
 }
 
 BENCHMARK(BM_UnfoldSphere)->Arg(8'000)->Arg(126'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_UnfoldPieces)->Arg(1)->Arg(100)->Arg(6'400)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_UnfoldHoles)->Arg(10)->Arg(100)->Arg(1'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Layout)->Arg(50)->Arg(200)->Arg(5'000)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -28,6 +28,7 @@ struct UnwrapJob {
   std::vector<std::string> inputs;
   std::string output, seams, report, picture;
   double packing = 0.2;
+  double stretch = -1;  ///< not said
   int mapSize = 1024;
 };
 
@@ -42,6 +43,9 @@ void printUsage(FILE* out) {
       "  --seams uvs           cut where the UVs of the file part (the default if it has any)\n"
       "  --seams FILE          cut at edges given as pairs of vertex ids from 0, a line each\n"
       "                        What cannot be laid flat then is cut further by itself.\n"
+      "  --stretch LIMIT       cut shells further that come out above this (4 is none; 0: never).\n"
+      "                        6 for hard and angle=, which may take seams back that end inside\n"
+      "                        a shell; 0 else\n"
       "  --packing PERCENT     gap between shells, 0 to 5 percent of the square (0.2)\n"
       "  --map-size PIXELS     size of the map that the report measures (1024)\n"
       "  --report FILE         a line of JSON for each mesh\n"
@@ -87,6 +91,8 @@ int parse(const std::vector<std::string>& words, UnwrapJob& job) {
       job.picture = value;
     else if (word == "--packing")
       isGood = readNumber(value, job.packing) && job.packing >= 0 && job.packing <= 5;
+    else if (word == "--stretch")
+      isGood = readNumber(value, job.stretch) && (job.stretch == 0 || job.stretch >= 4.2);
     else if (word == "--map-size")
       isGood = readNumber(value, job.mapSize) && job.mapSize >= 16 && job.mapSize <= 16384;
     else
@@ -167,6 +173,9 @@ Result<Unwrapped> unwrapScene(const UnwrapJob& job, const std::string& input, io
   ops::UnwrapOptions options;
   options.packing = job.packing;
   options.mapSize = job.mapSize;
+  const bool isAngle = job.seams.starts_with("angle=");
+  options.dropsSlits = isAngle && job.stretch != 0;
+  options.mostStretch = job.stretch >= 0 ? job.stretch : isAngle || job.seams == "hard" ? 6 : 0;
   auto results = ops::unwrap(meshes, std::move(seams), options);
   if (!results) return failWith(results.error());
   Unwrapped out{std::move(scene), {}, true};
@@ -181,9 +190,10 @@ Result<Unwrapped> unwrapScene(const UnwrapJob& job, const std::string& input, io
       complain(kScriptFailed,
                fmt::format("{}: {} faces without area have no UVs", name, result.facesWithoutUvs));
     out.isWhole = out.isWhole && result.left.empty();
-    std::fprintf(stderr, "%s: %d shells, %d cut open, stretch %.4f, coverage %.1f %%\n",
-                 name.c_str(), result.shells, result.opened, result.report.symmetricDirichlet,
-                 100 * result.report.coverage);
+    std::fprintf(stderr,
+                 "%s: %d shells, %d cut open, %d cut further, stretch %.4f, coverage %.1f %%\n",
+                 name.c_str(), result.shells, result.opened, result.relieved,
+                 result.report.symmetricDirichlet, 100 * result.report.coverage);
   }
   return out;
 }

@@ -11,10 +11,15 @@ namespace host::ops {
 struct UnwrapOptions {
   double packing = 0.2;  ///< gap between shells, percent of the square
   int mapSize = 1024;    ///< pixels, for coverage and gaps of the report
+  /// Symmetric Dirichlet energy, 4 at best: shells that come out above it are cut further along
+  /// short ways, and seams that end inside them taken back. 0 leaves the seams as they are.
+  double mostStretch = 0;
+  bool dropsSlits = false;  ///< takes back seams that end inside a piece before all else
 };
 
 struct UnwrapResult {
   Index shells = 0, opened = 0;   ///< pieces that needed more cuts than the seams
+  Index relieved = 0;             ///< pieces that were cut further for their stretch
   Index facesWithoutUvs = 0;      ///< without area
   std::vector<std::string> left;  ///< a sentence for each shell that could not be laid flat
   UvReport report;
