@@ -4,6 +4,7 @@
 #include <exception>
 #include <filesystem>
 
+#include "host/api/session/exiting.h"
 #include "host/api/session/host_session.h"
 #include "host/app/interrupts.h"
 #include "host/app/options.h"
@@ -150,6 +151,7 @@ int run(const Options& options) {
     else if (isPrompt && !session->isQuitting)
       status = runPrompt(*session);
   }
+  api::tellExiting();
   preferences.save();
   return status;
 }

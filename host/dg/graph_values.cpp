@@ -203,7 +203,8 @@ void Graph::storeOutput(const Plug& plug, Value value) {
   if (!handled || !*handled) writeLeaf(plug, *std::move(converted));
   if (Slot* slot = locate(plug).slot) {
     slot->isDirty = false;
-    slot->isOutput = true;
+    // What the type keeps itself was not written here.
+    if (!handled || !*handled) slot->isOutput = true;
   }
 }
 

@@ -1,5 +1,6 @@
 #include "host/edits/bounds.h"
 
+#include "host/nodes/dag_node.h"
 #include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/scene/dag_paths.h"
@@ -15,6 +16,13 @@ void addShapes(const scene::DagPath& path, const math::Matrix4& matrix, math::Bo
     if (!mesh) continue;
     for (const math::Vec3f& point : mesh->points())
       box.add(math::transformPoint(math::Vec3(point), matrix));
+  }
+  // Shapes of plug-ins say themselves how large they are.
+  for (dg::Node* node : scene::isShape(*path.node()) ? std::vector<dg::Node*>{path.node()}
+                                                     : scene::dagLinks(*path.node()).children) {
+    if (node->type().pluginName.empty() || !node->type().isA("surfaceShape")) continue;
+    const math::Box own = nodes::boundingBoxOf(*node);
+    if (!own.isEmpty()) box.add(own.transformed(matrix));
   }
 }
 

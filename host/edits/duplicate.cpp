@@ -142,6 +142,12 @@ class Duplicator {
     return {};
   }
 
+  /// Values that a class keeps outside the graph are its own to copy. Transforms only look at
+  /// theirs.
+  static bool isKeptByClass(const Plug& plug) {
+    return plug.attribute()->internalStorage && !scene::isTransform(*plug.node());
+  }
+
   Result<void> copyValue(const Plug& from, const Plug& to) {
     const dg::Attribute& attribute = *from.attribute();
     dg::Graph& graph = document_.graph();
@@ -150,7 +156,7 @@ class Duplicator {
     // The copy computes its own.
     if (!attribute.top().isDynamic && from.node()->type().isComputed(&attribute)) return {};
     if (from.isArray()) {
-      if (attribute.internalStorage) return {};
+      if (isKeptByClass(from)) return {};
       std::vector<Index> indices;
       std::vector<double> values;
       if (graph.getPacked(from, indices, values))
@@ -165,7 +171,7 @@ class Duplicator {
         HOST_TRY(copyValue(from.child(static_cast<int>(i)), to.child(static_cast<int>(i))));
       return {};
     }
-    if (attribute.internalStorage || attribute.type == dg::AttributeType::Message) return {};
+    if (isKeptByClass(from) || attribute.type == dg::AttributeType::Message) return {};
     auto value = graph.get(from);
     if (!value) return failWith(std::move(value.error()));
     if (dg::equal(*value, graph.stored(to)) || !graph.settable(to)) return {};

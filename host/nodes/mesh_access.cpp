@@ -78,7 +78,11 @@ void MeshAccess::addTo(TypeBuilder& builder, const Attribute* inMesh) {
 bool MeshAccess::read(const Node& node, const Plug& plug, dg::Value& value) const {
   const Attribute* leaf = plug.attribute();
   const Attribute* owner = leaf->parent ? leaf->parent : leaf;
-  if (!leaf->internalStorage || leaf == inMesh_) return false;
+  // Matrices are read while the mesh is computed: the mesh is asked for its own parts alone.
+  const bool isPart = owner == vertices_ || owner == edges_ || owner == normals_ ||
+                      owner == uvSetPoints_ || leaf == uvSetName_ || leaf == currentUvSet_ ||
+                      leaf == colorSetName_ || leaf == currentColorSet_;
+  if (!leaf->internalStorage || !isPart) return false;
   dg::Value keepAlive;
   const Mesh* mesh = storedMesh(node, inMesh_, keepAlive);
   if (!mesh) return false;

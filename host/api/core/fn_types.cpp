@@ -175,6 +175,8 @@ MFn::Type fnTypeOf(const dg::Node& node) {
 }
 
 bool nodeHasFn(const dg::Node& node, MFn::Type type) {
+  // All shapes with geometry of their own; locators and cameras have none.
+  if (type == MFn::kGeometric) return node.type().isA("controlPoint");
   if (type == MFn::kDependencyNode || type == MFn::kNamedObject || type == fnTypeOf(node))
     return true;
   if (type == MFn::kSurface && node.type().isA("surfaceShape")) return true;

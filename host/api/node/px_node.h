@@ -60,7 +60,7 @@ auto fenced(const dg::Node& node, const char* what, const Call& call, decltype(c
 /// Hands a value to a transform's object.
 /// @return true when it has stored it, false when the graph is to; an error when it is refused
 Result<bool> validateAndSet(MPxTransform& object, const dg::Node& node, const dg::Plug& plug,
-                            const dg::Value& value);
+                            const dg::Value& value, bool isForMatrix = false);
 
 /// Lets a type's behaviour be that of its nodes' objects.
 void installHooks(dg::NodeType& type);

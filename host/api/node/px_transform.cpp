@@ -1,6 +1,10 @@
 #include <maya/MDataBlock.h>
 #include <maya/MPxTransform.h>
 
+#include <algorithm>
+#include <functional>
+#include <utility>
+
 #include "host/api/data/data_handle.h"
 #include "host/api/node/px_node.h"
 #include "host/api/value/transform_parts.h"
@@ -39,7 +43,20 @@ bool isValidated(const NodeClass& nodeClass, const dg::Attribute& attribute) {
 }
 
 Result<bool> validateAndSet(MPxTransform& object, const dg::Node& node, const dg::Plug& plug,
-                            const dg::Value& value) {
+                            const dg::Value& value, bool isForMatrix) {
+  // What the class writes to its own plug while it looks at a value is stored as it is; but a value
+  // that was set before stays one that was set, when it is only looked at for the matrix.
+  struct Look {
+    const MPxTransform* object = nullptr;
+    bool isForMatrix = false;
+  };
+  static Look looking;
+  if (looking.object == &object) return looking.isForMatrix && !node.graph().isDriven(plug);
+  struct Scope {
+    explicit Scope(const Look& now) : before(std::exchange(looking, now)) {}
+    ~Scope() { looking = before; }
+    Look before;
+  } const scope({&object, isForMatrix});
   const MDataHandle handle = looseHandle(plug, value);
   const auto call = [&] {
     return object.validateAndSetValue(wrap(plug), handle, MDGContext::fsNormal);
@@ -86,7 +103,7 @@ MStatus MPxTransform::computeLocalTransformation(MPxTransformationMatrix* own, M
     api::forEachLeaf(dg::Plug(node, attribute), [&](const dg::Plug& leaf) {
       const auto value = node->graph().get(leaf);
       const auto taken =
-          value ? api::validateAndSet(*this, *node, leaf, *value) : failWith(value.error());
+          value ? api::validateAndSet(*this, *node, leaf, *value, true) : failWith(value.error());
       if (!taken) status = api::toStatus(taken);
     });
   return status;

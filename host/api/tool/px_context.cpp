@@ -103,9 +103,6 @@ MStatus MPxContext::setHelpString(const MString& text) {
 MString MPxContext::titleString() const {
   return api::toMString(contextRep(*this).title);
 }
-MString MPxContext::helpString() const {
-  return api::toMString(contextRep(*this).help);
-}
 
 MStatus MPxContext::setCursor(const MCursor& cursor) {
   const MCursor* const known[] = {&MCursor::defaultCursor,         &MCursor::crossHairCursor,

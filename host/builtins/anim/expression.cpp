@@ -147,11 +147,22 @@ class ExpressionReader {
   Reading reading_;
 };
 
-Result<void> unwire(dg::Graph& graph, dg::Node& node) {
+Result<void> unwire(scene::Document& document, dg::Node& node) {
+  dg::Graph& graph = document.graph();
+  // Nodes that convert units were made with the connection, and go with it.
+  std::vector<dg::Node*> converters;
+  const auto cut = [&](const dg::Graph::Connection& connection, dg::Node& other) -> Result<void> {
+    if (other.type().name == "unitConversion") {
+      converters.push_back(&other);
+      return {};
+    }
+    return graph.disconnect(connection.source, connection.destination);
+  };
   for (const auto& connection : graph.incoming(node))
-    HOST_TRY(graph.disconnect(connection.source, connection.destination));
+    HOST_TRY(cut(connection, *connection.source.node()));
   for (const auto& connection : graph.outgoing(node))
-    HOST_TRY(graph.disconnect(connection.source, connection.destination));
+    HOST_TRY(cut(connection, *connection.destination.node()));
+  if (!converters.empty()) HOST_TRY(document.deleteNodes(converters));
   for (const char* name : {"input", "output"}) {
     const Plug all = node.plug(name);
     for (const Index index : graph.elementIndices(all))
@@ -163,7 +174,7 @@ Result<void> unwire(dg::Graph& graph, dg::Node& node) {
 Result<void> wire(Context& context, dg::Node& node, const Reading& reading) {
   scene::Document& document = context.document;
   dg::Graph& graph = document.graph();
-  HOST_TRY(unwire(graph, node));
+  HOST_TRY(unwire(document, node));
   HOST_TRY(graph.set(node.plug("internalExpression"), reading.text));
   for (std::size_t i = 0; i < reading.inputs.size(); ++i)
     HOST_TRY(edits::connect(document, reading.inputs[i],

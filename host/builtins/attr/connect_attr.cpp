@@ -9,6 +9,12 @@ namespace {
 
 using dg::Plug;
 
+/// World-space attributes have an element for each instance; named without a number the first is
+/// meant.
+Plug firstInstance(const Plug& plug) {
+  return plug.isArray() && plug.attribute()->worldSpace ? plug.element(0) : plug;
+}
+
 CommandResult connectAttr(Context& context, const ParsedArgs& args) {
   const std::vector<std::string> names = args.objectNames();
   dg::Graph& graph = context.document.graph();
@@ -24,6 +30,7 @@ CommandResult connectAttr(Context& context, const ParsedArgs& args) {
     if (args.has("nextAvailable"))
       *destination = destination->element(graph.nextFreeIndex(*destination));
   }
+  if (!destination->isArray()) *source = firstInstance(*source);
   if (graph.source(*destination) == *source)
     return fail("Failed to connect '{}' to '{}': they are connected already.", names[0], names[1]);
   const bool isForced = args.has("force");
@@ -50,6 +57,7 @@ CommandResult disconnectAttr(Context& context, const ParsedArgs& args) {
   auto second = context.document.plug(names[1]);
   if (!second) return failWith(std::move(second.error()));
   Plug destination = *second;
+  if (!destination.isArray()) *first = firstInstance(*first);
   // What converts between the two goes with the connection.
   if (const Plug between = graph.source(destination);
       between && between.node()->type().name == "unitConversion" &&

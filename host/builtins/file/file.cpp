@@ -2,6 +2,7 @@
 #include "host/builtins/file/scene_files.h"
 #include "host/builtins/file/time_range.h"
 #include "host/cmd/asking.h"
+#include "host/edits/atomically.h"
 
 namespace host::builtins {
 
@@ -39,10 +40,44 @@ CommandResult import(Context& context, const ParsedArgs& args) {
   return toValue(std::move(names));
 }
 
+/// What is selected goes into a file of its own, and comes back as a reference to it.
+CommandResult exportAsReference(Context& context, const ParsedArgs& args) {
+  std::vector<dg::Node*> gone;
+  for (dg::Node* node : nodesOf(context.document.selection()))
+    if (scene::isDagNode(*node) &&
+        scene::dagLinks(*node).parents != std::vector<dg::Node*>{nullptr})
+      return fail(
+          "file: '{}' hangs below another object: only whole hierarchies can become a "
+          "reference.",
+          node->name());
+    else
+      gone.push_back(node);
+  auto path = exportScene(context, readRequest(args), true);
+  if (!path) return failWith(std::move(path.error()));
+  CommandResult made;
+  const auto done = edits::atomically(context.document, [&]() -> Result<void> {
+    HOST_TRY(context.document.deleteNodes(gone));
+    made = referenceFile(context, args, *path);
+    return made ? Result<void>() : failWith(made.error());
+  });
+  if (!done) return failWith(done.error());
+  return made;
+}
+
 CommandResult file(Context& context, const ParsedArgs& args) {
   if (args.isQuery()) {
     if (auto answer = queryReferences(context, args)) return *std::move(answer);
     return queryFile(context, args);
+  }
+  for (const char* flag : {"proxyManager", "proxyTag", "sharedReferenceFile", "sharedNodes"})
+    if (args.has(flag))
+      return fail(
+          "file: -{} is not offered: a reference stands for one file, and shares nothing with "
+          "others. Refer to the file without it.",
+          flag);
+  if (args.has("exportAsReference")) {
+    cmd::askOnly();
+    return exportAsReference(context, args);
   }
   if (auto done = editReferences(context, args)) return *std::move(done);
   const auto depth = referenceDepthScope(context, args);
@@ -78,6 +113,12 @@ void registerFile(CommandRegistry& registry) {
              .flag("rn", "rename", {ArgType::String}, cmd::kCreate | cmd::kEdit)
              .flag("es", "exportSelected")
              .flag("ea", "exportAll")
+             .flag("er", "exportAsReference")
+             .flag("pm", "proxyManager", {ArgType::String})
+             .flag("pt", "proxyTag", {ArgType::String})
+             .flag("srf", "sharedReferenceFile")
+             .flag("shd", "sharedNodes", {ArgType::String})
+             .multiUse()
              .flag("f", "force")
              .flag("typ", "type", {ArgType::String})
              .flag("op", "options", {ArgType::String})

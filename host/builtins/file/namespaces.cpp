@@ -170,6 +170,7 @@ CommandResult namespaceCommand(Context& context, const ParsedArgs& args) {
     if (to == from || to.starts_with(from + ":"))
       return fail("namespace: '{}' can't be moved into itself.", from);
     HOST_TRY(moveContent(context, from, to));
+    own.made.insert(from);  // only its content went: scripts remove it next
     return mel::Value(to);
   }
   return fail("namespace: say what to do: -add, -set, -rename, -removeNamespace, -exists, ...");

@@ -137,11 +137,14 @@ Result<dg::Node*> named(Context& context, const ParsedArgs& args) {
   return findReference(context, name);
 }
 
-CommandResult create(Context& context, const ParsedArgs& args) {
-  const std::string path = args.firstObject();
+}  // namespace
+
+CommandResult referenceFile(Context& context, const ParsedArgs& args, const std::string& path) {
   if (path.empty()) return fail("file: name the file to refer to.");
   if (!std::filesystem::exists(absolutePath(path)) && !path.starts_with('$'))
     return fail("File not found: {}", path);
+  if (std::filesystem::is_directory(absolutePath(path)))
+    return fail("file: '{}' is a folder, not a scene.", path);
   if (!context.document.fileName().empty() && absolutePath(path) == context.document.fileName())
     return fail("file: '{}' is the open scene: it can't refer to itself.", path);
   ReferenceRequest request{.written = path.starts_with('$') ? path : absolutePath(path),
@@ -179,6 +182,8 @@ CommandResult create(Context& context, const ParsedArgs& args) {
   return toValue(std::move(made));
 }
 
+namespace {
+
 /// Sets which references are loaded for as long as it lives.
 class Depth {
  public:
@@ -203,7 +208,7 @@ std::shared_ptr<void> referenceDepthScope(Context& context, const ParsedArgs& ar
 
 std::optional<CommandResult> editReferences(Context& context, const ParsedArgs& args) {
   const auto depth = referenceDepthScope(context, args);
-  if (args.has("reference")) return create(context, args);
+  if (args.has("reference")) return referenceFile(context, args, args.firstObject());
   const bool loads = args.has("loadReference"), unloads = args.has("unloadReference"),
              removes = args.has("removeReference"), imports = args.has("importReference"),
              cleans = args.has("cleanReference");

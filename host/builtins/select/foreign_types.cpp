@@ -333,7 +333,6 @@ constexpr std::string_view kNames[] = {
     "polyQuad",
     "polyReduce",
     "polySeparate",
-    "polySewEdge",
     "polySmooth",
     "polySmoothFace",
     "polySoftEdge",

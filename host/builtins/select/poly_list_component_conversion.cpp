@@ -49,8 +49,14 @@ std::vector<Index> converted(const MeshItem& item, const ParsedArgs& args, Compo
   const mesh::Conversion how = args.has("border")     ? mesh::Conversion::Border
                                : args.has("internal") ? mesh::Conversion::Contained
                                                       : mesh::Conversion::Connected;
-  if (item.isObject()) return convertedIds(item, target);
   MeshItem sources = item;
+  if (item.isObject()) {
+    // A whole object is all of its faces: their rim is where the mesh ends.
+    if (how != mesh::Conversion::Border || target == ComponentType::Face)
+      return convertedIds(item, target);
+    sources.components = {Component::all(ComponentType::Face)};
+    return onRim(sources, target);
+  }
   std::erase_if(sources.components,
                 [&](const Component& component) { return !isSource(args, component.type()); });
   if (sources.isObject()) return {};

@@ -2,6 +2,7 @@
 
 #include <maya/MColor.h>
 #include <maya/MDagPath.h>
+#include <maya/MHWGeometry.h>
 #include <maya/MStatus.h>
 #include <maya/MTypes.h>
 

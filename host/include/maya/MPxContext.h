@@ -65,7 +65,6 @@ class MPxContext {
   MStatus setTitleString(const MString& text);
   MStatus setHelpString(const MString& text);
   MString titleString() const;
-  MString helpString() const;
   MStatus setCursor(const MCursor& cursor);
   MStatus setImage(const MString& image, ImageIndex index);
   MString image(ImageIndex index, MStatus* status = nullptr) const;

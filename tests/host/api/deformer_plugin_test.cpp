@@ -52,6 +52,12 @@ TEST_CASE_FIXTURE(Waves, "a deformer moves points by its ramp, weights and envel
   CHECK(height("sheet.vtx[12]") == doctest::Approx(0.75));
 }
 
+TEST_CASE_FIXTURE(Waves, "the first look at a deformed mesh finds no cycle in its own matrix") {
+  run("polyCube -n fresh -ch 0; deformer -n f -type waveDeformer fresh;");
+  run("polyEvaluate -v fresh");
+  CHECK(quiet.text(host::MessageKind::Warning).find("itself") == std::string::npos);
+}
+
 TEST_CASE_FIXTURE(Waves, "what a deformer is given takes the geometry to the world") {
   run("setAttr sheet.tx 1; setAttr sheet.sy 2; setAttr sheet.ty 5");
   // The vertex at the world's origin is the one to the left of the middle now.

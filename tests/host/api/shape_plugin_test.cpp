@@ -69,7 +69,7 @@ TEST_CASE_FIXTURE(Crystals,
                   "a plug-in's shape is instanced, copied, measured, saved and unloaded") {
   CHECK(text("float $box[] = `exactWorldBoundingBox stone`; $box[1] + \" \" + $box[3]") == "-2 4");
   CHECK(MFnDagNode(path("stoneShape")).boundingBox().height() == 4);
-  CHECK(text("string $shapes[] = `ls -type crystalShape -s`; $shapes[0]") == "stoneShape");
+  CHECK(text("string $shapes[] = `ls -type crystalShape`; $shapes[0]") == "stoneShape");
   run("instance -n again stone; setAttr again.tx -3; duplicate -n copy stone;"
       "setAttr copyShape.size 3");
   CHECK(shown(Primitive::Triangles).size() == 3);
