@@ -33,10 +33,11 @@ cmd::Session* promptSession = nullptr;
 std::string historyFile() {
   const char* state = std::getenv("XDG_STATE_HOME");
   const char* home = std::getenv("HOME");
-  if (!state && !home) return {};
+  const bool hasState = state && *state;  // one that is empty counts as none
+  if (!hasState && !(home && *home)) return {};
   const std::filesystem::path folder =
-      state ? std::filesystem::path(state) / "qxmt"
-            : std::filesystem::path(home) / ".local" / "state" / "qxmt";
+      hasState ? std::filesystem::path(state) / "qxmt"
+               : std::filesystem::path(home) / ".local" / "state" / "qxmt";
   std::error_code ignored;
   std::filesystem::create_directories(folder, ignored);
   return (folder / "history").string();
