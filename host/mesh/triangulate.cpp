@@ -1,6 +1,7 @@
 #include "host/mesh/triangulate.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "host/base/parallel.h"
@@ -134,6 +135,8 @@ class EarClipper {
     return true;
   }
 
+  [[nodiscard]] const std::vector<Point2>& points() const { return points_; }
+
   void clip(std::vector<LoopTriangle>& out) {
     Index left = count_, i = 0, sinceLast = 0, patience = left;
     while (left > 3) {
@@ -207,6 +210,57 @@ void fan(Index count, std::vector<LoopTriangle>& out) {
   for (Index i = 1; i + 1 < count; ++i) out.push_back({0, i, i + 1});
 }
 
+constexpr std::size_t kMostWarped = 32;  ///< points of a loop whose triangulations are compared
+
+/// Whether points stand off the plane by more than a hundredth of the loop's size.
+bool isWarped(std::span<const Vec3> loop, const Vec3& normal) {
+  const Vec3 up = math::normalized(normal);
+  double low = 0, high = 0, size = 0;
+  for (const Vec3& p : loop) {
+    const double height = dot(p - loop[0], up);
+    low = std::min(low, height);
+    high = std::max(high, height);
+    size = std::max(size, math::length(p - loop[0]));
+  }
+  return high - low > 0.01 * size;
+}
+
+/// The triangulation of least area (Klincsek 1980) among those that don't fold over the plane:
+/// over a loop that bends it neither cuts off what bulges nor dents it. False when all fold.
+bool spanSmoothly(std::span<const Vec3> loop, const std::vector<Point2>& flat,
+                  std::vector<LoopTriangle>& out) {
+  const std::size_t count = loop.size();
+  constexpr double kFolded = 1e300;
+  std::array<std::array<double, kMostWarped>, kMostWarped> area{};
+  std::array<std::array<std::uint8_t, kMostWarped>, kMostWarped> apex{};
+  for (std::size_t reach = 2; reach < count; ++reach)
+    for (std::size_t a = 0; a + reach < count; ++a) {
+      const std::size_t c = a + reach;
+      area[a][c] = kFolded;
+      for (std::size_t b = a + 1; b < c; ++b) {
+        if (area[a][b] >= kFolded || area[b][c] >= kFolded) continue;
+        if (turn(flat[a], flat[b], flat[c]) <= 0) continue;
+        const double own = 0.5 * math::length(cross(loop[b] - loop[a], loop[c] - loop[a]));
+        const double whole = area[a][b] + area[b][c] + own;
+        if (whole >= area[a][c]) continue;
+        area[a][c] = whole;
+        apex[a][c] = static_cast<std::uint8_t>(b);
+      }
+    }
+  if (area[0][count - 1] >= kFolded) return false;
+  std::vector<std::pair<std::size_t, std::size_t>> open{{0, count - 1}};
+  while (!open.empty()) {
+    const auto [a, c] = open.back();
+    open.pop_back();
+    if (c - a < 2) continue;
+    const std::size_t b = apex[a][c];
+    out.push_back({static_cast<Index>(a), static_cast<Index>(b), static_cast<Index>(c)});
+    open.emplace_back(a, b);
+    open.emplace_back(b, c);
+  }
+  return true;
+}
+
 void triangulateQuad(std::span<const Vec3> p, const Vec3& normal, std::vector<LoopTriangle>& out) {
   const auto isLeft = [&](int a, int b, int c) {
     return dot(cross(p[at(b)] - p[at(a)], p[at(c)] - p[at(a)]), normal) > 0;
@@ -227,6 +281,9 @@ void triangulateLoop(std::span<const Vec3> loop, const Vec3& normal,
   if (count == 4) return triangulateQuad(loop, normal, out);
   if (count <= 3) return fan(count, out);
   EarClipper clipper(loop, normal);
+  if (loop.size() <= kMostWarped && isWarped(loop, normal) &&
+      spanSmoothly(loop, clipper.points(), out))
+    return;
   if (clipper.isConvex())
     fan(count, out);
   else

@@ -15,10 +15,11 @@ using LoopTriangle = std::array<Index, 3>;
 /// gives the same triangles.
 ///
 /// Triangles and convex loops make a fan from the first point; a quad that is concave or folded is
-/// cut along its other diagonal; other loops are cut ear by ear in the plane across `normal` (the
-/// loop's Newell normal). Loops that cross themselves or have no area still give n - 2 triangles,
-/// some of them turned over or flat. Linear for convex loops; for others an ear
-/// costs the reflex points near it.
+/// cut along its other diagonal; a loop of 5 to 32 points that is not plane (the corner of a bevel)
+/// takes the triangulation of least area, which has no dents, cubic in its points; other loops are
+/// cut ear by ear in the plane across `normal` (the loop's Newell normal). Loops that cross
+/// themselves or have no area still give n - 2 triangles, some of them turned over or flat. Linear
+/// for convex loops; for others an ear costs the reflex points near it.
 void triangulateLoop(std::span<const Vec3> loop, const Vec3& normal,
                      std::vector<LoopTriangle>& out);
 

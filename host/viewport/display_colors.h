@@ -26,6 +26,8 @@ struct DisplayColors {
   Rgba vertexSelected{1.0f, 0.82f, 0.12f, 1};
   Rgba uvSelected{0.30f, 0.86f, 0.42f, 1};
   Rgba normal{0.98f, 0.88f, 0.30f, 0.9f};
+  Rgba faceCenter{0.20f, 0.32f, 0.62f, 1};
+  Rgba uvBorder{0.22f, 0.48f, 0.86f, 1};
   Rgba vertexRim{0.12f, 0.09f, 0.04f, 0.85f};
   Rgba edgeSelected{1.0f, 0.52f, 0.08f, 1};
   Rgba faceSelected{1.0f, 0.55f, 0.10f, 0.52f};

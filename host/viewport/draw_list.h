@@ -88,6 +88,8 @@ struct DrawItem {
   bool depthWrite = true;
   bool lit = false;  ///< triangles
   bool cullBackFaces = false;
+  bool stepsBack = true;  ///< triangles: by their slope, so that lines on them are not cut where
+                          ///< they turn away. Back faces may peek out at silhouettes for it
   bool fadeShortLines =
       false;  ///< lines: thin out those of a few pixels, which would merge into a dark mass
   bool squarePoints = false;  ///< points: squares instead of discs

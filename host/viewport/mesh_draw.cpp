@@ -5,6 +5,7 @@
 
 #include "host/mesh/adjacency.h"
 #include "host/mesh/normals.h"
+#include "host/mesh/shells.h"
 #include "host/mesh/triangulate.h"
 #include "host/viewport/display_colors.h"
 
@@ -44,6 +45,17 @@ class MeshPainter {
 
   void run() {
     edgePixels_ = typicalEdgePixels();
+    const std::size_t first = list_.items.size();
+    paint();
+    // Only a surface that has lines on it must step back for them.
+    const auto isSurface = [](const DrawItem& item) { return item.lit; };
+    const auto begin = list_.items.begin() + static_cast<std::ptrdiff_t>(first);
+    const bool isPlain = std::all_of(begin, list_.items.end(), isSurface);
+    for (auto item = begin; item != list_.items.end(); ++item) item->stepsBack = !isPlain;
+  }
+
+ private:
+  void paint() {
     if (style_ == DisplayStyle::BoundingBox) return boundingBox();
     if (style_ == DisplayStyle::Points) {
       allPoints();
@@ -53,6 +65,10 @@ class MeshPainter {
     }
     if (object_.showFaceNormals) faceNormals();
     if (object_.showVertexNormals) vertexNormals();
+    if (object_.showCornerNormals) cornerNormals();
+    if (object_.showFaceCenters) faceCenters();
+    if (object_.showTriangles) triangleLines();
+    if (object_.showUvBorders) uvBorders();
     if (object_.showHardEdges) hardEdges();
     if (object_.showBorderEdges) borderEdges();
     if (object_.showVertices) vertices();
@@ -60,7 +76,6 @@ class MeshPainter {
     hover();
   }
 
- private:
   DrawItem& add(Primitive primitive, Pass pass, VertexDataPtr data, IndexDataPtr indices) {
     DrawItem& item = list_.items.emplace_back();
     item.vertices = std::move(data);
@@ -224,15 +239,55 @@ class MeshPainter {
     item.pull = kEdgePull;
   }
 
-  void faceNormals() {
+  [[nodiscard]] std::vector<Vec3> centersOfFaces() const {
     std::vector<Vec3> centers;
     centers.reserve(static_cast<std::size_t>(object_.mesh.faceCount()));
-    for (FaceId face = 0; face < object_.mesh.faceCount(); ++face) {
-      Vec3 sum;
-      for (const VertexId v : object_.mesh.faceVertices(face)) sum += object_.mesh.point(v);
-      centers.push_back(sum * (1.0 / object_.mesh.faceSize(face)));
+    for (FaceId face = 0; face < object_.mesh.faceCount(); ++face)
+      centers.push_back(mesh::faceCenter(object_.mesh, face));
+    return centers;
+  }
+
+  void faceNormals() { spikes(centersOfFaces(), mesh::computeFaceNormals(object_.mesh)); }
+
+  void cornerNormals() {
+    const std::span<const Vec3f> normals = object_.mesh.cornerNormals();
+    std::vector<Vec3> points;
+    points.reserve(normals.size());
+    for (const VertexId v : object_.mesh.topology().cornerVertices)
+      points.emplace_back(object_.mesh.point(v));
+    spikes(points, {normals.begin(), normals.end()});
+  }
+
+  void faceCenters() {
+    auto data = std::make_shared<VertexData>();
+    for (const Vec3& center : centersOfFaces()) data->positions.push_back(center.toFloat());
+    if (data->positions.empty()) return;
+    DrawItem& item = add(Primitive::Points, Pass::Dots, std::move(data), nullptr);
+    item.color = colors_.faceCenter;
+    item.width = 4;
+    item.pull = kDotPull;
+  }
+
+  /// The sides of triangles that are no edges of their face.
+  void triangleLines() {
+    auto indices = std::make_shared<IndexData>();
+    const mesh::Mesh& mesh = object_.mesh;
+    for (FaceId face = 0; face < mesh.faceCount(); ++face) {
+      const std::span<const VertexId> loop = mesh.faceVertices(face);
+      const auto count = static_cast<Index>(loop.size());
+      if (count < 4) continue;
+      for (const mesh::LoopTriangle& triangle : mesh::triangulateFace(mesh, face))
+        for (std::size_t side = 0; side < 3; ++side) {
+          // Each inner side stands in two triangles, once in either direction.
+          const Index a = triangle[side], b = triangle[(side + 1) % 3];
+          if (a > b || b - a == 1 || b - a == count - 1) continue;
+          for (const Index at : {a, b})
+            indices->push_back(
+                static_cast<std::uint32_t>(Index{loop[static_cast<std::size_t>(at)]}));
+        }
     }
-    spikes(centers, mesh::computeFaceNormals(object_.mesh));
+    if (indices->empty()) return;
+    lines(std::move(indices), wireColor(), 1, kWirePull).stipple = Stipple::Dotted;
   }
 
   void vertexNormals() {
@@ -273,6 +328,15 @@ class MeshPainter {
     const mesh::Adjacency& adjacency = object_.mesh.adjacency();
     IndexDataPtr edges = edgesWhere([&](EdgeId e) { return adjacency.isBorderEdge(e); });
     if (!edges->empty()) lines(std::move(edges), colors_.borderEdge, 2.2f);
+  }
+
+  void uvBorders() {
+    const mesh::Mesh& mesh = object_.mesh;
+    if (mesh.uvSetCount() == 0) return;
+    auto indices = std::make_shared<IndexData>();
+    for (const EdgeId edge : mesh::uvBorderEdges(mesh, mesh.currentUvSet()))
+      appendEdge(edge, *indices);
+    if (!indices->empty()) lines(std::move(indices), colors_.uvBorder, 2.6f);
   }
 
   void vertices() {
@@ -407,6 +471,8 @@ void drawPreview(const RenderMesh& object, int nearness, const ViewProjection& v
   preview.selected = {};
   preview.hovered = {};
   preview.showVertices = preview.showFaceNormals = preview.showVertexNormals = false;
+  preview.showCornerNormals = preview.showFaceCenters = preview.showTriangles = false;
+  preview.showUvBorders = false;
   drawMesh(preview, nearness, view, options, cache, list);
   RenderMesh cage = object;
   cage.smoothed.reset();

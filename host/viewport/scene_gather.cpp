@@ -190,10 +190,14 @@ class Gatherer {
     mesh.showHardEdges = isOn(shape, "displayEdges");
     mesh.showBorderEdges = isOn(shape, "displayBorders");
     mesh.showColors = isOn(shape, "displayColors");
+    mesh.showFaceCenters = isOn(shape, "displayCenter");
+    mesh.showTriangles = isOn(shape, "displayTriangles");
+    mesh.showUvBorders = isOn(shape, "displayMapBorders");
     if (isOn(shape, "displayNormal")) {
-      const bool isOfFaces = scene::numberOr(shape, "normalType", 0) == 0;
-      mesh.showFaceNormals = isOfFaces;
-      mesh.showVertexNormals = !isOfFaces;
+      const auto type = static_cast<int>(scene::numberOr(shape, "normalType", 0));
+      mesh.showFaceNormals = type == 0;
+      mesh.showVertexNormals = type == 1;
+      mesh.showCornerNormals = type == 2;
       mesh.normalLength = scene::numberOr(shape, "normalSize", 0.4);
     }
     for (const SelectionItem* item : states_.componentsOf(path))
@@ -247,6 +251,12 @@ class Gatherer {
 
 std::vector<RenderMesh> gatherMeshes(scene::Document& document, const GatherOptions& options) {
   return Gatherer(document, options).run();
+}
+
+std::optional<LineLooks> lineLooks(dg::Node& node) {
+  const std::optional<DrawOverride> looks = drawOverride(node);
+  if (!looks) return std::nullopt;
+  return LineLooks{looks->type == DrawOverride::Type::Template, looks->color};
 }
 
 Result<RenderMesh> gatherMesh(scene::Document& document, const DagPath& shape) {

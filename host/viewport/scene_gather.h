@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <unordered_set>
 
 #include "host/base/result.h"
@@ -23,6 +24,13 @@ struct GatherOptions {
 /// selection; mesh arrays are shared, not copied.
 [[nodiscard]] std::vector<RenderMesh> gatherMeshes(scene::Document& document,
                                                    const GatherOptions& options = {});
+
+/// What a node's draw override says of lines that stand for it; nothing where it has none.
+struct LineLooks {
+  bool isTemplate = false;
+  std::optional<Rgba> color;
+};
+[[nodiscard]] std::optional<LineLooks> lineLooks(dg::Node& node);
 
 /// The mesh instance at a shape's path, as gatherMeshes gives it; to ask a picker about.
 [[nodiscard]] Result<RenderMesh> gatherMesh(scene::Document& document, const scene::DagPath& shape);

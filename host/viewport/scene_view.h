@@ -56,6 +56,10 @@ struct RenderMesh {
   bool xray = false;
   bool showFaceNormals = false;
   bool showVertexNormals = false;
+  bool showCornerNormals = false;  ///< one for every vertex of every face
+  bool showFaceCenters = false;
+  bool showTriangles = false;     ///< the lines that part faces of more than three sides
+  bool showUvBorders = false;     ///< edges at which the current UV set ends or is cut
   double normalLength = 1;        ///< of the lines that show normals, object space
   std::optional<Rgba> wireColor;  ///< of a layer or an override, while nothing is selected
   /// A preview drawn instead of the mesh's own surface; components are those of the mesh.
@@ -102,6 +106,9 @@ struct ViewOptions {
   bool showMeshes = true;
   bool showLocators = true;
   bool showLights = true;
+  bool showCurves = true;
+  bool showJoints = true;
+  bool jointXray = false;  ///< joints show through surfaces
   LightMode lightMode = LightMode::Default;
   GridOptions grid;
 };

@@ -5,7 +5,6 @@
 
 #include "host/scene/dag_paths.h"
 #include "host/scene/display_rules.h"
-#include "host/viewport/display_colors.h"
 
 namespace host::workspace {
 
@@ -65,41 +64,6 @@ Light lightAt(const DagPath& path) {
   return light;
 }
 
-/// Lines of a light's sign around its place: rays for a sun, a star for a point, a cone for a spot.
-std::vector<Vec3> signOf(const dg::NodeType& type) {
-  std::vector<Vec3> lines;
-  const auto line = [&](Vec3 a, Vec3 b) {
-    lines.push_back(a);
-    lines.push_back(b);
-  };
-  if (type.isA("directionalLight")) {
-    for (const Vec3& at :
-         {Vec3{0, 0, 0}, Vec3{0.4, 0.4, 0}, Vec3{-0.4, 0.4, 0}, Vec3{0, -0.4, 0}}) {
-      const Vec3 tip = at + Vec3{0, 0, -1};
-      line(at, tip);
-      line(tip, tip + Vec3{0.08, 0, 0.2});
-      line(tip, tip + Vec3{-0.08, 0, 0.2});
-    }
-    return lines;
-  }
-  constexpr int kSteps = 12;
-  if (type.isA("spotLight")) {
-    for (int i = 0; i < kSteps; ++i) {
-      const auto at = [](int step) {
-        const double angle = step * 6.283185307179586 / kSteps;
-        return Vec3{0.36 * std::cos(angle), 0.36 * std::sin(angle), -1};
-      };
-      line(at(i), at(i + 1));
-      if (i % 3 == 0) line({}, at(i));
-    }
-    return lines;
-  }
-  for (const Vec3& way : {Vec3{1, 0, 0}, Vec3{0, 1, 0}, Vec3{0, 0, 1}, Vec3{0.6, 0.6, 0.6},
-                          Vec3{-0.6, 0.6, 0.6}, Vec3{0.6, -0.6, 0.6}, Vec3{0.6, 0.6, -0.6}})
-    line(way * -0.4, way * 0.4);
-  return lines;
-}
-
 }  // namespace
 
 std::vector<Light> gatherLights(scene::Document& document, const std::string& which) {
@@ -111,37 +75,6 @@ std::vector<Light> gatherLights(scene::Document& document, const std::string& wh
     if (!onlySelected || isSelected(document, path)) lights.push_back(lightAt(path));
   });
   return lights;
-}
-
-void drawMarks(scene::Document& document, viewport::SceneView& scene) {
-  const viewport::DisplayColors& colors = viewport::displayColors();
-  forEachShape(document, [&](const DagPath& path) {
-    dg::Node& node = *path.node();
-    std::vector<Vec3> lines;
-    if (node.type().name == "locator" && scene.options.showLocators) {
-      const Vec3 center{scene::numberOr(node, "localPositionX", 0),
-                        scene::numberOr(node, "localPositionY", 0),
-                        scene::numberOr(node, "localPositionZ", 0)};
-      const Vec3 size{scene::numberOr(node, "localScaleX", 1),
-                      scene::numberOr(node, "localScaleY", 1),
-                      scene::numberOr(node, "localScaleZ", 1)};
-      for (const Vec3& arm : {Vec3{size.x, 0, 0}, Vec3{0, size.y, 0}, Vec3{0, 0, size.z}}) {
-        lines.push_back(center - arm);
-        lines.push_back(center + arm);
-      }
-    } else if (node.type().isA("light") && scene.options.showLights) {
-      lines = signOf(node.type());
-    }
-    if (lines.empty()) return;
-    std::vector<math::Vec3f> points;
-    const math::Matrix4 world = path.inclusiveMatrix();
-    for (const Vec3& p : lines) points.push_back(math::transformPoint(p, world).toFloat());
-    viewport::DrawItem& item =
-        scene.extra.add(viewport::Primitive::Lines, viewport::Pass::Wire, std::move(points));
-    const bool isChosen = scene.options.showSelection && isSelected(document, path);
-    item.color = isChosen ? colors.wireLead : colors.wireOnly;
-    item.width = 1.5f;
-  });
 }
 
 }  // namespace host::workspace

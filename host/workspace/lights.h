@@ -13,7 +13,4 @@ namespace host::workspace {
 [[nodiscard]] std::vector<viewport::Light> gatherLights(scene::Document& document,
                                                         const std::string& which);
 
-/// Adds what shows where locators and lights are, as the view's options ask for.
-void drawMarks(scene::Document& document, viewport::SceneView& scene);
-
 }  // namespace host::workspace

@@ -4,6 +4,7 @@
 #include "host/viewport/backends/gl_backend.h"
 #include "host/viewport/scene_gather.h"
 #include "host/workspace/lights.h"
+#include "host/workspace/marks.h"
 #include "host/workspace/materials.h"
 
 namespace host::workspace {
@@ -109,7 +110,7 @@ Result<viewport::SceneView> gatherView(scene::Document& document, const Views& v
   auto scene = gather(document, view, {.vertexMode = views.showsVertices && views.showsVertices()});
   if (!scene) return scene;
   scene->lights = gatherLights(document, view.lightsShown);
-  drawMarks(document, *scene);
+  drawMarks(document, view, *scene);
   for (const Views::Gather& gather : views.gatherers) gather(document, view, *scene);
   return scene;
 }

@@ -105,6 +105,14 @@ CommandResult hyperShade(Context& context, const ParsedArgs& args) {
     return mel::Value((*group)->name());
   }
   if (args.has("objects")) {
+    if (args.text("objects").empty()) {
+      SelectionList found;
+      for (const scene::SelectionItem& item : document.selection().items())
+        if (isMaterial(*item.node) || nodes::isShadingGroup(*item.node))
+          found.merge(objectsOf(*item.node), scene::SelectionMerge::Add);
+      document.setSelection(std::move(found));
+      return mel::Value("");
+    }
     auto node = document.node(args.text("objects"));
     if (!node) return failWith(std::move(node.error()));
     if (!isMaterial(**node) && !nodes::isShadingGroup(**node) && groupsOf(**node).empty())

@@ -1,5 +1,7 @@
 // shadingNode: makes a node and puts it on the list of its kind.
 #include "host/builtins/common/command.h"
+#include "host/builtins/common/new_light.h"
+#include "host/scene/dag.h"
 
 namespace host::builtins {
 
@@ -16,6 +18,12 @@ constexpr Kind kKinds[] = {
     {"asLight", "lightList1", "lights"},
     {"asRendering", "defaultRenderingList1", "rendering"},
 };
+
+void select(scene::Document& document, scene::Node& node) {
+  scene::SelectionList selection;
+  selection.add(node.shared_from_this());
+  document.setSelection(std::move(selection));
+}
 
 CommandResult shadingNode(Context& context, const ParsedArgs& args) {
   scene::Document& document = context.document;
@@ -34,7 +42,15 @@ CommandResult shadingNode(Context& context, const ParsedArgs& args) {
     if (!found) return failWith(std::move(found.error()));
     parent = *found;
   }
-  auto node = document.createNode(type, args.text("name", type + "#"), parent);
+  const std::string name = args.text("name", type + "#");
+  if (document.types().find(type)->isA("light")) {
+    auto light = newLight(document, type, name, parent);
+    if (!light) return failWith(std::move(light.error()));
+    scene::Node& transform = *scene::dagLinks(**light).parents.front();
+    if (!args.has("skipSelect")) select(document, transform);
+    return mel::Value(nodeName(transform));
+  }
+  auto node = document.createNode(type, name, parent);
   if (!node) return failWith(std::move(node.error()));
   const auto lists = document.nodesNamed(kind->list);
   if (!lists.empty()) {
@@ -43,11 +59,7 @@ CommandResult shadingNode(Context& context, const ParsedArgs& args) {
       HOST_TRY(document.graph().connect((*node)->plug("message"),
                                         entries.element(document.graph().nextFreeIndex(entries))));
   }
-  if (!args.has("skipSelect")) {
-    scene::SelectionList selection;
-    selection.add(*node);
-    document.setSelection(std::move(selection));
-  }
+  if (!args.has("skipSelect")) select(document, **node);
   return mel::Value(nodeName(**node));
 }
 

@@ -60,6 +60,17 @@ std::string pictureOf(dg::Node& shader, const char* attribute) {
   return text ? *text : std::string();
 }
 
+/// The picture of how opaque a shader is: a file's alpha, or its colours turned round by a node.
+std::string opacityPictureOf(dg::Node& shader) {
+  dg::Graph& graph = shader.graph();
+  const dg::Plug plug = shader.plug("transparency");
+  const dg::Plug source = plug ? graph.source(plug) : dg::Plug();
+  if (!source) return {};
+  if (source.node()->type().isA("reverse")) return pictureOf(*source.node(), "input");
+  const bool isAlpha = source.attribute()->longName == "outTransparency";
+  return isAlpha ? pictureOf(shader, "transparency") : std::string();
+}
+
 /// The way to a picture from a folder, where it lies in it; else its full path.
 std::string pathFrom(const std::string& folder, const std::string& picture) {
   if (picture.empty()) return picture;
@@ -84,7 +95,7 @@ io::MtlMaterial describe(dg::Node& shader, const std::string& name, const std::s
   }
   material.ambient = colorOf(shader, "ambientColor");
   material.emission = colorOf(shader, "incandescence");
-  material.opacityMap = pathFrom(folder, pictureOf(shader, "transparency"));
+  material.opacityMap = pathFrom(folder, opacityPictureOf(shader));
   const Vec3 clear = colorOf(shader, "transparency");
   if (material.opacityMap.empty())
     material.opacity = std::clamp(1 - (clear.x + clear.y + clear.z) / 3, 0.0, 1.0);
@@ -223,32 +234,49 @@ Result<dg::Node*> ObjShading::makeMaterial(const std::string& name) {
   if (const auto& lists = document_.nodesNamed("defaultShaderList1"); !lists.empty())
     HOST_TRY(
         graph.connect(shader.plug("message"), nodes::freeElement(lists.front()->plug("shaders"))));
-  HOST_TRY(addPicture(shader, material));
+  HOST_TRY(addPictures(shader, material));
   return &shader;
 }
 
-Result<void> ObjShading::addPicture(dg::Node& shader, const io::MtlMaterial& material) {
-  if (material.diffuseMap.empty()) return {};
-  if (!io::staysInFolder(material.diffuseMap) && !io::looksLikePicture(material.diffuseMap)) {
+Result<dg::Node*> ObjShading::makePicture(const dg::Node& shader, const std::string& map,
+                                          const std::string& suffix) {
+  if (map.empty()) return nullptr;
+  if (!io::staysInFolder(map) && !io::looksLikePicture(map)) {
     warn(
         fmt::format("material '{}': '{}' is not in the file's folder and no picture; it is not "
                     "taken over",
-                    material.name, material.diffuseMap));
-    return {};
+                    shader.name(), map));
+    return nullptr;
   }
-  auto file = document_.createNode("file", shader.name() + "_map");
+  auto file = document_.createNode("file", shader.name() + "_map" + suffix);
   if (!file) return failWith(std::move(file.error()));
-  auto place = document_.createNode("place2dTexture", shader.name() + "_place");
+  auto place = document_.createNode("place2dTexture", shader.name() + "_place" + suffix);
   if (!place) return failWith(std::move(place.error()));
   dg::Graph& graph = document_.graph();
-  const fs::path picture(material.diffuseMap);
+  const fs::path picture(map);
   const fs::path full = picture.is_absolute() ? picture : fs::path(folder_) / picture;
   HOST_TRY(graph.set((*file)->plug("fileTextureName"), full.generic_string()));
   HOST_TRY(graph.connect((*place)->plug("outUV"), (*file)->plug("uvCoord")));
-  HOST_TRY(graph.connect((*file)->plug("outColor"), shader.plug("color"), true));
+  return file->get();
+}
+
+Result<void> ObjShading::addPictures(dg::Node& shader, const io::MtlMaterial& material) {
+  dg::Graph& graph = document_.graph();
+  const auto color = makePicture(shader, material.diffuseMap, "");
+  if (!color) return failWith(color.error());
+  if (*color) HOST_TRY(graph.connect((*color)->plug("outColor"), shader.plug("color"), true));
+  // The colour's own picture cuts out by its alpha; another says by its colours how opaque it is.
   if (material.opacityMap == material.diffuseMap)
-    HOST_TRY(graph.connect((*file)->plug("outTransparency"), shader.plug("transparency"), true));
-  return {};
+    return *color
+               ? graph.connect((*color)->plug("outTransparency"), shader.plug("transparency"), true)
+               : Result<void>();
+  const auto opacity = makePicture(shader, material.opacityMap, "_d");
+  if (!opacity) return failWith(opacity.error());
+  if (!*opacity) return {};
+  auto turned = document_.createNode("reverse", shader.name() + "_clear");
+  if (!turned) return failWith(std::move(turned.error()));
+  HOST_TRY(graph.connect((*opacity)->plug("outColor"), (*turned)->plug("input")));
+  return graph.connect((*turned)->plug("output"), shader.plug("transparency"), true);
 }
 
 Result<void> describeShading(scene::Document& document, const scene::DagPath& shape,

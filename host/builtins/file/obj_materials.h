@@ -35,7 +35,10 @@ class ObjShading {
   Result<dg::Node*> groupOf(const std::string& name);
   Result<dg::Node*> setOf(const std::string& name);
   Result<dg::Node*> makeMaterial(const std::string& name);
-  Result<void> addPicture(dg::Node& shader, const io::MtlMaterial& material);
+  /// A file texture of a map, placed; none for an empty path and for one that is refused.
+  Result<dg::Node*> makePicture(const dg::Node& shader, const std::string& map,
+                                const std::string& suffix);
+  Result<void> addPictures(dg::Node& shader, const io::MtlMaterial& material);
 
   scene::Document& document_;
   std::map<std::string, io::MtlMaterial> materials_;

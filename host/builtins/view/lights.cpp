@@ -1,5 +1,6 @@
 // directionalLight, pointLight, spotLight, ambientLight, areaLight: make and ask about lights.
 #include "host/builtins/common/command.h"
+#include "host/builtins/common/new_light.h"
 #include "host/math/transform.h"
 
 namespace host::builtins {
@@ -85,20 +86,11 @@ CommandResult make(Context& context, const ParsedArgs& args, const std::string& 
     return mel::Value(nodeName(**light));
   }
   scene::Document& document = context.document;
-  auto transform = document.createNode("transform", args.text("name", type + "#"));
-  if (!transform) return failWith(std::move(transform.error()));
-  auto shape = document.createNode(type, shapeNameFor((*transform)->name()), transform->get());
+  auto shape = newLight(document, type, args.text("name", type + "#"));
   if (!shape) return failWith(std::move(shape.error()));
   HOST_TRY(apply(context, args, **shape));
-  const auto& lists = document.nodesNamed("lightList1");
-  if (!lists.empty()) {
-    const dg::Plug entries = lists.front()->plug("lights");
-    if (entries && entries.isArray())
-      HOST_TRY(document.graph().connect((*shape)->plug("message"),
-                                        entries.element(document.graph().nextFreeIndex(entries))));
-  }
   scene::SelectionList list;
-  list.add(*transform);
+  list.add(scene::dagLinks(**shape).parents.front()->shared_from_this());
   document.setSelection(std::move(list));
   return mel::Value(nodeName(**shape));
 }

@@ -114,7 +114,7 @@ class GlBackendImpl final : public GlBackend {
       program->use();
       setLighting(*program, list.lighting, viewMatrix(camera_));
     }
-    bool needsOcclusion = settings_.ambientOcclusion;
+    bool needsOcclusion = settings_.ambientOcclusion && list.lighting.mode != Lighting::Mode::Flat;
     bool hasOpaque = false;
     prepareState();
     for (const std::size_t index : drawOrder(full)) {
@@ -319,10 +319,10 @@ class GlBackendImpl final : public GlBackend {
     program.set("picture", 0);
     setMaterial(program, item);
     if (texture) parts_->buffers.bindTexture(texture);
-    // Surfaces step back by their slope, so that the lines on them are not cut where they turn
-    // away.
-    glEnable(GL_POLYGON_OFFSET_FILL);
-    glPolygonOffset(0.6f, 1.0f);
+    if (item.stepsBack) {
+      glEnable(GL_POLYGON_OFFSET_FILL);
+      glPolygonOffset(0.6f, 1.0f);
+    }
     glFrontFace(math::determinant(item.world) < 0 ? GL_CW : GL_CCW);
     item.cullBackFaces ? glEnable(GL_CULL_FACE) : glDisable(GL_CULL_FACE);
   }

@@ -392,8 +392,10 @@ void main() {
   vec2 pixel = 1.0 / portSize;
   vec3 left = p - at(across - vec2(pixel.x, 0.0)), right = at(across + vec2(pixel.x, 0.0)) - p;
   vec3 below = p - at(across - vec2(0.0, pixel.y)), above = at(across + vec2(0.0, pixel.y)) - p;
-  vec3 dx = abs(left.z) < abs(right.z) ? left : right;
-  vec3 dy = abs(below.z) < abs(above.z) ? below : above;
+  // Towards the nearer neighbour; there is none beyond the picture's rim.
+  bvec2 first = lessThan(across, pixel), last = greaterThan(across, 1.0 - pixel);
+  vec3 dx = !first.x && (last.x || abs(left.z) < abs(right.z)) ? left : right;
+  vec3 dy = !first.y && (last.y || abs(below.z) < abs(above.z)) ? below : above;
   vec3 n = normalize(cross(dx, dy));
   float radius = radiusPixels * pixelSize * (orthographic != 0 ? 1.0 : -p.z);
   float noise = fract(52.9829189 * fract(dot(gl_FragCoord.xy, vec2(0.06711056, 0.00583715))));
@@ -404,7 +406,9 @@ void main() {
     float share = (float(i) + 0.5) / float(kSamples);
     float angle = turn + float(i) * 2.3999632;
     vec2 offset = vec2(cos(angle), sin(angle)) * sqrt(share) * radiusPixels * pixel;
-    vec3 to = at(across + offset) - p;
+    vec2 where = across + offset;
+    if (where != clamp(where, vec2(0.0), vec2(1.0))) continue;
+    vec3 to = at(where) - p;
     float length2 = dot(to, to);
     // What rises by a few degrees only is the same surface, bent at an edge of its triangles.
     float slope = dot(to, n) * inversesqrt(length2 + 1e-12);

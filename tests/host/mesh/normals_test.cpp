@@ -127,6 +127,30 @@ TEST_CASE("triangulation: covers every face once, whatever its shape") {
   }
 }
 
+TEST_CASE("triangulateLoop: the corner of a bevel has no dents, wherever its loop begins") {
+  // Three quarter circles on the unit sphere, as the corner of a cube bevelled in segments.
+  const Vec3 ends[] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+  for (const int segments : {2, 3, 5})
+    for (const double side : {1.0, -1.0}) {  // of a corner that stands out, and of one that goes in
+      std::vector<Vec3> loop;
+      for (int i = 0; i < 3; ++i)
+        for (int k = 0; k < segments; ++k) {
+          const double angle = 1.5707963267948966 * k / segments;
+          loop.push_back((ends[i] * std::cos(angle) + ends[(i + 1) % 3] * std::sin(angle)) * side);
+        }
+      for (std::size_t start = 0; start < loop.size(); ++start) {
+        CAPTURE(segments);
+        CAPTURE(start);
+        std::vector<LoopTriangle> triangles;
+        triangulateLoop(loop, Vec3{1, 1, 1}, triangles);
+        REQUIRE(triangles.size() == loop.size() - 2);
+        for (const LoopTriangle& t : triangles)
+          CHECK(length(loop[at(t[0])] + loop[at(t[1])] + loop[at(t[2])]) / 3 > 0.8);
+        std::ranges::rotate(loop, loop.begin() + 1);
+      }
+    }
+}
+
 TEST_CASE(
     "triangulateLoop: long concave loops come out exactly, crossed and flat ones come out whole") {
   std::vector<Vec3> spiral;  // a band wound three times around
