@@ -100,6 +100,7 @@ bool isShownElsewhere(const std::string& name) {
       "polyLayoutUV.denseLayout",           // only where -layoutMethod packs boxes
       "polyMapSewMove.limitPieceSize",      // about -numberFaces
       "polyMergeEdge.mergeTexture",         // border edges whose UVs lie apart
+      "polySewEdge.texture",                // the same; the operation's own test shows it
       "unfold.scale",                       // only with -useScale
       "polyReduce.keepFaceGroupBorder",     // groups of faces
       "polyRemesh.maxTriangleCount",        // more are refused
