@@ -9,13 +9,22 @@ namespace host::scene {
 
 bool Document::Impl::isNameTaken(std::string_view name, bool isDag, std::span<Node* const> parents,
                                  const Node* except) const {
-  for (Node* other : names.named(name)) {
-    if (other == except) continue;
-    if (!isDag || !isDagNode(*other)) return true;
-    for (Node* parent : dagLinks(*other).parents)
-      if (std::find(parents.begin(), parents.end(), parent) != parents.end()) return true;
-  }
-  return false;
+  const std::vector<Node*>& same = names.named(name);
+  const auto isOther = [&](const Node* node) { return node != except; };
+  // Outside of the hierarchy a name is one node's alone, so that the first tells of all.
+  if (same.empty()) return false;
+  if (!isDag || !isDagNode(*same.front())) return std::ranges::any_of(same, isOther);
+  // Below a parent it is its children's; many nodes of one name under few parents each are told
+  // by the children, a full parent by the nodes of the name.
+  return std::ranges::any_of(parents, [&](const Node* parent) {
+    const std::vector<Node*>& children = parent ? dagLinks(*parent).children : worldChildren;
+    if (children.size() < same.size())
+      return std::ranges::any_of(
+          children, [&](const Node* child) { return isOther(child) && child->name() == name; });
+    return std::ranges::any_of(same, [&](const Node* other) {
+      return isOther(other) && std::ranges::count(dagLinks(*other).parents, parent) > 0;
+    });
+  });
 }
 
 std::string Document::Impl::freeName(std::string_view wanted, bool isDag,
