@@ -10,9 +10,10 @@ inline QApplication& offscreenApplication() {
   static char name[] = "test_window";
   static char* words[] = {name, nullptr};
   static const bool isOffscreen = qputenv("QT_QPA_PLATFORM", "offscreen");
-  static QApplication instance(count, words);
+  // Never destroyed: Qt's own devices go at the end of the program and look for it.
+  static auto* const instance = new QApplication(count, words);
   (void)isOffscreen;
-  return instance;
+  return *instance;
 }
 
 }  // namespace host::test
