@@ -96,6 +96,17 @@ Declaration& primitive(Declaration& declaration, const std::string& objectName,
       .creates(create);
 }
 
+Declaration& addAroundAxis(Declaration& declaration, std::string radiusHelp) {
+  return declaration.parameter(keyable(distance("radius", "r", 1)), std::move(radiusHelp))
+      .parameter(keyable(distance("height", "h", 2)), "size along the axis")
+      .parameter(keyable(atLeast(integer("subdivisionsAxis", "sa", 20), 3)),
+                 "faces around the axis")
+      .alsoFlag("sx", "subdivisionsX")
+      .parameter(keyable(atLeast(integer("subdivisionsHeight", "sh", 1), 1)),
+                 "faces along the axis")
+      .alsoFlag("sy", "subdivisionsY");
+}
+
 Result<void> finishPrimitive(HistoryContext& context, Result<mesh::Mesh> made, Baseline baseline) {
   if (!made) return failWith(std::move(made.error()));
   const double height = context.real("heightBaseline");

@@ -10,6 +10,24 @@ namespace host::modelling {
 Declaration& primitive(Declaration& declaration, const std::string& objectName,
                        std::initializer_list<std::string_view> uvModes, int uvMode);
 
+/// Adds what stands around its axis has: `radius`, `height`, and the faces around and along it.
+Declaration& addAroundAxis(Declaration& declaration, std::string radiusHelp);
+/// Reads these, the rings of the ends under a name, `roundCap`, the axis and the UVs.
+template <class Options>
+[[nodiscard]] Options aroundAxis(const HistoryContext& context, int Options::*rings,
+                                 std::string_view ringsName) {
+  Options options;
+  options.radius = context.real("radius");
+  options.height = context.real("height");
+  options.subdivisionsAxis = context.integer("subdivisionsAxis");
+  options.subdivisionsHeight = context.integer("subdivisionsHeight");
+  options.*rings = context.integer(ringsName);
+  options.roundCap = context.boolean("roundCap");
+  options.axis = context.vec3("axis");
+  options.createUVs = context.integer("createUVs");
+  return options;
+}
+
 /// Who heeds `heightBaseline`.
 enum class Baseline : std::uint8_t { Raise, MakerDid };
 

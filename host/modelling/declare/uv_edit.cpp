@@ -60,7 +60,8 @@ Result<void> turnToDirection(Context& context, const ParsedArgs& args, Node& nod
     for (VertexId v = 0; v < seen.vertexCount(); ++v)
       points.push_back(math::transformPoint(seen.point(v), space).toFloat());
     seen.setPoints(std::move(points));
-    return graph.setVec3(node.plug("rotate"), math::matrixToEuler(ops::bestPlaneAxes(seen, faces)));
+    return graph.setVec3(node.plug("rotate"),
+                         math::matrixToEuler(ops::bestPlaneAxes(seen, viewIds<FaceId>(faces))));
   }
   if (direction == "c" || direction == "camera") {
     const auto camera = viewCamera(context);
@@ -239,6 +240,31 @@ Result<void> fitProjection(Context& context, const ParsedArgs& args, Node& node,
   if (args.has("projectionScaleV"))
     HOST_TRY(setNumber(context, size.child(1), args.real("projectionScaleV")));
   return {};
+}
+
+void addRoundProjection(Declaration& declaration, ops::UvProjectionShape shape, ProjectionSize size,
+                        double radius, std::string radiusHelp) {
+  declaration.takes(ComponentType::Face);
+  addProjection(declaration, std::move(size));
+  addUvSetName(declaration);
+  declaration.parameter(boolean("seamCorrect", "sc"), "faces across the seam go on beyond it")
+      .parameter(real("radius", "r", radius), std::move(radiusHelp))
+      .recordedOnly()
+      .parameter(boolean("useOldPolyProjection", "uopp"), "of older files")
+      .noFlag()
+      .recordedOnly()
+      .afterFlags([shape](Context& context, const ParsedArgs& args, Node& node,
+                          const MeshItem& item, const std::vector<Index>& faces) -> Result<void> {
+        HOST_TRY(chooseUvSet(context, args, node, item));
+        return fitProjection(context, args, node, item, faces, shape);
+      })
+      .trial("", "f")
+      .trial("-sc 1 -ps 360 2 -rx 30 -ws 1", "f")
+      .operation([shape](HistoryContext& context) -> Result<void> {
+        const auto set = uvSetToFill(context);
+        if (!set) return failWith(set.error());
+        return ops::projectUvs(context.mesh, *set, context.faces(), projectionOf(context, shape));
+      });
 }
 
 }  // namespace host::modelling

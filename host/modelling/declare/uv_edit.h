@@ -37,4 +37,9 @@ Result<void> fitProjection(Context& context, const ParsedArgs& args, Node& node,
                            const MeshItem& item, const std::vector<Index>& faces,
                            ops::UvProjectionShape shape);
 
+/// Declares a projection from around the faces: node, parameters, trials and what they do.
+/// @param radius of the shape as files have it shown; `radiusHelp` says of what
+void addRoundProjection(Declaration& declaration, ops::UvProjectionShape shape, ProjectionSize size,
+                        double radius, std::string radiusHelp);
+
 }  // namespace host::modelling
