@@ -198,7 +198,7 @@ BENCHMARK_CAPTURE(command, merge, "shape.vtx[*]", "qxMergeVerts -id 5")
 void circleOnGrid(benchmark::State& state, bool isMirrored) {
   const Index side = 2 * static_cast<Index>(std::sqrt(static_cast<double>(state.range(0))) / 2);
   std::vector<Vec3f> points;
-  std::vector<Index> corners;
+  std::vector<host::VertexId> corners;
   for (Index i = 0; i < side; ++i)
     for (Index j = 0; j < side; ++j) {
       const double x = 20.0 * (j + 0.5) / side - 10, z = 20.0 * i / side - 10;
@@ -281,7 +281,7 @@ BENCHMARK_CAPTURE(transferTopology, order, " -order true")
 host::mesh::Mesh gridAbove(const benchmark::State& state) {
   const Index side = static_cast<Index>(std::sqrt(static_cast<double>(state.range(0))));
   std::vector<Vec3f> points;
-  std::vector<Index> corners;
+  std::vector<host::VertexId> corners;
   for (Index i = 0; i < side; ++i)
     for (Index j = 0; j < side; ++j)
       points.push_back(

@@ -55,7 +55,7 @@ mesh::Mesh gridMesh(int side) {
         corners.push_back(v);
   mesh::Mesh mesh = mesh::buildMesh(std::move(points), counts, corners).value();
   mesh.editUvSet(0).points = std::move(uvs);
-  mesh.editUvSet(0).cornerIds = std::move(corners);
+  mesh.editUvSet(0).cornerIds = host::copyIds<host::UvId>(corners);
   return mesh;
 }
 

@@ -42,7 +42,7 @@ const std::string& gridFile(int side) {
   scene.objects.emplace_back();
   scene.objects[0].mesh = mesh::buildMesh(std::move(points), counts, corners).value();
   scene.objects[0].mesh.editUvSet(0).points = std::move(uvs);
-  scene.objects[0].mesh.editUvSet(0).cornerIds = std::move(corners);
+  scene.objects[0].mesh.editUvSet(0).cornerIds = host::copyIds<host::UvId>(corners);
   path = std::string(QXMT_BINARY_DIR) + "/obj_io_bench_" + std::to_string(side) + ".obj";
   if (!io::writeObj(path, scene, {io::ObjWriteOptions::Normals::Never})) std::abort();
   return path;

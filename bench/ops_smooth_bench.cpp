@@ -88,10 +88,10 @@ void BM_OpenSubdiv(benchmark::State& state) {
     descriptor.numVertices = mesh.vertexCount();
     descriptor.numFaces = mesh.faceCount();
     descriptor.numVertsPerFace = sizes.data();
-    descriptor.vertIndicesPerFace = mesh.topology().cornerVertices.data();
+    descriptor.vertIndicesPerFace = IdView(mesh.topology().cornerVertices).data();
     Far::TopologyDescriptor::FVarChannel channel;
     channel.numValues = static_cast<int>(mesh.uvSet(0).points.size());
-    channel.valueIndices = mesh.uvSet(0).cornerIds.data();
+    channel.valueIndices = IdView(mesh.uvSet(0).cornerIds).data();
     descriptor.numFVarChannels = 1;
     descriptor.fvarChannels = &channel;
     Sdc::Options options;

@@ -31,7 +31,8 @@ Mesh strips(Index side, Index shells) {
     for (Index x = 0; x <= side; ++x)
       points.push_back({static_cast<float>(x), std::sin(0.1F * static_cast<float>(x + y)),
                         static_cast<float>(y)});
-  std::vector<Index> counts, corners;
+  std::vector<Index> counts;
+  std::vector<host::VertexId> corners;
   host::mesh::UvSet uvs;
   uvs.name = "map1";
   const Index strip = side / shells, columns = shells * (strip + 1);

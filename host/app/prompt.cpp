@@ -48,7 +48,7 @@ char* nextCandidate(const char* word, int state) {
   static std::vector<std::string> candidates;
   static std::size_t next = 0;
   if (state == 0) {
-    const std::string_view line(rl_line_buffer, static_cast<std::size_t>(rl_point));
+    const std::string_view line(rl_line_buffer, at(rl_point));
     candidates = completions(*promptSession, line, word);
     next = 0;
     // Behind a folder, a component's bracket or a node of which an attribute is meant one types on.
@@ -137,8 +137,8 @@ int waitForCharacter(std::FILE* stream) {
     const char narrow = static_cast<char>(byte);
     wchar_t wide = 0;
     const std::size_t taken = std::mbrtowc(&wide, &narrow, 1, &state);
-    if (taken == static_cast<std::size_t>(-2)) continue;  // the character goes on
-    return taken == static_cast<std::size_t>(-1) ? byte : static_cast<int>(wide);
+    if (taken == at(-2)) continue;  // the character goes on
+    return taken == at(-1) ? byte : static_cast<int>(wide);
   }
 }
 

@@ -61,8 +61,11 @@ int complain(int status, const std::string& message) {
 
 template <class Number>
 bool readNumber(std::string_view text, Number& number) {
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  return error == std::errc() && end == text.data() + text.size();
+  std::conditional_t<AnyId<Number>, Index, Number> read{};
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), read);
+  if (error != std::errc() || end != text.data() + text.size()) return false;
+  number = read;
+  return true;
 }
 
 /// Reads the words. @return -1 to go on
@@ -143,7 +146,7 @@ Result<ops::SeamFlags> seamsOf(const UnwrapJob& job, const mesh::Mesh& mesh, std
     const bool hasUvs = !mesh.uvSet(mesh.currentUvSet()).cornerIds.empty();
     if (!hasUvs && job.seams == "uvs") return fail("it has no UVs to take seams from");
     return hasUvs ? ops::uvSeams(mesh, mesh.currentUvSet())
-                  : ops::SeamFlags(static_cast<std::size_t>(mesh.edgeCount()), 0);
+                  : ops::SeamFlags(at(mesh.edgeCount()), 0);
   }
   auto pairs = readPairs(job.seams);
   if (!pairs) return failWith(pairs.error());

@@ -219,7 +219,7 @@ Result<std::vector<double>> counted(std::span<const mel::Value> values, std::siz
   if (!(count >= 0) || static_cast<double>(all->size()) < count * static_cast<double>(width))
     return fail(ErrorKind::BadArgument, "-type {} says {} elements, but {} values follow.", type,
                 count, all->size());
-  all->resize(static_cast<std::size_t>(count) * width);
+  all->resize(at(count) * width);
   return all;
 }
 
@@ -270,10 +270,10 @@ Result<std::vector<std::string>> countedWords(std::span<const mel::Value> values
   if (all.empty()) return all;
   const std::int32_t count = mel::leadingInt(all.front());
   all.erase(all.begin());
-  if (count < 0 || all.size() < static_cast<std::size_t>(count))
+  if (count < 0 || all.size() < at(count))
     return fail(ErrorKind::BadArgument, "-type {} says {} elements, but {} follow.", type, count,
                 all.size());
-  all.resize(static_cast<std::size_t>(count));
+  all.resize(at(count));
   return all;
 }
 

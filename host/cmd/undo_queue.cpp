@@ -302,7 +302,7 @@ void UndoQueue::setLength(int length) {
 
 void UndoQueue::trim() {
   if (isInfinite_) return;
-  while (done_.size() > static_cast<std::size_t>(length_)) done_.pop_front();
+  while (done_.size() > at(length_)) done_.pop_front();
 }
 
 void UndoQueue::flush() {

@@ -35,7 +35,7 @@ class Plug {
   [[nodiscard]] bool isComplete() const;
 
   [[nodiscard]] int levels() const { return levels_; }
-  [[nodiscard]] Index index(int level) const { return indices_[static_cast<std::size_t>(level)]; }
+  [[nodiscard]] Index index(int level) const { return indices_[at(level)]; }
   /// The last index given or missing; kNone where there is no array on the way.
   [[nodiscard]] Index logicalIndex() const { return levels_ > 0 ? index(levels_ - 1) : kNone; }
 

@@ -37,7 +37,7 @@ Result<void> rotateObject(const scene::DagPath& path, const TurnOptions& options
   Vec3& rotate = components->rotate;
   if (!options.isRelative && !options.isWorld) {
     for (int axis = 0; axis < 3; ++axis)
-      if (options.axes[static_cast<std::size_t>(axis)]) rotate[axis] = options.amount[axis];
+      if (options.axes[at(axis)]) rotate[axis] = options.amount[axis];
   } else if (options.isRelative && options.isEuler) {
     rotate += options.amount;
   } else {
@@ -58,7 +58,7 @@ Result<void> scaleObject(const scene::DagPath& path, const TurnOptions& options)
   if (!components) return failWith(std::move(components.error()));
   Vec3& scale = components->scale;
   for (int axis = 0; axis < 3; ++axis) {
-    if (!options.axes[static_cast<std::size_t>(axis)]) continue;
+    if (!options.axes[at(axis)]) continue;
     scale[axis] = options.isRelative ? scale[axis] * options.amount[axis] : options.amount[axis];
   }
   if (!options.pivot || !options.isRelative)

@@ -48,7 +48,7 @@ Result<void> editVertices(const std::vector<nodes::MeshItem>& items, PointSpace 
     if (!mesh) return failWith(std::move(mesh.error()));
     std::vector<math::Vec3f> points(mesh->points().begin(), mesh->points().end());
     const auto change = [&](VertexId v, double weight) {
-      math::Vec3f& point = points[static_cast<std::size_t>(v)];
+      math::Vec3f& point = points[at(v)];
       const math::Vec3 before = math::transformPoint(math::Vec3(point), matrix);
       math::Vec3 after = edit(before);
       if (weight < 1) after = before + (after - before) * weight;

@@ -15,13 +15,13 @@ struct Share {
 std::vector<Share> sharesOf(int from, int to) {
   const double scale = static_cast<double>(from) / to;
   const double reach = std::max(scale, 1.0);
-  std::vector<Share> shares(static_cast<std::size_t>(to));
+  std::vector<Share> shares(at(to));
   for (int i = 0; i < to; ++i) {
-    Share& share = shares[static_cast<std::size_t>(i)];
+    Share& share = shares[at(i)];
     const double center = (i + 0.5) * scale - 0.5;
     const int low = std::clamp(static_cast<int>(std::ceil(center - reach)), 0, from - 1);
     const int high = std::clamp(static_cast<int>(std::floor(center + reach)), 0, from - 1);
-    share.first = static_cast<std::size_t>(low);
+    share.first = at(low);
     double sum = 0;
     for (int k = low; k <= high; ++k)
       sum += share.weights.emplace_back(std::max(0.0, 1 - std::abs(k - center) / reach));
@@ -35,11 +35,11 @@ std::vector<Share> sharesOf(int from, int to) {
 FloatImage resized(const FloatImage& image, int width, int height) {
   const std::vector<Share> columns = sharesOf(image.width, width);
   const std::vector<Share> rows = sharesOf(image.height, height);
-  const auto oldStride = static_cast<std::size_t>(image.width) * 4;
-  const auto stride = static_cast<std::size_t>(width) * 4;
+  const auto oldStride = at(image.width) * 4;
+  const auto stride = at(width) * 4;
   FloatImage narrowed{width, image.height, {}};
-  narrowed.rgba.resize(stride * static_cast<std::size_t>(image.height));
-  for (std::size_t y = 0; y < static_cast<std::size_t>(image.height); ++y)
+  narrowed.rgba.resize(stride * at(image.height));
+  for (std::size_t y = 0; y < at(image.height); ++y)
     for (std::size_t x = 0; x < columns.size(); ++x)
       for (std::size_t c = 0; c < 4; ++c) {
         double sum = 0;

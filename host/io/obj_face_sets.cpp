@@ -62,7 +62,7 @@ class SetCollector {
   }
 
  private:
-  std::size_t object_ = static_cast<std::size_t>(-1);
+  std::size_t object_ = at(-1);
   std::unordered_map<std::string_view, std::size_t> places_;
 };
 

@@ -45,12 +45,11 @@ void hardenByNormals(const mesh::Mesh& mesh, const FileNormals& file,
   std::vector<EndNormals> seen(topology.edges.size());
   std::vector<std::uint8_t> isSeen(topology.edges.size(), 0);
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
-    const CornerId first = topology.faceOffsets[at(f)], end = topology.faceOffsets[at(f) + 1];
+    const CornerId first = topology.faceOffsets[f], end = topology.faceOffsets[at(f) + 1];
     for (CornerId c = first; c < end; ++c) {
-      const auto e = at(topology.cornerEdges[at(c)]);
-      const Index here = file.cornerIds[at(c)],
-                  next = file.cornerIds[at(c + 1 < end ? c + 1 : first)];
-      const bool isForward = topology.edges[e].a == topology.cornerVertices[at(c)];
+      const auto e = at(topology.cornerEdges[c]);
+      const Index here = file.cornerIds[c], next = file.cornerIds[c + 1 < end ? c + 1 : first];
+      const bool isForward = topology.edges[e].a == topology.cornerVertices[c];
       const EndNormals ends = isForward ? EndNormals{here, next} : EndNormals{next, here};
       if (isSeen[e] != 0 && comparer.differ(seen[e], ends)) {
         if (smoothFlags.empty()) smoothFlags.assign(topology.edges.size(), 1);

@@ -76,15 +76,15 @@ class SceneBuilder {
     };
     bool hasAny = false;
     for (FaceId f = 0; f < faceCount() && !hasAny; ++f)
-      for (CornerId c = s_.faceOffsets[at(f)]; c < s_.faceOffsets[at(f) + 1]; ++c)
-        hasAny |= isRepeated(s_.faceOffsets[at(f)], s_.faceOffsets[at(f) + 1], c);
+      for (CornerId c = s_.faceOffsets[f]; c < s_.faceOffsets[at(f) + 1]; ++c)
+        hasAny |= isRepeated(s_.faceOffsets[f], s_.faceOffsets[at(f) + 1], c);
     if (!hasAny) return;
 
     std::vector<CornerId> offsets{0}, kept;
-    std::vector<FaceId> newFace(at(faceCount()) + 1);
+    PerElement<FaceId, FaceId> newFace(faceCount() + 1);
     for (FaceId f = 0; f < faceCount(); ++f) {
-      newFace[at(f)] = static_cast<FaceId>(offsets.size()) - 1;
-      const CornerId first = s_.faceOffsets[at(f)], end = s_.faceOffsets[at(f) + 1];
+      newFace[f] = static_cast<FaceId>(offsets.size()) - 1;
+      const CornerId first = s_.faceOffsets[f], end = s_.faceOffsets[at(f) + 1];
       const std::size_t before = kept.size();
       for (CornerId c = first; c < end; ++c)
         if (!isRepeated(first, end, c)) kept.push_back(c);
@@ -104,13 +104,13 @@ class SceneBuilder {
       ids->resize(kept.size());
     }
     s_.faceOffsets = std::move(offsets);
-    for (ObjEvent& event : s_.events) event.face = newFace[at(event.face)];
+    for (ObjEvent& event : s_.events) event.face = newFace[event.face];
   }
 
   void dropPartialUvs() {
     if (s_.cornerUvs.empty()) return;
     for (FaceId f = 0; f < faceCount(); ++f) {
-      const auto begin = s_.cornerUvs.begin() + s_.faceOffsets[at(f)],
+      const auto begin = s_.cornerUvs.begin() + s_.faceOffsets[f],
                  end = s_.cornerUvs.begin() + s_.faceOffsets[at(f) + 1];
       const auto absent = std::count(begin, end, ObjStatements::kAbsent);
       if (absent != 0 && absent != end - begin)
@@ -120,21 +120,21 @@ class SceneBuilder {
   }
 
   Result<void> addWholeFile(const ObjObjectSpan& span) {
-    std::vector<Index> counts(at(faceCount()));
+    PerElement<FaceId, Index> counts(faceCount());
     for (std::size_t f = 0; f < counts.size(); ++f)
       counts[f] = s_.faceOffsets[f + 1] - s_.faceOffsets[f];
-    auto mesh = mesh::buildMesh(std::move(s_.points), counts, s_.cornerPoints);
+    auto mesh = mesh::buildMesh(std::move(s_.points), counts, viewIds<VertexId>(s_.cornerPoints));
     if (!mesh) return failWith(std::move(mesh).error());
     mesh::UvSet& set = mesh->editUvSet(0);
     set.points = std::move(s_.uvs);
     if (std::any_of(s_.cornerUvs.begin(), s_.cornerUvs.end(), [](UvId id) { return id >= 0; }))
-      set.cornerIds = std::move(s_.cornerUvs);
+      set.cornerIds = copyIds<UvId>(s_.cornerUvs);
     setColors(*mesh, std::move(s_.colors));
     return finishObject(span, std::move(*mesh), s_.cornerNormals);
   }
 
   Result<void> addObject(const ObjObjectSpan& span, IdPool& pointPool, IdPool& uvPool) {
-    const auto first = at(s_.faceOffsets[at(span.first)]), end = at(s_.faceOffsets[at(span.end)]);
+    const auto first = at(s_.faceOffsets[span.first]), end = at(s_.faceOffsets[span.end]);
     const auto slice = [&](std::vector<Index>& ids) {
       return ids.empty() ? std::span<Index>() : std::span(ids).subspan(first, end - first);
     };
@@ -150,8 +150,8 @@ class SceneBuilder {
     for (Index& id : corners) id = pointPool.newId(id);
     std::vector<Index> counts;
     for (FaceId f = span.first; f < span.end; ++f)
-      counts.push_back(s_.faceOffsets[at(f) + 1] - s_.faceOffsets[at(f)]);
-    auto mesh = mesh::buildMesh(std::move(points), counts, corners);
+      counts.push_back(s_.faceOffsets[at(f) + 1] - s_.faceOffsets[f]);
+    auto mesh = mesh::buildMesh(std::move(points), counts, viewIds<VertexId>(corners));
     if (!mesh) return failWith(std::move(mesh).error());
     if (!usedUvs.empty()) {
       mesh::UvSet& set = mesh->editUvSet(0);

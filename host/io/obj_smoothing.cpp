@@ -7,11 +7,10 @@
 namespace host::io {
 
 std::vector<std::uint32_t> groupOfFaces(std::span<const ObjSmoothingRun> runs, Index faceCount) {
-  std::vector<std::uint32_t> groups(static_cast<std::size_t>(faceCount), 0);
+  std::vector<std::uint32_t> groups(at(faceCount), 0);
   for (const ObjSmoothingRun& run : runs) {
-    const Index end = std::min(faceCount, run.faces.first + run.faces.count);
-    for (FaceId f = std::max(0, run.faces.first); f < end; ++f)
-      groups[static_cast<std::size_t>(f)] = run.group;
+    const FaceId end = std::min<Index>(faceCount, run.faces.first + run.faces.count);
+    for (FaceId f = std::max<Index>(0, run.faces.first); f < end; ++f) groups[at(f)] = run.group;
   }
   return groups;
 }
@@ -29,12 +28,12 @@ std::vector<ObjSmoothingRun> smoothingRuns(std::span<const std::uint32_t> groupO
 std::vector<std::uint8_t> smoothFlags(const mesh::Mesh& mesh,
                                       std::span<const std::uint32_t> groupOfFaces) {
   constexpr std::uint32_t kUnseen = 0xffffffff;
-  std::vector<std::uint32_t> groupOfEdges(static_cast<std::size_t>(mesh.edgeCount()), kUnseen);
+  PerElement<EdgeId, std::uint32_t> groupOfEdges(mesh.edgeCount(), kUnseen);
   std::vector<std::uint8_t> flags(groupOfEdges.size(), 1);
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
-    const std::uint32_t group = groupOfFaces[static_cast<std::size_t>(f)];
+    const std::uint32_t group = groupOfFaces[at(f)];
     for (const EdgeId e : mesh.faceEdges(f)) {
-      const auto k = static_cast<std::size_t>(e);
+      const auto k = at(e);
       if (group == 0 || (groupOfEdges[k] != kUnseen && groupOfEdges[k] != group)) flags[k] = 0;
       groupOfEdges[k] = group;
     }
@@ -44,7 +43,7 @@ std::vector<std::uint8_t> smoothFlags(const mesh::Mesh& mesh,
 
 DerivedSmoothing deriveSmoothing(const mesh::Mesh& mesh) {
   const auto& adjacency = mesh.adjacency();
-  const auto faceCount = static_cast<std::size_t>(mesh.faceCount());
+  const auto faceCount = at(mesh.faceCount());
   DerivedSmoothing result;
   result.groupOfFaces.assign(faceCount, 0);
   std::uint32_t next = 1;
@@ -58,8 +57,8 @@ DerivedSmoothing deriveSmoothing(const mesh::Mesh& mesh) {
     return std::any_of(edges.begin(), edges.end(), [&](EdgeId e) { return mesh.isEdgeSmooth(e); });
   };
   for (FaceId seed = 0; seed < mesh.faceCount(); ++seed) {
-    if (result.groupOfFaces[static_cast<std::size_t>(seed)] != 0 || !isSmoothFace(seed)) continue;
-    result.groupOfFaces[static_cast<std::size_t>(seed)] = next;
+    if (result.groupOfFaces[at(seed)] != 0 || !isSmoothFace(seed)) continue;
+    result.groupOfFaces[at(seed)] = next;
     open.assign(1, seed);
     while (!open.empty()) {
       const FaceId f = open.back();
@@ -67,7 +66,7 @@ DerivedSmoothing deriveSmoothing(const mesh::Mesh& mesh) {
       for (const EdgeId e : mesh.faceEdges(f)) {
         if (!isJoining(e)) continue;
         for (const FaceId g : adjacency.edgeFaces(e)) {
-          auto& group = result.groupOfFaces[static_cast<std::size_t>(g)];
+          auto& group = result.groupOfFaces[at(g)];
           if (group == 0) {
             group = next;
             open.push_back(g);
@@ -80,7 +79,7 @@ DerivedSmoothing deriveSmoothing(const mesh::Mesh& mesh) {
   const std::vector<std::uint8_t> stated = smoothFlags(mesh, result.groupOfFaces);
   for (EdgeId e = 0; e < mesh.edgeCount() && result.isExact; ++e)
     if (adjacency.edgeFaces(e).size() > 1)
-      result.isExact = (stated[static_cast<std::size_t>(e)] != 0) == mesh.isEdgeSmooth(e);
+      result.isExact = (stated[at(e)] != 0) == mesh.isEdgeSmooth(e);
   return result;
 }
 

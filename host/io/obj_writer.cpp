@@ -72,10 +72,10 @@ NormalTable makeNormalTable(const mesh::Mesh& mesh) {
   NormalTable table;
   const std::span<const math::Vec3f> own = mesh.cornerNormals();
   const auto& corners = mesh.topology().cornerVertices;
-  std::vector<Index> newestAtVertex(at(mesh.vertexCount()), kNone), older;
+  PerElement<VertexId, Index> newestAtVertex(mesh.vertexCount(), kNone), older;
   table.cornerIds.resize(corners.size());
   for (std::size_t c = 0; c < corners.size(); ++c) {
-    Index& newest = newestAtVertex[at(corners[c])];
+    Index& newest = newestAtVertex[corners[c]];
     Index id = newest;
     while (id != kNone && !(table.normals[at(id)] == own[c])) id = older[at(id)];
     if (id == kNone) {
@@ -93,11 +93,11 @@ std::vector<mesh::Color4f> vertexColors(const mesh::Mesh& mesh) {
   if (mesh.currentColorSet() < 0) return {};
   const mesh::ColorSet& set = mesh.colorSet(mesh.currentColorSet());
   constexpr mesh::Color4f kUnset{-1, 0, 0, 1};
-  std::vector<mesh::Color4f> colors(at(mesh.vertexCount()), kUnset);
+  PerElement<VertexId, mesh::Color4f> colors(mesh.vertexCount(), kUnset);
   std::vector<std::uint8_t> isSeen(colors.size(), 0);
   const auto& corners = mesh.topology().cornerVertices;
   for (std::size_t c = 0; c < corners.size() && c < set.cornerIds.size(); ++c) {
-    const mesh::Color4f color = set.cornerIds[c] < 0 ? kUnset : set.colors[at(set.cornerIds[c])];
+    const mesh::Color4f color = set.cornerIds[c] < 0 ? kUnset : set.colors[set.cornerIds[c]];
     const auto v = at(corners[c]);
     if (isSeen[v] != 0 && !(colors[v] == color)) return {};
     colors[v] = color;
@@ -278,13 +278,13 @@ class Writer {
       out += 'f';
       for (CornerId c = topology.faceOffsets[f]; c < topology.faceOffsets[f + 1]; ++c) {
         out += ' ';
-        appendNumber(out, topology.cornerVertices[at(c)] + firstPoint_);
+        appendNumber(out, topology.cornerVertices[c] + firstPoint_);
         const bool hasUv = !uvIds_.empty() && uvIds_[at(c)] >= 0;
         if (hasUv || !normals_.cornerIds.empty()) out += '/';
         if (hasUv) appendNumber(out, uvIds_[at(c)] + firstUv_);
         if (normals_.cornerIds.empty()) continue;
         out += '/';
-        appendNumber(out, normals_.cornerIds[at(c)] + firstNormal_);
+        appendNumber(out, normals_.cornerIds[c] + firstNormal_);
       }
       out += '\n';
     });

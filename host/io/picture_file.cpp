@@ -143,8 +143,7 @@ Result<void> writePicture(const std::string& path, const Image& image, PictureFo
   if (image.width < 1 || image.height < 1 || image.width > kLargestImageSide ||
       image.height > kLargestImageSide)
     return fail("A picture of {} x {} pixels cannot be written", image.width, image.height);
-  if (image.rgba.size() != std::size_t{4} * static_cast<std::size_t>(image.width) *
-                               static_cast<std::size_t>(image.height))
+  if (image.rgba.size() != std::size_t{4} * at(image.width) * at(image.height))
     return fail("The pixels do not fit a picture of {} x {}", image.width, image.height);
   if (format == PictureFormat::Bmp) return writeFileAtomically(path, encodeBmp(image));
   const auto text = encodeJpeg(image, quality);

@@ -46,9 +46,8 @@ bool encode(png_structp png, png_infop info, const Samples& samples, std::string
   png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_SUB);
   png_write_info(png, info);
   if (!samples.hasAlpha) png_set_filler(png, 0, PNG_FILLER_AFTER);  // passed over in the rows
-  const std::size_t stride = samples.sampleBytes * 4 * static_cast<std::size_t>(samples.width);
-  for (int y = 0; y < samples.height; ++y)
-    png_write_row(png, samples.data + stride * static_cast<std::size_t>(y));
+  const std::size_t stride = samples.sampleBytes * 4 * at(samples.width);
+  for (int y = 0; y < samples.height; ++y) png_write_row(png, samples.data + stride * at(y));
   png_write_end(png, info);
   return true;
 }
@@ -56,7 +55,7 @@ bool encode(png_structp png, png_infop info, const Samples& samples, std::string
 Result<void> check(int width, int height, std::size_t count) {
   if (width < 1 || height < 1 || width > kLargestImageSide || height > kLargestImageSide)
     return fail("A picture of {} x {} pixels cannot be written", width, height);
-  if (count != std::size_t{4} * static_cast<std::size_t>(width) * static_cast<std::size_t>(height))
+  if (count != std::size_t{4} * at(width) * at(height))
     return fail("The pixels do not fit a picture of {} x {}", width, height);
   return {};
 }

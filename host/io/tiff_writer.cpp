@@ -30,13 +30,11 @@ bool encode(TIFF* tiff, const Samples& samples) {
   TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_LZW);
   TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &kAlpha);
   TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff, 0));
-  const std::size_t stride = samples.sampleBytes * 4 * static_cast<std::size_t>(samples.width);
+  const std::size_t stride = samples.sampleBytes * 4 * at(samples.width);
   std::vector<std::uint8_t> row(stride);  // the library may turn its bytes round
   for (int y = 0; y < samples.height; ++y) {
-    std::memcpy(
-        row.data(),
-        static_cast<const std::uint8_t*>(samples.data) + stride * static_cast<std::size_t>(y),
-        stride);
+    std::memcpy(row.data(), static_cast<const std::uint8_t*>(samples.data) + stride * at(y),
+                stride);
     if (TIFFWriteScanline(tiff, row.data(), static_cast<std::uint32_t>(y), 0) < 0) return false;
   }
   return TIFFFlush(tiff) == 1;
@@ -46,8 +44,7 @@ Result<std::string> encodeSamples(const Samples& samples, std::size_t count) {
   if (samples.width < 1 || samples.height < 1 || samples.width > kLargestImageSide ||
       samples.height > kLargestImageSide)
     return fail("A picture of {} x {} pixels cannot be written", samples.width, samples.height);
-  if (count != std::size_t{4} * static_cast<std::size_t>(samples.width) *
-                   static_cast<std::size_t>(samples.height))
+  if (count != std::size_t{4} * at(samples.width) * at(samples.height))
     return fail("The pixels do not fit a picture of {} x {}", samples.width, samples.height);
   TiffMemory memory;
   TiffMemory::File tiff = memory.openForWriting();

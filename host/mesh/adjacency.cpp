@@ -13,22 +13,25 @@ constexpr std::size_t kParallelCorners =
 
 // Lists are filled in three passes: counts land two places up, are summed, and filling advances the
 // place between, so that afterwards offsets[i] is the start of list i without a copy.
-void Adjacency::Lists::startCounting(std::size_t lists) {
+template <class Item>
+void Adjacency::Lists<Item>::startCounting(std::size_t lists) {
   offsets.assign(lists + 2, 0);
 }
 
-void Adjacency::Lists::finishCounting() {
+template <class Item>
+void Adjacency::Lists<Item>::finishCounting() {
   for (std::size_t i = 1; i < offsets.size(); ++i) offsets[i] += offsets[i - 1];
   items.resize(at(offsets.back()));
 }
 
-void Adjacency::Lists::finishFilling() {
+template <class Item>
+void Adjacency::Lists<Item>::finishFilling() {
   offsets.pop_back();
 }
 
-Adjacency::Lists Adjacency::Lists::withoutRepeats(const Lists& corners,
-                                                  const std::vector<FaceId>& cornerFaces) {
-  Lists out;
+Adjacency::Lists<FaceId> Adjacency::facesOf(const Lists<CornerId>& corners,
+                                            const PerElement<CornerId, FaceId>& cornerFaces) {
+  Lists<FaceId> out;
   out.offsets.resize(corners.offsets.size());
   out.items.resize(corners.items.size());
   std::size_t n = 0;
@@ -55,10 +58,10 @@ Adjacency::Adjacency(const Topology& topology, Index vertexCount)
     std::fill(cornerFaces_.begin() + topology.faceOffsets[f],
               cornerFaces_.begin() + topology.faceOffsets[f + 1], static_cast<FaceId>(f));
 
-  const auto listCorners = [corners](Lists& lists, const std::vector<Index>& owners,
+  const auto listCorners = [corners](Lists<CornerId>& lists, const auto& owners,
                                      std::size_t count) {
     lists.startCounting(count);
-    for (Index owner : owners) ++lists.offsets[at(owner) + 2];
+    for (const auto owner : owners) ++lists.offsets[at(owner) + 2];
     lists.finishCounting();
     for (std::size_t c = 0; c < corners; ++c)
       lists.items[at(lists.offsets[at(owners[c]) + 1]++)] = static_cast<CornerId>(c);
@@ -66,11 +69,11 @@ Adjacency::Adjacency(const Topology& topology, Index vertexCount)
   };
   const auto listAroundVertices = [&] {
     listCorners(vertexCorners_, topology.cornerVertices, at(vertexCount));
-    vertexFaces_ = Lists::withoutRepeats(vertexCorners_, cornerFaces_);
+    vertexFaces_ = facesOf(vertexCorners_, cornerFaces_);
   };
   const auto listAroundEdges = [&] {
     listCorners(edgeCorners_, topology.cornerEdges, topology.edges.size());
-    edgeFaces_ = Lists::withoutRepeats(edgeCorners_, cornerFaces_);
+    edgeFaces_ = facesOf(edgeCorners_, cornerFaces_);
     vertexEdges_.startCounting(at(vertexCount));
     for (const EdgeVertices& e : topology.edges) {
       ++vertexEdges_.offsets[at(e.a) + 2];
@@ -100,7 +103,7 @@ bool Adjacency::isManifoldEdge(EdgeId e) const {
   const auto walks = edgeCorners(e);
   if (walks.size() < 2) return true;
   return walks.size() == 2 &&
-         topology_->cornerVertices[at(walks[0])] != topology_->cornerVertices[at(walks[1])];
+         topology_->cornerVertices[walks[0]] != topology_->cornerVertices[walks[1]];
 }
 
 bool Adjacency::isManifoldVertex(VertexId v) const {
@@ -132,17 +135,18 @@ EdgeId Adjacency::findEdge(VertexId a, VertexId b) const {
 }
 
 CornerId Adjacency::findCorner(FaceId f, VertexId v) const {
-  for (CornerId c = topology_->faceOffsets[at(f)]; c < topology_->faceOffsets[at(f) + 1]; ++c)
-    if (topology_->cornerVertices[at(c)] == v) return c;
+  for (CornerId c = topology_->faceOffsets[f]; c < topology_->faceOffsets[at(f) + 1]; ++c)
+    if (topology_->cornerVertices[c] == v) return c;
   return kNone;
 }
 
 std::size_t Adjacency::bytes() const {
-  std::size_t indices = cornerFaces_.size();
-  for (const Lists* lists :
-       {&vertexEdges_, &vertexFaces_, &vertexCorners_, &edgeFaces_, &edgeCorners_})
-    indices += lists->offsets.size() + lists->items.size();
-  return indices * sizeof(Index);
+  const auto indicesOf = [](const auto&... lists) {
+    return (... + (lists.offsets.size() + lists.items.size()));
+  };
+  return sizeof(Index) *
+         (cornerFaces_.size() +
+          indicesOf(vertexEdges_, vertexFaces_, vertexCorners_, edgeFaces_, edgeCorners_));
 }
 
 // --- TopologyBlock

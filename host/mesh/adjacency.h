@@ -27,21 +27,19 @@ class Adjacency {
   [[nodiscard]] std::span<const FaceId> edgeFaces(EdgeId e) const { return edgeFaces_.of(e); }
   /// The corners that walk edge e, ascending.
   [[nodiscard]] std::span<const CornerId> edgeCorners(EdgeId e) const { return edgeCorners_.of(e); }
-  [[nodiscard]] FaceId cornerFace(CornerId c) const {
-    return cornerFaces_[static_cast<std::size_t>(c)];
-  }
+  [[nodiscard]] FaceId cornerFace(CornerId c) const { return cornerFaces_[c]; }
   /// The next and previous corner around the corner's face.
   [[nodiscard]] CornerId nextCorner(CornerId c) const {
-    const auto f = static_cast<std::size_t>(cornerFace(c));
+    const FaceId f = cornerFace(c);
     return c + 1 == topology_->faceOffsets[f + 1] ? topology_->faceOffsets[f] : c + 1;
   }
   [[nodiscard]] CornerId previousCorner(CornerId c) const {
-    const auto f = static_cast<std::size_t>(cornerFace(c));
+    const FaceId f = cornerFace(c);
     return (c == topology_->faceOffsets[f] ? topology_->faceOffsets[f + 1] : c) - 1;
   }
   /// The other corner that walks c's edge, -1 at borders and non-manifold edges.
   [[nodiscard]] CornerId twin(CornerId c) const {
-    const auto walks = edgeCorners(topology_->cornerEdges[static_cast<std::size_t>(c)]);
+    const auto walks = edgeCorners(topology_->cornerEdges[c]);
     if (walks.size() != 2) return kNone;
     return walks[0] == c ? walks[1] : walks[0];
   }
@@ -63,20 +61,24 @@ class Adjacency {
   [[nodiscard]] std::size_t bytes() const;
 
  private:
+  template <class Item>
   struct Lists {
     std::vector<Index> offsets;
-    std::vector<Index> items;
-    [[nodiscard]] std::span<const Index> of(Index i) const {
-      const auto k = static_cast<std::size_t>(i);
+    std::vector<Item> items;
+    [[nodiscard]] std::span<const Item> of(Index i) const {
+      const auto k = at(i);
       return {items.data() + offsets[k], items.data() + offsets[k + 1]};
     }
     void startCounting(std::size_t lists);
     void finishCounting();
     void finishFilling();
-    static Lists withoutRepeats(const Lists& corners, const std::vector<FaceId>& cornerFaces);
   };
-  Lists vertexEdges_, vertexFaces_, vertexCorners_, edgeFaces_, edgeCorners_;
-  std::vector<FaceId> cornerFaces_;
+  static Lists<FaceId> facesOf(const Lists<CornerId>& corners,
+                               const PerElement<CornerId, FaceId>& cornerFaces);
+  Lists<EdgeId> vertexEdges_;
+  Lists<FaceId> vertexFaces_, edgeFaces_;
+  Lists<CornerId> vertexCorners_, edgeCorners_;
+  PerElement<CornerId, FaceId> cornerFaces_;
   const Topology* topology_;
   Index vertexCount_;
 };

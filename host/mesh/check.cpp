@@ -149,7 +149,7 @@ class Checker {
     if (!names.insert(name).second) faults_.push_back(fmt::format("Two sets are named {}.", name));
   }
 
-  void checkIds(std::string_view set, std::span<const Index> ids, std::size_t count) {
+  void checkIds(std::string_view set, IdView ids, std::size_t count) {
     int bad = 0;
     for (std::size_t c = 0; c < ids.size(); ++c)
       if (ids[c] < kNone || ids[c] >= static_cast<Index>(count))

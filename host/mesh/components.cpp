@@ -12,7 +12,7 @@ namespace {
 /// bisection, so that a small set costs nothing that grows with the mesh.
 class IdSet {
  public:
-  IdSet(std::span<const Index> ids, Index count) : sorted_(ids.begin(), ids.end()) {
+  IdSet(IdView ids, Index count) : sorted_(ids.begin(), ids.end()) {
     sortUnique(sorted_);
     if (sorted_.size() * 32 < at(count)) return;
     mask_.assign(at(count), 0);
@@ -70,9 +70,9 @@ class Incidence {
   }
 
  private:
-  template <class Visit>
-  static void each(std::span<const Index> ids, Visit& found) {
-    for (Index id : ids) found(id);
+  template <class Id, class Visit>
+  static void each(std::span<const Id> ids, Visit& found) {
+    for (const Id id : ids) found(id);
   }
 
   template <class Visit>
@@ -122,15 +122,11 @@ class Incidence {
   const Mesh& mesh_;
   const Adjacency& adjacency_;
   int uvSet_;
-  std::vector<Index> uvOffsets_, uvCorners_;
+  std::vector<Index> uvOffsets_;
+  std::vector<CornerId> uvCorners_;
 };
 
 }  // namespace
-
-void sortUnique(std::vector<Index>& ids) {
-  if (!std::ranges::is_sorted(ids)) std::ranges::sort(ids);
-  ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
-}
 
 Index componentCount(const Mesh& mesh, ComponentType kind, int uvSet) {
   switch (kind) {
@@ -148,9 +144,8 @@ Index componentCount(const Mesh& mesh, ComponentType kind, int uvSet) {
   return 0;
 }
 
-std::vector<Index> convertComponents(const Mesh& mesh, ComponentType from,
-                                     std::span<const Index> ids, ComponentType to,
-                                     Conversion conversion, int uvSet) {
+std::vector<Index> convertComponents(const Mesh& mesh, ComponentType from, IdView ids,
+                                     ComponentType to, Conversion conversion, int uvSet) {
   const IdSet set(ids, componentCount(mesh, from, uvSet));
   if (from == to)
     return conversion == Conversion::Border

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <span>
 #include <vector>
 
@@ -27,16 +28,29 @@ enum class Conversion {
 /// @param ids components of kind `from`, any order, repeats allowed, each in range
 /// @return sorted, without repeats. Linear in what the set touches, plus one pass over the set's
 /// corners for UVs.
-[[nodiscard]] std::vector<Index> convertComponents(const Mesh& mesh, ComponentType from,
-                                                   std::span<const Index> ids, ComponentType to,
+[[nodiscard]] std::vector<Index> convertComponents(const Mesh& mesh, ComponentType from, IdView ids,
+                                                   ComponentType to,
                                                    Conversion conversion = Conversion::Connected,
                                                    int uvSet = 0);
+
+/// The same, told what to convert from and to by the ids' types: `converted<EdgeId>(mesh, faces)`.
+template <AnyId To, std::ranges::contiguous_range From>
+[[nodiscard]] std::vector<To> converted(const Mesh& mesh, const From& ids,
+                                        Conversion conversion = Conversion::Connected,
+                                        int uvSet = 0) {
+  return copyIds<To>(convertComponents(mesh, kTypeOf<std::ranges::range_value_t<From>>, IdView(ids),
+                                       kTypeOf<To>, conversion, uvSet));
+}
 
 /// The edges between a face of the set and the outside: shared with a face that is not in the set,
 /// or a border of the mesh. Sorted.
 [[nodiscard]] std::vector<EdgeId> boundaryEdges(const Mesh& mesh, std::span<const FaceId> faces);
 
 /// Sorts and drops repeats.
-void sortUnique(std::vector<Index>& ids);
+template <AnyId Id>
+void sortUnique(std::vector<Id>& ids) {
+  if (!std::ranges::is_sorted(ids)) std::ranges::sort(ids);
+  ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+}
 
 }  // namespace host::mesh

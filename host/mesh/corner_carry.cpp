@@ -29,7 +29,8 @@ struct Part {
 
 /// Adds up the weights of equal ids, in order of id, to a sum of one. Corners without a value don't
 /// count.
-void collectParts(const std::vector<Index>& ids, std::span<const CornerWeight> blend,
+template <class ValueId>
+void collectParts(const std::vector<ValueId>& ids, std::span<const CornerWeight> blend,
                   std::vector<Part>& parts) {
   parts.clear();
   double total = 0;
@@ -62,16 +63,16 @@ Value sumOf(const std::vector<Part>& parts, const std::vector<Value>& values) {
 }
 
 /// Carries one face-varying channel: values, and an id a corner.
-template <class Value>
+template <class Value, class ValueId>
 class ChannelCarrier {
  public:
-  ChannelCarrier(const std::vector<Value>& values, const std::vector<Index>& ids,
+  ChannelCarrier(const std::vector<Value>& values, const std::vector<ValueId>& ids,
                  const Topology& topology, const CornerSources& corners)
       : values_(values), ids_(ids), topology_(topology), corners_(corners) {}
 
   /// @param became gets the map of old values to new ones, unless all stay
-  void run(bool wholeFacesOnly, std::vector<Value>& newValues, std::vector<Index>& newIds,
-           std::vector<Index>* became = nullptr) {
+  void run(bool wholeFacesOnly, std::vector<Value>& newValues, std::vector<ValueId>& newIds,
+           PerElement<ValueId, ValueId>* became = nullptr) {
     newIds.reserve(corners_.size());
     std::size_t round = 0;
     for (const CornerSources::Stretch& stretch : corners_.stretches()) {
@@ -82,7 +83,7 @@ class ChannelCarrier {
       else
         resolveFaces(stretch, wholeFacesOnly, newIds);
     }
-    std::vector<Index> map = compact(newValues, newIds);
+    std::vector<ValueId> map = compact(newValues, newIds);
     if (!became) return;
     if (!map.empty()) map.resize(values_.size());  // the rest are new ones
     *became = std::move(map);
@@ -97,7 +98,7 @@ class ChannelCarrier {
 
   // The stretch's corners are those of whole faces of the new mesh.
   void resolveFaces(const CornerSources::Stretch& stretch, bool wholeFacesOnly,
-                    std::vector<Index>& newIds) {
+                    std::vector<ValueId>& newIds) {
     const auto& offsets = topology_.faceOffsets;
     const auto first = static_cast<CornerId>(newIds.size());
     auto end = std::upper_bound(offsets.begin(), offsets.end(), first);
@@ -109,7 +110,7 @@ class ChannelCarrier {
       for (std::size_t k = 0; k < at(count); ++k)
         newIds.push_back(isWhole || !wholeFacesOnly
                              ? resolve(listed + k, topology_.cornerVertices[newIds.size()])
-                             : kNone);
+                             : ValueId(kNone));
       done += count;
     }
   }
@@ -121,7 +122,7 @@ class ChannelCarrier {
     });
   }
 
-  Index resolve(std::size_t corner, VertexId vertex) {
+  ValueId resolve(std::size_t corner, VertexId vertex) {
     if (const CornerId s = corners_.single(corner); s != kNone) return ids_[at(s)];
     collectParts(ids_, corners_.blend(corner), parts_);
     if (parts_.empty()) return kNone;
@@ -144,7 +145,7 @@ class ChannelCarrier {
 
   /// Drops values that lost their last corner and closes the gaps. @return what each became; empty
   /// when all stay
-  std::vector<Index> compact(std::vector<Value>& newValues, std::vector<Index>& newIds) const {
+  std::vector<ValueId> compact(std::vector<Value>& newValues, std::vector<ValueId>& newIds) const {
     std::vector<std::uint8_t> stays(values_.size() + blended_.size(), 1);
     markStaying(stays, newIds);
     newValues.reserve(stays.size());
@@ -153,20 +154,20 @@ class ChannelCarrier {
       newValues.insert(newValues.end(), blended_.begin(), blended_.end());
       return {};
     }
-    std::vector<Index> map(stays.size(), kNone);
+    std::vector<ValueId> map(stays.size(), kNone);
     for (std::size_t i = 0; i < stays.size(); ++i) {
       pollCancel(i);
       if (!stays[i]) continue;
       map[i] = static_cast<Index>(newValues.size());
       newValues.push_back(i < values_.size() ? values_[i] : blended_[i - values_.size()]);
     }
-    for (Index& id : newIds)
+    for (ValueId& id : newIds)
       if (id != kNone) id = map[at(id)];
     return map;
   }
 
   // Only what hangs on corners that no run copies can lose its last corner.
-  void markStaying(std::vector<std::uint8_t>& stays, const std::vector<Index>& newIds) const {
+  void markStaying(std::vector<std::uint8_t>& stays, const std::vector<ValueId>& newIds) const {
     const auto sourceCorners = static_cast<Index>(ids_.size());
     const auto forEachOldId = [&](auto visit) {
       corners_.forEachGap(sourceCorners, [&](CornerId first, CornerId end) {
@@ -192,7 +193,7 @@ class ChannelCarrier {
   }
 
   const std::vector<Value>& values_;
-  const std::vector<Index>& ids_;
+  const std::vector<ValueId>& ids_;
   const Topology& topology_;
   const CornerSources& corners_;
   std::vector<Value> blended_;
@@ -217,7 +218,7 @@ void CornerSources::addRun(CornerId first, Index count) {
     stretches_.back().count += count;
   else if (count > 0)
     stretches_.push_back({first, 0, count});
-  size_ += static_cast<std::size_t>(count);
+  size_ += at(count);
 }
 
 void CornerSources::add(std::span<const CornerWeight> blend) {
@@ -241,7 +242,7 @@ std::optional<Vec2f> blendedUv(const UvSet& source, std::span<const CornerWeight
 }
 
 UvSet carryUvSet(const UvSet& source, const Topology& topology, const CornerSources& corners,
-                 std::vector<UvId>* became) {
+                 PerElement<UvId, UvId>* became) {
   UvSet out;
   out.name = source.name;
   if (source.cornerIds.empty())

@@ -76,7 +76,8 @@ class CornerSources {
 /// @param became where given, gets what each UV of the source is now: kNone for those that went;
 ///     empty when all of them stay
 [[nodiscard]] UvSet carryUvSet(const UvSet& source, const Topology& topology,
-                               const CornerSources& corners, std::vector<UvId>* became = nullptr);
+                               const CornerSources& corners,
+                               PerElement<UvId, UvId>* became = nullptr);
 /// What a corner that blends gets from carryUvSet(); nothing when none of its parts has a UV.
 [[nodiscard]] std::optional<Vec2f> blendedUv(const UvSet& source,
                                              std::span<const CornerWeight> blend);

@@ -22,8 +22,8 @@ using math::Vec3f;
 /// One UV set: points, and a UV id a face corner; -1 where a face has no UVs in this set.
 struct UvSet {
   std::string name;
-  std::vector<Vec2f> points;
-  std::vector<UvId> cornerIds;  ///< one a corner of the mesh; empty means no face has UVs
+  PerElement<UvId, Vec2f> points;
+  PerElement<CornerId, UvId> cornerIds;  ///< one a corner of the mesh; empty means no face has UVs
   friend bool operator==(const UvSet&, const UvSet&) = default;
 };
 
@@ -39,23 +39,23 @@ struct ColorSet {
   int representation = 4;  ///< channels in use: 1 alpha, 3 RGB, 4 RGBA
   bool clamped = false;
   std::vector<Color4f> colors;
-  std::vector<Index> cornerIds;  ///< one a corner of the mesh; empty means all unset
+  PerElement<CornerId, Index> cornerIds;  ///< one a corner of the mesh; empty means all unset
   friend bool operator==(const ColorSet&, const ColorSet&) = default;
 };
 
 /// Locked (user-set) normals, one a corner; `locked` says which corners count. Both empty: none
 /// locked.
 struct LockedNormals {
-  std::vector<Vec3f> normals;
-  std::vector<std::uint8_t> locked;
+  PerElement<CornerId, Vec3f> normals;
+  PerElement<CornerId, std::uint8_t> locked;
   friend bool operator==(const LockedNormals&, const LockedNormals&) = default;
 };
 
 /// Crease weights; an empty array means all zero. 0 = smooth, 10 and more = fully sharp when
 /// subdivided.
 struct Creases {
-  std::vector<float> edges;
-  std::vector<float> vertices;
+  PerElement<EdgeId, float> edges;
+  PerElement<VertexId, float> vertices;
   friend bool operator==(const Creases&, const Creases&) = default;
 };
 
@@ -90,9 +90,7 @@ class Mesh {
 
   // Points.
   [[nodiscard]] std::span<const Vec3f> points() const { return points_.read(); }
-  [[nodiscard]] Vec3 point(VertexId v) const {
-    return Vec3(points_.read()[static_cast<std::size_t>(v)]);
-  }
+  [[nodiscard]] Vec3 point(VertexId v) const { return Vec3(points_.read()[at(v)]); }
   /// Unshares the points for writing in place; ask again after the mesh was read or copied in
   /// between.
   [[nodiscard]] std::span<Vec3f> editPoints();
@@ -111,25 +109,16 @@ class Mesh {
     return topology_ == other.topology_;
   }
   [[nodiscard]] std::span<const VertexId> faceVertices(FaceId f) const {
-    return {topology().cornerVertices.data() + firstCorner(f),
-            static_cast<std::size_t>(faceSize(f))};
+    return {topology().cornerVertices.data() + firstCorner(f), at(faceSize(f))};
   }
   [[nodiscard]] std::span<const EdgeId> faceEdges(FaceId f) const {
-    return {topology().cornerEdges.data() + firstCorner(f), static_cast<std::size_t>(faceSize(f))};
+    return {topology().cornerEdges.data() + firstCorner(f), at(faceSize(f))};
   }
-  [[nodiscard]] CornerId firstCorner(FaceId f) const {
-    return topology().faceOffsets[static_cast<std::size_t>(f)];
-  }
+  [[nodiscard]] CornerId firstCorner(FaceId f) const { return topology().faceOffsets[f]; }
   [[nodiscard]] Index faceSize(FaceId f) const { return firstCorner(f + 1) - firstCorner(f); }
-  [[nodiscard]] VertexId cornerVertex(CornerId c) const {
-    return topology().cornerVertices[static_cast<std::size_t>(c)];
-  }
-  [[nodiscard]] EdgeId cornerEdge(CornerId c) const {
-    return topology().cornerEdges[static_cast<std::size_t>(c)];
-  }
-  [[nodiscard]] EdgeVertices edge(EdgeId e) const {
-    return topology().edges[static_cast<std::size_t>(e)];
-  }
+  [[nodiscard]] VertexId cornerVertex(CornerId c) const { return topology().cornerVertices[c]; }
+  [[nodiscard]] EdgeId cornerEdge(CornerId c) const { return topology().cornerEdges[c]; }
+  [[nodiscard]] EdgeVertices edge(EdgeId e) const { return topology().edges[e]; }
   /// Vertex -> edges, vertex -> faces, edge -> faces; built on first use, shared by all copies of
   /// the topology. Valid until this mesh's topology or point count changes; needs
   /// host/mesh/adjacency.h.
@@ -137,7 +126,7 @@ class Mesh {
 
   // Edge smoothness: one byte an edge, 1 smooth, 0 hard; an empty array means all smooth.
   [[nodiscard]] bool isEdgeSmooth(EdgeId e) const {
-    return edgeSmooth_->empty() || edgeSmooth_.read()[static_cast<std::size_t>(e)] != 0;
+    return edgeSmooth_->empty() || edgeSmooth_.read()[at(e)] != 0;
   }
   [[nodiscard]] std::span<const std::uint8_t> edgeSmooth() const { return edgeSmooth_.read(); }
   void setEdgeSmooth(std::vector<std::uint8_t> flags);
@@ -148,20 +137,16 @@ class Mesh {
   [[nodiscard]] Creases& editCreases() { return creases_.write(); }
   void setCreases(Creases creases);
   [[nodiscard]] float edgeCrease(EdgeId e) const {
-    return creases_->edges.empty() ? 0.0f : creases_->edges[static_cast<std::size_t>(e)];
+    return creases_->edges.empty() ? 0.0f : creases_->edges[e];
   }
   [[nodiscard]] float vertexCrease(VertexId v) const {
-    return creases_->vertices.empty() ? 0.0f : creases_->vertices[static_cast<std::size_t>(v)];
+    return creases_->vertices.empty() ? 0.0f : creases_->vertices[v];
   }
 
   // UV sets. Every mesh has at least a set "map1", perhaps without points.
   [[nodiscard]] int uvSetCount() const { return static_cast<int>(uvSets_.size()); }
-  [[nodiscard]] const UvSet& uvSet(int index) const {
-    return uvSets_[static_cast<std::size_t>(index)].read();
-  }
-  [[nodiscard]] UvSet& editUvSet(int index) {
-    return uvSets_[static_cast<std::size_t>(index)].write();
-  }
+  [[nodiscard]] const UvSet& uvSet(int index) const { return uvSets_[at(index)].read(); }
+  [[nodiscard]] UvSet& editUvSet(int index) { return uvSets_[at(index)].write(); }
   void setUvSet(int index, UvSet set);
   [[nodiscard]] int findUvSet(std::string_view name) const;  ///< -1 when there is none
   int addUvSet(UvSet set);                                   ///< appends; the index it got
@@ -170,23 +155,18 @@ class Mesh {
   [[nodiscard]] int currentUvSet() const { return currentUvSet_; }
   void setCurrentUvSet(int index) { currentUvSet_ = index; }
   [[nodiscard]] bool sharesUvSetWith(int index, const Mesh& other, int otherIndex) const {
-    return uvSets_[static_cast<std::size_t>(index)].sharesWith(
-        other.uvSets_[static_cast<std::size_t>(otherIndex)]);
+    return uvSets_[at(index)].sharesWith(other.uvSets_[at(otherIndex)]);
   }
   /// The UV id at a corner, -1 where there is none.
   [[nodiscard]] UvId cornerUv(int set, CornerId c) const {
-    const std::vector<UvId>& ids = uvSet(set).cornerIds;
-    return ids.empty() ? kNone : ids[static_cast<std::size_t>(c)];
+    const PerElement<CornerId, UvId>& ids = uvSet(set).cornerIds;
+    return ids.empty() ? kNone : ids[c];
   }
 
   // Colour sets; none by default.
   [[nodiscard]] int colorSetCount() const { return static_cast<int>(colorSets_.size()); }
-  [[nodiscard]] const ColorSet& colorSet(int index) const {
-    return colorSets_[static_cast<std::size_t>(index)].read();
-  }
-  [[nodiscard]] ColorSet& editColorSet(int index) {
-    return colorSets_[static_cast<std::size_t>(index)].write();
-  }
+  [[nodiscard]] const ColorSet& colorSet(int index) const { return colorSets_[at(index)].read(); }
+  [[nodiscard]] ColorSet& editColorSet(int index) { return colorSets_[at(index)].write(); }
   void setColorSet(int index, ColorSet set);
   [[nodiscard]] int findColorSet(std::string_view name) const;  ///< -1 when there is none
   int addColorSet(ColorSet set);  ///< appends; the index it got; the first one becomes current
@@ -199,8 +179,7 @@ class Mesh {
   [[nodiscard]] LockedNormals& editLockedNormals();
   void setLockedNormals(LockedNormals normals);
   [[nodiscard]] bool isNormalLocked(CornerId c) const {
-    return !lockedNormals_->locked.empty() &&
-           lockedNormals_->locked[static_cast<std::size_t>(c)] != 0;
+    return !lockedNormals_->locked.empty() && lockedNormals_->locked[c] != 0;
   }
   /// Unit normal a corner: locked ones as set, others the angle-weighted mean over the corner's
   /// smooth fan. Built on first use and cached until points, topology, smoothness or locks are

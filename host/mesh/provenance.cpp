@@ -118,7 +118,7 @@ Origins Origins::identity(Index count) {
   return origins;
 }
 
-Origins Origins::fromMap(std::span<const Index> newIds, Index newCount) {
+Origins Origins::fromMap(IdView newIds, Index newCount) {
   std::vector<Index> sources(static_cast<std::size_t>(newCount), kNone);
   for (std::size_t old = newIds.size(); old-- > 0;)
     if (newIds[old] >= 0 && newIds[old] < newCount)

@@ -29,7 +29,7 @@ class Origins {
   void addSame(Index source, Index count);
   [[nodiscard]] static Origins identity(Index count);
   /// From a map of old ids to new ones (kNone: gone) and the count of the new mesh.
-  [[nodiscard]] static Origins fromMap(std::span<const Index> newIds, Index newCount);
+  [[nodiscard]] static Origins fromMap(IdView newIds, Index newCount);
 
   [[nodiscard]] Index size() const { return size_; }
   [[nodiscard]] Index at(Index id) const;

@@ -10,12 +10,14 @@
 namespace host::mesh {
 
 namespace {
-Index mapped(const std::vector<Index>& map, Index id) {
+template <class Id>
+Id mapped(const std::vector<Id>& map, std::type_identity_t<Id> id) {
   return map.empty() ? id : map[at(id)];
 }
 /// Appends values[first, end), taken through a map unless that is empty.
-void appendMapped(std::vector<Index>& out, const std::vector<Index>& values, CornerId first,
-                  CornerId end, const std::vector<Index>& map) {
+template <class Id>
+void appendMapped(std::vector<Id>& out, const std::vector<Id>& values, CornerId first, CornerId end,
+                  const std::vector<Id>& map) {
   if (map.empty()) {
     out.insert(out.end(), values.begin() + first, values.begin() + end);
     return;
@@ -25,12 +27,13 @@ void appendMapped(std::vector<Index>& out, const std::vector<Index>& values, Cor
   for (std::size_t i = 0; i < at(end - first); ++i) out[base + i] = map[at(values[at(first) + i])];
 }
 /// The new ids of what stays; empty when all of it does.
-std::vector<Index> closedUp(const std::vector<std::uint8_t>& stays, Index& count) {
+template <class Id>
+std::vector<Id> closedUp(const std::vector<std::uint8_t>& stays, Index& count) {
   count = static_cast<Index>(std::ranges::count(stays, std::uint8_t{1}));
-  std::vector<Index> map;
+  std::vector<Id> map;
   if (at(count) == stays.size()) return map;
   map.resize(stays.size());
-  Index next = 0;
+  Id next = 0;
   for (std::size_t i = 0; i < stays.size(); ++i) {
     pollCancel(i);
     map[i] = stays[i] != 0 ? next : kNone;
@@ -39,7 +42,8 @@ std::vector<Index> closedUp(const std::vector<std::uint8_t>& stays, Index& count
   return map;
 }
 /// A map that says what an empty one leaves out.
-std::vector<Index> spelledOut(std::vector<Index> map, Index count) {
+template <class Id>
+std::vector<Id> spelledOut(std::vector<Id> map, Index count) {
   if (!map.empty()) return map;
   map.resize(at(count));
   std::iota(map.begin(), map.end(), 0);
@@ -64,15 +68,15 @@ VertexId MeshRebuilder::keepVertex(VertexId source) {
   listKept();
   const VertexId v = addVertex(source_.points()[at(source)], source);
   addedSources_.back() = source;
-  if (keptAs_[at(source)] == kNone) keptAs_[at(source)] = v;
+  if (keptAs_[source] == kNone) keptAs_[source] = v;
   return v;
 }
 
 void MeshRebuilder::mergeVertex(VertexId source, VertexId into) {
   listKept();
   isMergeTarget_.resize(at(vertexCount()), 0);
-  isMergeTarget_[at(into)] = 1;
-  keptAs_[at(source)] = into;
+  isMergeTarget_[into] = 1;
+  keptAs_[source] = into;
 }
 
 void MeshRebuilder::replaceEdge(EdgeId source, VertexId a, VertexId b) {
@@ -116,7 +120,7 @@ FaceId MeshRebuilder::endFace() {
 
 bool MeshRebuilder::touchesMerge(FaceId source) const {
   return std::ranges::any_of(source_.faceVertices(source),
-                             [this](VertexId v) { return isMergeTarget(keptAs_[at(v)]); });
+                             [this](VertexId v) { return isMergeTarget(keptAs_[v]); });
 }
 
 FaceId MeshRebuilder::copyFace(FaceId source) {
@@ -151,7 +155,7 @@ Rebuilt MeshRebuilder::finish(const RebuildOptions& options) {
   Mesh& mesh = result.mesh;
   mesh = source_;
   Topology topology = assembleTopology(survivors, listedEdges, finder);
-  result.uvMaps.resize(static_cast<std::size_t>(source_.uvSetCount()));
+  result.uvMaps.resize(at(source_.uvSetCount()));
   for (int s = 0; s < source_.uvSetCount(); ++s)
     mesh.setUvSet(s, carryUvSet(source_.uvSet(s), topology, corners_, &result.uvMaps[at(s)]));
   for (int s = 0; s < source_.colorSetCount(); ++s)
@@ -190,28 +194,28 @@ std::vector<EdgeId> MeshRebuilder::findListedEdges(EdgeFinder& finder) const {
 MeshRebuilder::Survivors MeshRebuilder::findSurvivors(const std::vector<EdgeId>& listedEdges,
                                                       Index edgeCount, bool dropUnused) const {
   const Topology& topology = source_.topology();
-  std::vector<std::uint8_t> vertexStays(at(vertexCount()), 1), edgeStays(at(edgeCount), 1);
+  PerElement<VertexId, std::uint8_t> vertexStays(vertexCount(), 1), edgeStays(at(edgeCount), 1);
   std::fill(edgeStays.begin() + source_.edgeCount(), edgeStays.end(), std::uint8_t{0});
   const auto release = [&](VertexId v) {
-    if (v != kNone) vertexStays[at(v)] = 0;
+    if (v != kNone) vertexStays[v] = 0;
   };
   for (VertexId v = allKept_; v < vertexCount(); ++v)
     if (const VertexId s = vertexSource(v); s == kNone || vertexFor(s) != v) release(v);
   if (!isMergeTarget_.empty())
     for (VertexId v = 0; v < allKept_; ++v)
-      if (keptAs_[at(v)] != v) release(v);
+      if (keptAs_[v] != v) release(v);
   for (const VertexId v : released_) release(vertexFor(v));
   corners_.forEachGap(source_.cornerCount(), [&](CornerId first, CornerId end) {
     for (CornerId c = first; c < end; ++c) {
-      release(vertexFor(topology.cornerVertices[at(c)]));
-      edgeStays[at(topology.cornerEdges[at(c)])] = 0;
+      release(vertexFor(topology.cornerVertices[c]));
+      edgeStays[at(topology.cornerEdges[c])] = 0;
     }
   });
   markUsed(listedEdges, vertexStays, edgeStays);
   if (!dropUnused) std::ranges::fill(vertexStays, std::uint8_t{1});
   Survivors survivors;
-  survivors.vertexMap = closedUp(vertexStays, survivors.vertices);
-  survivors.edgeMap = closedUp(edgeStays, survivors.edges);
+  survivors.vertexMap = closedUp<VertexId>(vertexStays, survivors.vertices);
+  survivors.edgeMap = closedUp<EdgeId>(edgeStays, survivors.edges);
   if (!keptAs_.empty() || !survivors.vertexMap.empty()) {
     survivors.sourceMap.reserve(at(source_.vertexCount()));
     for (VertexId v = 0; v < source_.vertexCount(); ++v) {
@@ -227,23 +231,23 @@ void MeshRebuilder::markUsed(const std::vector<EdgeId>& listedEdges,
                              std::vector<std::uint8_t>& vertexStays,
                              std::vector<std::uint8_t>& edgeStays) const {
   const Topology& topology = source_.topology();
-  for (const VertexId v : listedVertices_) vertexStays[at(v)] = 1;
+  for (const VertexId v : listedVertices_) vertexStays[v] = 1;
   for (const EdgeId e : listedEdges) edgeStays[at(e)] = 1;
   bool isAnyOpen = false;
   corners_.forEachGap(source_.cornerCount(), [&](CornerId first, CornerId end) {
     for (CornerId c = first; c < end && !isAnyOpen; ++c) {
-      const VertexId v = vertexFor(topology.cornerVertices[at(c)]);
-      isAnyOpen = edgeStays[at(topology.cornerEdges[at(c)])] == 0 ||
-                  (v != kNone && vertexStays[at(v)] == 0);
+      const VertexId v = vertexFor(topology.cornerVertices[c]);
+      isAnyOpen =
+          edgeStays[at(topology.cornerEdges[c])] == 0 || (v != kNone && vertexStays[v] == 0);
     }
   });
   if (!isAnyOpen && released_.empty()) return;
   for (const CornerSources::Stretch& run : corners_.stretches()) {
     if (run.source == kNone) continue;
     for (CornerId c = run.source; c < run.source + run.count; ++c) {
-      const VertexId v = topology.cornerVertices[at(c)];
-      vertexStays[at(keptAs_.empty() ? v : keptAs_[at(v)])] = 1;
-      edgeStays[at(topology.cornerEdges[at(c)])] = 1;
+      const VertexId v = topology.cornerVertices[c];
+      vertexStays[keptAs_.empty() ? v : keptAs_[v]] = 1;
+      edgeStays[at(topology.cornerEdges[c])] = 1;
     }
   }
 }
@@ -263,7 +267,7 @@ Topology MeshRebuilder::assembleTopology(const Survivors& survivors,
       const CornerId first = source_.firstCorner(stretch.source),
                      end = source_.firstCorner(stretch.source + stretch.faces);
       for (Index f = 1; f <= stretch.faces; ++f)
-        topology.faceOffsets.push_back(old.faceOffsets[at(stretch.source + f)] + (base - first));
+        topology.faceOffsets.push_back(old.faceOffsets[stretch.source + f] + (base - first));
       appendMapped(topology.cornerVertices, old.cornerVertices, first, end, survivors.sourceMap);
       appendMapped(topology.cornerEdges, old.cornerEdges, first, end, survivors.edgeMap);
       continue;
@@ -334,7 +338,7 @@ void MeshRebuilder::carryEdgeData(Mesh& mesh, const Survivors& survivors,
       to.insert(to.end(), from.begin(), from.end());
     else
       for (EdgeId e = 0; e < source_.edgeCount(); ++e)
-        if (survivors.edgeMap[at(e)] != kNone) to.push_back(from[at(e)]);
+        if (survivors.edgeMap[e] != kNone) to.push_back(from[at(e)]);
     to.resize(at(survivors.edges), fresh);
   };
   if (hasSmooth) carry(source_.edgeSmooth(), smooth, std::uint8_t{1});
@@ -389,7 +393,7 @@ Provenance MeshRebuilder::provenance(const Survivors& survivors, EdgeFinder& fin
     for (VertexId v = allKept_; v < vertexCount(); ++v) result.vertices.add(vertexSource(v));
   } else {
     for (VertexId v = 0; v < vertexCount(); ++v)
-      if (survivors.vertexMap[at(v)] != kNone) result.vertices.add(vertexSource(v));
+      if (survivors.vertexMap[v] != kNone) result.vertices.add(vertexSource(v));
   }
   Index kept = 0;
   if (survivors.edgeMap.empty()) {
@@ -397,7 +401,7 @@ Provenance MeshRebuilder::provenance(const Survivors& survivors, EdgeFinder& fin
     result.edges.addRun(0, kept);
   } else {
     for (EdgeId e = 0; e < source_.edgeCount(); ++e)
-      if (survivors.edgeMap[at(e)] != kNone) {
+      if (survivors.edgeMap[e] != kNone) {
         result.edges.add(e);
         ++kept;
       }

@@ -18,9 +18,10 @@ struct RebuildOptions {
 /// A rebuilt mesh and where things went. Removed components map to -1.
 struct Rebuilt {
   Mesh mesh;
-  std::vector<VertexId> vertexMap;        ///< id given by the rebuilder -> id in `mesh`
-  std::vector<EdgeId> edgeMap;            ///< source edge -> edge in `mesh`
-  std::vector<std::vector<UvId>> uvMaps;  ///< by UV set: source UV -> UV in `mesh`; empty: all stay
+  PerElement<VertexId, VertexId> vertexMap;  ///< id given by the rebuilder -> id in `mesh`
+  PerElement<EdgeId, EdgeId> edgeMap;        ///< source edge -> edge in `mesh`
+  std::vector<PerElement<UvId, UvId>>
+      uvMaps;  ///< by UV set: source UV -> UV in `mesh`; empty: all stay
 };
 
 /// Builds a mesh out of another one from new face loops, carrying everything that hangs on corners,
@@ -63,7 +64,7 @@ class MeshRebuilder {
   /// The vertex kept first for a source vertex, -1 when none is.
   [[nodiscard]] VertexId vertexFor(VertexId source) const {
     if (keptAs_.empty()) return allKept_ > 0 ? source : kNone;
-    return keptAs_[static_cast<std::size_t>(source)];
+    return keptAs_[source];
   }
 
   /// Starts a face; `source` lends it its visibility.
@@ -107,21 +108,20 @@ class MeshRebuilder {
   };
   /// What is left of vertices and edges, in the rebuilder's ids; empty maps change nothing.
   struct Survivors {
-    std::vector<VertexId> vertexMap;
-    std::vector<EdgeId> edgeMap;
-    std::vector<VertexId> sourceMap;  ///< source vertices to final ones
+    PerElement<VertexId, VertexId> vertexMap;
+    PerElement<EdgeId, EdgeId> edgeMap;
+    PerElement<VertexId, VertexId> sourceMap;  ///< source vertices to final ones
     Index vertices = 0, edges = 0;
   };
   class EdgeFinder;
   [[nodiscard]] Provenance provenance(const Survivors& survivors, EdgeFinder& finder) const;
   [[nodiscard]] VertexId vertexSource(VertexId v) const {
-    return v < allKept_ ? v : addedSources_[static_cast<std::size_t>(v - allKept_)];
+    return v < allKept_ ? v : addedSources_[at(v - allKept_)];
   }
   void listKept();
   [[nodiscard]] bool touchesMerge(FaceId source) const;
   [[nodiscard]] bool isMergeTarget(VertexId vertex) const {
-    return static_cast<std::size_t>(vertex) < isMergeTarget_.size() &&
-           isMergeTarget_[static_cast<std::size_t>(vertex)] != 0;
+    return at(vertex) < isMergeTarget_.size() && isMergeTarget_[vertex] != 0;
   }
   [[nodiscard]] std::vector<EdgeId> findListedEdges(EdgeFinder& finder) const;
   [[nodiscard]] Survivors findSurvivors(const std::vector<EdgeId>& listedEdges, Index edgeCount,
@@ -141,7 +141,7 @@ class MeshRebuilder {
   std::vector<VertexId> addedSources_;  // the source vertex kept, -1 for added ones
   std::vector<VertexId> addedCreases_;  // whose crease they take
   std::unordered_map<VertexId, Vec3f> movedPoints_;
-  std::vector<VertexId> keptAs_;  // a source vertex; empty while all or none are kept
+  PerElement<VertexId, VertexId> keptAs_;  // a source vertex; empty while all or none are kept
   std::vector<VertexId> released_;
   std::vector<Stretch> stretches_;
   Index faceCount_ = 0;
@@ -151,7 +151,7 @@ class MeshRebuilder {
   CornerSources corners_;
   std::vector<Inherited> inherited_;
   std::vector<EdgeVertices> declared_;
-  std::vector<std::uint8_t> isMergeTarget_;  // a vertex; empty without merges
+  PerElement<VertexId, std::uint8_t> isMergeTarget_;  // a vertex; empty without merges
   std::unordered_map<EdgeId, EdgeVertices> replacedEdges_;
 };
 

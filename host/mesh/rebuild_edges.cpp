@@ -15,7 +15,7 @@ EdgeId MeshRebuilder::EdgeFinder::fromSources(std::size_t corner, std::size_t ne
   for (const std::size_t c : {corner, next}) {
     const CornerId s = rebuilder_.corners_.single(c);
     if (s == kNone) continue;
-    const EdgeId e = source_.cornerEdges[at(s)];
+    const EdgeId e = source_.cornerEdges[s];
     const EdgeVertices ends = source_.edges[at(e)];
     if ((ends.a == a && ends.b == b) || (ends.a == b && ends.b == a)) return e;
   }

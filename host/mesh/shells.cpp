@@ -35,7 +35,8 @@ class DisjointSets {
 
 /// Links all corners of each face by the key at the corner (vertex, edge or UV id), then numbers
 /// the faces' sets.
-Index numberFaces(const Mesh& mesh, const std::vector<Index>& cornerKeys, Index keyCount,
+template <class Key>
+Index numberFaces(const Mesh& mesh, const std::vector<Key>& cornerKeys, Index keyCount,
                   std::vector<Index>& ofFace) {
   DisjointSets sets(keyCount);
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
@@ -83,12 +84,12 @@ Shells findShells(const Mesh& mesh, ShellLink link) {
 std::vector<FaceId> connectedFaces(const Mesh& mesh, std::span<const FaceId> seeds,
                                    ShellLink link) {
   const Adjacency& adjacency = mesh.adjacency();
-  std::vector<std::uint8_t> isMet(at(mesh.faceCount()), 0);
+  PerElement<FaceId, std::uint8_t> isMet(mesh.faceCount(), 0);
   std::vector<FaceId> faces;
   const auto meet = [&](std::span<const FaceId> found) {
     for (FaceId f : found)
-      if (!isMet[at(f)]) {
-        isMet[at(f)] = 1;
+      if (!isMet[f]) {
+        isMet[f] = 1;
         faces.push_back(f);
       }
   };
@@ -114,23 +115,20 @@ UvShells findUvShells(const Mesh& mesh, int uvSet) {
       numberFaces(mesh, set.cornerIds, static_cast<Index>(set.points.size()), shells.ofFace);
   for (FaceId f = 0; f < mesh.faceCount(); ++f)
     for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c)
-      if (const UvId id = set.cornerIds[at(c)]; id != kNone)
-        shells.ofUv[at(id)] = shells.ofFace[at(f)];
+      if (const UvId id = set.cornerIds[c]; id != kNone) shells.ofUv[at(id)] = shells.ofFace[at(f)];
   return shells;
 }
 
 namespace {
 
-std::vector<Index> shellsNamed(const std::vector<Index>& shellOf, Index count,
-                               std::span<const Index> ids) {
-  std::vector<std::uint8_t> isNamed(static_cast<std::size_t>(count), 0);
+std::vector<Index> shellsNamed(const std::vector<Index>& shellOf, Index count, IdView ids) {
+  std::vector<std::uint8_t> isNamed(at(count), 0);
   for (const Index id : ids)
-    if (id >= 0 && static_cast<std::size_t>(id) < shellOf.size())
-      if (const Index shell = shellOf[static_cast<std::size_t>(id)]; shell != kNone)
-        isNamed[static_cast<std::size_t>(shell)] = 1;
+    if (id >= 0 && at(id) < shellOf.size())
+      if (const Index shell = shellOf[at(id)]; shell != kNone) isNamed[at(shell)] = 1;
   std::vector<Index> named;
   for (Index s = 0; s < count; ++s)
-    if (isNamed[static_cast<std::size_t>(s)]) named.push_back(s);
+    if (isNamed[at(s)]) named.push_back(s);
   return named;
 }
 
@@ -148,24 +146,23 @@ std::vector<UvId> connectedUvs(const Mesh& mesh, int uvSet, std::span<const UvId
   const UvSet& set = mesh.uvSet(uvSet);
   std::vector<std::uint8_t> isIn(set.points.size(), 0);
   for (const UvId uv : seeds)
-    if (uv >= 0 && static_cast<std::size_t>(uv) < isIn.size())
-      isIn[static_cast<std::size_t>(uv)] = 1;
-  std::vector<std::uint8_t> isSeen(static_cast<std::size_t>(mesh.faceCount()), 0);
+    if (uv >= 0 && at(uv) < isIn.size()) isIn[at(uv)] = 1;
+  PerElement<FaceId, std::uint8_t> isSeen(mesh.faceCount(), 0);
   std::vector<FaceId> queue;
   const Adjacency& adjacency = mesh.adjacency();
-  const auto idOf = [&](CornerId c) { return set.cornerIds[static_cast<std::size_t>(c)]; };
+  const auto idOf = [&](CornerId c) { return set.cornerIds[c]; };
   const auto visit = [&](FaceId f) {
-    if (isSeen[static_cast<std::size_t>(f)]) return;
-    isSeen[static_cast<std::size_t>(f)] = 1;
+    if (isSeen[f]) return;
+    isSeen[f] = 1;
     queue.push_back(f);
   };
   // UVs lie at one vertex nearly always: the faces around it are looked at, and whole passes find
   // those elsewhere that use a UV all the same.
   for (bool isNew = !set.cornerIds.empty(); isNew;) {
     for (FaceId f = 0; f < mesh.faceCount(); ++f) {
-      if (isSeen[static_cast<std::size_t>(f)]) continue;
+      if (isSeen[f]) continue;
       for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c)
-        if (idOf(c) != kNone && isIn[static_cast<std::size_t>(idOf(c))]) {
+        if (idOf(c) != kNone && isIn[at(idOf(c))]) {
           visit(f);
           break;
         }
@@ -176,7 +173,7 @@ std::vector<UvId> connectedUvs(const Mesh& mesh, int uvSet, std::span<const UvId
       queue.pop_back();
       for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c) {
         if (idOf(c) == kNone) continue;
-        isIn[static_cast<std::size_t>(idOf(c))] = 1;
+        isIn[at(idOf(c))] = 1;
         for (const CornerId other : adjacency.vertexCorners(mesh.cornerVertex(c)))
           if (idOf(other) == idOf(c)) visit(adjacency.cornerFace(other));
       }

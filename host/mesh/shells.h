@@ -10,7 +10,7 @@ namespace host::mesh {
 /// Faces grouped into connected pieces, numbered by their lowest face.
 struct Shells {
   Index count = 0;
-  std::vector<Index> ofFace;
+  PerElement<FaceId, Index> ofFace;
   /// The faces of every shell, ascending.
   [[nodiscard]] std::vector<std::vector<FaceId>> faces() const;
 };
@@ -30,8 +30,8 @@ enum class ShellLink {
 /// The pieces of one UV set: faces are connected where they share a UV id.
 struct UvShells {
   Index count = 0;
-  std::vector<Index> ofFace;  ///< -1 for faces without UVs
-  std::vector<Index> ofUv;    ///< -1 for UVs without faces
+  PerElement<FaceId, Index> ofFace;  ///< -1 for faces without UVs
+  PerElement<UvId, Index> ofUv;      ///< -1 for UVs without faces
 };
 
 /// Groups the UVs of a set into shells, numbered by their lowest face. Linear.

@@ -24,10 +24,10 @@ struct EdgeVertices {
 /// Face loops and edges. Face f owns corners [faceOffsets[f], faceOffsets[f+1]); corner c starts at
 /// vertex cornerVertices[c] and walks edge cornerEdges[c] to the next corner's vertex.
 struct Topology {
-  std::vector<CornerId> faceOffsets{0};
-  std::vector<VertexId> cornerVertices;
-  std::vector<EdgeId> cornerEdges;
-  std::vector<EdgeVertices> edges;
+  PerElement<FaceId, CornerId> faceOffsets{CornerId(0)};  ///< and where the last face ends
+  PerElement<CornerId, VertexId> cornerVertices;
+  PerElement<CornerId, EdgeId> cornerEdges;
+  PerElement<EdgeId, EdgeVertices> edges;
   friend bool operator==(const Topology&, const Topology&) = default;
 };
 

@@ -117,11 +117,11 @@ EdgeWalk edgeRing(const Mesh& mesh, EdgeId edge) {
 std::vector<EdgeWalk> allBorders(const Mesh& mesh) {
   const Adjacency& adjacency = mesh.adjacency();
   std::vector<EdgeWalk> borders;
-  std::vector<std::uint8_t> isMet(at(mesh.edgeCount()), 0);
+  PerElement<EdgeId, std::uint8_t> isMet(mesh.edgeCount(), 0);
   for (EdgeId e = 0; e < mesh.edgeCount(); ++e) {
-    if (isMet[at(e)] || !adjacency.isBorderEdge(e)) continue;
+    if (isMet[e] || !adjacency.isBorderEdge(e)) continue;
     borders.push_back(borderWalk(mesh, e));
-    for (EdgeId met : borders.back().edges) isMet[at(met)] = 1;
+    for (EdgeId met : borders.back().edges) isMet[met] = 1;
   }
   return borders;
 }

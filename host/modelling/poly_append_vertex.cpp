@@ -35,7 +35,7 @@ Result<void> append(HistoryContext& context) {
   if (!corners) return failWith(corners.error());
   const auto made = ops::appendPolygon(context.mesh, *corners);
   if (!made) return failWith(made.error());
-  context.makes(ComponentType::Face, {made->face});
+  context.makes(std::vector{made->face});
   return {};
 }
 

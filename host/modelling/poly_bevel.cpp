@@ -60,7 +60,7 @@ Result<void> bevel(HistoryContext& context, double roundness, bool chamfer) {
   context.mesh = std::move(placed->mesh);
   std::vector<FaceId> faces = placed->result->strips;
   faces.insert(faces.end(), placed->result->caps.begin(), placed->result->caps.end());
-  context.makes(ComponentType::Face, std::move(faces));
+  context.makes(std::move(faces));
   return {};
 }
 

@@ -36,8 +36,8 @@ Result<Settings> settingsOf(DataBlock& block) {
 /// Merges vertices and collapses faces that are smaller than what is wanted.
 Result<void> cleanUp(mesh::Mesh& mesh, const Settings& settings) {
   if (!settings.cleans) return {};
-  std::vector<VertexId> all(at(mesh.vertexCount()));
-  for (VertexId v = 0; v < mesh.vertexCount(); ++v) all[at(v)] = v;
+  PerElement<VertexId, VertexId> all(mesh.vertexCount());
+  for (VertexId v = 0; v < mesh.vertexCount(); ++v) all[v] = v;
   const auto merged = ops::mergeVertices(
       mesh, all, {.distance = settings.distance, .alwaysMergeTwo = false, .space = {}});
   if (!merged) return failWith(merged.error());

@@ -27,7 +27,7 @@ Result<void> bridge(HistoryContext& context) {
   if (options.start == kNone || options.target == kNone) options.start = options.target = kNone;
   auto made = ops::bridgeEdges(context.mesh, edges, options);
   if (!made) return failWith(made.error());
-  context.makes(ComponentType::Face, std::move(made->faces));
+  context.makes(std::move(made->faces));
   return {};
 }
 

@@ -12,7 +12,7 @@ Result<void> chip(HistoryContext& context) {
   options.duplicate = context.boolean("duplicate");
   auto made = ops::chipOff(context.mesh, context.faces(), options);
   if (!made) return failWith(made.error());
-  context.makes(ComponentType::Face, std::move(made->faces));
+  context.makes(std::move(made->faces));
   return {};
 }
 

@@ -10,7 +10,7 @@ Result<void> close(HistoryContext& context) {
   if (edges.empty()) return {};
   auto faces = ops::closeBorders(context.mesh, edges);
   if (!faces) return failWith(faces.error());
-  context.makes(ComponentType::Face, *std::move(faces));
+  context.makes(*std::move(faces));
   return {};
 }
 

@@ -28,11 +28,10 @@ Result<void> color(HistoryContext& context) {
   mesh.setCurrentColorSet(index);
   mesh::ColorSet& set = mesh.editColorSet(index);
   set.clamped = context.boolean("clamped");
-  if (set.cornerIds.empty())
-    set.cornerIds.assign(static_cast<std::size_t>(mesh.cornerCount()), kNone);
+  if (set.cornerIds.empty()) set.cornerIds.assign(at(mesh.cornerCount()), kNone);
   const auto give = [&](std::span<const CornerId> corners, const Color4f& value) {
     for (const CornerId corner : corners)
-      set.cornerIds[static_cast<std::size_t>(corner)] = static_cast<Index>(set.colors.size());
+      set.cornerIds[corner] = static_cast<Index>(set.colors.size());
     if (!corners.empty()) set.colors.push_back(value);
   };
   CornerValues values(context.block);

@@ -8,7 +8,7 @@ namespace {
 Result<void> connect(HistoryContext& context) {
   auto made = ops::connectComponents(context.mesh, context.vertices(), context.edges());
   if (!made) return failWith(made.error());
-  context.makes(ComponentType::Edge, std::move(made->edges));
+  context.makes(std::move(made->edges));
   return {};
 }
 

@@ -20,9 +20,9 @@ std::vector<FaceId> facesBeyond(const mesh::Mesh& mesh, const std::vector<std::u
                                 const std::vector<double>& height, Index facesBefore) {
   std::vector<FaceId> beyond;
   for (FaceId face = 0; face < mesh.faceCount(); ++face) {
-    if (face < facesBefore && wanted[static_cast<std::size_t>(face)] == 0) continue;
+    if (face < facesBefore && wanted[at(face)] == 0) continue;
     double sum = 0;
-    for (const VertexId v : mesh.faceVertices(face)) sum += height[static_cast<std::size_t>(v)];
+    for (const VertexId v : mesh.faceVertices(face)) sum += height[at(v)];
     if (sum > 0) beyond.push_back(face);
   }
   return beyond;
@@ -40,10 +40,10 @@ Result<void> extract(HistoryContext& context, const std::vector<FaceId>& faces) 
   const auto points = context.mesh.editPoints();
   std::vector<std::uint8_t> moved(points.size(), 0);
   for (const FaceId face : made->faces)
-    for (const VertexId v : context.mesh.faceVertices(face)) moved[static_cast<std::size_t>(v)] = 1;
+    for (const VertexId v : context.mesh.faceVertices(face)) moved[at(v)] = 1;
   for (std::size_t v = 0; v < points.size(); ++v)
     if (moved[v] != 0) points[v] = (math::Vec3(points[v]) + step).toFloat();
-  context.makes(ComponentType::Face, std::move(made->faces));
+  context.makes(std::move(made->faces));
   return {};
 }
 
@@ -67,7 +67,7 @@ Result<void> cut(HistoryContext& context) {
       tolerance, nullptr, wanted);
   const bool deletes = context.boolean("deleteFaces"), extracts = context.boolean("extractFaces");
   if (!deletes && !extracts) {
-    context.makes(ComponentType::Edge, std::move(edges));
+    context.makes(std::move(edges));
     return {};
   }
   std::vector<double> height;

@@ -15,7 +15,7 @@ Result<void> duplicate(HistoryContext& context) {
   options.isAbsolute = *type == 0;
   auto made = ops::duplicateEdges(context.mesh, context.edges(), options);
   if (!made) return failWith(made.error());
-  context.makes(ComponentType::Edge, *std::move(made));
+  context.makes(*std::move(made));
   return {};
 }
 

@@ -11,7 +11,7 @@ Result<void> extrude(HistoryContext& context) {
   options.keepEdgesTogether = context.boolean("keepFacesTogether");
   auto made = ops::extrudeEdges(context.mesh, context.edges(), options);
   if (!made) return failWith(made.error());
-  context.makes(ComponentType::Edge, std::move(made->edges));
+  context.makes(std::move(made->edges));
   return {};
 }
 

@@ -31,7 +31,7 @@ Result<void> extrude(HistoryContext& context) {
   auto placed = cached->plan.place(options);
   if (!placed) return failWith(placed.error());
   context.mesh = *std::move(placed);
-  context.makes(ComponentType::Face, cached->plan.result().caps);
+  context.makes(cached->plan.result().caps);
   return {};
 }
 

@@ -13,7 +13,7 @@ Result<void> extrude(HistoryContext& context) {
   options.space = context.space();
   auto made = ops::extrudeVertices(context.mesh, context.vertices(), options);
   if (!made) return failWith(made.error());
-  context.makes(ComponentType::Vertex, std::move(made->tips));
+  context.makes(std::move(made->tips));
   return {};
 }
 

@@ -18,7 +18,7 @@ Result<void> flip(HistoryContext& context) {
   });
   const auto spun = ops::spinEdges(context.mesh, edges, 1);
   if (!spun) return failWith(spun.error());
-  context.makes(ComponentType::Edge, std::move(edges));
+  context.makes(std::move(edges));
   return {};
 }
 

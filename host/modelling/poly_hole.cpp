@@ -12,10 +12,10 @@ Result<void> hide(HistoryContext& context) {
   std::vector<std::uint8_t> flags =
       ops::flagsOf(context.mesh.invisibleFaces(), context.mesh.faceCount());
   const bool assigns = context.boolean("assignHole");
-  for (const FaceId face : faces) flags[static_cast<std::size_t>(face)] = assigns ? 1 : 0;
+  for (const FaceId face : faces) flags[at(face)] = assigns ? 1 : 0;
   std::vector<FaceId> hidden;
   for (FaceId face = 0; face < context.mesh.faceCount(); ++face)
-    if (flags[static_cast<std::size_t>(face)] != 0) hidden.push_back(face);
+    if (flags[at(face)] != 0) hidden.push_back(face);
   context.mesh.setInvisibleFaces(std::move(hidden));
   return {};
 }

@@ -37,10 +37,9 @@ Result<Options> optionsOf(const HistoryContext& context) {
 
 /// The shells that have one of the faces.
 std::vector<std::uint8_t> shellsOf(const mesh::UvShells& shells, std::span<const FaceId> faces) {
-  std::vector<std::uint8_t> isNamed(static_cast<std::size_t>(shells.count), 0);
+  std::vector<std::uint8_t> isNamed(at(shells.count), 0);
   for (const FaceId f : faces)
-    if (const Index shell = shells.ofFace[static_cast<std::size_t>(f)]; shell != kNone)
-      isNamed[static_cast<std::size_t>(shell)] = 1;
+    if (const Index shell = shells.ofFace[at(f)]; shell != kNone) isNamed[at(shell)] = 1;
   return isNamed;
 }
 
@@ -63,8 +62,7 @@ Result<void> keepPins(Context& context, const ParsedArgs& args, Node& node, cons
   const mesh::UvShells shells = mesh::findUvShells(item.mesh, *set);
   std::vector<std::int32_t> faces;
   for (FaceId f = 0; f < item.mesh.faceCount(); ++f)
-    if (std::ranges::binary_search(pinned, shells.ofFace[static_cast<std::size_t>(f)]))
-      faces.push_back(f);
+    if (std::ranges::binary_search(pinned, shells.ofFace[at(f)])) faces.push_back(f);
   return context.document.graph().set(
       node.plug("standingFaces"),
       dg::Value(dg::DataPtr(std::make_shared<dg::IntArrayData>(std::move(faces)))));
@@ -88,9 +86,9 @@ Result<void> layOut(HistoryContext& context) {
   part.uvSet = *set;
   part.world = context.matrix("inputMatrix");
   for (Index s = 0; s < shells.count; ++s)
-    if (stands[static_cast<std::size_t>(s)])
+    if (stands[at(s)])
       part.standing.push_back(s);
-    else if (isNamed[static_cast<std::size_t>(s)])
+    else if (isNamed[at(s)])
       part.shells.push_back(s);
   const auto done = ops::layoutUvs({&part, 1}, *options);
   if (!done) return failWith(done.error());

@@ -15,7 +15,7 @@ Result<void> merge(HistoryContext& context) {
       {.place = static_cast<ops::MergePlace>(*mode), .mergesUvs = context.boolean("mergeTexture")});
   if (!maps) return failWith(maps.error());
   const EdgeId merged = maps->edges[at(std::min(first, second))];
-  if (merged != kNone) context.makes(ComponentType::Edge, {merged});
+  if (merged != kNone) context.makes(std::vector{merged});
   return {};
 }
 

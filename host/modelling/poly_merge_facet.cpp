@@ -15,7 +15,7 @@ Result<void> merge(HistoryContext& context) {
       context.mesh, first, second,
       {.moves = *mode < 6, .place = static_cast<ops::MergePlace>(*mode % 3), .centers = *mode < 3});
   if (!made) return failWith(made.error());
-  context.makes(ComponentType::Face, *std::move(made));
+  context.makes(*std::move(made));
   return {};
 }
 

@@ -10,8 +10,7 @@ std::vector<VertexId> followed(const std::vector<VertexId>& listed,
                                const std::vector<VertexId>& map) {
   std::vector<VertexId> left;
   for (const VertexId vertex : listed)
-    if (map[static_cast<std::size_t>(vertex)] != kNone)
-      left.push_back(map[static_cast<std::size_t>(vertex)]);
+    if (map[at(vertex)] != kNone) left.push_back(map[at(vertex)]);
   return ops::sortedIds(left);
 }
 
@@ -23,7 +22,7 @@ Result<void> merge(HistoryContext& context) {
   const std::vector<VertexId> vertices = context.vertices();
   const auto merged = ops::mergeVertices(context.mesh, vertices, options);
   if (!merged) return failWith(merged.error());
-  context.makes(ComponentType::Vertex, followed(vertices, merged->maps.vertices));
+  context.makes(followed(vertices, merged->maps.vertices));
   return {};
 }
 

@@ -54,7 +54,7 @@ Result<void> mirror(HistoryContext& context) {
   if (!made) return failWith(made.error());
   std::vector<FaceId> faces = std::move(made->copies);
   faces.insert(faces.end(), made->bridges.begin(), made->bridges.end());
-  context.makes(ComponentType::Face, std::move(faces));
+  context.makes(std::move(faces));
   return {};
 }
 

@@ -19,7 +19,7 @@ Result<void> move(HistoryContext& context) {
   transform.shiftV = context.real("translateV");
   transform.random = context.real("random");
   transform.seed = context.integer("randomSeed");
-  std::vector<UvId> uvs = context.components(ComponentType::Uv);
+  std::vector<UvId> uvs = context.uvs();
   if (context.names(ComponentType::Face)) {
     const std::vector<UvId> ofFaces = ops::uvsOfFaces(context.mesh, *set, context.faces());
     uvs.insert(uvs.end(), ofFaces.begin(), ofFaces.end());

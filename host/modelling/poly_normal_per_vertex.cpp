@@ -36,7 +36,7 @@ Result<void> setNormals(HistoryContext& context) {
   const bool adds = context.boolean("normalAdd");
   const std::vector<math::Vec3f> now(mesh.cornerNormals().begin(), mesh.cornerNormals().end());
   mesh::LockedNormals& normals = mesh.editLockedNormals();
-  const auto corners = static_cast<std::size_t>(mesh.cornerCount());
+  const auto corners = at(mesh.cornerCount());
   normals.normals.resize(corners);
   normals.locked.resize(corners, 0);
   for (const auto& [corner, value] : wanted) {

@@ -18,7 +18,7 @@ Result<void> moveCentres(HistoryContext& context, const mesh::Mesh& before,
   if (!back) return fail("the object is scaled to nothing; its centres can't be moved");
   const auto points = context.mesh.editPoints();
   for (std::size_t i = 0; i < centres.size(); ++i) {
-    math::Vec3f& point = points[static_cast<std::size_t>(centres[i])];
+    math::Vec3f& point = points[at(centres[i])];
     const math::Vec3 normal = math::transformNormal(mesh::faceNormal(before, faces[i]), space);
     const math::Frame frame =
         math::frameFromNormal(math::transformPoint(math::Vec3(point), space), normal);
@@ -34,7 +34,7 @@ Result<void> poke(HistoryContext& context) {
   auto made = ops::pokeFaces(context.mesh, faces);
   if (!made) return failWith(made.error());
   HOST_TRY(moveCentres(context, before, faces, made->vertices));
-  context.makes(ComponentType::Face, std::move(made->faces));
+  context.makes(std::move(made->faces));
   return {};
 }
 

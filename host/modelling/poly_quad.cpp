@@ -11,7 +11,7 @@ namespace {
 std::vector<FaceId> followed(const std::vector<FaceId>& listed, const std::vector<FaceId>& map) {
   std::vector<FaceId> left;
   for (const FaceId face : listed)
-    if (const FaceId now = map[static_cast<std::size_t>(face)]; now != kNone) left.push_back(now);
+    if (const FaceId now = map[at(face)]; now != kNone) left.push_back(now);
   return ops::sortedIds(left);
 }
 
@@ -25,7 +25,7 @@ Result<void> join(HistoryContext& context) {
   const std::vector<FaceId> faces = context.faces();
   const auto made = ops::quadrangulate(context.mesh, faces, options);
   if (!made) return failWith(made.error());
-  context.makes(ComponentType::Face, followed(faces, made->maps.faces));
+  context.makes(followed(faces, made->maps.faces));
   return {};
 }
 

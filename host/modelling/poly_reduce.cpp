@@ -14,20 +14,17 @@ std::vector<EdgeId> groupBorders(const HistoryContext& context) {
   std::vector<EdgeId> borders;
   if (!context.input || !context.input->groups) return borders;
   const mesh::Mesh& mesh = context.mesh;
-  std::vector<std::size_t> groupsOf(static_cast<std::size_t>(mesh.faceCount()), 0);
+  PerElement<FaceId, std::size_t> groupsOf(mesh.faceCount(), 0);
   std::size_t number = 0;
   for (const scene::MeshGroup& group : *context.input->groups) {
     ++number;
     if (group.members->type() != ComponentType::Face) continue;
     for (const FaceId face : group.members->expanded(mesh.faceCount()))
-      groupsOf[static_cast<std::size_t>(face)] =
-          groupsOf[static_cast<std::size_t>(face)] * 31 + number;
+      groupsOf[face] = groupsOf[face] * 31 + number;
   }
   for (EdgeId edge = 0; edge < mesh.edgeCount(); ++edge) {
     const auto faces = mesh.adjacency().edgeFaces(edge);
-    if (faces.size() == 2 && groupsOf[static_cast<std::size_t>(faces[0])] !=
-                                 groupsOf[static_cast<std::size_t>(faces[1])])
-      borders.push_back(edge);
+    if (faces.size() == 2 && groupsOf[faces[0]] != groupsOf[faces[1]]) borders.push_back(edge);
   }
 
   return borders;
@@ -37,9 +34,7 @@ Result<void> reduceMesh(HistoryContext& context) {
   ops::ReduceOptions options;
   const auto termination = context.choice("termination", 3);
   if (!termination) return failWith(termination.error());
-  const auto count = [&](const char* name) {
-    return static_cast<std::size_t>(std::max(0, context.integer(name)));
-  };
+  const auto count = [&](const char* name) { return at(std::max(0, context.integer(name))); };
   if (*termination == 0)
     options.percentage = context.real("percentage");
   else if (*termination == 1)
@@ -56,7 +51,7 @@ Result<void> reduceMesh(HistoryContext& context) {
   options.featureWeight = context.real("keepBorderWeight");
   auto reduced = ops::reduce(context.mesh, context.faces(), options);
   if (!reduced) return failWith(std::move(reduced.error()));
-  context.makes(ComponentType::Face, std::move(reduced->faces));
+  context.makes(std::move(reduced->faces));
   return {};
 }
 

@@ -43,7 +43,7 @@ Result<void> remesh(HistoryContext& context) {
   auto made = ops::remeshFaces(context.mesh, faces, options);
   if (!made) return failWith(made.error());
   if (context.boolean("worldSpace")) movePoints(context.mesh, back);
-  context.makes(ComponentType::Face, *std::move(made));
+  context.makes(*made);
   return {};
 }
 

@@ -46,8 +46,7 @@ void build(TypeBuilder& builder, const std::vector<const Attribute*>& parameters
     const Plug all(&node, results);
     const auto promised = static_cast<std::size_t>(std::max<std::int64_t>(1, block.integer(count)));
     // Pieces that an edit upstream took away arrive as empty meshes.
-    parts.resize(
-        std::max({promised, parts.size(), static_cast<std::size_t>(plug.logicalIndex() + 1)}));
+    parts.resize(std::max({promised, parts.size(), at(plug.logicalIndex() + 1)}));
     for (std::size_t i = 0; i < parts.size(); ++i) {
       scene::MeshGroupsPtr groups;
       if (data && data->groups)

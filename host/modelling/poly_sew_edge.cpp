@@ -11,7 +11,7 @@ Result<void> sew(HistoryContext& context) {
                              .space = context.space(),
                              .mergesUvs = context.boolean("texture")});
   if (!sewn) return failWith(sewn.error());
-  context.makes(ComponentType::Edge, std::move(sewn->sewn));
+  context.makes(sewn->sewn);
   return {};
 }
 

@@ -29,7 +29,7 @@ Result<void> smooth(HistoryContext& context) {
   if (!options) return failWith(options.error());
   auto made = ops::smoothMesh(context.mesh, context.faces(), *options);
   if (!made) return failWith(made.error());
-  context.makes(ComponentType::Face, std::move(made->faces));
+  context.makes(std::move(made->faces));
   return {};
 }
 

@@ -13,7 +13,7 @@ Result<void> spin(HistoryContext& context) {
   const auto spun =
       ops::spinEdges(context.mesh, edges, context.boolean("reverse") ? -offset : offset);
   if (!spun) return failWith(spun.error());
-  context.makes(ComponentType::Edge, std::move(edges));
+  context.makes(std::move(edges));
   return {};
 }
 

@@ -21,8 +21,8 @@ std::vector<double> spread(const HistoryContext& context, const char* attribute,
   std::vector<double> stored, values(count * width, 0);
   context.packed(attribute, indices, stored);
   for (std::size_t i = 0; i < indices.size(); ++i)
-    for (std::size_t k = 0; k < width && static_cast<std::size_t>(indices[i]) < count; ++k)
-      values[static_cast<std::size_t>(indices[i]) * width + k] = stored[i * width + k];
+    for (std::size_t k = 0; k < width && at(indices[i]) < count; ++k)
+      values[at(indices[i]) * width + k] = stored[i * width + k];
   return values;
 }
 
@@ -30,7 +30,7 @@ std::size_t sizeOf(const HistoryContext& context, const char* attribute) {
   std::vector<Index> indices;
   std::vector<double> values;
   context.packed(attribute, indices, values);
-  return indices.empty() ? 0 : static_cast<std::size_t>(indices.back()) + 1;
+  return indices.empty() ? 0 : at(indices.back()) + 1;
 }
 
 Result<std::vector<ops::SplitPoint>> pathOf(const HistoryContext& context) {
@@ -68,7 +68,7 @@ Result<void> split(HistoryContext& context) {
       edges.push_back(e);
   HOST_TRY(ops::softenEdges(context.mesh, edges, context.real("smoothingAngle")));
   std::sort(edges.begin(), edges.end());
-  context.makes(ComponentType::Edge, std::move(edges));
+  context.makes(std::move(edges));
   return {};
 }
 

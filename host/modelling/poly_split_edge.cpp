@@ -16,7 +16,7 @@ Result<void> split(HistoryContext& context) {
         edges, [&](EdgeId edge) { return context.mesh.adjacency().edgeFaces(edge).size() <= 2; });
   auto made = ops::detachEdges(context.mesh, edges);
   if (!made) return failWith(made.error());
-  context.makes(ComponentType::Vertex, std::move(made->vertices));
+  context.makes(std::move(made->vertices));
   return {};
 }
 

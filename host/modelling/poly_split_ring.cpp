@@ -28,7 +28,7 @@ Result<void> split(HistoryContext& context) {
   options.rootEdge = std::binary_search(edges.begin(), edges.end(), root) ? root : kNone;
   auto made = ops::splitRing(context.mesh, edges, options);
   if (!made) return failWith(made.error());
-  context.makes(ComponentType::Edge, std::move(made->edges));
+  context.makes(std::move(made->edges));
   return {};
 }
 

@@ -8,7 +8,7 @@ namespace {
 Result<void> split(HistoryContext& context) {
   auto made = ops::detachVertices(context.mesh, context.vertices());
   if (!made) return failWith(made.error());
-  context.makes(ComponentType::Vertex, std::move(made->vertices));
+  context.makes(std::move(made->vertices));
   return {};
 }
 

@@ -23,7 +23,7 @@ Result<void> subdivide(HistoryContext& context) {
   dropShort(edges, context.mesh, context.real("size"), divisions, context.space());
   auto made = ops::subdivideEdges(context.mesh, edges, divisions);
   if (!made) return failWith(made.error());
-  context.makes(ComponentType::Edge, std::move(made->edges));
+  context.makes(std::move(made->edges));
   return {};
 }
 

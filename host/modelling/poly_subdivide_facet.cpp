@@ -12,7 +12,7 @@ Result<void> subdivide(HistoryContext& context) {
   options.mode = context.integer("mode") == 0 ? Mode::Quads : Mode::Triangles;
   auto made = ops::subdivideFaces(context.mesh, context.faces(), options);
   if (!made) return failWith(made.error());
-  context.makes(ComponentType::Face, std::move(made->faces));
+  context.makes(std::move(made->faces));
   return {};
 }
 

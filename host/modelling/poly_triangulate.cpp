@@ -8,7 +8,7 @@ namespace {
 Result<void> triangulate(HistoryContext& context) {
   auto made = ops::triangulateFaces(context.mesh, context.faces());
   if (!made) return failWith(made.error());
-  context.makes(ComponentType::Face, std::move(made->triangles));
+  context.makes(std::move(made->triangles));
   return {};
 }
 

@@ -19,8 +19,8 @@ Result<void> tweak(HistoryContext& context) {
   if (indices.empty()) return {};
   std::vector<math::Vec2f>& uvs = context.mesh.editUvSet(set).points;
   for (std::size_t i = 0; i < indices.size(); ++i) {
-    if (static_cast<std::size_t>(indices[i]) >= uvs.size()) continue;
-    math::Vec2f& uv = uvs[static_cast<std::size_t>(indices[i])];
+    if (at(indices[i]) >= uvs.size()) continue;
+    math::Vec2f& uv = uvs[at(indices[i])];
     if (offsets[i * 2] != 0) uv.u = static_cast<float>(uv.u + offsets[i * 2]);
     if (offsets[i * 2 + 1] != 0) uv.v = static_cast<float>(uv.v + offsets[i * 2 + 1]);
   }
@@ -42,7 +42,7 @@ Result<UvTweak> UvTweak::make(const nodes::MeshItem& item, std::span<const UvId>
   tweak.uvSet = item.mesh.uvSet(set).name;
   std::vector<std::size_t> order(uvs.size());
   for (std::size_t i = 0; i < uvs.size(); ++i) {
-    if (uvs[i] < 0 || static_cast<std::size_t>(uvs[i]) >= points.size())
+    if (uvs[i] < 0 || at(uvs[i]) >= points.size())
       return fail(ErrorKind::NotFound, "{} has no UV {}", name, uvs[i]);
     order[i] = i;
   }

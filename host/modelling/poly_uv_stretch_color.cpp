@@ -16,15 +16,14 @@ Result<void> paint(HistoryContext& context) {
   const std::vector<float> stretch = ops::faceStretch(mesh, *set);
   mesh::ColorSet colors;
   colors.name = name.empty() ? "uvStretch" : name;
-  colors.colors.reserve(static_cast<std::size_t>(mesh.faceCount()));
-  colors.cornerIds.reserve(static_cast<std::size_t>(mesh.cornerCount()));
+  colors.colors.reserve(at(mesh.faceCount()));
+  colors.cornerIds.reserve(at(mesh.cornerCount()));
   constexpr mesh::Color4f kWithoutUvs{0.25f, 0.25f, 0.25f, 1};
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
     const bool hasUvs = mesh.cornerUv(*set, mesh.firstCorner(f)) != kNone;
-    colors.colors.push_back(hasUvs && !stretch.empty()
-                                ? ops::stretchColor(stretch[static_cast<std::size_t>(f)])
-                                : kWithoutUvs);
-    colors.cornerIds.insert(colors.cornerIds.end(), static_cast<std::size_t>(mesh.faceSize(f)), f);
+    colors.colors.push_back(hasUvs && !stretch.empty() ? ops::stretchColor(stretch[at(f)])
+                                                       : kWithoutUvs);
+    colors.cornerIds.insert(colors.cornerIds.end(), at(mesh.faceSize(f)), f);
   }
   int at = mesh.findColorSet(colors.name);
   if (at < 0)

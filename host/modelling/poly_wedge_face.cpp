@@ -32,7 +32,7 @@ Result<void> wedge(HistoryContext& context) {
     return fail("say what to turn about: -edge, or -axis with -center");
   auto sides = ops::wedgeFaces(context.mesh, faces, options);
   if (!sides) return failWith(sides.error());
-  context.makes(ComponentType::Face, faces);
+  context.makes(faces);
   return {};
 }
 

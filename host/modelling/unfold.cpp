@@ -42,7 +42,7 @@ std::vector<std::uint8_t> pinsOf(const HistoryContext& context, int set) {
   const bool pinsNamed = context.boolean("pinSelected");
   std::vector<std::uint8_t> pins(context.mesh.uvSet(set).points.size(), pinsNamed ? 0 : 1);
   for (const UvId uv : context.uvs())
-    if (static_cast<std::size_t>(uv) < pins.size()) pins[static_cast<std::size_t>(uv)] = pinsNamed;
+    if (at(uv) < pins.size()) pins[at(uv)] = pinsNamed;
   return pins;
 }
 
@@ -50,14 +50,14 @@ std::vector<std::uint8_t> pinsOf(const HistoryContext& context, int set) {
 std::vector<Index> shellsOf(const HistoryContext& context, int set,
                             const std::vector<std::uint8_t>& pins) {
   const mesh::UvShells shells = mesh::findUvShells(context.mesh, set);
-  std::vector<std::uint8_t> hasFree(static_cast<std::size_t>(shells.count), 0), hasPinned(hasFree);
+  std::vector<std::uint8_t> hasFree(at(shells.count), 0), hasPinned(hasFree);
   for (std::size_t uv = 0; uv < pins.size(); ++uv)
     if (const Index shell = shells.ofUv[uv]; shell != kNone)
-      (pins[uv] ? hasPinned : hasFree)[static_cast<std::size_t>(shell)] = 1;
+      (pins[uv] ? hasPinned : hasFree)[at(shell)] = 1;
   const bool needsPins = context.boolean("applyToShell");
   std::vector<Index> found;
   for (Index s = 0; s < shells.count; ++s) {
-    const auto k = static_cast<std::size_t>(s);
+    const auto k = at(s);
     if (hasFree[k] && (hasPinned[k] || !needsPins)) found.push_back(s);
   }
   return found;
@@ -86,9 +86,9 @@ Result<void> keepPins(Context& context, const ParsedArgs& args, Node& node, cons
   if (pinned.empty()) return {};
   std::vector<Index> uvs;
   if (args.boolean("pinSelected"))
-    std::ranges::set_union(named, pinned, std::back_inserter(uvs));
+    std::ranges::set_union(named, IdView(pinned), std::back_inserter(uvs));
   else
-    std::ranges::set_difference(named, pinned, std::back_inserter(uvs));
+    std::ranges::set_difference(named, IdView(pinned), std::back_inserter(uvs));
   std::vector<scene::Component> components;
   components.push_back(nodes::componentFromIds(item.mesh, ComponentType::Uv, std::move(uvs)));
   return context.document.graph().set(

@@ -194,8 +194,7 @@ void registerDagNode(dg::TypeRegistry& types) {
   a.boxSize = box->children[2].get();
   AttributePtr center = boxCorner("center", "c", "bc");
   for (int axis = 0; axis < 3; ++axis)
-    center->children[static_cast<std::size_t>(axis)]->longName =
-        std::string("boundingBoxCenter") + "XYZ"[axis];
+    center->children[at(axis)]->longName = std::string("boundingBoxCenter") + "XYZ"[axis];
   a.center = builder.add(internal(output(std::move(center))));
   a.matrix = builder.add(output(matrix("matrix", "m")));
   a.inverseMatrix = builder.add(output(matrix("inverseMatrix", "im")));

@@ -17,7 +17,7 @@ const Mesh* storedMesh(const Node& node, const Attribute* inMesh, dg::Value& kee
 }
 
 bool isBelow(Index index, std::size_t count) {
-  return index >= 0 && static_cast<std::size_t>(index) < count;
+  return index >= 0 && at(index) < count;
 }
 
 /// Suspends the records of a graph: for what changes along with an edit that is recorded.
@@ -90,7 +90,7 @@ bool MeshAccess::read(const Node& node, const Plug& plug, dg::Value& value) cons
   const int part = leaf->childIndex;
   if (owner == vertices_) {
     if (!isBelow(index, mesh->points().size())) return false;
-    value = component(mesh->points()[static_cast<std::size_t>(index)], part);
+    value = component(mesh->points()[at(index)], part);
   } else if (owner == edges_) {
     if (index < 0 || index >= mesh->edgeCount()) return false;
     const mesh::EdgeVertices edge = mesh->edge(index);
@@ -99,7 +99,7 @@ bool MeshAccess::read(const Node& node, const Plug& plug, dg::Value& value) cons
                         : std::int64_t{mesh->isEdgeSmooth(index)};
   } else if (owner == normals_) {
     if (index < 0 || index >= mesh->cornerCount()) return false;
-    value = component(mesh->cornerNormals()[static_cast<std::size_t>(index)], part);
+    value = component(mesh->cornerNormals()[at(index)], part);
   } else if (leaf == uvSetName_) {
     if (index < 0 || index >= mesh->uvSetCount()) return false;
     value = mesh->uvSet(index).name;
@@ -107,7 +107,7 @@ bool MeshAccess::read(const Node& node, const Plug& plug, dg::Value& value) cons
     const Index set = plug.index(0);
     if (set < 0 || set >= mesh->uvSetCount() || !isBelow(index, mesh->uvSet(set).points.size()))
       return false;
-    const math::Vec2f uv = mesh->uvSet(set).points[static_cast<std::size_t>(index)];
+    const math::Vec2f uv = mesh->uvSet(set).points[at(index)];
     value = double{part == 0 ? uv.u : uv.v};
   } else if (leaf == currentUvSet_) {
     value = mesh->uvSet(mesh->currentUvSet()).name;
@@ -127,7 +127,7 @@ Result<bool> MeshAccess::writeVertex(Mesh& mesh, const Plug& plug, double value)
   if (!isBelow(plug.logicalIndex(), mesh.points().size()))
     return fail(ErrorKind::BadArgument, "'{}': the mesh has {} vertices", plug.name(),
                 mesh.vertexCount());
-  math::Vec3f& point = mesh.editPoints()[static_cast<std::size_t>(plug.logicalIndex())];
+  math::Vec3f& point = mesh.editPoints()[at(plug.logicalIndex())];
   const int axis = plug.attribute()->childIndex;
   (axis == 0 ? point.x : axis == 1 ? point.y : point.z) = static_cast<float>(value);
   return true;
@@ -146,7 +146,7 @@ Result<bool> MeshAccess::writeUv(Mesh& mesh, const Plug& plug, const dg::Value& 
   if (!isBelow(plug.logicalIndex(), uvs.points.size()))
     return fail(ErrorKind::BadArgument, "'{}': the UV set has {} UVs", plug.name(),
                 uvs.points.size());
-  math::Vec2f& uv = uvs.points[static_cast<std::size_t>(plug.logicalIndex())];
+  math::Vec2f& uv = uvs.points[at(plug.logicalIndex())];
   (plug.attribute()->childIndex == 0 ? uv.u : uv.v) = static_cast<float>(std::get<double>(value));
   return true;
 }

@@ -20,7 +20,7 @@ std::vector<Index> componentIds(const mesh::Mesh& mesh, const Component& compone
       ids.erase(std::lower_bound(ids.begin(), ids.end(), count), ids.end());
       return ids;
     }
-    std::vector<Index> all(static_cast<std::size_t>(count));
+    std::vector<Index> all(at(count));
     std::iota(all.begin(), all.end(), 0);
     return all;
   }
@@ -44,7 +44,7 @@ Component componentFromIds(const mesh::Mesh& mesh, ComponentType type, std::vect
 }
 
 std::vector<VertexId> MeshItem::vertices() const {
-  return ids(ComponentType::Vertex);
+  return copyIds<VertexId>(ids(ComponentType::Vertex));
 }
 
 std::vector<Index> MeshItem::ids(ComponentType type) const {

@@ -28,6 +28,10 @@ struct MeshItem {
   [[nodiscard]] std::vector<VertexId> vertices() const;
   /// All components brought to one type, as `convertComponents` does; an object gives all.
   [[nodiscard]] std::vector<Index> ids(scene::ComponentType type) const;
+  template <AnyId Id>
+  [[nodiscard]] std::vector<Id> idsOf() const {
+    return copyIds<Id>(ids(mesh::kTypeOf<Id>));
+  }
 };
 
 /// The meshes in a list, in order; transforms by their shapes, anything else left out.

@@ -34,7 +34,7 @@ void applyTweaks(dg::Graph& graph, const Plug& tweaks, Mesh& mesh) {
     if (indices[i] >= mesh.vertexCount() || (offset[0] == 0 && offset[1] == 0 && offset[2] == 0))
       continue;
     if (points.empty()) points = mesh.editPoints();
-    math::Vec3f& point = points[static_cast<std::size_t>(indices[i])];
+    math::Vec3f& point = points[at(indices[i])];
     if (offset[0] != 0) point.x = static_cast<float>(point.x + offset[0]);
     if (offset[1] != 0) point.y = static_cast<float>(point.y + offset[1]);
     if (offset[2] != 0) point.z = static_cast<float>(point.z + offset[2]);

@@ -86,8 +86,7 @@ Result<void> setTweaks(Node& shape, const Tweaks& before, const std::vector<Inde
   for (const Index vertex : moved) {
     keepUpTo(vertex);
     if (kept < before.vertices.size() && before.vertices[kept] == vertex) ++kept;
-    const Vec3f &from = base[static_cast<std::size_t>(vertex)],
-                &to = points[static_cast<std::size_t>(vertex)];
+    const Vec3f &from = base[at(vertex)], &to = points[at(vertex)];
     if (from == to) continue;
     vertices.push_back(vertex);
     offsets.insert(offsets.end(), {offsetBetween(from.x, to.x), offsetBetween(from.y, to.y),
@@ -108,8 +107,7 @@ Result<void> moveStored(Node& shape, const Tweaks& tweaks, const std::vector<Ind
   if (!tweaked.empty()) HOST_TRY(setTweaks(shape, tweaks, tweaked, stored->points(), points));
   if (plain.empty()) return {};
   const std::span<Vec3f> places = stored->editPoints();
-  for (const Index vertex : plain)
-    places[static_cast<std::size_t>(vertex)] = points[static_cast<std::size_t>(vertex)];
+  for (const Index vertex : plain) places[at(vertex)] = points[at(vertex)];
   return store(shape, *std::move(stored));
 }
 

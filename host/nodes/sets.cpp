@@ -222,7 +222,7 @@ SelectionList setMembers(Node& set) {
     if (slot == "dnSetMembers") members.add(node.shared_from_this());
     if (slot != "dagSetMembers") continue;
     const std::vector<DagPath> paths = scene::allPaths(node);
-    const auto instance = static_cast<std::size_t>(each.source.index(0));
+    const auto instance = at(each.source.index(0));
     if (instance >= paths.size()) continue;
     if (each.source.attribute()->longName != "objectGroups") {
       members.add(paths[instance]);

@@ -25,7 +25,7 @@ SmoothPreview smoothPreviewOf(dg::Node& shape) {
 Result<PreviewMesh> makePreview(const mesh::Mesh& mesh, const SmoothPreview& how) {
   PreviewMesh preview{mesh, mesh::Origins::identity(mesh.faceCount())};
   const mesh::ProvenanceTrail trail(mesh);
-  std::vector<FaceId> faces(static_cast<std::size_t>(mesh.faceCount()));
+  PerElement<FaceId, FaceId> faces(mesh.faceCount());
   std::iota(faces.begin(), faces.end(), 0);
   ops::SmoothOptions options;
   options.divisions = how.level;

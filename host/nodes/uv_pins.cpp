@@ -49,8 +49,8 @@ void addWeights(dg::Node& node, std::vector<float>& pins) {
   std::vector<double> weights;
   graph.getPacked(node.plug("pin"), indices, weights);
   for (std::size_t i = 0; i < indices.size(); ++i)
-    if (static_cast<std::size_t>(indices[i]) < pins.size() && weights[i] >= 0)
-      pins[static_cast<std::size_t>(indices[i])] =
+    if (at(indices[i]) < pins.size() && weights[i] >= 0)
+      pins[at(indices[i])] =
           kind && *kind == 1 ? 0.0f : static_cast<float>(std::min(weights[i], 1.0));
 }
 
@@ -63,14 +63,14 @@ const mesh::UvSet* sameSet(const mesh::Mesh& mesh, const std::string& name) {
 /// For each corner of a mesh the one that it comes of in another; none where it comes of nothing.
 std::vector<CornerId> cornerOrigins(const mesh::Mesh& from, const mesh::Mesh& to,
                                     const mesh::Provenance& origin) {
-  std::vector<CornerId> origins(at(to.cornerCount()), kNone);
+  PerElement<CornerId, CornerId> origins(to.cornerCount(), kNone);
   for (FaceId f = 0; f < to.faceCount(); ++f) {
     const FaceId old = origin.faces.at(f);
     if (old == kNone || old >= from.faceCount()) continue;
     for (CornerId c = to.firstCorner(f); c < to.firstCorner(f + 1); ++c) {
       const VertexId vertex = origin.vertices.at(to.cornerVertex(c));
       for (CornerId k = from.firstCorner(old); k < from.firstCorner(old + 1); ++k)
-        if (vertex != kNone && from.cornerVertex(k) == vertex) origins[at(c)] = k;
+        if (vertex != kNone && from.cornerVertex(k) == vertex) origins[c] = k;
     }
   }
   return origins;
@@ -85,7 +85,7 @@ std::vector<float> carriedWeights(const std::vector<float>& weights, const mesh:
     const CornerId corner = origins.empty() ? static_cast<CornerId>(c) : origins[c];
     if (to.cornerIds[c] == kNone || corner == kNone || at(corner) >= from.cornerIds.size())
       continue;
-    const UvId old = from.cornerIds[at(corner)];
+    const UvId old = from.cornerIds[corner];
     if (old == kNone || at(old) >= weights.size()) continue;
     float& weight = carried[at(to.cornerIds[c])];
     weight = std::max(weight, weights[at(old)]);
@@ -131,8 +131,7 @@ std::vector<float> uvPins(dg::Node& shape, const mesh::Mesh& mesh, int uvSet) {
   }
   renumber(mesh);
   for (const auto& [uv, weight] : storedPins(shape, uvSet))
-    if (uv >= 0 && static_cast<std::size_t>(uv) < pins.size())
-      pins[static_cast<std::size_t>(uv)] = weight;
+    if (uv >= 0 && at(uv) < pins.size()) pins[at(uv)] = weight;
   if (std::ranges::all_of(pins, [](float weight) { return !(weight > 0); })) pins.clear();
   return pins;
 }

@@ -78,14 +78,13 @@ Component Component::all(ComponentType type) {
 
 std::vector<Index> Component::expanded(Index count) const {
   if (!complete_) return indices_;
-  std::vector<Index> every(static_cast<std::size_t>(std::max<Index>(count, 0)));
+  std::vector<Index> every(at(std::max<Index>(count, 0)));
   for (std::size_t i = 0; i < every.size(); ++i) every[i] = static_cast<Index>(i);
   return every;
 }
 
 std::size_t Component::count(Index meshCount) const {
-  return complete_ ? static_cast<std::size_t>(std::max<Index>(meshCount, 0))
-                   : indices_.size() + pairs_.size();
+  return complete_ ? at(std::max<Index>(meshCount, 0)) : indices_.size() + pairs_.size();
 }
 
 bool Component::contains(Index index) const {

@@ -35,6 +35,12 @@ class Component {
   Component(ComponentType type, std::vector<Index> indices);
   explicit Component(std::vector<VertexFace> pairs);
   [[nodiscard]] static Component all(ComponentType type);
+  /// The ids' type says the kind; a vertex-face is not known by a corner here.
+  template <AnyId Id>
+  [[nodiscard]] static Component of(const std::vector<Id>& ids) {
+    static_assert(!std::is_same_v<Id, CornerId>);
+    return Component(mesh::kTypeOf<Id>, copyIds(ids));
+  }
 
   [[nodiscard]] ComponentType type() const { return type_; }
   [[nodiscard]] bool isComplete() const { return complete_; }

@@ -67,7 +67,7 @@ void dropLostPlaces(dg::Graph& graph, Node& top) {
   }
 }
 
-constexpr std::size_t kAtEnd = static_cast<std::size_t>(-1);
+constexpr std::size_t kAtEnd = at(-1);
 
 }  // namespace
 
@@ -263,7 +263,7 @@ Result<void> Document::reorder(Node& child, Node* parent, int position) {
   if (std::find(siblings.begin(), siblings.end(), &child) == siblings.end())
     return fail("'{}' is not a child of '{}'", child.name(), parent ? parent->name() : "world");
   const int last = static_cast<int>(siblings.size()) - 1;
-  const auto target = static_cast<std::size_t>(std::clamp(position, 0, last));
+  const auto target = at(std::clamp(position, 0, last));
   if (target == impl_->childPosition(child, parent)) return {};
   const std::size_t instance = positionOf(dagLinks(child).parents, parent);
   const DagLink made{child.shared_from_this(), parent ? parent->shared_from_this() : nullptr,

@@ -9,7 +9,7 @@ namespace host::scene {
 
 namespace {
 
-constexpr std::size_t kNotFound = static_cast<std::size_t>(-1);
+constexpr std::size_t kNotFound = at(-1);
 constexpr std::size_t kLongList = 16;  ///< below this a scan is as fast as an index
 
 Index countOf(const mesh::Mesh& mesh, ComponentType type) {

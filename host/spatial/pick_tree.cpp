@@ -54,7 +54,7 @@ void PickTree::sortFaces(const mesh::Mesh& mesh) {
     std::uint32_t code;
     FaceId face;
   };
-  std::vector<Key> keys(static_cast<std::size_t>(mesh.faceCount()));
+  PerElement<FaceId, Key> keys(mesh.faceCount());
   parallelFor(keys.size(), 8192, [&](std::size_t begin, std::size_t end) {
     for (std::size_t i = begin; i < end; ++i) {
       const auto face = static_cast<FaceId>(i);

@@ -40,7 +40,7 @@ class ShownBuild {
   bool tell(double part) {
     const int now = static_cast<int>(part * kSteps);
     const int before = told_.exchange(now);
-    if (now > before) work_.advance(static_cast<std::size_t>(now - before));
+    if (now > before) work_.advance(at(now - before));
     return true;
   }
   static bool monitor(void* build, double part) {

@@ -61,7 +61,7 @@ class TriangleBvh::Builder {
 
   void run() {
     build(0, 0, static_cast<Index>(references_.size()), 0);
-    nodes_.resize(at(used_));
+    nodes_.resize(static_cast<std::size_t>(used_));
     nodes_.shrink_to_fit();
   }
 
@@ -139,7 +139,7 @@ class TriangleBvh::Builder {
     std::array<Index, kBins> counts{};
     for (Index i = begin; i < end; ++i) {
       const Reference& r = references_[at(i)];
-      const auto bin = static_cast<std::size_t>(split.binOf(r));
+      const auto bin = at(split.binOf(r));
       boxes[bin].add(r.box);
       ++counts[bin];
     }

@@ -112,8 +112,7 @@ class ItemCheck {
   void texture(const Texture& picture) {
     const bool sized = picture.width > 0 && picture.height > 0 &&
                        picture.width <= kMaxTextureSide && picture.height <= kMaxTextureSide;
-    if (!sized || picture.rgba.size() != std::size_t{4} * static_cast<std::size_t>(picture.width) *
-                                             static_cast<std::size_t>(picture.height))
+    if (!sized || picture.rgba.size() != std::size_t{4} * at(picture.width) * at(picture.height))
       report("has a texture whose size and pixels don't agree");
   }
 

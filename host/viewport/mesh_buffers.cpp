@@ -21,9 +21,9 @@ void clearSharpNormals(const Mesh& mesh, std::vector<Vec3f>& normals) {
   const std::vector<Vec3f> faceNormals = mesh::computeFaceNormals(mesh);
   std::vector<std::uint8_t> isSharp(normals.size());
   for (FaceId face = 0; face < mesh.faceCount(); ++face) {
-    const Vec3f& normal = faceNormals[static_cast<std::size_t>(face)];
+    const Vec3f& normal = faceNormals[at(face)];
     for (const VertexId v : mesh.faceVertices(face)) {
-      const auto k = static_cast<std::size_t>(v);
+      const auto k = at(v);
       if (isSharpAgainst(normal, Vec3(normals[k]))) isSharp[k] = 1;
     }
   }
@@ -61,7 +61,7 @@ class CornerWelder {
   CornerWelder(const Mesh& mesh, SurfaceContent content)
       : mesh_(mesh),
         normals_(mesh.cornerNormals()),
-        first_(static_cast<std::size_t>(mesh.vertexCount()), kNone),
+        first_(at(mesh.vertexCount()), kNone),
         data_(std::make_shared<VertexData>()) {
     if (content.uvs && mesh.uvSetCount() > 0) uvs_ = &mesh.uvSet(mesh.currentUvSet());
     if (uvs_ && uvs_->cornerIds.empty()) uvs_ = nullptr;
@@ -78,7 +78,7 @@ class CornerWelder {
     data_->positions.reserve(first_.size());
     data_->normals.reserve(first_.size());
     for (std::size_t c = 0; c < corners.size(); ++c)
-      indices[c] = static_cast<std::uint32_t>(indexOf(c, static_cast<std::size_t>(corners[c])));
+      indices[c] = static_cast<std::uint32_t>(indexOf(c, at(corners[c])));
     return indices;
   }
 
@@ -93,8 +93,8 @@ class CornerWelder {
     const Vec3f& normal = normals_[corner];
     const Index uv = uvs_ ? uvs_->cornerIds[corner] : kNone;
     const Index color = colors_ ? colors_->cornerIds[corner] : kNone;
-    for (Index i = first_[vertex]; i != kNone; i = variants_[static_cast<std::size_t>(i)].next) {
-      const auto k = static_cast<std::size_t>(i);
+    for (Index i = first_[vertex]; i != kNone; i = variants_[at(i)].next) {
+      const auto k = at(i);
       if (variants_[k].uv == uv && variants_[k].color == color && data_->normals[k] == normal)
         return i;
     }
@@ -103,8 +103,7 @@ class CornerWelder {
     first_[vertex] = added;
     data_->positions.push_back(mesh_.points()[vertex]);
     data_->normals.push_back(normal);
-    if (uvs_)
-      data_->uvs.push_back(uv == kNone ? Vec2f{} : uvs_->points[static_cast<std::size_t>(uv)]);
+    if (uvs_) data_->uvs.push_back(uv == kNone ? Vec2f{} : uvs_->points[at(uv)]);
     if (colors_) data_->colors.push_back(packed(color));
     return added;
   }
@@ -113,14 +112,13 @@ class CornerWelder {
     const std::vector<Vec3f> faceNormals = mesh::computeFaceNormals(mesh_);
     flat_.reserve(normals_.size());
     for (FaceId face = 0; face < mesh_.faceCount(); ++face)
-      flat_.insert(flat_.end(), static_cast<std::size_t>(mesh_.faceSize(face)),
-                   faceNormals[static_cast<std::size_t>(face)]);
+      flat_.insert(flat_.end(), at(mesh_.faceSize(face)), faceNormals[at(face)]);
     normals_ = flat_;
   }
 
   [[nodiscard]] std::uint32_t packed(Index color) const {
     if (color == kNone) return packColor(displayColors().surface);
-    const mesh::Color4f& c = colors_->colors[static_cast<std::size_t>(color)];
+    const mesh::Color4f& c = colors_->colors[at(color)];
     return packColor({c.r, c.g, c.b, c.a});
   }
 
@@ -141,8 +139,7 @@ void makeSurface(const Mesh& mesh, SurfaceContent content, OpenBuffers& buffers)
   auto triangles = std::make_shared<IndexData>();
   triangles->reserve(3 * cut.triangles.size());
   for (const std::array<CornerId, 3>& triangle : cut.triangles)
-    for (const CornerId corner : triangle)
-      triangles->push_back(buffers.corners[static_cast<std::size_t>(corner)]);
+    for (const CornerId corner : triangle) triangles->push_back(buffers.corners[at(corner)]);
   for (const FaceId face : mesh.invisibleFaces()) {
     // A hidden face keeps its place, collapsed to nothing.
     const auto begin = triangles->begin() + 3 * mesh::Triangulation::firstTriangle(mesh, face);
@@ -286,7 +283,7 @@ const std::vector<IndexDataPtr>& MeshDrawCache::parts(std::uint64_t id,
   auto from = entry.buffers.shown.triangles->begin();
   for (FaceId face = 0; face < entry.mesh.faceCount(); ++face) {
     const auto to = from + 3 * (entry.mesh.faceSize(face) - 2);
-    IndexData& part = *sorted[(*numbers)[static_cast<std::size_t>(face)]];
+    IndexData& part = *sorted[(*numbers)[at(face)]];
     part.insert(part.end(), from, to);
     from = to;
   }

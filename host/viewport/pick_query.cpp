@@ -114,7 +114,7 @@ std::vector<FaceId> Picker::Query::facesNear(const Target& target, ViewPoint cur
                                              double tolerance) const {
   std::vector<FaceId> faces;
   if (!target.toObject) {
-    faces.resize(static_cast<std::size_t>(target.object->mesh.faceCount()));
+    faces.resize(at(target.object->mesh.faceCount()));
     std::iota(faces.begin(), faces.end(), 0);
     return faces;
   }

@@ -36,8 +36,8 @@ Picker::Entry::Entry(const mesh::Mesh& meshIn) : mesh(meshIn), tree(meshIn) {
   for (EdgeId e = 0; e < mesh.edgeCount(); ++e)
     if (adjacency.edgeFaces(e).empty()) looseEdges.push_back(e);
   if (mesh.invisibleFaces().empty()) return;
-  seenFaces.assign(static_cast<std::size_t>(mesh.faceCount()), 1);
-  for (const FaceId face : mesh.invisibleFaces()) seenFaces[static_cast<std::size_t>(face)] = 0;
+  seenFaces.assign(at(mesh.faceCount()), 1);
+  for (const FaceId face : mesh.invisibleFaces()) seenFaces[at(face)] = 0;
 }
 
 std::optional<PickHit> Picker::pick(const SceneView& scene, ViewPoint cursor,

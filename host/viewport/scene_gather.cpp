@@ -66,7 +66,7 @@ std::optional<DrawOverride> drawOverride(dg::Node& node) {
 
 void addComponents(const Component& component, const mesh::Mesh& mesh, ComponentSets& sets) {
   // Selections may outlive an edit that took components away.
-  const auto add = [](const std::vector<Index>& ids, Index count, std::vector<Index>& to) {
+  const auto add = [](IdView ids, Index count, auto& to) {
     std::ranges::copy_if(ids, std::back_inserter(to),
                          [&](Index id) { return id >= 0 && id < count; });
   };

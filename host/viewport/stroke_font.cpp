@@ -116,7 +116,7 @@ constexpr std::array<std::string_view, 95> kGlyphs = {
 };
 
 std::string_view glyph(char c) {
-  const auto index = static_cast<std::size_t>(static_cast<unsigned char>(c)) - 32;
+  const auto index = std::size_t{static_cast<unsigned char>(c)} - 32;
   return index < kGlyphs.size() ? kGlyphs[index] : kBox;
 }
 

@@ -20,7 +20,7 @@ void forEachFace(const Mesh& mesh, const mesh::UvSet& set, const Found& found) {
     const CornerId first = mesh.firstCorner(f), end = mesh.firstCorner(f + 1);
     loop.clear();
     for (CornerId c = first; c < end; ++c) {
-      const UvId id = set.cornerIds[static_cast<std::size_t>(c)];
+      const UvId id = set.cornerIds[c];
       if (id < 0) break;
       loop.push_back(set.points[static_cast<std::size_t>(id)]);
     }
@@ -31,7 +31,7 @@ void forEachFace(const Mesh& mesh, const mesh::UvSet& set, const Found& found) {
 /// What a corner stands for: its UV, its vertex, or the edge that begins there.
 Index componentAt(const Mesh& mesh, const mesh::UvSet& set, ComponentType type, FaceId face,
                   CornerId corner) {
-  if (type == ComponentType::Uv) return set.cornerIds[static_cast<std::size_t>(corner)];
+  if (type == ComponentType::Uv) return set.cornerIds[corner];
   if (type == ComponentType::Vertex) return mesh.cornerVertex(corner);
   if (type == ComponentType::Edge)
     return mesh.faceEdges(face)[static_cast<std::size_t>(corner - mesh.firstCorner(face))];

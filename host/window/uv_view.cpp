@@ -249,7 +249,7 @@ void UvView::drawSelected(QPainter& painter, const nodes::MeshItem& item, int uv
   if (set.cornerIds.empty()) return;
   const mesh::Adjacency& adjacency = mesh.adjacency();
   const auto place = [&](CornerId c) -> std::optional<QPointF> {
-    const UvId id = set.cornerIds[static_cast<std::size_t>(c)];
+    const UvId id = set.cornerIds[c];
     if (id < 0) return std::nullopt;
     const auto& uv = set.points[static_cast<std::size_t>(id)];
     return toScreen(uv.u, uv.v);

@@ -102,8 +102,7 @@ void Materials::smooth(viewport::RenderMesh& mesh) {
     for (const mesh::Origins::Stretch& each : preview.made.faces.stretches())
       for (Index i = 0; i < each.count; ++i) {
         const Index source = each.source == kNone ? kNone : each.source + i * each.step;
-        numbers->push_back(
-            source == kNone ? 0U : (*mesh.faceMaterials)[static_cast<std::size_t>(source)]);
+        numbers->push_back(source == kNone ? 0U : (*mesh.faceMaterials)[at(source)]);
       }
     preview.numbers = std::move(numbers);
     preview.numbersFrom = mesh.faceMaterials;
@@ -130,14 +129,13 @@ void Materials::dressMesh(scene::Document& document, viewport::RenderMesh& mesh)
   faces.isUsed = true;
   if (!faces.numbers || faces.faceCount != mesh.mesh.faceCount() || faces.groups != groups) {
     faces.faceCount = mesh.mesh.faceCount();
-    auto numbers =
-        std::make_shared<std::vector<std::uint32_t>>(static_cast<std::size_t>(faces.faceCount), 0U);
+    auto numbers = std::make_shared<std::vector<std::uint32_t>>(at(faces.faceCount), 0U);
     for (std::size_t i = 0; i < groups.size(); ++i)
       for (const scene::Component& component : groups[i].second) {
         if (component.type() != scene::ComponentType::Face) continue;
         for (const Index face : component.expanded(faces.faceCount))
           if (face >= 0 && face < faces.faceCount)
-            (*numbers)[static_cast<std::size_t>(face)] = static_cast<std::uint32_t>(i + 1);
+            (*numbers)[at(face)] = static_cast<std::uint32_t>(i + 1);
       }
     faces.groups = std::move(groups);
     faces.numbers = std::move(numbers);

@@ -190,8 +190,9 @@ const std::vector<ZooMesh>& allZooMeshes() {
   return all;
 }
 
-std::vector<Index> firstIds(Index count) {
-  std::vector<Index> ids(at(count));
+template <AnyId Id>
+std::vector<Id> firstIds(Index count) {
+  std::vector<Id> ids(at(count));
   std::iota(ids.begin(), ids.end(), 0);
   return ids;
 }
@@ -220,13 +221,13 @@ Counts counts(const Mesh& mesh) {
 }
 
 std::vector<FaceId> allFaces(const Mesh& mesh) {
-  return firstIds(mesh.faceCount());
+  return firstIds<FaceId>(mesh.faceCount());
 }
 std::vector<EdgeId> allEdges(const Mesh& mesh) {
-  return firstIds(mesh.edgeCount());
+  return firstIds<EdgeId>(mesh.edgeCount());
 }
 std::vector<VertexId> allVertices(const Mesh& mesh) {
-  return firstIds(mesh.vertexCount());
+  return firstIds<VertexId>(mesh.vertexCount());
 }
 
 double surfaceArea(const Mesh& mesh) {
@@ -272,7 +273,7 @@ Mesh gridMesh(Index nx, Index nz) {
     }
   const std::vector<Index> sizes(at(nx) * at(nz), 4);
   Mesh mesh = *mesh::buildMesh(std::move(points), sizes, corners);
-  uvs.cornerIds = std::move(corners);
+  uvs.cornerIds = copyIds<UvId>(corners);
   mesh.setUvSet(0, std::move(uvs));
   return mesh;
 }

@@ -216,8 +216,8 @@ Mesh withFaceUvs(Mesh mesh) {
     for (Index i = 0; i < mesh.faceSize(f); ++i) {
       const double a = kTurn * i / mesh.faceSize(f);
       set.cornerIds.push_back(static_cast<UvId>(set.points.size()));
-      set.points.push_back(
-          {static_cast<float>(f + 0.4 * std::cos(a)), static_cast<float>(0.4 * std::sin(a))});
+      set.points.push_back({static_cast<float>(Index(f) + 0.4 * std::cos(a)),
+                            static_cast<float>(0.4 * std::sin(a))});
     }
   mesh.setUvSet(0, std::move(set));
   return mesh;
@@ -225,7 +225,7 @@ Mesh withFaceUvs(Mesh mesh) {
 
 /// One UV a vertex: no seams.
 mesh::UvSet vertexUvs(const Mesh& mesh, const std::string& name) {
-  mesh::UvSet set{name, {}, mesh.topology().cornerVertices};
+  mesh::UvSet set{name, {}, copyIds<UvId>(mesh.topology().cornerVertices)};
   for (const Vec3f& p : mesh.points())
     set.points.push_back({p.x + 0.25f * p.y, p.z - 0.125f * p.y});
   return set;

@@ -42,7 +42,7 @@ MObject MFnNumericData::create(Type dataType, MStatus* status) {
     return object_ = MObject();
   }
   setStatus(status, MStatus::kSuccess);
-  const auto zeros = std::vector<double>(static_cast<std::size_t>(kind.count), 0.0);
+  const auto zeros = std::vector<double>(at(kind.count), 0.0);
   return object_ = api::wrap(api::makeNumericData(std::string(kind.compound), zeros));
 }
 MFnNumericData::Type MFnNumericData::numericType() {

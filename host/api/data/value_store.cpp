@@ -150,7 +150,7 @@ bool isOwn(const dg::Node& node, const dg::Attribute& attribute) {
                        [&](const dg::AttributePtr& each) { return each.get() == top; });
   }
   const auto& own = node.type().attributes();
-  const auto index = static_cast<std::size_t>(top->topIndex);
+  const auto index = at(top->topIndex);
   return index < own.size() && own[index].get() == top;
 }
 

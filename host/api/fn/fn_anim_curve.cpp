@@ -416,9 +416,9 @@ MStatus MFnAnimCurve::setTangentTypes(const MIntArray* indices, TangentType tang
   if (!indices) return MStatus::kInvalidParameter;
   return change(object_, kept, [&](KeyCurve& curve) {
     for (const int index : *indices) {
-      if (index < 0 || static_cast<std::size_t>(index) >= curve.keys.size()) return false;
-      curve.keys[static_cast<std::size_t>(index)].in = tangentFrom(tangentIn);
-      curve.keys[static_cast<std::size_t>(index)].out = tangentFrom(tangentOut);
+      if (index < 0 || at(index) >= curve.keys.size()) return false;
+      curve.keys[at(index)].in = tangentFrom(tangentIn);
+      curve.keys[at(index)].out = tangentFrom(tangentOut);
     }
     return true;
   });

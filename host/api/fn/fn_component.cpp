@@ -19,7 +19,7 @@ ComponentRep* componentIn(const MObject& object, MStatus* status = nullptr) {
 /// Elements that the list names; of a complete one those that setCompleteData spoke of.
 std::size_t countOf(ComponentRep& rep) {
   const scene::Component& component = rep.settled();
-  return component.isComplete() ? static_cast<std::size_t>(rep.completeCount)
+  return component.isComplete() ? at(rep.completeCount)
                                 : std::max(component.indices().size(), component.pairs().size());
 }
 
@@ -113,12 +113,11 @@ MStatus MFnSingleIndexedComponent::addElements(const MIntArray& elements) {
 int MFnSingleIndexedComponent::element(int index, MStatus* status) const {
   auto* rep = componentIn(object_, status);
   if (!rep) return 0;
-  if (index < 0 || static_cast<std::size_t>(index) >= api::countOf(*rep)) {
+  if (index < 0 || at(index) >= api::countOf(*rep)) {
     setStatus(status, MStatus::kInvalidParameter);
     return 0;
   }
-  return rep->component.isComplete() ? index
-                                     : rep->component.indices()[static_cast<std::size_t>(index)];
+  return rep->component.isComplete() ? index : rep->component.indices()[at(index)];
 }
 MStatus MFnSingleIndexedComponent::getElements(MIntArray& elements) const {
   elements.clear();
@@ -170,10 +169,9 @@ MStatus MFnDoubleIndexedComponent::getElement(int index, int& uIndex, int& vInde
   auto* rep = componentIn(object_);
   if (!rep) return MStatus::kFailure;
   const auto pairs = rep->settled().pairs();
-  if (index < 0 || static_cast<std::size_t>(index) >= pairs.size())
-    return MStatus::kInvalidParameter;
-  uIndex = pairs[static_cast<std::size_t>(index)].vertex;
-  vIndex = pairs[static_cast<std::size_t>(index)].face;
+  if (index < 0 || at(index) >= pairs.size()) return MStatus::kInvalidParameter;
+  uIndex = pairs[at(index)].vertex;
+  vIndex = pairs[at(index)].face;
   return MStatus::kSuccess;
 }
 MStatus MFnDoubleIndexedComponent::getElements(MIntArray& uIndices, MIntArray& vIndices) const {

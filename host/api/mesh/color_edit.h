@@ -28,7 +28,7 @@ MStatus meanColor(const MColorArray& colors, MColor& mean);
 [[nodiscard]] inline Index cornerColor(const mesh::Mesh& mesh, int set, CornerId corner) {
   if (set < 0) return kNone;
   const auto& ids = mesh.colorSet(set).cornerIds;
-  return ids.empty() ? kNone : ids[static_cast<std::size_t>(corner)];
+  return ids.empty() ? kNone : ids[at(corner)];
 }
 
 /// Colours the corners of the current colour set one by one; a mesh without a set gets "colorSet1".
@@ -39,9 +39,7 @@ class ColorEdit {
   /// Adds a colour and returns its id for `assign`.
   [[nodiscard]] Index add(const MColor& color);
   /// Gives a corner a colour, or none.
-  void assign(CornerId corner, Index color) {
-    set_.cornerIds[static_cast<std::size_t>(corner)] = color;
-  }
+  void assign(CornerId corner, Index color) { set_.cornerIds[corner] = color; }
   void setRepresentation(int channels) { set_.representation = channels; }
   void finish();
 

@@ -29,7 +29,7 @@ ColorEdit::ColorEdit(mesh::Mesh& mesh) : mesh_(mesh) {
     mesh.setCurrentColorSet(mesh.addColorSet({"colorSet1", 4, false, {}, {}}));
   index_ = mesh.currentColorSet();
   set_ = mesh.colorSet(index_);
-  set_.cornerIds.resize(static_cast<std::size_t>(mesh.cornerCount()), kNone);
+  set_.cornerIds.resize(at(mesh.cornerCount()), kNone);
 }
 
 Index ColorEdit::add(const MColor& color) {
@@ -40,16 +40,16 @@ Index ColorEdit::add(const MColor& color) {
 void ColorEdit::finish() {
   std::vector<Index> newIds(set_.colors.size(), kNone);
   for (const Index id : set_.cornerIds)
-    if (id != kNone) newIds[static_cast<std::size_t>(id)] = 0;
+    if (id != kNone) newIds[at(id)] = 0;
   Index count = 0;
   for (std::size_t i = 0; i < newIds.size(); ++i) {
     if (newIds[i] == kNone) continue;
     newIds[i] = count;
-    set_.colors[static_cast<std::size_t>(count++)] = set_.colors[i];
+    set_.colors[at(count++)] = set_.colors[i];
   }
-  set_.colors.resize(static_cast<std::size_t>(count));
+  set_.colors.resize(at(count));
   for (Index& id : set_.cornerIds)
-    if (id != kNone) id = newIds[static_cast<std::size_t>(id)];
+    if (id != kNone) id = newIds[at(id)];
   mesh_.setColorSet(index_, std::move(set_));
 }
 
@@ -75,14 +75,14 @@ MStatus editColorSet(const MFnMesh& set, const MString* name, Change change) {
 }
 
 bool isColor(const mesh::ColorSet& set, int id) {
-  return id >= 0 && static_cast<std::size_t>(id) < set.colors.size();
+  return id >= 0 && at(id) < set.colors.size();
 }
 
 std::span<const CornerId> cornersOfVertex(const mesh::Mesh& mesh, VertexId v) {
   return mesh.adjacency().vertexCorners(v);
 }
 std::vector<CornerId> cornersOfFace(const mesh::Mesh& mesh, FaceId f) {
-  std::vector<CornerId> corners(static_cast<std::size_t>(mesh.faceSize(f)));
+  std::vector<CornerId> corners(at(mesh.faceSize(f)));
   for (std::size_t i = 0; i < corners.size(); ++i)
     corners[i] = mesh.firstCorner(f) + static_cast<Index>(i);
   return corners;
@@ -181,16 +181,15 @@ MStatus MFnMesh::getColor(int colorId, MColor& color, const MString* colorSet,
   else if (!isColor(data->mesh.colorSet(set), colorId))
     return MStatus::kInvalidParameter;
   else
-    color = toMColor(data->mesh.colorSet(set).colors[static_cast<std::size_t>(colorId)]);
+    color = toMColor(data->mesh.colorSet(set).colors[at(colorId)]);
   return MStatus::kSuccess;
 }
 MStatus MFnMesh::setColor(int colorId, const MColor& color, const MString* colorSet) {
   return editColorSet(*this, colorSet, [&](mesh::Mesh&, mesh::ColorSet& set) -> MStatus {
     // One past the last adds a colour.
-    if (colorId < 0 || static_cast<std::size_t>(colorId) > set.colors.size())
-      return MStatus::kInvalidParameter;
-    if (static_cast<std::size_t>(colorId) == set.colors.size()) set.colors.emplace_back();
-    set.colors[static_cast<std::size_t>(colorId)] = api::fromMColor(color);
+    if (colorId < 0 || at(colorId) > set.colors.size()) return MStatus::kInvalidParameter;
+    if (at(colorId) == set.colors.size()) set.colors.emplace_back();
+    set.colors[at(colorId)] = api::fromMColor(color);
     return MStatus::kSuccess;
   });
 }
@@ -199,8 +198,8 @@ MStatus MFnMesh::assignColor(int polygonId, int vertexIndex, int colorId, const 
     const CornerId corner = api::localCorner(mesh, polygonId, vertexIndex);
     if (corner == kNone || (colorId != kNone && !isColor(set, colorId)))
       return MStatus::kInvalidParameter;
-    set.cornerIds.resize(static_cast<std::size_t>(mesh.cornerCount()), kNone);
-    set.cornerIds[static_cast<std::size_t>(corner)] = colorId;
+    set.cornerIds.resize(at(mesh.cornerCount()), kNone);
+    set.cornerIds[corner] = colorId;
     return MStatus::kSuccess;
   });
 }
@@ -260,7 +259,7 @@ MStatus MFnMesh::getVertexColors(MColorArray& colors, const MString* colorSet,
     for (const CornerId corner : mesh.adjacency().vertexCorners(v)) {
       const Index id = cornerColor(mesh, set, corner);
       if (id == kNone) continue;
-      const mesh::Color4f& color = mesh.colorSet(set).colors[static_cast<std::size_t>(id)];
+      const mesh::Color4f& color = mesh.colorSet(set).colors[at(id)];
       sum = MColor(sum.r + color.r, sum.g + color.g, sum.b + color.b, sum.a + color.a);
       ++count;
     }
@@ -282,8 +281,7 @@ MStatus MFnMesh::getFaceVertexColors(MColorArray& colors, const MString* colorSe
                        api::unsetColor(defaultUnsetColor));
   for (CornerId corner = 0; corner < mesh.cornerCount(); ++corner)
     if (const Index id = cornerColor(mesh, set, corner); id != kNone)
-      colors[static_cast<unsigned int>(corner)] =
-          toMColor(mesh.colorSet(set).colors[static_cast<std::size_t>(id)]);
+      colors[static_cast<unsigned int>(corner)] = toMColor(mesh.colorSet(set).colors[at(id)]);
   return MStatus::kSuccess;
 }
 

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "host/api/mesh/fn_mesh.h"
+#include "host/api/mesh/id_arrays.h"
 #include "host/mesh/rebuild.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/spatial/point_index.h"
@@ -34,9 +35,9 @@ Result<mesh::Mesh> describedMesh(int numVertices, int numPolygons, const Points&
         "given",
         numVertices, numPolygons, points.length(), counts.length());
   auto stored = storedPoints(points);
-  stored.resize(static_cast<std::size_t>(numVertices));
-  return mesh::buildMesh(std::move(stored), {counts.begin(), static_cast<std::size_t>(numPolygons)},
-                         {connects.begin(), connects.length()});
+  stored.resize(at(numVertices));
+  return mesh::buildMesh(std::move(stored), {counts.begin(), at(numPolygons)},
+                         idsOf<VertexId>(connects));
 }
 
 /// Puts a mesh where `parentOrOwner` says: into a data object, under a transform, or under a

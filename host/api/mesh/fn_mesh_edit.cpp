@@ -7,6 +7,7 @@
 
 #include "host/api/graph/modifier.h"
 #include "host/api/mesh/fn_mesh.h"
+#include "host/api/mesh/id_arrays.h"
 #include "host/nodes/corner_override.h"
 #include "host/nodes/mesh_node.h"
 #include "host/nodes/mesh_shape.h"
@@ -45,10 +46,6 @@ MStatus writeStoredThrough(MDGModifier& modifier, dg::Node& shape, mesh::Mesh me
   return modifier.doIt();
 }
 
-std::span<const Index> idsOf(const MIntArray& ids) {
-  return {ids.begin(), ids.length()};
-}
-
 }  // namespace
 
 MStatus writeAttributes(const MFnMesh& set, mesh::Mesh mesh, MDGModifier* modifier) {
@@ -73,36 +70,40 @@ using api::editMesh;
 using api::idsOf;
 
 MStatus MFnMesh::deleteFace(int index, MDGModifier* modifier) {
-  return editMesh(*this, modifier,
-                  [=](mesh::Mesh& mesh) { return ops::deleteFaces(mesh, std::span(&index, 1)); });
+  return editMesh(*this, modifier, [=](mesh::Mesh& mesh) {
+    return ops::deleteFaces(mesh, std::array{FaceId(index)});
+  });
 }
 MStatus MFnMesh::deleteEdge(int index, MDGModifier* modifier) {
-  return editMesh(*this, modifier,
-                  [=](mesh::Mesh& mesh) { return ops::deleteEdges(mesh, std::span(&index, 1)); });
+  return editMesh(*this, modifier, [=](mesh::Mesh& mesh) {
+    return ops::deleteEdges(mesh, std::array{EdgeId(index)});
+  });
 }
 MStatus MFnMesh::deleteVertex(int index, MDGModifier* modifier) {
   return editMesh(*this, modifier, [=](mesh::Mesh& mesh) {
-    return ops::deleteVertices(mesh, std::span(&index, 1));
+    return ops::deleteVertices(mesh, std::array{VertexId(index)});
   });
 }
 MStatus MFnMesh::collapseFaces(const MIntArray& faceList) {
-  return editMesh(*this, nullptr,
-                  [&](mesh::Mesh& mesh) { return ops::collapseFaces(mesh, idsOf(faceList)); });
+  return editMesh(*this, nullptr, [&](mesh::Mesh& mesh) {
+    return ops::collapseFaces(mesh, idsOf<FaceId>(faceList));
+  });
 }
 MStatus MFnMesh::collapseEdges(const MIntArray& edgeList) {
-  return editMesh(*this, nullptr,
-                  [&](mesh::Mesh& mesh) { return ops::collapseEdges(mesh, idsOf(edgeList)); });
+  return editMesh(*this, nullptr, [&](mesh::Mesh& mesh) {
+    return ops::collapseEdges(mesh, idsOf<EdgeId>(edgeList));
+  });
 }
 MStatus MFnMesh::subdivideEdges(const MIntArray& edgeList, int divisions) {
   return editMesh(*this, nullptr, [&](mesh::Mesh& mesh) {
-    return ops::subdivideEdges(mesh, idsOf(edgeList), divisions);
+    return ops::subdivideEdges(mesh, idsOf<EdgeId>(edgeList), divisions);
   });
 }
 MStatus MFnMesh::subdivideFaces(const MIntArray& faceList, int divisions) {
   ops::SubdivideFacesOptions options;
   options.divisions = divisions;
   return editMesh(*this, nullptr, [&](mesh::Mesh& mesh) {
-    return ops::subdivideFaces(mesh, idsOf(faceList), options);
+    return ops::subdivideFaces(mesh, idsOf<FaceId>(faceList), options);
   });
 }
 
@@ -123,8 +124,9 @@ MStatus chipOff(const MFnMesh& set, const MIntArray& faceList, const MFloatVecto
                 bool duplicate) {
   ops::ChipOffOptions options{placementOf(1, translation, 0, 0)};
   options.duplicate = duplicate;
-  return editMesh(set, nullptr,
-                  [&](mesh::Mesh& mesh) { return ops::chipOff(mesh, idsOf(faceList), options); });
+  return editMesh(set, nullptr, [&](mesh::Mesh& mesh) {
+    return ops::chipOff(mesh, idsOf<FaceId>(faceList), options);
+  });
 }
 
 /// For what the kernel has no form of: the reason reaches the user when the command fails.
@@ -141,7 +143,7 @@ MStatus MFnMesh::extrudeFaces(const MIntArray& faceList, int extrusionCount,
   ops::ExtrudeFacesOptions options{placementOf(extrusionCount, translation, thickness, offset)};
   options.keepFacesTogether = extrudeTogether;
   return editMesh(*this, nullptr, [&](mesh::Mesh& mesh) {
-    return ops::extrudeFaces(mesh, idsOf(faceList), options);
+    return ops::extrudeFaces(mesh, idsOf<FaceId>(faceList), options);
   });
 }
 MStatus MFnMesh::extrudeEdges(const MIntArray& edgeList, int extrusionCount,
@@ -150,7 +152,7 @@ MStatus MFnMesh::extrudeEdges(const MIntArray& edgeList, int extrusionCount,
   ops::ExtrudeEdgesOptions options{placementOf(extrusionCount, translation, thickness, offset)};
   options.keepEdgesTogether = extrudeTogether;
   return editMesh(*this, nullptr, [&](mesh::Mesh& mesh) {
-    return ops::extrudeEdges(mesh, idsOf(edgeList), options);
+    return ops::extrudeEdges(mesh, idsOf<EdgeId>(edgeList), options);
   });
 }
 MStatus MFnMesh::duplicateFaces(const MIntArray& faceList, const MFloatVector* translation) {
@@ -204,7 +206,7 @@ MObject MFnMesh::generateSmoothMesh(MObject parentOrOwner, MMeshSmoothOptions* o
   smooth.keepBorder = chosen.keepBorderEdge();
   smooth.keepHardEdges = chosen.keepHardEdge();
   mesh::Mesh mesh = data->mesh;
-  std::vector<FaceId> faces(static_cast<std::size_t>(mesh.faceCount()));
+  PerElement<FaceId, FaceId> faces(mesh.faceCount());
   for (std::size_t f = 0; f < faces.size(); ++f) faces[f] = static_cast<FaceId>(f);
   code = api::toStatus(ops::smoothMesh(mesh, faces, smooth), MStatus::kInvalidParameter);
   api::setStatus(status, code.statusCode());

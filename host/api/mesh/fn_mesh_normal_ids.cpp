@@ -20,7 +20,7 @@ std::shared_ptr<const ops::NormalIds> normalIdsOf(const scene::MeshDataPtr& data
 namespace {
 
 math::Vec3 normalAt(const mesh::Mesh& mesh, CornerId corner) {
-  return math::Vec3(mesh.cornerNormals()[static_cast<std::size_t>(corner)]);
+  return math::Vec3(mesh.cornerNormals()[at(corner)]);
 }
 
 /// A normal given in a space, as the mesh stores it. Normals go into a space by its inverse
@@ -44,17 +44,17 @@ MStatus wayBack(const MFnMesh& set, MSpace::Space space, std::optional<math::Mat
 class NormalEdit {
  public:
   explicit NormalEdit(mesh::Mesh& mesh) : mesh_(mesh), now_(mesh.lockedNormals()) {
-    const auto count = static_cast<std::size_t>(mesh.cornerCount());
+    const auto count = at(mesh.cornerCount());
     now_.normals.resize(count);
     now_.locked.resize(count, 0);
   }
   void set(CornerId corner, const math::Vec3f& normal) {
-    now_.normals[static_cast<std::size_t>(corner)] = normal;
-    now_.locked[static_cast<std::size_t>(corner)] = 1;
+    now_.normals[at(corner)] = normal;
+    now_.locked[at(corner)] = 1;
   }
   /// Locks a corner at the normal that it shows, or gives it back to its face.
   void lock(CornerId corner, bool isLocked) {
-    const auto c = static_cast<std::size_t>(corner);
+    const auto c = at(corner);
     if (isLocked && !now_.locked[c]) now_.normals[c] = mesh_.cornerNormals()[c];
     if (!isLocked) now_.normals[c] = {};
     now_.locked[c] = isLocked ? 1 : 0;
@@ -154,7 +154,7 @@ const float* MFnMesh::getRawNormals(MStatus* status) const {
   const auto raw = latest.of(data, 0, [&](const mesh::Mesh& mesh) {
     std::vector<math::Vec3f> normals;
     for (const CornerId corner : api::normalIdsOf(data)->corners)
-      normals.push_back(mesh.cornerNormals()[static_cast<std::size_t>(corner)]);
+      normals.push_back(mesh.cornerNormals()[at(corner)]);
     return normals;
   });
   return raw->empty() ? nullptr : &raw->data()->x;
@@ -250,7 +250,7 @@ bool MFnMesh::isNormalLocked(int normalId, MStatus* status) const {
     setStatus(status, MStatus::kInvalidParameter);
     return false;
   }
-  return data->mesh.isNormalLocked(ids->corners[static_cast<std::size_t>(normalId)]);
+  return data->mesh.isNormalLocked(ids->corners[at(normalId)]);
 }
 MStatus MFnMesh::lockVertexNormals(MIntArray& vertexList) {
   return api::lockAtVertices(*this, vertexList, true);

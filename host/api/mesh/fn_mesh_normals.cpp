@@ -33,7 +33,7 @@ math::Vec3 vertexNormal(const mesh::Mesh& mesh, VertexId v, bool angleWeighted) 
 }
 
 math::Vec3 cornerNormal(const mesh::Mesh& mesh, CornerId corner) {
-  return math::Vec3(mesh.cornerNormals()[static_cast<std::size_t>(corner)]);
+  return math::Vec3(mesh.cornerNormals()[at(corner)]);
 }
 
 /// The vertex normals of all vertices, each face's own worked out once.
@@ -41,12 +41,12 @@ std::vector<math::Vec3f> vertexNormals(const mesh::Mesh& mesh, bool angleWeighte
   if (angleWeighted) return mesh::computeVertexNormals(mesh);
   const std::vector<math::Vec3f> ofFaces = mesh::computeFaceNormals(mesh);
   const mesh::Adjacency& adjacency = mesh.adjacency();
-  std::vector<math::Vec3f> normals(static_cast<std::size_t>(mesh.vertexCount()));
+  PerElement<VertexId, math::Vec3f> normals(mesh.vertexCount());
   parallelFor(normals.size(), 20'000, [&](std::size_t begin, std::size_t end) {
     for (std::size_t v = begin; v < end; ++v) {
       math::Vec3 sum;
       for (const FaceId f : adjacency.vertexFaces(static_cast<VertexId>(v)))
-        sum += math::Vec3(ofFaces[static_cast<std::size_t>(f)]);
+        sum += math::Vec3(ofFaces[at(f)]);
       normals[v] = math::normalized(sum).toFloat();
     }
   });

@@ -135,7 +135,7 @@ MStatus MFnMesh::getPoint(int vertexId, MPoint& pos, MSpace::Space space) const 
   std::optional<math::Matrix4> toSpace;
   status = targetOf(*this).spaceMatrix(space, toSpace);
   if (!status) return status;
-  pos = api::pointIn(data->mesh.points()[static_cast<std::size_t>(vertexId)], toSpace);
+  pos = api::pointIn(data->mesh.points()[at(vertexId)], toSpace);
   return MStatus::kSuccess;
 }
 

@@ -70,8 +70,8 @@ std::vector<RayHit> hitsOnListed(const spatial::Surface& surface, const RayQuest
     const auto triangles = mesh::triangulateFace(mesh, face);
     const std::size_t before = hits.size();
     for (std::size_t k = 0; k < triangles.size(); ++k) {
-      if (question.triangles && (i >= question.triangles->length() ||
-                                 static_cast<std::size_t>((*question.triangles)[i]) != k))
+      if (question.triangles &&
+          (i >= question.triangles->length() || at((*question.triangles)[i]) != k))
         continue;
       tryTriangle(mesh, face, static_cast<Index>(k), triangles[k], *ray, question, hits);
       if (hits.size() > before + 1 && hits.back().t == hits[before].t)

@@ -69,7 +69,7 @@ MStatus oneFrame(const MFnMesh& set, int face, int vertex, MSpace::Space space,
   const CornerId corner =
       isFace(frames.data->mesh, face) ? cornerAt(frames.data->mesh, face, vertex) : kNone;
   if (corner == kNone) return MStatus::kInvalidParameter;
-  vector = (frames.*get)(static_cast<std::size_t>(corner));
+  vector = (frames.*get)(at(corner));
   return MStatus::kSuccess;
 }
 
@@ -110,5 +110,5 @@ bool MFnMesh::isRightHandedTangent(int tangentId, const MString* uvSetName, MSta
   if (code && (tangentId < 0 || tangentId >= frames.data->mesh.cornerCount()))
     code = MStatus::kInvalidParameter;
   api::setStatus(status, code.statusCode());
-  return code && frames.tangents->isRightHanded[static_cast<std::size_t>(tangentId)] != 0;
+  return code && frames.tangents->isRightHanded[at(tangentId)] != 0;
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "host/api/mesh/fn_mesh.h"
+#include "host/api/mesh/id_arrays.h"
 #include "host/mesh/adjacency.h"
 
 using namespace host;
@@ -59,8 +60,7 @@ MStatus MFnMesh::getVertices(MIntArray& vertexCount, MIntArray& vertexList) cons
   vertexCount.setLength(static_cast<unsigned int>(data->mesh.faceCount()));
   for (unsigned int f = 0; f < vertexCount.length(); ++f)
     vertexCount[f] = topology.faceOffsets[f + 1] - topology.faceOffsets[f];
-  vertexList = MIntArray(topology.cornerVertices.data(),
-                         static_cast<unsigned int>(topology.cornerVertices.size()));
+  vertexList = api::toArray(topology.cornerVertices);
   return MStatus::kSuccess;
 }
 
@@ -70,7 +70,7 @@ MStatus MFnMesh::getPolygonVertices(int polygonId, MIntArray& vertexList) const 
   if (!data) return status;
   if (!isFace(data->mesh, polygonId)) return MStatus::kInvalidParameter;
   const auto vertices = data->mesh.faceVertices(polygonId);
-  vertexList = MIntArray(vertices.data(), static_cast<unsigned int>(vertices.size()));
+  vertexList = api::toArray(vertices);
   return MStatus::kSuccess;
 }
 
@@ -134,9 +134,8 @@ MStatus MFnMesh::setInvisibleFaces(const MUintArray& faceIds, bool makeVisible) 
   MStatus status;
   const auto data = readMesh(*this, &status);
   if (!data) return status;
-  std::vector<char> isHidden(static_cast<std::size_t>(data->mesh.faceCount()), 0);
-  for (const FaceId face : data->mesh.invisibleFaces())
-    isHidden[static_cast<std::size_t>(face)] = 1;
+  PerElement<FaceId, char> isHidden(data->mesh.faceCount(), 0);
+  for (const FaceId face : data->mesh.invisibleFaces()) isHidden[face] = 1;
   for (unsigned int i = 0; i < faceIds.length(); ++i) {
     if (faceIds[i] >= isHidden.size()) return MStatus::kInvalidParameter;
     isHidden[faceIds[i]] = makeVisible ? 0 : 1;
@@ -171,7 +170,7 @@ MStatus MFnMesh::setCreaseEdges(const MUintArray& edgeIds, const MDoubleArray& c
   if (edgeIds.length() != creaseData.length()) return MStatus::kInvalidParameter;
   mesh::Mesh mesh = data->mesh;
   auto& weights = mesh.editCreases().edges;
-  weights.resize(static_cast<std::size_t>(mesh.edgeCount()), 0.0f);
+  weights.resize(at(mesh.edgeCount()), 0.0f);
   for (unsigned int i = 0; i < edgeIds.length(); ++i) {
     if (edgeIds[i] >= weights.size()) return MStatus::kInvalidParameter;
     weights[edgeIds[i]] = static_cast<float>(creaseData[i]);
@@ -201,7 +200,7 @@ MStatus MFnMesh::setCreaseVertices(const MUintArray& vertexIds, const MDoubleArr
   if (vertexIds.length() != creaseData.length()) return MStatus::kInvalidParameter;
   mesh::Mesh mesh = data->mesh;
   auto& weights = mesh.editCreases().vertices;
-  weights.resize(static_cast<std::size_t>(mesh.vertexCount()), 0.0f);
+  weights.resize(at(mesh.vertexCount()), 0.0f);
   for (unsigned int i = 0; i < vertexIds.length(); ++i) {
     if (vertexIds[i] >= weights.size()) return MStatus::kInvalidParameter;
     weights[vertexIds[i]] = static_cast<float>(creaseData[i]);

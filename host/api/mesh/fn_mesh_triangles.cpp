@@ -52,12 +52,9 @@ MStatus MFnMesh::getPolygonTriangleVertices(int polygonId, int triangleId,
   if (!data) return status;
   if (!api::isFace(data->mesh, polygonId)) return MStatus::kInvalidParameter;
   const auto triangles = mesh::triangulateFace(data->mesh, polygonId);
-  if (triangleId < 0 || static_cast<std::size_t>(triangleId) >= triangles.size())
-    return MStatus::kInvalidParameter;
+  if (triangleId < 0 || at(triangleId) >= triangles.size()) return MStatus::kInvalidParameter;
   const auto vertices = data->mesh.faceVertices(polygonId);
-  for (std::size_t i = 0; i < 3; ++i)
-    vertexList[i] =
-        vertices[static_cast<std::size_t>(triangles[static_cast<std::size_t>(triangleId)][i])];
+  for (std::size_t i = 0; i < 3; ++i) vertexList[i] = vertices[at(triangles[at(triangleId)][i])];
   return MStatus::kSuccess;
 }
 

@@ -4,6 +4,7 @@
 #include <maya/MStringArray.h>
 
 #include "host/api/mesh/fn_mesh.h"
+#include "host/api/mesh/id_arrays.h"
 #include "host/mesh/shells.h"
 
 namespace host::api {
@@ -154,7 +155,7 @@ MStatus MFnMesh::getUVBorderEdges(unsigned int setId, MIntArray& edgeList) const
   if (setId >= static_cast<unsigned int>(data->mesh.uvSetCount()))
     return MStatus::kInvalidParameter;
   const std::vector<EdgeId> edges = mesh::uvBorderEdges(data->mesh, static_cast<int>(setId));
-  edgeList = MIntArray(edges.data(), static_cast<unsigned int>(edges.size()));
+  edgeList = api::toArray(edges);
   return MStatus::kSuccess;
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "host/api/mesh/fn_mesh.h"
+#include "host/api/mesh/id_arrays.h"
 
 namespace host::api {
 namespace {
@@ -29,7 +30,7 @@ MStatus editUvSet(const MFnMesh& set, const MString* name, Change change) {
 }
 
 bool isUv(const mesh::UvSet& uvs, int id) {
-  return id >= 0 && static_cast<std::size_t>(id) < uvs.points.size();
+  return id >= 0 && at(id) < uvs.points.size();
 }
 
 }  // namespace
@@ -85,8 +86,8 @@ MStatus MFnMesh::getUV(int uvId, float& u, float& v, const MString* uvSet) const
   if (!data) return status;
   const mesh::UvSet& uvs = data->mesh.uvSet(set);
   if (!isUv(uvs, uvId)) return MStatus::kInvalidParameter;
-  u = uvs.points[static_cast<std::size_t>(uvId)].u;
-  v = uvs.points[static_cast<std::size_t>(uvId)].v;
+  u = uvs.points[at(uvId)].u;
+  v = uvs.points[at(uvId)].v;
   return MStatus::kSuccess;
 }
 
@@ -94,9 +95,9 @@ MStatus MFnMesh::setUV(int uvId, float u, float v, const MString* uvSet) {
   return editUvSet(*this, uvSet, [&](mesh::Mesh&, mesh::UvSet& uvs) -> MStatus {
     if (uvId < 0) return MStatus::kInvalidParameter;
     // One past the last adds a UV; that is how meshes get theirs one by one.
-    if (static_cast<std::size_t>(uvId) > uvs.points.size()) return MStatus::kInvalidParameter;
-    if (static_cast<std::size_t>(uvId) == uvs.points.size()) uvs.points.emplace_back();
-    uvs.points[static_cast<std::size_t>(uvId)] = {u, v};
+    if (at(uvId) > uvs.points.size()) return MStatus::kInvalidParameter;
+    if (at(uvId) == uvs.points.size()) uvs.points.emplace_back();
+    uvs.points[at(uvId)] = {u, v};
     return MStatus::kSuccess;
   });
 }
@@ -125,13 +126,12 @@ MStatus MFnMesh::assignUV(int polygonId, int vertexIndex, int uvId, const MStrin
   return editUvSet(*this, uvSet, [&](mesh::Mesh& mesh, mesh::UvSet& uvs) -> MStatus {
     const CornerId corner = api::localCorner(mesh, polygonId, vertexIndex);
     if (corner == kNone || !isUv(uvs, uvId)) return MStatus::kInvalidParameter;
-    uvs.cornerIds.resize(static_cast<std::size_t>(mesh.cornerCount()), kNone);
+    uvs.cornerIds.resize(at(mesh.cornerCount()), kNone);
     // A face has UVs at all corners or at none, so the first assignment holds for all of its
     // corners.
     const CornerId first = mesh.firstCorner(polygonId);
     for (CornerId c = first; c < first + mesh.faceSize(polygonId); ++c)
-      if (UvId& id = uvs.cornerIds[static_cast<std::size_t>(c)]; id == kNone || c == corner)
-        id = uvId;
+      if (UvId& id = uvs.cornerIds[c]; id == kNone || c == corner) id = uvId;
     return MStatus::kSuccess;
   });
 }
@@ -143,7 +143,7 @@ MStatus MFnMesh::assignUVs(const MIntArray& uvCounts, const MIntArray& uvIds,
       return MStatus::kInvalidParameter;
     for (const int id : uvIds)
       if (!isUv(uvs, id)) return MStatus::kInvalidParameter;
-    std::vector<UvId> ids(static_cast<std::size_t>(mesh.cornerCount()), kNone);
+    PerElement<CornerId, UvId> ids(mesh.cornerCount(), kNone);
     const int* next = uvIds.begin();
     for (FaceId f = 0; f < mesh.faceCount(); ++f) {
       const int count = uvCounts[static_cast<unsigned int>(f)];
@@ -175,7 +175,7 @@ MStatus MFnMesh::getAssignedUVs(MIntArray& uvCounts, MIntArray& uvIds, const MSt
     const auto& all = mesh.uvSet(set).cornerIds;
     if (hasUvs) ids.insert(ids.end(), all.begin() + first, all.begin() + first + mesh.faceSize(f));
   }
-  uvIds = MIntArray(ids.data(), static_cast<unsigned int>(ids.size()));
+  uvIds = api::toArray(ids);
   return MStatus::kSuccess;
 }
 

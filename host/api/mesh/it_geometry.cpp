@@ -67,8 +67,9 @@ GeometryWalk* walkOf(const MItGeometry& iterator) {
 
 std::vector<VertexId> verticesOf(const mesh::Mesh& mesh, const scene::Component& component) {
   const std::vector<Index> ids = nodes::componentIds(mesh, component);
-  return mesh::convertComponents(mesh, component.type(), ids, mesh::ComponentType::Vertex,
-                                 mesh::Conversion::Connected, mesh.currentUvSet());
+  return copyIds<VertexId>(
+      mesh::convertComponents(mesh, component.type(), ids, mesh::ComponentType::Vertex,
+                              mesh::Conversion::Connected, mesh.currentUvSet()));
 }
 
 Handle walk(MeshTarget target, std::optional<std::vector<VertexId>> some, MStatus* status) {
@@ -178,7 +179,7 @@ MVector MItGeometry::normal(MStatus* status) const {
 int MItGeometry::index(MStatus* status) const {
   const GeometryWalk* walk = walkOf(*this);
   setStatus(status, walk->isAtEnd() ? MStatus::kFailure : MStatus::kSuccess);
-  return walk->isAtEnd() ? 0 : walk->here();
+  return walk->isAtEnd() ? VertexId(0) : walk->here();
 }
 int MItGeometry::positionIndex(MStatus* status) const {
   setStatus(status, MStatus::kSuccess);
@@ -194,7 +195,7 @@ int MItGeometry::exactCount(MStatus* status) const {
 MObject MItGeometry::component(MStatus* status) const {
   setStatus(status, MStatus::kSuccess);
   const GeometryWalk* walk = walkOf(*this);
-  return api::wrap(scene::Component(scene::ComponentType::Vertex, walk->visited));
+  return api::wrap(scene::Component::of(walk->visited));
 }
 MObject MItGeometry::currentItem(MStatus* status) const {
   const GeometryWalk* walk = walkOf(*this);

@@ -38,7 +38,7 @@ MVector frameVector(const api::Handle& handle, MSpace::Space space, const MStrin
   if (code && walk->mesh().cornerUv(set, walk->current()) == kNone) code = MStatus::kFailure;
   setStatus(status, code.statusCode());
   if (!code) return MVector();
-  const auto corner = static_cast<std::size_t>(walk->current());
+  const auto corner = at(walk->current());
   const auto frames = api::tangentsOf(walk->data(), set);
   math::Vec3 v(frames->tangents[corner]);
   if (isBinormal) {
@@ -81,8 +81,8 @@ MStatus MItMeshFaceVertex::setIndex(int faceId, int vertexId, int& prevFaceId, i
   const CornerId corner = walk->adjacency().findCorner(faceId, vertexId);
   if (corner == kNone) return MStatus::kInvalidParameter;
   const bool wasDone = walk->isDone();
-  const int face = wasDone ? -1 : faceOf(*walk);
-  const int vertex = wasDone ? -1 : walk->mesh().cornerVertex(walk->current());
+  const FaceId face = wasDone ? kNone : faceOf(*walk);
+  const VertexId vertex = wasDone ? kNone : walk->mesh().cornerVertex(walk->current());
   if (!walk->jumpTo(corner)) return MStatus::kInvalidParameter;
   prevFaceId = face;
   prevVertexId = vertex;
@@ -96,11 +96,11 @@ MObject MItMeshFaceVertex::currentItem(MStatus* status) const {
 }
 int MItMeshFaceVertex::faceId(MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
-  return walk ? faceOf(*walk) : -1;
+  return walk ? faceOf(*walk) : kNone;
 }
 int MItMeshFaceVertex::vertId(MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
-  return walk ? walk->mesh().cornerVertex(walk->current()) : -1;
+  return walk ? walk->mesh().cornerVertex(walk->current()) : kNone;
 }
 int MItMeshFaceVertex::faceVertId(MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
@@ -123,15 +123,12 @@ MStatus MItMeshFaceVertex::getNormal(MVector& normal, MSpace::Space space) const
   std::optional<math::Matrix4> toSpace;
   status = walk->target().spaceMatrix(space, toSpace);
   if (status)
-    normal = api::normalIn(
-        math::Vec3(walk->mesh().cornerNormals()[static_cast<std::size_t>(walk->current())]),
-        toSpace);
+    normal = api::normalIn(math::Vec3(walk->mesh().cornerNormals()[at(walk->current())]), toSpace);
   return status;
 }
 int MItMeshFaceVertex::normalId(MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
-  return walk ? api::normalIdsOf(walk->data())->ofCorner[static_cast<std::size_t>(walk->current())]
-              : -1;
+  return walk ? api::normalIdsOf(walk->data())->ofCorner[at(walk->current())] : kNone;
 }
 MVector MItMeshFaceVertex::getTangent(MSpace::Space space, const MString* uvSet,
                                       MStatus* status) const {
@@ -143,7 +140,7 @@ MVector MItMeshFaceVertex::getBinormal(MSpace::Space space, const MString* uvSet
 }
 int MItMeshFaceVertex::tangentId(MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
-  return walk ? walk->current() : -1;
+  return walk ? walk->current() : kNone;
 }
 
 bool MItMeshFaceVertex::hasUVs(MStatus* status) const {
@@ -172,7 +169,7 @@ MStatus MItMeshFaceVertex::getUVIndex(int& uvIndex, float& u, float& v,
   if (!walk) return status;
   const UvId id = walk->mesh().cornerUv(set, walk->current());
   if (id == kNone) return MStatus::kFailure;
-  const auto& uv = walk->mesh().uvSet(set).points[static_cast<std::size_t>(id)];
+  const auto& uv = walk->mesh().uvSet(set).points[at(id)];
   uvIndex = id;
   u = uv.u;
   v = uv.v;
@@ -203,8 +200,7 @@ MStatus MItMeshFaceVertex::getColor(MColor& color, const MString* colorSet) cons
   if (!status) return status;
   if (id == kNone) return MStatus::kFailure;
   const mesh::Mesh& mesh = walkOf(handle_)->mesh();
-  color = api::toMColor(
-      mesh.colorSet(api::colorSetIndex(mesh, colorSet)).colors[static_cast<std::size_t>(id)]);
+  color = api::toMColor(mesh.colorSet(api::colorSetIndex(mesh, colorSet)).colors[at(id)]);
   return MStatus::kSuccess;
 }
 MStatus MItMeshFaceVertex::geomChanged() {

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/api/mesh/id_arrays.h"
 #include "host/api/mesh/mesh_walk.h"
+#include "host/mesh/components.h"
 #include "host/mesh/normals.h"
 #include "host/mesh/triangulate.h"
 
@@ -20,22 +22,13 @@ std::span<const VertexId> loop(const MeshWalk& walk) {
   return walk.mesh().faceVertices(walk.current());
 }
 
-MIntArray toArray(const std::vector<Index>& ids) {
-  return MIntArray(ids.data(), static_cast<unsigned int>(ids.size()));
-}
-
-void sortUnique(std::vector<Index>& ids) {
-  std::sort(ids.begin(), ids.end());
-  ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
-}
-
 /// Faces that share an edge with the current one.
 std::vector<FaceId> facesAcrossEdges(const MeshWalk& walk) {
   std::vector<FaceId> faces;
   for (const EdgeId e : walk.mesh().faceEdges(walk.current()))
     for (const FaceId f : walk.adjacency().edgeFaces(e))
       if (f != walk.current()) faces.push_back(f);
-  sortUnique(faces);
+  mesh::sortUnique(faces);
   return faces;
 }
 
@@ -46,7 +39,7 @@ std::vector<EdgeId> edgesAround(const MeshWalk& walk) {
   for (const VertexId v : loop(walk))
     for (const EdgeId e : walk.adjacency().vertexEdges(v))
       if (std::find(own.begin(), own.end(), e) == own.end()) edges.push_back(e);
-  sortUnique(edges);
+  mesh::sortUnique(edges);
   return edges;
 }
 
@@ -58,7 +51,7 @@ std::vector<VertexId> verticesAround(const MeshWalk& walk) {
     for (const VertexId v : {ends.a, ends.b})
       if (std::find(own.begin(), own.end(), v) == own.end()) vertices.push_back(v);
   }
-  sortUnique(vertices);
+  mesh::sortUnique(vertices);
   return vertices;
 }
 
@@ -152,16 +145,16 @@ int MItMeshPolygon::vertexIndex(int index, MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
   if (!walk) return -1;
   const auto vertices = loop(*walk);
-  if (index < 0 || static_cast<std::size_t>(index) >= vertices.size()) {
+  if (index < 0 || at(index) >= vertices.size()) {
     setStatus(status, MStatus::kInvalidParameter);
     return -1;
   }
-  return vertices[static_cast<std::size_t>(index)];
+  return vertices[at(index)];
 }
 MStatus MItMeshPolygon::getVertices(MIntArray& vertices) const {
   MStatus status;
   const MeshWalk* walk = standing(handle_, &status);
-  if (walk) vertices = MIntArray(loop(*walk).data(), static_cast<unsigned int>(loop(*walk).size()));
+  if (walk) vertices = api::toArray(loop(*walk));
   return status;
 }
 MStatus MItMeshPolygon::getEdges(MIntArray& edges) const {
@@ -169,7 +162,7 @@ MStatus MItMeshPolygon::getEdges(MIntArray& edges) const {
   const MeshWalk* walk = standing(handle_, &status);
   if (!walk) return status;
   const auto ids = walk->mesh().faceEdges(walk->current());
-  edges = MIntArray(ids.data(), static_cast<unsigned int>(ids.size()));
+  edges = api::toArray(ids);
   return status;
 }
 MPoint MItMeshPolygon::point(int index, MSpace::Space space, MStatus* status) const {
@@ -229,8 +222,7 @@ MStatus MItMeshPolygon::getNormal(unsigned int localVertexIndex, MVector& normal
   std::optional<math::Matrix4> toSpace;
   status = walk->target().spaceMatrix(space, toSpace);
   if (!status) return status;
-  const auto corner =
-      static_cast<std::size_t>(walk->mesh().firstCorner(walk->current())) + localVertexIndex;
+  const auto corner = at(walk->mesh().firstCorner(walk->current())) + localVertexIndex;
   normal = api::normalIn(math::Vec3(walk->mesh().cornerNormals()[corner]), toSpace);
   return status;
 }
@@ -248,19 +240,19 @@ MStatus MItMeshPolygon::getNormals(MVectorArray& vectorArray, MSpace::Space spac
 MStatus MItMeshPolygon::getConnectedFaces(MIntArray& faces) const {
   MStatus status;
   const MeshWalk* walk = standing(handle_, &status);
-  if (walk) faces = toArray(facesAcrossEdges(*walk));
+  if (walk) faces = api::toArray(facesAcrossEdges(*walk));
   return status;
 }
 MStatus MItMeshPolygon::getConnectedEdges(MIntArray& edges) const {
   MStatus status;
   const MeshWalk* walk = standing(handle_, &status);
-  if (walk) edges = toArray(edgesAround(*walk));
+  if (walk) edges = api::toArray(edgesAround(*walk));
   return status;
 }
 MStatus MItMeshPolygon::getConnectedVertices(MIntArray& vertices) const {
   MStatus status;
   const MeshWalk* walk = standing(handle_, &status);
-  if (walk) vertices = toArray(verticesAround(*walk));
+  if (walk) vertices = api::toArray(verticesAround(*walk));
   return status;
 }
 MStatus MItMeshPolygon::numConnectedFaces(int& faceCount) const {
@@ -415,8 +407,8 @@ MStatus MItMeshPolygon::getTriangles(MPointArray& points, MIntArray& vertexList,
   const auto vertices = loop(*walk);
   for (const mesh::LoopTriangle& triangle : mesh::triangulateFace(walk->mesh(), walk->current()))
     for (const auto local : triangle) {
-      points.append(api::toMPoint(positions[static_cast<std::size_t>(local)]));
-      vertexList.append(vertices[static_cast<std::size_t>(local)]);
+      points.append(api::toMPoint(positions[at(local)]));
+      vertexList.append(vertices[at(local)]);
     }
   return MStatus::kSuccess;
 }

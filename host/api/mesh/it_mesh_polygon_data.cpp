@@ -64,8 +64,7 @@ unsigned int MItMeshPolygon::normalIndex(int localVertexIndex, MStatus* status) 
   const MeshWalk* walk = standing(handle_, status);
   const CornerId corner = walk ? cornerOf(*walk, localVertexIndex) : kNone;
   if (corner == kNone) return walk ? refuse(status) : ~0u;
-  return static_cast<unsigned int>(
-      api::normalIdsOf(walk->data())->ofCorner[static_cast<std::size_t>(corner)]);
+  return static_cast<unsigned int>(api::normalIdsOf(walk->data())->ofCorner[at(corner)]);
 }
 unsigned int MItMeshPolygon::tangentIndex(int localVertexIndex, MStatus* status) const {
   const MeshWalk* walk = standing(handle_, status);
@@ -101,8 +100,7 @@ MStatus MItMeshPolygon::getUVIndex(int vertexId, int& uvIndex, float& u, float& 
   const MStatus status = getUVIndex(vertexId, uvIndex, uvSet);
   if (!status) return status;
   const mesh::Mesh& mesh = walkOf(handle_)->mesh();
-  const auto& uv =
-      mesh.uvSet(api::uvSetIndex(mesh, uvSet)).points[static_cast<std::size_t>(uvIndex)];
+  const auto& uv = mesh.uvSet(api::uvSetIndex(mesh, uvSet)).points[at(uvIndex)];
   u = uv.u;
   v = uv.v;
   return MStatus::kSuccess;
@@ -122,7 +120,7 @@ MStatus MItMeshPolygon::getUVs(MFloatArray& uArray, MFloatArray& vArray,
   vArray.clear();
   for (Index i = 0; i < size(*walk); ++i) {
     const UvId id = walk->mesh().cornerUv(set, cornerOf(*walk, i));
-    const auto& uv = walk->mesh().uvSet(set).points[static_cast<std::size_t>(id)];
+    const auto& uv = walk->mesh().uvSet(set).points[at(id)];
     uArray.append(uv.u);
     vArray.append(uv.v);
   }
@@ -140,9 +138,9 @@ MStatus MItMeshPolygon::setUVs(MFloatArray& uArray, MFloatArray& vArray, const M
   mesh::Mesh mesh = walk->mesh();
   mesh::UvSet& uvs = mesh.editUvSet(set);
   for (Index i = 0; i < size(*walk); ++i) {
-    const UvId id = uvs.cornerIds[static_cast<std::size_t>(cornerOf(*walk, i))];
-    uvs.points[static_cast<std::size_t>(id)] = {uArray[static_cast<unsigned int>(i)],
-                                                vArray[static_cast<unsigned int>(i)]};
+    const UvId id = uvs.cornerIds[cornerOf(*walk, i)];
+    uvs.points[at(id)] = {uArray[static_cast<unsigned int>(i)],
+                          vArray[static_cast<unsigned int>(i)]};
   }
   return walkOf(handle_)->writeAttributes(std::move(mesh));
 }
@@ -151,8 +149,7 @@ MStatus MItMeshPolygon::setUV(int vertexId, float2& uvPoint, const MString* uvSe
   const MStatus status = getUVIndex(vertexId, id, uvSet);
   if (!status) return status;
   mesh::Mesh mesh = walkOf(handle_)->mesh();
-  mesh.editUvSet(api::uvSetIndex(mesh, uvSet)).points[static_cast<std::size_t>(id)] = {uvPoint[0],
-                                                                                       uvPoint[1]};
+  mesh.editUvSet(api::uvSetIndex(mesh, uvSet)).points[at(id)] = {uvPoint[0], uvPoint[1]};
   return walkOf(handle_)->writeAttributes(std::move(mesh));
 }
 
@@ -287,10 +284,8 @@ MStatus MItMeshPolygon::getColors(MColorArray& colors, const MString* colorSet) 
   colors.clear();
   for (Index i = 0; i < size(*walk); ++i) {
     const Index id = cornerColor(walk->mesh(), set, cornerOf(*walk, i));
-    colors.append(
-        id == kNone
-            ? api::unsetColor(nullptr)
-            : api::toMColor(walk->mesh().colorSet(set).colors[static_cast<std::size_t>(id)]));
+    colors.append(id == kNone ? api::unsetColor(nullptr)
+                              : api::toMColor(walk->mesh().colorSet(set).colors[at(id)]));
   }
   return MStatus::kSuccess;
 }

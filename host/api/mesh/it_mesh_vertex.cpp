@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/api/mesh/id_arrays.h"
 #include "host/api/mesh/mesh_walk.h"
 
 using namespace host;
@@ -13,16 +14,12 @@ using api::walkOf;
 namespace {
 constexpr auto kType = scene::ComponentType::Vertex;
 
-MIntArray toArray(std::span<const Index> ids) {
-  return MIntArray(ids.data(), static_cast<unsigned int>(ids.size()));
-}
-
 /// Mean of the corner normals at a vertex, as the shading shows it.
 math::Vec3 vertexNormal(const MeshWalk& walk, VertexId v) {
   const auto normals = walk.mesh().cornerNormals();
   math::Vec3 sum;
   for (const CornerId corner : walk.adjacency().vertexCorners(v))
-    sum += math::Vec3(normals[static_cast<std::size_t>(corner)]);
+    sum += math::Vec3(normals[at(corner)]);
   return math::normalized(sum);
 }
 }  // namespace
@@ -118,8 +115,7 @@ MStatus MItMeshVertex::getNormal(MVector& vector, int polygonId, MSpace::Space s
   if (!status) return status;
   for (const CornerId corner : walk->adjacency().vertexCorners(walk->current())) {
     if (walk->adjacency().cornerFace(corner) != polygonId) continue;
-    vector = api::normalIn(
-        math::Vec3(walk->mesh().cornerNormals()[static_cast<std::size_t>(corner)]), toSpace);
+    vector = api::normalIn(math::Vec3(walk->mesh().cornerNormals()[at(corner)]), toSpace);
     return MStatus::kSuccess;
   }
   return MStatus::kInvalidParameter;
@@ -133,21 +129,21 @@ MStatus MItMeshVertex::getNormals(MVectorArray& vectorArray, MSpace::Space space
   if (!status) return status;
   vectorArray.clear();
   for (const CornerId corner : walk->adjacency().vertexCorners(walk->current()))
-    vectorArray.append(api::normalIn(
-        math::Vec3(walk->mesh().cornerNormals()[static_cast<std::size_t>(corner)]), toSpace));
+    vectorArray.append(
+        api::normalIn(math::Vec3(walk->mesh().cornerNormals()[at(corner)]), toSpace));
   return MStatus::kSuccess;
 }
 
 MStatus MItMeshVertex::getConnectedFaces(MIntArray& faces) const {
   MStatus status;
   const MeshWalk* walk = standing(handle_, &status);
-  if (walk) faces = toArray(walk->adjacency().vertexFaces(walk->current()));
+  if (walk) faces = api::toArray(walk->adjacency().vertexFaces(walk->current()));
   return status;
 }
 MStatus MItMeshVertex::getConnectedEdges(MIntArray& edges) const {
   MStatus status;
   const MeshWalk* walk = standing(handle_, &status);
-  if (walk) edges = toArray(walk->adjacency().vertexEdges(walk->current()));
+  if (walk) edges = api::toArray(walk->adjacency().vertexEdges(walk->current()));
   return status;
 }
 MStatus MItMeshVertex::getConnectedVertices(MIntArray& vertices) const {

@@ -66,8 +66,7 @@ MStatus MItMeshVertex::getNormalIndices(MIntArray& normals) const {
   if (!walk) return status;
   const auto ids = api::normalIdsOf(walk->data());
   normals.clear();
-  for (const CornerId corner : corners(*walk))
-    normals.append(ids->ofCorner[static_cast<std::size_t>(corner)]);
+  for (const CornerId corner : corners(*walk)) normals.append(ids->ofCorner[at(corner)]);
   return status;
 }
 
@@ -78,7 +77,7 @@ MStatus MItMeshVertex::getUV(float2& uvPoint, const MString* uvSet) const {
   if (!walk) return status;
   const auto ids = uvIds(*walk, set);
   if (ids.empty()) return MStatus::kFailure;
-  const auto& uv = walk->mesh().uvSet(set).points[static_cast<std::size_t>(ids.front())];
+  const auto& uv = walk->mesh().uvSet(set).points[at(ids.front())];
   uvPoint[0] = uv.u;
   uvPoint[1] = uv.v;
   return MStatus::kSuccess;
@@ -93,9 +92,9 @@ MStatus MItMeshVertex::setUV(float2& uvPoint, const MString* uvSet) {
   const auto ids = uvIds(*walk, set);
   if (ids.empty()) return MStatus::kFailure;
   mesh::UvSet& uvs = mesh.editUvSet(set);
-  uvs.points[static_cast<std::size_t>(ids.front())] = {uvPoint[0], uvPoint[1]};
+  uvs.points[at(ids.front())] = {uvPoint[0], uvPoint[1]};
   for (const CornerId corner : corners(*walk))
-    if (UvId& id = uvs.cornerIds[static_cast<std::size_t>(corner)]; id != kNone) id = ids.front();
+    if (UvId& id = uvs.cornerIds[corner]; id != kNone) id = ids.front();
   return walkOf(handle_)->writeAttributes(std::move(mesh));
 }
 MStatus MItMeshVertex::getUVs(MFloatArray& uArray, MFloatArray& vArray, MIntArray& faceIds,
@@ -110,7 +109,7 @@ MStatus MItMeshVertex::getUVs(MFloatArray& uArray, MFloatArray& vArray, MIntArra
   for (const CornerId corner : corners(*walk)) {
     const UvId id = walk->mesh().cornerUv(set, corner);
     if (id == kNone) continue;
-    const auto& uv = walk->mesh().uvSet(set).points[static_cast<std::size_t>(id)];
+    const auto& uv = walk->mesh().uvSet(set).points[at(id)];
     uArray.append(uv.u);
     vArray.append(uv.v);
     faceIds.append(walk->adjacency().cornerFace(corner));
@@ -130,8 +129,7 @@ MStatus MItMeshVertex::setUVs(MFloatArray& uArray, MFloatArray& vArray, MIntArra
   for (unsigned int i = 0; i < faceIds.length(); ++i) {
     const CornerId corner = cornerInFace(*walk, faceIds[i]);
     if (corner == kNone || mesh.cornerUv(set, corner) == kNone) return MStatus::kInvalidParameter;
-    uvs.points[static_cast<std::size_t>(uvs.cornerIds[static_cast<std::size_t>(corner)])] = {
-        uArray[i], vArray[i]};
+    uvs.points[at(uvs.cornerIds[corner])] = {uArray[i], vArray[i]};
   }
   return walkOf(handle_)->writeAttributes(std::move(mesh));
 }
@@ -183,7 +181,7 @@ MStatus MItMeshVertex::getColor(MColor& color, int faceIndex, const MString* col
   if (corner == kNone) return MStatus::kInvalidParameter;
   const Index id = cornerColor(walk->mesh(), set, corner);
   if (id == kNone) return MStatus::kFailure;
-  color = api::toMColor(walk->mesh().colorSet(set).colors[static_cast<std::size_t>(id)]);
+  color = api::toMColor(walk->mesh().colorSet(set).colors[at(id)]);
   return MStatus::kSuccess;
 }
 MStatus MItMeshVertex::getColors(MColorArray& colors, const MString* colorSet) const {
@@ -194,10 +192,8 @@ MStatus MItMeshVertex::getColors(MColorArray& colors, const MString* colorSet) c
   colors.clear();
   for (const CornerId corner : corners(*walk)) {
     const Index id = cornerColor(walk->mesh(), set, corner);
-    colors.append(
-        id == kNone
-            ? api::unsetColor(nullptr)
-            : api::toMColor(walk->mesh().colorSet(set).colors[static_cast<std::size_t>(id)]));
+    colors.append(id == kNone ? api::unsetColor(nullptr)
+                              : api::toMColor(walk->mesh().colorSet(set).colors[at(id)]));
   }
   return MStatus::kSuccess;
 }

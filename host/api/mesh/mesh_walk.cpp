@@ -9,13 +9,13 @@ namespace {
 std::size_t totalOf(const mesh::Mesh& mesh, scene::ComponentType type) {
   switch (type) {
     case scene::ComponentType::Vertex:
-      return static_cast<std::size_t>(mesh.vertexCount());
+      return at(mesh.vertexCount());
     case scene::ComponentType::Edge:
-      return static_cast<std::size_t>(mesh.edgeCount());
+      return at(mesh.edgeCount());
     case scene::ComponentType::Face:
-      return static_cast<std::size_t>(mesh.faceCount());
+      return at(mesh.faceCount());
     default:
-      return static_cast<std::size_t>(mesh.cornerCount());
+      return at(mesh.cornerCount());
   }
 }
 
@@ -60,7 +60,7 @@ void MeshWalk::collect(const MObject& component) {
   isComplete_ = false;
   // Components that have gone since they were named are passed over.
   for (const Index id : set->indices())
-    if (id >= 0 && static_cast<std::size_t>(id) < total_) ids_.push_back(id);
+    if (id >= 0 && at(id) < total_) ids_.push_back(id);
   // Vertex-faces are visited as corners, face by face.
   for (const scene::Component::VertexFace& pair : set->pairs()) {
     if (pair.face < 0 || pair.face >= data_->mesh.faceCount()) continue;
@@ -77,9 +77,9 @@ MeshWalk::~MeshWalk() {
 }
 
 bool MeshWalk::jumpTo(Index id) {
-  if (id < 0 || static_cast<std::size_t>(id) >= total_) return false;
+  if (id < 0 || at(id) >= total_) return false;
   if (isComplete_) {
-    place_ = static_cast<std::size_t>(id);
+    place_ = at(id);
     return true;
   }
   const auto at = std::lower_bound(ids_.begin(), ids_.end(), id);
@@ -93,7 +93,7 @@ void MeshWalk::setPoint(VertexId v, const math::Vec3f& point) {
     const auto points = data_->mesh.points();
     edited_.assign(points.begin(), points.end());
   }
-  edited_[static_cast<std::size_t>(v)] = point;
+  edited_[at(v)] = point;
 }
 
 MStatus MeshWalk::writeAttributes(mesh::Mesh mesh) {

@@ -41,8 +41,7 @@ class MeshWalk final : public SharedRep {
   [[nodiscard]] bool jumpTo(Index id);
 
   [[nodiscard]] math::Vec3f point(VertexId v) const {
-    return edited_.empty() ? data_->mesh.points()[static_cast<std::size_t>(v)]
-                           : edited_[static_cast<std::size_t>(v)];
+    return edited_.empty() ? data_->mesh.points()[at(v)] : edited_[at(v)];
   }
   void setPoint(VertexId v, const math::Vec3f& point);
   /// Replaces corner data at once.

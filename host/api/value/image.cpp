@@ -101,16 +101,14 @@ std::pair<int, int> fitting(const ImageRep& image, int width, int height) {
 /// The picture in the middle of a larger one that is black and transparent.
 io::FloatImage centered(const io::FloatImage& image, int width, int height) {
   io::FloatImage framed{width, height, {}};
-  framed.rgba.assign(
-      std::size_t{4} * static_cast<std::size_t>(width) * static_cast<std::size_t>(height), 0.0F);
-  const auto left = static_cast<std::size_t>((width - image.width) / 2);
-  const auto top = static_cast<std::size_t>((height - image.height) / 2);
-  const std::size_t stride = std::size_t{4} * static_cast<std::size_t>(image.width);
-  for (std::size_t y = 0; y < static_cast<std::size_t>(image.height); ++y)
+  framed.rgba.assign(std::size_t{4} * at(width) * at(height), 0.0F);
+  const auto left = at((width - image.width) / 2);
+  const auto top = at((height - image.height) / 2);
+  const std::size_t stride = std::size_t{4} * at(image.width);
+  for (std::size_t y = 0; y < at(image.height); ++y)
     std::copy_n(
         image.rgba.begin() + static_cast<std::ptrdiff_t>(stride * y), stride,
-        framed.rgba.begin() +
-            static_cast<std::ptrdiff_t>(4 * (static_cast<std::size_t>(width) * (top + y) + left)));
+        framed.rgba.begin() + static_cast<std::ptrdiff_t>(4 * (at(width) * (top + y) + left)));
   return framed;
 }
 
@@ -275,7 +273,7 @@ MStatus MImage::resize(int width, int height, bool preserveAspectRatio) {
       preserveAspectRatio ? fitting(image, width, height) : std::pair(width, height);
   const io::FloatImage from = image.type == kByte ? io::toFloats(asBytes(image)) : asRgba(image);
   io::FloatImage to = centered(io::resized(from, innerWidth, innerHeight), width, height);
-  flipRows(to.rgba, static_cast<std::size_t>(height));
+  flipRows(to.rgba, at(height));
   if (image.type == kByte)
     image.bytes = io::toBytes(to).rgba;
   else

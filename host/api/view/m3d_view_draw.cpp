@@ -203,7 +203,7 @@ MStatus M3dView::beginSelect(unsigned int* buffer, int size) {
   constexpr std::size_t kOwnSize = 4096;
   api::ownHits().assign(buffer ? 0 : kOwnSize, 0);
   const std::span<std::uint32_t> hits =
-      buffer ? std::span<std::uint32_t>(buffer, static_cast<std::size_t>(std::max(size, 0)))
+      buffer ? std::span<std::uint32_t>(buffer, at(std::max(size, 0)))
              : std::span<std::uint32_t>(api::ownHits());
   viewport::beginDirectSelect(hits);
   api::isSelecting() = true;

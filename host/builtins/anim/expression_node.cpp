@@ -88,8 +88,8 @@ mel::FloatArray spread(dg::Graph& graph, const Plug& array, bool evaluates) {
     if (index < 0 || index > 10000) continue;
     const Plug element = array.element(index);
     const auto value = evaluates ? graph.get(element) : Result<dg::Value>(graph.stored(element));
-    values.resize(std::max(values.size(), static_cast<std::size_t>(index) + 1));
-    if (value) values[static_cast<std::size_t>(index)] = numberOf(*value);
+    values.resize(std::max(values.size(), at(index) + 1));
+    if (value) values[at(index)] = numberOf(*value);
   }
   return values;
 }

@@ -127,9 +127,8 @@ Result<AttributePtr> describe(const ParsedArgs& args, const scene::Units& units)
 }
 
 std::size_t expectedChildren(const ParsedArgs& args, const dg::Attribute& attribute) {
-  if (!attribute.compoundType.empty())
-    return static_cast<std::size_t>(attribute.compoundType.back() - '0');
-  return static_cast<std::size_t>(std::max(1, args.integer("numberOfChildren", 1)));
+  if (!attribute.compoundType.empty()) return at(attribute.compoundType.back() - '0');
+  return at(std::max(1, args.integer("numberOfChildren", 1)));
 }
 
 bool isComplete(const std::map<std::string, PendingCompound>& pending, const std::string& prefix,

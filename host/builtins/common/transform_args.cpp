@@ -75,7 +75,7 @@ Result<math::Vec3> amountFor(std::string_view command, std::string_view what,
   math::Vec3 amount{neutral, neutral, neutral};
   std::size_t next = 0;
   for (int axis = 0; axis < 3; ++axis) {
-    if (!axes[static_cast<std::size_t>(axis)]) continue;
+    if (!axes[at(axis)]) continue;
     if (next >= numbers.size())
       return fail("{}: a {} for {} is missing.", command, what, "xyz"[axis]);
     amount[axis] = numbers[next++];

@@ -224,8 +224,7 @@ void registerCurveCommands(CommandRegistry& registry) {
          curve);
   Syntax syntax;
   for (const CircleFlag& flag : kCircle) {
-    syntax.flag(flag.shortName, flag.longName,
-                std::vector<ArgType>(static_cast<std::size_t>(flag.count), flag.type));
+    syntax.flag(flag.shortName, flag.longName, std::vector<ArgType>(at(flag.count), flag.type));
     if (flag.count != 3) continue;
     for (int axis = 0; axis < 3; ++axis)
       syntax.flag(std::string(flag.shortName) + "xyz"[axis],

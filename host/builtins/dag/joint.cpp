@@ -86,8 +86,7 @@ CommandResult joint(Context& context, const ParsedArgs& args) {
 void registerJoint(CommandRegistry& registry) {
   Syntax syntax;
   for (const JointFlag& flag : kFlags)
-    syntax.flag(flag.shortName, flag.longName,
-                std::vector<ArgType>(static_cast<std::size_t>(flag.count), flag.type));
+    syntax.flag(flag.shortName, flag.longName, std::vector<ArgType>(at(flag.count), flag.type));
   define(registry, "joint",
          syntax.flag("p", "position", {ArgType::Distance, ArgType::Distance, ArgType::Distance})
              .flag("n", "name", {ArgType::String})

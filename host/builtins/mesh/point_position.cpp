@@ -23,8 +23,7 @@ CommandResult pointPosition(Context& context, const ParsedArgs& args) {
     if (vertices.size() != 1)
       return fail("pointPosition: '{}' is {} points; name one.", list->names().front(),
                   vertices.size());
-    const math::Vec3 point(
-        items->front().mesh.points()[static_cast<std::size_t>(vertices.front())]);
+    const math::Vec3 point(items->front().mesh.points()[at(vertices.front())]);
     return toValue(
         (isLocal ? point : math::transformPoint(point, items->front().path.inclusiveMatrix())) /
         unit);

@@ -99,7 +99,7 @@ Findings look(const MeshItem& item, const Wanted& wanted) {
   Findings found;
   std::vector<FaceId> lamina;
   if (wanted.lamina) findLamina(mesh, lamina);
-  const std::vector<FaceId> faces = item.ids(ComponentType::Face);
+  const std::vector<FaceId> faces = item.idsOf<FaceId>();
   for (const FaceId f : faces) {
     const bool isGone = (wanted.zeroArea && mesh::faceArea(mesh, f) <= wanted.area) ||
                         std::ranges::binary_search(lamina, f);
@@ -131,10 +131,10 @@ Findings look(const MeshItem& item, const Wanted& wanted) {
   return found;
 }
 
-std::vector<std::string> namesOf(const MeshItem& item, ComponentType type,
-                                 const std::vector<Index>& ids) {
+template <AnyId Id>
+std::vector<std::string> namesOf(const MeshItem& item, const std::vector<Id>& ids) {
   scene::SelectionList list;
-  if (!ids.empty()) list.add(item.path, nodes::componentFromIds(item.mesh, type, ids));
+  if (!ids.empty()) list.add(item.path, scene::Component::of(ids));
   return list.names();
 }
 
@@ -158,26 +158,17 @@ Result<void> mendOne(Context& context, const scene::DagPath& path, const Wanted&
     if (!items) return failWith(items.error());
     return items->front();
   };
-  struct Step {
-    const char* command;
-    ComponentType type;
-    std::vector<Index> Findings::*ids;
-  };
-  constexpr Step kSteps[] = {
-      {"polySplitEdge", ComponentType::Edge, &Findings::split},
-      {"polySplitVertex", ComponentType::Vertex, &Findings::part},
-      {"polyCollapseEdge", ComponentType::Edge, &Findings::collapse},
-      {"polyDelFacet", ComponentType::Face, &Findings::remove},
-      {"polyTriangulate", ComponentType::Face, &Findings::divide},
-  };
-  for (const Step& step : kSteps) {
+  const auto step = [&](const char* command, auto ids) -> Result<void> {
     const auto item = again();
     if (!item) return failWith(item.error());
     const Findings found = look(*item, wanted);
-    HOST_TRY(
-        mend(context, step.command, wanted.history, namesOf(*item, step.type, found.*step.ids)));
-  }
-  return {};
+    return mend(context, command, wanted.history, namesOf(*item, found.*ids));
+  };
+  HOST_TRY(step("polySplitEdge", &Findings::split));
+  HOST_TRY(step("polySplitVertex", &Findings::part));
+  HOST_TRY(step("polyCollapseEdge", &Findings::collapse));
+  HOST_TRY(step("polyDelFacet", &Findings::remove));
+  return step("polyTriangulate", &Findings::divide);
 }
 
 std::vector<std::string> findingNames(const MeshItem& item, const Findings& found) {
@@ -188,9 +179,8 @@ std::vector<std::string> findingNames(const MeshItem& item, const Findings& foun
   edges.insert(edges.end(), found.split.begin(), found.split.end());
   std::ranges::sort(edges);
   edges.erase(std::ranges::unique(edges).begin(), edges.end());
-  std::vector<std::string> names = namesOf(item, ComponentType::Face, faces);
-  for (const auto& more : {namesOf(item, ComponentType::Edge, edges),
-                           namesOf(item, ComponentType::Vertex, found.part)})
+  std::vector<std::string> names = namesOf(item, faces);
+  for (const auto& more : {namesOf(item, edges), namesOf(item, found.part)})
     names.insert(names.end(), more.begin(), more.end());
   return names;
 }

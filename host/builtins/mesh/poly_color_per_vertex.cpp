@@ -29,7 +29,7 @@ struct ColorChange {
       : isRelative(args.has("relative")), removes(args.has("remove")) {
     static constexpr std::array kChannels = {"colorR", "colorG", "colorB", "alpha"};
     for (int i = 0; i < 3; ++i)
-      if (args.has("colorRGB")) give(static_cast<std::size_t>(i), args.real("colorRGB", 0, i));
+      if (args.has("colorRGB")) give(at(i), args.real("colorRGB", 0, i));
     for (std::size_t i = 0; i < kChannels.size(); ++i)
       if (args.has(kChannels[i])) give(i, args.real(kChannels[i]));
   }
@@ -55,7 +55,7 @@ struct ColorChange {
 /// The corners that an item's components colour: those at a vertex, of a face, at the ends of an
 /// edge.
 std::vector<CornerId> corners(const MeshItem& item) {
-  if (item.isObject()) return item.ids(scene::ComponentType::VertexFace);
+  if (item.isObject()) return item.idsOf<CornerId>();
   std::vector<CornerId> all;
   for (const scene::Component& component : item.components) {
     std::vector<Index> own = componentIds(item.mesh, component);
@@ -65,7 +65,7 @@ std::vector<CornerId> corners(const MeshItem& item) {
                                     mesh::Conversion::Connected, item.mesh.currentUvSet());
       kind = mesh::ComponentType::Vertex;
     }
-    const std::vector<CornerId> more =
+    const std::vector<Index> more =
         mesh::convertComponents(item.mesh, kind, own, mesh::ComponentType::VertexFace);
     all.insert(all.end(), more.begin(), more.end());
   }
@@ -75,19 +75,17 @@ std::vector<CornerId> corners(const MeshItem& item) {
 
 void recolor(mesh::ColorSet& set, Index cornerCount, const std::vector<CornerId>& wanted,
              const ColorChange& change) {
-  if (set.cornerIds.empty()) set.cornerIds.assign(static_cast<std::size_t>(cornerCount), kNone);
+  if (set.cornerIds.empty()) set.cornerIds.assign(at(cornerCount), kNone);
   // Corners that had one colour share the new one as well.
   std::map<Index, Index> changed;
   for (const CornerId corner : wanted) {
-    Index& id = set.cornerIds[static_cast<std::size_t>(corner)];
+    Index& id = set.cornerIds[corner];
     if (change.removes) {
       id = kNone;
       continue;
     }
     const auto [found, isNew] = changed.try_emplace(id, static_cast<Index>(set.colors.size()));
-    if (isNew)
-      set.colors.push_back(
-          change.on(id == kNone ? Color4f{} : set.colors[static_cast<std::size_t>(id)]));
+    if (isNew) set.colors.push_back(change.on(id == kNone ? Color4f{} : set.colors[at(id)]));
     id = found->second;
   }
   modelling::dropUnusedColors(set);
@@ -114,10 +112,9 @@ std::vector<Color4f> componentColors(const MeshItem& item) {
     Color4f sum{0, 0, 0, 0};
     float count = 0;
     for (const CornerId corner : around) {
-      const Index id =
-          set.cornerIds.empty() ? kNone : set.cornerIds[static_cast<std::size_t>(corner)];
+      const Index id = set.cornerIds.empty() ? kNone : set.cornerIds[corner];
       if (id == kNone) continue;
-      const Color4f& color = set.colors[static_cast<std::size_t>(id)];
+      const Color4f& color = set.colors[at(id)];
       sum = {sum.r + color.r, sum.g + color.g, sum.b + color.b, sum.a + color.a};
       ++count;
     }

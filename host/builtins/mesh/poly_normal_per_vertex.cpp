@@ -54,7 +54,7 @@ class NormalChange {
   }
   /// One vector for all components, or one for each.
   [[nodiscard]] Result<void> fits(std::size_t components) const {
-    const auto uses = static_cast<std::size_t>(args_.uses("normalXYZ"));
+    const auto uses = at(args_.uses("normalXYZ"));
     if (uses > 1 && uses != components)
       return fail(ErrorKind::BadArgument,
                   "polyNormalPerVertex: give one vector, or one for each of the {} components.",
@@ -70,8 +70,7 @@ class NormalChange {
       wanted = adds ? before + given : given;
     }
     for (int i = 0; i < 3; ++i)
-      if (const auto& axis = axes_[static_cast<std::size_t>(i)])
-        wanted[i] = adds ? wanted[i] + *axis : *axis;
+      if (const auto& axis = axes_[at(i)]) wanted[i] = adds ? wanted[i] + *axis : *axis;
     const double size = length(wanted);
     return size > 0 ? wanted / size : before;
   }

@@ -132,7 +132,7 @@ CommandResult query(Context& context, const ParsedArgs& args) {
   if (!items) return failWith(std::move(items.error()));
   const Mesh& mesh = items->front().mesh;
   if (args.has("allUVSetsIndices")) {
-    mel::IntArray indices(static_cast<std::size_t>(mesh.uvSetCount()));
+    mel::IntArray indices(at(mesh.uvSetCount()));
     std::iota(indices.begin(), indices.end(), 0);
     return mel::Value(std::move(indices));
   }

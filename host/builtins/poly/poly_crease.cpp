@@ -36,9 +36,9 @@ std::vector<Index> named(const MeshItem& item, ComponentType type) {
 
 void write(std::vector<float>& weights, Index count, const std::vector<Index>& ids, double value,
            bool isRelative) {
-  if (weights.empty()) weights.assign(static_cast<std::size_t>(count), 0.0f);
+  if (weights.empty()) weights.assign(at(count), 0.0f);
   for (const Index id : ids) {
-    float& weight = weights[static_cast<std::size_t>(id)];
+    float& weight = weights[at(id)];
     weight = static_cast<float>(std::max(0.0, isRelative ? weight + value : value));
   }
   if (std::all_of(weights.begin(), weights.end(), [](float weight) { return weight == 0; }))

@@ -39,11 +39,15 @@ double uvFaceArea(const mesh::Mesh& mesh, FaceId face, int set) {
   for (Index i = 0; i < size; ++i) {
     const UvId a = mesh.cornerUv(set, first + i), b = mesh.cornerUv(set, first + (i + 1) % size);
     if (a == kNone || b == kNone) return 0;
-    const math::Vec2f p = points[static_cast<std::size_t>(a)],
-                      q = points[static_cast<std::size_t>(b)];
+    const math::Vec2f p = points[at(a)], q = points[at(b)];
     sum += double{p.u} * q.v - double{q.u} * p.v;
   }
   return std::abs(sum) * 0.5;
+}
+
+template <AnyId Id>
+std::vector<Id> allOf(const mesh::Mesh& mesh) {
+  return copyIds<Id>(componentIds(mesh, scene::Component::all(mesh::kTypeOf<Id>)));
 }
 
 /// Several meshes are added up, as when a group of objects is selected.
@@ -152,8 +156,7 @@ class Evaluation {
     for (const MeshItem& item : items_) {
       const mesh::Shells shells = mesh::findShells(item.mesh);
       std::set<Index> touched;
-      for (const FaceId f : item.ids(ComponentType::Face))
-        touched.insert(shells.ofFace[static_cast<std::size_t>(f)]);
+      for (const FaceId f : item.ids(ComponentType::Face)) touched.insert(shells.ofFace[at(f)]);
       active.insert(active.end(), touched.begin(), touched.end());
     }
     return mel::Value(std::move(active));
@@ -173,9 +176,7 @@ class Evaluation {
     mel::FloatArray areas;
     double sum = 0;
     for (const MeshItem& item : items_) {
-      const std::vector<FaceId> faces =
-          perFace ? item.ids(ComponentType::Face)
-                  : componentIds(item.mesh, scene::Component::all(ComponentType::Face));
+      const std::vector<FaceId> faces = perFace ? item.idsOf<FaceId>() : allOf<FaceId>(item.mesh);
       for (const FaceId f : faces) {
         const double one = uvFaceArea(item.mesh, f, uvSet(item.mesh));
         sum += one;
@@ -192,8 +193,7 @@ class Evaluation {
       const math::Matrix4 matrix = item.path.inclusiveMatrix();
       if (ofComponents && item.isObject()) continue;
       const std::vector<VertexId> vertices =
-          ofComponents ? item.vertices()
-                       : componentIds(item.mesh, scene::Component::all(ComponentType::Vertex));
+          ofComponents ? item.vertices() : allOf<VertexId>(item.mesh);
       for (const VertexId v : vertices)
         bounds.add(math::transformPoint(item.mesh.point(v), matrix));
     }
@@ -209,11 +209,9 @@ class Evaluation {
     math::Box bounds;
     for (const MeshItem& item : items_) {
       const auto& points = item.mesh.uvSet(uvSet(item.mesh)).points;
-      const std::vector<UvId> ids =
-          ofComponents ? item.ids(ComponentType::Uv)
-                       : componentIds(item.mesh, scene::Component::all(ComponentType::Uv));
+      const std::vector<UvId> ids = ofComponents ? item.idsOf<UvId>() : allOf<UvId>(item.mesh);
       for (const UvId id : ids) {
-        const math::Vec2f uv = points[static_cast<std::size_t>(id)];
+        const math::Vec2f uv = points[at(id)];
         bounds.add(Vec3(uv.u, uv.v, 0));
       }
     }
@@ -225,8 +223,7 @@ class Evaluation {
     mel::IntArray ids;
     for (const MeshItem& item : items_) {
       const mesh::UvShells shells = mesh::findUvShells(item.mesh, uvSet(item.mesh));
-      for (const UvId uv : item.ids(ComponentType::Uv))
-        ids.push_back(shells.ofUv[static_cast<std::size_t>(uv)]);
+      for (const UvId uv : item.ids(ComponentType::Uv)) ids.push_back(shells.ofUv[at(uv)]);
     }
     return mel::Value(std::move(ids));
   }
@@ -241,12 +238,11 @@ class Evaluation {
         std::vector<UvId> uvs;
         for (std::size_t uv = 0; uv < shells.ofUv.size(); ++uv)
           if (shells.ofUv[uv] == args_.integer("uvsInShell")) uvs.push_back(static_cast<UvId>(uv));
-        list.add(item.path, scene::Component(ComponentType::Uv, std::move(uvs)));
+        list.add(item.path, scene::Component::of(uvs));
         continue;
       }
       std::set<Index> touched;
-      for (const UvId uv : item.ids(ComponentType::Uv))
-        touched.insert(shells.ofUv[static_cast<std::size_t>(uv)]);
+      for (const UvId uv : item.ids(ComponentType::Uv)) touched.insert(shells.ofUv[at(uv)]);
       touched.erase(kNone);
       active.insert(active.end(), touched.begin(), touched.end());
     }

@@ -30,7 +30,7 @@ constexpr Listing kListings[] = {
     {"fn", "faceNormals", "FACE_NORMAL", ComponentType::Face},
 };
 
-std::string numbersLine(const Listing& listing, Index id, std::span<const Index> numbers) {
+std::string numbersLine(const Listing& listing, Index id, IdView numbers) {
   std::string line = fmt::format("{} {:6}:", listing.label, id);
   for (const Index number : numbers) line += fmt::format(" {:6}", number);
   return line + " ";
@@ -97,7 +97,7 @@ constexpr FaultFlag kFaults[] = {
 std::vector<Index> faulty(const mesh::Mesh& mesh, std::string_view what) {
   std::vector<Index> ids;
   const mesh::Adjacency& adjacency = mesh.adjacency();
-  if (what == "laminaFaces") return laminaFaces(mesh);
+  if (what == "laminaFaces") return copyIds(laminaFaces(mesh));
   if (what == "nonManifoldEdges" || what == "invalidEdges") {
     for (EdgeId e = 0; e < mesh.edgeCount(); ++e) {
       const bool isBad =

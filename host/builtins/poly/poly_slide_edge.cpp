@@ -26,7 +26,7 @@ CommandResult polySlideEdge(Context& context, const ParsedArgs& args) {
   bool hasEdges = false;
   for (const nodes::MeshItem& item : *items) {
     if (item.isObject()) continue;
-    const std::vector<EdgeId> edges = item.ids(scene::ComponentType::Edge);
+    const std::vector<EdgeId> edges = item.idsOf<EdgeId>();
     if (edges.empty()) continue;
     hasEdges = true;
     auto mesh = nodes::evaluatedMesh(*item.path.node());

@@ -36,7 +36,7 @@ Ids coveredFaces(const MeshItem& item) {
 /// the edges that leave them as their rim.
 Ids perimeterEdges(const MeshItem& item) {
   const Ids faces = coveredFaces(item);
-  if (!faces.empty()) return mesh::boundaryEdges(item.mesh, faces);
+  if (!faces.empty()) return copyIds(mesh::boundaryEdges(item.mesh, viewIds<FaceId>(faces)));
   return mesh::convertComponents(item.mesh, ComponentType::Vertex, item.vertices(),
                                  ComponentType::Edge, Conversion::Border);
 }
@@ -44,7 +44,7 @@ Ids perimeterEdges(const MeshItem& item) {
 Ids perimeterVertices(const MeshItem& item) {
   const Ids edges = perimeterEdges(item);
   Ids ends = mesh::convertComponents(item.mesh, ComponentType::Edge, edges, ComponentType::Vertex);
-  const Ids own = item.vertices();
+  const std::vector<VertexId> own = item.vertices();
   std::erase_if(ends, [&](VertexId v) { return !std::binary_search(own.begin(), own.end(), v); });
   return ends;
 }
@@ -70,7 +70,8 @@ Ids perimeterUvs(const MeshItem& item) {
 }
 
 Ids shellFaces(const MeshItem& item) {
-  return mesh::connectedFaces(item.mesh, convertedIds(item, ComponentType::Face));
+  return copyIds(
+      mesh::connectedFaces(item.mesh, viewIds<FaceId>(convertedIds(item, ComponentType::Face))));
 }
 
 Ids shellBorder(const MeshItem& item) {
@@ -82,13 +83,12 @@ Ids shellBorder(const MeshItem& item) {
 
 Ids uvShell(const MeshItem& item) {
   const mesh::UvShells shells = mesh::findUvShells(item.mesh, item.mesh.currentUvSet());
-  std::vector<std::uint8_t> isWanted(static_cast<std::size_t>(shells.count), 0);
+  std::vector<std::uint8_t> isWanted(at(shells.count), 0);
   for (const UvId uv : convertedIds(item, ComponentType::Uv))
-    if (const Index shell = shells.ofUv[static_cast<std::size_t>(uv)]; shell != kNone)
-      isWanted[static_cast<std::size_t>(shell)] = 1;
+    if (const Index shell = shells.ofUv[at(uv)]; shell != kNone) isWanted[at(shell)] = 1;
   Ids uvs;
   for (std::size_t uv = 0; uv < shells.ofUv.size(); ++uv)
-    if (shells.ofUv[uv] != kNone && isWanted[static_cast<std::size_t>(shells.ofUv[uv])])
+    if (shells.ofUv[uv] != kNone && isWanted[at(shells.ofUv[uv])])
       uvs.push_back(static_cast<UvId>(uv));
   return uvs;
 }
@@ -96,7 +96,7 @@ Ids uvShell(const MeshItem& item) {
 /// The UVs of the touched shells that lie on a border edge of one.
 Ids uvShellBorder(const MeshItem& item) {
   const int set = item.mesh.currentUvSet();
-  const Ids border = mesh::uvBorderEdges(item.mesh, set);
+  const std::vector<EdgeId> border = mesh::uvBorderEdges(item.mesh, set);
   const Ids onBorder = mesh::convertComponents(item.mesh, ComponentType::Edge, border,
                                                ComponentType::Uv, Conversion::Connected, set);
   Ids uvs = uvShell(item);

@@ -252,7 +252,7 @@ class Lister {
 
   void trim() {
     const auto limit = [&](std::string_view flag) {
-      return std::min(names_.size(), static_cast<std::size_t>(std::max(0, args_.integer(flag))));
+      return std::min(names_.size(), at(std::max(0, args_.integer(flag))));
     };
     if (args_.has("head")) names_.resize(limit("head"));
     if (args_.has("tail"))

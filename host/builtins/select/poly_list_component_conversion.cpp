@@ -35,8 +35,8 @@ bool isSource(const ParsedArgs& args, ComponentType type) {
 /// What lies on the rim of faces, where they meet others or the mesh ends.
 std::vector<Index> onRim(const MeshItem& faces, ComponentType target) {
   const std::vector<EdgeId> rim =
-      mesh::boundaryEdges(faces.mesh, convertedIds(faces, ComponentType::Face));
-  if (target == ComponentType::Edge) return rim;
+      mesh::boundaryEdges(faces.mesh, viewIds<FaceId>(convertedIds(faces, ComponentType::Face)));
+  if (target == ComponentType::Edge) return copyIds(rim);
   const int set = faces.mesh.currentUvSet();
   std::vector<Index> ids = mesh::convertComponents(faces.mesh, mesh::ComponentType::Edge, rim,
                                                    target, mesh::Conversion::Connected, set);

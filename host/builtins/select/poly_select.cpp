@@ -20,9 +20,13 @@ using scene::ComponentType;
 using Ids = std::vector<Index>;
 using Walk = EdgeWalk (*)(const Mesh&, EdgeId);
 
+/// Faces in a row, kept as walks of edges are: which of both it is says the flag.
+EdgeWalk runOf(const std::vector<FaceId>& faces) {
+  return {copyIds<EdgeId>(faces), false};
+}
 EdgeWalk shell(const Mesh& mesh, FaceId face) {
   const std::array seed{face};
-  return {mesh::connectedFaces(mesh, seed, mesh::ShellLink::Edges), false};
+  return runOf(mesh::connectedFaces(mesh, seed, mesh::ShellLink::Edges));
 }
 /// The whole border from an edge of it, the loop from any other edge.
 EdgeWalk loopOrBorder(const Mesh& mesh, EdgeId e) {
@@ -32,7 +36,7 @@ EdgeWalk edgePath(const Mesh& mesh, Index from, Index to) {
   return {mesh::shortestEdgePath(mesh, from, to), false};
 }
 EdgeWalk facePath(const Mesh& mesh, Index from, Index to) {
-  return {mesh::shortestFacePath(mesh, from, to), false};
+  return runOf(mesh::shortestFacePath(mesh, from, to));
 }
 
 /// The components of a walk at the distance of two of its edges from each other, both included.
@@ -54,10 +58,10 @@ struct SelectFlag {
   const char *shortName, *longName;
   ComponentType takes, gives;
   Walk walk = nullptr;
-  enum { Whole, Part, Pattern, Between } how = Whole;
+  enum { Whole, Part, Pattern, Between, Shell } how = Whole;
   EdgeWalk (*between)(const Mesh&, Index, Index) = nullptr;
 
-  [[nodiscard]] std::size_t numberCount() const { return how == Whole ? 1 : 2; }
+  [[nodiscard]] std::size_t numberCount() const { return how == Whole || how == Shell ? 1 : 2; }
 };
 constexpr ComponentType kVertex = ComponentType::Vertex, kEdge = ComponentType::Edge,
                         kFace = ComponentType::Face;
@@ -72,7 +76,7 @@ constexpr std::array kFlags = {
     SelectFlag{"lpt", "edgeLoopPattern", kEdge, kEdge, mesh::edgeLoop, SelectFlag::Pattern},
     SelectFlag{"rpt", "edgeRingPattern", kEdge, kEdge, mesh::edgeRing, SelectFlag::Pattern},
     SelectFlag{"bpt", "edgeBorderPattern", kEdge, kEdge, mesh::borderWalk, SelectFlag::Pattern},
-    SelectFlag{"ets", "extendToShell", kFace, kFace, shell},
+    SelectFlag{"ets", "extendToShell", kFace, kFace, nullptr, SelectFlag::Shell},
     SelectFlag{"sep", "shortestEdgePath", kVertex, kEdge, nullptr, SelectFlag::Between, edgePath},
     SelectFlag{"sfp", "shortestFacePath", kFace, kFace, nullptr, SelectFlag::Between, facePath},
 };
@@ -88,6 +92,7 @@ Result<EdgeWalk> walked(const SelectFlag& flag, const Mesh& mesh,
                   flag.longName, scene::componentWord(flag.takes), number, count);
   if (numbers.size() < flag.numberCount())
     return fail("polySelect: -{} takes two numbers.", flag.longName);
+  if (flag.how == SelectFlag::Shell) return shell(mesh, numbers[0]);
   if (flag.how == SelectFlag::Between) return flag.between(mesh, numbers[0], numbers[1]);
   EdgeWalk walk = flag.walk(mesh, numbers[0]);
   if (walk.edges.empty())
@@ -134,8 +139,7 @@ CommandResult polySelect(Context& context, const ParsedArgs& args) {
       auto walk = walked(flag, item.mesh, args.values(flag.longName, use));
       if (!walk) return failWith(std::move(walk.error()));
       Ids ids;
-      for (std::size_t i = 0; i < walk->edges.size(); i += static_cast<std::size_t>(every))
-        ids.push_back(walk->edges[i]);
+      for (std::size_t i = 0; i < walk->edges.size(); i += at(every)) ids.push_back(walk->edges[i]);
       numbers.insert(numbers.end(), ids.begin(), ids.end());
       picks.push_back({&item, flag.gives, std::move(ids)});
     }

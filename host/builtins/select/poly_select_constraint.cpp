@@ -184,7 +184,7 @@ Result<void> act(Context& context, const ParsedArgs& args) {
   const int propagation = args.integer("propagate");
   if (propagation < 0 || propagation >= static_cast<int>(kPropagations.size()))
     return fail("polySelectConstraint: -propagate is 1 more, 2 less, 3 border or 4 edge loops.");
-  if (propagation > 0) HOST_TRY(kPropagations[static_cast<std::size_t>(propagation)](context));
+  if (propagation > 0) HOST_TRY(kPropagations[at(propagation)](context));
   for (const Action& action : kActions)
     if (args.boolean(action.longName)) HOST_TRY(action.act(context));
   return {};
@@ -237,9 +237,9 @@ CommandResult polySelectConstraint(Context& context, const ParsedArgs& args) {
   SelectConstraints wanted = state;
   for (std::size_t i = 0; i < kSettings.size(); ++i)
     for (int part = 0; args.has(kSettings[i].longName) && part < kSettings[i].count; ++part)
-      wanted.values[i][static_cast<std::size_t>(part)] =
-          kSettings[i].type == ArgType::Bool ? args.boolean(kSettings[i].longName)
-                                             : args.real(kSettings[i].longName, 0, part);
+      wanted.values[i][at(part)] = kSettings[i].type == ArgType::Bool
+                                       ? args.boolean(kSettings[i].longName)
+                                       : args.real(kSettings[i].longName, 0, part);
   HOST_TRY(act(context, args));
   std::vector<std::string> names;
   if (wanted.choice("mode") >= kCurrentAndNext) {
@@ -259,7 +259,7 @@ void registerPolySelectConstraint(CommandRegistry& registry) {
   Syntax syntax;
   for (const Setting& setting : kSettings)
     syntax.flag(setting.shortName, setting.longName,
-                std::vector<ArgType>(static_cast<std::size_t>(setting.count), setting.type));
+                std::vector<ArgType>(at(setting.count), setting.type));
   for (const Action& action : kActions)
     syntax.flag(action.shortName, action.longName, {ArgType::Bool});
   define(registry, "polySelectConstraint",

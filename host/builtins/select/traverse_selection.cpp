@@ -85,16 +85,18 @@ Ids shrink(const Region& region) {
   return without(region.ids, innerRim(region));
 }
 
+Ids facesOfShells(const Region& region) {
+  return copyIds(
+      mesh::connectedFaces(region.mesh, viewIds<FaceId>(region.to(ComponentType::Face))));
+}
 Ids shells(const Region& region) {
-  return region.from(ComponentType::Face,
-                     mesh::connectedFaces(region.mesh, region.to(ComponentType::Face)));
+  return region.from(ComponentType::Face, facesOfShells(region));
 }
 
 /// Border edges of the mesh on the shells that the region touches, as components of the region's
 /// kind.
 Ids shellBorder(const Region& region) {
-  const Region faces{region.mesh, ComponentType::Face,
-                     mesh::connectedFaces(region.mesh, region.to(ComponentType::Face))};
+  const Region faces{region.mesh, ComponentType::Face, facesOfShells(region)};
   Ids edges = faces.to(ComponentType::Edge);
   std::erase_if(edges, [&](EdgeId e) { return !region.mesh.adjacency().isBorderEdge(e); });
   return region.kind == ComponentType::Edge ? edges : region.from(ComponentType::Edge, edges);

@@ -77,8 +77,7 @@ Result<math::Vec3> centerOf(scene::Document& document, const std::string& name) 
   math::Vec3 sum;
   math::Box box;
   for (const VertexId v : vertices) {
-    const math::Vec3 point =
-        math::transformPoint(math::Vec3(mesh.mesh.points()[static_cast<std::size_t>(v)]), toWorld);
+    const math::Vec3 point = math::transformPoint(math::Vec3(mesh.mesh.points()[at(v)]), toWorld);
     sum = sum + point;
     box.add(point);
   }

@@ -42,7 +42,7 @@ Result<void> edit(Context& context, const ParsedArgs& args, const UvItem& item) 
   places.reserve(item.uvs.size());
   const bool isAbsolute = !args.boolean("relative", true);
   for (const UvId uv : item.uvs) {
-    math::Vec2f place = set.points[static_cast<std::size_t>(uv)];
+    math::Vec2f place = set.points[at(uv)];
     if (isAbsolute && args.has("uValue")) place.u = static_cast<float>(args.real("uValue"));
     if (isAbsolute && args.has("vValue")) place.v = static_cast<float>(args.real("vValue"));
     if (!std::isfinite(place.u) || !std::isfinite(place.v))
@@ -63,8 +63,7 @@ mel::Value placesOf(const ParsedArgs& args, const std::vector<UvItem>& items) {
   mel::FloatArray values;
   for (const UvItem& item : items)
     for (const UvId uv : item.uvs) {
-      const math::Vec2f& place =
-          item.item.mesh.uvSet(item.set).points[static_cast<std::size_t>(uv)];
+      const math::Vec2f& place = item.item.mesh.uvSet(item.set).points[at(uv)];
       if (asked != "vValue") values.push_back(place.u);
       if (asked != "uValue") values.push_back(place.v);
     }

@@ -86,10 +86,9 @@ Result<void> keepInHistory(Context& context, MeshItem item, int set, const mesh:
   mesh::UvSet moved = item.mesh.uvSet(set);
   for (const FaceId f : faces)
     for (CornerId c = item.mesh.firstCorner(f); c < item.mesh.firstCorner(f + 1); ++c) {
-      const auto corner = static_cast<std::size_t>(c);
+      const auto corner = at(c);
       if (wanted.cornerIds.empty() || wanted.cornerIds[corner] == kNone) continue;
-      moved.points[static_cast<std::size_t>(moved.cornerIds[corner])] =
-          wanted.points[static_cast<std::size_t>(wanted.cornerIds[corner])];
+      moved.points[at(moved.cornerIds[corner])] = wanted.points[at(wanted.cornerIds[corner])];
     }
   return placeMovedUvs(context.document, item, set, moved);
 }
@@ -118,9 +117,9 @@ Result<void> forceOne(Context& context, const ParsedArgs& args, MeshItem item) {
   }
   const auto set = ops::findUvSet(item.mesh, name);
   if (!set) return failWith(set.error());
-  std::vector<FaceId> faces = item.ids(ComponentType::Face);
+  std::vector<FaceId> faces = item.idsOf<FaceId>();
   if (args.has("numItems") && args.integer("numItems") < static_cast<int>(faces.size()))
-    faces.resize(static_cast<std::size_t>(args.integer("numItems")));
+    faces.resize(at(args.integer("numItems")));
   mesh::Mesh mesh = item.mesh;
   HOST_TRY(force(args, mesh, *set, faces));
   if (!hasHistory) return nodes::setEvaluatedMesh(shape, std::move(mesh));

@@ -66,7 +66,7 @@ Result<ops::LayoutPart> partOf(const MeshItem& item, mesh::Mesh& mesh, const std
   part.world = item.path.inclusiveMatrix();
   part.standing = nodes::pinnedShells(*item.path.node(), mesh, *set);
   const std::vector<Index> named =
-      mesh::shellsOfFaces(mesh::findUvShells(mesh, *set), item.ids(scene::ComponentType::Face));
+      mesh::shellsOfFaces(mesh::findUvShells(mesh, *set), item.idsOf<FaceId>());
   std::ranges::set_difference(named, part.standing, std::back_inserter(part.shells));
   return part;
 }

@@ -35,7 +35,7 @@ Pinning pinningOf(const UvItem& item, int operation, const std::vector<double>& 
     double weight = 0;
     if (operation == kSetWeights)
       weight = given.empty() ? 1 : given.size() == 1 ? given.front() : given[next++];
-    if (operation == kInvert) weight = 1 - double{pins[static_cast<std::size_t>(uv)]};
+    if (operation == kInvert) weight = 1 - double{pins[at(uv)]};
     pinning.weights.push_back(weight);
   }
   return pinning;
@@ -49,10 +49,10 @@ Result<void> makeNode(scene::Document& document, const UvItem& item, const Pinni
   dg::Graph& graph = document.graph();
   HOST_TRY(graph.set(node.plug("uvSetName"), dg::Value(item.item.mesh.uvSet(item.set).name)));
   std::vector<scene::Component> named;
-  named.push_back(nodes::componentFromIds(item.item.mesh, scene::ComponentType::Uv, pinning.uvs));
+  named.push_back(scene::Component::of(pinning.uvs));
   HOST_TRY(graph.set(node.plug("inputComponents"),
                      dg::DataPtr(std::make_shared<scene::ComponentListData>(std::move(named)))));
-  HOST_TRY(graph.setPacked(node.plug("pin"), pinning.uvs, pinning.weights));
+  HOST_TRY(graph.setPacked(node.plug("pin"), copyIds(pinning.uvs), pinning.weights));
   HOST_TRY(nodes::insertHistoryNode(document, *item.item.path.node(), node.plug("inputPolymesh"),
                                     node.plug("output")));
   const auto evaluated = graph.evaluate(node.plug("output"));
@@ -67,7 +67,7 @@ CommandResult queryPins(const ParsedArgs& args, const std::vector<UvItem>& items
   for (const UvItem& item : items) {
     std::vector<float> pins = nodes::uvPins(*item.item.path.node(), item.item.mesh, item.set);
     pins.resize(item.item.mesh.uvSet(item.set).points.size(), 0);
-    for (const UvId uv : item.uvs) weights.push_back(double{pins[static_cast<std::size_t>(uv)]});
+    for (const UvId uv : item.uvs) weights.push_back(double{pins[at(uv)]});
   }
   return mel::Value(std::move(weights));
 }

@@ -61,10 +61,9 @@ Result<Options> optionsOf(const ParsedArgs& args) {
 std::vector<std::uint8_t> pinsOf(const ParsedArgs& args, const MeshItem& item, int set) {
   const bool pinsOthers = args.boolean("pinUnselected"), pinsNamed = args.boolean("pinSelected");
   std::vector<std::uint8_t> pins(item.mesh.uvSet(set).points.size(), pinsOthers ? 1 : 0);
-  for (const UvId uv : item.ids(scene::ComponentType::Uv))
-    if (static_cast<std::size_t>(uv) < pins.size()) pins[static_cast<std::size_t>(uv)] = pinsNamed;
-  for (const UvId uv : nodes::pinnedUvs(*item.path.node(), item.mesh, set))
-    pins[static_cast<std::size_t>(uv)] = 1;
+  for (const UvId uv : item.idsOf<UvId>())
+    if (at(uv) < pins.size()) pins[at(uv)] = pinsNamed;
+  for (const UvId uv : nodes::pinnedUvs(*item.path.node(), item.mesh, set)) pins[at(uv)] = 1;
   return pins;
 }
 
@@ -81,7 +80,7 @@ CommandResult untangleUv(Context& context, const ParsedArgs& args) {
     mesh::Mesh mesh = item.mesh;
     const int set = mesh.currentUvSet();
     const std::vector<Index> shells =
-        mesh::shellsOfUvs(mesh::findUvShells(mesh, set), item.ids(scene::ComponentType::Uv));
+        mesh::shellsOfUvs(mesh::findUvShells(mesh, set), item.idsOf<UvId>());
     const auto done = ops::untangleUvs(mesh, set, shells, pinsOf(args, item, set), *options);
     if (!done) return failAt("untangleUV", done.error());
     if (done->shells == 0 && !done->left.empty()) return fail("untangleUV: {}", done->left.front());

@@ -37,7 +37,7 @@ Result<void> addOffsets(dg::Graph& graph, const Plug& tweaks, const std::vector<
   while (i < indices.size() || k < uvs.size()) {
     const bool isOld = k == uvs.size() || (i < indices.size() && indices[i] <= uvs[k]);
     const bool isNew = i == indices.size() || (k < uvs.size() && uvs[k] <= indices[i]);
-    merged.push_back(isOld ? indices[i] : uvs[k]);
+    merged.push_back(isOld ? indices[i] : Index(uvs[k]));
     for (std::size_t axis = 0; axis < 2; ++axis)
       sums.push_back((isOld ? values[2 * i + axis] : 0) + (isNew ? offsets[2 * k + axis] : 0));
     i += isOld;
@@ -65,7 +65,7 @@ Result<std::vector<UvItem>> uvItems(Context& context, const ParsedArgs& args,
     mesh::Mesh seen = item.mesh;
     seen.setCurrentUvSet(*set);
     MeshItem asked{item.path, seen, item.components};
-    std::vector<UvId> uvs = asked.ids(scene::ComponentType::Uv);
+    std::vector<UvId> uvs = asked.idsOf<UvId>();
     const auto count = static_cast<UvId>(seen.uvSet(*set).points.size());
     std::erase_if(uvs, [count](UvId uv) { return uv >= count; });
     if (uvs.empty()) continue;
@@ -89,15 +89,14 @@ Result<void> placeUvs(scene::Document& document, const UvItem& item,
   if (!nodes::hasHistory(shape)) {
     mesh::Mesh mesh = item.item.mesh;
     auto& points = mesh.editUvSet(item.set).points;
-    for (std::size_t i = 0; i < item.uvs.size(); ++i)
-      points[static_cast<std::size_t>(item.uvs[i])] = places[i];
+    for (std::size_t i = 0; i < item.uvs.size(); ++i) points[at(item.uvs[i])] = places[i];
     return nodes::setEvaluatedMesh(shape, std::move(mesh));
   }
   const mesh::UvSet& set = item.item.mesh.uvSet(item.set);
   std::vector<double> offsets;
   offsets.reserve(2 * item.uvs.size());
   for (std::size_t i = 0; i < item.uvs.size(); ++i) {
-    const math::Vec2f& from = set.points[static_cast<std::size_t>(item.uvs[i])];
+    const math::Vec2f& from = set.points[at(item.uvs[i])];
     offsets.push_back(step ? (*step)[0] : static_cast<double>(places[i].u) - from.u);
     offsets.push_back(step ? (*step)[1] : static_cast<double>(places[i].v) - from.v);
   }
@@ -109,7 +108,7 @@ Result<void> placeUvs(scene::Document& document, const UvItem& item,
   if (!created) return failWith(std::move(created.error()));
   Node& node = **created;
   HOST_TRY(graph.set(node.plug("uvSetName"), dg::Value(set.name)));
-  HOST_TRY(graph.setPacked(node.plug("uvTweak"), item.uvs, std::move(offsets)));
+  HOST_TRY(graph.setPacked(node.plug("uvTweak"), copyIds(item.uvs), std::move(offsets)));
   HOST_TRY(
       nodes::insertHistoryNode(document, shape, node.plug("inputPolymesh"), node.plug("output")));
   const auto evaluated = graph.evaluate(node.plug("output"));

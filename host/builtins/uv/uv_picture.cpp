@@ -87,10 +87,10 @@ class Canvas {
     const auto first = static_cast<int>(std::floor(std::max(0.0, top) * samples));
     const auto last =
         static_cast<int>(std::floor(std::min<double>(image_.height, bottom) * samples));
-    if (openRows_.empty()) openRows_ = OpenCells(static_cast<std::size_t>(image_.height));
+    if (openRows_.empty()) openRows_ = OpenCells(at(image_.height));
     for (int row = first; row <= last && row < samples * image_.height; ++row) {
       // Rows that are full take no more.
-      const int open = static_cast<int>(openRows_.from(static_cast<std::size_t>(row / samples)));
+      const int open = static_cast<int>(openRows_.from(at(row / samples)));
       if (open != row / samples) {
         row = open * samples - 1;
         continue;
@@ -159,22 +159,17 @@ class Canvas {
     float part = 0;
   };
 
-  [[nodiscard]] std::size_t indexOf(int x, int y) const {
-    return static_cast<std::size_t>(y) * static_cast<std::size_t>(image_.width) +
-           static_cast<std::size_t>(x);
-  }
+  [[nodiscard]] std::size_t indexOf(int x, int y) const { return at(y) * at(image_.width) + at(x); }
   [[nodiscard]] std::uint8_t* pixel(int x, int y) { return image_.rgba.data() + 4 * indexOf(x, y); }
 
   void span(int row, double left, double right, const Color& color, int samples) {
     if (covers_.empty()) {
       covers_.resize(image_.rgba.size() / 4);
-      openPixels_.resize(static_cast<std::size_t>(image_.height));
+      openPixels_.resize(at(image_.height));
     }
-    OpenCells& open = openPixels_[static_cast<std::size_t>(row)];
-    if (open.empty()) open = OpenCells(static_cast<std::size_t>(image_.width));
-    const auto next = [&](int x) {
-      return static_cast<int>(open.from(static_cast<std::size_t>(x)));
-    };
+    OpenCells& open = openPixels_[at(row)];
+    if (open.empty()) open = OpenCells(at(image_.width));
+    const auto next = [&](int x) { return static_cast<int>(open.from(at(x))); };
     for (int x = next(static_cast<int>(left)); x < image_.width && x < right; x = next(x + 1)) {
       double part = std::min<double>(x + 1, right) - std::max<double>(x, left);
       if (!options_.isAntialiased) part = left <= x + 0.5 && x + 0.5 < right ? 1 : 0;
@@ -184,10 +179,9 @@ class Canvas {
       for (std::size_t k = 0; k < 3; ++k)
         cover.sum[k] += weight * static_cast<float>(color[k]) / 255;
       cover.part += weight;
-      if (cover.part >= kMostLayers) open.close(static_cast<std::size_t>(x));
+      if (cover.part >= kMostLayers) open.close(at(x));
     }
-    if (open.from(0) == static_cast<std::size_t>(image_.width))
-      openRows_.close(static_cast<std::size_t>(row));
+    if (open.from(0) == at(image_.width)) openRows_.close(at(row));
   }
 
   io::Image& image_;
@@ -211,7 +205,7 @@ void fill(Canvas& canvas, const mesh::Mesh& mesh, int uvSet, UvPictureOptions::F
     for (Index t = first; t < first + mesh.faceSize(f) - 2; ++t) {
       const auto& corners = triangulation.triangles[at(t)];
       const auto spot = [&](std::size_t k) {
-        return canvas.spot(set.points[at(set.cornerIds[at(corners[k])])]);
+        return canvas.spot(set.points[at(set.cornerIds[corners[k]])]);
       };
       canvas.triangle({spot(0), spot(1), spot(2)}, color);
     }
@@ -244,10 +238,10 @@ void drawLines(Canvas& canvas, const mesh::Mesh& mesh, int uvSet, const Color& c
   DrawnLines drawn;
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
     const CornerId first = mesh.firstCorner(f), end = mesh.firstCorner(f + 1);
-    if (set.cornerIds[at(first)] == kNone) continue;
+    if (set.cornerIds[first] == kNone) continue;
     for (CornerId c = first; c < end; ++c) {
       const CornerId next = c + 1 == end ? first : c + 1;
-      const UvId a = set.cornerIds[at(c)], b = set.cornerIds[at(next)];
+      const UvId a = set.cornerIds[c], b = set.cornerIds[next];
       const Spot from = canvas.spot(set.points[at(a)]), to = canvas.spot(set.points[at(b)]);
       if (std::isfinite(from.x + from.y + to.x + to.y) && drawn.add(from, to))
         canvas.line(from, to, color, width);
@@ -275,8 +269,7 @@ void drawUvsOver(io::Image& image, const mesh::Mesh& mesh, int uvSet,
 
 io::Image drawUvs(const mesh::Mesh& mesh, int uvSet, const UvPictureOptions& options) {
   io::Image image{options.width, options.height, {}};
-  const std::size_t pixels =
-      static_cast<std::size_t>(options.width) * static_cast<std::size_t>(options.height);
+  const std::size_t pixels = at(options.width) * at(options.height);
   image.rgba.assign(4 * pixels, options.hasBackground ? 246 : 0);
   for (std::size_t i = 3; options.hasBackground && i < image.rgba.size(); i += 4)
     image.rgba[i] = 255;

@@ -155,8 +155,7 @@ CommandResult playblast(Context& context, const ParsedArgs& args) {
     work.advance();
   }
   if (job->seconds.size() == 1) return mel::Value(fileAt(job->seconds.front()));
-  return mel::Value(job->base + "." + std::string(static_cast<std::size_t>(job->padding), '#') +
-                    "." + extension);
+  return mel::Value(job->base + "." + std::string(at(job->padding), '#') + "." + extension);
 }
 
 }  // namespace

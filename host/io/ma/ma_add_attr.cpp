@@ -40,9 +40,7 @@ std::size_t tupleSize(std::string_view type) {
   static constexpr std::string_view kStems[] = {"double", "float", "long", "short"};
   if (type.size() < 2 || type.back() < '2' || type.back() > '4') return 0;
   const std::string_view stem = type.substr(0, type.size() - 1);
-  return std::ranges::find(kStems, stem) == std::end(kStems)
-             ? 0
-             : static_cast<std::size_t>(type.back() - '0');
+  return std::ranges::find(kStems, stem) == std::end(kStems) ? 0 : at(type.back() - '0');
 }
 
 /// "low:mid=5:high".
@@ -209,7 +207,7 @@ Result<void> MaAttributes::addAttribute(dg::Node& node, const MaAddAttr& line) {
     Index count = 0;
     if (!MaRow(flags.text("nc")).read(count) || count < 1 || count > 10000)
       return fail("'{}' does not say how many children it has", attribute->longName);
-    childCount = static_cast<std::size_t>(count);
+    childCount = at(count);
   }
   if (flags.has("p") && !pending_.empty()) {
     const auto parent = std::ranges::find_if(pending_, [&](const PendingCompound& each) {

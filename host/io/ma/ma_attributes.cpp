@@ -106,15 +106,12 @@ Result<void> MaAttributes::write(const Plug& plug, Index first, Index last, cons
   }
   HOST_TRY(flush());
   if (plug.isArray() && first == kNone) return fail("'{}' is an array", line.path);
-  const std::size_t elements =
-      first == kNone ? 1 : static_cast<std::size_t>(last) - static_cast<std::size_t>(first) + 1;
+  const std::size_t elements = first == kNone ? 1 : at(last) - at(first) + 1;
   if (elements > line.values.size() + 1)
     return fail("'{}' has {} values for {} elements", line.path, line.values.size(), elements);
   std::size_t next = 0;
   for (std::size_t i = 0; i < elements; ++i) {
-    const Plug each = first == kNone
-                          ? plug
-                          : plug.element(static_cast<Index>(static_cast<std::size_t>(first) + i));
+    const Plug each = first == kNone ? plug : plug.element(static_cast<Index>(at(first) + i));
     const bool isPayload = !each.isCompound() && isPayloadType(line.type) && elements == 1;
     if (!isPayload) {
       HOST_TRY(writeNumbers(each, line.values, next));
@@ -142,7 +139,7 @@ Result<bool> MaAttributes::addToRun(const Plug& array, Index first, Index last,
     run_ = {array, std::move(indices), std::move(values)};
   }
   const std::size_t width = leaves.size();
-  const std::size_t count = static_cast<std::size_t>(last) - static_cast<std::size_t>(first) + 1;
+  const std::size_t count = at(last) - at(first) + 1;
   if (line.values.size() != count * width)
     return fail("'{}' has {} values instead of {}", line.path, line.values.size(), count * width);
   if (!run_.indices.empty() && run_.indices.back() >= first) {
@@ -158,8 +155,7 @@ Result<bool> MaAttributes::addToRun(const Plug& array, Index first, Index last,
     const auto* integer = std::get_if<std::int64_t>(&*value);
     numbers.push_back(integer ? static_cast<double>(*integer) : std::get<double>(*value));
   }
-  for (std::size_t i = 0; i < count; ++i)
-    run_.indices.push_back(static_cast<Index>(static_cast<std::size_t>(first) + i));
+  for (std::size_t i = 0; i < count; ++i) run_.indices.push_back(static_cast<Index>(at(first) + i));
   run_.values.insert(run_.values.end(), numbers.begin(), numbers.end());
   return true;
 }

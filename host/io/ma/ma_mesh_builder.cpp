@@ -36,7 +36,7 @@ MaResult<std::vector<Element>> readArray(std::string_view text, std::string_view
                      fmt::format("{} {} should follow here, not {}", what, count, chunk.first));
     const std::size_t length = at(chunk.last) - at(chunk.first) + 1;
     // The shortest number is a digit and a blank.
-    if (length * static_cast<std::size_t>(width) > chunk.body.size() / 2 + 1)
+    if (length * at(width) > chunk.body.size() / 2 + 1)
       return faultAt(chunk.offset, fmt::format("{} to {} are announced here, but the row is too "
                                                "short to hold them",
                                                chunk.first, chunk.last));
@@ -145,8 +145,10 @@ class MaMeshBuilder {
     const auto limit = static_cast<Index>(vertexCount_);
     auto rows =
         readArray<EdgeRow>(text_, "edges", 3, rows_.edges_, [limit](MaRow& row, EdgeRow& edge) {
-          return row.read(edge.ends.a) && row.read(edge.ends.b) && row.read(edge.isSmooth) &&
-                 edge.ends.a >= 0 && edge.ends.a < limit && edge.ends.b >= 0 &&
+          Index a = kNone, b = kNone;
+          if (!row.read(a) || !row.read(b) || !row.read(edge.isSmooth)) return false;
+          edge.ends = {a, b};
+          return edge.ends.a >= 0 && edge.ends.a < limit && edge.ends.b >= 0 &&
                  edge.ends.b < limit && edge.ends.a != edge.ends.b;
         });
     if (!rows) {
@@ -212,7 +214,7 @@ class MaMeshBuilder {
       std::ranges::copy(part.edges, topology_.cornerEdges.begin() + start);
       const auto place = [&](const std::vector<MaSetIds>& from, auto& sets) {
         for (const MaSetIds& each : from) {
-          std::vector<Index>& ids = sets[at(each.set)].cornerIds;
+          auto& ids = sets[at(each.set)].cornerIds;
           if (ids.empty()) ids.assign(corners, kNone);
           std::ranges::copy(each.ids, ids.begin() + start);
         }

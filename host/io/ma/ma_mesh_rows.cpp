@@ -80,7 +80,7 @@ MaResult<MaMeshRows::Array*> MaMeshRows::arrayOf(std::size_t offset, std::string
     return faultAt(offset, fmt::format("'{}' does not say which set it belongs to", path));
   if (set >= kMostSets)
     return faultAt(offset, fmt::format("'{}': a mesh has {} sets at most", path, kMostSets));
-  const auto count = static_cast<std::size_t>(set) + 1;
+  const auto count = at(set) + 1;
   if (base.front() == 'u') {
     if (uvSets_.size() < count) uvSets_.resize(count);
     return &uvSets_[count - 1].points;
@@ -122,7 +122,7 @@ MaResult<void> MaMeshRows::addWeights(const MaSetAttr& line, std::string_view ki
     return faultAt(line.offset, fmt::format("'{}' does not begin with Index_Data {} and a count",
                                             line.path, kind));
   const std::size_t stride = hasValues ? 2 : 1;
-  if (tokens.size() - 3 != static_cast<std::size_t>(count) * stride)
+  if (tokens.size() - 3 != at(count) * stride)
     return faultAt(line.offset, fmt::format("'{}' says {} components, but has {} numbers",
                                             line.path, count, tokens.size() - 3));
   for (std::size_t i = 3; i < tokens.size(); i += stride) {

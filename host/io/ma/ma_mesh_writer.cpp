@@ -128,15 +128,15 @@ void appendPoints(std::string& out, const Mesh& mesh, double unit) {
 }
 
 void appendEdges(std::string& out, const Mesh& mesh) {
-  appendArray(
-      out, {.path = ".ed", .type = {}, .sizes = {}}, at(mesh.edgeCount()), kTriplesAChunk,
-      [&](std::string& text, std::size_t i) {
-        const auto e = static_cast<EdgeId>(i);
-        for (const Index number : {mesh.edge(e).a, mesh.edge(e).b, Index{mesh.isEdgeSmooth(e)}}) {
-          text += ' ';
-          appendNumber(text, number);
-        }
-      });
+  appendArray(out, {.path = ".ed", .type = {}, .sizes = {}}, at(mesh.edgeCount()), kTriplesAChunk,
+              [&](std::string& text, std::size_t i) {
+                const auto e = static_cast<EdgeId>(i);
+                for (const Index number :
+                     {Index(mesh.edge(e).a), Index(mesh.edge(e).b), Index(mesh.isEdgeSmooth(e))}) {
+                  text += ' ';
+                  appendNumber(text, number);
+                }
+              });
 }
 
 void appendNormals(std::string& out, const Mesh& mesh) {
@@ -175,11 +175,9 @@ void appendFace(std::string& out, const Mesh& mesh, FaceId face) {
   for (CornerId c = first; c < first + size; ++c) {
     const EdgeId e = mesh.cornerEdge(c);
     out += ' ';
-    appendNumber(out, mesh.edge(e).a == mesh.cornerVertex(c) ? e : -e - 1);
+    appendNumber(out, mesh.edge(e).a == mesh.cornerVertex(c) ? Index(e) : -e - 1);
   }
-  const auto slice = [&](const std::vector<Index>& ids) {
-    return std::span(ids).subspan(at(first), at(size));
-  };
+  const auto slice = [&](IdView ids) { return ids.subspan(at(first), at(size)); };
   for (int s = 0; s < mesh.uvSetCount(); ++s)
     if (const auto& ids = mesh.uvSet(s).cornerIds; !ids.empty())
       appendIds(out, "mu", s, slice(ids));

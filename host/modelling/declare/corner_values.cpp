@@ -21,7 +21,7 @@ Result<void> CornerValues::fault() const {
 void dropUnusedColors(mesh::ColorSet& set) {
   std::vector<Index> newIds(set.colors.size(), kNone);
   for (const Index id : set.cornerIds)
-    if (id != kNone) newIds[static_cast<std::size_t>(id)] = 0;
+    if (id != kNone) newIds[at(id)] = 0;
   std::vector<mesh::Color4f> kept;
   for (std::size_t i = 0; i < newIds.size(); ++i) {
     if (newIds[i] == kNone) continue;
@@ -30,7 +30,7 @@ void dropUnusedColors(mesh::ColorSet& set) {
   }
   set.colors = std::move(kept);
   for (Index& id : set.cornerIds)
-    if (id != kNone) id = newIds[static_cast<std::size_t>(id)];
+    if (id != kNone) id = newIds[at(id)];
   if (set.colors.empty()) set.cornerIds.clear();
 }
 

@@ -61,7 +61,7 @@ FlagTarget targetOf(const std::vector<const Parameter*>& parameters, std::string
       if (names.longName == longName) return {parameter, -1};
       for (int i = 0; i < static_cast<int>(parameter->attribute->children.size()); ++i)
         if ((i < 3 && longName == names.longName + std::string(kAxes[i])) ||
-            longName == parameter->attribute->children[static_cast<std::size_t>(i)]->longName)
+            longName == parameter->attribute->children[at(i)]->longName)
           return {parameter, i};
     }
   return {};
@@ -70,7 +70,7 @@ FlagTarget targetOf(const std::vector<const Parameter*>& parameters, std::string
 /// What a flag's i-th number is when nobody says otherwise.
 std::optional<double> usualNumber(const FlagTarget& target, std::size_t i) {
   const std::vector<AttributePtr>& children = target.parameter->attribute->children;
-  const std::size_t child = target.child < 0 ? i : static_cast<std::size_t>(target.child);
+  const std::size_t child = target.child < 0 ? i : at(target.child);
   if (children.empty() || child >= children.size()) return target.parameter->commandDefault();
   Parameter part;
   part.attribute = children[child];

@@ -241,8 +241,7 @@ Result<void> writeKeys(Node& curve, const KeyCurve& keys) {
                            "keyTanInY", "keyTanOutX", "keyTanOutY"}) {
     const Plug whole = curve.plug(name);
     for (const Index index : graph.elementIndices(whole))
-      if (static_cast<std::size_t>(index) >= count)
-        HOST_TRY(graph.removeElement(whole.element(index), true));
+      if (at(index) >= count) HOST_TRY(graph.removeElement(whole.element(index), true));
   }
   const auto put = [&](const Plug& plug, const dg::Value& value) -> Result<void> {
     const auto before = graph.get(plug);

@@ -17,26 +17,27 @@ using scene::Component;
 using scene::ComponentType;
 
 /// The listed components of a type that the arriving mesh has.
-std::vector<Index> listed(const std::vector<Component>& components, ComponentType type,
-                          Index count) {
-  Component all(type);
+template <AnyId Id>
+std::vector<Id> listed(const std::vector<Component>& components, Index count) {
+  Component all(mesh::kTypeOf<Id>);
   for (const Component& each : components)
-    if (each.type() == type) all.unite(each);
+    if (each.type() == all.type()) all.unite(each);
   std::vector<Index> indices = all.expanded(count);
   std::erase_if(indices, [&](Index index) { return index >= count; });
-  return indices;
+  return copyIds<Id>(indices);
 }
 
 /// The ids after an operation; those that are gone are left out.
-void follow(std::vector<Index>& ids, const std::vector<Index>& map) {
-  for (Index& id : ids) id = map[static_cast<std::size_t>(id)];
+template <class Id>
+void follow(std::vector<Id>& ids, const std::vector<Id>& map) {
+  for (Id& id : ids) id = map[at(id)];
   std::erase(ids, kNone);
 }
 
 Result<void> deleteListed(mesh::Mesh& mesh, const std::vector<Component>& components) {
-  const std::vector<Index> faces = listed(components, ComponentType::Face, mesh.faceCount());
-  std::vector<Index> edges = listed(components, ComponentType::Edge, mesh.edgeCount());
-  std::vector<Index> vertices = listed(components, ComponentType::Vertex, mesh.vertexCount());
+  const auto faces = listed<FaceId>(components, mesh.faceCount());
+  auto edges = listed<EdgeId>(components, mesh.edgeCount());
+  auto vertices = listed<VertexId>(components, mesh.vertexCount());
   if (!faces.empty()) {
     const auto maps = ops::deleteFaces(mesh, faces);
     if (!maps) return failWith(maps.error());

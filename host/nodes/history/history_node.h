@@ -25,7 +25,10 @@ class HistoryContext {
                                        ///< operation that finds it unusable replaces or clears it
 
   /// Says what the operation made, each once; the ids are those of `mesh` as it is now.
-  void makes(scene::ComponentType type, std::vector<Index> ids);
+  template <AnyId Id>
+  void makes(const std::vector<Id>& ids) {
+    makes(mesh::kTypeOf<Id>, copyIds(ids));
+  }
 
   [[nodiscard]] Node& node() const { return block.node(); }
   [[nodiscard]] double real(std::string_view attribute) const {
@@ -59,12 +62,10 @@ class HistoryContext {
 
   /// The input components of a type, ascending; those that the mesh does not have are left out.
   [[nodiscard]] std::vector<Index> components(scene::ComponentType type) const;
-  [[nodiscard]] std::vector<VertexId> vertices() const {
-    return components(scene::ComponentType::Vertex);
-  }
-  [[nodiscard]] std::vector<EdgeId> edges() const { return components(scene::ComponentType::Edge); }
-  [[nodiscard]] std::vector<FaceId> faces() const { return components(scene::ComponentType::Face); }
-  [[nodiscard]] std::vector<UvId> uvs() const { return components(scene::ComponentType::Uv); }
+  [[nodiscard]] std::vector<VertexId> vertices() const { return componentsOf<VertexId>(); }
+  [[nodiscard]] std::vector<EdgeId> edges() const { return componentsOf<EdgeId>(); }
+  [[nodiscard]] std::vector<FaceId> faces() const { return componentsOf<FaceId>(); }
+  [[nodiscard]] std::vector<UvId> uvs() const { return componentsOf<UvId>(); }
   [[nodiscard]] std::vector<scene::Component::VertexFace> vertexFaces() const;
   /// The payload of `inputComponents`: the same one as long as nobody sets it.
   [[nodiscard]] std::shared_ptr<const scene::ComponentListData> componentList() const {
@@ -74,6 +75,11 @@ class HistoryContext {
   [[nodiscard]] bool names(scene::ComponentType type) const;
 
  private:
+  void makes(scene::ComponentType type, std::vector<Index> ids);
+  template <AnyId Id>
+  [[nodiscard]] std::vector<Id> componentsOf() const {
+    return copyIds<Id>(components(mesh::kTypeOf<Id>));
+  }
   [[nodiscard]] const Attribute* find(std::string_view attribute) const;
   [[nodiscard]] std::vector<scene::Component> inputComponents() const;
 };

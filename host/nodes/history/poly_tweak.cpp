@@ -15,8 +15,8 @@ void registerPolyTweak(dg::TypeRegistry& types) {
         if (indices.empty()) return {};
         const std::span<math::Vec3f> points = context.mesh.editPoints();
         for (std::size_t i = 0; i < indices.size(); ++i) {
-          if (static_cast<std::size_t>(indices[i]) >= points.size()) continue;
-          math::Vec3f& point = points[static_cast<std::size_t>(indices[i])];
+          if (at(indices[i]) >= points.size()) continue;
+          math::Vec3f& point = points[at(indices[i])];
           // An offset of zero must not even turn a -0 into a 0.
           if (offsets[i * 3] != 0) point.x = static_cast<float>(point.x + offsets[i * 3]);
           if (offsets[i * 3 + 1] != 0) point.y = static_cast<float>(point.y + offsets[i * 3 + 1]);

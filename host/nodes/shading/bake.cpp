@@ -23,13 +23,12 @@ BakedTexture copied(const Picture& picture, std::optional<double> opacity) {
   baked.width = picture.width;
   baked.height = picture.height;
   baked.rgba.resize(picture.rgba.size());
-  const std::size_t row = 4 * static_cast<std::size_t>(picture.width);
+  const std::size_t row = 4 * at(picture.width);
   const auto alpha = static_cast<std::uint8_t>(std::lround(255 * opacity.value_or(1)));
   Vec3 sum;
   double alphaSum = 0;
-  for (std::size_t y = 0; y < static_cast<std::size_t>(picture.height); ++y) {
-    const std::uint8_t* from =
-        picture.rgba.data() + (static_cast<std::size_t>(picture.height) - 1 - y) * row;
+  for (std::size_t y = 0; y < at(picture.height); ++y) {
+    const std::uint8_t* from = picture.rgba.data() + (at(picture.height) - 1 - y) * row;
     std::uint8_t* to = baked.rgba.data() + y * row;
     for (std::size_t x = 0; x < row; x += 4) {
       for (std::size_t channel = 0; channel < 3; ++channel) {
@@ -61,8 +60,7 @@ BakedTexture bake(ShadeNetwork& network, const ShadeNetwork::Color& color,
   }
   BakedTexture baked;
   baked.width = baked.height = sideFor(network);
-  baked.rgba.resize(std::size_t{4} * static_cast<std::size_t>(baked.width) *
-                    static_cast<std::size_t>(baked.height));
+  baked.rgba.resize(std::size_t{4} * at(baked.width) * at(baked.height));
   std::uint8_t* to = baked.rgba.data();
   Vec3 sum;
   double opacitySum = 0;

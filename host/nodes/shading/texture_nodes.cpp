@@ -50,7 +50,7 @@ bool isOutside(const ShadeInputs& in) {
 void balance(const ShadeInputs& in, Vec3 color, double alpha, std::span<double> out) {
   if (isOutside(in)) {
     const Vec3 outside = in.color(10);
-    for (int i = 0; i < 3; ++i) out[static_cast<std::size_t>(i)] = outside[i];
+    for (int i = 0; i < 3; ++i) out[at(i)] = outside[i];
     out[3] = 0;
     return;
   }
@@ -58,7 +58,7 @@ void balance(const ShadeInputs& in, Vec3 color, double alpha, std::span<double> 
   if (in.values[13] != 0) color = Vec3{1, 1, 1} - color;
   for (int i = 0; i < 3; ++i) color[i] = color[i] * gain[i] + offset[i];
   if (in.values[14] != 0) alpha = luminance(color);
-  for (int i = 0; i < 3; ++i) out[static_cast<std::size_t>(i)] = color[i];
+  for (int i = 0; i < 3; ++i) out[at(i)] = color[i];
   out[3] = alpha * in.values[8] + in.values[9];
 }
 
@@ -169,8 +169,8 @@ struct Texel {
 
 Texel texelAt(const Picture& picture, int x, int y) {
   const auto wrap = [](int at, int size) { return ((at % size) + size) % size; };
-  const std::size_t row = static_cast<std::size_t>(picture.height - 1 - wrap(y, picture.height));
-  const auto column = static_cast<std::size_t>(wrap(x, picture.width));
+  const std::size_t row = at(picture.height - 1 - wrap(y, picture.height));
+  const auto column = at(wrap(x, picture.width));
   const std::uint8_t* at =
       picture.rgba.data() + 4 * (row * static_cast<std::size_t>(picture.width) + column);
   return {{linearOfLevel(at[0]), linearOfLevel(at[1]), linearOfLevel(at[2])}, at[3] / 255.0};

@@ -52,9 +52,9 @@ class Arrangement {
   [[nodiscard]] const mesh::Mesh& mesh() const { return *mesh_; }
   [[nodiscard]] const ExactPoints& points() const { return points_; }
   [[nodiscard]] int sideOf(FaceId face) const { return face < secondFrom_ ? 0 : 1; }
-  [[nodiscard]] FaceId firstFace(int side) const { return side == 0 ? 0 : secondFrom_; }
+  [[nodiscard]] FaceId firstFace(int side) const { return side == 0 ? FaceId(0) : secondFrom_; }
   [[nodiscard]] FaceId endFace(int side) const {
-    return side == 0 ? secondFrom_ : mesh_->faceCount();
+    return side == 0 ? secondFrom_ : FaceId(mesh_->faceCount());
   }
   [[nodiscard]] const BoxTree& tree(int side) const { return trees_[side]; }
 

@@ -194,7 +194,7 @@ ExactPlane Arrangement::planeOf(const Line& line, Index in) const {
     const GridVector n = normalOf(other);
     return planeThrough(points_.grid(other.points[0]), {n[0], n[1], n[2]});
   }
-  const auto i = static_cast<std::size_t>(line.edge);
+  const auto i = at(line.edge);
   const GridPoint &a = points_.grid(other.points[i]), &b = points_.grid(other.points[after(i)]);
   const GridVector n = normalOf(own);
   std::array<ExactInteger, 3> across;

@@ -50,8 +50,7 @@ Int128 orient3d(const GridPoint& a, const GridPoint& b, const GridPoint& c, cons
 }
 
 Int128 orient2d(const GridPoint& a, const GridPoint& b, const GridPoint& c, int axis) {
-  const auto i = static_cast<std::size_t>((axis + 1) % 3),
-             j = static_cast<std::size_t>((axis + 2) % 3);
+  const auto i = at((axis + 1) % 3), j = at((axis + 2) % 3);
   return Int128{b[i] - a[i]} * (c[j] - a[j]) - Int128{b[j] - a[j]} * (c[i] - a[i]);
 }
 
@@ -161,8 +160,8 @@ int ExactPoints::turn(PointId a, PointId b, PointId c, int axis) const {
   const double reach = std::abs(ux) + std::abs(uy) + std::abs(vx) + std::abs(vy) + 1;
   if (std::abs(area) > 1e-5 * reach) return area > 0 ? 1 : -1;
   const ExactPoint e[3] = {exact(a), exact(b), exact(c)};
-  const auto x = [&](int k) -> const ExactInteger& { return e[k].x[static_cast<std::size_t>(i)]; };
-  const auto y = [&](int k) -> const ExactInteger& { return e[k].x[static_cast<std::size_t>(j)]; };
+  const auto x = [&](int k) -> const ExactInteger& { return e[k].x[at(i)]; };
+  const auto y = [&](int k) -> const ExactInteger& { return e[k].x[at(j)]; };
   const ExactInteger sum = e[0].w * (x(1) * y(2) - y(1) * x(2)) +
                            e[1].w * (x(2) * y(0) - y(2) * x(0)) +
                            e[2].w * (x(0) * y(1) - y(0) * x(1));
@@ -173,7 +172,7 @@ int ExactPoints::compare(PointId a, PointId b, int axis) const {
   const double step = near_[at(b)][axis] - near_[at(a)][axis];
   if (std::abs(step) > 1e-5) return step > 0 ? -1 : 1;
   const ExactPoint p = exact(a), q = exact(b);
-  const auto i = static_cast<std::size_t>(axis);
+  const auto i = at(axis);
   return (p.x[i] * q.w - q.x[i] * p.w).sign();
 }
 

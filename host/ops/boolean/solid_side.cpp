@@ -35,8 +35,8 @@ ExactPoint exactMiddle(const ExactPoints& points, const std::array<PointId, 3>& 
 SolidSide::SolidSide(Arrangement& arrangement, int side) : arrangement_(arrangement), side_(side) {
   findClosed();
   if (isClosed_ || arrangement.firstFace(side) == arrangement.endFace(side)) return;
-  std::vector<std::uint8_t> keep(at(arrangement.mesh().faceCount()), 0);
-  for (FaceId f = arrangement.firstFace(side); f < arrangement.endFace(side); ++f) keep[at(f)] = 1;
+  PerElement<FaceId, std::uint8_t> keep(arrangement.mesh().faceCount(), 0);
+  for (FaceId f = arrangement.firstFace(side); f < arrangement.endFace(side); ++f) keep[f] = 1;
   open_ = mesh::keepFaces(arrangement.mesh(), keep).mesh;
   nearest_ = std::make_unique<spatial::Accelerator>(open_);
 }
@@ -45,22 +45,22 @@ void SolidSide::findClosed() {
   const mesh::Mesh& mesh = arrangement_.mesh();
   const ExactPoints& points = arrangement_.points();
   // Most edges cancel out as they are; the others may by where they lie.
-  std::vector<int> sums(at(mesh.edgeCount()), 0);
+  PerElement<EdgeId, int> sums(mesh.edgeCount(), 0);
   double volume = 0;
   for (FaceId f = arrangement_.firstFace(side_); f < arrangement_.endFace(side_); ++f) {
     const auto vertices = mesh.faceVertices(f);
     const auto edges = mesh.faceEdges(f);
     for (std::size_t i = 0; i < vertices.size(); ++i)
-      sums[at(edges[i])] += mesh.edge(edges[i]).a == vertices[i] ? 1 : -1;
+      sums[edges[i]] += mesh.edge(edges[i]).a == vertices[i] ? 1 : -1;
     const auto place = [&](std::size_t i) { return points.near(points.ofVertex(vertices[i])); };
     for (std::size_t i = 2; i < vertices.size(); ++i)
       volume += dot(place(0), cross(place(i - 1), place(i)));
   }
   std::unordered_map<std::uint64_t, int> byPlace;
   for (EdgeId e = 0; e < mesh.edgeCount(); ++e) {
-    if (sums[at(e)] == 0) continue;
+    if (sums[e] == 0) continue;
     const PointId a = points.ofVertex(mesh.edge(e).a), b = points.ofVertex(mesh.edge(e).b);
-    if (a != b) byPlace[Arrangement::pairKey(a, b)] += a < b ? sums[at(e)] : -sums[at(e)];
+    if (a != b) byPlace[Arrangement::pairKey(a, b)] += a < b ? sums[e] : -sums[e];
   }
   isClosed_ = true;
   for (const auto& [edge, sum] : byPlace) isClosed_ = isClosed_ && sum == 0;

@@ -11,14 +11,13 @@ namespace {
 
 // Vertex and UV numbers of one of the two sides, by (row from below, column); column 0 is at the
 // side's left as seen from outside.
+template <class Id>
 struct SideGrid {
   int rows = 0, columns = 0;
-  std::vector<Index> ids;
+  std::vector<Id> ids;
   SideGrid(int rowsIn, int columnsIn)
-      : rows(rowsIn),
-        columns(columnsIn),
-        ids(static_cast<std::size_t>((rows + 1) * (columns + 1)), kNone) {}
-  Index& at(int r, int c) { return ids[static_cast<std::size_t>(r * (columns + 1) + c)]; }
+      : rows(rowsIn), columns(columnsIn), ids(host::at((rows + 1) * (columns + 1)), kNone) {}
+  Id& at(int r, int c) { return ids[host::at(r * (columns + 1) + c)]; }
 };
 
 class CubeMaker {
@@ -32,8 +31,8 @@ class CubeMaker {
 
   Mesh make() {
     addWrapPoints();
-    SideGrid right = addSidePoints(true);
-    SideGrid left = addSidePoints(false);
+    SideGrid<VertexId> right = addSidePoints(true);
+    SideGrid<VertexId> left = addSidePoints(false);
     addWrapEdges();
     addSideEdges(right);
     addSideEdges(left);
@@ -81,8 +80,8 @@ class CubeMaker {
   }
 
   // Rim vertices come from the wrapped rows' first or last column, inner ones are new.
-  SideGrid addSidePoints(bool isRight) {
-    SideGrid grid(sh_, sd_);
+  SideGrid<VertexId> addSidePoints(bool isRight) {
+    SideGrid<VertexId> grid(sh_, sd_);
     const int column = isRight ? sw_ : 0;
     for (int r = 0; r <= sh_; ++r)
       for (int c = 0; c <= sd_; ++c) {
@@ -113,7 +112,7 @@ class CubeMaker {
         builder_.addEdge(wrapVertex(row, c), wrapVertex(row + 1, c), c != 0 && c != sw_);
   }
 
-  void addSideEdges(SideGrid& grid) {
+  void addSideEdges(SideGrid<VertexId>& grid) {
     for (int r = 1; r < sh_; ++r)
       for (int c = 0; c < sd_; ++c) builder_.addEdge(grid.at(r, c), grid.at(r, c + 1), true);
     for (int r = 0; r < sh_; ++r)
@@ -135,13 +134,13 @@ class CubeMaker {
       const bool alongHeight = row < sh_ || (row >= sh_ + sd_ && row < 2 * sh_ + sd_);
       v += (alongHeight ? o_.height / sh_ : o_.depth / sd_) * scaleV;
     }
-    const auto addSide = [&](SideGrid& grid, bool isRight) {
+    const auto addSide = [&](SideGrid<UvId>& grid, bool isRight) {
       for (int r = 0; r <= sh_; ++r)
         for (int c = 0; c <= sd_; ++c) {
           const bool isShared = c == (isRight ? 0 : sd_);
           const double u = isRight ? originU + (o_.width + o_.depth * c / sd_) * scaleU
                                    : originU - o_.depth * (sd_ - c) / sd_ * scaleU;
-          grid.at(r, c) = isShared ? r * (sw_ + 1) + (isRight ? sw_ : 0)
+          grid.at(r, c) = isShared ? UvId(r * (sw_ + 1) + (isRight ? sw_ : 0))
                                    : builder_.addUv(u, o_.height * r / sh_ * scaleV);
         }
     };
@@ -162,8 +161,8 @@ class CubeMaker {
       }
   }
 
-  void addSideFaces(SideGrid& grid, SideGrid& uvs) {
-    const auto cell = [](SideGrid& g, int r, int c) {
+  void addSideFaces(SideGrid<VertexId>& grid, SideGrid<UvId>& uvs) {
+    const auto cell = [](auto& g, int r, int c) {
       return std::array{g.at(r, c), g.at(r, c + 1), g.at(r + 1, c + 1), g.at(r + 1, c)};
     };
     for (int r = 0; r < sh_; ++r)
@@ -176,7 +175,7 @@ class CubeMaker {
   }
 
   // A unit square of its own for each of the six sides.
-  void addFacesWithSeparateUvs(SideGrid& right, SideGrid& left) {
+  void addFacesWithSeparateUvs(SideGrid<VertexId>& right, SideGrid<VertexId>& left) {
     int firstRow = 0;
     for (const int rows : {sh_, sd_, sh_, sd_}) {
       const UvId first = addUnitSquare(rows, sw_);
@@ -190,8 +189,8 @@ class CubeMaker {
         }
       firstRow += rows;
     }
-    for (SideGrid* grid : {&right, &left}) {
-      SideGrid uvs(sh_, sd_);
+    for (SideGrid<VertexId>* grid : {&right, &left}) {
+      SideGrid<UvId> uvs(sh_, sd_);
       UvId next = addUnitSquare(sh_, sd_);
       for (UvId& id : uvs.ids) id = next++;
       addSideFaces(*grid, uvs);
@@ -208,7 +207,7 @@ class CubeMaker {
   const CubeOptions& o_;
   const int sw_, sh_, sd_, wrapRows_;
   PrimitiveBuilder builder_;
-  SideGrid rightUvs_{sh_, sd_}, leftUvs_{sh_, sd_};
+  SideGrid<UvId> rightUvs_{sh_, sd_}, leftUvs_{sh_, sd_};
 };
 
 }  // namespace

@@ -61,12 +61,10 @@ void addLathe(PrimitiveBuilder& builder, const LatheProfile& profile) {
 
   for (int j = 0; j < rings; ++j)
     for (int i = 0; i < n; ++i)
-      builder.addEdge(j * n + i, j * n + (i + 1) % n,
-                      profile.rings[static_cast<std::size_t>(j)].isSmooth);
+      builder.addEdge(j * n + i, j * n + (i + 1) % n, profile.rings[at(j)].isSmooth);
   for (int j = 0; j + 1 < rings; ++j)
     for (int i = 0; i < n; ++i)
-      builder.addEdge(j * n + i, (j + 1) * n + i,
-                      profile.bands[static_cast<std::size_t>(j)].areVerticalsSmooth);
+      builder.addEdge(j * n + i, (j + 1) * n + i, profile.bands[at(j)].areVerticalsSmooth);
   for (int i = 0; hasBottomPole && i < n; ++i)
     builder.addEdge(bottomPole, i, profile.bottom.areSpokesSmooth);
   for (int i = 0; hasTopPole && i < n; ++i)
@@ -75,7 +73,7 @@ void addLathe(PrimitiveBuilder& builder, const LatheProfile& profile) {
   const bool isBottomFirst = !hasBottomPole && profile.bottom.isFirst;
   if (isBottomFirst) addPolygonEnd(builder, profile, profile.bottom, false);
   for (int j = 0; j + 1 < rings; ++j) {
-    const auto& band = profile.bands[static_cast<std::size_t>(j)];
+    const auto& band = profile.bands[at(j)];
     for (int i = 0; i < n; ++i) {
       const VertexId a = j * n + i, b = j * n + (i + 1) % n;
       if (!profile.hasUvs)

@@ -43,9 +43,9 @@ Result<Mesh> makePlane(const PlaneOptions& options) {
   for (int row = 0; row < sh; ++row)
     for (int c = 0; c < sw; ++c) {
       const VertexId low = row * (sw + 1) + c, high = low + sw + 1;
-      const std::initializer_list<Index> loop{low, low + 1, high + 1, high};
+      const std::array<VertexId, 4> loop{low, low + 1, high + 1, high};
       if (options.createUVs != 0)
-        builder.addFace(loop, loop);
+        builder.addFace(loop, viewIds<UvId>(loop));  // a UV at each vertex
       else
         builder.addFace(loop, {});
     }

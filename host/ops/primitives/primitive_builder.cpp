@@ -49,8 +49,8 @@ void PrimitiveBuilder::findFaceEdges() {
   topology_.cornerEdges.resize(topology_.cornerVertices.size());
   for (std::size_t f = 0; f + 1 < topology_.faceOffsets.size(); ++f) {
     pollCancel(f);
-    const auto begin = static_cast<std::size_t>(topology_.faceOffsets[f]);
-    const auto end = static_cast<std::size_t>(topology_.faceOffsets[f + 1]);
+    const auto begin = at(topology_.faceOffsets[f]);
+    const auto end = at(topology_.faceOffsets[f + 1]);
     for (std::size_t c = begin; c < end; ++c) {
       const VertexId next = topology_.cornerVertices[c + 1 < end ? c + 1 : begin];
       const EdgeId edge = table.find(topology_.cornerVertices[c], next);

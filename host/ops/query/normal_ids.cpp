@@ -7,18 +7,18 @@ NormalIds numberNormals(const mesh::Mesh& mesh) {
   NormalIds result;
   result.ofCorner.resize(normals.size());
   // The normals met at a vertex hang in a chain, newest first.
-  std::vector<Index> newest(static_cast<std::size_t>(mesh.vertexCount()), kNone);
+  PerElement<VertexId, Index> newest(mesh.vertexCount(), kNone);
   std::vector<Index> older;
   for (std::size_t c = 0; c < normals.size(); ++c) {
     const auto corner = static_cast<CornerId>(c);
-    Index& head = newest[static_cast<std::size_t>(mesh.cornerVertex(corner))];
+    Index& head = newest[mesh.cornerVertex(corner)];
     Index id = head;
     while (id != kNone) {
-      const CornerId known = result.corners[static_cast<std::size_t>(id)];
-      if (normals[static_cast<std::size_t>(known)] == normals[c] &&
+      const CornerId known = result.corners[at(id)];
+      if (normals[at(known)] == normals[c] &&
           mesh.isNormalLocked(known) == mesh.isNormalLocked(corner))
         break;
-      id = older[static_cast<std::size_t>(id)];
+      id = older[at(id)];
     }
     if (id == kNone) {
       id = result.count();

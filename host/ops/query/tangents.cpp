@@ -21,7 +21,7 @@ struct Gradient {
 
 Gradient gradientAt(const Mesh& mesh, const mesh::UvSet& uvs, CornerId before, CornerId corner,
                     CornerId after) {
-  const auto uv = [&](CornerId c) { return uvs.points[at(uvs.cornerIds[at(c)])]; };
+  const auto uv = [&](CornerId c) { return uvs.points[at(uvs.cornerIds[c])]; };
   const Vec3 p = mesh.point(mesh.cornerVertex(corner));
   const Vec3 a = mesh.point(mesh.cornerVertex(after)) - p;
   const Vec3 b = mesh.point(mesh.cornerVertex(before)) - p;
@@ -64,7 +64,7 @@ CornerTangents computeTangents(const Mesh& mesh, int uvSet) {
     if (uvs.cornerIds[c] == kNone) continue;
     Vec3 sum;
     for (const CornerId other : adjacency.vertexCorners(mesh.cornerVertex(static_cast<Index>(c))))
-      if (uvs.cornerIds[at(other)] == uvs.cornerIds[c] &&
+      if (uvs.cornerIds[other] == uvs.cornerIds[c] &&
           normalIds.ofCorner[at(other)] == normalIds.ofCorner[c] &&
           result.isRightHanded[at(other)] == result.isRightHanded[c])
         sum += along[at(other)];

@@ -16,8 +16,8 @@ inline constexpr float kInfinitelySharp = std::numeric_limits<float>::infinity()
 /// by `isDivided`.
 struct SubdivisionChannel {
   std::span<const CornerId> faceOffsets;
-  std::span<const Index> cornerPoints;        ///< -1 in faces without the channel
-  std::span<const Index> cornerEdges;         ///< -1 where an edge is not divided
+  IdView cornerPoints;                        ///< -1 in faces without the channel
+  IdView cornerEdges;                         ///< -1 where an edge is not divided
   std::span<const std::uint8_t> isDivided;    ///< one a face
   std::span<const mesh::EdgeVertices> edges;  ///< in points of the channel
   std::vector<float> edgeSharpness;    ///< 0 smooth, kInfinitelySharp never smoothed; edges without

@@ -130,10 +130,10 @@ class Smoother {
     }
   };
   [[nodiscard]] std::vector<Uses> edgeUses() const {
-    std::vector<Uses> uses(at(mesh_.edgeCount()));
+    PerElement<EdgeId, Uses> uses(mesh_.edgeCount());
     for (FaceId f = 0; f < mesh_.faceCount(); ++f)
       for (const EdgeId e : mesh_.faceEdges(f))
-        Uses::count(isDivided_[at(f)] != 0 ? uses[at(e)].listed : uses[at(e)].others);
+        Uses::count(isDivided_[at(f)] != 0 ? uses[e].listed : uses[e].others);
     return uses;
   }
 
@@ -160,7 +160,7 @@ class Smoother {
     channel.isPinned = isPinned_;
     const std::vector<Uses> uses = edgeUses();
     for (EdgeId e = 0; e < mesh_.edgeCount(); ++e) {
-      const Uses& use = uses[at(e)];
+      const Uses& use = uses[e];
       if (use.listed == 0 || use.listed == 2) continue;
       const bool stays = use.others > 0 ? options_.keepSelectionBorder : options_.keepBorder;
       if (stays) channel.isPinned[at(mesh_.edge(e).a)] = channel.isPinned[at(mesh_.edge(e).b)] = 1;
@@ -193,28 +193,29 @@ class Smoother {
     complex.cornerEdges.assign(at(mesh_.cornerCount()), kNone);
     complex.edges.reserve(at(mesh_.edgeCount()));
     complex.edgeParents.reserve(at(mesh_.edgeCount()));
-    std::vector<EdgeId> newest(at(mesh_.edgeCount()), kNone), older;
+    PerElement<EdgeId, EdgeId> newest(mesh_.edgeCount(), kNone), older;
     older.reserve(at(mesh_.edgeCount()));
     for (FaceId f = 0; f < mesh_.faceCount(); ++f) {
       const CornerId first = mesh_.firstCorner(f), end = mesh_.firstCorner(f + 1);
-      if (set.cornerIds[at(first)] < 0) continue;
+      if (set.cornerIds[first] < 0) continue;
       for (CornerId c = first; c < end; ++c) {
         const EdgeId e = mesh_.cornerEdge(c);
         if (next.isEdgeDivided[at(e)] == 0) continue;
         const bool isForward = mesh_.edge(e).a == mesh_.cornerVertex(c);
-        const UvId here = set.cornerIds[at(c)],
-                   after = set.cornerIds[at(c + 1 < end ? c + 1 : first)];
-        const mesh::EdgeVertices ends{isForward ? here : after, isForward ? after : here};
-        EdgeId found = newest[at(e)];
+        const UvId here = set.cornerIds[c], after = set.cornerIds[c + 1 < end ? c + 1 : first];
+        // Edges of the channel join points of the channel.
+        const mesh::EdgeVertices ends{VertexId(Index(isForward ? here : after)),
+                                      VertexId(Index(isForward ? after : here))};
+        EdgeId found = newest[e];
         while (found != kNone && !(complex.edges[at(found)] == ends)) found = older[at(found)];
         if (found == kNone) {
           found = static_cast<EdgeId>(complex.edges.size());
           complex.edges.push_back(ends);
           complex.edgeParents.push_back(e);
-          older.push_back(newest[at(e)]);
-          newest[at(e)] = found;
+          older.push_back(newest[e]);
+          newest[e] = found;
         }
-        complex.cornerEdges[at(c)] = found;
+        complex.cornerEdges[c] = found;
       }
     }
     return complex;
@@ -230,21 +231,21 @@ class Smoother {
     const std::size_t oldCount = set.points.size();
     std::size_t kept = oldCount + complex.edges.size();
     const std::size_t firstFace = kept;
-    std::vector<UvId> faceUvs(at(mesh_.faceCount()), kNone);
+    PerElement<FaceId, UvId> faceUvs(mesh_.faceCount(), kNone);
     for (FaceId f = 0; f < mesh_.faceCount(); ++f) {
-      if (isDivided_[at(f)] == 0 || set.cornerIds[at(mesh_.firstCorner(f))] < 0) continue;
-      faceUvs[at(f)] = static_cast<UvId>(kept);
+      if (isDivided_[at(f)] == 0 || set.cornerIds[mesh_.firstCorner(f)] < 0) continue;
+      faceUvs[f] = static_cast<UvId>(kept);
       result.points[kept++] = result.points[firstFace + at(f)];
     }
     result.points.resize(kept);
     result.cornerIds.reserve(next.topology.cornerVertices.size());
     forEachSmoothCorner(mesh_, isDivided_, next.isEdgeDivided,
                         [&](const SmoothCorner& corner, bool) {
-                          UvId id = faceUvs[at(corner.face)];
+                          UvId id = faceUvs[corner.face];
                           if (corner.kind == SmoothCorner::Kind::Corner)
-                            id = set.cornerIds[at(corner.corner)];
+                            id = set.cornerIds[corner.corner];
                           if (corner.kind == SmoothCorner::Kind::Edge) {
-                            const EdgeId edge = complex.cornerEdges[at(corner.corner)];
+                            const EdgeId edge = complex.cornerEdges[corner.corner];
                             id = edge == kNone ? kNone : static_cast<UvId>(oldCount) + edge;
                           }
                           result.cornerIds.push_back(id);
@@ -267,7 +268,7 @@ class Smoother {
     if (!mesh_.creases().vertices.empty()) {
       channel.pointSharpness.assign(set.points.size(), 0);
       for (CornerId c = 0; c < mesh_.cornerCount(); ++c)
-        if (const UvId id = set.cornerIds[at(c)]; id >= 0)
+        if (const UvId id = set.cornerIds[c]; id >= 0)
           channel.pointSharpness[at(id)] =
               sharpnessOfCrease(mesh_.vertexCrease(mesh_.cornerVertex(c)));
     }
@@ -279,8 +280,8 @@ class Smoother {
     std::vector<Uses> uses(complex.edges.size());
     for (FaceId f = 0; f < mesh_.faceCount(); ++f)
       for (CornerId c = mesh_.firstCorner(f); c < mesh_.firstCorner(f + 1); ++c)
-        if (const EdgeId e = complex.cornerEdges[at(c)]; e != kNone)
-          Uses::count(isDivided_[at(f)] != 0 ? uses[at(e)].listed : uses[at(e)].others);
+        if (const EdgeId e = complex.cornerEdges[c]; e != kNone)
+          Uses::count(isDivided_[at(f)] != 0 ? uses[e].listed : uses[e].others);
     for (std::size_t e = 0; e < complex.edges.size(); ++e) {
       if (uses[e].listed == 2) continue;
       const bool stays =

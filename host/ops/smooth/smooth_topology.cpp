@@ -84,10 +84,10 @@ class TopologyDivider {
 
   // A face that walks an edge twice has one edge from its middle to the centre.
   void findRepeatedWalks() {
-    std::vector<CornerId> newest(at(mesh_.edgeCount()), kNone);
+    PerElement<EdgeId, CornerId> newest(mesh_.edgeCount(), kNone);
     for (FaceId f = 0; f < mesh_.faceCount(); ++f)
       for (CornerId c = mesh_.firstCorner(f); c < mesh_.firstCorner(f + 1); ++c) {
-        CornerId& last = newest[at(mesh_.cornerEdge(c))];
+        CornerId& last = newest[mesh_.cornerEdge(c)];
         if (last >= mesh_.firstCorner(f))
           firstWalks_[c] = last;
         else

@@ -48,12 +48,10 @@ void forEachSmoothCorner(const mesh::Mesh& mesh, std::span<const std::uint8_t> i
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
     const CornerId first = mesh.firstCorner(f), end = mesh.firstCorner(f + 1);
     const Index n = end - first;
-    if (isDivided[static_cast<std::size_t>(f)] == 0) {
+    if (isDivided[at(f)] == 0) {
       for (CornerId c = first; c < end; ++c) {
         body(SmoothCorner{Kind::Corner, f, c}, c == first);
-        if (isEdgeDivided[static_cast<std::size_t>(old.cornerEdges[static_cast<std::size_t>(c)])] !=
-            0)
-          body(SmoothCorner{Kind::Edge, f, c}, false);
+        if (isEdgeDivided[at(old.cornerEdges[c])] != 0) body(SmoothCorner{Kind::Edge, f, c}, false);
       }
       continue;
     }

@@ -148,7 +148,7 @@ Result<Mesh> createPolygon(std::span<const math::Vec3> points) {
   for (const math::Vec3& p : flat)
     set.points.push_back(
         {static_cast<float>((p.x - lowU) * scale), static_cast<float>((p.y - lowV) * scale)});
-  set.cornerIds = loop;
+  set.cornerIds = copyIds<UvId>(loop);
   return mesh;
 }
 

@@ -94,9 +94,7 @@ class BevelCorners {
                  : std::span<const VertexId>();
   }
   [[nodiscard]] Range stored(std::span<const VertexId> vertices);
-  [[nodiscard]] bool isBevelled(EdgeId e) const {
-    return isBevelled_[static_cast<std::size_t>(e)] != 0;
-  }
+  [[nodiscard]] bool isBevelled(EdgeId e) const { return isBevelled_[at(e)] != 0; }
 
   [[nodiscard]] bool canBevel(EdgeId e) const;
   [[nodiscard]] math::Vec3 pointOf(VertexId v) const;

@@ -12,10 +12,6 @@ namespace {
 
 using math::Vec3;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Adds the corners of a face as they count at a place near one of its corners: the place in terms
 /// of the two edges there.
 void addPlace(const Mesh& mesh, const BevelCorners& corners, CornerId c, VertexId vertex,
@@ -64,7 +60,7 @@ class Beveller {
     mesh::Rebuilt rebuilt = rebuilder_.finish({.dropUnusedVertices = true});
     BevelledMesh built;
     for (VertexId v = mesh_.vertexCount(); v-- > 0 && built.firstNew == 0;)
-      built.firstNew = rebuilt.vertexMap[at(v)] + 1;
+      built.firstNew = rebuilt.vertexMap[v] + 1;
     built.added.assign(rebuilt.vertexMap.begin() + mesh_.vertexCount(), rebuilt.vertexMap.end());
     rebuilt.vertexMap.resize(at(mesh_.vertexCount()));
     result.maps.vertices = std::move(rebuilt.vertexMap);

@@ -14,21 +14,17 @@ using math::Vec3;
 
 constexpr std::size_t kGrain = 2048;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// How large a mesh's faces are in a UV set, for lengths; 1 without any area.
 double uvScale(const Mesh& mesh, const mesh::UvSet& set) {
   double area = 0, uvArea = 0;
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
     pollCancel(f);
     const CornerId first = mesh.firstCorner(f), end = mesh.firstCorner(f + 1);
-    if (set.cornerIds[at(first)] < 0) continue;
+    if (set.cornerIds[first] < 0) continue;
     double twice = 0;
     for (CornerId c = first; c < end; ++c) {
-      const auto a = set.points[at(set.cornerIds[at(c)])],
-                 b = set.points[at(set.cornerIds[at(c + 1 < end ? c + 1 : first)])];
+      const auto a = set.points[at(set.cornerIds[c])],
+                 b = set.points[at(set.cornerIds[c + 1 < end ? c + 1 : first])];
       twice += static_cast<double>(a.u) * b.v - static_cast<double>(b.u) * a.v;
     }
     uvArea += 0.5 * std::abs(twice);
@@ -67,11 +63,11 @@ BevelUvs::BevelUvs(const Mesh& before, BevelledMesh& built, bool projects) {
       mesh::UvSet& set = built.mesh.editUvSet(s);
       for (const auto* faces : {&built.result.strips, &built.result.caps})
         for (const FaceId f : *faces) {
-          if (set.cornerIds[at(built.mesh.firstCorner(f))] < 0) continue;
+          if (set.cornerIds[built.mesh.firstCorner(f)] < 0) continue;
           made.projected.push_back(f);
           for (CornerId c = built.mesh.firstCorner(f); c < built.mesh.firstCorner(f + 1); ++c) {
-            made.joined.push_back(set.cornerIds[at(c)]);
-            set.cornerIds[at(c)] = static_cast<UvId>(set.points.size());
+            made.joined.push_back(set.cornerIds[c]);
+            set.cornerIds[c] = static_cast<UvId>(set.points.size());
             set.points.emplace_back();
           }
         }
@@ -105,8 +101,8 @@ void BevelUvs::place(const Mesh& before, const BevelledMesh& built, const BevelC
       const math::Frame frame = frameOf(mesh, f);
       for (CornerId c = first; c < end; ++c) {
         const Vec3 p = frame.toLocal(mesh.point(mesh.cornerVertex(c)));
-        set.points[at(set.cornerIds[at(c)])] = {static_cast<float>(u + p.x * made.scale),
-                                                static_cast<float>(v + p.y * made.scale)};
+        set.points[at(set.cornerIds[c])] = {static_cast<float>(u + p.x * made.scale),
+                                            static_cast<float>(v + p.y * made.scale)};
       }
     }
   }

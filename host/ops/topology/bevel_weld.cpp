@@ -6,13 +6,7 @@
 #include "host/ops/topology/weld.h"
 
 namespace host::ops {
-namespace {
-
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
-}  // namespace
+namespace {}  // namespace
 
 void WeldedBevel::follow(const Mesh& open, Mesh& placed) const {
   const auto from = open.points();
@@ -51,7 +45,7 @@ std::vector<Index> joinedVertices(const Mesh& open, VertexId firstNew,
 std::shared_ptr<WeldedBevel> weldBevel(const BevelledMesh& built, const BevelUvs& uvs,
                                        const Mesh& open, std::vector<Index> targets) {
   const auto made = std::make_shared<WeldedBevel>();
-  std::vector<VertexId> all(at(open.vertexCount()));
+  PerElement<VertexId, VertexId> all(open.vertexCount());
   std::iota(all.begin(), all.end(), 0);
   for (std::size_t i = 0; i < targets.size(); ++i)
     all[at(built.firstNew) + i] = built.firstNew + targets[i];
@@ -72,10 +66,6 @@ std::shared_ptr<WeldedBevel> weldBevel(const BevelledMesh& built, const BevelUvs
   }
   made->targets = std::move(targets);
   BevelEdgesResult result = built.result;
-  const auto follow = [](std::vector<Index>& ids, const std::vector<Index>& map) {
-    for (Index& id : ids)
-      if (id != kNone) id = map[at(id)];
-  };
   follow(result.maps.vertices, welded.vertices);
   follow(result.maps.edges, welded.edges);
   follow(result.maps.faces, welded.faces);

@@ -18,9 +18,8 @@ void collapseUvs(mesh::UvSet& set, const Mesh& mesh, std::span<const EdgeId> edg
   for (const EdgeId e : edges)
     for (const CornerId c : mesh.adjacency().edgeCorners(e)) {
       const FaceId f = mesh.adjacency().cornerFace(c);
-      const UvId a = set.cornerIds[at(c)];
-      const UvId b =
-          set.cornerIds[at(c + 1 < mesh.firstCorner(f + 1) ? c + 1 : mesh.firstCorner(f))];
+      const UvId a = set.cornerIds[c];
+      const UvId b = set.cornerIds[c + 1 < mesh.firstCorner(f + 1) ? c + 1 : mesh.firstCorner(f)];
       if (a < 0 || b < 0) continue;
       joined.join(a, b);
       touched.push_back(a);
@@ -77,7 +76,7 @@ Result<CollapseResult> collapseEdges(Mesh& mesh, std::span<const EdgeId> edges) 
     sum += mesh.point(v);
     ++count;
   }
-  std::vector<VertexId> targets(at(mesh.vertexCount()));
+  PerElement<VertexId, VertexId> targets(mesh.vertexCount());
   for (std::size_t v = 0; v < targets.size(); ++v)
     targets[v] = joined.lowest(static_cast<VertexId>(v));
 

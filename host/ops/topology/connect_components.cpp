@@ -26,8 +26,7 @@ class Connector {
     const std::vector<CutCorner> loop = cutter_.loop(f);
     std::vector<std::size_t> points;
     for (std::size_t i = 0; i < loop.size(); ++i)
-      if (loop[i].vertex >= mesh_.vertexCount() ||
-          isListed_[static_cast<std::size_t>(loop[i].vertex)] != 0)
+      if (loop[i].vertex >= mesh_.vertexCount() || isListed_[at(loop[i].vertex)] != 0)
         points.push_back(i);
     if (points.size() < 2)
       cutter_.setFace(f, loop);
@@ -39,9 +38,7 @@ class Connector {
 
   [[nodiscard]] bool mayHavePoints(FaceId f) const {
     const auto loop = mesh_.faceVertices(f);
-    const auto isListed = [this](VertexId v) {
-      return isListed_[static_cast<std::size_t>(v)] != 0;
-    };
+    const auto isListed = [this](VertexId v) { return isListed_[at(v)] != 0; };
     return cutter_.hasCut(f) || std::any_of(loop.begin(), loop.end(), isListed);
   }
 

@@ -32,8 +32,7 @@ Result<DeleteEdgesResult> deleteEdges(Mesh& mesh, std::span<const EdgeId> edges,
   if (options.cleanVertices)
     for (const VertexId v : sortedIds(ends)) joiner.removeWingedVertex(v);
   result.maps = joiner.finish(mesh);
-  for (const EdgeId e : ids)
-    result.deleted += result.maps.edges[static_cast<std::size_t>(e)] == kNone ? 1 : 0;
+  for (const EdgeId e : ids) result.deleted += result.maps.edges[at(e)] == kNone ? 1 : 0;
   return result;
 }
 

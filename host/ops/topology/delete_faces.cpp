@@ -6,8 +6,8 @@ namespace host::ops {
 
 Result<EditMaps> deleteFaces(Mesh& mesh, std::span<const FaceId> faces) {
   HOST_TRY(checkIds("face", faces, mesh.faceCount()));
-  std::vector<std::uint8_t> keep(static_cast<std::size_t>(mesh.faceCount()), 1);
-  for (const FaceId f : faces) keep[static_cast<std::size_t>(f)] = 0;
+  PerElement<FaceId, std::uint8_t> keep(mesh.faceCount(), 1);
+  for (const FaceId f : faces) keep[f] = 0;
   EditMaps maps;
   FaceId next = 0;
   for (const std::uint8_t isKept : keep) maps.faces.push_back(isKept != 0 ? next++ : kNone);

@@ -8,10 +8,6 @@ namespace host::ops {
 
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 class Detacher {
  public:
   Detacher(const Mesh& mesh, std::vector<std::uint8_t> partEdges,

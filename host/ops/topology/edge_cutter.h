@@ -37,9 +37,7 @@ class EdgeCutter {
   VertexId cutAt(EdgeId edge, std::span<const double> parameters);
   /// Numbers a new edge before those that the faces bring up later.
   void declareEdge(VertexId a, VertexId b) { rebuilder_.declareEdge(a, b); }
-  [[nodiscard]] bool isCut(EdgeId edge) const {
-    return cutEdgeOf_[static_cast<std::size_t>(edge)] != kNone;
-  }
+  [[nodiscard]] bool isCut(EdgeId edge) const { return cutEdgeOf_[at(edge)] != kNone; }
   /// The new vertex in the middle of an edge that was cut in two.
   [[nodiscard]] VertexId cutVertex(EdgeId edge) const;
 

@@ -83,10 +83,10 @@ class EdgeExtruder {
 
   /// Puts the pieces in the order of the walk.
   void orderPieces() {
-    std::vector<std::vector<Index>> piecesAt(at(mesh_.vertexCount()));
+    PerElement<VertexId, std::vector<Index>> piecesAt(mesh_.vertexCount());
     for (std::size_t i = 0; i < pieces_.size(); ++i)
       for (const CornerId c : {pieces_[i].cornerA, pieces_[i].cornerB})
-        piecesAt[at(mesh_.cornerVertex(c))].push_back(static_cast<Index>(i));
+        piecesAt[mesh_.cornerVertex(c)].push_back(static_cast<Index>(i));
     std::vector<std::uint8_t> isDone(pieces_.size(), 0);
     std::vector<Piece> ordered;
     ordered.reserve(pieces_.size());
@@ -97,7 +97,7 @@ class EdgeExtruder {
     const auto walkFrom = [&](VertexId vertex) {
       for (bool isMoving = true; isMoving;) {
         isMoving = false;
-        for (const Index i : piecesAt[at(vertex)]) {
+        for (const Index i : piecesAt[vertex]) {
           if (isDone[at(i)] != 0) continue;
           const VertexId a = mesh_.cornerVertex(pieces_[at(i)].cornerA),
                          b = mesh_.cornerVertex(pieces_[at(i)].cornerB);
@@ -129,10 +129,10 @@ class EdgeExtruder {
 
   void findRegions() {
     JoinedSets joined(pieces_.size());
-    std::vector<Index> pieceAt(at(mesh_.vertexCount()), kNone);
+    PerElement<VertexId, Index> pieceAt(mesh_.vertexCount(), kNone);
     for (std::size_t i = 0; options_.keepEdgesTogether && i < pieces_.size(); ++i)
       for (const CornerId c : {pieces_[i].cornerA, pieces_[i].cornerB}) {
-        Index& seen = pieceAt[at(mesh_.cornerVertex(c))];
+        Index& seen = pieceAt[mesh_.cornerVertex(c)];
         if (seen != kNone) joined.join(seen, static_cast<Index>(i));
         seen = static_cast<Index>(i);
       }
@@ -237,7 +237,7 @@ class EdgeExtruder {
       std::map<std::pair<VertexId, UvId>, UvId> made;
       for (const FaceId f : faces)
         for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c) {
-          UvId& id = set.cornerIds[at(c)];
+          UvId& id = set.cornerIds[c];
           if (id < 0 || mesh.cornerVertex(c) < mesh_.vertexCount()) continue;
           const auto [entry, isNew] =
               made.try_emplace({mesh.cornerVertex(c), id}, static_cast<UvId>(set.points.size()));

@@ -39,11 +39,11 @@ ExtrudeRegions::ExtrudeRegions(const Mesh& mesh, std::vector<FaceId> faces, bool
 
 void ExtrudeRegions::findWholePieces(const Mesh& mesh) {
   constexpr Index kBetween = -2;  // edges that faces of two regions share belong to neither
-  std::vector<Index> regionAtEdge(at(mesh.edgeCount()), kNone);
+  PerElement<EdgeId, Index> regionAtEdge(mesh.edgeCount(), kNone);
   std::vector<std::uint8_t> isWhole(regions_.size(), 1), hasRim(regions_.size(), 0);
   for (std::size_t i = 0; i < faces_.size(); ++i)
     for (const EdgeId e : mesh.faceEdges(faces_[i])) {
-      Index& region = regionAtEdge[at(e)];
+      Index& region = regionAtEdge[e];
       if (region != kNone && region != regionOf_[i]) {
         isWhole[at(regionOf_[i])] = 0;
         if (region != kBetween) isWhole[at(region)] = 0;
@@ -57,7 +57,7 @@ void ExtrudeRegions::findWholePieces(const Mesh& mesh) {
     pollCancel(f);
     if (isListed[at(f)] != 0) continue;
     for (const EdgeId e : mesh.faceEdges(f))
-      if (const Index region = regionAtEdge[at(e)]; region >= 0) isWhole[at(region)] = 0;
+      if (const Index region = regionAtEdge[e]; region >= 0) isWhole[at(region)] = 0;
   }
   for (const RimEdge& rim : rim_) hasRim[at(copies_[at(rim.a)].region)] = 1;
   for (std::size_t i = 0; i < faces_.size(); ++i)
@@ -111,11 +111,11 @@ void ExtrudeRegions::findOutwards(std::span<const Vec3> normals) {
 void ExtrudeRegions::joinFaces(const Mesh& mesh, bool keepFacesTogether) {
   JoinedSets joined(faces_.size());
   if (keepFacesTogether) {
-    std::vector<Index> faceAtEdge(at(mesh.edgeCount()), kNone);
+    PerElement<EdgeId, Index> faceAtEdge(mesh.edgeCount(), kNone);
     for (std::size_t i = 0; i < faces_.size(); ++i)
       for (const EdgeId e : mesh.faceEdges(faces_[i])) {
-        if (faceAtEdge[at(e)] != kNone) joined.join(faceAtEdge[at(e)], static_cast<Index>(i));
-        faceAtEdge[at(e)] = static_cast<Index>(i);
+        if (faceAtEdge[e] != kNone) joined.join(faceAtEdge[e], static_cast<Index>(i));
+        faceAtEdge[e] = static_cast<Index>(i);
       }
   }
   regionOf_.resize(faces_.size());
@@ -133,21 +133,21 @@ void ExtrudeRegions::joinFaces(const Mesh& mesh, bool keepFacesTogether) {
 
 void ExtrudeRegions::collectCopies(const Mesh& mesh, const math::Matrix4& space) {
   const bool isPlain = math::isIdentity(space);
-  std::vector<Index> newest(at(mesh.vertexCount()), kNone), older;
+  PerElement<VertexId, Index> newest(mesh.vertexCount(), kNone), older;
   firstCorner_.push_back(0);
   for (std::size_t i = 0; i < faces_.size(); ++i) {
     pollCancel(i);
     Region& region = regions_[at(regionOf_[i])];
     for (const VertexId v : mesh.faceVertices(faces_[i])) {
-      Index copy = newest[at(v)];
+      Index copy = newest[v];
       while (copy != kNone && copies_[at(copy)].region != regionOf_[i]) copy = older[at(copy)];
       if (copy == kNone) {
         copy = static_cast<Index>(copies_.size());
         const Vec3 p = mesh.point(v);
         copies_.push_back(
             {v, regionOf_[i], isPlain ? p : math::transformPoint(p, space), {}, {}, {}, false});
-        older.push_back(newest[at(v)]);
-        newest[at(v)] = copy;
+        older.push_back(newest[v]);
+        newest[v] = copy;
         region.centre += copies_.back().point;
         ++region.vertices;
       }
@@ -160,10 +160,10 @@ void ExtrudeRegions::collectCopies(const Mesh& mesh, const math::Matrix4& space)
 void ExtrudeRegions::collectRim(const Mesh& mesh, bool keepFacesTogether,
                                 std::span<const Vec3> normals) {
   // How often the faces of a region walk an edge. Together, all that walk it are of one region.
-  std::vector<std::uint8_t> uses(at(mesh.edgeCount()), 0);
+  PerElement<EdgeId, std::uint8_t> uses(mesh.edgeCount(), 0);
   const auto count = [&](FaceId f) {
     for (const EdgeId e : mesh.faceEdges(f))
-      uses[at(e)] = static_cast<std::uint8_t>(std::min(uses[at(e)] + 1, 2));
+      uses[e] = static_cast<std::uint8_t>(std::min(uses[e] + 1, 2));
   };
   if (keepFacesTogether)
     for (const FaceId f : faces_) count(f);
@@ -175,7 +175,7 @@ void ExtrudeRegions::collectRim(const Mesh& mesh, bool keepFacesTogether,
     const auto loop = copiesOfFace(i);
     const auto edges = mesh.faceEdges(f);
     for (std::size_t k = 0; k < loop.size(); ++k) {
-      if (uses[at(edges[k])] != 1) continue;
+      if (uses[edges[k]] != 1) continue;
       const std::size_t next = k + 1 < loop.size() ? k + 1 : 0;
       const CornerId first = mesh.firstCorner(f);
       rim_.push_back({loop[k], loop[next], first + static_cast<CornerId>(k),
@@ -188,7 +188,7 @@ void ExtrudeRegions::collectRim(const Mesh& mesh, bool keepFacesTogether,
       }
     }
     if (!keepFacesTogether)
-      for (const EdgeId e : edges) uses[at(e)] = 0;
+      for (const EdgeId e : edges) uses[e] = 0;
   }
   for (std::size_t i = 0; i < copies_.size(); ++i) {
     pollCancel(i);

@@ -54,9 +54,9 @@ class ExtrudeRegions {
     const std::vector<ExtrudeMover> movers = moversOf(placement, t);
     for (std::size_t i = 0; i < copies_.size(); ++i) {
       const Copy& copy = copies_[i];
-      visit(static_cast<Index>(i), movers[static_cast<std::size_t>(copy.region)].place(
-                                       copy.point, copy.inset * placement.offset,
-                                       copy.outwards * placement.thickness, copy.normal));
+      visit(static_cast<Index>(i),
+            movers[at(copy.region)].place(copy.point, copy.inset * placement.offset,
+                                          copy.outwards * placement.thickness, copy.normal));
     }
   }
 

@@ -14,10 +14,6 @@ namespace {
 
 using math::Vec3;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Where an edge is cut near its ends: parameters from its first vertex, 0 for none.
 struct EndCuts {
   double nearA = 0, nearB = 0;
@@ -54,16 +50,15 @@ void divideRows(Mesh& mesh, std::vector<FaceId>& faces, const std::vector<std::u
                 int divisions) {
   const Mesh before = mesh;
   EdgeCutter cutter(before);
-  std::vector<std::uint8_t> isSpike(at(before.faceCount()), 0);
-  for (const FaceId f : faces) isSpike[at(f)] = 1;
+  PerElement<FaceId, std::uint8_t> isSpike(before.faceCount(), 0);
+  for (const FaceId f : faces) isSpike[f] = 1;
   for (EdgeId e = 0; e < before.edgeCount(); ++e) {
     pollCancel(e);
     const mesh::EdgeVertices ends = before.edge(e);
     const bool isSpoke = (at(ends.a) < isTip.size() && isTip[at(ends.a)] != 0) ||
                          (at(ends.b) < isTip.size() && isTip[at(ends.b)] != 0);
     const auto around = before.adjacency().edgeFaces(e);
-    const bool isWithin =
-        std::ranges::any_of(around, [&](FaceId f) { return isSpike[at(f)] != 0; });
+    const bool isWithin = std::ranges::any_of(around, [&](FaceId f) { return isSpike[f] != 0; });
     if (isSpoke && isWithin) cutter.cutEvenly(e, divisions);
   }
   cutter.buildFaces([&](FaceId f) { return cutter.hasCut(f); },
@@ -73,14 +68,13 @@ void divideRows(Mesh& mesh, std::vector<FaceId>& faces, const std::vector<std::u
                         return !isNew(corner) && at(corner.vertex) < isTip.size() &&
                                isTip[at(corner.vertex)] != 0;
                       });
-                      if (isSpike[at(f)] == 0 || tip == loop.end()) {
+                      if (isSpike[f] == 0 || tip == loop.end()) {
                         cutter.setFace(f, loop);
                         return;
                       }
                       std::rotate(loop.begin(), tip, loop.end());
                       // tip, cuts towards one base point, base points, cuts back.
-                      const std::size_t count = loop.size(),
-                                        rows = static_cast<std::size_t>(divisions);
+                      const std::size_t count = loop.size(), rows = at(divisions);
                       cutter.setFace(f, std::vector<CutCorner>{loop[0], loop[1], loop[count - 1]});
                       for (std::size_t row = 1; row < rows; ++row) {
                         std::vector<CutCorner> piece{loop[row]};
@@ -116,7 +110,7 @@ Result<ExtrudeVerticesResult> extrudeVertices(Mesh& mesh, std::span<const Vertex
   };
   // A base without width still has points of its own, as close as floats tell apart.
   constexpr double kLeast = 1e-5;
-  std::vector<EndCuts> cuts(at(before.edgeCount()));
+  PerElement<EdgeId, EndCuts> cuts(before.edgeCount());
   for (EdgeId e = 0; e < before.edgeCount(); ++e) {
     pollCancel(e);
     const mesh::EdgeVertices ends = before.edge(e);
@@ -124,8 +118,8 @@ Result<ExtrudeVerticesResult> extrudeVertices(Mesh& mesh, std::span<const Vertex
     const double length = math::length(placeOf(ends.b) - placeOf(ends.a));
     const double most = fromA && fromB ? 0.4999 : 0.9999;
     const double part = std::clamp(length > 0 ? options.width / length : kLeast, kLeast, most);
-    if (fromA) cuts[at(e)].nearA = part;
-    if (fromB) cuts[at(e)].nearB = part;
+    if (fromA) cuts[e].nearA = part;
+    if (fromB) cuts[e].nearB = part;
   }
   CornerCutter corners(before, std::move(cuts));
   EdgeCutter& cutter = corners.cutter();
@@ -172,14 +166,14 @@ Result<std::vector<EdgeId>> duplicateEdges(Mesh& mesh, std::span<const EdgeId> e
   const Mesh before = mesh;
   const std::vector<std::uint8_t> isListed = flagsOf(edges, before.edgeCount());
   // The edges before and after a listed one, in every face at it, are cut near it.
-  std::vector<EndCuts> cuts(at(before.edgeCount()));
+  PerElement<EdgeId, EndCuts> cuts(before.edgeCount());
   const auto cutNear = [&](EdgeId e, VertexId v) {
     if (isListed[at(e)] != 0) return;
     const mesh::EdgeVertices ends = before.edge(e);
     const double length = math::length(before.point(ends.b) - before.point(ends.a));
     double part = options.isAbsolute ? (length > 0 ? options.offset / length : 1) : options.offset;
     part = std::clamp(part, 1e-6, 0.9999);
-    (ends.a == v ? cuts[at(e)].nearA : cuts[at(e)].nearB) = part;
+    (ends.a == v ? cuts[e].nearA : cuts[e].nearB) = part;
   };
   const mesh::Adjacency& adjacency = before.adjacency();
   for (const EdgeId e : edges)

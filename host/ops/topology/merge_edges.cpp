@@ -36,16 +36,16 @@ Result<EditMaps> mergeEdges(Mesh& mesh, EdgeId first, EdgeId second,
   // The faces wind alike when they walk the edge in opposite directions.
   const VertexId a = mesh.cornerVertex(one), b = mesh.cornerVertex(adjacency.nextCorner(one)),
                  c = mesh.cornerVertex(two), d = mesh.cornerVertex(adjacency.nextCorner(two));
-  std::vector<VertexId> targets(at(mesh.vertexCount()));
+  PerElement<VertexId, VertexId> targets(mesh.vertexCount());
   std::iota(targets.begin(), targets.end(), 0);
   const auto points = mesh.editPoints();
   for (const auto& [from, to] : {std::pair(a, d), std::pair(b, c)}) {
     if (from == to) continue;
     bringTogether(points, from, to, options.place);
-    targets[at(std::max(from, to))] = std::min(from, to);
+    targets[std::max(from, to)] = std::min(from, to);
   }
   // Where the edges share a vertex its other ends may be joined in a chain.
-  for (VertexId& target : targets) target = targets[at(target)];
+  for (VertexId& target : targets) target = targets[target];
   const bool isSmooth = mesh.isEdgeSmooth(first);
   EditMaps maps = weldVertices(mesh, targets);
   const EdgeId merged = maps.edges[at(std::min(first, second))];

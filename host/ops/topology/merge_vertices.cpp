@@ -79,10 +79,10 @@ class PointGrid {
 // For each vertex the one that it merges into.
 std::vector<VertexId> findTargets(const Mesh& mesh, std::span<const VertexId> ids,
                                   const MergeVerticesOptions& options) {
-  std::vector<VertexId> targets(at(mesh.vertexCount()));
+  PerElement<VertexId, VertexId> targets(mesh.vertexCount());
   std::iota(targets.begin(), targets.end(), 0);
   if (options.alwaysMergeTwo && ids.size() == 2) {
-    targets[at(ids[1])] = ids[0];
+    targets[ids[1]] = ids[0];
     return targets;
   }
   PointGrid grid(options.distance);
@@ -91,7 +91,7 @@ std::vector<VertexId> findTargets(const Mesh& mesh, std::span<const VertexId> id
     const math::Vec3 p = math::transformPoint(mesh.point(v), options.space);
     const VertexId found = grid.nearest(p);
     if (found != kNone)
-      targets[at(v)] = found;
+      targets[v] = found;
     else
       grid.add(v, p);
   }
@@ -102,10 +102,10 @@ std::vector<VertexId> findTargets(const Mesh& mesh, std::span<const VertexId> id
 void moveToMeans(Mesh& mesh, std::span<const VertexId> ids, std::span<const VertexId> targets) {
   std::unordered_map<VertexId, std::pair<math::Vec3, Index>> sums;
   for (const VertexId v : ids)
-    if (targets[at(v)] != v) sums[targets[at(v)]] = {mesh.point(targets[at(v)]), 1};
+    if (targets[v] != v) sums[targets[v]] = {mesh.point(targets[v]), 1};
   for (const VertexId v : ids)
-    if (targets[at(v)] != v) {
-      auto& [sum, count] = sums[targets[at(v)]];
+    if (targets[v] != v) {
+      auto& [sum, count] = sums[targets[v]];
       sum += mesh.point(v);
       ++count;
     }
@@ -125,7 +125,7 @@ Result<MergeVerticesResult> mergeVertices(Mesh& mesh, std::span<const VertexId> 
   const std::vector<VertexId> ids = sortedIds(vertices);
   const std::vector<VertexId> targets = findTargets(mesh, ids, options);
   MergeVerticesResult result;
-  for (const VertexId v : ids) result.merged += targets[at(v)] != v ? 1 : 0;
+  for (const VertexId v : ids) result.merged += targets[v] != v ? 1 : 0;
   if (result.merged > 0) moveToMeans(mesh, ids, targets);
   result.maps = weldVertices(mesh, targets);
   return result;

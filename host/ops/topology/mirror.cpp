@@ -54,8 +54,8 @@ class Mirrorer {
   void findBorders() {
     isOnPlane_.assign(at(mesh_.vertexCount()), 0);
     if (options_.join == MirrorOptions::Join::Apart) return;
-    std::vector<Index> uses(at(mesh_.edgeCount()), 0);
-    for (const EdgeId e : mesh_.topology().cornerEdges) ++uses[at(e)];
+    PerElement<EdgeId, Index> uses(mesh_.edgeCount(), 0);
+    for (const EdgeId e : mesh_.topology().cornerEdges) ++uses[e];
     const bool takesAll = options_.join == MirrorOptions::Join::Bridge && options_.distance < 0;
     const auto isNear = [&](VertexId v) {
       return takesAll || std::abs(plane_.signedDistance(pointOf(v))) <= options_.distance;
@@ -64,7 +64,7 @@ class Mirrorer {
       pollCancel(f);
       const CornerId first = mesh_.firstCorner(f), end = mesh_.firstCorner(f + 1);
       for (CornerId c = first; c < end; ++c) {
-        if (uses[at(mesh_.cornerEdge(c))] != 1) continue;
+        if (uses[mesh_.cornerEdge(c)] != 1) continue;
         const CornerId next = c + 1 < end ? c + 1 : first;
         const VertexId a = mesh_.cornerVertex(c), b = mesh_.cornerVertex(next);
         if (options_.join == MirrorOptions::Join::Bridge) {
@@ -125,19 +125,18 @@ class Mirrorer {
     firstCopy_ = 0;
     for (const VertexId v : result.maps.vertices) firstCopy_ = std::max(firstCopy_, v + 1);
     const bool flips = options_.flipUvs != MirrorOptions::FlipUvs::None;
-    const CornerId first = result.copies.empty()
-                               ? (result.bridges.empty() ? mesh.cornerCount()
-                                                         : mesh.firstCorner(result.bridges.front()))
-                               : mesh.firstCorner(result.copies.front());
+    const CornerId end = mesh.cornerCount();
     const CornerId firstBridge =
-        result.bridges.empty() ? mesh.cornerCount() : mesh.firstCorner(result.bridges.front());
+        result.bridges.empty() ? end : mesh.firstCorner(result.bridges.front());
+    const CornerId first =
+        result.copies.empty() ? firstBridge : mesh.firstCorner(result.copies.front());
     for (int s = 0; s < mesh.uvSetCount(); ++s) {
       if (mesh.uvSet(s).cornerIds.empty()) continue;
       mesh::UvSet& set = mesh.editUvSet(s);
       std::vector<UvId> copies(set.points.size(), kNone);
       for (CornerId c = first; c < mesh.cornerCount(); ++c) {
         pollCancel(c);
-        UvId& id = set.cornerIds[at(c)];
+        UvId& id = set.cornerIds[c];
         const bool isShared = !isCopy(mesh.cornerVertex(c)) && (!flips || c >= firstBridge);
         if (id < 0 || isShared) continue;
         UvId& copy = copies[at(id)];
@@ -175,13 +174,12 @@ class Mirrorer {
     std::vector<EdgeId> edges;
     for (const FaceId f : result.bridges)
       edges.insert(edges.end(), mesh.faceEdges(f).begin(), mesh.faceEdges(f).end());
-    std::vector<std::uint8_t> isWelded(at(mesh.vertexCount()), 0);
+    PerElement<VertexId, std::uint8_t> isWelded(mesh.vertexCount(), 0);
     for (std::size_t v = 0; v < isOnPlane_.size(); ++v)
       if (isOnPlane_[v] != 0 && result.maps.vertices[v] != kNone)
-        isWelded[at(result.maps.vertices[v])] = 1;
+        isWelded[result.maps.vertices[v]] = 1;
     for (EdgeId e = 0; e < mesh.edgeCount(); ++e)
-      if (isWelded[at(mesh.edge(e).a)] != 0 && isWelded[at(mesh.edge(e).b)] != 0)
-        edges.push_back(e);
+      if (isWelded[mesh.edge(e).a] != 0 && isWelded[mesh.edge(e).b] != 0) edges.push_back(e);
     if (!edges.empty())
       softenSides(mesh, sidesOfEdges(mesh, sortedIds(edges)), options_.smoothingAngle);
   }
@@ -219,14 +217,8 @@ bool cutAway(Mesh& mesh, const MirrorOptions& options, EditMaps& maps) {
   if (static_cast<Index>(away.size()) == mesh.faceCount()) return false;
   auto left = deleteFaces(mesh, away);
   if (!left) return false;
-  const auto follow = [](std::vector<Index>& first, const std::vector<Index>& second) {
-    for (Index& id : first)
-      if (id != kNone) id = second[at(id)];
-  };
   maps = std::move(cutMaps);
-  follow(maps.vertices, left->vertices);
-  follow(maps.edges, left->edges);
-  follow(maps.faces, left->faces);
+  follow(maps, *left);
   return true;
 }
 
@@ -247,13 +239,7 @@ Result<MirrorResult> mirrorMesh(Mesh& mesh, const MirrorOptions& options) {
   Mirrorer mirrorer(half, options, *inverse);
   MirrorResult result = mirrorer.run(half);
   if (options.cut) {
-    for (auto* ids : {&cut.vertices, &cut.edges, &cut.faces}) {
-      const auto& then = ids == &cut.vertices ? result.maps.vertices
-                         : ids == &cut.edges  ? result.maps.edges
-                                              : result.maps.faces;
-      for (Index& id : *ids)
-        if (id != kNone) id = then[at(id)];
-    }
+    follow(cut, result.maps);
     result.maps = std::move(cut);
   }
   mesh = std::move(half);

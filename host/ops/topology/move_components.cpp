@@ -22,8 +22,7 @@ struct Places {
 /// Regions of vertices: single ones, or joined by edges.
 class VertexRegions {
  public:
-  VertexRegions(const Mesh& mesh, MovedComponents what, std::span<const Index> ids,
-                const math::Matrix4& space)
+  VertexRegions(const Mesh& mesh, MovedComponents what, IdView ids, const math::Matrix4& space)
       : mesh_(mesh), space_(space), regionOf_(at(mesh.vertexCount()), kNone) {
     collect(what, ids);
     findFrames();
@@ -54,7 +53,7 @@ class VertexRegions {
     return math::transformPoint(mesh_.point(v), space_);
   }
 
-  void collect(MovedComponents what, std::span<const Index> ids) {
+  void collect(MovedComponents what, IdView ids) {
     std::vector<VertexId> ends(ids.begin(), ids.end());
     JoinedSets joined(at(mesh_.vertexCount()));
     if (what == MovedComponents::Edges) {
@@ -124,7 +123,7 @@ void placeFaces(const Mesh& mesh, std::span<const FaceId> faces, const ExtrudePl
 
 }  // namespace
 
-Result<void> moveComponents(Mesh& mesh, MovedComponents what, std::span<const Index> ids,
+Result<void> moveComponents(Mesh& mesh, MovedComponents what, IdView ids,
                             const ExtrudePlacement& placement) {
   const bool isFaces = what == MovedComponents::Faces, isEdges = what == MovedComponents::Edges;
   HOST_TRY(checkIds(isFaces   ? "face"
@@ -139,7 +138,7 @@ Result<void> moveComponents(Mesh& mesh, MovedComponents what, std::span<const In
   if (ids.empty()) return {};
   Places places(mesh);
   if (isFaces)
-    placeFaces(mesh, ids, placement, places);
+    placeFaces(mesh, viewIds<FaceId>(ids), placement, places);
   else
     VertexRegions(mesh, what, ids, placement.space).place(placement, places);
   std::vector<math::Vec3f> points(mesh.points().begin(), mesh.points().end());

@@ -21,7 +21,7 @@ enum class MovedComponents {
 /// `thickness` count too. A vertex of two regions goes to the mean of its places. Topology and
 /// corner data stay, locked normals included. Linear in the mesh.
 /// @return an error for a bad id or number or a space without inverse, with `mesh` untouched.
-Result<void> moveComponents(Mesh& mesh, MovedComponents what, std::span<const Index> ids,
+Result<void> moveComponents(Mesh& mesh, MovedComponents what, IdView ids,
                             const ExtrudePlacement& placement);
 
 }  // namespace host::ops

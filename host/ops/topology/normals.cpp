@@ -16,8 +16,8 @@ void unlockNormals(Mesh& mesh, std::span<const FaceId> faces, NormalsResult& res
     bool wasLocked = false;
     for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c) {
       wasLocked |= mesh.isNormalLocked(c);
-      normals.locked[static_cast<std::size_t>(c)] = 0;
-      normals.normals[static_cast<std::size_t>(c)] = {};
+      normals.locked[at(c)] = 0;
+      normals.normals[at(c)] = {};
     }
     if (wasLocked) result.faces.push_back(f);
   }

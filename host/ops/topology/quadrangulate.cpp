@@ -97,12 +97,12 @@ Result<QuadrangulateResult> quadrangulate(Mesh& mesh, std::span<const FaceId> fa
   if (!std::isfinite(options.angle) || options.angle < 0)
     return fail(ErrorKind::BadArgument, "The angle must be 0 or more, not {}", options.angle);
   const std::vector<FaceId> ids = sortedIds(faces);
-  std::vector<std::uint8_t> isPaired(at(mesh.faceCount()), 0);
+  PerElement<FaceId, std::uint8_t> isPaired(mesh.faceCount(), 0);
   std::vector<EdgeId> edges;
   std::vector<FaceId> first;
   for (const Pair& pair : PairFinder(mesh, ids, options).find(ids)) {
-    if (isPaired[at(pair.f)] != 0 || isPaired[at(pair.g)] != 0) continue;
-    isPaired[at(pair.f)] = isPaired[at(pair.g)] = 1;
+    if (isPaired[pair.f] != 0 || isPaired[pair.g] != 0) continue;
+    isPaired[pair.f] = isPaired[pair.g] = 1;
     edges.push_back(pair.edge);
     first.push_back(pair.f);
   }

@@ -16,10 +16,6 @@ namespace {
 
 using math::Vec3;
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// Sum of squared distances from planes: x' A x + 2 b x + c.
 struct Quadric {
   double xx = 0, xy = 0, xz = 0, yy = 0, yz = 0, zz = 0, x = 0, y = 0, z = 0, c = 0;
@@ -159,7 +155,7 @@ class Reducer {
   // The corners of a vertex are a list: corner 3 t + k is followed by next_[3 t + k].
 
   [[nodiscard]] VertexId vertexAt(Index t, int k) const {
-    return triangles_[at(t)].vertices[static_cast<std::size_t>(k)];
+    return triangles_[at(t)].vertices[at(k)];
   }
   [[nodiscard]] const Vec3& point(VertexId v) const { return points_[at(v)]; }
   template <class Visit>
@@ -328,7 +324,7 @@ class Reducer {
     forCorners(from, [&](Index t, int k) {
       const VertexId a = vertexAt(t, (k + 1) % 3), b = vertexAt(t, (k + 2) % 3);
       if (a != to && b != to) return;
-      if (count < 2) found[static_cast<std::size_t>(count)] = a == to ? b : a;
+      if (count < 2) found[at(count)] = a == to ? b : a;
       ++count;
     });
     return count;
@@ -386,8 +382,7 @@ class Reducer {
       for (int i = 1; i < 3; ++i)
         if (vertexAt(t, (k + i) % 3) == to && count < 2) {
           const auto& sources = triangles_[at(t)].sources;
-          sides[count++] = {sources[static_cast<std::size_t>(k)],
-                            sources[static_cast<std::size_t>((k + i) % 3)]};
+          sides[count++] = {sources[at(k)], sources[at((k + i) % 3)]};
         }
     });
     return count == 2 && agree(sides[0][0], sides[1][0]) && !agree(sides[0][1], sides[1][1]);
@@ -421,8 +416,7 @@ class Reducer {
       for (int i = 1; i < 3; ++i)
         if (vertexAt(t, (k + i) % 3) == to && count < 2) {
           const Triangle& triangle = triangles_[at(t)];
-          sides[count++] = {triangle.sources[static_cast<std::size_t>(k)],
-                            triangle.sources[static_cast<std::size_t>((k + i) % 3)]};
+          sides[count++] = {triangle.sources[at(k)], triangle.sources[at((k + i) % 3)]};
           triangles_[at(t)].isAlive = false;
         }
     });
@@ -430,7 +424,7 @@ class Reducer {
     forCorners(from, [&](Index t, int k) { moved.push_back(3 * t + k); });
     for (const Index corner : moved) {
       Triangle& triangle = triangles_[at(corner / 3)];
-      const auto k = static_cast<std::size_t>(corner % 3);
+      const auto k = at(corner % 3);
       const bool isSecond = count == 2 && !agree(triangle.sources[k], sides[0].fromSource) &&
                             agree(triangle.sources[k], sides[1].fromSource);
       triangle.sources[k] = sides[isSecond ? 1 : 0].toSource;

@@ -81,7 +81,7 @@ class Separator {
   }
 
  private:
-  static mesh::Origins listed(const std::vector<Index>& sources) {
+  static mesh::Origins listed(IdView sources) {
     mesh::Origins origins;
     for (const Index source : sources) origins.add(source);
     return origins;
@@ -104,10 +104,10 @@ class Separator {
     made.setTopology(std::move(topology));
   }
 
-  template <class Value>
+  template <class Value, class ValueId>
   void copyChannel(const std::vector<FaceId>& faces, const std::vector<Value>& values,
-                   const std::vector<Index>& ids, Renumbering& numbers,
-                   std::vector<Value>& newValues, std::vector<Index>& newIds) const {
+                   const std::vector<ValueId>& ids, Renumbering& numbers,
+                   std::vector<Value>& newValues, std::vector<ValueId>& newIds) const {
     if (ids.empty()) return;
     const auto forEachId = [&](auto visit) {
       for (const FaceId f : faces)

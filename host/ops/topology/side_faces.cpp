@@ -10,7 +10,7 @@ std::vector<EdgeSides> detachSideFaces(Mesh& mesh, std::span<const FaceId> sides
     for (const FaceId f : sides) {
       pollCancel(f);
       for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f) + 2; ++c) {
-        UvId& id = set.cornerIds[at(c)];
+        UvId& id = set.cornerIds[c];
         if (id < 0) continue;
         const math::Vec2f uv = set.points[at(id)];
         id = static_cast<UvId>(set.points.size());

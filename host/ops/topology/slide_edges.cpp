@@ -16,21 +16,21 @@ using math::Vec3;
 /// Gives joined edges one direction: 1 from a to b, -1 the other way; 0 for the others.
 std::vector<std::int8_t> directed(const Mesh& mesh, std::span<const EdgeId> edges) {
   const auto isListed = flagsOf(edges, mesh.edgeCount());
-  std::vector<std::int8_t> direction(at(mesh.edgeCount()), 0);
+  PerElement<EdgeId, std::int8_t> direction(mesh.edgeCount(), 0);
   for (const EdgeId start : edges) {
-    if (direction[at(start)] != 0) continue;
-    direction[at(start)] = 1;
+    if (direction[start] != 0) continue;
+    direction[start] = 1;
     std::vector<EdgeId> open{start};
     while (!open.empty()) {
       const EdgeId e = open.back();
       open.pop_back();
-      const bool forward = direction[at(e)] > 0;
+      const bool forward = direction[e] > 0;
       for (const VertexId v : {mesh.edge(e).a, mesh.edge(e).b}) {
         const bool isEnd = (v == mesh.edge(e).b) == forward;
         for (const EdgeId next : mesh.adjacency().vertexEdges(v)) {
-          if (isListed[at(next)] == 0 || direction[at(next)] != 0) continue;
+          if (isListed[at(next)] == 0 || direction[next] != 0) continue;
           // Leaves the end, or arrives at the start.
-          direction[at(next)] = (mesh.edge(next).a == v) == isEnd ? 1 : -1;
+          direction[next] = (mesh.edge(next).a == v) == isEnd ? 1 : -1;
           open.push_back(next);
         }
       }
@@ -53,7 +53,7 @@ Ways sideWays(const Mesh& mesh, const std::vector<EdgeId>& edges, bool left) {
   };
   const mesh::Adjacency& adjacency = mesh.adjacency();
   for (const EdgeId e : edges) {
-    const VertexId from = direction[at(e)] > 0 ? mesh.edge(e).a : mesh.edge(e).b;
+    const VertexId from = direction[e] > 0 ? mesh.edge(e).a : mesh.edge(e).b;
     ways[mesh.edge(e).a];
     ways[mesh.edge(e).b];
     for (const CornerId c : adjacency.edgeCorners(e)) {

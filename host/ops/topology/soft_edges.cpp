@@ -41,7 +41,7 @@ std::vector<EdgeSides> sidesOfEdges(const Mesh& mesh, std::span<const EdgeId> ed
   const std::vector<EdgeId>& cornerEdges = mesh.topology().cornerEdges;
   for (FaceId f = 0; f < mesh.faceCount(); ++f)
     for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c) {
-      const EdgeId e = cornerEdges[at(c)];
+      const EdgeId e = cornerEdges[c];
       if (isAsked[at(e)] == 0) continue;
       EdgeSides& entry = sides[static_cast<std::size_t>(
           std::lower_bound(edges.begin(), edges.end(), e) - edges.begin())];

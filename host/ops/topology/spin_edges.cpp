@@ -13,10 +13,6 @@ namespace host::ops {
 
 namespace {
 
-std::size_t at(Index i) {
-  return static_cast<std::size_t>(i);
-}
-
 /// The two faces of an edge and their outline, without the edge.
 struct Pair {
   EdgeId edge = kNone;

@@ -172,8 +172,7 @@ class PathSplitter {
   [[nodiscard]] std::array<Vec3, 3> pointsOf(FaceId f, const mesh::LoopTriangle& triangle) const {
     std::array<Vec3, 3> points;
     for (std::size_t k = 0; k < 3; ++k)
-      points[k] = Vec3(mesh_.points()[static_cast<std::size_t>(
-          mesh_.cornerVertex(mesh_.firstCorner(f) + triangle[k]))]);
+      points[k] = Vec3(mesh_.points()[at(mesh_.cornerVertex(mesh_.firstCorner(f) + triangle[k]))]);
     return points;
   }
   /// The corner of a point inside a face: a blend over the triangle it is nearest to.

@@ -47,7 +47,7 @@ FacesResult divideOnce(Mesh& mesh, std::span<const FaceId> ids, Mode mode,
   std::vector<CutCorner> centres;
   for (const FaceId f : ids) centres.push_back(cutter.addCentre(f, centreOf(f).toFloat()));
   auto centre = centres.begin();
-  const auto isDivided = [&](FaceId f) { return isListed[static_cast<std::size_t>(f)] != 0; };
+  const auto isDivided = [&](FaceId f) { return isListed[at(f)] != 0; };
   cutter.buildFaces([&](FaceId f) { return isDivided(f) || cutter.hasCut(f); },
                     [&](FaceId f) {
                       if (isDivided(f))

@@ -25,7 +25,7 @@ std::vector<mesh::LoopTriangle> trianglesOf(const Mesh& mesh, FaceId f) {
 
 bool hasThreeVertices(const Mesh& mesh, FaceId f, const mesh::LoopTriangle& t) {
   const auto loop = mesh.faceVertices(f);
-  const auto v = [&](std::size_t i) { return loop[static_cast<std::size_t>(t[i])]; };
+  const auto v = [&](std::size_t i) { return loop[at(t[i])]; };
   return v(0) != v(1) && v(1) != v(2) && v(2) != v(0);
 }
 
@@ -41,7 +41,7 @@ Result<TriangulateResult> triangulateFaces(Mesh& mesh, std::span<const FaceId> f
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
     pollCancel(f);
     result.newFaces.push_back(next);
-    if (isListed[static_cast<std::size_t>(f)] == 0) {
+    if (isListed[at(f)] == 0) {
       rebuilder.copyFace(f);
       ++next;
       continue;
@@ -51,8 +51,7 @@ Result<TriangulateResult> triangulateFaces(Mesh& mesh, std::span<const FaceId> f
       if (!hasThreeVertices(mesh, f, triangle)) continue;
       rebuilder.beginFace(f);
       for (const Index k : triangle)
-        rebuilder.addCorner(mesh.faceVertices(f)[static_cast<std::size_t>(k)],
-                            mesh.firstCorner(f) + k);
+        rebuilder.addCorner(mesh.faceVertices(f)[at(k)], mesh.firstCorner(f) + k);
       rebuilder.endFace();
       result.triangles.push_back(next++);
     }

@@ -13,7 +13,7 @@ namespace {
 Mesh placed(const UnitePart& part) {
   Mesh mesh = part.mesh;
   if (math::determinant(part.space) < 0) {
-    std::vector<FaceId> faces(at(mesh.faceCount()));
+    PerElement<FaceId, FaceId> faces(mesh.faceCount());
     std::iota(faces.begin(), faces.end(), 0);
     const auto done = reverseFaces(mesh, faces);
     (void)done;  // all ids are the mesh's own
@@ -115,15 +115,15 @@ class Uniter {
     sets.back().name = name;
     return sets.back();
   }
-  template <class Value>
-  static void append(const std::vector<Value>& values, const std::vector<Index>& ids,
+  template <class Value, class Id>
+  static void append(const std::vector<Value>& values, const std::vector<Id>& ids,
                      std::size_t corners, std::vector<Value>& intoValues,
-                     std::vector<Index>& intoIds) {
+                     std::vector<Id>& intoIds) {
     const auto base = static_cast<Index>(intoValues.size());
     intoValues.insert(intoValues.end(), values.begin(), values.end());
     if (ids.empty()) return;
     intoIds.resize(corners, kNone);
-    for (const Index id : ids) intoIds.push_back(id < 0 ? kNone : id + base);
+    for (const Id id : ids) intoIds.push_back(id < 0 ? Id(kNone) : Id(id + base));
   }
 
   std::vector<math::Vec3f> points_;

@@ -23,7 +23,7 @@ VertexFan vertexFan(const mesh::Mesh& mesh, VertexId vertex) {
   const auto outAlong = [&](EdgeId e) {
     CornerId found = kNone;
     for (const CornerId c : all)
-      if (mesh.cornerEdge(c) == e) found = found == kNone ? c : -2;
+      if (mesh.cornerEdge(c) == e) found = found == kNone ? c : CornerId(-2);
     return found;
   };
   const auto hasInAlong = [&](EdgeId e) {

@@ -85,8 +85,7 @@ WeldMaps weldVertices(Mesh& mesh, std::span<const VertexId> targets) {
   copyUpTo(mesh.faceCount());
   mesh::Rebuilt rebuilt = rebuilder.finish({.dropUnusedVertices = true});
   maps.vertices.resize(targets.size());
-  for (std::size_t v = 0; v < targets.size(); ++v)
-    maps.vertices[v] = rebuilt.vertexMap[at(targets[v])];
+  for (std::size_t v = 0; v < targets.size(); ++v) maps.vertices[v] = rebuilt.vertexMap[targets[v]];
   maps.edges = std::move(rebuilt.edgeMap);
   maps.uvs = std::move(rebuilt.uvMaps);
   mesh = std::move(rebuilt.mesh);

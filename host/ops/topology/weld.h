@@ -20,7 +20,7 @@ void removeSpikes(std::vector<LoopCorner>& loop);
 
 /// What became of the components of a welded mesh.
 struct WeldMaps : EditMaps {
-  std::vector<std::vector<UvId>> uvs;  ///< by UV set; an empty map: all of them stay
+  std::vector<PerElement<UvId, UvId>> uvs;  ///< by UV set; an empty map: all of them stay
 };
 
 /// Moves vertices onto others and closes what collapses.

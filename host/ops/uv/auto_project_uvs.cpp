@@ -391,7 +391,7 @@ void partPinches(Mesh& mesh, int uvSet, std::span<const FaceId> faces) {
   const auto forEachCorner = [&](auto visit) {
     for (const FaceId f : faces)
       for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c)
-        visit(mesh.cornerVertex(c), at(set.cornerIds[at(c)]));
+        visit(mesh.cornerVertex(c), at(set.cornerIds[c]));
   };
   forEachCorner([&](VertexId, std::size_t uv) { ++uses[uv]; });
   std::vector<VertexId> partly;  // vertices some of whose faces lie elsewhere in the map
@@ -407,8 +407,8 @@ void write(Mesh& mesh, int uvSet, std::span<const FaceId> faces,
   const std::vector<UvId> before = uvsOfFaces(mesh, uvSet, faces);
   mesh::UvSet& set = mesh.editUvSet(uvSet);
   std::vector<UvId>& ids = writableCornerIds(set, mesh.cornerCount());
-  std::vector<UvId> uvOf(at(mesh.vertexCount()), kNone);
-  std::vector<Index> pieceOf(at(mesh.vertexCount()), kNone);
+  PerElement<VertexId, UvId> uvOf(mesh.vertexCount(), kNone);
+  PerElement<VertexId, Index> pieceOf(mesh.vertexCount(), kNone);
   for (std::size_t i = 0; i < pieces.size(); ++i) {
     pollCancel(i);
     const PackedBox& box = arrangement.boxes[i];

@@ -80,9 +80,9 @@ void openGap(const Mesh& mesh, mesh::UvSet& set, const std::vector<CornerId>& co
   std::vector<Middle> toward;
   const Adjacency& adjacency = mesh.adjacency();
   for (const CornerId c : corners) {
-    const UvId uv = set.cornerIds[at(c)];
+    const UvId uv = set.cornerIds[c];
     for (const CornerId near : {adjacency.previousCorner(c), adjacency.nextCorner(c)}) {
-      const mesh::Vec2f& place = set.points[at(set.cornerIds[at(near)])];
+      const mesh::Vec2f& place = set.points[at(set.cornerIds[near])];
       toward.push_back({uv, place.u, place.v});
     }
   }
@@ -148,7 +148,7 @@ void regroup(Mesh& mesh, int uvSet, std::span<const VertexId> vertices, const Is
     mesh::UvSet& set = mesh.editUvSet(uvSet);
     set.points.reserve(set.points.size() + copied.size());
     for (const UvId old : copied) set.points.push_back(mesh::Vec2f(set.points[at(old)]));
-    for (const NewUv& change : changes) set.cornerIds[at(change.corner)] = change.uv;
+    for (const NewUv& change : changes) set.cornerIds[change.corner] = change.uv;
     if (gap != 0) openGap(mesh, set, parted, gap);
   }
 }

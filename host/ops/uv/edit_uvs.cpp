@@ -232,7 +232,7 @@ void copyUvsOfFaces(Mesh& mesh, int from, int to, std::span<const FaceId> faces)
   std::unordered_map<UvId, UvId> copied;
   for (const FaceId f : faces)
     for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c) {
-      const UvId old = source.cornerIds.empty() ? kNone : source.cornerIds[at(c)];
+      const UvId old = source.cornerIds.empty() ? kNone : source.cornerIds[c];
       if (old == kNone) {
         ids[at(c)] = kNone;
         continue;

@@ -82,7 +82,7 @@ class Layout {
     for (const FaceId f : topologies_[p].faces.of(shell)) {
       const CornerId first = mesh.firstCorner(f);
       const auto uv = [&](Index k) {
-        const mesh::Vec2f& q = set.points[at(set.cornerIds[at(first + k)])];
+        const mesh::Vec2f& q = set.points[at(set.cornerIds[first + k])];
         return Point{q.u, q.v};
       };
       const auto place = [&](Index k) {
@@ -322,15 +322,14 @@ class Layout {
     std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
       return std::abs(groups_[a].area) > std::abs(groups_[b].area);
     });
-    const std::size_t cells = static_cast<std::size_t>(across) * static_cast<std::size_t>(up);
+    const std::size_t cells = at(across) * at(up);
     const Point size{options_.sizeU / across, options_.sizeV / up};
     for (std::size_t c = 0; c < cells; ++c) {
       std::vector<std::size_t> mine;
       for (std::size_t i = c; i < order.size(); i += cells) mine.push_back(order[i]);
       if (mine.empty()) continue;
-      const Point origin{
-          options_.offsetU + size.x * static_cast<double>(c % static_cast<std::size_t>(across)),
-          options_.offsetV + size.y * static_cast<double>(c / static_cast<std::size_t>(across))};
+      const Point origin{options_.offsetU + size.x * static_cast<double>(c % at(across)),
+                         options_.offsetV + size.y * static_cast<double>(c / at(across))};
       HOST_TRY(pack(mine, origin, size));
     }
     return {};

@@ -40,7 +40,7 @@ std::uint64_t wordOf(std::int32_t w, std::int32_t begin, std::int32_t end) {
 /// Reads the runs of set bits, row by row.
 void addRuns(CellMask& mask, const std::vector<std::uint64_t>& bits, std::size_t words) {
   for (std::int32_t y = 0; y < mask.height; ++y) {
-    const std::uint64_t* row = bits.data() + static_cast<std::size_t>(y) * words;
+    const std::uint64_t* row = bits.data() + at(y) * words;
     const auto isSet = [&](std::int32_t x) { return (row[x / 64] >> (x % 64) & 1) != 0; };
     for (std::int32_t x = 0; x < mask.width;) {
       if (!isSet(x)) {
@@ -93,8 +93,8 @@ CellMask touchedCells(std::span<const std::array<Point, 3>> triangles, double ce
   const double perCell = 1 / cellSize;
   mask.width = static_cast<std::int32_t>(std::ceil((high.x - mask.origin.x + hair) * perCell));
   mask.height = static_cast<std::int32_t>(std::ceil((high.y - mask.origin.y + hair) * perCell));
-  const std::size_t words = static_cast<std::size_t>(mask.width) / 64 + 1;
-  std::vector<std::uint64_t> bits(words * static_cast<std::size_t>(mask.height), 0);
+  const std::size_t words = at(mask.width) / 64 + 1;
+  std::vector<std::uint64_t> bits(words * at(mask.height), 0);
   const auto columns = [&](const Extent& e) -> std::array<std::int32_t, 2> {
     return {
         std::max(0,
@@ -108,9 +108,7 @@ CellMask touchedCells(std::span<const std::array<Point, 3>> triangles, double ce
     for (std::int32_t y = first; y <= last; ++y)
       for (std::int32_t w = begin / 64; w <= end / 64; ++w) {
         const std::uint64_t wanted = wordOf(w, begin, end);
-        if ((bits[static_cast<std::size_t>(y) * words + static_cast<std::size_t>(w)] & wanted) !=
-            wanted)
-          return false;
+        if ((bits[at(y) * words + at(w)] & wanted) != wanted) return false;
       }
     return true;
   };
@@ -128,7 +126,7 @@ CellMask touchedCells(std::span<const std::array<Point, 3>> triangles, double ce
                                mask.origin.y + (y + 1) * cellSize + hair);
       if (e.least > e.most) continue;
       const auto [begin, end] = columns(e);
-      std::uint64_t* row = bits.data() + static_cast<std::size_t>(y) * words;
+      std::uint64_t* row = bits.data() + at(y) * words;
       for (std::int32_t w = begin / 64; w <= end / 64; ++w) {
         row[w] |= wordOf(w, begin, end);
       }
@@ -143,10 +141,10 @@ Board::Board(std::int32_t width, std::int32_t height, std::int32_t gutter)
     : width_(width),
       height_(height),
       gutter_(gutter),
-      words_(static_cast<std::size_t>(width) / 64 + 2),
+      words_(at(width) / 64 + 2),
       powers_(std::bit_width(static_cast<unsigned>(width))) {
-  longestFree_.assign(static_cast<std::size_t>(height), width - 2 * gutter);
-  hits_.assign(static_cast<std::size_t>(powers_) * static_cast<std::size_t>(height) * words_, 0);
+  longestFree_.assign(at(height), width - 2 * gutter);
+  hits_.assign(at(powers_) * at(height) * words_, 0);
 }
 
 double Board::contact(const CellMask& mask, Place place) const {
@@ -156,7 +154,7 @@ double Board::contact(const CellMask& mask, Place place) const {
     if (x < gutter_ || y < gutter_ || x >= width_ - gutter_) {
       ++touching;
     } else if (y < height_) {
-      const Word word = hits_[wordOf(0, y) + static_cast<std::size_t>(x) / 64];
+      const Word word = hits_[wordOf(0, y) + at(x) / 64];
       touching += word >> (x % 64) & 1;
     }
   }
@@ -190,11 +188,11 @@ bool Board::rowHasRoom(const std::vector<RunAt>& runs, std::int32_t y, std::vect
                        std::size_t& from, std::size_t& to) const {
   for (std::size_t i = 0; i < runs.size(); ++i) {
     const RunAt& run = runs[i];
-    if (run.length > longestFree_[static_cast<std::size_t>(y + run.y)]) return false;
+    if (run.length > longestFree_[at(y + run.y)]) return false;
     const int power = std::bit_width(static_cast<unsigned>(run.length)) - 1;
     const Word* hits = hits_.data() + wordOf(power, y + run.y);
     for (const std::int32_t offset : {run.begin, run.begin + run.length - (1 << power)}) {
-      const std::size_t skip = static_cast<std::size_t>(offset) / 64;
+      const std::size_t skip = at(offset) / 64;
       const int shift = offset % 64;
       const std::size_t end = std::min(to + 1, words_ - 1 - skip);
       if (shift == 0)
@@ -219,14 +217,13 @@ void Board::places(const CellMask& mask, std::int32_t band, std::int32_t before,
   if (lastX < gutter_) return;
   const std::vector<RunAt> runs = spreadRuns(mask);
   std::vector<Word> outside(words_, ~Word{0});
-  for (std::int32_t x = gutter_; x <= lastX; ++x)
-    outside[static_cast<std::size_t>(x) / 64] &= ~(Word{1} << (x % 64));
+  for (std::int32_t x = gutter_; x <= lastX; ++x) outside[at(x) / 64] &= ~(Word{1} << (x % 64));
   std::vector<Word> taken(words_);
   bool hasPlace = false;
   for (std::int32_t y = gutter_; y <= lastY; ++y) {
     std::copy(outside.begin(), outside.end(), taken.begin());
-    std::size_t from = static_cast<std::size_t>(gutter_) / 64;
-    std::size_t to = static_cast<std::size_t>(lastX) / 64;
+    std::size_t from = at(gutter_) / 64;
+    std::size_t to = at(lastX) / 64;
     if (!rowHasRoom(runs, y, taken, from, to)) continue;
     bool wasTaken = true;
     for (std::size_t w = from; w <= to; ++w) {
@@ -275,7 +272,7 @@ void Board::take(const CellMask& mask, Place place) {
             half[w] | (shift == 0 ? half[w + skip]
                                   : half[w + skip] >> shift | half[w + skip + 1] << (64 - shift));
     }
-    std::int32_t& longest = longestFree_[static_cast<std::size_t>(y)];
+    std::int32_t& longest = longestFree_[at(y)];
     longest = longestFreeRun(y, longest);
   }
 }

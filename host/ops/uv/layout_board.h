@@ -22,7 +22,7 @@ struct CellMask {
   Point origin;                                  ///< of cell (0, 0), in the shape's coordinates
   std::vector<std::array<std::int32_t, 2>> rim;  ///< some of the cells beside the mask's, evenly
   [[nodiscard]] std::span<const CellRun> row(std::int32_t y) const {
-    const auto k = static_cast<std::size_t>(y);
+    const auto k = at(y);
     return {runs.data() + rowStart[k], runs.data() + rowStart[k + 1]};
   }
 };
@@ -60,9 +60,7 @@ class Board {
  private:
   using Word = std::uint64_t;
   [[nodiscard]] std::size_t wordOf(int power, std::int32_t y) const {
-    return (static_cast<std::size_t>(power) * static_cast<std::size_t>(height_) +
-            static_cast<std::size_t>(y)) *
-           words_;
+    return (at(power) * at(height_) + at(y)) * words_;
   }
 
   struct RunAt;

@@ -96,7 +96,7 @@ std::optional<Trial> tryOrder(Board board, const ShapeMasks& masks,
   Trial trial;
   trial.order.assign(order.begin(), order.end());
   trial.places.resize(order.size());
-  std::vector<std::int32_t> tops(static_cast<std::size_t>(board.width()), 0);
+  std::vector<std::int32_t> tops(at(board.width()), 0);
   std::vector<TurnedMask> scratch;
   std::vector<Board::Place> places;
   for (const std::size_t i : order) {
@@ -110,7 +110,7 @@ std::optional<Trial> tryOrder(Board board, const ShapeMasks& masks,
     if (trial.top > limit) return std::nullopt;
     board.take(mask, best.place);
     for (std::int32_t x = best.place.x; x < best.place.x + mask.width; ++x) {
-      std::int32_t& highest = tops[static_cast<std::size_t>(x)];
+      std::int32_t& highest = tops[at(x)];
       highest = std::max(highest, top);
     }
     trial.places[i] = {best.turned->turn,

@@ -143,7 +143,7 @@ Result<void> projectUvs(Mesh& mesh, int uvSet, std::span<const FaceId> faces,
     return fail("the projection has no size: its scale is 0");
   const Projector projector(projection);
   const std::size_t first = mesh.uvSet(uvSet).points.size();
-  std::vector<UvId> plain(at(mesh.vertexCount()), kNone);
+  PerElement<VertexId, UvId> plain(mesh.vertexCount(), kNone);
   std::vector<Vec2f> places;
   std::vector<Seen> seen;
   // Once to see which vertices there are, so that their UVs follow their order.
@@ -154,7 +154,7 @@ Result<void> projectUvs(Mesh& mesh, int uvSet, std::span<const FaceId> faces,
     for (std::size_t i = 0; i < loop.size(); ++i) {
       if (!isFinitePlace(projector.place(seen[i])))
         return fail("vertex {} can't be projected: it has no place in the image", loop[i]);
-      if (seen[i].turn == 0 && !seen[i].isOnAxis) plain[at(loop[i])] = 0;
+      if (seen[i].turn == 0 && !seen[i].isOnAxis) plain[loop[i]] = 0;
     }
   }
   auto next = static_cast<UvId>(first);
@@ -173,7 +173,7 @@ Result<void> projectUvs(Mesh& mesh, int uvSet, std::span<const FaceId> faces,
     for (std::size_t i = 0; i < seen.size(); ++i) {
       pollCancel(i);
       const VertexId v = mesh.cornerVertex(corner + static_cast<Index>(i));
-      UvId uv = plain[at(v)];
+      UvId uv = plain[v];
       if (seen[i].turn != 0 || seen[i].isOnAxis) {
         const auto [entry, isNew] =
             special.try_emplace({v, seen[i].turn, seen[i].isOnAxis ? f : kNone}, next);

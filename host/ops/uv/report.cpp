@@ -189,10 +189,10 @@ std::string uvReportJson(const UvReport& r, const std::string& label) {
 }
 
 std::vector<float> faceStretch(const mesh::Mesh& mesh, int uvSet) {
-  std::vector<double> uv(at(mesh.faceCount()), 0), surface(uv);
+  PerElement<FaceId, double> uv(mesh.faceCount(), 0), surface(uv);
   const UvTriangles triangles = uvTriangles(mesh, uvSet);
   for (const UvTriangle& t : triangles.all) {
-    uv[at(t.face)] += std::abs(t.signedUv);
+    uv[t.face] += std::abs(t.signedUv);
     surface[at(t.face)] += t.surface;
   }
   std::vector<float> stretch(uv.size(), 0);

@@ -15,9 +15,7 @@ constexpr int kWidestGap = 64;     ///< pixels
 /// triangle on the upper left of it.
 class ChartMap {
  public:
-  explicit ChartMap(int size)
-      : size_(size),
-        charts_(static_cast<std::size_t>(size) * static_cast<std::size_t>(size), kNone) {}
+  explicit ChartMap(int size) : size_(size), charts_(at(size) * at(size), kNone) {}
 
   void draw(const std::array<Point, 3>& corners, Index chart) {
     std::array<long long, 3> x{}, y{};
@@ -64,8 +62,8 @@ class ChartMap {
       int best = 1 << 30;
       next.clear();
       for (const std::size_t i : front) {
-        const int x = static_cast<int>(i % static_cast<std::size_t>(size_));
-        const int y = static_cast<int>(i / static_cast<std::size_t>(size_));
+        const int x = static_cast<int>(i % at(size_));
+        const int y = static_cast<int>(i / at(size_));
         for (int v = std::max(0, y - 1); v <= std::min(size_ - 1, y + 1); ++v)
           for (int u = std::max(0, x - 1); u <= std::min(size_ - 1, x + 1); ++u) {
             const std::size_t k = indexOf(u, v);
@@ -85,10 +83,7 @@ class ChartMap {
   }
 
  private:
-  [[nodiscard]] std::size_t indexOf(int x, int y) const {
-    return static_cast<std::size_t>(y) * static_cast<std::size_t>(size_) +
-           static_cast<std::size_t>(x);
-  }
+  [[nodiscard]] std::size_t indexOf(int x, int y) const { return at(y) * at(size_) + at(x); }
   using Spot = std::array<long long, 2>;
   static long long floorDivided(long long a, long long b) {
     return a / b - (a % b != 0 && (a < 0) != (b < 0) ? 1 : 0);

@@ -14,7 +14,7 @@ namespace {
 using flat::Point;
 
 Index rootOf(std::vector<Index>& parents, Index i) {
-  while (parents[at(i)] != i) i = parents[at(i)] = parents[at(parents[at(i)])];
+  while (parents[i] != i) i = parents[i] = parents[parents[i]];
   return i;
 }
 
@@ -27,10 +27,10 @@ bool areSame(Point a, Point b) {
 /// Faces joined over edges with the same UVs on both sides, numbered by their lowest face.
 std::vector<Index> chartsOf(const mesh::Mesh& mesh, const mesh::UvSet& set, Index& count) {
   const mesh::Adjacency& adjacency = mesh.adjacency();
-  std::vector<Index> parents(at(mesh.faceCount()));
+  PerElement<FaceId, Index> parents(mesh.faceCount());
   std::iota(parents.begin(), parents.end(), 0);
   const auto hasUvs = [&](CornerId c) {
-    return set.cornerIds[at(mesh.firstCorner(adjacency.cornerFace(c)))] != kNone;
+    return set.cornerIds[mesh.firstCorner(adjacency.cornerFace(c))] != kNone;
   };
   for (EdgeId e = 0; e < mesh.edgeCount(); ++e) {
     const auto corners = adjacency.edgeCorners(e);
@@ -44,13 +44,13 @@ std::vector<Index> chartsOf(const mesh::Mesh& mesh, const mesh::UvSet& set, Inde
         if (!areSame(c, a) || !areSame(d, b)) continue;
         const Index p = rootOf(parents, adjacency.cornerFace(corners[i]));
         const Index q = rootOf(parents, adjacency.cornerFace(corners[k]));
-        parents[at(std::max(p, q))] = std::min(p, q);
+        parents[std::max(p, q)] = std::min(p, q);
       }
   }
   std::vector<Index> charts(parents.size(), kNone);
   count = 0;
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
-    if (set.cornerIds[at(mesh.firstCorner(f))] == kNone) continue;
+    if (set.cornerIds[mesh.firstCorner(f)] == kNone) continue;
     const Index root = rootOf(parents, f);
     if (charts[at(root)] == kNone) charts[at(root)] = count++;
     charts[at(f)] = charts[at(root)];
@@ -165,7 +165,7 @@ UvTriangles uvTriangles(const mesh::Mesh& mesh, int uvSet) {
   out.all.reserve(at(mesh.cornerCount()));
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
     const CornerId s = mesh.firstCorner(f);
-    if (set.cornerIds[at(s)] == kNone) {
+    if (set.cornerIds[s] == kNone) {
       ++out.facesWithoutUvs;
       continue;
     }

@@ -28,8 +28,7 @@ struct UvTriangles {
 
 /// The UV of a corner that has one.
 [[nodiscard]] inline flat::Point uvPoint(const mesh::UvSet& set, CornerId corner) {
-  const mesh::Vec2f& p =
-      set.points[static_cast<std::size_t>(set.cornerIds[static_cast<std::size_t>(corner)])];
+  const mesh::Vec2f& p = set.points[at(set.cornerIds[corner])];
   return {p.u, p.v};
 }
 

@@ -42,16 +42,16 @@ struct Fans {
 };
 Fans fansOf(const mesh::Mesh& mesh, const SeamFlags& seams) {
   const mesh::Adjacency& adjacency = mesh.adjacency();
-  std::vector<Index> parents(at(mesh.cornerCount()));
+  PerElement<CornerId, Index> parents(mesh.cornerCount());
   std::iota(parents.begin(), parents.end(), 0);
   const auto root = [&](Index i) {
-    while (parents[at(i)] != i) i = parents[at(i)] = parents[at(parents[at(i)])];
+    while (parents[i] != i) i = parents[i] = parents[parents[i]];
     return i;
   };
   const auto join = [&](Index a, Index b) {
     a = root(a);
     b = root(b);
-    parents[at(std::max(a, b))] = std::min(a, b);
+    parents[std::max(a, b)] = std::min(a, b);
   };
   for (EdgeId e = 0; e < mesh.edgeCount(); ++e) {
     if (seams[at(e)] || !canJoin(mesh, e)) continue;
@@ -275,20 +275,20 @@ Result<SeamFlags> seamsBetween(const mesh::Mesh& mesh,
 Index openPieces(const mesh::Mesh& mesh, SeamFlags& seams) {
   const Fans fans = fansOf(mesh, seams);
   // Faces that share a fan are one piece.
-  std::vector<Index> pieceOf(at(mesh.faceCount()), kNone);
+  PerElement<FaceId, Index> pieceOf(mesh.faceCount(), kNone);
   std::vector<FaceId> order;
   std::vector<std::size_t> starts;
   for (FaceId seed = 0; seed < mesh.faceCount(); ++seed) {
-    if (pieceOf[at(seed)] != kNone) continue;
+    if (pieceOf[seed] != kNone) continue;
     starts.push_back(order.size());
-    pieceOf[at(seed)] = seed;
+    pieceOf[seed] = seed;
     order.push_back(seed);
     for (std::size_t i = starts.back(); i < order.size(); ++i)
       for (const EdgeId e : mesh.faceEdges(order[i])) {
         if (seams[at(e)] || !canJoin(mesh, e)) continue;
         for (const FaceId f : mesh.adjacency().edgeFaces(e))
-          if (pieceOf[at(f)] == kNone) {
-            pieceOf[at(f)] = seed;
+          if (pieceOf[f] == kNone) {
+            pieceOf[f] = seed;
             order.push_back(f);
           }
       }
@@ -332,13 +332,13 @@ Index openPieces(const mesh::Mesh& mesh, SeamFlags& seams) {
 
 mesh::UvSet uvsBetweenSeams(const mesh::Mesh& mesh, const SeamFlags& seams, std::string name) {
   Fans fans = fansOf(mesh, seams);
-  mesh::UvSet set{.name = std::move(name), .points = {}, .cornerIds = std::move(fans.ofCorner)};
+  mesh::UvSet set{.name = std::move(name), .points = {}, .cornerIds = copyIds<UvId>(fans.ofCorner)};
   bool hasFlat = false;
   for (FaceId f = 0; f < mesh.faceCount(); ++f) {
     if (hasArea(mesh, f)) continue;
     hasFlat = true;
     for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c)
-      set.cornerIds[at(c)] = kNone;
+      set.cornerIds[c] = kNone;
   }
   if (hasFlat) {
     std::vector<Index> number(at(fans.count), kNone);

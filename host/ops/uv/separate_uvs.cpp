@@ -23,8 +23,8 @@ class Separation {
     for (const FaceId f : faces)
       if (f >= 0 && f < mesh.faceCount()) isAsked_[at(f)] = 1;
     const UvTriangles triangles = uvTriangles(mesh, uvSet);
-    std::vector<double> area(at(mesh.faceCount()), 0);
-    for (const UvTriangle& t : triangles.all) area[at(t.face)] += t.signedUv;
+    PerElement<FaceId, double> area(mesh.faceCount(), 0);
+    for (const UvTriangle& t : triangles.all) area[t.face] += t.signedUv;
     for (std::size_t f = 0; f < area.size(); ++f) side_[f] = area[f] < 0 ? -1 : 1;
     if (!alsoOverlaps) return;
     for (const auto& [a, b] : overlappingFaces(mesh.uvSet(uvSet), triangles)) {

@@ -278,7 +278,7 @@ class Welding {
     mesh::sortUnique(vertices);
     for (const VertexId v : vertices)
       for (const CornerId c : adjacency.vertexCorners(v))
-        if (UvId& uv = set.cornerIds[at(c)]; uv != kNone) uv = find(uv);
+        if (UvId& uv = set.cornerIds[c]; uv != kNone) uv = find(uv);
     dropUnusedUvs(set, gone);
   }
 

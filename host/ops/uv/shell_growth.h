@@ -26,9 +26,7 @@ class ShellGrowth {
   /// The shell of a seed face.
   [[nodiscard]] Index ofFace(FaceId face) const;
   /// The faces of a shell; of the unfinished one those that were met.
-  [[nodiscard]] const std::vector<FaceId>& faces(Index shell) const {
-    return faces_[static_cast<std::size_t>(shell)];
-  }
+  [[nodiscard]] const std::vector<FaceId>& faces(Index shell) const { return faces_[at(shell)]; }
   /// The shell that was left unfinished because all others are smaller, -1 when none was.
   [[nodiscard]] Index unfinished() const { return unfinished_; }
 

@@ -32,7 +32,7 @@ bool runsOf(const Run& border, const std::vector<std::uint8_t>& isListed, Index 
   };
   std::size_t start = listed.size();
   for (std::size_t k = 0; k < listed.size() && start == listed.size(); ++k)
-    if (gapAfter(k) > static_cast<std::size_t>(std::max<Index>(tolerance, 0))) start = k + 1;
+    if (gapAfter(k) > at(std::max<Index>(tolerance, 0))) start = k + 1;
   // Where every gap could be bridged, the longest is what is left out.
   if (start == listed.size()) {
     std::size_t widest = 0;
@@ -46,7 +46,7 @@ bool runsOf(const Run& border, const std::vector<std::uint8_t>& isListed, Index 
     const std::size_t entry = (start + k) % listed.size();
     run.push_back(border[listed[entry]]);
     const std::size_t gap = gapAfter(entry);
-    if (k + 1 == listed.size() || gap > static_cast<std::size_t>(std::max<Index>(tolerance, 0))) {
+    if (k + 1 == listed.size() || gap > at(std::max<Index>(tolerance, 0))) {
       if (run.size() > 2) runs.push_back(run);
       run.clear();
       continue;

@@ -67,7 +67,7 @@ class Sampler {
 
   [[nodiscard]] std::optional<spatial::RayHit> alongNormal(CornerId corner,
                                                            const Vec3& there) const {
-    const Vec3 normal(normals_[static_cast<std::size_t>(corner)]);
+    const Vec3 normal(normals_[at(corner)]);
     const Vec3 direction = math::normalized(math::transformNormal(normal, options_.toSource));
     if (math::lengthSquared(direction) == 0) return std::nullopt;
     spatial::RayOptions both;
@@ -78,11 +78,11 @@ class Sampler {
   [[nodiscard]] std::optional<FacePlace> atUv(CornerId corner) const {
     const UvId uv = target_.cornerUv(targetSpace_, corner);
     if (uv == kNone) return std::nullopt;
-    const Vec2f& place = target_.uvSet(targetSpace_).points[static_cast<std::size_t>(uv)];
+    const Vec2f& place = target_.uvSet(targetSpace_).points[at(uv)];
     const auto closest = surface_->closestPoint({place.u, place.v, 0});
     if (!closest) return std::nullopt;
     FacePlace found = placeOf(*closest);
-    for (CornerId& c : found.corners) c = sourceCorner_[static_cast<std::size_t>(c)];
+    for (CornerId& c : found.corners) c = sourceCorner_[at(c)];
     return found;
   }
 
@@ -97,7 +97,7 @@ class Sampler {
       const CornerId first = source_.firstCorner(f);
       std::vector<VertexId> loop;
       for (CornerId c = first; c < source_.firstCorner(f + 1); ++c)
-        loop.push_back(source_.cornerUv(set, c));
+        loop.push_back(Index(source_.cornerUv(set, c)));  // UVs are the vertices of it
       const auto isRepeat = [&](std::size_t i) { return loop[i] == loop[(i + 1) % loop.size()]; };
       bool isSound = loop.front() != kNone;
       for (std::size_t i = 0; i < loop.size(); ++i) isSound = isSound && !isRepeat(i);
@@ -229,7 +229,7 @@ class Transfer {
   /// The place in the same triangle, or just outside of it, nearest to a point of the target.
   [[nodiscard]] FacePlace carriedTo(const FacePlace& place, const Vec3& point) const {
     const auto cornerPoint = [&](int i) {
-      return source_.point(source_.cornerVertex(place.corners[static_cast<std::size_t>(i)]));
+      return source_.point(source_.cornerVertex(place.corners[at(i)]));
     };
     const Vec3 a = cornerPoint(0), ab = cornerPoint(1) - a, ac = cornerPoint(2) - a;
     const Vec3 ap = math::transformPoint(point, options_.toSource) - a;
@@ -311,7 +311,7 @@ class Transfer {
                          [&](const Vec2f& p) {
                            return std::abs(p.u - uv.u) < 1e-4f && std::abs(p.v - uv.v) < 1e-4f;
                          });
-        set.cornerIds[at(c)] = static_cast<UvId>(known - set.points.begin());
+        set.cornerIds[c] = static_cast<UvId>(known - set.points.begin());
         if (known == set.points.end()) set.points.push_back(uv);
       }
     }
@@ -327,7 +327,7 @@ class Transfer {
       if (!places_[c]) continue;
       double sum[4] = {0, 0, 0, 0}, weight = 0;
       for (std::size_t i = 0; i < 3; ++i) {
-        const Index id = source.cornerIds[at(places_[c]->corners[i])];
+        const Index id = source.cornerIds[places_[c]->corners[i]];
         if (id == kNone || places_[c]->weights[i] == 0) continue;
         const mesh::Color4f& color = source.colors[at(id)];
         const float parts[4] = {color.r, color.g, color.b, color.a};
@@ -354,8 +354,8 @@ class Transfer {
       double sum[4] = {0, 0, 0, 0};
       int count = 0;
       for (const CornerId c : adjacency.vertexCorners(v)) {
-        if (set.cornerIds[at(c)] == kNone) continue;
-        const mesh::Color4f& color = set.colors[at(set.cornerIds[at(c)])];
+        if (set.cornerIds[c] == kNone) continue;
+        const mesh::Color4f& color = set.colors[at(set.cornerIds[c])];
         const float parts[4] = {color.r, color.g, color.b, color.a};
         for (int k = 0; k < 4; ++k) sum[k] += parts[k];
         ++count;
@@ -363,7 +363,7 @@ class Transfer {
       if (count == 0) continue;
       const auto part = [&](int k) { return static_cast<float>(sum[k] / count); };
       for (const CornerId c : adjacency.vertexCorners(v))
-        if (set.cornerIds[at(c)] != kNone) set.cornerIds[at(c)] = static_cast<Index>(colors.size());
+        if (set.cornerIds[c] != kNone) set.cornerIds[c] = static_cast<Index>(colors.size());
       colors.push_back({part(0), part(1), part(2), part(3)});
     }
     set.colors = std::move(colors);

@@ -12,7 +12,7 @@ namespace host::ops::flat {
 /// The border of a chart as rings of vertices: next and previous of each, -1 inside.
 struct Border {
   std::vector<Index> next, previous;
-  [[nodiscard]] bool has(Index v) const { return next[static_cast<std::size_t>(v)] != kNone; }
+  [[nodiscard]] bool has(Index v) const { return next[at(v)] != kNone; }
 };
 
 /// Keeps the border of a flat piece from crossing itself, one vertex at a time.

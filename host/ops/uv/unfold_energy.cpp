@@ -28,9 +28,7 @@ std::vector<Element> restElements(std::span<const Triangle> triangles,
   std::vector<Element> elements;
   elements.reserve(triangles.size());
   for (const Triangle& t : triangles)
-    elements.push_back(restElement(t, points[static_cast<std::size_t>(t[0])],
-                                   points[static_cast<std::size_t>(t[1])],
-                                   points[static_cast<std::size_t>(t[2])]));
+    elements.push_back(restElement(t, points[at(t[0])], points[at(t[1])], points[at(t[2])]));
   return elements;
 }
 

@@ -86,9 +86,9 @@ struct Jacobian {
   [[nodiscard]] double det() const { return xx * yy - xy * yx; }
 };
 [[nodiscard]] inline Jacobian jacobian(const Element& e, std::span<const Point> x) {
-  const Point o = x[static_cast<std::size_t>(e.corners[0])];
-  const Point p = x[static_cast<std::size_t>(e.corners[1])] - o;
-  const Point q = x[static_cast<std::size_t>(e.corners[2])] - o;
+  const Point o = x[at(e.corners[0])];
+  const Point p = x[at(e.corners[1])] - o;
+  const Point q = x[at(e.corners[2])] - o;
   return {p.x * e.b1x, p.x * e.b1y + q.x * e.b2y, p.y * e.b1x, p.y * e.b1y + q.y * e.b2y};
 }
 

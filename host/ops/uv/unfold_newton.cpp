@@ -20,8 +20,8 @@ Vector6 atCorners(const Element& e, const Jacobian& m) {
   Vector6 out;
   for (int k = 0; k < 3; ++k) {
     const Point b = e.factor(k);
-    out[static_cast<std::size_t>(2 * k)] = m.xx * b.x + m.xy * b.y;
-    out[static_cast<std::size_t>(2 * k + 1)] = m.yx * b.x + m.yy * b.y;
+    out[at(2 * k)] = m.xx * b.x + m.xy * b.y;
+    out[at(2 * k + 1)] = m.yx * b.x + m.yy * b.y;
   }
   return out;
 }
@@ -107,7 +107,7 @@ struct NewtonSolver::System {
 
   void makePattern() {
     std::vector<Eigen::Triplet<double>> triplets;
-    triplets.reserve(21 * elements.size() + static_cast<std::size_t>(unknowns));
+    triplets.reserve(21 * elements.size() + at(unknowns));
     overEntries(
         [&](std::size_t, Index row, Index column) { triplets.emplace_back(row, column, 0); });
     for (Index u = 0; u < unknowns; ++u) triplets.emplace_back(u, u, 0);

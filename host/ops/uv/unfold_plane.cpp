@@ -11,14 +11,14 @@ void grow(std::array<double, 7>& parts, int& count, double number) {
   double sum = number;
   int kept = 0;
   for (int i = 0; i < count; ++i) {
-    const double part = parts[static_cast<std::size_t>(i)];
+    const double part = parts[at(i)];
     const double high = sum + part;
     const double virtualPart = high - sum;
     const double low = (sum - (high - virtualPart)) + (part - virtualPart);
     sum = high;
-    if (low != 0) parts[static_cast<std::size_t>(kept++)] = low;
+    if (low != 0) parts[at(kept++)] = low;
   }
-  parts[static_cast<std::size_t>(kept++)] = sum;
+  parts[at(kept++)] = sum;
   count = kept;
 }
 
@@ -40,7 +40,7 @@ int orientation(math::Vec2f a, math::Vec2f b, math::Vec2f c) {
   int count = 0;
   for (const double product : {bx * cy, -bx * ay, -ax * cy, -by * cx, by * ax, ay * cx})
     grow(parts, count, product);
-  return signOf(parts[static_cast<std::size_t>(count - 1)]);
+  return signOf(parts[at(count - 1)]);
 }
 
 int orientation(Point a, Point b, Point c) {

@@ -67,7 +67,7 @@ void unshareUvs(mesh::Mesh& mesh, int uvSet, std::span<const FaceId> faces) {
   mesh::UvSet& set = mesh.editUvSet(uvSet);
   for (const FaceId f : faces)
     for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c) {
-      UvId& uv = set.cornerIds[at(c)];
+      UvId& uv = set.cornerIds[c];
       if (uv == kNone) continue;
       set.points.push_back(mesh::Vec2f(set.points[at(uv)]));
       uv = static_cast<UvId>(set.points.size()) - 1;
@@ -81,7 +81,7 @@ void deleteUvs(mesh::Mesh& mesh, int uvSet, std::span<const FaceId> faces) {
   mesh::UvSet& set = mesh.editUvSet(uvSet);
   for (const FaceId f : faces)
     for (CornerId c = mesh.firstCorner(f); c < mesh.firstCorner(f + 1); ++c)
-      set.cornerIds[at(c)] = kNone;
+      set.cornerIds[c] = kNone;
   dropUnusedUvs(set, before);
   if (std::ranges::all_of(set.cornerIds, [](UvId uv) { return uv == kNone; }))
     set.cornerIds.clear();

@@ -21,7 +21,7 @@ UvEnds endsOf(const mesh::Mesh& mesh, const mesh::Adjacency& adjacency,
 
 }  // namespace
 
-GroupedIds groupByOwner(std::span<const Index> ownerOfId, Index ownerCount) {
+GroupedIds groupByOwner(IdView ownerOfId, Index ownerCount) {
   GroupedIds groups;
   groups.start.assign(at(ownerCount) + 1, 0);
   for (Index owner : ownerOfId)
@@ -52,7 +52,7 @@ GroupedIds cornersOfUvs(const mesh::Mesh& mesh, int uvSet) {
 }
 
 std::vector<CornerId> uvTwins(const mesh::Mesh& mesh, int uvSet) {
-  std::vector<CornerId> twins(at(mesh.cornerCount()), kUvBorder);
+  PerElement<CornerId, CornerId> twins(mesh.cornerCount(), kUvBorder);
   const std::vector<UvId>& ids = mesh.uvSet(uvSet).cornerIds;
   if (ids.empty()) return twins;
   const mesh::Adjacency& adjacency = mesh.adjacency();
@@ -68,7 +68,7 @@ std::vector<CornerId> uvTwins(const mesh::Mesh& mesh, int uvSet) {
           ++matches;
           match = corners[k];
         }
-      twins[at(corners[i])] = matches > 1 ? kUvManyFaces : match;
+      twins[corners[i]] = matches > 1 ? kUvManyFaces : match;
     }
   }
   return twins;
@@ -80,20 +80,18 @@ std::vector<std::vector<CornerId>> uvBorderLoops(const mesh::Mesh& mesh, int uvS
   const std::vector<UvId>& ids = mesh.uvSet(uvSet).cornerIds;
   if (ids.empty()) return loops;
   const mesh::Adjacency& adjacency = mesh.adjacency();
-  std::vector<std::uint8_t> isDone(at(mesh.cornerCount()), 0);
-  const auto isBorder = [&](CornerId c) {
-    return ids[at(c)] != kNone && twins[at(c)] == kUvBorder;
-  };
+  PerElement<CornerId, std::uint8_t> isDone(mesh.cornerCount(), 0);
+  const auto isBorder = [&](CornerId c) { return ids[at(c)] != kNone && twins[c] == kUvBorder; };
   for (CornerId first = 0; first < mesh.cornerCount(); ++first) {
-    if (isDone[at(first)] || !isBorder(first)) continue;
+    if (isDone[first] || !isBorder(first)) continue;
     std::vector<CornerId> loop;
-    for (CornerId c = first; !isDone[at(c)];) {
-      isDone[at(c)] = 1;
+    for (CornerId c = first; !isDone[c];) {
+      isDone[c] = 1;
       loop.push_back(c);
       // Turn around the end of the edge, from face to face, until the border goes on.
       CornerId next = adjacency.nextCorner(c);
       for (std::size_t steps = 0; !isBorder(next) && steps <= twins.size(); ++steps) {
-        const CornerId across = twins[at(next)];
+        const CornerId across = twins[next];
         if (across < 0) break;  // three faces at an edge: no way to go on
         const bool isOpposed = mesh.cornerVertex(across) != mesh.cornerVertex(next);
         next = isOpposed ? adjacency.nextCorner(across) : adjacency.previousCorner(across);

@@ -13,7 +13,7 @@ struct GroupedIds {
   std::vector<Index> start{0};
   std::vector<Index> items;
   [[nodiscard]] std::span<const Index> of(Index owner) const {
-    const auto o = static_cast<std::size_t>(owner);
+    const auto o = at(owner);
     return {items.data() + start[o], items.data() + start[o + 1]};
   }
   [[nodiscard]] Index ownerCount() const { return static_cast<Index>(start.size()) - 1; }
@@ -21,7 +21,7 @@ struct GroupedIds {
 
 /// Groups ids 0, 1, ... by the owner given for each; an owner of -1 leaves the id out. Ascending in
 /// each group. Linear.
-[[nodiscard]] GroupedIds groupByOwner(std::span<const Index> ownerOfId, Index ownerCount);
+[[nodiscard]] GroupedIds groupByOwner(IdView ownerOfId, Index ownerCount);
 
 /// The shells of one UV set with what they hold. Shells are those of mesh::findUvShells: faces that
 /// share a UV id belong together, numbered by their lowest face. It is a copy of the state it was
@@ -40,8 +40,8 @@ struct UvTopology {
 [[nodiscard]] GroupedIds cornersOfUvs(const mesh::Mesh& mesh, int uvSet);
 
 /// What lies across the edge that a corner walks, within the UV shell.
-inline constexpr Index kUvBorder = -1;     ///< no face with the same UVs along it, or no UVs at all
-inline constexpr Index kUvManyFaces = -2;  ///< three or more faces share both UVs
+inline constexpr CornerId kUvBorder = -1;  ///< no face with the same UVs along it, or no UVs at all
+inline constexpr CornerId kUvManyFaces = -2;  ///< three or more faces share both UVs
 
 /// For each corner of the mesh the corner of the one other face that walks the same edge between
 /// the same two UVs, kUvBorder or kUvManyFaces. Two faces that walk it in one direction (a

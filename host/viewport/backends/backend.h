@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/base/ids.h"
 #include "host/base/result.h"
 #include "host/viewport/draw_list.h"
 #include "host/viewport/projection.h"
@@ -15,8 +16,7 @@ struct Image {
   int width = 0, height = 0;
   std::vector<std::uint8_t> rgba;
   [[nodiscard]] const std::uint8_t* pixel(int x, int yFromTop) const {
-    return rgba.data() + 4 * (static_cast<std::size_t>(yFromTop) * static_cast<std::size_t>(width) +
-                              static_cast<std::size_t>(x));
+    return rgba.data() + 4 * (at(yFromTop) * at(width) + at(x));
   }
 };
 

@@ -171,14 +171,13 @@ class GlBackendImpl final : public GlBackend {
     parts_->target.resolveColor();
     const PortSize port = settings_.port;
     Image image{port.width, port.height, {}};
-    const std::size_t row = std::size_t{4} * static_cast<std::size_t>(port.width);
-    image.rgba.resize(row * static_cast<std::size_t>(port.height));
+    const std::size_t row = std::size_t{4} * at(port.width);
+    image.rgba.resize(row * at(port.height));
     glBindFramebuffer(GL_READ_FRAMEBUFFER, parts_->target.resolvedFramebuffer());
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glReadPixels(0, 0, port.width, port.height, GL_RGBA, GL_UNSIGNED_BYTE, image.rgba.data());
     parts_->target.bind();
-    for (std::size_t top = 0, bottom = static_cast<std::size_t>(port.height) - 1; top < bottom;
-         ++top, --bottom)
+    for (std::size_t top = 0, bottom = at(port.height) - 1; top < bottom; ++top, --bottom)
       std::swap_ranges(image.rgba.begin() + static_cast<std::ptrdiff_t>(top * row),
                        image.rgba.begin() + static_cast<std::ptrdiff_t>((top + 1) * row),
                        image.rgba.begin() + static_cast<std::ptrdiff_t>(bottom * row));

@@ -59,8 +59,7 @@ Result<Image> NullBackend::readPixels() {
   if (counts_.frames == 0) return fail("Nothing was drawn yet, so there is no picture to read.");
   if (isInFrame_) report("readPixels was called inside a frame; call endFrame first");
   Image image{settings_.port.width, settings_.port.height, {}};
-  image.rgba.reserve(std::size_t{4} * static_cast<std::size_t>(image.width) *
-                     static_cast<std::size_t>(image.height));
+  image.rgba.reserve(std::size_t{4} * at(image.width) * at(image.height));
   const Rgba top = settings_.backgroundTop;
   const Rgba bottom = settings_.backgroundBottom;
   for (int y = 0; y < image.height; ++y) {

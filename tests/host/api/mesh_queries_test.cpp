@@ -36,11 +36,11 @@ struct Scene {
     for (const auto& p : mesh.points()) points.append(MFloatPoint(p.x, p.y, p.z));
     const auto& corners = mesh.topology().cornerVertices;
     MStatus status;
-    const MObject transform =
-        MFnMesh().create(mesh.vertexCount(), mesh.faceCount(), points,
-                         MIntArray(counts.data(), static_cast<unsigned int>(counts.size())),
-                         MIntArray(corners.data(), static_cast<unsigned int>(corners.size())),
-                         MObject::kNullObj, &status);
+    const MObject transform = MFnMesh().create(
+        mesh.vertexCount(), mesh.faceCount(), points,
+        MIntArray(counts.data(), static_cast<unsigned int>(counts.size())),
+        MIntArray(host::IdView(corners).data(), static_cast<unsigned int>(corners.size())),
+        MObject::kNullObj, &status);
     REQUIRE(status);
     MDagPath path;
     REQUIRE(MDagPath::getAPathTo(transform, path));

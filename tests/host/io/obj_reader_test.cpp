@@ -13,7 +13,8 @@ using namespace host::io;
 
 namespace {
 
-using Loop = std::vector<Index>;
+using Loop = std::vector<VertexId>;
+using UvLoop = std::vector<UvId>;
 
 ObjScene parsed(std::string_view text) {
   auto scene = parseObj(text, "test.obj");
@@ -59,7 +60,7 @@ TEST_CASE("obj: every spelling of a face reads the same") {
   }
   const mesh::Mesh& quad = plain.objects.at(0).mesh;
   CHECK(loop(quad, 0) == Loop{0, 1, 2, 3});
-  CHECK(quad.uvSet(0).cornerIds == Loop{0, 1, 2, 3});
+  CHECK(quad.uvSet(0).cornerIds == UvLoop{0, 1, 2, 3});
   CHECK(quad.lockedNormals().normals.empty());  // the plane has that normal by itself
   CHECK(parsed(points + "f 1//1 2//1 3//1").objects.at(0).mesh.uvSet(0).cornerIds.empty());
 }
@@ -75,7 +76,7 @@ TEST_CASE("obj: polygons, UV ids and unused points and UVs are kept as written")
   CHECK(loop(mesh, 0) == Loop{0, 1, 2, 3, 4});
   CHECK(mesh.uvSet(0).points.size() == 5);
   CHECK(mesh.uvSet(0).points[1] == math::Vec2f{0.25F, 0.1F});
-  CHECK(mesh.uvSet(0).cornerIds == Loop{4, 3, 1, 0, 0, -1, -1, -1});
+  CHECK(mesh.uvSet(0).cornerIds == UvLoop{4, 3, 1, 0, 0, -1, -1, -1});
   CHECK(mesh.edge(0) == mesh::EdgeVertices{0, 1});  // edges in order of first use
 }
 
@@ -137,7 +138,7 @@ TEST_CASE("obj: objects take the points they use; groups and materials follow th
   CHECK(loop(loose.mesh, 0) == Loop{2, 1, 0});
   CHECK(first.mesh.vertexCount() == 4);
   CHECK(loop(first.mesh, 1) == Loop{1, 2, 3});
-  CHECK(first.mesh.uvSet(0).cornerIds == Loop{0, 2, 1, -1, -1, -1});
+  CHECK(first.mesh.uvSet(0).cornerIds == UvLoop{0, 2, 1, -1, -1, -1});
   CHECK(first.groups == std::vector<ObjFaceSet>{{"left", {{0, 1}}}, {"low", {{0, 2}}}});
   CHECK(first.materials == std::vector<ObjFaceSet>{{"red paint", {{0, 1}}}, {"blue", {{1, 1}}}});
   CHECK(second.groups == std::vector<ObjFaceSet>{{"low", {{0, 1}}}});
@@ -149,7 +150,7 @@ TEST_CASE("obj: colours after points become a colour set") {
       parsed("v 0 0 0\nv 1 0 0 .25 .5 1\nv 0 1 0 0 0 0 .5\nf 1 2 3\n").objects.at(0).mesh;
   REQUIRE(mesh.currentColorSet() == 0);
   const mesh::ColorSet& set = mesh.colorSet(0);
-  CHECK(set.cornerIds == Loop{-1, 1, 2});
+  CHECK(set.cornerIds == std::vector<Index>{-1, 1, 2});
   CHECK(set.colors[1] == mesh::Color4f{0.25F, 0.5F, 1, 1});
   CHECK(set.colors[2].a == 0.5F);
 }
@@ -162,7 +163,7 @@ TEST_CASE("obj: degenerate faces and unknown statements are counted, and the res
   CHECK(object.mesh.faceCount() == 2);
   CHECK(loop(object.mesh, 0) == Loop{0, 1, 2, 3});
   CHECK(loop(object.mesh, 1) == Loop{0, 2, 3});
-  CHECK(object.mesh.uvSet(0).cornerIds == Loop{-1, -1, -1, -1, 0, 2, 1});
+  CHECK(object.mesh.uvSet(0).cornerIds == UvLoop{-1, -1, -1, -1, 0, 2, 1});
   CHECK(object.groups == std::vector<ObjFaceSet>{{"kept", {{0, 2}}}});
   CHECK(scene.warnings ==
         std::map<std::string, std::size_t>{{"dropped face without area", 1},

@@ -100,7 +100,7 @@ TEST_CASE(
   CHECK(faces == std::vector<Index>{0, 1, 60, 61});
   CHECK(convertComponents(grid, ComponentType::Uv, std::vector<Index>{62}, ComponentType::Face) ==
         faces);
-  CHECK(boundaryEdges(grid, faces).size() == 8);
+  CHECK(boundaryEdges(grid, viewIds<FaceId>(faces)).size() == 8);
   CHECK(boundaryEdges(grid, allFaces(grid)).size() == 240);
 }
 

@@ -84,9 +84,12 @@ TEST_CASE("adjacency: agrees with plain maps on every zoo mesh") {
     CAPTURE(zoo.name);
     const Mesh& mesh = zoo.mesh;
     const Adjacency& adjacency = mesh.adjacency();
-    std::map<Index, std::vector<Index>> vertexEdges, vertexCorners, vertexFaces, edgeFaces,
-        edgeCorners;
-    const auto append = [](std::vector<Index>& list, Index id) {
+    std::map<VertexId, std::vector<EdgeId>> vertexEdges;
+    std::map<VertexId, std::vector<CornerId>> vertexCorners;
+    std::map<VertexId, std::vector<FaceId>> vertexFaces;
+    std::map<EdgeId, std::vector<FaceId>> edgeFaces;
+    std::map<EdgeId, std::vector<CornerId>> edgeCorners;
+    const auto append = [](std::vector<FaceId>& list, FaceId id) {
       if (list.empty() || list.back() != id) list.push_back(id);
     };
     for (EdgeId e = 0; e < mesh.edgeCount(); ++e)

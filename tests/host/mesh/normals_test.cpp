@@ -71,7 +71,8 @@ TEST_CASE("corner normals: hard edges split, locks win, and both follow edits") 
 }
 
 TEST_CASE("corner angles: a corner that stands twice in one place keeps its angle") {
-  const Index counts[] = {5, 3}, loops[] = {0, 1, 2, 3, 4};
+  const Index counts[] = {5, 3};
+  const VertexId loops[] = {0, 1, 2, 3, 4};
   const auto square = buildMesh({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {1, 1, 0}, {0, 1, 0}},
                                 std::span(counts, 1), std::span(loops, 5));
   REQUIRE(square);

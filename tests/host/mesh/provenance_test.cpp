@@ -101,7 +101,7 @@ TEST_CASE("A trail follows rebuilt meshes step by step, and knows nothing of oth
     CHECK(two.point(v) == start.point(origin->vertices.at(v)));
   for (EdgeId e = 0; e < two.edgeCount(); ++e) {
     const EdgeVertices now = two.edge(e), before = start.edge(origin->edges.at(e));
-    CHECK(std::set{origin->vertices.at(now.a), origin->vertices.at(now.b)} ==
+    CHECK(std::set<VertexId>{origin->vertices.at(now.a), origin->vertices.at(now.b)} ==
           std::set{before.a, before.b});
   }
   CHECK_FALSE(trail.to(zoo::zooMesh("tetrahedron")));

@@ -74,8 +74,8 @@ TEST_CASE("keepFaces: what stays keeps its order and its data, what hung on the 
         if (now != kNone)
           CHECK(mesh.uvSet(set).points[at(now)] == before.uvSet(set).points[at(id)]);
       }
-    for (const auto* map : {&vertexMap, &edgeMap}) {
-      std::vector<Index> kept(*map);
+    for (const IdView map : {IdView(vertexMap), IdView(edgeMap)}) {
+      std::vector<Index> kept(map.begin(), map.end());
       std::erase(kept, kNone);
       CHECK(std::ranges::is_sorted(kept));
     }
@@ -205,7 +205,7 @@ TEST_CASE("rebuild: runs of copied faces give what listing every corner gives") 
       const VertexId extra = runs.addVertex({1, 2, 3}, 0);
       CHECK(listed.addVertex({1, 2, 3}, 0) == extra);
       for (FaceId i = 0; i < mesh.faceCount(); ++i) {
-        const FaceId f = turnsAround ? mesh.faceCount() - 1 - i : i;
+        const FaceId f = turnsAround ? FaceId(mesh.faceCount() - 1 - i) : i;
         const auto fate = random() % 3;
         if (fate == 0 && round > 0) continue;
         // One face in three gets another first vertex, so that its neighbours' data is told apart.

@@ -21,7 +21,8 @@ namespace {
 mesh::Mesh withUvs(mesh::Mesh mesh, const std::function<mesh::Vec2f(VertexId)>& place) {
   mesh::UvSet set{.name = "map1", .points = {}, .cornerIds = {}};
   for (VertexId v = 0; v < mesh.vertexCount(); ++v) set.points.push_back(place(v));
-  for (CornerId c = 0; c < mesh.cornerCount(); ++c) set.cornerIds.push_back(mesh.cornerVertex(c));
+  for (CornerId c = 0; c < mesh.cornerCount(); ++c)
+    set.cornerIds.push_back(Index(mesh.cornerVertex(c)));
   mesh.setUvSet(0, std::move(set));
   return mesh;
 }

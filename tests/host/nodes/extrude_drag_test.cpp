@@ -14,9 +14,9 @@ using namespace host::nodes::test;
 
 namespace {
 
-dg::Value faceList(std::vector<FaceId> faces) {
-  return dg::DataPtr(std::make_shared<scene::ComponentListData>(std::vector<scene::Component>{
-      scene::Component(scene::ComponentType::Face, std::move(faces))}));
+dg::Value faceList(const std::vector<FaceId>& faces) {
+  return dg::DataPtr(std::make_shared<scene::ComponentListData>(
+      std::vector<scene::Component>{scene::Component::of(faces)}));
 }
 
 /// A plane of 3 by 3 faces with an extrude node, and the same extrusion done afresh.

@@ -46,7 +46,8 @@ TEST_CASE("bevelEdges: any selection of any mesh is bevelled soundly or refused"
     for (const int segments : {1, 3}) {
       Mesh edited = mesh;
       const BevelEdgesOptions options = part(0.5, segments);
-      const auto result = bevelEdges(edited, randomIds(random, mesh.edgeCount(), chance), options);
+      const auto result =
+          bevelEdges(edited, randomIds<EdgeId>(random, mesh.edgeCount(), chance), options);
       if (!result) {
         CHECK(edited == mesh);
         continue;
@@ -65,7 +66,7 @@ TEST_CASE("bevelEdges: closed stays closed, and the genus stays") {
     INFO(entry.name);
     for (const double chance : {0.1, 0.4, 1.0}) {
       Mesh edited = entry.mesh;
-      const auto edges = randomIds(random, edited.edgeCount(), chance);
+      const auto edges = randomIds<EdgeId>(random, edited.edgeCount(), chance);
       if (!bevelEdges(edited, edges, part(0.3, 2))) continue;
       CHECK(zoo::counts(edited).euler() == zoo::counts(entry.mesh).euler());
       for (EdgeId e = 0; e < edited.edgeCount(); ++e) {
@@ -244,7 +245,7 @@ TEST_CASE("vertexFan: walks all faces of manifold vertices and knows the others"
 
 TEST_CASE("bevelEdges: every option over the zoo leaves a sound mesh") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
-    const auto edges = randomIds(random, mesh.edgeCount(), chance);
+    const auto edges = randomIds<EdgeId>(random, mesh.edgeCount(), chance);
     for (unsigned bits = 0; bits < 32; ++bits) {
       const double fraction = 0.2 + 0.2 * (random() % 5);
       BevelEdgesOptions options = part(fraction, 1 + static_cast<int>(random() % 4));
@@ -326,7 +327,7 @@ TEST_CASE("bevelEdges: projected UVs have the size of their faces") {
 TEST_CASE("BevelPlan: placed anew it is what bevelling anew makes, to the bit") {
   int welds = 0, plans = 0;
   overZoo([&](Mesh mesh, std::mt19937& random, double chance) {
-    const auto edges = randomIds(random, mesh.edgeCount(), chance);
+    const auto edges = randomIds<EdgeId>(random, mesh.edgeCount(), chance);
     BevelEdgesOptions options = wide(0.05, 1 + static_cast<int>(random() % 4));
     options.chamfer = random() % 4 != 0;
     options.subdivideNgons = random() % 2 != 0;

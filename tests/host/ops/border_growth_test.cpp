@@ -23,7 +23,7 @@ std::vector<EdgeId> borderEdges(const Mesh& mesh) {
 
 TEST_CASE("extrudeEdges: any selection gives a quad an edge and a division, old ids stay") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
-    const auto edges = randomIds(random, mesh.edgeCount(), chance);
+    const auto edges = randomIds<EdgeId>(random, mesh.edgeCount(), chance);
     for (const bool together : {true, false})
       for (const int divisions : {1, 3}) {
         ExtrudeEdgesOptions options;

@@ -124,9 +124,9 @@ TEST_CASE("any operations in a row leave a sound mesh, and a refusal leaves it a
       for (int i = 0; i < 8 && mesh.faceCount() > 0 && mesh.faceCount() < kMostFaces; ++i) {
         const std::size_t k = random() % steps().size();
         const double chance = 0.05 + 0.1 * (random() % 5);
-        const Selection selection{randomIds(random, mesh.vertexCount(), chance),
-                                  randomIds(random, mesh.edgeCount(), chance),
-                                  randomIds(random, mesh.faceCount(), chance)};
+        const Selection selection{randomIds<VertexId>(random, mesh.vertexCount(), chance),
+                                  randomIds<EdgeId>(random, mesh.edgeCount(), chance),
+                                  randomIds<FaceId>(random, mesh.faceCount(), chance)};
         story += std::string(", ") + steps()[k].name;
         INFO(story);
         const Mesh before = mesh;

@@ -19,7 +19,7 @@ TEST_CASE("deleteEdges: any selection leaves a sound mesh of the same genus and 
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
     for (const bool clean : {false, true}) {
       Mesh edited = mesh;
-      const auto edges = randomIds(random, mesh.edgeCount(), chance);
+      const auto edges = randomIds<EdgeId>(random, mesh.edgeCount(), chance);
       const auto result = deleteEdges(edited, edges, {clean});
       REQUIRE(result.has_value());
       requireSound(edited);
@@ -36,7 +36,7 @@ TEST_CASE("deleteEdges: joining discs keeps the Euler number") {
   for (const zoo::ZooMesh& entry : zoo::meshZoo(Has::Faces | Has::Manifold | Has::Closed)) {
     INFO(entry.name);
     Mesh edited = entry.mesh;
-    REQUIRE(deleteEdges(edited, randomIds(random, edited.edgeCount(), 0.15), {true}));
+    REQUIRE(deleteEdges(edited, randomIds<EdgeId>(random, edited.edgeCount(), 0.15), {true}));
     if (edited.faceCount() > 1)
       CHECK(zoo::counts(edited).euler() == zoo::counts(entry.mesh).euler());
   }
@@ -55,7 +55,7 @@ TEST_CASE(
   CHECK(plain->maps.faces == std::vector<FaceId>{0, 1, 0, 1});
   CHECK(zoo::surfaceArea(grid) == doctest::Approx(zoo::surfaceArea(before)));
   for (CornerId c = 0; c < grid.cornerCount(); ++c)  // the grid's UVs are its vertices
-    CHECK(grid.uvSet(0).cornerIds[static_cast<std::size_t>(c)] == grid.cornerVertex(c));
+    CHECK(Index(grid.uvSet(0).cornerIds[c]) == Index(grid.cornerVertex(c)));
 
   Mesh clean = before;
   REQUIRE(deleteEdges(clean, row, {true}));
@@ -106,7 +106,7 @@ TEST_CASE("deleteEdges: an edge that replaces two is hard if one of them was") {
 TEST_CASE("deleteVertices: any selection leaves a sound mesh without the vertices") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
     Mesh edited = mesh;
-    const auto vertices = randomIds(random, mesh.vertexCount(), chance);
+    const auto vertices = randomIds<VertexId>(random, mesh.vertexCount(), chance);
     const auto maps = deleteVertices(edited, vertices);
     REQUIRE(maps.has_value());
     requireSound(edited);

@@ -61,7 +61,7 @@ TEST_CASE("subdivideEdges: only the listed edges are divided, evenly, and keep w
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
     for (const int divisions : {1, 3}) {
       Mesh edited = mesh;
-      const auto edges = randomIds(random, mesh.edgeCount(), chance);
+      const auto edges = randomIds<EdgeId>(random, mesh.edgeCount(), chance);
       const auto result = subdivideEdges(edited, edges, divisions);
       REQUIRE(result.has_value());
       requireSound(edited);
@@ -87,8 +87,8 @@ TEST_CASE("subdivideEdges: only the listed edges are divided, evenly, and keep w
 TEST_CASE("connectComponents: any selection leaves a sound mesh of the same area and genus") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
     Mesh edited = mesh;
-    const auto edges = randomIds(random, mesh.edgeCount(), chance);
-    const auto vertices = randomIds(random, mesh.vertexCount(), chance / 2);
+    const auto edges = randomIds<EdgeId>(random, mesh.edgeCount(), chance);
+    const auto vertices = randomIds<VertexId>(random, mesh.vertexCount(), chance / 2);
     const auto result = connectComponents(edited, vertices, edges);
     REQUIRE(result.has_value());
     requireSound(edited);
@@ -100,7 +100,7 @@ TEST_CASE("connectComponents: any selection leaves a sound mesh of the same area
   for (const zoo::ZooMesh& entry : zoo::meshZoo(Has::ConvexFaces | Has::Manifold)) {
     INFO(entry.name);
     Mesh edited = entry.mesh;
-    REQUIRE(connectComponents(edited, {}, randomIds(random, edited.edgeCount(), 0.5)));
+    REQUIRE(connectComponents(edited, {}, randomIds<EdgeId>(random, edited.edgeCount(), 0.5)));
     CHECK(zoo::counts(edited).euler() == zoo::counts(entry.mesh).euler());
     CHECK(zoo::surfaceArea(edited) == doctest::Approx(zoo::surfaceArea(entry.mesh)).epsilon(1e-4));
   }
@@ -134,7 +134,7 @@ TEST_CASE(
 
 TEST_CASE("subdivideFaces and pokeFaces: pieces cover what the face covered and carry its data") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
-    const auto faces = randomIds(random, mesh.faceCount(), chance);
+    const auto faces = randomIds<FaceId>(random, mesh.faceCount(), chance);
     for (const auto mode :
          {SubdivideFacesOptions::Mode::Quads, SubdivideFacesOptions::Mode::Triangles}) {
       Mesh edited = mesh;

@@ -47,7 +47,7 @@ std::array<Index, 2> ends(const Mesh& mesh, EdgeId e) {
 
 TEST_CASE("extrudeFaces: any selection leaves a sound mesh, faces keep their ids and data") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
-    const auto faces = randomIds(random, mesh.faceCount(), chance);
+    const auto faces = randomIds<FaceId>(random, mesh.faceCount(), chance);
     for (const bool together : {true, false})
       for (const int divisions : {1, 3}) {
         ExtrudeFacesOptions options = raised(0.4);

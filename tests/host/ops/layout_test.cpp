@@ -38,7 +38,7 @@ Mesh polygons(int count) {
     }
   }
   Mesh mesh = *mesh::buildMesh(std::move(points), counts, vertices);
-  set.cornerIds.assign(vertices.begin(), vertices.end());
+  set.cornerIds = copyIds<UvId>(vertices);
   mesh.setUvSet(0, std::move(set));
   return mesh;
 }

@@ -132,8 +132,8 @@ TEST_CASE("wedgeFaces: turns about an edge, closed and joined, steps on an arc")
       wedgeFaces(turned, top, {.angle = 1, .divisions = 0, .edges = {1}, .axis = {}, .center = {}})
           .has_value());
   overZoo([](Mesh any, std::mt19937& random, double chance) {
-    const auto faces = randomIds(random, any.faceCount(), chance);
-    const auto edges = randomIds(random, any.edgeCount(), 0.5);
+    const auto faces = randomIds<FaceId>(random, any.faceCount(), chance);
+    const auto edges = randomIds<EdgeId>(random, any.edgeCount(), 0.5);
     REQUIRE(wedgeFaces(any, faces,
                        {.angle = 0.4, .divisions = 2, .edges = edges, .axis = {}, .center = {}})
                 .has_value());

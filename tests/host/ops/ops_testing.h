@@ -23,8 +23,9 @@ inline void requireSound(const Mesh& mesh) {
 }
 
 /// Some of the ids [0, count), each with the given chance.
-inline std::vector<Index> randomIds(std::mt19937& random, Index count, double chance) {
-  std::vector<Index> ids;
+template <AnyId Id>
+std::vector<Id> randomIds(std::mt19937& random, Index count, double chance) {
+  std::vector<Id> ids;
   for (Index i = 0; i < count; ++i)
     if (random() < chance * 4294967296.0) ids.push_back(i);
   return ids;

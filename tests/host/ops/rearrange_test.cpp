@@ -13,7 +13,7 @@ using namespace host::ops::testing;
 TEST_CASE("triangulateFaces: the listed faces become triangles, the others stay as they are") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
     Mesh edited = mesh;
-    const auto faces = randomIds(random, mesh.faceCount(), chance);
+    const auto faces = randomIds<FaceId>(random, mesh.faceCount(), chance);
     const auto result = triangulateFaces(edited, faces);
     REQUIRE(result.has_value());
     requireSound(edited);
@@ -53,7 +53,7 @@ TEST_CASE("triangulateFaces: the listed faces become triangles, the others stay 
 TEST_CASE("reverseFaces: twice is nothing, once turns every normal") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
     Mesh edited = mesh;
-    const auto faces = randomIds(random, mesh.faceCount(), chance);
+    const auto faces = randomIds<FaceId>(random, mesh.faceCount(), chance);
     REQUIRE(reverseFaces(edited, faces));
     requireSound(edited);
     for (const FaceId f : faces)
@@ -71,7 +71,7 @@ TEST_CASE("conformFaces: finds the faces that were turned over") {
        zoo::meshZoo(Has::Faces | Has::Manifold | Has::Closed, Has::SeveralShells)) {
     INFO(entry.name);
     Mesh mesh = entry.mesh;
-    const auto turned = randomIds(random, mesh.faceCount(), 0.2);
+    const auto turned = randomIds<FaceId>(random, mesh.faceCount(), 0.2);
     if (2 * turned.size() >= static_cast<std::size_t>(mesh.faceCount())) continue;
     REQUIRE(reverseFaces(mesh, turned));
     CHECK(conformFaces(mesh, zoo::allFaces(mesh)).value() == turned);

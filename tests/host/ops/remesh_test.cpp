@@ -117,7 +117,7 @@ TEST_CASE("remeshFaces: any part of any mesh stays sound; what can't be is refus
     double mean = 0;
     for (EdgeId e = 0; e < mesh.edgeCount(); ++e) mean += lengthOf(mesh, e) / mesh.edgeCount();
     const Mesh before = mesh;
-    const auto faces = randomIds(random, mesh.faceCount(), chance);
+    const auto faces = randomIds<FaceId>(random, mesh.faceCount(), chance);
     const auto made = remeshFaces(
         mesh, faces, {.longest = std::max(0.8 * mean, 1e-3), .rounds = 3, .mostTriangles = 20000});
     if (!made)

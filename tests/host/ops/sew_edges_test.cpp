@@ -70,7 +70,7 @@ TEST_CASE("sewEdges: only ends within the tolerance, measured in the space that 
 
 TEST_CASE("sewEdges: any edges of any mesh leave it sound") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
-    const auto edges = randomIds(random, mesh.edgeCount(), chance);
+    const auto edges = randomIds<EdgeId>(random, mesh.edgeCount(), chance);
     for (const double tolerance : {1e-5, 0.5, 5.0}) {
       Mesh sewn = mesh;
       REQUIRE(sewEdges(sewn, edges, {.tolerance = tolerance}).has_value());

@@ -49,7 +49,7 @@ class Oracle {
     descriptor.numVertices = mesh.vertexCount();
     descriptor.numFaces = mesh.faceCount();
     descriptor.numVertsPerFace = sizes.data();
-    descriptor.vertIndicesPerFace = mesh.topology().cornerVertices.data();
+    descriptor.vertIndicesPerFace = IdView(mesh.topology().cornerVertices).data();
     descriptor.numCreases = static_cast<int>(creaseWeights.size());
     descriptor.creaseVertexIndexPairs = creaseEnds.data();
     descriptor.creaseWeights = creaseWeights.data();
@@ -61,7 +61,7 @@ class Oracle {
     hasUvs_ = !uvs.cornerIds.empty() &&
               *std::min_element(uvs.cornerIds.begin(), uvs.cornerIds.end()) >= 0;
     channel.numValues = static_cast<int>(uvs.points.size());
-    channel.valueIndices = uvs.cornerIds.data();
+    channel.valueIndices = IdView(uvs.cornerIds).data();
     if (hasUvs_) {
       descriptor.numFVarChannels = 1;
       descriptor.fvarChannels = &channel;
@@ -200,7 +200,7 @@ TEST_CASE("smoothMesh: several steps at once are the steps one by one") {
 
 TEST_CASE("smoothMesh: any part of any mesh can be smoothed") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
-    const auto faces = randomIds(random, mesh.faceCount(), chance);
+    const auto faces = randomIds<FaceId>(random, mesh.faceCount(), chance);
     for (const bool keeps : {false, true}) {
       SmoothOptions options;
       options.divisions = 2;

@@ -11,7 +11,7 @@ using namespace host::ops::testing;
 
 TEST_CASE("splitRing: any edges, spacing and divisions leave a sound mesh of the same area") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
-    const auto edges = randomIds(random, mesh.edgeCount(), chance);
+    const auto edges = randomIds<EdgeId>(random, mesh.edgeCount(), chance);
     for (const int divisions : {1, 2, 5})
       for (const bool fixQuads : {false, true}) {
         SplitRingOptions options;
@@ -37,7 +37,7 @@ TEST_CASE("splitRing: any edges, spacing and divisions leave a sound mesh of the
     SplitRingOptions options;
     options.spacing = SplitRingOptions::Spacing::Even;
     options.divisions = 3;
-    REQUIRE(splitRing(edited, randomIds(random, edited.edgeCount(), 0.5), options));
+    REQUIRE(splitRing(edited, randomIds<EdgeId>(random, edited.edgeCount(), 0.5), options));
     CHECK(zoo::surfaceArea(edited) == doctest::Approx(zoo::surfaceArea(entry.mesh)).epsilon(1e-4));
   }
 }

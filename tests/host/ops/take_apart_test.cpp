@@ -47,7 +47,7 @@ TEST_CASE("separate: the pieces are connected, sound and united again they are t
 
 TEST_CASE("chipOff: what comes off is loose, and looks as it did") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
-    const auto faces = randomIds(random, mesh.faceCount(), chance);
+    const auto faces = randomIds<FaceId>(random, mesh.faceCount(), chance);
     for (const bool duplicate : {true, false})
       for (const bool together : {true, false}) {
         ChipOffOptions options;
@@ -89,7 +89,7 @@ TEST_CASE("chipOff: what comes off is loose, and looks as it did") {
 
 TEST_CASE("changeNormals: every mode over the zoo") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
-    const auto faces = randomIds(random, mesh.faceCount(), chance);
+    const auto faces = randomIds<FaceId>(random, mesh.faceCount(), chance);
     for (const NormalMode mode : {NormalMode::Reverse, NormalMode::Unlock, NormalMode::Conform,
                                   NormalMode::ReverseAndExtract, NormalMode::ReverseAndPropagate}) {
       Mesh edited = mesh;
@@ -159,7 +159,7 @@ TEST_CASE("quadrangulate: the squarest pair comes first, and creased edges stay"
 
 TEST_CASE("quadrangulate: listed triangles become at most pairs, nothing else changes") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
-    const auto faces = randomIds(random, mesh.faceCount(), chance);
+    const auto faces = randomIds<FaceId>(random, mesh.faceCount(), chance);
     Mesh edited = mesh;
     const auto result = quadrangulate(edited, faces);
     REQUIRE(result.has_value());
@@ -171,7 +171,7 @@ TEST_CASE("quadrangulate: listed triangles become at most pairs, nothing else ch
 
 TEST_CASE("ExtrudePlan: placed again and again it gives what extruding gives") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
-    const auto faces = randomIds(random, mesh.faceCount(), chance);
+    const auto faces = randomIds<FaceId>(random, mesh.faceCount(), chance);
     for (const bool together : {true, false}) {
       ExtrudeFacesOptions options;
       options.keepFacesTogether = together;

@@ -39,7 +39,7 @@ Mesh spherePatch(int side, double bend, bool hasUvs = true) {
         vertices.push_back(v);
     }
   Mesh mesh = *mesh::buildMesh(std::move(points), counts, vertices);
-  set.cornerIds.assign(vertices.begin(), vertices.end());
+  set.cornerIds = copyIds<UvId>(vertices);
   mesh.setUvSet(0, std::move(set));
   return mesh;
 }

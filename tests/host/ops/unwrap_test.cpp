@@ -24,7 +24,7 @@ Mesh foldedStrip() {
   mesh::UvSet set{.name = "map1", .points = {}, .cornerIds = {}};
   for (const float u : {0.0f, 0.5f, 0.1f, 0.6f})
     for (const float v : {0.0f, 0.5f}) set.points.push_back({u, v});
-  set.cornerIds.assign(vertices.begin(), vertices.end());
+  set.cornerIds = copyIds<UvId>(vertices);
   mesh.setUvSet(0, std::move(set));
   return mesh;
 }

@@ -84,7 +84,7 @@ TEST_CASE("cutUvs makes borders of the edges it counts and of no others, and mov
         const int set = mesh.currentUvSet();
         const auto places = cornerPlaces(mesh, set);
         const std::vector<EdgeId> before = seams(mesh, set);
-        const std::vector<EdgeId> edges = randomIds(random, mesh.edgeCount(), chance);
+        const std::vector<EdgeId> edges = randomIds<EdgeId>(random, mesh.edgeCount(), chance);
         const CutUvsResult result = cutUvs(mesh, set, edges);
         requireSound(mesh);
         REQUIRE(cornerPlaces(mesh, set) == places);
@@ -139,7 +139,7 @@ TEST_CASE("sewing what was cut from a flat map gives the map back") {
   for (const bool moves : {false, true})
     for (const double chance : {0.05, 0.3, 0.7}) {
       Mesh mesh = whole;
-      cutUvs(mesh, 0, randomIds(random, mesh.edgeCount(), chance));
+      cutUvs(mesh, 0, randomIds<EdgeId>(random, mesh.edgeCount(), chance));
       const SewUvsResult result = sewUvs(mesh, 0, zoo::allEdges(mesh), {.moves = moves});
       CHECK(result.open == 0);
       CHECK(seams(mesh, 0).empty());
@@ -178,7 +178,7 @@ TEST_CASE("random cuts and sewings over the zoo keep the map sound") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
     const int set = mesh.currentUvSet();
     for (int round = 0; round < 6; ++round) {
-      const auto edges = randomIds(random, mesh.edgeCount(), chance);
+      const auto edges = randomIds<EdgeId>(random, mesh.edgeCount(), chance);
       if (random() % 2)
         cutUvs(mesh, set, edges);
       else

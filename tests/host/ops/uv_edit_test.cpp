@@ -103,8 +103,9 @@ TEST_CASE("edits of UVs over the zoo keep meshes sound, without UVs too") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
     const int set = mesh.currentUvSet();
     for (int round = 0; round < 8; ++round) {
-      const auto faces = randomIds(random, mesh.faceCount(), chance);
-      const auto uvs = randomIds(random, static_cast<Index>(mesh.uvSet(set).points.size()), chance);
+      const auto faces = randomIds<FaceId>(random, mesh.faceCount(), chance);
+      const auto uvs =
+          randomIds<UvId>(random, static_cast<Index>(mesh.uvSet(set).points.size()), chance);
       switch (random() % 7) {
         case 0:
           unitizeUvs(mesh, set, faces);

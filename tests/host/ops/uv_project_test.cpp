@@ -75,7 +75,7 @@ TEST_CASE("a planar projection puts the plane's middle in the image's and its si
 
 TEST_CASE("projecting some faces leaves the others their UVs") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
-    const auto faces = randomIds(random, mesh.faceCount(), chance);
+    const auto faces = randomIds<FaceId>(random, mesh.faceCount(), chance);
     const Mesh before = mesh;
     const int set = mesh.currentUvSet();
     REQUIRE(projectUvs(mesh, set, faces, {.width = 3, .height = 3}));

@@ -54,7 +54,7 @@ TEST_CASE("mergeVertices: any selection and distance leaves a sound mesh") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
     for (const double distance : {0.0, 0.3, 1.2, 100.0}) {
       Mesh edited = mesh;
-      const auto ids = randomIds(random, mesh.vertexCount(), chance);
+      const auto ids = randomIds<VertexId>(random, mesh.vertexCount(), chance);
       const auto result = mergeVertices(edited, ids, {distance, false, {}});
       REQUIRE(result.has_value());
       requireSound(edited);
@@ -115,7 +115,7 @@ TEST_CASE("mergeVertices: bad input changes nothing") {
 TEST_CASE("collapse: any selection of edges or faces leaves a sound mesh, each part at its mean") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
     Mesh edited = mesh;
-    const auto edges = randomIds(random, mesh.edgeCount(), chance);
+    const auto edges = randomIds<EdgeId>(random, mesh.edgeCount(), chance);
     const auto result = collapseEdges(edited, edges);
     REQUIRE(result.has_value());
     requireSound(edited);
@@ -125,7 +125,7 @@ TEST_CASE("collapse: any selection of edges or faces leaves a sound mesh, each p
             result->maps.vertices[static_cast<std::size_t>(b)]);
     }
     Mesh other = mesh;
-    REQUIRE(collapseFaces(other, randomIds(random, mesh.faceCount(), chance)));
+    REQUIRE(collapseFaces(other, randomIds<FaceId>(random, mesh.faceCount(), chance)));
     requireSound(other);
   });
 }
@@ -154,7 +154,7 @@ TEST_CASE(
     "before") {
   overZoo([](Mesh mesh, std::mt19937& random, double chance) {
     Mesh edited = mesh;
-    const auto faces = randomIds(random, mesh.faceCount(), chance);
+    const auto faces = randomIds<FaceId>(random, mesh.faceCount(), chance);
     const auto maps = deleteFaces(edited, faces);
     REQUIRE(maps.has_value());
     requireSound(edited);

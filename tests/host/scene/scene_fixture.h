@@ -61,7 +61,8 @@ struct Scene {
     Node& above = transform(name);
     Node& shape = make("mesh", std::string(name) + "Shape", &above);
     std::vector<math::Vec3f> points(static_cast<std::size_t>(faces) * 3);
-    std::vector<Index> counts, vertices;
+    std::vector<Index> counts;
+    std::vector<VertexId> vertices;
     for (int f = 0; f < faces; ++f) {
       counts.push_back(3);
       for (int k = 0; k < 3; ++k) {

@@ -176,7 +176,7 @@ TEST_CASE(
   mesh::UvSet& uvs = item.mesh.editUvSet(0);
   for (VertexId v = 0; v < item.mesh.vertexCount(); ++v)
     uvs.points.push_back({static_cast<float>(v % 3) / 2, static_cast<float>(v / 3) / 2});
-  uvs.cornerIds = item.mesh.topology().cornerVertices;
+  uvs.cornerIds = copyIds<UvId>(item.mesh.topology().cornerVertices);
   item.texture = std::make_shared<Texture>(Texture{2, 1, {255, 0, 0, 255, 0, 0, 255, 255}});
   scene.options.style = DisplayStyle::Shaded;
   scene.meshes.push_back(item);
