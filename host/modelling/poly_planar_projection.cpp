@@ -13,6 +13,10 @@ Result<void> project(HistoryContext& context) {
 
 Result<void> fit(Context& context, const ParsedArgs& args, Node& node, const MeshItem& item,
                  const std::vector<Index>& faces) {
+  if (args.has("projectionHorizontalSweep"))
+    return fail(
+        "-projectionHorizontalSweep is for cylinders and spheres: a plane's size across is "
+        "-projectionWidth");
   HOST_TRY(chooseUvSet(context, args, node, item));
   return fitProjection(context, args, node, item, faces, ops::UvProjectionShape::Planar);
 }
@@ -26,15 +30,20 @@ void polyPlanarProjection(Declarations& add) {
           .takes(ComponentType::Face);
   addProjection(declaration, {real("projectionWidth", "pw", 1), real("projectionHeight", "ph", 1)});
   addUvSetName(declaration);
-  ExtraFlag ratio{"kir", "keepImageRatio", {}, kCreate};
-  ratio.meaning = "one size across and up";
-  declaration.extraFlag(ratio)
+  ExtraFlag sweep{"phs", "projectionHorizontalSweep", {ArgType::Angle}, kCreate};
+  sweep.meaning = "refused: a plane has no sweep but a width";
+  ExtraFlag seam{"sc", "seamCorrect", {ArgType::Bool}, kCreate};
+  seam.meaning = "changes nothing: a plane has no seam";
+  declaration.extraFlag(keepImageRatio("one size across and up"))
+      .extraFlag(sweep)
+      .extraFlag(seam)
       .parameter(real("radius", "r", 1), "of other projections")
       .noFlag()
       .recordedOnly()
       .afterFlags(fit)
       .trial("-md y", "f")
       .trial("-md b -kir -ws 1", "f")
+      .trial("-md x -kir off -sc 1", "f")
       .trial("-ro 10 20 30 -pc 1 2 3 -ps 2 3 -is 0.5 2 -ra 30 -cm 1 -uvs other", "f")
       .operation(project);
 }

@@ -1,5 +1,6 @@
 // polyProjection: the planar, cylindrical or spherical projection under one name.
 #include <algorithm>
+#include <cctype>
 
 #include "host/builtins/uv/uv_edits.h"
 
@@ -16,10 +17,14 @@ constexpr Kind kKinds[] = {{"planar", "polyPlanarProjection"},
                            {"spherical", "polySphericalProjection"}};
 
 CommandResult polyProjection(Context& context, const ParsedArgs& args) {
-  const std::string type = args.text("type", "planar");
+  std::string type = args.text("type", "planar");
+  std::ranges::transform(type, type.begin(), [](unsigned char letter) {
+    return static_cast<char>(std::tolower(letter));  // scripts write Planar as well as planar
+  });
   const auto kind = std::ranges::find(kKinds, type, &Kind::type);
   if (kind == std::end(kKinds))
-    return fail("polyProjection: -type is planar, cylindrical or spherical, not '{}'.", type);
+    return fail("polyProjection: -type is planar, cylindrical or spherical, not '{}'.",
+                args.text("type"));
   const bool isPlanar = kind->type == "planar";
   std::vector<mel::Value> words;
   const auto add = [&](const std::string& word) { words.emplace_back(word); };
@@ -39,16 +44,15 @@ CommandResult polyProjection(Context& context, const ParsedArgs& args) {
         words.push_back(value);
     }
   }
-  if (isPlanar) {
-    if (args.has("mapDirection") || args.flagUses().empty()) {
-      add("-mapDirection");
-      add(args.text("mapDirection", "bestPlane"));
-    }
-    if (args.has("keepImageRatio")) add("-keepImageRatio");
-  } else if (args.has("seamCorrect")) {
-    add("-seamCorrect");
-    words.emplace_back(true);
+  if (args.has("mapDirection") || (isPlanar && args.flagUses().empty())) {
+    add("-mapDirection");
+    add(args.text("mapDirection", "bestPlane"));
   }
+  for (const char* name : {"keepImageRatio", "seamCorrect"})
+    if (args.has(name)) {
+      add(std::string("-") + name);
+      words.emplace_back(true);
+    }
   auto list = args.resolveObjects(context.document);
   if (!list) return failWith(std::move(list.error()));
   for (const std::string& name : list->names()) add(name);

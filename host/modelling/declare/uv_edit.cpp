@@ -148,6 +148,13 @@ Result<void> chooseUvSet(Context& context, const ParsedArgs& args, Node& node,
   return context.document.graph().set(node.plug("uvSetName"), dg::Value(free));
 }
 
+ExtraFlag keepImageRatio(std::string meaning) {
+  ExtraFlag flag{"kir", "keepImageRatio", {ArgType::Bool}, kCreate};
+  flag.hasOptionalArgs = true;  // alone it means on
+  flag.meaning = std::move(meaning);
+  return flag;
+}
+
 void addProjection(Declaration& declaration, ProjectionSize size) {
   declaration
       .parameter(triple("projectionCenter", "pc", AttributeType::Distance),
@@ -226,7 +233,8 @@ Result<void> fitProjection(Context& context, const ParsedArgs& args, Node& node,
       const Vec3 extent = box.max - box.min;
       const auto orOne = [](double x) { return x > 1e-12 ? x : 1.0; };
       double width = orOne(extent.x), height = orOne(extent.y);
-      if (args.has("keepImageRatio")) width = height = std::max(extent.x, extent.y);
+      if (args.has("keepImageRatio") && args.boolean("keepImageRatio", true))
+        width = height = std::max(extent.x, extent.y);
       if (!hasAny(args, {"projectionScale", "projectionWidth", "projectionHeight"})) {
         if (shape == UvProjectionShape::Planar)
           HOST_TRY(setNumber(context, size.child(0), orOne(width)));
@@ -247,6 +255,8 @@ void addRoundProjection(Declaration& declaration, ops::UvProjectionShape shape, 
   declaration.takes(ComponentType::Face);
   addProjection(declaration, std::move(size));
   addUvSetName(declaration);
+  declaration.extraFlag(
+      keepImageRatio("changes nothing: the size around is an angle that no face's size sets"));
   declaration.parameter(boolean("seamCorrect", "sc"), "faces across the seam go on beyond it")
       .parameter(real("radius", "r", radius), std::move(radiusHelp))
       .recordedOnly()

@@ -28,6 +28,8 @@ struct ProjectionSize {
   AttributePtr u, v;
 };
 void addProjection(Declaration& declaration, ProjectionSize size);
+/// `-keepImageRatio`, which may be followed by on or off and alone means on.
+[[nodiscard]] ExtraFlag keepImageRatio(std::string meaning);
 /// The projection that a node's attributes say.
 [[nodiscard]] ops::UvProjection projectionOf(const HistoryContext& context,
                                              ops::UvProjectionShape shape);
