@@ -87,7 +87,7 @@ Result<Index> leaveOut(dg::Graph& graph, const ParsedArgs& args, Node& node, Ind
     shells.push_back(shell);
   }
   std::ranges::sort(shells);
-  shells.erase(std::ranges::unique(shells).begin(), shells.end());
+  shells.erase(std::unique(shells.begin(), shells.end()), shells.end());
   if (shells.empty()) return count;
   if (static_cast<Index>(shells.size()) >= count)
     return fail("polySeparate: -removeShells leaves no piece.");

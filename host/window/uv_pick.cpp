@@ -73,7 +73,7 @@ std::vector<Index> uvComponentsIn(const Mesh& mesh, int uvSet, ComponentType typ
     }
   });
   std::ranges::sort(found);
-  found.erase(std::ranges::unique(found).begin(), found.end());
+  found.erase(std::unique(found.begin(), found.end()), found.end());
   return found;
 }
 

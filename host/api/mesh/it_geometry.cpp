@@ -106,7 +106,7 @@ void limitTo(MItGeometry& iterator, const std::vector<scene::Component>& compone
     vertices.insert(vertices.end(), more.begin(), more.end());
   }
   std::ranges::sort(vertices);
-  vertices.erase(std::ranges::unique(vertices).begin(), vertices.end());
+  vertices.erase(std::unique(vertices.begin(), vertices.end()), vertices.end());
   own->limit(std::move(vertices));
 }
 

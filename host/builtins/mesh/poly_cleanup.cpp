@@ -178,7 +178,7 @@ std::vector<std::string> findingNames(const MeshItem& item, const Findings& foun
   std::vector<EdgeId> edges = found.collapse;
   edges.insert(edges.end(), found.split.begin(), found.split.end());
   std::ranges::sort(edges);
-  edges.erase(std::ranges::unique(edges).begin(), edges.end());
+  edges.erase(std::unique(edges.begin(), edges.end()), edges.end());
   std::vector<std::string> names = namesOf(item, faces);
   for (const auto& more : {namesOf(item, edges), namesOf(item, found.part)})
     names.insert(names.end(), more.begin(), more.end());

@@ -199,8 +199,9 @@ class Differ {
       edits.emplace_back(path, text + written.substr(written.find('\t') + 1));
     }
     // What was locked has to be free before anything above it can be set.
-    std::ranges::stable_partition(
-        edits, [](const auto& edit) { return edit.second.find(" -l off") != std::string::npos; });
+    std::stable_partition(edits.begin(), edits.end(), [](const auto& edit) {
+      return edit.second.find(" -l off") != std::string::npos;
+    });
     for (const auto& [path, value] : edits) add(node, ReferenceEdit::SetAttr, {name, path, value});
     addPoints(node, before, name);
   }

@@ -196,7 +196,7 @@ std::vector<VertexId> deformedVertices(Node& cluster, Index geometry, const mesh
              mesh, component.type(), componentIds(mesh, component), mesh::ComponentType::Vertex))
       some.push_back(v);
   std::ranges::sort(some);
-  some.erase(std::ranges::unique(some).begin(), some.end());
+  some.erase(std::unique(some.begin(), some.end()), some.end());
   return some;
 }
 

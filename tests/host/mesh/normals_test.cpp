@@ -147,7 +147,7 @@ TEST_CASE("triangulateLoop: the corner of a bevel has no dents, wherever its loo
         REQUIRE(triangles.size() == loop.size() - 2);
         for (const LoopTriangle& t : triangles)
           CHECK(length(loop[at(t[0])] + loop[at(t[1])] + loop[at(t[2])]) / 3 > 0.8);
-        std::ranges::rotate(loop, loop.begin() + 1);
+        std::rotate(loop.begin(), loop.begin() + 1, loop.end());
       }
     }
 }
