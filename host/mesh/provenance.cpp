@@ -199,6 +199,9 @@ ProvenanceTrail::ProvenanceTrail(const Mesh& start) : start_(start), outer_(curr
 
 ProvenanceTrail::~ProvenanceTrail() {
   current = outer_;
+  // Who followed from further out hears of it too.
+  if (!outer_) return;
+  for (Step& step : steps_) outer_->steps_.push_back(std::move(step));
 }
 
 bool ProvenanceTrail::isFollowed() {
