@@ -48,6 +48,28 @@ class PlugInCommand final : public PluginCommand {
   Session& session_;
 };
 
+/// Makes a node by itself, and finds nothing to do where it is told so.
+class MakingCommand final : public PluginCommand {
+ public:
+  MakingCommand(dg::Graph& graph, dg::NodePtr node, const bool& isIdle)
+      : graph_(graph), node_(std::move(node)), isIdle_(isIdle) {}
+  Result<void> doIt(std::span<const mel::Value>) override { return {}; }
+  Result<void> undoIt() override {
+    return node_->isAlive() ? graph_.deleteNode(*node_) : Result<void>();
+  }
+  Result<void> redoIt() override {
+    if (!isIdle_) node_ = graph_.createNode(node_->type(), "made");
+    return {};
+  }
+  [[nodiscard]] bool isUndoable() const override { return true; }
+  [[nodiscard]] mel::Value result() const override { return {}; }
+
+ private:
+  dg::Graph& graph_;
+  dg::NodePtr node_;
+  const bool& isIdle_;
+};
+
 /// A session with one number, and commands that change it.
 struct Host {
   Session session{scene::test::registerTypes, {}};
@@ -202,6 +224,23 @@ TEST_CASE("a plug-in command is undone by itself, between the commands that ran 
   CHECK(host.number() == 50);
   host.undo();
   CHECK(host.number() == 130);
+}
+
+TEST_CASE("a redo that makes its node anew makes the same one, after a redo that made none too") {
+  Host host;
+  dg::Graph& graph = host.session.document().graph();
+  const dg::NodePtr node = graph.createNode(*host.session.types().find("value"), "made");
+  bool isIdle = false;
+  const auto change = makePluginChange(
+      "making", std::make_unique<MakingCommand>(graph, node, isIdle), &graph, {node});
+  for (const bool idle : {false, true, false}) {
+    CAPTURE(idle);
+    REQUIRE(change->undo());
+    CHECK_FALSE(node->isAlive());
+    isIdle = idle;
+    REQUIRE(change->redo());
+    CHECK(node->isAlive() == !idle);
+  }
 }
 
 TEST_CASE("commands that call themselves end in an error, with the document as it was") {

@@ -212,6 +212,24 @@ TEST_CASE("xform: pivots go to the middle of the box, another rotate order turns
   CHECK(math::distance(worldPoint(scene, "bent", 2), corner) > 0.01);
 }
 
+TEST_CASE("xform: in the world, relative amounts go along the world's axes below whatever") {
+  Place place;
+  Scene& scene = place.scene;
+  const Vec3 by{0.7, -1.1, 2.3}, corner = worldPoint(scene, "bent", 0);
+  REQUIRE(xform(*scene.document, scene.list("bent"),
+                {.isRelative = true, .isWorld = true, .translation = by}));
+  checkNear(worldPoint(scene, "bent", 0), corner + by);
+  for (const double size : {2.0, -2.0}) {
+    CAPTURE(size);
+    scene.setVec3("group.scale", {size, size, size});
+    const Vec3 centre = math::transformPoint(Vec3{}, scene.path("bent").inclusiveMatrix());
+    const Vec3 arm = worldPoint(scene, "bent", 0) - centre;
+    REQUIRE(xform(*scene.document, scene.list("bent"),
+                  {.isRelative = true, .isWorld = true, .rotation = Vec3{0, kQuarter, 0}}));
+    checkNear(worldPoint(scene, "bent", 0) - centre, {arm.z, arm.y, -arm.x});
+  }
+}
+
 TEST_CASE("freeze: what is seen stays, the transform is neutral, and an instance is refused") {
   Place place;
   Scene& scene = place.scene;
