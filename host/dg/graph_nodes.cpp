@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <utility>
 
 #include "host/dg/graph_impl.h"
 
@@ -48,7 +49,11 @@ class NodeLifeChange final : public Change {
     HOST_TRY(mayReplay(impl_, *node_, Graph::Replay::Removal));
     impl_.notify([&](GraphObserver& observer) { observer.nodeLeaving(*node_); });
     if (!node_->isAlive()) return fail("'{}' was deleted", node_->name());
-    // Connections that nobody recorded go with the node and come back with it.
+    // Connections that nobody recorded go with the node and come back with it. Those that came back
+    // with it last time go as they came: their other ends hold what they held before, not what
+    // somebody looked at while they were driven.
+    for (auto& each : std::exchange(revived_, {}))
+      if (each->redo()) severed_.push_back(std::move(each));
     for (const auto& slot : NodeAccess::slots(*node_))
       if (slot)
         for (auto& each : impl_.severBelow(*slot)) severed_.push_back(std::move(each));
@@ -60,7 +65,9 @@ class NodeLifeChange final : public Change {
       return fail(ErrorKind::BadArgument, "'{}' is there already", node_->name());
     HOST_TRY(mayReplay(impl_, *node_, Graph::Replay::Revival));
     impl_.putIn(node_);
-    Graph::Impl::restore(severed_);
+    for (auto each = severed_.rbegin(); each != severed_.rend(); ++each)
+      (void)(*each)->undo();  // one whose other end is gone stays broken
+    revived_ = std::exchange(severed_, {});
     return {};
   }
 
@@ -68,6 +75,7 @@ class NodeLifeChange final : public Change {
   NodePtr node_;
   bool isCreation_;
   std::vector<std::unique_ptr<Change>> severed_;
+  std::vector<std::unique_ptr<Change>> revived_;  // severed before, and made again
 };
 
 class RenameChange final : public Change {
