@@ -142,8 +142,9 @@ void transferAttributes(Declarations& add) {
   ExtraFlag front{"foc", kFrontOfChainFlag, {}, kCreate};
   front.meaning = "in front of the target's deformers: samples and changes it at rest";
   declaration.extraFlag(after).extraFlag(front);
-  declaration.node("transferAttributes", typeCode("PTRA"), "polyModifierWorld")
-      .takes(ComponentType::Face)
+  declaration.node("transferAttributes", typeCode("PTRA"), "polyModifierWorld");
+  ignoreWorldSpace(declaration);  // -sampleSpace says which
+  declaration.takes(ComponentType::Face)
       .parameter(shortInteger("transferPositions", "pos"), "places, of points")
       .parameter(shortInteger("transferNormals", "nml"), "normals, which are locked then")
       .parameter(shortInteger("transferUVs", "uvs"), "0 none, 1 one set, 2 all")

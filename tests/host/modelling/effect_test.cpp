@@ -134,3 +134,37 @@ TEST_CASE("modelling commands: parameters do something, or say that they do noth
     }
   }
 }
+
+TEST_CASE(
+    "commands that take from another object: parameters do something, or say that they don't") {
+  const MessageCapture quiet;
+  Effects effects;
+  std::vector<const Declaration*> commands;
+  for (const char* name : {"transferAttributes", "polyTransfer"})
+    commands.push_back(declarations().ofCommand(name));
+  int scenes = 0;
+  for (const zoo::ZooMesh& entry : zoo::meshZoo(zoo::Has::Faces)) {
+    ZooScene scene(entry.build());
+    // The other object differs in places, UVs and colours, and has a border between two colours.
+    const bool isMade = scene.run("duplicate -n other zoo; move -r 0.2 0.4 0.1 other; ") &&
+                        scene.run("move -r 0.3 0 0.1 other.vtx[0]") &&
+                        scene.run("polyEditUV -u 0.3 -v 0.1 other.map[*]") &&
+                        scene.run("polyColorPerVertex -rgb 1 0 0 other") &&
+                        scene.run("polyColorPerVertex -rgb 0 1 0 other.f[0]");
+    if (!isMade) continue;
+    ++scenes;
+    for (const char* flags : {"-pos 1 -nml 1 -uvs 2 -col 2 -spa 0", "-uvs 1 -col 1 -spa 1 -sm 0",
+                              "-pos 1 -uvs 1 -spa 4", "-col 2 -spa 3"})
+      effects.tryOn(scene, *commands[0], {std::string(flags) + " other zoo", ""});
+    effects.tryOn(scene, *commands[1], {"-v 0 -uv 0 -vc 0 -ao other zoo", ""});
+  }
+  CHECK(scenes > 5);
+  for (const Declaration* declaration : commands)
+    for (const Parameter* parameter : declarations().parametersOf(*declaration)) {
+      const AttributePtr& attribute = parameter->attribute;
+      if (attribute->isArray || (!attribute->isNumeric() && !attribute->isCompound())) continue;
+      INFO(declaration->command, ".", attribute->longName);
+      CHECK(effects.isSeen(*declaration, *parameter) ==
+            (parameter->effect == Parameter::Effect::Full));
+    }
+}
