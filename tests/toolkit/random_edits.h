@@ -317,7 +317,8 @@ class randomEdits {
       const std::uint64_t before = hash();
       const bool isDone = redo();
       hashes.pop_back();
-      if (!isDone && hash() != before) fail("the refused redo of '" + name + "' changed the scene");
+      if (isOwn && !isDone && hash() != before)
+        fail("the refused redo of '" + name + "' changed the scene");
       if (isExact && (!isDone || hash() != hashes.back()))
         fail("redo of '" + name + "' did not give back what undo took");
       if (!fault_.empty()) return;
