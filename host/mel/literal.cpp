@@ -2,6 +2,8 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
+#include <sstream>
 
 namespace host::mel {
 namespace {
@@ -53,6 +55,25 @@ std::string flagWords(const Value& value) {
     default:
       return joined(value.toTexts(), [](const std::string& each) { return quoted(each); });
   }
+}
+
+std::vector<Value> plainWords(const std::string& line) {
+  std::vector<Value> words;
+  std::istringstream in(line);
+  for (std::string word; in >> word;) {
+    const char* const end = word.data() + word.size();
+    std::int32_t whole = 0;
+    double real = 0;
+    if (const auto read = std::from_chars(word.data(), end, whole);
+        read.ec == std::errc() && read.ptr == end)
+      words.emplace_back(whole);
+    else if (const auto rest = std::from_chars(word.data(), end, real);
+             rest.ec == std::errc() && rest.ptr == end && std::isfinite(real))
+      words.emplace_back(real);
+    else
+      words.emplace_back(std::move(word));
+  }
+  return words;
 }
 
 }  // namespace host::mel

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/mel/value.h"
 
@@ -13,5 +14,8 @@ namespace host::mel {
 /// A value as the words of a flag that takes it: numbers to the last bit, texts quoted, the
 /// elements of arrays between blanks.
 [[nodiscard]] std::string flagWords(const Value& value);
+
+/// The words of a line without quotes as values: numbers as such, flags and names as texts.
+[[nodiscard]] std::vector<Value> plainWords(const std::string& line);
 
 }  // namespace host::mel

@@ -2,8 +2,8 @@
 
 #include <QMenuBar>
 #include <QVBoxLayout>
-#include <sstream>
 
+#include "host/mel/literal.h"
 #include "host/workspace/last_command.h"
 #include "host/workspace/workspace.h"
 
@@ -48,21 +48,6 @@ constexpr Entry kEdit[] = {
     {"Unpin All", "polyPinUV -op 2"},
 };
 
-std::vector<mel::Value> wordsOf(const char* line) {
-  std::vector<mel::Value> words;
-  std::istringstream in(line);
-  for (std::string word; in >> word;) {
-    const bool isFlag = word[0] == '-' && word.size() > 1 && std::isalpha(word[1]) != 0;
-    if (isFlag || word.find_first_not_of("-0123456789.") != std::string::npos)
-      words.emplace_back(word);
-    else if (word.find('.') != std::string::npos)
-      words.emplace_back(std::stod(word));
-    else
-      words.emplace_back(std::stoi(word));
-  }
-  return words;
-}
-
 }  // namespace
 
 UvPanel::UvPanel(Person& person, QWidget* parent)
@@ -98,7 +83,7 @@ UvPanel::UvPanel(Person& person, QWidget* parent)
 
 void UvPanel::addCommand(QMenu& menu, const char* label, const char* line) {
   connect(menu.addAction(tr(label)), &QAction::triggered, this, [this, label, line] {
-    std::vector<mel::Value> words = wordsOf(line);
+    std::vector<mel::Value> words = mel::plainWords(line);
     const std::string command = words.front().string();
     words.erase(words.begin());
     cmd::Session& session = person_.session();

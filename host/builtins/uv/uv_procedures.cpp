@@ -1,6 +1,4 @@
 // The procedures of the UV menus that scripts call. A script may define its own by the same names.
-#include <sstream>
-
 #include "host/builtins/mesh/perform_action.h"
 #include "host/builtins/uv/uv_edits.h"
 #include "host/mel/literal.h"
@@ -29,21 +27,6 @@ constexpr Procedure kProcedures[] = {
     {"performPolyLayoutUV", "polyLayoutUV -lm 1 -sc 1 -se 0 -rbf 1 -fr 1 -ps 0.2 -l 2", "f"},
 };
 
-/// The words of one of the lines above: flags and numbers.
-std::vector<mel::Value> wordsOf(const std::string& line) {
-  std::vector<mel::Value> words;
-  std::istringstream in(line);
-  for (std::string word; in >> word;) {
-    if (word.find_first_not_of("0123456789.") != std::string::npos)
-      words.emplace_back(word);
-    else if (word.find('.') != std::string::npos)
-      words.emplace_back(std::stod(word));
-    else
-      words.emplace_back(std::stoi(word));
-  }
-  return words;
-}
-
 CommandResult perform(Context& context, const ParsedArgs& args, const Procedure& procedure) {
   int option = 0;
   std::string line = procedure.line;
@@ -62,7 +45,7 @@ CommandResult perform(Context& context, const ParsedArgs& args, const Procedure&
     return fail("{}: there is no option box. Use 0 to run it, 2 for the line.", procedure.name);
   auto names = actionTargets(context, procedure.component, line);
   if (!names) return failWith(std::move(names.error()));
-  std::vector<mel::Value> words = wordsOf(line);
+  std::vector<mel::Value> words = mel::plainWords(line);
   const std::string command = words.front().string();
   words.erase(words.begin());
   for (std::string& name : *names) words.emplace_back(std::move(name));

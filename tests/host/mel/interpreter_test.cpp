@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "host/mel/literal.h"
 #include "tests/host/mel/script_host.h"
 
 namespace host::mel::test {
@@ -141,6 +142,16 @@ TEST_CASE("names complete") {
   CHECK(host.interpreter.complete("stringM") == std::vector<std::string>{"stringMine"});
   CHECK(host.interpreter.complete("ech") == std::vector<std::string>{"echo"});
   CHECK(host.interpreter.complete("$gS") == std::vector<std::string>{"$gStringCount"});
+}
+
+TEST_CASE("the words of a plain line: numbers as such, flags and names as texts") {
+  const auto words = plainWords(" polyEditUV -rot on  -a -90 -pu 0.5 -inf 7 . 5k");
+  REQUIRE(words.size() == 11);
+  for (const std::size_t text : {0, 1, 2, 3, 5, 7, 9, 10}) CHECK(words[text].isString());
+  CHECK(words[4].type() == Type::Int);
+  CHECK(words[4].intValue() == -90);
+  CHECK(words[6].floatValue() == 0.5);
+  CHECK(words[8].intValue() == 7);
 }
 
 TEST_CASE("conversions saturate and never depend on the locale") {
