@@ -51,6 +51,7 @@ TEST_CASE_FIXTURE(Careless, "callbacks that set off each other without end are c
 }
 
 TEST_CASE_FIXTURE(Careless, "nodes that a plug-in deletes on its own are refused by undo, once") {
+  run("createNode transform -n first");
   run("createNode transform -n a");
   run("createNode transform -n b");
   run("setAttr a.tx 3");
@@ -61,6 +62,9 @@ TEST_CASE_FIXTURE(Careless, "nodes that a plug-in deletes on its own are refused
   CHECK(hash() == before);
   run("undo");
   CHECK_FALSE(session->document().node("b"));
+  // What made the lost node went along with what was refused.
+  run("undo");
+  CHECK_FALSE(session->document().node("first"));
 }
 
 TEST_CASE_FIXTURE(Careless, "a redo that makes its nodes anew makes the same ones") {

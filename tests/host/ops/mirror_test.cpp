@@ -100,6 +100,21 @@ TEST_CASE("mirrorMesh: half a cube becomes a whole one") {
     CHECK(cube.adjacency().edgeFaces(e).size() == 2);
     CHECK(cube.adjacency().isManifoldEdge(e));
   }
+  // What is left of the old cube is known by its old ids.
+  const Mesh before = makeCube().value();
+  const EditMaps& maps = result->maps;
+  for (VertexId v = 0; v < before.vertexCount(); ++v) {
+    REQUIRE((maps.vertices[at(v)] == kNone) == (before.point(v).x > 0));
+    if (maps.vertices[at(v)] != kNone) CHECK(cube.point(maps.vertices[at(v)]) == before.point(v));
+  }
+  for (FaceId f = 0; f < before.faceCount(); ++f) {
+    REQUIRE((maps.faces[at(f)] == kNone) == (f == 4));
+    if (f == 4) continue;
+    const math::Vec3 old = mesh::faceAreaVector(before, f);
+    const math::Vec3 now = mesh::faceAreaVector(cube, maps.faces[at(f)]);
+    CHECK(math::dot(math::normalized(old), math::normalized(now)) == doctest::Approx(1));
+    CHECK(mesh::faceCenter(cube, maps.faces[at(f)]).x < 0);
+  }
   // Along the join the sides go on flat.
   int flat = 0;
   for (EdgeId e = 0; e < cube.edgeCount(); ++e)

@@ -2,6 +2,7 @@
 #include "host/ops/topology/sew_edges.h"
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 
 #include "host/mesh/normals.h"
@@ -60,9 +61,14 @@ TEST_CASE("sewEdges: only ends within the tolerance, measured in the space that 
   CHECK(sewEdges(near, allEdges(near),
                  {.tolerance = 0.15, .space = math::Matrix4::scaling({2, 2, 2})})
             ->sewn.empty());
-  REQUIRE(sewEdges(near, allEdges(near), {.tolerance = 0.15})->sewn.size() == 1);
+  // The gap lies around zero: what is near is found on either side of it, and meets halfway.
+  for (math::Vec3f& point : near.editPoints()) point.x -= 0.05F;
+  const auto sewn = sewEdges(near, allEdges(near), {.tolerance = 0.15});
+  REQUIRE(sewn->sewn.size() == 1);
   requireSound(near);
   CHECK(near.vertexCount() == 6);
+  for (const VertexId v : {near.edge(sewn->sewn[0]).a, near.edge(sewn->sewn[0]).b})
+    CHECK(std::abs(near.point(v).x) < 1e-6);
   CHECK_FALSE(sewEdges(near, allEdges(near), {.tolerance = -1}).has_value());
   const EdgeId bad[] = {99};
   CHECK_FALSE(sewEdges(near, bad).has_value());
