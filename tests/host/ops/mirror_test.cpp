@@ -1,5 +1,6 @@
 #include "host/ops/topology/mirror.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "host/mesh/normals.h"
@@ -106,6 +107,13 @@ TEST_CASE("mirrorMesh: half a cube becomes a whole one") {
   for (VertexId v = 0; v < before.vertexCount(); ++v) {
     REQUIRE((maps.vertices[at(v)] == kNone) == (before.point(v).x > 0));
     if (maps.vertices[at(v)] != kNone) CHECK(cube.point(maps.vertices[at(v)]) == before.point(v));
+  }
+  for (EdgeId e = 0; e < before.edgeCount(); ++e) {
+    const VertexId a = maps.vertices[at(before.edge(e).a)], b = maps.vertices[at(before.edge(e).b)];
+    if (a == kNone || b == kNone) continue;
+    REQUIRE(maps.edges[at(e)] != kNone);
+    const auto& edge = cube.edge(maps.edges[at(e)]);
+    CHECK(std::minmax({edge.a, edge.b}) == std::minmax({a, b}));
   }
   for (FaceId f = 0; f < before.faceCount(); ++f) {
     REQUIRE((maps.faces[at(f)] == kNone) == (f == 4));
