@@ -219,7 +219,7 @@ Result<std::vector<double>> counted(std::span<const mel::Value> values, std::siz
   if (!(count >= 0) || static_cast<double>(all->size()) < count * static_cast<double>(width))
     return fail(ErrorKind::BadArgument, "-type {} says {} elements, but {} values follow.", type,
                 count, all->size());
-  all->resize(at(count) * width);
+  all->resize(static_cast<std::size_t>(count) * width);
   return all;
 }
 
