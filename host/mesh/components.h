@@ -33,15 +33,6 @@ enum class Conversion {
                                                    Conversion conversion = Conversion::Connected,
                                                    int uvSet = 0);
 
-/// The same, told what to convert from and to by the ids' types: `converted<EdgeId>(mesh, faces)`.
-template <AnyId To, std::ranges::contiguous_range From>
-[[nodiscard]] std::vector<To> converted(const Mesh& mesh, const From& ids,
-                                        Conversion conversion = Conversion::Connected,
-                                        int uvSet = 0) {
-  return copyIds<To>(convertComponents(mesh, kTypeOf<std::ranges::range_value_t<From>>, IdView(ids),
-                                       kTypeOf<To>, conversion, uvSet));
-}
-
 /// The edges between a face of the set and the outside: shared with a face that is not in the set,
 /// or a border of the mesh. Sorted.
 [[nodiscard]] std::vector<EdgeId> boundaryEdges(const Mesh& mesh, std::span<const FaceId> faces);
