@@ -3,6 +3,7 @@
 #include <map>
 
 #include "host/builtins/common/command.h"
+#include "host/builtins/deform/meshes_named.h"
 #include "host/mesh/components.h"
 #include "host/nodes/history/deformers.h"
 #include "host/nodes/mesh_components.h"
@@ -105,12 +106,7 @@ Result<std::vector<WeightPlace>> weightPlaces(Context& context, const ParsedArgs
   if (!node.type().isA("weightGeometryFilter"))
     return fail("percent: '{}' has no weight for each point.", node.name());
   const dg::Plug lists = node.plug("weightList");
-  std::vector<std::string> names = args.objectNames();
-  names.erase(names.begin());
-  auto list = names.empty() ? Result<scene::SelectionList>(context.document.selection())
-                            : context.document.resolveAll(names);
-  if (!list) return failWith(std::move(list.error()));
-  const auto items = nodes::meshItems(*list);
+  const auto items = meshesAfterFirst(context, args);
   if (!items) return failWith(items.error());
   std::vector<WeightPlace> places;
   const auto shapes = nodes::deformedShapes(node);

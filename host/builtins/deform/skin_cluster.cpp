@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "host/builtins/common/command.h"
+#include "host/builtins/deform/meshes_named.h"
 #include "host/nodes/history/deformers.h"
 #include "host/nodes/mesh_components.h"
 
@@ -262,12 +263,7 @@ Result<WeightEdit> weightEdit(Context& context, const ParsedArgs& args, dg::Node
 CommandResult skinPercent(Context& context, const ParsedArgs& args) {
   const auto cluster = clusterNamed(context, "skinPercent", args.firstObject());
   if (!cluster) return failWith(cluster.error());
-  std::vector<std::string> names = args.objectNames();
-  names.erase(names.begin());
-  auto list = names.empty() ? Result<scene::SelectionList>(context.document.selection())
-                            : context.document.resolveAll(names);
-  if (!list) return failWith(std::move(list.error()));
-  const auto items = nodes::meshItems(*list);
+  const auto items = meshesAfterFirst(context, args);
   if (!items) return failWith(items.error());
   const auto shapes = nodes::deformedShapes(**cluster);
   for (const MeshItem& item : *items) {
