@@ -59,6 +59,9 @@ void noteEvaluatedElement(const Plug& element) {
   const Plug array = element.array();
   if (array.levels() > 1) return;  // goes with the element above
   if (!noted().empty() && noted().back().array == array && !noted().back().node.expired()) return;
+  // Nobody need ever undo: what scenes that are gone left goes before the list grows.
+  if (noted().size() == noted().capacity())
+    std::erase_if(noted(), [](const Noted& each) { return each.node.expired(); });
   noted().push_back({array.node()->shared_from_this(), array});
 }
 
