@@ -22,6 +22,7 @@ int main(int argc, char** argv) {
   }
   randomEdits::Counts sum;
   for (; sum.edits < wanted; ++seed) {
+    std::fprintf(stderr, "seed %u\n", seed);  // where it ends if a sanitizer ends it
     const host::MessageCapture quiet;
     (void)session->executeLine("file -f -new; undoInfo -swf on");
     randomEdits edits(*session, seed);
