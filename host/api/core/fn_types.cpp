@@ -256,7 +256,7 @@ bool toComponentType(MFn::Type type, scene::ComponentType& result) {
 MFn::Type fnTypeOf(const dg::Data& data) {
   for (const DataName& entry : kDataTypes)
     if (entry.name == data.typeName()) return entry.type;
-  if (data.typeName().substr(0, 7) == "numeric") return MFn::kNumericData;
+  if (dg::numericDataSize(data.typeName()) > 0) return MFn::kNumericData;
   return MFn::kPluginData;
 }
 
