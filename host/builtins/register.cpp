@@ -16,12 +16,15 @@ namespace host::builtins {
 #define HOST_BUILTIN_COMMANDS(X) \
   /* anim */ \
   X(ConstraintCommands) \
+  X(DrivenKeys) \
   X(Expression) \
+  X(KeyClipboard) \
   X(Keyframe) \
   X(Playback) \
   X(SetKeyframe) \
   /* attr */ \
   X(AttrExtras) \
+  X(CopyAttr) \
   X(AttrPresets) \
   X(AddAttr) \
   X(AttrState) \
@@ -52,6 +55,7 @@ namespace host::builtins {
   X(Partition) \
   X(RotateScale) \
   X(Sets) \
+  X(TransformQueries) \
   X(ShadingNode) \
   X(Ungroup) \
   X(Visibility) \
@@ -110,10 +114,12 @@ namespace host::builtins {
   X(ViewMessages) \
   X(WindowPref) \
   X(ConnectControl) \
+  X(ChannelBox) \
   X(EditorTemplates) \
   X(FileDialogs) \
   X(InterfaceState) \
   X(SmallCommands) \
+  X(UserCommands) \
   /* uv */ \
   X(PolyEditUv) \
   X(PolyForceUv) \
@@ -121,6 +127,7 @@ namespace host::builtins {
   X(UvLayouts) \
   X(UvProcedures) \
   /* view */ \
+  X(CameraMoves) \
   X(IsolateSelect) \
   X(LightCommands) \
   X(ModelEditor) \

@@ -18,7 +18,9 @@ class NumericData final : public Data {
   [[nodiscard]] std::string_view typeName() const override { return kind; }
   [[nodiscard]] bool equals(const Data& other) const override;
   [[nodiscard]] std::uint64_t hash() const override;
-  [[nodiscard]] bool isWhole() const { return kind.starts_with("long") || kind.starts_with("short"); }
+  [[nodiscard]] bool isWhole() const {
+    return kind.starts_with("long") || kind.starts_with("short");
+  }
 
   const std::string kind;            ///< "double3", "float2", "long3", ...
   const std::vector<double> values;  ///< as many as the kind says

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "host/dg/numeric_data.h"
 #include "host/scene/dag.h"
 
 namespace host::api {

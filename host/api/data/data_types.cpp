@@ -1,5 +1,7 @@
 #include "host/api/data/data_types.h"
 
+#include "host/dg/numeric_data.h"
+
 namespace host::api {
 namespace {
 

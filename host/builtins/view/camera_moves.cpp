@@ -119,7 +119,8 @@ CommandResult viewPlace(Context& context, const ParsedArgs& args) {
   viewport::Camera& camera = moved->camera;
   const Vec3 eye = args.vec3("eyePoint", camera.eye());
   Vec3 target = camera.centerOfInterestPoint();
-  if (args.has("viewDirection")) target = eye + args.vec3("viewDirection") * camera.centerOfInterest;
+  if (args.has("viewDirection"))
+    target = eye + args.vec3("viewDirection") * camera.centerOfInterest;
   if (args.has("lookAt")) target = args.vec3("lookAt");
   if (!(length(target - eye) > 1e-9))
     return fail("viewPlace: the camera can't look at the point that it stands on.");
@@ -148,8 +149,7 @@ Vec3 middleOf(scene::Document& document, const scene::SelectionList& selection) 
   for (const scene::SelectionItem& item : selection.items())
     if (const auto own = edits::worldBox(item)) box.add(*own);
   if (box.isEmpty())
-    for (dg::Node* top : document.worldChildren())
-      box.add(edits::worldBox(scene::firstPath(*top)));
+    for (dg::Node* top : document.worldChildren()) box.add(edits::worldBox(scene::firstPath(*top)));
   return box.isEmpty() ? Vec3() : box.center();
 }
 
@@ -202,7 +202,7 @@ CommandResult viewSet(Context& context, const ParsedArgs& args) {
   auto done = put(context, *moved);
   if (!done || !args.has("fit")) return done;
   const std::vector<mel::Value> words{std::string("-fitFactor"), args.real("fitFactor", 0.9),
-                                moved->path.transform().partialName()};
+                                      moved->path.transform().partialName()};
   return context.session.callCommand("viewFit", words);
 }
 
@@ -306,8 +306,8 @@ void registerCameraMoves(CommandRegistry& registry) {
                   .queryable()
                   .strings(0, 1),
               viewClipPlane);
-  defineQuery(registry, "listCameras",
-              Syntax().flag("o", "orthographic").flag("p", "perspective"), listCameras);
+  defineQuery(registry, "listCameras", Syntax().flag("o", "orthographic").flag("p", "perspective"),
+              listCameras);
 }
 
 }  // namespace host::builtins
