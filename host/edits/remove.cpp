@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "host/edits/atomically.h"
+#include "host/nodes/history/blend_shape.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/uv_pins.h"
 #include "host/scene/dag_paths.h"
@@ -100,6 +101,7 @@ Result<void> removeAll(scene::Document& document, const scene::SelectionList& li
     else
       nodes.push_back(item.node.get());
   }
+  HOST_TRY(nodes::keepBlendTargets(document, nodes));
   return document.deleteNodes(std::move(nodes));
 }
 

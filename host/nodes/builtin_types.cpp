@@ -3,9 +3,11 @@
 #include "host/nodes/camera_node.h"
 #include "host/nodes/curve/curve_nodes.h"
 #include "host/nodes/dag_node.h"
+#include "host/nodes/history/blend_shape.h"
 #include "host/nodes/history/history_node.h"
 #include "host/nodes/history/modifiers.h"
 #include "host/nodes/history/skin_cluster.h"
+#include "host/nodes/history/tweak.h"
 #include "host/nodes/joint.h"
 #include "host/nodes/light_nodes.h"
 #include "host/nodes/locator_node.h"
@@ -36,6 +38,8 @@ void registerBuiltinTypes(dg::TypeRegistry& types) {
   registerTransformGeometry(types);
   registerGroupNodes(types);
   registerDeformers(types);
+  registerTweak(types);
+  registerBlendShape(types);
   registerSkinCluster(types);
   registerAnimCurves(types);
   registerCurveNodes(types);

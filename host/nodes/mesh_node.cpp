@@ -167,7 +167,10 @@ void registerMesh(dg::TypeRegistry& types) {
   builder.add(
       numbers("uvPivot", "pv", "double2", {real("uvPivotX", "pvx"), real("uvPivotY", "pvy")}));
   builder.add(array(dg::makeTyped("pinData", "pd", "dataPolyComponent")));
-  builder.add(dg::makeTyped("tweakLocation", "twl", "Int32Array"));
+  // Comes from the element of a tweak node that stands for the shape; the element itself is told.
+  AttributePtr tweakLocation = dg::makeAttribute("tweakLocation", "twl", AttributeType::Generic);
+  tweakLocation->acceptedTypes = {"float3", "double3"};
+  builder.add(notStored(std::move(tweakLocation)));
   builder.add(array(compound("componentTags", "gtag",
                              {text("componentTagName", "gtagnm"),
                               dg::makeTyped("componentTagContents", "gtagcmp", "componentList")})));
