@@ -63,7 +63,8 @@ Result<void> setDrivenNow(scene::Document& document, const dg::Plug& plug, const
   dg::Graph& graph = document.graph();
   dg::Node* curve = curveOf(document, plug);
   if (curve && nodes::isOverTime(*curve))
-    return fail("'{}' has keys over time: cut them before something else drives it", scene::plugName(plug));
+    return fail("'{}' has keys over time: cut them before something else drives it",
+                scene::plugName(plug));
   if (const dg::Plug other = driverOf(document, plug); other && other != driver)
     return fail("'{}' is driven by '{}' already", scene::plugName(plug), scene::plugName(other));
   const auto seen = shown(graph, plug);

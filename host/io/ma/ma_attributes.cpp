@@ -113,10 +113,9 @@ Result<void> MaAttributes::write(const Plug& plug, Index first, Index last, cons
   std::size_t next = 0;
   for (std::size_t i = 0; i < elements; ++i) {
     const Plug each = first == kNone ? plug : plug.element(static_cast<Index>(at(first) + i));
-    const bool isPayload =
-        !each.isCompound() && elements == 1 &&
-        (isPayloadType(line.type) ||
-         (dg::numericDataSize(line.type) > 0 && each.attribute()->dataType == line.type));
+    const bool isPayload = !each.isCompound() && elements == 1 &&
+                           (isPayloadType(line.type) || (dg::numericDataSize(line.type) > 0 &&
+                                                         each.attribute()->dataType == line.type));
     if (!isPayload) {
       HOST_TRY(writeNumbers(each, line.values, next));
       continue;

@@ -207,7 +207,8 @@ Result<dg::Value> readPayload(std::string_view type, const Tokens& tokens,
       return points;
     });
   if (const int size = dg::numericDataSize(type); size > 0) {
-    if (tokens.size() != at(size)) return fail("{} is {} numbers, not {}", type, size, tokens.size());
+    if (tokens.size() != at(size))
+      return fail("{} is {} numbers, not {}", type, size, tokens.size());
     auto numbers = numbersFrom(tokens, 0);
     if (!numbers) return failWith(std::move(numbers.error()));
     return dg::Value(dg::makeNumericData(std::string(type), std::move(*numbers)));
