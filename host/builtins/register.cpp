@@ -103,6 +103,7 @@ namespace host::builtins {
   X(Undo) \
   X(UnitsAndTime) \
   /* tools */ \
+  X(DraggerContext) \
   X(ToolCommands) \
   X(SoftSelect) \
   X(ViewGesture) \

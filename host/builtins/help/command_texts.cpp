@@ -68,6 +68,7 @@ constexpr CommandText kTexts[] = {
     {"displayString", "Keeps texts by key."},
     {"doMenuComponentSelection", "Goes over to picking components of a kind."},
     {"dolly", "Moves a camera along its line of sight, or narrows its view."},
+    {"draggerContext", "Makes a tool whose gestures run scripts."},
     {"duplicate", "Copies objects."},
     {"editorTemplate",
      "Declares a layout of the attribute editor; there is no such editor, what is declared is "
