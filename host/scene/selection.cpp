@@ -37,6 +37,25 @@ void toggleInto(Component& mine, const Component& other, Index meshCount) {
 
 }  // namespace
 
+namespace {
+
+/// What an item is indexed by: its leaf and the way to it, for a leaf may be selected in 100,000
+/// places. Far up, ways that lead to one leaf seldom differ and are not followed.
+const Node* keyOf(const SelectionItem& item) {
+  constexpr std::size_t kFollowed = 24;
+  std::uint64_t mixed = 0;
+  std::size_t left = kFollowed;
+  for (const Node* node : item.path.upwards()) {
+    if (left-- == 0) break;
+    mixed = (mixed ^ reinterpret_cast<std::uintptr_t>(node)) * 0x9e3779b97f4a7c15ULL;
+    mixed ^= mixed >> 29;
+  }
+  // A fingerprint in the place of an address; nobody follows it.
+  return item.isDag() ? reinterpret_cast<const Node*>(mixed) : item.node.get();
+}
+
+}  // namespace
+
 const Component* SelectionItem::component(ComponentType type) const {
   for (const Component& each : components)
     if (each.type() == type) return &each;
@@ -95,16 +114,16 @@ std::size_t SelectionList::find(const SelectionItem& item) const {
   }
   if (index_.empty()) {
     index_.reserve(items_.size());
-    for (std::size_t i = 0; i < items_.size(); ++i) index_.emplace(items_[i].node.get(), i);
+    for (std::size_t i = 0; i < items_.size(); ++i) index_.emplace(keyOf(items_[i]), i);
   }
-  const auto [first, last] = index_.equal_range(item.node.get());
+  const auto [first, last] = index_.equal_range(keyOf(item));
   for (auto at = first; at != last; ++at)
     if (items_[at->second].isSameTarget(item)) return at->second;
   return kNotFound;
 }
 
 void SelectionList::append(SelectionItem item) {
-  if (!index_.empty()) index_.emplace(item.node.get(), items_.size());
+  if (!index_.empty()) index_.emplace(keyOf(item), items_.size());
   items_.push_back(std::move(item));
 }
 
