@@ -242,10 +242,12 @@ Result<void> Document::reparent(const DagPath& path, Node* parent) {
 
 Result<void> Document::addInstance(Node& child, Node* parent) {
   HOST_TRY(checkNewParent(child, parent));
-  std::vector<Node*> parents = dagLinks(child).parents;
-  parents.push_back(parent);
-  const std::string free = impl_->freeName(child.name(), true, parents, &child);
-  if (free != child.name()) HOST_TRY(graph_.renameNode(child, free));
+  Node* const future[] = {parent};
+  if (impl_->isNameTaken(child.name(), true, future, &child)) {
+    std::vector<Node*> parents = dagLinks(child).parents;
+    parents.push_back(parent);
+    HOST_TRY(graph_.renameNode(child, impl_->freeName(child.name(), true, parents, &child)));
+  }
   return impl_->link(child, parent);
 }
 

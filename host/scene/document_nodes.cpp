@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <unordered_map>
 #include <unordered_set>
 
+#include "host/scene/dag_paths.h"
 #include "host/scene/document_impl.h"
 #include "host/scene/namespaces.h"
 #include "host/scene/references.h"
@@ -21,9 +23,8 @@ bool Document::Impl::isNameTaken(std::string_view name, bool isDag, std::span<No
     if (children.size() < same.size())
       return std::ranges::any_of(
           children, [&](const Node* child) { return isOther(child) && child->name() == name; });
-    return std::ranges::any_of(same, [&](const Node* other) {
-      return isOther(other) && std::ranges::count(dagLinks(*other).parents, parent) > 0;
-    });
+    return std::ranges::any_of(
+        same, [&](const Node* other) { return isOther(other) && isUnder(*other, parent); });
   });
 }
 
@@ -206,9 +207,8 @@ class DeletionSet {
   }
   Result<void> addChildren(const Node& node) {
     for (Node* child : dagLinks(node).children) {
-      const std::vector<Node*>& parents = dagLinks(*child).parents;
-      if (!std::all_of(parents.begin(), parents.end(), [&](Node* parent) { return has(parent); }))
-        continue;
+      // Each parent that goes is met once.
+      if (++parentsThatGo_[child] < dagLinks(*child).parents.size()) continue;
       HOST_TRY(refuseIfProtected(*child));
       add(*child);
     }
@@ -270,6 +270,7 @@ class DeletionSet {
 
   dg::Graph& graph_;
   std::unordered_set<const Node*> members_;
+  std::unordered_map<const Node*, std::size_t> parentsThatGo_;
   std::unordered_set<const Node*> dry_;  ///< members whose mesh nobody needs that stays
   std::vector<dg::NodePtr> order_;
   std::vector<dg::Graph::Connection> passes_;
