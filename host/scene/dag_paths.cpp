@@ -33,21 +33,37 @@ PathAbove pathAbove(const Node& node, std::uint64_t number) {
   return {};
 }
 
+std::uint64_t pathsBefore(const DagPath& path) {
+  const std::vector<Node*>& parents = dagLinks(*path.node()).parents;
+  if (parents.size() < 2) return 0;
+  const Node* above = path.parent().node();
+  if (const ParentIndex* index = parentIndex(*path.node()))
+    return index->pathsBefore(index->positionOf(above));
+  std::uint64_t number = 0;
+  for (const Node* parent : parents) {
+    if (parent == above) break;
+    number = sumOfPaths(number, parent ? pathCount(*parent) : 1);
+  }
+  return number;
+}
+
 std::uint64_t pathNumber(const DagPath& path) {
   std::uint64_t number = 0;
   if (!isAnythingInstanced()) return number;
-  for (DagPath at = path; !at.isWorld(); at.pop()) {
-    const Node* above = at.parent().node();
-    if (const ParentIndex* index = parentIndex(*at.node())) {
-      number = sumOfPaths(number, index->pathsBefore(index->positionOf(above)));
-      continue;
-    }
-    for (const Node* parent : dagLinks(*at.node()).parents) {
-      if (parent == above) break;
-      number = sumOfPaths(number, parent ? pathCount(*parent) : 1);
-    }
-  }
+  for (DagPath at = path; !at.isWorld(); at.pop()) number = sumOfPaths(number, pathsBefore(at));
   return number;
+}
+
+std::size_t hashOf(const DagPath& path) {
+  constexpr int kFollowed = 24;
+  std::uint64_t mixed = path.length();
+  int left = kFollowed;
+  for (const Node* node : path.upwards()) {
+    if (left-- == 0) break;
+    mixed = (mixed ^ reinterpret_cast<std::uintptr_t>(node)) * 0x9e3779b97f4a7c15ULL;
+    mixed ^= mixed >> 29;
+  }
+  return mixed;
 }
 
 bool PlaceBudget::take(const Node& node) {
@@ -116,6 +132,10 @@ std::vector<Node*> nodesOfPath(const Node& node, std::uint64_t number) {
 }
 
 }  // namespace
+
+DagPath pathAt(const Node& node, std::uint64_t number) {
+  return number == 0 ? firstPath(node) : DagPath(nodesOfPath(node, number));
+}
 
 std::vector<DagPath> allPaths(const Node& node) {
   std::vector<DagPath> paths;

@@ -35,6 +35,13 @@ struct PathAbove {
 /// The place of a path in `allPaths` of its leaf. Linear in its length; among many parents the
 /// first few times after a change of the hierarchy linear in them, then logarithmic.
 [[nodiscard]] std::uint64_t pathNumber(const DagPath& path);
+/// How much of that comes from the last step: the number of a path is that of its parent and this.
+[[nodiscard]] std::uint64_t pathsBefore(const DagPath& path);
+/// The path of a number; the world when the node has no such path.
+[[nodiscard]] DagPath pathAt(const Node& node, std::uint64_t number);
+
+/// Of the nodes of a path. Far up, ways that lead to one leaf seldom differ and are not followed.
+[[nodiscard]] std::size_t hashOf(const DagPath& path);
 
 /// Whether just one path leads to the node.
 [[nodiscard]] bool hasOnePath(const Node& node);

@@ -40,18 +40,9 @@ void toggleInto(Component& mine, const Component& other, Index meshCount) {
 namespace {
 
 /// What an item is indexed by: its leaf and the way to it, for a leaf may be selected in 100,000
-/// places. Far up, ways that lead to one leaf seldom differ and are not followed.
+/// places. A fingerprint in the place of an address; nobody follows it.
 const Node* keyOf(const SelectionItem& item) {
-  constexpr std::size_t kFollowed = 24;
-  std::uint64_t mixed = 0;
-  std::size_t left = kFollowed;
-  for (const Node* node : item.path.upwards()) {
-    if (left-- == 0) break;
-    mixed = (mixed ^ reinterpret_cast<std::uintptr_t>(node)) * 0x9e3779b97f4a7c15ULL;
-    mixed ^= mixed >> 29;
-  }
-  // A fingerprint in the place of an address; nobody follows it.
-  return item.isDag() ? reinterpret_cast<const Node*>(mixed) : item.node.get();
+  return item.isDag() ? reinterpret_cast<const Node*>(hashOf(item.path)) : item.node.get();
 }
 
 }  // namespace

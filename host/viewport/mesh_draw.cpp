@@ -460,6 +460,23 @@ class MeshPainter {
   double edgePixels_ = 0;
 };
 
+/// Whether nothing of a mesh is in the picture. What stands out a little from its points, as wide
+/// lines do, lies within the margin.
+bool isOutOfSight(const RenderMesh& object, const math::Box& box, const ViewProjection& view) {
+  if (box.isEmpty() || object.showFaceNormals || object.showVertexNormals ||
+      object.showCornerNormals)
+    return false;
+  const Camera& camera = view.camera();
+  const math::Box seen = box.transformed(object.world * viewMatrix(camera));
+  const double farthest = -seen.min.z;
+  if (!camera.orthographic && !(farthest > 0)) return true;
+  constexpr double kMargin = 1.1;
+  const ViewExtents extents = viewExtents(camera, view.port().aspect());
+  const double reach = kMargin * (camera.orthographic ? 1 : farthest);
+  const double x = extents.halfWidth * reach, y = extents.halfHeight * reach;
+  return seen.min.x > x || seen.max.x < -x || seen.min.y > y || seen.max.y < -y;
+}
+
 /// The smooth preview takes the place of the surface, and on request of nothing else.
 void drawPreview(const RenderMesh& object, int nearness, const ViewProjection& view,
                  const ViewOptions& options, MeshDrawCache& cache, DrawList& list) {
@@ -496,6 +513,7 @@ void drawMesh(const RenderMesh& object, int nearness, const ViewProjection& view
                                .colors = options.showVertexColors || object.showColors,
                                .flat = options.flatShaded};
   const MeshBuffers& buffers = cache.buffers(object.id, object.mesh, content);
+  if (!object.smoothed && isOutOfSight(object, buffers.box, view)) return;
   if (!object.smoothed)
     return MeshPainter(object, nearness, view, options, buffers, cache, list).run();
   drawPreview(object, nearness, view, options, cache, list);

@@ -1,15 +1,30 @@
 #pragma once
 
-#include "host/scene/document.h"
-#include "host/viewport/scene_view.h"
+#include <unordered_map>
+
+#include "host/viewport/scene_walk.h"
 
 namespace host::workspace {
 
-struct View;
+enum class Mark : std::uint8_t;
 
-/// Adds what shows objects that have no surface: locators, lights, curves, and joints with their
+/// Draws what shows objects that have no surface: locators, lights, curves, and joints with their
 /// bones. Kinds as the view's options ask for; hidden, template, coloured and isolated as meshes
-/// are. Linear in the hierarchy; curves are evaluated anew.
-void drawMarks(scene::Document& document, const View& view, viewport::SceneView& scene);
+/// are. Curves are evaluated anew, once for all places of one.
+class MarkGatherer final : public viewport::PlaceVisitor {
+ public:
+  explicit MarkGatherer(const viewport::ViewOptions& options) : options_(options) {}
+  void visit(const viewport::ShownPlace& place) override;
+
+  viewport::DrawList list;
+
+ private:
+  void draw(const viewport::ShownPlace& place, viewport::VertexDataPtr strokes,
+            const math::Matrix4& world);
+
+  const viewport::ViewOptions& options_;
+  std::unordered_map<const dg::NodeType*, Mark> marks_;
+  std::unordered_map<const dg::Node*, viewport::VertexDataPtr> shared_;  ///< object space
+};
 
 }  // namespace host::workspace

@@ -6,6 +6,7 @@
 #include "host/nodes/set_group.h"
 #include "host/nodes/sets.h"
 #include "host/scene/display_rules.h"
+#include "host/viewport/instance_id.h"
 
 namespace host::workspace {
 
@@ -85,7 +86,7 @@ void Materials::dress(scene::Document& document, viewport::SceneView& scene) {
 void Materials::smooth(viewport::RenderMesh& mesh) {
   const nodes::SmoothPreview how = nodes::smoothPreviewOf(*mesh.path.node());
   if (how.mode == 0) return;
-  Preview& preview = previews_[mesh.id];
+  Preview& preview = previews_[viewport::shapeOf(mesh.id)];
   preview.isUsed = true;
   const bool isSame = preview.how == how && preview.from.sharesPointsWith(mesh.mesh) &&
                       preview.from.sharesTopologyWith(mesh.mesh);
@@ -125,7 +126,12 @@ void Materials::dressMesh(scene::Document& document, viewport::RenderMesh& mesh)
   mesh.materials = {whole ? materialOf(document, *whole) : unassigned()};
   if (groups.empty()) return;
   for (dg::Node* owner : owners) mesh.materials.push_back(materialOf(document, *owner));
-  Faces& faces = faces_[mesh.id];
+  // Instances mostly have their faces in the same groups as the first place.
+  const auto first = faces_.find(viewport::instanceId(viewport::shapeOf(mesh.id), 0));
+  const bool isShared = first != faces_.end() && first->second.isUsed &&
+                        first->second.faceCount == mesh.mesh.faceCount() &&
+                        first->second.groups == groups;
+  Faces& faces = isShared ? first->second : faces_[mesh.id];
   faces.isUsed = true;
   if (!faces.numbers || faces.faceCount != mesh.mesh.faceCount() || faces.groups != groups) {
     faces.faceCount = mesh.mesh.faceCount();

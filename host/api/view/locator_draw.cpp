@@ -2,6 +2,7 @@
 
 #include <maya/MPxLocatorNode.h>
 
+#include <algorithm>
 #include <exception>
 
 #include "host/api/node/px_node.h"
@@ -21,32 +22,41 @@ namespace {
 
 using MHWRender::MPxDrawOverride;
 
-/// The visible shapes that plug-ins draw.
+/// Only nodes of registered types have something that draws them.
+bool mayBeDrawn(const dg::Node& node) {
+  return !node.type().pluginName.empty() && scene::isDagNode(node) &&
+         (drawRegistry().find(node.type().classification) ||
+          geometryRegistry().find(node.type().classification) || findNodeClass(node.type()));
+}
+
+/// The visible shapes that plug-ins draw. Ends, as the view's own walk does and tells, where the
+/// places are too many.
 class LocatorWalk {
  public:
   LocatorWalk(scene::Document& document, const workspace::View& view) : view_(view) {
+    const bool isAny = std::ranges::any_of(
+        document.graph().nodes(), [](const dg::NodePtr& node) { return mayBeDrawn(*node); });
+    if (!isAny) return;
     for (dg::Node* node : document.worldChildren()) visit(scene::DagPath({node}));
   }
   std::vector<scene::DagPath> found;
 
  private:
   void visit(const scene::DagPath& top) {
-    scene::PathWalk walk(top);
+    scene::PathWalk walk(top, scene::PathWalk::Children::InOrder, &budget_);
     while (!walk.isDone()) {
       dg::Node& node = walk.node();
       if (!scene::isShown(node)) {
         walk.skipBelow();
         continue;
       }
-      // Only nodes of registered types have something that draws them.
-      if (!node.type().pluginName.empty() && workspace::isolationShows(view_, walk.path()) &&
-          (drawRegistry().find(node.type().classification) ||
-           geometryRegistry().find(node.type().classification) || findNodeClass(node.type())))
+      if (mayBeDrawn(node) && workspace::isolationShows(view_, walk.path()))
         found.push_back(walk.path());
       walk.next();
     }
   }
   const workspace::View& view_;
+  scene::PlaceBudget budget_;
 };
 
 template <class Call>
