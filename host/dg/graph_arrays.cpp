@@ -184,7 +184,7 @@ int Graph::Impl::makeElements(const Plug& plug, bool wired) {
   const int createdLevel = makeSlot(plug, wired).createdLevel;
   if (createdLevel >= 0) {
     const Plug element = elementAtLevel(plug, createdLevel);
-    spread(element.array());
+    spreadElements(element.array());
     attributeEvent(AttributeEvent::ArrayElementAdded, element);
   }
   return adopted >= 0 ? adopted : createdLevel;
@@ -228,7 +228,7 @@ DetachedElement Graph::Impl::detach(const Plug& element) {
   if (const Slot* own = locate(element).slot) severed = severBelow(*own);
   DetachedElement detached = detachElement(*array, element.logicalIndex());
   detached.severed = std::move(severed);
-  spread(element.array());
+  spreadElements(element.array());
   attributeEvent(AttributeEvent::ArrayElementRemoved, element);
   return detached;
 }
@@ -237,7 +237,7 @@ void Graph::Impl::attach(const Plug& element, DetachedElement detached) {
   auto severed = std::move(detached.severed);
   attachElement(*makeSlot(element.array(), true).slot, element.logicalIndex(), std::move(detached));
   restore(severed);
-  spread(element.array());
+  spreadElements(element.array());
   attributeEvent(AttributeEvent::ArrayElementAdded, element);
 }
 

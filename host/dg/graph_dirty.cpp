@@ -93,7 +93,7 @@ void Graph::Impl::spreadStep(const DirtyStep& step, std::vector<DirtyStep>& work
     for (const Plug& destination : slot->wiring->destinations)
       markDestination(correspondingPlug(destination, slot->attribute, part));
   }
-  if (place.slot && place.slot->outgoing > 0) {
+  if (!step.isBelowDone && place.slot && place.slot->outgoing > 0) {
     for (const auto& below : place.slot->below) {
       if (!below || below->outgoing == 0) continue;
       visitSlots(*below, [&](Slot& slot) {
@@ -109,8 +109,18 @@ void Graph::Impl::spreadStep(const DirtyStep& step, std::vector<DirtyStep>& work
 }
 
 void Graph::Impl::spread(const Plug& plug) {
+  spreadFrom({plug, false});
+}
+
+void Graph::Impl::spreadElements(const Plug& array) {
+  // A computed array is as dirty as its elements, which is told of all of them.
+  spreadFrom({array, false, !array.node()->type().isComputed(array.attribute())});
+}
+
+void Graph::Impl::spreadFrom(const DirtyStep& first) {
+  const Plug& plug = first.plug;
   std::vector<DirtyStep> work = std::move(spareWork);
-  work.assign(1, {plug, false});
+  work.assign(1, first);
   while (!work.empty()) {
     const DirtyStep step = work.back();
     work.pop_back();

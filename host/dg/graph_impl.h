@@ -17,6 +17,7 @@ namespace host::dg {
 struct DirtyStep {
   Plug plug;
   bool isReachDone;  ///< the static dependents were marked with the attribute that reached this one
+  bool isBelowDone = false;  ///< what hangs on parts of it need not be marked
 };
 
 /// Elements that an edit made on the way to a plug: they go when it is taken back, with all that
@@ -138,6 +139,9 @@ struct Graph::Impl {
   /// Marks all that depends on a plug, not the plug itself. Observers hear of it afterwards, so
   /// that they may read.
   void spread(const Plug& plug);
+  /// The same for an array that got or lost an element: its other elements are as they were.
+  void spreadElements(const Plug& array);
+  void spreadFrom(const DirtyStep& first);
   void spreadStep(const DirtyStep& step, std::vector<DirtyStep>& work);
   void askHooks(const Plug& plug, std::vector<DirtyStep>& work);
   void mark(Slot& slot, bool isReachDone, std::vector<DirtyStep>& work);

@@ -1,9 +1,12 @@
 #include "host/edits/bounds.h"
 
+#include "host/base/messages.h"
+#include "host/edits/support_box.h"
 #include "host/nodes/dag_node.h"
 #include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/scene/dag_paths.h"
+#include "host/scene/display_rules.h"
 
 namespace host::edits {
 
@@ -26,19 +29,34 @@ void addShapes(const scene::DagPath& path, const math::Matrix4& matrix, math::Bo
   }
 }
 
-/// `matrix` takes what is directly under the path to the space of the box.
-math::Box boxUnder(const scene::DagPath& path, const math::Matrix4& matrix) {
+/// `matrix` takes what is directly under the path to the space of the box, `outer` the world.
+math::Box boxUnder(const scene::DagPath& path, const math::Matrix4& matrix,
+                   const math::Matrix4& outer) {
+  // More points than this are not visited one by one if they can be found otherwise.
+  constexpr std::uint64_t kMostPoints = 4'000'000;
+  if (scene::isAnythingInstanced() && pointsBelow(*path.node()) > kMostPoints) {
+    const NestedBox nested = nestedBox(*path.node(), matrix, outer);
+    if (!nested.isExact)
+      postMessage(MessageKind::Warning,
+                  fmt::format("The instances in '{}' are turned in so many ways that its box is "
+                              "taken a little too large",
+                              path.node()->name()));
+    return nested.box;
+  }
   math::Box box;
   std::vector<math::Matrix4> matrices;  // of the nodes from the path's to the one visited
-  scene::PathWalk walk(path);
+  scene::PlaceBudget budget(kMostPoints);
+  scene::PathWalk walk(path, scene::PathWalk::Children::InOrder, &budget);
   while (!walk.isDone()) {
     matrices.resize(walk.depth());
     if (walk.depth() > 0 && !scene::isTransform(walk.node())) {
       walk.skipBelow();
       continue;
     }
+    const bool inherits = scene::numberOr(walk.node(), "inheritsTransform", 1) != 0;
     matrices.push_back(matrices.empty() ? matrix
-                                        : scene::localMatrix(walk.node()) * matrices.back());
+                                        : scene::localMatrix(walk.node()) *
+                                              (inherits ? matrices.back() : outer));
     addShapes(walk.path(), matrices.back(), box);
     walk.next();
   }
@@ -48,10 +66,10 @@ math::Box boxUnder(const scene::DagPath& path, const math::Matrix4& matrix) {
 }  // namespace
 
 math::Box objectBox(const scene::DagPath& path) {
-  return boxUnder(path, {});
+  return boxUnder(path, {}, math::inverse(path.inclusiveMatrix()).value_or(math::Matrix4{}));
 }
 math::Box worldBox(const scene::DagPath& path) {
-  return boxUnder(path, path.inclusiveMatrix());
+  return boxUnder(path, path.inclusiveMatrix(), {});
 }
 
 Result<math::Box> worldBox(const scene::SelectionItem& item) {

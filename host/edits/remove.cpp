@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <unordered_set>
 
 #include "host/edits/atomically.h"
 #include "host/nodes/history/blend_shape.h"
@@ -68,10 +69,13 @@ Result<std::string> removeFrom(scene::Document& document, ShapeComponents& each)
 }
 
 Result<void> removeHistoryBelow(scene::Document& document, const scene::DagPath& top) {
+  // History is the node's, whichever of its places it is met at.
+  std::unordered_set<const dg::Node*> met;
   std::vector<scene::DagPath> open{top};
   while (!open.empty()) {
     const scene::DagPath path = open.back();
     open.pop_back();
+    if (!met.insert(path.node()).second) continue;
     for (const scene::DagPath& shape : nodes::meshPaths(path))
       if (nodes::hasHistory(*shape.node())) HOST_TRY(nodes::deleteHistory(document, *shape.node()));
     // Hidden originals went with the history that they began.
@@ -86,6 +90,11 @@ Result<void> removeAll(scene::Document& document, const scene::SelectionList& li
   const auto componentNodes = removeComponents(document, list);
   if (!componentNodes) return failWith(componentNodes.error());
   std::vector<scene::Node*> nodes;
+  // What goes is not selected any more, and need not be looked for at each instance.
+  scene::SelectionList rest = document.selection();
+  rest.merge(list.filtered([](const scene::SelectionItem& item) { return item.isObject(); }),
+             scene::SelectionMerge::Remove);
+  document.setSelection(std::move(rest));
   for (const scene::SelectionItem& item : list.items()) {
     if (item.plug) {
       // A plug stands for the connection that drives it.
@@ -94,6 +103,8 @@ Result<void> removeAll(scene::Document& document, const scene::SelectionList& li
       continue;
     }
     if (!item.isObject()) continue;
+    // Gone along with an instance above it.
+    if (item.isDag() && !item.path.isValid()) continue;
     const bool isInstance = item.isDag() && !scene::hasOnePath(*item.node) &&
                             scene::dagLinks(*item.node).parents.size() > 1;
     if (isInstance)

@@ -11,6 +11,12 @@ using scene::Component;
 using scene::ComponentType;
 using viewport::PickHit;
 
+/// The place that was drawn; by name where a picture was made up.
+Result<scene::DagPath> pathOf(scene::Document& document, const viewport::RenderMesh& mesh) {
+  if (!mesh.path.isWorld() && mesh.path.isValid()) return mesh.path;
+  return document.dagPath(mesh.name);
+}
+
 /// Hits as selection items: the components of one mesh and kind together.
 Result<scene::SelectionList> itemsOf(scene::Document& document, const viewport::SceneView& view,
                                      const std::vector<PickHit>& hits) {
@@ -24,12 +30,12 @@ Result<scene::SelectionList> itemsOf(scene::Document& document, const viewport::
   }
   scene::SelectionList list;
   for (const auto& [key, ids] : components) {
-    const auto path = document.dagPath(view.meshes[key.first].name);
+    const auto path = pathOf(document, view.meshes[key.first]);
     if (!path) return failWith(path.error());
     list.add(*path, Component(key.second, ids));
   }
   for (const std::size_t mesh : objects) {
-    const auto path = document.dagPath(view.meshes[mesh].name);
+    const auto path = pathOf(document, view.meshes[mesh]);
     if (!path) return failWith(path.error());
     list.add(path->transform());
   }

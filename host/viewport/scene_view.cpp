@@ -3,21 +3,55 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <unordered_map>
 
 #include "host/viewport/display_colors.h"
 #include "host/viewport/mesh_draw.h"
 
 namespace host::viewport {
 
+namespace {
+
+/// Many instances of a large mesh have more points than are looked at one by one; then the corners
+/// of their boxes stand for them.
+constexpr std::size_t kMostPoints = 4'000'000;
+
+using Boxes = std::unordered_map<const void*, math::Box>;  ///< by the array of the points
+
+void addPoints(const RenderMesh& object, Boxes* boxes, std::vector<Vec3>& points) {
+  const std::span<const Vec3f> own = object.mesh.points();
+  constexpr std::size_t kCorners = 8;
+  if (!boxes || own.size() <= kCorners) {
+    for (const Vec3f& p : own) points.push_back(math::transformPoint(Vec3(p), object.world));
+    return;
+  }
+  const auto [box, isNew] = boxes->try_emplace(own.data());
+  if (isNew)
+    for (const Vec3f& p : own) box->second.add(Vec3(p));
+  for (std::size_t corner = 0; corner < kCorners; ++corner)
+    points.push_back(
+        math::transformPoint({(corner & 1) != 0 ? box->second.max.x : box->second.min.x,
+                              (corner & 2) != 0 ? box->second.max.y : box->second.min.y,
+                              (corner & 4) != 0 ? box->second.max.z : box->second.min.z},
+                             object.world));
+}
+
+}  // namespace
+
 std::vector<Vec3> framePoints(const SceneView& scene) {
+  std::size_t count = 0;
+  for (const RenderMesh& object : scene.meshes) count += object.mesh.points().size();
+  Boxes boxes;
   std::vector<Vec3> points;
   for (const RenderMesh& object : scene.meshes)
-    for (const Vec3f& p : object.mesh.points())
-      points.push_back(math::transformPoint(Vec3(p), object.world));
+    addPoints(object, count > kMostPoints ? &boxes : nullptr, points);
   return points;
 }
 
 std::vector<Vec3> selectionPoints(const SceneView& scene) {
+  std::size_t count = 0;
+  for (const RenderMesh& object : scene.meshes) count += object.mesh.points().size();
+  Boxes boxes;
   std::vector<Vec3> points;
   for (const RenderMesh& object : scene.meshes) {
     const auto add = [&](VertexId v) {
@@ -32,7 +66,7 @@ std::vector<Vec3> selectionPoints(const SceneView& scene) {
       std::ranges::for_each(object.mesh.faceVertices(f), add);
     const bool isWhole = object.state == ObjectState::Selected || object.state == ObjectState::Lead;
     if (object.selected.isEmpty() && isWhole)
-      for (VertexId v = 0; v < object.mesh.vertexCount(); ++v) add(v);
+      addPoints(object, count > kMostPoints ? &boxes : nullptr, points);
   }
   return points;
 }

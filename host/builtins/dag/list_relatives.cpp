@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <unordered_set>
 
 #include "host/builtins/common/command.h"
 #include "host/scene/dag_paths.h"
@@ -30,13 +31,16 @@ class RelativeLister {
     }
   }
 
-  [[nodiscard]] std::vector<std::string> takeNames() { return std::move(names_); }
+  [[nodiscard]] std::vector<std::string> takeNames() {
+    if (budget_.leftOut()) postMessage(MessageKind::Warning, "listRelatives: " + budget_.warning());
+    return std::move(names_);
+  }
 
  private:
   /// Children before their parents: the reverse of what is met from the last child to the first.
   void addBelow(const DagPath& path) {
     const std::size_t first = names_.size();
-    for (scene::PathWalk walk(path, scene::PathWalk::Children::Reversed); !walk.isDone();
+    for (scene::PathWalk walk(path, scene::PathWalk::Children::Reversed, &budget_); !walk.isDone();
          walk.next())
       if (walk.depth() > 0) add(walk.path());
     std::reverse(names_.begin() + static_cast<std::ptrdiff_t>(first), names_.end());
@@ -58,14 +62,15 @@ class RelativeLister {
     std::string name = args_.has("fullPath") ? path.fullName()
                        : args_.has("path")   ? path.partialName()
                                              : node.name();
-    if (args_.has("allParents") && std::find(names_.begin(), names_.end(), name) != names_.end())
-      return;
+    if (args_.has("allParents") && !seen_.insert(name).second) return;
     names_.push_back(std::move(name));
   }
 
   scene::Document& document_;
   const ParsedArgs& args_;
   std::vector<std::string> types_, names_;
+  std::unordered_set<std::string> seen_;
+  scene::PlaceBudget budget_;
 };
 
 CommandResult listRelatives(Context& context, const ParsedArgs& args) {

@@ -38,6 +38,7 @@ class Lister {
       visitNames();
     else
       visitAll();
+    if (budget_.leftOut()) postMessage(MessageKind::Warning, "ls: " + budget_.warning());
     trim();
     return std::move(names_);
   }
@@ -126,7 +127,8 @@ class Lister {
 
   void visitPath(const DagPath& path) {
     if (path.isWorld()) return;
-    for (scene::PathWalk walk(path); !walk.isDone(); walk.next()) {
+    for (scene::PathWalk walk(path, scene::PathWalk::Children::InOrder, &budget_); !walk.isDone();
+         walk.next()) {
       if (passes(walk.node(), walk.path()))
         add(isLong_ ? walk.path().fullName() : walk.path().partialName(), walk.node());
       if (!args_.has("dagObjects")) return;
@@ -265,6 +267,7 @@ class Lister {
   std::vector<std::string> types_, excluded_, exact_, names_;
   std::unordered_set<std::string> seen_;
   bool isLong_ = false;
+  scene::PlaceBudget budget_;
   std::uint64_t listed_ = 0;  ///< places of instanced nodes
   bool isCutShort_ = false;
 };

@@ -15,8 +15,8 @@ namespace {
 using scene::SelectionItem;
 using scene::SelectionList;
 
-void addHierarchy(SelectionList& list, const scene::DagPath& path) {
-  scene::PathWalk walk(path);
+void addHierarchy(SelectionList& list, const scene::DagPath& path, scene::PlaceBudget& budget) {
+  scene::PathWalk walk(path, scene::PathWalk::Children::InOrder, &budget);
   while (!walk.isDone()) {
     if (walk.depth() > 0 && !scene::isTransform(walk.node())) {
       walk.skipBelow();
@@ -98,12 +98,14 @@ CommandResult select(Context& context, const ParsedArgs& args) {
   if (!list) return failWith(std::move(list.error()));
   if (args.has("hierarchy")) {
     SelectionList deep;
+    scene::PlaceBudget budget;
     for (const SelectionItem& item : list->items()) {
       if (item.isDag() && item.isObject())
-        addHierarchy(deep, item.path);
+        addHierarchy(deep, item.path, budget);
       else
         deep.merge(item);
     }
+    if (budget.leftOut()) postMessage(MessageKind::Warning, "select: " + budget.warning());
     *list = std::move(deep);
   }
   if (args.has("visible")) {

@@ -1,3 +1,5 @@
+#include <unordered_set>
+
 #include "host/builtins/common/command.h"
 #include "host/math/transform.h"
 #include "host/viewport/scene_gather.h"
@@ -16,11 +18,15 @@ Result<std::vector<math::Vec3>> pointsToFrame(Context& context, const viewport::
   if (!names.empty()) {
     auto list = context.document.resolveAll(names);
     if (!list) return failWith(list.error());
+    std::unordered_set<scene::DagPath, viewport::PathHash> wanted;
+    for (const scene::SelectionItem& item : list->items())
+      if (item.isDag()) wanted.insert(item.path);
+    // Groups stand for what is below them.
     viewport::SceneView named = shown;
     std::erase_if(named.meshes, [&](const viewport::RenderMesh& object) {
-      for (const scene::SelectionItem& item : list->items())
-        if (item.isDag() && item.path.toShape().fullName() == object.name) return false;
-      return true;
+      scene::DagPath at = object.path;
+      while (!at.isWorld() && !wanted.contains(at)) at.pop();
+      return at.isWorld();
     });
     return framePoints(named);
   }

@@ -6,6 +6,7 @@
 #include <deque>
 #include <limits>
 #include <map>
+#include <optional>
 #include <set>
 #include <unordered_map>
 #include <unordered_set>
@@ -18,6 +19,7 @@
 #include "host/io/ma/ma_plugs.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/set_group.h"
+#include "host/scene/dag_paths.h"
 
 namespace host::io {
 namespace {
@@ -148,26 +150,30 @@ class Loader {
     return nullptr;
   }
 
+  [[nodiscard]] std::string_view fileName(const Node& node) const {
+    const auto known = fileNames_.find(&node);
+    return known == fileNames_.end() ? std::string_view(node.name()) : known->second;
+  }
+
+  /// The number of a node's first place above which the names of a path stand, `names` of them.
+  [[nodiscard]] std::optional<std::uint64_t> placeOf(const Node& node, const FilePath& path,
+                                                     std::size_t names) const {
+    if (names == 0 && !path.isAbsolute) return 0;
+    std::uint64_t before = 0;
+    for (const Node* parent : scene::dagLinks(node).parents) {
+      if (names == 0 && !parent) return before;
+      if (names > 0 && parent && fileName(*parent) == path.names[names - 1])
+        if (const auto above = placeOf(*parent, path, names - 1)) return before + *above;
+      before += parent ? scene::pathCount(*parent) : 1;
+    }
+    return std::nullopt;
+  }
+
   /// Which of a node's places a path means.
   [[nodiscard]] Index instanceOf(const Node& node, std::string_view text) const {
     const FilePath path(text);
-    const std::vector<scene::DagPath> places = scene::allPaths(node);
-    if (places.size() < 2 || path.names.size() < 2) return 0;
-    for (std::size_t i = 0; i < places.size(); ++i) {
-      scene::DagPath place = places[i].parent();
-      bool fits = true;
-      for (std::size_t k = path.names.size() - 1; k > 0 && fits; --k, place = place.parent()) {
-        if (place.isWorld()) {
-          fits = false;
-          break;
-        }
-        const auto known = fileNames_.find(place.node());
-        fits = (known == fileNames_.end() ? std::string_view(place.node()->name())
-                                          : known->second) == path.names[k - 1];
-      }
-      if (fits && (!path.isAbsolute || place.isWorld())) return static_cast<Index>(i);
-    }
-    return 0;
+    if (path.names.size() < 2 || !scene::isDagNode(node) || scene::hasOnePath(node)) return 0;
+    return static_cast<Index>(placeOf(node, path, path.names.size() - 1).value_or(0));
   }
 
   // Other files.

@@ -6,6 +6,7 @@
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/set_group.h"
 #include "host/nodes/sets.h"
+#include "host/scene/dag_paths.h"
 
 namespace host::modelling {
 
@@ -121,13 +122,36 @@ Result<void> centrePivots(scene::Document& document, Node& transform, Node& shap
   return document.graph().setVec3(transform.plug("scalePivot"), box.center());
 }
 
+/// Each mesh object once, every instance as one of its own; a group stands for all below it.
+Result<scene::SelectionList> objectsBelow(const scene::SelectionList& list,
+                                          const Declaration& declaration) {
+  scene::SelectionList objects;
+  scene::PlaceBudget budget;
+  for (const scene::SelectionItem& item : list.items()) {
+    if (!item.isDag() || item.plug) continue;
+    for (scene::PathWalk walk(item.path, scene::PathWalk::Children::InOrder, &budget);
+         !walk.isDone(); walk.next()) {
+      const std::vector<scene::DagPath> meshes = nodes::meshPaths(walk.path());
+      if (!scene::isShape(walk.node()) || walk.depth() == 0)
+        for (const scene::DagPath& mesh : meshes) objects.add(mesh);
+      if (walk.depth() == 0 && !meshes.empty()) break;
+    }
+  }
+  if (budget.leftOut())
+    return fail("{}: '{}' and others stand in more than {} places, which are too many to join.",
+                declaration.command, budget.leftOut()->name(), scene::kMostPaths);
+  return objects;
+}
+
 }  // namespace
 
 Result<std::vector<MeshItem>> partsToJoin(Context& context, const ParsedArgs& args,
                                           const Declaration& declaration) {
-  auto list = args.resolveObjects(context.document);
-  if (!list) return failWith(std::move(list.error()));
-  auto items = distinctMeshItems(*list);
+  const auto list = args.resolveObjects(context.document);
+  if (!list) return failWith(list.error());
+  auto objects = objectsBelow(*list, declaration);
+  if (!objects) return failWith(std::move(objects.error()));
+  auto items = nodes::meshItems(*objects);
   if (items && items->size() < 2)
     return fail("{}: name or select two or more polygon objects.", declaration.command);
   return items;
