@@ -59,26 +59,39 @@ class ExportSet {
   ExportSet(scene::Document& document, const FileWriteOptions& options)
       : graph_(document.graph()), options_(options) {}
 
-  std::vector<dg::Node*> collect(const scene::SelectionList& selection) {
-    for (const scene::SelectionItem& item : selection.items()) addTree(*item.node);
-    for (std::size_t i = 0; i < nodes_.size(); ++i) follow(*nodes_[i]);
-    return std::move(nodes_);
+  io::MaPart collect(const scene::SelectionList& selection) {
+    for (const scene::SelectionItem& item : selection.items()) {
+      if (item.isDag())
+        addTree(item.path);
+      else
+        add(*item.node);
+    }
+    for (std::size_t i = 0; i < part_.nodes.size(); ++i) follow(*part_.nodes[i]);
+    for (dg::Node* node : above_)
+      if (seen_.insert(node).second) part_.nodes.push_back(node);
+    return std::move(part_);
   }
 
  private:
   void add(dg::Node& node) {
-    if (!node.isDefault() && seen_.insert(&node).second) nodes_.push_back(&node);
+    if (!node.isDefault() && seen_.insert(&node).second) part_.nodes.push_back(&node);
   }
-  /// Each node once, however many instances lead to it.
-  void addTree(dg::Node& top) {
-    std::vector<dg::Node*> open{&top};
-    std::unordered_set<const dg::Node*> met;
+  /// All below a path, each node once, however many instances lead to it; and what the path leads
+  /// through, but nothing of what else hangs there.
+  void addTree(const scene::DagPath& top) {
+    for (scene::DagPath at = top; !at.isWorld(); at.pop()) {
+      const scene::DagPath above = at.parent();
+      if (!part_.links.emplace(at.node(), above.node()).second) break;
+      if (!above.isWorld()) above_.push_back(above.node());
+    }
+    std::vector<dg::Node*> open{top.node()};
     while (!open.empty()) {
       dg::Node* node = open.back();
       open.pop_back();
-      if (!met.insert(node).second) continue;
+      if (!met_.insert(node).second) continue;
       add(*node);
       const std::vector<dg::Node*>& children = scene::dagLinks(*node).children;
+      for (const dg::Node* child : children) part_.links.emplace(child, node);
       open.insert(open.end(), children.rbegin(), children.rend());
     }
   }
@@ -91,9 +104,9 @@ class ExportSet {
                            source.type().name != "groupId";
       const bool isHistory = source.type().isA("polyBase") || !source.type().existsWithoutOutputs;
       if (isMember || isGroup || (isHistory && !options_.withHistory)) continue;
-      if (scene::isDagNode(source))
-        addTree(source);
-      else
+      if (scene::isDagNode(source) && !seen_.contains(&source))
+        addTree(scene::firstPath(source));
+      else if (!scene::isDagNode(source))
         add(source);
     }
     if (!options_.withShading) return;
@@ -107,8 +120,9 @@ class ExportSet {
 
   dg::Graph& graph_;
   const FileWriteOptions& options_;
-  std::unordered_set<const dg::Node*> seen_;
-  std::vector<dg::Node*> nodes_;
+  std::unordered_set<const dg::Node*> seen_, met_;
+  std::vector<dg::Node*> above_;
+  io::MaPart part_;
 };
 
 /// "Sun, Feb 03, 2019 11:53:52 AM".
@@ -137,14 +151,14 @@ std::vector<std::string> requirementsOf(Context& context) {
 }
 
 Result<void> write(Context& context, const std::string& path, const FileWriteOptions& options) {
-  std::vector<dg::Node*> nodes;
+  io::MaPart part;
   if (options.onlySelected)
-    nodes = ExportSet(context.document, options).collect(context.document.selection());
+    part = ExportSet(context.document, options).collect(context.document.selection());
   io::MaWriteOptions how{.name = std::filesystem::path(path).filename().generic_string(),
                          .modified = dateLine(),
                          .version = kFileVersion,
                          .requirements = requirementsOf(context)};
-  if (options.onlySelected) how.only = &nodes;
+  if (options.onlySelected) how.only = &part;
   how.withHistory = options.withHistory;
   const auto& saving = workspace::workspaceOf(context.session).sceneHooks.saving;
   if (saving.hasListeners())

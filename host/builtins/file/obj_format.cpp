@@ -104,10 +104,15 @@ mesh::Mesh inWorldSpace(mesh::Mesh mesh, const math::Matrix4& matrix) {
   return mesh;
 }
 
+struct PathHash {
+  std::size_t operator()(const scene::DagPath& path) const { return scene::hashOf(path); }
+};
+
 /// Every mesh below the items; components stand for their object.
-std::vector<scene::DagPath> meshesBelow(const scene::SelectionList& list) {
+Result<std::vector<scene::DagPath>> meshesBelow(const scene::SelectionList& list) {
   std::vector<scene::DagPath> paths;
-  std::unordered_set<std::string> seen;
+  std::unordered_set<scene::DagPath, PathHash> seen;
+  scene::PlaceBudget budget;
   const auto visit = [&](scene::PathWalk walk) {
     while (!walk.isDone()) {
       if (walk.depth() > 0 && !scene::isTransform(walk.node())) {
@@ -115,12 +120,18 @@ std::vector<scene::DagPath> meshesBelow(const scene::SelectionList& list) {
         continue;
       }
       for (const scene::DagPath& shape : nodes::meshPaths(walk.path()))
-        if (seen.insert(shape.fullName()).second) paths.push_back(shape);
+        if (seen.insert(shape).second) paths.push_back(shape);
       walk.next();
     }
   };
   for (const scene::SelectionItem& item : list.items())
-    if (item.isDag()) visit(scene::PathWalk(item.path));
+    if (item.isDag())
+      visit(scene::PathWalk(item.path, scene::PathWalk::Children::InOrder, &budget));
+  if (budget.leftOut())
+    return fail(
+        "'{}' and others stand in more than {} places, which are too many to write one by "
+        "one; nothing was written.",
+        budget.leftOut()->name(), scene::kMostPaths);
   return paths;
 }
 
@@ -133,12 +144,14 @@ Result<void> write(Context& context, const std::string& path, const FileWriteOpt
   scene::SelectionList list = context.document.selection();
   if (!wanted.onlySelected) {
     list.clear();
-    for (scene::Node* node : context.document.worldChildren()) list.add(scene::firstPath(*node));
+    for (scene::Node* node : context.document.worldChildren()) list.add(scene::DagPath({node}));
   }
+  const auto shapes = meshesBelow(list);
+  if (!shapes) return failWith(shapes.error());
   io::ObjScene scene;
   std::map<std::string, io::MtlMaterial> library;
   const std::string folder = std::filesystem::path(path).parent_path().string();
-  for (const scene::DagPath& shape : meshesBelow(list)) {
+  for (const scene::DagPath& shape : *shapes) {
     auto mesh = nodes::evaluatedMesh(*shape.node());
     if (!mesh) return failWith(std::move(mesh.error()));
     io::ObjObject object;

@@ -101,7 +101,8 @@ void MaNodeWriter::write(std::string& out) {
 
 void MaNodeWriter::line(const std::string& switchWords, const Plug& plug,
                         const std::string& value) {
-  out_ += "\tsetAttr" + switchWords + " \"." + filePath(plug) + "\"" + value + ";\n";
+  const Plug written = inFile ? inFile(plug).value_or(plug) : plug;
+  out_ += "\tsetAttr" + switchWords + " \"." + filePath(written) + "\"" + value + ";\n";
 }
 
 // Declarations.
@@ -267,6 +268,7 @@ void MaNodeWriter::visitArray(const Plug& array) {
 }
 
 void MaNodeWriter::visitElement(const Plug& element) {
+  if (inFile && !inFile(element)) return;
   const bool comesByWire = isWired(element);
   if (!element.isCompound()) return visitLeaf(element, !comesByWire);
   noteAlias(element);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -25,6 +27,8 @@ class MaNodeWriter {
   void leaveOut(std::string_view attribute) { leftOut_.emplace(attribute); }
   /// Writes a leaf or a tuple also when it is at its default.
   void force(const dg::Plug& plug) { forced_.insert(plug); }
+  /// What a plug is called in the file; none: it is not in there. Empty: all are, as they are.
+  std::function<std::optional<dg::Plug>(const dg::Plug&)> inFile;
   /// Numbers that are not finite are written as 0.
   void write(std::string& out);
   /// The first plug with such a number; empty when there was none.

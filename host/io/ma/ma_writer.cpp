@@ -14,6 +14,7 @@
 #include "host/io/ma/ma_node_writer.h"
 #include "host/io/ma/ma_numbers.h"
 #include "host/io/ma/ma_passes.h"
+#include "host/io/ma/ma_places.h"
 #include "host/io/ma/ma_references.h"
 #include "host/nodes/mesh_node.h"
 #include "host/nodes/mesh_shape.h"
@@ -39,7 +40,8 @@ class Writer {
         graph_(document.graph()),
         kept_(kept),
         options_(options),
-        fresh_(document.types()) {
+        fresh_(document.types()),
+        places_(options.only) {
     fresh_.populateNewScene = document.populateNewScene;
     fresh_.reset();
   }
@@ -75,13 +77,7 @@ class Writer {
 
   void collect() {
     std::optional<std::unordered_set<const Node*>> only;
-    if (options_.only) {
-      only.emplace(options_.only->begin(), options_.only->end());
-      for (const Node* node : *options_.only)
-        for (const scene::DagPath& path : scene::allPaths(*node))
-          for (const Node* each : path.upwards())
-            if (!only->insert(each).second && each != node) break;
-    }
+    if (options_.only) only.emplace(options_.only->nodes.begin(), options_.only->nodes.end());
     const auto isWanted = [&](const Node* node) { return !only || only->count(node) != 0; };
     for (const dg::NodePtr& node : graph_.nodes()) {
       if (!isWanted(node.get()) || !isBaked(*node)) continue;
@@ -108,11 +104,11 @@ class Writer {
         const std::vector<Node*>& children = scene::dagLinks(*node).children;
         // An instance belongs to its first parent; others get it by statements of their own.
         for (auto child = children.rbegin(); child != children.rend(); ++child)
-          if (scene::dagLinks(**child).parents.front() == node) open.push_back(*child);
+          if (places_.hasFirst(**child, node)) open.push_back(*child);
       }
     };
     for (Node* top : document_.worldChildren())
-      if (scene::dagLinks(*top).parents.front() == nullptr) addTree(top);
+      if (places_.hasFirst(*top, nullptr)) addTree(top);
     for (const dg::NodePtr& node : graph_.nodes())
       if (!scene::isDagNode(*node) && node->isDefault() && !only) add(node.get());
     for (const dg::NodePtr& node : graph_.nodes())
@@ -131,8 +127,8 @@ class Writer {
     if (!options_.withHistory && nodes::hasHistory(node)) return true;
     // What feeds it is not written along.
     if (options_.only && nodes::hasHistory(node) &&
-        std::ranges::find(*options_.only, graph_.source(node.plug("inMesh")).node()) ==
-            options_.only->end())
+        std::ranges::find(options_.only->nodes, graph_.source(node.plug("inMesh")).node()) ==
+            options_.only->nodes.end())
       return true;
     const dg::Value stored = graph_.stored(override);
     const auto* data = std::get_if<dg::DataPtr>(&stored);
@@ -179,10 +175,10 @@ class Writer {
   [[nodiscard]] std::string nameOf(const Node& node) const {
     if (!scene::isDagNode(node)) return node.isDefault() ? ":" + node.name() : node.name();
     if (document_.nodesNamed(node.name()).size() == 1) return node.name();
-    return scene::firstPath(node).fullName();
+    return places_.fullName(node);
   }
   [[nodiscard]] std::string plugName(const Plug& plug) const {
-    return nameOf(*plug.node()) + "." + filePath(plug);
+    return nameOf(*plug.node()) + "." + filePath(places_.inFile(plug).value_or(plug));
   }
   /// The same node of a new scene; null for nodes that it does not have.
   [[nodiscard]] const Node* freshOf(const Node& node) const {
@@ -298,6 +294,8 @@ class Writer {
     if (options_.leavesOut && !node.type().pluginName.empty())
       for (const dg::AttributePtr& attribute : node.type().attributes())
         if (options_.leavesOut(node.plug(attribute.get()))) writer.leaveOut(attribute->longName);
+    if (options_.only && scene::isDagNode(node))
+      writer.inFile = [this](const Plug& plug) { return places_.inFile(plug); };
     writer.write(out());
     if (!writer.notFinite().empty())
       result_.warnings.push_back(
@@ -351,7 +349,7 @@ class Writer {
         name = stem + std::to_string(number);
       taken.insert(name);
       out() += fmt::format("createNode mesh -n \"{}\" -p \"{}\";\n\tsetAttr \".io\" yes;\n", name,
-                           nameOf(*scene::dagLinks(*held.shape).parents.front()));
+                           nameOf(*places_.firstParent(*held.shape)));
       appendMeshOf(name, held.mesh);
       heldConnections_ += fmt::format("connectAttr \"{}.o\" \"{}\";\n", name, plugName(held.input));
     }
@@ -377,7 +375,7 @@ class Writer {
                          isShared ? " -s" : "");
     appendQuoted(out(), node.name());
     if (scene::isDagNode(node))
-      if (const Node* parent = scene::dagLinks(node).parents.front()) {
+      if (const Node* parent = places_.firstParent(node)) {
         out() += " -p ";
         appendQuoted(out(), nameOf(*parent));
       }
@@ -400,9 +398,10 @@ class Writer {
   void writeInstances() {
     for (const Node* node : order_) {
       if (!scene::isDagNode(*node)) continue;
-      const std::vector<Node*>& parents = scene::dagLinks(*node).parents;
+      const std::vector<Node*> parents = places_.parents(*node);
+      if (parents.size() < 2) continue;
+      const std::string path = places_.fullName(*node);
       for (std::size_t i = 1; i < parents.size(); ++i) {
-        const std::string path = scene::firstPath(*node).fullName();
         if (!parents[i])
           out() += fmt::format("parent -s -nc -r -add -w \"{}\";\n", path);
         else if (isWritten_.count(parents[i]) != 0)
@@ -419,10 +418,10 @@ class Writer {
     std::vector<const Node*> shuffled;
     for (const Node* node : order_)
       if (scene::isDagNode(*node) && !scene::dagLinks(*node).parents.empty())
-        arriving[scene::dagLinks(*node).parents.front()].push_back(node);
+        arriving[places_.firstParent(*node)].push_back(node);
     for (const Node* node : order_) {
       if (!scene::isDagNode(*node)) continue;
-      const std::vector<Node*>& parents = scene::dagLinks(*node).parents;
+      const std::vector<Node*> parents = places_.parents(*node);
       for (std::size_t i = 1; i < parents.size(); ++i) {
         if (parents[i] && isWritten_.count(parents[i]) == 0) continue;
         arriving[parents[i]].push_back(node);
@@ -435,10 +434,10 @@ class Writer {
       const std::vector<const Node*>& made = arriving[parent];
       std::size_t place = 0;
       bool isInOrder = true;
-      const std::string above = parent ? scene::firstPath(*parent).fullName() : std::string();
+      const std::string above = parent ? places_.fullName(*parent) : std::string();
       for (const Node* child :
            parent ? scene::dagLinks(*parent).children : document_.worldChildren()) {
-        if (isWritten_.count(child) == 0) continue;
+        if (isWritten_.count(child) == 0 || !places_.has(*child, parent)) continue;
         isInOrder = isInOrder && place < made.size() && made[place] == child;
         ++place;
         if (!isInOrder) out() += fmt::format("reorder -b \"{}|{}\";\n", above, child->name());
@@ -465,6 +464,8 @@ class Writer {
       if (isWritten_.count(connection.destination.node()) == 0 || isCut(connection) ||
           isLink(connection.destination) || passed_.count(connection.destination) != 0)
         continue;
+      // Of a place that is not written nothing is connected.
+      if (!places_.inFile(connection.source) || !places_.inFile(connection.destination)) continue;
       const bool areLayers =
           isMadeByFiles(node) && node.isDefault() && isMadeByFiles(*connection.destination.node());
       if (!areLayers && isFresh(connection)) continue;
@@ -529,6 +530,7 @@ class Writer {
   const MaKept& kept_;
   const MaWriteOptions& options_;
   scene::Document fresh_;
+  const WrittenPlaces places_;
   MaText result_;
   std::vector<Node*> order_;
   std::unordered_set<const Node*> isWritten_, baked_, feeders_;

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <functional>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/base/result.h"
@@ -10,13 +12,19 @@
 
 namespace host::io {
 
+/// A part of a scene: nodes with all that stands above them, and which of their places count.
+struct MaPart {
+  std::vector<dg::Node*> nodes;
+  /// A node and one of its parents (null: the world), for each place that is written.
+  std::set<std::pair<const dg::Node*, const dg::Node*>> links;
+};
+
 struct MaWriteOptions {
   std::string name;                       ///< of the file, for its first and last lines
   std::string modified;                   ///< date and time for the header; empty: no such line
   std::string version;                    ///< of the host, for the header and `requires`
   std::vector<std::string> requirements;  ///< `requires` statements of plug-ins in use
-  /// Writes these nodes alone, with what lies above them in the hierarchy; null: the whole scene.
-  const std::vector<dg::Node*>* only = nullptr;
+  const MaPart* only = nullptr;           ///< null: the whole scene
   bool withHistory = true;  ///< false: meshes as they are seen, without what made them
   /// Asked of the attributes of plug-in nodes: true leaves one out. Empty: all are written.
   std::function<bool(const dg::Plug&)> leavesOut = {};
