@@ -1,6 +1,7 @@
 #include "host/dg/evaluated_elements.h"
 
 #include <algorithm>
+#include <unordered_map>
 #include <utility>
 
 #include "host/dg/graph_impl.h"
@@ -8,14 +9,22 @@
 namespace host::dg {
 namespace {
 
-/// An array with such elements. The plug is only looked at while the node is held.
+/// The arrays of a node that have such elements. The plugs are only looked at while the node is
+/// held.
 struct Noted {
   std::weak_ptr<Node> node;
-  Plug array;
+  std::vector<Plug> arrays;
+  bool isChanged = false;  ///< stands in the list of those that changed
 };
-std::vector<Noted>& noted() {
+
+struct AllNoted {
+  std::unordered_map<const Node*, Noted> nodes;
+  std::vector<const Node*> changed;  ///< since elements were dropped last
+  std::size_t purgeAt = 64;
+};
+AllNoted& noted() {
   // Never destroyed: nodes may outlive whatever ends with the program.
-  static std::vector<Noted>& all = *new std::vector<Noted>;
+  static AllNoted& all = *new AllNoted;
   return all;
 }
 
@@ -36,46 +45,97 @@ bool isEvaluated(const std::unique_ptr<Slot>& element) {
   return element->isEvaluated && !isWired(*element);
 }
 
+bool isWiredAt(const Slot& array, Index index) {
+  const Slot* element = findElement(array, index);
+  return element && isWired(*element);
+}
+
+bool hasEvaluated(const Slot& array) {
+  if (array.packed) return !array.packed->evaluated.empty();
+  return std::ranges::any_of(array.below, &Slot::isEvaluated, &std::unique_ptr<Slot>::operator*);
+}
+
 /// Whether some of the elements stay.
 bool drop(const Plug& array) {
   Slot* slot = locate(array).slot;
-  if (!slot || slot->packed) return false;
+  if (!slot) return false;
   const bool isComputed = array.node()->type().isComputed(array.attribute());
   const bool isStale = isComputed ? slot->isDirty : hasDirtyOutput(*array.node());
-  if (!isStale)
-    return std::ranges::any_of(slot->below, &Slot::isEvaluated, &std::unique_ptr<Slot>::operator*);
+  if (!isStale) return hasEvaluated(*slot);
+  if (slot->packed) {
+    for (const Index index : std::vector(slot->packed->evaluated))
+      if (!isWiredAt(*slot, index)) slot->packed->erase(slot->packed->position(index));
+    matchSlotsToPacked(*slot);
+    return hasEvaluated(*slot);
+  }
   slot->isAwaited = isComputed && std::ranges::any_of(slot->below, isEvaluated);
   std::erase_if(slot->below, isEvaluated);
-  return std::ranges::any_of(slot->below, &Slot::isEvaluated, &std::unique_ptr<Slot>::operator*);
+  return hasEvaluated(*slot);
+}
+
+void list(const Node* node, Noted& its) {
+  if (std::exchange(its.isChanged, true)) return;
+  noted().changed.push_back(node);
+}
+
+Noted& notedOf(Node& node) {
+  AllNoted& all = noted();
+  // Nobody need ever undo: what scenes that are gone left goes before the table grows.
+  if (all.nodes.size() >= all.purgeAt) {
+    std::erase_if(all.nodes, [](const auto& each) { return each.second.node.expired(); });
+    std::erase_if(all.changed, [&](const Node* each) { return !all.nodes.contains(each); });
+    all.purgeAt = std::max<std::size_t>(64, 2 * all.nodes.size());
+  }
+  Noted& its = all.nodes[&node];
+  if (its.node.expired()) {  // new, or another node had the address
+    its.node = node.shared_from_this();
+    its.arrays.clear();
+  }
+  return its;
 }
 
 }  // namespace
 
 void noteEvaluatedElement(const Plug& element) {
   if (element.attribute()->top().worldSpace || element.attribute()->worldSpace) return;
-  Slot* slot = locate(element).slot;
-  if (!slot) return;
-  slot->isEvaluated = true;
   const Plug array = element.array();
+  Slot* whole = locate(array).slot;
+  if (whole && whole->packed) {
+    std::vector<Index>& known = whole->packed->evaluated;
+    const Index index = element.logicalIndex();
+    const auto at = std::ranges::lower_bound(known, index);
+    if (at == known.end() || *at != index) known.insert(at, index);
+  } else if (Slot* slot = locate(element).slot) {
+    slot->isEvaluated = true;
+  } else {
+    return;
+  }
   if (array.levels() > 1) return;  // goes with the element above
-  if (!noted().empty() && noted().back().array == array && !noted().back().node.expired()) return;
-  // Nobody need ever undo: what scenes that are gone left goes before the list grows.
-  if (noted().size() == noted().capacity())
-    std::erase_if(noted(), [](const Noted& each) { return each.node.expired(); });
-  noted().push_back({array.node()->shared_from_this(), array});
+  Noted& its = notedOf(*array.node());
+  list(array.node(), its);
+  if (std::ranges::find(its.arrays, array) == its.arrays.end()) its.arrays.push_back(array);
+}
+
+void noteChange(const Node& node) {
+  AllNoted& all = noted();
+  if (all.nodes.empty()) return;
+  if (const auto its = all.nodes.find(&node); its != all.nodes.end()) list(&node, its->second);
 }
 
 void dropEvaluatedElements() {
-  std::vector<Noted> kept;
-  for (Noted& each : std::exchange(noted(), {})) {
-    const NodePtr node = each.node.lock();
-    if (!node) continue;
-    // What was deleted may come back with what it has.
-    if (!node->isAlive() || (checkPlug(each.array) && drop(each.array)))
-      kept.push_back(std::move(each));
+  AllNoted& all = noted();
+  for (const Node* changed : std::exchange(all.changed, {})) {
+    const auto its = all.nodes.find(changed);
+    if (its == all.nodes.end()) continue;
+    its->second.isChanged = false;
+    const NodePtr node = its->second.node.lock();
+    // What was deleted may come back with what it has, and then counts as changed.
+    if (node && !node->isAlive()) continue;
+    if (node)
+      std::erase_if(its->second.arrays,
+                    [](const Plug& array) { return !checkPlug(array) || !drop(array); });
+    if (!node || its->second.arrays.empty()) all.nodes.erase(its);
   }
-  noted().insert(noted().begin(), std::make_move_iterator(kept.begin()),
-                 std::make_move_iterator(kept.end()));
 }
 
 bool takeAwaited(Slot& array) {
@@ -89,10 +149,30 @@ int adoptEvaluated(const Plug& plug) {
   if (plug.node()->type().isComputed(plug.attribute())) return -1;
   int first = -1;
   for (int level = plug.levels() - 1; level >= 0; --level) {
-    Slot* element = locate(elementAtLevel(plug, level)).slot;
-    if (element && std::exchange(element->isEvaluated, false)) first = level;
+    const Plug element = elementAtLevel(plug, level);
+    if (!element.isElement()) continue;
+    if (Slot* array = locate(element.array()).slot; array && array->packed) {
+      if (std::erase(array->packed->evaluated, element.logicalIndex()) > 0) first = level;
+    } else if (Slot* slot = locate(element).slot; slot && std::exchange(slot->isEvaluated, false)) {
+      first = level;
+    }
   }
   return first;
+}
+
+std::vector<Index> ownIndices(const Slot& array) {
+  std::vector<Index> indices;
+  if (array.packed) {
+    indices = array.packed->indices;
+    if (array.packed->evaluated.empty()) return indices;
+    std::erase_if(indices, [&](Index index) {
+      return std::ranges::binary_search(array.packed->evaluated, index) && !isWiredAt(array, index);
+    });
+    return indices;
+  }
+  for (const auto& element : array.below)
+    if (!isEvaluated(element)) indices.push_back(element->index);
+  return indices;
 }
 
 }  // namespace host::dg

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "host/dg/connection_check.h"
+#include "host/dg/evaluated_elements.h"
 #include "host/dg/graph_impl.h"
 
 namespace host::dg {
@@ -257,6 +258,8 @@ std::ptrdiff_t Graph::Impl::unwire(const Plug& source, const Plug& destination) 
   for (Slot* slot = &to; slot; slot = slot->parent) --slot->incoming;
   dropEmptyWiring(from);
   dropEmptyWiring(to);
+  noteChange(*from.node);
+  noteChange(*to.node);
   const NodeType& type = to.node->type();
   const bool isStillDriven = to.incoming > 0;
   visitSlots(to, [&](Slot& slot) {

@@ -1,3 +1,4 @@
+#include "host/dg/evaluated_elements.h"
 #include "host/dg/graph_impl.h"
 
 namespace host::dg {
@@ -54,6 +55,7 @@ void makeLeaves(const Plug& plug) {
 
 void Graph::Impl::mark(Slot& slot, bool isReachDone, std::vector<DirtyStep>& work) {
   if (!markBelow(slot)) return;
+  noteChange(*slot.node);
   for (Slot* above = slot.parent; above; above = above->parent)
     if (above->isArray && above->node->type().isComputed(above->attribute)) above->isDirty = true;
   const Plug plug = plugOf(slot);
@@ -150,6 +152,7 @@ void Graph::Impl::markClean(const Plug& plug) {
 void Graph::dirty(const Plug& plug) {
   if (!checkPlug(plug)) return;
   if (Slot* slot = locate(plug).slot) (void)markBelow(*slot);
+  noteChange(*plug.node());
   impl_->spread(plug);
 }
 

@@ -186,6 +186,8 @@ Result<void> Graph::Impl::fetchArray(Slot& array, const Slot& driver) {
   const Plug from = correspondingPlug(driver.wiring->source, driver.attribute, array.attribute);
   HOST_TRY(refresh(from));
   restoreValues(plugOf(array), captureValues(from));
+  // Here they are the connection's, whoever made them there.
+  if (array.packed) array.packed->evaluated.clear();
   visitSlots(array, [](Slot& slot) { slot.isDirty = false; });
   return {};
 }

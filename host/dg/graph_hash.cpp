@@ -1,3 +1,4 @@
+#include "host/dg/evaluated_elements.h"
 #include "host/dg/graph_impl.h"
 
 namespace host::dg {
@@ -49,15 +50,20 @@ class NodeHash {
   }
 
   void addElements(const Slot& slot) {
-    std::vector<Index> indices;
-    if (slot.packed) indices = slot.packed->indices;
-    for (const auto& element : slot.below)
-      if (!slot.packed && (!element->isEvaluated || isWired(*element)))
-        indices.push_back(element->index);
+    const std::vector<Index> indices = ownIndices(slot);
     if (indices.empty()) return;
     mix(hashPlug(plugOf(slot), hashBytes(indices.data(), indices.size() * sizeof(Index), 3)));
     if (!slot.packed) return;
     const std::vector<double>& values = slot.packed->values;
+    if (indices.size() != slot.packed->indices.size()) {
+      for (const Index index : indices) {
+        const auto first =
+            static_cast<std::size_t>(slot.packed->position(index) * slot.packed->stride);
+        for (std::size_t i = first; i < first + static_cast<std::size_t>(slot.packed->stride); ++i)
+          if (!isElementDriven(slot, i)) mix(hashBytes(&values[i], sizeof(double), index));
+      }
+      return;
+    }
     if (slot.incoming == 0) {
       mix(hashBytes(values.data(), values.size() * sizeof(double), 4));
       return;

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/dg/evaluated_elements.h"
 #include "host/dg/graph_impl.h"
 
 namespace host::dg {
@@ -166,6 +167,7 @@ void Graph::Impl::putIn(const NodePtr& node) {
   if (node->isAlive_) return;
   graph.nodes_.insert(positionOf(graph.nodes_, node->serial()), node);
   node->isAlive_ = true;
+  noteChange(*node);
   notify([&](GraphObserver& observer) { observer.nodeAdded(*node); });
 }
 

@@ -129,6 +129,7 @@ Result<void> Graph::Impl::apply(const Plug& plug, const Value& value, bool isCle
     slot->isDirty = !isClean && plug.node()->type().isComputed(plug.attribute());
     slot->isOutput = false;
   }
+  noteChange(*plug.node());
   spread(plug);
   attributeEvent(AttributeEvent::Set, plug);
   return {};

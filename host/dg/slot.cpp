@@ -133,6 +133,7 @@ std::ptrdiff_t PackedArray::insert(Index index, const Attribute& attribute) {
 }
 
 void PackedArray::erase(std::ptrdiff_t position) {
+  std::erase(evaluated, indices[static_cast<std::size_t>(position)]);
   indices.erase(indices.begin() + position);
   values.erase(values.begin() + position * stride, values.begin() + (position + 1) * stride);
 }
@@ -305,6 +306,7 @@ DetachedElement detachElement(Slot& array, Index index) {
     if (position >= 0) {
       const double* values = array.packed->at(position);
       result.packed.assign(values, values + array.packed->stride);
+      result.isEvaluated = std::ranges::binary_search(array.packed->evaluated, index);
       array.packed->erase(position);
     }
   }
@@ -322,6 +324,10 @@ void attachElement(Slot& array, Index index, DetachedElement element) {
   if (array.packed && array.packed->position(index) < 0) {
     const std::ptrdiff_t position = array.packed->insert(index, *array.attribute);
     std::copy(element.packed.begin(), element.packed.end(), array.packed->at(position));
+    if (element.isEvaluated) {
+      std::vector<Index>& known = array.packed->evaluated;
+      known.insert(std::ranges::lower_bound(known, index), index);
+    }
   }
   if (!element.slot || findElement(array, index)) return;
   element.slot->parent = &array;

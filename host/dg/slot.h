@@ -17,6 +17,7 @@ struct PackedArray {
   std::vector<Index> indices;  ///< ascending logical indices
   std::vector<double> values;  ///< `stride` for each index
   int stride = 1;
+  std::vector<Index> evaluated;  ///< of these, those that a computation made (evaluated_elements.h)
 
   /// Position of a logical index, -1 when it is not there. Constant time while the indices have no
   /// gaps.
@@ -129,6 +130,7 @@ void matchSlotsToPacked(Slot& array);
 struct DetachedElement {
   std::unique_ptr<Slot> slot;
   std::vector<double> packed;
+  bool isEvaluated = false;                      ///< of a packed one
   std::vector<std::unique_ptr<Change>> severed;  ///< connections that went with it
 };
 DetachedElement detachElement(Slot& array, Index index);

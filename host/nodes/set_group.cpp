@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "host/nodes/history/group_carry.h"
+#include "host/nodes/sets.h"
 
 namespace host::nodes {
 
@@ -339,6 +340,13 @@ Node* shadingGroupOfWhole(const DagPath& path) {
         destination.node()->type().isA("shadingEngine"))
       return destination.node();
   return nullptr;
+}
+
+DagPath shadedPlace(const DagPath& path) {
+  if (path.instanceNumber() == 0 || shadingGroupOfWhole(path)) return path;
+  for (const SetGroup& group : groupsOf(path, nullptr))
+    if (isShadingGroup(*group.set)) return path;
+  return scene::firstPath(*path.node());
 }
 
 Result<Plug> bringAllGroups(Document& document, const DagPath& path, const Plug& source,

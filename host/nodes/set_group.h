@@ -62,6 +62,9 @@ Result<void> joinGroups(scene::Document& document, dg::Node& shape,
                         const std::vector<ComingGroup>& groups);
 /// The shading group that has the whole of an instance; null when none has.
 [[nodiscard]] dg::Node* shadingGroupOfWhole(const scene::DagPath& path);
+/// The place whose shading groups a place of a shape shows: its own or, of an instance that is in
+/// none, the first.
+[[nodiscard]] scene::DagPath shadedPlace(const scene::DagPath& path);
 /// Writes what the history makes of the groups on the shape, for when the history goes.
 Result<void> bakeGroups(dg::Node& shape);
 

@@ -115,9 +115,10 @@ void Materials::smooth(viewport::RenderMesh& mesh) {
 
 void Materials::dressMesh(scene::Document& document, viewport::RenderMesh& mesh) {
   std::vector<std::pair<const dg::Node*, std::vector<scene::Component>>> groups;
-  dg::Node* whole = nodes::shadingGroupOfWhole(mesh.path);
+  const scene::DagPath place = nodes::shadedPlace(mesh.path);
+  dg::Node* whole = nodes::shadingGroupOfWhole(place);
   std::vector<dg::Node*> owners;
-  for (nodes::SetGroup& group : nodes::groupsOf(mesh.path, nullptr)) {
+  for (nodes::SetGroup& group : nodes::groupsOf(place, nullptr)) {
     if (!nodes::isShadingGroup(*group.set)) continue;
     owners.push_back(group.set);
     groups.emplace_back(group.set, std::move(group.components));

@@ -9,6 +9,7 @@
 #include "host/api/node/px_node.h"
 #include "host/nodes/dag_node.h"
 #include "host/nodes/sets.h"
+#include "host/scene/dag_paths.h"
 
 namespace host::api {
 namespace {
@@ -17,8 +18,7 @@ namespace {
 /// through.
 scene::DagPath instanceOf(const MeshTarget& target, unsigned int number) {
   if (!target.shape()) return {};
-  const auto paths = scene::allPaths(*target.shape());
-  return number < paths.size() ? paths[number] : scene::DagPath();
+  return scene::pathAt(*target.shape(), number);
 }
 
 /// What a set holds of one path.

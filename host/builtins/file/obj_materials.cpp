@@ -289,9 +289,10 @@ Result<void> describeShading(scene::Document& document, const scene::DagPath& sh
     if (shader && !library.contains(name)) library[name] = describe(*shader.node(), name, folder);
     return name;
   };
-  if (dg::Node* whole = nodes::shadingGroupOfWhole(shape))
+  const scene::DagPath place = nodes::shadedPlace(shape);
+  if (dg::Node* whole = nodes::shadingGroupOfWhole(place))
     object.materials.push_back({nameOf(*whole), {{0, faceCount}}});
-  for (const nodes::SetGroup& group : nodes::groupsOf(shape, nullptr)) {
+  for (const nodes::SetGroup& group : nodes::groupsOf(place, nullptr)) {
     for (const Component& component : group.components) {
       if (component.type() != ComponentType::Face) continue;
       std::vector<io::ObjFaceRange> runs = runsOf(component, faceCount);
