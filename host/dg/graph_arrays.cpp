@@ -212,10 +212,13 @@ void Graph::Impl::dropElements(const Plug& plug, MadeElements& made) {
 void Graph::Impl::bringBack(const Plug& plug, MadeElements& made) {
   if (!made.isDropped) return;
   const Plug element = elementAtLevel(plug, made.level);
-  // One that was made anew meanwhile is not this record's to take away again.
+  // One that was made anew meanwhile is not this record's to take away again; what a computation
+  // had made, and made again, still is the computation's.
+  const bool wasEvaluated =
+      made.kept.isEvaluated || (made.kept.slot && made.kept.slot->isEvaluated);
   if (locate(element).isMissing)
     attach(element, std::move(made.kept));
-  else if (adoptEvaluated(plug) < 0)
+  else if (!wasEvaluated && adoptEvaluated(plug) < 0)
     made.level = -1;
   made.isDropped = false;
   made.kept = {};

@@ -54,22 +54,23 @@ class NodeHash {
     if (indices.empty()) return;
     mix(hashPlug(plugOf(slot), hashBytes(indices.data(), indices.size() * sizeof(Index), 3)));
     if (!slot.packed) return;
-    const std::vector<double>& values = slot.packed->values;
-    if (indices.size() != slot.packed->indices.size()) {
-      for (const Index index : indices) {
-        const auto first =
-            static_cast<std::size_t>(slot.packed->position(index) * slot.packed->stride);
-        for (std::size_t i = first; i < first + static_cast<std::size_t>(slot.packed->stride); ++i)
-          if (!isElementDriven(slot, i)) mix(hashBytes(&values[i], sizeof(double), index));
+    // As if those that a computation made were not there.
+    std::vector<double> values;
+    std::vector<std::uint8_t> isDriven;
+    const auto stride = static_cast<std::size_t>(slot.packed->stride);
+    for (const Index index : indices) {
+      const auto first = static_cast<std::size_t>(slot.packed->position(index)) * stride;
+      for (std::size_t i = first; i < first + stride; ++i) {
+        values.push_back(slot.packed->values[i]);
+        if (slot.incoming > 0) isDriven.push_back(isElementDriven(slot, i) ? 1 : 0);
       }
-      return;
     }
     if (slot.incoming == 0) {
       mix(hashBytes(values.data(), values.size() * sizeof(double), 4));
       return;
     }
     for (std::size_t i = 0; i < values.size(); ++i)
-      if (!isElementDriven(slot, i)) mix(hashBytes(&values[i], sizeof(double), i));
+      if (!isDriven[i]) mix(hashBytes(&values[i], sizeof(double), i));
   }
 
   /// Whether the number at a position of a packed array is fetched over a connection.
