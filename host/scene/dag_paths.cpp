@@ -1,6 +1,7 @@
 #include "host/scene/dag_paths.h"
 
 #include <algorithm>
+#include <unordered_set>
 #include <utility>
 
 #include "host/base/messages.h"
@@ -114,6 +115,21 @@ void PathWalk::next() {
 void PathWalk::skipBelow() {
   open_.back() = dagLinks(node()).children.size();
   next();
+}
+
+std::vector<Node*> nodesBelow(const std::vector<Node*>& tops) {
+  std::vector<Node*> found;
+  std::unordered_set<const Node*> met;
+  std::vector<Node*> open(tops.rbegin(), tops.rend());
+  while (!open.empty()) {
+    Node* node = open.back();
+    open.pop_back();
+    if (!met.insert(node).second) continue;
+    found.push_back(node);
+    const std::vector<Node*>& children = dagLinks(*node).children;
+    open.insert(open.end(), children.rbegin(), children.rend());
+  }
+  return found;
 }
 
 namespace {

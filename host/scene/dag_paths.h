@@ -92,6 +92,10 @@ class PathWalk {
   PlaceBudget* shared_;  ///< null: `own_` counts
 };
 
+/// Nodes and all below them, each once however many instances lead to it, a node before its
+/// children. What is done to nodes, not to places, goes through these.
+[[nodiscard]] std::vector<Node*> nodesBelow(const std::vector<Node*>& tops);
+
 /// Told by the document of every parent that a node got or lost, and of a node's end.
 void noteLink(const Node& child, const Node* parent, bool added);
 void forgetParents(const Node& node);

@@ -13,10 +13,14 @@
 #include "host/cmd/plug_values.h"
 #include "host/edits/hierarchy.h"
 #include "host/edits/select.h"
+#include "host/scene/dag_paths.h"
 #include "host/window/typed_number.h"
 
 namespace host::window {
 namespace {
+
+/// Places of instances that get a row.
+constexpr std::uint64_t kMostRows = 5'000;
 
 constexpr int kNameRole = Qt::UserRole, kPathRole = Qt::UserRole + 1;
 
@@ -27,12 +31,14 @@ QString text(const std::string& plain) {
 /// The hierarchy as one text, to see whether it is another one.
 std::string hierarchyText(scene::Document& document) {
   std::string all;
-  const auto add = [&](const scene::Node& node, const auto& self) -> void {
-    all += node.name() + "(";
-    for (const scene::Node* child : scene::dagLinks(node).children) self(*child, self);
+  const auto add = [&](const std::string& name, const std::vector<scene::Node*>& children) {
+    all += name + "(";
+    for (const scene::Node* child : children) all += child->name() + " ";
     all += ")";
   };
-  for (const scene::Node* node : document.worldChildren()) add(*node, add);
+  add({}, document.worldChildren());
+  for (const scene::Node* node : scene::nodesBelow(document.worldChildren()))
+    add(node->name(), scene::dagLinks(*node).children);
   return all;
 }
 
@@ -62,17 +68,33 @@ Outliner::Outliner(Person& person, QWidget* parent) : QTreeWidget(parent), perso
   });
 }
 
-void Outliner::addRows(QTreeWidgetItem* parent, const std::vector<scene::Node*>& nodes) {
-  for (scene::Node* node : nodes) {
-    if (scene::isShape(*node)) continue;
-    auto* item = new QTreeWidgetItem;
-    item->setText(0, text(node->name()));
-    item->setData(0, kPathRole, text(scene::firstPath(*node).fullName()));
-    item->setFlags(item->flags() | Qt::ItemIsEditable | Qt::ItemIsDragEnabled |
-                   Qt::ItemIsDropEnabled);
-    parent ? parent->addChild(item) : addTopLevelItem(item);
-    addRows(item, scene::dagLinks(*node).children);
+void Outliner::addRows(const std::vector<scene::Node*>& tops) {
+  scene::PlaceBudget budget(kMostRows);
+  for (scene::Node* top : tops) {
+    std::vector<QTreeWidgetItem*> levels;  // of the nodes from the top to the one visited
+    scene::PathWalk walk(scene::DagPath().child(top), scene::PathWalk::Children::InOrder, &budget);
+    while (!walk.isDone()) {
+      if (scene::isShape(walk.node())) {
+        walk.skipBelow();
+        continue;
+      }
+      levels.resize(walk.depth());
+      auto* item = new QTreeWidgetItem;
+      item->setText(0, text(walk.node().name()));
+      item->setData(0, kPathRole, text(walk.path().fullName()));
+      item->setFlags(item->flags() | Qt::ItemIsEditable | Qt::ItemIsDragEnabled |
+                     Qt::ItemIsDropEnabled);
+      levels.empty() ? addTopLevelItem(item) : levels.back()->addChild(item);
+      levels.push_back(item);
+      walk.next();
+    }
   }
+  if (!budget.leftOut()) return;
+  auto* rest = new QTreeWidgetItem;
+  rest->setText(0, text(fmt::format("(more than {} places of instances: the rest is not listed)",
+                                    kMostRows)));
+  rest->setFlags(Qt::NoItemFlags);
+  addTopLevelItem(rest);
 }
 
 void Outliner::follow() {
@@ -81,7 +103,7 @@ void Outliner::follow() {
   if (std::string now = hierarchyText(document); now != shown_) {
     shown_ = std::move(now);
     clear();
-    addRows(nullptr, document.worldChildren());
+    addRows(document.worldChildren());
     expandToDepth(1);
   }
   std::unordered_set<std::string> selected;

@@ -23,7 +23,7 @@ class Outliner : public QTreeWidget {
   void dropEvent(QDropEvent* event) override;
 
  private:
-  void addRows(QTreeWidgetItem* parent, const std::vector<scene::Node*>& nodes);
+  void addRows(const std::vector<scene::Node*>& tops);
   void select();
   Person& person_;
   std::string shown_;  ///< the hierarchy as it was read last

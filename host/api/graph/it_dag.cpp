@@ -2,9 +2,11 @@
 #include <maya/MItDag.h>
 
 #include <deque>
+#include <unordered_map>
 #include <vector>
 
 #include "host/api/core/access.h"
+#include "host/base/messages.h"
 #include "host/scene/dag_paths.h"
 
 namespace host::api {
@@ -18,8 +20,13 @@ struct DagWalk final : SharedRep {
   std::deque<scene::DagPath> open;
   bool isPruned = false;
   bool entersUnderWorld = false;
+  /// Whether something at or below a node passes the filter: the walk leaves out what has nothing
+  /// to show, which counts where nodes stand in millions of places.
+  std::unordered_map<const dg::Node*, bool> shows;
+  bool isCutShort = false;
 
   void start() {
+    shows.clear();
     open.assign(1, root);
     isPruned = false;
     settle();
@@ -37,16 +44,56 @@ struct DagWalk final : SharedRep {
     const auto& children =
         path.isWorld() ? document().worldChildren() : scene::dagLinks(*path.node()).children;
     if (order == MItDag::kBreadthFirst) {
-      for (dg::Node* child : children) open.push_back(path.child(child));
+      for (dg::Node* child : children)
+        if (mayShow(*child) && hasRoom(*child)) open.push_back(path.child(child));
     } else {
       for (auto child = children.rbegin(); child != children.rend(); ++child)
-        open.push_front(path.child(*child));
+        if (mayShow(**child)) open.push_front(path.child(*child));
     }
+  }
+  /// Breadth first all paths of a level wait at once.
+  [[nodiscard]] bool hasRoom(const dg::Node& node) {
+    constexpr std::size_t kMostWaiting = 1'000'000;
+    if (open.size() < kMostWaiting || scene::hasOnePath(node)) return true;
+    if (!std::exchange(isCutShort, true))
+      postMessage(MessageKind::Warning,
+                  fmt::format("MItDag: '{}' and others stand in more than {} places, which is too "
+                              "many to go through breadth first: the rest is left out",
+                              node.name(), kMostWaiting));
+    return false;
+  }
+  /// Without recursion: hierarchies are deeper than stacks.
+  [[nodiscard]] bool mayShow(dg::Node& top) {
+    if (filter.empty()) return true;
+    std::vector<dg::Node*> todo{&top};
+    while (!todo.empty()) {
+      dg::Node* node = todo.back();
+      const auto known = shows.find(node);
+      if (known != shows.end()) {
+        todo.pop_back();
+        continue;
+      }
+      bool isShown = fits(*node), isReady = true;
+      for (dg::Node* child : scene::dagLinks(*node).children) {
+        if (isShown) break;
+        const auto below = shows.find(child);
+        if (below == shows.end()) {
+          todo.push_back(child);
+          isReady = false;
+          break;
+        }
+        isShown = below->second;
+      }
+      if (isReady) shows.emplace(node, isShown);
+    }
+    return shows.at(&top);
   }
   [[nodiscard]] bool passes(const scene::DagPath& path) const {
     if (filter.empty()) return true;
-    if (path.isWorld()) return false;
-    const MObject node = wrap(path.node());
+    return !path.isWorld() && fits(*path.node());
+  }
+  [[nodiscard]] bool fits(dg::Node& dagNode) const {
+    const MObject node = wrap(&dagNode);
     for (const MFn::Type type : filter)
       if (node.hasFn(type)) return true;
     return false;

@@ -4,6 +4,7 @@
 
 #include "host/base/messages.h"
 #include "host/builtins/common/command.h"
+#include "host/scene/dag_paths.h"
 
 namespace host::builtins {
 
@@ -55,12 +56,12 @@ Result<int> assignAll(Context& context, scene::Node& layer, const std::vector<sc
     if (!done) return failWith(std::move(done.error()));
     count += *done ? 1 : 0;
     if (!below || !scene::isDagNode(*node)) continue;
-    std::vector<scene::Node*> children;
-    for (scene::Node* child : scene::dagLinks(*node).children)
-      if (!scene::isShape(*child)) children.push_back(child);
-    auto more = assignAll(context, layer, children, true);
-    if (!more) return more;
-    count += *more;
+    for (scene::Node* each : scene::nodesBelow(scene::dagLinks(*node).children)) {
+      if (scene::isShape(*each)) continue;
+      done = assign(context, layer, *each);
+      if (!done) return failWith(std::move(done.error()));
+      count += *done ? 1 : 0;
+    }
   }
   return count;
 }

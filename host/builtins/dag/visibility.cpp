@@ -1,5 +1,6 @@
 // hide, showHidden: the visibility attribute of objects.
 #include "host/builtins/common/command.h"
+#include "host/scene/dag_paths.h"
 
 namespace host::builtins {
 
@@ -8,12 +9,7 @@ namespace {
 /// Objects that hide or showHidden without arguments works on.
 std::vector<dg::Node*> everyTransform(scene::Document& document) {
   std::vector<dg::Node*> found;
-  std::vector<dg::Node*> queue(document.worldChildren().begin(), document.worldChildren().end());
-  for (std::size_t i = 0; i < queue.size(); ++i) {
-    const auto& children = scene::dagLinks(*queue[i]).children;
-    queue.insert(queue.end(), children.begin(), children.end());
-  }
-  for (dg::Node* node : queue) {
+  for (dg::Node* node : scene::nodesBelow(document.worldChildren())) {
     const bool isCamera = !scene::firstPath(*node).shapes().empty() &&
                           scene::firstPath(*node).shapes().front().node()->type().isA("camera");
     if (!isCamera) found.push_back(node);  // the cameras of the panels stay out of sight
@@ -50,13 +46,8 @@ CommandResult setVisibility(Context& context, const ParsedArgs& args, bool isVis
   for (dg::Node* node : nodes) {
     HOST_TRY(show(document, *node, isVisible));
     if (!args.has("below")) continue;
-    std::vector<dg::Node*> queue(scene::dagLinks(*node).children.begin(),
-                                 scene::dagLinks(*node).children.end());
-    for (std::size_t i = 0; i < queue.size(); ++i) {
-      HOST_TRY(show(document, *queue[i], isVisible));
-      const auto& children = scene::dagLinks(*queue[i]).children;
-      queue.insert(queue.end(), children.begin(), children.end());
-    }
+    for (dg::Node* below : scene::nodesBelow(scene::dagLinks(*node).children))
+      HOST_TRY(show(document, *below, isVisible));
   }
   return mel::Value();
 }

@@ -41,7 +41,8 @@ Result<dg::Node*> transformNamed(Context& context, const std::string& name) {
 }
 
 void addJointsBelow(dg::Node& joint, std::vector<dg::Node*>& found) {
-  if (std::ranges::find(found, &joint) == found.end()) found.push_back(&joint);
+  if (std::ranges::find(found, &joint) != found.end()) return;  // and all below it
+  found.push_back(&joint);
   for (dg::Node* child : scene::dagLinks(joint).children)
     if (child->type().isA("joint")) addJointsBelow(*child, found);
 }

@@ -113,8 +113,9 @@ class Lister {
       return;
     }
     if (!args_.has("allPaths")) return visitPath(scene::firstPath(node));
+    if (!hasType(node)) return;
     const std::uint64_t places = scene::pathCount(node);
-    if (places > 1 && (listed_ += std::min(places, scene::kMostPaths)) > scene::kMostPaths) {
+    if (places > 1 && (listed_ += std::min(places, 2 * scene::kMostPaths)) > scene::kMostPaths) {
       if (!std::exchange(isCutShort_, true))
         postMessage(MessageKind::Warning,
                     fmt::format("ls: '{}' and others stand in more than {} places: of each of them "

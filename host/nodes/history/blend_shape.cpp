@@ -241,12 +241,6 @@ Result<void> keepAsOffsets(dg::Graph& graph, const Plug& arrival) {
                    dg::DataPtr(std::make_shared<scene::ComponentListData>(list)));
 }
 
-void collectBelow(Node& node, std::vector<Node*>& found) {
-  found.push_back(&node);
-  if (!scene::isDagNode(node)) return;
-  for (Node* child : scene::dagLinks(node).children) collectBelow(*child, found);
-}
-
 }  // namespace
 
 void registerBlendShape(dg::TypeRegistry& types) {
@@ -367,8 +361,7 @@ std::string blendMismatch(Node& base, Node& target) {
 
 Result<void> keepBlendTargets(scene::Document& document, const std::vector<Node*>& going) {
   dg::Graph& graph = document.graph();
-  std::vector<Node*> all;
-  for (Node* node : going) collectBelow(*node, all);
+  const std::vector<Node*> all = scene::nodesBelow(going);
   for (Node* node : all) {
     if (!node->type().isA("mesh")) continue;
     for (const auto& [from, to] : graph.outgoing(*node)) {
