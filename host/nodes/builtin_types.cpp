@@ -11,6 +11,7 @@
 #include "host/nodes/joint.h"
 #include "host/nodes/light_nodes.h"
 #include "host/nodes/locator_node.h"
+#include "host/nodes/math/math_nodes.h"
 #include "host/nodes/mesh_node.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/scene_nodes.h"
@@ -43,6 +44,9 @@ void registerBuiltinTypes(dg::TypeRegistry& types) {
   registerSkinCluster(types);
   registerAnimCurves(types);
   registerCurveNodes(types);
+  registerCurveInfoNodes(types);
+  registerMatrixNodes(types);
+  registerNumberNodes(types);
   registerJoint(types);
   registerConstraints(types);
 }
