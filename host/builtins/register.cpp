@@ -77,6 +77,7 @@ namespace host::builtins {
   X(PolyOptions) \
   X(PolyUvSet) \
   /* poly */ \
+  X(PolyCompare) \
   X(PolyCrease) \
   X(PolyEvaluate) \
   X(PolyInfo) \

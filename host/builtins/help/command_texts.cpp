@@ -154,6 +154,7 @@ constexpr CommandText kTexts[] = {
     {"pointerPosition", "Tells where the pointer is over a view."},
     {"polyColorPerVertex", "Sets or tells colours of components."},
     {"polyColorSet", "Makes, renames and removes colour sets."},
+    {"polyCompare", "Tells in what two meshes differ."},
     {"polyCrease", "Sets or tells crease weights."},
     {"polyEditUV", "Moves, turns and scales UVs."},
     {"polyEditUVShell", "Moves, turns and scales UV shells."},
