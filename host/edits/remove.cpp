@@ -73,7 +73,7 @@ Result<void> removeHistoryBelow(scene::Document& document, const scene::DagPath&
     const scene::DagPath path = open.back();
     open.pop_back();
     for (const scene::DagPath& shape : nodes::meshPaths(path))
-      if (nodes::hasHistory(*shape.node())) HOST_TRY(nodes::deleteHistory(document, *shape.node()));
+      HOST_TRY(nodes::deleteHistory(document, *shape.node()));
     // Hidden originals went with the history that they began.
     const std::vector<scene::Node*>& children = scene::dagLinks(*path.node()).children;
     for (auto child = children.rbegin(); child != children.rend(); ++child)

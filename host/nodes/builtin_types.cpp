@@ -37,6 +37,7 @@ void registerBuiltinTypes(dg::TypeRegistry& types) {
   registerPolyTweak(types);
   registerDeleteComponent(types);
   registerTransformGeometry(types);
+  registerNamedSetNodes(types);
   registerGroupNodes(types);
   registerDeformers(types);
   registerTweak(types);
