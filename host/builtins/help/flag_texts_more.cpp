@@ -300,7 +300,7 @@ constexpr FlagText kTexts[] = {
     {"proxyManager", "refused: references have no proxies"},
     {"proxyTag", "refused: references have no proxies"},
     {"sharedReferenceFile", "refused: references share nothing"},
-    {"sharedNodes", "refused: references share nothing"},
+    {"sharedNodes", "kinds of nodes that references share; kept for the file, shared are none"},
     {"toSelectedBones", "only the named joints, not their whole skeleton"},
     {"maximumInfluences", "how many joints a vertex follows at most"},
     {"obeyMaxInfluences", "whether later edits keep to that number"},
