@@ -11,7 +11,8 @@ bool isSame(const double* a, const double* b, std::size_t stride) {
   return std::memcmp(a, b, stride * sizeof(double)) == 0;
 }
 
-/// Calls `one(index, of the first or null, of the second or null)` for every index of two arrays.
+/// Calls `one(index, of the first or null, of the second or null)` for every index of two arrays,
+/// as long as it wants to go on.
 template <class One>
 void walkBoth(const PackedArray& a, const PackedArray& b, const One& one) {
   const auto stride = static_cast<std::size_t>(a.stride);
@@ -21,8 +22,9 @@ void walkBoth(const PackedArray& a, const PackedArray& b, const One& one) {
         k == b.indices.size() || (i < a.indices.size() && a.indices[i] <= b.indices[k]);
     const bool isOfB =
         i == a.indices.size() || (k < b.indices.size() && b.indices[k] <= a.indices[i]);
-    one(isOfA ? a.indices[i] : b.indices[k], isOfA ? &a.values[i * stride] : nullptr,
-        isOfB ? &b.values[k * stride] : nullptr);
+    if (!one(isOfA ? a.indices[i] : b.indices[k], isOfA ? &a.values[i * stride] : nullptr,
+             isOfB ? &b.values[k * stride] : nullptr))
+      return;
     i += isOfA ? 1 : 0;
     k += isOfB ? 1 : 0;
   }
@@ -37,24 +39,23 @@ PackedPatch::PackedPatch(PackedArray before, const PackedArray* now) {
 
 void PackedPatch::keepDifference(const PackedArray& before, const PackedArray& now) {
   const auto stride = static_cast<std::size_t>(before.stride);
-  const auto differ = [&](const double* old, const double* fresh) {
-    return !old || !fresh || !isSame(old, fresh, stride);
-  };
-  std::size_t count = 0;
-  walkBoth(before, now, [&](Index, const double* old, const double* fresh) {
-    count += differ(old, fresh) ? 1 : 0;
-  });
-  if (count > before.indices.size() / 2) return;
-  isWhole_ = false;
-  indices_.reserve(count);
-  isThere_.reserve(count);
-  values_.reserve(count * stride);
+  const std::size_t most = before.indices.size() / 2;
   walkBoth(before, now, [&](Index index, const double* old, const double* fresh) {
-    if (!differ(old, fresh)) return;
+    if (old && fresh && isSame(old, fresh, stride)) return true;
     indices_.push_back(index);
     isThere_.push_back(old ? 1 : 0);
     if (old) values_.insert(values_.end(), old, old + stride);
+    return indices_.size() <= most;
   });
+  isWhole_ = indices_.size() > most;
+  if (isWhole_) {
+    indices_ = {};
+    isThere_ = {};
+    values_ = {};
+    return;
+  }
+  indices_.shrink_to_fit();
+  values_.shrink_to_fit();
   expected_ = now.content;
   other_ = before.content;
 }

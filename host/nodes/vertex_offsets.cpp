@@ -40,28 +40,33 @@ void addOffsets(Mesh& mesh, std::span<const Index> indices, std::span<const doub
   }
 }
 
+struct Merged {
+  std::vector<Index> vertices;
+  std::vector<double> offsets;
+};
+
 /// The offsets before with those of the targets in place of theirs. What the targets come to be is
 /// written into `reached`, as the sum of point and offset is rounded.
-void merge(VertexOffsets& merged, const VertexOffsets& before, const Mesh& base,
+void merge(Merged& merged, const VertexOffsets& offsets, const Mesh& base,
            const PointTargets& targets, std::vector<Vec3f>& reached) {
-  const std::size_t most = before.vertices.size() + targets.vertices.size();
+  const std::span<const Index> before = offsets.vertices();
+  const double* beforeOffsets = offsets.offsets().data();
+  const std::size_t most = before.size() + targets.vertices.size();
   merged.vertices.reserve(most);
   merged.offsets.reserve(3 * most);
   std::size_t kept = 0;
   const auto keepUpTo = [&](Index vertex) {
-    const auto end = std::lower_bound(before.vertices.begin() + static_cast<std::ptrdiff_t>(kept),
-                                      before.vertices.end(), vertex);
-    const auto last = static_cast<std::size_t>(end - before.vertices.begin());
-    merged.vertices.insert(merged.vertices.end(), &before.vertices[0] + kept,
-                           &before.vertices[0] + last);
-    merged.offsets.insert(merged.offsets.end(), &before.offsets[0] + 3 * kept,
-                          &before.offsets[0] + 3 * last);
+    const auto first = before.begin() + static_cast<std::ptrdiff_t>(kept);
+    const auto end = std::lower_bound(first, before.end(), vertex);
+    const auto last = static_cast<std::size_t>(end - before.begin());
+    merged.vertices.insert(merged.vertices.end(), first, end);
+    merged.offsets.insert(merged.offsets.end(), beforeOffsets + 3 * kept, beforeOffsets + 3 * last);
     kept = last;
   };
   for (std::size_t i = 0; i < targets.vertices.size(); ++i) {
     const VertexId vertex = targets.vertices[i];
-    if (kept < before.vertices.size()) keepUpTo(vertex);
-    if (kept < before.vertices.size() && before.vertices[kept] == vertex) ++kept;
+    if (kept < before.size()) keepUpTo(vertex);
+    if (kept < before.size() && before[kept] == vertex) ++kept;
     const Vec3f &from = base.points()[at(vertex)], &to = targets.places[i];
     reached.push_back(from);
     if (from == to) continue;
@@ -71,7 +76,7 @@ void merge(VertexOffsets& merged, const VertexOffsets& before, const Mesh& base,
     merged.vertices.push_back(vertex);
     merged.offsets.insert(merged.offsets.end(), offset, offset + 3);
   }
-  if (kept < before.vertices.size()) keepUpTo(std::numeric_limits<Index>::max());
+  if (kept < before.size()) keepUpTo(std::numeric_limits<Index>::max());
 }
 
 }  // namespace
@@ -94,18 +99,26 @@ Mesh withOffsets(const Mesh& mesh, const Plug& offsets) {
 }
 
 VertexOffsets::VertexOffsets(Node& shape) {
-  shape.graph().getPacked(shape.plug("pnts"), vertices, offsets);
+  const Plug plug = shape.plug("pnts");
+  if (const auto view = dg::packedView(plug)) {
+    vertices_ = view->indices;
+    offsets_ = view->values;
+    return;
+  }
+  shape.graph().getPacked(plug, fetchedVertices_, fetchedOffsets_);
+  vertices_ = fetchedVertices_;
+  offsets_ = fetchedOffsets_;
 }
 
 bool VertexOffsets::hold(Index vertex) const {
-  return std::ranges::binary_search(vertices, vertex);
+  return std::ranges::binary_search(vertices_, vertex);
 }
 
 Result<void> setOffsets(Node& shape, const VertexOffsets& before, const Mesh& base, const Mesh& now,
                         const PointTargets& targets) {
   if (targets.isEmpty()) return {};
   const Plug plug = shape.plug("pnts");
-  VertexOffsets merged;
+  Merged merged;
   std::vector<Vec3f> reached;
   merge(merged, before, base, targets, reached);
   const std::uint64_t content = dg::nextPackedContent();

@@ -15,14 +15,23 @@ namespace host::nodes {
 /// bits, and a mesh without any shares its points. What has been made before is found again.
 [[nodiscard]] mesh::Mesh withOffsets(const mesh::Mesh& mesh, const Plug& offsets);
 
-/// The offsets of a shape's vertices, ascending.
-struct VertexOffsets {
-  std::vector<Index> vertices;
-  std::vector<double> offsets;  ///< three a vertex, object space, cm
-
-  VertexOffsets() = default;
+/// The offsets of a shape's vertices as they are now, ascending: good until the next edit of them.
+class VertexOffsets {
+ public:
   explicit VertexOffsets(Node& shape);
+  VertexOffsets(const VertexOffsets&) = delete;
+  VertexOffsets& operator=(const VertexOffsets&) = delete;
+
+  [[nodiscard]] std::span<const Index> vertices() const { return vertices_; }
+  /// Three a vertex, object space, cm.
+  [[nodiscard]] std::span<const double> offsets() const { return offsets_; }
   [[nodiscard]] bool hold(Index vertex) const;
+
+ private:
+  std::span<const Index> vertices_;
+  std::span<const double> offsets_;
+  std::vector<Index> fetchedVertices_;  ///< when some come over connections
+  std::vector<double> fetchedOffsets_;
 };
 
 /// Where some vertices are to be, ascending, each listed once, object space.
