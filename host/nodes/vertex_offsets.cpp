@@ -79,6 +79,31 @@ void merge(Merged& merged, const VertexOffsets& offsets, const Mesh& base,
   if (kept < before.size()) keepUpTo(std::numeric_limits<Index>::max());
 }
 
+/// Where elements are connected the array can't be set at once: number by number, those that
+/// change, when all of them can be.
+Result<void> setEachOffset(Node& shape, const VertexOffsets& before, const Mesh& base,
+                           const PointTargets& targets) {
+  dg::Graph& graph = shape.graph();
+  const Plug plug = shape.plug("pnts");
+  std::vector<std::pair<Plug, double>> changes;
+  for (std::size_t i = 0; i < targets.vertices.size(); ++i) {
+    const VertexId vertex = targets.vertices[i];
+    const Vec3f &from = base.points()[at(vertex)], &to = targets.places[i];
+    if (from == to && !before.hold(vertex)) continue;
+    const double offset[] = {offsetBetween(from.x, to.x), offsetBetween(from.y, to.y),
+                             offsetBetween(from.z, to.z)};
+    for (int axis = 0; axis < 3; ++axis) {
+      const Plug number = plug.element(vertex).child(axis);
+      const auto now = graph.get(number);
+      if (now && dg::equal(*now, dg::Value(offset[axis]))) continue;
+      if (graph.elementExists(plug.element(vertex))) HOST_TRY(graph.settable(number));
+      changes.emplace_back(number, offset[axis]);
+    }
+  }
+  for (const auto& [number, offset] : changes) HOST_TRY(graph.set(number, offset));
+  return {};
+}
+
 }  // namespace
 
 Mesh withOffsets(const Mesh& mesh, const Plug& offsets) {
@@ -118,6 +143,7 @@ Result<void> setOffsets(Node& shape, const VertexOffsets& before, const Mesh& ba
                         const PointTargets& targets) {
   if (targets.isEmpty()) return {};
   const Plug plug = shape.plug("pnts");
+  if (!dg::packedView(plug)) return setEachOffset(shape, before, base, targets);
   Merged merged;
   std::vector<Vec3f> reached;
   merge(merged, before, base, targets, reached);
