@@ -147,7 +147,7 @@ Result<viewport::SceneView> gatherView(scene::Document& document, const Views& v
 Result<void> placeCamera(scene::Document& document, const scene::DagPath& shape,
                          const viewport::Camera& camera) {
   const scene::DagPath transform = shape.transform();
-  const auto parent = math::inverse(transform.parent().inclusiveMatrix());
+  const auto parent = math::inverse(transform.exclusiveMatrix());
   if (!parent)
     return fail("the camera {} hangs under a transform with a zero scale", shape.partialName());
   dg::Graph& graph = document.graph();

@@ -92,6 +92,7 @@ constexpr CommandText kTexts[] = {
     {"hide", "Hides objects."},
     {"hilite", "Shows objects as ones whose components can be picked."},
     {"inViewMessage", "Shows a message over the views."},
+    {"inheritTransform", "Says whether objects go along with what is above them."},
     {"instance", "Makes instances of objects."},
     {"internalVar", "Tells folders of the user."},
     {"isConnected", "Tells whether two attributes are connected."},

@@ -37,7 +37,7 @@ Result<void> place(scene::Document& document, const scene::DagPath& shape,
   dg::Node* transform = shape.transform().node();
   dg::Graph& graph = document.graph();
   const math::Vec3 eye = camera.eye();
-  const auto parent = math::inverse(shape.transform().parent().inclusiveMatrix());
+  const auto parent = math::inverse(shape.transform().exclusiveMatrix());
   if (!parent)
     return fail("the camera {} hangs under a transform with a zero scale", shape.partialName());
   HOST_TRY(graph.setVec3(transform->plug("translate"), math::transformPoint(eye, *parent)));
