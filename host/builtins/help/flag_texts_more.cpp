@@ -353,6 +353,8 @@ constexpr FlagText kTexts[] = {
     {"preserve", "objects stay where they are"},
     {"off", "not any more"},
     {"on", "from now on"},
+    {"float", "keys by the value of what drives: numbers and ranges"},
+    {"floatChange", "the value of what drives at keys"},
     {"driver", "what drives the attributes"},
     {"driverValue", "the driver's value at the key"},
     {"elevationAngle", "how far about the camera's right axis"},
