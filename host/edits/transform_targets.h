@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -8,6 +9,7 @@
 #include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/move_points.h"
+#include "host/scene/point_shape.h"
 
 namespace host::edits {
 
@@ -15,9 +17,10 @@ namespace host::edits {
 /// vertices.
 struct TransformTargets {
   std::vector<scene::DagPath> objects;
-  std::vector<nodes::MeshItem> meshes;  ///< components only
+  std::vector<nodes::MeshItem> meshes;   ///< components only
+  std::vector<scene::PointItem> points;  ///< components of shapes that are no meshes
 
-  [[nodiscard]] bool isEmpty() const { return objects.empty() && meshes.empty(); }
+  [[nodiscard]] bool isEmpty() const { return objects.empty() && meshes.empty() && points.empty(); }
   /// The centre of the box around all vertices of the components, in world space.
   [[nodiscard]] math::Vec3 vertexCenter() const;
 };
@@ -30,6 +33,19 @@ struct TransformTargets {
 
 /// In which space points are given: that of the object, or the world.
 enum class PointSpace : std::uint8_t { Object, World };
+
+/// How points change: what becomes of each and, where one matrix says it for all, that; both in the
+/// space of the points.
+struct PointChange {
+  std::function<math::Vec3(const math::Vec3&)> edit;
+  std::optional<math::Matrix4> matrix = {};
+};
+
+/// Changes the points of shapes that are no meshes, through what their type says of them: all at
+/// once where a matrix says it, else one by one. With a soft selection that is on, the points
+/// around go a part of the way, by the straight way.
+Result<void> editPoints(const std::vector<scene::PointItem>& items, PointSpace space,
+                        const PointChange& change, const SoftSelection* soft = nullptr);
 
 /// Replaces each vertex of the items by `edit(point)`, given and taken in `space`; points that come
 /// back unchanged keep their bits. The moves are offsets of the shape, with history and without.
