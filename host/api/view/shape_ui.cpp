@@ -162,7 +162,14 @@ std::optional<viewport::PickAnswer> askUi(const std::string& panel, const scene:
   if (hasNoSay()) return {};
   viewport::PickAnswer answer;
   if (!isHit) return answer;
-  answer.items = listOf(items);
+  // A class adds the path that it is asked about, which is the shape's: selected is its object.
+  for (scene::SelectionItem item : listOf(items).items()) {
+    if (item.isDag() && item.isObject() && scene::isShape(*item.node)) {
+      item.path = item.path.transform();
+      item.node = item.path.node()->shared_from_this();
+    }
+    answer.items.merge(item);
+  }
   for (unsigned int i = 0; i < places.length(); ++i)
     answer.places.push_back({places[i].x, places[i].y, places[i].z});
   return answer;
