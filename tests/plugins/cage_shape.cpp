@@ -180,6 +180,7 @@ class CageUI : public MPxSurfaceShapeUI {
     const auto* shape = static_cast<const CageShape*>(request.drawData().geometry());
     view.beginGL();
     if (request.token() == kWire) {
+      glLineWidth(2);
       glBegin(GL_LINES);
       for (int i = 0; i < kPoints; ++i) {
         if (i % 2 == 0) line(*shape, i, i + 1);

@@ -93,6 +93,7 @@ class PaneOverride : public MPxDrawOverride {
     raster.cullMode = static_cast<MRasterizerState::CullMode>(data->culls);
     if (data->outlines) raster.fillMode = MRasterizerState::kFillWireFrame;
     states->setRasterizerState(MStateManager::acquireRasterizerState(raster));
+    glLineWidth(2);
     pane(0, 0, MColor(1, 0, 0));
     pane(1, -1, MColor(0, 1, 0, 0.5F));
   }

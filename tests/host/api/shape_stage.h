@@ -65,7 +65,7 @@ struct ShapeStage : ApiScene {
   std::string selected() { return text("stringArrayToString(`ls -sl`, \" \")"); }
   std::string place(const std::string& component, const std::string& flags = "") {
     return text("string $t = \"\"; for ($x in `xform -q -t " + flags + " " + component +
-                "`) $t += $x + \" \"; $t");
+                "`) $t += floor($x * 1e6 + 0.5) / 1e6 + \" \"; $t");
   }
   std::uint64_t state() { return session->document().hash(); }
 

@@ -91,13 +91,13 @@ TEST_CASE("by the surface a soft selection does not leap over gaps") {
       "delete p.f[112:127]; select p.vtx[144]; softSelect -sse 1 -ssd 2 -ssf 0 -ssc "
       "\"1,0,1,1,1,1\"");
   stage.draw();
-  const bool leaps = stage.at(0, -1).first > 0 || stage.at(0.5, -1).first > 0;
+  const bool leaps = stage.at(0, 1).first > 0 || stage.at(0.5, 1).first > 0;
   stage.run("softSelect -ssf 1");
   stage.draw();
   CHECK(leaps);
-  CHECK(stage.at(0, -1).first == 0);
-  CHECK(stage.at(0.5, -1).first == 0);
-  CHECK(stage.at(0.5, 0.5).first > 0);
+  CHECK(stage.at(0, 1).first == 0);
+  CHECK(stage.at(0.5, 1).first == 0);
+  CHECK(stage.at(0.5, -0.5).first > 0);
 }
 
 TEST_CASE("the colours of a soft selection cost what has changed") {
@@ -125,7 +125,7 @@ TEST_CASE("the colours of a soft selection cost what has changed") {
   const std::size_t reached = scene.meshes[0].reach->vertices.size();
   const VertexId last(mesh.mesh.vertexCount() - 1);
   const std::vector<VertexId> moved{last};
-  const std::vector<math::Vec3f> places{scene.meshes[0].mesh.point(0)};
+  const std::vector<math::Vec3f> places{scene.meshes[0].mesh.point(0).toFloat()};
   mesh::movePoints(scene.meshes[0].mesh, moved, places);
   CHECK(show() == 1);
   CHECK(scene.meshes[0].reach->vertices.size() == reached + 1);
