@@ -37,6 +37,7 @@ namespace host::builtins {
   /* curve, dag, deform */ \
   X(CurveCommands) \
   X(BlendShapeCommands) \
+  X(ClusterCommand) \
   X(DeformerCommands) \
   X(SkinCommands) \
   X(Camera) \
