@@ -37,6 +37,7 @@ namespace host::builtins {
   /* curve, dag, deform */ \
   X(CurveCommands) \
   X(BlendShapeCommands) \
+  X(ClusterCommand) \
   X(DeformerCommands) \
   X(SkinCommands) \
   X(Camera) \
@@ -77,6 +78,7 @@ namespace host::builtins {
   X(PolyOptions) \
   X(PolyUvSet) \
   /* poly */ \
+  X(PolyCompare) \
   X(PolyCrease) \
   X(PolyEvaluate) \
   X(PolyInfo) \

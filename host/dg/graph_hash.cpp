@@ -54,6 +54,11 @@ class NodeHash {
     if (indices.empty()) return;
     mix(hashPlug(plugOf(slot), hashBytes(indices.data(), indices.size() * sizeof(Index), 3)));
     if (!slot.packed) return;
+    if (slot.packed->evaluated.empty() && slot.incoming == 0) {
+      const std::vector<double>& all = slot.packed->values;
+      mix(hashBytes(all.data(), all.size() * sizeof(double), 4));
+      return;
+    }
     // As if those that a computation made were not there.
     std::vector<double> values;
     std::vector<std::uint8_t> isDriven;

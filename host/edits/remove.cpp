@@ -9,6 +9,7 @@
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/uv_pins.h"
 #include "host/scene/dag_paths.h"
+#include "host/scene/point_shape.h"
 
 namespace host::edits {
 
@@ -77,7 +78,7 @@ Result<void> removeHistoryBelow(scene::Document& document, const scene::DagPath&
     open.pop_back();
     if (!met.insert(path.node()).second) continue;
     for (const scene::DagPath& shape : nodes::meshPaths(path))
-      if (nodes::hasHistory(*shape.node())) HOST_TRY(nodes::deleteHistory(document, *shape.node()));
+      HOST_TRY(nodes::deleteHistory(document, *shape.node()));
     // Hidden originals went with the history that they began.
     const std::vector<scene::Node*>& children = scene::dagLinks(*path.node()).children;
     for (auto child = children.rbegin(); child != children.rend(); ++child)
@@ -129,6 +130,8 @@ Result<std::vector<std::string>> removeComponents(scene::Document& document,
   if (!shapes) return failWith(std::move(shapes.error()));
   return atomically(document, [&]() -> Result<std::vector<std::string>> {
     std::vector<std::string> names;
+    for (const scene::PointItem& item : scene::pointItems(list))
+      HOST_TRY(item.shape->remove(*item.path.node(), item.components));
     for (ShapeComponents& each : *shapes) {
       auto name = removeFrom(document, each);
       if (!name) return failWith(std::move(name.error()));

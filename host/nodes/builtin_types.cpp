@@ -4,6 +4,7 @@
 #include "host/nodes/curve/curve_nodes.h"
 #include "host/nodes/dag_node.h"
 #include "host/nodes/history/blend_shape.h"
+#include "host/nodes/history/cluster.h"
 #include "host/nodes/history/history_node.h"
 #include "host/nodes/history/modifiers.h"
 #include "host/nodes/history/skin_cluster.h"
@@ -11,6 +12,7 @@
 #include "host/nodes/joint.h"
 #include "host/nodes/light_nodes.h"
 #include "host/nodes/locator_node.h"
+#include "host/nodes/math/math_nodes.h"
 #include "host/nodes/mesh_node.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/scene_nodes.h"
@@ -36,13 +38,18 @@ void registerBuiltinTypes(dg::TypeRegistry& types) {
   registerPolyTweak(types);
   registerDeleteComponent(types);
   registerTransformGeometry(types);
+  registerNamedSetNodes(types);
   registerGroupNodes(types);
   registerDeformers(types);
   registerTweak(types);
   registerBlendShape(types);
+  registerCluster(types);
   registerSkinCluster(types);
   registerAnimCurves(types);
   registerCurveNodes(types);
+  registerCurveInfoNodes(types);
+  registerMatrixNodes(types);
+  registerNumberNodes(types);
   registerJoint(types);
   registerConstraints(types);
 }

@@ -246,7 +246,10 @@ math::Matrix4 DagPath::inclusiveMatrix() const {
   return product(*this);
 }
 
+/// What the leaf's local matrix is multiplied by to give its place: nothing for a transform that
+/// does not inherit.
 math::Matrix4 DagPath::exclusiveMatrix() const {
+  if (!isWorld() && isTransform(*node()) && !inheritsTransform(*node())) return {};
   return product(parent());
 }
 

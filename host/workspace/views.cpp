@@ -110,7 +110,12 @@ void gatherPlaces(scene::Document& document, const View& view, bool vertexMode,
   viewport::walkShown(document, states, {options.only}, visitors, budget);
   scene.meshes = std::move(meshes.meshes);
   scene.lights = std::move(lights.lights);
+  const std::size_t first = scene.extra.items.size();
   scene.extra.append(marks.list);
+  for (viewport::DrawnObject& object : marks.objects) {
+    object.firstItem += first;
+    scene.objects.push_back(std::move(object));
+  }
 }
 
 /// Says once, not at every frame, that a scene has more places than views show.
@@ -147,7 +152,7 @@ Result<viewport::SceneView> gatherView(scene::Document& document, const Views& v
 Result<void> placeCamera(scene::Document& document, const scene::DagPath& shape,
                          const viewport::Camera& camera) {
   const scene::DagPath transform = shape.transform();
-  const auto parent = math::inverse(transform.parent().inclusiveMatrix());
+  const auto parent = math::inverse(transform.exclusiveMatrix());
   if (!parent)
     return fail("the camera {} hangs under a transform with a zero scale", shape.partialName());
   dg::Graph& graph = document.graph();

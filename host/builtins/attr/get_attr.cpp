@@ -1,4 +1,5 @@
 #include "host/builtins/common/command.h"
+#include "host/builtins/common/vertex_names.h"
 #include "host/cmd/plug_values.h"
 
 namespace host::builtins {
@@ -84,7 +85,7 @@ CommandResult readAt(Context& context, const Plug& plug, double seconds) {
 }
 
 CommandResult getAttr(Context& context, const ParsedArgs& args) {
-  const std::string name = args.firstObject();
+  const std::string name = offsetOfVertex(context.document, args.firstObject());
   if (name.empty()) {
     const std::vector<std::string> selected = context.document.selection().names();
     return fail("getAttr: name an attribute{}.",

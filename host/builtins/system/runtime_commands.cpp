@@ -77,6 +77,7 @@ std::vector<RuntimeCommand> sceneCommands() {
       {"MoveTool", {{"setToolTo", {"moveSuperContext"}}}},
       {"RotateTool", {{"setToolTo", {"RotateSuperContext"}}}},
       {"ScaleTool", {{"setToolTo", {"scaleSuperContext"}}}},
+      {"resetPolySelectConstraint", {{"polySelectConstraint", {"-disable"}}}},
       {"SelectToggleMode", {{"selectMode", {"-object"}}}},
   };
 }

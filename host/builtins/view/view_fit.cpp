@@ -1,7 +1,9 @@
-#include <unordered_set>
+#include <unordered_map>
 
 #include "host/builtins/common/command.h"
 #include "host/math/transform.h"
+#include "host/nodes/mesh_components.h"
+#include "host/scene/point_shape.h"
 #include "host/viewport/scene_gather.h"
 #include "host/workspace/framings.h"
 
@@ -12,29 +14,113 @@ using workspace::View;
 using workspace::Views;
 using workspace::workspaceOf;
 
-/// Points to frame: those of the objects named, else of the selection, else of everything.
+/// Collects what a view is to show of things that are named or selected.
+class FramePoints {
+ public:
+  explicit FramePoints(const viewport::SceneView& shown, const scene::DagPath& camera)
+      : shown_(shown), camera_(camera) {}
+
+  Result<void> add(const scene::SelectionItem& item) {
+    if (!item.isDag() || item.plug || item.path == camera_ || item.path == camera_.transform())
+      return {};
+    if (!item.isObject()) return addComponents(item);
+    objects_.try_emplace(item.path, false);
+    if (scene::isShape(*item.path.node())) ofShapes_.try_emplace(item.path.transform(), item.path);
+    return {};
+  }
+  [[nodiscard]] std::vector<math::Vec3> take() {
+    addObjects();
+    return std::move(points_);
+  }
+
+ private:
+  Result<void> addComponents(const scene::SelectionItem& item) {
+    scene::SelectionList one;
+    one.merge(item);
+    const auto meshes = nodes::meshItems(one);
+    if (!meshes) return failWith(meshes.error());
+    for (const nodes::MeshItem& each : *meshes) {
+      const math::Matrix4 world = each.path.inclusiveMatrix();
+      for (const VertexId v : each.vertices())
+        points_.push_back(math::transformPoint(each.mesh.point(v), world));
+    }
+    for (const scene::PointItem& each : scene::pointItems(one)) {
+      const auto own = each.points();
+      if (!own) return failWith(own.error());
+      const math::Matrix4 world = each.path.inclusiveMatrix();
+      for (const scene::NumberedPoint& point : *own)
+        points_.push_back(math::transformPoint(point.place, world));
+    }
+    return {};
+  }
+
+  /// Whether a place is one that is wanted or below one; notes that those show something.
+  bool isWanted(const scene::DagPath& path) {
+    bool isAny = false;
+    for (scene::DagPath at = path; !at.isWorld(); at.pop())
+      if (const auto object = objects_.find(at); object != objects_.end())
+        object->second = isAny = true;
+    if (const auto shape = ofShapes_.find(path); shape != ofShapes_.end())
+      objects_[shape->second] = isAny = true;
+    return isAny;
+  }
+
+  /// What shows of them and of what is below them, in one pass however many they are. What shows
+  /// nothing, as cameras and empty groups do, is as large as a locator.
+  void addObjects() {
+    if (objects_.empty()) return;
+    viewport::SceneView wanted = shown_;
+    std::erase_if(wanted.meshes,
+                  [&](const viewport::RenderMesh& mesh) { return !isWanted(mesh.path); });
+    const std::vector<math::Vec3> ofMeshes = framePoints(wanted);
+    points_.insert(points_.end(), ofMeshes.begin(), ofMeshes.end());
+    for (const viewport::DrawnObject& object : shown_.objects)
+      if (isWanted(object.path)) {
+        const std::vector<math::Vec3> own = viewport::framePoints(shown_, object);
+        points_.insert(points_.end(), own.begin(), own.end());
+      }
+    for (const auto& [path, showsSomething] : objects_) {
+      if (showsSomething) continue;
+      const math::Matrix4 world = path.inclusiveMatrix();
+      for (int axis = 0; axis < 3; ++axis)
+        for (const double end : {-1.0, 1.0}) {
+          math::Vec3 arm;
+          arm[axis] = end;
+          points_.push_back(math::transformPoint(arm, world));
+        }
+    }
+  }
+
+  const viewport::SceneView& shown_;
+  scene::DagPath camera_;
+  /// The objects to frame, and whether anything shows of them.
+  std::unordered_map<scene::DagPath, bool, viewport::PathHash> objects_;
+  std::unordered_map<scene::DagPath, scene::DagPath, viewport::PathHash> ofShapes_;
+  std::vector<math::Vec3> points_;
+};
+
+/// Points to frame: those of what is named, else of the selection, else of all that shows.
 Result<std::vector<math::Vec3>> pointsToFrame(Context& context, const viewport::SceneView& shown,
+                                              const scene::DagPath& camera,
                                               const std::vector<std::string>& names, bool all) {
+  scene::SelectionList list;
   if (!names.empty()) {
-    auto list = context.document.resolveAll(names);
-    if (!list) return failWith(list.error());
-    std::unordered_set<scene::DagPath, viewport::PathHash> wanted;
-    for (const scene::SelectionItem& item : list->items())
-      if (item.isDag()) wanted.insert(item.path);
-    // Groups stand for what is below them.
-    viewport::SceneView named = shown;
-    std::erase_if(named.meshes, [&](const viewport::RenderMesh& object) {
-      scene::DagPath at = object.path;
-      while (!at.isWorld() && !wanted.contains(at)) at.pop();
-      return at.isWorld();
-    });
-    return framePoints(named);
+    auto named = context.document.resolveAll(names);
+    if (!named) return failWith(named.error());
+    list = std::move(*named);
+  } else if (!all) {
+    list = context.document.selection();
   }
-  if (!all && !context.document.selection().isEmpty()) {
-    auto points = selectionPoints(shown);
-    if (!points.empty()) return points;
+  FramePoints wanted(shown, camera);
+  for (const scene::SelectionItem& item : list.items()) HOST_TRY(wanted.add(item));
+  std::vector<math::Vec3> points = wanted.take();
+  if (!points.empty() || !names.empty()) return points;
+  points = framePoints(shown);
+  for (const viewport::DrawnObject& object : shown.objects) {
+    const std::vector<math::Vec3> own = framePoints(shown, object);
+    points.insert(points.end(), own.begin(), own.end());
   }
-  return framePoints(shown);
+  return points;
 }
 
 /// Moves the camera node to where the framed camera stands. Its angles stay as they were written.
@@ -43,7 +129,7 @@ Result<void> place(scene::Document& document, const scene::DagPath& shape,
   dg::Node* transform = shape.transform().node();
   dg::Graph& graph = document.graph();
   const math::Vec3 eye = camera.eye();
-  const auto parent = math::inverse(shape.transform().parent().inclusiveMatrix());
+  const auto parent = math::inverse(shape.transform().exclusiveMatrix());
   if (!parent)
     return fail("the camera {} hangs under a transform with a zero scale", shape.partialName());
   HOST_TRY(graph.setVec3(transform->plug("translate"), math::transformPoint(eye, *parent)));
@@ -65,9 +151,9 @@ CommandResult viewFit(Context& context, const ParsedArgs& args) {
   }
   const auto path = workspace::cameraPath(context.document, view.cameraName);
   if (!path) return failWith(path.error());
-  auto shown = workspace::gatherView(context.document, view);
+  auto shown = workspace::gatherView(context.document, views, view);
   if (!shown) return failWith(shown.error());
-  const auto points = pointsToFrame(context, *shown, names, args.has("allObjects"));
+  const auto points = pointsToFrame(context, *shown, *path, names, args.has("allObjects"));
   if (!points) return failWith(points.error());
   const double fit = args.real("fitFactor", 0.9);
   if (!(fit > 0 && fit <= 1))

@@ -1,5 +1,7 @@
 #include "host/modelling/declare/joined_parts.h"
 
+#include <algorithm>
+
 #include "host/math/box.h"
 #include "host/modelling/declare/history_command.h"
 #include "host/modelling/declare/mesh_objects.h"
@@ -106,7 +108,8 @@ Result<void> deleteParts(scene::Document& document, const std::vector<MeshItem>&
     bool holdsMore = false;
     for (scene::Node* child : scene::dagLinks(*transform).children)
       holdsMore = holdsMore || !scene::isShape(*child);
-    gone.push_back(holdsMore ? item.path.node() : transform);
+    scene::Node* own = holdsMore ? item.path.node() : transform;
+    if (std::ranges::find(gone, own) == gone.end()) gone.push_back(own);  // instances share a shape
   }
   return document.deleteNodes(std::move(gone));
 }
