@@ -37,7 +37,9 @@ namespace host::builtins {
   /* curve, dag, deform */ \
   X(CurveCommands) \
   X(BlendShapeCommands) \
+  X(ClusterCommands) \
   X(DeformerCommands) \
+  X(LatticeCommands) \
   X(SkinCommands) \
   X(Camera) \
   X(Joint) \

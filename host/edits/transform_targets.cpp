@@ -25,7 +25,7 @@ Result<TransformTargets> transformTargets(const scene::SelectionList& list) {
     else
       components.merge(item);
   }
-  auto meshes = nodes::meshItems(components);
+  auto meshes = nodes::pointItems(components);
   if (!meshes) return failWith(std::move(meshes.error()));
   targets.meshes = std::move(*meshes);
   return targets;

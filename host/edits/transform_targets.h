@@ -5,9 +5,7 @@
 #include <vector>
 
 #include "host/edits/soft_selection.h"
-#include "host/nodes/mesh_components.h"
-#include "host/nodes/mesh_shape.h"
-#include "host/nodes/move_points.h"
+#include "host/nodes/point_items.h"
 
 namespace host::edits {
 
@@ -45,7 +43,7 @@ Result<void> editVertices(const std::vector<nodes::MeshItem>& items, PointSpace 
       return fail("'{}' has a scale of zero: its points can't be set in world space.",
                   item.path.partialName());
     // Read again: an earlier item may be another instance of the same shape.
-    auto mesh = nodes::evaluatedMesh(*item.path.node());
+    auto mesh = nodes::evaluatedPoints(*item.path.node());
     if (!mesh) return failWith(std::move(mesh.error()));
     nodes::PointTargets targets;
     const auto change = [&](VertexId v, double weight) {
@@ -61,7 +59,7 @@ Result<void> editVertices(const std::vector<nodes::MeshItem>& items, PointSpace 
     } else {
       for (const VertexId v : own) change(v, 1);
     }
-    HOST_TRY(nodes::tweakPoints(*item.path.node(), std::move(targets)));
+    HOST_TRY(nodes::movePoints(*item.path.node(), std::move(targets)));
   }
   return {};
 }

@@ -4,7 +4,9 @@
 #include "host/nodes/curve/curve_nodes.h"
 #include "host/nodes/dag_node.h"
 #include "host/nodes/history/blend_shape.h"
+#include "host/nodes/history/cluster.h"
 #include "host/nodes/history/history_node.h"
+#include "host/nodes/history/lattice.h"
 #include "host/nodes/history/modifiers.h"
 #include "host/nodes/history/skin_cluster.h"
 #include "host/nodes/history/tweak.h"
@@ -42,6 +44,8 @@ void registerBuiltinTypes(dg::TypeRegistry& types) {
   registerDeformers(types);
   registerTweak(types);
   registerBlendShape(types);
+  registerCluster(types);
+  registerLattices(types);
   registerSkinCluster(types);
   registerAnimCurves(types);
   registerCurveNodes(types);

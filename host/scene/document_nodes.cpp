@@ -149,6 +149,12 @@ dg::Plug deformerInput(Node& deformer, Index geometry) {
   return inputs.element(geometry).child(inputs.attribute()->find("inputGeometry"));
 }
 
+/// Whether a shape is there for deformers alone.
+bool isDeformerHandle(const Node& node) {
+  const dg::NodeType& type = node.type();
+  return type.isA("clusterHandle") || type.isA("lattice") || type.isA("baseLattice");
+}
+
 /// Where the mesh comes in that a node gives on, changed, at a plug; null when there is no such.
 dg::Plug arrivalOf(const dg::Plug& leaving) {
   if (const Index geometry = geometryOf(leaving, "outputGeometry"); geometry != kNone)
@@ -179,11 +185,15 @@ class DeletionSet {
       HOST_TRY(refuseIfProtected(*node));
       add(*node);
     }
-    for (std::size_t i = 0; i < order_.size(); ++i) HOST_TRY(addChildren(*order_[i]));
+    for (std::size_t i = 0; i < order_.size(); ++i) {
+      HOST_TRY(addChildren(*order_[i]));
+      HOST_TRY(addDeformersOf(*order_[i]));
+    }
     const std::size_t asked = order_.size();
     for (std::size_t i = 0; i < order_.size(); ++i) {
       for (const dg::Graph::Connection& feed : graph_.incoming(*order_[i]))
         addIfOnlyFeeding(*feed.source.node());
+      addEmptiedHandle(*order_[i]);
     }
     for (std::size_t i = 0; i < asked; ++i) findPasses(*order_[i]);
     return {};
@@ -213,6 +223,26 @@ class DeletionSet {
       add(*child);
     }
     return {};
+  }
+  /// A deformer goes with the handle that moves it.
+  Result<void> addDeformersOf(const Node& node) {
+    if (!isDeformerHandle(node)) return {};
+    for (const auto& [from, to] : graph_.outgoing(node)) {
+      if (!to.node()->type().isA("geometryFilter")) continue;
+      HOST_TRY(refuseIfProtected(*to.node()));
+      add(*to.node());
+    }
+    return {};
+  }
+  /// The transform that was made for a handle that goes.
+  void addEmptiedHandle(const Node& node) {
+    if (!isDeformerHandle(node)) return;
+    for (Node* parent : dagLinks(node).parents) {
+      const std::vector<Node*>& children = dagLinks(*parent).children;
+      if (parent->type().name == "transform" && !parent->isLocked() && !isReadOnly(*parent) &&
+          std::ranges::all_of(children, [&](const Node* child) { return has(child); }))
+        add(*parent);
+    }
   }
   void addIfOnlyFeeding(Node& source) {
     if (source.type().existsWithoutOutputs || has(&source) || source.isLocked() ||

@@ -108,7 +108,8 @@ struct ViewOptions {
   bool showLights = true;
   bool showCurves = true;
   bool showJoints = true;
-  bool jointXray = false;  ///< joints show through surfaces
+  bool showDeformers = true;  ///< what deformers are moved by
+  bool jointXray = false;     ///< joints show through surfaces
   LightMode lightMode = LightMode::Default;
   GridOptions grid;
 };

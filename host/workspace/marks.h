@@ -8,12 +8,14 @@ namespace host::workspace {
 
 enum class Mark : std::uint8_t;
 
-/// Draws what shows objects that have no surface: locators, lights, curves, and joints with their
-/// bones. Kinds as the view's options ask for; hidden, template, coloured and isolated as meshes
-/// are. Curves are evaluated anew, once for all places of one.
+/// Draws what shows objects that have no surface: locators, lights, curves, joints with their
+/// bones, and what deformers are moved by. Kinds as the view's options ask for; hidden, template,
+/// coloured and isolated as meshes are. Curves are evaluated anew, once for all places of one.
 class MarkGatherer final : public viewport::PlaceVisitor {
  public:
-  explicit MarkGatherer(const viewport::ViewOptions& options) : options_(options) {}
+  /// The view's camera and options, and what is selected.
+  MarkGatherer(const viewport::SceneView& scene, const viewport::PathStates& states)
+      : scene_(scene), states_(states), options_(scene.options) {}
   void visit(const viewport::ShownPlace& place) override;
 
   viewport::DrawList list;
@@ -22,6 +24,11 @@ class MarkGatherer final : public viewport::PlaceVisitor {
   void draw(const viewport::ShownPlace& place, viewport::VertexDataPtr strokes,
             const math::Matrix4& world);
 
+  void drawLattice(const viewport::ShownPlace& place);
+  void drawPoints(std::vector<math::Vec3f> points, const viewport::Rgba& color);
+
+  const viewport::SceneView& scene_;
+  const viewport::PathStates& states_;
   const viewport::ViewOptions& options_;
   std::unordered_map<const dg::NodeType*, Mark> marks_;
   std::unordered_map<const dg::Node*, viewport::VertexDataPtr> shared_;  ///< object space

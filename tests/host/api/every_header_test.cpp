@@ -53,6 +53,7 @@
 #include <maya/MFnAnimCurve.h>
 #include <maya/MFnAttribute.h>
 #include <maya/MFnBase.h>
+#include <maya/MFnBlendShapeDeformer.h>
 #include <maya/MFnCamera.h>
 #include <maya/MFnComponent.h>
 #include <maya/MFnComponentListData.h>
