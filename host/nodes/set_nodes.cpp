@@ -44,9 +44,10 @@ void registerSetNodes(dg::TypeRegistry& types) {
   shading.add(color("surfaceShader", "ss"));
   shading.add(color("volumeShader", "vs"));
   shading.add(color("imageShader", "is"));
-  shading.add(numbers("displacementShader", "ds", "float3",
-                      {single("displacementShaderX", "dsx"), single("displacementShaderY", "dsy"),
-                       single("displacementShaderZ", "dsz")}));
+  // A height from a displacementShader or a texture, or a way.
+  AttributePtr displacement = dg::makeAttribute("displacementShader", "ds", AttributeType::Generic);
+  displacement->acceptedTypes = {"float", "double", "float3", "double3"};
+  shading.add(notStored(std::move(displacement)));
   shading.add(unordered(message("defaultLights", "dl")));
   shading.finish();
 

@@ -94,6 +94,13 @@ void registerShadingNodes(dg::TypeRegistry& types) {
   passColor(cloud, base, out);
   cloud.finish();
 
+  TypeBuilder displacement(types, "displacementShader", {}, typeCode("DSPC"));
+  displacement.type().classification = "shader/displacement";
+  displacement.add(keyable(single("displacement", "d")));
+  displacement.add(keyable(single("scale", "s", 1)));
+  displacement.add(keyable(triple("vectorDisplacement", "vd", AttributeType::Float)));
+  displacement.finish();
+
   TypeBuilder linker(types, "lightLinker", {}, typeCode("RLLK"));
   linker.add(
       unordered(compound("link", "lnk", {message("light", "llnk"), message("object", "olnk")})));

@@ -108,8 +108,7 @@ struct ViewOptions {
   bool showLights = true;
   bool showCurves = true;
   bool showJoints = true;
-  bool showDeformers = true;  ///< what deformers are moved by
-  bool jointXray = false;     ///< joints show through surfaces
+  bool jointXray = false;  ///< joints show through surfaces
   LightMode lightMode = LightMode::Default;
   GridOptions grid;
 };

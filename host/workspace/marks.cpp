@@ -188,12 +188,12 @@ Strokes bonesOf(const DagPath& path) {
   return bones;
 }
 
-Mark markOf(const dg::NodeType& type, const viewport::ViewOptions& options) {
+Mark markOf(const dg::NodeType& type, const viewport::ViewOptions& options, bool showsDeformers) {
   if (type.isA("joint")) return options.showJoints ? Mark::Joint : Mark::None;
   if (type.name == "locator") return options.showLocators ? Mark::Locator : Mark::None;
   if (type.isA("light")) return options.showLights ? Mark::Light : Mark::None;
   if (type.isA("nurbsCurve")) return options.showCurves ? Mark::Curve : Mark::None;
-  if (!options.showDeformers) return Mark::None;
+  if (!showsDeformers) return Mark::None;
   if (type.isA("clusterHandle")) return Mark::ClusterHandle;
   if (type.isA("lattice")) return Mark::Lattice;
   return type.isA("baseLattice") ? Mark::BaseLattice : Mark::None;
@@ -211,7 +211,7 @@ viewport::VertexDataPtr verticesOf(const Strokes& strokes) {
 void MarkGatherer::visit(const viewport::ShownPlace& place) {
   if (!place.isListed) return;
   const auto [known, isNew] = marks_.try_emplace(&place.node.type(), Mark::None);
-  if (isNew) known->second = markOf(place.node.type(), options_);
+  if (isNew) known->second = markOf(place.node.type(), options_, showsDeformers_);
   const Mark mark = known->second;
   if (mark == Mark::None) return;
   // Bones lead to other places, and a ball is round whatever scales it: in world space.

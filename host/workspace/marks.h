@@ -13,9 +13,10 @@ enum class Mark : std::uint8_t;
 /// coloured and isolated as meshes are. Curves are evaluated anew, once for all places of one.
 class MarkGatherer final : public viewport::PlaceVisitor {
  public:
-  /// The view's camera and options, and what is selected.
-  MarkGatherer(const viewport::SceneView& scene, const viewport::PathStates& states)
-      : scene_(scene), states_(states), options_(scene.options) {}
+  /// The view's camera and options, what is selected, and whether deformers are shown.
+  MarkGatherer(const viewport::SceneView& scene, const viewport::PathStates& states,
+               bool showsDeformers)
+      : scene_(scene), states_(states), options_(scene.options), showsDeformers_(showsDeformers) {}
   void visit(const viewport::ShownPlace& place) override;
 
   viewport::DrawList list;
@@ -30,6 +31,7 @@ class MarkGatherer final : public viewport::PlaceVisitor {
   const viewport::SceneView& scene_;
   const viewport::PathStates& states_;
   const viewport::ViewOptions& options_;
+  bool showsDeformers_;
   std::unordered_map<const dg::NodeType*, Mark> marks_;
   std::unordered_map<const dg::Node*, viewport::VertexDataPtr> shared_;  ///< object space
 };

@@ -104,7 +104,8 @@ void gatherPlaces(scene::Document& document, const View& view, bool vertexMode,
   const viewport::PathStates states(document);
   viewport::MeshGatherer meshes(document, states, options);
   LightGatherer lights(view.lightsShown);
-  MarkGatherer marks(scene, states);
+  const auto deformers = view.editorFlags.find("deformers");
+  MarkGatherer marks(scene, states, deformers == view.editorFlags.end() || deformers->second);
   std::vector<viewport::PlaceVisitor*> visitors{&lights, &marks};
   if (view.options.showMeshes) visitors.push_back(&meshes);
   viewport::walkShown(document, states, {options.only}, visitors, budget);

@@ -78,7 +78,7 @@ MObject MFnBlendShapeDeformer::create(const MObjectArray& baseObjects, Origin or
   MObject object = api::wrap(made->get());
   attach(object, status);
   const MStatus set = setOrigin(originSpace);
-  setStatus(status, set);
+  if (status) *status = set;
   return object;
 }
 

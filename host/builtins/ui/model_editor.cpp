@@ -26,7 +26,6 @@ constexpr Switch kSwitches[] = {
     {"lt", "lights", &ViewOptions::showLights, true},
     {"nc", "nurbsCurves", &ViewOptions::showCurves, true},
     {"j", "joints", &ViewOptions::showJoints, true},
-    {"df", "deformers", &ViewOptions::showDeformers, true},
     {"jx", "jointXray", &ViewOptions::jointXray, false},
     {"sel", "selectionHiliteDisplay", &ViewOptions::showSelection, false},
     {"xr", "xray", &ViewOptions::xray, false},
@@ -43,25 +42,16 @@ struct Kept {
   bool isOfAllObjects;
 };
 constexpr Kept kKept[] = {
-    {"ns", "nurbsSurfaces", true, true},
-    {"ca", "cameras", true, true},
-    {"m", "manipulators", true, true},
-    {"ha", "handles", true, true},
-    {"hu", "hulls", true, true},
-    {"pl", "planes", true, true},
-    {"pv", "pivots", true, true},
-    {"tx", "textures", true, true},
-    {"str", "strokes", true, true},
-    {"ikh", "ikHandles", true, true},
-    {"dy", "dynamics", true, true},
-    {"dim", "dimensions", true, true},
-    {"cv", "controlVertices", true, true},
-    {"hud", "headsUpDisplay", true, false},
-    {"tsl", "twoSidedLighting", true, false},
-    {"sdw", "shadows", false, false},
-    {"swf", "smoothWireframe", false, false},
-    {"fog", "fogging", false, false},
-    {"acx", "activeComponentsXray", false, false},
+    {"ns", "nurbsSurfaces", true, true},    {"ca", "cameras", true, true},
+    {"df", "deformers", true, true},        {"m", "manipulators", true, true},
+    {"ha", "handles", true, true},          {"hu", "hulls", true, true},
+    {"pl", "planes", true, true},           {"pv", "pivots", true, true},
+    {"tx", "textures", true, true},         {"str", "strokes", true, true},
+    {"ikh", "ikHandles", true, true},       {"dy", "dynamics", true, true},
+    {"dim", "dimensions", true, true},      {"cv", "controlVertices", true, true},
+    {"hud", "headsUpDisplay", true, false}, {"tsl", "twoSidedLighting", true, false},
+    {"sdw", "shadows", false, false},       {"swf", "smoothWireframe", false, false},
+    {"fog", "fogging", false, false},       {"acx", "activeComponentsXray", false, false},
 };
 
 struct Appearance {
