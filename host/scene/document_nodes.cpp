@@ -196,6 +196,8 @@ class DeletionSet {
       addEmptiedHandle(*order_[i]);
     }
     for (std::size_t i = 0; i < asked; ++i) findPasses(*order_[i]);
+    // Above what they held.
+    order_.insert(order_.begin(), emptied_.begin(), emptied_.end());
     return {};
   }
   [[nodiscard]] bool has(const Node* node) const { return node && members_.contains(node); }
@@ -241,8 +243,14 @@ class DeletionSet {
       const std::vector<Node*>& children = dagLinks(*parent).children;
       if (parent->type().name == "transform" && !parent->isLocked() && !isReadOnly(*parent) &&
           std::ranges::all_of(children, [&](const Node* child) { return has(child); }))
-        add(*parent);
+        addEmptied(*parent);
     }
+  }
+  void addEmptied(Node& transform) {
+    if (!members_.insert(&transform).second) return;
+    emptied_.push_back(transform.shared_from_this());
+    for (const dg::Graph::Connection& feed : graph_.incoming(transform))
+      addIfOnlyFeeding(*feed.source.node());
   }
   void addIfOnlyFeeding(Node& source) {
     if (source.type().existsWithoutOutputs || has(&source) || source.isLocked() ||
@@ -302,7 +310,7 @@ class DeletionSet {
   std::unordered_set<const Node*> members_;
   std::unordered_map<const Node*, std::size_t> parentsThatGo_;
   std::unordered_set<const Node*> dry_;  ///< members whose mesh nobody needs that stays
-  std::vector<dg::NodePtr> order_;
+  std::vector<dg::NodePtr> order_, emptied_;
   std::vector<dg::Graph::Connection> passes_;
 };
 

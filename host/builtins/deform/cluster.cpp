@@ -124,6 +124,8 @@ CommandResult edit(Context& context, const ParsedArgs& args, dg::Node& cluster) 
 CommandResult cluster(Context& context, const ParsedArgs& args) {
   if (args.isCreate()) return create(context, args);
   std::string name = args.firstObject();
+  // In an edit one transform will do, and what follows it is the cluster.
+  if (name.empty()) name = args.text("weightedNode", {}, 1);
   // The handle stands for its cluster.
   if (const auto node = context.document.node(name); node && scene::isDagNode(**node))
     for (const dg::NodePtr& other : context.document.graph().nodes())
