@@ -8,6 +8,7 @@
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/uv_pins.h"
 #include "host/scene/dag_paths.h"
+#include "host/scene/point_shape.h"
 
 namespace host::edits {
 
@@ -118,6 +119,8 @@ Result<std::vector<std::string>> removeComponents(scene::Document& document,
   if (!shapes) return failWith(std::move(shapes.error()));
   return atomically(document, [&]() -> Result<std::vector<std::string>> {
     std::vector<std::string> names;
+    for (const scene::PointItem& item : scene::pointItems(list))
+      HOST_TRY(item.shape->remove(*item.path.node(), item.components));
     for (ShapeComponents& each : *shapes) {
       auto name = removeFrom(document, each);
       if (!name) return failWith(std::move(name.error()));

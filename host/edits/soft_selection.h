@@ -14,6 +14,7 @@ struct SoftSelection {
   enum class Falloff : std::uint8_t {
     Volume,   ///< by the straight way to the nearest selected vertex
     Surface,  ///< by the way along edges, so that what is near but not joined stays
+    Global,   ///< by the straight way, the vertices of all other meshes that show included
   };
   bool isOn = false;
   Falloff falloff = Falloff::Volume;
@@ -35,6 +36,12 @@ struct SoftWeight {
 [[nodiscard]] std::vector<SoftWeight> softWeights(const mesh::Mesh& mesh,
                                                   std::span<const VertexId> selected,
                                                   const math::Matrix4& world,
+                                                  const SoftSelection& settings);
+
+/// The same for points that no edges join: by the straight way, whatever the falloff.
+/// @param points in world space
+[[nodiscard]] std::vector<SoftWeight> softWeights(const std::vector<math::Vec3>& points,
+                                                  std::span<const VertexId> selected,
                                                   const SoftSelection& settings);
 
 }  // namespace host::edits

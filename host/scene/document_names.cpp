@@ -7,6 +7,7 @@
 #include "host/scene/document_impl.h"
 #include "host/scene/lattice_points.h"
 #include "host/scene/mesh_data.h"
+#include "host/scene/point_shape.h"
 
 namespace host::scene {
 
@@ -175,6 +176,17 @@ Component clippedComponent(const ComponentWord& word, const DagPath& shape) {
   return Component(word.type, std::move(indices));
 }
 
+/// What a word after the dot stands for on a shape with components of its own; nothing where it
+/// names an attribute, which comes first.
+Result<std::optional<Component>> ownComponent(Node& node, const DagPath& shape,
+                                              std::string_view word) {
+  const PointShape* points = shape.isWorld() ? nullptr : pointShapeOf(*shape.node());
+  const std::string_view head = word.substr(0, word.find_first_of("[."));
+  if (!points || node.findAttribute(head) || shape.node()->findAttribute(head))
+    return std::optional<Component>();
+  return points->match(shape, word);
+}
+
 Result<void> addResolved(SelectionList& list, Node& node, const DagPath& path,
                          std::string_view rest, std::string_view whole) {
   if (rest.empty()) {
@@ -201,6 +213,12 @@ Result<void> addResolved(SelectionList& list, Node& node, const DagPath& path,
     const Component component = clippedComponent(*word, shape);
     if (component.isEmpty()) return fail(ErrorKind::NotFound, "No object matches name: {}", whole);
     list.add(shape, component);
+    return {};
+  }
+  const auto own = ownComponent(node, shape, rest);
+  if (!own) return failWith(own.error());
+  if (*own) {
+    list.add(shape, **own);
     return {};
   }
   const auto plug = plugOnNodeOrShape(node, path, rest);

@@ -5,6 +5,7 @@
 #include "host/scene/dag_paths.h"
 #include "host/scene/lattice_points.h"
 #include "host/scene/mesh_data.h"
+#include "host/scene/point_shape.h"
 
 namespace host::scene {
 
@@ -250,7 +251,10 @@ Index componentCount(const DagPath& path, ComponentType type) {
     if (const auto points = latticeDivisions(*shape.node()))
       return (*points)[0] * (*points)[1] * (*points)[2];
   const dg::Plug plug = shape.node()->plug("outMesh");
-  if (!plug) return 0;
+  if (!plug) {
+    const PointShape* points = pointShapeOf(*shape.node());
+    return points ? points->count(*shape.node(), type) : 0;
+  }
   const auto value = shape.node()->graph().get(plug);
   const auto* data = value ? dg::dataAs<MeshData>(*value) : nullptr;
   return data ? countOf(data->mesh, type) : 0;

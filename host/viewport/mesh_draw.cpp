@@ -8,6 +8,7 @@
 #include "host/mesh/shells.h"
 #include "host/mesh/triangulate.h"
 #include "host/viewport/display_colors.h"
+#include "host/viewport/reach_draw.h"
 
 namespace host::viewport {
 
@@ -435,6 +436,7 @@ class MeshPainter {
 
   void selection() {
     if (!options_.showSelection) return;
+    drawReach(object_, edgePixels_, list_);
     faces(object_.selected.faces, colors_.faceSelected, colors_.edgeSelected);
     edges(object_.selected.edges, colors_.edgeSelected, 2.6f);
     dots(object_.selected.vertices, colors_.vertexSelected, 10);
@@ -486,6 +488,7 @@ void drawPreview(const RenderMesh& object, int nearness, const ViewProjection& v
   preview.mesh = *object.smoothed;
   preview.smoothed.reset();
   preview.selected = {};
+  preview.reach = nullptr;
   preview.hovered = {};
   preview.showVertices = preview.showFaceNormals = preview.showVertexNormals = false;
   preview.showCornerNormals = preview.showFaceCenters = preview.showTriangles = false;

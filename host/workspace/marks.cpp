@@ -281,6 +281,15 @@ void MarkGatherer::draw(const viewport::ShownPlace& place, viewport::VertexDataP
   item.width = 1.5f;
   if (options_.jointXray && place.node.type().isA("joint"))
     item.depthTest = viewport::DepthTest::Always;
+  viewport::DrawnObject object;
+  object.path = place.path;
+  object.firstItem = list.items.size() - 1;
+  object.itemCount = 1;
+  object.state = isFaint ? viewport::ObjectState::Template
+                 : place.looks && place.looks->type == Type::Reference
+                     ? viewport::ObjectState::Reference
+                     : place.selected;
+  objects.push_back(std::move(object));
 }
 
 }  // namespace host::workspace

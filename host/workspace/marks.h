@@ -1,6 +1,7 @@
 #pragma once
 
 #include <unordered_map>
+#include <vector>
 
 #include "host/viewport/scene_walk.h"
 
@@ -20,6 +21,7 @@ class MarkGatherer final : public viewport::PlaceVisitor {
   void visit(const viewport::ShownPlace& place) override;
 
   viewport::DrawList list;
+  std::vector<viewport::DrawnObject> objects;  ///< with the numbers of their items in `list`
 
  private:
   void draw(const viewport::ShownPlace& place, viewport::VertexDataPtr strokes,

@@ -111,7 +111,12 @@ void gatherPlaces(scene::Document& document, const View& view, bool vertexMode,
   viewport::walkShown(document, states, {options.only}, visitors, budget);
   scene.meshes = std::move(meshes.meshes);
   scene.lights = std::move(lights.lights);
+  const std::size_t first = scene.extra.items.size();
   scene.extra.append(marks.list);
+  for (viewport::DrawnObject& object : marks.objects) {
+    object.firstItem += first;
+    scene.objects.push_back(std::move(object));
+  }
 }
 
 /// Says once, not at every frame, that a scene has more places than views show.

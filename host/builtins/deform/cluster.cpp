@@ -70,7 +70,7 @@ CommandResult create(Context& context, const ParsedArgs& args) {
   scene::Document& document = context.document;
   const auto objects = deformerObjects(context, args);
   if (!objects) return failWith(objects.error());
-  if (objects->meshes.empty()) return fail("cluster: name or select objects or points.");
+  if (objects->meshes.empty()) return fail("cluster: name or select what is to follow a handle.");
   const auto place = wantedPlace(context, args);
   if (!place) return failWith(place.error());
   auto made = document.createNode("cluster", args.text("name", "cluster#"));

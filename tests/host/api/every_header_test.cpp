@@ -12,6 +12,9 @@
 #include <maya/MArgParser.h>
 #include <maya/MArrayDataBuilder.h>
 #include <maya/MArrayDataHandle.h>
+#include <maya/MAttributeIndex.h>
+#include <maya/MAttributeSpec.h>
+#include <maya/MAttributeSpecArray.h>
 #include <maya/MBoundingBox.h>
 #include <maya/MCallbackIdArray.h>
 #include <maya/MColor.h>
@@ -34,7 +37,11 @@
 #include <maya/MDistance.h>
 #include <maya/MDoubleArray.h>
 #include <maya/MDrawContext.h>
+#include <maya/MDrawData.h>
+#include <maya/MDrawInfo.h>
 #include <maya/MDrawRegistry.h>
+#include <maya/MDrawRequest.h>
+#include <maya/MDrawRequestQueue.h>
 #include <maya/MDynamicsUtil.h>
 #include <maya/MEulerRotation.h>
 #include <maya/MEvaluationManager.h>
@@ -118,6 +125,7 @@
 #include <maya/MItMeshVertex.h>
 #include <maya/MItSelectionList.h>
 #include <maya/MIteratorType.h>
+#include <maya/MMaterial.h>
 #include <maya/MMatrix.h>
 #include <maya/MMatrixArray.h>
 #include <maya/MMeshIntersector.h>
@@ -144,6 +152,7 @@
 #include <maya/MPxDeformerNode.h>
 #include <maya/MPxDrawOverride.h>
 #include <maya/MPxGeometryFilter.h>
+#include <maya/MPxGeometryIterator.h>
 #include <maya/MPxGeometryOverride.h>
 #include <maya/MPxLocatorNode.h>
 #include <maya/MPxNode.h>
@@ -158,6 +167,7 @@
 #include <maya/MRampAttribute.h>
 #include <maya/MRenderUtil.h>
 #include <maya/MSceneMessage.h>
+#include <maya/MSelectInfo.h>
 #include <maya/MSelectionList.h>
 #include <maya/MSelectionMask.h>
 #include <maya/MShaderManager.h>
