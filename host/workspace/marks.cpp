@@ -216,7 +216,12 @@ void MarkGatherer::visit(const viewport::ShownPlace& place) {
   if (mark == Mark::None) return;
   // Bones lead to other places, and a ball is round whatever scales it: in world space.
   if (mark == Mark::Joint) return draw(place, verticesOf(bonesOf(place.path)), {});
-  if (mark == Mark::ClusterHandle) return draw(place, verticesOf(signOfHandle(place, scene_)), {});
+  if (mark == Mark::ClusterHandle) {
+    // Most stand inside of what follows them.
+    draw(place, verticesOf(signOfHandle(place, scene_)), {});
+    list.items.back().depthTest = viewport::DepthTest::Always;
+    return;
+  }
   if (mark == Mark::Lattice) return drawLattice(place);
   if (mark == Mark::BaseLattice) {
     // In the way until somebody looks for it.
