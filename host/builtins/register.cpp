@@ -33,6 +33,7 @@ namespace host::builtins {
   X(SetAttr) \
   /* curve, dag, deform */ \
   X(CurveCommands) \
+  X(SurfaceCommands) \
   X(DeformerCommands) \
   X(SkinCommands) \
   X(Camera) \

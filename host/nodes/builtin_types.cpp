@@ -2,6 +2,7 @@
 #include "host/nodes/anim/constraints.h"
 #include "host/nodes/camera_node.h"
 #include "host/nodes/curve/curve_nodes.h"
+#include "host/nodes/curve/surface_nodes.h"
 #include "host/nodes/dag_node.h"
 #include "host/nodes/history/history_node.h"
 #include "host/nodes/history/modifiers.h"
@@ -39,6 +40,7 @@ void registerBuiltinTypes(dg::TypeRegistry& types) {
   registerSkinCluster(types);
   registerAnimCurves(types);
   registerCurveNodes(types);
+  registerSurfaceNodes(types);
   registerJoint(types);
   registerConstraints(types);
 }

@@ -6,6 +6,7 @@
 #include <unordered_set>
 
 #include "host/nodes/curve/curve_nodes.h"
+#include "host/nodes/curve/surface_nodes.h"
 #include "host/scene/dag_paths.h"
 #include "host/scene/display_rules.h"
 #include "host/viewport/display_colors.h"
@@ -92,6 +93,32 @@ Strokes wayOf(dg::Node& curveShape) {
     last = next;
   }
   return way;
+}
+
+/// Lines of a surface's parameters: where patches meet, and others between them.
+Strokes isoparmsOf(dg::Node& shape) {
+  Strokes lines;
+  const auto surface = nodes::evaluatedSurface(shape);
+  if (!surface) return lines;
+  constexpr int kBetween = 2, kSteps = 8;
+  const auto stepsOf = [](int degree) { return degree == 1 ? 1 : kSteps; };
+  const std::vector<double> us = math::breaksU(*surface), vs = math::breaksV(*surface);
+  const auto run = [&](const std::vector<double>& across, const std::vector<double>& along,
+                       const auto& place) {
+    for (const double fixed : across) {
+      Vec3 last = place(fixed, along.front());
+      for (std::size_t i = 1; i < along.size(); ++i) {
+        const Vec3 next = place(fixed, along[i]);
+        lines.line(last, next);
+        last = next;
+      }
+    }
+  };
+  run(math::spread(us, kBetween), math::spread(vs, stepsOf(surface->degreeV)),
+      [&](double u, double v) { return surface->at(u, v); });
+  run(math::spread(vs, kBetween), math::spread(us, stepsOf(surface->degreeU)),
+      [&](double v, double u) { return surface->at(u, v); });
+  return lines;
 }
 
 /// A joint's ball, or its box where that stands for several bones, and a pyramid to each joint
@@ -192,6 +219,11 @@ class Marks {
            });
   }
 
+  /// What a flag of the view's editor says; true when it was never given.
+  [[nodiscard]] bool shows(std::string_view flag) const {
+    const auto found = view_.editorFlags.find(flag);
+    return found == view_.editorFlags.end() || found->second;
+  }
   [[nodiscard]] Strokes strokesOf(const DagPath& path) const {
     dg::Node& node = *path.node();
     const dg::NodeType& type = node.type();
@@ -201,6 +233,7 @@ class Marks {
     if (type.name == "locator" && options.showLocators) strokes = crossOf(node);
     if (type.isA("light") && options.showLights) strokes = signOfLight(type);
     if (type.isA("nurbsCurve") && options.showCurves) strokes = wayOf(node);
+    if (type.isA("nurbsSurface") && shows("nurbsSurfaces")) strokes = isoparmsOf(node);
     if (!strokes.points.empty()) strokes.moveBy(path.inclusiveMatrix());
     return strokes;
   }

@@ -4,6 +4,7 @@
 #include <maya/MAngle.h>
 #include <maya/MAnimControl.h>
 #include <maya/MAnimCurveChange.h>
+#include <maya/MAnimUtil.h>
 #include <maya/MApiNamespace.h>
 #include <maya/MApiVersion.h>
 #include <maya/MArgDataBase.h>
@@ -78,6 +79,8 @@
 #include <maya/MFnNumericData.h>
 #include <maya/MFnNurbsCurve.h>
 #include <maya/MFnNurbsCurveData.h>
+#include <maya/MFnNurbsSurface.h>
+#include <maya/MFnNurbsSurfaceData.h>
 #include <maya/MFnPlugin.h>
 #include <maya/MFnPluginData.h>
 #include <maya/MFnPointArrayData.h>
@@ -116,6 +119,7 @@
 #include <maya/MItMeshPolygon.h>
 #include <maya/MItMeshVertex.h>
 #include <maya/MItSelectionList.h>
+#include <maya/MItSurfaceCV.h>
 #include <maya/MIteratorType.h>
 #include <maya/MMatrix.h>
 #include <maya/MMatrixArray.h>
@@ -142,6 +146,7 @@
 #include <maya/MPxData.h>
 #include <maya/MPxDeformerNode.h>
 #include <maya/MPxDrawOverride.h>
+#include <maya/MPxFileTranslator.h>
 #include <maya/MPxGeometryFilter.h>
 #include <maya/MPxGeometryOverride.h>
 #include <maya/MPxLocatorNode.h>
@@ -168,6 +173,7 @@
 #include <maya/MString.h>
 #include <maya/MStringArray.h>
 #include <maya/MSyntax.h>
+#include <maya/MTesselationParams.h>
 #include <maya/MThreadPool.h>
 #include <maya/MThreadUtils.h>
 #include <maya/MTime.h>
