@@ -145,6 +145,22 @@ void dragStep(benchmark::State& state, int moved) {
   for (auto _ : state) scene.drag();
 }
 
+/// The frame with a soft selection that reaches some hundred vertices around a few; `isDragged`:
+/// after a step of a drag, in which it stays as it was.
+void softSelected(benchmark::State& state, bool isDragged) {
+  Scene scene(state.range(0), 3, Draw::Nothing);
+  run("softSelect -sse 1 -ssd 0.1");
+  if (!scene.frame()) return state.SkipWithError("there is no picture");
+  for (int i = 0; i < 2 && isDragged; ++i) scene.drag();
+  for (auto _ : state) {
+    state.PauseTiming();
+    if (isDragged) scene.drag();
+    state.ResumeTiming();
+    benchmark::DoNotOptimize(scene.frame());
+  }
+  run("softSelect -sse 0");
+}
+
 void sizes(benchmark::internal::Benchmark* bench) {
   bench->Arg(10'000)
       ->Arg(100'000)
@@ -160,6 +176,8 @@ BENCHMARK_CAPTURE(afterDrag, hostOne, 1, Draw::Nothing)
 BENCHMARK_CAPTURE(afterDrag, hostMany, 10'000, Draw::Nothing)
     ->Name("frame/host/10000VerticesMoved")
     ->Apply(sizes);
+BENCHMARK_CAPTURE(softSelected, still, false)->Name("frame/host/softSelected")->Apply(sizes);
+BENCHMARK_CAPTURE(softSelected, moved, true)->Name("frame/host/softSelectedMoved")->Apply(sizes);
 BENCHMARK_CAPTURE(dragStep, one, 1)->Name("step/oneVertex")->Apply(sizes);
 BENCHMARK_CAPTURE(dragStep, many, 10'000)->Name("step/10000Vertices")->Apply(sizes);
 BENCHMARK_CAPTURE(unchanged, gl, Draw::OpenGl)->Name("frame/openGl/unchanged")->Apply(sizes);

@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <memory>
@@ -142,12 +143,33 @@ void BM_ObjSave(benchmark::State& state) {
   reportVertices(state);
 }
 
+// The whole of a save, with the wait for the disk (1) and without (0).
+void BM_MaReplace(benchmark::State& state) {
+  const std::string path = gridFiles(static_cast<int>(state.range(0))).ma + ".replaced";
+  Scene scene;
+  auto file = io::readMa(gridFiles(static_cast<int>(state.range(0))).ma);
+  if (!io::loadMa(*scene.document, *std::move(file), scene.kept)) std::abort();
+  for (auto _ : state) {
+    const auto text = io::formatMa(*scene.document, scene.kept, writeOptions());
+    if (!io::writeFileAtomically(path, text->text, {.syncs = state.range(1) != 0}))
+      state.SkipWithError("the file cannot be written");
+  }
+  std::remove(path.c_str());
+  reportVertices(state);
+}
+
 void sizes(benchmark::internal::Benchmark* bench) {
   bench->Arg(100)->Arg(316)->Arg(1000)->Unit(benchmark::kMillisecond)->UseRealTime();
 }
 BENCHMARK(BM_MaOpen)->Name("maOpen/grid")->Apply(sizes);
 BENCHMARK(BM_ObjOpen)->Name("objOpen/grid")->Apply(sizes);
 BENCHMARK(BM_MaSave)->Name("maSave/grid")->Apply(sizes);
+BENCHMARK(BM_MaReplace)
+    ->Name("maReplace/grid")
+    ->ArgsProduct({{100, 316, 1001}, {0, 1}})
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->MeasureProcessCPUTime();
 BENCHMARK(BM_ObjSave)->Name("objSave/grid")->Apply(sizes);
 
 }  // namespace

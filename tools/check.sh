@@ -46,13 +46,15 @@ step_windowless() {
 step_fuzz() {
   tools/install.sh clang
   tools/build.sh fuzz
-  local target found=0
+  local target kind found=0
   for target in build/fuzz/bin/*_fuzz; do
     found=1
+    kind=$(basename "$target" _fuzz)
     echo "$target"
-    mkdir -p "build/fuzz/corpus/$(basename "$target")"
-    "$target" -max_total_time="${QXMT_FUZZ_SECONDS:-60}" -timeout=20 -print_final_stats=0 \
-      "build/fuzz/corpus/$(basename "$target")"
+    mkdir -p "build/fuzz/corpus/${kind}_fuzz"
+    "$target" -max_total_time="${QXMT_FUZZ_SECONDS:-60}" -timeout=20 -max_len=1024 -rss_limit_mb=4096 \
+      -dict="tests/fuzz/${kind}_fuzz.dict" -print_final_stats=0 \
+      "build/fuzz/corpus/${kind}_fuzz" "tests/fuzz/seeds/$kind"
   done
   [ $found -eq 1 ] || { echo "there are no fuzz targets in build/fuzz/bin"; return 1; }
 }

@@ -38,7 +38,9 @@ void forgetInterrupt() {
 }
 
 void runIdle(cmd::Session& session) {
-  while (!session.isQuitting && !wasInterrupted() && session.loop().runIdle()) {
+  // Jobs that run whenever nothing else is to be done would have no end.
+  while (!session.isQuitting && !wasInterrupted() && session.loop().runIdle() &&
+         session.loop().hasIdleWork()) {
   }
 }
 

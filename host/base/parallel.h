@@ -10,12 +10,17 @@
 
 namespace host {
 
+/// How many threads may run at once; asking the system each time opens files.
+inline std::size_t coreCount() {
+  static const std::size_t count = std::max(1U, std::thread::hardware_concurrency());
+  return count;
+}
+
 /// Runs `body(begin, end)` over [0, count) in contiguous blocks on all cores; small counts run
 /// inline. The body touches only its own block. What a block throws is thrown once all have ended.
 template <class Body>
 void parallelFor(std::size_t count, std::size_t grain, Body&& body) {
-  const std::size_t cores = std::max(1u, std::thread::hardware_concurrency());
-  const std::size_t blocks = std::min(cores, count / std::max<std::size_t>(grain, 1));
+  const std::size_t blocks = std::min(coreCount(), count / std::max<std::size_t>(grain, 1));
   if (blocks <= 1) {
     if (count > 0) body(std::size_t{0}, count);
     return;

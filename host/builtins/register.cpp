@@ -16,12 +16,15 @@ namespace host::builtins {
 #define HOST_BUILTIN_COMMANDS(X) \
   /* anim */ \
   X(ConstraintCommands) \
+  X(DrivenKeys) \
   X(Expression) \
+  X(KeyClipboard) \
   X(Keyframe) \
   X(Playback) \
   X(SetKeyframe) \
   /* attr */ \
   X(AttrExtras) \
+  X(CopyAttr) \
   X(AttrPresets) \
   X(AddAttr) \
   X(AttrState) \
@@ -34,6 +37,8 @@ namespace host::builtins {
   /* curve, dag, deform */ \
   X(CurveCommands) \
   X(SurfaceCommands) \
+  X(BlendShapeCommands) \
+  X(ClusterCommand) \
   X(DeformerCommands) \
   X(SkinCommands) \
   X(Camera) \
@@ -53,6 +58,7 @@ namespace host::builtins {
   X(Partition) \
   X(RotateScale) \
   X(Sets) \
+  X(TransformQueries) \
   X(ShadingNode) \
   X(Ungroup) \
   X(Visibility) \
@@ -73,6 +79,7 @@ namespace host::builtins {
   X(PolyOptions) \
   X(PolyUvSet) \
   /* poly */ \
+  X(PolyCompare) \
   X(PolyCrease) \
   X(PolyEvaluate) \
   X(PolyInfo) \
@@ -99,6 +106,7 @@ namespace host::builtins {
   X(Undo) \
   X(UnitsAndTime) \
   /* tools */ \
+  X(DraggerContext) \
   X(ToolCommands) \
   X(SoftSelect) \
   X(ViewGesture) \
@@ -111,10 +119,12 @@ namespace host::builtins {
   X(ViewMessages) \
   X(WindowPref) \
   X(ConnectControl) \
+  X(ChannelBox) \
   X(EditorTemplates) \
   X(FileDialogs) \
   X(InterfaceState) \
   X(SmallCommands) \
+  X(UserCommands) \
   /* uv */ \
   X(PolyEditUv) \
   X(PolyForceUv) \
@@ -122,6 +132,7 @@ namespace host::builtins {
   X(UvLayouts) \
   X(UvProcedures) \
   /* view */ \
+  X(CameraMoves) \
   X(IsolateSelect) \
   X(LightCommands) \
   X(ModelEditor) \

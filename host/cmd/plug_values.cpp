@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "host/dg/numeric_data.h"
 #include "host/scene/component.h"
 #include "host/scene/node_names.h"
 
@@ -74,6 +75,12 @@ mel::Value payloadValue(const dg::Value& value) {
     mel::VectorArray result;
     for (const dg::Point4& p : points->value) result.push_back({p.x, p.y, p.z});
     return result;
+  }
+  if (const auto* tuple = dg::dataAs<dg::NumericData>(value)) {
+    if (!tuple->isWhole()) return mel::FloatArray(tuple->values);
+    mel::IntArray integers;
+    for (const double each : tuple->values) integers.push_back(mel::truncateToInt(each));
+    return integers;
   }
   if (const auto* components = dg::dataAs<scene::ComponentListData>(value)) {
     mel::StringArray words;
@@ -356,6 +363,14 @@ Result<void> writeTyped(dg::Graph& graph, const scene::Units& units, const Plug&
     std::string text;
     for (const std::string& part : texts) text += part;
     return graph.set(plug, dg::Value(std::move(text)));
+  }
+  if (const int size = dg::numericDataSize(type); size > 0 && plug.attribute()->dataType == type) {
+    auto cells = numbers(values);
+    if (!cells) return failWith(std::move(cells.error()));
+    if (cells->size() < at(size))
+      return fail(ErrorKind::BadArgument, "-type {} takes {} numbers, not {}.", type, size,
+                  cells->size());
+    return graph.set(plug, dg::Value(dg::makeNumericData(type, std::move(*cells))));
   }
   if (std::find(std::begin(kTuples), std::end(kTuples), type) != std::end(kTuples)) {
     auto count = writeNumbers(graph, units, plug, values);

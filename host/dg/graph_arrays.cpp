@@ -51,10 +51,10 @@ class ElementChange final : public Change {
   bool isCreation_;
 };
 
-/// Holds the arrays that are not there now; undo and redo exchange them.
+/// Holds what of the array is not there now; undo and redo exchange it.
 class PackedChange final : public Change {
  public:
-  PackedChange(Graph::Impl& impl, const Plug& array, PackedArray other, int createdLevel)
+  PackedChange(Graph::Impl& impl, const Plug& array, PackedPatch other, int createdLevel)
       : impl_(impl),
         node_(array.node()->shared_from_this()),
         array_(array),
@@ -75,10 +75,7 @@ class PackedChange final : public Change {
     return {};
   }
   void visitNodes(const VisitNode& visit) const override { visit(*node_); }
-  [[nodiscard]] std::size_t bytes() const override {
-    return sizeof *this + other_.indices.capacity() * sizeof(Index) +
-           other_.values.capacity() * sizeof(double);
-  }
+  [[nodiscard]] std::size_t bytes() const override { return sizeof *this + other_.bytes(); }
 
  private:
   /// An element that is connected or flagged meanwhile cannot be left out.
@@ -89,14 +86,14 @@ class PackedChange final : public Change {
     const Slot* slot = place.slot;
     if (!slot) return {};
     for (const auto& element : slot->below)
-      if (isWired(*element) && other_.position(element->index) < 0)
+      if (isWired(*element) && other_.leavesOut(element->index))
         return fail("'{}' is in use", plugOf(*element).name());
     return {};
   }
   Graph::Impl& impl_;
   NodePtr node_;
   Plug array_;
-  PackedArray other_;
+  PackedPatch other_;
   MadeElements made_;
 };
 
@@ -257,6 +254,15 @@ void Graph::Impl::swapPacked(const Plug& array, PackedArray& packed) {
   attributeEvent(AttributeEvent::Set, array);
 }
 
+void Graph::Impl::swapPacked(const Plug& array, PackedPatch& patch) {
+  if (patch.isWhole()) return swapPacked(array, patch.whole());
+  Slot& slot = *makeSlot(array, true).slot;
+  patch.swapPart(*slot.packed);
+  matchSlotsToPacked(slot);
+  spread(array);
+  attributeEvent(AttributeEvent::Set, array);
+}
+
 std::vector<Index> Graph::elementIndices(const Plug& array) {
   if (!checkArray(array)) return {};
   const Place place = locate(array);
@@ -354,7 +360,9 @@ Result<void> Graph::setPacked(const Plug& array, std::vector<Index> indices,
   for (const Plug& element : doomed) HOST_TRY(removeElement(element, false));
   const int createdLevel = impl_->makeElements(array, false);
   impl_->swapPacked(array, packed);
-  impl_->record<PackedChange>(array, std::move(packed), createdLevel);
+  if (isRecording())
+    impl_->record<PackedChange>(
+        array, PackedPatch(std::move(packed), locate(array).slot->packed.get()), createdLevel);
   return {};
 }
 

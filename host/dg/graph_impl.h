@@ -6,6 +6,7 @@
 
 #include "host/dg/data_block.h"
 #include "host/dg/graph.h"
+#include "host/dg/packed_patch.h"
 #include "host/dg/slot.h"
 
 // The graph's inner primitives, private to this folder: edits that are neither checked nor
@@ -107,6 +108,7 @@ struct Graph::Impl {
   DetachedElement detach(const Plug& element);
   void attach(const Plug& element, DetachedElement detached);
   void swapPacked(const Plug& array, PackedArray& packed);
+  void swapPacked(const Plug& array, PackedPatch& patch);
 
   // --- connections (graph_connections.cpp)
   void wire(const Plug& source, const Plug& destination, std::ptrdiff_t position);

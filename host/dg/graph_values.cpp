@@ -5,6 +5,26 @@
 namespace host::dg {
 namespace {
 
+/// Whether what drives a slot gives way to who sets it: an animation curve says what a value is at
+/// a time, and a value that is set then holds till the curve speaks again.
+bool givesWay(const Slot& driven) {
+  Plug source = driven.wiring->source;
+  if (source.node()->type().name == "unitConversion") {
+    const Slot* input = locate(source.node()->plug("input")).slot;
+    if (!input || !input->isDriven()) return false;
+    source = input->wiring->source;
+  }
+  return source.node()->type().isA("animCurve");
+}
+
+/// The slot at or above a plug that something drives, but for what gives way; null when there is
+/// none.
+const Slot* firmlyDriven(const Place& place) {
+  for (const Slot* slot = place.deepest; slot; slot = slot->parent)
+    if (slot->isDriven() && !(slot == place.slot && givesWay(*slot))) return slot;
+  return nullptr;
+}
+
 /// Holds the value that is not there now; undo and redo exchange them.
 class SetChange final : public Change {
  public:
@@ -38,7 +58,9 @@ class SetChange final : public Change {
 
  private:
   Result<void> checkFit() const {
-    HOST_TRY(Graph::Impl::checkFree(plug_));
+    HOST_TRY(checkPlug(plug_));
+    if (const Slot* slot = firmlyDriven(locate(plug_)))
+      return fail("'{}' is connected to '{}'", plug_.name(), slot->wiring->source.name());
     if (!made_.isDropped && locate(plug_).isMissing) return fail("'{}' was removed", plug_.name());
     return {};
   }
@@ -137,13 +159,13 @@ Result<void> Graph::settable(const Plug& plug) const {
   HOST_TRY(checkPlug(plug));
   if (!plug.attribute()->writable) return fail("'{}' is not writable", plug.name());
   const Place place = locate(plug);
-  for (const Slot* slot = place.deepest; slot; slot = slot->parent) {
+  for (const Slot* slot = place.deepest; slot; slot = slot->parent)
     if (isFlagged(*slot, PlugFlag::Locked)) return fail("'{}' is locked", plug.name());
-    if (slot->isDriven())
-      return fail("'{}' is connected: its value comes from '{}'", plug.name(),
-                  slot->wiring->source.name());
-  }
-  if (place.slot && place.slot->incoming > 0)
+  if (const Slot* slot = firmlyDriven(place))
+    return fail("'{}' is connected: its value comes from '{}'", plug.name(),
+                slot->wiring->source.name());
+  // Counted with its own, which gives way.
+  if (place.slot && place.slot->incoming > (place.slot->isDriven() ? 1 : 0))
     return fail("'{}' has connected children", plug.name());
   return {};
 }
@@ -153,6 +175,8 @@ Result<void> Graph::set(const Plug& plug, const Value& value) {
   HOST_TRY(settable(plug));
   auto converted = plug.attribute()->convert(value);
   if (!converted) return failAt(fmt::format("'{}'", plug.name()), converted.error());
+  // What is set over a curve goes when the curve changes, and only what was looked at is told so.
+  if (const Slot* slot = locate(plug).slot; slot && slot->isDriven()) HOST_TRY(get(plug));
   const Impl::Edit edit(*impl_);
   Value before = isRecording() ? Impl::current(plug) : Value();
   const int createdLevel = impl_->makeElements(plug, false);

@@ -2,8 +2,13 @@
 
 #include <algorithm>
 
+#include "host/dg/packed_view.h"
+
 namespace host::dg {
 namespace {
+
+/// On the main thread only, as all of the graph.
+std::uint64_t lastContent = 0;
 
 double asNumber(const Value& value) {
   if (const auto* real = std::get_if<double>(&value)) return *real;
@@ -123,7 +128,12 @@ std::ptrdiff_t PackedArray::position(Index index) const {
   return found != indices.end() && *found == index ? found - indices.begin() : -1;
 }
 
+std::uint64_t PackedArray::newContent() {
+  return ++lastContent;
+}
+
 std::ptrdiff_t PackedArray::insert(Index index, const Attribute& attribute) {
+  content = newContent();
   const auto at = std::lower_bound(indices.begin(), indices.end(), index) - indices.begin();
   indices.insert(indices.begin() + at, index);
   values.insert(values.begin() + at * stride, static_cast<std::size_t>(stride), 0.0);
@@ -133,6 +143,7 @@ std::ptrdiff_t PackedArray::insert(Index index, const Attribute& attribute) {
 }
 
 void PackedArray::erase(std::ptrdiff_t position) {
+  content = newContent();
   indices.erase(indices.begin() + position);
   values.erase(values.begin() + position * stride, values.begin() + (position + 1) * stride);
 }
@@ -239,6 +250,7 @@ void writeLeaf(const Plug& plug, Value value) {
   }
   const bool isElement = plug.attribute() == place.packedIn->attribute;
   const int column = isElement ? 0 : plug.attribute()->childIndex;
+  place.packedIn->packed->content = PackedArray::newContent();
   place.packedIn->packed->at(place.position)[column] = asNumber(value);
 }
 
@@ -326,6 +338,20 @@ void attachElement(Slot& array, Index index, DetachedElement element) {
   if (!element.slot || findElement(array, index)) return;
   element.slot->parent = &array;
   array.below.insert(lowerElement(array, index), std::move(element.slot));
+}
+
+std::optional<PackedView> packedView(const Plug& array) {
+  if (!isUsable(array) || !array.isArray()) return std::nullopt;
+  const Place place = locate(array);
+  if (!place.slot) return place.isMissing ? std::nullopt : std::optional(PackedView{});
+  const Slot& slot = *place.slot;
+  if (!slot.packed || slot.incoming > 0 || slot.isDirty || isDrivenFromAbove(slot.parent))
+    return std::nullopt;
+  return PackedView{slot.packed->indices, slot.packed->values, slot.packed->content};
+}
+
+std::uint64_t nextPackedContent() {
+  return lastContent + 1;
 }
 
 }  // namespace host::dg

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -17,6 +18,8 @@ struct PackedArray {
   std::vector<Index> indices;  ///< ascending logical indices
   std::vector<double> values;  ///< `stride` for each index
   int stride = 1;
+  /// Arrays of the same number hold the same; whoever writes into one gives it a new one.
+  std::uint64_t content = newContent();
 
   /// Position of a logical index, -1 when it is not there. Constant time while the indices have no
   /// gaps.
@@ -25,6 +28,8 @@ struct PackedArray {
   /// Makes an element with the attribute's defaults; returns its position.
   std::ptrdiff_t insert(Index index, const Attribute& attribute);
   void erase(std::ptrdiff_t position);
+
+  [[nodiscard]] static std::uint64_t newContent();
 };
 
 /// What only few plugs have: connections and flags that differ from the attribute's.

@@ -6,6 +6,7 @@
 #include "host/nodes/mesh_shape.h"
 #include "host/scene/dag_paths.h"
 #include "host/scene/display_rules.h"
+#include "host/scene/point_shape.h"
 
 namespace host::edits {
 
@@ -71,6 +72,13 @@ Result<math::Box> worldBox(const scene::SelectionItem& item) {
     const math::Matrix4 matrix = each.path.inclusiveMatrix();
     for (const VertexId v : each.vertices())
       box.add(math::transformPoint(each.mesh.point(v), matrix));
+  }
+  for (const scene::PointItem& each : scene::pointItems(list)) {
+    const auto points = each.points();
+    if (!points) return failWith(points.error());
+    const math::Matrix4 matrix = each.path.inclusiveMatrix();
+    for (const scene::NumberedPoint& point : *points)
+      box.add(math::transformPoint(point.place, matrix));
   }
   return box;
 }

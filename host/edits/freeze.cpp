@@ -47,9 +47,9 @@ Result<void> movePoints(scene::Document& document, dg::Node& shape, const Matrix
   }
   auto mesh = nodes::evaluatedMesh(shape);
   if (!mesh) return failWith(std::move(mesh.error()));
-  std::vector<math::Vec3f> points(mesh->points().begin(), mesh->points().end());
-  for (math::Vec3f& point : points) point = math::transformPoint(Vec3(point), by).toFloat();
-  return nodes::setEvaluatedPoints(shape, std::move(points));
+  for (math::Vec3f& point : mesh->editPoints())
+    point = math::transformPoint(Vec3(point), by).toFloat();
+  return nodes::setStoredMesh(shape, *std::move(mesh));
 }
 
 class Freeze {

@@ -4,6 +4,7 @@
 #include "host/edits/bounds.h"
 #include "host/edits/group_box.h"
 #include "host/nodes/transform.h"
+#include "host/scene/display_rules.h"
 
 namespace host::edits {
 
@@ -16,8 +17,9 @@ Result<void> reparent(scene::Document& document, const DagPath& path, dg::Node* 
     const math::Matrix4 before = path.inclusiveMatrix(), oldParent = path.exclusiveMatrix();
     HOST_TRY(document.reparent(path, parent));
     if (isRelative || !scene::isTransform(node)) return {};
+    const bool inherits = scene::numberOr(node, "inheritsTransform", 1) != 0;
     const math::Matrix4 newParent =
-        parent ? scene::firstPath(*parent).inclusiveMatrix() : math::Matrix4{};
+        parent && inherits ? scene::firstPath(*parent).inclusiveMatrix() : math::Matrix4{};
     if (newParent == oldParent) return {};
     const auto inverse = math::inverse(newParent);
     if (!inverse)

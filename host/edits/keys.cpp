@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "host/edits/atomically.h"
+#include "host/edits/connect.h"
 #include "host/edits/time.h"
 #include "host/nodes/anim/anim_curve.h"
 #include "host/scene/node_names.h"
@@ -30,13 +31,68 @@ std::string curveName(const dg::Plug& plug) {
   return name;
 }
 
-Result<dg::Node*> makeCurve(scene::Document& document, const dg::Plug& plug) {
+Result<dg::Node*> makeCurve(scene::Document& document, const dg::Plug& plug, bool isOverTime) {
   HOST_TRY(document.graph().settable(plug));
-  auto made = document.createNode(nodes::curveTypeFor(*plug.attribute()), curveName(plug));
+  // animCurveTL over time is animCurveUL over a number.
+  std::string type(nodes::curveTypeFor(*plug.attribute()));
+  if (!isOverTime) type[type.size() - 2] = 'U';
+  auto made = document.createNode(type, curveName(plug));
   if (!made) return failWith(std::move(made.error()));
   math::KeyCurve empty;
   HOST_TRY(nodes::writeKeys(**made, empty));
   return made->get();
+}
+
+/// In place of a key at the same time, if there is one.
+void putKey(math::KeyCurve& keys, math::Key key) {
+  const auto place =
+      std::ranges::lower_bound(keys.keys, key.time - kSameTime, {}, &math::Key::time);
+  if (place == keys.keys.end() || std::abs(place->time - key.time) > kSameTime) {
+    keys.keys.insert(place, key);
+    return;
+  }
+  key.time = place->time;
+  *place = key;
+}
+
+Result<void> setDrivenNow(scene::Document& document, const dg::Plug& plug, const dg::Plug& driver,
+                          const KeyOptions& options) {
+  if (!plug.attribute()->isNumeric() || plug.isArray())
+    return fail("'{}' is no number and takes no keys", scene::plugName(plug));
+  if (plug == driver) return fail("'{}' can't drive itself", scene::plugName(plug));
+  dg::Graph& graph = document.graph();
+  dg::Node* curve = curveOf(document, plug);
+  if (curve && nodes::isOverTime(*curve))
+    return fail("'{}' has keys over time: cut them before something else drives it",
+                scene::plugName(plug));
+  if (const dg::Plug other = driverOf(document, plug); other && other != driver)
+    return fail("'{}' is driven by '{}' already", scene::plugName(plug), scene::plugName(other));
+  const auto seen = shown(graph, plug);
+  if (!seen) return failWith(seen.error());
+  const bool isNew = !curve;
+  if (isNew) {
+    auto made = makeCurve(document, plug, false);
+    if (!made) return failWith(std::move(made.error()));
+    curve = *made;
+  }
+  if (!driverOf(document, plug)) HOST_TRY(connect(document, driver, curve->plug("input")));
+  auto keys = nodes::readKeys(*curve);
+  if (!keys) return failWith(keys.error());
+  double place = options.time.value_or(0);
+  if (!options.time) {
+    const auto now = shown(graph, curve->plug("input"));
+    if (!now) return failWith(now.error());
+    place = *now;
+  }
+  math::Key key;
+  key.time = place;
+  key.value = options.value.value_or(*seen);
+  key.in = options.in;
+  key.out = options.out;
+  putKey(*keys, key);
+  HOST_TRY(nodes::writeKeys(*curve, *keys));
+  if (isNew) HOST_TRY(graph.connect(curve->plug("output"), plug));
+  return {};
 }
 
 Result<bool> setKeyNow(scene::Document& document, const dg::Plug& plug, const KeyOptions& options) {
@@ -55,7 +111,7 @@ Result<bool> setKeyNow(scene::Document& document, const dg::Plug& plug, const Ke
   if (!seen) return failWith(seen.error());
   const bool isNew = !curve;
   if (isNew) {
-    auto made = makeCurve(document, plug);
+    auto made = makeCurve(document, plug, true);
     if (!made) return failWith(std::move(made.error()));
     curve = *made;
   }
@@ -76,12 +132,7 @@ Result<bool> setKeyNow(scene::Document& document, const dg::Plug& plug, const Ke
     key.in = key.out = math::KeyTangent::Fixed;
     key.inY = key.outY = rate;
   }
-  if (isThere) {
-    key.time = place->time;
-    *place = key;
-  } else {
-    keys->keys.insert(place, key);
-  }
+  putKey(*keys, key);
   HOST_TRY(nodes::writeKeys(*curve, *keys));
   if (isNew) HOST_TRY(graph.connect(curve->plug("output"), plug));
   return true;
@@ -115,6 +166,20 @@ dg::Node* curveOf(scene::Document& document, const dg::Plug& plug) {
   if (source && source.node()->type().name == "unitConversion")
     source = document.graph().source(source.node()->plug("input"));
   return source && nodes::isAnimCurve(*source.node()) ? source.node() : nullptr;
+}
+
+dg::Plug driverOf(scene::Document& document, const dg::Plug& plug) {
+  dg::Node* curve = curveOf(document, plug);
+  if (!curve || nodes::isOverTime(*curve)) return {};
+  dg::Plug source = document.graph().source(curve->plug("input"));
+  if (source && source.node()->type().name == "unitConversion")
+    source = document.graph().source(source.node()->plug("input"));
+  return source;
+}
+
+Result<void> setDrivenKey(scene::Document& document, const dg::Plug& plug, const dg::Plug& driver,
+                          const KeyOptions& options) {
+  return atomically(document, [&] { return setDrivenNow(document, plug, driver, options); });
 }
 
 std::vector<std::size_t> KeyRange::of(const math::KeyCurve& keys) const {

@@ -25,6 +25,15 @@ struct KeyOptions {
 /// with the document as it was
 Result<bool> setKey(scene::Document& document, const dg::Plug& plug, const KeyOptions& options);
 
+/// The plug over whose value the curve of a plug runs; null without a curve, and over time.
+[[nodiscard]] dg::Plug driverOf(scene::Document& document, const dg::Plug& plug);
+/// Sets a key of a plug over the value of another one, which drives it from then on; makes the
+/// curve when there is none. `options.time` is the driver's value as the curve sees it (degrees,
+/// units of length); what it is now by default.
+/// @return an error when the plug has keys over time, another driver, or can't be driven
+Result<void> setDrivenKey(scene::Document& document, const dg::Plug& plug, const dg::Plug& driver,
+                          const KeyOptions& options);
+
 /// Which keys of a curve: those whose times lie in one of the ranges (both ends count) or whose
 /// numbers are listed; all when nothing is said.
 struct KeyRange {

@@ -81,8 +81,11 @@ Result<void> moveAll(const scene::SelectionList& list, const MoveOptions& option
   for (const scene::DagPath& path : targets->objects) HOST_TRY(moveObject(path, options));
   const PointSpace space =
       options.space == MoveSpace::World ? PointSpace::World : PointSpace::Object;
-  return editVertices(
-      targets->meshes, space, [&](const Vec3& p) { return moved(options, p); }, options.soft);
+  const auto edit = [&](const Vec3& p) { return moved(options, p); };
+  PointChange change{edit};
+  if (options.isRelative) change.matrix = math::Matrix4::translation(moved(options, {}));
+  HOST_TRY(editPoints(targets->points, space, change, options.soft));
+  return editVertices(targets->meshes, space, edit, options.soft);
 }
 
 }  // namespace

@@ -5,9 +5,11 @@
 
 #include "host/edits/atomically.h"
 #include "host/nodes/curve/surface_nodes.h"
+#include "host/nodes/history/blend_shape.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/uv_pins.h"
 #include "host/scene/dag_paths.h"
+#include "host/scene/point_shape.h"
 
 namespace host::edits {
 
@@ -73,7 +75,7 @@ Result<void> removeHistoryBelow(scene::Document& document, const scene::DagPath&
     const scene::DagPath path = open.back();
     open.pop_back();
     for (const scene::DagPath& shape : nodes::meshPaths(path))
-      if (nodes::hasHistory(*shape.node())) HOST_TRY(nodes::deleteHistory(document, *shape.node()));
+      HOST_TRY(nodes::deleteHistory(document, *shape.node()));
     // Hidden originals went with the history that they began.
     const std::vector<scene::Node*>& children = scene::dagLinks(*path.node()).children;
     if (scene::isShape(*path.node())) HOST_TRY(nodes::deleteCurvedHistory(document, *path.node()));
@@ -104,6 +106,7 @@ Result<void> removeAll(scene::Document& document, const scene::SelectionList& li
     else
       nodes.push_back(item.node.get());
   }
+  HOST_TRY(nodes::keepBlendTargets(document, nodes));
   return document.deleteNodes(std::move(nodes));
 }
 
@@ -120,6 +123,8 @@ Result<std::vector<std::string>> removeComponents(scene::Document& document,
   if (!shapes) return failWith(std::move(shapes.error()));
   return atomically(document, [&]() -> Result<std::vector<std::string>> {
     std::vector<std::string> names;
+    for (const scene::PointItem& item : scene::pointItems(list))
+      HOST_TRY(item.shape->remove(*item.path.node(), item.components));
     for (ShapeComponents& each : *shapes) {
       auto name = removeFrom(document, each);
       if (!name) return failWith(std::move(name.error()));

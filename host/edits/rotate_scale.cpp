@@ -76,18 +76,21 @@ Result<void> scaleObject(const scene::DagPath& path, const TurnOptions& options)
 /// Turns the components about the pivot along the axes of the world or of each object.
 Result<void> turnVertices(const TransformTargets& targets, const TurnOptions& options,
                           const Matrix4& change) {
-  if (targets.meshes.empty()) return {};
+  if (targets.meshes.empty() && targets.points.empty()) return {};
   const Vec3 pivot = options.pivot ? *options.pivot : targets.vertexCenter();
-  for (const nodes::MeshItem& item : targets.meshes) {
-    Matrix4 world = change;
-    if (options.componentsByObject) {
-      const Matrix4 axes = rotationOf(item.path.inclusiveMatrix());
-      world = math::transpose(axes) * change * axes;
-    }
-    const Matrix4 matrix = about(pivot, world);
-    HOST_TRY(editVertices(
-        {item}, PointSpace::World, [&](const Vec3& p) { return math::transformPoint(p, matrix); },
-        options.soft));
+  const auto matrixFor = [&](const scene::DagPath& path) {
+    if (!options.componentsByObject) return about(pivot, change);
+    const Matrix4 axes = rotationOf(path.inclusiveMatrix());
+    return about(pivot, math::transpose(axes) * change * axes);
+  };
+  const auto by = [](const Matrix4& matrix) {
+    return [matrix](const Vec3& p) { return math::transformPoint(p, matrix); };
+  };
+  for (const nodes::MeshItem& item : targets.meshes)
+    HOST_TRY(editVertices({item}, PointSpace::World, by(matrixFor(item.path)), options.soft));
+  for (const scene::PointItem& item : targets.points) {
+    const Matrix4 matrix = matrixFor(item.path);
+    HOST_TRY(editPoints({item}, PointSpace::World, {by(matrix), matrix}, options.soft));
   }
   return {};
 }

@@ -50,21 +50,11 @@ Reach surfaceReach(const mesh::Mesh& mesh, std::span<const math::Vec3> points,
   return reach;
 }
 
-}  // namespace
-
-std::vector<SoftWeight> softWeights(const mesh::Mesh& mesh, std::span<const VertexId> selected,
-                                    const math::Matrix4& world, const SoftSelection& settings) {
-  if (selected.empty()) return {};
-  std::vector<math::Vec3> points;
-  points.reserve(mesh.points().size());
-  for (const math::Vec3f& p : mesh.points())
-    points.push_back(math::transformPoint(math::Vec3(p), world));
-  Reach reach = settings.falloff == SoftSelection::Falloff::Surface
-                    ? surfaceReach(mesh, points, selected, settings.distance)
-                    : straightReach(points, selected, settings.distance);
+std::vector<SoftWeight> weightsOf(Reach reach, std::span<const VertexId> selected,
+                                  const SoftSelection& settings) {
   for (const VertexId v : selected) reach[at(v)] = -1;
   std::vector<SoftWeight> weights;
-  for (VertexId v = 0; v < mesh.vertexCount(); ++v) {
+  for (VertexId v = 0; at(v) < reach.size(); ++v) {
     const double way = reach[at(v)];
     if (way < 0) {
       weights.push_back({v, 1});
@@ -75,6 +65,27 @@ std::vector<SoftWeight> softWeights(const mesh::Mesh& mesh, std::span<const Vert
     }
   }
   return weights;
+}
+
+}  // namespace
+
+std::vector<SoftWeight> softWeights(const mesh::Mesh& mesh, std::span<const VertexId> selected,
+                                    const math::Matrix4& world, const SoftSelection& settings) {
+  if (selected.empty()) return {};
+  std::vector<math::Vec3> points;
+  points.reserve(mesh.points().size());
+  for (const math::Vec3f& p : mesh.points())
+    points.push_back(math::transformPoint(math::Vec3(p), world));
+  if (settings.falloff != SoftSelection::Falloff::Surface)
+    return softWeights(points, selected, settings);
+  return weightsOf(surfaceReach(mesh, points, selected, settings.distance), selected, settings);
+}
+
+std::vector<SoftWeight> softWeights(const std::vector<math::Vec3>& points,
+                                    std::span<const VertexId> selected,
+                                    const SoftSelection& settings) {
+  if (selected.empty()) return {};
+  return weightsOf(straightReach(points, selected, settings.distance), selected, settings);
 }
 
 }  // namespace host::edits

@@ -37,4 +37,10 @@ struct SoftWeight {
                                                   const math::Matrix4& world,
                                                   const SoftSelection& settings);
 
+/// The same for points that no edges join: by the straight way, whatever the falloff.
+/// @param points in world space
+[[nodiscard]] std::vector<SoftWeight> softWeights(const std::vector<math::Vec3>& points,
+                                                  std::span<const VertexId> selected,
+                                                  const SoftSelection& settings);
+
 }  // namespace host::edits

@@ -1,5 +1,7 @@
 #include "host/edits/transform_targets.h"
 
+#include <unordered_map>
+
 #include "host/math/box.h"
 #include "host/nodes/transform.h"
 
@@ -11,6 +13,13 @@ math::Vec3 TransformTargets::vertexCenter() const {
     const math::Matrix4 matrix = item.path.inclusiveMatrix();
     for (const VertexId v : item.vertices())
       box.add(math::transformPoint(item.mesh.point(v), matrix));
+  }
+  for (const scene::PointItem& item : points) {
+    const math::Matrix4 matrix = item.path.inclusiveMatrix();
+    const auto own = item.points();
+    if (!own) continue;
+    for (const scene::NumberedPoint& point : *own)
+      box.add(math::transformPoint(point.place, matrix));
   }
   return box.center();
 }
@@ -28,7 +37,71 @@ Result<TransformTargets> transformTargets(const scene::SelectionList& list) {
   auto meshes = nodes::meshItems(components);
   if (!meshes) return failWith(std::move(meshes.error()));
   targets.meshes = std::move(*meshes);
+  targets.points = scene::pointItems(components);
   return targets;
+}
+
+namespace {
+
+/// The points that go along, with the share that each takes; those that are named take all.
+struct PointShare {
+  scene::NumberedPoint point;
+  double share = 1;
+};
+Result<std::vector<PointShare>> sharesOf(const scene::PointItem& item, const math::Matrix4& world,
+                                         const SoftSelection* soft) {
+  auto named = item.points();
+  if (!named) return failWith(std::move(named.error()));
+  std::vector<PointShare> shares;
+  if (!soft || !soft->isOn) {
+    for (const scene::NumberedPoint& point : *named) shares.push_back({point, 1});
+    return shares;
+  }
+  auto all = item.shape->points(*item.path.node(), {});
+  if (!all) return failWith(std::move(all.error()));
+  std::vector<math::Vec3> places;
+  std::unordered_map<Index, std::size_t> byIndex;
+  for (const scene::NumberedPoint& point : *all) {
+    byIndex.emplace(point.index, places.size());
+    places.push_back(math::transformPoint(point.place, world));
+  }
+  std::vector<VertexId> chosen;
+  for (const scene::NumberedPoint& point : *named)
+    if (const auto found = byIndex.find(point.index); found != byIndex.end())
+      chosen.emplace_back(static_cast<Index>(found->second));
+  for (const auto& [place, weight] : softWeights(places, chosen, *soft))
+    shares.push_back({(*all)[at(place)], weight});
+  return shares;
+}
+
+}  // namespace
+
+Result<void> editPoints(const std::vector<scene::PointItem>& items, PointSpace space,
+                        const PointChange& change, const SoftSelection* soft) {
+  for (const scene::PointItem& item : items) {
+    const math::Matrix4 world = item.path.inclusiveMatrix();
+    const math::Matrix4 matrix = space == PointSpace::World ? world : math::Matrix4{};
+    const auto inverse = math::inverse(matrix);
+    if (!inverse)
+      return fail("'{}' has a scale of zero: its points can't be set in world space.",
+                  item.path.partialName());
+    dg::Node& node = *item.path.node();
+    if (change.matrix && !(soft && soft->isOn)) {
+      HOST_TRY(item.shape->transform(node, item.components, matrix * *change.matrix * *inverse));
+      continue;
+    }
+    const auto shares = sharesOf(item, world, soft);
+    if (!shares) return failWith(shares.error());
+    for (const auto& [point, share] : *shares) {
+      const math::Vec3 before = math::transformPoint(point.place, matrix);
+      const math::Vec3 after = before + (change.edit(before) - before) * share;
+      if (after == before) continue;
+      const math::Vec3 by = math::transformPoint(after, *inverse) - point.place;
+      const scene::Component one(scene::ComponentType::Vertex, {point.index});
+      HOST_TRY(item.shape->transform(node, {&one, 1}, math::Matrix4::translation(by)));
+    }
+  }
+  return {};
 }
 
 std::optional<math::Vec3> middleOfPivots(const scene::SelectionList& list) {

@@ -1,12 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
 
 #include "host/edits/soft_selection.h"
 #include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
+#include "host/nodes/move_points.h"
+#include "host/scene/point_shape.h"
 
 namespace host::edits {
 
@@ -14,9 +17,10 @@ namespace host::edits {
 /// vertices.
 struct TransformTargets {
   std::vector<scene::DagPath> objects;
-  std::vector<nodes::MeshItem> meshes;  ///< components only
+  std::vector<nodes::MeshItem> meshes;   ///< components only
+  std::vector<scene::PointItem> points;  ///< components of shapes that are no meshes
 
-  [[nodiscard]] bool isEmpty() const { return objects.empty() && meshes.empty(); }
+  [[nodiscard]] bool isEmpty() const { return objects.empty() && meshes.empty() && points.empty(); }
   /// The centre of the box around all vertices of the components, in world space.
   [[nodiscard]] math::Vec3 vertexCenter() const;
 };
@@ -30,9 +34,22 @@ struct TransformTargets {
 /// In which space points are given: that of the object, or the world.
 enum class PointSpace : std::uint8_t { Object, World };
 
+/// How points change: what becomes of each and, where one matrix says it for all, that; both in the
+/// space of the points.
+struct PointChange {
+  std::function<math::Vec3(const math::Vec3&)> edit;
+  std::optional<math::Matrix4> matrix = {};
+};
+
+/// Changes the points of shapes that are no meshes, through what their type says of them: all at
+/// once where a matrix says it, else one by one. With a soft selection that is on, the points
+/// around go a part of the way, by the straight way.
+Result<void> editPoints(const std::vector<scene::PointItem>& items, PointSpace space,
+                        const PointChange& change, const SoftSelection* soft = nullptr);
+
 /// Replaces each vertex of the items by `edit(point)`, given and taken in `space`; points that come
-/// back unchanged keep their bits. Stored as object-space floats, or as tweaks when there is
-/// history. With a soft selection that is on, the vertices around go a part of the way.
+/// back unchanged keep their bits. The moves are offsets of the shape, with history and without.
+/// With a soft selection that is on, the vertices around go a part of the way.
 template <class Edit>
 Result<void> editVertices(const std::vector<nodes::MeshItem>& items, PointSpace space,
                           const Edit& edit, const SoftSelection* soft = nullptr) {
@@ -46,13 +63,12 @@ Result<void> editVertices(const std::vector<nodes::MeshItem>& items, PointSpace 
     // Read again: an earlier item may be another instance of the same shape.
     auto mesh = nodes::evaluatedMesh(*item.path.node());
     if (!mesh) return failWith(std::move(mesh.error()));
-    std::vector<math::Vec3f> points(mesh->points().begin(), mesh->points().end());
+    nodes::PointTargets targets;
     const auto change = [&](VertexId v, double weight) {
-      math::Vec3f& point = points[at(v)];
-      const math::Vec3 before = math::transformPoint(math::Vec3(point), matrix);
+      const math::Vec3 before = math::transformPoint(mesh->point(v), matrix);
       math::Vec3 after = edit(before);
       if (weight < 1) after = before + (after - before) * weight;
-      if (!(after == before)) point = math::transformPoint(after, *inverse).toFloat();
+      if (!(after == before)) targets.add(v, math::transformPoint(after, *inverse).toFloat());
     };
     const std::vector<VertexId> own = item.vertices();
     if (soft && soft->isOn) {
@@ -61,7 +77,7 @@ Result<void> editVertices(const std::vector<nodes::MeshItem>& items, PointSpace 
     } else {
       for (const VertexId v : own) change(v, 1);
     }
-    HOST_TRY(nodes::setEvaluatedPoints(*item.path.node(), std::move(points)));
+    HOST_TRY(nodes::tweakPoints(*item.path.node(), std::move(targets)));
   }
   return {};
 }

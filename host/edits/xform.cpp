@@ -139,16 +139,20 @@ Result<void> applyToComponents(const TransformTargets& targets, const XformOptio
   const PointSpace space = isWorld ? PointSpace::World : PointSpace::Object;
   if (options.translation) {
     const Vec3 given = *options.translation;
-    HOST_TRY(editVertices(targets.meshes, space,
-                          [&](const Vec3& p) { return isRelative ? p + given : given; }));
+    const auto edit = [&](const Vec3& p) { return isRelative ? p + given : given; };
+    PointChange by{edit};
+    if (isRelative) by.matrix = Matrix4::translation(given);
+    HOST_TRY(editPoints(targets.points, space, by));
+    HOST_TRY(editVertices(targets.meshes, space, edit));
   }
   Matrix4 change;
   if (options.scale) change = change * Matrix4::scaling(*options.scale);
   if (options.rotation) change = change * math::eulerToMatrix(*options.rotation);
   if (options.matrix) change = change * *options.matrix;
   if (math::isIdentity(change)) return {};
-  return editVertices(targets.meshes, space,
-                      [&](const Vec3& p) { return math::transformPoint(p, change); });
+  const auto edit = [&](const Vec3& p) { return math::transformPoint(p, change); };
+  HOST_TRY(editPoints(targets.points, space, {edit, change}));
+  return editVertices(targets.meshes, space, edit);
 }
 
 }  // namespace

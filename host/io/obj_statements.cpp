@@ -1,7 +1,6 @@
 #include "host/io/obj_statements.h"
 
 #include <algorithm>
-#include <thread>
 #include <utility>
 
 #include "host/base/parallel.h"
@@ -24,8 +23,7 @@ tl::unexpected<Error> failAt(std::string_view text, const char* at, const std::s
 
 // Cuts between lines, and not where a line is continued.
 std::vector<std::string_view> cutIntoChunks(std::string_view text) {
-  const std::size_t cores = std::max(1u, std::thread::hardware_concurrency());
-  const std::size_t count = std::clamp<std::size_t>(text.size() / kSmallestChunk, 1, cores);
+  const auto count = std::clamp<std::size_t>(text.size() / kSmallestChunk, 1, coreCount());
   std::vector<std::string_view> chunks;
   std::size_t begin = 0;
   for (std::size_t i = 1; i < count; ++i) {

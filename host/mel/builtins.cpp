@@ -16,8 +16,8 @@ const Table& table() {
     Table joined;
     for (const std::span<const Builtin> group :
          {stringFunctions(), patternFunctions(), arrayFunctions(), typedArrayFunctions(),
-          mathFunctions(), vectorFunctions(), randomFunctions(), fileFunctions(), pathFunctions(),
-          systemFunctions()})
+          mathFunctions(), vectorFunctions(), randomFunctions(), fileFunctions(), folderFunctions(),
+          pathFunctions(), processFunctions(), systemFunctions()})
       for (const Builtin& builtin : group) joined.emplace(builtin.name, &builtin);
     return joined;
   }();

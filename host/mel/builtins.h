@@ -32,7 +32,9 @@ struct Builtin {
 [[nodiscard]] int findFloatFunction(std::string_view name);
 [[nodiscard]] double callFloatFunction(int index, double argument);
 
-// One table a group, joined by findBuiltin.
+// One table a group, joined by findBuiltin. What reaches beyond the program's memory (files,
+// folders, other processes, the environment) has sources and tables of its own, so that a program
+// that links others in their place has a language that reaches nothing.
 [[nodiscard]] std::span<const Builtin> stringFunctions();
 [[nodiscard]] std::span<const Builtin> patternFunctions();
 [[nodiscard]] std::span<const Builtin> arrayFunctions();
@@ -41,7 +43,9 @@ struct Builtin {
 [[nodiscard]] std::span<const Builtin> vectorFunctions();
 [[nodiscard]] std::span<const Builtin> randomFunctions();
 [[nodiscard]] std::span<const Builtin> fileFunctions();
+[[nodiscard]] std::span<const Builtin> folderFunctions();
 [[nodiscard]] std::span<const Builtin> pathFunctions();
+[[nodiscard]] std::span<const Builtin> processFunctions();
 [[nodiscard]] std::span<const Builtin> systemFunctions();
 
 }  // namespace host::mel

@@ -42,7 +42,8 @@ bool isRegularFile(const std::filesystem::path& path) {
 
 }  // namespace
 
-Engine::Engine(CommandHost& host) : host_(host), machine_(*this) {}
+Engine::Engine(CommandHost& host, std::size_t stackValues)
+    : host_(host), machine_(*this, stackValues) {}
 
 Result<std::shared_ptr<const Function>> Engine::compile(std::string_view source,
                                                         const std::string& file) {
@@ -260,9 +261,15 @@ std::vector<std::string> Engine::complete(std::string_view prefix) const {
 }
 
 std::string Engine::suggestion(std::string_view name) const {
-  const std::vector<std::string> known = complete("");
-  const std::string nearest = nearestName(name, known);
-  return nearest.empty() ? std::string() : fmt::format(" Did you mean \"{}\"?", nearest);
+  NearestName nearest(name);
+  for (const auto& [each, symbol] : symbols_)
+    if (symbol->procedure) nearest.offer(each);
+  for (const std::string_view each : builtinNames()) nearest.offer(each);
+  std::vector<std::string> commands;
+  host_.completeCommand("", commands);
+  for (const std::string& each : commands) nearest.offer(each);
+  if (nearest.found().empty()) return {};
+  return fmt::format(" Did you mean \"{}\"?", nearest.found());
 }
 
 bool Engine::exists(std::string_view name) {

@@ -35,7 +35,8 @@ using TextMap = std::unordered_map<std::string, T, TextHash, std::equal_to<>>;
 /// keep.
 class Engine {
  public:
-  explicit Engine(CommandHost& host);
+  static constexpr std::size_t kStackValues = std::size_t{1} << 20;
+  explicit Engine(CommandHost& host, std::size_t stackValues = kStackValues);
 
   Result<Value> execute(std::string_view source, const std::string& file);
   Result<Value> sourceFile(const std::string& path);

@@ -23,9 +23,10 @@ void ringBell() noexcept {
   if (Machine* machine = atWork.load()) machine->ring();
 }
 
-Machine::Machine(Engine& engine)
+Machine::Machine(Engine& engine, std::size_t stackValues)
     : engine_(engine),
-      stack_(static_cast<Value*>(::operator new(kStackValues * sizeof(Value)))),
+      stackValues_(stackValues),
+      stack_(static_cast<Value*>(::operator new(stackValues * sizeof(Value)))),
       stackTop_(stack_) {}
 
 Machine::~Machine() {
@@ -34,7 +35,7 @@ Machine::~Machine() {
 
 bool Machine::pushFrame(const Function& function, std::uint16_t resultRegister) {
   const std::size_t count = function.registers.size();
-  const auto free = kStackValues - static_cast<std::size_t>(stackTop_ - stack_);
+  const auto free = stackValues_ - static_cast<std::size_t>(stackTop_ - stack_);
   if (frames_.size() >= kMaxFrames || count > free)
     return fail("Stack overflow: procedure calls are nested too deeply.");
   // A frame's initial registers hold numbers and None only, so their bytes are the values.
@@ -193,6 +194,10 @@ bool Machine::handleError(std::size_t baseFrame) {
 bool Machine::answerBell() {
   const std::uint8_t asked = asked_.fetch_and(static_cast<std::uint8_t>(~kBell));
   if ((asked & kBell) != 0 && isCancelled()) interrupt();
+  if (mostTurns_ > 0) {
+    ring();
+    if (++turns_ > mostTurns_) interrupt();
+  }
   return (asked_.load(std::memory_order_relaxed) & kStop) != 0;
 }
 
@@ -201,7 +206,8 @@ Result<void> Machine::run(const Function& function, std::span<const Value> argum
   if (nesting_ >= kMaxNesting)
     return host::fail("Stack overflow: scripts evaluate each other too deeply.");
   if (nesting_ == 0) {
-    asked_.store(0, std::memory_order_relaxed);
+    asked_.store(mostTurns_ > 0 ? kBell : 0, std::memory_order_relaxed);
+    turns_ = 0;
     atWork = this;
     isFatal_ = false;
     placedError_.clear();

@@ -19,7 +19,8 @@ class Engine;
 /// natively, which is bounded too.
 class Machine {
  public:
-  explicit Machine(Engine& engine);
+  /// @param stackValues how many values the frames of all running procedures may hold together
+  explicit Machine(Engine& engine, std::size_t stackValues);
   ~Machine();
   Machine(const Machine&) = delete;
   Machine& operator=(const Machine&) = delete;
@@ -31,6 +32,9 @@ class Machine {
   [[nodiscard]] bool isInterrupted() const noexcept {
     return isRunning() && (asked_.load(std::memory_order_relaxed) & kStop) != 0;
   }
+  /// Ends each later run after so many loop turns and calls, as interrupt() does; 0: none. Unlike
+  /// one that the clock ends, such a run does the same each time.
+  void limitTurns(std::uint32_t turns) noexcept { mostTurns_ = turns; }
   /// Code that runs asks isCancelled() between two instructions.
   void ring() noexcept { asked_.fetch_or(kBell, std::memory_order_relaxed); }
   [[nodiscard]] bool isRunning() const noexcept { return nesting_ > 0; }
@@ -91,11 +95,11 @@ class Machine {
   bool declareMatrix(Value& target, std::int32_t rows, std::int32_t columns);
   bool nextElement(Value& target, const Value& list, std::int32_t& position, bool& isDone);
 
-  static constexpr std::size_t kStackValues = std::size_t{1} << 20;
   static constexpr std::size_t kMaxFrames = 20000;
   static constexpr int kMaxNesting = 150;
 
   Engine& engine_;
+  std::size_t stackValues_;
   Value* stack_;
   Value* stackTop_;
   std::vector<Frame> frames_;
@@ -108,6 +112,7 @@ class Machine {
   /// What others ask of the running code, seen at every call and where a loop closes.
   static constexpr std::uint8_t kStop = 1, kBell = 2;
   std::atomic<std::uint8_t> asked_ = 0;
+  std::uint32_t mostTurns_ = 0, turns_ = 0;  ///< the bell rings all the time where turns count
   /// Whether the code is to end here.
   [[nodiscard]] bool mustEnd() {
     return asked_.load(std::memory_order_relaxed) != 0 && answerBell();

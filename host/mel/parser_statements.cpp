@@ -336,13 +336,12 @@ Node* Parser::forStatement() {
   const Token first = token_;
   const bool isTyped = typeKeyword() && lexer_.peek() == '$';
   if (isTyped) advance();
-  if (token_.kind == TokenKind::Variable) {
-    advance();
-    const bool isForIn = token_.kind == TokenKind::Identifier && token_.text == "in";
-    lexer_.rewind(first.begin);
-    advance();
-    if (isForIn) return forInStatement(keyword);
-  }
+  const bool isNamed = token_.kind == TokenKind::Variable;
+  if (isNamed) advance();
+  const bool isForIn = isNamed && token_.kind == TokenKind::Identifier && token_.text == "in";
+  lexer_.rewind(first.begin);
+  advance();
+  if (isForIn) return forInStatement(keyword);
   Node* init = isTyped ? declaration(false) : forHeaderPart(";");
   if (!init) return nullptr;
   Node* condition = nullptr;

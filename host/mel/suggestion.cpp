@@ -1,55 +1,53 @@
 #include "host/mel/suggestion.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
-#include <vector>
 
 namespace host::mel {
 namespace {
+
+constexpr std::size_t kShortest = 4, kLong = 8;
 
 char lower(char c) {
   return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
 }
 
-/// Slips between two words, case aside.
-std::size_t slipsBetween(std::string_view a, std::string_view b) {
-  std::array<std::vector<std::size_t>, 3> rows;
-  for (auto& row : rows) row.assign(b.size() + 1, 0);
-  for (std::size_t j = 0; j <= b.size(); ++j) rows[1][j] = j;
-  for (std::size_t i = 1; i <= a.size(); ++i) {
-    auto& [before, last, row] = rows;
-    row[0] = i;
-    for (std::size_t j = 1; j <= b.size(); ++j) {
-      const bool isSame = lower(a[i - 1]) == lower(b[j - 1]);
-      row[j] = std::min({last[j] + 1, row[j - 1] + 1, last[j - 1] + (isSame ? 0 : 1)});
-      if (i > 1 && j > 1 && lower(a[i - 1]) == lower(b[j - 2]) &&
-          lower(a[i - 2]) == lower(b[j - 1]))
-        row[j] = std::min(row[j], before[j - 2] + 1);
-    }
-    std::swap(before, last);
-    std::swap(last, row);
-  }
-  return rows[1][b.size()];
-}
-
 }  // namespace
 
-std::string nearestName(std::string_view typed, std::span<const std::string> names) {
-  constexpr std::size_t kShortest = 4, kLong = 8;
-  if (typed.size() < kShortest) return {};
-  std::size_t least = (typed.size() >= kLong ? 2 : 1) + 1;
-  std::string nearest;
-  for (const std::string& name : names) {
-    const std::size_t longer = std::max(name.size(), typed.size());
-    if (longer - std::min(name.size(), typed.size()) >= least) continue;
-    const std::size_t slips = slipsBetween(typed, name);
-    if (slips >= least) continue;
-    least = slips;
-    nearest = name;
-    if (least == 0) break;
+NearestName::NearestName(std::string_view typed)
+    : typed_(typed), least_((typed.size() >= kLong ? 2 : 1) + 1) {}
+
+void NearestName::offer(std::string_view name) {
+  if (typed_.size() < kShortest) return;
+  const std::size_t longer = std::max(name.size(), typed_.size());
+  if (longer - std::min(name.size(), typed_.size()) > least_) return;
+  const std::size_t slips = slipsTo(name);
+  if (slips > least_ || (slips == least_ && (found_.empty() || found_ <= name))) return;
+  least_ = slips;
+  found_ = name;
+}
+
+/// Slips between the typed word and a name, case aside; at least so many when they are too many.
+std::size_t NearestName::slipsTo(std::string_view name) {
+  for (auto* row : {&before_, &last_, &row_}) row->assign(name.size() + 1, 0);
+  for (std::size_t j = 0; j <= name.size(); ++j) last_[j] = j;
+  for (std::size_t i = 1; i <= typed_.size(); ++i) {
+    row_[0] = i;
+    std::size_t fewest = i;
+    for (std::size_t j = 1; j <= name.size(); ++j) {
+      const bool isSame = lower(typed_[i - 1]) == lower(name[j - 1]);
+      row_[j] = std::min({last_[j] + 1, row_[j - 1] + 1, last_[j - 1] + (isSame ? 0 : 1)});
+      if (i > 1 && j > 1 && lower(typed_[i - 1]) == lower(name[j - 2]) &&
+          lower(typed_[i - 2]) == lower(name[j - 1]))
+        row_[j] = std::min(row_[j], before_[j - 2] + 1);
+      fewest = std::min(fewest, row_[j]);
+    }
+    // Two that change places lead from the row before the last, one slip above this one's least.
+    if (fewest > least_ + 1) return fewest;
+    std::swap(before_, last_);
+    std::swap(last_, row_);
   }
-  return nearest;
+  return last_[name.size()];
 }
 
 }  // namespace host::mel

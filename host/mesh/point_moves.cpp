@@ -10,6 +10,7 @@ namespace host::mesh {
 namespace {
 
 constexpr std::size_t kMovesKept = 8;
+constexpr std::size_t kOffsetMeshesKept = 2;
 
 using Vertices = std::shared_ptr<const std::vector<VertexId>>;
 
@@ -124,6 +125,24 @@ std::optional<std::vector<VertexId>> movedSince(const Mesh& mesh, const Mesh& be
     moved.insert(moved.end(), move.vertices->begin(), move.vertices->end());
     if (move.from == then->state) return moved;
   }
+  return std::nullopt;
+}
+
+void keepOffsetMesh(const Mesh& base, std::uint64_t offsets, const Mesh& mesh) {
+  AcceleratorSlot& slot = base.acceleratorSlot();
+  const std::lock_guard lock(slot.mutex);
+  std::vector<OffsetMesh>& kept = besidePoints(slot).offsetMeshes;
+  std::erase_if(kept, [offsets](const OffsetMesh& each) { return each.offsets == offsets; });
+  if (kept.size() == kOffsetMeshesKept) kept.erase(kept.begin());
+  kept.push_back({offsets, mesh});
+}
+
+std::optional<Mesh> findOffsetMesh(const Mesh& base, std::uint64_t offsets) {
+  AcceleratorSlot& slot = base.acceleratorSlot();
+  const std::lock_guard lock(slot.mutex);
+  if (!slot.value) return std::nullopt;
+  for (const OffsetMesh& each : besidePoints(slot).offsetMeshes)
+    if (each.offsets == offsets && differsInPointsOnly(each.mesh, base)) return each.mesh;
   return std::nullopt;
 }
 

@@ -1,7 +1,9 @@
 #include <algorithm>
+#include <array>
 
 #include "host/modelling/declare/history_command.h"
 #include "host/ops/topology/append_polygon.h"
+#include "host/ops/uv/edit_uvs.h"
 
 namespace host::modelling {
 
@@ -35,6 +37,10 @@ Result<void> append(HistoryContext& context) {
   if (!corners) return failWith(corners.error());
   const auto made = ops::appendPolygon(context.mesh, *corners);
   if (!made) return failWith(made.error());
+  const std::int64_t texture = context.integer("texture");
+  const int set = context.mesh.currentUvSet();
+  if (texture == 1) ops::normalizeFaceUvs(context.mesh, set, made->face);
+  if (texture == 2) ops::unitizeUvs(context.mesh, set, std::array{made->face});
   context.makes(std::vector{made->face});
   return {};
 }
@@ -139,7 +145,6 @@ void polyAppendVertex(Declarations& add) {
           "the new points, object space")
       .parameter(array(integer("desc", "d")), "the corners: vertex numbers, -1 the next new point")
       .parameter(choice("texture", "tx", {"None", "Normalize", "Unitize"}), "UVs of the polygon")
-      .withoutEffect()
       .extraFlag({.shortName = "a",
                   .longName = "append",
                   .args = {ArgType::Any, ArgType::Any, ArgType::Any},

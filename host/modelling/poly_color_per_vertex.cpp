@@ -28,6 +28,9 @@ Result<void> color(HistoryContext& context) {
   mesh.setCurrentColorSet(index);
   mesh::ColorSet& set = mesh.editColorSet(index);
   set.clamped = context.boolean("clamped");
+  const int representation = context.integer("representation");
+  if (representation == 1 || representation == 3 || representation == 4)
+    set.representation = representation;
   if (set.cornerIds.empty()) set.cornerIds.assign(at(mesh.cornerCount()), kNone);
   const auto give = [&](std::span<const CornerId> corners, const Color4f& value) {
     for (const CornerId corner : corners)
@@ -79,7 +82,7 @@ void polyColorPerVertex(Declarations& add) {
       .noFlag()
       .parameter(text("colorSetName", "cn"), "the set; empty: the current one")
       .noFlag()
-      .parameter(boolean("clamped", "clam"), "colours are shown between 0 and 1")
+      .parameter(boolean("clamped", "clam", true), "colours are shown between 0 and 1")
       .noFlag()
       .parameter(choice("representation", "rprt", {"Unused", "A", "Unused", "RGB", "RGBA"}, 3),
                  "what of colours is in use")

@@ -1,4 +1,5 @@
 #include "host/modelling/declare/declaration.h"
+#include "host/modelling/declare/edge_flow.h"
 #include "host/ops/topology/connect_components.h"
 
 namespace host::modelling {
@@ -8,6 +9,7 @@ namespace {
 Result<void> connect(HistoryContext& context) {
   auto made = ops::connectComponents(context.mesh, context.vertices(), context.edges());
   if (!made) return failWith(made.error());
+  HOST_TRY(followEdgeFlow(context, made->edges));
   context.makes(std::move(made->edges));
   return {};
 }
@@ -20,11 +22,10 @@ void polyConnectComponents(Declarations& add) {
       .takes(ComponentType::Edge, {ComponentType::Vertex})
       .leaves(Leaves::Made)
       .parameter(boolean("insertWithEdgeFlow", "ief"), "new vertices follow the curvature around")
-      .withoutEffect()
       .parameter(keyable(real("adjustEdgeFlow", "aef", 1)), "how far, with -insertWithEdgeFlow")
-      .recordedOnly()
       .trial("", "e")
       .trial("", "e vtx")
+      .trial("-ief 1", "e")
       .operation(connect);
 }
 

@@ -1,7 +1,10 @@
+#include <array>
+
 #include "host/modelling/declare/history_command.h"
 #include "host/modelling/declare/mesh_objects.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/ops/topology/append_polygon.h"
+#include "host/ops/uv/edit_uvs.h"
 
 namespace host::modelling {
 
@@ -17,6 +20,10 @@ Result<void> make(HistoryContext& context) {
   auto made = ops::createPolygon(points);
   if (!made) return failWith(made.error());
   context.mesh = *std::move(made);
+  // 0 none, 1 the polygon's own shape, 2 the corners of the unit square.
+  const std::int64_t texture = context.integer("texture");
+  if (texture == 0) context.mesh.setUvSet(0, {context.mesh.uvSet(0).name, {}, {}});
+  if (texture == 2) ops::unitizeUvs(context.mesh, 0, std::array{FaceId{0}});
   return {};
 }
 
@@ -68,7 +75,6 @@ void polyCreateFacet(Declarations& add) {
       .parameter(integer("subdivision", "s", 1), "pieces of each edge; polySubdivideEdge cuts them")
       .withoutEffect()
       .parameter(choice("texture", "tx", {"None", "Normalize", "Unitize"}), "UVs of the polygon")
-      .withoutEffect()
       .parameter(text("uvSetName", "uvs"), "name of the UV set")
       .noFlag()
       .recordedOnly()

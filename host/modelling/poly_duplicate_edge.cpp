@@ -1,6 +1,7 @@
 #include <numbers>
 
 #include "host/modelling/declare/declaration.h"
+#include "host/modelling/declare/edge_flow.h"
 #include "host/ops/topology/extrude_vertices.h"
 
 namespace host::modelling {
@@ -15,6 +16,7 @@ Result<void> duplicate(HistoryContext& context) {
   options.isAbsolute = *type == 0;
   auto made = ops::duplicateEdges(context.mesh, context.edges(), options);
   if (!made) return failWith(made.error());
+  HOST_TRY(followEdgeFlow(context, *made));
   context.makes(*std::move(made));
   return {};
 }
@@ -38,11 +40,10 @@ void polyDuplicateEdge(Declarations& add) {
       .parameter(angle("smoothingAngle", "sma", std::numbers::pi), "new edges stay smooth")
       .recordedOnly()
       .parameter(boolean("insertWithEdgeFlow", "ief"), "the edges follow the curvature around")
-      .withoutEffect()
       .parameter(real("adjustEdgeFlow", "aef", 1), "how far, with -insertWithEdgeFlow")
-      .recordedOnly()
       .trial("-of 0.3", "e")
       .trial("-of 0.05 -stp 0", "e")
+      .trial("-ief 1", "e")
       .operation(duplicate);
 }
 

@@ -78,6 +78,14 @@ void addRecorded(Declaration& declaration) {
   add(boolean("preserveTopology", "top", true), "no hole or handle comes or goes");
   add(boolean("triangulate", "t", true), "faces are always triangles");
   add(boolean("cachingReduce", "cr"), "the answer is found anew");
+  add(real("symmetryTolerance", "stl", 0.01), "of a mirrored mesh, which is not looked for");
+  add(real("symmetryPlaneX", "sx", 0), "likewise");
+  add(real("symmetryPlaneY", "sy", 1), "likewise");
+  add(real("symmetryPlaneZ", "sz", 0), "likewise");
+  add(real("symmetryPlaneW", "sw", 0), "likewise");
+  add(text("vertexMapName", "vmp"), "weights of a painted map, which are not read");
+  add(boolean("invertVertexWeights", "ivw"), "likewise");
+  add(real("vertexWeightCoefficient", "vwc", 1), "likewise");
   add(real("border", "b", 0.5), "older word for -keepBorderWeight");
   add(real("line", "l", 0.5), "of older versions");
   add(real("detail", "d", 0.5), "of older versions");
@@ -111,6 +119,13 @@ void polyReduce(Declarations& add) {
           .parameter(keyable(limited(real("keepBorderWeight", "kbw", 0.5), 0, 1)),
                      "of kept lines against the surface");
   addRecorded(declaration);
+  declaration
+      .parameter(integer("useVirtualSymmetry", "uvs", 0), "1, 2: keeps a mirrored mesh mirrored")
+      .withoutEffect()
+      .parameter(boolean("replaceOriginal", "rpo", true), "off: makes another object of it")
+      .withoutEffect()
+      .parameter(boolean("preserveLocation", "pl", true), "of that other object")
+      .recordedOnly();
   declaration.trial("-p 50", "object")
       .trial("-p 80 -kb 0 -kmb 0 -khe 0", "object")
       .trial("-trm 2 -tct 6", "object")

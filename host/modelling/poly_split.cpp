@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "host/mesh/adjacency.h"
+#include "host/modelling/declare/edge_flow.h"
 #include "host/modelling/declare/history_command.h"
 #include "host/ops/topology/soft_edges.h"
 #include "host/ops/topology/split_path.h"
@@ -67,6 +68,7 @@ Result<void> split(HistoryContext& context) {
         e != kNone)
       edges.push_back(e);
   HOST_TRY(ops::softenEdges(context.mesh, edges, context.real("smoothingAngle")));
+  HOST_TRY(followEdgeFlow(context, edges));
   std::sort(edges.begin(), edges.end());
   context.makes(std::move(edges));
   return {};
@@ -159,9 +161,7 @@ void polySplit(Declarations& add) {
       .parameter(boolean("detachEdges", "de"), "part the mesh along the cut")
       .withoutEffect()
       .parameter(boolean("insertWithEdgeFlow", "ief"), "new vertices follow the curvature around")
-      .withoutEffect()
       .parameter(single("adjustEdgeFlow", "aef", 1), "how far, with -insertWithEdgeFlow")
-      .recordedOnly()
       .extraFlag({.shortName = "ep",
                   .longName = "edgepoint",
                   .args = {ArgType::Int, ArgType::Double},
@@ -185,6 +185,7 @@ void polySplit(Declarations& add) {
       .creates(create)
       .trial("-ep 0 0.5 -ep 1 0.5", "object")
       .trial("-ep 1 0.3 -ep 2 0.6 -sma 180", "object")
+      .trial("-ep 0 0.5 -ep 1 0.5 -ief 1", "object")
       .operation(split);
 }
 

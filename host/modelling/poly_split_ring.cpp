@@ -2,6 +2,7 @@
 #include <numbers>
 
 #include "host/modelling/declare/declaration.h"
+#include "host/modelling/declare/edge_flow.h"
 #include "host/ops/topology/split_ring.h"
 
 namespace host::modelling {
@@ -28,6 +29,7 @@ Result<void> split(HistoryContext& context) {
   options.rootEdge = std::binary_search(edges.begin(), edges.end(), root) ? root : kNone;
   auto made = ops::splitRing(context.mesh, edges, options);
   if (!made) return failWith(made.error());
+  HOST_TRY(followEdgeFlow(context, made->edges));
   context.makes(std::move(made->edges));
   return {};
 }
@@ -85,9 +87,8 @@ void polySplitRing(Declarations& add) {
           .commandSets(std::numbers::pi / 6)
           .parameter(boolean("fixQuads", "fq"), "triangles and quads at the ends are cut to quads")
           .parameter(boolean("insertWithEdgeFlow", "ief"), "the loops follow the curvature around")
-          .withoutEffect()
-          .parameter(keyable(real("adjustEdgeFlow", "aef", 1)), "how far, with -insertWithEdgeFlow")
-          .recordedOnly();
+          .parameter(keyable(real("adjustEdgeFlow", "aef", 1)),
+                     "how far, with -insertWithEdgeFlow");
   addProfile(declaration);
   declaration.parameter(boolean("worldSpace", "ws"), "-weight as a length is the object's own")
       .recordedOnly()
@@ -95,6 +96,7 @@ void polySplitRing(Declarations& add) {
       .trial("-wt 0.3", "e")
       .trial("-stp 2 -div 3", "e")
       .trial("-stp 0 -wt 0.2 -dr 0 -fq 1 -sma 0", "e")
+      .trial("-ief 1", "e")
       .operation(split);
 }
 

@@ -154,7 +154,7 @@ Result<void> deleteHistory(Document& document, Node& shape) {
   auto baked = evaluatedMesh(shape);
   if (!baked) return failWith(baked.error());
   const Plug source = graph.source(inMesh);
-  if (!source) return {};
+  if (!source) return hasTweaks(shape) ? setStoredMesh(shape, *std::move(baked)) : Result<void>();
   HOST_TRY(bakeGroups(shape));
   HOST_TRY(graph.disconnect(source, inMesh));
   HOST_TRY(setStoredMesh(shape, *std::move(baked)));

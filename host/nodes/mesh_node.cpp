@@ -7,6 +7,7 @@
 #include "host/nodes/corner_override.h"
 #include "host/nodes/dag_node.h"
 #include "host/nodes/mesh_access.h"
+#include "host/nodes/vertex_offsets.h"
 #include "host/scene/dag_paths.h"
 #include "host/scene/mesh_data.h"
 
@@ -21,26 +22,6 @@ struct MeshAttributes {
   const Attribute *inMesh, *outMesh, *worldMesh, *tweaks, *override, *worldMatrix;
 };
 
-/// Points plus the offsets that are not zero; `mesh` is left sharing its points when there are
-/// none.
-void applyTweaks(dg::Graph& graph, const Plug& tweaks, Mesh& mesh) {
-  std::vector<Index> indices;
-  std::vector<double> offsets;
-  if (!graph.getPacked(tweaks, indices, offsets)) return;
-  std::span<math::Vec3f> points;
-  for (std::size_t i = 0; i < indices.size(); ++i) {
-    const double* offset = &offsets[i * 3];
-    // An offset of zero must not even turn a -0 into a 0.
-    if (indices[i] >= mesh.vertexCount() || (offset[0] == 0 && offset[1] == 0 && offset[2] == 0))
-      continue;
-    if (points.empty()) points = mesh.editPoints();
-    math::Vec3f& point = points[at(indices[i])];
-    if (offset[0] != 0) point.x = static_cast<float>(point.x + offset[0]);
-    if (offset[1] != 0) point.y = static_cast<float>(point.y + offset[1]);
-    if (offset[2] != 0) point.z = static_cast<float>(point.z + offset[2]);
-  }
-}
-
 Result<Computed> computeOutMesh(const MeshAttributes& a, Node& node, DataBlock& block) {
   auto arriving = block.input(Plug(&node, a.inMesh));
   if (!arriving) return failWith(arriving.error());
@@ -49,12 +30,11 @@ Result<Computed> computeOutMesh(const MeshAttributes& a, Node& node, DataBlock& 
     block.output(a.outMesh, {});
     return Computed::Done;
   }
-  Mesh mesh = data->mesh;
   const auto override = block.input(Plug(&node, a.override));
   if (!override) return failWith(override.error());
   const bool isEdited = dg::dataAs<CornerOverride>(*override) != nullptr;
-  if (isEdited) mesh = withOverride(data->mesh, *override);
-  applyTweaks(block.graph(), Plug(&node, a.tweaks), mesh);
+  Mesh mesh = withOffsets(isEdited ? withOverride(data->mesh, *override) : data->mesh,
+                          Plug(&node, a.tweaks));
   const bool isAsItCame = !isEdited && mesh.sharesPointsWith(data->mesh);
   block.output(a.outMesh, isAsItCame ? *arriving
                                      : dg::Value(dg::DataPtr(std::make_shared<MeshData>(
@@ -167,7 +147,10 @@ void registerMesh(dg::TypeRegistry& types) {
   builder.add(
       numbers("uvPivot", "pv", "double2", {real("uvPivotX", "pvx"), real("uvPivotY", "pvy")}));
   builder.add(array(dg::makeTyped("pinData", "pd", "dataPolyComponent")));
-  builder.add(dg::makeTyped("tweakLocation", "twl", "Int32Array"));
+  // Comes from the element of a tweak node that stands for the shape; the element itself is told.
+  AttributePtr tweakLocation = dg::makeAttribute("tweakLocation", "twl", AttributeType::Generic);
+  tweakLocation->acceptedTypes = {"float3", "double3"};
+  builder.add(notStored(std::move(tweakLocation)));
   builder.add(array(compound("componentTags", "gtag",
                              {text("componentTagName", "gtagnm"),
                               dg::makeTyped("componentTagContents", "gtagcmp", "componentList")})));

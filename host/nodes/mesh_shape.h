@@ -11,7 +11,9 @@
 namespace host::nodes {
 
 /// How a mesh shape node is read and written by commands and the API. The shape's `inMesh` holds
-/// the stored mesh when nothing drives it; `outMesh` is that mesh plus the tweaks in `pnts`.
+/// the stored mesh when nothing drives it; `outMesh` is that mesh plus the tweaks in `pnts`. What a
+/// person moves are tweaks, with history or without (move_points.h); they are worked into the
+/// stored mesh when history is deleted or a command replaces the mesh.
 
 /// The evaluated mesh (tweaks included), shared, not copied. Fails when the history fails.
 [[nodiscard]] Result<mesh::Mesh> evaluatedMesh(dg::Node& shape);
@@ -41,8 +43,8 @@ Result<void> setEvaluatedMesh(dg::Node& shape, mesh::Mesh mesh);
 /// seen.
 Result<void> insertHistoryNode(scene::Document& document, dg::Node& shape, const dg::Plug& input,
                                const dg::Plug& output);
-/// Bakes the evaluated mesh into the shape and deletes the history nodes that only fed it, with
-/// the intermediate shapes among them; transforms stay.
+/// Bakes the evaluated mesh, tweaks included, into the shape and deletes the history nodes that
+/// only fed it, with the intermediate shapes among them; transforms stay.
 Result<void> deleteHistory(scene::Document& document, dg::Node& shape);
 
 /// The mesh shape nodes a name argument stands for: shapes as they are, transforms by their shapes;

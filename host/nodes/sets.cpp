@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "host/nodes/set_group.h"
+#include "host/scene/dag_paths.h"
 
 namespace host::nodes {
 
@@ -221,15 +222,13 @@ SelectionList setMembers(Node& set) {
     Node& node = *each.source.node();
     if (slot == "dnSetMembers") members.add(node.shared_from_this());
     if (slot != "dagSetMembers") continue;
-    const std::vector<DagPath> paths = scene::allPaths(node);
-    const auto instance = at(each.source.index(0));
-    if (instance >= paths.size()) continue;
+    const DagPath path = scene::pathAt(node, static_cast<std::uint64_t>(each.source.index(0)));
+    if (path.isWorld()) continue;
     if (each.source.attribute()->longName != "objectGroups") {
-      members.add(paths[instance]);
+      members.add(path);
       continue;
     }
-    for (const Component& component : groupAt(each.source).components)
-      members.add(paths[instance], component);
+    for (const Component& component : groupAt(each.source).components) members.add(path, component);
   }
   return members;
 }

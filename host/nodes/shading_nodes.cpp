@@ -1,5 +1,6 @@
 #include "host/nodes/shading_nodes.h"
 
+#include "host/nodes/shading/projection_nodes.h"
 #include "host/nodes/shading/texture_nodes.h"
 #include "host/nodes/shading/utility_nodes.h"
 #include "host/nodes/type_builder.h"
@@ -67,6 +68,7 @@ void registerLambert(dg::TypeRegistry& types) {
 void registerShadingNodes(dg::TypeRegistry& types) {
   registerLambert(types);
   registerTextureNodes(types);
+  registerProjection(types);
   registerUtilityNodes(types);
 
   TypeBuilder background(types, "useBackground", {}, typeCode("USBK"));

@@ -26,10 +26,6 @@ const DagLinks& dagLinks(const Node& node) {
 
 namespace {
 
-bool contains(const std::vector<Node*>& nodes, const Node* node) {
-  return std::find(nodes.begin(), nodes.end(), node) != nodes.end();
-}
-
 bool isIntermediate(Node& shape) {
   const dg::Plug plug = shape.plug("intermediateObject");
   if (!plug) return false;
@@ -76,6 +72,23 @@ void joinSame(Tops& tops, std::uint64_t most) {
   tops.resize(kept + 1);
 }
 
+/// The parents of a node that have a name: by the parents or, where those are fewer, by the nodes
+/// of that name.
+std::vector<Node*> parentsNamed(const Node& node, const std::string& name,
+                                const Document& document) {
+  std::vector<Node*> found;
+  const std::vector<Node*>& parents = dagLinks(node).parents;
+  const std::vector<Node*>& namesakes = document.nodesNamed(name);
+  if (namesakes.size() < parents.size()) {
+    for (Node* each : namesakes)
+      if (isDagNode(*each) && isUnder(node, each)) found.push_back(each);
+  } else {
+    for (Node* parent : parents)
+      if (parent && parent->name() == name) found.push_back(parent);
+  }
+  return found;
+}
+
 /// How many names from the leaf on it takes to tell a path from all others of the scene. Paths are
 /// followed up by their nodes, with how many ways lead down from there, never one by one.
 std::size_t namesToTell(const DagPath& path, const Document& document) {
@@ -98,8 +111,7 @@ std::size_t namesToTell(const DagPath& path, const Document& document) {
     const std::string& next = at.node()->name();
     above.clear();
     for (const auto& [top, ways] : tops)
-      for (Node* parent : dagLinks(*top).parents)
-        if (parent && parent->name() == next) above.emplace_back(parent, ways);
+      for (Node* parent : parentsNamed(*top, next, document)) above.emplace_back(parent, ways);
     joinSame(above, kMany);
     std::swap(tops, above);
   }
@@ -146,7 +158,7 @@ bool DagPath::isValid() const {
   for (const DagPlace* at = place_.get(); at; at = at->above.get()) {
     const DagLinks& links = dagLinks(*at->node);
     if (links.first.get() == at) return true;
-    if (!contains(links.parents, at->above ? at->above->node.get() : nullptr)) return false;
+    if (!isUnder(*at->node, at->above ? at->above->node.get() : nullptr)) return false;
   }
   return true;
 }
@@ -234,7 +246,10 @@ math::Matrix4 DagPath::inclusiveMatrix() const {
   return product(*this);
 }
 
+/// What the leaf's local matrix is multiplied by to give its place: nothing for a transform that
+/// does not inherit.
 math::Matrix4 DagPath::exclusiveMatrix() const {
+  if (!isWorld() && isTransform(*node()) && !inheritsTransform(*node())) return {};
   return product(parent());
 }
 

@@ -19,6 +19,10 @@ namespace host::scene {
 /// Lists of paths end here, with a warning.
 constexpr std::uint64_t kMostPaths = 100'000;
 
+/// Whether `parent` (null: the world) is one of a node's parents. Looks through the shorter of the
+/// two lists in which the link stands: one node may have 100,000 parents.
+[[nodiscard]] bool isUnder(const Node& child, const Node* parent);
+
 /// The parent that path number `number` comes from, and the number of that one's path; a null
 /// parent is the world. `isThere` is false when the node has no such path.
 struct PathAbove {
@@ -28,21 +32,47 @@ struct PathAbove {
 };
 [[nodiscard]] PathAbove pathAbove(const Node& node, std::uint64_t number);
 
-/// The place of a path in `allPaths` of its leaf. Linear in its length.
+/// The place of a path in `allPaths` of its leaf. Linear in its length; among many parents the
+/// first few times after a change of the hierarchy linear in them, then logarithmic.
 [[nodiscard]] std::uint64_t pathNumber(const DagPath& path);
+/// How much of that comes from the last step: the number of a path is that of its parent and this.
+[[nodiscard]] std::uint64_t pathsBefore(const DagPath& path);
+/// The path of a number; the world when the node has no such path.
+[[nodiscard]] DagPath pathAt(const Node& node, std::uint64_t number);
+
+/// Of the nodes of a path. Far up, ways that lead to one leaf seldom differ and are not followed.
+[[nodiscard]] std::size_t hashOf(const DagPath& path);
 
 /// Whether just one path leads to the node.
 [[nodiscard]] bool hasOnePath(const Node& node);
 
+/// How many places of instanced nodes may still be looked at. What goes through several parts of a
+/// scene for one answer gives all its walks the same budget.
+class PlaceBudget {
+ public:
+  explicit PlaceBudget(std::uint64_t most = kMostPaths) : most_(most) {}
+  /// Whether there is room for one more place of `node`.
+  [[nodiscard]] bool take(const Node& node);
+  /// The first node of which places were left out; null: everything was looked at.
+  [[nodiscard]] const Node* leftOut() const { return leftOut_; }
+  /// "'leaf' and others stand in more than 100000 places: the rest is left out"; empty when nothing
+  /// was.
+  [[nodiscard]] std::string warning() const;
+
+ private:
+  std::uint64_t most_, taken_ = 0;
+  const Node* leftOut_ = nullptr;
+};
+
 /// Goes through a path and all below it, a node before its children, without recursion and with one
 /// path that grows and shrinks.
 ///
-/// Where instances lie within instances it ends after kMostPaths places of instanced nodes, with a
-/// warning.
+/// Where instances lie within instances it ends when the budget is spent. With none given it has
+/// one of kMostPaths places, and warns.
 class PathWalk {
  public:
   enum class Children { InOrder, Reversed };
-  explicit PathWalk(DagPath top, Children order = Children::InOrder);
+  explicit PathWalk(DagPath top, Children order = Children::InOrder, PlaceBudget* budget = nullptr);
 
   [[nodiscard]] bool isDone() const { return open_.empty(); }
   [[nodiscard]] const DagPath& path() const { return path_; }
@@ -58,11 +88,12 @@ class PathWalk {
   DagPath path_;
   std::vector<std::size_t> open_;  ///< for each level how many children were visited
   Children order_;
-  std::uint64_t shared_ = 0;
+  PlaceBudget own_;
+  PlaceBudget* shared_;  ///< null: `own_` counts
 };
 
-/// Told by the document of every change of a node's parents, and of its end.
-void noteParents(const Node& node);
+/// Told by the document of every parent that a node got or lost, and of a node's end.
+void noteLink(const Node& child, const Node* parent, bool added);
 void forgetParents(const Node& node);
 
 }  // namespace host::scene

@@ -16,11 +16,15 @@ DagLinks& editLinks(Node& node) {
   return static_cast<DagLinks&>(*node.dagExtension);
 }
 
-/// From the back: what is taken out in bulk was mostly put in last.
+/// From both ends: what is taken out in bulk is mostly taken in the order in which it came, or in
+/// the opposite one.
 std::size_t positionOf(const std::vector<Node*>& nodes, const Node* node) {
-  const auto found = std::find(nodes.rbegin(), nodes.rend(), node);
-  HOST_ASSERT(found != nodes.rend(), "a link stands in both lists or in none");
-  return static_cast<std::size_t>(nodes.rend() - found) - 1;
+  for (std::size_t i = 0, last = nodes.size(); i < last; ++i) {
+    if (nodes[i] == node) return i;
+    if (nodes[--last] == node) return last;
+  }
+  HOST_ASSERT(false, "a link stands in both lists or in none");
+  return 0;
 }
 
 /// Whether `candidate` is `below` or above it. Each node is looked at once, however many instances
@@ -56,6 +60,8 @@ void dropLostPlaces(dg::Graph& graph, Node& top) {
     for (const dg::AttributePtr& each : node.type().attributes()) {
       if (!each->worldSpace || !each->isArray) continue;
       const dg::Plug array(&node, each.get());
+      const Index count = graph.elementCount(array);
+      if (count == 0 || (count == 1 && graph.elementExists(array.element(0)))) continue;
       std::vector<Index> indices = graph.elementIndices(array);
       while (!indices.empty() && static_cast<std::uint64_t>(indices.back()) >= places) {
         graph.dropOutputElement(array.element(indices.back()));
@@ -84,12 +90,11 @@ Result<void> Document::Impl::checkLink(const DagLink& link, bool adds) const {
   Node* parent = link.parent.get();
   for (const Node* each : {child, parent})
     if (each && !each->isAlive()) return fail("'{}' was deleted", each->name());
-  const std::vector<Node*>& parents = dagLinks(*child).parents;
-  const bool isThere = std::find(parents.begin(), parents.end(), parent) != parents.end();
-  const std::string where = parent ? parent->name() : std::string("the world");
-  if (!adds && !isThere) return fail("'{}' is not under '{}' any more", child->name(), where);
+  const bool isThere = isUnder(*child, parent);
+  const auto where = [&] { return parent ? parent->name() : std::string("the world"); };
+  if (!adds && !isThere) return fail("'{}' is not under '{}' any more", child->name(), where());
   if (adds && isThere)
-    return fail(ErrorKind::BadArgument, "'{}' is under '{}' already", child->name(), where);
+    return fail(ErrorKind::BadArgument, "'{}' is under '{}' already", child->name(), where());
   if (adds && isAtOrAbove(*child, parent))
     return fail("'{}' is at or below '{}'", parent->name(), child->name());
   return {};
@@ -110,7 +115,7 @@ void Document::Impl::applyLink(DagLink& link, bool adds) {
     siblings.erase(siblings.begin() + static_cast<std::ptrdiff_t>(link.childAt));
     parents.erase(parents.begin() + static_cast<std::ptrdiff_t>(link.parentAt));
   }
-  noteParents(*child);
+  noteLink(*child, link.parent.get(), adds);
   document.isModified_ = true;
 }
 
@@ -210,8 +215,7 @@ Result<void> checkNewParent(const Node& child, Node* parent) {
     return fail(ErrorKind::BadArgument,
                 "'{}' cannot be parented under itself or one of its children", child.name());
   }
-  const std::vector<Node*>& parents = dagLinks(child).parents;
-  if (std::find(parents.begin(), parents.end(), parent) != parents.end())
+  if (isUnder(child, parent))
     return fail("'{}' is already a child of '{}'", child.name(), parent ? parent->name() : "world");
   return {};
 }
@@ -238,10 +242,12 @@ Result<void> Document::reparent(const DagPath& path, Node* parent) {
 
 Result<void> Document::addInstance(Node& child, Node* parent) {
   HOST_TRY(checkNewParent(child, parent));
-  std::vector<Node*> parents = dagLinks(child).parents;
-  parents.push_back(parent);
-  const std::string free = impl_->freeName(child.name(), true, parents, &child);
-  if (free != child.name()) HOST_TRY(graph_.renameNode(child, free));
+  Node* const future[] = {parent};
+  if (impl_->isNameTaken(child.name(), true, future, &child)) {
+    std::vector<Node*> parents = dagLinks(child).parents;
+    parents.push_back(parent);
+    HOST_TRY(graph_.renameNode(child, impl_->freeName(child.name(), true, parents, &child)));
+  }
   return impl_->link(child, parent);
 }
 
@@ -260,7 +266,7 @@ Result<void> Document::removeInstance(const DagPath& path) {
 
 Result<void> Document::reorder(Node& child, Node* parent, int position) {
   const std::vector<Node*>& siblings = impl_->childrenOf(parent);
-  if (std::find(siblings.begin(), siblings.end(), &child) == siblings.end())
+  if (!isUnder(child, parent))
     return fail("'{}' is not a child of '{}'", child.name(), parent ? parent->name() : "world");
   const int last = static_cast<int>(siblings.size()) - 1;
   const auto target = at(std::clamp(position, 0, last));

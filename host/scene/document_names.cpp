@@ -1,9 +1,12 @@
 #include <algorithm>
 #include <optional>
+#include <set>
 
 #include "host/scene/component_word.h"
+#include "host/scene/dag_paths.h"
 #include "host/scene/document_impl.h"
 #include "host/scene/mesh_data.h"
+#include "host/scene/point_shape.h"
 
 namespace host::scene {
 
@@ -31,30 +34,80 @@ struct NamePattern {
     return std::any_of(parts.begin(), parts.end(),
                        [](std::string_view part) { return hasWildcard(part); });
   }
-  [[nodiscard]] bool matches(const DagPath& path) const {
-    if (isAbsolute ? path.length() != parts.size() : path.length() < parts.size()) return false;
-    auto part = parts.rbegin();
-    for (const Node* node : path.upwards()) {
-      if (part == parts.rend()) break;
-      if (!matchesWildcard(*part++, node->name())) return false;
-    }
-    return true;
-  }
-  /// The first path of a node that fits; the world path when none does.
-  [[nodiscard]] DagPath pathOf(const Node& node) const {
-    if (isPlainName()) return firstPath(node);
-    for (DagPath& path : allPaths(node))
-      if (matches(path)) return std::move(path);
-    return {};
+  /// The first path of a node that fits; the world path when none does. Follows names up, never the
+  /// node's paths one by one.
+  [[nodiscard]] DagPath pathOf(const Node& node, const NameIndex& names) const;
+
+ private:
+  [[nodiscard]] std::vector<Node*> parentsThatFit(const Node& node, std::string_view part,
+                                                  const NameIndex& names) const;
+  /// Whether a path may begin with the node, which fits the first part.
+  [[nodiscard]] bool mayBegin(const Node& node) const {
+    return isAbsolute ? isUnder(node, nullptr) : !firstPath(node).isWorld();
   }
 };
+
+std::vector<Node*> NamePattern::parentsThatFit(const Node& node, std::string_view part,
+                                               const NameIndex& names) const {
+  std::vector<Node*> found;
+  const std::vector<Node*>& parents = dagLinks(node).parents;
+  if (!hasWildcard(part)) {
+    const std::vector<Node*>& namesakes = names.named(part);
+    if (namesakes.size() < parents.size()) {
+      for (Node* each : namesakes)
+        if (isDagNode(*each) && isUnder(node, each)) found.push_back(each);
+      // Several stand in the order of the parents.
+      if (found.size() < 2) return found;
+      found.clear();
+    }
+  }
+  for (Node* parent : parents)
+    if (parent && matchesWildcard(part, parent->name())) found.push_back(parent);
+  return found;
+}
+
+DagPath NamePattern::pathOf(const Node& node, const NameIndex& names) const {
+  if (isPlainName()) return firstPath(node);
+  if (!matchesWildcard(parts.back(), node.name())) return {};
+  // Upwards, depth first in the order of the parents, and no node twice at one part.
+  struct Level {
+    const Node* node;
+    std::vector<Node*> parents;
+    std::size_t next = 0;
+  };
+  std::vector<Level> way;  // from the leaf
+  std::set<std::pair<const Node*, std::size_t>> tried;
+  const auto enter = [&](const Node& at) {
+    const std::size_t part = parts.size() - 1 - way.size();
+    way.push_back(
+        {&at, part == 0 ? std::vector<Node*>() : parentsThatFit(at, parts[part - 1], names)});
+  };
+  enter(node);
+  while (!way.empty()) {
+    Level& level = way.back();
+    if (way.size() == parts.size() && mayBegin(*level.node)) {
+      auto* top = const_cast<Node*>(level.node);
+      DagPath path = isAbsolute ? DagPath().child(top) : firstPath(*top);
+      for (auto below = way.rbegin() + 1; below != way.rend(); ++below)
+        path.push(const_cast<Node*>(below->node));
+      return path;
+    }
+    if (level.next == level.parents.size()) {
+      way.pop_back();
+    } else if (const Node* parent = level.parents[level.next++];
+               tried.emplace(parent, way.size()).second) {
+      enter(*parent);
+    }
+  }
+  return {};
+}
 
 std::vector<Node*> findMatching(const NamePattern& pattern, const NameIndex& names,
                                 const dg::Graph& graph) {
   const std::string_view leaf = pattern.parts.back();
   std::vector<Node*> found;
   const auto consider = [&](Node* node) {
-    if (pattern.isPlainName() || !pattern.pathOf(*node).isWorld()) found.push_back(node);
+    if (pattern.isPlainName() || !pattern.pathOf(*node, names).isWorld()) found.push_back(node);
   };
   if (!hasWildcard(leaf)) {
     for (Node* node : names.named(leaf)) consider(node);
@@ -122,6 +175,17 @@ Component clippedComponent(const ComponentWord& word, const DagPath& shape) {
   return Component(word.type, std::move(indices));
 }
 
+/// What a word after the dot stands for on a shape with components of its own; nothing where it
+/// names an attribute, which comes first.
+Result<std::optional<Component>> ownComponent(Node& node, const DagPath& shape,
+                                              std::string_view word) {
+  const PointShape* points = shape.isWorld() ? nullptr : pointShapeOf(*shape.node());
+  const std::string_view head = word.substr(0, word.find_first_of("[."));
+  if (!points || node.findAttribute(head) || shape.node()->findAttribute(head))
+    return std::optional<Component>();
+  return points->match(shape, word);
+}
+
 Result<void> addResolved(SelectionList& list, Node& node, const DagPath& path,
                          std::string_view rest, std::string_view whole) {
   if (rest.empty()) {
@@ -140,6 +204,12 @@ Result<void> addResolved(SelectionList& list, Node& node, const DagPath& path,
     const Component component = clippedComponent(*word, shape);
     if (component.isEmpty()) return fail(ErrorKind::NotFound, "No object matches name: {}", whole);
     list.add(shape, component);
+    return {};
+  }
+  const auto own = ownComponent(node, shape, rest);
+  if (!own) return failWith(own.error());
+  if (*own) {
+    list.add(shape, **own);
     return {};
   }
   const auto plug = plugOnNodeOrShape(node, path, rest);
@@ -172,7 +242,7 @@ Result<DagPath> Document::dagPath(std::string_view name) const {
   if (!isDagNode(**found))
     return fail(ErrorKind::BadArgument, "'{}' is not in the hierarchy of transforms and shapes",
                 name);
-  return NamePattern(name).pathOf(**found);
+  return NamePattern(name).pathOf(**found, impl_->names);
 }
 
 Result<dg::Plug> Document::plug(std::string_view path) const {
@@ -180,7 +250,8 @@ Result<dg::Plug> Document::plug(std::string_view path) const {
   if (parts.rest.empty()) return fail(ErrorKind::BadArgument, "'{}' names no attribute", path);
   const auto found = node(parts.node);
   if (!found) return failWith(found.error());
-  const DagPath dag = isDagNode(**found) ? NamePattern(parts.node).pathOf(**found) : DagPath();
+  const DagPath dag =
+      isDagNode(**found) ? NamePattern(parts.node).pathOf(**found, impl_->names) : DagPath();
   return plugOnNodeOrShape(**found, dag, parts.rest);
 }
 
@@ -192,7 +263,7 @@ Result<SelectionList> Document::resolve(std::string_view pattern) const {
   SelectionList list;
   std::optional<Error> firstError;
   for (Node* each : nodes) {
-    const DagPath path = isDagNode(*each) ? name.pathOf(*each) : DagPath();
+    const DagPath path = isDagNode(*each) ? name.pathOf(*each, impl_->names) : DagPath();
     auto added = addResolved(list, *each, path, parts.rest, pattern);
     if (!added && !firstError) firstError = std::move(added).error();
   }

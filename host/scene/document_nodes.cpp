@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <unordered_map>
 #include <unordered_set>
 
+#include "host/scene/dag_paths.h"
 #include "host/scene/document_impl.h"
 #include "host/scene/namespaces.h"
 #include "host/scene/references.h"
@@ -21,9 +23,8 @@ bool Document::Impl::isNameTaken(std::string_view name, bool isDag, std::span<No
     if (children.size() < same.size())
       return std::ranges::any_of(
           children, [&](const Node* child) { return isOther(child) && child->name() == name; });
-    return std::ranges::any_of(same, [&](const Node* other) {
-      return isOther(other) && std::ranges::count(dagLinks(*other).parents, parent) > 0;
-    });
+    return std::ranges::any_of(
+        same, [&](const Node* other) { return isOther(other) && isUnder(*other, parent); });
   });
 }
 
@@ -136,6 +137,36 @@ MeshPass meshPassOf(const Node& node) {
   return pass.from ? pass : MeshPass{};
 }
 
+/// The number of a geometry that a plug of a deformer takes in or gives on; kNone for other plugs.
+Index geometryOf(const dg::Plug& plug, std::string_view attribute) {
+  if (!plug.node()->type().isA("geometryFilter") || plug.attribute()->longName != attribute)
+    return kNone;
+  return plug.index(0);
+}
+
+dg::Plug deformerInput(Node& deformer, Index geometry) {
+  const dg::Plug inputs = deformer.plug("input");
+  return inputs.element(geometry).child(inputs.attribute()->find("inputGeometry"));
+}
+
+/// Where the mesh comes in that a node gives on, changed, at a plug; null when there is no such.
+dg::Plug arrivalOf(const dg::Plug& leaving) {
+  if (const Index geometry = geometryOf(leaving, "outputGeometry"); geometry != kNone)
+    return deformerInput(*leaving.node(), geometry);
+  const MeshPass pass = meshPassOf(*leaving.node());
+  return pass.from && leaving.attribute() == pass.to ? dg::Plug(leaving.node(), pass.from)
+                                                     : dg::Plug();
+}
+
+/// The way on from where a mesh comes in.
+dg::Plug departureOf(const dg::Plug& arriving) {
+  if (const Index geometry = geometryOf(arriving, "inputGeometry"); geometry != kNone)
+    return arriving.node()->plug("outputGeometry").element(geometry);
+  const MeshPass pass = meshPassOf(*arriving.node());
+  return pass.from && arriving.attribute() == pass.from ? dg::Plug(arriving.node(), pass.to)
+                                                        : dg::Plug();
+}
+
 /// Everything that goes when some nodes are deleted: what hangs below them and the history that fed
 /// only them. A node in the middle of a history takes its effect out: what fed it then feeds what
 /// it fed.
@@ -176,9 +207,8 @@ class DeletionSet {
   }
   Result<void> addChildren(const Node& node) {
     for (Node* child : dagLinks(node).children) {
-      const std::vector<Node*>& parents = dagLinks(*child).parents;
-      if (!std::all_of(parents.begin(), parents.end(), [&](Node* parent) { return has(parent); }))
-        continue;
+      // Each parent that goes is met once.
+      if (++parentsThatGo_[child] < dagLinks(*child).parents.size()) continue;
       HOST_TRY(refuseIfProtected(*child));
       add(*child);
     }
@@ -191,33 +221,48 @@ class DeletionSet {
     // The scene's own history waits for the file to come back.
     if (isReleasing() && !referenceOf(source)) return;
     for (const dg::Graph::Connection& use : graph_.outgoing(source))
-      if (!has(use.destination.node()) || passesOn(use.destination)) return;
+      if (!has(use.destination.node()) ||
+          (!isPartOf(source, use.destination) && passesOn(use.destination)))
+        return;
     add(source);
+  }
+  /// Whether a groupParts node is there for a deformer alone, to name its components.
+  [[nodiscard]] bool isPartOf(Node& source, const dg::Plug& use) const {
+    const Index geometry = geometryOf(use, "inputGeometry");
+    if (geometry == kNone || source.type().name != "groupParts") return false;
+    const dg::Plug inputs = use.node()->plug("input");
+    return graph_.source(source.plug("groupId")) ==
+           graph_.source(inputs.element(geometry).child(inputs.attribute()->find("groupId")));
   }
 
   /// Whether what arrives at a plug of a node that goes is still needed by one that stays. What
   /// nobody needs any more stays so, since ever more goes: a history of thousands is walked once.
   [[nodiscard]] bool passesOn(const dg::Plug& plug) {
     if (dry_.contains(plug.node())) return false;
-    const MeshPass pass = meshPassOf(*plug.node());
-    if (!pass.from || plug.attribute() != pass.from) return false;
-    for (const dg::Plug& next : graph_.destinations(dg::Plug(plug.node(), pass.to)))
+    const dg::Plug leaving = departureOf(plug);
+    if (!leaving) return false;
+    for (const dg::Plug& next : graph_.destinations(leaving))
       if (!has(next.node()) || passesOn(next)) return true;
-    dry_.insert(plug.node());
+    // A deformer may still pass another of its geometries on.
+    if (!leaving.isElement()) dry_.insert(plug.node());
     return false;
   }
   void findPasses(Node& node) {
-    const MeshPass pass = meshPassOf(node);
-    if (!pass.from) return;
-    std::vector<dg::Plug> staying = graph_.destinations(dg::Plug(&node, pass.to));
+    if (node.type().isA("geometryFilter")) {
+      const dg::Plug all = node.plug("outputGeometry");
+      for (const Index geometry : graph_.elementIndices(all)) findPass(all.element(geometry));
+      return;
+    }
+    if (const MeshPass pass = meshPassOf(node); pass.from) findPass(dg::Plug(&node, pass.to));
+  }
+  void findPass(const dg::Plug& leaving) {
+    std::vector<dg::Plug> staying = graph_.destinations(leaving);
     std::erase_if(staying, [&](const dg::Plug& each) { return has(each.node()); });
     if (staying.empty()) return;
-    dg::Plug source = graph_.source(dg::Plug(&node, pass.from));
+    dg::Plug source = graph_.source(arrivalOf(leaving));
     while (source && has(source.node())) {
-      const MeshPass above = meshPassOf(*source.node());
-      source = above.from && source.attribute() == above.to
-                   ? graph_.source(dg::Plug(source.node(), above.from))
-                   : dg::Plug();
+      const dg::Plug above = arrivalOf(source);
+      source = above ? graph_.source(above) : dg::Plug();
     }
     if (!source) return;
     for (const dg::Plug& next : staying) passes_.push_back({source, next});
@@ -225,6 +270,7 @@ class DeletionSet {
 
   dg::Graph& graph_;
   std::unordered_set<const Node*> members_;
+  std::unordered_map<const Node*, std::size_t> parentsThatGo_;
   std::unordered_set<const Node*> dry_;  ///< members whose mesh nobody needs that stays
   std::vector<dg::NodePtr> order_;
   std::vector<dg::Graph::Connection> passes_;

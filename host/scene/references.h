@@ -40,6 +40,7 @@ class ReferenceData final : public dg::Data {
     std::string nameSpace;     ///< of its nodes, from the root; empty: the root itself
     std::string prefix;        ///< before names, in place of a namespace
     std::string options, type;
+    std::vector<std::string> shared;  ///< kinds of nodes that it was to share; kept for its file
     bool isLoaded = false;
     bool isDeferred = false;                   ///< not loaded because somebody wanted it so
     std::weak_ptr<Node> parent;                ///< reference node of the file that has this one

@@ -81,7 +81,7 @@ void SelectTool::release(const InputEvent& event) {
   if (!isPressed_) return;
   isPressed_ = false;
   if (!registry_.views.scene || !registry_.views.pickOptions) return;
-  const auto view = registry_.views.scene(panel_);
+  const auto view = registry_.views.wholeOf(panel_);
   if (!view) return postMessage(MessageKind::Error, view.error().message);
   cmd::Session& session = cmd::currentSession();
   const viewport::PickOptions options = registry_.views.pickOptions();

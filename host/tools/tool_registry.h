@@ -37,6 +37,12 @@ struct TumbleSettings {
 struct ViewAccess {
   /// What a panel shows now; an empty name means the active one.
   std::function<Result<viewport::SceneView>(const std::string& panel)> scene;
+  /// The same with all that is no mesh; for clicks, not for every move of the pointer.
+  std::function<Result<viewport::SceneView>(const std::string& panel)> whole;
+  /// The whole where that is known.
+  [[nodiscard]] Result<viewport::SceneView> wholeOf(const std::string& panel) const {
+    return whole ? whole(panel) : scene(panel);
+  }
   /// What a click may pick, by the selection mode.
   std::function<viewport::PickOptions()> pickOptions;
   /// Moves the panel's camera node to where the camera stands.

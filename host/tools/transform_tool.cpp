@@ -69,7 +69,7 @@ void TransformTool::grip() {
   grip_.reset();
   scene::Document& document = cmd::currentSession().document();
   if (document.selection().isEmpty() || !registry_.views.scene) return;
-  const auto view = registry_.views.scene(panel_);
+  const auto view = registry_.views.wholeOf(panel_);
   if (!view) return complain(view.error().message);
   grip_.emplace(Grip{document.selection(), viewport::ViewProjection(view->camera, view->port),
                      middleOf(*view, document.selection()), last_});

@@ -6,6 +6,7 @@
 #include "host/mesh/point_moves.h"
 #include "host/mesh/triangulate.h"
 #include "host/viewport/display_colors.h"
+#include "host/viewport/instance_id.h"
 #include "host/viewport/mesh_draw.h"
 #include "host/viewport/mesh_patch.h"
 
@@ -166,23 +167,42 @@ MeshBuffers buildMeshBuffers(const Mesh& mesh, SurfaceContent content) {
   return buffers.shown;
 }
 
+/// What is kept of a shape: for each content that was asked for its buffers. All places of the
+/// shape share them.
 struct MeshDrawCache::Entry {
-  Mesh mesh;
-  SurfaceContent content;
-  OpenBuffers buffers;
-  std::uint64_t lastUsed = 0;
-  FaceMaterials partNumbers;
-  IndexDataPtr partTriangles;
-  std::vector<IndexDataPtr> parts;
-  MeshPatcher patcher;
+  struct Parts {
+    IndexDataPtr triangles;
+    std::vector<IndexDataPtr> sorted;
+    std::uint64_t lastUsed = 0;
+  };
+  struct Shown {
+    Mesh mesh;
+    SurfaceContent content;
+    OpenBuffers buffers;
+    std::uint64_t lastUsed = 0;
+    /// By the numbers: places of a shape may have their faces in different groups.
+    std::unordered_map<FaceMaterials, Parts> parts;
+    MeshPatcher patcher;
 
-  bool mend(const Mesh& now, SurfaceContent wanted);
+    bool mend(const Mesh& now, SurfaceContent wanted);
+  };
+  std::array<std::unique_ptr<Shown>, 8> shown;  ///< by content
+  std::size_t last = 0;                         ///< the one asked for last
+
+  static std::size_t indexOf(SurfaceContent content) {
+    return (content.uvs ? 1U : 0U) | (content.colors ? 2U : 0U) | (content.flat ? 4U : 0U);
+  }
 };
 
 MeshDrawCache::MeshDrawCache() = default;
 MeshDrawCache::~MeshDrawCache() = default;
 
 namespace {
+
+std::size_t firstKept(const auto& all) {
+  return static_cast<std::size_t>(
+      std::ranges::find_if(all, [](const auto& each) { return each != nullptr; }) - all.begin());
+}
 
 bool sameArray(const auto& a, const auto& b) {
   return a.data() == b.data() && a.size() == b.size();
@@ -226,7 +246,7 @@ std::vector<VertexId> movedBetween(const Mesh& before, const Mesh& now) {
 
 /// Mends the buffers where vertices have moved, when that is all that has happened and less work
 /// than building them anew.
-bool MeshDrawCache::Entry::mend(const Mesh& now, SurfaceContent wanted) {
+bool MeshDrawCache::Entry::Shown::mend(const Mesh& now, SurfaceContent wanted) {
   if (wanted != content || !sameSurface(now, mesh, content)) return false;
   if (now.points().size() != mesh.points().size()) return false;
   const std::vector<VertexId> moved = movedBetween(mesh, now);
@@ -238,10 +258,13 @@ bool MeshDrawCache::Entry::mend(const Mesh& now, SurfaceContent wanted) {
 
 const MeshBuffers& MeshDrawCache::buffers(std::uint64_t id, const Mesh& mesh,
                                           SurfaceContent content) {
-  std::unique_ptr<Entry>& slot = entries_[id];
+  std::unique_ptr<Entry>& shape = entries_[shapeOf(id)];
+  if (!shape) shape = std::make_unique<Entry>();
+  shape->last = Entry::indexOf(content);
+  std::unique_ptr<Entry::Shown>& slot = shape->shown[shape->last];
   const bool isNew = !slot;
-  if (isNew) slot = std::make_unique<Entry>();
-  Entry& entry = *slot;
+  if (isNew) slot = std::make_unique<Entry::Shown>();
+  Entry::Shown& entry = *slot;
   entry.lastUsed = round_;
   const bool samePoints = !isNew && sameArray(mesh.points(), entry.mesh.points());
   const bool sameFaces =
@@ -252,8 +275,7 @@ const MeshBuffers& MeshDrawCache::buffers(std::uint64_t id, const Mesh& mesh,
   if (!samePoints || !sameFaces) shown.points = entry.buffers.points = makePoints(mesh);
   if (!samePoints) shown.box = boxOf(mesh);
   if (!sameFaces) shown.edges = makeEdges(mesh);
-  if (!samePoints || !sameFaces || content != entry.content ||
-      !sameSurface(mesh, entry.mesh, content))
+  if (!samePoints || !sameFaces || !sameSurface(mesh, entry.mesh, content))
     makeSurface(mesh, content, entry.buffers);
   entry.mesh = mesh;
   entry.content = content;
@@ -261,9 +283,9 @@ const MeshBuffers& MeshDrawCache::buffers(std::uint64_t id, const Mesh& mesh,
 }
 
 math::Box MeshDrawCache::box(std::uint64_t id, const Mesh& mesh) const {
-  const auto found = entries_.find(id);
+  const auto found = entries_.find(shapeOf(id));
   if (found == entries_.end()) return boxOf(mesh);
-  const Entry& entry = *found->second;
+  const Entry::Shown& entry = *found->second->shown[found->second->last];
   if (sameArray(entry.mesh.points(), mesh.points())) return entry.buffers.shown.box;
   const auto moved = mesh::movedSince(mesh, entry.mesh);
   return moved ? boxAfter(entry.buffers.shown.box, entry.mesh, mesh, *moved) : boxOf(mesh);
@@ -272,12 +294,13 @@ math::Box MeshDrawCache::box(std::uint64_t id, const Mesh& mesh) const {
 const std::vector<IndexDataPtr>& MeshDrawCache::parts(std::uint64_t id,
                                                       const FaceMaterials& numbers,
                                                       std::size_t materialCount) {
-  Entry& entry = *entries_.at(id);
-  if (entry.partNumbers == numbers && entry.partTriangles == entry.buffers.shown.triangles &&
-      entry.parts.size() == materialCount)
-    return entry.parts;
-  entry.partNumbers = numbers;
-  entry.partTriangles = entry.buffers.shown.triangles;
+  const Entry& shape = *entries_.at(shapeOf(id));
+  Entry::Shown& entry = *shape.shown[shape.last];
+  Entry::Parts& parts = entry.parts[numbers];
+  parts.lastUsed = round_;
+  if (parts.triangles == entry.buffers.shown.triangles && parts.sorted.size() == materialCount)
+    return parts.sorted;
+  parts.triangles = entry.buffers.shown.triangles;
   std::vector<std::shared_ptr<IndexData>> sorted(materialCount);
   for (std::shared_ptr<IndexData>& part : sorted) part = std::make_shared<IndexData>();
   auto from = entry.buffers.shown.triangles->begin();
@@ -287,12 +310,22 @@ const std::vector<IndexDataPtr>& MeshDrawCache::parts(std::uint64_t id,
     part.insert(part.end(), from, to);
     from = to;
   }
-  entry.parts.assign(sorted.begin(), sorted.end());
-  return entry.parts;
+  parts.sorted.assign(sorted.begin(), sorted.end());
+  return parts.sorted;
 }
 
 void MeshDrawCache::dropUnused() {
-  std::erase_if(entries_, [&](const auto& entry) { return entry.second->lastUsed != round_; });
+  const auto isUnused = [&](const auto& entry) { return entry.second.lastUsed != round_; };
+  std::erase_if(entries_, [&](const auto& each) {
+    Entry& shape = *each.second;
+    for (std::unique_ptr<Entry::Shown>& shown : shape.shown) {
+      if (!shown) continue;
+      std::erase_if(shown->parts, isUnused);
+      if (shown->lastUsed != round_) shown.reset();
+    }
+    if (!shape.shown[shape.last]) shape.last = firstKept(shape.shown);
+    return shape.last == shape.shown.size();
+  });
   ++round_;
 }
 

@@ -8,6 +8,7 @@
 #include "host/mesh/shells.h"
 #include "host/mesh/triangulate.h"
 #include "host/viewport/display_colors.h"
+#include "host/viewport/reach_draw.h"
 
 namespace host::viewport {
 
@@ -435,6 +436,7 @@ class MeshPainter {
 
   void selection() {
     if (!options_.showSelection) return;
+    drawReach(object_, edgePixels_, list_);
     faces(object_.selected.faces, colors_.faceSelected, colors_.edgeSelected);
     edges(object_.selected.edges, colors_.edgeSelected, 2.6f);
     dots(object_.selected.vertices, colors_.vertexSelected, 10);
@@ -460,6 +462,23 @@ class MeshPainter {
   double edgePixels_ = 0;
 };
 
+/// Whether nothing of a mesh is in the picture. What stands out a little from its points, as wide
+/// lines do, lies within the margin.
+bool isOutOfSight(const RenderMesh& object, const math::Box& box, const ViewProjection& view) {
+  if (box.isEmpty() || object.showFaceNormals || object.showVertexNormals ||
+      object.showCornerNormals)
+    return false;
+  const Camera& camera = view.camera();
+  const math::Box seen = box.transformed(object.world * viewMatrix(camera));
+  const double farthest = -seen.min.z;
+  if (!camera.orthographic && !(farthest > 0)) return true;
+  constexpr double kMargin = 1.1;
+  const ViewExtents extents = viewExtents(camera, view.port().aspect());
+  const double reach = kMargin * (camera.orthographic ? 1 : farthest);
+  const double x = extents.halfWidth * reach, y = extents.halfHeight * reach;
+  return seen.min.x > x || seen.max.x < -x || seen.min.y > y || seen.max.y < -y;
+}
+
 /// The smooth preview takes the place of the surface, and on request of nothing else.
 void drawPreview(const RenderMesh& object, int nearness, const ViewProjection& view,
                  const ViewOptions& options, MeshDrawCache& cache, DrawList& list) {
@@ -469,6 +488,7 @@ void drawPreview(const RenderMesh& object, int nearness, const ViewProjection& v
   preview.mesh = *object.smoothed;
   preview.smoothed.reset();
   preview.selected = {};
+  preview.reach = nullptr;
   preview.hovered = {};
   preview.showVertices = preview.showFaceNormals = preview.showVertexNormals = false;
   preview.showCornerNormals = preview.showFaceCenters = preview.showTriangles = false;
@@ -496,6 +516,7 @@ void drawMesh(const RenderMesh& object, int nearness, const ViewProjection& view
                                .colors = options.showVertexColors || object.showColors,
                                .flat = options.flatShaded};
   const MeshBuffers& buffers = cache.buffers(object.id, object.mesh, content);
+  if (!object.smoothed && isOutOfSight(object, buffers.box, view)) return;
   if (!object.smoothed)
     return MeshPainter(object, nearness, view, options, buffers, cache, list).run();
   drawPreview(object, nearness, view, options, cache, list);

@@ -48,6 +48,9 @@ class Picker::Query {
   [[nodiscard]] bool isShaded(std::size_t mesh) const { return targets_[mesh].isShaded; }
   void inside(std::size_t mesh, const PickRect& rect, const PickOptions& options,
               std::vector<PickHit>& hits) const;
+  /// Whether no surface that hides lies in front of a world point.
+  [[nodiscard]] bool isVisible(const Vec3& point) const;
+  [[nodiscard]] const ViewProjection& view() const { return view_; }
 
  private:
   struct Target {
@@ -61,7 +64,6 @@ class Picker::Query {
 
   [[nodiscard]] std::vector<FaceId> facesNear(const Target& target, ViewPoint cursor,
                                               double tolerance) const;
-  [[nodiscard]] bool isVisible(const Vec3& point) const;
   /// The ray in the target's object space; parameters stay in lengths of `path`.
   [[nodiscard]] math::Ray objectRay(const Target& target, const Vec3& start,
                                     const Vec3& path) const;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/mesh/adjacency.h"
+#include "host/viewport/instance_id.h"
 #include "host/viewport/pick_query.h"
 
 namespace host::viewport {
@@ -11,7 +12,7 @@ Picker::Picker() = default;
 Picker::~Picker() = default;
 
 const Picker::Entry& Picker::entry(const RenderMesh& object) {
-  std::unique_ptr<Entry>& slot = entries_[object.id];
+  std::unique_ptr<Entry>& slot = entries_[shapeOf(object.id)];
   const auto same = [](const auto& a, const auto& b) {
     return a.data() == b.data() && a.size() == b.size();
   };

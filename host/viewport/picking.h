@@ -18,6 +18,8 @@ struct PickOptions {
   double edgeTolerance = 8;     ///< pixels from the cursor to the edge's nearest place
   bool onlyHilited =
       false;  ///< components of hilited meshes only; the others still hide what is behind them
+  std::vector<bool> answered = {};  ///< objects that are no meshes: those that are left out, as
+                                    ///< they have answered themselves; none: all count
 };
 
 struct PickHit {
@@ -34,6 +36,16 @@ struct PickHit {
 /// A rectangle in pixels, (0, 0) lower left; corners in any order.
 struct PickRect {
   ViewPoint from, to;
+};
+
+/// An object that is no mesh, or a point of it, that was picked.
+struct DrawnHit {
+  std::size_t object = 0;  ///< index in SceneView::objects
+  Index point = kNone;     ///< the component's number; -1: the whole object
+  [[nodiscard]] bool isObject() const { return point == kNone; }
+  Vec3 place;         ///< world space
+  double depth = 0;   ///< cm in front of the eye
+  double pixels = 0;  ///< from the cursor
 };
 
 /// Finds what lies under the cursor or inside a rectangle.
@@ -63,10 +75,20 @@ class Picker {
   [[nodiscard]] std::vector<PickHit> pickInside(const SceneView& scene, PickRect rect,
                                                 const PickOptions& options);
 
+  /// The same for what is no mesh, by what it draws: points first, then lines and surfaces as the
+  /// whole object. Linear in what is drawn.
+  [[nodiscard]] std::optional<DrawnHit> pickDrawn(const SceneView& scene, ViewPoint cursor,
+                                                  const PickOptions& options);
+  /// Every point in the rectangle, or, where options ask for objects, every object that reaches
+  /// into it.
+  [[nodiscard]] std::vector<DrawnHit> pickDrawnInside(const SceneView& scene, PickRect rect,
+                                                      const PickOptions& options);
+
  private:
   struct Entry;
   const Entry& entry(const RenderMesh& object);
   class Query;
+  class DrawnQuery;
   std::unordered_map<std::uint64_t, std::unique_ptr<Entry>> entries_;
 };
 

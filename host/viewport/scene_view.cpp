@@ -34,6 +34,20 @@ std::vector<Vec3> selectionPoints(const SceneView& scene) {
     if (object.selected.isEmpty() && isWhole)
       for (VertexId v = 0; v < object.mesh.vertexCount(); ++v) add(v);
   }
+  for (const DrawnObject& object : scene.objects)
+    points.insert(points.end(), object.selected.begin(), object.selected.end());
+  return points;
+}
+
+std::vector<Vec3> framePoints(const SceneView& scene, const DrawnObject& object) {
+  std::vector<Vec3> points = object.extent;
+  points.insert(points.end(), object.outline.begin(), object.outline.end());
+  for (std::size_t i = object.firstItem; i < object.firstItem + object.itemCount; ++i) {
+    const DrawItem& item = scene.extra.items[i];
+    if (item.space != Space::World) continue;
+    for (const Vec3f& p : item.vertices->positions)
+      points.push_back(math::transformPoint(Vec3(p), item.world));
+  }
   return points;
 }
 

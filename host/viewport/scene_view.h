@@ -2,12 +2,14 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "host/mesh/mesh.h"
 #include "host/scene/dag.h"
+#include "host/scene/selection.h"
 #include "host/viewport/draw_list.h"
 #include "host/viewport/projection.h"
 
@@ -40,6 +42,12 @@ struct ComponentSets {
   }
 };
 
+/// Vertices that stand out in colours of their own: those that go along with the selected ones.
+struct ColoredVertices {
+  std::vector<VertexId> vertices;     ///< ascending
+  std::vector<std::uint32_t> colors;  ///< packColor, one a vertex
+};
+
 /// One instance of a mesh as a view shows it. Copies share the mesh's arrays.
 struct RenderMesh {
   std::uint64_t id = 0;  ///< the same for the same instance from frame to frame: caches hang on it
@@ -48,8 +56,9 @@ struct RenderMesh {
   Matrix4 world;
   ObjectState state = ObjectState::Dormant;
   ComponentSets selected;
-  ComponentSets hovered;      ///< pre-selection highlight
-  bool showVertices = false;  ///< small dots on all vertices, as in vertex mode
+  ComponentSets hovered;                         ///< pre-selection highlight
+  std::shared_ptr<const ColoredVertices> reach;  ///< of the soft selection; null: not shown
+  bool showVertices = false;                     ///< small dots on all vertices, as in vertex mode
   bool showHardEdges = false;
   bool showBorderEdges = false;
   bool showColors = false;  ///< the current colour set, where a face has colours
@@ -108,9 +117,44 @@ struct ViewOptions {
   bool showLights = true;
   bool showCurves = true;
   bool showJoints = true;
+  bool showPluginShapes = true;
   bool jointXray = false;  ///< joints show through surfaces
   LightMode lightMode = LightMode::Default;
   GridOptions grid;
+};
+
+/// What a click or a rectangle asks an object that answers itself.
+struct PickQuestion {
+  ViewPoint low, high;  ///< corners of the rectangle, pixels
+  bool isClick = false;
+  bool vertices = false, edges = false, faces = false, objects = false;
+  bool onlyHilited = false;  ///< components of hilited objects only
+};
+/// What it answers: items to select, each with a place in world space.
+struct PickAnswer {
+  scene::SelectionList items;
+  std::vector<Vec3> places;
+};
+
+/// A point of an object that can be picked.
+struct DrawnPoint {
+  Index index = 0;  ///< the component's number
+  Vec3 place;       ///< world space
+};
+
+/// An object that is no mesh, as a view shows it: what it is picked and framed by.
+struct DrawnObject {
+  scene::DagPath path;  ///< of the shape, or of the joint
+  ObjectState state = ObjectState::Dormant;
+  std::size_t firstItem = 0, itemCount = 0;  ///< what it draws, in SceneView::extra
+  std::vector<Vec3> outline;  ///< lines to pick it by where nobody knows what it draws: two points
+                              ///< each, world space
+  std::vector<Vec3> extent;   ///< points to frame it by where it draws nothing, world space
+  std::vector<DrawnPoint> points;  ///< components that can be picked
+  std::vector<Vec3> selected;      ///< places of its selected components, world space
+  bool hasComponents = false;
+  /// Asks the object itself; nothing: it leaves that to who asks.
+  std::function<std::optional<PickAnswer>(const PickQuestion&)> answer;
 };
 
 /// Everything that one view shows.
@@ -120,12 +164,17 @@ struct SceneView {
   ViewOptions options;
   std::vector<RenderMesh> meshes;
   std::vector<Light> lights;
-  DrawList extra;  ///< what locators, tools and head-up displays add
+  DrawList extra;                    ///< what locators, tools and head-up displays add
+  std::vector<DrawnObject> objects;  ///< those that are no meshes
 };
 
+/// World-space points of an object that is no mesh: of what it draws.
+[[nodiscard]] std::vector<Vec3> framePoints(const SceneView& scene, const DrawnObject& object);
+
 /// World-space points of all visible meshes, for framing; exact, so that the picture is filled.
+/// What is no mesh is not among them.
 [[nodiscard]] std::vector<Vec3> framePoints(const SceneView& scene);
-/// World-space points of the selected components, of all points of selected objects without any.
+/// World-space points of the selected components, of all points of selected meshes without any.
 [[nodiscard]] std::vector<Vec3> selectionPoints(const SceneView& scene);
 
 class MeshDrawCache;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/scene/dag_paths.h"
 #include "host/scene/display_rules.h"
 
 namespace host::workspace {
@@ -11,34 +10,9 @@ namespace host::workspace {
 namespace {
 
 using math::Vec3;
-using scene::DagPath;
 using viewport::Light;
 
-bool isSelected(const scene::Document& document, const DagPath& path) {
-  return std::ranges::any_of(document.selection().items(), [&](const scene::SelectionItem& item) {
-    return item.isDag() && (item.path == path || item.path.isAncestorOf(path));
-  });
-}
-
-/// Calls `visit` with the paths of all visible shapes.
-template <class Visit>
-void forEachShape(scene::Document& document, Visit visit) {
-  for (dg::Node* top : document.worldChildren()) {
-    scene::PathWalk walk(DagPath({top}));
-    while (!walk.isDone()) {
-      if (!scene::isShown(walk.node()) || scene::isIntermediate(walk.node())) {
-        walk.skipBelow();
-        continue;
-      }
-      if (scene::isShape(walk.node())) visit(walk.path());
-      walk.next();
-    }
-  }
-}
-
-Light lightAt(const DagPath& path) {
-  dg::Node& node = *path.node();
-  const math::Matrix4 world = path.inclusiveMatrix();
+Light lightAt(dg::Node& node, const math::Matrix4& world) {
   Light light;
   light.position = math::transformPoint(Vec3{}, world);
   light.direction = math::normalized(math::transformVector(Vec3{0, 0, -1}, world));
@@ -66,15 +40,16 @@ Light lightAt(const DagPath& path) {
 
 }  // namespace
 
-std::vector<Light> gatherLights(scene::Document& document, const std::string& which) {
-  std::vector<Light> lights;
-  const bool onlySelected = which == "selected" || which == "active";
-  if (which != "all" && !onlySelected) return lights;
-  forEachShape(document, [&](const DagPath& path) {
-    if (!path.node()->type().isA("light")) return;
-    if (!onlySelected || isSelected(document, path)) lights.push_back(lightAt(path));
-  });
-  return lights;
+LightGatherer::LightGatherer(const std::string& which)
+    : onlySelected_(which == "selected" || which == "active"),
+      isOff_(which != "all" && !onlySelected_) {}
+
+void LightGatherer::visit(const viewport::ShownPlace& place) {
+  if (isOff_ || !scene::isShape(place.node) || !place.node.type().isA("light")) return;
+  if (onlySelected_ && place.selected == viewport::ObjectState::Dormant) return;
+  // More are not drawn by: those of nested instances would be countless.
+  if (lights.size() < viewport::Lighting::kMaxLights)
+    lights.push_back(lightAt(place.node, place.world));
 }
 
 }  // namespace host::workspace

@@ -2,18 +2,16 @@
 
 #include <algorithm>
 #include <cmath>
-#include <optional>
-#include <unordered_set>
 
 #include "host/nodes/curve/curve_nodes.h"
 #include "host/nodes/curve/surface_nodes.h"
-#include "host/scene/dag_paths.h"
 #include "host/scene/display_rules.h"
 #include "host/viewport/display_colors.h"
-#include "host/viewport/scene_gather.h"
-#include "host/workspace/views.h"
 
 namespace host::workspace {
+
+/// What stands for an object.
+enum class Mark : std::uint8_t { None, Joint, Locator, Light, Curve, Surface };
 
 namespace {
 
@@ -35,9 +33,6 @@ struct Strokes {
       return center + x * std::cos(angle) + y * std::sin(angle);
     };
     for (int i = 0; i < steps; ++i) line(at(i), at(i + 1));
-  }
-  void moveBy(const math::Matrix4& matrix) {
-    for (Vec3& point : points) point = math::transformPoint(point, matrix);
   }
 };
 
@@ -173,99 +168,69 @@ Strokes bonesOf(const DagPath& path) {
   return bones;
 }
 
-class Marks {
- public:
-  Marks(scene::Document& document, const View& view, viewport::SceneView& scene)
-      : view_(view), scene_(scene) {
-    if (!scene.options.showSelection) return;
-    for (const scene::SelectionItem& item : document.selection().items())
-      if (item.isDag() && item.isObject()) chosen_.insert(item.path.node());
-    selection_ = &document.selection();
-  }
+Mark markOf(const dg::NodeType& type, const viewport::ViewOptions& options, bool showsSurfaces) {
+  if (type.isA("joint")) return options.showJoints ? Mark::Joint : Mark::None;
+  if (type.name == "locator") return options.showLocators ? Mark::Locator : Mark::None;
+  if (type.isA("light")) return options.showLights ? Mark::Light : Mark::None;
+  if (type.isA("nurbsCurve")) return options.showCurves ? Mark::Curve : Mark::None;
+  if (type.isA("nurbsSurface")) return showsSurfaces ? Mark::Surface : Mark::None;
+  return Mark::None;
+}
 
-  void visit(const DagPath& top) {
-    std::vector<Above> levels;  // of the nodes from the top to the one visited
-    scene::PathWalk walk(top);
-    while (!walk.isDone()) {
-      dg::Node& node = walk.node();
-      if (!scene::isShown(node) || scene::isIntermediate(node)) {
-        walk.skipBelow();
-        continue;
-      }
-      levels.resize(walk.depth());
-      Above here{isChosen(walk.path()), scene::isTemplate(node), viewport::lineLooks(node)};
-      if (!levels.empty()) {
-        here.isChosen |= levels.back().isChosen;
-        here.isTemplate |= levels.back().isTemplate;
-        if (!here.looks) here.looks = levels.back().looks;
-      }
-      levels.push_back(here);
-      if (Strokes strokes = strokesOf(walk.path()); !strokes.points.empty())
-        if (isolationShows(view_, walk.path())) draw(strokes, here, node);
-      walk.next();
-    }
-  }
-
- private:
-  struct Above {
-    bool isChosen = false, isTemplate = false;
-    std::optional<viewport::LineLooks> looks;
-  };
-
-  [[nodiscard]] bool isChosen(const DagPath& path) const {
-    return chosen_.contains(path.node()) &&
-           std::ranges::any_of(selection_->items(), [&](const scene::SelectionItem& item) {
-             return item.isDag() && item.path == path;
-           });
-  }
-
-  /// What a flag of the view's editor says; true when it was never given.
-  [[nodiscard]] bool shows(std::string_view flag) const {
-    const auto found = view_.editorFlags.find(flag);
-    return found == view_.editorFlags.end() || found->second;
-  }
-  [[nodiscard]] Strokes strokesOf(const DagPath& path) const {
-    dg::Node& node = *path.node();
-    const dg::NodeType& type = node.type();
-    const viewport::ViewOptions& options = scene_.options;
-    if (type.isA("joint")) return options.showJoints ? bonesOf(path) : Strokes();
-    Strokes strokes;
-    if (type.name == "locator" && options.showLocators) strokes = crossOf(node);
-    if (type.isA("light") && options.showLights) strokes = signOfLight(type);
-    if (type.isA("nurbsCurve") && options.showCurves) strokes = wayOf(node);
-    if (type.isA("nurbsSurface") && shows("nurbsSurfaces")) strokes = isoparmsOf(node);
-    if (!strokes.points.empty()) strokes.moveBy(path.inclusiveMatrix());
-    return strokes;
-  }
-
-  void draw(const Strokes& strokes, const Above& how, const dg::Node& node) {
-    const viewport::DisplayColors& colors = viewport::displayColors();
-    std::vector<math::Vec3f> points;
-    points.reserve(strokes.points.size());
-    for (const Vec3& each : strokes.points) points.push_back(each.toFloat());
-    viewport::DrawItem& item =
-        scene_.extra.add(viewport::Primitive::Lines, viewport::Pass::Wire, std::move(points));
-    const bool isFaint = how.isTemplate || (how.looks && how.looks->isTemplate);
-    item.color = how.isChosen                    ? colors.wireLead
-                 : isFaint                       ? colors.wireTemplate
-                 : how.looks && how.looks->color ? *how.looks->color
-                                                 : colors.wireOnly;
-    item.width = 1.5f;
-    if (scene_.options.jointXray && node.type().isA("joint"))
-      item.depthTest = viewport::DepthTest::Always;
-  }
-
-  const View& view_;
-  viewport::SceneView& scene_;
-  const scene::SelectionList* selection_ = nullptr;
-  std::unordered_set<const dg::Node*> chosen_;
-};
+viewport::VertexDataPtr verticesOf(const Strokes& strokes) {
+  auto data = std::make_shared<viewport::VertexData>();
+  data->positions.reserve(strokes.points.size());
+  for (const Vec3& each : strokes.points) data->positions.push_back(each.toFloat());
+  return data;
+}
 
 }  // namespace
 
-void drawMarks(scene::Document& document, const View& view, viewport::SceneView& scene) {
-  Marks marks(document, view, scene);
-  for (dg::Node* top : document.worldChildren()) marks.visit(DagPath({top}));
+void MarkGatherer::visit(const viewport::ShownPlace& place) {
+  if (!place.isListed) return;
+  const auto [known, isNew] = marks_.try_emplace(&place.node.type(), Mark::None);
+  if (isNew) known->second = markOf(place.node.type(), options_, showsSurfaces_);
+  const Mark mark = known->second;
+  if (mark == Mark::None) return;
+  // Bones lead to other places, and a ball is round whatever scales it: in world space.
+  if (mark == Mark::Joint) return draw(place, verticesOf(bonesOf(place.path)), {});
+  viewport::VertexDataPtr strokes = place.isShared ? shared_[&place.node] : nullptr;
+  if (!strokes) {
+    strokes = verticesOf(mark == Mark::Locator   ? crossOf(place.node)
+                         : mark == Mark::Light   ? signOfLight(place.node.type())
+                         : mark == Mark::Surface ? isoparmsOf(place.node)
+                                                 : wayOf(place.node));
+    if (place.isShared) shared_[&place.node] = strokes;
+  }
+  draw(place, std::move(strokes), place.world);
+}
+
+void MarkGatherer::draw(const viewport::ShownPlace& place, viewport::VertexDataPtr strokes,
+                        const math::Matrix4& world) {
+  if (strokes->positions.empty()) return;
+  const viewport::DisplayColors& colors = viewport::displayColors();
+  viewport::DrawItem& item = list.add(viewport::Primitive::Lines, viewport::Pass::Wire, {});
+  item.vertices = std::move(strokes);
+  item.world = world;
+  using Type = viewport::DrawOverride::Type;
+  const bool isChosen = options_.showSelection && place.selected != viewport::ObjectState::Dormant;
+  const bool isFaint = place.isTemplate || (place.looks && place.looks->type == Type::Template);
+  item.color = isChosen                            ? colors.wireLead
+               : isFaint                           ? colors.wireTemplate
+               : place.looks && place.looks->color ? *place.looks->color
+                                                   : colors.wireOnly;
+  item.width = 1.5f;
+  if (options_.jointXray && place.node.type().isA("joint"))
+    item.depthTest = viewport::DepthTest::Always;
+  viewport::DrawnObject object;
+  object.path = place.path;
+  object.firstItem = list.items.size() - 1;
+  object.itemCount = 1;
+  object.state = isFaint ? viewport::ObjectState::Template
+                 : place.looks && place.looks->type == Type::Reference
+                     ? viewport::ObjectState::Reference
+                     : place.selected;
+  objects.push_back(std::move(object));
 }
 
 }  // namespace host::workspace

@@ -1,15 +1,35 @@
 #pragma once
 
-#include "host/scene/document.h"
-#include "host/viewport/scene_view.h"
+#include <unordered_map>
+#include <vector>
+
+#include "host/viewport/scene_walk.h"
 
 namespace host::workspace {
 
-struct View;
+enum class Mark : std::uint8_t;
 
-/// Adds what shows objects that have no surface: locators, lights, curves, and joints with their
-/// bones. Kinds as the view's options ask for; hidden, template, coloured and isolated as meshes
-/// are. Linear in the hierarchy; curves are evaluated anew.
-void drawMarks(scene::Document& document, const View& view, viewport::SceneView& scene);
+/// Draws what shows objects that have no surface: locators, lights, curves, curved surfaces as
+/// lines of their parameters, and joints with their bones. Kinds as the view's options ask for;
+/// hidden, template, coloured and isolated as meshes are. Curves are evaluated anew, once for all
+/// places of one.
+class MarkGatherer final : public viewport::PlaceVisitor {
+ public:
+  explicit MarkGatherer(const viewport::ViewOptions& options, bool showsSurfaces = true)
+      : options_(options), showsSurfaces_(showsSurfaces) {}
+  void visit(const viewport::ShownPlace& place) override;
+
+  viewport::DrawList list;
+  std::vector<viewport::DrawnObject> objects;  ///< with the numbers of their items in `list`
+
+ private:
+  void draw(const viewport::ShownPlace& place, viewport::VertexDataPtr strokes,
+            const math::Matrix4& world);
+
+  const viewport::ViewOptions& options_;
+  const bool showsSurfaces_;
+  std::unordered_map<const dg::NodeType*, Mark> marks_;
+  std::unordered_map<const dg::Node*, viewport::VertexDataPtr> shared_;  ///< object space
+};
 
 }  // namespace host::workspace

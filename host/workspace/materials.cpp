@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <span>
 
 #include "host/nodes/set_group.h"
 #include "host/nodes/sets.h"
 #include "host/scene/display_rules.h"
+#include "host/viewport/instance_id.h"
 
 namespace host::workspace {
 
@@ -67,6 +69,7 @@ void readHighlights(dg::Node& shader, ShadeNetwork& network, Material& material)
 
 void Materials::dress(scene::Document& document, viewport::SceneView& scene) {
   thisFrame_.clear();
+  projectionOf_.clear();
   for (viewport::RenderMesh& mesh : scene.meshes) {
     if (mesh.path.isWorld()) continue;
     if (!scene.options.useDefaultMaterial) dressMesh(document, mesh);
@@ -79,16 +82,16 @@ void Materials::dress(scene::Document& document, viewport::SceneView& scene) {
   dropUnused(faces_);
   dropUnused(baked_);
   dropUnused(previews_);
+  dropUnused(projected_);
   pictures_.dropUnused();
 }
 
 void Materials::smooth(viewport::RenderMesh& mesh) {
   const nodes::SmoothPreview how = nodes::smoothPreviewOf(*mesh.path.node());
   if (how.mode == 0) return;
-  Preview& preview = previews_[mesh.id];
+  Preview& preview = previews_[viewport::shapeOf(mesh.id)];
   preview.isUsed = true;
-  const bool isSame = preview.how == how && preview.from.sharesPointsWith(mesh.mesh) &&
-                      preview.from.sharesTopologyWith(mesh.mesh);
+  const bool isSame = preview.how == how && preview.from == mesh.mesh;
   if (!isSame) {
     auto made = nodes::makePreview(mesh.mesh, how);
     if (!made) return;  // too many faces to show: the mesh shows as it is
@@ -123,9 +126,16 @@ void Materials::dressMesh(scene::Document& document, viewport::RenderMesh& mesh)
   }
   if (!whole && groups.empty()) return;
   mesh.materials = {whole ? materialOf(document, *whole) : unassigned()};
-  if (groups.empty()) return;
-  for (dg::Node* owner : owners) mesh.materials.push_back(materialOf(document, *owner));
-  Faces& faces = faces_[mesh.id];
+  owners.insert(owners.begin(), whole);
+  if (groups.empty()) return project(mesh, owners);
+  for (dg::Node* owner : std::span(owners).subspan(1))
+    mesh.materials.push_back(materialOf(document, *owner));
+  // Instances mostly have their faces in the same groups as the first place.
+  const auto first = faces_.find(viewport::instanceId(viewport::shapeOf(mesh.id), 0));
+  const bool isShared = first != faces_.end() && first->second.isUsed &&
+                        first->second.faceCount == mesh.mesh.faceCount() &&
+                        first->second.groups == groups;
+  Faces& faces = isShared ? first->second : faces_[mesh.id];
   faces.isUsed = true;
   if (!faces.numbers || faces.faceCount != mesh.mesh.faceCount() || faces.groups != groups) {
     faces.faceCount = mesh.mesh.faceCount();
@@ -141,6 +151,35 @@ void Materials::dressMesh(scene::Document& document, viewport::RenderMesh& mesh)
     faces.numbers = std::move(numbers);
   }
   mesh.faceMaterials = faces.numbers;
+  project(mesh, owners);
+}
+
+void Materials::project(viewport::RenderMesh& mesh, const std::vector<dg::Node*>& groups) {
+  std::vector<std::optional<nodes::TextureProjection>> projections;
+  for (dg::Node* group : groups) {
+    const auto found = group ? projectionOf_.find(group) : projectionOf_.end();
+    projections.push_back(
+        found == projectionOf_.end() ? std::nullopt : nodes::textureProjectionOf(*found->second));
+  }
+  if (std::ranges::none_of(projections, [](const auto& each) { return each.has_value(); })) return;
+  Projected& kept = projected_[mesh.id];
+  kept.isUsed = true;
+  const bool isSame = kept.world == mesh.world && kept.projections == projections &&
+                      kept.numbers == mesh.faceMaterials && kept.from == mesh.mesh;
+  if (!isSame) {
+    std::vector<std::vector<FaceId>> faces(projections.size());
+    for (FaceId face = 0; face < mesh.mesh.faceCount(); ++face)
+      faces[mesh.faceMaterials ? (*mesh.faceMaterials)[at(face)] : 0].push_back(face);
+    kept.made = mesh.mesh;
+    for (std::size_t i = 0; i < faces.size(); ++i)
+      if (projections[i] && !faces[i].empty())
+        nodes::projectTexture(kept.made, faces[i], mesh.world, *projections[i]);
+    kept.from = mesh.mesh;
+    kept.world = mesh.world;
+    kept.projections = std::move(projections);
+    kept.numbers = mesh.faceMaterials;
+  }
+  mesh.mesh = kept.made;
 }
 
 MaterialPtr Materials::materialOf(scene::Document& document, dg::Node& group) {
@@ -148,6 +187,14 @@ MaterialPtr Materials::materialOf(scene::Document& document, dg::Node& group) {
   if (material) return material;
   const dg::Plug shader = group.graph().source(group.plug("surfaceShader"));
   MaterialPtr read = shader ? this->read(document, shader) : unassigned();
+  if (shader) {
+    const bool isLambert = shader.node()->type().isA("lambert");
+    const dg::Plug color = isLambert ? shader.node()->plug("color") : shader;
+    dg::Node* projection = isLambert || !shader.node()->type().isA("surfaceShader")
+                               ? nodes::projectionBehind(color)
+                               : nodes::projectionBehind(shader.node()->plug("outColor"));
+    if (projection) projectionOf_[&group] = projection;
+  }
   return thisFrame_[&group] = std::move(read);
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/nodes/shading/bake.h"
+#include "host/nodes/shading/projection_nodes.h"
 #include "host/nodes/smooth_preview.h"
 #include "host/scene/document.h"
 #include "host/viewport/scene_view.h"
@@ -50,7 +51,18 @@ class Materials {
     bool isUsed = false;
   };
 
+  /// A mesh with the UVs by which projections lie on its faces, as long as all of it stays.
+  struct Projected {
+    mesh::Mesh from, made;
+    math::Matrix4 world;
+    std::vector<std::optional<nodes::TextureProjection>> projections;  ///< one a material
+    std::shared_ptr<const std::vector<std::uint32_t>> numbers;
+    bool isUsed = false;
+  };
+
   void smooth(viewport::RenderMesh& mesh);
+  /// @param groups the shading groups by the mesh's materials, null where there is none
+  void project(viewport::RenderMesh& mesh, const std::vector<dg::Node*>& groups);
   void dressMesh(scene::Document& document, viewport::RenderMesh& mesh);
   viewport::MaterialPtr materialOf(scene::Document& document, dg::Node& group);
   viewport::MaterialPtr read(scene::Document& document, const dg::Plug& shader);
@@ -64,6 +76,8 @@ class Materials {
   std::unordered_map<std::uint64_t, Faces> faces_;
   std::unordered_map<std::uint64_t, Baked> baked_;
   std::unordered_map<std::uint64_t, Preview> previews_;
+  std::unordered_map<std::uint64_t, Projected> projected_;
+  std::unordered_map<const dg::Node*, dg::Node*> projectionOf_;  ///< this frame's, by group
   std::vector<nodes::PicturePtr> found_;  ///< by the network that is being read
 };
 

@@ -1,5 +1,6 @@
 #include "host/workspace/views.h"
 
+#include "host/base/messages.h"
 #include "host/math/transform.h"
 #include "host/viewport/backends/gl_backend.h"
 #include "host/viewport/scene_gather.h"
@@ -79,8 +80,7 @@ std::vector<dg::Node*> isolatedNodes(const View& view) {
 
 namespace {
 
-Result<viewport::SceneView> gather(scene::Document& document, const View& view,
-                                   viewport::GatherOptions options) {
+Result<viewport::SceneView> emptyView(scene::Document& document, const View& view) {
   const auto path = cameraPath(document, view.cameraName);
   if (!path) return failWith(path.error());
   auto camera = viewport::gatherCamera(*path);
@@ -89,28 +89,63 @@ Result<viewport::SceneView> gather(scene::Document& document, const View& view,
   scene.camera = *camera;
   scene.port = view.port;
   scene.options = view.options;
-  std::unordered_set<const dg::Node*> only;
-  for (const std::weak_ptr<dg::Node>& node : view.isolated) only.insert(node.lock().get());
-  if (view.isIsolated) options.only = &only;
-  if (view.options.showMeshes) scene.meshes = viewport::gatherMeshes(document, options);
   scene.options.lightMode = view.lightsShown == "default" ? viewport::LightMode::Default
                             : view.lightsShown == "flat"  ? viewport::LightMode::Flat
                                                           : viewport::LightMode::Scene;
   return scene;
 }
 
+/// Everything of a walk that a view shows: one walk, whatever kinds there are.
+void gatherPlaces(scene::Document& document, const View& view, bool vertexMode,
+                  viewport::SceneView& scene, scene::PlaceBudget& budget) {
+  std::unordered_set<const dg::Node*> only;
+  for (const std::weak_ptr<dg::Node>& node : view.isolated) only.insert(node.lock().get());
+  const viewport::GatherOptions options{vertexMode, view.isIsolated ? &only : nullptr};
+  const viewport::PathStates states(document);
+  viewport::MeshGatherer meshes(document, states, options);
+  LightGatherer lights(view.lightsShown);
+  const auto surfaces = view.editorFlags.find("nurbsSurfaces");
+  MarkGatherer marks(scene.options, surfaces == view.editorFlags.end() || surfaces->second);
+  std::vector<viewport::PlaceVisitor*> visitors{&lights, &marks};
+  if (view.options.showMeshes) visitors.push_back(&meshes);
+  viewport::walkShown(document, states, {options.only}, visitors, budget);
+  scene.meshes = std::move(meshes.meshes);
+  scene.lights = std::move(lights.lights);
+  const std::size_t first = scene.extra.items.size();
+  scene.extra.append(marks.list);
+  for (viewport::DrawnObject& object : marks.objects) {
+    object.firstItem += first;
+    scene.objects.push_back(std::move(object));
+  }
+}
+
+/// Says once, not at every frame, that a scene has more places than views show.
+void tellLeftOut(const scene::PlaceBudget& budget) {
+  static std::weak_ptr<const dg::Node> told;  // one document lives at a time
+  const dg::Node* node = budget.leftOut();
+  if (!node || told.lock().get() == node) return;
+  told = node->weak_from_this();
+  postMessage(MessageKind::Warning, "Views: " + budget.warning());
+}
+
 }  // namespace
 
 Result<viewport::SceneView> gatherView(scene::Document& document, const View& view) {
-  return gather(document, view, {});
+  auto scene = emptyView(document, view);
+  if (!scene || !view.options.showMeshes) return scene;
+  std::unordered_set<const dg::Node*> only;
+  for (const std::weak_ptr<dg::Node>& node : view.isolated) only.insert(node.lock().get());
+  scene->meshes = viewport::gatherMeshes(document, {false, view.isIsolated ? &only : nullptr});
+  return scene;
 }
 
 Result<viewport::SceneView> gatherView(scene::Document& document, const Views& views,
                                        const View& view) {
-  auto scene = gather(document, view, {.vertexMode = views.showsVertices && views.showsVertices()});
+  auto scene = emptyView(document, view);
   if (!scene) return scene;
-  scene->lights = gatherLights(document, view.lightsShown);
-  drawMarks(document, view, *scene);
+  scene::PlaceBudget budget;
+  gatherPlaces(document, view, views.showsVertices && views.showsVertices(), *scene, budget);
+  tellLeftOut(budget);
   for (const Views::Gather& gather : views.gatherers) gather(document, view, *scene);
   return scene;
 }
@@ -118,7 +153,7 @@ Result<viewport::SceneView> gatherView(scene::Document& document, const Views& v
 Result<void> placeCamera(scene::Document& document, const scene::DagPath& shape,
                          const viewport::Camera& camera) {
   const scene::DagPath transform = shape.transform();
-  const auto parent = math::inverse(transform.parent().inclusiveMatrix());
+  const auto parent = math::inverse(transform.exclusiveMatrix());
   if (!parent)
     return fail("the camera {} hangs under a transform with a zero scale", shape.partialName());
   dg::Graph& graph = document.graph();

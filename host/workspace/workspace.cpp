@@ -64,6 +64,9 @@ void Workspace::giveToolsTheirViews() {
   toolbox.views.scene = [this](const std::string& panel) {
     return gatherView(session_.document(), viewOf(panel));
   };
+  toolbox.views.whole = [this](const std::string& panel) {
+    return gatherView(session_.document(), views, viewOf(panel));
+  };
   toolbox.views.setCamera = [this](const std::string& panel,
                                    const viewport::Camera& camera) -> Result<void> {
     scene::Document& document = session_.document();

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "host/dg/numeric_data.h"
 #include "host/scene/dag.h"
 
 namespace host::api {
@@ -37,6 +38,13 @@ constexpr TypeName kNodeTypes[] = {
     {"geometryFilter", MFn::kGeometryFilt},
     {"weightGeometryFilter", MFn::kWeightGeometryFilt},
     {"skinCluster", MFn::kSkinClusterFilter},
+    {"blendShape", MFn::kBlendShape},
+    {"tweak", MFn::kTweak},
+    {"cluster", MFn::kClusterFilter},
+    {"clusterHandle", MFn::kCluster},
+    {"ffd", MFn::kFFD},
+    {"lattice", MFn::kLattice},
+    {"baseLattice", MFn::kBaseLattice},
     {"joint", MFn::kJoint},
     {"animCurve", MFn::kAnimCurve},
     {"animCurveTL", MFn::kAnimCurveTimeToDistance},
@@ -259,7 +267,7 @@ bool toComponentType(MFn::Type type, scene::ComponentType& result) {
 MFn::Type fnTypeOf(const dg::Data& data) {
   for (const DataName& entry : kDataTypes)
     if (entry.name == data.typeName()) return entry.type;
-  if (data.typeName().substr(0, 7) == "numeric") return MFn::kNumericData;
+  if (dg::numericDataSize(data.typeName()) > 0) return MFn::kNumericData;
   return MFn::kPluginData;
 }
 

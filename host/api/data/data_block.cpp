@@ -31,11 +31,16 @@ bool bringUpToDate(const dg::Plug& plug, MStatus* status) {
   return static_cast<bool>(done);
 }
 
+const StorePtr& storeOf(const MDataBlock& block) {
+  const BlockRep* rep = blockOf(block);
+  return rep && rep->isEdit ? editStore() : outputStore();
+}
+
 MDataHandle handleAt(const MDataBlock& block, const dg::Plug& plug, bool isInput, MStatus* status) {
   if (plug.isNull()) return {};
   if (isInput && !bringUpToDate(plug, status)) return {};
   MDataHandle handle =
-      wrapHandle(new HandleRep(outputStore(), plug, !isInput, Access::handle(block)));
+      wrapHandle(new HandleRep(storeOf(block), plug, !isInput, Access::handle(block)));
   if (BlockRep* rep = blockOf(block); isInput && rep && rep->keepsInputs)
     rep->inputs.push_back(Access::handle(handle));
   return handle;
@@ -53,7 +58,7 @@ MArrayDataHandle arrayAt(const MDataBlock& block, const dg::Plug& plug, bool isI
   }
   if (isInput && !bringUpToDate(plug, status)) return nothing();
   return Access::make<MArrayDataHandle>(
-      new ArrayRep(outputStore(), plug, !isInput, Access::handle(block)));
+      new ArrayRep(storeOf(block), plug, !isInput, Access::handle(block)));
 }
 
 }  // namespace

@@ -216,6 +216,12 @@ void HandleRep::writeNumbers(const double* numbers, int count) {
     return;
   }
   static constexpr const char* kKinds[] = {"double2", "double3", "double4"};
+  // What an attribute of such data says; without a plug or for other kinds plain doubles.
+  const std::string& declared = plug.attribute()->dataType;
+  if (dg::numericDataSize(declared) == count) {
+    write(makeNumericData(declared, std::vector<double>(numbers, numbers + count)));
+    return;
+  }
   write(makeNumericData(kKinds[std::clamp(count, 2, 4) - 2],
                         std::vector<double>(numbers, numbers + count)));
 }

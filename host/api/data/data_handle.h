@@ -22,6 +22,7 @@ struct BlockRep final : SharedRep {
   /// it. They hold this block in turn until close().
   std::vector<Handle> inputs;
   bool keepsInputs = false;
+  bool isEdit = false;  ///< what is written into it is an edit of the node, not a result
 
   void close() {
     isOpen = false;

@@ -1,5 +1,7 @@
 #include "host/api/data/data_types.h"
 
+#include "host/dg/numeric_data.h"
+
 namespace host::api {
 namespace {
 
@@ -63,7 +65,7 @@ std::string_view dataTypeName(MFnData::Type type) {
 MFnData::Type dataTypeOf(std::string_view typeName) {
   for (const DataName& entry : kDataNames)
     if (entry.name == typeName) return entry.type;
-  if (typeName.substr(0, 7) == "numeric") return MFnData::kNumeric;
+  if (dg::numericDataSize(typeName) > 0) return MFnData::kNumeric;
   return typeName.empty() ? MFnData::kAny : MFnData::kPlugin;
 }
 

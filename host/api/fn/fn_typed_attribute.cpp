@@ -33,7 +33,7 @@ MObject makeTyped(const MString& fullName, const MString& briefName, std::string
 std::string acceptWord(MFnNumericData::Type type) {
   NumericKind kind;
   if (!numericKind(type, kind)) return {};
-  if (!kind.compound.empty()) return "numeric:" + std::string(kind.compound);
+  if (!kind.compound.empty()) return std::string(kind.compound);
   return std::string(dg::makeAttribute("a", "a", kind.leaf)->typeWord());
 }
 std::string acceptWord(const MTypeId& id) {

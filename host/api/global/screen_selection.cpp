@@ -67,7 +67,7 @@ MStatus writeMask(const MaskWord (&words)[Count], const MSelectionMask& mask, bo
 MStatus selectInRectangle(viewport::PickRect rect, MGlobal::ListAdjustment how) {
   cmd::Session& session = cmd::currentSession();
   tools::ToolRegistry& registry = workspace::workspaceOf(session).toolbox;
-  const auto view = registry.views.scene({});
+  const auto view = registry.views.wholeOf({});
   if (!view) return toStatus(view);
   auto picked = tools::pickFromScreen(session.document(), registry.picker(), *view, rect,
                                       registry.views.pickOptions());

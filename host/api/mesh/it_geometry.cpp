@@ -11,6 +11,7 @@
 #include "host/mesh/components.h"
 #include "host/mesh/normals.h"
 #include "host/nodes/mesh_components.h"
+#include "host/scene/point_shape.h"
 
 namespace host::api {
 namespace {
@@ -39,6 +40,19 @@ struct GeometryWalk final : SharedRep {
     visited.resize(curved->size());
     std::iota(visited.begin(), visited.end(), 0);
   }
+  /// Over the points of a plug-in's shape, which keep their doubles.
+  GeometryWalk(const scene::PointShape& shapeIn, scene::DagPath pathIn,
+               std::span<const scene::Component> components)
+      : shape(&shapeIn), path(std::move(pathIn)) {
+    auto points = shape->points(*path.node(), components);
+    if (!points) return;
+    isThere = true;
+    for (const scene::NumberedPoint& point : *points) {
+      visited.emplace_back(point.index);
+      exact.push_back(point.place);
+    }
+    exactBefore = exact;
+  }
   ~GeometryWalk() override { (void)flush(); }
 
   void limit(std::vector<VertexId> some) {
@@ -54,8 +68,44 @@ struct GeometryWalk final : SharedRep {
     if (curved) return curved->flush();
     if (!isChanged) return MStatus::kSuccess;
     isChanged = false;
+    if (shape) return flushShape();
     if (isSome) return movePoints(target, visited, places);
     return target.writePoints(std::vector<math::Vec3f>(places));
+  }
+  /// Moves what is elsewhere now, each by its own way.
+  MStatus flushShape() {
+    for (std::size_t i = 0; i < exact.size(); ++i) {
+      if (exact[i] == exactBefore[i]) continue;
+      const scene::Component one(scene::ComponentType::Vertex, {visited[i]});
+      const auto by = math::Matrix4::translation(exact[i] - exactBefore[i]);
+      if (const auto done = shape->transform(*path.node(), {&one, 1}, by); !done)
+        return toStatus(done);
+      exactBefore[i] = exact[i];
+    }
+    return MStatus::kSuccess;
+  }
+  [[nodiscard]] MStatus spaceMatrix(MSpace::Space space,
+                                    std::optional<math::Matrix4>& toSpace) const {
+    if (!shape) return target.spaceMatrix(space, toSpace);
+    if (space == MSpace::kWorld) toSpace = path.inclusiveMatrix();
+    return MStatus::kSuccess;
+  }
+  [[nodiscard]] MPoint place(std::size_t i, const std::optional<math::Matrix4>& toSpace) const {
+    if (!shape) return pointIn(places[i], toSpace);
+    return toMPoint(toSpace ? math::transformPoint(exact[i], *toSpace) : exact[i]);
+  }
+  /// False where the space can't be inverted.
+  bool setPlace(std::size_t i, const MPoint& point, const std::optional<math::Matrix4>& toSpace) {
+    if (!shape) {
+      const auto stored = pointFrom(point, toSpace);
+      if (stored) places[i] = *stored;
+      isChanged = isChanged || stored;
+      return stored.has_value();
+    }
+    isChanged = true;
+    const auto back = toSpace ? math::inverse(*toSpace) : std::optional(math::Matrix4());
+    if (back) exact[i] = toSpace ? math::transformPoint(toVec3(point), *back) : toVec3(point);
+    return back.has_value();
   }
   [[nodiscard]] bool isAtEnd() const { return at >= visited.size(); }
   [[nodiscard]] VertexId here() const { return visited[at]; }
@@ -69,6 +119,10 @@ struct GeometryWalk final : SharedRep {
   bool isThere = false, isChanged = false, isSome = false;
   Handle keepAlive;
   std::optional<CurvedPoints> curved;  ///< of what is no mesh
+  // Of a plug-in's shape.
+  const scene::PointShape* shape = nullptr;
+  scene::DagPath path;
+  std::vector<math::Vec3> exact, exactBefore;
 };
 
 GeometryWalk* walkOf(const MItGeometry& iterator) {
@@ -101,7 +155,20 @@ Handle walkObject(const MObject& object, MStatus* status) {
   return walk(MeshTarget(object), std::nullopt, status);
 }
 
+/// The walk over a plug-in's shape; null where there is none at the path.
+Handle walkShape(const MDagPath& path, const MObject& component, MStatus* status) {
+  const scene::DagPath shape = pathOf(path).toShape();
+  const scene::PointShape* points = shape.isWorld() ? nullptr : scene::pointShapeOf(*shape.node());
+  if (!points) return {};
+  std::span<const scene::Component> some;
+  if (const scene::Component* wanted = componentOf(component)) some = {wanted, 1};
+  auto* made = new GeometryWalk(*points, shape, some);
+  setStatus(status, made->isThere ? MStatus::kSuccess : MStatus::kInvalidParameter);
+  return Handle(made);
+}
+
 Handle walkPath(const MDagPath& path, const MObject& component, MStatus* status) {
+  if (Handle shape = walkShape(path, component, status)) return shape;
   if (Handle made = walkCurved(path.node(), path, status)) return made;
   const MeshTarget target(path);
   std::optional<std::vector<VertexId>> some;
@@ -177,28 +244,23 @@ MPoint MItGeometry::position(MSpace::Space space, MStatus* status) const {
   if (walk->curved && !walk->isAtEnd())
     return walk->curved->point(walk->herePoint(), space, status);
   std::optional<math::Matrix4> toSpace;
-  const MStatus known =
-      walk->isAtEnd() ? MStatus::kFailure : walk->target.spaceMatrix(space, toSpace);
+  const MStatus known = walk->isAtEnd() ? MStatus::kFailure : walk->spaceMatrix(space, toSpace);
   setStatus(status, known.statusCode());
-  return known ? api::pointIn(walk->places[walk->at], toSpace) : MPoint();
+  return known ? walk->place(walk->at, toSpace) : MPoint();
 }
 MStatus MItGeometry::setPosition(const MPoint& point, MSpace::Space space) {
   GeometryWalk* walk = walkOf(*this);
   if (walk->isAtEnd()) return MStatus::kFailure;
   if (walk->curved) return walk->curved->setPoint(walk->herePoint(), point, space);
   std::optional<math::Matrix4> toSpace;
-  const MStatus known = walk->target.spaceMatrix(space, toSpace);
+  const MStatus known = walk->spaceMatrix(space, toSpace);
   if (!known) return known;
-  const auto stored = api::pointFrom(point, toSpace);
-  if (!stored) return MStatus::kFailure;
-  walk->places[walk->at] = *stored;
-  walk->isChanged = true;
-  return MStatus::kSuccess;
+  return walk->setPlace(walk->at, point, toSpace) ? MStatus::kSuccess : MStatus::kFailure;
 }
 MVector MItGeometry::normal(MStatus* status) const {
   const GeometryWalk* walk = walkOf(*this);
-  // Control points lie off their curve or surface, which has no normal there.
-  const bool isThere = !walk->isAtEnd() && !walk->curved;
+  // Control points lie off their curve or surface, and a plug-in's points have none either.
+  const bool isThere = !walk->isAtEnd() && !walk->curved && !walk->shape;
   setStatus(status, isThere ? MStatus::kSuccess : MStatus::kFailure);
   if (!isThere) return {};
   math::Vec3 sum;
@@ -244,11 +306,11 @@ MStatus MItGeometry::allPositions(MPointArray& points, MSpace::Space space) cons
     return status;
   }
   std::optional<math::Matrix4> toSpace;
-  const MStatus known = walk->target.spaceMatrix(space, toSpace);
+  const MStatus known = walk->spaceMatrix(space, toSpace);
   if (!known) return known;
   points.setLength(static_cast<unsigned int>(walk->visited.size()));
   for (std::size_t i = 0; i < walk->visited.size(); ++i)
-    points[static_cast<unsigned int>(i)] = api::pointIn(walk->places[i], toSpace);
+    points[static_cast<unsigned int>(i)] = walk->place(i, toSpace);
   return MStatus::kSuccess;
 }
 MStatus MItGeometry::setAllPositions(const MPointArray& points, MSpace::Space space) {
@@ -262,13 +324,9 @@ MStatus MItGeometry::setAllPositions(const MPointArray& points, MSpace::Space sp
     return walk->flush();
   }
   std::optional<math::Matrix4> toSpace;
-  const MStatus known = walk->target.spaceMatrix(space, toSpace);
+  const MStatus known = walk->spaceMatrix(space, toSpace);
   if (!known) return known;
-  for (std::size_t i = 0; i < walk->visited.size(); ++i) {
-    const auto stored = api::pointFrom(points[static_cast<unsigned int>(i)], toSpace);
-    if (!stored) return MStatus::kFailure;
-    walk->places[i] = *stored;
-  }
-  walk->isChanged = true;
+  for (std::size_t i = 0; i < walk->visited.size(); ++i)
+    if (!walk->setPlace(i, points[static_cast<unsigned int>(i)], toSpace)) return MStatus::kFailure;
   return walk->flush();
 }

@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "host/api/node/plugin_points.h"
 #include "host/api/node/px_node.h"
 #include "host/base/messages.h"
 #include "host/cmd/session.h"
@@ -55,6 +56,17 @@ const dg::NodeType* plainBase(dg::TypeRegistry& types) {
   return nodes::TypeBuilder(types, "dependNode").setAbstract().finish();
 }
 
+/// The root of plug-in shapes.
+const dg::NodeType* shapeBase(dg::TypeRegistry& types) {
+  if (const dg::NodeType* known = types.find(kPluginShapeBase)) return known;
+  nodes::TypeBuilder builder(types, kPluginShapeBase, "surfaceShape");
+  builder.add(
+      nodes::array(nodes::numbers("controlPoints", "cp", "double3",
+                                  {nodes::distance("xValue", "xv"), nodes::distance("yValue", "yv"),
+                                   nodes::distance("zValue", "zv")})));
+  return builder.setAbstract().finish();
+}
+
 const dg::NodeType* baseOf(dg::TypeRegistry& types, MPxNode::Type kind) {
   switch (kind) {
     case MPxNode::kDependNode:
@@ -62,7 +74,7 @@ const dg::NodeType* baseOf(dg::TypeRegistry& types, MPxNode::Type kind) {
     case MPxNode::kLocatorNode:
       return types.find("locator");
     case MPxNode::kSurfaceShape:
-      return types.find("surfaceShape");
+      return shapeBase(types);
     case MPxNode::kTransformNode:
       return types.find("transform");
     case MPxNode::kObjectSet:
@@ -164,6 +176,8 @@ Result<void> addNodeClass(NodeClass nodeClass, std::uint32_t id, const std::stri
   nodeClass.validated = making.validated;
   const auto added = types.add(std::move(type));
   if (!added) return failWith(added.error());
+  if (nodeClass.kind == MPxNode::kSurfaceShape)
+    scene::setPointShape(*nodeClass.type, &pluginPoints());
   classes().push_back(std::make_unique<NodeClass>(std::move(nodeClass)));
   return {};
 }
@@ -173,6 +187,7 @@ void dropNodeClass(const std::string& name) {
   if (!nodeClass) return;
   // Deleted nodes of the type may wait in the undo queue to come back.
   cmd::currentSession().undo().flush();
+  scene::setPointShape(*nodeClass->type, nullptr);
   (void)cmd::currentSession().types().remove(name);
   while (!nodeClass->objects.empty()) {
     PxNodeRep* rep = *nodeClass->objects.begin();

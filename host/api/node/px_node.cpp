@@ -6,6 +6,7 @@
 #include <maya/MPxTransform.h>
 
 #include "host/api/data/data_handle.h"
+#include "host/api/node/plugin_points.h"
 #include "host/cmd/session.h"
 
 namespace host::api {
@@ -44,6 +45,10 @@ void refreshShapesAndTransforms(dg::TypeRegistry& types) {
                                        {&Shape::visibility, "visibility"},
                                        {&Shape::intermediateObject, "intermediateObject"},
                                        {&Shape::instObjGroups, "instObjGroups"}});
+  refresh(types.find(kPluginShapeBase), {{&Shape::mControlPoints, "controlPoints"},
+                                         {&Shape::mControlValueX, "xValue"},
+                                         {&Shape::mControlValueY, "yValue"},
+                                         {&Shape::mControlValueZ, "zValue"}});
   using Transform = MPxTransform;
   refresh(types.find("transform"), {{&Transform::translate, "translate"},
                                     {&Transform::translateX, "translateX"},
@@ -261,6 +266,7 @@ MDataBlock MPxNode::forceCache(MDGContext& context) {
   if (!node) return {};
   auto* block = new api::BlockRep(node->shared_from_this());
   block->context = context;
+  block->isEdit = api::PointEditScope::isOpen();
   return api::Access::make<MDataBlock>(block);
 }
 
@@ -322,6 +328,10 @@ HOST_STATIC(MPxTransform, worldInverseMatrix)
 HOST_STATIC(MPxTransform, parentMatrix)
 HOST_STATIC(MPxTransform, parentInverseMatrix)
 HOST_STATIC(MPxTransform, visibility)
+HOST_STATIC(MPxSurfaceShape, mControlPoints)
+HOST_STATIC(MPxSurfaceShape, mControlValueX)
+HOST_STATIC(MPxSurfaceShape, mControlValueY)
+HOST_STATIC(MPxSurfaceShape, mControlValueZ)
 HOST_STATIC(MPxSurfaceShape, nodeBoundingBox)
 HOST_STATIC(MPxSurfaceShape, nodeBoundingBoxMin)
 HOST_STATIC(MPxSurfaceShape, nodeBoundingBoxMax)

@@ -4,15 +4,21 @@
 #include <maya/MPxNode.h>
 
 #include <exception>
+#include <memory>
 #include <string>
 #include <unordered_set>
 
 #include "host/api/core/access.h"
 #include "host/base/messages.h"
 
+class MPxSurfaceShapeUI;
+
 namespace host::api {
 
 struct NodeClass;
+
+/// What shapes of plug-ins derive from: it has the control points.
+inline constexpr const char* kPluginShapeBase = "THsurfaceShape";
 
 /// What the host keeps with a plug-in's node object. The node owns the object, so it doesn't keep
 /// the node alive.
@@ -21,6 +27,7 @@ struct PxNodeRep final : SharedRep {
   dg::Node* node = nullptr;
   NodeClass* nodeClass = nullptr;
   bool isNotWritten = false, existsWithoutInputs = true;
+  std::shared_ptr<MPxSurfaceShapeUI> ui;  ///< of shapes: what draws them, made on first use
 };
 
 /// A node type that a plug-in has registered.
@@ -30,6 +37,7 @@ struct NodeClass {
   MPxNode::Type kind = MPxNode::kDependNode;
   dg::NodeType* type = nullptr;                   ///< owned by the registry
   MCreatorFunction matrixCreator = nullptr;       ///< of transforms with a matrix of their own
+  MCreatorFunction uiCreator = nullptr;           ///< of shapes: of the class that draws them
   std::vector<const dg::Attribute*> validated{};  ///< of transforms: what validateAndSetValue sees
   std::unordered_set<PxNodeRep*>
       objects{};  ///< of nodes that live, in the scene or in the undo queue

@@ -1,9 +1,13 @@
 #include <maya/MPxSurfaceShape.h>
-#include <maya/MPxSurfaceShapeUI.h>
 
 #include <algorithm>
 
 #include "host/api/core/access.h"
+#include "host/api/node/plugin_points.h"
+#include "host/api/view/view_rep.h"
+#include "host/scene/dag_paths.h"
+
+using namespace host;
 
 MPxSurfaceShape::MPxSurfaceShape() = default;
 MPxSurfaceShape::~MPxSurfaceShape() = default;
@@ -23,13 +27,78 @@ MSelectionMask MPxSurfaceShape::getComponentSelectionMask() const {
 bool MPxSurfaceShape::excludeAsPluginShape() const {
   return true;
 }
-void MPxSurfaceShape::componentToPlugs(MObject&, MSelectionList&) const {}
-bool MPxSurfaceShape::match(const MSelectionMask&, const MObjectArray&) const {
+bool MPxSurfaceShape::canMakeLive() const {
+  return false;
+}
+
+bool MPxSurfaceShape::hasActiveComponents() const {
+  return activeComponents().length() > 0;
+}
+MObjectArray MPxSurfaceShape::activeComponents() const {
+  const dg::Node* node = api::nodeOf(thisMObject());
+  return node ? api::selectedComponents(*node) : MObjectArray();
+}
+void MPxSurfaceShape::childChanged(MChildChanged) {
+  api::scheduleViewRefresh();
+}
+MMatrix MPxSurfaceShape::getWorldMatrix(MDataBlock&, unsigned int instance) const {
+  const dg::Node* node = api::nodeOf(thisMObject());
+  if (!node) return {};
+  const std::vector<scene::DagPath> paths = scene::allPaths(*node);
+  return instance < paths.size() ? api::toMMatrix(paths[instance].inclusiveMatrix()) : MMatrix();
+}
+
+MPxSurfaceShape::MatchResult MPxSurfaceShape::matchComponent(const MSelectionList& item,
+                                                             const MAttributeSpecArray& spec,
+                                                             MSelectionList& list) {
+  return api::matchByDefault(*this, item, spec, list);
+}
+bool MPxSurfaceShape::match(const MSelectionMask& mask, const MObjectArray& componentList) const {
+  if (componentList.length() == 0) return mask.intersects(MSelectionMask::kSelectMeshes);
+  for (unsigned int i = 0; i < componentList.length(); ++i)
+    if (componentList[i].apiType() == MFn::kMeshVertComponent &&
+        mask.intersects(MSelectionMask::kSelectMeshVerts))
+      return true;
   return false;
 }
 MObject MPxSurfaceShape::createFullVertexGroup() const {
   return {};
 }
+MObject MPxSurfaceShape::createFullRenderGroup() const {
+  return {};
+}
+void MPxSurfaceShape::componentToPlugs(MObject&, MSelectionList&) const {}
+MPxGeometryIterator* MPxSurfaceShape::geometryIteratorSetup(MObjectArray&, MObject&, bool) {
+  return nullptr;
+}
+bool MPxSurfaceShape::acceptsGeometryIterator(bool) {
+  return false;
+}
+bool MPxSurfaceShape::acceptsGeometryIterator(MObject&, bool writeable, bool) {
+  return acceptsGeometryIterator(writeable);
+}
+void MPxSurfaceShape::transformUsing(const MMatrix& by, const MObjectArray& components) {
+  api::moveByDefault(*this, by, components);
+}
+void MPxSurfaceShape::transformUsing(const MMatrix& by, const MObjectArray& components,
+                                     MVertexCachingMode, MPointArray*) {
+  transformUsing(by, components);
+}
+void MPxSurfaceShape::tweakUsing(const MMatrix& by, const MObjectArray& components,
+                                 MVertexCachingMode cachingMode, MPointArray* pointCache,
+                                 MArrayDataHandle&) {
+  transformUsing(by, components, cachingMode, pointCache);
+}
+bool MPxSurfaceShape::deleteComponents(const MObjectArray&, MDoubleArray&) {
+  return false;
+}
+bool MPxSurfaceShape::undeleteComponents(const MObjectArray&, MDoubleArray&) {
+  return false;
+}
+bool MPxSurfaceShape::vertexOffsetDirection(MObject&, MVectorArray&, MVertexOffsetMode, bool) {
+  return false;
+}
+
 MObject MPxSurfaceShape::localShapeInAttr() const {
   return {};
 }
@@ -52,26 +121,4 @@ void MPxSurfaceShape::closestPoint(const MPoint& toThisPoint, MPoint& theClosest
   theClosestPoint = MPoint(std::clamp(toThisPoint.x, box.min().x, box.max().x),
                            std::clamp(toThisPoint.y, box.min().y, box.max().y),
                            std::clamp(toThisPoint.z, box.min().z, box.max().z));
-}
-void MPxSurfaceShape::transformUsing(const MMatrix&, const MObjectArray&) {}
-void MPxSurfaceShape::transformUsing(const MMatrix& by, const MObjectArray& components,
-                                     MVertexCachingMode, MPointArray*) {
-  transformUsing(by, components);
-}
-bool MPxSurfaceShape::deleteComponents(const MObjectArray&) {
-  return false;
-}
-bool MPxSurfaceShape::acceptsGeometryIterator(bool) {
-  return false;
-}
-bool MPxSurfaceShape::acceptsGeometryIterator(MObject&, bool, bool) {
-  return false;
-}
-
-MPxSurfaceShapeUI::MPxSurfaceShapeUI() = default;
-MPxSurfaceShapeUI::~MPxSurfaceShapeUI() = default;
-void MPxSurfaceShapeUI::getDrawRequests(const MDrawInfo&, bool, MDrawRequestQueue&) {}
-void MPxSurfaceShapeUI::draw(const MDrawRequest&, M3dView&) const {}
-bool MPxSurfaceShapeUI::select(MSelectInfo&, MSelectionList&, MPointArray&) const {
-  return false;
 }

@@ -86,10 +86,9 @@ MStatus MFnPlugin::deregisterNode(const MTypeId& typeId) {
 MStatus MFnPlugin::registerShape(const MString& typeName, const MTypeId& typeId,
                                  MCreatorFunction creator, MInitializeFunction initialize,
                                  MCreatorFunction uiCreator, const MString* classification) {
-  // What the class of the interface draws is for the older views, of which there are none.
-  (void)uiCreator;
-  return registerType(recordOf(object_), {api::toStd(typeName), creator, MPxNode::kSurfaceShape},
-                      typeId, initialize, classification);
+  api::NodeClass nodeClass{api::toStd(typeName), creator, MPxNode::kSurfaceShape};
+  nodeClass.uiCreator = uiCreator;
+  return registerType(recordOf(object_), std::move(nodeClass), typeId, initialize, classification);
 }
 
 MStatus MFnPlugin::registerTransform(const MString& typeName, const MTypeId& typeId,

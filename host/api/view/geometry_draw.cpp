@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "host/api/view/display_state.h"
 #include "host/api/view/view_access.h"
 
 namespace host::api {
@@ -301,9 +302,13 @@ void drawGeometry(GeometryRegistry::Live& live, const scene::DagPath& path,
   MGeometry data;
   source.populateGeometry(requirementsOf(*items), *items, data);
   const math::Matrix4 world = path.inclusiveMatrix();
+  const MHWRender::DisplayStatus status = displayStatusOf(path);
+  const bool isFaint = status == MHWRender::kTemplate || status == MHWRender::kActiveTemplate;
   for (int i = 0; i < items->length(); ++i) {
     MRenderItem& item = *items->itemAt(i);
     DrawDoor::setPath(item, object);
+    // A template is seen through: of its surfaces nothing shows.
+    if (isFaint && item.type() == MRenderItem::MaterialSceneItem) continue;
     if (item.isEnabled() && isOfStyle(item, scene.options.style))
       addItem(item, data, world, scene.extra);
     // The buffer that it was tied to goes with the geometry.

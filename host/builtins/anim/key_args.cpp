@@ -120,6 +120,12 @@ Result<edits::KeyRange> keyRange(Context& context, const ParsedArgs& args) {
     if (!times) return failWith(times.error());
     range.times.push_back(*times);
   }
+  for (int use = 0; use < args.uses("float"); ++use) {
+    if (args.values("float", use).empty()) continue;
+    const auto values = rangeIn(args.values("float", use).front(), 1);
+    if (!values) return failWith(values.error());
+    range.times.push_back(*values);
+  }
   for (int use = 0; use < args.uses("index"); ++use) {
     const auto indices = rangeIn(args.values("index", use).front(), 1);
     if (!indices) return failWith(indices.error());
@@ -148,6 +154,9 @@ Syntax keySyntax() {
       .multiUse()
       .queryArgs()
       .flag("t", "time", {ArgType::Any})
+      .multiUse()
+      .queryArgs(cmd::QueryArgs::Optional)
+      .flag("f", "float", {ArgType::Any})
       .multiUse()
       .queryArgs(cmd::QueryArgs::Optional)
       .flag("in", "index", {ArgType::Any})

@@ -13,13 +13,14 @@ namespace host::builtins {
 /// the plugs, each once.
 [[nodiscard]] Result<std::vector<dg::Node*>> keyedCurves(Context& context, const ParsedArgs& args);
 
-/// What -time and -index say: numbers and ranges such as "1:10", "5:", ":"; times in frames.
+/// What -time, -float and -index say: numbers and ranges such as "1:10", "5:", ":"; times in frames,
+/// floats as values of what drives a curve that does not run over time.
 [[nodiscard]] Result<edits::KeyRange> keyRange(Context& context, const ParsedArgs& args);
 
 [[nodiscard]] Result<math::KeyTangent> tangentNamed(const std::string& name);
 [[nodiscard]] std::string tangentName(math::KeyTangent tangent);
 
-/// -attribute -time -index, and objects by name or selection.
+/// -attribute -time -float -index, and objects by name or selection.
 [[nodiscard]] Syntax keySyntax();
 
 /// What a curve's values are multiplied by to be stored, and its times.

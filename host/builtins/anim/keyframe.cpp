@@ -64,11 +64,11 @@ CommandResult queryKeys(Context& context, const ParsedArgs& args, const std::vec
     return toValue(std::move(names));
   }
   if (args.has("eval")) return evaluated(context, args, all);
-  if (args.has("timeChange") || args.has("valueChange")) {
+  if (args.has("timeChange") || args.has("floatChange") || args.has("valueChange")) {
     mel::FloatArray numbers;
     for (const Picked& picked : all)
       for (const std::size_t index : picked.which) {
-        if (args.has("timeChange"))
+        if (args.has(nodes::isOverTime(*picked.node) ? "timeChange" : "floatChange"))
           numbers.push_back(picked.keys.keys[index].time / timeFactor(*picked.node, units));
         if (args.has("valueChange"))
           numbers.push_back(picked.keys.keys[index].value / valueFactor(*picked.node, units));
@@ -98,7 +98,8 @@ Result<void> moveKeys(const ParsedArgs& args, const scene::Units& units, Picked&
     const auto change = [&](const char* flag, double& number, double factor) {
       if (args.has(flag)) number = args.real(flag) * factor + (isRelative ? number : 0);
     };
-    change("timeChange", key.time, timeFactor(*picked.node, units));
+    const bool isOverTime = nodes::isOverTime(*picked.node);
+    change(isOverTime ? "timeChange" : "floatChange", key.time, timeFactor(*picked.node, units));
     change("valueChange", key.value, valueFactor(*picked.node, units));
     moved.push_back(key);
   }
@@ -116,7 +117,8 @@ CommandResult keyframe(Context& context, const ParsedArgs& args) {
   auto all = pick(context, args);
   if (!all) return fail("keyframe: {}", all.error().message);
   if (args.isQuery()) return queryKeys(context, args, *all);
-  if (!args.has("timeChange") && !args.has("valueChange")) return countOf(*all);
+  if (!args.has("timeChange") && !args.has("floatChange") && !args.has("valueChange"))
+    return countOf(*all);
   int count = 0;
   for (Picked& picked : *all) {
     if (picked.which.empty()) continue;
@@ -245,6 +247,7 @@ void registerKeyframe(CommandRegistry& registry) {
          keySyntax()
              .flag("kc", "keyframeCount")
              .flag("tc", "timeChange", {ArgType::Double})
+             .flag("fc", "floatChange", {ArgType::Double})
              .flag("vc", "valueChange", {ArgType::Double})
              .flag("iv", "indexValue")
              .flag("ev", "eval")

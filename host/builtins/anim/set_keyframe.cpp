@@ -9,6 +9,8 @@ namespace {
 CommandResult setKeyframe(Context& context, const ParsedArgs& args) {
   const auto plugs = keyedPlugs(context, args);
   if (!plugs) return failWith(plugs.error());
+  if (args.has("float"))
+    return fail("setKeyframe: -float is of keys over another attribute: use setDrivenKeyframe.");
   const scene::Units& units = context.document.units();
   edits::KeyOptions options;
   options.inserts = args.has("insert");

@@ -101,9 +101,9 @@ Result<AttributePtr> describe(const ParsedArgs& args, const scene::Units& units)
   const std::string dataType = args.text("dataType");
   const std::string type = args.text("attributeType", dataType.empty() ? "double" : "");
   AttributePtr attribute;
-  if (isTuple(type) || isTuple(dataType)) {
+  if (isTuple(type)) {
     attribute = dg::makeCompound(longName, shortName, {});
-    attribute->compoundType = isTuple(type) ? type : dataType;
+    attribute->compoundType = type;
   } else if (type == "compound") {
     attribute = dg::makeCompound(longName, shortName, {});
   } else if (type == "enum") {

@@ -1,4 +1,5 @@
 #include "host/builtins/common/command.h"
+#include "host/builtins/common/vertex_names.h"
 #include "host/cmd/plug_values.h"
 #include "host/edits/at_time.h"
 
@@ -77,7 +78,7 @@ CommandResult readAt(Context& context, const Plug& plug, double seconds) {
 }
 
 CommandResult getAttr(Context& context, const ParsedArgs& args) {
-  const std::string name = args.firstObject();
+  const std::string name = offsetOfVertex(context.document, args.firstObject());
   if (name.empty()) {
     const std::vector<std::string> selected = context.document.selection().names();
     return fail("getAttr: name an attribute{}.",

@@ -2,6 +2,7 @@
 #include <optional>
 
 #include "host/builtins/common/command.h"
+#include "host/builtins/common/vertex_names.h"
 #include "host/cmd/plug_values.h"
 #include "host/dg/foreign_data.h"
 #include "host/io/ma/ma_attributes.h"
@@ -183,8 +184,9 @@ Result<void> setValues(Context& context, const ParsedArgs& args, const Plug& plu
 
 CommandResult setAttr(Context& context, const ParsedArgs& args) {
   const std::vector<mel::Value>& words = args.arguments();
-  const std::string name =
-      words.front().toTexts().empty() ? std::string{} : words.front().toTexts().front();
+  const std::string name = offsetOfVertex(context.document, words.front().toTexts().empty()
+                                                                ? std::string{}
+                                                                : words.front().toTexts().front());
   const std::span<const mel::Value> values(words.data() + 1, words.size() - 1);
   auto plug = context.document.plug(name);
   if (!plug) {

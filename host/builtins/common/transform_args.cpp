@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace host::builtins {
 
@@ -58,13 +59,16 @@ NumbersAndNames splitNumbers(const ParsedArgs& args, std::size_t most, ArgType t
 
 std::array<bool, 3> axesOf(const ParsedArgs& args, std::string_view command) {
   std::array<bool, 3> axes{true, true, true};
+  bool isFirst = true;
   for (const ParsedArgs::FlagUse& use : args.flagUses()) {
     const std::string_view name = use.spec->longName;
     if (!name.starts_with(command) || name.size() <= command.size()) continue;
     const std::string_view letters = name.substr(command.size());
     if (letters.find_first_not_of("XYZ") != std::string_view::npos) continue;
+    // Several flags name an axis each.
+    if (std::exchange(isFirst, false)) axes = {};
     for (std::size_t axis = 0; axis < axes.size(); ++axis)
-      axes[axis] = letters.find("XYZ"[axis]) != std::string_view::npos;
+      axes[axis] = axes[axis] || letters.find("XYZ"[axis]) != std::string_view::npos;
   }
   return axes;
 }

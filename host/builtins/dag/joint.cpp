@@ -36,7 +36,7 @@ Result<void> apply(Context& context, const ParsedArgs& args, dg::Node& joint) {
   math::Vec3 place = args.vec3("position");
   if (!args.has("relative")) {
     const scene::DagPath path = scene::firstPath(joint);
-    const auto back = math::inverse(path.parent().inclusiveMatrix());
+    const auto back = math::inverse(path.exclusiveMatrix());
     if (!back) return fail("joint: the joint hangs under a transform with a zero scale.");
     place = math::transformPoint(place, *back);
   }

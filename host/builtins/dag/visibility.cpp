@@ -1,5 +1,6 @@
-// hide, showHidden: the visibility attribute of objects.
+// hide, showHidden: the visibility attribute of objects; inheritTransform.
 #include "host/builtins/common/command.h"
+#include "host/nodes/transform.h"
 
 namespace host::builtins {
 
@@ -61,9 +62,46 @@ CommandResult setVisibility(Context& context, const ParsedArgs& args, bool isVis
   return mel::Value();
 }
 
+/// Whether objects go along with what is above them. With -preserve they stay where they are.
+CommandResult inheritTransform(Context& context, const ParsedArgs& args) {
+  auto list = args.resolveObjects(context.document);
+  if (!list) return failWith(std::move(list.error()));
+  std::vector<scene::DagPath> paths;
+  for (const scene::SelectionItem& item : list->items())
+    if (item.isDag() && scene::isTransform(*item.node)) paths.push_back(item.path);
+  if (paths.empty()) return fail("inheritTransform: name or select an object.");
+  dg::Graph& graph = context.document.graph();
+  for (const scene::DagPath& path : paths) {
+    const dg::Plug plug = path.node()->plug("inheritsTransform");
+    auto now = graph.get(plug);
+    if (!now) return failWith(std::move(now.error()));
+    const auto* value = std::get_if<std::int64_t>(&*now);
+    const bool was = value && *value != 0;
+    if (args.isQuery()) return mel::Value(was);
+    const bool wanted = args.has("on") || (!args.has("off") && !was);
+    const math::Matrix4 place = path.inclusiveMatrix();
+    HOST_TRY(graph.set(plug, std::int64_t{wanted}));
+    if (!args.has("preserve") || wanted == was) continue;
+    const auto parent = math::inverse(path.exclusiveMatrix());
+    if (wanted && !parent)
+      return fail("inheritTransform: '{}' hangs under a scale of zero.", path.partialName());
+    HOST_TRY(nodes::setLocalMatrix(*path.node(), wanted ? place * *parent : place));
+  }
+  return mel::Value();
+}
+
 }  // namespace
 
 void registerVisibility(CommandRegistry& registry) {
+  define(registry, "inheritTransform",
+         Syntax()
+             .flag("on", "on")
+             .flag("off", "off")
+             .flag("tgl", "toggle")
+             .flag("p", "preserve")
+             .queryable()
+             .objects(0, -1, true),
+         inheritTransform);
   define(
       registry, "hide", Syntax().flag("all", "all").flag("rh", "returnHidden").objects(0, -1, true),
       [](Context& context, const ParsedArgs& args) { return setVisibility(context, args, false); });

@@ -35,15 +35,25 @@ mel::FloatArray cells(const Matrix4& matrix) {
   return result;
 }
 
-CommandResult queryComponents(const std::vector<nodes::MeshItem>& items, bool isWorld,
+CommandResult queryComponents(const edits::TransformTargets& targets, bool isWorld,
                               const scene::Units& units) {
   mel::FloatArray result;
+  const std::vector<nodes::MeshItem>& items = targets.meshes;
   const double factor = units.toCentimeters(1.0);
   for (const nodes::MeshItem& item : items) {
     const Matrix4 matrix = isWorld ? item.path.inclusiveMatrix() : Matrix4{};
     for (const VertexId v : item.vertices()) {
       const Vec3 p =
           isWorld ? math::transformPoint(item.mesh.point(v), matrix) : item.mesh.point(v);
+      result.insert(result.end(), {p.x / factor, p.y / factor, p.z / factor});
+    }
+  }
+  for (const scene::PointItem& item : targets.points) {
+    const Matrix4 matrix = isWorld ? item.path.inclusiveMatrix() : Matrix4{};
+    const auto points = item.points();
+    if (!points) return failWith(points.error());
+    for (const scene::NumberedPoint& point : *points) {
+      const Vec3 p = isWorld ? math::transformPoint(point.place, matrix) : point.place;
       result.insert(result.end(), {p.x / factor, p.y / factor, p.z / factor});
     }
   }
@@ -142,7 +152,7 @@ CommandResult xform(Context& context, const ParsedArgs& args) {
     if (!targets) return failWith(targets.error());
     if (targets->objects.empty()) {
       if (!args.has("translation")) return fail("xform: components have a translation only.");
-      return queryComponents(targets->meshes, args.has("worldSpace"), units);
+      return queryComponents(*targets, args.has("worldSpace"), units);
     }
     const scene::DagPath& path = targets->objects.front();
     const auto components = nodes::readTransform(*path.node());

@@ -3,6 +3,7 @@
 #include <map>
 
 #include "host/builtins/common/command.h"
+#include "host/builtins/deform/deformer_flags.h"
 #include "host/builtins/deform/meshes_named.h"
 #include "host/mesh/components.h"
 #include "host/nodes/history/deformers.h"
@@ -16,16 +17,6 @@ namespace {
 
 using nodes::MeshItem;
 
-/// The shapes that the words or the selection name, with the parts of them that do.
-Result<std::vector<MeshItem>> namedShapes(Context& context, const ParsedArgs& args) {
-  auto list = args.resolveObjects(context.document);
-  if (!list) return failWith(std::move(list.error()));
-  scene::SelectionList shapes;
-  for (const scene::SelectionItem& item : list->items())
-    if (item.isDag()) shapes.merge(item);
-  return nodes::meshItems(shapes);
-}
-
 Result<dg::Node*> deformerNamed(Context& context, const std::string& name) {
   auto node = context.document.node(name);
   if (!node) return failWith(std::move(node.error()));
@@ -33,37 +24,10 @@ Result<dg::Node*> deformerNamed(Context& context, const std::string& name) {
   return *node;
 }
 
-Result<void> changeGeometry(Context& context, const ParsedArgs& args, dg::Node& deformer) {
-  const bool removes = args.has("remove");
-  for (const std::string& name : args.texts("geometry")) {
-    auto list = context.document.resolve(name);
-    if (!list) return failWith(std::move(list.error()));
-    const auto items = nodes::meshItems(*list);
-    if (!items) return failWith(items.error());
-    for (const MeshItem& item : *items) {
-      if (removes) {
-        HOST_TRY(nodes::removeDeformedShape(context.document, deformer, *item.path.node()));
-        continue;
-      }
-      const auto added =
-          nodes::addDeformedShape(context.document, deformer, *item.path.node(), item.components);
-      if (!added) return failWith(added.error());
-    }
-  }
-  return {};
-}
-
-CommandResult query(const ParsedArgs& args, dg::Node& deformer) {
-  std::vector<std::string> names;
-  mel::IntArray numbers;
-  for (const auto& [index, shape] : nodes::deformedShapes(deformer)) {
-    names.push_back(nodeName(*shape));
-    numbers.push_back(static_cast<std::int32_t>(index));
-  }
-  if (args.has("geometry")) return toValue(std::move(names));
-  if (args.has("geometryIndices")) return mel::Value(std::move(numbers));
+CommandResult query(Context& context, const ParsedArgs& args, dg::Node& deformer) {
   if (args.has("type")) return mel::Value(deformer.type().name);
-  return fail("deformer: query -geometry, -geometryIndices or -type.");
+  if (auto answer = queryDeformer(context, args, deformer)) return *std::move(answer);
+  return fail("deformer: query -geometry, -geometryIndices, -envelope or -type.");
 }
 
 CommandResult deformer(Context& context, const ParsedArgs& args) {
@@ -71,24 +35,20 @@ CommandResult deformer(Context& context, const ParsedArgs& args) {
   if (!args.isCreate()) {
     const auto node = deformerNamed(context, args.firstObject());
     if (!node) return fail("deformer: {}", node.error().message);
-    if (args.isQuery()) return query(args, **node);
-    HOST_TRY(changeGeometry(context, args, **node));
+    if (args.isQuery()) return query(context, args, **node);
+    HOST_TRY(editDeformer(context, args, **node));
     return toValue({(*node)->name()});
   }
   const std::string type = args.text("type");
   const dg::NodeType* found = document.types().find(type);
   if (!found || found->isAbstract || !found->isA("geometryFilter"))
     return fail("deformer: there is no type of deformer '{}': say it with -type.", type);
-  const auto items = namedShapes(context, args);
-  if (!items) return failWith(items.error());
-  if (items->empty()) return fail("deformer: name or select what to deform.");
+  const auto objects = deformerObjects(context, args);
+  if (!objects) return failWith(objects.error());
+  if (objects->meshes.empty()) return fail("deformer: name or select what to deform.");
   auto made = document.createNode(type, args.text("name", type + "#"));
   if (!made) return failWith(std::move(made.error()));
-  for (const MeshItem& item : *items) {
-    const auto added =
-        nodes::addDeformedShape(document, **made, *item.path.node(), item.components);
-    if (!added) return fail("deformer: {}", added.error().message);
-  }
+  HOST_TRY(addDeformed(document, **made, *objects, args));
   workspace::workspaceOf(context.session).kept<workspace::DeformerHooks>().made(**made);
   return toValue({(*made)->name()});
 }
@@ -175,27 +135,12 @@ CommandResult makePaintable(Context& context, const ParsedArgs& args) {
 }  // namespace
 
 void registerDeformerCommands(CommandRegistry& registry) {
-  define(registry, "deformer",
-         Syntax()
-             .flag("typ", "type", {ArgType::String})
-             .flag("n", "name", {ArgType::String})
-             .flag("g", "geometry", {ArgType::String})
-             .multiUse()
-             .flag("gi", "geometryIndices")
-             .flag("rm", "remove")
-             .flag("bf", "before", {ArgType::String})
-             .optionalArgs()
-             .flag("af", "after", {ArgType::String})
-             .optionalArgs()
-             .flag("foc", "frontOfChain")
-             .flag("par", "parallel")
-             .flag("sp", "split")
-             .flag("ex", "exclusive", {ArgType::String})
-             .flag("ip", "includeHiddenSelections")
-             .editable()
-             .queryable()
-             .objects(0, -1, true),
-         deformer);
+  Syntax syntax;
+  syntax.flag("typ", "type", {ArgType::String})
+      .flag("sp", "split")
+      .flag("ex", "exclusive", {ArgType::String})
+      .flag("ip", "includeHiddenSelections");
+  define(registry, "deformer", addDeformerFlags(syntax), deformer);
   define(registry, "percent",
          Syntax()
              .flag("v", "value", {ArgType::Double})

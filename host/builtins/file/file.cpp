@@ -69,7 +69,7 @@ CommandResult file(Context& context, const ParsedArgs& args) {
     if (auto answer = queryReferences(context, args)) return *std::move(answer);
     return queryFile(context, args);
   }
-  for (const char* flag : {"proxyManager", "proxyTag", "sharedReferenceFile", "sharedNodes"})
+  for (const char* flag : {"proxyManager", "proxyTag", "sharedReferenceFile"})
     if (args.has(flag))
       return fail(
           "file: -{} is not offered: a reference stands for one file, and shares nothing with "
@@ -118,6 +118,7 @@ void registerFile(CommandRegistry& registry) {
              .flag("pt", "proxyTag", {ArgType::String})
              .flag("srf", "sharedReferenceFile")
              .flag("shd", "sharedNodes", {ArgType::String})
+             .multiUse()
              .multiUse()
              .flag("f", "force")
              .flag("typ", "type", {ArgType::String})

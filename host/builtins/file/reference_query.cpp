@@ -155,6 +155,7 @@ CommandResult referenceFile(Context& context, const ParsedArgs& args, const std:
                            .node = args.text("referenceNode"),
                            .options = args.text("options"),
                            .type = args.has("type") ? args.text("type") : fileType(context, path),
+                           .shared = args.texts("sharedNodes"),
                            .isDeferred = args.boolean("deferReference"),
                            .sharesNamespace = args.boolean("mergeNamespacesOnClash")};
   if (args.has("renamingPrefix")) request.prefix = args.text("renamingPrefix");

@@ -249,6 +249,12 @@ Result<dg::Node*> makeReference(Context& context, const ReferenceRequest& reques
   fields.options = request.options;
   fields.isDeferred = request.isDeferred;
   fields.type = request.type;
+  fields.shared = request.shared;
+  if (!fields.shared.empty())
+    postMessage(MessageKind::Warning,
+                fmt::format("{}: {} of it are its own here, in its namespace; that they are to be "
+                            "shared is kept for the file.",
+                            request.written, fmt::join(fields.shared, " and ")));
   if (parent) fields.parent = parent->weak_from_this();
   const auto around = parent ? scene::referenceData(*parent) : nullptr;
   std::string outer = around ? around->fields.nameSpace : std::string();
@@ -390,6 +396,7 @@ io::MaReferenceKeeper referenceKeeper(Context& context, const std::string& path)
                                .node = name,
                                .options = std::string(each.options),
                                .type = std::string(each.type),
+                               .shared = {each.shared.begin(), each.shared.end()},
                                .isDeferred = each.isDeferred,
                                .sharesNamespace = false},
                               parent);

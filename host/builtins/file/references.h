@@ -11,6 +11,7 @@ struct ReferenceRequest {
   std::string nameSpace, prefix;  ///< of the two one
   std::string node;               ///< what the reference node is called; empty: after the namespace
   std::string options, type;
+  std::vector<std::string> shared = {};  ///< kinds of nodes: "displayLayers", ...; kept
   bool isDeferred = false;       ///< the node alone
   bool sharesNamespace = false;  ///< also with nodes that are in it already
 };

@@ -2,6 +2,7 @@
 #include "host/builtins/common/command.h"
 #include "host/nodes/mesh_components.h"
 #include "host/nodes/transform.h"
+#include "host/scene/point_shape.h"
 
 namespace host::builtins {
 
@@ -27,6 +28,16 @@ CommandResult pointPosition(Context& context, const ParsedArgs& args) {
     return toValue(
         (isLocal ? point : math::transformPoint(point, items->front().path.inclusiveMatrix())) /
         unit);
+  }
+  if (const auto others = scene::pointItems(*list); !others.empty()) {
+    const auto points = others.front().points();
+    if (!points) return failWith(points.error());
+    if (points->size() != 1)
+      return fail("pointPosition: '{}' is {} points; name one.", list->names().front(),
+                  points->size());
+    const math::Vec3 point = points->front().place;
+    const math::Matrix4 world = others.front().path.inclusiveMatrix();
+    return toValue((isLocal ? point : math::transformPoint(point, world)) / unit);
   }
   if (!item.isDag()) return fail("'{}' has no place in space.", item.node->name());
   const scene::DagPath path = item.path.transform();

@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <optional>
 
 #include "host/builtins/common/command.h"
+#include "host/builtins/mesh/corner_record.h"
 #include "host/mesh/adjacency.h"
 #include "host/modelling/declare/corner_values.h"
 #include "host/nodes/mesh_components.h"
@@ -91,7 +93,88 @@ void recolor(mesh::ColorSet& set, Index cornerCount, const std::vector<CornerId>
   modelling::dropUnusedColors(set);
 }
 
-Result<void> colorOne(const MeshItem& item, const ColorChange& change) {
+/// What the flags say beside the colours themselves.
+struct SetFormat {
+  std::optional<bool> clamped;
+  std::optional<int> representation;
+
+  explicit SetFormat(const ParsedArgs& args) {
+    if (args.has("clamped")) clamped = args.boolean("clamped");
+    if (args.has("representation")) representation = args.integer("representation");
+  }
+  [[nodiscard]] bool isAny() const { return clamped || representation; }
+  [[nodiscard]] Result<void> check() const {
+    if (!representation || *representation == 1 || *representation == 3 || *representation == 4)
+      return {};
+    return fail(ErrorKind::BadArgument,
+                "polyColorPerVertex: the representation is 1 (A), 3 (RGB) or 4 (RGBA), not {}.",
+                *representation);
+  }
+  void apply(mesh::ColorSet& set) const {
+    if (clamped) set.clamped = *clamped;
+    if (representation) set.representation = *representation;
+  }
+};
+
+/// Writes the colours that a set has at some corners into a node: for a whole vertex when all of it
+/// has one colour and the node says nothing of its corners.
+Result<void> recordColors(dg::Node& node, const Mesh& mesh, const std::vector<CornerId>& changed) {
+  dg::Graph& graph = node.graph();
+  const mesh::ColorSet& set = mesh.colorSet(mesh.currentColorSet());
+  HOST_TRY(graph.set(node.plug("colorSetName"), dg::Value(set.name)));
+  HOST_TRY(graph.set(node.plug("clamped"), std::int64_t{set.clamped}));
+  HOST_TRY(graph.set(node.plug("representation"), std::int64_t{set.representation}));
+  const dg::Plug all = node.plug("colorPerVertex").child(0);
+  const auto colorOf = [&](CornerId corner) { return set.colors[at(set.cornerIds[corner])]; };
+  for (const VertexCorners& each : byVertex(mesh, changed)) {
+    const dg::Plug element = all.element(each.vertex), faces = element.child(2);
+    const Color4f first = colorOf(each.corners.front().second);
+    const bool isOne = each.isWhole && std::ranges::all_of(each.corners, [&](const auto& corner) {
+                         return colorOf(corner.second) == first;
+                       });
+    if (isOne && graph.elementIndices(faces).empty()) {
+      HOST_TRY(setNumbers(graph, element.child(0), {first.r, first.g, first.b}));
+      HOST_TRY(graph.set(element.child(1), double{first.a}));
+      continue;
+    }
+    for (const auto& [face, corner] : each.corners) {
+      const Color4f color = colorOf(corner);
+      HOST_TRY(setNumbers(graph, faces.element(face).child(0), {color.r, color.g, color.b}));
+      HOST_TRY(graph.set(faces.element(face).child(1), double{color.a}));
+    }
+  }
+  return {};
+}
+
+/// The node that already holds colours of the mesh's current set, or a new one.
+Result<void> keepColors(scene::Document& document, dg::Node& shape, const Mesh& mesh,
+                        const std::vector<CornerId>& changed) {
+  dg::Graph& graph = document.graph();
+  const auto fill = [&](dg::Node& node) { return recordColors(node, mesh, changed); };
+  if (dg::Node* present = cornerNodeInFront(graph, shape, "polyColorPerVertex")) {
+    const auto name = graph.get(present->plug("colorSetName"));
+    if (name && dg::equal(*name, dg::Value(mesh.colorSet(mesh.currentColorSet()).name)))
+      return fill(*present);
+  }
+  return insertCornerNode(document, shape, "polyColorPerVertex", fill);
+}
+
+Result<void> dropColors(scene::Document& document, const MeshItem& item, const Mesh& mesh) {
+  std::vector<scene::Component> components = item.components;
+  if (item.isObject()) components = {scene::Component::all(scene::ComponentType::Vertex)};
+  return insertCornerNode(
+      document, *item.path.node(), "polyColorDel", [&](dg::Node& node) -> Result<void> {
+        dg::Graph& graph = document.graph();
+        HOST_TRY(graph.set(
+            node.plug("inputComponents"),
+            dg::DataPtr(std::make_shared<scene::ComponentListData>(std::move(components)))));
+        return graph.set(node.plug("colorSetName"),
+                         dg::Value(mesh.colorSet(mesh.currentColorSet()).name));
+      });
+}
+
+Result<void> colorOne(scene::Document& document, const MeshItem& item, const ColorChange& change,
+                      const SetFormat& format, bool makesHistory) {
   // Read again: an earlier item may be another instance of the same shape.
   auto mesh = nodes::evaluatedMesh(*item.path.node());
   if (!mesh) return failWith(std::move(mesh.error()));
@@ -99,8 +182,16 @@ Result<void> colorOne(const MeshItem& item, const ColorChange& change) {
     if (change.removes) return {};
     mesh->setCurrentColorSet(mesh->addColorSet({"colorSet1", 4, false, {}, {}}));
   }
-  recolor(mesh->editColorSet(mesh->currentColorSet()), mesh->cornerCount(), corners(item), change);
-  return nodes::setEvaluatedMesh(*item.path.node(), *std::move(mesh));
+  const std::vector<CornerId> changed = change.isAny() ? corners(item) : std::vector<CornerId>();
+  dg::Node& shape = *item.path.node();
+  const bool hasRoom = static_cast<Index>(changed.size()) <= kMostRecordedCorners;
+  const bool isRecorded = (makesHistory || nodes::hasHistory(shape)) && hasRoom;
+  if (isRecorded && change.removes) return dropColors(document, item, *mesh);
+  mesh::ColorSet& set = mesh->editColorSet(mesh->currentColorSet());
+  format.apply(set);
+  recolor(set, mesh->cornerCount(), changed, change);
+  if (isRecorded) return keepColors(document, shape, *mesh, changed);
+  return nodes::setEvaluatedMesh(shape, *std::move(mesh));
 }
 
 /// The mean colour of the coloured corners at each component, in order; -1 in all channels where
@@ -148,6 +239,16 @@ CommandResult query(const ParsedArgs& args, const std::vector<MeshItem>& items) 
   return mel::Value(std::move(values));
 }
 
+/// -query -clamped or -representation: of the current set of the first mesh.
+CommandResult queryFormat(const std::vector<MeshItem>& items, bool asksClamped) {
+  const Mesh& mesh = items.front().mesh;
+  if (mesh.currentColorSet() < 0)
+    return fail("polyColorPerVertex: '{}' has no colours.", items.front().path.partialName());
+  const mesh::ColorSet& set = mesh.colorSet(mesh.currentColorSet());
+  if (asksClamped) return mel::Value(set.clamped);
+  return mel::Value(std::int32_t{set.representation});
+}
+
 CommandResult polyColorPerVertex(Context& context, const ParsedArgs& args) {
   auto list = args.resolveObjects(context.document);
   if (!list) return failWith(std::move(list.error()));
@@ -161,16 +262,32 @@ CommandResult polyColorPerVertex(Context& context, const ParsedArgs& args) {
     const auto* isOn = std::get_if<std::int64_t>(&*shown);
     return mel::Value(isOn && *isOn != 0);
   }
+  if (args.isQuery() && args.has("clamped")) return queryFormat(*items, true);
+  if (args.isQuery() && args.has("representation")) return queryFormat(*items, false);
   if (args.isQuery()) return query(args, *items);
   const ColorChange change(args);
-  if (!change.isAny() && !args.has("colorDisplayOption"))
+  const SetFormat format(args);
+  HOST_TRY(format.check());
+  const bool colors = change.isAny() || format.isAny();
+  if (!colors && !args.has("colorDisplayOption"))
     return fail("polyColorPerVertex: give a colour, as with -rgb 1 0 0, or -remove.");
-  for (const MeshItem& item : *items) {
-    if (change.isAny()) HOST_TRY(colorOne(item, change));
-    if (args.has("colorDisplayOption"))
-      HOST_TRY(
-          context.document.graph().set(item.path.node()->plug("displayColors"),
-                                       std::int64_t{args.boolean("colorDisplayOption", true)}));
+  const auto edit = [&]() -> Result<void> {
+    for (const MeshItem& item : *items) {
+      if (colors)
+        HOST_TRY(colorOne(context.document, item, change, format,
+                          args.boolean("constructionHistory", false)));
+      if (args.has("colorDisplayOption"))
+        HOST_TRY(
+            context.document.graph().set(item.path.node()->plug("displayColors"),
+                                         std::int64_t{args.boolean("colorDisplayOption", true)}));
+    }
+    return {};
+  };
+  if (args.has("notUndoable")) {
+    const scene::Journal::Scope unrecorded(context.document.journal(), nullptr);
+    HOST_TRY(edit());
+  } else {
+    HOST_TRY(edit());
   }
   return mel::Value(true);
 }
@@ -190,9 +307,11 @@ void registerPolyColorPerVertex(CommandRegistry& registry) {
              .flag("cdo", "colorDisplayOption", {ArgType::Bool})
              .optionalArgs()
              .flag("cla", "clamped", {ArgType::Bool})
+             .flag("rpt", "representation", {ArgType::Int})
              .flag("nun", "notUndoable")
              .flag("ch", "constructionHistory", {ArgType::Bool})
              .queryable()
+             .editable()
              .objects(0, -1, true),
          polyColorPerVertex);
 }

@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <map>
 
 #include "host/builtins/common/command.h"
+#include "host/builtins/mesh/corner_record.h"
 #include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
 
@@ -57,13 +59,53 @@ CommandResult queryCrease(const std::vector<MeshItem>& items, bool ofVertices) {
   return mel::Value(std::move(values));
 }
 
-Result<void> creaseOne(const MeshItem& item, const ParsedArgs& args) {
+/// Adds the weights that differ to those that an array of a node has.
+Result<void> recordWeights(dg::Graph& graph, const dg::Plug& array,
+                           const std::vector<float>& before, const std::vector<float>& after) {
+  std::vector<Index> indices;
+  std::vector<double> values;
+  graph.getPacked(array, indices, values);
+  std::map<Index, double> all;
+  for (std::size_t i = 0; i < indices.size(); ++i) all[indices[i]] = values[i];
+  for (std::size_t i = 0; i < std::max(before.size(), after.size()); ++i) {
+    const float was = i < before.size() ? before[i] : 0, is = i < after.size() ? after[i] : 0;
+    if (was != is) all[static_cast<Index>(i)] = is;
+  }
+  indices.clear();
+  values.clear();
+  for (const auto& [index, value] : all) {
+    indices.push_back(index);
+    values.push_back(value);
+  }
+  return graph.setPacked(array, std::move(indices), std::move(values));
+}
+
+/// Leaves the creases with the shape's history: in the node that has some already, or a new one.
+Result<void> keep(scene::Document& document, const MeshItem& item, mesh::Mesh mesh, bool removesAll,
+                  bool makesHistory) {
+  dg::Node& shape = *item.path.node();
+  if (!makesHistory && !nodes::hasHistory(shape))
+    return nodes::setEvaluatedMesh(shape, std::move(mesh));
+  dg::Graph& graph = document.graph();
+  const mesh::Creases before = item.mesh.creases(), &after = mesh.creases();
+  const auto fill = [&](dg::Node& node) -> Result<void> {
+    if (removesAll) return graph.set(node.plug("operation"), std::int64_t{kRemoveAll});
+    HOST_TRY(recordWeights(graph, node.plug("crease"), before.edges, after.edges));
+    return recordWeights(graph, node.plug("creaseVertex"), before.vertices, after.vertices);
+  };
+  dg::Node* present = removesAll ? nullptr : cornerNodeInFront(graph, shape, "polyCrease");
+  return present ? fill(*present) : insertCornerNode(document, shape, "polyCrease", fill);
+}
+
+Result<void> creaseOne(scene::Document& document, const MeshItem& item, const ParsedArgs& args) {
   mesh::Mesh mesh = item.mesh;
+  const bool makesHistory =
+      args.boolean("constructionHistory", false) || args.boolean("createHistory", false);
   const int operation = args.integer("operation", kAddOrSet);
   mesh::Creases& creases = mesh.editCreases();
   if (operation == kRemoveAll) {
     creases = {};
-    return nodes::setEvaluatedMesh(*item.path.node(), std::move(mesh));
+    return keep(document, item, std::move(mesh), true, makesHistory);
   }
   const bool removes = operation == kRemove;
   const std::vector<Index> edges = named(item, ComponentType::Edge),
@@ -76,7 +118,7 @@ Result<void> creaseOne(const MeshItem& item, const ParsedArgs& args) {
     write(creases.vertices, mesh.vertexCount(), vertices,
           removes ? 0 : args.real("vertexValue", args.real("relativeVertexValue")),
           !removes && args.has("relativeVertexValue"));
-  return nodes::setEvaluatedMesh(*item.path.node(), std::move(mesh));
+  return keep(document, item, std::move(mesh), false, makesHistory);
 }
 
 CommandResult polyCrease(Context& context, const ParsedArgs& args) {
@@ -90,7 +132,7 @@ CommandResult polyCrease(Context& context, const ParsedArgs& args) {
           args.uses("relativeVertexValue") + args.uses("operation") ==
       0)
     return fail("polyCrease: give a -value, a -vertexValue or an -operation.");
-  for (const MeshItem& item : *items) HOST_TRY(creaseOne(item, args));
+  for (const MeshItem& item : *items) HOST_TRY(creaseOne(context.document, item, args));
   return mel::Value();
 }
 

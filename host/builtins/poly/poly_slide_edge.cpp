@@ -3,6 +3,7 @@
 #include "host/builtins/common/command.h"
 #include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
+#include "host/nodes/move_points.h"
 #include "host/ops/topology/slide_edges.h"
 
 namespace host::builtins {
@@ -33,7 +34,7 @@ CommandResult polySlideEdge(Context& context, const ParsedArgs& args) {
     if (!mesh) return failWith(std::move(mesh.error()));
     if (auto done = ops::slideEdges(*mesh, edges, options); !done)
       return failAt("polySlideEdge", done.error());
-    HOST_TRY(nodes::setEvaluatedPoints(*item.path.node(), mesh->points()));
+    HOST_TRY(nodes::tweakPoints(*item.path.node(), mesh->points()));
   }
   if (!hasEdges) return fail("polySlideEdge: name or select edges.");
   return mel::Value(true);

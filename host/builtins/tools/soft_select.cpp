@@ -4,6 +4,8 @@
 #include <charconv>
 #include <sstream>
 
+#include "host/builtins/tools/soft_colors.h"
+#include "host/cmd/loop.h"
 #include "host/tools/transform_tool.h"
 #include "host/workspace/workspace.h"
 
@@ -20,14 +22,22 @@ struct SoftSelect {
   bool showsColors = true;
   int compressUndo = 0;
   double uvDistance = 0.15;
+  std::uint64_t revision = 0;  ///< another after each change
+};
+
+/// What views show of it, from the first time that it is on.
+struct SoftView {
+  SoftColors colors;
+  SoftColors::Settings settings;
+  bool isShowing = false;
 };
 
 SoftSelect& keptOf(cmd::Session& session) {
   return workspace::workspaceOf(session).kept<SoftSelect>();
 }
 
-/// "value,position,interpolation", one after the other.
-Result<std::vector<math::RampEntry>> readCurve(const std::string& text) {
+/// "value,position,interpolation", one after the other; a colour's value is three numbers.
+Result<std::vector<math::RampEntry>> readCurve(const std::string& text, std::size_t values = 1) {
   std::vector<double> numbers;
   std::istringstream words(text);
   for (std::string word; std::getline(words, word, ',');) {
@@ -37,18 +47,21 @@ Result<std::vector<math::RampEntry>> readCurve(const std::string& text) {
       return fail(ErrorKind::BadArgument, "softSelect: '{}' in the curve is no number.", word);
     numbers.push_back(number);
   }
-  if (numbers.empty() || numbers.size() % 3 != 0)
+  const std::size_t size = values + 2;
+  if (numbers.empty() || numbers.size() % size != 0)
     return fail(ErrorKind::BadArgument,
-                "softSelect: a curve is value,position,interpolation for each point.");
+                "softSelect: a curve is {},position,interpolation for each point.",
+                values == 1 ? "value" : "red,green,blue");
   std::vector<math::RampEntry> curve;
-  for (std::size_t i = 0; i < numbers.size(); i += 3) {
-    const int kind = static_cast<int>(numbers[i + 2]);
+  for (std::size_t i = 0; i < numbers.size(); i += size) {
+    const int kind = static_cast<int>(numbers[i + values + 1]);
     if (kind < 0 || kind > 3)
       return fail(ErrorKind::BadArgument,
                   "softSelect: the curve's interpolation is 0 (none) to 3 (spline), not {}.", kind);
-    curve.push_back({.position = numbers[i + 1],
-                     .value = {numbers[i], 0, 0},
-                     .interpolation = static_cast<math::RampInterpolation>(kind)});
+    math::RampEntry entry{.position = numbers[i + values],
+                          .interpolation = static_cast<math::RampInterpolation>(kind)};
+    for (std::size_t v = 0; v < values; ++v) entry.value[v] = numbers[i + v];
+    curve.push_back(entry);
   }
   return curve;
 }
@@ -79,8 +92,10 @@ CommandResult query(const SoftSelect& kept, const ParsedArgs& args,
 Result<void> change(SoftSelect& kept, const ParsedArgs& args) {
   if (args.has("softSelectReset")) {
     const bool isOn = kept.soft.isOn;
+    const std::uint64_t revision = kept.revision;
     kept = SoftSelect();
     kept.soft.isOn = isOn;
+    kept.revision = revision;
   }
   if (args.has("softSelectEnabled")) kept.soft.isOn = args.boolean("softSelectEnabled", false);
   if (args.has("softSelectDistance")) {
@@ -103,11 +118,35 @@ Result<void> change(SoftSelect& kept, const ParsedArgs& args) {
     kept.soft.curve = *std::move(curve);
   }
   if (args.has("softSelectUVDistance")) kept.uvDistance = args.real("softSelectUVDistance");
-  if (args.has("softSelectColorCurve")) kept.colorCurve = args.text("softSelectColorCurve");
+  if (args.has("softSelectColorCurve")) {
+    const std::string text = args.text("softSelectColorCurve");
+    if (const auto colors = readCurve(text, 3); !colors) return failWith(colors.error());
+    kept.colorCurve = text;
+  }
   if (args.has("enableFalseColor")) kept.showsColors = args.boolean("enableFalseColor", true);
   if (args.has("compressUndo"))
     kept.compressUndo = static_cast<int>(args.integer("compressUndo", 0));
   return {};
+}
+
+/// Has the views show how far it reaches.
+void showColors(cmd::Session& session, const SoftSelect& kept) {
+  workspace::Workspace& workspace = workspace::workspaceOf(session);
+  SoftView& view = workspace.kept<SoftView>();
+  const auto colors = readCurve(kept.colorCurve, 3);
+  view.settings = {kept.soft, colors ? *colors : std::vector<math::RampEntry>(), kept.revision};
+  view.settings.soft.isOn = kept.soft.isOn && kept.showsColors;
+  session.loop().requestRedraw();
+  if (view.isShowing || !view.settings.soft.isOn) return;
+  view.isShowing = true;
+  // The workspace keeps both its views and what it is shown by.
+  workspace.views.gatherers.emplace_back(
+      [&view, &workspace](scene::Document&, const workspace::View&, viewport::SceneView& scene) {
+        if (!view.settings.soft.isOn) return;
+        const tools::InputEvent& last = workspace.toolbox.lastEvent();
+        const bool isDragging = last.isMouse() && last.kind == tools::InputKind::Drag;
+        view.colors.show(scene, view.settings, isDragging);
+      });
 }
 
 CommandResult softSelect(Context& context, const ParsedArgs& args) {
@@ -115,7 +154,9 @@ CommandResult softSelect(Context& context, const ParsedArgs& args) {
   if (args.isQuery()) return query(kept, args, context.document);
   SoftSelect wanted = kept;
   HOST_TRY(change(wanted, args));
+  ++wanted.revision;
   kept = std::move(wanted);
+  showColors(context.session, kept);
   const tools::ToolRegistry& tools = workspace::workspaceOf(context.session).toolbox;
   for (const char* name : {"moveSuperContext", "RotateSuperContext", "scaleSuperContext"})
     if (const auto tool = std::dynamic_pointer_cast<tools::TransformTool>(tools.find(name)))
@@ -146,9 +187,11 @@ void registerSoftSelect(CommandRegistry& registry) {
              .flag("sud", "softSelectUVDistance", {ArgType::Double})
              .help("how far around in UV space; recorded, UVs move alone")
              .flag("scc", "softSelectColorCurve", {ArgType::String})
-             .help("colours of the falloff; recorded, views don't show it")
+             .help("red,green,blue,position,interpolation of each colour that views show, 0 for "
+                   "what goes "
+                   "along all the way")
              .flag("efc", "enableFalseColor", {ArgType::Bool})
-             .help("whether views show the falloff; recorded")
+             .help("whether views show in colours how far it reaches")
              .flag("cu", "compressUndo", {ArgType::Int})
              .help("how changes of these settings are undone; recorded, they are no steps")
              .editable()

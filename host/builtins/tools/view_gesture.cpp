@@ -5,8 +5,10 @@
 
 #include "host/builtins/common/command.h"
 #include "host/cmd/loop.h"
+#include "host/edits/bounds.h"
 #include "host/math/box.h"
 #include "host/nodes/mesh_components.h"
+#include "host/scene/point_shape.h"
 #include "host/tools/hand.h"
 #include "host/viewport/scene_gather.h"
 #include "host/workspace/workspace.h"
@@ -68,6 +70,11 @@ Result<math::Vec3> centerOf(scene::Document& document, const std::string& name) 
   const scene::SelectionItem& item = list->items().front();
   if (items->empty()) {
     if (!item.isDag()) return fail("'{}' has no place in space.", name);
+    if (const auto others = scene::pointItems(*list); !others.empty()) {
+      const auto box = edits::worldBox(item);
+      if (!box) return failWith(box.error());
+      if (!box->isEmpty()) return box->center();
+    }
     return math::transformPoint(math::Vec3{}, item.path.transform().inclusiveMatrix());
   }
   const MeshItem& mesh = items->front();

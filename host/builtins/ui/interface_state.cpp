@@ -17,7 +17,8 @@ using workspace::workspaceOf;
 // -----------------------------------------------------------------------------------------------
 
 struct UiTemplates {
-  std::vector<std::string> known{"DefaultTemplate", "AttrEdTemplate", "OptionBoxTemplate"};
+  std::vector<std::string> known{"DefaultTemplate", "AttrEdTemplate", "OptionBoxTemplate",
+                                 "attributeEditorTemplate"};
   std::vector<std::string> pushed;
   std::string current;
 };

@@ -26,6 +26,7 @@ constexpr Switch kSwitches[] = {
     {"lt", "lights", &ViewOptions::showLights, true},
     {"nc", "nurbsCurves", &ViewOptions::showCurves, true},
     {"j", "joints", &ViewOptions::showJoints, true},
+    {"ps", "pluginShapes", &ViewOptions::showPluginShapes, true},
     {"jx", "jointXray", &ViewOptions::jointXray, false},
     {"sel", "selectionHiliteDisplay", &ViewOptions::showSelection, false},
     {"xr", "xray", &ViewOptions::xray, false},
@@ -42,16 +43,39 @@ struct Kept {
   bool isOfAllObjects;
 };
 constexpr Kept kKept[] = {
-    {"ns", "nurbsSurfaces", true, true},    {"ca", "cameras", true, true},
-    {"df", "deformers", true, true},        {"m", "manipulators", true, true},
-    {"ha", "handles", true, true},          {"hu", "hulls", true, true},
-    {"pl", "planes", true, true},           {"pv", "pivots", true, true},
-    {"tx", "textures", true, true},         {"str", "strokes", true, true},
-    {"ikh", "ikHandles", true, true},       {"dy", "dynamics", true, true},
-    {"dim", "dimensions", true, true},      {"cv", "controlVertices", true, true},
-    {"hud", "headsUpDisplay", true, false}, {"tsl", "twoSidedLighting", true, false},
-    {"sdw", "shadows", false, false},       {"swf", "smoothWireframe", false, false},
-    {"fog", "fogging", false, false},       {"acx", "activeComponentsXray", false, false},
+    {"ns", "nurbsSurfaces", true, true},
+    {"ca", "cameras", true, true},
+    {"df", "deformers", true, true},
+    {"m", "manipulators", true, true},
+    {"ha", "handles", true, true},
+    {"hu", "hulls", true, true},
+    {"pl", "planes", true, true},
+    {"pv", "pivots", true, true},
+    {"tx", "textures", true, true},
+    {"str", "strokes", true, true},
+    {"ikh", "ikHandles", true, true},
+    {"dy", "dynamics", true, true},
+    {"dim", "dimensions", true, true},
+    {"cv", "controlVertices", true, true},
+    {"ss", "subdivSurfaces", true, true},
+    {"imp", "imagePlane", true, true},
+    {"pi", "particleInstancers", true, true},
+    {"fl", "fluids", true, true},
+    {"hs", "hairSystems", true, true},
+    {"fo", "follicles", true, true},
+    {"ncl", "nCloths", true, true},
+    {"npa", "nParticles", true, true},
+    {"nr", "nRigids", true, true},
+    {"dc", "dynamicConstraints", true, true},
+    {"mt", "motionTrails", true, true},
+    {"cg", "clipGhosts", true, true},
+    {"gp", "greasePencils", true, true},
+    {"hud", "headsUpDisplay", true, false},
+    {"tsl", "twoSidedLighting", true, false},
+    {"sdw", "shadows", false, false},
+    {"swf", "smoothWireframe", false, false},
+    {"fog", "fogging", false, false},
+    {"acx", "activeComponentsXray", false, false},
 };
 
 struct Appearance {
@@ -114,6 +138,16 @@ void editKept(View& view, const ParsedArgs& args) {
   }
 }
 
+/// Shows only what is selected now, or all again.
+void isolate(Context& context, View& view, bool isOn) {
+  const bool turnsOn = isOn && !view.isIsolated;
+  view.isIsolated = isOn;
+  if (!turnsOn) return;
+  view.isolated.clear();
+  for (const scene::SelectionItem& item : context.document.selection().items())
+    workspace::addToIsolated(view, *item.node);
+}
+
 Result<void> editView(Context& context, View& view, const ParsedArgs& args) {
   if (args.has("camera")) {
     const std::string camera = args.text("camera");
@@ -122,6 +156,7 @@ Result<void> editView(Context& context, View& view, const ParsedArgs& args) {
     view.cameraName = camera;
   }
   HOST_TRY(editAppearance(view.options, args));
+  if (args.has("viewSelected")) isolate(context, view, args.boolean("viewSelected"));
   if (args.has("rendererName")) {
     auto name = oneOf(kRenderers, args.text("rendererName"), "renderer");
     if (!name) return failWith(std::move(name.error()));
@@ -138,7 +173,7 @@ Result<void> editView(Context& context, View& view, const ParsedArgs& args) {
     if (args.has(each.longName)) view.options.*each.option = args.boolean(each.longName);
   }
   view.options.grid.visible = args.boolean("grid", view.options.grid.visible);
-  if (args.boolean("activeView")) workspaceOf(context.session).views.setActive(view.panel);
+  if (args.has("activeView")) workspaceOf(context.session).views.setActive(view.panel);
   editKept(view, args);
   return {};
 }
@@ -158,6 +193,7 @@ CommandResult queryView(Context& context, View& view, const ParsedArgs& args) {
   if (args.has("wireframeOnShaded"))
     return mel::Value(view.options.style == DisplayStyle::WireOnShaded);
   if (args.has("grid")) return mel::Value(view.options.grid.visible);
+  if (args.has("viewSelected")) return mel::Value(view.isIsolated);
   if (args.has("activeView"))
     return mel::Value(workspaceOf(context.session).views.active().panel == view.panel);
   for (const Switch& each : kSwitches)
@@ -189,8 +225,9 @@ void registerModelEditor(CommandRegistry& registry) {
   editor.flag("da", "displayAppearance", {ArgType::String})
       .flag("wos", "wireframeOnShaded", {ArgType::Bool});
   editor.flag("dl", "displayLights", {ArgType::String}).flag("gr", "grid", {ArgType::Bool});
-  editor.flag("av", "activeView", {ArgType::Bool}).flag("alo", "allObjects", {ArgType::Bool});
+  editor.flag("av", "activeView").flag("alo", "allObjects", {ArgType::Bool});
   editor.flag("rnm", "rendererName", {ArgType::String});
+  editor.flag("vs", "viewSelected", {ArgType::Bool});
   for (const Switch& each : kSwitches) editor.flag(each.shortName, each.longName, {ArgType::Bool});
   for (const Kept& flag : kKept) editor.flag(flag.shortName, flag.longName, {ArgType::Bool});
   defineQuery(registry, "modelEditor", editor.editable().queryable().strings(0, 1), modelEditor);

@@ -1,5 +1,7 @@
 #include "host/builtins/common/command.h"
 #include "host/math/transform.h"
+#include "host/nodes/mesh_components.h"
+#include "host/scene/point_shape.h"
 #include "host/viewport/scene_gather.h"
 #include "host/workspace/framings.h"
 
@@ -10,25 +12,95 @@ using workspace::View;
 using workspace::Views;
 using workspace::workspaceOf;
 
-/// Points to frame: those of the objects named, else of the selection, else of everything.
+/// Collects what a view is to show of things that are named or selected.
+class FramePoints {
+ public:
+  explicit FramePoints(const viewport::SceneView& shown, const scene::DagPath& camera)
+      : shown_(shown), camera_(camera) {}
+
+  Result<void> add(const scene::SelectionItem& item) {
+    if (!item.isDag() || item.plug || item.path == camera_ || item.path == camera_.transform())
+      return {};
+    return item.isObject() ? addObject(item.path) : addComponents(item);
+  }
+  [[nodiscard]] std::vector<math::Vec3> take() { return std::move(points_); }
+
+ private:
+  Result<void> addComponents(const scene::SelectionItem& item) {
+    scene::SelectionList one;
+    one.merge(item);
+    const auto meshes = nodes::meshItems(one);
+    if (!meshes) return failWith(meshes.error());
+    for (const nodes::MeshItem& each : *meshes) {
+      const math::Matrix4 world = each.path.inclusiveMatrix();
+      for (const VertexId v : each.vertices())
+        points_.push_back(math::transformPoint(each.mesh.point(v), world));
+    }
+    for (const scene::PointItem& each : scene::pointItems(one)) {
+      const auto own = each.points();
+      if (!own) return failWith(own.error());
+      const math::Matrix4 world = each.path.inclusiveMatrix();
+      for (const scene::NumberedPoint& point : *own)
+        points_.push_back(math::transformPoint(point.place, world));
+    }
+    return {};
+  }
+
+  /// What shows of it and of what is below it. What shows nothing, as cameras and empty groups do,
+  /// is as large as a locator.
+  Result<void> addObject(const scene::DagPath& top) {
+    const std::size_t before = points_.size();
+    const auto isBelow = [&](const scene::DagPath& path) {
+      return path == top || top.isAncestorOf(path) ||
+             (scene::isShape(*top.node()) && path == top.transform());
+    };
+    for (const viewport::RenderMesh& mesh : shown_.meshes)
+      if (isBelow(mesh.path))
+        for (const math::Vec3f& p : mesh.mesh.points())
+          points_.push_back(math::transformPoint(math::Vec3(p), mesh.world));
+    for (const viewport::DrawnObject& object : shown_.objects)
+      if (isBelow(object.path)) {
+        const std::vector<math::Vec3> own = viewport::framePoints(shown_, object);
+        points_.insert(points_.end(), own.begin(), own.end());
+      }
+    if (points_.size() > before) return {};
+    const math::Matrix4 world = top.inclusiveMatrix();
+    for (int axis = 0; axis < 3; ++axis)
+      for (const double end : {-1.0, 1.0}) {
+        math::Vec3 arm;
+        arm[axis] = end;
+        points_.push_back(math::transformPoint(arm, world));
+      }
+    return {};
+  }
+
+  const viewport::SceneView& shown_;
+  scene::DagPath camera_;
+  std::vector<math::Vec3> points_;
+};
+
+/// Points to frame: those of what is named, else of the selection, else of all that shows.
 Result<std::vector<math::Vec3>> pointsToFrame(Context& context, const viewport::SceneView& shown,
+                                              const scene::DagPath& camera,
                                               const std::vector<std::string>& names, bool all) {
+  scene::SelectionList list;
   if (!names.empty()) {
-    auto list = context.document.resolveAll(names);
-    if (!list) return failWith(list.error());
-    viewport::SceneView named = shown;
-    std::erase_if(named.meshes, [&](const viewport::RenderMesh& object) {
-      for (const scene::SelectionItem& item : list->items())
-        if (item.isDag() && item.path.toShape().fullName() == object.name) return false;
-      return true;
-    });
-    return framePoints(named);
+    auto named = context.document.resolveAll(names);
+    if (!named) return failWith(named.error());
+    list = std::move(*named);
+  } else if (!all) {
+    list = context.document.selection();
   }
-  if (!all && !context.document.selection().isEmpty()) {
-    auto points = selectionPoints(shown);
-    if (!points.empty()) return points;
+  FramePoints wanted(shown, camera);
+  for (const scene::SelectionItem& item : list.items()) HOST_TRY(wanted.add(item));
+  std::vector<math::Vec3> points = wanted.take();
+  if (!points.empty() || !names.empty()) return points;
+  points = framePoints(shown);
+  for (const viewport::DrawnObject& object : shown.objects) {
+    const std::vector<math::Vec3> own = framePoints(shown, object);
+    points.insert(points.end(), own.begin(), own.end());
   }
-  return framePoints(shown);
+  return points;
 }
 
 /// Moves the camera node to where the framed camera stands. Its angles stay as they were written.
@@ -37,7 +109,7 @@ Result<void> place(scene::Document& document, const scene::DagPath& shape,
   dg::Node* transform = shape.transform().node();
   dg::Graph& graph = document.graph();
   const math::Vec3 eye = camera.eye();
-  const auto parent = math::inverse(shape.transform().parent().inclusiveMatrix());
+  const auto parent = math::inverse(shape.transform().exclusiveMatrix());
   if (!parent)
     return fail("the camera {} hangs under a transform with a zero scale", shape.partialName());
   HOST_TRY(graph.setVec3(transform->plug("translate"), math::transformPoint(eye, *parent)));
@@ -59,9 +131,9 @@ CommandResult viewFit(Context& context, const ParsedArgs& args) {
   }
   const auto path = workspace::cameraPath(context.document, view.cameraName);
   if (!path) return failWith(path.error());
-  auto shown = workspace::gatherView(context.document, view);
+  auto shown = workspace::gatherView(context.document, views, view);
   if (!shown) return failWith(shown.error());
-  const auto points = pointsToFrame(context, *shown, names, args.has("allObjects"));
+  const auto points = pointsToFrame(context, *shown, *path, names, args.has("allObjects"));
   if (!points) return failWith(points.error());
   const double fit = args.real("fitFactor", 0.9);
   if (!(fit > 0 && fit <= 1))

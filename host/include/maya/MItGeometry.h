@@ -10,7 +10,7 @@
 #include <maya/MVector.h>
 #include <maya/detail/Handle.h>
 
-/// Visits the points of a mesh or of a curve, or those of a component.
+/// Visits the points of a mesh, of a curve or of a plug-in's shape, or those of a component.
 class MItGeometry {
  public:
   MItGeometry(const MDagPath& dagPath, MStatus* status = nullptr);

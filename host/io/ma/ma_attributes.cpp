@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "host/dg/foreign_data.h"
+#include "host/dg/numeric_data.h"
 #include "host/io/ma/ma_numbers.h"
 #include "host/io/ma/ma_plugs.h"
 
@@ -113,7 +114,9 @@ Result<void> MaAttributes::write(const Plug& plug, Index first, Index last, cons
   std::size_t next = 0;
   for (std::size_t i = 0; i < elements; ++i) {
     const Plug each = first == kNone ? plug : plug.element(static_cast<Index>(at(first) + i));
-    const bool isPayload = !each.isCompound() && isPayloadType(line.type) && elements == 1;
+    const bool isPayload = !each.isCompound() && elements == 1 &&
+                           (isPayloadType(line.type) || (dg::numericDataSize(line.type) > 0 &&
+                                                         each.attribute()->dataType == line.type));
     if (!isPayload) {
       HOST_TRY(writeNumbers(each, line.values, next));
       continue;

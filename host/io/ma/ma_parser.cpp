@@ -391,6 +391,8 @@ class Parser {
         reference.options = value();
       else if (isOneOf(flag, {"-typ", "-type"}))
         reference.type = value();
+      else if (isOneOf(flag, {"-shd", "-sharedNodes"}))
+        reference.shared.push_back(value());
     }
     reference.raw = in_.rawStatement();
     if (isReference && !reference.path.empty())

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "host/dg/foreign_data.h"
+#include "host/dg/numeric_data.h"
 #include "host/io/ma/ma_node_writer.h"
 #include "host/io/ma/ma_numbers.h"
 #include "host/io/ma/ma_surfaces.h"
@@ -133,6 +134,13 @@ Written appendPayload(std::string& text, const dg::DataPtr& data) {
     isGood = appendCounted(text, "pointArray", points->value, [](const dg::Point4& each) {
       return std::array{each.x, each.y, each.z, each.w};
     });
+  } else if (const auto* tuple = dg::dataAs<dg::NumericData>(value)) {
+    appendType(text, tuple->kind);
+    for (const double number : tuple->values) {
+      isGood = isGood && std::isfinite(number);
+      text += ' ';
+      appendNumber(text, std::isfinite(number) ? number : 0.0);
+    }
   } else if (const auto* foreign = dg::dataAs<dg::ForeignData>(value)) {
     const auto words = foreign->written();
     if (!words) return Written::Unknown;

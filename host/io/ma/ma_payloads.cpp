@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "host/dg/foreign_data.h"
+#include "host/dg/numeric_data.h"
 #include "host/io/ma/ma_attributes.h"
 #include "host/io/ma/ma_surfaces.h"
 #include "host/scene/component.h"
@@ -208,6 +209,13 @@ Result<dg::Value> readPayload(std::string_view type, const Tokens& tokens,
         points.push_back({all[i], all[i + 1], all[i + 2], all[i + 3]});
       return points;
     });
+  if (const int size = dg::numericDataSize(type); size > 0) {
+    if (tokens.size() != at(size))
+      return fail("{} is {} numbers, not {}", type, size, tokens.size());
+    auto numbers = numbersFrom(tokens, 0);
+    if (!numbers) return failWith(std::move(numbers.error()));
+    return dg::Value(dg::makeNumericData(std::string(type), std::move(*numbers)));
+  }
   if (dg::hasForeignReader(type)) {
     std::vector<dg::ForeignWord> words;
     for (const MaToken& token : tokens)

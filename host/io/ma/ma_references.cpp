@@ -67,9 +67,9 @@ std::string withFlagsInFront(const ReferenceEdit& edit) {
 
 class Applier {
  public:
-  Applier(scene::Document& document, Node& reference, const scene::Units& units,
+  Applier(scene::Document& document, const Node& reference, const scene::Units& units,
           std::string_view outer)
-      : document_(document), reference_(reference), units_(units), outer_(outer) {
+      : document_(document), units_(units), outer_(outer) {
     if (const auto data = scene::referenceData(reference))
       for (const auto& each : data->fields.members)
         if (const auto node = each.lock()) byName_[node->name()].push_back(node.get());
@@ -180,7 +180,6 @@ class Applier {
   }
 
   scene::Document& document_;
-  Node& reference_;
   scene::Units units_;
   std::string outer_;
   std::map<std::string, std::vector<Node*>, std::less<>> byName_;

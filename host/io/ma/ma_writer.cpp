@@ -230,6 +230,10 @@ class Writer {
       out() += " -ns ";
       appendQuoted(out(), reference.ownNamespace.empty() ? ":" : reference.ownNamespace);
     }
+    for (const std::string& kind : reference.shared) {
+      out() += " -shd ";
+      appendQuoted(out(), kind);
+    }
     out() += fmt::format("{} -rfn ", reference.isDeferred ? " -dr 1" : "");
     appendQuoted(out(), name);
     if (!reference.options.empty()) {

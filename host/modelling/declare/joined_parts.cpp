@@ -1,5 +1,7 @@
 #include "host/modelling/declare/joined_parts.h"
 
+#include <algorithm>
+
 #include "host/math/box.h"
 #include "host/modelling/declare/history_command.h"
 #include "host/modelling/declare/mesh_objects.h"
@@ -105,7 +107,8 @@ Result<void> deleteParts(scene::Document& document, const std::vector<MeshItem>&
     bool holdsMore = false;
     for (scene::Node* child : scene::dagLinks(*transform).children)
       holdsMore = holdsMore || !scene::isShape(*child);
-    gone.push_back(holdsMore ? item.path.node() : transform);
+    scene::Node* own = holdsMore ? item.path.node() : transform;
+    if (std::ranges::find(gone, own) == gone.end()) gone.push_back(own);  // instances share a shape
   }
   return document.deleteNodes(std::move(gone));
 }
@@ -127,8 +130,17 @@ Result<std::vector<MeshItem>> partsToJoin(Context& context, const ParsedArgs& ar
                                           const Declaration& declaration) {
   auto list = args.resolveObjects(context.document);
   if (!list) return failWith(std::move(list.error()));
-  auto items = distinctMeshItems(*list);
-  if (items && items->size() < 2)
+  auto items = nodes::meshItems(*list);
+  if (!items) return items;
+  // Whole objects: what is named in parts is one of them, and each instance is one of its own.
+  std::vector<MeshItem> parts;
+  for (MeshItem& item : *items) {
+    item.components.clear();
+    if (std::ranges::none_of(parts, [&](const MeshItem& each) { return each.path == item.path; }))
+      parts.push_back(std::move(item));
+  }
+  items = std::move(parts);
+  if (items->size() < 2)
     return fail("{}: name or select two or more polygon objects.", declaration.command);
   return items;
 }

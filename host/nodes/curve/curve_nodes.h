@@ -7,6 +7,8 @@ namespace host::nodes {
 
 /// nurbsCurve with its base types, and makeNurbCircle.
 void registerCurveNodes(dg::TypeRegistry& types);
+/// curveInfo, pointOnCurveInfo and nearestPointOnCurve.
+void registerCurveInfoNodes(dg::TypeRegistry& types);
 
 /// What a curve shape shows now: what drives it, or what is stored.
 [[nodiscard]] Result<math::NurbsCurve> evaluatedCurve(Node& shape);

@@ -3,40 +3,19 @@
 #include <algorithm>
 
 #include "host/dg/graph.h"
+#include "host/mesh/components.h"
 #include "host/nodes/history/modifiers.h"
-#include "host/nodes/mesh_shape.h"
+#include "host/nodes/mesh_components.h"
 #include "host/scene/component.h"
+#include "host/scene/mesh_data.h"
 
 namespace host::nodes {
-
-namespace {
-
-/// Without a plug-in's code the geometry passes unchanged.
-void passThrough(TypeBuilder& builder, const Attribute* inputs, const Attribute* geometry,
-                 const Attribute* result) {
-  builder.type().compute = [=](Node& node, const Plug& plug, DataBlock& block) -> Result<Computed> {
-    if (plug.attribute() != result || !plug.isElement()) return Computed::Unhandled;
-    const Plug own = Plug(&node, inputs).element(plug.logicalIndex()).child(geometry);
-    auto arriving = block.input(own);
-    if (!arriving) return failWith(arriving.error());
-    block.output(plug, *arriving);
-    return Computed::Done;
-  };
-}
-
-Plug inputOf(Node& deformer, Index geometry, std::string_view child) {
-  const Plug inputs = deformer.plug("input");
-  return inputs.element(geometry).child(inputs.attribute()->find(child));
-}
-
-}  // namespace
 
 void registerDeformers(dg::TypeRegistry& types) {
   TypeBuilder filter(types, "geometryFilter", {}, typeCode("GMFT"));
   filter.setAbstract();
   filter.livesByItsOutputs();
   AttributePtr geometry = notStored(dg::makeTyped("inputGeometry", "ig", "mesh"));
-  const Attribute* arriving = geometry.get();
   // The matrix takes the geometry to the world; it follows the shape that feeds the deformer.
   const Attribute* inputs = filter.add(
       array(compound("input", "ip",
@@ -44,10 +23,13 @@ void registerDeformers(dg::TypeRegistry& types) {
                       notStored(hidden(matrix("geometryMatrix", "gmx")))})));
   const Attribute* envelope = filter.add(keyable(softLimited(single("envelope", "en", 1), 0, 1)));
   filter.add(choice("blockGPU", "bgp", {"Off", "On"}));
+  filter.add(hidden(message("function", "f")));
+  filter.add(hidden(message("map64BitIndices", "map")));
   const Attribute* result =
       filter.add(array(output(dg::makeTyped("outputGeometry", "og", "mesh"))));
   filter.affects({inputs, envelope, filter["nodeState"]}, {result});
-  passThrough(filter, inputs, arriving, result);
+  // Without a plug-in's code the geometry passes unchanged.
+  setDeformation(filter, [](DeformInput&) -> Result<void> { return {}; });
   filter.finish();
 
   TypeBuilder weighted(types, "weightGeometryFilter", "geometryFilter", typeCode("WGFT"));
@@ -59,110 +41,93 @@ void registerDeformers(dg::TypeRegistry& types) {
   weighted.finish();
 }
 
-std::shared_ptr<const scene::ComponentListData> deformedComponents(Node& deformer, Index geometry) {
-  dg::Graph& graph = deformer.graph();
-  const Plug source = graph.source(inputOf(deformer, geometry, "inputGeometry"));
-  if (!source || source.node()->type().name != "groupParts") return nullptr;
-  const dg::Value value = graph.stored(source.node()->plug("inputComponents"));
-  const auto* data = std::get_if<dg::DataPtr>(&value);
-  return data ? std::dynamic_pointer_cast<const scene::ComponentListData>(*data) : nullptr;
+// What deformers work with
+// -------------------------------------------------------------------------------------------------
+
+double DeformInput::real(std::string_view attribute) const {
+  return block.real(node().findAttribute(attribute));
+}
+std::int64_t DeformInput::integer(std::string_view attribute) const {
+  return block.integer(node().findAttribute(attribute));
+}
+math::Vec3 DeformInput::vec3(std::string_view attribute) const {
+  return block.vec3(node().findAttribute(attribute));
+}
+math::Matrix4 DeformInput::matrix(const Plug& plug) const {
+  const auto data = block.data<dg::MatrixData>(plug);
+  return data ? data->value : math::Matrix4();
+}
+math::Matrix4 DeformInput::geometryMatrix() const {
+  const Plug inputs = plug("input");
+  return matrix(inputs.element(geometry).child(inputs.attribute()->find("geometryMatrix")));
 }
 
-Result<Index> addDeformedShape(scene::Document& document, Node& deformer, Node& shape,
-                               const std::vector<scene::Component>& components) {
-  dg::Graph& graph = document.graph();
-  const auto known = deformedShapes(deformer);
-  if (std::ranges::any_of(known, [&](const auto& each) { return each.second == &shape; }))
-    return fail("'{}' deforms '{}' already.", deformer.name(), shape.name());
-  Index index = 0;
-  for (const auto& [number, other] : known) index = std::max(index, number + 1);
-  const Plug arriving = inputOf(deformer, index, "inputGeometry");
-  const Plug leaving = deformer.plug("outputGeometry").element(index);
-  if (components.empty()) {
-    HOST_TRY(insertHistoryNode(document, shape, arriving, leaving));
-  } else {
-    const auto parts = document.createNode("groupParts", "groupParts#");
-    if (!parts) return failWith(parts.error());
-    HOST_TRY(graph.set((*parts)->plug("inputComponents"),
-                       dg::DataPtr(std::make_shared<scene::ComponentListData>(components))));
-    HOST_TRY(graph.connect((*parts)->plug("outputGeometry"), arriving));
-    HOST_TRY(insertHistoryNode(document, shape, (*parts)->plug("inputGeometry"), leaving));
-  }
-  HOST_TRY(graph.connect(shape.plug("worldMatrix").element(0),
-                         inputOf(deformer, index, "geometryMatrix")));
-  return index;
+void setDeformation(TypeBuilder& builder, Deformation deform) {
+  const Attribute* inputs = builder["input"];
+  const Attribute* arriving = inputs->find("inputGeometry");
+  const Attribute* result = builder["outputGeometry"];
+  const Attribute* envelope = builder["envelope"];
+  const Attribute* state = builder["nodeState"];
+  builder.type().compute = [=, deform = std::move(deform)](Node& node, const Plug& plug,
+                                                           DataBlock& block) -> Result<Computed> {
+    if (plug.attribute() != result || !plug.isElement()) return Computed::Unhandled;
+    const Index geometry = plug.logicalIndex();
+    const Plug own = Plug(&node, inputs).element(geometry).child(arriving);
+    auto value = arrivingGeometry(block.graph(), own);
+    if (!value) return failWith(std::move(value.error()));
+    const auto* data = dg::dataAs<scene::MeshData>(*value);
+    const double strength = block.real(envelope);
+    constexpr std::int64_t kHasNoEffect = 1;
+    if (!data || strength == 0 || block.integer(state) == kHasNoEffect) {
+      block.output(plug, *value);
+      return Computed::Done;
+    }
+    DeformInput input{block, geometry, data->mesh, strength};
+    if (const auto done = deform(input); !done)
+      return fail("{}: {}", node.name(), done.error().message);
+    block.output(plug, input.mesh.sharesPointsWith(data->mesh)
+                           ? *value
+                           : dg::Value(dg::DataPtr(std::make_shared<scene::MeshData>(
+                                 std::move(input.mesh), data->groups))));
+    return Computed::Done;
+  };
 }
 
-Result<void> removeDeformedShape(scene::Document& document, Node& deformer, Node& shape) {
-  dg::Graph& graph = document.graph();
-  for (const auto& [index, other] : deformedShapes(deformer)) {
-    if (other != &shape) continue;
-    const Plug leaving = deformer.plug("outputGeometry").element(index);
-    const Plug arriving = inputOf(deformer, index, "inputGeometry");
-    Plug source = graph.source(arriving);
-    if (source) HOST_TRY(graph.disconnect(source, arriving));
-    Node* parts = nullptr;
-    if (source && source.node()->type().name == "groupParts") {
-      parts = source.node();
-      source = graph.source(parts->plug("inputGeometry"));
-    }
-    for (const Plug& destination : graph.destinations(leaving)) {
-      HOST_TRY(graph.disconnect(leaving, destination));
-      if (source) HOST_TRY(graph.connect(source, destination));
-    }
-    if (parts) HOST_TRY(document.deleteNodes({parts}));
-    return graph.removeElement(deformer.plug("input").element(index), true);
-  }
-  return fail("'{}' does not deform '{}'.", deformer.name(), shape.name());
+Result<dg::Value> arrivingGeometry(dg::Graph& graph, const Plug& plug) {
+  // Read in any case: what is not read is not told when it changes.
+  auto arriving = graph.get(plug);
+  const Plug source = graph.source(plug);
+  if (source && arriving && source.attribute()->longName == "worldMesh")
+    if (const Plug own = source.node()->plug("outMesh")) return graph.get(own);
+  return arriving;
 }
 
-Plug arrivalBeforeDeformers(Node& shape) {
-  dg::Graph& graph = shape.graph();
-  Plug first;
-  Plug source = graph.source(shape.plug("inMesh"));
-  for (int steps = 0; source && steps < 1000; ++steps) {
-    Node& node = *source.node();
-    if (node.type().isA("geometryFilter")) {
-      if (!source.isElement()) break;
-      first = inputOf(node, source.logicalIndex(), "inputGeometry");
-      source = graph.source(first);
-    } else if (node.type().name == "groupParts") {
-      // It names the components of the deformer behind it, or of the shape.
-      source = graph.source(node.plug("inputGeometry"));
-    } else {
-      break;
-    }
-  }
-  if (first && !graph.source(first)) return {};
-  return first;
+std::vector<float> numbersByVertex(dg::Graph& graph, const Plug& numbers, Index count,
+                                   float otherwise) {
+  std::vector<float> all;
+  std::vector<Index> indices;
+  std::vector<double> values;
+  if (numbers.isNull() || !graph.getPacked(numbers, indices, values) || indices.empty()) return all;
+  all.assign(at(count), otherwise);
+  for (std::size_t i = 0; i < indices.size(); ++i)
+    if (indices[i] < count) all[at(indices[i])] = static_cast<float>(values[i]);
+  return all;
 }
 
-std::vector<std::pair<Index, Node*>> deformedShapes(Node& deformer) {
-  dg::Graph& graph = deformer.graph();
-  std::vector<std::pair<Index, Node*>> found;
-  const Plug all = deformer.plug("outputGeometry");
-  for (const Index index : graph.elementIndices(all)) {
-    Plug at = all.element(index);
-    // Other history may stand between the deformer and the shape.
-    for (int steps = 0; steps < 1000; ++steps) {
-      const auto destinations = graph.destinations(at);
-      if (destinations.empty()) break;
-      const Plug next = destinations.front();
-      Node* node = next.node();
-      if (scene::isDagNode(*node)) {
-        found.emplace_back(index, node);
-        break;
-      }
-      if (node->type().isA("geometryFilter")) {
-        const Plug element = next.isElement() ? next : next.parent();
-        at = node->plug("outputGeometry").element(element.logicalIndex());
-      } else {
-        at = node->plug("output") ? node->plug("output") : node->plug("outputGeometry");
-        if (!at || at.isArray()) break;
-      }
-    }
-  }
-  return found;
+std::vector<float> vertexStrengths(Node& deformer, Index geometry, const mesh::Mesh& mesh,
+                                   const Plug& weights) {
+  std::vector<float> strengths = numbersByVertex(deformer.graph(), weights, mesh.vertexCount(), 1);
+  const auto named = deformedComponents(deformer, geometry);
+  const bool isAll = !named || std::ranges::any_of(named->value, [](const auto& each) {
+    return each.type() == scene::ComponentType::Vertex && each.isComplete();
+  });
+  if (isAll) return strengths;
+  std::vector<float> limited(at(mesh.vertexCount()), 0.0F);
+  for (const scene::Component& component : named->value)
+    for (const Index v : mesh::convertComponents(
+             mesh, component.type(), componentIds(mesh, component), mesh::ComponentType::Vertex))
+      limited[at(v)] = strengths.empty() ? 1.0F : strengths[at(v)];
+  return limited;
 }
 
 }  // namespace host::nodes

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "host/nodes/history/deformers.h"
 #include "host/nodes/history/group_carry.h"
 #include "host/nodes/history/modifiers.h"
 #include "host/nodes/type_builder.h"
@@ -64,7 +65,7 @@ void registerGroupNodes(dg::TypeRegistry& types) {
   parts.affects({input, number, added, removed}, {result});
   parts.type().compute = [=](Node& node, const Plug& plug, DataBlock& block) -> Result<Computed> {
     if (plug.attribute() != result) return Computed::Unhandled;
-    auto arriving = block.input(Plug(&node, input));
+    auto arriving = arrivingGeometry(block.graph(), Plug(&node, input));
     if (!arriving) return failWith(arriving.error());
     const auto* data = dg::dataAs<scene::MeshData>(*arriving);
     const std::int64_t group = block.integer(number);

@@ -340,7 +340,8 @@ void registerSkinCluster(dg::TypeRegistry& types) {
   skin.type().compute = [=](Node& node, const Plug& plug, DataBlock& block) -> Result<Computed> {
     if (plug.attribute() != result || !plug.isElement()) return Computed::Unhandled;
     const Index geometry = plug.logicalIndex();
-    const auto mesh = block.input(Plug(&node, inputs).element(geometry).child(arriving));
+    const auto mesh =
+        arrivingGeometry(block.graph(), Plug(&node, inputs).element(geometry).child(arriving));
     if (!mesh) return failWith(mesh.error());
     auto moved = skinned(node, geometry, *mesh, block.real(envelope));
     if (!moved) return failWith(moved.error());

@@ -29,9 +29,9 @@ UvLayout uvLayout(const CylinderOptions& o) {
 
 // Ring k of a cap, counted from its centre (k = 1) to its rim (k = count).
 LatheProfile::Ring capRing(const CylinderOptions& o, double rimY, int k, int count, double side) {
-  if (!o.roundCap) return {o.radius * k / count, rimY, true};
+  if (!o.roundCap) return {o.radius * k / count, rimY, !o.isFaceted};
   const double angle = 0.5 * std::numbers::pi * k / count;
-  return {o.radius * std::sin(angle), rimY + side * o.radius * std::cos(angle), true};
+  return {o.radius * std::sin(angle), rimY + side * o.radius * std::cos(angle), !o.isFaceted};
 }
 
 }  // namespace
@@ -72,7 +72,8 @@ Result<Mesh> makeCylinder(const CylinderOptions& options) {
   for (int j = 0; j <= sy; ++j) {
     const double t = double(j) / sy;
     const bool isRim = j == 0 || j == sy;
-    profile.rings.push_back({options.radius, -half + 2 * half * t, !isRim || poleOut > 0});
+    profile.rings.push_back(
+        {options.radius, -half + 2 * half * t, !options.isFaceted && (!isRim || poleOut > 0)});
     sideRows.push_back(hasUvs ? addUvLine(builder, sx, layout.sideU0, layout.sideU1,
                                           layout.sideV0 + (layout.sideV1 - layout.sideV0) * t)
                               : UvRow{});
@@ -81,16 +82,17 @@ Result<Mesh> makeCylinder(const CylinderOptions& options) {
   for (int k = rimK - 1; k >= 1; --k) profile.rings.push_back(capRing(options, half, k, sc, 1));
 
   for (std::size_t k = 0; k + 1 < capRows[0].size(); ++k)
-    profile.bands.push_back({true, capRows[0][k], capRows[0][k + 1]});
+    profile.bands.push_back({!options.isFaceted, capRows[0][k], capRows[0][k + 1]});
   for (std::size_t j = 0; j + 1 < sideRows.size(); ++j)
-    profile.bands.push_back({true, sideRows[j], sideRows[j + 1]});
+    profile.bands.push_back({!options.isFaceted, sideRows[j], sideRows[j + 1]});
   for (std::size_t k = 0; k + 1 < capRows[1].size(); ++k)
-    profile.bands.push_back({true, capRows[1][k], capRows[1][k + 1]});
+    profile.bands.push_back({!options.isFaceted, capRows[1][k], capRows[1][k + 1]});
   profile.bottom.row = capRows[0].front();
   profile.top.row = capRows[1].back();
   profile.bottom.y = -half - poleOut;
   profile.top.y = half + poleOut;
   for (LatheEnd* end : {&profile.bottom, &profile.top}) {
+    end->areSpokesSmooth = !options.isFaceted;
     end->kind = sc == 0 ? LatheEnd::Kind::Polygon : LatheEnd::Kind::Pole;
     if (sc > 0 && hasUvs)
       end->poleUv =
@@ -98,6 +100,22 @@ Result<Mesh> makeCylinder(const CylinderOptions& options) {
   }
   addLathe(builder, profile);
   return std::move(builder).finish(options.axis);
+}
+
+Result<Mesh> makePrism(const PrismOptions& options) {
+  HOST_TRY(checkSize("The prism's length", options.length));
+  HOST_TRY(checkSize("The prism's side length", options.sideLength));
+  HOST_TRY(checkSubdivisions("The sides of a prism", options.sides, 3));
+  CylinderOptions cylinder;
+  cylinder.radius = 0.5 * options.sideLength / std::sin(std::numbers::pi / options.sides);
+  cylinder.height = options.length;
+  cylinder.subdivisionsAxis = options.sides;
+  cylinder.subdivisionsHeight = options.subdivisionsHeight;
+  cylinder.subdivisionsCaps = options.subdivisionsCaps;
+  cylinder.isFaceted = true;
+  cylinder.axis = options.axis;
+  cylinder.createUVs = options.createUVs;
+  return makeCylinder(cylinder);
 }
 
 }  // namespace host::ops

@@ -6,6 +6,7 @@
 #include "host/math/frame.h"
 #include "host/mesh/adjacency.h"
 #include "host/mesh/rebuild.h"
+#include "host/ops/uv/uv_ids.h"
 
 namespace host::ops {
 namespace {
@@ -122,18 +123,26 @@ Result<Mesh> createPolygon(std::span<const math::Vec3> points) {
                 points.size());
   std::vector<math::Vec3f> stored;
   std::vector<VertexId> loop;
-  math::Vec3 area;
   for (std::size_t i = 0; i < points.size(); ++i) {
     if (!math::isFinite(points[i]))
       return fail(ErrorKind::BadArgument, "A polygon's points must be finite");
     stored.push_back(points[i].toFloat());
     loop.push_back(static_cast<VertexId>(i));
-    area += math::cross(points[i] - points[0], points[(i + 1) % points.size()] - points[0]);
   }
   const std::vector<Index> counts{static_cast<Index>(points.size())};
   auto mesh = mesh::buildMesh(std::move(stored), counts, loop);
   if (!mesh) return failWith(std::move(mesh).error());
   mesh->setEdgeSmooth(std::vector<std::uint8_t>(points.size(), 0));
+  mesh::UvSet& set = mesh->editUvSet(0);
+  for (const mesh::Vec2f& uv : polygonUvs(points)) set.points.push_back(uv);
+  set.cornerIds = copyIds<UvId>(loop);
+  return mesh;
+}
+
+std::vector<mesh::Vec2f> polygonUvs(std::span<const math::Vec3> points) {
+  math::Vec3 area;
+  for (std::size_t i = 0; i < points.size(); ++i)
+    area += math::cross(points[i] - points[0], points[(i + 1) % points.size()] - points[0]);
   // Seen from the side that it faces; x of the view is as near to x as it can be.
   const math::Frame view = math::frameFromNormal(points[0], area, {1, 0, 0});
   double lowU = 0, lowV = 0, highU = 0, highV = 0;
@@ -144,12 +153,23 @@ Result<Mesh> createPolygon(std::span<const math::Vec3> points) {
     lowV = std::min(lowV, flat.back().y), highV = std::max(highV, flat.back().y);
   }
   const double size = std::max(highU - lowU, highV - lowV), scale = size > 0 ? 1 / size : 0;
-  mesh::UvSet& set = mesh->editUvSet(0);
+  std::vector<mesh::Vec2f> uvs;
   for (const math::Vec3& p : flat)
-    set.points.push_back(
+    uvs.push_back(
         {static_cast<float>((p.x - lowU) * scale), static_cast<float>((p.y - lowV) * scale)});
-  set.cornerIds = copyIds<UvId>(loop);
-  return mesh;
+  return uvs;
+}
+
+void normalizeFaceUvs(Mesh& mesh, int uvSet, FaceId face) {
+  std::vector<math::Vec3> points;
+  for (const VertexId v : mesh.faceVertices(face)) points.emplace_back(mesh.points()[at(v)]);
+  mesh::UvSet& set = mesh.editUvSet(uvSet);
+  std::vector<UvId>& ids = writableCornerIds(set, mesh.cornerCount());
+  const std::vector<mesh::Vec2f> uvs = polygonUvs(points);
+  for (std::size_t i = 0; i < uvs.size(); ++i) {
+    ids[at(mesh.firstCorner(face)) + i] = static_cast<UvId>(set.points.size());
+    set.points.push_back(uvs[i]);
+  }
 }
 
 Result<std::vector<FaceId>> closeBorders(Mesh& mesh, std::span<const EdgeId> edges) {

@@ -35,6 +35,12 @@ struct AppendPolygonResult {
 /// @return an error for fewer than three points or points that are not finite.
 [[nodiscard]] Result<Mesh> createPolygon(std::span<const math::Vec3> points);
 
+/// A UV for each corner of a polygon, in order: how it is seen along its normal, scaled evenly into
+/// the unit square from the lower left corner. At least three points, object space, cm.
+[[nodiscard]] std::vector<mesh::Vec2f> polygonUvs(std::span<const math::Vec3> points);
+/// Gives a face without UVs such ones, behind those of the set.
+void normalizeFaceUvs(Mesh& mesh, int uvSet, FaceId face);
+
 /// Closes borders by one polygon each, for every border that one of the listed edges lies on.
 ///
 /// New faces follow the old ones in order of the lowest listed edges; they face like their

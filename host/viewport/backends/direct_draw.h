@@ -14,6 +14,12 @@ namespace host::viewport {
 void setDirectColor(const Rgba& color);
 /// Lower left corner and size in pixels.
 void setDirectViewport(int x, int y, int width, int height);
+/// What is drawn goes through these matrices, until the section ends.
+void setDirectView(const Matrix4& modelView, const Matrix4& projection);
+/// Lights what follows from the viewer's side, until the section ends.
+void setDirectMaterial(const Rgba& color, const Rgba& specular, float shininess);
+/// Leaves out faces that are turned away, or those turned to the viewer, until the section ends.
+void setDirectCulling(bool isOn, bool cullsFront);
 /// Draws what follows over everything; until the section ends.
 void beginDirectOverlay();
 /// Inverts what is below instead of painting over it; until endDirectXor.

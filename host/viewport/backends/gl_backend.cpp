@@ -107,8 +107,8 @@ class GlBackendImpl final : public GlBackend {
     HOST_ASSERT(isInFrame_ && !isDirect_, "call beginFrame first, and endDirect");
     if (!isClippingSet_) camera_ = withTightClipping(settings_.camera, list, parts_->buffers);
     isClippingSet_ = true;  // later lists of the frame share its depth
-    DrawList full = list;
-    appendTexts(list.texts, full);
+    DrawList texts;
+    appendTexts(list.texts, texts);
     isDepthResolved_ = false;
     for (const GlProgram* program : {&parts_->programs.surface, &parts_->programs.solid}) {
       program->use();
@@ -117,8 +117,8 @@ class GlBackendImpl final : public GlBackend {
     bool needsOcclusion = settings_.ambientOcclusion && list.lighting.mode != Lighting::Mode::Flat;
     bool hasOpaque = false;
     prepareState();
-    for (const std::size_t index : drawOrder(full)) {
-      const DrawItem& item = full.items[index];
+    for (const std::size_t index : drawOrder(list)) {
+      const DrawItem& item = list.items[index];
       const bool isOpaque = item.space == Space::World && item.pass == Pass::Opaque;
       if (!isOpaque && needsOcclusion && hasOpaque) addOcclusion();
       if (!isOpaque) needsOcclusion = false;
@@ -126,6 +126,7 @@ class GlBackendImpl final : public GlBackend {
       drawItem(item);
     }
     if (needsOcclusion && hasOpaque) addOcclusion();
+    for (const DrawItem& item : texts.items) drawItem(item);  // over everything
   }
 
   void endFrame() override {
@@ -274,7 +275,6 @@ class GlBackendImpl final : public GlBackend {
       item.depthTest = DepthTest::Always;
       item.color = text.color;
       item.width = std::max(1.3f, text.height / 8);
-      item.priority = 1000;
     }
   }
 

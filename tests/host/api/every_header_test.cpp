@@ -13,6 +13,9 @@
 #include <maya/MArgParser.h>
 #include <maya/MArrayDataBuilder.h>
 #include <maya/MArrayDataHandle.h>
+#include <maya/MAttributeIndex.h>
+#include <maya/MAttributeSpec.h>
+#include <maya/MAttributeSpecArray.h>
 #include <maya/MBoundingBox.h>
 #include <maya/MCallbackIdArray.h>
 #include <maya/MColor.h>
@@ -35,7 +38,11 @@
 #include <maya/MDistance.h>
 #include <maya/MDoubleArray.h>
 #include <maya/MDrawContext.h>
+#include <maya/MDrawData.h>
+#include <maya/MDrawInfo.h>
 #include <maya/MDrawRegistry.h>
+#include <maya/MDrawRequest.h>
+#include <maya/MDrawRequestQueue.h>
 #include <maya/MDynamicsUtil.h>
 #include <maya/MEulerRotation.h>
 #include <maya/MEvaluationManager.h>
@@ -121,6 +128,7 @@
 #include <maya/MItSelectionList.h>
 #include <maya/MItSurfaceCV.h>
 #include <maya/MIteratorType.h>
+#include <maya/MMaterial.h>
 #include <maya/MMatrix.h>
 #include <maya/MMatrixArray.h>
 #include <maya/MMeshIntersector.h>
@@ -148,6 +156,7 @@
 #include <maya/MPxDrawOverride.h>
 #include <maya/MPxFileTranslator.h>
 #include <maya/MPxGeometryFilter.h>
+#include <maya/MPxGeometryIterator.h>
 #include <maya/MPxGeometryOverride.h>
 #include <maya/MPxLocatorNode.h>
 #include <maya/MPxNode.h>
@@ -162,6 +171,7 @@
 #include <maya/MRampAttribute.h>
 #include <maya/MRenderUtil.h>
 #include <maya/MSceneMessage.h>
+#include <maya/MSelectInfo.h>
 #include <maya/MSelectionList.h>
 #include <maya/MSelectionMask.h>
 #include <maya/MShaderManager.h>

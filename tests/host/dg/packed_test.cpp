@@ -1,7 +1,9 @@
 #include <doctest/doctest.h>
 
 #include <numeric>
+#include <set>
 
+#include "host/dg/packed_view.h"
 #include "tests/host/dg/synthetic.h"
 
 using namespace dgtest;
@@ -39,6 +41,68 @@ TEST_CASE(
   CHECK(world.history.changes[1]->bytes() >= 3u * kCount * sizeof(double));
   while (world.history.redo()) continue;
   CHECK(world.hash() == after);
+}
+
+TEST_CASE("what is kept of a large array is what an edit changed, and goes to and fro exactly") {
+  constexpr Index kCount = 100'000;
+  World world;
+  const Plug points = world.add("n")->plug("points");
+  std::vector<Index> indices = countTo(kCount);
+  std::vector<double> values(3u * kCount, 0.5);
+  REQUIRE(world.graph.setPacked(points, indices, values));
+  std::vector<std::uint64_t> states{world.hash()};
+  const std::size_t start = world.history.done;
+  const auto edit = [&] {
+    REQUIRE(world.graph.setPacked(points, indices, values));
+    CHECK(world.history.changes.back()->bytes() < 2000);
+    states.push_back(world.hash());
+  };
+  values[3u * 77u] = 9;
+  edit();
+  // One element fewer, and two more at the end.
+  indices.erase(indices.begin() + 500);
+  values.erase(values.begin() + 1500, values.begin() + 1503);
+  edit();
+  indices.insert(indices.end(), {kCount + 3, kCount + 9});
+  values.insert(values.end(), {1, 2, 3, 4, 5, 6});
+  values[0] = -0.0;
+  edit();
+  for (int round = 0; round < 2; ++round) {
+    for (std::size_t i = states.size(); i-- > 0;) {
+      CHECK(world.hash() == states[i]);
+      if (i > 0) world.history.undoTo(start + i - 1);
+    }
+    while (world.history.redo()) continue;
+    CHECK(world.hash() == states.back());
+  }
+}
+
+TEST_CASE("the number of a packed array's contents changes with them and comes back with them") {
+  World world;
+  const NodePtr a = world.add("a"), b = world.add("b");
+  const Plug points = a->plug("points");
+  REQUIRE(world.graph.setPacked(points, {0, 1, 2, 3}, std::vector<double>(12, 1.0)));
+  const auto content = [&] { return packedView(points)->content; };
+  const std::uint64_t first = content(), ahead = nextPackedContent();
+  std::vector<double> changed(12, 1.0);
+  changed[4] = 2;
+  REQUIRE(world.graph.setPacked(points, {0, 1, 2, 3}, changed));
+  CHECK(content() == ahead);
+  const std::uint64_t second = content();
+  const std::size_t steps = world.history.changes.size();
+  REQUIRE(world.graph.set(points.element(3).child(0), 7.0));
+  const std::uint64_t third = content();
+  REQUIRE(world.graph.addElement(points.element(8)));
+  CHECK(std::set{first, second, third, content()}.size() == 4);
+  world.history.undoTo(steps);
+  CHECK(packedView(points)->values[9] == 1);
+  CHECK(content() != third);
+  world.history.undoTo(steps - 1);
+  world.history.redo();
+  CHECK(packedView(points)->values[4] == 2);
+  // What has to be fetched can't be looked at.
+  REQUIRE(world.graph.connect(b->plug("outV"), points.element(1)));
+  CHECK_FALSE(packedView(points));
 }
 
 TEST_CASE("packed elements can be connected both ways, flagged and replaced around") {

@@ -119,6 +119,9 @@ TEST_CASE("what a killed save left is removed by the next one, what a running on
     ::waitpid(child, nullptr, 0);
     const std::string left = folder.read("scene");
     CHECK((left == content || left.starts_with("!")));
+    // Whether or not this one was killed between two saves.
+    for (const char* end : {".part", "-1.part"})
+      std::ofstream(folder.at((".scene." + std::to_string(child) + end).c_str())) << "half";
   }
   std::ofstream(folder.at((".scene." + std::to_string(::getppid()) + ".part").c_str())) << "theirs";
   std::ofstream(folder.at(".scene.backup.part")) << "somebody's own";

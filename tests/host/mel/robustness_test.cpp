@@ -7,6 +7,7 @@
 #include <sstream>
 #include <thread>
 
+#include "host/mel/engine.h"
 #include "tests/host/mel/script_host.h"
 
 namespace host::mel::test {
@@ -101,6 +102,36 @@ TEST_CASE("an interrupt ends loops, calls and evaluations, and no catch holds it
     CHECK(host.printed().empty());
     CHECK(*host.interpreter.execute("1 + 1") == Value(2));
   }
+}
+
+TEST_CASE("a limit of turns ends a run where it ended before, and no catch holds it") {
+  ScriptHost host;
+  Engine engine(host, 1U << 12);
+  engine.machine().limitTurns(1000);
+  CHECK(engine.execute("int $sum; for ($i = 0; $i < 900; $i++) $sum += $i; $sum", "").value() ==
+        Value(404550));
+  for (const char* source :
+       {"global int $turns; $turns = 0; while (1) $turns++;",
+        "global int $turns; $turns = 0; while (1) catch(eval(\"global int $turns; $turns++\"));",
+        "global proc spin() { global int $turns; while (1) $turns++; }"
+        "global int $turns; $turns = 0; catch(spin());"}) {
+    CAPTURE(source);
+    std::int32_t before = 0;
+    for (int run = 0; run < 2; ++run) {
+      const Result<Value> result = engine.execute(source, "");
+      REQUIRE_FALSE(result.has_value());
+      CHECK(result.error().message.find("Interrupted") != std::string::npos);
+      const std::int32_t turns = engine.findGlobal("turns")->value.intValue();
+      CHECK(turns > 300);
+      CHECK(turns <= 1000);
+      if (run > 0) CHECK(turns == before);
+      before = turns;
+    }
+  }
+  const Result<Value> deep =
+      engine.execute("global proc deep() { int $a, $b, $c, $d, $e, $f; deep(); } deep();", "");
+  REQUIRE_FALSE(deep.has_value());
+  CHECK(deep.error().message.find("Stack overflow") != std::string::npos);
 }
 
 TEST_CASE("a 10 MB string is built, read and compared") {

@@ -6,6 +6,7 @@
 
 #include "host/mesh/check.h"
 #include "host/mesh/hash.h"
+#include "host/nodes/move_points.h"
 #include "tests/host/nodes/nodes_fixture.h"
 
 using namespace host;
@@ -59,6 +60,90 @@ TEST_CASE("mesh: points written come out exactly, with history and without") {
     REQUIRE(setEvaluatedPoints(shape, original));
     CHECK(scene.points(shape) == original);
   }
+}
+
+TEST_CASE(
+    "mesh: moves of a shape without history are offsets, exact through undo and on top of others") {
+  Scene scene;
+  dg::Node& shape = scene.cube();
+  const auto stored = [&] {
+    const auto mesh = untweakedMesh(shape);
+    REQUIRE(mesh);
+    return std::vector<Vec3f>(mesh->points().begin(), mesh->points().end());
+  };
+  const std::vector<Vec3f> original = stored();
+  std::mt19937 random(7);
+  scene::ChangeSet all;
+  std::vector<std::pair<std::uint64_t, std::vector<Vec3f>>> states;
+  for (int step = 0; step < 40; ++step) {
+    states.emplace_back(scene->hash(), scene.points(shape));
+    std::vector<Vec3f> wanted = scene.points(shape);
+    PointTargets targets;
+    for (std::size_t v = 0; v < wanted.size(); ++v) {
+      if (random() % 3) continue;
+      // Now and then back to where it is stored: then it needs no offset.
+      const Vec3f place = random() % 4 == 0 ? original[v] : Vec3f{float(random()), 0.1F, -0.0F};
+      targets.add(VertexId(static_cast<Index>(v)), place);
+      wanted[v] = place;
+    }
+    scene::ChangeSet changes;
+    {
+      const scene::Journal::Scope scope(scene->journal(), &changes);
+      REQUIRE(tweakPoints(shape, targets));
+    }
+    CHECK(scene.points(shape) == wanted);
+    CHECK(stored() == original);
+    // The sum is what a fresh shape of the same offsets shows.
+    const VertexOffsets offsets(shape);
+    for (std::size_t v = 0; v < wanted.size(); ++v)
+      CHECK(offsets.hold(static_cast<Index>(v)) == !(wanted[v] == original[v]));
+    if (step % 3 == 0) {
+      REQUIRE(changes.undo());
+      CHECK(scene->hash() == states.back().first);
+      CHECK(scene.points(shape) == states.back().second);
+      REQUIRE(changes.redo());
+      CHECK(scene.points(shape) == wanted);
+    }
+    if (step % 5 == 4) {
+      // A program's edit of all points: offsets where there are some, else the stored mesh.
+      std::vector<Vec3f> shifted = wanted;
+      for (Vec3f& point : shifted) point.z += 1;
+      scene::ChangeSet written;
+      {
+        const scene::Journal::Scope scope(scene->journal(), &written);
+        REQUIRE(setEvaluatedPoints(shape, shifted));
+      }
+      CHECK(scene.points(shape) == shifted);
+      REQUIRE(written.undo());
+      CHECK(scene.points(shape) == wanted);
+      CHECK(stored() == original);
+    }
+  }
+  REQUIRE(deleteHistory(*scene.document, shape));
+  CHECK(scene.graph().elementCount(shape.plug("pnts")) == 0);
+  CHECK(scene.points(shape) == stored());
+}
+
+TEST_CASE("mesh: what a listener does to offsets while they are set counts") {
+  struct Meddler final : dg::GraphObserver {
+    dg::Node* shape = nullptr;
+    void attributeEvent(dg::AttributeEvent, const dg::Plug&, const dg::Plug&) override {
+      if (!shape) return;
+      dg::Node& node = *std::exchange(shape, nullptr);
+      REQUIRE(node.graph().set(node.plug("pnts").element(6).child(1), 5.0));
+    }
+  } meddler;
+  Scene scene;
+  dg::Node& shape = scene.cube();
+  const std::vector<Vec3f> before = scene.points(shape);
+  scene.graph().addObserver(&meddler);
+  meddler.shape = &shape;
+  PointTargets targets;
+  targets.add(VertexId(0), {9, 9, 9});
+  REQUIRE(tweakPoints(shape, targets));
+  scene.graph().removeObserver(&meddler);
+  CHECK(scene.points(shape)[0] == Vec3f{9, 9, 9});
+  CHECK(scene.points(shape)[6].y == before[6].y + 5);
 }
 
 TEST_CASE("mesh: with history a move is a tweak that survives an edit of the history") {

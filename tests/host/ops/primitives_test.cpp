@@ -10,7 +10,10 @@
 #include "host/ops/primitives/cone.h"
 #include "host/ops/primitives/cube.h"
 #include "host/ops/primitives/cylinder.h"
+#include "host/ops/primitives/helix.h"
+#include "host/ops/primitives/pipe.h"
 #include "host/ops/primitives/plane.h"
+#include "host/ops/primitives/platonic_solid.h"
 #include "host/ops/primitives/sphere.h"
 #include "host/ops/primitives/torus.h"
 
@@ -255,6 +258,9 @@ TEST_CASE("primitives: all subdivisions give closed, outward-facing meshes with 
       CubeOptions cube{2, 3, 4, n, 2, 4 - n};
       cube.createUVs = uvs;
       shapes.emplace_back("cube", makeCube(cube));
+      PlatonicSolidOptions solid;
+      solid.solid = static_cast<PlatonicSolid>(n), solid.createUVs = uvs, solid.axis = {0, 0, 1};
+      shapes.emplace_back("solid", makePlatonicSolid(solid));
       if (uvs > 3) continue;
       for (int cap = 0; cap <= 3; ++cap) {
         CylinderOptions cylinder;
@@ -270,6 +276,15 @@ TEST_CASE("primitives: all subdivisions give closed, outward-facing meshes with 
         pyramid.sides = 2 + n, pyramid.subdivisionsHeight = n, pyramid.subdivisionsCap = cap;
         pyramid.createUVs = uvs;
         shapes.emplace_back("pyramid", makePyramid(pyramid));
+        PrismOptions prism;
+        prism.sides = 2 + n, prism.subdivisionsHeight = n, prism.subdivisionsCaps = cap;
+        prism.createUVs = uvs;
+        shapes.emplace_back("prism", makePrism(prism));
+        HelixOptions helix;
+        helix.coils = 0.7 * n, helix.subdivisionsAxis = 2 + n, helix.subdivisionsCoil = 7;
+        helix.subdivisionsCaps = cap, helix.roundCap = n == 2, helix.createUVs = uvs;
+        helix.isCounterClockwise = n == 1;
+        shapes.emplace_back("helix", makeHelix(helix));
       }
       if (uvs > 2) continue;
       SphereOptions sphere;
@@ -279,6 +294,10 @@ TEST_CASE("primitives: all subdivisions give closed, outward-facing meshes with 
       TorusOptions torus;
       torus.subdivisionsAxis = 2 + n, torus.subdivisionsHeight = 3, torus.createUVs = uvs;
       shapes.emplace_back("torus", makeTorus(torus));
+      PipeOptions pipe;
+      pipe.subdivisionsAxis = 2 + n, pipe.subdivisionsHeight = n, pipe.subdivisionsCaps = n;
+      pipe.roundCap = n == 2, pipe.createUVs = uvs != 0;
+      shapes.emplace_back("pipe", makePipe(pipe));
     }
   }
   for (const auto& entry : shapes) {
@@ -289,9 +308,75 @@ TEST_CASE("primitives: all subdivisions give closed, outward-facing meshes with 
     checkClosedAndOriented(*shape);
     CHECK(volume(*shape) > 0);
     CHECK(shape->vertexCount() - shape->edgeCount() + shape->faceCount() ==
-          (name == "torus" ? 0 : 2));
+          (name == "torus" || name == "pipe" ? 0 : 2));
     if (!shape->uvSet(0).cornerIds.empty()) uvArea(*shape);
   }
+}
+
+TEST_CASE("solids are regular, and their nets overlap nowhere") {
+  const std::array<std::array<Index, 3>, 4> wanted = {
+      {{20, 30, 12}, {12, 30, 20}, {6, 12, 8}, {4, 6, 4}}};
+  for (int kind = 0; kind < 4; ++kind) {
+    CAPTURE(kind);
+    PlatonicSolidOptions options;
+    options.solid = static_cast<PlatonicSolid>(kind);
+    options.radius = 2.5;
+    options.createUVs = 1;
+    const Mesh solid = makePlatonicSolid(options).value();
+    CHECK(std::array{solid.vertexCount(), solid.edgeCount(), solid.faceCount()} ==
+          wanted[static_cast<std::size_t>(kind)]);
+    CHECK(hardEdges(solid) == solid.edgeCount());
+    const double side = 2.5 * platonicSideLength(options.solid);
+    for (EdgeId e = 0; e < solid.edgeCount(); ++e)
+      CHECK(math::distance(solid.point(solid.edge(e).a), solid.point(solid.edge(e).b)) ==
+            doctest::Approx(side));
+    for (VertexId v = 0; v < solid.vertexCount(); ++v)
+      CHECK(math::length(solid.point(v)) == doctest::Approx(2.5));
+    // In cm the net is as large as the surface.
+    const double corners = static_cast<double>(solid.faceSize(0));
+    const double face = corners * side * side / (4 * std::tan(3.14159265358979 / corners));
+    CHECK(uvArea(solid) == doctest::Approx(face * solid.faceCount()));
+    // Middles of faces in the net keep away from one another by two inner radii.
+    std::vector<math::Vec2f> middles;
+    for (FaceId f = 0; f < solid.faceCount(); ++f) {
+      math::Vec2f middle{0, 0};
+      for (const Index id : uvLoop(solid, f)) {
+        middle.u += uvOf(solid, id).u / float(corners);
+        middle.v += uvOf(solid, id).v / float(corners);
+      }
+      for (const math::Vec2f& other : middles)
+        CHECK(std::hypot(other.u - middle.u, other.v - middle.v) >
+              0.999 * side / std::tan(3.14159265358979 / corners));
+      middles.push_back(middle);
+    }
+  }
+}
+
+TEST_CASE("pipe, prism and helix have the sizes that they are given") {
+  PipeOptions pipe;
+  pipe.height = 3;
+  pipe.subdivisionsAxis = 400;
+  const Mesh made = makePipe(pipe).value();
+  CHECK(volume(made) == doctest::Approx(3 * 3.14159265 * (1 - 0.25)).epsilon(1e-3));
+  CHECK(hardEdges(made) == 4 * 400);
+  CHECK(hardEdges(makePrism().value()) == 9);
+  PrismOptions prism;
+  prism.sideLength = 2, prism.length = 5, prism.sides = 4;
+  CHECK(volume(makePrism(prism).value()) == doctest::Approx(20));
+  HelixOptions helix;
+  helix.radius = 0.1, helix.subdivisionsAxis = 64, helix.subdivisionsCoil = 200;
+  const double length = std::hypot(3 * 2 * 3.14159265, 2);
+  CHECK(volume(makeHelix(helix).value()) ==
+        doctest::Approx(length * 3.14159265 * 0.01).epsilon(5e-3));
+  // Counterclockwise from above it goes from x towards -z, clockwise the other way.
+  for (const bool isCounterClockwise : {true, false}) {
+    helix.isCounterClockwise = isCounterClockwise;
+    const Mesh coil = makeHelix(helix).value();
+    const Vec3 early = coil.point(20 * 64);
+    CHECK((early.z < 0) == isCounterClockwise);
+  }
+  pipe.thickness = 1;
+  CHECK(makePipe(pipe).error().message.find("thickness") != std::string::npos);
 }
 
 TEST_CASE("primitives: sizes and axis shape the result") {

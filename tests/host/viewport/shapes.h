@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "host/mesh/mesh.h"
+#include "host/viewport/instance_id.h"
 #include "host/viewport/scene_view.h"
 
 namespace host::viewport::test {
@@ -44,9 +45,10 @@ inline mesh::Mesh grid(int cells) {
                loops);
 }
 
-inline RenderMesh object(mesh::Mesh mesh, std::uint64_t id, const Matrix4& world = {}) {
+/// A shape of its own at its first place.
+inline RenderMesh object(mesh::Mesh mesh, std::uint64_t shape, const Matrix4& world = {}) {
   RenderMesh result;
-  result.id = id;
+  result.id = instanceId(shape, 0);
   result.mesh = std::move(mesh);
   result.world = world;
   return result;

@@ -1,0 +1,14 @@
+createNode transform -n "p";
+createNode mesh -n "pShape" -p "p";
+createNode polyCube -n "c";
+	setAttr ".w" 2;
+	setAttr ".sw" 2;
+createNode polyExtrudeFace -n "e";
+	setAttr ".ics" -type "componentList" 2 "f[0:1]" "f[5]";
+	setAttr ".ix" -type "matrix" 1 0 0 0 0 1 0 0 0 0 1 0 0 0 0 1;
+	setAttr ".t" -type "float3" 0 0.5 0;
+createNode polyTweak -n "t";
+	setAttr ".tk[0]" -type "float3" 0 0 1;
+connectAttr "c.out" "t.ip";
+connectAttr "t.out" "e.ip";
+connectAttr "e.out" "pShape.i";
