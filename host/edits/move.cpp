@@ -66,7 +66,8 @@ Result<void> movePivot(const scene::DagPath& path, const MoveOptions& options, b
   return nodes::writeTransform(*path.node(), *components);
 }
 
-Result<void> moveAll(const scene::SelectionList& list, const MoveOptions& options) {
+Result<void> moveAll(scene::Document& document, const scene::SelectionList& list,
+                     const MoveOptions& options) {
   scene::SelectionList rest;
   for (const scene::SelectionItem& item : list.items()) {
     const std::string pivot = item.plug ? item.plug.attribute()->longName : std::string();
@@ -84,7 +85,10 @@ Result<void> moveAll(const scene::SelectionList& list, const MoveOptions& option
   const auto edit = [&](const Vec3& p) { return moved(options, p); };
   PointChange change{edit};
   if (options.isRelative) change.matrix = math::Matrix4::translation(moved(options, {}));
+  const auto reached = reachedMeshes(document, *targets, options.soft);
+  if (!reached) return failWith(reached.error());
   HOST_TRY(editPoints(targets->points, space, change, options.soft));
+  HOST_TRY(editReached(*reached, space, edit));
   return editVertices(targets->meshes, space, edit, options.soft);
 }
 
@@ -92,7 +96,7 @@ Result<void> moveAll(const scene::SelectionList& list, const MoveOptions& option
 
 Result<void> move(scene::Document& document, const scene::SelectionList& list,
                   const MoveOptions& options) {
-  return atomically(document, [&] { return moveAll(list, options); });
+  return atomically(document, [&] { return moveAll(document, list, options); });
 }
 
 }  // namespace host::edits

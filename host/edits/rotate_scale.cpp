@@ -74,8 +74,8 @@ Result<void> scaleObject(const scene::DagPath& path, const TurnOptions& options)
 }
 
 /// Turns the components about the pivot along the axes of the world or of each object.
-Result<void> turnVertices(const TransformTargets& targets, const TurnOptions& options,
-                          const Matrix4& change) {
+Result<void> turnVertices(scene::Document& document, const TransformTargets& targets,
+                          const TurnOptions& options, const Matrix4& change) {
   if (targets.meshes.empty() && targets.points.empty()) return {};
   const Vec3 pivot = options.pivot ? *options.pivot : targets.vertexCenter();
   const auto matrixFor = [&](const scene::DagPath& path) {
@@ -86,6 +86,10 @@ Result<void> turnVertices(const TransformTargets& targets, const TurnOptions& op
   const auto by = [](const Matrix4& matrix) {
     return [matrix](const Vec3& p) { return math::transformPoint(p, matrix); };
   };
+  const auto reached = reachedMeshes(document, targets, options.soft);
+  if (!reached) return failWith(reached.error());
+  for (const ReachedMesh& each : *reached)
+    HOST_TRY(editReached({each}, PointSpace::World, by(matrixFor(each.path))));
   for (const nodes::MeshItem& item : targets.meshes)
     HOST_TRY(editVertices({item}, PointSpace::World, by(matrixFor(item.path)), options.soft));
   for (const scene::PointItem& item : targets.points) {
@@ -103,7 +107,7 @@ Result<void> rotate(scene::Document& document, const scene::SelectionList& list,
   if (!targets) return failWith(targets.error());
   return atomically(document, [&]() -> Result<void> {
     for (const scene::DagPath& path : targets->objects) HOST_TRY(rotateObject(path, options));
-    return turnVertices(*targets, options, math::eulerToMatrix(options.amount));
+    return turnVertices(document, *targets, options, math::eulerToMatrix(options.amount));
   });
 }
 
@@ -113,7 +117,7 @@ Result<void> scale(scene::Document& document, const scene::SelectionList& list,
   if (!targets) return failWith(targets.error());
   return atomically(document, [&]() -> Result<void> {
     for (const scene::DagPath& path : targets->objects) HOST_TRY(scaleObject(path, options));
-    return turnVertices(*targets, options, Matrix4::scaling(options.amount));
+    return turnVertices(document, *targets, options, Matrix4::scaling(options.amount));
   });
 }
 

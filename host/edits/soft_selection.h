@@ -14,6 +14,7 @@ struct SoftSelection {
   enum class Falloff : std::uint8_t {
     Volume,   ///< by the straight way to the nearest selected vertex
     Surface,  ///< by the way along edges, so that what is near but not joined stays
+    Global,   ///< by the straight way, the vertices of all other meshes that show included
   };
   bool isOn = false;
   Falloff falloff = Falloff::Volume;

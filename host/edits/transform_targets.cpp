@@ -1,9 +1,12 @@
 #include "host/edits/transform_targets.h"
 
 #include <unordered_map>
+#include <unordered_set>
 
 #include "host/math/box.h"
 #include "host/nodes/transform.h"
+#include "host/scene/dag_paths.h"
+#include "host/scene/display_rules.h"
 
 namespace host::edits {
 
@@ -75,6 +78,58 @@ Result<std::vector<PointShare>> sharesOf(const scene::PointItem& item, const mat
 }
 
 }  // namespace
+
+Result<std::vector<ReachedMesh>> reachedMeshes(scene::Document& document,
+                                               const TransformTargets& targets,
+                                               const SoftSelection* soft) {
+  std::vector<ReachedMesh> reached;
+  if (!soft || !soft->isOn || soft->falloff != SoftSelection::Falloff::Global) return reached;
+  std::vector<math::Vec3> chosen;
+  std::unordered_map<const dg::Node*, std::unordered_set<Index>> own;
+  for (const nodes::MeshItem& item : targets.meshes) {
+    const math::Matrix4 world = item.path.inclusiveMatrix();
+    for (const VertexId v : item.vertices()) {
+      chosen.push_back(math::transformPoint(item.mesh.point(v), world));
+      own[item.path.node()].insert(v);
+    }
+  }
+  if (chosen.empty()) return reached;
+  std::vector<VertexId> numbers;
+  for (std::size_t i = 0; i < chosen.size(); ++i) numbers.emplace_back(static_cast<Index>(i));
+  std::unordered_set<const dg::Node*> seen;
+  const auto visit = [&](const scene::DagPath& path) -> Result<void> {
+    if (!path.node()->type().isA("mesh") || !seen.insert(path.node()).second) return {};
+    const auto mesh = nodes::evaluatedMesh(*path.node());
+    if (!mesh) return {};  // what has no mesh is not reached
+    const math::Matrix4 world = path.inclusiveMatrix();
+    std::vector<math::Vec3> places = chosen;
+    for (const math::Vec3f& p : mesh->points())
+      places.push_back(math::transformPoint(math::Vec3(p), world));
+    ReachedMesh each{path, {}};
+    const auto mine = own.find(path.node());
+    for (const auto& [number, weight] : softWeights(places, numbers, *soft)) {
+      const Index v = number - static_cast<Index>(chosen.size());
+      if (v >= 0 && (mine == own.end() || !mine->second.contains(v)))
+        each.weights.push_back({VertexId(v), weight});
+    }
+    if (!each.weights.empty()) reached.push_back(std::move(each));
+    return {};
+  };
+  for (dg::Node* top : document.worldChildren()) {
+    scene::PlaceBudget budget;
+    scene::PathWalk walk(scene::DagPath({top}), scene::PathWalk::Children::InOrder, &budget);
+    while (!walk.isDone()) {
+      dg::Node& node = walk.node();
+      if (!scene::isShown(node) || scene::isIntermediate(node) || scene::isTemplate(node)) {
+        walk.skipBelow();
+        continue;
+      }
+      HOST_TRY(visit(walk.path()));
+      walk.next();
+    }
+  }
+  return reached;
+}
 
 Result<void> editPoints(const std::vector<scene::PointItem>& items, PointSpace space,
                         const PointChange& change, const SoftSelection* soft) {

@@ -13,7 +13,7 @@ void registerCamera(dg::TypeRegistry& types) {
   camera.add(keyable(atLeast(real("focalLength", "fl", 35), 2.5)));
   camera.add(keyable(atLeast(real("lensSqueezeRatio", "lsr", 1), 0.0001)));
   camera.add(keyable(atLeast(real("cameraScale", "cs", 1), 0.0001)));
-  camera.add(choice("filmFit", "ff", {"Fill", "Horizontal", "Vertical", "Overscan"}));
+  camera.add(choice("filmFit", "ff", {"Fill", "Horizontal", "Vertical", "Overscan"}, 1));
   camera.add(real("filmFitOffset", "ffo"));
   camera.add(keyable(atLeast(distance("nearClipPlane", "ncp", 0.1), 0.00001)));
   camera.add(keyable(atLeast(distance("farClipPlane", "fcp", 10000), 0.00001)));

@@ -91,9 +91,9 @@ void drawReach(const RenderMesh& object, double edgePixels, DrawList& list) {
     item.priority = 1;
   };
   // Over the wire, below what is selected.
-  constexpr float kLinePull = 2.25f, kDotPull = 4.25f, kDot = 6;
-  if (!drawn.edges->empty()) add(Primitive::Lines, Pass::Wire, drawn.edges, 2, kLinePull);
-  const float size = std::clamp(static_cast<float>(edgePixels) * 0.6f, 2.0f, kDot);
+  constexpr float kLinePull = 2.25f, kDotPull = 4.25f, kDot = 5;
+  if (!drawn.edges->empty()) add(Primitive::Lines, Pass::Wire, drawn.edges, 1.8f, kLinePull);
+  const float size = std::clamp(static_cast<float>(edgePixels) * 0.45f, 2.0f, kDot);
   add(Primitive::Points, Pass::Dots, nullptr, size, kDotPull);
 }
 

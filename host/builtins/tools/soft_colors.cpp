@@ -45,7 +45,11 @@ std::shared_ptr<const viewport::ColoredVertices> colored(
   for (int i = 0; i <= kSteps; ++i) {
     const auto color = math::rampAt(colors, static_cast<double>(i) / kSteps);
     const auto channel = [&](std::size_t c) { return static_cast<float>(color[c]); };
-    table[at(i)] = viewport::packColor({channel(0), channel(1), channel(2), 1});
+    // Where hardly anything goes along it fades into the wire.
+    constexpr double kFaded = 0.15;
+    const double share = 1 - static_cast<double>(i) / kSteps;
+    const auto alpha = static_cast<float>(std::clamp(share / kFaded, 0.1, 1.0));
+    table[at(i)] = viewport::packColor({channel(0), channel(1), channel(2), alpha});
   }
   auto made = std::make_shared<viewport::ColoredVertices>();
   made->vertices.reserve(weights.size());
@@ -59,7 +63,47 @@ std::shared_ptr<const viewport::ColoredVertices> colored(
 
 }  // namespace
 
+void SoftColors::showGlobal(viewport::SceneView& scene, const Settings& settings, bool isDragging) {
+  std::vector<math::Vec3> places;
+  for (const RenderMesh& mesh : scene.meshes)
+    for (const VertexId v : verticesOf(mesh))
+      places.push_back(math::transformPoint(mesh.mesh.point(v), mesh.world));
+  const bool isSameChoice =
+      isDragging ? places.size() == chosenPlaces_.size() : places == chosenPlaces_;
+  if (!isSameChoice) chosenPlaces_ = places;
+  if (chosenPlaces_.empty()) return;
+  std::vector<VertexId> numbers;
+  for (std::size_t i = 0; i < chosenPlaces_.size(); ++i)
+    numbers.emplace_back(static_cast<Index>(i));
+  for (RenderMesh& mesh : scene.meshes) {
+    if (!viewport::isPickable(mesh.state)) continue;
+    Entry& entry = entries_[mesh.id];
+    const bool isStill =
+        entry.world == mesh.world && isSameArray(entry.mesh.points(), mesh.mesh.points());
+    const bool isKnown = entry.shown && isSameChoice && entry.revision == settings.revision &&
+                         hasSameFaces(entry.mesh, mesh.mesh) && (isStill || isDragging);
+    entry.isUsed = true;
+    if (!isKnown) {
+      entry.mesh = mesh.mesh;
+      entry.world = mesh.world;
+      entry.revision = settings.revision;
+      std::vector<math::Vec3> all = chosenPlaces_;
+      for (const math::Vec3f& p : mesh.mesh.points())
+        all.push_back(math::transformPoint(math::Vec3(p), mesh.world));
+      entry.weights.clear();
+      for (const auto& [number, weight] : edits::softWeights(all, numbers, settings.soft))
+        if (const Index v = number - static_cast<Index>(numbers.size()); v >= 0)
+          entry.weights.push_back({VertexId(v), weight});
+      entry.shown = colored(entry.weights, settings.colors);
+      worked_ += at(mesh.mesh.vertexCount());
+    }
+    mesh.reach = entry.shown;
+  }
+}
+
 void SoftColors::show(viewport::SceneView& scene, const Settings& settings, bool isDragging) {
+  if (settings.soft.falloff == SoftSelection::Falloff::Global)
+    return showGlobal(scene, settings, isDragging);
   for (RenderMesh& mesh : scene.meshes) {
     if (mesh.selected.isEmpty() || !viewport::isPickable(mesh.state)) continue;
     Entry& entry = entries_[mesh.id];

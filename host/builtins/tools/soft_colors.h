@@ -39,11 +39,13 @@ class SoftColors {
     std::shared_ptr<const viewport::ColoredVertices> shown;
     bool isUsed = false;
   };
+  void showGlobal(viewport::SceneView& scene, const Settings& settings, bool isDragging);
   void update(Entry& entry, const viewport::RenderMesh& mesh, const Settings& settings,
               bool isDragging);
   [[nodiscard]] bool mend(Entry& entry, const viewport::RenderMesh& mesh, const Settings& settings);
 
   std::unordered_map<std::uint64_t, Entry> entries_;
+  std::vector<math::Vec3> chosenPlaces_;  ///< of the global falloff: all that are selected, world
   std::size_t worked_ = 0;
 };
 

@@ -106,9 +106,10 @@ Result<void> change(SoftSelect& kept, const ParsedArgs& args) {
   }
   if (args.has("softSelectFalloff")) {
     const int falloff = static_cast<int>(args.integer("softSelectFalloff", 0));
-    if (falloff != 0 && falloff != 1)
+    if (falloff < 0 || falloff > 2)
       return fail(ErrorKind::BadArgument,
-                  "softSelect: the falloff is 0 (volume) or 1 (surface); {} is not offered.",
+                  "softSelect: the falloff is 0 (volume), 1 (surface) or 2 (global); {} is not "
+                  "offered.",
                   falloff);
     kept.soft.falloff = static_cast<SoftSelection::Falloff>(falloff);
   }
@@ -179,7 +180,8 @@ void registerSoftSelect(CommandRegistry& registry) {
              .flag("ssd", "softSelectDistance", {ArgType::Distance})
              .help("how far around, in world space")
              .flag("ssf", "softSelectFalloff", {ArgType::Int})
-             .help("0 by the straight way, 1 by the way along edges")
+             .help("0 by the straight way, 1 by the way along edges, 2 by the straight way over "
+                   "all meshes")
              .flag("ssc", "softSelectCurve", {ArgType::String})
              .help("value,position,interpolation of each point of the falloff")
              .flag("ssr", "softSelectReset")

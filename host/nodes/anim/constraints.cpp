@@ -249,11 +249,11 @@ struct Result3 {
   Compute compute;
 };
 
-AttributePtr places(const char* longName, const char* shortName) {
-  return triple(longName, shortName, AttributeType::Distance);
+AttributePtr places(const char* longName, const char* shortName, const char* childShortName = "") {
+  return triple(longName, shortName, AttributeType::Distance, {}, childShortName);
 }
-AttributePtr angles(const char* longName, const char* shortName) {
-  return triple(longName, shortName, AttributeType::Angle);
+AttributePtr angles(const char* longName, const char* shortName, const char* childShortName = "") {
+  return triple(longName, shortName, AttributeType::Angle, {}, childShortName);
 }
 AttributePtr orders(const char* longName, const char* shortName) {
   return choice(longName, shortName, {"xyz", "yzx", "zxy", "xzy", "yxz", "zyx"});
@@ -322,12 +322,12 @@ void registerConstraints(dg::TypeRegistry& types) {
       point, {{"constraintTranslate", "ct", AttributeType::Distance, pointTranslate}},
       {targetCompound(false, false), parentInverse(), places("constraintRotatePivot", "crp"),
        places("constraintRotateTranslate", "crt"), places("offset", "o"),
-       places("restTranslate", "rst")});
+       places("restTranslate", "rst", "rt")});
   TypeBuilder orient(types, "orientConstraint", "constraint", typeCode("ORCN"));
   finishConstraint(
       orient, {{"constraintRotate", "cr", AttributeType::Angle, orientRotate}},
       {targetCompound(true, false), parentInverse(), orders("constraintRotateOrder", "cro"),
-       angles("offset", "o"), angles("restRotate", "rsrr")});
+       angles("offset", "o"), angles("restRotate", "rsrr", "rr")});
   TypeBuilder parent(types, "parentConstraint", "constraint", typeCode("PRCN"));
   finishConstraint(
       parent,
@@ -335,12 +335,12 @@ void registerConstraints(dg::TypeRegistry& types) {
        {"constraintRotate", "cr", AttributeType::Angle, parentRotate}},
       {targetCompound(true, false), parentInverse(), places("constraintRotatePivot", "crp"),
        places("constraintRotateTranslate", "crt"), orders("constraintRotateOrder", "cro"),
-       places("restTranslate", "rst"), angles("restRotate", "rsrr")});
+       places("restTranslate", "rst", "rt"), angles("restRotate", "rsrr", "rr")});
   TypeBuilder scale(types, "scaleConstraint", "constraint", typeCode("SLCN"));
   finishConstraint(scale, {{"constraintScale", "cs", AttributeType::Double, scaleScale}},
                    {targetCompound(false, true), parentInverse(),
                     triple("offset", "o", AttributeType::Double, {1, 1, 1}),
-                    triple("restScale", "rss", AttributeType::Double, {1, 1, 1})});
+                    triple("restScale", "rs", AttributeType::Double, {1, 1, 1})});
   TypeBuilder aim(types, "aimConstraint", "constraint", typeCode("AICN"));
   finishConstraint(
       aim, {{"constraintRotate", "cr", AttributeType::Angle, aimRotate}},
@@ -352,7 +352,7 @@ void registerConstraints(dg::TypeRegistry& types) {
        matrix("worldUpMatrix", "wum"), places("constraintTranslate", "ct"),
        places("constraintRotatePivot", "crp"), places("constraintRotateTranslate", "crt"),
        orders("constraintRotateOrder", "cro"), angles("offset", "o"),
-       angles("restRotate", "rsrr")});
+       angles("restRotate", "rsrr", "rr")});
 }
 
 const std::vector<ConstraintWiring>& constraintWirings() {
