@@ -36,6 +36,7 @@ namespace host::builtins {
   X(SetAttr) \
   /* curve, dag, deform */ \
   X(CurveCommands) \
+  X(SurfaceCommands) \
   X(BlendShapeCommands) \
   X(ClusterCommands) \
   X(DeformerCommands) \

@@ -1,9 +1,11 @@
 #include "host/edits/bounds.h"
 
+#include "host/nodes/curve/surface_nodes.h"
 #include "host/nodes/dag_node.h"
 #include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/scene/dag_paths.h"
+#include "host/scene/display_rules.h"
 #include "host/scene/point_shape.h"
 
 namespace host::edits {
@@ -18,9 +20,13 @@ void addShapes(const scene::DagPath& path, const math::Matrix4& matrix, math::Bo
     for (const math::Vec3f& point : mesh->points())
       box.add(math::transformPoint(math::Vec3(point), matrix));
   }
-  // Shapes of plug-ins say themselves how large they are.
+  // Curves and curved surfaces, and shapes of plug-ins, which say themselves how large they are.
   for (dg::Node* node : scene::isShape(*path.node()) ? std::vector<dg::Node*>{path.node()}
                                                      : scene::dagLinks(*path.node()).children) {
+    const dg::NodeType& type = node->type();
+    const bool isCurved = type.isA("nurbsCurve") || type.isA("nurbsSurface");
+    if (isCurved && !scene::isIntermediate(*node))
+      if (const math::Box own = nodes::boundsOfCurved(*node, matrix); !own.isEmpty()) box.add(own);
     if (node->type().pluginName.empty() || !node->type().isA("surfaceShape")) continue;
     const math::Box own = nodes::boundingBoxOf(*node);
     if (!own.isEmpty()) box.add(own.transformed(matrix));

@@ -2,6 +2,7 @@
 #include "host/nodes/anim/constraints.h"
 #include "host/nodes/camera_node.h"
 #include "host/nodes/curve/curve_nodes.h"
+#include "host/nodes/curve/surface_nodes.h"
 #include "host/nodes/dag_node.h"
 #include "host/nodes/history/blend_shape.h"
 #include "host/nodes/history/cluster.h"
@@ -49,6 +50,7 @@ void registerBuiltinTypes(dg::TypeRegistry& types) {
   registerSkinCluster(types);
   registerAnimCurves(types);
   registerCurveNodes(types);
+  registerSurfaceNodes(types);
   registerCurveInfoNodes(types);
   registerMatrixNodes(types);
   registerNumberNodes(types);

@@ -44,10 +44,8 @@ void registerSetNodes(dg::TypeRegistry& types) {
   shading.add(color("surfaceShader", "ss"));
   shading.add(color("volumeShader", "vs"));
   shading.add(color("imageShader", "is"));
-  // A height from a displacementShader or a texture, or a way.
-  AttributePtr displacement = dg::makeAttribute("displacementShader", "ds", AttributeType::Generic);
-  displacement->acceptedTypes = {"float", "double", "float3", "double3"};
-  shading.add(notStored(std::move(displacement)));
+  // Heights arrive as numbers, moves as triples.
+  shading.add(dg::makeAttribute("displacementShader", "ds", AttributeType::Generic));
   shading.add(unordered(message("defaultLights", "dl")));
   shading.finish();
 

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "host/nodes/curve/curve_nodes.h"
+#include "host/nodes/curve/surface_nodes.h"
 #include "host/nodes/history/lattice.h"
 #include "host/scene/display_rules.h"
 #include "host/viewport/display_colors.h"
@@ -17,6 +18,7 @@ enum class Mark : std::uint8_t {
   Locator,
   Light,
   Curve,
+  Surface,
   ClusterHandle,
   Lattice,
   BaseLattice
@@ -136,6 +138,32 @@ Strokes wayOf(dg::Node& curveShape) {
   return way;
 }
 
+/// Lines of a surface's parameters: where patches meet, and others between them.
+Strokes isoparmsOf(dg::Node& shape) {
+  Strokes lines;
+  const auto surface = nodes::evaluatedSurface(shape);
+  if (!surface) return lines;
+  constexpr int kBetween = 2, kSteps = 8;
+  const auto stepsOf = [](int degree) { return degree == 1 ? 1 : kSteps; };
+  const std::vector<double> us = math::breaksU(*surface), vs = math::breaksV(*surface);
+  const auto run = [&](const std::vector<double>& across, const std::vector<double>& along,
+                       const auto& place) {
+    for (const double fixed : across) {
+      Vec3 last = place(fixed, along.front());
+      for (std::size_t i = 1; i < along.size(); ++i) {
+        const Vec3 next = place(fixed, along[i]);
+        lines.line(last, next);
+        last = next;
+      }
+    }
+  };
+  run(math::spread(us, kBetween), math::spread(vs, stepsOf(surface->degreeV)),
+      [&](double u, double v) { return surface->at(u, v); });
+  run(math::spread(vs, kBetween), math::spread(us, stepsOf(surface->degreeU)),
+      [&](double v, double u) { return surface->at(u, v); });
+  return lines;
+}
+
 /// A joint's ball, or its box where that stands for several bones, and a pyramid to each joint
 /// below it, in world space. The ball is as large as the joint's radius, whatever scales it.
 Strokes bonesOf(const DagPath& path) {
@@ -188,12 +216,13 @@ Strokes bonesOf(const DagPath& path) {
   return bones;
 }
 
-Mark markOf(const dg::NodeType& type, const viewport::ViewOptions& options, bool showsDeformers) {
+Mark markOf(const dg::NodeType& type, const viewport::ViewOptions& options, MarkKinds kinds) {
   if (type.isA("joint")) return options.showJoints ? Mark::Joint : Mark::None;
   if (type.name == "locator") return options.showLocators ? Mark::Locator : Mark::None;
   if (type.isA("light")) return options.showLights ? Mark::Light : Mark::None;
   if (type.isA("nurbsCurve")) return options.showCurves ? Mark::Curve : Mark::None;
-  if (!showsDeformers) return Mark::None;
+  if (type.isA("nurbsSurface")) return kinds.surfaces ? Mark::Surface : Mark::None;
+  if (!kinds.deformers) return Mark::None;
   if (type.isA("clusterHandle")) return Mark::ClusterHandle;
   if (type.isA("lattice")) return Mark::Lattice;
   return type.isA("baseLattice") ? Mark::BaseLattice : Mark::None;
@@ -211,7 +240,7 @@ viewport::VertexDataPtr verticesOf(const Strokes& strokes) {
 void MarkGatherer::visit(const viewport::ShownPlace& place) {
   if (!place.isListed) return;
   const auto [known, isNew] = marks_.try_emplace(&place.node.type(), Mark::None);
-  if (isNew) known->second = markOf(place.node.type(), options_, showsDeformers_);
+  if (isNew) known->second = markOf(place.node.type(), options_, kinds_);
   const Mark mark = known->second;
   if (mark == Mark::None) return;
   // Bones lead to other places, and a ball is round whatever scales it: in world space.
@@ -230,9 +259,10 @@ void MarkGatherer::visit(const viewport::ShownPlace& place) {
   }
   viewport::VertexDataPtr strokes = place.isShared ? shared_[&place.node] : nullptr;
   if (!strokes) {
-    strokes = verticesOf(mark == Mark::Locator ? crossOf(place.node)
-                         : mark == Mark::Light ? signOfLight(place.node.type())
-                                               : wayOf(place.node));
+    strokes = verticesOf(mark == Mark::Locator   ? crossOf(place.node)
+                         : mark == Mark::Light   ? signOfLight(place.node.type())
+                         : mark == Mark::Surface ? isoparmsOf(place.node)
+                                                 : wayOf(place.node));
     if (place.isShared) shared_[&place.node] = strokes;
   }
   draw(place, std::move(strokes), place.world);

@@ -9,15 +9,21 @@ namespace host::workspace {
 
 enum class Mark : std::uint8_t;
 
-/// Draws what shows objects that have no surface: locators, lights, curves, joints with their
-/// bones, and what deformers are moved by. Kinds as the view's options ask for; hidden, template,
-/// coloured and isolated as meshes are. Curves are evaluated anew, once for all places of one.
+/// What views are asked to show by switches that their options don't have.
+struct MarkKinds {
+  bool surfaces = true, deformers = true;
+};
+
+/// Draws what shows objects that have no surface: locators, lights, curves, curved surfaces as
+/// lines of their parameters, joints with their bones, and what deformers are moved by. Kinds as
+/// the view's options ask for; hidden, template, coloured and isolated as meshes are. Curves are
+/// evaluated anew, once for all places of one.
 class MarkGatherer final : public viewport::PlaceVisitor {
  public:
-  /// The view's camera and options, what is selected, and whether deformers are shown.
+  /// The view's camera and options, what is selected, and further kinds that it shows.
   MarkGatherer(const viewport::SceneView& scene, const viewport::PathStates& states,
-               bool showsDeformers)
-      : scene_(scene), states_(states), options_(scene.options), showsDeformers_(showsDeformers) {}
+               MarkKinds kinds)
+      : scene_(scene), states_(states), options_(scene.options), kinds_(kinds) {}
   void visit(const viewport::ShownPlace& place) override;
 
   viewport::DrawList list;
@@ -33,7 +39,7 @@ class MarkGatherer final : public viewport::PlaceVisitor {
   const viewport::SceneView& scene_;
   const viewport::PathStates& states_;
   const viewport::ViewOptions& options_;
-  bool showsDeformers_;
+  MarkKinds kinds_;
   std::unordered_map<const dg::NodeType*, Mark> marks_;
   std::unordered_map<const dg::Node*, viewport::VertexDataPtr> shared_;  ///< object space
 };
