@@ -72,7 +72,7 @@ struct SurfaceHit {
 
 /// A plane across `normal` (Y when it has no length), `width` by `width * ratio`.
 struct NurbsPlaneOptions {
-  Vec3 center, normal{1, 0, 0};
+  Vec3 center = {}, normal = {1, 0, 0};
   double width = 1;  ///< along U, cm
   double ratio = 1;  ///< of the length along V to the width
   int degree = 3;    ///< 1, 2, 3, 5 or 7
