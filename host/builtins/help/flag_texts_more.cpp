@@ -191,6 +191,7 @@ constexpr FlagText kTexts[] = {
     {"patchesV", "the number of patches along the second parameter"},
     {"perform", "whether copies are kept"},
     {"periodic", "closed"},
+    {"nurbsPlane.axis", "the way that it faces"},
     {"nurbsPlane.pivot", "the centre"},
     {"surface.point", "a control point, those along the second parameter one after the other"},
     {"nurbsPlane.polygon", "as a mesh"},
