@@ -236,8 +236,7 @@ void placeDeformedGeometry(scene::Document& document) {
     if (!type.isA("geometryFilter") || type.name == "tweak" || type.isA("skinCluster")) continue;
     for (const auto& [geometry, shape] : deformedShapes(*node)) {
       const Plug place = inputOf(*node, geometry, "geometryMatrix");
-      if (!graph.isDriven(place))
-        missing.push_back({shape->plug("worldMatrix").element(0), place});
+      if (!graph.isDriven(place)) missing.push_back({shape->plug("worldMatrix").element(0), place});
     }
   }
   // Refused where something is locked: then points are taken to be in the world.
