@@ -7,7 +7,7 @@
 namespace {
 
 struct Cages : ShapeStage {
-  Cages() : ShapeStage("cage_shape") {
+  Cages() : ShapeStage(QXMT_BINARY_DIR "/test_plugins/cage_shape.so") {
     run("createNode transform -n cage; createNode cageShape -n cageShape1 -p cage;"
         "createNode transform -n trail; createNode trailShape -n trailShape1 -p trail;"
         "select -cl");
