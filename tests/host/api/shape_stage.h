@@ -14,6 +14,7 @@ struct ShapeStage : ApiScene {
   using Rgb = std::array<int, 3>;
   static constexpr int kWidth = 240, kHeight = 160, kUnit = 20;
 
+  /// A plug-in's file; which folder it is in the sources are told, not the headers.
   explicit ShapeStage(const std::string& plugin) {
     REQUIRE(session->pluginLoader->load(plugin));
     run("setAttr frontShape.orthographicWidth 12; setAttr front.t 0 0 100; modelEditor -e -grid 0 "
