@@ -36,9 +36,11 @@ namespace host::builtins {
   X(SetAttr) \
   /* curve, dag, deform */ \
   X(CurveCommands) \
+  X(SurfaceCommands) \
   X(BlendShapeCommands) \
-  X(ClusterCommand) \
+  X(ClusterCommands) \
   X(DeformerCommands) \
+  X(LatticeCommands) \
   X(SkinCommands) \
   X(Camera) \
   X(Joint) \

@@ -2,6 +2,7 @@
 
 #include "host/base/messages.h"
 #include "host/edits/support_box.h"
+#include "host/nodes/curve/surface_nodes.h"
 #include "host/nodes/dag_node.h"
 #include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
@@ -21,9 +22,13 @@ void addShapes(const scene::DagPath& path, const math::Matrix4& matrix, math::Bo
     for (const math::Vec3f& point : mesh->points())
       box.add(math::transformPoint(math::Vec3(point), matrix));
   }
-  // Shapes of plug-ins say themselves how large they are.
+  // Curves and curved surfaces, and shapes of plug-ins, which say themselves how large they are.
   for (dg::Node* node : scene::isShape(*path.node()) ? std::vector<dg::Node*>{path.node()}
                                                      : scene::dagLinks(*path.node()).children) {
+    const dg::NodeType& type = node->type();
+    const bool isCurved = type.isA("nurbsCurve") || type.isA("nurbsSurface");
+    if (isCurved && !scene::isIntermediate(*node))
+      if (const math::Box own = nodes::boundsOfCurved(*node, matrix); !own.isEmpty()) box.add(own);
     if (node->type().pluginName.empty() || !node->type().isA("surfaceShape")) continue;
     const math::Box own = nodes::boundingBoxOf(*node);
     if (!own.isEmpty()) box.add(own.transformed(matrix));

@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "host/edits/atomically.h"
+#include "host/nodes/curve/surface_nodes.h"
 #include "host/nodes/history/blend_shape.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/uv_pins.h"
@@ -81,6 +82,9 @@ Result<void> removeHistoryBelow(scene::Document& document, const scene::DagPath&
       HOST_TRY(nodes::deleteHistory(document, *shape.node()));
     // Hidden originals went with the history that they began.
     const std::vector<scene::Node*>& children = scene::dagLinks(*path.node()).children;
+    if (scene::isShape(*path.node())) HOST_TRY(nodes::deleteCurvedHistory(document, *path.node()));
+    for (scene::Node* child : children)
+      if (scene::isShape(*child)) HOST_TRY(nodes::deleteCurvedHistory(document, *child));
     for (auto child = children.rbegin(); child != children.rend(); ++child)
       if (scene::isTransform(**child)) open.push_back(path.child(*child));
   }

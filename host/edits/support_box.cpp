@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "host/nodes/curve/surface_nodes.h"
 #include "host/nodes/dag_node.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/scene/dag_paths.h"
@@ -55,6 +56,9 @@ std::vector<Vec3> pointsOf(Node& shape) {
   if (shape.plug("outMesh"))
     if (const auto mesh = nodes::evaluatedMesh(shape))
       for (const math::Vec3f& point : mesh->points()) points.emplace_back(point);
+  if (shape.type().isA("nurbsCurve") || shape.type().isA("nurbsSurface"))
+    if (const Box own = nodes::boundsOfCurved(shape, {}); !own.isEmpty())
+      for (const Vec3& corner : cornersOf(own)) points.push_back(corner);
   if (!isBoxOfPlugIn(shape)) return points;
   if (const Box own = nodes::boundingBoxOf(shape); !own.isEmpty())
     for (const Vec3& corner : cornersOf(own)) points.push_back(corner);

@@ -37,7 +37,7 @@ Result<TransformTargets> transformTargets(const scene::SelectionList& list) {
     else
       components.merge(item);
   }
-  auto meshes = nodes::meshItems(components);
+  auto meshes = nodes::pointItems(components);
   if (!meshes) return failWith(std::move(meshes.error()));
   targets.meshes = std::move(*meshes);
   targets.points = scene::pointItems(components);

@@ -6,9 +6,8 @@
 #include <vector>
 
 #include "host/edits/soft_selection.h"
-#include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
-#include "host/nodes/move_points.h"
+#include "host/nodes/point_items.h"
 #include "host/scene/point_shape.h"
 
 namespace host::edits {
@@ -79,7 +78,7 @@ Result<void> editVerticesOf(const scene::DagPath& path, const mesh::Mesh& mesh, 
     if (weight < 1) after = before + (after - before) * weight;
     if (!(after == before)) targets.add(v, math::transformPoint(after, *inverse).toFloat());
   }
-  return nodes::tweakPoints(*path.node(), std::move(targets));
+  return nodes::movePoints(*path.node(), std::move(targets));
 }
 template <class Edit>
 Result<void> editVertices(const std::vector<nodes::MeshItem>& items, PointSpace space,
@@ -87,7 +86,7 @@ Result<void> editVertices(const std::vector<nodes::MeshItem>& items, PointSpace 
   const bool isSoft = soft && soft->isOn && soft->falloff != SoftSelection::Falloff::Global;
   for (const nodes::MeshItem& item : items) {
     // Read again: an earlier item may be another instance of the same shape.
-    auto mesh = nodes::evaluatedMesh(*item.path.node());
+    auto mesh = nodes::evaluatedPoints(*item.path.node());
     if (!mesh) return failWith(std::move(mesh.error()));
     std::vector<SoftWeight> weights;
     const std::vector<VertexId> own = item.vertices();

@@ -2,10 +2,12 @@
 #include "host/nodes/anim/constraints.h"
 #include "host/nodes/camera_node.h"
 #include "host/nodes/curve/curve_nodes.h"
+#include "host/nodes/curve/surface_nodes.h"
 #include "host/nodes/dag_node.h"
 #include "host/nodes/history/blend_shape.h"
 #include "host/nodes/history/cluster.h"
 #include "host/nodes/history/history_node.h"
+#include "host/nodes/history/lattice.h"
 #include "host/nodes/history/modifiers.h"
 #include "host/nodes/history/skin_cluster.h"
 #include "host/nodes/history/tweak.h"
@@ -44,9 +46,11 @@ void registerBuiltinTypes(dg::TypeRegistry& types) {
   registerTweak(types);
   registerBlendShape(types);
   registerCluster(types);
+  registerLattices(types);
   registerSkinCluster(types);
   registerAnimCurves(types);
   registerCurveNodes(types);
+  registerSurfaceNodes(types);
   registerCurveInfoNodes(types);
   registerMatrixNodes(types);
   registerNumberNodes(types);

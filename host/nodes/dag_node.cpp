@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/nodes/curve/surface_nodes.h"
 #include "host/scene/dag_paths.h"
 #include "host/scene/mesh_data.h"
 
@@ -252,6 +253,8 @@ math::Box boxOfShape(Node& shape) {
   math::Box box;
   const Plug outMesh = shape.plug("outMesh");
   if (!outMesh) {
+    if (shape.type().isA("nurbsCurve") || shape.type().isA("nurbsSurface"))
+      return boundsOfCurved(shape);
     // A plug-in's shape says how large it is; a base type would ask here again.
     if (shape.type().pluginName.empty() || !shape.type().isA("surfaceShape")) return box;
     const auto low = shape.graph().getVec3(shape.plug("boundingBoxMin"));

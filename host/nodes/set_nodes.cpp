@@ -44,9 +44,8 @@ void registerSetNodes(dg::TypeRegistry& types) {
   shading.add(color("surfaceShader", "ss"));
   shading.add(color("volumeShader", "vs"));
   shading.add(color("imageShader", "is"));
-  shading.add(numbers("displacementShader", "ds", "float3",
-                      {single("displacementShaderX", "dsx"), single("displacementShaderY", "dsy"),
-                       single("displacementShaderZ", "dsz")}));
+  // Heights arrive as numbers, moves as triples.
+  shading.add(dg::makeAttribute("displacementShader", "ds", AttributeType::Generic));
   shading.add(unordered(message("defaultLights", "dl")));
   shading.finish();
 

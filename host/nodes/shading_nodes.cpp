@@ -71,6 +71,12 @@ void registerShadingNodes(dg::TypeRegistry& types) {
   registerProjection(types);
   registerUtilityNodes(types);
 
+  // Kept for files and renderers: no surface is moved by it here.
+  TypeBuilder displacement(types, "displacementShader", {}, typeCode("DISP"));
+  displacement.type().classification = "shader/displacement";
+  displacement.add(keyable(single("displacement", "d")));
+  displacement.finish();
+
   TypeBuilder background(types, "useBackground", {}, typeCode("USBK"));
   background.type().classification = "shader/surface";
   background.add(keyable(color("specularColor", "sc", {0.5, 0.5, 0.5}, "s")));

@@ -118,6 +118,8 @@ class DagPath {
   /// Product of the local matrices from the leaf to the top (a shape adds none); a transform whose
   /// inheritsTransform is off ends the product.
   [[nodiscard]] math::Matrix4 inclusiveMatrix() const;
+  /// What the local matrix of the leaf is multiplied by: that of what is above it, nothing for a
+  /// transform that does not inherit.
   [[nodiscard]] math::Matrix4 exclusiveMatrix() const;
 
   [[nodiscard]] std::string fullName() const;     ///< "|group1|pCube1|pCubeShape1"

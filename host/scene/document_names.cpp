@@ -5,6 +5,7 @@
 #include "host/scene/component_word.h"
 #include "host/scene/dag_paths.h"
 #include "host/scene/document_impl.h"
+#include "host/scene/lattice_points.h"
 #include "host/scene/mesh_data.h"
 #include "host/scene/point_shape.h"
 
@@ -197,6 +198,14 @@ Result<void> addResolved(SelectionList& list, Node& node, const DagPath& path,
   }
   const DagPath shape = path.toShape();
   const bool isOnMesh = !shape.isWorld() && shape.node()->plug("outMesh");
+  if (!shape.isWorld() && isLatticeWord(rest))
+    if (const auto divisions = latticeDivisions(*shape.node())) {
+      const auto points = parseLatticePoints(rest, *divisions);
+      if (!points) return failWith(points.error());
+      if (points->isEmpty()) return fail(ErrorKind::NotFound, "No object matches name: {}", whole);
+      list.add(shape, *points);
+      return {};
+    }
   ComponentType type;
   if (isOnMesh && parseComponentWord(rest.substr(0, rest.find('[')), type)) {
     const auto word = splitComponentWord(rest);

@@ -149,6 +149,12 @@ dg::Plug deformerInput(Node& deformer, Index geometry) {
   return inputs.element(geometry).child(inputs.attribute()->find("inputGeometry"));
 }
 
+/// Whether a shape is there for deformers alone.
+bool isDeformerHandle(const Node& node) {
+  const dg::NodeType& type = node.type();
+  return type.isA("clusterHandle") || type.isA("lattice") || type.isA("baseLattice");
+}
+
 /// Where the mesh comes in that a node gives on, changed, at a plug; null when there is no such.
 dg::Plug arrivalOf(const dg::Plug& leaving) {
   if (const Index geometry = geometryOf(leaving, "outputGeometry"); geometry != kNone)
@@ -179,13 +185,19 @@ class DeletionSet {
       HOST_TRY(refuseIfProtected(*node));
       add(*node);
     }
-    for (std::size_t i = 0; i < order_.size(); ++i) HOST_TRY(addChildren(*order_[i]));
+    for (std::size_t i = 0; i < order_.size(); ++i) {
+      HOST_TRY(addChildren(*order_[i]));
+      HOST_TRY(addDeformersOf(*order_[i]));
+    }
     const std::size_t asked = order_.size();
     for (std::size_t i = 0; i < order_.size(); ++i) {
       for (const dg::Graph::Connection& feed : graph_.incoming(*order_[i]))
         addIfOnlyFeeding(*feed.source.node());
+      addEmptiedHandle(*order_[i]);
     }
     for (std::size_t i = 0; i < asked; ++i) findPasses(*order_[i]);
+    // Above what they held.
+    order_.insert(order_.begin(), emptied_.begin(), emptied_.end());
     return {};
   }
   [[nodiscard]] bool has(const Node* node) const { return node && members_.contains(node); }
@@ -213,6 +225,32 @@ class DeletionSet {
       add(*child);
     }
     return {};
+  }
+  /// A deformer goes with the handle that moves it.
+  Result<void> addDeformersOf(const Node& node) {
+    if (!isDeformerHandle(node)) return {};
+    for (const auto& [from, to] : graph_.outgoing(node)) {
+      if (!to.node()->type().isA("geometryFilter")) continue;
+      HOST_TRY(refuseIfProtected(*to.node()));
+      add(*to.node());
+    }
+    return {};
+  }
+  /// The transform that was made for a handle that goes.
+  void addEmptiedHandle(const Node& node) {
+    if (!isDeformerHandle(node)) return;
+    for (Node* parent : dagLinks(node).parents) {
+      const std::vector<Node*>& children = dagLinks(*parent).children;
+      if (parent->type().name == "transform" && !parent->isLocked() && !isReadOnly(*parent) &&
+          std::ranges::all_of(children, [&](const Node* child) { return has(child); }))
+        addEmptied(*parent);
+    }
+  }
+  void addEmptied(Node& transform) {
+    if (!members_.insert(&transform).second) return;
+    emptied_.push_back(transform.shared_from_this());
+    for (const dg::Graph::Connection& feed : graph_.incoming(transform))
+      addIfOnlyFeeding(*feed.source.node());
   }
   void addIfOnlyFeeding(Node& source) {
     if (source.type().existsWithoutOutputs || has(&source) || source.isLocked() ||
@@ -272,7 +310,7 @@ class DeletionSet {
   std::unordered_set<const Node*> members_;
   std::unordered_map<const Node*, std::size_t> parentsThatGo_;
   std::unordered_set<const Node*> dry_;  ///< members whose mesh nobody needs that stays
-  std::vector<dg::NodePtr> order_;
+  std::vector<dg::NodePtr> order_, emptied_;
   std::vector<dg::Graph::Connection> passes_;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/scene/dag_paths.h"
+#include "host/scene/lattice_points.h"
 #include "host/scene/mesh_data.h"
 #include "host/scene/point_shape.h"
 
@@ -218,7 +219,8 @@ std::vector<std::string> SelectionList::names(bool fullPaths) const {
     const std::string base = itemBaseName(item, fullPaths);
     if (item.components.empty()) names.push_back(base);
     for (const Component& component : item.components)
-      for (const std::string& word : component.words()) names.push_back(base + '.' + word);
+      for (const std::string& word : componentWords(*item.node, component))
+        names.push_back(base + '.' + word);
   }
   return names;
 }
@@ -245,6 +247,9 @@ std::string itemBaseName(const SelectionItem& item, bool fullPaths) {
 Index componentCount(const DagPath& path, ComponentType type) {
   const DagPath shape = path.toShape();
   if (shape.isWorld()) return 0;
+  if (type == ComponentType::Vertex)
+    if (const auto points = latticeDivisions(*shape.node()))
+      return (*points)[0] * (*points)[1] * (*points)[2];
   const dg::Plug plug = shape.node()->plug("outMesh");
   if (!plug) {
     const PointShape* points = pointShapeOf(*shape.node());

@@ -104,7 +104,9 @@ class Picker::DrawnQuery {
 
   /// Takes a hit that is visible and better than the best: clearly nearer to the viewer, or about
   /// as near and nearer to the cursor.
-  void offer(const DrawnHit& hit) {
+  /// What is drawn over everything is as near as can be.
+  void offer(DrawnHit hit, bool isOnTop) {
+    if (isOnTop) hit.depth = 0;
     if (best_) {
       const double slack = options_.vertexTolerance *
                            meshes_.view().worldPerPixel(std::max(hit.depth, best_->depth));
@@ -112,28 +114,29 @@ class Picker::DrawnQuery {
                                                                        : hit.pixels < best_->pixels;
       if (!isNearer) return;
     }
-    if (meshes_.isVisible(hit.place)) best_ = hit;
+    if (isOnTop || meshes_.isVisible(hit.place)) best_ = hit;
   }
 
   void clickPoints(std::size_t index, const DrawnObject& object, ViewPoint cursor) {
     if (!mayPickPoints(object)) return;
     for (const DrawnPoint& point : object.points)
-      clickPoint(index, point.index, point.place, options_.vertexTolerance, cursor);
+      clickPoint(index, point.index, point.place, options_.vertexTolerance, cursor, false);
   }
   void clickPoint(std::size_t object, Index point, const Vec3& place, double reach,
-                  ViewPoint cursor) {
+                  ViewPoint cursor, bool isOnTop) {
     const ViewPosition at = meshes_.view().worldToView(place);
     const double pixels = std::hypot(at.x - cursor.x, at.y - cursor.y);
-    if (at.inFront && pixels <= reach) offer({object, point, place, at.depth, pixels});
+    if (at.inFront && pixels <= reach) offer({object, point, place, at.depth, pixels}, isOnTop);
   }
-  void clickLine(std::size_t object, const Vec3& a, const Vec3& b, double reach, ViewPoint cursor) {
+  void clickLine(std::size_t object, const Vec3& a, const Vec3& b, double reach, ViewPoint cursor,
+                 bool isOnTop) {
     const auto segment = projectSegment(meshes_.view(), a, b);
     if (!segment) return;
     double share = 0;
     const double pixels = distanceTo(*segment, cursor, share);
     if (pixels > reach) return;
     const Vec3 place = worldAtShare(*segment, share, scene_.camera.orthographic);
-    offer({object, kNone, place, meshes_.view().worldToView(place).depth, pixels});
+    offer({object, kNone, place, meshes_.view().worldToView(place).depth, pixels}, isOnTop);
   }
   void clickObject(std::size_t index, const DrawnObject& object, ViewPoint cursor) {
     const ViewRay ray = meshes_.view().viewToWorld(cursor);
@@ -141,28 +144,32 @@ class Picker::DrawnQuery {
       const DrawItem& item = scene_.extra.items[i];
       if (item.space != Space::World) continue;
       const double reach = options_.edgeTolerance + item.width / 2;
+      const bool isOnTop = item.depthTest == DepthTest::Always;
       eachPrimitive(item, [&](const Vec3* p) {
         if (item.primitive == Primitive::Points)
-          clickPoint(index, kNone, p[0], reach, cursor);
+          clickPoint(index, kNone, p[0], reach, cursor, isOnTop);
         else if (item.primitive == Primitive::Lines)
-          clickLine(index, p[0], p[1], reach, cursor);
+          clickLine(index, p[0], p[1], reach, cursor, isOnTop);
         else if (const auto place =
                      meet(ray.nearPoint, ray.farPoint - ray.nearPoint, p[0], p[1], p[2]))
-          offer({index, kNone, *place, meshes_.view().worldToView(*place).depth, 0});
+          offer({index, kNone, *place, meshes_.view().worldToView(*place).depth, 0}, isOnTop);
         return false;
       });
     }
     for (std::size_t i = 0; i + 1 < object.outline.size(); i += 2)
-      clickLine(index, object.outline[i], object.outline[i + 1], options_.edgeTolerance, cursor);
+      clickLine(index, object.outline[i], object.outline[i + 1], options_.edgeTolerance, cursor,
+                false);
   }
 
   /// Whether a part of a segment that shows lies in the rectangle.
-  [[nodiscard]] bool lineReaches(const Vec3& a, const Vec3& b, const PickRect& rect) const {
+  [[nodiscard]] bool lineReaches(const Vec3& a, const Vec3& b, const PickRect& rect,
+                                 bool isOnTop = false) const {
     const auto segment = projectSegment(meshes_.view(), a, b);
     if (!segment) return false;
     const auto part = clipToRect(*segment, rect);
-    return part && meshes_.isVisible(worldAtShare(*segment, (part->first + part->second) / 2,
-                                                  scene_.camera.orthographic));
+    return part &&
+           (isOnTop || meshes_.isVisible(worldAtShare(*segment, (part->first + part->second) / 2,
+                                                      scene_.camera.orthographic)));
   }
   [[nodiscard]] bool triangleReaches(const Vec3* p, const PickRect& rect) const {
     for (int i = 0; i < 3; ++i)
@@ -181,8 +188,9 @@ class Picker::DrawnQuery {
       eachPrimitive(item, [&](const Vec3* p) {
         isFound = item.primitive == Primitive::Points
                       ? isInside(rect, meshes_.view().worldToView(p[0])) && meshes_.isVisible(p[0])
-                  : item.primitive == Primitive::Lines ? lineReaches(p[0], p[1], rect)
-                                                       : triangleReaches(p, rect);
+                  : item.primitive == Primitive::Lines
+                      ? lineReaches(p[0], p[1], rect, item.depthTest == DepthTest::Always)
+                      : triangleReaches(p, rect);
         return isFound;
       });
     }

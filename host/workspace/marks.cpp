@@ -4,13 +4,25 @@
 #include <cmath>
 
 #include "host/nodes/curve/curve_nodes.h"
+#include "host/nodes/curve/surface_nodes.h"
+#include "host/nodes/history/lattice.h"
 #include "host/scene/display_rules.h"
 #include "host/viewport/display_colors.h"
 
 namespace host::workspace {
 
 /// What stands for an object.
-enum class Mark : std::uint8_t { None, Joint, Locator, Light, Curve };
+enum class Mark : std::uint8_t {
+  None,
+  Joint,
+  Locator,
+  Light,
+  Curve,
+  Surface,
+  ClusterHandle,
+  Lattice,
+  BaseLattice
+};
 
 namespace {
 
@@ -74,6 +86,43 @@ Strokes crossOf(dg::Node& locator) {
   return cross;
 }
 
+/// A letter C where the handle's points turn, of one size in every view, in world space.
+Strokes signOfHandle(const viewport::ShownPlace& place, const viewport::SceneView& scene) {
+  const auto origin = [&](const char* axis) { return scene::numberOr(place.node, axis, 0); };
+  const Vec3 at =
+      math::transformPoint({origin("originX"), origin("originY"), origin("originZ")}, place.world);
+  const viewport::ViewProjection view(scene.camera, scene.port);
+  constexpr double kPixels = 8, kOpening = 0.7;  // half the height; radians above and below
+  const double size = kPixels * view.worldPerPixel(view.worldToView(at).depth);
+  const Vec3 x = scene.camera.right() * size * 0.8, y = scene.camera.up() * size;
+  Strokes letter;
+  constexpr int kSteps = 16;
+  const auto on = [&](int step) {
+    const double angle = kOpening + (kFullTurn - 2 * kOpening) * step / kSteps;
+    return at + x * std::cos(angle) + y * std::sin(angle);
+  };
+  for (int i = 0; i < kSteps; ++i) letter.line(on(i), on(i + 1));
+  return letter;
+}
+
+/// The lines between the points of a lattice.
+Strokes cageOf(const nodes::LatticePoints& lattice) {
+  Strokes cage;
+  const auto& [s, t, u] = lattice.divisions;
+  const auto line = [&](std::size_t from, std::size_t to) {
+    cage.line(lattice.points[from], lattice.points[to]);
+  };
+  for (int k = 0; k < u; ++k)
+    for (int j = 0; j < t; ++j)
+      for (int i = 0; i < s; ++i) {
+        const std::size_t from = lattice.index(i, j, k);
+        if (i + 1 < s) line(from, lattice.index(i + 1, j, k));
+        if (j + 1 < t) line(from, lattice.index(i, j + 1, k));
+        if (k + 1 < u) line(from, lattice.index(i, j, k + 1));
+      }
+  return cage;
+}
+
 Strokes wayOf(dg::Node& curveShape) {
   Strokes way;
   const auto curve = nodes::evaluatedCurve(curveShape);
@@ -87,6 +136,32 @@ Strokes wayOf(dg::Node& curveShape) {
     last = next;
   }
   return way;
+}
+
+/// Lines of a surface's parameters: where patches meet, and others between them.
+Strokes isoparmsOf(dg::Node& shape) {
+  Strokes lines;
+  const auto surface = nodes::evaluatedSurface(shape);
+  if (!surface) return lines;
+  constexpr int kBetween = 2, kSteps = 8;
+  const auto stepsOf = [](int degree) { return degree == 1 ? 1 : kSteps; };
+  const std::vector<double> us = math::breaksU(*surface), vs = math::breaksV(*surface);
+  const auto run = [&](const std::vector<double>& across, const std::vector<double>& along,
+                       const auto& place) {
+    for (const double fixed : across) {
+      Vec3 last = place(fixed, along.front());
+      for (std::size_t i = 1; i < along.size(); ++i) {
+        const Vec3 next = place(fixed, along[i]);
+        lines.line(last, next);
+        last = next;
+      }
+    }
+  };
+  run(math::spread(us, kBetween), math::spread(vs, stepsOf(surface->degreeV)),
+      [&](double u, double v) { return surface->at(u, v); });
+  run(math::spread(vs, kBetween), math::spread(us, stepsOf(surface->degreeU)),
+      [&](double v, double u) { return surface->at(u, v); });
+  return lines;
 }
 
 /// A joint's ball, or its box where that stands for several bones, and a pyramid to each joint
@@ -141,12 +216,16 @@ Strokes bonesOf(const DagPath& path) {
   return bones;
 }
 
-Mark markOf(const dg::NodeType& type, const viewport::ViewOptions& options) {
+Mark markOf(const dg::NodeType& type, const viewport::ViewOptions& options, MarkKinds kinds) {
   if (type.isA("joint")) return options.showJoints ? Mark::Joint : Mark::None;
   if (type.name == "locator") return options.showLocators ? Mark::Locator : Mark::None;
   if (type.isA("light")) return options.showLights ? Mark::Light : Mark::None;
   if (type.isA("nurbsCurve")) return options.showCurves ? Mark::Curve : Mark::None;
-  return Mark::None;
+  if (type.isA("nurbsSurface")) return kinds.surfaces ? Mark::Surface : Mark::None;
+  if (!kinds.deformers) return Mark::None;
+  if (type.isA("clusterHandle")) return Mark::ClusterHandle;
+  if (type.isA("lattice")) return Mark::Lattice;
+  return type.isA("baseLattice") ? Mark::BaseLattice : Mark::None;
 }
 
 viewport::VertexDataPtr verticesOf(const Strokes& strokes) {
@@ -161,19 +240,63 @@ viewport::VertexDataPtr verticesOf(const Strokes& strokes) {
 void MarkGatherer::visit(const viewport::ShownPlace& place) {
   if (!place.isListed) return;
   const auto [known, isNew] = marks_.try_emplace(&place.node.type(), Mark::None);
-  if (isNew) known->second = markOf(place.node.type(), options_);
+  if (isNew) known->second = markOf(place.node.type(), options_, kinds_);
   const Mark mark = known->second;
   if (mark == Mark::None) return;
   // Bones lead to other places, and a ball is round whatever scales it: in world space.
   if (mark == Mark::Joint) return draw(place, verticesOf(bonesOf(place.path)), {});
+  if (mark == Mark::ClusterHandle) {
+    // Most stand inside of what follows them.
+    draw(place, verticesOf(signOfHandle(place, scene_)), {});
+    list.items.back().depthTest = viewport::DepthTest::Always;
+    return;
+  }
+  if (mark == Mark::Lattice) return drawLattice(place);
+  if (mark == Mark::BaseLattice) {
+    // In the way until somebody looks for it.
+    if (place.selected == viewport::ObjectState::Dormant) return;
+    return draw(place, verticesOf(cageOf(nodes::LatticePoints::atRest({2, 2, 2}))), place.world);
+  }
   viewport::VertexDataPtr strokes = place.isShared ? shared_[&place.node] : nullptr;
   if (!strokes) {
-    strokes = verticesOf(mark == Mark::Locator ? crossOf(place.node)
-                         : mark == Mark::Light ? signOfLight(place.node.type())
-                                               : wayOf(place.node));
+    strokes = verticesOf(mark == Mark::Locator   ? crossOf(place.node)
+                         : mark == Mark::Light   ? signOfLight(place.node.type())
+                         : mark == Mark::Surface ? isoparmsOf(place.node)
+                                                 : wayOf(place.node));
     if (place.isShared) shared_[&place.node] = strokes;
   }
   draw(place, std::move(strokes), place.world);
+}
+
+void MarkGatherer::drawLattice(const viewport::ShownPlace& place) {
+  const auto lattice = nodes::evaluatedLattice(place.node);
+  if (!lattice) return;
+  if (scene::numberOr(place.node, "dispLattice", 1) != 0)
+    draw(place, verticesOf(cageOf(*lattice)), place.world);
+  const auto count = static_cast<Index>(lattice->points.size());
+  const auto placesOf = [&](const std::vector<Index>& points) {
+    std::vector<math::Vec3f> places;
+    for (const Index point : points)
+      if (point < count)
+        places.push_back(math::transformPoint(lattice->points[at(point)], place.world).toFloat());
+    return places;
+  };
+  const viewport::DisplayColors& colors = viewport::displayColors();
+  const auto items = states_.componentsOf(place.path);
+  if (!items.empty() || scene::numberOr(place.node, "dispPoints", 0) != 0)
+    drawPoints(placesOf(scene::Component::all(scene::ComponentType::Vertex).expanded(count)),
+               colors.wireOnly);
+  for (const scene::SelectionItem* item : items)
+    if (const scene::Component* chosen = item->component(scene::ComponentType::Vertex))
+      drawPoints(placesOf(chosen->expanded(count)), colors.vertexSelected);
+}
+
+void MarkGatherer::drawPoints(std::vector<math::Vec3f> points, const viewport::Rgba& color) {
+  if (points.empty()) return;
+  viewport::DrawItem& item =
+      list.add(viewport::Primitive::Points, viewport::Pass::Wire, std::move(points));
+  item.color = color;
+  item.width = 6;
 }
 
 void MarkGatherer::draw(const viewport::ShownPlace& place, viewport::VertexDataPtr strokes,

@@ -104,7 +104,11 @@ void gatherPlaces(scene::Document& document, const View& view, bool vertexMode,
   const viewport::PathStates states(document);
   viewport::MeshGatherer meshes(document, states, options);
   LightGatherer lights(view.lightsShown);
-  MarkGatherer marks(scene.options);
+  const auto shows = [&](const char* kind) {
+    const auto flag = view.editorFlags.find(kind);
+    return flag == view.editorFlags.end() || flag->second;
+  };
+  MarkGatherer marks(scene, states, {shows("nurbsSurfaces"), shows("deformers")});
   std::vector<viewport::PlaceVisitor*> visitors{&lights, &marks};
   if (view.options.showMeshes) visitors.push_back(&meshes);
   viewport::walkShown(document, states, {options.only}, visitors, budget);

@@ -33,6 +33,8 @@ host/cmd/session.h                 declares that
 host/workspace/workspace.cpp       the command that a user bound to a key
 host/window/person.cpp             the same, by a button of the window
 host/builtins/system/repeat_last.cpp  what a menu of a script ran last
+host/builtins/system/user_commands.cpp  the script that a command of users is
+host/builtins/tools/dragger_context.cpp  the scripts that a tool of users is
 '
 pattern='(executeLine|executeFile|findCommand|sourceFile)[[:space:]]*\(|interpreter(\(\))?(\.|->|_->)execute[[:space:]]*\(|commands\(\)\.find[[:space:]]*\('
 

@@ -59,6 +59,8 @@ constexpr TypeName kNodeTypes[] = {
     {"scaleConstraint", MFn::kScaleConstraint},
     {"aimConstraint", MFn::kAimConstraint},
     {"nurbsCurve", MFn::kNurbsCurve},
+    {"nurbsSurface", MFn::kNurbsSurface},
+    {"makeNurbPlane", MFn::kNurbsPlane},
     {"displayLayer", MFn::kDisplayLayer},
     {"displayLayerManager", MFn::kDisplayLayerManager},
     {"renderLayer", MFn::kRenderLayer},
@@ -160,6 +162,7 @@ constexpr DataName kDataTypes[] = {
     {"componentList", MFn::kComponentListData},
     {"string", MFn::kStringData},
     {"UInt64Array", MFn::kUint64ArrayData},
+    {"nurbsSurface", MFn::kNurbsSurfaceData},
 };
 
 }  // namespace
@@ -272,9 +275,11 @@ bool dataHasFn(const dg::Data* data, MFn::Type type) {
   if (!data) return false;
   if (fnTypeOf(*data) == type) return true;
   // Function sets of shapes work on their data too.
-  const bool isMesh = data->typeName() == "mesh", isCurve = data->typeName() == "nurbsCurve";
+  const bool isMesh = data->typeName() == "mesh", isCurve = data->typeName() == "nurbsCurve",
+             isSurface = data->typeName() == "nurbsSurface";
   return (isMesh && type == MFn::kMesh) || (isCurve && type == MFn::kNurbsCurve) ||
-         ((isMesh || isCurve) && type == MFn::kGeometryData);
+         (isSurface && type == MFn::kNurbsSurface) ||
+         ((isMesh || isCurve || isSurface) && type == MFn::kGeometryData);
 }
 
 }  // namespace host::api

@@ -4,10 +4,12 @@
 #include <maya/MTime.h>
 
 #include <cmath>
+#include <optional>
 
 #include "host/api/core/access.h"
 #include "host/api/data/numeric_data.h"
 #include "host/api/data/time_value.h"
+#include "host/edits/at_time.h"
 
 namespace host::api {
 namespace {
@@ -173,10 +175,14 @@ MStatus MPlug::getValue(MObject& value) const {
     setStatus(status, code.statusCode());       \
     return value;                               \
   }
-#define HOST_PLUG_AS_IN_CONTEXT(Name, Type)                  \
-  HOST_PLUG_AS(Name, Type)                                   \
-  Type MPlug::as##Name(MDGContext&, MStatus* status) const { \
-    return as##Name(status);                                 \
+#define HOST_PLUG_AS_IN_CONTEXT(Name, Type)                          \
+  HOST_PLUG_AS(Name, Type)                                           \
+  Type MPlug::as##Name(MDGContext& context, MStatus* status) const { \
+    MTime when;                                                      \
+    std::optional<edits::AtTime> then;                               \
+    if (!context.isNormal() && context.getTime(when))                \
+      then.emplace(api::document(), when.as(MTime::kSeconds));       \
+    return as##Name(status);                                         \
   }
 HOST_PLUG_AS_IN_CONTEXT(MObject, MObject)
 HOST_PLUG_AS_IN_CONTEXT(Double, double)

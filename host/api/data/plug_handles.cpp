@@ -1,8 +1,12 @@
 #include <fmt/format.h>
 #include <maya/MPlug.h>
 #include <maya/MStringArray.h>
+#include <maya/MTime.h>
+
+#include <optional>
 
 #include "host/api/data/data_handle.h"
+#include "host/edits/at_time.h"
 
 namespace host::api {
 namespace {
@@ -84,7 +88,11 @@ MDataHandle MPlug::asMDataHandle(MStatus* status) const {
   setStatus(status, plug.isNull() ? MStatus::kFailure : MStatus::kSuccess);
   return plug.isNull() ? MDataHandle() : api::copyOfPlug(plug);
 }
-MDataHandle MPlug::asMDataHandle(MDGContext&, MStatus* status) const {
+MDataHandle MPlug::asMDataHandle(MDGContext& context, MStatus* status) const {
+  MTime when;
+  std::optional<edits::AtTime> then;
+  if (!context.isNormal() && context.getTime(when))
+    then.emplace(api::document(), when.as(MTime::kSeconds));
   return asMDataHandle(status);
 }
 void MPlug::destructHandle(MDataHandle& handle) const {

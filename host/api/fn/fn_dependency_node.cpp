@@ -7,6 +7,7 @@
 #include <functional>
 
 #include "host/api/core/access.h"
+#include "host/scene/namespaces.h"
 #include "host/scene/references.h"
 
 namespace host::api {
@@ -93,7 +94,8 @@ bool MFnDependencyNode::hasUniqueName(MStatus* status) const {
 MString MFnDependencyNode::setName(const MString& name, MStatus* status) {
   dg::Node* node = nodeIn(object_, status);
   if (!node) return MString();
-  const auto renamed = api::document().rename(*node, name.asChar());
+  const auto renamed =
+      api::document().rename(*node, scene::inCurrentNamespace(api::document(), name.asChar()));
   setStatus(status, api::toStatus(renamed).statusCode());
   return api::toMString(node->name());
 }

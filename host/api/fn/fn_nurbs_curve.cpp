@@ -1,6 +1,5 @@
 #include <maya/MFnNurbsCurve.h>
 #include <maya/MFnNurbsCurveData.h>
-#include <maya/MItCurveCV.h>
 
 #include <cmath>
 
@@ -63,9 +62,10 @@ MStatus store(const MObject& object, math::NurbsCurve curve) {
                : MStatus(MStatus::kFailure);
 }
 
-/// Object space to `space`; world space needs a path.
+/// Object space to `space`; world space needs a path. Data on its way between nodes is in no place:
+/// all spaces are its own.
 std::optional<math::Matrix4> matrixTo(const MFnDagNode& fn, MSpace::Space space, MStatus* status) {
-  if (space != MSpace::kWorld) return math::Matrix4();
+  if (space != MSpace::kWorld || objectAs<DataRep>(fn.object())) return math::Matrix4();
   MStatus known;
   const MDagPath path = fn.dagPath(&known);
   if (known) return pathOf(path).inclusiveMatrix();
@@ -364,53 +364,4 @@ double MFnNurbsCurve::area(double, MStatus* status) const {
 }
 MStatus MFnNurbsCurve::updateCurve() {
   return object_.isNull() ? MStatus::kFailure : MStatus::kSuccess;
-}
-
-MItCurveCV::MItCurveCV(MObject& curve, MStatus* status) : curve_(curve) {
-  (void)curveOf(curve_, status);
-}
-MItCurveCV::MItCurveCV(const MDagPath& curve, const MObject&, MStatus* status) : path_(curve) {
-  curve_ = curve.node();
-  (void)curveOf(curve_, status);
-}
-bool MItCurveCV::isDone(MStatus* status) const {
-  const auto curve = curveOf(curve_, status);
-  return !curve || at_ >= curve->points.size();
-}
-MStatus MItCurveCV::next() {
-  if (isDone()) return MStatus::kFailure;
-  ++at_;
-  return MStatus::kSuccess;
-}
-MStatus MItCurveCV::reset() {
-  at_ = 0;
-  return MStatus::kSuccess;
-}
-int MItCurveCV::index(MStatus* status) const {
-  setStatus(status, MStatus::kSuccess);
-  return static_cast<int>(at_);
-}
-MPoint MItCurveCV::position(MSpace::Space space, MStatus* status) const {
-  MPoint point;
-  const MStatus found = path_.isValid() ? MFnNurbsCurve(path_).getCV(at_, point, space)
-                                        : MFnNurbsCurve(curve_).getCV(at_, point, space);
-  setStatus(status, found.statusCode());
-  return point;
-}
-MStatus MItCurveCV::setPosition(const MPoint& point, MSpace::Space space) {
-  return path_.isValid() ? MFnNurbsCurve(path_).setCV(at_, point, space)
-                         : MFnNurbsCurve(curve_).setCV(at_, point, space);
-}
-MStatus MItCurveCV::translateBy(const MVector& vector, MSpace::Space space) {
-  MStatus status;
-  const MPoint before = position(space, &status);
-  return status ? setPosition(before + vector, space) : status;
-}
-MStatus MItCurveCV::updateCurve() {
-  return MStatus::kSuccess;
-}
-bool MItCurveCV::hasHistoryOnCreate(MStatus* status) const {
-  dg::Node* shape = api::curveShape(curve_);
-  setStatus(status, shape ? MStatus::kSuccess : MStatus::kFailure);
-  return shape && shape->graph().source(shape->plug("create"));
 }

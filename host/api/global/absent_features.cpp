@@ -1,6 +1,5 @@
 // Parts of the API that ask after things this host does not have: the answers are that they are not
 // there.
-#include <maya/MDynamicsUtil.h>
 #include <maya/MEvaluationManager.h>
 #include <maya/MEvaluationNode.h>
 #include <maya/MGPUDeformerRegistry.h>
@@ -34,15 +33,6 @@ bool MEvaluationManager::evaluationInExecution(const MDGContext*) {
 }
 bool MEvaluationManager::evaluationManagerActive(const MDGContext&) {
   return false;
-}
-
-bool MDynamicsUtil::hasValidDynamics2dTexture(const MObject&, const MObject&, MStatus* status) {
-  setStatus(status, MStatus::kSuccess);
-  return false;
-}
-MStatus MDynamicsUtil::evalDynamics2dTexture(const MObject&, const MObject&, MDoubleArray&,
-                                             MDoubleArray&, MVectorArray*, MDoubleArray*) {
-  return MStatus::kFailure;
 }
 
 MStatus MGPUDeformerRegistry::registerGPUDeformerCreator(const MString&, const MString&,

@@ -4,6 +4,7 @@
 #include <numeric>
 
 #include "host/api/data/data_handle.h"
+#include "host/api/fn/curved_target.h"
 #include "host/api/mesh/mesh_moves.h"
 #include "host/api/mesh/mesh_target.h"
 #include "host/mesh/adjacency.h"
@@ -33,6 +34,12 @@ struct GeometryWalk final : SharedRep {
     visited.resize(places.size());
     std::iota(visited.begin(), visited.end(), 0);
   }
+  /// Control points of a curve or a curved surface.
+  explicit GeometryWalk(CurvedPoints points)
+      : isThere(points.isThere()), curved(std::move(points)) {
+    visited.resize(curved->size());
+    std::iota(visited.begin(), visited.end(), 0);
+  }
   /// Over the points of a plug-in's shape, which keep their doubles.
   GeometryWalk(const scene::PointShape& shapeIn, scene::DagPath pathIn,
                std::span<const scene::Component> components)
@@ -58,6 +65,7 @@ struct GeometryWalk final : SharedRep {
   }
 
   MStatus flush() {
+    if (curved) return curved->flush();
     if (!isChanged) return MStatus::kSuccess;
     isChanged = false;
     if (shape) return flushShape();
@@ -101,6 +109,7 @@ struct GeometryWalk final : SharedRep {
   }
   [[nodiscard]] bool isAtEnd() const { return at >= visited.size(); }
   [[nodiscard]] VertexId here() const { return visited[at]; }
+  [[nodiscard]] std::size_t herePoint() const { return host::at(visited[at]); }
 
   MeshTarget target;
   mesh::Mesh before;
@@ -109,6 +118,7 @@ struct GeometryWalk final : SharedRep {
   std::size_t at = 0;
   bool isThere = false, isChanged = false, isSome = false;
   Handle keepAlive;
+  std::optional<CurvedPoints> curved;  ///< of what is no mesh
   // Of a plug-in's shape.
   const scene::PointShape* shape = nullptr;
   scene::DagPath path;
@@ -132,6 +142,19 @@ Handle walk(MeshTarget target, std::optional<std::vector<VertexId>> some, MStatu
   return Handle(made);
 }
 
+/// A walk over a curve or a curved surface; none over anything else.
+Handle walkCurved(const MObject& object, const MDagPath& path, MStatus* status) {
+  CurvedPoints points(object, path);
+  if (!points.isThere()) return {};
+  setStatus(status, MStatus::kSuccess);
+  return Handle(new GeometryWalk(std::move(points)));
+}
+
+Handle walkObject(const MObject& object, MStatus* status) {
+  if (Handle made = walkCurved(object, MDagPath(), status)) return made;
+  return walk(MeshTarget(object), std::nullopt, status);
+}
+
 /// The walk over a plug-in's shape; null where there is none at the path.
 Handle walkShape(const MDagPath& path, const MObject& component, MStatus* status) {
   const scene::DagPath shape = pathOf(path).toShape();
@@ -146,6 +169,7 @@ Handle walkShape(const MDagPath& path, const MObject& component, MStatus* status
 
 Handle walkPath(const MDagPath& path, const MObject& component, MStatus* status) {
   if (Handle shape = walkShape(path, component, status)) return shape;
+  if (Handle made = walkCurved(path.node(), path, status)) return made;
   const MeshTarget target(path);
   std::optional<std::vector<VertexId>> some;
   if (const scene::Component* wanted = componentOf(component)) {
@@ -157,8 +181,9 @@ Handle walkPath(const MDagPath& path, const MObject& component, MStatus* status)
 
 Handle walkHandle(const MDataHandle& handle, Handle owner, MStatus* status) {
   // The object is the handle's own: what is written to it arrives in the data block.
-  const MObject geometry = handle.asMesh();
-  Handle made = walk(MeshTarget(geometry), std::nullopt, status);
+  const MObject geometry = handle.data();
+  Handle made = walkCurved(geometry, MDagPath(), status);
+  if (!made) made = walk(MeshTarget(handle.asMesh()), std::nullopt, status);
   static_cast<GeometryWalk*>(made.get())->keepAlive = std::move(owner);
   return made;
 }
@@ -193,7 +218,7 @@ MItGeometry::MItGeometry(const MDagPath& dagPath, MStatus* status)
 MItGeometry::MItGeometry(const MDagPath& dagPath, const MObject& component, MStatus* status)
     : handle_(api::walkPath(dagPath, component, status)) {}
 MItGeometry::MItGeometry(const MObject& geometry, MStatus* status)
-    : handle_(api::walk(api::MeshTarget(geometry), std::nullopt, status)) {}
+    : handle_(api::walkObject(geometry, status)) {}
 MItGeometry::MItGeometry(MDataHandle& dataHandle, unsigned int, bool, MStatus* status)
     : handle_(api::walkHandle(dataHandle, api::Access::handle(dataHandle), status)) {}
 MItGeometry::MItGeometry(MDataHandle& dataHandle, bool, MStatus* status)
@@ -216,6 +241,8 @@ MStatus MItGeometry::reset() {
 }
 MPoint MItGeometry::position(MSpace::Space space, MStatus* status) const {
   const GeometryWalk* walk = walkOf(*this);
+  if (walk->curved && !walk->isAtEnd())
+    return walk->curved->point(walk->herePoint(), space, status);
   std::optional<math::Matrix4> toSpace;
   const MStatus known = walk->isAtEnd() ? MStatus::kFailure : walk->spaceMatrix(space, toSpace);
   setStatus(status, known.statusCode());
@@ -224,6 +251,7 @@ MPoint MItGeometry::position(MSpace::Space space, MStatus* status) const {
 MStatus MItGeometry::setPosition(const MPoint& point, MSpace::Space space) {
   GeometryWalk* walk = walkOf(*this);
   if (walk->isAtEnd()) return MStatus::kFailure;
+  if (walk->curved) return walk->curved->setPoint(walk->herePoint(), point, space);
   std::optional<math::Matrix4> toSpace;
   const MStatus known = walk->spaceMatrix(space, toSpace);
   if (!known) return known;
@@ -231,9 +259,10 @@ MStatus MItGeometry::setPosition(const MPoint& point, MSpace::Space space) {
 }
 MVector MItGeometry::normal(MStatus* status) const {
   const GeometryWalk* walk = walkOf(*this);
-  const bool hasNone = walk->isAtEnd() || walk->shape;
-  setStatus(status, hasNone ? MStatus::kFailure : MStatus::kSuccess);
-  if (hasNone) return {};
+  // Control points lie off their curve or surface, and a plug-in's points have none either.
+  const bool isThere = !walk->isAtEnd() && !walk->curved && !walk->shape;
+  setStatus(status, isThere ? MStatus::kSuccess : MStatus::kFailure);
+  if (!isThere) return {};
   math::Vec3 sum;
   for (const FaceId face : walk->before.adjacency().vertexFaces(walk->here()))
     sum = sum + mesh::faceNormal(walk->before, face);
@@ -256,18 +285,26 @@ int MItGeometry::exactCount(MStatus* status) const {
   return count(status);
 }
 MObject MItGeometry::component(MStatus* status) const {
-  setStatus(status, MStatus::kSuccess);
   const GeometryWalk* walk = walkOf(*this);
-  return api::wrap(scene::Component::of(walk->visited));
+  setStatus(status, walk->curved ? MStatus::kFailure : MStatus::kSuccess);
+  return walk->curved ? MObject() : api::wrap(scene::Component::of(walk->visited));
 }
 MObject MItGeometry::currentItem(MStatus* status) const {
   const GeometryWalk* walk = walkOf(*this);
-  setStatus(status, walk->isAtEnd() ? MStatus::kFailure : MStatus::kSuccess);
-  if (walk->isAtEnd()) return {};
+  const bool isThere = !walk->isAtEnd() && !walk->curved;
+  setStatus(status, isThere ? MStatus::kSuccess : MStatus::kFailure);
+  if (!isThere) return {};
   return api::wrap(scene::Component(scene::ComponentType::Vertex, {walk->here()}));
 }
 MStatus MItGeometry::allPositions(MPointArray& points, MSpace::Space space) const {
   const GeometryWalk* walk = walkOf(*this);
+  if (walk->curved) {
+    MStatus status;
+    points.clear();
+    for (const VertexId each : walk->visited)
+      points.append(walk->curved->point(at(each), space, &status));
+    return status;
+  }
   std::optional<math::Matrix4> toSpace;
   const MStatus known = walk->spaceMatrix(space, toSpace);
   if (!known) return known;
@@ -279,6 +316,13 @@ MStatus MItGeometry::allPositions(MPointArray& points, MSpace::Space space) cons
 MStatus MItGeometry::setAllPositions(const MPointArray& points, MSpace::Space space) {
   GeometryWalk* walk = walkOf(*this);
   if (points.length() != walk->visited.size()) return MStatus::kInvalidParameter;
+  if (walk->curved) {
+    for (unsigned int i = 0; i < points.length(); ++i)
+      if (const MStatus done = walk->curved->setPoint(at(walk->visited[i]), points[i], space);
+          !done)
+        return done;
+    return walk->flush();
+  }
   std::optional<math::Matrix4> toSpace;
   const MStatus known = walk->spaceMatrix(space, toSpace);
   if (!known) return known;

@@ -13,8 +13,8 @@ namespace host::builtins {
 /// the plugs, each once.
 [[nodiscard]] Result<std::vector<dg::Node*>> keyedCurves(Context& context, const ParsedArgs& args);
 
-/// What -time, -float and -index say: numbers and ranges such as "1:10", "5:", ":"; times in frames,
-/// floats as values of what drives a curve that does not run over time.
+/// What -time, -float and -index say: numbers and ranges such as "1:10", "5:", ":"; times in
+/// frames, floats as values of what drives a curve that does not run over time.
 [[nodiscard]] Result<edits::KeyRange> keyRange(Context& context, const ParsedArgs& args);
 
 [[nodiscard]] Result<math::KeyTangent> tangentNamed(const std::string& name);

@@ -1,6 +1,7 @@
 #include "host/builtins/common/command.h"
 #include "host/builtins/common/vertex_names.h"
 #include "host/cmd/plug_values.h"
+#include "host/edits/at_time.h"
 
 namespace host::builtins {
 
@@ -71,17 +72,9 @@ CommandResult readFlags(Context& context, const ParsedArgs& args, const Plug& pl
 
 /// The value that the attribute has at another time; the scene's own time stays what it is.
 CommandResult readAt(Context& context, const Plug& plug, double seconds) {
-  scene::Document& document = context.document;
-  dg::Graph& graph = document.graph();
-  if (document.nodesNamed("time1").empty()) return fail("getAttr: the scene has no time node.");
-  const Plug clock = document.nodesNamed("time1").front()->plug("outTime");
-  const auto now = graph.get(clock);
-  if (!now) return failWith(now.error());
-  const scene::Journal::Scope unrecorded(document.journal(), nullptr);
-  HOST_TRY(graph.set(clock, dg::Value(seconds)));
-  auto value = readPlug(graph, document.units(), plug);
-  HOST_TRY(graph.set(clock, *now));
-  return value;
+  const edits::AtTime then(context.document, seconds);
+  if (!then.isThere()) return fail("getAttr: the scene has no time node.");
+  return readPlug(context.document.graph(), context.document.units(), plug);
 }
 
 CommandResult getAttr(Context& context, const ParsedArgs& args) {

@@ -5,6 +5,7 @@
 #include "host/builtins/common/vertex_names.h"
 #include "host/cmd/plug_values.h"
 #include "host/dg/foreign_data.h"
+#include "host/io/ma/ma_attributes.h"
 
 namespace host::builtins {
 
@@ -123,6 +124,20 @@ Result<void> setFlags(Context& context, const ParsedArgs& args, const Plug& plug
   return {};
 }
 
+/// Payloads whose words are those of scene files.
+bool isOfFiles(std::string_view type) {
+  return type == "nurbsCurve" || type == "nurbsSurface" || type == "arrayAttrs";
+}
+
+Result<dg::Value> readAsFiles(const std::string& type, std::span<const mel::Value> values) {
+  std::vector<std::string> texts;
+  for (const mel::Value& value : spread(values)) texts.push_back(value.toText().value_or(""));
+  std::vector<io::MaToken> tokens;
+  for (const std::string& text : texts) tokens.push_back({io::MaToken::Kind::Number, text});
+  std::size_t budget = 0;
+  return io::readPayload(type, tokens, budget);
+}
+
 Result<void> setValues(Context& context, const ParsedArgs& args, const Plug& plug,
                        std::span<const mel::Value> values) {
   scene::Document& document = context.document;
@@ -140,6 +155,11 @@ Result<void> setValues(Context& context, const ParsedArgs& args, const Plug& plu
     auto data = dg::readForeign(args.text("type"), words);
     if (!data) return fail("setAttr: {}.", data.error().message);
     return document.graph().set(plug, dg::Value(*std::move(data)));
+  }
+  if (args.has("type") && isOfFiles(args.text("type"))) {
+    auto data = readAsFiles(args.text("type"), values);
+    if (!data) return fail("setAttr: {}.", data.error().message);
+    return document.graph().set(plug, *std::move(data));
   }
   if (args.has("type"))
     return writeTyped(document.graph(), document.units(), plug, args.text("type"), values);

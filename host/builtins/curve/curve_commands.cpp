@@ -1,26 +1,11 @@
 // curve, circle and arclen.
 #include "host/builtins/common/command.h"
-#include "host/cmd/plug_values.h"
-#include "host/math/transform.h"
+#include "host/builtins/curve/makers.h"
 #include "host/nodes/curve/curve_nodes.h"
 
 namespace host::builtins {
 
 namespace {
-
-/// A transform with a curve shape that holds nothing yet.
-Result<dg::Node*> makeShape(Context& context, const std::string& name) {
-  scene::Document& document = context.document;
-  auto transform = document.createNode("transform", name);
-  if (!transform) return failWith(std::move(transform.error()));
-  auto shape =
-      document.createNode("nurbsCurve", shapeNameFor((*transform)->name()), transform->get());
-  if (!shape) return failWith(std::move(shape.error()));
-  scene::SelectionList list;
-  list.add(*transform);
-  document.setSelection(std::move(list));
-  return shape->get();
-}
 
 Result<math::NurbsCurve> describe(const ParsedArgs& args) {
   math::NurbsCurve curve;
@@ -90,7 +75,7 @@ CommandResult curve(Context& context, const ParsedArgs& args) {
   }
   auto wanted = describe(args);
   if (!wanted) return fail("curve: {}", wanted.error().message);
-  const auto shape = makeShape(context, args.text("name", "curve#"));
+  const auto shape = makeCurvedShape(context, "nurbsCurve", args.text("name", "curve#"));
   if (!shape) return failWith(shape.error());
   HOST_TRY(nodes::setStoredCurve(**shape, *std::move(wanted)));
   return mel::Value(nodeName(*scene::firstPath(**shape).transform().node()));
@@ -99,12 +84,7 @@ CommandResult curve(Context& context, const ParsedArgs& args) {
 // circle
 // -----------------------------------------------------------------------------------------------
 
-struct CircleFlag {
-  const char *shortName, *longName;
-  ArgType type;
-  int count = 1;
-};
-constexpr CircleFlag kCircle[] = {
+constexpr MakerFlag kCircle[] = {
     {"c", "center", ArgType::Distance, 3}, {"nr", "normal", ArgType::Distance, 3},
     {"fp", "first", ArgType::Distance, 3}, {"r", "radius", ArgType::Distance},
     {"sw", "sweep", ArgType::Angle},       {"d", "degree", ArgType::Int},
@@ -112,74 +92,10 @@ constexpr CircleFlag kCircle[] = {
     {"ut", "useTolerance", ArgType::Bool}, {"tol", "tolerance", ArgType::Double},
 };
 
-Result<void> setCircle(Context& context, const ParsedArgs& args, dg::Node& node) {
-  dg::Graph& graph = context.document.graph();
-  for (const CircleFlag& flag : kCircle) {
-    if (!args.has(flag.longName)) continue;
-    const dg::Plug plug = node.plug(flag.longName);
-    if (flag.count == 3) {
-      HOST_TRY(graph.setVec3(plug, args.vec3(flag.longName)));
-    } else if (plug.attribute()->type <= dg::AttributeType::Int64 ||
-               !plug.attribute()->enumFields.empty()) {
-      HOST_TRY(graph.set(plug, std::int64_t{args.integer(flag.longName)}));
-    } else {
-      HOST_TRY(graph.set(plug, args.real(flag.longName)));
-    }
-  }
-  static constexpr std::pair<const char*, const char*> kParts[] = {
-      {"normal", "nr"}, {"center", "c"}, {"first", "fp"}};
-  for (const auto& [name, code] : kParts)
-    for (int axis = 0; axis < 3; ++axis) {
-      const std::string part = std::string(name) + "XYZ"[axis];
-      if (args.has(part)) HOST_TRY(graph.set(node.plug(name).child(axis), args.real(part)));
-    }
-  return {};
-}
-
-/// The node that makes a named circle.
-Result<dg::Node*> circleNode(Context& context, const std::string& name) {
-  auto node = context.document.node(name);
-  if (!node) return failWith(std::move(node.error()));
-  if (scene::isDagNode(**node)) {
-    const scene::DagPath shape = scene::firstPath(**node).toShape();
-    if (!shape.isWorld())
-      if (const dg::Plug source = context.document.graph().source(shape.node()->plug("create")))
-        *node = source.node();
-  }
-  if ((*node)->type().name != "makeNurbCircle") return fail("circle: '{}' is none.", name);
-  return *node;
-}
-
 CommandResult circle(Context& context, const ParsedArgs& args) {
-  scene::Document& document = context.document;
-  dg::Graph& graph = document.graph();
-  if (!args.isCreate()) {
-    const auto node = circleNode(context, args.firstObject());
-    if (!node) return failWith(node.error());
-    if (args.isEdit()) {
-      HOST_TRY(setCircle(context, args, **node));
-      return mel::Value((*node)->name());
-    }
-    const dg::Plug plug = (*node)->plug(args.queried());
-    if (!plug) return fail("circle: say which flag to query.");
-    return cmd::readPlug(graph, document.units(), plug);
-  }
-  const auto shape = makeShape(context, args.text("name", "nurbsCircle#"));
-  if (!shape) return failWith(shape.error());
-  auto node = document.createNode("makeNurbCircle", "makeNurbCircle#");
-  if (!node) return failWith(std::move(node.error()));
-  HOST_TRY(setCircle(context, args, **node));
-  std::vector<std::string> names{nodeName(*scene::firstPath(**shape).transform().node())};
-  if (args.boolean("constructionHistory", true)) {
-    HOST_TRY(graph.connect((*node)->plug("outputCurve"), (*shape)->plug("create")));
-    names.push_back((*node)->name());
-    return toValue(std::move(names));
-  }
-  auto made = graph.get((*node)->plug("outputCurve"));
-  if (!made) return failWith(std::move(made.error()));
-  HOST_TRY(graph.set((*shape)->plug("cached"), *made));
-  HOST_TRY(document.deleteNodes({node->get()}));
-  return toValue(std::move(names));
+  return runMaker(
+      context, args,
+      {"circle", "makeNurbCircle", "outputCurve", "nurbsCurve", "nurbsCircle#", kCircle});
 }
 
 CommandResult arclen(Context& context, const ParsedArgs& args) {
@@ -223,13 +139,7 @@ void registerCurveCommands(CommandRegistry& registry) {
              .strings(0, 1),
          curve);
   Syntax syntax;
-  for (const CircleFlag& flag : kCircle) {
-    syntax.flag(flag.shortName, flag.longName, std::vector<ArgType>(at(flag.count), flag.type));
-    if (flag.count != 3) continue;
-    for (int axis = 0; axis < 3; ++axis)
-      syntax.flag(std::string(flag.shortName) + "xyz"[axis],
-                  std::string(flag.longName) + "XYZ" [axis], { flag.type });
-  }
+  addMakerFlags(syntax, kCircle, true);
   define(registry, "circle",
          syntax.flag("n", "name", {ArgType::String})
              .flag("ch", "constructionHistory", {ArgType::Bool})

@@ -1,121 +1,157 @@
-// cluster: vertices follow a handle.
-#include "host/builtins/common/command.h"
+// cluster: points that follow a handle.
+#include "host/nodes/history/cluster.h"
+
 #include "host/builtins/deform/deformer_flags.h"
-#include "host/math/box.h"
 #include "host/scene/dag_paths.h"
-#include "host/scene/node_names.h"
 
 namespace host::builtins {
 
 namespace {
 
-using math::Matrix4;
 using math::Vec3;
+using nodes::MeshItem;
 
-Result<void> setMatrix(dg::Graph& graph, const dg::Plug& plug, const Matrix4& matrix) {
-  return graph.set(plug, dg::DataPtr(std::make_shared<dg::MatrixData>(matrix)));
+Result<dg::Node*> transformNamed(Context& context, const std::string& name) {
+  auto node = context.document.node(name);
+  if (!node) return failWith(std::move(node.error()));
+  if (!scene::isDagNode(**node) || !scene::isTransform(**node))
+    return fail("cluster: '{}' is no transform.", name);
+  return *node;
 }
 
-Vec3 middleOf(const DeformerObjects& objects) {
-  math::Box box;
-  for (const nodes::MeshItem& item : objects.meshes) {
-    const Matrix4 world = item.path.inclusiveMatrix();
-    for (const VertexId v : item.vertices())
-      box.add(math::transformPoint(item.mesh.point(v), world));
-  }
-  return box.center();
-}
-
-/// A transform with the shape that shows it, its pivots in the middle of what follows it.
-Result<dg::Node*> makeHandle(scene::Document& document, dg::Node& cluster, const Vec3& middle) {
-  auto transform = document.createNode("transform", cluster.name() + "Handle");
+/// The transform that -weightedNode wants for a handle, below the one that weights scale.
+struct HandlePlace {
+  dg::Node *weighted = nullptr, *transform = nullptr;
+};
+Result<HandlePlace> wantedPlace(Context& context, const ParsedArgs& args) {
+  HandlePlace place;
+  if (!args.has("weightedNode")) return place;
+  const auto weighted = transformNamed(context, args.text("weightedNode"));
+  if (!weighted) return failWith(weighted.error());
+  place.weighted = *weighted;
+  const std::string below = args.text("weightedNode", {}, 1);
+  const auto transform = below.empty() ? weighted : transformNamed(context, below);
   if (!transform) return failWith(transform.error());
-  auto shape =
-      document.createNode("clusterHandle", (*transform)->name() + "Shape", transform->get());
-  if (!shape) return failWith(shape.error());
-  dg::Graph& graph = document.graph();
-  for (const char* pivot : {"rotatePivot", "scalePivot"})
-    HOST_TRY(graph.setVec3((*transform)->plug(pivot), middle));
-  HOST_TRY(graph.setVec3((*shape)->plug("origin"), middle));
-  HOST_TRY(
-      graph.connect((*shape)->plug("clusterTransforms").element(0), cluster.plug("clusterXforms")));
-  return transform->get();
+  place.transform = *transform;
+  for (scene::DagPath up = scene::firstPath(**transform); !up.isWorld(); up = up.parent())
+    if (up.node() == place.weighted) return place;
+  return fail("cluster: '{}' is not below '{}'.", below, place.weighted->name());
 }
 
-Result<scene::DagPath> transformNamed(scene::Document& document, const std::string& name) {
-  auto path = document.dagPath(name);
-  if (!path) return failWith(path.error());
-  return path->transform();
+Result<void> makeHandle(Context& context, dg::Node& cluster, const std::vector<MeshItem>& items,
+                        HandlePlace place) {
+  scene::Document& document = context.document;
+  dg::Graph& graph = document.graph();
+  const math::Box box = worldBox(items);
+  const Vec3 center = box.isEmpty() ? Vec3() : box.center();
+  const bool isNew = !place.transform;
+  if (isNew) {
+    auto made = document.createNode("transform", cluster.name() + "Handle");
+    if (!made) return failWith(std::move(made.error()));
+    place.transform = made->get();
+    HOST_TRY(graph.setVec3(place.transform->plug("rotatePivot"), center));
+    HOST_TRY(graph.setVec3(place.transform->plug("scalePivot"), center));
+  }
+  Vec3 origin = center;
+  if (!isNew)
+    if (const auto back = math::inverse(scene::firstPath(*place.transform).inclusiveMatrix()))
+      origin = math::transformPoint(center, *back);
+  const auto handle = nodes::addClusterHandle(document, cluster, *place.transform, origin);
+  if (!handle) return failWith(handle.error());
+  if (place.weighted && place.weighted != place.transform)
+    HOST_TRY(graph.connect(place.weighted->plug("message"), (*handle)->plug("weightedNode")));
+  scene::SelectionList list;
+  list.add(scene::firstPath(*place.transform));
+  document.setSelection(std::move(list));
+  return {};
 }
 
 CommandResult create(Context& context, const ParsedArgs& args) {
   scene::Document& document = context.document;
-  dg::Graph& graph = document.graph();
   const auto objects = deformerObjects(context, args);
   if (!objects) return failWith(objects.error());
   if (objects->meshes.empty()) return fail("cluster: name or select what is to follow a handle.");
+  const auto place = wantedPlace(context, args);
+  if (!place) return failWith(place.error());
   auto made = document.createNode("cluster", args.text("name", "cluster#"));
   if (!made) return failWith(std::move(made.error()));
   dg::Node& cluster = **made;
-  HOST_TRY(addDeformed(document, cluster, *objects, args));
-  for (const auto& [geometry, shape] : nodes::deformedShapes(cluster))
-    HOST_TRY(setMatrix(graph, cluster.plug("geomMatrix").element(geometry),
-                       scene::firstPath(*shape).inclusiveMatrix()));
-  HOST_TRY(graph.set(cluster.plug("relative"), std::int64_t{args.has("relative")}));
-  dg::Node* handle = nullptr;
+  if (args.has("relative"))
+    HOST_TRY(document.graph().set(cluster.plug("relative"), std::int64_t{1}));
+  const auto added = addDeformed(document, cluster, *objects, args);
+  if (!added) return fail("cluster: {}", added.error().message);
+  HOST_TRY(makeHandle(context, cluster, objects->meshes, *place));
+  if (args.has("bindState")) HOST_TRY(nodes::bindCluster(cluster));
+  const dg::Node* handle = nodes::clusterHandleOf(cluster);
+  return toValue({cluster.name(), nodeName(*scene::dagLinks(*handle).parents.front())});
+}
+
+CommandResult query(Context& context, const ParsedArgs& args, dg::Node& cluster) {
+  for (const char* flag : {"relative", "bindState"})
+    if (args.has(flag)) {
+      const auto value = context.document.graph().get(cluster.plug(flag));
+      if (!value) return failWith(value.error());
+      return mel::Value(static_cast<std::int32_t>(std::get<std::int64_t>(*value)));
+    }
   if (args.has("weightedNode")) {
-    const auto path = transformNamed(document, args.text("weightedNode"));
-    if (!path) return fail("cluster: {}", path.error().message);
-    const auto bound = math::inverse(path->inclusiveMatrix());
-    if (!bound) return fail("cluster: '{}' has a scale of zero.", path->partialName());
-    HOST_TRY(setMatrix(graph, cluster.plug("bindPreMatrix"), *bound));
-    handle = path->node();
-  } else {
-    auto own = makeHandle(document, cluster, middleOf(*objects));
-    if (!own) return failWith(own.error());
-    handle = *own;
+    const dg::Node* weighted = nodes::clusterWeightedNode(cluster);
+    return mel::Value(weighted ? nodeName(*weighted) : std::string());
   }
-  HOST_TRY(graph.connect(handle->plug("worldMatrix").element(0), cluster.plug("matrix")));
-  scene::SelectionList list;
-  list.add(scene::firstPath(*handle));
-  document.setSelection(std::move(list));
-  return toValue({cluster.name(), scene::nodeName(*handle)});
+  if (auto answer = queryDeformer(context, args, cluster)) return *std::move(answer);
+  return fail("cluster: say which flag to query.");
+}
+
+CommandResult edit(Context& context, const ParsedArgs& args, dg::Node& cluster) {
+  dg::Graph& graph = context.document.graph();
+  if (args.has("weightedNode")) {
+    const auto weighted = transformNamed(context, args.text("weightedNode"));
+    if (!weighted) return failWith(weighted.error());
+    dg::Node* handle = nodes::clusterHandleOf(cluster);
+    if (!handle) return fail("cluster: '{}' has no handle.", cluster.name());
+    bool isAbove = false;
+    for (scene::DagPath up = scene::firstPath(*handle).parent(); !up.isWorld(); up = up.parent())
+      isAbove = isAbove || up.node() == *weighted;
+    if (!isAbove)
+      return fail("cluster: '{}' is not above '{}'.", (*weighted)->name(), handle->name());
+    HOST_TRY(graph.connect((*weighted)->plug("message"), handle->plug("weightedNode"), true));
+  }
+  if (args.has("relative")) HOST_TRY(graph.set(cluster.plug("relative"), std::int64_t{1}));
+  if (args.has("bindState")) HOST_TRY(nodes::bindCluster(cluster));
+  HOST_TRY(editDeformer(context, args, cluster));
+  return toValue({cluster.name()});
 }
 
 CommandResult cluster(Context& context, const ParsedArgs& args) {
   if (args.isCreate()) return create(context, args);
-  const auto node = deformerOfType(context, "cluster", "cluster", args.firstObject());
+  std::string name = args.firstObject();
+  // In an edit one transform will do, and what follows it is the cluster.
+  if (name.empty()) name = args.text("weightedNode", {}, 1);
+  // The handle stands for its cluster.
+  if (const auto node = context.document.node(name); node && scene::isDagNode(**node))
+    for (const dg::NodePtr& other : context.document.graph().nodes())
+      if (other->type().isA("cluster"))
+        if (dg::Node* handle = nodes::clusterHandleOf(*other)) {
+          const auto& parents = scene::dagLinks(*handle).parents;
+          if (handle == *node || (!parents.empty() && parents.front() == *node))
+            name = other->name();
+        }
+  const auto node = deformerOfType(context, "cluster", "cluster", name);
   if (!node) return failWith(node.error());
-  dg::Graph& graph = context.document.graph();
-  if (!args.isQuery()) {
-    if (args.has("relative")) HOST_TRY(graph.set((*node)->plug("relative"), std::int64_t{1}));
-    if (args.has("weightedNode")) return fail("cluster: -weightedNode is for new clusters.");
-    HOST_TRY(editDeformer(context, args, **node));
-    return toValue({(*node)->name()});
-  }
-  if (args.has("weightedNode")) {
-    const dg::Plug source = graph.source((*node)->plug("matrix"));
-    return mel::Value(source ? scene::nodeName(*source.node()) : std::string());
-  }
-  if (args.has("relative")) {
-    const auto value = graph.get((*node)->plug("relative"));
-    return mel::Value(value && dg::equal(*value, std::int64_t{1}));
-  }
-  if (auto answer = queryDeformer(context, args, **node)) return *std::move(answer);
-  return fail("cluster: query -weightedNode, -relative, -geometry or -envelope.");
+  return args.isQuery() ? query(context, args, **node) : edit(context, args, **node);
 }
 
 }  // namespace
 
-void registerClusterCommand(CommandRegistry& registry) {
+void registerClusterCommands(CommandRegistry& registry) {
   Syntax syntax;
-  syntax.about("Has objects or some of their vertices follow a handle, each by its weight.")
+  syntax.about("Lets points follow a handle that is made for them, or changes how.")
       .flag("rel", "relative")
-      .help("only what the handle itself does counts, not what is above it")
+      .help("what is above the handle does not count")
+      .flag("bs", "bindState")
+      .help("where the handle stands now the points are at rest")
       .flag("wn", "weightedNode", {ArgType::String, ArgType::String})
       .optionalArgs()
-      .queryArgs(cmd::QueryArgs::None)
-      .help("a transform that is there, and its shape, instead of a new handle");
+      .help("the transform whose doings weights scale, and the one below it that is the handle");
   define(registry, "cluster", addDeformerFlags(syntax), cluster);
 }
 

@@ -1,6 +1,6 @@
 // deformer, percent and makePaintable.
 #include <algorithm>
-#include <map>
+#include <limits>
 
 #include "host/builtins/common/command.h"
 #include "host/builtins/deform/deformer_flags.h"
@@ -81,11 +81,42 @@ Result<std::vector<WeightPlace>> weightPlaces(Context& context, const ParsedArgs
   return places;
 }
 
-double weightAt(dg::Graph& graph, const dg::Plug& plug) {
-  if (!graph.elementExists(plug)) return 1;
-  const auto value = graph.get(plug);
-  const auto* number = value ? std::get_if<double>(&*value) : nullptr;
-  return number ? *number : 1;
+/// The weights of a geometry as they are set, by point.
+struct SetWeights {
+  std::vector<Index> points;
+  std::vector<double> values;
+
+  [[nodiscard]] double of(Index point) const {
+    const auto found = std::ranges::lower_bound(points, point);
+    return found == points.end() || *found != point
+               ? 1
+               : values[static_cast<std::size_t>(found - points.begin())];
+  }
+};
+
+/// Replaces the weights of some points, ascending; all at once unless some are driven.
+Result<void> replaceWeights(dg::Graph& graph, const dg::Plug& plug, const SetWeights& before,
+                            const std::vector<VertexId>& points,
+                            const std::vector<double>& values) {
+  SetWeights after;
+  std::size_t old = 0;
+  const auto keepUpTo = [&](Index point) {
+    for (; old < before.points.size() && before.points[old] < point; ++old) {
+      after.points.push_back(before.points[old]);
+      after.values.push_back(before.values[old]);
+    }
+  };
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    keepUpTo(points[i]);
+    if (old < before.points.size() && before.points[old] == points[i]) ++old;
+    after.points.push_back(points[i]);
+    after.values.push_back(values[i]);
+  }
+  keepUpTo(std::numeric_limits<Index>::max());
+  if (graph.setPacked(plug, std::move(after.points), std::move(after.values))) return {};
+  for (std::size_t i = 0; i < points.size(); ++i)
+    HOST_TRY(graph.set(plug.element(points[i]), values[i]));
+  return {};
 }
 
 CommandResult percent(Context& context, const ParsedArgs& args) {
@@ -94,20 +125,25 @@ CommandResult percent(Context& context, const ParsedArgs& args) {
   const auto places = weightPlaces(context, args, **node);
   if (!places) return failWith(places.error());
   dg::Graph& graph = context.document.graph();
-  mel::FloatArray values;
+  mel::FloatArray asked;
   for (const WeightPlace& place : *places) {
+    SetWeights before;
+    graph.getPacked(place.weights, before.points, before.values);
+    std::vector<double> values;
+    values.reserve(place.points.size());
     for (const VertexId point : place.points) {
-      const dg::Plug plug = place.weights.element(point);
-      const double before = weightAt(graph, plug);
-      values.push_back(before);
-      if (args.isQuery() || !args.has("value")) continue;
-      double weight = args.real("value");
-      if (args.has("addPercent")) weight += before;
-      if (args.has("multiplyPercent")) weight *= before;
-      HOST_TRY(graph.set(plug, weight));
+      const double now = before.of(point);
+      double weight = args.isQuery() || !args.has("value") ? now : args.real("value");
+      if (!args.isQuery() && args.has("addPercent")) weight += now;
+      if (!args.isQuery() && args.has("multiplyPercent")) weight *= now;
+      values.push_back(weight);
     }
+    if (args.isQuery())
+      asked.insert(asked.end(), values.begin(), values.end());
+    else if (args.has("value"))
+      HOST_TRY(replaceWeights(graph, place.weights, before, place.points, values));
   }
-  return args.isQuery() ? mel::Value(std::move(values)) : mel::Value();
+  return args.isQuery() ? mel::Value(std::move(asked)) : mel::Value();
 }
 
 // makePaintable

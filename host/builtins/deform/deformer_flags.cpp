@@ -55,6 +55,16 @@ Result<DeformerObjects> deformerObjects(Context& context, const ParsedArgs& args
   return found;
 }
 
+math::Box worldBox(const std::vector<MeshItem>& items) {
+  math::Box box;
+  for (const MeshItem& item : items) {
+    const math::Matrix4 world = item.path.inclusiveMatrix();
+    for (const VertexId v : item.vertices())
+      box.add(math::transformPoint(item.mesh.point(v), world));
+  }
+  return box;
+}
+
 DeformerPlace deformerPlace(const ParsedArgs& args, const std::vector<dg::Node*>& named) {
   if (args.has("parallel")) return DeformerPlace{Where::Parallel};
   if (args.has("frontOfChain")) return DeformerPlace{Where::First};

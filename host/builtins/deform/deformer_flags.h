@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/builtins/common/command.h"
+#include "host/math/box.h"
 #include "host/nodes/history/deformers.h"
 #include "host/nodes/mesh_components.h"
 
@@ -21,6 +22,9 @@ struct DeformerObjects {
 };
 /// The objects named, else those selected.
 [[nodiscard]] Result<DeformerObjects> deformerObjects(Context& context, const ParsedArgs& args);
+
+/// The box around the points of all, in the world.
+[[nodiscard]] math::Box worldBox(const std::vector<nodes::MeshItem>& items);
 
 /// Where the flags want a deformer; `named` are the deformers among the objects, which -before and
 /// -after are about when they name none.

@@ -12,8 +12,8 @@ struct ReferenceRequest {
   std::string node;               ///< what the reference node is called; empty: after the namespace
   std::string options, type;
   std::vector<std::string> shared = {};  ///< kinds of nodes: "displayLayers", ...; kept
-  bool isDeferred = false;       ///< the node alone
-  bool sharesNamespace = false;  ///< also with nodes that are in it already
+  bool isDeferred = false;               ///< the node alone
+  bool sharesNamespace = false;          ///< also with nodes that are in it already
 };
 
 /// Makes a reference. Without a file that can be read the node alone is made, and a warning says

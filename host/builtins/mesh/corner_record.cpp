@@ -25,9 +25,11 @@ Result<void> insertCornerNode(scene::Document& document, dg::Node& shape, const 
   if (!created) return failWith(created.error());
   dg::Node& node = **created;
   HOST_TRY(fill(node));
-  HOST_TRY(
-      nodes::insertHistoryNode(document, shape, node.plug("inputPolymesh"), node.plug("output")));
-  return document.graph().evaluate(node.plug("output"));
+  const bool isModifier = !node.plug("inputPolymesh").isNull();
+  const dg::Plug input = node.plug(isModifier ? "inputPolymesh" : "inputGeometry");
+  const dg::Plug output = node.plug(isModifier ? "output" : "outputGeometry");
+  HOST_TRY(nodes::insertHistoryNode(document, shape, input, output));
+  return document.graph().evaluate(output);
 }
 
 std::vector<VertexCorners> byVertex(const mesh::Mesh& mesh, const std::vector<CornerId>& corners) {

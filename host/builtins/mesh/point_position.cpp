@@ -1,12 +1,10 @@
 // pointPosition: where a vertex or a pivot is.
 #include "host/builtins/common/command.h"
-#include "host/nodes/mesh_components.h"
+#include "host/nodes/point_items.h"
 #include "host/nodes/transform.h"
 #include "host/scene/point_shape.h"
 
 namespace host::builtins {
-
-using nodes::meshItems;
 
 namespace {
 
@@ -16,7 +14,7 @@ CommandResult pointPosition(Context& context, const ParsedArgs& args) {
   if (list->items().size() != 1) return fail("pointPosition: name or select one point.");
   const bool isLocal = args.has("local") && !args.has("world");
   const double unit = context.document.units().toCentimeters(1);
-  auto items = meshItems(*list);
+  auto items = nodes::pointItems(*list);
   if (!items) return failWith(std::move(items.error()));
   const scene::SelectionItem& item = list->items().front();
   if (!items->empty() && !items->front().isObject()) {

@@ -1,6 +1,8 @@
 #include <array>
 
+#include "host/builtins/mesh/corner_record.h"
 #include "host/builtins/mesh/set_command.h"
+#include "host/nodes/mesh_shape.h"
 
 namespace host::builtins {
 
@@ -39,6 +41,20 @@ class ColorSets final : public NamedSets {
   Result<void> remove(Mesh& mesh, int set) const override {
     mesh.removeColorSet(set);
     return {};
+  }
+  /// A first set is one that a node can make: it is the current one by itself.
+  Result<bool> record(scene::Document& document, dg::Node& shape, const Mesh& before,
+                      const Mesh& after) const override {
+    if (!nodes::hasHistory(shape) || before.colorSetCount() > 0 || after.colorSetCount() != 1)
+      return false;
+    HOST_TRY(
+        insertCornerNode(document, shape, "createColorSet", [&](dg::Node& node) -> Result<void> {
+          dg::Graph& graph = document.graph();
+          HOST_TRY(graph.set(node.plug("colorSetName"), dg::Value(after.colorSet(0).name)));
+          HOST_TRY(graph.set(node.plug("clamped"), std::int64_t{isClamped_}));
+          return graph.set(node.plug("representation"), std::int64_t{channels_});
+        }));
+    return true;
   }
 
  private:

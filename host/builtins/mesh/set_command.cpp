@@ -118,7 +118,9 @@ CommandResult runSetCommand(Context& context, const ParsedArgs& args, const Name
     done.push_back(item.path.node());
     Mesh mesh = item.mesh;
     HOST_TRY(edit.apply(mesh));
-    HOST_TRY(nodes::setEvaluatedMesh(*item.path.node(), std::move(mesh)));
+    const auto isRecorded = sets.record(context.document, *item.path.node(), item.mesh, mesh);
+    if (!isRecorded) return failWith(isRecorded.error());
+    if (!*isRecorded) HOST_TRY(nodes::setEvaluatedMesh(*item.path.node(), std::move(mesh)));
   }
   return toValue(std::move(edit.names));
 }

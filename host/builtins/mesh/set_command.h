@@ -30,6 +30,12 @@ class NamedSets {
   virtual void copy(mesh::Mesh& mesh, int from, int to) const = 0;
   /// Fails for a set that has to stay.
   virtual Result<void> remove(mesh::Mesh& mesh, int set) const = 0;
+  /// Keeps an edit of a shape in its history.
+  /// @return false when there is no node that says it
+  virtual Result<bool> record(scene::Document& /*document*/, dg::Node& /*shape*/,
+                              const mesh::Mesh& /*before*/, const mesh::Mesh& /*after*/) const {
+    return false;
+  }
 };
 
 /// The words by which a command of named sets goes.

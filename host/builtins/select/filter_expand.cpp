@@ -3,6 +3,7 @@
 #include "host/builtins/common/command.h"
 #include "host/nodes/mesh_components.h"
 #include "host/nodes/mesh_shape.h"
+#include "host/scene/lattice_points.h"
 
 namespace host::builtins {
 
@@ -12,10 +13,12 @@ using scene::ComponentType;
 
 /// Selection masks, as scripts number them.
 constexpr int kPolyMesh = 12;
+constexpr int kLatticePoint = 46;
 
 bool componentOfMask(int mask, ComponentType& type) {
   switch (mask) {
     case 31:
+    case kLatticePoint:
       type = ComponentType::Vertex;
       return true;
     case 32:
@@ -66,7 +69,9 @@ class Expander {
     for (const int mask : masks_) {
       ComponentType type{};
       if (componentOfMask(mask, type)) {
-        if (const scene::Component* component = item.component(type))
+        const bool isOfLattice = item.node->type().isA("lattice");
+        if (const scene::Component* component = item.component(type);
+            component && isOfLattice == (mask == kLatticePoint))
           addComponent(item, *component);
       } else if (item.isDag() && item.isObject()) {
         addObject(item, mask);
@@ -91,7 +96,8 @@ class Expander {
   void addComponent(const scene::SelectionItem& item, const scene::Component& component) {
     const std::string base = scene::itemBaseName(item, fullPath_) + ".";
     if (!isExpanding_) {
-      for (const std::string& word : component.words()) names_.push_back(base + word);
+      for (const std::string& word : scene::componentWords(*item.node, component))
+        names_.push_back(base + word);
       return;
     }
     if (component.type() == ComponentType::VertexFace && !component.isComplete()) {
@@ -99,6 +105,9 @@ class Expander {
         names_.push_back(fmt::format("{}vtxFace[{}][{}]", base, pair.vertex, pair.face));
       return;
     }
+    const std::vector<std::string> points = scene::flatLatticeWords(*item.node, component);
+    for (const std::string& word : points) names_.push_back(base + word);
+    if (!points.empty()) return;
     const std::string prefix = base + std::string(scene::componentWord(component.type())) + "[";
     const Index count =
         component.isComplete() ? scene::componentCount(item.path, component.type()) : 0;

@@ -7,6 +7,7 @@
 #include "host/builtins/select/selection_order.h"
 #include "host/nodes/mesh_components.h"
 #include "host/scene/dag_paths.h"
+#include "host/scene/lattice_points.h"
 #include "host/scene/references.h"
 #include "host/workspace/workspace.h"
 
@@ -159,7 +160,8 @@ class Lister {
   void addComponent(const SelectionItem& item, const scene::Component& component) {
     const std::string base = scene::itemBaseName(item, isLong_) + ".";
     if (!args_.has("flatten")) {
-      for (const std::string& word : component.words()) add(base + word, *item.node);
+      for (const std::string& word : scene::componentWords(*item.node, component))
+        add(base + word, *item.node);
       return;
     }
     if (component.type() == scene::ComponentType::VertexFace && !component.isComplete()) {
@@ -167,6 +169,9 @@ class Lister {
         add(fmt::format("{}vtxFace[{}][{}]", base, pair.vertex, pair.face), *item.node);
       return;
     }
+    const std::vector<std::string> points = scene::flatLatticeWords(*item.node, component);
+    for (const std::string& word : points) add(base + word, *item.node);
+    if (!points.empty()) return;
     const std::string prefix = base + std::string(scene::componentWord(component.type())) + "[";
     const Index count =
         component.isComplete() ? scene::componentCount(item.path, component.type()) : 0;

@@ -6,7 +6,7 @@
 #include <maya/MTypes.h>
 #include <maya/MVectorArray.h>
 
-/// Textures on dynamics nodes; the host has none.
+/// Textures that drive attributes of emitters and fields: any attribute that a 2d texture drives.
 class MDynamicsUtil {
  public:
   static bool hasValidDynamics2dTexture(const MObject& node, const MObject& attribute,

@@ -17,6 +17,8 @@ class MPxContextCommand;
 class MPxToolCommand;
 class MSyntax;
 
+#define PLUGIN_COMPANY "Unknown"
+
 typedef void* (*MCreatorFunction)();
 typedef MSyntax (*MCreateSyntaxFunction)();
 typedef MStatus (*MInitializeFunction)();
@@ -73,6 +75,16 @@ class MFnPlugin : public MFnBase {
   MStatus registerData(const MString& typeName, const MTypeId& typeId, MCreatorFunction creator,
                        MPxData::Type type = MPxData::kData);
   MStatus deregisterData(const MTypeId& typeId);
+
+  /// Adds a kind of file, which `file -type` calls by the name. The default options are handed on
+  /// where the user gives none; the option script is for a file dialog and is not called.
+  MStatus registerFileTranslator(const MString& translatorName, const char* pixmapName = nullptr,
+                                 MCreatorFunction creatorFunction = nullptr,
+                                 const char* optionsScriptName = nullptr,
+                                 const char* defaultOptionsString = nullptr,
+                                 bool requiresFullMel = false,
+                                 const MString& dataStorageLocation = MString());
+  MStatus deregisterFileTranslator(const MString& translatorName);
 
   /// Names the procedures that build and remove the plug-in's interface, in the window and in batch
   /// mode.

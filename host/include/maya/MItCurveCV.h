@@ -7,8 +7,10 @@
 #include <maya/MStatus.h>
 #include <maya/MTypes.h>
 #include <maya/MVector.h>
+#include <maya/detail/Handle.h>
 
-/// Visits the control points of a curve.
+/// Visits the control points of a curve. What is moved is written at the end of a walk, by `reset`,
+/// `updateCurve` and with the iterator.
 class MItCurveCV {
  public:
   MItCurveCV(MObject& curve, MStatus* status = nullptr);
@@ -18,6 +20,8 @@ class MItCurveCV {
   bool isDone(MStatus* status = nullptr) const;
   MStatus next();
   MStatus reset();
+  MStatus reset(MObject& curve);
+  MStatus reset(const MDagPath& curve, const MObject& component = MObject::kNullObj);
   int index(MStatus* status = nullptr) const;
   MPoint position(MSpace::Space space = MSpace::kObject, MStatus* status = nullptr) const;
   MStatus setPosition(const MPoint& point, MSpace::Space space = MSpace::kObject);
@@ -26,7 +30,5 @@ class MItCurveCV {
   bool hasHistoryOnCreate(MStatus* status = nullptr) const;
 
  private:
-  MObject curve_;
-  MDagPath path_;
-  unsigned int at_ = 0;
+  host::api::Handle handle_;
 };

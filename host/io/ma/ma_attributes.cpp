@@ -19,7 +19,8 @@ bool isPayloadType(std::string_view type) {
   static constexpr std::string_view kTypes[] = {
       "string",      "matrix",     "stringArray",       "componentList",
       "doubleArray", "floatArray", "dataPolyComponent", "Int32Array",
-      "vectorArray", "pointArray"};
+      "vectorArray", "pointArray", "nurbsCurve",        "nurbsSurface",
+      "arrayAttrs"};
   return std::ranges::find(kTypes, type) != std::end(kTypes) || dg::hasForeignReader(type);
 }
 

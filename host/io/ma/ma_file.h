@@ -78,7 +78,7 @@ struct MaRelationship {
 struct MaReference {
   std::size_t offset = 0;
   std::string_view nameSpace, prefix, node, options, type, path;
-  bool isDeferred = false;  ///< not to be loaded with the scene
+  bool isDeferred = false;               ///< not to be loaded with the scene
   std::vector<std::string_view> shared;  ///< kinds of nodes: "displayLayers", ...
   std::string_view raw;
 };

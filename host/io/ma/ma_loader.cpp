@@ -17,6 +17,7 @@
 #include "host/io/ma/ma_node_writer.h"
 #include "host/io/ma/ma_passes.h"
 #include "host/io/ma/ma_plugs.h"
+#include "host/nodes/history/deformers.h"
 #include "host/nodes/mesh_shape.h"
 #include "host/nodes/set_group.h"
 #include "host/scene/dag_paths.h"
@@ -88,6 +89,7 @@ class Loader {
     for (const MaConnection& connection : file_.connections) connect(connection);
     for (const MaRelationship& relationship : file_.relationships) relate(relationship);
     passing_ = passMeshesThrough(document_, kept_);
+    nodes::placeDeformedGeometry(document_);
     attributes_.lock();
     for (Node* node : locked_) HOST_TRY(document_.graph().setNodeLocked(*node, true));
     summarize();

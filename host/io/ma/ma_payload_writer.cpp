@@ -6,6 +6,7 @@
 #include "host/dg/numeric_data.h"
 #include "host/io/ma/ma_node_writer.h"
 #include "host/io/ma/ma_numbers.h"
+#include "host/io/ma/ma_surfaces.h"
 #include "host/scene/component.h"
 #include "host/scene/curve_data.h"
 #include "host/scene/poly_component_data.h"
@@ -105,6 +106,10 @@ Written appendPayload(std::string& text, const dg::DataPtr& data) {
     appendComponents(text, list->value);
   } else if (const auto* curve = dg::dataAs<scene::CurveData>(value)) {
     isGood = appendCurve(text, curve->curve);
+  } else if (const auto* surface = dg::dataAs<scene::SurfaceData>(value)) {
+    isGood = appendSurface(text, surface->surface);
+  } else if (const auto* arrays = dg::dataAs<scene::ArrayAttrsData>(value)) {
+    isGood = appendArrayAttrs(text, *arrays);
   } else if (const auto* texts = dg::dataAs<dg::StringArrayData>(value)) {
     appendType(text, "stringArray");
     text += fmt::format(" {}", texts->value.size());

@@ -3,6 +3,7 @@
 #include "host/dg/foreign_data.h"
 #include "host/dg/numeric_data.h"
 #include "host/io/ma/ma_attributes.h"
+#include "host/io/ma/ma_surfaces.h"
 #include "host/scene/component.h"
 #include "host/scene/curve_data.h"
 #include "host/scene/poly_component_data.h"
@@ -174,6 +175,8 @@ Result<dg::Value> readPayload(std::string_view type, const Tokens& tokens,
   if (type == "matrix") return matrixFrom(tokens);
   if (type == "stringArray") return textsFrom(tokens);
   if (type == "nurbsCurve") return curveFrom(tokens);
+  if (type == "nurbsSurface") return surfaceFrom(tokens);
+  if (type == "arrayAttrs") return arrayAttrsFrom(tokens);
   if (type == "componentList") return componentsFrom(tokens, componentBudget);
   if (type == "dataPolyComponent") return weightsFrom(tokens);
   if (type == "doubleArray")

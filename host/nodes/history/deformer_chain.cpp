@@ -228,6 +228,21 @@ Result<void> removeDeformedShape(scene::Document& document, Node& deformer, Node
   return graph.removeElement(deformer.plug("input").element(geometry), true);
 }
 
+void placeDeformedGeometry(scene::Document& document) {
+  dg::Graph& graph = document.graph();
+  std::vector<dg::Graph::Connection> missing;
+  for (const dg::NodePtr& node : graph.nodes()) {
+    const dg::NodeType& type = node->type();
+    if (!type.isA("geometryFilter") || type.name == "tweak" || type.isA("skinCluster")) continue;
+    for (const auto& [geometry, shape] : deformedShapes(*node)) {
+      const Plug place = inputOf(*node, geometry, "geometryMatrix");
+      if (!graph.isDriven(place)) missing.push_back({shape->plug("worldMatrix").element(0), place});
+    }
+  }
+  // Refused where something is locked: then points are taken to be in the world.
+  for (const auto& [from, to] : missing) (void)graph.connect(from, to);
+}
+
 Plug arrivalBeforeDeformers(Node& shape) {
   const std::vector<Link> links = linksBefore(shape);
   if (links.empty()) return {};

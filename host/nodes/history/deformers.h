@@ -98,6 +98,10 @@ Result<void> removeDeformedShape(scene::Document& document, Node& deformer, Node
 /// last thing in front of the shape is no deformer.
 [[nodiscard]] dg::Plug arrivalBeforeDeformers(Node& shape);
 
+/// Tells deformers where their geometries are, which scenes from elsewhere don't: connects each
+/// shape's matrix to the `geometryMatrix` of what deforms it, where nothing is connected.
+void placeDeformedGeometry(scene::Document& document);
+
 /// The shapes that a deformer's geometries end in, with their numbers, in order of these.
 [[nodiscard]] std::vector<std::pair<Index, Node*>> deformedShapes(Node& deformer);
 

@@ -77,7 +77,10 @@ Source ShadeNetwork::resolve(const dg::Plug& leaf) {
     }
   Source surface;
   surface.kind = surfaceCoordinate(leaf.attribute());
-  return surface.kind == Source::Kind::Constant ? readValue(leaf) : surface;
+  if (surface.kind != Source::Kind::Constant) return surface;
+  // An output is fed by its own node.
+  const bool isOutput = !leaf.attribute()->writable && shadeKindOf(leaf.node()->type());
+  return isOutput ? fromSource(leaf, leaf) : readValue(leaf);
 }
 
 Source ShadeNetwork::fromSource(const dg::Plug& source, const dg::Plug& leaf) {

@@ -7,7 +7,7 @@
 namespace {
 
 struct Cages : ShapeStage {
-  Cages() : ShapeStage("cage_shape") {
+  Cages() : ShapeStage(QXMT_BINARY_DIR "/test_plugins/cage_shape.so") {
     run("createNode transform -n cage; createNode cageShape -n cageShape1 -p cage;"
         "createNode transform -n trail; createNode trailShape -n trailShape1 -p trail;"
         "select -cl");
@@ -213,6 +213,12 @@ TEST_CASE_FIXTURE(Cages, "what draws lines is clicked by them, and framed") {
   CHECK(selected() == "bone");
   drag(2, 1, 5, 3);
   CHECK(selected() == "cross");
+  run("polyPlane -n wall -ax 0 0 1 -w 2 -h 2; setAttr wall.t -4 2 5; select -cl");
+  click(-4, 2.5);
+  CHECK(selected() == "wall");
+  run("modelEditor -e -jointXray 1 modelPanel3");
+  click(-4, 2.5);  // it shows through
+  CHECK(selected() == "bone");
   run("select way; viewFit -f 1 front");
   CHECK(text("getAttr frontShape.orthographicWidth") == "8");
   CHECK(text("getAttr front.ty") == "-3");

@@ -4,7 +4,7 @@
 namespace {
 
 struct Crystal : ShapeStage {
-  Crystal() : ShapeStage("crystal_shape") {
+  Crystal() : ShapeStage(QXMT_BINARY_DIR "/test_plugins/crystal_shape.so") {
     run("createNode transform -n stone; createNode crystalShape -n stoneShape -p stone;"
         "setAttr stone.tx -3; select -cl");
   }
@@ -101,7 +101,7 @@ TEST_CASE_FIXTURE(Crystal, "the wire of a geometry override tells the state of i
 namespace {
 
 struct Panes : ShapeStage {
-  Panes() : ShapeStage("pane_locator") {
+  Panes() : ShapeStage(QXMT_BINARY_DIR "/test_plugins/pane_locator.so") {
     run("createNode transform -n pane; createNode paneLocator -n paneShape -p pane; select -cl");
     draw();
   }

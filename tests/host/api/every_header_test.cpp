@@ -4,6 +4,7 @@
 #include <maya/MAngle.h>
 #include <maya/MAnimControl.h>
 #include <maya/MAnimCurveChange.h>
+#include <maya/MAnimUtil.h>
 #include <maya/MApiNamespace.h>
 #include <maya/MApiVersion.h>
 #include <maya/MArgDataBase.h>
@@ -60,6 +61,7 @@
 #include <maya/MFnAnimCurve.h>
 #include <maya/MFnAttribute.h>
 #include <maya/MFnBase.h>
+#include <maya/MFnBlendShapeDeformer.h>
 #include <maya/MFnCamera.h>
 #include <maya/MFnComponent.h>
 #include <maya/MFnComponentListData.h>
@@ -85,6 +87,8 @@
 #include <maya/MFnNumericData.h>
 #include <maya/MFnNurbsCurve.h>
 #include <maya/MFnNurbsCurveData.h>
+#include <maya/MFnNurbsSurface.h>
+#include <maya/MFnNurbsSurfaceData.h>
 #include <maya/MFnPlugin.h>
 #include <maya/MFnPluginData.h>
 #include <maya/MFnPointArrayData.h>
@@ -123,6 +127,7 @@
 #include <maya/MItMeshPolygon.h>
 #include <maya/MItMeshVertex.h>
 #include <maya/MItSelectionList.h>
+#include <maya/MItSurfaceCV.h>
 #include <maya/MIteratorType.h>
 #include <maya/MMaterial.h>
 #include <maya/MMatrix.h>
@@ -150,6 +155,7 @@
 #include <maya/MPxData.h>
 #include <maya/MPxDeformerNode.h>
 #include <maya/MPxDrawOverride.h>
+#include <maya/MPxFileTranslator.h>
 #include <maya/MPxGeometryFilter.h>
 #include <maya/MPxGeometryIterator.h>
 #include <maya/MPxGeometryOverride.h>
@@ -178,6 +184,7 @@
 #include <maya/MString.h>
 #include <maya/MStringArray.h>
 #include <maya/MSyntax.h>
+#include <maya/MTesselationParams.h>
 #include <maya/MThreadPool.h>
 #include <maya/MThreadUtils.h>
 #include <maya/MTime.h>

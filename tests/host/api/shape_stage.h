@@ -8,13 +8,15 @@
 #include "host/workspace/workspace.h"
 #include "tests/host/api/api_scene.h"
 
-/// A view from the front of 12 by 8 units in which a unit is 20 pixels and the origin the middle.
+/// A plug-in, by its file, and a view from the front of 12 by 8 units in which a unit is 20 pixels
+/// and the origin the middle.
 struct ShapeStage : ApiScene {
   using Rgb = std::array<int, 3>;
   static constexpr int kWidth = 240, kHeight = 160, kUnit = 20;
 
+  /// A plug-in's file; which folder it is in the sources are told, not the headers.
   explicit ShapeStage(const std::string& plugin) {
-    REQUIRE(session->pluginLoader->load(QXMT_BINARY_DIR "/test_plugins/" + plugin + ".so"));
+    REQUIRE(session->pluginLoader->load(plugin));
     run("setAttr frontShape.orthographicWidth 12; setAttr front.t 0 0 100; modelEditor -e -grid 0 "
         "-displayAppearance smoothShaded -wireframeOnShaded 0 modelPanel3; viewGesture -port 240 "
         "160 modelPanel3");
