@@ -65,12 +65,12 @@ struct DagWalk final : SharedRep {
   /// Without recursion: hierarchies are deeper than stacks.
   [[nodiscard]] bool mayShow(dg::Node& top) {
     if (filter.empty()) return true;
-    std::vector<dg::Node*> todo{&top};
-    while (!todo.empty()) {
-      dg::Node* node = todo.back();
+    std::vector<dg::Node*> waiting{&top};
+    while (!waiting.empty()) {
+      dg::Node* node = waiting.back();
       const auto known = shows.find(node);
       if (known != shows.end()) {
-        todo.pop_back();
+        waiting.pop_back();
         continue;
       }
       bool isShown = fits(*node), isReady = true;
@@ -78,7 +78,7 @@ struct DagWalk final : SharedRep {
         if (isShown) break;
         const auto below = shows.find(child);
         if (below == shows.end()) {
-          todo.push_back(child);
+          waiting.push_back(child);
           isReady = false;
           break;
         }
