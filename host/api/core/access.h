@@ -127,6 +127,13 @@ struct Access {
   [[nodiscard]] static auto* overwrite(Array& array, unsigned int length) {
     return array.overwrite(length);
   }
+  /// An array that shows shared elements.
+  template <class Array>
+  [[nodiscard]] static Array shown(const Handle& elements) {
+    Array array;
+    array.show(elements);
+    return array;
+  }
   /// The representation for writing: detached from other holders, made on first use.
   template <class Rep, class T>
   [[nodiscard]] static Rep& writable(T& object) {

@@ -162,6 +162,7 @@ constexpr DataName kDataTypes[] = {
     {"componentList", MFn::kComponentListData},
     {"string", MFn::kStringData},
     {"UInt64Array", MFn::kUint64ArrayData},
+    {"arrayAttrs", MFn::kDynArrayAttrsData},
     {"nurbsSurface", MFn::kNurbsSurfaceData},
 };
 

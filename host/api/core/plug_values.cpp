@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "host/api/core/access.h"
+#include "host/api/data/array_attrs.h"
 #include "host/api/data/numeric_data.h"
 #include "host/api/data/time_value.h"
 #include "host/edits/at_time.h"
@@ -243,7 +244,7 @@ MStatus MPlug::setValue(const MObject& value) const {
   if (const auto* numbers = dynamic_cast<const api::NumericData*>(rep->data.get()))
     return api::writeCompound(plug, *numbers);
   if (const std::string* text = api::stringOf(rep->data)) return writeValue(*this, *text);
-  return writeValue(*this, rep->data);
+  return writeValue(*this, api::settled(rep->data));
 }
 
 MStatus MPlug::setMObject(const MObject& value) const {

@@ -26,6 +26,7 @@ constexpr DataName kDataNames[] = {
     {MFnData::kNurbsSurface, "nurbsSurface"},
     {MFnData::kLattice, "lattice"},
     {MFnData::kSubdSurface, "subd"},
+    {MFnData::kDynArrayAttrs, "arrayAttrs"},
 };
 
 struct NumericName {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "host/api/data/array_attrs.h"
+
 namespace host::api {
 namespace {
 
@@ -44,7 +46,7 @@ class EditStore final : public ValueStore {
     return value ? *std::move(value) : leaf.node()->graph().stored(leaf);
   }
   Result<void> write(const dg::Plug& leaf, dg::Value value) override {
-    return leaf.node()->graph().set(leaf, value);
+    return leaf.node()->graph().set(leaf, settled(std::move(value)));
   }
   [[nodiscard]] std::vector<Index> elements(const dg::Plug& array) const override {
     return array.node()->graph().elementIndices(array);

@@ -59,6 +59,7 @@
 #include <maya/MFloatVectorArray.h>
 #include <maya/MFn.h>
 #include <maya/MFnAnimCurve.h>
+#include <maya/MFnArrayAttrsData.h>
 #include <maya/MFnAttribute.h>
 #include <maya/MFnBase.h>
 #include <maya/MFnBlendShapeDeformer.h>

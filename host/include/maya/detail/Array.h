@@ -8,30 +8,80 @@
 #include <memory>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace host::api {
+
+/// Where an array's elements are.
+template <class T>
+struct ArrayFields {
+  T* data_ = nullptr;
+  unsigned int length_ = 0;
+  unsigned int capacity_ = 0;
+};
+
+/// Elements that several arrays show, each seeing at once what another does to them. They belong to
+/// none of the arrays and go with the last that holds them.
+template <class T>
+class SharedElements final : public SharedRep {
+ public:
+  SharedElements() = default;
+  SharedElements(const SharedElements&) = delete;
+  SharedElements& operator=(const SharedElements&) = delete;
+  ~SharedElements() override {
+    if (!own_.data_) return;
+    std::destroy_n(own_.data_, own_.length_);
+    std::allocator<T>().deallocate(own_.data_, own_.capacity_);
+  }
+
+  const T* begin() const { return own_.data_; }
+  const T* end() const { return own_.data_ + own_.length_; }
+
+ private:
+  template <class, class>
+  friend class Array;
+  void publish(const ArrayFields<T>& from) {
+    own_ = from;
+    for (ArrayFields<T>* user : users_) *user = own_;
+  }
+  ArrayFields<T> own_;
+  std::vector<ArrayFields<T>*> users_;
+};
 
 /// What all API arrays share: contiguous elements, geometric growth, unsigned lengths.
 ///
 /// `Self` is the array class that derives from it. Indices are not checked by `operator[]`; the
 /// calls that return a status refuse an index out of range and change nothing.
+///
+/// An array that the host hands out by reference shows elements that others show, too: what is
+/// written to it or assigned to it is theirs. A copy of it has elements of its own.
 template <class Self, class T>
-class Array {
+class Array : private ArrayFields<T> {
  public:
   Array() = default;
-  Array(const Array& other) { assign(other.data_, other.length_); }
-  Array(Array&& other) noexcept { swap(other); }
+  Array(const Array& other) : ArrayFields<T>() { assign(other.data_, other.length_); }
+  Array(Array&& other) noexcept : ArrayFields<T>() {
+    if (other.sharing_)
+      show(other.sharing_);
+    else
+      swap(other);
+  }
   Array& operator=(const Array& other) {
-    if (this != &other) assign(other.data_, other.length_);
+    if (this != &other && (!data_ || data_ != other.data_)) assign(other.data_, other.length_);
     return *this;
   }
   Array& operator=(Array&& other) noexcept {
+    if (sharing_ || other.sharing_) return *this = std::as_const(other);
     swap(other);
     return *this;
   }
   ~Array() {
-    destroyFrom(0);
-    release();
+    if (sharing_) {
+      leave();
+    } else {
+      destroyFrom(0);
+      release();
+    }
   }
 
   T& operator[](unsigned int index) { return data_[index]; }
@@ -47,6 +97,7 @@ class Array {
       destroyFrom(length);
     }
     length_ = length;
+    publish();
     return MStatus::kSuccess;
   }
   MStatus set(const T& element, unsigned int index) {
@@ -68,6 +119,7 @@ class Array {
       ::new (static_cast<void*>(data_ + length_)) T(element);
     }
     ++length_;
+    publish();
     return MStatus::kSuccess;
   }
   /// Puts `element` before the one at `index`; `index` equal to the length appends.
@@ -82,6 +134,7 @@ class Array {
     std::move(data_ + index + 1, data_ + length_, data_ + index);
     destroyFrom(length_ - 1);
     --length_;
+    publish();
     return MStatus::kSuccess;
   }
 
@@ -117,13 +170,41 @@ class Array {
 
  private:
   friend struct Access;
+  using Elements = SharedElements<T>;
+  using ArrayFields<T>::data_;
+  using ArrayFields<T>::length_;
+  using ArrayFields<T>::capacity_;
 
+  /// Gives up what it has and shows elements that others show, too.
+  void show(const Handle& elements) {
+    if (sharing_) {
+      leave();
+    } else {
+      destroyFrom(0);
+      release();
+    }
+    sharing_ = elements;
+    auto* shared = static_cast<Elements*>(sharing_.get());
+    shared->users_.push_back(this);
+    static_cast<ArrayFields<T>&>(*this) = shared->own_;
+  }
+  void leave() {
+    auto& users = static_cast<Elements*>(sharing_.get())->users_;
+    users.erase(std::find(users.begin(), users.end(), static_cast<ArrayFields<T>*>(this)));
+    static_cast<ArrayFields<T>&>(*this) = {};
+    sharing_ = Handle();
+  }
+  /// To be called after the fields have changed.
+  void publish() {
+    if (sharing_) static_cast<Elements*>(sharing_.get())->publish(*this);
+  }
   /// Makes room for `length` elements that the caller writes at once; what was there is gone.
   T* overwrite(unsigned int length) {
     static_assert(std::is_trivially_copyable_v<T>, "elements are not constructed");
     length_ = 0;
     reserveExactly(length);
     length_ = length;
+    publish();
     return data_;
   }
   void swap(Array& other) noexcept {
@@ -138,6 +219,7 @@ class Array {
     reserveExactly(count);
     std::uninitialized_copy_n(source, count, data_);
     length_ = count;
+    publish();
   }
   void destroyFrom(unsigned int first) {
     if (first < length_) std::destroy(data_ + first, data_ + length_);
@@ -158,9 +240,7 @@ class Array {
     capacity_ = capacity;
   }
 
-  T* data_ = nullptr;
-  unsigned int length_ = 0;
-  unsigned int capacity_ = 0;
+  Handle sharing_;  ///< to the shared elements, in an array that was handed out by reference
   unsigned int sizeIncrement_ = 8;
 };
 
