@@ -126,6 +126,10 @@ MStatus brushContext::release(MEvent&) {
     sampler.moveTo(sampleNow());
     sampler.finish();
     takeDabs(true);
+    // One that comes back to where it began is no step.
+    if (const auto record = isInStroke() ? strokeRecord() : nullptr;
+        record && !record->isUndone && record->changesNothing())
+      takeBack(*record);
   }
   finishStroke();
   if (adjustedNow != kBrush) tellWindow();
@@ -140,16 +144,18 @@ void brushContext::tellWindow() {
       "if (`exists brushSettingsChanged_QXMT_Proc`) brushSettingsChanged_QXMT_Proc;", false, false);
 }
 
+/// The step has nothing to undo any more. It is the queue's last unless a script has done something
+/// since.
+void brushContext::takeBack(brushRecord& record) {
+  record.show(false);
+  record.isEmptied = true;
+  if (wasQueued && answerOf("undoInfo -q -undoName") == queuedName)
+    MGlobal::executeCommand("undo", false, false);
+}
+
 void brushContext::cancelStroke() {
   const std::shared_ptr<brushRecord> record = isInStroke() ? strokeRecord() : nullptr;
-  if (record && isGivenUp && !record->isUndone) {
-    record->show(false);
-    record->isEmptied = true;
-    // The step has nothing to undo any more. It is the queue's last unless a script has done
-    // something since.
-    if (wasQueued && answerOf("undoInfo -q -undoName") == queuedName)
-      MGlobal::executeCommand("undo", false, false);
-  }
+  if (record && isGivenUp && !record->isUndone) takeBack(*record);
   finishStroke();
   adjustedNow = kBrush;
   run.setHover(true);

@@ -144,6 +144,7 @@ class brushContext : public plainToolContext {
   void handOver();
   bool keepUpWithMesh();
   void finishStroke();
+  void takeBack(brushRecord& record);
   void adjust();
   void showCursor(const brushHit& hit, double radius);
   brushCursorPlace cursorAt(const brushHit& hit, double radius) const;

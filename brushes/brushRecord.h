@@ -11,6 +11,8 @@ class brushRecord {
   virtual ~brushRecord();
   /// Puts things as they were before the stroke or as they are after it.
   virtual MStatus show(bool after) = 0;
+  /// Whether everything is where it was before the stroke.
+  virtual bool changesNothing() const = 0;
   /// Memory that it holds on to.
   virtual std::size_t bytes() const = 0;
 

@@ -20,6 +20,7 @@ class pointRecord : public brushRecord {
   /// @param mesh as it is before the stroke
   explicit pointRecord(const MDagPath& mesh);
   MStatus show(bool after) override;
+  bool changesNothing() const override { return placesBefore == placesAfter; }
   std::size_t bytes() const override;
 
   /// Takes in a vertex where it is before its first move. @return its place in the record

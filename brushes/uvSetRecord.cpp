@@ -173,6 +173,12 @@ MStatus uvSetRecord::show(bool after) {
   return status;
 }
 
+bool uvSetRecord::changesNothing() const {
+  return std::all_of(changes.begin(), changes.end(), [](const entry& each) {
+    return each.before[0] == each.after[0] && each.before[1] == each.after[1];
+  });
+}
+
 void uvSetRecord::settle() {
   bases = {};
   changeOf = {};

@@ -30,6 +30,7 @@ class uvSetRecord : public brushRecord {
   void settle();
 
   MStatus show(bool after) override;
+  bool changesNothing() const override;
   std::size_t bytes() const override;
 
  private:

@@ -272,6 +272,24 @@ TEST_CASE("brush strokes: faces of three at an edge are brushed as others are") 
   CHECK(brushHand::stored() != before);
 }
 
+TEST_CASE("brush strokes: one that ends where it began leaves no step and no tweak") {
+  for (const char* scene : {brushHand::kSheet, "polyPlane -n sheet -w 10 -h 10 -sx 20 -sy 20;"}) {
+    brushHand hand("standardSculptBrushContext", scene);
+    hand.set("-mode grab");
+    const std::size_t steps = hand.undoItems();
+    const auto hash = hand.session->document().hash();
+    const floats flat = brushHand::stored();
+    hand.press(hand.pixel(-2, 0, 0), toolHand::kLeft);
+    hand.dragTo(hand.pixel(0, 0, 0), toolHand::kLeft);
+    CHECK(brushHand::stored() != flat);
+    hand.dragTo(hand.pixel(-2, 0, 0), toolHand::kLeft);
+    hand.release(hand.pixel(-2, 0, 0), toolHand::kLeft);
+    CHECK(brushHand::stored() == flat);
+    CHECK(hand.undoItems() == steps);
+    CHECK(hand.session->document().hash() == hash);
+  }
+}
+
 TEST_CASE("brush strokes: Escape takes the stroke back, another tool ends it where it is") {
   brushHand hand;
   const floats flat = brushHand::stored();
