@@ -59,6 +59,9 @@ constexpr MakerFlag kPlane[] = {
 };
 
 CommandResult nurbsPlane(Context& context, const ParsedArgs& args) {
+  if (args.integer("polygon") != 0)
+    return fail("nurbsPlane: -polygon {} is not offered: polyPlane makes a plane of polygons.",
+                args.integer("polygon"));
   return runMaker(
       context, args,
       {"nurbsPlane", "makeNurbPlane", "outputSurface", "nurbsSurface", "nurbsPlane#", kPlane});
