@@ -34,7 +34,8 @@ CommandResult deformer(Context& context, const ParsedArgs& args) {
   scene::Document& document = context.document;
   for (const char* flag : {"split", "exclusive"})
     if (args.has(flag))
-      return fail("deformer: -{} is not offered: deformers go on in one chain, without sets.", flag);
+      return fail("deformer: -{} is not offered: deformers go on in one chain, without sets.",
+                  flag);
   if (!args.isCreate()) {
     const auto node = deformerNamed(context, args.firstObject());
     if (!node) return fail("deformer: {}", node.error().message);

@@ -193,7 +193,7 @@ TEST_CASE("saved scenes: what made exported meshes can be left out") {
   scene.make("polySphere", "polySphere1");
   REQUIRE(scene.graph().connect(scene.plug("polySphere1.output"), scene.plug("ballShape.inMesh")));
   scene.make("transform", "other");
-  const std::vector<dg::Node*> only = {&shape};
+  const io::MaPart only = {.nodes = {&shape, &ball}, .links = {{&ball, nullptr}, {&shape, &ball}}};
   const auto text = io::formatMa(*scene.document, scene.kept,
                                  {.name = "a.ma",
                                   .modified = {},
