@@ -107,8 +107,10 @@ class Loader {
     }
     for (const MaNode& node : file_.nodes)
       if (!node.parent.empty()) parentNames_.insert(FilePath(node.parent).leaf());
-    for (const MaInstance& instance : file_.instances)
+    for (const MaInstance& instance : file_.instances) {
       if (!instance.parent.empty()) parentNames_.insert(FilePath(instance.parent).leaf());
+      placedNames_.insert(FilePath(instance.child).leaf());
+    }
   }
 
   /// What a node of the file is to be called in the document.
@@ -337,8 +339,11 @@ class Loader {
     }
     std::string_view typeName = node.type;
     if (!isKnown) {
-      const bool isParent = parentNames_.count(FilePath(node.name).leaf()) != 0;
-      typeName = isParent ? "unknownTransform" : parent ? "unknownDag" : "unknown";
+      const std::string_view name = FilePath(node.name).leaf();
+      // What has children is a transform, and what has places but begins under the world.
+      const bool isTransform =
+          parentNames_.count(name) != 0 || (!parent && placedNames_.count(name) != 0);
+      typeName = isTransform ? "unknownTransform" : parent ? "unknownDag" : "unknown";
       auto& seen = unknownTypes_[node.type];
       if (seen.count++ == 0) seen.offset = node.offset;
     } else if (!type->isA("dagNode")) {
@@ -520,7 +525,7 @@ class Loader {
   Node* current_ = nullptr;
   std::vector<Node*> locked_;
   std::unordered_set<std::string> takenNames_, takenUuids_;
-  std::unordered_set<std::string_view> parentNames_;
+  std::unordered_set<std::string_view> parentNames_, placedNames_;  ///< that have children, places
   std::unordered_map<std::string_view, std::vector<Node*>> nodes_;  ///< by name in the file
   std::unordered_map<const Node*, std::string_view> fileNames_;
   std::map<std::string_view, Seen> unknownTypes_;

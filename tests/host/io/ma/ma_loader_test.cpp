@@ -210,3 +210,21 @@ createNode transform -n "t";
   CHECK(loaded.warnings.size() >= 3);
   CHECK(scene.graph().elementCount(scene.plug("t.w")) == 1);
 }
+
+TEST_CASE("scenes: nodes of unknown types that have several places keep them") {
+  const std::string text = R"(//Maya ASCII 2016 scene
+requires maya "2016";
+createNode strangeGroup -n "above";
+createNode strangeThing -n "thing";
+parent -s -nc -r -add "|thing" "above";
+// End of scene.ma
+)";
+  MaScene scene;
+  (void)scene.open(text);
+  CHECK(scene::allPaths(*scene->nodesNamed("thing").front()).size() == 2);
+  const std::string once = scene.save();
+  MaScene again;
+  (void)again.open(once);
+  CHECK(scene::allPaths(*again->nodesNamed("thing").front()).size() == 2);
+  CHECK(again.save() == once);
+}
