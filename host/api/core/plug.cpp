@@ -5,6 +5,7 @@
 
 #include "host/api/core/access.h"
 #include "host/builtins/common/command.h"
+#include "host/nodes/mesh_parts.h"
 #include "host/scene/references.h"
 
 namespace host::api {
@@ -154,7 +155,7 @@ unsigned int MPlug::getExistingArrayAttributeIndices(MIntArray& indices, MStatus
     setStatus(status, MStatus::kInvalidParameter);
     return 0;
   }
-  const auto found = graphOf(plug).elementIndices(plug);
+  const auto found = nodes::elementsOf(plug);
   indices = MIntArray(found.data(), static_cast<unsigned int>(found.size()));
   return indices.length();
 }
@@ -165,6 +166,7 @@ unsigned int MPlug::numElements(MStatus* status) const {
     setStatus(status, MStatus::kFailure);
     return 0;
   }
+  if (const auto parts = nodes::meshPartCount(plug)) return static_cast<unsigned int>(*parts);
   return static_cast<unsigned int>(graphOf(plug).elementCount(plug));
 }
 unsigned int MPlug::evaluateNumElements(MStatus* status) const {
@@ -224,6 +226,9 @@ MPlug MPlug::elementByLogicalIndex(unsigned int index, MStatus* status) const {
 MPlug MPlug::elementByPhysicalIndex(unsigned int index, MStatus* status) const {
   const dg::Plug plug = usable(*this, status);
   if (plug.isNull() || !plug.isArray()) return refuse(status);
+  if (const auto parts = nodes::meshPartCount(plug))
+    return index < static_cast<unsigned int>(*parts) ? wrap(plug.element(static_cast<Index>(index)))
+                                                     : refuse(status);
   const auto indices = graphOf(plug).elementIndices(plug);
   if (index >= indices.size()) return refuse(status);
   return wrap(plug.element(indices[index]));

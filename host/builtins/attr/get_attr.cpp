@@ -2,6 +2,7 @@
 #include "host/builtins/common/vertex_names.h"
 #include "host/cmd/plug_values.h"
 #include "host/edits/at_time.h"
+#include "host/nodes/mesh_parts.h"
 
 namespace host::builtins {
 
@@ -35,7 +36,7 @@ CommandResult readRange(Context& context, const std::string& name, std::size_t o
   }
   mel::FloatArray reals;
   mel::StringArray texts;
-  for (const Index index : context.document.graph().elementIndices(array)) {
+  for (const Index index : nodes::elementsOf(array)) {
     if (index < first || index > last) continue;
     auto plug = context.document.plug(
         fmt::format("{}[{}]{}", name.substr(0, open), index, name.substr(close + 1)));
@@ -62,12 +63,13 @@ CommandResult readFlags(Context& context, const ParsedArgs& args, const Plug& pl
   if (args.has("settable")) return mel::Value(graph.settable(plug).has_value());
   if (args.has("size")) {
     const Plug array = arrayOf(plug);
+    if (const auto parts = nodes::meshPartCount(array)) return mel::Value(*parts);
     return mel::Value(array ? graph.elementCount(array) : Index{1});
   }
   const Plug array = arrayOf(plug);
   if (!array) return fail(ErrorKind::BadArgument, "'{}' is not an array.", plugName(plug));
   HOST_TRY(graph.evaluate(array));
-  return mel::Value(mel::IntArray(graph.elementIndices(array)));
+  return mel::Value(mel::IntArray(nodes::elementsOf(array)));
 }
 
 /// The value that the attribute has at another time; the scene's own time stays what it is.
