@@ -1,5 +1,8 @@
 #include "host/edits/bounds.h"
 
+#include <cmath>
+#include <string>
+
 #include "host/base/messages.h"
 #include "host/edits/support_box.h"
 #include "host/nodes/curve/surface_nodes.h"
@@ -13,6 +16,17 @@
 namespace host::edits {
 
 namespace {
+
+/// The cross that a locator is: from its place as far as it is scaled, either way.
+math::Box crossOf(dg::Node& locator) {
+  math::Vec3 place, reach;
+  for (int axis = 0; axis < 3; ++axis) {
+    const char letter = "XYZ"[axis];
+    place[axis] = scene::numberOr(locator, std::string("localPosition") + letter, 0);
+    reach[axis] = std::abs(scene::numberOr(locator, std::string("localScale") + letter, 1));
+  }
+  return {place - reach, place + reach};
+}
 
 void addShapes(const scene::DagPath& path, const math::Matrix4& matrix, math::Box& box) {
   for (const scene::DagPath& shape : path.shapes()) {
@@ -29,6 +43,8 @@ void addShapes(const scene::DagPath& path, const math::Matrix4& matrix, math::Bo
     const bool isCurved = type.isA("nurbsCurve") || type.isA("nurbsSurface");
     if (isCurved && !scene::isIntermediate(*node))
       if (const math::Box own = nodes::boundsOfCurved(*node, matrix); !own.isEmpty()) box.add(own);
+    if (type.name == "locator" && !scene::isIntermediate(*node))
+      box.add(crossOf(*node).transformed(matrix));
     if (node->type().pluginName.empty() || !node->type().isA("surfaceShape")) continue;
     const math::Box own = nodes::boundingBoxOf(*node);
     if (!own.isEmpty()) box.add(own.transformed(matrix));
