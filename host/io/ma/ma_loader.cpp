@@ -15,6 +15,7 @@
 #include "host/io/ma/ma_attributes.h"
 #include "host/io/ma/ma_mesh_writer.h"
 #include "host/io/ma/ma_node_writer.h"
+#include "host/io/ma/ma_numbers.h"
 #include "host/io/ma/ma_passes.h"
 #include "host/io/ma/ma_plugs.h"
 #include "host/nodes/history/deformers.h"
@@ -472,7 +473,12 @@ class Loader {
 
   void keepSelected(const MaNode& node) {
     if (options_.isImport) return;
-    std::string block = fmt::format("select -ne {}", node.name);
+    std::string block = "select -ne ";
+    // A bare word may read as a number that is none: "Inf".
+    if (node.name.starts_with(':'))
+      block += node.name;
+    else
+      appendQuoted(block, node.name);
     for (const MaLine& line : node.lines)
       block += fmt::format(";\n\t{}", std::visit([](const auto& each) { return each.raw; }, line));
     kept_.selected.push_back(std::move(block));

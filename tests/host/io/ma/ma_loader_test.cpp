@@ -228,3 +228,13 @@ parent -s -nc -r -add "|thing" "above";
   CHECK(scene::allPaths(*again->nodesNamed("thing").front()).size() == 2);
   CHECK(again.save() == once);
 }
+
+TEST_CASE("scenes: selected nodes that are not there keep names that look like numbers") {
+  MaScene scene;
+  (void)scene.open("//Maya ASCII 2016 scene\nselect -ne \"Inf\";\n\tsetAttr \".x\" 4;\n");
+  const std::string once = scene.save();
+  CHECK(once.find("select -ne \"Inf\";\n\tsetAttr \".x\" 4;\n") != std::string::npos);
+  MaScene again;
+  (void)again.open(once);
+  CHECK(again.save() == once);
+}
