@@ -16,10 +16,6 @@ AttributePtr inputCurve() {
   return dg::makeTyped("inputCurve", "ic", "nurbsCurve");
 }
 
-void put(DataBlock& block, const Plug& triple, const Vec3& value) {
-  for (int axis = 0; axis < 3; ++axis) block.output(triple.child(axis), value[axis]);
-}
-
 void registerWhole(dg::TypeRegistry& types) {
   TypeBuilder builder(types, "curveInfo", {}, typeCode("NCIN"));
   const Attribute* in = builder.add(inputCurve());
@@ -61,12 +57,12 @@ void registerPoint(dg::TypeRegistry& types) {
                   speed > 0 ? bend - tangent * (math::dot(bend, tangent) / speed) : Vec3();
               const double curvature = speed > 0 ? math::length(normal) / speed : 0;
               const double radius = curvature > 0 ? 1 / curvature : 0;
-              put(block, all.child(0), place);
-              put(block, all.child(1), normal);
-              put(block, all.child(2), math::normalized(normal));
-              put(block, all.child(3), tangent);
-              put(block, all.child(4), math::normalized(tangent));
-              put(block, all.child(5), place + math::normalized(normal) * radius);
+              outputVec3(block, all.child(0), place);
+              outputVec3(block, all.child(1), normal);
+              outputVec3(block, all.child(2), math::normalized(normal));
+              outputVec3(block, all.child(3), tangent);
+              outputVec3(block, all.child(4), math::normalized(tangent));
+              outputVec3(block, all.child(5), place + math::normalized(normal) * radius);
               block.output(all.child(6), radius);
               return {};
             });
@@ -82,7 +78,7 @@ void registerNearest(dg::TypeRegistry& types) {
     const auto data = block.data<scene::CurveData>(in);
     if (!data) return fail("'{}' has no curve to measure", node.name());
     const double at = data->curve.closest(block.vec3(from));
-    put(block, Plug(&node, result).child(0), data->curve.at(at));
+    outputVec3(block, Plug(&node, result).child(0), data->curve.at(at));
     block.output(Plug(&node, result).child(1), at);
     return {};
   });

@@ -19,4 +19,8 @@ void computeBy(TypeBuilder& builder, std::vector<const Attribute*> inputs,
   builder.finish();
 }
 
+void outputVec3(DataBlock& block, const Plug& triple, const math::Vec3& value) {
+  for (int axis = 0; axis < 3; ++axis) block.output(triple.child(axis), value[axis]);
+}
+
 }  // namespace host::nodes

@@ -17,4 +17,7 @@ void computeBy(TypeBuilder& builder, std::vector<const Attribute*> inputs,
                std::vector<const Attribute*> outputs,
                std::function<Result<void>(Node& node, DataBlock& block)> work);
 
+/// Writes the three children of an output.
+void outputVec3(DataBlock& block, const Plug& triple, const math::Vec3& value);
+
 }  // namespace host::nodes

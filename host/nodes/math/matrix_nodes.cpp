@@ -175,14 +175,10 @@ void registerDecompose(dg::TypeRegistry& types) {
               math::TransformComponents keep;
               keep.rotateOrder = static_cast<math::RotateOrder>(block.integer(order));
               const math::TransformComponents parts = math::decompose(block.matrix(in), keep);
-              const auto put = [&](const Attribute* triple, const Vec3& value) {
-                for (int axis = 0; axis < 3; ++axis)
-                  block.output(Plug(&node, triple).child(axis), value[axis]);
-              };
-              put(translate, parts.translate);
-              put(rotate, parts.rotate);
-              put(scale, parts.scale);
-              put(shear, parts.shear);
+              outputVec3(block, Plug(&node, translate), parts.translate);
+              outputVec3(block, Plug(&node, rotate), parts.rotate);
+              outputVec3(block, Plug(&node, scale), parts.scale);
+              outputVec3(block, Plug(&node, shear), parts.shear);
               const math::Quaternion turned =
                   math::eulerToQuaternion(parts.rotate, parts.rotateOrder);
               const double cells[] = {turned.x, turned.y, turned.z, turned.w};

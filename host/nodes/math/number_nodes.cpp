@@ -12,10 +12,6 @@ namespace {
 
 using math::Vec3;
 
-void put(DataBlock& block, Node& node, const Attribute* triple, const Vec3& value) {
-  for (int axis = 0; axis < 3; ++axis) block.output(Plug(&node, triple).child(axis), value[axis]);
-}
-
 double numberIn(const dg::Value& value) {
   if (const auto* real = std::get_if<double>(&value)) return *real;
   if (const auto* whole = std::get_if<std::int64_t>(&value)) return static_cast<double>(*whole);
@@ -72,7 +68,7 @@ void registerAngleBetween(dg::TypeRegistry& types) {
               const Vec3 axis = sine > 0 ? part * (1 / sine) : Vec3{1, 0, 0};
               for (int i = 0; i < 3; ++i) block.output(whole.child(0).child(i), axis[i]);
               block.output(whole.child(1), 2 * std::atan2(sine, rotation.w));
-              put(block, node, euler, math::quaternionToEuler(rotation));
+              outputVec3(block, Plug(&node, euler), math::quaternionToEuler(rotation));
               return {};
             });
 }
@@ -119,7 +115,7 @@ void registerVectorProduct(dg::TypeRegistry& types) {
               } else if (block.boolean(isUnit) && block.integer(operation) != 0) {
                 result = math::normalized(result);
               }
-              put(block, node, out, result);
+              outputVec3(block, Plug(&node, out), result);
               return {};
             });
 }
@@ -219,7 +215,7 @@ void registerPairBlend(dg::TypeRegistry& types) {
     for (int axis = 0; axis < 3; ++axis)
       place[axis] =
           std::lerp(fromPlace[axis], toPlace[axis], shareOf(modes[static_cast<std::size_t>(axis)]));
-    put(block, node, moved, place);
+    outputVec3(block, Plug(&node, moved), place);
     const Vec3 from = block.vec3(turn1), to = block.vec3(turn2);
     const double turn = shareOf(turnMode);
     Vec3 angles = from + (to - from) * turn;
@@ -228,7 +224,7 @@ void registerPairBlend(dg::TypeRegistry& types) {
           math::slerp(math::eulerToQuaternion(from), math::eulerToQuaternion(to), turn);
       angles = math::closestEuler(math::quaternionToEuler(between), math::RotateOrder::XYZ, angles);
     }
-    put(block, node, turned, angles);
+    outputVec3(block, Plug(&node, turned), angles);
     return {};
   });
 }
