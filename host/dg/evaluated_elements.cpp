@@ -63,8 +63,9 @@ bool drop(const Plug& array) {
   const bool isStale = isComputed ? slot->isDirty : hasDirtyOutput(*array.node());
   if (!isStale) return hasEvaluated(*slot);
   if (slot->packed) {
-    for (const Index index : std::vector(slot->packed->evaluated))
-      if (!isWiredAt(*slot, index)) slot->packed->erase(slot->packed->position(index));
+    std::vector<Index> gone = slot->packed->evaluated;
+    std::erase_if(gone, [&](Index index) { return isWiredAt(*slot, index); });
+    slot->packed->erase(gone);
     matchSlotsToPacked(*slot);
     return hasEvaluated(*slot);
   }

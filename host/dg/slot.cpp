@@ -149,6 +149,24 @@ void PackedArray::erase(std::ptrdiff_t position) {
   values.erase(values.begin() + position * stride, values.begin() + (position + 1) * stride);
 }
 
+void PackedArray::erase(const std::vector<Index>& gone) {
+  if (gone.empty()) return;
+  content = newContent();
+  const auto isGone = [&](Index index) { return std::ranges::binary_search(gone, index); };
+  std::size_t kept = 0;
+  const auto width = static_cast<std::size_t>(stride);
+  for (std::size_t i = 0; i < indices.size(); ++i) {
+    if (isGone(indices[i])) continue;
+    indices[kept] = indices[i];
+    std::copy_n(values.begin() + static_cast<std::ptrdiff_t>(i * width), width,
+                values.begin() + static_cast<std::ptrdiff_t>(kept * width));
+    ++kept;
+  }
+  indices.resize(kept);
+  values.resize(kept * width);
+  std::erase_if(evaluated, isGone);
+}
+
 Slot::Slot(Node& nodeIn, const Attribute& attributeIn, Slot* parentIn, Index indexIn,
            bool isArrayIn)
     : node(&nodeIn), attribute(&attributeIn), parent(parentIn), index(indexIn), isArray(isArrayIn) {

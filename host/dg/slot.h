@@ -29,6 +29,8 @@ struct PackedArray {
   /// Makes an element with the attribute's defaults; returns its position.
   std::ptrdiff_t insert(Index index, const Attribute& attribute);
   void erase(std::ptrdiff_t position);
+  /// Takes elements out, ascending indices, in one pass.
+  void erase(const std::vector<Index>& gone);
 
   [[nodiscard]] static std::uint64_t newContent();
 };
