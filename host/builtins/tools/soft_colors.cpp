@@ -101,9 +101,7 @@ void SoftColors::showGlobal(viewport::SceneView& scene, const Settings& settings
   }
 }
 
-void SoftColors::show(viewport::SceneView& scene, const Settings& settings, bool isDragging) {
-  if (settings.soft.falloff == SoftSelection::Falloff::Global)
-    return showGlobal(scene, settings, isDragging);
+void SoftColors::showEach(viewport::SceneView& scene, const Settings& settings, bool isDragging) {
   for (RenderMesh& mesh : scene.meshes) {
     if (mesh.selected.isEmpty() || !viewport::isPickable(mesh.state)) continue;
     Entry& entry = entries_[mesh.id];
@@ -111,6 +109,13 @@ void SoftColors::show(viewport::SceneView& scene, const Settings& settings, bool
     entry.isUsed = true;
     mesh.reach = entry.shown;
   }
+}
+
+void SoftColors::show(viewport::SceneView& scene, const Settings& settings, bool isDragging) {
+  if (settings.soft.falloff == SoftSelection::Falloff::Global)
+    showGlobal(scene, settings, isDragging);
+  else
+    showEach(scene, settings, isDragging);
   // Views take turns: what none of them has asked for in two rounds goes.
   constexpr std::size_t kMany = 64;
   if (entries_.size() <= kMany) return;
@@ -155,16 +160,20 @@ bool SoftColors::mend(Entry& entry, const RenderMesh& mesh, const Settings& sett
     place(v);
   }
   std::ranges::for_each(*moved, place);
-  const auto byVertex = [](const SoftWeight& a, VertexId v) { return a.vertex < v; };
+  std::vector<SoftWeight> added;
   std::erase_if(entry.weights, [&](const SoftWeight& each) {
     return std::ranges::binary_search(*moved, each.vertex);
   });
   for (const auto& [number, weight] : edits::softWeights(places, chosen, settings.soft)) {
     if (at(number) < entry.chosen.size()) continue;
     const VertexId v = (*moved)[at(number) - entry.chosen.size()];
-    entry.weights.insert(std::lower_bound(entry.weights.begin(), entry.weights.end(), v, byVertex),
-                         {v, weight});
+    added.push_back({v, weight});
   }
+  std::ranges::sort(added, {}, &SoftWeight::vertex);
+  const auto middle = static_cast<std::ptrdiff_t>(entry.weights.size());
+  entry.weights.insert(entry.weights.end(), added.begin(), added.end());
+  std::inplace_merge(entry.weights.begin(), entry.weights.begin() + middle, entry.weights.end(),
+                     [](const SoftWeight& a, const SoftWeight& b) { return a.vertex < b.vertex; });
   entry.mesh = mesh.mesh;
   entry.shown = colored(entry.weights, settings.colors);
   worked_ += moved->size();

@@ -40,6 +40,7 @@ class SoftColors {
     bool isUsed = false;
   };
   void showGlobal(viewport::SceneView& scene, const Settings& settings, bool isDragging);
+  void showEach(viewport::SceneView& scene, const Settings& settings, bool isDragging);
   void update(Entry& entry, const viewport::RenderMesh& mesh, const Settings& settings,
               bool isDragging);
   [[nodiscard]] bool mend(Entry& entry, const viewport::RenderMesh& mesh, const Settings& settings);
