@@ -2,6 +2,7 @@
 #include <array>
 
 #include "host/builtins/common/command.h"
+#include "host/viewport/scene_gather.h"
 #include "host/workspace/workspace.h"
 
 namespace host::builtins {
@@ -94,11 +95,16 @@ class Dragger final : public tools::ToolContext {
   [[nodiscard]] Vec3 place(const InputEvent& event) const {
     const Vec3 pixels{event.position.x, event.position.y, 0};
     if (settings.space == "screen") return pixels;
-    auto shown = workspaceOf(session_).toolbox.views.scene(event.panel);
-    if (!shown) return pixels;
-    const viewport::ViewProjection view(shown->camera, shown->port);
+    workspace::Views& views = workspaceOf(session_).views;
+    const workspace::View* panel = event.panel.empty() ? &views.active() : views.find(event.panel);
+    if (!panel) return pixels;
+    const auto path = workspace::cameraPath(session_.document(), panel->cameraName);
+    if (!path) return pixels;
+    const auto camera = viewport::gatherCamera(*path);
+    if (!camera) return pixels;
+    const viewport::ViewProjection view(*camera, panel->port);
     if (settings.projection != "plane")
-      return view.viewToWorldAt(event.position, shown->camera.centerOfInterestPoint());
+      return view.viewToWorldAt(event.position, camera->centerOfInterestPoint());
     const viewport::ViewRay ray = view.viewToWorld(event.position);
     const double along = dot(settings.plane, ray.farPoint - ray.nearPoint);
     if (std::abs(along) < 1e-12) return drag_;  // seen edge-on
